@@ -1,0 +1,73 @@
+# One folder is one static library is one layer.
+#
+# A layer sees the headers of another only by linking it: every layer's headers are reached through a
+# private include root in the build folder that holds links to that folder's headers and to nothing else.
+# An include of a layer that stands above therefore finds no file.
+
+set(CINDERMILL_LAYER_ROOT "${CMAKE_BINARY_DIR}/layers")
+
+# The name of a folder's library: library/system/files becomes library-system-files.
+function(cindermill_layer_name folder result)
+    string(REPLACE "/" "-" name "${folder}")
+    set(${result} "${name}" PARENT_SCOPE)
+endfunction()
+
+# cindermill_layer(FOLDER [LINKS folder...] [PACKAGES target...])
+#   FOLDER    the folder under the repository's root
+#   LINKS     the folders of the layers below that it uses (their headers come along)
+#   PACKAGES  targets of outside libraries
+function(cindermill_layer folder)
+    cmake_parse_arguments(arg "" "" "LINKS;PACKAGES" ${ARGN})
+    cindermill_layer_name("${folder}" name)
+    set(source "${PROJECT_SOURCE_DIR}/${folder}")
+    file(GLOB headers CONFIGURE_DEPENDS "${source}/*.h")
+    file(GLOB sources CONFIGURE_DEPENDS "${source}/*.cpp")
+    set(root "${CINDERMILL_LAYER_ROOT}/${name}")
+    file(REMOVE_RECURSE "${root}")
+    file(MAKE_DIRECTORY "${root}/${folder}")
+    foreach(header IN LISTS headers)
+        get_filename_component(leaf "${header}" NAME)
+        file(CREATE_LINK "${header}" "${root}/${folder}/${leaf}" SYMBOLIC COPY_ON_ERROR)
+    endforeach()
+    if(sources)
+        add_library(${name} STATIC ${sources} ${headers})
+        set(scope PUBLIC)
+    else()
+        add_library(${name} INTERFACE)
+        set(scope INTERFACE)
+    endif()
+    target_include_directories(${name} ${scope} "${root}")
+    set(links)
+    foreach(below IN LISTS arg_LINKS)
+        cindermill_layer_name("${below}" target)
+        if(NOT TARGET ${target})
+            message(FATAL_ERROR "${folder} links ${below}, which does not stand below it")
+        endif()
+        list(APPEND links ${target})
+    endforeach()
+    target_link_libraries(${name} ${scope} cindermill-options ${links} ${arg_PACKAGES})
+endfunction()
+
+# cindermill_test(FOLDER NAME [LINKS folder...] [PACKAGES target...])
+#   all of tests/FOLDER/*.cpp as one GoogleTest program, each test known to CTest by its own name.
+function(cindermill_test folder)
+    cmake_parse_arguments(arg "" "" "LINKS;PACKAGES" ${ARGN})
+    cindermill_layer_name("${folder}" name)
+    file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp"
+         "${PROJECT_SOURCE_DIR}/tests/${folder}/*.h")
+    if(NOT sources)
+        return()
+    endif()
+    add_executable(test-${name} ${sources})
+    set(links)
+    foreach(below IN LISTS arg_LINKS)
+        cindermill_layer_name("${below}" target)
+        list(APPEND links ${target})
+    endforeach()
+    target_link_libraries(test-${name} PRIVATE cindermill-options cindermill-test-support ${links}
+                          ${arg_PACKAGES} GTest::gtest)
+    target_compile_definitions(test-${name} PRIVATE CINDERMILL_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+                               CINDERMILL_BINARY_DIR="${CMAKE_BINARY_DIR}")
+    set_target_properties(test-${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+    gtest_discover_tests(test-${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()

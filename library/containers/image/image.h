@@ -1,0 +1,57 @@
+#pragma once
+
+#include "library/containers/vector.h"
+
+#include <cstdint>
+
+// The formats that a picture is written in; the numbers are those of the batch program.
+enum TImageFormat
+{
+    IF_TGA,
+    IF_DDS_RAW,
+    IF_DDS_DXT3,
+    IF_DDS_DXT5,
+    IF_HVT_RAW,
+    IF_HVT_DXT3,
+    IF_HVT_DXT5,
+    IF_NUMFORMATS
+};
+
+// A picture: 32-bit RGBA, bottom row first, as the texture upload takes it. docs/images.md has the file formats.
+class TImage
+{
+public:
+    // Each returns false on any failure, with the picture empty.
+    bool LoadDds(const char* path);
+    bool LoadHvt(const char* path);
+    // Tells the two apart by content.
+    bool Load(const char* path);
+    bool Save(const char* path, int format) const;
+
+    // A transparent black picture.
+    void Create(int width, int height);
+    int GetWidth() const { return Width; }
+    int GetHeight() const { return Height; }
+    int GetBitsPerPixel() const { return BitsPerPixel; }
+    // Four bytes per pixel: R, G, B, A.
+    const uint8_t* GetPixels() const { return Pixels.data(); }
+    uint8_t* GetPixel(int x, int y) { return Pixels.data() + (y * Width + x) * 4; }
+    const uint8_t* GetPixel(int x, int y) const { return Pixels.data() + (y * Width + x) * 4; }
+
+private:
+    void Clear();
+    bool Decode(uint32_t code, const uint8_t* data, int64_t size, int width, int height, int64_t pitch, bool morton,
+                bool bigEndian);
+    void ReverseRows(vector<uint8_t>& pixels) const;
+    bool SaveTga(const char* path) const;
+    bool SaveDds(const char* path, int squishFlags) const;
+    bool SaveHvt(const char* path, int squishFlags) const;
+
+    int Width = 0;
+    int Height = 0;
+    int BitsPerPixel = 0;
+    vector<uint8_t> Pixels;
+};
+
+// Position of a pixel in Morton order: the bits of x and y take turns, and where one has run out the other goes on.
+uint32_t SwizzleIndex(uint32_t x, uint32_t y, uint32_t width, uint32_t height);

@@ -1,0 +1,24 @@
+#include "library/system/clock.h"
+
+#include <time.h>
+
+static uint32_t (*TickCountSource)() = nullptr;
+
+uint64_t GetPerformanceCounter()
+{
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<uint64_t>(now.tv_sec) * 1000000000u + static_cast<uint64_t>(now.tv_nsec);
+}
+
+uint32_t GetTickCount()
+{
+    if (TickCountSource != nullptr)
+        return TickCountSource();
+    return static_cast<uint32_t>(GetPerformanceCounter() / 1000000u);
+}
+
+void SetTickCountSource(uint32_t (*source)())
+{
+    TickCountSource = source;
+}

@@ -1,0 +1,384 @@
+#include "library/system/file.h"
+
+#include "library/containers/assertion.h"
+#include "library/system/path.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+static constexpr uint32_t BlockSize = 1024;
+static constexpr int MaxLinks = 40;
+static constexpr int MaxTemporaryNames = 1000;
+
+static bool GetInfo(const char* path, struct stat& info)
+{
+    TString systemPath;
+    ToSystemPath(path, systemPath);
+    return stat(systemPath.Print(), &info) == 0;
+}
+
+static int OpenRetrying(const char* path, int flags, mode_t mode)
+{
+    int handle;
+    do
+        handle = open(path, flags | O_CLOEXEC, mode);
+    while (handle < 0 && errno == EINTR);
+    return handle;
+}
+
+// The handle of a plain file, or -1. Opening a pipe for reading would wait for its writer.
+static int OpenPlainFile(const char* path, int64_t& size)
+{
+    TString systemPath;
+    ToSystemPath(path, systemPath);
+    const int handle = OpenRetrying(systemPath.Print(), O_RDONLY | O_NONBLOCK, 0);
+    if (handle < 0)
+        return -1;
+    struct stat info;
+    if (fstat(handle, &info) != 0 || !S_ISREG(info.st_mode)) {
+        close(handle);
+        return -1;
+    }
+    size = info.st_size;
+    return handle;
+}
+
+static bool ReadAt(int handle, void* buffer, uint32_t n, uint32_t position)
+{
+    unsigned char* to = static_cast<unsigned char*>(buffer);
+    while (n > 0) {
+        const ssize_t got = pread(handle, to, n, static_cast<off_t>(position));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return false;
+        to += got;
+        position += static_cast<uint32_t>(got);
+        n -= static_cast<uint32_t>(got);
+    }
+    return true;
+}
+
+bool FileExists(const char* path)
+{
+    struct stat info;
+    return GetInfo(path, info) && !S_ISDIR(info.st_mode);
+}
+
+bool IsDirectory(const char* path)
+{
+    struct stat info;
+    return GetInfo(path, info) && S_ISDIR(info.st_mode);
+}
+
+bool FileIsWritable(const char* path)
+{
+    struct stat info;
+    if (!GetInfo(path, info))
+        return true;
+    TString systemPath;
+    ToSystemPath(path, systemPath);
+    // The owner's bit is looked at by itself, as the superuser may write to what is marked read-only.
+    return !S_ISDIR(info.st_mode) && (info.st_mode & S_IWUSR) != 0 && access(systemPath.Print(), W_OK) == 0;
+}
+
+bool ClearReadOnly(const char* path)
+{
+    struct stat info;
+    if (!GetInfo(path, info))
+        return false;
+    if ((info.st_mode & S_IWUSR) != 0)
+        return true;
+    TString systemPath;
+    ToSystemPath(path, systemPath);
+    return chmod(systemPath.Print(), (info.st_mode & 07777) | S_IWUSR) == 0;
+}
+
+uint32_t GetFileSize(const char* path)
+{
+    uint64_t size = 0;
+    if (!GetFileSize64(path, size) || size > UINT32_MAX)
+        return 0;
+    return static_cast<uint32_t>(size);
+}
+
+bool GetFileSize64(const char* path, uint64_t& result)
+{
+    int64_t size = 0;
+    const int handle = OpenPlainFile(path, size);
+    if (handle < 0)
+        return false;
+    close(handle);
+    result = static_cast<uint64_t>(size);
+    return true;
+}
+
+bool ReadWholeFile(const char* path, void* buffer)
+{
+    int64_t size = 0;
+    const int handle = OpenPlainFile(path, size);
+    if (handle < 0)
+        return false;
+    const bool whole = size <= UINT32_MAX && ReadAt(handle, buffer, static_cast<uint32_t>(size), 0);
+    close(handle);
+    return whole;
+}
+
+bool MakeDirectory(const char* path)
+{
+    TString systemPath;
+    ToSystemPath(path, systemPath);
+    return mkdir(systemPath.Print(), 0777) == 0;
+}
+
+// Follows the links that the last part of a path may be, to a file that need not exist.
+static bool FollowLinks(TString& path)
+{
+    for (int i = 0; i < MaxLinks; ++i) {
+        struct stat info;
+        if (lstat(path.Print(), &info) != 0 || !S_ISLNK(info.st_mode))
+            return true;
+        char text[PATH_MAX];
+        const ssize_t length = readlink(path.Print(), text, sizeof(text));
+        if (length <= 0 || length >= static_cast<ssize_t>(sizeof(text)))
+            return false;
+        TString target;
+        target.Assign(text, text + length);
+        const int separator = text[0] == '/' ? -1 : path.FindLast('/');
+        TString followed;
+        if (separator >= 0)
+            followed.Left(path.Print(), separator + 1);
+        followed += target.Print();
+        path = followed;
+    }
+    return false;
+}
+
+// Creates a file of a new name in the directory of `target`.
+static int CreateBeside(const char* target, mode_t mode, TString& path)
+{
+    static unsigned counter = 0;
+    TString name(target);
+    TString directory;
+    const int separator = name.FindLast('/');
+    if (separator >= 0)
+        directory.Left(target, separator + 1);
+    for (int i = 0; i < MaxTemporaryNames; ++i) {
+        name.Format(".cindermill-%d-%u.tmp", static_cast<int>(getpid()), counter++);
+        path = directory;
+        path += name.Print();
+        const int handle = OpenRetrying(path.Print(), O_WRONLY | O_CREAT | O_EXCL, mode);
+        if (handle >= 0 || errno != EEXIST)
+            return handle;
+    }
+    return -1;
+}
+
+// Some file systems cannot be told to write through; that is no failure to write.
+static bool WriteThrough(int handle)
+{
+    int result;
+    do
+        result = fsync(handle);
+    while (result != 0 && errno == EINTR);
+    return result == 0 || errno == EINVAL || errno == ENOSYS;
+}
+
+TFile::~TFile() noexcept(false)
+{
+    const bool open = IsOpen();
+    Abandon();
+    delete[] Cache;
+    ASSERT_TEXT(!open || IsAssertUnwinding(), "!IsOpen() : Attempt to delete open file");
+}
+
+bool TFile::OpenRead(const char* path)
+{
+    ASSERT_TEXT(!IsOpen(), "!IsOpen() : Attempt to re-open file");
+    int64_t size = 0;
+    const int handle = OpenPlainFile(path, size);
+    if (handle < 0)
+        return false;
+    // Positions are given and taken as ints.
+    if (size > INT_MAX) {
+        close(handle);
+        return false;
+    }
+    Reset();
+    if (Cache == nullptr)
+        Cache = new unsigned char[BlockSize];
+    Handle = handle;
+    Mode = 3;
+    Size = static_cast<uint32_t>(size);
+    Path = path;
+    return true;
+}
+
+bool TFile::OpenWrite(const char* path)
+{
+    ASSERT_TEXT(!IsOpen(), "!IsOpen() : Attempt top re-open file");
+    Reset();
+    ToSystemPath(path, Target);
+    if (Target.IsEmpty() || !FollowLinks(Target) || !FileIsWritable(Target.Print()))
+        return false;
+    struct stat old;
+    const bool exists = stat(Target.Print(), &old) == 0;
+    if (exists && !S_ISREG(old.st_mode))
+        return false;
+    const mode_t mode = exists ? old.st_mode & 07777 : 0666;
+    const int handle = CreateBeside(Target.Print(), mode, Temporary);
+    if (handle < 0)
+        return false;
+    Handle = handle;
+    Mode = 2;
+    Path = path;
+    // The file that takes the old one's place is open to the same people.
+    if (exists && fchmod(Handle, mode) != 0) {
+        Abandon();
+        return false;
+    }
+    return true;
+}
+
+bool TFile::Close()
+{
+    ASSERT_TEXT(IsOpen(), "IsOpen() : Attempt to close non-open file");
+    const bool reading = IsRead();
+    bool whole = reading || (!WriteFailed && WriteThrough(Handle));
+    if (close(Handle) != 0 && !reading)
+        whole = false;
+    if (!reading) {
+        whole = whole && rename(Temporary.Print(), Target.Print()) == 0;
+        if (!whole)
+            unlink(Temporary.Print());
+    }
+    Reset();
+    return whole;
+}
+
+void TFile::Abandon()
+{
+    if (!IsOpen())
+        return;
+    close(Handle);
+    if (!IsRead())
+        unlink(Temporary.Print());
+    Reset();
+}
+
+void TFile::Reset()
+{
+    Handle = -1;
+    Mode = 0;
+    Size = 0;
+    FilePtr = 0;
+    CacheBase = -1;
+    WriteFailed = false;
+}
+
+// The whole block, wherever the file pointer stands in it: no byte of the cache that lies within the file is
+// ever left over from another block.
+bool TFile::LoadBlock(uint32_t base)
+{
+    if (CacheBase == static_cast<int64_t>(base))
+        return true;
+    CacheBase = -1;
+    const uint32_t count = Size - base < BlockSize ? Size - base : BlockSize;
+    if (!ReadAt(Handle, Cache, count, base))
+        return false;
+    CacheBase = base;
+    return true;
+}
+
+bool TFile::Read(void* buffer, int n)
+{
+    ASSERT_TEXT(IsOpen(), "IsOpen() : Attempt to read from non-open file");
+    ASSERT_TEXT(IsRead(), "IsRead() : Attempt to read from file opened for write");
+    if (n < 0 || static_cast<uint32_t>(n) > Size - FilePtr)
+        return false;
+    if (n == 0)
+        return true;
+    unsigned char* to = static_cast<unsigned char*>(buffer);
+    const uint32_t end = FilePtr + static_cast<uint32_t>(n);
+    const uint32_t offset = FilePtr % BlockSize;
+    const uint32_t first = FilePtr - offset;
+    const uint32_t last = end - end % BlockSize;
+    if (!LoadBlock(first))
+        return false;
+    if (first == last) {
+        memcpy(to, Cache + offset, static_cast<uint32_t>(n));
+        FilePtr = end;
+        return true;
+    }
+    const uint32_t head = BlockSize - offset;
+    memcpy(to, Cache + offset, head);
+    const uint32_t middle = last - first - BlockSize;
+    if (middle > 0 && !ReadAt(Handle, to + head, middle, first + BlockSize))
+        return false;
+    if (end > last) {
+        if (!LoadBlock(last))
+            return false;
+        memcpy(to + head + middle, Cache, end - last);
+    }
+    FilePtr = end;
+    return true;
+}
+
+bool TFile::Write(const void* buffer, int n)
+{
+    ASSERT_TEXT(IsOpen(), "IsOpen() : Attempt to write to non-open file");
+    ASSERT_TEXT(!IsRead(), "!IsRead() : Attempt to write to file opened for read");
+    if (n < 0 || static_cast<uint32_t>(n) > INT_MAX - FilePtr) {
+        WriteFailed = true;
+        return false;
+    }
+    const unsigned char* from = static_cast<const unsigned char*>(buffer);
+    while (n > 0) {
+        const ssize_t written = write(Handle, from, static_cast<size_t>(n));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0) {
+            WriteFailed = true;
+            return false;
+        }
+        from += written;
+        n -= static_cast<int>(written);
+        FilePtr += static_cast<uint32_t>(written);
+    }
+    return true;
+}
+
+int TFile::GetFilePtr() const
+{
+    ASSERT_TEXT(IsOpen(), "IsOpen() : Attempt to read file ptr of non-open file");
+    return static_cast<int>(FilePtr);
+}
+
+void TFile::SetFilePtr(int pos)
+{
+    ASSERT_TEXT(IsOpen(), "IsOpen() : Attempt to set file ptr of non-open file");
+    ASSERT_TEXT(IsRead(), "IsRead() : Attempt to set file ptr of non-read file");
+    const uint32_t fileptr = static_cast<uint32_t>(pos);
+    ASSERT_TEXT(fileptr <= Size, "fileptr <= Size : Attempt to set file ptr out of range");
+    FilePtr = fileptr;
+}
+
+bool TFile::IsEof() const
+{
+    ASSERT_TEXT(IsOpen(), "IsOpen() : Attempt to read EOF status of non-open file");
+    return FilePtr == Size;
+}
+
+void TFile::SetFileTime(int64_t time)
+{
+    ASSERT_TEXT(IsOpen(), "IsOpen()");
+    timespec times[2] = {};
+    times[0].tv_nsec = UTIME_OMIT;
+    times[1].tv_sec = static_cast<time_t>(time);
+    futimens(Handle, times);
+}

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "library/containers/string.h"
+
+#include <cstdint>
+
+// Path names, none needing an open file.
+bool FileExists(const char* path);
+bool IsDirectory(const char* path);
+// True also for a file that does not exist yet.
+bool FileIsWritable(const char* path);
+// True if the file is not read-only, or could be made so; false if it does not exist.
+bool ClearReadOnly(const char* path);
+// 0 if the file cannot be opened.
+uint32_t GetFileSize(const char* path);
+bool GetFileSize64(const char* path, uint64_t& result);
+// Reads GetFileSize bytes; whether all arrived.
+bool ReadWholeFile(const char* path, void* buffer);
+bool MakeDirectory(const char* path);
+
+// The program's file: reading goes through a one-block cache, writing straight to the platform. Wrong use
+// asserts.
+//
+// A file being written stands beside its target under another name; Close moves it over the target when every
+// write succeeded, so that a failure leaves the old file as it was.
+class TFile
+{
+public:
+    TFile() = default;
+    // Asserts that the file is closed; while an assertion unwinds, an open file is abandoned quietly.
+    ~TFile() noexcept(false);
+    TFile(const TFile&) = delete;
+    TFile& operator=(const TFile&) = delete;
+
+    bool OpenRead(const char* path);
+    bool OpenWrite(const char* path);
+    // False if the file was being written and is not whole on the disc; the old file then stands.
+    bool Close();
+    // Closes a file being written and drops it: the old file stands. Closes a file being read.
+    void Abandon();
+
+    bool Read(void* buffer, int n);
+    bool Write(const void* buffer, int n);
+    int GetFilePtr() const;
+    void SetFilePtr(int pos);
+    bool IsEof() const;
+    // Seconds since the epoch, in UTC.
+    void SetFileTime(int64_t time);
+    int GetSize() const { return static_cast<int>(Size); }
+    // Bytes between the file pointer and the end, for holding a count against before it is believed.
+    int GetRemaining() const { return static_cast<int>(Size - FilePtr); }
+    // The path given at opening.
+    const TString& GetPath() const { return Path; }
+
+    bool IsOpen() const { return (Mode & 2) != 0; }
+    bool IsRead() const { return (Mode & 1) != 0; }
+
+protected:
+    // Read of one byte, quick while it lies in the cached block.
+    bool ReadCharacter(char& c)
+    {
+        const uint32_t offset = FilePtr % 1024;
+        if (FilePtr >= Size || CacheBase != static_cast<int64_t>(FilePtr - offset))
+            return Read(&c, 1);
+        c = static_cast<char>(Cache[offset]);
+        ++FilePtr;
+        return true;
+    }
+
+private:
+    bool LoadBlock(uint32_t base);
+    void Reset();
+
+    int Handle = -1;
+    uint32_t Mode = 0;
+    uint32_t Size = 0;
+    uint32_t FilePtr = 0;
+    unsigned char* Cache = nullptr;
+    int64_t CacheBase = -1;
+    bool WriteFailed = false;
+    TString Path;
+    TString Target;
+    TString Temporary;
+};

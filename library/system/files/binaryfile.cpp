@@ -1,0 +1,139 @@
+#include "library/system/files/binaryfile.h"
+
+#include "library/containers/assertion.h"
+
+#include <string.h>
+
+// A string in a file takes at most this many words, its end included.
+static constexpr int MaxStringWords = 1024;
+static constexpr int MaxStringLength = MaxStringWords * 4 - 1;
+
+bool TBinaryFile::ReadI32(int32_t& value)
+{
+    return Read(&value, 4);
+}
+
+bool TBinaryFile::ReadU32(uint32_t& value)
+{
+    return Read(&value, 4);
+}
+
+bool TBinaryFile::ReadFloat(float& value)
+{
+    return Read(&value, 4);
+}
+
+bool TBinaryFile::ReadByte(uint8_t& value)
+{
+    return Read(&value, 1);
+}
+
+bool TBinaryFile::ReadBool(bool& value)
+{
+    uint8_t byte = 0;
+    if (!ReadByte(byte))
+        return false;
+    value = byte == 1;
+    return true;
+}
+
+bool TBinaryFile::ReadVector3(TVector3& value)
+{
+    return Read(value.Component, sizeof(value.Component));
+}
+
+bool TBinaryFile::ReadString(TString& value)
+{
+    char buffer[MaxStringWords * 4];
+    for (int i = 0;; ++i) {
+        ASSERT_TEXT(i < MaxStringWords, "i<1024 : BinaryFile string read overflow");
+        char* word = buffer + i * 4;
+        if (!Read(word, 4))
+            return false;
+        const void* end = memchr(word, 0, 4);
+        if (end != nullptr) {
+            value.Assign(buffer, static_cast<const char*>(end));
+            return true;
+        }
+    }
+}
+
+bool TBinaryFile::ReadStrings(vector<TString>& value)
+{
+    uint32_t count = 0;
+    if (!ReadU32(count) || count > static_cast<uint32_t>(GetRemaining()) / 4)
+        return false;
+    value.clear();
+    value.reserve(static_cast<int>(count));
+    for (uint32_t i = 0; i < count; ++i) {
+        TString element;
+        if (!ReadString(element))
+            return false;
+        value.push_back(element);
+    }
+    return true;
+}
+
+bool TBinaryFile::ReadU32s(vector<uint32_t>& value)
+{
+    uint32_t count = 0;
+    if (!ReadU32(count) || count > static_cast<uint32_t>(GetRemaining()) / 4)
+        return false;
+    value.resize(static_cast<int>(count));
+    return Read(value.data(), static_cast<int>(count * 4));
+}
+
+bool TBinaryFile::WriteI32(int32_t value)
+{
+    return Write(&value, 4);
+}
+
+bool TBinaryFile::WriteU32(uint32_t value)
+{
+    return Write(&value, 4);
+}
+
+bool TBinaryFile::WriteFloat(float value)
+{
+    return Write(&value, 4);
+}
+
+bool TBinaryFile::WriteByte(uint8_t value)
+{
+    return Write(&value, 1);
+}
+
+bool TBinaryFile::WriteBool(bool value)
+{
+    return WriteByte(value ? 1 : 0);
+}
+
+bool TBinaryFile::WriteVector3(const TVector3& value)
+{
+    return Write(value.Component, sizeof(value.Component));
+}
+
+bool TBinaryFile::WriteString(const TString& value)
+{
+    static constexpr char padding[4] = {};
+    const int length = value.Length();
+    // Better no file than one that cannot be read again.
+    if (length > MaxStringLength)
+        return false;
+    return Write(value.Print(), length) && Write(padding, GetStringSize(value) - length);
+}
+
+bool TBinaryFile::WriteStrings(const vector<TString>& value)
+{
+    if (!WriteU32(static_cast<uint32_t>(value.size())))
+        return false;
+    for (const TString& element : value)
+        if (!WriteString(element))
+            return false;
+    return true;
+}
+
+bool TBinaryFile::WriteU32s(const vector<uint32_t>& value)
+{
+    return WriteU32(static_cast<uint32_t>(value.size())) && Write(value.data(), value.size() * 4);
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "library/containers/vector.h"
+#include "library/maths/vector3.h"
+#include "library/system/file.h"
+
+// Typed reading and writing, little-endian. Every form returns whether the bytes came or went.
+// A count is held against what the file has left before anything is allocated for it.
+class TBinaryFile : public TFile
+{
+public:
+    bool ReadI32(int32_t& value);
+    bool ReadU32(uint32_t& value);
+    bool ReadFloat(float& value);
+    bool ReadByte(uint8_t& value);
+    // True only for a byte of exactly 1.
+    bool ReadBool(bool& value);
+    bool ReadVector3(TVector3& value);
+    bool ReadRaw(void* buffer, int n) { return Read(buffer, n); }
+    bool ReadString(TString& value);
+    bool ReadStrings(vector<TString>& value);
+    bool ReadU32s(vector<uint32_t>& value);
+
+    bool WriteI32(int32_t value);
+    bool WriteU32(uint32_t value);
+    bool WriteFloat(float value);
+    bool WriteByte(uint8_t value);
+    bool WriteBool(bool value);
+    bool WriteVector3(const TVector3& value);
+    bool WriteRaw(const void* buffer, int n) { return Write(buffer, n); }
+    bool WriteString(const TString& value);
+    bool WriteStrings(const vector<TString>& value);
+    bool WriteU32s(const vector<uint32_t>& value);
+
+    // Bytes that a string takes in a file.
+    static int GetStringSize(const TString& value) { return (value.Length() + 4) & ~3; }
+};

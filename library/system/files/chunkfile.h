@@ -1,0 +1,123 @@
+#pragma once
+
+#include "library/system/files/binaryfile.h"
+#include "library/system/files/chunk.h"
+
+// The last failure of a load, "<no error>" after a successful start of one.
+const char* GetLastChunkError();
+
+// A chunk of a class that this build does not have; its bytes survive a load and a save.
+class TUnknownChunk : public TChunk
+{
+public:
+    explicit TUnknownChunk(uint32_t nameId) : NameID(nameId) {}
+    ~TUnknownChunk() override;
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override { return Size; }
+    int GetVersion() override { return Version; }
+    uint32_t GetClassId() override { return NameID; }
+
+private:
+    int Size = 0;
+    int Version = 0;
+    uint32_t NameID;
+    unsigned char* Data = nullptr;
+};
+
+// An object graph on disc and its owner in memory. Pointers between chunks are positions, -1 for null.
+// The typed reading and writing of bodies goes through File.
+class TChunkFile
+{
+public:
+    TChunkFile() = default;
+    // Never throws: an assertion in ordering the chunks by their dependencies is fatal, or under a guard
+    // passed over.
+    ~TChunkFile() noexcept;
+    TChunkFile(const TChunkFile&) = delete;
+    TChunkFile& operator=(const TChunkFile&) = delete;
+
+    // The chunks made before a failure stay, for the caller to clear. After a file that ends within its table
+    // File stays open, until the next load or save or the destructor.
+    bool Load(const char* path);
+    bool Save(const char* path);
+    bool HasFailed() const { return Failed; }
+
+    // Takes ownership.
+    void AddChunk(TChunk* chunk);
+    // Gives ownership back.
+    void RemoveChunk(TChunk* chunk);
+    void GetChunksOfClass(uint32_t nameId, vector<TChunk*>& result);
+    int GetNumChunks() const { return Chunks.size(); }
+    TChunk* GetChunkAt(int i) const { return Chunks[i]; }
+    // Bytes that Save would write.
+    int GetFileSize();
+
+    // For TClass a registered chunk class with a static NameID(). The chunk must be of that class or derive
+    // from it.
+    template <class TClass>
+    bool ReadPointer(TClass*& result)
+    {
+        TChunk* chunk = nullptr;
+        if (!ReadChunkPointer(chunk, TClass::NameID()))
+            return false;
+        result = static_cast<TClass*>(chunk);
+        return true;
+    }
+    bool WritePointer(const TChunk* chunk);
+    // A u32 count, then the pointers.
+    template <class TClass>
+    bool ReadPointers(vector<TClass*>& result)
+    {
+        uint32_t count = 0;
+        if (!ReadCount(count, 4))
+            return false;
+        result.clear();
+        result.reserve(static_cast<int>(count));
+        for (uint32_t i = 0; i < count; ++i) {
+            TClass* chunk = nullptr;
+            if (!ReadPointer(chunk))
+                return false;
+            result.push_back(chunk);
+        }
+        return true;
+    }
+    template <class TClass>
+    bool WritePointers(const vector<TClass*>& chunks)
+    {
+        if (!File.WriteU32(static_cast<uint32_t>(chunks.size())))
+            return false;
+        for (TClass* chunk : chunks)
+            if (!WritePointer(chunk))
+                return false;
+        return true;
+    }
+    // A u32 count of elements of at least `elementSize` bytes each; false if the file cannot hold that many.
+    bool ReadCount(uint32_t& count, int elementSize);
+
+    TChunk* GetChunk(int index, uint32_t classId);
+    int GetChunkIndex(const TChunk* chunk) const;
+    // Deletes all chunks, in dependency order.
+    void Clear();
+
+    TBinaryFile File;
+
+private:
+    struct TEntry
+    {
+        uint32_t NameID;
+        uint32_t Size;
+        uint32_t Version;
+    };
+
+    bool ReadChunkPointer(TChunk*& result, uint32_t classId);
+    bool LoadTable(uint32_t count, vector<TEntry>& table);
+    bool LoadBodies(int first, const vector<TEntry>& table);
+    bool WriteTable();
+    bool WriteBodies();
+    void SortByDependencies();
+    void DeleteChunks();
+
+    vector<TChunk*> Chunks;
+    bool Failed = false;
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "library/containers/string.h"
+
+// The system's own paths may hold "\\" or "/". Whatever goes to the operating system goes through here first.
+
+// The path in the system's own form. Where no file of the exact name exists, one that differs only in the case of
+// ASCII letters is taken.
+void ToSystemPath(const char* path, TString& out);
+
+// The path as a person reads it: the system's own separators, nothing looked up.
+void ToShownPath(const char* path, TString& out);
+
+// "/" to "\\", as paths are kept and compared.
+void ToKeptPath(const char* path, TString& out);
+
+// Full path of the running program.
+void GetProgramPath(TString& out);
+
+struct TDirectoryEntry
+{
+    TString Name;
+    bool IsDirectory;
+};
+
+// What a directory holds, without "." and "..", symbolic links and other file systems, in the order of names without case.
+// False if it cannot be listed.
+bool ListDirectory(const char* path, vector<TDirectoryEntry>& result);

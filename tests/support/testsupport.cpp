@@ -1,0 +1,62 @@
+#include "support/testsupport.h"
+
+#include "library/containers/assertion.h"
+#include "library/containers/log.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include <stdlib.h>
+
+std::string AssertionOf(const std::function<void()>& work)
+{
+    TString text;
+    if (RunGuarded(work, text))
+        return "";
+    return text.Print();
+}
+
+std::string LogOf(const std::function<void()>& work)
+{
+    std::string text;
+    TLogCapture capture([](const char* line, void* data) { *static_cast<std::string*>(data) += line; }, &text);
+    work();
+    return text;
+}
+
+TTempFolder::TTempFolder()
+{
+    std::string pattern = (std::filesystem::temp_directory_path() / "cindermill-XXXXXX").string();
+    Folder = mkdtemp(pattern.data());
+}
+
+TTempFolder::~TTempFolder()
+{
+    std::error_code error;
+    std::filesystem::remove_all(Folder, error);
+}
+
+std::string ReadBytes(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+void WriteBytes(const std::string& path, const std::string& bytes)
+{
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string SourcePath(const std::string& path)
+{
+    return std::string(CINDERMILL_SOURCE_ROOT) + "/" + path;
+}
+
+int main(int argc, char** argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

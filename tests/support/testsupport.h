@@ -1,0 +1,42 @@
+#pragma once
+
+#include "library/containers/string.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+// The text of the assertion that fails in `work`, or "" if none does.
+std::string AssertionOf(const std::function<void()>& work);
+
+// What `work` writes to the log.
+std::string LogOf(const std::function<void()>& work);
+
+// A fresh folder under the system's temporary folder, gone with the object.
+class TTempFolder
+{
+public:
+    TTempFolder();
+    ~TTempFolder();
+    TTempFolder(const TTempFolder&) = delete;
+    TTempFolder& operator=(const TTempFolder&) = delete;
+    // The path of a file in the folder.
+    std::string Path(const std::string& leaf) const { return Folder + "/" + leaf; }
+    const std::string& GetFolder() const { return Folder; }
+
+private:
+    std::string Folder;
+};
+
+// A file's bytes; "" if it cannot be read.
+std::string ReadBytes(const std::string& path);
+void WriteBytes(const std::string& path, const std::string& bytes);
+// A file of the repository, by its path from the root.
+std::string SourcePath(const std::string& path);
+
+inline std::string Text(const TString& text)
+{
+    return text.Print();
+}
