@@ -241,6 +241,9 @@ bool TImage::Decode(uint32_t code, const uint8_t* data, int64_t size, int width,
     const int64_t step = pitch != 0 ? pitch : row;
     const uint32_t w = static_cast<uint32_t>(width);
     const uint32_t h = static_cast<uint32_t>(height);
+    // Rows that lie in each other would let a small file ask for a picture of any size.
+    if (step < row)
+        return false;
     const int64_t needed = morton ? (static_cast<int64_t>(SwizzleIndex(w - 1, h - 1, w, h)) + 1) * rule.Size
                                   : step * (height - 1) + row;
     // A code that nobody knows tells no pixel size; its file must at least hold a byte per pixel.
@@ -377,7 +380,7 @@ bool TImage::LoadHvt(const char* path)
     if (offset > static_cast<uint32_t>(bytes.size()))
         return false;
     const uint8_t format = header[24];
-    const uint32_t code = static_cast<uint32_t>(format & 31) << 24 | (BigU32(header + 28) & 0xFFFFFF);
+    const uint32_t code = static_cast<uint32_t>(format & 31) << 24 | BigU32(header + 28);
     const bool linear = (format & HvtLinear) != 0;
     const int64_t pitch = linear ? BigU32(header + 40) : 0;
     return Decode(code, header + offset, bytes.size() - static_cast<int>(offset),

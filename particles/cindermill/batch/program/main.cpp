@@ -1,0 +1,7 @@
+#include "particles/cindermill/batch/batchprogram.h"
+
+int main(int argc, char** argv)
+{
+    TBatchProgram program;
+    return program.Run(argc, argv);
+}

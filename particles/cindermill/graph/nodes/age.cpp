@@ -1,0 +1,34 @@
+#include "particles/cindermill/graph/nodes/age.h"
+
+namespace {
+
+TClassRegistrar Registrar(&TAge::ClassId);
+
+} // namespace
+
+int TAge::ClassId()
+{
+    static const int id = RegisterExecNode<TAge>("TAge");
+    return id;
+}
+
+void TAge::Execute(int index, float dt)
+{
+    const float age = static_cast<float>(static_cast<double>(ReadInput(0, index)[0]) + dt);
+    const float maximum = ReadInput(1, index)[0];
+    WriteOutput(0, index, TPortValue(age));
+    if (age > maximum)
+        KillParticle(index);
+}
+
+void TAge::Export(TExportData& exportData, TErrorList&)
+{
+    const uint32_t dead = exportData.AllocTempRow();
+    exportData.SetCommand("IdUpdateAge", 0);
+    exportData.AddInput(0, 0, -1);
+    exportData.AddInput(1, 0, -1);
+    exportData.AddOutput(0, 0, -1);
+    exportData.AddOutputRow(dead);
+    exportData.SetCommand("IdPrune", 0);
+    exportData.AddInputRow(dead);
+}

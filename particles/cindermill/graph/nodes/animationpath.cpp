@@ -1,0 +1,81 @@
+#include "particles/cindermill/graph/nodes/animationpath.h"
+
+#include "particles/cindermill/main/animation/animation.h"
+#include "particles/effectgraph/simpleparameters.h"
+
+namespace {
+
+TClassRegistrar Registrar(&TAnimationPath::ClassId);
+
+} // namespace
+
+int TAnimationPath::ClassId()
+{
+    static const int id = RegisterExecNode<TAnimationPath>("TAnimationPath");
+    return id;
+}
+
+TAnimationPath::~TAnimationPath()
+{
+    if (Parameter != nullptr)
+        Parameter->RemoveCallback(&OnChanged, this);
+}
+
+bool TAnimationPath::Init(TErrorList& errors)
+{
+    Parameter = RequireParameter<TNodeAnimationParameter>("Animation", PK_ANIMATION, errors);
+    if (Parameter == nullptr)
+        return false;
+    Parameter->AddCallback(&OnChanged, this);
+    TString error;
+    if (LoadAnimation(error))
+        return true;
+    errors.Add(new TError("%s", error.Print()));
+    return false;
+}
+
+bool TAnimationPath::LoadAnimation(TString& error)
+{
+    const TString& name = Parameter->GetFileName();
+    if (name.IsEmpty()) {
+        error = "No animation specified in Animation Path node";
+        return false;
+    }
+    TString path;
+    if (!GetServices().FindResource(name, path)) {
+        error.Format("Could not resolve path for animation %s", name.Print());
+        return false;
+    }
+    const TAnimation* animation = GetAnimation(path);
+    if (animation == nullptr) {
+        error.Format("Could not load animation %s", name.Print());
+        return false;
+    }
+    Animation = animation;
+    return true;
+}
+
+void TAnimationPath::OnChanged(TNodeParameter*, void* data)
+{
+    TAnimationPath& path = *static_cast<TAnimationPath*>(data);
+    TString text;
+    if (path.LoadAnimation(text))
+        return;
+    text.Format("Could not load animation %s", path.Parameter->GetFileName().Print());
+    path.GetServices().Warn(text);
+}
+
+void TAnimationPath::Execute(int index, float)
+{
+    const float t = ReadInput(0, index)[0];
+    unsigned tracks = 0;
+    if (Parameter->UsesPosition())
+        tracks |= AT_POSITION;
+    if (Parameter->UsesRotation())
+        tracks |= AT_ROTATION;
+    if (Parameter->UsesScale())
+        tracks |= AT_SCALE;
+    TPortValue transform;
+    Animation->Evaluate(t, tracks, transform.GetFloats());
+    WriteOutput(0, index, transform);
+}

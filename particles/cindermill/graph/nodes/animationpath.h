@@ -1,0 +1,26 @@
+#pragma once
+
+#include "particles/cindermill/graph/effectexecnode.h"
+
+class TAnimation;
+class TNodeAnimationParameter;
+class TNodeParameter;
+
+// A transform that follows a key-framed animation. The console does not know it.
+class TAnimationPath : public TEffectExecNode
+{
+public:
+    static int ClassId();
+    ~TAnimationPath() override;
+    bool Init(TErrorList& errors) override;
+    void Execute(int index, float dt) override;
+
+private:
+    static void OnChanged(TNodeParameter* parameter, void* path);
+    // Takes the parameter's file; on failure the animation stays as it was.
+    bool LoadAnimation(TString& error);
+
+    TNodeAnimationParameter* Parameter = nullptr;
+    // The shared one of its file.
+    const TAnimation* Animation = nullptr;
+};

@@ -1,0 +1,36 @@
+#include "particles/cindermill/graph/nodes/attractor.h"
+
+namespace {
+
+TClassRegistrar Registrar(&TAttractor::ClassId);
+
+} // namespace
+
+int TAttractor::ClassId()
+{
+    static const int id = RegisterExecNode<TAttractor>("TAttractor");
+    return id;
+}
+
+void TAttractor::Execute(int index, float dt)
+{
+    const TPortValue position = ReadInput(0, index);
+    TPortValue velocity = ReadInput(1, index);
+    const TPortValue target = ReadInput(2, index);
+    const float strength = ReadInput(3, index)[0];
+    for (int i = 0; i < 3; ++i) {
+        const double distance = static_cast<double>(target[i]) - position[i];
+        velocity[i] = static_cast<float>(velocity[i] + distance * (static_cast<double>(dt) * strength));
+    }
+    WriteOutput(0, index, velocity);
+}
+
+void TAttractor::Export(TExportData& exportData, TErrorList&)
+{
+    exportData.SetCommand("IdAttractor", 0);
+    exportData.AddInput(0, 0, 3);
+    exportData.AddInput(1, 0, 3);
+    exportData.AddInput(2, 0, 3);
+    exportData.AddInput(3, 0, -1);
+    exportData.AddOutput(0, 0, 3);
+}

@@ -1,0 +1,33 @@
+#include "particles/cindermill/graph/nodes/blendedquadrenderstage.h"
+
+namespace {
+
+constexpr TRenderStageKind Kind = {
+    "TBlendedQuadRenderStage",
+    "IdBlendedQuadRenderStage",
+    {"position", "rotation", "scale", "blend", "colour", "uvs", nullptr},
+    {"worldViewProj", nullptr},
+    {"spriteTexture", "blendTexture", nullptr},
+    {{"Base Texture", "No base texture specified in Blended Quad Render Stage"},
+     {"Blend Texture", "No blend texture specified in Blended Quad Render Stage"},
+     {}},
+};
+
+TRenderStageStatic& GetShared()
+{
+    static TRenderStageStatic shared(Kind);
+    return shared;
+}
+
+TClassRegistrar Registrar(&TBlendedQuadRenderStage::ClassId);
+
+} // namespace
+
+TBlendedQuadRenderStage::TBlendedQuadRenderStage() : TRenderStage(GetShared()) {}
+
+int TBlendedQuadRenderStage::ClassId()
+{
+    static const int id = RegisterClass(&ConstructClass<TBlendedQuadRenderStage, TEffectExecNode>,
+                                        Kind.ClassName, TEffectExecNode::ClassId());
+    return id;
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "particles/cindermill/graph/nodes/renderstage.h"
+
+// A rectangle that faces the eye and fades from one texture to another.
+class TBlendedSpriteRenderStage : public TRenderStage
+{
+public:
+    TBlendedSpriteRenderStage();
+    static int ClassId();
+};

@@ -1,0 +1,27 @@
+#include "particles/cindermill/graph/nodes/buildvector.h"
+
+namespace {
+
+TClassRegistrar Registrar(&TBuildVector::ClassId);
+
+} // namespace
+
+int TBuildVector::ClassId()
+{
+    static const int id = RegisterExecNode<TBuildVector>("TBuildVector");
+    return id;
+}
+
+void TBuildVector::Execute(int index, float)
+{
+    TPortValue vector;
+    for (int c = 0; c < 3; ++c)
+        vector[c] = ReadInput(c, index)[0];
+    WriteOutput(0, index, vector);
+}
+
+void TBuildVector::Export(TExportData& exportData, TErrorList&)
+{
+    for (int c = 0; c < 3; ++c)
+        exportData.PassThrough(c, 0, 0, 1, c);
+}

@@ -1,0 +1,23 @@
+#include "particles/cindermill/graph/nodes/constant.h"
+
+namespace {
+
+TClassRegistrar Registrar(&TConstant::ClassId);
+
+} // namespace
+
+int TConstant::ClassId()
+{
+    static const int id = RegisterExecNode<TConstant>("TConstant");
+    return id;
+}
+
+void TConstant::Execute(int index, float)
+{
+    WriteOutput(0, index, ReadInput(0, index));
+}
+
+void TConstant::Export(TExportData& exportData, TErrorList&)
+{
+    exportData.PassThrough(0, 0, 0, -1, -1);
+}

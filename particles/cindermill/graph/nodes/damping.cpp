@@ -1,0 +1,34 @@
+#include "particles/cindermill/graph/nodes/damping.h"
+
+#include "particles/cindermill/graph/nodes/nodemaths.h"
+
+namespace {
+
+TClassRegistrar Registrar(&TDamping::ClassId);
+
+} // namespace
+
+int TDamping::ClassId()
+{
+    static const int id = RegisterExecNode<TDamping>("TDamping");
+    return id;
+}
+
+void TDamping::Execute(int index, float dt)
+{
+    TPortValue velocity = ReadInput(0, index);
+    const float damping = ReadInput(1, index)[0];
+    const float f = static_cast<float>(1.0 - (1.0 - damping) * dt);
+    for (int half = 0; half < 2; ++half)
+        SetVector(velocity, Scaled(GetVector(velocity, half), f), half);
+    WriteOutput(0, index, velocity);
+}
+
+void TDamping::Export(TExportData& exportData, TErrorList&)
+{
+    const bool both = HasBothHalves(exportData, 0);
+    exportData.SetCommand("IdDamping", 0);
+    AddVectorInput(exportData, 0, both);
+    exportData.AddInput(1, 0, -1);
+    AddVectorOutput(exportData, 0, both);
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "particles/cindermill/graph/nodes/motionnode.h"
+
+// Takes a share of the velocity away: a factor of 1 none, of 0 all of it within a second.
+class TDamping : public TMotionNode
+{
+public:
+    static int ClassId();
+    void Execute(int index, float dt) override;
+    void Export(TExportData& exportData, TErrorList& errors) override;
+};

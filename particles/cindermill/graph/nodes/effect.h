@@ -1,0 +1,20 @@
+#pragma once
+
+#include "particles/cindermill/graph/effectexecnode.h"
+
+// The root of an effect: its clock, and the values that it offers to the game.
+class TEffect : public TEffectExecNode
+{
+public:
+    static int ClassId();
+    bool Init(TErrorList& errors) override;
+    void Execute(int index, float dt) override;
+    void Export(TExportData& exportData, TErrorList& errors) override;
+
+private:
+    int GetFirstUserParameter() const { return GetNodeType()->NumOwnParameters; }
+    void ExportLifeTime(TExportData& exportData) const;
+    void ExportUserParameter(TExportData& exportData, int index) const;
+
+    float Time = 0;
+};

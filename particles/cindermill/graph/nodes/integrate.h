@@ -1,0 +1,12 @@
+#pragma once
+
+#include "particles/cindermill/graph/nodes/motionnode.h"
+
+// Moves a position by its velocity, and a rotation by its speed.
+class TIntegrate : public TMotionNode
+{
+public:
+    static int ClassId();
+    void Execute(int index, float dt) override;
+    void Export(TExportData& exportData, TErrorList& errors) override;
+};

@@ -1,0 +1,29 @@
+#include "particles/cindermill/graph/nodes/maketransform.h"
+
+#include "particles/cindermill/graph/nodes/nodemaths.h"
+
+namespace {
+
+TClassRegistrar Registrar(&TMakeTransform::ClassId);
+
+} // namespace
+
+int TMakeTransform::ClassId()
+{
+    static const int id = RegisterExecNode<TMakeTransform>("TMakeTransform");
+    return id;
+}
+
+void TMakeTransform::Execute(int index, float)
+{
+    TPortValue transform;
+    SetVector(transform, GetVector(ReadInput(0, index)), 0);
+    SetVector(transform, GetVector(ReadInput(1, index)), 1);
+    WriteOutput(0, index, transform);
+}
+
+void TMakeTransform::Export(TExportData& exportData, TErrorList&)
+{
+    exportData.PassThrough(0, 0, 0, 3, -1);
+    exportData.PassThrough(1, 0, 0, 3, 3);
+}

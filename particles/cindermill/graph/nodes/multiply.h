@@ -1,0 +1,12 @@
+#pragma once
+
+#include "particles/cindermill/graph/nodes/componentmaths.h"
+
+// The product of two values, component by component; a shorter second value repeats.
+class TMultiply : public TComponentMaths
+{
+public:
+    static int ClassId();
+    void Execute(int index, float dt) override;
+    void Export(TExportData& exportData, TErrorList& errors) override;
+};

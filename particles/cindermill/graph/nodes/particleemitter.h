@@ -1,0 +1,14 @@
+#pragma once
+
+#include "particles/cindermill/graph/effectexecnode.h"
+
+// The base of the nodes that make particles: input 0 tells how many, input 1 is where they leave from.
+class TParticleEmitter : public TEffectExecNode
+{
+public:
+    void Emit(int instance, float dt) override;
+
+protected:
+    // The particles leave from the transform; the console needs no command for it.
+    static void ExportTransform(TExportData& exportData);
+};

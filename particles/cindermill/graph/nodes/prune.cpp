@@ -1,0 +1,29 @@
+#include "particles/cindermill/graph/nodes/prune.h"
+
+namespace {
+
+TClassRegistrar Registrar(&TPrune::ClassId);
+
+} // namespace
+
+int TPrune::ClassId()
+{
+    static const int id = RegisterExecNode<TPrune>("TPrune");
+    return id;
+}
+
+void TPrune::Execute(int index, float)
+{
+    if (ReadInput(0, index)[0] != 0)
+        KillParticle(index);
+}
+
+void TPrune::Export(TExportData& exportData, TErrorList&)
+{
+    const int rows = exportData.GetTotalRows();
+    TDataBlock data;
+    AppendU32(data, rows < 32 ? (1u << rows) - 1 : 0xFFFFFFFFu);
+    exportData.SetData(data);
+    exportData.SetCommand("IdPrune", 0);
+    exportData.AddInput(0, 0, -1);
+}

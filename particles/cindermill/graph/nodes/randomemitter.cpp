@@ -1,0 +1,44 @@
+#include "particles/cindermill/graph/nodes/randomemitter.h"
+
+#include "particles/cindermill/graph/nodes/nodemaths.h"
+#include "particles/cindermill/graph/random.h"
+
+namespace {
+
+TRandom& GetRandom()
+{
+    static TClassRandom random;
+    return random.Get();
+}
+
+TClassRegistrar Registrar(&TRandomEmitter::ClassId);
+
+} // namespace
+
+int TRandomEmitter::ClassId()
+{
+    static const int id = RegisterExecNode<TRandomEmitter>("TRandomEmitter");
+    return id;
+}
+
+void TRandomEmitter::Execute(int index, float)
+{
+    const TPortValue low = ReadInput(0, index);
+    const TPortValue high = ReadInput(1, index);
+    TPortValue result;
+    for (int c = 0; c < GetNumComponents(); ++c) {
+        const double range = static_cast<double>(high[c]) - low[c];
+        result[c] = static_cast<float>(GetRandom().Unit(RandomSteps) * range + low[c]);
+    }
+    WriteOutput(0, index, result);
+}
+
+void TRandomEmitter::Export(TExportData& exportData, TErrorList&)
+{
+    for (int c = 0; c < GetNumComponents(); ++c) {
+        exportData.SetCommand("IdRandomEmitter", 0);
+        exportData.AddInput(0, c, 1);
+        exportData.AddInput(1, c, 1);
+        exportData.AddOutput(0, c, 1);
+    }
+}

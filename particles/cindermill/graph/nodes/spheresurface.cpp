@@ -1,0 +1,58 @@
+#include "particles/cindermill/graph/nodes/spheresurface.h"
+
+#include "library/maths/quaternion.h"
+#include "particles/cindermill/graph/nodes/nodemaths.h"
+#include "particles/cindermill/graph/random.h"
+
+namespace {
+
+TRandom& GetRandom()
+{
+    static TClassRandom random;
+    return random.Get();
+}
+
+TClassRegistrar Registrar(&TSphereSurface::ClassId);
+
+} // namespace
+
+int TSphereSurface::ClassId()
+{
+    static const int id = RegisterExecNode<TSphereSurface>("TSphereSurface");
+    return id;
+}
+
+void TSphereSurface::Execute(int index, float)
+{
+    TMatrix43 matrix = GetTransformMatrix(ReadInput(1, index));
+    const TPortValue scale = ReadInput(2, index);
+    ScaleFirst(matrix, scale[0], scale[1], scale[2]);
+    TVector3 direction;
+    GetRandom().Direction(direction.Component, RandomSteps);
+    TPortValue position;
+    SetVector(position, matrix.TransformPoint(direction));
+    WriteOutput(0, index, position);
+    TPortValue normal;
+    SetVector(normal, direction);
+    WriteOutput(1, index, normal);
+}
+
+void TSphereSurface::Export(TExportData& exportData, TErrorList&)
+{
+    exportData.SetEmitterTrigger(0);
+    exportData.AddDataTransform(0, 0);
+    const TPortValue transform = ReadPortParameter(1);
+    const TPortValue scale = ReadPortParameter(2);
+    TDataBlock data;
+    for (int i = 0; i < 3; ++i)
+        AppendFloat(data, transform[i]);
+    const TQuaternion rotation(TMatrix3(GetTransformMatrix(transform)));
+    for (int i = 0; i < 4; ++i)
+        AppendFloat(data, rotation[i]);
+    for (int i = 0; i < 3; ++i)
+        AppendFloat(data, scale[i]);
+    exportData.SetData(data);
+    exportData.SetCommand("IdSphereSurfaceEmitter", 0);
+    exportData.AddOutput(0, 0, 3);
+    exportData.AddOutput(1, 0, 3);
+}

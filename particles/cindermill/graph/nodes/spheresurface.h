@@ -1,0 +1,12 @@
+#pragma once
+
+#include "particles/cindermill/graph/nodes/particleemitter.h"
+
+// Emits from random points of a sphere's surface, outwards.
+class TSphereSurface : public TParticleEmitter
+{
+public:
+    static int ClassId();
+    void Execute(int index, float dt) override;
+    void Export(TExportData& exportData, TErrorList& errors) override;
+};

@@ -1,0 +1,32 @@
+#include "particles/cindermill/graph/nodes/spriterenderstage.h"
+
+namespace {
+
+// The messages are those of the quad stages: artists know them by these words.
+constexpr TRenderStageKind Kind = {
+    "TSpriteRenderStage",
+    "IdSpriteRenderStage",
+    {"position", "rotation", "scale", "colour", "uvs", nullptr},
+    {"worldView", "proj", nullptr},
+    {"spriteTexture", nullptr},
+    {{"Texture", "No texture specified in Quad Render Stage"}, {}},
+};
+
+TRenderStageStatic& GetShared()
+{
+    static TRenderStageStatic shared(Kind);
+    return shared;
+}
+
+TClassRegistrar Registrar(&TSpriteRenderStage::ClassId);
+
+} // namespace
+
+TSpriteRenderStage::TSpriteRenderStage() : TRenderStage(GetShared()) {}
+
+int TSpriteRenderStage::ClassId()
+{
+    static const int id = RegisterClass(&ConstructClass<TSpriteRenderStage, TEffectExecNode>, Kind.ClassName,
+                                        TEffectExecNode::ClassId());
+    return id;
+}

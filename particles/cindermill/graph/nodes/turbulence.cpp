@@ -1,0 +1,40 @@
+#include "particles/cindermill/graph/nodes/turbulence.h"
+
+#include "particles/cindermill/graph/nodes/nodemaths.h"
+#include "particles/cindermill/graph/random.h"
+
+namespace {
+
+TRandom& GetRandom()
+{
+    static TClassRandom random;
+    return random.Get();
+}
+
+TClassRegistrar Registrar(&TTurbulence::ClassId);
+
+} // namespace
+
+int TTurbulence::ClassId()
+{
+    static const int id = RegisterExecNode<TTurbulence>("TTurbulence");
+    return id;
+}
+
+void TTurbulence::Execute(int index, float dt)
+{
+    TPortValue velocity = ReadInput(0, index);
+    const float strength = ReadInput(1, index)[0];
+    TVector3 direction;
+    GetRandom().Direction(direction.Component, RandomSteps);
+    SetVector(velocity, AddScaled(GetVector(velocity), direction, static_cast<double>(strength) * dt));
+    WriteOutput(0, index, velocity);
+}
+
+void TTurbulence::Export(TExportData& exportData, TErrorList&)
+{
+    exportData.SetCommand("IdTurbulence", 0);
+    exportData.AddInput(0, 0, 3);
+    exportData.AddInput(1, 0, -1);
+    exportData.AddOutput(0, 0, 3);
+}

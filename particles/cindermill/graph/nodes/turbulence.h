@@ -1,0 +1,12 @@
+#pragma once
+
+#include "particles/cindermill/graph/effectexecnode.h"
+
+// A push in a random direction, another one for each particle and frame.
+class TTurbulence : public TEffectExecNode
+{
+public:
+    static int ClassId();
+    void Execute(int index, float dt) override;
+    void Export(TExportData& exportData, TErrorList& errors) override;
+};

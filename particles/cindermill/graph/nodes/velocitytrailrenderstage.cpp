@@ -1,0 +1,31 @@
+#include "particles/cindermill/graph/nodes/velocitytrailrenderstage.h"
+
+namespace {
+
+constexpr TRenderStageKind Kind = {
+    "TVelocityTrailRenderStage",
+    "IdVelocityTrailRenderStage",
+    {"position", "velocity", "scale", "colour", "uvs", nullptr},
+    {"worldViewProj", "eyePos", nullptr},
+    {"spriteTexture", nullptr},
+    {{"Texture", "No texture specified in Velocity Trail Render Stage"}, {}},
+};
+
+TRenderStageStatic& GetShared()
+{
+    static TRenderStageStatic shared(Kind);
+    return shared;
+}
+
+TClassRegistrar Registrar(&TVelocityTrailRenderStage::ClassId);
+
+} // namespace
+
+TVelocityTrailRenderStage::TVelocityTrailRenderStage() : TRenderStage(GetShared()) {}
+
+int TVelocityTrailRenderStage::ClassId()
+{
+    static const int id = RegisterClass(&ConstructClass<TVelocityTrailRenderStage, TEffectExecNode>,
+                                        Kind.ClassName, TEffectExecNode::ClassId());
+    return id;
+}

@@ -1,0 +1,33 @@
+#include "particles/cindermill/graph/nodes/wind.h"
+
+#include "particles/cindermill/graph/nodes/nodemaths.h"
+
+namespace {
+
+TClassRegistrar Registrar(&TWind::ClassId);
+
+} // namespace
+
+int TWind::ClassId()
+{
+    static const int id = RegisterExecNode<TWind>("TWind");
+    return id;
+}
+
+void TWind::Execute(int index, float dt)
+{
+    TPortValue velocity = ReadInput(0, index);
+    const TVector3 wind = GetVector(ReadInput(1, index));
+    const float strength = ReadInput(2, index)[0];
+    SetVector(velocity, AddScaled(GetVector(velocity), wind, static_cast<double>(strength) * dt));
+    WriteOutput(0, index, velocity);
+}
+
+void TWind::Export(TExportData& exportData, TErrorList&)
+{
+    exportData.SetCommand("IdWind", 0);
+    exportData.AddInput(0, 0, 3);
+    exportData.AddInput(1, 0, 3);
+    exportData.AddInput(2, 0, -1);
+    exportData.AddOutput(0, 0, 3);
+}

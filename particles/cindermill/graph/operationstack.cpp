@@ -1,0 +1,124 @@
+#include "particles/cindermill/graph/operationstack.h"
+
+#include "library/system/clock.h"
+#include "particles/cindermill/graph/editcontext.h"
+
+int TOperation::ClassId()
+{
+    static const int id = RegisterClass(nullptr, "TOperation", TChunk::ClassId());
+    return id;
+}
+
+uint32_t TOperation::NameID()
+{
+    static const uint32_t id = GetClassNameID(ClassId());
+    return id;
+}
+
+int TOperationStack::ClassId()
+{
+    static const int id =
+        RegisterClass(ConstructClass<TOperationStack, TChunk>, "TOperationStack", TChunk::ClassId());
+    return id;
+}
+
+uint32_t TOperationStack::NameID()
+{
+    static const uint32_t id = GetClassNameID(ClassId());
+    return id;
+}
+
+static TClassRegistrar registrar(&TOperationStack::ClassId);
+
+TOperationStack::TOperationStack() : LastTime(GetTickCount()) {}
+
+bool TOperationStack::Read(int size, int version, TChunkFile* chunkFile)
+{
+    (void)size;
+    (void)version;
+    if (!chunkFile->ReadPointers(Operations) || !chunkFile->File.ReadI32(Position))
+        return false;
+    SavedPosition = Position;
+    return true;
+}
+
+bool TOperationStack::Write(TChunkFile* chunkFile)
+{
+    return chunkFile->WritePointers(Operations) && chunkFile->File.WriteI32(Position);
+}
+
+void TOperationStack::DropTail(TEditContext& doc)
+{
+    while (Position < Operations.size()) {
+        TOperation* op = Operations[Position];
+        doc.GetChunks().RemoveChunk(op);
+        op->Discard(doc);
+        delete op;
+        Operations.erase(Operations.begin() + Position);
+    }
+}
+
+void TOperationStack::Apply(TEditContext& doc, TOperation* op)
+{
+    DropTail(doc);
+    const uint32_t now = GetTickCount();
+    if (now < LastTime + MergeInterval && !Operations.empty() && op->Merge(*Operations.back())) {
+        delete op;
+        doc.RedrawWindows();
+        LastTime = GetTickCount();
+        return;
+    }
+    Operations.push_back(op);
+    doc.GetChunks().AddChunk(op);
+    op->Do(doc);
+    ++Position;
+    LastTime = GetTickCount();
+}
+
+void TOperationStack::Undo(TEditContext& doc)
+{
+    if (Position > 0) {
+        --Position;
+        Operations[Position]->Undo(doc);
+    }
+    // The next operation never merges with what stands on the stack after an undo.
+    LastTime = 0;
+}
+
+void TOperationStack::Redo(TEditContext& doc)
+{
+    if (Position < Operations.size()) {
+        Operations[Position]->Do(doc);
+        ++Position;
+    }
+}
+
+void TOperationStack::Clear(TEditContext& doc)
+{
+    DropTail(doc);
+    while (!Operations.empty()) {
+        TOperation* op = Operations.back();
+        doc.GetChunks().RemoveChunk(op);
+        delete op;
+        Operations.pop_back();
+    }
+    Position = 0;
+    SavedPosition = 0;
+}
+
+bool TOperationStack::Check() const
+{
+    if (Position < 0 || Position > Operations.size())
+        return false;
+    vector<bool> seen;
+    for (TOperation* op : Operations) {
+        if (op == nullptr || !op->Check())
+            return false;
+        while (seen.size() <= op->ChunkIdx)
+            seen.push_back(false);
+        if (seen[op->ChunkIdx])
+            return false;
+        seen[op->ChunkIdx] = true;
+    }
+    return true;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "particles/cindermill/graph/operation.h"
+
+// The history of a document: what was done, and what was undone and can be done again. The operations are chunks of
+// the document's chunk file.
+class TOperationStack : public TChunk
+{
+public:
+    // Like edits that follow each other within this time may become one.
+    static constexpr uint32_t MergeInterval = 2000;
+
+    TOperationStack();
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override { return 8 + 4 * Operations.size(); }
+
+    // Takes ownership of the operation.
+    void Apply(TEditContext& doc, TOperation* op);
+    void Undo(TEditContext& doc);
+    void Redo(TEditContext& doc);
+    bool CanUndo() const { return Position > 0; }
+    bool CanRedo() const { return Position < Operations.size(); }
+    // Forgets the history. What the done operations removed stays in the chunk file until the document goes.
+    void Clear(TEditContext& doc);
+    bool IsAtSavedPosition() const { return Position == SavedPosition; }
+    void MarkSaved() { SavedPosition = Position; }
+
+    int GetNumOperations() const { return Operations.size(); }
+    TOperation* GetOperation(int i) const { return Operations[i]; }
+    int GetPosition() const { return Position; }
+    // Whether the stack and its operations, as read from a file, can be relied on.
+    bool Check() const;
+
+private:
+    void DropTail(TEditContext& doc);
+
+    vector<TOperation*> Operations;
+    int Position = 0;
+    int SavedPosition = 0;
+    uint32_t LastTime;
+};

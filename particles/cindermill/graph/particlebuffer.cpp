@@ -1,0 +1,234 @@
+#include "particles/cindermill/graph/particlebuffer.h"
+
+#include <cstring>
+
+namespace {
+
+struct TElementSizes
+{
+    int NumElements;
+    int Components;
+    int Bytes;
+};
+
+// Per value type, as the vertex stream holds it. A quaternion's third float has an unused fourth beside it
+// here, although its item in the block has not.
+constexpr TElementSizes ElementTable[TY_NUMTYPES] = {{1, 1, 4},  {1, 2, 8},  {1, 3, 12}, {1, 4, 16},
+                                                     {1, 4, 16}, {2, 3, 24}, {1, 4, 16}, {0, 0, 0}};
+
+// A block has at least one item, whatever a document asks for.
+int CountItems(const TEffectSchedule& schedule, int group, int usage)
+{
+    int count = 1;
+    if (usage == TU_EMITTER)
+        count = schedule.GetMaxEmission(group);
+    else if (usage != TU_TRIGGER)
+        count = schedule.GetParticleCount(group);
+    return count > 0 ? count : 1;
+}
+
+bool IsPerParticle(int usage)
+{
+    return usage == TU_PROCESS || usage == TU_RENDER;
+}
+
+void MoveItems(void* base, int stride, int from, int to, int count)
+{
+    if (stride == 0 || count == 0)
+        return;
+    uint8_t* bytes = static_cast<uint8_t*>(base);
+    const size_t size = static_cast<size_t>(stride);
+    std::memmove(bytes + static_cast<size_t>(to) * size, bytes + static_cast<size_t>(from) * size,
+                 static_cast<size_t>(count) * size);
+}
+
+} // namespace
+
+TParticleBuffer::~TParticleBuffer()
+{
+    for (TBlock& block : Blocks)
+        delete[] block.Data;
+}
+
+void TParticleBuffer::Init(const TEffectSchedule& schedule, int group)
+{
+    vector<TVertexStream::TElement> elements;
+    const int streamStride = LayOut(schedule, group, elements);
+    Allocate(schedule, group);
+    VertexStream.Init(Blocks[TU_RENDER].Data, Blocks[TU_RENDER].Count, streamStride, elements);
+}
+
+int64_t TParticleBuffer::CountBytes(const TEffectSchedule& schedule, int group)
+{
+    int64_t bytes = static_cast<int64_t>(sizeof(int)) * CountItems(schedule, group, TU_RENDER);
+    for (int a = 0; a < schedule.GetNumAttributes(group); ++a) {
+        const int usage = schedule.GetAttributeUsage(group, a);
+        const int type = schedule.GetAttributeType(group, a);
+        int size = GetTypeSize(type);
+        // The stream's stride may be the larger one.
+        if (usage == TU_RENDER)
+            size = ElementTable[type].Bytes;
+        bytes += static_cast<int64_t>(size) * CountItems(schedule, group, usage);
+    }
+    return bytes;
+}
+
+int TParticleBuffer::LayOut(const TEffectSchedule& schedule, int group,
+                            vector<TVertexStream::TElement>& elements)
+{
+    const int numAttributes = schedule.GetNumAttributes(group);
+    AttribOffsets.resize(numAttributes);
+    RenderAttribMap.resize(numAttributes);
+    int offset = 0;
+    for (int a = 0; a < numAttributes; ++a) {
+        const int type = schedule.GetAttributeType(group, a);
+        const int usage = schedule.GetAttributeUsage(group, a);
+        ASSERT(usage >= 0 && usage < NumBlocks);
+        const int bytes = GetTypeSize(type);
+        RenderAttribMap[a] = -1;
+        if (usage == TU_RENDER) {
+            RenderAttribMap[a] = elements.size();
+            const TElementSizes& sizes = ElementTable[type];
+            for (int e = 0; e < sizes.NumElements; ++e) {
+                TVertexStream::TElement element;
+                element.Size = sizes.Components;
+                element.Offset = offset + e * 4 * sizes.Components;
+                elements.push_back(element);
+            }
+            offset += sizes.Bytes;
+        }
+        AttribOffsets[a] = Blocks[usage].Stride;
+        Blocks[usage].Stride += bytes;
+    }
+    return offset;
+}
+
+void TParticleBuffer::Allocate(const TEffectSchedule& schedule, int group)
+{
+    ASSERT_TEXT_MSG(CountBytes(schedule, group) <= MaxBytes, "CountBytes(schedule, group) <= MaxBytes",
+                    TempFormat("Group %d needs too much memory for its particles", group));
+    for (int u = 0; u < NumBlocks; ++u)
+        Blocks[u].Count = CountItems(schedule, group, u);
+    for (TBlock& block : Blocks)
+        block.Data = new uint8_t[static_cast<size_t>(block.Stride) * static_cast<size_t>(block.Count)]();
+    GlobalIds.resize(GetBufferSize());
+    for (int& id : GlobalIds)
+        id = -1;
+}
+
+int TParticleBuffer::GetNumParticles() const
+{
+    if (Tail == -1)
+        return 0;
+    if (Tail >= Head)
+        return GetBufferSize() + Head - Tail;
+    return Head - Tail;
+}
+
+int TParticleBuffer::Wrap(int position) const
+{
+    return position >= GetBufferSize() ? position - GetBufferSize() : position;
+}
+
+int TParticleBuffer::RingPosition(int index) const
+{
+    return Wrap(EmitBase + Tail + index);
+}
+
+int TParticleBuffer::AddParticles(int count)
+{
+    const int buffersize = GetBufferSize();
+    ASSERT(count <= buffersize);
+    int first = GetNumParticles();
+    if (Tail == -1)
+        Tail = Head = 0;
+    const int surplus = first - buffersize + count;
+    if (surplus > 0) {
+        Tail = Wrap(Tail + surplus);
+        first -= surplus;
+    }
+    for (int i = 0; i < count; ++i) {
+        GlobalIds[Wrap(Head + i)] = NextGlobalId;
+        NextGlobalId = static_cast<int>(static_cast<uint32_t>(NextGlobalId) + 1u);
+    }
+    Head = Wrap(Head + count);
+    return first;
+}
+
+void TParticleBuffer::KillParticle(int index)
+{
+    ASSERT(index < GetNumParticles());
+    if (DeadList.size() == DeadList.capacity())
+        DeadList.reserve(2 * DeadList.size() + 8);
+    DeadList.push_back(index);
+}
+
+// The ids are moved once per block, so that they slide two places where the particles slide one. Only traces
+// read them.
+void TParticleBuffer::MoveParticles(int from, int to, int count)
+{
+    for (int u = TU_PROCESS; u <= TU_RENDER; ++u) {
+        MoveItems(Blocks[u].Data, Blocks[u].Stride, from, to, count);
+        MoveItems(GlobalIds.data(), static_cast<int>(sizeof(int)), from, to, count);
+    }
+}
+
+// Closes the gap from the low run's end or from the oldest particle up, whichever lies on the same run.
+void TParticleBuffer::RemoveParticle(int index)
+{
+    if (Head <= Tail) {
+        const int top = GetBufferSize() - Tail;
+        if (index >= top) {
+            index -= top;
+            ASSERT(index >= 0 && index < Head);
+            MoveParticles(index + 1, index, Head - index);
+            --Head;
+            return;
+        }
+        MoveParticles(Tail, Tail + 1, index);
+        ++Tail;
+        if (Tail != GetBufferSize())
+            return;
+        Tail = 0;
+    } else {
+        MoveParticles(Tail, Tail + 1, index);
+        ++Tail;
+    }
+    if (Tail == Head)
+        Tail = -1;
+}
+
+void TParticleBuffer::RemoveDead()
+{
+    // After a double death the list no longer fits the particles that are left.
+    for (const int index : DeadList)
+        if (index >= 0 && index < GetNumParticles())
+            RemoveParticle(index);
+    DeadList.clear();
+}
+
+float* TParticleBuffer::GetAttribute(int attrib, int usage, int index) const
+{
+    int position = 0;
+    if (IsPerParticle(usage)) {
+        ASSERT(index < GetNumParticles());
+        position = RingPosition(index);
+    }
+    const TBlock& block = Blocks[usage];
+    const size_t item = static_cast<size_t>(position) * static_cast<size_t>(block.Stride);
+    return reinterpret_cast<float*>(block.Data + item + AttribOffsets[attrib]);
+}
+
+int TParticleBuffer::GetGlobalParticle(int index, int usage) const
+{
+    if (!IsPerParticle(usage))
+        return 0;
+    ASSERT(index >= 0 && index < GetNumParticles());
+    return GlobalIds[RingPosition(index)];
+}
+
+int TParticleBuffer::GetRenderAttrib(int attrib) const
+{
+    ASSERT(RenderAttribMap[attrib] != -1);
+    return RenderAttribMap[attrib];
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "library/containers/vector.h"
+#include "particles/cindermill/graph/vertexstream.h"
+#include "particles/effectgraph/schedule.h"
+
+// The particles of one group: one block of items per usage, of which the process and the render block are
+// rings of the same capacity. A particle's index counts from the oldest living one; it is no ring position.
+class TParticleBuffer
+{
+public:
+    static constexpr int NumBlocks = 4;
+
+    struct TBlock
+    {
+        uint8_t* Data = nullptr;
+        // Bytes per item.
+        int Stride = 0;
+        int Count = 0;
+    };
+
+    TParticleBuffer() = default;
+    ~TParticleBuffer();
+    TParticleBuffer(const TParticleBuffer&) = delete;
+    TParticleBuffer& operator=(const TParticleBuffer&) = delete;
+
+    // What a group's store takes. A document may ask for billions of particles; above MaxBytes Init asserts.
+    static constexpr int64_t MaxBytes = int64_t{1} << 30;
+    static int64_t CountBytes(const TEffectSchedule& schedule, int group);
+
+    void Init(const TEffectSchedule& schedule, int group);
+
+    int GetNumParticles() const;
+    int GetBufferSize() const { return Blocks[TU_RENDER].Count; }
+    // The index of the first new particle. The oldest give way when there is no room.
+    int AddParticles(int count);
+    // Marks a particle; it leaves at the frame's end.
+    void KillParticle(int index);
+    void RemoveDead();
+    // The floats of an attribute for one particle.
+    float* GetAttribute(int attrib, int usage, int index) const;
+    int GetGlobalParticle(int index, int usage) const;
+    // Added to every index while new particles are being initialised.
+    void SetEmitBase(int base) { EmitBase = base; }
+    // The attribute's first element in the vertex stream; it must be a render attribute.
+    int GetRenderAttrib(int attrib) const;
+
+    const TVertexStream& GetVertexStream() const { return VertexStream; }
+    const TBlock& GetBlock(int usage) const { return Blocks[usage]; }
+    int GetAttribOffset(int attrib) const { return AttribOffsets[attrib]; }
+    int GetHead() const { return Head; }
+    int GetTail() const { return Tail; }
+
+private:
+    // Returns the bytes of a vertex in the stream.
+    int LayOut(const TEffectSchedule& schedule, int group, vector<TVertexStream::TElement>& elements);
+    void Allocate(const TEffectSchedule& schedule, int group);
+    int Wrap(int position) const;
+    int RingPosition(int index) const;
+    void MoveParticles(int from, int to, int count);
+    void RemoveParticle(int index);
+
+    TBlock Blocks[NumBlocks];
+    TVertexStream VertexStream;
+    vector<int> AttribOffsets;
+    vector<int> RenderAttribMap;
+    int Head = 0;
+    int Tail = -1;
+    int EmitBase = 0;
+    vector<int> DeadList;
+    vector<int> GlobalIds;
+    int NextGlobalId = 0;
+};

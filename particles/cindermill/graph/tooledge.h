@@ -1,0 +1,23 @@
+#pragma once
+
+#include "particles/effectgraph/effectgraph.h"
+
+class TEditContext;
+
+// An edge of a document.
+class TToolEdge : public TEffectEdge
+{
+public:
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+
+    void Connect(TEffectNode* source, int sourcePort, TEffectNode* destination, int destinationPort);
+    // Enters the edge at its ends: the source's list and the destination's port.
+    void AttachEnds();
+    void AttachSource();
+    void AttachDestination();
+    void DetachEnds();
+    void DetachSource();
+    void DetachDestination();
+};

@@ -1,0 +1,40 @@
+#include "particles/cindermill/main/appservices.h"
+
+#include "library/containers/image/image.h"
+#include "library/system/message.h"
+#include "particles/cindermill/main/resourcelocator.h"
+#include "particles/cindermill/main/settings.h"
+#include "particles/effectgraph/exportdata.h"
+
+int TAppServices::GetTraceParticleSize() const
+{
+    return Settings.GetTraceParticleSize();
+}
+
+int TAppServices::GetTraceAttributeSize() const
+{
+    return Settings.GetTraceAttributeSize();
+}
+
+int TAppServices::GetPolicyFlags() const
+{
+    return (Settings.GetPolicyFailurePreventsExport() ? PF_PREVENTEXPORT : 0) |
+           (Settings.GetPolicyMustHaveBoundingBox() ? PF_MUSTHAVEBOUNDS : 0) |
+           (Settings.GetPolicyNoMixedBoundingBoxes() ? PF_NOMIXEDBOUNDS : 0);
+}
+
+bool TAppServices::FindResource(const char* name, TString& path)
+{
+    return Locator.Find(name, path) != FR_NOTFOUND;
+}
+
+bool TAppServices::LoadTexture(const char* path)
+{
+    TImage image;
+    return image.Load(path);
+}
+
+void TAppServices::Warn(const char* text)
+{
+    ShowMessage("%s", text);
+}

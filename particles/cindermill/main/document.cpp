@@ -1,0 +1,646 @@
+#include "particles/cindermill/main/document.h"
+
+#include "library/system/file.h"
+#include "library/system/message.h"
+#include "library/system/path.h"
+#include "particles/cindermill/graph/graphoperations.h"
+#include "particles/cindermill/graph/tooledge.h"
+#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/displayerrors.h"
+#include "particles/cindermill/main/documenthost.h"
+#include "particles/effectgraph/exportdata.h"
+#include "particles/effectgraph/graphcheck.h"
+#include "particles/effectgraph/pointermap.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+namespace {
+
+// Runs work that may fail an assertion for the sake of the graph; its text then joins the list.
+template <class TWork>
+bool RunCollecting(TErrorList& errors, TWork&& work)
+{
+    bool result = false;
+    TString text;
+    if (RunGuarded([&] { result = work(); }, text))
+        return result;
+    errors.Add(new TError("%s", text.Print()));
+    return false;
+}
+
+bool AreSameTiedNodes(const vector<TTiedNode>& a, const vector<TTiedNode>& b)
+{
+    bool same = a.size() == b.size();
+    for (int i = 0; same && i < a.size(); ++i) {
+        same = a[i].Node == b[i].Node && a[i].Inputs.size() == b[i].Inputs.size() &&
+               a[i].Outputs.size() == b[i].Outputs.size();
+        for (int port = 0; same && port < a[i].Inputs.size(); ++port)
+            same = a[i].Inputs[port] == b[i].Inputs[port];
+        for (int port = 0; same && port < a[i].Outputs.size(); ++port)
+            same = a[i].Outputs[port] == b[i].Outputs[port];
+    }
+    return same;
+}
+
+bool AreSameAttributes(const vector<TGroupAttribute>& a, const vector<TGroupAttribute>& b)
+{
+    bool same = a.size() == b.size();
+    for (int i = 0; same && i < a.size(); ++i)
+        same = a[i].Type == b[i].Type && a[i].Usage == b[i].Usage && a[i].Port == b[i].Port &&
+               a[i].ExternalGroup == b[i].ExternalGroup && a[i].ExternalAttrib == b[i].ExternalAttrib;
+    return same;
+}
+
+// Whether two schedules agree in all that an engine relies on while it runs.
+bool HaveSameShape(const TEffectSchedule& a, const TEffectSchedule& b)
+{
+    bool same = a.GetNumNodes() == b.GetNumNodes() && a.GetNumGroups() == b.GetNumGroups();
+    for (int i = 0; same && i < a.GetNumNodes(); ++i)
+        same = a.GetNode(i) == b.GetNode(i) && a.GetNodeUsage(i) == b.GetNodeUsage(i);
+    for (int i = 0; same && i < a.GetNumGroups(); ++i)
+        same = a.GetParticleCount(i) == b.GetParticleCount(i) &&
+               a.IsTriggerGroup(i) == b.IsTriggerGroup(i) &&
+               AreSameTiedNodes(a.GetGroup(i).TiedNodes, b.GetGroup(i).TiedNodes) &&
+               AreSameAttributes(a.GetGroup(i).Attributes, b.GetGroup(i).Attributes);
+    return same;
+}
+
+} // namespace
+
+TDocument::TDocument(TCindermillApp& app, TDocumentHost* host)
+    : App(app), Host(host), Services(app.GetSettings(), app.GetResourceLocator()),
+      EffectExecSchedule(Services)
+{
+}
+
+TDocument::~TDocument()
+{
+    EffectExecSchedule.Clear();
+    Chunks.Clear();
+}
+
+bool TDocument::New()
+{
+    if (Host != nullptr && !Host->CreateParticleWindow(*this))
+        return false;
+    Path = nullptr;
+    OperationStack = new TOperationStack;
+    Chunks.AddChunk(OperationStack);
+    Graph = new TEffectGraph;
+    Chunks.AddChunk(Graph);
+    Graph->AddCallback(&TDocument::OnGraphChanged, this);
+    if (Host != nullptr && !Host->CreateView(*this))
+        return false;
+    Modified = false;
+    if (Host != nullptr)
+        Host->ShowParticleWindow(*this);
+    return true;
+}
+
+bool TDocument::LoadChunks(const char* path)
+{
+    bool loaded = false;
+    TString text;
+    if (!FileExists(path))
+        LoadError = "The file does not exist";
+    else if (!RunGuarded([&] { loaded = Chunks.Load(path); }, text))
+        LoadError = text;
+    else if (!loaded)
+        LoadError = GetLastChunkError();
+    else
+        return true;
+    if (LoadError.Compare("<no error>") == 0)
+        LoadError = "The file cannot be read to its end";
+    return false;
+}
+
+bool TDocument::FindRoots(bool needStack)
+{
+    vector<TChunk*> stacks;
+    Chunks.GetChunksOfClass(TOperationStack::NameID(), stacks);
+    if (needStack && stacks.size() != 1) {
+        LoadError.Format("The file holds %d operation stacks in place of one", stacks.size());
+        return false;
+    }
+    vector<TChunk*> graphs;
+    Chunks.GetChunksOfClass(TEffectGraph::NameID(), graphs);
+    if (graphs.size() != 1) {
+        LoadError.Format("The file holds %d effect graphs in place of one", graphs.size());
+        return false;
+    }
+    OperationStack = stacks.size() == 1 ? static_cast<TOperationStack*>(stacks[0]) : nullptr;
+    Graph = static_cast<TEffectGraph*>(graphs[0]);
+    return true;
+}
+
+// The history holds nodes that are in no graph now; they must not share anything with those that are.
+bool TDocument::CheckLoaded()
+{
+    vector<TChunk*> chunks;
+    Chunks.GetChunksOfClass(TEffectNode::NameID(), chunks);
+    Chunks.GetChunksOfClass(TToolNode::NameID(), chunks);
+    vector<TEffectNode*> nodes;
+    for (TChunk* chunk : chunks)
+        nodes.push_back(static_cast<TEffectNode*>(chunk));
+    if (!CheckNodes(nodes, LoadError) || !CheckGraph(*Graph, LoadError))
+        return false;
+    if (OperationStack != nullptr && !OperationStack->Check()) {
+        LoadError = "The undo history is damaged";
+        return false;
+    }
+    return true;
+}
+
+bool TDocument::BatchLoad(const char* path)
+{
+    if (!LoadChunks(path) || !FindRoots(false))
+        return false;
+    Path = path;
+    return true;
+}
+
+bool TDocument::Load(const char* path)
+{
+    if (Host != nullptr && !Host->CreateParticleWindow(*this))
+        return false;
+    if (!LoadChunks(path) || !FindRoots(true) || !CheckLoaded())
+        return false;
+    Graph->AddCallback(&TDocument::OnGraphChanged, this);
+    if (Host != nullptr && !Host->CreateView(*this))
+        return false;
+    Modified = false;
+    RefreshNodeTypes();
+    AttachObjects();
+    TErrorList errors;
+    if (ResolveTypes(errors))
+        Graph->NotifyChanged();
+    Path = path;
+    UpdateTitles();
+    if (Host != nullptr) {
+        Host->ShowParticleWindow(*this);
+        Host->FrameAllNodes(*this);
+    }
+    RebuildSchedule(true);
+    GraphChanged();
+    return true;
+}
+
+void TDocument::RefreshNodeTypes()
+{
+    const TNodeTypeLibrary& library = App.GetNodeTypes();
+    vector<TEffectNode*> stale;
+    for (int i = 0; i < Graph->GetNumNodes(); ++i)
+        if (Graph->GetNode(i)->GetNodeType()->NeedsRefresh(library))
+            stale.push_back(Graph->GetNode(i));
+    if (stale.empty() || !AskQuestion("%d node types need refreshing. Refresh now?", stale.size()))
+        return;
+    for (TEffectNode* node : stale)
+        node->GetNodeType()->Refresh(node, library, Chunks, *Graph);
+    RestoreEdgePorts(*Graph);
+    OperationStack->Clear(*this);
+    Modified = true;
+}
+
+void TDocument::AttachObjects()
+{
+    for (int i = 0; i < Graph->GetNumNodes(); ++i) {
+        if (!IsClassA(FindClassByNameID(Graph->GetNode(i)->GetClassId()), TToolNode::ClassId()))
+            continue;
+        TToolNode* node = static_cast<TToolNode*>(Graph->GetNode(i));
+        node->Attach(this);
+        AddNodeObject(node);
+        node->Added(this);
+    }
+    for (int i = 0; i < Graph->GetNumEdges(); ++i) {
+        if (!IsClassA(FindClassByNameID(Graph->GetEdge(i)->GetClassId()), TToolEdge::ClassId()))
+            continue;
+        AddEdgeObject(static_cast<TToolEdge*>(Graph->GetEdge(i)));
+    }
+}
+
+bool TDocument::Save()
+{
+    ASSERT_TEXT(Path.Length() > 0, "Path.Len() > 0");
+    const TString path = Path;
+    return SaveAs(path);
+}
+
+bool TDocument::SaveAs(const char* path)
+{
+    if (!Chunks.Save(path))
+        return false;
+    if (OperationStack != nullptr)
+        OperationStack->MarkSaved();
+    if (Path.Compare(path) != 0) {
+        Modified = false;
+        Path = path;
+        UpdateTitles();
+    } else if (Modified) {
+        Modified = false;
+        UpdateTitles();
+    }
+    return true;
+}
+
+void TDocument::SetModified(bool modified)
+{
+    if (Modified == modified)
+        return;
+    Modified = modified;
+    UpdateTitles();
+}
+
+void TDocument::ApplyOperation(TOperation* op)
+{
+    OperationStack->Apply(*this, op);
+    SetModified(true);
+}
+
+void TDocument::Undo()
+{
+    OperationStack->Undo(*this);
+    DropStaleSchedule();
+    SetModified(!OperationStack->IsAtSavedPosition());
+}
+
+void TDocument::Redo()
+{
+    OperationStack->Redo(*this);
+    SetModified(!OperationStack->IsAtSavedPosition());
+}
+
+// Taking the addition of a node back is no change of the graph's shape, but what was scheduled since the addition
+// refers to the node, which the next edit may free.
+void TDocument::DropStaleSchedule()
+{
+    TPointerMap nodes;
+    for (int i = 0; i < Graph->GetNumNodes(); ++i)
+        nodes.Insert(Graph->GetNode(i));
+    for (int i = 0; i < Schedule.GetNumNodes(); ++i) {
+        if (nodes.Has(Schedule.GetNode(i)))
+            continue;
+        OnGraphChanged();
+        return;
+    }
+}
+
+void TDocument::SelectNode(TToolNode* node, bool clearFirst)
+{
+    if (clearFirst)
+        ClearSelection();
+    Selected.push_back(node);
+    node->SetSelected(true);
+}
+
+void TDocument::DeselectNode(TToolNode* node)
+{
+    TToolNode** it = Selected.find(node);
+    if (it == Selected.end())
+        return;
+    Selected.erase(it);
+    node->SetSelected(false);
+}
+
+void TDocument::ClearSelection()
+{
+    for (TToolNode* node : Selected)
+        node->SetSelected(false);
+    Selected.clear();
+}
+
+void TDocument::CopySelection()
+{
+    if (!Selected.empty())
+        App.GetClipboard().Copy(Selected);
+}
+
+void TDocument::CutSelection()
+{
+    if (Selected.empty())
+        return;
+    CopySelection();
+    ApplyOperation(new TDeleteGraphNodeOp(Selected));
+    ClearSelection();
+}
+
+// The clipboard's own nodes move along, so that repeated pasting cascades.
+void TDocument::Paste()
+{
+    constexpr int Step = 10;
+    const TClipboard& clipboard = App.GetClipboard();
+    if (clipboard.IsEmpty())
+        return;
+    vector<TToolNode*> nodes;
+    for (TToolNode* source : clipboard.GetNodes()) {
+        source->MoveBy(Step, Step);
+        TToolNode* node = new TToolNode;
+        node->Create(this, *source->GetNodeType(), source->GetX(), source->GetY(), false);
+        nodes.push_back(node);
+    }
+    for (const TClipboard::TEdge& record : clipboard.GetEdges()) {
+        TToolEdge* edge = new TToolEdge;
+        edge->Connect(nodes[record.SrcNode], record.SrcPort, nodes[record.DstNode], record.DstPort);
+        edge->AttachEnds();
+    }
+    ClearSelection();
+    for (TToolNode* node : nodes)
+        SelectNode(node, false);
+    ApplyOperation(new TAddGraphNodesOp(*this, nodes));
+}
+
+void TDocument::OnGraphChanged(void* data)
+{
+    static_cast<TDocument*>(data)->OnGraphChanged();
+}
+
+// The schedule is built first at load or at first demand; until then a change of the graph has nothing to
+// rebuild. One that is there without an engine has been overtaken by the change.
+void TDocument::OnGraphChanged()
+{
+    if (EffectExecSchedule.IsInited())
+        RebuildSchedule(false);
+    else
+        Schedule = TEffectSchedule();
+}
+
+bool TDocument::ResolveTypes(TErrorList& errors)
+{
+    if (!IsAcyclic(*Graph)) {
+        errors.Add(new TError("The edges of the graph run in a circle"));
+        return false;
+    }
+    return RunCollecting(errors, [&] {
+        ResolvePolytypes(*Graph);
+        return true;
+    });
+}
+
+// A graph whose types cannot be settled has no preview.
+void TDocument::GraphChanged()
+{
+    TErrorList errors;
+    if (ResolveTypes(errors)) {
+        Graph->NotifyChanged();
+        return;
+    }
+    EffectExecSchedule.Clear();
+    Schedule = TEffectSchedule();
+    DisplayErrors("Schedule errors", errors);
+    if (Host != nullptr)
+        Host->ScheduleChanged(*this);
+}
+
+// An engine that runs goes on only if all that it took from the old schedule holds for the new one.
+bool TDocument::CreateSchedule(TErrorList& errors)
+{
+    const TEffectSchedule old = Schedule;
+    const bool created = RunCollecting(errors, [&] { return Schedule.Create(*Graph, errors); });
+    if (!created)
+        Schedule = TEffectSchedule();
+    if (!created || !HaveSameShape(old, Schedule))
+        EffectExecSchedule.Clear();
+    return created;
+}
+
+bool TDocument::InitEngine(TErrorList& errors, bool toolMode)
+{
+    EffectExecSchedule.Clear();
+    const bool inited =
+        RunCollecting(errors, [&] { return EffectExecSchedule.Init(Schedule, errors, toolMode); });
+    if (!inited)
+        EffectExecSchedule.Clear();
+    return inited;
+}
+
+bool TDocument::InitEngineWithoutRender(TErrorList& errors)
+{
+    EffectExecSchedule.Clear();
+    const bool inited =
+        RunCollecting(errors, [&] { return EffectExecSchedule.InitWithoutRender(Schedule, errors); });
+    if (!inited)
+        EffectExecSchedule.Clear();
+    return inited;
+}
+
+bool TDocument::UpdateEngine(float dt, TErrorList& errors)
+{
+    const bool updated = RunCollecting(errors, [&] {
+        EffectExecSchedule.Update(dt);
+        return true;
+    });
+    if (!updated)
+        EffectExecSchedule.Clear();
+    return updated;
+}
+
+void TDocument::RebuildSchedule(bool suppressDialog)
+{
+    EffectExecSchedule.Clear();
+    const int groups = Schedule.GetNumGroups();
+    TErrorList errors;
+    if (CreateSchedule(errors))
+        InitEngine(errors, true);
+    if (Schedule.GetNumGroups() != groups)
+        RedrawWindows();
+    if (!suppressDialog && !errors.empty())
+        DisplayErrors("Schedule errors", errors);
+    if (Host != nullptr)
+        Host->ScheduleChanged(*this);
+}
+
+bool TDocument::EnsureSchedule()
+{
+    if (Schedule.IsCreated())
+        return true;
+    TErrorList errors;
+    if (CreateSchedule(errors) && InitEngine(errors, true))
+        return true;
+    DisplayErrors("Schedule errors", errors);
+    return false;
+}
+
+bool TDocument::Export(const char* path)
+{
+    TErrorList errors;
+    const bool done = WriteExport(path, errors);
+    if (!done || !errors.empty())
+        DisplayErrors("Export errors", errors);
+    return done;
+}
+
+bool TDocument::WriteExport(const char* path, TErrorList& errors)
+{
+    return RunCollecting(errors, [&] {
+        ASSERT_TEXT(EffectExecSchedule.IsInited(), "EffectExecSchedule.IsInited()");
+        TExportData exportData(Schedule);
+        return EffectExecSchedule.Export(exportData, errors) && exportData.WriteEfx(path, errors);
+    });
+}
+
+TBatchResult TDocument::BatchExport(const char* path, TErrorList& errors)
+{
+    if (!CreateSchedule(errors) || !InitEngine(errors, false))
+        return BR_SCHEDULEFAILED;
+    return WriteExport(path, errors) ? BR_DONE : BR_EXPORTFAILED;
+}
+
+void TDocument::LogBatchResult(TBatchResult result, const TErrorList& errors)
+{
+    if (result == BR_DONE && errors.empty())
+        return;
+    if (result == BR_DONE)
+        DebugPrintf("%d warnings:\n", errors.size());
+    else
+        DebugPrintf(result == BR_SCHEDULEFAILED ? "Schedule creation failed:\n" : "Export failed:\n");
+    int number = 0;
+    for (const TError* error : errors) {
+        TString text;
+        error->GetText(text);
+        if (result == BR_DONE)
+            DebugPrintf("%s\n", text.Print());
+        else
+            DebugPrintf("Error %d : %s\n", number++, text.Print());
+    }
+}
+
+namespace {
+
+void AddLine(TString& report, const char* format, ...) CINDERMILL_PRINTF(2, 3);
+
+void AddLine(TString& report, const char* format, ...)
+{
+    char line[8192];
+    va_list args;
+    va_start(args, format);
+    vsnprintf(line, sizeof(line), format, args);
+    va_end(args);
+    report += line;
+}
+
+constexpr const char* Dashes = "------------\r\n\r\n";
+
+} // namespace
+
+void TDocument::GetReport(TString& report)
+{
+    report = "Effect File:\r\n";
+    AddLine(report, "%s", Dashes);
+    TString shownPath;
+    ToShownPath(Path, shownPath);
+    AddLine(report, "Save path: %s\r\n", Path.IsEmpty() ? "<none>" : shownPath.Print());
+    AddLine(report, "Modified: %s\r\n", Modified ? "yes" : "no");
+    AddLine(report, "Size on disc: %d bytes\r\n", Chunks.GetFileSize());
+    AddLine(report, "Chunks in file: %d\r\n", Chunks.GetNumChunks());
+    AddLine(report, "Graph nodes: %d\r\n", Graph->GetNumNodes());
+    AddLine(report, "Graph edges: %d\r\n", Graph->GetNumEdges());
+    AddLine(report, "\r\nSchedule:\r\n%s", Dashes);
+    TErrorList errors;
+    if (!CreateSchedule(errors)) {
+        AddLine(report, "Graph does not create valid schedule\r\n");
+        return;
+    }
+    AddLine(report, "Graph creates valid schedule\r\n");
+    AddLine(report, "Groups in schedule: %d\r\n", Schedule.GetNumGroups());
+    AddLine(report, "Nodes in schedule: %d\r\n", Schedule.GetNumNodes());
+    for (int i = 0; i < Schedule.GetNumGroups(); ++i)
+        AddLine(report, "Tied nodes in group %d: %d\r\n", i, Schedule.GetNumTiedNodes(i));
+    AddLine(report, "\r\nEfx File:\r\n%s", Dashes);
+    int size = 0;
+    const bool ready = EffectExecSchedule.IsInited() || InitEngine(errors, true);
+    const bool valid = ready && RunCollecting(errors, [&] {
+        TExportData exportData(Schedule);
+        if (!EffectExecSchedule.Export(exportData, errors))
+            return false;
+        size = exportData.GetFileSize();
+        return true;
+    });
+    if (valid) {
+        AddLine(report, "Schedule creates valid efx file\r\n");
+        AddLine(report, "Size on disc: %d bytes\r\n", size);
+    } else {
+        AddLine(report, "Schedule does not create valid efx file\r\n");
+    }
+}
+
+void TDocument::UpdateTitles()
+{
+    if (Host != nullptr)
+        Host->UpdateTitles(*this);
+}
+
+void TDocument::AddNodeObject(TToolNode* node)
+{
+    if (Host != nullptr)
+        Host->AddNodeObject(node);
+}
+
+void TDocument::RemoveNodeObject(TToolNode* node)
+{
+    if (Host != nullptr)
+        Host->RemoveNodeObject(node);
+}
+
+void TDocument::AddEdgeObject(TToolEdge* edge)
+{
+    if (Host != nullptr)
+        Host->AddEdgeObject(edge);
+}
+
+void TDocument::RemoveEdgeObject(TToolEdge* edge)
+{
+    if (Host != nullptr)
+        Host->RemoveEdgeObject(edge);
+}
+
+void TDocument::TouchNode(TToolNode* node)
+{
+    if (Host != nullptr)
+        Host->TouchNode(node);
+}
+
+void TDocument::RelayoutNode(TToolNode* node)
+{
+    if (Host != nullptr)
+        Host->RelayoutNode(node);
+}
+
+void TDocument::LayoutEdge(TToolEdge* edge)
+{
+    if (Host != nullptr)
+        Host->LayoutEdge(edge);
+}
+
+void TDocument::UnhookEdge(TToolEdge* edge)
+{
+    if (Host != nullptr)
+        Host->UnhookEdge(edge);
+}
+
+void TDocument::GetNodeHalfSize(TToolNode* node, int& x, int& y)
+{
+    x = y = 0;
+    if (Host != nullptr)
+        Host->GetNodeHalfSize(node, x, y);
+}
+
+void TDocument::AddNodeDisplay(TNodeDisplay* display)
+{
+    ASSERT_TEXT(NodeDisplay.find(display) == NodeDisplay.end(),
+                "NodeDisplay.find(display) == NodeDisplay.end()");
+    NodeDisplay[display] = true;
+}
+
+void TDocument::RemoveNodeDisplay(TNodeDisplay* display)
+{
+    auto it = NodeDisplay.find(display);
+    ASSERT_TEXT(it != NodeDisplay.end(), "it != NodeDisplay.end()");
+    NodeDisplay.erase(it);
+}
+
+void TDocument::RedrawWindows()
+{
+    if (Host != nullptr)
+        Host->RedrawWindows(*this);
+}

@@ -1,0 +1,131 @@
+#pragma once
+
+#include "library/containers/sortedmap.h"
+#include "particles/cindermill/graph/editcontext.h"
+#include "particles/cindermill/graph/effectexec.h"
+#include "particles/cindermill/graph/operationstack.h"
+#include "particles/cindermill/main/appservices.h"
+#include "particles/effectgraph/error.h"
+
+class TCindermillApp;
+class TDocumentHost;
+
+// How far a batch export came.
+enum TBatchResult
+{
+    BR_DONE,
+    BR_SCHEDULEFAILED,
+    BR_EXPORTFAILED
+};
+
+// One open effect: its chunks, its graph and history, its schedule and engine, its selection. Every edit goes
+// through ApplyOperation.
+//
+// A graph that an artist can build never ends the run: schedule, engine and export are called under a guard,
+// and a failed assertion comes back as one more collected error.
+class TDocument : public TEditContext
+{
+public:
+    // Without a host the document has no windows.
+    explicit TDocument(TCindermillApp& app, TDocumentHost* host = nullptr);
+    ~TDocument() override;
+    TDocument(const TDocument&) = delete;
+    TDocument& operator=(const TDocument&) = delete;
+
+    // On false the document is of no use, and GetLoadError tells why.
+    bool New();
+    bool Load(const char* path);
+    // Without windows, questions and schedule: the graph as it stands in the file. An untouched one can be
+    // saved again even where its graph is unsound; anything else needs CheckLoaded.
+    bool BatchLoad(const char* path);
+    // Whether what was loaded can be relied on.
+    bool CheckLoaded();
+    const TString& GetLoadError() const { return LoadError; }
+
+    bool Save();
+    bool SaveAs(const char* path);
+    bool EnsureSchedule();
+    bool Export(const char* path);
+    // Schedule, engine, model and file in one; what went wrong is collected.
+    TBatchResult BatchExport(const char* path, TErrorList& errors);
+    // Writes a batch export's outcome to the log.
+    static void LogBatchResult(TBatchResult result, const TErrorList& errors);
+
+    const TString& GetPath() const { return Path; }
+    bool IsModified() const { return Modified; }
+    void SetModified(bool modified);
+
+    // Takes ownership.
+    void ApplyOperation(TOperation* op);
+    void Undo();
+    void Redo();
+    bool CanUndo() const { return OperationStack->CanUndo(); }
+    bool CanRedo() const { return OperationStack->CanRedo(); }
+    TOperationStack* GetOperationStack() const { return OperationStack; }
+
+    void SelectNode(TToolNode* node, bool clearFirst);
+    void DeselectNode(TToolNode* node) override;
+    void ClearSelection();
+    const vector<TToolNode*>& GetSelection() const { return Selected; }
+    void CopySelection();
+    void CutSelection();
+    void Paste();
+
+    void RebuildSchedule(bool suppressDialog);
+    // Settles the types of the graph's polytype ports. Whoever schedules after a BatchLoad calls it once.
+    bool ResolveTypes(TErrorList& errors);
+    // The schedule and the engine, with errors collected.
+    bool CreateSchedule(TErrorList& errors);
+    bool InitEngine(TErrorList& errors, bool toolMode);
+    bool InitEngineWithoutRender(TErrorList& errors);
+    // One frame of the preview. A fault clears the engine, so that the preview is empty until the next
+    // rebuild.
+    bool UpdateEngine(float dt, TErrorList& errors);
+    const TEffectSchedule& GetSchedule() const { return Schedule; }
+    TEffectExec& GetEngine() { return EffectExecSchedule; }
+    // The text of the File Properties dialog. Replaces the live schedule.
+    void GetReport(TString& report);
+
+    // What operations need.
+    TEffectGraph* GetGraph() override { return Graph; }
+    TChunkFile& GetChunks() override { return Chunks; }
+    void GraphChanged() override;
+    void AddNodeObject(TToolNode* node) override;
+    void RemoveNodeObject(TToolNode* node) override;
+    void AddEdgeObject(TToolEdge* edge) override;
+    void RemoveEdgeObject(TToolEdge* edge) override;
+    void TouchNode(TToolNode* node) override;
+    void RelayoutNode(TToolNode* node) override;
+    void LayoutEdge(TToolEdge* edge) override;
+    void UnhookEdge(TToolEdge* edge) override;
+    void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
+    void AddNodeDisplay(TNodeDisplay* display) override;
+    void RemoveNodeDisplay(TNodeDisplay* display) override;
+    void RedrawWindows() override;
+
+private:
+    bool LoadChunks(const char* path);
+    bool FindRoots(bool needStack);
+    void RefreshNodeTypes();
+    void AttachObjects();
+    void UpdateTitles();
+    bool WriteExport(const char* path, TErrorList& errors);
+    void DropStaleSchedule();
+    void OnGraphChanged();
+    static void OnGraphChanged(void* data);
+
+    TCindermillApp& App;
+    TDocumentHost* Host;
+    TEffectGraph* Graph = nullptr;
+    TOperationStack* OperationStack = nullptr;
+    TChunkFile Chunks;
+    TAppServices Services;
+    TEffectSchedule Schedule;
+    TEffectExec EffectExecSchedule;
+    // In the order of the displays' addresses.
+    sortedmap<TNodeDisplay*, bool> NodeDisplay;
+    vector<TToolNode*> Selected;
+    TString Path;
+    TString LoadError;
+    bool Modified = false;
+};

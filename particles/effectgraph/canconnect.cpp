@@ -1,0 +1,140 @@
+#include "particles/effectgraph/canconnect.h"
+
+#include "library/containers/map.h"
+#include "particles/effectgraph/effectgraph.h"
+#include "particles/effectgraph/linkedports.h"
+#include "particles/effectgraph/pointermap.h"
+
+#include <cstdint>
+
+struct TConnectionKey
+{
+    TEffectNode* SrcNode;
+    int SrcPort;
+    TEffectNode* DstNode;
+    int DstPort;
+
+    bool operator==(const TConnectionKey& other) const
+    {
+        return SrcNode == other.SrcNode && SrcPort == other.SrcPort && DstNode == other.DstNode &&
+               DstPort == other.DstPort;
+    }
+    bool operator<(const TConnectionKey& other) const
+    {
+        if (SrcNode != other.SrcNode)
+            return reinterpret_cast<uintptr_t>(SrcNode) < reinterpret_cast<uintptr_t>(other.SrcNode);
+        if (SrcPort != other.SrcPort)
+            return SrcPort < other.SrcPort;
+        if (DstNode != other.DstNode)
+            return reinterpret_cast<uintptr_t>(DstNode) < reinterpret_cast<uintptr_t>(other.DstNode);
+        return DstPort < other.DstPort;
+    }
+};
+
+static map<TConnectionKey, bool>& GetCanConnectCache()
+{
+    static map<TConnectionKey, bool> cache;
+    return cache;
+}
+
+void ClearCanConnectCache()
+{
+    GetCanConnectCache().clear();
+}
+
+// Whether a walk from the node against the wires meets the target. The node itself is not compared.
+static bool IsAncestor(const TEffectNode* node, const TEffectNode* target)
+{
+    TPointerMap visited;
+    vector<const TEffectNode*> waiting;
+    waiting.push_back(node);
+    while (!waiting.empty()) {
+        const TEffectNode* next = waiting.back();
+        waiting.pop_back();
+        for (int i = 0; i < next->GetNumInputs(); ++i) {
+            const TEffectEdge* edge = next->GetInput(i);
+            if (edge == nullptr)
+                continue;
+            if (edge->GetSrcNode() == target)
+                return true;
+            if (visited.Insert(edge->GetSrcNode()))
+                waiting.push_back(edge->GetSrcNode());
+        }
+    }
+    return false;
+}
+
+// The types that a port can have in its graph: what itself and every port reached through links and wires
+// allow.
+class TTypeMask
+{
+public:
+    explicit TTypeMask(const TPortRef& port)
+    {
+        Waiting.push_back(port);
+        while (!Waiting.empty()) {
+            const TPortRef next = Waiting.back();
+            Waiting.pop_back();
+            Visit(next);
+        }
+    }
+    uint32_t Get() const { return Mask; }
+
+private:
+    void Visit(const TPortRef& port)
+    {
+        Mask &= GetPortTypes(port);
+        if (!IsPolytype(port))
+            return;
+        TLinkedPorts linked;
+        AddLinkClosure(port, linked);
+        const int numInputs = port.Node->GetNodeType()->GetNumInputs();
+        for (int input : linked.Inputs) {
+            Mask &= GetPortTypes(TPortRef(port.Node, input));
+            TEffectEdge* edge = port.Node->GetInput(input);
+            if (edge != nullptr && Visited.Insert(edge))
+                Waiting.push_back(
+                    TPortRef(edge->GetSrcNode(),
+                             edge->GetSrcNode()->GetNodeType()->GetNumInputs() + edge->GetSrcPort()));
+        }
+        for (int output : linked.Outputs) {
+            Mask &= GetPortTypes(TPortRef(port.Node, numInputs + output));
+            for (int i = 0; i < port.Node->GetNumOutputEdges(output); ++i) {
+                TEffectEdge* edge = port.Node->GetOutputEdge(output, i);
+                if (Visited.Insert(edge))
+                    Waiting.push_back(TPortRef(edge->GetDstNode(), edge->GetDstPort()));
+            }
+        }
+    }
+    static bool IsPolytype(const TPortRef& port)
+    {
+        const TNodeType& type = *port.Node->GetNodeType();
+        return port.IsInput() ? type.GetBasicInputType(port.Index) == TY_POLYTYPE
+                              : type.GetOutput(port.GetOutputIndex()).Type == TY_POLYTYPE;
+    }
+
+    uint32_t Mask = 0xFFFFFFFFu;
+    TPointerMap Visited;
+    vector<TPortRef> Waiting;
+};
+
+bool CanConnectTypes(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort)
+{
+    const uint32_t outMask =
+        TTypeMask(TPortRef(srcNode, srcNode->GetNodeType()->GetNumInputs() + srcPort)).Get();
+    const uint32_t inMask = TTypeMask(TPortRef(dstNode, dstPort)).Get();
+    if ((outMask & inMask) != 0)
+        return true;
+    return CanConvertType(GetSingleType(outMask), GetSingleType(inMask));
+}
+
+bool CanConnect(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort)
+{
+    const TConnectionKey key = {srcNode, srcPort, dstNode, dstPort};
+    const map<TConnectionKey, bool>::iterator it = GetCanConnectCache().find(key);
+    if (it != GetCanConnectCache().end())
+        return it->second;
+    const bool result = !IsAncestor(srcNode, dstNode) && CanConnectTypes(srcNode, srcPort, dstNode, dstPort);
+    GetCanConnectCache().insert(key, result);
+    return result;
+}

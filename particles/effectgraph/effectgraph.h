@@ -1,0 +1,59 @@
+#pragma once
+
+#include "particles/effectgraph/effectnode.h"
+
+// The nodes and edges of one effect. The document's chunk file owns them; the graph refers to them.
+class TEffectGraph : public TChunk
+{
+public:
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override;
+
+    // None of the four calls GraphChanged: whoever changes the graph does, once, at the end.
+    void AddNode(TEffectNode* node);
+    void RemoveNode(TEffectNode* node);
+    void AddEdge(TEffectEdge* edge);
+    void RemoveEdge(TEffectEdge* edge);
+
+    int GetNumNodes() const { return Nodes.size(); }
+    TEffectNode* GetNode(int i) const { return Nodes[i]; }
+    int GetNumEdges() const { return Edges.size(); }
+    TEffectEdge* GetEdge(int i) const { return Edges[i]; }
+
+    using TCallback = TCallbackList<>::TFunction;
+    void AddCallback(TCallback cb, void* data) { Callbacks.AddOnce(cb, data); }
+    void RemoveCallback(TCallback cb, void* data) { Callbacks.Remove(cb, data); }
+    // Resolves the polytypes, then tells the listeners.
+    void GraphChanged();
+    // Tells the listeners alone, for whoever resolves by himself.
+    void NotifyChanged() { Callbacks.Call(); }
+
+private:
+    vector<TEffectNode*> Nodes;
+    vector<TEffectEdge*> Edges;
+    TCallbackList<> Callbacks;
+};
+
+// Whether a wire between the two ports may be drawn. Answers are kept until nodes or edges come or go.
+bool CanConnect(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort);
+// The same without cycles and cache: the types alone.
+bool CanConnectTypes(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort);
+
+// Whether the wires run in no circle.
+bool IsAcyclic(const TEffectGraph& graph);
+
+// The graph's nodes, each behind the sources of its inputs, nodes with FL_LASTHINT late.
+void GetSortedNodes(const TEffectGraph& graph, vector<TEffectNode*>& result);
+
+// Gives every polytype port of the graph its final set of types.
+void ResolvePolytypes(const TEffectGraph& graph);
+
+// Stores in every edge the ports at which the nodes hold it: after node types were refreshed.
+void RestoreEdgePorts(TEffectGraph& graph);
+
+// Registers the classes that chunk files may name, whatever the linker left out. May be called again.
+void RegisterEffectGraphClasses();

@@ -1,0 +1,77 @@
+#include "particles/effectgraph/effectnode.h"
+
+int TEffectNode::ClassId()
+{
+    static const int id =
+        RegisterClass(ConstructClass<TEffectNode, TChunk>, "TEffectNode", TChunk::ClassId());
+    return id;
+}
+
+uint32_t TEffectNode::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+static TClassRegistrar Registrar(&TEffectNode::ClassId);
+
+bool TEffectNode::Read(int, int, TChunkFile* chunkFile)
+{
+    uint32_t numOutputs = 0;
+    if (!chunkFile->ReadPointers(Inputs) || !chunkFile->ReadCount(numOutputs, 4))
+        return false;
+    Outputs.clear();
+    Outputs.reserve(static_cast<int>(numOutputs));
+    for (uint32_t i = 0; i < numOutputs; ++i) {
+        Outputs.push_back(TOutput());
+        if (!chunkFile->ReadPointers(Outputs.back().Edges))
+            return false;
+    }
+    return chunkFile->ReadPointer(NodeType);
+}
+
+bool TEffectNode::Write(TChunkFile* chunkFile)
+{
+    bool ok =
+        chunkFile->WritePointers(Inputs) && chunkFile->File.WriteU32(static_cast<uint32_t>(Outputs.size()));
+    for (int i = 0; ok && i < Outputs.size(); ++i)
+        ok = chunkFile->WritePointers(Outputs[i].Edges);
+    return ok && chunkFile->WritePointer(NodeType);
+}
+
+int TEffectNode::GetSize()
+{
+    int size = (Inputs.size() + Outputs.size() + 2) * 4 + 4;
+    for (const TOutput& output : Outputs)
+        size += 4 * output.Edges.size();
+    return size;
+}
+
+void TEffectNode::SetPortCounts(int numInputs, int numOutputs)
+{
+    Inputs.clear();
+    for (int i = 0; i < numInputs; ++i)
+        Inputs.push_back(nullptr);
+    Outputs.clear();
+    for (int i = 0; i < numOutputs; ++i)
+        Outputs.push_back(TOutput());
+}
+
+void TEffectNode::SetInput(int index, TEffectEdge* edge)
+{
+    ASSERT_TEXT(index >= 0 && index < Inputs.size(), "index < Inputs.size()");
+    Inputs[index] = edge;
+}
+
+void TEffectNode::AddOutputEdge(int index, TEffectEdge* edge)
+{
+    ASSERT_TEXT(index >= 0 && index < Outputs.size(), "index < Outputs.size()");
+    Outputs[index].Edges.push_back(edge);
+}
+
+void TEffectNode::RemoveOutputEdge(int index, TEffectEdge* edge)
+{
+    ASSERT_TEXT(index >= 0 && index < Outputs.size(), "index < Outputs.size()");
+    TEffectEdge** it = Outputs[index].Edges.find(edge);
+    ASSERT_TEXT(it != Outputs[index].Edges.end(), "it != Outputs[index].Edges.end()");
+    Outputs[index].Edges.erase(it);
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "particles/effectgraph/effectedge.h"
+#include "particles/effectgraph/nodetype.h"
+
+// A node of a graph: its wires and its private node type.
+class TEffectNode : public TChunk
+{
+public:
+    TEffectNode() = default;
+    ~TEffectNode() override = default;
+
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override;
+
+    TNodeType* GetNodeType() const { return NodeType; }
+    // The type's owner is the document's chunk file (or the caller); the node only refers to it.
+    void SetNodeType(TNodeType* type) { NodeType = type; }
+    // All ports unconnected.
+    void SetPortCounts(int numInputs, int numOutputs);
+
+    int GetNumInputs() const { return Inputs.size(); }
+    int GetNumOutputs() const { return Outputs.size(); }
+    // Null for an unconnected input.
+    TEffectEdge* GetInput(int i) const { return Inputs[i]; }
+    void SetInput(int index, TEffectEdge* edge);
+    void AddOutputEdge(int index, TEffectEdge* edge);
+    void RemoveOutputEdge(int index, TEffectEdge* edge);
+    int GetNumOutputEdges(int i) const { return Outputs[i].Edges.size(); }
+    TEffectEdge* GetOutputEdge(int i, int n) const { return Outputs[i].Edges[n]; }
+
+protected:
+    struct TOutput
+    {
+        vector<TEffectEdge*> Edges;
+    };
+
+    friend class TNodeType;
+
+    vector<TEffectEdge*> Inputs;
+    vector<TOutput> Outputs;
+    TNodeType* NodeType = nullptr;
+};

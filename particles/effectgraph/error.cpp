@@ -1,0 +1,76 @@
+#include "particles/effectgraph/error.h"
+
+#include "particles/effectgraph/effectnode.h"
+
+#include <stdio.h>
+
+TString TError::FormatMessage(const char* format, va_list args)
+{
+    char string[1024];
+    const int s = vsnprintf(string, sizeof(string), format, args);
+    ASSERT_TEXT(s >= 0 && s < static_cast<int>(sizeof(string)), "s < sizeof(string)");
+    return TString(string);
+}
+
+TError::TError(const char* format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    Message = FormatMessage(format, args);
+    va_end(args);
+}
+
+TError* TError::Clone() const
+{
+    return new TError(*this);
+}
+
+void TError::GetText(TString& result) const
+{
+    result = Message;
+}
+
+TNodeError::TNodeError(TEffectNode* node, const char* format, ...) : TError(TPlain(), nullptr), Node(node)
+{
+    va_list args;
+    va_start(args, format);
+    Message = FormatMessage(format, args);
+    va_end(args);
+}
+
+TError* TNodeError::Clone() const
+{
+    return new TNodeError(*this);
+}
+
+void TNodeError::GetText(TString& result) const
+{
+    const TNodeType* type = Node != nullptr ? Node->GetNodeType() : nullptr;
+    result.Format("Node \"%s\" : %s", type != nullptr ? type->Name.Print() : "", Message.Print());
+}
+
+TFileError::TFileError(const char* fileName, int line, const char* format, ...)
+    : TError(TPlain(), nullptr), FileName(fileName), Line(line)
+{
+    va_list args;
+    va_start(args, format);
+    Message = FormatMessage(format, args);
+    va_end(args);
+}
+
+TError* TFileError::Clone() const
+{
+    return new TFileError(*this);
+}
+
+void TFileError::GetText(TString& result) const
+{
+    result.Format("%s [%d] : %s\n", FileName.Print(), Line, Message.Print());
+}
+
+void TErrorList::Clear()
+{
+    for (TError* error : Errors)
+        delete error;
+    Errors.clear();
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "library/containers/list.h"
+#include "library/containers/string.h"
+
+#include <cstdarg>
+
+class TEffectNode;
+
+// One problem that loading, scheduling or exporting met. Messages hold at most 1,023 characters.
+class TError
+{
+public:
+    explicit TError(const char* format, ...) CINDERMILL_PRINTF(2, 3);
+    virtual ~TError() = default;
+    // The caller owns the copy.
+    virtual TError* Clone() const;
+    virtual void GetText(TString& result) const;
+    const TString& GetMessage() const { return Message; }
+
+protected:
+    struct TPlain
+    {
+    };
+    TError(TPlain, const char* message) : Message(message) {}
+    static TString FormatMessage(const char* format, va_list args);
+
+    TString Message;
+};
+
+// A problem of one node, so that the tool can show it.
+class TNodeError : public TError
+{
+public:
+    TNodeError(TEffectNode* node, const char* format, ...) CINDERMILL_PRINTF(3, 4);
+    TError* Clone() const override;
+    void GetText(TString& result) const override;
+    TEffectNode* GetNode() const { return Node; }
+
+private:
+    TNodeError(const TNodeError&) = default;
+    TEffectNode* Node;
+};
+
+// A problem at a line of a file.
+class TFileError : public TError
+{
+public:
+    TFileError(const char* fileName, int line, const char* format, ...) CINDERMILL_PRINTF(4, 5);
+    TError* Clone() const override;
+    void GetText(TString& result) const override;
+    const TString& GetFileName() const { return FileName; }
+    int GetLine() const { return Line; }
+
+private:
+    TFileError(const TFileError&) = default;
+    TString FileName;
+    int Line;
+};
+
+// The collected problems of one piece of work, in the order in which they came. Owns them.
+class TErrorList
+{
+public:
+    TErrorList() = default;
+    ~TErrorList() { Clear(); }
+    TErrorList(const TErrorList&) = delete;
+    TErrorList& operator=(const TErrorList&) = delete;
+
+    // Takes ownership.
+    void Add(TError* error) { Errors.push_back(error); }
+    void Clear();
+    bool empty() const { return Errors.empty(); }
+    int size() const { return Errors.size(); }
+    list<TError*>::iterator begin() const { return Errors.begin(); }
+    list<TError*>::iterator end() const { return Errors.end(); }
+
+private:
+    list<TError*> Errors;
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "particles/effectgraph/nodeparameter.h"
+
+// A switch with parameters of its own. The group is switched on when it is open.
+class TNodeGroupParameter : public TNodeParameter
+{
+public:
+    // Groups in groups can be no deeper.
+    static constexpr int MaxDepth = 64;
+
+    TNodeGroupParameter() : TNodeParameter(PK_GROUP) {}
+    ~TNodeGroupParameter() override;
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override;
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override;
+    void AddToChunkFile(TChunkFile& chunkFile) override;
+    void RemoveFromChunkFile(TChunkFile& chunkFile) override;
+    void GetOwned(vector<TNodeParameter*>& result) const override;
+
+    bool Get() const { return Open; }
+    void SetValue(bool open);
+    const vector<TNodeParameter*>& GetChildren() const { return Children; }
+
+private:
+    bool Open = false;
+    // The group deletes them, unless it is in a chunk file, which then owns each of them.
+    vector<TNodeParameter*> Children;
+};

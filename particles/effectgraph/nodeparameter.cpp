@@ -1,0 +1,166 @@
+#include "particles/effectgraph/nodeparameter.h"
+
+#include "particles/effectgraph/groupparameter.h"
+#include "particles/effectgraph/owned.h"
+#include "particles/effectgraph/polytypeparameter.h"
+#include "particles/effectgraph/rampparameter.h"
+#include "particles/effectgraph/simpleparameters.h"
+#include "particles/effectgraph/xmltext.h"
+
+template <class TParameter>
+static TNodeParameter* MakeParameter()
+{
+    return new TParameter;
+}
+
+struct TParameterKindInfo
+{
+    TNodeParameter* (*Make)();
+    uint32_t (*NameID)();
+};
+
+template <class TParameter>
+static constexpr TParameterKindInfo KindOf()
+{
+    return {MakeParameter<TParameter>, TParameter::NameID};
+}
+
+static constexpr TParameterKindInfo Kinds[PK_NUMKINDS] = {
+    KindOf<TNodeScalarParameter>(),     KindOf<TNodeScaleParameter>(),    KindOf<TNodeVector3Parameter>(),
+    KindOf<TNodeQuaternionParameter>(), KindOf<TNodeColourParameter>(),   KindOf<TNodeTransformParameter>(),
+    KindOf<TNodeTexCoordParameter>(),   KindOf<TNodePolytypeParameter>(), KindOf<TNodeBoolParameter>(),
+    KindOf<TNodeEnumParameter>(),       KindOf<TNodeIntParameter>(),      KindOf<TNodeTextureParameter>(),
+    KindOf<TNodeRampParameter>(),       KindOf<TNodePolyRampParameter>(), KindOf<TNodeGroupParameter>(),
+    KindOf<TNodeAnimationParameter>(),
+};
+
+static constexpr const char* Tags[PK_NUMKINDS] = {
+    "Scalar", "Scale", "Vector3", "Quaternion", "Colour", "Transform", "TextureCoords", "Polytype",
+    "Bool",   "Enum",  "Int",     "Texture",    "Ramp",   "PolyRamp",  "Group",         "Animation",
+};
+
+int TNodeParameter::ClassId()
+{
+    static const int id = RegisterClass(nullptr, "TNodeParameter", TChunk::ClassId());
+    return id;
+}
+
+uint32_t TNodeParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+static TClassRegistrar Registrar(&TNodeParameter::ClassId);
+
+struct TKindIds
+{
+    TKindIds()
+    {
+        for (int kind = 0; kind < PK_NUMKINDS; ++kind)
+            Ids[kind] = Kinds[kind].NameID();
+    }
+    uint32_t Ids[PK_NUMKINDS];
+};
+
+// PK_NUMKINDS if no kind's class has the identity.
+static int FindKindOfClass(uint32_t nameId)
+{
+    static const TKindIds table;
+    int kind = 0;
+    while (kind < PK_NUMKINDS && table.Ids[kind] != nameId)
+        ++kind;
+    return kind;
+}
+
+bool TNodeParameter::Read(int, int version, TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    bool ok = file.ReadString(Name) && file.ReadString(Description);
+    if (version == 0) {
+        int32_t dropped = 0;
+        ok = ok && file.ReadI32(dropped);
+    }
+    ok = ok && file.ReadBool(Required);
+    const int kind = FindKindOfClass(GetClassId());
+    ASSERT_TEXT(kind < PK_NUMKINDS, "Type < TY_NUMTYPES");
+    Type = kind;
+    return ok;
+}
+
+bool TNodeParameter::Write(TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    return file.WriteString(Name) && file.WriteString(Description) && file.WriteBool(Required);
+}
+
+int TNodeParameter::GetSize()
+{
+    return TBinaryFile::GetStringSize(Name) + TBinaryFile::GetStringSize(Description) + 1;
+}
+
+void TNodeParameter::AddToChunkFile(TChunkFile& chunkFile)
+{
+    chunkFile.AddChunk(this);
+}
+
+void TNodeParameter::RemoveFromChunkFile(TChunkFile& chunkFile)
+{
+    chunkFile.RemoveChunk(this);
+}
+
+void TNodeParameter::CopyBase(const TNodeParameter& other)
+{
+    Type = other.Type;
+    Name = other.Name;
+    Description = other.Description;
+    Required = other.Required;
+}
+
+bool TNodeParameter::ParseCommon(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    if (!xml.FindTag("name"))
+        return AddXmlError(xml, errors, fileName, "Parameter missing name tag");
+    if (!ReadElement(xml, errors, fileName, Name, "Failed to read parameter name tag",
+                     "Parameter missing name tag end"))
+        return false;
+    if (xml.FindTagFromHere("Description") &&
+        !ReadElement(xml, errors, fileName, Description, "Failed to read parameter description tag",
+                     "Parameter missing description tag end"))
+        return false;
+    xml.RewindTag();
+    return true;
+}
+
+const char* GetParameterTag(int kind)
+{
+    ASSERT(kind >= 0 && kind < PK_NUMKINDS);
+    return Tags[kind];
+}
+
+TNodeParameter* CreateNodeParameter(int kind)
+{
+    ASSERT_TEXT(kind >= 0 && kind < PK_NUMKINDS, "0");
+    return Kinds[kind].Make();
+}
+
+bool ParseParameter(TXmlFile& xml, TErrorList& errors, TNodeParameter*& result, const char* fileName,
+                    bool isInput)
+{
+    result = nullptr;
+    const int kind = xml.FindAnyTagFromHere(isInput ? static_cast<int>(TY_NUMTYPES) : PK_NUMKINDS, Tags);
+    if (kind == -1)
+        return true;
+    if (xml.IsEmptyTag())
+        return AddXmlError(xml, errors, fileName, "Parameter missing name tag");
+    TOwned<TNodeParameter> parameter(CreateNodeParameter(kind));
+    TString required;
+    if (isInput && xml.GetAttribute("required", required))
+        parameter->Required = required.Compare("true") == 0;
+    if (!parameter->ParseXml(xml, errors, fileName))
+        return false;
+    // An element that the file's end cuts off leaves nothing behind it to be found, which fails the file
+    // later.
+    xml.LeaveTag();
+    result = parameter.Release();
+    return true;
+}

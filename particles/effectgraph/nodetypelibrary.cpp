@@ -1,0 +1,73 @@
+#include "particles/effectgraph/nodetypelibrary.h"
+
+#include "library/system/path.h"
+#include "particles/effectgraph/error.h"
+#include "particles/effectgraph/owned.h"
+#include "particles/effectgraph/xmltext.h"
+
+TNodeTypeLibrary::~TNodeTypeLibrary()
+{
+    for (TNodeType* type : Types)
+        delete type;
+}
+
+TNodeType* TNodeTypeLibrary::FindType(const char* name) const
+{
+    for (TNodeType* type : Types)
+        if (type->Name.Compare(name) == 0)
+            return type;
+    return nullptr;
+}
+
+void TNodeTypeLibrary::Load(const char* path, TErrorList& errors)
+{
+    TString root;
+    ToKeptPath(path, root);
+    LoadDirectory(root, -1, errors);
+    if (Types.empty())
+        errors.Add(
+            new TError("No valid .xml node type files found under path %s\n", QuoteText(path).Print()));
+}
+
+void TNodeTypeLibrary::LoadDirectory(const char* path, int parentItem, TErrorList& errors)
+{
+    vector<TDirectoryEntry> entries;
+    if (!ListDirectory(path, entries))
+        return;
+    TString prefix(path);
+    const int length = prefix.Length();
+    if (length == 0 || prefix.Print()[length - 1] != '\\')
+        prefix += "\\";
+    for (const TDirectoryEntry& entry : entries) {
+        TString full(prefix);
+        full += entry.Name;
+        if (entry.IsDirectory) {
+            if (entry.Name.Print()[0] != '.')
+                LoadDirectory(full, AddItem(entry.Name, -1, parentItem), errors);
+            continue;
+        }
+        TString extension;
+        extension.SetExtension(entry.Name);
+        if (extension.Compare("xml") != 0)
+            continue;
+        TOwned<TNodeType> type(new TNodeType);
+        if (!type->LoadXml(full, errors))
+            continue;
+        AddItem(entry.Name, Types.size(), parentItem);
+        Types.push_back(type.Release());
+    }
+}
+
+int TNodeTypeLibrary::AddItem(const TString& name, int typeIndex, int parentItem)
+{
+    const int index = Items.size();
+    TNodeTypeItem item;
+    item.Name = name;
+    item.TypeIndex = typeIndex;
+    Items.push_back(item);
+    if (parentItem == -1)
+        RootItems.push_back(index);
+    else
+        Items[parentItem].Children.push_back(index);
+    return index;
+}

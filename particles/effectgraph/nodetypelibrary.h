@@ -1,0 +1,45 @@
+#pragma once
+
+#include "particles/effectgraph/nodetype.h"
+
+// One file or directory of the node type tree, as the palette and the insert menu show it.
+struct TNodeTypeItem
+{
+    // The file's or directory's name as found, with extension.
+    TString Name;
+    // -1 for a directory.
+    int TypeIndex = -1;
+    vector<int> Children;
+};
+
+// All node types of a directory tree. Owns them; filled once.
+class TNodeTypeLibrary
+{
+public:
+    TNodeTypeLibrary() = default;
+    ~TNodeTypeLibrary();
+    TNodeTypeLibrary(const TNodeTypeLibrary&) = delete;
+    TNodeTypeLibrary& operator=(const TNodeTypeLibrary&) = delete;
+
+    // Goes on past bad files; their errors stand in the list.
+    void Load(const char* path, TErrorList& errors);
+    // Takes ownership; for types that come from elsewhere than a directory.
+    void AddType(TNodeType* type) { Types.push_back(type); }
+
+    int GetNumTypes() const { return Types.size(); }
+    TNodeType* GetType(int i) const { return Types[i]; }
+    // The first of the name, without case; null if there is none.
+    TNodeType* FindType(const char* name) const;
+    int GetNumRootItems() const { return RootItems.size(); }
+    const TNodeTypeItem& GetRootItem(int i) const { return Items[RootItems[i]]; }
+    const TNodeTypeItem& GetItem(int i) const { return Items[i]; }
+
+private:
+    void LoadDirectory(const char* path, int parentItem, TErrorList& errors);
+    // The index of the new item; a parent of -1 is the root.
+    int AddItem(const TString& name, int typeIndex, int parentItem);
+
+    vector<TNodeType*> Types;
+    vector<TNodeTypeItem> Items;
+    vector<int> RootItems;
+};

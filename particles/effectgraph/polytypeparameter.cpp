@@ -1,0 +1,276 @@
+#include "particles/effectgraph/polytypeparameter.h"
+
+#include "particles/effectgraph/effectnode.h"
+#include "particles/effectgraph/owned.h"
+#include "particles/effectgraph/xmltext.h"
+
+int TNodePolytypeParameter::ClassId()
+{
+    static const int id = RegisterClass(ConstructClass<TNodePolytypeParameter, TChunk>,
+                                        "TNodePolytypeParameter", TNodeParameter::ClassId());
+    return id;
+}
+
+uint32_t TNodePolytypeParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+static TClassRegistrar Registrar(&TNodePolytypeParameter::ClassId);
+
+TNodePolytypeParameter::~TNodePolytypeParameter()
+{
+    if (ChunkIdx == -1)
+        for (TNodeValueParameter* value : Values)
+            delete value;
+}
+
+template <class TParameter>
+static bool ReadValue(TChunkFile* chunkFile, TNodeValueParameter*& result)
+{
+    TParameter* value = nullptr;
+    if (!chunkFile->ReadPointer(value))
+        return false;
+    result = value;
+    return true;
+}
+
+bool TNodePolytypeParameter::Read(int size, int version, TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    ResolvedType = -1;
+    AllowedTypes = 0xFFFFFFFFu;
+    ValidTypes = NotComputed;
+    ForgetLinks();
+    using TRead = bool (*)(TChunkFile * chunkFile, TNodeValueParameter * &result);
+    static constexpr TRead Readers[TY_POLYTYPE] = {
+        ReadValue<TNodeScalarParameter>,  ReadValue<TNodeScaleParameter>,
+        ReadValue<TNodeVector3Parameter>, ReadValue<TNodeQuaternionParameter>,
+        ReadValue<TNodeColourParameter>,  ReadValue<TNodeTransformParameter>,
+        ReadValue<TNodeTexCoordParameter>};
+    bool ok = TNodeParameter::Read(size, version, chunkFile) && file.ReadI32(DefaultType) &&
+              file.ReadString(LinkInput) && file.ReadString(LinkOutput);
+    for (int type = 0; ok && type < TY_POLYTYPE; ++type)
+        ok = Readers[type](chunkFile, Values[type]);
+    return ok;
+}
+
+bool TNodePolytypeParameter::Write(TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    bool ok = TNodeParameter::Write(chunkFile) && file.WriteI32(DefaultType) && file.WriteString(LinkInput) &&
+              file.WriteString(LinkOutput);
+    for (int type = 0; ok && type < TY_POLYTYPE; ++type)
+        ok = chunkFile->WritePointer(Values[type]);
+    return ok;
+}
+
+int TNodePolytypeParameter::GetSize()
+{
+    return TNodeParameter::GetSize() + 4 + TBinaryFile::GetStringSize(LinkInput) +
+           TBinaryFile::GetStringSize(LinkOutput) + 4 * TY_POLYTYPE;
+}
+
+bool TNodePolytypeParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    static constexpr const char* Missing = "Polytype missing linkinput, linkoutput or validtypes tags";
+    static constexpr const char* Steps[] = {"linkinput", "linkoutput", "validtypes"};
+    if (!ParseCommon(xml, errors, fileName))
+        return false;
+    int step = 0;
+    while (true) {
+        const int found = xml.FindAnyTagFromHere(3 - step, Steps + step);
+        if (found == -1)
+            return AddXmlError(xml, errors, fileName, Missing);
+        step += found;
+        if (step == 2)
+            break;
+        if (!ReadElement(xml, errors, fileName, step == 0 ? LinkInput : LinkOutput, Missing, Missing))
+            return false;
+        ++step;
+    }
+    const bool isEmpty = xml.IsEmptyTag();
+    if (!isEmpty && !ParseValidTypes(xml, errors, fileName))
+        return false;
+    if (GetValidTypes() == 0)
+        return AddXmlError(xml, errors, fileName, "Polytype missing valid types");
+    if (!isEmpty)
+        xml.LeaveTag();
+    return true;
+}
+
+bool TNodePolytypeParameter::ParseValidTypes(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    static constexpr const char* TypeTags[TY_POLYTYPE] = {"scalar", "scale",     "vector3", "quaternion",
+                                                          "colour", "transform", "texcoord"};
+    bool isFirst = true;
+    for (int type = 0; type < TY_POLYTYPE; ++type) {
+        const int found = xml.FindAnyTagFromHere(TY_POLYTYPE - type, TypeTags + type);
+        if (found == -1)
+            return true;
+        type += found;
+        TNodeValueParameter* value = static_cast<TNodeValueParameter*>(CreateNodeParameter(type));
+        Values[type] = value;
+        value->Name = Name;
+        value->Description = Description;
+        float floats[MaxValueFloats] = {0, 0, 0, 0, 0, 0};
+        if (!xml.IsEmptyTag()) {
+            if (!ParseDefault(xml, errors, fileName, GetTypeFloats(type), floats))
+                return false;
+            xml.LeaveTag();
+        }
+        value->SetValue(floats);
+        if (isFirst)
+            DefaultType = type;
+        isFirst = false;
+    }
+    return true;
+}
+
+bool TNodePolytypeParameter::ParseDefault(TXmlFile& xml, TErrorList& errors, const char* fileName, int count,
+                                          float* floats)
+{
+    static constexpr const char* BadText = "Failed to get default text";
+    if (!xml.FindTag("defaultvalue"))
+        return true;
+    TString text;
+    if (!GetElementText(xml, errors, fileName, text, BadText))
+        return false;
+    vector<TString> pieces;
+    text.Split(pieces, ',');
+    if (pieces.size() != count)
+        return AddXmlError(
+            xml, errors, fileName,
+            "Badly formatted default value in polytype %s parameter. Expecting %d defauts, got %d",
+            QuoteText(Name).Print(), count, pieces.size());
+    for (int i = 0; i < count; ++i)
+        floats[i] = pieces[i].ToFloat();
+    return LeaveElement(xml, errors, fileName, BadText);
+}
+
+TNodeParameter* TNodePolytypeParameter::Clone() const
+{
+    TOwned<TNodePolytypeParameter> copy(new TNodePolytypeParameter);
+    copy->CopyBase(*this);
+    copy->DefaultType = DefaultType;
+    copy->LinkInput = LinkInput;
+    copy->LinkOutput = LinkOutput;
+    for (int type = 0; type < TY_POLYTYPE; ++type)
+        if (Values[type] != nullptr)
+            copy->Values[type] = static_cast<TNodeValueParameter*>(Values[type]->Clone());
+    copy->ResolvedType = ResolvedType;
+    copy->ValidTypes = ValidTypes;
+    copy->AllowedTypes = AllowedTypes;
+    return copy.Release();
+}
+
+void TNodePolytypeParameter::CopyValue(const TNodeParameter& other)
+{
+    if (other.Type >= 0 && other.Type < TY_POLYTYPE) {
+        if (Values[other.Type] != nullptr)
+            Values[other.Type]->CopyValue(other);
+    } else if (other.Type == TY_POLYTYPE) {
+        const TNodePolytypeParameter& polytype = static_cast<const TNodePolytypeParameter&>(other);
+        for (int type = 0; type < TY_POLYTYPE; ++type)
+            if (Values[type] != nullptr && polytype.Values[type] != nullptr)
+                Values[type]->CopyValue(*polytype.Values[type]);
+    }
+}
+
+void TNodePolytypeParameter::GetValue(float* out) const
+{
+    GetCurrentParameter()->GetValue(out);
+}
+
+void TNodePolytypeParameter::AddToChunkFile(TChunkFile& chunkFile)
+{
+    chunkFile.AddChunk(this);
+    for (TNodeValueParameter* value : Values)
+        if (value != nullptr)
+            value->AddToChunkFile(chunkFile);
+}
+
+void TNodePolytypeParameter::RemoveFromChunkFile(TChunkFile& chunkFile)
+{
+    chunkFile.RemoveChunk(this);
+    for (TNodeValueParameter* value : Values)
+        if (value != nullptr)
+            value->RemoveFromChunkFile(chunkFile);
+}
+
+void TNodePolytypeParameter::GetOwned(vector<TNodeParameter*>& result) const
+{
+    for (TNodeValueParameter* value : Values)
+        if (value != nullptr)
+            result.push_back(value);
+}
+
+bool TNodePolytypeParameter::IsTypeValid(int type) const
+{
+    ASSERT_TEXT(type >= 0 && type <= TY_TEXCOORDS, "type >= 0 && type <= TNodeType::TY_TEXCOORDS");
+    return Values[type] != nullptr;
+}
+
+uint32_t TNodePolytypeParameter::GetValidTypes() const
+{
+    if (ValidTypes == NotComputed) {
+        ValidTypes = 0;
+        for (int type = 0; type < TY_POLYTYPE; ++type)
+            if (Values[type] != nullptr)
+                ValidTypes |= 1u << type;
+    }
+    return ValidTypes;
+}
+
+TNodeValueParameter* TNodePolytypeParameter::GetValueParameter(int type) const
+{
+    ASSERT_TEXT(IsTypeValid(type), "IsTypeValid(i)");
+    return Values[type];
+}
+
+int TNodePolytypeParameter::GetCurrentType() const
+{
+    return ResolvedType != -1 ? ResolvedType : DefaultType;
+}
+
+int TNodePolytypeParameter::GetLinkInputIndex(const TEffectNode* node) const
+{
+    if (LinkInputIndex == -1 && !LinkInput.IsEmpty()) {
+        const int index = node->GetNodeType()->FindInput(LinkInput);
+        ASSERT_TEXT(index != -1, "i < node->GetNodeType()->GetNumInputs()");
+        LinkInputIndex = index;
+    }
+    return LinkInputIndex;
+}
+
+int TNodePolytypeParameter::GetLinkOutputIndex(const TEffectNode* node) const
+{
+    if (LinkOutputIndex == -1 && !LinkOutput.IsEmpty()) {
+        const int index = node->GetNodeType()->FindOutput(LinkOutput);
+        ASSERT_TEXT(index != -1, "i < node->GetNodeType()->GetNumOutputs()");
+        LinkOutputIndex = index;
+    }
+    return LinkOutputIndex;
+}
+
+void TNodePolytypeParameter::ForgetLinks()
+{
+    LinkInputIndex = -1;
+    LinkOutputIndex = -1;
+}
+
+void TNodePolytypeParameter::SetAllowedTypes(uint32_t mask)
+{
+    if (mask == AllowedTypes)
+        return;
+    AllowedTypes = mask;
+    ResolvedType = GetSingleType(mask);
+    NotifyChanged();
+}
+
+void TNodePolytypeParameter::SetUserType(int type)
+{
+    if (type >= 0 && type < TY_POLYTYPE && IsTypeValid(type))
+        DefaultType = type;
+    NotifyChanged();
+}

@@ -1,0 +1,358 @@
+#include "particles/effectgraph/rampparameter.h"
+
+#include "particles/effectgraph/nodetype.h"
+#include "particles/effectgraph/xmltext.h"
+
+int TNodeRampParameter::ClassId()
+{
+    static const int id = RegisterClass(ConstructClass<TNodeRampParameter, TChunk>, "TNodeRampParameter",
+                                        TNodeParameter::ClassId());
+    return id;
+}
+
+uint32_t TNodeRampParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+int TNodePolyRampParameter::ClassId()
+{
+    static const int id = RegisterClass(ConstructClass<TNodePolyRampParameter, TChunk>,
+                                        "TNodePolyRampParameter", TNodeRampParameter::ClassId());
+    return id;
+}
+
+uint32_t TNodePolyRampParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+static TClassRegistrar Registrars[] = {TClassRegistrar(&TNodeRampParameter::ClassId),
+                                       TClassRegistrar(&TNodePolyRampParameter::ClassId)};
+
+struct TRampKind
+{
+    const char* Name;
+    int Dimensions;
+};
+
+static constexpr TRampKind RampKinds[] = {
+    {"scalar", 1}, {"scale", 2}, {"vector3", 3}, {"quaternion", 3}, {"colour", 4}};
+constexpr int NumRampKinds = 5;
+
+bool TNodeRampParameter::Read(int size, int version, TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    int32_t dimensions = 0;
+    if (!TNodeParameter::Read(size, version, chunkFile) || !file.ReadI32(dimensions))
+        return false;
+    ASSERT_TEXT(dimensions > 0 && dimensions <= MaxDimensions, "Dimensions > 0 && Dimensions <= 4");
+    Dimensions = dimensions;
+    if (!file.ReadI32(RampType) || !file.ReadString(Labels))
+        return false;
+    for (int i = 0; i < Dimensions; ++i)
+        if (!ReadCurve(chunkFile, Curves[i]))
+            return false;
+    for (int& lock : Locks)
+        if (!file.ReadI32(lock))
+            return false;
+    Linear = false;
+    Flag2 = false;
+    return version < 2 || (file.ReadBool(Linear) && file.ReadBool(Flag2));
+}
+
+bool TNodeRampParameter::ReadCurve(TChunkFile* chunkFile, vector<TRampPoint>& curve)
+{
+    uint32_t count = 0;
+    if (!chunkFile->ReadCount(count, 8))
+        return false;
+    curve.clear();
+    curve.reserve(static_cast<int>(count));
+    for (uint32_t i = 0; i < count; ++i) {
+        TRampPoint point;
+        if (!chunkFile->File.ReadFloat(point.X) || !chunkFile->File.ReadFloat(point.Y))
+            return false;
+        curve.push_back(point);
+    }
+    return true;
+}
+
+bool TNodeRampParameter::Write(TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    bool ok = TNodeParameter::Write(chunkFile) && file.WriteI32(Dimensions) && file.WriteI32(RampType) &&
+              file.WriteString(Labels);
+    for (int i = 0; ok && i < Dimensions; ++i) {
+        ok = file.WriteU32(static_cast<uint32_t>(Curves[i].size()));
+        for (int n = 0; ok && n < Curves[i].size(); ++n)
+            ok = file.WriteFloat(Curves[i][n].X) && file.WriteFloat(Curves[i][n].Y);
+    }
+    for (int i = 0; ok && i < MaxDimensions; ++i)
+        ok = file.WriteI32(Locks[i]);
+    return ok && file.WriteBool(Linear) && file.WriteBool(Flag2);
+}
+
+int TNodeRampParameter::GetSize()
+{
+    int size = TNodeParameter::GetSize() + 8 + TBinaryFile::GetStringSize(Labels) + 4 * MaxDimensions + 2;
+    for (int i = 0; i < Dimensions; ++i)
+        size += 4 + 8 * Curves[i].size();
+    return size;
+}
+
+bool TNodeRampParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    if (!ParseCommon(xml, errors, fileName))
+        return false;
+    if (!xml.FindTagFromHere("type"))
+        return AddXmlError(xml, errors, fileName, "Ramp parameter missing type tag");
+    TString kind;
+    if (!ReadElement(xml, errors, fileName, kind, "Failed to get type text",
+                     "Parameter missing type end tag"))
+        return false;
+    if (kind.SplitAtFirst('=', Labels) != -1)
+        Labels.Trim();
+    int type = 0;
+    while (type < NumRampKinds && kind.Compare(RampKinds[type].Name) != 0)
+        ++type;
+    if (type == NumRampKinds)
+        return AddXmlError(xml, errors, fileName, "Unknown ramp type %s", QuoteText(kind).Print());
+    RampType = type;
+    Dimensions = RampKinds[type].Dimensions;
+    return ParseCurves(xml, errors, fileName);
+}
+
+bool TNodeRampParameter::ParseCurves(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    static constexpr TRampPoint Straight[] = {
+        {0, 0}, {1.0f / 3.0f, 1.0f / 3.0f}, {2.0f / 3.0f, 2.0f / 3.0f}, {1, 1}};
+    int given = 0;
+    while (given < MaxDimensions && xml.FindTagFromHere("defaultvalues")) {
+        TString text;
+        if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text") ||
+            !ParseCurve(xml, errors, fileName, text, Curves[given]) ||
+            !LeaveElement(xml, errors, fileName, "Parameter missing defaultvalues end tag"))
+            return false;
+        ++given;
+    }
+    if (given == 0) {
+        for (const TRampPoint& point : Straight)
+            Curves[0].push_back(point);
+        given = 1;
+    }
+    for (int i = given; i < Dimensions; ++i)
+        Curves[i] = Curves[i - 1];
+    return true;
+}
+
+static TRampPoint PointBetween(const TRampPoint& a, const TRampPoint& b, double part)
+{
+    TRampPoint point;
+    point.X = static_cast<float>(a.X + (double(b.X) - a.X) * part);
+    point.Y = static_cast<float>(a.Y + (double(b.Y) - a.Y) * part);
+    return point;
+}
+
+bool TNodeRampParameter::ParseCurve(TXmlFile& xml, TErrorList& errors, const char* fileName,
+                                    const TString& text, vector<TRampPoint>& curve)
+{
+    vector<TString> pieces;
+    text.SplitBracketed(pieces, ',');
+    for (const TString& piece : pieces) {
+        const int length = piece.Length();
+        if (length < 2 || piece.Print()[0] != '{' || piece.Print()[length - 1] != '}')
+            return AddXmlError(xml, errors, fileName, "Badly formatted ramp default: %s",
+                               QuoteText(text).Print());
+        TString inside;
+        inside.Assign(piece.Print() + 1, piece.Print() + length - 1);
+        vector<float> numbers;
+        inside.SplitFloats(numbers, ',');
+        if (numbers.size() != 2)
+            return AddXmlError(xml, errors, fileName,
+                               "Badly formatted ramp default - expecting list of vector2s: %s",
+                               QuoteText(text).Print());
+        TRampPoint point{numbers[0], numbers[1]};
+        if (!curve.empty()) {
+            const TRampPoint last = curve.back();
+            if (point.X < last.X)
+                point.X = last.X;
+            curve.push_back(PointBetween(last, point, 1.0 / 3.0));
+            curve.push_back(PointBetween(last, point, 2.0 / 3.0));
+        }
+        curve.push_back(point);
+    }
+    return true;
+}
+
+TNodeParameter* TNodeRampParameter::Clone() const
+{
+    TNodeRampParameter* copy = new TNodeRampParameter;
+    copy->CopyRamp(*this);
+    return copy;
+}
+
+void TNodeRampParameter::CopyRamp(const TNodeRampParameter& other)
+{
+    CopyBase(other);
+    Dimensions = other.Dimensions;
+    RampType = other.RampType;
+    Labels = other.Labels;
+    for (int i = 0; i < MaxDimensions; ++i) {
+        Curves[i] = other.Curves[i];
+        Locks[i] = other.Locks[i];
+    }
+    Linear = other.Linear;
+    Flag2 = other.Flag2;
+}
+
+static float EvaluateLinear(const TRampPoint* p, float x)
+{
+    const float dx = static_cast<float>(double(p[3].X) - p[0].X);
+    if (dx < 0.001)
+        return p[0].Y;
+    return static_cast<float>(p[0].Y + (double(p[3].Y) - p[0].Y) * ((double(x) - p[0].X) / dx));
+}
+
+static float Bezier(double a, double b, double c, double d, double m)
+{
+    return static_cast<float>((1 - m) * (1 - m) * (1 - m) * a + 3 * (1 - m) * (1 - m) * m * b +
+                              3 * (1 - m) * m * m * c + m * m * m * d);
+}
+
+static float EvaluateCubic(const TRampPoint* p, float x)
+{
+    constexpr int NumSteps = 32;
+    float lo = 0;
+    float hi = 1;
+    float m = 0;
+    for (int step = 0; step < NumSteps; ++step) {
+        m = static_cast<float>((double(lo) + hi) * 0.5);
+        const float xAtM = Bezier(p[0].X, p[1].X, p[2].X, p[3].X, m);
+        if (xAtM < x)
+            lo = m;
+        else
+            hi = m;
+    }
+    return Bezier(p[0].Y, p[1].Y, p[2].Y, p[3].Y, m);
+}
+
+float TNodeRampParameter::Evaluate(float x, int dimension) const
+{
+    ASSERT(dimension >= 0 && dimension < MaxDimensions);
+    const int lock = Locks[dimension];
+    const vector<TRampPoint>& curve = Curves[lock >= 0 && lock < MaxDimensions ? lock : dimension];
+    const int count = curve.size();
+    if (count == 0)
+        return 0;
+    const TRampPoint* p = curve.data();
+    if (x <= p[0].X)
+        return p[0].Y;
+    if (x >= p[count - 1].X)
+        return p[count - 1].Y;
+    for (int i = 0; i < count - 3; i += 3)
+        if (p[i].X <= x && x < p[i + 3].X)
+            return Linear ? EvaluateLinear(p + i, x) : EvaluateCubic(p + i, x);
+    return p[count - 1].Y;
+}
+
+float TNodeRampParameter::GetLength() const
+{
+    float length = 0;
+    for (int i = 0; i < Dimensions; ++i)
+        if (Locks[i] == -1 && !Curves[i].empty() && Curves[i].back().X > length)
+            length = Curves[i].back().X;
+    return length;
+}
+
+const vector<TRampPoint>& TNodeRampParameter::GetCurve(int dimension) const
+{
+    ASSERT(dimension >= 0 && dimension < MaxDimensions);
+    return Curves[dimension];
+}
+
+void TNodeRampParameter::SetLocks(const int* locks)
+{
+    int wanted[MaxDimensions];
+    for (int i = 0; i < MaxDimensions; ++i)
+        wanted[i] = i < Dimensions ? locks[i] : -1;
+    ASSERT_TEXT(wanted[0] >= -1 && wanted[0] < 4, "Locks[0] >= -1 && Locks[0] < 4");
+    ASSERT_TEXT(wanted[1] >= -1 && wanted[1] < 4, "Locks[1] >= -1 && Locks[1] < 4");
+    ASSERT_TEXT(wanted[2] >= -1 && wanted[2] < 4, "Locks[2] >= -1 && Locks[2] < 4");
+    ASSERT_TEXT(wanted[3] >= -1 && wanted[3] < 4, "Locks[3] >= -1 && Locks[3] < 4");
+    for (int i = 0; i < MaxDimensions; ++i)
+        Locks[i] = wanted[i];
+    NotifyChanged();
+}
+
+void TNodeRampParameter::SetLinear(bool linear)
+{
+    Linear = linear;
+    NotifyChanged();
+}
+
+void TNodeRampParameter::SetPoint(int dimension, int point, const TRampPoint& value)
+{
+    ASSERT(dimension >= 0 && dimension < MaxDimensions);
+    Curves[dimension][point] = value;
+    NotifyChanged();
+}
+
+void TNodeRampParameter::SetCurve(int dimension, const vector<TRampPoint>& points)
+{
+    ASSERT(dimension >= 0 && dimension < MaxDimensions);
+    Curves[dimension] = points;
+    NotifyChanged();
+}
+
+void TNodeRampParameter::SetCurves(const vector<TRampPoint>* points)
+{
+    for (int i = 0; i < MaxDimensions; ++i)
+        Curves[i] = points[i];
+    NotifyChanged();
+}
+
+TNodePolyRampParameter::TNodePolyRampParameter() : TNodeRampParameter(PK_POLYRAMP)
+{
+    Dimensions = MaxDimensions;
+    RampType = NumRampKinds - 1;
+}
+
+bool TNodePolyRampParameter::Read(int size, int version, TChunkFile* chunkFile)
+{
+    return TNodeRampParameter::Read(size, version, chunkFile) && chunkFile->File.ReadString(Output);
+}
+
+bool TNodePolyRampParameter::Write(TChunkFile* chunkFile)
+{
+    return TNodeRampParameter::Write(chunkFile) && chunkFile->File.WriteString(Output);
+}
+
+int TNodePolyRampParameter::GetSize()
+{
+    return TNodeRampParameter::GetSize() + TBinaryFile::GetStringSize(Output);
+}
+
+bool TNodePolyRampParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    if (!ParseCommon(xml, errors, fileName) || !ParseCurves(xml, errors, fileName))
+        return false;
+    // Fewer than four curves have walked the reader to the element's end.
+    xml.RewindTag();
+    if (!xml.FindTagFromHere("output"))
+        return AddXmlError(xml, errors, fileName, "PolyRampParameter missing output tag");
+    return ReadElement(xml, errors, fileName, Output, "Failed to get output text",
+                       "Parameter missing output end tag");
+}
+
+TNodeParameter* TNodePolyRampParameter::Clone() const
+{
+    TNodePolyRampParameter* copy = new TNodePolyRampParameter;
+    copy->CopyRamp(*this);
+    copy->Output = Output;
+    return copy;
+}
+
+int TNodePolyRampParameter::FindOutput(const TNodeType& nodeType) const
+{
+    return nodeType.FindOutput(Output);
+}

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "particles/effectgraph/nodeparameter.h"
+
+class TNodeType;
+
+struct TRampPoint
+{
+    float X = 0;
+    float Y = 0;
+    bool operator==(const TRampPoint& other) const { return X == other.X && Y == other.Y; }
+};
+
+// Up to four curves over one time-like axis. A curve is a chain of cubic Bezier segments: anchor, handle,
+// handle, anchor, and so on.
+class TNodeRampParameter : public TNodeParameter
+{
+public:
+    static constexpr int MaxDimensions = 4;
+
+    TNodeRampParameter() : TNodeRampParameter(PK_RAMP) {}
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    int GetVersion() override { return 2; }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override;
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override;
+
+    // The curve of a dimension, or of the one it is locked to, at x.
+    float Evaluate(float x, int dimension) const;
+    // The greatest last x of the unlocked dimensions, at least 0.
+    float GetLength() const;
+
+    int GetDimensions() const { return Dimensions; }
+    int GetRampType() const { return RampType; }
+    const TString& GetLabels() const { return Labels; }
+    const vector<TRampPoint>& GetCurve(int dimension) const;
+    const int* GetLocks() const { return Locks; }
+    bool IsLinear() const { return Linear; }
+    // Each of these tells the listeners.
+    void SetLocks(const int* locks);
+    void SetLinear(bool linear);
+    void SetPoint(int dimension, int point, const TRampPoint& value);
+    void SetCurve(int dimension, const vector<TRampPoint>& points);
+    void SetCurves(const vector<TRampPoint>* points);
+
+protected:
+    explicit TNodeRampParameter(int kind) : TNodeParameter(kind) {}
+    bool ParseCurves(TXmlFile& xml, TErrorList& errors, const char* fileName);
+    static bool ParseCurve(TXmlFile& xml, TErrorList& errors, const char* fileName, const TString& text,
+                           vector<TRampPoint>& curve);
+    static bool ReadCurve(TChunkFile* chunkFile, vector<TRampPoint>& curve);
+    void CopyRamp(const TNodeRampParameter& other);
+
+    int Dimensions = 1;
+    int RampType = 0;
+    TString Labels;
+    vector<TRampPoint> Curves[MaxDimensions];
+    int Locks[MaxDimensions] = {-1, -1, -1, -1};
+    bool Linear = false;
+    bool Flag2 = false;
+};
+
+// A ramp whose number of components follows an output port of its node.
+class TNodePolyRampParameter : public TNodeRampParameter
+{
+public:
+    TNodePolyRampParameter();
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override;
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override;
+
+    const TString& GetOutput() const { return Output; }
+    // The index of the output port that it follows, -1 if there is none of that name.
+    int FindOutput(const TNodeType& nodeType) const;
+
+private:
+    TString Output;
+};

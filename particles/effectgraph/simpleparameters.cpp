@@ -1,0 +1,329 @@
+#include "particles/effectgraph/simpleparameters.h"
+
+#include "particles/effectgraph/xmltext.h"
+
+template <class TParameter>
+static int RegisterParameter(const char* name)
+{
+    return RegisterClass(ConstructClass<TParameter, TChunk>, name, TNodeParameter::ClassId());
+}
+
+int TNodeBoolParameter::ClassId()
+{
+    static const int id = RegisterParameter<TNodeBoolParameter>("TNodeBoolParameter");
+    return id;
+}
+
+int TNodeEnumParameter::ClassId()
+{
+    static const int id = RegisterParameter<TNodeEnumParameter>("TNodeEnumParameter");
+    return id;
+}
+
+int TNodeIntParameter::ClassId()
+{
+    static const int id = RegisterParameter<TNodeIntParameter>("TNodeIntParameter");
+    return id;
+}
+
+int TNodeTextureParameter::ClassId()
+{
+    static const int id = RegisterParameter<TNodeTextureParameter>("TNodeTextureParameter");
+    return id;
+}
+
+int TNodeAnimationParameter::ClassId()
+{
+    static const int id = RegisterParameter<TNodeAnimationParameter>("TNodeAnimationParameter");
+    return id;
+}
+
+uint32_t TNodeBoolParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeEnumParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeIntParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeTextureParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeAnimationParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+static TClassRegistrar Registrars[] = {
+    TClassRegistrar(&TNodeBoolParameter::ClassId),      TClassRegistrar(&TNodeEnumParameter::ClassId),
+    TClassRegistrar(&TNodeIntParameter::ClassId),       TClassRegistrar(&TNodeTextureParameter::ClassId),
+    TClassRegistrar(&TNodeAnimationParameter::ClassId),
+};
+
+bool TNodeBoolParameter::Read(int size, int version, TChunkFile* chunkFile)
+{
+    return TNodeParameter::Read(size, version, chunkFile) && chunkFile->File.ReadBool(Value);
+}
+
+bool TNodeBoolParameter::Write(TChunkFile* chunkFile)
+{
+    return TNodeParameter::Write(chunkFile) && chunkFile->File.WriteBool(Value);
+}
+
+int TNodeBoolParameter::GetSize()
+{
+    return TNodeParameter::GetSize() + 1;
+}
+
+bool TNodeBoolParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    if (!ParseCommon(xml, errors, fileName))
+        return false;
+    if (!xml.FindTagFromHere("defaultvalue"))
+        return true;
+    TString text;
+    if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text"))
+        return false;
+    Value = IsTrueText(text);
+    return LeaveElement(xml, errors, fileName, "Parameter missing defaultvalue end tag");
+}
+
+TNodeParameter* TNodeBoolParameter::Clone() const
+{
+    TNodeBoolParameter* copy = new TNodeBoolParameter;
+    copy->CopyBase(*this);
+    copy->Value = Value;
+    return copy;
+}
+
+void TNodeBoolParameter::SetValue(bool value)
+{
+    Value = value;
+    NotifyChanged();
+}
+
+bool TNodeEnumParameter::Read(int size, int version, TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    uint32_t count = 0;
+    // An entry takes at least an empty name and the number.
+    if (!TNodeParameter::Read(size, version, chunkFile) || !file.ReadI32(Index) ||
+        !chunkFile->ReadCount(count, 8))
+        return false;
+    Values.clear();
+    Values.reserve(static_cast<int>(count));
+    for (uint32_t i = 0; i < count; ++i) {
+        TEntry entry;
+        if (!file.ReadString(entry.Name) || !file.ReadI32(entry.Number))
+            return false;
+        Values.push_back(entry);
+    }
+    return true;
+}
+
+bool TNodeEnumParameter::Write(TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    bool ok = TNodeParameter::Write(chunkFile) && file.WriteI32(Index) &&
+              file.WriteU32(static_cast<uint32_t>(Values.size()));
+    for (int i = 0; ok && i < Values.size(); ++i)
+        ok = file.WriteString(Values[i].Name) && file.WriteI32(Values[i].Number);
+    return ok;
+}
+
+int TNodeEnumParameter::GetSize()
+{
+    int size = TNodeParameter::GetSize() + 8;
+    for (const TEntry& entry : Values)
+        size += TBinaryFile::GetStringSize(entry.Name) + 4;
+    return size;
+}
+
+bool TNodeEnumParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    if (!ParseCommon(xml, errors, fileName))
+        return false;
+    TString text;
+    while (xml.FindTagFromHere("value")) {
+        if (!ReadElement(xml, errors, fileName, text, "Failed to get value text",
+                         "Parameter missing value end tag"))
+            return false;
+        TEntry entry;
+        entry.Number = Values.size();
+        TString number;
+        if (text.SplitAtFirst('=', number) != -1)
+            entry.Number = number.ToInt();
+        text.Trim();
+        entry.Name = text;
+        Values.push_back(entry);
+    }
+    // A list without a default value has walked the reader to the element's end.
+    xml.RewindTag();
+    if (!xml.FindTagFromHere("defaultvalue"))
+        return true;
+    if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text"))
+        return false;
+    int index = 0;
+    while (index < Values.size() && Values[index].Name.Compare(text, true) != 0)
+        ++index;
+    if (index == Values.size())
+        return AddXmlError(xml, errors, fileName, "Default value for enum not found in values set: %s",
+                           QuoteText(text).Print());
+    Index = index;
+    return LeaveElement(xml, errors, fileName, "Parameter missing defaultvalue end tag");
+}
+
+TNodeParameter* TNodeEnumParameter::Clone() const
+{
+    TNodeEnumParameter* copy = new TNodeEnumParameter;
+    copy->CopyBase(*this);
+    copy->Index = Index;
+    copy->Values = Values;
+    return copy;
+}
+
+int TNodeEnumParameter::GetNumber() const
+{
+    return Index >= 0 && Index < Values.size() ? Values[Index].Number : 0;
+}
+
+void TNodeEnumParameter::SetValue(int index)
+{
+    if (index >= 0 && index < Values.size())
+        Index = index;
+    NotifyChanged();
+}
+
+bool TNodeIntParameter::Read(int size, int version, TChunkFile* chunkFile)
+{
+    return TNodeParameter::Read(size, version, chunkFile) && chunkFile->File.ReadI32(Value);
+}
+
+bool TNodeIntParameter::Write(TChunkFile* chunkFile)
+{
+    return TNodeParameter::Write(chunkFile) && chunkFile->File.WriteI32(Value);
+}
+
+int TNodeIntParameter::GetSize()
+{
+    return TNodeParameter::GetSize() + 4;
+}
+
+bool TNodeIntParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    if (!ParseCommon(xml, errors, fileName))
+        return false;
+    if (!xml.FindTagFromHere("defaultvalue"))
+        return true;
+    TString text;
+    if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text"))
+        return false;
+    Value = text.ToInt();
+    return LeaveElement(xml, errors, fileName, "Parameter missing defaultvalue end tag");
+}
+
+TNodeParameter* TNodeIntParameter::Clone() const
+{
+    TNodeIntParameter* copy = new TNodeIntParameter;
+    copy->CopyBase(*this);
+    copy->Value = Value;
+    return copy;
+}
+
+void TNodeIntParameter::SetValue(int value)
+{
+    Value = value;
+    NotifyChanged();
+}
+
+bool TNodeTextureParameter::Read(int size, int version, TChunkFile* chunkFile)
+{
+    return TNodeParameter::Read(size, version, chunkFile) && chunkFile->File.ReadString(FileName);
+}
+
+bool TNodeTextureParameter::Write(TChunkFile* chunkFile)
+{
+    return TNodeParameter::Write(chunkFile) && chunkFile->File.WriteString(FileName);
+}
+
+int TNodeTextureParameter::GetSize()
+{
+    return TNodeParameter::GetSize() + TBinaryFile::GetStringSize(FileName);
+}
+
+bool TNodeTextureParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    return ParseCommon(xml, errors, fileName);
+}
+
+TNodeParameter* TNodeTextureParameter::Clone() const
+{
+    TNodeTextureParameter* copy = new TNodeTextureParameter;
+    copy->CopyBase(*this);
+    copy->FileName = FileName;
+    return copy;
+}
+
+void TNodeTextureParameter::SetValue(const char* fileName)
+{
+    FileName = fileName;
+    NotifyChanged();
+}
+
+bool TNodeAnimationParameter::Read(int size, int version, TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    return TNodeParameter::Read(size, version, chunkFile) && file.ReadString(FileName) &&
+           file.ReadBool(Position) && file.ReadBool(Rotation) && file.ReadBool(Scale);
+}
+
+bool TNodeAnimationParameter::Write(TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    return TNodeParameter::Write(chunkFile) && file.WriteString(FileName) && file.WriteBool(Position) &&
+           file.WriteBool(Rotation) && file.WriteBool(Scale);
+}
+
+int TNodeAnimationParameter::GetSize()
+{
+    return TNodeParameter::GetSize() + TBinaryFile::GetStringSize(FileName) + 3;
+}
+
+bool TNodeAnimationParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    return ParseCommon(xml, errors, fileName);
+}
+
+TNodeParameter* TNodeAnimationParameter::Clone() const
+{
+    TNodeAnimationParameter* copy = new TNodeAnimationParameter;
+    copy->CopyBase(*this);
+    copy->FileName = FileName;
+    copy->Position = Position;
+    copy->Rotation = Rotation;
+    copy->Scale = Scale;
+    return copy;
+}
+
+void TNodeAnimationParameter::SetFileName(const char* fileName)
+{
+    FileName = fileName;
+    NotifyChanged();
+}
+
+void TNodeAnimationParameter::SetFlags(bool position, bool rotation, bool scale)
+{
+    Position = position;
+    Rotation = rotation;
+    Scale = scale;
+    NotifyChanged();
+}

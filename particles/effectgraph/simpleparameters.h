@@ -1,0 +1,123 @@
+#pragma once
+
+#include "particles/effectgraph/nodeparameter.h"
+
+class TNodeBoolParameter : public TNodeParameter
+{
+public:
+    TNodeBoolParameter() : TNodeParameter(PK_BOOL) {}
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override;
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override;
+
+    bool Get() const { return Value; }
+    void SetValue(bool value);
+
+private:
+    bool Value = false;
+};
+
+// One of a list of named numbers. What run-time code and exports read is the chosen entry's number.
+class TNodeEnumParameter : public TNodeParameter
+{
+public:
+    struct TEntry
+    {
+        TString Name;
+        int Number = 0;
+    };
+
+    TNodeEnumParameter() : TNodeParameter(PK_ENUM) {}
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override;
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override;
+
+    // The chosen entry's number; 0 if the position lies outside the list.
+    int GetNumber() const;
+    int GetIndex() const { return Index; }
+    // A position outside the list is not taken over.
+    void SetValue(int index);
+    const vector<TEntry>& GetValues() const { return Values; }
+
+private:
+    int Index = 0;
+    vector<TEntry> Values;
+};
+
+class TNodeIntParameter : public TNodeParameter
+{
+public:
+    TNodeIntParameter() : TNodeParameter(PK_INT) {}
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override;
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override;
+
+    int Get() const { return Value; }
+    void SetValue(int value);
+
+private:
+    int Value = 0;
+};
+
+class TNodeTextureParameter : public TNodeParameter
+{
+public:
+    TNodeTextureParameter() : TNodeParameter(PK_TEXTURE) {}
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override;
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override;
+
+    const TString& GetFileName() const { return FileName; }
+    void SetValue(const char* fileName);
+
+private:
+    TString FileName;
+};
+
+// A file of key-framed motion and which of its tracks are used.
+class TNodeAnimationParameter : public TNodeParameter
+{
+public:
+    TNodeAnimationParameter() : TNodeParameter(PK_ANIMATION) {}
+    static int ClassId();
+    static uint32_t NameID();
+    uint32_t GetClassId() override { return NameID(); }
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override;
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override;
+
+    const TString& GetFileName() const { return FileName; }
+    void SetFileName(const char* fileName);
+    bool UsesPosition() const { return Position; }
+    bool UsesRotation() const { return Rotation; }
+    bool UsesScale() const { return Scale; }
+    void SetFlags(bool position, bool rotation, bool scale);
+
+private:
+    TString FileName;
+    bool Position = false;
+    bool Rotation = false;
+    bool Scale = false;
+};

@@ -1,0 +1,266 @@
+#include "particles/effectgraph/valueparameters.h"
+
+#include "library/maths/matrix43.h"
+#include "library/maths/scalar.h"
+#include "particles/effectgraph/xmltext.h"
+
+#include <string.h>
+
+template <class TParameter>
+static int RegisterValueParameter(const char* name)
+{
+    return RegisterClass(ConstructClass<TParameter, TChunk>, name, TNodeValueParameter::ClassId());
+}
+
+int TNodeValueParameter::ClassId()
+{
+    static const int id = RegisterClass(nullptr, "TNodeValueParameter", TNodeParameter::ClassId());
+    return id;
+}
+
+int TNodeScalarParameter::ClassId()
+{
+    static const int id = RegisterValueParameter<TNodeScalarParameter>("TNodeScalarParameter");
+    return id;
+}
+
+int TNodeScaleParameter::ClassId()
+{
+    static const int id = RegisterValueParameter<TNodeScaleParameter>("TNodeScaleParameter");
+    return id;
+}
+
+int TNodeVector3Parameter::ClassId()
+{
+    static const int id = RegisterValueParameter<TNodeVector3Parameter>("TNodeVector3Parameter");
+    return id;
+}
+
+int TNodeQuaternionParameter::ClassId()
+{
+    static const int id = RegisterValueParameter<TNodeQuaternionParameter>("TNodeQuaternionParameter");
+    return id;
+}
+
+int TNodeColourParameter::ClassId()
+{
+    static const int id = RegisterValueParameter<TNodeColourParameter>("TNodeColourParameter");
+    return id;
+}
+
+int TNodeTransformParameter::ClassId()
+{
+    static const int id = RegisterValueParameter<TNodeTransformParameter>("TNodeTransformParameter");
+    return id;
+}
+
+int TNodeTexCoordParameter::ClassId()
+{
+    static const int id = RegisterValueParameter<TNodeTexCoordParameter>("TNodeTexCoordParameter");
+    return id;
+}
+
+uint32_t TNodeValueParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeScalarParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeScaleParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeVector3Parameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeQuaternionParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeColourParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeTransformParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+uint32_t TNodeTexCoordParameter::NameID()
+{
+    return GetClassNameID(ClassId());
+}
+
+static TClassRegistrar Registrars[] = {
+    TClassRegistrar(&TNodeScalarParameter::ClassId),   TClassRegistrar(&TNodeScaleParameter::ClassId),
+    TClassRegistrar(&TNodeVector3Parameter::ClassId),  TClassRegistrar(&TNodeQuaternionParameter::ClassId),
+    TClassRegistrar(&TNodeColourParameter::ClassId),   TClassRegistrar(&TNodeTransformParameter::ClassId),
+    TClassRegistrar(&TNodeTexCoordParameter::ClassId),
+};
+
+TNodeScalarParameter::TNodeScalarParameter() : TNodeValueParameter(TY_SCALAR) {}
+
+TNodeScaleParameter::TNodeScaleParameter() : TNodeValueParameter(TY_SCALE) {}
+
+TNodeVector3Parameter::TNodeVector3Parameter() : TNodeValueParameter(TY_VECTOR3) {}
+
+TNodeQuaternionParameter::TNodeQuaternionParameter() : TNodeValueParameter(TY_QUATERNION) {}
+
+TNodeColourParameter::TNodeColourParameter() : TNodeValueParameter(TY_COLOUR)
+{
+    for (int i = 0; i < 4; ++i)
+        Value[i] = 1;
+}
+
+TNodeTransformParameter::TNodeTransformParameter() : TNodeValueParameter(TY_TRANSFORM) {}
+
+TNodeTexCoordParameter::TNodeTexCoordParameter() : TNodeValueParameter(TY_TEXCOORDS)
+{
+    Value[2] = 1;
+    Value[3] = 1;
+}
+
+bool TNodeValueParameter::Read(int size, int version, TChunkFile* chunkFile)
+{
+    bool ok = TNodeParameter::Read(size, version, chunkFile);
+    for (int i = 0; ok && i < GetNumFloats(); ++i)
+        ok = chunkFile->File.ReadFloat(Value[i]);
+    // A short body shows in the size check of the chunk file.
+    return true;
+}
+
+bool TNodeValueParameter::Write(TChunkFile* chunkFile)
+{
+    bool ok = TNodeParameter::Write(chunkFile);
+    for (int i = 0; ok && i < GetNumFloats(); ++i)
+        ok = chunkFile->File.WriteFloat(Value[i]);
+    return ok;
+}
+
+int TNodeValueParameter::GetSize()
+{
+    return TNodeParameter::GetSize() + GetTypeSize(Type);
+}
+
+void TNodeValueParameter::CopyValue(const TNodeParameter& other)
+{
+    if (other.Type == Type)
+        memcpy(Value, static_cast<const TNodeValueParameter&>(other).Value, sizeof(Value));
+}
+
+void TNodeValueParameter::GetValue(float* out) const
+{
+    memcpy(out, Value, static_cast<unsigned>(GetTypeSize(Type)));
+}
+
+void TNodeValueParameter::SetValue(const float* value)
+{
+    memmove(Value, value, static_cast<unsigned>(GetTypeSize(Type)));
+    NotifyChanged();
+}
+
+TNodeParameter* TNodeValueParameter::CloneInto(TNodeValueParameter* copy) const
+{
+    copy->CopyBase(*this);
+    copy->CopyValue(*this);
+    return copy;
+}
+
+bool TNodeValueParameter::ParseFloats(TXmlFile& xml, TErrorList& errors, const char* fileName,
+                                      const char* tag, int first, int count, const char* badCount,
+                                      bool& found)
+{
+    found = xml.FindTagFromHere(tag);
+    if (!found)
+        return true;
+    TString fault;
+    TString text;
+    if (!GetElementText(xml, errors, fileName, text, fault.Format("Failed to get %s text", tag)))
+        return false;
+    vector<TString> pieces;
+    text.Split(pieces, ',');
+    if (pieces.size() != count)
+        return AddXmlError(xml, errors, fileName, badCount, QuoteText(text).Print());
+    for (int i = 0; i < count; ++i)
+        Value[first + i] = pieces[i].ToFloat();
+    return LeaveElement(xml, errors, fileName, fault.Format("Parameter missing %s end tag", tag));
+}
+
+bool TNodeScalarParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    if (!ParseCommon(xml, errors, fileName))
+        return false;
+    if (!xml.FindTagFromHere("defaultvalue"))
+        return true;
+    TString text;
+    if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text"))
+        return false;
+    Value[0] = text.ToFloat();
+    return LeaveElement(xml, errors, fileName, "Parameter missing defaultvalue end tag");
+}
+
+bool TNodeScaleParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    bool found = false;
+    return ParseCommon(xml, errors, fileName) &&
+           ParseFloats(xml, errors, fileName, "defaultvalue", 0, 2,
+                       "Badly formatted vector2 default value : %s\n", found);
+}
+
+bool TNodeVector3Parameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    bool found = false;
+    return ParseCommon(xml, errors, fileName) &&
+           ParseFloats(xml, errors, fileName, "defaultvalue", 0, 3,
+                       "Badly formatted vector3 initial value : %s", found);
+}
+
+bool TNodeQuaternionParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    bool found = false;
+    return ParseCommon(xml, errors, fileName) &&
+           ParseFloats(xml, errors, fileName, "defaultvalue", 0, 3,
+                       "Badly formatted quaternion initial value : %s", found);
+}
+
+bool TNodeColourParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    bool found = false;
+    return ParseCommon(xml, errors, fileName) &&
+           ParseFloats(xml, errors, fileName, "defaultvalue", 0, 4,
+                       "Badly formatted colour initial value : %s", found);
+}
+
+bool TNodeTransformParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    static constexpr const char* BadCount = "Badly formatted transform initial value : %s";
+    if (!ParseCommon(xml, errors, fileName))
+        return false;
+    bool found = false;
+    if (!ParseFloats(xml, errors, fileName, "defaultposition", 0, 3, BadCount, found))
+        return false;
+    return !found || ParseFloats(xml, errors, fileName, "defaultrotation", 3, 3, BadCount, found);
+}
+
+bool TNodeTexCoordParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+{
+    return ParseCommon(xml, errors, fileName);
+}
+
+void TNodeTransformParameter::GetMatrix(TMatrix43& out) const
+{
+    const float x = static_cast<float>(double(Value[3]) * DegreesToRadians);
+    const float y = static_cast<float>(double(Value[4]) * DegreesToRadians);
+    const float z = static_cast<float>(double(Value[5]) * DegreesToRadians);
+    out.SetRotation(x, y, z);
+    out.SetTranslation(TVector3(Value[0], Value[1], Value[2]));
+}

@@ -1,0 +1,8 @@
+#include "fuzzfile.h"
+
+#include "library/containers/image/image.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    return ReadAsFile(data, size, [](const char* path) { TImage().LoadDds(path); });
+}

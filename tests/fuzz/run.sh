@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Runs every fuzz target for some seconds from the repository's own files as seeds: tests/fuzz/run.sh [SECONDS]
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+
+seconds=${1:-5}
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+# Copies the seeds of a target: small ones, as many as it can use.
+seed() {
+    mkdir -p "$work/$1"
+    shift_to=$work/$1
+    shift
+    for file in "$@"; do
+        [ -f "$file" ] && [ "$(stat -c %s "$file")" -lt 200000 ] && cp "$file" "$shift_to/" || true
+    done
+}
+shopt -s globstar nullglob
+seed effect samples/*.effect
+seed nodetype NodeTypes/**/*.xml
+seed shader build/*/shaders/*.sho
+seed animation samples/**/*.vori
+seed dds samples/**/*.dds
+seed hvt samples/**/*.hvt
+seed efx build/samples/*.efx
+
+count=0
+for target in effect nodetype shader animation dds hvt efx; do
+    if ! "build/fuzz/fuzz/fuzz-$target" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
+        -artifact_prefix="$work/" -print_final_stats=1 "$work/$target" >"$work/$target.log" 2>&1; then
+        tail -n 40 "$work/$target.log"
+        mkdir -p build/fuzz/faults
+        find "$work" -maxdepth 1 \( -name 'crash-*' -o -name 'timeout-*' -o -name 'oom-*' -o -name 'leak-*' \) \
+            -exec cp {} build/fuzz/faults/ \;
+        echo "The fuzz target for $target found a fault; its input lies in build/fuzz/faults" >&2
+        exit 1
+    fi
+    runs=$(sed -n 's/^stat::number_of_executed_units: //p' "$work/$target.log")
+    printf '%-10s %s inputs\n' "$target" "$runs"
+    count=$((count + 1))
+done
+echo "$count fuzz targets found nothing"

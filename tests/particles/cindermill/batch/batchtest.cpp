@@ -1,0 +1,302 @@
+#include "support/testsupport.h"
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include <sys/wait.h>
+
+// The batch program as a person runs it: its own process, its own streams.
+
+namespace {
+
+struct TOutcome
+{
+    int Status = -1;
+    std::string Out;
+    std::string Err;
+};
+
+class TBatch : public testing::Test
+{
+protected:
+    TOutcome Run(const std::string& arguments)
+    {
+        const std::string out = Folder.Path("stdout");
+        const std::string err = Folder.Path("stderr");
+        const std::string command = "XDG_CONFIG_HOME='" + Folder.GetFolder() + "/config' '" + CINDERMILL_BATCH + "' " +
+                                    arguments + " >'" + out + "' 2>'" + err + "'";
+        const int status = std::system(command.c_str());
+        return TOutcome{WEXITSTATUS(status), ReadBytes(out), ReadBytes(err)};
+    }
+    std::string Sample(const std::string& name) { return "'" + SourcePath("samples/" + name + ".effect") + "'"; }
+    static std::string Resources() { return "--resources '" + SourcePath("samples") + "' "; }
+
+    TTempFolder Folder;
+};
+
+std::vector<std::string> Lines(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::vector<std::string> Fields(const std::string& line, char separator)
+{
+    std::vector<std::string> fields(1);
+    for (char ch : line) {
+        if (ch == separator)
+            fields.emplace_back();
+        else
+            fields.back() += ch;
+    }
+    return fields;
+}
+
+} // namespace
+
+TEST_F(TBatch, NoCommandIsAUsageError)
+{
+    const TOutcome outcome = Run("");
+    EXPECT_EQ(2, outcome.Status);
+    EXPECT_EQ("", outcome.Out);
+    EXPECT_EQ("No command is given", Lines(outcome.Err).at(0));
+    EXPECT_EQ(0u, Lines(outcome.Err).at(1).find("usage: cindermill-batch"));
+}
+
+TEST_F(TBatch, WrongCommandLinesAreUsageErrors)
+{
+    const char* lines[] = {"nonsense",        "--node-types",       "types more",     "check",
+                           "report",          "dump a b",           "export a",       "run",
+                           "run a --frames",  "run a --frames -1",  "run a --dt x",   "run a --seed -1",
+                           "run a --seed 4294967296",               "run a --other",  "efx",
+                           "translate",       "translate a --rough", "image a b",     "image a b --format 7",
+                           "image a b --format -1",                 "resave a",       "hash"};
+    for (const char* line : lines) {
+        const TOutcome outcome = Run(line);
+        EXPECT_EQ(2, outcome.Status) << line;
+        EXPECT_EQ("", outcome.Out) << line;
+        EXPECT_NE(std::string::npos, outcome.Err.find("\nusage: ")) << line;
+    }
+}
+
+TEST_F(TBatch, HashPrintsBothIdentities)
+{
+    const TOutcome outcome = Run("hash Scalar scalar ''");
+    EXPECT_EQ(0, outcome.Status);
+    const std::vector<std::string> lines = Lines(outcome.Out);
+    ASSERT_EQ(3u, lines.size());
+    // Case counts in the second hash only; the empty name leaves both at their start.
+    EXPECT_EQ(Fields(lines[0], '\t').at(1), Fields(lines[1], '\t').at(1));
+    EXPECT_NE(Fields(lines[0], '\t').at(2), Fields(lines[1], '\t').at(2));
+    EXPECT_EQ("\ta5cf41e1\tffffffff", lines[2]);
+}
+
+TEST_F(TBatch, TypesListsEveryNodeType)
+{
+    const TOutcome outcome = Run("--node-types '" + SourcePath("NodeTypes") + "' types");
+    EXPECT_EQ(0, outcome.Status);
+    EXPECT_EQ("", outcome.Err);
+    std::set<std::string> classes;
+    for (const std::string& line : Lines(outcome.Out)) {
+        const std::vector<std::string> fields = Fields(line, '\t');
+        ASSERT_EQ(5u, fields.size()) << line;
+        classes.insert(fields[2]);
+    }
+    EXPECT_EQ(33u, classes.size());
+}
+
+TEST_F(TBatch, TypesReportsBadFilesAndGoesOn)
+{
+    std::filesystem::create_directory(Folder.Path("types"));
+    std::filesystem::copy(SourcePath("NodeTypes/Life/Age.xml"), Folder.Path("types/Age.xml"));
+    WriteBytes(Folder.Path("types/Bad.xml"), "<node><name>Bad</name></node>");
+    const TOutcome outcome = Run("--node-types '" + Folder.Path("types") + "' types");
+    EXPECT_EQ(1, outcome.Status);
+    EXPECT_EQ(1u, Lines(outcome.Out).size());
+    EXPECT_NE(std::string::npos, outcome.Err.find("Node type file missing description/type tags"));
+    EXPECT_NE(std::string::npos, outcome.Err.find("Bad.xml"));
+}
+
+TEST_F(TBatch, TypesOfAnEmptyDirectoryIsOneError)
+{
+    std::filesystem::create_directory(Folder.Path("types"));
+    const TOutcome outcome = Run("--node-types '" + Folder.Path("types") + "' types");
+    EXPECT_EQ(1, outcome.Status);
+    EXPECT_EQ(1u, Lines(outcome.Err).size());
+    EXPECT_NE(std::string::npos, outcome.Err.find("No valid .xml node type files found under path"));
+}
+
+TEST_F(TBatch, EverySampleChecksDumpsAndExports)
+{
+    int samples = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(SourcePath("samples"))) {
+        if (entry.path().extension() != ".effect")
+            continue;
+        ++samples;
+        const std::string effect = "'" + entry.path().string() + "'";
+        const TOutcome check = Run(Resources() + "check " + effect);
+        EXPECT_EQ(0, check.Status) << effect << check.Err;
+        EXPECT_EQ("", check.Err);
+        const TOutcome dump = Run("dump " + effect);
+        EXPECT_EQ(0, dump.Status);
+        EXPECT_EQ("", dump.Err);
+        EXPECT_EQ(0u, dump.Out.find("Tied nodes "));
+        EXPECT_NE(std::string::npos, dump.Out.find("\nSchedule\n\n"));
+        const TOutcome exported = Run(Resources() + "export " + effect + " '" + Folder.Path("out.efx") + "'");
+        EXPECT_EQ(0, exported.Status) << exported.Err;
+        EXPECT_EQ("", exported.Out);
+        const TOutcome report = Run(Resources() + "report " + effect);
+        EXPECT_NE(std::string::npos, report.Out.find("Schedule creates valid efx file\r\n"));
+        const auto size = std::filesystem::file_size(Folder.Path("out.efx"));
+        EXPECT_NE(std::string::npos, report.Out.find("Size on disc: " + std::to_string(size) + " bytes\r\n"));
+        const TOutcome listing = Run("efx '" + Folder.Path("out.efx") + "'");
+        EXPECT_EQ(0, listing.Status) << listing.Err;
+        EXPECT_EQ("", listing.Err);
+        const TOutcome resaved = Run("resave " + effect + " '" + Folder.Path("again.effect") + "'");
+        EXPECT_EQ(0, resaved.Status) << resaved.Err;
+        EXPECT_EQ(ReadBytes(entry.path().string()), ReadBytes(Folder.Path("again.effect")));
+    }
+    EXPECT_GE(samples, 10);
+}
+
+TEST_F(TBatch, ARunWithASeedIsRepeatable)
+{
+    const TOutcome first = Run("run " + Sample("fountain") + " --frames 20 --dt 0.05 --seed 7");
+    EXPECT_EQ(0, first.Status) << first.Err;
+    EXPECT_EQ(first.Out, Run("run " + Sample("fountain") + " --frames 20 --dt 0.05 --seed 7").Out);
+    EXPECT_NE(first.Out, Run("run " + Sample("fountain") + " --frames 20 --dt 0.05 --seed 8").Out);
+    const std::vector<std::string> lines = Lines(first.Out);
+    EXPECT_EQ("frame,time,group,particle,global,attribute,type,v0,v1,v2,v3,v4,v5", lines.at(0));
+    int last = 0;
+    for (size_t i = 1; i < lines.size(); ++i) {
+        const std::vector<std::string> fields = Fields(lines[i], ',');
+        ASSERT_EQ(13u, fields.size()) << lines[i];
+        const int frame = std::stoi(fields[0]);
+        EXPECT_TRUE(frame == last || frame == last + 1);
+        last = frame;
+    }
+    EXPECT_EQ(20, last);
+}
+
+TEST_F(TBatch, RunTakesAHundredFramesUnlessTold)
+{
+    const std::vector<std::string> lines = Lines(Run("run " + Sample("fountain")).Out);
+    ASSERT_GT(lines.size(), 1u);
+    EXPECT_EQ("100", Fields(lines.back(), ',').at(0));
+}
+
+TEST_F(TBatch, RunNeedsNoTextures)
+{
+    EXPECT_EQ(0, Run("--resources '" + Folder.GetFolder() + "' run " + Sample("fountain") + " --frames 1").Status);
+}
+
+TEST_F(TBatch, AMissingFileIsNamed)
+{
+    for (const char* command : {"check", "report", "dump", "run"}) {
+        const TOutcome outcome = Run(std::string(command) + " '" + Folder.Path("none.effect") + "'");
+        EXPECT_EQ(1, outcome.Status);
+        EXPECT_EQ("", outcome.Out);
+        EXPECT_EQ(Folder.Path("none.effect") + ": The file does not exist\n", outcome.Err);
+    }
+    for (const std::string& line :
+         {"export '" + Folder.Path("none.effect") + "' '" + Folder.Path("out.efx") + "'",
+          "resave '" + Folder.Path("none.effect") + "' '" + Folder.Path("out.effect") + "'",
+          "image '" + Folder.Path("none.dds") + "' '" + Folder.Path("out.tga") + "' --format 0",
+          "efx '" + Folder.Path("none.efx") + "'", "translate '" + Folder.Path("none.sho") + "'"}) {
+        const TOutcome outcome = Run(line);
+        EXPECT_EQ(1, outcome.Status) << line;
+        EXPECT_EQ(0u, outcome.Err.find(Folder.Path("none."))) << outcome.Err;
+    }
+    EXPECT_FALSE(std::filesystem::exists(Folder.Path("out.efx")));
+}
+
+TEST_F(TBatch, DamagedFilesOfEveryKindAreRefusedByName)
+{
+    const std::string effect = ReadBytes(SourcePath("samples/fountain.effect"));
+    for (size_t length : {size_t{0}, size_t{3}, size_t{8}, size_t{50}, effect.size() / 2, effect.size() - 1}) {
+        WriteBytes(Folder.Path("bad.effect"), effect.substr(0, length));
+        for (const char* command : {"check", "report", "dump", "run"}) {
+            const TOutcome outcome = Run(std::string(command) + " '" + Folder.Path("bad.effect") + "'");
+            EXPECT_EQ(1, outcome.Status) << command << " " << length;
+            EXPECT_EQ("", outcome.Out);
+            EXPECT_EQ(0u, outcome.Err.find(Folder.Path("bad.effect") + ": ")) << outcome.Err;
+        }
+    }
+}
+
+TEST_F(TBatch, AFailedExportLeavesTheOldFile)
+{
+    WriteBytes(Folder.Path("out.efx"), "old");
+    WriteBytes(Folder.Path("bad.effect"), "CHNK");
+    EXPECT_EQ(1, Run("export '" + Folder.Path("bad.effect") + "' '" + Folder.Path("out.efx") + "'").Status);
+    EXPECT_EQ("old", ReadBytes(Folder.Path("out.efx")));
+    // An effect whose texture cannot be found has no engine and so no export.
+    const TOutcome outcome = Run("export " + Sample("fountain") + " /none/out.efx");
+    EXPECT_EQ(1, outcome.Status);
+    EXPECT_NE(std::string::npos, outcome.Err.find("Is it locked?"));
+}
+
+TEST_F(TBatch, AFullDiscLeavesTheOldFile)
+{
+    const std::string limit = "ulimit -f 1; trap '' XFSZ; XDG_CONFIG_HOME='" + Folder.GetFolder() + "/config' '" +
+                              std::string(CINDERMILL_BATCH) + "' ";
+    const struct
+    {
+        std::string Arguments;
+        std::string Leaf;
+    } commands[] = {
+        {"resave " + Sample("fountain"), "out.effect"},
+        {Resources() + "export " + Sample("fountain"), "out.efx"},
+    };
+    for (const auto& command : commands) {
+        WriteBytes(Folder.Path(command.Leaf), "old");
+        const std::string line =
+            limit + command.Arguments + " '" + Folder.Path(command.Leaf) + "' 2>'" + Folder.Path("err") + "'";
+        const int status = std::system(("bash -c \"" + line + "\"").c_str());
+        EXPECT_EQ(1, WEXITSTATUS(status)) << line;
+        EXPECT_EQ("old", ReadBytes(Folder.Path(command.Leaf)));
+        EXPECT_NE("", ReadBytes(Folder.Path("err")));
+        int left = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(Folder.GetFolder()))
+            left += entry.path().extension() == ".tmp" ? 1 : 0;
+        EXPECT_EQ(0, left);
+    }
+}
+
+TEST_F(TBatch, ImagesChangeFormat)
+{
+    std::string picture;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(SourcePath("samples")))
+        if (entry.path().extension() == ".dds")
+            picture = entry.path().string();
+    ASSERT_NE("", picture);
+    for (int format = 0; format < 7; ++format) {
+        const std::string out = Folder.Path("out" + std::to_string(format));
+        const TOutcome outcome =
+            Run("image '" + picture + "' '" + out + "' --format " + std::to_string(format));
+        EXPECT_EQ(0, outcome.Status) << outcome.Err;
+        EXPECT_GT(std::filesystem::file_size(out), 18u);
+    }
+    // What was written raw reads back to the same pixels in either container.
+    EXPECT_EQ(0, Run("image '" + Folder.Path("out4") + "' '" + Folder.Path("back") + "' --format 1").Status);
+    EXPECT_EQ(ReadBytes(Folder.Path("out1")), ReadBytes(Folder.Path("back")));
+}
+
+TEST_F(TBatch, TranslatePrintsBothForms)
+{
+    const std::string shader = "'" + std::string(CINDERMILL_BINARY_DIR) + "/shaders/TSpriteRenderStage.fragment.sho'";
+    const TOutcome bound = Run("translate " + shader);
+    EXPECT_EQ(0, bound.Status) << bound.Err;
+    EXPECT_EQ(0u, bound.Out.find("!!ARBfp1.0\nOPTION NV_fragment_program2;\n"));
+    const TOutcome raw = Run("translate " + shader + " --raw");
+    EXPECT_EQ(0, raw.Status);
+    EXPECT_NE(bound.Out, raw.Out);
+    EXPECT_EQ("END\n", raw.Out.substr(raw.Out.size() - 4));
+}

@@ -1,0 +1,260 @@
+#include "particles/effectgraph/parsing.h"
+
+#include "particles/effectgraph/nodetypelibrary.h"
+#include "particles/effectgraph/polytypeparameter.h"
+
+static TNodeType* LoadType(const std::string& text)
+{
+    TLoaded loaded(text);
+    if (!loaded.Ok)
+        throw std::runtime_error(loaded.Error());
+    return loaded.Type.release();
+}
+
+static std::string Port(const std::string& tag, const std::string& name, const std::string& more = "")
+{
+    return "<" + tag + "><name>" + name + "</name>" + more + "</" + tag + ">";
+}
+
+static std::string Sections(const std::string& parameters, const std::string& inputs,
+                            const std::string& outputs)
+{
+    return "<parameters>" + parameters + "</parameters><inputs>" + inputs + "</inputs><outputs>" + outputs +
+           "</outputs>";
+}
+
+// Whether a copy of the first type is stale against a library that holds the second.
+static bool IsStale(const std::string& copy, const std::string& current)
+{
+    TNodeTypeLibrary library;
+    library.AddType(LoadType(current));
+    const std::unique_ptr<TNodeType> type(LoadType(copy));
+    return type->NeedsRefresh(library);
+}
+
+TEST(NeedsRefresh, EachDifferenceButValuesAndCase)
+{
+    const std::string base = NodeFile(Sections(Port("Int", "p"), Port("Scalar", "i"), Port("Scalar", "o")));
+    const auto stale = [&](const std::string& sections) { return IsStale(base, NodeFile(sections)); };
+    EXPECT_FALSE(IsStale(base, base));
+    EXPECT_FALSE(stale(Sections(Port("Int", "P", Default("9")), Port("Scalar", "I"), Port("Scalar", "O"))));
+    EXPECT_TRUE(stale(Sections(Port("Int", "q"), Port("Scalar", "i"), Port("Scalar", "o"))));
+    EXPECT_TRUE(stale(Sections(Port("Bool", "p"), Port("Scalar", "i"), Port("Scalar", "o"))));
+    EXPECT_TRUE(stale(Sections(Port("Int", "p", "<Description>d</Description>"), Port("Scalar", "i"),
+                               Port("Scalar", "o"))));
+    EXPECT_TRUE(stale(Sections("", Port("Scalar", "i"), Port("Scalar", "o"))));
+    EXPECT_TRUE(stale(Sections(Port("Int", "p"), Port("Scale", "i"), Port("Scalar", "o"))));
+    EXPECT_TRUE(stale(
+        Sections(Port("Int", "p"), "<Scalar required=true><name>i</name></Scalar>", Port("Scalar", "o"))));
+    EXPECT_TRUE(stale(Sections(Port("Int", "p"), Port("Scalar", "i"), Port("Scale", "o"))));
+    EXPECT_TRUE(stale(Sections(Port("Int", "p"), Port("Scalar", "i"),
+                               Port("Scalar", "o", "<Description>d</Description>"))));
+    EXPECT_TRUE(stale(Sections(Port("Int", "p"), Port("Scalar", "i"), "")));
+}
+
+TEST(NeedsRefresh, HeadOfTheType)
+{
+    const auto file = [](const char* head, const char* code) {
+        return std::string("<node><name>N</name>") + head + "<code>" + code + "</code></node>";
+    };
+    const char* head = "<description>d</description><type>process</type><colour>red</colour>";
+    const char* code = "<classname>T</classname><displayclass>D</displayclass><interface>a,b</interface>";
+    const auto stale = [&](const char* newHead, const char* newCode) {
+        return IsStale(file(head, code), file(newHead, newCode));
+    };
+    EXPECT_FALSE(stale(head, code));
+    EXPECT_FALSE(stale("<description>D</description><type>process</type><colour>red</colour>",
+                       "<classname>t</classname><displayclass>d</displayclass><interface>A,B</interface>"));
+    EXPECT_TRUE(stale("<description>e</description><type>process</type><colour>red</colour>", code));
+    EXPECT_TRUE(stale("<description>d</description><type>render</type><colour>red</colour>", code));
+    EXPECT_TRUE(stale("<description>d</description><type>process</type><colour>blue</colour>", code));
+    EXPECT_TRUE(
+        stale("<description>d</description><type>process</type><lasthint/><colour>red</colour>", code));
+    EXPECT_TRUE(
+        stale(head, "<classname>U</classname><displayclass>D</displayclass><interface>a,b</interface>"));
+    EXPECT_TRUE(
+        stale(head, "<classname>T</classname><displayclass>E</displayclass><interface>a,b</interface>"));
+    EXPECT_TRUE(
+        stale(head, "<classname>T</classname><displayclass>D</displayclass><interface>a</interface>"));
+    EXPECT_TRUE(
+        stale(head, "<classname>T</classname><displayclass>D</displayclass><interface>a,c</interface>"));
+}
+
+TEST(NeedsRefresh, ATypeThatLeftTheLibraryStaysAsItIs)
+{
+    const TNodeTypeLibrary library;
+    TNodeType type;
+    type.Name = "Gone";
+    EXPECT_FALSE(type.NeedsRefresh(library));
+    EXPECT_EQ(AssertionOf([&] {
+                  TChunkFile file;
+                  TEffectGraph graph;
+                  TEffectNode node;
+                  type.Refresh(&node, library, file, graph);
+              }),
+              "type != 0");
+}
+
+TEST(NeedsRefresh, BypassAndPriorityDoNotCount)
+{
+    TNodeTypeLibrary library;
+    library.AddType(LoadType(NodeFile("")));
+    const std::unique_ptr<TNodeType> type(library.GetType(0)->Clone());
+    type->Flags = FL_BYPASSED | FL_STATICBOUNDS | 0x55000000u;
+    EXPECT_FALSE(type->NeedsRefresh(library));
+}
+
+// A graph whose nodes, types and edges are chunks of a file, as in a document.
+struct TDocumentGraph
+{
+    TDocumentGraph()
+    {
+        Graph = new TEffectGraph;
+        Chunks.AddChunk(Graph);
+    }
+    TEffectNode* Add(const std::string& file)
+    {
+        TNodeType* type = LoadType(file);
+        TEffectNode* node = new TEffectNode;
+        node->SetNodeType(type);
+        node->SetPortCounts(type->GetNumInputs(), type->GetNumOutputs());
+        Chunks.AddChunk(node);
+        type->AddToChunkFile(Chunks);
+        Graph->AddNode(node);
+        return node;
+    }
+    TEffectEdge* Wire(TEffectNode* src, int srcPort, TEffectNode* dst, int dstPort)
+    {
+        TEffectEdge* edge = new TEffectEdge;
+        edge->SetEnds(src, srcPort, dst, dstPort);
+        dst->SetInput(dstPort, edge);
+        src->AddOutputEdge(srcPort, edge);
+        Graph->AddEdge(edge);
+        Chunks.AddChunk(edge);
+        return edge;
+    }
+    void Refresh(TEffectNode* node, const std::string& file)
+    {
+        TNodeTypeLibrary library;
+        library.AddType(LoadType(file));
+        node->GetNodeType()->Refresh(node, library, Chunks, *Graph);
+    }
+
+    TChunkFile Chunks;
+    TEffectGraph* Graph;
+};
+
+TEST(Refresh, KeepsParametersOfTheSameNameAndKind)
+{
+    TDocumentGraph doc;
+    TEffectNode* node =
+        doc.Add(NodeFile(Sections(Port("Int", "a") + Port("Int", "b") + Port("Bool", "c"), "", "")));
+    TNodeParameter* a = node->GetNodeType()->GetParameter(0);
+    TNodeParameter* b = node->GetNodeType()->GetParameter(1);
+    const int numChunks = doc.Chunks.GetNumChunks();
+    doc.Refresh(
+        node, NodeFile(Sections(Port("Int", "B") + Port("Scalar", "c") + Port("Int", "a") + Port("Int", "n"),
+                                "", "")));
+    const TNodeType& type = *node->GetNodeType();
+    ASSERT_EQ(type.GetNumParameters(), 4);
+    EXPECT_EQ(type.GetParameter(0), b);
+    EXPECT_EQ(type.GetParameter(1)->Type, TY_SCALAR);
+    EXPECT_EQ(type.GetParameter(2), a);
+    EXPECT_EQ(type.NumOwnParameters, 4);
+    EXPECT_EQ(doc.Chunks.GetNumChunks(), numChunks + 1);
+    EXPECT_NE(type.GetParameter(3)->ChunkIdx, -1);
+}
+
+TEST(Refresh, EdgesFollowTheInputsByName)
+{
+    TDocumentGraph doc;
+    TEffectNode* source = doc.Add(NodeFile(Sections("", "", Port("Scalar", "o"))));
+    TEffectNode* node =
+        doc.Add(NodeFile(Sections("", Port("Scalar", "a", Default("5")) + Port("Scalar", "b"), "")));
+    TEffectEdge* toA = doc.Wire(source, 0, node, 0);
+    doc.Wire(source, 0, node, 1);
+    const int numChunks = doc.Chunks.GetNumChunks();
+    doc.Refresh(node, NodeFile(Sections("", Port("Scalar", "new") + Port("Scalar", "A"), "")));
+    ASSERT_EQ(node->GetNumInputs(), 2);
+    EXPECT_EQ(node->GetInput(0), nullptr);
+    EXPECT_EQ(node->GetInput(1), toA);
+    // The stored port is that of before, until all nodes are refreshed.
+    EXPECT_EQ(toA->GetDstPort(), 0);
+    EXPECT_EQ(FloatsOf(*node->GetNodeType()->GetInput(1)), std::vector<float>{5});
+    EXPECT_EQ(source->GetNumOutputEdges(0), 1);
+    EXPECT_EQ(doc.Graph->GetNumEdges(), 1);
+    // b and its edge went, new came.
+    EXPECT_EQ(doc.Chunks.GetNumChunks(), numChunks - 1);
+    RestoreEdgePorts(*doc.Graph);
+    EXPECT_EQ(toA->GetDstPort(), 1);
+}
+
+TEST(Refresh, InputOfAnotherKindKeepsItsEdgeAndWhatFitsOfItsValue)
+{
+    TDocumentGraph doc;
+    TEffectNode* source = doc.Add(NodeFile(Sections("", "", Port("Scalar", "o"))));
+    TEffectNode* node = doc.Add(NodeFile(Sections("", Port("Scalar", "a", Default("5")), "")));
+    TEffectEdge* edge = doc.Wire(source, 0, node, 0);
+    doc.Refresh(node, NodeFile(Sections("", PolytypeInput("a", {"scalar", "scale"}), "")));
+    EXPECT_EQ(node->GetInput(0), edge);
+    EXPECT_EQ(node->GetNodeType()->GetBasicInputType(0), TY_POLYTYPE);
+    EXPECT_EQ(FloatsOf(*node->GetNodeType()->GetInput(0)), std::vector<float>{5});
+}
+
+TEST(Refresh, EdgesFollowTheOutputsByName)
+{
+    TDocumentGraph doc;
+    TEffectNode* node = doc.Add(NodeFile(Sections("", "", Port("Scalar", "a") + Port("Scalar", "b"))));
+    TEffectNode* target = doc.Add(NodeFile(Sections("", Port("Scalar", "x") + Port("Scalar", "y"), "")));
+    doc.Wire(node, 0, target, 0);
+    TEffectEdge* fromB = doc.Wire(node, 1, target, 1);
+    doc.Refresh(node, NodeFile(Sections("", "", Port("Scalar", "B"))));
+    ASSERT_EQ(node->GetNumOutputs(), 1);
+    EXPECT_EQ(node->GetNumOutputEdges(0), 1);
+    EXPECT_EQ(node->GetOutputEdge(0, 0), fromB);
+    EXPECT_EQ(target->GetInput(0), nullptr);
+    EXPECT_EQ(doc.Graph->GetNumEdges(), 1);
+    EXPECT_EQ(fromB->GetSrcPort(), 1);
+}
+
+TEST(Refresh, NeighboursRefreshedOneAfterTheOtherStayWhole)
+{
+    TDocumentGraph doc;
+    TEffectNode* source = doc.Add(NodeFile(Sections("", "", Port("Scalar", "a") + Port("Scalar", "b"))));
+    TEffectNode* target = doc.Add(NodeFile(Sections("", Port("Scalar", "x"), "")));
+    doc.Wire(source, 1, target, 0);
+    // The edge's stored source port lies outside of the source after this.
+    doc.Refresh(source, NodeFile(Sections("", "", Port("Scalar", "b"))));
+    EXPECT_EQ(AssertionOf([&] { doc.Refresh(target, NodeFile(Sections("", Port("Scalar", "z"), ""))); }), "");
+    EXPECT_EQ(source->GetNumOutputEdges(0), 0);
+    EXPECT_EQ(doc.Graph->GetNumEdges(), 0);
+}
+
+TEST(Refresh, LinksAreLookedUpAnew)
+{
+    TDocumentGraph doc;
+    TEffectNode* node = doc.Add(NodeFile(
+        Sections("", Port("Scalar", "a") + Port("Scalar", "b") + PolytypeInput("p", {"scalar"}, "b"), "")));
+    const auto* p = static_cast<TNodePolytypeParameter*>(node->GetNodeType()->GetInput(2));
+    EXPECT_EQ(p->GetLinkInputIndex(node), 1);
+    doc.Refresh(node, NodeFile(Sections("", Port("Scalar", "b") + PolytypeInput("p", {"scalar"}, "b"), "")));
+    EXPECT_EQ(node->GetNodeType()->GetInput(1), p);
+    EXPECT_EQ(p->GetLinkInputIndex(node), 0);
+}
+
+TEST(Refresh, ARefreshedCopyIsNoLongerStale)
+{
+    const std::string file =
+        "<node><name>N</name><description>new</description><type>render</type><bypassable/>"
+        "<colour>blue</colour>" +
+        Sections(Port("Int", "p"), Port("Scale", "i"), PolytypeOutput("o", {"Scalar"})) +
+        "<code><classname>X</classname><displayclass>Y</displayclass><interface>Z</interface></code></node>";
+    TDocumentGraph doc;
+    TEffectNode* node =
+        doc.Add(NodeFile(Sections(Port("Bool", "p"), Port("Scalar", "i"), Port("Scalar", "q"))));
+    TNodeTypeLibrary library;
+    library.AddType(LoadType(file));
+    EXPECT_TRUE(node->GetNodeType()->NeedsRefresh(library));
+    node->GetNodeType()->Refresh(node, library, doc.Chunks, *doc.Graph);
+    EXPECT_FALSE(node->GetNodeType()->NeedsRefresh(library));
+}
