@@ -15,9 +15,6 @@ constexpr int ParamSize = 32;
 constexpr int PatchEntrySize = 8;
 constexpr int StageSize = 32;
 constexpr int StageConstantSize = 20;
-constexpr int RenderAttributeSize = 8;
-constexpr int ListEntrySize = 4;
-constexpr int BoundsSize = 32;
 constexpr int SharedEntrySize = 8;
 // Where a command's index stands in an execute parameter record and in a stage record.
 constexpr int ParamIndexByte = 7;

@@ -33,7 +33,5 @@ private:
     int Size = 0;
     int Count = 0;
     int Stride = 0;
-    // A graphics buffer's name, -1 when there is none.
-    int BufferId = -1;
     vector<TElement> Elements;
 };

@@ -1,0 +1,669 @@
+#include "tools/samplemaker/sampleeffects.h"
+
+#include "tools/samplemaker/samplebuilder.h"
+
+namespace {
+
+// Particles that come one after the other.
+TSampleNode AddTrickle(TSampleBuilder& effect, float rate, int frameMax)
+{
+    return effect.Add("Emitter").Set("Rate", {rate}).Int("Per frame max emission", frameMax);
+}
+
+// All particles at once.
+TSampleNode AddBurst(TSampleBuilder& effect, int count)
+{
+    return effect.Add("Emitter").Choose("Emit Mode", "Burst").Int("Per frame max emission", count);
+}
+
+TSampleNode AddPoint(TSampleBuilder& effect, int capacity, float x, float y, float z)
+{
+    return effect.Add("Point Emitter").Int("Particle Count", capacity).Set("Transform", {x, y, z, 0, 0, 0});
+}
+
+// `cosine` of the angle between the axis and the side: 1 is a line, -1 all directions.
+TSampleNode AddCone(TSampleBuilder& effect, float x, float y, float z, float cosine, float slow, float fast)
+{
+    return effect.Add("Velocity Cone")
+        .Set("Direction", {x, y, z})
+        .Set("Cone Cosine", {cosine})
+        .Set("Minimum Speed", {slow})
+        .Set("Maximum Speed", {fast});
+}
+
+TSampleNode AddAge(TSampleBuilder& effect, float seconds)
+{
+    return effect.Add("Age").Set("Max Age", {seconds});
+}
+
+// A curve node that follows an age over a life of that many seconds.
+TSampleNode AddCurve(TSampleBuilder& effect, const char* type, const TSampleNode& age, float seconds)
+{
+    const TSampleNode curve = effect.Add(type).Set("Life", {seconds});
+    age.Wire("Age", curve, "Time");
+    return curve;
+}
+
+TSampleNode AddColours(TSampleBuilder& effect, const TSampleNode& age, float seconds,
+                       std::initializer_list<TColourKey> keys)
+{
+    return AddCurve(effect, "Colour Over Life", age, seconds).Colours("Value", keys);
+}
+
+TSampleNode AddSizes(TSampleBuilder& effect, const TSampleNode& age, float seconds,
+                     std::initializer_list<TRampPoint> points)
+{
+    return AddCurve(effect, "Scale Over Life", age, seconds).Curves("Value", points);
+}
+
+TSampleNode AddStage(TSampleBuilder& effect, const char* type, const char* texture)
+{
+    return effect.Add(type).Texture("Texture", texture);
+}
+
+// Streaks that cover what is behind them, so that their colours show before a light background too.
+TSampleNode AddTrails(TSampleBuilder& effect, float halfWidth, float seconds)
+{
+    return AddStage(effect, "Velocity Trail Render Stage", "spark.dds")
+        .Choose("Alpha Blend.Dest Function", "One Minus Source Alpha")
+        .Set("Scale", {halfWidth, seconds});
+}
+
+// The shortest way to something that moves: thrown up, pulled down, faded out.
+void MakeFountain(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 110, 8);
+    const TSampleNode source = AddPoint(effect, 200, 0, 0.05f, 0);
+    const TSampleNode cone = AddCone(effect, 0, 1, 0, 0.985f, 2.8f, 3);
+    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -4, 0});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode age = AddAge(effect, 1.42f);
+    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "drop.dds");
+    trigger.Wire("Count", source, "Emission Trigger");
+    cone.Wire("Velocity", gravity, "Velocity");
+    source.Wire("Start Transform", integrate, "Position");
+    gravity.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", stage, "Transform");
+    AddSizes(effect, age, 1.42f, {{0, 0.02f}, {0.4f, 0.045f}, {1, 0.035f}}).Wire("Value", stage, "Scale");
+    AddColours(effect, age, 1.42f,
+               {{0, 0.75f, 0.92f, 1, 0}, {0.08f, 0.6f, 0.86f, 1, 0.9f}, {1, 0.2f, 0.5f, 0.95f, 0.1f}})
+        .Wire("Value", stage, "Colour");
+}
+
+// Flames from a flipbook and the smoke above them; one breeze bends both.
+void MakeCampfire(TSampleBuilder& effect)
+{
+    const TSampleNode breeze = effect.Add("Constant");
+
+    const TSampleNode fireTrigger = AddTrickle(effect, 45, 4);
+    const TSampleNode hearth = effect.Add("Sphere Surface")
+                                   .Int("Particle Count", 80)
+                                   .Set("Translation", {0, 0.12f, 0, 0, 0, 0})
+                                   .Set("Scale", {0.2f, 0.04f, 0.2f});
+    const TSampleNode fireCone = AddCone(effect, 0, 1, 0, 0.95f, 0.35f, 0.7f);
+    const TSampleNode flicker = effect.Add("Turbulence").Set("Strength", {2});
+    const TSampleNode fireWind = effect.Add("Wind").Set("Strength", {0.5f});
+    const TSampleNode fireIntegrate = effect.Add("Integrate");
+    const TSampleNode fireAge = AddAge(effect, 0.9f);
+    const TSampleNode frames = effect.Add("Animated Texture").Set("Time Range", {0.9f});
+    const TSampleNode fire = AddStage(effect, "Sprite Render Stage", "fire.dds").Priority(10);
+    fireTrigger.Wire("Count", hearth, "Emission Trigger");
+    hearth.Wire("Position", fireIntegrate, "Position");
+    fireCone.Wire("Velocity", flicker, "Velocity");
+    flicker.Wire("Velocity", fireWind, "Velocity");
+    fireWind.Wire("Velocity", fireIntegrate, "Velocity");
+    breeze.Wire("Result", fireWind, "Wind");
+    fireIntegrate.Wire("Position", fire, "Transform");
+    fireAge.Wire("Age", frames, "Time");
+    frames.Wire("UVs", fire, "UVs");
+    AddSizes(effect, fireAge, 0.9f, {{0, 0.12f}, {0.3f, 0.22f}, {1, 0.1f}}).Wire("Value", fire, "Scale");
+    AddColours(effect, fireAge, 0.9f,
+               {{0, 1, 0.9f, 0.6f, 0},
+                {0.15f, 1, 0.85f, 0.5f, 0.75f},
+                {0.6f, 1, 0.55f, 0.25f, 0.6f},
+                {1, 0.7f, 0.2f, 0.1f, 0}})
+        .Wire("Value", fire, "Colour");
+
+    const TSampleNode smokeTrigger = AddTrickle(effect, 9, 2);
+    const TSampleNode plume = AddPoint(effect, 60, 0, 0.6f, 0);
+    const TSampleNode smokeCone = AddCone(effect, 0, 1, 0, 0.92f, 0.4f, 0.65f);
+    const TSampleNode smokeWind = effect.Add("Wind").Set("Strength", {1});
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.75f});
+    const TSampleNode smokeIntegrate = effect.Add("Integrate");
+    const TSampleNode smokeAge = AddAge(effect, 4);
+    const TSampleNode smoke = AddStage(effect, "Sprite Render Stage", "smoke.hvt").Priority(0);
+    smokeTrigger.Wire("Count", plume, "Emission Trigger");
+    plume.Wire("Start Transform", smokeIntegrate, "Position");
+    smokeCone.Wire("Velocity", smokeWind, "Velocity");
+    breeze.Wire("Result", smokeWind, "Wind");
+    smokeWind.Wire("Velocity", drag, "Velocity");
+    drag.Wire("Velocity", smokeIntegrate, "Velocity");
+    smokeIntegrate.Wire("Position", smoke, "Transform");
+    AddSizes(effect, smokeAge, 4, {{0, 0.12f}, {1, 0.6f}}).Wire("Value", smoke, "Scale");
+    AddColours(effect, smokeAge, 4,
+               {{0, 0.25f, 0.22f, 0.2f, 0}, {0.15f, 0.3f, 0.28f, 0.27f, 0.55f}, {1, 0.5f, 0.5f, 0.5f, 0}})
+        .Wire("Value", smoke, "Colour");
+
+    breeze.Set("Value", {0.3f, 0.1f, 0.08f});
+}
+
+// Everything at once, a flash in the middle of it, and an event for the game to play a sound at.
+void MakeBurst(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddBurst(effect, 180);
+    const TSampleNode sound = effect.Add("Event Trigger");
+    const TSampleNode source = AddPoint(effect, 200, 0, 1, 0);
+    const TSampleNode cone = AddCone(effect, 0, 1, 0, -1, 1, 3.4f);
+    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -1.2f, 0});
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.12f});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode age = AddAge(effect, 1.6f);
+    const TSampleNode sparks = AddTrails(effect, 0.035f, 0.2f).Priority(0);
+    trigger.Wire("Count", sound, "Trigger");
+    trigger.Wire("Count", source, "Emission Trigger");
+    cone.Wire("Velocity", gravity, "Velocity");
+    gravity.Wire("Velocity", drag, "Velocity");
+    source.Wire("Start Transform", integrate, "Position");
+    drag.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", sparks, "Position");
+    drag.Wire("Velocity", sparks, "Velocity");
+    AddColours(effect, age, 1.6f,
+               {{0, 1, 0.95f, 0.7f, 1},
+                {0.25f, 1, 0.6f, 0.1f, 1},
+                {0.7f, 0.9f, 0.15f, 0.25f, 0.8f},
+                {1, 0.4f, 0.05f, 0.3f, 0}})
+        .Wire("Value", sparks, "Colour");
+
+    const TSampleNode flashTrigger = AddBurst(effect, 1);
+    const TSampleNode centre = AddPoint(effect, 1, 0, 1, 0);
+    const TSampleNode flashAge = AddAge(effect, 0.35f);
+    const TSampleNode flash = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(10);
+    flash.Choose("Alpha Blend.Dest Function", "One");
+    flashTrigger.Wire("Count", centre, "Emission Trigger");
+    centre.Wire("Start Transform", flash, "Transform");
+    AddSizes(effect, flashAge, 0.35f, {{0, 0.2f}, {0.3f, 1.1f}, {1, 1.4f}}).Wire("Value", flash, "Scale");
+    AddColours(effect, flashAge, 0.35f, {{0, 1, 1, 0.9f, 1}, {1, 1, 0.6f, 0.2f, 0}})
+        .Wire("Value", flash, "Colour");
+}
+
+// Nine torches on a grid, lit in order over and over, each with frames from a sheet of sixteen.
+void MakeFlipbook(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 18, 4);
+    const TSampleNode places = effect.Add("Grid")
+                                   .Int("Particle Count", 64)
+                                   .Int("X Divisions", 2)
+                                   .Int("Y Divisions", 2)
+                                   .Choose("Emit Type", "In Order")
+                                   .Set("Transform", {0, 0.3f, 0, 0, 0, 0})
+                                   .Set("Size", {0.8f, 0.8f});
+    const TSampleNode age = AddAge(effect, 1.6f);
+    const TSampleNode frames =
+        effect.Add("Animated Texture").Set("Time Range", {0.8f}).Choose("Loop Mode", "Loop");
+    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "fire.dds").Set("Scale", {0.2f, 0.3f});
+    trigger.Wire("Count", places, "Emission Trigger");
+    places.Wire("Start Transform", stage, "Transform");
+    age.Wire("Age", frames, "Time");
+    frames.Wire("UVs", stage, "UVs");
+    AddColours(
+        effect, age, 1.6f,
+        {{0, 1, 1, 1, 0}, {0.25f, 1, 1, 1, 0.85f}, {0.75f, 1, 0.9f, 0.8f, 0.85f}, {1, 1, 0.6f, 0.4f, 0}})
+        .Wire("Value", stage, "Colour");
+}
+
+// Streaks that bounce off the ground; each has a life of its own, which its colours follow.
+void MakeSparks(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 90, 8);
+    const TSampleNode source = AddPoint(effect, 240, -0.8f, 1.2f, 0);
+    const TSampleNode cone = AddCone(effect, 0.8f, 0.6f, 0, 0.9f, 0.8f, 2.2f);
+    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -5, 0});
+    const TSampleNode floor = effect.Add("Collision Plane").Set("Size", {3, 3}).Set("Bounce", {0.6f});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode life = effect.Add("Random Value");
+    const TSampleNode age = effect.Add("Age");
+    const TSampleNode stage = AddTrails(effect, 0.022f, 0.12f);
+    trigger.Wire("Count", source, "Emission Trigger");
+    cone.Wire("Velocity", gravity, "Velocity");
+    source.Wire("Start Transform", floor, "Position");
+    gravity.Wire("Velocity", floor, "Velocity");
+    floor.Wire("Position", integrate, "Position");
+    floor.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", stage, "Position");
+    floor.Wire("Velocity", stage, "Velocity");
+    life.Wire("Value", age, "Max Age");
+    const TSampleNode colours = AddColours(effect, age, 2,
+                                           {{0, 1, 0.95f, 0.75f, 1},
+                                            {0.3f, 1, 0.65f, 0.1f, 1},
+                                            {0.75f, 0.9f, 0.2f, 0.05f, 0.9f},
+                                            {1, 0.4f, 0.05f, 0.02f, 0}});
+    life.Wire("Value", colours, "Life");
+    colours.Wire("Value", stage, "Colour");
+    life.Set("Low", {1.2f}).Set("High", {2.4f});
+}
+
+// A floor of tiles that rise in rows and turn about themselves.
+void MakeTiles(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 40, 4);
+    const TSampleNode places = effect.Add("Grid")
+                                   .Int("Particle Count", 128)
+                                   .Int("X Divisions", 7)
+                                   .Int("Y Divisions", 7)
+                                   .Choose("Emit Type", "In Order")
+                                   .Set("Transform", {0, 0.1f, 0, 0, 0, 0})
+                                   .Set("Size", {0.9f, 0.9f});
+    const TSampleNode motion =
+        effect.Add("Make Transform").Set("Translation", {0, 0.22f, 0}).Set("Rotation", {0, 120, 0});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode age = AddAge(effect, 2.4f);
+    const TSampleNode stage = AddStage(effect, "Quad Render Stage", "tile.hvt");
+    trigger.Wire("Count", places, "Emission Trigger");
+    places.Wire("Start Transform", integrate, "Position");
+    motion.Wire("Transform", integrate, "Velocity");
+    integrate.Wire("Position", stage, "Transform");
+    AddSizes(effect, age, 2.4f, {{0, 0}, {0.2f, 0.09f}, {0.8f, 0.09f}, {1, 0}}).Wire("Value", stage, "Scale");
+    AddColours(effect, age, 2.4f,
+               {{0, 0.15f, 0.35f, 0.8f, 0},
+                {0.2f, 0.2f, 0.6f, 0.9f, 1},
+                {0.6f, 0.95f, 0.75f, 0.25f, 1},
+                {1, 0.9f, 0.3f, 0.2f, 0}})
+        .Wire("Value", stage, "Colour");
+}
+
+// A sphere that shines outwards: the normal of each point is the axis of its own cone.
+void MakeAura(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 220, 16);
+    const TSampleNode sphere = effect.Add("Sphere Surface")
+                                   .Int("Particle Count", 320)
+                                   .Set("Translation", {0, 0.9f, 0, 0, 0, 0})
+                                   .Set("Scale", {0.45f, 0.45f, 0.45f});
+    const TSampleNode cone = AddCone(effect, 0, 1, 0, 0.97f, 0.5f, 1.1f);
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.15f});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode age = AddAge(effect, 1.2f);
+    const TSampleNode stage = AddTrails(effect, 0.04f, 0.4f);
+    trigger.Wire("Count", sphere, "Emission Trigger");
+    sphere.Wire("Position", integrate, "Position");
+    sphere.Wire("Normal", cone, "Direction");
+    cone.Wire("Velocity", drag, "Velocity");
+    drag.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", stage, "Position");
+    drag.Wire("Velocity", stage, "Velocity");
+    AddColours(effect, age, 1.2f,
+               {{0, 0.3f, 0.85f, 1, 0},
+                {0.15f, 0.25f, 0.6f, 1, 0.9f},
+                {0.6f, 0.5f, 0.25f, 0.95f, 0.7f},
+                {1, 0.7f, 0.1f, 0.7f, 0}})
+        .Wire("Value", stage, "Colour");
+}
+
+// Rain whose drops emit particles where they hit the ground: one ring and a few droplets each. A drop's hit
+// both ends it and triggers its splash; for that its stage has the lowest priority, so that its group runs
+// first.
+void MakeRain(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 70, 4);
+    const TSampleNode cloud = effect.Add("Grid")
+                                  .Int("Particle Count", 100)
+                                  .Int("X Divisions", 24)
+                                  .Int("Y Divisions", 24)
+                                  .Set("Transform", {0, 2.4f, 0, 0, 0, 0})
+                                  .Set("Size", {1, 1});
+    const TSampleNode cone = AddCone(effect, 0, -1, 0, 0.9995f, 2.4f, 3);
+    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -3, 0});
+    const TSampleNode ground = effect.Add("Collision Plane").Set("Size", {2, 2}).Set("Bounce", {0.2f});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode end = effect.Add("Prune");
+    const TSampleNode drops =
+        AddTrails(effect, 0.016f, 0.08f).Set("Colour", {0.3f, 0.5f, 0.85f, 0.8f}).Priority(0);
+    trigger.Wire("Count", cloud, "Emission Trigger");
+    cone.Wire("Velocity", gravity, "Velocity");
+    cloud.Wire("Start Transform", ground, "Position");
+    gravity.Wire("Velocity", ground, "Velocity");
+    ground.Wire("Position", integrate, "Position");
+    ground.Wire("Velocity", integrate, "Velocity");
+    ground.Wire("Collision", end, "Kill");
+    ground.Wire("Velocity", drops, "Velocity");
+
+    // Rings lie flat.
+    const TSampleNode turn = effect.Add("Random Value");
+    const TSampleNode flat = effect.Add("Make Transform").Set("Translation", {0, 0.01f, 0});
+    const TSampleNode lay = effect.Add("Add");
+    const TSampleNode hit = AddPoint(effect, 100, 0, 0, 0);
+    const TSampleNode ringAge = AddAge(effect, 0.7f);
+    const TSampleNode rings = AddStage(effect, "Quad Render Stage", "ring.hvt").Priority(10);
+    ground.Wire("Collision", hit, "Emission Trigger");
+    integrate.Wire("Position", hit, "Transform");
+    turn.Wire("Value", flat, "Rotation");
+    hit.Wire("Start Transform", lay, "A");
+    flat.Wire("Transform", lay, "B");
+    lay.Wire("Sum", rings, "Transform");
+    AddSizes(effect, ringAge, 0.7f, {{0, 0.01f}, {0.4f, 0.1f}, {1, 0.16f}}).Wire("Value", rings, "Scale");
+    AddColours(effect, ringAge, 0.7f, {{0, 0.35f, 0.55f, 0.9f, 0.9f}, {1, 0.4f, 0.6f, 0.9f, 0}})
+        .Wire("Value", rings, "Colour");
+
+    const TSampleNode count = effect.Add("Multiply");
+    const TSampleNode splash = AddPoint(effect, 240, 0, 0, 0);
+    const TSampleNode splashCone = AddCone(effect, 0, 1, 0, 0.75f, 0.5f, 0.9f);
+    const TSampleNode splashGravity = effect.Add("Gravity").Set("Acceleration", {0, -4, 0});
+    const TSampleNode splashIntegrate = effect.Add("Integrate");
+    const TSampleNode splashAge = AddAge(effect, 0.4f);
+    const TSampleNode droplets =
+        AddStage(effect, "Sprite Render Stage", "drop.dds").Set("Scale", {0.012f, 0.014f}).Priority(20);
+    ground.Wire("Collision", count, "A");
+    count.Wire("Product", splash, "Emission Trigger");
+    integrate.Wire("Position", splash, "Transform");
+    splashCone.Wire("Velocity", splashGravity, "Velocity");
+    splash.Wire("Start Transform", splashIntegrate, "Position");
+    splashGravity.Wire("Velocity", splashIntegrate, "Velocity");
+    splashIntegrate.Wire("Position", droplets, "Transform");
+    AddColours(effect, splashAge, 0.4f, {{0, 0.5f, 0.75f, 1, 1}, {1, 0.3f, 0.55f, 0.9f, 0.2f}})
+        .Wire("Value", droplets, "Colour");
+    // The one port that takes no more than the place of it comes last.
+    integrate.Wire("Position", drops, "Position");
+
+    turn.Set("Low", {90, 0, 0}).Set("High", {90, 0, 360});
+    count.Set("B", {4});
+}
+
+// Lights that run along an animation from a modelling package, each by its own age.
+void MakeComet(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 50, 4);
+    const TSampleNode swarm =
+        effect.Add("Sphere Surface").Int("Particle Count", 420).Set("Scale", {0.045f, 0.045f, 0.045f});
+    const TSampleNode age = AddAge(effect, 8);
+    const TSampleNode path = effect.Add("Animation Path").Animation("Animation", "knot.vori");
+    const TSampleNode place = effect.Add("Add");
+    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "glow.dds");
+    trigger.Wire("Count", swarm, "Emission Trigger");
+    age.Wire("Age", path, "Time");
+    swarm.Wire("Position", place, "A");
+    path.Wire("Transform", place, "B");
+    place.Wire("Sum", stage, "Transform");
+    AddSizes(effect, age, 8, {{0, 0.02f}, {0.5f, 0.05f}, {1, 0.02f}}).Wire("Value", stage, "Scale");
+    AddColours(effect, age, 8,
+               {{0, 0.2f, 0.3f, 0.9f, 0},
+                {0.05f, 0.2f, 0.5f, 0.95f, 1},
+                {0.4f, 0.75f, 0.15f, 0.6f, 1},
+                {0.8f, 1, 0.55f, 0.1f, 1},
+                {1, 1, 0.8f, 0.3f, 0}})
+        .Wire("Value", stage, "Colour");
+}
+
+// Fireflies that wander with a noise which grows finer as they age, and are kept together by a pull to the
+// middle.
+void MakeFireflies(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 20, 4);
+    const TSampleNode hedge = effect.Add("Sphere Surface")
+                                  .Int("Particle Count", 140)
+                                  .Set("Translation", {0, 0.8f, 0, 0, 0, 0})
+                                  .Set("Scale", {0.9f, 0.5f, 0.9f});
+    const TSampleNode cone = AddCone(effect, 0, 1, 0, -1, 0.2f, 0.5f);
+    const TSampleNode middle =
+        effect.Add("Attractor").Set("Attractor Position", {0, 0.8f, 0}).Set("Strength", {0.9f});
+    const TSampleNode noise = effect.Add("Noise").Switch("Fixed Seed", true).Int("Fixed Seed.Random Seed", 7);
+    const TSampleNode wander = effect.Add("Wind").Set("Strength", {1.5f});
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.45f});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode age = AddAge(effect, 6);
+    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "glow.dds");
+    trigger.Wire("Count", hedge, "Emission Trigger");
+    hedge.Wire("Position", middle, "Position");
+    cone.Wire("Velocity", middle, "Velocity");
+    hedge.Wire("Position", noise, "Position");
+    AddCurve(effect, "Vector Over Life", age, 6)
+        .Curves("Value", {{0, 1}, {1, 2.5f}})
+        .Wire("Value", noise, "Frequency");
+    middle.Wire("Velocity", wander, "Velocity");
+    noise.Wire("Value", wander, "Wind");
+    wander.Wire("Velocity", drag, "Velocity");
+    hedge.Wire("Position", integrate, "Position");
+    drag.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", stage, "Transform");
+    const TSampleNode blink = AddCurve(effect, "Shaper", age, 6);
+    blink.Wire("Value", stage, "Scale");
+    blink.Curves("Value", {{0, 0},
+                           {0.12f, 0.06f},
+                           {0.25f, 0.025f},
+                           {0.4f, 0.07f},
+                           {0.55f, 0.025f},
+                           {0.7f, 0.07f},
+                           {0.85f, 0.025f},
+                           {1, 0}});
+    AddColours(effect, age, 6,
+               {{0, 0.35f, 0.6f, 0.05f, 0},
+                {0.1f, 0.45f, 0.75f, 0.05f, 1},
+                {0.9f, 0.8f, 0.7f, 0.05f, 1},
+                {1, 0.8f, 0.5f, 0, 0}})
+        .Wire("Value", stage, "Colour");
+}
+
+// A puff of dust that a game steers: where, which way, how strong and of what colour.
+void MakeImpact(TSampleBuilder& effect)
+{
+    const TSampleNode game = effect.Add("Effect With Controls")
+                                 .Set("Intensity", {1})
+                                 .Set("Direction", {0.28f, 0.96f, 0})
+                                 .Set("Tint", {0.78f, 0.6f, 0.4f, 1})
+                                 .Set("Placement", {0, 0.05f, 0, 0, 0, 0});
+    const TSampleNode rate = effect.Add("Multiply");
+    const TSampleNode trigger = effect.Add("Emitter").Int("Per frame max emission", 8);
+    const TSampleNode source = effect.Add("Point Emitter").Int("Particle Count", 160);
+    const TSampleNode cone = AddCone(effect, 0, 1, 0, 0.8f, 0.6f, 1.5f);
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.12f});
+    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.4f, 0});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode age = AddAge(effect, 1.8f);
+    const TSampleNode tint = effect.Add("Multiply");
+    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "smoke.hvt");
+    game.Wire("Intensity", rate, "A");
+    rate.Wire("Product", trigger, "Rate");
+    game.Wire("Placement", source, "Transform");
+    game.Wire("Direction", cone, "Direction");
+    trigger.Wire("Count", source, "Emission Trigger");
+    cone.Wire("Velocity", drag, "Velocity");
+    drag.Wire("Velocity", gravity, "Velocity");
+    source.Wire("Start Transform", integrate, "Position");
+    gravity.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", stage, "Transform");
+    AddSizes(effect, age, 1.8f, {{0, 0.05f}, {0.3f, 0.2f}, {1, 0.36f}}).Wire("Value", stage, "Scale");
+    AddColours(effect, age, 1.8f, {{0, 1, 1, 1, 0}, {0.1f, 1, 1, 1, 0.6f}, {1, 0.8f, 0.8f, 0.8f, 0}})
+        .Wire("Value", tint, "A");
+    game.Wire("Tint", tint, "B");
+    tint.Wire("Product", stage, "Colour");
+    rate.Set("B", {55});
+}
+
+// A disc that turns into the middle and is swallowed there. Its colour follows the speed, not an age.
+void MakeVortex(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 55, 4);
+    const TSampleNode disc = effect.Add("Sphere Surface")
+                                 .Int("Particle Count", 500)
+                                 .Set("Translation", {0, 0.8f, 0, 0, 0, 0})
+                                 .Set("Scale", {1.3f, 0.06f, 1.3f});
+    // Across the radius: (z, 0, -x).
+    const TSampleNode x = effect.Add("Select Component").Choose("Component", "X");
+    const TSampleNode z = effect.Add("Select Component").Choose("Component", "Z");
+    const TSampleNode backwards = effect.Add("Multiply");
+    const TSampleNode forwards = effect.Add("Multiply");
+    const TSampleNode across = effect.Add("Build Vector");
+    const TSampleNode pull =
+        effect.Add("Attractor").Set("Attractor Position", {0, 0.8f, 0}).Set("Strength", {5});
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.4f});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode hole =
+        effect.Add("Volume").Set("Transform", {0, 0.8f, 0, 0, 0, 0}).Set("Scale", {0.16f, 0.16f, 0.16f});
+    const TSampleNode end = effect.Add("Prune");
+    const TSampleNode speed = effect.Add("Select Component").Choose("Component", "Length");
+    const TSampleNode colours = effect.Add("Colour Over Life").Set("Life", {2.6f});
+    const TSampleNode stage =
+        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.035f, 0.035f});
+    trigger.Wire("Count", disc, "Emission Trigger");
+    disc.Wire("Position", x, "Vector");
+    disc.Wire("Position", z, "Vector");
+    z.Wire("Value", forwards, "A");
+    x.Wire("Value", backwards, "A");
+    forwards.Wire("Product", across, "X");
+    backwards.Wire("Product", across, "Z");
+    disc.Wire("Position", pull, "Position");
+    across.Wire("Vector", pull, "Velocity");
+    pull.Wire("Velocity", drag, "Velocity");
+    disc.Wire("Position", integrate, "Position");
+    drag.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", hole, "Point");
+    hole.Wire("Result", end, "Kill");
+    drag.Wire("Velocity", speed, "Vector");
+    speed.Wire("Value", colours, "Time");
+    colours.Colours("Value", {{0, 0.15f, 0.02f, 0.25f, 1},
+                              {0.25f, 0.55f, 0.1f, 0.8f, 1},
+                              {0.6f, 0.2f, 0.4f, 1, 0.9f},
+                              {1, 0.2f, 0.9f, 1, 0.8f}});
+    colours.Wire("Value", stage, "Colour");
+    integrate.Wire("Position", stage, "Transform");
+    forwards.Set("B", {1.8f});
+    backwards.Set("B", {-1.8f});
+}
+
+// Fumes that start slowly, turn as they rise and fade from one picture to another.
+void MakeFumes(TSampleBuilder& effect)
+{
+    const TSampleNode clock = effect.Add("Effect");
+    const TSampleNode rate =
+        effect.Add("Scalar Over Life").Set("Life", {2}).Curve("Value", 0, {{0, 2}, {1, 22}});
+    const TSampleNode trigger = effect.Add("Emitter").Int("Per frame max emission", 2);
+    const TSampleNode vent = AddPoint(effect, 90, 0, 0.05f, 0);
+    const TSampleNode cone = AddCone(effect, 0, 1, 0, 0.96f, 0.8f, 1.2f);
+    const TSampleNode spin = effect.Add("Random Value");
+    const TSampleNode axis = effect.Add("Build Vector");
+    const TSampleNode motion = effect.Add("Make Transform");
+    const TSampleNode wind = effect.Add("Wind").Set("Strength", {1});
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.6f});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode age = AddAge(effect, 3.2f);
+    const TSampleNode stage = effect.Add("Blended Sprite Render Stage")
+                                  .Texture("Base Texture", "smoke.hvt")
+                                  .Texture("Blend Texture", "wisp.hvt");
+    clock.Wire("Time", rate, "Time");
+    rate.Wire("Value", trigger, "Rate");
+    trigger.Wire("Count", vent, "Emission Trigger");
+    spin.Wire("Value", axis, "Z");
+    cone.Wire("Velocity", motion, "Translation");
+    axis.Wire("Vector", motion, "Rotation");
+    motion.Wire("Transform", wind, "Velocity");
+    AddCurve(effect, "Vector Over Life", age, 3.2f)
+        .Curve("Value", 0, {{0, 0}, {0.5f, 0.5f}, {1, -0.6f}})
+        .Curve("Value", 1, {{0, 0.1f}, {1, 0.1f}})
+        .Curve("Value", 2, {{0, 0}, {1, 0.2f}})
+        .Wire("Value", wind, "Wind");
+    wind.Wire("Velocity", drag, "Velocity");
+    vent.Wire("Start Transform", integrate, "Position");
+    drag.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", stage, "Transform");
+    AddSizes(effect, age, 3.2f, {{0, 0.05f}, {0.4f, 0.28f}, {1, 0.5f}}).Wire("Value", stage, "Scale");
+    AddCurve(effect, "Scalar Over Life", age, 3.2f)
+        .Curve("Value", 0, {{0, 0}, {0.35f, 0}, {0.8f, 1}, {1, 1}})
+        .Wire("Value", stage, "Blend");
+    AddColours(effect, age, 3.2f,
+               {{0, 0.55f, 0.75f, 0.1f, 0},
+                {0.1f, 0.45f, 0.7f, 0.12f, 0.8f},
+                {0.7f, 0.25f, 0.5f, 0.2f, 0.6f},
+                {1, 0.2f, 0.4f, 0.25f, 0}})
+        .Wire("Value", stage, "Colour");
+    spin.Set("Low", {-60}).Set("High", {60});
+}
+
+// Flakes that start anywhere in a wide box and totter down.
+void MakeSnow(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = effect.Add("Emitter")
+                                    .Choose("Emit Mode", "Chance")
+                                    .Set("Rate", {0.8f})
+                                    .Int("Per frame max emission", 4);
+    const TSampleNode sky = AddPoint(effect, 280, 0, 2, 0);
+    const TSampleNode where = effect.Add("Random Value");
+    const TSampleNode turned = effect.Add("Random Value");
+    const TSampleNode offset = effect.Add("Make Transform");
+    const TSampleNode start = effect.Add("Add");
+    const TSampleNode fall = AddCone(effect, 0, -1, 0, 0.97f, 0.34f, 0.5f);
+    const TSampleNode totter = effect.Add("Turbulence").Set("Strength", {1.2f});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode age = AddAge(effect, 5);
+    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "flake.dds");
+    trigger.Wire("Count", sky, "Emission Trigger");
+    where.Wire("Value", offset, "Translation");
+    turned.Wire("Value", offset, "Rotation");
+    sky.Wire("Start Transform", start, "A");
+    offset.Wire("Transform", start, "B");
+    start.Wire("Sum", integrate, "Position");
+    fall.Wire("Velocity", totter, "Velocity");
+    totter.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", stage, "Transform");
+    AddSizes(effect, age, 5, {{0, 0.02f}, {0.1f, 0.055f}, {0.9f, 0.055f}, {1, 0.02f}})
+        .Wire("Value", stage, "Scale");
+    AddColours(effect, age, 5,
+               {{0, 0.9f, 0.95f, 1, 0},
+                {0.1f, 0.75f, 0.87f, 1, 1},
+                {0.85f, 0.6f, 0.78f, 1, 1},
+                {1, 0.6f, 0.78f, 1, 0}})
+        .Wire("Value", stage, "Colour");
+    where.Set("Low", {-1.4f, -0.2f, -1.4f}).Set("High", {1.4f, 0.2f, 1.4f});
+    turned.Set("Low", {0, 0, 0}).Set("High", {0, 0, 360});
+}
+
+// Leaves that tumble in every direction and go from green to brown on their way down.
+void MakeLeaves(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 12, 2);
+    const TSampleNode tree = effect.Add("Grid")
+                                 .Int("Particle Count", 80)
+                                 .Int("X Divisions", 12)
+                                 .Int("Y Divisions", 12)
+                                 .Set("Transform", {0, 2, 0, 0, 0, 0})
+                                 .Set("Size", {0.9f, 0.9f});
+    const TSampleNode cone = AddCone(effect, 0, -1, 0, 0.4f, 0.1f, 0.3f);
+    const TSampleNode tumble = effect.Add("Random Value");
+    const TSampleNode motion = effect.Add("Make Transform");
+    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.25f, 0});
+    const TSampleNode breeze = effect.Add("Wind").Set("Wind", {0.2f, 0, 0.08f});
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.8f});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode age = AddAge(effect, 4);
+    const TSampleNode stage = effect.Add("Blended Quad Render Stage")
+                                  .Texture("Base Texture", "leafgreen.dds")
+                                  .Texture("Blend Texture", "leafbrown.dds")
+                                  .Set("Scale", {0.09f, 0.09f});
+    trigger.Wire("Count", tree, "Emission Trigger");
+    cone.Wire("Velocity", motion, "Translation");
+    tumble.Wire("Value", motion, "Rotation");
+    motion.Wire("Transform", gravity, "Velocity");
+    gravity.Wire("Velocity", breeze, "Velocity");
+    breeze.Wire("Velocity", drag, "Velocity");
+    tree.Wire("Start Transform", integrate, "Position");
+    drag.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", stage, "Transform");
+    AddCurve(effect, "Scalar Over Life", age, 4)
+        .Curve("Value", 0, {{0, 0}, {0.2f, 0}, {0.8f, 1}, {1, 1}})
+        .Wire("Value", stage, "Blend");
+    AddColours(effect, age, 4, {{0, 1, 1, 1, 0}, {0.08f, 1, 1, 1, 1}, {0.9f, 1, 1, 1, 1}, {1, 1, 1, 1, 0}})
+        .Wire("Value", stage, "Colour");
+    tumble.Set("Low", {-240, -240, -240}).Set("High", {240, 240, 240});
+}
+
+} // namespace
+
+const std::vector<TSampleEffect>& GetSampleEffects()
+{
+    static const std::vector<TSampleEffect> effects = {
+        {"fountain", MakeFountain},   {"campfire", MakeCampfire}, {"burst", MakeBurst},
+        {"flipbook", MakeFlipbook},   {"sparks", MakeSparks},     {"tiles", MakeTiles},
+        {"aura", MakeAura},           {"rain", MakeRain},         {"comet", MakeComet},
+        {"fireflies", MakeFireflies}, {"impact", MakeImpact},     {"vortex", MakeVortex},
+        {"fumes", MakeFumes},         {"snow", MakeSnow},         {"leaves", MakeLeaves},
+    };
+    return effects;
+}

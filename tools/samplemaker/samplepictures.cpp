@@ -1,0 +1,280 @@
+#include "tools/samplemaker/samplepictures.h"
+
+#include "library/containers/image/image.h"
+#include "library/containers/string.h"
+#include "tools/samplemaker/samplemaths.h"
+
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+
+namespace {
+
+// What a picture shows at a place; x and y from -1 to 1, y upwards.
+struct TTexel
+{
+    double Red = 1;
+    double Green = 1;
+    double Blue = 1;
+    double Alpha = 0;
+};
+
+using TPainter = TTexel (*)(double x, double y);
+
+double Clamp(double value)
+{
+    return std::clamp(value, 0.0, 1.0);
+}
+
+// 0 at and below `from`, 1 at and above `to`, smooth in between.
+double Step(double from, double to, double value)
+{
+    const double t = Clamp((value - from) / (to - from));
+    return t * t * (3 - 2 * t);
+}
+
+double Mix(double a, double b, double w)
+{
+    return a + (b - a) * w;
+}
+
+double Length(double x, double y)
+{
+    return std::sqrt(x * x + y * y);
+}
+
+TTexel White(double alpha)
+{
+    TTexel result;
+    result.Alpha = alpha;
+    return result;
+}
+
+TTexel Tinted(double red, double green, double blue, double alpha)
+{
+    return {red, green, blue, alpha};
+}
+
+TTexel PaintGlow(double x, double y)
+{
+    const double fall = Clamp(1 - Length(x, y));
+    return White(fall * fall * (3 - 2 * fall));
+}
+
+// Broad and bright at the head, thin at the tail.
+TTexel PaintSpark(double x, double y)
+{
+    const double along = (y + 1) / 2;
+    const double width = Mix(0.15, 0.9, along);
+    const double across = Clamp(1 - std::fabs(x) / width);
+    const double head = Step(0, 0.12, 1 - along);
+    return White(Step(0, 0.8, across) * along * head);
+}
+
+// Value noise that is thick in the middle and ragged at the rim.
+TTexel PaintPuff(double x, double y, unsigned seed)
+{
+    const double r = Length(x, y);
+    const double cloud = GetFractalNoise(3 * x, 3 * y, 0, seed);
+    const double alpha = Step(0.1, 0.9, 1.15 - r + (cloud - 0.5) * 0.9) * Step(0, 0.2, 1 - r);
+    const double light = Mix(0.72, 1, Clamp(0.5 + 0.35 * y + (cloud - 0.5)));
+    return Tinted(light, light, light, alpha);
+}
+
+TTexel PaintSmoke(double x, double y)
+{
+    return PaintPuff(x, y, 11);
+}
+
+// What a puff falls apart into.
+TTexel PaintWisp(double x, double y)
+{
+    const double r = Length(x, y);
+    const double strands = GetFractalNoise(2.2 * x + 7, 5 * y, 0, 29);
+    const double alpha = Step(0.42, 0.68, strands) * Step(0, 0.55, 1 - r);
+    return Tinted(0.95, 0.95, 0.95, alpha * 0.9);
+}
+
+TTexel PaintRing(double x, double y)
+{
+    const double r = Length(x, y);
+    const double band = Clamp(1 - std::fabs(r - 0.78) / 0.21);
+    return White(band * band * (3 - 2 * band));
+}
+
+// Three lines through the middle, each with two pairs of branches.
+TTexel PaintFlake(double x, double y)
+{
+    static constexpr double HalfRoot3 = 0.8660254037844386;
+    static constexpr double Arms[][2] = {{1, 0}, {0.5, HalfRoot3}, {-0.5, HalfRoot3}};
+    double nearest = 1;
+    for (const double* arm : Arms) {
+        const double along = std::fabs(x * arm[0] + y * arm[1]);
+        const double across = std::fabs(y * arm[0] - x * arm[1]);
+        if (along < 0.92)
+            nearest = std::min(nearest, across);
+        for (double foot : {0.35, 0.62}) {
+            // A branch leaves the arm at 60 degrees.
+            const double out = (along - foot) * 0.5 + across * HalfRoot3;
+            const double off = std::fabs(across * 0.5 - (along - foot) * HalfRoot3);
+            if (out > 0 && out < (0.95 - foot) * 0.42)
+                nearest = std::min(nearest, off);
+        }
+    }
+    return White(1 - Step(0.03, 0.1, nearest));
+}
+
+// A round drop that runs out into a tip, with a light on its left.
+TTexel PaintDrop(double x, double y)
+{
+    const double centre = -0.35;
+    const double radius = 0.55;
+    double edge = radius - Length(x, y - centre);
+    if (y > centre) {
+        const double up = (y - centre) / (0.95 - centre);
+        const double half = radius * (1 - up) * Mix(1, 0.55, up);
+        edge = up < 1 ? half - std::fabs(x) : -1;
+    }
+    const double shine = Clamp(1 - Length(x + 0.2, y - centre - 0.12) / 0.18);
+    const double light = Clamp(0.75 + 0.25 * shine);
+    return Tinted(light, light, 1, Step(0, 0.12, edge));
+}
+
+// A rounded tile with a bright rim.
+TTexel PaintTile(double x, double y)
+{
+    const double corner = 0.3;
+    const double dx = std::max(std::fabs(x) - (0.92 - corner), 0.0);
+    const double dy = std::max(std::fabs(y) - (0.92 - corner), 0.0);
+    const double edge = corner - Length(dx, dy);
+    const double rim = 1 - Step(0.08, 0.16, edge);
+    const double light = Mix(0.62 + 0.12 * y, 1, rim);
+    return Tinted(light, light, light, Step(0, 0.05, edge));
+}
+
+// A leaf with its stalk at the bottom, and veins.
+TTexel PaintLeaf(double x, double y, const TTexel& light, const TTexel& dark)
+{
+    const double up = (y + 0.75) / 1.65;
+    const double half = up > 0 && up < 1 ? 1.9 * up * (1 - up) * Mix(1.15, 0.75, up) : 0;
+    const double blade = Step(0, 0.06, half - std::fabs(x));
+    const double stalk = y < -0.6 ? Step(0.05, 0.02, std::fabs(x)) * Step(-0.98, -0.9, y) : 0;
+    const double middle = 1 - Step(0.01, 0.05, std::fabs(x));
+    const double slope = (y - 0.7 * std::fabs(x) + 2) * 5;
+    const double between = std::fabs(slope - std::floor(slope) - 0.5) * 2;
+    const double vein = std::max(middle, 0.7 * Step(0.82, 0.98, between));
+    const double grain = Mix(vein, 1, 0.35 * GetFractalNoise(6 * x, 6 * y, 0, 5));
+    return Tinted(Mix(light.Red, dark.Red, grain), Mix(light.Green, dark.Green, grain),
+                  Mix(light.Blue, dark.Blue, grain), std::max(blade, stalk));
+}
+
+TTexel PaintGreenLeaf(double x, double y)
+{
+    return PaintLeaf(x, y, {0.42, 0.72, 0.2, 1}, {0.2, 0.42, 0.1, 1});
+}
+
+TTexel PaintBrownLeaf(double x, double y)
+{
+    return PaintLeaf(x, y, {0.86, 0.5, 0.14, 1}, {0.48, 0.22, 0.06, 1});
+}
+
+// One frame of a flame: the noise it is cut out of moves upwards and comes round after `NumFrames`.
+constexpr int FlameTiles = 4;
+constexpr int NumFrames = FlameTiles * FlameTiles;
+
+TTexel PaintFlame(double x, double y, int frame)
+{
+    const double phase = static_cast<double>(frame) / NumFrames;
+    constexpr int Period = 4;
+    const double noise = GetFractalNoise(2.4 * x, 1.5 * y - Period * phase, Period, 71);
+    const double up = (y + 1) / 2;
+    const double sway = (noise - 0.5) * 0.9 * up;
+    const double half = 0.62 * std::sqrt(Clamp(1 - up)) * Mix(0.75, 1, Step(0, 0.25, up));
+    const double body = half - std::fabs(x + sway) + (noise - 0.55) * 0.55 * up;
+    const double heat = Step(-0.02, 0.5, body) * Mix(1, 0.45, up);
+    const double alpha = Step(0, 0.16, body) * Step(0, 0.12, up) * Step(0, 0.1, 1 - up);
+    return Tinted(1, Mix(0.28, 0.95, heat), Mix(0.03, 0.62, heat * heat), alpha);
+}
+
+uint8_t ToByte(double value)
+{
+    return static_cast<uint8_t>(Clamp(value) * 255 + 0.5);
+}
+
+void Store(TImage& image, int x, int y, const TTexel& texel)
+{
+    uint8_t* pixel = image.GetPixel(x, y);
+    pixel[0] = ToByte(texel.Red);
+    pixel[1] = ToByte(texel.Green);
+    pixel[2] = ToByte(texel.Blue);
+    pixel[3] = ToByte(texel.Alpha);
+}
+
+// The middle of pixel i of n, from -1 to 1.
+double ToPlace(int i, int n)
+{
+    return (2.0 * i + 1) / n - 1;
+}
+
+bool MakePicture(const char* folder, const char* name, int width, int height, int format, TPainter painter)
+{
+    TImage image;
+    image.Create(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            Store(image, x, y, painter(ToPlace(x, width), ToPlace(y, height)));
+    TString path;
+    path.Format("%s/%s", folder, name);
+    return image.Save(path, format);
+}
+
+// The first frame stands at the top left.
+bool MakeFlipbook(const char* folder, const char* name, int size, int format)
+{
+    TImage image;
+    image.Create(size, size);
+    const int tile = size / FlameTiles;
+    for (int y = 0; y < size; ++y) {
+        const int row = FlameTiles - 1 - y / tile;
+        for (int x = 0; x < size; ++x) {
+            const int frame = row * FlameTiles + x / tile;
+            Store(image, x, y, PaintFlame(ToPlace(x % tile, tile), ToPlace(y % tile, tile), frame));
+        }
+    }
+    TString path;
+    path.Format("%s/%s", folder, name);
+    return image.Save(path, format);
+}
+
+struct TPicture
+{
+    const char* Name;
+    int Width;
+    int Height;
+    int Format;
+    TPainter Painter;
+};
+
+constexpr TPicture Pictures[] = {
+    {"glow.dds", 64, 64, IF_DDS_RAW, PaintGlow},
+    {"spark.dds", 64, 128, IF_DDS_DXT5, PaintSpark},
+    {"smoke.hvt", 128, 128, IF_HVT_DXT5, PaintSmoke},
+    {"wisp.hvt", 128, 128, IF_HVT_DXT5, PaintWisp},
+    {"ring.hvt", 128, 128, IF_HVT_RAW, PaintRing},
+    {"flake.dds", 64, 64, IF_DDS_RAW, PaintFlake},
+    {"drop.dds", 64, 64, IF_DDS_DXT5, PaintDrop},
+    {"tile.hvt", 64, 64, IF_HVT_RAW, PaintTile},
+    {"leafgreen.dds", 128, 128, IF_DDS_DXT5, PaintGreenLeaf},
+    {"leafbrown.dds", 128, 128, IF_DDS_DXT5, PaintBrownLeaf},
+};
+
+} // namespace
+
+bool MakeSamplePictures(const char* folder)
+{
+    bool made = MakeFlipbook(folder, "fire.dds", 256, IF_DDS_DXT5);
+    for (const TPicture& picture : Pictures)
+        made &=
+            MakePicture(folder, picture.Name, picture.Width, picture.Height, picture.Format, picture.Painter);
+    return made;
+}
