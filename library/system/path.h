@@ -4,8 +4,8 @@
 
 // The system's own paths may hold "\\" or "/". Whatever goes to the operating system goes through here first.
 
-// The path in the system's own form. Where no file of the exact name exists, one that differs only in the case of
-// ASCII letters is taken.
+// The path in the system's own form. Where no file of the exact name exists, one that differs only in the
+// case of ASCII letters is taken.
 void ToSystemPath(const char* path, TString& out);
 
 // The path as a person reads it: the system's own separators, nothing looked up.
@@ -23,6 +23,6 @@ struct TDirectoryEntry
     bool IsDirectory;
 };
 
-// What a directory holds, without "." and "..", symbolic links and other file systems, in the order of names without case.
-// False if it cannot be listed.
+// What a directory holds, without "." and "..", symbolic links and other file systems, in the order of names
+// without case. False if it cannot be listed.
 bool ListDirectory(const char* path, vector<TDirectoryEntry>& result);

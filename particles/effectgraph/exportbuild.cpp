@@ -267,6 +267,13 @@ void TExportData::AddTriggerRow(int parent, int group, vector<uint32_t>& rows)
     rows.push_back(temp);
 }
 
+// The attribute that fires the group has no place in the particle record, and is listed as lying at -1.
+static uint8_t GetListedOffset(const TExportAttribute& attr, int behind)
+{
+    const int offset = attr.Offset + behind;
+    return attr.Offset == -1 ? static_cast<uint8_t>(offset) : ToByteField(offset, "render attribute offset");
+}
+
 void TExportData::ListRenderAttributes(int group)
 {
     constexpr int HalfComponents = 3;
@@ -280,7 +287,7 @@ void TExportData::ListRenderAttributes(int group)
         name.TruncateAtFirst(' ');
         TRenderAttribute entry;
         entry.NameId = NameToCrc(name.Print());
-        entry.Offset = ToByteField(attr.Offset, "render attribute offset");
+        entry.Offset = GetListedOffset(attr, 0);
         entry.VertexType = FormatVertexType[attr.Format];
         entry.NumComponents = static_cast<uint8_t>(isTransform ? HalfComponents : attr.RowCount);
         out.RenderAttributes.push_back(entry);
@@ -288,8 +295,7 @@ void TExportData::ListRenderAttributes(int group)
             continue;
         name += "_q";
         entry.NameId = NameToCrc(name.Print());
-        entry.Offset =
-            ToByteField(attr.Offset + HalfComponents * FormatSize[attr.Format], "render attribute offset");
+        entry.Offset = GetListedOffset(attr, HalfComponents * FormatSize[attr.Format]);
         out.RenderAttributes.push_back(entry);
     }
 }

@@ -6,6 +6,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     return ReadAsFile(data, size, [](const char* path) {
         TString fault;
-        ListEfx(path, [](const char*, void*) {}, nullptr, fault);
+        ListEfx(
+            path, [](const char*, void*) {}, nullptr, fault);
     });
 }

@@ -11,8 +11,8 @@
 
 #include <unistd.h>
 
-// Gives a reader the fuzzer's bytes as a file, with the log and the message forms silent. A failed assertion is an
-// answer that the readers may give; anything worse ends the process.
+// Gives a reader the fuzzer's bytes as a file, with the log and the message forms silent. A failed assertion
+// is an answer that the readers may give; anything worse ends the process.
 template <class TReader>
 int ReadAsFile(const uint8_t* data, size_t size, TReader&& reader)
 {

@@ -20,7 +20,8 @@ std::string AssertionOf(const std::function<void()>& work)
 std::string LogOf(const std::function<void()>& work)
 {
     std::string text;
-    TLogCapture capture([](const char* line, void* data) { *static_cast<std::string*>(data) += line; }, &text);
+    TLogCapture capture([](const char* line, void* data) { *static_cast<std::string*>(data) += line; },
+                        &text);
     work();
     return text;
 }

@@ -40,7 +40,8 @@ std::string EntriesOf(const TNodeEnumParameter& parameter)
 {
     std::string text;
     for (const TNodeEnumParameter::TEntry& entry : parameter.GetValues())
-        text += (text.empty() ? "" : ", ") + std::string(entry.Name.Print()) + " " + std::to_string(entry.Number);
+        text +=
+            (text.empty() ? "" : ", ") + std::string(entry.Name.Print()) + " " + std::to_string(entry.Number);
     return text + "; " + parameter.GetValues()[parameter.GetIndex()].Name.Print();
 }
 
@@ -69,7 +70,8 @@ std::string KindOf(const TNodeParameter& parameter)
     return GetParameterTag(parameter.Type);
 }
 
-void PrintRow(const std::string& name, const std::string& kind, const std::string& value, const TString& description)
+void PrintRow(const std::string& name, const std::string& kind, const std::string& value,
+              const TString& description)
 {
     std::printf("| %s | %s | %s | %s |\n", name.c_str(), kind.c_str(), value.c_str(), description.Print());
 }
@@ -114,7 +116,8 @@ void PrintType(const TNodeType& type)
         for (int i = 0; i < type.GetNumOutputs(); ++i) {
             const TOutputPort& port = type.GetOutput(i);
             const bool tied = type.FindInputNamedLikeOutput(i) != -1;
-            PrintRow(port.Name.Print(), port.Type == TY_POLYTYPE ? TypesOf(port.ValidTypes) : GetTypeName(port.Type),
+            PrintRow(port.Name.Print(),
+                     port.Type == TY_POLYTYPE ? TypesOf(port.ValidTypes) : GetTypeName(port.Type),
                      tied ? "in place" : "", port.Description);
         }
         std::printf("\n");
@@ -146,10 +149,11 @@ int main(int argc, char** argv)
     }
     if (!errors.empty())
         return 1;
-    std::printf("# The node types\n\n"
-                "This page is printed from the files under `NodeTypes/` by `typereference`. An output that works in\n"
-                "place has the name of an input: the node changes the value that flows through it. A polytype port\n"
-                "lists the types that it takes.\n\n");
+    std::printf(
+        "# The node types\n\n"
+        "This page is printed from the files under `NodeTypes/` by `typereference`. An output that works in\n"
+        "place has the name of an input: the node changes the value that flows through it. A polytype port\n"
+        "lists the types that it takes.\n\n");
     for (int i = 0; i < library.GetNumRootItems(); ++i) {
         const TNodeTypeItem& folder = library.GetRootItem(i);
         std::printf("## %s\n\n", folder.Name.Print());

@@ -36,20 +36,13 @@ struct TPixelCode
 };
 
 constexpr TPixelCode PixelCodes[] = {
-    {0x0600AAE4, DR_DXT, DXT_1, {}},
-    {0x0700AAE4, DR_DXT, DXT_3, {}},
-    {0x0800AAE4, DR_DXT, DXT_5, {}},
-    {0x010002FF, DR_ALPHA8, 1, {}},
-    {0x0100A9FF, DR_LUMINANCE8, 1, {}},
-    {0x0500AA1B, DR_BYTES, 4, {2, 1, 0, 3}},
-    {0x0500AA93, DR_BYTES, 4, {0, 1, 2, 3}},
-    {0x0500AAE4, DR_BYTES, 4, {1, 2, 3, 0}},
-    {0x0B00AAAB, DR_LUMINANCEALPHA8, 2, {}},
-    {0x140002EE, DR_ALPHA16, 2, {}},
-    {0x1400A9EE, DR_LUMINANCE16, 2, {}},
-    {0x1501AAE4, DR_LUMINANCEALPHA16, 4, {}},
-    {0x1A00AAE4, DR_WHITE, 8, {}},
-    {0x1B00AAE4, DR_FLOAT4, 16, {}},
+    {0x0600AAE4, DR_DXT, DXT_1, {}},         {0x0700AAE4, DR_DXT, DXT_3, {}},
+    {0x0800AAE4, DR_DXT, DXT_5, {}},         {0x010002FF, DR_ALPHA8, 1, {}},
+    {0x0100A9FF, DR_LUMINANCE8, 1, {}},      {0x0500AA1B, DR_BYTES, 4, {2, 1, 0, 3}},
+    {0x0500AA93, DR_BYTES, 4, {0, 1, 2, 3}}, {0x0500AAE4, DR_BYTES, 4, {1, 2, 3, 0}},
+    {0x0B00AAAB, DR_LUMINANCEALPHA8, 2, {}}, {0x140002EE, DR_ALPHA16, 2, {}},
+    {0x1400A9EE, DR_LUMINANCE16, 2, {}},     {0x1501AAE4, DR_LUMINANCEALPHA16, 4, {}},
+    {0x1A00AAE4, DR_WHITE, 8, {}},           {0x1B00AAE4, DR_FLOAT4, 16, {}},
     {0x1C0009E4, DR_FLOAT1, 4, {}},
 };
 
@@ -384,7 +377,8 @@ bool TImage::LoadHvt(const char* path)
     const bool linear = (format & HvtLinear) != 0;
     const int64_t pitch = linear ? BigU32(header + 40) : 0;
     return Decode(code, header + offset, bytes.size() - static_cast<int>(offset),
-                  static_cast<int>(BigU16(header + 32)), static_cast<int>(BigU16(header + 34)), pitch, !linear, true);
+                  static_cast<int>(BigU16(header + 32)), static_cast<int>(BigU16(header + 34)), pitch,
+                  !linear, true);
 }
 
 bool TImage::Load(const char* path)
@@ -425,7 +419,8 @@ void TImage::ReverseRows(vector<uint8_t>& pixels) const
 {
     pixels.resize(Pixels.size());
     for (int y = 0; y < Height; ++y)
-        std::memcpy(pixels.data() + y * Width * 4, GetPixel(0, Height - 1 - y), static_cast<size_t>(Width) * 4);
+        std::memcpy(pixels.data() + y * Width * 4, GetPixel(0, Height - 1 - y),
+                    static_cast<size_t>(Width) * 4);
 }
 
 namespace {

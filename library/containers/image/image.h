@@ -17,7 +17,8 @@ enum TImageFormat
     IF_NUMFORMATS
 };
 
-// A picture: 32-bit RGBA, bottom row first, as the texture upload takes it. docs/images.md has the file formats.
+// A picture: 32-bit RGBA, bottom row first, as the texture upload takes it. docs/images.md has the file
+// formats.
 class TImage
 {
 public:
@@ -40,8 +41,8 @@ public:
 
 private:
     void Clear();
-    bool Decode(uint32_t code, const uint8_t* data, int64_t size, int width, int height, int64_t pitch, bool morton,
-                bool bigEndian);
+    bool Decode(uint32_t code, const uint8_t* data, int64_t size, int width, int height, int64_t pitch,
+                bool morton, bool bigEndian);
     void ReverseRows(vector<uint8_t>& pixels) const;
     bool SaveTga(const char* path) const;
     bool SaveDds(const char* path, int squishFlags) const;
@@ -53,5 +54,6 @@ private:
     vector<uint8_t> Pixels;
 };
 
-// Position of a pixel in Morton order: the bits of x and y take turns, and where one has run out the other goes on.
+// Position of a pixel in Morton order: the bits of x and y take turns, and where one has run out the other
+// goes on.
 uint32_t SwizzleIndex(uint32_t x, uint32_t y, uint32_t width, uint32_t height);

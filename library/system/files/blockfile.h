@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-// Assembles a relocatable memory image: data blocks with references between them, which are given as identities
-// while the image grows and become image offsets. Identities are numbers, never addresses.
+// Assembles a relocatable memory image: data blocks with references between them, which are given as
+// identities while the image grows and become image offsets. Identities are numbers, never addresses.
 class TBlockFile
 {
 public:
@@ -33,8 +33,8 @@ public:
     int GetAlignment() const { return Alignment; }
     const vector<uint32_t>& GetRelocations() const { return Relocations; }
 
-    // The count of relocations, the relocations, zeros up to a multiple of 16 in the file, the image: what follows
-    // whatever words the caller wrote to the file before. False if a write failed.
+    // The count of relocations, the relocations, zeros up to a multiple of 16 in the file, the image: what
+    // follows whatever words the caller wrote to the file before. False if a write failed.
     bool Save(TFile& file) const;
 
 private:

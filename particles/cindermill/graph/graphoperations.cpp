@@ -88,6 +88,92 @@ void TakeEdge(TEditContext& doc, TToolEdge* edge)
 }
 
 template <class T>
+bool HasTwice(const vector<T*>& pointers)
+{
+    for (int i = 0; i < pointers.size(); ++i)
+        if (pointers.index_of(pointers[i]) != i)
+            return true;
+    return false;
+}
+
+template <class T>
+void AppendAll(const vector<T*>& pointers, vector<TChunk*>& result)
+{
+    for (T* pointer : pointers)
+        result.push_back(pointer);
+}
+
+bool IsIn(const TEffectGraph& graph, const TEffectNode* node)
+{
+    for (int i = 0; i < graph.GetNumNodes(); ++i)
+        if (graph.GetNode(i) == node)
+            return true;
+    return false;
+}
+
+bool IsIn(const TEffectGraph& graph, const TEffectEdge* edge)
+{
+    for (int i = 0; i < graph.GetNumEdges(); ++i)
+        if (graph.GetEdge(i) == edge)
+            return true;
+    return false;
+}
+
+bool HasOutput(const TEffectNode* node, int port)
+{
+    return node != nullptr && port >= 0 && port < node->GetNumOutputs();
+}
+
+bool HasInput(const TEffectNode* node, int port)
+{
+    return node != nullptr && port >= 0 && port < node->GetNumInputs();
+}
+
+// Whether the output's list holds the edge, once.
+bool IsAtSource(const TEffectEdge& edge)
+{
+    const TEffectNode* node = edge.GetSrcNode();
+    if (!HasOutput(node, edge.GetSrcPort()))
+        return false;
+    int count = 0;
+    for (int n = 0; n < node->GetNumOutputEdges(edge.GetSrcPort()); ++n)
+        count += node->GetOutputEdge(edge.GetSrcPort(), n) == &edge ? 1 : 0;
+    return count == 1;
+}
+
+bool IsAtDestination(const TEffectEdge& edge)
+{
+    return HasInput(edge.GetDstNode(), edge.GetDstPort()) &&
+           edge.GetDstNode()->GetInput(edge.GetDstPort()) == &edge;
+}
+
+// All edges at the ports of a node.
+void GetEdges(const TEffectNode& node, vector<TEffectEdge*>& result)
+{
+    for (int i = 0; i < node.GetNumOutputs(); ++i)
+        for (int n = 0; n < node.GetNumOutputEdges(i); ++n)
+            result.push_back(node.GetOutputEdge(i, n));
+    for (int i = 0; i < node.GetNumInputs(); ++i)
+        if (node.GetInput(i) != nullptr)
+            result.push_back(node.GetInput(i));
+}
+
+bool IsUnconnected(const TEffectNode& node)
+{
+    vector<TEffectEdge*> edges;
+    GetEdges(node, edges);
+    return edges.empty();
+}
+
+// Whether the edge, which is out of the graph, may come into it.
+bool CanBring(const TEffectGraph& graph, const TEffectEdge& edge)
+{
+    return !IsIn(graph, &edge) && HasOutput(edge.GetSrcNode(), edge.GetSrcPort()) &&
+           HasInput(edge.GetDstNode(), edge.GetDstPort()) && IsIn(graph, edge.GetSrcNode()) &&
+           IsIn(graph, edge.GetDstNode()) && edge.GetDstNode()->GetInput(edge.GetDstPort()) == nullptr;
+}
+
+template <class T>
 bool HasNull(const vector<T*>& pointers)
 {
     return pointers.find(nullptr) != pointers.end();
@@ -95,7 +181,8 @@ bool HasNull(const vector<T*>& pointers)
 
 } // namespace
 
-TAddGraphNodeOp::TAddGraphNodeOp(TEditContext& doc, const TNodeType& nodeType, int x, int y) : Node(new TToolNode)
+TAddGraphNodeOp::TAddGraphNodeOp(TEditContext& doc, const TNodeType& nodeType, int x, int y)
+    : Node(new TToolNode)
 {
     Node->Create(&doc, nodeType, x, y, true);
     Node->RegisterChunks(doc.GetChunks());
@@ -111,6 +198,16 @@ bool TAddGraphNodeOp::Read(int size, int version, TChunkFile* chunkFile)
 bool TAddGraphNodeOp::Write(TChunkFile* chunkFile)
 {
     return chunkFile->WritePointer(Node);
+}
+
+bool TAddGraphNodeOp::Fits(const TEffectGraph& graph, bool undo) const
+{
+    return IsIn(graph, Node) == undo && IsUnconnected(*Node);
+}
+
+void TAddGraphNodeOp::GetMade(vector<TChunk*>& result) const
+{
+    result.push_back(Node);
 }
 
 void TAddGraphNodeOp::Do(TEditContext& doc)
@@ -156,7 +253,33 @@ bool TAddGraphNodesOp::Write(TChunkFile* chunkFile)
 
 bool TAddGraphNodesOp::Check() const
 {
-    return !HasNull(Nodes);
+    return !HasNull(Nodes) && !HasTwice(Nodes);
+}
+
+// The edges of the nodes run among them, and go where the nodes go.
+bool TAddGraphNodesOp::Fits(const TEffectGraph& graph, bool undo) const
+{
+    for (TToolNode* node : Nodes) {
+        vector<TEffectEdge*> edges;
+        GetEdges(*node, edges);
+        if (IsIn(graph, node) != undo)
+            return false;
+        for (const TEffectEdge* edge : edges)
+            if (IsIn(graph, edge) != undo || !IsAtSource(*edge) || !IsAtDestination(*edge) ||
+                Nodes.index_of(ToolNode(edge->GetSrcNode())) == -1 ||
+                Nodes.index_of(ToolNode(edge->GetDstNode())) == -1)
+                return false;
+    }
+    return true;
+}
+
+void TAddGraphNodesOp::GetMade(vector<TChunk*>& result) const
+{
+    AppendAll(Nodes, result);
+    for (const TToolNode* node : Nodes)
+        for (int i = 0; i < node->GetNumInputs(); ++i)
+            if (node->GetInput(i) != nullptr)
+                result.push_back(node->GetInput(i));
 }
 
 void TAddGraphNodesOp::Do(TEditContext& doc)
@@ -209,17 +332,24 @@ bool TMoveGraphNodeOp::Read(int size, int version, TChunkFile* chunkFile)
 {
     (void)size;
     (void)version;
-    return chunkFile->ReadPointers(Nodes) && chunkFile->File.ReadI32(DeltaX) && chunkFile->File.ReadI32(DeltaY);
+    return chunkFile->ReadPointers(Nodes) && chunkFile->File.ReadI32(DeltaX) &&
+           chunkFile->File.ReadI32(DeltaY);
 }
 
 bool TMoveGraphNodeOp::Write(TChunkFile* chunkFile)
 {
-    return chunkFile->WritePointers(Nodes) && chunkFile->File.WriteI32(DeltaX) && chunkFile->File.WriteI32(DeltaY);
+    return chunkFile->WritePointers(Nodes) && chunkFile->File.WriteI32(DeltaX) &&
+           chunkFile->File.WriteI32(DeltaY);
 }
 
 bool TMoveGraphNodeOp::Check() const
 {
     return !HasNull(Nodes);
+}
+
+void TMoveGraphNodeOp::GetUsed(vector<TChunk*>& result) const
+{
+    AppendAll(Nodes, result);
 }
 
 // The opposite of a distance; the smallest one has none but itself.
@@ -283,7 +413,70 @@ bool TDeleteGraphNodeOp::Write(TChunkFile* chunkFile)
 
 bool TDeleteGraphNodeOp::Check() const
 {
-    return !HasNull(Nodes) && !HasNull(Edges);
+    return !HasNull(Nodes) && !HasNull(Edges) && !HasTwice(Nodes) && !HasTwice(Edges);
+}
+
+bool TDeleteGraphNodeOp::Fits(const TEffectGraph& graph, bool undo) const
+{
+    return undo ? FitsUndo(graph) : FitsDo(graph);
+}
+
+// The list of edges is that of the nodes' ports, no more and no less.
+bool TDeleteGraphNodeOp::FitsDo(const TEffectGraph& graph) const
+{
+    for (const TToolNode* node : Nodes) {
+        vector<TEffectEdge*> edges;
+        GetEdges(*node, edges);
+        if (!IsIn(graph, node))
+            return false;
+        for (TEffectEdge* edge : edges)
+            if (Edges.index_of(static_cast<TToolEdge*>(edge)) == -1)
+                return false;
+    }
+    for (const TToolEdge* edge : Edges)
+        if (!IsIn(graph, edge) || (!Holds(edge->GetSrcNode()) && !Holds(edge->GetDstNode())))
+            return false;
+    return true;
+}
+
+// An edge stands in the ports of the deleted nodes, and can come back to those of the others.
+bool TDeleteGraphNodeOp::FitsUndo(const TEffectGraph& graph) const
+{
+    for (const TToolNode* node : Nodes) {
+        vector<TEffectEdge*> edges;
+        GetEdges(*node, edges);
+        if (IsIn(graph, node))
+            return false;
+        for (TEffectEdge* edge : edges)
+            if (Edges.index_of(static_cast<TToolEdge*>(edge)) == -1)
+                return false;
+    }
+    for (int i = 0; i < Edges.size(); ++i) {
+        const TToolEdge* edge = Edges[i];
+        const bool holdsSource = Holds(edge->GetSrcNode());
+        const bool holdsDestination = Holds(edge->GetDstNode());
+        if (IsIn(graph, edge) || (!holdsSource && !holdsDestination))
+            return false;
+        if (holdsSource
+                ? !IsAtSource(*edge)
+                : !HasOutput(edge->GetSrcNode(), edge->GetSrcPort()) || !IsIn(graph, edge->GetSrcNode()))
+            return false;
+        if (holdsDestination
+                ? !IsAtDestination(*edge)
+                : !HasInput(edge->GetDstNode(), edge->GetDstPort()) || !IsIn(graph, edge->GetDstNode()) ||
+                      edge->GetDstNode()->GetInput(edge->GetDstPort()) != nullptr)
+            return false;
+        for (int k = 0; k < i; ++k)
+            if (Edges[k]->GetDstNode() == edge->GetDstNode() && Edges[k]->GetDstPort() == edge->GetDstPort())
+                return false;
+    }
+    return true;
+}
+
+void TDeleteGraphNodeOp::GetUsed(vector<TChunk*>& result) const
+{
+    AppendAll(Nodes, result);
+    AppendAll(Edges, result);
 }
 
 void TDeleteGraphNodeOp::Do(TEditContext& doc)
@@ -349,6 +542,22 @@ bool TAddGraphEdgeOp::Write(TChunkFile* chunkFile)
     return chunkFile->WritePointer(Edge);
 }
 
+bool TAddGraphEdgeOp::Fits(const TEffectGraph& graph, bool undo) const
+{
+    return undo ? IsIn(graph, Edge) : CanBring(graph, *Edge);
+}
+
+void TAddGraphEdgeOp::GetMade(vector<TChunk*>& result) const
+{
+    result.push_back(Edge);
+}
+
+void TAddGraphEdgeOp::GetUsed(vector<TChunk*>& result) const
+{
+    result.push_back(Edge->GetSrcNode());
+    result.push_back(Edge->GetDstNode());
+}
+
 void TAddGraphEdgeOp::Do(TEditContext& doc)
 {
     BringEdge(doc, Edge);
@@ -408,6 +617,36 @@ bool TChangeGraphEdgeOp::Check() const
     return Edge != nullptr;
 }
 
+bool TChangeGraphEdgeOp::Fits(const TEffectGraph& graph, bool undo) const
+{
+    return undo
+               ? FitsMove(graph, Ends[NewSource], Ends[NewDestination], Ends[OldSource], Ends[OldDestination])
+               : FitsMove(graph, Ends[OldSource], Ends[OldDestination], Ends[NewSource],
+                          Ends[NewDestination]);
+}
+
+bool TChangeGraphEdgeOp::FitsMove(const TEffectGraph& graph, const TEnd& fromSource,
+                                  const TEnd& fromDestination, const TEnd& source,
+                                  const TEnd& destination) const
+{
+    if (!IsIn(graph, Edge) || Edge->GetSrcNode() != fromSource.Node ||
+        Edge->GetSrcPort() != fromSource.Port || Edge->GetDstNode() != fromDestination.Node ||
+        Edge->GetDstPort() != fromDestination.Port)
+        return false;
+    if (!IsIn(graph, source.Node) || !HasOutput(source.Node, source.Port) || !IsIn(graph, destination.Node) ||
+        !HasInput(destination.Node, destination.Port))
+        return false;
+    const TEffectEdge* there = destination.Node->GetInput(destination.Port);
+    return there == nullptr || there == Edge;
+}
+
+void TChangeGraphEdgeOp::GetUsed(vector<TChunk*>& result) const
+{
+    result.push_back(Edge);
+    for (const TEnd& end : Ends)
+        result.push_back(end.Node);
+}
+
 void TChangeGraphEdgeOp::MoveTo(TEditContext& doc, const TEnd& source, const TEnd& destination)
 {
     doc.UnhookEdge(Edge);
@@ -442,6 +681,18 @@ bool TDeleteGraphEdgeOp::Write(TChunkFile* chunkFile)
     return chunkFile->WritePointer(Edge);
 }
 
+bool TDeleteGraphEdgeOp::Fits(const TEffectGraph& graph, bool undo) const
+{
+    return undo ? CanBring(graph, *Edge) : IsIn(graph, Edge);
+}
+
+void TDeleteGraphEdgeOp::GetUsed(vector<TChunk*>& result) const
+{
+    result.push_back(Edge);
+    result.push_back(Edge->GetSrcNode());
+    result.push_back(Edge->GetDstNode());
+}
+
 void TDeleteGraphEdgeOp::Do(TEditContext& doc)
 {
     TakeEdge(doc, Edge);
@@ -469,6 +720,11 @@ bool TBypassFlagOp::Read(int size, int version, TChunkFile* chunkFile)
 bool TBypassFlagOp::Write(TChunkFile* chunkFile)
 {
     return chunkFile->WritePointer(Node) && chunkFile->File.WriteBool(Set);
+}
+
+void TBypassFlagOp::GetUsed(vector<TChunk*>& result) const
+{
+    result.push_back(Node);
 }
 
 void TBypassFlagOp::Store(TEditContext& doc, bool set)
@@ -507,8 +763,9 @@ bool TNodePropertiesOp::Read(int size, int version, TChunkFile* chunkFile)
         return false;
     if (version < 1)
         return true;
-    return file.ReadBool(Old.StaticBounds) && file.ReadBool(New.StaticBounds) && file.ReadVector3(Old.BoundsMin) &&
-           file.ReadVector3(New.BoundsMin) && file.ReadVector3(Old.BoundsMax) && file.ReadVector3(New.BoundsMax);
+    return file.ReadBool(Old.StaticBounds) && file.ReadBool(New.StaticBounds) &&
+           file.ReadVector3(Old.BoundsMin) && file.ReadVector3(New.BoundsMin) &&
+           file.ReadVector3(Old.BoundsMax) && file.ReadVector3(New.BoundsMax);
 }
 
 bool TNodePropertiesOp::Write(TChunkFile* chunkFile)
@@ -518,12 +775,24 @@ bool TNodePropertiesOp::Write(TChunkFile* chunkFile)
            file.WriteI32(Old.Priority) && file.WriteI32(New.Priority) && file.WriteBool(Old.DynamicBounds) &&
            file.WriteBool(New.DynamicBounds) && file.WriteBool(Old.StaticBounds) &&
            file.WriteBool(New.StaticBounds) && file.WriteVector3(Old.BoundsMin) &&
-           file.WriteVector3(New.BoundsMin) && file.WriteVector3(Old.BoundsMax) && file.WriteVector3(New.BoundsMax);
+           file.WriteVector3(New.BoundsMin) && file.WriteVector3(Old.BoundsMax) &&
+           file.WriteVector3(New.BoundsMax);
 }
 
 int TNodePropertiesOp::GetSize()
 {
     return TBinaryFile::GetStringSize(Old.Name) + TBinaryFile::GetStringSize(New.Name) + 64;
+}
+
+bool TNodePropertiesOp::Check() const
+{
+    auto isPriority = [](int priority) { return priority >= 0 && priority < 256; };
+    return Node != nullptr && isPriority(Old.Priority) && isPriority(New.Priority);
+}
+
+void TNodePropertiesOp::GetUsed(vector<TChunk*>& result) const
+{
+    result.push_back(Node);
 }
 
 void TNodePropertiesOp::Store(TEditContext& doc, const TNodeProperties& properties)

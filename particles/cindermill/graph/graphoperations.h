@@ -29,6 +29,8 @@ public:
     void Discard(TEditContext& doc) override;
     bool Check() const override { return Node != nullptr; }
     TToolNode* GetNode() const { return Node; }
+    bool Fits(const TEffectGraph& graph, bool undo) const override;
+    void GetMade(vector<TChunk*>& result) const override;
 
 private:
     TToolNode* Node = nullptr;
@@ -50,6 +52,8 @@ public:
     void Undo(TEditContext& doc) override;
     void Discard(TEditContext& doc) override;
     bool Check() const override;
+    bool Fits(const TEffectGraph& graph, bool undo) const override;
+    void GetMade(vector<TChunk*>& result) const override;
 
 private:
     vector<TToolNode*> Nodes;
@@ -59,7 +63,9 @@ class TMoveGraphNodeOp : public TOperation
 {
 public:
     TMoveGraphNodeOp() = default;
-    TMoveGraphNodeOp(const vector<TToolNode*>& nodes, int dx, int dy) : Nodes(nodes), DeltaX(dx), DeltaY(dy) {}
+    TMoveGraphNodeOp(const vector<TToolNode*>& nodes, int dx, int dy) : Nodes(nodes), DeltaX(dx), DeltaY(dy)
+    {
+    }
     static int ClassId();
     static uint32_t NameID();
     uint32_t GetClassId() override { return NameID(); }
@@ -69,6 +75,7 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override;
+    void GetUsed(vector<TChunk*>& result) const override;
 
 private:
     vector<TToolNode*> Nodes;
@@ -76,8 +83,8 @@ private:
     int DeltaY = 0;
 };
 
-// Takes nodes out of the graph with all their edges. A deleted node keeps its links to the edges that go with it, so
-// that a whole part of a graph comes back in one step.
+// Takes nodes out of the graph with all their edges. A deleted node keeps its links to the edges that go with
+// it, so that a whole part of a graph comes back in one step.
 class TDeleteGraphNodeOp : public TOperation
 {
 public:
@@ -92,10 +99,14 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override;
+    bool Fits(const TEffectGraph& graph, bool undo) const override;
+    void GetUsed(vector<TChunk*>& result) const override;
 
 private:
     bool Holds(const TEffectNode* node) const;
     void GatherEdge(TEffectEdge* edge);
+    bool FitsDo(const TEffectGraph& graph) const;
+    bool FitsUndo(const TEffectGraph& graph) const;
 
     vector<TToolNode*> Nodes;
     vector<TToolEdge*> Edges;
@@ -118,6 +129,9 @@ public:
     void Discard(TEditContext& doc) override;
     bool Check() const override { return Edge != nullptr; }
     TToolEdge* GetEdge() const { return Edge; }
+    bool Fits(const TEffectGraph& graph, bool undo) const override;
+    void GetMade(vector<TChunk*>& result) const override;
+    void GetUsed(vector<TChunk*>& result) const override;
 
 private:
     TToolEdge* Edge = nullptr;
@@ -139,6 +153,8 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override;
+    bool Fits(const TEffectGraph& graph, bool undo) const override;
+    void GetUsed(vector<TChunk*>& result) const override;
 
 private:
     struct TEnd
@@ -158,6 +174,8 @@ private:
     };
 
     void MoveTo(TEditContext& doc, const TEnd& source, const TEnd& destination);
+    bool FitsMove(const TEffectGraph& graph, const TEnd& fromSource, const TEnd& fromDestination,
+                  const TEnd& source, const TEnd& destination) const;
 
     TToolEdge* Edge = nullptr;
     TEnd Ends[NumEnds];
@@ -177,6 +195,8 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override { return Edge != nullptr; }
+    bool Fits(const TEffectGraph& graph, bool undo) const override;
+    void GetUsed(vector<TChunk*>& result) const override;
 
 private:
     TToolEdge* Edge = nullptr;
@@ -197,6 +217,7 @@ public:
     void Do(TEditContext& doc) override { Store(doc, Set); }
     void Undo(TEditContext& doc) override { Store(doc, !Set); }
     bool Check() const override { return Node != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override;
 
 private:
     void Store(TEditContext& doc, bool set);
@@ -230,7 +251,8 @@ public:
     int GetSize() override;
     void Do(TEditContext& doc) override { Store(doc, New); }
     void Undo(TEditContext& doc) override { Store(doc, Old); }
-    bool Check() const override { return Node != nullptr; }
+    bool Check() const override;
+    void GetUsed(vector<TChunk*>& result) const override;
 
 private:
     void Store(TEditContext& doc, const TNodeProperties& properties);

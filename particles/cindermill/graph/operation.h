@@ -3,9 +3,11 @@
 #include "library/system/files/chunkfile.h"
 
 class TEditContext;
+class TEffectGraph;
 
-// One edit of a document, which can do itself and undo itself. On the stack it is a chunk of the document, so the
-// history is saved along. Operations refer to nodes and edges, which stay alive, and in the file, for as long.
+// One edit of a document, which can do itself and undo itself. On the stack it is a chunk of the document, so
+// the history is saved along. Operations refer to nodes and edges, which stay alive, and in the file, for as
+// long.
 class TOperation : public TChunk
 {
 public:
@@ -15,15 +17,27 @@ public:
     // Applies the change; also for redo.
     virtual void Do(TEditContext& doc) = 0;
     virtual void Undo(TEditContext& doc) = 0;
-    // The operation is thrown away while undone: an object that it made is in no graph now, and is its to free.
+    // The operation is thrown away while undone: an object that it made is in no graph now, and is its to
+    // free.
     virtual void Discard(TEditContext& doc) { (void)doc; }
-    // Asked of a new operation with the topmost of the stack: true means that the change has taken effect through
-    // that one, and this one is deleted.
+    // Asked of a new operation with the topmost of the stack: true means that the change has taken effect
+    // through that one, and this one is deleted.
     virtual bool Merge(TOperation& previous)
     {
         (void)previous;
         return false;
     }
-    // Whether everything that the operation read from a file can be done and undone; for what was loaded.
+    // Whether what the operation read from a file makes sense by itself.
     virtual bool Check() const { return true; }
+    // Whether the operation can be done (or undone) on the graph as it stands. Always so for what was applied
+    // here; a file may hold anything.
+    virtual bool Fits(const TEffectGraph& graph, bool undo) const
+    {
+        (void)graph;
+        (void)undo;
+        return true;
+    }
+    // The nodes and edges that the operation made, and whatever else it refers to.
+    virtual void GetMade(vector<TChunk*>& result) const { (void)result; }
+    virtual void GetUsed(vector<TChunk*>& result) const { (void)result; }
 };

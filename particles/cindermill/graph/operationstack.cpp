@@ -2,6 +2,7 @@
 
 #include "library/system/clock.h"
 #include "particles/cindermill/graph/editcontext.h"
+#include "particles/cindermill/graph/historycheck.h"
 
 int TOperation::ClassId()
 {
@@ -39,6 +40,7 @@ bool TOperationStack::Read(int size, int version, TChunkFile* chunkFile)
     if (!chunkFile->ReadPointers(Operations) || !chunkFile->File.ReadI32(Position))
         return false;
     SavedPosition = Position;
+    IsFromFile = true;
     return true;
 }
 
@@ -47,12 +49,17 @@ bool TOperationStack::Write(TChunkFile* chunkFile)
     return chunkFile->WritePointers(Operations) && chunkFile->File.WriteI32(Position);
 }
 
+// Where a file's history is not to be trusted, what the operations made stays in the chunk file.
 void TOperationStack::DropTail(TEditContext& doc)
 {
+    if (Position >= Operations.size())
+        return;
+    const bool discards = !IsFromFile || CanFreeTail(*this, *doc.GetGraph(), doc.GetChunks());
     while (Position < Operations.size()) {
         TOperation* op = Operations[Position];
         doc.GetChunks().RemoveChunk(op);
-        op->Discard(doc);
+        if (discards)
+            op->Discard(doc);
         delete op;
         Operations.erase(Operations.begin() + Position);
     }
@@ -75,22 +82,28 @@ void TOperationStack::Apply(TEditContext& doc, TOperation* op)
     LastTime = GetTickCount();
 }
 
-void TOperationStack::Undo(TEditContext& doc)
+bool TOperationStack::Undo(TEditContext& doc)
 {
-    if (Position > 0) {
-        --Position;
-        Operations[Position]->Undo(doc);
-    }
     // The next operation never merges with what stands on the stack after an undo.
     LastTime = 0;
+    if (Position <= 0)
+        return true;
+    if (IsFromFile && !Operations[Position - 1]->Fits(*doc.GetGraph(), true))
+        return false;
+    --Position;
+    Operations[Position]->Undo(doc);
+    return true;
 }
 
-void TOperationStack::Redo(TEditContext& doc)
+bool TOperationStack::Redo(TEditContext& doc)
 {
-    if (Position < Operations.size()) {
-        Operations[Position]->Do(doc);
-        ++Position;
-    }
+    if (Position >= Operations.size())
+        return true;
+    if (IsFromFile && !Operations[Position]->Fits(*doc.GetGraph(), false))
+        return false;
+    Operations[Position]->Do(doc);
+    ++Position;
+    return true;
 }
 
 void TOperationStack::Clear(TEditContext& doc)

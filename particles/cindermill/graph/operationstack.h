@@ -2,8 +2,8 @@
 
 #include "particles/cindermill/graph/operation.h"
 
-// The history of a document: what was done, and what was undone and can be done again. The operations are chunks of
-// the document's chunk file.
+// The history of a document: what was done, and what was undone and can be done again. The operations are
+// chunks of the document's chunk file.
 class TOperationStack : public TChunk
 {
 public:
@@ -20,8 +20,10 @@ public:
 
     // Takes ownership of the operation.
     void Apply(TEditContext& doc, TOperation* op);
-    void Undo(TEditContext& doc);
-    void Redo(TEditContext& doc);
+    // False if the operation does not fit the graph: the file that it came from is damaged, and nothing was
+    // done.
+    bool Undo(TEditContext& doc);
+    bool Redo(TEditContext& doc);
     bool CanUndo() const { return Position > 0; }
     bool CanRedo() const { return Position < Operations.size(); }
     // Forgets the history. What the done operations removed stays in the chunk file until the document goes.
@@ -42,4 +44,6 @@ private:
     int Position = 0;
     int SavedPosition = 0;
     uint32_t LastTime;
+    // Its operations may be anything, and are asked whether they fit.
+    bool IsFromFile = false;
 };

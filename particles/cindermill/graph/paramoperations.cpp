@@ -19,18 +19,18 @@ CINDERMILL_OPERATION(TRampLinearOp)
 CINDERMILL_OPERATION(TAnimNameParamOp)
 CINDERMILL_OPERATION(TAnimFlagsParamOp)
 
-#define CINDERMILL_VALUE_OPERATION(TClass)                                                                             \
-    template <>                                                                                                        \
-    int TClass::ClassId()                                                                                              \
-    {                                                                                                                  \
-        static const int id = RegisterClass(ConstructClass<TClass, TChunk>, #TClass, TOperation::ClassId());           \
-        return id;                                                                                                     \
-    }                                                                                                                  \
-    template <>                                                                                                        \
-    uint32_t TClass::NameID()                                                                                          \
-    {                                                                                                                  \
-        static const uint32_t id = GetClassNameID(ClassId());                                                          \
-        return id;                                                                                                     \
+#define CINDERMILL_VALUE_OPERATION(TClass)                                                                   \
+    template <>                                                                                              \
+    int TClass::ClassId()                                                                                    \
+    {                                                                                                        \
+        static const int id = RegisterClass(ConstructClass<TClass, TChunk>, #TClass, TOperation::ClassId()); \
+        return id;                                                                                           \
+    }                                                                                                        \
+    template <>                                                                                              \
+    uint32_t TClass::NameID()                                                                                \
+    {                                                                                                        \
+        static const uint32_t id = GetClassNameID(ClassId());                                                \
+        return id;                                                                                           \
     }
 
 CINDERMILL_VALUE_OPERATION(TScaleParamOp)
@@ -326,7 +326,8 @@ bool TPolytypeUserTypeOp::Read(int size, int version, TChunkFile* chunkFile)
         return false;
     Outputs.resize(static_cast<int>(count));
     for (TOutputRecord& record : Outputs)
-        if (!chunkFile->ReadPointer(record.Node) || !file.ReadI32(record.Port) || !file.ReadI32(record.OldType))
+        if (!chunkFile->ReadPointer(record.Node) || !file.ReadI32(record.Port) ||
+            !file.ReadI32(record.OldType))
             return false;
     return file.ReadI32(NewType);
 }
@@ -342,7 +343,8 @@ bool TPolytypeUserTypeOp::Write(TChunkFile* chunkFile)
     if (!file.WriteU32(static_cast<uint32_t>(Outputs.size())))
         return false;
     for (const TOutputRecord& record : Outputs)
-        if (!chunkFile->WritePointer(record.Node) || !file.WriteI32(record.Port) || !file.WriteI32(record.OldType))
+        if (!chunkFile->WritePointer(record.Node) || !file.WriteI32(record.Port) ||
+            !file.WriteI32(record.OldType))
             return false;
     return file.WriteI32(NewType);
 }
@@ -357,6 +359,24 @@ bool TPolytypeUserTypeOp::Check() const
         if (record.Node == nullptr || !isType(record.OldType))
             return false;
     return isType(NewType);
+}
+
+bool TPolytypeUserTypeOp::Fits(const TEffectGraph&, bool) const
+{
+    for (const TOutputRecord& record : Outputs) {
+        const TNodeType* type = record.Node->GetNodeType();
+        if (type == nullptr || record.Port < 0 || record.Port >= type->GetNumOutputs())
+            return false;
+    }
+    return true;
+}
+
+void TPolytypeUserTypeOp::GetUsed(vector<TChunk*>& result) const
+{
+    for (const TParameterRecord& record : Parameters)
+        result.push_back(record.Parameter);
+    for (const TOutputRecord& record : Outputs)
+        result.push_back(record.Node);
 }
 
 void TPolytypeUserTypeOp::Do(TEditContext& doc)
@@ -406,7 +426,10 @@ void TEnumParamOp::Undo(TEditContext& doc)
     doc.RedrawWindows();
 }
 
-TIntParamOp::TIntParamOp(TNodeIntParameter* param, int newValue) : Param(param), Old(param->Get()), New(newValue) {}
+TIntParamOp::TIntParamOp(TNodeIntParameter* param, int newValue)
+    : Param(param), Old(param->Get()), New(newValue)
+{
+}
 
 bool TIntParamOp::Read(int size, int version, TChunkFile* chunkFile)
 {
@@ -453,12 +476,14 @@ bool TTextureParamOp::Read(int size, int version, TChunkFile* chunkFile)
 {
     (void)size;
     (void)version;
-    return chunkFile->ReadPointer(Param) && chunkFile->File.ReadString(Old) && chunkFile->File.ReadString(New);
+    return chunkFile->ReadPointer(Param) && chunkFile->File.ReadString(Old) &&
+           chunkFile->File.ReadString(New);
 }
 
 bool TTextureParamOp::Write(TChunkFile* chunkFile)
 {
-    return chunkFile->WritePointer(Param) && chunkFile->File.WriteString(Old) && chunkFile->File.WriteString(New);
+    return chunkFile->WritePointer(Param) && chunkFile->File.WriteString(Old) &&
+           chunkFile->File.WriteString(New);
 }
 
 int TTextureParamOp::GetSize()
@@ -489,20 +514,26 @@ bool TRampMovePointParamOp::Read(int size, int version, TChunkFile* chunkFile)
     (void)size;
     (void)version;
     TBinaryFile& file = chunkFile->File;
-    return chunkFile->ReadPointer(Param) && file.ReadI32(Channel) && file.ReadI32(Point) && file.ReadFloat(Old.X) &&
-           file.ReadFloat(Old.Y) && file.ReadFloat(New.X) && file.ReadFloat(New.Y);
+    return chunkFile->ReadPointer(Param) && file.ReadI32(Channel) && file.ReadI32(Point) &&
+           file.ReadFloat(Old.X) && file.ReadFloat(Old.Y) && file.ReadFloat(New.X) && file.ReadFloat(New.Y);
 }
 
 bool TRampMovePointParamOp::Write(TChunkFile* chunkFile)
 {
     TBinaryFile& file = chunkFile->File;
     return chunkFile->WritePointer(Param) && file.WriteI32(Channel) && file.WriteI32(Point) &&
-           file.WriteFloat(Old.X) && file.WriteFloat(Old.Y) && file.WriteFloat(New.X) && file.WriteFloat(New.Y);
+           file.WriteFloat(Old.X) && file.WriteFloat(Old.Y) && file.WriteFloat(New.X) &&
+           file.WriteFloat(New.Y);
 }
 
 bool TRampMovePointParamOp::Check() const
 {
     return Param != nullptr && IsChannel(Channel) && Point >= 0;
+}
+
+bool TRampMovePointParamOp::Fits(const TEffectGraph&, bool) const
+{
+    return Point < Param->GetCurve(Channel).size();
 }
 
 void TRampMovePointParamOp::Do(TEditContext& doc)
@@ -524,7 +555,8 @@ bool TRampMovePointParamOp::Merge(TOperation& previous)
     return false;
 }
 
-TRampChangePointsOp::TRampChangePointsOp(TNodeRampParameter* param, int channel, const vector<TRampPoint>& newPoints)
+TRampChangePointsOp::TRampChangePointsOp(TNodeRampParameter* param, int channel,
+                                         const vector<TRampPoint>& newPoints)
     : Param(param), Channel(channel), Old(param->GetCurve(channel)), New(newPoints)
 {
 }
@@ -539,8 +571,8 @@ bool TRampChangePointsOp::Read(int size, int version, TChunkFile* chunkFile)
 
 bool TRampChangePointsOp::Write(TChunkFile* chunkFile)
 {
-    return chunkFile->WritePointer(Param) && chunkFile->File.WriteI32(Channel) && WritePoints(chunkFile, Old) &&
-           WritePoints(chunkFile, New);
+    return chunkFile->WritePointer(Param) && chunkFile->File.WriteI32(Channel) &&
+           WritePoints(chunkFile, Old) && WritePoints(chunkFile, New);
 }
 
 bool TRampChangePointsOp::Check() const
@@ -712,12 +744,14 @@ bool TAnimNameParamOp::Read(int size, int version, TChunkFile* chunkFile)
 {
     (void)size;
     (void)version;
-    return chunkFile->ReadPointer(Param) && chunkFile->File.ReadString(Old) && chunkFile->File.ReadString(New);
+    return chunkFile->ReadPointer(Param) && chunkFile->File.ReadString(Old) &&
+           chunkFile->File.ReadString(New);
 }
 
 bool TAnimNameParamOp::Write(TChunkFile* chunkFile)
 {
-    return chunkFile->WritePointer(Param) && chunkFile->File.WriteString(Old) && chunkFile->File.WriteString(New);
+    return chunkFile->WritePointer(Param) && chunkFile->File.WriteString(Old) &&
+           chunkFile->File.WriteString(New);
 }
 
 int TAnimNameParamOp::GetSize()
@@ -738,8 +772,9 @@ void TAnimNameParamOp::Undo(TEditContext& doc)
 }
 
 TAnimFlagsParamOp::TAnimFlagsParamOp(TNodeAnimationParameter* param, bool position, bool rotation, bool scale)
-    : Param(param), Old{param->UsesPosition(), param->UsesRotation(), param->UsesScale()},
-      New{position, rotation, scale}
+    : Param(param), Old{param->UsesPosition(), param->UsesRotation(), param->UsesScale()}, New{position,
+                                                                                               rotation,
+                                                                                               scale}
 {
 }
 

@@ -9,12 +9,12 @@
 
 class TEffectNode;
 
-// The edits of parameters: each holds the parameter, its old value and the new one, and writes them through the
-// parameter's setter. The running effect reads parameters live, so none of them tells the graph.
+// The edits of parameters: each holds the parameter, its old value and the new one, and writes them through
+// the parameter's setter. The running effect reads parameters live, so none of them tells the graph.
 // docs/effect-file.md has their chunk bodies.
 
-// The edits of the seven value types. Like edits become one: of a scalar those that go the same way, of the others
-// those that change the same components.
+// The edits of the seven value types. Like edits become one: of a scalar those that go the same way, of the
+// others those that change the same components.
 class TValueParamOp : public TOperation
 {
 public:
@@ -25,6 +25,7 @@ public:
     void Undo(TEditContext& doc) override { Store(doc, Old); }
     bool Merge(TOperation& previous) override;
     bool Check() const override { return Param != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 protected:
     // For a class whose bodies hold that many floats on each side.
@@ -98,6 +99,7 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override { return Param != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeBoolParameter* Param = nullptr;
@@ -118,13 +120,15 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override { return Param != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeGroupParameter* Param = nullptr;
     bool Set = false;
 };
 
-// Chooses the type of a polytype port, and with it the type of every port that follows it through links and wires.
+// Chooses the type of a polytype port, and with it the type of every port that follows it through links and
+// wires.
 class TPolytypeUserTypeOp : public TOperation
 {
 public:
@@ -139,6 +143,8 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override;
+    bool Fits(const TEffectGraph& graph, bool undo) const override;
+    void GetUsed(vector<TChunk*>& result) const override;
 
 private:
     struct TParameterRecord
@@ -176,6 +182,7 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override { return Param != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeEnumParameter* Param = nullptr;
@@ -198,6 +205,7 @@ public:
     void Undo(TEditContext& doc) override;
     bool Merge(TOperation& previous) override;
     bool Check() const override { return Param != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeIntParameter* Param = nullptr;
@@ -219,6 +227,7 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override { return Param != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeTextureParameter* Param = nullptr;
@@ -241,6 +250,8 @@ public:
     void Undo(TEditContext& doc) override;
     bool Merge(TOperation& previous) override;
     bool Check() const override;
+    bool Fits(const TEffectGraph& graph, bool undo) const override;
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeRampParameter* Param = nullptr;
@@ -265,6 +276,7 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override;
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeRampParameter* Param = nullptr;
@@ -288,6 +300,7 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override { return Param != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeRampParameter* Param = nullptr;
@@ -311,6 +324,7 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override;
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeRampParameter* Param = nullptr;
@@ -332,6 +346,7 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override { return Param != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeRampParameter* Param = nullptr;
@@ -352,6 +367,7 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override { return Param != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     TNodeAnimationParameter* Param = nullptr;
@@ -373,6 +389,7 @@ public:
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
     bool Check() const override { return Param != nullptr; }
+    void GetUsed(vector<TChunk*>& result) const override { result.push_back(Param); }
 
 private:
     // Position, rotation, scale.

@@ -2,7 +2,8 @@
 
 int TToolEdge::ClassId()
 {
-    static const int id = RegisterClass(ConstructClass<TToolEdge, TChunk>, "TToolEdge", TEffectEdge::ClassId());
+    static const int id =
+        RegisterClass(ConstructClass<TToolEdge, TChunk>, "TToolEdge", TEffectEdge::ClassId());
     return id;
 }
 

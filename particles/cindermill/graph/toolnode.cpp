@@ -6,7 +6,8 @@
 
 int TToolNode::ClassId()
 {
-    static const int id = RegisterClass(ConstructClass<TToolNode, TChunk>, "TToolNode", TEffectNode::ClassId());
+    static const int id =
+        RegisterClass(ConstructClass<TToolNode, TChunk>, "TToolNode", TEffectNode::ClassId());
     return id;
 }
 
@@ -27,7 +28,8 @@ TToolNode::~TToolNode()
 
 bool TToolNode::Read(int size, int version, TChunkFile* chunkFile)
 {
-    return TEffectNode::Read(size, version, chunkFile) && chunkFile->File.ReadI32(X) && chunkFile->File.ReadI32(Y);
+    return TEffectNode::Read(size, version, chunkFile) && chunkFile->File.ReadI32(X) &&
+           chunkFile->File.ReadI32(Y);
 }
 
 bool TToolNode::Write(TChunkFile* chunkFile)
@@ -100,7 +102,9 @@ void TToolNode::SetPosition(int x, int y)
 
 void TToolNode::MoveBy(int dx, int dy)
 {
-    auto add = [](int a, int b) { return static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b)); };
+    auto add = [](int a, int b) {
+        return static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b));
+    };
     SetPosition(add(X, dx), add(Y, dy));
 }
 

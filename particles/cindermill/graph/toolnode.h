@@ -7,8 +7,8 @@ class TNodeDisplay;
 
 // A node of a document: a graph node with a place in the graph view.
 //
-// Once it is in the document's chunk file, that file owns it, its node type and all parameters. Before that, and
-// after UnregisterChunks, it owns its node type.
+// Once it is in the document's chunk file, that file owns it, its node type and all parameters. Before that,
+// and after UnregisterChunks, it owns its node type.
 class TToolNode : public TEffectNode
 {
 public:
@@ -40,8 +40,8 @@ public:
     bool IsSelected() const { return Selected; }
     TNodeDisplay* GetDisplay() const { return Display; }
 
-    // Enters the node, its type and all parameters into the chunk file, or takes them out; they are then the node's
-    // again.
+    // Enters the node, its type and all parameters into the chunk file, or takes them out; they are then the
+    // node's again.
     void RegisterChunks(TChunkFile& chunks);
     void UnregisterChunks(TChunkFile& chunks);
 

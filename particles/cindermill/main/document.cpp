@@ -60,8 +60,7 @@ bool HaveSameShape(const TEffectSchedule& a, const TEffectSchedule& b)
     for (int i = 0; same && i < a.GetNumNodes(); ++i)
         same = a.GetNode(i) == b.GetNode(i) && a.GetNodeUsage(i) == b.GetNodeUsage(i);
     for (int i = 0; same && i < a.GetNumGroups(); ++i)
-        same = a.GetParticleCount(i) == b.GetParticleCount(i) &&
-               a.IsTriggerGroup(i) == b.IsTriggerGroup(i) &&
+        same = a.GetParticleCount(i) == b.GetParticleCount(i) && a.IsTriggerGroup(i) == b.IsTriggerGroup(i) &&
                AreSameTiedNodes(a.GetGroup(i).TiedNodes, b.GetGroup(i).TiedNodes) &&
                AreSameAttributes(a.GetGroup(i).Attributes, b.GetGroup(i).Attributes);
     return same;
@@ -153,6 +152,18 @@ bool TDocument::CheckLoaded()
     return true;
 }
 
+// Edits and views rely on the tool's own classes.
+bool TDocument::CheckClasses()
+{
+    vector<TChunk*> others;
+    Chunks.GetChunksOfClass(TEffectNode::NameID(), others);
+    Chunks.GetChunksOfClass(TEffectEdge::NameID(), others);
+    if (others.empty())
+        return true;
+    LoadError = "The file holds nodes or edges that cannot be edited";
+    return false;
+}
+
 bool TDocument::BatchLoad(const char* path)
 {
     if (!LoadChunks(path) || !FindRoots(false))
@@ -165,7 +176,7 @@ bool TDocument::Load(const char* path)
 {
     if (Host != nullptr && !Host->CreateParticleWindow(*this))
         return false;
-    if (!LoadChunks(path) || !FindRoots(true) || !CheckLoaded())
+    if (!LoadChunks(path) || !FindRoots(true) || !CheckLoaded() || !CheckClasses())
         return false;
     Graph->AddCallback(&TDocument::OnGraphChanged, this);
     if (Host != nullptr && !Host->CreateView(*this))
@@ -260,19 +271,29 @@ void TDocument::ApplyOperation(TOperation* op)
 
 void TDocument::Undo()
 {
-    OperationStack->Undo(*this);
+    const bool fits = OperationStack->Undo(*this);
     DropStaleSchedule();
-    SetModified(!OperationStack->IsAtSavedPosition());
+    FinishStep(fits);
 }
 
 void TDocument::Redo()
 {
-    OperationStack->Redo(*this);
-    SetModified(!OperationStack->IsAtSavedPosition());
+    FinishStep(OperationStack->Redo(*this));
 }
 
-// Taking the addition of a node back is no change of the graph's shape, but what was scheduled since the addition
-// refers to the node, which the next edit may free.
+void TDocument::FinishStep(bool fits)
+{
+    if (fits) {
+        SetModified(!OperationStack->IsAtSavedPosition());
+        return;
+    }
+    OperationStack->Clear(*this);
+    SetModified(true);
+    ShowMessage("The undo history does not fit the effect and was cleared");
+}
+
+// Taking the addition of a node back is no change of the graph's shape, but what was scheduled since the
+// addition refers to the node, which the next edit may free.
 void TDocument::DropStaleSchedule()
 {
     TPointerMap nodes;
@@ -550,12 +571,12 @@ void TDocument::GetReport(TString& report)
     int size = 0;
     const bool ready = EffectExecSchedule.IsInited() || InitEngine(errors, true);
     const bool valid = ready && RunCollecting(errors, [&] {
-        TExportData exportData(Schedule);
-        if (!EffectExecSchedule.Export(exportData, errors))
-            return false;
-        size = exportData.GetFileSize();
-        return true;
-    });
+                           TExportData exportData(Schedule);
+                           if (!EffectExecSchedule.Export(exportData, errors))
+                               return false;
+                           size = exportData.GetFileSize();
+                           return true;
+                       });
     if (valid) {
         AddLine(report, "Schedule creates valid efx file\r\n");
         AddLine(report, "Size on disc: %d bytes\r\n", size);

@@ -106,10 +106,12 @@ public:
 private:
     bool LoadChunks(const char* path);
     bool FindRoots(bool needStack);
+    bool CheckClasses();
     void RefreshNodeTypes();
     void AttachObjects();
     void UpdateTitles();
     bool WriteExport(const char* path, TErrorList& errors);
+    void FinishStep(bool fits);
     void DropStaleSchedule();
     void OnGraphChanged();
     static void OnGraphChanged(void* data);

@@ -31,6 +31,41 @@ const char* Listable(const TString& directory)
     return directory.IsEmpty() ? "\\" : directory.c_str();
 }
 
+// A file of the name in the directory.
+bool FindEntry(const vector<TDirectoryEntry>& entries, const char* name, const char* directory, TString& path)
+{
+    for (const TDirectoryEntry& entry : entries) {
+        if (entry.IsDirectory || entry.Name.Compare(name) != 0)
+            continue;
+        Join(directory, entry.Name, path);
+        return true;
+    }
+    return false;
+}
+
+// Whether a search goes down into the entry.
+bool IsSearched(const TDirectoryEntry& entry)
+{
+    return entry.IsDirectory && *entry.Name.Print() != '.';
+}
+
+// Depth first, whatever is known already.
+bool FindBelow(const char* name, const char* directory, TString& path)
+{
+    const TString here(directory);
+    vector<TDirectoryEntry> entries;
+    ListDirectory(Listable(here), entries);
+    if (FindEntry(entries, name, here.Print(), path))
+        return true;
+    for (const TDirectoryEntry& entry : entries) {
+        TString child;
+        Join(here.Print(), entry.Name, child);
+        if (IsSearched(entry) && FindBelow(name, child, path))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 bool TResourceLocator::Init(const char* directory, bool headless)
@@ -94,7 +129,8 @@ bool TResourceLocator::PrepareName(TString& path)
         TString shownBase;
         ToShownPath(path, shownPath);
         ToShownPath(BasePath, shownBase);
-        ShowMessage("File %s does not fall under your resource base path %s", shownPath.Print(), shownBase.Print());
+        ShowMessage("File %s does not fall under your resource base path %s", shownPath.Print(),
+                    shownBase.Print());
         return false;
     }
     TString relative;
@@ -105,6 +141,9 @@ bool TResourceLocator::PrepareName(TString& path)
 
 TFindResult TResourceLocator::Find(const char* name, TString& path)
 {
+    // No file has an empty name: nothing need be walked to know.
+    if (name == nullptr || *name == 0)
+        return FR_NOTFOUND;
     if (FindInSearchDirectories(name, path))
         return FR_FOUND;
     if (Mode == RM_RELATIVEPATH) {
@@ -121,15 +160,13 @@ TFindResult TResourceLocator::Find(const char* name, TString& path)
 }
 
 // A stored path is tried as it stands under each directory, then its leaf anywhere below.
-bool TResourceLocator::FindInSearchDirectories(const char* name, TString& path)
+bool TResourceLocator::FindInSearchDirectories(const char* name, TString& path) const
 {
     TString leaf;
     leaf.SetFileName(name);
     for (const TString& directory : SearchDirectories) {
         Join(directory, name, path);
-        if (FileExists(path))
-            return true;
-        if (SearchBelow(leaf, directory, nullptr, path))
+        if (FileExists(path) || FindBelow(leaf, directory, path))
             return true;
     }
     return false;
@@ -146,12 +183,8 @@ bool TResourceLocator::FindInKnownDirectories(const char* name, TString& path) c
     for (const TString& directory : KnownDirectories) {
         vector<TDirectoryEntry> entries;
         ListDirectory(Listable(directory), entries);
-        for (const TDirectoryEntry& entry : entries) {
-            if (!entry.IsDirectory && entry.Name.Compare(name) == 0) {
-                Join(directory, entry.Name, path);
-                return true;
-            }
-        }
+        if (FindEntry(entries, name, directory.Print(), path))
+            return true;
     }
     return false;
 }
@@ -178,15 +211,12 @@ bool TResourceLocator::SearchBelow(const char* name, const char* directory, cons
     const TString here(directory);
     vector<TDirectoryEntry> entries;
     ListDirectory(Listable(here), entries);
-    for (const TDirectoryEntry& entry : entries) {
-        if (!entry.IsDirectory && entry.Name.Compare(name) == 0) {
-            Join(here.Print(), entry.Name, path);
-            Remember(here);
-            return true;
-        }
+    if (FindEntry(entries, name, here.Print(), path)) {
+        Remember(here);
+        return true;
     }
     for (const TDirectoryEntry& entry : entries) {
-        if (!entry.IsDirectory || *entry.Name.Print() == '.')
+        if (!IsSearched(entry))
             continue;
         TString child;
         Join(here.Print(), entry.Name, child);

@@ -37,7 +37,7 @@ public:
 private:
     bool IsKnown(const char* directory) const;
     void Remember(const char* directory);
-    bool FindInSearchDirectories(const char* name, TString& path);
+    bool FindInSearchDirectories(const char* name, TString& path) const;
     bool FindInKnownDirectories(const char* name, TString& path) const;
     bool Search(const char* name, const char* directory, const char* excluded, bool climb, TString& path);
     bool SearchBelow(const char* name, const char* directory, const char* excluded, TString& path);

@@ -252,6 +252,25 @@ TEST(TExportDataBuild, SecondParentGroupIsReportedAndTaken)
     EXPECT_GT(e->GetFileSize(), 0);
 }
 
+// A value that both fires the emitter and is drawn has no place in the particle record.
+TEST(TExportDataBuild, TriggerThatIsDrawnIsListedAtMinusOne)
+{
+    TTestGraph g;
+    TEffectNode* random = g.Node("Random", TU_PROCESS, {}, {"Value"}, FL_PROCESSHINT);
+    TEffectNode* emitter = g.Node("Emitter", TU_EMITTER, {"Emission Trigger"}, {{"Position", TY_VECTOR3}});
+    TEffectNode* stage = g.Node("Stage", TU_RENDER, {{"Place", TY_VECTOR3}, "Blend"}, {});
+    g.Wire(random, 0, emitter, 0);
+    g.Wire(random, 0, stage, 1);
+    g.Wire(emitter, 0, stage, 0);
+    TExported e(g);
+    e.Speak(emitter, [](TExportData& data) { data.SetEmitterTrigger(0); });
+    ASSERT_EQ(e.Build(), "");
+    const int group = e.GroupOf(stage);
+    ASSERT_EQ(e.Group(group).RenderAttributes.size(), 2);
+    EXPECT_EQ(e.Group(group).RenderAttributes[0].Offset, 0);
+    EXPECT_EQ(e.Group(group).RenderAttributes[1].Offset, 0xFF);
+}
+
 TEST(TExportDataBuild, RenderAttributeIsNamedUpToItsFirstBlank)
 {
     const TSmallGraph small("colour of smoke", TY_COLOUR);

@@ -4,8 +4,7 @@
 
 #include <array>
 
-namespace
-{
+namespace {
 
 using TBlock = std::array<uint8_t, 64>;
 

@@ -7,8 +7,7 @@
 #include <cstring>
 #include <random>
 
-namespace
-{
+namespace {
 
 using TPixel = std::array<int, 4>;
 
@@ -100,8 +99,8 @@ struct THvt
     std::string Header() const
     {
         return Big32(0) + Big32(0) + Big32(Count) + Big32(Id) + Big32(Offset) + Big32(0) +
-               Bytes({Format, 1, Dimension, Cube}) + Big32(Remap) + Big16(Width) + Big16(Height) + Big16(Depth) +
-               Big16(0) + Big32(Pitch) + Big32(0);
+               Bytes({Format, 1, Dimension, Cube}) + Big32(Remap) + Big16(Width) + Big16(Height) +
+               Big16(Depth) + Big16(0) + Big32(Pitch) + Big32(0);
     }
 };
 
@@ -189,7 +188,8 @@ TImage Picture(int width, int height)
 bool SamePixels(const TImage& a, const TImage& b)
 {
     return a.GetWidth() == b.GetWidth() && a.GetHeight() == b.GetHeight() &&
-           std::memcmp(a.GetPixels(), b.GetPixels(), static_cast<size_t>(a.GetWidth() * a.GetHeight() * 4)) == 0;
+           std::memcmp(a.GetPixels(), b.GetPixels(), static_cast<size_t>(a.GetWidth() * a.GetHeight() * 4)) ==
+               0;
 }
 
 std::string Saved(const TImage& image, int format)
@@ -591,7 +591,8 @@ TEST(TImage, TgaHasItsHeaderAndSwapsRedAndBlueBottomRowFirst)
     const TImage before = image;
     const std::string bytes = Saved(image, IF_TGA);
     ASSERT_EQ(bytes.size(), 18u + 300 * 2 * 4);
-    EXPECT_EQ(bytes.substr(0, 18), Bytes({0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 300 & 255, 300 >> 8, 2, 0, 32, 8}));
+    EXPECT_EQ(bytes.substr(0, 18),
+              Bytes({0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 300 & 255, 300 >> 8, 2, 0, 32, 8}));
     for (int i = 0; i < 600; ++i) {
         const TPixel pixel = PixelOf(image, i % 300, i / 300);
         EXPECT_EQ(bytes.substr(18 + 4 * static_cast<size_t>(i), 4),
@@ -627,10 +628,10 @@ TEST(TImage, CompressedDdsHasItsFourCC)
     }
 }
 
-namespace
-{
+namespace {
 
-std::string HvtHeader(int format, uint32_t remap, uint32_t width, uint32_t height, uint32_t pitch, uint32_t size)
+std::string HvtHeader(int format, uint32_t remap, uint32_t width, uint32_t height, uint32_t pitch,
+                      uint32_t size)
 {
     THvt header;
     header.Format = format;
@@ -648,7 +649,8 @@ std::string HvtHeader(int format, uint32_t remap, uint32_t width, uint32_t heigh
 
 TEST(TImage, RawHvtIsLinearUnlessOnlyTheWidthIsAPowerOfTwo)
 {
-    for (const auto& [width, height] : {std::pair(4, 4), std::pair(3, 4), std::pair(3, 3), std::pair(300, 1)}) {
+    for (const auto& [width, height] :
+         {std::pair(4, 4), std::pair(3, 4), std::pair(3, 3), std::pair(300, 1)}) {
         const uint32_t size = static_cast<uint32_t>(width * height * 4);
         const std::string bytes = Saved(Picture(width, height), IF_HVT_RAW);
         EXPECT_EQ(bytes.substr(0, 48),

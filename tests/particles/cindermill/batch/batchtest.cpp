@@ -27,12 +27,15 @@ protected:
     {
         const std::string out = Folder.Path("stdout");
         const std::string err = Folder.Path("stderr");
-        const std::string command = "XDG_CONFIG_HOME='" + Folder.GetFolder() + "/config' '" + CINDERMILL_BATCH + "' " +
-                                    arguments + " >'" + out + "' 2>'" + err + "'";
+        const std::string command = "XDG_CONFIG_HOME='" + Folder.GetFolder() + "/config' '" +
+                                    CINDERMILL_BATCH + "' " + arguments + " >'" + out + "' 2>'" + err + "'";
         const int status = std::system(command.c_str());
         return TOutcome{WEXITSTATUS(status), ReadBytes(out), ReadBytes(err)};
     }
-    std::string Sample(const std::string& name) { return "'" + SourcePath("samples/" + name + ".effect") + "'"; }
+    std::string Sample(const std::string& name)
+    {
+        return "'" + SourcePath("samples/" + name + ".effect") + "'";
+    }
     static std::string Resources() { return "--resources '" + SourcePath("samples") + "' "; }
 
     TTempFolder Folder;
@@ -72,12 +75,28 @@ TEST_F(TBatch, NoCommandIsAUsageError)
 
 TEST_F(TBatch, WrongCommandLinesAreUsageErrors)
 {
-    const char* lines[] = {"nonsense",        "--node-types",       "types more",     "check",
-                           "report",          "dump a b",           "export a",       "run",
-                           "run a --frames",  "run a --frames -1",  "run a --dt x",   "run a --seed -1",
-                           "run a --seed 4294967296",               "run a --other",  "efx",
-                           "translate",       "translate a --rough", "image a b",     "image a b --format 7",
-                           "image a b --format -1",                 "resave a",       "hash"};
+    const char* lines[] = {"nonsense",
+                           "--node-types",
+                           "types more",
+                           "check",
+                           "report",
+                           "dump a b",
+                           "export a",
+                           "run",
+                           "run a --frames",
+                           "run a --frames -1",
+                           "run a --dt x",
+                           "run a --seed -1",
+                           "run a --seed 4294967296",
+                           "run a --other",
+                           "efx",
+                           "translate",
+                           "translate a --rough",
+                           "image a b",
+                           "image a b --format 7",
+                           "image a b --format -1",
+                           "resave a",
+                           "hash"};
     for (const char* line : lines) {
         const TOutcome outcome = Run(line);
         EXPECT_EQ(2, outcome.Status) << line;
@@ -194,7 +213,8 @@ TEST_F(TBatch, RunTakesAHundredFramesUnlessTold)
 
 TEST_F(TBatch, RunNeedsNoTextures)
 {
-    EXPECT_EQ(0, Run("--resources '" + Folder.GetFolder() + "' run " + Sample("fountain") + " --frames 1").Status);
+    EXPECT_EQ(
+        0, Run("--resources '" + Folder.GetFolder() + "' run " + Sample("fountain") + " --frames 1").Status);
 }
 
 TEST_F(TBatch, AMissingFileIsNamed)
@@ -220,7 +240,8 @@ TEST_F(TBatch, AMissingFileIsNamed)
 TEST_F(TBatch, DamagedFilesOfEveryKindAreRefusedByName)
 {
     const std::string effect = ReadBytes(SourcePath("samples/fountain.effect"));
-    for (size_t length : {size_t{0}, size_t{3}, size_t{8}, size_t{50}, effect.size() / 2, effect.size() - 1}) {
+    for (size_t length :
+         {size_t{0}, size_t{3}, size_t{8}, size_t{50}, effect.size() / 2, effect.size() - 1}) {
         WriteBytes(Folder.Path("bad.effect"), effect.substr(0, length));
         for (const char* command : {"check", "report", "dump", "run"}) {
             const TOutcome outcome = Run(std::string(command) + " '" + Folder.Path("bad.effect") + "'");
@@ -245,8 +266,8 @@ TEST_F(TBatch, AFailedExportLeavesTheOldFile)
 
 TEST_F(TBatch, AFullDiscLeavesTheOldFile)
 {
-    const std::string limit = "ulimit -f 1; trap '' XFSZ; XDG_CONFIG_HOME='" + Folder.GetFolder() + "/config' '" +
-                              std::string(CINDERMILL_BATCH) + "' ";
+    const std::string limit = "ulimit -f 1; trap '' XFSZ; XDG_CONFIG_HOME='" + Folder.GetFolder() +
+                              "/config' '" + std::string(CINDERMILL_BATCH) + "' ";
     const struct
     {
         std::string Arguments;
@@ -291,7 +312,8 @@ TEST_F(TBatch, ImagesChangeFormat)
 
 TEST_F(TBatch, TranslatePrintsBothForms)
 {
-    const std::string shader = "'" + std::string(CINDERMILL_BINARY_DIR) + "/shaders/TSpriteRenderStage.fragment.sho'";
+    const std::string shader =
+        "'" + std::string(CINDERMILL_BINARY_DIR) + "/shaders/TSpriteRenderStage.fragment.sho'";
     const TOutcome bound = Run("translate " + shader);
     EXPECT_EQ(0, bound.Status) << bound.Err;
     EXPECT_EQ(0u, bound.Out.find("!!ARBfp1.0\nOPTION NV_fragment_program2;\n"));

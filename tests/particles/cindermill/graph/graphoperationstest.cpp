@@ -1,7 +1,6 @@
 #include "particles/cindermill/graph/operationfixture.h"
 
-namespace
-{
+namespace {
 
 std::vector<int> OutputEdges(const TToolNode* node)
 {
@@ -123,8 +122,7 @@ TEST(TAddGraphNodeOp, Body)
     EXPECT_EQ(TopBody(doc), Ref(node));
 }
 
-namespace
-{
+namespace {
 
 // Two nodes d -> e by the edge 3, as a paste makes them.
 struct TPasted : TChain
@@ -398,8 +396,7 @@ TEST(TBypassFlagOp, ABypassOfANodeThatAlreadyHasThatStateAsserts)
               "node->GetNodeType()->IsBypassed() != set");
 }
 
-namespace
-{
+namespace {
 
 TNodeProperties NewProperties()
 {
@@ -460,10 +457,10 @@ TEST(TNodePropertiesOp, AnEmptyNameTakesFourBytes)
     EXPECT_EQ(body.substr(12, 4), std::string(4, '\0'));
 }
 
-namespace
-{
+namespace {
 
-// The file of a chain with a properties operation on top, whose entry is changed before the file is loaded again.
+// The file of a chain with a properties operation on top, whose entry is changed before the file is loaded
+// again.
 struct TLoaded
 {
     TChunkFile Chunks;
@@ -512,7 +509,8 @@ TEST(TNodePropertiesOp, ABodyOfVersionZeroLoadsWithoutBounds)
 
 TEST(TNodePropertiesOp, AnEndlessStringAsserts)
 {
-    TLoaded loaded([](TChunkFileBytes::TEntry& entry) { entry.Body.replace(4, 0, std::string(1024 * 4, 'x')); });
+    TLoaded loaded(
+        [](TChunkFileBytes::TEntry& entry) { entry.Body.replace(4, 0, std::string(1024 * 4, 'x')); });
     EXPECT_EQ(loaded.Assertion, "i<1024 : BinaryFile string read overflow");
 }
 

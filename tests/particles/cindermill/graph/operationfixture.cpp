@@ -29,8 +29,8 @@ TToolNode* TFakeDocument::AddNode(const char* label, const TNodeType& type, int 
     return op->GetNode();
 }
 
-TToolEdge* TFakeDocument::Connect(const char* label, TToolNode* source, int sourcePort, TToolNode* destination,
-                                  int destinationPort)
+TToolEdge* TFakeDocument::Connect(const char* label, TToolNode* source, int sourcePort,
+                                  TToolNode* destination, int destinationPort)
 {
     TAddGraphEdgeOp* op = new TAddGraphEdgeOp(*this, source, sourcePort, destination, destinationPort);
     Label(op->GetEdge(), label);
@@ -180,10 +180,11 @@ std::unique_ptr<TNodeType> ParseType(const std::string& xml)
 
 const TNodeType& GetPlainType()
 {
-    static const std::unique_ptr<TNodeType> type = ParseType(
-        "<node><name>Plain</name><type>process</type><bypassable/><colour>red</colour>"
-        "<inputs><Scalar><name>In</name></Scalar><Scalar><name>Other</name></Scalar></inputs>"
-        "<outputs><Scalar><name>Out</name></Scalar></outputs><code><classname>TNothing</classname></code></node>");
+    static const std::unique_ptr<TNodeType> type =
+        ParseType("<node><name>Plain</name><type>process</type><bypassable/><colour>red</colour>"
+                  "<inputs><Scalar><name>In</name></Scalar><Scalar><name>Other</name></Scalar></inputs>"
+                  "<outputs><Scalar><name>Out</name></Scalar></outputs><code><classname>TNothing</"
+                  "classname></code></node>");
     return *type;
 }
 
@@ -194,7 +195,8 @@ const TNodeType& GetPolytypeType()
         "<Polytype><name>A</name><validtypes><scalar></scalar><vector3></vector3></validtypes></Polytype>"
         "<Polytype><name>B</name><linkinput>A</linkinput><validtypes><scalar></scalar><vector3></vector3>"
         "</validtypes></Polytype><Scalar><name>C</name></Scalar></inputs><outputs>"
-        "<Polytype><name>Out</name><linkinput>A</linkinput><validtypes><Scalar/><Vector3/></validtypes></Polytype>"
+        "<Polytype><name>Out</name><linkinput>A</linkinput><validtypes><Scalar/><Vector3/></validtypes></"
+        "Polytype>"
         "<Polytype><name>Copy</name><linkoutput>Out</linkoutput><validtypes><Scalar/><Vector3/></validtypes>"
         "</Polytype></outputs><code><classname>TNothing</classname></code></node>");
     return *type;
@@ -202,27 +204,27 @@ const TNodeType& GetPolytypeType()
 
 const TNodeType& GetEveryType()
 {
-    static const std::unique_ptr<TNodeType> type =
-        ParseType("<node><name>Every</name><type>process</type><colour>green</colour><parameters>"
-                  "<Scalar><name>Scalar</name><defaultvalue>1</defaultvalue></Scalar>"
-                  "<Scalar><name>Scalar2</name></Scalar>"
-                  "<Scale><name>Scale</name></Scale>"
-                  "<Vector3><name>Vector3</name></Vector3>"
-                  "<Vector3><name>Vector32</name></Vector3>"
-                  "<Quaternion><name>Quaternion</name></Quaternion>"
-                  "<Colour><name>Colour</name></Colour>"
-                  "<Transform><name>Transform</name></Transform>"
-                  "<TextureCoords><name>TextureCoords</name></TextureCoords>"
-                  "<Bool><name>Bool</name></Bool>"
-                  "<Enum><name>Enum</name><value>One=10</value><value>Two=20</value><value>Three=30</value></Enum>"
-                  "<Int><name>Int</name><defaultvalue>5</defaultvalue></Int>"
-                  "<Int><name>Int2</name></Int>"
-                  "<Texture><name>Texture</name></Texture>"
-                  "<Ramp><name>Ramp</name><type>vector3</type>"
-                  "<defaultvalues>{0,0},{1,1}</defaultvalues><defaultvalues>{0,2},{1,3}</defaultvalues></Ramp>"
-                  "<Group><name>Group</name><parameters><Int><name>Inner</name></Int></parameters></Group>"
-                  "<Animation><name>Animation</name></Animation>"
-                  "</parameters><code><classname>TNothing</classname></code></node>");
+    static const std::unique_ptr<TNodeType> type = ParseType(
+        "<node><name>Every</name><type>process</type><colour>green</colour><parameters>"
+        "<Scalar><name>Scalar</name><defaultvalue>1</defaultvalue></Scalar>"
+        "<Scalar><name>Scalar2</name></Scalar>"
+        "<Scale><name>Scale</name></Scale>"
+        "<Vector3><name>Vector3</name></Vector3>"
+        "<Vector3><name>Vector32</name></Vector3>"
+        "<Quaternion><name>Quaternion</name></Quaternion>"
+        "<Colour><name>Colour</name></Colour>"
+        "<Transform><name>Transform</name></Transform>"
+        "<TextureCoords><name>TextureCoords</name></TextureCoords>"
+        "<Bool><name>Bool</name></Bool>"
+        "<Enum><name>Enum</name><value>One=10</value><value>Two=20</value><value>Three=30</value></Enum>"
+        "<Int><name>Int</name><defaultvalue>5</defaultvalue></Int>"
+        "<Int><name>Int2</name></Int>"
+        "<Texture><name>Texture</name></Texture>"
+        "<Ramp><name>Ramp</name><type>vector3</type>"
+        "<defaultvalues>{0,0},{1,1}</defaultvalues><defaultvalues>{0,2},{1,3}</defaultvalues></Ramp>"
+        "<Group><name>Group</name><parameters><Int><name>Inner</name></Int></parameters></Group>"
+        "<Animation><name>Animation</name></Animation>"
+        "</parameters><code><classname>TNothing</classname></code></node>");
     return *type;
 }
 

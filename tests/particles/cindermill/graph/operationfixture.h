@@ -103,8 +103,8 @@ std::string Padded(const std::string& text);
 std::unique_ptr<TNodeType> ParseType(const std::string& xml);
 // "In" to "Out", both scalars; a second input "Other".
 const TNodeType& GetPlainType();
-// Two polytype inputs "A" and "B" that follows A, a scalar "C"; two polytype outputs "Out" that follows A and "Copy"
-// that follows Out.
+// Two polytype inputs "A" and "B" that follows A, a scalar "C"; two polytype outputs "Out" that follows A and
+// "Copy" that follows Out.
 const TNodeType& GetPolytypeType();
 // A parameter of each kind, named like its tag.
 const TNodeType& GetEveryType();

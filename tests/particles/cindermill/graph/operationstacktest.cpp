@@ -1,14 +1,16 @@
 #include "particles/cindermill/graph/operationfixture.h"
 
-namespace
-{
+namespace {
 
 // Writes down what the stack asks of it. Merges with an operation of its own class when told so.
 class TTestOp : public TOperation
 {
 public:
     TTestOp() = default;
-    TTestOp(std::string& calls, const char* name, bool merges = false) : Calls(&calls), Name(name), Merges(merges) {}
+    TTestOp(std::string& calls, const char* name, bool merges = false)
+        : Calls(&calls), Name(name), Merges(merges)
+    {
+    }
     ~TTestOp() override { Tell("delete"); }
 
     static int ClassId()
@@ -66,16 +68,15 @@ TEST(TOperation, IsAbstractAndBelowTChunk)
 TEST(TOperation, EveryClassIsRegisteredBelowItUnderItsName)
 {
     TFakeDocument doc;
-    const char* names[] = {"TAddGraphNodeOp",     "TAddGraphNodesOp",      "TMoveGraphNodeOp",
-                           "TDeleteGraphNodeOp",  "TAddGraphEdgeOp",       "TChangeGraphEdgeOp",
-                           "TDeleteGraphEdgeOp",  "TBypassFlagOp",         "TNodePropertiesOp",
-                           "TBoolParamOp",        "TScalarParamOp",        "TScaleParamOp",
-                           "TVector3ParamOp",     "TQuaternionParamOp",    "TColourParamOp",
-                           "TTransformParamOp",   "TTexCoordParamOp",      "TPolytypeUserTypeOp",
-                           "TEnumParamOp",        "TIntParamOp",           "TTextureParamOp",
-                           "TRampMovePointParamOp", "TRampChangePointsOp", "TRampChangeAllPointsOp",
-                           "TRampLockOp",         "TRampLinearOp",         "TGroupParamOp",
-                           "TAnimNameParamOp",    "TAnimFlagsParamOp"};
+    const char* names[] = {
+        "TAddGraphNodeOp",   "TAddGraphNodesOp",      "TMoveGraphNodeOp",    "TDeleteGraphNodeOp",
+        "TAddGraphEdgeOp",   "TChangeGraphEdgeOp",    "TDeleteGraphEdgeOp",  "TBypassFlagOp",
+        "TNodePropertiesOp", "TBoolParamOp",          "TScalarParamOp",      "TScaleParamOp",
+        "TVector3ParamOp",   "TQuaternionParamOp",    "TColourParamOp",      "TTransformParamOp",
+        "TTexCoordParamOp",  "TPolytypeUserTypeOp",   "TEnumParamOp",        "TIntParamOp",
+        "TTextureParamOp",   "TRampMovePointParamOp", "TRampChangePointsOp", "TRampChangeAllPointsOp",
+        "TRampLockOp",       "TRampLinearOp",         "TGroupParamOp",       "TAnimNameParamOp",
+        "TAnimFlagsParamOp"};
     for (const char* name : names) {
         const int id = FindClassByName(name);
         ASSERT_NE(id, -1) << name;
@@ -289,8 +290,7 @@ TEST(TOperationStack, ALoadedStackOffersRedoAtOnceAndStandsWhereItWasSaved)
     EXPECT_TRUE(stack->Check());
 }
 
-namespace
-{
+namespace {
 
 // What Check says of the stack after its body is replaced.
 bool CheckBody(const std::string& body)

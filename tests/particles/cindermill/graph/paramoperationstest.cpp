@@ -1,7 +1,6 @@
 #include "particles/cindermill/graph/operationfixture.h"
 
-namespace
-{
+namespace {
 
 // A node with a parameter of each kind; the operations that follow start with a fresh time.
 struct TParams : TFakeDocument
@@ -121,8 +120,7 @@ TEST(ValueParamOps, BodyDoAndUndoOfEachType)
     CheckValueOp<TTexCoordParamOp, TNodeTexCoordParameter>("TextureCoords", 4);
 }
 
-namespace
-{
+namespace {
 
 void ApplyScalar(TParams& doc, const char* name, float value)
 {
@@ -428,15 +426,15 @@ TEST(TRampLockOp, WritesNewLocksBeforeOldAndFillsWithMinusOne)
     const int first[4] = {-1, 0, 0, 3};
     doc.Apply(new TRampLockOp(doc.Ramp(), first));
     // The ramp has three channels; the fourth lock is not asked.
-    EXPECT_EQ(TopBody(doc), Ref(doc.Ramp()) + I32(-1) + I32(0) + I32(0) + I32(-1) + I32(-1) + I32(-1) + I32(-1) +
-                                I32(-1));
+    EXPECT_EQ(TopBody(doc),
+              Ref(doc.Ramp()) + I32(-1) + I32(0) + I32(0) + I32(-1) + I32(-1) + I32(-1) + I32(-1) + I32(-1));
     EXPECT_EQ(doc.Ramp()->GetLocks()[1], 0);
     TCallbackCounter counter(doc.Ramp());
     const int second[3] = {2, -1, -1};
     doc.Apply(new TRampLockOp(doc.Ramp(), second));
     EXPECT_EQ(counter.Count, 1);
-    EXPECT_EQ(TopBody(doc), Ref(doc.Ramp()) + I32(2) + I32(-1) + I32(-1) + I32(-1) + I32(-1) + I32(0) + I32(0) +
-                                I32(-1));
+    EXPECT_EQ(TopBody(doc),
+              Ref(doc.Ramp()) + I32(2) + I32(-1) + I32(-1) + I32(-1) + I32(-1) + I32(0) + I32(0) + I32(-1));
     doc.Undo();
     EXPECT_EQ(doc.Ramp()->GetLocks()[0], -1);
     EXPECT_EQ(doc.Ramp()->GetLocks()[2], 0);
@@ -458,13 +456,13 @@ TEST(TRampLinearOp, StoresTheNewStateOnly)
     doc.Apply(new TRampLinearOp(doc.Ramp(), true));
     EXPECT_TRUE(doc.Ramp()->IsLinear());
     EXPECT_EQ(TopBody(doc), Ref(doc.Ramp()) + U8(1));
-    EXPECT_EQ(AssertionOf([&] { delete new TRampLinearOp(doc.Ramp(), true); }), "param->IsLinear() != linear");
+    EXPECT_EQ(AssertionOf([&] { delete new TRampLinearOp(doc.Ramp(), true); }),
+              "param->IsLinear() != linear");
     doc.Undo();
     EXPECT_FALSE(doc.Ramp()->IsLinear());
 }
 
-namespace
-{
+namespace {
 
 // p feeds q: p.Out -> q.A, and p.Copy -> s.A. Node r stands alone.
 struct TPolytypes : TFakeDocument
@@ -618,7 +616,8 @@ TEST(ParamOperations, AHistoryComesBackFromAFileByteForByteAndStillWorks)
         const TNodeParameter* expected = node->GetNodeType()->GetParameter(i);
         if (expected->Type == PK_GROUP)
             continue;
-        EXPECT_EQ(SavedChunk(loaded.Chunks, type.GetParameter(i)).Body, SavedChunk(fresh.Chunks, expected).Body)
+        EXPECT_EQ(SavedChunk(loaded.Chunks, type.GetParameter(i)).Body,
+                  SavedChunk(fresh.Chunks, expected).Body)
             << expected->Name.Print();
     }
     while (loaded.Stack->CanRedo())

@@ -1,16 +1,15 @@
 #include "particles/cindermill/graph/nodedisplay.h"
 #include "particles/cindermill/graph/operationfixture.h"
 
-namespace
-{
+namespace {
 
 class TTestDisplay : public TNodeDisplay
 {
 public:
     static int ClassId()
     {
-        static const int id =
-            RegisterClass(ConstructClass<TTestDisplay, TNodeDisplay>, "TToolNodeTestDisplay", TNodeDisplay::ClassId());
+        static const int id = RegisterClass(ConstructClass<TTestDisplay, TNodeDisplay>,
+                                            "TToolNodeTestDisplay", TNodeDisplay::ClassId());
         return id;
     }
     void Init(TEffectNode* node) override
@@ -37,7 +36,8 @@ TEST(TToolNode, HasItsPlaceBehindTheNodeBody)
     TFakeDocument doc;
     TToolNode* node = doc.AddNode("a", GetPlainType(), 7, -8);
     const std::string body = SavedChunk(doc.Chunks, node).Body;
-    EXPECT_EQ(body, I32(2) + I32(-1) + I32(-1) + I32(1) + I32(0) + Ref(node->GetNodeType()) + I32(7) + I32(-8));
+    EXPECT_EQ(body,
+              I32(2) + I32(-1) + I32(-1) + I32(1) + I32(0) + Ref(node->GetNodeType()) + I32(7) + I32(-8));
     EXPECT_EQ(node->GetSize(), static_cast<int>(body.size()));
     EXPECT_EQ(GetClassParent(TToolNode::ClassId()), TEffectNode::ClassId());
     EXPECT_EQ(GetClassParent(TToolEdge::ClassId()), TEffectEdge::ClassId());
