@@ -187,6 +187,12 @@ void TFragmentContext::WriteTextureRead()
     if (reads.size() == reads.capacity())
         reads.reserve(2 * reads.size() + 8);
     reads.push_back(read);
+    // A variant's fix-up line names it, and may be the only line that does.
+    if (Current.ReadsTemporary(0)) {
+        TString name;
+        GetSourceName(0, name);
+        Names[name] = true;
+    }
 
     Body.Append(" \n");
     // The gradient along v turns with v.
@@ -368,10 +374,7 @@ void TFragmentContext::WriteSource(int n, bool isScalar)
     switch (source.Type) {
     case TY_SourceTemporary: {
         TString name;
-        if (NeedsMapping)
-            name.Format("T%d", Map.GetSource(CurrentIndex, n));
-        else
-            name.Format("%c%d", source.Register >= 64 ? 'H' : 'R', source.Register & 63);
+        GetSourceName(n, name);
         WriteTemporary(name);
         break;
     }
@@ -394,6 +397,15 @@ void TFragmentContext::WriteSource(int n, bool isScalar)
     Body.Append(TSwizzleText(source.Swizzle, isScalar).Text);
     if (source.IsAbsolute)
         Body.Append("|");
+}
+
+void TFragmentContext::GetSourceName(int n, TString& name) const
+{
+    const int reg = Current.GetSource(n).Register;
+    if (NeedsMapping)
+        name.Format("T%d", Map.GetSource(CurrentIndex, n));
+    else
+        name.Format("%c%d", reg >= 64 ? 'H' : 'R', reg & 63);
 }
 
 void TFragmentContext::WriteTemporary(const char* name)

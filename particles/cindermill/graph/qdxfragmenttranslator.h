@@ -38,6 +38,7 @@ private:
     void WriteSources();
     void WriteTextureOrFlow();
     void WriteSource(int n, bool isScalar);
+    void GetSourceName(int n, TString& name) const;
     void WriteTemporary(const char* name);
     void WriteOutputs();
     void WriteHeader(TProgramText& header);

@@ -557,6 +557,19 @@ TEST(QdxFragment, TextureReadsAreFlipped)
               DriverText({tex, txp}));
 }
 
+TEST(QdxFragment, CoordinateThatOnlyTheFixUpLineNamesIsDeclared)
+{
+    TFragmentCode tex = Code(Tex, 0);
+    tex.Sources[0] = Temp(70);
+    const std::string text = DriverText({tex});
+    EXPECT_NE(std::string::npos, text.find("TEMP H6;\nTEMP R0;\nTEMP _t;\nMAD _t,c[0],H6,{0,1,0,0};\n"))
+        << text;
+    EXPECT_NE(std::string::npos, RawText({tex}).find("TEMP H6;\n"));
+    // The bias form reads its coordinate as it stands, and its fix-up line names it too.
+    tex.Opcode = 49;
+    EXPECT_NE(std::string::npos, DriverText({tex}).find("TEMP H6;\n"));
+}
+
 TEST(QdxFragment, ProjectiveReadOfAPlainCoordinate)
 {
     TFragmentCode txp = Code(Txp, 1);
@@ -850,6 +863,38 @@ TEST(QdxRegisterMap, PositionsCountLiterals)
     ExpectInterval(intervals[192], 0, 2, 15);
 }
 
+TEST(QdxRegisterMap, LookingUpWhatIsNoTemporaryIsFatal)
+{
+    vector<TFragmentInstruction> code;
+    TFragmentInstruction instruction = {};
+    Code(Kil).Words(instruction.Words);
+    code.push_back(instruction);
+    TQdxRegisterMap map;
+    map.Build(code);
+    EXPECT_EQ("m_qdxToArbMapping[qdxidx] != -1", AssertionOf([&] { map.GetDestination(0); }));
+    EXPECT_EQ("m_qdxToArbMapping[qdxidx] != -1", AssertionOf([&] { map.GetSource(0, 1); }));
+}
+
+TEST(QdxRegisterMap, ThirtyRegistersAreTheMostThatKeepTheirNames)
+{
+    std::vector<TFragmentCode> program = ManyRegisters(30);
+    EXPECT_NE(std::string::npos, RawText(program).find("TEMP R34;\n"));
+    // The same register as a half one counts apart.
+    program.push_back(MovTo(64 + 5));
+    EXPECT_NE(std::string::npos, RawText(program).find("TEMP T0;\n"));
+}
+
+TEST(QdxRegisterMap, FirstInstructionReadsAndWritesOneRegister)
+{
+    // The old value is there from the start and ends at once, so that the new one takes its place.
+    EXPECT_EQ("MOV T0,T0;\nMOV T1,T0;\nMOV T0,T0;\n",
+              MapBody({MovFrom(50, 50), MovFrom(51, 50), MovFrom(52, 50)}));
+    // A conditional write goes on with the old value.
+    TFragmentCode both = MovFrom(50, 50);
+    both.Condition = 2;
+    EXPECT_EQ("MOV T0 (EQ),T0;\nMOV T0,T0;\n", MapBody({both, MovFrom(51, 50)}));
+}
+
 TEST(QdxRegisterMap, MoreValuesAtOnceThanRegistersIsFatal)
 {
     std::vector<TFragmentCode> program = ManyRegisters(31);
@@ -877,11 +922,14 @@ TEST(QdxRegisterMap, MappedOutputsAndCoordinates)
 
 namespace {
 
-// Programs as a compiler could make them: registers are written before they are read.
+// Programs as a compiler could make them: registers are written before they are read. Careless ones read
+// whatever comes.
 class TFragmentGenerator
 {
 public:
-    explicit TFragmentGenerator(uint32_t seed) : Random(seed) {}
+    explicit TFragmentGenerator(uint32_t seed, bool isCareless = false) : Random(seed), IsCareless(isCareless)
+    {
+    }
 
     std::vector<TFragmentCode> Make(int count, int registers, bool straight)
     {
@@ -899,11 +947,13 @@ public:
 private:
     int Below(int n) { return static_cast<int>(Random() % static_cast<uint32_t>(n)); }
 
-    TFragmentOperand MakeOperand(bool allowLiteral)
+    TFragmentOperand MakeOperand(int registers, bool allowLiteral)
     {
         TFragmentOperand operand = Input();
         const int kind = Below(8);
-        if (kind < 5 && !Written.empty()) {
+        if (kind < 5 && IsCareless && Below(4) == 0) {
+            operand = Temp(Below(registers));
+        } else if (kind < 5 && !Written.empty()) {
             // What was written lately, so that values die.
             const int back = Below(std::min<int>(12, static_cast<int>(Written.size())));
             operand = Temp(Written[Written.size() - 1 - static_cast<size_t>(back)]);
@@ -927,7 +977,7 @@ private:
         code.ConditionSwizzle = Below(256);
         code.Mask = Below(2) == 0 ? 15 : Below(16);
         for (TFragmentOperand& operand : code.Sources)
-            operand = MakeOperand(!straight);
+            operand = MakeOperand(registers, !straight);
         if (!straight) {
             code.SetsCondition = Below(8) == 0;
             code.NoRegister = Below(16) == 0;
@@ -961,6 +1011,7 @@ private:
     }
 
     std::mt19937 Random;
+    bool IsCareless;
     std::vector<int> Written;
 };
 
@@ -988,9 +1039,10 @@ void ExpectAllDeclared(const std::string& text)
 
 TEST(QdxFragmentRandom, TextIsDeterministicAndDeclaresWhatItNames)
 {
-    int mapped = 0;
-    for (uint32_t seed = 0; seed < 150; ++seed) {
-        TFragmentGenerator generator(seed);
+    int mapped[2] = {};
+    for (uint32_t seed = 0; seed < 300; ++seed) {
+        const bool isCareless = seed % 2 != 0;
+        TFragmentGenerator generator(seed / 2, isCareless);
         const auto program =
             generator.Make(10 + static_cast<int>(seed % 90), 4 + static_cast<int>(seed % 64), false);
         std::string text;
@@ -1002,11 +1054,12 @@ TEST(QdxFragmentRandom, TextIsDeterministicAndDeclaresWhatItNames)
         EXPECT_EQ(text, DriverText(program));
         EXPECT_EQ("END\n", text.substr(text.size() - 4));
         ExpectAllDeclared(text);
-        mapped += text.find("TEMP T0;") != std::string::npos ? 1 : 0;
+        mapped[isCareless] += text.find("TEMP T0;") != std::string::npos ? 1 : 0;
         if (HasFailure())
             FAIL() << "seed " << seed << "\n" << text;
     }
-    EXPECT_GT(mapped, 10);
+    EXPECT_GT(mapped[0], 10);
+    EXPECT_GT(mapped[1], 10);
 }
 
 namespace {

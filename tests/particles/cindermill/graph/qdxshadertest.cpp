@@ -342,6 +342,146 @@ TEST(QdxShader, SlotCountsAreHeldAgainstTheFilesSize)
     EXPECT_EQ("Sho file has more constant slots than its size allows\n", TParsed(file.Bytes()).Log);
 }
 
+namespace {
+
+class TFileGenerator
+{
+public:
+    explicit TFileGenerator(uint32_t seed) : Random(seed) {}
+
+    int Below(int n) { return static_cast<int>(Word() % static_cast<uint32_t>(n)); }
+    uint32_t Word() { return static_cast<uint32_t>(Random()); }
+
+    TShoFile Make()
+    {
+        TShoFile file;
+        file.IsFragment = Below(2) == 0;
+        for (int i = Below(5); i > 0; --i)
+            file.Attributes.push_back({Word(), Word()});
+        for (int i = Below(5); i > 0; --i)
+            file.Samplers.push_back({Word(), Word()});
+        for (int i = Below(6); i > 0; --i)
+            file.Constants.push_back(MakeConstant());
+        if (file.IsFragment)
+            MakeFragment(file);
+        else
+            MakeVertex(file);
+        return file;
+    }
+
+private:
+    TShoFile::TConstant MakeConstant()
+    {
+        TShoFile::TConstant constant = {Word(), Below(256), Below(256), 0xFFFF, {}};
+        for (int i = Below(5); i > 0; --i)
+            constant.Slots.push_back(Below(0x10000));
+        if (Below(2) == 0) {
+            constant.First = Below(0xFFFF);
+            for (size_t i = 0; i < constant.Slots.size(); ++i)
+                constant.Slots[i] = (constant.First + static_cast<int>(i)) & 0xFFFF;
+        }
+        return constant;
+    }
+    void MakeFragment(TShoFile& file)
+    {
+        std::vector<TFragmentCode> program;
+        std::vector<int> literals;
+        int position = 0;
+        for (int i = 1 + Below(20); i > 0; --i) {
+            TFragmentCode code;
+            code.Opcode = 1;
+            code.Register = Below(20);
+            code.Sources[0] = Below(2) == 0 ? Literal() : Input();
+            program.push_back(code);
+            if (code.HasLiteral())
+                literals.push_back(++position);
+            ++position;
+        }
+        file.Microcode = FragmentBytes(program);
+        for (size_t i = 0; i < file.Constants.size(); ++i) {
+            file.PatchLists.emplace_back();
+            for (int n = literals.empty() ? 0 : Below(4); n > 0; --n)
+                file.PatchLists[i].push_back(
+                    literals[static_cast<size_t>(Below(static_cast<int>(literals.size())))]);
+        }
+        Literals = literals;
+    }
+    void MakeVertex(TShoFile& file)
+    {
+        for (int i = Below(6); i > 0; --i)
+            file.Defaults.push_back(
+                {Below(512), {static_cast<float>(i), 0.5f, -2.0f, static_cast<float>(Below(100))}});
+        TVertexCode code;
+        code.Vector = 1;
+        code.VectorTemporary = Below(60);
+        code.Last = true;
+        file.Microcode = VertexBytes({code});
+    }
+
+public:
+    // Where the literals of the fragment program made last lie.
+    std::vector<int> Literals;
+
+private:
+    std::mt19937 Random;
+};
+
+void ExpectEntries(const std::vector<std::pair<uint32_t, uint32_t>>& expected,
+                   const vector<TQdxShader::TEntry>& entries)
+{
+    ASSERT_EQ(static_cast<int>(expected.size()), entries.size());
+    for (int i = 0; i < entries.size(); ++i) {
+        EXPECT_EQ(expected[static_cast<size_t>(i)].first, entries[i].NameId);
+        EXPECT_EQ(expected[static_cast<size_t>(i)].second, entries[i].Value);
+    }
+}
+
+std::vector<int> Ints(const vector<uint16_t>& values)
+{
+    return {values.begin(), values.end()};
+}
+
+} // namespace
+
+TEST(QdxShaderRandom, FilesAreReadAsTheyWereMade)
+{
+    for (uint32_t seed = 0; seed < 300; ++seed) {
+        TFileGenerator generator(seed);
+        const TShoFile file = generator.Make();
+        const TParsed parsed(file.Bytes());
+        ASSERT_TRUE(parsed.IsRead) << seed << parsed.Log;
+        const TQdxShader& shader = parsed.Shader;
+        EXPECT_EQ(file.IsFragment, shader.IsFragmentProgram());
+        EXPECT_NE(shader.GetFragmentProgram() == nullptr, shader.GetVertexProgram() == nullptr);
+        ExpectEntries(file.Attributes, shader.GetAttributes());
+        ExpectEntries(file.Samplers, shader.GetSamplers());
+        ASSERT_EQ(static_cast<int>(file.Constants.size()), shader.GetConstants().size());
+        for (int i = 0; i < shader.GetConstants().size(); ++i) {
+            const TShoFile::TConstant& expected = file.Constants[static_cast<size_t>(i)];
+            const TQdxShader::TShaderConstant& constant = shader.GetConstants()[i];
+            EXPECT_EQ(expected.NameId, constant.NameId);
+            EXPECT_EQ(expected.Type0, constant.Type[0]);
+            EXPECT_EQ(expected.Type1, constant.Type[1]);
+            EXPECT_EQ(expected.Slots, Ints(constant.Slots));
+        }
+        ASSERT_EQ(static_cast<int>(file.PatchLists.size()), shader.GetFragmentParameters().size());
+        for (size_t i = 0; i < file.PatchLists.size(); ++i) {
+            std::vector<int> positions;
+            for (int ref : Ints(shader.GetFragmentParameters()[static_cast<int>(i)]))
+                positions.push_back(generator.Literals[static_cast<size_t>(ref)]);
+            EXPECT_EQ(file.PatchLists[i], positions);
+        }
+        ASSERT_EQ(static_cast<int>(file.Defaults.size()), shader.GetDefaultConstants().size());
+        for (size_t i = 0; i < file.Defaults.size(); ++i) {
+            const auto& constant = shader.GetDefaultConstants()[static_cast<int>(i)];
+            EXPECT_EQ(static_cast<uint32_t>(file.Defaults[i].Slot), constant.Slot);
+            EXPECT_EQ(0, memcmp(file.Defaults[i].Value, constant.Value, sizeof constant.Value));
+        }
+        if (HasFailure())
+            FAIL() << "seed " << seed;
+    }
+}
+
 TEST(QdxShader, DamagedFilesNeverCrash)
 {
     std::mt19937 random(7);
