@@ -2,11 +2,54 @@
 
 #include "library/containers/assertion.h"
 
+#include <limits.h>
 #include <string.h>
 
 // A string in a file takes at most this many words, its end included.
 static constexpr int MaxStringWords = 1024;
 static constexpr int MaxStringLength = MaxStringWords * 4 - 1;
+
+static constexpr int MaxGathered = 65536;
+
+bool TBinaryFile::OpenRead(const char* path)
+{
+    Gathered.clear();
+    return TFile::OpenRead(path);
+}
+
+bool TBinaryFile::OpenWrite(const char* path)
+{
+    Gathered.clear();
+    return TFile::OpenWrite(path);
+}
+
+bool TBinaryFile::Close()
+{
+    const bool written = !IsOpen() || WriteGathered();
+    return TFile::Close() && written;
+}
+
+bool TBinaryFile::Write(const void* buffer, int n)
+{
+    // What is too much goes through, and misuse to its assertion.
+    if (!IsOpen() || IsRead() || n < 0 || n > MaxGathered || n > INT_MAX - GetFilePtr())
+        return WriteGathered() && TFile::Write(buffer, n);
+    const int used = Gathered.size();
+    if (n > MaxGathered - used)
+        return WriteGathered() && Write(buffer, n);
+    Gathered.reserve(MaxGathered);
+    Gathered.resize(used + n);
+    if (n > 0)
+        memcpy(Gathered.data() + used, buffer, static_cast<size_t>(n));
+    return true;
+}
+
+bool TBinaryFile::WriteGathered()
+{
+    const int count = Gathered.size();
+    Gathered.clear();
+    return count == 0 || TFile::Write(Gathered.data(), count);
+}
 
 bool TBinaryFile::ReadI32(int32_t& value)
 {

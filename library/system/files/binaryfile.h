@@ -6,9 +6,18 @@
 
 // Typed reading and writing, little-endian. Every form returns whether the bytes came or went.
 // A count is held against what the file has left before anything is allocated for it.
+//
+// TFile gives each write to the platform by itself, which for words is slow: here they are gathered, and a
+// full disc may show only at a later write or at Close.
 class TBinaryFile : public TFile
 {
 public:
+    bool OpenRead(const char* path);
+    bool OpenWrite(const char* path);
+    bool Close();
+    bool Write(const void* buffer, int n);
+    int GetFilePtr() const { return TFile::GetFilePtr() + Gathered.size(); }
+
     bool ReadI32(int32_t& value);
     bool ReadU32(uint32_t& value);
     bool ReadFloat(float& value);
@@ -34,4 +43,9 @@ public:
 
     // Bytes that a string takes in a file.
     static int GetStringSize(const TString& value) { return (value.Length() + 4) & ~3; }
+
+private:
+    bool WriteGathered();
+
+    vector<uint8_t> Gathered;
 };

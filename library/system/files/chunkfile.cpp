@@ -190,20 +190,33 @@ bool TChunkFile::LoadBodies(int first, const vector<TEntry>& table)
     return true;
 }
 
+// A chunk of this file knows its place, and one of no file knows that; only strangers are searched for.
+int TChunkFile::FindChunk(const TChunk* chunk) const
+{
+    const int idx = chunk->ChunkIdx;
+    if (idx == -1)
+        return -1;
+    if (idx >= 0 && idx < Chunks.size() && Chunks[idx] == chunk)
+        return idx;
+    return Chunks.index_of(const_cast<TChunk*>(chunk));
+}
+
 void TChunkFile::AddChunk(TChunk* chunk)
 {
-    ASSERT_TEXT(Chunks.find(chunk) == Chunks.end(), "Chunks.find(chunk) == Chunks.end()");
+    ASSERT_TEXT(FindChunk(chunk) == -1, "Chunks.find(chunk) == Chunks.end()");
     chunk->ChunkIdx = Chunks.size();
+    if (Chunks.size() == Chunks.capacity())
+        Chunks.reserve(2 * Chunks.size() + 8);
     Chunks.push_back(chunk);
 }
 
 void TChunkFile::RemoveChunk(TChunk* chunk)
 {
-    TChunk** it = Chunks.find(chunk);
-    ASSERT_TEXT(it != Chunks.end(), "it != Chunks.end()");
-    for (TChunk** later = it + 1; later != Chunks.end(); ++later)
+    const int idx = FindChunk(chunk);
+    ASSERT_TEXT(idx != -1, "it != Chunks.end()");
+    for (TChunk** later = Chunks.begin() + idx + 1; later != Chunks.end(); ++later)
         --(*later)->ChunkIdx;
-    Chunks.erase(it);
+    Chunks.erase(Chunks.begin() + idx);
     chunk->ChunkIdx = -1;
 }
 

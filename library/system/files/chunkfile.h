@@ -110,6 +110,8 @@ private:
         uint32_t Version;
     };
 
+    // The chunk's position, or -1.
+    int FindChunk(const TChunk* chunk) const;
     bool ReadChunkPointer(TChunk*& result, uint32_t classId);
     bool LoadTable(uint32_t count, vector<TEntry>& table);
     bool LoadBodies(int first, const vector<TEntry>& table);

@@ -2,6 +2,11 @@
 
 #include "support/testsupport.h"
 
+#include <algorithm>
+#include <csignal>
+#include <random>
+#include <sys/resource.h>
+
 // Writes with `write`, gives back the bytes.
 class TBinaryFileTest : public testing::Test
 {
@@ -183,6 +188,68 @@ TEST_F(TBinaryFileTest, EmptyVectorsAreTheirCount)
     vector<uint32_t> words;
     EXPECT_TRUE(File.ReadStrings(strings) && File.ReadU32s(words));
     EXPECT_TRUE(strings.empty() && words.empty());
+}
+
+TEST_F(TBinaryFileTest, WritesOfAllSizesArriveInTheirOrder)
+{
+    std::mt19937 random(3);
+    std::string expected;
+    TBinaryFile file;
+    ASSERT_TRUE(file.OpenWrite(Path.c_str()));
+    for (int i = 0; i < 200; ++i) {
+        const size_t most = i % 10 == 0 ? 200000 : i % 3 == 0 ? 70000 : 20;
+        std::string part(random() % most, static_cast<char>(i));
+        EXPECT_EQ(file.GetFilePtr(), static_cast<int>(expected.size()));
+        ASSERT_TRUE(file.Write(part.data(), static_cast<int>(part.size())));
+        expected += part;
+    }
+    EXPECT_EQ(file.GetFilePtr(), static_cast<int>(expected.size()));
+    EXPECT_FALSE(file.Write("x", -1));
+    file.Abandon();
+    ASSERT_TRUE(file.OpenWrite(Path.c_str()));
+    EXPECT_EQ(file.GetFilePtr(), 0);
+    for (size_t at = 0; at < expected.size(); at += 65536)
+        ASSERT_TRUE(file.Write(expected.data() + at,
+                               static_cast<int>(std::min<size_t>(65536, expected.size() - at))));
+    ASSERT_TRUE(file.Close());
+    EXPECT_EQ(ReadBytes(Path), expected);
+}
+
+TEST_F(TBinaryFileTest, WhatWasGatheredGoesWithAnAbandonedFile)
+{
+    WriteBytes(Path, "old");
+    ASSERT_TRUE(File.OpenWrite(Path.c_str()));
+    EXPECT_TRUE(File.WriteU32(7));
+    File.Abandon();
+    EXPECT_EQ(ReadBytes(Path), "old");
+    ASSERT_TRUE(File.OpenRead(Path.c_str()));
+    EXPECT_EQ(File.GetFilePtr(), 0);
+    EXPECT_EQ(AssertionOf([&] { File.WriteU32(7); }), "!IsRead() : Attempt to write to file opened for read");
+    EXPECT_TRUE(File.Close());
+    EXPECT_EQ(AssertionOf([&] { File.WriteU32(7); }), "IsOpen() : Attempt to write to non-open file");
+    EXPECT_EQ(AssertionOf([&] { File.Close(); }), "IsOpen() : Attempt to close non-open file");
+    EXPECT_EQ(Written([](TBinaryFile& f) { return f.WriteU32(1); }), Bytes({1, 0, 0, 0}));
+}
+
+TEST_F(TBinaryFileTest, AFullDiscIsNoticedAtCloseAtTheLatest)
+{
+    WriteBytes(Path, "old");
+    struct rlimit before;
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    struct rlimit small = before;
+    small.rlim_cur = 1000;
+    signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const std::string few(2000, 'a');
+    const std::string many(100000, 'a');
+    const std::string results[] = {
+        Written([&](TBinaryFile& f) { return f.Write(few.data(), static_cast<int>(few.size())); }),
+        Written([&](TBinaryFile& f) { return f.Write(many.data(), static_cast<int>(many.size())); })};
+    setrlimit(RLIMIT_FSIZE, &before);
+    signal(SIGXFSZ, SIG_DFL);
+    EXPECT_EQ(results[0], "not closed");
+    EXPECT_EQ(results[1], "failed");
+    EXPECT_EQ(ReadBytes(Path), "old");
 }
 
 TEST_F(TBinaryFileTest, ACountBeyondTheFileFailsBeforeAnythingIsMade)
