@@ -12,7 +12,8 @@ class TTexture;
 class TVertexStream;
 
 // A compiled console shader: one program with tables from the ids of names to its constants, vertex
-// attributes and samplers. Reading and translating one needs no OpenGL context.
+// attributes and samplers. Reading and translating one needs no OpenGL context. docs/shader-file.md has the
+// file format.
 class TQdxShader
 {
 public:

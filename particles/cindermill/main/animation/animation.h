@@ -23,6 +23,7 @@ enum TAnimTracks
 };
 
 // The motion of one object over time, read from a .vori file: position, rotation (a quaternion) and scale.
+// docs/animation-file.md has the file format.
 class TAnimation
 {
 public:
