@@ -24,6 +24,12 @@ static constexpr bool Convertible[TY_NUMTYPES][TY_NUMTYPES] = {
     {1, 1, 1, 0, 1, 0, 0, 1}, {0, 0, 1, 1, 0, 1, 0, 1}, {0, 0, 0, 0, 0, 0, 1, 1}, {1, 1, 1, 1, 1, 1, 1, 1},
 };
 
+// Row: from; column: to.
+static constexpr int PlainFloats[TY_NUMTYPES][TY_NUMTYPES] = {
+    {1, -1, -1, 1, -1, 0, 0, 0}, {-1, 2, 2, 2, -1, 0, 0, 0}, {-1, 2, 3, 3, -1, 3, 0, 0}, {0, 0, 0, 3, 0, -1, 0, 0},
+    {-1, 2, 3, 3, 4, 0, 0, 0},   {0, 0, 3, -1, 0, 6, 0, 0},  {0, 0, 0, 0, 0, 0, 4, 0},   {0, 0, 0, 0, 0, 0, 0, 0},
+};
+
 static const TTypeInfo& GetType(int type)
 {
     ASSERT_TEXT(type >= 0 && type < TY_NUMTYPES, "type >= 0 && type < TY_NUMTYPES");
@@ -82,6 +88,13 @@ int GetSingleType(uint32_t mask)
     while (mask >> type != 1)
         ++type;
     return type;
+}
+
+int GetPlainFloats(int fromType, int toType)
+{
+    ASSERT_TEXT(fromType >= 0 && fromType < TY_NUMTYPES, "fromType >= 0 && fromType < TY_NUMTYPES");
+    ASSERT_TEXT(toType >= 0 && toType < TY_NUMTYPES, "toType >= 0 && toType < TY_NUMTYPES");
+    return PlainFloats[fromType][toType];
 }
 
 bool CanConvertType(int from, int to)

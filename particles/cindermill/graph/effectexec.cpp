@@ -197,18 +197,24 @@ void TEffectExec::FetchExternals(int group)
     for (int a = 0; a < Schedule->GetNumAttributes(group); ++a)
         if (Schedule->GetAttributeUsage(group, a) == TU_EMITTER &&
             Schedule->GetAttributeExternalGroup(group, a) != -1)
-            FetchExternal(group, a, 0);
+            FetchExternal(group, a, 0, 1);
 }
 
-void TEffectExec::FetchExternal(int group, int attrib, int index)
+void TEffectExec::FetchExternal(int group, int attrib, int first, int count)
 {
     const int e = Schedule->GetAttributeExternalGroup(group, attrib);
     const int supplier = Schedule->GetAttributeExternalAttrib(group, attrib);
     const float* source =
         Groups[e]->GetAttribute(supplier, Schedule->GetAttributeUsage(e, supplier), ExternalIndex[e]);
-    float* dest = Groups[group]->GetAttribute(attrib, Schedule->GetAttributeUsage(group, attrib), index);
-    ConvertValue(Schedule->GetAttributeType(e, supplier), Schedule->GetAttributeType(group, attrib), source,
-                 dest);
+    FillAttribute(group, attrib, first, count, Schedule->GetAttributeType(e, supplier), source);
+}
+
+void TEffectExec::FillAttribute(int group, int attrib, int first, int count, int type, const float* value)
+{
+    const int usage = Schedule->GetAttributeUsage(group, attrib);
+    const int ownType = Schedule->GetAttributeType(group, attrib);
+    Groups[group]->ForEachValue(attrib, usage, first, count,
+                                [&](float* dest) { ConvertValue(type, ownType, value, dest); });
 }
 
 void TEffectExec::RunEmit(int group, int tied, int instance, float dt)
@@ -224,14 +230,11 @@ void TEffectExec::RunExecute(int group, int tied, float dt)
     if (node == nullptr)
         return;
     const int count = GetTiedUsage(group, tied) <= TU_EMITTER ? 1 : GetNumParticles(group);
-    if (node->IsBypassed()) {
-        for (int k = 0; k < count; ++k)
-            node->Bypass(k);
-        return;
-    }
     // Downwards, so that the dead are listed from the last to the first.
-    for (int k = count - 1; k >= 0; --k)
-        node->Execute(k, dt);
+    if (node->IsBypassed())
+        node->BypassUp(count);
+    else
+        node->ExecuteDown(count, dt);
 }
 
 void TEffectExec::AddParticles(int group, int instance, int count)
@@ -246,25 +249,22 @@ void TEffectExec::AddParticles(int group, int instance, int count)
                     TempFormat("Too many particles are born in one frame, the last in group %d", group));
     const int first = buffer->AddParticles(count);
     SelectExternal(group, instance);
-    for (int k = 0; k < count; ++k)
-        for (int a = 0; a < Schedule->GetNumAttributes(group); ++a)
-            InitAttribute(group, a, first + k);
+    for (int a = 0; a < Schedule->GetNumAttributes(group); ++a)
+        InitAttribute(group, a, first, count);
     RunBirths(group, first, count);
 }
 
-void TEffectExec::InitAttribute(int group, int attrib, int index)
+void TEffectExec::InitAttribute(int group, int attrib, int first, int count)
 {
     if (Schedule->GetAttributeExternalGroup(group, attrib) != -1) {
-        FetchExternal(group, attrib, index);
+        FetchExternal(group, attrib, first, count);
         return;
     }
     TPortValue value;
     const TNodeParameter* port = Schedule->GetAttributePort(group, attrib);
     if (port != nullptr)
         port->GetValue(value.GetFloats());
-    const int type = Schedule->GetAttributeType(group, attrib);
-    float* dest = Groups[group]->GetAttribute(attrib, Schedule->GetAttributeUsage(group, attrib), index);
-    ConvertValue(type, type, value.GetFloats(), dest);
+    FillAttribute(group, attrib, first, count, Schedule->GetAttributeType(group, attrib), value.GetFloats());
 }
 
 // The group's emitter nodes compute for every new particle.
@@ -277,13 +277,10 @@ void TEffectExec::RunBirths(int group, int first, int count)
         TEffectExecNode* node = Place(group, t);
         if (node == nullptr)
             continue;
-        const bool bypassed = node->IsBypassed();
-        for (int k = 0; k < count; ++k) {
-            if (bypassed)
-                node->Bypass(k);
-            else
-                node->Execute(k, 0);
-        }
+        if (node->IsBypassed())
+            node->BypassUp(count);
+        else
+            node->ExecuteUp(count, 0);
     }
     Groups[group]->SetEmitBase(0);
 }

@@ -65,12 +65,14 @@ private:
     void SelectExternal(int group, int instance);
     // Copies what the parents' chosen particles supply.
     void FetchExternals(int group);
-    void FetchExternal(int group, int attrib, int index);
+    void FetchExternal(int group, int attrib, int first, int count);
+    // Writes the value, converted, to a range of particles.
+    void FillAttribute(int group, int attrib, int first, int count, int type, const float* value);
     void RunEmitters(int group, float dt);
     void RunProcesses(int group, float dt);
     void RunEmit(int group, int tied, int instance, float dt);
     void RunExecute(int group, int tied, float dt);
-    void InitAttribute(int group, int attrib, int index);
+    void InitAttribute(int group, int attrib, int first, int count);
     void RunBirths(int group, int first, int count);
     void ExportNode(TExportData* exportdata, TErrorList& errors, int group, int tied);
 

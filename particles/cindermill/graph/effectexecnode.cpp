@@ -58,6 +58,24 @@ void TEffectExecNode::Bypass(int index)
     }
 }
 
+void TEffectExecNode::ExecuteDown(int count, float dt)
+{
+    for (int k = count - 1; k >= 0; --k)
+        Execute(k, dt);
+}
+
+void TEffectExecNode::ExecuteUp(int count, float dt)
+{
+    for (int k = 0; k < count; ++k)
+        Execute(k, dt);
+}
+
+void TEffectExecNode::BypassUp(int count)
+{
+    for (int k = 0; k < count; ++k)
+        Bypass(k);
+}
+
 TEffectExecNode* TEffectExecNode::Create(TEffectNode* node, TEffectExec* exec, TErrorList& errors)
 {
     const TString& className = node->GetNodeType()->ClassName;
@@ -72,6 +90,7 @@ TEffectExecNode* TEffectExecNode::Create(TEffectNode* node, TEffectExec* exec, T
     if (!result->Init(errors))
         return nullptr;
     result->InitTraces();
+    result->InitPorts();
     return result.Release();
 }
 

@@ -32,6 +32,13 @@ public:
     // Each output takes the same-named input, or zero.
     virtual void Bypass(int index);
 
+    // Execute for the indices from `count` - 1 down to 0.
+    virtual void ExecuteDown(int count, float dt);
+    // Execute for the indices from 0 on.
+    virtual void ExecuteUp(int count, float dt);
+    // Bypass for the indices from 0 on.
+    virtual void BypassUp(int count);
+
     // The node's run-time object, or null with an error in the list. The caller owns it.
     static TEffectExecNode* Create(TEffectNode* node, TEffectExec* exec, TErrorList& errors);
 
@@ -46,6 +53,10 @@ public:
 protected:
     TNodeType* GetNodeType() const { return Node->GetNodeType(); }
     TExecServices& GetServices() const { return Exec->GetServices(); }
+    const TEffectSchedule& GetSchedule() const { return Exec->GetSchedule(); }
+    bool IsTracing() const { return Tracing; }
+    // Once, behind Init.
+    virtual void InitPorts() {}
     // The port's value for one index, converted to the port's type. Room for MaxValueFloats.
     void GetInput(int port, int index, float* out) const;
     void SetOutput(int port, int index, const float* value);

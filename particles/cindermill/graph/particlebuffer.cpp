@@ -16,6 +16,10 @@ struct TElementSizes
 constexpr TElementSizes ElementTable[TY_NUMTYPES] = {{1, 1, 4},  {1, 2, 8},  {1, 3, 12}, {1, 4, 16},
                                                      {1, 4, 16}, {2, 3, 24}, {1, 4, 16}, {0, 0, 0}};
 
+// How far a death moves the ids: once per ring block, so that they slide two places where the particles slide
+// one. Only traces read them.
+constexpr int IdShift = 2;
+
 // A block has at least one item, whatever a document asks for.
 int CountItems(const TEffectSchedule& schedule, int group, int usage)
 {
@@ -27,11 +31,6 @@ int CountItems(const TEffectSchedule& schedule, int group, int usage)
     return count > 0 ? count : 1;
 }
 
-bool IsPerParticle(int usage)
-{
-    return usage == TU_PROCESS || usage == TU_RENDER;
-}
-
 void MoveItems(void* base, int stride, int from, int to, int count)
 {
     if (stride == 0 || count == 0)
@@ -40,6 +39,52 @@ void MoveItems(void* base, int stride, int from, int to, int count)
     const size_t size = static_cast<size_t>(stride);
     std::memmove(bytes + static_cast<size_t>(to) * size, bytes + static_cast<size_t>(from) * size,
                  static_cast<size_t>(count) * size);
+}
+
+void FillItems(void* base, int stride, int from, int to, int count)
+{
+    for (int i = 0; i < count; ++i)
+        MoveItems(base, stride, from, to + i, 1);
+}
+
+// What the removal of one particle after the other from a run leaves of an array of items, in one pass. Each
+// death moves the items by `shift` places; the item at the run's end stays where it is and is what moves in.
+
+// `dead` holds the indices in the high run, the last one first; each death moves the run's start at `first`
+// up.
+void CloseUpwards(void* base, int stride, int shift, int first, const int* dead, int count)
+{
+    for (int d = 0; d < count; ++d) {
+        // Deaths that came earlier had moved this one's position.
+        const int last = first + dead[d] + d;
+        const int begin = (d + 1 < count ? first + dead[d + 1] + d + 1 : first) + 1;
+        const int distance = shift * (d + 1);
+        const int split = begin - distance < first ? first + distance : begin;
+        if (split <= last)
+            MoveItems(base, stride, split - distance, split, last + 1 - split);
+        FillItems(base, stride, first, begin, (split <= last ? split : last + 1) - begin);
+    }
+}
+
+// `dead` holds the indices in the low run, which begins at index `top`, the last one first; each death moves
+// the run's end at `head` down.
+void CloseDownwards(void* base, int stride, int shift, int head, const int* dead, int count, int top)
+{
+    int begin = 0;
+    int next = dead[count - 1] - top;
+    for (int d = 0; d < count; ++d) {
+        begin = next;
+        if (d + 1 == count)
+            next = head;
+        else if (dead[count - 2 - d] - top - shift * (d + 1) > begin)
+            next = dead[count - 2 - d] - top - shift * (d + 1);
+        const int distance = shift * (d + 1);
+        const int split = next + distance > head ? head - distance : next;
+        if (begin < split)
+            MoveItems(base, stride, begin + distance, begin, split - begin);
+        const int fill = begin < split ? split : begin;
+        FillItems(base, stride, head, fill, next - fill);
+    }
 }
 
 } // namespace
@@ -114,6 +159,8 @@ void TParticleBuffer::Allocate(const TEffectSchedule& schedule, int group)
     GlobalIds.resize(GetBufferSize());
     for (int& id : GlobalIds)
         id = -1;
+    // A frame may kill them all.
+    DeadList.reserve(GetBufferSize());
 }
 
 int TParticleBuffer::GetNumParticles() const
@@ -163,8 +210,6 @@ void TParticleBuffer::KillParticle(int index)
     DeadList.push_back(index);
 }
 
-// The ids are moved once per block, so that they slide two places where the particles slide one. Only traces
-// read them.
 void TParticleBuffer::MoveParticles(int from, int to, int count)
 {
     for (int u = TU_PROCESS; u <= TU_RENDER; ++u) {
@@ -200,11 +245,67 @@ void TParticleBuffer::RemoveParticle(int index)
 
 void TParticleBuffer::RemoveDead()
 {
-    // After a double death the list no longer fits the particles that are left.
-    for (const int index : DeadList)
-        if (index >= 0 && index < GetNumParticles())
-            RemoveParticle(index);
+    if (DeadList.empty())
+        return;
+    if (IsDeadListFalling()) {
+        RemoveFallingList();
+    } else {
+        // After a double death the list no longer fits the particles that are left.
+        for (const int index : DeadList)
+            if (index >= 0 && index < GetNumParticles())
+                RemoveParticle(index);
+    }
     DeadList.clear();
+}
+
+// Such a list names every particle once, and no death changes the index of a later one.
+bool TParticleBuffer::IsDeadListFalling() const
+{
+    int above = GetNumParticles();
+    for (const int index : DeadList) {
+        if (index < 0 || index >= above)
+            return false;
+        above = index;
+    }
+    return true;
+}
+
+void TParticleBuffer::RemoveFallingList()
+{
+    const int* dead = DeadList.data();
+    const int count = DeadList.size();
+    const int top = Head <= Tail ? GetBufferSize() - Tail : GetNumParticles();
+    int low = 0;
+    while (low < count && dead[low] >= top)
+        ++low;
+    if (low > 0)
+        CloseLowRun(dead, low);
+    if (low < count)
+        CloseHighRun(dead + low, count - low);
+}
+
+void TParticleBuffer::CloseLowRun(const int* dead, int count)
+{
+    const int top = GetBufferSize() - Tail;
+    for (int u = TU_PROCESS; u <= TU_RENDER; ++u)
+        CloseDownwards(Blocks[u].Data, Blocks[u].Stride, 1, Head, dead, count, top);
+    CloseDownwards(GlobalIds.data(), static_cast<int>(sizeof(int)), IdShift, Head, dead, count, top);
+    Head -= count;
+}
+
+void TParticleBuffer::CloseHighRun(const int* dead, int count)
+{
+    for (int u = TU_PROCESS; u <= TU_RENDER; ++u)
+        CloseUpwards(Blocks[u].Data, Blocks[u].Stride, 1, Tail, dead, count);
+    CloseUpwards(GlobalIds.data(), static_cast<int>(sizeof(int)), IdShift, Tail, dead, count);
+    const bool wrapped = Head <= Tail;
+    Tail += count;
+    if (wrapped && Tail != GetBufferSize())
+        return;
+    if (wrapped)
+        Tail = 0;
+    if (Tail == Head)
+        Tail = -1;
 }
 
 float* TParticleBuffer::GetAttribute(int attrib, int usage, int index) const

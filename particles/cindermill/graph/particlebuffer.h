@@ -37,8 +37,15 @@ public:
     // Marks a particle; it leaves at the frame's end.
     void KillParticle(int index);
     void RemoveDead();
+    // Whether each particle has a value of its own of an attribute of this usage.
+    static bool IsPerParticle(int usage) { return usage == TU_PROCESS || usage == TU_RENDER; }
+    // The ring position of index 0 before wrapping.
+    int GetFirstPosition() const { return EmitBase + Tail; }
     // The floats of an attribute for one particle.
     float* GetAttribute(int attrib, int usage, int index) const;
+    // Calls work(float*) with the attribute of `count` particles from `first` on; once where all share it.
+    template <class TWork>
+    void ForEachValue(int attrib, int usage, int first, int count, TWork&& work) const;
     int GetGlobalParticle(int index, int usage) const;
     // Added to every index while new particles are being initialised.
     void SetEmitBase(int base) { EmitBase = base; }
@@ -59,6 +66,10 @@ private:
     int RingPosition(int index) const;
     void MoveParticles(int from, int to, int count);
     void RemoveParticle(int index);
+    bool IsDeadListFalling() const;
+    void RemoveFallingList();
+    void CloseLowRun(const int* dead, int count);
+    void CloseHighRun(const int* dead, int count);
 
     TBlock Blocks[NumBlocks];
     TVertexStream VertexStream;
@@ -71,3 +82,21 @@ private:
     vector<int> GlobalIds;
     int NextGlobalId = 0;
 };
+
+template <class TWork>
+void TParticleBuffer::ForEachValue(int attrib, int usage, int first, int count, TWork&& work) const
+{
+    if (!IsPerParticle(usage)) {
+        work(GetAttribute(attrib, usage, 0));
+        return;
+    }
+    int left = count;
+    while (left > 0) {
+        float* value = GetAttribute(attrib, usage, first + count - left);
+        const int above = GetBufferSize() - RingPosition(first + count - left);
+        for (int run = left < above ? left : above; run > 0; --run, --left) {
+            work(value);
+            value += Blocks[usage].Stride / static_cast<int>(sizeof(float));
+        }
+    }
+}

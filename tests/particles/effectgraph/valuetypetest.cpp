@@ -154,3 +154,24 @@ TEST(ValueType, ConvertsInPlace)
     EXPECT_EQ(value[0], 0.0f);
     EXPECT_EQ(value[3], 4.0f);
 }
+
+TEST(ConvertValue, PassesPlainFloatsOnWithZerosBehind)
+{
+    for (int from = TY_SCALAR; from < TY_NUMTYPES; ++from) {
+        for (int to = TY_SCALAR; to < TY_NUMTYPES; ++to) {
+            const float source[MaxValueFloats] = {2, 3, 5, 7, 11, 13};
+            float dest[MaxValueFloats] = {};
+            ConvertValue(from, to, source, dest);
+            int plain = 0;
+            while (plain < GetTypeFloats(to) && dest[plain] == source[plain])
+                ++plain;
+            bool isPlain = true;
+            for (int c = plain; c < MaxValueFloats; ++c)
+                isPlain = isPlain && dest[c] == 0;
+            EXPECT_EQ(GetPlainFloats(from, to), isPlain ? plain : -1)
+                << GetTypeName(from) << " " << GetTypeName(to);
+        }
+    }
+    EXPECT_NE(AssertionOf([] { GetPlainFloats(-1, TY_SCALAR); }), "");
+    EXPECT_NE(AssertionOf([] { GetPlainFloats(TY_SCALAR, TY_NUMTYPES); }), "");
+}

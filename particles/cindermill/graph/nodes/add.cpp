@@ -14,15 +14,13 @@ int TAdd::ClassId()
 
 void TAdd::Execute(int index, float)
 {
-    TPortValue sum = ReadInput(0, index);
-    TPortValue other = ReadInput(1, index);
-    const int type = GetInputType(0);
-    const int otherType = GetInputType(1);
-    if (type != otherType)
-        ConvertValue(otherType, type, other.GetFloats(), other.GetFloats());
-    for (int c = 0; c < GetTypeFloats(type); ++c)
+    TPortValue sum = Load(0, index);
+    TPortValue other = Load(1, index);
+    if (GetLoadType(0) != GetLoadType(1))
+        ConvertValue(GetLoadType(1), GetLoadType(0), other.GetFloats(), other.GetFloats());
+    for (int c = 0; c < GetLoadFloats(0); ++c)
         sum[c] = static_cast<float>(static_cast<double>(sum[c]) + other[c]);
-    WriteOutput(0, index, sum);
+    Store(0, index, sum);
 }
 
 void TAdd::Export(TExportData& exportData, TErrorList&)

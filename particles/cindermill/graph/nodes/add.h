@@ -1,9 +1,10 @@
 #pragma once
 
+#include "particles/cindermill/graph/execloop.h"
 #include "particles/cindermill/graph/nodes/componentmaths.h"
 
 // The sum of two values, of the first one's type.
-class TAdd : public TComponentMaths
+class TAdd : public TExecLoop<TAdd, 2, 1, TComponentMaths>
 {
 public:
     static int ClassId();

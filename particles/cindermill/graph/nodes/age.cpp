@@ -14,9 +14,9 @@ int TAge::ClassId()
 
 void TAge::Execute(int index, float dt)
 {
-    const float age = static_cast<float>(static_cast<double>(ReadInput(0, index)[0]) + dt);
-    const float maximum = ReadInput(1, index)[0];
-    WriteOutput(0, index, TPortValue(age));
+    const float age = static_cast<float>(static_cast<double>(LoadScalar(0, index)) + dt);
+    const float maximum = LoadScalar(1, index);
+    Store(0, index, TPortValue(age));
     if (age > maximum)
         KillParticle(index);
 }

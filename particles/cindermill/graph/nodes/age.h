@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 // Ages particles, and ends them past a maximum age.
-class TAge : public TEffectExecNode
+class TAge : public TExecLoop<TAge, 2, 1>
 {
 public:
     static int ClassId();

@@ -56,20 +56,28 @@ float TAnimatedTexture::GetTimeRange() const
     return TimeRange != nullptr ? TimeRange->Get() : 0.0f;
 }
 
+void TAnimatedTexture::BeginRun()
+{
+    Range = GetTimeRange();
+    Columns = GetInt(XDivisions);
+    Rows = GetInt(YDivisions);
+    Tiles = GetInt(TileCount);
+    Mode = GetNumber(LoopMode);
+}
+
 int64_t TAnimatedTexture::ChooseFrame(float time) const
 {
-    const int64_t tiles = GetInt(TileCount);
-    int64_t frame = FloatToInt(static_cast<double>(tiles) * (static_cast<double>(time) / GetTimeRange()));
-    switch (GetNumber(LoopMode)) {
+    int64_t frame = FloatToInt(static_cast<double>(Tiles) * (static_cast<double>(time) / Range));
+    switch (Mode) {
     case LM_CLAMP:
-        if (frame > tiles - 1)
-            frame = tiles - 1;
+        if (frame > Tiles - 1)
+            frame = Tiles - 1;
         return frame < 0 ? 0 : frame;
     case LM_LOOP:
-        return RemainderOrZero(frame, tiles);
+        return RemainderOrZero(frame, Tiles);
     case LM_PINGPONG:
-        frame = RemainderOrZero(frame, 2 * tiles - 2);
-        return frame >= tiles ? 2 * tiles - 2 - frame : frame;
+        frame = RemainderOrZero(frame, 2 * Tiles - 2);
+        return frame >= Tiles ? 2 * Tiles - 2 - frame : frame;
     default:
         return frame;
     }
@@ -77,15 +85,13 @@ int64_t TAnimatedTexture::ChooseFrame(float time) const
 
 void TAnimatedTexture::Execute(int index, float)
 {
-    const int64_t frame = ChooseFrame(ReadInput(0, index)[0]);
-    const int64_t nx = GetInt(XDivisions);
-    const int64_t ny = GetInt(YDivisions);
-    const int64_t column = RemainderOrZero(frame, nx);
+    const int64_t frame = ChooseFrame(LoadScalar(0, index));
+    const int64_t column = RemainderOrZero(frame, Columns);
     // By the rows' number and not the columns', as the console does.
-    const int64_t row = DivideOrZero(frame, ny);
-    WriteOutput(0, index,
-                TPortValue(GetFraction(column, nx), GetFraction(row, ny), GetFraction(column + 1, nx),
-                           GetFraction(row + 1, ny)));
+    const int64_t row = DivideOrZero(frame, Rows);
+    Store(0, index,
+          TPortValue(GetFraction(column, Columns), GetFraction(row, Rows), GetFraction(column + 1, Columns),
+                     GetFraction(row + 1, Rows)));
 }
 
 void TAnimatedTexture::Export(TExportData& exportData, TErrorList&)

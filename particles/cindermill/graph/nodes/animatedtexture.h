@@ -1,19 +1,22 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 class TNodeEnumParameter;
 class TNodeIntParameter;
 class TNodeScalarParameter;
 
 // The rectangle of one tile of a texture sheet, chosen by time. A parameter that the node lacks counts as 0.
-class TAnimatedTexture : public TEffectExecNode
+class TAnimatedTexture : public TExecLoop<TAnimatedTexture, 1, 1>
 {
 public:
     static int ClassId();
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
+
+protected:
+    void BeginRun() override;
 
 private:
     float GetTimeRange() const;
@@ -24,4 +27,10 @@ private:
     const TNodeIntParameter* YDivisions = nullptr;
     const TNodeIntParameter* TileCount = nullptr;
     const TNodeEnumParameter* LoopMode = nullptr;
+    // The parameters as a run sees them.
+    float Range = 0;
+    int64_t Columns = 0;
+    int64_t Rows = 0;
+    int64_t Tiles = 0;
+    int Mode = 0;
 };

@@ -65,17 +65,21 @@ void TAnimationPath::OnChanged(TNodeParameter*, void* data)
     path.GetServices().Warn(text);
 }
 
+void TAnimationPath::BeginRun()
+{
+    Tracks = 0;
+    if (Parameter->UsesPosition())
+        Tracks |= AT_POSITION;
+    if (Parameter->UsesRotation())
+        Tracks |= AT_ROTATION;
+    if (Parameter->UsesScale())
+        Tracks |= AT_SCALE;
+}
+
 void TAnimationPath::Execute(int index, float)
 {
-    const float t = ReadInput(0, index)[0];
-    unsigned tracks = 0;
-    if (Parameter->UsesPosition())
-        tracks |= AT_POSITION;
-    if (Parameter->UsesRotation())
-        tracks |= AT_ROTATION;
-    if (Parameter->UsesScale())
-        tracks |= AT_SCALE;
+    const float t = LoadScalar(0, index);
     TPortValue transform;
-    Animation->Evaluate(t, tracks, transform.GetFloats());
-    WriteOutput(0, index, transform);
+    Animation->Evaluate(t, Tracks, transform.GetFloats());
+    Store(0, index, transform);
 }

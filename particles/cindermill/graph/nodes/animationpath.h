@@ -1,19 +1,22 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 class TAnimation;
 class TNodeAnimationParameter;
 class TNodeParameter;
 
 // A transform that follows a key-framed animation. The console does not know it.
-class TAnimationPath : public TEffectExecNode
+class TAnimationPath : public TExecLoop<TAnimationPath, 1, 1>
 {
 public:
     static int ClassId();
     ~TAnimationPath() override;
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;
+
+protected:
+    void BeginRun() override;
 
 private:
     static void OnChanged(TNodeParameter* parameter, void* path);
@@ -23,4 +26,6 @@ private:
     TNodeAnimationParameter* Parameter = nullptr;
     // The shared one of its file.
     const TAnimation* Animation = nullptr;
+    // TAnimTracks that the present run uses.
+    unsigned Tracks = 0;
 };

@@ -14,15 +14,15 @@ int TAttractor::ClassId()
 
 void TAttractor::Execute(int index, float dt)
 {
-    const TPortValue position = ReadInput(0, index);
-    TPortValue velocity = ReadInput(1, index);
-    const TPortValue target = ReadInput(2, index);
-    const float strength = ReadInput(3, index)[0];
+    const TPortValue position = Load(0, index);
+    TPortValue velocity = Load(1, index);
+    const TPortValue target = Load(2, index);
+    const float strength = LoadScalar(3, index);
     for (int i = 0; i < 3; ++i) {
         const double distance = static_cast<double>(target[i]) - position[i];
         velocity[i] = static_cast<float>(velocity[i] + distance * (static_cast<double>(dt) * strength));
     }
-    WriteOutput(0, index, velocity);
+    Store(0, index, velocity);
 }
 
 void TAttractor::Export(TExportData& exportData, TErrorList&)

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 // A spring towards a point: the pull grows with the distance.
-class TAttractor : public TEffectExecNode
+class TAttractor : public TExecLoop<TAttractor, 4, 1>
 {
 public:
     static int ClassId();

@@ -16,8 +16,8 @@ void TBuildVector::Execute(int index, float)
 {
     TPortValue vector;
     for (int c = 0; c < 3; ++c)
-        vector[c] = ReadInput(c, index)[0];
-    WriteOutput(0, index, vector);
+        vector[c] = LoadScalar(c, index);
+    Store(0, index, vector);
 }
 
 void TBuildVector::Export(TExportData& exportData, TErrorList&)

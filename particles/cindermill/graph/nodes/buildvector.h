@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 // A vector from three numbers.
-class TBuildVector : public TEffectExecNode
+class TBuildVector : public TExecLoop<TBuildVector, 3, 1>
 {
 public:
     static int ClassId();

@@ -22,15 +22,27 @@ int TCollisionPlane::ClassId()
     return id;
 }
 
-bool TCollisionPlane::Reflect(const TMatrix43& plane, const TVector3& position, float bounce, float dt,
-                              TVector3& velocity)
+TLocalFrame TCollisionPlane::LoadPlane(int index) const
 {
-    TMatrix43 inverse = plane;
-    if (!inverse.Invert())
+    TMatrix43 plane = GetTransformMatrix(Load(2, index));
+    const TPortValue size = Load(3, index);
+    ScaleFirst(plane, size[0], 1, size[1]);
+    return TLocalFrame(plane);
+}
+
+void TCollisionPlane::BeginRun()
+{
+    if (HasConstantPlane())
+        Plane = LoadPlane(0);
+}
+
+bool TCollisionPlane::Reflect(const TVector3& position, float bounce, float dt, TVector3& velocity) const
+{
+    if (!Plane.IsInvertible)
         return false;
     const TVector3 next = AddScaled(position, velocity, dt);
-    const TVector3 a = inverse.TransformPoint(position);
-    const TVector3 b = inverse.TransformPoint(next);
+    const TVector3 a = Plane.ToLocal.TransformPoint(position);
+    const TVector3 b = Plane.ToLocal.TransformPoint(next);
     if (!(a[1] >= -Thickness && b[1] < Thickness))
         return false;
     TVector3 d = b - a;
@@ -42,24 +54,23 @@ bool TCollisionPlane::Reflect(const TMatrix43& plane, const TVector3& position, 
     TVector3 r = AddScaled(d, n, -2.0 * ExactDot(d, n));
     r = Scaled(r, bounce);
     // As a point, so that the plane's translation comes in: effects are tuned to it.
-    velocity = plane.TransformPoint(r);
+    velocity = Plane.ToWorld.TransformPoint(r);
     return true;
 }
 
 void TCollisionPlane::Execute(int index, float dt)
 {
-    const TPortValue position = ReadInput(0, index);
-    TPortValue velocity = ReadInput(1, index);
-    TMatrix43 plane = GetTransformMatrix(ReadInput(2, index));
-    const TPortValue size = ReadInput(3, index);
-    const float bounce = ReadInput(4, index)[0];
-    ScaleFirst(plane, size[0], 1, size[1]);
+    const TPortValue position = Load(0, index);
+    TPortValue velocity = Load(1, index);
+    if (!HasConstantPlane())
+        Plane = LoadPlane(index);
+    const float bounce = LoadScalar(4, index);
     TVector3 reflected = GetVector(velocity);
-    const bool hit = Reflect(plane, GetVector(position), bounce, dt, reflected);
+    const bool hit = Reflect(GetVector(position), bounce, dt, reflected);
     SetVector(velocity, reflected);
-    WriteOutput(0, index, position);
-    WriteOutput(1, index, velocity);
-    WriteOutput(2, index, TPortValue(hit ? 1.0f : 0.0f));
+    Store(0, index, position);
+    Store(1, index, velocity);
+    Store(2, index, TPortValue(hit ? 1.0f : 0.0f));
 }
 
 void TCollisionPlane::Export(TExportData& exportData, TErrorList& errors)

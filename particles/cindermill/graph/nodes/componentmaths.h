@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/particlenode.h"
 
 // The base of the sums and products, which work component by component.
-class TComponentMaths : public TEffectExecNode
+class TComponentMaths : public TParticleNode
 {
 protected:
     // One command for each component of input 0; the components of input 1 repeat.

@@ -14,7 +14,7 @@ int TConstant::ClassId()
 
 void TConstant::Execute(int index, float)
 {
-    WriteOutput(0, index, ReadInput(0, index));
+    Store(0, index, Load(0, index));
 }
 
 void TConstant::Export(TExportData& exportData, TErrorList&)

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 // Passes its value on.
-class TConstant : public TEffectExecNode
+class TConstant : public TExecLoop<TConstant, 1, 1>
 {
 public:
     static int ClassId();

@@ -16,12 +16,13 @@ int TDamping::ClassId()
 
 void TDamping::Execute(int index, float dt)
 {
-    TPortValue velocity = ReadInput(0, index);
-    const float damping = ReadInput(1, index)[0];
+    TPortValue velocity = Load(0, index);
+    const float damping = LoadScalar(1, index);
     const float f = static_cast<float>(1.0 - (1.0 - damping) * dt);
-    for (int half = 0; half < 2; ++half)
+    const int numHalves = GetStoreFloats(0) > 3 ? 2 : 1;
+    for (int half = 0; half < numHalves; ++half)
         SetVector(velocity, Scaled(GetVector(velocity, half), f), half);
-    WriteOutput(0, index, velocity);
+    Store(0, index, velocity);
 }
 
 void TDamping::Export(TExportData& exportData, TErrorList&)

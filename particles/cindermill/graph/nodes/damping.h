@@ -1,9 +1,10 @@
 #pragma once
 
+#include "particles/cindermill/graph/execloop.h"
 #include "particles/cindermill/graph/nodes/motionnode.h"
 
 // Takes a share of the velocity away: a factor of 1 none, of 0 all of it within a second.
-class TDamping : public TMotionNode
+class TDamping : public TExecLoop<TDamping, 2, 1, TMotionNode>
 {
 public:
     static int ClassId();

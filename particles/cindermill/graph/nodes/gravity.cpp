@@ -16,10 +16,10 @@ int TGravity::ClassId()
 
 void TGravity::Execute(int index, float dt)
 {
-    TPortValue velocity = ReadInput(0, index);
-    const TVector3 acceleration = GetVector(ReadInput(1, index));
+    TPortValue velocity = Load(0, index);
+    const TVector3 acceleration = LoadVector(1, index);
     SetVector(velocity, AddScaled(GetVector(velocity), acceleration, dt));
-    WriteOutput(0, index, velocity);
+    Store(0, index, velocity);
 }
 
 void TGravity::Export(TExportData& exportData, TErrorList&)

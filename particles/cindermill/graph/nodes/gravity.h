@@ -1,9 +1,10 @@
 #pragma once
 
+#include "particles/cindermill/graph/execloop.h"
 #include "particles/cindermill/graph/nodes/motionnode.h"
 
 // A constant acceleration.
-class TGravity : public TMotionNode
+class TGravity : public TExecLoop<TGravity, 2, 1, TMotionNode>
 {
 public:
     static int ClassId();

@@ -49,8 +49,8 @@ int TGrid::ChoosePoint(int64_t nx, int64_t ny)
 
 void TGrid::Execute(int index, float)
 {
-    const TPortValue transform = ReadInput(1, index);
-    const TPortValue size = ReadInput(2, index);
+    const TPortValue transform = Load(1, index);
+    const TPortValue size = Load(2, index);
     TMatrix43 matrix = GetTransformMatrix(transform);
     ScaleFirst(matrix, size[0], 0, size[1]);
     const int64_t nx = XDivisions->Get();
@@ -62,7 +62,7 @@ void TGrid::Execute(int index, float)
     const TVector3 local(GetGridPosition(ix, nx), 0, GetGridPosition(iz, ny));
     TPortValue result = transform;
     SetVector(result, matrix.TransformPoint(local));
-    WriteOutput(0, index, result);
+    Store(0, index, result);
 }
 
 void TGrid::Export(TExportData& exportData, TErrorList&)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "particles/cindermill/graph/execloop.h"
 #include "particles/cindermill/graph/nodes/particleemitter.h"
 
 class TNodeEnumParameter;
@@ -7,7 +8,7 @@ class TNodeIntParameter;
 
 // Emits from the points of a grid in the local x-z plane, at random or one after the other. The console has
 // no grid: there, all particles leave from the transform.
-class TGrid : public TParticleEmitter
+class TGrid : public TExecLoop<TGrid, 3, 1, TParticleEmitter>
 {
 public:
     static int ClassId();

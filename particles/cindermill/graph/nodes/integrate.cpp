@@ -16,11 +16,12 @@ int TIntegrate::ClassId()
 
 void TIntegrate::Execute(int index, float dt)
 {
-    TPortValue position = ReadInput(0, index);
-    const TPortValue velocity = ReadInput(1, index);
-    for (int half = 0; half < 2; ++half)
+    TPortValue position = Load(0, index);
+    const TPortValue velocity = Load(1, index);
+    const int numHalves = GetStoreFloats(0) > 3 ? 2 : 1;
+    for (int half = 0; half < numHalves; ++half)
         SetVector(position, AddScaled(GetVector(position, half), GetVector(velocity, half), dt), half);
-    WriteOutput(0, index, position);
+    Store(0, index, position);
 }
 
 void TIntegrate::Export(TExportData& exportData, TErrorList&)

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "particles/cindermill/graph/execloop.h"
 #include "particles/cindermill/graph/nodes/motionnode.h"
 
 // Moves a position by its velocity, and a rotation by its speed.
-class TIntegrate : public TMotionNode
+class TIntegrate : public TExecLoop<TIntegrate, 2, 1, TMotionNode>
 {
 public:
     static int ClassId();

@@ -17,9 +17,9 @@ int TMakeTransform::ClassId()
 void TMakeTransform::Execute(int index, float)
 {
     TPortValue transform;
-    SetVector(transform, GetVector(ReadInput(0, index)), 0);
-    SetVector(transform, GetVector(ReadInput(1, index)), 1);
-    WriteOutput(0, index, transform);
+    SetVector(transform, LoadVector(0, index), 0);
+    SetVector(transform, LoadVector(1, index), 1);
+    Store(0, index, transform);
 }
 
 void TMakeTransform::Export(TExportData& exportData, TErrorList&)

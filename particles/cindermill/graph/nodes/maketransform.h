@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 // A transform from a translation and a rotation.
-class TMakeTransform : public TEffectExecNode
+class TMakeTransform : public TExecLoop<TMakeTransform, 2, 1>
 {
 public:
     static int ClassId();

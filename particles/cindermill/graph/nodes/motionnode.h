@@ -1,10 +1,10 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/particlenode.h"
 
 // The base of the nodes that change a position or a velocity. Such a value may be a transform, whose second
 // half is a rotation or its speed.
-class TMotionNode : public TEffectExecNode
+class TMotionNode : public TParticleNode
 {
 protected:
     // Whether the input's attribute is a transform.

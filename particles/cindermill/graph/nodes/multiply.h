@@ -1,9 +1,10 @@
 #pragma once
 
+#include "particles/cindermill/graph/execloop.h"
 #include "particles/cindermill/graph/nodes/componentmaths.h"
 
 // The product of two values, component by component; a shorter second value repeats.
-class TMultiply : public TComponentMaths
+class TMultiply : public TExecLoop<TMultiply, 2, 1, TComponentMaths>
 {
 public:
     static int ClassId();

@@ -90,19 +90,23 @@ bool TNoise::Init(TErrorList& errors)
     return true;
 }
 
+void TNoise::BeginRun()
+{
+    RunSeed = FixedSeedGroup->Get() ? static_cast<uint32_t>(RandomSeed->Get()) : Seed;
+}
+
 void TNoise::Execute(int index, float)
 {
-    const TPortValue position = ReadInput(0, index);
-    const TPortValue frequency = ReadInput(1, index);
+    const TPortValue position = Load(0, index);
+    const TPortValue frequency = Load(1, index);
     TLatticeCell cell;
     for (int i = 0; i < 3; ++i) {
         const float p = static_cast<float>(static_cast<double>(position[i]) * frequency[i]);
         cell.Corner[i] = FloatToInt(std::floor(static_cast<double>(p)));
         cell.Fraction[i] = static_cast<float>(static_cast<double>(p) - cell.Corner[i]);
     }
-    const uint32_t seed = FixedSeedGroup->Get() ? static_cast<uint32_t>(RandomSeed->Get()) : Seed;
     TPortValue result;
     for (int c = 0; c < Components; ++c)
-        result[c] = Interpolate(cell, seed, c);
-    WriteOutput(0, index, result);
+        result[c] = Interpolate(cell, RunSeed, c);
+    Store(0, index, result);
 }

@@ -1,21 +1,26 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 class TNodeGroupParameter;
 class TNodeIntParameter;
 
 // Value noise on a lattice of integer points, the same for the same seed. The console does not know it.
-class TNoise : public TEffectExecNode
+class TNoise : public TExecLoop<TNoise, 2, 1>
 {
 public:
     static int ClassId();
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;
 
+protected:
+    void BeginRun() override;
+
 private:
     const TNodeGroupParameter* FixedSeedGroup = nullptr;
     const TNodeIntParameter* RandomSeed = nullptr;
     uint32_t Seed = 0;
+    // The fixed seed where there is one.
+    uint32_t RunSeed = 0;
     int Components = 0;
 };

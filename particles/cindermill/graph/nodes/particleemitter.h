@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/particlenode.h"
 
 // The base of the nodes that make particles: input 0 tells how many, input 1 is where they leave from.
-class TParticleEmitter : public TEffectExecNode
+class TParticleEmitter : public TParticleNode
 {
 public:
     void Emit(int instance, float dt) override;

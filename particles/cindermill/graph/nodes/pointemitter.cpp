@@ -14,7 +14,7 @@ int TPointEmitter::ClassId()
 
 void TPointEmitter::Execute(int index, float)
 {
-    WriteOutput(0, index, ReadInput(1, index));
+    Store(0, index, Load(1, index));
 }
 
 void TPointEmitter::Export(TExportData& exportData, TErrorList&)

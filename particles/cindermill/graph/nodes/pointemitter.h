@@ -1,9 +1,10 @@
 #pragma once
 
+#include "particles/cindermill/graph/execloop.h"
 #include "particles/cindermill/graph/nodes/particleemitter.h"
 
 // Emits from one point.
-class TPointEmitter : public TParticleEmitter
+class TPointEmitter : public TExecLoop<TPointEmitter, 2, 1, TParticleEmitter>
 {
 public:
     static int ClassId();

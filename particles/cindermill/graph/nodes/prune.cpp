@@ -14,7 +14,7 @@ int TPrune::ClassId()
 
 void TPrune::Execute(int index, float)
 {
-    if (ReadInput(0, index)[0] != 0)
+    if (LoadScalar(0, index) != 0)
         KillParticle(index);
 }
 

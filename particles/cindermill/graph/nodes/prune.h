@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 // Ends the particles whose flag is not 0.
-class TPrune : public TEffectExecNode
+class TPrune : public TExecLoop<TPrune, 1, 0>
 {
 public:
     static int ClassId();

@@ -23,19 +23,20 @@ int TRandomEmitter::ClassId()
 
 void TRandomEmitter::Execute(int index, float)
 {
-    const TPortValue low = ReadInput(0, index);
-    const TPortValue high = ReadInput(1, index);
+    const TPortValue low = Load(0, index);
+    const TPortValue high = Load(1, index);
     TPortValue result;
-    for (int c = 0; c < GetNumComponents(); ++c) {
+    for (int c = 0; c < GetLoadFloats(0); ++c) {
         const double range = static_cast<double>(high[c]) - low[c];
         result[c] = static_cast<float>(GetRandom().Unit(RandomSteps) * range + low[c]);
     }
-    WriteOutput(0, index, result);
+    Store(0, index, result);
 }
 
 void TRandomEmitter::Export(TExportData& exportData, TErrorList&)
 {
-    for (int c = 0; c < GetNumComponents(); ++c) {
+    const int count = GetTypeFloats(GetInputType(0));
+    for (int c = 0; c < count; ++c) {
         exportData.SetCommand("IdRandomEmitter", 0);
         exportData.AddInput(0, c, 1);
         exportData.AddInput(1, c, 1);

@@ -1,15 +1,12 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 // A random value between two bounds, each component on its own.
-class TRandomEmitter : public TEffectExecNode
+class TRandomEmitter : public TExecLoop<TRandomEmitter, 2, 1>
 {
 public:
     static int ClassId();
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
-
-private:
-    int GetNumComponents() const { return GetTypeFloats(GetInputType(0)); }
 };

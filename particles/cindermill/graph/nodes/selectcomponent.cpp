@@ -1,7 +1,6 @@
 #include "particles/cindermill/graph/nodes/selectcomponent.h"
 
 #include "particles/cindermill/graph/nodes/nodemaths.h"
-#include "particles/effectgraph/simpleparameters.h"
 
 #include <cmath>
 
@@ -51,7 +50,7 @@ bool TSelectComponent::Init(TErrorList& errors)
 
 void TSelectComponent::Execute(int index, float)
 {
-    WriteOutput(0, index, TPortValue(Select(Component->GetNumber(), GetVector(ReadInput(0, index)))));
+    Store(0, index, TPortValue(Select(Selected, LoadVector(0, index))));
 }
 
 void TSelectComponent::Export(TExportData& exportData, TErrorList&)

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
-
-class TNodeEnumParameter;
+#include "particles/cindermill/graph/execloop.h"
+#include "particles/effectgraph/simpleparameters.h"
 
 // One component of a vector, its length or the inverse of that.
-class TSelectComponent : public TEffectExecNode
+class TSelectComponent : public TExecLoop<TSelectComponent, 1, 1>
 {
 public:
     static int ClassId();
@@ -13,6 +12,10 @@ public:
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
 
+protected:
+    void BeginRun() override { Selected = Component->GetNumber(); }
+
 private:
     const TNodeEnumParameter* Component = nullptr;
+    int Selected = 0;
 };

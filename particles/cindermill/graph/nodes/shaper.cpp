@@ -59,24 +59,32 @@ void TShaper::BuildTable()
         for (int k = 0; k < Ramp->GetDimensions(); ++k)
             Table[i][k] = Ramp->Evaluate(t, k);
     }
+    for (int i = 0; i < NumSamples; ++i) {
+        for (int k = 0; k < NumChannels; ++k) {
+            const double start = Table[i][k];
+            Segments[i][k].Start = start;
+            Segments[i][k].Rise = i + 1 < NumSamples ? Table[i + 1][k] - start : 0;
+        }
+    }
 }
 
 void TShaper::Execute(int index, float)
 {
     constexpr float last = NumSamples - 1;
-    const float time = ReadInput(0, index)[0];
-    const float life = ReadInput(1, index)[0];
+    const float time = LoadScalar(0, index);
+    const float life = LoadScalar(1, index);
     float u = static_cast<float>(static_cast<double>(time) * Scale / life);
     if (!(u > 0))
         u = 0;
     if (u > last)
         u = last;
-    const int n = FloatToInt(u);
+    const int n = static_cast<int>(u);
     const float w = static_cast<float>(static_cast<double>(u) - n);
     TPortValue value;
     for (int k = 0; k < NumChannels; ++k)
-        value[k] = n >= NumSamples - 1 ? Table[n][k] : Lerp(Table[n][k], Table[n + 1][k], w);
-    WriteOutput(0, index, value);
+        value[k] = n >= NumSamples - 1 ? Table[n][k]
+                                       : static_cast<float>(Segments[n][k].Rise * w + Segments[n][k].Start);
+    Store(0, index, value);
 }
 
 int TShaper::CountComponents() const

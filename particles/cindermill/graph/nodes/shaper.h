@@ -1,12 +1,12 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 class TNodeParameter;
 class TNodeRampParameter;
 
 // A curve over a particle's life, read from a table of samples.
-class TShaper : public TEffectExecNode
+class TShaper : public TExecLoop<TShaper, 2, 1>
 {
 public:
     static int ClassId();
@@ -24,8 +24,16 @@ private:
     void BuildTable();
     int CountComponents() const;
 
+    // A sample and the way from it to the next, as the arithmetic takes them.
+    struct TSegment
+    {
+        double Start = 0;
+        double Rise = 0;
+    };
+
     TNodeRampParameter* Ramp = nullptr;
     float Table[NumSamples][NumChannels] = {};
+    TSegment Segments[NumSamples][NumChannels];
     // Table entries per second of the ramp; 0 for a ramp without length.
     float Scale = 0;
 };

@@ -24,17 +24,17 @@ int TSphereSurface::ClassId()
 
 void TSphereSurface::Execute(int index, float)
 {
-    TMatrix43 matrix = GetTransformMatrix(ReadInput(1, index));
-    const TPortValue scale = ReadInput(2, index);
+    TMatrix43 matrix = GetTransformMatrix(Load(1, index));
+    const TPortValue scale = Load(2, index);
     ScaleFirst(matrix, scale[0], scale[1], scale[2]);
     TVector3 direction;
     GetRandom().Direction(direction.Component, RandomSteps);
     TPortValue position;
     SetVector(position, matrix.TransformPoint(direction));
-    WriteOutput(0, index, position);
+    Store(0, index, position);
     TPortValue normal;
     SetVector(normal, direction);
-    WriteOutput(1, index, normal);
+    Store(1, index, normal);
 }
 
 void TSphereSurface::Export(TExportData& exportData, TErrorList&)

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "particles/cindermill/graph/execloop.h"
 #include "particles/cindermill/graph/nodes/particleemitter.h"
 
 // Emits from random points of a sphere's surface, outwards.
-class TSphereSurface : public TParticleEmitter
+class TSphereSurface : public TExecLoop<TSphereSurface, 3, 2, TParticleEmitter>
 {
 public:
     static int ClassId();

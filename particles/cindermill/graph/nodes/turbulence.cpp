@@ -23,12 +23,12 @@ int TTurbulence::ClassId()
 
 void TTurbulence::Execute(int index, float dt)
 {
-    TPortValue velocity = ReadInput(0, index);
-    const float strength = ReadInput(1, index)[0];
+    TPortValue velocity = Load(0, index);
+    const float strength = LoadScalar(1, index);
     TVector3 direction;
     GetRandom().Direction(direction.Component, RandomSteps);
     SetVector(velocity, AddScaled(GetVector(velocity), direction, static_cast<double>(strength) * dt));
-    WriteOutput(0, index, velocity);
+    Store(0, index, velocity);
 }
 
 void TTurbulence::Export(TExportData& exportData, TErrorList&)

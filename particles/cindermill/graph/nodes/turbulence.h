@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 // A push in a random direction, another one for each particle and frame.
-class TTurbulence : public TEffectExecNode
+class TTurbulence : public TExecLoop<TTurbulence, 2, 1>
 {
 public:
     static int ClassId();

@@ -33,10 +33,10 @@ int TVelocityCone::ClassId()
 
 void TVelocityCone::Execute(int index, float)
 {
-    const TVector3 v = GetVector(ReadInput(0, index));
-    const float c = ReadInput(1, index)[0];
-    const float lo = ReadInput(2, index)[0];
-    const float hi = ReadInput(3, index)[0];
+    const TVector3 v = LoadVector(0, index);
+    const float c = LoadScalar(1, index);
+    const float lo = LoadScalar(2, index);
+    const float hi = LoadScalar(3, index);
     const TVector3 a = GetAxisAcross(v);
     const TVector3 b = Cross(a, v);
     const float r0 = static_cast<float>(GetRandom().Unit(RandomSteps));
@@ -56,7 +56,7 @@ void TVelocityCone::Execute(int index, float)
             static_cast<float>(alongA * a[i] + static_cast<double>(u) * v[i] + alongB * b[i]);
         velocity[i] = static_cast<float>(static_cast<double>(speed) * direction);
     }
-    WriteOutput(0, index, velocity);
+    Store(0, index, velocity);
 }
 
 void TVelocityCone::Export(TExportData& exportData, TErrorList&)

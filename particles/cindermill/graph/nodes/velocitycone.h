@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 // Gives particles a random velocity inside a cone.
-class TVelocityCone : public TEffectExecNode
+class TVelocityCone : public TExecLoop<TVelocityCone, 4, 1>
 {
 public:
     static int ClassId();

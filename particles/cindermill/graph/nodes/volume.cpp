@@ -122,20 +122,34 @@ bool TVolume::Init(TErrorList& errors)
                nullptr;
 }
 
+TLocalFrame TVolume::LoadFrame(int index) const
+{
+    TMatrix43 matrix = GetTransformMatrix(Load(1, index));
+    const TPortValue scale = Load(2, index);
+    ScaleFirst(matrix, scale[0], scale[1], scale[2]);
+    return TLocalFrame(matrix);
+}
+
+void TVolume::BeginRun()
+{
+    Shape = VolumeType->GetNumber();
+    MeasuresDistance = OutputDistance->Get();
+    if (HasConstantFrame())
+        Frame = LoadFrame(0);
+}
+
 void TVolume::Execute(int index, float)
 {
-    const TVector3 p = GetVector(ReadInput(0, index));
-    TMatrix43 matrix = GetTransformMatrix(ReadInput(1, index));
-    const TPortValue scale = ReadInput(2, index);
-    ScaleFirst(matrix, scale[0], scale[1], scale[2]);
-    TMatrix43 inverse = matrix;
+    const TVector3 p = LoadVector(0, index);
+    if (!HasConstantFrame())
+        Frame = LoadFrame(index);
     float result = 0;
-    if (inverse.Invert()) {
-        const TVector3 q = inverse.TransformPoint(p);
-        if (OutputDistance->Get())
-            result = GetDistance(VolumeType->GetNumber(), matrix, p, q);
+    if (Frame.IsInvertible) {
+        const TVector3 q = Frame.ToLocal.TransformPoint(p);
+        if (MeasuresDistance)
+            result = GetDistance(Shape, Frame.ToWorld, p, q);
         else
-            result = IsInside(VolumeType->GetNumber(), q) ? 1.0f : 0.0f;
+            result = IsInside(Shape, q) ? 1.0f : 0.0f;
     }
-    WriteOutput(0, index, TPortValue(result));
+    Store(0, index, TPortValue(result));
 }

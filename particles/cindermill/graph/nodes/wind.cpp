@@ -16,11 +16,11 @@ int TWind::ClassId()
 
 void TWind::Execute(int index, float dt)
 {
-    TPortValue velocity = ReadInput(0, index);
-    const TVector3 wind = GetVector(ReadInput(1, index));
-    const float strength = ReadInput(2, index)[0];
+    TPortValue velocity = Load(0, index);
+    const TVector3 wind = LoadVector(1, index);
+    const float strength = LoadScalar(2, index);
     SetVector(velocity, AddScaled(GetVector(velocity), wind, static_cast<double>(strength) * dt));
-    WriteOutput(0, index, velocity);
+    Store(0, index, velocity);
 }
 
 void TWind::Export(TExportData& exportData, TErrorList&)

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/execloop.h"
 
 // An acceleration along a vector; it does not pull towards the wind's speed.
-class TWind : public TEffectExecNode
+class TWind : public TExecLoop<TWind, 3, 1>
 {
 public:
     static int ClassId();

@@ -32,6 +32,75 @@ std::unique_ptr<TParticleBench> MakeTypesBench(int particleCount)
     return bench;
 }
 
+// The deaths one by one, in copies of the buffer's rings.
+class TRingModel
+{
+public:
+    TRingModel(const TParticleBuffer& buffer, const std::vector<std::string>& ids)
+        : Size(buffer.GetBufferSize()), Head(buffer.GetHead()), Tail(buffer.GetTail()), Ids(ids)
+    {
+        for (const int usage : {TU_PROCESS, TU_RENDER})
+            Rings.push_back(RingOf(buffer, usage));
+    }
+
+    // The bytes of a block's ring, whether a particle is there or not.
+    static std::vector<std::string> RingOf(const TParticleBuffer& buffer, int usage)
+    {
+        const TParticleBuffer::TBlock& block = buffer.GetBlock(usage);
+        const char* data = reinterpret_cast<const char*>(block.Data);
+        std::vector<std::string> items;
+        for (int i = 0; i < block.Count; ++i)
+            items.emplace_back(data + i * block.Stride, static_cast<size_t>(block.Stride));
+        return items;
+    }
+
+    int GetNumParticles() const { return Tail == -1 ? 0 : Tail >= Head ? Size + Head - Tail : Head - Tail; }
+
+    void Remove(int index)
+    {
+        if (Head <= Tail) {
+            const int top = Size - Tail;
+            if (index >= top) {
+                const int p = index - top;
+                Move(p + 1, p, Head - p);
+                --Head;
+                return;
+            }
+            Move(Tail, Tail + 1, index);
+            if (++Tail != Size)
+                return;
+            Tail = 0;
+        } else {
+            Move(Tail, Tail + 1, index);
+            ++Tail;
+        }
+        if (Tail == Head)
+            Tail = -1;
+    }
+
+    int Size;
+    int Head;
+    int Tail;
+    // One per ring position; moved once for each ring.
+    std::vector<std::string> Ids;
+    std::vector<std::vector<std::string>> Rings;
+
+private:
+    void Move(int from, int to, int count)
+    {
+        for (std::vector<std::string>& ring : Rings) {
+            MoveItems(ring, from, to, count);
+            MoveItems(Ids, from, to, count);
+        }
+    }
+    static void MoveItems(std::vector<std::string>& items, int from, int to, int count)
+    {
+        const std::vector<std::string> old = items;
+        for (int i = 0; i < count; ++i)
+            items[static_cast<size_t>(to + i)] = old[static_cast<size_t>(from + i)];
+    }
+};
+
 } // namespace
 
 TEST(TParticleBuffer, BlocksFollowTheUsages)
@@ -333,6 +402,49 @@ TEST(TParticleBuffer, RandomBirthsAndDeathsKeepTheOrder)
             for (const int k : dead)
                 model.erase(model.begin() + k);
             ASSERT_EQ(bench.Ages(), model);
+        }
+    }
+}
+
+// Down to the slots that no particle is in, and the ids that slide too far.
+TEST(TParticleBuffer, ManyDeathsOfAFrameLeaveWhatTheyDoOneByOne)
+{
+    std::mt19937 random(11);
+    for (const int capacity : {1, 2, 3, 5, 8, 21, 64}) {
+        TParticleBench bench(capacity);
+        bench.Build();
+        TParticleBuffer& buffer = bench.Buffer();
+        std::vector<std::string> ids(static_cast<size_t>(capacity), "-1");
+        int nextId = 0;
+        for (int frame = 0; frame < 400; ++frame) {
+            const int born = static_cast<int>(random() % static_cast<unsigned>(capacity + 1));
+            const int head = buffer.GetTail() != -1 ? buffer.GetHead() : 0;
+            for (int i = 0; i < born; ++i)
+                ids[static_cast<size_t>((head + i) % capacity)] = std::to_string(nextId++);
+            bench.Emit(born);
+            const int count = buffer.GetNumParticles();
+            TRingModel model(buffer, ids);
+            const unsigned share = 1 + random() % 4;
+            // Now and then twice the same one, as two nodes would list it.
+            const bool isDouble = random() % 8 == 0;
+            for (int k = count - 1; k >= 0; --k) {
+                if (random() % share != 0)
+                    continue;
+                for (int times = isDouble && random() % 4 == 0 ? 2 : 1; times > 0; --times) {
+                    buffer.KillParticle(k);
+                    if (k < model.GetNumParticles())
+                        model.Remove(k);
+                }
+            }
+            buffer.RemoveDead();
+            ASSERT_EQ(buffer.GetHead(), model.Head);
+            ASSERT_EQ(buffer.GetTail(), model.Tail);
+            ASSERT_EQ(TRingModel::RingOf(buffer, TU_PROCESS), model.Rings[0]);
+            ASSERT_EQ(TRingModel::RingOf(buffer, TU_RENDER), model.Rings[1]);
+            ids = model.Ids;
+            for (int k = 0; k < buffer.GetNumParticles(); ++k)
+                ASSERT_EQ(std::to_string(buffer.GetGlobalParticle(k, TU_PROCESS)),
+                          ids[static_cast<size_t>((model.Tail + k) % capacity)]);
         }
     }
 }

@@ -381,6 +381,51 @@ TEST(TVelocityCone, DrawsAngleThenTurnThenSpeed)
     }
 }
 
+// To the last bit: optimisers have been seen to leave out the rounding of what goes from double to float and
+// back.
+TEST(TVelocityCone, EveryStepIsRoundedToAFloat)
+{
+    const TSeeded seeded(9);
+    TNodeBench bench("TVelocityCone", {{"Dir", V3}, "Cos", "Min", "Max"}, {{"V", V3}});
+    bench.Set("Cos", {0.97f});
+    bench.Set("Min", {0.5f});
+    bench.Set("Max", {1.1f});
+    TRandom mirror = seeded.Mirror;
+    for (int frame = 0; frame < 300; ++frame) {
+        const float turn = static_cast<float>(frame) * 0.37f;
+        const TFloats v = {std::sin(turn) * 0.8f, std::cos(turn * 3) * 0.6f, std::cos(turn) * 0.7f};
+        bench.Set("Dir", v);
+        const float across[2][3] = {{-v[2], 0, v[0]}, {0, -v[2], v[1]}};
+        const float* p = across[std::fabs(v[1]) >= std::fabs(v[0])];
+        const double length = std::sqrt(static_cast<double>(p[0]) * p[0] + static_cast<double>(p[1]) * p[1] +
+                                        static_cast<double>(p[2]) * p[2]);
+        volatile float a[3];
+        volatile float b[3];
+        for (int i = 0; i < 3; ++i)
+            a[i] = static_cast<float>(p[i] * (1.0 / length));
+        for (size_t i = 0; i < 3; ++i) {
+            const size_t j = (i + 1) % 3;
+            const size_t k = (i + 2) % 3;
+            b[i] = static_cast<float>(static_cast<double>(a[j]) * v[k] - static_cast<double>(a[k]) * v[j]);
+        }
+        const double r0 = mirror.Unit(0x10000);
+        const double r1 = mirror.Unit(0x10000);
+        const double r2 = mirror.Unit(0x10000);
+        const volatile float u = static_cast<float>(r0 * (1.0 - 0.97f) + 0.97f);
+        const volatile float s = static_cast<float>(std::sqrt(1.0 - static_cast<double>(u) * u));
+        const volatile float phi = static_cast<float>(2.0 * 3.1415927 * r1);
+        const volatile float speed = static_cast<float>((static_cast<double>(1.1f) - 0.5f) * r2 + 0.5f);
+        const double alongA = std::sin(static_cast<double>(phi)) * s;
+        const double alongB = std::cos(static_cast<double>(phi)) * s;
+        const TFloats velocity = bench.Run();
+        for (size_t i = 0; i < 3; ++i) {
+            const volatile float direction =
+                static_cast<float>(alongA * a[i] + static_cast<double>(u) * v[i] + alongB * b[i]);
+            EXPECT_EQ(velocity[i], static_cast<float>(static_cast<double>(speed) * direction)) << frame;
+        }
+    }
+}
+
 TEST(TVelocityCone, AZeroDirectionGivesNoNumber)
 {
     TNodeBench bench("TVelocityCone", {{"Dir", V3}, "Cos", "Min", "Max"}, {{"V", V3}});

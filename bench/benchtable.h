@@ -1,0 +1,29 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <string>
+#include <vector>
+
+// The counter by which a benchmark tells how many things one of its iterations works on: particles for one.
+// All times of the table are per thing.
+constexpr const char* ItemCounter = "things";
+
+// What a program's table says of one benchmark.
+struct TBenchRow
+{
+    std::string Label;
+    // Names as Google Benchmark has them.
+    std::string Measured;
+    std::string Baseline;
+    // The greatest ratio that is good enough; 0 where none is asked for. Without a baseline it is in
+    // milliseconds.
+    double Limit = 0;
+};
+
+// Adds a row to the table that the program prints in the end: the shortest time of all repetitions beside
+// that of the baseline, and their ratio. Without a baseline the row has only the time.
+void AddRow(const TBenchRow& row);
+
+// A program defines this: it registers its benchmarks and adds its rows. False ends the program.
+bool RegisterBenchmarks();

@@ -1,0 +1,57 @@
+#include "support/testapp.h"
+
+#include "particles/cindermill/main/document.h"
+
+#include <cstdlib>
+#include <new>
+
+// The sanitizers count allocations of their own.
+#if !defined(__SANITIZE_ADDRESS__)
+
+static int NumAllocations = 0;
+
+void* operator new(std::size_t size)
+{
+    ++NumAllocations;
+    void* memory = std::malloc(size != 0 ? size : 1);
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    return memory;
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+// From the first particle over the full ring to the deaths, in effects of all kinds of nodes.
+TEST(TEffectExec, AFrameAllocatesNothing)
+{
+    TTestApp app;
+    app.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples").c_str());
+    const TQuiet quiet;
+    for (const char* name : {"fountain", "campfire", "rain", "vortex", "tiles", "comet", "fumes"}) {
+        int allocations = 0;
+        // Random generators live as long as the process, and are made by the first run.
+        for (int run = 0; run < 2; ++run) {
+            TDocument document(app.Get());
+            ASSERT_TRUE(document.BatchLoad(SourcePath("samples/" + std::string(name) + ".effect").c_str()));
+            TErrorList errors;
+            ASSERT_TRUE(document.CheckLoaded() && document.ResolveTypes(errors)) << name;
+            ASSERT_TRUE(document.CreateSchedule(errors) && document.InitEngineWithoutRender(errors)) << name;
+            allocations = NumAllocations;
+            for (int frame = 0; frame < 300; ++frame)
+                document.GetEngine().Update(0.02f);
+            allocations = NumAllocations - allocations;
+        }
+        EXPECT_EQ(allocations, 0) << name;
+        EXPECT_GT(NumAllocations, 0);
+    }
+}
+
+#endif
