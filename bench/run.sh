@@ -14,3 +14,4 @@ core=$(taskset -cp $$ | sed 's/.*: *//; s/[,-].*//')
 bin=build/release/bench
 taskset -c "$core" $bin/enginebench "$@"
 taskset -c "$core" $bin/modelbench --no-header "$@"
+$bin/windowbench --no-header "$@"

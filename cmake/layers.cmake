@@ -48,10 +48,15 @@ function(cindermill_layer folder)
     target_link_libraries(${name} ${scope} cindermill-options ${links} ${arg_PACKAGES})
 endfunction()
 
-# cindermill_test(FOLDER NAME [LINKS folder...] [PACKAGES target...])
-#   all of tests/FOLDER/*.cpp as one GoogleTest program, each test known to CTest by its own name.
+# What the window system's own libraries never give back is no leak of ours.
+set(CINDERMILL_DISPLAY_ENVIRONMENT
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/systemleaks.txt:print_suppressions=0")
+
+# cindermill_test(FOLDER [DISPLAY] [LINKS folder...] [PACKAGES target...])
+#   all of tests/FOLDER/*.cpp as one GoogleTest program, each test known to CTest by its own name. With DISPLAY
+#   the program runs whole, as one test of CTest, on a display of its own.
 function(cindermill_test folder)
-    cmake_parse_arguments(arg "" "" "LINKS;PACKAGES" ${ARGN})
+    cmake_parse_arguments(arg "DISPLAY" "" "LINKS;PACKAGES" ${ARGN})
     cindermill_layer_name("${folder}" name)
     file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp"
          "${PROJECT_SOURCE_DIR}/tests/${folder}/*.h")
@@ -71,5 +76,11 @@ function(cindermill_test folder)
     target_compile_definitions(test-${name} PRIVATE CINDERMILL_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                                CINDERMILL_BINARY_DIR="${CMAKE_BINARY_DIR}")
     set_target_properties(test-${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
-    gtest_discover_tests(test-${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+    if(arg_DISPLAY)
+        add_test(NAME ${name} COMMAND xvfb-run -a -s "-screen 0 1600x1200x24" $<TARGET_FILE:test-${name}>)
+        set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
+        return()
+    endif()
+    gtest_discover_tests(test-${name} DISCOVERY_TIMEOUT 60
+                         PROPERTIES TIMEOUT 300 ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
 endfunction()

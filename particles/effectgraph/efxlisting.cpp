@@ -6,6 +6,8 @@
 #include "particles/effectgraph/nametocrc.h"
 
 #include <bit>
+#include <cmath>
+#include <limits>
 
 #include <stdarg.h>
 #include <stdio.h>
@@ -33,6 +35,12 @@ struct TRowNote
 };
 
 constexpr int NumRowNotes = 256;
+
+// What is no number has no sign in a listing.
+double Shown(float value)
+{
+    return std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : static_cast<double>(value);
+}
 
 class TEfxLister
 {
@@ -131,7 +139,7 @@ void TEfxLister::ListGroup(int index)
     const TEfxGroup& group = File.GetGroups()[index];
     Put("Group %d%s", index, group.IsTriggerGroup ? " (trigger group)" : "");
     Put("  particles %d, stride %d, event size %d, max emission %d, max life time %g", group.ParticleCount,
-        group.Stride, group.EventSize, group.MaxEmission, static_cast<double>(group.MaxLifeTime));
+        group.Stride, group.EventSize, group.MaxEmission, Shown(group.MaxLifeTime));
     ListPhase(TPhasePlace{group.Emission, "Emission", "event"});
     ListPhase(TPhasePlace{group.Process, "Process", "record"});
     ListLinks(group);
@@ -214,7 +222,7 @@ void TEfxLister::ListData(const TEfxSpan& span)
         for (uint32_t at = line; at < line + BytesPerLine && at < span.Size; at += 4) {
             const uint32_t value = GetDataWord(span, at);
             words += word.Format(" %08x", value).Print();
-            floats += word.Format(" %g", static_cast<double>(std::bit_cast<float>(value))).Print();
+            floats += word.Format(" %g", Shown(std::bit_cast<float>(value))).Print();
         }
         Put("        %4u:%s |%s", line, words.Print(), floats.Print());
     }
@@ -252,7 +260,7 @@ void TEfxLister::AppendRows(TString& text, const TEfxSpan& rows, const TPhasePla
             row.Format(" r%d(%s+%u)", number, place.Record, note.Value);
             break;
         case RO_CONSTANT:
-            row.Format(" r%d(=%g)", number, static_cast<double>(std::bit_cast<float>(note.Value)));
+            row.Format(" r%d(=%g)", number, Shown(std::bit_cast<float>(note.Value)));
             break;
         case RO_COMMAND:
             row.Format(" r%d(#%u)", number, note.Value);
@@ -316,7 +324,7 @@ void TEfxLister::ListBounds(const TEfxGroup& group)
         }
         double corner[6];
         for (uint32_t i = 0; i < 6; ++i)
-            corner[i] = static_cast<double>(File.GetFloat(at + 4 * i));
+            corner[i] = Shown(File.GetFloat(at + 4 * i));
         Put("  bounds: static, (%g %g %g) to (%g %g %g)", corner[0], corner[1], corner[2], corner[3],
             corner[4], corner[5]);
     }
@@ -368,7 +376,7 @@ void TEfxLister::AppendArgument(TString& text, const TStateMethod* method, uint3
                                            : nullptr;
     TString part;
     if (kind == SA_FLOAT)
-        part.Format(" %g", static_cast<double>(std::bit_cast<float>(word)));
+        part.Format(" %g", Shown(std::bit_cast<float>(word)));
     else if (name != nullptr && (kind == SA_ENUM || low == high))
         part.Format(" %s", name);
     else if (method != nullptr && kind == SA_NUMBER)
@@ -412,7 +420,7 @@ void TEfxLister::ListStageConstants(const TEfxSpan& constants)
     for (uint32_t at = constants.Offset; at < constants.GetEnd(); at += TEfxFile::StageConstantSize) {
         double value[4];
         for (uint32_t i = 0; i < 4; ++i)
-            value[i] = static_cast<double>(File.GetFloat(at + 4 + 4 * i));
+            value[i] = Shown(File.GetFloat(at + 4 + 4 * i));
         Put("    constant: vertex attribute %u = %g %g %g %g", File.GetU32(at), value[0], value[1], value[2],
             value[3]);
     }

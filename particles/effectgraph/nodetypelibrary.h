@@ -30,8 +30,11 @@ public:
     TNodeType* GetType(int i) const { return Types[i]; }
     // The first of the name, without case; null if there is none.
     TNodeType* FindType(const char* name) const;
+    // All items, those of the root and those below.
+    int GetNumItems() const { return Items.size(); }
     int GetNumRootItems() const { return RootItems.size(); }
     const TNodeTypeItem& GetRootItem(int i) const { return Items[RootItems[i]]; }
+    int GetRootItemIndex(int i) const { return RootItems[i]; }
     const TNodeTypeItem& GetItem(int i) const { return Items[i]; }
 
 private:

@@ -39,8 +39,8 @@ int GetSingleType(uint32_t mask);
 // Whether values of one type may be wired to ports of the other through conversion.
 bool CanConvertType(int from, int to);
 
-// How many leading floats a conversion passes on as they stand, where it makes all others 0; -1 where it computes or
-// moves floats. 0 for pairs without a conversion.
+// How many leading floats a conversion passes on as they stand, where it makes all others 0; -1 where it
+// computes or moves floats. 0 for pairs without a conversion.
 int GetPlainFloats(int fromType, int toType);
 // Converts a value; pairs without a conversion leave `dest` untouched. `source` and `dest` may be one buffer.
 void ConvertValue(int fromType, int toType, const float* source, float* dest);

@@ -21,7 +21,7 @@ public:
         path = (Folder + "/" + name).c_str();
         return true;
     }
-    bool LoadTexture(const char*) override { return TexturesLoad; }
+    bool LoadTexture(const char*, TRenderTextureInstance&) override { return TexturesLoad; }
     void Warn(const char* text) override { Warnings.push_back(text); }
 
     int TraceParticles = 0;

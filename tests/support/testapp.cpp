@@ -13,7 +13,8 @@ static std::string Channel(const char* keys)
            "</keyValues><keyTimes>0 1</keyTimes></animData></animChannel>";
 }
 
-TTestApp::TTestApp() : App(new TCindermillApp(OpenSettingsFile(Folder.Path("settings.ini").c_str())))
+TTestApp::TTestApp(TAppHost* host)
+    : App(new TCindermillApp(OpenSettingsFile(Folder.Path("settings.ini").c_str()), host))
 {
     const std::string resources = Folder.Path("resources");
     std::filesystem::create_directory(resources);

@@ -12,7 +12,7 @@
 class TTestApp
 {
 public:
-    TTestApp();
+    explicit TTestApp(TAppHost* host = nullptr);
     TTestApp(const TTestApp&) = delete;
     TTestApp& operator=(const TTestApp&) = delete;
 

@@ -72,21 +72,24 @@ TSampleNode AddTrails(TSampleBuilder& effect, float halfWidth, float seconds)
 // The shortest way to something that moves: thrown up, pulled down, faded out.
 void MakeFountain(TSampleBuilder& effect)
 {
-    const TSampleNode trigger = AddTrickle(effect, 110, 8);
-    const TSampleNode source = AddPoint(effect, 200, 0, 0.05f, 0);
-    const TSampleNode cone = AddCone(effect, 0, 1, 0, 0.985f, 2.8f, 3);
+    const TSampleNode trigger = AddTrickle(effect, 300, 16);
+    const TSampleNode source = AddPoint(effect, 460, 0, 0.05f, 0);
+    const TSampleNode cone = AddCone(effect, 0, 1, 0, 0.975f, 2.65f, 3);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -4, 0});
     const TSampleNode integrate = effect.Add("Integrate");
-    const TSampleNode age = AddAge(effect, 1.42f);
+    const TSampleNode age = AddAge(effect, 1.38f);
     const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "drop.dds");
     trigger.Wire("Count", source, "Emission Trigger");
     cone.Wire("Velocity", gravity, "Velocity");
     source.Wire("Start Transform", integrate, "Position");
     gravity.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", stage, "Transform");
-    AddSizes(effect, age, 1.42f, {{0, 0.02f}, {0.4f, 0.045f}, {1, 0.035f}}).Wire("Value", stage, "Scale");
-    AddColours(effect, age, 1.42f,
-               {{0, 0.75f, 0.92f, 1, 0}, {0.08f, 0.6f, 0.86f, 1, 0.9f}, {1, 0.2f, 0.5f, 0.95f, 0.1f}})
+    AddSizes(effect, age, 1.38f, {{0, 0.03f}, {0.4f, 0.05f}, {1, 0.04f}}).Wire("Value", stage, "Scale");
+    AddColours(effect, age, 1.38f,
+               {{0, 0.75f, 0.92f, 1, 0},
+                {0.08f, 0.55f, 0.82f, 1, 0.9f},
+                {0.85f, 0.2f, 0.5f, 0.95f, 0.8f},
+                {1, 0.2f, 0.5f, 0.95f, 0}})
         .Wire("Value", stage, "Colour");
 }
 
@@ -95,14 +98,14 @@ void MakeCampfire(TSampleBuilder& effect)
 {
     const TSampleNode breeze = effect.Add("Constant");
 
-    const TSampleNode fireTrigger = AddTrickle(effect, 45, 4);
+    const TSampleNode fireTrigger = AddTrickle(effect, 60, 4);
     const TSampleNode hearth = effect.Add("Sphere Surface")
                                    .Int("Particle Count", 80)
                                    .Set("Translation", {0, 0.12f, 0, 0, 0, 0})
-                                   .Set("Scale", {0.2f, 0.04f, 0.2f});
-    const TSampleNode fireCone = AddCone(effect, 0, 1, 0, 0.95f, 0.35f, 0.7f);
-    const TSampleNode flicker = effect.Add("Turbulence").Set("Strength", {2});
-    const TSampleNode fireWind = effect.Add("Wind").Set("Strength", {0.5f});
+                                   .Set("Scale", {0.13f, 0.03f, 0.13f});
+    const TSampleNode fireCone = AddCone(effect, 0, 1, 0, 0.985f, 0.3f, 0.95f);
+    const TSampleNode flicker = effect.Add("Turbulence").Set("Strength", {1.2f});
+    const TSampleNode fireWind = effect.Add("Wind").Set("Strength", {0.25f});
     const TSampleNode fireIntegrate = effect.Add("Integrate");
     const TSampleNode fireAge = AddAge(effect, 0.9f);
     const TSampleNode frames = effect.Add("Animated Texture").Set("Time Range", {0.9f});
@@ -116,12 +119,12 @@ void MakeCampfire(TSampleBuilder& effect)
     fireIntegrate.Wire("Position", fire, "Transform");
     fireAge.Wire("Age", frames, "Time");
     frames.Wire("UVs", fire, "UVs");
-    AddSizes(effect, fireAge, 0.9f, {{0, 0.12f}, {0.3f, 0.22f}, {1, 0.1f}}).Wire("Value", fire, "Scale");
+    AddSizes(effect, fireAge, 0.9f, {{0, 0.16f}, {0.3f, 0.24f}, {1, 0.05f}}).Wire("Value", fire, "Scale");
     AddColours(effect, fireAge, 0.9f,
                {{0, 1, 0.9f, 0.6f, 0},
-                {0.15f, 1, 0.85f, 0.5f, 0.75f},
-                {0.6f, 1, 0.55f, 0.25f, 0.6f},
-                {1, 0.7f, 0.2f, 0.1f, 0}})
+                {0.15f, 1, 0.85f, 0.5f, 0.7f},
+                {0.55f, 1, 0.6f, 0.28f, 0.5f},
+                {1, 0.8f, 0.25f, 0.1f, 0}})
         .Wire("Value", fire, "Colour");
 
     const TSampleNode smokeTrigger = AddTrickle(effect, 9, 2);
@@ -147,20 +150,22 @@ void MakeCampfire(TSampleBuilder& effect)
     breeze.Set("Value", {0.3f, 0.1f, 0.08f});
 }
 
-// Everything at once, a flash in the middle of it, and an event for the game to play a sound at.
+// A flash every now and then, many sparks with each, and an event for the game to play a sound at.
 void MakeBurst(TSampleBuilder& effect)
 {
-    const TSampleNode trigger = AddBurst(effect, 180);
+    const TSampleNode trigger = AddTrickle(effect, 0.8f, 1);
     const TSampleNode sound = effect.Add("Event Trigger");
-    const TSampleNode source = AddPoint(effect, 200, 0, 1, 0);
-    const TSampleNode cone = AddCone(effect, 0, 1, 0, -1, 1, 3.4f);
-    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -1.2f, 0});
+    const TSampleNode count = effect.Add("Multiply");
+    const TSampleNode source = AddPoint(effect, 200, 0, 1.2f, 0);
+    const TSampleNode cone = AddCone(effect, 0, 1, 0, -1, 0.8f, 2.6f);
+    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.8f, 0});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.12f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode age = AddAge(effect, 1.6f);
-    const TSampleNode sparks = AddTrails(effect, 0.035f, 0.2f).Priority(0);
+    const TSampleNode sparks = AddTrails(effect, 0.045f, 0.22f).Priority(0);
     trigger.Wire("Count", sound, "Trigger");
-    trigger.Wire("Count", source, "Emission Trigger");
+    trigger.Wire("Count", count, "A");
+    count.Wire("Product", source, "Emission Trigger");
     cone.Wire("Velocity", gravity, "Velocity");
     gravity.Wire("Velocity", drag, "Velocity");
     source.Wire("Start Transform", integrate, "Position");
@@ -174,16 +179,16 @@ void MakeBurst(TSampleBuilder& effect)
                 {1, 0.4f, 0.05f, 0.3f, 0}})
         .Wire("Value", sparks, "Colour");
 
-    const TSampleNode flashTrigger = AddBurst(effect, 1);
-    const TSampleNode centre = AddPoint(effect, 1, 0, 1, 0);
+    const TSampleNode centre = AddPoint(effect, 1, 0, 1.2f, 0);
     const TSampleNode flashAge = AddAge(effect, 0.35f);
     const TSampleNode flash = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(10);
     flash.Choose("Alpha Blend.Dest Function", "One");
-    flashTrigger.Wire("Count", centre, "Emission Trigger");
+    trigger.Wire("Count", centre, "Emission Trigger");
     centre.Wire("Start Transform", flash, "Transform");
     AddSizes(effect, flashAge, 0.35f, {{0, 0.2f}, {0.3f, 1.1f}, {1, 1.4f}}).Wire("Value", flash, "Scale");
     AddColours(effect, flashAge, 0.35f, {{0, 1, 1, 0.9f, 1}, {1, 1, 0.6f, 0.2f, 0}})
         .Wire("Value", flash, "Colour");
+    count.Set("B", {96});
 }
 
 // Nine torches on a grid, lit in order over and over, each with frames from a sheet of sixteen.
@@ -478,7 +483,8 @@ void MakeImpact(TSampleBuilder& effect)
     rate.Set("B", {55});
 }
 
-// A disc that turns into the middle and is swallowed there. Its colour follows the speed, not an age.
+// A disc that turns into the middle and is swallowed there. Its colour follows the speed, not an age. The
+// dark that swallows it comes first and stays.
 void MakeVortex(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 55, 4);
@@ -502,7 +508,7 @@ void MakeVortex(TSampleBuilder& effect)
     const TSampleNode speed = effect.Add("Select Component").Choose("Component", "Length");
     const TSampleNode colours = effect.Add("Colour Over Life").Set("Life", {2.6f});
     const TSampleNode stage =
-        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.035f, 0.035f});
+        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.035f, 0.035f}).Priority(10);
     trigger.Wire("Count", disc, "Emission Trigger");
     disc.Wire("Position", x, "Vector");
     disc.Wire("Position", z, "Vector");
@@ -527,6 +533,15 @@ void MakeVortex(TSampleBuilder& effect)
     integrate.Wire("Position", stage, "Transform");
     forwards.Set("B", {1.8f});
     backwards.Set("B", {-1.8f});
+
+    const TSampleNode once = AddBurst(effect, 1);
+    const TSampleNode middle = AddPoint(effect, 1, 0, 0.8f, 0);
+    const TSampleNode dark = AddStage(effect, "Sprite Render Stage", "smoke.hvt")
+                                 .Set("Scale", {0.24f, 0.24f})
+                                 .Set("Colour", {0.06f, 0.02f, 0.12f, 0.95f})
+                                 .Priority(0);
+    once.Wire("Count", middle, "Emission Trigger");
+    middle.Wire("Start Transform", dark, "Transform");
 }
 
 // Fumes that start slowly, turn as they rise and fade from one picture to another.
@@ -564,7 +579,7 @@ void MakeFumes(TSampleBuilder& effect)
     vent.Wire("Start Transform", integrate, "Position");
     drag.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", stage, "Transform");
-    AddSizes(effect, age, 3.2f, {{0, 0.05f}, {0.4f, 0.28f}, {1, 0.5f}}).Wire("Value", stage, "Scale");
+    AddSizes(effect, age, 3.2f, {{0, 0.05f}, {0.4f, 0.26f}, {1, 0.46f}}).Wire("Value", stage, "Scale");
     AddCurve(effect, "Scalar Over Life", age, 3.2f)
         .Curve("Value", 0, {{0, 0}, {0.35f, 0}, {0.8f, 1}, {1, 1}})
         .Wire("Value", stage, "Blend");
@@ -577,7 +592,7 @@ void MakeFumes(TSampleBuilder& effect)
     spin.Set("Low", {-60}).Set("High", {60});
 }
 
-// Flakes that start anywhere in a wide box and totter down.
+// Flakes that start anywhere in a wide box, totter down and melt on the ground.
 void MakeSnow(TSampleBuilder& effect)
 {
     const TSampleNode trigger = effect.Add("Emitter")
@@ -590,32 +605,37 @@ void MakeSnow(TSampleBuilder& effect)
     const TSampleNode offset = effect.Add("Make Transform");
     const TSampleNode start = effect.Add("Add");
     const TSampleNode fall = AddCone(effect, 0, -1, 0, 0.97f, 0.34f, 0.5f);
-    const TSampleNode totter = effect.Add("Turbulence").Set("Strength", {1.2f});
+    const TSampleNode totter = effect.Add("Turbulence").Set("Strength", {0.7f});
+    const TSampleNode ground = effect.Add("Collision Plane").Set("Size", {2.5f, 2.5f});
     const TSampleNode integrate = effect.Add("Integrate");
-    const TSampleNode age = AddAge(effect, 5);
+    const TSampleNode end = effect.Add("Prune");
+    const TSampleNode age = AddAge(effect, 6);
     const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "flake.dds");
     trigger.Wire("Count", sky, "Emission Trigger");
     where.Wire("Value", offset, "Translation");
     turned.Wire("Value", offset, "Rotation");
     sky.Wire("Start Transform", start, "A");
     offset.Wire("Transform", start, "B");
-    start.Wire("Sum", integrate, "Position");
+    start.Wire("Sum", ground, "Position");
     fall.Wire("Velocity", totter, "Velocity");
-    totter.Wire("Velocity", integrate, "Velocity");
+    totter.Wire("Velocity", ground, "Velocity");
+    ground.Wire("Position", integrate, "Position");
+    ground.Wire("Velocity", integrate, "Velocity");
+    ground.Wire("Collision", end, "Kill");
     integrate.Wire("Position", stage, "Transform");
-    AddSizes(effect, age, 5, {{0, 0.02f}, {0.1f, 0.055f}, {0.9f, 0.055f}, {1, 0.02f}})
+    AddSizes(effect, age, 6, {{0, 0.02f}, {0.1f, 0.055f}, {0.9f, 0.055f}, {1, 0.02f}})
         .Wire("Value", stage, "Scale");
-    AddColours(effect, age, 5,
-               {{0, 0.9f, 0.95f, 1, 0},
-                {0.1f, 0.75f, 0.87f, 1, 1},
-                {0.85f, 0.6f, 0.78f, 1, 1},
-                {1, 0.6f, 0.78f, 1, 0}})
+    AddColours(effect, age, 6,
+               {{0, 0.4f, 0.62f, 1, 0},
+                {0.08f, 0.38f, 0.6f, 1, 1},
+                {0.9f, 0.25f, 0.45f, 0.9f, 1},
+                {1, 0.25f, 0.45f, 0.9f, 0}})
         .Wire("Value", stage, "Colour");
-    where.Set("Low", {-1.4f, -0.2f, -1.4f}).Set("High", {1.4f, 0.2f, 1.4f});
+    where.Set("Low", {-1.2f, -0.2f, -1.2f}).Set("High", {1.2f, 0.2f, 1.2f});
     turned.Set("Low", {0, 0, 0}).Set("High", {0, 0, 360});
 }
 
-// Leaves that tumble in every direction and go from green to brown on their way down.
+// Leaves that tumble in every direction and go from green to brown on their way to the ground.
 void MakeLeaves(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 12, 2);
@@ -629,10 +649,12 @@ void MakeLeaves(TSampleBuilder& effect)
     const TSampleNode tumble = effect.Add("Random Value");
     const TSampleNode motion = effect.Add("Make Transform");
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.25f, 0});
-    const TSampleNode breeze = effect.Add("Wind").Set("Wind", {0.2f, 0, 0.08f});
+    const TSampleNode breeze = effect.Add("Wind").Set("Wind", {0.15f, 0, 0.06f});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.8f});
+    const TSampleNode ground = effect.Add("Collision Plane").Set("Size", {2.5f, 2.5f});
     const TSampleNode integrate = effect.Add("Integrate");
-    const TSampleNode age = AddAge(effect, 4);
+    const TSampleNode end = effect.Add("Prune");
+    const TSampleNode age = AddAge(effect, 6);
     const TSampleNode stage = effect.Add("Blended Quad Render Stage")
                                   .Texture("Base Texture", "leafgreen.dds")
                                   .Texture("Blend Texture", "leafbrown.dds")
@@ -643,13 +665,16 @@ void MakeLeaves(TSampleBuilder& effect)
     motion.Wire("Transform", gravity, "Velocity");
     gravity.Wire("Velocity", breeze, "Velocity");
     breeze.Wire("Velocity", drag, "Velocity");
-    tree.Wire("Start Transform", integrate, "Position");
-    drag.Wire("Velocity", integrate, "Velocity");
+    tree.Wire("Start Transform", ground, "Position");
+    drag.Wire("Velocity", ground, "Velocity");
+    ground.Wire("Position", integrate, "Position");
+    ground.Wire("Velocity", integrate, "Velocity");
+    ground.Wire("Collision", end, "Kill");
     integrate.Wire("Position", stage, "Transform");
     AddCurve(effect, "Scalar Over Life", age, 4)
         .Curve("Value", 0, {{0, 0}, {0.2f, 0}, {0.8f, 1}, {1, 1}})
         .Wire("Value", stage, "Blend");
-    AddColours(effect, age, 4, {{0, 1, 1, 1, 0}, {0.08f, 1, 1, 1, 1}, {0.9f, 1, 1, 1, 1}, {1, 1, 1, 1, 0}})
+    AddColours(effect, age, 6, {{0, 1, 1, 1, 0}, {0.05f, 1, 1, 1, 1}, {0.9f, 1, 1, 1, 1}, {1, 1, 1, 1, 0}})
         .Wire("Value", stage, "Colour");
     tumble.Set("Low", {-240, -240, -240}).Set("High", {240, 240, 240});
 }

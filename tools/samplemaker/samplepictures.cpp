@@ -90,8 +90,8 @@ TTexel PaintSmoke(double x, double y)
 TTexel PaintWisp(double x, double y)
 {
     const double r = Length(x, y);
-    const double strands = GetFractalNoise(2.2 * x + 7, 5 * y, 0, 29);
-    const double alpha = Step(0.42, 0.68, strands) * Step(0, 0.55, 1 - r);
+    const double shreds = GetFractalNoise(2.6 * x + 7, 2.6 * y, 0, 29);
+    const double alpha = Step(0.32, 0.72, shreds) * Step(0, 0.7, 1 - r);
     return Tinted(0.95, 0.95, 0.95, alpha * 0.9);
 }
 
@@ -188,11 +188,11 @@ TTexel PaintFlame(double x, double y, int frame)
     constexpr int Period = 4;
     const double noise = GetFractalNoise(2.4 * x, 1.5 * y - Period * phase, Period, 71);
     const double up = (y + 1) / 2;
-    const double sway = (noise - 0.5) * 0.9 * up;
-    const double half = 0.62 * std::sqrt(Clamp(1 - up)) * Mix(0.75, 1, Step(0, 0.25, up));
+    const double sway = (noise - 0.5) * 0.6 * up;
+    const double half = 0.55 * std::sqrt(Clamp(1 - up)) * Mix(0.75, 1, Step(0, 0.25, up));
     const double body = half - std::fabs(x + sway) + (noise - 0.55) * 0.55 * up;
     const double heat = Step(-0.02, 0.5, body) * Mix(1, 0.45, up);
-    const double alpha = Step(0, 0.16, body) * Step(0, 0.12, up) * Step(0, 0.1, 1 - up);
+    const double alpha = Step(0, 0.32, body) * Step(0, 0.3, up) * Step(0, 0.25, 1 - up);
     return Tinted(1, Mix(0.28, 0.95, heat), Mix(0.03, 0.62, heat * heat), alpha);
 }
 

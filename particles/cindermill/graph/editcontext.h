@@ -34,6 +34,9 @@ public:
     virtual void UnhookEdge(TToolEdge* edge) = 0;
     // Half of what a new node's view object measures, for centring it; zeros without a view.
     virtual void GetNodeHalfSize(TToolNode* node, int& x, int& y) = 0;
+    // A node or edge that an operation made is about to be deleted with it.
+    virtual void ForgetNode(TToolNode* node) { (void)node; }
+    virtual void ForgetEdge(TToolEdge* edge) { (void)edge; }
     virtual void AddNodeDisplay(TNodeDisplay* display) = 0;
     virtual void RemoveNodeDisplay(TNodeDisplay* display) = 0;
     virtual void RedrawWindows() = 0;

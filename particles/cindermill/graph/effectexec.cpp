@@ -291,21 +291,6 @@ void TEffectExec::KillParticle(int group, int index)
         Groups[group]->KillParticle(index);
 }
 
-void TEffectExec::Render(TRenderer* renderer)
-{
-    if (!Inited || Groups.empty())
-        return;
-    for (int g = 0; g < GetNumGroups(); ++g) {
-        for (int t = 0; t < Schedule->GetNumTiedNodes(g); ++t) {
-            if (GetTiedUsage(g, t) != TU_RENDER)
-                continue;
-            TEffectExecNode* node = Place(g, t);
-            if (node != nullptr && !node->IsBypassed())
-                node->Render(renderer);
-        }
-    }
-}
-
 void TEffectExec::ExportNode(TExportData* exportdata, TErrorList& errors, int group, int tied)
 {
     TEffectExecNode* node = Place(group, tied);

@@ -8,7 +8,7 @@ class TErrorList;
 class TExecServices;
 class TExportData;
 class TParticleBuffer;
-class TRenderer;
+class TSceneView;
 
 // Runs a schedule frame by frame, and asks its nodes to describe themselves for an export.
 // It reads the schedule and the graph, which must outlive it or a Clear. Faults that a graph can provoke are
@@ -35,7 +35,8 @@ public:
     void SetTime(float time) { Time = time; }
     // One frame of dt seconds.
     void Update(float dt);
-    void Render(TRenderer* renderer);
+    // Draws all render nodes that are not bypassed. What they draw with needs a ready OpenGL.
+    void Render(const TSceneView& view);
     // Lets every node tell its commands, builds the model, checks the policies.
     bool Export(TExportData& exportData, TErrorList& errors);
 
@@ -74,6 +75,7 @@ private:
     void RunExecute(int group, int tied, float dt);
     void InitAttribute(int group, int attrib, int first, int count);
     void RunBirths(int group, int first, int count);
+    void RenderGroup(int group, const TSceneView& view);
     void ExportNode(TExportData* exportdata, TErrorList& errors, int group, int tied);
 
     TExecServices& Services;

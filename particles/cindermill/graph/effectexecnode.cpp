@@ -42,7 +42,7 @@ bool TEffectExecNode::Init(TErrorList&)
 
 void TEffectExecNode::Execute(int, float) {}
 
-void TEffectExecNode::Render(TRenderer*) {}
+void TEffectExecNode::Render(const TSceneView&) {}
 
 void TEffectExecNode::Export(TExportData&, TErrorList&) {}
 

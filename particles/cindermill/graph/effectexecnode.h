@@ -10,7 +10,8 @@
 #include "particles/effectgraph/error.h"
 #include "particles/effectgraph/exportdata.h"
 
-class TRenderer;
+class TQdxShader;
+class TSceneView;
 
 // The run-time object of one scheduled node. The engine sets its place (group, tied node, buffer) before each
 // call, because a node may be tied into several groups.
@@ -27,7 +28,8 @@ public:
     virtual bool Init(TErrorList& errors);
     // Computes for one particle index, or for index 0.
     virtual void Execute(int index, float dt);
-    virtual void Render(TRenderer* renderer);
+    // Draws the group.
+    virtual void Render(const TSceneView& view);
     virtual void Export(TExportData& exportData, TErrorList& errors);
     // Each output takes the same-named input, or zero.
     virtual void Bypass(int index);
@@ -66,6 +68,9 @@ protected:
     TPortValue ReadPortParameter(int port) const;
     // The type of the value at the port.
     int GetInputType(int port) const;
+    // For a render node: binds what feeds each input, in port order, to the program's attributes in the
+    // table's order. A transform takes two entries; -1 sets nothing.
+    void BindInputs(TQdxShader& program, const vector<int>& table) const;
     void AddParticles(int instance, int count);
     void KillParticle(int index);
     // The parameter of a path and kind, or null with the error "Missing parameter ..." in the list.
@@ -85,6 +90,10 @@ protected:
 
 private:
     TNodeParameter* RequireParameterOfKind(const char* path, int kind, TErrorList& errors) const;
+    void BindAttribute(TQdxShader& program, const vector<int>& table, int entry, int attrib,
+                       int numEntries) const;
+    // What no attribute feeds is the same for all particles.
+    void SetVertexDefaults(TQdxShader& program, const vector<int>& table, int entry, int port) const;
     void InitTraces();
     int GetTraceKey(int group, int tiedNode) const;
 

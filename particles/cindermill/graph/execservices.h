@@ -2,6 +2,8 @@
 
 #include "library/containers/string.h"
 
+class TRenderTextureInstance;
+
 // What the engine and its nodes need of the program around them: settings, resources and warnings.
 class TExecServices
 {
@@ -14,8 +16,8 @@ public:
     virtual int GetPolicyFlags() const = 0;
     // Turns a stored resource name into a real path; false if it cannot be found.
     virtual bool FindResource(const char* name, TString& path) = 0;
-    // Reads and checks a texture file.
-    virtual bool LoadTexture(const char* path) = 0;
+    // Reads and checks a texture file; on false the texture stays as it was.
+    virtual bool LoadTexture(const char* path, TRenderTextureInstance& texture) = 0;
     // Tells the artist of a resource that went bad while the effect runs.
     virtual void Warn(const char* text) = 0;
 };

@@ -224,6 +224,7 @@ void TAddGraphNodeOp::Undo(TEditContext& doc)
 
 void TAddGraphNodeOp::Discard(TEditContext& doc)
 {
+    doc.ForgetNode(Node);
     Node->UnregisterChunks(doc.GetChunks());
     delete Node;
     Node = nullptr;
@@ -320,9 +321,11 @@ void TAddGraphNodesOp::Discard(TEditContext& doc)
             TEffectEdge* edge = node->GetInput(i);
             if (edge == nullptr)
                 continue;
+            doc.ForgetEdge(static_cast<TToolEdge*>(edge));
             doc.GetChunks().RemoveChunk(edge);
             delete edge;
         }
+        doc.ForgetNode(node);
         delete node;
     }
     Nodes.clear();
@@ -572,6 +575,7 @@ void TAddGraphEdgeOp::Undo(TEditContext& doc)
 
 void TAddGraphEdgeOp::Discard(TEditContext& doc)
 {
+    doc.ForgetEdge(Edge);
     doc.GetChunks().RemoveChunk(Edge);
     delete Edge;
     Edge = nullptr;

@@ -3,7 +3,7 @@
 #include "library/containers/classregistry.h"
 
 class TEffectNode;
-class TRenderer;
+class TSceneView;
 
 // What the preview draws for a node that has a place in space. The class is named by the node's type.
 class TNodeDisplay
@@ -13,7 +13,10 @@ public:
     static int ClassId();
 
     virtual void Init(TEffectNode* node) { Node = node; }
-    virtual void Render(TRenderer* renderer) { (void)renderer; }
+    // Between the frames: the time to read files, which may ask or tell the user something.
+    virtual void Tick() {}
+    // With the preview's line program bound.
+    virtual void Render(const TSceneView& view) { (void)view; }
     void SetSelected(bool selected) { Selected = selected; }
     bool IsSelected() const { return Selected; }
 

@@ -99,7 +99,7 @@ void TParticleBuffer::Init(const TEffectSchedule& schedule, int group)
 {
     vector<TVertexStream::TElement> elements;
     const int streamStride = LayOut(schedule, group, elements);
-    Allocate(schedule, group);
+    Allocate(schedule, group, streamStride);
     VertexStream.Init(Blocks[TU_RENDER].Data, Blocks[TU_RENDER].Count, streamStride, elements);
 }
 
@@ -148,14 +148,18 @@ int TParticleBuffer::LayOut(const TEffectSchedule& schedule, int group,
     return offset;
 }
 
-void TParticleBuffer::Allocate(const TEffectSchedule& schedule, int group)
+void TParticleBuffer::Allocate(const TEffectSchedule& schedule, int group, int streamStride)
 {
     ASSERT_TEXT_MSG(CountBytes(schedule, group) <= MaxBytes, "CountBytes(schedule, group) <= MaxBytes",
                     TempFormat("Group %d needs too much memory for its particles", group));
     for (int u = 0; u < NumBlocks; ++u)
         Blocks[u].Count = CountItems(schedule, group, u);
-    for (TBlock& block : Blocks)
-        block.Data = new uint8_t[static_cast<size_t>(block.Stride) * static_cast<size_t>(block.Count)]();
+    for (TBlock& block : Blocks) {
+        // The card reads the render block by the stream's stride.
+        const bool isStream = &block == &Blocks[TU_RENDER] && streamStride > block.Stride;
+        const int stride = isStream ? streamStride : block.Stride;
+        block.Data = new uint8_t[static_cast<size_t>(stride) * static_cast<size_t>(block.Count)]();
+    }
     GlobalIds.resize(GetBufferSize());
     for (int& id : GlobalIds)
         id = -1;

@@ -4,6 +4,8 @@
 #include "particles/cindermill/graph/vertexstream.h"
 #include "particles/effectgraph/schedule.h"
 
+class TQdxShader;
+
 // The particles of one group: one block of items per usage, of which the process and the render block are
 // rings of the same capacity. A particle's index counts from the oldest living one; it is no ring position.
 class TParticleBuffer
@@ -53,6 +55,12 @@ public:
     int GetRenderAttrib(int attrib) const;
 
     const TVertexStream& GetVertexStream() const { return VertexStream; }
+    TVertexStream& GetVertexStream() { return VertexStream; }
+    // Gives the particles to the graphics card.
+    void Upload();
+    // Draws the living with the bound program, `perParticle` vertices for each: two runs where the ring
+    // wraps. The mask names the attributes that advance per vertex.
+    void DrawRuns(TQdxShader& program, int primitive, uint16_t cornerMask, int perParticle) const;
     const TBlock& GetBlock(int usage) const { return Blocks[usage]; }
     int GetAttribOffset(int attrib) const { return AttribOffsets[attrib]; }
     int GetHead() const { return Head; }
@@ -61,7 +69,7 @@ public:
 private:
     // Returns the bytes of a vertex in the stream.
     int LayOut(const TEffectSchedule& schedule, int group, vector<TVertexStream::TElement>& elements);
-    void Allocate(const TEffectSchedule& schedule, int group);
+    void Allocate(const TEffectSchedule& schedule, int group, int streamStride);
     int Wrap(int position) const;
     int RingPosition(int index) const;
     void MoveParticles(int from, int to, int count);

@@ -5,6 +5,9 @@
 
 #include <cstdint>
 
+class TArbProgram;
+class TRenderTextureInstance;
+
 // A literal of the instruction stream, which a parameter of the program may replace.
 struct TConstantRef
 {
@@ -54,7 +57,8 @@ struct TFragmentVariant
 {
     static constexpr int NumTargets = 16;
 
-    uint32_t ProgramId = 0;
+    // Made at the first Bind; owned by the fragment program.
+    TArbProgram* Program = nullptr;
     uint32_t Targets[NumTargets] = {};
     // The program's ConstantVersion when the constants were last sent.
     uint32_t ConstantVersion = 0;
@@ -67,6 +71,11 @@ class TQdxFragmentProgram
 public:
     static constexpr int NumUnits = 16;
     static constexpr int NumWposModes = 4;
+
+    TQdxFragmentProgram() = default;
+    ~TQdxFragmentProgram();
+    TQdxFragmentProgram(const TQdxFragmentProgram&) = delete;
+    TQdxFragmentProgram& operator=(const TQdxFragmentProgram&) = delete;
 
     // Translates the microcode at the front of a block of `size` bytes; the memory is not kept. False, with
     // the reason in the log, if the program does not end within the block. Once for each object.
@@ -81,6 +90,11 @@ public:
     TFragmentVariant* FindVariant(uint32_t wposMode);
     // A new variant, not assembled yet.
     TFragmentVariant& AddVariant(uint32_t wposMode);
+
+    // Switches the program on with its textures, one for each unit or null, and sends what has changed. False
+    // if the driver refused it. Needs a ready OpenGL.
+    bool Bind(const TRenderTextureInstance* const* textures);
+    void Unbind();
 
     // Changes a literal; a value that it has already changes nothing.
     void SetConstant(int refindex, const float* value);
@@ -99,6 +113,9 @@ public:
 private:
     friend class TFragmentContext;
 
+    // Gives the variant's text to the driver, once; false if it was refused.
+    bool Assemble(TFragmentVariant& variant) const;
+    void SendConstants(TFragmentVariant& variant) const;
     void GetFixUpLine(const TTextureRead& read, uint32_t target, TString& result) const;
     void GetCoordinate(const TTextureRead& read, const int* components, TString& result) const;
 

@@ -401,7 +401,7 @@ void TQdxShader::SetVertexStream(int attribute, TVertexStream* buffer, int offse
     VertexStreams[attribute].Offset = offset;
 }
 
-void TQdxShader::SetTexture(int index, TTexture* texture)
+void TQdxShader::SetTexture(int index, const TRenderTextureInstance* texture)
 {
     ASSERT(index >= 0 && index < NumTextures);
     Textures[index] = texture;
@@ -409,6 +409,6 @@ void TQdxShader::SetTexture(int index, TTexture* texture)
 
 void TQdxShader::ResetTextures()
 {
-    for (TTexture*& texture : Textures)
+    for (const TRenderTextureInstance*& texture : Textures)
         texture = nullptr;
 }

@@ -7,24 +7,25 @@
 
 class TQdxFragmentProgram;
 class TQdxVertexProgram;
+class TRenderTextureInstance;
 class TShaderImage;
-class TTexture;
 class TVertexStream;
 
 // A compiled console shader: one program with tables from the ids of names to its constants, vertex
-// attributes and samplers. Reading and translating one needs no OpenGL context. docs/shader-file.md has the
-// file format.
+// attributes and samplers. Reading and translating one needs no OpenGL context; from Bind on it needs a ready
+// one. docs/shader-file.md has the file format.
 class TQdxShader
 {
 public:
     static constexpr int NumVertexStreams = 16;
     static constexpr int NumTextures = 16;
 
-    // What feeds one vertex attribute.
+    // What feeds one vertex attribute: a stream's element by its offset, or the same value for all vertices.
     struct TStreamSlot
     {
         TVertexStream* Buffer = nullptr;
         int Offset = 0;
+        float Value[4] = {0, 0, 0, 1};
     };
 
     struct TEntry
@@ -65,10 +66,24 @@ public:
     TQdxVertexProgram* GetVertexProgram() const { return VertexProgram; }
     // Changes a constant of a fragment program: four floats, sent when the program is bound next.
     void SetFragmentConstant(int index, const float* value);
+    // The same, or for a vertex program, which must be bound, sends four floats for each of its slots.
+    void SetConstant(int index, const float* value);
     // The position of an attribute or a sampler in its table. The stream and the texture stay the caller's.
     void SetVertexStream(int attribute, TVertexStream* buffer, int offset);
-    void SetTexture(int index, TTexture* texture);
+    // One to four floats that all vertices have alike; those left out are 0, 0, 1.
+    void SetVertexValue(int attribute, const float* value, int count);
+    void SetTexture(int index, const TRenderTextureInstance* texture);
     void ResetTextures();
+
+    // Switches the program on with its textures or its default constants. False, with the driver's reason in
+    // the log of the first time, if the driver refused it: then nothing is switched on.
+    bool Bind();
+    // Switches it off, and forgets its textures and streams.
+    void Unbind();
+    // Draws vertices with the streams and values set, `perItem` of them for each item of a stream; an
+    // attribute whose bit stands in `perVertex` takes the first `perItem` items of its stream over and over
+    // instead. The vertex program must be bound.
+    void Draw(int primitive, int first, int count, uint16_t perVertex, int perItem);
 
     // Positions in the tables, -1 if there is no such name.
     int FindAttribute(const char* name) const;
@@ -81,7 +96,7 @@ public:
     const vector<vector<uint16_t>>& GetFragmentParameters() const { return FragmentParameters; }
     const vector<TDefaultConstant>& GetDefaultConstants() const { return DefaultConstants; }
     const TStreamSlot& GetVertexStream(int attribute) const { return VertexStreams[attribute]; }
-    TTexture* GetTexture(int index) const { return Textures[index]; }
+    const TRenderTextureInstance* GetTexture(int index) const { return Textures[index]; }
     // The path for a shader of a file, null for one of memory.
     const TString& GetName() const { return Name; }
 
@@ -96,6 +111,8 @@ private:
     bool ReadFragmentParameters(const TShaderImage& image, int block);
     bool ReadVertexBlock(const TShaderImage& image, int block);
     bool ReadDefaultConstants(const TShaderImage& image, int block);
+    void DrawInstances(int primitive, int firstItem, int numItems, uint16_t perVertex, int perItem);
+    void DrawExpanded(int primitive, int firstItem, int numItems, uint16_t perVertex, int perItem);
 
     vector<TEntry> Attributes;
     vector<TShaderConstant> Constants;
@@ -104,7 +121,7 @@ private:
     TQdxFragmentProgram* FragmentProgram = nullptr;
     TQdxVertexProgram* VertexProgram = nullptr;
     TStreamSlot VertexStreams[NumVertexStreams];
-    TTexture* Textures[NumTextures] = {};
+    const TRenderTextureInstance* Textures[NumTextures] = {};
     vector<TDefaultConstant> DefaultConstants;
     TString Name;
     const void* Source = nullptr;

@@ -8,12 +8,18 @@
 
 #include <cstdint>
 
+class TArbProgram;
 class TProgramText;
 
 // A vertex program: its instructions and its text for the assembler, translated once.
 class TQdxVertexProgram
 {
 public:
+    TQdxVertexProgram() = default;
+    ~TQdxVertexProgram();
+    TQdxVertexProgram(const TQdxVertexProgram&) = delete;
+    TQdxVertexProgram& operator=(const TQdxVertexProgram&) = delete;
+
     // The words are in the host's order. Once for each object.
     void Translate(const TVertexInstruction* code, int count);
 
@@ -25,6 +31,13 @@ public:
     const vector<TVertexRange>& GetRanges() const { return Ranges.GetRanges(); }
     // Instructions that are branched to, ascending.
     const vector<uint16_t>& GetLabels() const { return Labels; }
+
+    // Switches the program on, assembling it the first time. False if the driver refused it. Needs a ready
+    // OpenGL.
+    bool Bind();
+    void Unbind();
+    // For the bound program: four floats of a constant slot, an environment's parameter or one of its own.
+    void SetConstant(int slot, const float* value) const;
 
     static uint32_t HashCode(const TVertexInstruction* code, int count);
 
@@ -53,4 +66,6 @@ private:
     // While the text is written: the label that comes next, and the operations written.
     int NextLabel = 0;
     int OperationCount = 0;
+    // Made at the first Bind.
+    TArbProgram* Program = nullptr;
 };

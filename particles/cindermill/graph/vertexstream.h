@@ -5,7 +5,7 @@
 #include <cstdint>
 
 // Vertex data as the graphics card reads it: `Count` items of `Stride` bytes, of which each element is a
-// part.
+// part. With a ready OpenGL the card holds a copy; the buffer for it is made at the first use.
 class TVertexStream
 {
 public:
@@ -19,19 +19,38 @@ public:
         bool Normalised = false;
     };
 
-    // The data stays the caller's.
+    TVertexStream() = default;
+    ~TVertexStream();
+    TVertexStream(const TVertexStream&) = delete;
+    TVertexStream& operator=(const TVertexStream&) = delete;
+
+    // The data stays the caller's; it must be as long as the items together.
     void Init(void* data, int count, int stride, const vector<TElement>& elements);
+    // Replaces all of the card's copy. Without a ready OpenGL, or with software vertices, there is none.
+    void Upload();
+    // Makes the buffer the one that attribute pointers are offsets in, and returns where they count from:
+    // with no buffer, the data itself.
+    const uint8_t* BindBuffer();
 
     void* GetData() const { return Data; }
     int GetSize() const { return Size; }
     int GetCount() const { return Count; }
     int GetStride() const { return Stride; }
+    // -1 for none.
+    int GetBufferId() const { return BufferId; }
     const vector<TElement>& GetElements() const { return Elements; }
+    // The element that begins at an offset of the item.
+    const TElement& GetElementAt(int offset) const;
+
+    // Keeps vertices out of the card's buffers from now on, for drivers that do badly with them.
+    static void SetSoftwareVertices(bool software);
+    static bool HasSoftwareVertices();
 
 private:
     void* Data = nullptr;
     int Size = 0;
     int Count = 0;
     int Stride = 0;
+    int BufferId = -1;
     vector<TElement> Elements;
 };

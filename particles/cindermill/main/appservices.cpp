@@ -1,7 +1,7 @@
 #include "particles/cindermill/main/appservices.h"
 
-#include "library/containers/image/image.h"
 #include "library/system/message.h"
+#include "library/wimp/gl/rendertexture.h"
 #include "particles/cindermill/main/resourcelocator.h"
 #include "particles/cindermill/main/settings.h"
 #include "particles/effectgraph/exportdata.h"
@@ -28,10 +28,13 @@ bool TAppServices::FindResource(const char* name, TString& path)
     return Locator.Find(name, path) != FR_NOTFOUND;
 }
 
-bool TAppServices::LoadTexture(const char* path)
+bool TAppServices::LoadTexture(const char* path, TRenderTextureInstance& texture)
 {
-    TImage image;
-    return image.Load(path);
+    TRenderTextureInstance loaded;
+    if (!loaded.Load(path))
+        return false;
+    texture = loaded;
+    return true;
 }
 
 void TAppServices::Warn(const char* text)

@@ -16,7 +16,7 @@ public:
     int GetTraceAttributeSize() const override;
     int GetPolicyFlags() const override;
     bool FindResource(const char* name, TString& path) override;
-    bool LoadTexture(const char* path) override;
+    bool LoadTexture(const char* path, TRenderTextureInstance& texture) override;
     void Warn(const char* text) override;
 
 private:

@@ -1,9 +1,14 @@
 #include "particles/cindermill/main/cindermillapp.h"
 
 #include "library/system/file.h"
+#include "library/system/message.h"
 #include "library/system/path.h"
 #include "particles/cindermill/graph/graphoperations.h"
 #include "particles/cindermill/graph/nodes/nodes.h"
+#include "particles/cindermill/main/apphost.h"
+#include "particles/cindermill/main/displayerrors.h"
+#include "particles/cindermill/main/document.h"
+#include "particles/cindermill/main/documenthost.h"
 #include "particles/cindermill/main/settingsstore.h"
 #include "particles/effectgraph/effectgraph.h"
 
@@ -16,8 +21,8 @@ void RegisterAllClasses()
     RegisterExecNodes();
 }
 
-TCindermillApp::TCindermillApp(TSettingsStore* store)
-    : Store(store), Settings(store), ResourceLocator(Settings)
+TCindermillApp::TCindermillApp(TSettingsStore* store, TAppHost* host)
+    : Host(host), Store(store), Settings(store), ResourceLocator(Settings)
 {
     StaticInstance = this;
     RegisterAllClasses();
@@ -50,6 +55,31 @@ bool TCindermillApp::InitHeadless()
     return false;
 }
 
+bool TCindermillApp::InitSettings()
+{
+    Settings.Load();
+    if (ResourceLocator.Init(ProgramDirectory, false))
+        return true;
+    ShowMessage("Failed to initialise resource locator");
+    return false;
+}
+
+// A directory that the user points at serves for this run only.
+bool TCindermillApp::InitNodeTypes()
+{
+    TString directory;
+    if (!FindNodeTypesDirectory(directory)) {
+        ShowMessage("Could not scan node types directory - please locate");
+        if (!Host->ChooseFolder("Select nodes directory", directory))
+            return false;
+    }
+    TErrorList errors;
+    LoadNodeTypes(directory, errors);
+    if (!errors.empty())
+        DisplayErrors("Loading node types", errors);
+    return true;
+}
+
 bool TCindermillApp::FindNodeTypesDirectory(TString& path) const
 {
     const TString& directory = Settings.GetNodeTypesDirectory();
@@ -59,10 +89,23 @@ bool TCindermillApp::FindNodeTypesDirectory(TString& path) const
     const char first = *directory.Print();
     if (first == 0 || first == '/' || first == '\\' || directory.IsAbsolutePath())
         return false;
-    path = ProgramDirectory;
-    path += "\\";
-    path += directory;
-    return IsDirectory(path);
+    return FindFolder(directory, path);
+}
+
+// A program that was not installed lies some levels below the root of its sources.
+bool TCindermillApp::FindFolder(const char* name, TString& path) const
+{
+    constexpr int Levels = 4;
+    TString directory = ProgramDirectory;
+    for (int level = 0; level < Levels && !directory.IsEmpty(); ++level) {
+        path = directory;
+        path += "\\";
+        path += name;
+        if (IsDirectory(path))
+            return true;
+        directory.TruncateAtLast('\\');
+    }
+    return false;
 }
 
 void TCindermillApp::LoadNodeTypes(const char* path, TErrorList& errors)
@@ -73,4 +116,18 @@ void TCindermillApp::LoadNodeTypes(const char* path, TErrorList& errors)
 void TCindermillApp::GetVersion(TString& version)
 {
     version.Format("Cindermill v0.0 (Mar 18 2008, 17:35:08) Build %d", 3879);
+}
+
+void TCindermillApp::SetActiveDocWindow(TDocWindow* window, TDocument* document)
+{
+    ActiveDocWindow = window;
+    ActiveDocument = document;
+}
+
+void TCindermillApp::OnIdle()
+{
+    for (int i = 0; i < Documents.size(); ++i)
+        Documents[i]->OnIdle();
+    if (Settings.GetAutoCheckUpdate() != 0)
+        ChangeNotify.Poll();
 }

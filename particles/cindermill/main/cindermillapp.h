@@ -1,22 +1,54 @@
 #pragma once
 
+#include "particles/cindermill/main/changenotify.h"
 #include "particles/cindermill/main/clipboard.h"
 #include "particles/cindermill/main/resourcelocator.h"
 #include "particles/cindermill/main/settings.h"
 #include "particles/effectgraph/nodetypelibrary.h"
 
+class TAppHost;
+class TDocument;
+class TDocWindow;
 class TErrorList;
 class TSettingsStore;
 
 // Makes every class known that files and node types name.
 void RegisterAllClasses();
 
-// The one object that lives for the whole run: settings, node types, the resource locator and the clipboard.
+// The commands of the menus, by their ids.
+enum TMenuId
+{
+    MI_NEW = 57600,
+    MI_OPEN = 57601,
+    MI_SAVE = 57603,
+    MI_SAVEAS = 57604,
+    MI_EXPORT = 40006,
+    MI_PROPERTIES = 40211,
+    MI_RECENTFILES = 40009,
+    // The first of the recent files; the others follow.
+    MI_RECENTFILE = 40010,
+    MI_EXIT = 40001,
+    MI_UNDO = 57643,
+    MI_REDO = 57644,
+    MI_CUT = 57635,
+    MI_COPY = 57634,
+    MI_PASTE = 57637,
+    MI_DELETE = 40002,
+    MI_FOCUSSELECTED = 40213,
+    MI_FOCUSALL = 40214,
+    MI_NEWVIEW = 40004,
+    MI_SHOWPARTICLES = 40005,
+    MI_CASCADE = 57650
+};
+
+// The one object that lives for the whole run: open documents, settings, node types, the resource locator,
+// the change watcher and the clipboard. The windows stand above it and are reached through the host.
 class TCindermillApp
 {
 public:
-    // Takes the store over.
-    explicit TCindermillApp(TSettingsStore* store);
+    // Takes the store over. Without a host there are no windows: a batch run.
+    explicit TCindermillApp(TSettingsStore* store, TAppHost* host = nullptr);
+    // Open documents are left as they are: a program that ends has asked about them.
     ~TCindermillApp();
     TCindermillApp(const TCindermillApp&) = delete;
     TCindermillApp& operator=(const TCindermillApp&) = delete;
@@ -26,18 +58,57 @@ public:
 
     // The start without windows and questions. No node types are loaded.
     bool InitHeadless();
+    // The first steps of the start with windows: the settings, then the locator. Failures are shown.
+    bool InitSettings();
+    // The later steps, once the main window stands: node types are found, with a question where they lie, and
+    // loaded. False to end the program.
+    bool InitNodeTypes();
     bool IsHeadless() const { return HeadlessMode; }
-    // Where the node types lie: the settings' directory, which may be relative to the working directory or to
-    // the program. False if there is none.
+    // Where the node types lie: the settings' directory, which may be relative to the working directory, to
+    // the program, or to one of the folders that the program lies in. False if there is none.
     bool FindNodeTypesDirectory(TString& path) const;
     void LoadNodeTypes(const char* path, TErrorList& errors);
 
     // "Cindermill v0.0 (...) Build ...".
     static void GetVersion(TString& version);
 
+    // One idle pass: every document's, then the change watcher's.
+    void OnIdle();
+    // The view that commands go to, and its document; nulls for none. Views call it when they are clicked.
+    void SetActiveDocWindow(TDocWindow* window, TDocument* document);
+    TDocWindow* GetActiveDocWindow() const { return ActiveDocWindow; }
+    TDocument* GetActiveDocument() const { return ActiveDocument; }
+    // In the order in which they were opened.
+    const vector<TDocument*>& GetDocuments() const { return Documents; }
+
+    // What a menu entry does. False for an id that is none of the menus'.
+    bool OnMenu(int id);
+    bool NewDocument();
+    bool OpenDocument(const char* path);
+    void OpenDocumentDialog();
+    void SaveActive();
+    void SaveActiveAs();
+    // False: nothing was saved, and the caller must stop what it is doing. A write that failed was told to
+    // the user, leaves the document modified, and counts as true.
+    bool Save(TDocument& document);
+    bool SaveAs(TDocument& document);
+    void ExportActive();
+    // Asks about unsaved work, then deletes the document with its windows: a window that calls this from its
+    // own message may not be touched after it.
+    void CloseDocument(TDocument* document);
+    // The Exit command and the main window's close box.
+    void ExitRequest();
+    // A place of the screen.
+    void OnDropFiles(int x, int y, const vector<TString>& files);
+    void AddRecentFile(const char* path);
+    void CopyToClipboard(const vector<TToolNode*>& nodes);
+    // New nodes of the document, connected as the copied ones were, not yet in its graph.
+    void PasteFromClipboard(TDocument& document, vector<TToolNode*>& nodes);
+
     TSettings& GetSettings() { return Settings; }
     TNodeTypeLibrary& GetNodeTypes() { return NodeTypes; }
     TResourceLocator& GetResourceLocator() { return ResourceLocator; }
+    TChangeNotify& GetChangeNotify() { return ChangeNotify; }
     TClipboard& GetClipboard() { return Clipboard; }
     // Without a separator at its end.
     const TString& GetProgramDirectory() const { return ProgramDirectory; }
@@ -45,11 +116,30 @@ public:
 private:
     static TCindermillApp* StaticInstance;
 
+    bool FindFolder(const char* name, TString& path) const;
+    bool OnRecentFile(int id);
+    bool OnDocumentMenu(int id);
+    bool OnViewMenu(int id);
+    bool AddDocument(const char* path);
+    void DeleteDocument(TDocument* document);
+    bool ChooseEffect(bool open, const char* title, TString& path);
+    bool MakeWritable(const char* path, const char* purpose);
+    bool ConfirmOverwrite(const char* path);
+    bool SettleModified(const vector<TDocument*>& documents);
+    bool DropAnimation(int x, int y, const char* file);
+
+    TAppHost* Host;
+    vector<TDocument*> Documents;
+    TDocWindow* ActiveDocWindow = nullptr;
+    TDocument* ActiveDocument = nullptr;
     TSettingsStore* Store;
     TSettings Settings;
     TNodeTypeLibrary NodeTypes;
     TResourceLocator ResourceLocator;
+    TChangeNotify ChangeNotify;
     TClipboard Clipboard;
     TString ProgramDirectory;
     bool HeadlessMode = false;
+    // Until an effect was chosen, the choosers for effects begin in the samples.
+    bool EffectChosen = false;
 };

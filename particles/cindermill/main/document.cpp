@@ -76,6 +76,9 @@ TDocument::TDocument(TCindermillApp& app, TDocumentHost* host)
 
 TDocument::~TDocument()
 {
+    if (Host != nullptr)
+        Host->DeleteWindows(*this);
+    Host = nullptr;
     EffectExecSchedule.Clear();
     Chunks.Clear();
 }
@@ -313,6 +316,7 @@ void TDocument::SelectNode(TToolNode* node, bool clearFirst)
         ClearSelection();
     Selected.push_back(node);
     node->SetSelected(true);
+    TouchNode(node);
 }
 
 void TDocument::DeselectNode(TToolNode* node)
@@ -322,19 +326,23 @@ void TDocument::DeselectNode(TToolNode* node)
         return;
     Selected.erase(it);
     node->SetSelected(false);
+    TouchNode(node);
 }
 
 void TDocument::ClearSelection()
 {
-    for (TToolNode* node : Selected)
+    vector<TToolNode*> nodes;
+    nodes.swap(Selected);
+    for (TToolNode* node : nodes) {
         node->SetSelected(false);
-    Selected.clear();
+        TouchNode(node);
+    }
 }
 
 void TDocument::CopySelection()
 {
     if (!Selected.empty())
-        App.GetClipboard().Copy(Selected);
+        App.CopyToClipboard(Selected);
 }
 
 void TDocument::CutSelection()
@@ -346,29 +354,22 @@ void TDocument::CutSelection()
     ClearSelection();
 }
 
-// The clipboard's own nodes move along, so that repeated pasting cascades.
 void TDocument::Paste()
 {
-    constexpr int Step = 10;
-    const TClipboard& clipboard = App.GetClipboard();
-    if (clipboard.IsEmpty())
+    if (App.GetClipboard().IsEmpty())
         return;
     vector<TToolNode*> nodes;
-    for (TToolNode* source : clipboard.GetNodes()) {
-        source->MoveBy(Step, Step);
-        TToolNode* node = new TToolNode;
-        node->Create(this, *source->GetNodeType(), source->GetX(), source->GetY(), false);
-        nodes.push_back(node);
-    }
-    for (const TClipboard::TEdge& record : clipboard.GetEdges()) {
-        TToolEdge* edge = new TToolEdge;
-        edge->Connect(nodes[record.SrcNode], record.SrcPort, nodes[record.DstNode], record.DstPort);
-        edge->AttachEnds();
-    }
+    App.PasteFromClipboard(*this, nodes);
     ClearSelection();
     for (TToolNode* node : nodes)
         SelectNode(node, false);
     ApplyOperation(new TAddGraphNodesOp(*this, nodes));
+}
+
+void TDocument::OnIdle()
+{
+    if (Host != nullptr)
+        Host->OnIdle(*this);
 }
 
 void TDocument::OnGraphChanged(void* data)
@@ -471,9 +472,10 @@ void TDocument::RebuildSchedule(bool suppressDialog)
         Host->ScheduleChanged(*this);
 }
 
+// A schedule whose engine could not be made is tried again: what was missing may have come.
 bool TDocument::EnsureSchedule()
 {
-    if (Schedule.IsCreated())
+    if (Schedule.IsCreated() && EffectExecSchedule.IsInited())
         return true;
     TErrorList errors;
     if (CreateSchedule(errors) && InitEngine(errors, true))
@@ -644,6 +646,18 @@ void TDocument::GetNodeHalfSize(TToolNode* node, int& x, int& y)
     x = y = 0;
     if (Host != nullptr)
         Host->GetNodeHalfSize(node, x, y);
+}
+
+void TDocument::ForgetNode(TToolNode* node)
+{
+    if (Host != nullptr)
+        Host->ForgetNode(node);
+}
+
+void TDocument::ForgetEdge(TToolEdge* edge)
+{
+    if (Host != nullptr)
+        Host->ForgetEdge(edge);
 }
 
 void TDocument::AddNodeDisplay(TNodeDisplay* display)

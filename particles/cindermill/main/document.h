@@ -26,7 +26,7 @@ enum TBatchResult
 class TDocument : public TEditContext
 {
 public:
-    // Without a host the document has no windows.
+    // Without a host the document has no windows. The host stays the caller's and outlives the document.
     explicit TDocument(TCindermillApp& app, TDocumentHost* host = nullptr);
     ~TDocument() override;
     TDocument(const TDocument&) = delete;
@@ -51,6 +51,9 @@ public:
     // Writes a batch export's outcome to the log.
     static void LogBatchResult(TBatchResult result, const TErrorList& errors);
 
+    TDocumentHost* GetHost() const { return Host; }
+    // The share of the document and its windows in an idle pass.
+    void OnIdle();
     const TString& GetPath() const { return Path; }
     bool IsModified() const { return Modified; }
     void SetModified(bool modified);
@@ -99,6 +102,10 @@ public:
     void LayoutEdge(TToolEdge* edge) override;
     void UnhookEdge(TToolEdge* edge) override;
     void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
+    void ForgetNode(TToolNode* node) override;
+    void ForgetEdge(TToolEdge* edge) override;
+    // What the preview shows of the nodes in the graph.
+    const sortedmap<TNodeDisplay*, bool>& GetNodeDisplays() const { return NodeDisplay; }
     void AddNodeDisplay(TNodeDisplay* display) override;
     void RemoveNodeDisplay(TNodeDisplay* display) override;
     void RedrawWindows() override;

@@ -3,6 +3,7 @@
 class TDocument;
 class TToolEdge;
 class TToolNode;
+class TWindow;
 
 // The windows of a document, as far as the document speaks to them. Without a host a document has none: a
 // batch run.
@@ -12,8 +13,19 @@ public:
     virtual ~TDocumentHost() = default;
     virtual bool CreateParticleWindow(TDocument& document) = 0;
     virtual void ShowParticleWindow(TDocument& document) = 0;
-    // The document's first view.
+    // The document's first view, which becomes the application's active one.
     virtual bool CreateView(TDocument& document) = 0;
+    // A further view.
+    virtual bool NewView(TDocument& document) = 0;
+    // The document is being deleted: traces, views and the particle window go, in this order. Also after a
+    // New or Load that failed halfway.
+    virtual void DeleteWindows(TDocument& document) = 0;
+    // The document's idle pass: ticks of the drawing, the views' animations, the preview's tick.
+    virtual void OnIdle(TDocument& document) = 0;
+    // Whether the window is one of the document's frames, palettes, headers or graph views.
+    virtual bool OwnsWindow(TWindow* window) = 0;
+    // A file dropped at a place of the screen onto a window that is the document's: graph views take it.
+    virtual void OnDrop(TDocument& document, TWindow* window, int x, int y, const char* path) = 0;
     virtual void FrameAllNodes(TDocument& document) = 0;
     virtual void UpdateTitles(TDocument& document) = 0;
     virtual void RedrawWindows(TDocument& document) = 0;
@@ -28,4 +40,7 @@ public:
     virtual void LayoutEdge(TToolEdge* edge) = 0;
     virtual void UnhookEdge(TToolEdge* edge) = 0;
     virtual void GetNodeHalfSize(TToolNode* node, int& x, int& y) = 0;
+    // The node or edge, which is in no graph any more, is about to be deleted.
+    virtual void ForgetNode(TToolNode* node) = 0;
+    virtual void ForgetEdge(TToolEdge* edge) = 0;
 };

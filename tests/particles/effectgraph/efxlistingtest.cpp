@@ -3,6 +3,7 @@
 #include "particles/effectgraph/efxtestfile.h"
 
 #include <filesystem>
+#include <limits>
 #include <random>
 
 namespace {
@@ -105,6 +106,20 @@ TEST(ListEfx, DecodesStateWords)
           "state: AlphaTestEnable 1\n", "state: AlphaFunc GL_GREATER 127\n", "state: DepthFunc GL_LEQUAL\n",
           "state: CullFace 0x64\n", "state: PolygonOffset 1.5 4\n"})
         EXPECT_TRUE(l.Has(text)) << text << "\n" << l.Lines;
+}
+
+TEST(ListEfx, WhatIsNoNumberHasNoSign)
+{
+    const TFullGraph full;
+    TExported e(full.G);
+    e.Speak(full.Stage, [](TExportData& data) {
+        data.AddRenderStage("IdQuadRenderStage", TFullGraph::Attribs(), 0);
+        data.GetStageState().PolygonOffset(-std::numeric_limits<float>::quiet_NaN(), 2);
+    });
+    ASSERT_EQ(e.Build(), "");
+    const TListing l(WriteAndRead(*e));
+    ASSERT_TRUE(l.Sound) << l.Fault;
+    EXPECT_TRUE(l.Has("state: PolygonOffset nan 4\n")) << l.Lines;
 }
 
 TEST(ListEfx, FileThatIsNotThere)

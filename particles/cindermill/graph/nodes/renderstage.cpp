@@ -108,7 +108,7 @@ bool TRenderStage::InitTexture(int texture, TErrorList& errors)
         errors.Add(new TError("Could not resolve path for texture %s", fileName.Print()));
         return false;
     }
-    if (!GetServices().LoadTexture(path)) {
+    if (!GetServices().LoadTexture(path, slot.Texture)) {
         errors.Add(new TError("Could not load texture %s\n", fileName.Print()));
         return false;
     }
@@ -141,7 +141,7 @@ void TRenderStage::ReloadTexture(const TNodeParameter* parameter)
         TString path;
         if (!GetServices().FindResource(fileName.Print(), path))
             continue;
-        if (GetServices().LoadTexture(path)) {
+        if (GetServices().LoadTexture(path, slot.Texture)) {
             slot.Path = path;
         } else {
             TString warning;
@@ -172,31 +172,47 @@ void TRenderStage::Export(TExportData& exportData, TErrorList&)
     exportData.AddRenderStage(StaticData.Kind.Command, StaticData.AttribTable, 0);
     for (int i = 0; StaticData.Kind.Textures[i].Parameter != nullptr; ++i)
         exportData.SetStageTexture(i, Textures[i].Parameter->GetFileName());
-    ExportStates(exportData.GetStageState());
+    const TStates states = GetStates();
+    TGpuState& state = exportData.GetStageState();
+    if (states.Blend) {
+        state.Enable(SB_BLEND);
+        state.BlendEquation(states.BlendEquation);
+        state.BlendFunc(states.SourceFunction, states.DestFunction);
+    }
+    if (states.AlphaTest) {
+        state.Enable(SB_ALPHATEST);
+        state.AlphaFunc(states.AlphaFunction, states.RefValue);
+    }
+    if (states.DepthTest) {
+        state.Enable(SB_DEPTHTEST);
+        state.DepthFunc(states.DepthFunction);
+    }
+    if (states.CullFace) {
+        state.Enable(SB_CULLFACE);
+        state.CullFace(states.Face);
+    }
+    if (states.PolygonOffset) {
+        state.Enable(SB_POLYGONOFFSET);
+        state.PolygonOffset(states.OffsetFactor, states.OffsetUnits);
+    }
 }
 
-void TRenderStage::ExportStates(TGpuState& state) const
+TRenderStage::TStates TRenderStage::GetStates() const
 {
-    if (IsOn(SP_ALPHABLEND)) {
-        state.Enable(SB_BLEND);
-        state.BlendEquation(Clamped(BlendEquations, GetNumber(SP_BLENDEQUATION)));
-        state.BlendFunc(Clamped(BlendFunctions, GetNumber(SP_SOURCEFUNCTION)),
-                        Clamped(BlendFunctions, GetNumber(SP_DESTFUNCTION)));
-    }
-    if (IsOn(SP_ALPHATEST)) {
-        state.Enable(SB_ALPHATEST);
-        state.AlphaFunc(Clamped(CompareFunctions, GetNumber(SP_ALPHAFUNCTION)), GetScalar(SP_REFVALUE));
-    }
-    if (IsOn(SP_DEPTHTEST)) {
-        state.Enable(SB_DEPTHTEST);
-        state.DepthFunc(Clamped(CompareFunctions, GetNumber(SP_DEPTHFUNCTION)));
-    }
-    if (IsOn(SP_CULLFACE)) {
-        state.Enable(SB_CULLFACE);
-        state.CullFace(Clamped(Faces, GetNumber(SP_CULLMODE)));
-    }
-    if (IsOn(SP_POLYGONOFFSET)) {
-        state.Enable(SB_POLYGONOFFSET);
-        state.PolygonOffset(GetScalar(SP_OFFSETFACTOR), GetScalar(SP_OFFSETUNITS));
-    }
+    TStates states;
+    states.Blend = IsOn(SP_ALPHABLEND);
+    states.BlendEquation = Clamped(BlendEquations, GetNumber(SP_BLENDEQUATION));
+    states.SourceFunction = Clamped(BlendFunctions, GetNumber(SP_SOURCEFUNCTION));
+    states.DestFunction = Clamped(BlendFunctions, GetNumber(SP_DESTFUNCTION));
+    states.AlphaTest = IsOn(SP_ALPHATEST);
+    states.AlphaFunction = Clamped(CompareFunctions, GetNumber(SP_ALPHAFUNCTION));
+    states.RefValue = GetScalar(SP_REFVALUE);
+    states.DepthTest = IsOn(SP_DEPTHTEST);
+    states.DepthFunction = Clamped(CompareFunctions, GetNumber(SP_DEPTHFUNCTION));
+    states.CullFace = IsOn(SP_CULLFACE);
+    states.Face = Clamped(Faces, GetNumber(SP_CULLMODE));
+    states.PolygonOffset = IsOn(SP_POLYGONOFFSET);
+    states.OffsetFactor = GetScalar(SP_OFFSETFACTOR);
+    states.OffsetUnits = GetScalar(SP_OFFSETUNITS);
+    return states;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/wimp/gl/rendertexture.h"
 #include "particles/cindermill/graph/effectexecnode.h"
 #include "particles/cindermill/graph/qdxshader.h"
 #include "particles/effectgraph/simpleparameters.h"
@@ -63,6 +64,8 @@ class TRenderStage : public TEffectExecNode
 public:
     ~TRenderStage() override;
     bool Init(TErrorList& errors) override;
+    // With the states of the groups that are switched on; draws nothing if the driver has refused a program.
+    void Render(const TSceneView& view) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
 
     const TRenderStageStatic& GetStaticData() const { return StaticData; }
@@ -103,6 +106,26 @@ private:
     {
         TNodeTextureParameter* Parameter = nullptr;
         TString Path;
+        TRenderTextureInstance Texture;
+    };
+
+    // The groups that are switched on, with their values in codes that OpenGL and the console share.
+    struct TStates
+    {
+        bool Blend = false;
+        uint32_t BlendEquation = 0;
+        uint32_t SourceFunction = 0;
+        uint32_t DestFunction = 0;
+        bool AlphaTest = false;
+        uint32_t AlphaFunction = 0;
+        float RefValue = 0;
+        bool DepthTest = false;
+        uint32_t DepthFunction = 0;
+        bool CullFace = false;
+        uint32_t Face = 0;
+        bool PolygonOffset = false;
+        float OffsetFactor = 0;
+        float OffsetUnits = 0;
     };
 
     static const TStateParameterKind StateParameterKinds[SP_NUMPARAMETERS];
@@ -115,7 +138,11 @@ private:
     bool IsOn(TStateParameter group) const;
     int GetNumber(TStateParameter parameter) const;
     float GetScalar(TStateParameter parameter) const;
-    void ExportStates(TGpuState& state) const;
+    TStates GetStates() const;
+    void BindTextures() const;
+    void SetUniforms(const TSceneView& view) const;
+    static void SetStates(const TStates& states);
+    static void ClearStates(const TStates& states);
 
     TRenderStageStatic& StaticData;
     TTextureSlot Textures[TRenderStageKind::MaxTextures];

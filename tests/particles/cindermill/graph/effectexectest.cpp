@@ -1,5 +1,6 @@
 #include "enginetestnodes.h"
 
+#include "library/wimp/gl/sceneview.h"
 #include "particles/effectgraph/exportdata.h"
 
 namespace {
@@ -281,11 +282,11 @@ TEST(TEffectExec, RenderRunsTheRenderNodesThatAreNotBypassed)
     bench.Build();
     bench.Emit(1);
     TTestExecNode::Calls().clear();
-    bench.Exec.Render(nullptr);
+    bench.Exec.Render(TSceneView());
     EXPECT_EQ(TTestExecNode::Calls(), TCalls{"Sprite.Render " + std::to_string(bench.ParticleGroup)});
     bench.Sprite->GetNodeType()->SetFlag(FL_BYPASSED, true);
     TTestExecNode::Calls().clear();
-    bench.Exec.Render(nullptr);
+    bench.Exec.Render(TSceneView());
     EXPECT_EQ(TTestExecNode::Calls(), TCalls{});
 }
 
@@ -302,7 +303,7 @@ TEST(TEffectExec, InitWithoutRenderMakesNoRenderNodes)
     bench.Emit(2);
     EXPECT_EQ(bench.Buffer().GetNumParticles(), 2);
     TTestExecNode::Calls().clear();
-    bench.Exec.Render(nullptr);
+    bench.Exec.Render(TSceneView());
     EXPECT_EQ(TTestExecNode::Calls(), TCalls{});
     TExportData exportData(bench.Schedule);
     bench.Exec.Export(exportData, errors);

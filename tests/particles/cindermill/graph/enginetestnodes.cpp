@@ -76,7 +76,7 @@ void TTestExecNode::Execute(int index, float dt)
         action->second(*this, index, dt);
 }
 
-void TTestExecNode::Render(TRenderer*)
+void TTestExecNode::Render(const TSceneView&)
 {
     Write("Render", Group);
 }

@@ -22,7 +22,7 @@ public:
     bool Init(TErrorList& errors) override;
     void Emit(int instance, float dt) override;
     void Execute(int index, float dt) override;
-    void Render(TRenderer* renderer) override;
+    void Render(const TSceneView& view) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
 
     using TEffectExecNode::AddParticles;

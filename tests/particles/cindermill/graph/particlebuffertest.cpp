@@ -198,6 +198,18 @@ TEST(TParticleBuffer, VertexElementsOfAllTypes)
     EXPECT_EQ(stream.GetData(), bench->Buffer().GetBlock(TU_RENDER).Data);
 }
 
+TEST(TParticleBuffer, TheStreamCanBeReadToItsEnd)
+{
+    const auto bench = MakeTypesBench(3);
+    bench->Build();
+    const TVertexStream& stream = bench->Buffer().GetVertexStream();
+    const TParticleBuffer::TBlock& block = bench->Buffer().GetBlock(TU_RENDER);
+    ASSERT_GT(stream.GetSize(), block.Stride * block.Count);
+    const uint8_t* data = static_cast<const uint8_t*>(stream.GetData());
+    for (int i = 0; i < stream.GetSize(); ++i)
+        EXPECT_EQ(data[i], 0);
+}
+
 TEST(TParticleBuffer, StartsEmptyAndZeroed)
 {
     TParticleBench bench(4);

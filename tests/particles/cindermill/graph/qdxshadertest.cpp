@@ -214,7 +214,7 @@ TEST(QdxShader, StreamsAndTexturesStartEmpty)
         EXPECT_EQ(nullptr, shader.GetTexture(i));
     }
     int texture = 0;
-    shader.SetTexture(3, reinterpret_cast<TTexture*>(&texture));
+    shader.SetTexture(3, reinterpret_cast<const TRenderTextureInstance*>(&texture));
     shader.SetVertexStream(15, reinterpret_cast<TVertexStream*>(&texture), 12);
     EXPECT_NE(nullptr, shader.GetTexture(3));
     EXPECT_EQ(12, shader.GetVertexStream(15).Offset);

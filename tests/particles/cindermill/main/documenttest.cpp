@@ -1,3 +1,4 @@
+#include "support/fakehost.h"
 #include "support/randomgraph.h"
 
 #include "library/system/message.h"
@@ -8,7 +9,6 @@
 #include "particles/cindermill/graph/tooledge.h"
 #include "particles/cindermill/graph/toolnode.h"
 #include "particles/cindermill/main/displayerrors.h"
-#include "particles/cindermill/main/documenthost.h"
 #include "particles/effectgraph/efxfile.h"
 
 #include <csignal>
@@ -16,58 +16,6 @@
 #include <sys/resource.h>
 
 namespace {
-
-using TNames = std::vector<std::string>;
-
-// Writes down what a document asks of its windows.
-class TFakeHost : public TDocumentHost
-{
-public:
-    bool CreateParticleWindow(TDocument&) override
-    {
-        return Tell("create particle window") && !FailsParticleWindow;
-    }
-    void ShowParticleWindow(TDocument&) override { Tell("show particle window"); }
-    bool CreateView(TDocument&) override { return Tell("create view") && !FailsView; }
-    void FrameAllNodes(TDocument&) override { Tell("frame"); }
-    void UpdateTitles(TDocument& document) override { Tell(document.IsModified() ? "title*" : "title"); }
-    void RedrawWindows(TDocument&) override { ++Redraws; }
-    void ScheduleChanged(TDocument&) override { ++Schedules; }
-    void AddNodeObject(TToolNode*) override { ++NodeObjects; }
-    void RemoveNodeObject(TToolNode*) override { --NodeObjects; }
-    void AddEdgeObject(TToolEdge*) override { ++EdgeObjects; }
-    void RemoveEdgeObject(TToolEdge*) override { --EdgeObjects; }
-    void TouchNode(TToolNode*) override {}
-    void RelayoutNode(TToolNode*) override {}
-    void LayoutEdge(TToolEdge*) override {}
-    void UnhookEdge(TToolEdge*) override {}
-    void GetNodeHalfSize(TToolNode*, int& x, int& y) override
-    {
-        x = 20;
-        y = 10;
-    }
-    TNames Taken()
-    {
-        TNames result;
-        result.swap(Events);
-        return result;
-    }
-
-    TNames Events;
-    int Redraws = 0;
-    int Schedules = 0;
-    int NodeObjects = 0;
-    int EdgeObjects = 0;
-    bool FailsParticleWindow = false;
-    bool FailsView = false;
-
-private:
-    bool Tell(const char* what)
-    {
-        Events.push_back(what);
-        return true;
-    }
-};
 
 // What was asked and shown, in order.
 struct TForms
@@ -652,6 +600,23 @@ TEST_F(Document, EnsureScheduleShowsWhatIsWrong)
     EXPECT_TRUE(document.EnsureSchedule());
     EXPECT_TRUE(document.EnsureSchedule());
     EXPECT_EQ(TForms::Get().Errors.size(), 1u);
+}
+
+TEST_F(Document, EnsureScheduleTriesAgainWhatHadNoEngine)
+{
+    TDocument document(App.Get());
+    document.New();
+    BuildEffect(document);
+    SetTexture(document, Quads, "later.dds");
+    // No search of the whole disc.
+    App.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+    App.Get().GetResourceLocator().ReadSettings();
+    EXPECT_FALSE(document.EnsureSchedule());
+    EXPECT_TRUE(document.GetSchedule().IsCreated());
+    EXPECT_FALSE(document.EnsureSchedule());
+    std::filesystem::copy_file(Path("resources/spark.dds"), Path("resources/later.dds"));
+    EXPECT_TRUE(document.EnsureSchedule());
+    EXPECT_TRUE(document.GetEngine().IsInited());
 }
 
 TEST_F(Document, AFailedAssertionInTheScheduleComesBackAsAnError)

@@ -24,7 +24,7 @@ public:
         path = (std::string("/textures/") + name).c_str();
         return true;
     }
-    bool LoadTexture(const char* path) override
+    bool LoadTexture(const char* path, TRenderTextureInstance&) override
     {
         Loaded.push_back(path);
         return Broken.count(path) == 0;

@@ -1,0 +1,197 @@
+#include "bench/benchtable.h"
+#include "bench/windowscenes.h"
+
+#include "library/system/clock.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <unistd.h>
+
+namespace {
+
+constexpr int NodeCounts[] = {20, 100, 500};
+constexpr int ParticleCounts[] = {100, 1000, 10000};
+constexpr int IdleNodes = 100;
+// In milliseconds: twenty frames a second, and what an idle pass may cost.
+constexpr double FrameLimit = 50;
+constexpr double IdleLimit = 0.1;
+
+// The one of a size, made at its first use, with its window on the screen; all others are hidden.
+template <class TScene>
+class TScenes
+{
+public:
+    TScene* Show(int size)
+    {
+        std::unique_ptr<TScene>& scene = Scenes[size];
+        if (scene == nullptr)
+            scene = std::make_unique<TScene>(size);
+        if (scene->IsGood())
+            scene->Show(true);
+        return scene->IsGood() ? scene.get() : nullptr;
+    }
+
+private:
+    std::map<int, std::unique_ptr<TScene>> Scenes;
+};
+
+// Never destroyed: the window system goes before what is static.
+template <class TScene>
+TScenes<TScene>& GetScenes()
+{
+    static TScenes<TScene>& scenes = *new TScenes<TScene>;
+    return scenes;
+}
+
+// Runs a part of a scene again and again. The process's time, not the clock's: other programs' turns are in
+// that, and drawing has threads of its own.
+template <class TScene, class TPart>
+void RunScene(benchmark::State& state, int size, const TPart& part)
+{
+    TScene* scene = GetScenes<TScene>().Show(size);
+    if (scene == nullptr) {
+        state.SkipWithError("no window");
+        return;
+    }
+    // What is made at the first use.
+    part(*scene);
+    for (auto _ : state)
+        part(*scene);
+    scene->Show(false);
+}
+
+void PaintGraph(benchmark::State& state)
+{
+    RunScene<TGraphPicture>(state, static_cast<int>(state.range(0)),
+                            [](TGraphPicture& scene) { scene.PaintPanned(); });
+}
+
+void PaintGraphMiddle(benchmark::State& state)
+{
+    const int nodes = static_cast<int>(state.range(0));
+    if (TGraphPicture* scene = GetScenes<TGraphPicture>().Show(nodes))
+        scene->FrameMiddle();
+    RunScene<TGraphPicture>(state, nodes, [](TGraphPicture& scene) { scene.PaintPanned(); });
+    if (TGraphPicture* scene = GetScenes<TGraphPicture>().Show(nodes)) {
+        scene->FrameAll();
+        scene->Show(false);
+    }
+}
+
+void DrawGraph(benchmark::State& state)
+{
+    RunScene<TGraphPicture>(state, static_cast<int>(state.range(0)),
+                            [](TGraphPicture& scene) { scene.DrawPanned(); });
+}
+
+void DrawNothing(benchmark::State& state)
+{
+    RunScene<TGraphPicture>(state, NodeCounts[0], [](TGraphPicture& scene) { scene.DrawEmpty(); });
+}
+
+void PaintPreview(benchmark::State& state)
+{
+    RunScene<TPreviewPicture>(state, static_cast<int>(state.range(0)),
+                              [](TPreviewPicture& scene) { scene.Paint(); });
+}
+
+// With 0 squares it clears and presents, and nothing else.
+void PaintPlain(benchmark::State& state)
+{
+    RunScene<TPlainPicture>(state, static_cast<int>(state.range(0)),
+                            [](TPlainPicture& scene) { scene.Paint(); });
+}
+
+void IdlePass(benchmark::State& state)
+{
+    RunScene<TGraphPicture>(state, IdleNodes, [](TGraphPicture&) { RunIdlePass(); });
+}
+
+void ReadClock(benchmark::State& state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(GetTickCount());
+}
+
+std::string Name(const char* function, int count)
+{
+    return std::string(function) + "/" + std::to_string(count);
+}
+
+benchmark::internal::Benchmark* Register(const char* name, void (*function)(benchmark::State&))
+{
+    return benchmark::RegisterBenchmark(name, function)->MeasureProcessCPUTime()->MinTime(0.1);
+}
+
+void RegisterAll()
+{
+    for (const int nodes : NodeCounts) {
+        Register("PaintGraph", &PaintGraph)->Arg(nodes);
+        Register("PaintGraphMiddle", &PaintGraphMiddle)->Arg(nodes);
+        Register("DrawGraph", &DrawGraph)->Arg(nodes);
+    }
+    for (const int particles : ParticleCounts) {
+        Register("PaintPreview", &PaintPreview)->Arg(particles);
+        Register("PaintPlain", &PaintPlain)->Arg(particles);
+    }
+    Register("PaintPlain", &PaintPlain)->Arg(0);
+    Register("DrawNothing", &DrawNothing)->Arg(0);
+    Register("IdlePass", &IdlePass)->Arg(IdleNodes);
+    Register("ReadClock", &ReadClock)->Arg(0);
+}
+
+void AddRows()
+{
+    const std::string emptyWindow = Name("PaintPlain", 0);
+    for (const int nodes : NodeCounts) {
+        const std::string graph = std::to_string(nodes) + " nodes";
+        const double limit = nodes <= 100 ? FrameLimit : 0;
+        AddRow({"paint, " + graph + " all in sight", Name("PaintGraph", nodes), "", limit});
+        AddRow(
+            {"paint, " + graph + " all in sight / a cleared window", Name("PaintGraph", nodes), emptyWindow});
+        AddRow({"paint, " + graph + ", their middle at 100%", Name("PaintGraphMiddle", nodes), "", limit});
+        AddRow({"drawing alone, " + graph + " all in sight / an empty frame", Name("DrawGraph", nodes),
+                Name("DrawNothing", 0)});
+    }
+    for (const int particles : ParticleCounts) {
+        const std::string effect = std::to_string(particles) + " particles";
+        AddRow({"preview, " + effect + " / a cleared window", Name("PaintPreview", particles), emptyWindow});
+        AddRow({"preview, " + effect + " / as many plain squares", Name("PaintPreview", particles),
+                Name("PaintPlain", particles)});
+    }
+    const std::string idle = Name("IdlePass", IdleNodes);
+    AddRow({"idle pass, " + std::to_string(IdleNodes) + " nodes", idle, "", IdleLimit});
+    AddRow({"idle pass / reading the clock", idle, Name("ReadClock", 0)});
+}
+
+// Windows want a display: without one the program starts itself again on one of its own, which goes with it.
+void GoToDisplay()
+{
+    if (std::getenv("DISPLAY") != nullptr)
+        return;
+    std::ifstream file("/proc/self/cmdline", std::ios::binary);
+    std::vector<std::string> words = {"xvfb-run", "-a", "-s", "-screen 0 1600x1200x24"};
+    for (std::string word; std::getline(file, word, '\0');)
+        words.push_back(word);
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    execvp(arguments[0], arguments.data());
+    std::perror("xvfb-run");
+}
+
+} // namespace
+
+bool RegisterBenchmarks()
+{
+    GoToDisplay();
+    if (!StartProgram())
+        return false;
+    RegisterAll();
+    AddRows();
+    return true;
+}

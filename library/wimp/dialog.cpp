@@ -1,0 +1,120 @@
+#include "library/wimp/dialog.h"
+
+#include "library/wimp/modal.h"
+
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QListWidget>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+
+namespace {
+
+constexpr int WideWidth = 560;
+constexpr int NarrowWidth = 420;
+constexpr int ListHeight = 260;
+constexpr int PageHeight = 480;
+
+// The frame that the dialogs share: their id as a name, contents one below the other, buttons at the end.
+class TDialogBox
+{
+public:
+    TDialogBox(int id, const char* title) : Dialog(ModalParent()), Layout(&Dialog)
+    {
+        Dialog.setObjectName(QStringLiteral("dialog%1").arg(id));
+        Dialog.setWindowTitle(ToQt(title));
+        Buttons = new QHBoxLayout;
+        Buttons->addStretch();
+    }
+
+    void AddText(const char* text)
+    {
+        QLabel* label = new QLabel(&Dialog);
+        label->setObjectName(QStringLiteral("text"));
+        label->setTextFormat(Qt::PlainText);
+        label->setText(ToQt(text));
+        Layout.addWidget(label);
+    }
+
+    void AddList(const vector<TString>& lines)
+    {
+        QListWidget* list = new QListWidget(&Dialog);
+        list->setObjectName(QStringLiteral("list"));
+        list->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+        for (const TString& line : lines)
+            list->addItem(ToQt(line.Print()));
+        Layout.addWidget(list);
+    }
+
+    void AddPage(const char* text)
+    {
+        QPlainTextEdit* page = new QPlainTextEdit(ToQt(text), &Dialog);
+        page->setObjectName(QStringLiteral("text"));
+        page->setReadOnly(true);
+        page->setLineWrapMode(QPlainTextEdit::NoWrap);
+        page->setFont(QFont(QStringLiteral("monospace")));
+        Layout.addWidget(page);
+    }
+
+    // Named after its number, counted from 0.
+    void AddButton(int number, const char* text)
+    {
+        QPushButton* button = new QPushButton(ToQt(text), &Dialog);
+        button->setObjectName(QStringLiteral("button%1").arg(number));
+        button->setDefault(number == 0);
+        QObject::connect(button, &QPushButton::clicked, &Dialog, [this, number] {
+            Chosen = number;
+            Dialog.accept();
+        });
+        Buttons->addWidget(button);
+    }
+
+    // The number of the button pressed, or that of closing the dialog.
+    int Run(int width, int height, int whenClosed)
+    {
+        Layout.addLayout(Buttons);
+        Dialog.resize(width, height);
+        Chosen = whenClosed;
+        const TModalScope modal;
+        Dialog.exec();
+        return Chosen;
+    }
+
+private:
+    QDialog Dialog;
+    QVBoxLayout Layout;
+    QHBoxLayout* Buttons;
+    int Chosen = 0;
+};
+
+} // namespace
+
+void ListDialog(int id, const char* title, const vector<TString>& lines)
+{
+    TDialogBox box(id, title);
+    box.AddList(lines);
+    box.AddButton(0, "OK");
+    box.Run(WideWidth, ListHeight, 0);
+}
+
+void TextDialog(int id, const char* title, const char* text)
+{
+    TDialogBox box(id, title);
+    box.AddPage(text);
+    box.AddButton(0, "OK");
+    box.Run(WideWidth, PageHeight, 0);
+}
+
+int ChoiceDialog(int id, const char* title, const char* text, const vector<TString>& lines,
+                 const vector<TString>& buttons)
+{
+    TDialogBox box(id, title);
+    box.AddText(text);
+    if (!lines.empty())
+        box.AddList(lines);
+    for (int i = 0; i < buttons.size(); ++i)
+        box.AddButton(i, buttons[i].Print());
+    return box.Run(NarrowWidth, ListHeight, buttons.size() - 1);
+}

@@ -1,0 +1,141 @@
+#include "library/wimp/filechooser.h"
+
+#include "library/containers/sortedmap.h"
+#include "library/system/message.h"
+#include "library/system/path.h"
+#include "library/wimp/modal.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QMessageBox>
+
+namespace {
+
+constexpr const char* Caption = "Message";
+
+// The last directory of each list of filters.
+sortedmap<TString, TString>& LastDirectories()
+{
+    static sortedmap<TString, TString> directories;
+    return directories;
+}
+
+TString KeyOf(const vector<TFileFilter>& filters)
+{
+    TString key;
+    for (const TFileFilter& filter : filters) {
+        key += filter.Description;
+        key += "\n";
+        key += filter.Pattern;
+        key += "\n";
+    }
+    return key;
+}
+
+QStringList ToNameFilters(const vector<TFileFilter>& filters)
+{
+    QStringList result;
+    for (const TFileFilter& filter : filters) {
+        // Here a name without a point is a file like any other.
+        const QString pattern =
+            CompareText(filter.Pattern, "*.*") == 0 ? QStringLiteral("*") : ToQt(filter.Pattern);
+        result.append(QStringLiteral("%1 (%2)").arg(ToQt(filter.Description), pattern));
+    }
+    return result;
+}
+
+QString StartDirectory(const vector<TFileFilter>& filters, const char* directory)
+{
+    TString start = directory;
+    if (start.IsEmpty()) {
+        const auto it = LastDirectories().find(KeyOf(filters));
+        if (it != LastDirectories().end())
+            start = it->second;
+    }
+    if (start.IsEmpty())
+        return QDir::currentPath();
+    TString path;
+    ToSystemPath(start, path);
+    return ToQt(path.Print());
+}
+
+class TChooser : public QFileDialog
+{
+public:
+    TChooser(const char* title, const QString& directory) : QFileDialog(ModalParent(), ToQt(title), directory)
+    {
+        setOption(QFileDialog::DontUseNativeDialog);
+        // Whoever saves asks in its own words.
+        setOption(QFileDialog::DontConfirmOverwrite);
+        setOption(QFileDialog::HideNameFilterDetails);
+    }
+
+    bool Run(TString& path)
+    {
+        const TModalScope modal;
+        if (exec() != QDialog::Accepted || selectedFiles().isEmpty())
+            return false;
+        path = QFile::encodeName(QDir::toNativeSeparators(selectedFiles().constFirst())).constData();
+        return true;
+    }
+};
+
+bool ChooseFile(TChooser& chooser, const vector<TFileFilter>& filters, TString& path)
+{
+    chooser.setObjectName(QStringLiteral("filechooser"));
+    chooser.setNameFilters(ToNameFilters(filters));
+    if (!chooser.Run(path))
+        return false;
+    const QString directory = QFileInfo(QFile::decodeName(path.Print())).absolutePath();
+    LastDirectories()[KeyOf(filters)] = QFile::encodeName(directory).constData();
+    return true;
+}
+
+int ShowForm(QMessageBox::Icon icon, const char* name, const char* text, QMessageBox::StandardButtons buttons)
+{
+    QMessageBox box(icon, QLatin1String(Caption), QString(), buttons, ModalParent());
+    box.setObjectName(QLatin1String(name));
+    box.setTextFormat(Qt::PlainText);
+    box.setText(ToQt(text));
+    const TModalScope modal;
+    return box.exec();
+}
+
+} // namespace
+
+bool OpenFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
+                     TString& path)
+{
+    TChooser chooser(title, StartDirectory(filters, directory));
+    chooser.setFileMode(QFileDialog::ExistingFile);
+    return ChooseFile(chooser, filters, path);
+}
+
+bool SaveFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
+                     TString& path)
+{
+    TChooser chooser(title, StartDirectory(filters, directory));
+    chooser.setAcceptMode(QFileDialog::AcceptSave);
+    chooser.setFileMode(QFileDialog::AnyFile);
+    return ChooseFile(chooser, filters, path);
+}
+
+bool FolderChooser(const char* title, TString& path)
+{
+    TChooser chooser(title, QDir::currentPath());
+    chooser.setObjectName(QStringLiteral("folderchooser"));
+    chooser.setFileMode(QFileDialog::Directory);
+    chooser.setOption(QFileDialog::ShowDirsOnly);
+    return chooser.Run(path);
+}
+
+void InstallMessageForms()
+{
+    SetMessageForms(
+        [](const char* text) { ShowForm(QMessageBox::Warning, "message", text, QMessageBox::Ok); },
+        [](const char* text) {
+            return ShowForm(QMessageBox::Question, "question", text, QMessageBox::Ok | QMessageBox::Cancel) ==
+                   QMessageBox::Ok;
+        });
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "library/containers/string.h"
+#include "library/containers/vector.h"
+
+// A line of a chooser's list of kinds: what is shown, and a pattern such as "*.effect".
+struct TFileFilter
+{
+    const char* Description;
+    const char* Pattern;
+};
+
+// The choosers remember the last directory for each list of filters, for the run. False on Cancel. Results
+// are in the system's own form.
+bool OpenFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
+                     TString& path);
+bool SaveFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
+                     TString& path);
+bool FolderChooser(const char* title, TString& path);
+
+// Shows the two message forms as boxes from now on.
+void InstallMessageForms();

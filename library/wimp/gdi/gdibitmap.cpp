@@ -1,0 +1,74 @@
+#include "library/wimp/gdi/gdibitmap.h"
+
+#include "library/containers/assertion.h"
+
+#include <QtGui/QIcon>
+#include <QtGui/QImage>
+#include <QtGui/QPixmap>
+
+#include <string.h>
+
+// The resources of a static library are linked only if something asks for them.
+static void LinkPictures()
+{
+    Q_INIT_RESOURCE(pictures);
+}
+
+static QString PicturePath(int id, const char* size)
+{
+    return QStringLiteral(":/pictures/%1%2.png").arg(id).arg(QLatin1String(size));
+}
+
+TGDIBitmap::TGDIBitmap() : Image(new QImage) {}
+
+TGDIBitmap::~TGDIBitmap()
+{
+    delete Image;
+}
+
+bool TGDIBitmap::Load(int id)
+{
+    LinkPictures();
+    return Image->load(PicturePath(id, ""));
+}
+
+bool TGDIBitmap::Create(int width, int height, int bpp, const uint8_t* pixels)
+{
+    ASSERT_TEXT(bpp == 24, "bpp == 24");
+    QImage image(width, height, QImage::Format_BGR888);
+    if (image.isNull())
+        return false;
+    const size_t row = static_cast<size_t>(width) * 3;
+    for (int y = 0; y < height; ++y)
+        memcpy(image.scanLine(y), pixels + row * static_cast<size_t>(y), row);
+    *Image = image;
+    return true;
+}
+
+int TGDIBitmap::GetWidth() const
+{
+    return Image->width();
+}
+
+int TGDIBitmap::GetHeight() const
+{
+    return Image->height();
+}
+
+int TGDIBitmap::GetRowBytes() const
+{
+    return static_cast<int>(Image->bytesPerLine());
+}
+
+QIcon LoadPictureIcon(int id)
+{
+    static constexpr const char* Sizes[] = {"", "-16", "-48", "-128"};
+    LinkPictures();
+    QIcon icon;
+    for (const char* size : Sizes) {
+        const QPixmap pixmap(PicturePath(id, size));
+        if (!pixmap.isNull())
+            icon.addPixmap(pixmap);
+    }
+    return icon;
+}

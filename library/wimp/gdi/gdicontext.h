@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+
+class QFont;
+class QPainter;
+class TGDIBitmap;
+
+// A colour as 0xRRGGBB.
+using TGDIColour = uint32_t;
+
+// A font of the window system; the height of its characters in pixels, of either sign.
+struct TGDIFont
+{
+    // Null: the stock system font.
+    const char* Face = nullptr;
+    int Height = 12;
+    int Weight = 400;
+};
+
+// Draws into a window that is not OpenGL's, while its paint message is handled. Rectangles hold their left
+// and top edge and not their right and bottom one.
+class TGDIContext
+{
+public:
+    // For the framework.
+    explicit TGDIContext(QPainter& painter);
+    TGDIContext(const TGDIContext&) = delete;
+    TGDIContext& operator=(const TGDIContext&) = delete;
+
+    void SetPen(TGDIColour colour, bool dotted = false);
+    void SetNoPen();
+    void SetBrush(TGDIColour colour);
+    void SetNoBrush();
+    void SetFont(const TGDIFont& font);
+    void SetTextColour(TGDIColour colour);
+
+    // Without its last point, as far as it is level or upright.
+    void Line(int x1, int y1, int x2, int y2);
+    // Filled with the brush, outlined with the pen.
+    void Rectangle(int left, int top, int right, int bottom);
+    // The place is the text's top left.
+    void TextOut(int x, int y, const char* text);
+    void GetTextExtent(const char* text, int& width, int& height) const;
+    void Draw(const TGDIBitmap& bitmap, int x, int y);
+    // A raised edge, as a tab or a button has.
+    void RaisedEdge(int left, int top, int right, int bottom);
+
+private:
+    void Edge(int left, int top, int right, int bottom, TGDIColour light, TGDIColour dark);
+
+    QPainter& Painter;
+    TGDIColour TextColour = 0;
+};
+
+// The system's colour of buttons and of what stands between windows.
+TGDIColour GetButtonColour();
+
+// Without a window at hand.
+void GetTextExtent(const TGDIFont& font, const char* text, int& width, int& height);

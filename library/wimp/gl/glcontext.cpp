@@ -1,0 +1,150 @@
+#include "library/wimp/gl/glcontext.h"
+
+#include "library/containers/assertion.h"
+#include "library/containers/string.h"
+#include "library/containers/vector.h"
+
+#include <GL/glew.h>
+
+namespace {
+struct TGlState
+{
+    bool Ready = false;
+    bool VendorPrograms = false;
+    TString Fault;
+    vector<unsigned> DeadTextures;
+    vector<unsigned> DeadPrograms;
+};
+
+TGlState& GetState()
+{
+    static TGlState& state = *new TGlState;
+    return state;
+}
+
+bool Fail(const char* fault)
+{
+    GetState().Fault = fault;
+    return false;
+}
+
+// An extension may be announced by a driver whose entry points the loader does not give, and the loader gives
+// entry points of extensions that the driver does not announce.
+const char* FindMissing()
+{
+    struct TNeed
+    {
+        const char* Name;
+        bool Present;
+    };
+    const TNeed needs[] = {
+        {"GL_ARB_vertex_program", glewGetExtension("GL_ARB_vertex_program") &&
+                                      glProgramStringARB != nullptr && glGenProgramsARB != nullptr &&
+                                      glBindProgramARB != nullptr && glDeleteProgramsARB != nullptr},
+        {"GL_ARB_fragment_program", glewGetExtension("GL_ARB_fragment_program") &&
+                                        glProgramLocalParameter4fvARB != nullptr &&
+                                        glProgramEnvParameter4fvARB != nullptr},
+        {"GL_EXT_framebuffer_object",
+         glewGetExtension("GL_EXT_framebuffer_object") && glGenFramebuffersEXT != nullptr &&
+             glBindFramebufferEXT != nullptr && glFramebufferTexture2DEXT != nullptr &&
+             glCheckFramebufferStatusEXT != nullptr && glDeleteFramebuffersEXT != nullptr &&
+             glIsFramebufferEXT != nullptr && glGetFramebufferAttachmentParameterivEXT != nullptr},
+        {"vertex attribute arrays", glVertexAttribPointer != nullptr &&
+                                        glEnableVertexAttribArray != nullptr &&
+                                        glDisableVertexAttribArray != nullptr},
+        {"buffer objects", glBindBuffer != nullptr && glGenBuffers != nullptr && glBufferData != nullptr},
+        {"several texture units", glActiveTexture != nullptr},
+    };
+    for (const TNeed& need : needs)
+        if (!need.Present)
+            return need.Name;
+    return nullptr;
+}
+} // namespace
+
+bool InitGl()
+{
+    TGlState& state = GetState();
+    if (state.Ready)
+        return true;
+    if (glGetString(GL_VERSION) == nullptr)
+        return Fail("There is no OpenGL context.");
+    glewExperimental = GL_TRUE;
+    const GLenum result = glewInit();
+    // Without an X display the window system's own extensions cannot be listed; OpenGL's are there all the
+    // same.
+    if (result != GLEW_OK && result != GLEW_ERROR_NO_GLX_DISPLAY)
+        return Fail(reinterpret_cast<const char*>(glewGetErrorString(result)));
+    // Listing extensions can leave an error behind in some contexts.
+    glGetError();
+    if (const char* missing = FindMissing()) {
+        TString fault;
+        fault.Format("The OpenGL driver lacks %s.", missing);
+        return Fail(fault);
+    }
+    state.VendorPrograms = glewIsSupported("GL_NV_vertex_program3 GL_NV_fragment_program2") != 0;
+    state.Fault = nullptr;
+    state.Ready = true;
+    return true;
+}
+
+bool IsGlReady()
+{
+    return GetState().Ready;
+}
+
+const char* GetGlFault()
+{
+    return GetState().Fault.Print();
+}
+
+bool HasVendorPrograms()
+{
+    return GetState().VendorPrograms;
+}
+
+bool IsGlCurrent()
+{
+    return GetState().Ready && glGetString(GL_VERSION) != nullptr;
+}
+
+void DeleteGlTexture(unsigned name)
+{
+    if (name == 0)
+        return;
+    if (IsGlCurrent())
+        glDeleteTextures(1, &name);
+    else
+        GetState().DeadTextures.push_back(name);
+}
+
+void DeleteGlProgram(unsigned name)
+{
+    if (name == 0)
+        return;
+    if (IsGlCurrent())
+        glDeleteProgramsARB(1, &name);
+    else
+        GetState().DeadPrograms.push_back(name);
+}
+
+void FlushGlDeletions()
+{
+    TGlState& state = GetState();
+    if (state.DeadTextures.empty() && state.DeadPrograms.empty())
+        return;
+    if (!IsGlCurrent())
+        return;
+    glDeleteTextures(state.DeadTextures.size(), state.DeadTextures.data());
+    glDeleteProgramsARB(state.DeadPrograms.size(), state.DeadPrograms.data());
+    state.DeadTextures.clear();
+    state.DeadPrograms.clear();
+}
+
+void CheckGlError()
+{
+    const unsigned err = glGetError();
+    ASSERT_TEXT_MSG(err == GL_NO_ERROR || err == GL_INVALID_OPERATION,
+                    "err == GL_NO_ERROR || err == GL_INVALID_OPERATION",
+                    TempFormat("OpenGL error 0x%x\n", err));
+}

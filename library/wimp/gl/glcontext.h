@@ -1,0 +1,23 @@
+#pragma once
+
+// The OpenGL of the run. No header of this library shows OpenGL's own: names and codes are plain integers.
+
+// Looks the entry points up with the current context, once for the process. False if there is no context or
+// if it lacks the vertex and fragment program extensions or frame buffer objects; GetGlFault then tells what.
+bool InitGl();
+// Whether InitGl has succeeded: objects may be made.
+bool IsGlReady();
+const char* GetGlFault();
+// Whether the driver takes programs with the vendor's options.
+bool HasVendorPrograms();
+
+// Whether a context is current at the moment, after InitGl has succeeded.
+bool IsGlCurrent();
+// Frees a name now or, when no context is current, as soon as one is. 0 is passed over.
+void DeleteGlTexture(unsigned name);
+void DeleteGlProgram(unsigned name);
+// Frees the names given up while no context was current.
+void FlushGlDeletions();
+
+// Asserts "err == GL_NO_ERROR || err == GL_INVALID_OPERATION".
+void CheckGlError();

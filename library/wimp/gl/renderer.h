@@ -1,0 +1,110 @@
+#pragma once
+
+#include "library/containers/vector.h"
+#include "library/maths/vector2.h"
+#include "library/maths/vector4.h"
+#include "library/wimp/gl/renderbatch.h"
+
+class TRenderObject;
+class TRenderWindow;
+
+struct TClipRectangle
+{
+    TVector2 Min;
+    TVector2 Max;
+};
+
+// Draws the tree of render objects into a window, at twice its size and then scaled down. World units times
+// Scale are pixels; y grows downwards; Offset is added to a world place before scaling.
+class TRenderer
+{
+public:
+    TRenderer() = default;
+    ~TRenderer();
+    TRenderer(const TRenderer&) = delete;
+    TRenderer& operator=(const TRenderer&) = delete;
+
+    // The window stays the caller's. The renderer it shares with tells which context's objects it can use.
+    bool Init(TRenderWindow* window, const TRenderer* shareWith = nullptr);
+    TRenderWindow* GetWindow() const { return Window; }
+    // One frame. Called while the window is painted. Draws nothing without a context or into an empty window.
+    void Render(TRenderObject& root);
+    // Gives OpenGL's objects back; the next frame makes them anew. Called when the window goes.
+    void Release();
+
+    void SetOffset(const TVector2& offset) { Offset = offset; }
+    void SetScale(const TVector2& scale) { Scale = scale; }
+    const TVector2& GetOffset() const { return Offset; }
+    const TVector2& GetScale() const { return Scale; }
+    TVector2 PixelToWorld(int x, int y) const;
+
+    // Relative to the origin on top.
+    void PushOrigin(const TVector2& delta);
+    void PopOrigin();
+    // The origin on top; zeros on an empty stack.
+    TVector2 GetOrigin() const;
+    void PushWindow(const TVector2& min, const TVector2& max);
+    void PopWindow();
+    // The clip rectangle on top, in world units.
+    void GetVisibleRect(TVector2& min, TVector2& max) const;
+
+    // The one place that maps a point, relative to the current origin, to clip space.
+    TVector2 ToClip(const TVector2& point) const;
+    // The nearest place for the start of a text, so that it looks sharp: across on a pixel of the doubled
+    // target, down on one of the window.
+    TVector2 Snap(const TVector2& point) const;
+    // Red, green, blue, alpha, for the vertices that follow; each may have its own.
+    void SetColour(const TVector4& colour) { Batch.SetColour(colour); }
+    // One primitive, drawn when its End has been seen and something else calls for it.
+    void Begin(TPrimitive primitive) { Batch.Begin(primitive); }
+    // The same with a texture, through a fragment program that takes the local parameter; vertices then have
+    // places in the texture.
+    void Begin(TPrimitive primitive, unsigned texture, const TArbProgram& program, const TVector4& local)
+    {
+        Batch.Begin(primitive, texture, program, local);
+    }
+    void Vertex(const TVector2& point) { Batch.Vertex(ToClip(point), TVector2(0, 0)); }
+    void Vertex(const TVector2& point, const TVector2& texCoord) { Batch.Vertex(ToClip(point), texCoord); }
+    void End() { Batch.End(); }
+    // To be called before drawing with OpenGL itself, which comes after all that was drawn so far.
+    void Flush() { Batch.Flush(); }
+    void DrawRectangle(const TVector2& min, const TVector2& max);
+    void DrawLine(const TVector2& from, const TVector2& to, float width);
+    // Four control points.
+    void DrawCurve(const TVector2* bezier, float width);
+    // Draw calls of the last frame.
+    int GetNumCalls() const { return Batch.GetNumCalls(); }
+
+    int GetWidth() const { return Width; }
+    int GetHeight() const { return Height; }
+    const vector<TClipRectangle>& GetWindowStack() const { return WindowStack; }
+    // The scissor rectangle last set, in pixels of the doubled target: x, y from the bottom, width, height.
+    const int* GetScissor() const { return Scissor; }
+
+private:
+    bool HasOwnFrameBuffer() const;
+    void BindTarget();
+    void Resize(int width, int height);
+    void DrawObjects(TRenderObject& root);
+    void SetScissor(const TClipRectangle& rectangle);
+    void SetWholeScissor();
+    void ApplyScissor();
+    void Present();
+
+    TRenderWindow* Window = nullptr;
+    unsigned FrameBuffer = 0;
+    unsigned ColourTexture = 0;
+    TVector2 Offset = TVector2(0, 0);
+    TVector2 Scale = TVector2(1, 1);
+    TVector2 PixelToClip = TVector2(0, 0);
+    vector<TClipRectangle> WindowStack;
+    vector<TVector2> OriginStack;
+    int Width = 0;
+    int Height = 0;
+    int Scissor[4] = {};
+    // Between the beginning and the end of a frame: OpenGL may be called.
+    bool Drawing = false;
+    TRenderBatch Batch;
+    vector<TVector2> CurvePoints;
+    vector<TVector2> CurveStrip;
+};

@@ -1,0 +1,212 @@
+#include "library/wimp/gl/renderfonttable.h"
+
+#include "library/containers/assertion.h"
+#include "library/containers/strtoid.h"
+#include "library/wimp/gl/renderer.h"
+#include "library/wimp/gl/tintprogram.h"
+
+#include <cmath>
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+namespace {
+// The renderer's target has so many pixels to one of the window.
+constexpr float TargetPixels = 2.0f;
+// Zooms are seldom exact.
+constexpr float ResolutionSlack = 0.02f;
+
+float ToGrid(double value, double step)
+{
+    return static_cast<float>(std::floor(value / step + 0.5) * step);
+}
+} // namespace
+
+TRenderFont::~TRenderFont()
+{
+    for (TFontAtlas* atlas : Finer)
+        delete atlas;
+}
+
+bool TRenderFont::Build(FT_LibraryRec_* library, const char* path)
+{
+    Library = library;
+    Path = path;
+    return Atlas.Build(library, path, Size, 0);
+}
+
+void TRenderFont::GetTextSize(const char* text, TVector2& size) const
+{
+    int width = 0;
+    for (const char* at = text; at != nullptr && *at != 0; ++at)
+        if (const TFontGlyph* glyph = Atlas.GetGlyph(*at))
+            width += glyph->Advance;
+    size = TVector2(static_cast<float>(width), static_cast<float>(Atlas.GetCellHeight()));
+}
+
+TFontAtlas& TRenderFont::GetDrawnAtlas(float resolution, int& texelsPerUnit)
+{
+    texelsPerUnit = 1;
+    TFontAtlas* atlas = &Atlas;
+    for (int i = 0; i < NumFinerAtlases && float(texelsPerUnit) + ResolutionSlack < resolution; ++i) {
+        if (Finer[i] == nullptr) {
+            Finer[i] = new TFontAtlas;
+            // A size too large for a texture: the coarser one has to do.
+            if (!Finer[i]->Build(Library, Path, Size * float(2 * texelsPerUnit), 1)) {
+                delete Finer[i];
+                Finer[i] = nullptr;
+                break;
+            }
+        }
+        atlas = Finer[i];
+        texelsPerUnit *= 2;
+    }
+    return *atlas;
+}
+
+void TRenderFont::DrawText(TRenderer& renderer, const TVector2& position, const char* text,
+                           const TVector4& colour)
+{
+    if (text == nullptr || *text == 0)
+        return;
+    int texels = 1;
+    const float resolution = renderer.GetScale()[0] * TargetPixels;
+    TFontAtlas& atlas = GetDrawnAtlas(resolution, texels);
+    const bool exact = resolution == float(texels) && renderer.GetScale()[1] == renderer.GetScale()[0];
+    const unsigned texture = atlas.GetTexture(renderer, exact);
+    // Only a filter reaches beyond a picture's edge.
+    const int margin = exact ? 0 : atlas.GetMargin();
+    const double step = 1.0 / texels;
+    // The base line stands on a whole pixel of the window, the pen on one of the target.
+    const TVector2 start =
+        renderer.Snap(TVector2(position[0], position[1] - static_cast<float>(Atlas.GetBoxMin()[1])));
+    const float baseLine = start[1];
+    float pen = start[0];
+
+    renderer.Begin(PR_QUADS, texture, GetTintProgram(), colour);
+    for (const char* at = text; *at != 0; ++at) {
+        const TFontGlyph* measure = Atlas.GetGlyph(*at);
+        if (measure == nullptr)
+            continue;
+        const TFontGlyph& glyph = *atlas.GetGlyph(*at);
+        if (glyph.Cell >= 0) {
+            int u = 0;
+            int v = 0;
+            atlas.GetPlace(glyph, u, v);
+            // The finer picture stands in the middle of the space that the measures give the character.
+            const float shift = ToGrid((measure->Advance - glyph.Advance * step) * 0.5, step);
+            const TVector2 min(static_cast<float>(pen + shift + (glyph.BearingX - margin) * step),
+                               static_cast<float>(baseLine + (glyph.BearingY - margin) * step));
+            const int width = glyph.Width + 2 * margin;
+            const int height = glyph.Height + 2 * margin;
+            const TVector2 max(static_cast<float>(min[0] + width * step),
+                               static_cast<float>(min[1] + height * step));
+            const float u0 = static_cast<float>((u - margin) / double(atlas.GetWidth()));
+            const float v0 = static_cast<float>((v - margin) / double(atlas.GetHeight()));
+            const float u1 = static_cast<float>((u - margin + width) / double(atlas.GetWidth()));
+            const float v1 = static_cast<float>((v - margin + height) / double(atlas.GetHeight()));
+            renderer.Vertex(min, TVector2(u0, v0));
+            renderer.Vertex(TVector2(max[0], min[1]), TVector2(u1, v0));
+            renderer.Vertex(max, TVector2(u1, v1));
+            renderer.Vertex(TVector2(min[0], max[1]), TVector2(u0, v1));
+        }
+        pen += static_cast<float>(measure->Advance);
+    }
+    renderer.End();
+}
+
+struct TRenderFontTable::TTable
+{
+    map<uint32_t, vector<TEntry>> Fonts;
+    vector<TFontFile> FontFiles;
+    bool Listed = false;
+    TLister Lister = ListSystemFonts;
+    FT_Library Library = nullptr;
+};
+
+// Never destroyed: handles may be released after everything else.
+TRenderFontTable::TTable& TRenderFontTable::GetTable()
+{
+    static TTable& table = *new TTable;
+    return table;
+}
+
+void TRenderFontTable::SetLister(TLister lister)
+{
+    TTable& table = GetTable();
+    table.Lister = lister != nullptr ? lister : ListSystemFonts;
+    table.FontFiles.clear();
+    table.Listed = false;
+}
+
+const vector<TFontFile>& TRenderFontTable::GetFontFiles()
+{
+    TTable& table = GetTable();
+    if (!table.Listed) {
+        table.Lister(table.FontFiles);
+        table.Listed = true;
+    }
+    return table.FontFiles;
+}
+
+TRenderFont* TRenderFontTable::AddRef(const char* name, float size)
+{
+    if (name == nullptr)
+        return nullptr;
+    TTable& table = GetTable();
+    const uint32_t id = StrToID(name);
+    for (TEntry& entry : table.Fonts[id]) {
+        if (entry.Font->GetSize() == size) {
+            ++entry.RefCount;
+            return entry.Font;
+        }
+    }
+    const char* path = nullptr;
+    for (const TFontFile& file : GetFontFiles()) {
+        if (file.Name.Compare(name) == 0) {
+            path = file.Path;
+            break;
+        }
+    }
+    if (path == nullptr)
+        return nullptr;
+    if (table.Library == nullptr && FT_Init_FreeType(&table.Library) != 0)
+        return nullptr;
+    TRenderFont* font = new TRenderFont(id, size);
+    if (!font->Build(table.Library, path)) {
+        delete font;
+        return nullptr;
+    }
+    table.Fonts[id].push_back(TEntry{font, 1});
+    return font;
+}
+
+TRenderFontTable::TEntry* TRenderFontTable::Find(const TRenderFont* font)
+{
+    map<uint32_t, vector<TEntry>>& fonts = GetTable().Fonts;
+    for (auto it = fonts.begin(); it != fonts.end(); ++it)
+        for (TEntry& entry : it->second)
+            if (entry.Font == font)
+                return &entry;
+    return nullptr;
+}
+
+void TRenderFontTable::AddRef(TRenderFont* font)
+{
+    TEntry* entry = Find(font);
+    ASSERT_TEXT(entry != nullptr, "it != Fonts.end()");
+    ++entry->RefCount;
+}
+
+void TRenderFontTable::Release(TRenderFont* font)
+{
+    TEntry* fontit = Find(font);
+    ASSERT_TEXT(fontit != nullptr, "it != Fonts.end()");
+    ASSERT_TEXT(fontit->RefCount > 0, "fontit->RefCount > 0");
+    --fontit->RefCount;
+}
+
+int TRenderFontTable::GetRefCount(const TRenderFont* font)
+{
+    const TEntry* entry = Find(font);
+    return entry != nullptr ? entry->RefCount : -1;
+}

@@ -1,0 +1,433 @@
+#include "library/wimp/gl/renderobject.h"
+
+#include "library/wimp/gl/renderer.h"
+#include "library/wimp/gl/renderobjects.h"
+#include "library/wimp/gl/renderwindow.h"
+
+namespace {
+constexpr int HoverTimer = 1;
+constexpr int HoverMilliseconds = 1000;
+constexpr int RoutedKeyFlags = KF_SHIFT | KF_CTRL;
+
+// A pointer on the stack that becomes null when its object goes.
+struct TObjectWatch
+{
+    explicit TObjectWatch(TRenderObject* object);
+    ~TObjectWatch();
+    TObjectWatch(const TObjectWatch&) = delete;
+    TObjectWatch& operator=(const TObjectWatch&) = delete;
+
+    TRenderObject* Object;
+    TObjectWatch* Next;
+};
+
+struct TRouting
+{
+    TRenderObject* HoverObject = nullptr;
+    TRenderObject* FocusObject = nullptr;
+    TRenderObject* CaptureObject = nullptr;
+    TRenderObject* OverlayObject = nullptr;
+    TVector2 Pointer = TVector2(0, 0);
+    TVector2 LastPointer = TVector2(0, 0);
+    TRenderWindow* FocusWindow = nullptr;
+    int KeyFlags = 0;
+    // The keys that were down when the message being routed was sent. SetFocus leaves them.
+    int MessageKeyFlags = 0;
+    TRenderer* Renderer = nullptr;
+    vector<TRenderObject*> Ticks;
+    TObjectWatch* Watches = nullptr;
+};
+
+// Never destroyed: objects may go after everything else.
+TRouting& GetRouting()
+{
+    static TRouting& routing = *new TRouting;
+    return routing;
+}
+
+TObjectWatch::TObjectWatch(TRenderObject* object) : Object(object), Next(GetRouting().Watches)
+{
+    GetRouting().Watches = this;
+}
+
+TObjectWatch::~TObjectWatch()
+{
+    GetRouting().Watches = Next;
+}
+
+// The keys that objects hear of beside characters.
+bool IsNavigationKey(int key)
+{
+    switch (key) {
+    case KEY_LEFT:
+    case KEY_RIGHT:
+    case KEY_UP:
+    case KEY_DOWN:
+    case KEY_HOME:
+    case KEY_END:
+    case KEY_PAGEUP:
+    case KEY_PAGEDOWN:
+    case KEY_DELETE:
+    case KEY_BACKSPACE:
+    case KEY_ESCAPE:
+        return true;
+    default:
+        return false;
+    }
+}
+
+int GetKeyFlag(int key)
+{
+    if (key == KEY_SHIFT)
+        return KF_SHIFT;
+    return key == KEY_CTRL ? KF_CTRL : 0;
+}
+
+void StopHoverTimer(TRenderer& renderer)
+{
+    if (renderer.GetWindow() != nullptr)
+        renderer.GetWindow()->StopTimer(HoverTimer);
+}
+
+class TKeyFlagScope
+{
+public:
+    explicit TKeyFlagScope(int flags) : Before(GetRouting().MessageKeyFlags)
+    {
+        GetRouting().MessageKeyFlags = flags & RoutedKeyFlags;
+    }
+    ~TKeyFlagScope() { GetRouting().MessageKeyFlags = Before; }
+    TKeyFlagScope(const TKeyFlagScope&) = delete;
+    TKeyFlagScope& operator=(const TKeyFlagScope&) = delete;
+
+private:
+    int Before;
+};
+} // namespace
+
+TRenderObject::~TRenderObject()
+{
+    TRouting& routing = GetRouting();
+    TRenderObject** const pointers[] = {&routing.HoverObject, &routing.FocusObject, &routing.CaptureObject,
+                                        &routing.OverlayObject};
+    for (TRenderObject** pointer : pointers)
+        if (*pointer == this)
+            *pointer = nullptr;
+    for (TObjectWatch* watch = routing.Watches; watch != nullptr; watch = watch->Next)
+        if (watch->Object == this)
+            watch->Object = nullptr;
+    RemoveTick(this);
+    if (Container != nullptr)
+        Container->RemoveObject(this);
+}
+
+TRenderObject* TRenderObject::HitTest(const TVector2& point)
+{
+    return Contains(point - Origin) ? this : nullptr;
+}
+
+// The point is relative to the object.
+bool TRenderObject::Contains(const TVector2& point)
+{
+    TVector2 min;
+    TVector2 max;
+    GetBounds(min, max);
+    for (int i = 0; i < 2; ++i)
+        if (!(point[i] >= min[i] && point[i] < max[i]))
+            return false;
+    return true;
+}
+
+bool TRenderObject::Event(const TRenderEvent& event)
+{
+    return Parent != nullptr && Parent->Event(event);
+}
+
+void TRenderObject::SetOrigin(const TVector2& origin)
+{
+    Origin = origin;
+    if (Parent != nullptr)
+        Parent->TouchBounds();
+}
+
+TVector2 TRenderObject::GetAbsolutePosition() const
+{
+    TVector2 position(0, 0);
+    for (const TRenderObject* object = this; object != nullptr; object = object->Parent)
+        position += object->Origin;
+    return position;
+}
+
+void TRenderObject::TouchBounds()
+{
+    for (TRenderObject* object = this; object != nullptr; object = object->Parent)
+        object->ForgetBounds();
+}
+
+const TRenderObject* TRenderObject::GetTop() const
+{
+    const TRenderObject* top = this;
+    while (top->Parent != nullptr)
+        top = top->Parent;
+    return top;
+}
+
+bool TRenderObject::IsShownUnder(const TRenderObject& root) const
+{
+    return Parent == nullptr || GetTop() == root.GetTop();
+}
+
+bool TRenderObject::Route(TRenderer& renderer, TRenderObject& root, const TMessage& message)
+{
+    GetRouting().Renderer = &renderer;
+    TKeyFlagScope flags(message.KeyFlags);
+    return Dispatch(renderer, root, message);
+}
+
+bool TRenderObject::Dispatch(TRenderer& renderer, TRenderObject& root, const TMessage& message)
+{
+    switch (message.Type) {
+    case MT_MOUSEMOVE:
+        return RouteMove(renderer, root, message);
+    case MT_MOUSELEAVE:
+        RouteLeave(renderer);
+        return false;
+    case MT_LEFTDOWN:
+        return RouteButton(renderer, root, message, RE_LEFTDOWN);
+    case MT_LEFTUP:
+        return RouteButton(renderer, root, message, RE_LEFTUP);
+    case MT_WHEEL:
+        return SendToFocus(root, RE_WHEEL, message.Delta);
+    case MT_TIMER:
+        if (message.Timer != HoverTimer)
+            return false;
+        StopHoverTimer(renderer);
+        Send(GetRouting().HoverObject, RE_HOVER);
+        return true;
+    case MT_FOCUSLOST:
+        RouteFocusLost(renderer, root);
+        return false;
+    case MT_FOCUSGAINED:
+        RouteFocusGained(renderer, root);
+        return false;
+    case MT_KEYDOWN:
+        return RouteKeyDown(root, message.Key);
+    case MT_KEYUP:
+        RouteKeyUp(message.Key);
+        return false;
+    case MT_CHAR:
+        return SendToFocus(root, RE_CHARACTER, static_cast<int>(message.Character));
+    default:
+        return false;
+    }
+}
+
+// The object that hears of the pointer at a world place, or null.
+TRenderObject* TRenderObject::FindTarget(TRenderObject& root, const TVector2& point)
+{
+    TRenderObject* capture = GetRouting().CaptureObject;
+    if (capture != nullptr && capture->Contains(point - capture->GetAbsolutePosition()))
+        return capture;
+    return root.HitTest(point);
+}
+
+bool TRenderObject::Send(TRenderObject* object, int code, int detail)
+{
+    if (object == nullptr)
+        return false;
+    TRenderEvent event;
+    event.Source = object;
+    event.Code = code;
+    event.Point = GetRouting().Pointer - object->GetAbsolutePosition();
+    event.Detail = detail;
+    return object->Event(event);
+}
+
+// What is typed into one view never reaches an object of another's tree.
+bool TRenderObject::SendToFocus(TRenderObject& root, int code, int detail)
+{
+    TRenderObject* focus = GetRouting().FocusObject;
+    if (focus == nullptr || focus->GetTop() != root.GetTop())
+        return false;
+    return Send(focus, code, detail);
+}
+
+bool TRenderObject::RouteMove(TRenderer& renderer, TRenderObject& root, const TMessage& message)
+{
+    TRouting& routing = GetRouting();
+    routing.LastPointer = routing.Pointer;
+    routing.Pointer = renderer.PixelToWorld(message.X, message.Y);
+    TObjectWatch target(FindTarget(root, routing.Pointer));
+    if (target.Object == nullptr) {
+        StopHoverTimer(renderer);
+    } else if (renderer.GetWindow() != nullptr) {
+        renderer.GetWindow()->StartTimer(HoverTimer, HoverMilliseconds);
+    }
+    if (target.Object == routing.HoverObject)
+        return Send(target.Object, RE_MOVE);
+    Send(routing.HoverObject, RE_LEAVE);
+    const bool consumed = Send(target.Object, RE_ENTER);
+    routing.HoverObject = target.Object;
+    return consumed;
+}
+
+void TRenderObject::RouteLeave(TRenderer& renderer)
+{
+    StopHoverTimer(renderer);
+    TRouting& routing = GetRouting();
+    if (routing.CaptureObject != nullptr)
+        return;
+    Send(routing.HoverObject, RE_LEAVE);
+    routing.HoverObject = nullptr;
+}
+
+bool TRenderObject::RouteButton(TRenderer& renderer, TRenderObject& root, const TMessage& message, int code)
+{
+    StopHoverTimer(renderer);
+    TRouting& routing = GetRouting();
+    routing.LastPointer = routing.Pointer;
+    routing.Pointer = renderer.PixelToWorld(message.X, message.Y);
+    return Send(FindTarget(root, routing.Pointer), code);
+}
+
+bool TRenderObject::RouteKeyDown(TRenderObject& root, int key)
+{
+    GetRouting().KeyFlags |= GetKeyFlag(key);
+    return IsNavigationKey(key) && SendToFocus(root, RE_KEY, key);
+}
+
+void TRenderObject::RouteKeyUp(int key)
+{
+    GetRouting().KeyFlags &= ~GetKeyFlag(key);
+}
+
+void TRenderObject::RouteFocusLost(TRenderer& renderer, TRenderObject& root)
+{
+    TRouting& routing = GetRouting();
+    // A window that loses the focus to the one that SetFocus has just chosen has no say any more.
+    if (routing.FocusWindow != nullptr && routing.FocusWindow != renderer.GetWindow())
+        return;
+    routing.KeyFlags = 0;
+    SendToFocus(root, RE_FOCUSLOST, 0);
+    routing.FocusWindow = nullptr;
+}
+
+void TRenderObject::RouteFocusGained(TRenderer& renderer, TRenderObject& root)
+{
+    TRouting& routing = GetRouting();
+    if (routing.FocusObject != nullptr && routing.FocusObject->GetTop() == root.GetTop())
+        routing.FocusWindow = renderer.GetWindow();
+}
+
+void TRenderObject::SetFocus(TRenderObject* object, TRenderer* renderer)
+{
+    TRouting& routing = GetRouting();
+    if (renderer == nullptr)
+        renderer = routing.Renderer;
+    TRenderWindow* window = renderer != nullptr ? renderer->GetWindow() : nullptr;
+    if (object == routing.FocusObject && (object == nullptr || window == nullptr || window->HasFocus()))
+        return;
+    TObjectWatch focus(object);
+    Send(routing.FocusObject, RE_FOCUSLOST);
+    routing.FocusObject = focus.Object;
+    routing.KeyFlags = 0;
+    if (focus.Object == nullptr || window == nullptr)
+        return;
+    const bool differs = window != routing.FocusWindow || !window->HasFocus();
+    routing.FocusWindow = window;
+    if (differs)
+        window->TakeFocus();
+}
+
+void TRenderObject::SetCapture(TRenderObject* object)
+{
+    GetRouting().CaptureObject = object;
+}
+
+void TRenderObject::ReleaseCapture()
+{
+    GetRouting().CaptureObject = nullptr;
+}
+
+void TRenderObject::SetOverlay(TRenderObject* object)
+{
+    GetRouting().OverlayObject = object;
+}
+
+TRenderObject* TRenderObject::GetHover()
+{
+    return GetRouting().HoverObject;
+}
+
+TRenderObject* TRenderObject::GetFocus()
+{
+    return GetRouting().FocusObject;
+}
+
+TRenderObject* TRenderObject::GetCapture()
+{
+    return GetRouting().CaptureObject;
+}
+
+TRenderObject* TRenderObject::GetOverlay()
+{
+    return GetRouting().OverlayObject;
+}
+
+TRenderer* TRenderObject::GetRenderer()
+{
+    return GetRouting().Renderer;
+}
+
+TVector2 TRenderObject::GetPointer()
+{
+    return GetRouting().Pointer;
+}
+
+TVector2 TRenderObject::GetLastPointer()
+{
+    return GetRouting().LastPointer;
+}
+
+int TRenderObject::GetKeyFlags()
+{
+    return GetRouting().KeyFlags | GetRouting().MessageKeyFlags;
+}
+
+void TRenderObject::ForgetRenderer(const TRenderer* renderer)
+{
+    TRouting& routing = GetRouting();
+    if (routing.Renderer == renderer)
+        routing.Renderer = nullptr;
+    if (renderer->GetWindow() != nullptr && routing.FocusWindow == renderer->GetWindow())
+        routing.FocusWindow = nullptr;
+}
+
+void TRenderObject::AddTick(TRenderObject* object)
+{
+    vector<TRenderObject*>& ticks = GetRouting().Ticks;
+    if (ticks.index_of(object) < 0)
+        ticks.push_back(object);
+}
+
+void TRenderObject::RemoveTick(TRenderObject* object)
+{
+    vector<TRenderObject*>& ticks = GetRouting().Ticks;
+    const int at = ticks.index_of(object);
+    if (at >= 0)
+        ticks.erase(ticks.begin() + at);
+}
+
+bool TRenderObject::HasTicks()
+{
+    return !GetRouting().Ticks.empty();
+}
+
+void TRenderObject::RunTicks(TRenderer* renderer)
+{
+    const vector<TRenderObject*> ticked = GetRouting().Ticks;
+    // One object's tick may delete another.
+    for (TRenderObject* object : ticked)
+        if (GetRouting().Ticks.index_of(object) >= 0)
+            object->Tick(renderer);
+}

@@ -1,0 +1,132 @@
+#pragma once
+
+#include "library/containers/vector.h"
+#include "library/maths/vector2.h"
+#include "library/wimp/gl/windowmessage.h"
+
+class TRenderObject;
+class TRenderObjects;
+class TRenderer;
+class TRenderWindow;
+
+// What an object hears of. From 10 on they are notifications among objects.
+enum TRenderEventCode
+{
+    RE_LEFTDOWN = 0,
+    RE_LEFTUP = 1,
+    RE_WHEEL = 2,
+    RE_ENTER = 3,
+    RE_LEAVE = 4,
+    RE_MOVE = 5,
+    RE_HOVER = 6,
+    RE_CHARACTER = 7,
+    RE_KEY = 8,
+    RE_FOCUSLOST = 9,
+    RE_REDRAW = 10,
+    RE_VALUECHANGED = 15,
+    RE_NODEREFRESH = 17,
+    RE_NODEDRAG = 26,
+    RE_PORTDRAG = 27,
+    RE_RELAYOUT = 28
+};
+
+struct TRenderEvent
+{
+    TRenderObject* Source = nullptr;
+    int Code = RE_MOVE;
+    // The pointer, in the space of the object that the event was first sent to.
+    TVector2 Point = TVector2(0, 0);
+    // The wheel's delta, a character, a TKey, or what a notification tells besides.
+    int Detail = 0;
+};
+
+// Anything that is drawn in a graph view and hears of input there. Its place, Origin, is relative to its
+// parent's. The routing state (hover, focus, capture, overlay) is one for the program and never points at an
+// object that has gone.
+class TRenderObject
+{
+public:
+    TRenderObject() = default;
+    virtual ~TRenderObject();
+    TRenderObject(const TRenderObject&) = delete;
+    TRenderObject& operator=(const TRenderObject&) = delete;
+
+    virtual int GetClassType() const { return 0; }
+    virtual void Render(TRenderer& renderer) = 0;
+    // Relative to the object's own place.
+    virtual void GetBounds(TVector2& min, TVector2& max) = 0;
+    // The object under the point, which is in the parent's space, or null.
+    virtual TRenderObject* HitTest(const TVector2& point);
+    // Whether the event was consumed. Passed on to the parent unless an object takes it.
+    virtual bool Event(const TRenderEvent& event);
+    virtual void Tick(TRenderer* renderer) { (void)renderer; }
+
+    TRenderObject* GetParent() const { return Parent; }
+    void SetParent(TRenderObject* parent) { Parent = parent; }
+    const TVector2& GetOrigin() const { return Origin; }
+    // Marks the parents' bounds out of date.
+    void SetOrigin(const TVector2& origin);
+    // The sum of the origins up through the parents, this one's included.
+    TVector2 GetAbsolutePosition() const;
+    // To be called when the object's bounds have changed.
+    void TouchBounds();
+    // The uppermost parent; the object itself without one.
+    const TRenderObject* GetTop() const;
+    // Whether an overlay is to be seen in a view of the root: if it belongs to that tree, or to none.
+    bool IsShownUnder(const TRenderObject& root) const;
+
+    // Hands a window's message to the objects under the root; true if one consumed it. The renderer must be
+    // that of the window.
+    static bool Route(TRenderer& renderer, TRenderObject& root, const TMessage& message);
+    // The focused object gets keys and characters; null for none. The second form names the window that gets
+    // the system's focus along.
+    static void SetFocus(TRenderObject* object, TRenderer* renderer = nullptr);
+    static void SetCapture(TRenderObject* object);
+    static void ReleaseCapture();
+    static void SetOverlay(TRenderObject* object);
+    static TRenderObject* GetHover();
+    static TRenderObject* GetFocus();
+    static TRenderObject* GetCapture();
+    static TRenderObject* GetOverlay();
+    // The renderer of the view that routed a message last; null once it has gone.
+    static TRenderer* GetRenderer();
+    // World places of the pointer, of the last and the last but one move.
+    static TVector2 GetPointer();
+    static TVector2 GetLastPointer();
+    // TKeyFlag bits of Shift and Ctrl: what the key messages have told, and the message being routed.
+    static int GetKeyFlags();
+    // The renderer and its window are about to go.
+    static void ForgetRenderer(const TRenderer* renderer);
+
+    static void AddTick(TRenderObject* object);
+    static void RemoveTick(TRenderObject* object);
+    static bool HasTicks();
+    // Once per idle pass. Objects may remove themselves meanwhile.
+    static void RunTicks(TRenderer* renderer);
+
+protected:
+    // A container whose bounds depend on its children forgets them.
+    virtual void ForgetBounds() {}
+
+    TRenderObject* Parent = nullptr;
+    TVector2 Origin = TVector2(0, 0);
+
+private:
+    friend class TRenderObjects;
+
+    bool Contains(const TVector2& point);
+    static TRenderObject* FindTarget(TRenderObject& root, const TVector2& point);
+    static bool Send(TRenderObject* object, int code, int detail = 0);
+    static bool SendToFocus(TRenderObject& root, int code, int detail);
+    static bool RouteMove(TRenderer& renderer, TRenderObject& root, const TMessage& message);
+    static void RouteLeave(TRenderer& renderer);
+    static bool RouteButton(TRenderer& renderer, TRenderObject& root, const TMessage& message, int code);
+    static bool RouteKeyDown(TRenderObject& root, int key);
+    static void RouteKeyUp(int key);
+    static void RouteFocusLost(TRenderer& renderer, TRenderObject& root);
+    static void RouteFocusGained(TRenderer& renderer, TRenderObject& root);
+    static bool Dispatch(TRenderer& renderer, TRenderObject& root, const TMessage& message);
+
+    // The container that lists this object, so that neither outlives its entry in the other.
+    TRenderObjects* Container = nullptr;
+};

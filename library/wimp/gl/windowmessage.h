@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstdint>
+
+// What a window hears of. Places and sizes are pixels of the window's client area.
+enum TMessageType
+{
+    MT_PAINT,
+    MT_SIZE,
+    MT_CLOSE,
+    MT_LEFTDOWN,
+    MT_LEFTUP,
+    MT_MIDDLEDOWN,
+    MT_MIDDLEUP,
+    MT_RIGHTDOWN,
+    MT_RIGHTUP,
+    MT_MOUSEMOVE,
+    MT_MOUSELEAVE,
+    MT_WHEEL,
+    MT_KEYDOWN,
+    MT_KEYUP,
+    MT_CHAR,
+    MT_TIMER,
+    MT_FOCUSGAINED,
+    MT_FOCUSLOST,
+    MT_SCROLL
+};
+
+// Keys by their codes; letters and digits are their ASCII characters, letters in upper case.
+enum TKey
+{
+    KEY_BACKSPACE = 8,
+    KEY_TAB = 9,
+    KEY_RETURN = 13,
+    KEY_SHIFT = 16,
+    KEY_CTRL = 17,
+    KEY_ALT = 18,
+    KEY_ESCAPE = 27,
+    KEY_PAGEUP = 33,
+    KEY_PAGEDOWN = 34,
+    KEY_END = 35,
+    KEY_HOME = 36,
+    KEY_LEFT = 37,
+    KEY_UP = 38,
+    KEY_RIGHT = 39,
+    KEY_DOWN = 40,
+    KEY_DELETE = 46
+};
+
+enum TMouseButton
+{
+    MB_LEFT = 1,
+    MB_MIDDLE = 2,
+    MB_RIGHT = 4
+};
+
+enum TKeyFlag
+{
+    KF_SHIFT = 1,
+    KF_CTRL = 2,
+    KF_ALT = 4
+};
+
+class TGDIContext;
+
+struct TMessage
+{
+    TMessageType Type = MT_PAINT;
+    // The pointer; for MT_SIZE the new size; for MT_SCROLL, X is the new position.
+    int X = 0;
+    int Y = 0;
+    // 120 for a notch of the wheel, away from the user.
+    int Delta = 0;
+    // For key messages.
+    int Key = 0;
+    // For MT_CHAR, a Unicode character.
+    uint32_t Character = 0;
+    // For MT_TIMER.
+    int Timer = 0;
+    // TMouseButton and TKeyFlag bits as they stand with the message.
+    int Buttons = 0;
+    int KeyFlags = 0;
+    // For MT_PAINT of a window that is not drawn by OpenGL.
+    TGDIContext* Context = nullptr;
+};

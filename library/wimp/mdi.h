@@ -1,0 +1,27 @@
+#pragma once
+
+#include "library/wimp/window.h"
+
+class QMenu;
+class TMenu;
+
+// The application's main window: a menu bar, document windows side by side in its client area, a status bar.
+class TMDIFrame : public TWindow
+{
+public:
+    // The kind is WK_MAIN. The menu's popup with the text "Window" lists the document windows.
+    bool CreateFrame(const TWindowParams& params, TMenu& menu);
+    void Cascade();
+    // The first part of the status bar.
+    void SetStatus(const char* text);
+    // The document window in front, or null.
+    TWindow* GetActiveChild() const;
+    void Activate(TWindow& child);
+    // 0 for none: of the screen's work area.
+    static void GetScreenSize(int& width, int& height);
+
+private:
+    void ListChildren(QMenu* menu);
+
+    TWindowHandle Client = nullptr;
+};

@@ -1,0 +1,267 @@
+#include "library/wimp/wimp.h"
+
+#include "library/containers/assertion.h"
+#include "library/wimp/keyboardshortcut.h"
+#include "library/wimp/windowpeer.h"
+
+#include <QtCore/QAbstractEventDispatcher>
+#include <QtCore/QThread>
+#include <QtGui/QPalette>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QStyle>
+#include <QtWidgets/QStyleFactory>
+
+#include <cstdio>
+#include <cstdlib>
+
+// Every turn without an event may be followed by an idle pass; from the second in a row on the loop takes a
+// breath, so that a tool at rest leaves the processor alone.
+static constexpr int BreathMilliseconds = 1;
+static constexpr int EmptyTurnsBeforeBreath = 2;
+
+static bool HasDisplay()
+{
+    return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || qEnvironmentVariableIsSet("DISPLAY") ||
+           qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+static void PrepareEnvironment()
+{
+    // Windows that place themselves and take the mouse want the X server, where there is one.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && qEnvironmentVariableIsSet("DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    // A window's unit is the pixel, for OpenGL and the rest alike.
+    if (!qEnvironmentVariableIsSet("QT_ENABLE_HIGHDPI_SCALING"))
+        qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
+}
+
+// Without a display that can be opened the window system ends the process: then with a line that says so.
+static void OnStartMessage(QtMsgType type, const QMessageLogContext&, const QString&)
+{
+    if (type != QtFatalMsg)
+        return;
+    fprintf(stderr, "The display \"%s\" cannot be opened.\n", qgetenv("DISPLAY").constData());
+    _Exit(1);
+}
+
+static void ShowAssertBox(const char* title, const char* text)
+{
+    if (QWidget* grabber = QWidget::mouseGrabber())
+        grabber->releaseMouse();
+    QMessageBox box(QMessageBox::Warning, ToQt(title), QString(), QMessageBox::Ok);
+    box.setObjectName(QStringLiteral("assertfailure"));
+    box.setTextFormat(Qt::PlainText);
+    box.setText(ToQt(text));
+    box.exec();
+}
+
+TWimp& TWimp::Get()
+{
+    static TWimp wimp;
+    return wimp;
+}
+
+bool TWimp::Init(int& argc, char** argv)
+{
+    if (IsInited())
+        return true;
+    if (!HasDisplay())
+        return false;
+    PrepareEnvironment();
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QSurfaceFormat::setDefaultFormat(GetGlFormat());
+    const QtMessageHandler before = qInstallMessageHandler(OnStartMessage);
+    QApplication* application = new QApplication(argc, argv);
+    qInstallMessageHandler(before);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setPalette(QApplication::style()->standardPalette());
+    Instance = application;
+    Flags |= FL_INITED;
+    SetAssertBox(ShowAssertBox);
+    return true;
+}
+
+void* TWimp::GetInstance() const
+{
+    ASSERT_TEXT(IsInited(), "IsInited() : Wimp not initialised");
+    return Instance;
+}
+
+bool TWimp::IsInited() const
+{
+    return (Flags & FL_INITED) != 0;
+}
+
+void TWimp::Shutdown()
+{
+    if (!IsInited())
+        return;
+    SetAssertBox(nullptr);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    delete static_cast<QApplication*>(Instance);
+    Instance = nullptr;
+    Flags = 0;
+    WimpApp = nullptr;
+    MouseDrag = nullptr;
+}
+
+void TWimp::SetApp(TWimpApp* app)
+{
+    ASSERT_TEXT(WimpApp == nullptr, "WimpApp == 0");
+    WimpApp = app;
+}
+
+void TWimp::SetIdle(bool idle)
+{
+    Flags = idle ? Flags | FL_IDLE : Flags & ~FL_IDLE;
+}
+
+void TWimp::Run()
+{
+    while (!IsQuitting())
+        Turn(true);
+    Flags &= ~FL_QUIT;
+}
+
+bool TWimp::Step()
+{
+    if (!IsQuitting())
+        Turn(false);
+    return !IsQuitting();
+}
+
+bool TWimp::Turn(bool mayWait)
+{
+    const bool idle = (Flags & FL_IDLE) != 0;
+    QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
+    QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents;
+    if (mayWait && !idle)
+        flags |= QEventLoop::WaitForMoreEvents;
+    const bool found = dispatcher->processEvents(flags);
+    // Nothing else takes these when no loop of the window system's own runs.
+    if (!TEventScope::IsActive())
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    if (found) {
+        EmptyTurns = 0;
+        return true;
+    }
+    if (idle)
+        IdlePass();
+    if (++EmptyTurns >= EmptyTurnsBeforeBreath)
+        QThread::msleep(BreathMilliseconds);
+    return false;
+}
+
+void TWimp::IdlePass()
+{
+    // A long wait inside an idle pass runs the loop, and must not begin another.
+    if (WimpApp == nullptr || InIdle || IsQuitting())
+        return;
+    struct TInside
+    {
+        bool& Flag;
+        explicit TInside(bool& flag) : Flag(flag) { Flag = true; }
+        ~TInside() { Flag = false; }
+    } inside(InIdle);
+    WimpApp->OnIdle();
+}
+
+void TWimp::Quit()
+{
+    Flags |= FL_QUIT;
+    if (QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance())
+        dispatcher->wakeUp();
+}
+
+bool TWimp::IsQuitting() const
+{
+    return (Flags & FL_QUIT) != 0;
+}
+
+void TWimp::SetMouseDrag(TMouseDrag* drag)
+{
+    ASSERT_TEXT(MouseDrag == nullptr, "MouseDrag == 0");
+    MouseDrag = drag;
+}
+
+void TWimp::SetMDIClient(TWindowHandle handle)
+{
+    ASSERT_TEXT(!IsMDIApp(), "!IsMDIApp()");
+    MDIClientHwnd = handle;
+    Flags |= FL_MDIAPP;
+}
+
+void TWimp::ClearMDIClient(TWindowHandle handle)
+{
+    ASSERT_TEXT(IsMDIApp(), "IsMDIApp()");
+    ASSERT_TEXT(handle == MDIClientHwnd, "hwnd == MDIClientHwnd");
+    MDIClientHwnd = nullptr;
+    Flags &= ~FL_MDIAPP;
+}
+
+bool TWimp::IsMDIApp() const
+{
+    return (Flags & FL_MDIAPP) != 0;
+}
+
+void TWimp::AddShortcut(TWindowHandle window, TKeyboardShortcut* shortcut)
+{
+    Shortcuts[window].push_back(shortcut);
+}
+
+void TWimp::RemoveShortcut(TWindowHandle window, TKeyboardShortcut* shortcut)
+{
+    const auto it = Shortcuts.find(window);
+    if (it == Shortcuts.end())
+        return;
+    TKeyboardShortcut** table = it->second.find(shortcut);
+    if (table != it->second.end())
+        it->second.erase(table);
+    if (it->second.empty())
+        Shortcuts.erase(it);
+}
+
+void TWimp::RemoveShortcuts(TWindowHandle window)
+{
+    const auto it = Shortcuts.find(window);
+    if (it != Shortcuts.end())
+        Shortcuts.erase(it);
+}
+
+bool TWimp::HandleKey(TWindow& window, const TMessage& message)
+{
+    return OfferKey(window, message.Key, message.Type == MT_KEYDOWN);
+}
+
+void TWimp::SyncModifiers(TWindow& window, int keyFlags)
+{
+    OfferKey(window, KEY_SHIFT, (keyFlags & KF_SHIFT) != 0);
+    OfferKey(window, KEY_CTRL, (keyFlags & KF_CTRL) != 0);
+    OfferKey(window, KEY_ALT, (keyFlags & KF_ALT) != 0);
+}
+
+bool TWimp::OfferKey(TWindow& window, int key, bool down)
+{
+    const TWindowHandle handle = window.GetHandle();
+    auto it = Shortcuts.find(handle);
+    if (it == Shortcuts.end())
+        return false;
+    // A handler may close the window or take tables away.
+    const vector<TKeyboardShortcut*> tables = it->second;
+    for (TKeyboardShortcut* table : tables) {
+        it = Shortcuts.find(handle);
+        if (it == Shortcuts.end())
+            return false;
+        if (it->second.find(table) != it->second.end() && table->OnKey(key, &window, down))
+            return true;
+    }
+    return false;
+}
+
+void Beep()
+{
+    if (TWimp::Get().IsInited())
+        QApplication::beep();
+}

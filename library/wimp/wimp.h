@@ -1,0 +1,100 @@
+#pragma once
+
+#include "library/containers/sortedmap.h"
+#include "library/containers/vector.h"
+#include "library/wimp/wimpcontrol.h"
+
+class TKeyboardShortcut;
+class TWindow;
+struct TMessage;
+
+// What the framework knows of the application.
+class TWimpApp
+{
+public:
+    virtual ~TWimpApp() = default;
+    // One idle pass: the loop found nothing to do.
+    virtual void OnIdle() = 0;
+};
+
+// Who gets the mouse during a drag, before any window.
+class TMouseDrag
+{
+public:
+    virtual ~TMouseDrag() = default;
+    // Pixels of the window that captured the mouse; TMouseButton bits.
+    virtual void OnMouseMove(int x, int y, int buttons) = 0;
+};
+
+// The window framework: one message loop, one drag at a time.
+class TWimp
+{
+public:
+    static TWimp& Get();
+
+    // Starts the window system; the arguments stay the caller's. False without a display.
+    bool Init(int& argc, char** argv);
+    // Asserts "IsInited() : Wimp not initialised".
+    void* GetInstance() const;
+    bool IsInited() const;
+    // Ends the window system; all windows must have gone.
+    void Shutdown();
+
+    // Asserts "WimpApp == 0".
+    void SetApp(TWimpApp* app);
+    void ClearApp() { WimpApp = nullptr; }
+    void SetIdle(bool idle);
+    void Run();
+    // One turn of the loop, for code that keeps the windows alive during a long wait; does not block. False
+    // once to quit.
+    bool Step();
+    void Quit();
+    bool IsQuitting() const;
+
+    // Asserts "MouseDrag == 0".
+    void SetMouseDrag(TMouseDrag* drag);
+    void ClearMouseDrag() { MouseDrag = nullptr; }
+    TMouseDrag* GetMouseDrag() const { return MouseDrag; }
+
+    // Assert "!IsMDIApp()", and "IsMDIApp()" and "hwnd == MDIClientHwnd".
+    void SetMDIClient(TWindowHandle handle);
+    void ClearMDIClient(TWindowHandle handle);
+    bool IsMDIApp() const;
+    TWindowHandle GetMDIClient() const { return MDIClientHwnd; }
+
+    void AddShortcut(TWindowHandle window, TKeyboardShortcut* shortcut);
+    void RemoveShortcut(TWindowHandle window, TKeyboardShortcut* shortcut);
+    // For a window that goes.
+    void RemoveShortcuts(TWindowHandle window);
+    // Key messages go to the window's tables first; true if one consumed the key.
+    bool HandleKey(TWindow& window, const TMessage& message);
+    // The modifiers as they stand, for tables of the window that missed a change while another had the keys.
+    void SyncModifiers(TWindow& window, int keyFlags);
+
+private:
+    enum TFlag
+    {
+        FL_IDLE = 1,
+        FL_QUIT = 2,
+        FL_INITED = 4,
+        FL_MDIAPP = 8
+    };
+
+    TWimp() = default;
+
+    bool OfferKey(TWindow& window, int key, bool down);
+    bool Turn(bool mayWait);
+    void IdlePass();
+
+    void* Instance = nullptr;
+    int Flags = 0;
+    TWimpApp* WimpApp = nullptr;
+    TMouseDrag* MouseDrag = nullptr;
+    TWindowHandle MDIClientHwnd = nullptr;
+    sortedmap<TWindowHandle, vector<TKeyboardShortcut*>> Shortcuts;
+    bool InIdle = false;
+    int EmptyTurns = 0;
+};
+
+// The system's warning sound.
+void Beep();

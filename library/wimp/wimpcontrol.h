@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+
+class QWidget;
+class TWindow;
+
+// What identifies a window or control of the window system.
+using TWindowHandle = QWidget*;
+
+// The codes by which controls and menus report to their owner's OnCommand.
+enum TCommandCode
+{
+    CC_CLOSE = 0,
+    CC_MENU = 1,
+    CC_BUTTON = 7,
+    CC_SELECTION = 11,
+    CC_DROP = 34
+};
+
+// A window or one of the window system's own controls, with the window that owns it. The handle goes with the
+// object.
+class TWimpControl
+{
+public:
+    TWimpControl() = default;
+    virtual ~TWimpControl();
+    TWimpControl(const TWimpControl&) = delete;
+    TWimpControl& operator=(const TWimpControl&) = delete;
+
+    virtual void Enable(bool enabled);
+    virtual void Show(bool shown);
+    virtual void MoveTo(int x, int y, int width, int height);
+    virtual void SetFocus();
+    // 1 for a window with a frame of its own.
+    virtual int GetType() const { return 0; }
+
+    TWindowHandle GetHandle() const { return Handle; }
+    TWindow* GetOwner() const { return Owner; }
+    // Walks up to the next window of type 1. Asserts "ctrl != 0".
+    TWindow* GetTopWindow();
+    virtual void GetSize(int& width, int& height) const;
+
+protected:
+    friend class TWindow;
+
+    // Makes the control known to its owner. Asserts "Hwnd != 0 : Bad control handle".
+    void Bind(TWindowHandle handle, TWindow* owner);
+    // The owner or its widget goes: the control has no handle from now on.
+    void Unbind();
+
+    TWindowHandle Handle = nullptr;
+    TWindow* Owner = nullptr;
+};

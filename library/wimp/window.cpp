@@ -1,0 +1,372 @@
+#include "library/wimp/window.h"
+
+#include "library/containers/assertion.h"
+#include "library/wimp/wimp.h"
+#include "library/wimp/windowwidgets.h"
+
+#include <QtCore/QSignalBlocker>
+#include <QtOpenGLWidgets/QOpenGLWidget>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLayout>
+#include <QtWidgets/QMdiArea>
+#include <QtWidgets/QMdiSubWindow>
+#include <QtWidgets/QScrollBar>
+
+// The window that the mouse stays with.
+static TWindow* CaptureWindow = nullptr;
+
+static bool IsMouseMessage(TMessageType type)
+{
+    return type >= MT_LEFTDOWN && type <= MT_MOUSEMOVE;
+}
+
+// A running drag shows its pointer wherever the mouse goes.
+static void ShowDragPointer(TCursor cursor)
+{
+    if (cursor == CU_CLASS) {
+        QApplication::restoreOverrideCursor();
+        return;
+    }
+    const QCursor pointer = GetMousePointer(cursor);
+    if (QApplication::overrideCursor() != nullptr)
+        QApplication::changeOverrideCursor(pointer);
+    else
+        QApplication::setOverrideCursor(pointer);
+}
+
+static QOpenGLWidget* GlWidgetOf(TWindowHandle handle)
+{
+    QOpenGLWidget* widget = qobject_cast<QOpenGLWidget*>(handle);
+    return widget != nullptr && widget->isValid() ? widget : nullptr;
+}
+
+void TWindowClass::Register(int iconId, TGDIColour background, bool, bool, bool)
+{
+    ASSERT_TEXT(!Registered, "!Registered : Attempt to reregister class atom");
+    IconId = iconId;
+    Background = background;
+    Registered = true;
+}
+
+TWindow::~TWindow()
+{
+    Destroy();
+}
+
+bool TWindow::OnMessage(const TMessage&)
+{
+    return false;
+}
+
+void TWindow::OnCommand(TWimpControl*, intptr_t, int code)
+{
+    if (code != CC_CLOSE)
+        return;
+    if (Kind == WK_MAIN)
+        TWimp::Get().Quit();
+    else
+        Hide();
+}
+
+bool TWindow::Create(const TWindowParams& params)
+{
+    if (Handle != nullptr || !TWimp::Get().IsInited())
+        return false;
+    Kind = params.Kind;
+    Class = params.Class;
+    Peer = MakeWindowWidget(*this, params);
+    if (Peer == nullptr)
+        return false;
+    Handle = Peer->GetWidget();
+    Owner = params.Owner;
+    TWindowMap::Add(this);
+    if (params.VerticalScroll)
+        Peer->AddScrollBar();
+    if (Kind == WK_CHILD || Kind == WK_GLCHILD) {
+        Handle->show();
+        return true;
+    }
+    SetTitle(params.Title);
+    MoveTo(params.X, params.Y, params.Width, params.Height);
+    return true;
+}
+
+void TWindow::Destroy()
+{
+    if (Handle == nullptr)
+        return;
+    ReleaseCapture();
+    if (TWimp::Get().IsMDIApp() && Kind == WK_MAIN)
+        TWimp::Get().ClearMDIClient(TWimp::Get().GetMDIClient());
+    QWidget* frame = Peer->GetFrame();
+    while (TWindow* below = TWindowMap::FindBelow(frame == Handle ? Handle : frame)) {
+        if (below == this)
+            break;
+        below->Destroy();
+    }
+    Peer->Forget();
+    ForgetWidget();
+    DisposeWidget(frame);
+}
+
+void TWindow::ForgetWidget()
+{
+    for (const auto& entry : SubControls)
+        entry.second->Unbind();
+    SubControls.clear();
+    TWimp::Get().RemoveShortcuts(Handle);
+    TWindowMap::Remove(this);
+    Peer = nullptr;
+    Unbind();
+}
+
+int TWindow::GetType() const
+{
+    return Kind == WK_CHILD || Kind == WK_GLCHILD ? 0 : 1;
+}
+
+void TWindow::Show(bool shown)
+{
+    if (Peer != nullptr)
+        Peer->GetFrame()->setVisible(shown);
+}
+
+bool TWindow::IsShown() const
+{
+    return Peer != nullptr && Peer->GetFrame()->isVisible();
+}
+
+void TWindow::MoveTo(int x, int y, int width, int height)
+{
+    if (Peer == nullptr)
+        return;
+    if (Kind == WK_TOP || Kind == WK_MAIN) {
+        Handle->move(x, y);
+        Handle->resize(width, height);
+        return;
+    }
+    Peer->GetFrame()->setGeometry(x, y, width, height);
+    // The inside of a frame that is not yet shown follows at once, for those who lay out by its size.
+    if (Peer->SubWindow != nullptr && Peer->SubWindow->layout() != nullptr)
+        Peer->SubWindow->layout()->activate();
+}
+
+void TWindow::SetFocus()
+{
+    TakeFocus();
+}
+
+void TWindow::BringToTop()
+{
+    if (Peer == nullptr)
+        return;
+    QWidget* frame = Peer->GetFrame();
+    if (frame->isMinimized())
+        frame->showNormal();
+    if (Peer->SubWindow != nullptr && Peer->SubWindow->mdiArea() != nullptr)
+        Peer->SubWindow->mdiArea()->setActiveSubWindow(Peer->SubWindow);
+    frame->raise();
+    if (frame->isWindow())
+        frame->activateWindow();
+}
+
+void TWindow::SetTitle(const char* text)
+{
+    if (Peer != nullptr)
+        Peer->GetFrame()->setWindowTitle(ToQt(text));
+}
+
+void TWindow::SetCursor(TCursor cursor)
+{
+    if (Handle == nullptr)
+        return;
+    Handle->setCursor(GetMousePointer(cursor));
+    if (CaptureWindow == this)
+        ShowDragPointer(cursor);
+}
+
+void TWindow::Redraw()
+{
+    if (Handle != nullptr)
+        Handle->update();
+}
+
+void TWindow::GetSize(int& width, int& height) const
+{
+    TWimpControl::GetSize(width, height);
+    if (Peer != nullptr && Peer->ScrollBar != nullptr && !Peer->ScrollBar->isHidden())
+        width -= Peer->ScrollBar->width();
+    if (width < 0)
+        width = 0;
+}
+
+void TWindow::ClientToScreen(int& x, int& y) const
+{
+    if (Handle == nullptr)
+        return;
+    const QPoint place = Handle->mapToGlobal(QPoint(x, y));
+    x = place.x();
+    y = place.y();
+}
+
+void TWindow::ScreenToClient(int& x, int& y) const
+{
+    if (Handle == nullptr)
+        return;
+    const QPoint place = Handle->mapFromGlobal(QPoint(x, y));
+    x = place.x();
+    y = place.y();
+}
+
+bool TWindow::HasFocus() const
+{
+    return Handle != nullptr && Handle->hasFocus();
+}
+
+void TWindow::TakeFocus()
+{
+    if (Handle != nullptr)
+        Handle->setFocus(Qt::OtherFocusReason);
+}
+
+void TWindow::SetCapture()
+{
+    if (Handle == nullptr)
+        return;
+    CaptureWindow = this;
+    if (Handle->isVisible() && QWidget::mouseGrabber() != Handle)
+        Handle->grabMouse();
+}
+
+void TWindow::ReleaseCapture()
+{
+    if (CaptureWindow != this)
+        return;
+    CaptureWindow = nullptr;
+    QApplication::restoreOverrideCursor();
+    if (QWidget::mouseGrabber() == Handle)
+        Handle->releaseMouse();
+}
+
+void TWindow::StartTimer(int timer, int milliseconds)
+{
+    if (Peer != nullptr)
+        Peer->StartTimer(timer, milliseconds);
+}
+
+void TWindow::StopTimer(int timer)
+{
+    if (Peer != nullptr)
+        Peer->StopTimer(timer);
+}
+
+void TWindow::SetScrollRange(int whole, int page, int line)
+{
+    if (Peer == nullptr || Peer->ScrollBar == nullptr)
+        return;
+    {
+        const QSignalBlocker quiet(Peer->ScrollBar);
+        Peer->ScrollBar->setRange(0, whole > page ? whole - page : 0);
+        Peer->ScrollBar->setPageStep(page);
+        Peer->ScrollBar->setSingleStep(line);
+    }
+    UpdateScrollBar(whole > page);
+}
+
+void TWindow::UpdateScrollBar(bool shown)
+{
+    if (Peer->ScrollBar->isHidden() != shown)
+        return;
+    Peer->ScrollBar->setVisible(shown);
+    Redraw();
+    TMessage message;
+    message.Type = MT_SIZE;
+    GetSize(message.X, message.Y);
+    Peer->Send(message);
+}
+
+void TWindow::SetScrollPosition(int position)
+{
+    if (Peer == nullptr || Peer->ScrollBar == nullptr)
+        return;
+    const QSignalBlocker quiet(Peer->ScrollBar);
+    Peer->ScrollBar->setValue(position);
+}
+
+int TWindow::GetScrollPosition() const
+{
+    return Peer != nullptr && Peer->ScrollBar != nullptr ? Peer->ScrollBar->value() : 0;
+}
+
+bool TWindow::MakeCurrent()
+{
+    QOpenGLWidget* widget = GlWidgetOf(Handle);
+    if (widget == nullptr)
+        return false;
+    widget->makeCurrent();
+    return true;
+}
+
+unsigned TWindow::GetFrameBuffer()
+{
+    QOpenGLWidget* widget = GlWidgetOf(Handle);
+    return widget != nullptr ? widget->defaultFramebufferObject() : 0;
+}
+
+void TWindow::AddSubControl(TWimpControl* control)
+{
+    ASSERT_TEXT(SubControls.find(control->GetHandle()) == SubControls.end(),
+                "SubControls.find(hwnd) == SubControls.end() : Attempt to add sub control twice");
+    SubControls[control->GetHandle()] = control;
+}
+
+void TWindow::RemoveSubControl(TWimpControl* control)
+{
+    const auto it = SubControls.find(control->GetHandle());
+    if (it == SubControls.end()) {
+        ASSERT_TEXT(IsAssertUnwinding(), "0 : Attempt to remove non-registered sub control");
+        return;
+    }
+    SubControls.erase(it);
+}
+
+TWindow* TWindow::Find(TWindowHandle handle)
+{
+    return TWindowMap::Find(handle);
+}
+
+TWindow* TWindow::FromPoint(int x, int y)
+{
+    QWidget* widget = QApplication::widgetAt(x, y);
+    while (widget != nullptr) {
+        if (TWindow* window = Find(widget))
+            return window;
+        if (const QMdiSubWindow* frame = qobject_cast<QMdiSubWindow*>(widget))
+            if (TWindow* window = Find(frame->widget()))
+                return window;
+        widget = widget->isWindow() ? nullptr : widget->parentWidget();
+    }
+    return nullptr;
+}
+
+bool TWindow::Dispatch(const TMessage& message)
+{
+    if (!IsMouseMessage(message.Type))
+        return OnMessage(message);
+    MouseX = message.X;
+    MouseY = message.Y;
+    Buttons = message.Buttons;
+    if (TMouseDrag* drag = TWimp::Get().GetMouseDrag()) {
+        int x = message.X;
+        int y = message.Y;
+        if (CaptureWindow != nullptr && CaptureWindow != this) {
+            ClientToScreen(x, y);
+            CaptureWindow->ScreenToClient(x, y);
+        }
+        const QPointer<TWindowPeer> peer(Peer);
+        drag->OnMouseMove(x, y, message.Buttons);
+        if (peer == nullptr || peer->GetWindow() == nullptr)
+            return true;
+    }
+    return OnMessage(message);
+}

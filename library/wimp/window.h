@@ -1,0 +1,153 @@
+#pragma once
+
+#include "library/containers/sortedmap.h"
+#include "library/containers/vector.h"
+#include "library/wimp/gdi/gdicontext.h"
+#include "library/wimp/gl/renderwindow.h"
+#include "library/wimp/gl/windowmessage.h"
+#include "library/wimp/wimpcontrol.h"
+
+class TMenu;
+
+// A class of windows by name; a static of the window that uses it. The name is the object name by which tests
+// and automation find the windows.
+class TWindowClass
+{
+public:
+    explicit TWindowClass(const char* name) : Name(name) {}
+    // Once: asserts "!Registered : Attempt to reregister class atom".
+    void Register(int iconId, TGDIColour background, bool ownDC = false, bool doubleClicks = false,
+                  bool saveBits = false);
+    bool IsRegistered() const { return Registered; }
+    const char* GetName() const { return Name; }
+    int GetIcon() const { return IconId; }
+    TGDIColour GetBackground() const { return Background; }
+
+private:
+    const char* Name;
+    int IconId = 0;
+    TGDIColour Background = 0xFFFFFF;
+    bool Registered = false;
+};
+
+enum TWindowKind
+{
+    // Inside its owner.
+    WK_CHILD,
+    // A window inside its owner that OpenGL draws.
+    WK_GLCHILD,
+    // A document's window in the main window's client area.
+    WK_MDICHILD,
+    // A window of its own on the screen.
+    WK_TOP,
+    // The application's main window: menu, status bar, MDI client.
+    WK_MAIN
+};
+
+struct TWindowParams
+{
+    const TWindowClass* Class = nullptr;
+    const char* Title = "";
+    TWindow* Owner = nullptr;
+    TWindowKind Kind = WK_CHILD;
+    // Ignored for children, which their owner lays out.
+    int X = 0;
+    int Y = 0;
+    int Width = 100;
+    int Height = 100;
+    bool VerticalScroll = false;
+};
+
+// The numbers of the mouse pointers; 1 and 2 are the program's own for a running drag.
+enum TCursor
+{
+    CU_CLASS = 0,
+    CU_DRAG = 1,
+    CU_DROP = 2,
+    CU_HAND = 3,
+    CU_SPLITX = 4,
+    CU_SPLITY = 5
+};
+
+// The base of all windows.
+class TWindow : public TWimpControl, public TRenderWindow
+{
+public:
+    TWindow() = default;
+    ~TWindow() override;
+
+    // The window's procedure; false passes the message on to what the window system does by itself. A close
+    // message that is consumed leaves the window open; otherwise it is reported as code 0 to the window
+    // itself.
+    virtual bool OnMessage(const TMessage& message);
+    // What controls, menus and the drop target report: the control (null for a menu), an argument, the code.
+    // By itself a window answers code 0 by hiding, and the main window by ending the run.
+    virtual void OnCommand(TWimpControl* control, intptr_t argument, int code);
+
+    // False, with no window, if the window system refuses.
+    bool Create(const TWindowParams& params);
+    // Takes the windows and controls inside along: their objects stay, without a handle.
+    void Destroy();
+    const TWindowClass* GetClass() const { return Class; }
+    TWindowKind GetKind() const { return Kind; }
+    int GetType() const override;
+    void Show(bool shown = true) override;
+    // Of a window with a frame, the frame's place and the size inside it.
+    void MoveTo(int x, int y, int width, int height) override;
+    void SetFocus() override;
+    void Hide() { Show(false); }
+    bool IsShown() const;
+    void BringToTop();
+    void SetTitle(const char* text);
+    void SetCursor(TCursor cursor);
+    void Redraw() override;
+    void GetSize(int& width, int& height) const override;
+    void ClientToScreen(int& x, int& y) const;
+    void ScreenToClient(int& x, int& y) const;
+    bool HasFocus() const override;
+    void TakeFocus() override;
+    // While captured, mouse messages come here wherever the pointer is.
+    void SetCapture();
+    void ReleaseCapture();
+    void StartTimer(int timer, int milliseconds) override;
+    void StopTimer(int timer) override;
+    // For a window with a vertical scroll bar; a page of the whole hides it.
+    void SetScrollRange(int whole, int page, int line);
+    void SetScrollPosition(int position);
+    int GetScrollPosition() const;
+
+    // Of windows that OpenGL draws.
+    bool MakeCurrent() override;
+    unsigned GetFrameBuffer() override;
+
+    // By the last mouse message.
+    int GetMouseX() const { return MouseX; }
+    int GetMouseY() const { return MouseY; }
+    int GetButtons() const { return Buttons; }
+
+    // For controls: asserts "SubControls.find(hwnd) == SubControls.end() : Attempt to add sub control twice"
+    // and "0 : Attempt to remove non-registered sub control".
+    void AddSubControl(TWimpControl* control);
+    void RemoveSubControl(TWimpControl* control);
+
+    // The window of a handle, or null. The innermost window at a place on the screen, or null.
+    static TWindow* Find(TWindowHandle handle);
+    static TWindow* FromPoint(int x, int y);
+
+private:
+    friend class TWindowPeer;
+
+    // What the framework calls for each message: keeps the mouse's state, serves a running drag first.
+    bool Dispatch(const TMessage& message);
+
+    void ForgetWidget();
+    void UpdateScrollBar(bool shown);
+
+    sortedmap<TWindowHandle, TWimpControl*> SubControls;
+    class TWindowPeer* Peer = nullptr;
+    const TWindowClass* Class = nullptr;
+    TWindowKind Kind = WK_CHILD;
+    int MouseX = 0;
+    int MouseY = 0;
+    int Buttons = 0;
+};

@@ -1,0 +1,481 @@
+#include "library/wimp/windowpeer.h"
+
+#include "library/containers/assertion.h"
+#include "library/containers/sortedmap.h"
+#include "library/system/message.h"
+#include "library/wimp/gdi/gdibitmap.h"
+#include "library/wimp/gl/glcontext.h"
+#include "library/wimp/wimp.h"
+
+#include <QtCore/QTimer>
+#include <QtGui/QCursor>
+#include <QtGui/QInputMethodEvent>
+#include <QtGui/QKeyEvent>
+#include <QtGui/QMouseEvent>
+#include <QtGui/QOffscreenSurface>
+#include <QtGui/QOpenGLContext>
+#include <QtGui/QPainter>
+#include <QtGui/QResizeEvent>
+#include <QtGui/QWheelEvent>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QMdiArea>
+#include <QtWidgets/QMdiSubWindow>
+#include <QtWidgets/QScrollBar>
+
+namespace {
+
+int EventDepth = 0;
+
+sortedmap<TWindowHandle, TWindow*>& Windows()
+{
+    static sortedmap<TWindowHandle, TWindow*> windows;
+    return windows;
+}
+
+struct TKeyCode
+{
+    int Qt;
+    int Key;
+};
+
+// Keys whose codes are not their characters.
+constexpr TKeyCode KeyCodes[] = {
+    {Qt::Key_Backspace, KEY_BACKSPACE}, {Qt::Key_Tab, KEY_TAB},           {Qt::Key_Backtab, KEY_TAB},
+    {Qt::Key_Return, KEY_RETURN},       {Qt::Key_Enter, KEY_RETURN},      {Qt::Key_Shift, KEY_SHIFT},
+    {Qt::Key_Control, KEY_CTRL},        {Qt::Key_Alt, KEY_ALT},           {Qt::Key_Escape, KEY_ESCAPE},
+    {Qt::Key_PageUp, KEY_PAGEUP},       {Qt::Key_PageDown, KEY_PAGEDOWN}, {Qt::Key_End, KEY_END},
+    {Qt::Key_Home, KEY_HOME},           {Qt::Key_Left, KEY_LEFT},         {Qt::Key_Up, KEY_UP},
+    {Qt::Key_Right, KEY_RIGHT},         {Qt::Key_Down, KEY_DOWN},         {Qt::Key_Insert, 45},
+    {Qt::Key_Delete, KEY_DELETE},
+};
+
+constexpr int FirstFunctionKey = 112;
+
+// 0 for a key without a code.
+int ToKey(int key)
+{
+    for (const TKeyCode& code : KeyCodes)
+        if (code.Qt == key)
+            return code.Key;
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F24)
+        return FirstFunctionKey + key - Qt::Key_F1;
+    return key >= Qt::Key_Space && key <= Qt::Key_AsciiTilde ? key : 0;
+}
+
+int ToButtons(Qt::MouseButtons buttons)
+{
+    return (buttons.testFlag(Qt::LeftButton) ? MB_LEFT : 0) |
+           (buttons.testFlag(Qt::MiddleButton) ? MB_MIDDLE : 0) |
+           (buttons.testFlag(Qt::RightButton) ? MB_RIGHT : 0);
+}
+
+int ToKeyFlags(Qt::KeyboardModifiers modifiers)
+{
+    return (modifiers.testFlag(Qt::ShiftModifier) ? KF_SHIFT : 0) |
+           (modifiers.testFlag(Qt::ControlModifier) ? KF_CTRL : 0) |
+           (modifiers.testFlag(Qt::AltModifier) ? KF_ALT : 0);
+}
+
+bool IsModifier(int key)
+{
+    return key == KEY_SHIFT || key == KEY_CTRL || key == KEY_ALT;
+}
+
+// The window's own tables, then those of its owners.
+bool OfferKey(TWindow* window, const TMessage& message)
+{
+    while (window != nullptr) {
+        TWindow* owner = window->GetOwner();
+        if (!IsModifier(message.Key))
+            TWimp::Get().SyncModifiers(*window, message.KeyFlags);
+        if (TWimp::Get().HandleKey(*window, message))
+            return true;
+        window = owner;
+    }
+    return false;
+}
+
+// The message form waits for an answer, which must not happen while a window is being made.
+void TellGlFault()
+{
+    QTimer::singleShot(0, QCoreApplication::instance(), [] {
+        const char* fault = GetGlFault();
+        ShowMessage("OpenGL cannot be used: the graph and the preview stay empty.\n%s",
+                    fault != nullptr ? fault : "");
+    });
+}
+
+bool ProbeGl()
+{
+    QOpenGLContext context;
+    context.setFormat(GetGlFormat());
+    context.setShareContext(QOpenGLContext::globalShareContext());
+    QOffscreenSurface surface;
+    surface.setFormat(GetGlFormat());
+    if (context.create()) {
+        surface.create();
+        context.makeCurrent(&surface);
+    }
+    const bool works = InitGl();
+    if (!works)
+        TellGlFault();
+    return works;
+}
+
+QCursor LoadPointer(int picture, Qt::CursorShape otherwise)
+{
+    static constexpr int HotSpot = 1;
+    TGDIBitmap bitmap;
+    if (!bitmap.Load(picture))
+        return QCursor(otherwise);
+    return QCursor(QPixmap::fromImage(bitmap.GetImage()), HotSpot, HotSpot);
+}
+
+} // namespace
+
+TEventScope::TEventScope()
+{
+    ++EventDepth;
+}
+
+TEventScope::~TEventScope()
+{
+    --EventDepth;
+}
+
+bool TEventScope::IsActive()
+{
+    return EventDepth > 0;
+}
+
+void DisposeWidget(QWidget* widget)
+{
+    // The keys go to nobody rather than to a neighbour that may be about to go too.
+    if (QWidget* focus = QApplication::focusWidget())
+        if (focus == widget || widget->isAncestorOf(focus))
+            focus->clearFocus();
+    if (!TEventScope::IsActive()) {
+        delete widget;
+        return;
+    }
+    widget->hide();
+    widget->setObjectName(QString());
+    widget->deleteLater();
+}
+
+void TWindowMap::Add(TWindow* window)
+{
+    ASSERT_TEXT(Windows().find(window->GetHandle()) == Windows().end(),
+                "Windows.find(window->GetHandle()) == Windows.end() : Attempt to add window twice");
+    Windows()[window->GetHandle()] = window;
+}
+
+void TWindowMap::Remove(TWindow* window)
+{
+    const auto it = Windows().find(window->GetHandle());
+    if (it == Windows().end()) {
+        ASSERT_TEXT(IsAssertUnwinding(), "0 : Attempt to remove non-registered window");
+        return;
+    }
+    Windows().erase(it);
+}
+
+TWindow* TWindowMap::Find(TWindowHandle handle)
+{
+    const auto it = Windows().find(handle);
+    return it != Windows().end() ? it->second : nullptr;
+}
+
+TWindow* TWindowMap::FindBelow(TWindowHandle handle)
+{
+    for (const auto& entry : Windows())
+        for (const QObject* above = entry.first->parent(); above != nullptr; above = above->parent())
+            if (above == handle)
+                return entry.second;
+    return nullptr;
+}
+
+bool TWindowMap::IsEmpty()
+{
+    return Windows().empty();
+}
+
+QSurfaceFormat GetGlFormat()
+{
+    QSurfaceFormat format;
+    format.setRenderableType(QSurfaceFormat::OpenGL);
+    format.setVersion(2, 1);
+    format.setProfile(QSurfaceFormat::CompatibilityProfile);
+    format.setDepthBufferSize(24);
+    format.setStencilBufferSize(8);
+    return format;
+}
+
+bool HasWorkingGl()
+{
+    static const bool Works = ProbeGl();
+    return Works;
+}
+
+QCursor GetMousePointer(TCursor cursor)
+{
+    switch (cursor) {
+    case CU_DRAG:
+        return LoadPointer(PI_DRAG, Qt::ForbiddenCursor);
+    case CU_DROP:
+        return LoadPointer(PI_DROP, Qt::DragCopyCursor);
+    case CU_HAND:
+        return QCursor(Qt::ClosedHandCursor);
+    case CU_SPLITX:
+        return QCursor(Qt::SplitHCursor);
+    case CU_SPLITY:
+        return QCursor(Qt::SplitVCursor);
+    default:
+        return QCursor(Qt::ArrowCursor);
+    }
+}
+
+TWindowPeer::TWindowPeer(TWindow* window, QWidget* widget) : QObject(widget), Window(window), Widget(widget)
+{
+}
+
+TWindowPeer::~TWindowPeer()
+{
+    if (Window != nullptr)
+        Window->ForgetWidget();
+}
+
+QWidget* TWindowPeer::GetFrame() const
+{
+    return SubWindow != nullptr ? SubWindow : Widget;
+}
+
+bool TWindowPeer::Send(const TMessage& message)
+{
+    if (Window == nullptr)
+        return false;
+    TEventScope scope;
+    return Window->Dispatch(message);
+}
+
+bool TWindowPeer::HandleEvent(QEvent* event)
+{
+    if (Window == nullptr)
+        return false;
+    TMessage message;
+    switch (event->type()) {
+    case QEvent::Close:
+        event->ignore();
+        Close();
+        return true;
+    case QEvent::Resize:
+        LayoutScrollBar();
+        message.Type = MT_SIZE;
+        Window->GetSize(message.X, message.Y);
+        Send(message);
+        return false;
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        message.Type = event->type() == QEvent::FocusIn ? MT_FOCUSGAINED : MT_FOCUSLOST;
+        Send(message);
+        return false;
+    case QEvent::Leave:
+        message.Type = MT_MOUSELEAVE;
+        Send(message);
+        return false;
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+        SendKey(*static_cast<QKeyEvent*>(event), event->type() == QEvent::KeyPress);
+        event->accept();
+        return true;
+    case QEvent::InputMethod:
+        SendCharacters(static_cast<QInputMethodEvent*>(event)->commitString(), 0);
+        event->accept();
+        return true;
+    case QEvent::MouseMove:
+        SendMouse(MT_MOUSEMOVE, *static_cast<QMouseEvent*>(event));
+        event->accept();
+        return true;
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease:
+        SendButton(*static_cast<QMouseEvent*>(event), event->type() != QEvent::MouseButtonRelease);
+        event->accept();
+        return true;
+    case QEvent::Wheel:
+        // What no one takes goes on to the owner.
+        event->setAccepted(SendWheel(*static_cast<QWheelEvent*>(event)));
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TWindowPeer::Paint()
+{
+    if (Window == nullptr)
+        return;
+    TMessage message;
+    if (Window->GetKind() == WK_GLCHILD && HasWorkingGl()) {
+        Send(message);
+        return;
+    }
+    QPainter painter(Widget);
+    const TWindowClass* windowClass = Window->GetClass();
+    const TGDIColour background = windowClass != nullptr ? windowClass->GetBackground() : GetButtonColour();
+    painter.fillRect(Widget->rect(), QColor::fromRgb(static_cast<QRgb>(background)));
+    if (Window->GetKind() == WK_GLCHILD)
+        return;
+    TGDIContext context(painter);
+    message.Context = &context;
+    Send(message);
+}
+
+void TWindowPeer::Close()
+{
+    TMessage message;
+    message.Type = MT_CLOSE;
+    const QPointer<TWindowPeer> self(this);
+    TEventScope scope;
+    if (!Send(message) && self != nullptr && Window != nullptr)
+        Window->OnCommand(Window, 0, CC_CLOSE);
+}
+
+void TWindowPeer::SendMouse(TMessageType type, const QMouseEvent& event)
+{
+    TMessage message;
+    message.Type = type;
+    const QPoint place = event.position().toPoint();
+    message.X = place.x();
+    message.Y = place.y();
+    message.Buttons = ToButtons(event.buttons());
+    message.KeyFlags = ToKeyFlags(event.modifiers());
+    Send(message);
+}
+
+// A press anywhere inside brings a document window to the front.
+void TWindowPeer::ActivateDocument()
+{
+    for (const TWindow* window = Window; window != nullptr; window = window->GetOwner()) {
+        QMdiSubWindow* frame = window->Peer != nullptr ? window->Peer->SubWindow : nullptr;
+        if (frame == nullptr)
+            continue;
+        if (QMdiArea* area = frame->mdiArea())
+            if (area->activeSubWindow() != frame)
+                area->setActiveSubWindow(frame);
+        return;
+    }
+}
+
+void TWindowPeer::SendButton(const QMouseEvent& event, bool down)
+{
+    if (down)
+        ActivateDocument();
+    if (event.button() == Qt::LeftButton)
+        SendMouse(down ? MT_LEFTDOWN : MT_LEFTUP, event);
+    else if (event.button() == Qt::MiddleButton)
+        SendMouse(down ? MT_MIDDLEDOWN : MT_MIDDLEUP, event);
+    else if (event.button() == Qt::RightButton)
+        SendMouse(down ? MT_RIGHTDOWN : MT_RIGHTUP, event);
+}
+
+bool TWindowPeer::SendWheel(const QWheelEvent& event)
+{
+    TMessage message;
+    message.Type = MT_WHEEL;
+    const QPoint place = event.position().toPoint();
+    message.X = place.x();
+    message.Y = place.y();
+    message.Delta = event.angleDelta().y();
+    message.Buttons = ToButtons(event.buttons());
+    message.KeyFlags = ToKeyFlags(event.modifiers());
+    return message.Delta != 0 && Send(message);
+}
+
+void TWindowPeer::SendKey(const QKeyEvent& event, bool down)
+{
+    // A key that repeats goes down again and again, and comes up once.
+    if (!down && event.isAutoRepeat())
+        return;
+    const QPointer<TWindowPeer> self(this);
+    TEventScope scope;
+    TMessage message;
+    message.Type = down ? MT_KEYDOWN : MT_KEYUP;
+    message.Key = ToKey(event.key());
+    message.KeyFlags = ToKeyFlags(event.modifiers());
+    message.Buttons = ToButtons(QApplication::mouseButtons());
+    const QString text = down ? event.text() : QString();
+    if (message.Key != 0) {
+        if (OfferKey(Window, message) || self == nullptr || Window == nullptr)
+            return;
+        Send(message);
+    }
+    if (self != nullptr)
+        SendCharacters(text, message.KeyFlags);
+}
+
+void TWindowPeer::SendCharacters(const QString& text, int keyFlags)
+{
+    const QPointer<TWindowPeer> self(this);
+    for (const uint character : text.toUcs4()) {
+        if (character < 32 || character == 127)
+            continue;
+        if (self == nullptr)
+            return;
+        TMessage message;
+        message.Type = MT_CHAR;
+        message.Character = character;
+        message.KeyFlags = keyFlags;
+        Send(message);
+    }
+}
+
+void TWindowPeer::StartTimer(int timer, int milliseconds)
+{
+    for (QTimer* running : Timers)
+        if (running->property("number").toInt() == timer) {
+            running->start(milliseconds);
+            return;
+        }
+    QTimer* made = new QTimer(this);
+    made->setSingleShot(true);
+    made->setProperty("number", timer);
+    QObject::connect(made, &QTimer::timeout, this, [this, timer] {
+        TMessage message;
+        message.Type = MT_TIMER;
+        message.Timer = timer;
+        Send(message);
+    });
+    Timers.push_back(made);
+    made->start(milliseconds);
+}
+
+void TWindowPeer::StopTimer(int timer)
+{
+    for (QTimer* running : Timers)
+        if (running->property("number").toInt() == timer)
+            running->stop();
+}
+
+void TWindowPeer::AddScrollBar()
+{
+    ScrollBar = new QScrollBar(Qt::Vertical, Widget);
+    ScrollBar->setObjectName(Widget->objectName() + QStringLiteral("_scroll"));
+    ScrollBar->setCursor(Qt::ArrowCursor);
+    ScrollBar->hide();
+    QObject::connect(ScrollBar, &QScrollBar::valueChanged, this, [this](int value) {
+        TMessage message;
+        message.Type = MT_SCROLL;
+        message.X = value;
+        Send(message);
+    });
+    LayoutScrollBar();
+}
+
+void TWindowPeer::LayoutScrollBar()
+{
+    if (ScrollBar == nullptr)
+        return;
+    const int width = ScrollBar->sizeHint().width();
+    ScrollBar->setGeometry(Widget->width() - width, 0, width, Widget->height());
+}

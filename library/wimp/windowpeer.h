@@ -1,0 +1,107 @@
+#pragma once
+
+#include "library/wimp/window.h"
+
+#include <QtCore/QObject>
+#include <QtCore/QPointer>
+#include <QtGui/QSurfaceFormat>
+#include <QtWidgets/QWidget>
+
+class QInputMethodEvent;
+class QKeyEvent;
+class QMdiSubWindow;
+class QMouseEvent;
+class QPaintEvent;
+class QScrollBar;
+class QTimer;
+class QWheelEvent;
+
+// This header shows the window system: only the framework and its controls include it.
+
+// Between a window and its widget: turns the widget's events into messages. It belongs to the widget, and
+// outlives the window when the window goes while one of its messages is handled.
+class TWindowPeer : public QObject
+{
+public:
+    TWindowPeer(TWindow* window, QWidget* widget);
+    ~TWindowPeer() override;
+
+    // True for an event that is dealt with; the others are the widget's own business.
+    bool HandleEvent(QEvent* event);
+    void Paint();
+    // The person's wish to close the window; true if it may go on to be hidden.
+    void Close();
+    // The window has gone.
+    void Forget() { Window = nullptr; }
+    bool Send(const TMessage& message);
+
+    TWindow* GetWindow() const { return Window; }
+    QWidget* GetWidget() const { return Widget; }
+    // The widget with the frame: that of the window, but for a document window.
+    QWidget* GetFrame() const;
+
+    void StartTimer(int timer, int milliseconds);
+    void StopTimer(int timer);
+    void AddScrollBar();
+    void LayoutScrollBar();
+
+    QMdiSubWindow* SubWindow = nullptr;
+    QScrollBar* ScrollBar = nullptr;
+    int ScrollLine = 1;
+
+private:
+    void ActivateDocument();
+    void SendMouse(TMessageType type, const QMouseEvent& event);
+    void SendButton(const QMouseEvent& event, bool down);
+    bool SendWheel(const QWheelEvent& event);
+    void SendKey(const QKeyEvent& event, bool down);
+    void SendCharacters(const QString& text, int keyFlags);
+
+    TWindow* Window;
+    QWidget* Widget;
+    vector<QTimer*> Timers;
+};
+
+// While one lives, code of the program runs under an event of the window system, and widgets that go are
+// deleted when the event is over.
+class TEventScope
+{
+public:
+    TEventScope();
+    ~TEventScope();
+    TEventScope(const TEventScope&) = delete;
+    TEventScope& operator=(const TEventScope&) = delete;
+    static bool IsActive();
+};
+
+// Deletes a widget, as soon as no event is being handled.
+void DisposeWidget(QWidget* widget);
+
+// All windows by their handles.
+class TWindowMap
+{
+public:
+    // Asserts "Windows.find(window->GetHandle()) == Windows.end() : Attempt to add window twice".
+    static void Add(TWindow* window);
+    // Asserts "0 : Attempt to remove non-registered window".
+    static void Remove(TWindow* window);
+    static TWindow* Find(TWindowHandle handle);
+    // A window whose widget stands somewhere below this one, or null.
+    static TWindow* FindBelow(TWindowHandle handle);
+    static bool IsEmpty();
+};
+
+// What every drawing window's context is made of.
+QSurfaceFormat GetGlFormat();
+// Whether windows can be drawn by OpenGL. The first time it is found that they cannot, a message tells it,
+// once the loop runs.
+bool HasWorkingGl();
+
+// The widget of a mouse pointer.
+QCursor GetMousePointer(TCursor cursor);
+
+// Texts and paths of the system are UTF-8.
+inline QString ToQt(const char* text)
+{
+    return QString::fromUtf8(text);
+}

@@ -1,0 +1,148 @@
+#include "particles/cindermill/interface/application.h"
+
+#include "library/system/message.h"
+#include "library/wimp/dialog.h"
+#include "library/wimp/filechooser.h"
+#include "particles/cindermill/interface/documentwindows.h"
+#include "particles/cindermill/interface/docwindow.h"
+#include "particles/cindermill/interface/errordialog.h"
+#include "particles/cindermill/interface/particles/displays.h"
+#include "particles/cindermill/main/settingsstore.h"
+
+namespace {
+
+constexpr int ModifiedFilesDialog = 110;
+constexpr int FilePropertiesDialog = 116;
+
+vector<TFileFilter> ToFileFilters(const vector<TPathFilter>& filters)
+{
+    vector<TFileFilter> result;
+    for (const TPathFilter& filter : filters)
+        result.push_back(TFileFilter{filter.Description, filter.Pattern});
+    return result;
+}
+
+} // namespace
+
+TApplication::TApplication() : App(OpenSettingsStore(), this)
+{
+    InstallMessageForms();
+    InstallErrorDialog();
+    RegisterDisplayClasses();
+}
+
+TApplication::~TApplication()
+{
+    TWimp::Get().ClearApp();
+    delete MainWindow;
+}
+
+bool TApplication::Init()
+{
+    if (!App.InitSettings())
+        return false;
+    MainWindow = new TMainWindow(App);
+    if (!MainWindow->Create()) {
+        ShowMessage("Failed to create window");
+        return false;
+    }
+    MainWindow->Show();
+    if (!App.InitNodeTypes())
+        return false;
+    TWimp::Get().SetIdle(true);
+    TWimp::Get().SetApp(this);
+    return LoadNodeBitmaps();
+}
+
+bool TApplication::LoadNodeBitmaps()
+{
+    constexpr int Ids[NumNodeBitmaps] = {104, 105, 107, 108};
+    for (int i = 0; i < NumNodeBitmaps; ++i)
+        if (!NodeBitmaps[i].Load(Ids[i]))
+            return false;
+    return true;
+}
+
+void TApplication::OnIdle()
+{
+    App.OnIdle();
+}
+
+TDocumentHost* TApplication::CreateDocumentHost()
+{
+    return new TDocumentWindows(MainWindow);
+}
+
+bool TApplication::ChooseOpenPath(const char* title, const vector<TPathFilter>& filters,
+                                  const char* directory, TString& path)
+{
+    return OpenFileChooser(title, ToFileFilters(filters), directory, path);
+}
+
+bool TApplication::ChooseSavePath(const char* title, const vector<TPathFilter>& filters,
+                                  const char* directory, TString& path)
+{
+    return SaveFileChooser(title, ToFileFilters(filters), directory, path);
+}
+
+bool TApplication::ChooseFolder(const char* title, TString& path)
+{
+    return FolderChooser(title, path);
+}
+
+TModifiedAnswer TApplication::AskModifiedFiles(const vector<TString>& names)
+{
+    vector<TString> buttons;
+    buttons.push_back("Yes");
+    buttons.push_back("No");
+    buttons.push_back("Cancel");
+    switch (ChoiceDialog(ModifiedFilesDialog, "Modified Files", "Save changes to the following files?", names,
+                         buttons)) {
+    case 0:
+        return MA_YES;
+    case 1:
+        return MA_NO;
+    default:
+        return MA_CANCEL;
+    }
+}
+
+void TApplication::ShowProperties(const char* text)
+{
+    TextDialog(FilePropertiesDialog, "File Properties", text);
+}
+
+void TApplication::Beep()
+{
+    ::Beep();
+}
+
+void TApplication::RebuildRecentFiles(const vector<TString>& files)
+{
+    MainWindow->RebuildRecentFiles(files);
+}
+
+void TApplication::FocusSelected(TDocWindow& window)
+{
+    window.FocusSelected(false);
+}
+
+void TApplication::FocusAll(TDocWindow& window)
+{
+    window.FocusAll(false);
+}
+
+void TApplication::Cascade()
+{
+    MainWindow->Cascade();
+}
+
+TWindow* TApplication::WindowFromPoint(int x, int y)
+{
+    return TWindow::FromPoint(x, y);
+}
+
+void TApplication::Quit()
+{
+    TWimp::Get().Quit();
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "library/wimp/gdi/gdibitmap.h"
+#include "library/wimp/wimp.h"
+#include "particles/cindermill/interface/mainwindow.h"
+#include "particles/cindermill/main/apphost.h"
+#include "particles/cindermill/main/cindermillapp.h"
+
+// The program with its windows: starts it, and gives the application object its main window, choosers and
+// dialogs.
+class TApplication : public TWimpApp, public TAppHost
+{
+public:
+    TApplication();
+    ~TApplication() override;
+    TApplication(const TApplication&) = delete;
+    TApplication& operator=(const TApplication&) = delete;
+
+    // False if the program cannot or shall not go on; what failed was shown.
+    bool Init();
+    void OnIdle() override;
+
+    TDocumentHost* CreateDocumentHost() override;
+    bool ChooseOpenPath(const char* title, const vector<TPathFilter>& filters, const char* directory,
+                        TString& path) override;
+    bool ChooseSavePath(const char* title, const vector<TPathFilter>& filters, const char* directory,
+                        TString& path) override;
+    bool ChooseFolder(const char* title, TString& path) override;
+    TModifiedAnswer AskModifiedFiles(const vector<TString>& names) override;
+    void ShowProperties(const char* text) override;
+    void Beep() override;
+    void RebuildRecentFiles(const vector<TString>& files) override;
+    void FocusSelected(TDocWindow& window) override;
+    void FocusAll(TDocWindow& window) override;
+    void Cascade() override;
+    TWindow* WindowFromPoint(int x, int y) override;
+    void Quit() override;
+
+private:
+    bool LoadNodeBitmaps();
+
+    static constexpr int NumNodeBitmaps = 4;
+
+    TCindermillApp App;
+    TMainWindow* MainWindow = nullptr;
+    TGDIBitmap NodeBitmaps[NumNodeBitmaps];
+};

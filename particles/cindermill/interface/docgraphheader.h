@@ -1,0 +1,41 @@
+#pragma once
+
+#include "library/containers/string.h"
+#include "library/containers/vector.h"
+#include "library/wimp/window.h"
+
+class TDocWindow;
+class TEffectSchedule;
+
+// The tabs of the groups of particles above a graph view: a click shows the group's nodes.
+class TDocGraphHeader : public TWindow
+{
+public:
+    static constexpr int Height = 20;
+
+    TDocGraphHeader() = default;
+    ~TDocGraphHeader() override;
+    // Registers itself with the document's graph.
+    bool Create(TDocWindow& docWindow);
+    bool OnMessage(const TMessage& message) override;
+    // The names follow the schedule. Without one there is the tab of all nodes.
+    void OnGraphChanged();
+
+    const vector<TString>& GetTabNames() const { return TabNames; }
+    // Of the tab; the right one is excluded.
+    void GetTabEdges(int tab, int& left, int& right) const;
+    // -1 for none.
+    int FindTab(int x, int y) const;
+
+private:
+    static void OnGraphChanged(void* data);
+    void Paint(TGDIContext& context) const;
+    void OnTab(int tab);
+
+    TDocWindow* DocWindow = nullptr;
+    bool IsRegistered = false;
+    vector<TString> TabNames;
+};
+
+// One name for each group, the first for all of them.
+void GetTabNames(const TEffectSchedule& schedule, vector<TString>& names);

@@ -1,0 +1,202 @@
+#include "particles/cindermill/interface/doctool.h"
+
+#include "library/maths/scalar.h"
+#include "particles/cindermill/interface/docwindow.h"
+#include "particles/cindermill/interface/graph/nodecolour.h"
+#include "particles/cindermill/main/cindermillapp.h"
+
+namespace {
+
+constexpr TGDIFont RowFont = {"Dotum", -11, 400};
+constexpr TGDIColour White = 0xFFFFFF;
+constexpr TGDIColour CategoryColour = 0xEDEDED;
+constexpr TGDIColour LineColour = 0x202020;
+constexpr TGDIColour TextColour = 0x202020;
+constexpr int ScrollLine = 10;
+constexpr int TextIndent = 20;
+constexpr int TextTop = 4;
+// The box that opens and closes a category.
+constexpr int BoxSize = 10;
+constexpr int BoxTop = (TPalette::RowHeight - BoxSize) / 2;
+// Clicks further to the right are not for the box.
+constexpr int BoxReach = 9;
+// Where the fill of a row begins, right of the lines and boxes.
+constexpr int FillIndent = 14;
+
+TWindowClass& GetWindowClass()
+{
+    static TWindowClass windowClass("cindermill_doctool");
+    if (!windowClass.IsRegistered())
+        windowClass.Register(0, White);
+    return windowClass;
+}
+
+TGDIColour ToColour(const TVector4& colour)
+{
+    TGDIColour result = 0;
+    for (int i = 0; i < 3; ++i)
+        result = result << 8 | (static_cast<TGDIColour>(FloatToInt(colour[i] * 255.0 + 0.5)) & 0xFF);
+    return result;
+}
+
+const TNodeTypeLibrary& GetLibrary()
+{
+    return TCindermillApp::Get().GetNodeTypes();
+}
+
+} // namespace
+
+bool TDocTool::Create(TDocWindow& docWindow)
+{
+    DocWindow = &docWindow;
+    Palette.Open(GetLibrary());
+    TWindowParams params;
+    params.Class = &GetWindowClass();
+    params.Owner = &docWindow;
+    params.VerticalScroll = true;
+    if (!TWindow::Create(params))
+        return false;
+    ScrollTo(0);
+    return true;
+}
+
+bool TDocTool::OnMessage(const TMessage& message)
+{
+    switch (message.Type) {
+    case MT_PAINT:
+        Paint(*message.Context);
+        return true;
+    case MT_SIZE:
+        ScrollTo(ScrollY);
+        return true;
+    case MT_SCROLL:
+        ScrollTo(message.X);
+        return true;
+    case MT_WHEEL:
+        // In lines of the scroll bar.
+        ScrollTo(ScrollY - message.Delta * ScrollLine / 64);
+        return true;
+    case MT_LEFTDOWN:
+        OnLeftDown(message.X, message.Y);
+        return true;
+    case MT_FOCUSGAINED:
+        DocWindow->Activate();
+        return false;
+    case MT_KEYDOWN:
+        if (message.Key != KEY_ESCAPE || !DocWindow->IsTypeDragging())
+            return false;
+        DocWindow->CancelDrag();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TDocTool::ScrollTo(int position)
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    const int end = Palette.GetHeight() - height;
+    if (position > end)
+        position = end;
+    if (position < 0)
+        position = 0;
+    SetScrollRange(Palette.GetHeight(), height, ScrollLine);
+    SetScrollPosition(position);
+    if (position == ScrollY)
+        return;
+    ScrollY = position;
+    Redraw();
+}
+
+void TDocTool::OnLeftDown(int x, int y)
+{
+    TakeFocus();
+    const int index = Palette.FindRow(y + ScrollY);
+    if (index != -1) {
+        const TPaletteRow row = Palette.GetRows()[index];
+        if (row.Type != -1) {
+            DocWindow->BeginTypeDrag(*GetLibrary().GetType(row.Type));
+        } else if (x < row.Indent + BoxReach) {
+            Palette.Toggle(row.Item);
+            ScrollTo(ScrollY);
+            Redraw();
+        }
+    }
+    DocWindow->SetMouseTarget(this);
+}
+
+void TDocTool::Paint(TGDIContext& context) const
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    context.SetFont(RowFont);
+    const vector<TPaletteRow>& rows = Palette.GetRows();
+    for (int i = 0; i < rows.size(); ++i) {
+        const int top = rows[i].Top - ScrollY;
+        if (rows[i].Type == -1)
+            PaintBranches(context, i, top);
+        if (top <= -TPalette::RowHeight || top >= height)
+            continue;
+        if (rows[i].Type != -1)
+            PaintType(context, rows[i], top, width);
+        else
+            PaintCategory(context, rows[i], top, width);
+    }
+}
+
+void TDocTool::PaintType(TGDIContext& context, const TPaletteRow& row, int top, int width) const
+{
+    const TNodeType& type = *GetLibrary().GetType(row.Type);
+    const TVector4 colour = GetNodeTypeColour(type.Colour);
+    context.SetPen(ToColour(colour));
+    context.SetBrush(ToColour(MixColours(colour, TVector4(1, 1, 1, 1), 0.6f)));
+    // One line between two rows.
+    context.Rectangle(row.Indent + FillIndent, top - 1, width, top + TPalette::RowHeight);
+    context.SetTextColour(TextColour);
+    context.TextOut(row.Indent + TextIndent, top + TextTop, type.Name);
+}
+
+void TDocTool::PaintCategory(TGDIContext& context, const TPaletteRow& row, int top, int width) const
+{
+    context.SetNoPen();
+    context.SetBrush(CategoryColour);
+    context.Rectangle(row.Indent + FillIndent, top, width, top + TPalette::RowHeight);
+
+    const int left = row.Indent;
+    const int boxTop = top + BoxTop;
+    context.SetPen(LineColour);
+    context.SetBrush(White);
+    context.Rectangle(left, boxTop, left + BoxSize, boxTop + BoxSize);
+    context.SetNoPen();
+    context.SetBrush(LineColour);
+    // Two pixels thick, in the middle of an even box.
+    const int middle = BoxSize / 2;
+    context.Rectangle(left + 2, boxTop + middle - 1, left + BoxSize - 2, boxTop + middle + 1);
+    if (!Palette.IsExpanded(row.Item))
+        context.Rectangle(left + middle - 1, boxTop + 2, left + middle + 1, boxTop + BoxSize - 2);
+
+    context.SetTextColour(TextColour);
+    context.TextOut(left + TextIndent, top + TextTop, GetLibrary().GetItem(row.Item).Name);
+}
+
+// The dotted line from a category's box down to its last entry, with an arm to each.
+void TDocTool::PaintBranches(TGDIContext& context, int category, int top) const
+{
+    const int last = Palette.FindLastChild(category);
+    if (last == -1)
+        return;
+    const vector<TPaletteRow>& rows = Palette.GetRows();
+    const int x = rows[category].Indent + BoxSize / 2;
+    auto middleOf = [&](int row) { return rows[row].Top - ScrollY + TPalette::RowHeight / 2; };
+    context.SetPen(LineColour, true);
+    context.Line(x, top + BoxTop + BoxSize, x, middleOf(last) + 1);
+    for (int i = category + 1; i <= last; ++i) {
+        if (rows[i].Parent != category)
+            continue;
+        const int end = rows[i].Type == -1 ? rows[i].Indent : rows[i].Indent + FillIndent;
+        context.Line(x, middleOf(i), end, middleOf(i));
+    }
+}

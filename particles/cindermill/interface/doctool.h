@@ -1,0 +1,30 @@
+#pragma once
+
+#include "library/wimp/window.h"
+#include "particles/cindermill/interface/palette.h"
+
+class TDocWindow;
+
+// The palette of node types at the left of a document window. Types are dragged from it into the graph.
+class TDocTool : public TWindow
+{
+public:
+    bool Create(TDocWindow& docWindow);
+    bool OnMessage(const TMessage& message) override;
+
+    int GetScroll() const { return ScrollY; }
+    const TPalette& GetPalette() const { return Palette; }
+
+private:
+    void Paint(TGDIContext& context) const;
+    void PaintType(TGDIContext& context, const TPaletteRow& row, int top, int width) const;
+    void PaintCategory(TGDIContext& context, const TPaletteRow& row, int top, int width) const;
+    void PaintBranches(TGDIContext& context, int category, int top) const;
+    void OnLeftDown(int x, int y);
+    // Kept within the palette; the bar follows.
+    void ScrollTo(int position);
+
+    TDocWindow* DocWindow = nullptr;
+    TPalette Palette;
+    int ScrollY = 0;
+};

@@ -1,0 +1,269 @@
+#include "particles/cindermill/interface/documentwindows.h"
+
+#include "library/system/path.h"
+#include "particles/cindermill/interface/docwindow.h"
+#include "particles/cindermill/interface/particles/particlewindow.h"
+#include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/document.h"
+
+TDocumentWindows::TDocumentWindows(TWindow* frame) : Frame(frame) {}
+
+TDocumentWindows::~TDocumentWindows()
+{
+    if (Document != nullptr)
+        DeleteWindows(*Document);
+}
+
+bool TDocumentWindows::CreateParticleWindow(TDocument& document)
+{
+    Document = &document;
+    ParticleWindow = new TParticleWindow;
+    if (ParticleWindow->Create(document))
+        return true;
+    delete ParticleWindow;
+    ParticleWindow = nullptr;
+    return false;
+}
+
+void TDocumentWindows::ShowParticleWindow(TDocument&)
+{
+    ParticleWindow->Show();
+    ParticleWindow->BringToTop();
+}
+
+bool TDocumentWindows::CreateView(TDocument& document)
+{
+    ASSERT_TEXT(Windows.empty(), "Windows.size() == 0");
+    Document = &document;
+    Scene = new TGraphScene(document, *this);
+    if (!AddView(document))
+        return false;
+    Windows[0]->Activate();
+    return true;
+}
+
+bool TDocumentWindows::NewView(TDocument& document)
+{
+    return AddView(document);
+}
+
+bool TDocumentWindows::AddView(TDocument& document)
+{
+    TDocWindow* window = new TDocWindow(*this);
+    if (!window->Create(document, Frame)) {
+        delete window;
+        return false;
+    }
+    Windows.push_back(window);
+    window->Show();
+    UpdateTitles(document);
+    return true;
+}
+
+void TDocumentWindows::CloseView(TDocWindow* window)
+{
+    TCindermillApp& app = TCindermillApp::Get();
+    if (Windows.size() == 1) {
+        ASSERT_TEXT(Windows[0] == window, "Windows[0] == window");
+        app.CloseDocument(Document);
+        return;
+    }
+    TDocWindow** it = Windows.find(window);
+    ASSERT_TEXT(it != Windows.end(), "it != Windows.end()");
+    Scene->GetCanvas().CancelDrag();
+    Windows.erase(it);
+    if (app.GetActiveDocWindow() == window)
+        Windows.back()->Activate();
+    delete window;
+    UpdateTitles(*Document);
+}
+
+void TDocumentWindows::DeleteWindows(TDocument&)
+{
+    TCindermillApp& app = TCindermillApp::Get();
+    if (Scene != nullptr)
+        Scene->GetCanvas().CancelDrag();
+    while (!Windows.empty()) {
+        TDocWindow* window = Windows.back();
+        Windows.pop_back();
+        if (app.GetActiveDocWindow() == window)
+            app.SetActiveDocWindow(nullptr, nullptr);
+        delete window;
+    }
+    delete ParticleWindow;
+    ParticleWindow = nullptr;
+    delete Scene;
+    Scene = nullptr;
+    Document = nullptr;
+}
+
+void TDocumentWindows::OnIdle(TDocument&)
+{
+    if (!Windows.empty())
+        TRenderObject::RunTicks(&Windows[0]->GetGraph().GetRenderer());
+    for (TDocWindow* window : Windows)
+        window->GetGraph().OnIdle();
+    if (ParticleWindow != nullptr)
+        ParticleWindow->Tick();
+}
+
+bool TDocumentWindows::OwnsWindow(TWindow* window)
+{
+    for (TDocWindow* view : Windows)
+        if (window == view || window == &view->GetTool() || window == &view->GetHeader() ||
+            window == &view->GetGraph())
+            return true;
+    return false;
+}
+
+void TDocumentWindows::OnDrop(TDocument&, TWindow* window, int x, int y, const char* path)
+{
+    for (TDocWindow* view : Windows) {
+        if (window != &view->GetGraph())
+            continue;
+        view->GetGraph().OnDrop(x, y, path);
+        return;
+    }
+}
+
+void TDocumentWindows::FrameAllNodes(TDocument&)
+{
+    Windows[0]->FocusAll(true);
+}
+
+void TDocumentWindows::UpdateTitles(TDocument& document)
+{
+    const bool modified = document.IsModified();
+    const char star = modified ? '*' : 0;
+    TString name = "doc";
+    if (!document.GetPath().IsEmpty())
+        ToShownPath(document.GetPath(), name);
+    for (int i = 0; i < Windows.size(); ++i) {
+        TString title;
+        if (Windows.size() == 1)
+            title.Format("%s%c", name.Print(), star);
+        else
+            title.Format("%s [%d]%c", name.Print(), i + 1, star);
+        Windows[i]->SetTitle(title);
+    }
+    ASSERT_TEXT(ParticleWindow != nullptr, "ParticleWindow != 0");
+    TString title;
+    title.Format("Effect Display - [%s%s", name.Print(), modified ? "*]" : "]");
+    ParticleWindow->SetTitle(title);
+}
+
+void TDocumentWindows::RedrawWindows(TDocument&)
+{
+    for (TDocWindow* window : Windows) {
+        window->Redraw();
+        window->GetTool().Redraw();
+        window->GetHeader().Redraw();
+    }
+    RedrawGraphs();
+}
+
+void TDocumentWindows::ScheduleChanged(TDocument&)
+{
+    for (TDocWindow* window : Windows)
+        window->GetHeader().OnGraphChanged();
+}
+
+void TDocumentWindows::AddNodeObject(TToolNode* node)
+{
+    Scene->AddNode(node);
+    RedrawGraphs();
+}
+
+void TDocumentWindows::RemoveNodeObject(TToolNode* node)
+{
+    Scene->RemoveNode(node);
+    RedrawGraphs();
+}
+
+void TDocumentWindows::AddEdgeObject(TToolEdge* edge)
+{
+    Scene->AddEdge(edge);
+    RedrawGraphs();
+}
+
+void TDocumentWindows::RemoveEdgeObject(TToolEdge* edge)
+{
+    Scene->RemoveEdge(edge);
+    RedrawGraphs();
+}
+
+void TDocumentWindows::TouchNode(TToolNode* node)
+{
+    Scene->TouchNode(node);
+    RedrawGraphs();
+}
+
+void TDocumentWindows::RelayoutNode(TToolNode* node)
+{
+    Scene->RelayoutNode(node);
+    RedrawGraphs();
+}
+
+void TDocumentWindows::LayoutEdge(TToolEdge* edge)
+{
+    Scene->LayoutEdge(edge);
+    RedrawGraphs();
+}
+
+void TDocumentWindows::UnhookEdge(TToolEdge* edge)
+{
+    Scene->UnhookEdge(edge);
+    RedrawGraphs();
+}
+
+void TDocumentWindows::GetNodeHalfSize(TToolNode* node, int& x, int& y)
+{
+    Scene->GetNodeHalfSize(node, x, y);
+}
+
+// The last nodes and edges go with the document, after its windows.
+void TDocumentWindows::ForgetNode(TToolNode* node)
+{
+    if (Scene != nullptr)
+        Scene->ForgetNode(node);
+}
+
+void TDocumentWindows::ForgetEdge(TToolEdge* edge)
+{
+    if (Scene != nullptr)
+        Scene->ForgetEdge(edge);
+}
+
+void TDocumentWindows::RedrawGraphs()
+{
+    for (TDocWindow* window : Windows)
+        window->GetGraph().Redraw();
+}
+
+TGraphWindow* TDocumentWindows::FindGraph(const TRenderer& renderer) const
+{
+    for (TDocWindow* window : Windows)
+        if (&window->GetGraph().GetRenderer() == &renderer)
+            return &window->GetGraph();
+    return nullptr;
+}
+
+void TDocumentWindows::EdgeScroll(TRenderer& renderer, int x, int y)
+{
+    if (TGraphWindow* graph = FindGraph(renderer))
+        graph->EdgeScroll(x, y);
+}
+
+void TDocumentWindows::BeginDrag(TRenderer& renderer, TMouseDrag& drag)
+{
+    if (TGraphWindow* graph = FindGraph(renderer))
+        graph->SetCapture();
+    TWimp::Get().SetMouseDrag(&drag);
+}
+
+void TDocumentWindows::EndDrag(TRenderer& renderer)
+{
+    TWimp::Get().ClearMouseDrag();
+    if (TGraphWindow* graph = FindGraph(renderer))
+        graph->ReleaseCapture();
+}

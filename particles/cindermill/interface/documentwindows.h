@@ -1,0 +1,74 @@
+#pragma once
+
+#include "library/containers/vector.h"
+#include "particles/cindermill/interface/graph/graphscene.h"
+#include "particles/cindermill/main/documenthost.h"
+
+class TDocWindow;
+class TGraphWindow;
+class TParticleWindow;
+
+// The windows of one document: its views, its particle window, and the drawing of its graph, which all views
+// share. Speaks for them to the document, and to the render objects of the graph for the view that they are
+// used in.
+class TDocumentWindows : public TDocumentHost, public TGraphSceneHost
+{
+public:
+    // The owner of document windows: the main window, with a client area for them.
+    explicit TDocumentWindows(TWindow* frame);
+    ~TDocumentWindows() override;
+    TDocumentWindows(const TDocumentWindows&) = delete;
+    TDocumentWindows& operator=(const TDocumentWindows&) = delete;
+
+    // The document's.
+    bool CreateParticleWindow(TDocument& document) override;
+    void ShowParticleWindow(TDocument& document) override;
+    bool CreateView(TDocument& document) override;
+    bool NewView(TDocument& document) override;
+    void DeleteWindows(TDocument& document) override;
+    void OnIdle(TDocument& document) override;
+    bool OwnsWindow(TWindow* window) override;
+    void OnDrop(TDocument& document, TWindow* window, int x, int y, const char* path) override;
+    void FrameAllNodes(TDocument& document) override;
+    void UpdateTitles(TDocument& document) override;
+    void RedrawWindows(TDocument& document) override;
+    void ScheduleChanged(TDocument& document) override;
+    void AddNodeObject(TToolNode* node) override;
+    void RemoveNodeObject(TToolNode* node) override;
+    void AddEdgeObject(TToolEdge* edge) override;
+    void RemoveEdgeObject(TToolEdge* edge) override;
+    void TouchNode(TToolNode* node) override;
+    void RelayoutNode(TToolNode* node) override;
+    void LayoutEdge(TToolEdge* edge) override;
+    void UnhookEdge(TToolEdge* edge) override;
+    void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
+    void ForgetNode(TToolNode* node) override;
+    void ForgetEdge(TToolEdge* edge) override;
+
+    // The graph's render objects'.
+    void RedrawGraphs() override;
+    void EdgeScroll(TRenderer& renderer, int x, int y) override;
+    void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override;
+    void EndDrag(TRenderer& renderer) override;
+
+    // A view's close box. The last view closes the document, if the user agrees; neither the window nor these
+    // windows may be touched afterwards.
+    void CloseView(TDocWindow* window);
+
+    TDocument& GetDocument() const { return *Document; }
+    TGraphScene& GetScene() const { return *Scene; }
+    TParticleWindow* GetParticleWindow() const { return ParticleWindow; }
+    int GetNumWindows() const { return Windows.size(); }
+    // 0 is the primary view.
+    TDocWindow* GetWindow(int i) const { return Windows[i]; }
+
+private:
+    bool AddView(TDocument& document);
+    TGraphWindow* FindGraph(const TRenderer& renderer) const;
+
+    TWindow* Frame;
+    TDocument* Document = nullptr;
+    TGraphScene* Scene = nullptr;
+    vector<TDocWindow*> Windows;
+    TParticleWindow* ParticleWindow = nullptr;
+};

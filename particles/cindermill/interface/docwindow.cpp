@@ -1,0 +1,213 @@
+#include "particles/cindermill/interface/docwindow.h"
+
+#include "library/maths/scalar.h"
+#include "particles/cindermill/graph/graphoperations.h"
+#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/interface/documentwindows.h"
+#include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/document.h"
+
+namespace {
+
+constexpr int IconId = 117;
+constexpr float ToolWidth = 200;
+
+TWindowClass& GetWindowClass()
+{
+    static TWindowClass windowClass("cindermill_docwindow");
+    if (!windowClass.IsRegistered())
+        windowClass.Register(IconId, 0xFFFFFF);
+    return windowClass;
+}
+
+// Each new view stands a little further down and to the right, until the cascade begins again.
+void GetNextPlace(TWindowParams& params)
+{
+    static int cascade = 0;
+    constexpr int Near = 50;
+    constexpr int Right = 1100;
+    constexpr int Bottom = 800;
+    constexpr int Step = 16;
+    params.X = cascade + Near;
+    params.Y = cascade + Near;
+    params.Width = Right - Near;
+    params.Height = Bottom - Near;
+    cascade = (cascade + Step) & 255;
+}
+
+bool IsInside(const TWindow& window, int x, int y)
+{
+    int width = 0;
+    int height = 0;
+    window.GetSize(width, height);
+    return x >= 0 && x < width && y >= 0 && y < height;
+}
+
+} // namespace
+
+TDocWindow::~TDocWindow()
+{
+    CancelDrag();
+}
+
+bool TDocWindow::Create(TDocument& document, TWindow* frame)
+{
+    Document = &document;
+    MouseTarget = &Graph;
+    ASSERT_TEXT(CreateFrame(frame), "0 : Failed to create document window");
+    ASSERT_TEXT(Tool.Create(*this), "0 : Failed to create doc tool sub window");
+    ASSERT_TEXT(Header.Create(*this), "0 : Failed to create doc graph header sub window");
+    const TRenderer* first =
+        Windows.GetNumWindows() > 0 ? &Windows.GetWindow(0)->GetGraph().GetRenderer() : nullptr;
+    ASSERT_TEXT(Graph.Create(*this, Header, first), "0 : Failed to create document graph window");
+    Split.Attach(this);
+    Split.AddPane(&Tool, false, nullptr, -1);
+    Split.AddPane(&Header, false, &Tool, ToolWidth);
+    Split.Layout();
+    return true;
+}
+
+bool TDocWindow::CreateFrame(TWindow* frame)
+{
+    TWindowParams params;
+    params.Class = &GetWindowClass();
+    params.Title = "doc";
+    params.Owner = frame;
+    params.Kind = WK_MDICHILD;
+    GetNextPlace(params);
+    return TWindow::Create(params);
+}
+
+bool TDocWindow::OnMessage(const TMessage& message)
+{
+    switch (message.Type) {
+    case MT_CLOSE:
+        // The window may be gone when this returns.
+        Windows.CloseView(this);
+        return true;
+    case MT_FOCUSGAINED:
+        Graph.TakeFocus();
+        return true;
+    case MT_LEFTDOWN:
+        Activate();
+        break;
+    case MT_MOUSEMOVE:
+        // The pointer is the drag's, over the gap between the panes too.
+        if (IsTypeDragging())
+            return true;
+        break;
+    case MT_WHEEL:
+        return OnWheel(message);
+    case MT_KEYDOWN:
+        if (message.Key != KEY_ESCAPE || !IsTypeDragging())
+            return false;
+        CancelDrag();
+        return true;
+    default:
+        break;
+    }
+    return Split.OnMessage(message);
+}
+
+bool TDocWindow::OnWheel(const TMessage& message)
+{
+    TMessage moved = message;
+    ClientToScreen(moved.X, moved.Y);
+    MouseTarget->ScreenToClient(moved.X, moved.Y);
+    return MouseTarget->OnMessage(moved);
+}
+
+void TDocWindow::Activate()
+{
+    TCindermillApp::Get().SetActiveDocWindow(this, Document);
+}
+
+void TDocWindow::BeginTypeDrag(const TNodeType& type)
+{
+    if (TWimp::Get().GetMouseDrag() != nullptr)
+        return;
+    DragType = &type;
+    Graph.BuildGhost(type);
+    SetCapture();
+    TWimp::Get().SetMouseDrag(this);
+    ShowCursor(CU_DROP);
+}
+
+void TDocWindow::CancelDrag()
+{
+    if (DragType == nullptr)
+        return;
+    DragType = nullptr;
+    TWimp::Get().ClearMouseDrag();
+    ShowCursor(CU_CLASS);
+    Graph.HideGhost();
+    ReleaseCapture();
+}
+
+void TDocWindow::ShowCursor(TCursor cursor)
+{
+    if (cursor == Cursor)
+        return;
+    Cursor = cursor;
+    SetCursor(cursor);
+}
+
+bool TDocWindow::IsOverGraph(int x, int y, int& graphX, int& graphY) const
+{
+    graphX = x;
+    graphY = y;
+    ClientToScreen(graphX, graphY);
+    Graph.ScreenToClient(graphX, graphY);
+    return IsInside(*this, x, y) && IsInside(Graph, graphX, graphY);
+}
+
+void TDocWindow::OnMouseMove(int x, int y, int buttons)
+{
+    if (DragType == nullptr)
+        return;
+    int graphX = 0;
+    int graphY = 0;
+    const bool isOver = IsOverGraph(x, y, graphX, graphY);
+    if ((buttons & MB_LEFT) == 0) {
+        const TNodeType& type = *DragType;
+        CancelDrag();
+        if (isOver)
+            DropType(graphX, graphY, type);
+        return;
+    }
+    if (isOver) {
+        ShowCursor(CU_DROP);
+        Graph.EdgeScroll(graphX, graphY);
+        Graph.ShowGhost(graphX, graphY);
+    } else {
+        ShowCursor(CU_DRAG);
+        Graph.HideGhost();
+    }
+}
+
+// The keys are for the new node now, no longer for the palette.
+void TDocWindow::DropType(int x, int y, const TNodeType& type)
+{
+    const TVector2 point = Graph.PixelToWorld(x, y);
+    Graph.TakeFocus();
+    SetMouseTarget(&Graph);
+    Document->ApplyOperation(
+        new TAddGraphNodeOp(*Document, type, FloatToInt(point[0]), FloatToInt(point[1])));
+}
+
+void TDocWindow::FocusSelected(bool animate)
+{
+    const vector<TToolNode*>& nodes = Document->GetSelection();
+    if (!nodes.empty())
+        Graph.Focus(nodes, animate);
+}
+
+void TDocWindow::FocusAll(bool animate)
+{
+    const TEffectGraph& graph = *Document->GetGraph();
+    vector<TToolNode*> nodes;
+    for (int i = 0; i < graph.GetNumNodes(); ++i)
+        nodes.push_back(static_cast<TToolNode*>(graph.GetNode(i)));
+    if (!nodes.empty())
+        Graph.Focus(nodes, animate);
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "library/wimp/controls/splitwindow.h"
+#include "library/wimp/wimp.h"
+#include "particles/cindermill/interface/docgraphheader.h"
+#include "particles/cindermill/interface/doctool.h"
+#include "particles/cindermill/interface/graphwindow.h"
+
+class TDocumentWindows;
+
+// One view of a document: the palette of node types at the left, at the right the tabs of the groups over the
+// graph.
+class TDocWindow : public TWindow, public TMouseDrag
+{
+public:
+    explicit TDocWindow(TDocumentWindows& windows) : Windows(windows) {}
+    ~TDocWindow() override;
+    // At the next place of the cascade. Asserts that every part could be made.
+    bool Create(TDocument& document, TWindow* frame);
+    bool OnMessage(const TMessage& message) override;
+    // The drag of a node type.
+    void OnMouseMove(int x, int y, int buttons) override;
+
+    // The mouse carries the type until it is released, in this window's graph to add a node.
+    void BeginTypeDrag(const TNodeType& type);
+    // Ends the drag of a type; no node is added.
+    void CancelDrag();
+    bool IsTypeDragging() const { return DragType != nullptr; }
+    // Nothing happens with no node to show.
+    void FocusSelected(bool animate);
+    void FocusAll(bool animate);
+
+    // This view becomes the application's active one.
+    void Activate();
+    // The child that gets what the wheel does over the window's own area.
+    void SetMouseTarget(TWindow* child) { MouseTarget = child; }
+    TWindow* GetMouseTarget() const { return MouseTarget; }
+
+    TDocument& GetDocument() const { return *Document; }
+    TDocumentWindows& GetWindows() const { return Windows; }
+    TDocTool& GetTool() { return Tool; }
+    TDocGraphHeader& GetHeader() { return Header; }
+    TGraphWindow& GetGraph() { return Graph; }
+    TCursor GetCursor() const { return Cursor; }
+
+private:
+    bool CreateFrame(TWindow* frame);
+    bool OnWheel(const TMessage& message);
+    bool IsOverGraph(int x, int y, int& graphX, int& graphY) const;
+    void ShowCursor(TCursor cursor);
+    void DropType(int x, int y, const TNodeType& type);
+
+    TDocumentWindows& Windows;
+    TSplitWindow Split;
+    TDocument* Document = nullptr;
+    TDocTool Tool;
+    TDocGraphHeader Header;
+    TGraphWindow Graph;
+    TWindow* MouseTarget = nullptr;
+    TCursor Cursor = CU_CLASS;
+    const TNodeType* DragType = nullptr;
+};

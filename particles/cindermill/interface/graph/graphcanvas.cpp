@@ -1,0 +1,356 @@
+#include "particles/cindermill/interface/graph/graphcanvas.h"
+
+#include "library/containers/classregistry.h"
+#include "library/maths/scalar.h"
+#include "library/wimp/gl/renderer.h"
+#include "particles/cindermill/graph/graphoperations.h"
+#include "particles/cindermill/graph/tooledge.h"
+#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/interface/graph/graphscene.h"
+#include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/main/document.h"
+#include "particles/effectgraph/canconnect.h"
+
+namespace {
+
+constexpr float Unbounded = 1e30f;
+
+// Takes an edge out of its ports for as long as it lives, so that they can be asked what they would take
+// without it. The edges of an output keep their order.
+class TUnplugged
+{
+public:
+    explicit TUnplugged(TToolEdge* edge) : Edge(edge)
+    {
+        if (Edge == nullptr)
+            return;
+        TEffectNode* source = Edge->GetSrcNode();
+        for (int n = 0; n < source->GetNumOutputEdges(Edge->GetSrcPort()); ++n)
+            OutputEdges.push_back(source->GetOutputEdge(Edge->GetSrcPort(), n));
+        Edge->DetachEnds();
+        ClearCanConnectCache();
+    }
+    ~TUnplugged()
+    {
+        if (Edge == nullptr)
+            return;
+        TEffectNode* source = Edge->GetSrcNode();
+        for (TEffectEdge* edge : OutputEdges)
+            if (edge != Edge)
+                source->RemoveOutputEdge(Edge->GetSrcPort(), edge);
+        for (TEffectEdge* edge : OutputEdges)
+            source->AddOutputEdge(Edge->GetSrcPort(), edge);
+        Edge->AttachDestination();
+        ClearCanConnectCache();
+    }
+    TUnplugged(const TUnplugged&) = delete;
+    TUnplugged& operator=(const TUnplugged&) = delete;
+
+private:
+    TToolEdge* Edge;
+    vector<TEffectEdge*> OutputEdges;
+};
+
+TNodeObj* AsNode(TRenderObject* object)
+{
+    return object->GetClassType() == TNodeObj::ClassId() ? static_cast<TNodeObj*>(object) : nullptr;
+}
+
+// The distance from b to a, with wrapping: places may come from any file.
+int Distance(int a, int b)
+{
+    return static_cast<int>(static_cast<unsigned>(a) - static_cast<unsigned>(b));
+}
+
+} // namespace
+
+static TClassRegistrar registrar(&TGraphCanvas::ClassId);
+
+int TGraphCanvas::ClassId()
+{
+    static const int id = RegisterClass(nullptr, "TGraphCanvas", -1);
+    return id;
+}
+
+TGraphCanvas::TGraphCanvas(TGraphScene& scene) : Scene(scene), Rubber(scene)
+{
+    Rubber.SetHeld(true);
+}
+
+TGraphCanvas::~TGraphCanvas() = default;
+
+void TGraphCanvas::GetBounds(TVector2& min, TVector2& max)
+{
+    min = TVector2(-Unbounded, -Unbounded);
+    max = TVector2(Unbounded, Unbounded);
+}
+
+TRenderObject* TGraphCanvas::HitTest(const TVector2& point)
+{
+    TRenderObject* hit = TRenderObjects::HitTest(point);
+    return hit != nullptr ? hit : this;
+}
+
+bool TGraphCanvas::Event(const TRenderEvent& event)
+{
+    if (event.Code != RE_HOVER && event.Code < RE_REDRAW && Scene.GetHelp().Hide())
+        Scene.GetHost().RedrawGraphs();
+    switch (event.Code) {
+    case RE_NODEDRAG:
+        return OnNodePressed(*static_cast<TNodeObj*>(event.Source), event.Point);
+    case RE_PORTDRAG:
+        return OnPortPressed(*static_cast<TNodeObj*>(event.Source), event.Point, event.Detail);
+    case RE_KEY:
+        return OnKey(event.Detail) || TRenderObjects::Event(event);
+    case RE_REDRAW:
+        Scene.GetHost().RedrawGraphs();
+        return true;
+    default:
+        return TRenderObjects::Event(event);
+    }
+}
+
+bool TGraphCanvas::OnKey(int key)
+{
+    if (key == KEY_ESCAPE && IsDragging()) {
+        CancelDrag();
+        return true;
+    }
+    if (key != KEY_DELETE && key != KEY_BACKSPACE)
+        return false;
+    TDocument& document = Scene.GetDocument();
+    if (document.GetSelection().empty())
+        return false;
+    CancelDrag();
+    document.ApplyOperation(new TDeleteGraphNodeOp(document.GetSelection()));
+    return true;
+}
+
+bool TGraphCanvas::BeginDrag(TDragMode mode, TNodeObj& node)
+{
+    TRenderer* renderer = GetRenderer();
+    // Another button may be panning the view.
+    if (IsDragging() || renderer == nullptr || TWimp::Get().GetMouseDrag() != nullptr)
+        return false;
+    Drag = mode;
+    DragRenderer = renderer;
+    Grabbed = &node;
+    Scene.GetHost().BeginDrag(*renderer, *this);
+    return true;
+}
+
+// Ends what the drag shows; what it did is up to the caller.
+void TGraphCanvas::EndDrag()
+{
+    if (Drag == DM_EDGE) {
+        MarkPorts(false);
+        if (AimedAt != nullptr)
+            AimedAt->SetAimedAt(false);
+        if (HasRubber())
+            RemoveObject(&Rubber);
+        Rubber.Unhook();
+        TToolEdgeRenderer* renderer = Picked != nullptr ? Scene.FindEdge(Picked) : nullptr;
+        if (renderer != nullptr)
+            renderer->SetHidden(false);
+    }
+    Drag = DM_NONE;
+    Grabbed = nullptr;
+    FromPort = nullptr;
+    Picked = nullptr;
+    AimedAt = nullptr;
+    DeltaX = DeltaY = 0;
+    // The view may have gone meanwhile.
+    if (GetRenderer() != nullptr)
+        Scene.GetHost().EndDrag(*DragRenderer);
+    DragRenderer = nullptr;
+    Scene.GetHost().RedrawGraphs();
+}
+
+void TGraphCanvas::CancelDrag()
+{
+    if (!IsDragging())
+        return;
+    if (Drag == DM_NODES)
+        PlaceNodes(0, 0);
+    if (Drag == DM_SIZE)
+        Grabbed->SetWishedSize(SizeBefore);
+    EndDrag();
+}
+
+void TGraphCanvas::OnMouseMove(int x, int y, int buttons)
+{
+    if (!IsDragging())
+        return;
+    if (GetRenderer() == nullptr) {
+        CancelDrag();
+        return;
+    }
+    if (Drag != DM_SIZE)
+        Scene.GetHost().EdgeScroll(*DragRenderer, x, y);
+    const TVector2 pointer = DragRenderer->PixelToWorld(x, y);
+    const bool released = (buttons & MB_LEFT) == 0;
+    switch (Drag) {
+    case DM_NODES:
+        MoveNodes(pointer);
+        if (released)
+            FinishNodes();
+        break;
+    case DM_EDGE:
+        AimEdge(pointer);
+        if (released)
+            FinishEdge(pointer);
+        break;
+    case DM_SIZE:
+        Grabbed->Resize(pointer - Grabbed->GetOrigin() - Grabbed->GetPressPoint());
+        if (released)
+            EndDrag();
+        break;
+    default:
+        break;
+    }
+    Scene.GetHost().RedrawGraphs();
+}
+
+bool TGraphCanvas::OnNodePressed(TNodeObj& node, const TVector2& point)
+{
+    if (!node.IsSelected())
+        Scene.GetDocument().SelectNode(node.GetToolNode(), (GetKeyFlags() & KF_SHIFT) == 0);
+    MoveToFront(&node);
+    node.SetPressPoint(point);
+    BeginDrag(DM_NODES, node);
+    Scene.GetHost().RedrawGraphs();
+    return true;
+}
+
+void TGraphCanvas::PlaceNodes(int dx, int dy)
+{
+    for (TToolNode* node : Scene.GetDocument().GetSelection()) {
+        TNodeObj* object = Scene.FindNode(node);
+        if (object == nullptr)
+            continue;
+        object->SetOrigin(TVector2(static_cast<float>(double(node->GetX()) + dx),
+                                   static_cast<float>(double(node->GetY()) + dy)));
+        Scene.LayoutEdges(node);
+    }
+}
+
+// The grabbed node's place is a whole number; the other nodes keep their distance to it.
+void TGraphCanvas::MoveNodes(const TVector2& pointer)
+{
+    const TVector2 place = pointer - Grabbed->GetPressPoint();
+    DeltaX = Distance(FloatToInt(place[0]), Grabbed->GetToolNode()->GetX());
+    DeltaY = Distance(FloatToInt(place[1]), Grabbed->GetToolNode()->GetY());
+    PlaceNodes(DeltaX, DeltaY);
+}
+
+void TGraphCanvas::FinishNodes()
+{
+    const int dx = DeltaX;
+    const int dy = DeltaY;
+    // The operation moves them once more, for good.
+    CancelDrag();
+    TDocument& document = Scene.GetDocument();
+    if (dx != 0 || dy != 0)
+        document.ApplyOperation(new TMoveGraphNodeOp(document.GetSelection(), dx, dy));
+}
+
+void TGraphCanvas::BeginResize(TNodeObj& node, const TVector2& grab)
+{
+    node.SetPressPoint(grab);
+    SizeBefore = node.GetWishedSize();
+    BeginDrag(DM_SIZE, node);
+}
+
+// The port is told as in a TPortRef: below the number of inputs it is an input.
+bool TGraphCanvas::OnPortPressed(TNodeObj& node, const TVector2& point, int port)
+{
+    if (!BeginDrag(DM_EDGE, node))
+        return true;
+    const bool input = port < node.GetNumPorts(true);
+    FromPort = &node.GetPort(input, input ? port : port - node.GetNumPorts(true));
+    if (input && node.GetToolNode()->GetInput(port) != nullptr) {
+        Picked = static_cast<TToolEdge*>(node.GetToolNode()->GetInput(port));
+        FromPort = &Scene.GetNode(Picked->GetSrcNode())->GetPort(false, Picked->GetSrcPort());
+        TToolEdgeRenderer* renderer = Scene.FindEdge(Picked);
+        if (renderer != nullptr)
+            renderer->SetHidden(true);
+    }
+    MarkPorts(true);
+    AddObject(&Rubber);
+    MoveToFront(&Rubber);
+    AimEdge(node.GetOrigin() + point);
+    Scene.GetHost().RedrawGraphs();
+    return true;
+}
+
+void TGraphCanvas::MarkPorts(bool on)
+{
+    const TUnplugged unplugged(on ? Picked : nullptr);
+    for (TRenderObject* object : Objects)
+        if (TNodeObj* node = AsNode(object))
+            node->MarkPorts(*FromPort, on);
+}
+
+TPort* TGraphCanvas::FindDropPort(const TVector2& point)
+{
+    for (int i = Objects.size() - 1; i >= 0; --i) {
+        TNodeObj* node = AsNode(Objects[i]);
+        if (node == nullptr)
+            continue;
+        const TVector2 inside = point - node->GetOrigin();
+        if (TPort* port = node->FindDropPort(inside))
+            return port;
+        if (node->HitTest(point) != nullptr)
+            return nullptr;
+    }
+    return nullptr;
+}
+
+// The rubber edge snaps to a port that can take it.
+void TGraphCanvas::AimEdge(const TVector2& pointer)
+{
+    TPort* port = FindDropPort(pointer);
+    if (port != nullptr && !port->IsMarked())
+        port = nullptr;
+    if (AimedAt != nullptr)
+        AimedAt->SetAimedAt(false);
+    AimedAt = port;
+    if (AimedAt != nullptr)
+        AimedAt->SetAimedAt(true);
+    TNodeObj* other = AimedAt != nullptr ? AimedAt->GetNode() : nullptr;
+    const int otherPort = AimedAt != nullptr ? AimedAt->GetIndex() : 0;
+    if (FromPort->IsInput())
+        Rubber.Init(other, otherPort, FromPort->GetNode(), FromPort->GetIndex());
+    else
+        Rubber.Init(FromPort->GetNode(), FromPort->GetIndex(), other, otherPort);
+    Rubber.SetFreeEnd(pointer);
+    Rubber.Layout();
+}
+
+void TGraphCanvas::FinishEdge(const TVector2& pointer)
+{
+    const TPort* from = FromPort;
+    const TPort* to = AimedAt;
+    const bool overNothing = FindDropPort(pointer) == nullptr;
+    TToolEdge* picked = Picked;
+    EndDrag();
+    if (to != nullptr)
+        ConnectTo(*from, *to, picked);
+    else if (picked != nullptr && overNothing)
+        Scene.GetDocument().ApplyOperation(new TDeleteGraphEdgeOp(picked));
+}
+
+void TGraphCanvas::ConnectTo(const TPort& from, const TPort& to, TToolEdge* picked)
+{
+    const TPort& output = from.IsInput() ? to : from;
+    const TPort& input = from.IsInput() ? from : to;
+    TDocument& document = Scene.GetDocument();
+    TToolNode* source = output.GetNode()->GetToolNode();
+    TToolNode* destination = input.GetNode()->GetToolNode();
+    if (picked == nullptr)
+        document.ApplyOperation(
+            new TAddGraphEdgeOp(document, source, output.GetIndex(), destination, input.GetIndex()));
+    else if (picked->GetDstNode() != destination || picked->GetDstPort() != input.GetIndex())
+        document.ApplyOperation(
+            new TChangeGraphEdgeOp(picked, source, output.GetIndex(), destination, input.GetIndex()));
+}

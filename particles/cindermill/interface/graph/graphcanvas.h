@@ -1,0 +1,74 @@
+#pragma once
+
+#include "library/wimp/gl/renderobjects.h"
+#include "library/wimp/wimp.h"
+#include "particles/cindermill/interface/graph/tooledgerenderer.h"
+
+class TNodeObj;
+class TPort;
+
+// What all nodes and edges of a graph lie on. Runs the drags of nodes, edges and sizes, as the framework's
+// mouse drag, and ends each with one operation.
+class TGraphCanvas : public TRenderObjects, public TMouseDrag
+{
+public:
+    explicit TGraphCanvas(TGraphScene& scene);
+    ~TGraphCanvas() override;
+    static int ClassId();
+    int GetClassType() const override { return ClassId(); }
+
+    // Without end: what no child takes is the canvas's.
+    void GetBounds(TVector2& min, TVector2& max) override;
+    TRenderObject* HitTest(const TVector2& point) override;
+    bool Event(const TRenderEvent& event) override;
+    void OnMouseMove(int x, int y, int buttons) override;
+
+    // Deletes the selection, or ends a drag.
+    bool OnKey(int key);
+    // Drags the node's lower right corner.
+    void BeginResize(TNodeObj& node, const TVector2& grab);
+    bool IsDragging() const { return Drag != DM_NONE; }
+    // Everything is as before the drag.
+    void CancelDrag();
+    // The edge that is being dragged.
+    const TToolEdgeRenderer& GetRubber() const { return Rubber; }
+    bool HasRubber() const { return HasObject(&Rubber); }
+    // The port at which a drag would end, or null.
+    TPort* FindDropPort(const TVector2& point);
+
+private:
+    enum TDragMode
+    {
+        DM_NONE,
+        DM_NODES,
+        DM_EDGE,
+        DM_SIZE
+    };
+
+    bool OnNodePressed(TNodeObj& node, const TVector2& point);
+    bool OnPortPressed(TNodeObj& node, const TVector2& point, int port);
+    bool BeginDrag(TDragMode mode, TNodeObj& node);
+    void EndDrag();
+    void MoveNodes(const TVector2& pointer);
+    void FinishNodes();
+    void PlaceNodes(int dx, int dy);
+    void AimEdge(const TVector2& pointer);
+    void FinishEdge(const TVector2& pointer);
+    void ConnectTo(const TPort& from, const TPort& to, TToolEdge* picked);
+    void MarkPorts(bool on);
+
+    TGraphScene& Scene;
+    TDragMode Drag = DM_NONE;
+    // The view that the drag runs in.
+    TRenderer* DragRenderer = nullptr;
+    TNodeObj* Grabbed = nullptr;
+    int DeltaX = 0;
+    int DeltaY = 0;
+    // What the person wished for before the size was dragged.
+    TVector2 SizeBefore = TVector2(0, 0);
+    // The fixed end of a dragged edge, the edge if there was one before, and what it would end at.
+    TPort* FromPort = nullptr;
+    TToolEdge* Picked = nullptr;
+    TPort* AimedAt = nullptr;
+    TToolEdgeRenderer Rubber;
+};

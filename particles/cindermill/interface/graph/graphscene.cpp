@@ -1,0 +1,193 @@
+#include "particles/cindermill/interface/graph/graphscene.h"
+
+#include "library/maths/scalar.h"
+#include "particles/cindermill/graph/tooledge.h"
+#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/interface/graph/nodelayout.h"
+#include "particles/cindermill/interface/graph/nodeobj.h"
+
+void TGraphSceneHost::Warn()
+{
+    Beep();
+}
+
+bool TGraphRoot::Event(const TRenderEvent& event)
+{
+    if (event.Code == RE_KEY && event.Source == this)
+        return Scene.GetCanvas().OnKey(event.Detail);
+    return TRenderObjects::Event(event);
+}
+
+TGraphScene::TGraphScene(TDocument& document, TGraphSceneHost& host)
+    : Document(document), Host(host), RenderRoot(*this), Grid(*this), HelpText(RenderRoot)
+{
+    RenderRoot.AddObject(&Background);
+    RenderRoot.AddObject(&Grid);
+}
+
+TGraphScene::~TGraphScene()
+{
+    Grid.CancelDrag();
+    for (auto& entry : Edges)
+        delete entry.second;
+    for (auto& entry : Nodes)
+        delete entry.second;
+}
+
+TNodeObj* TGraphScene::GetNode(TEffectNode* node)
+{
+    TToolNode* toolNode = static_cast<TToolNode*>(node);
+    TNodeObj*& object = Nodes[toolNode];
+    if (object == nullptr) {
+        object = new TNodeObj(*this);
+        object->Build(toolNode);
+    }
+    return object;
+}
+
+TToolEdgeRenderer* TGraphScene::GetEdge(TToolEdge* edge)
+{
+    TToolEdgeRenderer*& renderer = Edges[edge];
+    if (renderer == nullptr)
+        renderer = new TToolEdgeRenderer(*this);
+    return renderer;
+}
+
+TNodeObj* TGraphScene::FindNode(const TToolNode* node) const
+{
+    auto it = Nodes.find(node);
+    return it != Nodes.end() && it->second->GetParent() == &Grid ? it->second : nullptr;
+}
+
+TToolEdgeRenderer* TGraphScene::FindEdge(const TToolEdge* edge) const
+{
+    auto it = Edges.find(edge);
+    return it != Edges.end() && it->second->GetParent() == &Grid ? it->second : nullptr;
+}
+
+TNodeObj* TGraphScene::NodeAt(const TVector2& point)
+{
+    for (TRenderObject* object = Grid.HitTest(point); object != nullptr; object = object->GetParent())
+        if (object->GetClassType() == TNodeObj::ClassId())
+            return static_cast<TNodeObj*>(object);
+    return nullptr;
+}
+
+void TGraphScene::AddNode(TToolNode* node)
+{
+    Grid.CancelDrag();
+    TNodeObj* object = GetNode(node);
+    if (object->GetParent() == &Grid)
+        return;
+    Grid.AddObject(object);
+    object->Relayout();
+}
+
+void TGraphScene::RemoveNode(TToolNode* node)
+{
+    Grid.CancelDrag();
+    HelpText.Hide();
+    TNodeObj* object = FindNode(node);
+    if (object == nullptr)
+        return;
+    object->ReleaseButton();
+    Grid.RemoveObject(object);
+    TRenderObject::RemoveTick(object);
+    if (TRenderObject::GetCapture() == object)
+        TRenderObject::ReleaseCapture();
+    // Keys go on to the graph.
+    if (TRenderObject::GetFocus() == object)
+        TRenderObject::SetFocus(&Grid);
+}
+
+void TGraphScene::AddEdge(TToolEdge* edge)
+{
+    Grid.CancelDrag();
+    TToolEdgeRenderer* renderer = GetEdge(edge);
+    renderer->Layout(edge);
+    if (Grid.HasObject(renderer))
+        return;
+    Grid.AddObject(renderer);
+    Grid.MoveToBack(renderer);
+}
+
+void TGraphScene::RemoveEdge(TToolEdge* edge)
+{
+    Grid.CancelDrag();
+    TToolEdgeRenderer* renderer = FindEdge(edge);
+    if (renderer != nullptr)
+        Grid.RemoveObject(renderer);
+}
+
+void TGraphScene::LayoutEdge(TToolEdge* edge)
+{
+    GetEdge(edge)->Layout(edge);
+}
+
+void TGraphScene::UnhookEdge(TToolEdge* edge)
+{
+    Grid.CancelDrag();
+    GetEdge(edge)->Unhook();
+}
+
+void TGraphScene::TouchNode(TToolNode* node)
+{
+    TNodeObj* object = FindNode(node);
+    if (object != nullptr)
+        object->Refresh();
+}
+
+void TGraphScene::RelayoutNode(TToolNode* node)
+{
+    TNodeObj* object = FindNode(node);
+    if (object != nullptr)
+        object->Relayout();
+}
+
+// Edges that are on their way in or out of the graph are left alone.
+void TGraphScene::LayoutEdges(TToolNode* node)
+{
+    auto layout = [this](TEffectEdge* edge) {
+        TToolEdge* toolEdge = static_cast<TToolEdge*>(edge);
+        TToolEdgeRenderer* renderer = FindEdge(toolEdge);
+        if (renderer != nullptr)
+            renderer->Layout(toolEdge);
+    };
+    for (int i = 0; i < node->GetNumInputs(); ++i)
+        if (node->GetInput(i) != nullptr)
+            layout(node->GetInput(i));
+    for (int i = 0; i < node->GetNumOutputs(); ++i)
+        for (int n = 0; n < node->GetNumOutputEdges(i); ++n)
+            layout(node->GetOutputEdge(i, n));
+}
+
+// By the type alone: the node may be too new to have a view object.
+void TGraphScene::GetNodeHalfSize(TToolNode* node, int& x, int& y)
+{
+    const TVector2 size = MeasureNode(*node->GetNodeType());
+    x = FloatToInt(size[0] * 0.5);
+    y = FloatToInt(size[1] * 0.5);
+}
+
+void TGraphScene::ForgetNode(TToolNode* node)
+{
+    RemoveNode(node);
+    auto it = Nodes.find(node);
+    if (it == Nodes.end())
+        return;
+    for (auto& entry : Edges)
+        if (entry.second->GetOutputNode() == it->second || entry.second->GetInputNode() == it->second)
+            entry.second->Unhook();
+    delete it->second;
+    Nodes.erase(it);
+}
+
+void TGraphScene::ForgetEdge(TToolEdge* edge)
+{
+    RemoveEdge(edge);
+    auto it = Edges.find(edge);
+    if (it == Edges.end())
+        return;
+    delete it->second;
+    Edges.erase(it);
+}

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "library/containers/sortedmap.h"
+#include "library/wimp/gl/renderobjects.h"
+#include "particles/cindermill/interface/graph/graphcanvas.h"
+#include "particles/cindermill/interface/graph/gridrender.h"
+#include "particles/cindermill/interface/graph/help.h"
+
+class TDocument;
+class TEffectNode;
+class TGraphScene;
+class TNodeObj;
+class TToolEdge;
+class TToolEdgeRenderer;
+class TToolNode;
+
+// What the drawing of a graph asks of the windows that show it.
+class TGraphSceneHost
+{
+public:
+    virtual ~TGraphSceneHost() = default;
+    // All graph views of the document.
+    virtual void RedrawGraphs() = 0;
+    // Scrolls the view of the renderer if the pixel lies close to its edge; for running drags.
+    virtual void EdgeScroll(TRenderer& renderer, int x, int y) = 0;
+    // The mouse stays with the view of the renderer until it is released, as the framework's drag.
+    virtual void BeginDrag(TRenderer& renderer, TMouseDrag& drag) = 0;
+    virtual void EndDrag(TRenderer& renderer) = 0;
+    // What was asked for cannot be done: the system's warning sound.
+    virtual void Warn();
+};
+
+// The root of what a view shows. With the focus, it hands keys to the canvas.
+class TGraphRoot : public TRenderObjects
+{
+public:
+    explicit TGraphRoot(TGraphScene& scene) : Scene(scene) {}
+    bool Event(const TRenderEvent& event) override;
+
+private:
+    TGraphScene& Scene;
+};
+
+// A document's graph as render objects, shared by all its views: the background, the canvas with nodes and
+// edges, the help line. Follows the document: each tool node and tool edge of the graph has its view object
+// here.
+class TGraphScene
+{
+public:
+    TGraphScene(TDocument& document, TGraphSceneHost& host);
+    ~TGraphScene();
+    TGraphScene(const TGraphScene&) = delete;
+    TGraphScene& operator=(const TGraphScene&) = delete;
+
+    // A view object is made when first asked for, and stays as long as the scene: undone nodes come back as
+    // they were.
+    void AddNode(TToolNode* node);
+    void RemoveNode(TToolNode* node);
+    void AddEdge(TToolEdge* edge);
+    void RemoveEdge(TToolEdge* edge);
+    // Ports, bypass or selection have changed; the node type has; the place has.
+    void TouchNode(TToolNode* node);
+    void RelayoutNode(TToolNode* node);
+    void LayoutEdge(TToolEdge* edge);
+    void UnhookEdge(TToolEdge* edge);
+    void GetNodeHalfSize(TToolNode* node, int& x, int& y);
+    // The node or edge is about to be deleted.
+    void ForgetNode(TToolNode* node);
+    void ForgetEdge(TToolEdge* edge);
+
+    // Null for a node that is not in the graph.
+    TNodeObj* FindNode(const TToolNode* node) const;
+    // The view object of a node, in the graph or not.
+    TNodeObj* GetNode(TEffectNode* node);
+    // Makes the edges at the node's ports follow it.
+    void LayoutEdges(TToolNode* node);
+    // Null for an edge that is not in the graph.
+    TToolEdgeRenderer* FindEdge(const TToolEdge* edge) const;
+    // The node under a world point, or null.
+    TNodeObj* NodeAt(const TVector2& point);
+
+    TDocument& GetDocument() { return Document; }
+    TGraphSceneHost& GetHost() { return Host; }
+    TRenderObjects& GetRoot() { return RenderRoot; }
+    TGraphCanvas& GetCanvas() { return Grid; }
+    THelp& GetHelp() { return HelpText; }
+
+private:
+    TToolEdgeRenderer* GetEdge(TToolEdge* edge);
+
+    TDocument& Document;
+    TGraphSceneHost& Host;
+    TGraphRoot RenderRoot;
+    TGridRender Background;
+    TGraphCanvas Grid;
+    THelp HelpText;
+    sortedmap<const TToolNode*, TNodeObj*> Nodes;
+    sortedmap<const TToolEdge*, TToolEdgeRenderer*> Edges;
+};

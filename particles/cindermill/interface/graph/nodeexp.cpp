@@ -1,0 +1,179 @@
+#include "particles/cindermill/interface/graph/nodeexp.h"
+
+#include "library/containers/classregistry.h"
+#include "library/wimp/gl/renderer.h"
+#include "particles/effectgraph/nodetype.h"
+
+namespace {
+
+constexpr TPanelPath Table[TNodeExp::NumPaths - TNodePanel::NumSharedPaths] = {
+    // The button's sign: there is less, or with nothing to show yet, more.
+    {AtEnd(-12), At(7.25f), AtEnd(-6), At(8.75f), 0, 0, PP_GLYPH, 0},
+    {AtEnd(-9.75f), At(5), AtEnd(-8.25f), At(11), 0, 0, PP_GLYPHABOVE, 0},
+    // A groove below the ports, with a handle in the type's colour.
+    {At(3), AtSplit(1), AtEnd(-3), AtSplit(2), 0, 0, PP_FACE, PT_DARK},
+    {At(3), AtSplit(2), AtEnd(-3), AtSplit(3), 0, 0, PP_FACE, PT_HIGHLIGHT},
+    {AtEnd(-20), AtSplit(0), AtEnd(-8), AtSplit(4), 2, PC_ALL, PP_STRIP, -0.11f},
+    {AtEnd(-19), AtSplit(1), AtEnd(-9), AtSplit(3), 1, PC_ALL, PP_STRIP2, 0.07f},
+    {At(8), AtSplit(0), At(20), AtSplit(4), 2, PC_ALL, PP_STRIP, -0.11f},
+    {At(9), AtSplit(1), At(19), AtSplit(3), 1, PC_ALL, PP_STRIP2, 0.07f},
+    // The sunken panel of the controls.
+    {At(6), AtSplit(6), AtEnd(-6), AtEnd(-6), 3, PC_ALL, PP_OUTLINE, 0},
+    {At(7), AtSplit(7), AtEnd(-7), AtEnd(-7), 2.5f, PC_ALL, PP_FACE, PT_MID},
+    {At(8), AtSplit(9), AtEnd(-8), AtEnd(-8), 2, PC_ALL, PP_FACE, PT_LIGHT},
+    {At(8), AtSplit(7), AtEnd(-8), AtSplit(8), 0, 0, PP_FACE, PT_DARK},
+    {At(7), AtSplit(9), At(8), AtEnd(-9), 0, 0, PP_FACE, PT_DARK},
+    {AtEnd(-8), AtSplit(9), AtEnd(-7), AtEnd(-9), 0, 0, PP_FACE, PT_HIGHLIGHT},
+    {At(9), AtEnd(-8), AtEnd(-9), AtEnd(-7), 0, 0, PP_FACE, PT_HIGHLIGHT},
+    {AtEnd(-9), AtEnd(-9), AtEnd(-3), AtEnd(-3), 0.8f, PC_RISING, PP_GRIP, 0},
+    {At(1), At(1), AtEnd(-1), AtEnd(-1), 4, PC_ALL, PP_VEIL, 0.5f},
+};
+
+constexpr int NumRegions = 3;
+constexpr TPanelRegion Regions[NumRegions] = {
+    {XR_CLOSE, AtEnd(-15), At(2), AtEnd(-3), At(14)},
+    {XR_GRIP, AtEnd(-9), AtEnd(-9), AtEnd(0), AtEnd(0)},
+    {XR_BODY, At(0), At(0), AtEnd(0), AtEnd(0)},
+};
+
+// Around and between the controls.
+constexpr float ControlsSide = 14.0f;
+constexpr float ControlsTop = 13.0f;
+constexpr float ControlsBottom = 14.0f;
+constexpr float ControlsGap = 5.0f;
+constexpr float PictureOpacity = 0.7f;
+
+} // namespace
+
+static TClassRegistrar registrar(&TNodeExp::ClassId);
+
+int TNodeExp::ClassId()
+{
+    static const int id = RegisterClass(nullptr, "TNodeExp", -1);
+    return id;
+}
+
+TNodeExp::~TNodeExp()
+{
+    for (const TControls& controls : Controls)
+        delete controls.Object;
+    DeletePorts();
+}
+
+void TNodeExp::DeletePorts()
+{
+    for (TPort* port : Ports)
+        delete port;
+    Ports.clear();
+}
+
+void TNodeExp::BuildFor(const TNodeType& type)
+{
+    Build(type, MeasureNode(type));
+    Panel.SetOpacity(PictureOpacity);
+    DeletePorts();
+    for (int i = 0; i < type.GetNumInputs(); ++i)
+        Ports.push_back(new TPort(nullptr, i, true, type.GetInput(i)->Name));
+    for (int i = 0; i < type.GetNumOutputs(); ++i)
+        Ports.push_back(new TPort(nullptr, i, false, type.GetOutput(i).Name));
+    for (TPort* port : Ports)
+        port->SetOrigin(GetPortPlace(port->IsInput(), port->GetIndex(), GetSize()[0]));
+    TouchBounds();
+}
+
+void TNodeExp::Build(const TNodeType& type, const TVector2& closedSize)
+{
+    const TVector2 room = PlaceControls(closedSize[1] + ControlsTop);
+    TVector2 size = closedSize;
+    if (HasVisibleControls()) {
+        const float width = static_cast<float>(room[0] + 2.0 * ControlsSide);
+        if (width > size[0])
+            size[0] = width;
+        size[1] = static_cast<float>(double(size[1]) + ControlsTop + room[1] + ControlsBottom);
+    }
+    Panel.Build(type, Table, NumPaths - TNodePanel::NumSharedPaths, size, closedSize[1]);
+    TouchBounds();
+}
+
+TVector2 TNodeExp::PlaceControls(float top)
+{
+    // The controls' own places stand in one line; their labels reach to the left of it.
+    TVector2 min;
+    TVector2 max;
+    float left = 0;
+    float right = 0;
+    for (const TControls& controls : Controls) {
+        if (!controls.Visible)
+            continue;
+        controls.Object->GetBounds(min, max);
+        left = min[0] < left ? min[0] : left;
+        right = max[0] > right ? max[0] : right;
+    }
+    float y = top;
+    for (const TControls& controls : Controls) {
+        if (!controls.Visible)
+            continue;
+        controls.Object->GetBounds(min, max);
+        controls.Object->SetOrigin(TVector2(ControlsSide - left, y - min[1]));
+        y = static_cast<float>(double(y) + max[1] - min[1] + ControlsGap);
+    }
+    const float height = y > top ? y - top - ControlsGap : 0.0f;
+    return TVector2(right - left, height);
+}
+
+void TNodeExp::AddControls(TRenderObject* controls, int inputPort)
+{
+    TControls entry;
+    entry.Object = controls;
+    entry.Port = inputPort;
+    Controls.push_back(entry);
+    AddObject(controls);
+}
+
+bool TNodeExp::ShowControls(int i, bool visible)
+{
+    TControls& controls = Controls[i];
+    if (controls.Visible == visible)
+        return false;
+    controls.Visible = visible;
+    if (visible)
+        AddObject(controls.Object);
+    else
+        RemoveObject(controls.Object);
+    return true;
+}
+
+bool TNodeExp::HasVisibleControls() const
+{
+    for (const TControls& controls : Controls)
+        if (controls.Visible)
+            return true;
+    return false;
+}
+
+void TNodeExp::Render(TRenderer& renderer)
+{
+    Panel.Render(renderer);
+    TRenderObjects::Render(renderer);
+    for (TPort* port : Ports) {
+        renderer.PushOrigin(port->GetOrigin());
+        port->Render(renderer);
+        renderer.PopOrigin();
+    }
+}
+
+void TNodeExp::GetBounds(TVector2& min, TVector2& max)
+{
+    min = TVector2(0, 0);
+    max = Panel.GetSize();
+}
+
+TRenderObject* TNodeExp::HitTest(const TVector2& point)
+{
+    return TRenderObjects::HitTest(point);
+}
+
+int TNodeExp::GetRegion(const TVector2& point) const
+{
+    return FindPanelRegion(Regions, NumRegions, Panel.GetSize(), point);
+}

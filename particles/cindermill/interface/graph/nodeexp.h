@@ -1,0 +1,67 @@
+#pragma once
+
+#include "library/wimp/gl/renderobjects.h"
+#include "particles/cindermill/interface/graph/nodepanel.h"
+#include "particles/cindermill/interface/graph/port.h"
+
+// The parts of an open node that take clicks.
+enum TNodeExpRegion
+{
+    XR_NONE = -1,
+    XR_CLOSE = 0,
+    XR_GRIP = 1,
+    XR_BODY = 2
+};
+
+// The drawing of an open node: the closed one's, and below the ports a panel with the controls of its
+// parameters. By itself, without a node, it shows what a node of a type will look like.
+class TNodeExp : public TRenderObjects
+{
+public:
+    static constexpr int NumPaths = 39;
+
+    ~TNodeExp() override;
+    static int ClassId();
+    int GetClassType() const override { return ClassId(); }
+
+    // A picture of a type, for a drag from the palette; as large as a closed new node. It is drawn at its
+    // Origin, and takes no hits.
+    void BuildFor(const TNodeType& type);
+    TVector2 GetSize() const { return Panel.GetSize(); }
+
+    // For a node; the size is the closed one's, and grows by what the panel needs.
+    void Build(const TNodeType& type, const TVector2& closedSize);
+    // Takes ownership. The port is that of the input whose value the controls edit, or -1.
+    void AddControls(TRenderObject* controls, int inputPort);
+    int GetNumControls() const { return Controls.size(); }
+    int GetControlsPort(int i) const { return Controls[i].Port; }
+    bool IsControlsVisible(int i) const { return Controls[i].Visible; }
+    // True if that changed anything; the layout is then to be done anew.
+    bool ShowControls(int i, bool visible);
+    bool HasVisibleControls() const;
+
+    void SetVisualState(int code) { Panel.SetVisualState(code); }
+    void Render(TRenderer& renderer) override;
+    void GetBounds(TVector2& min, TVector2& max) override;
+    // The controls only.
+    TRenderObject* HitTest(const TVector2& point) override;
+    int GetRegion(const TVector2& point) const;
+    TNodePanel& GetPanel() { return Panel; }
+
+private:
+    struct TControls
+    {
+        TRenderObject* Object = nullptr;
+        int Port = -1;
+        bool Visible = true;
+    };
+
+    // Puts the visible controls below each other; returns the room that they take.
+    TVector2 PlaceControls(float top);
+    void DeletePorts();
+
+    TNodePanel Panel;
+    vector<TControls> Controls;
+    // Of a picture.
+    vector<TPort*> Ports;
+};

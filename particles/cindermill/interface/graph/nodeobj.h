@@ -1,0 +1,108 @@
+#pragma once
+
+#include "library/wimp/gl/renderobjects.h"
+#include "particles/cindermill/interface/graph/bypass.h"
+#include "particles/cindermill/interface/graph/node.h"
+#include "particles/cindermill/interface/graph/nodeexp.h"
+#include "particles/cindermill/interface/graph/port.h"
+
+class TDocument;
+class TGraphScene;
+class TNodeType;
+class TToolNode;
+
+// A node in the graph view. Turns clicks into selection, drags, bypassing, opening and closing; every change
+// is an operation of the document.
+class TNodeObj : public TRenderObjects
+{
+public:
+    explicit TNodeObj(TGraphScene& scene);
+    ~TNodeObj() override;
+    static int ClassId();
+    int GetClassType() const override { return ClassId(); }
+
+    // The node stays the document's. Called again, it shows the other node, closed.
+    void Build(TToolNode* toolNode);
+    // The node's type has changed: its name, say. The edges follow.
+    void Relayout();
+    // The node's place, connections or bypassing have changed. The edges follow.
+    void Refresh();
+    void SetSelected(bool selected);
+    bool IsSelected() const;
+    bool IsCollapsed() const { return Collapsed; }
+    bool IsPressed() const { return MousePressed; }
+    // The pressed button forgets the press.
+    void ReleaseButton();
+    // Takes ownership of controls for the panel of the open node; see TNodeExp.
+    void AddControls(TRenderObject* controls, int inputPort);
+    // The panel has something to show.
+    bool CanOpen() const { return Expanded.HasVisibleControls(); }
+
+    void Render(TRenderer& renderer) override;
+    // All that is drawn.
+    void GetBounds(TVector2& min, TVector2& max) override;
+    TRenderObject* HitTest(const TVector2& point) override;
+    bool Event(const TRenderEvent& event) override;
+    void Tick(TRenderer* renderer) override;
+
+    // The panel, open or closed, in world units.
+    TVector2 GetSize() const;
+    void GetRectangle(TVector2& min, TVector2& max) const;
+    bool OverlapsBox(const TVector2& min, const TVector2& max) const;
+    // By the size of the panel as it is shown. A node is never smaller than what it shows, whatever a person
+    // wished for; what was wished for is the closed panel's size.
+    void Resize(const TVector2& size);
+    void SetWishedSize(const TVector2& size);
+    const TVector2& GetWishedSize() const { return WishedSize; }
+
+    TToolNode* GetToolNode() const { return ToolNode; }
+    const TVector2& GetPressPoint() const { return PressPoint; }
+    void SetPressPoint(const TVector2& point) { PressPoint = point; }
+
+    int GetNumPorts(bool input) const { return input ? InPorts.size() : OutPorts.size(); }
+    TPort& GetPort(bool input, int index) { return *(input ? InPorts : OutPorts)[index]; }
+    // Relative to the canvas.
+    TVector2 GetPortPosition(bool input, int index) const;
+    // The port under a point that is relative to the node's place. A drag that ends need not meet the disc:
+    // the label's row will do.
+    TPort* FindPort(const TVector2& point);
+    TPort* FindDropPort(const TVector2& point);
+    // Marks the ports at which an edge from the port may end; their marks go with `on` false.
+    void MarkPorts(const TPort& port, bool on);
+
+    TBypass& GetBypass() { return Bypass; }
+    TNode& GetBody() { return Body; }
+    TNodeExp& GetExpanded() { return Expanded; }
+
+private:
+    void DeletePorts();
+    void BuildPorts();
+    void PlacePorts();
+    void BuildPanels();
+    void LayoutEdges();
+    bool UpdateConnections();
+    void UpdateBypass();
+    void SetOpen(bool open);
+    bool HitsButton(const TVector2& point) const;
+    bool IsInside(const TVector2& point) const;
+    bool CanBypass() const;
+    bool OnLeftDown(const TVector2& point);
+    bool OnLeftUp(const TVector2& point);
+    void OnMove(const TVector2& point);
+    void OnHover(const TVector2& point);
+    void ToggleBypass();
+    bool SendToParent(int code, const TVector2& point, int detail);
+
+    TGraphScene& Scene;
+    TNode Body;
+    TNodeExp Expanded;
+    TBypass Bypass;
+    TToolNode* ToolNode = nullptr;
+    TVector2 PressPoint = TVector2(0, 0);
+    TVector2 WishedSize = TVector2(0, 0);
+    bool MousePressed = false;
+    bool Collapsed = true;
+    bool Selected = false;
+    vector<TPort*> InPorts;
+    vector<TPort*> OutPorts;
+};

@@ -1,0 +1,136 @@
+#include "particles/cindermill/interface/graphview.h"
+
+#include "library/maths/scalar.h"
+
+namespace {
+
+float Limit(float value, float min, float max)
+{
+    if (!(value > min))
+        return min;
+    return value < max ? value : max;
+}
+
+// How far a place that lies the distance inside of an edge reaches into the edge's margin, or through it.
+int GetDepth(int distance, int margin)
+{
+    constexpr int MaxDepth = 100;
+    if (distance >= margin)
+        return 0;
+    return margin - distance < MaxDepth ? margin - distance : MaxDepth;
+}
+
+} // namespace
+
+TVector2 TGraphView::PixelToWorld(int x, int y) const
+{
+    return TVector2(static_cast<float>(double(x) / Scale[0] - Offset[0]),
+                    static_cast<float>(double(y) / Scale[1] - Offset[1]));
+}
+
+void TGraphView::Zoom(int x, int y, int delta)
+{
+    constexpr double PerDelta = 0.0005;
+    constexpr double MinLengthSquared = 0.02;
+    constexpr double MaxLengthSquared = 98.0;
+    const float factor = Limit(static_cast<float>(delta * PerDelta + 1.0), 0.5f, 1.5f);
+    const TVector2 fixed = PixelToWorld(x, y);
+    Scale *= factor;
+    const double lengthSquared = Scale.LengthSquared();
+    if (lengthSquared < MinLengthSquared)
+        Scale = TVector2(0.1f, 0.1f);
+    else if (lengthSquared > MaxLengthSquared)
+        Scale = TVector2(7.0f, 7.0f);
+    Offset = TVector2(static_cast<float>(double(x) / Scale[0] - fixed[0]),
+                      static_cast<float>(double(y) / Scale[1] - fixed[1]));
+}
+
+void TGraphView::GetPanStart(int x, int y, int* start) const
+{
+    start[0] = FloatToInt(x - double(Offset[0]) * Scale[0]);
+    start[1] = FloatToInt(y - double(Offset[1]) * Scale[1]);
+}
+
+void TGraphView::PanTo(int x, int y, const int* start)
+{
+    Offset = TVector2(static_cast<float>((double(x) - start[0]) / Scale[0]),
+                      static_cast<float>((double(y) - start[1]) / Scale[1]));
+}
+
+bool TGraphView::ScrollAtEdge(int x, int y, int width, int height, int& margin)
+{
+    constexpr double Slowness = 10.0;
+    constexpr int Growth = 2;
+    constexpr int MaxMargin = 20;
+    const int pixel[2] = {x, y};
+    const int size[2] = {width, height};
+    const int reach = margin;
+    bool moved = false;
+    for (int axis = 0; axis < 2; ++axis) {
+        const int depths[2] = {GetDepth(pixel[axis], reach), -GetDepth(size[axis] - pixel[axis], reach)};
+        for (const int depth : depths) {
+            if (depth == 0)
+                continue;
+            Offset[axis] = static_cast<float>(Offset[axis] + depth / (Scale[axis] * Slowness));
+            moved = true;
+            if (axis == 0)
+                margin += Growth;
+        }
+    }
+    if (margin > ScrollMargin)
+        --margin;
+    if (margin > MaxMargin)
+        margin = MaxMargin;
+    return moved;
+}
+
+TVector2 TGraphView::GetCentre(int width, int height) const
+{
+    return TVector2(static_cast<float>(width * 0.5 / Scale[0] - Offset[0]),
+                    static_cast<float>(height * 0.5 / Scale[1] - Offset[1]));
+}
+
+void TGraphView::SetCentre(const TVector2& centre, const TVector2& scale, int width, int height)
+{
+    Scale = scale;
+    Offset = TVector2(static_cast<float>(width * 0.5 / scale[0] - centre[0]),
+                      static_cast<float>(height * 0.5 / scale[1] - centre[1]));
+}
+
+void TGraphView::Frame(const TVector2& min, const TVector2& max, int width, int height)
+{
+    constexpr float Space = 10.0f;
+    const TVector2 from = min - TVector2(Space, Space);
+    const TVector2 to = max + TVector2(Space, Space);
+    const float across = static_cast<float>(double(width) / (double(to[0]) - from[0]));
+    const float down = static_cast<float>(double(height) / (double(to[1]) - from[1]));
+    const float zoom = Limit(across < down ? across : down, 0.1f, 3.0f);
+    const TVector2 centre(static_cast<float>((double(from[0]) + to[0]) * 0.5),
+                          static_cast<float>((double(from[1]) + to[1]) * 0.5));
+    SetCentre(centre, TVector2(zoom, zoom), width, height);
+}
+
+void TViewFocus::Start(const TGraphView& from, const TGraphView& to, int width, int height)
+{
+    FocusFrom = from.GetCentre(width, height);
+    FocusFromScale = from.GetScale();
+    FocusTo = to.GetCentre(width, height);
+    FocusToScale = to.GetScale();
+    FocusTime = 1.0f;
+}
+
+void TViewFocus::Step(TGraphView& view, int width, int height)
+{
+    constexpr double StepTime = 0.1;
+    FocusTime = static_cast<float>(FocusTime - StepTime);
+    if (FocusTime < 0)
+        FocusTime = 0;
+    TVector2 centre;
+    TVector2 scale;
+    for (int i = 0; i < 2; ++i) {
+        centre[i] = static_cast<float>(FocusTo[i] + (double(FocusFrom[i]) - FocusTo[i]) * FocusTime);
+        scale[i] =
+            static_cast<float>(FocusToScale[i] + (double(FocusFromScale[i]) - FocusToScale[i]) * FocusTime);
+    }
+    view.SetCentre(centre, scale, width, height);
+}

@@ -1,0 +1,484 @@
+#include "particles/cindermill/interface/graphwindow.h"
+
+#include "library/containers/classregistry.h"
+#include "library/system/message.h"
+#include "library/wimp/menu.h"
+#include "particles/cindermill/graph/paramoperations.h"
+#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/interface/animationramp.h"
+#include "particles/cindermill/interface/documentwindows.h"
+#include "particles/cindermill/interface/docwindow.h"
+#include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/document.h"
+
+#include <cstdlib>
+
+namespace {
+
+constexpr int IconId = 101;
+constexpr int MenuFocusNodeGroup = 40215;
+constexpr int MenuInsertNode = 40217;
+
+// Shared by all drags.
+int EdgeMargin = TGraphView::ScrollMargin;
+
+TWindowClass& GetWindowClass()
+{
+    static TWindowClass windowClass("cindermill_docwindow");
+    if (!windowClass.IsRegistered())
+        windowClass.Register(IconId, 0xFFFFFF, true);
+    return windowClass;
+}
+
+int GetPanButton()
+{
+    return TCindermillApp::Get().GetSettings().GetGraphPanButton();
+}
+
+int GetPanMask()
+{
+    return 1 << GetPanButton();
+}
+
+// Text being typed wants the keys of the clipboard for itself.
+bool IsTyping()
+{
+    const TRenderObject* focus = TRenderObject::GetFocus();
+    const int textEdit = FindClassByName("TTextEdit");
+    return focus != nullptr && textEdit != -1 && IsClassA(focus->GetClassType(), textEdit);
+}
+
+// What an edit would change under a running drag is the drag's.
+bool CanEdit()
+{
+    return TWimp::Get().GetMouseDrag() == nullptr;
+}
+
+} // namespace
+
+TGraphWindow::TGraphWindow() : Shortcuts(this) {}
+
+TGraphWindow::~TGraphWindow()
+{
+    CancelDrag();
+    HideGhost();
+}
+
+bool TGraphWindow::Create(TDocWindow& docWindow, TWindow& owner, const TRenderer* shareWith)
+{
+    DocWindow = &docWindow;
+    TWindowParams params;
+    params.Class = &GetWindowClass();
+    params.Owner = &owner;
+    params.Kind = WK_GLCHILD;
+    if (!TWindow::Create(params) || !Renderer.Init(this, shareWith))
+        return false;
+    AddShortcuts();
+    Shortcuts.Attach(this);
+    return true;
+}
+
+TDocument& TGraphWindow::GetDocument() const
+{
+    return DocWindow->GetDocument();
+}
+
+TGraphScene& TGraphWindow::GetScene() const
+{
+    return DocWindow->GetWindows().GetScene();
+}
+
+void TGraphWindow::AddShortcuts()
+{
+    static constexpr int Files[] = {'S' | SM_CTRL, 'S' | SM_CTRL | SM_SHIFT, 'O' | SM_CTRL, 'N' | SM_CTRL};
+    static constexpr int Edits[] = {'Z' | SM_CTRL, 'Y' | SM_CTRL, 'C' | SM_CTRL,           'V' | SM_CTRL,
+                                    'X' | SM_CTRL, 'F' | SM_CTRL, 'F' | SM_CTRL | SM_SHIFT};
+    for (const int code : Files)
+        Shortcuts.Add(
+            code, [](int key, void* view) { return static_cast<TGraphWindow*>(view)->OnFileShortcut(key); });
+    for (const int code : Edits)
+        Shortcuts.Add(
+            code, [](int key, void* view) { return static_cast<TGraphWindow*>(view)->OnEditShortcut(key); });
+}
+
+bool TGraphWindow::OnFileShortcut(int code)
+{
+    TCindermillApp& app = TCindermillApp::Get();
+    DocWindow->Activate();
+    switch (code) {
+    case 'S' | SM_CTRL:
+        app.SaveActive();
+        break;
+    case 'S' | SM_CTRL | SM_SHIFT:
+        app.SaveActiveAs();
+        break;
+    case 'O' | SM_CTRL:
+        app.OpenDocumentDialog();
+        break;
+    case 'N' | SM_CTRL:
+        app.NewDocument();
+        break;
+    }
+    return true;
+}
+
+bool TGraphWindow::OnEditShortcut(int code)
+{
+    TDocument& document = GetDocument();
+    switch (code) {
+    case 'Z' | SM_CTRL:
+        if (CanEdit() && document.CanUndo())
+            document.Undo();
+        return true;
+    case 'Y' | SM_CTRL:
+        if (CanEdit() && document.CanRedo())
+            document.Redo();
+        return true;
+    case 'F' | SM_CTRL:
+        DocWindow->FocusSelected(false);
+        return true;
+    case 'F' | SM_CTRL | SM_SHIFT:
+        DocWindow->FocusAll(false);
+        return true;
+    default:
+        return OnClipboardShortcut(code);
+    }
+}
+
+bool TGraphWindow::OnClipboardShortcut(int code)
+{
+    if (IsTyping())
+        return false;
+    TDocument& document = GetDocument();
+    if (code == ('C' | SM_CTRL))
+        document.CopySelection();
+    else if (code == ('V' | SM_CTRL) && CanEdit())
+        document.Paste();
+    else if (code == ('X' | SM_CTRL) && CanEdit())
+        document.CutSelection();
+    return true;
+}
+
+bool TGraphWindow::OnMessage(const TMessage& message)
+{
+    if (TRenderObject::Route(Renderer, GetScene().GetRoot(), message))
+        return true;
+    switch (message.Type) {
+    case MT_PAINT:
+        Renderer.Render(GetScene().GetRoot());
+        return true;
+    case MT_LEFTDOWN:
+        OnLeftDown(message);
+        return true;
+    case MT_MIDDLEDOWN:
+        if (GetPanMask() == MB_MIDDLE)
+            BeginPan(message.X, message.Y);
+        return true;
+    case MT_RIGHTDOWN:
+        // A pan with another button has no say in what this one does.
+        DraggedFar = false;
+        if (GetPanMask() == MB_RIGHT)
+            BeginPan(message.X, message.Y);
+        return true;
+    case MT_RIGHTUP:
+        OnRightUp(message);
+        return true;
+    case MT_KEYDOWN:
+        return message.Key == KEY_ESCAPE && OnEscape();
+    case MT_WHEEL:
+        OnWheel(message);
+        return true;
+    case MT_FOCUSGAINED:
+        OnFocus();
+        return false;
+    default:
+        return false;
+    }
+}
+
+// The keys go to this graph, unless an object of it has asked for them.
+void TGraphWindow::OnFocus()
+{
+    DocWindow->Activate();
+    const TRenderObject* top = TRenderObject::GetFocus();
+    while (top != nullptr && top->GetParent() != nullptr)
+        top = top->GetParent();
+    if (top != &GetScene().GetRoot())
+        TRenderObject::SetFocus(&GetScene().GetRoot(), &Renderer);
+}
+
+void TGraphWindow::OnLeftDown(const TMessage& message)
+{
+    constexpr int LeftButton = 0;
+    TakeFocus();
+    DocWindow->Activate();
+    TRenderObject::SetFocus(&GetScene().GetRoot(), &Renderer);
+    DocWindow->SetMouseTarget(this);
+    ViewFocus.Stop();
+    if ((message.KeyFlags & KF_SHIFT) == 0)
+        GetDocument().ClearSelection();
+    if (GetPanButton() == LeftButton && (message.KeyFlags & KF_CTRL) == 0)
+        BeginPan(message.X, message.Y);
+    else if (TWimp::Get().GetMouseDrag() == nullptr)
+        BeginBox(message.X, message.Y);
+}
+
+void TGraphWindow::OnRightUp(const TMessage& message)
+{
+    const bool isClick = !DraggedFar;
+    DraggedFar = false;
+    TNodeObj* object = isClick ? GetScene().NodeAt(PixelToWorld(message.X, message.Y)) : nullptr;
+    if (object == nullptr)
+        return;
+    ContextNode = object->GetToolNode();
+    TMenu menu;
+    FillContextMenu(menu);
+    menu.Track(*this, message.X, message.Y);
+}
+
+void TGraphWindow::FillContextMenu(TMenu& menu)
+{
+    menu.AddItem(MenuFocusNodeGroup, "Focus Node Group");
+    menu.AddItem(MenuInsertNode, "Insert Node...");
+}
+
+void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
+{
+    // Neither of the menu's entries does anything yet.
+    if (code == CC_MENU && (argument == MenuFocusNodeGroup || argument == MenuInsertNode))
+        ContextNode = nullptr;
+    else
+        TWindow::OnCommand(control, argument, code);
+}
+
+bool TGraphWindow::OnEscape()
+{
+    if (DocWindow->IsTypeDragging()) {
+        DocWindow->CancelDrag();
+        return true;
+    }
+    if (CancelDrag())
+        return true;
+    if (GetScene().GetCanvas().IsDragging()) {
+        GetScene().GetCanvas().CancelDrag();
+        return true;
+    }
+    const bool isCaptured = TRenderObject::GetCapture() != nullptr;
+    TRenderObject::ReleaseCapture();
+    return isCaptured;
+}
+
+void TGraphWindow::OnWheel(const TMessage& message)
+{
+    ViewFocus.Stop();
+    TGraphView view = GetView();
+    view.Zoom(message.X, message.Y, message.Delta);
+    SetView(view);
+}
+
+void TGraphWindow::SetView(const TGraphView& view)
+{
+    if (view == GetView())
+        return;
+    Renderer.SetOffset(view.GetOffset());
+    Renderer.SetScale(view.GetScale());
+    Redraw();
+}
+
+void TGraphWindow::OnMouseMove(int x, int y, int buttons)
+{
+    if (State == GS_PANNING) {
+        if ((buttons & GetPanMask()) == 0) {
+            constexpr int ClickDistance = 2;
+            DraggedFar = abs(x - PixelStart[0]) > ClickDistance;
+            EndPan();
+            return;
+        }
+        TGraphView view = GetView();
+        view.PanTo(x, y, PanStart);
+        SetView(view);
+    } else if (State == GS_BOXSELECT) {
+        if ((buttons & MB_LEFT) == 0) {
+            EndBox();
+            SelectInBox();
+            return;
+        }
+        EdgeScroll(x, y);
+        SelBox.Extend(PixelToWorld(x, y));
+        DocWindow->GetWindows().RedrawGraphs();
+    }
+}
+
+void TGraphWindow::BeginPan(int x, int y)
+{
+    if (TWimp::Get().GetMouseDrag() != nullptr)
+        return;
+    State = GS_PANNING;
+    PixelStart[0] = x;
+    PixelStart[1] = y;
+    GetView().GetPanStart(x, y, PanStart);
+    ViewFocus.Stop();
+    SetCapture();
+    TWimp::Get().SetMouseDrag(this);
+    SetCursor(CU_HAND);
+}
+
+void TGraphWindow::EndPan()
+{
+    State = GS_IDLE;
+    TWimp::Get().ClearMouseDrag();
+    ReleaseCapture();
+    SetCursor(CU_CLASS);
+}
+
+void TGraphWindow::BeginBox(int x, int y)
+{
+    State = GS_BOXSELECT;
+    SelBox.Begin(PixelToWorld(x, y));
+    GetScene().GetRoot().AddObject(&SelBox);
+    SetCapture();
+    TWimp::Get().SetMouseDrag(this);
+}
+
+void TGraphWindow::EndBox()
+{
+    State = GS_IDLE;
+    TWimp::Get().ClearMouseDrag();
+    ReleaseCapture();
+    GetScene().GetRoot().RemoveObject(&SelBox);
+    DocWindow->GetWindows().RedrawGraphs();
+}
+
+void TGraphWindow::SelectInBox()
+{
+    constexpr float LeastDiagonal = 1.0f;
+    if (SelBox.GetDiagonal() < LeastDiagonal)
+        return;
+    TVector2 min;
+    TVector2 max;
+    SelBox.GetBox(min, max);
+    TDocument& document = GetDocument();
+    const TEffectGraph& graph = *document.GetGraph();
+    for (int i = 0; i < graph.GetNumNodes(); ++i) {
+        TToolNode* node = static_cast<TToolNode*>(graph.GetNode(i));
+        const TNodeObj* object = GetScene().FindNode(node);
+        if (object != nullptr && !node->IsSelected() && object->OverlapsBox(min, max))
+            document.SelectNode(node, false);
+    }
+}
+
+bool TGraphWindow::CancelDrag()
+{
+    switch (State) {
+    case GS_PANNING:
+        EndPan();
+        // Its button is still to be released, which is no click.
+        DraggedFar = true;
+        return true;
+    case GS_BOXSELECT:
+        EndBox();
+        return true;
+    case GS_IDLE:
+        break;
+    }
+    return false;
+}
+
+void TGraphWindow::EdgeScroll(int x, int y)
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    TGraphView view = GetView();
+    if (view.ScrollAtEdge(x, y, width, height, EdgeMargin)) {
+        ViewFocus.Stop();
+        SetView(view);
+    }
+}
+
+void TGraphWindow::BuildGhost(const TNodeType& type)
+{
+    GhostNode.BuildFor(type);
+}
+
+void TGraphWindow::ShowGhost(int x, int y)
+{
+    GhostPosition = PixelToWorld(x, y) - GhostNode.GetSize() * 0.5f;
+    GhostNode.SetOrigin(GhostPosition);
+    if (!GhostShown)
+        GetScene().GetRoot().AddObject(&GhostNode);
+    GhostShown = true;
+    DocWindow->GetWindows().RedrawGraphs();
+}
+
+void TGraphWindow::HideGhost()
+{
+    if (!GhostShown)
+        return;
+    GetScene().GetRoot().RemoveObject(&GhostNode);
+    GhostShown = false;
+    DocWindow->GetWindows().RedrawGraphs();
+}
+
+void TGraphWindow::Focus(const vector<TToolNode*>& nodes, bool animate)
+{
+    constexpr float Far = 1e30f;
+    ASSERT(!nodes.empty());
+    TVector2 min(Far, Far);
+    TVector2 max(-Far, -Far);
+    for (const TToolNode* node : nodes) {
+        const TNodeObj* object = GetScene().FindNode(node);
+        if (object == nullptr)
+            continue;
+        TVector2 nodeMin;
+        TVector2 nodeMax;
+        object->GetRectangle(nodeMin, nodeMax);
+        for (int i = 0; i < 2; ++i) {
+            min[i] = nodeMin[i] < min[i] ? nodeMin[i] : min[i];
+            max[i] = nodeMax[i] > max[i] ? nodeMax[i] : max[i];
+        }
+    }
+    if (min[0] > max[0])
+        return;
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    TGraphView view = GetView();
+    view.Frame(min, max, width, height);
+    if (animate) {
+        ViewFocus.Start(GetView(), view, width, height);
+        return;
+    }
+    ViewFocus.Stop();
+    SetView(view);
+}
+
+void TGraphWindow::OnIdle()
+{
+    if (!ViewFocus.IsRunning())
+        return;
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    TGraphView view = GetView();
+    ViewFocus.Step(view, width, height);
+    SetView(view);
+}
+
+void TGraphWindow::OnDrop(int x, int y, const char* path)
+{
+    ScreenToClient(x, y);
+    const TNodeObj* object = GetScene().NodeAt(PixelToWorld(x, y));
+    TNodeRampParameter* ramp = object != nullptr ? FindAnimatedRamp(*object->GetToolNode()) : nullptr;
+    if (ramp == nullptr) {
+        ShowMessage("Drag vori file to shaper node or graph to load animation file");
+        return;
+    }
+    vector<TRampPoint> curves[TNodeRampParameter::MaxDimensions];
+    const TAnimation* animation = GetAnimation(path);
+    if (animation == nullptr)
+        return;
+    GetAnimationCurves(*animation, *ramp, object->GetToolNode()->GetNodeType(), curves);
+    GetDocument().ApplyOperation(new TRampChangeAllPointsOp(ramp, curves));
+}

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "library/wimp/gl/renderer.h"
+#include "library/wimp/keyboardshortcut.h"
+#include "library/wimp/wimp.h"
+#include "library/wimp/window.h"
+#include "particles/cindermill/interface/graph/nodeexp.h"
+#include "particles/cindermill/interface/graph/selboxrender.h"
+#include "particles/cindermill/interface/graphview.h"
+
+class TDocument;
+class TDocWindow;
+class TGraphScene;
+class TMenu;
+class TNodeType;
+class TToolNode;
+
+// One view of a document's graph, with a pan and a zoom of its own.
+class TGraphWindow : public TWindow, public TMouseDrag
+{
+public:
+    enum TState
+    {
+        GS_IDLE = 0,
+        GS_PANNING = 1,
+        GS_BOXSELECT = 5
+    };
+
+    TGraphWindow();
+    ~TGraphWindow() override;
+    // Shares OpenGL's objects with another view's renderer, if there is one.
+    bool Create(TDocWindow& docWindow, TWindow& owner, const TRenderer* shareWith);
+    bool OnMessage(const TMessage& message) override;
+    void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
+    // The pan, or the box of a selection.
+    void OnMouseMove(int x, int y, int buttons) override;
+
+    // Shows all of the nodes. Asserts "!nodes.empty()".
+    void Focus(const vector<TToolNode*>& nodes, bool animate);
+    // One step of a running animation.
+    void OnIdle();
+    // A file dropped at a place of the screen.
+    void OnDrop(int x, int y, const char* path);
+
+    // During a drag: scrolls if the pixel lies close to an edge.
+    void EdgeScroll(int x, int y);
+    // The picture of a type that is being dragged in, around a pixel.
+    void BuildGhost(const TNodeType& type);
+    void ShowGhost(int x, int y);
+    void HideGhost();
+    bool IsGhostShown() const { return GhostShown; }
+    const TVector2& GetGhostPosition() const { return GhostPosition; }
+    // Ends a pan or a box without effect. False if none runs.
+    bool CancelDrag();
+
+    TVector2 PixelToWorld(int x, int y) const { return GetView().PixelToWorld(x, y); }
+    TGraphView GetView() const { return TGraphView(Renderer.GetOffset(), Renderer.GetScale()); }
+    void SetView(const TGraphView& view);
+    TRenderer& GetRenderer() { return Renderer; }
+    TState GetState() const { return State; }
+    bool IsFocusing() const { return ViewFocus.IsRunning(); }
+    // What the menu of a node holds: number 118.
+    static void FillContextMenu(TMenu& menu);
+
+private:
+    TDocument& GetDocument() const;
+    TGraphScene& GetScene() const;
+    void AddShortcuts();
+    bool OnFileShortcut(int code);
+    bool OnEditShortcut(int code);
+    bool OnClipboardShortcut(int code);
+    void OnFocus();
+    void OnLeftDown(const TMessage& message);
+    void OnRightUp(const TMessage& message);
+    bool OnEscape();
+    void OnWheel(const TMessage& message);
+    void BeginPan(int x, int y);
+    void EndPan();
+    void BeginBox(int x, int y);
+    void EndBox();
+    void SelectInBox();
+
+    TDocWindow* DocWindow = nullptr;
+    TRenderer Renderer;
+    TState State = GS_IDLE;
+    int PanStart[2] = {};
+    int PixelStart[2] = {};
+    // The pan moved so far that the release of its button is no click.
+    bool DraggedFar = false;
+    TSelBoxRender SelBox;
+    TNodeExp GhostNode;
+    bool GhostShown = false;
+    TVector2 GhostPosition = TVector2(0, 0);
+    // The node of the open context menu.
+    TToolNode* ContextNode = nullptr;
+    TKeyboardShortcut Shortcuts;
+    TViewFocus ViewFocus;
+};

@@ -1,0 +1,148 @@
+#include "particles/cindermill/interface/mainwindow.h"
+
+#include "library/system/path.h"
+#include "particles/cindermill/main/cindermillapp.h"
+
+namespace {
+
+constexpr int MainIcon = 117;
+constexpr int Width = 1350;
+constexpr int Height = 950;
+// What is left free beside and above a window on a small screen.
+constexpr int ScreenMarginX = 50;
+constexpr int ScreenMarginY = 100;
+
+// A line of a menu; the one without text separates.
+struct TMenuLine
+{
+    int Id;
+    const char* Text;
+};
+
+constexpr TMenuLine FileMenu[] = {{MI_NEW, "New\tCtrl+N"},
+                                  {MI_OPEN, "Open\tCtrl+O"},
+                                  {0, nullptr},
+                                  {MI_SAVE, "Save\tCtrl+S"},
+                                  {MI_SAVEAS, "Save As\tCtrl+Shift+S"},
+                                  {0, nullptr},
+                                  {MI_EXPORT, "Export..."},
+                                  {MI_PROPERTIES, "File Properties..."},
+                                  {0, nullptr},
+                                  {MI_RECENTFILES, "Recent Files"},
+                                  {0, nullptr},
+                                  {MI_EXIT, "Exit"}};
+constexpr TMenuLine EditMenu[] = {{MI_UNDO, "Undo\tCtrl+Z"},
+                                  {MI_REDO, "Redo\tCtrl+Y"},
+                                  {0, nullptr},
+                                  {MI_CUT, "Cut\tCtrl+X"},
+                                  {MI_COPY, "Copy\tCtrl+C"},
+                                  {MI_PASTE, "Paste\tCtrl+V"},
+                                  {MI_DELETE, "Delete\tDel"},
+                                  {0, nullptr},
+                                  {MI_FOCUSSELECTED, "Focus Selected Nodes\tCtrl+F"},
+                                  {MI_FOCUSALL, "Focus All Nodes\tCtrl+Shift+F"}};
+constexpr TMenuLine ToolsMenu[] = {{MI_NEWVIEW, "New Graph View"},
+                                   {MI_SHOWPARTICLES, "Show Particle Display"}};
+constexpr TMenuLine WindowMenu[] = {{MI_CASCADE, "Cascade"}};
+
+template <int Count>
+void AddLines(TMenu& menu, const TMenuLine (&lines)[Count])
+{
+    for (const TMenuLine& line : lines) {
+        if (line.Text == nullptr)
+            menu.AddSeparator();
+        else if (line.Id == MI_RECENTFILES)
+            menu.AddPopup(line.Text, line.Id);
+        else
+            menu.AddItem(line.Id, line.Text);
+    }
+}
+
+TWindowClass& GetMainWindowClass()
+{
+    static TWindowClass windowClass("pelmark_mainwindow");
+    return windowClass;
+}
+
+} // namespace
+
+bool TMainWindow::Create()
+{
+    TWindowClass& windowClass = GetMainWindowClass();
+    if (!windowClass.IsRegistered())
+        windowClass.Register(MainIcon, 0x808080);
+    int screenWidth = 0;
+    int screenHeight = 0;
+    GetScreenSize(screenWidth, screenHeight);
+    TWindowParams params;
+    params.Class = &windowClass;
+    params.Title = "Cindermill";
+    params.Kind = WK_MAIN;
+    params.Width = Width < screenWidth - ScreenMarginX ? Width : screenWidth - ScreenMarginX;
+    params.Height = Height < screenHeight - ScreenMarginY ? Height : screenHeight - ScreenMarginY;
+    params.X = (screenWidth - params.Width) / 2;
+    params.Y = (screenHeight - params.Height) / 2;
+    BuildMenus();
+    if (!CreateFrame(params, Menu))
+        return false;
+    TString version;
+    TCindermillApp::GetVersion(version);
+    SetStatus(version);
+    DropTarget.Attach(this);
+    AddShortcuts();
+    RebuildRecentFiles(App.GetSettings().GetRecentFiles());
+    return true;
+}
+
+void TMainWindow::BuildMenus()
+{
+    AddLines(Menu.AddPopup("File"), FileMenu);
+    AddLines(Menu.AddPopup("Edit"), EditMenu);
+    AddLines(Menu.AddPopup("Tools"), ToolsMenu);
+    AddLines(Menu.AddPopup("Window"), WindowMenu);
+}
+
+// They work with no document open; the graph views have their own.
+void TMainWindow::AddShortcuts()
+{
+    Shortcuts.Add('O' | SM_CTRL, [](int, void* context) {
+        static_cast<TMainWindow*>(context)->App.OpenDocumentDialog();
+        return true;
+    });
+    Shortcuts.Add('N' | SM_CTRL, [](int, void* context) {
+        static_cast<TMainWindow*>(context)->App.NewDocument();
+        return true;
+    });
+    Shortcuts.Attach(this);
+}
+
+void TMainWindow::RebuildRecentFiles(const vector<TString>& files)
+{
+    TMenu* menu = Menu.FindPopup(MI_RECENTFILES);
+    menu->Clear();
+    for (int i = 0; i < files.size(); ++i) {
+        TString shown;
+        ToShownPath(files[i], shown);
+        menu->InsertItem(0, MI_RECENTFILE + i, shown.Print());
+    }
+}
+
+// Whether the program ends is the application's decision; the window stays until then.
+bool TMainWindow::OnMessage(const TMessage& message)
+{
+    if (message.Type != MT_CLOSE)
+        return TMDIFrame::OnMessage(message);
+    App.ExitRequest();
+    return true;
+}
+
+void TMainWindow::OnCommand(TWimpControl*, intptr_t argument, int code)
+{
+    if (code == CC_MENU) {
+        App.OnMenu(static_cast<int>(argument));
+    } else if (code == CC_DROP) {
+        const TDropPoint point = *reinterpret_cast<const TDropPoint*>(argument);
+        const vector<TString> files = DropTarget.GetFiles();
+        App.OnDropFiles(point.X, point.Y, files);
+    }
+}

@@ -1,0 +1,49 @@
+#include "particles/cindermill/interface/palette.h"
+
+#include "particles/effectgraph/nodetypelibrary.h"
+
+void TPalette::Open(const TNodeTypeLibrary& library)
+{
+    Library = &library;
+    Expanded.clear();
+    for (int i = 0; i < library.GetNumItems(); ++i)
+        Expanded.push_back(1);
+    Rebuild();
+}
+
+void TPalette::Toggle(int item)
+{
+    Expanded[item] = Expanded[item] != 0 ? 0 : 1;
+    Rebuild();
+}
+
+void TPalette::Rebuild()
+{
+    Rows.clear();
+    for (int i = 0; i < Library->GetNumRootItems(); ++i)
+        AddRow(Library->GetRootItemIndex(i), IndentStep, -1);
+}
+
+void TPalette::AddRow(int item, int indent, int parent)
+{
+    const TNodeTypeItem& entry = Library->GetItem(item);
+    const int row = Rows.size();
+    Rows.push_back(TPaletteRow{item, entry.TypeIndex, indent, row * RowHeight, parent});
+    if (entry.TypeIndex != -1 || !IsExpanded(item))
+        return;
+    for (const int child : entry.Children)
+        AddRow(child, indent + IndentStep, row);
+}
+
+int TPalette::FindRow(int y) const
+{
+    return y >= 0 && y < GetHeight() ? y / RowHeight : -1;
+}
+
+int TPalette::FindLastChild(int row) const
+{
+    for (int i = Rows.size() - 1; i > row; --i)
+        if (Rows[i].Parent == row)
+            return i;
+    return -1;
+}

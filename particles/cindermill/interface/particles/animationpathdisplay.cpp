@@ -1,0 +1,54 @@
+#include "particles/cindermill/interface/particles/animationpathdisplay.h"
+
+#include "particles/cindermill/interface/particles/wires.h"
+#include "particles/cindermill/main/animation/animation.h"
+#include "particles/cindermill/main/cindermillapp.h"
+#include "particles/effectgraph/effectgraph.h"
+#include "particles/effectgraph/simpleparameters.h"
+
+static constexpr int NumPoints = 100;
+
+static const TNodeAnimationParameter* FindAnimation(const TEffectNode& node)
+{
+    return node.GetNodeType()->FindParameterOf<TNodeAnimationParameter>("Animation", PK_ANIMATION);
+}
+
+int TAnimationPathDisplay::ClassId()
+{
+    static const int id = RegisterClass(&ConstructClass<TAnimationPathDisplay, TNodeDisplay>,
+                                        "TAnimationPathDisplay", TNodeDisplay::ClassId());
+    return id;
+}
+
+void TAnimationPathDisplay::Init(TEffectNode* node)
+{
+    TNodeDisplay::Init(node);
+    ASSERT_TEXT(FindAnimation(*node) != nullptr, "Param != 0");
+}
+
+// The node itself tells the artist of a file that is missing or broken.
+void TAnimationPathDisplay::Tick()
+{
+    const TNodeAnimationParameter* parameter = FindAnimation(*Node);
+    const TString& name = parameter != nullptr ? parameter->GetFileName() : TString();
+    if (FileName.Compare(name, true) == 0)
+        return;
+    FileName = name;
+    TString path;
+    Animation = nullptr;
+    if (TCindermillApp::Get().GetResourceLocator().Find(FileName, path) != FR_NOTFOUND)
+        Animation = GetAnimation(path);
+}
+
+void TAnimationPathDisplay::Render(const TSceneView&)
+{
+    if (Animation == nullptr)
+        return;
+    TWires wires(GetColour(), TMatrix43(), TWires::WK_STRIP);
+    for (int i = 0; i < NumPoints; ++i) {
+        const float time = static_cast<float>(double(i) * Animation->GetLength() / NumPoints);
+        TPortValue place;
+        Animation->Evaluate(time, AT_POSITION, place.GetFloats());
+        wires.Point(TVector3(place[0], place[1], place[2]));
+    }
+}

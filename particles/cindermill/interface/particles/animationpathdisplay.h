@@ -1,0 +1,22 @@
+#pragma once
+
+#include "library/containers/string.h"
+#include "particles/cindermill/interface/particles/spacedisplay.h"
+
+class TAnimation;
+
+// The way that an animation takes.
+class TAnimationPathDisplay : public TSpaceDisplay
+{
+public:
+    static int ClassId();
+    void Init(TEffectNode* node) override;
+    // Takes the parameter's file when it is another than before.
+    void Tick() override;
+    void Render(const TSceneView& view) override;
+
+private:
+    // The shared one of the file; null if it cannot be had.
+    const TAnimation* Animation = nullptr;
+    TString FileName;
+};

@@ -1,0 +1,18 @@
+#include "particles/cindermill/interface/particles/displays.h"
+
+#include "particles/cindermill/interface/particles/animationpathdisplay.h"
+#include "particles/cindermill/interface/particles/attractordisplay.h"
+#include "particles/cindermill/interface/particles/collisionplanedisplay.h"
+#include "particles/cindermill/interface/particles/griddisplay.h"
+#include "particles/cindermill/interface/particles/spheresurfacedisplay.h"
+#include "particles/cindermill/interface/particles/volumedisplay.h"
+
+void RegisterDisplayClasses()
+{
+    TAttractorDisplay::ClassId();
+    TCollisionPlaneDisplay::ClassId();
+    TGridDisplay::ClassId();
+    TSphereSurfaceDisplay::ClassId();
+    TVolumeDisplay::ClassId();
+    TAnimationPathDisplay::ClassId();
+}

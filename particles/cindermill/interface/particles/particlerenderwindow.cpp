@@ -1,0 +1,169 @@
+#include "particles/cindermill/interface/particles/particlerenderwindow.h"
+
+#include "library/system/clock.h"
+#include "library/wimp/gl/glcontext.h"
+#include "library/wimp/gl/sceneview.h"
+#include "particles/cindermill/main/cindermillapp.h"
+
+#include <GL/glew.h>
+
+static TWindowClass RenderClass("cindermill_particlewindow_render");
+static constexpr TGDIColour RenderBackground = 0xCCCCCC;
+
+// The settings' camera modes.
+enum TCameraMode
+{
+    CM_MAYA,
+    CM_QUAKE
+};
+
+// By TCameraKey.
+static constexpr int KeyCodes[CK_NUMKEYS] = {KEY_SHIFT, KEY_CTRL, KEY_ALT,    KEY_LEFT,    KEY_RIGHT,
+                                             KEY_UP,    KEY_DOWN, KEY_PAGEUP, KEY_PAGEDOWN};
+
+// A flight does not leap after a stall.
+static constexpr uint32_t MaxCameraStep = 100;
+
+bool TParticleRenderWindow::Create(TWindow* owner, TDocument& document)
+{
+    if (!RenderClass.IsRegistered())
+        RenderClass.Register(0, RenderBackground, true);
+    Doc = &document;
+    LastUpdate = GetTickCount();
+    TWindowParams params;
+    params.Class = &RenderClass;
+    params.Owner = owner;
+    params.Kind = WK_GLCHILD;
+    return TWindow::Create(params);
+}
+
+void TParticleRenderWindow::Tick()
+{
+    SetActiveCamera();
+    const uint32_t now = GetTickCount();
+    const uint32_t elapsed = now - LastUpdate;
+    LastUpdate = now;
+    UpdateCamera(static_cast<float>((elapsed < MaxCameraStep ? elapsed : MaxCameraStep) / 1000.0));
+    Scene.Tick(*Doc);
+    if (!NeedsRedraw)
+        Redraw();
+    NeedsRedraw = true;
+}
+
+void TParticleRenderWindow::SetActiveCamera()
+{
+    TCamera* wanted = &MayaCamera;
+    if (TCindermillApp::Get().GetSettings().GetCameraMode() == CM_QUAKE)
+        wanted = &QuakeCamera;
+    if (wanted != Camera)
+        wanted->OnButtons(Camera->GetButtons());
+    Camera = wanted;
+}
+
+void TParticleRenderWindow::UpdateCamera(float seconds)
+{
+    TCameraInput input;
+    input.Moved = Moved;
+    input.Keys = Keys;
+    input.Seconds = seconds;
+    int width = 0;
+    GetSize(width, input.Height);
+    Camera->Update(input);
+    Moved = TVector3(0, 0, 0);
+}
+
+bool TParticleRenderWindow::OnMessage(const TMessage& message)
+{
+    switch (message.Type) {
+    case MT_PAINT:
+        Paint();
+        return true;
+    case MT_SIZE:
+        Redraw();
+        return true;
+    case MT_KEYDOWN:
+    case MT_KEYUP:
+        OnKey(message.Key, message.Type == MT_KEYDOWN);
+        return true;
+    case MT_LEFTDOWN:
+    case MT_MIDDLEDOWN:
+    case MT_RIGHTDOWN:
+    case MT_LEFTUP:
+    case MT_MIDDLEUP:
+    case MT_RIGHTUP:
+        OnButtons(message, message.Type == MT_LEFTDOWN || message.Type == MT_MIDDLEDOWN ||
+                               message.Type == MT_RIGHTDOWN);
+        return true;
+    case MT_MOUSEMOVE:
+        OnMouseMove(message);
+        return true;
+    case MT_WHEEL:
+        Camera->OnWheel(message.Delta);
+        UpdateCamera(0);
+        return true;
+    case MT_FOCUSLOST:
+        // Nobody will tell when the keys are let go.
+        for (bool& key : Keys)
+            key = false;
+        return true;
+    default:
+        return TWindow::OnMessage(message);
+    }
+}
+
+void TParticleRenderWindow::OnKey(int key, bool down)
+{
+    for (int i = 0; i < CK_NUMKEYS; ++i)
+        if (KeyCodes[i] == key)
+            Keys[i] = down;
+    if (key == 'R' && down)
+        Camera->Reset();
+}
+
+// What was moved before belongs to the buttons that were held until now.
+void TParticleRenderWindow::OnButtons(const TMessage& message, bool down)
+{
+    UpdateCamera(0);
+    LastX = message.X;
+    LastY = message.Y;
+    if (down) {
+        TakeFocus();
+        SetCapture();
+    } else if (message.Buttons == 0) {
+        ReleaseCapture();
+    }
+    Keys[CK_SHIFT] = (message.KeyFlags & KF_SHIFT) != 0;
+    Keys[CK_CTRL] = (message.KeyFlags & KF_CTRL) != 0;
+    Keys[CK_ALT] = (message.KeyFlags & KF_ALT) != 0;
+    Camera->OnButtons(message.Buttons);
+}
+
+void TParticleRenderWindow::OnMouseMove(const TMessage& message)
+{
+    if (message.Buttons != 0) {
+        Moved[0] += static_cast<float>(message.X - LastX);
+        Moved[1] += static_cast<float>(message.Y - LastY);
+    }
+    LastX = message.X;
+    LastY = message.Y;
+}
+
+void TParticleRenderWindow::Paint()
+{
+    NeedsRedraw = false;
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    if (width <= 0 || height <= 0 || !MakeCurrent() || !InitGl())
+        return;
+    FlushGlDeletions();
+    glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, GetFrameBuffer());
+    glViewport(0, 0, width, height);
+    TMatrix4 worldView;
+    TMatrix4 projection;
+    Camera->GetView(worldView);
+    TCamera::GetProjection(static_cast<float>(width) / static_cast<float>(height), projection);
+    TSceneView view;
+    view.Set(worldView, projection);
+    Scene.Draw(*Doc, view);
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "library/wimp/window.h"
+#include "particles/cindermill/interface/particles/camera.h"
+#include "particles/cindermill/interface/particles/particlescene.h"
+
+class TDocument;
+
+// The preview's view of the effect, with a camera that the mouse and the keys move.
+class TParticleRenderWindow : public TWindow
+{
+public:
+    // False if the window system refuses.
+    bool Create(TWindow* owner, TDocument& document);
+    // Moves the camera that the settings choose by what has come in, and asks for a repaint.
+    void Tick();
+    const TCamera& GetCamera() const { return *Camera; }
+
+    bool OnMessage(const TMessage& message) override;
+
+private:
+    void SetActiveCamera();
+    void UpdateCamera(float seconds);
+    void OnKey(int key, bool down);
+    void OnButtons(const TMessage& message, bool down);
+    void OnMouseMove(const TMessage& message);
+    void Paint();
+
+    TDocument* Doc = nullptr;
+    TQuakeCamera QuakeCamera;
+    TMayaCamera MayaCamera;
+    TCamera* Camera = &MayaCamera;
+    TParticleScene Scene;
+    // Since the last update, in pixels.
+    TVector3 Moved = TVector3(0, 0, 0);
+    bool Keys[CK_NUMKEYS] = {};
+    // A repaint has been asked for and has not come yet.
+    bool NeedsRedraw = false;
+    uint32_t LastUpdate = 0;
+    int LastX = 0;
+    int LastY = 0;
+};

@@ -1,0 +1,91 @@
+#include "particles/cindermill/interface/particles/particlescene.h"
+
+#include "library/wimp/gl/glcontext.h"
+#include "library/wimp/gl/sceneview.h"
+#include "particles/cindermill/graph/nodedisplay.h"
+#include "particles/cindermill/interface/particles/wires.h"
+#include "particles/cindermill/main/displayerrors.h"
+#include "particles/cindermill/main/document.h"
+
+#include <GL/glew.h>
+
+static const TVector4 GridGrey(0.5f, 0.5f, 0.5f, 1);
+static const TVector4 GridBlack(0, 0, 0, 1);
+static constexpr float Background = 0.8f;
+static constexpr float GridCells = 5.0f;
+
+// From edge to edge of the ground, both ways.
+static void DrawGroundLines(TWires& wires, int i)
+{
+    const float place = static_cast<float>(i) / GridCells;
+    wires.Line(TVector3(place, 0, -1), TVector3(place, 0, 1));
+    wires.Line(TVector3(-1, 0, place), TVector3(1, 0, place));
+}
+
+// What a stage that stopped halfway may have left switched on.
+static void SwitchStagesOff()
+{
+    constexpr GLenum states[] = {GL_VERTEX_PROGRAM_ARB, GL_FRAGMENT_PROGRAM_ARB, GL_BLEND,
+                                 GL_ALPHA_TEST,         GL_DEPTH_TEST,           GL_CULL_FACE,
+                                 GL_POLYGON_OFFSET_FILL};
+    for (const GLenum state : states)
+        glDisable(state);
+}
+
+void TParticleScene::Tick(TDocument& document)
+{
+    for (const auto& entry : document.GetNodeDisplays())
+        entry.first->Tick();
+    if (Faults.empty())
+        return;
+    DisplayErrors("Schedule errors", Faults);
+    Faults.Clear();
+}
+
+void TParticleScene::Draw(TDocument& document, const TSceneView& view)
+{
+    // Otherwise the depth buffer would not be cleared.
+    glDepthMask(GL_TRUE);
+    glClearColor(Background, Background, Background, 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glDepthMask(GL_FALSE);
+    LineProgram.Bind(view);
+    for (const auto& entry : document.GetNodeDisplays())
+        entry.first->Render(view);
+    LineProgram.Unbind();
+    DrawParticles(document, view);
+    LineProgram.Bind(view);
+    glEnable(GL_DEPTH_TEST);
+    glDepthFunc(GL_LEQUAL);
+    DrawGroundGrid();
+    glDisable(GL_DEPTH_TEST);
+    LineProgram.Unbind();
+    glDepthMask(GL_TRUE);
+    CheckGlError();
+}
+
+void TParticleScene::DrawParticles(TDocument& document, const TSceneView& view)
+{
+    TEffectExec& engine = document.GetEngine();
+    if (!engine.IsInited())
+        return;
+    TString text;
+    if (RunGuarded([&] { engine.Render(view); }, text))
+        return;
+    SwitchStagesOff();
+    engine.Clear();
+    Faults.Add(new TError("%s", text.Print()));
+}
+
+void TParticleScene::DrawGroundGrid()
+{
+    {
+        TWires grey(GridGrey, TMatrix43());
+        for (int i = -4; i <= 4; ++i)
+            if (i != 0)
+                DrawGroundLines(grey, i);
+    }
+    TWires black(GridBlack, TMatrix43());
+    for (int i = -5; i <= 5; i += 5)
+        DrawGroundLines(black, i);
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "particles/cindermill/interface/particles/spacedisplay.h"
+
+// The shape that points are tested against, where both its place and its size are fixed.
+class TVolumeDisplay : public TSpaceDisplay
+{
+public:
+    static int ClassId();
+    void Init(TEffectNode* node) override;
+    void Render(const TSceneView& view) override;
+};

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "library/containers/string.h"
+#include "library/containers/vector.h"
+
+class TDocWindow;
+class TDocumentHost;
+class TWindow;
+
+// A line of a chooser's list of kinds.
+struct TPathFilter
+{
+    const char* Description;
+    const char* Pattern;
+};
+
+// The buttons of the Modified Files dialog.
+enum TModifiedAnswer
+{
+    MA_YES,
+    MA_NO,
+    MA_CANCEL
+};
+
+// What the application asks of its windows. Messages, questions and error lists have forms of their own:
+// ShowMessage, AskQuestion and DisplayErrors.
+class TAppHost
+{
+public:
+    virtual ~TAppHost() = default;
+
+    // The windows of a document that is about to be made. The application deletes them with the document,
+    // which has told them to close by then.
+    virtual TDocumentHost* CreateDocumentHost() = 0;
+
+    // Choosers; false on Cancel. A null directory is the one last chosen from with these filters. The one for
+    // opening takes files that exist; the one for saving asks nothing about those that do.
+    virtual bool ChooseOpenPath(const char* title, const vector<TPathFilter>& filters, const char* directory,
+                                TString& path) = 0;
+    virtual bool ChooseSavePath(const char* title, const vector<TPathFilter>& filters, const char* directory,
+                                TString& path) = 0;
+    virtual bool ChooseFolder(const char* title, TString& path) = 0;
+    virtual TModifiedAnswer AskModifiedFiles(const vector<TString>& names) = 0;
+    // The File Properties dialog.
+    virtual void ShowProperties(const char* text) = 0;
+    virtual void Beep() = 0;
+
+    // Makes the Recent Files menu anew; oldest first, the newest stands on top.
+    virtual void RebuildRecentFiles(const vector<TString>& files) = 0;
+    virtual void FocusSelected(TDocWindow& window) = 0;
+    virtual void FocusAll(TDocWindow& window) = 0;
+    // Places the document windows in a cascade.
+    virtual void Cascade() = 0;
+    // The window at a place of the screen, or null.
+    virtual TWindow* WindowFromPoint(int x, int y) = 0;
+    // Ends the message loop at its next turn.
+    virtual void Quit() = 0;
+};

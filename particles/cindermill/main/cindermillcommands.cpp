@@ -1,0 +1,387 @@
+// What the menus, the choosers, the recent files and dropped files do: which document a command goes to, and
+// the questions that stand between a command and the disc.
+
+#include "library/system/file.h"
+#include "library/system/message.h"
+#include "library/system/path.h"
+#include "particles/cindermill/graph/tooledge.h"
+#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/main/apphost.h"
+#include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/document.h"
+#include "particles/cindermill/main/documenthost.h"
+
+namespace {
+
+// Each kind stands for itself in the choosers' lists.
+vector<TPathFilter> MakeFilters(const char* pattern)
+{
+    vector<TPathFilter> filters;
+    filters.push_back(TPathFilter{pattern, pattern});
+    filters.push_back(TPathFilter{"*.*", "*.*"});
+    return filters;
+}
+
+TString ShownPath(const char* path)
+{
+    TString shown;
+    ToShownPath(path, shown);
+    return shown;
+}
+
+TString GetShownName(const TDocument& document)
+{
+    return document.GetPath().IsEmpty() ? TString("<unsaved document>") : ShownPath(document.GetPath());
+}
+
+// The kind of file that was chosen, where the name does not tell one.
+void AddMissingExtension(TString& path, const char* extension)
+{
+    TString name;
+    name.SetFileName(path);
+    if (name.Find('.') == -1)
+        path += extension;
+}
+
+void TellWriteFailed(const char* path)
+{
+    ShowMessage("Writing %s failed. What the file held before is untouched, and the effect is not saved.",
+                ShownPath(path).Print());
+}
+
+} // namespace
+
+bool TCindermillApp::OnMenu(int id)
+{
+    switch (id) {
+    case MI_NEW:
+        NewDocument();
+        return true;
+    case MI_OPEN:
+        OpenDocumentDialog();
+        return true;
+    case MI_SAVE:
+        SaveActive();
+        return true;
+    case MI_SAVEAS:
+        SaveActiveAs();
+        return true;
+    case MI_EXPORT:
+        ExportActive();
+        return true;
+    case MI_EXIT:
+        ExitRequest();
+        return true;
+    case MI_CASCADE:
+        Host->Cascade();
+        return true;
+    default:
+        return OnRecentFile(id) || OnDocumentMenu(id);
+    }
+}
+
+// The list changes while its entry is opened.
+bool TCindermillApp::OnRecentFile(int id)
+{
+    const int index = id - MI_RECENTFILE;
+    if (index < 0 || index >= Settings.GetRecentFiles().size())
+        return false;
+    const TString path = Settings.GetRecentFiles()[index];
+    OpenDocument(path);
+    return true;
+}
+
+// Commands to the active document, and to nobody where there is none.
+bool TCindermillApp::OnDocumentMenu(int id)
+{
+    TDocument* document = ActiveDocument;
+    switch (id) {
+    case MI_PROPERTIES:
+        if (document != nullptr) {
+            TString report;
+            document->GetReport(report);
+            Host->ShowProperties(report.Print());
+        }
+        return true;
+    case MI_UNDO:
+        if (document != nullptr && document->CanUndo())
+            document->Undo();
+        return true;
+    case MI_REDO:
+        if (document != nullptr && document->CanRedo())
+            document->Redo();
+        return true;
+    case MI_CUT:
+        if (document != nullptr)
+            document->CutSelection();
+        return true;
+    case MI_COPY:
+        if (document != nullptr)
+            document->CopySelection();
+        return true;
+    case MI_PASTE:
+        if (document != nullptr)
+            document->Paste();
+        return true;
+    case MI_DELETE:
+        // The graph view deletes: the key reaches it by itself.
+        return true;
+    default:
+        return OnViewMenu(id);
+    }
+}
+
+bool TCindermillApp::OnViewMenu(int id)
+{
+    switch (id) {
+    case MI_FOCUSSELECTED:
+        if (ActiveDocWindow != nullptr)
+            Host->FocusSelected(*ActiveDocWindow);
+        return true;
+    case MI_FOCUSALL:
+        if (ActiveDocWindow != nullptr)
+            Host->FocusAll(*ActiveDocWindow);
+        return true;
+    case MI_NEWVIEW:
+        if (ActiveDocument != nullptr)
+            ActiveDocument->GetHost()->NewView(*ActiveDocument);
+        return true;
+    case MI_SHOWPARTICLES:
+        if (ActiveDocument != nullptr)
+            ActiveDocument->GetHost()->ShowParticleWindow(*ActiveDocument);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TCindermillApp::AddRecentFile(const char* path)
+{
+    Settings.AddRecentFile(path);
+    Host->RebuildRecentFiles(Settings.GetRecentFiles());
+}
+
+bool TCindermillApp::NewDocument()
+{
+    return AddDocument(nullptr);
+}
+
+bool TCindermillApp::OpenDocument(const char* path)
+{
+    const TString kept(path);
+    if (!AddDocument(kept))
+        return false;
+    AddRecentFile(kept);
+    return true;
+}
+
+// The views of a document make themselves the active ones while it is made.
+bool TCindermillApp::AddDocument(const char* path)
+{
+    TDocWindow* const activeWindow = ActiveDocWindow;
+    TDocument* const activeDocument = ActiveDocument;
+    TDocument* document = new TDocument(*this, Host->CreateDocumentHost());
+    if (path == nullptr ? document->New() : document->Load(path)) {
+        Documents.push_back(document);
+        return true;
+    }
+    const TString reason = document->GetLoadError();
+    DeleteDocument(document);
+    SetActiveDocWindow(activeWindow, activeDocument);
+    if (path != nullptr && !reason.IsEmpty())
+        ShowMessage("%s cannot be opened: %s", ShownPath(path).Print(), reason.Print());
+    return false;
+}
+
+void TCindermillApp::OpenDocumentDialog()
+{
+    TString path;
+    if (ChooseEffect(true, "Select load path", path))
+        OpenDocument(path);
+}
+
+// Until the user has chosen a place of his own, effects are looked for among the samples.
+bool TCindermillApp::ChooseEffect(bool open, const char* title, TString& path)
+{
+    TString samples;
+    const bool begin = open && !EffectChosen && FindFolder("samples", samples);
+    const char* directory = begin ? samples.c_str() : nullptr;
+    const vector<TPathFilter> filters = MakeFilters("*.effect");
+    const bool chosen = open ? Host->ChooseOpenPath(title, filters, directory, path)
+                             : Host->ChooseSavePath(title, filters, directory, path);
+    EffectChosen = EffectChosen || chosen;
+    return chosen;
+}
+
+void TCindermillApp::SaveActive()
+{
+    if (ActiveDocument != nullptr)
+        Save(*ActiveDocument);
+}
+
+void TCindermillApp::SaveActiveAs()
+{
+    if (ActiveDocument != nullptr)
+        SaveAs(*ActiveDocument);
+}
+
+// False if the file is locked and stays so.
+bool TCindermillApp::MakeWritable(const char* path, const char* purpose)
+{
+    if (!FileExists(path) || FileIsWritable(path))
+        return true;
+    if (!AskQuestion("%s is locked. Unlock and overwrite?", ShownPath(path).Print()))
+        return false;
+    if (ClearReadOnly(path))
+        return true;
+    ShowMessage("Unlock of %s failed. Cannot %s.", ShownPath(path).Print(), purpose);
+    return false;
+}
+
+bool TCindermillApp::ConfirmOverwrite(const char* path)
+{
+    return !FileExists(path) || AskQuestion("%s exists. Overwrite?", ShownPath(path).Print());
+}
+
+// The result of the write is told to the user and counts for nothing here.
+bool TCindermillApp::Save(TDocument& document)
+{
+    if (document.GetPath().IsEmpty())
+        return SaveAs(document);
+    const TString path = document.GetPath();
+    if (!MakeWritable(path, "save"))
+        return false;
+    AddRecentFile(path);
+    if (!document.Save())
+        TellWriteFailed(path);
+    return true;
+}
+
+bool TCindermillApp::SaveAs(TDocument& document)
+{
+    TString path;
+    if (!ChooseEffect(false, "Select save path", path))
+        return false;
+    AddMissingExtension(path, ".effect");
+    if (!ConfirmOverwrite(path) || !MakeWritable(path, "save"))
+        return false;
+    AddRecentFile(path);
+    if (!document.SaveAs(path))
+        TellWriteFailed(path);
+    return true;
+}
+
+void TCindermillApp::ExportActive()
+{
+    TDocument* document = ActiveDocument;
+    if (document == nullptr || !document->EnsureSchedule())
+        return;
+    TString path;
+    if (!Host->ChooseSavePath("Select export path", MakeFilters("*.efx"), nullptr, path))
+        return;
+    AddMissingExtension(path, ".efx");
+    if (ConfirmOverwrite(path) && MakeWritable(path, "export"))
+        document->Export(path);
+}
+
+void TCindermillApp::CloseDocument(TDocument* document)
+{
+    if (document->IsModified()) {
+        vector<TDocument*> documents;
+        documents.push_back(document);
+        if (!SettleModified(documents))
+            return;
+    }
+    if (document == ActiveDocument)
+        SetActiveDocWindow(nullptr, nullptr);
+    TDocument** it = Documents.find(document);
+    ASSERT_TEXT(it != Documents.end(), "it != Documents.end()");
+    Documents.erase(it);
+    DeleteDocument(document);
+}
+
+void TCindermillApp::DeleteDocument(TDocument* document)
+{
+    TDocumentHost* host = document->GetHost();
+    delete document;
+    delete host;
+}
+
+void TCindermillApp::ExitRequest()
+{
+    vector<TDocument*> modified;
+    for (TDocument* document : Documents)
+        if (document->IsModified())
+            modified.push_back(document);
+    if (!modified.empty()) {
+        Host->Beep();
+        if (!SettleModified(modified))
+            return;
+    }
+    Host->Quit();
+}
+
+// Whether the documents may go. One that was to be saved and could not be written stays: its work is nowhere
+// else.
+bool TCindermillApp::SettleModified(const vector<TDocument*>& documents)
+{
+    vector<TString> names;
+    for (const TDocument* document : documents)
+        names.push_back(GetShownName(*document));
+    const TModifiedAnswer answer = Host->AskModifiedFiles(names);
+    if (answer != MA_YES)
+        return answer == MA_NO;
+    for (TDocument* document : documents)
+        if (!Save(*document) || document->IsModified())
+            return false;
+    return true;
+}
+
+void TCindermillApp::OnDropFiles(int x, int y, const vector<TString>& files)
+{
+    for (const TString& file : files) {
+        TString extension;
+        extension.SetExtension(file);
+        if (extension.Compare("effect") == 0) {
+            OpenDocument(file);
+        } else if (extension.Compare("vori") == 0 && !DropAnimation(x, y, file)) {
+            ShowMessage("Drag vori file onto document window to load");
+            return;
+        }
+    }
+}
+
+bool TCindermillApp::DropAnimation(int x, int y, const char* file)
+{
+    TWindow* window = Host->WindowFromPoint(x, y);
+    for (int i = 0; window != nullptr && i < Documents.size(); ++i) {
+        TDocumentHost* host = Documents[i]->GetHost();
+        if (!host->OwnsWindow(window))
+            continue;
+        host->OnDrop(*Documents[i], window, x, y, file);
+        return true;
+    }
+    return false;
+}
+
+void TCindermillApp::CopyToClipboard(const vector<TToolNode*>& nodes)
+{
+    Clipboard.Copy(nodes);
+}
+
+// The clipboard's own nodes move along, so that repeated pasting cascades.
+void TCindermillApp::PasteFromClipboard(TDocument& document, vector<TToolNode*>& nodes)
+{
+    constexpr int Step = 10;
+    for (TToolNode* source : Clipboard.GetNodes()) {
+        source->MoveBy(Step, Step);
+        TToolNode* node = new TToolNode;
+        node->Create(&document, *source->GetNodeType(), source->GetX(), source->GetY(), false);
+        nodes.push_back(node);
+    }
+    for (const TClipboard::TEdge& record : Clipboard.GetEdges()) {
+        TToolEdge* edge = new TToolEdge;
+        edge->Connect(nodes[record.SrcNode], record.SrcPort, nodes[record.DstNode], record.DstPort);
+        edge->AttachEnds();
+    }
+}

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Draws the pictures that are compiled into the program from their sources: `resources/render.sh`, after one
+# of the .svg files has changed. Needs rsvg-convert (librsvg2-bin).
+set -euo pipefail
+cd "$(dirname "$0")/pictures"
+
+draw() { # picture, size, suffix of the file's name
+    rsvg-convert -w "$2" -h "$2" "$1.svg" -o "$1$3.png"
+}
+
+for icon in 101 117; do
+    draw $icon 32 ""
+    for size in 16 48 128; do
+        draw $icon $size "-$size"
+    done
+done
+for glyph in 104 105; do draw $glyph 12 ""; done
+for box in 107 108; do draw $box 10 ""; done
+for button in 130 131 132; do draw $button 16 ""; done
+for pointer in 140 141; do draw $pointer 32 ""; done

@@ -1,0 +1,250 @@
+#include "library/wimp/dialog.h"
+
+#include "library/containers/assertion.h"
+#include "library/system/message.h"
+#include "library/wimp/filechooser.h"
+#include "support/windowtest.h"
+
+#include <QtCore/QTimer>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListWidget>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QPushButton>
+
+namespace {
+
+class TDialogTest : public TWindowTest
+{
+protected:
+    // What is done to the dialog that waits next.
+    static void Meet(const std::function<void(QDialog&)>& work)
+    {
+        QTimer::singleShot(30, [work] {
+            QDialog* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            work(*dialog);
+            if (dialog->isVisible())
+                dialog->reject();
+        });
+    }
+    static void Press(QDialog& dialog, const char* name)
+    {
+        QPushButton* button = dialog.findChild<QPushButton*>(name);
+        ASSERT_NE(button, nullptr);
+        button->click();
+    }
+};
+
+class TMessageTest : public TDialogTest
+{
+protected:
+    void SetUp() override { InstallMessageForms(); }
+    void TearDown() override { SetMessageForms(nullptr, nullptr); }
+};
+
+class TFileChooserTest : public TDialogTest
+{
+protected:
+    void SetUp() override
+    {
+        Filters.push_back(TFileFilter{"*.effect", "*.effect"});
+        Filters.push_back(TFileFilter{"*.*", "*.*"});
+        WriteBytes(Folder.Path("a.effect"), "x");
+    }
+    // Types a name and presses the chooser's button.
+    static void Choose(QDialog& dialog, const std::string& name)
+    {
+        QLineEdit* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
+        ASSERT_NE(edit, nullptr);
+        edit->setText(QString::fromStdString(name));
+        QTest::keyClick(edit, Qt::Key_Return);
+    }
+
+    TTempFolder Folder;
+    vector<TFileFilter> Filters;
+    TString Path;
+};
+
+} // namespace
+
+TEST_F(TDialogTest, AListDialogShowsItsLines)
+{
+    vector<TString> lines;
+    lines.push_back("Group 1: too many particles");
+    lines.push_back("");
+    Meet([](QDialog& dialog) {
+        EXPECT_EQ(dialog.objectName(), QString("dialog103"));
+        EXPECT_EQ(dialog.windowTitle(), QString("Schedule errors"));
+        const QListWidget* list = dialog.findChild<QListWidget*>("list");
+        ASSERT_NE(list, nullptr);
+        ASSERT_EQ(list->count(), 2);
+        EXPECT_EQ(list->item(0)->text(), QString("Group 1: too many particles"));
+        EXPECT_EQ(dialog.findChild<QPushButton*>("button0")->text(), QString("OK"));
+        Press(dialog, "button0");
+    });
+    ListDialog(103, "Schedule errors", lines);
+}
+
+TEST_F(TDialogTest, ATextDialogShowsItsText)
+{
+    Meet([](QDialog& dialog) {
+        QPlainTextEdit* page = dialog.findChild<QPlainTextEdit*>("text");
+        ASSERT_NE(page, nullptr);
+        EXPECT_EQ(page->toPlainText(), QString("one\ntwo"));
+        EXPECT_TRUE(page->isReadOnly());
+        Press(dialog, "button0");
+    });
+    TextDialog(108, "File Properties", "one\ntwo");
+}
+
+TEST_F(TDialogTest, AChoiceIsTheNumberOfItsButton)
+{
+    vector<TString> lines;
+    lines.push_back("a.effect");
+    vector<TString> buttons;
+    for (const char* text : {"Yes", "No", "Cancel"})
+        buttons.push_back(text);
+    for (int i = 0; i < 3; ++i) {
+        Meet([i](QDialog& dialog) {
+            EXPECT_EQ(dialog.findChild<QLabel*>("text")->text(),
+                      QString("Save changes to the following files?"));
+            Press(dialog, QString("button%1").arg(i).toLatin1().constData());
+        });
+        EXPECT_EQ(ChoiceDialog(110, "Modified Files", "Save changes to the following files?", lines, buttons),
+                  i);
+    }
+}
+
+TEST_F(TDialogTest, ClosingAChoiceIsItsLastButton)
+{
+    vector<TString> buttons;
+    for (const char* text : {"Yes", "No", "Cancel"})
+        buttons.push_back(text);
+    Meet([](QDialog& dialog) { dialog.close(); });
+    EXPECT_EQ(ChoiceDialog(110, "Modified Files", "?", vector<TString>(), buttons), 2);
+    Meet([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    EXPECT_EQ(ChoiceDialog(110, "Modified Files", "?", vector<TString>(), buttons), 2);
+}
+
+TEST_F(TMessageTest, AnInformationHasAWarningIconAndOneButton)
+{
+    Meet([](QDialog& dialog) {
+        const QMessageBox* box = qobject_cast<QMessageBox*>(&dialog);
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->objectName(), QString("message"));
+        EXPECT_EQ(box->windowTitle(), QString("Message"));
+        EXPECT_EQ(box->icon(), QMessageBox::Warning);
+        EXPECT_EQ(box->standardButtons(), QMessageBox::Ok);
+        EXPECT_EQ(box->text(), QString("<b> 3"));
+        EXPECT_EQ(box->textFormat(), Qt::PlainText);
+    });
+    ShowMessage("<b> %d", 3);
+}
+
+TEST_F(TMessageTest, AQuestionIsTrueForOkOnly)
+{
+    const auto answer = [](QMessageBox::StandardButton button) {
+        return [button](QDialog& dialog) {
+            QMessageBox* box = qobject_cast<QMessageBox*>(&dialog);
+            ASSERT_NE(box, nullptr);
+            EXPECT_EQ(box->objectName(), QString("question"));
+            EXPECT_EQ(box->windowTitle(), QString("Message"));
+            EXPECT_EQ(box->standardButtons(), QMessageBox::Ok | QMessageBox::Cancel);
+            box->button(button)->click();
+        };
+    };
+    Meet(answer(QMessageBox::Ok));
+    EXPECT_TRUE(AskQuestion("%s exists. Overwrite?", "a.effect"));
+    Meet(answer(QMessageBox::Cancel));
+    EXPECT_FALSE(AskQuestion("?"));
+    Meet([](QDialog& dialog) { dialog.close(); });
+    EXPECT_FALSE(AskQuestion("?"));
+}
+
+TEST_F(TMessageTest, AMessageTakesTheMouseFromWhoeverHasIt)
+{
+    TWindowClass windowClass("test_dialog");
+    TRecordingWindow window;
+    ShowTopWindow(window, windowClass);
+    window.SetCapture();
+    Meet([](QDialog&) { EXPECT_EQ(QWidget::mouseGrabber(), nullptr); });
+    ShowMessage("x");
+}
+
+TEST_F(TFileChooserTest, OpeningGivesTheFileChosen)
+{
+    Meet([this](QDialog& dialog) {
+        EXPECT_EQ(dialog.objectName(), QString("filechooser"));
+        EXPECT_EQ(dialog.windowTitle(), QString("Select load path"));
+        EXPECT_EQ(dynamic_cast<QFileDialog&>(dialog).nameFilters().size(), 2);
+        Choose(dialog, Folder.Path("a.effect"));
+    });
+    ASSERT_TRUE(OpenFileChooser("Select load path", Filters, Folder.GetFolder().c_str(), Path));
+    EXPECT_EQ(Text(Path), Folder.Path("a.effect"));
+}
+
+TEST_F(TFileChooserTest, OpeningRequiresAnExistingFile)
+{
+    Meet([this](QDialog& dialog) {
+        // The chooser says so in a box of its own.
+        QTimer::singleShot(30, [] {
+            if (QMessageBox* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+                box->close();
+        });
+        Choose(dialog, Folder.Path("none.effect"));
+        EXPECT_TRUE(dialog.isVisible());
+    });
+    EXPECT_FALSE(OpenFileChooser("Select load path", Filters, Folder.GetFolder().c_str(), Path));
+}
+
+TEST_F(TFileChooserTest, SavingTakesNewAndExistingNamesWithoutAsking)
+{
+    for (const char* name : {"new", "a.effect"}) {
+        Meet([&](QDialog& dialog) { Choose(dialog, Folder.Path(name)); });
+        ASSERT_TRUE(SaveFileChooser("Select save path", Filters, Folder.GetFolder().c_str(), Path));
+        EXPECT_EQ(Text(Path), Folder.Path(name));
+    }
+}
+
+TEST_F(TFileChooserTest, CancelLeavesThePath)
+{
+    Path = "before";
+    Meet([](QDialog& dialog) { dialog.reject(); });
+    EXPECT_FALSE(SaveFileChooser("Select save path", Filters, nullptr, Path));
+    EXPECT_EQ(Text(Path), "before");
+}
+
+TEST_F(TFileChooserTest, TheLastDirectoryIsKeptForEachListOfFilters)
+{
+    Filters.push_back(TFileFilter{"only here", "*.kept"});
+    Meet([this](QDialog& dialog) { Choose(dialog, Folder.Path("b")); });
+    ASSERT_TRUE(SaveFileChooser("x", Filters, nullptr, Path));
+    const auto directory = [](QDialog& dialog) {
+        return dynamic_cast<QFileDialog&>(dialog).directory().path();
+    };
+    Meet([&](QDialog& dialog) { EXPECT_EQ(directory(dialog).toStdString(), Folder.GetFolder()); });
+    OpenFileChooser("x", Filters, nullptr, Path);
+    vector<TFileFilter> others;
+    others.push_back(TFileFilter{"others", "*.never"});
+    Meet([&](QDialog& dialog) { EXPECT_NE(directory(dialog).toStdString(), Folder.GetFolder()); });
+    OpenFileChooser("x", others, nullptr, Path);
+    Meet([&](QDialog& dialog) { EXPECT_EQ(directory(dialog), QString("/")); });
+    OpenFileChooser("x", Filters, "/", Path);
+}
+
+TEST_F(TFileChooserTest, AFolderIsChosen)
+{
+    Meet([this](QDialog& dialog) {
+        EXPECT_EQ(dialog.objectName(), QString("folderchooser"));
+        EXPECT_EQ(dialog.windowTitle(), QString("Select nodes directory"));
+        Choose(dialog, Folder.GetFolder());
+    });
+    ASSERT_TRUE(FolderChooser("Select nodes directory", Path));
+    EXPECT_EQ(Text(Path), Folder.GetFolder());
+}

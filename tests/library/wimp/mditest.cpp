@@ -1,0 +1,356 @@
+#include "library/wimp/mdi.h"
+
+#include "library/wimp/keyboardshortcut.h"
+#include "library/wimp/menu.h"
+#include "library/wimp/wimp.h"
+#include "support/windowtest.h"
+
+#include <QtGui/QAction>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMainWindow>
+#include <QtWidgets/QMdiArea>
+#include <QtWidgets/QMdiSubWindow>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
+
+#include <memory>
+
+namespace {
+
+class TRecordingFrame : public TMDIFrame
+{
+public:
+    bool OnMessage(const TMessage& message) override
+    {
+        if (message.Type == MT_CLOSE)
+            ++Closes;
+        return message.Type == MT_CLOSE && StaysOpen;
+    }
+    void OnCommand(TWimpControl* control, intptr_t argument, int code) override
+    {
+        if (code == CC_MENU)
+            Chosen.push_back(static_cast<int>(argument));
+        TMDIFrame::OnCommand(control, argument, code);
+    }
+    int Closes = 0;
+    bool StaysOpen = true;
+    std::vector<int> Chosen;
+};
+
+class TMDIFrameTest : public TWindowTest
+{
+protected:
+    void SetUp() override
+    {
+        TMenu& file = Menu.AddPopup("File");
+        file.AddItem(57600, "New\tCtrl+N");
+        file.AddPopup("Recent Files", 40009);
+        Menu.AddPopup("Window").AddItem(57650, "Cascade");
+        TWindowParams params;
+        params.Class = &Class;
+        params.Title = "Cindermill";
+        params.X = 30;
+        params.Y = 20;
+        params.Width = 900;
+        params.Height = 600;
+        ASSERT_TRUE(Frame.CreateFrame(params, Menu));
+        Frame.Show();
+        Frame.BringToTop();
+        Settle();
+    }
+
+    bool MakeChild(TWindow& child, const char* title)
+    {
+        TWindowParams params;
+        params.Class = &ChildClass;
+        params.Title = title;
+        params.Owner = &Frame;
+        params.Kind = WK_MDICHILD;
+        params.X = 50;
+        params.Y = 50;
+        params.Width = 400;
+        params.Height = 300;
+        if (!child.Create(params))
+            return false;
+        child.Show();
+        Settle();
+        return true;
+    }
+
+    QMainWindow* Main() { return qobject_cast<QMainWindow*>(Frame.GetHandle()); }
+    QMenu* WindowMenu()
+    {
+        QMenu* list = Main()->menuBar()->actions()[1]->menu();
+        emit list->aboutToShow();
+        return list;
+    }
+
+    TWindowClass Class{"test_mainwindow"};
+    TWindowClass ChildClass{"test_document"};
+    TMenu Menu;
+    TRecordingFrame Frame;
+};
+
+} // namespace
+
+TEST_F(TMDIFrameTest, TheMainWindowStandsAsGiven)
+{
+    EXPECT_EQ(Main()->objectName(), QString("test_mainwindow"));
+    EXPECT_EQ(Main()->windowTitle(), QString("Cindermill"));
+    EXPECT_EQ(Main()->pos(), QPoint(30, 20));
+    EXPECT_EQ(Main()->size(), QSize(900, 600));
+    EXPECT_EQ(Frame.GetType(), 1);
+}
+
+TEST_F(TMDIFrameTest, AFrameMakesAnMDIApplicationUntilItGoes)
+{
+    EXPECT_TRUE(TWimp::Get().IsMDIApp());
+    EXPECT_NE(TWimp::Get().GetMDIClient(), nullptr);
+    Frame.Destroy();
+    EXPECT_FALSE(TWimp::Get().IsMDIApp());
+}
+
+TEST_F(TMDIFrameTest, MenuItemsReportToTheFrame)
+{
+    Main()->findChild<QAction*>("menu57600")->trigger();
+    ASSERT_EQ(Frame.Chosen.size(), 1u);
+    EXPECT_EQ(Frame.Chosen[0], 57600);
+    Menu.FindPopup(40009)->InsertItem(0, 40010, "x.effect");
+    QMenu* recent = Main()->menuBar()->actions()[0]->menu()->actions()[1]->menu();
+    ASSERT_NE(recent, nullptr);
+    recent->actions()[0]->trigger();
+    EXPECT_EQ(Frame.Chosen.back(), 40010);
+}
+
+TEST_F(TMDIFrameTest, ARecentFileMayRebuildItsOwnMenu)
+{
+    class TRebuilding : public TRecordingFrame
+    {
+    };
+    Menu.FindPopup(40009)->InsertItem(0, 40010, "x.effect");
+    QMenu* recent = Main()->menuBar()->actions()[0]->menu()->actions()[1]->menu();
+    QAction* action = recent->actions()[0];
+    QObject::connect(action, &QAction::triggered, [&] {
+        Menu.FindPopup(40009)->Clear();
+        Menu.FindPopup(40009)->InsertItem(0, 40010, "y.effect");
+    });
+    action->trigger();
+    Settle();
+    ASSERT_EQ(recent->actions().size(), 1);
+    EXPECT_EQ(recent->actions()[0]->text(), QString("y.effect"));
+}
+
+TEST_F(TMDIFrameTest, TheStatusBarHasTwoParts)
+{
+    Frame.SetStatus("Cindermill v0.0");
+    const QLabel* first = Main()->findChild<QLabel*>("status0");
+    const QLabel* second = Main()->findChild<QLabel*>("status1");
+    EXPECT_EQ(first->text(), QString("Cindermill v0.0"));
+    EXPECT_EQ(first->geometry().left() + first->width(), 900 - 150);
+    EXPECT_EQ(second->geometry().left() + second->width(), 900 - 18);
+    Main()->resize(300, 300);
+    Settle();
+    EXPECT_EQ(first->width(), 150);
+}
+
+TEST_F(TMDIFrameTest, ADocumentWindowStandsInTheClientArea)
+{
+    TRecordingWindow child;
+    ASSERT_TRUE(MakeChild(child, "doc"));
+    QMdiSubWindow* sub = qobject_cast<QMdiSubWindow*>(child.GetHandle()->parentWidget());
+    ASSERT_NE(sub, nullptr);
+    EXPECT_EQ(sub->geometry(), QRect(50, 50, 400, 300));
+    EXPECT_EQ(sub->windowTitle(), QString("doc"));
+    EXPECT_EQ(child.GetHandle()->objectName(), QString("test_document"));
+    EXPECT_EQ(child.GetType(), 1);
+    EXPECT_EQ(Frame.GetActiveChild(), &child);
+}
+
+TEST_F(TMDIFrameTest, ADocumentWindowKnowsItsSizeBeforeItIsShown)
+{
+    TRecordingWindow child;
+    TWindowParams params;
+    params.Class = &ChildClass;
+    params.Owner = &Frame;
+    params.Kind = WK_MDICHILD;
+    params.Width = 400;
+    params.Height = 300;
+    ASSERT_TRUE(child.Create(params));
+    int width = 0;
+    int height = 0;
+    child.GetSize(width, height);
+    EXPECT_GT(width, 360);
+    EXPECT_LE(width, 400);
+    EXPECT_GT(height, 220);
+    EXPECT_LT(height, 300);
+    child.Show();
+    Settle();
+    int shownWidth = 0;
+    int shownHeight = 0;
+    child.GetSize(shownWidth, shownHeight);
+    EXPECT_EQ(width, shownWidth);
+    EXPECT_EQ(height, shownHeight);
+}
+
+TEST_F(TMDIFrameTest, TheWindowMenuListsTheDocumentWindows)
+{
+    TRecordingWindow first;
+    TRecordingWindow second;
+    ASSERT_TRUE(MakeChild(first, "first"));
+    ASSERT_TRUE(MakeChild(second, "R&D"));
+    QMenu* list = WindowMenu();
+    list = WindowMenu();
+    ASSERT_EQ(list->actions().size(), 4);
+    EXPECT_TRUE(list->actions()[1]->isSeparator());
+    EXPECT_EQ(list->actions()[2]->text(), QString("1 first"));
+    EXPECT_FALSE(list->actions()[2]->isChecked());
+    EXPECT_EQ(list->actions()[3]->text(), QString("2 R&&D"));
+    EXPECT_TRUE(list->actions()[3]->isChecked());
+    list->actions()[2]->trigger();
+    EXPECT_EQ(Frame.GetActiveChild(), &first);
+    Frame.Activate(second);
+    EXPECT_EQ(Frame.GetActiveChild(), &second);
+    second.Destroy();
+    EXPECT_EQ(WindowMenu()->actions().size(), 3);
+}
+
+TEST_F(TMDIFrameTest, CascadeLaysTheDocumentWindowsBehindEachOther)
+{
+    TRecordingWindow first;
+    TRecordingWindow second;
+    ASSERT_TRUE(MakeChild(first, "first"));
+    ASSERT_TRUE(MakeChild(second, "second"));
+    const auto place = [](TWindow& window) { return window.GetHandle()->parentWidget()->pos(); };
+    EXPECT_EQ(place(first), place(second));
+    Frame.Cascade();
+    EXPECT_NE(place(first), place(second));
+}
+
+TEST_F(TMDIFrameTest, ClosingADocumentWindowAsksIt)
+{
+    TRecordingWindow child;
+    ASSERT_TRUE(MakeChild(child, "doc"));
+    child.Consumed.push_back(MT_CLOSE);
+    child.GetHandle()->parentWidget()->close();
+    EXPECT_EQ(child.Count(MT_CLOSE), 1);
+    EXPECT_TRUE(child.IsShown());
+    child.Consumed.clear();
+    child.GetHandle()->parentWidget()->close();
+    ASSERT_EQ(child.Commands.size(), 1u);
+    EXPECT_EQ(child.Commands[0].Code, CC_CLOSE);
+}
+
+TEST_F(TMDIFrameTest, ADocumentWindowMayGoInItsClose)
+{
+    TRecordingWindow other;
+    ASSERT_TRUE(MakeChild(other, "other"));
+    auto child = std::make_unique<TRecordingWindow>();
+    ASSERT_TRUE(MakeChild(*child, "doc"));
+    QWidget* sub = child->GetHandle()->parentWidget();
+    child->AnswerCommand = [&](const TRecordingWindow::TCommand&) { child->Destroy(); };
+    sub->close();
+    EXPECT_EQ(child->GetHandle(), nullptr);
+    child.reset();
+    Settle();
+    EXPECT_EQ(Frame.GetActiveChild(), &other);
+}
+
+TEST_F(TMDIFrameTest, ClosingTheMainWindowAsksIt)
+{
+    Main()->close();
+    EXPECT_EQ(Frame.Closes, 1);
+    EXPECT_TRUE(Frame.IsShown());
+    EXPECT_FALSE(TWimp::Get().IsQuitting());
+}
+
+TEST_F(TMDIFrameTest, AMainWindowThatDoesNotCareEndsTheRun)
+{
+    Frame.StaysOpen = false;
+    QMetaObject::invokeMethod(
+        Main(), [this] { Main()->close(); }, Qt::QueuedConnection);
+    TWimp::Get().Run();
+    EXPECT_EQ(Frame.Closes, 1);
+}
+
+TEST_F(TMDIFrameTest, TheFramesShortcutsWorkWithNoDocumentOpen)
+{
+    static int calls;
+    calls = 0;
+    TKeyboardShortcut table;
+    table.Add('O' | SM_CTRL, [](int, void*) { return ++calls > 0; });
+    table.Attach(&Frame);
+    QTest::keyClick(Main(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(calls, 1);
+    TRecordingWindow child;
+    ASSERT_TRUE(MakeChild(child, "doc"));
+    QTest::keyClick(QApplication::focusWidget() != nullptr ? QApplication::focusWidget() : child.GetHandle(),
+                    Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(calls, 2);
+}
+
+TEST_F(TMDIFrameTest, TheFramesEndTakesTheDocumentWindowsAlong)
+{
+    TRecordingWindow child;
+    ASSERT_TRUE(MakeChild(child, "doc"));
+    Frame.Destroy();
+    EXPECT_EQ(child.GetHandle(), nullptr);
+}
+
+TEST_F(TMDIFrameTest, AnOpenGlViewInADocumentWindowGetsTheKeysAndGetsThemBack)
+{
+    TRecordingWindow child;
+    TWindowParams params;
+    params.Class = &ChildClass;
+    params.Owner = &Frame;
+    params.Kind = WK_MDICHILD;
+    params.Width = 300;
+    params.Height = 300;
+    ASSERT_TRUE(child.Create(params));
+    TWindowClass viewClass("test_view");
+    TRecordingWindow palette;
+    TRecordingWindow view;
+    params.Class = &viewClass;
+    params.Owner = &child;
+    params.Kind = WK_CHILD;
+    ASSERT_TRUE(palette.Create(params));
+    palette.MoveTo(200, 0, 50, 50);
+    params.Kind = WK_GLCHILD;
+    ASSERT_TRUE(view.Create(params));
+    view.MoveTo(0, 0, 200, 200);
+    child.Show();
+    ASSERT_TRUE(WaitFor([&] { return view.Count(MT_PAINT) > 0; }));
+    EXPECT_TRUE(WaitFor([&] { return view.HasFocus(); }));
+    TRecordingWindow other;
+    ASSERT_TRUE(MakeChild(other, "other"));
+    EXPECT_FALSE(view.HasFocus());
+    Frame.Activate(child);
+    EXPECT_TRUE(WaitFor([&] { return view.HasFocus(); }));
+}
+
+TEST_F(TMDIFrameTest, APressInsideBringsADocumentWindowToTheFront)
+{
+    TRecordingWindow first;
+    TRecordingWindow second;
+    ASSERT_TRUE(MakeChild(first, "first"));
+    TWindowClass paneClass("test_pane");
+    TRecordingWindow pane;
+    TWindowParams params;
+    params.Class = &paneClass;
+    params.Owner = &first;
+    ASSERT_TRUE(pane.Create(params));
+    ASSERT_TRUE(MakeChild(second, "second"));
+    ASSERT_EQ(Frame.GetActiveChild(), &second);
+    QTest::mouseClick(pane.GetHandle(), Qt::LeftButton, {}, QPoint(2, 2));
+    EXPECT_EQ(Frame.GetActiveChild(), &first);
+}
+
+TEST_F(TMDIFrameTest, TheScreenHasASize)
+{
+    int width = 0;
+    int height = 0;
+    TMDIFrame::GetScreenSize(width, height);
+    EXPECT_GE(width, 640);
+    EXPECT_GE(height, 480);
+}

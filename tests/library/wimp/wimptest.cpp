@@ -1,0 +1,179 @@
+#include "library/wimp/wimp.h"
+
+#include "library/wimp/windowpeer.h"
+#include "support/windowtest.h"
+
+#include <QtCore/QTimer>
+
+#include <chrono>
+#include <ctime>
+
+namespace {
+
+class TWimpTest : public TWindowTest
+{
+};
+
+class TIdleCounter : public TWimpApp
+{
+public:
+    TIdleCounter()
+    {
+        TWimp::Get().SetApp(this);
+        TWimp::Get().SetIdle(true);
+    }
+    ~TIdleCounter() override
+    {
+        TWimp::Get().SetIdle(false);
+        TWimp::Get().ClearApp();
+    }
+    void OnIdle() override
+    {
+        ++Passes;
+        if (Action)
+            Action();
+    }
+    int Passes = 0;
+    std::function<void()> Action;
+};
+
+class TNoDrag : public TMouseDrag
+{
+    void OnMouseMove(int, int, int) override {}
+};
+
+double Elapsed(const std::chrono::steady_clock::time_point& since)
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
+}
+
+} // namespace
+
+TEST_F(TWimpTest, TheApplicationCanBeSetOnce)
+{
+    TIdleCounter app;
+    EXPECT_EQ(AssertionOf([&] { TWimp::Get().SetApp(&app); }), "WimpApp == 0");
+}
+
+TEST_F(TWimpTest, ADragCanBeSetOnlyWhenNoneRuns)
+{
+    TNoDrag drag;
+    TWimp::Get().SetMouseDrag(&drag);
+    EXPECT_EQ(AssertionOf([&] { TWimp::Get().SetMouseDrag(&drag); }), "MouseDrag == 0");
+    TWimp::Get().ClearMouseDrag();
+    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+}
+
+TEST_F(TWimpTest, TheInstanceIsThereOnceStarted)
+{
+    EXPECT_EQ(BeforeStart, "IsInited() : Wimp not initialised");
+    EXPECT_NE(TWimp::Get().GetInstance(), nullptr);
+}
+
+TEST_F(TWimpTest, TheMDIClientCanBeSetOnceAndClearedByItsHandle)
+{
+    TWindowClass windowClass("test_wimp");
+    TRecordingWindow window;
+    ShowTopWindow(window, windowClass);
+    TWimp& wimp = TWimp::Get();
+    EXPECT_EQ(AssertionOf([&] { wimp.ClearMDIClient(window.GetHandle()); }), "IsMDIApp()");
+    wimp.SetMDIClient(window.GetHandle());
+    EXPECT_EQ(AssertionOf([&] { wimp.SetMDIClient(window.GetHandle()); }), "!IsMDIApp()");
+    EXPECT_EQ(AssertionOf([&] { wimp.ClearMDIClient(nullptr); }), "hwnd == MDIClientHwnd");
+    wimp.ClearMDIClient(window.GetHandle());
+    EXPECT_FALSE(wimp.IsMDIApp());
+}
+
+TEST_F(TWimpTest, QuitEndsTheRun)
+{
+    TIdleCounter app;
+    app.Action = [&] {
+        if (app.Passes == 3)
+            TWimp::Get().Quit();
+    };
+    TWimp::Get().Run();
+    EXPECT_EQ(app.Passes, 3);
+}
+
+TEST_F(TWimpTest, IdlePassesComeWhileNothingHappens)
+{
+    TIdleCounter app;
+    QTimer::singleShot(200, [] { TWimp::Get().Quit(); });
+    TWimp::Get().Run();
+    EXPECT_GT(app.Passes, 50);
+}
+
+TEST_F(TWimpTest, AToolAtRestLeavesTheProcessorAlone)
+{
+    TIdleCounter app;
+    QTimer::singleShot(300, [] { TWimp::Get().Quit(); });
+    const clock_t before = clock();
+    TWimp::Get().Run();
+    EXPECT_LT(static_cast<double>(clock() - before) / CLOCKS_PER_SEC, 0.15);
+}
+
+TEST_F(TWimpTest, NoIdlePassComesWhileAMessageWaits)
+{
+    TWindowClass windowClass("test_wimp");
+    TRecordingWindow window;
+    ShowTopWindow(window, windowClass);
+    TIdleCounter app;
+    std::vector<int> passesAtPaint;
+    window.Answer = [&](const TMessage& message) {
+        if (message.Type == MT_PAINT)
+            passesAtPaint.push_back(app.Passes);
+    };
+    // Each idle pass asks for a paint, and the paint comes before the next pass.
+    app.Action = [&] {
+        window.Redraw();
+        if (app.Passes == 5)
+            TWimp::Get().Quit();
+    };
+    TWimp::Get().Run();
+    ASSERT_GE(passesAtPaint.size(), 4u);
+    for (size_t i = 1; i < passesAtPaint.size(); ++i)
+        EXPECT_EQ(passesAtPaint[i], passesAtPaint[i - 1] + 1);
+}
+
+TEST_F(TWimpTest, WithoutIdleProcessingTheRunWaitsForEvents)
+{
+    TIdleCounter app;
+    TWimp::Get().SetIdle(false);
+    const auto start = std::chrono::steady_clock::now();
+    QTimer::singleShot(50, [] { TWimp::Get().Quit(); });
+    TWimp::Get().Run();
+    EXPECT_GE(Elapsed(start), 0.045);
+    EXPECT_EQ(app.Passes, 0);
+}
+
+TEST_F(TWimpTest, StepDoesNotBlock)
+{
+    Settle();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(TWimp::Get().Step());
+    EXPECT_LT(Elapsed(start), 0.5);
+}
+
+TEST_F(TWimpTest, StepTellsThatTheRunEnds)
+{
+    TIdleCounter app;
+    bool goesOn = true;
+    app.Action = [&] {
+        TWimp::Get().Quit();
+        goesOn = TWimp::Get().Step();
+    };
+    TWimp::Get().Run();
+    EXPECT_FALSE(goesOn);
+}
+
+TEST_F(TWimpTest, AStepInsideAnIdlePassBeginsNoOther)
+{
+    TIdleCounter app;
+    app.Action = [&] {
+        for (int i = 0; i < 20; ++i)
+            TWimp::Get().Step();
+        TWimp::Get().Quit();
+    };
+    TWimp::Get().Run();
+    EXPECT_EQ(app.Passes, 1);
+}

@@ -1,0 +1,310 @@
+#include "library/wimp/gl/glcontext.h"
+#include "particles/cindermill/graph/qdxfragmentprogram.h"
+#include "particles/cindermill/graph/qdxshader.h"
+#include "particles/cindermill/graph/vertexstream.h"
+#include "particles/effectgraph/nametocrc.h"
+#include "qdxmicrocode.h"
+#include "support/gltest.h"
+#include "support/testsupport.h"
+
+#include <GL/glew.h>
+
+namespace {
+
+constexpr int CanvasSize = 16;
+constexpr int PositionOutput = 0;
+constexpr int ColourOutput = 1;
+constexpr int OpcodeUnknown = 1;
+constexpr int OpcodeMov = 1;
+
+TVertexCode MovToOutput(int output, int type, int index)
+{
+    TVertexCode code;
+    code.Vector = OpcodeMov;
+    code.VectorOutput = true;
+    code.Output = output;
+    code.Sources[0].Type = type;
+    code.Attribute = index;
+    code.Constant = index;
+    return code;
+}
+
+// Passes attribute 0 on as the place and a constant's slot as the colour.
+TShoFile VertexFile(int slot)
+{
+    TShoFile file;
+    file.IsFragment = false;
+    file.Attributes = {{NameToCrc("position"), 0}};
+    file.Constants = {{NameToCrc("colour"), 0, 0, slot, {0}}};
+    TVertexCode colour = MovToOutput(ColourOutput, 3, slot);
+    colour.Last = true;
+    file.Microcode = VertexBytes({MovToOutput(PositionOutput, 2, 0), colour});
+    return file;
+}
+
+TFragmentCode MovFrom(TFragmentOperand source)
+{
+    TFragmentCode code;
+    code.Opcode = OpcodeMov;
+    code.Sources[0] = source;
+    code.Value[0] = 1;
+    code.Value[1] = code.Value[2] = 0;
+    code.Value[3] = 1;
+    return code;
+}
+
+// Shows the vertices' colour.
+TShoFile PlainFragmentFile()
+{
+    TShoFile file;
+    file.Microcode = FragmentBytes({MovFrom(Input())});
+    return file;
+}
+
+// Shows the constant "tint", red at first.
+TShoFile TintFragmentFile()
+{
+    TShoFile file;
+    file.Microcode = FragmentBytes({MovFrom(Literal())});
+    file.Constants = {{NameToCrc("tint"), 0, 0, 0, {0}}};
+    file.PatchLists = {{1}};
+    return file;
+}
+
+class TShaderOf : public TQdxShader
+{
+public:
+    explicit TShaderOf(const TShoFile& file)
+    {
+        const std::string bytes = file.Bytes();
+        if (!Parse(Raw(bytes), static_cast<int>(bytes.size())))
+            throw std::runtime_error("not a shader");
+    }
+};
+
+class QdxShaderDraw : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(IsGlReady()) << GetGlFault();
+        vector<TVertexStream::TElement> elements;
+        elements.push_back({TVertexStream::TypeFloat, 2, 0, false});
+        Corners.Init(Data, 4, sizeof Data[0], elements);
+        glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, Canvas.GetFrameBuffer());
+        glViewport(0, 0, CanvasSize, CanvasSize);
+    }
+    // One quad over everything.
+    TPixel Draw(TQdxShader& vertex, TQdxShader& fragment, const float* colour = nullptr)
+    {
+        if (!fragment.Bind() || !vertex.Bind())
+            return TPixel();
+        if (colour != nullptr)
+            vertex.SetConstant(vertex.FindConstant("colour"), colour);
+        vertex.SetVertexStream(0, &Corners, 0);
+        vertex.Draw(GL_QUADS, 0, 4, 1, 4);
+        vertex.Unbind();
+        fragment.Unbind();
+        CheckGlError();
+        return Canvas.Read().At(CanvasSize / 2, CanvasSize / 2);
+    }
+
+    TTestWindow Canvas{CanvasSize, CanvasSize};
+    TVertexStream Corners;
+    float Data[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
+};
+
+constexpr float Green[4] = {0, 1, 0, 1};
+constexpr float Blue[4] = {0, 0, 1, 1};
+
+TEST_F(QdxShaderDraw, AVertexConstantFrom256OnIsTheProgramsOwn)
+{
+    TShaderOf vertex(VertexFile(259));
+    TShaderOf fragment(PlainFragmentFile());
+    EXPECT_TRUE(IsClose(Draw(vertex, fragment, Green), {0, 255, 0, 255}));
+    ASSERT_TRUE(vertex.Bind());
+    float local[4] = {};
+    glGetProgramLocalParameterfvARB(GL_VERTEX_PROGRAM_ARB, 3, local);
+    EXPECT_EQ(local[1], 1);
+    vertex.Unbind();
+}
+
+TEST_F(QdxShaderDraw, ALowerVertexConstantIsTheEnvironments)
+{
+    TShaderOf vertex(VertexFile(7));
+    TShaderOf fragment(PlainFragmentFile());
+    EXPECT_TRUE(IsClose(Draw(vertex, fragment, Blue), {0, 0, 255, 255}));
+    float parameter[4] = {};
+    glGetProgramEnvParameterfvARB(GL_VERTEX_PROGRAM_ARB, 7, parameter);
+    EXPECT_EQ(parameter[2], 1);
+}
+
+TEST_F(QdxShaderDraw, AConstantOfSeveralSlotsTakesFourFloatsForEach)
+{
+    TShoFile file = VertexFile(7);
+    file.Constants[0].Slots = {0, 0};
+    TShaderOf vertex(file);
+    ASSERT_TRUE(vertex.Bind());
+    const float values[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    vertex.SetConstant(0, values);
+    vertex.SetConstant(-1, values);
+    vertex.Unbind();
+    float parameter[4] = {};
+    glGetProgramEnvParameterfvARB(GL_VERTEX_PROGRAM_ARB, 7, parameter);
+    EXPECT_EQ(parameter[0], 1);
+    glGetProgramEnvParameterfvARB(GL_VERTEX_PROGRAM_ARB, 8, parameter);
+    EXPECT_EQ(parameter[3], 8);
+}
+
+TEST_F(QdxShaderDraw, DefaultConstantsAreSentByEachBind)
+{
+    TShoFile green = VertexFile(256);
+    green.Defaults = {{256, {0, 1, 0, 1}}};
+    TShoFile blue = VertexFile(256);
+    blue.Defaults = {{256, {0, 0, 1, 1}}};
+    // Of the same instructions, so that they share a program.
+    TShaderOf greenVertex(green);
+    TShaderOf blueVertex(blue);
+    ASSERT_EQ(greenVertex.GetVertexProgram(), blueVertex.GetVertexProgram());
+    TShaderOf fragment(PlainFragmentFile());
+    EXPECT_TRUE(IsClose(Draw(greenVertex, fragment), {0, 255, 0, 255}));
+    EXPECT_TRUE(IsClose(Draw(blueVertex, fragment), {0, 0, 255, 255}));
+    EXPECT_TRUE(IsClose(Draw(greenVertex, fragment), {0, 255, 0, 255}));
+}
+
+TEST_F(QdxShaderDraw, AFragmentConstantIsSentByTheNextBind)
+{
+    TShaderOf vertex(VertexFile(256));
+    TShaderOf fragment(TintFragmentFile());
+    EXPECT_TRUE(IsClose(Draw(vertex, fragment), {255, 0, 0, 255}));
+    fragment.SetConstant(0, Green);
+    EXPECT_TRUE(IsClose(Draw(vertex, fragment), {0, 255, 0, 255}));
+    const TFragmentVariant* variant = fragment.GetFragmentProgram()->FindVariant(0);
+    ASSERT_NE(variant, nullptr);
+    EXPECT_EQ(variant->ConstantVersion, fragment.GetFragmentProgram()->GetConstantVersion());
+    fragment.SetConstant(0, Blue);
+    EXPECT_NE(variant->ConstantVersion, fragment.GetFragmentProgram()->GetConstantVersion());
+    EXPECT_TRUE(IsClose(Draw(vertex, fragment), {0, 0, 255, 255}));
+}
+
+TEST_F(QdxShaderDraw, ConstantsThatHaveNotChangedAreNotSentAgain)
+{
+    TShaderOf vertex(VertexFile(256));
+    TShaderOf fragment(TintFragmentFile());
+    Draw(vertex, fragment);
+    ASSERT_TRUE(fragment.Bind());
+    glProgramLocalParameter4fvARB(GL_FRAGMENT_PROGRAM_ARB, 0, Green);
+    fragment.Unbind();
+    EXPECT_TRUE(IsClose(Draw(vertex, fragment), {0, 255, 0, 255}));
+}
+
+TEST_F(QdxShaderDraw, UnbindSwitchesTheTargetOff)
+{
+    TShaderOf vertex(VertexFile(256));
+    TShaderOf fragment(PlainFragmentFile());
+    vertex.Bind();
+    EXPECT_TRUE(glIsEnabled(0x8620));
+    vertex.SetVertexStream(0, &Corners, 0);
+    vertex.Unbind();
+    EXPECT_FALSE(glIsEnabled(0x8620));
+    EXPECT_EQ(vertex.GetVertexStream(0).Buffer, nullptr);
+    fragment.Bind();
+    EXPECT_TRUE(glIsEnabled(0x8804));
+    fragment.Unbind();
+    EXPECT_FALSE(glIsEnabled(0x8804));
+}
+
+TEST_F(QdxShaderDraw, OnlyAVertexProgramDraws)
+{
+    TShaderOf fragment(PlainFragmentFile());
+    EXPECT_EQ(AssertionOf([&] { fragment.Draw(GL_QUADS, 0, 4, 1, 4); }), "!IsFragmentProgram()");
+}
+
+TEST_F(QdxShaderDraw, ARefusedProgramIsLoggedOnceAndTheRunGoesOn)
+{
+    // An operation that no one knows, and that prints as it stands.
+    TShoFile file = VertexFile(256);
+    TVertexCode unknown;
+    unknown.Scalar = OpcodeUnknown;
+    unknown.Last = true;
+    file.Microcode = VertexBytes({MovToOutput(PositionOutput, 2, 0), unknown});
+    TShaderOf vertex(file);
+    const std::string log = LogOf([&] { EXPECT_FALSE(vertex.Bind()); });
+    EXPECT_EQ(log.find("!!ARBvp1.0\n"), 0u) << log;
+    EXPECT_NE(log.find("???"), std::string::npos);
+    EXPECT_NE(log.find("\nopengl arb shader assemble error at position "), std::string::npos);
+    EXPECT_EQ(LogOf([&] { EXPECT_FALSE(vertex.Bind()); }), "");
+    EXPECT_FALSE(glIsEnabled(GL_VERTEX_PROGRAM_ARB));
+    vertex.Unbind();
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    TShaderOf good(VertexFile(256));
+    TShaderOf fragment(PlainFragmentFile());
+    EXPECT_TRUE(IsClose(Draw(good, fragment, Green), {0, 255, 0, 255}));
+}
+
+TEST_F(QdxShaderDraw, TheDriverIsGivenOptionsThatItKnowsOnly)
+{
+    TShaderOf vertex(VertexFile(256));
+    EXPECT_EQ(LogOf([&] { EXPECT_TRUE(vertex.Bind()); }), "");
+    vertex.Unbind();
+    GLint length = 0;
+    TShaderOf again(VertexFile(256));
+    ASSERT_TRUE(again.Bind());
+    glGetProgramivARB(GL_VERTEX_PROGRAM_ARB, GL_PROGRAM_LENGTH_ARB, &length);
+    std::string text(static_cast<size_t>(length), ' ');
+    glGetProgramStringARB(GL_VERTEX_PROGRAM_ARB, GL_PROGRAM_STRING_ARB, text.data());
+    again.Unbind();
+    EXPECT_EQ(text.find("!!ARBvp1.0\n"), 0u);
+    EXPECT_EQ(text.find("OPTION NV_vertex_program3;") != std::string::npos, HasVendorPrograms());
+}
+
+TEST_F(QdxShaderDraw, AStreamHasABufferOnlyWhileOneIsOfUse)
+{
+    TVertexStream stream;
+    vector<TVertexStream::TElement> elements;
+    elements.push_back({TVertexStream::TypeFloat, 2, 0, false});
+    stream.Init(Data, 4, sizeof Data[0], elements);
+    EXPECT_EQ(stream.GetBufferId(), -1);
+    TVertexStream::SetSoftwareVertices(true);
+    stream.Upload();
+    EXPECT_EQ(stream.GetBufferId(), -1);
+    EXPECT_EQ(stream.BindBuffer(), reinterpret_cast<const uint8_t*>(Data));
+    TVertexStream::SetSoftwareVertices(false);
+    EXPECT_EQ(stream.BindBuffer(), nullptr);
+    EXPECT_NE(stream.GetBufferId(), -1);
+    GLint size = 0;
+    GLint usage = 0;
+    glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
+    glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_USAGE, &usage);
+    EXPECT_EQ(size, stream.GetSize());
+    EXPECT_EQ(usage, 35048);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    Data[0][0] = 5;
+    stream.Upload();
+    stream.BindBuffer();
+    float copy[8] = {};
+    glGetBufferSubData(GL_ARRAY_BUFFER, 0, sizeof copy, copy);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    EXPECT_EQ(copy[0], 5);
+}
+
+TEST_F(QdxShaderDraw, BuffersOfStreamsThatHaveGoneAreFreedByTheNextUpload)
+{
+    unsigned name = 0;
+    {
+        TVertexStream stream;
+        vector<TVertexStream::TElement> elements;
+        elements.push_back({TVertexStream::TypeFloat, 2, 0, false});
+        stream.Init(Data, 4, sizeof Data[0], elements);
+        stream.Upload();
+        name = static_cast<unsigned>(stream.GetBufferId());
+        EXPECT_TRUE(glIsBuffer(name));
+        TTestContext::ClearCurrent();
+    }
+    Canvas.MakeCurrent();
+    EXPECT_TRUE(glIsBuffer(name));
+    Corners.Upload();
+    EXPECT_TRUE(!glIsBuffer(name) || static_cast<unsigned>(Corners.GetBufferId()) == name);
+}
+
+} // namespace

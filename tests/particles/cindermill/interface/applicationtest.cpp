@@ -1,0 +1,40 @@
+#include "particles/cindermill/interface/application.h"
+
+#include "support/windowtest.h"
+
+#include "library/system/message.h"
+#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/main/displayerrors.h"
+#include "particles/effectgraph/error.h"
+
+namespace {
+
+class Application : public TWindowTest
+{
+protected:
+    void TearDown() override
+    {
+        SetMessageForms(nullptr, nullptr);
+        SetDisplayErrors(nullptr);
+    }
+};
+
+} // namespace
+
+TEST_F(Application, EveryTypeWithADisplayGetsOne)
+{
+    TApplication application;
+    TErrorList errors;
+    TCindermillApp& app = TCindermillApp::Get();
+    app.LoadNodeTypes(SourcePath("NodeTypes").c_str(), errors);
+    EXPECT_TRUE(errors.empty());
+    int shown = 0;
+    for (int i = 0; i < app.GetNodeTypes().GetNumTypes(); ++i) {
+        const TNodeType& type = *app.GetNodeTypes().GetType(i);
+        TToolNode node;
+        node.Create(nullptr, type, 0, 0, false);
+        EXPECT_EQ(node.GetDisplay() != nullptr, !type.DisplayClass.IsEmpty()) << Text(type.Name);
+        shown += node.GetDisplay() != nullptr ? 1 : 0;
+    }
+    EXPECT_EQ(shown, 6);
+}

@@ -1,0 +1,210 @@
+#include "docwindowfixture.h"
+
+#include "library/system/message.h"
+#include "library/system/path.h"
+
+namespace {
+
+class DocumentWindows : public DocWindows
+{
+protected:
+    static void CloseView(TDocument& document, int i)
+    {
+        WindowsOf(document).CloseView(WindowsOf(document).GetWindow(i));
+        Settle();
+    }
+    std::string SavedDocument(const char* leaf)
+    {
+        TDocument* document = NewDocument();
+        const std::string path = App.Path(leaf);
+        EXPECT_TRUE(document->SaveAs(path.c_str()));
+        App.Get().CloseDocument(document);
+        return path;
+    }
+};
+
+} // namespace
+
+TEST_F(DocumentWindows, ANewDocumentHasOneActiveViewAndAShownParticleWindow)
+{
+    TDocument* document = NewDocument();
+    ASSERT_NE(document, nullptr);
+    TDocumentWindows& windows = WindowsOf(*document);
+    EXPECT_EQ(windows.GetNumWindows(), 1);
+    EXPECT_EQ(App.Get().GetActiveDocWindow(), windows.GetWindow(0));
+    EXPECT_EQ(App.Get().GetActiveDocument(), document);
+    EXPECT_TRUE(windows.GetWindow(0)->IsShown());
+    EXPECT_TRUE(windows.GetParticleWindow()->IsShown());
+    const vector<TRenderObject*>& drawn = windows.GetScene().GetRoot().GetObjects();
+    ASSERT_EQ(drawn.size(), 2);
+    EXPECT_EQ(drawn[1], &windows.GetScene().GetCanvas());
+}
+
+TEST_F(DocumentWindows, TitlesOfADocumentWithoutPath)
+{
+    TDocument* document = NewDocument();
+    EXPECT_EQ(TitleOf(ViewOf(*document)), "doc");
+    EXPECT_EQ(TitleOf(*WindowsOf(*document).GetParticleWindow()), "Effect Display - [doc]");
+    AddNode(*document, "Gravity", 0, 0);
+    EXPECT_EQ(TitleOf(ViewOf(*document)), "doc*");
+    EXPECT_EQ(TitleOf(*WindowsOf(*document).GetParticleWindow()), "Effect Display - [doc*]");
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    EXPECT_EQ(TitleOf(ViewOf(*document, 0)), "doc [1]*");
+    EXPECT_EQ(TitleOf(ViewOf(*document, 1)), "doc [2]*");
+}
+
+TEST_F(DocumentWindows, ADocumentWithTwoViewsShowsThePathWithOneAndWithTwoAndClosingOneReturnsToTheBarePath)
+{
+    const std::string path = SavedDocument("views.effect");
+    TDocument* document = LoadDocument(path);
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(TitleOf(ViewOf(*document)), path);
+    EXPECT_EQ(TitleOf(*WindowsOf(*document).GetParticleWindow()), "Effect Display - [" + path + "]");
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    Settle();
+    EXPECT_EQ(TitleOf(ViewOf(*document, 0)), path + " [1]");
+    EXPECT_EQ(TitleOf(ViewOf(*document, 1)), path + " [2]");
+    CloseView(*document, 0);
+    EXPECT_EQ(WindowsOf(*document).GetNumWindows(), 1);
+    EXPECT_EQ(TitleOf(ViewOf(*document)), path);
+    document->SetModified(true);
+    EXPECT_EQ(TitleOf(ViewOf(*document)), path + "*");
+    EXPECT_EQ(TitleOf(*WindowsOf(*document).GetParticleWindow()), "Effect Display - [" + path + "*]");
+}
+
+TEST_F(DocumentWindows, ClosingTheActiveViewMakesTheLastOneActive)
+{
+    TDocument* document = NewDocument();
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    Settle();
+    TDocWindow* last = &ViewOf(*document, 2);
+    ViewOf(*document, 0).Activate();
+    WindowsOf(*document).CloseView(&ViewOf(*document, 0));
+    EXPECT_EQ(App.Get().GetActiveDocWindow(), last);
+    // Another view than the active one goes without a word.
+    ViewOf(*document, 1).Activate();
+    WindowsOf(*document).CloseView(&ViewOf(*document, 0));
+    EXPECT_EQ(App.Get().GetActiveDocWindow(), last);
+}
+
+TEST_F(DocumentWindows, ClosingTheLastViewClosesTheDocument)
+{
+    NewDocument();
+    TDocument* document = NewDocument();
+    ASSERT_EQ(App.Get().GetDocuments().size(), 2);
+    ViewOf(*document).GetHandle()->parentWidget()->close();
+    Settle();
+    EXPECT_EQ(App.Get().GetDocuments().size(), 1);
+}
+
+TEST_F(DocumentWindows, TheUserMayKeepAModifiedDocumentOpen)
+{
+    TDocument* document = NewDocument();
+    AddNode(*document, "Gravity", 0, 0);
+    Host.Answer = MA_CANCEL;
+    ViewOf(*document).GetHandle()->parentWidget()->close();
+    Settle();
+    EXPECT_EQ(App.Get().GetDocuments().size(), 1);
+    EXPECT_TRUE(ViewOf(*document).IsShown());
+    Host.Answer = MA_NO;
+    ViewOf(*document).GetHandle()->parentWidget()->close();
+    Settle();
+    EXPECT_EQ(App.Get().GetDocuments().size(), 0);
+    EXPECT_EQ(App.Get().GetActiveDocWindow(), nullptr);
+}
+
+TEST_F(DocumentWindows, AWindowThatIsNotTheDocumentsCannotBeClosedAsAView)
+{
+    TDocument* document = NewDocument();
+    TDocument* other = NewDocument();
+    EXPECT_EQ(AssertionOf([&] { WindowsOf(*document).CloseView(&ViewOf(*other)); }), "Windows[0] == window");
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    EXPECT_EQ(AssertionOf([&] { WindowsOf(*document).CloseView(&ViewOf(*other)); }), "it != Windows.end()");
+}
+
+TEST_F(DocumentWindows, TheFirstViewIsTheFirst)
+{
+    TDocument* document = NewDocument();
+    EXPECT_EQ(AssertionOf([&] { document->GetHost()->CreateView(*document); }), "Windows.size() == 0");
+}
+
+TEST_F(DocumentWindows, ALoadedDocumentShowsAllItsNodes)
+{
+    TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(document, nullptr);
+    EXPECT_TRUE(GraphOf(*document).IsFocusing());
+    for (int i = 0; i < 10; ++i)
+        document->OnIdle();
+    EXPECT_FALSE(GraphOf(*document).IsFocusing());
+    int width = 0;
+    int height = 0;
+    GraphOf(*document).GetSize(width, height);
+    const QRect area(0, 0, width, height);
+    for (int i = 0; i < document->GetGraph()->GetNumNodes(); ++i) {
+        const TToolNode* node = static_cast<TToolNode*>(document->GetGraph()->GetNode(i));
+        EXPECT_TRUE(area.contains(MiddleOf(*document, node)));
+    }
+}
+
+TEST_F(DocumentWindows, ViewsShareTheDrawingAndKeepTheirPanAndZoom)
+{
+    TDocument* document = NewDocument();
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    Settle();
+    Wheel(GraphOf(*document, 0), QPoint(100, 100), 240);
+    EXPECT_NE(GraphOf(*document, 0).GetView().GetScale(), GraphOf(*document, 1).GetView().GetScale());
+    TToolNode* node = AddNode(*document, "Gravity", 50, 50);
+    EXPECT_NE(WindowsOf(*document).GetScene().FindNode(node), nullptr);
+}
+
+TEST_F(DocumentWindows, OwnedWindowsAreThoseOfTheViews)
+{
+    TDocument* document = NewDocument();
+    TDocument* other = NewDocument();
+    TDocWindow& view = ViewOf(*document);
+    EXPECT_TRUE(document->GetHost()->OwnsWindow(&view));
+    EXPECT_TRUE(document->GetHost()->OwnsWindow(&view.GetHeader()));
+    EXPECT_TRUE(document->GetHost()->OwnsWindow(&view.GetGraph()));
+    EXPECT_FALSE(document->GetHost()->OwnsWindow(&ViewOf(*other)));
+    EXPECT_FALSE(document->GetHost()->OwnsWindow(WindowsOf(*document).GetParticleWindow()));
+    EXPECT_FALSE(document->GetHost()->OwnsWindow(nullptr));
+}
+
+TEST_F(DocumentWindows, TheParticleWindowIsShownAgain)
+{
+    TDocument* document = NewDocument();
+    TParticleWindow& window = *WindowsOf(*document).GetParticleWindow();
+    window.Hide();
+    EXPECT_FALSE(window.IsShown());
+    document->GetHost()->ShowParticleWindow(*document);
+    EXPECT_TRUE(window.IsShown());
+}
+
+TEST_F(DocumentWindows, AFileThatIsRefusedLeavesNoWindowAndTheOldActiveView)
+{
+    TDocument* document = NewDocument();
+    const std::string path = App.Path("broken.effect");
+    WriteBytes(path, "no effect");
+    SetMessageForms([](const char*) {}, nullptr);
+    EXPECT_FALSE(App.Get().OpenDocument(path.c_str()));
+    SetMessageForms(nullptr, nullptr);
+    EXPECT_EQ(App.Get().GetActiveDocument(), document);
+    EXPECT_EQ(App.Get().GetActiveDocWindow(), &ViewOf(*document));
+}
+
+TEST_F(DocumentWindows, NodesThatAreGoneForGoodLeaveTheDrawing)
+{
+    TDocument* document = NewDocument();
+    SetView(GraphOf(*document), 0, 0, 1);
+    TToolNode* node = AddNode(*document, "Gravity", 100, 100);
+    Press(GraphOf(*document), MiddleOf(*document, node));
+    Release(GraphOf(*document), MiddleOf(*document, node));
+    while (document->CanUndo())
+        document->Undo();
+    // The redoable tail goes with the next step, and the node with it.
+    AddNode(*document, "Emitter", 100, 100);
+    Settle();
+    Move(GraphOf(*document), QPoint(110, 110), Qt::NoButton);
+    EXPECT_EQ(document->GetGraph()->GetNumNodes(), 1);
+}

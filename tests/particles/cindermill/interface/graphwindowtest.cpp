@@ -1,0 +1,553 @@
+#include "docwindowfixture.h"
+
+#include "library/containers/classregistry.h"
+#include "library/system/message.h"
+#include "particles/cindermill/graph/paramoperations.h"
+#include "particles/cindermill/main/displayerrors.h"
+
+#include <QtCore/QTimer>
+#include <QtGui/QAction>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QMenu>
+
+namespace {
+
+constexpr int PanLeft = 0;
+constexpr int PanMiddle = 1;
+constexpr int PanRight = 2;
+
+// A document with two nodes in a view at scale 1.
+class GraphWindow : public DocWindows
+{
+protected:
+    void SetUp() override
+    {
+        DocWindows::SetUp();
+        Document = NewDocument();
+        ASSERT_NE(Document, nullptr);
+        First = AddNode(*Document, "Emitter", 200, 200);
+        Second = AddNode(*Document, "Gravity", 200, 400);
+        SetView(Graph(), 0, 0, 1);
+        Settle();
+    }
+    TGraphWindow& Graph() { return GraphOf(*Document); }
+    TDocWindow& View() { return ViewOf(*Document); }
+    TVector2 Offset() { return Graph().GetView().GetOffset(); }
+    bool IsSelected(const TToolNode* node) const
+    {
+        return Document->GetSelection().index_of(const_cast<TToolNode*>(node)) != -1;
+    }
+    int NumSelected() const { return Document->GetSelection().size(); }
+    void SetPanButton(int button) { App.Get().GetSettings().SetGraphPanButton(button); }
+    int NumUndoSteps() const
+    {
+        int steps = 0;
+        while (Document->CanUndo()) {
+            Document->Undo();
+            ++steps;
+        }
+        for (int i = 0; i < steps; ++i)
+            Document->Redo();
+        return steps;
+    }
+    // The texts of the menu that the work opens, which is closed again; "" for none.
+    static std::string MenuOf(const std::function<void()>& work)
+    {
+        std::string texts;
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, [&] {
+            QMenu* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (menu == nullptr)
+                return;
+            for (const QAction* action : menu->actions())
+                texts += action->text().toStdString() + "|" + action->objectName().toStdString() + "\n";
+            menu->close();
+        });
+        watch.start(20);
+        work();
+        if (texts.empty())
+            QTest::qWait(60);
+        return texts;
+    }
+    std::string RightClick(const QPoint& at)
+    {
+        return MenuOf([&] {
+            Press(Graph(), at, Qt::RightButton);
+            Release(Graph(), at, Qt::RightButton);
+        });
+    }
+
+    TDocument* Document = nullptr;
+    TToolNode* First = nullptr;
+    TToolNode* Second = nullptr;
+    static inline const QPoint Empty = QPoint(600, 100);
+};
+
+} // namespace
+
+TEST_F(GraphWindow, TheWheelZoomsAboutThePointer)
+{
+    const TVector2 before = Graph().PixelToWorld(300, 200);
+    Wheel(Graph(), QPoint(300, 200), 120);
+    EXPECT_FLOAT_EQ(Graph().GetView().GetScale()[0], 1.06f);
+    const TVector2 after = Graph().PixelToWorld(300, 200);
+    EXPECT_NEAR(after[0], before[0], 1e-3);
+    EXPECT_NEAR(after[1], before[1], 1e-3);
+}
+
+TEST_F(GraphWindow, AZoomStopsARunningFocus)
+{
+    View().FocusAll(true);
+    EXPECT_TRUE(Graph().IsFocusing());
+    Wheel(Graph(), QPoint(300, 200), 120);
+    EXPECT_FALSE(Graph().IsFocusing());
+}
+
+TEST_F(GraphWindow, ALeftDragOnEmptySpacePansByDefault)
+{
+    SetPanButton(PanLeft);
+    Press(Graph(), Empty);
+    EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_PANNING);
+    Move(Graph(), Empty + QPoint(30, -20));
+    EXPECT_EQ(Offset(), TVector2(30, -20));
+    Release(Graph(), Empty + QPoint(30, -20));
+    EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_IDLE);
+    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+    Move(Graph(), Empty, Qt::NoButton);
+    EXPECT_EQ(Offset(), TVector2(30, -20));
+}
+
+TEST_F(GraphWindow, WithControlALeftDragSelects)
+{
+    SetPanButton(PanLeft);
+    Drag(Graph(), QPoint(100, 100), QPoint(500, 300), Qt::LeftButton, Qt::ControlModifier);
+    EXPECT_TRUE(IsSelected(First));
+    EXPECT_FALSE(IsSelected(Second));
+    EXPECT_EQ(Offset(), TVector2(0, 0));
+}
+
+TEST_F(GraphWindow, WithGraphPanButtonOneALeftDragOnEmptySpaceSelectsAndAMiddleDragPans)
+{
+    SetPanButton(PanMiddle);
+    Press(Graph(), QPoint(100, 100));
+    EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_BOXSELECT);
+    Move(Graph(), QPoint(500, 500));
+    Release(Graph(), QPoint(500, 500));
+    EXPECT_EQ(NumSelected(), 2);
+    EXPECT_EQ(Offset(), TVector2(0, 0));
+    Drag(Graph(), QPoint(100, 100), QPoint(140, 90), Qt::MiddleButton);
+    EXPECT_EQ(Offset(), TVector2(40, -10));
+    EXPECT_EQ(NumSelected(), 2);
+}
+
+TEST_F(GraphWindow, OtherButtonsThanTheChosenOneDoNotPan)
+{
+    SetPanButton(PanRight);
+    Drag(Graph(), Empty, Empty + QPoint(30, 0), Qt::MiddleButton);
+    EXPECT_EQ(Offset(), TVector2(0, 0));
+    Drag(Graph(), Empty, Empty + QPoint(30, 0), Qt::RightButton);
+    EXPECT_EQ(Offset(), TVector2(30, 0));
+    SetPanButton(PanMiddle);
+    Drag(Graph(), Empty, Empty + QPoint(30, 0), Qt::RightButton);
+    EXPECT_EQ(Offset(), TVector2(30, 0));
+}
+
+TEST_F(GraphWindow, AClickOnEmptySpaceClearsTheSelection)
+{
+    Document->SelectNode(First, true);
+    Press(Graph(), Empty);
+    EXPECT_EQ(NumSelected(), 0);
+    Release(Graph(), Empty);
+}
+
+TEST_F(GraphWindow, ShiftClickOnEmptySpaceKeepsTheSelectionAndABoxThenAddsToIt)
+{
+    SetPanButton(PanMiddle);
+    Document->SelectNode(First, true);
+    Press(Graph(), Empty, Qt::LeftButton, Qt::ShiftModifier);
+    Release(Graph(), Empty, Qt::LeftButton, Qt::ShiftModifier);
+    EXPECT_TRUE(IsSelected(First));
+    Drag(Graph(), QPoint(100, 350), QPoint(500, 550), Qt::LeftButton, Qt::ShiftModifier);
+    EXPECT_EQ(NumSelected(), 2);
+    EXPECT_TRUE(IsSelected(Second));
+    // A node that was selected is not selected twice.
+    Drag(Graph(), QPoint(100, 100), QPoint(500, 550), Qt::LeftButton, Qt::ShiftModifier);
+    EXPECT_EQ(NumSelected(), 2);
+}
+
+TEST_F(GraphWindow, ABoxWithoutSizeSelectsNothing)
+{
+    SetPanButton(PanMiddle);
+    SetView(Graph(), 0, 0, 7);
+    const QPoint at = PixelOf(Graph(), TVector2(190, 190));
+    Press(Graph(), at);
+    Release(Graph(), at);
+    EXPECT_EQ(NumSelected(), 0);
+    EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_IDLE);
+}
+
+TEST_F(GraphWindow, TheBoxIsPartOfTheDrawingWhileItRuns)
+{
+    SetPanButton(PanMiddle);
+    TRenderObjects& root = WindowsOf(*Document).GetScene().GetRoot();
+    const int before = root.GetObjects().size();
+    Press(Graph(), QPoint(100, 100));
+    EXPECT_EQ(root.GetObjects().size(), before + 1);
+    Move(Graph(), QPoint(200, 200));
+    Release(Graph(), QPoint(200, 200));
+    EXPECT_EQ(root.GetObjects().size(), before);
+}
+
+TEST_F(GraphWindow, ABoxScrollsAtTheEdges)
+{
+    SetPanButton(PanMiddle);
+    Press(Graph(), Empty);
+    Move(Graph(), QPoint(2, 100));
+    EXPECT_GT(Offset()[0], 0.0f);
+    EXPECT_EQ(Offset()[1], 0.0f);
+    Release(Graph(), QPoint(2, 100));
+}
+
+TEST_F(GraphWindow, ARightClickOnANodeOpensItsMenu)
+{
+    SetPanButton(PanLeft);
+    EXPECT_EQ(RightClick(MiddleOf(*Document, First)),
+              "Focus Node Group|menu40215\nInsert Node...|menu40217\n");
+    EXPECT_EQ(RightClick(Empty), "");
+}
+
+TEST_F(GraphWindow, RightClickAfterARightButtonPanOfMoreThanTwoPixelsOpensNoMenu)
+{
+    SetPanButton(PanRight);
+    const QPoint at = MiddleOf(*Document, First);
+    EXPECT_EQ(MenuOf([&] { Drag(Graph(), at, at + QPoint(3, 0), Qt::RightButton); }), "");
+    EXPECT_EQ(Offset(), TVector2(3, 0));
+    // The next click is one again.
+    EXPECT_NE(RightClick(MiddleOf(*Document, First)), "");
+}
+
+TEST_F(GraphWindow, ARightButtonThatMovedTwoPixelsStillClicks)
+{
+    SetPanButton(PanRight);
+    const QPoint at = MiddleOf(*Document, First);
+    EXPECT_NE(MenuOf([&] { Drag(Graph(), at, at + QPoint(2, 0), Qt::RightButton); }), "");
+}
+
+TEST_F(GraphWindow, ALeftButtonPanDoesNotSwallowALaterRightClick)
+{
+    SetPanButton(PanLeft);
+    Drag(Graph(), Empty, Empty + QPoint(50, 0));
+    EXPECT_NE(RightClick(MiddleOf(*Document, First)), "");
+}
+
+TEST_F(GraphWindow, TheReleaseAfterACancelledPanIsNoClick)
+{
+    SetPanButton(PanRight);
+    const QPoint at = MiddleOf(*Document, First);
+    EXPECT_EQ(MenuOf([&] {
+                  Press(Graph(), at, Qt::RightButton);
+                  Key(Graph(), Qt::Key_Escape);
+                  Release(Graph(), at, Qt::RightButton);
+              }),
+              "");
+    EXPECT_NE(RightClick(at), "");
+}
+
+TEST_F(GraphWindow, WhileAnotherButtonPansAPressOnANodeStartsNoDrag)
+{
+    SetPanButton(PanMiddle);
+    const QPoint at = MiddleOf(*Document, Second);
+    Press(Graph(), at, Qt::MiddleButton);
+    TMessage press;
+    press.Type = MT_LEFTDOWN;
+    press.X = at.x();
+    press.Y = at.y();
+    press.Buttons = MB_LEFT | MB_MIDDLE;
+    EXPECT_EQ(AssertionOf([&] { Graph().OnMessage(press); }), "");
+    EXPECT_FALSE(WindowsOf(*Document).GetScene().GetCanvas().IsDragging());
+    Move(Graph(), at + QPoint(20, 0), Qt::LeftButton | Qt::MiddleButton);
+    Release(Graph(), at + QPoint(20, 0));
+    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+    EXPECT_EQ(Second->GetX(), 200);
+}
+
+TEST_F(GraphWindow, NoHelpIsShownUnderARunningDrag)
+{
+    SetPanButton(PanMiddle);
+    TVector2 min;
+    TVector2 max;
+    WindowsOf(*Document).GetScene().FindNode(Second)->GetRectangle(min, max);
+    const QPoint button = PixelOf(Graph(), TVector2(max[0] - 9, min[1] + 8));
+    TMessage hover;
+    hover.Type = MT_TIMER;
+    hover.Timer = 1;
+    Press(Graph(), button, Qt::MiddleButton);
+    Move(Graph(), button, Qt::MiddleButton);
+    Graph().OnMessage(hover);
+    EXPECT_FALSE(WindowsOf(*Document).GetScene().GetHelp().IsShown());
+    Release(Graph(), button, Qt::MiddleButton);
+    Move(Graph(), button, Qt::NoButton);
+    Graph().OnMessage(hover);
+    EXPECT_TRUE(WindowsOf(*Document).GetScene().GetHelp().IsShown());
+}
+
+TEST_F(GraphWindow, EscapeEndsAPanAndABox)
+{
+    SetPanButton(PanLeft);
+    Press(Graph(), Empty);
+    Key(Graph(), Qt::Key_Escape);
+    EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_IDLE);
+    Move(Graph(), Empty + QPoint(30, 0));
+    EXPECT_EQ(Offset(), TVector2(0, 0));
+    Release(Graph(), Empty);
+    SetPanButton(PanMiddle);
+    Press(Graph(), QPoint(100, 100));
+    Move(Graph(), QPoint(500, 500));
+    Key(Graph(), Qt::Key_Escape);
+    EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_IDLE);
+    Release(Graph(), QPoint(500, 500));
+    EXPECT_EQ(NumSelected(), 0);
+    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+}
+
+TEST_F(GraphWindow, EscapeReleasesTheRenderCapture)
+{
+    TRenderObject::SetCapture(&WindowsOf(*Document).GetScene().GetCanvas());
+    Key(Graph(), Qt::Key_Escape);
+    EXPECT_EQ(TRenderObject::GetCapture(), nullptr);
+}
+
+TEST_F(GraphWindow, ALeftClickMakesTheViewTheActiveOneAndTheMouseTarget)
+{
+    TDocument* other = NewDocument();
+    EXPECT_EQ(App.Get().GetActiveDocWindow(), &ViewOf(*other));
+    View().SetMouseTarget(&View().GetTool());
+    Press(Graph(), Empty);
+    Release(Graph(), Empty);
+    EXPECT_EQ(App.Get().GetActiveDocWindow(), &View());
+    EXPECT_EQ(App.Get().GetActiveDocument(), Document);
+    EXPECT_EQ(View().GetMouseTarget(), &Graph());
+    EXPECT_EQ(TRenderObject::GetFocus(), &WindowsOf(*Document).GetScene().GetRoot());
+}
+
+TEST_F(GraphWindow, DeleteAfterABoxDeletesTheSelection)
+{
+    SetPanButton(PanMiddle);
+    Drag(Graph(), QPoint(100, 100), QPoint(500, 550));
+    ASSERT_EQ(NumSelected(), 2);
+    Key(Graph(), Qt::Key_Delete);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 0);
+    Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+}
+
+TEST_F(GraphWindow, FocusOnASingleSmallNodeZoomsToAtMostThree)
+{
+    Document->SelectNode(First, true);
+    View().FocusSelected(false);
+    EXPECT_EQ(Graph().GetView().GetScale(), TVector2(3, 3));
+    int width = 0;
+    int height = 0;
+    Graph().GetSize(width, height);
+    const QPoint middle = MiddleOf(*Document, First);
+    EXPECT_NEAR(middle.x(), width / 2, 2);
+    EXPECT_NEAR(middle.y(), height / 2, 2);
+}
+
+TEST_F(GraphWindow, TenIdlePassesFinishAFocus)
+{
+    View().FocusAll(false);
+    const TGraphView expected = Graph().GetView();
+    SetView(Graph(), 1000, 1000, 0.3f);
+    View().FocusAll(true);
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_TRUE(Graph().IsFocusing());
+        Document->OnIdle();
+    }
+    EXPECT_FALSE(Graph().IsFocusing());
+    EXPECT_FLOAT_EQ(Graph().GetView().GetScale()[0], expected.GetScale()[0]);
+    EXPECT_NEAR(Offset()[0], expected.GetOffset()[0], 0.01f);
+}
+
+TEST_F(GraphWindow, FocusWithoutNodesIsAnAssertion)
+{
+    const vector<TToolNode*> none;
+    EXPECT_EQ(AssertionOf([&] { Graph().Focus(none, false); }), "!nodes.empty()");
+}
+
+TEST_F(GraphWindow, WithNothingSelectedTheShortcutShowsNothingNew)
+{
+    const TGraphView before = Graph().GetView();
+    Key(Graph(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(Graph().GetView(), before);
+    Key(Graph(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_NE(Graph().GetView().GetScale(), before.GetScale());
+    EXPECT_FALSE(Graph().IsFocusing());
+}
+
+TEST_F(GraphWindow, ShortcutsUndoAndRedo)
+{
+    Document->ApplyOperation(new TAddGraphNodeOp(*Document, App.Type("Gravity"), 0, 0));
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+    Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+    Key(Graph(), Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+}
+
+TEST_F(GraphWindow, ShortcutsCopyCutAndPaste)
+{
+    Document->SelectNode(First, true);
+    Key(Graph(), Qt::Key_C, Qt::ControlModifier);
+    Key(Graph(), Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+    Key(Graph(), Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+}
+
+TEST_F(GraphWindow, ShortcutsOfFilesActOnThisDocument)
+{
+    TDocument* other = NewDocument();
+    ASSERT_EQ(App.Get().GetActiveDocument(), other);
+    Host.Taken();
+    Host.Choice = App.Path("shortcut.effect");
+    Key(Graph(), Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(Text(Document->GetPath()), Host.Choice);
+    EXPECT_EQ(App.Get().GetActiveDocument(), Document);
+    Host.Choice = App.Path("as.effect");
+    Key(Graph(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(Text(Document->GetPath()), Host.Choice);
+    Host.Choice = App.Path("shortcut.effect");
+    Key(Graph(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(App.Get().GetDocuments().size(), 3);
+    Key(Graph(), Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(App.Get().GetDocuments().size(), 4);
+}
+
+namespace {
+
+// Stands for the one that a node's panel will have.
+class TTestTextEdit : public TRenderObject
+{
+public:
+    static int ClassId()
+    {
+        static const int id = RegisterClass(nullptr, "TTextEdit", -1);
+        return id;
+    }
+    int GetClassType() const override { return ClassId(); }
+    void Render(TRenderer&) override {}
+    void GetBounds(TVector2& min, TVector2& max) override { min = max = TVector2(0, 0); }
+};
+
+} // namespace
+
+TEST_F(GraphWindow, WhileTextIsTypedTheKeysOfTheClipboardAreTheEdits)
+{
+    TTestTextEdit::ClassId();
+    TTestTextEdit edit;
+    WindowsOf(*Document).GetScene().GetRoot().AddObject(&edit);
+    Document->SelectNode(First, true);
+    TRenderObject::SetFocus(&edit, &Graph().GetRenderer());
+    Key(Graph(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_TRUE(App.Get().GetClipboard().IsEmpty());
+    Key(Graph(), Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+    TRenderObject::SetFocus(&WindowsOf(*Document).GetScene().GetRoot(), &Graph().GetRenderer());
+    Key(Graph(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_FALSE(App.Get().GetClipboard().IsEmpty());
+}
+
+TEST_F(GraphWindow, NothingIsUndoneUnderARunningDrag)
+{
+    SetPanButton(PanLeft);
+    Press(Graph(), Empty);
+    Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Second->GetY(), 400);
+    Release(Graph(), Empty);
+    Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_NE(Second->GetY(), 400);
+}
+
+TEST_F(GraphWindow, ADragOfANodeIsOneStep)
+{
+    const int steps = NumUndoSteps();
+    const QPoint at = MiddleOf(*Document, Second);
+    Drag(Graph(), at, at + QPoint(60, 20));
+    EXPECT_EQ(Second->GetX(), 260);
+    EXPECT_EQ(Second->GetY(), 420);
+    EXPECT_EQ(NumUndoSteps(), steps + 1);
+}
+
+namespace {
+
+class GraphDrop : public GraphWindow
+{
+protected:
+    void SetUp() override
+    {
+        GraphWindow::SetUp();
+        Shaper = AddNode(*Document, "Shaper", 500, 300);
+        Messages().clear();
+        SetMessageForms([](const char* text) { Messages().push_back(text); }, nullptr);
+    }
+    void TearDown() override { SetMessageForms(nullptr, nullptr); }
+    static std::vector<std::string>& Messages()
+    {
+        static std::vector<std::string> messages;
+        return messages;
+    }
+    void Drop(const QPoint& at, const std::string& path)
+    {
+        int x = at.x();
+        int y = at.y();
+        Graph().ClientToScreen(x, y);
+        Document->GetHost()->OnDrop(*Document, &Graph(), x, y, path.c_str());
+    }
+    std::string Animation() { return App.Path("resources/path.vori"); }
+    const vector<TRampPoint>& Curve()
+    {
+        return static_cast<TNodeRampParameter*>(Shaper->GetNodeType()->FindParameter("Value"))->GetCurve(0);
+    }
+    TToolNode* Shaper = nullptr;
+};
+
+} // namespace
+
+TEST_F(GraphDrop, AnAnimationOnAShaperBecomesItsCurve)
+{
+    const int steps = NumUndoSteps();
+    Drop(MiddleOf(*Document, Shaper), Animation());
+    EXPECT_TRUE(Messages().empty());
+    ASSERT_EQ(Curve().size(), 4);
+    EXPECT_FLOAT_EQ(Curve()[0].Y, 0);
+    EXPECT_FLOAT_EQ(Curve()[3].Y, 1);
+    EXPECT_EQ(NumUndoSteps(), steps + 1);
+}
+
+TEST_F(GraphDrop, AnywhereElseTheMessageTellsWhere)
+{
+    const std::string text = "Drag vori file to shaper node or graph to load animation file";
+    Drop(MiddleOf(*Document, First), Animation());
+    Drop(Empty, Animation());
+    EXPECT_EQ(Messages(), (std::vector<std::string>{text, text}));
+}
+
+TEST_F(GraphDrop, AFileThatDoesNotLoadChangesNothing)
+{
+    const int steps = NumUndoSteps();
+    Drop(MiddleOf(*Document, Shaper), App.Path("missing.vori"));
+    ASSERT_EQ(Messages().size(), 1u);
+    EXPECT_EQ(Messages()[0].find("Failed to open"), 0u);
+    EXPECT_EQ(NumUndoSteps(), steps);
+}
+
+TEST_F(GraphDrop, ADropOnAFrameOrOnTheHeaderDoesNothingAndShowsNothing)
+{
+    for (TWindow* window : {static_cast<TWindow*>(&View()), static_cast<TWindow*>(&View().GetHeader()),
+                            static_cast<TWindow*>(&View().GetTool())}) {
+        EXPECT_TRUE(Document->GetHost()->OwnsWindow(window));
+        Document->GetHost()->OnDrop(*Document, window, 10, 10, Animation().c_str());
+    }
+    EXPECT_TRUE(Messages().empty());
+}

@@ -1,0 +1,180 @@
+#include "particles/cindermill/interface/mainwindow.h"
+
+#include "support/fakehost.h"
+#include "support/testapp.h"
+#include "support/windowtest.h"
+
+#include "library/system/message.h"
+
+#include <QtCore/QMimeData>
+#include <QtCore/QUrl>
+#include <QtGui/QAction>
+#include <QtGui/QDropEvent>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMainWindow>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QStatusBar>
+
+namespace {
+
+class MainWindow : public TWindowTest
+{
+protected:
+    MainWindow() : App(&Host), Window(App.Get()) {}
+    ~MainWindow() override
+    {
+        const vector<TDocument*> documents = App.Get().GetDocuments();
+        for (TDocument* document : documents)
+            App.Get().CloseDocument(document);
+    }
+    void SetUp() override
+    {
+        ASSERT_TRUE(Window.Create());
+        Window.Show();
+        Settle();
+    }
+
+    QMainWindow& Frame() { return *qobject_cast<QMainWindow*>(Window.GetHandle()); }
+    QMenu* Popup(int i) { return Frame().menuBar()->actions()[i]->menu(); }
+    // The entries of a popup, "" for a line between them.
+    static TNames Entries(const QMenu& menu)
+    {
+        TNames result;
+        for (const QAction* action : menu.actions())
+            result.push_back(action->isSeparator() ? "" : IdOf(*action) + " " + action->text().toStdString());
+        return result;
+    }
+    static std::string IdOf(const QAction& action)
+    {
+        return action.objectName().mid(int(strlen("menu"))).toStdString();
+    }
+    QMenu* RecentFiles() { return Popup(0)->actions()[9]->menu(); }
+    void Choose(int id)
+    {
+        QAction* action = Frame().findChild<QAction*>(QStringLiteral("menu%1").arg(id));
+        ASSERT_NE(action, nullptr) << id;
+        action->trigger();
+        Settle();
+    }
+
+    TQuiet Quiet;
+    TFakeAppHost Host;
+    TTestApp App;
+    TMainWindow Window;
+};
+
+} // namespace
+
+TEST_F(MainWindow, HasItsClassTitleSizeAndPlace)
+{
+    EXPECT_EQ(Frame().objectName().toStdString(), "pelmark_mainwindow");
+    EXPECT_EQ(Frame().windowTitle().toStdString(), "Cindermill");
+    int width = 0;
+    int height = 0;
+    TMDIFrame::GetScreenSize(width, height);
+    EXPECT_EQ(Frame().width(), std::min(1350, width - 50));
+    EXPECT_EQ(Frame().height(), std::min(950, height - 100));
+}
+
+TEST_F(MainWindow, ShowsTheVersion)
+{
+    TString version;
+    TCindermillApp::GetVersion(version);
+    const QList<QLabel*> labels = Frame().statusBar()->findChildren<QLabel*>();
+    ASSERT_FALSE(labels.isEmpty());
+    EXPECT_EQ(labels[0]->text().toStdString(), version.Print());
+}
+
+TEST_F(MainWindow, TheMenusHoldEveryEntryWithItsIdAndKey)
+{
+    ASSERT_EQ(Frame().menuBar()->actions().size(), 4);
+    TNames titles;
+    for (int i = 0; i < 4; ++i)
+        titles.push_back(Popup(i)->title().toStdString());
+    EXPECT_EQ(titles, (TNames{"File", "Edit", "Tools", "Window"}));
+    EXPECT_EQ(Entries(*Popup(0)),
+              (TNames{"57600 New\tCtrl+N", "57601 Open\tCtrl+O", "", "57603 Save\tCtrl+S",
+                      "57604 Save As\tCtrl+Shift+S", "", "40006 Export...", "40211 File Properties...", "",
+                      "40009 Recent Files", "", "40001 Exit"}));
+    EXPECT_EQ(Entries(*Popup(1)),
+              (TNames{"57643 Undo\tCtrl+Z", "57644 Redo\tCtrl+Y", "", "57635 Cut\tCtrl+X",
+                      "57634 Copy\tCtrl+C", "57637 Paste\tCtrl+V", "40002 Delete\tDel", "",
+                      "40213 Focus Selected Nodes\tCtrl+F", "40214 Focus All Nodes\tCtrl+Shift+F"}));
+    EXPECT_EQ(Entries(*Popup(2)), (TNames{"40004 New Graph View", "40005 Show Particle Display"}));
+    EXPECT_EQ(Entries(*Popup(3))[0], "57650 Cascade");
+}
+
+TEST_F(MainWindow, TheNewestRecentFileStandsOnTop)
+{
+    EXPECT_TRUE(RecentFiles()->isEmpty());
+    vector<TString> files;
+    files.push_back("\\fx\\one.effect");
+    files.push_back("\\fx\\two & three.effect");
+    Window.RebuildRecentFiles(files);
+    EXPECT_EQ(Entries(*RecentFiles()), (TNames{"40011 /fx/two && three.effect", "40010 /fx/one.effect"}));
+    files.clear();
+    files.push_back("\\fx\\four.effect");
+    Window.RebuildRecentFiles(files);
+    EXPECT_EQ(Entries(*RecentFiles()), TNames{"40010 /fx/four.effect"});
+}
+
+TEST_F(MainWindow, TheRecentFilesOfTheSettingsAreThereOnCreation)
+{
+    App.Get().GetSettings().AddRecentFile("/fx/one.effect");
+    TMainWindow second(App.Get());
+    Window.Destroy();
+    ASSERT_TRUE(second.Create());
+    QMainWindow* frame = qobject_cast<QMainWindow*>(second.GetHandle());
+    const QMenu* recent = frame->menuBar()->actions()[0]->menu()->actions()[9]->menu();
+    EXPECT_EQ(Entries(*recent), TNames{"40010 /fx/one.effect"});
+}
+
+TEST_F(MainWindow, AnEntryReachesTheApplication)
+{
+    Choose(57600);
+    EXPECT_EQ(App.Get().GetDocuments().size(), 1);
+    Choose(57650);
+    EXPECT_EQ(Host.Taken(), TNames{"cascade"});
+    App.Get().AddRecentFile("/nowhere.effect");
+    Window.RebuildRecentFiles(App.Get().GetSettings().GetRecentFiles());
+    static std::string shown;
+    shown.clear();
+    SetMessageForms([](const char* text) { shown = text; }, nullptr);
+    Choose(40010);
+    SetMessageForms(nullptr, nullptr);
+    EXPECT_EQ(shown, "/nowhere.effect cannot be opened: The file does not exist");
+}
+
+TEST_F(MainWindow, ItsShortcutsWorkWithNoDocumentOpen)
+{
+    QTest::keyClick(&Frame(), Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(App.Get().GetDocuments().size(), 1);
+    QTest::keyClick(&Frame(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(Host.Taken()[0].substr(0, 21), "open Select load path");
+}
+
+TEST_F(MainWindow, ItsCloseBoxIsARequest)
+{
+    Frame().close();
+    Settle();
+    EXPECT_EQ(Host.Taken(), TNames{"quit"});
+    EXPECT_TRUE(Frame().isVisible());
+}
+
+TEST_F(MainWindow, DroppedFilesAreOpened)
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(SourcePath("samples/fountain.effect")))});
+    App.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples").c_str());
+    QDragEnterEvent enter(QPoint(100, 100), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&Frame(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(100, 100), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&Frame(), &drop);
+    Settle();
+    ASSERT_EQ(App.Get().GetDocuments().size(), 1);
+    EXPECT_EQ(Text(App.Get().GetDocuments()[0]->GetPath()), SourcePath("samples/fountain.effect"));
+}

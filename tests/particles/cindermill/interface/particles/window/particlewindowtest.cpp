@@ -1,0 +1,278 @@
+#include "particles/cindermill/interface/particles/particlewindow.h"
+
+#include "support/sampledocument.h"
+#include "support/windowtest.h"
+
+#include "library/system/clock.h"
+#include "library/wimp/wimp.h"
+
+#include <QtTest/QTest>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+
+namespace {
+
+uint32_t TestTick = 5000;
+
+uint32_t GetTestTick()
+{
+    return TestTick;
+}
+
+class ParticleWindow : public TWindowTest
+{
+protected:
+    void SetUp() override
+    {
+        SetTickCountSource(&GetTestTick);
+        ASSERT_TRUE(Window.Create(*Sample));
+        Window.Show();
+        ASSERT_TRUE(WaitFor([this] { return Window.IsShown(); }));
+        Settle();
+    }
+    void TearDown() override
+    {
+        Window.Destroy();
+        SetTickCountSource(nullptr);
+    }
+    template <class TWidget>
+    TWidget* Find(const char* name)
+    {
+        TWidget* widget = Window.GetHandle()->findChild<TWidget*>(QString::fromUtf8(name));
+        EXPECT_NE(widget, nullptr) << name;
+        return widget;
+    }
+    void Click(const char* name) { Find<QPushButton>(name)->click(); }
+    void Tick(uint32_t milliseconds)
+    {
+        TestTick += milliseconds;
+        Window.Tick();
+    }
+    std::string TimeShown() { return Find<QLineEdit>("time")->text().toStdString(); }
+    TVector3 EyeDirection()
+    {
+        TMatrix4 view;
+        Window.GetRenderWindow().GetCamera().GetView(view);
+        return TVector3(view[0][2], view[1][2], view[2][2]);
+    }
+    static TMessage Mouse(TMessageType type, int x, int y, int buttons)
+    {
+        TMessage message;
+        message.Type = type;
+        message.X = x;
+        message.Y = y;
+        message.Buttons = buttons;
+        return message;
+    }
+
+    TTestApp App;
+    TSampleDocument Sample{App, "fountain"};
+    TParticleWindow Window;
+};
+
+TEST_F(ParticleWindow, IsATopWindowWithItsTwoChildren)
+{
+    EXPECT_EQ(Window.GetType(), 1);
+    EXPECT_EQ(Window.GetHandle()->objectName().toStdString(), "cindermill_particlewindow");
+    EXPECT_EQ(Window.GetHandle()->windowTitle().toStdString(), "Effect Display [doc]");
+    Find<QWidget>("cindermill_particlewindow_render");
+    Find<QWidget>("cindermill_particlewindow_timeline");
+    EXPECT_EQ(Find<QPushButton>("update")->text().toStdString(), "Update");
+    EXPECT_EQ(Find<QLabel>("timelabel")->text().toStdString(), "Time:");
+    for (const char* icon : {"step", "pause", "play"})
+        EXPECT_FALSE(Find<QPushButton>(icon)->icon().isNull()) << icon;
+}
+
+TEST_F(ParticleWindow, TheTimelineTakesTheBottom32Pixels)
+{
+    for (const int height : {400, 250, 600}) {
+        Window.MoveTo(10, 10, 500, height);
+        Settle();
+        int width = 0;
+        int whole = 0;
+        Window.GetSize(width, whole);
+        const QRect render = Find<QWidget>("cindermill_particlewindow_render")->geometry();
+        const QRect timeline = Find<QWidget>("cindermill_particlewindow_timeline")->geometry();
+        EXPECT_EQ(render, QRect(0, 0, width, whole - 32));
+        EXPECT_EQ(timeline, QRect(0, whole - 32, width, 32));
+    }
+}
+
+TEST_F(ParticleWindow, TheEffectRunsWithTheTicks)
+{
+    Tick(20);
+    EXPECT_FLOAT_EQ(Window.GetTime(), 0.02f);
+    EXPECT_EQ(TimeShown(), "0.00");
+    Tick(1000);
+    EXPECT_FLOAT_EQ(Window.GetTime(), 0.07f);
+    EXPECT_EQ(TimeShown(), "0.02");
+    Tick(0);
+    EXPECT_EQ(TimeShown(), "0.07");
+}
+
+TEST_F(ParticleWindow, TheTimeIsShownToTwoPlacesAndStandsStillWhilePaused)
+{
+    Sample->GetEngine().SetTime(1.5f);
+    Tick(0);
+    EXPECT_EQ(TimeShown(), "1.50");
+    Click("pause");
+    Sample->GetEngine().SetTime(3);
+    Tick(20);
+    EXPECT_EQ(TimeShown(), "1.50");
+    EXPECT_EQ(Window.GetTime(), 3);
+    Click("pause");
+    Tick(20);
+    EXPECT_EQ(TimeShown(), "3.00");
+}
+
+TEST_F(ParticleWindow, AfterStepTheEffectStaysPausedAndPlayResumes)
+{
+    Click("step");
+    EXPECT_FLOAT_EQ(Window.GetTime(), 0.01f);
+    EXPECT_EQ(TimeShown(), "0.01");
+    EXPECT_TRUE(Window.GetTimeline().IsPaused());
+    EXPECT_TRUE(Find<QPushButton>("pause")->isChecked());
+    Tick(40);
+    EXPECT_FLOAT_EQ(Window.GetTime(), 0.01f);
+    Click("play");
+    EXPECT_FALSE(Find<QPushButton>("pause")->isChecked());
+    Tick(40);
+    EXPECT_FLOAT_EQ(Window.GetTime(), 0.05f);
+}
+
+TEST_F(ParticleWindow, UpdateRestartsTheEffect)
+{
+    Tick(50);
+    const TQuiet quiet;
+    Click("update");
+    EXPECT_EQ(Window.GetTime(), 0);
+    EXPECT_TRUE(Sample->GetEngine().IsInited());
+}
+
+TEST_F(ParticleWindow, TheSettingsChooseTheCamera)
+{
+    const auto kind = [this] {
+        return dynamic_cast<const TQuakeCamera*>(&Window.GetRenderWindow().GetCamera()) != nullptr;
+    };
+    Tick(10);
+    EXPECT_FALSE(kind());
+    App.Get().GetSettings().SetCameraMode(1);
+    Tick(10);
+    EXPECT_TRUE(kind());
+    App.Get().GetSettings().SetCameraMode(0);
+    Tick(10);
+    EXPECT_FALSE(kind());
+}
+
+TEST_F(ParticleWindow, ADragMovesTheCameraWithTheNextTick)
+{
+    TParticleRenderWindow& render = Window.GetRenderWindow();
+    const TVector3 before = EyeDirection();
+    render.OnMessage(Mouse(MT_MOUSEMOVE, 90, 100, 0));
+    render.OnMessage(Mouse(MT_LEFTDOWN, 100, 100, MB_LEFT));
+    render.OnMessage(Mouse(MT_MOUSEMOVE, 130, 100, MB_LEFT));
+    render.OnMessage(Mouse(MT_MOUSEMOVE, 150, 100, MB_LEFT));
+    EXPECT_EQ(EyeDirection(), before);
+    Tick(10);
+    const TVector3 after = EyeDirection();
+    EXPECT_NE(after, before);
+    Tick(10);
+    EXPECT_EQ(EyeDirection(), after);
+    render.OnMessage(Mouse(MT_MOUSEMOVE, 160, 100, MB_LEFT));
+    render.OnMessage(Mouse(MT_LEFTUP, 160, 100, 0));
+    EXPECT_NE(EyeDirection(), after) << "the rest of the drag counts";
+    const TVector3 let = EyeDirection();
+    render.OnMessage(Mouse(MT_MOUSEMOVE, 300, 100, 0));
+    Tick(10);
+    EXPECT_EQ(EyeDirection(), let);
+    // What a reset of the camera goes back to.
+    TMessage key;
+    key.Type = MT_KEYDOWN;
+    key.Key = 'R';
+    render.OnMessage(key);
+    EXPECT_EQ(EyeDirection(), before);
+}
+
+TEST_F(ParticleWindow, TheWheelMovesTheCameraAtOnce)
+{
+    TParticleRenderWindow& render = Window.GetRenderWindow();
+    TMatrix4 before;
+    TMatrix4 after;
+    render.GetCamera().GetView(before);
+    TMessage wheel;
+    wheel.Type = MT_WHEEL;
+    wheel.Delta = 120;
+    render.OnMessage(wheel);
+    render.GetCamera().GetView(after);
+    EXPECT_NE(before, after);
+}
+
+TEST_F(ParticleWindow, KeysAreHeldUntilTheyAreLetGoOrTheFocusIsLost)
+{
+    TParticleRenderWindow& render = Window.GetRenderWindow();
+    TMessage key;
+    key.Type = MT_KEYDOWN;
+    key.Key = KEY_RIGHT;
+    render.OnMessage(key);
+    const TVector3 start = EyeDirection();
+    Tick(20);
+    const TVector3 once = EyeDirection();
+    EXPECT_NE(once, start);
+    Tick(20);
+    EXPECT_NE(EyeDirection(), once);
+    TMessage lost;
+    lost.Type = MT_FOCUSLOST;
+    render.OnMessage(lost);
+    const TVector3 last = EyeDirection();
+    Tick(20);
+    EXPECT_EQ(EyeDirection(), last);
+}
+
+TEST_F(ParticleWindow, AClickGivesTheViewTheKeys)
+{
+    QWidget* widget = Find<QWidget>("cindermill_particlewindow_render");
+    Find<QLineEdit>("time")->setFocus();
+    QTest::mouseClick(widget, Qt::LeftButton, Qt::NoModifier, QPoint(50, 50));
+    // Without a window manager no window is the active one.
+    EXPECT_EQ(Window.GetHandle()->focusWidget(), widget);
+}
+
+TEST_F(ParticleWindow, APictureOfTheEffectIsShown)
+{
+    Sample.Run(1);
+    Window.GetRenderWindow().Redraw();
+    const auto shown = [this] {
+        const QImage image = Find<QWidget>("cindermill_particlewindow_render")->grab().toImage();
+        if (image.pixelColor(3, 3) != QColor(204, 204, 204))
+            return false;
+        int water = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                water += image.pixelColor(x, y).blue() - image.pixelColor(x, y).red() > 30 ? 1 : 0;
+        return water > 100;
+    };
+    EXPECT_TRUE(WaitFor(shown));
+}
+
+TEST_F(ParticleWindow, ClosingHidesIt)
+{
+    Window.GetHandle()->close();
+    EXPECT_TRUE(WaitFor([this] { return !Window.IsShown(); }));
+    EXPECT_NE(Window.GetHandle(), nullptr);
+    Tick(20);
+    EXPECT_FLOAT_EQ(Window.GetTime(), 0.02f);
+    Window.Show();
+    EXPECT_TRUE(WaitFor([this] { return Window.IsShown(); }));
+}
+
+TEST_F(ParticleWindow, AChildWithoutAnOwnersWindowIsRefused)
+{
+    TWindow owner;
+    TParticleRenderWindow render;
+    TParticleTimeline timeline;
+    EXPECT_FALSE(render.Create(&owner, *Sample));
+    EXPECT_FALSE(timeline.Create(&owner, *Sample));
+}
+
+} // namespace

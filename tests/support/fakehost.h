@@ -1,0 +1,152 @@
+#pragma once
+
+#include "support/testsupport.h"
+
+#include "particles/cindermill/main/apphost.h"
+#include "particles/cindermill/main/document.h"
+#include "particles/cindermill/main/documenthost.h"
+
+using TNames = std::vector<std::string>;
+
+// Writes down what a document asks of its windows.
+class TFakeHost : public TDocumentHost
+{
+public:
+    bool CreateParticleWindow(TDocument&) override
+    {
+        return Tell("create particle window") && !FailsParticleWindow;
+    }
+    void ShowParticleWindow(TDocument&) override { Tell("show particle window"); }
+    bool CreateView(TDocument&) override { return Tell("create view") && !FailsView; }
+    bool NewView(TDocument&) override { return Tell("new view"); }
+    void DeleteWindows(TDocument&) override { Tell("delete windows"); }
+    void OnIdle(TDocument&) override { Tell("idle"); }
+    bool OwnsWindow(TWindow* window) override { return window == Window; }
+    void OnDrop(TDocument&, TWindow*, int x, int y, const char* path) override
+    {
+        Tell("drop " + std::to_string(x) + " " + std::to_string(y) + " " + path);
+    }
+    void FrameAllNodes(TDocument&) override { Tell("frame"); }
+    void UpdateTitles(TDocument& document) override { Tell(document.IsModified() ? "title*" : "title"); }
+    void RedrawWindows(TDocument&) override { ++Redraws; }
+    void ScheduleChanged(TDocument&) override { ++Schedules; }
+    void AddNodeObject(TToolNode*) override { ++NodeObjects; }
+    void RemoveNodeObject(TToolNode*) override { --NodeObjects; }
+    void AddEdgeObject(TToolEdge*) override { ++EdgeObjects; }
+    void RemoveEdgeObject(TToolEdge*) override { --EdgeObjects; }
+    void TouchNode(TToolNode*) override {}
+    void RelayoutNode(TToolNode*) override {}
+    void LayoutEdge(TToolEdge*) override {}
+    void UnhookEdge(TToolEdge*) override {}
+    void ForgetNode(TToolNode*) override {}
+    void ForgetEdge(TToolEdge*) override {}
+    void GetNodeHalfSize(TToolNode*, int& x, int& y) override
+    {
+        x = 20;
+        y = 10;
+    }
+    TNames Taken()
+    {
+        TNames result;
+        result.swap(Events);
+        return result;
+    }
+
+    TNames Events;
+    // The one window that is the document's.
+    TWindow* Window = nullptr;
+    int Redraws = 0;
+    int Schedules = 0;
+    int NodeObjects = 0;
+    int EdgeObjects = 0;
+    bool FailsParticleWindow = false;
+    bool FailsView = false;
+
+private:
+    bool Tell(const std::string& what)
+    {
+        Events.push_back(what);
+        return true;
+    }
+};
+
+// Answers what the application asks of its windows, and writes it down.
+class TFakeAppHost : public TAppHost
+{
+public:
+    TDocumentHost* CreateDocumentHost() override
+    {
+        TFakeHost* host = new TFakeHost;
+        host->FailsParticleWindow = FailsDocuments;
+        return host;
+    }
+    bool ChooseOpenPath(const char* title, const vector<TPathFilter>& filters, const char* directory,
+                        TString& path) override
+    {
+        return Choose("open", title, filters, directory, path);
+    }
+    bool ChooseSavePath(const char* title, const vector<TPathFilter>& filters, const char* directory,
+                        TString& path) override
+    {
+        return Choose("save", title, filters, directory, path);
+    }
+    bool ChooseFolder(const char* title, TString& path) override
+    {
+        return Choose("folder", title, vector<TPathFilter>(), nullptr, path);
+    }
+    TModifiedAnswer AskModifiedFiles(const vector<TString>& names) override
+    {
+        std::string text = "modified";
+        for (const TString& name : names)
+            text += std::string("|") + name.Print();
+        Events.push_back(text);
+        return Answer;
+    }
+    void ShowProperties(const char* text) override { Events.push_back(std::string("properties ") + text); }
+    void Beep() override { Events.push_back("beep"); }
+    void RebuildRecentFiles(const vector<TString>& files) override
+    {
+        Events.push_back("recent " + std::to_string(files.size()));
+    }
+    void FocusSelected(TDocWindow& window) override
+    {
+        Focused = &window;
+        Events.push_back("focus selected");
+    }
+    void FocusAll(TDocWindow& window) override
+    {
+        Focused = &window;
+        Events.push_back("focus all");
+    }
+    void Cascade() override { Events.push_back("cascade"); }
+    TWindow* WindowFromPoint(int, int) override { return UnderPoint; }
+    void Quit() override { Events.push_back("quit"); }
+    TNames Taken()
+    {
+        TNames result;
+        result.swap(Events);
+        return result;
+    }
+
+    TNames Events;
+    // The next choice; "" is Cancel.
+    std::string Choice;
+    TModifiedAnswer Answer = MA_CANCEL;
+    TWindow* UnderPoint = nullptr;
+    TDocWindow* Focused = nullptr;
+    bool FailsDocuments = false;
+
+private:
+    bool Choose(const char* kind, const char* title, const vector<TPathFilter>& filters,
+                const char* directory, TString& path)
+    {
+        std::string text = std::string(kind) + " " + title;
+        for (const TPathFilter& filter : filters)
+            text += std::string("|") + filter.Description + "|" + filter.Pattern;
+        if (directory != nullptr)
+            text += std::string(" in ") + directory;
+        Events.push_back(text);
+        path = Choice.c_str();
+        return !Choice.empty();
+    }
+};

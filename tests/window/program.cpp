@@ -1,0 +1,93 @@
+#include "window/program.h"
+
+#include <csignal>
+#include <filesystem>
+#include <sys/wait.h>
+
+TProgram::TProgram(TScreen& screen, const TProgramOptions& options) : Screen(screen)
+{
+    const std::string config = Folder.Path("config");
+    if (!options.Settings.empty()) {
+        std::filesystem::create_directories(config + "/TolvTools");
+        WriteBytes(config + "/TolvTools/VORCindermill.conf", "[General]\nRegVersion=0\n" + options.Settings);
+    }
+    std::vector<std::string> environment = {
+        "DISPLAY=" + screen.GetDisplay(), "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "HOME=" + Folder.GetFolder(),
+        "XDG_CONFIG_HOME=" + config, "XDG_CACHE_HOME=" + Folder.Path("cache"), "LIBGL_ALWAYS_SOFTWARE=1",
+        // The window system's own leaks are not this program's.
+        "ASAN_OPTIONS=detect_leaks=0"};
+    environment.insert(environment.end(), options.Environment.begin(), options.Environment.end());
+    Process = StartCommand({CINDERMILL_PROGRAM}, environment, Folder.Path("output"), Folder.GetFolder(),
+                           options.FileSizeLimit);
+}
+
+TProgram::~TProgram()
+{
+    if (!IsRunning())
+        return;
+    kill(Process, SIGKILL);
+    waitpid(Process, nullptr, 0);
+}
+
+bool TProgram::IsUp() const
+{
+    return Screen.WaitForWindow(MainTitle) && Screen.WaitUntilActive(MainTitle);
+}
+
+bool TProgram::IsRunning()
+{
+    if (Process <= 0)
+        return false;
+    int status = 0;
+    if (waitpid(Process, &status, WNOHANG) == 0)
+        return true;
+    Status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    Process = -1;
+    return false;
+}
+
+int TProgram::WaitForEnd()
+{
+    WaitUntil([this] { return !IsRunning(); });
+    return Status;
+}
+
+std::string TProgram::GetOutput() const
+{
+    return ReadBytes(Folder.Path("output"));
+}
+
+TRectangle TProgram::GetMainPlace() const
+{
+    return Screen.GetPlace(Screen.FindWindow(MainTitle));
+}
+
+void TProgram::ChooseFromFileMenu(int number)
+{
+    const TRectangle place = GetMainPlace();
+    Screen.Click(place.X + 15, place.Y + 11);
+    // The last one from below: Recent Files cannot be chosen while there are none.
+    for (int i = 0; i < number && number != FE_EXIT; ++i)
+        Screen.Key("Down");
+    if (number == FE_EXIT)
+        Screen.Key("Up");
+    Screen.Key("Return");
+}
+
+bool TProgram::AnswerChooser(const std::string& title, const std::string& path)
+{
+    if (!Screen.WaitForWindow(title) || !Screen.WaitUntilActive(title))
+        return false;
+    Screen.Key("ctrl+a");
+    Screen.Type(path);
+    Screen.Key("Return");
+    return Screen.WaitUntilGone(title);
+}
+
+bool TProgram::AnswerDialog(const std::string& title, const std::string& key)
+{
+    if (!Screen.WaitForWindow(title) || !Screen.WaitUntilActive(title))
+        return false;
+    Screen.Key(key);
+    return Screen.WaitUntilGone(title);
+}

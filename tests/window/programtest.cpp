@@ -1,0 +1,601 @@
+#include "window/workshop.h"
+
+#include "library/system/file.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace {
+
+const char* const SaveTitle = "^Select save path$";
+const char* const LoadTitle = "^Select load path$";
+const char* const ExportTitle = "^Select export path$";
+const char* const ModifiedTitle = "^Modified Files$";
+const char* const ErrorsTitle = "^Schedule errors$";
+const char* const MessageTitle = "^Message$";
+const char* const DisplayTitle = "^Effect Display";
+
+// Pictures for people to look at.
+std::string Screenshot(const std::string& name)
+{
+    std::filesystem::create_directories(CINDERMILL_SCREENSHOTS);
+    return std::string(CINDERMILL_SCREENSHOTS) + "/" + name + ".png";
+}
+
+int CountDifferences(const TPicture& first, const TPicture& second)
+{
+    int count = 0;
+    for (size_t i = 0; i < first.Pixels.size() && i < second.Pixels.size(); ++i)
+        count += first.Pixels[i] != second.Pixels[i];
+    return count;
+}
+
+bool AreSame(const std::string& first, const std::string& second)
+{
+    return FileExists(first.c_str()) && ReadBytes(first) == ReadBytes(second);
+}
+
+// The program on a screen of its own.
+class Program : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(Screen.IsRunning()) << "no X server"; }
+    // A new document, found on the screen.
+    void StartWithNewDocument(TProgram& program, TWorkshop& workshop)
+    {
+        ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+        Screen.Key("ctrl+n");
+        ASSERT_TRUE(Screen.WaitForWindow(DisplayTitle)) << program.GetOutput();
+        ASSERT_TRUE(workshop.FindGraph()) << program.GetOutput();
+        // The effect's display came up in front; a click into the graph is harmless.
+        Screen.Click(workshop.ScreenX(20), workshop.ScreenY(20));
+        ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    }
+    // Doubles the effect of the fountain, saves and exports it, and compares with the same done without
+    // windows.
+    void DoubleTheFountain(TProgram& program, TWorkshop& workshop)
+    {
+        const std::string sample = SourcePath("samples/fountain.effect");
+        Open(program, sample);
+        if (HasFatalFailure())
+            return;
+        SelectAll(workshop);
+        Screen.Key("ctrl+c");
+        Screen.Key("ctrl+v");
+        ASSERT_TRUE(WaitForStar());
+        SaveAs(program, program.Path("double.effect"));
+        Export(program, program.Path("double.efx"));
+        if (HasFatalFailure())
+            return;
+        TDocument document(workshop.GetApp());
+        ASSERT_TRUE(document.Load(sample.c_str()));
+        SelectAll(document);
+        document.CopySelection();
+        document.Paste();
+        ASSERT_TRUE(document.SaveAs(program.Path("expected.effect").c_str()));
+        ASSERT_TRUE(document.EnsureSchedule());
+        ASSERT_TRUE(document.Export(program.Path("expected.efx").c_str()));
+        EXPECT_TRUE(AreSame(program.Path("double.effect"), program.Path("expected.effect")));
+        EXPECT_TRUE(AreSame(program.Path("double.efx"), program.Path("expected.efx")));
+    }
+    // Saves by the keys, the first time.
+    void SaveTo(TProgram& program, const std::string& path)
+    {
+        Screen.Key("ctrl+s");
+        ASSERT_TRUE(program.AnswerChooser(SaveTitle, path));
+        ASSERT_TRUE(WaitUntil([&] { return FileExists(path.c_str()); })) << path;
+        ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    }
+    // Opens a file by the keys; a document's display tells that it is there.
+    void Open(TProgram& program, const std::string& path)
+    {
+        Screen.Key("ctrl+o");
+        ASSERT_TRUE(program.AnswerChooser(LoadTitle, path));
+        ASSERT_TRUE(WaitForDocument(std::filesystem::path(path).filename().string()));
+        // The view glides to its nodes.
+        ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainPlace()));
+    }
+    bool WaitForDocument(const std::string& name)
+    {
+        return Screen.WaitForWindow("^Effect Display - \\[.*" + name + "\\*?\\]$");
+    }
+    bool WaitForStar() { return Screen.WaitForWindow("^Effect Display - \\[.*\\*\\]$"); }
+    // A box over all of the graph in front.
+    void SelectAll(const TWorkshop& workshop)
+    {
+        const TRectangle& graph = workshop.GetGraph();
+        Screen.Click(graph.X + 20, graph.Y + 20);
+        Screen.HoldKey("ctrl");
+        Screen.Drag(graph.X + 20, graph.Y + 20, graph.X + graph.Width - 40, graph.Y + graph.Height - 40);
+        Screen.LetKey("ctrl");
+    }
+    static void SelectAll(TDocument& document)
+    {
+        document.ClearSelection();
+        for (int i = 0; i < document.GetGraph()->GetNumNodes(); ++i)
+            document.SelectNode(static_cast<TToolNode*>(document.GetGraph()->GetNode(i)), false);
+    }
+    void SaveAs(TProgram& program, const std::string& path)
+    {
+        program.ChooseFromFileMenu(FE_SAVEAS);
+        ASSERT_TRUE(program.AnswerChooser(SaveTitle, path));
+        ASSERT_TRUE(WaitUntil([&] { return FileExists(path.c_str()); })) << path;
+        ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    }
+    void Export(TProgram& program, const std::string& path)
+    {
+        program.ChooseFromFileMenu(FE_EXPORT);
+        ASSERT_TRUE(program.AnswerChooser(ExportTitle, path)) << program.GetOutput();
+        ASSERT_TRUE(WaitUntil([&] { return FileExists(path.c_str()); })) << path;
+        ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    }
+    void Exit(TProgram& program, const char* answer = nullptr)
+    {
+        program.ChooseFromFileMenu(FE_EXIT);
+        if (answer != nullptr) {
+            ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, answer));
+        }
+        EXPECT_EQ(program.WaitForEnd(), 0) << program.GetOutput();
+    }
+
+    TScreen Screen;
+};
+
+} // namespace
+
+TEST_F(Program, AnEffectIsBuiltSavedLoadedAndExportedByHand)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    workshop.FoldPalette({"Curves", "Maths", "Motion"});
+
+    // The nodes, column by column.
+    TToolNode* effect = workshop.Add("Effect", 110, 60);
+    TToolNode* emitter = workshop.Add("Emitter", 110, 180);
+    TToolNode* points = workshop.Add("Point Emitter", 380, 60);
+    TToolNode* cone = workshop.Add("Velocity Cone", 110, 330);
+    TToolNode* gravity = workshop.Add("Gravity", 380, 330);
+    TToolNode* integrate = workshop.Add("Integrate", 640, 180);
+    TToolNode* age = workshop.Add("Age", 380, 200);
+    TToolNode* sprites = workshop.Add("Sprite Render Stage", 640, 330);
+
+    workshop.Connect(emitter, "Count", points, "Emission Trigger");
+    workshop.Connect(points, "Start Transform", integrate, "Position");
+    workshop.Connect(cone, "Velocity", gravity, "Velocity");
+    workshop.Connect(gravity, "Velocity", integrate, "Velocity");
+    workshop.Connect(integrate, "Position", sprites, "Transform");
+    workshop.Connect(effect, "Time", emitter, "Start Delay");
+    workshop.Undo();
+    workshop.Undo();
+    workshop.Redo();
+    workshop.Connect(effect, "Time", emitter, "Start Delay");
+    workshop.Disconnect(emitter, "Start Delay");
+
+    workshop.MoveSelection(age, 20, 15);
+    workshop.SelectBox({cone, gravity});
+    workshop.MoveSelection(gravity, 5, 40);
+    workshop.Undo();
+    workshop.Redo();
+    workshop.Copy();
+    workshop.Paste();
+    workshop.MoveSelection(workshop.GetLast(), 0, 120);
+    workshop.Delete();
+    workshop.Bypass(gravity);
+    workshop.Bypass(gravity);
+    workshop.Bypass(gravity);
+    workshop.Undo();
+    Screen.Save(program.GetMainPlace(), Screenshot("built-by-hand"));
+
+    const std::string saved = program.Path("by-hand.effect");
+    const std::string expected = program.Path("expected.effect");
+    SaveTo(program, saved);
+    ASSERT_TRUE(workshop.GetDocument().SaveAs(expected.c_str()));
+    EXPECT_TRUE(AreSame(saved, expected));
+
+    // Saving again asks nothing.
+    std::filesystem::remove(saved);
+    workshop.MoveSelection(age, 1, 1);
+    Screen.Key("ctrl+s");
+    ASSERT_TRUE(WaitUntil([&] { return FileExists(saved.c_str()); }));
+    ASSERT_TRUE(workshop.GetDocument().SaveAs(expected.c_str()));
+    EXPECT_TRUE(AreSame(saved, expected));
+
+    // The stage has no texture: that is told, and the document stays as it is.
+    program.ChooseFromFileMenu(FE_EXPORT);
+    ASSERT_TRUE(program.AnswerDialog(ErrorsTitle, "Return"));
+    EXPECT_FALSE(workshop.GetDocument().EnsureSchedule());
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+
+    // A stage with a texture comes by the clipboard, out of another file.
+    const std::string stageFile = program.Path("stage.effect");
+    workshop.WriteStageFile(stageFile, 600, 500);
+    Open(program, stageFile);
+    ASSERT_FALSE(HasFatalFailure());
+    SelectAll(workshop);
+    Screen.Key("ctrl+c");
+    workshop.CopyFrom(stageFile);
+    // The first document lies below, 16 pixels up and to the left.
+    Screen.Click(workshop.ScreenX(300), workshop.ScreenY(-38));
+    Screen.Click(workshop.ScreenX(20), workshop.ScreenY(20));
+    workshop.GetDocument().ClearSelection();
+    workshop.Paste();
+    TToolNode* stage = workshop.GetLast();
+    workshop.Select(sprites);
+    workshop.Delete();
+    workshop.Connect(integrate, "Position", stage, "Transform");
+    const std::string exported = program.Path("by-hand.efx");
+    Export(program, exported);
+    ASSERT_FALSE(HasFatalFailure());
+    const std::string expectedExport = program.Path("expected.efx");
+    ASSERT_TRUE(workshop.GetDocument().EnsureSchedule());
+    ASSERT_TRUE(workshop.GetDocument().Export(expectedExport.c_str()));
+    EXPECT_TRUE(AreSame(exported, expectedExport));
+
+    // From now on the preview runs, and an edit that breaks it is told at once.
+    workshop.Select(points);
+    workshop.Delete();
+    ASSERT_TRUE(program.AnswerDialog(ErrorsTitle, "Return"));
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    workshop.Undo();
+    Screen.Key("ctrl+s");
+    ASSERT_TRUE(workshop.GetDocument().Save());
+    EXPECT_TRUE(WaitUntil([&] { return AreSame(saved, expected); }));
+
+    // What was saved comes back as it was, its history included.
+    Open(program, saved);
+    const std::string again = program.Path("again.effect");
+    SaveAs(program, again);
+    EXPECT_TRUE(AreSame(again, saved));
+    Exit(program);
+}
+
+TEST_F(Program, ASampleIsChangedSavedAndExported)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    DoubleTheFountain(program, workshop);
+    Exit(program);
+}
+
+TEST_F(Program, ASampleIsShownAndLookedAtFromNearAndFar)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    Open(program, SourcePath("samples/campfire.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    ASSERT_TRUE(workshop.FindGraph());
+    const TRectangle& graph = workshop.GetGraph();
+    const TRectangle main = program.GetMainPlace();
+    const TRectangle preview = Screen.GetPlace(Screen.FindWindow(DisplayTitle));
+    Screen.Save(main, Screenshot("main-window"));
+    Screen.Save(
+        TRectangle{preview.X, preview.Y, main.X + main.Width - preview.X, main.Y + main.Height - preview.Y},
+        Screenshot("main-window-and-preview"));
+    const int x = graph.X + graph.Width / 2;
+    const int y = graph.Y + graph.Height / 2;
+    const auto frame = [&] {
+        Screen.Click(graph.X + 30, graph.Y + graph.Height - 30);
+        Screen.Key("ctrl+shift+f");
+        Screen.MoveTo(main.X + 5, main.Y + main.Height - 5);
+        EXPECT_TRUE(Screen.WaitUntilStill(graph));
+    };
+    frame();
+    const TPicture framed = Screen.Grab(graph);
+    Screen.Save(graph, Screenshot("graph-framed"));
+    Screen.Wheel(x, y, 8);
+    ASSERT_TRUE(Screen.WaitUntilStill(graph));
+    EXPECT_GT(CountDifferences(Screen.Grab(graph), framed), 10000);
+    Screen.Save(graph, Screenshot("graph-near"));
+    Screen.Wheel(x, y, -20);
+    ASSERT_TRUE(Screen.WaitUntilStill(graph));
+    Screen.Save(graph, Screenshot("graph-far"));
+    // Panned away and framed again, it is the picture of before, and nothing has changed that is saved.
+    Screen.Drag(x, graph.Y + 30, x - 100, graph.Y + 80);
+    frame();
+    // Curves may keep the finer steps that they were drawn with from near.
+    EXPECT_LT(CountDifferences(Screen.Grab(graph), framed), 1000);
+    SaveAs(program, program.Path("again.effect"));
+    EXPECT_TRUE(AreSame(program.Path("again.effect"), SourcePath("samples/campfire.effect")));
+    Exit(program);
+}
+
+TEST_F(Program, WindowsCloseInAnyOrder)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    Open(program, SourcePath("samples/fountain.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    const TRectangle main = program.GetMainPlace();
+    Screen.Click(main.X + 90, main.Y + 11);
+    Screen.Key("Down");
+    Screen.Key("Return");
+    ASSERT_TRUE(Screen.WaitUntilStill(main));
+    // The frames lie one behind the other, 16 pixels apart; what is seen of the hinder ones is enough to
+    // reach their close boxes.
+    const TRectangle& graph = workshop.GetGraph();
+    const auto close = [&](int frame) {
+        Screen.Click(graph.X + graph.Width - 11 + 16 * frame, graph.Y - 38 + 16 * frame);
+        EXPECT_TRUE(Screen.WaitUntilStill(main));
+    };
+    const TPicture all = Screen.Grab(main);
+    close(1);
+    EXPECT_NE(Screen.Grab(main).Pixels, all.Pixels);
+    EXPECT_TRUE(WaitForDocument("fountain.effect"));
+    close(0);
+    EXPECT_TRUE(Screen.WaitUntilGone("^Effect Display - \\[doc\\]$"));
+    EXPECT_TRUE(WaitForDocument("fountain.effect"));
+    close(2);
+    EXPECT_TRUE(Screen.WaitUntilGone(DisplayTitle));
+    EXPECT_TRUE(program.IsRunning()) << program.GetOutput();
+    Screen.WaitUntilActive(MainTitle);
+    Screen.Key("ctrl+n");
+    EXPECT_TRUE(Screen.WaitForWindow(DisplayTitle));
+    ASSERT_TRUE(Screen.WaitUntilActive(DisplayTitle));
+    Exit(program);
+}
+
+TEST_F(Program, ClosingWithUnsavedWorkAsks)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    workshop.Add("Effect", 110, 60);
+    ASSERT_TRUE(WaitForStar());
+    // Cancel.
+    Screen.CloseWindow(Screen.FindWindow(MainTitle));
+    ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, "Escape"));
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    // Yes, and Cancel in the chooser.
+    program.ChooseFromFileMenu(FE_EXIT);
+    ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, "Return"));
+    ASSERT_TRUE(program.AnswerDialog(SaveTitle, "Escape"));
+    EXPECT_TRUE(program.IsRunning());
+    // Yes, and a name.
+    Screen.WaitUntilActive(MainTitle);
+    program.ChooseFromFileMenu(FE_EXIT);
+    ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, "Return"));
+    ASSERT_TRUE(program.AnswerChooser(SaveTitle, program.Path("last")));
+    EXPECT_EQ(program.WaitForEnd(), 0);
+    ASSERT_TRUE(workshop.GetDocument().SaveAs(program.Path("expected.effect").c_str()));
+    EXPECT_TRUE(AreSame(program.Path("last.effect"), program.Path("expected.effect")));
+}
+
+TEST_F(Program, UnsavedWorkCanBeLeftBehind)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    workshop.Add("Effect", 110, 60);
+    ASSERT_TRUE(WaitForStar());
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    program.ChooseFromFileMenu(FE_EXIT);
+    ASSERT_TRUE(Screen.WaitUntilActive(ModifiedTitle));
+    Screen.Key("Tab");
+    Screen.Key("Tab");
+    Screen.Key("space");
+    EXPECT_EQ(program.WaitForEnd(), 0) << program.GetOutput();
+}
+
+TEST_F(Program, ALockedFileIsUnlockedOnDemand)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    const std::string path = program.Path("locked.effect");
+    SaveTo(program, path);
+    const std::string before = ReadBytes(path);
+    workshop.Add("Effect", 110, 60);
+    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+    Screen.Key("ctrl+s");
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Escape"));
+    EXPECT_EQ(ReadBytes(path), before);
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    Screen.Key("ctrl+s");
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
+    EXPECT_TRUE(WaitUntil([&] { return ReadBytes(path) != before; }));
+    Exit(program);
+}
+
+TEST_F(Program, AFullDiscLosesNothing)
+{
+    TProgramOptions options;
+    options.FileSizeLimit = 3000;
+    TProgram program(Screen, options);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    const std::string path = program.Path("small.effect");
+    SaveTo(program, path);
+    const std::string before = ReadBytes(path);
+    ASSERT_FALSE(before.empty());
+    // More than there is room for.
+    workshop.FoldPalette({"Curves", "Maths", "Motion"});
+    workshop.Add("Sprite Render Stage", 400, 200);
+    ASSERT_TRUE(WaitForStar());
+    Screen.Key("ctrl+s");
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
+    EXPECT_EQ(ReadBytes(path), before);
+    EXPECT_TRUE(WaitForStar());
+    // Closing with Yes fails alike, and the work stays.
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    program.ChooseFromFileMenu(FE_EXIT);
+    ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, "Return"));
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    EXPECT_TRUE(program.IsRunning());
+    workshop.Undo();
+    Exit(program);
+}
+
+TEST_F(Program, ADamagedFileIsToldAndNotOpened)
+{
+    TProgram program(Screen);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    const std::string whole = ReadBytes(SourcePath("samples/fountain.effect"));
+    WriteBytes(program.Path("damaged.effect"), whole.substr(0, whole.size() / 2));
+    Screen.Key("ctrl+o");
+    ASSERT_TRUE(program.AnswerChooser(LoadTitle, program.Path("damaged.effect")));
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
+    EXPECT_EQ(Screen.FindWindow(DisplayTitle), "");
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    Open(program, SourcePath("samples/fountain.effect"));
+    Exit(program);
+}
+
+TEST_F(Program, AVanishedTextureIsToldWhenItIsNeededAndMayComeBack)
+{
+    TTempFolder textures;
+    TProgramOptions options;
+    options.Settings = "ResourceMode=1\nResourcePath=" + textures.GetFolder() + "\n";
+    TProgram program(Screen, options);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    Open(program, SourcePath("samples/fountain.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    EXPECT_EQ(Screen.FindWindow(ErrorsTitle), "");
+    const TRectangle main = program.GetMainPlace();
+    Screen.Click(main.X + main.Width / 2, main.Y + main.Height / 2);
+    program.ChooseFromFileMenu(FE_EXPORT);
+    ASSERT_TRUE(program.AnswerDialog(ErrorsTitle, "Return"));
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    std::filesystem::copy_file(SourcePath("samples/textures/drop.dds"), textures.Path("drop.dds"));
+    Export(program, program.Path("fountain.efx"));
+    Exit(program);
+}
+
+TEST_F(Program, TheEffectsDisplayComesBackAfterItWasClosed)
+{
+    TProgram program(Screen);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    Open(program, SourcePath("samples/fountain.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    Screen.CloseWindow(Screen.FindWindow(DisplayTitle));
+    ASSERT_TRUE(Screen.WaitUntilGone(DisplayTitle));
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    // Tools, its second entry.
+    const TRectangle place = program.GetMainPlace();
+    Screen.Click(place.X + 90, place.Y + 11);
+    Screen.Key("Down");
+    Screen.Key("Down");
+    Screen.Key("Return");
+    EXPECT_TRUE(Screen.WaitForWindow(DisplayTitle));
+    EXPECT_TRUE(Screen.WaitUntilActive(DisplayTitle));
+    // Further views, closed in another order than they were opened.
+    for (int i = 0; i < 2; ++i) {
+        Screen.Click(place.X + 90, place.Y + 11);
+        Screen.Key("Down");
+        Screen.Key("Return");
+    }
+    Screen.Save(place, Screenshot("three-views"));
+    Exit(program);
+}
+
+TEST_F(Program, ARecentFileIsOpenedFromTheMenuOfTheNextRun)
+{
+    TProgramOptions options;
+    options.Settings = "RecentFile_0=" + SourcePath("samples/aura.effect") +
+                       "\nRecentFile_1=" + SourcePath("samples/fountain.effect") + "\n";
+    TProgram program(Screen, options);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    const TRectangle place = program.GetMainPlace();
+    Screen.Click(place.X + 15, place.Y + 11);
+    for (int i = 0; i < FE_RECENT; ++i)
+        Screen.Key("Down");
+    Screen.Key("Right");
+    // The newest stands on top.
+    Screen.Key("Down");
+    Screen.Key("Return");
+    EXPECT_TRUE(WaitForDocument("aura.effect"));
+    Exit(program);
+}
+
+TEST_F(Program, AMissingNodeTypesDirectoryIsAskedForAfterTheMainWindowHasAppeared)
+{
+    TProgramOptions options;
+    options.Settings = "NodeTypesDirectory=/no/such/folder\n";
+    TProgram program(Screen, options);
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return")) << program.GetOutput();
+    ASSERT_TRUE(Screen.WaitForWindow("^Select nodes directory$"));
+    EXPECT_NE(Screen.FindWindow(MainTitle), "");
+    ASSERT_TRUE(program.AnswerDialog("^Select nodes directory$", "Escape"));
+    EXPECT_EQ(program.WaitForEnd(), 0);
+}
+
+namespace {
+
+// What a driver lacks, and how it is made to.
+struct TLack
+{
+    const char* Name;
+    const char* Environment;
+};
+
+void PrintTo(const TLack& lack, std::ostream* out)
+{
+    *out << lack.Environment;
+}
+
+class ProgramWithoutGl : public Program, public testing::WithParamInterface<TLack>
+{
+};
+
+} // namespace
+
+TEST_P(ProgramWithoutGl, OneMessageIsShownAndTheToolEditsSavesAndExports)
+{
+    // Where the graph stands is the same with OpenGL.
+    TRectangle graph;
+    {
+        TProgram drawn(Screen);
+        TWorkshop workshop(Screen, drawn);
+        StartWithNewDocument(drawn, workshop);
+        ASSERT_FALSE(HasFatalFailure());
+        graph = workshop.GetGraph();
+        Exit(drawn);
+    }
+    TProgramOptions options;
+    options.Environment = {GetParam().Environment};
+    TProgram program(Screen, options);
+    TWorkshop workshop(Screen, program);
+    workshop.SetGraph(graph);
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return")) << program.GetOutput();
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    DoubleTheFountain(program, workshop);
+    EXPECT_EQ(Screen.FindWindow(MessageTitle), "");
+    Exit(program);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Drivers, ProgramWithoutGl,
+    testing::Values(TLack{"NoContext", "QT_XCB_GL_INTEGRATION=none"},
+                    TLack{"NoPrograms",
+                          "MESA_EXTENSION_OVERRIDE=-GL_ARB_vertex_program -GL_ARB_fragment_program"}),
+    [](const testing::TestParamInfo<TLack>& driver) { return std::string(driver.param.Name); });
+
+TEST(ProgramWithoutDisplay, EndsWithALineAndStatusOne)
+{
+    for (const char* display : {"DISPLAY", "DISPLAY=:65000"}) {
+        const TCommandResult result =
+            RunCommand({CINDERMILL_PROGRAM}, {display, "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"});
+        EXPECT_EQ(result.Status, 1) << display;
+        EXPECT_NE(result.Output.find("isplay"), std::string::npos) << result.Output;
+        EXPECT_LE(std::count(result.Output.begin(), result.Output.end(), '\n'), 2) << result.Output;
+    }
+}

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+// What a command printed, and how it ended.
+struct TCommandResult
+{
+    int Status = -1;
+    std::string Output;
+};
+
+struct TRectangle
+{
+    int X = 0;
+    int Y = 0;
+    int Width = 0;
+    int Height = 0;
+};
+
+// Pixels as 0xRRGGBB, rows from the top.
+struct TPicture
+{
+    uint32_t At(int x, int y) const { return Pixels[static_cast<size_t>(y) * Width + x]; }
+
+    int Width = 0;
+    int Height = 0;
+    std::vector<uint32_t> Pixels;
+};
+
+// A display of its own, with a window manager, and a person's hands on its mouse and keyboard.
+class TScreen
+{
+public:
+    // Wide enough for the main window and an effect's display side by side.
+    explicit TScreen(int width = 3000, int height = 1200);
+    ~TScreen();
+    TScreen(const TScreen&) = delete;
+    TScreen& operator=(const TScreen&) = delete;
+
+    bool IsRunning() const { return !Display.empty(); }
+    const std::string& GetDisplay() const { return Display; }
+
+    void MoveTo(int x, int y);
+    void Press(int button = 1);
+    void Release(int button = 1);
+    void Click(int x, int y, int button = 1);
+    // Holds the button on the way, which is taken in steps as a hand does.
+    void Drag(int fromX, int fromY, int toX, int toY, int button = 1);
+    void Wheel(int x, int y, int notches);
+    // As "ctrl+z"; goes to the window with the focus.
+    void Key(const std::string& key);
+    void HoldKey(const std::string& key);
+    void LetKey(const std::string& key);
+    void Type(const std::string& text);
+
+    // The visible window whose title matches the expression; "" if there is none.
+    std::string FindWindow(const std::string& title) const;
+    bool WaitForWindow(const std::string& title) const;
+    bool WaitUntilGone(const std::string& title) const;
+    bool WaitUntilActive(const std::string& title) const;
+    TRectangle GetPlace(const std::string& window) const;
+    std::string GetTitle(const std::string& window) const;
+    void MoveWindow(const std::string& window, int x, int y);
+    void CloseWindow(const std::string& window);
+
+    TPicture Grab(const TRectangle& part) const;
+    // Waits until nothing moves there any more.
+    bool WaitUntilStill(const TRectangle& part) const;
+    void Save(const TRectangle& part, const std::string& path) const;
+
+private:
+    TCommandResult Do(const std::vector<std::string>& arguments) const;
+    bool StartServer(int width, int height);
+
+    std::string Display;
+    pid_t Server = -1;
+    pid_t Manager = -1;
+};
+
+// True as soon as the condition holds; false if it does not within the seconds.
+bool WaitUntil(const std::function<bool()>& condition, int seconds = 30);
+void Sleep(int milliseconds);
+// Runs a program to its end. The environment is this process's with the changes, each as "NAME=value"; "NAME"
+// takes one away.
+TCommandResult RunCommand(const std::vector<std::string>& arguments, const std::vector<std::string>& changes);
+// Starts one that dies with this process. What it prints goes to the file.
+pid_t StartCommand(const std::vector<std::string>& arguments, const std::vector<std::string>& changes,
+                   const std::string& outputPath, const std::string& folder = "", long fileSizeLimit = 0);
