@@ -35,10 +35,11 @@ protected:
         EXPECT_TRUE(!event.isAccepted() || event.dropAction() == Qt::CopyAction);
         return event.isAccepted();
     }
-    // The window system sends no drop to a window that the pointer has not entered.
+    // The window system sends no drop to a window that has refused what the pointer carries.
     void Drop()
     {
-        Enter();
+        if (!Enter())
+            return;
         QDropEvent event(QPointF(5, 6), Qt::CopyAction, &Data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(Window.GetHandle(), &event);
     }
