@@ -215,7 +215,9 @@ inline std::string MaskAddresses(const std::string& report)
             continue;
         }
         const size_t end = std::min(report.find_first_not_of("0123456789abcdef", at + 2), report.size());
-        const std::string address = report.substr(at, end - at);
+        // Addresses are cut to 32 bits, so an edge may show the same one as a node.
+        const std::string before = at >= 5 ? report.substr(at - 5, 4) : std::string();
+        const std::string address = (before == "edge" ? "edge " : "") + report.substr(at, end - at);
         size_t order = 0;
         while (order < seen.size() && seen[order] != address)
             ++order;

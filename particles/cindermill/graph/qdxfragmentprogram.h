@@ -94,7 +94,6 @@ public:
     // Switches the program on with its textures, one for each unit or null, and sends what has changed. False
     // if the driver refused it. Needs a ready OpenGL.
     bool Bind(const TRenderTextureInstance* const* textures);
-    void Unbind();
 
     // Changes a literal; a value that it has already changes nothing.
     void SetConstant(int refindex, const float* value);

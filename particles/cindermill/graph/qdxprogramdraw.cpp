@@ -49,12 +49,6 @@ bool TQdxFragmentProgram::Bind(const TRenderTextureInstance* const* textures)
     return true;
 }
 
-void TQdxFragmentProgram::Unbind()
-{
-    if (TFragmentVariant* variant = FindVariant(0); variant != nullptr && variant->Program != nullptr)
-        variant->Program->Unbind();
-}
-
 bool TQdxFragmentProgram::Assemble(TFragmentVariant& variant) const
 {
     if (variant.Program == nullptr) {
@@ -89,12 +83,6 @@ bool TQdxVertexProgram::Bind()
         return false;
     Program->Bind();
     return true;
-}
-
-void TQdxVertexProgram::Unbind()
-{
-    if (Program != nullptr)
-        Program->Unbind();
 }
 
 void TQdxVertexProgram::SetConstant(int slot, const float* value) const

@@ -115,12 +115,8 @@ void TQdxShader::Unbind()
     ResetTextures();
     for (TStreamSlot& slot : VertexStreams)
         slot = TStreamSlot();
-    if (!IsGlReady())
-        return;
-    if (IsFragmentProgram())
-        FragmentProgram->Unbind();
-    else
-        VertexProgram->Unbind();
+    if (IsGlReady())
+        glDisable(IsFragmentProgram() ? GL_FRAGMENT_PROGRAM_ARB : GL_VERTEX_PROGRAM_ARB);
 }
 
 void TQdxShader::Draw(int primitive, int first, int count, uint16_t perVertex, int perItem)

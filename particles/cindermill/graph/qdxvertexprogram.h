@@ -35,7 +35,6 @@ public:
     // Switches the program on, assembling it the first time. False if the driver refused it. Needs a ready
     // OpenGL.
     bool Bind();
-    void Unbind();
     // For the bound program: four floats of a constant slot, an environment's parameter or one of its own.
     void SetConstant(int slot, const float* value) const;
 

@@ -1,6 +1,8 @@
 #include "library/wimp/gl/glcontext.h"
+#include "library/wimp/gl/rendertexture.h"
 #include "particles/cindermill/graph/qdxfragmentprogram.h"
 #include "particles/cindermill/graph/qdxshader.h"
+#include "particles/cindermill/graph/qdxvertexprogram.h"
 #include "particles/cindermill/graph/vertexstream.h"
 #include "particles/effectgraph/nametocrc.h"
 #include "qdxmicrocode.h"
@@ -9,13 +11,22 @@
 
 #include <GL/glew.h>
 
+#include <algorithm>
+#include <array>
+
 namespace {
 
 constexpr int CanvasSize = 16;
 constexpr int PositionOutput = 0;
 constexpr int ColourOutput = 1;
+constexpr int TexCoordOutput = 7;
 constexpr int OpcodeUnknown = 1;
 constexpr int OpcodeMov = 1;
+constexpr int OpcodeMul = 2;
+constexpr int OpcodeAdd = 3;
+constexpr int OpcodeTex = 23;
+constexpr int OpcodeTxp = 24;
+constexpr int AttributeTexCoord = 4;
 
 TVertexCode MovToOutput(int output, int type, int index)
 {
@@ -69,6 +80,57 @@ TShoFile TintFragmentFile()
     file.Constants = {{NameToCrc("tint"), 0, 0, 0, {0}}};
     file.PatchLists = {{1}};
     return file;
+}
+
+// Passes attribute 0 on as the place and attribute 1 as texture coordinates.
+TShoFile TexturedVertexFile()
+{
+    TShoFile file;
+    file.IsFragment = false;
+    file.Attributes = {{NameToCrc("position"), 0}, {NameToCrc("uvs"), 1}};
+    TVertexCode coordinates = MovToOutput(TexCoordOutput, 2, 1);
+    coordinates.Last = true;
+    file.Microcode = VertexBytes({MovToOutput(PositionOutput, 2, 0), coordinates});
+    return file;
+}
+
+TFragmentCode ReadTexture(int opcode, int unit, int swizzle = IdentitySwizzle)
+{
+    TFragmentCode code;
+    code.Opcode = opcode;
+    code.Unit = unit;
+    code.Attribute = AttributeTexCoord;
+    code.Sources[0] = Input(swizzle);
+    return code;
+}
+
+TFragmentCode Operate(int opcode, int to, TFragmentOperand a, TFragmentOperand b,
+                      const std::array<float, 4>& value)
+{
+    TFragmentCode code;
+    code.Opcode = opcode;
+    code.Register = to;
+    code.Sources[0] = a;
+    code.Sources[1] = b;
+    std::copy(value.begin(), value.end(), code.Value);
+    return code;
+}
+
+std::vector<float> LocalOf(int slot)
+{
+    std::vector<float> value(4);
+    glGetProgramLocalParameterfvARB(GL_FRAGMENT_PROGRAM_ARB, static_cast<GLuint>(slot), value.data());
+    return value;
+}
+
+// The text of the program that is bound to a target, as the driver was given it.
+std::string BoundText(unsigned target)
+{
+    GLint length = 0;
+    glGetProgramivARB(target, GL_PROGRAM_LENGTH_ARB, &length);
+    std::string text(static_cast<size_t>(length), ' ');
+    glGetProgramStringARB(target, GL_PROGRAM_STRING_ARB, text.data());
+    return text;
 }
 
 class TShaderOf : public TQdxShader
@@ -212,6 +274,10 @@ TEST_F(QdxShaderDraw, UnbindSwitchesTheTargetOff)
     EXPECT_TRUE(glIsEnabled(0x8804));
     fragment.Unbind();
     EXPECT_FALSE(glIsEnabled(0x8804));
+    // Whoever has switched it on.
+    glEnable(0x8804);
+    TShaderOf(PlainFragmentFile()).Unbind();
+    EXPECT_FALSE(glIsEnabled(0x8804));
 }
 
 TEST_F(QdxShaderDraw, OnlyAVertexProgramDraws)
@@ -242,20 +308,155 @@ TEST_F(QdxShaderDraw, ARefusedProgramIsLoggedOnceAndTheRunGoesOn)
     EXPECT_TRUE(IsClose(Draw(good, fragment, Green), {0, 255, 0, 255}));
 }
 
+TEST_F(QdxShaderDraw, ARefusedFragmentProgramIsLoggedOnceAndTheRunGoesOn)
+{
+    // An input that no driver has, and that prints as its number.
+    TShoFile file;
+    TFragmentCode unknown = MovFrom(Input());
+    unknown.Attribute = 15;
+    file.Microcode = FragmentBytes({unknown});
+    TShaderOf fragment(file);
+    const std::string log = LogOf([&] { EXPECT_FALSE(fragment.Bind()); });
+    EXPECT_EQ(log.find("!!ARBfp1.0\n"), 0u) << log;
+    EXPECT_NE(log.find("MOV R0,fragment.0x0F;\n"), std::string::npos);
+    EXPECT_NE(log.find("END\nopengl arb shader assemble error at position "), std::string::npos) << log;
+    EXPECT_EQ(log.back(), '\n');
+    EXPECT_EQ(LogOf([&] { EXPECT_FALSE(fragment.Bind()); }), "");
+    EXPECT_FALSE(glIsEnabled(GL_FRAGMENT_PROGRAM_ARB));
+    fragment.Unbind();
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    TShaderOf vertex(VertexFile(256));
+    TShaderOf good(PlainFragmentFile());
+    EXPECT_TRUE(IsClose(Draw(vertex, good, Green), {0, 255, 0, 255}));
+}
+
 TEST_F(QdxShaderDraw, TheDriverIsGivenOptionsThatItKnowsOnly)
 {
     TShaderOf vertex(VertexFile(256));
-    EXPECT_EQ(LogOf([&] { EXPECT_TRUE(vertex.Bind()); }), "");
+    TShaderOf fragment(TintFragmentFile());
+    EXPECT_EQ(LogOf([&] {
+                  EXPECT_TRUE(vertex.Bind());
+                  EXPECT_TRUE(fragment.Bind());
+              }),
+              "");
+    const std::string vertexText = Text(vertex.GetVertexProgram()->GetText());
+    const std::string fragmentText = Text(fragment.GetFragmentProgram()->GetText());
+    const auto without = [](std::string text, const std::string& line) {
+        text.erase(text.find(line), line.size());
+        return text;
+    };
+    EXPECT_EQ(BoundText(GL_VERTEX_PROGRAM_ARB),
+              HasVendorPrograms() ? vertexText : without(vertexText, "OPTION NV_vertex_program3;\n"));
+    EXPECT_EQ(BoundText(GL_FRAGMENT_PROGRAM_ARB),
+              HasVendorPrograms() ? fragmentText : without(fragmentText, "OPTION NV_fragment_program2;\n"));
+    EXPECT_NE(BoundText(GL_FRAGMENT_PROGRAM_ARB).find("OPTION ATI_draw_buffers;\n"), std::string::npos);
     vertex.Unbind();
-    GLint length = 0;
-    TShaderOf again(VertexFile(256));
-    ASSERT_TRUE(again.Bind());
-    glGetProgramivARB(GL_VERTEX_PROGRAM_ARB, GL_PROGRAM_LENGTH_ARB, &length);
-    std::string text(static_cast<size_t>(length), ' ');
-    glGetProgramStringARB(GL_VERTEX_PROGRAM_ARB, GL_PROGRAM_STRING_ARB, text.data());
-    again.Unbind();
-    EXPECT_EQ(text.find("!!ARBvp1.0\n"), 0u);
-    EXPECT_EQ(text.find("OPTION NV_vertex_program3;") != std::string::npos, HasVendorPrograms());
+    fragment.Unbind();
+}
+
+// Memory begins with the bottom row: blue and yellow below red and green.
+constexpr uint8_t Quarters[] = {0,   0, 255, 255, 255, 255, 0, 255, // below
+                                255, 0, 0,   255, 0,   255, 0, 255};
+
+TEST_F(QdxShaderDraw, TextureReadsTurnVUpsideDownAndProjectiveOnesBehindTheDivision)
+{
+    TRenderTextureInstance texture;
+    texture.Create(2, 2, TF_RGBA8, Quarters);
+    TShaderOf vertex(TexturedVertexFile());
+    const int turned = 1 | 0 << 2 | 2 << 4 | 3 << 6;
+    struct TCase
+    {
+        int Opcode;
+        int Swizzle;
+        float Coordinates[4];
+        TPixel Seen;
+    };
+    const TCase cases[] = {
+        {OpcodeTex, IdentitySwizzle, {0.25f, 0.25f, 0, 1}, {255, 0, 0, 255}},
+        {OpcodeTex, IdentitySwizzle, {0.75f, 0.75f, 0, 1}, {255, 255, 0, 255}},
+        {OpcodeTex, turned, {0.75f, 0.25f, 0, 1}, {0, 0, 255, 255}},
+        {OpcodeTxp, IdentitySwizzle, {0.5f, 0.5f, 0, 2}, {255, 0, 0, 255}},
+        {OpcodeTxp, IdentitySwizzle, {3, 3, 0, 4}, {255, 255, 0, 255}},
+        {OpcodeTxp, turned, {1.5f, 0.5f, 0, 2}, {0, 0, 255, 255}},
+    };
+    for (const TCase& test : cases) {
+        TShoFile file;
+        file.Microcode = FragmentBytes({ReadTexture(test.Opcode, 0, test.Swizzle)});
+        TShaderOf fragment(file);
+        fragment.SetTexture(0, &texture);
+        vertex.SetVertexValue(1, test.Coordinates, 4);
+        const TPixel seen = Draw(vertex, fragment);
+        EXPECT_TRUE(IsClose(seen, test.Seen)) << seen << " with opcode " << test.Opcode;
+    }
+}
+
+TEST_F(QdxShaderDraw, TheScaleOfAUnitStandsBehindTheLiterals)
+{
+    TRenderTextureInstance texture;
+    texture.Create(2, 2, TF_RGBA8, Quarters);
+    TShoFile file;
+    file.Microcode =
+        FragmentBytes({ReadTexture(OpcodeTex, 2), Operate(OpcodeMul, 0, Temp(0), Literal(), {1, 1, 1, 1}),
+                       Operate(OpcodeAdd, 0, Temp(0), Literal(), {0, 0.5f, 0, 0}),
+                       Operate(OpcodeMul, 0, Temp(0), Literal(), {1, 1, 1, 1})});
+    file.Constants = {{NameToCrc("tint"), 0, 0, 0, {0}},
+                      {NameToCrc("unused"), 0, 0, 0, {0}},
+                      {NameToCrc("lift"), 0, 0, 0, {0}}};
+    file.PatchLists = {{2, 6}, {}, {4}};
+    TShaderOf vertex(TexturedVertexFile());
+    TShaderOf fragment(file);
+    const float corner[4] = {0.25f, 0.25f, 0, 1};
+    const auto draw = [&] {
+        fragment.SetTexture(2, &texture);
+        vertex.SetVertexValue(1, corner, 4);
+        return Draw(vertex, fragment);
+    };
+    EXPECT_TRUE(IsClose(draw(), {255, 128, 0, 255}));
+    ASSERT_TRUE(fragment.Bind());
+    EXPECT_EQ(LocalOf(0), (std::vector<float>{1, 1, 1, 1}));
+    EXPECT_EQ(LocalOf(1), (std::vector<float>{0, 0.5f, 0, 0}));
+    EXPECT_EQ(LocalOf(2), (std::vector<float>{1, 1, 1, 1}));
+    // Units 0 and 1 have slots, but no texture.
+    EXPECT_EQ(LocalOf(3), (std::vector<float>{0, 0, 0, 0}));
+    EXPECT_EQ(LocalOf(4), (std::vector<float>{0, 0, 0, 0}));
+    EXPECT_EQ(LocalOf(5), (std::vector<float>{1, -1, 1, 1}));
+    const float half[4] = {0.5f, 0.5f, 0.5f, 1};
+    const float lift[4] = {0, 0, 0.75f, 0};
+    fragment.SetConstant(fragment.FindConstant("tint"), half);
+    fragment.SetConstant(fragment.FindConstant("unused"), lift);
+    EXPECT_TRUE(IsClose(draw(), {64, 64, 0, 255}));
+    fragment.SetConstant(fragment.FindConstant("lift"), lift);
+    EXPECT_TRUE(IsClose(draw(), {64, 0, 96, 255}));
+    ASSERT_TRUE(fragment.Bind());
+    EXPECT_EQ(LocalOf(0), (std::vector<float>{0.5f, 0.5f, 0.5f, 1}));
+    EXPECT_EQ(LocalOf(1), (std::vector<float>{0, 0, 0.75f, 0}));
+    EXPECT_EQ(LocalOf(2), (std::vector<float>{0.5f, 0.5f, 0.5f, 1}));
+    fragment.Unbind();
+}
+
+TEST_F(QdxShaderDraw, AProgramOfFortyRegistersDrawsWhatItComputes)
+{
+    // Each register adds a little to the one before it.
+    std::vector<TFragmentCode> program = {Operate(OpcodeMov, 5, Literal(), Input(), {0.25f, 0, 1, 1})};
+    TShoFile file;
+    file.Constants = {{NameToCrc("step"), 0, 0, 0, {0}}};
+    file.PatchLists = {{}};
+    for (int r = 5; r < 45; ++r) {
+        file.PatchLists[0].push_back(2 * (r - 4) + 1);
+        program.push_back(
+            Operate(OpcodeAdd, r + 1, Temp(r), Literal(), {1 / 80.0f, 1 / 40.0f, -1 / 80.0f, 0}));
+    }
+    program.push_back(Operate(OpcodeMov, 0, Temp(45), Input(), {}));
+    file.Microcode = FragmentBytes(program);
+    TShaderOf vertex(VertexFile(256));
+    TShaderOf fragment(file);
+    const std::string text = Text(fragment.GetFragmentProgram()->GetText());
+    EXPECT_NE(text.find("\nTEMP T0;\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("R45"), std::string::npos);
+    EXPECT_TRUE(IsClose(Draw(vertex, fragment), {191, 255, 128, 255}));
+    const float step[4] = {0, 1 / 160.0f, 0, 0};
+    fragment.SetConstant(0, step);
+    EXPECT_TRUE(IsClose(Draw(vertex, fragment), {64, 64, 255, 255}));
 }
 
 TEST_F(QdxShaderDraw, AStreamHasABufferOnlyWhileOneIsOfUse)

@@ -297,6 +297,42 @@ TEST(QdxShader, VertexProgramWithoutEndFails)
     EXPECT_EQ("Vertex program has no end\n", TParsed(file.Bytes()).Log);
 }
 
+TEST(QdxShader, WhatStandsBehindTheLastVertexInstructionIsNotRun)
+{
+    TShoFile file = VertexFile();
+    TVertexCode rest;
+    rest.Vector = 1;
+    rest.VectorTemporary = 9;
+    const std::string one = file.Microcode;
+    file.Microcode = one + VertexBytes({rest, rest});
+    const TParsed parsed(file.Bytes());
+    ASSERT_TRUE(parsed.IsRead) << parsed.Log;
+    EXPECT_EQ(1, parsed.Shader.GetVertexProgram()->GetSize());
+    file.Microcode = one;
+    EXPECT_EQ(parsed.Shader.GetVertexProgram(), TParsed(file.Bytes()).Shader.GetVertexProgram());
+}
+
+TEST(QdxShader, AVertexProgramLongerThanTheStoreIsFatalAndTheNextIsRead)
+{
+    TVertexCode code;
+    code.Vector = 1;
+    TVertexCode last = code;
+    last.Last = true;
+    TShoFile file = VertexFile();
+    std::vector<TVertexCode> program(543, code);
+    program.push_back(last);
+    file.Microcode = VertexBytes(program);
+    EXPECT_TRUE(TParsed(file.Bytes()).IsRead);
+    program.insert(program.begin(), code);
+    file.Microcode = VertexBytes(program);
+    const std::string bytes = file.Bytes();
+    EXPECT_EQ("m_loadSlot < 544", AssertionOf([&] {
+                  TQdxShader shader;
+                  shader.Parse(Raw(bytes), static_cast<int>(bytes.size()));
+              }));
+    EXPECT_TRUE(TParsed(VertexFile().Bytes()).IsRead);
+}
+
 TEST(QdxShader, EveryTruncationFailsWithALogLine)
 {
     for (const TShoFile& file : {FragmentFile(), VertexFile()}) {

@@ -8,6 +8,7 @@
 #include "particles/cindermill/graph/nodes/renderstage.h"
 #include "particles/cindermill/graph/nodes/renderstages.h"
 #include "particles/effectgraph/nodetype.h"
+#include "shaders/stageshaders.h"
 
 #include <GL/glew.h>
 
@@ -330,6 +331,93 @@ TEST(StageDraw, AllTenProgramsAreTakenByTheDriver)
         EXPECT_FALSE(glIsEnabled(GL_VERTEX_PROGRAM_ARB));
         EXPECT_FALSE(glIsEnabled(GL_FRAGMENT_PROGRAM_ARB));
     }
+}
+
+TEST(StageDraw, EachStageShowsTheTintedRightHalfOfItsPictureUpright)
+{
+    for (const TStageCase& stage : Stages) {
+        SCOPED_TRACE(stage.ClassName);
+        TStageScene scene(stage, "four.dds");
+        TParticle particle = Square(stage);
+        particle.UVs = {0.5f, 0, 1, 1};
+        particle.Colour = {0.25f, 0.5f, 1, 1};
+        scene.Emit({particle});
+        scene.Draw(FarView());
+        for (const float x : {-0.45f, 0.0f, 0.45f}) {
+            EXPECT_PIXEL(scene, x, 0.4f, (TPixel{0, 128, 0, 255}));
+            EXPECT_PIXEL(scene, x, -0.4f, (TPixel{64, 128, 0, 255}));
+        }
+        const int side = CanvasSize / 2;
+        EXPECT_EQ(scene.CountDrawn(), side * side);
+    }
+}
+
+// A stage's fragment program whose first instruction has become one that prints no operand, which no driver
+// takes.
+std::vector<uint8_t> RefusedFragmentImage(const char* className)
+{
+    const TStageShader& shader = *FindStageShader(className);
+    std::vector<uint8_t> image(shader.Fragment, shader.Fragment + shader.FragmentSize);
+    const auto number = [&](size_t at, size_t bytes) {
+        size_t value = 0;
+        for (size_t i = 0; i < bytes; ++i)
+            value = value << 8 | image[at + i];
+        return value;
+    };
+    const size_t block = number(22, 2);
+    const size_t microcode = block + number(block + 16, 4);
+    // The opcode's byte, as the halves of a word are exchanged.
+    image[microcode + 2] &= 0xC0;
+    return image;
+}
+
+// Lends a stage's class another fragment shader.
+class TLentShader
+{
+public:
+    TLentShader(TRenderStage& stage, TQdxShader& shader)
+        : Static(const_cast<TRenderStageStatic&>(stage.GetStaticData())), Own(Static.FragmentShader)
+    {
+        Static.FragmentShader = &shader;
+    }
+    ~TLentShader() { Static.FragmentShader = Own; }
+    TLentShader(const TLentShader&) = delete;
+    TLentShader& operator=(const TLentShader&) = delete;
+
+private:
+    TRenderStageStatic& Static;
+    TQdxShader* Own;
+};
+
+TEST(StageDraw, AStageWhoseProgramIsRefusedLogsItOnceAndTheOthersGoOn)
+{
+    TQdxShader refused;
+    const std::vector<uint8_t> image = RefusedFragmentImage("TQuadRenderStage");
+    ASSERT_TRUE(refused.Parse(image.data(), static_cast<int>(image.size())));
+
+    TStageScene scene(Quad, "red.dds");
+    scene.Add(Sprite, "green.dds");
+    TParticle particle;
+    particle.Scale = {0.25f, 0.25f};
+    scene.Emit({particle});
+    {
+        const TLentShader lent(scene.Stage(0), refused);
+        const std::string log = LogOf([&] { scene.Draw(); });
+        EXPECT_NE(log.find("\nNOP ;\n"), std::string::npos) << log;
+        EXPECT_NE(log.find("\nopengl arb shader assemble error at position "), std::string::npos) << log;
+        EXPECT_PIXEL(scene, 0.0f, 0.0f, Green);
+        for (const GLenum state : {GL_BLEND, GL_VERTEX_PROGRAM_ARB, GL_FRAGMENT_PROGRAM_ARB})
+            EXPECT_FALSE(glIsEnabled(state));
+        scene.Clear();
+        EXPECT_EQ(LogOf([&] { scene.Draw(); }), "");
+        EXPECT_PIXEL(scene, 0.0f, 0.0f, Green);
+        scene.Nodes[1]->GetNodeType()->SetFlag(FL_BYPASSED, true);
+        scene.Clear();
+        scene.Draw();
+        EXPECT_EQ(scene.CountDrawn(), 0);
+    }
+    scene.Draw();
+    EXPECT_PIXEL(scene, 0.0f, 0.0f, Red);
 }
 
 TEST(StageDraw, ARedTextureComesOutRed)
