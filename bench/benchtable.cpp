@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iostream>
 #include <map>
+#include <set>
 
 namespace {
 
@@ -27,9 +28,12 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override
     {
         ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs)
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred)
+        for (const Run& run : runs) {
+            if (run.error_occurred)
+                Failed.insert(GetName(run));
+            else if (run.run_type == Run::RT_Iteration)
                 Add(run);
+        }
     }
     // 0 if the benchmark did not run.
     double Get(const std::string& name) const
@@ -37,8 +41,15 @@ public:
         const auto it = Times.find(name);
         return it != Times.end() ? it->second : 0;
     }
+    bool HasFailed(const std::string& name) const { return Failed.count(name) != 0; }
+    bool HasAnyFailed() const { return !Failed.empty(); }
 
 private:
+    static std::string GetName(const Run& run)
+    {
+        const std::string& arguments = run.run_name.args;
+        return run.run_name.function_name + (arguments.empty() ? "" : "/" + arguments);
+    }
     void Add(const Run& run)
     {
         const auto things = run.counters.find(ItemCounter);
@@ -46,14 +57,13 @@ private:
         // Not the time on the clock: other programs' turns are in that.
         const double time =
             run.cpu_accumulated_time / static_cast<double>(std::max<int64_t>(run.iterations, 1)) / count;
-        const std::string& arguments = run.run_name.args;
-        const std::string name = run.run_name.function_name + (arguments.empty() ? "" : "/" + arguments);
-        const auto [it, isNew] = Times.emplace(name, time);
+        const auto [it, isNew] = Times.emplace(GetName(run), time);
         if (!isNew)
             it->second = std::min(it->second, time);
     }
 
     std::map<std::string, double> Times;
+    std::set<std::string> Failed;
 };
 
 std::string TimeText(double seconds)
@@ -84,6 +94,10 @@ void PrintLine(const std::string& label, const std::string& time, const std::str
 
 void PrintRow(const TBenchRow& row, const TShortestTimes& times)
 {
+    if (times.HasFailed(row.Measured) || times.HasFailed(row.Baseline)) {
+        PrintLine(row.Label, "", "", "", "FAILED");
+        return;
+    }
     const double time = times.Get(row.Measured);
     const double baseline = times.Get(row.Baseline);
     if (time == 0 || (baseline == 0 && !row.Baseline.empty()))
@@ -134,5 +148,5 @@ int main(int argc, char** argv)
         PrintLine("", "time", "baseline", "ratio", "figure");
     for (const TBenchRow& row : Rows())
         PrintRow(row, times);
-    return 0;
+    return times.HasAnyFailed() ? 1 : 0;
 }

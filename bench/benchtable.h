@@ -22,7 +22,8 @@ struct TBenchRow
 };
 
 // Adds a row to the table that the program prints in the end: the shortest time of all repetitions beside
-// that of the baseline, and their ratio. Without a baseline the row has only the time.
+// that of the baseline, and their ratio. Without a baseline the row has only the time. A row whose benchmark
+// failed says so, and the program then ends with 1.
 void AddRow(const TBenchRow& row);
 
 // A program defines this: it registers its benchmarks and adds its rows. False ends the program.

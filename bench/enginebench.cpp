@@ -144,24 +144,23 @@ std::string Name(const char* function, int count)
     return std::string(function) + "/" + std::to_string(count);
 }
 
+// All times are those of one particle in one frame.
 void AddRows()
 {
     for (const int count : Counts) {
-        const std::string particles = std::to_string(count) + " particles";
+        const std::string what = "update per particle, " + std::to_string(count);
         const double limit = count <= 100000 ? 2 : 0;
-        AddRow({"update, " + particles + " / by hand", Name("Update", count), Name("HandWritten", count),
-                limit});
-        AddRow({"update, " + particles + " / memory copy", Name("Update", count), Name("MemoryCopy", count)});
+        AddRow({what + " / by hand", Name("Update", count), Name("HandWritten", count), limit});
+        AddRow({what + " / memory copy", Name("Update", count), Name("MemoryCopy", count)});
     }
     for (const int count : Counts) {
-        const std::string particles = std::to_string(count) + " particles";
-        AddRow({"1 in 50 born and dead, " + particles + " / only born", Name("UpdateWithDeaths", count),
-                Name("UpdateWithBirths", count), 1.5});
-        AddRow({"1 in 50 born and dead, " + particles + " / neither", Name("UpdateWithDeaths", count),
-                Name("Update", count)});
+        const std::string what = "the same, 1 in 50 born and dead, " + std::to_string(count);
+        AddRow(
+            {what + " / only born", Name("UpdateWithDeaths", count), Name("UpdateWithBirths", count), 1.5});
+        AddRow({what + " / neither", Name("UpdateWithDeaths", count), Name("Update", count)});
     }
-    AddRow({"update, 1000000 particles / 10000", Name("Update", 1000000), Name("Update", 10000), 3.5});
-    AddRow({"by hand, 1000000 particles / 10000", Name("HandWritten", 1000000), Name("HandWritten", 10000)});
+    AddRow({"update per particle, 1000000 / 10000", Name("Update", 1000000), Name("Update", 10000), 3.5});
+    AddRow({"by hand, 1000000 / 10000", Name("HandWritten", 1000000), Name("HandWritten", 10000)});
 }
 
 } // namespace

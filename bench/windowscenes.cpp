@@ -308,17 +308,18 @@ TPreviewPicture::TPreviewPicture(int particles)
     window.Show();
     FitWindow(window, window.GetRenderWindow());
     Document->AddNodeDisplay(&Counter);
-    Fill(particles);
-    Window = &window.GetRenderWindow();
+    Fill();
     Show(false);
+    if (CountParticles() == particles)
+        Window = &window.GetRenderWindow();
 }
 
 TPreviewPicture::~TPreviewPicture()
 {
-    if (Window != nullptr)
-        Document->RemoveNodeDisplay(&Counter);
     if (Document == nullptr)
         return;
+    if (Windows != nullptr)
+        Document->RemoveNodeDisplay(&Counter);
     Document->SetModified(false);
     TCindermillApp::Get().CloseDocument(Document);
 }
@@ -330,7 +331,7 @@ void TPreviewPicture::Show(bool shown)
 }
 
 // All particles in the first step; then they fly for half a second.
-void TPreviewPicture::Fill(int)
+void TPreviewPicture::Fill()
 {
     constexpr int flight = 25;
     const TEffectGraph& graph = *Document->GetGraph();
@@ -352,7 +353,7 @@ void TPreviewPicture::Paint()
     PaintWindow(*Window, Counter.Count);
 }
 
-int TPreviewPicture::GetNumParticles() const
+int TPreviewPicture::CountParticles() const
 {
     const TEffectExec& engine = Document->GetEngine();
     int count = 0;

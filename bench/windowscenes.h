@@ -84,10 +84,10 @@ public:
     void Show(bool shown);
     // One step of the effect and its picture.
     void Paint();
-    int GetNumParticles() const;
 
 private:
-    void Fill(int particles);
+    void Fill();
+    int CountParticles() const;
 
     TDocument* Document = nullptr;
     TDocumentWindows* Windows = nullptr;

@@ -16,19 +16,21 @@ enum TPortWay
 };
 
 // Where the values of one port stand while its node goes over the particles. What is the same for all
-// particles is found once, ahead of the loop; values that cannot be used as they stand are brought into a
-// shape that can, some at a time, so that the loop itself meets one kind of port only.
+// particles is found once, ahead of the loop; values that cannot be used as they stand are staged: brought
+// into a shape that can, some at a time, so that the loop itself meets one kind of port only.
 struct TNodePort
 {
     static constexpr int NumStaged = 32;
 
-    // The value of index 0, and the bytes from one index to the next: 0 where all particles share one value.
+    // For the loop: the place where index 0 is or would be, and the bytes from one index to the next, 0 where
+    // all particles share one value.
     uint8_t* Base = nullptr;
     ptrdiff_t Step = 0;
     // How many floats are copied, at least one, and how many zeros an output has behind them.
     int Floats = 1;
     int Zeros = 0;
 
+    // What is found ahead of the loop.
     TPortWay Way = PW_CHECKED;
     // The attribute at ring position 0, and the bytes from one position to the next.
     uint8_t* Data = nullptr;
@@ -36,10 +38,11 @@ struct TNodePort
     // An input's types are those of its attribute and of the port; an output's, the other way round.
     int From = 0;
     int To = 0;
-    // Of `From`.
+    // An input's, of `From`.
     int FromFloats = 0;
     // What a bypassed node's output takes its value from; -1 for zero.
     int BypassInput = -1;
+
     // Values on their way in or out. The first also holds the value of an input that is not wired, and takes
     // that of an output that nobody reads.
     TPortValue Staged[NumStaged];

@@ -41,49 +41,54 @@ void MoveItems(void* base, int stride, int from, int to, int count)
                  static_cast<size_t>(count) * size);
 }
 
-void FillItems(void* base, int stride, int from, int to, int count)
+// The item at `from` into each of `count` places from `to` on.
+void RepeatItem(void* base, int stride, int from, int to, int count)
 {
     for (int i = 0; i < count; ++i)
         MoveItems(base, stride, from, to + i, 1);
 }
 
 // What the removal of one particle after the other from a run leaves of an array of items, in one pass. Each
-// death moves the items by `shift` places; the item at the run's end stays where it is and is what moves in.
+// death moves the items between itself and the run's open end by `shift` places away from that end. The item
+// at the end stays where it is, and is what fills the places that nothing else moves into.
 
-// `dead` holds the indices in the high run, the last one first; each death moves the run's start at `first`
-// up.
+// `dead` holds the indices in the high run, the last one first. The run's open end is its start at `first`,
+// which each death moves up.
 void CloseUpwards(void* base, int stride, int shift, int first, const int* dead, int count)
 {
     for (int d = 0; d < count; ++d) {
-        // Deaths that came earlier had moved this one's position.
+        // The places that d + 1 deaths move items into: deaths that came earlier had moved this one's.
         const int last = first + dead[d] + d;
         const int begin = (d + 1 < count ? first + dead[d + 1] + d + 1 : first) + 1;
         const int distance = shift * (d + 1);
+        // Below it, they would come from outside of the run.
         const int split = begin - distance < first ? first + distance : begin;
         if (split <= last)
             MoveItems(base, stride, split - distance, split, last + 1 - split);
-        FillItems(base, stride, first, begin, (split <= last ? split : last + 1) - begin);
+        RepeatItem(base, stride, first, begin, (split <= last ? split : last + 1) - begin);
     }
 }
 
-// `dead` holds the indices in the low run, which begins at index `top`, the last one first; each death moves
-// the run's end at `head` down.
+// `dead` holds the indices in the low run, which begins at index `top`, the last one first. The run's open
+// end is the place behind it at `head`, which each death moves down.
 void CloseDownwards(void* base, int stride, int shift, int head, const int* dead, int count, int top)
 {
     int begin = 0;
     int next = dead[count - 1] - top;
     for (int d = 0; d < count; ++d) {
+        // The places that d + 1 deaths move items into end where the next death's begin.
         begin = next;
         if (d + 1 == count)
             next = head;
         else if (dead[count - 2 - d] - top - shift * (d + 1) > begin)
             next = dead[count - 2 - d] - top - shift * (d + 1);
         const int distance = shift * (d + 1);
+        // From it on, they would come from outside of the run.
         const int split = next + distance > head ? head - distance : next;
         if (begin < split)
             MoveItems(base, stride, begin + distance, begin, split - begin);
         const int fill = begin < split ? split : begin;
-        FillItems(base, stride, head, fill, next - fill);
+        RepeatItem(base, stride, head, fill, next - fill);
     }
 }
 

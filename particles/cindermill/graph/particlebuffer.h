@@ -98,13 +98,14 @@ void TParticleBuffer::ForEachValue(int attrib, int usage, int first, int count, 
         work(GetAttribute(attrib, usage, 0));
         return;
     }
-    int left = count;
-    while (left > 0) {
-        float* value = GetAttribute(attrib, usage, first + count - left);
-        const int above = GetBufferSize() - RingPosition(first + count - left);
-        for (int run = left < above ? left : above; run > 0; --run, --left) {
-            work(value);
-            value += Blocks[usage].Stride / static_cast<int>(sizeof(float));
-        }
+    const int floats = Blocks[usage].Stride / static_cast<int>(sizeof(float));
+    for (int index = first; index < first + count;) {
+        float* value = GetAttribute(attrib, usage, index);
+        const int left = first + count - index;
+        const int above = GetBufferSize() - RingPosition(index);
+        const int run = left < above ? left : above;
+        for (int i = 0; i < run; ++i)
+            work(value + i * floats);
+        index += run;
     }
 }

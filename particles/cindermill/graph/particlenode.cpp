@@ -16,11 +16,7 @@ void TParticleNode::ExecuteDown(int count, float dt)
         return;
     FindPorts();
     BeginRun();
-    const int above = CountAboveWrap(count);
-    const int base = Buffer->GetFirstPosition();
-    const auto execute = [&](int index, int number) { ExecuteRange(index, -1, number, dt); };
-    RunDense(base - Buffer->GetBufferSize(), count - 1, -1, count - above, execute);
-    RunDense(base, above - 1, -1, above, execute);
+    RunDown(count, [&](int index, int number) { ExecuteRange(index, -1, number, dt); });
 }
 
 void TParticleNode::ExecuteUp(int count, float dt)
@@ -29,11 +25,7 @@ void TParticleNode::ExecuteUp(int count, float dt)
         return;
     FindPorts();
     BeginRun();
-    const int above = CountAboveWrap(count);
-    const int base = Buffer->GetFirstPosition();
-    const auto execute = [&](int index, int number) { ExecuteRange(index, 1, number, dt); };
-    RunDense(base, 0, 1, above, execute);
-    RunDense(base - Buffer->GetBufferSize(), above, 1, count - above, execute);
+    RunUp(count, [&](int index, int number) { ExecuteRange(index, 1, number, dt); });
 }
 
 void TParticleNode::BypassUp(int count)
@@ -42,15 +34,10 @@ void TParticleNode::BypassUp(int count)
         return;
     FindBypassPorts();
     // Staging would bring the inputs in before an output that may be the place of another input is written.
-    if (PieceSize != INT_MAX) {
+    if (PieceSize == INT_MAX)
+        RunUp(count, [&](int index, int number) { BypassRange(index, number); });
+    else
         TEffectExecNode::BypassUp(count);
-        return;
-    }
-    const int above = CountAboveWrap(count);
-    const int base = Buffer->GetFirstPosition();
-    const auto bypass = [&](int index, int number) { BypassRange(index, number); };
-    RunDense(base, 0, 1, above, bypass);
-    RunDense(base - Buffer->GetBufferSize(), above, 1, count - above, bypass);
 }
 
 void TParticleNode::BypassRange(int index, int count)
@@ -69,6 +56,24 @@ int TParticleNode::CountAboveWrap(int count) const
     if (above < 0)
         return 0;
     return above < count ? above : count;
+}
+
+template <class TWork>
+void TParticleNode::RunUp(int count, TWork&& work)
+{
+    const int above = CountAboveWrap(count);
+    const int base = Buffer->GetFirstPosition();
+    RunDense(base, 0, 1, above, work);
+    RunDense(base - Buffer->GetBufferSize(), above, 1, count - above, work);
+}
+
+template <class TWork>
+void TParticleNode::RunDown(int count, TWork&& work)
+{
+    const int above = CountAboveWrap(count);
+    const int base = Buffer->GetFirstPosition();
+    RunDense(base - Buffer->GetBufferSize(), count - 1, -1, count - above, work);
+    RunDense(base, above - 1, -1, above, work);
 }
 
 template <class TWork>
@@ -140,7 +145,7 @@ void TParticleNode::FindFirstPorts(int numInputs, int numOutputs)
         FindInputPort(i);
     for (int o = 0; o < NumOutputs; ++o)
         FindOutputPort(o);
-    FindPieceSize();
+    ChooseStaging();
 }
 
 void TParticleNode::FindBypassPorts()
@@ -156,24 +161,29 @@ void TParticleNode::FindBypassPorts()
             FindInputPort(input);
         FindOutputPort(o);
     }
-    FindPieceSize();
+    ChooseStaging();
 }
 
-void TParticleNode::FindPieceSize()
+// Staged inputs come in ahead of the work on a piece, and staged outputs go out behind it.
+void TParticleNode::ChooseStaging()
 {
-    PieceSize = INT_MAX;
-    bool isShared = false;
+    bool stagesInputs = false;
     for (int i = 0; i < NumInputs; ++i)
-        if (Inputs[i].Way != PW_PLAIN)
-            PieceSize = TNodePort::NumStaged;
+        stagesInputs = stagesInputs || Inputs[i].Way != PW_PLAIN;
+    bool stagesOutputs = false;
+    bool isShared = false;
     for (int o = 0; o < NumOutputs; ++o) {
-        if (Outputs[o].Way != PW_PLAIN)
-            PieceSize = TNodePort::NumStaged;
+        stagesOutputs = stagesOutputs || Outputs[o].Way != PW_PLAIN;
         isShared = isShared || IsOutputShared(o);
     }
+    // Two outputs may be one attribute, which has to end with the last one's value.
+    for (int o = 0; stagesOutputs && o < NumOutputs; ++o)
+        if (Outputs[o].Way == PW_PLAIN && !Outputs[o].IsOwn())
+            Outputs[o].Way = PW_CONVERTED;
+    PieceSize = INT_MAX;
     // The next particle may read what this one writes.
-    if (isShared && PieceSize != INT_MAX)
-        PieceSize = 1;
+    if (stagesInputs || stagesOutputs)
+        PieceSize = isShared ? 1 : TNodePort::NumStaged;
 }
 
 bool TParticleNode::IsOutputShared(int port) const
@@ -192,11 +202,9 @@ void TParticleNode::FindInputPort(int port)
         FindAttribute(p, attrib);
     } else {
         p.From = p.To;
-        p.UseOwn(ReadPortParameter(port));
+        p.UseOwn(ReadInput(port, 0));
     }
     p.FromFloats = GetTypeFloats(p.From);
-    for (int c = p.FromFloats; attrib == -1 && c < MaxValueFloats; ++c)
-        p.Staged[0][c] = 0;
     // Nothing of the attribute comes through.
     if (p.Way == PW_PLAIN && p.Floats == 0)
         p.UseOwn(TPortValue());
@@ -206,7 +214,6 @@ void TParticleNode::FindOutputPort(int port)
 {
     TNodePort& p = Outputs[port];
     p.From = GetNodeType()->GetOutputType(port);
-    p.FromFloats = GetTypeFloats(p.From);
     const int attrib = GetSchedule().GetTiedNodeOutput(Group, TiedNode, port);
     if (IsTracing()) {
         p.Way = PW_CHECKED;

@@ -33,8 +33,6 @@ protected:
     // The type of the value at the port and its floats, as GetInputType tells it outside of Execute.
     int GetLoadType(int port) const { return Inputs[port].From; }
     int GetLoadFloats(int port) const { return Inputs[port].FromFloats; }
-    // Of the output's type.
-    int GetStoreFloats(int port) const { return Outputs[port].FromFloats; }
     // Whether the input is not wired, so that it has one value for all particles.
     bool IsConstant(int port) const { return Inputs[port].IsOwn(); }
 
@@ -43,12 +41,19 @@ private:
     void FindInputPort(int port);
     void FindOutputPort(int port);
     void FindAttribute(TNodePort& port, int attrib);
-    void FindPieceSize();
+    // How the ports that were found are gone over.
+    void ChooseStaging();
     // Whether all particles write one value.
     bool IsOutputShared(int port) const;
     // How many of the indices from 0 on lie above the place where the ring wraps.
     int CountAboveWrap(int count) const;
-    // The work for indices that lie in one dense run, whose index 0 would be at ring position `base`.
+    // The work for all indices, rising from 0 or falling to it, as work(index, number) for so many of them at
+    // a time. The indices lie in one dense run of the ring or, where it wraps, in two.
+    template <class TWork>
+    void RunUp(int count, TWork&& work);
+    template <class TWork>
+    void RunDown(int count, TWork&& work);
+    // For indices that lie in one dense run, whose index 0 would be at ring position `base`.
     template <class TWork>
     void RunDense(int base, int index, int step, int count, TWork&& work);
     void StageInputs(int base, int index, int step, int count);

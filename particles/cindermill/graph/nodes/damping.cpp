@@ -19,9 +19,8 @@ void TDamping::Execute(int index, float dt)
     TPortValue velocity = Load(0, index);
     const float damping = LoadScalar(1, index);
     const float f = static_cast<float>(1.0 - (1.0 - damping) * dt);
-    const int numHalves = GetStoreFloats(0) > 3 ? 2 : 1;
-    for (int half = 0; half < numHalves; ++half)
-        SetVector(velocity, Scaled(GetVector(velocity, half), f), half);
+    SetVector(velocity, Scaled(GetVector(velocity), f));
+    SetVector(velocity, Scaled(GetVector(velocity, 1), f), 1);
     Store(0, index, velocity);
 }
 

@@ -18,9 +18,8 @@ void TIntegrate::Execute(int index, float dt)
 {
     TPortValue position = Load(0, index);
     const TPortValue velocity = Load(1, index);
-    const int numHalves = GetStoreFloats(0) > 3 ? 2 : 1;
-    for (int half = 0; half < numHalves; ++half)
-        SetVector(position, AddScaled(GetVector(position, half), GetVector(velocity, half), dt), half);
+    SetVector(position, AddScaled(GetVector(position), GetVector(velocity), dt));
+    SetVector(position, AddScaled(GetVector(position, 1), GetVector(velocity, 1), dt), 1);
     Store(0, index, position);
 }
 

@@ -63,7 +63,8 @@ void TShaper::BuildTable()
         for (int k = 0; k < NumChannels; ++k) {
             const double start = Table[i][k];
             Segments[i][k].Start = start;
-            Segments[i][k].Rise = i + 1 < NumSamples ? Table[i + 1][k] - start : 0;
+            // Behind the last sample is nothing to add, which leaves even the sign of a zero alone.
+            Segments[i][k].Rise = i + 1 < NumSamples ? Table[i + 1][k] - start : -0.0;
         }
     }
 }
@@ -80,10 +81,10 @@ void TShaper::Execute(int index, float)
         u = last;
     const int n = static_cast<int>(u);
     const float w = static_cast<float>(static_cast<double>(u) - n);
+    const TSegment* segments = Segments[n];
     TPortValue value;
     for (int k = 0; k < NumChannels; ++k)
-        value[k] = n >= NumSamples - 1 ? Table[n][k]
-                                       : static_cast<float>(Segments[n][k].Rise * w + Segments[n][k].Start);
+        value[k] = static_cast<float>(segments[k].Rise * w + segments[k].Start);
     Store(0, index, value);
 }
 

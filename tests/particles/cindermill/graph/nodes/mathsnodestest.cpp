@@ -295,6 +295,15 @@ TEST(TShaper, ClampsAtBothEnds)
     EXPECT_EQ(bench.At(std::numeric_limits<float>::infinity()), 2);
 }
 
+TEST(TShaper, BehindTheEndTheLastSampleKeepsItsSign)
+{
+    TShaperBench bench(
+        "<Ramp><name>Value</name><type>scalar</type><defaultvalues>{0,1},{1,-0}</defaultvalues></Ramp>");
+    const auto* ramp = bench.Node->GetNodeType()->FindParameterOf<TNodeRampParameter>("Value", PK_RAMP);
+    ASSERT_TRUE(std::signbit(ramp->Evaluate(1, 0)));
+    EXPECT_TRUE(std::signbit(bench.At(7)));
+}
+
 TEST(TShaper, NoNumberCountsAsTheStart)
 {
     TShaperBench bench(StraightRamp);
