@@ -75,6 +75,16 @@ bool TAssertGuard::IsActive()
     return GuardDepth > 0;
 }
 
+TAssertPause::TAssertPause() : Depth(GuardDepth)
+{
+    GuardDepth = 0;
+}
+
+TAssertPause::~TAssertPause()
+{
+    GuardDepth = Depth;
+}
+
 bool IsAssertUnwinding()
 {
     return std::uncaught_exceptions() > 0;

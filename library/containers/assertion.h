@@ -58,6 +58,20 @@ public:
     static bool IsActive();
 };
 
+// Puts the guards of the calling thread out of force for its lifetime: around a loop of the window system
+// that runs inside guarded work, which nothing may unwind.
+class TAssertPause
+{
+public:
+    TAssertPause();
+    ~TAssertPause();
+    TAssertPause(const TAssertPause&) = delete;
+    TAssertPause& operator=(const TAssertPause&) = delete;
+
+private:
+    int Depth;
+};
+
 // True while an assertion is unwinding: destructors must then clean up without asserting.
 bool IsAssertUnwinding();
 

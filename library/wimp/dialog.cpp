@@ -91,6 +91,61 @@ private:
 
 } // namespace
 
+bool TDialog::CreateDialog(int templateId, TWindow* owner)
+{
+    ModalResult = nullptr;
+    TWindowParams params;
+    params.Title = Title;
+    params.Owner = owner;
+    params.Kind = WK_DIALOG;
+    params.Width = Width;
+    params.Height = Height;
+    if (!Create(params))
+        return false;
+    GetHandle()->setObjectName(QStringLiteral("dialog%1").arg(templateId));
+    if (owner == nullptr)
+        GetHandle()->setParent(ModalParent(), GetHandle()->windowFlags());
+    if (OnInit())
+        return true;
+    Destroy();
+    return false;
+}
+
+int TDialog::DoModal(int templateId, TWindow* owner)
+{
+    if (!CreateDialog(templateId, owner))
+        return DR_NONE;
+    QDialog* dialog = static_cast<QDialog*>(GetHandle());
+    // The dialog's owner may take it along.
+    int result = DR_CANCEL;
+    ModalResult = &result;
+    const TModalScope modal;
+    dialog->exec();
+    return result;
+}
+
+bool TDialog::CreateModeless(int templateId, TWindow* owner)
+{
+    if (!CreateDialog(templateId, owner))
+        return false;
+    Show();
+    return true;
+}
+
+void TDialog::End(int result)
+{
+    if (ModalResult != nullptr)
+        *ModalResult = result;
+    ModalResult = nullptr;
+    Destroy();
+}
+
+void TDialog::OnCommand(TWimpControl*, intptr_t, int code)
+{
+    if (code == CC_CLOSE)
+        End(DR_CANCEL);
+}
+
 void ListDialog(int id, const char* title, const vector<TString>& lines)
 {
     TDialogBox box(id, title);

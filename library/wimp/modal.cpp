@@ -1,5 +1,7 @@
 #include "library/wimp/modal.h"
 
+#include "library/wimp/wimp.h"
+
 #include <QtWidgets/QApplication>
 
 QWidget* ModalParent()
@@ -9,9 +11,27 @@ QWidget* ModalParent()
     return QApplication::activeWindow();
 }
 
-TModalScope::TModalScope()
+void FreeMouse()
 {
+    TWimp::Get().LoseMouseDrag();
     if (QWidget* grabber = QWidget::mouseGrabber())
         grabber->releaseMouse();
     QApplication::restoreOverrideCursor();
+}
+
+static int NestedLoops = 0;
+
+TNestedLoopScope::TNestedLoopScope()
+{
+    ++NestedLoops;
+}
+
+TNestedLoopScope::~TNestedLoopScope()
+{
+    --NestedLoops;
+}
+
+bool TNestedLoopScope::IsActive()
+{
+    return NestedLoops > 0;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/assertion.h"
 #include "library/wimp/windowpeer.h"
 
 // This header shows the window system: only the framework includes it.
@@ -7,12 +8,31 @@
 // The window that a dialog stands in front of, or null.
 QWidget* ModalParent();
 
-// While a dialog or a menu waits for its answer: the mouse is free, and windows that go wait with their end.
-class TModalScope
+// While a loop of the window system runs inside other work: windows that go wait with their end, a failed
+// assertion unwinds nothing, and nothing can be dropped.
+class TNestedLoopScope
 {
 public:
-    TModalScope();
+    TNestedLoopScope();
+    ~TNestedLoopScope();
+    TNestedLoopScope(const TNestedLoopScope&) = delete;
+    TNestedLoopScope& operator=(const TNestedLoopScope&) = delete;
+    static bool IsActive();
 
 private:
     TEventScope Scope;
+    TAssertPause Pause;
+};
+
+// Takes the mouse from whoever has it, for a dialog or a menu.
+void FreeMouse();
+
+// While a dialog or a menu waits for its answer.
+class TModalScope
+{
+public:
+    TModalScope() { FreeMouse(); }
+
+private:
+    TNestedLoopScope Scope;
 };

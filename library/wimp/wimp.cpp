@@ -132,6 +132,14 @@ bool TWimp::Step()
     return !IsQuitting();
 }
 
+bool TWimp::StepInside(bool input)
+{
+    if (!IsQuitting())
+        QAbstractEventDispatcher::instance()->processEvents(input ? QEventLoop::AllEvents
+                                                                  : QEventLoop::ExcludeUserInputEvents);
+    return !IsQuitting();
+}
+
 bool TWimp::Turn(bool mayWait)
 {
     const bool idle = (Flags & FL_IDLE) != 0;
@@ -184,6 +192,15 @@ void TWimp::SetMouseDrag(TMouseDrag* drag)
 {
     ASSERT_TEXT(MouseDrag == nullptr, "MouseDrag == 0");
     MouseDrag = drag;
+}
+
+void TWimp::LoseMouseDrag()
+{
+    TMouseDrag* drag = MouseDrag;
+    if (drag != nullptr)
+        drag->OnCaptureLost();
+    if (MouseDrag == drag)
+        MouseDrag = nullptr;
 }
 
 void TWimp::SetMDIClient(TWindowHandle handle)

@@ -12,9 +12,9 @@ struct TMessage;
 class TWimpApp
 {
 public:
-    virtual ~TWimpApp() = default;
     // One idle pass: the loop found nothing to do.
     virtual void OnIdle() = 0;
+    virtual ~TWimpApp() = default;
 };
 
 // Who gets the mouse during a drag, before any window.
@@ -24,6 +24,8 @@ public:
     virtual ~TMouseDrag() = default;
     // Pixels of the window that captured the mouse; TMouseButton bits.
     virtual void OnMouseMove(int x, int y, int buttons) = 0;
+    // A dialog or a menu has taken the mouse away. The release may never be heard of.
+    virtual void OnCaptureLost() {}
 };
 
 // The window framework: one message loop, one drag at a time.
@@ -48,12 +50,17 @@ public:
     // One turn of the loop, for code that keeps the windows alive during a long wait; does not block. False
     // once to quit.
     bool Step();
+    // The same for a wait inside other work: no idle pass runs, and without `input` what the person does is
+    // left for later turns.
+    bool StepInside(bool input);
     void Quit();
     bool IsQuitting() const;
 
     // Asserts "MouseDrag == 0".
     void SetMouseDrag(TMouseDrag* drag);
     void ClearMouseDrag() { MouseDrag = nullptr; }
+    // Ends a running drag, which hears of it.
+    void LoseMouseDrag();
     TMouseDrag* GetMouseDrag() const { return MouseDrag; }
 
     // Assert "!IsMDIApp()", and "IsMDIApp()" and "hwnd == MDIClientHwnd".

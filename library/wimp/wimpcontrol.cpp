@@ -8,8 +8,18 @@ TWimpControl::~TWimpControl()
     QWidget* widget = Handle;
     if (Owner != nullptr && widget != nullptr)
         Owner->RemoveSubControl(this);
-    if (widget != nullptr)
-        DisposeWidget(widget);
+    if (widget == nullptr)
+        return;
+    // It may stay for a while, and must not tell any more.
+    widget->blockSignals(true);
+    DisposeWidget(widget);
+}
+
+void TWimpControl::Report(intptr_t argument, int code)
+{
+    TEventScope scope;
+    if (Owner != nullptr)
+        Owner->OnCommand(this, argument, code);
 }
 
 void TWimpControl::Bind(TWindowHandle handle, TWindow* owner)

@@ -15,6 +15,8 @@ enum TCommandCode
     CC_MENU = 1,
     CC_BUTTON = 7,
     CC_SELECTION = 11,
+    // A person changed a text or a number.
+    CC_EDITED = 12,
     CC_DROP = 34
 };
 
@@ -46,6 +48,8 @@ protected:
 
     // Makes the control known to its owner. Asserts "Hwnd != 0 : Bad control handle".
     void Bind(TWindowHandle handle, TWindow* owner);
+    // Tells the owner, as long as there is one.
+    void Report(intptr_t argument, int code);
     // The owner or its widget goes: the control has no handle from now on.
     void Unbind();
 

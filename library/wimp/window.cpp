@@ -87,7 +87,11 @@ bool TWindow::Create(const TWindowParams& params)
         return true;
     }
     SetTitle(params.Title);
-    MoveTo(params.X, params.Y, params.Width, params.Height);
+    // The window system finds a dialog's place.
+    if (Kind == WK_DIALOG)
+        Handle->resize(params.Width, params.Height);
+    else
+        MoveTo(params.X, params.Y, params.Width, params.Height);
     return true;
 }
 
@@ -116,6 +120,8 @@ void TWindow::ForgetWidget()
     SubControls.clear();
     TWimp::Get().RemoveShortcuts(Handle);
     TWindowMap::Remove(this);
+    TWindowMap::ForgetKeyOwner(this);
+    KeyOwner = nullptr;
     Peer = nullptr;
     Unbind();
 }
@@ -140,7 +146,7 @@ void TWindow::MoveTo(int x, int y, int width, int height)
 {
     if (Peer == nullptr)
         return;
-    if (Kind == WK_TOP || Kind == WK_MAIN) {
+    if (Kind == WK_TOP || Kind == WK_MAIN || Kind == WK_DIALOG) {
         Handle->move(x, y);
         Handle->resize(width, height);
         return;

@@ -40,6 +40,8 @@ enum TWindowKind
     WK_MDICHILD,
     // A window of its own on the screen.
     WK_TOP,
+    // A window of its own with controls, in front of its owner.
+    WK_DIALOG,
     // The application's main window: menu, status bar, MDI client.
     WK_MAIN
 };
@@ -109,6 +111,10 @@ public:
     // While captured, mouse messages come here wherever the pointer is.
     void SetCapture();
     void ReleaseCapture();
+    // Whose tables are offered the keys that this window and its tables leave: by itself its owner. Null, or
+    // a window that goes, gives them back to the owner.
+    void SetKeyOwner(TWindow* window) { KeyOwner = window; }
+    TWindow* GetKeyOwner() const { return KeyOwner != nullptr ? KeyOwner : Owner; }
     void StartTimer(int timer, int milliseconds) override;
     void StopTimer(int timer) override;
     // For a window with a vertical scroll bar; a page of the whole hides it.
@@ -145,6 +151,7 @@ private:
 
     sortedmap<TWindowHandle, TWimpControl*> SubControls;
     class TWindowPeer* Peer = nullptr;
+    TWindow* KeyOwner = nullptr;
     const TWindowClass* Class = nullptr;
     TWindowKind Kind = WK_CHILD;
     int MouseX = 0;

@@ -22,6 +22,8 @@
 #include <QtWidgets/QMdiSubWindow>
 #include <QtWidgets/QScrollBar>
 
+#include <cstring>
+
 namespace {
 
 int EventDepth = 0;
@@ -62,6 +64,32 @@ int ToKey(int key)
     return key >= Qt::Key_Space && key <= Qt::Key_AsciiTilde ? key : 0;
 }
 
+// Letters by their places on the keyboard.
+struct TKeyRow
+{
+    int First;
+    const char* Letters;
+};
+
+constexpr TKeyRow KeyRows[] = {{16, "QWERTYUIOP"}, {30, "ASDFGHJKL"}, {44, "ZXCVBNM"}};
+
+// With a keyboard of another script a key is the Latin letter of its place, so that shortcuts work all the
+// same.
+int ToKey(const QKeyEvent& event)
+{
+    constexpr int LastCharacter = 0x10FFFF;
+    const int key = ToKey(event.key());
+    if (key != 0 || event.key() <= Qt::Key_AsciiTilde || event.key() > LastCharacter)
+        return key;
+    // Places are counted from 8 on but on one platform.
+    const int first = QGuiApplication::platformName() == QLatin1String("windows") ? 0 : 8;
+    const int place = static_cast<int>(event.nativeScanCode()) - first;
+    for (const TKeyRow& row : KeyRows)
+        if (place >= row.First && place < row.First + static_cast<int>(strlen(row.Letters)))
+            return row.Letters[place - row.First];
+    return 0;
+}
+
 int ToButtons(Qt::MouseButtons buttons)
 {
     return (buttons.testFlag(Qt::LeftButton) ? MB_LEFT : 0) |
@@ -81,11 +109,12 @@ bool IsModifier(int key)
     return key == KEY_SHIFT || key == KEY_CTRL || key == KEY_ALT;
 }
 
-// The window's own tables, then those of its owners.
+// The window's own tables, then those of the windows that it leaves its keys to.
 bool OfferKey(TWindow* window, const TMessage& message)
 {
     while (window != nullptr) {
-        TWindow* owner = window->GetOwner();
+        // The windows behind a dialog have no say.
+        TWindow* owner = window->GetKind() != WK_DIALOG ? window->GetKeyOwner() : nullptr;
         if (!IsModifier(message.Key))
             TWimp::Get().SyncModifiers(*window, message.KeyFlags);
         if (TWimp::Get().HandleKey(*window, message))
@@ -195,6 +224,13 @@ TWindow* TWindowMap::FindBelow(TWindowHandle handle)
     return nullptr;
 }
 
+void TWindowMap::ForgetKeyOwner(const TWindow* window)
+{
+    for (const auto& entry : Windows())
+        if (entry.second->GetKeyOwner() == window)
+            entry.second->SetKeyOwner(nullptr);
+}
+
 bool TWindowMap::IsEmpty()
 {
     return Windows().empty();
@@ -285,7 +321,10 @@ bool TWindowPeer::HandleEvent(QEvent* event)
         return false;
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-        SendKey(*static_cast<QKeyEvent*>(event), event->type() == QEvent::KeyPress);
+        // A dialog has its own answers to Return and Escape.
+        if (!SendKey(*static_cast<QKeyEvent*>(event), event->type() == QEvent::KeyPress) &&
+            Window != nullptr && Window->GetKind() == WK_DIALOG)
+            return false;
         event->accept();
         return true;
     case QEvent::InputMethod:
@@ -392,26 +431,29 @@ bool TWindowPeer::SendWheel(const QWheelEvent& event)
     return message.Delta != 0 && Send(message);
 }
 
-void TWindowPeer::SendKey(const QKeyEvent& event, bool down)
+bool TWindowPeer::SendKey(const QKeyEvent& event, bool down)
 {
     // A key that repeats goes down again and again, and comes up once.
     if (!down && event.isAutoRepeat())
-        return;
+        return true;
     const QPointer<TWindowPeer> self(this);
     TEventScope scope;
     TMessage message;
     message.Type = down ? MT_KEYDOWN : MT_KEYUP;
-    message.Key = ToKey(event.key());
+    message.Key = ToKey(event);
     message.KeyFlags = ToKeyFlags(event.modifiers());
     message.Buttons = ToButtons(QApplication::mouseButtons());
     const QString text = down ? event.text() : QString();
+    bool consumed = false;
     if (message.Key != 0) {
         if (OfferKey(Window, message) || self == nullptr || Window == nullptr)
-            return;
-        Send(message);
+            return true;
+        consumed = Send(message);
     }
-    if (self != nullptr)
-        SendCharacters(text, message.KeyFlags);
+    if (self == nullptr)
+        return true;
+    SendCharacters(text, message.KeyFlags);
+    return consumed || self == nullptr;
 }
 
 void TWindowPeer::SendCharacters(const QString& text, int keyFlags)

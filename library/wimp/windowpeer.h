@@ -54,7 +54,8 @@ private:
     void SendMouse(TMessageType type, const QMouseEvent& event);
     void SendButton(const QMouseEvent& event, bool down);
     bool SendWheel(const QWheelEvent& event);
-    void SendKey(const QKeyEvent& event, bool down);
+    // True for a key that was consumed.
+    bool SendKey(const QKeyEvent& event, bool down);
     void SendCharacters(const QString& text, int keyFlags);
 
     TWindow* Window;
@@ -88,6 +89,8 @@ public:
     static TWindow* Find(TWindowHandle handle);
     // A window whose widget stands somewhere below this one, or null.
     static TWindow* FindBelow(TWindowHandle handle);
+    // No window leaves its keys to this one any more.
+    static void ForgetKeyOwner(const TWindow* window);
     static bool IsEmpty();
 };
 

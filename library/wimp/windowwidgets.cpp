@@ -6,7 +6,9 @@
 
 #include <QtGui/QCloseEvent>
 #include <QtGui/QIcon>
+#include <QtGui/QMouseEvent>
 #include <QtOpenGLWidgets/QOpenGLWidget>
+#include <QtWidgets/QDialog>
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QMdiArea>
 #include <QtWidgets/QMdiSubWindow>
@@ -58,6 +60,18 @@ protected:
 
 using TMainWidget = TPeered<QMainWindow>;
 
+// Return presses the default button, Escape closes as the close box does.
+class TDialogWidget : public TPeered<QDialog>
+{
+public:
+    using TPeered<QDialog>::TPeered;
+    void reject() override
+    {
+        if (Peer != nullptr)
+            Peer->Close();
+    }
+};
+
 // The frame of a document window.
 class TDocumentFrame : public QMdiSubWindow
 {
@@ -70,6 +84,14 @@ protected:
         event->ignore();
         if (Peer != nullptr)
             Peer->Close();
+    }
+    // After a dialog the frame has forgotten which of its boxes the pointer rests on.
+    void mousePressEvent(QMouseEvent* event) override
+    {
+        QMouseEvent rest(QEvent::MouseMove, event->position(), event->globalPosition(), Qt::NoButton,
+                         Qt::NoButton, event->modifiers());
+        mouseMoveEvent(&rest);
+        QMdiSubWindow::mousePressEvent(event);
     }
 };
 
@@ -136,6 +158,8 @@ TWindowPeer* MakeByKind(TWindow& window, const TWindowParams& params)
         return MakeDocumentWindow(window);
     case WK_TOP:
         return MakePeer(window, new TPlainWidget(OwnerWidget(params), Qt::Window));
+    case WK_DIALOG:
+        return MakePeer(window, new TDialogWidget(OwnerWidget(params)));
     case WK_MAIN:
         return MakeMainWindow(window);
     default:
@@ -153,7 +177,7 @@ TWindowPeer* MakeWindowWidget(TWindow& window, const TWindowParams& params)
     QWidget* widget = peer->GetWidget();
     widget->setMouseTracking(true);
     widget->setAttribute(Qt::WA_InputMethodEnabled);
-    if (params.Kind != WK_MAIN) {
+    if (params.Kind != WK_MAIN && params.Kind != WK_DIALOG) {
         widget->setAttribute(Qt::WA_OpaquePaintEvent);
         widget->setContextMenuPolicy(Qt::PreventContextMenu);
         // Otherwise a window without a pointer of its own shows that of its owner.

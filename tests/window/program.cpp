@@ -31,7 +31,17 @@ TProgram::~TProgram()
 
 bool TProgram::IsUp() const
 {
-    return Screen.WaitForWindow(MainTitle) && Screen.WaitUntilActive(MainTitle);
+    constexpr int Patience = 10;
+    if (!Screen.WaitForWindow(MainTitle))
+        return false;
+    constexpr int Attempts = 4;
+    for (int attempt = 0; attempt < Attempts; ++attempt) {
+        if (Screen.WaitUntilActive(MainTitle, Patience))
+            return true;
+        // A window manager that is still starting may have overlooked the window.
+        Screen.Activate(Screen.FindWindow(MainTitle));
+    }
+    return Screen.WaitUntilActive(MainTitle);
 }
 
 bool TProgram::IsRunning()

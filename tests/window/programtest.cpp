@@ -3,8 +3,10 @@
 #include "library/system/file.h"
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 namespace {
 
@@ -15,6 +17,14 @@ const char* const ModifiedTitle = "^Modified Files$";
 const char* const ErrorsTitle = "^Schedule errors$";
 const char* const MessageTitle = "^Message$";
 const char* const DisplayTitle = "^Effect Display";
+const char* const FindTitle = "^Find resource drop.dds$";
+
+// The effect's display has its controls at the bottom.
+constexpr int TransportHeight = 32;
+constexpr int UpdateButton = 44;
+constexpr int StepButton = 234;
+constexpr int PauseButton = 264;
+constexpr int PlayButton = 294;
 
 // Pictures for people to look at.
 std::string Screenshot(const std::string& name)
@@ -130,6 +140,70 @@ protected:
         ASSERT_TRUE(WaitUntil([&] { return FileExists(path.c_str()); })) << path;
         ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
     }
+    // An entry of the Tools menu, counted from 1.
+    void ChooseFromToolsMenu(TProgram& program, int number)
+    {
+        const TRectangle main = program.GetMainPlace();
+        Screen.Click(main.X + 90, main.Y + 11);
+        for (int i = 0; i < number; ++i)
+            Screen.Key("Down");
+        Screen.Key("Return");
+        EXPECT_TRUE(Screen.WaitUntilStill(main));
+    }
+    // The close box of a document's frame. The frames lie one behind the other, 16 pixels apart; what is seen
+    // of the hinder ones is enough to reach their boxes.
+    void CloseFrame(const TRectangle& graph, int frame)
+    {
+        Screen.Click(graph.X + graph.Width - 11 + 16 * frame, graph.Y - 38 + 16 * frame);
+    }
+    // The graph of a frame further on in the cascade.
+    static TRectangle Shifted(const TRectangle& graph, int frames)
+    {
+        return TRectangle{graph.X + 16 * frames, graph.Y + 16 * frames, graph.Width, graph.Height};
+    }
+    // Where the effect is seen in its display, the controls below it left out.
+    TRectangle GetPreview() const
+    {
+        TRectangle place = Screen.GetPlace(Screen.FindWindow(DisplayTitle));
+        place.Height -= TransportHeight;
+        return place;
+    }
+    void ClickTransport(int x)
+    {
+        const TRectangle preview = GetPreview();
+        Screen.Click(preview.X + x, preview.Y + preview.Height + TransportHeight / 2);
+    }
+    // Drags files out of a window of another program.
+    void Drop(const std::vector<std::string>& files, int x, int y)
+    {
+        constexpr int Steps = 10;
+        const char* const title = "^dragsource$";
+        std::vector<std::string> command = {CINDERMILL_DRAGSOURCE};
+        command.insert(command.end(), files.begin(), files.end());
+        const pid_t source = StartCommand(
+            command, {"DISPLAY=" + Screen.GetDisplay(), "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}, "/dev/null");
+        ASSERT_TRUE(Screen.WaitForWindow(title));
+        Screen.MoveWindow(Screen.FindWindow(title), 2600, 900);
+        const TRectangle place = Screen.GetPlace(Screen.FindWindow(title));
+        const int fromX = place.X + place.Width / 2;
+        const int fromY = place.Y + place.Height / 2;
+        Screen.MoveTo(fromX, fromY);
+        Screen.Press();
+        for (int i = 1; i <= Steps; ++i) {
+            Screen.MoveTo(fromX + (x - fromX) * i / Steps, fromY + (y - fromY) * i / Steps);
+            Sleep(50);
+        }
+        Sleep(300);
+        Screen.Release();
+        Sleep(500);
+        kill(source, SIGTERM);
+        waitpid(source, nullptr, 0);
+    }
+    bool IsMoving(const TRectangle& part) const
+    {
+        const TPicture before = Screen.Grab(part);
+        return WaitUntil([&] { return Screen.Grab(part).Pixels != before.Pixels; }, 5);
+    }
     void Exit(TProgram& program, const char* answer = nullptr)
     {
         program.ChooseFromFileMenu(FE_EXIT);
@@ -168,6 +242,7 @@ TEST_F(Program, AnEffectIsBuiltSavedLoadedAndExportedByHand)
     workshop.Connect(cone, "Velocity", gravity, "Velocity");
     workshop.Connect(gravity, "Velocity", integrate, "Velocity");
     workshop.Connect(integrate, "Position", sprites, "Transform");
+    workshop.Connect(emitter, "Time", age, "Age");
     workshop.Connect(effect, "Time", emitter, "Start Delay");
     workshop.Undo();
     workshop.Undo();
@@ -188,6 +263,11 @@ TEST_F(Program, AnEffectIsBuiltSavedLoadedAndExportedByHand)
     workshop.Bypass(gravity);
     workshop.Bypass(gravity);
     workshop.Undo();
+    workshop.Select(effect);
+    workshop.Cut();
+    workshop.Undo();
+    workshop.Redo();
+    workshop.Paste();
     Screen.Save(program.GetMainPlace(), Screenshot("built-by-hand"));
 
     const std::string saved = program.Path("by-hand.effect");
@@ -317,15 +397,9 @@ TEST_F(Program, WindowsCloseInAnyOrder)
     Open(program, SourcePath("samples/fountain.effect"));
     ASSERT_FALSE(HasFatalFailure());
     const TRectangle main = program.GetMainPlace();
-    Screen.Click(main.X + 90, main.Y + 11);
-    Screen.Key("Down");
-    Screen.Key("Return");
-    ASSERT_TRUE(Screen.WaitUntilStill(main));
-    // The frames lie one behind the other, 16 pixels apart; what is seen of the hinder ones is enough to
-    // reach their close boxes.
-    const TRectangle& graph = workshop.GetGraph();
+    ChooseFromToolsMenu(program, 1);
     const auto close = [&](int frame) {
-        Screen.Click(graph.X + graph.Width - 11 + 16 * frame, graph.Y - 38 + 16 * frame);
+        CloseFrame(workshop.GetGraph(), frame);
         EXPECT_TRUE(Screen.WaitUntilStill(main));
     };
     const TPicture all = Screen.Grab(main);
@@ -467,12 +541,17 @@ TEST_F(Program, AVanishedTextureIsToldWhenItIsNeededAndMayComeBack)
     options.Settings = "ResourceMode=1\nResourcePath=" + textures.GetFolder() + "\n";
     TProgram program(Screen, options);
     ASSERT_TRUE(program.IsUp()) << program.GetOutput();
-    Open(program, SourcePath("samples/fountain.effect"));
-    ASSERT_FALSE(HasFatalFailure());
+    // Whoever opens it can point at the file, or leave it at that.
+    Screen.Key("ctrl+o");
+    ASSERT_TRUE(program.AnswerChooser(LoadTitle, SourcePath("samples/fountain.effect")));
+    ASSERT_TRUE(program.AnswerDialog(FindTitle, "Escape"));
+    ASSERT_TRUE(WaitForDocument("fountain.effect"));
     EXPECT_EQ(Screen.FindWindow(ErrorsTitle), "");
     const TRectangle main = program.GetMainPlace();
+    ASSERT_TRUE(Screen.WaitUntilStill(main));
     Screen.Click(main.X + main.Width / 2, main.Y + main.Height / 2);
     program.ChooseFromFileMenu(FE_EXPORT);
+    ASSERT_TRUE(program.AnswerDialog(FindTitle, "Escape"));
     ASSERT_TRUE(program.AnswerDialog(ErrorsTitle, "Return"));
     ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
     std::filesystem::copy_file(SourcePath("samples/textures/drop.dds"), textures.Path("drop.dds"));
@@ -489,21 +568,302 @@ TEST_F(Program, TheEffectsDisplayComesBackAfterItWasClosed)
     Screen.CloseWindow(Screen.FindWindow(DisplayTitle));
     ASSERT_TRUE(Screen.WaitUntilGone(DisplayTitle));
     ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
-    // Tools, its second entry.
-    const TRectangle place = program.GetMainPlace();
-    Screen.Click(place.X + 90, place.Y + 11);
-    Screen.Key("Down");
-    Screen.Key("Down");
-    Screen.Key("Return");
+    ChooseFromToolsMenu(program, 2);
     EXPECT_TRUE(Screen.WaitForWindow(DisplayTitle));
     EXPECT_TRUE(Screen.WaitUntilActive(DisplayTitle));
-    // Further views, closed in another order than they were opened.
-    for (int i = 0; i < 2; ++i) {
+    Exit(program);
+}
+
+TEST_F(Program, TheViewsOfADocumentCloseInAnyOrderAndTheLastOneAsks)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    const TRectangle main = program.GetMainPlace();
+    const TRectangle first = workshop.GetGraph();
+    ChooseFromToolsMenu(program, 1);
+    ChooseFromToolsMenu(program, 1);
+    // An edit in the front view is seen in all of them.
+    workshop.SetGraph(Shifted(first, 2));
+    TToolNode* effect = workshop.Add("Effect", 200, 200);
+    Screen.Save(main, Screenshot("three-views"));
+    ASSERT_TRUE(WaitForStar());
+    CloseFrame(first, 1);
+    ASSERT_TRUE(Screen.WaitUntilStill(main));
+    CloseFrame(first, 2);
+    ASSERT_TRUE(Screen.WaitUntilStill(main));
+    EXPECT_EQ(Screen.FindWindow(ModifiedTitle), "");
+    workshop.SetGraph(first);
+    workshop.MoveSelection(effect, 30, 40);
+    CloseFrame(first, 0);
+    ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, "Escape"));
+    EXPECT_TRUE(WaitForStar());
+    const std::string path = program.Path("views.effect");
+    CloseFrame(first, 0);
+    ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, "Return"));
+    ASSERT_TRUE(program.AnswerChooser(SaveTitle, path));
+    EXPECT_TRUE(Screen.WaitUntilGone(DisplayTitle));
+    const std::string expected = program.Path("expected.effect");
+    ASSERT_TRUE(workshop.GetDocument().SaveAs(expected.c_str()));
+    EXPECT_TRUE(AreSame(path, expected));
+    EXPECT_TRUE(program.IsRunning());
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    Exit(program);
+}
+
+TEST_F(Program, TheEffectIsPausedSteppedRestartedAndPlayedByMouse)
+{
+    TProgram program(Screen);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    Open(program, SourcePath("samples/fountain.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    const TRectangle preview = GetPreview();
+    EXPECT_TRUE(IsMoving(preview));
+    ClickTransport(PauseButton);
+    ASSERT_TRUE(Screen.WaitUntilStill(preview));
+    const TPicture paused = Screen.Grab(preview);
+    // A restart while paused is the empty beginning.
+    ClickTransport(UpdateButton);
+    ASSERT_TRUE(Screen.WaitUntilStill(preview));
+    const TPicture beginning = Screen.Grab(preview);
+    EXPECT_GT(CountDifferences(paused, beginning), 1000);
+    // Each step brings more of the effect, and it stays paused.
+    TPicture last = beginning;
+    for (int i = 0; i < 5; ++i) {
+        ClickTransport(StepButton);
+        ASSERT_TRUE(Screen.WaitUntilStill(preview));
+        TPicture next = Screen.Grab(preview);
+        EXPECT_NE(next.Pixels, last.Pixels) << i;
+        last.Pixels.swap(next.Pixels);
+    }
+    Screen.Save(Screen.GetPlace(Screen.FindWindow(DisplayTitle)), Screenshot("five-steps"));
+    ClickTransport(PlayButton);
+    EXPECT_TRUE(IsMoving(preview));
+    // The pause button is a switch.
+    ClickTransport(PauseButton);
+    EXPECT_TRUE(Screen.WaitUntilStill(preview));
+    ClickTransport(PauseButton);
+    EXPECT_TRUE(IsMoving(preview));
+    ClickTransport(PauseButton);
+    ClickTransport(UpdateButton);
+    ASSERT_TRUE(Screen.WaitUntilStill(preview));
+    EXPECT_EQ(Screen.Grab(preview).Pixels, beginning.Pixels);
+    Exit(program);
+}
+
+namespace {
+
+// By the settings' number.
+class ProgramCamera : public Program, public testing::WithParamInterface<int>
+{
+};
+
+} // namespace
+
+TEST_P(ProgramCamera, IsMovedByMouseAndKeysAndComesBack)
+{
+    TProgramOptions options;
+    options.Settings = "CameraMode=" + std::to_string(GetParam()) + "\n";
+    TProgram program(Screen, options);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    Open(program, SourcePath("samples/campfire.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    const TRectangle preview = GetPreview();
+    Sleep(1500);
+    ClickTransport(PauseButton);
+    const int x = preview.X + preview.Width / 2;
+    const int y = preview.Y + preview.Height / 2;
+    Screen.Click(x, y);
+    ASSERT_TRUE(Screen.WaitUntilStill(preview));
+    const TPicture start = Screen.Grab(preview);
+    const auto expectMoved = [&](const char* what) {
+        ASSERT_TRUE(Screen.WaitUntilStill(preview)) << what;
+        EXPECT_GT(CountDifferences(Screen.Grab(preview), start), 1000) << what;
+        Screen.Key("r");
+        ASSERT_TRUE(Screen.WaitUntilStill(preview)) << what;
+        EXPECT_EQ(Screen.Grab(preview).Pixels, start.Pixels) << what;
+    };
+    Screen.Drag(x, y, x + 120, y + 40);
+    expectMoved("left button");
+    Screen.Drag(x, y, x - 80, y + 60, 2);
+    expectMoved("middle button");
+    Screen.Drag(x, y, x + 60, y - 50, 3);
+    expectMoved("right button");
+    Screen.Wheel(x, y, 3);
+    expectMoved("wheel");
+    for (const char* key : {"Left", "Prior"}) {
+        Screen.HoldKey(key);
+        Sleep(300);
+        Screen.LetKey(key);
+        expectMoved(key);
+    }
+    Screen.Click(program.GetMainPlace().X + 600, program.GetMainPlace().Y + 11);
+    Exit(program);
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, ProgramCamera, testing::Values(0, 1),
+                         [](const testing::TestParamInfo<int>& mode) {
+                             return std::string(mode.param == 0 ? "Maya" : "Quake");
+                         });
+
+TEST_F(Program, ATextureMayVanishWhileTheEffectRuns)
+{
+    TTempFolder textures;
+    std::filesystem::copy_file(SourcePath("samples/textures/drop.dds"), textures.Path("drop.dds"));
+    TProgramOptions options;
+    options.Settings = "AutoCheckUpdate=2\nResourceMode=1\nResourcePath=" + textures.GetFolder() + "\n";
+    TProgram program(Screen, options);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    Open(program, SourcePath("samples/fountain.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    const TRectangle preview = GetPreview();
+    ASSERT_TRUE(IsMoving(preview));
+    std::filesystem::remove(textures.Path("drop.dds"));
+    Sleep(500);
+    EXPECT_TRUE(IsMoving(preview));
+    EXPECT_EQ(Screen.FindWindow(ErrorsTitle), "");
+    // A restart needs it, and asks for it.
+    ClickTransport(UpdateButton);
+    ASSERT_TRUE(program.AnswerDialog(FindTitle, "Escape"));
+    ASSERT_TRUE(program.AnswerDialog(ErrorsTitle, "Return"));
+    ASSERT_TRUE(Screen.WaitUntilStill(preview));
+    std::filesystem::copy_file(SourcePath("samples/textures/drop.dds"), textures.Path("drop.dds"));
+    ClickTransport(UpdateButton);
+    EXPECT_TRUE(IsMoving(preview));
+    EXPECT_EQ(Screen.FindWindow(ErrorsTitle), "");
+    Exit(program);
+}
+
+TEST_F(Program, ExitWithManyDocumentsAsksOnceAndSavesThemInTheirOrder)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    const TRectangle first = workshop.GetGraph();
+    workshop.Add("Effect", 110, 60);
+    ASSERT_TRUE(WaitForStar());
+    // A second one without a path, which must not be taken for the first.
+    Screen.Key("ctrl+n");
+    ASSERT_TRUE(Screen.WaitForWindow("^Effect Display - \\[doc\\]$"));
+    workshop.SetGraph(Shifted(first, 1));
+    Screen.Click(workshop.ScreenX(20), workshop.ScreenY(20));
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    workshop.FoldPalette({"Curves", "Maths", "Motion"});
+    workshop.Add("Age", 110, 60);
+    ASSERT_TRUE(Screen.WaitUntilGone("^Effect Display - \\[doc\\]$"));
+    // One that has a path, and one that nothing was changed in.
+    const std::string third = program.Path("third.effect");
+    workshop.WriteStageFile(third, 300, 300);
+    const std::string before = ReadBytes(third);
+    Open(program, third);
+    ASSERT_FALSE(HasFatalFailure());
+    workshop.SetGraph(Shifted(first, 2));
+    SelectAll(workshop);
+    Screen.Key("ctrl+c");
+    Screen.Key("ctrl+v");
+    ASSERT_TRUE(Screen.WaitForWindow("third.effect\\*\\]$"));
+    Open(program, SourcePath("samples/aura.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    // The second is not saved: the exit stops there.
+    const std::string one = program.Path("one.effect");
+    program.ChooseFromFileMenu(FE_EXIT);
+    ASSERT_TRUE(Screen.WaitUntilActive(ModifiedTitle));
+    Screen.Save(Screen.GetPlace(Screen.FindWindow(ModifiedTitle)), Screenshot("modified-files"));
+    ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, "Return"));
+    ASSERT_TRUE(program.AnswerChooser(SaveTitle, one));
+    ASSERT_TRUE(WaitUntil([&] { return FileExists(one.c_str()); }));
+    ASSERT_TRUE(program.AnswerDialog(SaveTitle, "Escape"));
+    EXPECT_TRUE(WaitForDocument("one.effect"));
+    EXPECT_EQ(ReadBytes(third), before);
+    EXPECT_TRUE(program.IsRunning());
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    const std::string two = program.Path("two.effect");
+    program.ChooseFromFileMenu(FE_EXIT);
+    ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, "Return"));
+    ASSERT_TRUE(program.AnswerChooser(SaveTitle, two));
+    EXPECT_EQ(program.WaitForEnd(), 0) << program.GetOutput();
+    EXPECT_NE(ReadBytes(third), before);
+    // Each file holds its own document.
+    for (const auto& [path, type] : {std::pair(one, "Effect"), std::pair(two, "Age")}) {
+        TDocument document(workshop.GetApp());
+        ASSERT_TRUE(document.Load(path.c_str())) << path;
+        ASSERT_EQ(document.GetGraph()->GetNumNodes(), 1) << path;
+        EXPECT_EQ(Text(document.GetGraph()->GetNode(0)->GetNodeType()->Name), type);
+    }
+}
+
+TEST_F(Program, TheMenusShortcutsWorkInTheEffectsDisplay)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    workshop.Add("Effect", 110, 60);
+    ASSERT_TRUE(WaitForStar());
+    const TRectangle display = Screen.GetPlace(Screen.FindWindow(DisplayTitle));
+    Screen.Click(display.X + display.Width / 2, display.Y + display.Height / 2);
+    ASSERT_TRUE(Screen.WaitUntilActive(DisplayTitle));
+    Screen.Key("ctrl+z");
+    EXPECT_TRUE(Screen.WaitForWindow("^Effect Display - \\[doc\\]$"));
+    Screen.Key("ctrl+y");
+    EXPECT_TRUE(WaitForStar());
+    const std::string saved = program.Path("from-the-display.effect");
+    Screen.Key("ctrl+s");
+    ASSERT_TRUE(program.AnswerChooser(SaveTitle, saved));
+    ASSERT_TRUE(WaitForDocument("from-the-display.effect"));
+    ASSERT_TRUE(workshop.GetDocument().SaveAs(program.Path("expected.effect").c_str()));
+    EXPECT_TRUE(AreSame(saved, program.Path("expected.effect")));
+    ASSERT_TRUE(Screen.WaitUntilActive(DisplayTitle));
+    Screen.Key("ctrl+o");
+    ASSERT_TRUE(program.AnswerChooser(LoadTitle, SourcePath("samples/fountain.effect")));
+    ASSERT_TRUE(WaitForDocument("fountain.effect"));
+    Exit(program);
+}
+
+TEST_F(Program, TheEffectsDisplayIsClosedAndShownAgainManyTimes)
+{
+    TProgram program(Screen);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    Open(program, SourcePath("samples/fountain.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    const TRectangle place = program.GetMainPlace();
+    for (int i = 0; i < 5; ++i) {
+        ASSERT_TRUE(Screen.WaitUntilActive(DisplayTitle)) << program.GetOutput();
+        Screen.Key("alt+F4");
+        ASSERT_TRUE(Screen.WaitUntilGone(DisplayTitle));
+        ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+        ASSERT_TRUE(program.IsRunning()) << program.GetOutput();
         Screen.Click(place.X + 90, place.Y + 11);
         Screen.Key("Down");
+        Screen.Key("Down");
         Screen.Key("Return");
+        ASSERT_TRUE(Screen.WaitForWindow(DisplayTitle));
     }
-    Screen.Save(place, Screenshot("three-views"));
+    Exit(program);
+}
+
+TEST_F(Program, ADocumentIsClosedWhileItsDisplayIsHidden)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    Screen.CloseWindow(Screen.FindWindow(DisplayTitle));
+    ASSERT_TRUE(Screen.WaitUntilGone(DisplayTitle));
+    const TRectangle& graph = workshop.GetGraph();
+    const TRectangle main = program.GetMainPlace();
+    const TPicture shown = Screen.Grab(main);
+    Screen.Click(graph.X + graph.Width - 11, graph.Y - 38);
+    EXPECT_TRUE(Screen.WaitUntilStill(main));
+    EXPECT_NE(Screen.Grab(main).Pixels, shown.Pixels);
+    EXPECT_TRUE(program.IsRunning()) << program.GetOutput();
+    Open(program, SourcePath("samples/fountain.effect"));
     Exit(program);
 }
 
@@ -523,6 +883,68 @@ TEST_F(Program, ARecentFileIsOpenedFromTheMenuOfTheNextRun)
     Screen.Key("Down");
     Screen.Key("Return");
     EXPECT_TRUE(WaitForDocument("aura.effect"));
+    Exit(program);
+}
+
+TEST_F(Program, FilesDroppedFromAnotherProgramAreOpenedInTheirOrder)
+{
+    TProgram program(Screen);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    const TRectangle main = program.GetMainPlace();
+    const int x = main.X + main.Width / 2;
+    const int y = main.Y + main.Height / 2;
+    const std::string damaged = program.Path("damaged.effect");
+    WriteBytes(damaged, "CHNX");
+    Drop({SourcePath("samples/rain.effect"), SourcePath("README.md"), damaged,
+          SourcePath("samples/aura.effect")},
+         x, y);
+    ASSERT_FALSE(HasFatalFailure());
+    EXPECT_TRUE(WaitForDocument("rain.effect"));
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
+    EXPECT_TRUE(WaitForDocument("aura.effect"));
+    // Onto a graph, where no node takes it; then past all documents, where the rest is dropped too.
+    const std::string animation = SourcePath("samples/animations/knot.vori");
+    ASSERT_TRUE(Screen.WaitUntilStill(main));
+    Drop({animation}, x, y);
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
+    Drop({animation, SourcePath("samples/snow.effect")}, main.X + 20, main.Y + main.Height - 60);
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
+    Sleep(500);
+    EXPECT_EQ(Screen.FindWindow("snow.effect"), "");
+    Exit(program);
+}
+
+TEST_F(Program, AFileOfTheRecentListThatHasGoneIsTold)
+{
+    TProgramOptions options;
+    options.Settings = "RecentFile_0=/no/such/folder/gone.effect\n";
+    TProgram program(Screen, options);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    const TRectangle place = program.GetMainPlace();
+    for (int i = 0; i < 2; ++i) {
+        Screen.Click(place.X + 15, place.Y + 11);
+        for (int j = 0; j < FE_RECENT; ++j)
+            Screen.Key("Down");
+        Screen.Key("Right");
+        Screen.Key("Return");
+        ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return")) << i;
+        ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    }
+    EXPECT_EQ(Screen.FindWindow(DisplayTitle), "");
+    Open(program, SourcePath("samples/aura.effect"));
+    Exit(program);
+}
+
+TEST_F(Program, StartedFromAnotherFolderItFindsItsNodeTypesAndItsSamples)
+{
+    // Programs of a test run in a folder of their own.
+    TProgram program(Screen);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    Screen.Key("ctrl+o");
+    ASSERT_TRUE(program.AnswerChooser(LoadTitle, "aura.effect"));
+    EXPECT_TRUE(WaitForDocument("aura.effect"));
+    EXPECT_EQ(Screen.FindWindow(ErrorsTitle), "");
+    EXPECT_TRUE(IsMoving(GetPreview()));
     Exit(program);
 }
 
@@ -586,8 +1008,29 @@ INSTANTIATE_TEST_SUITE_P(
     Drivers, ProgramWithoutGl,
     testing::Values(TLack{"NoContext", "QT_XCB_GL_INTEGRATION=none"},
                     TLack{"NoPrograms",
-                          "MESA_EXTENSION_OVERRIDE=-GL_ARB_vertex_program -GL_ARB_fragment_program"}),
+                          "MESA_EXTENSION_OVERRIDE=-GL_ARB_vertex_program -GL_ARB_fragment_program"},
+                    TLack{"NoFrameBuffers", "MESA_EXTENSION_OVERRIDE=-GL_EXT_framebuffer_object"},
+                    TLack{"NoDriver", "LIBGL_DRIVERS_PATH=/no/such/folder"}),
     [](const testing::TestParamInfo<TLack>& driver) { return std::string(driver.param.Name); });
+
+TEST_F(Program, OnASystemWithoutFontsTheToolWorksAllTheSame)
+{
+    TTempFolder fonts;
+    WriteBytes(fonts.Path("fonts.conf"), "<?xml version=\"1.0\"?><fontconfig><dir>" + fonts.GetFolder() +
+                                             "</dir><cachedir>" + fonts.GetFolder() +
+                                             "</cachedir></fontconfig>");
+    TProgramOptions options;
+    options.Environment = {"FONTCONFIG_FILE=" + fonts.Path("fonts.conf")};
+    TProgram program(Screen, options);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    const std::string sample = SourcePath("samples/fountain.effect");
+    Open(program, sample);
+    ASSERT_FALSE(HasFatalFailure());
+    Screen.Save(program.GetMainPlace(), Screenshot("without-fonts"));
+    SaveAs(program, program.Path("again.effect"));
+    EXPECT_TRUE(AreSame(program.Path("again.effect"), sample));
+    Exit(program);
+}
 
 TEST(ProgramWithoutDisplay, EndsWithALineAndStatusOne)
 {

@@ -145,15 +145,16 @@ TScreen::~TScreen()
     End(Server);
 }
 
-// The server finds a free number by itself and tells it.
+// The server finds a free number by itself and tells it. It must not begin anew when its first client goes.
 bool TScreen::StartServer(int width, int height)
 {
     int ends[2];
     if (pipe(ends) != 0)
         return false;
     const std::string size = Number(width) + "x" + Number(height) + "x24";
-    Server = StartCommand({"Xvfb", "-displayfd", Number(ends[1]), "-screen", "0", size, "-nolisten", "tcp"},
-                          {}, "/dev/null");
+    Server = StartCommand(
+        {"Xvfb", "-displayfd", Number(ends[1]), "-screen", "0", size, "-nolisten", "tcp", "-noreset"}, {},
+        "/dev/null");
     close(ends[1]);
     char number[16] = {};
     const ssize_t got = read(ends[0], number, sizeof(number) - 1);
@@ -258,13 +259,20 @@ bool TScreen::WaitUntilGone(const std::string& title) const
     return WaitUntil([&] { return FindWindow(title).empty(); });
 }
 
-bool TScreen::WaitUntilActive(const std::string& title) const
+bool TScreen::WaitUntilActive(const std::string& title, int seconds) const
 {
-    return WaitUntil([&] {
-        const std::string window = FindWindow(title);
-        const TCommandResult active = Do({"getactivewindow"});
-        return !window.empty() && active.Status == 0 && active.Output == window + "\n";
-    });
+    return WaitUntil(
+        [&] {
+            const std::string window = FindWindow(title);
+            const TCommandResult active = Do({"getactivewindow"});
+            return !window.empty() && active.Status == 0 && active.Output == window + "\n";
+        },
+        seconds);
+}
+
+void TScreen::Activate(const std::string& window)
+{
+    Do({"windowactivate", window});
 }
 
 TRectangle TScreen::GetPlace(const std::string& window) const

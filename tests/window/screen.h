@@ -61,7 +61,8 @@ public:
     std::string FindWindow(const std::string& title) const;
     bool WaitForWindow(const std::string& title) const;
     bool WaitUntilGone(const std::string& title) const;
-    bool WaitUntilActive(const std::string& title) const;
+    bool WaitUntilActive(const std::string& title, int seconds = 30) const;
+    void Activate(const std::string& window);
     TRectangle GetPlace(const std::string& window) const;
     std::string GetTitle(const std::string& window) const;
     void MoveWindow(const std::string& window, int x, int y);

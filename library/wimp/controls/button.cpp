@@ -17,10 +17,9 @@ bool TButton::Create(TWindow* owner, int id, const char* text, const char* name)
     Id = id;
     Bind(button, owner);
     QObject::connect(button, &QPushButton::clicked, button, [this, button] {
-        TEventScope scope;
         if (button->isCheckable())
             button->setChecked(Pressed);
-        GetOwner()->OnCommand(this, Id, CC_BUTTON);
+        Report(Id, CC_BUTTON);
     });
     button->show();
     return true;

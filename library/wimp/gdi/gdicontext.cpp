@@ -117,6 +117,16 @@ void TGDIContext::TextOut(int x, int y, const char* text)
     Painter.setPen(pen);
 }
 
+void TGDIContext::TextOutClipped(int x, int y, int width, int height, const char* text)
+{
+    if (width <= 0 || height <= 0)
+        return;
+    Painter.save();
+    Painter.setClipRect(x, y, width, height, Qt::IntersectClip);
+    TextOut(x, y, text);
+    Painter.restore();
+}
+
 void TGDIContext::GetTextExtent(const char* text, int& width, int& height) const
 {
     Measure(Painter.fontMetrics(), text, width, height);

@@ -41,6 +41,8 @@ public:
     void Rectangle(int left, int top, int right, int bottom);
     // The place is the text's top left.
     void TextOut(int x, int y, const char* text);
+    // Only what lies inside a rectangle that begins at the place.
+    void TextOutClipped(int x, int y, int width, int height, const char* text);
     void GetTextExtent(const char* text, int& width, int& height) const;
     void Draw(const TGDIBitmap& bitmap, int x, int y);
     // A raised edge, as a tab or a button has.

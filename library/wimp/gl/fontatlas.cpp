@@ -72,6 +72,42 @@ bool TFontAtlas::Build(FT_LibraryRec_* library, const char* path, float size, in
     for (int i = 0; i < NumFontCharacters; ++i)
         if (!LoadGlyph(face.Face, FirstFontCharacter + i, Glyphs[i]))
             return false;
+    return DrawTexels();
+}
+
+bool TFontAtlas::BuildBoxes(float size)
+{
+    if (!(size > 0.0f && size <= MaxFontSize))
+        return false;
+    // A file that did not load may have left some of its glyphs.
+    NumCells = 0;
+    // About the height of a capital.
+    const int height = static_cast<int>(size * 0.7f) + 1;
+    for (int i = 0; i < NumFontCharacters; ++i) {
+        Glyphs[i] = TFontGlyph();
+        Glyphs[i].Advance = height / 2 + 2;
+        if (FirstFontCharacter + i != ' ')
+            MakeBox(height, Glyphs[i]);
+    }
+    return DrawTexels();
+}
+
+void TFontAtlas::MakeBox(int height, TFontGlyph& glyph)
+{
+    glyph.Width = height / 2 + 1;
+    glyph.Height = height;
+    glyph.BearingY = -height;
+    AddCell(glyph);
+    glyph.Pixels.reserve(glyph.Width * glyph.Height);
+    for (int y = 0; y < glyph.Height; ++y)
+        for (int x = 0; x < glyph.Width; ++x) {
+            const bool edge = x == 0 || y == 0 || x == glyph.Width - 1 || y == glyph.Height - 1;
+            glyph.Pixels.push_back(edge ? 255 : 0);
+        }
+}
+
+bool TFontAtlas::DrawTexels()
+{
     LayOut();
     if (Width > MaxTextureSide || Height > MaxTextureSide)
         return false;
@@ -100,6 +136,16 @@ bool TFontAtlas::LoadGlyph(FT_FaceRec_* face, int character, TFontGlyph& glyph)
     glyph.Height = static_cast<int>(bm.rows);
     glyph.BearingX = slot->bitmap_left;
     glyph.BearingY = -slot->bitmap_top;
+    AddCell(glyph);
+    glyph.Pixels.reserve(glyph.Width * glyph.Height);
+    for (unsigned y = 0; y < bm.rows; ++y)
+        for (unsigned x = 0; x < bm.width; ++x)
+            glyph.Pixels.push_back(GetCoverage(bm, x, y));
+    return true;
+}
+
+void TFontAtlas::AddCell(TFontGlyph& glyph)
+{
     const int min[2] = {glyph.BearingX, glyph.BearingY};
     const int max[2] = {min[0] + glyph.Width, min[1] + glyph.Height};
     for (int i = 0; i < 2; ++i) {
@@ -109,11 +155,6 @@ bool TFontAtlas::LoadGlyph(FT_FaceRec_* face, int character, TFontGlyph& glyph)
             BoxMax[i] = max[i];
     }
     glyph.Cell = NumCells++;
-    glyph.Pixels.reserve(glyph.Width * glyph.Height);
-    for (unsigned y = 0; y < bm.rows; ++y)
-        for (unsigned x = 0; x < bm.width; ++x)
-            glyph.Pixels.push_back(GetCoverage(bm, x, y));
-    return true;
 }
 
 void TFontAtlas::LayOut()

@@ -41,6 +41,9 @@ public:
     // size.
     bool Build(FT_LibraryRec_* library, const char* path, float size, int margin);
 
+    // An empty box for each character but the space, without any font.
+    bool BuildBoxes(float size);
+
     // Null for a character outside the range.
     const TFontGlyph* GetGlyph(char character) const;
     // The cell's size, without margins.
@@ -62,6 +65,10 @@ public:
 
 private:
     bool LoadGlyph(FT_FaceRec_* face, int character, TFontGlyph& glyph);
+    void MakeBox(int height, TFontGlyph& glyph);
+    // Lays the picture of a glyph out.
+    void AddCell(TFontGlyph& glyph);
+    bool DrawTexels();
     void LayOut();
     void DrawGlyph(const TFontGlyph& glyph);
     void SetFilter(int filter);

@@ -11,6 +11,7 @@ struct TGlState
 {
     bool Ready = false;
     bool VendorPrograms = false;
+    int MaxTextureSide = 0;
     TString Fault;
     vector<unsigned> DeadTextures;
     vector<unsigned> DeadPrograms;
@@ -60,6 +61,18 @@ const char* FindMissing()
             return need.Name;
     return nullptr;
 }
+// The least of what limits a picture that is drawn into and then shown.
+int QueryMaxTextureSide()
+{
+    GLint texture = 0;
+    GLint viewport[2] = {};
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &texture);
+    glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewport);
+    GLint side = texture;
+    for (const GLint limit : viewport)
+        side = limit < side ? limit : side;
+    return side;
+}
 } // namespace
 
 bool InitGl()
@@ -83,6 +96,7 @@ bool InitGl()
         return Fail(fault);
     }
     state.VendorPrograms = glewIsSupported("GL_NV_vertex_program3 GL_NV_fragment_program2") != 0;
+    state.MaxTextureSide = QueryMaxTextureSide();
     state.Fault = nullptr;
     state.Ready = true;
     return true;
@@ -101,6 +115,11 @@ const char* GetGlFault()
 bool HasVendorPrograms()
 {
     return GetState().VendorPrograms;
+}
+
+int GetMaxTextureSide()
+{
+    return GetState().MaxTextureSide;
 }
 
 bool IsGlCurrent()
@@ -139,6 +158,14 @@ void FlushGlDeletions()
     glDeleteProgramsARB(state.DeadPrograms.size(), state.DeadPrograms.data());
     state.DeadTextures.clear();
     state.DeadPrograms.clear();
+}
+
+void DropGlErrors()
+{
+    // A context that has been lost may have no end of them.
+    constexpr int MaxErrors = 16;
+    for (int i = 0; i < MaxErrors && glGetError() != GL_NO_ERROR; ++i) {
+    }
 }
 
 void CheckGlError()

@@ -11,6 +11,9 @@ const char* GetGlFault();
 // Whether the driver takes programs with the vendor's options.
 bool HasVendorPrograms();
 
+// Textures and targets of drawing have at most so many pixels across and down. Needs a ready OpenGL.
+int GetMaxTextureSide();
+
 // Whether a context is current at the moment, after InitGl has succeeded.
 bool IsGlCurrent();
 // Frees a name now or, when no context is current, as soon as one is. 0 is passed over.
@@ -19,5 +22,7 @@ void DeleteGlProgram(unsigned name);
 // Frees the names given up while no context was current.
 void FlushGlDeletions();
 
+// Forgets the errors that others have left in the current context.
+void DropGlErrors();
 // Asserts "err == GL_NO_ERROR || err == GL_INVALID_OPERATION".
 void CheckGlError();

@@ -11,7 +11,7 @@
 
 namespace {
 // Drawing is 2 by 2 supersampled.
-constexpr int Supersampling = 2;
+constexpr int FullSupersampling = 2;
 
 // Neither not a number nor beyond what the scissor takes.
 int ToPixel(double value)
@@ -75,6 +75,8 @@ void TRenderer::Resize(int width, int height)
 {
     Width = width;
     Height = height;
+    const int longest = Width > Height ? Width : Height;
+    Supersampling = longest <= GetMaxTextureSide() / FullSupersampling ? FullSupersampling : 1;
     if (ColourTexture == 0)
         glGenTextures(1, &ColourTexture);
     glBindTexture(GL_TEXTURE_2D, ColourTexture);
@@ -107,6 +109,7 @@ void TRenderer::Render(TRenderObject& root)
 {
     if (Window == nullptr || !Window->MakeCurrent() || !InitGl())
         return;
+    DropGlErrors();
     FlushGlDeletions();
     int width = 0;
     int height = 0;

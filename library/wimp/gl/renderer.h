@@ -75,6 +75,8 @@ public:
     // Draw calls of the last frame.
     int GetNumCalls() const { return Batch.GetNumCalls(); }
 
+    // Pixels of the target to one of the window, across and down.
+    int GetSupersampling() const { return Supersampling; }
     int GetWidth() const { return Width; }
     int GetHeight() const { return Height; }
     const vector<TClipRectangle>& GetWindowStack() const { return WindowStack; }
@@ -101,6 +103,8 @@ private:
     vector<TVector2> OriginStack;
     int Width = 0;
     int Height = 0;
+    // 2, unless the driver takes no target so large.
+    int Supersampling = 2;
     int Scissor[4] = {};
     // Between the beginning and the end of a frame: OpenGL may be called.
     bool Drawing = false;

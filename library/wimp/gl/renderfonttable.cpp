@@ -10,14 +10,25 @@
 #include FT_FREETYPE_H
 
 namespace {
-// The renderer's target has so many pixels to one of the window.
-constexpr float TargetPixels = 2.0f;
 // Zooms are seldom exact.
 constexpr float ResolutionSlack = 0.02f;
 
 float ToGrid(double value, double step)
 {
     return static_cast<float>(std::floor(value / step + 0.5) * step);
+}
+
+// At these zooms the pixels of a picture are those of the window, as the font's makers meant them to be seen.
+bool IsWholeZoom(const TVector2& scale)
+{
+    return scale[0] == scale[1] && (scale[0] == 1.0f || scale[0] == 2.0f || scale[0] == 4.0f);
+}
+
+// Across, as well as down, on a pixel of the window.
+float SnapAcross(const TRenderer& renderer, float place)
+{
+    const double fixed = double(renderer.GetOffset()[0]) + renderer.GetOrigin()[0];
+    return static_cast<float>(ToGrid(fixed + place, 1.0 / renderer.GetScale()[0]) - fixed);
 }
 } // namespace
 
@@ -34,6 +45,12 @@ bool TRenderFont::Build(FT_LibraryRec_* library, const char* path)
     return Atlas.Build(library, path, Size, 0);
 }
 
+bool TRenderFont::BuildBoxes()
+{
+    Path = TString();
+    return Atlas.BuildBoxes(Size);
+}
+
 void TRenderFont::GetTextSize(const char* text, TVector2& size) const
 {
     int width = 0;
@@ -47,7 +64,9 @@ TFontAtlas& TRenderFont::GetDrawnAtlas(float resolution, int& texelsPerUnit)
 {
     texelsPerUnit = 1;
     TFontAtlas* atlas = &Atlas;
-    for (int i = 0; i < NumFinerAtlases && float(texelsPerUnit) + ResolutionSlack < resolution; ++i) {
+    // Boxes have no file that finer ones could be drawn from.
+    const int numFiner = Path.IsEmpty() ? 0 : NumFinerAtlases;
+    for (int i = 0; i < numFiner && float(texelsPerUnit) + ResolutionSlack < resolution; ++i) {
         if (Finer[i] == nullptr) {
             Finer[i] = new TFontAtlas;
             // A size too large for a texture: the coarser one has to do.
@@ -69,7 +88,8 @@ void TRenderFont::DrawText(TRenderer& renderer, const TVector2& position, const 
     if (text == nullptr || *text == 0)
         return;
     int texels = 1;
-    const float resolution = renderer.GetScale()[0] * TargetPixels;
+    const bool whole = IsWholeZoom(renderer.GetScale());
+    const float resolution = renderer.GetScale()[0] * float(whole ? 1 : renderer.GetSupersampling());
     TFontAtlas& atlas = GetDrawnAtlas(resolution, texels);
     const bool exact = resolution == float(texels) && renderer.GetScale()[1] == renderer.GetScale()[0];
     const unsigned texture = atlas.GetTexture(renderer, exact);
@@ -80,7 +100,7 @@ void TRenderFont::DrawText(TRenderer& renderer, const TVector2& position, const 
     const TVector2 start =
         renderer.Snap(TVector2(position[0], position[1] - static_cast<float>(Atlas.GetBoxMin()[1])));
     const float baseLine = start[1];
-    float pen = start[0];
+    float pen = whole ? SnapAcross(renderer, start[0]) : start[0];
 
     renderer.Begin(PR_QUADS, texture, GetTintProgram(), colour);
     for (const char* at = text; *at != 0; ++at) {
@@ -160,24 +180,26 @@ TRenderFont* TRenderFontTable::AddRef(const char* name, float size)
             return entry.Font;
         }
     }
-    const char* path = nullptr;
-    for (const TFontFile& file : GetFontFiles()) {
-        if (file.Name.Compare(name) == 0) {
-            path = file.Path;
-            break;
-        }
-    }
-    if (path == nullptr)
-        return nullptr;
-    if (table.Library == nullptr && FT_Init_FreeType(&table.Library) != 0)
-        return nullptr;
     TRenderFont* font = new TRenderFont(id, size);
-    if (!font->Build(table.Library, path)) {
+    if (!Build(*font, name)) {
         delete font;
         return nullptr;
     }
     table.Fonts[id].push_back(TEntry{font, 1});
     return font;
+}
+
+bool TRenderFontTable::Build(TRenderFont& font, const char* name)
+{
+    TTable& table = GetTable();
+    const bool ready = table.Library != nullptr || FT_Init_FreeType(&table.Library) == 0;
+    for (const TFontFile& file : GetFontFiles())
+        if (file.Name.Compare(name) == 0) {
+            if (ready && font.Build(table.Library, file.Path))
+                return true;
+            break;
+        }
+    return CompareText(name, DefaultFontName) == 0 && font.BuildBoxes();
 }
 
 TRenderFontTable::TEntry* TRenderFontTable::Find(const TRenderFont* font)

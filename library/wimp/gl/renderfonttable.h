@@ -19,6 +19,8 @@ public:
     TRenderFont& operator=(const TRenderFont&) = delete;
 
     bool Build(FT_LibraryRec_* library, const char* path);
+    // A box for each character, for a system without a font.
+    bool BuildBoxes();
     uint32_t GetName() const { return Name; }
     float GetSize() const { return Size; }
     const TFontAtlas& GetAtlas() const { return Atlas; }
@@ -46,7 +48,8 @@ class TRenderFontTable
 public:
     using TLister = void (*)(vector<TFontFile>& fonts);
 
-    // The font, counted up, or null if there is no such font. Names are compared without case.
+    // The font, counted up, or null if there is no such font. Names are compared without case. The default
+    // font is always there: where no file can be loaded for it, its characters are boxes.
     static TRenderFont* AddRef(const char* name, float size);
     static void AddRef(TRenderFont* font);
     // Counts down. A font stays when nobody uses it.
@@ -67,4 +70,5 @@ private:
 
     static TTable& GetTable();
     static TEntry* Find(const TRenderFont* font);
+    static bool Build(TRenderFont& font, const char* name);
 };

@@ -51,7 +51,8 @@ public:
     TRenderObject(const TRenderObject&) = delete;
     TRenderObject& operator=(const TRenderObject&) = delete;
 
-    virtual int GetClassType() const { return 0; }
+    // The NameID of the most derived class; 0 for one that nobody asks for.
+    virtual uint32_t GetClassId() const { return 0; }
     virtual void Render(TRenderer& renderer) = 0;
     // Relative to the object's own place.
     virtual void GetBounds(TVector2& min, TVector2& max) = 0;

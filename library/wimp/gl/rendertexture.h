@@ -36,6 +36,7 @@ public:
     bool IsEmpty() const { return Texture == nullptr; }
 
     // These assert "Texture != 0".
+    // The picture's own size; the driver may have been given a coarser one, if it takes none so large.
     int GetWidth() const;
     int GetHeight() const;
     void Bind(int unit) const;

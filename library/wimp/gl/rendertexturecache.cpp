@@ -33,6 +33,46 @@ const TTransfer& GetTransfer(TTextureFormat format)
             return transfer;
     AssertFail("0", __FILE__, __LINE__);
 }
+
+int Thinned(int side, int step)
+{
+    return static_cast<int>((int64_t(side) + step - 1) / step);
+}
+
+bool DoesDriverTake(const TTransfer& transfer, int width, int height)
+{
+    if (width > GetMaxTextureSide() || height > GetMaxTextureSide())
+        return false;
+    glTexImage2D(GL_PROXY_TEXTURE_2D, 0, static_cast<GLint>(transfer.InternalFormat), width, height, 0,
+                 transfer.SourceFormat, transfer.SourceType, nullptr);
+    GLint taken = 0;
+    glGetTexLevelParameteriv(GL_PROXY_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &taken);
+    return taken == width;
+}
+
+// Of each row and column, every so many-th texel goes to the driver: all of them if it takes so large a
+// picture.
+int GetStep(const TTransfer& transfer, int width, int height)
+{
+    int step = 1;
+    while ((Thinned(width, step) > 1 || Thinned(height, step) > 1) &&
+           !DoesDriverTake(transfer, Thinned(width, step), Thinned(height, step)))
+        step *= 2;
+    return step;
+}
+
+// In place.
+void Thin(uint8_t* pixels, int width, int height, int texelSize, int step)
+{
+    uint8_t* to = pixels;
+    for (int y = 0; y < height; y += step) {
+        const uint8_t* row = pixels + int64_t(y) * width * texelSize;
+        for (int x = 0; x < width; x += step) {
+            memmove(to, row + int64_t(x) * texelSize, static_cast<size_t>(texelSize));
+            to += texelSize;
+        }
+    }
+}
 } // namespace
 
 TRenderTexture::~TRenderTexture()
@@ -76,8 +116,11 @@ void TRenderTexture::Upload()
     glBindTexture(GL_TEXTURE_2D, Name);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(transfer.InternalFormat), Width, Height, 0,
-                 transfer.SourceFormat, transfer.SourceType, Pixels.data());
+    const int step = GetStep(transfer, Width, Height);
+    if (step > 1)
+        Thin(Pixels.data(), Width, Height, transfer.TexelSize, step);
+    glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(transfer.InternalFormat), Thinned(Width, step),
+                 Thinned(Height, step), 0, transfer.SourceFormat, transfer.SourceType, Pixels.data());
     CheckGlError();
     vector<uint8_t>().swap(Pixels);
     NeedsUpload = false;

@@ -6,7 +6,6 @@
 
 namespace {
 constexpr const char* NameSuffix = " (TrueType)";
-constexpr const char* DefaultName = "Arial (TrueType)";
 constexpr const char* DefaultFamilies[] = {"Arial", "sans-serif"};
 
 const char* AsText(const FcChar8* text)
@@ -61,7 +60,7 @@ void AddDefault(vector<TFontFile>& fonts)
     FcPattern* match = FcFontMatch(nullptr, wanted, &result);
     TFontFile font;
     if (match != nullptr && GetPath(match, font.Path)) {
-        font.Name = DefaultName;
+        font.Name = DefaultFontName;
         fonts.push_back(font);
     }
     if (match != nullptr)
@@ -85,6 +84,6 @@ void ListSystemFonts(vector<TFontFile>& fonts)
     }
     FcObjectSetDestroy(wanted);
     FcPatternDestroy(any);
-    if (!HasFont(fonts, DefaultName))
+    if (!HasFont(fonts, DefaultFontName))
         AddDefault(fonts);
 }

@@ -3,6 +3,9 @@
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
 
+// The font that is always there, whatever the system has.
+constexpr const char* DefaultFontName = "Arial (TrueType)";
+
 // A font as the system names it, such as "Arial (TrueType)", and its file, which exists.
 struct TFontFile
 {

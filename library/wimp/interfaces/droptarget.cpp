@@ -1,7 +1,7 @@
 #include "library/wimp/interfaces/droptarget.h"
 
 #include "library/containers/assertion.h"
-#include "library/wimp/windowpeer.h"
+#include "library/wimp/modal.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QMimeData>
@@ -53,6 +53,9 @@ public:
 private:
     static bool Accept(QDropEvent& event)
     {
+        // A window that waits for a dialog takes nothing.
+        if (TNestedLoopScope::IsActive())
+            return false;
         for (const QUrl& url : event.mimeData()->urls())
             if (url.isLocalFile()) {
                 event.setDropAction(Qt::CopyAction);

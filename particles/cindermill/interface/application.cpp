@@ -29,6 +29,7 @@ TApplication::TApplication() : App(OpenSettingsStore(), this)
     InstallMessageForms();
     InstallErrorDialog();
     RegisterDisplayClasses();
+    App.GetResourceLocator().SetHost(&ResourceDialog);
 }
 
 TApplication::~TApplication()

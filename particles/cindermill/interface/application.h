@@ -3,6 +3,7 @@
 #include "library/wimp/gdi/gdibitmap.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/mainwindow.h"
+#include "particles/cindermill/interface/resourcedialog.h"
 #include "particles/cindermill/main/apphost.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
@@ -42,6 +43,7 @@ private:
     static constexpr int NumNodeBitmaps = 4;
 
     TCindermillApp App;
+    TResourceDialog ResourceDialog;
     TMainWindow* MainWindow = nullptr;
     TGDIBitmap NodeBitmaps[NumNodeBitmaps];
 };

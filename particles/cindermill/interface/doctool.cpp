@@ -83,10 +83,7 @@ bool TDocTool::OnMessage(const TMessage& message)
         DocWindow->Activate();
         return false;
     case MT_KEYDOWN:
-        if (message.Key != KEY_ESCAPE || !DocWindow->IsTypeDragging())
-            return false;
-        DocWindow->CancelDrag();
-        return true;
+        return message.Key == KEY_ESCAPE && DocWindow->CancelAnyDrag();
     default:
         return false;
     }

@@ -75,7 +75,15 @@ void TDocumentWindows::CloseView(TDocWindow* window)
     if (app.GetActiveDocWindow() == window)
         Windows.back()->Activate();
     delete window;
+    if (ParticleWindow != nullptr && ParticleWindow->GetKeyOwner() == nullptr)
+        TakeShortcuts(*Windows.back());
     UpdateTitles(*Document);
+}
+
+void TDocumentWindows::TakeShortcuts(TDocWindow& window)
+{
+    if (ParticleWindow != nullptr)
+        ParticleWindow->SetKeyOwner(&window.GetGraph());
 }
 
 void TDocumentWindows::DeleteWindows(TDocument&)
@@ -256,8 +264,10 @@ void TDocumentWindows::EdgeScroll(TRenderer& renderer, int x, int y)
 
 void TDocumentWindows::BeginDrag(TRenderer& renderer, TMouseDrag& drag)
 {
-    if (TGraphWindow* graph = FindGraph(renderer))
+    if (TGraphWindow* graph = FindGraph(renderer)) {
+        graph->StopFocus();
         graph->SetCapture();
+    }
     TWimp::Get().SetMouseDrag(&drag);
 }
 

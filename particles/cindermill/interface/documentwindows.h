@@ -54,6 +54,8 @@ public:
     // A view's close box. The last view closes the document, if the user agrees; neither the window nor these
     // windows may be touched afterwards.
     void CloseView(TDocWindow* window);
+    // The view was used last: it gets the shortcuts that are pressed in the effect's display.
+    void TakeShortcuts(TDocWindow& window);
 
     TDocument& GetDocument() const { return *Document; }
     TGraphScene& GetScene() const { return *Scene; }

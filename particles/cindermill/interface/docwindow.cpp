@@ -99,10 +99,7 @@ bool TDocWindow::OnMessage(const TMessage& message)
     case MT_WHEEL:
         return OnWheel(message);
     case MT_KEYDOWN:
-        if (message.Key != KEY_ESCAPE || !IsTypeDragging())
-            return false;
-        CancelDrag();
-        return true;
+        return message.Key == KEY_ESCAPE && CancelAnyDrag();
     default:
         break;
     }
@@ -120,6 +117,7 @@ bool TDocWindow::OnWheel(const TMessage& message)
 void TDocWindow::Activate()
 {
     TCindermillApp::Get().SetActiveDocWindow(this, Document);
+    Windows.TakeShortcuts(*this);
 }
 
 void TDocWindow::BeginTypeDrag(const TNodeType& type)
@@ -142,6 +140,21 @@ void TDocWindow::CancelDrag()
     ShowCursor(CU_CLASS);
     Graph.HideGhost();
     ReleaseCapture();
+}
+
+bool TDocWindow::CancelAnyDrag()
+{
+    if (IsTypeDragging()) {
+        CancelDrag();
+        return true;
+    }
+    TGraphCanvas& canvas = Windows.GetScene().GetCanvas();
+    if (Graph.CancelDrag())
+        return true;
+    if (!canvas.IsDragging())
+        return false;
+    canvas.CancelDrag();
+    return true;
 }
 
 void TDocWindow::ShowCursor(TCursor cursor)

@@ -20,11 +20,15 @@ public:
     bool OnMessage(const TMessage& message) override;
     // The drag of a node type.
     void OnMouseMove(int x, int y, int buttons) override;
+    void OnCaptureLost() override { CancelDrag(); }
 
     // The mouse carries the type until it is released, in this window's graph to add a node.
     void BeginTypeDrag(const TNodeType& type);
     // Ends the drag of a type; no node is added.
     void CancelDrag();
+    // Ends what the mouse does in this window, or with the graph that it shows, without effect. False if
+    // nothing runs.
+    bool CancelAnyDrag();
     bool IsTypeDragging() const { return DragType != nullptr; }
     // Nothing happens with no node to show.
     void FocusSelected(bool animate);

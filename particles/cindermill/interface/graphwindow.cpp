@@ -36,9 +36,13 @@ int GetPanButton()
     return TCindermillApp::Get().GetSettings().GetGraphPanButton();
 }
 
+// The settings may hold any number.
 int GetPanMask()
 {
-    return 1 << GetPanButton();
+    static constexpr int Masks[] = {MB_LEFT, MB_MIDDLE, MB_RIGHT};
+    constexpr int NumMasks = sizeof(Masks) / sizeof(Masks[0]);
+    const int button = GetPanButton();
+    return button >= 0 && button < NumMasks ? Masks[button] : 0;
 }
 
 // Text being typed wants the keys of the clipboard for itself.
@@ -46,7 +50,8 @@ bool IsTyping()
 {
     const TRenderObject* focus = TRenderObject::GetFocus();
     const int textEdit = FindClassByName("TTextEdit");
-    return focus != nullptr && textEdit != -1 && IsClassA(focus->GetClassType(), textEdit);
+    const int kind = focus != nullptr ? FindClassByNameID(focus->GetClassId()) : -1;
+    return kind != -1 && textEdit != -1 && IsClassA(kind, textEdit);
 }
 
 // What an edit would change under a running drag is the drag's.
@@ -226,7 +231,8 @@ void TGraphWindow::OnLeftDown(const TMessage& message)
 
 void TGraphWindow::OnRightUp(const TMessage& message)
 {
-    const bool isClick = !DraggedFar;
+    // Beside a running drag the button does nothing.
+    const bool isClick = !DraggedFar && TWimp::Get().GetMouseDrag() == nullptr;
     DraggedFar = false;
     TNodeObj* object = isClick ? GetScene().NodeAt(PixelToWorld(message.X, message.Y)) : nullptr;
     if (object == nullptr)
@@ -254,16 +260,8 @@ void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
 
 bool TGraphWindow::OnEscape()
 {
-    if (DocWindow->IsTypeDragging()) {
-        DocWindow->CancelDrag();
+    if (DocWindow->CancelAnyDrag())
         return true;
-    }
-    if (CancelDrag())
-        return true;
-    if (GetScene().GetCanvas().IsDragging()) {
-        GetScene().GetCanvas().CancelDrag();
-        return true;
-    }
     const bool isCaptured = TRenderObject::GetCapture() != nullptr;
     TRenderObject::ReleaseCapture();
     return isCaptured;
@@ -278,6 +276,13 @@ void TGraphWindow::OnWheel(const TMessage& message)
 }
 
 void TGraphWindow::SetView(const TGraphView& view)
+{
+    ShowView(view);
+    if (State == GS_PANNING)
+        view.GetPanStart(PixelNow[0], PixelNow[1], PanStart);
+}
+
+void TGraphWindow::ShowView(const TGraphView& view)
 {
     if (view == GetView())
         return;
@@ -295,9 +300,11 @@ void TGraphWindow::OnMouseMove(int x, int y, int buttons)
             EndPan();
             return;
         }
+        PixelNow[0] = x;
+        PixelNow[1] = y;
         TGraphView view = GetView();
         view.PanTo(x, y, PanStart);
-        SetView(view);
+        ShowView(view);
     } else if (State == GS_BOXSELECT) {
         if ((buttons & MB_LEFT) == 0) {
             EndBox();
@@ -315,8 +322,8 @@ void TGraphWindow::BeginPan(int x, int y)
     if (TWimp::Get().GetMouseDrag() != nullptr)
         return;
     State = GS_PANNING;
-    PixelStart[0] = x;
-    PixelStart[1] = y;
+    PixelStart[0] = PixelNow[0] = x;
+    PixelStart[1] = PixelNow[1] = y;
     GetView().GetPanStart(x, y, PanStart);
     ViewFocus.Stop();
     SetCapture();

@@ -34,6 +34,7 @@ public:
     void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
     // The pan, or the box of a selection.
     void OnMouseMove(int x, int y, int buttons) override;
+    void OnCaptureLost() override { CancelDrag(); }
 
     // Shows all of the nodes. Asserts "!nodes.empty()".
     void Focus(const vector<TToolNode*>& nodes, bool animate);
@@ -44,6 +45,8 @@ public:
 
     // During a drag: scrolls if the pixel lies close to an edge.
     void EdgeScroll(int x, int y);
+    // The view stays where it is now.
+    void StopFocus() { ViewFocus.Stop(); }
     // The picture of a type that is being dragged in, around a pixel.
     void BuildGhost(const TNodeType& type);
     void ShowGhost(int x, int y);
@@ -55,6 +58,7 @@ public:
 
     TVector2 PixelToWorld(int x, int y) const { return GetView().PixelToWorld(x, y); }
     TGraphView GetView() const { return TGraphView(Renderer.GetOffset(), Renderer.GetScale()); }
+    // A running pan goes on from there.
     void SetView(const TGraphView& view);
     TRenderer& GetRenderer() { return Renderer; }
     TState GetState() const { return State; }
@@ -74,6 +78,7 @@ private:
     void OnRightUp(const TMessage& message);
     bool OnEscape();
     void OnWheel(const TMessage& message);
+    void ShowView(const TGraphView& view);
     void BeginPan(int x, int y);
     void EndPan();
     void BeginBox(int x, int y);
@@ -85,6 +90,8 @@ private:
     TState State = GS_IDLE;
     int PanStart[2] = {};
     int PixelStart[2] = {};
+    // Where the pan has come to.
+    int PixelNow[2] = {};
     // The pan moved so far that the release of its button is no click.
     bool DraggedFar = false;
     TSelBoxRender SelBox;

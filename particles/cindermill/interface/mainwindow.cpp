@@ -120,7 +120,7 @@ void TMainWindow::RebuildRecentFiles(const vector<TString>& files)
 {
     TMenu* menu = Menu.FindPopup(MI_RECENTFILES);
     menu->Clear();
-    for (int i = 0; i < files.size(); ++i) {
+    for (int i = 0; i < files.size() && i < MaxRecentEntries; ++i) {
         TString shown;
         ToShownPath(files[i], shown);
         menu->InsertItem(0, MI_RECENTFILE + i, shown.Print());

@@ -94,8 +94,10 @@ void TChangeNotify::Add(const char* path, TCallback callback, void* context)
         TWatchedFile added;
         added.Name = name;
         GetFileWriteTime(path, added.WriteTime);
-        Directories[index]->Files.push_back(added);
-        file = Directories[index]->Files.size() - 1;
+        vector<TWatchedFile>& files = Directories[index]->Files;
+        for (file = 0; file < files.size() && files[file].Name.Compare(name) < 0;)
+            ++file;
+        files.insert(files.begin() + file, added);
     }
     Directories[index]->Files[file].Listeners.push_back(TListener{callback, context});
 }

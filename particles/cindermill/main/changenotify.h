@@ -45,6 +45,7 @@ private:
     {
         TString Path;
         int Number = -1;
+        // By name.
         vector<TWatchedFile> Files;
     };
 

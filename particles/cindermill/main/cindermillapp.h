@@ -41,6 +41,9 @@ enum TMenuId
     MI_CASCADE = 57650
 };
 
+// The store may hold any number of recent files. Those beyond this many would share their ids with commands.
+constexpr int MaxRecentEntries = 200;
+
 // The one object that lives for the whole run: open documents, settings, node types, the resource locator,
 // the change watcher and the clipboard. The windows stand above it and are reached through the host.
 class TCindermillApp

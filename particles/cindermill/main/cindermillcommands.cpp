@@ -76,7 +76,7 @@ bool TCindermillApp::OnMenu(int id)
         Host->Cascade();
         return true;
     default:
-        return OnRecentFile(id) || OnDocumentMenu(id);
+        return OnDocumentMenu(id) || OnRecentFile(id);
     }
 }
 
@@ -84,7 +84,7 @@ bool TCindermillApp::OnMenu(int id)
 bool TCindermillApp::OnRecentFile(int id)
 {
     const int index = id - MI_RECENTFILE;
-    if (index < 0 || index >= Settings.GetRecentFiles().size())
+    if (index < 0 || index >= MaxRecentEntries || index >= Settings.GetRecentFiles().size())
         return false;
     const TString path = Settings.GetRecentFiles()[index];
     OpenDocument(path);

@@ -188,7 +188,8 @@ bool TDocument::Load(const char* path)
     RefreshNodeTypes();
     AttachObjects();
     TErrorList errors;
-    if (ResolveTypes(errors))
+    const bool resolved = ResolveTypes(errors);
+    if (resolved)
         Graph->NotifyChanged();
     Path = path;
     UpdateTitles();
@@ -196,6 +197,9 @@ bool TDocument::Load(const char* path)
         Host->ShowParticleWindow(*this);
         Host->FrameAllNodes(*this);
     }
+    // What is wrong with the graph is told when it is edited, not now.
+    if (!resolved)
+        return true;
     RebuildSchedule(true);
     GraphChanged();
     return true;
@@ -410,8 +414,7 @@ void TDocument::GraphChanged()
     EffectExecSchedule.Clear();
     Schedule = TEffectSchedule();
     DisplayErrors("Schedule errors", errors);
-    if (Host != nullptr)
-        Host->ScheduleChanged(*this);
+    TellScheduleChanged();
 }
 
 // An engine that runs goes on only if all that it took from the old schedule holds for the new one.
@@ -429,6 +432,8 @@ bool TDocument::CreateSchedule(TErrorList& errors)
 bool TDocument::InitEngine(TErrorList& errors, bool toolMode)
 {
     EffectExecSchedule.Clear();
+    // What was missing may have come.
+    App.GetResourceLocator().ForgetMissing();
     const bool inited =
         RunCollecting(errors, [&] { return EffectExecSchedule.Init(Schedule, errors, toolMode); });
     if (!inited)
@@ -468,8 +473,7 @@ void TDocument::RebuildSchedule(bool suppressDialog)
         RedrawWindows();
     if (!suppressDialog && !errors.empty())
         DisplayErrors("Schedule errors", errors);
-    if (Host != nullptr)
-        Host->ScheduleChanged(*this);
+    TellScheduleChanged();
 }
 
 // A schedule whose engine could not be made is tried again: what was missing may have come.
@@ -478,10 +482,11 @@ bool TDocument::EnsureSchedule()
     if (Schedule.IsCreated() && EffectExecSchedule.IsInited())
         return true;
     TErrorList errors;
-    if (CreateSchedule(errors) && InitEngine(errors, true))
-        return true;
-    DisplayErrors("Schedule errors", errors);
-    return false;
+    const bool ready = CreateSchedule(errors) && InitEngine(errors, true);
+    TellScheduleChanged();
+    if (!ready)
+        DisplayErrors("Schedule errors", errors);
+    return ready;
 }
 
 bool TDocument::Export(const char* path)
@@ -560,7 +565,9 @@ void TDocument::GetReport(TString& report)
     AddLine(report, "Graph edges: %d\r\n", Graph->GetNumEdges());
     AddLine(report, "\r\nSchedule:\r\n%s", Dashes);
     TErrorList errors;
-    if (!CreateSchedule(errors)) {
+    const bool created = CreateSchedule(errors);
+    TellScheduleChanged();
+    if (!created) {
         AddLine(report, "Graph does not create valid schedule\r\n");
         return;
     }
@@ -585,6 +592,12 @@ void TDocument::GetReport(TString& report)
     } else {
         AddLine(report, "Schedule does not create valid efx file\r\n");
     }
+}
+
+void TDocument::TellScheduleChanged()
+{
+    if (Host != nullptr)
+        Host->ScheduleChanged(*this);
 }
 
 void TDocument::UpdateTitles()

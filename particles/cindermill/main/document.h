@@ -117,6 +117,7 @@ private:
     void RefreshNodeTypes();
     void AttachObjects();
     void UpdateTitles();
+    void TellScheduleChanged();
     bool WriteExport(const char* path, TErrorList& errors);
     void FinishStep(bool fits);
     void DropStaleSchedule();

@@ -1,18 +1,16 @@
 #include "particles/cindermill/main/resourcelocator.h"
 
+#include "library/containers/assertion.h"
+#include "library/system/clock.h"
 #include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
+#include "library/system/thread.h"
+#include "particles/cindermill/main/resourcehost.h"
+#include "particles/cindermill/main/resourcesearch.h"
 #include "particles/cindermill/main/settings.h"
 
 namespace {
-
-void Join(const char* directory, const char* name, TString& path)
-{
-    path = directory;
-    path += "\\";
-    path += name;
-}
 
 // The directory without what separates it from a name behind it.
 void CutTrailingSeparators(TString& directory)
@@ -25,41 +23,17 @@ void CutTrailingSeparators(TString& directory)
     directory = cut;
 }
 
-// An entry of a directory on the disc: the top of a file system is the empty path with its separator.
-const char* Listable(const TString& directory)
-{
-    return directory.IsEmpty() ? "\\" : directory.c_str();
-}
-
-// A file of the name in the directory.
-bool FindEntry(const vector<TDirectoryEntry>& entries, const char* name, const char* directory, TString& path)
-{
-    for (const TDirectoryEntry& entry : entries) {
-        if (entry.IsDirectory || entry.Name.Compare(name) != 0)
-            continue;
-        Join(directory, entry.Name, path);
-        return true;
-    }
-    return false;
-}
-
-// Whether a search goes down into the entry.
-bool IsSearched(const TDirectoryEntry& entry)
-{
-    return entry.IsDirectory && *entry.Name.Print() != '.';
-}
-
 // Depth first, whatever is known already.
 bool FindBelow(const char* name, const char* directory, TString& path)
 {
     const TString here(directory);
     vector<TDirectoryEntry> entries;
-    ListDirectory(Listable(here), entries);
+    ListDirectory(ListablePath(here), entries);
     if (FindEntry(entries, name, here.Print(), path))
         return true;
     for (const TDirectoryEntry& entry : entries) {
         TString child;
-        Join(here.Print(), entry.Name, child);
+        JoinPath(here.Print(), entry.Name, child);
         if (IsSearched(entry) && FindBelow(name, child, path))
             return true;
     }
@@ -83,6 +57,7 @@ void TResourceLocator::ReadSettings()
     ToKeptPath(Settings.GetResourcePath(), BasePath);
     if (!BasePath.IsEmpty() && BasePath.FindLast('\\') != BasePath.Length() - 1)
         BasePath += "\\";
+    ForgetMissing();
 }
 
 void TResourceLocator::AddSearchDirectory(const char* directory)
@@ -107,14 +82,19 @@ void TResourceLocator::Remember(const char* directory)
         KnownDirectories.push_back(directory);
 }
 
+void TResourceLocator::RememberDirectoryOf(const char* path)
+{
+    TString kept;
+    TString directory;
+    ToKeptPath(path, kept);
+    directory.SetDirectory(kept);
+    Remember(directory);
+}
+
 bool TResourceLocator::PrepareName(TString& path)
 {
     if (Mode == RM_LEAFNAME) {
-        TString directory;
-        TString kept;
-        ToKeptPath(path, kept);
-        directory.SetDirectory(kept);
-        Remember(directory);
+        RememberDirectoryOf(path);
         TString leaf;
         leaf.SetFileName(path);
         path = leaf;
@@ -146,17 +126,13 @@ TFindResult TResourceLocator::Find(const char* name, TString& path)
         return FR_NOTFOUND;
     if (FindInSearchDirectories(name, path))
         return FR_FOUND;
-    if (Mode == RM_RELATIVEPATH) {
-        TString full(BasePath);
-        const bool skip = name != nullptr && (*name == '/' || *name == '\\');
-        full += skip ? name + 1 : name;
-        return FindPath(full, path);
-    }
+    if (Mode == RM_LEAFNAME)
+        return FindLeaf(name, path);
     if (Mode == RM_FULLPATH)
-        return FindPath(name, path);
-    if (FindInKnownDirectories(name, path))
-        return FR_FOUND;
-    return Search(name, StartDirectory, StartDirectory, true, path) ? FR_FOUND : FR_NOTFOUND;
+        return FindPath(name, name, path);
+    TString full(BasePath);
+    full += *name == '/' || *name == '\\' ? name + 1 : name;
+    return FindPath(name, full, path);
 }
 
 // A stored path is tried as it stands under each directory, then its leaf anywhere below.
@@ -165,63 +141,195 @@ bool TResourceLocator::FindInSearchDirectories(const char* name, TString& path) 
     TString leaf;
     leaf.SetFileName(name);
     for (const TString& directory : SearchDirectories) {
-        Join(directory, name, path);
+        JoinPath(directory, name, path);
         if (FileExists(path) || FindBelow(leaf, directory, path))
             return true;
     }
     return false;
 }
 
-TFindResult TResourceLocator::FindPath(const char* path, TString& result) const
+TFindResult TResourceLocator::FindPath(const char* name, const char* path, TString& result)
 {
     ToKeptPath(path, result);
-    return FileExists(result) ? FR_FOUND : FR_NOTFOUND;
+    if (FileExists(result))
+        return FR_FOUND;
+    if (!CanAsk())
+        return FR_NOTFOUND;
+    return FindLocated(name, result) ? FR_LOCATED : Ask(name, result);
+}
+
+TFindResult TResourceLocator::FindLeaf(const char* name, TString& path)
+{
+    if (FindInKnownDirectories(name, path))
+        return FR_FOUND;
+    if (!CanAsk())
+        return Search(name, path) ? FR_FOUND : FR_NOTFOUND;
+    return FindLocated(name, path) ? FR_LOCATED : Ask(name, path);
+}
+
+// A program that is at rest only because it waits for one file does not ask for another.
+TFindResult TResourceLocator::Ask(const char* name, TString& path)
+{
+    const TString wanted(name);
+    if (Asking || Missing.find(wanted) != Missing.end())
+        return FR_NOTFOUND;
+    struct TAsking
+    {
+        bool& Flag;
+        explicit TAsking(bool& flag) : Flag(flag) { Flag = true; }
+        ~TAsking() { Flag = false; }
+    } asking(Asking);
+    TFindResult result = FR_NOTFOUND;
+    if (Mode == RM_LEAFNAME)
+        result = SearchWithDialog(wanted, path);
+    else if (Choose(wanted, path))
+        result = FR_LOCATED;
+    if (result == FR_NOTFOUND)
+        Missing.push_back(wanted);
+    if (result == FR_LOCATED)
+        Located.push_back(TLocated{wanted, path});
+    return result;
+}
+
+bool TResourceLocator::Choose(const char* name, TString& path)
+{
+    TString shown;
+    ToShownPath(name, shown);
+    TString title = "Find resource ";
+    title += shown;
+    TString leaf;
+    leaf.SetFileName(name);
+    TString pattern;
+    vector<TPathFilter> filters;
+    if (leaf.FindLast('.') != -1) {
+        TString extension;
+        extension.SetExtension(leaf);
+        pattern = "*.";
+        pattern += extension;
+        filters.push_back(TPathFilter{pattern, pattern});
+    }
+    filters.push_back(TPathFilter{"*.*", "*.*"});
+    TString chosen;
+    if (!Host->ChooseResource(title, filters, chosen))
+        return false;
+    ToKeptPath(chosen, path);
+    return true;
+}
+
+bool TResourceLocator::FindLocated(const char* name, TString& path) const
+{
+    for (const TLocated& located : Located) {
+        if (located.Name.Compare(name) != 0)
+            continue;
+        path = located.Path;
+        return true;
+    }
+    return false;
 }
 
 bool TResourceLocator::FindInKnownDirectories(const char* name, TString& path) const
 {
     for (const TString& directory : KnownDirectories) {
         vector<TDirectoryEntry> entries;
-        ListDirectory(Listable(directory), entries);
+        ListDirectory(ListablePath(directory), entries);
         if (FindEntry(entries, name, directory.Print(), path))
             return true;
     }
     return false;
 }
 
-// Depth first below the directory, then one level up, to the root.
-bool TResourceLocator::Search(const char* name, const char* directory, const char* excluded, bool climb,
-                              TString& path)
+bool TResourceLocator::Search(const char* name, TString& path)
 {
-    TString here(directory);
-    TString below(excluded);
-    while (!SearchBelow(name, here, below, path)) {
-        const int separator = here.FindLast('\\');
-        if (!climb || separator == -1)
-            return false;
-        below = here;
-        here.TruncateAtLast('\\');
-    }
+    TResourceSearch search(name, KnownDirectories);
+    if (!search.Run(StartDirectory))
+        return false;
+    path = search.GetPath();
+    RememberDirectoryOf(path);
     return true;
 }
 
-bool TResourceLocator::SearchBelow(const char* name, const char* directory, const char* excluded,
-                                   TString& path)
+namespace {
+
+// The work of the search's own thread.
+struct TSearchWork
 {
-    const TString here(directory);
-    vector<TDirectoryEntry> entries;
-    ListDirectory(Listable(here), entries);
-    if (FindEntry(entries, name, here.Print(), path)) {
-        Remember(here);
-        return true;
+    static void Run(void* context)
+    {
+        TSearchWork& work = *static_cast<TSearchWork*>(context);
+        TString text;
+        RunGuarded([&] { work.Found = work.Search.Run(work.StartDirectory); }, text);
+        work.Done.Set();
     }
-    for (const TDirectoryEntry& entry : entries) {
-        if (!IsSearched(entry))
+
+    TResourceSearch Search;
+    const TString StartDirectory;
+    bool Found = false;
+    TEvent Done;
+};
+
+class THostSearch
+{
+public:
+    explicit THostSearch(TResourceHost& host) : Host(host) { Host.BeginSearch(); }
+    ~THostSearch() { Host.EndSearch(); }
+    THostSearch(const THostSearch&) = delete;
+    THostSearch& operator=(const THostSearch&) = delete;
+
+private:
+    TResourceHost& Host;
+};
+
+} // namespace
+
+TFindResult TResourceLocator::SearchWithDialog(const char* name, TString& path)
+{
+    TSearchWork work{{name, KnownDirectories}, StartDirectory, false, {}};
+    TThread thread;
+    if (!thread.Start(&TSearchWork::Run, &work))
+        return Search(name, path) ? FR_FOUND : FR_NOTFOUND;
+    TString located;
+    const bool isLocated = Await(work.Search, work.Done, name, located);
+    thread.Join();
+    if (!isLocated && !work.Found)
+        return FR_NOTFOUND;
+    path = isLocated ? located : work.Search.GetPath();
+    RememberDirectoryOf(path);
+    return isLocated ? FR_LOCATED : FR_FOUND;
+}
+
+// Keeps the windows alive until the search has ended. True if the person gave the file.
+bool TResourceLocator::Await(TResourceSearch& search, TEvent& done, const char* name, TString& path)
+{
+    constexpr uint32_t RefreshInterval = 300;
+    const THostSearch hostSearch(*Host);
+    const uint32_t begin = GetTickCount();
+    uint32_t refreshed = 0;
+    bool shown = false;
+    bool ended = false;
+    bool located = false;
+    while (!done.Wait(1)) {
+        const uint32_t now = GetTickCount();
+        if (!shown && !ended && now - begin >= ShowDelay) {
+            Host->ShowSearch(name);
+            refreshed = now - RefreshInterval;
+            shown = true;
+        }
+        if (shown && !ended && now - refreshed >= RefreshInterval) {
+            vector<TString> directories;
+            search.GetSearchStack(directories);
+            Host->ListDirectories(directories);
+            refreshed = now;
+        }
+        const TSearchAnswer answer = Host->Step();
+        if (ended)
             continue;
-        TString child;
-        Join(here.Print(), entry.Name, child);
-        if (child.Compare(excluded) != 0 && !IsKnown(child) && SearchBelow(name, child, excluded, path))
-            return true;
+        if (answer == SA_STOP) {
+            search.Stop();
+            ended = true;
+        } else if (answer == SA_LOCATE && Choose(name, path)) {
+            search.Locate(path);
+            ended = located = true;
+        }
     }
-    return false;
+    return located;
 }

@@ -4,6 +4,11 @@
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
 
+#include <cstdint>
+
+class TEvent;
+class TResourceHost;
+class TResourceSearch;
 class TSettings;
 
 enum TFindResult
@@ -16,6 +21,9 @@ enum TFindResult
 
 // Turns the stored name of a texture or an animation into a real path, searching the disc if it must. A
 // stored name is a leaf name, a path under a base directory, or a full path, as the settings say.
+//
+// While a search runs on a thread of its own, Find turns the message loop through the host. Whoever calls
+// Find must stand it that windows are drawn meanwhile; nothing else happens to them.
 class TResourceLocator
 {
 public:
@@ -23,31 +31,59 @@ public:
 
     // `directory` is where searches start: the program's.
     bool Init(const char* directory, bool headless);
+    // Who shows the dialog and the chooser; null for nobody. The host stays the caller's.
+    void SetHost(TResourceHost* host) { Host = host; }
     // Takes mode and base path over; after the settings changed.
     void ReadSettings();
     // Directories that are searched with all below them ahead of everything else, whatever the mode.
     void AddSearchDirectory(const char* directory);
+    // Milliseconds that a search lasts before its dialog is shown.
+    void SetShowDelay(int milliseconds) { ShowDelay = static_cast<uint32_t>(milliseconds); }
 
     // Makes the stored form of a chosen file; false, with a message shown, if it has none.
     bool PrepareName(TString& path);
+    // Asks the person, where there is a host, for what cannot be found without.
     TFindResult Find(const char* name, TString& path);
+    // What could not be found is looked and asked for again. Until then nobody is asked twice, however many
+    // nodes name the file.
+    void ForgetMissing() { Missing.clear(); }
+    // Whether Find is waiting for a search or for the person.
+    bool IsAsking() const { return Asking; }
 
     const list<TString>& GetKnownDirectories() const { return KnownDirectories; }
 
 private:
+    bool CanAsk() const { return !Headless && Host != nullptr; }
     bool IsKnown(const char* directory) const;
     void Remember(const char* directory);
+    void RememberDirectoryOf(const char* path);
+    bool FindLocated(const char* name, TString& path) const;
     bool FindInSearchDirectories(const char* name, TString& path) const;
     bool FindInKnownDirectories(const char* name, TString& path) const;
-    bool Search(const char* name, const char* directory, const char* excluded, bool climb, TString& path);
-    bool SearchBelow(const char* name, const char* directory, const char* excluded, TString& path);
-    TFindResult FindPath(const char* path, TString& result) const;
+    TFindResult FindLeaf(const char* name, TString& path);
+    TFindResult FindPath(const char* name, const char* path, TString& result);
+    TFindResult Ask(const char* name, TString& path);
+    bool Choose(const char* name, TString& path);
+    bool Search(const char* name, TString& path);
+    TFindResult SearchWithDialog(const char* name, TString& path);
+    bool Await(TResourceSearch& search, TEvent& done, const char* name, TString& path);
+
+    struct TLocated
+    {
+        TString Name;
+        TString Path;
+    };
 
     const TSettings& Settings;
+    TResourceHost* Host = nullptr;
     TString StartDirectory;
     list<TString> KnownDirectories;
+    vector<TLocated> Located;
     vector<TString> SearchDirectories;
+    vector<TString> Missing;
     bool Headless = true;
+    bool Asking = false;
     int Mode = 0;
     TString BasePath;
+    uint32_t ShowDelay = 2000;
 };

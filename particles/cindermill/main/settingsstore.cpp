@@ -29,7 +29,7 @@ public:
         constexpr int MaxBytes = 4096;
         const QVariant found = Settings.value(name);
         const QByteArray bytes = found.toString().toUtf8();
-        if (!found.isValid() || !found.canConvert<QString>() || bytes.size() >= MaxBytes)
+        if (found.typeId() != QMetaType::QString || bytes.size() >= MaxBytes)
             return false;
         value = bytes.constData();
         return true;

@@ -143,6 +143,19 @@ TEST(Assertion, UnwindingIsSeenInDestructors)
     EXPECT_FALSE(IsAssertUnwinding());
 }
 
+TEST(Assertion, APauseTakesTheGuardsOutOfForceForItsLifetime)
+{
+    TAssertGuard outer;
+    TAssertGuard guard;
+    {
+        TAssertPause pause;
+        EXPECT_FALSE(TAssertGuard::IsActive());
+        EXPECT_EQ(AssertionOf([] { ASSERT_TEXT(false, "inside"); }), "inside");
+        EXPECT_FALSE(TAssertGuard::IsActive());
+    }
+    EXPECT_TRUE(TAssertGuard::IsActive());
+}
+
 TEST(Log, LongTextIsCutAt4095Characters)
 {
     const std::string line(5000, 'l');

@@ -3,8 +3,11 @@
 #include "library/containers/assertion.h"
 #include "library/system/message.h"
 #include "library/wimp/filechooser.h"
+#include "library/wimp/keyboardshortcut.h"
+#include "library/wimp/wimp.h"
 #include "support/windowtest.h"
 
+#include <QtCore/QPointer>
 #include <QtCore/QTimer>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
@@ -17,6 +20,8 @@
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QPushButton>
 
+#include <algorithm>
+
 namespace {
 
 class TDialogTest : public TWindowTest
@@ -28,9 +33,10 @@ protected:
         QTimer::singleShot(30, [work] {
             QDialog* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
+            const QPointer<QDialog> guard(dialog);
             work(*dialog);
-            if (dialog->isVisible())
-                dialog->reject();
+            if (guard != nullptr && guard->isVisible())
+                guard->reject();
         });
     }
     static void Press(QDialog& dialog, const char* name)
@@ -71,7 +77,129 @@ protected:
     TString Path;
 };
 
+// A control and what it tells.
+class TTestDialog : public TDialog
+{
+public:
+    TTestDialog() : TDialog("Options", 366, 198) {}
+    bool OnMessage(const TMessage& message) override
+    {
+        Messages.push_back(message.Type);
+        return TDialog::OnMessage(message);
+    }
+    void OnCommand(TWimpControl* control, intptr_t argument, int code) override
+    {
+        Codes.push_back(code);
+        TDialog::OnCommand(control, argument, code);
+    }
+
+    bool Refuses = false;
+    int NumInits = 0;
+    std::vector<TMessageType> Messages;
+    std::vector<int> Codes;
+
+protected:
+    bool OnInit() override
+    {
+        ++NumInits;
+        return !Refuses;
+    }
+};
+
 } // namespace
+
+TEST_F(TDialogTest, ADialogReturnsTheResultThatItEndedWith)
+{
+    TTestDialog dialog;
+    Meet([&](QDialog& widget) {
+        EXPECT_EQ(widget.objectName(), QString("dialog111"));
+        EXPECT_EQ(widget.windowTitle(), QString("Options"));
+        EXPECT_EQ(widget.size(), QSize(366, 198));
+        EXPECT_EQ(dialog.GetType(), 1);
+        dialog.End(7);
+    });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), 7);
+    EXPECT_EQ(dialog.GetHandle(), nullptr);
+    EXPECT_EQ(dialog.NumInits, 1);
+    // And again.
+    Meet([&](QDialog&) { dialog.End(DR_OK); });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), DR_OK);
+}
+
+TEST_F(TDialogTest, ClosingADialogIsCode0AndCancelsIt)
+{
+    TTestDialog dialog;
+    Meet([](QDialog& widget) { widget.close(); });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), DR_CANCEL);
+    EXPECT_EQ(dialog.Codes, std::vector<int>{CC_CLOSE});
+    Meet([](QDialog& widget) { QTest::keyClick(&widget, Qt::Key_Escape); });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), DR_CANCEL);
+    EXPECT_EQ(dialog.GetHandle(), nullptr);
+}
+
+TEST_F(TDialogTest, ADialogThatCannotFillItselfIsNotShown)
+{
+    TTestDialog dialog;
+    dialog.Refuses = true;
+    EXPECT_EQ(dialog.DoModal(111, nullptr), DR_NONE);
+    EXPECT_FALSE(dialog.CreateModeless(111, nullptr));
+    EXPECT_EQ(dialog.GetHandle(), nullptr);
+}
+
+TEST_F(TDialogTest, AModelessDialogStaysUntilItIsClosed)
+{
+    TWindowClass windowClass("test_owner");
+    TRecordingWindow owner;
+    ShowTopWindow(owner, windowClass);
+    TTestDialog dialog;
+    ASSERT_TRUE(dialog.CreateModeless(109, &owner));
+    Settle();
+    EXPECT_TRUE(dialog.IsShown());
+    EXPECT_TRUE(owner.GetHandle()->isEnabled());
+    dialog.GetHandle()->close();
+    EXPECT_EQ(dialog.GetHandle(), nullptr);
+    ASSERT_TRUE(dialog.CreateModeless(109, &owner));
+    // The owner takes it along.
+    owner.Destroy();
+    EXPECT_EQ(dialog.GetHandle(), nullptr);
+}
+
+TEST_F(TDialogTest, ADialogWhoseOwnerGoesIsCancelled)
+{
+    TWindowClass windowClass("test_owner");
+    TRecordingWindow owner;
+    ShowTopWindow(owner, windowClass);
+    TTestDialog dialog;
+    Meet([&](QDialog&) {
+        owner.Destroy();
+        // The waiting dialog of Meet is the one that has gone.
+        EXPECT_EQ(dialog.GetHandle(), nullptr);
+    });
+    EXPECT_EQ(dialog.DoModal(111, &owner), DR_CANCEL);
+}
+
+TEST_F(TDialogTest, TheShortcutsOfTheWindowBehindDoNotWorkInADialog)
+{
+    static int taken;
+    taken = 0;
+    TWindowClass windowClass("test_owner");
+    TRecordingWindow owner;
+    ShowTopWindow(owner, windowClass);
+    TKeyboardShortcut table;
+    table.Add('N' | SM_CTRL, [](int, void*) {
+        ++taken;
+        return true;
+    });
+    table.Attach(&owner);
+    TTestDialog dialog;
+    Meet([&](QDialog& widget) {
+        QTest::keyClick(&widget, Qt::Key_N, Qt::ControlModifier);
+        dialog.End(DR_OK);
+    });
+    dialog.DoModal(111, &owner);
+    EXPECT_EQ(taken, 0);
+    EXPECT_NE(std::find(dialog.Messages.begin(), dialog.Messages.end(), MT_KEYDOWN), dialog.Messages.end());
+}
 
 TEST_F(TDialogTest, AListDialogShowsItsLines)
 {

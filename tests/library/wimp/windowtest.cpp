@@ -54,6 +54,7 @@ protected:
 
     TWindowClass Class{"test_window"};
     TWindowClass ChildClass{"test_child"};
+    TWindowClass OtherClass{"test_other"};
     TRecordingWindow Window;
 };
 
@@ -331,6 +332,32 @@ TEST_F(TWindowClassTest, KeysHaveTheirCodes)
     }
 }
 
+TEST_F(TWindowClassTest, AKeyOfAnotherScriptIsTheLatinLetterOfItsPlace)
+{
+    struct TPlacedKey
+    {
+        int Character;
+        quint32 ScanCode;
+        int Key;
+    };
+    // As the X server counts.
+    const TPlacedKey keys[] = {{0x419, 24, 'Q'}, {0x417, 33, 'P'}, {0x42B, 39, 'S'},
+                               {0x42F, 52, 'Z'}, {0x42C, 58, 'M'}, {0x3A3, 39, 'S'}};
+    for (const TPlacedKey& key : keys) {
+        const QString text(QChar(key.Character));
+        QKeyEvent press(QEvent::KeyPress, key.Character, Qt::NoModifier, key.ScanCode, 0, 0, text);
+        QApplication::sendEvent(Widget(), &press);
+        EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, key.Key) << key.ScanCode;
+        EXPECT_EQ(Window.Last(MT_CHAR).Character, static_cast<uint32_t>(key.Character));
+    }
+    // An accented letter beside the Latin ones is no key.
+    Window.Forget();
+    QKeyEvent umlaut(QEvent::KeyPress, Qt::Key_Odiaeresis, Qt::NoModifier, 47, 0, 0, QString(QChar(0xF6)));
+    QApplication::sendEvent(Widget(), &umlaut);
+    EXPECT_EQ(Window.Count(MT_KEYDOWN), 0);
+    EXPECT_EQ(Window.Last(MT_CHAR).Character, 0xF6u);
+}
+
 TEST_F(TWindowClassTest, AKeyWithATextGivesACharacterAfterIt)
 {
     Window.Forget();
@@ -407,6 +434,50 @@ TEST_F(TWindowClassTest, AKeyThatTheWindowsTablesLeaveGoesToThoseOfItsOwner)
     QTest::keyClick(child.GetHandle(), Qt::Key_P);
     EXPECT_EQ(child.Last(MT_KEYDOWN).Key, 'P');
     EXPECT_EQ(Window.Count(MT_KEYDOWN), 0);
+}
+
+TEST_F(TWindowClassTest, AKeyThatAWindowsTablesLeaveGoesToItsKeyOwner)
+{
+    static int taken;
+    taken = 0;
+    TRecordingWindow other;
+    ShowTopWindow(other, OtherClass);
+    TRecordingWindow child;
+    ASSERT_TRUE(MakeChild(child));
+    TKeyboardShortcut table;
+    table.Add('O' | SM_CTRL, [](int, void*) {
+        ++taken;
+        return true;
+    });
+    table.Attach(&Window);
+    EXPECT_EQ(other.GetKeyOwner(), nullptr);
+    QTest::keyClick(other.GetHandle(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(taken, 0);
+    other.SetKeyOwner(&child);
+    EXPECT_EQ(child.GetKeyOwner(), &Window);
+    QTest::keyClick(other.GetHandle(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(taken, 1);
+    // Only the tables are offered them.
+    other.Forget();
+    QTest::keyClick(other.GetHandle(), Qt::Key_O);
+    EXPECT_EQ(taken, 1);
+    EXPECT_EQ(other.Count(MT_KEYDOWN), 1);
+    EXPECT_EQ(child.Count(MT_KEYDOWN), 0);
+}
+
+TEST_F(TWindowClassTest, AKeyOwnerThatGoesIsForgotten)
+{
+    TRecordingWindow other;
+    ShowTopWindow(other, OtherClass);
+    {
+        TRecordingWindow child;
+        ASSERT_TRUE(MakeChild(child));
+        other.SetKeyOwner(&child);
+        ASSERT_EQ(other.GetKeyOwner(), &child);
+    }
+    EXPECT_EQ(other.GetKeyOwner(), nullptr);
+    QTest::keyClick(other.GetHandle(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(other.Last(MT_KEYDOWN).Key, 'O');
 }
 
 TEST_F(TWindowClassTest, TheFocusIsToldWhenItComesAndGoes)
@@ -717,6 +788,26 @@ TEST_F(TWindowClassTest, AnOpenGlWindowPaintsWithItsContext)
     view.Redraw();
     view.Forget();
     ASSERT_TRUE(WaitFor([&] { return view.Count(MT_PAINT) > 0; }));
+}
+
+TEST_F(TWindowClassTest, AnOpenGlWindowOfNoSizePaintsAgainOnceItHasOne)
+{
+    TRecordingWindow view;
+    ASSERT_TRUE(MakeChild(view, WK_GLCHILD));
+    for (int i = 0; i < 3; ++i) {
+        view.MoveTo(0, 0, 0, 0);
+        Settle();
+        int width = -1;
+        int height = -1;
+        view.GetSize(width, height);
+        EXPECT_EQ(width, 0);
+        EXPECT_EQ(height, 0);
+        view.MakeCurrent();
+        view.Forget();
+        view.MoveTo(0, 0, 60, 40);
+        ASSERT_TRUE(WaitFor([&] { return view.Count(MT_PAINT) > 0; })) << i;
+        EXPECT_TRUE(view.MakeCurrent());
+    }
 }
 
 TEST_F(TWindowClassTest, AWindowThatOpenGlDoesNotDrawHasNoContext)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderobject.h"
 #include "library/wimp/gl/renderpath.h"
 
@@ -9,7 +10,8 @@ class TBypass : public TRenderObject
 public:
     TBypass();
     static int ClassId();
-    int GetClassType() const override { return ClassId(); }
+    static uint32_t NameID() { return GetClassNameID(ClassId()); }
+    uint32_t GetClassId() const override { return NameID(); }
 
     void Render(TRenderer& renderer) override;
     void GetBounds(TVector2& min, TVector2& max) override;

@@ -3,6 +3,7 @@
 #include "library/containers/classregistry.h"
 #include "library/maths/scalar.h"
 #include "library/wimp/gl/renderer.h"
+#include "library/wimp/gl/renderwindow.h"
 #include "particles/cindermill/graph/graphoperations.h"
 #include "particles/cindermill/graph/tooledge.h"
 #include "particles/cindermill/graph/toolnode.h"
@@ -10,6 +11,8 @@
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/canconnect.h"
+
+#include <cmath>
 
 namespace {
 
@@ -53,7 +56,15 @@ private:
 
 TNodeObj* AsNode(TRenderObject* object)
 {
-    return object->GetClassType() == TNodeObj::ClassId() ? static_cast<TNodeObj*>(object) : nullptr;
+    return object->GetClassId() == TNodeObj::NameID() ? static_cast<TNodeObj*>(object) : nullptr;
+}
+
+// Truncated, but for places that only rounding has kept from being whole.
+int ToPlace(float place)
+{
+    constexpr double Slack = 1.0 / 256.0;
+    const double nearest = std::floor(place + 0.5);
+    return FloatToInt(std::fabs(place - nearest) < Slack ? nearest : place);
 }
 
 // The distance from b to a, with wrapping: places may come from any file.
@@ -155,6 +166,7 @@ void TGraphCanvas::EndDrag()
     }
     Drag = DM_NONE;
     Grabbed = nullptr;
+    Dragged.clear();
     FromPort = nullptr;
     Picked = nullptr;
     AimedAt = nullptr;
@@ -162,6 +174,8 @@ void TGraphCanvas::EndDrag()
     // The view may have gone meanwhile.
     if (GetRenderer() != nullptr)
         Scene.GetHost().EndDrag(*DragRenderer);
+    else if (TWimp::Get().GetMouseDrag() == this)
+        TWimp::Get().ClearMouseDrag();
     DragRenderer = nullptr;
     Scene.GetHost().RedrawGraphs();
 }
@@ -189,6 +203,8 @@ void TGraphCanvas::OnMouseMove(int x, int y, int buttons)
         Scene.GetHost().EdgeScroll(*DragRenderer, x, y);
     const TVector2 pointer = DragRenderer->PixelToWorld(x, y);
     const bool released = (buttons & MB_LEFT) == 0;
+    // What cannot be seen is not meant.
+    TPort* under = Drag == DM_EDGE && IsInView(x, y) ? FindDropPort(pointer) : nullptr;
     switch (Drag) {
     case DM_NODES:
         MoveNodes(pointer);
@@ -196,9 +212,9 @@ void TGraphCanvas::OnMouseMove(int x, int y, int buttons)
             FinishNodes();
         break;
     case DM_EDGE:
-        AimEdge(pointer);
+        AimEdge(pointer, under);
         if (released)
-            FinishEdge(pointer);
+            FinishEdge(under);
         break;
     case DM_SIZE:
         Grabbed->Resize(pointer - Grabbed->GetOrigin() - Grabbed->GetPressPoint());
@@ -216,15 +232,17 @@ bool TGraphCanvas::OnNodePressed(TNodeObj& node, const TVector2& point)
     if (!node.IsSelected())
         Scene.GetDocument().SelectNode(node.GetToolNode(), (GetKeyFlags() & KF_SHIFT) == 0);
     MoveToFront(&node);
-    node.SetPressPoint(point);
-    BeginDrag(DM_NODES, node);
+    if (BeginDrag(DM_NODES, node)) {
+        node.SetPressPoint(point);
+        Dragged = Scene.GetDocument().GetSelection();
+    }
     Scene.GetHost().RedrawGraphs();
     return true;
 }
 
 void TGraphCanvas::PlaceNodes(int dx, int dy)
 {
-    for (TToolNode* node : Scene.GetDocument().GetSelection()) {
+    for (TToolNode* node : Dragged) {
         TNodeObj* object = Scene.FindNode(node);
         if (object == nullptr)
             continue;
@@ -238,8 +256,8 @@ void TGraphCanvas::PlaceNodes(int dx, int dy)
 void TGraphCanvas::MoveNodes(const TVector2& pointer)
 {
     const TVector2 place = pointer - Grabbed->GetPressPoint();
-    DeltaX = Distance(FloatToInt(place[0]), Grabbed->GetToolNode()->GetX());
-    DeltaY = Distance(FloatToInt(place[1]), Grabbed->GetToolNode()->GetY());
+    DeltaX = Distance(ToPlace(place[0]), Grabbed->GetToolNode()->GetX());
+    DeltaY = Distance(ToPlace(place[1]), Grabbed->GetToolNode()->GetY());
     PlaceNodes(DeltaX, DeltaY);
 }
 
@@ -247,18 +265,19 @@ void TGraphCanvas::FinishNodes()
 {
     const int dx = DeltaX;
     const int dy = DeltaY;
+    const vector<TToolNode*> nodes = Dragged;
     // The operation moves them once more, for good.
     CancelDrag();
-    TDocument& document = Scene.GetDocument();
     if (dx != 0 || dy != 0)
-        document.ApplyOperation(new TMoveGraphNodeOp(document.GetSelection(), dx, dy));
+        Scene.GetDocument().ApplyOperation(new TMoveGraphNodeOp(nodes, dx, dy));
 }
 
 void TGraphCanvas::BeginResize(TNodeObj& node, const TVector2& grab)
 {
+    if (!BeginDrag(DM_SIZE, node))
+        return;
     node.SetPressPoint(grab);
     SizeBefore = node.GetWishedSize();
-    BeginDrag(DM_SIZE, node);
 }
 
 // The port is told as in a TPortRef: below the number of inputs it is an input.
@@ -278,7 +297,8 @@ bool TGraphCanvas::OnPortPressed(TNodeObj& node, const TVector2& point, int port
     MarkPorts(true);
     AddObject(&Rubber);
     MoveToFront(&Rubber);
-    AimEdge(node.GetOrigin() + point);
+    const TVector2 pointer = node.GetOrigin() + point;
+    AimEdge(pointer, FindDropPort(pointer));
     Scene.GetHost().RedrawGraphs();
     return true;
 }
@@ -306,15 +326,20 @@ TPort* TGraphCanvas::FindDropPort(const TVector2& point)
     return nullptr;
 }
 
-// The rubber edge snaps to a port that can take it.
-void TGraphCanvas::AimEdge(const TVector2& pointer)
+bool TGraphCanvas::IsInView(int x, int y) const
 {
-    TPort* port = FindDropPort(pointer);
-    if (port != nullptr && !port->IsMarked())
-        port = nullptr;
+    int width = 0;
+    int height = 0;
+    DragRenderer->GetWindow()->GetSize(width, height);
+    return x >= 0 && x < width && y >= 0 && y < height;
+}
+
+// The rubber edge snaps to the port under it if that can take it.
+void TGraphCanvas::AimEdge(const TVector2& pointer, TPort* under)
+{
     if (AimedAt != nullptr)
         AimedAt->SetAimedAt(false);
-    AimedAt = port;
+    AimedAt = under != nullptr && under->IsMarked() ? under : nullptr;
     if (AimedAt != nullptr)
         AimedAt->SetAimedAt(true);
     TNodeObj* other = AimedAt != nullptr ? AimedAt->GetNode() : nullptr;
@@ -327,16 +352,15 @@ void TGraphCanvas::AimEdge(const TVector2& pointer)
     Rubber.Layout();
 }
 
-void TGraphCanvas::FinishEdge(const TVector2& pointer)
+void TGraphCanvas::FinishEdge(const TPort* under)
 {
     const TPort* from = FromPort;
     const TPort* to = AimedAt;
-    const bool overNothing = FindDropPort(pointer) == nullptr;
     TToolEdge* picked = Picked;
     EndDrag();
     if (to != nullptr)
         ConnectTo(*from, *to, picked);
-    else if (picked != nullptr && overNothing)
+    else if (picked != nullptr && under == nullptr)
         Scene.GetDocument().ApplyOperation(new TDeleteGraphEdgeOp(picked));
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/graph/tooledgerenderer.h"
 
 class TNodeObj;
 class TPort;
+class TToolNode;
 
 // What all nodes and edges of a graph lie on. Runs the drags of nodes, edges and sizes, as the framework's
 // mouse drag, and ends each with one operation.
@@ -15,13 +17,15 @@ public:
     explicit TGraphCanvas(TGraphScene& scene);
     ~TGraphCanvas() override;
     static int ClassId();
-    int GetClassType() const override { return ClassId(); }
+    static uint32_t NameID() { return GetClassNameID(ClassId()); }
+    uint32_t GetClassId() const override { return NameID(); }
 
     // Without end: what no child takes is the canvas's.
     void GetBounds(TVector2& min, TVector2& max) override;
     TRenderObject* HitTest(const TVector2& point) override;
     bool Event(const TRenderEvent& event) override;
     void OnMouseMove(int x, int y, int buttons) override;
+    void OnCaptureLost() override { CancelDrag(); }
 
     // Deletes the selection, or ends a drag.
     bool OnKey(int key);
@@ -52,8 +56,9 @@ private:
     void MoveNodes(const TVector2& pointer);
     void FinishNodes();
     void PlaceNodes(int dx, int dy);
-    void AimEdge(const TVector2& pointer);
-    void FinishEdge(const TVector2& pointer);
+    bool IsInView(int x, int y) const;
+    void AimEdge(const TVector2& pointer, TPort* under);
+    void FinishEdge(const TPort* under);
     void ConnectTo(const TPort& from, const TPort& to, TToolEdge* picked);
     void MarkPorts(bool on);
 
@@ -62,6 +67,8 @@ private:
     // The view that the drag runs in.
     TRenderer* DragRenderer = nullptr;
     TNodeObj* Grabbed = nullptr;
+    // What moves along; the selection may change meanwhile.
+    vector<TToolNode*> Dragged;
     int DeltaX = 0;
     int DeltaY = 0;
     // What the person wished for before the size was dragged.

@@ -68,7 +68,7 @@ TToolEdgeRenderer* TGraphScene::FindEdge(const TToolEdge* edge) const
 TNodeObj* TGraphScene::NodeAt(const TVector2& point)
 {
     for (TRenderObject* object = Grid.HitTest(point); object != nullptr; object = object->GetParent())
-        if (object->GetClassType() == TNodeObj::ClassId())
+        if (object->GetClassId() == TNodeObj::NameID())
             return static_cast<TNodeObj*>(object);
     return nullptr;
 }

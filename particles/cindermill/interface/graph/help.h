@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/classregistry.h"
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
 #include "library/wimp/gl/renderfont.h"
@@ -13,7 +14,8 @@ public:
     // Shown, it stands on top of the root's objects.
     explicit THelp(TRenderObjects& root);
     static int ClassId();
-    int GetClassType() const override { return ClassId(); }
+    static uint32_t NameID() { return GetClassNameID(ClassId()); }
+    uint32_t GetClassId() const override { return NameID(); }
 
     // At a world point, until Hide.
     void Show(const char* text, const TVector2& point);

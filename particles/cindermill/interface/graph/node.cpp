@@ -4,14 +4,14 @@ namespace {
 
 constexpr TPanelPath Table[TNode::NumPaths - TNodePanel::NumSharedPaths] = {
     // The button's sign: there is more.
-    {AtEnd(-12), At(7.25f), AtEnd(-6), At(8.75f), 0, 0, PP_GLYPH, 0},
-    {AtEnd(-9.75f), At(5), AtEnd(-8.25f), At(11), 0, 0, PP_GLYPH, 0},
+    {AtEnd(-11), At(7.25f), AtEnd(-5), At(8.75f), 0, 0, PP_GLYPH, 0},
+    {AtEnd(-8.75f), At(5), AtEnd(-7.25f), At(11), 0, 0, PP_GLYPH, 0},
     {At(1), At(1), AtEnd(-1), AtEnd(-1), 4, PC_ALL, PP_VEIL, 0.5f},
 };
 
 constexpr int NumRegions = 3;
 constexpr TPanelRegion Regions[NumRegions] = {
-    {NR_BUTTON, AtEnd(-15), At(2), AtEnd(-3), At(14)},
+    {NR_BUTTON, AtEnd(-14), At(2), AtEnd(-2), At(14)},
     {NR_GRIP, AtEnd(-9), AtEnd(-9), AtEnd(0), AtEnd(0)},
     {NR_BODY, At(0), At(0), AtEnd(0), AtEnd(0)},
 };

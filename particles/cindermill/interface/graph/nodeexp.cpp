@@ -8,8 +8,8 @@ namespace {
 
 constexpr TPanelPath Table[TNodeExp::NumPaths - TNodePanel::NumSharedPaths] = {
     // The button's sign: there is less, or with nothing to show yet, more.
-    {AtEnd(-12), At(7.25f), AtEnd(-6), At(8.75f), 0, 0, PP_GLYPH, 0},
-    {AtEnd(-9.75f), At(5), AtEnd(-8.25f), At(11), 0, 0, PP_GLYPHABOVE, 0},
+    {AtEnd(-11), At(7.25f), AtEnd(-5), At(8.75f), 0, 0, PP_GLYPH, 0},
+    {AtEnd(-8.75f), At(5), AtEnd(-7.25f), At(11), 0, 0, PP_GLYPHABOVE, 0},
     // A groove below the ports, with a handle in the type's colour.
     {At(3), AtSplit(1), AtEnd(-3), AtSplit(2), 0, 0, PP_FACE, PT_DARK},
     {At(3), AtSplit(2), AtEnd(-3), AtSplit(3), 0, 0, PP_FACE, PT_HIGHLIGHT},
@@ -31,7 +31,7 @@ constexpr TPanelPath Table[TNodeExp::NumPaths - TNodePanel::NumSharedPaths] = {
 
 constexpr int NumRegions = 3;
 constexpr TPanelRegion Regions[NumRegions] = {
-    {XR_CLOSE, AtEnd(-15), At(2), AtEnd(-3), At(14)},
+    {XR_CLOSE, AtEnd(-14), At(2), AtEnd(-2), At(14)},
     {XR_GRIP, AtEnd(-9), AtEnd(-9), AtEnd(0), AtEnd(0)},
     {XR_BODY, At(0), At(0), AtEnd(0), AtEnd(0)},
 };

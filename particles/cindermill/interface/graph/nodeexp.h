@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "particles/cindermill/interface/graph/nodepanel.h"
 #include "particles/cindermill/interface/graph/port.h"
@@ -22,7 +23,8 @@ public:
 
     ~TNodeExp() override;
     static int ClassId();
-    int GetClassType() const override { return ClassId(); }
+    static uint32_t NameID() { return GetClassNameID(ClassId()); }
+    uint32_t GetClassId() const override { return NameID(); }
 
     // A picture of a type, for a drag from the palette; as large as a closed new node. It is drawn at its
     // Origin, and takes no hits.

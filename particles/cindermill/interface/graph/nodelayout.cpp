@@ -7,6 +7,13 @@ namespace {
 constexpr const char* NodeFont = "Arial (TrueType)";
 constexpr float TitleFontSize = 12.0f;
 constexpr float LabelFontSize = 10.0f;
+// What is tried in views that are zoomed out.
+constexpr float FarTitleSizes[] = {15, 14, 13};
+constexpr float FarLabelSizes[] = {13, 12, 11};
+// Between texts that stand beside each other, and what stands beside them, zoomed out.
+constexpr float FarSpace = 3.0f;
+// Between the title and what stands beside it, if there is room.
+constexpr float TitleSpace = 5.0f;
 // Ports stand a little out of the panel.
 constexpr float PortOverhang = 1.0f;
 
@@ -22,12 +29,57 @@ float Larger(float a, float b)
     return a > b ? a : b;
 }
 
+bool HasTitleRoom(const TNodeType& type, const TFontInstance& font, float width)
+{
+    constexpr float BoxEnd = NodeBoxLeft + NodeBoxSize;
+    const float first = type.HasFlag(FL_BYPASSABLE) ? BoxEnd : NodeBoxLeft;
+    return first + GetTextWidth(font, type.Name) + 2 * FarSpace <= width - BoxEnd;
+}
+
+bool HaveLabelsRoom(const TNodeType& type, const TFontInstance& font, float width)
+{
+    for (int i = 0; i < type.GetNumInputs() || i < type.GetNumOutputs(); ++i) {
+        const float input = i < type.GetNumInputs() ? GetTextWidth(font, type.GetInput(i)->Name) : 0;
+        const float output = i < type.GetNumOutputs() ? GetTextWidth(font, type.GetOutput(i).Name) : 0;
+        if (input + output + 2 * NodeLabelInset + 2 * FarSpace > width)
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 TNodeFonts::TNodeFonts()
 {
     Title.Create(NodeFont, TitleFontSize);
     Label.Create(NodeFont, LabelFontSize);
+    FarTitle = Title;
+    FarLabel = Label;
+}
+
+bool TNodeFonts::IsFar(float zoom)
+{
+    return zoom < NodeFarZoom;
+}
+
+void TNodeFonts::Fit(const TNodeType& type, float width)
+{
+    FarTitle = Title;
+    FarLabel = Label;
+    for (const float size : FarTitleSizes) {
+        TFontInstance font;
+        if (!font.Create(NodeFont, size) || !HasTitleRoom(type, font, width))
+            continue;
+        FarTitle = font;
+        break;
+    }
+    for (const float size : FarLabelSizes) {
+        TFontInstance font;
+        if (!font.Create(NodeFont, size) || !HaveLabelsRoom(type, font, width))
+            continue;
+        FarLabel = font;
+        break;
+    }
 }
 
 TVector2 MeasureNode(const TNodeType& type)
@@ -42,8 +94,19 @@ TVector2 MeasureNode(const TNodeType& type)
     const float title = GetTextWidth(fonts.GetTitle(), type.Name);
     const int rows = type.GetNumInputs() > type.GetNumOutputs() ? type.GetNumInputs() : type.GetNumOutputs();
     const float width = static_cast<float>(double(inputs) + outputs + 2 * 5 + 50);
-    const float titleWidth = static_cast<float>(double(title) + 2 * 10 + 12);
+    const float titleWidth = static_cast<float>(double(title) + 2.0 * NodeTitleInset);
     return TVector2(Larger(width, titleWidth), static_cast<float>(double(NodeRowHeight) * rows + 10 + 5));
+}
+
+float GetTitlePlace(const TNodeType& type, float titleWidth, float width)
+{
+    const float boxEnd = NodeBoxLeft + NodeBoxSize;
+    const float first = (type.HasFlag(FL_BYPASSABLE) ? boxEnd : NodeBoxLeft) + TitleSpace;
+    const float last = width - boxEnd - TitleSpace - titleWidth;
+    const float middle = (width - titleWidth) * 0.5f;
+    if (first > last)
+        return (first + last) * 0.5f;
+    return middle < first ? first : middle > last ? last : middle;
 }
 
 float GetPortRow(int index)

@@ -13,26 +13,36 @@ constexpr float NodeRowHeight = 15.0f;
 constexpr float NodeLabelInset = 9.0f;
 // The bypass box and the button stand in the title bar's two ends.
 constexpr float NodeBoxSize = 10.0f;
-constexpr float NodeBoxLeft = 4.0f;
+constexpr float NodeBoxLeft = 3.0f;
 constexpr float NodeBoxTop = 3.0f;
-// From the title bar's ends to the title.
+// What a panel is wider than its title, on each side of it.
 constexpr float NodeTitleInset = 16.0f;
+// A view with less zoom counts as zoomed out: the larger letters there are still no larger than usual.
+constexpr float NodeFarZoom = 0.8f;
 
-// The fonts of titles and labels.
+// The fonts of titles and labels. In a view that is zoomed out they are larger, as far as a panel has room.
 class TNodeFonts
 {
 public:
     TNodeFonts();
-    const TFontInstance& GetTitle() const { return Title; }
-    const TFontInstance& GetLabel() const { return Label; }
+    // For the panel of a node of the type, so wide.
+    void Fit(const TNodeType& type, float width);
+    static bool IsFar(float zoom);
+    const TFontInstance& GetTitle(float zoom = 1) const { return IsFar(zoom) ? FarTitle : Title; }
+    const TFontInstance& GetLabel(float zoom = 1) const { return IsFar(zoom) ? FarLabel : Label; }
 
 private:
     TFontInstance Title;
     TFontInstance Label;
+    TFontInstance FarTitle;
+    TFontInstance FarLabel;
 };
 
 // What the closed node of a type measures: its labels and its title must have room.
 TVector2 MeasureNode(const TNodeType& type);
+// Where the title begins that is so wide, in a panel of a width: in the middle, unless that is too close to
+// what stands in the title bar's ends.
+float GetTitlePlace(const TNodeType& type, float titleWidth, float width);
 // The centre of a port in a panel of a width.
 TVector2 GetPortPlace(bool isInput, int index, float width);
 // The middle of a port's row.

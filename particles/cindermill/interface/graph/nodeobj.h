@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "particles/cindermill/interface/graph/bypass.h"
 #include "particles/cindermill/interface/graph/node.h"
@@ -19,7 +20,8 @@ public:
     explicit TNodeObj(TGraphScene& scene);
     ~TNodeObj() override;
     static int ClassId();
-    int GetClassType() const override { return ClassId(); }
+    static uint32_t NameID() { return GetClassNameID(ClassId()); }
+    uint32_t GetClassId() const override { return NameID(); }
 
     // The node stays the document's. Called again, it shows the other node, closed.
     void Build(TToolNode* toolNode);

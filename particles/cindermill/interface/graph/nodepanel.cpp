@@ -16,6 +16,11 @@ constexpr int PressedTones[PT_NUMTONES] = {PT_DARK, PT_LIGHT, PT_HIGHLIGHT, PT_D
 
 // Letters smaller than this many pixels say nothing.
 constexpr float SmallestText = 3.0f;
+// In a view that is zoomed out strokes thinner than a pixel would be pale: letters are drawn once more, so
+// strongly from so little zoom on, so many pixels further.
+constexpr float FarStrokes = 0.6f;
+constexpr float FarStrokesZoom = 0.5f;
+constexpr float FarShift = 0.5f;
 constexpr float FaintGlyph = 0.45f;
 const TVector4 VeilColour(0.93f, 0.94f, 0.92f, 1);
 
@@ -41,9 +46,9 @@ constexpr TPanelPath SharedPaths[TNodePanel::NumSharedPaths] = {
     {At(4.5f), AtEnd(-3.75f), AtEnd(-4.5f), AtEnd(-3), 0, 0, PP_FACE, PT_DARK},
     {At(3), At(15), AtEnd(-3), At(16), 0, 0, PP_FACE, PT_HIGHLIGHT},
     // The button.
-    {AtEnd(-14), At(3), AtEnd(-4), At(13), 2.5f, PC_ALL, PP_BUTTONEDGE, 0},
-    {AtEnd(-13), At(4), AtEnd(-5), At(8), 1.5f, PC_TOP, PP_BUTTON, PT_HIGHLIGHT},
-    {AtEnd(-13), At(8), AtEnd(-5), At(12), 1.5f, PC_BOTTOM, PP_BUTTON, PT_MID},
+    {AtEnd(-13), At(3), AtEnd(-3), At(13), 2.5f, PC_ALL, PP_BUTTONEDGE, 0},
+    {AtEnd(-12), At(4), AtEnd(-4), At(8), 1.5f, PC_TOP, PP_BUTTON, PT_HIGHLIGHT},
+    {AtEnd(-12), At(8), AtEnd(-4), At(12), 1.5f, PC_BOTTOM, PP_BUTTON, PT_MID},
     // The grip, clear of the label beside it.
     {AtEnd(-7), AtEnd(-7), AtEnd(-3), AtEnd(-3), 0.8f, PC_RISING, PP_GRIP, 0},
     {AtEnd(-5), AtEnd(-5), AtEnd(-3), AtEnd(-3), 0.8f, PC_RISING, PP_GRIP, 0},
@@ -57,6 +62,12 @@ TVector4 MakeColour(const float* channels)
 float GetPlace(const TPanelEdge& edge, float size, float split)
 {
     return static_cast<float>(double(edge.OfSize) * size + double(edge.OfSplit) * split + edge.Offset);
+}
+
+TVector4 Fainter(const TVector4& colour, float zoom)
+{
+    const float share = (NodeFarZoom - zoom) / (NodeFarZoom - FarStrokesZoom);
+    return TVector4(colour[0], colour[1], colour[2], colour[3] * FarStrokes * (share < 1 ? share : 1));
 }
 
 // A bar across a box, from its bottom left to its top right.
@@ -114,6 +125,7 @@ void TNodePanel::Build(const TNodeType& type, const TPanelPath* table, int numPa
     Table = table;
     Size = size;
     Split = split;
+    Fonts.Fit(type, size[0]);
     Paths.resize(NumSharedPaths + numPaths);
     for (int i = 0; i < Paths.size(); ++i)
         BuildPath(GetRow(i), Paths[i]);
@@ -287,9 +299,10 @@ void TNodePanel::Render(TRenderer& renderer)
 void TNodePanel::RenderTitle(TRenderer& renderer) const
 {
     TVector2 size;
-    const TFontInstance& font = Fonts.GetTitle();
+    const float zoom = renderer.GetScale()[1];
+    const TFontInstance& font = Fonts.GetTitle(zoom);
     font.GetTextSize(Type->Name.Print(), size);
-    if (size[1] * renderer.GetScale()[1] < SmallestText)
+    if (size[1] * zoom < SmallestText)
         return;
     TVector4 own = GetNodeTypeColour(Type->Colour);
     if (Bypassed)
@@ -298,30 +311,41 @@ void TNodePanel::RenderTitle(TRenderer& renderer) const
     TVector4 edge = ShiftColour(own, colour[0] > 0.5f ? -0.35f : 0.15f);
     colour[3] = Opacity;
     edge[3] = 0.75f * Opacity;
-    // In the middle of the title bar, between the box and the button.
-    const TVector2 place((Size[0] - size[0]) * 0.5f, (NodeTitleHeight - size[1]) * 0.5f + 0.75f);
-    font.DrawText(renderer, place + TVector2(0.5f, 0.75f), Type->Name.Print(), edge);
+    const TVector2 place(GetTitlePlace(*Type, size[0], Size[0]), (NodeTitleHeight - size[1]) * 0.5f + 0.75f);
+    // Below the letters, by a pixel.
+    if (!TNodeFonts::IsFar(zoom))
+        font.DrawText(renderer, place + TVector2(0, 1.0f / zoom), Type->Name.Print(), edge);
     font.DrawText(renderer, place, Type->Name.Print(), colour);
+    if (TNodeFonts::IsFar(zoom))
+        font.DrawText(renderer, place + TVector2(FarShift / zoom, 0), Type->Name.Print(),
+                      Fainter(colour, zoom));
 }
 
 void TNodePanel::RenderLabels(TRenderer& renderer) const
 {
-    const TFontInstance& font = Fonts.GetLabel();
+    const float zoom = renderer.GetScale()[1];
     const TVector4 colour(0.09f, 0.10f, 0.12f, Opacity);
     TVector2 size;
-    font.GetTextSize("", size);
-    if (size[1] * renderer.GetScale()[1] < SmallestText)
+    Fonts.GetLabel(zoom).GetTextSize("", size);
+    if (size[1] * zoom < SmallestText)
         return;
-    for (int i = 0; i < Type->GetNumInputs(); ++i) {
-        const char* text = Type->GetInput(i)->Name.Print();
-        font.DrawText(renderer, TVector2(NodeLabelInset, GetPortRow(i) - size[1] * 0.5f), text, colour);
-    }
-    for (int i = 0; i < Type->GetNumOutputs(); ++i) {
-        const char* text = Type->GetOutput(i).Name.Print();
-        TVector2 textSize;
-        font.GetTextSize(text, textSize);
-        font.DrawText(renderer,
-                      TVector2(Size[0] - NodeLabelInset - textSize[0], GetPortRow(i) - size[1] * 0.5f), text,
+    DrawLabels(renderer, 0, colour);
+    if (TNodeFonts::IsFar(zoom))
+        DrawLabels(renderer, FarShift / zoom, Fainter(colour, zoom));
+}
+
+void TNodePanel::DrawLabels(TRenderer& renderer, float shift, const TVector4& colour) const
+{
+    const TFontInstance& font = Fonts.GetLabel(renderer.GetScale()[1]);
+    auto draw = [&](const TString& text, int row, bool isInput) {
+        TVector2 size;
+        font.GetTextSize(text.Print(), size);
+        const float left = isInput ? NodeLabelInset : Size[0] - NodeLabelInset - size[0];
+        font.DrawText(renderer, TVector2(left + shift, GetPortRow(row) - size[1] * 0.5f), text.Print(),
                       colour);
-    }
+    };
+    for (int i = 0; i < Type->GetNumInputs(); ++i)
+        draw(Type->GetInput(i)->Name, i, true);
+    for (int i = 0; i < Type->GetNumOutputs(); ++i)
+        draw(Type->GetOutput(i).Name, i, false);
 }

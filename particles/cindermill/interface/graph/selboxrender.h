@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderobject.h"
 #include "library/wimp/gl/renderpath.h"
 
@@ -8,7 +9,8 @@ class TSelBoxRender : public TRenderObject
 {
 public:
     static int ClassId();
-    int GetClassType() const override { return ClassId(); }
+    static uint32_t NameID() { return GetClassNameID(ClassId()); }
+    uint32_t GetClassId() const override { return NameID(); }
 
     // The box is empty at first.
     void Begin(const TVector2& corner);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/classregistry.h"
 #include "library/maths/vector4.h"
 #include "library/wimp/gl/renderobject.h"
 #include "library/wimp/gl/renderpath.h"
@@ -21,7 +22,8 @@ public:
 
     explicit TToolEdgeRenderer(TGraphScene& scene) : Scene(scene) {}
     static int ClassId();
-    int GetClassType() const override { return ClassId(); }
+    static uint32_t NameID() { return GetClassNameID(ClassId()); }
+    uint32_t GetClassId() const override { return NameID(); }
 
     // One of the nodes may be null: that end is free. Asserts "output != 0 || input != 0".
     void Init(TNodeObj* output, int outputPort, TNodeObj* input, int inputPort);

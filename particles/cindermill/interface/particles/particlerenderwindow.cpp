@@ -156,6 +156,7 @@ void TParticleRenderWindow::Paint()
     GetSize(width, height);
     if (width <= 0 || height <= 0 || !MakeCurrent() || !InitGl())
         return;
+    DropGlErrors();
     FlushGlDeletions();
     glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, GetFrameBuffer());
     glViewport(0, 0, width, height);

@@ -4,6 +4,7 @@
 #include "library/wimp/gl/sceneview.h"
 #include "particles/cindermill/graph/nodedisplay.h"
 #include "particles/cindermill/interface/particles/wires.h"
+#include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/cindermill/main/document.h"
 
@@ -67,7 +68,8 @@ void TParticleScene::Draw(TDocument& document, const TSceneView& view)
 void TParticleScene::DrawParticles(TDocument& document, const TSceneView& view)
 {
     TEffectExec& engine = document.GetEngine();
-    if (!engine.IsInited())
+    // A node that waits for its file must not be thrown away for a fault.
+    if (!engine.IsInited() || TCindermillApp::Get().GetResourceLocator().IsAsking())
         return;
     TString text;
     if (RunGuarded([&] { engine.Render(view); }, text))

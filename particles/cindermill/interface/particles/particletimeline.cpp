@@ -25,9 +25,9 @@ bool TParticleTimeline::Create(TWindow* owner, TDocument& document)
 bool TParticleTimeline::CreateControls()
 {
     if (!UpdateButton.Create(this, ID_UPDATE, "Update", "update") ||
-        !TimeLabel.CreateLabel(this, "Time:", "timelabel") ||
-        !TimeField.Create(this, ID_TIME, "time", true) || !StepButton.Create(this, ID_STEP, "", "step") ||
-        !PauseButton.Create(this, ID_PAUSE, "", "pause") || !PlayButton.Create(this, ID_PLAY, "", "play"))
+        !TimeLabel.Create(this, "Time:", "timelabel") || !TimeField.Create(this, ID_TIME, "time", true) ||
+        !StepButton.Create(this, ID_STEP, "", "step") || !PauseButton.Create(this, ID_PAUSE, "", "pause") ||
+        !PlayButton.Create(this, ID_PLAY, "", "play"))
         return false;
     StepButton.SetIcon(PI_STEP, "Step");
     PauseButton.SetIcon(PI_PAUSE, "Pause");

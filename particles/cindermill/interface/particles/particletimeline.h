@@ -1,7 +1,8 @@
 #pragma once
 
 #include "library/wimp/controls/button.h"
-#include "library/wimp/controls/textfield.h"
+#include "library/wimp/controls/edit.h"
+#include "library/wimp/controls/label.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/particles/previewclock.h"
 
@@ -36,8 +37,8 @@ private:
     void ShowTime();
 
     TButton UpdateButton;
-    TTextField TimeLabel;
-    TTextField TimeField;
+    TLabel TimeLabel;
+    TEdit TimeField;
     TButton StepButton;
     TButton PauseButton;
     TButton PlayButton;

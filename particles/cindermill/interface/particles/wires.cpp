@@ -48,7 +48,10 @@ void TWires::Line(const TVector3& from, const TVector3& to)
 
 void TWires::Grid(int xDivisions, int yDivisions)
 {
-    const auto place = [](int i, int divisions) { return static_cast<float>(i * (2.0 / divisions) - 1.0); };
+    const auto place = [](int i, int divisions) {
+        const double step = divisions != 0 ? 2.0 / divisions : 0.0;
+        return static_cast<float>(i * step - 1.0);
+    };
     for (int i = 0; i <= xDivisions && i <= MaxDivisions; ++i) {
         const float x = place(i, xDivisions);
         Line(TVector3(x, 0, -1), TVector3(x, 0, 1));

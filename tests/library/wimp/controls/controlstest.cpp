@@ -1,12 +1,25 @@
 #include "library/wimp/controls/button.h"
+#include "library/wimp/controls/checkbox.h"
+#include "library/wimp/controls/comboboxcontrol.h"
+#include "library/wimp/controls/edit.h"
+#include "library/wimp/controls/label.h"
+#include "library/wimp/controls/listbox.h"
+#include "library/wimp/controls/numberedit.h"
 #include "library/wimp/controls/splitwindow.h"
-#include "library/wimp/controls/textfield.h"
+#include "library/wimp/controls/treecontrol.h"
+#include "library/wimp/controls/wimpdialogsize.h"
 #include "support/windowtest.h"
 
 #include <QtTest/QTest>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QDoubleSpinBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListWidget>
+#include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QTreeWidget>
 
 #include <memory>
 
@@ -124,9 +137,18 @@ TEST_F(TControlTest, AControlNeedsAnOwner)
 {
     TButton button;
     EXPECT_FALSE(button.Create(nullptr, 1, "x", "x"));
-    TTextField field;
-    EXPECT_FALSE(field.Create(nullptr, 1, "x", true));
-    EXPECT_FALSE(field.CreateLabel(nullptr, "x", "x"));
+    TEdit field;
+    EXPECT_FALSE(field.Create(nullptr, 1, "x"));
+    TLabel label;
+    EXPECT_FALSE(label.Create(nullptr, "x", "x"));
+    TCheckBox check;
+    EXPECT_FALSE(check.Create(nullptr, 1, "x", "x"));
+    TListBox list;
+    EXPECT_FALSE(list.Create(nullptr, 1, "x"));
+    TComboBoxControl combo;
+    EXPECT_FALSE(combo.Create(nullptr, 1, "x"));
+    TNumberEdit number;
+    EXPECT_FALSE(number.Create(nullptr, 1, "x"));
 }
 
 TEST_F(TControlTest, AControlIsMovedAndHidden)
@@ -139,9 +161,9 @@ TEST_F(TControlTest, AControlIsMovedAndHidden)
     EXPECT_FALSE(button.GetHandle()->isVisible());
 }
 
-TEST_F(TControlTest, ATextFieldShowsItsText)
+TEST_F(TControlTest, AnEditShowsItsText)
 {
-    TTextField field;
+    TEdit field;
     ASSERT_TRUE(field.Create(&Window, 5, "time", true));
     field.SetText("1.25");
     const QLineEdit* widget = Window.GetHandle()->findChild<QLineEdit*>("time");
@@ -151,17 +173,309 @@ TEST_F(TControlTest, ATextFieldShowsItsText)
     TString text;
     field.GetText(text);
     EXPECT_EQ(Text(text), "1.25");
+    field.AppendFormat(" of %d", 7);
+    field.GetText(text);
+    EXPECT_EQ(Text(text), "1.25 of 7");
+    // Only a person's changes are told.
+    EXPECT_TRUE(Window.Commands.empty());
+}
+
+TEST_F(TControlTest, AnEditTellsWhatAPersonTypes)
+{
+    TEdit field;
+    ASSERT_TRUE(field.Create(&Window, 19, "address"));
+    QTest::keyClicks(field.GetHandle(), "10");
+    ASSERT_EQ(Window.Commands.size(), 2u);
+    EXPECT_EQ(Window.Commands[1].Control, &field);
+    EXPECT_EQ(Window.Commands[1].Argument, 19);
+    EXPECT_EQ(Window.Commands[1].Code, CC_EDITED);
+    TString text;
+    field.GetText(text);
+    EXPECT_EQ(Text(text), "10");
+}
+
+TEST_F(TControlTest, AnEditOfSeveralLinesGrowsAtItsEnd)
+{
+    TEdit field;
+    ASSERT_TRUE(field.Create(&Window, 1, "report", true, true));
+    field.SetText("one\n");
+    field.AppendFormat("%s\n%d", "two", 3);
+    TString text;
+    field.GetText(text);
+    EXPECT_EQ(Text(text), "one\ntwo\n3");
+    EXPECT_NE(Window.GetHandle()->findChild<QPlainTextEdit*>("report"), nullptr);
 }
 
 TEST_F(TControlTest, ALabelShowsItsText)
 {
-    TTextField label;
-    ASSERT_TRUE(label.CreateLabel(&Window, "Time:", "timelabel"));
-    EXPECT_EQ(Window.GetHandle()->findChild<QLabel*>("timelabel")->text(), QString("Time:"));
+    TLabel label;
+    ASSERT_TRUE(label.Create(&Window, "Time:", "timelabel"));
+    const QLabel* widget = Window.GetHandle()->findChild<QLabel*>("timelabel");
+    EXPECT_EQ(widget->text(), QString("Time:"));
     label.SetText("<b>");
+    EXPECT_EQ(widget->text(), QString("<b>"));
+    EXPECT_EQ(widget->textFormat(), Qt::PlainText);
+}
+
+TEST_F(TControlTest, ACheckBoxReportsAClickAndKeepsItsCheck)
+{
+    TCheckBox box;
+    ASSERT_TRUE(box.Create(&Window, 1024, "Automatically", "auto"));
+    EXPECT_FALSE(box.GetCheck());
+    box.SetCheck(true);
+    EXPECT_TRUE(box.GetCheck());
+    EXPECT_TRUE(Window.Commands.empty());
+    qobject_cast<QCheckBox*>(box.GetHandle())->click();
+    EXPECT_FALSE(box.GetCheck());
+    ASSERT_EQ(Window.Commands.size(), 1u);
+    EXPECT_EQ(Window.Commands[0].Control, &box);
+    EXPECT_EQ(Window.Commands[0].Argument, 1024);
+    EXPECT_EQ(Window.Commands[0].Code, CC_BUTTON);
+}
+
+TEST_F(TControlTest, AListBoxReportsASelectionAsCode11)
+{
+    TListBox list;
+    ASSERT_TRUE(list.Create(&Window, 1006, "pages"));
+    EXPECT_EQ(list.GetSelection(), -1);
+    for (const char* page : {"General", "Resources", "Policy Options"})
+        list.AddString(page);
+    list.SetSelection(0);
+    EXPECT_EQ(list.GetSelection(), 0);
+    EXPECT_EQ(list.GetNumStrings(), 3);
+    EXPECT_TRUE(Window.Commands.empty());
+    QTest::keyClick(list.GetHandle(), Qt::Key_Down);
+    EXPECT_EQ(list.GetSelection(), 1);
+    ASSERT_EQ(Window.Commands.size(), 1u);
+    EXPECT_EQ(Window.Commands[0].Argument, 1006);
+    EXPECT_EQ(Window.Commands[0].Code, CC_SELECTION);
+}
+
+TEST_F(TControlTest, AComboBoxSelectsByPositionAndByText)
+{
+    TComboBoxControl box;
+    ASSERT_TRUE(box.Create(&Window, 1018, "camera"));
+    EXPECT_EQ(box.GetSelection(), -1);
+    box.AddString("Maya Camera");
+    box.AddString("Quake Camera");
+    box.SetSelection(1);
+    EXPECT_EQ(box.GetSelection(), 1);
+    box.SetSelection("Maya Camera");
+    EXPECT_EQ(box.GetSelection(), 0);
+    EXPECT_TRUE(Window.Commands.empty());
+    QTest::keyClick(box.GetHandle(), Qt::Key_Down);
+    EXPECT_EQ(box.GetSelection(), 1);
+    ASSERT_EQ(Window.Commands.size(), 1u);
+    EXPECT_EQ(Window.Commands[0].Argument, 1018);
+    EXPECT_EQ(Window.Commands[0].Code, CC_SELECTION);
     TString text;
-    label.GetText(text);
-    EXPECT_EQ(Text(text), "<b>");
+    box.GetString(1, text);
+    EXPECT_EQ(Text(text), "Quake Camera");
+}
+
+TEST_F(TControlTest, SelectingAMissingComboBoxLineIsAnAssertion)
+{
+    const char* const missing = "0 : Item not found for combo box selection";
+    TComboBoxControl box;
+    ASSERT_TRUE(box.Create(&Window, 1, "box"));
+    box.AddString("one");
+    EXPECT_EQ(AssertionOf([&] { box.SetSelection("two"); }), missing);
+    EXPECT_EQ(AssertionOf([&] { box.SetSelection("One"); }), missing);
+    EXPECT_EQ(AssertionOf([&] { box.SetSelection(1); }), missing);
+    EXPECT_EQ(AssertionOf([&] { box.SetSelection(-1); }), missing);
+}
+
+TEST_F(TControlTest, DeletingAMissingComboBoxLineIsAnAssertion)
+{
+    TComboBoxControl box;
+    ASSERT_TRUE(box.Create(&Window, 1, "box"));
+    box.AddString("one");
+    box.AddString("two");
+    box.DeleteString("one");
+    EXPECT_EQ(box.GetNumStrings(), 1);
+    EXPECT_EQ(AssertionOf([&] { box.DeleteString("one"); }),
+              "delidx != -1 : Attempt to delete non-existent combo box entry");
+}
+
+TEST_F(TControlTest, AComboBoxLineHasLessThan1024Characters)
+{
+    TComboBoxControl box;
+    ASSERT_TRUE(box.Create(&Window, 1, "box"));
+    const std::string longest(1023, 'x');
+    box.AddString(longest.c_str());
+    TString text;
+    box.GetString(0, text);
+    EXPECT_EQ(Text(text), longest);
+    box.AddString((longest + "x").c_str());
+    EXPECT_EQ(AssertionOf([&] { box.GetString(1, text); }),
+              "SendMessage(GetHandle(), CB_GETLBTEXTLEN, i, 0) < 1024 : Combo box string length > 1024");
+}
+
+TEST_F(TControlTest, ANumberEditKeepsItsRangeAndTellsChanges)
+{
+    TNumberEdit number;
+    ASSERT_TRUE(number.Create(&Window, 1016, "recent"));
+    const QDoubleSpinBox* widget = qobject_cast<QDoubleSpinBox*>(number.GetHandle());
+    number.SetRange(1, 16);
+    EXPECT_EQ(number.GetValue(), 1.0f);
+    number.SetValue(100);
+    EXPECT_EQ(number.GetValue(), 16.0f);
+    EXPECT_EQ(widget->text(), QString("16"));
+    number.SetValue(4);
+    EXPECT_TRUE(Window.Commands.empty());
+    QTest::keyClick(number.GetHandle(), Qt::Key_Up);
+    EXPECT_EQ(number.GetValue(), 5.0f);
+    ASSERT_EQ(Window.Commands.size(), 1u);
+    EXPECT_EQ(Window.Commands[0].Argument, 1016);
+    EXPECT_EQ(Window.Commands[0].Code, CC_EDITED);
+}
+
+TEST_F(TControlTest, ANumberWithDecimalsIsShownToFourPlaces)
+{
+    TNumberEdit number;
+    ASSERT_TRUE(number.Create(&Window, 1041, "minx"));
+    const QDoubleSpinBox* widget = qobject_cast<QDoubleSpinBox*>(number.GetHandle());
+    number.SetDecimals(2);
+    number.SetRange(-100000, 100000);
+    number.SetValue(-12345.5f);
+    EXPECT_EQ(widget->text(), QString("-12345.5000"));
+    QTest::keyClick(number.GetHandle(), Qt::Key_Up);
+    EXPECT_EQ(widget->text(), QString("-12345.4900"));
+    number.SetDecimals(0);
+    EXPECT_EQ(widget->text(), QString("-12345"));
+}
+
+TEST_F(TControlTest, AControlMayGoInItsAnswer)
+{
+    auto list = std::make_unique<TListBox>();
+    ASSERT_TRUE(list->Create(&Window, 1, "list"));
+    list->AddString("one");
+    list->AddString("two");
+    QListWidget* widget = qobject_cast<QListWidget*>(list->GetHandle());
+    Window.AnswerCommand = [&](const TRecordingWindow::TCommand&) {
+        list.reset();
+        // The widget stays until the event is over, and tells nobody any more.
+        widget->setCurrentRow(1);
+    };
+    QTest::keyClick(list->GetHandle(), Qt::Key_Down);
+    EXPECT_EQ(list, nullptr);
+    EXPECT_EQ(Window.Commands.size(), 1u);
+    auto edit = std::make_unique<TEdit>();
+    ASSERT_TRUE(edit->Create(&Window, 1, "edit"));
+    Window.AnswerCommand = [&](const TRecordingWindow::TCommand&) { edit.reset(); };
+    QTest::keyClick(edit->GetHandle(), Qt::Key_A);
+    EXPECT_EQ(edit, nullptr);
+    Settle();
+}
+
+TEST_F(TControlTest, AControlWhoseOwnerGoesTellsNoOneAnyMore)
+{
+    TNumberEdit number;
+    ASSERT_TRUE(number.Create(&Window, 1, "number"));
+    QDoubleSpinBox* widget = qobject_cast<QDoubleSpinBox*>(number.GetHandle());
+    Window.Answer = [&](const TMessage& message) {
+        if (message.Type != MT_LEFTDOWN)
+            return;
+        Window.Destroy();
+        // The widget stays until the message has been dealt with.
+        widget->setValue(55);
+    };
+    QTest::mousePress(Window.GetHandle(), Qt::LeftButton, {}, QPoint(250, 180));
+    Settle();
+    EXPECT_TRUE(Window.Commands.empty());
+    EXPECT_EQ(Window.GetHandle(), nullptr);
+    EXPECT_EQ(number.GetHandle(), nullptr);
+    EXPECT_EQ(number.GetValue(), 0.0f);
+}
+
+TEST_F(TControlTest, AnchoredControlsKeepTheirDistances)
+{
+    TButton ok;
+    TButton fixed;
+    TListBox list;
+    ASSERT_TRUE(ok.Create(&Window, 1, "OK", "ok"));
+    ASSERT_TRUE(fixed.Create(&Window, 2, "Help", "help"));
+    ASSERT_TRUE(list.Create(&Window, 3, "list"));
+    ok.MoveTo(200, 150, 80, 24);
+    fixed.MoveTo(10, 150, 80, 24);
+    list.MoveTo(10, 10, 270, 130);
+    TWimpDialogSize size;
+    constexpr int All = DM_RIGHT | DM_BOTTOM;
+    size.Anchor(ok, All, All);
+    size.Anchor(fixed.GetHandle(), DM_BOTTOM, DM_BOTTOM);
+    size.Anchor(list, DM_NONE, All);
+    size.OnSize(300, 200);
+    EXPECT_EQ(list.GetHandle()->geometry(), QRect(10, 10, 270, 130));
+    size.OnSize(400, 260);
+    EXPECT_EQ(ok.GetHandle()->geometry(), QRect(300, 210, 80, 24));
+    EXPECT_EQ(fixed.GetHandle()->geometry(), QRect(10, 210, 80, 24));
+    EXPECT_EQ(list.GetHandle()->geometry(), QRect(10, 10, 370, 190));
+    // Too small and back again: nothing is lost.
+    size.OnSize(20, 20);
+    EXPECT_EQ(list.GetHandle()->width(), 0);
+    size.OnSize(300, 200);
+    EXPECT_EQ(ok.GetHandle()->geometry(), QRect(200, 150, 80, 24));
+    EXPECT_EQ(list.GetHandle()->geometry(), QRect(10, 10, 270, 130));
+}
+
+TEST_F(TControlTest, ATreeHoldsItemsBelowItems)
+{
+    TTreeControl tree;
+    ASSERT_TRUE(tree.Create(&Window, 30, "tree"));
+    const QTreeWidget* widget = qobject_cast<QTreeWidget*>(tree.GetHandle());
+    TTreeItem* forces = tree.Add("Forces");
+    TTreeItem* wind = tree.Add("Wind", forces);
+    TTreeItem* maths = tree.Add("Maths");
+    EXPECT_EQ(tree.GetRoots().size(), 2);
+    EXPECT_EQ(wind->GetParent(), forces);
+    EXPECT_EQ(widget->topLevelItem(0)->child(0)->text(0), QString("Wind"));
+    tree.Move(forces, maths);
+    EXPECT_EQ(tree.GetRoots().size(), 1);
+    EXPECT_TRUE(maths->HasChild(wind));
+    EXPECT_EQ(widget->topLevelItem(0)->child(0)->child(0)->text(0), QString("Wind"));
+    tree.Move(wind, nullptr);
+    EXPECT_EQ(widget->topLevelItemCount(), 2);
+    tree.Remove(maths);
+    EXPECT_EQ(widget->topLevelItemCount(), 1);
+    EXPECT_EQ(tree.GetRoots()[0], wind);
+    EXPECT_EQ(Text(wind->GetText()), "Wind");
+    EXPECT_TRUE(Window.Commands.empty());
+}
+
+TEST_F(TControlTest, ATreeReportsASelectionAsCode11)
+{
+    TTreeControl tree;
+    ASSERT_TRUE(tree.Create(&Window, 30, "tree"));
+    EXPECT_EQ(tree.GetSelection(), nullptr);
+    TTreeItem* first = tree.Add("first");
+    TTreeItem* second = tree.Add("second", first);
+    tree.SetSelection(first);
+    tree.Expand(first, true);
+    EXPECT_EQ(tree.GetSelection(), first);
+    EXPECT_TRUE(Window.Commands.empty());
+    QTest::keyClick(tree.GetHandle(), Qt::Key_Down);
+    EXPECT_EQ(tree.GetSelection(), second);
+    ASSERT_EQ(Window.Commands.size(), 1u);
+    EXPECT_EQ(Window.Commands[0].Argument, 30);
+    EXPECT_EQ(Window.Commands[0].Code, CC_SELECTION);
+    tree.SetSelection(nullptr);
+    EXPECT_EQ(tree.GetSelection(), nullptr);
+}
+
+TEST_F(TControlTest, ATreesItemsAreItsOwnAndNeverBelowThemselves)
+{
+    TTreeControl tree;
+    TTreeControl other;
+    ASSERT_TRUE(tree.Create(&Window, 1, "tree"));
+    ASSERT_TRUE(other.Create(&Window, 2, "other"));
+    TTreeItem* parent = tree.Add("parent");
+    TTreeItem* child = tree.Add("child", parent);
+    EXPECT_EQ(AssertionOf([&] { tree.Move(parent, child); }), "!item->HasChild(parent)");
+    EXPECT_EQ(AssertionOf([&] { tree.Move(parent, parent); }), "!item->HasChild(parent)");
+    EXPECT_EQ(AssertionOf([&] { other.Remove(parent); }), "ValidateItem(item)");
+    EXPECT_EQ(AssertionOf([&] { other.Add("x", parent); }), "ValidateItem(item)");
+    EXPECT_EQ(AssertionOf([&] { other.SetSelection(child); }), "ValidateItem(item)");
+    EXPECT_EQ(other.GetRoots().size(), 0);
 }
 
 TEST_F(TSplitWindowTest, APaneNeedsAWindow)

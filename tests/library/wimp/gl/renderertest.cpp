@@ -255,6 +255,13 @@ TEST_F(TRendererTest, AnErrorOfOpenGLIsAnAssertion)
               "err == GL_NO_ERROR || err == GL_INVALID_OPERATION : OpenGL error 0x500\n");
 }
 
+TEST_F(TRendererTest, AnErrorThatOthersLeftBehindIsNotTheFramesOwn)
+{
+    Window.MakeCurrent();
+    glEnable(0xFFFF);
+    EXPECT_EQ(PaintWith([](TRenderer& renderer) { FillRed(renderer, 0, 0, 20, 20); }).Count(IsRed), 400);
+}
+
 TEST_F(TRendererTest, AnInvalidOperationIsPassedOver)
 {
     EXPECT_EQ(AssertionOf([&] { PaintWith([](TRenderer&) { glEnd(); }); }), "");
@@ -311,6 +318,28 @@ TEST_F(TRendererTest, AWindowWithANewContextIsDrawnIntoAgain)
         EXPECT_EQ(picture.Count(IsRed), 400);
         EXPECT_EQ(picture.At(100, 100), Background);
     }
+}
+
+TEST_F(TRendererTest, AWindowTooLargeForADoubledTargetIsDrawnAllTheSame)
+{
+    const int width = GetMaxTextureSide() / 2 + 100;
+    TTestWindow window(width, 30);
+    TRenderer renderer;
+    renderer.Init(&window);
+    TDrawnObject root([&](TRenderer& drawn) {
+        drawn.PushWindow(TVector2(float(width - 50), 5), TVector2(float(width), 25));
+        FillRed(drawn, float(width - 60), 0, float(width), 30);
+        drawn.PopWindow();
+    });
+    root.Max = TVector2(float(width), 30);
+    renderer.Render(root);
+    const TPicture picture = window.Read();
+    EXPECT_EQ(picture.Count(IsRed), 50 * 20);
+    EXPECT_EQ(picture.At(width - 50, 5), Red);
+    EXPECT_EQ(renderer.GetSupersampling(), 1);
+    window.Resize(100, 30);
+    renderer.Render(root);
+    EXPECT_EQ(renderer.GetSupersampling(), 2);
 }
 
 TEST_F(TRendererTest, TwoWindowsAreDrawnInTurns)

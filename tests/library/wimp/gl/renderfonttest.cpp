@@ -52,6 +52,13 @@ protected:
     void TearDown() override { TRenderFontTable::SetLister(nullptr); }
 };
 
+void ListNoFont(vector<TFontFile>&) {}
+
+void ListBrokenDefault(vector<TFontFile>& fonts)
+{
+    fonts.push_back(TFontFile{Arial, SourcePath("README.md").c_str()});
+}
+
 TVector2 SizeOf(const TFontInstance& font, const char* text)
 {
     TVector2 size;
@@ -357,4 +364,42 @@ TEST_F(TGlTest, DrawingSkipsWhatHasNoGlyph)
         font.DrawText(renderer, TVector2(10, 10), nullptr, Black);
     });
     EXPECT_EQ(Paint(root).Count(IsDark), 0);
+}
+
+TEST(TFontsMissing, TheDefaultFontIsBoxesOnASystemWithoutFonts)
+{
+    for (const TRenderFontTable::TLister lister : {ListNoFont, ListBrokenDefault}) {
+        TRenderFontTable::SetLister(lister);
+        TFontInstance font;
+        // A size that nothing else has asked for: fonts stay.
+        const float size = lister == ListNoFont ? 17.5f : 18.5f;
+        EXPECT_FALSE(font.Create("Other (TrueType)", size));
+        ASSERT_TRUE(font.Create("arial (truetype)", size));
+        const TFontAtlas& atlas = font.GetFont()->GetAtlas();
+        EXPECT_GT(SizeOf(font, "Emitter")[0], 7.0f);
+        EXPECT_GT(SizeOf(font, "Emitter")[1], 10.0f);
+        EXPECT_EQ(SizeOf(font, "  ")[0], SizeOf(font, "mi")[0]);
+        EXPECT_EQ(atlas.GetGlyph(' ')->Cell, -1);
+        EXPECT_EQ(atlas.GetGlyph('!')->Cell, 0);
+        EXPECT_EQ(atlas.GetGlyph(127)->Cell, NumFontCharacters - 2);
+        EXPECT_FALSE(font.Create(Arial, 0.0f));
+        TRenderFontTable::SetLister(nullptr);
+    }
+}
+
+TEST_F(TGlTest, BoxesAreDrawnAtAnyZoom)
+{
+    TRenderFontTable::SetLister(ListNoFont);
+    TFontInstance font;
+    ASSERT_TRUE(font.Create(Arial, 20.5f));
+    TDrawnObject object([&](TRenderer& renderer) { font.DrawText(renderer, TVector2(10, 10), "AB", Black); });
+    for (const float zoom : {1.0f, 4.0f, 0.5f}) {
+        Renderer.SetScale(TVector2(zoom, zoom));
+        const TPicture picture = Paint(object);
+        const auto isDrawn = [](const TPixel& pixel) { return pixel.R < 220; };
+        EXPECT_GT(picture.Count(isDrawn), 10) << zoom;
+        // They are hollow.
+        EXPECT_FALSE(IsDark(picture.At(static_cast<int>(14 * zoom), static_cast<int>(18 * zoom)))) << zoom;
+    }
+    TRenderFontTable::SetLister(nullptr);
 }

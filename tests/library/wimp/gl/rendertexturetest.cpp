@@ -2,6 +2,7 @@
 #include "support/testsupport.h"
 
 #include "library/containers/image/image.h"
+#include "library/wimp/gl/glcontext.h"
 #include "library/wimp/gl/rendertexture.h"
 #include "library/wimp/gl/rendertexturecache.h"
 
@@ -286,4 +287,52 @@ TEST_F(TTextures, TheAlphaFormShowsTheAlphaChannel)
     EXPECT_EQ(PaintTexture(texture, White, true).At(30, 40), (TPixel{255, 255, 255, 255}));
     texture.Create(1, 1, TF_RGBA8, clear);
     EXPECT_EQ(PaintTexture(texture, White, true).At(30, 40), (TPixel{0, 0, 0, 255}));
+}
+
+TEST_F(TTextures, PicturesOfOddSizesKeepTheirPixels)
+{
+    const int sizes[][2] = {{1, 1}, {3, 5}, {7, 1}, {1, 9}, {17, 13}, {301, 2}};
+    for (const int* size : sizes) {
+        TImage image;
+        image.Create(size[0], size[1]);
+        for (int y = 0; y < size[1]; ++y)
+            for (int x = 0; x < size[0]; ++x)
+                for (int i = 0; i < 4; ++i)
+                    image.GetPixel(x, y)[i] = static_cast<uint8_t>(31 * x + 17 * y + 90 * i);
+        const std::string path = Folder.Path("odd" + std::to_string(size[0]) + ".dds");
+        ASSERT_TRUE(image.Save(path.c_str(), IF_DDS_RAW));
+        TRenderTextureInstance texture;
+        ASSERT_TRUE(texture.Load(path.c_str()));
+        texture.Bind(0);
+        std::vector<uint8_t> pixels(static_cast<size_t>(size[0]) * size[1] * 4);
+        glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        EXPECT_EQ(memcmp(pixels.data(), image.GetPixels(), pixels.size()), 0) << size[0] << "x" << size[1];
+    }
+}
+
+TEST_F(TTextures, MissingMipmapsAreNotMissed)
+{
+    // The header promises four levels; the file holds the first.
+    std::string bytes = ReadBytes(Path);
+    bytes[28] = 4;
+    WriteBytes(Path, bytes);
+    TRenderTextureInstance texture;
+    ASSERT_TRUE(texture.Load(Path.c_str()));
+    EXPECT_EQ(PaintTexture(texture, White, false).At(30, 25), Red);
+}
+
+TEST_F(TTextures, APictureTooLargeForTheDriverIsGivenCoarser)
+{
+    const int width = GetMaxTextureSide() * 2 + 2;
+    std::vector<uint32_t> texels(static_cast<size_t>(width) * 2, 0xFFFF0000);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < width / 2; ++x)
+            texels[static_cast<size_t>(y) * width + x] = 0xFF0000FF;
+    TRenderTextureInstance texture;
+    texture.Create(width, 2, TF_RGBA8, texels.data());
+    EXPECT_EQ(texture.GetWidth(), width);
+    EXPECT_EQ(texture.GetHeight(), 2);
+    const TPicture picture = PaintTexture(texture, White, false);
+    EXPECT_EQ(picture.At(20, 40), Red);
+    EXPECT_EQ(picture.At(45, 40), Blue);
 }

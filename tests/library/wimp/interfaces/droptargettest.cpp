@@ -1,5 +1,6 @@
 #include "library/wimp/interfaces/droptarget.h"
 
+#include "library/wimp/waitdialog.h"
 #include "support/windowtest.h"
 
 #include <QtCore/QMimeData>
@@ -105,4 +106,16 @@ TEST_F(TDropTargetTest, ATargetOutlivesItsWindow)
     Window.Destroy();
     Settle();
     Target.reset();
+}
+
+TEST_F(TDropTargetTest, NothingIsTakenWhileTheProgramWaits)
+{
+    Data.setUrls({QUrl::fromLocalFile("/tmp/a.effect")});
+    TWaitDialog dialog(1, "Wait", "For:", "Button");
+    dialog.Begin();
+    EXPECT_FALSE(Enter());
+    Drop();
+    dialog.End();
+    EXPECT_TRUE(Window.Commands.empty());
+    EXPECT_TRUE(Enter());
 }

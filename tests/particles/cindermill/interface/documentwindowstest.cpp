@@ -129,6 +129,12 @@ TEST_F(DocumentWindows, TheFirstViewIsTheFirst)
     EXPECT_EQ(AssertionOf([&] { document->GetHost()->CreateView(*document); }), "Windows.size() == 0");
 }
 
+TEST_F(DocumentWindows, TitlesNeedAParticleWindow)
+{
+    TDocumentWindows bare(nullptr);
+    EXPECT_EQ(AssertionOf([&] { bare.UpdateTitles(*NewDocument()); }), "ParticleWindow != 0");
+}
+
 TEST_F(DocumentWindows, ALoadedDocumentShowsAllItsNodes)
 {
     TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
@@ -207,4 +213,31 @@ TEST_F(DocumentWindows, NodesThatAreGoneForGoodLeaveTheDrawing)
     Settle();
     Move(GraphOf(*document), QPoint(110, 110), Qt::NoButton);
     EXPECT_EQ(document->GetGraph()->GetNumNodes(), 1);
+}
+
+TEST_F(DocumentWindows, ShortcutsPressedInTheEffectsDisplayAreThoseOfTheDocumentsViewUsedLast)
+{
+    TDocument* document = NewDocument();
+    AddNode(*document, "Gravity", 0, 0);
+    TParticleWindow& display = *WindowsOf(*document).GetParticleWindow();
+    EXPECT_EQ(display.GetKeyOwner(), &GraphOf(*document));
+    // Another document is the one in front.
+    TDocument* other = NewDocument();
+    AddNode(*other, "Gravity", 0, 0);
+    ASSERT_EQ(App.Get().GetActiveDocument(), other);
+    Key(display.GetRenderWindow(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(document->CanRedo());
+    EXPECT_FALSE(other->CanRedo());
+    Key(display, Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_FALSE(document->CanRedo());
+
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    ViewOf(*document, 1).Activate();
+    EXPECT_EQ(display.GetKeyOwner(), &GraphOf(*document, 1));
+    ViewOf(*other).Activate();
+    CloseView(*document, 1);
+    EXPECT_EQ(display.GetKeyOwner(), &GraphOf(*document));
+    Key(display.GetRenderWindow(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(document->CanRedo());
+    EXPECT_EQ(App.Get().GetActiveDocument(), other);
 }

@@ -100,15 +100,16 @@ void DocWindows::SetView(TGraphWindow& graph, float offsetX, float offsetY, floa
     graph.SetView(TGraphView(TVector2(offsetX, offsetY), TVector2(scale, scale)));
 }
 
-void DocWindows::Press(TWindow& window, const QPoint& at, Qt::MouseButton button, Qt::KeyboardModifiers keys)
+void DocWindows::Press(TWindow& window, const QPoint& at, Qt::MouseButton button, Qt::KeyboardModifiers keys,
+                       Qt::MouseButtons others)
 {
-    Send(window, QEvent::MouseButtonPress, at, button, button, keys);
+    Send(window, QEvent::MouseButtonPress, at, button, others | button, keys);
 }
 
 void DocWindows::Release(TWindow& window, const QPoint& at, Qt::MouseButton button,
-                         Qt::KeyboardModifiers keys)
+                         Qt::KeyboardModifiers keys, Qt::MouseButtons others)
 {
-    Send(window, QEvent::MouseButtonRelease, at, button, Qt::NoButton, keys);
+    Send(window, QEvent::MouseButtonRelease, at, button, others, keys);
 }
 
 void DocWindows::Move(TWindow& window, const QPoint& at, Qt::MouseButtons buttons, Qt::KeyboardModifiers keys)

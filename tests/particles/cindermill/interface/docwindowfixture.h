@@ -51,10 +51,11 @@ protected:
     static QPoint MiddleOf(TDocument& document, const TToolNode* node);
     static void SetView(TGraphWindow& graph, float offsetX, float offsetY, float scale);
 
+    // The others are down all the while.
     static void Press(TWindow& window, const QPoint& at, Qt::MouseButton button = Qt::LeftButton,
-                      Qt::KeyboardModifiers keys = Qt::NoModifier);
+                      Qt::KeyboardModifiers keys = Qt::NoModifier, Qt::MouseButtons others = Qt::NoButton);
     static void Release(TWindow& window, const QPoint& at, Qt::MouseButton button = Qt::LeftButton,
-                        Qt::KeyboardModifiers keys = Qt::NoModifier);
+                        Qt::KeyboardModifiers keys = Qt::NoModifier, Qt::MouseButtons others = Qt::NoButton);
     // With the buttons down.
     static void Move(TWindow& window, const QPoint& at, Qt::MouseButtons buttons = Qt::LeftButton,
                      Qt::KeyboardModifiers keys = Qt::NoModifier);

@@ -60,6 +60,22 @@ protected:
         Settle();
     }
 
+    void Drop(const std::vector<std::string>& files)
+    {
+        App.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples").c_str());
+        QList<QUrl> urls;
+        for (const std::string& file : files)
+            urls.append(QUrl::fromLocalFile(QString::fromStdString(file)));
+        QMimeData data;
+        data.setUrls(urls);
+        QDragEnterEvent enter(QPoint(100, 100), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&Frame(), &enter);
+        EXPECT_TRUE(enter.isAccepted());
+        QDropEvent drop(QPointF(100, 100), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&Frame(), &drop);
+        Settle();
+    }
+
     TQuiet Quiet;
     TFakeAppHost Host;
     TTestApp App;
@@ -121,6 +137,18 @@ TEST_F(MainWindow, TheNewestRecentFileStandsOnTop)
     EXPECT_EQ(Entries(*RecentFiles()), TNames{"40010 /fx/four.effect"});
 }
 
+TEST_F(MainWindow, EntriesOfALongListHaveIdsOfTheirOwn)
+{
+    vector<TString> files;
+    for (int i = 0; i < 300; ++i)
+        files.push_back("\\fx\\one.effect");
+    Window.RebuildRecentFiles(files);
+    const TNames entries = Entries(*RecentFiles());
+    ASSERT_EQ(entries.size(), 200u);
+    EXPECT_EQ(entries.front(), "40209 /fx/one.effect");
+    EXPECT_EQ(entries.back(), "40010 /fx/one.effect");
+}
+
 TEST_F(MainWindow, TheRecentFilesOfTheSettingsAreThereOnCreation)
 {
     App.Get().GetSettings().AddRecentFile("/fx/one.effect");
@@ -166,15 +194,24 @@ TEST_F(MainWindow, ItsCloseBoxIsARequest)
 
 TEST_F(MainWindow, DroppedFilesAreOpened)
 {
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(SourcePath("samples/fountain.effect")))});
-    App.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples").c_str());
-    QDragEnterEvent enter(QPoint(100, 100), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(&Frame(), &enter);
-    EXPECT_TRUE(enter.isAccepted());
-    QDropEvent drop(QPointF(100, 100), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(&Frame(), &drop);
-    Settle();
+    Drop({SourcePath("samples/fountain.effect")});
     ASSERT_EQ(App.Get().GetDocuments().size(), 1);
     EXPECT_EQ(Text(App.Get().GetDocuments()[0]->GetPath()), SourcePath("samples/fountain.effect"));
+}
+
+TEST_F(MainWindow, SeveralDroppedFilesAreOpenedInTheirOrderAndABadOneIsTold)
+{
+    WriteBytes(App.Path("bad.effect"), "CHNX");
+    static std::vector<std::string> shown;
+    shown.clear();
+    SetMessageForms([](const char* text) { shown.push_back(text); }, nullptr);
+    Drop({SourcePath("samples/rain.effect"), SourcePath("README.md"), App.Path("bad.effect"),
+          App.Path("gone.effect"), SourcePath("samples/aura.effect")});
+    SetMessageForms(nullptr, nullptr);
+    ASSERT_EQ(App.Get().GetDocuments().size(), 2);
+    EXPECT_EQ(Text(App.Get().GetDocuments()[0]->GetPath()), SourcePath("samples/rain.effect"));
+    EXPECT_EQ(Text(App.Get().GetDocuments()[1]->GetPath()), SourcePath("samples/aura.effect"));
+    EXPECT_EQ(shown, (std::vector<std::string>{
+                         App.Path("bad.effect") + " cannot be opened: Chunkfile missing magic word",
+                         App.Path("gone.effect") + " cannot be opened: The file does not exist"}));
 }

@@ -217,3 +217,14 @@ TEST_F(ChangeNotify, ACallbackMayRemoveItselfAndOthers)
     Touch("a");
     EXPECT_EQ(Poll(), TCalls{});
 }
+
+TEST_F(ChangeNotify, FilesOfADirectoryAreToldInTheOrderOfTheirNames)
+{
+    Add("b");
+    Add("a");
+    Touch("a");
+    Touch("b");
+    EXPECT_EQ(Poll(), (TCalls{"a", "b"}));
+    Remove("a");
+    Remove("b");
+}

@@ -391,6 +391,31 @@ TEST_F(Commands, TheRecentFilesMenuOpensItsEntry)
     EXPECT_FALSE(App.Get().OnMenu(40009));
 }
 
+TEST_F(Commands, ALongListOfRecentFilesShadowsNoCommand)
+{
+    // A list from the store may be of any length; ids of its entries would meet those of commands.
+    {
+        const std::unique_ptr<TSettingsStore> store(OpenSettingsFile(Path("settings.ini").c_str()));
+        store->WriteInt("RegVersion", 0);
+        for (int i = 0; i < 300; ++i)
+            store->WriteString(("RecentFile_" + std::to_string(i)).c_str(), "/no/such.effect");
+        store->Flush();
+    }
+    App.Get().GetSettings().Load();
+    ASSERT_EQ(Recent().size(), 300u);
+    New();
+    Host.Taken();
+    App.Get().OnMenu(40211);
+    EXPECT_EQ(Host.Taken()[0].substr(0, 10), "properties");
+    App.Get().OnMenu(40213);
+    App.Get().OnMenu(40214);
+    EXPECT_EQ(Host.Taken(), (TNames{"focus selected", "focus all"}));
+    EXPECT_TRUE(Shown.Messages.empty());
+    EXPECT_TRUE(App.Get().OnMenu(40010 + 199));
+    EXPECT_EQ(Shown.Messages.size(), 1u);
+    EXPECT_FALSE(App.Get().OnMenu(40010 + 200));
+}
+
 TEST_F(Commands, CommandsWithoutADocumentDoNothing)
 {
     for (const int id :

@@ -546,13 +546,16 @@ TEST_F(Document, AStructuralEditRebuildsARunningEngineOnly)
     EXPECT_EQ(host.Schedules, 0);
     EXPECT_FALSE(document.GetSchedule().IsCreated());
     ASSERT_TRUE(document.EnsureSchedule());
+    EXPECT_EQ(host.Schedules, 1);
+    EXPECT_TRUE(document.EnsureSchedule());
+    EXPECT_EQ(host.Schedules, 1);
     TErrorList errors;
     ASSERT_TRUE(document.UpdateEngine(0.02f, errors));
     EXPECT_GT(document.GetEngine().GetTime(), 0);
     SetTexture(document, Quads, "spark.dds");
     EXPECT_GT(document.GetEngine().GetTime(), 0);
     Connect(document, Emitter, "Time", Add(document, "Event Trigger"), "Trigger");
-    EXPECT_EQ(host.Schedules, 1);
+    EXPECT_EQ(host.Schedules, 2);
     EXPECT_EQ(document.GetEngine().GetTime(), 0);
     EXPECT_TRUE(document.GetEngine().IsInited());
 }

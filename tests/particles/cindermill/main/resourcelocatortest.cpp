@@ -1,12 +1,17 @@
 #include "support/testsupport.h"
 
+#include "library/system/clock.h"
 #include "library/system/message.h"
+#include "particles/cindermill/main/resourcehost.h"
 #include "particles/cindermill/main/resourcelocator.h"
+#include "particles/cindermill/main/resourcesearch.h"
 #include "particles/cindermill/main/settings.h"
 #include "particles/cindermill/main/settingsstore.h"
 
 #include <algorithm>
+#include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 namespace {
@@ -73,6 +78,85 @@ protected:
 };
 
 using TNames = std::vector<std::string>;
+
+uint32_t Now;
+
+// Stands for the person, and writes down what is asked. Turns in which nothing is to be done say SA_NONE.
+class TFakeResourceHost : public TResourceHost
+{
+public:
+    void BeginSearch() override { Events.push_back("begin"); }
+    void EndSearch() override { Events.push_back("end"); }
+    void ShowSearch(const char* name) override { Events.push_back(At("show ") + name); }
+    void ListDirectories(const vector<TString>& directories) override
+    {
+        Events.push_back(At("list"));
+        Stacks.emplace_back();
+        for (const TString& directory : directories)
+            Stacks.back().push_back(directory.Print());
+    }
+    TSearchAnswer Step() override
+    {
+        Now += 100;
+        return Turn ? Turn() : SA_NONE;
+    }
+    bool ChooseResource(const char* title, const vector<TPathFilter>& filters, TString& path) override
+    {
+        std::string text = title;
+        for (const TPathFilter& filter : filters)
+            text += std::string("|") + filter.Description + "|" + filter.Pattern;
+        Events.push_back(text);
+        path = Choice.c_str();
+        return !Choice.empty();
+    }
+    TNames Taken()
+    {
+        TNames result;
+        result.swap(Events);
+        return result;
+    }
+
+    TNames Events;
+    std::vector<TNames> Stacks;
+    std::function<TSearchAnswer()> Turn;
+    // "" is Cancel.
+    std::string Choice;
+
+private:
+    static std::string At(const char* what)
+    {
+        return what + std::string(Now != 0 ? std::to_string(Now) : "");
+    }
+};
+
+// A locator that may ask. A file that is nowhere keeps it searching until the host ends the search.
+class AskingLocator : public ResourceLocator
+{
+protected:
+    AskingLocator()
+    {
+        Now = 0;
+        SetTickCountSource([] { return Now; });
+        EXPECT_TRUE(Locator.Init(Path("home/program").c_str(), false));
+        Locator.SetHost(&Host);
+        Stop();
+    }
+    ~AskingLocator() override { SetTickCountSource(nullptr); }
+
+    // After so many turns of a search.
+    void Stop(int turns = 0)
+    {
+        Host.Turn = [turns]() mutable { return turns-- > 0 ? SA_NONE : SA_STOP; };
+    }
+    TFindResult FindNow(const std::string& name)
+    {
+        Found = TString();
+        return Locator.Find(name.c_str(), Found);
+    }
+
+    TFakeResourceHost Host;
+    TString Found;
+};
 
 } // namespace
 
@@ -233,4 +317,226 @@ TEST_F(ResourceLocator, SearchDirectoriesComeFirstWhateverTheMode)
     }
     // What they give is not what later searches go by.
     EXPECT_TRUE(Known().empty());
+}
+
+TEST_F(AskingLocator, ASearchFinishedWithinTwoSecondsShowsNoDialog)
+{
+    Host.Turn = nullptr;
+    EXPECT_EQ(FindNow("spark.dds"), FR_FOUND);
+    EXPECT_EQ(Text(Found), Kept(Path("home/program/near/deep/spark.dds")));
+    EXPECT_EQ(Known(), TNames{Kept(Path("home/program/near/deep"))});
+    EXPECT_EQ(Host.Taken(), (TNames{"begin", "end"}));
+    Stop(19);
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_NOTFOUND);
+    EXPECT_EQ(Host.Taken(), (TNames{"begin", "end"}));
+}
+
+TEST_F(AskingLocator, ALongerSearchShowsItsDialogAndRefreshesItThreeTimesASecond)
+{
+    Now = 5000;
+    Stop(27);
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_NOTFOUND);
+    EXPECT_EQ(Host.Taken(),
+              (TNames{"begin", "show 7000nowhere.dds", "list7000", "list7300", "list7600", "end"}));
+}
+
+TEST_F(AskingLocator, TheDirectoriesListedAreThoseBeingSearched)
+{
+    Locator.SetShowDelay(0);
+    Host.Turn = [this] { return !Host.Stacks.empty() && Host.Stacks.back().size() > 2 ? SA_STOP : SA_NONE; };
+    FindNow("nowhere.dds");
+    ASSERT_FALSE(Host.Stacks.empty());
+    size_t deepest = 0;
+    for (const TNames& stack : Host.Stacks) {
+        for (size_t i = 1; i < stack.size(); ++i)
+            EXPECT_EQ(stack[i].find(stack[i - 1] + "\\"), 0u) << stack[i];
+        deepest = std::max(deepest, stack.size());
+    }
+    EXPECT_GT(deepest, 2u);
+}
+
+TEST_F(AskingLocator, AKnownDirectoryNeedsNoSearch)
+{
+    Host.Turn = nullptr;
+    FindNow("spark.dds");
+    Make("home/program/near/deep/other.dds");
+    Host.Taken();
+    EXPECT_EQ(FindNow("other.dds"), FR_FOUND);
+    EXPECT_EQ(Host.Taken(), TNames{});
+}
+
+// It lies where no search comes.
+TEST_F(AskingLocator, ThePersonsFileEndsTheSearch)
+{
+    Make(".elsewhere/nowhere.dds");
+    Make(".elsewhere/second.dds");
+    Host.Choice = Path(".elsewhere/nowhere.dds");
+    std::deque<TSearchAnswer> answers = {SA_NONE, SA_LOCATE};
+    Host.Turn = [&] {
+        const TSearchAnswer answer = answers.empty() ? SA_NONE : answers.front();
+        if (!answers.empty())
+            answers.pop_front();
+        return answer;
+    };
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_LOCATED);
+    EXPECT_EQ(Text(Found), Kept(Path(".elsewhere/nowhere.dds")));
+    EXPECT_EQ(Host.Taken(), (TNames{"begin", "Find resource nowhere.dds|*.dds|*.dds|*.*|*.*", "end"}));
+    EXPECT_EQ(Known(), TNames{Kept(Path(".elsewhere"))});
+    // Its directory is known from now on.
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_FOUND);
+    EXPECT_EQ(FindNow("second.dds"), FR_FOUND);
+    EXPECT_EQ(Host.Taken(), TNames{});
+}
+
+TEST_F(AskingLocator, APersonsFileOfAnotherNameIsRememberedForTheRun)
+{
+    Make(".elsewhere/renamed.dds");
+    Host.Choice = Path(".elsewhere/renamed.dds");
+    bool asked = false;
+    Host.Turn = [&] {
+        const TSearchAnswer answer = asked ? SA_NONE : SA_LOCATE;
+        asked = true;
+        return answer;
+    };
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_LOCATED);
+    Host.Taken();
+    EXPECT_EQ(FindNow("NOWHERE.dds"), FR_LOCATED);
+    EXPECT_EQ(Text(Found), Kept(Path(".elsewhere/renamed.dds")));
+    EXPECT_EQ(Host.Taken(), TNames{});
+}
+
+TEST_F(AskingLocator, CancelOfTheChooserLetsTheSearchGoOn)
+{
+    std::deque<TSearchAnswer> answers = {SA_LOCATE, SA_NONE, SA_LOCATE, SA_STOP};
+    Host.Turn = [&] {
+        const TSearchAnswer answer = answers.front();
+        if (answers.size() > 1)
+            answers.pop_front();
+        return answer;
+    };
+    EXPECT_EQ(FindNow("nowhere"), FR_NOTFOUND);
+    EXPECT_EQ(Host.Taken(),
+              (TNames{"begin", "Find resource nowhere|*.*|*.*", "Find resource nowhere|*.*|*.*", "end"}));
+    EXPECT_TRUE(Known().empty());
+}
+
+TEST_F(AskingLocator, WhatIsMissingIsSearchedForOnceUntilItIsForgotten)
+{
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_NOTFOUND);
+    Host.Taken();
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_NOTFOUND);
+    EXPECT_EQ(Host.Taken(), TNames{});
+    Locator.ForgetMissing();
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_NOTFOUND);
+    EXPECT_EQ(Host.Taken(), (TNames{"begin", "end"}));
+    Locator.ReadSettings();
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_NOTFOUND);
+    EXPECT_EQ(Host.Taken(), (TNames{"begin", "end"}));
+    // What has come to a known directory is there at once.
+    Host.Turn = nullptr;
+    FindNow("spark.dds");
+    Make("home/program/near/deep/nowhere.dds");
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_FOUND);
+}
+
+TEST_F(AskingLocator, WhileOneFileIsWaitedForNobodyIsAskedForAnother)
+{
+    Make("elsewhere/known.dds");
+    TString known(Path("elsewhere/known.dds").c_str());
+    Locator.PrepareName(known);
+    EXPECT_FALSE(Locator.IsAsking());
+    Host.Turn = [this] {
+        TString path;
+        EXPECT_TRUE(Locator.IsAsking());
+        EXPECT_EQ(Locator.Find("other.dds", path), FR_NOTFOUND);
+        EXPECT_EQ(Locator.Find("known.dds", path), FR_FOUND);
+        return SA_STOP;
+    };
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_NOTFOUND);
+    EXPECT_FALSE(Locator.IsAsking());
+    EXPECT_EQ(Host.Taken(), (TNames{"begin", "end"}));
+    // The other one was not looked for, so it is not missing.
+    Stop();
+    FindNow("other.dds");
+    EXPECT_EQ(Host.Taken(), (TNames{"begin", "end"}));
+}
+
+TEST_F(AskingLocator, PathsThatLeadNowhereAreAskedFor)
+{
+    Make("elsewhere/ash.dds");
+    for (const int mode : {RM_RELATIVEPATH, RM_FULLPATH}) {
+        SetMode(mode, Path("home"));
+        const std::string name = mode == RM_FULLPATH ? Path("home\\ash.dds") : "beside\\ash.dds";
+        const std::string chooser = "Find resource " +
+                                    (mode == RM_FULLPATH ? Path("home/ash.dds") : "beside/ash.dds") +
+                                    "|*.dds|*.dds|*.*|*.*";
+        Host.Choice = "";
+        EXPECT_EQ(FindNow(name), FR_NOTFOUND);
+        EXPECT_EQ(Host.Taken(), TNames{chooser});
+        EXPECT_EQ(FindNow(name), FR_NOTFOUND);
+        EXPECT_EQ(Host.Taken(), TNames{});
+        Locator.ForgetMissing();
+        Host.Choice = Path("elsewhere/ash.dds");
+        EXPECT_EQ(FindNow(name), FR_LOCATED);
+        EXPECT_EQ(Text(Found), Kept(Path("elsewhere/ash.dds")));
+        EXPECT_EQ(Host.Taken(), TNames{chooser});
+        Host.Choice = "";
+        EXPECT_EQ(FindNow(name), FR_LOCATED);
+        EXPECT_EQ(Text(Found), Kept(Path("elsewhere/ash.dds")));
+        EXPECT_EQ(Host.Taken(), TNames{});
+    }
+    // Only searches make directories known.
+    EXPECT_TRUE(Known().empty());
+}
+
+TEST_F(AskingLocator, PathsThatLeadToAFileAreNotAskedFor)
+{
+    SetMode(RM_RELATIVEPATH, Path("home"));
+    EXPECT_EQ(FindNow("beside/smoke.dds"), FR_FOUND);
+    SetMode(RM_FULLPATH);
+    EXPECT_EQ(FindNow(Path("home/beside/smoke.dds")), FR_FOUND);
+    EXPECT_EQ(Host.Taken(), TNames{});
+}
+
+TEST_F(AskingLocator, AHeadlessLocatorNeverShowsAChooserAndFindsNothing)
+{
+    Host.Choice = Path("home/beside/smoke.dds");
+    EXPECT_TRUE(Locator.Init(Path("home/program").c_str(), true));
+    SetMode(RM_RELATIVEPATH, Path("home"));
+    EXPECT_EQ(FindNow("missing.dds"), FR_NOTFOUND);
+    SetMode(RM_FULLPATH);
+    EXPECT_EQ(FindNow("/missing.dds"), FR_NOTFOUND);
+    SetMode(RM_LEAFNAME);
+    EXPECT_EQ(FindNow("spark.dds"), FR_FOUND);
+    EXPECT_EQ(Host.Taken(), TNames{});
+}
+
+TEST_F(ResourceLocator, ASearchThatIsStoppedFindsNothing)
+{
+    list<TString> known;
+    TResourceSearch search("spark.dds", known);
+    search.Stop();
+    EXPECT_FALSE(search.Run(Kept(Path("home/program")).c_str()));
+}
+
+TEST_F(ResourceLocator, ASearchEndsWithTheFileLocated)
+{
+    list<TString> known;
+    TResourceSearch search("spark.dds", known);
+    search.Locate("\\elsewhere\\spark.dds");
+    EXPECT_TRUE(search.Run(Kept(Path("home/program")).c_str()));
+    EXPECT_EQ(Text(search.GetPath()), "\\elsewhere\\spark.dds");
+}
+
+TEST_F(ResourceLocator, ASearchLeavesKnownDirectoriesOut)
+{
+    list<TString> known;
+    known.push_back(Kept(Path("home/program/NEAR")).c_str());
+    Make("home/beside/spark.dds");
+    TResourceSearch search("spark.dds", known);
+    EXPECT_TRUE(search.Run(Kept(Path("home/program")).c_str()));
+    EXPECT_EQ(Text(search.GetPath()), Kept(Path("home/beside/spark.dds")));
+    vector<TString> stack;
+    search.GetSearchStack(stack);
+    EXPECT_TRUE(stack.empty());
 }

@@ -446,6 +446,17 @@ TEST_F(SettingsFile, AStringHoldsAtMostFourThousandAndNinetyFiveBytesAndItsZero)
     EXPECT_EQ(text.Length(), 4095);
 }
 
+TEST_F(SettingsFile, WhatIsNoStringIsTakenForMissing)
+{
+    WriteBytes(Folder.Path("settings.ini"), "[General]\nRegVersion=0\nRecentFile_0=/a\nRecentFile_1=/b, /c\n"
+                                            "RecentFile_2=/d\nNodeTypesDirectory=one, two\n");
+    const auto store = Open();
+    TSettings settings(store.get());
+    settings.Load();
+    EXPECT_EQ(settings.GetRecentFiles().size(), 1);
+    EXPECT_EQ(Text(settings.GetNodeTypesDirectory()), "NodeTypes");
+}
+
 TEST_F(SettingsFile, SettingsComeBack)
 {
     {

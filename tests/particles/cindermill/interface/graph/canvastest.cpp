@@ -120,6 +120,61 @@ TEST_F(TGraphCanvasTest, DuringADragPlacesChangeAtOnceAndNothingIsRecorded)
     EXPECT_EQ(NumOperations(), before + 1);
 }
 
+TEST_F(TGraphCanvasTest, AClickMovesNoNodeWhereverItAndThePointerAre)
+{
+    TToolNode* node = Add("Noise", -100, -7);
+    for (float zoom : {0.3f, 0.77f, 1.7f, 3.3f}) {
+        Renderer.SetScale(TVector2(zoom, zoom));
+        Renderer.SetOffset(TVector2(130.37f, 60.91f));
+        const int before = NumOperations();
+        for (int x = -95; x < 20; x += 3)
+            for (int y = -5; y < 5; y += 3) {
+                const TVector2 pixel((static_cast<float>(x) + 130.37f) * zoom,
+                                     (static_cast<float>(y) + 60.91f) * zoom);
+                Click(pixel);
+            }
+        EXPECT_EQ(NumOperations(), before);
+        EXPECT_EQ(node->GetX(), -100);
+        EXPECT_EQ(node->GetY(), -7);
+    }
+}
+
+TEST_F(TGraphCanvasTest, NodesThatLeaveTheSelectionDuringADragGoOnWithIt)
+{
+    TToolNode* a = Add("Noise", 100, 100);
+    TToolNode* b = Add("Age", 400, 100);
+    Document.SelectNode(a, true);
+    Document.SelectNode(b, false);
+    Press(TitleOf(a));
+    Drag(TitleOf(a) + TVector2(30, 20));
+    Document.ClearSelection();
+    Canvas().CancelDrag();
+    EXPECT_EQ(Object(a).GetOrigin(), TVector2(100, 100));
+    EXPECT_EQ(Object(b).GetOrigin(), TVector2(400, 100));
+    Document.SelectNode(a, true);
+    Document.SelectNode(b, false);
+    Press(TitleOf(a));
+    Drag(TitleOf(a) + TVector2(30, 20));
+    Document.ClearSelection();
+    Release(TitleOf(a) + TVector2(30, 20));
+    EXPECT_EQ(a->GetX(), 130);
+    EXPECT_EQ(b->GetX(), 430);
+    EXPECT_EQ(Object(b).GetOrigin(), TVector2(430, 120));
+}
+
+TEST_F(TGraphCanvasTest, APressWhoseReleaseWasNeverHeardGoesOnWithTheFirstDrag)
+{
+    TToolNode* node = Add("Noise", 100, 100);
+    Press(TitleOf(node));
+    Drag(TitleOf(node) + TVector2(30, 20));
+    Press(TitleOf(node) + TVector2(40, 20));
+    Drag(TitleOf(node) + TVector2(40, 20));
+    EXPECT_EQ(Object(node).GetOrigin(), TVector2(140, 120));
+    Release(TitleOf(node) + TVector2(40, 20));
+    EXPECT_EQ(node->GetX(), 140);
+    EXPECT_EQ(Host.Drag, nullptr);
+}
+
 TEST_F(TGraphCanvasTest, ADraggedNodeComesToRestAtWholePlaces)
 {
     TToolNode* node = Add("Noise", 10, 10);

@@ -285,6 +285,21 @@ TEST_F(EdgeDrag, ADragMayEndAnywhereInThePortsRow)
     EXPECT_NE(EdgeAt(curve, "Life"), nullptr);
 }
 
+TEST_F(EdgeDrag, OutsideTheViewThereIsNothingToConnectTo)
+{
+    TToolNode* effect = Add("Effect", 100, 100);
+    TToolNode* seen = Add("Scalar Over Life", 400, 100);
+    TToolNode* hidden = Add("Scalar Over Life", 900, 100);
+    const int before = NumOperations();
+    DragTo(Output(effect, "Time"), Input(hidden, "Time"));
+    EXPECT_EQ(NumOperations(), before);
+    EXPECT_EQ(EdgeAt(hidden, "Time"), nullptr);
+    Connect(effect, "Time", seen, "Time");
+    const int connected = NumOperations();
+    DragTo(Input(seen, "Time"), Input(hidden, "Time"));
+    EXPECT_TRUE(IsLast<TDeleteGraphEdgeOp>(connected));
+}
+
 TEST_F(EdgeDrag, EscapeEndsIt)
 {
     TToolNode* effect = Add("Effect", 100, 100);

@@ -1,5 +1,6 @@
 #include "scenetest.h"
 
+#include "library/wimp/gl/renderfonttable.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 
 namespace {
@@ -97,6 +98,55 @@ TEST_F(TNodeObjTest, LabelsRunNeitherIntoPortsNorIntoEachOther)
         }
         EXPECT_LT(WidthOf(type.Name, 12) + 2 * NodeTitleInset, width + 0.01f);
     }
+}
+
+TEST_F(TNodeObjTest, TitlesStandClearOfWhatIsBesideThem)
+{
+    constexpr float Least = 3.0f;
+    const TNodeTypeLibrary& library = App.Get().GetNodeTypes();
+    for (int i = 0; i < library.GetNumTypes(); ++i) {
+        const TNodeType& type = *library.GetType(i);
+        const float width = MeasureNode(type)[0];
+        const float title = WidthOf(type.Name, 12);
+        const float place = GetTitlePlace(type, title, width);
+        const float boxEnd = NodeBoxLeft + NodeBoxSize;
+        EXPECT_GE(place, (type.HasFlag(FL_BYPASSABLE) ? boxEnd : NodeBoxLeft) + Least) << Text(type.Name);
+        EXPECT_LE(place + title, width - boxEnd - Least) << Text(type.Name);
+    }
+    // With room to spare a title stands in the middle.
+    EXPECT_EQ(GetTitlePlace(App.Type("Grid"), 40, 200), 80);
+    EXPECT_EQ(GetTitlePlace(App.Type("Gravity"), 40, 200), 80);
+}
+
+TEST_F(TNodeObjTest, LettersAreLargerInAViewThatIsZoomedOutAsFarAsThereIsRoom)
+{
+    const TNodeTypeLibrary& library = App.Get().GetNodeTypes();
+    for (int i = 0; i < library.GetNumTypes(); ++i) {
+        const TNodeType& type = *library.GetType(i);
+        const float width = MeasureNode(type)[0];
+        TNodeFonts fonts;
+        fonts.Fit(type, width);
+        EXPECT_EQ(fonts.GetTitle(1).GetFont()->GetSize(), 12);
+        EXPECT_EQ(fonts.GetLabel(1).GetFont()->GetSize(), 10);
+        EXPECT_GE(fonts.GetLabel(0.5f).GetFont()->GetSize(), 10) << Text(type.Name);
+        TVector2 title;
+        fonts.GetTitle(0.5f).GetTextSize(type.Name, title);
+        const float boxEnd = NodeBoxLeft + NodeBoxSize;
+        EXPECT_GE(title[0], WidthOf(type.Name, 12));
+        EXPECT_LE(title[0], width - boxEnd - (type.HasFlag(FL_BYPASSABLE) ? boxEnd : NodeBoxLeft))
+            << Text(type.Name);
+        for (int row = 0; row < type.GetNumInputs() && row < type.GetNumOutputs(); ++row) {
+            TVector2 input;
+            TVector2 output;
+            fonts.GetLabel(0.5f).GetTextSize(type.GetInput(row)->Name, input);
+            fonts.GetLabel(0.5f).GetTextSize(type.GetOutput(row).Name, output);
+            EXPECT_LT(input[0] + output[0] + 2 * NodeLabelInset, width) << Text(type.Name);
+        }
+    }
+    TNodeFonts fonts;
+    fonts.Fit(App.Type("Velocity Cone"), MeasureNode(App.Type("Velocity Cone"))[0]);
+    EXPECT_EQ(fonts.GetTitle(0.5f).GetFont()->GetSize(), 15);
+    EXPECT_EQ(fonts.GetLabel(0.5f).GetFont()->GetSize(), 13);
 }
 
 TEST_F(TNodeObjTest, AClosedPanelHas25PathsAndAnOpenOne39)

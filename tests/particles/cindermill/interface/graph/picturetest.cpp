@@ -99,6 +99,29 @@ TEST_F(GraphPicture, ANodeShowsItsTypesColourAndItsFace)
     EXPECT_TRUE(IsClose(At(picture, TVector2(100, 70)), PixelOf(GetPanelTone(PT_LIGHT))));
 }
 
+TEST_F(GraphPicture, LettersAreSharpAtTheOrdinaryZoomWhereverTheViewIs)
+{
+    Add("Grid", 40, 40);
+    // As dark as the letters' own colour, or nearly so.
+    auto isInk = [](const TPixel& pixel) { return pixel.R < 50 && pixel.G < 50 && pixel.B < 60; };
+    LookAt(0, 0, 1);
+    const int ink = Paint().Count(isInk, 48, 56, 90, 40);
+    EXPECT_GT(ink, 60);
+    LookAt(0.37f, 0.61f, 1);
+    EXPECT_NEAR(Paint().Count(isInk, 48, 55, 90, 41), ink, 4);
+}
+
+TEST_F(GraphPicture, LettersCanBeReadAtHalfTheZoom)
+{
+    Add("Grid", 40, 40);
+    LookAt(0, 0, 0.5f);
+    const TPicture picture = Paint();
+    Keep(picture, "half");
+    const TPixel face = PixelOf(GetPanelTone(PT_LIGHT));
+    auto isInk = [&](const TPixel& pixel) { return pixel.G < face.G / 2; };
+    EXPECT_GT(picture.Count(isInk, 24, 28, 45, 21), 60);
+}
+
 TEST_F(GraphPicture, ASelectedNodeIsOrange)
 {
     TToolNode* node = Add("Gravity", 40, 40);

@@ -201,7 +201,9 @@ TEST_F(Displays, AGridHasTheGivenDivisions)
     type->FindParameterOf<TNodeIntParameter>("Y Divisions", PK_INT)->SetValue(-5);
     shown.Draw(0, 2);
     type->FindParameterOf<TNodeIntParameter>("X Divisions", PK_INT)->SetValue(0);
-    shown.Draw(0, 2);
+    const TPicture undivided = shown.Draw(0, 2);
+    EXPECT_TRUE(HasLine(undivided, -1, 0.1f));
+    EXPECT_FALSE(HasLine(undivided, 0, 0.1f));
     shown.Connect("Transform");
     EXPECT_EQ(CountDrawn(shown.Draw(0, 2)), 0);
 }

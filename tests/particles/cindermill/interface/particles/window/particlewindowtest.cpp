@@ -275,4 +275,18 @@ TEST_F(ParticleWindow, AChildWithoutAnOwnersWindowIsRefused)
     EXPECT_FALSE(timeline.Create(&owner, *Sample));
 }
 
+TEST_F(ParticleWindow, APartThatCannotBeMadeIsAsserted)
+{
+    EXPECT_EQ(AssertionOf([this] { Window.Create(*Sample); }), "0 : Failed to create particle window");
+    // What is there already is not made again.
+    TParticleWindow withView;
+    ASSERT_TRUE(withView.GetRenderWindow().Create(&Window, *Sample));
+    EXPECT_EQ(AssertionOf([&] { withView.Create(*Sample); }),
+              "0 : Failed to create particle render subwindow");
+    TParticleWindow withTimeline;
+    ASSERT_TRUE(withTimeline.GetTimeline().Create(&Window, *Sample));
+    EXPECT_EQ(AssertionOf([&] { withTimeline.Create(*Sample); }),
+              "0 : Failed to create particle timelinw subwindow");
+}
+
 } // namespace

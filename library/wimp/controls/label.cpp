@@ -1,0 +1,24 @@
+#include "library/wimp/controls/label.h"
+
+#include "library/wimp/windowpeer.h"
+
+#include <QtWidgets/QLabel>
+
+bool TLabel::Create(TWindow* owner, const char* text, const char* name)
+{
+    if (owner == nullptr || owner->GetHandle() == nullptr)
+        return false;
+    QLabel* label = new QLabel(owner->GetHandle());
+    label->setObjectName(ToQt(name));
+    label->setTextFormat(Qt::PlainText);
+    Bind(label, owner);
+    SetText(text);
+    label->show();
+    return true;
+}
+
+void TLabel::SetText(const char* text)
+{
+    if (QLabel* label = qobject_cast<QLabel*>(GetHandle()))
+        label->setText(ToQt(text));
+}

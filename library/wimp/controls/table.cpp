@@ -1,0 +1,281 @@
+#include "library/wimp/controls/table.h"
+
+#include "library/containers/assertion.h"
+
+namespace {
+
+constexpr int ColumnWidth = 80;
+constexpr int SmallestColumn = 16;
+constexpr int TextMargin = 4;
+// So close to a border it is meant.
+constexpr int BorderReach = 3;
+constexpr TGDIColour White = 0xFFFFFF;
+constexpr TGDIColour LineColour = 0xE0E0E0;
+
+TWindowClass TableClass("efxdebug_tablewindow");
+TWindowClass HeaderClass("table_header");
+TWindowClass LabelClass("table_label");
+TWindowClass MainClass("table_main");
+
+// Of one cell, which the text may fill and not leave.
+void DrawText(TGDIContext& context, int left, int top, int width, const TString& text)
+{
+    context.TextOutClipped(left + TextMargin, top + 2, width - 2 * TextMargin, TTable::RowHeight,
+                           text.Print());
+}
+
+void DrawButton(TGDIContext& context, int left, int top, int width, const TString& text)
+{
+    context.SetNoPen();
+    context.SetBrush(GetButtonColour());
+    context.Rectangle(left, top, left + width, top + TTable::RowHeight);
+    context.RaisedEdge(left, top, left + width, top + TTable::RowHeight);
+    DrawText(context, left, top, width, text);
+}
+
+} // namespace
+
+bool TTable::TPane::Create(TTable& table, const TWindowClass& windowClass,
+                           bool (TTable::*handler)(const TMessage&), bool scrolls)
+{
+    Table = &table;
+    Handler = handler;
+    TWindowParams params;
+    params.Class = &windowClass;
+    params.Owner = &table;
+    params.VerticalScroll = scrolls;
+    return TWindow::Create(params);
+}
+
+bool TTable::TPane::OnMessage(const TMessage& message)
+{
+    return (Table->*Handler)(message);
+}
+
+void TTable::Create(TWindow* owner, TTableProvider& provider, int flags)
+{
+    if (!TableClass.IsRegistered()) {
+        TableClass.Register(0, GetButtonColour());
+        HeaderClass.Register(0, GetButtonColour());
+        LabelClass.Register(0, GetButtonColour());
+        MainClass.Register(0, White);
+    }
+    Provider = &provider;
+    Flags = flags;
+    TWindowParams params;
+    params.Class = &TableClass;
+    params.Owner = owner;
+    ASSERT_TEXT(TWindow::Create(params), "0 : Failed to create table window");
+    ASSERT_TEXT(Header.Create(*this, HeaderClass, &TTable::OnHeader, false),
+                "0 : Failed to create table header window");
+    ASSERT_TEXT(Labels.Create(*this, LabelClass, &TTable::OnLabels, false),
+                "0 : Failed to create label window");
+    ASSERT_TEXT(Main.Create(*this, MainClass, &TTable::OnMain, true),
+                "0 : Failed to create table main window");
+    Refresh();
+    Layout();
+}
+
+void TTable::Layout()
+{
+    if (Main.GetHandle() == nullptr)
+        return;
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    const int right = width > LabelWidth ? width - LabelWidth : 0;
+    const int below = height > RowHeight ? height - RowHeight : 0;
+    Header.MoveTo(LabelWidth, 0, right, RowHeight);
+    Labels.MoveTo(0, RowHeight, LabelWidth, below);
+    Main.MoveTo(LabelWidth, RowHeight, right, below);
+    SetScroll();
+}
+
+void TTable::SetScroll()
+{
+    int width = 0;
+    int height = 0;
+    Main.GetSize(width, height);
+    Main.SetScrollRange(Provider->GetNumRows() * RowHeight, height, RowHeight);
+}
+
+void TTable::Refresh()
+{
+    const int columns = Provider->GetNumColumns();
+    while (Widths.size() < columns)
+        Widths.push_back(ColumnWidth);
+    while (Widths.size() > columns)
+        Widths.pop_back();
+    DraggedColumn = -1;
+    if (Main.GetHandle() != nullptr)
+        SetScroll();
+    RedrawCells();
+}
+
+void TTable::RedrawCells()
+{
+    Header.Redraw();
+    Labels.Redraw();
+    Main.Redraw();
+}
+
+void TTable::SetColumnWidth(int column, int width)
+{
+    Widths[column] = width > SmallestColumn ? width : SmallestColumn;
+    RedrawCells();
+}
+
+int TTable::GetColumnWidth(int column) const
+{
+    return Widths[column];
+}
+
+int TTable::GetFirstRow() const
+{
+    return Main.GetScrollPosition() / RowHeight;
+}
+
+bool TTable::OnMessage(const TMessage& message)
+{
+    if (message.Type != MT_SIZE)
+        return TWindow::OnMessage(message);
+    Layout();
+    return true;
+}
+
+int TTable::GetNumShownRows(const TWindow& pane) const
+{
+    int width = 0;
+    int height = 0;
+    pane.GetSize(width, height);
+    const int room = (height + RowHeight - 1) / RowHeight;
+    const int left = Provider->GetNumRows() - GetFirstRow();
+    return left < room ? left : room;
+}
+
+int TTable::GetColumnEnd(int column) const
+{
+    int end = 0;
+    for (int i = 0; i <= column; ++i)
+        end += Widths[i];
+    return end;
+}
+
+int TTable::FindBorder(int x) const
+{
+    // Of two that are close, the one further right can be dragged away from the other.
+    for (int i = Widths.size() - 1; i >= 0; --i) {
+        const int distance = x - GetColumnEnd(i);
+        if (distance >= -BorderReach && distance <= BorderReach)
+            return i;
+    }
+    return -1;
+}
+
+void TTable::BeginDrag(int column, int x)
+{
+    ASSERT_TEXT((Flags & FL_RESIZABLEHEADERS) != 0, "(Flags & FL_RESIZABLEHEADERS) != 0");
+    DraggedColumn = column;
+    GrabOffset = x - GetColumnEnd(column);
+    Header.SetCapture();
+}
+
+bool TTable::OnHeader(const TMessage& message)
+{
+    const bool resizable = (Flags & FL_RESIZABLEHEADERS) != 0;
+    switch (message.Type) {
+    case MT_PAINT:
+        if (message.Context != nullptr)
+            DrawHeader(*message.Context);
+        return true;
+    case MT_LEFTDOWN:
+        if (resizable && FindBorder(message.X) >= 0)
+            BeginDrag(FindBorder(message.X), message.X);
+        return true;
+    case MT_MOUSEMOVE:
+        if (DraggedColumn >= 0)
+            SetColumnWidth(DraggedColumn,
+                           message.X - GrabOffset - (GetColumnEnd(DraggedColumn) - Widths[DraggedColumn]));
+        else
+            Header.SetCursor(resizable && FindBorder(message.X) >= 0 ? CU_SPLITX : CU_CLASS);
+        return true;
+    case MT_LEFTUP:
+        DraggedColumn = -1;
+        Header.ReleaseCapture();
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool TTable::OnLabels(const TMessage& message)
+{
+    if (message.Type == MT_WHEEL)
+        return OnMain(message);
+    if (message.Type != MT_PAINT || message.Context == nullptr)
+        return false;
+    DrawLabels(*message.Context);
+    return true;
+}
+
+bool TTable::OnMain(const TMessage& message)
+{
+    constexpr int Notch = 120;
+    constexpr int RowsANotch = 3;
+    switch (message.Type) {
+    case MT_PAINT:
+        if (message.Context != nullptr)
+            DrawCells(*message.Context);
+        return true;
+    case MT_WHEEL:
+        Main.SetScrollPosition(Main.GetScrollPosition() - message.Delta * RowsANotch * RowHeight / Notch);
+        RedrawCells();
+        return true;
+    case MT_SCROLL:
+        RedrawCells();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TTable::DrawHeader(TGDIContext& context) const
+{
+    int left = 0;
+    for (int i = 0; i < Widths.size(); ++i) {
+        TString text;
+        Provider->GetHeader(i, text);
+        DrawButton(context, left, 0, Widths[i], text);
+        left += Widths[i];
+    }
+}
+
+void TTable::DrawLabels(TGDIContext& context) const
+{
+    const int first = GetFirstRow();
+    const int count = GetNumShownRows(Labels);
+    for (int i = 0; i < count; ++i) {
+        TString text;
+        Provider->GetLabel(first + i, text);
+        DrawButton(context, 0, i * RowHeight, LabelWidth, text);
+    }
+}
+
+void TTable::DrawCells(TGDIContext& context) const
+{
+    const int first = GetFirstRow();
+    const int count = GetNumShownRows(Main);
+    context.SetPen(LineColour);
+    for (int row = 0; row < count; ++row) {
+        const int top = row * RowHeight;
+        int left = 0;
+        for (int column = 0; column < Widths.size(); ++column) {
+            TString text;
+            Provider->GetCell(first + row, column, text);
+            DrawText(context, left, top, Widths[column], text);
+            left += Widths[column];
+            context.Line(left - 1, top, left - 1, top + RowHeight);
+        }
+        context.Line(0, top + RowHeight - 1, left, top + RowHeight - 1);
+    }
+}

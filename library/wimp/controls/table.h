@@ -1,0 +1,80 @@
+#pragma once
+
+#include "library/containers/string.h"
+#include "library/wimp/window.h"
+
+// What a table shows. Rows and columns are counted from 0.
+class TTableProvider
+{
+public:
+    virtual ~TTableProvider() = default;
+    virtual int GetNumRows() const = 0;
+    virtual int GetNumColumns() const = 0;
+    // What stands over a column, beside a row, and in a cell.
+    virtual void GetHeader(int column, TString& text) const = 0;
+    virtual void GetLabel(int row, TString& text) const = 0;
+    virtual void GetCell(int row, int column, TString& text) const = 0;
+};
+
+// A grid that is scrolled: a row of headers on top, a column of labels at the left, the cells between them.
+class TTable : public TWindow
+{
+public:
+    enum TFlag
+    {
+        // The borders of columns can be dragged in the header.
+        FL_RESIZABLEHEADERS = 1
+    };
+    static constexpr int RowHeight = 18;
+    static constexpr int LabelWidth = 60;
+
+    // The provider stays the caller's and outlives the table. Asserts "0 : Failed to create table window",
+    // and the same of a "table header window", a "label window" and a "table main window".
+    void Create(TWindow* owner, TTableProvider& provider, int flags = 0);
+    // The provider has other rows or columns.
+    void Refresh();
+    // The provider has other texts.
+    void RedrawCells();
+    void SetColumnWidth(int column, int width);
+    int GetColumnWidth(int column) const;
+    // The first row that is to be seen.
+    int GetFirstRow() const;
+    bool OnMessage(const TMessage& message) override;
+
+private:
+    class TPane : public TWindow
+    {
+    public:
+        bool Create(TTable& table, const TWindowClass& windowClass, bool (TTable::*handler)(const TMessage&),
+                    bool scrolls);
+        bool OnMessage(const TMessage& message) override;
+
+    private:
+        TTable* Table = nullptr;
+        bool (TTable::*Handler)(const TMessage&) = nullptr;
+    };
+
+    void Layout();
+    void SetScroll();
+    bool OnHeader(const TMessage& message);
+    bool OnLabels(const TMessage& message);
+    bool OnMain(const TMessage& message);
+    void DrawHeader(TGDIContext& context) const;
+    void DrawLabels(TGDIContext& context) const;
+    void DrawCells(TGDIContext& context) const;
+    int GetNumShownRows(const TWindow& pane) const;
+    int GetColumnEnd(int column) const;
+    // The column whose right border is at the place, or -1.
+    int FindBorder(int x) const;
+    void BeginDrag(int column, int x);
+
+    TTableProvider* Provider = nullptr;
+    int Flags = 0;
+    vector<int> Widths;
+    TPane Header;
+    TPane Labels;
+    TPane Main;
+    // The column that is being dragged wider, or -1; where its border was taken hold of.
+    int DraggedColumn = -1;
+    int GrabOffset = 0;
+};

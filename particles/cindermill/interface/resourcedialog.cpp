@@ -1,0 +1,56 @@
+#include "particles/cindermill/interface/resourcedialog.h"
+
+#include "library/system/path.h"
+#include "library/wimp/filechooser.h"
+
+static constexpr int DialogId = 109;
+
+TResourceDialog::TResourceDialog() : Dialog(DialogId, "Find Resource", "Searching for:", "Locate...") {}
+
+void TResourceDialog::BeginSearch()
+{
+    Dialog.Begin();
+}
+
+void TResourceDialog::EndSearch()
+{
+    Dialog.End();
+}
+
+void TResourceDialog::ShowSearch(const char* name)
+{
+    TString shown;
+    ToShownPath(name, shown);
+    Dialog.Show(shown.Print());
+}
+
+void TResourceDialog::ListDirectories(const vector<TString>& directories)
+{
+    vector<TString> lines;
+    for (const TString& directory : directories) {
+        TString line;
+        ToShownPath(directory.IsEmpty() ? "\\" : directory.c_str(), line);
+        lines.push_back(line);
+    }
+    Dialog.SetList(lines);
+}
+
+TSearchAnswer TResourceDialog::Step()
+{
+    switch (Dialog.Step()) {
+    case WA_BUTTON:
+        return SA_LOCATE;
+    case WA_CLOSED:
+        return SA_STOP;
+    default:
+        return SA_NONE;
+    }
+}
+
+bool TResourceDialog::ChooseResource(const char* title, const vector<TPathFilter>& filters, TString& path)
+{
+    vector<TFileFilter> fileFilters;
+    for (const TPathFilter& filter : filters)
+        fileFilters.push_back(TFileFilter{filter.Description, filter.Pattern});
+    return OpenFileChooser(title, fileFilters, nullptr, path);
+}

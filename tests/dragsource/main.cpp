@@ -1,0 +1,44 @@
+// A window out of which files are dragged: those of the command line, all at once.
+
+#include <QtCore/QMimeData>
+#include <QtCore/QUrl>
+#include <QtGui/QDrag>
+#include <QtGui/QMouseEvent>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QWidget>
+
+class TDragSource : public QWidget
+{
+public:
+    explicit TDragSource(const QStringList& files) : Files(files)
+    {
+        setWindowTitle(QStringLiteral("dragsource"));
+        resize(200, 200);
+    }
+
+protected:
+    void mouseMoveEvent(QMouseEvent* event) override
+    {
+        if (!event->buttons().testFlag(Qt::LeftButton))
+            return;
+        QList<QUrl> urls;
+        for (const QString& file : Files)
+            urls.append(QUrl::fromLocalFile(file));
+        QMimeData* carried = new QMimeData;
+        carried->setUrls(urls);
+        QDrag* drag = new QDrag(this);
+        drag->setMimeData(carried);
+        drag->exec(Qt::CopyAction | Qt::MoveAction);
+    }
+
+private:
+    QStringList Files;
+};
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    TDragSource source(QApplication::arguments().mid(1));
+    source.show();
+    return QApplication::exec();
+}

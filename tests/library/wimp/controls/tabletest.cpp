@@ -1,0 +1,147 @@
+#include "library/wimp/controls/table.h"
+#include "support/windowtest.h"
+
+#include <QtTest/QTest>
+#include <QtWidgets/QScrollBar>
+
+#include <set>
+
+namespace {
+
+// Numbers its cells, and notes which are asked for.
+class TTestProvider : public TTableProvider
+{
+public:
+    int GetNumRows() const override { return NumRows; }
+    int GetNumColumns() const override { return NumColumns; }
+    void GetHeader(int column, TString& text) const override { text.Format("column %d", column); }
+    void GetLabel(int row, TString& text) const override
+    {
+        Labels.insert(row);
+        text.Format("%d", row);
+    }
+    void GetCell(int row, int column, TString& text) const override
+    {
+        Rows.insert(row);
+        Columns.insert(column);
+        text.Format("%d.%d", row, column);
+    }
+
+    int NumRows = 100;
+    int NumColumns = 3;
+    mutable std::set<int> Labels;
+    mutable std::set<int> Rows;
+    mutable std::set<int> Columns;
+};
+
+class TTableTest : public TWindowTest
+{
+protected:
+    void Make(int flags)
+    {
+        ShowTopWindow(Window, Class, 400, 300);
+        Table.Create(&Window, Provider, flags);
+        Table.MoveTo(0, 0, TTable::LabelWidth + 300, TTable::RowHeight * 11);
+        Settle();
+    }
+    QWidget* Find(const char* name) { return Window.GetHandle()->findChild<QWidget*>(name); }
+    void Drag(int from, int to)
+    {
+        QWidget* header = Find("table_header");
+        QTest::mousePress(header, Qt::LeftButton, {}, QPoint(from, 5));
+        QTest::mouseMove(header, QPoint(to, 5));
+        QTest::mouseRelease(header, Qt::LeftButton, {}, QPoint(to, 5));
+    }
+
+    TWindowClass Class{"test_tableowner"};
+    TRecordingWindow Window;
+    TTestProvider Provider;
+    TTable Table;
+};
+
+} // namespace
+
+TEST_F(TTableTest, TheFrameHoldsHeaderLabelsAndCells)
+{
+    Make(0);
+    EXPECT_NE(Find("efxdebug_tablewindow"), nullptr);
+    EXPECT_EQ(Find("table_header")->geometry(), QRect(TTable::LabelWidth, 0, 300, TTable::RowHeight));
+    EXPECT_EQ(Find("table_label")->geometry(),
+              QRect(0, TTable::RowHeight, TTable::LabelWidth, TTable::RowHeight * 10));
+    EXPECT_EQ(Find("table_main")->geometry(),
+              QRect(TTable::LabelWidth, TTable::RowHeight, 300, TTable::RowHeight * 10));
+}
+
+TEST_F(TTableTest, OnlyTheRowsInSightAreAskedFor)
+{
+    Make(0);
+    EXPECT_EQ(*Provider.Rows.begin(), 0);
+    EXPECT_EQ(*Provider.Rows.rbegin(), 9);
+    EXPECT_EQ(*Provider.Columns.rbegin(), 2);
+    EXPECT_EQ(*Provider.Labels.rbegin(), 9);
+}
+
+TEST_F(TTableTest, ScrollingMovesLabelsAndCells)
+{
+    Make(0);
+    QScrollBar* bar = Find("table_main")->findChild<QScrollBar*>();
+    ASSERT_NE(bar, nullptr);
+    EXPECT_TRUE(bar->isVisible());
+    EXPECT_EQ(bar->maximum(), 90 * TTable::RowHeight);
+    Provider.Rows.clear();
+    Provider.Labels.clear();
+    bar->setValue(40 * TTable::RowHeight);
+    EXPECT_EQ(Table.GetFirstRow(), 40);
+    Settle();
+    EXPECT_EQ(*Provider.Rows.begin(), 40);
+    EXPECT_EQ(*Provider.Rows.rbegin(), 49);
+    EXPECT_EQ(*Provider.Labels.begin(), 40);
+    // The wheel goes three rows a notch.
+    TMessage wheel;
+    wheel.Type = MT_WHEEL;
+    wheel.Delta = -120;
+    TWindow::Find(Find("table_label"))->OnMessage(wheel);
+    EXPECT_EQ(Table.GetFirstRow(), 43);
+}
+
+TEST_F(TTableTest, ATableWithFewerRowsThanRoomHasNoScrollBar)
+{
+    Provider.NumRows = 4;
+    Make(0);
+    EXPECT_FALSE(Find("table_main")->findChild<QScrollBar*>()->isVisible());
+    EXPECT_EQ(*Provider.Rows.rbegin(), 3);
+    Provider.NumRows = 0;
+    Provider.NumColumns = 0;
+    Provider.Rows.clear();
+    Table.Refresh();
+    Settle();
+    EXPECT_TRUE(Provider.Rows.empty());
+}
+
+TEST_F(TTableTest, ABorderIsDragged)
+{
+    Make(TTable::FL_RESIZABLEHEADERS);
+    const int width = Table.GetColumnWidth(1);
+    Drag(2 * width + 1, 2 * width + 31);
+    EXPECT_EQ(Table.GetColumnWidth(0), width);
+    EXPECT_EQ(Table.GetColumnWidth(1), width + 30);
+    EXPECT_EQ(Table.GetColumnWidth(2), width);
+    // Nothing is dragged away altogether, and the middle of a header is none.
+    Drag(2 * width + 30, -500);
+    EXPECT_GT(Table.GetColumnWidth(1), 0);
+    Drag(width / 2, width / 2 + 20);
+    EXPECT_EQ(Table.GetColumnWidth(0), width);
+}
+
+TEST_F(TTableTest, BordersStayWithoutTheFlag)
+{
+    Make(0);
+    const int width = Table.GetColumnWidth(0);
+    Drag(width, width + 30);
+    EXPECT_EQ(Table.GetColumnWidth(0), width);
+}
+
+TEST_F(TTableTest, ATableWithoutAnOwnerIsAnAssertion)
+{
+    EXPECT_EQ(AssertionOf([&] { Table.Create(nullptr, Provider); }), "0 : Failed to create table window");
+}
