@@ -46,8 +46,7 @@ TScenes<TScene>& GetScenes()
     return scenes;
 }
 
-// Runs a part of a scene again and again. The process's time, not the clock's: other programs' turns are in
-// that, and drawing has threads of its own.
+// Runs a part of a scene again and again.
 template <class TScene, class TPart>
 void RunScene(benchmark::State& state, int size, const TPart& part)
 {
@@ -121,9 +120,11 @@ std::string Name(const char* function, int count)
     return std::string(function) + "/" + std::to_string(count);
 }
 
+// Time on the clock, as a person waits for it: drawing has threads of its own, and the display server has its
+// share.
 benchmark::internal::Benchmark* Register(const char* name, void (*function)(benchmark::State&))
 {
-    return benchmark::RegisterBenchmark(name, function)->MeasureProcessCPUTime()->MinTime(0.1);
+    return benchmark::RegisterBenchmark(name, function)->UseRealTime()->MinTime(0.1);
 }
 
 void RegisterAll()

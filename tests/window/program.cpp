@@ -88,16 +88,19 @@ bool TProgram::AnswerChooser(const std::string& title, const std::string& path)
 {
     if (!Screen.WaitForWindow(title) || !Screen.WaitUntilActive(title))
         return false;
+    const std::string window = Screen.FindWindow(title);
     Screen.Key("ctrl+a");
     Screen.Type(path);
     Screen.Key("Return");
-    return Screen.WaitUntilGone(title);
+    // The next chooser of the same title may come up at once.
+    return WaitUntil([&] { return Screen.FindWindow(title) != window; });
 }
 
 bool TProgram::AnswerDialog(const std::string& title, const std::string& key)
 {
     if (!Screen.WaitForWindow(title) || !Screen.WaitUntilActive(title))
         return false;
+    const std::string window = Screen.FindWindow(title);
     Screen.Key(key);
-    return Screen.WaitUntilGone(title);
+    return WaitUntil([&] { return Screen.FindWindow(title) != window; });
 }
