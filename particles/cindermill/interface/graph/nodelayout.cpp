@@ -118,3 +118,9 @@ TVector2 GetPortPlace(bool isInput, int index, float width)
 {
     return TVector2(isInput ? -PortOverhang : width + PortOverhang, GetPortRow(index));
 }
+
+float GetNodeSmoothness(float zoom)
+{
+    constexpr float FarShare = 0.5f;
+    return TNodeFonts::IsFar(zoom) ? FarShare : 1;
+}

@@ -47,3 +47,5 @@ float GetTitlePlace(const TNodeType& type, float titleWidth, float width);
 TVector2 GetPortPlace(bool isInput, int index, float width);
 // The middle of a port's row.
 float GetPortRow(int index);
+// The share of its usual segments that a round outline of a node needs.
+float GetNodeSmoothness(float zoom);

@@ -16,11 +16,10 @@ constexpr int PressedTones[PT_NUMTONES] = {PT_DARK, PT_LIGHT, PT_HIGHLIGHT, PT_D
 
 // Letters smaller than this many pixels say nothing.
 constexpr float SmallestText = 3.0f;
-// In a view that is zoomed out strokes thinner than a pixel would be pale: letters are drawn once more, so
-// strongly from so little zoom on, so many pixels further.
-constexpr float FarStrokes = 0.6f;
+// In a view that is zoomed out strokes thinner than a pixel would be pale: there a letter covers more of the
+// pixels that it only touches, so much more from so little zoom on.
+constexpr float FarStrokes = 0.9f;
 constexpr float FarStrokesZoom = 0.5f;
-constexpr float FarShift = 0.5f;
 constexpr float FaintGlyph = 0.45f;
 const TVector4 VeilColour(0.93f, 0.94f, 0.92f, 1);
 
@@ -64,10 +63,13 @@ float GetPlace(const TPanelEdge& edge, float size, float split)
     return static_cast<float>(double(edge.OfSize) * size + double(edge.OfSplit) * split + edge.Offset);
 }
 
-TVector4 Fainter(const TVector4& colour, float zoom)
+// More than opaque: it multiplies the letters' coverage. What is to be seen through stays as it is.
+TVector4 Stronger(const TVector4& colour, float zoom)
 {
+    if (!TNodeFonts::IsFar(zoom) || colour[3] < 1)
+        return colour;
     const float share = (NodeFarZoom - zoom) / (NodeFarZoom - FarStrokesZoom);
-    return TVector4(colour[0], colour[1], colour[2], colour[3] * FarStrokes * (share < 1 ? share : 1));
+    return TVector4(colour[0], colour[1], colour[2], colour[3] * (1 + FarStrokes * (share < 1 ? share : 1)));
 }
 
 // A bar across a box, from its bottom left to its top right.
@@ -286,12 +288,13 @@ void TNodePanel::Render(TRenderer& renderer)
 {
     if (Type == nullptr)
         return;
+    const float smoothness = GetNodeSmoothness(renderer.GetScale()[1]);
     for (int i = 0; i < Paths.size(); ++i) {
         // The veil is the last, and lies over the labels too.
         if (GetRow(i).Paint == PP_VEIL)
             RenderLabels(renderer);
         if (Paths[i].IsClosed() && Paths[i].GetFillColour()[3] > 0)
-            Paths[i].Render(renderer);
+            Paths[i].Render(renderer, TVector2(0, 0), TVector2(1, 1), smoothness);
     }
     RenderTitle(renderer);
 }
@@ -315,34 +318,23 @@ void TNodePanel::RenderTitle(TRenderer& renderer) const
     // Below the letters, by a pixel.
     if (!TNodeFonts::IsFar(zoom))
         font.DrawText(renderer, place + TVector2(0, 1.0f / zoom), Type->Name.Print(), edge);
-    font.DrawText(renderer, place, Type->Name.Print(), colour);
-    if (TNodeFonts::IsFar(zoom))
-        font.DrawText(renderer, place + TVector2(FarShift / zoom, 0), Type->Name.Print(),
-                      Fainter(colour, zoom));
+    font.DrawText(renderer, place, Type->Name.Print(), Stronger(colour, zoom));
 }
 
 void TNodePanel::RenderLabels(TRenderer& renderer) const
 {
     const float zoom = renderer.GetScale()[1];
-    const TVector4 colour(0.09f, 0.10f, 0.12f, Opacity);
-    TVector2 size;
-    Fonts.GetLabel(zoom).GetTextSize("", size);
-    if (size[1] * zoom < SmallestText)
+    const TFontInstance& font = Fonts.GetLabel(zoom);
+    const TVector4 colour = Stronger(TVector4(0.09f, 0.10f, 0.12f, Opacity), zoom);
+    TVector2 line;
+    font.GetTextSize("", line);
+    if (line[1] * zoom < SmallestText)
         return;
-    DrawLabels(renderer, 0, colour);
-    if (TNodeFonts::IsFar(zoom))
-        DrawLabels(renderer, FarShift / zoom, Fainter(colour, zoom));
-}
-
-void TNodePanel::DrawLabels(TRenderer& renderer, float shift, const TVector4& colour) const
-{
-    const TFontInstance& font = Fonts.GetLabel(renderer.GetScale()[1]);
     auto draw = [&](const TString& text, int row, bool isInput) {
         TVector2 size;
         font.GetTextSize(text.Print(), size);
         const float left = isInput ? NodeLabelInset : Size[0] - NodeLabelInset - size[0];
-        font.DrawText(renderer, TVector2(left + shift, GetPortRow(row) - size[1] * 0.5f), text.Print(),
-                      colour);
+        font.DrawText(renderer, TVector2(left, GetPortRow(row) - size[1] * 0.5f), text.Print(), colour);
     };
     for (int i = 0; i < Type->GetNumInputs(); ++i)
         draw(Type->GetInput(i)->Name, i, true);

@@ -137,7 +137,6 @@ private:
     void Paint();
     void RenderTitle(TRenderer& renderer) const;
     void RenderLabels(TRenderer& renderer) const;
-    void DrawLabels(TRenderer& renderer, float shift, const TVector4& colour) const;
 
     const TNodeType* Type = nullptr;
     const TPanelPath* Table = nullptr;

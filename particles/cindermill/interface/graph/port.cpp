@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/graph/port.h"
 
 #include "library/wimp/gl/renderer.h"
+#include "particles/cindermill/interface/graph/nodelayout.h"
 #include "particles/cindermill/interface/graph/outlines.h"
 
 namespace {
@@ -56,9 +57,10 @@ void TPort::SetAimedAt(bool aimedAt)
 
 void TPort::Render(TRenderer& renderer)
 {
-    Disc.Render(renderer, TVector2(0, 0), TVector2(1, 1), Smoothness);
+    const float smoothness = Smoothness * GetNodeSmoothness(renderer.GetScale()[1]);
+    Disc.Render(renderer, TVector2(0, 0), TVector2(1, 1), smoothness);
     if (!Connected && !Marked)
-        Hole.Render(renderer, TVector2(0, 0), TVector2(1, 1), Smoothness);
+        Hole.Render(renderer, TVector2(0, 0), TVector2(1, 1), smoothness);
 }
 
 void TPort::GetBounds(TVector2& min, TVector2& max)
