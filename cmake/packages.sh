@@ -3,7 +3,7 @@
 # tests need.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build pkg-config libsquish-dev qt6-base-dev libgl-dev libegl-dev libglew-dev
+packages=(g++ cmake ninja-build pkg-config libsquish-dev qt6-base-dev libqt6opengl6-dev libgl-dev libegl-dev libglew-dev
     libfreetype-dev libfontconfig-dev fonts-liberation libgl1-mesa-dri)
 if [ "${1:-}" = tests ]; then
     packages+=(libgtest-dev libbenchmark-dev clang-format clang libclang-rt-14-dev xvfb xauth xdotool openbox
