@@ -5,8 +5,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-cmake/packages.sh tests >&2
-cmake/build.sh release benchmarks >&2
+scripts/packages.sh tests >&2
+scripts/build.sh release benchmarks >&2
 
 # One core, the first that this shell may use, so that nothing is carried from cache to cache. Only the windows'
 # pictures have all cores, as the software renderer uses them.

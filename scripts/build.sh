@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Configures a preset and builds it: cmake/build.sh PRESET [TARGET...]
+# Configures a preset and builds it: scripts/build.sh PRESET [TARGET...]
 set -euo pipefail
 
 preset=$1

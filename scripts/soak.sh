@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Schedules, runs for 200 frames and exports random graphs under the address and undefined-behaviour sanitizers:
-# tests/soak.sh [GRAPHS [FIRST_SEED]]
+# scripts/soak.sh [GRAPHS [FIRST_SEED]]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 graphs=${1:-2000}
 first=${2:-1}
-cmake/build.sh sanitize test-particles-cindermill-main
+scripts/build.sh sanitize test-particles-cindermill-main
 
 logs=$(mktemp -d)
 trap 'rm -rf "$logs"' EXIT

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the packages that are missing: `cmake/packages.sh` what the build needs, with `tests` also what the
+# Installs the packages that are missing: `scripts/packages.sh` what the build needs, with `tests` also what the
 # tests need.
 set -euo pipefail
 

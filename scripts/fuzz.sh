@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Runs every fuzz target for some seconds from the repository's own files as seeds: tests/fuzz/run.sh [SECONDS]
+# Runs every fuzz target for some seconds from the repository's own files as seeds: scripts/fuzz.sh [SECONDS]
 set -euo pipefail
-cd "$(dirname "$0")/../.."
+cd "$(dirname "$0")/.."
 
 seconds=${1:-5}
 work=$(mktemp -d)
