@@ -3,7 +3,7 @@
 # same run, and the ratios. What the library prints goes to the standard error. Arguments are given to each program,
 # for example --benchmark_filter=Update or --benchmark_repetitions=3.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$(readlink -f "$0")")/.."
 
 scripts/packages.sh tests >&2
 scripts/build.sh release benchmarks >&2

@@ -1,16 +1,17 @@
 #!/usr/bin/env bash
 # Configures a preset and builds it: scripts/build.sh PRESET [TARGET...]
 set -euo pipefail
+cd "$(dirname "$(readlink -f "$0")")/.."
 
 preset=$1
 shift
-launcher=()
-if command -v ccache >/dev/null; then
-    launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+folder=build/$preset
+# Once configured, a folder knows by itself when to configure anew, but for a change of the presets.
+if [ ! -f "$folder/build.ninja" ] || [ CMakePresets.json -nt "$folder/build.ninja" ]; then
+    launcher=()
+    if command -v ccache >/dev/null; then
+        launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    fi
+    cmake --preset "$preset" "${launcher[@]}"
 fi
-cmake --preset "$preset" "${launcher[@]}" >/dev/null
-if [ $# -gt 0 ]; then
-    cmake --build "build/$preset" --target "$@"
-else
-    cmake --build "build/$preset"
-fi
+cmake --build "$folder" --target "${@:-all}"
