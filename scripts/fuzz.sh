@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs every fuzz target for some seconds from the repository's own files as seeds: scripts/fuzz.sh [SECONDS]
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$(readlink -f "$0")")/.."
 
 seconds=${1:-5}
 work=$(mktemp -d)
@@ -29,7 +29,8 @@ count=0
 for target in effect nodetype shader animation dds hvt efx; do
     if ! "build/fuzz/fuzz/fuzz-$target" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
         -artifact_prefix="$work/" -print_final_stats=1 "$work/$target" >"$work/$target.log" 2>&1; then
-        tail -n 40 "$work/$target.log"
+        # All but the lines that tell how it went until then.
+        grep -vE '^#[0-9]+[[:space:]]' "$work/$target.log" >&2
         mkdir -p build/fuzz/faults
         find "$work" -maxdepth 1 \( -name 'crash-*' -o -name 'timeout-*' -o -name 'oom-*' -o -name 'leak-*' \) \
             -exec cp {} build/fuzz/faults/ \;

@@ -2,7 +2,7 @@
 # Draws the pictures that are compiled into the program from their sources: `scripts/pictures.sh`, after one
 # of the .svg files has changed. Needs rsvg-convert (librsvg2-bin).
 set -euo pipefail
-cd "$(dirname "$0")/../resources/pictures"
+cd "$(dirname "$(readlink -f "$0")")/../resources/pictures"
 
 draw() { # picture, size, suffix of the file's name
     rsvg-convert -w "$2" -h "$2" "$1.svg" -o "$1$3.png"

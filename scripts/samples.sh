@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Exports every sample with the batch program and prints a table of what came of it.
+# Exports every sample with the batch program and prints a table of what came of it: scripts/samples.sh PROGRAM
 set -euo pipefail
 
-batch=$1
+batch=$(realpath "$1")
+cd "$(dirname "$(readlink -f "$0")")/.."
 out=build/samples
 mkdir -p "$out"
 failed=0

@@ -2,7 +2,7 @@
 # Schedules, runs for 200 frames and exports random graphs under the address and undefined-behaviour sanitizers:
 # scripts/soak.sh [GRAPHS [FIRST_SEED]]
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$(readlink -f "$0")")/.."
 
 graphs=${1:-2000}
 first=${2:-1}
@@ -23,12 +23,22 @@ for ((job = 0; job < jobs; ++job)); do
     pids+=($!)
 done
 
+# How far it is, every now and then.
+pause=15
+next=$((SECONDS + pause))
+while [ -n "$(jobs -rp)" ]; do
+    sleep 1
+    [ $SECONDS -ge $next ] || continue
+    next=$((SECONDS + pause))
+    echo "$(cat "$logs"/*.log | grep -c '^seed ' || true) of $graphs graphs begun"
+done
+
 fault=0
 for job in "${!pids[@]}"; do
     if ! wait "${pids[$job]}"; then
         fault=1
         echo "The soak found a fault:" >&2
-        grep -v '^seed ' "$logs/$job.log" | tail -n 60 >&2
+        grep -v '^seed ' "$logs/$job.log" >&2
         echo "The last graph was of $(grep '^seed ' "$logs/$job.log" | tail -n 1)" >&2
     fi
 done
