@@ -77,7 +77,7 @@ TWords FragmentWords(const std::string& instructions)
 int ExitStatusOf(const std::string& arguments)
 {
     const std::string command =
-        std::string(CINDERMILL_BINARY_DIR) + "/bin/shaderassembler " + arguments + " 2>/dev/null";
+        "'" + std::string(CINDERMILL_BINARY_DIR) + "/bin/shaderassembler' " + arguments + " 2>/dev/null";
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
