@@ -75,7 +75,7 @@ void TParticleScene::DrawParticles(TDocument& document, const TSceneView& view)
     if (RunGuarded([&] { engine.Render(view); }, text))
         return;
     SwitchStagesOff();
-    engine.Clear();
+    document.ClearEngine();
     Faults.Add(new TError("%s", text.Print()));
 }
 
