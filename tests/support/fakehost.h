@@ -29,7 +29,19 @@ public:
     void FrameAllNodes(TDocument&) override { Tell("frame"); }
     void UpdateTitles(TDocument& document) override { Tell(document.IsModified() ? "title*" : "title"); }
     void RedrawWindows(TDocument&) override { ++Redraws; }
-    void ScheduleChanged(TDocument&) override { ++Schedules; }
+    void ScheduleChanged(TDocument& document) override
+    {
+        ++Schedules;
+        HasSeenEngine = document.GetEngine().IsInited();
+    }
+    void EngineGoes(TDocument& document) override
+    {
+        ++GoneEngines;
+        // It can still be let go of.
+        EXPECT_TRUE(document.GetEngine().IsInited());
+        EXPECT_TRUE(document.GetSchedule().IsCreated());
+        HasSeenEngine = false;
+    }
     void AddNodeObject(TToolNode*) override { ++NodeObjects; }
     void RemoveNodeObject(TToolNode*) override { --NodeObjects; }
     void AddEdgeObject(TToolEdge*) override { ++EdgeObjects; }
@@ -57,6 +69,9 @@ public:
     TWindow* Window = nullptr;
     int Redraws = 0;
     int Schedules = 0;
+    int GoneEngines = 0;
+    // Whether the windows believe that there is an engine.
+    bool HasSeenEngine = false;
     int NodeObjects = 0;
     int EdgeObjects = 0;
     bool FailsParticleWindow = false;

@@ -13,14 +13,14 @@
 class TSampleDocument
 {
 public:
-    TSampleDocument(TTestApp& app, const std::string& name)
+    TSampleDocument(TTestApp& app, const std::string& name, TDocumentHost* host = nullptr)
     {
         // The application's folder has a texture of a sample's name.
         using std::filesystem::copy_options;
         const auto overwrite = copy_options::overwrite_existing | copy_options::recursive;
         for (const char* folder : {"samples/textures", "samples/animations"})
             std::filesystem::copy(SourcePath(folder), app.Path("resources"), overwrite);
-        Document = std::make_unique<TDocument>(app.Get());
+        Document = std::make_unique<TDocument>(app.Get(), host);
         const TQuiet quiet;
         if (!Document->Load(SourcePath("samples/" + name + ".effect").c_str()) ||
             !Document->GetEngine().IsInited())

@@ -32,6 +32,12 @@ TEffectNode* FindRenderNode(const TEffectSchedule& schedule, int group)
     return nullptr;
 }
 
+// What runs once per effect has no particles to show, and a group may have lost all its nodes to others.
+bool HasTab(const TEffectSchedule& schedule, int group)
+{
+    return !schedule.IsTriggerGroup(group) && schedule.GetNumTiedNodes(group) > 0;
+}
+
 bool AreEqual(const vector<TString>& a, const vector<TString>& b)
 {
     bool equal = a.size() == b.size();
@@ -48,13 +54,24 @@ void GetTabNames(const TEffectSchedule& schedule, vector<TString>& names)
     names.push_back("All");
     if (!schedule.IsCreated())
         return;
-    for (int group = 1; group < schedule.GetNumGroups(); ++group) {
+    for (int group = 0; group < schedule.GetNumGroups(); ++group) {
+        if (!HasTab(schedule, group))
+            continue;
         TString name;
         name.Format("Group %d", group);
         if (const TEffectNode* node = FindRenderNode(schedule, group))
             name = node->GetNodeType()->Name;
         names.push_back(name);
     }
+}
+
+int GetTabGroup(const TEffectSchedule& schedule, int tab)
+{
+    int left = tab;
+    int group = 0;
+    while (group < schedule.GetNumGroups() && (!HasTab(schedule, group) || --left > 0))
+        ++group;
+    return tab > 0 && group < schedule.GetNumGroups() ? group : -1;
 }
 
 TDocGraphHeader::~TDocGraphHeader()
@@ -163,9 +180,10 @@ void TDocGraphHeader::OnTab(int tab)
     }
     const TEffectSchedule* schedule = &DocWindow->GetDocument().GetSchedule();
     ASSERT(schedule->IsCreated());
+    const int group = GetTabGroup(*schedule, tab);
+    ASSERT(group != -1);
     vector<TToolNode*> nodes;
-    for (int i = 0; i < schedule->GetNumTiedNodes(tab); ++i)
-        nodes.push_back(static_cast<TToolNode*>(schedule->GetNode(schedule->GetTiedNode(tab, i))));
-    if (!nodes.empty())
-        DocWindow->GetGraph().Focus(nodes, false);
+    for (int i = 0; i < schedule->GetNumTiedNodes(group); ++i)
+        nodes.push_back(static_cast<TToolNode*>(schedule->GetNode(schedule->GetTiedNode(group, i))));
+    DocWindow->GetGraph().Focus(nodes, false);
 }

@@ -37,5 +37,7 @@ private:
     vector<TString> TabNames;
 };
 
-// One name for each group, the first for all of them.
+// The first tab is that of all nodes, the others are those of the groups of particles.
 void GetTabNames(const TEffectSchedule& schedule, vector<TString>& names);
+// The group of a tab; -1 for the first one, and where there is no such tab.
+int GetTabGroup(const TEffectSchedule& schedule, int tab);

@@ -176,6 +176,9 @@ void TDocumentWindows::ScheduleChanged(TDocument&)
         window->GetHeader().OnGraphChanged();
 }
 
+// The preview asks the document for its engine in every frame.
+void TDocumentWindows::EngineGoes(TDocument&) {}
+
 void TDocumentWindows::AddNodeObject(TToolNode* node)
 {
     Scene->AddNode(node);

@@ -33,6 +33,7 @@ public:
     void UpdateTitles(TDocument& document) override;
     void RedrawWindows(TDocument& document) override;
     void ScheduleChanged(TDocument& document) override;
+    void EngineGoes(TDocument& document) override;
     void AddNodeObject(TToolNode* node) override;
     void RemoveNodeObject(TToolNode* node) override;
     void AddEdgeObject(TToolEdge* edge) override;

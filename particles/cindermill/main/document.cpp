@@ -53,14 +53,15 @@ bool AreSameAttributes(const vector<TGroupAttribute>& a, const vector<TGroupAttr
     return same;
 }
 
-// Whether two schedules agree in all that an engine relies on while it runs.
+// Whether two schedules agree in all that an engine relies on while it runs. What room its particles have it
+// has settled at its start.
 bool HaveSameShape(const TEffectSchedule& a, const TEffectSchedule& b)
 {
     bool same = a.GetNumNodes() == b.GetNumNodes() && a.GetNumGroups() == b.GetNumGroups();
     for (int i = 0; same && i < a.GetNumNodes(); ++i)
         same = a.GetNode(i) == b.GetNode(i) && a.GetNodeUsage(i) == b.GetNodeUsage(i);
     for (int i = 0; same && i < a.GetNumGroups(); ++i)
-        same = a.GetParticleCount(i) == b.GetParticleCount(i) && a.IsTriggerGroup(i) == b.IsTriggerGroup(i) &&
+        same = a.IsTriggerGroup(i) == b.IsTriggerGroup(i) &&
                AreSameTiedNodes(a.GetGroup(i).TiedNodes, b.GetGroup(i).TiedNodes) &&
                AreSameAttributes(a.GetGroup(i).Attributes, b.GetGroup(i).Attributes);
     return same;
@@ -382,13 +383,19 @@ void TDocument::OnGraphChanged(void* data)
 }
 
 // The schedule is built first at load or at first demand; until then a change of the graph has nothing to
-// rebuild. One that is there without an engine has been overtaken by the change.
+// rebuild. One that is there without an engine must not go on naming nodes that the change took out: it
+// follows, and what is wrong with it is told when an engine is asked for.
 void TDocument::OnGraphChanged()
 {
-    if (EffectExecSchedule.IsInited())
+    if (EffectExecSchedule.IsInited()) {
         RebuildSchedule(false);
-    else
-        Schedule = TEffectSchedule();
+        return;
+    }
+    if (!Schedule.IsCreated())
+        return;
+    TErrorList errors;
+    CreateSchedule(errors);
+    TellScheduleChanged();
 }
 
 bool TDocument::ResolveTypes(TErrorList& errors)
@@ -411,27 +418,35 @@ void TDocument::GraphChanged()
         Graph->NotifyChanged();
         return;
     }
-    EffectExecSchedule.Clear();
+    ClearEngine();
     Schedule = TEffectSchedule();
-    DisplayErrors("Schedule errors", errors);
     TellScheduleChanged();
+    DisplayErrors("Schedule errors", errors);
+}
+
+void TDocument::ClearEngine()
+{
+    if (Host != nullptr && EffectExecSchedule.IsInited())
+        Host->EngineGoes(*this);
+    EffectExecSchedule.Clear();
 }
 
 // An engine that runs goes on only if all that it took from the old schedule holds for the new one.
 bool TDocument::CreateSchedule(TErrorList& errors)
 {
-    const TEffectSchedule old = Schedule;
-    const bool created = RunCollecting(errors, [&] { return Schedule.Create(*Graph, errors); });
+    TEffectSchedule fresh;
+    const bool created = RunCollecting(errors, [&] { return fresh.Create(*Graph, errors); });
     if (!created)
-        Schedule = TEffectSchedule();
-    if (!created || !HaveSameShape(old, Schedule))
-        EffectExecSchedule.Clear();
+        fresh = TEffectSchedule();
+    if (!created || !HaveSameShape(Schedule, fresh))
+        ClearEngine();
+    Schedule = fresh;
     return created;
 }
 
 bool TDocument::InitEngine(TErrorList& errors, bool toolMode)
 {
-    EffectExecSchedule.Clear();
+    ClearEngine();
     // What was missing may have come.
     App.GetResourceLocator().ForgetMissing();
     const bool inited =
@@ -443,7 +458,7 @@ bool TDocument::InitEngine(TErrorList& errors, bool toolMode)
 
 bool TDocument::InitEngineWithoutRender(TErrorList& errors)
 {
-    EffectExecSchedule.Clear();
+    ClearEngine();
     const bool inited =
         RunCollecting(errors, [&] { return EffectExecSchedule.InitWithoutRender(Schedule, errors); });
     if (!inited)
@@ -458,13 +473,13 @@ bool TDocument::UpdateEngine(float dt, TErrorList& errors)
         return true;
     });
     if (!updated)
-        EffectExecSchedule.Clear();
+        ClearEngine();
     return updated;
 }
 
 void TDocument::RebuildSchedule(bool suppressDialog)
 {
-    EffectExecSchedule.Clear();
+    ClearEngine();
     const int groups = Schedule.GetNumGroups();
     TErrorList errors;
     if (CreateSchedule(errors))
@@ -476,13 +491,15 @@ void TDocument::RebuildSchedule(bool suppressDialog)
     TellScheduleChanged();
 }
 
-// A schedule whose engine could not be made is tried again: what was missing may have come.
+// Counts and life times stand in the schedule, and no edit of a parameter rebuilds it. An engine that could
+// not be made is tried again: what was missing may have come.
 bool TDocument::EnsureSchedule()
 {
-    if (Schedule.IsCreated() && EffectExecSchedule.IsInited())
-        return true;
     TErrorList errors;
-    const bool ready = CreateSchedule(errors) && InitEngine(errors, true);
+    const bool created = CreateSchedule(errors);
+    if (created && EffectExecSchedule.IsInited())
+        return true;
+    const bool ready = created && InitEngine(errors, true);
     TellScheduleChanged();
     if (!ready)
         DisplayErrors("Schedule errors", errors);
@@ -566,6 +583,7 @@ void TDocument::GetReport(TString& report)
     AddLine(report, "\r\nSchedule:\r\n%s", Dashes);
     TErrorList errors;
     const bool created = CreateSchedule(errors);
+    const bool ready = created && (EffectExecSchedule.IsInited() || InitEngine(errors, true));
     TellScheduleChanged();
     if (!created) {
         AddLine(report, "Graph does not create valid schedule\r\n");
@@ -578,7 +596,6 @@ void TDocument::GetReport(TString& report)
         AddLine(report, "Tied nodes in group %d: %d\r\n", i, Schedule.GetNumTiedNodes(i));
     AddLine(report, "\r\nEfx File:\r\n%s", Dashes);
     int size = 0;
-    const bool ready = EffectExecSchedule.IsInited() || InitEngine(errors, true);
     const bool valid = ready && RunCollecting(errors, [&] {
                            TExportData exportData(Schedule);
                            if (!EffectExecSchedule.Export(exportData, errors))

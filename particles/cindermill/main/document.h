@@ -44,6 +44,8 @@ public:
 
     bool Save();
     bool SaveAs(const char* path);
+    // The schedule of the graph as it stands, and an engine: what an export needs. An engine that runs goes
+    // on where the effect's shape is what it was.
     bool EnsureSchedule();
     bool Export(const char* path);
     // Schedule, engine, model and file in one; what went wrong is collected.
@@ -84,6 +86,8 @@ public:
     // One frame of the preview. A fault clears the engine, so that the preview is empty until the next
     // rebuild.
     bool UpdateEngine(float dt, TErrorList& errors);
+    // The windows let go of the engine's nodes first.
+    void ClearEngine();
     const TEffectSchedule& GetSchedule() const { return Schedule; }
     TEffectExec& GetEngine() { return EffectExecSchedule; }
     // The text of the File Properties dialog. Replaces the live schedule.

@@ -29,8 +29,11 @@ public:
     virtual void FrameAllNodes(TDocument& document) = 0;
     virtual void UpdateTitles(TDocument& document) = 0;
     virtual void RedrawWindows(TDocument& document) = 0;
-    // The schedule was built anew or has gone: traces and group tabs follow.
+    // The schedule was built anew or has gone, or an engine has come: traces and group tabs follow.
     virtual void ScheduleChanged(TDocument& document) = 0;
+    // The engine is about to be deleted: who holds nodes or traces of it lets go of them now. May come while
+    // a window is painted.
+    virtual void EngineGoes(TDocument& document) = 0;
     virtual void AddNodeObject(TToolNode* node) = 0;
     virtual void RemoveNodeObject(TToolNode* node) = 0;
     virtual void AddEdgeObject(TToolEdge* edge) = 0;

@@ -68,14 +68,16 @@ void TParticleScene::Draw(TDocument& document, const TSceneView& view)
 void TParticleScene::DrawParticles(TDocument& document, const TSceneView& view)
 {
     TEffectExec& engine = document.GetEngine();
-    // A node that waits for its file must not be thrown away for a fault.
-    if (!engine.IsInited() || TCindermillApp::Get().GetResourceLocator().IsAsking())
+    if (!engine.IsInited())
         return;
     TString text;
     if (RunGuarded([&] { engine.Render(view); }, text))
         return;
     SwitchStagesOff();
-    engine.Clear();
+    // A node that waits for its file must not be thrown away: what is wrong will show in a later frame, too.
+    if (TCindermillApp::Get().GetResourceLocator().IsAsking())
+        return;
+    document.ClearEngine();
     Faults.Add(new TError("%s", text.Print()));
 }
 

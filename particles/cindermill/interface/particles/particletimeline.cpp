@@ -6,6 +6,9 @@
 static TWindowClass TimelineClass("cindermill_particlewindow_timeline");
 static constexpr TGDIColour TimelineBackground = 0xF0F0F0;
 
+// True of an effect that was never started, and of one whose faults have stopped it.
+static constexpr const char* HintText = "Not running. Update starts the effect, or lists what it lacks.";
+
 bool TParticleTimeline::Create(TWindow* owner, TDocument& document)
 {
     if (!TimelineClass.IsRegistered())
@@ -27,7 +30,7 @@ bool TParticleTimeline::CreateControls()
     if (!UpdateButton.Create(this, ID_UPDATE, "Update", "update") ||
         !TimeLabel.Create(this, "Time:", "timelabel") || !TimeField.Create(this, ID_TIME, "time", true) ||
         !StepButton.Create(this, ID_STEP, "", "step") || !PauseButton.Create(this, ID_PAUSE, "", "pause") ||
-        !PlayButton.Create(this, ID_PLAY, "", "play"))
+        !PlayButton.Create(this, ID_PLAY, "", "play") || !Hint.Create(this, "", "hint"))
         return false;
     StepButton.SetIcon(PI_STEP, "Step");
     PauseButton.SetIcon(PI_PAUSE, "Pause");
@@ -49,11 +52,17 @@ void TParticleTimeline::Layout()
     };
     const TPlace places[] = {{&UpdateButton, 80, 12}, {&TimeLabel, 38, 2},   {&TimeField, 72, 12},
                              {&StepButton, 28, 2},    {&PauseButton, 28, 2}, {&PlayButton, 28, 0}};
+    int width = 0;
+    int stripHeight = 0;
+    GetSize(width, stripHeight);
     int x = margin;
     for (const TPlace& place : places) {
         place.Control->MoveTo(x, margin, place.Width, height);
         x += place.Width + place.Gap;
     }
+    constexpr int hintGap = 16;
+    x += hintGap;
+    Hint.MoveTo(x, margin, width > x + margin ? width - margin - x : 0, height);
 }
 
 void TParticleTimeline::Tick()
@@ -61,6 +70,7 @@ void TParticleTimeline::Tick()
     if (Clock.IsRunning())
         ShowTime();
     Clock.Tick(GetTickCount());
+    ShowHint();
 }
 
 void TParticleTimeline::ShowTime()
@@ -68,6 +78,15 @@ void TParticleTimeline::ShowTime()
     TString text;
     Clock.GetTimeText(text);
     TimeField.SetText(text);
+}
+
+void TParticleTimeline::ShowHint()
+{
+    const bool wanted = !Clock.HasEffect();
+    if (wanted == IsHintShown)
+        return;
+    IsHintShown = wanted;
+    Hint.SetText(wanted ? HintText : "");
 }
 
 bool TParticleTimeline::OnMessage(const TMessage& message)
@@ -102,4 +121,5 @@ void TParticleTimeline::OnCommand(TWimpControl* control, intptr_t argument, int 
         break;
     }
     PauseButton.SetPressed(Clock.IsPaused());
+    ShowHint();
 }

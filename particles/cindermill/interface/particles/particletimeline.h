@@ -35,6 +35,8 @@ private:
     bool CreateControls();
     void Layout();
     void ShowTime();
+    // What to do about a preview without an effect stands beside the controls, as long as it is one.
+    void ShowHint();
 
     TButton UpdateButton;
     TLabel TimeLabel;
@@ -42,5 +44,7 @@ private:
     TButton StepButton;
     TButton PauseButton;
     TButton PlayButton;
+    TLabel Hint;
+    bool IsHintShown = false;
     TPreviewClock Clock;
 };

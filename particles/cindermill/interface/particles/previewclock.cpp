@@ -26,12 +26,17 @@ void TPreviewClock::Update()
 bool TPreviewClock::Step()
 {
     Paused = true;
-    return Doc->GetEngine().IsInited() && Run(SingleStep);
+    return HasEffect() && Run(SingleStep);
+}
+
+bool TPreviewClock::HasEffect() const
+{
+    return Doc->GetEngine().IsInited();
 }
 
 bool TPreviewClock::IsRunning() const
 {
-    return Doc->GetEngine().IsInited() && !Paused;
+    return HasEffect() && !Paused;
 }
 
 float TPreviewClock::GetTime() const

@@ -26,6 +26,8 @@ public:
     // Pauses, and runs the engine by one step. True if it was run.
     bool Step();
     bool IsPaused() const { return Paused; }
+    // Whether there is an effect to show, moving or not.
+    bool HasEffect() const;
     // Whether there is an effect that moves.
     bool IsRunning() const;
     float GetTime() const;

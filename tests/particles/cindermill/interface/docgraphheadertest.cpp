@@ -1,5 +1,8 @@
 #include "docwindowfixture.h"
 
+#include "particles/cindermill/main/document.h"
+#include "particles/effectgraph/simpleparameters.h"
+
 namespace {
 
 class DocGraphHeader : public DocWindows
@@ -11,6 +14,24 @@ protected:
         int right = 0;
         header.GetTabEdges(tab, left, right);
         return QPoint((left + right) / 2, 10);
+    }
+    // Shows the nodes of a group, and nothing but them need be in sight.
+    static void ExpectShown(TDocument& document, TGraphWindow& graph, int group)
+    {
+        int width = 0;
+        int height = 0;
+        graph.GetSize(width, height);
+        const TVector2 min = graph.PixelToWorld(0, 0);
+        const TVector2 max = graph.PixelToWorld(width, height);
+        const TEffectSchedule& schedule = document.GetSchedule();
+        ASSERT_GT(schedule.GetNumTiedNodes(group), 0);
+        for (int i = 0; i < schedule.GetNumTiedNodes(group); ++i) {
+            const TToolNode* node = static_cast<TToolNode*>(schedule.GetNode(schedule.GetTiedNode(group, i)));
+            EXPECT_GT(node->GetX(), min[0]);
+            EXPECT_LT(node->GetX(), max[0]);
+            EXPECT_GT(node->GetY(), min[1]);
+            EXPECT_LT(node->GetY(), max[1]);
+        }
     }
     static void Click(TDocGraphHeader& header, const QPoint& at)
     {
@@ -71,19 +92,66 @@ TEST_F(DocGraphHeader, AnotherTabShowsTheNodesOfItsGroup)
     TDocGraphHeader& header = ViewOf(*document).GetHeader();
     SetView(graph, 5000, 5000, 1);
     Click(header, TabOf(header, 1));
-    int width = 0;
-    int height = 0;
-    graph.GetSize(width, height);
-    const TVector2 min = graph.PixelToWorld(0, 0);
-    const TVector2 max = graph.PixelToWorld(width, height);
-    const TEffectSchedule& schedule = document->GetSchedule();
-    for (int i = 0; i < schedule.GetNumTiedNodes(1); ++i) {
-        const TToolNode* node = static_cast<TToolNode*>(schedule.GetNode(schedule.GetTiedNode(1, i)));
-        EXPECT_GT(node->GetX(), min[0]);
-        EXPECT_LT(node->GetX(), max[0]);
-        EXPECT_GT(node->GetY(), min[1]);
-        EXPECT_LT(node->GetY(), max[1]);
+    ExpectShown(*document, graph, 1);
+}
+
+TEST_F(DocGraphHeader, TheOnlyGroupKeepsItsTabWhenTheTriggerIsDeleted)
+{
+    TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(document, nullptr);
+    TDocGraphHeader& header = ViewOf(*document).GetHeader();
+    ASSERT_EQ(header.GetTabNames().size(), 2);
+    const std::string name = Text(header.GetTabNames()[1]);
+    vector<TToolNode*> triggers;
+    for (int i = 0; i < document->GetGraph()->GetNumNodes(); ++i) {
+        TToolNode* node = static_cast<TToolNode*>(document->GetGraph()->GetNode(i));
+        if (node->GetNodeType()->Category == TU_TRIGGER)
+            triggers.push_back(node);
     }
+    document->ApplyOperation(new TDeleteGraphNodeOp(triggers));
+    ASSERT_TRUE(document->GetSchedule().IsCreated());
+    ASSERT_FALSE(document->GetSchedule().IsTriggerGroup(0));
+    ASSERT_EQ(header.GetTabNames().size(), 2);
+    EXPECT_EQ(Text(header.GetTabNames()[1]), name);
+    TGraphWindow& graph = GraphOf(*document);
+    SetView(graph, 5000, 5000, 1);
+    Click(header, TabOf(header, 1));
+    ExpectShown(*document, graph, 0);
+}
+
+TEST_F(DocGraphHeader, TheGroupsHaveTheirTabsThoughATextureIsMissing)
+{
+    // Nothing is searched for.
+    App.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+    App.Get().GetResourceLocator().ReadSettings();
+    const std::string path = App.Path("missing.effect");
+    {
+        TDocument whole(App.Get());
+        ASSERT_TRUE(whole.BatchLoad(SourcePath("samples/fountain.effect").c_str()));
+        for (int i = 0; i < whole.GetGraph()->GetNumNodes(); ++i) {
+            auto* texture =
+                whole.GetGraph()->GetNode(i)->GetNodeType()->FindParameterOf<TNodeTextureParameter>(
+                    "Texture", PK_TEXTURE);
+            if (texture != nullptr)
+                texture->SetValue("nowhere.dds");
+        }
+        ASSERT_TRUE(whole.SaveAs(path.c_str()));
+    }
+    TDocument* document = LoadDocument(path);
+    ASSERT_NE(document, nullptr);
+    ASSERT_FALSE(document->GetEngine().IsInited());
+    TDocGraphHeader& header = ViewOf(*document).GetHeader();
+    ASSERT_EQ(header.GetTabNames().size(), 2);
+    TGraphWindow& graph = GraphOf(*document);
+    SetView(graph, 5000, 5000, 1);
+    Click(header, TabOf(header, 1));
+    ExpectShown(*document, graph, 1);
+    // Without an engine they go on following the graph.
+    vector<TToolNode*> all;
+    for (int i = 0; i < document->GetGraph()->GetNumNodes(); ++i)
+        all.push_back(static_cast<TToolNode*>(document->GetGraph()->GetNode(i)));
+    document->ApplyOperation(new TDeleteGraphNodeOp(all));
+    EXPECT_EQ(header.GetTabNames().size(), 1);
 }
 
 TEST_F(DocGraphHeader, ADocumentWithoutAScheduleHasTheTabOfAllNodes)

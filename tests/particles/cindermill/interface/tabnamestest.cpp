@@ -1,5 +1,9 @@
 #include "support/testapp.h"
 
+#include "support/sampledocument.h"
+
+#include "particles/cindermill/graph/graphoperations.h"
+#include "particles/cindermill/graph/toolnode.h"
 #include "particles/cindermill/interface/docgraphheader.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/error.h"
@@ -47,4 +51,39 @@ TEST(TabNames, AGroupIsNamedAfterItsFirstRenderStage)
     }
     EXPECT_EQ(TabsOf(schedule), expected);
     EXPECT_EQ(expected.find("Group"), std::string::npos);
+}
+
+// The group without particles is at the front only as long as a trigger is.
+TEST(TabNames, TheGroupsKeepTheirTabsWhenTheTriggersGo)
+{
+    int moved = 0;
+    for (const std::string& name : GetSampleNames()) {
+        SCOPED_TRACE(name);
+        TTestApp app;
+        const TQuiet quiet;
+        TSampleDocument sample(app, name);
+        const std::string before = TabsOf(sample->GetSchedule());
+        vector<TToolNode*> triggers;
+        for (int i = 0; i < sample->GetGraph()->GetNumNodes(); ++i) {
+            TToolNode* node = static_cast<TToolNode*>(sample->GetGraph()->GetNode(i));
+            if (node->GetNodeType()->Category == TU_TRIGGER)
+                triggers.push_back(node);
+        }
+        ASSERT_FALSE(triggers.empty());
+        sample->ApplyOperation(new TDeleteGraphNodeOp(triggers));
+        const TEffectSchedule& schedule = sample->GetSchedule();
+        if (!schedule.IsCreated())
+            continue;
+        moved += schedule.IsTriggerGroup(0) ? 0 : 1;
+        int tab = 0;
+        for (int group = 0; group < schedule.GetNumGroups(); ++group) {
+            if (schedule.IsTriggerGroup(group) || schedule.GetNumTiedNodes(group) == 0)
+                continue;
+            EXPECT_EQ(GetTabGroup(schedule, ++tab), group);
+        }
+        EXPECT_EQ(TabsOf(schedule), before);
+        EXPECT_EQ(GetTabGroup(schedule, 0), -1);
+        EXPECT_EQ(GetTabGroup(schedule, tab + 1), -1);
+    }
+    EXPECT_GT(moved, 0);
 }

@@ -593,6 +593,54 @@ TEST_F(Document, AScheduleThatFailsAtLoadShowsNoDialogAndAfterAnEditItDoes)
     EXPECT_TRUE(good.GetEngine().IsInited());
 }
 
+TEST_F(Document, AScheduleStandsThoughTheTextureIsMissingAndFollowsTheGraph)
+{
+    std::string path;
+    {
+        TDocument document(App.Get());
+        document.New();
+        BuildEffect(document);
+        SetTexture(document, Quads, "later.dds");
+        path = Path("missing.effect");
+        ASSERT_TRUE(document.SaveAs(path.c_str()));
+    }
+    // No search of the whole disc.
+    App.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+    App.Get().GetResourceLocator().ReadSettings();
+    TFakeHost host;
+    TDocument document(App.Get(), &host);
+    ASSERT_TRUE(document.Load(path.c_str()));
+    EXPECT_FALSE(document.GetEngine().IsInited());
+    ASSERT_TRUE(document.GetSchedule().IsCreated());
+    EXPECT_EQ(document.GetSchedule().GetNumGroups(), 2);
+    EXPECT_EQ(document.GetSchedule().GetNumNodes(), 3);
+    EXPECT_TRUE(TForms::Get().Errors.empty());
+    // An edit that takes nodes out: the schedule must not go on naming them, and still nothing is shown.
+    host.Schedules = 0;
+    TToolNode* emitter = static_cast<TToolNode*>(document.GetGraph()->GetNode(0));
+    Connect(document, emitter, "Time", Add(document, "Event Trigger"), "Trigger");
+    EXPECT_EQ(document.GetSchedule().GetNumNodes(), 4);
+    EXPECT_EQ(host.Schedules, 1);
+    vector<TToolNode*> nodes;
+    nodes.push_back(static_cast<TToolNode*>(document.GetGraph()->GetNode(3)));
+    document.ApplyOperation(new TDeleteGraphNodeOp(nodes));
+    EXPECT_EQ(document.GetSchedule().GetNumNodes(), 3);
+    while (document.CanUndo())
+        document.Undo();
+    EXPECT_FALSE(document.GetSchedule().IsCreated());
+    EXPECT_EQ(document.GetSchedule().GetNumNodes(), 0);
+    EXPECT_FALSE(document.GetEngine().IsInited());
+    EXPECT_TRUE(TForms::Get().Errors.empty());
+    while (document.CanRedo())
+        document.Redo();
+    // A schedule is no engine: it is tried again.
+    EXPECT_FALSE(document.EnsureSchedule());
+    EXPECT_FALSE(document.Export(Path("out.efx").c_str()));
+    std::filesystem::copy_file(Path("resources/spark.dds"), Path("resources/later.dds"));
+    EXPECT_TRUE(document.EnsureSchedule());
+    EXPECT_TRUE(document.Export(Path("out.efx").c_str()));
+}
+
 TEST_F(Document, EnsureScheduleShowsWhatIsWrong)
 {
     TDocument document(App.Get());
@@ -710,6 +758,87 @@ TEST_F(Document, AFailedAssertionInTheEngineClearsIt)
     TFaultyNode::FailsIn = 0;
     document.RebuildSchedule(false);
     EXPECT_TRUE(document.GetEngine().IsInited());
+}
+
+// The host sees to it that the engine still stands when it is told that it goes.
+TEST_F(Document, TheWindowsHearOfTheEngineWheneverItGoesOrComes)
+{
+    const TFaulty faulty(App);
+    TFakeHost host;
+    TDocument document(App.Get(), &host);
+    document.New();
+    BuildEffect(document);
+    Add(document, *faulty.Type);
+    int gone = 0;
+    const auto expectGone = [&](const char* when) {
+        EXPECT_EQ(host.GoneEngines, ++gone) << when;
+        EXPECT_EQ(host.HasSeenEngine, document.GetEngine().IsInited()) << when;
+    };
+    const auto expectSeen = [&](const char* when) {
+        EXPECT_EQ(host.GoneEngines, gone) << when;
+        EXPECT_TRUE(document.GetEngine().IsInited()) << when;
+        EXPECT_TRUE(host.HasSeenEngine) << when;
+    };
+    ASSERT_TRUE(document.EnsureSchedule());
+    expectSeen("first demand");
+    document.RebuildSchedule(true);
+    expectGone("update");
+    expectSeen("update");
+
+    TErrorList errors;
+    TFaultyNode::FailsIn = 'x';
+    EXPECT_FALSE(document.UpdateEngine(0.02f, errors));
+    expectGone("a fault in a frame");
+    EXPECT_FALSE(host.HasSeenEngine);
+    TFaultyNode::FailsIn = 0;
+    TString report;
+    document.GetReport(report);
+    expectSeen("the report starts an engine");
+    Add(document, "Wind");
+    document.GetReport(report);
+    expectGone("the report has a node more");
+    expectSeen("the report has a node more");
+    document.GetReport(report);
+    expectSeen("the report leaves the engine alone");
+
+    TFaultyNode::FailsIn = 'i';
+    document.RebuildSchedule(true);
+    expectGone("no engine after an update");
+    EXPECT_FALSE(host.HasSeenEngine);
+    // There is none that could go.
+    document.RebuildSchedule(true);
+    EXPECT_EQ(host.GoneEngines, gone);
+    TFaultyNode::FailsIn = 0;
+    ASSERT_TRUE(document.EnsureSchedule());
+    expectSeen("mended");
+
+    const std::unique_ptr<TNodeType> lost(App.Type("Random Value").Clone());
+    lost->GetInput(0)->Name = "Lost";
+    TToolNode* random = Add(document, *lost);
+    TToolNode* wind = Add(document, "Wind");
+    const int schedules = host.Schedules;
+    Connect(document, random, "Value", wind, "Strength");
+    expectGone("types that cannot be settled");
+    EXPECT_FALSE(host.HasSeenEngine);
+    EXPECT_GT(host.Schedules, schedules) << "the schedule has gone, too";
+}
+
+TEST_F(Document, TheWindowsHearThatAScheduleWithoutAnEngineHasGone)
+{
+    TFakeHost host;
+    TDocument document(App.Get(), &host);
+    document.New();
+    BuildEffect(document);
+    SetTexture(document, Quads, "");
+    EXPECT_FALSE(document.EnsureSchedule());
+    ASSERT_TRUE(document.GetSchedule().IsCreated());
+    const int schedules = host.Schedules;
+    vector<TToolNode*> nodes;
+    nodes.push_back(Points);
+    document.ApplyOperation(new TDeleteGraphNodeOp(nodes));
+    EXPECT_FALSE(document.GetSchedule().IsCreated());
+    EXPECT_EQ(host.Schedules, schedules + 1);
+    EXPECT_EQ(host.GoneEngines, 0);
 }
 
 TEST_F(Document, AFailedAssertionInTheExportLeavesNoFileAndTheOldOne)

@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/particles/particlescene.h"
 
+#include "support/fakehost.h"
 #include "support/gltest.h"
 #include "support/sampledocument.h"
 
@@ -8,8 +9,12 @@
 #include "particles/cindermill/graph/effectexecnode.h"
 #include "particles/cindermill/interface/particles/displays.h"
 #include "particles/cindermill/main/displayerrors.h"
+#include "particles/cindermill/main/resourcehost.h"
+#include "particles/effectgraph/simpleparameters.h"
 
 #include <GL/glew.h>
+
+#include <functional>
 
 namespace {
 
@@ -154,27 +159,41 @@ std::vector<std::string>& ShownErrors()
     return shown;
 }
 
-TEST_F(ParticleScene, AFailedAssertionWhileDrawingEmptiesThePreviewAndIsShown)
+void TakeErrors()
 {
-    RegisterExecNode<TFailingStage>("TFailingStage");
     ShownErrors().clear();
     SetDisplayErrors([](const char* title, const TErrorList& errors) {
         TString text;
         (*errors.begin())->GetText(text);
         ShownErrors().push_back(std::string(title) + "|" + Text(text));
     });
-    TSampleDocument sample(App, "fountain");
-    for (int i = 0; i < sample->GetGraph()->GetNumNodes(); ++i) {
-        TNodeType* type = sample->GetGraph()->GetNode(i)->GetNodeType();
+}
+
+void LetStagesFail(TDocument& document)
+{
+    static const int id = RegisterExecNode<TFailingStage>("TFailingStage");
+    ASSERT_NE(id, -1);
+    for (int i = 0; i < document.GetGraph()->GetNumNodes(); ++i) {
+        TNodeType* type = document.GetGraph()->GetNode(i)->GetNodeType();
         if (type->Category == TU_RENDER)
             type->ClassName = "TFailingStage";
     }
-    {
-        const TQuiet quiet;
-        sample->RebuildSchedule(true);
-    }
-    ASSERT_TRUE(sample->GetEngine().IsInited());
+    const TQuiet quiet;
+    document.RebuildSchedule(true);
+    ASSERT_TRUE(document.GetEngine().IsInited());
+}
+
+TEST_F(ParticleScene, AFailedAssertionWhileDrawingEmptiesThePreviewAndIsShown)
+{
+    TakeErrors();
+    TFakeHost host;
+    TSampleDocument sample(App, "fountain", &host);
+    LetStagesFail(*sample);
+    const int gone = host.GoneEngines;
     const TPicture picture = Draw(*sample);
+    // Whoever holds on to the engine's nodes was told in time.
+    EXPECT_EQ(host.GoneEngines, gone + 1);
+    EXPECT_FALSE(host.HasSeenEngine);
     // The window that is being painted is left in peace.
     EXPECT_TRUE(ShownErrors().empty());
     EXPECT_FALSE(sample->GetEngine().IsInited());
@@ -185,6 +204,88 @@ TEST_F(ParticleScene, AFailedAssertionWhileDrawingEmptiesThePreviewAndIsShown)
     Draw(*sample);
     Scene.Tick(*sample);
     EXPECT_EQ(ShownErrors().size(), 1u);
+    SetDisplayErrors(nullptr);
+}
+
+// Does something while a file is asked for, and then gives none.
+class TAskedHost : public TResourceHost
+{
+public:
+    explicit TAskedHost(TTestApp& app) : Locator(app.Get().GetResourceLocator())
+    {
+        app.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+        Locator.Init(app.Path("program").c_str(), false);
+        Locator.SetHost(this);
+    }
+    ~TAskedHost() override { Locator.SetHost(nullptr); }
+    TAskedHost(const TAskedHost&) = delete;
+    TAskedHost& operator=(const TAskedHost&) = delete;
+
+    void BeginSearch() override {}
+    void EndSearch() override {}
+    void ShowSearch(const char*) override {}
+    void ListDirectories(const vector<TString>&) override {}
+    TSearchAnswer Step() override { return SA_STOP; }
+    bool ChooseResource(const char*, const vector<TPathFilter>&, TString&) override
+    {
+        ++Asked;
+        Work();
+        return false;
+    }
+
+    std::function<void()> Work;
+    int Asked = 0;
+
+private:
+    TResourceLocator& Locator;
+};
+
+TEST_F(ParticleScene, ParticlesStayInSightWhileAFileIsAskedFor)
+{
+    TSampleDocument waiting(App, "fountain");
+    TSampleDocument other(App, "campfire");
+    waiting.Run(1);
+    other.Run(1);
+    TPicture before[2] = {Draw(*waiting), Draw(*other)};
+    const auto expectSame = [&] {
+        TPicture now[2] = {Draw(*waiting), Draw(*other)};
+        for (int i = 0; i < 2; ++i)
+            EXPECT_EQ(memcmp(now[i].GetBytes(), before[i].GetBytes(), CanvasSize * CanvasSize * 4), 0) << i;
+    };
+    expectSame();
+    TAskedHost host(App);
+    host.Work = expectSame;
+    for (int i = 0; i < waiting->GetGraph()->GetNumNodes(); ++i) {
+        auto* texture =
+            waiting->GetGraph()->GetNode(i)->GetNodeType()->FindParameterOf<TNodeTextureParameter>(
+                "Texture", PK_TEXTURE);
+        if (texture != nullptr)
+            texture->SetValue("nowhere.dds");
+    }
+    EXPECT_EQ(host.Asked, 1);
+    EXPECT_TRUE(waiting->GetEngine().IsInited());
+}
+
+TEST_F(ParticleScene, NoEngineIsThrownAwayWhileAFileIsAskedFor)
+{
+    TakeErrors();
+    TSampleDocument sample(App, "fountain");
+    LetStagesFail(*sample);
+    TAskedHost host(App);
+    host.Work = [&] {
+        const TPicture picture = Draw(*sample);
+        EXPECT_TRUE(Has(picture, 0.9f, 0, Black));
+        EXPECT_TRUE(sample->GetEngine().IsInited());
+    };
+    TString path;
+    EXPECT_EQ(App.Get().GetResourceLocator().Find("nowhere.dds", path), FR_NOTFOUND);
+    EXPECT_EQ(host.Asked, 1);
+    Scene.Tick(*sample);
+    EXPECT_TRUE(ShownErrors().empty());
+    Draw(*sample);
+    EXPECT_FALSE(sample->GetEngine().IsInited());
+    Scene.Tick(*sample);
+    EXPECT_EQ(ShownErrors(), std::vector<std::string>{"Schedule errors|drawing fails"});
     SetDisplayErrors(nullptr);
 }
 

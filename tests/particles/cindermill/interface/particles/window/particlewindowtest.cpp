@@ -150,6 +150,41 @@ TEST_F(ParticleWindow, UpdateRestartsTheEffect)
     EXPECT_TRUE(Sample->GetEngine().IsInited());
 }
 
+TEST_F(ParticleWindow, AnEffectThatDoesNotRunTellsWhatToDoAboutIt)
+{
+    const char* const hint = "Not running. Update starts the effect, or lists what it lacks.";
+    const auto shown = [this] { return Find<QLabel>("hint")->text().toStdString(); };
+    EXPECT_EQ(shown(), "") << "nothing is known before the first idle pass";
+    Tick(20);
+    EXPECT_EQ(shown(), "");
+    Click("pause");
+    Tick(20);
+    EXPECT_EQ(shown(), "") << "a paused effect is there";
+    Sample->ClearEngine();
+    Tick(20);
+    EXPECT_EQ(shown(), hint);
+    Click("step");
+    EXPECT_EQ(shown(), hint);
+    const TQuiet quiet;
+    Click("update");
+    EXPECT_EQ(shown(), "");
+
+    TDocument fresh(App.Get());
+    ASSERT_TRUE(fresh.New());
+    TParticleWindow empty;
+    ASSERT_TRUE(empty.Create(fresh));
+    empty.Show();
+    empty.Tick();
+    Settle();
+    const QLabel* label = empty.GetHandle()->findChild<QLabel*>("hint");
+    EXPECT_EQ(label->text().toStdString(), hint);
+    // All of it can be read, beside the controls.
+    EXPECT_GE(label->width(), label->sizeHint().width());
+    EXPECT_GE(label->geometry().left(), Find<QPushButton>("play")->geometry().right());
+    EXPECT_LE(label->geometry().right(), 800);
+    empty.Destroy();
+}
+
 TEST_F(ParticleWindow, TheSettingsChooseTheCamera)
 {
     const auto kind = [this] {
