@@ -1,5 +1,6 @@
 #include "particles/effectgraph/exportbuilder.h"
 
+#include "library/containers/log.h"
 #include "particles/effectgraph/error.h"
 #include "particles/effectgraph/exportfield.h"
 #include "particles/effectgraph/nametocrc.h"
