@@ -2,18 +2,17 @@
 
 #include "particles/effectgraph/exportfield.h"
 #include "particles/effectgraph/nametocrc.h"
-
-#include <bit>
+#include "particles/effectgraph/roundup.h"
 
 namespace {
 // In a command word: the command has no parameter record.
 constexpr int NoExecuteParam = 255;
 constexpr uint32_t WorkspaceAlignment = 16;
-constexpr int RowsPerWord = 4;
+constexpr int BytesPerWord = 4;
 
 int WordsFor(int bytes)
 {
-    return (bytes + 3) / 4;
+    return RoundUp(bytes, BytesPerWord) / BytesPerWord;
 }
 
 // Bytes in file order, the last word filled with zeros. The words go out big-endian, so the first byte is the
@@ -34,44 +33,12 @@ uint32_t RowOrZero(const vector<uint32_t>& rows, int i)
     return i < rows.size() ? rows[i] : 0;
 }
 
-void AppendRows(vector<uint32_t>& rows, int& remain, const uint32_t (&quad)[RowsPerWord])
+void AppendRows(vector<uint32_t>& rows, int& remain, const uint32_t (&quad)[RowsPerQuad])
 {
-    for (int i = 0; i < RowsPerWord && remain > 0; ++i, --remain)
+    for (int i = 0; i < RowsPerQuad && remain > 0; ++i, --remain)
         rows.push_back(quad[i]);
 }
 } // namespace
-
-void AppendU8(TDataBlock& block, uint32_t value)
-{
-    block.push_back(static_cast<uint8_t>(value));
-}
-
-void AppendU16(TDataBlock& block, uint32_t value)
-{
-    AppendU8(block, value >> 8);
-    AppendU8(block, value);
-}
-
-void AppendU32(TDataBlock& block, uint32_t value)
-{
-    AppendU16(block, value >> 16);
-    AppendU16(block, value);
-}
-
-void AppendFloat(TDataBlock& block, float value)
-{
-    AppendU32(block, std::bit_cast<uint32_t>(value));
-}
-
-int TCommandTable::IndexOf(uint32_t id)
-{
-    int index = Ids.index_of(id);
-    if (index == -1) {
-        index = ToByteField(Ids.size(), "command index");
-        Ids.push_back(id);
-    }
-    return index;
-}
 
 void TCommandStream::AddData(const void* data, int size)
 {
@@ -81,11 +48,7 @@ void TCommandStream::AddData(const void* data, int size)
     ASSERT_TEXT(Commands.empty() || Commands.back().Name != 0,
                 "Commands.empty() || Commands.back().Name != 0");
     Commands.push_back(TCommand());
-    TDataBlock& block = Commands.back().Data;
-    const uint8_t* bytes = static_cast<const uint8_t*>(data);
-    block.reserve(size);
-    for (int i = 0; i < size; ++i)
-        block.push_back(bytes[i]);
+    AppendBytes(Commands.back().Data, data, size);
 }
 
 void TCommandStream::AddPatch(const TCommandPatch& patch)
@@ -126,13 +89,13 @@ void TCommandStream::AddOutputs(uint32_t r0, uint32_t r1, uint32_t r2, uint32_t 
 
 void TCommandStream::AddInputRows(const vector<uint32_t>& rows)
 {
-    for (int i = 0; i < rows.size(); i += RowsPerWord)
+    for (int i = 0; i < rows.size(); i += RowsPerQuad)
         AddInputs(rows[i], RowOrZero(rows, i + 1), RowOrZero(rows, i + 2), RowOrZero(rows, i + 3));
 }
 
 void TCommandStream::AddOutputRows(const vector<uint32_t>& rows)
 {
-    for (int i = 0; i < rows.size(); i += RowsPerWord)
+    for (int i = 0; i < rows.size(); i += RowsPerQuad)
         AddOutputs(rows[i], RowOrZero(rows, i + 1), RowOrZero(rows, i + 2), RowOrZero(rows, i + 3));
 }
 
@@ -145,7 +108,7 @@ void TCommandStream::AddConstants(const vector<float>& values, const vector<uint
             AppendFloat(block, values[i]);
             outputs.push_back(rows[i]);
         }
-        AddData(block.data(), block.size());
+        AddData(block);
         AddCommand(NameToCrc("IdConstantEmitter"), 0, outputs.size(), 0);
         AddOutputRows(outputs);
     }
@@ -173,7 +136,7 @@ void TCommandStream::Serialise(TCommandTable& table, bool isExecute)
         int param = NoExecuteParam;
         if (isExecute) {
             param = AddExecuteParam(command, index, workspace);
-            workspace += (command.Workspace + WorkspaceAlignment - 1) & ~(WorkspaceAlignment - 1);
+            workspace += RoundUp(command.Workspace, WorkspaceAlignment);
         }
         LocatePatches(command);
         PutCommand(command, index, param);

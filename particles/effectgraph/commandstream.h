@@ -1,9 +1,8 @@
 #pragma once
 
 #include "library/containers/sortedmap.h"
-#include "library/containers/vector.h"
-
-#include <cstdint>
+#include "particles/effectgraph/commandtable.h"
+#include "particles/effectgraph/datablock.h"
 
 // Rows are named by number while commands are collected: attribute rows from 0, group constants from
 // RowConstant, temporaries from RowTemp; RowTemp itself is the dump row, which is never read.
@@ -13,15 +12,8 @@ constexpr uint32_t RowDump = RowTemp;
 
 // The most rows that one command may read or write.
 constexpr int ZVPARTICLE_MAX_INPUTS_OR_OUTPUTS = 32;
-
-// The bytes of a parameter block, in the console's order.
-using TDataBlock = vector<uint8_t>;
-
-// Appends numbers to a block in the console's byte order.
-void AppendU8(TDataBlock& block, uint32_t value);
-void AppendU16(TDataBlock& block, uint32_t value);
-void AppendU32(TDataBlock& block, uint32_t value);
-void AppendFloat(TDataBlock& block, float value);
+// Commands are told their rows, and the particle record is moved, in fours.
+constexpr int RowsPerQuad = 4;
 
 // A place in a command's data that the run time fills in.
 struct TCommandPatch
@@ -40,19 +32,6 @@ struct TCommand
     vector<TCommandPatch> Patches;
     vector<uint32_t> Inputs;
     vector<uint32_t> Outputs;
-};
-
-// The ids of all commands that an export uses, and where in the streams their indices stand.
-class TCommandTable
-{
-public:
-    // The position of the id, appended if it is new. An index lives in one byte.
-    int IndexOf(uint32_t id);
-    int GetNumIds() const { return Ids.size(); }
-    uint32_t GetId(int index) const { return Ids[index]; }
-
-private:
-    vector<uint32_t> Ids;
 };
 
 // One record of an Execute stream's parameter table.
@@ -77,6 +56,7 @@ class TCommandStream
 {
 public:
     // Opens a record with a copy of the block.
+    void AddData(const TDataBlock& block) { AddData(block.data(), block.size()); }
     void AddData(const void* data, int size);
     void AddPatch(const TCommandPatch& patch);
     // Names the record that AddData opened, or opens one. The rows must follow.

@@ -2,6 +2,7 @@
 
 #include "library/system/file.h"
 #include "particles/effectgraph/commandstream.h"
+#include "particles/effectgraph/roundup.h"
 
 #include <bit>
 
@@ -34,11 +35,6 @@ constexpr uint32_t FieldEvents = 36;
 constexpr uint32_t FieldEmissionTransforms = 40;
 constexpr uint32_t FieldProcessTransforms = 44;
 constexpr uint32_t FieldBounds = 48;
-
-uint64_t RoundUp(uint64_t value, uint64_t to)
-{
-    return (value + to - 1) / to * to;
-}
 
 uint32_t WordAt(const vector<uint8_t>& bytes, uint32_t offset)
 {
@@ -162,7 +158,7 @@ bool TEfxFile::ReadBytes(const char* path)
         return false;
     }
     const uint64_t count = WordAt(header, 4);
-    const uint64_t start = RoundUp(FileHeaderSize + 4 * count, Alignment);
+    const uint64_t start = RoundUp<uint64_t>(FileHeaderSize + 4 * count, Alignment);
     if (start > static_cast<uint64_t>(file.GetSize())) {
         file.Close();
         *Fault = "The file ends inside the relocations";
@@ -205,7 +201,7 @@ bool TEfxFile::ReadEffectHeader()
         Locations.push_back(GetU32(table + 4 * i));
     if (!SortNumbers(Locations))
         return Fail(table, "A command is located twice");
-    const uint64_t groups = RoundUp(table + 4 * numLocations, Alignment);
+    const uint64_t groups = RoundUp<uint64_t>(table + 4 * numLocations, Alignment);
     if (groups + numGroups * GroupSize > GetImageSize())
         return Fail(0, "The group records do not fit");
     GroupTable = static_cast<uint32_t>(groups);
@@ -323,18 +319,18 @@ bool TEfxFile::ReadCommand(TEfxStream& stream, uint32_t& from, uint32_t at, cons
     if (at > from) {
         command.Data.Offset = from + 4;
         command.Data.Size = GetU32(from);
-        if (command.Data.Size == 0 || RoundUp(command.Data.Size, 4) != at - from - 4)
+        if (command.Data.Size == 0 || RoundUp<uint64_t>(command.Data.Size, 4) != at - from - 4)
             return Fail(from, "A command's data is not as long as it says");
     }
     const uint32_t word = GetU32(at);
     const uint32_t param = word >> 16 & 0xFF;
     command.Index = static_cast<int>(word >> 24);
     command.Inputs = TEfxSpan{at + 4, word >> 8 & 0xFF};
-    command.Outputs = TEfxSpan{at + 4 + static_cast<uint32_t>(RoundUp(command.Inputs.Size, 4)), word & 0xFF};
+    command.Outputs = TEfxSpan{at + 4 + RoundUp(command.Inputs.Size, 4), word & 0xFF};
     if (command.Inputs.Size > ZVPARTICLE_MAX_INPUTS_OR_OUTPUTS ||
         command.Outputs.Size > ZVPARTICLE_MAX_INPUTS_OR_OUTPUTS)
         return Fail(at, "A command has too many rows");
-    from = command.Outputs.Offset + static_cast<uint32_t>(RoundUp(command.Outputs.Size, 4));
+    from = command.Outputs.Offset + RoundUp(command.Outputs.Size, 4);
     if (from > end)
         return Fail(at, "A command does not fit its stream");
     if (command.Index >= CommandIds.size())
@@ -389,7 +385,7 @@ bool TEfxFile::ReadPatches(uint32_t record, TEfxPhase& phase)
         patch.NameId = GetU32(entry);
         patch.Type = static_cast<int>(GetU16(entry + 4));
         patch.Offsets = TEfxSpan{entry + PatchEntrySize, GetU16(entry + 6) * 2};
-        size += RoundUp(PatchEntrySize + patch.Offsets.Size, 4);
+        size += RoundUp<uint64_t>(PatchEntrySize + patch.Offsets.Size, 4);
         if (!Has(table, size))
             return Fail(entry, "A patch table does not fit");
         if (!ReadPatchOffsets(phase, patch))

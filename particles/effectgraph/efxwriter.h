@@ -1,52 +1,50 @@
 #pragma once
 
 #include "library/system/files/blockfile.h"
-#include "particles/effectgraph/exportdata.h"
+#include "particles/effectgraph/exportresult.h"
 
-// Lays a built export out as the console's memory image. All places are settled when the writer is made: the
-// size of the file is known before anything is written, and so is where each command index will stand.
+// Lays a built export out as the console's memory image. All blocks are made and have their places when the
+// writer is made: the size of the file is known before anything is written, and so is where each command
+// index will stand.
 class TEfxWriter
 {
 public:
     static constexpr uint32_t Version = 6;
 
     // Reads `data`, which must outlive the writer.
-    explicit TEfxWriter(const TExportData& data);
+    explicit TEfxWriter(const TExportResult& data);
+    TEfxWriter(const TEfxWriter&) = delete;
+    TEfxWriter& operator=(const TEfxWriter&) = delete;
     int GetFileSize() const;
     // Once. False if a write failed.
     bool Save(TFile& file);
 
 private:
-    // In the order in which they follow each other in the file.
-    enum TBlockKind
+    struct TBlock;
+    // A pointer in a block: four of its bytes.
+    struct TPointer
     {
-        EB_EMISSIONEXECUTE,
-        EB_EMISSIONPARAMS,
-        EB_PROCESSEXECUTE,
-        EB_PROCESSPARAMS,
-        EB_EMISSIONUNPACK,
-        EB_EMISSIONPACK,
-        EB_PROCESSUNPACK,
-        EB_PROCESSPACK,
-        EB_EMISSIONPATCHES,
-        EB_PROCESSPATCHES,
-        EB_STAGES,
-        EB_RENDERATTRIBUTES,
-        EB_TRIGGERS,
-        EB_EVENTS,
-        EB_EMISSIONTRANSFORMS,
-        EB_PROCESSTRANSFORMS,
-        EB_BOUNDS,
-        EB_NUMKINDS
+        int Position = 0;
+        const TBlock* Target = nullptr;
     };
-
     struct TBlock
     {
-        int Size = 0;
+        TDataBlock Bytes;
+        vector<TPointer> Pointers;
+        int Alignment = 1;
         // In the image.
         int Offset = 0;
         // What references to the block hold until the image is resolved; 0 for a block without content.
         uint32_t Id = 0;
+    };
+    struct TPhaseBlocks
+    {
+        TBlock Unpack;
+        TBlock Execute;
+        TBlock Pack;
+        TBlock Params;
+        TBlock Patches;
+        TBlock Transforms;
     };
     struct TStageBlocks
     {
@@ -56,35 +54,47 @@ private:
     };
     struct TGroupBlocks
     {
-        TBlock Blocks[EB_NUMKINDS];
+        TPhaseBlocks Emission;
+        TPhaseBlocks Process;
+        // The records of all stages, then what each of them refers to.
+        TBlock StageRecords;
         vector<TStageBlocks> Stages;
+        TBlock RenderAttributes;
+        TBlock Triggers;
+        TBlock Events;
+        TBlock Bounds;
     };
 
-    // Places, in file order.
+    // What the blocks hold.
+    static void FillPhase(TPhaseBlocks& blocks, const TExportPhase& phase);
+    static void FillStage(TStageBlocks& blocks, const TRenderStageData& stage);
+    static void AppendStageRecord(TBlock& records, const TStageBlocks& blocks, const TRenderStageData& stage);
+    static void AppendPointer(TBlock& block, const TBlock& target);
+    void FillGroup(int group);
+    void FillShared();
+
+    // Where they lie.
     void PlaceAll();
-    void PlaceGroup(const TExportGroup& group, TGroupBlocks& blocks);
-    void Place(TBlock& block, int size, int alignment);
-    static void GetContent(const TExportGroup& group, int kind, TDataBlock& bytes);
-    static int SizeOf(const TExportGroup& group, int kind);
+    void PlaceGroup(TGroupBlocks& blocks);
+    void PlaceNames(TGroupBlocks& blocks);
+    void Place(TBlock& block, int alignment);
+    void PlaceFilled(TBlock& block, int alignment);
     int CountLocations() const;
     void ListLocations(vector<uint32_t>& result) const;
 
-    // Contents, in file order.
+    // The image, in its order.
     void WriteEffectHeader();
     void WriteGroupRecord(int group);
-    void WritePhaseHeader(const TPhaseHeader& header, const TBlock& unpack, const TBlock& execute,
-                          const TBlock& pack, const TBlock& params, const TBlock& patches, int numPatches);
-    void WriteGroupBlocks(int group);
-    void WriteStages(int group);
-    void WriteShared();
-    void WriteNames();
-    void Begin(const TBlock& block, int alignment);
-    void WriteData(const TDataBlock& bytes);
+    void WritePhaseHeader(const TExportPhase& phase, const TPhaseBlocks& blocks);
+    void WriteBlock(const TBlock& block);
+    void WriteBytes(const TDataBlock& bytes, int begin, int end);
 
-    const TExportData& Data;
-    vector<TGroupBlocks> GroupBlocks;
+    const TExportResult& Data;
+    vector<TGroupBlocks> Groups;
     TBlock SharedTable;
     TBlock SharedBytes;
+    // In the order of the file.
+    vector<const TBlock*> Order;
     int ImageSize = 0;
     int NumPointers = 0;
     uint32_t NextId;

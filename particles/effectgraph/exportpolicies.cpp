@@ -1,5 +1,6 @@
+#include "particles/effectgraph/exportpolicies.h"
+
 #include "particles/effectgraph/error.h"
-#include "particles/effectgraph/exportdata.h"
 
 namespace {
 // Boxes of one node: it has both a dynamic and a static one.
@@ -14,25 +15,25 @@ int CountMixed(const vector<TExportBounds>& bounds)
 }
 } // namespace
 
-bool TExportData::CheckPolicies(int flags, TErrorList& errors) const
+bool CheckExportPolicies(const TExportResult& result, int flags, TErrorList& errors)
 {
     const char* level = (flags & PF_PREVENTEXPORT) != 0 ? "Fatal Error" : "Warning";
     int boxes = 0;
     int mixed = 0;
-    for (const TExportGroup& group : Groups) {
+    for (const TExportGroup& group : result.Groups) {
         boxes += group.Bounds.size();
         mixed += CountMixed(group.Bounds);
     }
-    bool result = true;
+    bool kept = true;
     if ((flags & PF_MUSTHAVEBOUNDS) != 0 && boxes == 0) {
         errors.Add(new TError("%s: Effect file does not contain a bounding box", level));
-        result = false;
+        kept = false;
     }
     if ((flags & PF_NOMIXEDBOUNDS) != 0 && mixed >= 1) {
         errors.Add(
             new TError("%s: Effect file contains %d render nodes with both dynamic and static bounding boxes",
                        level, mixed));
-        result = false;
+        kept = false;
     }
-    return result;
+    return kept;
 }

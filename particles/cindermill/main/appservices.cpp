@@ -4,7 +4,7 @@
 #include "library/wimp/gl/rendertexture.h"
 #include "particles/cindermill/main/resourcelocator.h"
 #include "particles/cindermill/main/settings.h"
-#include "particles/effectgraph/exportdata.h"
+#include "particles/effectgraph/exportpolicies.h"
 
 int TAppServices::GetTraceParticleSize() const
 {

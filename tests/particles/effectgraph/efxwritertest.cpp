@@ -60,17 +60,17 @@ TEST(TEfxWriter, CommandTableAndLocations)
     full.Fill(e);
     ASSERT_EQ(e.Build(), "");
     const TEfxBytes f(WriteAndRead(*e));
-    const TCommandTable& table = e->GetTable();
+    const TCommandTable& table = e->GetResult().Table;
     ASSERT_EQ(f.U32(20), static_cast<uint32_t>(table.GetNumIds()));
     for (int i = 0; i < table.GetNumIds(); ++i)
         EXPECT_EQ(f.U32(24 + 4 * static_cast<size_t>(i)), table.GetId(i));
     // The bytes that the locations lead to, in order: what the streams, records and stages say.
     std::vector<uint32_t> expected;
-    for (int g = 0; g < e->GetNumGroups(); ++g) {
+    for (int g = 0; g < e->GetResult().Groups.size(); ++g) {
         const TExportGroup& group = e.Group(g);
         for (const TCommandStream* stream :
-             {&group.EmissionExecute, &group.ProcessExecute, &group.EmissionUnpack, &group.EmissionPack,
-              &group.ProcessUnpack, &group.ProcessPack}) {
+             {&group.Emission.Execute, &group.Process.Execute, &group.Emission.Unpack, &group.Emission.Pack,
+              &group.Process.Unpack, &group.Process.Pack}) {
             for (const int word : stream->CommandOffsets)
                 expected.push_back(stream->Words[word] >> 24);
             for (const TExecuteParam& param : stream->ExecuteParams)
@@ -101,8 +101,8 @@ TEST(TEfxWriter, GroupRecord)
         const TExportGroup& group = e.Group(g);
         const size_t index = static_cast<size_t>(g);
         const size_t fields = f.Fields(index);
-        const std::pair<size_t, const TPhaseHeader*> phases[] = {{f.Group(index), &group.EmissionHeader},
-                                                                 {f.Process(index), &group.ProcessHeader}};
+        const std::pair<size_t, const TPhaseHeader*> phases[] = {{f.Group(index), &group.Emission.Header},
+                                                                 {f.Process(index), &group.Process.Header}};
         for (const auto& [at, header] : phases) {
             EXPECT_EQ(f.U8(at), header->Phase);
             EXPECT_EQ(f.U8(at + 1), header->Rows);
@@ -126,8 +126,8 @@ TEST(TEfxWriter, GroupRecord)
         EXPECT_EQ(f.U8(fields + 19), 0u);
         EXPECT_EQ(f.U8(fields + 20), static_cast<uint32_t>(group.Triggers.size()));
         EXPECT_EQ(f.U8(fields + 21), static_cast<uint32_t>(group.Events.size()));
-        EXPECT_EQ(f.U8(fields + 22), static_cast<uint32_t>(group.EmissionTransforms.size()));
-        EXPECT_EQ(f.U8(fields + 23), static_cast<uint32_t>(group.ProcessTransforms.size()));
+        EXPECT_EQ(f.U8(fields + 22), static_cast<uint32_t>(group.Emission.Transforms.size()));
+        EXPECT_EQ(f.U8(fields + 23), static_cast<uint32_t>(group.Process.Transforms.size()));
         EXPECT_EQ(f.U8(fields + 24), static_cast<uint32_t>(group.RenderStages.size()));
         EXPECT_EQ(f.U8(fields + 25), static_cast<uint32_t>(group.RenderAttributes.size()));
         EXPECT_EQ(f.U16(fields + 26), static_cast<uint32_t>(group.MaxEmission));
@@ -146,7 +146,7 @@ TEST(TEfxWriter, WordsAndParameterRecords)
     const TEfxBytes f(WriteAndRead(*e));
     const int g = e.GroupOf(full.Force);
     const size_t process = f.Process(static_cast<size_t>(g));
-    const TCommandStream& stream = e.Group(g).ProcessExecute;
+    const TCommandStream& stream = e.Group(g).Process.Execute;
     const size_t words = f.U32(process + 20);
     EXPECT_EQ(words % 16, 0u);
     for (int i = 0; i < stream.Words.size(); ++i)
@@ -177,7 +177,7 @@ TEST(TEfxWriter, PatchTable)
     const TEfxBytes f(WriteAndRead(*e));
     const int g = e.GroupOf(full.Force);
     const size_t process = f.Process(static_cast<size_t>(g));
-    const auto& locations = e.Group(g).ProcessExecute.PatchLocations;
+    const auto& locations = e.Group(g).Process.Execute.PatchLocations;
     ASSERT_EQ(locations.size(), 3);
     ASSERT_EQ(f.U32(process + 36), 3u);
     const size_t table = f.U32(process + 32);
@@ -247,7 +247,7 @@ TEST(TEfxWriter, ListsOfAGroup)
     EXPECT_EQ(f.U32(dynamicBox + 56), 0xFFFFFFFFu);
     EXPECT_EQ(f.U32(dynamicBox + 60), 0u);
     const size_t transform = f.U32(fields + 40);
-    EXPECT_EQ(f.U16(transform), group.EmissionTransforms[0].Ordinal);
+    EXPECT_EQ(f.U16(transform), group.Emission.Transforms[0].Ordinal);
     EXPECT_EQ(f.U16(transform + 2), 2u);
     const size_t event = f.U32(f.Fields(static_cast<size_t>(e.GroupOf(full.Trigger))) + 36);
     EXPECT_EQ(f.U16(event), static_cast<uint32_t>(e.GroupOf(full.Stage)));

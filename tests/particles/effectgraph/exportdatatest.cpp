@@ -43,125 +43,6 @@ float BigFloat(const TDataBlock& block, int at)
 }
 } // namespace
 
-TEST(TExportData, AttributesOfAGroupFollowEachOther)
-{
-    const TFullGraph full;
-    TExported e(full.G);
-    const TExportGroup& group = e.Group(e.GroupOf(full.Force));
-    ASSERT_EQ(group.Attributes.size(), 4);
-    int row = 0;
-    for (const TExportAttribute& attr : group.Attributes) {
-        EXPECT_EQ(attr.RowStart, row);
-        EXPECT_EQ(attr.ByteSize, attr.RowCount * 4);
-        EXPECT_EQ(attr.NameId, NameToCrc(attr.Name.Print()));
-        EXPECT_EQ(attr.Offset, -1);
-        row += attr.RowCount;
-    }
-    EXPECT_EQ(group.NumRows, 9);
-    EXPECT_EQ(group.NumRows, row);
-    for (int i = 0; i < row; ++i) {
-        EXPECT_EQ(group.EmissionRowMap[i], static_cast<uint32_t>(i));
-        EXPECT_EQ(group.ProcessRowMap[i], static_cast<uint32_t>(i));
-    }
-    EXPECT_EQ(group.ParticleCount, 50);
-    EXPECT_FALSE(group.IsTriggerGroup);
-}
-
-TEST(TExportData, TriggerGroupHasOneParticle)
-{
-    const TFullGraph full;
-    TExported e(full.G);
-    const TExportGroup& group = e.Group(e.GroupOf(full.Trigger));
-    EXPECT_TRUE(group.IsTriggerGroup);
-    EXPECT_EQ(group.ParticleCount, 1);
-    EXPECT_EQ(group.TriggerGroup, -1);
-    EXPECT_TRUE(group.EmissionUnpack.Commands.empty());
-}
-
-TEST(TExportData, AttributeReadFirstGetsItsPortsValue)
-{
-    // The emitter reads and writes its output in place.
-    TTestGraph g;
-    TEffectNode* trigger = AddTrigger(g);
-    TEffectNode* first = g.Node("First", TU_TRIGGER, {{"Value", TY_VECTOR3}}, {{"Value", TY_VECTOR3}});
-    TEffectNode* emitter = AddEmitter(g);
-    g.Wire(trigger, 0, emitter, 0);
-    TEffectNode* sprite = AddSprite(g);
-    g.Wire(emitter, 0, sprite, 0);
-    g.InputValue(first, "Value", {1, 2, 3});
-    TEffectNode* second = g.Node("Second", TU_TRIGGER, {{"Value", TY_VECTOR3}}, {});
-    g.Wire(first, 0, second, 0);
-    TExported e(g);
-    const int group = e.GroupOf(first);
-    const int attrib = e.Find(group, "Value");
-    ASSERT_NE(attrib, -1);
-    const TExportAttribute& attr = e.Group(group).Attributes[attrib];
-    const std::string row = std::to_string(attr.RowStart);
-    EXPECT_EQ(attr.EmissionFlags[0], 2);
-    EXPECT_EQ(attr.EmissionFlags[2], 2);
-    EXPECT_EQ(attr.EmissionFlags[3], 0);
-    EXPECT_EQ(TextsOf(e.Group(group).EmissionExecute),
-              (TTexts{"IdConstantEmitter out " + row + " " + std::to_string(attr.RowStart + 1) + " " +
-                      std::to_string(attr.RowStart + 2) + " data 3f8000004000000040400000"}));
-}
-
-TEST(TExportData, PayloadIsUnpackedInFours)
-{
-    TTestGraph g;
-    TEffectNode* trigger = g.Node("Trigger", TU_TRIGGER, {}, {"Trigger", {"Where", TY_TRANSFORM}, "Late"});
-    TEffectNode* emitter =
-        g.Node("Emitter", TU_EMITTER, {"emission trigger", {"Start", TY_TRANSFORM}, "Delay"},
-               {{"Position", TY_VECTOR3}});
-    TEffectNode* sprite = AddSprite(g);
-    g.Wire(trigger, 0, emitter, 0);
-    g.Wire(trigger, 1, emitter, 1);
-    g.Wire(trigger, 2, emitter, 2);
-    g.Wire(emitter, 0, sprite, 0);
-    TExported e(g);
-    const int index = e.GroupOf(emitter);
-    const TExportGroup& group = e.Group(index);
-    const int start = e.Find(index, "Start");
-    const int delay = e.Find(index, "Delay");
-    ASSERT_LT(start, delay);
-    const int row = group.Attributes[start].RowStart;
-    auto text = [](int n) { return " " + std::to_string(n); };
-    EXPECT_EQ(
-        TextsOf(group.EmissionUnpack),
-        (TTexts{"IdUnpackFloatN out" + text(row) + text(row + 1) + text(row + 2) + text(row + 3) +
-                    " data 00000000",
-                "IdUnpackFloatN out" + text(row + 4) + text(row + 5) + " t0 t0 data 00000010",
-                "IdUnpackFloatN out" + text(group.Attributes[delay].RowStart) + " t0 t0 t0 data 00000018"}));
-    EXPECT_EQ(group.EventSize, 32);
-    EXPECT_EQ(group.Attributes[start].EmissionFlags[5], 1);
-    EXPECT_EQ(group.Attributes[e.Find(index, "emission trigger")].EmissionFlags[0], 0);
-}
-
-TEST(TExportData, RowsThatTheParentLacksAreZeroed)
-{
-    TTestGraph g;
-    TEffectNode* trigger = g.Node("Trigger", TU_TRIGGER, {}, {"Trigger", {"Size", TY_SCALAR}});
-    TEffectNode* probe = g.Node("Probe", TU_TRIGGER, {{"Probe", TY_SCALAR}}, {});
-    TEffectNode* emitter =
-        g.Node("Emitter", TU_EMITTER, {"Emission Trigger", {"Wide", TY_VECTOR3}}, {{"Position", TY_VECTOR3}});
-    TEffectNode* sprite = AddSprite(g);
-    g.Wire(trigger, 0, emitter, 0);
-    g.Wire(trigger, 1, probe, 0);
-    g.Wire(trigger, 1, emitter, 1);
-    g.Wire(emitter, 0, sprite, 0);
-    TExported e(g);
-    const int index = e.GroupOf(emitter);
-    const TExportGroup& group = e.Group(index);
-    const TExportAttribute& wide = group.Attributes[e.Find(index, "Wide")];
-    EXPECT_EQ(wide.EmissionFlags[0], 1);
-    EXPECT_EQ(wide.EmissionFlags[1], 3);
-    EXPECT_EQ(wide.EmissionFlags[2], 3);
-    EXPECT_EQ(group.EventSize, 16);
-    ASSERT_EQ(group.EmissionExecute.Commands.size(), 1);
-    EXPECT_EQ(CommandText(group.EmissionExecute.Commands[0]),
-              "IdConstantEmitter out " + std::to_string(wide.RowStart + 1) + " " +
-                  std::to_string(wide.RowStart + 2) + " data 0000000000000000");
-}
-
 TEST(TExportData, UnconnectedInputBecomesAConstantAheadOfTheCommand)
 {
     TChain chain({{"In", TY_VECTOR3}, {"Turn", TY_QUATERNION}, {"By", TY_SCALAR}}, {{"In", TY_VECTOR3}});
@@ -176,14 +57,14 @@ TEST(TExportData, UnconnectedInputBecomesAConstantAheadOfTheCommand)
         data.AddOutput(0, 1, 2);
     });
     const int index = e.GroupOf(chain.Node);
-    EXPECT_EQ(TextsOf(e.Group(index).ProcessExecute),
+    EXPECT_EQ(TextsOf(e.Group(index).Process.Execute),
               (TTexts{"IdConstantEmitter out t1 t2 t3 t4 t5 t6 data 3f80000040000000404000000000000040800000"
                       "00000000",
                       "IdAdd in 0 1 2 t1 t2 t3 t4 t5 t6 out 1 2"}));
     EXPECT_EQ(e.Group(index).NumTemps, 7);
-    EXPECT_EQ(e.Group(index).Attributes[0].ProcessFlags[0], 1);
-    EXPECT_EQ(e.Group(index).Attributes[0].ProcessFlags[1], 3);
-    EXPECT_EQ(e.Group(index).ProcessExecute.Commands[1].Workspace, 8u);
+    EXPECT_EQ(e.Group(index).Process.Flags[0][0], 1);
+    EXPECT_EQ(e.Group(index).Process.Flags[0][1], 3);
+    EXPECT_EQ(e.Group(index).Process.Execute.Commands[1].Workspace, 8u);
     EXPECT_TRUE(e->OutputEmpty());
 }
 
@@ -196,8 +77,8 @@ TEST(TExportData, RowWrittenBeforeItIsReadKeepsItsFlags)
         data.AddOutput(0, 0, 1);
         data.AddInput(0, 0, 2);
     });
-    EXPECT_EQ(e.Group(1).Attributes[0].ProcessFlags[0], 2);
-    EXPECT_EQ(e.Group(1).Attributes[0].ProcessFlags[1], 1);
+    EXPECT_EQ(e.Group(1).Process.Flags[0][0], 2);
+    EXPECT_EQ(e.Group(1).Process.Flags[0][1], 1);
 }
 
 TEST(TExportData, OutputThatNobodyReadsGoesToTheDumpRow)
@@ -208,7 +89,7 @@ TEST(TExportData, OutputThatNobodyReadsGoesToTheDumpRow)
         data.SetCommand("IdAdd", 0);
         data.AddOutput(1, 0, -1);
     });
-    EXPECT_EQ(TextsOf(e.Group(1).ProcessExecute), (TTexts{"IdAdd out t0 t0 t0 t0"}));
+    EXPECT_EQ(TextsOf(e.Group(1).Process.Execute), (TTexts{"IdAdd out t0 t0 t0 t0"}));
 }
 
 TEST(TExportData, CountOfMoreThanFourInputRowsStops)
@@ -262,7 +143,7 @@ TEST(TExportData, SetDataAndSetCommandEndThePendingCommandOnly)
         data.SetCommand("IdPrune", 0);
         data.SetCommand("IdUpdateAge", 0);
     });
-    const TCommandStream& stream = e.Group(1).ProcessExecute;
+    const TCommandStream& stream = e.Group(1).Process.Execute;
     EXPECT_EQ(TextsOf(stream), (TTexts{"IdAdd in 0 data 01020304", "IdPrune data 0000", "IdUpdateAge"}));
     ASSERT_EQ(stream.Commands[0].Patches.size(), 1);
     EXPECT_EQ(stream.Commands[0].Patches[0].NameId, NameToCrc("early"));
@@ -284,10 +165,10 @@ TEST(TExportData, TransformsAreNumberedInTheGroupsList)
         data.AddInput(1, 0, 3);
     });
     const TExportGroup& group = e.Group(1);
-    ASSERT_EQ(group.ProcessTransforms.size(), 2);
-    EXPECT_EQ(group.ProcessTransforms[0].Type, 3);
-    EXPECT_EQ(group.ProcessTransforms[1].Type, 4);
-    const vector<TCommand>& commands = group.ProcessExecute.Commands;
+    ASSERT_EQ(group.Process.Transforms.size(), 2);
+    EXPECT_EQ(group.Process.Transforms[0].Type, 3);
+    EXPECT_EQ(group.Process.Transforms[1].Type, 4);
+    const vector<TCommand>& commands = group.Process.Execute.Commands;
     ASSERT_EQ(commands.size(), 2);
     EXPECT_EQ(commands[0].Patches[0].NameId, NameToCrc("transform 0"));
     EXPECT_EQ(commands[0].Patches[0].Type, 0u);
@@ -332,13 +213,13 @@ TEST(TExportData, PassThroughOfAnAttributeMapsRows)
     const TExportGroup& group = e.Group(1);
     const uint32_t from = static_cast<uint32_t>(group.Attributes[in].RowStart);
     const int to = group.Attributes[out].RowStart;
-    EXPECT_EQ(group.EmissionRowMap[to], from + 2);
-    EXPECT_EQ(group.EmissionRowMap[to + 1], from);
-    EXPECT_EQ(group.EmissionRowMap[to + 2], from + 1);
-    EXPECT_EQ(group.ProcessRowMap[to], static_cast<uint32_t>(to));
-    EXPECT_EQ(group.Attributes[out].EmissionFlags[2], 2);
-    EXPECT_EQ(group.Attributes[in].EmissionFlags[0], 0);
-    EXPECT_TRUE(group.EmissionExecute.Commands.empty());
+    EXPECT_EQ(group.Emission.RowMap[to], from + 2);
+    EXPECT_EQ(group.Emission.RowMap[to + 1], from);
+    EXPECT_EQ(group.Emission.RowMap[to + 2], from + 1);
+    EXPECT_EQ(group.Process.RowMap[to], static_cast<uint32_t>(to));
+    EXPECT_EQ(group.Emission.Flags[out][2], 2);
+    EXPECT_EQ(group.Emission.Flags[in][0], 0);
+    EXPECT_TRUE(group.Emission.Execute.Commands.empty());
 }
 
 TEST(TExportData, PassThroughOfAFixedValueWritesTheOutputsRows)
@@ -349,12 +230,12 @@ TEST(TExportData, PassThroughOfAFixedValueWritesTheOutputsRows)
     e.Speak(chain.Node, [](TExportData& data) { data.PassThrough(1, 0, 0, -1, -1); });
     const TExportGroup& group = e.Group(1);
     const TExportAttribute& out = group.Attributes[e.Find(1, "Place")];
-    ASSERT_EQ(group.EmissionExecute.Commands.size(), 1);
-    const TCommand& command = group.EmissionExecute.Commands[0];
+    ASSERT_EQ(group.Emission.Execute.Commands.size(), 1);
+    const TCommand& command = group.Emission.Execute.Commands[0];
     ASSERT_EQ(command.Outputs.size(), 3);
     EXPECT_EQ(command.Outputs[2], static_cast<uint32_t>(out.RowStart + 2));
     EXPECT_EQ(BigFloat(command.Data, 8), 4.0f);
-    EXPECT_EQ(out.EmissionFlags[0], 2);
+    EXPECT_EQ(group.Emission.Flags[e.Find(1, "Place")][0], 2);
 }
 
 TEST(TExportData, PassThroughToNobodyDoesNothing)
@@ -384,16 +265,16 @@ TEST(TExportData, BypassedNodePassesTheNamesakeOrZeros)
     const TExportGroup& group = e.Group(index);
     const int size = group.Attributes[e.Find(index, "Size")].RowStart;
     const int tint = group.Attributes[e.Find(index, "Tint")].RowStart;
-    ASSERT_EQ(group.ProcessExecute.Commands.size(), 1);
-    const TCommand& command = group.ProcessExecute.Commands[0];
+    ASSERT_EQ(group.Process.Execute.Commands.size(), 1);
+    const TCommand& command = group.Process.Execute.Commands[0];
     ASSERT_EQ(command.Outputs.size(), 4);
     EXPECT_EQ(command.Outputs[0], static_cast<uint32_t>(tint));
     EXPECT_EQ(BigFloat(command.Data, 12), 0.0f);
-    EXPECT_EQ(group.Attributes[e.Find(index, "Tint")].ProcessFlags[3], 2);
+    EXPECT_EQ(group.Process.Flags[e.Find(index, "Tint")][3], 2);
     // The namesakes share an attribute, which starts with the port's value.
-    EXPECT_EQ(group.ProcessRowMap[size], static_cast<uint32_t>(size));
-    EXPECT_EQ(group.Attributes[e.Find(index, "Size")].ProcessFlags[0], 2);
-    EXPECT_EQ(CommandText(group.EmissionExecute.Commands[0]),
+    EXPECT_EQ(group.Process.RowMap[size], static_cast<uint32_t>(size));
+    EXPECT_EQ(group.Process.Flags[e.Find(index, "Size")][0], 2);
+    EXPECT_EQ(CommandText(group.Emission.Execute.Commands[0]),
               "IdConstantEmitter out " + std::to_string(size) + " data 40400000");
 }
 
@@ -406,9 +287,9 @@ TEST(TExportData, GroupConstantsAreReadAndWritten)
         data.SetCommand("IdAdd", 0);
         data.AddGroupConstants(values, 2);
         data.AddOutputRow(data.AllocTempRow());
-        EXPECT_EQ(data.GetTotalRows(), data.GetGroup(1).NumRows + 2);
+        EXPECT_EQ(data.GetTotalRows(), data.GetResult().Groups[1].NumRows + 2);
     });
-    EXPECT_EQ(TextsOf(e.Group(1).ProcessExecute), (TTexts{"IdAdd in c0 c1 out c0 c1 t1"}));
+    EXPECT_EQ(TextsOf(e.Group(1).Process.Execute), (TTexts{"IdAdd in c0 c1 out c0 c1 t1"}));
     EXPECT_EQ(e.Group(1).Constants[1], 2.0f);
 }
 
@@ -433,13 +314,13 @@ TEST(TExportData, EmitterNodesSpeakToTheEmissionStream)
     full.Fill(e);
     const TExportGroup& group = e.Group(e.GroupOf(full.Emitter));
     const int where = e.Find(e.GroupOf(full.Emitter), "position of it");
-    ASSERT_EQ(group.EmissionTransforms.size(), 1);
-    EXPECT_EQ(group.EmissionTransforms[0].Type, 2);
-    EXPECT_EQ(group.EmissionExecute.Commands[0].Outputs.size(), 6);
-    EXPECT_EQ(group.Attributes[where].EmissionFlags[5], 2);
-    EXPECT_EQ(group.Attributes[where].ProcessFlags[5], 0);
-    ASSERT_EQ(group.ProcessTransforms.size(), 1);
-    EXPECT_EQ(group.ProcessTransforms[0].Type, 7);
+    ASSERT_EQ(group.Emission.Transforms.size(), 1);
+    EXPECT_EQ(group.Emission.Transforms[0].Type, 2);
+    EXPECT_EQ(group.Emission.Execute.Commands[0].Outputs.size(), 6);
+    EXPECT_EQ(group.Emission.Flags[where][5], 2);
+    EXPECT_EQ(group.Process.Flags[where][5], 0);
+    ASSERT_EQ(group.Process.Transforms.size(), 1);
+    EXPECT_EQ(group.Process.Transforms[0].Type, 7);
 }
 
 TEST(TExportData, StageConstantsByType)
@@ -500,7 +381,7 @@ TEST(TExportData, StageWithBothBoxesHasTwoEntries)
     EXPECT_EQ(group.Bounds[1].Index, -1);
     EXPECT_EQ(group.Bounds[1].Min[2], -3.0f);
     EXPECT_EQ(group.NumDynamicBounds, 1);
-    const TCommand& command = group.ProcessExecute.Commands.back();
+    const TCommand& command = group.Process.Execute.Commands.back();
     EXPECT_EQ(command.Name, NameToCrc("IdComputeBounds"));
     EXPECT_EQ(command.Workspace, 96u);
     EXPECT_EQ(command.Inputs.size(), 3);
@@ -508,7 +389,7 @@ TEST(TExportData, StageWithBothBoxesHasTwoEntries)
     EXPECT_EQ(command.Patches[0].NameId, NameToCrc("bb 0"));
     EXPECT_EQ(Text(group.RenderStages[0].Textures[0]), "smoke.dds");
     EXPECT_EQ(group.RenderStages[0].State.GetWords().size(), 5);
-    EXPECT_EQ(e->GetTable().GetId(0), NameToCrc("IdSpriteRenderStage"));
+    EXPECT_EQ(e->GetResult().Table.GetId(0), NameToCrc("IdSpriteRenderStage"));
 }
 
 TEST(TExportData, InputAttributeTellsARowCount)

@@ -20,7 +20,7 @@ public:
     TExportData* operator->() { return Data.get(); }
     TExportData& operator*() { return *Data; }
     const TEffectSchedule& GetSchedule() const { return Scheduled.Schedule; }
-    const TExportGroup& Group(int i) const { return Data->GetGroup(i); }
+    const TExportGroup& Group(int i) const { return Data->GetResult().Groups[i]; }
 
     // Lets the node's first occurrence speak, and ends its command.
     void Speak(const TEffectNode* node, const std::function<void(TExportData&)>& work)
@@ -111,6 +111,40 @@ inline std::vector<std::string> TextsOf(const TCommandStream& stream)
         result.push_back(CommandText(command));
     return result;
 }
+
+// Gives every output of the node a value.
+inline void WriteOutputs(TExported& e, TEffectNode* node)
+{
+    e.Speak(node, [&](TExportData& data) {
+        data.SetCommand("IdRandomEmitter", 0);
+        for (int port = 0; port < node->GetNodeType()->GetNumOutputs(); ++port)
+            data.AddOutput(port, 0, -1);
+    });
+}
+
+// A trigger, an emitter that it fires, and a stage.
+struct TSmallGraph
+{
+    explicit TSmallGraph(const char* place = "Place", int type = TY_VECTOR3)
+    {
+        Trigger = AddTrigger(G);
+        Emitter = G.Node("Emitter", TU_EMITTER, {"Emission Trigger"}, {{"Position", type}});
+        Stage = G.Node("Stage", TU_RENDER, {{place, type}}, {});
+        G.Wire(Trigger, 0, Emitter, 0);
+        G.Wire(Emitter, 0, Stage, 0);
+    }
+    void Fill(TExported& e) const
+    {
+        WriteOutputs(e, Trigger);
+        e.Speak(Emitter, [](TExportData& data) { data.SetEmitterTrigger(0); });
+        WriteOutputs(e, Emitter);
+    }
+
+    TTestGraph G;
+    TEffectNode* Trigger;
+    TEffectNode* Emitter;
+    TEffectNode* Stage;
+};
 
 // A population with one of everything: a trigger group, an emitter with a fixed transform, a force, a stage.
 struct TFullGraph

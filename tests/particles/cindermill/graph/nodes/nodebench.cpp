@@ -178,8 +178,8 @@ bool TExportBench::IsEmission() const
 
 const TCommandStream& TExportBench::Stream() const
 {
-    const TExportGroup& group = Data->GetGroup(Group);
-    return IsEmission() ? group.EmissionExecute : group.ProcessExecute;
+    const TExportGroup& group = Data->GetResult().Groups[Group];
+    return IsEmission() ? group.Emission.Execute : group.Process.Execute;
 }
 
 TTexts TExportBench::Export()
@@ -212,7 +212,7 @@ std::string TExportBench::RowName(uint32_t row) const
         return "t" + std::to_string(row - RowTemp);
     if (row >= RowConstant)
         return "c" + std::to_string(row - RowConstant);
-    for (const TExportAttribute& attr : Data->GetGroup(Group).Attributes) {
+    for (const TExportAttribute& attr : Data->GetResult().Groups[Group].Attributes) {
         const int component = static_cast<int>(row) - attr.RowStart;
         if (component >= 0 && component < attr.RowCount)
             return Text(attr.Name) + "." + std::to_string(component);
@@ -243,8 +243,8 @@ std::string TExportBench::LineOf(const TCommand& command) const
 
 TTexts TExportBench::MovedRows() const
 {
-    const TExportGroup& group = Data->GetGroup(Group);
-    const vector<uint32_t>& map = IsEmission() ? group.EmissionRowMap : group.ProcessRowMap;
+    const TExportGroup& group = Data->GetResult().Groups[Group];
+    const vector<uint32_t>& map = IsEmission() ? group.Emission.RowMap : group.Process.RowMap;
     TTexts result;
     for (int row = 0; row < map.size(); ++row)
         if (map[row] != static_cast<uint32_t>(row))

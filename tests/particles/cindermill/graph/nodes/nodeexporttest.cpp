@@ -239,7 +239,7 @@ TEST(NodeExport, VelocityConeTurnsItsFixedDirection)
     EXPECT_EQ(bench.Export(),
               (TTexts{"IdConstantEmitter -> t1 t2 t3 data" + HexOf({0, 1, 0}) + " patch \"transform 0\" 0@0",
                       "IdConeEmitter t1 t2 t3 Cos.0 Min.0 Max.0 -> out0.0 out0.1 out0.2"}));
-    EXPECT_EQ(bench.Data->GetGroup(bench.Group).ProcessTransforms[0].Type, 3);
+    EXPECT_EQ(bench.Data->GetResult().Groups[bench.Group].Process.Transforms[0].Type, 3);
 }
 
 TEST(NodeExport, PointEmitterAndGridPassTheirTransformOn)
@@ -256,9 +256,9 @@ TEST(NodeExport, PointEmitterAndGridPassTheirTransformOn)
         EXPECT_EQ(bench.Export(),
                   TTexts{"IdConstantEmitter -> out0.0 out0.1 out0.2 out0.3 out0.4 out0.5 data" +
                          HexOf({1, 2, 3, 4, 5, 6}) + " patch \"transform 0\" 0@0"});
-        const TExportGroup& group = bench.Data->GetGroup(bench.Group);
-        ASSERT_EQ(group.EmissionTransforms.size(), 1);
-        EXPECT_EQ(group.EmissionTransforms[0].Type, 2);
+        const TExportGroup& group = bench.Data->GetResult().Groups[bench.Group];
+        ASSERT_EQ(group.Emission.Transforms.size(), 1);
+        EXPECT_EQ(group.Emission.Transforms[0].Type, 2);
         EXPECT_EQ(group.TriggerGroup, 1 - bench.Group);
         EXPECT_EQ(Text(group.Attributes[group.TriggerInput].Name), "Emission Trigger");
     }
@@ -280,7 +280,7 @@ TEST(NodeExport, SphereSurface)
     EXPECT_EQ(lines[0].substr(lines[0].size() - end.size()), end);
     EXPECT_EQ(lines[0].size(), start.size() + 8 + 1 + 8 + end.size());
     EXPECT_EQ(lines[0].substr(start.size() + 1, 7), Hex(1).substr(1));
-    EXPECT_EQ(bench.Data->GetGroup(bench.Group).EmissionTransforms[0].Type, 0);
+    EXPECT_EQ(bench.Data->GetResult().Groups[bench.Group].Emission.Transforms[0].Type, 0);
 }
 
 TEST(NodeExport, SphereSurfaceTurnsAnglesIntoAQuaternion)
@@ -371,7 +371,7 @@ TEST(NodeExport, Effect)
                       "IdConstantEmitter -> out2.0 out2.1 out2.2 out2.3 data" + HexOf({7, 8, 9, 0}) +
                           " patch \"User Rotation\" 4@0"}));
     TTexts shared;
-    for (const TSharedData& entry : bench.Data->GetSharedData()) {
+    for (const TSharedData& entry : bench.Data->GetResult().SharedData) {
         std::string line = Text(entry.Name);
         for (int i = 0; i < entry.Data.size(); ++i) {
             char text[4];

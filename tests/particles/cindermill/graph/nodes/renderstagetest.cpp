@@ -439,7 +439,7 @@ public:
         const TNodeType* type = Stage.Node->GetNodeType();
         type->FindParameterOf<TNodeEnumParameter>(path.c_str(), PK_ENUM)->SetValue(number - FirstNumber);
     }
-    const TRenderStageData& Record() const { return Data->GetGroup(Group).RenderStages[0]; }
+    const TRenderStageData& Record() const { return Data->GetResult().Groups[Group].RenderStages[0]; }
     std::vector<uint32_t> Words() const
     {
         const vector<uint32_t>& words = Record().State.GetWords();
@@ -483,9 +483,9 @@ TEST(RenderStageExport, CommandAndTextures)
         TExportedStage stage(stageCase);
         stage.Export();
         ASSERT_NE(stage.Group, -1);
-        ASSERT_EQ(stage.Data->GetGroup(stage.Group).RenderStages.size(), 1);
+        ASSERT_EQ(stage.Data->GetResult().Groups[stage.Group].RenderStages.size(), 1);
         const TRenderStageData& record = stage.Record();
-        EXPECT_EQ(stage.Data->GetTable().GetId(record.CommandIndex), NameToCrc(stageCase.Command));
+        EXPECT_EQ(stage.Data->GetResult().Table.GetId(record.CommandIndex), NameToCrc(stageCase.Command));
         EXPECT_EQ(Text(record.Textures[0]), "first.dds");
         EXPECT_EQ(Text(record.Textures[1]), stageCase.Textures.size() == 2 ? "second.dds" : "");
     }
@@ -519,8 +519,8 @@ TEST(RenderStageExport, DynamicBoundsFollowTheFirstInput)
     stage.Stage.Node->GetNodeType()->SetFlag(FL_DYNAMICBOUNDS, true);
     stage.Export();
     ASSERT_NE(stage.Group, -1);
-    EXPECT_EQ(stage.Data->GetGroup(stage.Group).NumDynamicBounds, 1);
-    const vector<TCommand>& commands = stage.Data->GetGroup(stage.Group).ProcessExecute.Commands;
+    EXPECT_EQ(stage.Data->GetResult().Groups[stage.Group].NumDynamicBounds, 1);
+    const vector<TCommand>& commands = stage.Data->GetResult().Groups[stage.Group].Process.Execute.Commands;
     ASSERT_FALSE(commands.empty());
     EXPECT_EQ(commands.back().Name, NameToCrc("IdComputeBounds"));
     EXPECT_EQ(commands.back().Inputs.size(), 3);

@@ -1,4 +1,4 @@
-#include "particles/effectgraph/rowallocator.h"
+#include "particles/effectgraph/preprocessstreams.h"
 
 #include "particles/effectgraph/exporttestgraph.h"
 

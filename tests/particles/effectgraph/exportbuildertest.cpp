@@ -3,40 +3,6 @@
 namespace {
 using TTexts = std::vector<std::string>;
 
-// Gives every output of the node a value.
-void WriteOutputs(TExported& e, TEffectNode* node)
-{
-    e.Speak(node, [&](TExportData& data) {
-        data.SetCommand("IdRandomEmitter", 0);
-        for (int port = 0; port < node->GetNodeType()->GetNumOutputs(); ++port)
-            data.AddOutput(port, 0, -1);
-    });
-}
-
-// A trigger, an emitter that it fires, and a stage.
-struct TSmallGraph
-{
-    explicit TSmallGraph(const char* place = "Place", int type = TY_VECTOR3)
-    {
-        Trigger = AddTrigger(G);
-        Emitter = G.Node("Emitter", TU_EMITTER, {"Emission Trigger"}, {{"Position", type}});
-        Stage = G.Node("Stage", TU_RENDER, {{place, type}}, {});
-        G.Wire(Trigger, 0, Emitter, 0);
-        G.Wire(Emitter, 0, Stage, 0);
-    }
-    void Fill(TExported& e) const
-    {
-        WriteOutputs(e, Trigger);
-        e.Speak(Emitter, [](TExportData& data) { data.SetEmitterTrigger(0); });
-        WriteOutputs(e, Emitter);
-    }
-
-    TTestGraph G;
-    TEffectNode* Trigger;
-    TEffectNode* Emitter;
-    TEffectNode* Stage;
-};
-
 // A population whose particles fire a second one, at moments that the trigger group decides.
 struct TChildGraph
 {
@@ -68,7 +34,7 @@ struct TChildGraph
 };
 } // namespace
 
-TEST(TExportDataBuild, RenderAttributeLiesInTheRecord)
+TEST(TExportBuilder, RenderAttributeLiesInTheRecord)
 {
     const TSmallGraph small;
     TExported e(small.G);
@@ -78,14 +44,14 @@ TEST(TExportDataBuild, RenderAttributeLiesInTheRecord)
     EXPECT_EQ(group.Attributes[e.Find(1, "Place")].Offset, 0);
     EXPECT_EQ(group.Attributes[e.Find(1, "Emission Trigger")].Offset, -1);
     EXPECT_EQ(group.Stride, 12);
-    EXPECT_EQ(TextsOf(group.EmissionPack), (TTexts{"IdPackFloatN in 0 1 2 0 data 00030000"}));
-    EXPECT_EQ(TextsOf(group.ProcessUnpack), (TTexts{"IdUnpackFloatN out 0 1 2 3 data 00000000"}));
-    EXPECT_EQ(TextsOf(group.ProcessPack), (TTexts{"IdPackFloatN in 0 1 2 0 data 00030000"}));
-    EXPECT_EQ(group.ProcessRows, 4);
+    EXPECT_EQ(TextsOf(group.Emission.Pack), (TTexts{"IdPackFloatN in 0 1 2 0 data 00030000"}));
+    EXPECT_EQ(TextsOf(group.Process.Unpack), (TTexts{"IdUnpackFloatN out 0 1 2 3 data 00000000"}));
+    EXPECT_EQ(TextsOf(group.Process.Pack), (TTexts{"IdPackFloatN in 0 1 2 0 data 00030000"}));
+    EXPECT_EQ(group.Process.Rows, 4);
     EXPECT_TRUE(e.Errors.empty());
 }
 
-TEST(TExportDataBuild, LogsBothPhasesOfEachGroup)
+TEST(TExportBuilder, LogsBothPhasesOfEachGroup)
 {
     const TSmallGraph small;
     TExported e(small.G);
@@ -101,7 +67,7 @@ TEST(TExportDataBuild, LogsBothPhasesOfEachGroup)
               "Row 0 : [0->0]\nRow 1 : [0->0]\nRow 2 : [0->0]\n\n\n");
 }
 
-TEST(TExportDataBuild, RowOnlyWrittenAtBirthTakesTwoPlaces)
+TEST(TExportBuilder, RowOnlyWrittenAtBirthTakesTwoPlaces)
 {
     // The value goes from one node of the emission to another; the process never touches it.
     TTestGraph g;
@@ -118,16 +84,16 @@ TEST(TExportDataBuild, RowOnlyWrittenAtBirthTakesTwoPlaces)
     const int index = e.GroupOf(emitter);
     const TExportGroup& group = e.Group(index);
     const int in = e.Find(index, "In");
-    ASSERT_EQ(group.Attributes[in].EmissionFlags[0], 2);
-    ASSERT_EQ(group.Attributes[in].ProcessFlags[0], 0);
+    ASSERT_EQ(group.Emission.Flags[in][0], 2);
+    ASSERT_EQ(group.Process.Flags[in][0], 0);
     // Behind 12 bytes of the stage's place it is packed at 12 and unpacked at 16. The trigger, which the
     // emitter did not tell, is the last.
     EXPECT_EQ(group.Stride, 24);
-    EXPECT_EQ(group.EmissionPack.Commands[0].Data[3], 12);
-    EXPECT_EQ(group.ProcessUnpack.Commands[1].Data[3], 16);
+    EXPECT_EQ(group.Emission.Pack.Commands[0].Data[3], 12);
+    EXPECT_EQ(group.Process.Unpack.Commands[1].Data[3], 16);
 }
 
-TEST(TExportDataBuild, PackCommandsMapTheirRowsTwice)
+TEST(TExportBuilder, PackCommandsMapTheirRowsTwice)
 {
     TTestGraph g;
     TEffectNode* emitter = AddFiredEmitter(g);
@@ -145,11 +111,11 @@ TEST(TExportDataBuild, PackCommandsMapTheirRowsTwice)
     ASSERT_EQ(e.Build(), "");
     const TExportGroup& group = e.Group(e.GroupOf(swap));
     // The mapped {1, 2, 2} become {2, 2, 2}, and the padding's 0 becomes 1. Nobody packs row 0.
-    EXPECT_EQ(TextsOf(group.ProcessUnpack), (TTexts{"IdUnpackFloatN out 0 0 1 2 data 00000000"}));
-    EXPECT_EQ(TextsOf(group.ProcessPack), (TTexts{"IdPackFloatN in 1 1 1 0 data 00030000"}));
+    EXPECT_EQ(TextsOf(group.Process.Unpack), (TTexts{"IdUnpackFloatN out 0 0 1 2 data 00000000"}));
+    EXPECT_EQ(TextsOf(group.Process.Pack), (TTexts{"IdPackFloatN in 1 1 1 0 data 00030000"}));
 }
 
-TEST(TExportDataBuild, GroupConstantsLieBehindTheAttributes)
+TEST(TExportBuilder, GroupConstantsLieBehindTheAttributes)
 {
     const TSmallGraph small;
     TExported e(small.G);
@@ -162,30 +128,30 @@ TEST(TExportDataBuild, GroupConstantsLieBehindTheAttributes)
     ASSERT_EQ(e.Build(), "");
     const TExportGroup& group = e.Group(0);
     EXPECT_EQ(group.Stride, 12);
-    EXPECT_EQ(TextsOf(group.EmissionExecute), (TTexts{"IdConstantEmitter out 0 1 data 3f80000040000000"}));
-    EXPECT_EQ(TextsOf(group.EmissionPack), (TTexts{"IdPackFloatN in 0 1 2 2 data 00020004"}));
-    EXPECT_EQ(TextsOf(group.ProcessPack), (TTexts{"IdPackFloatN in 0 1 2 0 data 00030000"}));
+    EXPECT_EQ(TextsOf(group.Emission.Execute), (TTexts{"IdConstantEmitter out 0 1 data 3f80000040000000"}));
+    EXPECT_EQ(TextsOf(group.Emission.Pack), (TTexts{"IdPackFloatN in 0 1 2 2 data 00020004"}));
+    EXPECT_EQ(TextsOf(group.Process.Pack), (TTexts{"IdPackFloatN in 0 1 2 0 data 00030000"}));
 }
 
-TEST(TExportDataBuild, GroupFiresTheOneThatItTriggers)
+TEST(TExportBuilder, GroupFiresTheOneThatItTriggers)
 {
     const TSmallGraph small;
     TExported e(small.G);
     small.Fill(e);
     ASSERT_EQ(e.Build(), "");
     const TExportGroup& group = e.Group(0);
-    EXPECT_EQ(TextsOf(group.ProcessExecute),
+    EXPECT_EQ(TextsOf(group.Process.Execute),
               (TTexts{"IdRandomEmitter out 0", "IdWriteEvents in 0 data 00000000000000000000006400000000"}));
-    EXPECT_EQ(group.ProcessExecute.Commands[1].Workspace, 1024u);
+    EXPECT_EQ(group.Process.Execute.Commands[1].Workspace, 1024u);
     ASSERT_EQ(group.Events.size(), 1);
     EXPECT_EQ(group.Events[0].TargetGroup, 1);
     // Behind the first command, its row and the size word.
     EXPECT_EQ(group.Events[0].Offset, 12);
     EXPECT_TRUE(group.Triggers.empty());
-    EXPECT_EQ(group.ProcessExecute.PatchLocations.at(0).first, NameToCrc("event 0"));
+    EXPECT_EQ(group.Process.Execute.PatchLocations.at(0).first, NameToCrc("event 0"));
 }
 
-TEST(TExportDataBuild, ChildTakesItsTriggerThroughAConstant)
+TEST(TExportBuilder, ChildTakesItsTriggerThroughAConstant)
 {
     TChildGraph graph;
     TExported e(graph.G);
@@ -201,18 +167,18 @@ TEST(TExportDataBuild, ChildTakesItsTriggerThroughAConstant)
     EXPECT_EQ(trigger.Triggers[0].Number, 0);
     EXPECT_EQ(trigger.Triggers[0].Row, 0);
     const TExportGroup& firing = e.Group(parent);
-    EXPECT_EQ(TextsOf(firing.ProcessExecute),
+    EXPECT_EQ(TextsOf(firing.Process.Execute),
               (TTexts{"IdConstantEmitter out 3 data 00000000",
                       "IdWriteEvents in 0 1 2 0 3 data 00000000000000100000006400000000"}));
     ASSERT_EQ(firing.Events.size(), 1);
     EXPECT_EQ(firing.Events[0].TargetGroup, child);
-    const auto location = firing.ProcessExecute.PatchLocations.find(NameToCrc("trigger 0"));
-    ASSERT_NE(location, firing.ProcessExecute.PatchLocations.end());
+    const auto location = firing.Process.Execute.PatchLocations.find(NameToCrc("trigger 0"));
+    ASSERT_NE(location, firing.Process.Execute.PatchLocations.end());
     EXPECT_EQ(location->second.Type, 1);
     EXPECT_EQ(e.Group(child).EventSize, 16);
 }
 
-TEST(TExportDataBuild, EventWithoutATriggerGroupHasNoTriggerRow)
+TEST(TExportBuilder, EventWithoutATriggerGroupHasNoTriggerRow)
 {
     TChildGraph graph(false);
     TExported e(graph.G);
@@ -222,11 +188,11 @@ TEST(TExportDataBuild, EventWithoutATriggerGroupHasNoTriggerRow)
     ASSERT_EQ(e.Build(), "");
     EXPECT_TRUE(e.Group(e.GroupOf(graph.Trigger)).Triggers.empty());
     const TExportGroup& firing = e.Group(e.GroupOf(graph.Parent));
-    ASSERT_EQ(firing.ProcessExecute.Commands.size(), 1);
-    EXPECT_EQ(firing.ProcessExecute.Commands[0].Inputs.size(), 4);
+    ASSERT_EQ(firing.Process.Execute.Commands.size(), 1);
+    EXPECT_EQ(firing.Process.Execute.Commands[0].Inputs.size(), 4);
 }
 
-TEST(TExportDataBuild, SecondParentGroupIsReportedAndTaken)
+TEST(TExportBuilder, SecondParentGroupIsReportedAndTaken)
 {
     TChildGraph graph;
     TEffectNode* grandchild = graph.AddPopulation("Third", {{"A", TY_VECTOR3}, {"B", TY_VECTOR3}});
@@ -248,12 +214,12 @@ TEST(TExportDataBuild, SecondParentGroupIsReportedAndTaken)
         fired += event.TargetGroup == target ? 10 : 0;
     EXPECT_EQ(fired, 1);
     // Three rows of the last parent, padded, and the trigger's.
-    EXPECT_EQ(last.ProcessExecute.Commands.back().Inputs.size(), 5);
+    EXPECT_EQ(last.Process.Execute.Commands.back().Inputs.size(), 5);
     EXPECT_GT(e->GetFileSize(), 0);
 }
 
 // A value that both fires the emitter and is drawn has no place in the particle record.
-TEST(TExportDataBuild, TriggerThatIsDrawnIsListedAtMinusOne)
+TEST(TExportBuilder, TriggerThatIsDrawnIsListedAtMinusOne)
 {
     TTestGraph g;
     TEffectNode* random = g.Node("Random", TU_PROCESS, {}, {"Value"}, FL_PROCESSHINT);
@@ -271,7 +237,7 @@ TEST(TExportDataBuild, TriggerThatIsDrawnIsListedAtMinusOne)
     EXPECT_EQ(e.Group(group).RenderAttributes[1].Offset, 0xFF);
 }
 
-TEST(TExportDataBuild, RenderAttributeIsNamedUpToItsFirstBlank)
+TEST(TExportBuilder, RenderAttributeIsNamedUpToItsFirstBlank)
 {
     const TSmallGraph small("colour of smoke", TY_COLOUR);
     TExported e(small.G);
@@ -286,7 +252,7 @@ TEST(TExportDataBuild, RenderAttributeIsNamedUpToItsFirstBlank)
     EXPECT_EQ(e.Group(1).Attributes[e.Find(1, "colour of smoke")].NameId, NameToCrc("colour of smoke"));
 }
 
-TEST(TExportDataBuild, TransformYieldsTwoRenderAttributes)
+TEST(TExportBuilder, TransformYieldsTwoRenderAttributes)
 {
     const TSmallGraph small("position x", TY_TRANSFORM);
     TExported e(small.G);
@@ -299,7 +265,7 @@ TEST(TExportDataBuild, TransformYieldsTwoRenderAttributes)
     EXPECT_EQ(e.Group(1).RenderAttributes[1].NumComponents, 3);
 }
 
-TEST(TExportDataBuild, ParticleCountTimesStrideIsAMultipleOf16)
+TEST(TExportBuilder, ParticleCountTimesStrideIsAMultipleOf16)
 {
     struct TCase
     {
@@ -319,44 +285,44 @@ TEST(TExportDataBuild, ParticleCountTimesStrideIsAMultipleOf16)
     }
 }
 
-TEST(TExportDataBuild, HeadersTellWhatAPhaseNeeds)
+TEST(TExportBuilder, HeadersTellWhatAPhaseNeeds)
 {
     const TFullGraph full;
     TExported e(full.G);
     full.Fill(e);
     ASSERT_EQ(e.Build(), "");
     const TExportGroup& trigger = e.Group(e.GroupOf(full.Trigger));
-    EXPECT_EQ(trigger.EmissionHeader.Phase, 0);
-    EXPECT_EQ(trigger.EmissionHeader.InputBuffers, 1);
-    EXPECT_EQ(trigger.EmissionHeader.OutputBuffers, 1);
-    EXPECT_EQ(trigger.EmissionHeader.WorkspaceKilobytes, 0);
-    EXPECT_EQ(trigger.ProcessHeader.Phase, 1);
-    EXPECT_EQ(trigger.ProcessHeader.InputBuffers, 1);
+    EXPECT_EQ(trigger.Emission.Header.Phase, 0);
+    EXPECT_EQ(trigger.Emission.Header.InputBuffers, 1);
+    EXPECT_EQ(trigger.Emission.Header.OutputBuffers, 1);
+    EXPECT_EQ(trigger.Emission.Header.WorkspaceKilobytes, 0);
+    EXPECT_EQ(trigger.Process.Header.Phase, 1);
+    EXPECT_EQ(trigger.Process.Header.InputBuffers, 1);
     const TExportGroup& group = e.Group(e.GroupOf(full.Force));
-    EXPECT_EQ(group.EmissionHeader.InputBuffers, 1);
-    EXPECT_EQ(group.EmissionHeader.Rows, group.EmissionRows);
-    EXPECT_EQ(group.ProcessHeader.ExecuteWords, group.ProcessExecute.Words.size());
-    EXPECT_EQ(group.ProcessHeader.NumParams, group.ProcessExecute.Commands.size());
-    EXPECT_EQ(group.ProcessHeader.WorkspaceKilobytes, 1);
+    EXPECT_EQ(group.Emission.Header.InputBuffers, 1);
+    EXPECT_EQ(group.Emission.Header.Rows, group.Emission.Rows);
+    EXPECT_EQ(group.Process.Header.ExecuteWords, group.Process.Execute.Words.size());
+    EXPECT_EQ(group.Process.Header.NumParams, group.Process.Execute.Commands.size());
+    EXPECT_EQ(group.Process.Header.WorkspaceKilobytes, 1);
     int size = 48 + 32;
-    for (const TCommandStream* stream : {&group.ProcessUnpack, &group.ProcessExecute, &group.ProcessPack})
+    for (const TCommandStream* stream : {&group.Process.Unpack, &group.Process.Execute, &group.Process.Pack})
         size += (stream->Words.size() + 3) / 4 * 16;
-    size += 32 * group.ProcessExecute.Commands.size();
-    EXPECT_EQ(group.ProcessHeader.ProgramKilobytes, (size + 1023) / 1024);
+    size += 32 * group.Process.Execute.Commands.size();
+    EXPECT_EQ(group.Process.Header.ProgramKilobytes, (size + 1023) / 1024);
 }
 
-TEST(TExportDataBuild, EmissionWithoutAPayloadHasNoInputBuffer)
+TEST(TExportBuilder, EmissionWithoutAPayloadHasNoInputBuffer)
 {
     const TSmallGraph small;
     TExported e(small.G);
     small.Fill(e);
     ASSERT_EQ(e.Build(), "");
     EXPECT_EQ(e.Group(1).EventSize, 0);
-    EXPECT_EQ(e.Group(1).EmissionHeader.InputBuffers, 0);
-    EXPECT_EQ(e.Group(0).EmissionHeader.InputBuffers, 1);
+    EXPECT_EQ(e.Group(1).Emission.Header.InputBuffers, 0);
+    EXPECT_EQ(e.Group(0).Emission.Header.InputBuffers, 1);
 }
 
-TEST(TExportDataBuild, TransformsAndBoxesAreResolvedToPatches)
+TEST(TExportBuilder, TransformsAndBoxesAreResolvedToPatches)
 {
     const TFullGraph full;
     TExported e(full.G);
@@ -364,13 +330,13 @@ TEST(TExportDataBuild, TransformsAndBoxesAreResolvedToPatches)
     ASSERT_EQ(e.Build(), "");
     const TExportGroup& group = e.Group(e.GroupOf(full.Force));
     auto idAt = [](const TCommandStream& stream, int n) { return stream.PatchLocations.at(n).first; };
-    EXPECT_EQ(idAt(group.EmissionExecute, group.EmissionTransforms[0].Ordinal), NameToCrc("transform 0"));
-    EXPECT_EQ(idAt(group.ProcessExecute, group.ProcessTransforms[0].Ordinal), NameToCrc("transform 0"));
-    EXPECT_EQ(idAt(group.ProcessExecute, group.Bounds[0].Ordinal), NameToCrc("bb 0"));
+    EXPECT_EQ(idAt(group.Emission.Execute, group.Emission.Transforms[0].Ordinal), NameToCrc("transform 0"));
+    EXPECT_EQ(idAt(group.Process.Execute, group.Process.Transforms[0].Ordinal), NameToCrc("transform 0"));
+    EXPECT_EQ(idAt(group.Process.Execute, group.Bounds[0].Ordinal), NameToCrc("bb 0"));
     EXPECT_EQ(group.Bounds[1].Ordinal, -1);
 }
 
-TEST(TExportDataBuild, ANodesPatchWithAnEventsNameStops)
+TEST(TExportBuilder, ANodesPatchWithAnEventsNameStops)
 {
     const TSmallGraph small;
     TExported e(small.G);
@@ -383,7 +349,7 @@ TEST(TExportDataBuild, ANodesPatchWithAnEventsNameStops)
     EXPECT_EQ(e.Build(), "it->second.Offsets.size() == 1");
 }
 
-TEST(TExportDataBuild, WhatDoesNotFitTheFileStops)
+TEST(TExportBuilder, WhatDoesNotFitTheFileStops)
 {
     TSmallGraph small;
     small.G.Int(small.Trigger, "Per frame max emission", 65536);
@@ -398,44 +364,4 @@ TEST(TExportDataBuild, WhatDoesNotFitTheFileStops)
     shared->AddSharedData("b", bytes.data(), 65000);
     shared->AddSharedData("c", bytes.data(), 1);
     EXPECT_EQ(shared.Build(), "value <= 0xFFFF : shared data offset of 130000 does not fit the file");
-}
-
-TEST(TExportDataPolicies, ATableOfFlagsAndBoxes)
-{
-    const TFullGraph full;
-    TExported mixed(full.G);
-    full.Fill(mixed);
-    const TSmallGraph small;
-    TExported none(small.G);
-    small.Fill(none);
-    struct TCase
-    {
-        TExported& Export;
-        int Flags;
-        bool Result;
-        TTexts Errors;
-    };
-    const TCase cases[] = {
-        {none, 0, true, {}},
-        {none, PF_PREVENTEXPORT, true, {}},
-        {none, PF_MUSTHAVEBOUNDS, false, {"Warning: Effect file does not contain a bounding box"}},
-        {none,
-         PF_MUSTHAVEBOUNDS | PF_NOMIXEDBOUNDS | PF_PREVENTEXPORT,
-         false,
-         {"Fatal Error: Effect file does not contain a bounding box"}},
-        {mixed, PF_MUSTHAVEBOUNDS, true, {}},
-        {mixed,
-         PF_MUSTHAVEBOUNDS | PF_NOMIXEDBOUNDS,
-         false,
-         {"Warning: Effect file contains 1 render nodes with both dynamic and static bounding boxes"}},
-        {mixed,
-         PF_NOMIXEDBOUNDS | PF_PREVENTEXPORT,
-         false,
-         {"Fatal Error: Effect file contains 1 render nodes with both dynamic and static bounding boxes"}},
-    };
-    for (const TCase& c : cases) {
-        TErrorList errors;
-        EXPECT_EQ(c.Export->CheckPolicies(c.Flags, errors), c.Result) << c.Flags;
-        EXPECT_EQ(TextsOf(errors), c.Errors);
-    }
 }

@@ -30,45 +30,6 @@ std::string Hex(const vector<uint32_t>& words)
 constexpr uint8_t Bytes[6] = {1, 2, 3, 4, 5, 6};
 } // namespace
 
-TEST(NameToCrc, IsTheReflectedCrcWithoutFinalInversion)
-{
-    EXPECT_EQ(NameToCrc(""), 0xFFFFFFFFu);
-    EXPECT_EQ(NameToCrc(nullptr), 0xFFFFFFFFu);
-    EXPECT_EQ(NameToCrc("123456789"), ~0xCBF43926u);
-    EXPECT_NE(NameToCrc("position"), NameToCrc("Position"));
-}
-
-TEST(TDataBlock, NumbersAreBigEndian)
-{
-    TDataBlock block;
-    AppendU8(block, 0x101);
-    AppendU16(block, 0x10203);
-    AppendU32(block, 0x04050607);
-    AppendFloat(block, 1);
-    const std::string bytes(block.begin(), block.end());
-    EXPECT_EQ(bytes, std::string("\x01\x02\x03\x04\x05\x06\x07\x3f\x80\0\0", 11));
-}
-
-TEST(TCommandTable, IndexIsThePositionOfTheId)
-{
-    TCommandTable table;
-    EXPECT_EQ(table.IndexOf(7), 0);
-    EXPECT_EQ(table.IndexOf(9), 1);
-    EXPECT_EQ(table.IndexOf(7), 0);
-    EXPECT_EQ(table.GetNumIds(), 2);
-    EXPECT_EQ(table.GetId(1), 9u);
-}
-
-TEST(TCommandTable, AnIndexBeyondAByteStops)
-{
-    TCommandTable table;
-    for (uint32_t id = 0; id < 256; ++id)
-        table.IndexOf(id);
-    EXPECT_EQ(table.IndexOf(255), 255);
-    EXPECT_EQ(AssertionOf([&] { table.IndexOf(256); }),
-              "value <= 0xFF : command index of 256 does not fit the file");
-}
-
 TEST(TCommandStream, CommandNamesTheRecordThatDataOpened)
 {
     TCommandStream stream;
