@@ -13,7 +13,7 @@ static std::string Channel(const char* keys)
            "</keyValues><keyTimes>0 1</keyTimes></animData></animChannel>";
 }
 
-TTestApp::TTestApp(TAppHost* host)
+TTestApp::TTestApp(TAppHost* host, const std::string& nodeTypes)
     : App(new TCindermillApp(OpenSettingsFile(Folder.Path("settings.ini").c_str()), host))
 {
     const std::string resources = Folder.Path("resources");
@@ -27,7 +27,7 @@ TTestApp::TTestApp(TAppHost* host)
                                              Channel("1 1 1 2 2 2") + "</anim></animclip></VOR>");
     App->GetResourceLocator().AddSearchDirectory(resources.c_str());
     TErrorList errors;
-    App->LoadNodeTypes(SourcePath("NodeTypes").c_str(), errors);
+    App->LoadNodeTypes(nodeTypes.c_str(), errors);
     if (!errors.empty()) {
         TString text;
         (*errors.begin())->GetText(text);
