@@ -40,28 +40,37 @@ struct TKeyCode
     int Key;
 };
 
-// Keys whose codes are not their characters.
-constexpr TKeyCode KeyCodes[] = {
+constexpr TKeyCode NamedKeys[] = {
     {Qt::Key_Backspace, KEY_BACKSPACE}, {Qt::Key_Tab, KEY_TAB},           {Qt::Key_Backtab, KEY_TAB},
     {Qt::Key_Return, KEY_RETURN},       {Qt::Key_Enter, KEY_RETURN},      {Qt::Key_Shift, KEY_SHIFT},
     {Qt::Key_Control, KEY_CTRL},        {Qt::Key_Alt, KEY_ALT},           {Qt::Key_Escape, KEY_ESCAPE},
     {Qt::Key_PageUp, KEY_PAGEUP},       {Qt::Key_PageDown, KEY_PAGEDOWN}, {Qt::Key_End, KEY_END},
     {Qt::Key_Home, KEY_HOME},           {Qt::Key_Left, KEY_LEFT},         {Qt::Key_Up, KEY_UP},
-    {Qt::Key_Right, KEY_RIGHT},         {Qt::Key_Down, KEY_DOWN},         {Qt::Key_Insert, 45},
+    {Qt::Key_Right, KEY_RIGHT},         {Qt::Key_Down, KEY_DOWN},         {Qt::Key_Insert, KEY_INSERT},
     {Qt::Key_Delete, KEY_DELETE},
 };
 
-constexpr int FirstFunctionKey = 112;
+constexpr bool AreNamedKeysApart()
+{
+    for (const TKeyCode& named : NamedKeys)
+        if (IsLetterOrDigit(named.Key))
+            return false;
+    for (int key = KEY_F1; key <= KEY_F24; ++key)
+        if (IsLetterOrDigit(key))
+            return false;
+    return true;
+}
+static_assert(AreNamedKeysApart(), "a printable key would be taken for a named one");
 
 // 0 for a key without a code.
 int ToKey(int key)
 {
-    for (const TKeyCode& code : KeyCodes)
-        if (code.Qt == key)
-            return code.Key;
+    for (const TKeyCode& named : NamedKeys)
+        if (named.Qt == key)
+            return named.Key;
     if (key >= Qt::Key_F1 && key <= Qt::Key_F24)
-        return FirstFunctionKey + key - Qt::Key_F1;
-    return key >= Qt::Key_Space && key <= Qt::Key_AsciiTilde ? key : 0;
+        return KEY_F1 + key - Qt::Key_F1;
+    return IsLetterOrDigit(key) ? key : 0;
 }
 
 // Letters by their places on the keyboard.
@@ -73,13 +82,23 @@ struct TKeyRow
 
 constexpr TKeyRow KeyRows[] = {{16, "QWERTYUIOP"}, {30, "ASDFGHJKL"}, {44, "ZXCVBNM"}};
 
+// Signs, such as those on the third level of a keyboard, are of no script.
+bool IsLetterOfAnotherScript(int character)
+{
+    constexpr int LastCharacter = 0x10FFFF;
+    if (character <= Qt::Key_AsciiTilde || character > LastCharacter)
+        return false;
+    const char32_t letter = static_cast<char32_t>(character);
+    const QChar::Script script = QChar::script(letter);
+    return QChar::isLetter(letter) && script != QChar::Script_Latin && script != QChar::Script_Common;
+}
+
 // With a keyboard of another script a key is the Latin letter of its place, so that shortcuts work all the
 // same.
 int ToKey(const QKeyEvent& event)
 {
-    constexpr int LastCharacter = 0x10FFFF;
     const int key = ToKey(event.key());
-    if (key != 0 || event.key() <= Qt::Key_AsciiTilde || event.key() > LastCharacter)
+    if (key != 0 || !IsLetterOfAnotherScript(event.key()))
         return key;
     // Places are counted from 8 on but on one platform.
     const int first = QGuiApplication::platformName() == QLatin1String("windows") ? 0 : 8;
@@ -102,6 +121,15 @@ int ToKeyFlags(Qt::KeyboardModifiers modifiers)
     return (modifiers.testFlag(Qt::ShiftModifier) ? KF_SHIFT : 0) |
            (modifiers.testFlag(Qt::ControlModifier) ? KF_CTRL : 0) |
            (modifiers.testFlag(Qt::AltModifier) ? KF_ALT : 0);
+}
+
+// A named key gives none, nor one that is a command by Ctrl. With Alt besides, a key is on the third level of
+// the keyboard.
+QString GetText(const QKeyEvent& event, int key)
+{
+    const bool isCommand =
+        event.modifiers().testFlag(Qt::ControlModifier) && !event.modifiers().testFlag(Qt::AltModifier);
+    return isCommand || (key != 0 && !IsLetterOrDigit(key)) ? QString() : event.text();
 }
 
 bool IsModifier(int key)
@@ -312,6 +340,7 @@ bool TWindowPeer::HandleEvent(QEvent* event)
         return false;
     case QEvent::FocusIn:
     case QEvent::FocusOut:
+        KeysDown.clear();
         message.Type = event->type() == QEvent::FocusIn ? MT_FOCUSGAINED : MT_FOCUSLOST;
         Send(message);
         return false;
@@ -431,6 +460,28 @@ bool TWindowPeer::SendWheel(const QWheelEvent& event)
     return message.Delta != 0 && Send(message);
 }
 
+int TWindowPeer::PressKey(const QKeyEvent& event)
+{
+    const quint32 place = event.nativeScanCode();
+    const auto it = KeysDown.find(place);
+    if (event.isAutoRepeat() && it != KeysDown.end())
+        return it->second;
+    const int key = ToKey(event);
+    if (place != 0)
+        KeysDown[place] = key;
+    return key;
+}
+
+int TWindowPeer::ReleaseKey(const QKeyEvent& event)
+{
+    const auto it = KeysDown.find(event.nativeScanCode());
+    if (it == KeysDown.end())
+        return ToKey(event);
+    const int key = it->second;
+    KeysDown.erase(it);
+    return key;
+}
+
 bool TWindowPeer::SendKey(const QKeyEvent& event, bool down)
 {
     // A key that repeats goes down again and again, and comes up once.
@@ -440,10 +491,10 @@ bool TWindowPeer::SendKey(const QKeyEvent& event, bool down)
     TEventScope scope;
     TMessage message;
     message.Type = down ? MT_KEYDOWN : MT_KEYUP;
-    message.Key = ToKey(event);
+    message.Key = down ? PressKey(event) : ReleaseKey(event);
     message.KeyFlags = ToKeyFlags(event.modifiers());
     message.Buttons = ToButtons(QApplication::mouseButtons());
-    const QString text = down ? event.text() : QString();
+    const QString text = down ? GetText(event, message.Key) : QString();
     bool consumed = false;
     if (message.Key != 0) {
         if (OfferKey(Window, message) || self == nullptr || Window == nullptr)

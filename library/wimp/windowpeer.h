@@ -56,11 +56,17 @@ private:
     bool SendWheel(const QWheelEvent& event);
     // True for a key that was consumed.
     bool SendKey(const QKeyEvent& event, bool down);
+    // The key's code. It repeats and comes up as what it went down, whatever Shift and the keypad's lock make
+    // of it meanwhile.
+    int PressKey(const QKeyEvent& event);
+    int ReleaseKey(const QKeyEvent& event);
     void SendCharacters(const QString& text, int keyFlags);
 
     TWindow* Window;
     QWidget* Widget;
     vector<QTimer*> Timers;
+    // The codes of the keys that are down, by their places on the keyboard.
+    sortedmap<quint32, int> KeysDown;
 };
 
 // While one lives, code of the program runs under an event of the window system, and widgets that go are

@@ -4,6 +4,7 @@
 #include "library/wimp/gl/glcontext.h"
 #include "library/wimp/wimp.h"
 
+#include <QtGui/QAction>
 #include <QtGui/QCloseEvent>
 #include <QtGui/QIcon>
 #include <QtGui/QMouseEvent>
@@ -12,6 +13,7 @@
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QMdiArea>
 #include <QtWidgets/QMdiSubWindow>
+#include <QtWidgets/QMenu>
 
 namespace {
 
@@ -122,6 +124,14 @@ TWindowPeer* MakeChild(TWindow& window, const TWindowParams& params)
     return peer;
 }
 
+// A frame's own menu closes it by a letter on some systems. What printable keys do is the program's to say.
+void TakePrintableShortcuts(const QMenu& menu)
+{
+    for (QAction* action : menu.actions())
+        if (action->shortcuts().contains(QKeySequence(Qt::CTRL | Qt::Key_W)))
+            action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F4));
+}
+
 TWindowPeer* MakeDocumentWindow(TWindow& window)
 {
     QMdiArea* area = qobject_cast<QMdiArea*>(TWimp::Get().GetMDIClient());
@@ -133,6 +143,7 @@ TWindowPeer* MakeDocumentWindow(TWindow& window)
     peer->SubWindow = frame;
     frame->Peer = peer;
     frame->setWidget(widget);
+    TakePrintableShortcuts(*frame->systemMenu());
     area->addSubWindow(frame);
     return peer;
 }

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -198,6 +200,40 @@ protected:
         Sleep(500);
         kill(source, SIGTERM);
         waitpid(source, nullptr, 0);
+    }
+    // Every printable key, also on the keypad, by itself, with Ctrl, and with Ctrl and Shift; without those
+    // that are shortcuts, and without "r", the camera's.
+    void PressPrintableKeys()
+    {
+        struct TVariant
+        {
+            const char* Prefix;
+            const char* Told;
+        };
+        const TVariant variants[] = {
+            {"", "rR"}, {"ctrl+", "szyoncvxfrSZYONCVXFR"}, {"ctrl+shift+", "sfrSFR"}};
+        for (const TVariant& variant : variants) {
+            std::vector<std::string> keys;
+            for (char key = ' '; key <= '~'; ++key)
+                if (strchr(variant.Told, key) == nullptr)
+                    keys.push_back(variant.Prefix + KeyName(key));
+            Screen.Keys(keys);
+        }
+        // With the lock the keypad types.
+        const std::vector<std::string> keypad = {"KP_Home",   "KP_Up",    "KP_Prior", "KP_Left",
+                                                 "KP_Begin",  "KP_Down",  "KP_Next",  "KP_End",
+                                                 "KP_Delete", "KP_Right", "KP_Add",   "KP_Subtract"};
+        Screen.Key("Num_Lock");
+        Screen.Keys(keypad);
+        for (const std::string& key : keypad)
+            Screen.Key("ctrl+" + key);
+        Screen.Key("Num_Lock");
+    }
+    static std::string KeyName(char key)
+    {
+        char name[8];
+        snprintf(name, sizeof(name), "U%04X", static_cast<unsigned>(key));
+        return name;
     }
     bool IsMoving(const TRectangle& part) const
     {
@@ -823,6 +859,98 @@ TEST_F(Program, TheMenusShortcutsWorkInTheEffectsDisplay)
     ASSERT_TRUE(program.AnswerChooser(LoadTitle, SourcePath("samples/fountain.effect")));
     ASSERT_TRUE(WaitForDocument("fountain.effect"));
     Exit(program);
+}
+
+TEST_F(Program, PrintableKeysChangeNeitherGraphNorCamera)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    TToolNode* effect = workshop.Add("Effect", 110, 60);
+    SaveTo(program, program.Path("keys.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    workshop.Select(effect);
+    Screen.MoveTo(workshop.ScreenX(400), workshop.ScreenY(300));
+    const TRectangle main = program.GetMainPlace();
+    ASSERT_TRUE(Screen.WaitUntilStill(main));
+    const TPicture graph = Screen.Grab(main);
+    PressPrintableKeys();
+    ASSERT_TRUE(Screen.WaitUntilStill(main));
+    EXPECT_EQ(CountDifferences(Screen.Grab(main), graph), 0);
+    EXPECT_EQ(Screen.FindWindow("\\*\\]$"), "");
+    Screen.Save(main, Screenshot("printable-keys"));
+    ASSERT_NE(Screen.FindWindow(DisplayTitle), "") << "the document has been closed";
+
+    ClickTransport(PauseButton);
+    const TRectangle preview = GetPreview();
+    const int x = preview.X + preview.Width / 2;
+    const int y = preview.Y + preview.Height / 2;
+    Screen.Drag(x, y, x + 120, y + 40);
+    ASSERT_TRUE(Screen.WaitUntilActive(DisplayTitle));
+    ASSERT_TRUE(Screen.WaitUntilStill(preview));
+    const TPicture before = Screen.Grab(preview);
+    PressPrintableKeys();
+    ASSERT_TRUE(Screen.WaitUntilStill(preview));
+    EXPECT_EQ(CountDifferences(Screen.Grab(preview), before), 0);
+    // Named keys are heard on the keypad too.
+    Screen.HoldKey("KP_Left");
+    Sleep(300);
+    Screen.LetKey("KP_Left");
+    ASSERT_TRUE(Screen.WaitUntilStill(preview));
+    EXPECT_GT(CountDifferences(Screen.Grab(preview), before), 1000);
+    EXPECT_EQ(Screen.FindWindow("\\*\\]$"), "");
+    workshop.Select(effect);
+    Screen.Key("KP_Delete");
+    EXPECT_TRUE(WaitForStar());
+    Screen.Key("ctrl+z");
+    EXPECT_TRUE(Screen.WaitUntilGone("\\*\\]$"));
+    Exit(program);
+}
+
+TEST_F(Program, UndoStaysInItsDocument)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    const TRectangle first = workshop.GetGraph();
+    const TRectangle second = Shifted(first, 1);
+    SaveTo(program, program.Path("first.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    workshop.Add("Effect", 110, 60);
+    TToolNode* grid = workshop.Add("Grid", 110, 180);
+    ASSERT_TRUE(Screen.WaitForWindow("first.effect\\*\\]$"));
+    Screen.Key("ctrl+n");
+    ASSERT_TRUE(Screen.WaitForWindow("\\[doc\\]$"));
+    workshop.SetGraph(second);
+    // The display comes to the front when it will.
+    ASSERT_TRUE(WaitUntil([&] {
+        Screen.Click(workshop.ScreenX(20), workshop.ScreenY(20));
+        return Screen.WaitUntilActive(MainTitle, 2);
+    }));
+    SaveTo(program, program.Path("second.effect"));
+    ASSERT_FALSE(HasFatalFailure());
+    workshop.Add("Effect", 110, 60);
+    ASSERT_TRUE(Screen.WaitForWindow("second.effect\\*\\]$"));
+    // Back in the first, by its title bar. The second can still be seen on its right, and the mouse lies
+    // there.
+    Screen.Click(first.X + 100, first.Y - 38);
+    workshop.SetGraph(first);
+    workshop.Select(grid);
+    Screen.HoldKey("ctrl");
+    Screen.MoveTo(second.X + second.Width - 8, second.Y + 300);
+    ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainPlace()));
+    Screen.Save(program.GetMainPlace(), Screenshot("undo-in-its-document"));
+    Screen.Key("z");
+    ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainPlace()));
+    EXPECT_NE(Screen.FindWindow("first.effect\\*\\]$"), "");
+    Screen.Key("z");
+    Screen.LetKey("ctrl");
+    EXPECT_TRUE(Screen.WaitForWindow("first.effect\\]$"));
+    EXPECT_NE(Screen.FindWindow("second.effect\\*\\]$"), "");
 }
 
 TEST_F(Program, TheEffectsDisplayIsClosedAndShownAgainManyTimes)

@@ -225,6 +225,13 @@ void TScreen::Key(const std::string& key)
     Do({"key", key, "sleep", StepDelay});
 }
 
+void TScreen::Keys(const std::vector<std::string>& keys)
+{
+    std::vector<std::string> command = {"key", "--delay", "30"};
+    command.insert(command.end(), keys.begin(), keys.end());
+    Do(command);
+}
+
 void TScreen::HoldKey(const std::string& key)
 {
     Do({"keydown", key, "sleep", StepDelay});
@@ -277,8 +284,11 @@ void TScreen::Activate(const std::string& window)
 
 TRectangle TScreen::GetPlace(const std::string& window) const
 {
-    const TCommandResult result = RunCommand({"xwininfo", "-id", window}, {"DISPLAY=" + Display});
     TRectangle place;
+    // Without one the command waits for a click.
+    if (window.empty())
+        return place;
+    const TCommandResult result = RunCommand({"xwininfo", "-id", window}, {"DISPLAY=" + Display});
     const auto value = [&result](const std::string& name) {
         const size_t at = result.Output.find(name);
         return at == std::string::npos ? 0 : atoi(result.Output.c_str() + at + name.size());

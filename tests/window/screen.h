@@ -53,6 +53,8 @@ public:
     void Wheel(int x, int y, int notches);
     // As "ctrl+z"; goes to the window with the focus.
     void Key(const std::string& key);
+    // One after the other.
+    void Keys(const std::vector<std::string>& keys);
     void HoldKey(const std::string& key);
     void LetKey(const std::string& key);
     void Type(const std::string& text);

@@ -2,6 +2,7 @@
 
 #include "library/containers/assertion.h"
 #include "library/wimp/gl/glcontext.h"
+#include "library/wimp/gl/rendererwatch.h"
 #include "library/wimp/gl/renderobject.h"
 #include "library/wimp/gl/renderpath.h"
 #include "library/wimp/gl/renderwindow.h"
@@ -35,6 +36,7 @@ float Smaller(float a, float b)
 
 TRenderer::~TRenderer()
 {
+    TRendererWatch::Forget(this);
     TRenderObject::ForgetRenderer(this);
     Release();
 }

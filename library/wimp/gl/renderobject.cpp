@@ -1,6 +1,7 @@
 #include "library/wimp/gl/renderobject.h"
 
 #include "library/wimp/gl/renderer.h"
+#include "library/wimp/gl/rendererwatch.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "library/wimp/gl/renderwindow.h"
 
@@ -21,6 +22,21 @@ struct TObjectWatch
     TObjectWatch* Next;
 };
 
+// A message being routed. Others are routed within it: a view that is given the focus hears of that, and the
+// one that loses it.
+struct TRoute
+{
+    TRoute(TRenderer& renderer, int keyFlags);
+    ~TRoute();
+    TRoute(const TRoute&) = delete;
+    TRoute& operator=(const TRoute&) = delete;
+
+    TRendererWatch Renderer;
+    // The keys that were down when the message was sent. SetFocus leaves them.
+    int KeyFlags;
+    TRoute* Outer;
+};
+
 struct TRouting
 {
     TRenderObject* HoverObject = nullptr;
@@ -31,9 +47,7 @@ struct TRouting
     TVector2 LastPointer = TVector2(0, 0);
     TRenderWindow* FocusWindow = nullptr;
     int KeyFlags = 0;
-    // The keys that were down when the message being routed was sent. SetFocus leaves them.
-    int MessageKeyFlags = 0;
-    TRenderer* Renderer = nullptr;
+    TRoute* Route = nullptr;
     vector<TRenderObject*> Ticks;
     TObjectWatch* Watches = nullptr;
 };
@@ -55,6 +69,17 @@ TObjectWatch::~TObjectWatch()
     GetRouting().Watches = Next;
 }
 
+TRoute::TRoute(TRenderer& renderer, int keyFlags)
+    : Renderer(&renderer), KeyFlags(keyFlags & RoutedKeyFlags), Outer(GetRouting().Route)
+{
+    GetRouting().Route = this;
+}
+
+TRoute::~TRoute()
+{
+    GetRouting().Route = Outer;
+}
+
 // The keys that objects hear of beside characters.
 bool IsNavigationKey(int key)
 {
@@ -70,6 +95,8 @@ bool IsNavigationKey(int key)
     case KEY_DELETE:
     case KEY_BACKSPACE:
     case KEY_ESCAPE:
+    case KEY_RETURN:
+    case KEY_TAB:
         return true;
     default:
         return false;
@@ -88,28 +115,14 @@ void StopHoverTimer(TRenderer& renderer)
     if (renderer.GetWindow() != nullptr)
         renderer.GetWindow()->StopTimer(HoverTimer);
 }
-
-class TKeyFlagScope
-{
-public:
-    explicit TKeyFlagScope(int flags) : Before(GetRouting().MessageKeyFlags)
-    {
-        GetRouting().MessageKeyFlags = flags & RoutedKeyFlags;
-    }
-    ~TKeyFlagScope() { GetRouting().MessageKeyFlags = Before; }
-    TKeyFlagScope(const TKeyFlagScope&) = delete;
-    TKeyFlagScope& operator=(const TKeyFlagScope&) = delete;
-
-private:
-    int Before;
-};
 } // namespace
 
 TRenderObject::~TRenderObject()
 {
     TRouting& routing = GetRouting();
-    TRenderObject** const pointers[] = {&routing.HoverObject, &routing.FocusObject, &routing.CaptureObject,
-                                        &routing.OverlayObject};
+    if (routing.FocusObject == this)
+        routing.FocusObject = FindInputHome(Parent);
+    TRenderObject** const pointers[] = {&routing.HoverObject, &routing.CaptureObject, &routing.OverlayObject};
     for (TRenderObject** pointer : pointers)
         if (*pointer == this)
             *pointer = nullptr;
@@ -172,6 +185,30 @@ const TRenderObject* TRenderObject::GetTop() const
     return top;
 }
 
+bool TRenderObject::IsIn(const TRenderObject& object) const
+{
+    const TRenderObject* above = this;
+    while (above != nullptr && above != &object)
+        above = above->Parent;
+    return above != nullptr;
+}
+
+TRenderObject* TRenderObject::FindInputHome(TRenderObject* object)
+{
+    while (object != nullptr && !object->IsInputHome())
+        object = object->Parent;
+    return object;
+}
+
+void TRenderObject::LoseInput()
+{
+    const TRouting& routing = GetRouting();
+    if (routing.CaptureObject != nullptr && routing.CaptureObject->IsIn(*this))
+        ReleaseCapture();
+    if (routing.FocusObject != nullptr && routing.FocusObject->IsIn(*this))
+        SetFocus(FindInputHome(Parent));
+}
+
 bool TRenderObject::IsShownUnder(const TRenderObject& root) const
 {
     return Parent == nullptr || GetTop() == root.GetTop();
@@ -179,8 +216,7 @@ bool TRenderObject::IsShownUnder(const TRenderObject& root) const
 
 bool TRenderObject::Route(TRenderer& renderer, TRenderObject& root, const TMessage& message)
 {
-    GetRouting().Renderer = &renderer;
-    TKeyFlagScope flags(message.KeyFlags);
+    const TRoute route(renderer, message.KeyFlags);
     return Dispatch(renderer, root, message);
 }
 
@@ -322,16 +358,15 @@ void TRenderObject::RouteFocusGained(TRenderer& renderer, TRenderObject& root)
 void TRenderObject::SetFocus(TRenderObject* object, TRenderer* renderer)
 {
     TRouting& routing = GetRouting();
-    if (renderer == nullptr)
-        renderer = routing.Renderer;
     TRenderWindow* window = renderer != nullptr ? renderer->GetWindow() : nullptr;
     if (object == routing.FocusObject && (object == nullptr || window == nullptr || window->HasFocus()))
         return;
-    TObjectWatch focus(object);
-    Send(routing.FocusObject, RE_FOCUSLOST);
-    routing.FocusObject = focus.Object;
+    // Stored before the old one is told, as what that does may take the new one away again.
+    TRenderObject* before = routing.FocusObject;
+    routing.FocusObject = object;
     routing.KeyFlags = 0;
-    if (focus.Object == nullptr || window == nullptr)
+    Send(before, RE_FOCUSLOST);
+    if (object == nullptr || routing.FocusObject != object || window == nullptr)
         return;
     const bool differs = window != routing.FocusWindow || !window->HasFocus();
     routing.FocusWindow = window;
@@ -376,7 +411,8 @@ TRenderObject* TRenderObject::GetOverlay()
 
 TRenderer* TRenderObject::GetRenderer()
 {
-    return GetRouting().Renderer;
+    const TRoute* route = GetRouting().Route;
+    return route != nullptr ? route->Renderer.Get() : nullptr;
 }
 
 TVector2 TRenderObject::GetPointer()
@@ -391,14 +427,13 @@ TVector2 TRenderObject::GetLastPointer()
 
 int TRenderObject::GetKeyFlags()
 {
-    return GetRouting().KeyFlags | GetRouting().MessageKeyFlags;
+    const TRoute* route = GetRouting().Route;
+    return GetRouting().KeyFlags | (route != nullptr ? route->KeyFlags : 0);
 }
 
 void TRenderObject::ForgetRenderer(const TRenderer* renderer)
 {
     TRouting& routing = GetRouting();
-    if (routing.Renderer == renderer)
-        routing.Renderer = nullptr;
     if (renderer->GetWindow() != nullptr && routing.FocusWindow == renderer->GetWindow())
         routing.FocusWindow = nullptr;
 }

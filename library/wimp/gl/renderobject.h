@@ -73,14 +73,22 @@ public:
     void TouchBounds();
     // The uppermost parent; the object itself without one.
     const TRenderObject* GetTop() const;
+    // Whether this is the object or stands somewhere below it.
+    bool IsIn(const TRenderObject& object) const;
+    // Whether the object takes over what one below it loses by going: the focus.
+    virtual bool IsInputHome() const { return false; }
+    // For an object that is hidden, which leaving its container does by itself: what has the focus in it
+    // gives it to the nearest home above, if there is one, and a capture in it ends. The keyboard stays with
+    // the window that has it.
+    void LoseInput();
     // Whether an overlay is to be seen in a view of the root: if it belongs to that tree, or to none.
     bool IsShownUnder(const TRenderObject& root) const;
 
     // Hands a window's message to the objects under the root; true if one consumed it. The renderer must be
     // that of the window.
     static bool Route(TRenderer& renderer, TRenderObject& root, const TMessage& message);
-    // The focused object gets keys and characters; null for none. The second form names the window that gets
-    // the system's focus along.
+    // The focused object gets keys and characters; null for none. The renderer is that of the view that gets
+    // the keyboard along; without one the keyboard stays with the window that has it.
     static void SetFocus(TRenderObject* object, TRenderer* renderer = nullptr);
     static void SetCapture(TRenderObject* object);
     static void ReleaseCapture();
@@ -89,7 +97,7 @@ public:
     static TRenderObject* GetFocus();
     static TRenderObject* GetCapture();
     static TRenderObject* GetOverlay();
-    // The renderer of the view that routed a message last; null once it has gone.
+    // The renderer of the view whose message is being routed; null for none, or once it has gone.
     static TRenderer* GetRenderer();
     // World places of the pointer, of the last and the last but one move.
     static TVector2 GetPointer();
@@ -116,6 +124,7 @@ private:
     friend class TRenderObjects;
 
     bool Contains(const TVector2& point);
+    static TRenderObject* FindInputHome(TRenderObject* object);
     static TRenderObject* FindTarget(TRenderObject& root, const TVector2& point);
     static bool Send(TRenderObject* object, int code, int detail = 0);
     static bool SendToFocus(TRenderObject& root, int code, int detail);

@@ -9,6 +9,10 @@ constexpr float Unbounded = 1e30f;
 
 TRenderObjects::~TRenderObjects()
 {
+    // Told of it, objects may leave by themselves.
+    for (int i = Objects.size() - 1; i >= 0; --i)
+        if (i < Objects.size())
+            Objects[i]->LoseInput();
     for (TRenderObject* object : Objects) {
         object->Container = nullptr;
         if (object->Parent == this)
@@ -104,6 +108,11 @@ void TRenderObjects::AddObjectFront(TRenderObject* object)
 
 void TRenderObjects::RemoveObject(TRenderObject* object)
 {
+    Find(object);
+    object->LoseInput();
+    // Told of it, the object may have left by itself.
+    if (!HasObject(object))
+        return;
     Objects.erase(Find(object));
     object->Container = nullptr;
     if (object->Parent == this)

@@ -26,7 +26,8 @@ enum TMessageType
     MT_SCROLL
 };
 
-// Keys by their codes; letters and digits are their ASCII characters, letters in upper case.
+// Keys by their codes. Letters and digits are their ASCII characters, letters in upper case; no other
+// printable key has a code, as its character may be the code of a named one: it gives its character only.
 enum TKey
 {
     KEY_BACKSPACE = 8,
@@ -44,8 +45,16 @@ enum TKey
     KEY_UP = 38,
     KEY_RIGHT = 39,
     KEY_DOWN = 40,
-    KEY_DELETE = 46
+    KEY_INSERT = 45,
+    KEY_DELETE = 46,
+    KEY_F1 = 112,
+    KEY_F24 = 135
 };
+
+constexpr bool IsLetterOrDigit(int key)
+{
+    return (key >= '0' && key <= '9') || (key >= 'A' && key <= 'Z');
+}
 
 enum TMouseButton
 {

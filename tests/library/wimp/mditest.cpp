@@ -242,6 +242,22 @@ TEST_F(TMDIFrameTest, ClosingADocumentWindowAsksIt)
     EXPECT_EQ(child.Commands[0].Code, CC_CLOSE);
 }
 
+TEST_F(TMDIFrameTest, NoPrintableKeyClosesADocumentWindow)
+{
+    TRecordingWindow child;
+    ASSERT_TRUE(MakeChild(child, "doc"));
+    child.TakeFocus();
+    ASSERT_TRUE(WaitFor([&] { return child.HasFocus(); }));
+    for (int key = Qt::Key_Space; key <= Qt::Key_AsciiTilde; ++key)
+        for (const Qt::KeyboardModifiers keys :
+             {Qt::KeyboardModifiers(Qt::ControlModifier), Qt::ControlModifier | Qt::ShiftModifier})
+            QTest::sendKeyEvent(QTest::Click, child.GetHandle(), static_cast<Qt::Key>(key), QString(), keys);
+    Settle();
+    EXPECT_EQ(child.Count(MT_CLOSE), 0);
+    QTest::keyClick(child.GetHandle(), Qt::Key_F4, Qt::ControlModifier);
+    EXPECT_TRUE(WaitFor([&] { return child.Count(MT_CLOSE) == 1; }));
+}
+
 TEST_F(TMDIFrameTest, ADocumentWindowMayGoInItsClose)
 {
     TRecordingWindow other;

@@ -51,6 +51,17 @@ protected:
         params.Kind = kind;
         return child.Create(params);
     }
+    // As the window system tells it: the text goes with the key.
+    void Send(QEvent::Type type, int key, Qt::KeyboardModifiers modifiers, const QString& text, quint32 place)
+    {
+        QKeyEvent event(type, key, modifiers, place, 0, 0, text);
+        QApplication::sendEvent(Widget(), &event);
+    }
+    void Click(int key, Qt::KeyboardModifiers modifiers, const QString& text, quint32 place = 0)
+    {
+        Send(QEvent::KeyPress, key, modifiers, text, place);
+        Send(QEvent::KeyRelease, key, modifiers, text, place);
+    }
 
     TWindowClass Class{"test_window"};
     TWindowClass ChildClass{"test_child"};
@@ -369,11 +380,120 @@ TEST_F(TWindowClassTest, AKeyWithATextGivesACharacterAfterIt)
     EXPECT_EQ(Window.Messages[2].Type, MT_KEYUP);
 }
 
-TEST_F(TWindowClassTest, ControlCharactersAreNoText)
+TEST_F(TWindowClassTest, PrintableKeysAreNeverNamedKeys)
+{
+    const Qt::KeyboardModifiers with[] = {Qt::NoModifier,
+                                          Qt::ShiftModifier,
+                                          Qt::ControlModifier,
+                                          Qt::ControlModifier | Qt::ShiftModifier,
+                                          Qt::KeypadModifier,
+                                          Qt::KeypadModifier | Qt::ControlModifier,
+                                          Qt::KeypadModifier | Qt::ShiftModifier};
+    for (int key = Qt::Key_Space; key <= Qt::Key_ydiaeresis; ++key) {
+        if (!QChar::isPrint(static_cast<char32_t>(key)))
+            continue;
+        for (const Qt::KeyboardModifiers modifiers : with) {
+            Window.Forget();
+            Click(key, modifiers, QString(QChar(key)));
+            const bool isCode = (key >= '0' && key <= '9') || (key >= 'A' && key <= 'Z');
+            EXPECT_EQ(Window.Count(MT_KEYDOWN), isCode ? 1 : 0) << key << " " << int(modifiers);
+            EXPECT_EQ(Window.Count(MT_KEYUP), isCode ? 1 : 0) << key << " " << int(modifiers);
+            for (const TMessage& message : Window.Messages)
+                EXPECT_EQ(message.Key, message.Type == MT_CHAR ? 0 : key) << int(modifiers);
+            const bool isText = !modifiers.testFlag(Qt::ControlModifier);
+            ASSERT_EQ(Window.Count(MT_CHAR), isText ? 1 : 0) << key << " " << int(modifiers);
+            EXPECT_EQ(Window.Last(MT_CHAR).Character, isText ? static_cast<uint32_t>(key) : 0u);
+        }
+    }
+}
+
+TEST_F(TWindowClassTest, TheKeypadTypesDigitsWithItsLockAndMovesWithoutIt)
+{
+    struct TKeypadKey
+    {
+        int Key;
+        const char* Text;
+        int Code;
+        uint32_t Character;
+    };
+    const TKeypadKey keys[] = {{Qt::Key_4, "4", '4', '4'},
+                               {Qt::Key_Period, ".", 0, '.'},
+                               {Qt::Key_Comma, ",", 0, ','},
+                               {Qt::Key_Minus, "-", 0, '-'},
+                               {Qt::Key_Left, "", KEY_LEFT, 0},
+                               {Qt::Key_Home, "", KEY_HOME, 0},
+                               {Qt::Key_PageDown, "", KEY_PAGEDOWN, 0},
+                               {Qt::Key_Delete, "\x7f", KEY_DELETE, 0},
+                               {Qt::Key_Enter, "\r", KEY_RETURN, 0},
+                               {Qt::Key_Clear, "", 0, 0}};
+    for (const TKeypadKey& key : keys) {
+        Window.Forget();
+        Click(key.Key, Qt::KeypadModifier, QString::fromLatin1(key.Text));
+        EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, key.Code) << key.Key;
+        EXPECT_EQ(Window.Last(MT_CHAR).Character, key.Character) << key.Key;
+    }
+}
+
+// The lock, or Shift, changes what the key is called while it is down.
+TEST_F(TWindowClassTest, AKeyComesUpAsWhatItWentDown)
+{
+    constexpr quint32 LeftOnKeypad = 83;
+    Send(QEvent::KeyPress, Qt::Key_Left, Qt::KeypadModifier, QString(), LeftOnKeypad);
+    Send(QEvent::KeyRelease, Qt::Key_4, Qt::KeypadModifier, "4", LeftOnKeypad);
+    EXPECT_EQ(Window.Last(MT_KEYUP).Key, KEY_LEFT);
+    Window.Forget();
+    Send(QEvent::KeyPress, Qt::Key_Left, Qt::KeypadModifier, QString(), LeftOnKeypad);
+    QKeyEvent repeat(QEvent::KeyPress, Qt::Key_4, Qt::KeypadModifier, LeftOnKeypad, 0, 0, "4", true);
+    QApplication::sendEvent(Widget(), &repeat);
+    EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, KEY_LEFT);
+    EXPECT_EQ(Window.Count(MT_CHAR), 0);
+    Send(QEvent::KeyRelease, Qt::Key_4, Qt::KeypadModifier, "4", LeftOnKeypad);
+    Window.Forget();
+    Send(QEvent::KeyPress, Qt::Key_4, Qt::KeypadModifier, "4", LeftOnKeypad);
+    Send(QEvent::KeyRelease, Qt::Key_Left, Qt::KeypadModifier, QString(), LeftOnKeypad);
+    EXPECT_EQ(Window.Last(MT_KEYUP).Key, '4');
+    // What is held when the keys go elsewhere is let go there.
+    Send(QEvent::KeyPress, Qt::Key_Left, Qt::KeypadModifier, QString(), LeftOnKeypad);
+    QFocusEvent lost(QEvent::FocusOut);
+    QApplication::sendEvent(Widget(), &lost);
+    Send(QEvent::KeyRelease, Qt::Key_4, Qt::KeypadModifier, "4", LeftOnKeypad);
+    EXPECT_EQ(Window.Last(MT_KEYUP).Key, '4');
+}
+
+TEST_F(TWindowClassTest, ASignOnTheThirdLevelOfALetterIsNoKey)
+{
+    constexpr quint32 PlaceOfR = 27;
+    for (const int sign : {0xB6, 0xAE, 0xB5, 0x20AC, 0x2191}) {
+        Window.Forget();
+        Click(sign, Qt::NoModifier, QString(QChar(sign)), PlaceOfR);
+        EXPECT_EQ(Window.Count(MT_KEYDOWN), 0) << sign;
+        EXPECT_EQ(Window.Last(MT_CHAR).Character, static_cast<uint32_t>(sign));
+    }
+}
+
+TEST_F(TWindowClassTest, WithControlAndAltAKeyIsText)
 {
     Window.Forget();
-    for (const Qt::Key key : {Qt::Key_Backspace, Qt::Key_Tab, Qt::Key_Return, Qt::Key_Escape, Qt::Key_Delete})
-        QTest::keyClick(Widget(), key);
+    Click(Qt::Key_At, Qt::ControlModifier | Qt::AltModifier, "@");
+    EXPECT_EQ(Window.Last(MT_CHAR).Character, static_cast<uint32_t>('@'));
+}
+
+TEST_F(TWindowClassTest, ControlCharactersAreNoText)
+{
+    struct TControlKey
+    {
+        Qt::Key Key;
+        const char* Text;
+    };
+    const TControlKey keys[] = {{Qt::Key_Backspace, "\b"},
+                                {Qt::Key_Tab, "\t"},
+                                {Qt::Key_Return, "\r"},
+                                {Qt::Key_Escape, "\x1b"},
+                                {Qt::Key_Delete, "\x7f"}};
+    Window.Forget();
+    for (const TControlKey& key : keys)
+        Click(key.Key, Qt::NoModifier, QString::fromLatin1(key.Text));
+    EXPECT_EQ(Window.Count(MT_KEYDOWN), 5);
     EXPECT_EQ(Window.Count(MT_CHAR), 0);
 }
 

@@ -144,7 +144,7 @@ bool TGraphCanvas::BeginDrag(TDragMode mode, TNodeObj& node)
     if (IsDragging() || renderer == nullptr || TWimp::Get().GetMouseDrag() != nullptr)
         return false;
     Drag = mode;
-    DragRenderer = renderer;
+    DragRenderer.Set(renderer);
     Grabbed = &node;
     Scene.GetHost().BeginDrag(*renderer, *this);
     return true;
@@ -172,11 +172,11 @@ void TGraphCanvas::EndDrag()
     AimedAt = nullptr;
     DeltaX = DeltaY = 0;
     // The view may have gone meanwhile.
-    if (GetRenderer() != nullptr)
-        Scene.GetHost().EndDrag(*DragRenderer);
+    if (DragRenderer.Get() != nullptr)
+        Scene.GetHost().EndDrag(*DragRenderer.Get());
     else if (TWimp::Get().GetMouseDrag() == this)
         TWimp::Get().ClearMouseDrag();
-    DragRenderer = nullptr;
+    DragRenderer.Set(nullptr);
     Scene.GetHost().RedrawGraphs();
 }
 
@@ -195,13 +195,14 @@ void TGraphCanvas::OnMouseMove(int x, int y, int buttons)
 {
     if (!IsDragging())
         return;
-    if (GetRenderer() == nullptr) {
+    TRenderer* renderer = DragRenderer.Get();
+    if (renderer == nullptr) {
         CancelDrag();
         return;
     }
     if (Drag != DM_SIZE)
-        Scene.GetHost().EdgeScroll(*DragRenderer, x, y);
-    const TVector2 pointer = DragRenderer->PixelToWorld(x, y);
+        Scene.GetHost().EdgeScroll(*renderer, x, y);
+    const TVector2 pointer = renderer->PixelToWorld(x, y);
     const bool released = (buttons & MB_LEFT) == 0;
     // What cannot be seen is not meant.
     TPort* under = Drag == DM_EDGE && IsInView(x, y) ? FindDropPort(pointer) : nullptr;
@@ -330,7 +331,7 @@ bool TGraphCanvas::IsInView(int x, int y) const
 {
     int width = 0;
     int height = 0;
-    DragRenderer->GetWindow()->GetSize(width, height);
+    DragRenderer.Get()->GetWindow()->GetSize(width, height);
     return x >= 0 && x < width && y >= 0 && y < height;
 }
 

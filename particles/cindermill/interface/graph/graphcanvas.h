@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/classregistry.h"
+#include "library/wimp/gl/rendererwatch.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/graph/tooledgerenderer.h"
@@ -24,6 +25,7 @@ public:
     void GetBounds(TVector2& min, TVector2& max) override;
     TRenderObject* HitTest(const TVector2& point) override;
     bool Event(const TRenderEvent& event) override;
+    bool IsInputHome() const override { return true; }
     void OnMouseMove(int x, int y, int buttons) override;
     void OnCaptureLost() override { CancelDrag(); }
 
@@ -65,7 +67,7 @@ private:
     TGraphScene& Scene;
     TDragMode Drag = DM_NONE;
     // The view that the drag runs in.
-    TRenderer* DragRenderer = nullptr;
+    TRendererWatch DragRenderer;
     TNodeObj* Grabbed = nullptr;
     // What moves along; the selection may change meanwhile.
     vector<TToolNode*> Dragged;

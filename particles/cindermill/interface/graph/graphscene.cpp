@@ -93,11 +93,6 @@ void TGraphScene::RemoveNode(TToolNode* node)
     object->ReleaseButton();
     Grid.RemoveObject(object);
     TRenderObject::RemoveTick(object);
-    if (TRenderObject::GetCapture() == object)
-        TRenderObject::ReleaseCapture();
-    // Keys go on to the graph.
-    if (TRenderObject::GetFocus() == object)
-        TRenderObject::SetFocus(&Grid);
 }
 
 void TGraphScene::AddEdge(TToolEdge* edge)

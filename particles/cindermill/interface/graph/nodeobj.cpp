@@ -179,6 +179,8 @@ void TNodeObj::SetSelected(bool selected)
 void TNodeObj::SetOpen(bool open)
 {
     Collapsed = !open;
+    if (Collapsed)
+        Expanded.LoseInput();
     TouchBounds();
     AddTick(this);
 }

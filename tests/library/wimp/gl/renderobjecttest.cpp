@@ -1,6 +1,7 @@
 #include "support/gltest.h"
 #include "support/testsupport.h"
 
+#include "library/wimp/gl/rendererwatch.h"
 #include "library/wimp/gl/renderobjects.h"
 
 #include <memory>
@@ -251,8 +252,8 @@ TEST_F(TRouting, TheWheelGoesToTheFocus)
 TEST_F(TRouting, NavigationKeysGoToTheFocus)
 {
     TRenderObject::SetFocus(&A, &Renderer);
-    const TCodes keys = {KEY_LEFT,   KEY_RIGHT,    KEY_UP,     KEY_DOWN,      KEY_HOME,  KEY_END,
-                         KEY_PAGEUP, KEY_PAGEDOWN, KEY_DELETE, KEY_BACKSPACE, KEY_ESCAPE};
+    const TCodes keys = {KEY_LEFT,     KEY_RIGHT,  KEY_UP,        KEY_DOWN,   KEY_HOME,   KEY_END, KEY_PAGEUP,
+                         KEY_PAGEDOWN, KEY_DELETE, KEY_BACKSPACE, KEY_ESCAPE, KEY_RETURN, KEY_TAB};
     TCodes heard;
     A.OnEvent = [&](const TRenderEvent& event) {
         EXPECT_EQ(event.Code, RE_KEY);
@@ -262,7 +263,7 @@ TEST_F(TRouting, NavigationKeysGoToTheFocus)
     for (const int key : keys)
         EXPECT_TRUE(Route(MakeKey(MT_KEYDOWN, key)));
     for (const int key :
-         {int(KEY_TAB), int(KEY_RETURN), int(KEY_SHIFT), int(KEY_CTRL), int(KEY_ALT), int('A')})
+         {int(KEY_SHIFT), int(KEY_CTRL), int(KEY_ALT), int(KEY_INSERT), int(KEY_F1), int('A')})
         EXPECT_FALSE(Route(MakeKey(MT_KEYDOWN, key)));
     EXPECT_EQ(heard, keys);
 }
@@ -340,12 +341,52 @@ TEST_F(TRouting, SetFocusOnTheFocusedObjectOfAWindowThatLostItTakesItAgain)
     EXPECT_EQ(TRenderObject::GetFocus(), &A);
 }
 
-TEST_F(TRouting, SetFocusWithoutARendererTakesTheViewThatRoutedLast)
+TEST_F(TRouting, SetFocusWithoutARendererLeavesTheKeyboardToTheViewThatHasIt)
+{
+    TFakeWindow other(100, 100);
+    TRenderer second;
+    second.Init(&other);
+    TRenderObjects otherRoot;
+    TRenderObject::SetFocus(&A, &Renderer);
+    for (const TMessageType type : {MT_MOUSEMOVE, MT_PAINT, MT_LEFTDOWN})
+        TRenderObject::Route(second, otherRoot, MakeMessage(type, 15, 15));
+    TRenderObject::SetFocus(&B);
+    EXPECT_EQ(TRenderObject::GetFocus(), &B);
+    EXPECT_EQ(A.GetCodes(), (TCodes{RE_FOCUSLOST}));
+    EXPECT_EQ(other.NumFocusTakes, 0);
+    EXPECT_EQ(Window.NumFocusTakes, 1);
+    EXPECT_TRUE(Route(MakeKey(MT_KEYDOWN, KEY_DELETE)));
+    EXPECT_EQ(B.GetCodes(), (TCodes{RE_KEY}));
+    // The window still has it, as far as that goes.
+    Route(MakeMessage(MT_FOCUSLOST));
+    EXPECT_EQ(B.GetCodes(), (TCodes{RE_KEY, RE_FOCUSLOST}));
+}
+
+TEST_F(TRouting, WithoutTheKeyboardInAnyViewSetFocusTakesItForNone)
 {
     Move(15, 15);
-    EXPECT_EQ(TRenderObject::GetRenderer(), &Renderer);
     TRenderObject::SetFocus(&A);
-    EXPECT_TRUE(Window.Focused);
+    EXPECT_EQ(TRenderObject::GetFocus(), &A);
+    EXPECT_EQ(Window.NumFocusTakes, 0);
+}
+
+TEST_F(TRouting, TheRendererIsThatOfTheMessageBeingRouted)
+{
+    TFakeWindow other(100, 100);
+    TRenderer second;
+    second.Init(&other);
+    TRenderObjects otherRoot;
+    std::vector<TRenderer*> renderers;
+    A.OnEvent = [&](const TRenderEvent&) {
+        renderers.push_back(TRenderObject::GetRenderer());
+        // As when that view is told that it has lost the focus.
+        TRenderObject::Route(second, otherRoot, MakeMessage(MT_FOCUSLOST));
+        renderers.push_back(TRenderObject::GetRenderer());
+        return true;
+    };
+    Route(MakeMessage(MT_LEFTDOWN, 15, 15));
+    EXPECT_EQ(renderers, (std::vector<TRenderer*>{&Renderer, &Renderer}));
+    EXPECT_EQ(TRenderObject::GetRenderer(), nullptr);
 }
 
 TEST_F(TRouting, LosingTheFocusTellsTheFocusedObject)
@@ -439,14 +480,141 @@ TEST_F(TRouting, AnObjectMayDestroyItselfInItsEvent)
 
 TEST_F(TRouting, TheRendererIsForgottenWhenItGoes)
 {
+    auto second = std::make_unique<TRenderer>();
+    TRendererWatch watch(second.get());
+    TRendererWatch otherWatch(&Renderer);
+    bool told = false;
+    A.OnEvent = [&](const TRenderEvent&) {
+        EXPECT_EQ(TRenderObject::GetRenderer(), second.get());
+        second.reset();
+        EXPECT_EQ(TRenderObject::GetRenderer(), nullptr);
+        told = true;
+        return true;
+    };
+    TRenderObject::Route(*second, Root, MakeMessage(MT_MOUSEMOVE, 15, 15));
+    EXPECT_TRUE(told);
+    EXPECT_EQ(watch.Get(), nullptr);
+    EXPECT_EQ(otherWatch.Get(), &Renderer);
+}
+
+namespace {
+
+class THome : public TRenderObjects
+{
+public:
+    bool IsInputHome() const override { return true; }
+};
+
+// A panel with an object in it, on a home of the view's.
+class TLosing : public TRouting
+{
+protected:
+    void SetUp() override
     {
-        TRenderer second;
-        TRenderObject::Route(second, Root, MakeMessage(MT_MOUSEMOVE, 15, 15));
-        EXPECT_EQ(TRenderObject::GetRenderer(), &second);
+        TRouting::SetUp();
+        Root.AddObject(&Home);
+        Home.AddObject(&Panel);
+        Panel.AddObject(&Child);
+        TRenderObject::SetFocus(&Child, &Renderer);
+        TRenderObject::SetCapture(&Child);
     }
-    EXPECT_EQ(TRenderObject::GetRenderer(), nullptr);
-    TRenderObject::SetFocus(&A);
-    EXPECT_EQ(TRenderObject::GetFocus(), &A);
+    void ExpectGivenUp()
+    {
+        EXPECT_EQ(TRenderObject::GetFocus(), &Home);
+        EXPECT_EQ(TRenderObject::GetCapture(), nullptr);
+        EXPECT_EQ(Window.NumFocusTakes, 1);
+    }
+
+    THome Home;
+    TRenderObjects Panel;
+    TDrawnObject Child;
+};
+
+} // namespace
+
+TEST_F(TLosing, WhatLeavesItsContainerGivesFocusAndCaptureUp)
+{
+    Child.Consumes = false;
+    Panel.RemoveObject(&Child);
+    ExpectGivenUp();
+    EXPECT_EQ(Child.GetCodes(), (TCodes{RE_FOCUSLOST}));
+}
+
+TEST_F(TLosing, WhatLeavesTakesWhatStandsBelowItAlong)
+{
+    Home.RemoveObject(&Panel);
+    ExpectGivenUp();
+    EXPECT_EQ(Child.GetCodes(), (TCodes{RE_FOCUSLOST}));
+}
+
+TEST_F(TLosing, AnObjectThatLeavesByItselfWhenItLosesTheFocusIsGone)
+{
+    Child.OnEvent = [this](const TRenderEvent&) {
+        Panel.RemoveObject(&Child);
+        return true;
+    };
+    Panel.RemoveObject(&Child);
+    ExpectGivenUp();
+    EXPECT_FALSE(Panel.HasObject(&Child));
+}
+
+TEST_F(TLosing, TheNewFocusMayLeaveWhenTheOldOneIsTold)
+{
+    TDrawnObject next;
+    Panel.AddObject(&next);
+    TFakeWindow other(100, 100);
+    TRenderer second;
+    second.Init(&other);
+    Child.OnEvent = [&](const TRenderEvent&) {
+        Panel.RemoveObject(&next);
+        return true;
+    };
+    TRenderObject::SetFocus(&next, &second);
+    EXPECT_EQ(TRenderObject::GetFocus(), &Home);
+    EXPECT_EQ(other.NumFocusTakes, 0);
+}
+
+TEST_F(TLosing, WhatIsHiddenGivesUpToo)
+{
+    Panel.LoseInput();
+    ExpectGivenUp();
+    EXPECT_TRUE(Panel.HasObject(&Child));
+}
+
+TEST_F(TLosing, WhatHasNothingToDoWithItLeavesItAlone)
+{
+    Root.RemoveObject(&A);
+    EXPECT_EQ(TRenderObject::GetFocus(), &Child);
+    EXPECT_EQ(TRenderObject::GetCapture(), &Child);
+    Home.MoveToBack(&Panel);
+    EXPECT_EQ(TRenderObject::GetFocus(), &Child);
+}
+
+TEST_F(TLosing, WhatIsDestroyedGivesUpToo)
+{
+    auto panel = std::make_unique<TRenderObjects>();
+    auto object = std::make_unique<TDrawnObject>();
+    Home.AddObject(panel.get());
+    panel->AddObject(object.get());
+    const auto take = [&] {
+        TRenderObject::SetFocus(object.get(), &Renderer);
+        TRenderObject::SetCapture(object.get());
+    };
+    take();
+    object.reset();
+    ExpectGivenUp();
+    object = std::make_unique<TDrawnObject>();
+    panel->AddObject(object.get());
+    take();
+    panel.reset();
+    ExpectGivenUp();
+}
+
+TEST_F(TLosing, WithoutAHomeTheFocusIsNobodys)
+{
+    Root.RemoveObject(&Home);
+    EXPECT_EQ(TRenderObject::GetFocus(), nullptr);
+    EXPECT_EQ(TRenderObject::GetCapture(), nullptr);
 }
 
 TEST(TTicks, AnObjectIsTickedOnceHoweverOftenItIsAdded)

@@ -1,5 +1,6 @@
 #include "docwindowfixture.h"
 
+#include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QWheelEvent>
 #include <QtWidgets/QApplication>
@@ -137,6 +138,14 @@ void DocWindows::Wheel(TWindow& window, const QPoint& at, int delta)
 void DocWindows::Key(TWindow& window, int key, Qt::KeyboardModifiers keys)
 {
     QTest::keyClick(window.GetHandle(), static_cast<Qt::Key>(key), keys);
+}
+
+void DocWindows::Type(TWindow& window, int key, const QString& text, Qt::KeyboardModifiers keys)
+{
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent event(type, key, keys, text);
+        QApplication::sendEvent(window.GetHandle(), &event);
+    }
 }
 
 QPoint DocWindows::InWindow(const TWindow& from, const QPoint& at, const TWindow& to)

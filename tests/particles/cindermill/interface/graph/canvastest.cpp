@@ -383,4 +383,22 @@ TEST_F(TGraphCanvasTest, ADragWhoseViewHasGoneEndsQuietly)
     EXPECT_EQ(Object(node).GetOrigin(), TVector2(100, 100));
 }
 
+TEST_F(TGraphCanvasTest, AViewThatGoesLeavesTheDragOfAnotherAlone)
+{
+    TToolNode* node = Add("Noise", 100, 100);
+    Press(TitleOf(node));
+    {
+        TPlainWindow window;
+        TRenderer other;
+        other.Init(&window);
+        TMessage message;
+        message.Type = MT_MOUSEMOVE;
+        TRenderObject::Route(other, Scene().GetRoot(), message);
+    }
+    Drag(TitleOf(node) + TVector2(30, 20));
+    EXPECT_TRUE(Canvas().IsDragging());
+    EXPECT_EQ(Object(node).GetOrigin(), TVector2(130, 120));
+    Release(TitleOf(node) + TVector2(30, 20));
+}
+
 } // namespace

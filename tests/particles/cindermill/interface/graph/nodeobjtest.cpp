@@ -450,6 +450,50 @@ TEST_F(TNodeObjTest, EscapeBringsTheSizeBack)
     EXPECT_EQ(Object(node).GetSize(), size);
 }
 
+TEST_F(TNodeObjTest, KeysGoToTheGraphWhenTheFocusedControlCannotBeSeen)
+{
+    TToolNode* node = Add("Scalar Over Life", 500, 100);
+    TToolNode* effect = Add("Effect", 100, 100);
+    const int port = node->GetNodeType()->FindInput("Time");
+    TBoxControls* controls = new TBoxControls(200);
+    Object(node).AddControls(new TBoxControls(200), -1);
+    Object(node).AddControls(controls, port);
+    const auto open = [&] {
+        if (Object(node).IsCollapsed())
+            Click(ButtonOf(node));
+        TRenderObject::RunTicks(&Renderer);
+        ASSERT_FALSE(Object(node).IsCollapsed());
+        TRenderObject::SetFocus(controls, &Renderer);
+        TRenderObject::SetCapture(controls);
+        controls->Events.clear();
+    };
+    const auto expectGraphHasThem = [&](const char* what) {
+        EXPECT_EQ(TRenderObject::GetFocus(), &Canvas()) << what;
+        EXPECT_EQ(TRenderObject::GetCapture(), nullptr) << what;
+        EXPECT_EQ(controls->GetCodes(), (std::vector<int>{RE_FOCUSLOST})) << what;
+    };
+    open();
+    TToolEdge* edge = Connect(effect, "Time", node, "Time");
+    expectGraphHasThem("an edge hides them");
+    Document.ApplyOperation(new TDeleteGraphEdgeOp(edge));
+    open();
+    // The press takes the keys for the node.
+    Press(ButtonOf(node));
+    TRenderObject::SetFocus(controls, &Renderer);
+    controls->Events.clear();
+    Release(ButtonOf(node));
+    ASSERT_TRUE(Object(node).IsCollapsed());
+    expectGraphHasThem("the panel is closed");
+    open();
+    vector<TToolNode*> nodes;
+    nodes.push_back(node);
+    Document.ApplyOperation(new TDeleteGraphNodeOp(nodes));
+    expectGraphHasThem("the node is deleted");
+    Document.SelectNode(effect, true);
+    EXPECT_TRUE(Key(KEY_DELETE));
+    EXPECT_EQ(Document.GetGraph()->GetNumNodes(), 0);
+}
+
 TEST_F(TNodeObjTest, ADeletedNodeComesBackAsItWas)
 {
     TToolNode* node = Add("Effect", 100, 100);

@@ -6,7 +6,9 @@
 #include "library/system/clock.h"
 #include "library/wimp/wimp.h"
 
+#include <QtGui/QKeyEvent>
 #include <QtTest/QTest>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
@@ -262,6 +264,46 @@ TEST_F(ParticleWindow, KeysAreHeldUntilTheyAreLetGoOrTheFocusIsLost)
     const TVector3 last = EyeDirection();
     Tick(20);
     EXPECT_EQ(EyeDirection(), last);
+}
+
+TEST_F(ParticleWindow, PrintableKeysLeaveTheCameraAlone)
+{
+    QWidget* widget = Find<QWidget>("cindermill_particlewindow_render");
+    const auto send = [widget](QEvent::Type type, int key, Qt::KeyboardModifiers modifiers) {
+        QKeyEvent event(type, key, modifiers, QString(QChar(key)));
+        QApplication::sendEvent(widget, &event);
+    };
+    const auto view = [this] {
+        TMatrix4 matrix;
+        Window.GetRenderWindow().GetCamera().GetView(matrix);
+        return matrix;
+    };
+    const Qt::KeyboardModifiers with[] = {Qt::NoModifier,      Qt::ShiftModifier,
+                                          Qt::ControlModifier, Qt::ControlModifier | Qt::ShiftModifier,
+                                          Qt::KeypadModifier,  Qt::KeypadModifier | Qt::ControlModifier};
+    for (const int mode : {0, 1}) {
+        App.Get().GetSettings().SetCameraMode(mode);
+        Tick(10);
+        // Away from where a reset would take it.
+        send(QEvent::KeyPress, Qt::Key_Left, Qt::KeypadModifier);
+        const TMatrix4 first = view();
+        Tick(50);
+        send(QEvent::KeyRelease, Qt::Key_Left, Qt::KeypadModifier);
+        const TMatrix4 before = view();
+        ASSERT_NE(first, before);
+        for (int key = Qt::Key_Space; key <= Qt::Key_ydiaeresis; ++key)
+            for (const Qt::KeyboardModifiers modifiers : with) {
+                if (!QChar::isPrint(static_cast<char32_t>(key)) || key == Qt::Key_R)
+                    continue;
+                send(QEvent::KeyPress, key, modifiers);
+                Tick(20);
+                ASSERT_EQ(view(), before) << key << " " << int(modifiers) << " " << mode;
+                send(QEvent::KeyRelease, key, modifiers);
+            }
+        send(QEvent::KeyPress, Qt::Key_R, Qt::NoModifier);
+        send(QEvent::KeyRelease, Qt::Key_R, Qt::NoModifier);
+        EXPECT_NE(view(), before);
+    }
 }
 
 TEST_F(ParticleWindow, AClickGivesTheViewTheKeys)
