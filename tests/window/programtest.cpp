@@ -116,6 +116,7 @@ protected:
     {
         const TRectangle& graph = workshop.GetGraph();
         Screen.Click(graph.X + 20, graph.Y + 20);
+        EXPECT_TRUE(Screen.WaitUntilActive(MainTitle));
         Screen.HoldKey("ctrl");
         Screen.Drag(graph.X + 20, graph.Y + 20, graph.X + graph.Width - 40, graph.Y + graph.Height - 40);
         Screen.LetKey("ctrl");
@@ -178,9 +179,10 @@ protected:
     {
         constexpr int Steps = 10;
         const char* const title = "^dragsource$";
+        ASSERT_NO_FATAL_FAILURE(EndDrop());
         std::vector<std::string> command = {CINDERMILL_DRAGSOURCE};
         command.insert(command.end(), files.begin(), files.end());
-        const pid_t source = StartCommand(
+        Source = StartCommand(
             command, {"DISPLAY=" + Screen.GetDisplay(), "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}, "/dev/null");
         ASSERT_TRUE(Screen.WaitForWindow(title));
         Screen.MoveWindow(Screen.FindWindow(title), 2600, 900);
@@ -189,21 +191,31 @@ protected:
         const int fromY = place.Y + place.Height / 2;
         Screen.MoveTo(fromX, fromY);
         Screen.Press();
-        for (int i = 1; i <= Steps; ++i) {
+        for (int i = 1; i <= Steps; ++i)
             Screen.MoveTo(fromX + (x - fromX) * i / Steps, fromY + (y - fromY) * i / Steps);
-            Sleep(50);
-        }
-        Sleep(300);
+        ASSERT_TRUE(Screen.WaitForWindow("^dragsource: taken$"));
         Screen.Release();
-        Sleep(500);
-        kill(source, SIGTERM);
-        waitpid(source, nullptr, 0);
     }
-    bool IsMoving(const TRectangle& part) const
+    // Waits until the program has done all that it does with what was dropped.
+    void EndDrop()
     {
-        const TPicture before = Screen.Grab(part);
-        return WaitUntil([&] { return Screen.Grab(part).Pixels != before.Pixels; }, 5);
+        if (Source <= 0)
+            return;
+        ASSERT_TRUE(Screen.WaitForWindow("^dragsource: done$"));
+        EndSource();
+        ASSERT_TRUE(Screen.WaitUntilGone("^dragsource"));
     }
+    void EndSource()
+    {
+        kill(Source, SIGTERM);
+        waitpid(Source, nullptr, 0);
+        Source = -1;
+    }
+    bool IsChanged(const TRectangle& part, const TPicture& from, int pixels) const
+    {
+        return WaitUntil([&] { return CountDifferences(Screen.Grab(part), from) >= pixels; });
+    }
+    bool IsMoving(const TRectangle& part) const { return IsChanged(part, Screen.Grab(part), 1); }
     void Exit(TProgram& program, const char* answer = nullptr)
     {
         program.ChooseFromFileMenu(FE_EXIT);
@@ -213,7 +225,14 @@ protected:
         EXPECT_EQ(program.WaitForEnd(), 0) << program.GetOutput();
     }
 
+    void TearDown() override
+    {
+        if (Source > 0)
+            EndSource();
+    }
+
     TScreen Screen;
+    pid_t Source = -1;
 };
 
 } // namespace
@@ -671,7 +690,9 @@ TEST_P(ProgramCamera, IsMovedByMouseAndKeysAndComesBack)
     Open(program, SourcePath("samples/campfire.effect"));
     ASSERT_FALSE(HasFatalFailure());
     const TRectangle preview = GetPreview();
-    Sleep(1500);
+    // There is something to see of the fire.
+    constexpr int Visible = 1000;
+    ASSERT_TRUE(IsChanged(preview, Screen.Grab(preview), Visible));
     ClickTransport(PauseButton);
     const int x = preview.X + preview.Width / 2;
     const int y = preview.Y + preview.Height / 2;
@@ -695,7 +716,7 @@ TEST_P(ProgramCamera, IsMovedByMouseAndKeysAndComesBack)
     expectMoved("wheel");
     for (const char* key : {"Left", "Prior"}) {
         Screen.HoldKey(key);
-        Sleep(300);
+        EXPECT_TRUE(IsChanged(preview, start, 5000)) << key;
         Screen.LetKey(key);
         expectMoved(key);
     }
@@ -721,7 +742,12 @@ TEST_F(Program, ATextureMayVanishWhileTheEffectRuns)
     const TRectangle preview = GetPreview();
     ASSERT_TRUE(IsMoving(preview));
     std::filesystem::remove(textures.Path("drop.dds"));
-    Sleep(500);
+    // Files are looked at ten times a second, by the clock: a step of the effect that is seen after twice
+    // that has met the change.
+    constexpr auto Look = std::chrono::milliseconds(200);
+    const auto removed = std::chrono::steady_clock::now();
+    while (std::chrono::steady_clock::now() < removed + Look)
+        ASSERT_TRUE(IsMoving(preview));
     EXPECT_TRUE(IsMoving(preview));
     EXPECT_EQ(Screen.FindWindow(ErrorsTitle), "");
     // A restart needs it, and asks for it.
@@ -909,7 +935,8 @@ TEST_F(Program, FilesDroppedFromAnotherProgramAreOpenedInTheirOrder)
     ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
     Drop({animation, SourcePath("samples/snow.effect")}, main.X + 20, main.Y + main.Height - 60);
     ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
-    Sleep(500);
+    ASSERT_NO_FATAL_FAILURE(EndDrop());
+    Screen.Settle();
     EXPECT_EQ(Screen.FindWindow("snow.effect"), "");
     Exit(program);
 }
