@@ -42,6 +42,11 @@ function(cindermill_layer folder)
     target_link_libraries(${name} PUBLIC cindermill-options ${links} ${arg_PACKAGES})
 endfunction()
 
+# A test ends by itself long before: what it waits for has limits of its own. These only end what hangs.
+set(CINDERMILL_TEST_SECONDS 1800)
+# Of a whole program of tests with windows.
+set(CINDERMILL_DISPLAY_SECONDS 7200)
+
 # What the window system's own libraries never give back is no leak of ours.
 set(CINDERMILL_DISPLAY_ENVIRONMENT
     "LSAN_OPTIONS=suppressions='${PROJECT_SOURCE_DIR}/tests/support/systemleaks.txt':print_suppressions=0")
@@ -69,9 +74,11 @@ function(cindermill_test folder)
     set_target_properties(test-${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
     if(arg_DISPLAY)
         add_test(NAME ${name} COMMAND xvfb-run -a -s "-screen 0 1600x1200x24" $<TARGET_FILE:test-${name}>)
-        set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
+        set_tests_properties(${name} PROPERTIES TIMEOUT ${CINDERMILL_DISPLAY_SECONDS}
+                             ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
         return()
     endif()
-    gtest_discover_tests(test-${name} DISCOVERY_TIMEOUT 60
-                         PROPERTIES TIMEOUT 300 ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
+    gtest_discover_tests(test-${name} DISCOVERY_TIMEOUT 600
+                         PROPERTIES TIMEOUT ${CINDERMILL_TEST_SECONDS}
+                         ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
 endfunction()

@@ -1,4 +1,5 @@
-// A window out of which files are dragged: those of the command line, all at once.
+// A window out of which files are dragged: those of the command line, all at once. Its title tells whether
+// what is under the pointer takes them, and then that whoever took them has done what it does with them.
 
 #include <QtCore/QMimeData>
 #include <QtCore/QUrl>
@@ -27,6 +28,12 @@ protected:
         QMimeData* carried = new QMimeData;
         carried->setUrls(urls);
         QDrag* drag = new QDrag(this);
+        QObject::connect(drag, &QDrag::actionChanged, this, [this](Qt::DropAction action) {
+            setWindowTitle(action == Qt::IgnoreAction ? QStringLiteral("dragsource")
+                                                      : QStringLiteral("dragsource: taken"));
+        });
+        QObject::connect(drag, &QObject::destroyed, this,
+                         [this] { setWindowTitle(QStringLiteral("dragsource: done")); });
         drag->setMimeData(carried);
         drag->exec(Qt::CopyAction | Qt::MoveAction);
     }

@@ -2,7 +2,9 @@
 
 #include "library/containers/assertion.h"
 #include "library/containers/log.h"
+#include "library/system/clock.h"
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -26,6 +28,24 @@ std::string LogOf(const std::function<void()>& work)
     return text;
 }
 
+static uint32_t Now;
+
+TFakeClock::TFakeClock(uint32_t now)
+{
+    Now = now;
+    SetTickCountSource([] { return Now; });
+}
+
+TFakeClock::~TFakeClock()
+{
+    SetTickCountSource(nullptr);
+}
+
+void TFakeClock::Set(uint32_t now)
+{
+    Now = now;
+}
+
 TTempFolder::TTempFolder()
 {
     std::string pattern = (std::filesystem::temp_directory_path() / "cindermill-XXXXXX").string();
@@ -36,6 +56,17 @@ TTempFolder::~TTempFolder()
 {
     std::error_code error;
     std::filesystem::remove_all(Folder, error);
+}
+
+bool WaitFor(const std::function<bool()>& condition, const std::function<void()>& pause)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(Patience);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        pause();
+    }
+    return true;
 }
 
 std::string ReadBytes(const std::string& path)

@@ -2,6 +2,7 @@
 
 #include "library/containers/string.h"
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -13,6 +14,17 @@ std::string AssertionOf(const std::function<void()>& work);
 
 // What `work` writes to the log.
 std::string LogOf(const std::function<void()>& work);
+
+// The clock stands still where it is set, for as long as this lives.
+class TFakeClock
+{
+public:
+    explicit TFakeClock(uint32_t now);
+    ~TFakeClock();
+    TFakeClock(const TFakeClock&) = delete;
+    TFakeClock& operator=(const TFakeClock&) = delete;
+    void Set(uint32_t now);
+};
 
 // A fresh folder under the system's temporary folder, gone with the object.
 class TTempFolder
@@ -29,6 +41,12 @@ public:
 private:
     std::string Folder;
 };
+
+// How many seconds a test waits at most for what it needs: far more than that takes under the sanitizers on a
+// machine that is busy elsewhere. Only what never comes is waited for this long.
+constexpr int Patience = 120;
+// Calls `pause` until the condition holds; false once the patience is at an end.
+bool WaitFor(const std::function<bool()>& condition, const std::function<void()>& pause);
 
 // A file's bytes; "" if it cannot be read.
 std::string ReadBytes(const std::string& path);

@@ -2,10 +2,91 @@
 
 #include "library/wimp/wimp.h"
 
+#include <QtCore/QAbstractNativeEventFilter>
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QTimer>
+#include <QtGui/QGuiApplication>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QMenu>
+
 #include <algorithm>
-#include <chrono>
+
+#include <xcb/xcb.h>
+
+namespace {
+
+// A message to this program itself by way of the window system. Once it is back, all has been read that the
+// window system had told before.
+class TEcho : public QAbstractNativeEventFilter
+{
+public:
+    TEcho()
+    {
+        QGuiApplication::instance()->installNativeEventFilter(this);
+        const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+        Connection = native == nullptr ? nullptr : native->connection();
+        if (Connection == nullptr)
+            return;
+        Window = xcb_generate_id(Connection);
+        xcb_create_window(Connection, 0, Window,
+                          xcb_setup_roots_iterator(xcb_get_setup(Connection)).data->root, 0, 0, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_client_message_event_t message = {};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = Window;
+        message.type = XCB_ATOM_INTEGER;
+        xcb_send_event(Connection, 0, Window, XCB_EVENT_MASK_NO_EVENT,
+                       reinterpret_cast<const char*>(&message));
+        xcb_flush(Connection);
+    }
+    ~TEcho() override
+    {
+        if (Connection != nullptr)
+            xcb_destroy_window(Connection, Window);
+    }
+    TEcho(const TEcho&) = delete;
+    TEcho& operator=(const TEcho&) = delete;
+
+    // At once on a system that knows no such messages.
+    bool IsBack() const { return Back || Connection == nullptr; }
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr*) override
+    {
+        if (type != "xcb_generic_event_t")
+            return false;
+        const auto* event = static_cast<const xcb_client_message_event_t*>(message);
+        if ((event->response_type & 0x7F) != XCB_CLIENT_MESSAGE || event->window != Window)
+            return false;
+        Back = true;
+        return true;
+    }
+
+private:
+    xcb_connection_t* Connection = nullptr;
+    xcb_window_t Window = 0;
+    bool Back = false;
+};
+
+// What stands in place of what was awaited would wait for ever.
+void LeaveLoops()
+{
+    if (QWidget* popup = QApplication::activePopupWidget())
+        popup->close();
+    else if (QWidget* dialog = QApplication::activeModalWidget())
+        dialog->close();
+}
+
+} // namespace
 
 std::string TWindowTest::BeforeStart;
+
+TWindowTest::~TWindowTest()
+{
+    EXPECT_TRUE(Awaited.empty()) << "something that was awaited never came";
+    for (QTimer* timer : Awaited)
+        delete timer;
+}
 
 void TWindowTest::SetUpTestSuite()
 {
@@ -17,22 +98,78 @@ void TWindowTest::SetUpTestSuite()
     ASSERT_TRUE(TWimp::Get().Init(count, arguments));
 }
 
+void TWindowTest::Once(const std::function<bool()>& condition, const std::function<void()>& work)
+{
+    constexpr int Interval = 5;
+    QTimer* timer = new QTimer;
+    Awaited.push_back(timer);
+    const QDeadlineTimer end(Patience * 1000);
+    QObject::connect(timer, &QTimer::timeout, timer, [this, timer, end, condition, work] {
+        if (!condition()) {
+            if (end.hasExpired())
+                LeaveLoops();
+            return;
+        }
+        timer->stop();
+        timer->deleteLater();
+        Awaited.erase(std::find(Awaited.begin(), Awaited.end(), timer));
+        // The timer may go, and what it holds with it, while the work turns a loop.
+        const std::function<void()> kept = work;
+        kept();
+    });
+    timer->start(Interval);
+}
+
+void TWindowTest::Meet(const std::function<void(QDialog&)>& work)
+{
+    Meet(nullptr, work);
+}
+
+void TWindowTest::Meet(const char* name, const std::function<void(QDialog&)>& work)
+{
+    const auto find = [name] {
+        QDialog* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        const bool isIt = dialog != nullptr && dialog->isVisible() &&
+                          (name == nullptr || dialog->objectName() == QLatin1String(name));
+        return isIt ? dialog : nullptr;
+    };
+    Once([find] { return find() != nullptr; }, [find, work] { work(*find()); });
+}
+
+void TWindowTest::MeetMenu(const std::function<void(QMenu&)>& work)
+{
+    const auto find = [] {
+        QMenu* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        return menu != nullptr && menu->isVisible() ? menu : nullptr;
+    };
+    Once([find] { return find() != nullptr; }, [find, work] { work(*find()); });
+}
+
 bool WaitFor(const std::function<bool()>& condition)
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        TWimp::Get().Step();
+    return WaitFor(condition, [] { TWimp::Get().Step(); });
+}
+
+// What is shown is placed, then painted: each round brings the answers to what the one before has asked. What
+// was to be done a moment later, as the paint of many redraws, comes before the end of a moment that begins
+// now.
+void Settle(const std::function<void()>& turn)
+{
+    constexpr int Rounds = 3;
+    constexpr int Moment = 10;
+    for (int i = 0; i < Rounds; ++i) {
+        const TEcho echo;
+        QTimer moment;
+        moment.setSingleShot(true);
+        moment.setTimerType(Qt::PreciseTimer);
+        moment.start(Moment);
+        EXPECT_TRUE(WaitFor([&] { return echo.IsBack() && !moment.isActive(); }, turn));
     }
-    return true;
 }
 
 void Settle()
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(30);
-    while (std::chrono::steady_clock::now() < end)
-        TWimp::Get().Step();
+    Settle([] { TWimp::Get().Step(); });
 }
 
 bool TRecordingWindow::OnMessage(const TMessage& message)

@@ -7,19 +7,39 @@
 #include <string>
 #include <vector>
 
+class QDialog;
+class QMenu;
+class QTimer;
+
 // Tests with windows: the window system is started once for the program.
 class TWindowTest : public testing::Test
 {
 protected:
+    ~TWindowTest() override;
     static void SetUpTestSuite();
+    // Does the work, once, when the condition holds, in whatever loop turns then: that of a dialog, say,
+    // which the test itself is about to open. A condition that never comes to hold fails the test.
+    void Once(const std::function<bool()>& condition, const std::function<void()>& work);
+    // What is done to the modal dialog that comes up next, or to the next of that name.
+    void Meet(const std::function<void(QDialog&)>& work);
+    void Meet(const char* name, const std::function<void(QDialog&)>& work);
+    // What is done to the menu that pops up next.
+    void MeetMenu(const std::function<void(QMenu&)>& work);
     // The assertion of asking for the instance before the start.
     static std::string BeforeStart;
+
+private:
+    // The conditions that have not come to hold.
+    std::vector<QTimer*> Awaited;
 };
 
-// Turns the loop until the condition holds; false after two seconds.
+// Turns the loop until the condition holds; false once the patience is at an end.
 bool WaitFor(const std::function<bool()>& condition);
-// Turns the loop until nothing has happened for some turns.
+// Turns the loop until all has been heard that the window system has to say to what was asked of it, and to
+// what was asked in answer to that, and all that was due at once has been done.
 void Settle();
+// The same with turns of another loop.
+void Settle(const std::function<void()>& turn);
 
 // A window that keeps what it hears.
 class TRecordingWindow : public TWindow

@@ -15,7 +15,9 @@ TProgram::TProgram(TScreen& screen, const TProgramOptions& options) : Screen(scr
         "DISPLAY=" + screen.GetDisplay(), "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "HOME=" + Folder.GetFolder(),
         "XDG_CONFIG_HOME=" + config, "XDG_CACHE_HOME=" + Folder.Path("cache"), "LIBGL_ALWAYS_SOFTWARE=1",
         // The window system's own leaks are not this program's.
-        "ASAN_OPTIONS=detect_leaks=0"};
+        "ASAN_OPTIONS=detect_leaks=0",
+        // Tells the screen when the program has dealt with what was done to it.
+        "QT_QPA_GENERIC_PLUGINS=turnteller", std::string("QT_PLUGIN_PATH=") + CINDERMILL_TEST_PLUGINS};
     environment.insert(environment.end(), options.Environment.begin(), options.Environment.end());
     Process = StartCommand({CINDERMILL_PROGRAM}, environment, Folder.Path("output"), Folder.GetFolder(),
                            options.FileSizeLimit);
@@ -31,17 +33,17 @@ TProgram::~TProgram()
 
 bool TProgram::IsUp() const
 {
-    constexpr int Patience = 10;
-    if (!Screen.WaitForWindow(MainTitle))
+    if (!Screen.WaitForWindow(MainTitle) || !Screen.HasProgram())
         return false;
-    constexpr int Attempts = 4;
-    for (int attempt = 0; attempt < Attempts; ++attempt) {
-        if (Screen.WaitUntilActive(MainTitle, Patience))
+    Screen.Settle();
+    return WaitUntil([this] {
+        if (Screen.IsActive(MainTitle))
             return true;
         // A window manager that is still starting may have overlooked the window.
         Screen.Activate(Screen.FindWindow(MainTitle));
-    }
-    return Screen.WaitUntilActive(MainTitle);
+        Screen.Settle();
+        return Screen.IsActive(MainTitle);
+    });
 }
 
 bool TProgram::IsRunning()

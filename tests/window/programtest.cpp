@@ -118,6 +118,7 @@ protected:
     {
         const TRectangle& graph = workshop.GetGraph();
         Screen.Click(graph.X + 20, graph.Y + 20);
+        EXPECT_TRUE(Screen.WaitUntilActive(MainTitle));
         Screen.HoldKey("ctrl");
         Screen.Drag(graph.X + 20, graph.Y + 20, graph.X + graph.Width - 40, graph.Y + graph.Height - 40);
         Screen.LetKey("ctrl");
@@ -180,9 +181,10 @@ protected:
     {
         constexpr int Steps = 10;
         const char* const title = "^dragsource$";
+        ASSERT_NO_FATAL_FAILURE(EndDrop());
         std::vector<std::string> command = {CINDERMILL_DRAGSOURCE};
         command.insert(command.end(), files.begin(), files.end());
-        const pid_t source = StartCommand(
+        Source = StartCommand(
             command, {"DISPLAY=" + Screen.GetDisplay(), "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}, "/dev/null");
         ASSERT_TRUE(Screen.WaitForWindow(title));
         Screen.MoveWindow(Screen.FindWindow(title), 2600, 900);
@@ -191,15 +193,10 @@ protected:
         const int fromY = place.Y + place.Height / 2;
         Screen.MoveTo(fromX, fromY);
         Screen.Press();
-        for (int i = 1; i <= Steps; ++i) {
+        for (int i = 1; i <= Steps; ++i)
             Screen.MoveTo(fromX + (x - fromX) * i / Steps, fromY + (y - fromY) * i / Steps);
-            Sleep(50);
-        }
-        Sleep(300);
+        ASSERT_TRUE(Screen.WaitForWindow("^dragsource: taken$"));
         Screen.Release();
-        Sleep(500);
-        kill(source, SIGTERM);
-        waitpid(source, nullptr, 0);
     }
     // Every printable key, also on the keypad, by itself, with Ctrl, and with Ctrl and Shift; without those
     // that are shortcuts, and without "r", the camera's.
@@ -235,11 +232,26 @@ protected:
         snprintf(name, sizeof(name), "U%04X", static_cast<unsigned>(key));
         return name;
     }
-    bool IsMoving(const TRectangle& part) const
+    // Waits until the program has done all that it does with what was dropped.
+    void EndDrop()
     {
-        const TPicture before = Screen.Grab(part);
-        return WaitUntil([&] { return Screen.Grab(part).Pixels != before.Pixels; }, 5);
+        if (Source <= 0)
+            return;
+        ASSERT_TRUE(Screen.WaitForWindow("^dragsource: done$"));
+        EndSource();
+        ASSERT_TRUE(Screen.WaitUntilGone("^dragsource"));
     }
+    void EndSource()
+    {
+        kill(Source, SIGTERM);
+        waitpid(Source, nullptr, 0);
+        Source = -1;
+    }
+    bool IsChanged(const TRectangle& part, const TPicture& from, int pixels) const
+    {
+        return WaitUntil([&] { return CountDifferences(Screen.Grab(part), from) >= pixels; });
+    }
+    bool IsMoving(const TRectangle& part) const { return IsChanged(part, Screen.Grab(part), 1); }
     void Exit(TProgram& program, const char* answer = nullptr)
     {
         program.ChooseFromFileMenu(FE_EXIT);
@@ -249,7 +261,14 @@ protected:
         EXPECT_EQ(program.WaitForEnd(), 0) << program.GetOutput();
     }
 
+    void TearDown() override
+    {
+        if (Source > 0)
+            EndSource();
+    }
+
     TScreen Screen;
+    pid_t Source = -1;
 };
 
 } // namespace
@@ -707,7 +726,9 @@ TEST_P(ProgramCamera, IsMovedByMouseAndKeysAndComesBack)
     Open(program, SourcePath("samples/campfire.effect"));
     ASSERT_FALSE(HasFatalFailure());
     const TRectangle preview = GetPreview();
-    Sleep(1500);
+    // There is something to see of the fire.
+    constexpr int Visible = 1000;
+    ASSERT_TRUE(IsChanged(preview, Screen.Grab(preview), Visible));
     ClickTransport(PauseButton);
     const int x = preview.X + preview.Width / 2;
     const int y = preview.Y + preview.Height / 2;
@@ -731,7 +752,7 @@ TEST_P(ProgramCamera, IsMovedByMouseAndKeysAndComesBack)
     expectMoved("wheel");
     for (const char* key : {"Left", "Prior"}) {
         Screen.HoldKey(key);
-        Sleep(300);
+        EXPECT_TRUE(IsChanged(preview, start, 5000)) << key;
         Screen.LetKey(key);
         expectMoved(key);
     }
@@ -757,7 +778,12 @@ TEST_F(Program, ATextureMayVanishWhileTheEffectRuns)
     const TRectangle preview = GetPreview();
     ASSERT_TRUE(IsMoving(preview));
     std::filesystem::remove(textures.Path("drop.dds"));
-    Sleep(500);
+    // Files are looked at ten times a second, by the clock: a step of the effect that is seen after twice
+    // that has met the change.
+    constexpr auto Look = std::chrono::milliseconds(200);
+    const auto removed = std::chrono::steady_clock::now();
+    while (std::chrono::steady_clock::now() < removed + Look)
+        ASSERT_TRUE(IsMoving(preview));
     EXPECT_TRUE(IsMoving(preview));
     EXPECT_EQ(Screen.FindWindow(ErrorsTitle), "");
     // A restart needs it, and asks for it.
@@ -896,10 +922,8 @@ TEST_F(Program, PrintableKeysChangeNeitherGraphNorCamera)
     EXPECT_EQ(CountDifferences(Screen.Grab(preview), before), 0);
     // Named keys are heard on the keypad too.
     Screen.HoldKey("KP_Left");
-    Sleep(300);
+    EXPECT_TRUE(IsChanged(preview, before, 1000));
     Screen.LetKey("KP_Left");
-    ASSERT_TRUE(Screen.WaitUntilStill(preview));
-    EXPECT_GT(CountDifferences(Screen.Grab(preview), before), 1000);
     EXPECT_EQ(Screen.FindWindow("\\*\\]$"), "");
     workshop.Select(effect);
     Screen.Key("KP_Delete");
@@ -926,11 +950,9 @@ TEST_F(Program, UndoStaysInItsDocument)
     Screen.Key("ctrl+n");
     ASSERT_TRUE(Screen.WaitForWindow("\\[doc\\]$"));
     workshop.SetGraph(second);
-    // The display comes to the front when it will.
-    ASSERT_TRUE(WaitUntil([&] {
-        Screen.Click(workshop.ScreenX(20), workshop.ScreenY(20));
-        return Screen.WaitUntilActive(MainTitle, 2);
-    }));
+    ASSERT_TRUE(Screen.WaitUntilActive(DisplayTitle));
+    Screen.Click(workshop.ScreenX(20), workshop.ScreenY(20));
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
     SaveTo(program, program.Path("second.effect"));
     ASSERT_FALSE(HasFatalFailure());
     workshop.Add("Effect", 110, 60);
@@ -1037,7 +1059,8 @@ TEST_F(Program, FilesDroppedFromAnotherProgramAreOpenedInTheirOrder)
     ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
     Drop({animation, SourcePath("samples/snow.effect")}, main.X + 20, main.Y + main.Height - 60);
     ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
-    Sleep(500);
+    ASSERT_NO_FATAL_FAILURE(EndDrop());
+    Screen.Settle();
     EXPECT_EQ(Screen.FindWindow("snow.effect"), "");
     Exit(program);
 }

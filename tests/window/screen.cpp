@@ -1,6 +1,7 @@
 #include "window/screen.h"
 
-#include <chrono>
+#include "support/testsupport.h"
+
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +16,12 @@ namespace {
 
 // The time between the events of a hand.
 constexpr const char* StepDelay = "0.02";
+// Turns of the program's loop in which what it has been sent is done: read in one, told to the windows at its
+// end, and what they put off to the next.
+constexpr int TurnsToAct = 3;
+// Turns in which what moves by itself moves, as a view that glides: it does so when a turn has found nothing
+// else.
+constexpr int TurnsToMove = 20;
 
 void ChangeEnvironment(const std::vector<std::string>& changes)
 {
@@ -66,20 +73,10 @@ std::string Geometry(const TRectangle& part)
 
 } // namespace
 
-void Sleep(int milliseconds)
+bool WaitUntil(const std::function<bool()>& condition)
 {
-    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-}
-
-bool WaitUntil(const std::function<bool()>& condition, int seconds)
-{
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        Sleep(30);
-    }
-    return true;
+    constexpr auto Pause = std::chrono::milliseconds(30);
+    return WaitFor(condition, [Pause] { std::this_thread::sleep_for(Pause); });
 }
 
 TCommandResult RunCommand(const std::vector<std::string>& arguments, const std::vector<std::string>& changes)
@@ -136,7 +133,8 @@ TScreen::TScreen(int width, int height)
         return;
     Manager = StartCommand({"openbox", "--sm-disable"}, {"DISPLAY=" + Display}, "/dev/null");
     // The manager has taken over once it answers for the list of windows.
-    WaitUntil([this] { return Do({"get_desktop"}).Status == 0; });
+    if (WaitUntil([this] { return Do({"get_desktop"}).Status == 0; }))
+        Connection.Open(Display);
 }
 
 TScreen::~TScreen()
@@ -172,28 +170,51 @@ TCommandResult TScreen::Do(const std::vector<std::string>& arguments) const
     return RunCommand(command, {"DISPLAY=" + Display});
 }
 
+void TScreen::Settle()
+{
+    EXPECT_TRUE(Connection.AwaitManager());
+    EXPECT_TRUE(Connection.AwaitProgram(TurnsToAct));
+}
+
 void TScreen::MoveTo(int x, int y)
 {
     Do({"mousemove", Number(x), Number(y), "sleep", StepDelay});
+    PointerX = x;
+    PointerY = y;
+    Settle();
+}
+
+// Two clicks are one double click when a hand is fast, by the display's clock.
+void TScreen::KeepClicksApart(int button)
+{
+    constexpr auto Apart = std::chrono::milliseconds(550);
+    constexpr int Near = 20;
+    if (button == LastButton && std::abs(PointerX - LastX) < Near && std::abs(PointerY - LastY) < Near)
+        std::this_thread::sleep_until(LastPress + Apart);
+    LastX = PointerX;
+    LastY = PointerY;
+    LastButton = button;
 }
 
 void TScreen::Press(int button)
 {
+    KeepClicksApart(button);
     Do({"mousedown", Number(button), "sleep", StepDelay});
+    LastPress = std::chrono::steady_clock::now();
+    Settle();
 }
 
 void TScreen::Release(int button)
 {
     Do({"mouseup", Number(button), "sleep", StepDelay});
+    Settle();
 }
 
-// The pause keeps two clicks from being one double click.
 void TScreen::Click(int x, int y, int button)
 {
     MoveTo(x, y);
     Press(button);
     Release(button);
-    Sleep(450);
 }
 
 void TScreen::Drag(int fromX, int fromY, int toX, int toY, int button)
@@ -209,7 +230,6 @@ void TScreen::Drag(int fromX, int fromY, int toX, int toY, int button)
             moves.push_back(word);
     Do(moves);
     Release(button);
-    Sleep(450);
 }
 
 void TScreen::Wheel(int x, int y, int notches)
@@ -218,11 +238,13 @@ void TScreen::Wheel(int x, int y, int notches)
     const std::string button = notches > 0 ? "4" : "5";
     for (int i = 0; i < std::abs(notches); ++i)
         Do({"click", button, "sleep", StepDelay});
+    Settle();
 }
 
 void TScreen::Key(const std::string& key)
 {
     Do({"key", key, "sleep", StepDelay});
+    Settle();
 }
 
 void TScreen::Keys(const std::vector<std::string>& keys)
@@ -230,21 +252,25 @@ void TScreen::Keys(const std::vector<std::string>& keys)
     std::vector<std::string> command = {"key", "--delay", "30"};
     command.insert(command.end(), keys.begin(), keys.end());
     Do(command);
+    Settle();
 }
 
 void TScreen::HoldKey(const std::string& key)
 {
     Do({"keydown", key, "sleep", StepDelay});
+    Settle();
 }
 
 void TScreen::LetKey(const std::string& key)
 {
     Do({"keyup", key, "sleep", StepDelay});
+    Settle();
 }
 
 void TScreen::Type(const std::string& text)
 {
     Do({"type", "--delay", "8", text});
+    Settle();
 }
 
 std::string TScreen::FindWindow(const std::string& title) const
@@ -266,15 +292,16 @@ bool TScreen::WaitUntilGone(const std::string& title) const
     return WaitUntil([&] { return FindWindow(title).empty(); });
 }
 
-bool TScreen::WaitUntilActive(const std::string& title, int seconds) const
+bool TScreen::IsActive(const std::string& title) const
 {
-    return WaitUntil(
-        [&] {
-            const std::string window = FindWindow(title);
-            const TCommandResult active = Do({"getactivewindow"});
-            return !window.empty() && active.Status == 0 && active.Output == window + "\n";
-        },
-        seconds);
+    const std::string window = FindWindow(title);
+    const TCommandResult active = Do({"getactivewindow"});
+    return !window.empty() && active.Status == 0 && active.Output == window + "\n";
+}
+
+bool TScreen::WaitUntilActive(const std::string& title) const
+{
+    return WaitUntil([&] { return IsActive(title); });
 }
 
 void TScreen::Activate(const std::string& window)
@@ -319,29 +346,13 @@ void TScreen::CloseWindow(const std::string& window)
     Key("alt+F4");
 }
 
-TPicture TScreen::Grab(const TRectangle& part) const
+bool TScreen::WaitUntilStill(const TRectangle& part)
 {
-    TPicture picture;
-    const TCommandResult result =
-        RunCommand({"import", "-silent", "-window", "root", "-crop", Geometry(part), "-depth", "8", "rgb:-"},
-                   {"DISPLAY=" + Display});
-    const size_t count = static_cast<size_t>(part.Width) * part.Height;
-    if (result.Output.size() != count * 3)
-        return picture;
-    picture.Width = part.Width;
-    picture.Height = part.Height;
-    const unsigned char* from = reinterpret_cast<const unsigned char*>(result.Output.data());
-    for (size_t i = 0; i < count; ++i, from += 3)
-        picture.Pixels.push_back(static_cast<uint32_t>(from[0]) << 16 | static_cast<uint32_t>(from[1]) << 8 |
-                                 from[2]);
-    return picture;
-}
-
-bool TScreen::WaitUntilStill(const TRectangle& part) const
-{
+    Settle();
     TPicture last = Grab(part);
     return WaitUntil([&] {
-        Sleep(300);
+        if (!Connection.AwaitProgram(TurnsToMove))
+            return false;
         TPicture next = Grab(part);
         last.Pixels.swap(next.Pixels);
         return !last.Pixels.empty() && last.Pixels == next.Pixels;

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <cstdint>
+#include "window/display.h"
+
+#include <chrono>
 #include <functional>
 #include <string>
 #include <sys/types.h>
@@ -13,24 +15,6 @@ struct TCommandResult
     std::string Output;
 };
 
-struct TRectangle
-{
-    int X = 0;
-    int Y = 0;
-    int Width = 0;
-    int Height = 0;
-};
-
-// Pixels as 0xRRGGBB, rows from the top.
-struct TPicture
-{
-    uint32_t At(int x, int y) const { return Pixels[static_cast<size_t>(y) * Width + x]; }
-
-    int Width = 0;
-    int Height = 0;
-    std::vector<uint32_t> Pixels;
-};
-
 // A display of its own, with a window manager, and a person's hands on its mouse and keyboard.
 class TScreen
 {
@@ -41,9 +25,11 @@ public:
     TScreen(const TScreen&) = delete;
     TScreen& operator=(const TScreen&) = delete;
 
-    bool IsRunning() const { return !Display.empty(); }
+    bool IsRunning() const { return Connection.IsOpen(); }
     const std::string& GetDisplay() const { return Display; }
 
+    // What a hand does has been dealt with, by the window manager and by the program, once these return; the
+    // hand then looks for what comes of it.
     void MoveTo(int x, int y);
     void Press(int button = 1);
     void Release(int button = 1);
@@ -58,35 +44,48 @@ public:
     void HoldKey(const std::string& key);
     void LetKey(const std::string& key);
     void Type(const std::string& text);
+    // The same for what has come about otherwise.
+    void Settle();
+    // Whether a program runs that can be asked for what it has dealt with.
+    bool HasProgram() const { return Connection.HasProgram(); }
 
     // The visible window whose title matches the expression; "" if there is none.
     std::string FindWindow(const std::string& title) const;
     bool WaitForWindow(const std::string& title) const;
     bool WaitUntilGone(const std::string& title) const;
-    bool WaitUntilActive(const std::string& title, int seconds = 30) const;
+    bool WaitUntilActive(const std::string& title) const;
+    bool IsActive(const std::string& title) const;
     void Activate(const std::string& window);
     TRectangle GetPlace(const std::string& window) const;
     std::string GetTitle(const std::string& window) const;
     void MoveWindow(const std::string& window, int x, int y);
     void CloseWindow(const std::string& window);
 
-    TPicture Grab(const TRectangle& part) const;
-    // Waits until nothing moves there any more.
-    bool WaitUntilStill(const TRectangle& part) const;
+    TPicture Grab(const TRectangle& part) const { return Connection.Grab(part); }
+    // Waits until nothing moves there any more while the program goes on.
+    bool WaitUntilStill(const TRectangle& part);
     void Save(const TRectangle& part, const std::string& path) const;
 
 private:
     TCommandResult Do(const std::vector<std::string>& arguments) const;
     bool StartServer(int width, int height);
+    void KeepClicksApart(int button);
 
     std::string Display;
+    TDisplay Connection;
+    int PointerX = 0;
+    int PointerY = 0;
+    // The press before.
+    int LastX = 0;
+    int LastY = 0;
+    int LastButton = 0;
+    std::chrono::steady_clock::time_point LastPress;
     pid_t Server = -1;
     pid_t Manager = -1;
 };
 
-// True as soon as the condition holds; false if it does not within the seconds.
-bool WaitUntil(const std::function<bool()>& condition, int seconds = 30);
-void Sleep(int milliseconds);
+// True as soon as the condition holds; false once the patience is at an end.
+bool WaitUntil(const std::function<bool()>& condition);
 // Runs a program to its end. The environment is this process's with the changes, each as "NAME=value"; "NAME"
 // takes one away.
 TCommandResult RunCommand(const std::vector<std::string>& arguments, const std::vector<std::string>& changes);

@@ -145,7 +145,6 @@ TToolNode* TWorkshop::Add(const char* type, int x, int y)
     Screen.MoveTo(ScreenX(x) - 20, ScreenY(y) - 20);
     Screen.MoveTo(ScreenX(x), ScreenY(y));
     Screen.Release();
-    Sleep(100);
     Document->ApplyOperation(new TAddGraphNodeOp(*Document, App.Type(type), x, y));
     return GetLast();
 }

@@ -257,12 +257,19 @@ struct TSearchWork
     {
         TSearchWork& work = *static_cast<TSearchWork*>(context);
         TString text;
-        RunGuarded([&] { work.Found = work.Search.Run(work.StartDirectory); }, text);
+        RunGuarded([&] { work.Walk(); }, text);
         work.Done.Set();
+    }
+    void Walk()
+    {
+        do {
+            Found = Search.Run(StartDirectory);
+        } while (Endless && !Found && !Search.IsEnded());
     }
 
     TResourceSearch Search;
     const TString StartDirectory;
+    const bool Endless;
     bool Found = false;
     TEvent Done;
 };
@@ -283,7 +290,7 @@ private:
 
 TFindResult TResourceLocator::SearchWithDialog(const char* name, TString& path)
 {
-    TSearchWork work{{name, KnownDirectories}, StartDirectory, false, {}};
+    TSearchWork work{{name, KnownDirectories}, StartDirectory, Endless, false, {}};
     TThread thread;
     if (!thread.Start(&TSearchWork::Run, &work))
         return Search(name, path) ? FR_FOUND : FR_NOTFOUND;

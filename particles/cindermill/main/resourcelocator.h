@@ -39,6 +39,9 @@ public:
     void AddSearchDirectory(const char* directory);
     // Milliseconds that a search lasts before its dialog is shown.
     void SetShowDelay(int milliseconds) { ShowDelay = static_cast<uint32_t>(milliseconds); }
+    // On a disc without end, for tests: a search under the dialog that has found nothing begins anew until it
+    // is ended.
+    void SetEndless(bool endless) { Endless = endless; }
 
     // Makes the stored form of a chosen file; false, with a message shown, if it has none.
     bool PrepareName(TString& path);
@@ -86,4 +89,5 @@ private:
     int Mode = 0;
     TString BasePath;
     uint32_t ShowDelay = 2000;
+    bool Endless = false;
 };

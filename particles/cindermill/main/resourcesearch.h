@@ -34,6 +34,7 @@ public:
     // For the other thread. The walk ends at its next directory: with the person's file, or with nothing.
     void Locate(const char* path);
     void Stop() { LocateRequested = true; }
+    bool IsEnded() const { return LocateRequested; }
     // The directories that are being searched now, outermost first.
     void GetSearchStack(vector<TString>& directories);
 

@@ -61,7 +61,7 @@ TEST(TEvent, StaysSet)
     EXPECT_FALSE(event.Wait(0));
     EXPECT_FALSE(event.Wait(1));
     event.Set();
-    EXPECT_TRUE(event.Wait(1000));
+    EXPECT_TRUE(event.Wait(Patience * 1000));
     EXPECT_TRUE(event.Wait(0));
 }
 
@@ -70,5 +70,5 @@ TEST(TEvent, WakesWhoeverWaits)
     TEvent event;
     TThread thread;
     ASSERT_TRUE(thread.Start([](void* context) { static_cast<TEvent*>(context)->Set(); }, &event));
-    EXPECT_TRUE(event.Wait(10000));
+    EXPECT_TRUE(event.Wait(Patience * 1000));
 }

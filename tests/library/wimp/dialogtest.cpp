@@ -8,7 +8,6 @@
 #include "support/windowtest.h"
 
 #include <QtCore/QPointer>
-#include <QtCore/QTimer>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
@@ -27,14 +26,12 @@ namespace {
 class TDialogTest : public TWindowTest
 {
 protected:
-    // What is done to the dialog that waits next.
-    static void Meet(const std::function<void(QDialog&)>& work)
+    // What is done to the dialog that waits next, which is then rejected if it still stands.
+    void Meet(const std::function<void(QDialog&)>& work)
     {
-        QTimer::singleShot(30, [work] {
-            QDialog* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            ASSERT_NE(dialog, nullptr);
-            const QPointer<QDialog> guard(dialog);
-            work(*dialog);
+        TWindowTest::Meet([work](QDialog& dialog) {
+            const QPointer<QDialog> guard(&dialog);
+            work(dialog);
             if (guard != nullptr && guard->isVisible())
                 guard->reject();
         });
@@ -321,10 +318,8 @@ TEST_F(TFileChooserTest, OpeningRequiresAnExistingFile)
 {
     Meet([this](QDialog& dialog) {
         // The chooser says so in a box of its own.
-        QTimer::singleShot(30, [] {
-            if (QMessageBox* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
-                box->close();
-        });
+        Once([] { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()) != nullptr; },
+             [] { QApplication::activeModalWidget()->close(); });
         Choose(dialog, Folder.Path("none.effect"));
         EXPECT_TRUE(dialog.isVisible());
     });

@@ -2,7 +2,6 @@
 
 #include "support/windowtest.h"
 
-#include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
@@ -18,12 +17,10 @@ protected:
     // What is done to the popup while it waits.
     void Track(TMenu& menu, const std::function<void(QMenu&)>& work)
     {
-        QTimer::singleShot(20, [work] {
-            QMenu* open = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-            ASSERT_NE(open, nullptr);
-            work(*open);
-            if (open->isVisible())
-                open->close();
+        MeetMenu([work](QMenu& open) {
+            work(open);
+            if (open.isVisible())
+                open.close();
         });
         menu.Track(Window, 10, 10);
     }

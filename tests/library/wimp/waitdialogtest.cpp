@@ -19,15 +19,18 @@ class TWaitDialogTest : public TWindowTest
 {
 protected:
     static QDialog* Box() { return qobject_cast<QDialog*>(QApplication::activeModalWidget()); }
-    // Turns until something was done, or for a while.
+    // What is told once all that was done has come to the dialog.
     TWaitAnswer Await()
     {
-        for (int i = 0; i < 50; ++i) {
-            const TWaitAnswer answer = Dialog.Step();
-            if (answer != WA_NONE)
-                return answer;
-        }
-        return WA_NONE;
+        TWaitAnswer answer = WA_NONE;
+        Settle([&] {
+            const TWaitAnswer told = Dialog.Step();
+            if (told == WA_NONE)
+                return;
+            EXPECT_EQ(answer, WA_NONE) << "told twice";
+            answer = told;
+        });
+        return answer;
     }
     void ShowBox()
     {

@@ -105,7 +105,7 @@ TEST_F(TWimpTest, IdlePassesComeWhileNothingHappens)
             TWimp::Get().Quit();
     });
     look.start(50);
-    QTimer::singleShot(5000, &look, [] { TWimp::Get().Quit(); });
+    QTimer::singleShot(Patience * 1000, &look, [] { TWimp::Get().Quit(); });
     TWimp::Get().Run();
     EXPECT_GT(app.Passes, 50);
 }
@@ -114,9 +114,11 @@ TEST_F(TWimpTest, AToolAtRestLeavesTheProcessorAlone)
 {
     TIdleCounter app;
     QTimer::singleShot(300, [] { TWimp::Get().Quit(); });
+    const auto start = std::chrono::steady_clock::now();
     const clock_t before = clock();
     TWimp::Get().Run();
-    EXPECT_LT(static_cast<double>(clock() - before) / CLOCKS_PER_SEC, 0.15);
+    // However late the end comes.
+    EXPECT_LT(static_cast<double>(clock() - before) / CLOCKS_PER_SEC, 0.5 * Elapsed(start));
 }
 
 TEST_F(TWimpTest, NoIdlePassComesWhileAMessageWaits)
@@ -156,9 +158,12 @@ TEST_F(TWimpTest, WithoutIdleProcessingTheRunWaitsForEvents)
 TEST_F(TWimpTest, StepDoesNotBlock)
 {
     Settle();
-    const auto start = std::chrono::steady_clock::now();
+    // A step that waited would wait for this.
+    QTimer next;
+    next.setSingleShot(true);
+    next.start(Patience * 1000);
     EXPECT_TRUE(TWimp::Get().Step());
-    EXPECT_LT(Elapsed(start), 0.5);
+    EXPECT_TRUE(next.isActive());
 }
 
 TEST_F(TWimpTest, StepTellsThatTheRunEnds)

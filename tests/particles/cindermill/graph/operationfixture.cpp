@@ -1,6 +1,5 @@
 #include "particles/cindermill/graph/operationfixture.h"
 
-#include "library/system/clock.h"
 #include "particles/effectgraph/error.h"
 
 #include <cstring>
@@ -226,22 +225,4 @@ const TNodeType& GetEveryType()
         "<Animation><name>Animation</name></Animation>"
         "</parameters><code><classname>TNothing</classname></code></node>");
     return *type;
-}
-
-static uint32_t Now;
-
-TFakeClock::TFakeClock(uint32_t now)
-{
-    Now = now;
-    SetTickCountSource([] { return Now; });
-}
-
-TFakeClock::~TFakeClock()
-{
-    SetTickCountSource(nullptr);
-}
-
-void TFakeClock::Set(uint32_t now)
-{
-    Now = now;
 }

@@ -108,14 +108,3 @@ const TNodeType& GetPlainType();
 const TNodeType& GetPolytypeType();
 // A parameter of each kind, named like its tag.
 const TNodeType& GetEveryType();
-
-// Sets the clock for as long as it lives.
-class TFakeClock
-{
-public:
-    explicit TFakeClock(uint32_t now);
-    ~TFakeClock();
-    TFakeClock(const TFakeClock&) = delete;
-    TFakeClock& operator=(const TFakeClock&) = delete;
-    void Set(uint32_t now);
-};

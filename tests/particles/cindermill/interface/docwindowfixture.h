@@ -68,6 +68,8 @@ protected:
     // A point of one window in another's pixels.
     static QPoint InWindow(const TWindow& from, const QPoint& at, const TWindow& to);
 
+    // Edits come within the time in which they may melt, however long the machine takes for them.
+    TFakeClock Clock{10000};
     TQuiet Quiet;
     TWindowsHost Host;
     TTestApp App;

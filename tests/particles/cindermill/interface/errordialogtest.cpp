@@ -4,7 +4,6 @@
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/effectgraph/error.h"
 
-#include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QListWidget>
@@ -29,18 +28,16 @@ TEST_F(ErrorDialog, ListsEachEntrysTextOneALine)
     QStringList lines;
     QString title;
     bool hasButton = false;
-    QTimer::singleShot(100, [&] {
-        QDialog* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        title = dialog->windowTitle();
-        const QListWidget* list = dialog->findChild<QListWidget*>();
+    Meet([&](QDialog& dialog) {
+        title = dialog.windowTitle();
+        const QListWidget* list = dialog.findChild<QListWidget*>();
         ASSERT_NE(list, nullptr);
         for (int i = 0; i < list->count(); ++i)
             lines << list->item(i)->text();
         // The dialog has copies of its own.
         errors.Clear();
-        hasButton = dialog->findChild<QPushButton*>() != nullptr;
-        dialog->accept();
+        hasButton = dialog.findChild<QPushButton*>() != nullptr;
+        dialog.accept();
     });
     DisplayErrors("Export errors", errors);
     EXPECT_EQ(title, QString("Export errors"));

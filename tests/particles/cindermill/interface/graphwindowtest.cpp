@@ -10,6 +10,7 @@
 #include <QtGui/QAction>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QDialog>
 #include <QtWidgets/QMenu>
 
 #include <cstring>
@@ -70,7 +71,7 @@ protected:
         watch.start(20);
         work();
         if (texts.empty())
-            QTest::qWait(60);
+            Settle();
         return texts;
     }
     std::string RightClick(const QPoint& at)
@@ -490,7 +491,7 @@ TEST_F(GraphWindow, ADragThatLosesTheMouseToADialogIsAsIfItHadNotBeen)
     const QPoint at = MiddleOf(*Document, Second);
     Press(Graph(), at);
     Move(Graph(), at + QPoint(30, 0));
-    QTimer::singleShot(20, [] { QApplication::activeModalWidget()->close(); });
+    Meet([](QDialog& dialog) { dialog.close(); });
     ListDialog(1, "Another thing", vector<TString>());
     EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
     EXPECT_FALSE(WindowsOf(*Document).GetScene().GetCanvas().IsDragging());

@@ -35,7 +35,7 @@ public:
     std::vector<std::string> Shown;
 };
 
-// Searches with the real dialog. Those for what is nowhere last until they are ended: the disc is large.
+// Searches with the real dialog. Those for what is nowhere last until they are ended.
 class ResourceDialog : public DocWindows
 {
 protected:
@@ -46,6 +46,7 @@ protected:
         Locator().Init(Tree.Path("program").c_str(), false);
         Locator().SetHost(&Dialog);
         Locator().SetShowDelay(0);
+        Locator().SetEndless(true);
     }
     void TearDown() override { Locator().SetHost(nullptr); }
 
@@ -55,20 +56,16 @@ protected:
         QDialog* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
         return dialog != nullptr && dialog->objectName() == QLatin1String(name) ? dialog : nullptr;
     }
-    // What is done once the dialog of that name is up.
-    void Meet(const char* name, const std::function<void(QDialog&)>& work)
+    // The dialog, once it lists what is being searched.
+    void MeetDialog(const std::function<void(QDialog&)>& work)
     {
-        QTimer* timer = new QTimer(Frame.GetHandle());
-        QObject::connect(timer, &QTimer::timeout, timer, [timer, name, work] {
-            QDialog* dialog = Modal(name);
-            if (dialog == nullptr)
-                return;
-            timer->stop();
-            work(*dialog);
-        });
-        timer->start(5);
+        Once(
+            [] {
+                const QDialog* dialog = Modal("dialog109");
+                return dialog != nullptr && dialog->isVisible() && !Listed(*dialog).isEmpty();
+            },
+            [work] { work(*Modal("dialog109")); });
     }
-    void MeetDialog(const std::function<void(QDialog&)>& work) { Meet("dialog109", work); }
     static QStringList Listed(const QDialog& dialog)
     {
         QStringList result;
@@ -122,7 +119,6 @@ TEST_F(ResourceDialog, ALongSearchTellsItsNameAndItsDirectories)
         EXPECT_EQ(dialog.findChild<QLabel*>("text")->text(), QString("Searching for:"));
         EXPECT_EQ(dialog.findChild<QLineEdit*>("line")->text(), QString("nowhere.dds"));
         EXPECT_EQ(dialog.findChild<QPushButton*>("button0")->text(), QString("Locate..."));
-        ASSERT_FALSE(Listed(dialog).isEmpty());
         EXPECT_TRUE(Listed(dialog)[0].startsWith('/'));
         dialog.close();
     });
@@ -156,14 +152,19 @@ TEST_F(ResourceDialog, TheListIsRefreshedWhileTheSearchGoesOn)
 
 TEST_F(ResourceDialog, ARealSearchInALargeTreeFindsItsFileUnderTheDialog)
 {
-    for (int i = 10; i < 20; ++i)
-        for (int j = 10; j < 40; ++j)
-            fs::create_directories(Tree.Path("program/" + std::to_string(i) + "/" + std::to_string(j)));
-    // A machine that is busy elsewhere may leave one search no time for its dialog.
+    std::vector<std::string> directories;
+    for (int i = 10; i < 20; ++i) {
+        for (int j = 10; j < 40; ++j) {
+            directories.push_back("program/" + std::to_string(i) + "/" + std::to_string(j));
+            fs::create_directories(Tree.Path(directories.back()));
+        }
+    }
+    // A machine that is busy elsewhere may leave one search, and another, no time for its dialog.
     int searches = 0;
-    while (Dialog.Shown.empty() && searches < 8) {
-        const std::string name = std::to_string(39 - searches++);
-        const std::string path = Tree.Path("program/19/" + name + "/Ash" + name + ".dds");
+    while (Dialog.Shown.empty() && !directories.empty()) {
+        const std::string name = std::to_string(++searches);
+        const std::string path = Tree.Path(directories.back() + "/Ash" + name + ".dds");
+        directories.pop_back();
         WriteBytes(path, "x");
         EXPECT_EQ(Find(("aSH" + name + ".dds").c_str()), FR_FOUND);
         TString shown;

@@ -97,8 +97,10 @@ public:
     }
     TSearchAnswer Step() override
     {
+        if (!Turn)
+            return SA_NONE;
         Now += 100;
-        return Turn ? Turn() : SA_NONE;
+        return Turn();
     }
     bool ChooseResource(const char* title, const vector<TPathFilter>& filters, TString& path) override
     {
@@ -139,6 +141,7 @@ protected:
         SetTickCountSource([] { return Now; });
         EXPECT_TRUE(Locator.Init(Path("home/program").c_str(), false));
         Locator.SetHost(&Host);
+        Locator.SetEndless(true);
         Stop();
     }
     ~AskingLocator() override { SetTickCountSource(nullptr); }
