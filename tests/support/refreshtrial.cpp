@@ -360,6 +360,17 @@ std::string FindLostWire(const TEffectGraph& before, const TEffectGraph& after, 
     return "";
 }
 
+void TakeDefaultTypes(const TEffectGraph& from, TEffectGraph& to)
+{
+    for (int i = 0; i < from.GetNumNodes() && i < to.GetNumNodes(); ++i) {
+        const TNodeType& source = *from.GetNode(i)->GetNodeType();
+        TNodeType& type = *to.GetNode(i)->GetNodeType();
+        for (int port = 0; port < source.GetNumOutputs() && port < type.GetNumOutputs(); ++port)
+            if (source.GetOutput(port).Type == TY_POLYTYPE)
+                type.GetOutput(port).DefaultType = source.GetOutput(port).DefaultType;
+    }
+}
+
 } // namespace
 
 TRefreshTrial::TRefreshTrial(const std::string& folder, const TChangedLibrary& library, TDice& dice)
@@ -378,7 +389,9 @@ void TRefreshTrial::CountErrors(const char* what, const TErrorList& errors)
     TString text;
     if (!errors.empty())
         (*errors.begin())->GetText(text);
-    ++Counts[std::string(what) + text.Print()];
+    std::string told = text.Print();
+    std::erase(told, '\n');
+    ++Counts[what + told];
 }
 
 bool TRefreshTrial::Run()
@@ -535,8 +548,16 @@ bool TRefreshTrial::CheckReopened(TCindermillApp& app, TDocument& document)
         return Fail("the saved file asks for another refresh");
     if (!Save(again, copy))
         return false;
-    if (BytesOf(copy) != bytes)
-        return Fail("the saved file, loaded and saved again, has other bytes");
+    if (BytesOf(copy) != bytes) {
+        // Resolving starts from no types at a load and from those of before the edit in a session. What it
+        // comes to may differ while several types remain; nothing else may.
+        TakeDefaultTypes(*document.GetGraph(), *again.GetGraph());
+        if (!Save(again, copy))
+            return false;
+        if (BytesOf(copy) != bytes)
+            return Fail("the saved file, loaded and saved again, has other bytes");
+        ++Counts["loads that settled other default types"];
+    }
     TDocument untouched(app);
     if (!untouched.BatchLoad(path.c_str()) || !Save(untouched, copy) || BytesOf(copy) != bytes)
         return Fail("the saved file, loaded by a batch run and saved again, has other bytes");
