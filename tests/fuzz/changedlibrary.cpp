@@ -13,7 +13,9 @@ namespace {
 class TWorkFolder
 {
 public:
-    TWorkFolder() : Path("/tmp/cindermill-fuzz-library-" + std::to_string(getpid()))
+    TWorkFolder()
+        : Path((std::filesystem::temp_directory_path() / ("cindermill-fuzz-" + std::to_string(getpid())))
+                   .string())
     {
         std::filesystem::create_directories(Path);
     }

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
+#include <set>
 #include <sstream>
 
 namespace {
@@ -39,6 +40,14 @@ bool IsSame(const std::string& a, const std::string& b)
                       [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
 
+std::string Quoted(const std::string& text)
+{
+    constexpr size_t limit = 60;
+    if (text.size() > limit)
+        return "\"" + text.substr(0, limit) + "...\" (" + std::to_string(text.size()) + " characters)";
+    return "\"" + text + "\"";
+}
+
 std::string Recased(const std::string& text)
 {
     std::string result = text;
@@ -55,6 +64,15 @@ std::string Floats(TDice& dice, int count)
     for (int i = 0; i < count; ++i)
         text += (i > 0 ? ", " : "") + std::to_string(static_cast<int>(dice.Below(41)) - 20) + ".25";
     return text;
+}
+
+// "" where there is no file.
+std::string BytesOf(const std::filesystem::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
 }
 
 size_t KindOf(const std::string& tag)
@@ -149,7 +167,15 @@ struct TChangedLibrary::TEdit
         holder.IsEmpty = false;
         return holder;
     }
-    std::string FreshName() { return "Fresh " + std::to_string(++Library.Fresh); }
+    // Seldom as long as a text may be, or longer than that.
+    std::string FreshName()
+    {
+        const std::string name = "Fresh " + std::to_string(++Library.Fresh);
+        if (!Dice.Chance(0.02))
+            return name;
+        constexpr size_t longest = 4095;
+        return name + std::string(longest - 2 - name.size() + Dice.Below(4), 'x');
+    }
     // A name that something in the type bears already, now and then.
     std::string SomeName()
     {
@@ -280,21 +306,27 @@ TChangedLibrary::TChangedLibrary(const std::string& folder)
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         if (entry.path().extension() != ".xml")
             continue;
-        std::ifstream in(entry.path(), std::ios::binary);
-        std::ostringstream text;
-        text << in.rdbuf();
-        Files.push_back(TFile{entry.path().filename().string(), ParseXmlTree(text.str())});
+        Files.push_back(TFile{entry.path().filename().string(), ParseXmlTree(BytesOf(entry.path()))});
     }
     // The same dice shall do the same on every machine.
     std::sort(Files.begin(), Files.end(), [](const TFile& a, const TFile& b) { return a.Path < b.Path; });
 }
 
+// Most files are as the last library left them.
 void TChangedLibrary::Write(const std::string& folder) const
 {
-    std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
-    for (const TFile& file : Files)
-        std::ofstream(folder + "/" + file.Path, std::ios::binary) << PrintXmlTree(file.Root);
+    std::set<std::string> written;
+    for (const TFile& file : Files) {
+        const std::string path = folder + "/" + file.Path;
+        const std::string text = PrintXmlTree(file.Root);
+        if (BytesOf(path) != text)
+            std::ofstream(path, std::ios::binary) << text;
+        written.insert(file.Path);
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (!written.contains(entry.path().filename().string()))
+            std::filesystem::remove(entry.path());
 }
 
 std::string TChangedLibrary::TakeStory()
@@ -332,14 +364,9 @@ void TChangedLibrary::Change(TDice& dice, const std::vector<std::string>& liked)
         const std::string done = (this->*entry->Function)(edit);
         if (done.empty())
             continue;
-        Story += "  \"" + type + "\": " + done + "\n";
+        Story += "  " + Quoted(type) + ": " + done + "\n";
         LastEdit = entry->Name;
     }
-}
-
-static std::string Quoted(const std::string& text)
-{
-    return "\"" + text + "\"";
 }
 
 std::string TChangedLibrary::RenameItem(TEdit& edit)
@@ -500,7 +527,7 @@ std::string TChangedLibrary::ChangeRequired(TEdit& edit)
 
 std::string TChangedLibrary::ChangeDescription(TEdit& edit)
 {
-    const std::string text = "Told in other words " + std::to_string(++Fresh) + ".";
+    const std::string text = "Told in other words, " + edit.FreshName() + ".";
     TEdit::TItem item;
     const bool ofItem = edit.Dice.Chance(0.7) && edit.ChooseItem(item);
     TXmlElement& owner = ofItem ? item.Get() : edit.Root();

@@ -54,14 +54,14 @@ TEST_F(ChangedLibrary, UnchangedItIsTheLibraryOfTheFiles)
 // An attack with files that nobody can read would find nothing.
 TEST_F(ChangedLibrary, EveryEditHappensAndNearlyAllTypesCanBeRead)
 {
-    constexpr uint32_t libraries = 150;
+    constexpr uint32_t libraries = 40;
     std::map<std::string, int> edits;
     int types = 0;
     int unreadable = 0;
     for (uint32_t seed = 1; seed <= libraries; ++seed) {
         TDice dice(seed);
         TChangedLibrary changed = Library;
-        for (int i = 0; i < 8; ++i) {
+        for (int i = 0; i < 15; ++i) {
             changed.Change(dice, {});
             ++edits[changed.GetLastEdit()];
         }
