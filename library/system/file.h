@@ -51,6 +51,8 @@ public:
     int GetRemaining() const { return static_cast<int>(Size - FilePtr); }
     // The path given at opening.
     const TString& GetPath() const { return Path; }
+    // Where the file being written stands until it is closed.
+    const TString& GetTemporaryPath() const { return Temporary; }
 
     bool IsOpen() const { return (Mode & 2) != 0; }
     bool IsRead() const { return (Mode & 1) != 0; }

@@ -52,8 +52,5 @@ void GetSortedNodes(const TEffectGraph& graph, vector<TEffectNode*>& result);
 // Gives every polytype port of the graph its final set of types.
 void ResolvePolytypes(const TEffectGraph& graph);
 
-// Stores in every edge the ports at which the nodes hold it: after node types were refreshed.
-void RestoreEdgePorts(TEffectGraph& graph);
-
 // Registers the classes that chunk files may name, whatever the linker left out. May be called again.
 void RegisterEffectGraphClasses();

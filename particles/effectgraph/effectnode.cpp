@@ -75,3 +75,20 @@ void TEffectNode::RemoveOutputEdge(int index, TEffectEdge* edge)
     ASSERT_TEXT(it != Outputs[index].Edges.end(), "it != Outputs[index].Edges.end()");
     Outputs[index].Edges.erase(it);
 }
+
+void TEffectNode::SetOutputs(const vector<vector<TEffectEdge*>>& edges)
+{
+    Outputs.clear();
+    Outputs.resize(edges.size());
+    for (int i = 0; i < edges.size(); ++i)
+        Outputs[i].Edges = edges[i];
+}
+
+void TEffectNode::TakeOutputs(vector<vector<TEffectEdge*>>& edges)
+{
+    edges.clear();
+    edges.resize(Outputs.size());
+    for (int i = 0; i < edges.size(); ++i)
+        edges[i].swap(Outputs[i].Edges);
+    Outputs.clear();
+}

@@ -30,6 +30,10 @@ public:
     void SetInput(int index, TEffectEdge* edge);
     void AddOutputEdge(int index, TEffectEdge* edge);
     void RemoveOutputEdge(int index, TEffectEdge* edge);
+    // All connections of one side at once, for a node whose ports change.
+    void SetInputs(const vector<TEffectEdge*>& edges) { Inputs = edges; }
+    void SetOutputs(const vector<vector<TEffectEdge*>>& edges);
+    void TakeOutputs(vector<vector<TEffectEdge*>>& edges);
     int GetNumOutputEdges(int i) const { return Outputs[i].Edges.size(); }
     TEffectEdge* GetOutputEdge(int i, int n) const { return Outputs[i].Edges[n]; }
 
@@ -38,8 +42,6 @@ protected:
     {
         vector<TEffectEdge*> Edges;
     };
-
-    friend class TNodeType;
 
     vector<TEffectEdge*> Inputs;
     vector<TOutput> Outputs;

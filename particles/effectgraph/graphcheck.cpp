@@ -2,6 +2,7 @@
 
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/groupparameter.h"
+#include "particles/effectgraph/linkmender.h"
 #include "particles/effectgraph/pointermap.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/rampparameter.h"
@@ -17,22 +18,23 @@ constexpr int NameLimit = 100;
 class TNodeChecker
 {
 public:
-    explicit TNodeChecker(TString& fault) : Fault(fault) {}
+    TNodeChecker(TString& fault, TLinkMender* mender) : Fault(fault), Mender(mender) {}
     bool CheckNode(const TEffectNode* node);
 
 private:
     bool CheckType();
-    bool CheckInput(const TNodeParameter& input);
-    bool CheckParameter(const TNodeParameter* parameter, int depth);
+    bool CheckInput(TNodeParameter& input);
+    bool CheckParameter(TNodeParameter* parameter, int depth);
     bool CheckPolytype(const TNodePolytypeParameter& polytype);
     bool CheckEnum(const TNodeEnumParameter& parameter);
-    bool CheckRamp(const TNodeRampParameter& ramp);
-    bool CheckOutput(const TOutputPort& output);
+    bool CheckRamp(TNodeRampParameter& ramp);
+    bool CheckOutput(TOutputPort& output);
     bool Fail(const TString& name, const char* what);
 
     TString& Fault;
+    TLinkMender* Mender;
     TPointerMap Seen;
-    const TNodeType* Type = nullptr;
+    TNodeType* Type = nullptr;
 };
 
 bool TNodeChecker::Fail(const TString& name, const char* what)
@@ -67,28 +69,30 @@ bool TNodeChecker::CheckType()
         return Fail(Type->Name, "has an unknown colour");
     if (Type->NumOwnParameters < 0 || Type->NumOwnParameters > Type->GetNumParameters())
         return Fail(Type->Name, "has a wrong number of own parameters");
-    for (const TNodeParameter* parameter : Type->Parameters)
+    for (TNodeParameter* parameter : Type->Parameters)
         if (!CheckParameter(parameter, 0))
             return false;
-    for (const TNodeParameter* input : Type->Inputs)
+    for (TNodeParameter* input : Type->Inputs)
         if (!CheckParameter(input, 0))
             return false;
-    for (const TNodeParameter* input : Type->Inputs)
+    for (TNodeParameter* input : Type->Inputs)
         if (!CheckInput(*input))
             return false;
-    for (const TOutputPort& output : Type->Outputs)
+    for (TOutputPort& output : Type->Outputs)
         if (!CheckOutput(output))
             return false;
     return true;
 }
 
-bool TNodeChecker::CheckInput(const TNodeParameter& input)
+bool TNodeChecker::CheckInput(TNodeParameter& input)
 {
     if (input.Type > TY_POLYTYPE)
         return Fail(input.Name, "is an input of a kind that no input can have");
     if (input.Type < TY_POLYTYPE)
         return true;
-    const TNodePolytypeParameter& polytype = static_cast<const TNodePolytypeParameter&>(input);
+    TNodePolytypeParameter& polytype = static_cast<TNodePolytypeParameter&>(input);
+    if (Mender != nullptr)
+        Mender->MendInput(*Type, polytype);
     if (!polytype.GetLinkInput().IsEmpty() && Type->FindInput(polytype.GetLinkInput()) == -1)
         return Fail(input.Name, "follows an input that does not exist");
     if (!polytype.GetLinkOutput().IsEmpty() && Type->FindOutput(polytype.GetLinkOutput()) == -1)
@@ -96,7 +100,7 @@ bool TNodeChecker::CheckInput(const TNodeParameter& input)
     return true;
 }
 
-bool TNodeChecker::CheckParameter(const TNodeParameter* parameter, int depth)
+bool TNodeChecker::CheckParameter(TNodeParameter* parameter, int depth)
 {
     if (parameter == nullptr)
         return Fail(Type->Name, "has an empty place among its parameters");
@@ -109,7 +113,7 @@ bool TNodeChecker::CheckParameter(const TNodeParameter* parameter, int depth)
         return CheckEnum(static_cast<const TNodeEnumParameter&>(*parameter));
     case PK_RAMP:
     case PK_POLYRAMP:
-        return CheckRamp(static_cast<const TNodeRampParameter&>(*parameter));
+        return CheckRamp(static_cast<TNodeRampParameter&>(*parameter));
     case PK_GROUP:
         break;
     default:
@@ -117,7 +121,7 @@ bool TNodeChecker::CheckParameter(const TNodeParameter* parameter, int depth)
     }
     if (depth == TNodeGroupParameter::MaxDepth)
         return Fail(parameter->Name, "is a group nested too deep");
-    for (const TNodeParameter* child : static_cast<const TNodeGroupParameter*>(parameter)->GetChildren())
+    for (TNodeParameter* child : static_cast<const TNodeGroupParameter*>(parameter)->GetChildren())
         if (!CheckParameter(child, depth + 1))
             return false;
     return true;
@@ -149,20 +153,24 @@ bool TNodeChecker::CheckEnum(const TNodeEnumParameter& parameter)
     return true;
 }
 
-bool TNodeChecker::CheckRamp(const TNodeRampParameter& ramp)
+bool TNodeChecker::CheckRamp(TNodeRampParameter& ramp)
 {
+    if (Mender != nullptr)
+        Mender->MendRamp(*Type, ramp);
     if (ramp.GetDimensions() < 1 || ramp.GetDimensions() > TNodeRampParameter::MaxDimensions)
         return Fail(ramp.Name, "has a wrong number of curves");
     if (ramp.GetRampType() < 0 || ramp.GetRampType() >= NumRampTypes)
         return Fail(ramp.Name, "is a ramp of an unknown type");
     for (int i = 0; i < TNodeRampParameter::MaxDimensions; ++i)
-        if (ramp.GetLocks()[i] < -1 || ramp.GetLocks()[i] >= TNodeRampParameter::MaxDimensions)
+        if (!TNodeRampParameter::IsLock(ramp.GetLocks()[i]))
             return Fail(ramp.Name, "has a curve locked to one that does not exist");
     return true;
 }
 
-bool TNodeChecker::CheckOutput(const TOutputPort& output)
+bool TNodeChecker::CheckOutput(TOutputPort& output)
 {
+    if (Mender != nullptr)
+        Mender->MendOutput(*Type, output);
     constexpr uint32_t ConcreteTypes = (1u << TY_POLYTYPE) - 1;
     if (output.Type < 0 || output.Type >= TY_NUMTYPES)
         return Fail(output.Name, "is an output of an unknown type");
@@ -178,10 +186,10 @@ bool TNodeChecker::CheckOutput(const TOutputPort& output)
     return true;
 }
 
-bool CheckNodes(const vector<TEffectNode*>& nodes, TString& fault)
+bool CheckNodes(const vector<TEffectNode*>& nodes, TString& fault, TLinkMender* mender)
 {
     TPointerMap seen;
-    TNodeChecker checker(fault);
+    TNodeChecker checker(fault, mender);
     for (const TEffectNode* node : nodes) {
         if (node == nullptr || !seen.Insert(node)) {
             fault = node == nullptr ? "The graph has an empty place among its nodes"
@@ -205,6 +213,9 @@ private:
     bool CheckEdges();
     bool CheckEnds(const TEffectEdge& edge) const;
     bool CheckNode(const TEffectNode& node);
+    bool CheckSources();
+    bool FailEdge(const TEffectEdge& edge, const char* what);
+    bool FailNode(const TEffectNode& node, const char* what);
 
     const TEffectGraph& Graph;
     TString& Fault;
@@ -223,10 +234,33 @@ bool TEdgeChecker::Check()
     for (int i = 0; i < Graph.GetNumNodes(); ++i)
         if (!CheckNode(*Graph.GetNode(i)))
             return false;
-    if (Leaving.size() != Edges.size()) {
-        Fault = "An edge is missing at its source";
-        return false;
-    }
+    return CheckSources();
+}
+
+static TString GetNodeName(const TEffectNode* node)
+{
+    return node != nullptr && node->GetNodeType() != nullptr ? QuoteText(node->GetNodeType()->Name, NameLimit)
+                                                             : TString("?");
+}
+
+bool TEdgeChecker::FailEdge(const TEffectEdge& edge, const char* what)
+{
+    Fault.Format("The edge from node \"%s\" to node \"%s\" %s", GetNodeName(edge.GetSrcNode()).Print(),
+                 GetNodeName(edge.GetDstNode()).Print(), what);
+    return false;
+}
+
+bool TEdgeChecker::FailNode(const TEffectNode& node, const char* what)
+{
+    Fault.Format("Node \"%s\": %s", GetNodeName(&node).Print(), what);
+    return false;
+}
+
+bool TEdgeChecker::CheckSources()
+{
+    for (int i = 0; i < Graph.GetNumEdges(); ++i)
+        if (!Leaving.Has(Graph.GetEdge(i)))
+            return FailEdge(*Graph.GetEdge(i), "is missing at its source");
     return true;
 }
 
@@ -234,17 +268,16 @@ bool TEdgeChecker::CheckEdges()
 {
     for (int i = 0; i < Graph.GetNumEdges(); ++i) {
         const TEffectEdge* edge = Graph.GetEdge(i);
-        if (edge == nullptr)
+        if (edge == nullptr) {
             Fault = "The graph has an empty place among its edges";
-        else if (!Edges.Insert(edge))
-            Fault = "An edge is in the graph twice";
-        else if (!Nodes.Has(edge->GetSrcNode()) || !Nodes.Has(edge->GetDstNode()))
-            Fault = "An edge ends at a node that is not in the graph";
-        else if (!CheckEnds(*edge))
-            Fault = "An edge ends at a port that does not exist or holds another edge";
-        else
-            continue;
-        return false;
+            return false;
+        }
+        if (!Edges.Insert(edge))
+            return FailEdge(*edge, "is in the graph twice");
+        if (!Nodes.Has(edge->GetSrcNode()) || !Nodes.Has(edge->GetDstNode()))
+            return FailEdge(*edge, "ends at a node that is not in the graph");
+        if (!CheckEnds(*edge))
+            return FailEdge(*edge, "ends at a port that does not exist or holds another edge");
     }
     return true;
 }
@@ -261,19 +294,15 @@ bool TEdgeChecker::CheckNode(const TEffectNode& node)
 {
     for (int i = 0; i < node.GetNumInputs(); ++i) {
         const TEffectEdge* edge = node.GetInput(i);
-        if (edge != nullptr && (!Edges.Has(edge) || edge->GetDstNode() != &node || edge->GetDstPort() != i)) {
-            Fault = "An input holds an edge that does not end there";
-            return false;
-        }
+        if (edge != nullptr && (!Edges.Has(edge) || edge->GetDstNode() != &node || edge->GetDstPort() != i))
+            return FailNode(node, "an input holds an edge that does not end there");
     }
     for (int i = 0; i < node.GetNumOutputs(); ++i)
         for (int n = 0; n < node.GetNumOutputEdges(i); ++n) {
             const TEffectEdge* edge = node.GetOutputEdge(i, n);
             if (edge == nullptr || !Edges.Has(edge) || edge->GetSrcNode() != &node ||
-                edge->GetSrcPort() != i || !Leaving.Insert(edge)) {
-                Fault = "An output holds an edge that does not begin there, or holds it twice";
-                return false;
-            }
+                edge->GetSrcPort() != i || !Leaving.Insert(edge))
+                return FailNode(node, "an output holds an edge that does not begin there, or holds it twice");
         }
     return true;
 }

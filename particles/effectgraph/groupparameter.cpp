@@ -93,6 +93,14 @@ TNodeParameter* TNodeGroupParameter::Clone() const
     return copy.Release();
 }
 
+void TNodeGroupParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                          TRefreshRecord& record)
+{
+    TNodeParameter::TakeDeclaration(declared, chunkFile, record);
+    RefreshParameters(Children, static_cast<const TNodeGroupParameter&>(declared).Children, chunkFile,
+                      record);
+}
+
 void TNodeGroupParameter::AddToChunkFile(TChunkFile& chunkFile)
 {
     chunkFile.AddChunk(this);

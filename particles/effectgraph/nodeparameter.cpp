@@ -116,6 +116,13 @@ void TNodeParameter::CopyBase(const TNodeParameter& other)
     Required = other.Required;
 }
 
+void TNodeParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile&, TRefreshRecord&)
+{
+    Name = declared.Name;
+    Description = declared.Description;
+    Required = declared.Required;
+}
+
 bool TNodeParameter::ParseCommon(TXmlFile& xml, TErrorList& errors, const char* fileName)
 {
     if (!xml.FindTag("name"))

@@ -6,6 +6,7 @@
 #include "particles/effectgraph/valuetype.h"
 
 class TErrorList;
+class TRefreshRecord;
 class TXmlFile;
 
 // The kinds of parameter. The first eight are the value types; only they can be input ports.
@@ -46,6 +47,10 @@ public:
     virtual void CopyValue(const TNodeParameter& other) { (void)other; }
     // The value's floats for the value kinds (the current type's for a polytype); nothing for the others.
     virtual void GetValue(float* out) const { (void)out; }
+    // Takes over all that a node type tells of a parameter of this kind, and keeps the value. What has no
+    // place in it any more leaves the chunk file.
+    virtual void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                 TRefreshRecord& record);
     // Enters the parameter and what it holds.
     virtual void AddToChunkFile(TChunkFile& chunkFile);
     virtual void RemoveFromChunkFile(TChunkFile& chunkFile);
@@ -79,6 +84,11 @@ private:
 
 // A new parameter of a kind; the caller owns it.
 TNodeParameter* CreateNodeParameter(int kind);
+
+// Brings a list of parameters to the one that a node type tells: those of a name and kind are kept, with
+// their values, others are new. What is left over leaves the chunk file.
+void RefreshParameters(vector<TNodeParameter*>& parameters, const vector<TNodeParameter*>& wanted,
+                       TChunkFile& chunkFile, TRefreshRecord& record);
 
 // Reads the next parameter element from the reader's position on. True with a null result means that the list
 // has ended; false, that an error stands in the list.

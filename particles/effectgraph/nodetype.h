@@ -7,6 +7,7 @@
 class TEffectGraph;
 class TEffectNode;
 class TNodeTypeLibrary;
+class TRefreshRecord;
 
 enum TNodeFlags : uint32_t
 {
@@ -114,10 +115,11 @@ public:
     // A deep copy without listeners; the caller owns it.
     TNodeType* Clone() const;
     bool NeedsRefresh(const TNodeTypeLibrary& library) const;
-    // Brings the copy of `node` to the library's state, keeping values and wires. The ports stored in the
-    // wires are left as they are: RestoreEdgePorts sets them right once all nodes are refreshed.
+    // Brings the copy of `node` to the library's state, keeping values and wires; all that a node type tells
+    // of what is kept comes from the library. The ports stored in the wires are left as they are: MoveEdges
+    // of the record sets them right once all nodes are refreshed.
     void Refresh(TEffectNode* node, const TNodeTypeLibrary& library, TChunkFile& chunkFile,
-                 TEffectGraph& graph);
+                 TEffectGraph& graph, TRefreshRecord& record);
 
     // Enters or removes the type with all its parameters and inputs and what these hold.
     void AddToChunkFile(TChunkFile& chunkFile);
@@ -157,9 +159,6 @@ private:
     bool ReadOutputs(TChunkFile* chunkFile, int version);
     static bool ReadOutput(TChunkFile* chunkFile, TOutputPort& output);
     static bool ReadOldOutput(TChunkFile* chunkFile, TOutputPort& output);
-    void RefreshParameters(const TNodeType& type, TChunkFile& chunkFile);
-    void RefreshInputs(const TNodeType& type, TEffectNode* node, TChunkFile& chunkFile, TEffectGraph& graph);
-    void RefreshOutputs(const TNodeType& type, TEffectNode* node, TChunkFile& chunkFile, TEffectGraph& graph);
 
     TCallbackList<> Callbacks;
 };

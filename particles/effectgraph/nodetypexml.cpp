@@ -24,6 +24,7 @@ private:
     bool ReadPolytypeOutput(TOutputPort& output);
     void ReadValidTypes(TOutputPort& output);
     bool ResolveOutputLinks();
+    bool CheckInputLinks();
     bool ReadUserType(const TOutputPort& output);
     bool ReadCode();
     bool ReadInterfaces();
@@ -145,7 +146,7 @@ bool TNodeTypeReader::ReadSections()
             return Fail("Node type file missing parameter/inputs/outputs/code section(s)");
         section += found;
         if (section == SECTION_CODE)
-            return ReadCode();
+            return CheckInputLinks() && ReadCode();
         if (!Xml.IsEmptyTag()) {
             if (section == SECTION_PARAMETERS && !ReadParameters(Type.Parameters, false))
                 return false;
@@ -296,6 +297,26 @@ bool TNodeTypeReader::ResolveOutputLinks()
     return true;
 }
 
+// An input may follow ports that stand behind it.
+bool TNodeTypeReader::CheckInputLinks()
+{
+    constexpr int NameLimit = 400;
+    for (const TNodeParameter* input : Type.Inputs) {
+        if (input->Type != TY_POLYTYPE)
+            continue;
+        const TNodePolytypeParameter& polytype = static_cast<const TNodePolytypeParameter&>(*input);
+        const TString& linkInput = polytype.GetLinkInput();
+        const TString& linkOutput = polytype.GetLinkOutput();
+        if (!linkInput.IsEmpty() && Type.FindInput(linkInput) == -1)
+            return Fail("Polytype input %s input link %s not found",
+                        QuoteText(input->Name, NameLimit).Print(), QuoteText(linkInput, NameLimit).Print());
+        if (!linkOutput.IsEmpty() && Type.FindOutput(linkOutput) == -1)
+            return Fail("Polytype input %s output link %s not found",
+                        QuoteText(input->Name, NameLimit).Print(), QuoteText(linkOutput, NameLimit).Print());
+    }
+    return true;
+}
+
 bool TNodeTypeReader::ReadUserType(const TOutputPort& output)
 {
     static constexpr const char* BadCounts[TY_POLYTYPE] = {
@@ -330,6 +351,8 @@ bool TNodeTypeReader::ReadUserType(const TOutputPort& output)
     parameter->Name = output.Name;
     parameter->Description = output.Description;
     static_cast<TNodeValueParameter*>(parameter.Get())->SetValue(floats);
+    if (Type.Parameters.size() == TNodeType::MaxPorts)
+        return Fail("More than %d parameters, inputs or outputs in node type file", TNodeType::MaxPorts);
     Type.Parameters.push_back(parameter.Release());
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include "particles/effectgraph/effectnode.h"
 #include "particles/effectgraph/owned.h"
+#include "particles/effectgraph/refreshrecord.h"
 #include "particles/effectgraph/xmltext.h"
 
 int TNodePolytypeParameter::ClassId()
@@ -177,6 +178,34 @@ void TNodePolytypeParameter::CopyValue(const TNodeParameter& other)
     }
 }
 
+// The user's choice of type stays, if there still is that type.
+void TNodePolytypeParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                             TRefreshRecord& record)
+{
+    TNodeParameter::TakeDeclaration(declared, chunkFile, record);
+    const TNodePolytypeParameter& polytype = static_cast<const TNodePolytypeParameter&>(declared);
+    LinkInput = polytype.LinkInput;
+    LinkOutput = polytype.LinkOutput;
+    for (int type = 0; type < TY_POLYTYPE; ++type) {
+        const TNodeValueParameter* wanted = polytype.Values[type];
+        if (wanted != nullptr && Values[type] != nullptr)
+            Values[type]->TakeDeclaration(*wanted, chunkFile, record);
+        else if (wanted != nullptr) {
+            Values[type] = static_cast<TNodeValueParameter*>(wanted->Clone());
+            Values[type]->AddToChunkFile(chunkFile);
+        } else if (Values[type] != nullptr) {
+            record.TakeOut(Values[type], chunkFile);
+            Values[type] = nullptr;
+        }
+    }
+    if (!IsTypeValid(DefaultType))
+        DefaultType = polytype.DefaultType;
+    ValidTypes = NotComputed;
+    AllowedTypes = 0xFFFFFFFFu;
+    ResolvedType = -1;
+    ForgetLinks();
+}
+
 void TNodePolytypeParameter::GetValue(float* out) const
 {
     GetCurrentParameter()->GetValue(out);
@@ -251,6 +280,18 @@ int TNodePolytypeParameter::GetLinkOutputIndex(const TEffectNode* node) const
         LinkOutputIndex = index;
     }
     return LinkOutputIndex;
+}
+
+void TNodePolytypeParameter::SetLinkInput(const TString& name)
+{
+    LinkInput = name;
+    ForgetLinks();
+}
+
+void TNodePolytypeParameter::SetLinkOutput(const TString& name)
+{
+    LinkOutput = name;
+    ForgetLinks();
 }
 
 void TNodePolytypeParameter::ForgetLinks()

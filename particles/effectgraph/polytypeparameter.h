@@ -20,6 +20,8 @@ public:
     bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
     TNodeParameter* Clone() const override;
     void CopyValue(const TNodeParameter& other) override;
+    void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                         TRefreshRecord& record) override;
     void GetValue(float* out) const override;
     int GetValueType() const override { return GetCurrentType(); }
     void AddToChunkFile(TChunkFile& chunkFile) override;
@@ -39,6 +41,9 @@ public:
     int GetLinkOutputIndex(const TEffectNode* node) const;
     const TString& GetLinkInput() const { return LinkInput; }
     const TString& GetLinkOutput() const { return LinkOutput; }
+    // An empty name for none.
+    void SetLinkInput(const TString& name);
+    void SetLinkOutput(const TString& name);
     // The ports are looked up anew by name: for a node whose ports have changed.
     void ForgetLinks();
     uint32_t GetAllowedTypes() const { return AllowedTypes; }

@@ -1,6 +1,7 @@
 #include "particles/effectgraph/rampparameter.h"
 
 #include "particles/effectgraph/nodetype.h"
+#include "particles/effectgraph/refreshrecord.h"
 #include "particles/effectgraph/xmltext.h"
 
 int TNodeRampParameter::ClassId()
@@ -182,6 +183,45 @@ bool TNodeRampParameter::ParseCurve(TXmlFile& xml, TErrorList& errors, const cha
         curve.push_back(point);
     }
     return true;
+}
+
+// Curves that the ramp did not have begin as the node type tells them, and no curve follows one that is gone.
+void TNodeRampParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                         TRefreshRecord& record)
+{
+    TNodeParameter::TakeDeclaration(declared, chunkFile, record);
+    const TNodeRampParameter& wanted = static_cast<const TNodeRampParameter&>(declared);
+    RampType = wanted.RampType;
+    Labels = wanted.Labels;
+    if (Dimensions == wanted.Dimensions)
+        return;
+    for (int i = Dimensions; i < wanted.Dimensions; ++i)
+        Curves[i] = wanted.Curves[i];
+    for (int i = wanted.Dimensions; i < MaxDimensions; ++i)
+        Curves[i].clear();
+    for (int i = 0; i < MaxDimensions; ++i)
+        if (i >= Dimensions || i >= wanted.Dimensions || Locks[i] >= wanted.Dimensions)
+            Locks[i] = -1;
+    Dimensions = wanted.Dimensions;
+    record.SetLost(this);
+}
+
+void TNodePolyRampParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                             TRefreshRecord& record)
+{
+    TNodeRampParameter::TakeDeclaration(declared, chunkFile, record);
+    Output = static_cast<const TNodePolyRampParameter&>(declared).Output;
+}
+
+bool TNodeRampParameter::FreeLostLocks()
+{
+    bool found = false;
+    for (int& lock : Locks)
+        if (!IsLock(lock)) {
+            lock = -1;
+            found = true;
+        }
+    return found;
 }
 
 TNodeParameter* TNodeRampParameter::Clone() const

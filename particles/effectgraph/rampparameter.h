@@ -29,6 +29,9 @@ public:
     bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
     TNodeParameter* Clone() const override;
 
+    void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                         TRefreshRecord& record) override;
+
     // The curve of a dimension, or of the one it is locked to, at x.
     float Evaluate(float x, int dimension) const;
     // The greatest last x of the unlocked dimensions, at least 0.
@@ -40,6 +43,10 @@ public:
     const vector<TRampPoint>& GetCurve(int dimension) const;
     const int* GetLocks() const { return Locks; }
     bool IsLinear() const { return Linear; }
+    // A lock that came from a file may name no curve.
+    static bool IsLock(int lock) { return lock >= -1 && lock < MaxDimensions; }
+    // Frees the curves whose locks name none; whether there were any.
+    bool FreeLostLocks();
     // Each of these tells the listeners.
     void SetLocks(const int* locks);
     void SetLinear(bool linear);
@@ -77,6 +84,9 @@ public:
     int GetSize() override;
     bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
     TNodeParameter* Clone() const override;
+
+    void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                         TRefreshRecord& record) override;
 
     const TString& GetOutput() const { return Output; }
     // The index of the output port that it follows, -1 if there is none of that name.

@@ -1,5 +1,6 @@
 #include "particles/effectgraph/simpleparameters.h"
 
+#include "particles/effectgraph/refreshrecord.h"
 #include "particles/effectgraph/xmltext.h"
 
 template <class TParameter>
@@ -180,6 +181,42 @@ bool TNodeEnumParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char*
                            QuoteText(text).Print());
     Index = index;
     return LeaveElement(xml, errors, fileName, "Parameter missing defaultvalue end tag");
+}
+
+// Where an entry of another list stands in this one: what counts is its number, and its name where numbers
+// are shared or the number is gone. -1 if there is neither.
+int TNodeEnumParameter::FindEntry(const TEntry& entry) const
+{
+    int sameNumber = -1;
+    int sameName = -1;
+    for (int i = Values.size() - 1; i >= 0; --i) {
+        const bool hasNumber = Values[i].Number == entry.Number;
+        const bool hasName = Values[i].Name.Compare(entry.Name) == 0;
+        if (hasNumber && hasName)
+            return i;
+        sameNumber = hasNumber ? i : sameNumber;
+        sameName = hasName ? i : sameName;
+    }
+    return sameNumber != -1 ? sameNumber : sameName;
+}
+
+// Where entries of before stand elsewhere now, the positions that operations hold mean others.
+void TNodeEnumParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                         TRefreshRecord& record)
+{
+    TNodeParameter::TakeDeclaration(declared, chunkFile, record);
+    const TNodeEnumParameter& wanted = static_cast<const TNodeEnumParameter&>(declared);
+    vector<TEntry> old;
+    old.swap(Values);
+    Values = wanted.Values;
+    int chosen = -1;
+    for (int i = 0; i < old.size(); ++i) {
+        const int now = FindEntry(old[i]);
+        chosen = i == Index ? now : chosen;
+        if (now != i)
+            record.SetLost(this);
+    }
+    Index = chosen != -1 ? chosen : wanted.Index;
 }
 
 TNodeParameter* TNodeEnumParameter::Clone() const

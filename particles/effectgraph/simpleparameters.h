@@ -42,6 +42,9 @@ public:
     bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
     TNodeParameter* Clone() const override;
 
+    void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                         TRefreshRecord& record) override;
+
     // The chosen entry's number; 0 if the position lies outside the list.
     int GetNumber() const;
     int GetIndex() const { return Index; }
@@ -50,6 +53,8 @@ public:
     const vector<TEntry>& GetValues() const { return Values; }
 
 private:
+    int FindEntry(const TEntry& entry) const;
+
     int Index = 0;
     vector<TEntry> Values;
 };

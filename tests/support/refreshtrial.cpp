@@ -8,10 +8,12 @@
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <sstream>
 
 namespace {
@@ -118,16 +120,20 @@ std::string CurveOf(const TNodeRampParameter& ramp, int dimension)
     return text;
 }
 
-// The name of what is chosen; positions and numbers are the library's to tell.
+// The entry of the name and the number, or of one of them; positions are the library's to tell.
 bool IsEnumKept(const TNodeEnumParameter& before, const TNodeEnumParameter& after)
 {
     if (before.GetIndex() >= before.GetValues().size() || after.GetValues().empty())
         return true;
-    const TString& chosen = before.GetValues()[before.GetIndex()].Name;
-    bool isThere = false;
+    const TNodeEnumParameter::TEntry& chosen = before.GetValues()[before.GetIndex()];
+    // How much an entry is the chosen one: both, one of the two, or none.
+    const auto likeness = [&](const TNodeEnumParameter::TEntry& entry) {
+        return (entry.Name.Compare(chosen.Name) == 0 ? 1 : 0) + (entry.Number == chosen.Number ? 1 : 0);
+    };
+    int best = 0;
     for (const TNodeEnumParameter::TEntry& entry : after.GetValues())
-        isThere |= entry.Name.Compare(chosen) == 0;
-    return !isThere || after.GetValues()[after.GetIndex()].Name.Compare(chosen) == 0;
+        best = std::max(best, likeness(entry));
+    return likeness(after.GetValues()[after.GetIndex()]) == best;
 }
 
 bool IsPolytypeKept(const TNodePolytypeParameter& before, const TNodePolytypeParameter& after)
@@ -360,6 +366,60 @@ std::string FindLostWire(const TEffectGraph& before, const TEffectGraph& after, 
     return "";
 }
 
+void AppendValues(const TParameters& parameters, std::string& state)
+{
+    for (const TNodeParameter* parameter : parameters) {
+        state += std::string(" ") + parameter->Name.Print() + ":";
+        if (parameter->Type == PK_ENUM)
+            state += std::to_string(static_cast<const TNodeEnumParameter*>(parameter)->GetIndex());
+        else if (parameter->Type == TY_POLYTYPE) {
+            const auto* polytype = static_cast<const TNodePolytypeParameter*>(parameter);
+            state += std::to_string(polytype->GetDefaultType());
+            for (int type = 0; type < TY_POLYTYPE; ++type)
+                if (polytype->IsTypeValid(type))
+                    state += ValueOf(*polytype->GetValueParameter(type));
+        } else if (parameter->Type == PK_RAMP || parameter->Type == PK_POLYRAMP) {
+            const auto* ramp = static_cast<const TNodeRampParameter*>(parameter);
+            state += ramp->IsLinear() ? "linear" : "";
+            for (int i = 0; i < ramp->GetDimensions(); ++i)
+                state += CurveOf(*ramp, i) + " " + std::to_string(ramp->GetLocks()[i]);
+        } else
+            state += ValueOf(*parameter);
+        if (parameter->Type == PK_GROUP)
+            AppendValues(static_cast<const TNodeGroupParameter*>(parameter)->GetChildren(), state);
+    }
+}
+
+// All that an artist sees of an effect. The nodes live on while the history has them, wherever in the graph
+// they stand.
+std::string StateOf(const TEffectGraph& graph)
+{
+    std::map<const TEffectNode*, std::string> nodes;
+    std::map<const TEffectNode*, std::set<std::string>> wiresOf;
+    for (int i = 0; i < graph.GetNumNodes(); ++i) {
+        const TNodeType& type = *graph.GetNode(i)->GetNodeType();
+        std::string& state = nodes[graph.GetNode(i)];
+        state = type.Name.Print() + (" " + std::to_string(type.Flags));
+        AppendValues(type.Parameters, state);
+        AppendValues(type.Inputs, state);
+    }
+    for (int i = 0; i < graph.GetNumEdges(); ++i) {
+        const TEffectEdge& edge = *graph.GetEdge(i);
+        const void* source = edge.GetSrcNode();
+        char text[64];
+        std::snprintf(text, sizeof(text), " %d from %p %d", edge.GetDstPort(), source, edge.GetSrcPort());
+        wiresOf[edge.GetDstNode()].insert(text);
+    }
+    std::string state;
+    for (const auto& [node, text] : nodes) {
+        state += text;
+        for (const std::string& wire : wiresOf[node])
+            state += wire;
+        state += "\n";
+    }
+    return state;
+}
+
 void TakeDefaultTypes(const TEffectGraph& from, TEffectGraph& to)
 {
     for (int i = 0; i < from.GetNumNodes() && i < to.GetNumNodes(); ++i) {
@@ -489,15 +549,14 @@ bool TRefreshTrial::LoadChanged(TDocument& before, TDocument& after)
                     (TForms::Questions.empty() ? "" : TForms::Questions.front()) + "\"");
     if (!CheckSound(after, "after the load"))
         return false;
-    if (after.IsModified() != (Accepts && stale > 0))
+    Refreshed = Accepts && stale > 0;
+    if (after.IsModified() != Refreshed)
         return Fail("the star is wrong after the load");
-    if (!Accepts || stale == 0) {
+    if (!Refreshed) {
         ++Counts[stale > 0 ? "refreshes declined" : "loads without a refresh"];
         return true;
     }
     ++Counts["refreshes accepted"];
-    if (after.CanUndo() || after.CanRedo())
-        return Fail("the history outlives the refresh");
     return CheckRefreshed(before, after);
 }
 
@@ -537,7 +596,7 @@ bool TRefreshTrial::CheckReopened(TCindermillApp& app, TDocument& document)
         return false;
     const std::string bytes = BytesOf(path);
     const int stale = CountStale(document);
-    if (Accepts && stale != 0)
+    if (Refreshed && stale != 0)
         return Fail("types are stale after the refresh and edits");
     TForms::Answer = false;
     TForms::Questions.clear();
@@ -572,28 +631,31 @@ bool TRefreshTrial::CheckReopened(TCindermillApp& app, TDocument& document)
 
 bool TRefreshTrial::CheckSound(TDocument& document, const char* where)
 {
-    return document.CheckLoaded() ||
+    return document.CheckLoaded(false) ||
            Fail(std::string("the checks fail ") + where + ": " + document.GetLoadError().Print());
 }
 
 // To both ends of the history, and back to where it stood.
 bool TRefreshTrial::CheckHistory(TDocument& document, const char* where)
 {
-    const TEffectGraph& graph = *document.GetGraph();
     TForms::Messages.clear();
     int tail = 0;
     for (; document.CanRedo(); ++tail)
         document.Redo();
-    const int nodes = graph.GetNumNodes();
-    const int edges = graph.GetNumEdges();
-    while (document.CanUndo())
+    const std::string whole = StateOf(*document.GetGraph());
+    while (document.CanUndo()) {
         document.Undo();
-    if (!CheckSound(document, where))
-        return false;
-    while (document.CanRedo())
+        if (!CheckSound(document, where))
+            return false;
+    }
+    while (document.CanRedo()) {
         document.Redo();
-    if (graph.GetNumNodes() != nodes || graph.GetNumEdges() != edges)
-        return Fail(std::string("undo and redo of everything change the graph ") + where);
+        if (!CheckSound(document, where))
+            return false;
+    }
+    if (StateOf(*document.GetGraph()) != whole)
+        return Fail(std::string("undo and redo of everything change the effect ") + where +
+                    (Refreshed ? ", refreshed" : ""));
     for (; tail > 0; --tail)
         document.Undo();
     for (const std::string& message : TForms::Messages)

@@ -57,6 +57,8 @@ private:
     // The names of the types that the document uses.
     std::vector<std::string> Liked;
     bool Accepts = false;
+    // Whether the last load asked, and was told to refresh.
+    bool Refreshed = false;
     std::string Fault;
     std::string Story;
     std::map<std::string, int> Counts;

@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-TTestApp::TTestApp(TAppHost* host)
+TTestApp::TTestApp(TAppHost* host, const std::string& nodeTypes)
     : App(new TCindermillApp(OpenSettingsFile(Folder.Path("settings.ini").c_str()), host))
 {
     const std::string resources = Folder.Path("resources");
@@ -14,7 +14,7 @@ TTestApp::TTestApp(TAppHost* host)
         throw std::runtime_error("no application");
     App->GetResourceLocator().AddSearchDirectory(resources.c_str());
     TErrorList errors;
-    App->LoadNodeTypes(SourcePath("NodeTypes").c_str(), errors);
+    App->LoadNodeTypes(nodeTypes.c_str(), errors);
     if (!errors.empty()) {
         TString text;
         (*errors.begin())->GetText(text);

@@ -7,12 +7,12 @@
 #include <memory>
 
 // The application over the repository's node types, with settings in a folder of its own and a folder of
-// resources: the texture "spark.dds" and the animation "path.vori". Throws std::runtime_error where that
-// cannot be had.
+// resources: the texture "spark.dds" and the animation "path.vori". Another directory of node types may be
+// told. Throws std::runtime_error where that cannot be had.
 class TTestApp
 {
 public:
-    explicit TTestApp(TAppHost* host = nullptr);
+    explicit TTestApp(TAppHost* host = nullptr, const std::string& nodeTypes = SourcePath("NodeTypes"));
     TTestApp(const TTestApp&) = delete;
     TTestApp& operator=(const TTestApp&) = delete;
 

@@ -25,7 +25,7 @@ bool TBinaryFile::OpenWrite(const char* path)
 
 bool TBinaryFile::Close()
 {
-    const bool written = !IsOpen() || WriteGathered();
+    const bool written = !IsOpen() || Flush();
     return TFile::Close() && written;
 }
 
@@ -33,10 +33,10 @@ bool TBinaryFile::Write(const void* buffer, int n)
 {
     // What is too much goes through, and misuse to its assertion.
     if (!IsOpen() || IsRead() || n < 0 || n > MaxGathered || n > INT_MAX - GetFilePtr())
-        return WriteGathered() && TFile::Write(buffer, n);
+        return Flush() && TFile::Write(buffer, n);
     const int used = Gathered.size();
     if (n > MaxGathered - used)
-        return WriteGathered() && Write(buffer, n);
+        return Flush() && Write(buffer, n);
     Gathered.reserve(MaxGathered);
     Gathered.resize(used + n);
     if (n > 0)
@@ -44,7 +44,7 @@ bool TBinaryFile::Write(const void* buffer, int n)
     return true;
 }
 
-bool TBinaryFile::WriteGathered()
+bool TBinaryFile::Flush()
 {
     const int count = Gathered.size();
     Gathered.clear();

@@ -16,6 +16,8 @@ public:
     bool OpenWrite(const char* path);
     bool Close();
     bool Write(const void* buffer, int n);
+    // Gives what is gathered to the platform.
+    bool Flush();
     int GetFilePtr() const { return TFile::GetFilePtr() + Gathered.size(); }
 
     bool ReadI32(int32_t& value);
@@ -45,7 +47,5 @@ public:
     static int GetStringSize(const TString& value) { return (value.Length() + 4) & ~3; }
 
 private:
-    bool WriteGathered();
-
     vector<uint8_t> Gathered;
 };

@@ -69,7 +69,7 @@ TChunkFile::~TChunkFile() noexcept
     }
 }
 
-bool TChunkFile::Save(const char* path)
+bool TChunkFile::Save(const char* path, TVerify verify, void* data)
 {
     Failed = false;
     File.Abandon();
@@ -79,8 +79,10 @@ bool TChunkFile::Save(const char* path)
     for (int i = 0; i < Chunks.size(); ++i)
         Chunks[i]->ChunkIdx = i;
     const bool written = File.WriteRaw(Magic, sizeof(Magic)) &&
-                         File.WriteU32(static_cast<uint32_t>(Chunks.size())) && WriteTable() && WriteBodies();
-    Failed = !written || !File.Close();
+                         File.WriteU32(static_cast<uint32_t>(Chunks.size())) && WriteTable() &&
+                         WriteBodies() && File.Flush();
+    const bool sound = written && (verify == nullptr || verify(File.GetTemporaryPath(), data));
+    Failed = !sound || !File.Close();
     return !Failed;
 }
 

@@ -40,7 +40,10 @@ public:
     // The chunks made before a failure stay, for the caller to clear. After a file that ends within its table
     // File stays open, until the next load or save or the destructor.
     bool Load(const char* path);
-    bool Save(const char* path);
+    // Asked of the written file before it takes the place of the old one, under the name that it has until
+    // then: false fails the save.
+    using TVerify = bool (*)(const char* path, void* data);
+    bool Save(const char* path, TVerify verify = nullptr, void* data = nullptr);
     bool HasFailed() const { return Failed; }
 
     // Takes ownership.

@@ -178,15 +178,21 @@ int TBatchProgram::Start(const TCommandEntry& command, TArguments& arguments)
     return status;
 }
 
-bool TBatchProgram::LoadNodeTypes()
+void TBatchProgram::ReadNodeTypes(TErrorList& errors)
 {
     TString directory = NodeTypesDirectory;
     if (directory.IsEmpty() && !App->FindNodeTypesDirectory(directory)) {
         directory = App->GetProgramDirectory();
         directory += "\\NodeTypes";
     }
-    TErrorList errors;
     App->LoadNodeTypes(directory, errors);
+    NodeTypesRead = true;
+}
+
+bool TBatchProgram::LoadNodeTypes()
+{
+    TErrorList errors;
+    ReadNodeTypes(errors);
     for (const TError* error : errors) {
         TString text;
         error->GetText(text);
@@ -221,11 +227,24 @@ bool TBatchProgram::LoadFile(TDocument& document, const char* path)
     bool loaded = false;
     {
         TLogCapture quiet(DropLine, nullptr);
-        loaded = document.BatchLoad(path);
+        loaded = document.BatchLoad(path) && CheckLoaded(document);
     }
     if (!loaded)
         std::fprintf(stderr, "%s: %s\n", path, document.GetLoadError().Print());
+    for (const TError* note : document.GetLoadNotes())
+        std::fprintf(stderr, "%s: %s\n", path, note->GetMessage().Print());
     return loaded;
+}
+
+// The library is read only for a file whose own links may need it; what is wrong with it is told by "types".
+bool TBatchProgram::CheckLoaded(TDocument& document)
+{
+    if (document.CheckLoaded(false))
+        return true;
+    TErrorList ignored;
+    if (!NodeTypesRead)
+        ReadNodeTypes(ignored);
+    return document.CheckLoaded();
 }
 
 // The types of polytype ports are not in the file: they are settled once, here.
@@ -234,9 +253,7 @@ bool TBatchProgram::LoadGraph(TDocument& document, const char* path)
     if (!LoadFile(document, path))
         return false;
     TString text;
-    if (!document.CheckLoaded())
-        text = document.GetLoadError();
-    else if (RunGuarded([&] { document.GetGraph()->GraphChanged(); }, text))
+    if (RunGuarded([&] { document.GetGraph()->GraphChanged(); }, text))
         return true;
     std::fprintf(stderr, "%s: %s\n", path, text.Print());
     return false;
@@ -447,7 +464,8 @@ int TBatchProgram::Resave(TArguments& arguments)
         return StatusErrors;
     if (document.SaveAs(out))
         return StatusDone;
-    std::fprintf(stderr, "%s: The file cannot be written\n", out);
+    const TString& reason = document.GetSaveError();
+    std::fprintf(stderr, "%s: %s\n", out, reason.IsEmpty() ? "The file cannot be written" : reason.Print());
     return StatusErrors;
 }
 

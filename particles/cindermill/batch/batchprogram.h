@@ -37,6 +37,7 @@ private:
     static int ReportUsage(const char* format, ...) CINDERMILL_PRINTF(1, 2);
     bool ReadOptions(TArguments& arguments);
     int Start(const TCommandEntry& command, TArguments& arguments);
+    void ReadNodeTypes(TErrorList& errors);
     bool LoadNodeTypes();
 
     int Types(TArguments& arguments);
@@ -52,11 +53,13 @@ private:
     int Hash(TArguments& arguments);
 
     // Each of these reports what is wrong on the standard error, naming the file.
-    static bool LoadFile(TDocument& document, const char* path);
-    static bool LoadGraph(TDocument& document, const char* path);
+    bool LoadFile(TDocument& document, const char* path);
+    bool LoadGraph(TDocument& document, const char* path);
+    bool CheckLoaded(TDocument& document);
     bool CheckFile(const char* path);
 
     TCindermillApp* App = nullptr;
+    bool NodeTypesRead = false;
     bool NodeTypesSound = true;
     TString NodeTypesDirectory;
     TString ResourcesDirectory;

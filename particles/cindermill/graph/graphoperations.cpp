@@ -6,6 +6,7 @@
 #include "particles/cindermill/graph/paramoperations.h"
 #include "particles/cindermill/graph/tooledge.h"
 #include "particles/cindermill/graph/toolnode.h"
+#include "particles/effectgraph/refreshrecord.h"
 
 CINDERMILL_OPERATION(TAddGraphNodeOp)
 CINDERMILL_OPERATION(TAddGraphNodesOp)
@@ -476,6 +477,15 @@ bool TDeleteGraphNodeOp::FitsUndo(const TEffectGraph& graph) const
     return true;
 }
 
+// The nodes can come back without the edges whose ports are gone.
+bool TDeleteGraphNodeOp::AdaptTo(const TRefreshRecord& record)
+{
+    for (int i = Edges.size() - 1; i >= 0; --i)
+        if (record.IsLost(Edges[i]))
+            Edges.erase(Edges.begin() + i);
+    return true;
+}
+
 void TDeleteGraphNodeOp::GetUsed(vector<TChunk*>& result) const
 {
     AppendAll(Nodes, result);
@@ -629,6 +639,18 @@ bool TChangeGraphEdgeOp::Fits(const TEffectGraph& graph, bool undo) const
                           Ends[NewDestination]);
 }
 
+bool TChangeGraphEdgeOp::AdaptTo(const TRefreshRecord& record)
+{
+    Ends[OldSource].Port = record.FindOutput(Ends[OldSource].Node, Ends[OldSource].Port);
+    Ends[NewSource].Port = record.FindOutput(Ends[NewSource].Node, Ends[NewSource].Port);
+    Ends[OldDestination].Port = record.FindInput(Ends[OldDestination].Node, Ends[OldDestination].Port);
+    Ends[NewDestination].Port = record.FindInput(Ends[NewDestination].Node, Ends[NewDestination].Port);
+    for (const TEnd& end : Ends)
+        if (end.Port == -1)
+            return false;
+    return TOperation::AdaptTo(record);
+}
+
 bool TChangeGraphEdgeOp::FitsMove(const TEffectGraph& graph, const TEnd& fromSource,
                                   const TEnd& fromDestination, const TEnd& source,
                                   const TEnd& destination) const
@@ -729,6 +751,11 @@ bool TBypassFlagOp::Write(TChunkFile* chunkFile)
 void TBypassFlagOp::GetUsed(vector<TChunk*>& result) const
 {
     result.push_back(Node);
+}
+
+bool TBypassFlagOp::AdaptTo(const TRefreshRecord& record)
+{
+    return !record.HasNode(Node) || Node->GetNodeType()->HasFlag(FL_BYPASSABLE);
 }
 
 void TBypassFlagOp::Store(TEditContext& doc, bool set)

@@ -4,6 +4,7 @@
 
 class TEditContext;
 class TEffectGraph;
+class TRefreshRecord;
 
 // One edit of a document, which can do itself and undo itself. On the stack it is a chunk of the document, so
 // the history is saved along. Operations refer to nodes and edges, which stay alive, and in the file, for as
@@ -37,6 +38,9 @@ public:
         (void)undo;
         return true;
     }
+    // Node types were refreshed: brings what the operation holds up to date. False if it has lost something
+    // that it needs, and so does not fit the document any more.
+    virtual bool AdaptTo(const TRefreshRecord& record);
     // The nodes and edges that the operation made, and whatever else it refers to.
     virtual void GetMade(vector<TChunk*>& result) const { (void)result; }
     virtual void GetUsed(vector<TChunk*>& result) const { (void)result; }

@@ -3,6 +3,7 @@
 #include "library/system/clock.h"
 #include "particles/cindermill/graph/editcontext.h"
 #include "particles/cindermill/graph/historycheck.h"
+#include "particles/effectgraph/refreshrecord.h"
 
 int TOperation::ClassId()
 {
@@ -14,6 +15,17 @@ uint32_t TOperation::NameID()
 {
     static const uint32_t id = GetClassNameID(ClassId());
     return id;
+}
+
+bool TOperation::AdaptTo(const TRefreshRecord& record)
+{
+    vector<TChunk*> held;
+    GetMade(held);
+    GetUsed(held);
+    for (const TChunk* chunk : held)
+        if (record.IsLost(chunk))
+            return false;
+    return true;
 }
 
 int TOperationStack::ClassId()
@@ -117,6 +129,28 @@ void TOperationStack::Clear(TEditContext& doc)
     }
     Position = 0;
     SavedPosition = 0;
+}
+
+// What a dropped operation made and lost is the record's to free; what it made and did not lose is in use
+// elsewhere.
+int TOperationStack::AdaptTo(const TRefreshRecord& record, TEditContext& doc)
+{
+    vector<TOperation*> all;
+    all.swap(Operations);
+    Operations.reserve(all.size());
+    const int done = Position;
+    for (int i = 0; i < all.size(); ++i) {
+        if (all[i]->AdaptTo(record)) {
+            Operations.push_back(all[i]);
+            continue;
+        }
+        Position -= i < done ? 1 : 0;
+        doc.GetChunks().RemoveChunk(all[i]);
+        delete all[i];
+    }
+    LastTime = 0;
+    MarkChanged();
+    return all.size() - Operations.size();
 }
 
 bool TOperationStack::Check() const

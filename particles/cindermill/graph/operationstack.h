@@ -28,6 +28,11 @@ public:
     bool CanRedo() const { return Position < Operations.size(); }
     // Forgets the history. What the done operations removed stays in the chunk file until the document goes.
     void Clear(TEditContext& doc);
+    // After a refresh of node types: drops the operations that do not fit any more and keeps the others.
+    // Returns how many were dropped. No undo or redo leads back to what was saved.
+    int AdaptTo(const TRefreshRecord& record, TEditContext& doc);
+    // The document differs from its file by more than operations.
+    void MarkChanged() { SavedPosition = NoPosition; }
     bool IsAtSavedPosition() const { return Position == SavedPosition; }
     void MarkSaved() { SavedPosition = Position; }
 
@@ -38,6 +43,8 @@ public:
     bool Check() const;
 
 private:
+    static constexpr int NoPosition = -1;
+
     void DropTail(TEditContext& doc);
 
     vector<TOperation*> Operations;

@@ -3,6 +3,7 @@
 #include "particles/cindermill/graph/editcontext.h"
 #include "particles/cindermill/graph/operationclass.h"
 #include "particles/effectgraph/effectgraph.h"
+#include "particles/effectgraph/refreshrecord.h"
 
 CINDERMILL_OPERATION(TScalarParamOp)
 CINDERMILL_OPERATION(TBoolParamOp)
@@ -369,6 +370,24 @@ bool TPolytypeUserTypeOp::Fits(const TEffectGraph&, bool) const
             return false;
     }
     return true;
+}
+
+// Ports that follow each other get one type: where one of them has lost it, or is gone, the others keep
+// theirs.
+bool TPolytypeUserTypeOp::AdaptTo(const TRefreshRecord& record)
+{
+    for (TOutputRecord& output : Outputs) {
+        output.Port = record.FindOutput(output.Node, output.Port);
+        if (output.Port == -1)
+            return false;
+        const uint32_t types = output.Node->GetNodeType()->GetOutput(output.Port).ValidTypes;
+        if (record.HasNode(output.Node) && ((types >> output.OldType & types >> NewType) & 1) == 0)
+            return false;
+    }
+    for (const TParameterRecord& input : Parameters)
+        if (!input.Parameter->IsTypeValid(input.OldType) || !input.Parameter->IsTypeValid(NewType))
+            return false;
+    return TOperation::AdaptTo(record);
 }
 
 void TPolytypeUserTypeOp::GetUsed(vector<TChunk*>& result) const

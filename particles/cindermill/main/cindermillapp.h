@@ -95,6 +95,7 @@ public:
     // the user, leaves the document modified, and counts as true.
     bool Save(TDocument& document);
     bool SaveAs(TDocument& document);
+    void TellNotSaved(TDocument& document, const char* path);
     void ExportActive();
     // Asks about unsaved work, then deletes the document with its windows: a window that calls this from its
     // own message may not be touched after it.

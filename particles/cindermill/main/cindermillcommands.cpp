@@ -8,6 +8,7 @@
 #include "particles/cindermill/graph/toolnode.h"
 #include "particles/cindermill/main/apphost.h"
 #include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/displayerrors.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/cindermill/main/documenthost.h"
 
@@ -183,6 +184,8 @@ bool TCindermillApp::AddDocument(const char* path)
     TDocument* document = new TDocument(*this, Host->CreateDocumentHost());
     if (path == nullptr ? document->New() : document->Load(path)) {
         Documents.push_back(document);
+        if (!document->GetLoadNotes().empty())
+            DisplayErrors("Load errors", document->GetLoadNotes());
         return true;
     }
     const TString reason = document->GetLoadError();
@@ -253,7 +256,7 @@ bool TCindermillApp::Save(TDocument& document)
         return false;
     AddRecentFile(path);
     if (!document.Save())
-        TellWriteFailed(path);
+        TellNotSaved(document, path);
     return true;
 }
 
@@ -267,8 +270,29 @@ bool TCindermillApp::SaveAs(TDocument& document)
         return false;
     AddRecentFile(path);
     if (!document.SaveAs(path))
-        TellWriteFailed(path);
+        TellNotSaved(document, path);
     return true;
+}
+
+// An effect that could not be opened again is never written over a file, but its work need not be lost
+// either.
+void TCindermillApp::TellNotSaved(TDocument& document, const char* path)
+{
+    if (document.GetSaveError().IsEmpty()) {
+        TellWriteFailed(path);
+        return;
+    }
+    TString other;
+    if (!AskQuestion("%s was not written, as it could not be opened again: %s. What the file held before is "
+                     "untouched, and the effect is not saved. Write it as it is under another name?",
+                     ShownPath(path).Print(), document.GetSaveError().Print()) ||
+        !ChooseEffect(false, "Select save path", other))
+        return;
+    AddMissingExtension(other, ".effect");
+    if (FileExists(other))
+        ShowMessage("%s exists and was left as it is. The effect is not saved.", ShownPath(other).Print());
+    else if (!document.SaveUnchecked(other))
+        TellWriteFailed(other);
 }
 
 void TCindermillApp::ExportActive()

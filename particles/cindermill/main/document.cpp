@@ -1,6 +1,5 @@
 #include "particles/cindermill/main/document.h"
 
-#include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
 #include "particles/cindermill/graph/graphoperations.h"
@@ -9,9 +8,11 @@
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/cindermill/main/documenthost.h"
+#include "particles/cindermill/main/effectfile.h"
 #include "particles/effectgraph/exportdata.h"
-#include "particles/effectgraph/graphcheck.h"
+#include "particles/effectgraph/linkmender.h"
 #include "particles/effectgraph/pointermap.h"
+#include "particles/effectgraph/refreshrecord.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -93,6 +94,7 @@ bool TDocument::New()
     Graph = new TEffectGraph;
     Chunks.AddChunk(Graph);
     Graph->AddCallback(&TDocument::OnGraphChanged, this);
+    IsEditable = true;
     if (Host != nullptr && !Host->CreateView(*this))
         return false;
     Modified = false;
@@ -101,90 +103,46 @@ bool TDocument::New()
     return true;
 }
 
-bool TDocument::LoadChunks(const char* path)
+// Takes over what the steps of a load have found so far.
+bool TDocument::TakeLoaded(const TEffectFile& file, bool sound)
 {
-    bool loaded = false;
-    TString text;
-    if (!FileExists(path))
-        LoadError = "The file does not exist";
-    else if (!RunGuarded([&] { loaded = Chunks.Load(path); }, text))
-        LoadError = text;
-    else if (!loaded)
-        LoadError = GetLastChunkError();
-    else
-        return true;
-    if (LoadError.Compare("<no error>") == 0)
-        LoadError = "The file cannot be read to its end";
-    return false;
-}
-
-bool TDocument::FindRoots(bool needStack)
-{
-    vector<TChunk*> stacks;
-    Chunks.GetChunksOfClass(TOperationStack::NameID(), stacks);
-    if (needStack && stacks.size() != 1) {
-        LoadError.Format("The file holds %d operation stacks in place of one", stacks.size());
-        return false;
-    }
-    vector<TChunk*> graphs;
-    Chunks.GetChunksOfClass(TEffectGraph::NameID(), graphs);
-    if (graphs.size() != 1) {
-        LoadError.Format("The file holds %d effect graphs in place of one", graphs.size());
-        return false;
-    }
-    OperationStack = stacks.size() == 1 ? static_cast<TOperationStack*>(stacks[0]) : nullptr;
-    Graph = static_cast<TEffectGraph*>(graphs[0]);
-    return true;
-}
-
-// The history holds nodes that are in no graph now; they must not share anything with those that are.
-bool TDocument::CheckLoaded()
-{
-    vector<TChunk*> chunks;
-    Chunks.GetChunksOfClass(TEffectNode::NameID(), chunks);
-    Chunks.GetChunksOfClass(TToolNode::NameID(), chunks);
-    vector<TEffectNode*> nodes;
-    for (TChunk* chunk : chunks)
-        nodes.push_back(static_cast<TEffectNode*>(chunk));
-    if (!CheckNodes(nodes, LoadError) || !CheckGraph(*Graph, LoadError))
-        return false;
-    if (OperationStack != nullptr && !OperationStack->Check()) {
-        LoadError = "The undo history is damaged";
-        return false;
-    }
-    return true;
-}
-
-// Edits and views rely on the tool's own classes.
-bool TDocument::CheckClasses()
-{
-    vector<TChunk*> others;
-    Chunks.GetChunksOfClass(TEffectNode::NameID(), others);
-    Chunks.GetChunksOfClass(TEffectEdge::NameID(), others);
-    if (others.empty())
-        return true;
-    LoadError = "The file holds nodes or edges that cannot be edited";
-    return false;
+    Graph = file.GetGraph();
+    OperationStack = file.GetOperationStack();
+    LoadError = file.GetFault();
+    return sound;
 }
 
 bool TDocument::BatchLoad(const char* path)
 {
-    if (!LoadChunks(path) || !FindRoots(false))
-        return false;
+    TEffectFile file(Chunks);
     Path = path;
-    return true;
+    return TakeLoaded(file, file.Load(path) && file.FindRoots(false));
+}
+
+bool TDocument::CheckLoaded(bool mend)
+{
+    TEffectFile file(Chunks);
+    TLinkMender mender(App.GetNodeTypes(), LoadNotes);
+    return TakeLoaded(file, file.FindRoots(false) && file.Check(mend ? &mender : nullptr));
 }
 
 bool TDocument::Load(const char* path)
 {
     if (Host != nullptr && !Host->CreateParticleWindow(*this))
         return false;
-    if (!LoadChunks(path) || !FindRoots(true) || !CheckLoaded() || !CheckClasses())
+    TEffectFile file(Chunks);
+    TLinkMender mender(App.GetNodeTypes(), LoadNotes);
+    if (!TakeLoaded(file,
+                    file.Load(path) && file.FindRoots(true) && file.Check(&mender) && file.CheckClasses()))
         return false;
+    IsEditable = true;
     Graph->AddCallback(&TDocument::OnGraphChanged, this);
     if (Host != nullptr && !Host->CreateView(*this))
         return false;
-    Modified = false;
+    // What was mended differs from the file.
+    Modified = !LoadNotes.empty();
+    if (Modified)
+        OperationStack->MarkChanged();
     RefreshNodeTypes();
     AttachObjects();
     TErrorList errors;
@@ -205,19 +163,36 @@ bool TDocument::Load(const char* path)
     return true;
 }
 
+// Nodes that only the history holds are not asked about, but may come back: they are refreshed along.
 void TDocument::RefreshNodeTypes()
 {
     const TNodeTypeLibrary& library = App.GetNodeTypes();
     vector<TEffectNode*> stale;
-    for (int i = 0; i < Graph->GetNumNodes(); ++i)
+    TPointerMap inGraph;
+    for (int i = 0; i < Graph->GetNumNodes(); ++i) {
+        inGraph.Insert(Graph->GetNode(i));
         if (Graph->GetNode(i)->GetNodeType()->NeedsRefresh(library))
             stale.push_back(Graph->GetNode(i));
+    }
     if (stale.empty() || !AskQuestion("%d node types need refreshing. Refresh now?", stale.size()))
         return;
+    vector<TChunk*> all;
+    Chunks.GetChunksOfClass(TToolNode::NameID(), all);
+    for (TChunk* chunk : all) {
+        TToolNode* node = static_cast<TToolNode*>(chunk);
+        if (!inGraph.Has(node) && node->GetNodeType()->NeedsRefresh(library))
+            stale.push_back(node);
+    }
+    TRefreshRecord record;
     for (TEffectNode* node : stale)
-        node->GetNodeType()->Refresh(node, library, Chunks, *Graph);
-    RestoreEdgePorts(*Graph);
-    OperationStack->Clear(*this);
+        node->GetNodeType()->Refresh(node, library, Chunks, *Graph, record);
+    record.MoveEdges(Chunks, *Graph);
+    const int steps = OperationStack->GetNumOperations();
+    const int dropped = OperationStack->AdaptTo(record, *this);
+    if (dropped > 0)
+        LoadNotes.Add(new TError("%d of the %d steps of the undo history do not fit the refreshed nodes and "
+                                 "were dropped",
+                                 dropped, steps));
     Modified = true;
 }
 
@@ -245,9 +220,28 @@ bool TDocument::Save()
     return SaveAs(path);
 }
 
+// Asks of the written file what a load will ask.
+bool TDocument::CheckWritten(const char* path, void* data)
+{
+    TDocument& document = *static_cast<TDocument*>(data);
+    TChunkFile chunks;
+    TEffectFile file(chunks);
+    if (file.Load(path) && file.FindRoots(document.IsEditable) && file.Check() &&
+        (!document.IsEditable || file.CheckClasses()))
+        return true;
+    document.SaveError = file.GetFault();
+    return false;
+}
+
+bool TDocument::SaveUnchecked(const char* path)
+{
+    return Chunks.Save(path);
+}
+
 bool TDocument::SaveAs(const char* path)
 {
-    if (!Chunks.Save(path))
+    SaveError = nullptr;
+    if (!Chunks.Save(path, &TDocument::CheckWritten, this))
         return false;
     if (OperationStack != nullptr)
         OperationStack->MarkSaved();
@@ -295,6 +289,7 @@ void TDocument::FinishStep(bool fits)
         return;
     }
     OperationStack->Clear(*this);
+    OperationStack->MarkChanged();
     SetModified(true);
     ShowMessage("The undo history does not fit the effect and was cleared");
 }

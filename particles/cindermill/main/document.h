@@ -9,6 +9,7 @@
 
 class TCindermillApp;
 class TDocumentHost;
+class TEffectFile;
 
 // How far a batch export came.
 enum TBatchResult
@@ -35,15 +36,24 @@ public:
     // On false the document is of no use, and GetLoadError tells why.
     bool New();
     bool Load(const char* path);
-    // Without windows, questions and schedule: the graph as it stands in the file. An untouched one can be
-    // saved again even where its graph is unsound; anything else needs CheckLoaded.
+    // Without windows, questions and schedule: the graph as it stands in the file. Anything but a look at it
+    // needs CheckLoaded.
     bool BatchLoad(const char* path);
-    // Whether what was loaded can be relied on.
-    bool CheckLoaded();
+    // Whether what was loaded can be relied on. Links that name nothing are mended, from the library where it
+    // knows better, or count as faults too.
+    bool CheckLoaded(bool mend = true);
     const TString& GetLoadError() const { return LoadError; }
+    // What a load that succeeded had to mend or to drop.
+    const TErrorList& GetLoadNotes() const { return LoadNotes; }
 
+    // A file that could not be loaded again is not written: the old one stays, and GetSaveError tells why. It
+    // is empty where the writing itself failed.
     bool Save();
     bool SaveAs(const char* path);
+    const TString& GetSaveError() const { return SaveError; }
+    // Writes the document as it is, for a name where nothing is lost by it. The document does not count as
+    // saved.
+    bool SaveUnchecked(const char* path);
     bool EnsureSchedule();
     bool Export(const char* path);
     // Schedule, engine, model and file in one; what went wrong is collected.
@@ -111,9 +121,8 @@ public:
     void RedrawWindows() override;
 
 private:
-    bool LoadChunks(const char* path);
-    bool FindRoots(bool needStack);
-    bool CheckClasses();
+    bool TakeLoaded(const TEffectFile& file, bool sound);
+    static bool CheckWritten(const char* path, void* data);
     void RefreshNodeTypes();
     void AttachObjects();
     void UpdateTitles();
@@ -137,5 +146,9 @@ private:
     vector<TToolNode*> Selected;
     TString Path;
     TString LoadError;
+    TErrorList LoadNotes;
+    TString SaveError;
     bool Modified = false;
+    // Made or loaded to be edited, and not only to be looked at.
+    bool IsEditable = false;
 };

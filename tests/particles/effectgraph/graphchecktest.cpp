@@ -145,35 +145,41 @@ TEST(CheckGraph, Edges)
     {
         TSpoilt graph;
         graph.Edge->SetDstPort(0);
-        EXPECT_EQ(graph.Fault(), "An edge ends at a port that does not exist or holds another edge");
+        EXPECT_EQ(graph.Fault(), "The edge from node \"N\" to node \"B\" ends at a port that does not exist "
+                                 "or holds another edge");
         graph.Edge->SetDstPort(2);
-        EXPECT_EQ(graph.Fault(), "An edge ends at a port that does not exist or holds another edge");
+        EXPECT_EQ(graph.Fault(), "The edge from node \"N\" to node \"B\" ends at a port that does not exist "
+                                 "or holds another edge");
         graph.Edge->SetDstPort(1);
         graph.Edge->SetSrcPort(-1);
-        EXPECT_EQ(graph.Fault(), "An edge ends at a port that does not exist or holds another edge");
+        EXPECT_EQ(graph.Fault(), "The edge from node \"N\" to node \"B\" ends at a port that does not exist "
+                                 "or holds another edge");
     }
     {
         TSpoilt graph;
         graph.A->RemoveOutputEdge(0, graph.Edge);
-        EXPECT_EQ(graph.Fault(), "An edge is missing at its source");
+        EXPECT_EQ(graph.Fault(), "The edge from node \"N\" to node \"B\" is missing at its source");
         graph.A->AddOutputEdge(0, graph.Edge);
         graph.A->AddOutputEdge(0, graph.Edge);
-        EXPECT_EQ(graph.Fault(), "An output holds an edge that does not begin there, or holds it twice");
+        EXPECT_EQ(graph.Fault(),
+                  "Node \"N\": an output holds an edge that does not begin there, or holds it twice");
     }
     {
         TSpoilt graph;
         graph.B->SetInput(0, graph.Edge);
-        EXPECT_EQ(graph.Fault(), "An input holds an edge that does not end there");
+        EXPECT_EQ(graph.Fault(), "Node \"B\": an input holds an edge that does not end there");
     }
     {
         TSpoilt graph;
         graph.Test.GetGraph().RemoveEdge(graph.Edge);
-        EXPECT_EQ(graph.Fault(), "An output holds an edge that does not begin there, or holds it twice");
+        EXPECT_EQ(graph.Fault(),
+                  "Node \"N\": an output holds an edge that does not begin there, or holds it twice");
     }
     {
         TSpoilt graph;
         graph.Test.GetGraph().RemoveNode(graph.B);
-        EXPECT_EQ(graph.Fault(), "An edge ends at a node that is not in the graph");
+        EXPECT_EQ(graph.Fault(),
+                  "The edge from node \"N\" to node \"B\" ends at a node that is not in the graph");
     }
 }
 

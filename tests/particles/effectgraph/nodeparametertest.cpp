@@ -390,10 +390,10 @@ TEST(TNodePolytypeParameter, AllowedTypesNotifyOnChangeOnly)
 TEST(TNodePolytypeParameter, LinksToMissingPortsAssert)
 {
     TTestGraph graph;
-    TEffectNode* node =
-        AddFromXml(graph, "<inputs>" + PolytypeInput("A", {"scalar"}, "X", "Y") +
-                              PolytypeInput("B", {"scalar"}, "a", "o") + "</inputs><outputs>" +
-                              PolytypeOutput("O", {"scalar"}) + "</outputs>");
+    TEffectNode* node = AddFromXml(
+        graph, "<inputs>" + PolytypeInput("A", {"scalar"}) + PolytypeInput("B", {"scalar"}, "a", "o") +
+                   "</inputs><outputs>" + PolytypeOutput("O", {"scalar"}) + "</outputs>");
+    graph.ReplaceInput(node, 0, PolytypeInput("A", {"scalar"}, "X", "Y"));
     const auto* a = static_cast<TNodePolytypeParameter*>(node->GetNodeType()->GetInput(0));
     const auto* b = static_cast<TNodePolytypeParameter*>(node->GetNodeType()->GetInput(1));
     EXPECT_EQ(AssertionOf([&] { a->GetLinkInputIndex(node); }), "i < node->GetNodeType()->GetNumInputs()");

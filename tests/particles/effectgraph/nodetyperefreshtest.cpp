@@ -2,6 +2,8 @@
 
 #include "particles/effectgraph/nodetypelibrary.h"
 #include "particles/effectgraph/polytypeparameter.h"
+#include "particles/effectgraph/rampparameter.h"
+#include "particles/effectgraph/refreshrecord.h"
 
 static TNodeType* LoadType(const std::string& text)
 {
@@ -90,7 +92,8 @@ TEST(NeedsRefresh, ATypeThatLeftTheLibraryStaysAsItIs)
                   TChunkFile file;
                   TEffectGraph graph;
                   TEffectNode node;
-                  type.Refresh(&node, library, file, graph);
+                  TRefreshRecord record;
+                  type.Refresh(&node, library, file, graph, record);
               }),
               "type != 0");
 }
@@ -137,11 +140,12 @@ struct TDocumentGraph
     {
         TNodeTypeLibrary library;
         library.AddType(LoadType(file));
-        node->GetNodeType()->Refresh(node, library, Chunks, *Graph);
+        node->GetNodeType()->Refresh(node, library, Chunks, *Graph, Record);
     }
 
     TChunkFile Chunks;
     TEffectGraph* Graph;
+    TRefreshRecord Record;
 };
 
 TEST(Refresh, KeepsParametersOfTheSameNameAndKind)
@@ -185,7 +189,7 @@ TEST(Refresh, EdgesFollowTheInputsByName)
     EXPECT_EQ(doc.Graph->GetNumEdges(), 1);
     // b and its edge went, new came.
     EXPECT_EQ(doc.Chunks.GetNumChunks(), numChunks - 1);
-    RestoreEdgePorts(*doc.Graph);
+    doc.Record.MoveEdges(doc.Chunks, *doc.Graph);
     EXPECT_EQ(toA->GetDstPort(), 1);
 }
 
@@ -255,6 +259,6 @@ TEST(Refresh, ARefreshedCopyIsNoLongerStale)
     TNodeTypeLibrary library;
     library.AddType(LoadType(file));
     EXPECT_TRUE(node->GetNodeType()->NeedsRefresh(library));
-    node->GetNodeType()->Refresh(node, library, doc.Chunks, *doc.Graph);
+    node->GetNodeType()->Refresh(node, library, doc.Chunks, *doc.Graph, doc.Record);
     EXPECT_FALSE(node->GetNodeType()->NeedsRefresh(library));
 }

@@ -322,7 +322,7 @@ TEST_F(Document, DecliningTheRefreshLoadsTheFileUnchanged)
     EXPECT_EQ(ReadBytes(path), ReadBytes(Path("again.effect")));
 }
 
-TEST_F(Document, AcceptingTheRefreshEmptiesTheHistoryAndSetsTheStar)
+TEST_F(Document, AcceptingTheRefreshKeepsTheHistoryAndSetsTheStar)
 {
     const std::string path = StaleFile(App);
     TForms::Get().Answer = true;
@@ -331,17 +331,22 @@ TEST_F(Document, AcceptingTheRefreshEmptiesTheHistoryAndSetsTheStar)
     ASSERT_TRUE(document.Load(path.c_str()));
     EXPECT_TRUE(document.IsModified());
     EXPECT_EQ(host.Taken()[2], "title*");
-    EXPECT_FALSE(document.CanUndo());
-    EXPECT_FALSE(document.CanRedo());
+    EXPECT_TRUE(document.GetLoadNotes().empty());
     EXPECT_EQ(document.GetGraph()->GetNumNodes(), 2);
     EXPECT_FALSE(document.GetGraph()->GetNode(0)->GetNodeType()->NeedsRefresh(App.Get().GetNodeTypes()));
-    // The undone node went with the history.
-    vector<TChunk*> nodes;
-    document.GetChunks().GetChunksOfClass(TToolNode::NameID(), nodes);
-    EXPECT_EQ(nodes.size(), 2);
+    // The undone node was refreshed along, and comes back as what its type is now.
+    document.Redo();
+    ASSERT_EQ(document.GetGraph()->GetNumNodes(), 3);
+    EXPECT_FALSE(document.GetGraph()->GetNode(2)->GetNodeType()->NeedsRefresh(App.Get().GetNodeTypes()));
+    document.Undo();
+    // No step leads back to what the file holds.
+    EXPECT_TRUE(document.IsModified());
     ASSERT_TRUE(document.Save());
     EXPECT_EQ(LoadErrorOf(path), "");
     EXPECT_EQ(TForms::Get().Questions.size(), 1u);
+    while (document.CanUndo())
+        document.Undo();
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 0);
 }
 
 TEST_F(Document, ARefreshKeepsWiresAtTheirPorts)
