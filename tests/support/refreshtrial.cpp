@@ -374,7 +374,6 @@ void AppendValues(const TParameters& parameters, std::string& state)
             state += std::to_string(static_cast<const TNodeEnumParameter*>(parameter)->GetIndex());
         else if (parameter->Type == TY_POLYTYPE) {
             const auto* polytype = static_cast<const TNodePolytypeParameter*>(parameter);
-            state += std::to_string(polytype->GetDefaultType());
             for (int type = 0; type < TY_POLYTYPE; ++type)
                 if (polytype->IsTypeValid(type))
                     state += ValueOf(*polytype->GetValueParameter(type));
@@ -390,8 +389,9 @@ void AppendValues(const TParameters& parameters, std::string& state)
     }
 }
 
-// All that an artist sees of an effect. The nodes live on while the history has them, wherever in the graph
-// they stand.
+// All that an artist has set, but for the types chosen for polytypes: the undo of such a choice writes the
+// type that was in force, which need not be the one chosen before. The nodes live on while the history has
+// them, wherever in the graph they stand.
 std::string StateOf(const TEffectGraph& graph)
 {
     std::map<const TEffectNode*, std::string> nodes;
@@ -418,6 +418,17 @@ std::string StateOf(const TEffectGraph& graph)
         state += "\n";
     }
     return state;
+}
+
+// The part of two texts where they begin to differ.
+std::string FirstDifference(const std::string& before, const std::string& after)
+{
+    constexpr size_t around = 60;
+    size_t at = 0;
+    while (at < before.size() && at < after.size() && before[at] == after[at])
+        ++at;
+    const size_t from = at > around ? at - around : 0;
+    return ":\n  " + before.substr(from, 2 * around) + "\n  became\n  " + after.substr(from, 2 * around);
 }
 
 void TakeDefaultTypes(const TEffectGraph& from, TEffectGraph& to)
@@ -653,9 +664,10 @@ bool TRefreshTrial::CheckHistory(TDocument& document, const char* where)
         if (!CheckSound(document, where))
             return false;
     }
-    if (StateOf(*document.GetGraph()) != whole)
+    const std::string now = StateOf(*document.GetGraph());
+    if (now != whole)
         return Fail(std::string("undo and redo of everything change the effect ") + where +
-                    (Refreshed ? ", refreshed" : ""));
+                    (Refreshed ? ", refreshed" : "") + FirstDifference(whole, now));
     for (; tail > 0; --tail)
         document.Undo();
     for (const std::string& message : TForms::Messages)
