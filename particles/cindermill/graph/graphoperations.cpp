@@ -478,12 +478,12 @@ bool TDeleteGraphNodeOp::FitsUndo(const TEffectGraph& graph) const
 }
 
 // The nodes can come back without the edges whose ports are gone.
-bool TDeleteGraphNodeOp::AdaptTo(const TRefreshRecord& record)
+TAdaption TDeleteGraphNodeOp::AdaptTo(const TRefreshRecord& record)
 {
     for (int i = Edges.size() - 1; i >= 0; --i)
         if (record.IsLost(Edges[i]))
             Edges.erase(Edges.begin() + i);
-    return true;
+    return AD_FITS;
 }
 
 void TDeleteGraphNodeOp::GetUsed(vector<TChunk*>& result) const
@@ -639,16 +639,20 @@ bool TChangeGraphEdgeOp::Fits(const TEffectGraph& graph, bool undo) const
                           Ends[NewDestination]);
 }
 
-bool TChangeGraphEdgeOp::AdaptTo(const TRefreshRecord& record)
+// An edge that lives on, but was once at a port that is gone, has no place in the states before or after; and
+// what else stood at its ports there depends on it.
+TAdaption TChangeGraphEdgeOp::AdaptTo(const TRefreshRecord& record)
 {
+    if (record.IsLost(Edge))
+        return AD_LOST;
     Ends[OldSource].Port = record.FindOutput(Ends[OldSource].Node, Ends[OldSource].Port);
     Ends[NewSource].Port = record.FindOutput(Ends[NewSource].Node, Ends[NewSource].Port);
     Ends[OldDestination].Port = record.FindInput(Ends[OldDestination].Node, Ends[OldDestination].Port);
     Ends[NewDestination].Port = record.FindInput(Ends[NewDestination].Node, Ends[NewDestination].Port);
     for (const TEnd& end : Ends)
         if (end.Port == -1)
-            return false;
-    return TOperation::AdaptTo(record);
+            return AD_CUTS;
+    return AD_FITS;
 }
 
 bool TChangeGraphEdgeOp::FitsMove(const TEffectGraph& graph, const TEnd& fromSource,
@@ -753,9 +757,9 @@ void TBypassFlagOp::GetUsed(vector<TChunk*>& result) const
     result.push_back(Node);
 }
 
-bool TBypassFlagOp::AdaptTo(const TRefreshRecord& record)
+TAdaption TBypassFlagOp::AdaptTo(const TRefreshRecord& record)
 {
-    return !record.HasNode(Node) || Node->GetNodeType()->HasFlag(FL_BYPASSABLE);
+    return !record.HasNode(Node) || Node->GetNodeType()->HasFlag(FL_BYPASSABLE) ? AD_FITS : AD_LOST;
 }
 
 void TBypassFlagOp::Store(TEditContext& doc, bool set)

@@ -100,7 +100,7 @@ public:
     void Undo(TEditContext& doc) override;
     bool Check() const override;
     bool Fits(const TEffectGraph& graph, bool undo) const override;
-    bool AdaptTo(const TRefreshRecord& record) override;
+    TAdaption AdaptTo(const TRefreshRecord& record) override;
     void GetUsed(vector<TChunk*>& result) const override;
 
 private:
@@ -155,7 +155,7 @@ public:
     void Undo(TEditContext& doc) override;
     bool Check() const override;
     bool Fits(const TEffectGraph& graph, bool undo) const override;
-    bool AdaptTo(const TRefreshRecord& record) override;
+    TAdaption AdaptTo(const TRefreshRecord& record) override;
     void GetUsed(vector<TChunk*>& result) const override;
 
 private:
@@ -219,7 +219,7 @@ public:
     void Do(TEditContext& doc) override { Store(doc, Set); }
     void Undo(TEditContext& doc) override { Store(doc, !Set); }
     bool Check() const override { return Node != nullptr; }
-    bool AdaptTo(const TRefreshRecord& record) override;
+    TAdaption AdaptTo(const TRefreshRecord& record) override;
     void GetUsed(vector<TChunk*>& result) const override;
 
 private:

@@ -10,7 +10,7 @@ namespace {
 class TTailChecker
 {
 public:
-    TTailChecker(const TOperationStack& stack, const TEffectGraph& graph, TChunkFile& chunks);
+    TTailChecker(const TOperationStack& stack, int first, const TEffectGraph& graph, TChunkFile& chunks);
     bool Check();
 
 private:
@@ -23,14 +23,16 @@ private:
     bool IsFreed(const void* object) const { return Freed.Has(object); }
 
     const TOperationStack& Stack;
+    int First;
     const TEffectGraph& Graph;
     vector<TChunk*> Nodes;
     vector<TChunk*> Edges;
     TPointerMap Freed;
 };
 
-TTailChecker::TTailChecker(const TOperationStack& stack, const TEffectGraph& graph, TChunkFile& chunks)
-    : Stack(stack), Graph(graph)
+TTailChecker::TTailChecker(const TOperationStack& stack, int first, const TEffectGraph& graph,
+                           TChunkFile& chunks)
+    : Stack(stack), First(first), Graph(graph)
 {
     chunks.GetChunksOfClass(TToolNode::NameID(), Nodes);
     chunks.GetChunksOfClass(TToolEdge::NameID(), Edges);
@@ -39,7 +41,7 @@ TTailChecker::TTailChecker(const TOperationStack& stack, const TEffectGraph& gra
 // A node goes with its parameters. Nothing may go twice.
 bool TTailChecker::EnterFreed()
 {
-    for (int i = Stack.GetPosition(); i < Stack.GetNumOperations(); ++i) {
+    for (int i = First; i < Stack.GetNumOperations(); ++i) {
         vector<TChunk*> made;
         Stack.GetOperation(i)->GetMade(made);
         for (const TChunk* chunk : made)
@@ -69,7 +71,7 @@ void TTailChecker::EnterParameter(const TNodeParameter* parameter)
 
 bool TTailChecker::CheckHistory() const
 {
-    for (int i = 0; i < Stack.GetPosition(); ++i) {
+    for (int i = 0; i < First; ++i) {
         vector<TChunk*> used;
         Stack.GetOperation(i)->GetMade(used);
         Stack.GetOperation(i)->GetUsed(used);
@@ -125,7 +127,7 @@ bool TTailChecker::Check()
 
 } // namespace
 
-bool CanFreeTail(const TOperationStack& stack, const TEffectGraph& graph, TChunkFile& chunks)
+bool CanFreeTail(const TOperationStack& stack, int first, const TEffectGraph& graph, TChunkFile& chunks)
 {
-    return TTailChecker(stack, graph, chunks).Check();
+    return TTailChecker(stack, first, graph, chunks).Check();
 }

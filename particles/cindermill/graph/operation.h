@@ -6,6 +6,17 @@ class TEditContext;
 class TEffectGraph;
 class TRefreshRecord;
 
+// What a refresh of node types leaves of an operation.
+enum TAdaption
+{
+    // It still fits.
+    AD_FITS,
+    // It has lost what it changes; without it the rest of the history stands.
+    AD_LOST,
+    // Neither it nor what lies beyond it, away from the present, can be reached any more.
+    AD_CUTS
+};
+
 // One edit of a document, which can do itself and undo itself. On the stack it is a chunk of the document, so
 // the history is saved along. Operations refer to nodes and edges, which stay alive, and in the file, for as
 // long.
@@ -38,9 +49,9 @@ public:
         (void)undo;
         return true;
     }
-    // Node types were refreshed: brings what the operation holds up to date. False if it has lost something
-    // that it needs, and so does not fit the document any more.
-    virtual bool AdaptTo(const TRefreshRecord& record);
+    // Node types were refreshed: brings what the operation holds up to date. By itself an operation is lost
+    // with anything that it refers to.
+    virtual TAdaption AdaptTo(const TRefreshRecord& record);
     // The nodes and edges that the operation made, and whatever else it refers to.
     virtual void GetMade(vector<TChunk*>& result) const { (void)result; }
     virtual void GetUsed(vector<TChunk*>& result) const { (void)result; }

@@ -17,15 +17,15 @@ uint32_t TOperation::NameID()
     return id;
 }
 
-bool TOperation::AdaptTo(const TRefreshRecord& record)
+TAdaption TOperation::AdaptTo(const TRefreshRecord& record)
 {
     vector<TChunk*> held;
     GetMade(held);
     GetUsed(held);
     for (const TChunk* chunk : held)
         if (record.IsLost(chunk))
-            return false;
-    return true;
+            return AD_LOST;
+    return AD_FITS;
 }
 
 int TOperationStack::ClassId()
@@ -62,24 +62,33 @@ bool TOperationStack::Write(TChunkFile* chunkFile)
 }
 
 // Where a file's history is not to be trusted, what the operations made stays in the chunk file.
-void TOperationStack::DropTail(TEditContext& doc)
+void TOperationStack::DropTail(TEditContext& doc, int first)
 {
-    if (Position >= Operations.size())
+    if (first >= Operations.size())
         return;
-    const bool discards = !IsFromFile || CanFreeTail(*this, *doc.GetGraph(), doc.GetChunks());
-    while (Position < Operations.size()) {
-        TOperation* op = Operations[Position];
+    const bool discards = !IsFromFile || CanFreeTail(*this, first, *doc.GetGraph(), doc.GetChunks());
+    while (first < Operations.size()) {
+        TOperation* op = Operations[first];
         doc.GetChunks().RemoveChunk(op);
         if (discards)
             op->Discard(doc);
         delete op;
-        Operations.erase(Operations.begin() + Position);
+        Operations.erase(Operations.begin() + first);
     }
+}
+
+// What the operation made or removed stays where it is.
+void TOperationStack::DropOne(TEditContext& doc, int i)
+{
+    TOperation* op = Operations[i];
+    doc.GetChunks().RemoveChunk(op);
+    delete op;
+    Operations.erase(Operations.begin() + i);
 }
 
 void TOperationStack::Apply(TEditContext& doc, TOperation* op)
 {
-    DropTail(doc);
+    DropTail(doc, Position);
     const uint32_t now = GetTickCount();
     if (now < LastTime + MergeInterval && !Operations.empty() && op->Merge(*Operations.back())) {
         delete op;
@@ -120,37 +129,39 @@ bool TOperationStack::Redo(TEditContext& doc)
 
 void TOperationStack::Clear(TEditContext& doc)
 {
-    DropTail(doc);
-    while (!Operations.empty()) {
-        TOperation* op = Operations.back();
-        doc.GetChunks().RemoveChunk(op);
-        delete op;
-        Operations.pop_back();
-    }
+    DropTail(doc, Position);
+    while (!Operations.empty())
+        DropOne(doc, Operations.size() - 1);
     Position = 0;
     SavedPosition = 0;
 }
 
-// What a dropped operation made and lost is the record's to free; what it made and did not lose is in use
-// elsewhere.
+// What a lost operation made went with the refresh, so that there is nothing to discard.
 int TOperationStack::AdaptTo(const TRefreshRecord& record, TEditContext& doc)
 {
-    vector<TOperation*> all;
-    all.swap(Operations);
-    Operations.reserve(all.size());
-    const int done = Position;
-    for (int i = 0; i < all.size(); ++i) {
-        if (all[i]->AdaptTo(record)) {
-            Operations.push_back(all[i]);
-            continue;
-        }
-        Position -= i < done ? 1 : 0;
-        doc.GetChunks().RemoveChunk(all[i]);
-        delete all[i];
+    const int before = Operations.size();
+    vector<bool> isLost;
+    int first = 0;
+    int end = before;
+    for (int i = 0; i < before; ++i) {
+        const TAdaption adaption = Operations[i]->AdaptTo(record);
+        isLost.push_back(adaption != AD_FITS);
+        if (adaption == AD_CUTS && i < Position)
+            first = i + 1;
+        else if (adaption == AD_CUTS && i < end)
+            end = i;
     }
+    for (int i = before - 1; i >= 0; --i) {
+        if (!isLost[i] && i >= first)
+            continue;
+        end -= i < end ? 1 : 0;
+        Position -= i < Position ? 1 : 0;
+        DropOne(doc, i);
+    }
+    DropTail(doc, end);
     LastTime = 0;
     MarkChanged();
-    return all.size() - Operations.size();
+    return before - Operations.size();
 }
 
 bool TOperationStack::Check() const

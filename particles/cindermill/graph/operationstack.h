@@ -45,7 +45,9 @@ public:
 private:
     static constexpr int NoPosition = -1;
 
-    void DropTail(TEditContext& doc);
+    // The operations from `first` on, none of which is done.
+    void DropTail(TEditContext& doc, int first);
+    void DropOne(TEditContext& doc, int i);
 
     vector<TOperation*> Operations;
     int Position = 0;

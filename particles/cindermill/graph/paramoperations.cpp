@@ -374,19 +374,19 @@ bool TPolytypeUserTypeOp::Fits(const TEffectGraph&, bool) const
 
 // Ports that follow each other get one type: where one of them has lost it, or is gone, the others keep
 // theirs.
-bool TPolytypeUserTypeOp::AdaptTo(const TRefreshRecord& record)
+TAdaption TPolytypeUserTypeOp::AdaptTo(const TRefreshRecord& record)
 {
     for (TOutputRecord& output : Outputs) {
         output.Port = record.FindOutput(output.Node, output.Port);
         if (output.Port == -1)
-            return false;
+            return AD_LOST;
         const uint32_t types = output.Node->GetNodeType()->GetOutput(output.Port).ValidTypes;
         if (record.HasNode(output.Node) && ((types >> output.OldType & types >> NewType) & 1) == 0)
-            return false;
+            return AD_LOST;
     }
     for (const TParameterRecord& input : Parameters)
         if (!input.Parameter->IsTypeValid(input.OldType) || !input.Parameter->IsTypeValid(NewType))
-            return false;
+            return AD_LOST;
     return TOperation::AdaptTo(record);
 }
 

@@ -144,7 +144,7 @@ public:
     void Undo(TEditContext& doc) override;
     bool Check() const override;
     bool Fits(const TEffectGraph& graph, bool undo) const override;
-    bool AdaptTo(const TRefreshRecord& record) override;
+    TAdaption AdaptTo(const TRefreshRecord& record) override;
     void GetUsed(vector<TChunk*>& result) const override;
 
 private:

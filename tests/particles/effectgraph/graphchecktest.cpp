@@ -1,6 +1,8 @@
 #include "particles/effectgraph/parsing.h"
 
 #include "particles/effectgraph/graphcheck.h"
+#include "particles/effectgraph/linkmender.h"
+#include "particles/effectgraph/nodetypelibrary.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/rampparameter.h"
 
@@ -140,6 +142,72 @@ TEST(CheckGraph, LinksOfPolytypeInputs)
     EXPECT_EQ(graph.Fault(), "Node \"N\": \"in\" follows an input that does not exist");
 }
 
+// The mender's lines, after which the graph is sound.
+static std::vector<std::string> Mended(const TEffectGraph& graph, const TNodeTypeLibrary& library)
+{
+    vector<TEffectNode*> nodes;
+    for (int i = 0; i < graph.GetNumNodes(); ++i)
+        nodes.push_back(graph.GetNode(i));
+    TString fault;
+    TErrorList lines;
+    TLinkMender mender(library, lines);
+    EXPECT_TRUE(CheckNodes(nodes, fault, &mender)) << fault.Print();
+    EXPECT_TRUE(CheckGraph(graph, fault)) << fault.Print();
+    return TextsOf(lines);
+}
+
+TEST(CheckGraph, AMenderTakesTheLibrarysLinksWhereTheyFit)
+{
+    TNodeTypeLibrary library;
+    TLoaded type(NodeFile("<inputs>" + PolytypeInput("in", {"scalar"}, "other") +
+                          PolytypeInput("other", {"scalar"}, "", "out") + "</inputs><outputs>" +
+                          PolytypeOutput("out", {"Scalar"}, "other") + "</outputs>"));
+    ASSERT_TRUE(type.Ok);
+    library.AddType(type.Type.release());
+    TTestGraph graph;
+    TEffectNode* node =
+        AddFromXml(graph, "<inputs>" + PolytypeInput("in", {"scalar"}) + PolytypeInput("other", {"scalar"}) +
+                              "</inputs><outputs>" + PolytypeOutput("out", {"Scalar"}) + "</outputs>");
+    const auto input = [&](int i) {
+        return static_cast<TNodePolytypeParameter*>(node->GetNodeType()->GetInput(i));
+    };
+    EXPECT_TRUE(Mended(graph.GetGraph(), library).empty());
+    input(0)->SetLinkInput("gone");
+    input(1)->SetLinkOutput("gone");
+    node->GetNodeType()->GetOutput(0).LinkInput = 2;
+    node->GetNodeType()->GetOutput(0).LinkOutput = -2;
+    EXPECT_EQ(Mended(graph.GetGraph(), library),
+              (std::vector<std::string>{
+                  "Node \"N\": \"in\" follows an input that does not exist; it follows \"other\" now",
+                  "Node \"N\": \"other\" follows an output that does not exist; it follows \"out\" now",
+                  "Node \"N\": \"out\" follows an input that does not exist; it follows \"other\" now",
+                  "Node \"N\": \"out\" follows an output that does not exist; it follows none now"}));
+    EXPECT_EQ(input(0)->GetLinkInputIndex(node), 1);
+    EXPECT_EQ(node->GetNodeType()->GetOutput(0).LinkInput, 1);
+    EXPECT_EQ(node->GetNodeType()->GetOutput(0).LinkOutput, -1);
+    // What the library says helps nobody where the copy has no such port.
+    input(1)->Name = "another";
+    input(0)->SetLinkInput("gone");
+    EXPECT_EQ(Mended(graph.GetGraph(), library),
+              (std::vector<std::string>{
+                  "Node \"N\": \"in\" follows an input that does not exist; it follows none now"}));
+    EXPECT_TRUE(Mended(graph.GetGraph(), library).empty());
+}
+
+TEST(CheckGraph, AMenderMendsNothingButLinks)
+{
+    const TNodeTypeLibrary library;
+    TSpoilt graph;
+    graph.A->GetNodeType()->GetOutput(0).ValidTypes = 0;
+    vector<TEffectNode*> nodes;
+    nodes.push_back(graph.A);
+    TString fault;
+    TErrorList lines;
+    TLinkMender mender(library, lines);
+    EXPECT_FALSE(CheckNodes(nodes, fault, &mender));
+    EXPECT_TRUE(lines.empty());
+}
+
 TEST(CheckGraph, Edges)
 {
     {
@@ -235,6 +303,10 @@ TEST(CheckGraph, ParametersFromFiles)
               "Node \"N\": \"p\" is a ramp of an unknown type");
     EXPECT_EQ(TReadParameter(rampId, ramp(0, 4)).Fault(),
               "Node \"N\": \"p\" has a curve locked to one that does not exist");
+    const TReadParameter locked(rampId, ramp(0, 4));
+    EXPECT_EQ(Mended(locked.Test.GetGraph(), TNodeTypeLibrary()),
+              (std::vector<std::string>{
+                  "Node \"N\": \"p\" has a curve locked to one that does not exist; it is free now"}));
     const auto choice = [&](uint32_t index) { return common + word(index) + word(1) + none + word(3); };
     const uint32_t enumId = TNodeEnumParameter::NameID();
     EXPECT_EQ(TReadParameter(enumId, choice(0)).Fault(), "");

@@ -175,6 +175,26 @@ TEST(NodeTypeFile, FaultsOfOutputs)
               "Output port missing end tag in node type file");
 }
 
+TEST(NodeTypeFile, AnInputMayFollowAnyPortOfItsTypeAndNoOther)
+{
+    const auto error = [](const std::string& inputs, const std::string& outputs) {
+        const TLoaded loaded(NodeFile("<inputs>" + inputs + "</inputs>" +
+                                      (outputs.empty() ? outputs : "<outputs>" + outputs + "</outputs>")));
+        return loaded.Ok ? "" : loaded.Error();
+    };
+    const std::string scalar = "<Scalar><name>s</name></Scalar>";
+    EXPECT_EQ(error(PolytypeInput("p", {"scalar"}, "S") + scalar, ""), "");
+    EXPECT_EQ(error(PolytypeInput("p", {"scalar"}, "", "S"), scalar), "");
+    EXPECT_EQ(error(PolytypeInput("p", {"scalar"}, "gone") + scalar, scalar),
+              "Polytype input p input link gone not found");
+    EXPECT_EQ(error(PolytypeInput("p", {"scalar"}, "s", "gone") + scalar, scalar),
+              "Polytype input p output link gone not found");
+    // The sides are kept apart, and outputs may be missing altogether.
+    EXPECT_EQ(error(PolytypeInput("p", {"scalar"}, "s"), scalar), "Polytype input p input link s not found");
+    EXPECT_EQ(error(PolytypeInput("p", {"scalar"}, "", "s") + scalar, ""),
+              "Polytype input p output link s not found");
+}
+
 TEST(NodeTypeFile, PolytypeOutputWithOnlyValidTypes)
 {
     const TLoaded loaded(

@@ -386,6 +386,36 @@ TEST_F(TChunkFileTest, AWrongSizeStopsTheLoad)
     }
 }
 
+TEST_F(TChunkFileTest, ASaveThatIsNotVerifiedLeavesTheOldFile)
+{
+    struct TVerified
+    {
+        static bool Verify(const char* path, void* data)
+        {
+            TVerified& self = *static_cast<TVerified*>(data);
+            self.Bytes = ReadBytes(path);
+            self.Old = ReadBytes(self.Path);
+            return self.Answer;
+        }
+        std::string Path;
+        std::string Bytes;
+        std::string Old;
+        bool Answer = false;
+    };
+    TVerified verified{Folder.Path("saved"), "", "", false};
+    WriteBytes(verified.Path, "old");
+    AddLink('a', 7);
+    EXPECT_FALSE(File.Save(verified.Path.c_str(), &TVerified::Verify, &verified));
+    EXPECT_TRUE(File.HasFailed());
+    EXPECT_EQ(ReadBytes(verified.Path), "old");
+    EXPECT_EQ(verified.Old, "old");
+    // All was there to be read.
+    EXPECT_EQ(static_cast<int>(verified.Bytes.size()), File.GetFileSize());
+    verified.Answer = true;
+    EXPECT_TRUE(File.Save(verified.Path.c_str(), &TVerified::Verify, &verified));
+    EXPECT_EQ(ReadBytes(verified.Path), verified.Bytes);
+}
+
 TEST_F(TChunkFileTest, AChunkThatDoesNotWriteFailsTheSave)
 {
     AddLink('a', -98);

@@ -264,6 +264,65 @@ TEST_F(TBatch, AFailedExportLeavesTheOldFile)
     EXPECT_NE(std::string::npos, outcome.Err.find("Is it locked?"));
 }
 
+TEST_F(TBatch, ALinkThatNamesNothingIsMendedAndToldInOneLine)
+{
+    const std::string whole = ReadBytes(SourcePath("samples/fumes.effect"));
+    // The input "High" follows "Low", and no output.
+    const std::string link("Low\0\0\0\0\0", 8);
+    const size_t at = whole.find(link);
+    ASSERT_NE(std::string::npos, at);
+    std::string broken = whole;
+    broken[at + 2] = 'x';
+    const std::string file = Folder.Path("broken.effect");
+    WriteBytes(file, broken);
+    const std::string types = "--node-types '" + SourcePath("NodeTypes") + "' ";
+    const std::string line = file + ": Node \"Random Value\": \"High\" follows an input that does not exist; "
+                                    "it follows \"Low\" now\n";
+    for (const std::string& command :
+         {"check '" + file + "'", "report '" + file + "'", "dump '" + file + "'",
+          "run '" + file + "' --frames 2", "export '" + file + "' '" + Folder.Path("out.efx") + "'"}) {
+        const TOutcome outcome = Run(types + Resources() + command);
+        EXPECT_EQ(0, outcome.Status) << command;
+        EXPECT_EQ(line, outcome.Err) << command;
+    }
+    const TOutcome resaved = Run(types + "resave '" + file + "' '" + Folder.Path("again.effect") + "'");
+    EXPECT_EQ(0, resaved.Status);
+    EXPECT_EQ(line, resaved.Err);
+    EXPECT_EQ(whole, ReadBytes(Folder.Path("again.effect")));
+    // A library that does not know the type is of no help.
+    std::filesystem::create_directory(Folder.Path("types"));
+    const std::string without = "--node-types '" + Folder.Path("types") + "' ";
+    const TOutcome alone = Run(without + "resave '" + file + "' '" + Folder.Path("alone.effect") + "'");
+    EXPECT_EQ(0, alone.Status);
+    EXPECT_NE(std::string::npos, alone.Err.find("it follows none now"));
+    EXPECT_EQ(1u, Lines(alone.Err).size());
+    EXPECT_EQ("", Run(Resources() + "check '" + Folder.Path("alone.effect") + "'").Err);
+}
+
+TEST_F(TBatch, AnUnsoundEffectIsNotSavedAgain)
+{
+    std::string bytes = ReadBytes(SourcePath("samples/fumes.effect"));
+    // The type's name and its category stand on either side of its description.
+    const std::string head = std::string("Random Value\0\0\0\0", 16) +
+                             "A random value for each new particle, each component drawn for itself.";
+    const size_t at = bytes.find(head);
+    ASSERT_NE(std::string::npos, at);
+    const size_t category = at + 16 + ((head.size() - 16 + 4) & ~size_t{3});
+    bytes[category] = 99;
+    WriteBytes(Folder.Path("bad.effect"), bytes);
+    const TOutcome outcome =
+        Run("resave '" + Folder.Path("bad.effect") + "' '" + Folder.Path("out.effect") + "'");
+    EXPECT_EQ(1, outcome.Status);
+    EXPECT_EQ(Folder.Path("bad.effect") +
+                  ": Node \"Random Value\": \"Random Value\" has an unknown category\n",
+              outcome.Err);
+    EXPECT_FALSE(std::filesystem::exists(Folder.Path("out.effect")));
+    WriteBytes(Folder.Path("out.effect"), "old");
+    EXPECT_EQ(1,
+              Run("resave '" + Folder.Path("bad.effect") + "' '" + Folder.Path("out.effect") + "'").Status);
+    EXPECT_EQ("old", ReadBytes(Folder.Path("out.effect")));
+}
+
 TEST_F(TBatch, AFullDiscLeavesTheOldFile)
 {
     const std::string limit = "ulimit -f 1; trap '' XFSZ; XDG_CONFIG_HOME='" + Folder.GetFolder() +

@@ -296,6 +296,60 @@ TEST_F(Commands, AFileThatCannotBeUnlockedIsNotSaved)
     EXPECT_TRUE(Recent().empty());
 }
 
+TEST_F(Commands, AnEffectThatWouldNotOpenAgainIsNotSavedAndOfferedAnotherName)
+{
+    App.Get().OpenDocument(EffectFile("a.effect").c_str());
+    TDocument& document = Newest();
+    const std::string good = ReadBytes(Path("a.effect"));
+    Add(document, "Wind")->GetNodeType()->Colour = 9;
+    Host.Taken();
+    EXPECT_TRUE(App.Get().Save(document));
+    EXPECT_EQ(Shown.Questions,
+              TNames{Path("a.effect") +
+                     " was not written, as it could not be opened again: Node \"Wind\": "
+                     "\"Wind\" has an unknown colour. What the file held before is untouched, and "
+                     "the effect is not saved. Write it as it is under another name?"});
+    EXPECT_EQ(ReadBytes(Path("a.effect")), good);
+    EXPECT_TRUE(document.IsModified());
+    // Nothing is written over a file.
+    Shown.Answers.push_back(true);
+    Host.Choice = EffectFile("other.effect");
+    const std::string other = ReadBytes(Path("other.effect"));
+    EXPECT_TRUE(App.Get().Save(document));
+    EXPECT_EQ(Shown.Messages,
+              TNames{Path("other.effect") + " exists and was left as it is. The effect is not saved."});
+    EXPECT_EQ(ReadBytes(Path("other.effect")), other);
+    Shown.Answers.push_back(true);
+    Host.Choice = Path("kept");
+    EXPECT_TRUE(App.Get().Save(document));
+    EXPECT_TRUE(std::filesystem::exists(Path("kept.effect")));
+    EXPECT_EQ(Shown.Messages.size(), 1u);
+    EXPECT_TRUE(document.IsModified());
+    EXPECT_EQ(Text(document.GetPath()), Path("a.effect"));
+    EXPECT_EQ(ReadBytes(Path("a.effect")), good);
+    // What was written is all there, and says itself why it does not open.
+    EXPECT_FALSE(App.Get().OpenDocument(Path("kept.effect").c_str()));
+    EXPECT_EQ(Shown.Messages.back(),
+              Path("kept.effect") + " cannot be opened: Node \"Wind\": \"Wind\" has an unknown colour");
+}
+
+TEST_F(Commands, WhatALoadMendedIsShownInOneList)
+{
+    {
+        TDocument document(App.Get());
+        document.New();
+        Add(document, "Random Value")->GetNodeType()->GetOutput(0).LinkInput = 7;
+        ASSERT_TRUE(document.SaveUnchecked(Path("a.effect").c_str()));
+    }
+    EXPECT_TRUE(App.Get().OpenDocument(Path("a.effect").c_str()));
+    EXPECT_EQ(Shown.Errors, TNames{"Load errors"});
+    EXPECT_TRUE(Newest().IsModified());
+    EXPECT_TRUE(App.Get().Save(Newest()));
+    EXPECT_TRUE(App.Get().OpenDocument(Path("a.effect").c_str()));
+    EXPECT_EQ(Shown.Errors.size(), 1u);
+    EXPECT_TRUE(Shown.Messages.empty());
+}
+
 TEST_F(Commands, AFailedWriteIsToldReportsTrueAndLeavesTheDocumentModified)
 {
     TDocument& document = New();
