@@ -354,7 +354,7 @@ void TRandomGraph::ChangeParameter()
     const int wanted = static_cast<int>(Below(TY_POLYTYPE));
     if (Chance(0.5))
         ChangeValue(polytype->GetCurrentParameter());
-    else if (polytype->IsTypeValid(wanted))
+    else if (polytype->IsTypeValid(wanted) && type.Inputs.find(parameter) != type.Inputs.end())
         Document.ApplyOperation(new TPolytypeUserTypeOp(node, polytype, wanted));
 }
 
