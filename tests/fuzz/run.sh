@@ -32,7 +32,7 @@ done
 
 count=0
 for target in effect nodetype shader animation dds hvt efx changedlibrary; do
-    if ! "build/fuzz/fuzz/fuzz-$target" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
+    if ! "build/fuzz/fuzz/fuzz-$target" -max_total_time="$seconds" -timeout=120 -rss_limit_mb=2048 -max_len=65536 \
         -artifact_prefix="$work/" -print_final_stats=1 "$work/$target" >"$work/$target.log" 2>&1; then
         tail -n 40 "$work/$target.log"
         mkdir -p build/fuzz/faults

@@ -39,6 +39,9 @@ private:
     bool CheckRefreshed(TDocument& before, TDocument& after);
     bool CheckReopened(TCindermillApp& app, TDocument& document);
     bool CheckHistory(TDocument& document, const char* where);
+    // To one end of the history.
+    bool Walk(TDocument& document, bool (TDocument::*canStep)() const, void (TDocument::*step)(),
+              const char* where);
     bool CheckSound(TDocument& document, const char* where);
     // The document need not be good for a schedule, but then errors tell of it.
     bool CheckRuns(TDocument& document, std::string& exported);
