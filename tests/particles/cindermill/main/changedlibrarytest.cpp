@@ -81,7 +81,8 @@ TEST_F(ChangedLibrary, EveryEditHappensAndNearlyAllTypesCanBeRead)
 TEST_F(ChangedLibrary, DocumentsGoThroughIt)
 {
     const bool isSoak = std::getenv("CINDERMILL_RANDOM_GRAPHS") != nullptr;
-    const uint32_t count = Setting("CINDERMILL_RANDOM_GRAPHS", 60);
+    constexpr uint32_t usual = 60;
+    const uint32_t count = Setting("CINDERMILL_RANDOM_GRAPHS", usual);
     const uint32_t first = Setting("CINDERMILL_RANDOM_SEED", 1);
     std::map<std::string, int> counts;
     std::map<std::string, uint32_t> firstSeeds;
@@ -99,11 +100,11 @@ TEST_F(ChangedLibrary, DocumentsGoThroughIt)
             firstSeeds.emplace(what, seed);
         }
     }
-    EXPECT_GT(counts["refreshes accepted"], 0);
-    EXPECT_GT(counts["refreshes declined"], 0);
-    EXPECT_GT(counts["values kept"], 0);
-    EXPECT_GT(counts["wires kept"], 0);
-    EXPECT_GT(counts["exported"], 0);
+    // A single seed that is looked into need not meet everything.
+    if (count >= usual)
+        for (const char* met :
+             {"refreshes accepted", "refreshes declined", "values kept", "wires kept", "exported"})
+            EXPECT_GT(counts[met], 0) << met;
     if (isSoak)
         for (const auto& [what, number] : counts)
             std::printf("%6d %s (first of seed %u)\n", number, what.c_str(), firstSeeds[what]);
