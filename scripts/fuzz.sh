@@ -24,10 +24,15 @@ seed animation samples/**/*.vori
 seed dds samples/**/*.dds
 seed hvt samples/**/*.hvt
 seed efx build/samples/*.efx
+# Choices, for which no file of the repository is an example.
+mkdir -p "$work/changedlibrary"
+for length in 200 500 1000 2000; do
+    yes "$length choices of a document and a library" | head -c "$length" >"$work/changedlibrary/$length"
+done
 
 count=0
-for target in effect nodetype shader animation dds hvt efx; do
-    if ! "build/fuzz/fuzz/fuzz-$target" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
+for target in effect nodetype shader animation dds hvt efx changedlibrary; do
+    if ! "build/fuzz/fuzz/fuzz-$target" -max_total_time="$seconds" -timeout=120 -rss_limit_mb=2048 -max_len=65536 \
         -artifact_prefix="$work/" -print_final_stats=1 "$work/$target" >"$work/$target.log" 2>&1; then
         # All but the lines that tell how it went until then.
         grep -vE '^#[0-9]+[[:space:]]' "$work/$target.log" >&2

@@ -7,8 +7,8 @@
 
 #include <iterator>
 
-TRandomGraph::TRandomGraph(TTestApp& app, TDocument& document, uint32_t seed)
-    : App(app), Document(document), Random(seed)
+TRandomGraph::TRandomGraph(TCindermillApp& app, TDocument& document, TDice& dice)
+    : App(app), Document(document), Dice(dice)
 {
 }
 
@@ -21,11 +21,20 @@ void TRandomGraph::Build(int edits)
         Edit();
 }
 
-TToolNode* TRandomGraph::Add(const char* type)
+TToolNode* TRandomGraph::Add(const char* name)
+{
+    const TNodeTypeLibrary& types = App.GetNodeTypes();
+    const TNodeType* type = types.FindType(name);
+    if (type == nullptr)
+        type = types.GetType(static_cast<int>(Below(static_cast<uint32_t>(types.GetNumTypes()))));
+    return Add(*type);
+}
+
+TToolNode* TRandomGraph::Add(const TNodeType& type)
 {
     const int x = static_cast<int>(Below(1000));
     const int y = static_cast<int>(Below(1000));
-    TAddGraphNodeOp* op = new TAddGraphNodeOp(Document, App.Type(type), x, y);
+    TAddGraphNodeOp* op = new TAddGraphNodeOp(Document, type, x, y);
     TToolNode* node = op->GetNode();
     Document.ApplyOperation(op);
     return node;
@@ -38,8 +47,8 @@ TToolNode* TRandomGraph::AddOneOf(std::initializer_list<const char*> types)
 
 bool TRandomGraph::Connect(TToolNode* source, int output, TToolNode* destination, int input)
 {
-    if (source == destination || destination->GetInput(input) != nullptr ||
-        !CanConnect(source, output, destination, input))
+    if (source == destination || output >= source->GetNumOutputs() || input >= destination->GetNumInputs() ||
+        destination->GetInput(input) != nullptr || !CanConnect(source, output, destination, input))
         return false;
     Document.ApplyOperation(new TAddGraphEdgeOp(Document, source, output, destination, input));
     return true;
@@ -60,6 +69,8 @@ bool TRandomGraph::Connect(TToolNode* source, TToolNode* destination, const char
 
 void TRandomGraph::AddSystem()
 {
+    if (App.GetNodeTypes().GetNumTypes() == 0)
+        return;
     TToolNode* emission = AddOneOf({"Point Emitter", "Grid", "Sphere Surface"});
     if (!Chance(0.3) || !FireByParticles(emission)) {
         TToolNode* emitter = Add("Emitter");
@@ -217,8 +228,9 @@ bool TRandomGraph::FindPorts(TToolNode*& source, int& output, TToolNode*& destin
 
 void TRandomGraph::AddNode()
 {
-    const TNodeTypeLibrary& types = App.Get().GetNodeTypes();
-    Add(types.GetType(static_cast<int>(Below(static_cast<uint32_t>(types.GetNumTypes()))))->Name.Print());
+    const TNodeTypeLibrary& types = App.GetNodeTypes();
+    if (types.GetNumTypes() > 0)
+        Add(*types.GetType(static_cast<int>(Below(static_cast<uint32_t>(types.GetNumTypes())))));
 }
 
 void TRandomGraph::AddEdge()
@@ -329,14 +341,8 @@ void TRandomGraph::ChangeParameter()
     TToolNode* node = AnyNode();
     const TNodeType& type = *node->GetNodeType();
     vector<TNodeParameter*> parameters;
-    for (TNodeParameter* parameter : type.Parameters) {
-        parameters.push_back(parameter);
-        if (parameter->Type == PK_GROUP)
-            for (TNodeParameter* child : static_cast<TNodeGroupParameter*>(parameter)->GetChildren())
-                parameters.push_back(child);
-    }
-    for (TNodeParameter* input : type.Inputs)
-        parameters.push_back(input);
+    Collect(type.Parameters, parameters);
+    Collect(type.Inputs, parameters);
     if (parameters.empty())
         return;
     TNodeParameter* parameter = parameters[static_cast<int>(Below(static_cast<uint32_t>(parameters.size())))];
@@ -348,8 +354,17 @@ void TRandomGraph::ChangeParameter()
     const int wanted = static_cast<int>(Below(TY_POLYTYPE));
     if (Chance(0.5))
         ChangeValue(polytype->GetCurrentParameter());
-    else if (polytype->IsTypeValid(wanted))
+    else if (polytype->IsTypeValid(wanted) && type.Inputs.find(parameter) != type.Inputs.end())
         Document.ApplyOperation(new TPolytypeUserTypeOp(node, polytype, wanted));
+}
+
+void TRandomGraph::Collect(const vector<TNodeParameter*>& parameters, vector<TNodeParameter*>& result)
+{
+    for (TNodeParameter* parameter : parameters) {
+        result.push_back(parameter);
+        if (parameter->Type == PK_GROUP)
+            Collect(static_cast<TNodeGroupParameter*>(parameter)->GetChildren(), result);
+    }
 }
 
 // Small numbers mostly, so that a preview stays quick.
@@ -384,6 +399,8 @@ void TRandomGraph::ChangeParameter(TNodeParameter* parameter)
     case PK_ENUM: {
         auto* choice = static_cast<TNodeEnumParameter*>(parameter);
         const uint32_t count = static_cast<uint32_t>(choice->GetValues().size());
+        if (count == 0)
+            break;
         Document.ApplyOperation(new TEnumParamOp(choice, static_cast<int>(Below(count))));
         break;
     }

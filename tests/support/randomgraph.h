@@ -1,18 +1,20 @@
 #pragma once
 
-#include "support/testapp.h"
+#include "support/dice.h"
 
+#include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/rampparameter.h"
 
-#include <random>
+#include <initializer_list>
 
 // Edits a document at random, as an artist might, by the document's own operations: whole particle systems,
-// and then single edits of every kind, with undo and redo in between. The same seed gives the same edits.
+// and then single edits of every kind, with undo and redo in between. The same dice give the same edits.
+// Where the library lacks a node type another one stands in.
 class TRandomGraph
 {
 public:
-    TRandomGraph(TTestApp& app, TDocument& document, uint32_t seed);
+    TRandomGraph(TCindermillApp& app, TDocument& document, TDice& dice);
 
     // Some systems, then that many edits.
     void Build(int edits);
@@ -21,13 +23,14 @@ public:
     void AddSystem();
     void Edit();
 
-    uint32_t Below(uint32_t count) { return static_cast<uint32_t>(Random()) % count; }
-    bool Chance(double p) { return Below(1000) < p * 1000; }
+    uint32_t Below(uint32_t count) { return Dice.Below(count); }
+    bool Chance(double p) { return Dice.Chance(p); }
 
 private:
     using TEditFunction = void (TRandomGraph::*)();
 
     TToolNode* Add(const char* type);
+    TToolNode* Add(const TNodeType& type);
     TToolNode* AddOneOf(std::initializer_list<const char*> types);
     bool Connect(TToolNode* source, int output, TToolNode* destination, int input);
     bool Connect(TToolNode* source, const char* output, TToolNode* destination, const char* input);
@@ -58,6 +61,7 @@ private:
     void UndoSome();
     void RedoSome();
 
+    static void Collect(const vector<TNodeParameter*>& parameters, vector<TNodeParameter*>& result);
     void ChangeParameter(TNodeParameter* parameter);
     void ChangeValue(TNodeParameter* parameter);
     void ChangeRamp(TNodeRampParameter* ramp);
@@ -65,7 +69,7 @@ private:
     int SomeInt(const TNodeParameter& parameter);
     float SomeFloat();
 
-    TTestApp& App;
+    TCindermillApp& App;
     TDocument& Document;
-    std::mt19937 Random;
+    TDice& Dice;
 };

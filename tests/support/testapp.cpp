@@ -1,30 +1,17 @@
 #include "support/testapp.h"
+#include "support/testresources.h"
 
-#include "library/containers/image/image.h"
 #include "particles/cindermill/main/settingsstore.h"
 #include "particles/effectgraph/error.h"
 
-#include <filesystem>
 #include <stdexcept>
-
-static std::string Channel(const char* keys)
-{
-    return std::string("<animChannel><animData numKeys=2 keyStride=3><keyValues>") + keys +
-           "</keyValues><keyTimes>0 1</keyTimes></animData></animChannel>";
-}
 
 TTestApp::TTestApp(TAppHost* host, const std::string& nodeTypes)
     : App(new TCindermillApp(OpenSettingsFile(Folder.Path("settings.ini").c_str()), host))
 {
     const std::string resources = Folder.Path("resources");
-    std::filesystem::create_directory(resources);
-    TImage image;
-    image.Create(4, 4);
-    if (!App->InitHeadless() || !image.Save((resources + "/spark.dds").c_str(), IF_DDS_RAW))
+    if (!App->InitHeadless() || !MakeTestResources(resources))
         throw std::runtime_error("no application");
-    WriteBytes(resources + "/path.vori", "<?xml version=\"1.0\"?><VOR><animclip><anim>" +
-                                             Channel("0 0 0 1 2 3") + Channel("0 0 0 0 0.5 0") +
-                                             Channel("1 1 1 2 2 2") + "</anim></animclip></VOR>");
     App->GetResourceLocator().AddSearchDirectory(resources.c_str());
     TErrorList errors;
     App->LoadNodeTypes(nodeTypes.c_str(), errors);

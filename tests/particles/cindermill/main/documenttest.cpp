@@ -1,5 +1,6 @@
 #include "support/fakehost.h"
 #include "support/randomgraph.h"
+#include "support/testapp.h"
 
 #include "library/system/message.h"
 #include "particles/cindermill/graph/effectexecnode.h"
@@ -1161,7 +1162,8 @@ TEST_F(Document, DamagedFilesAreRefusedOrHarmless)
         TDocument document(App.Get());
         document.New();
         BuildEffect(document);
-        TRandomGraph graph(App, document, 7);
+        TDice dice(7);
+        TRandomGraph graph(App.Get(), document, dice);
         graph.Build(30);
         ASSERT_TRUE(document.SaveAs(Path("whole").c_str()));
         whole = ReadBytes(Path("whole"));

@@ -1,4 +1,5 @@
 #include "support/randomgraph.h"
+#include "support/testapp.h"
 
 #include "particles/cindermill/graph/graphoperations.h"
 #include "particles/cindermill/graph/toolnode.h"
@@ -38,7 +39,8 @@ protected:
             TellSeed();
             TDocument document(App.Get());
             ASSERT_TRUE(document.New());
-            TRandomGraph graph(App, document, Seed);
+            TDice dice(Seed);
+            TRandomGraph graph(App.Get(), document, dice);
             build(graph, Seed);
             work(document);
             if (HasFatalFailure())
@@ -301,7 +303,8 @@ TEST_F(RandomGraphs, EditsGoOnBesideARunningPreview)
     for (uint32_t seed = first; seed < first + count; ++seed) {
         TDocument document(App.Get());
         ASSERT_TRUE(document.New());
-        TRandomGraph graph(App, document, seed);
+        TDice dice(seed);
+        TRandomGraph graph(App.Get(), document, dice);
         graph.AddSystem();
         for (int i = 0; i < 30; ++i) {
             graph.Edit();

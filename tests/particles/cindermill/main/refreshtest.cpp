@@ -1,5 +1,6 @@
 #include "support/fakehost.h"
 #include "support/randomgraph.h"
+#include "support/testapp.h"
 
 #include "library/system/message.h"
 #include "particles/cindermill/graph/graphoperations.h"
@@ -403,7 +404,8 @@ TEST(ChangedLibraries, EveryStepOfARefreshedHistoryLeavesASoundEffect)
             TTestApp app(nullptr, types);
             TDocument document(app.Get());
             document.New();
-            TRandomGraph(app, document, seed).Build(120);
+            TDice dice(seed);
+            TRandomGraph(app.Get(), document, dice).Build(120);
             for (auto i = random() % 60; i > 0; --i)
                 document.Undo();
             steps = document.GetOperationStack()->GetNumOperations();
