@@ -27,7 +27,8 @@ seed efx build/samples/*.efx
 # Choices, for which no file of the repository is an example.
 mkdir -p "$work/changedlibrary"
 for length in 200 500 1000 2000; do
-    yes "$length choices of a document and a library" | head -c "$length" >"$work/changedlibrary/$length"
+    awk -v n="$length" 'BEGIN { srand(n); for (i = 0; i < n; ++i) printf "%c", 33 + int(rand() * 94) }' \
+        >"$work/changedlibrary/$length"
 done
 
 count=0

@@ -101,10 +101,11 @@ TEST_F(ChangedLibrary, DocumentsGoThroughIt)
         }
     }
     // A single seed that is looked into need not meet everything.
-    if (count >= usual)
+    if (count >= usual) {
         for (const char* met :
              {"refreshes accepted", "refreshes declined", "values kept", "wires kept", "exported"})
             EXPECT_GT(counts[met], 0) << met;
+    }
     if (isSoak)
         for (const auto& [what, number] : counts)
             std::printf("%6d %s (first of seed %u)\n", number, what.c_str(), firstSeeds[what]);
