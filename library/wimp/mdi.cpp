@@ -13,6 +13,7 @@
 #include <QtWidgets/QMdiArea>
 #include <QtWidgets/QMdiSubWindow>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QStatusBar>
 
 // The status bar has two sunken parts: one for texts, and a narrow one at the right.
@@ -56,10 +57,95 @@ private:
     }
 };
 
+class TClientArea : public QMdiArea
+{
+public:
+    using QMdiArea::QMdiArea;
+
+protected:
+    void moveEvent(QMoveEvent* event) override
+    {
+        QMdiArea::moveEvent(event);
+        TWindowMap::AlignBelow(this);
+    }
+};
+
 QMdiArea* AreaOf(TWindowHandle client)
 {
     return qobject_cast<QMdiArea*>(client);
 }
+
+// The windows to arrange, the last one in front.
+void ListFrames(const QMdiArea& area, vector<QMdiSubWindow*>& frames, vector<QMdiSubWindow*>& minimised)
+{
+    for (QMdiSubWindow* frame : area.subWindowList(QMdiArea::StackingOrder))
+        if (frame->isVisible())
+            (frame->isMinimized() ? minimised : frames).push_back(frame);
+}
+
+// Side by side from the bottom left on; returns the height that is left over them.
+int ArrangeMinimised(const vector<QMdiSubWindow*>& frames, const QSize& area)
+{
+    int x = 0;
+    int top = area.height();
+    int bottom = area.height();
+    for (QMdiSubWindow* frame : frames) {
+        if (x > 0 && x + frame->width() > area.width()) {
+            x = 0;
+            bottom = top;
+        }
+        frame->move(x, bottom - frame->height());
+        x += frame->width();
+        top = qMin(top, bottom - frame->height());
+    }
+    return top;
+}
+
+// With the edge above it, as far as the window's contents.
+int GetTitleHeight(const QMdiSubWindow& frame)
+{
+    return frame.contentsRect().top();
+}
+
+// How many windows stand in an area, and where. Where one run down to the bottom does not do, another begins
+// at the top, further to the right, and leaves the first ones' titles in sight.
+class TCascade
+{
+public:
+    TCascade(int count, const QSize& area, int titleHeight)
+    {
+        Rows = qBound(1, (area.height() - LeastHeight) / titleHeight + 1, count);
+        const int runs = (count + Rows - 1) / Rows;
+        Step = QSize(runs > 1 ? SmallStep : titleHeight, titleHeight);
+        const int width = area.width() - (Rows - 1) * Step.width();
+        const int height = area.height() - (Rows - 1) * Step.height();
+        if (runs > 1)
+            RunStep = qBound(0, (width - LeastWidth) / (runs - 1), Rows * Step.width() + ShownTitle);
+        Size = QSize(GetExtent(width - (runs - 1) * RunStep, area.width(), GoodWidth),
+                     GetExtent(height, area.height(), GoodHeight));
+    }
+    QRect GetPlace(int number) const
+    {
+        const int row = number % Rows;
+        return QRect(QPoint(number / Rows * RunStep + row * Step.width(), row * Step.height()), Size);
+    }
+
+private:
+    // What the steps leave, but not all of a large area.
+    static int GetExtent(int left, int whole, int good) { return qMin(left, qMax(good, whole * 3 / 4)); }
+
+    static constexpr int GoodWidth = 1050;
+    static constexpr int GoodHeight = 750;
+    static constexpr int LeastWidth = 250;
+    static constexpr int LeastHeight = 160;
+    static constexpr int SmallStep = 10;
+    static constexpr int ShownTitle = 120;
+
+    int Rows = 1;
+    int RunStep = 0;
+    QSize Step;
+    QSize Size;
+};
 
 // Null for a frame whose window has gone.
 TWindow* WindowOf(const QMdiSubWindow* frame)
@@ -86,7 +172,7 @@ bool TMDIFrame::CreateFrame(const TWindowParams& params, TMenu& menu)
             QObject::connect(list, &QMenu::aboutToShow, window, [this, list] { ListChildren(list); });
     }
     window->menuBar()->setObjectName(QStringLiteral("menubar"));
-    QMdiArea* area = new QMdiArea(window);
+    QMdiArea* area = new TClientArea(window);
     area->setObjectName(QStringLiteral("mdiclient"));
     area->setBackground(QColor::fromRgba(ClientColour));
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -101,8 +187,32 @@ bool TMDIFrame::CreateFrame(const TWindowParams& params, TMenu& menu)
 
 void TMDIFrame::Cascade()
 {
-    if (GetHandle() != nullptr)
-        AreaOf(Client)->cascadeSubWindows();
+    if (GetHandle() == nullptr)
+        return;
+    // The window system's own arrangement makes each window as small as its contents allow, and these have no
+    // least size.
+    QMdiArea* area = AreaOf(Client);
+    QMdiSubWindow* active = area->currentSubWindow();
+    vector<QMdiSubWindow*> frames;
+    vector<QMdiSubWindow*> minimised;
+    ListFrames(*area, frames, minimised);
+    // A window that has been scrolled out of sight comes back.
+    area->horizontalScrollBar()->setValue(area->horizontalScrollBar()->minimum());
+    area->verticalScrollBar()->setValue(area->verticalScrollBar()->minimum());
+    const QSize whole = area->maximumViewportSize();
+    const int bottom = ArrangeMinimised(minimised, whole);
+    if (frames.empty())
+        return;
+    for (QMdiSubWindow* frame : frames)
+        if (frame->isMaximized())
+            frame->showNormal();
+    const TCascade cascade(frames.size(), QSize(whole.width(), bottom), GetTitleHeight(*frames.back()));
+    for (int i = 0; i < frames.size(); ++i) {
+        frames[i]->setGeometry(cascade.GetPlace(i));
+        frames[i]->raise();
+    }
+    if (active != nullptr)
+        area->setActiveSubWindow(active);
 }
 
 void TMDIFrame::SetStatus(const char* text)

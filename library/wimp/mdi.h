@@ -11,6 +11,8 @@ class TMDIFrame : public TWindow
 public:
     // The kind is WK_MAIN. The menu's popup with the text "Window" lists the document windows.
     bool CreateFrame(const TWindowParams& params, TMenu& menu);
+    // The document windows one behind the other, each a little further down and to the right, so that all
+    // their title bars can be seen. Minimised ones stay so, side by side along the bottom.
     void Cascade();
     // The first part of the status bar.
     void SetStatus(const char* text);

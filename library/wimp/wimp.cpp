@@ -31,9 +31,6 @@ static void PrepareEnvironment()
     // Windows that place themselves and take the mouse want the X server, where there is one.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && qEnvironmentVariableIsSet("DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "xcb");
-    // A window's unit is the pixel, for OpenGL and the rest alike.
-    if (!qEnvironmentVariableIsSet("QT_ENABLE_HIGHDPI_SCALING"))
-        qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
 }
 
 // Without a display that can be opened the window system ends the process: then with a line that says so.

@@ -23,7 +23,7 @@ class TMouseDrag
 public:
     virtual ~TMouseDrag() = default;
     // Pixels of the window that captured the mouse; TMouseButton bits.
-    virtual void OnMouseMove(int x, int y, int buttons) = 0;
+    virtual void OnMouseMove(double x, double y, int buttons) = 0;
     // A dialog or a menu has taken the mouse away. The release may never be heard of.
     virtual void OnCaptureLost() {}
 };

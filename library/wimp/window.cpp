@@ -151,6 +151,10 @@ void TWindow::MoveTo(int x, int y, int width, int height)
         Handle->resize(width, height);
         return;
     }
+    if (Kind == WK_GLCHILD) {
+        Peer->Place(QRect(x, y, width, height));
+        return;
+    }
     Peer->GetFrame()->setGeometry(x, y, width, height);
     // The inside of a frame that is not yet shown follows at once, for those who lay out by its size.
     if (Peer->SubWindow != nullptr && Peer->SubWindow->layout() != nullptr)
@@ -204,6 +208,37 @@ void TWindow::GetSize(int& width, int& height) const
         width -= Peer->ScrollBar->width();
     if (width < 0)
         width = 0;
+}
+
+void TWindow::GetDotSize(int& width, int& height) const
+{
+    // Rounded as the window system does for the frame buffer, so that nothing of it is left out.
+    const QSize size = Handle != nullptr ? Handle->size() * Handle->devicePixelRatio() : QSize(0, 0);
+    width = size.width();
+    height = size.height();
+}
+
+double TWindow::GetDotsPerPixel() const
+{
+    return Handle != nullptr ? Handle->devicePixelRatio() : 1.0;
+}
+
+void TWindow::ClientToScreen(double& x, double& y) const
+{
+    if (Handle == nullptr)
+        return;
+    const QPointF place = Handle->mapToGlobal(QPointF(x, y));
+    x = place.x();
+    y = place.y();
+}
+
+void TWindow::ScreenToClient(double& x, double& y) const
+{
+    if (Handle == nullptr)
+        return;
+    const QPointF place = Handle->mapFromGlobal(QPointF(x, y));
+    x = place.x();
+    y = place.y();
 }
 
 void TWindow::ClientToScreen(int& x, int& y) const
@@ -287,7 +322,11 @@ void TWindow::UpdateScrollBar(bool shown)
     Redraw();
     TMessage message;
     message.Type = MT_SIZE;
-    GetSize(message.X, message.Y);
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    message.X = width;
+    message.Y = height;
     Peer->Send(message);
 }
 
@@ -363,8 +402,8 @@ bool TWindow::Dispatch(const TMessage& message)
     MouseY = message.Y;
     Buttons = message.Buttons;
     if (TMouseDrag* drag = TWimp::Get().GetMouseDrag()) {
-        int x = message.X;
-        int y = message.Y;
+        double x = message.X;
+        double y = message.Y;
         if (CaptureWindow != nullptr && CaptureWindow != this) {
             ClientToScreen(x, y);
             CaptureWindow->ScreenToClient(x, y);

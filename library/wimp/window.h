@@ -104,8 +104,13 @@ public:
     void SetCursor(TCursor cursor);
     void Redraw() override;
     void GetSize(int& width, int& height) const override;
+    void GetDotSize(int& width, int& height) const override;
+    double GetDotsPerPixel() const override;
     void ClientToScreen(int& x, int& y) const;
     void ScreenToClient(int& x, int& y) const;
+    // Of the pointer, between pixels too.
+    void ClientToScreen(double& x, double& y) const;
+    void ScreenToClient(double& x, double& y) const;
     bool HasFocus() const override;
     void TakeFocus() override;
     // While captured, mouse messages come here wherever the pointer is.
@@ -127,8 +132,8 @@ public:
     unsigned GetFrameBuffer() override;
 
     // By the last mouse message.
-    int GetMouseX() const { return MouseX; }
-    int GetMouseY() const { return MouseY; }
+    double GetMouseX() const { return MouseX; }
+    double GetMouseY() const { return MouseY; }
     int GetButtons() const { return Buttons; }
 
     // For controls: asserts "SubControls.find(hwnd) == SubControls.end() : Attempt to add sub control twice"
@@ -141,6 +146,7 @@ public:
     static TWindow* FromPoint(int x, int y);
 
 private:
+    friend class TWindowMap;
     friend class TWindowPeer;
 
     // What the framework calls for each message: keeps the mouse's state, serves a running drag first.
@@ -154,7 +160,7 @@ private:
     TWindow* KeyOwner = nullptr;
     const TWindowClass* Class = nullptr;
     TWindowKind Kind = WK_CHILD;
-    int MouseX = 0;
-    int MouseY = 0;
+    double MouseX = 0;
+    double MouseY = 0;
     int Buttons = 0;
 };

@@ -252,6 +252,14 @@ TWindow* TWindowMap::FindBelow(TWindowHandle handle)
     return nullptr;
 }
 
+void TWindowMap::AlignBelow(const QWidget* widget)
+{
+    for (const auto& entry : Windows())
+        if (entry.second->GetKind() == WK_GLCHILD && entry.first != widget &&
+            widget->isAncestorOf(entry.first))
+            entry.second->Peer->AlignToDots();
+}
+
 void TWindowMap::ForgetKeyOwner(const TWindow* window)
 {
     for (const auto& entry : Windows())
@@ -333,10 +341,21 @@ bool TWindowPeer::HandleEvent(QEvent* event)
         Close();
         return true;
     case QEvent::Resize:
-        LayoutScrollBar();
-        message.Type = MT_SIZE;
-        Window->GetSize(message.X, message.Y);
-        Send(message);
+        SendSize();
+        return false;
+    case QEvent::Move:
+        TWindowMap::AlignBelow(Widget);
+        return false;
+#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
+    case QEvent::DevicePixelRatioChange:
+#else
+    case QEvent::ScreenChangeInternal:
+#endif
+        // Moved to a screen of another scale: laid out and drawn anew, though its size in pixels may be the
+        // same.
+        AlignToDots();
+        SendSize();
+        Widget->update();
         return false;
     case QEvent::FocusIn:
     case QEvent::FocusOut:
@@ -392,11 +411,52 @@ void TWindowPeer::Paint()
     const TWindowClass* windowClass = Window->GetClass();
     const TGDIColour background = windowClass != nullptr ? windowClass->GetBackground() : GetButtonColour();
     painter.fillRect(Widget->rect(), QColor::fromRgb(static_cast<QRgb>(background)));
+    PaintBehindGl(painter);
     if (Window->GetKind() == WK_GLCHILD)
         return;
     TGDIContext context(painter);
     message.Context = &context;
     Send(message);
+}
+
+// What the windows inside that OpenGL draws have left free has their colour.
+void TWindowPeer::PaintBehindGl(QPainter& painter) const
+{
+    for (const QObject* child : Widget->children()) {
+        const TWindow* window = TWindowMap::Find(qobject_cast<QWidget*>(const_cast<QObject*>(child)));
+        if (window == nullptr || window->GetKind() != WK_GLCHILD || window->GetClass() == nullptr)
+            continue;
+        if (window->Peer->Given != window->GetHandle()->geometry())
+            painter.fillRect(window->Peer->Given,
+                             QColor::fromRgb(static_cast<QRgb>(window->GetClass()->GetBackground())));
+    }
+}
+
+void TWindowPeer::Place(const QRect& place)
+{
+    Given = place;
+    Widget->setGeometry(place);
+    AlignToDots();
+}
+
+void TWindowPeer::AlignToDots()
+{
+    if (Window == nullptr || Window->GetKind() != WK_GLCHILD || Given.isNull())
+        return;
+    // The window system rounds a frame buffer's size by itself, but keeps its place free from edge to edge.
+    // What lies between would be black.
+    const double dots = Widget->devicePixelRatio();
+    const QPoint start = Widget->parentWidget()->mapTo(Widget->window(), Given.topLeft());
+    auto fit = [dots](int at, int length) {
+        while (length > 0 && qRound(at * dots) + qRound(length * dots) < qRound((at + length) * dots))
+            --length;
+        return length;
+    };
+    const QSize size(fit(start.x(), Given.width()), fit(start.y(), Given.height()));
+    if (size == Widget->size())
+        return;
+    Widget->resize(size);
+    Widget->parentWidget()->update();
 }
 
 void TWindowPeer::Close()
@@ -409,13 +469,25 @@ void TWindowPeer::Close()
         Window->OnCommand(Window, 0, CC_CLOSE);
 }
 
+void TWindowPeer::SendSize()
+{
+    LayoutScrollBar();
+    int width = 0;
+    int height = 0;
+    Window->GetSize(width, height);
+    TMessage message;
+    message.Type = MT_SIZE;
+    message.X = width;
+    message.Y = height;
+    Send(message);
+}
+
 void TWindowPeer::SendMouse(TMessageType type, const QMouseEvent& event)
 {
     TMessage message;
     message.Type = type;
-    const QPoint place = event.position().toPoint();
-    message.X = place.x();
-    message.Y = place.y();
+    message.X = event.position().x();
+    message.Y = event.position().y();
     message.Buttons = ToButtons(event.buttons());
     message.KeyFlags = ToKeyFlags(event.modifiers());
     Send(message);
@@ -451,9 +523,8 @@ bool TWindowPeer::SendWheel(const QWheelEvent& event)
 {
     TMessage message;
     message.Type = MT_WHEEL;
-    const QPoint place = event.position().toPoint();
-    message.X = place.x();
-    message.Y = place.y();
+    message.X = event.position().x();
+    message.Y = event.position().y();
     message.Delta = event.angleDelta().y();
     message.Buttons = ToButtons(event.buttons());
     message.KeyFlags = ToKeyFlags(event.modifiers());

@@ -4,6 +4,7 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QPointer>
+#include <QtCore/QRect>
 #include <QtGui/QSurfaceFormat>
 #include <QtWidgets/QWidget>
 
@@ -12,6 +13,7 @@ class QKeyEvent;
 class QMdiSubWindow;
 class QMouseEvent;
 class QPaintEvent;
+class QPainter;
 class QScrollBar;
 class QTimer;
 class QWheelEvent;
@@ -42,6 +44,11 @@ public:
 
     void StartTimer(int timer, int milliseconds);
     void StopTimer(int timer);
+    // Of a window inside another.
+    void Place(const QRect& place);
+    // A window that OpenGL draws gives up a last pixel that its dots would not quite cover where it stands
+    // now.
+    void AlignToDots();
     void AddScrollBar();
     void LayoutScrollBar();
 
@@ -51,6 +58,8 @@ public:
 
 private:
     void ActivateDocument();
+    void SendSize();
+    void PaintBehindGl(QPainter& painter) const;
     void SendMouse(TMessageType type, const QMouseEvent& event);
     void SendButton(const QMouseEvent& event, bool down);
     bool SendWheel(const QWheelEvent& event);
@@ -64,6 +73,8 @@ private:
 
     TWindow* Window;
     QWidget* Widget;
+    // What the owner has given, of which AlignToDots may leave a little free.
+    QRect Given;
     vector<QTimer*> Timers;
     // The codes of the keys that are down, by their places on the keyboard.
     sortedmap<quint32, int> KeysDown;
@@ -95,6 +106,8 @@ public:
     static TWindow* Find(TWindowHandle handle);
     // A window whose widget stands somewhere below this one, or null.
     static TWindow* FindBelow(TWindowHandle handle);
+    // To be called when a widget has moved: the windows below it that OpenGL draws stand on other dots.
+    static void AlignBelow(const QWidget* widget);
     // No window leaves its keys to this one any more.
     static void ForgetKeyOwner(const TWindow* window);
     static bool IsEmpty();

@@ -87,6 +87,11 @@ protected:
         if (Peer != nullptr)
             Peer->Close();
     }
+    void moveEvent(QMoveEvent* event) override
+    {
+        QMdiSubWindow::moveEvent(event);
+        TWindowMap::AlignBelow(this);
+    }
     // After a dialog the frame has forgotten which of its boxes the pointer rests on.
     void mousePressEvent(QMouseEvent* event) override
     {

@@ -205,6 +205,12 @@ bool TTestWindow::MakeCurrent()
 
 void TFakeWindow::GetSize(int& width, int& height) const
 {
+    width = static_cast<int>(std::lround(Width / DotsPerPixel));
+    height = static_cast<int>(std::lround(Height / DotsPerPixel));
+}
+
+void TFakeWindow::GetDotSize(int& width, int& height) const
+{
     width = Width;
     height = Height;
 }

@@ -65,7 +65,7 @@ private:
     void* Context = nullptr;
 };
 
-// A window without OpenGL that notes what is asked of it.
+// A window without OpenGL that notes what is asked of it. Its size is told in the screen's dots.
 class TFakeWindow : public TRenderWindow
 {
 public:
@@ -74,12 +74,15 @@ public:
     bool MakeCurrent() override { return false; }
     unsigned GetFrameBuffer() override { return 0; }
     void GetSize(int& width, int& height) const override;
+    void GetDotSize(int& width, int& height) const override;
+    double GetDotsPerPixel() const override { return DotsPerPixel; }
     void Redraw() override { ++NumRedraws; }
     void TakeFocus() override;
     bool HasFocus() const override { return Focused; }
     void StartTimer(int timer, int milliseconds) override { Timers[timer] = milliseconds; }
     void StopTimer(int timer) override { Timers.erase(timer); }
 
+    double DotsPerPixel = 1;
     bool Focused = false;
     int NumRedraws = 0;
     int NumFocusTakes = 0;

@@ -167,30 +167,30 @@ bool TSplitWindow::OnMessage(const TMessage& message)
             DrawGaps(*message.Context);
         return false;
     case MT_LEFTDOWN: {
-        const int gap = FindGap(message.X, message.Y);
+        const int gap = FindGap(message.GetPixelX(), message.GetPixelY());
         if (gap < 0)
             return false;
         TArea place;
         TArea area;
         GetPlaces(gap, place, area);
-        GrabOffset = Panes[gap].Vertical ? message.Y - area.Top : message.X - area.Left;
+        GrabOffset = Panes[gap].Vertical ? message.GetPixelY() - area.Top : message.GetPixelX() - area.Left;
         DraggedGap = gap;
         Owner->SetCapture();
         return true;
     }
     case MT_MOUSEMOVE:
         if (DraggedGap >= 0) {
-            DragTo(message.X, message.Y);
+            DragTo(message.GetPixelX(), message.GetPixelY());
             return true;
         }
-        ShowCursor(FindGap(message.X, message.Y));
+        ShowCursor(FindGap(message.GetPixelX(), message.GetPixelY()));
         return HoveredGap >= 0;
     case MT_LEFTUP:
         if (DraggedGap < 0)
             return false;
         DraggedGap = -1;
         Owner->ReleaseCapture();
-        ShowCursor(FindGap(message.X, message.Y));
+        ShowCursor(FindGap(message.GetPixelX(), message.GetPixelY()));
         return true;
     case MT_MOUSELEAVE:
         if (DraggedGap < 0)

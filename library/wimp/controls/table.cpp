@@ -189,15 +189,15 @@ bool TTable::OnHeader(const TMessage& message)
             DrawHeader(*message.Context);
         return true;
     case MT_LEFTDOWN:
-        if (resizable && FindBorder(message.X) >= 0)
-            BeginDrag(FindBorder(message.X), message.X);
+        if (resizable && FindBorder(message.GetPixelX()) >= 0)
+            BeginDrag(FindBorder(message.GetPixelX()), message.GetPixelX());
         return true;
     case MT_MOUSEMOVE:
         if (DraggedColumn >= 0)
-            SetColumnWidth(DraggedColumn,
-                           message.X - GrabOffset - (GetColumnEnd(DraggedColumn) - Widths[DraggedColumn]));
+            SetColumnWidth(DraggedColumn, message.GetPixelX() - GrabOffset -
+                                              (GetColumnEnd(DraggedColumn) - Widths[DraggedColumn]));
         else
-            Header.SetCursor(resizable && FindBorder(message.X) >= 0 ? CU_SPLITX : CU_CLASS);
+            Header.SetCursor(resizable && FindBorder(message.GetPixelX()) >= 0 ? CU_SPLITX : CU_CLASS);
         return true;
     case MT_LEFTUP:
         DraggedColumn = -1;

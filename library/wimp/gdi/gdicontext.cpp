@@ -7,6 +7,7 @@
 #include <QtGui/QPainter>
 #include <QtGui/QPalette>
 
+#include <math.h>
 #include <stdlib.h>
 
 // Of a raised edge, from outside to inside.
@@ -43,10 +44,60 @@ static void Measure(const QFontMetrics& metrics, const char* text, int& width, i
 TGDIContext::TGDIContext(QPainter& painter) : Painter(painter)
 {
     SetFont(TGDIFont());
+    // Pictures are made for a screen that is not scaled.
+    Painter.setRenderHint(QPainter::SmoothPixmapTransform);
+}
+
+int TGDIContext::GetThickness() const
+{
+    const double dots = Painter.device()->devicePixelRatio();
+    const int nearest = static_cast<int>(ceil(dots - 0.5));
+    return nearest > 1 ? nearest : 1;
+}
+
+QRect TGDIContext::ToDots(int left, int top, int right, int bottom) const
+{
+    const QRectF dots = Painter.deviceTransform().mapRect(QRectF(QPoint(left, top), QPoint(right, bottom)));
+    return QRect(QPoint(qRound(dots.left()), qRound(dots.top())),
+                 QPoint(qRound(dots.right()) - 1, qRound(dots.bottom()) - 1));
+}
+
+void TGDIContext::FillDots(const QRect& dots, TGDIColour colour)
+{
+    if (!dots.isEmpty())
+        Painter.fillRect(Painter.deviceTransform().inverted().mapRect(QRectF(dots)), ToColour(colour));
+}
+
+void TGDIContext::FillLine(const QRect& dots, bool level)
+{
+    if (!Dotted) {
+        FillDots(dots, PenColour);
+        return;
+    }
+    const int size = GetThickness();
+    const int length = level ? dots.width() : dots.height();
+    for (int at = 0; at < length; at += 2 * size) {
+        const QRect part = level ? QRect(dots.left() + at, dots.top(), size, dots.height())
+                                 : QRect(dots.left(), dots.top() + at, dots.width(), size);
+        FillDots(part & dots, PenColour);
+    }
+}
+
+void TGDIContext::Frame(const QRect& dots, TGDIColour topLeft, TGDIColour bottomRight)
+{
+    const int line = GetThickness();
+    const int across = dots.width();
+    const int down = dots.height();
+    FillDots(QRect(dots.left(), dots.top(), across - line, line), topLeft);
+    FillDots(QRect(dots.left(), dots.top(), line, down - line), topLeft);
+    FillDots(QRect(dots.left(), dots.top() + down - line, across, line), bottomRight);
+    FillDots(QRect(dots.left() + across - line, dots.top(), line, down), bottomRight);
 }
 
 void TGDIContext::SetPen(TGDIColour colour, bool dotted)
 {
+    PenColour = colour;
+    Dotted = dotted;
     QPen pen(ToColour(colour), 1);
     pen.setJoinStyle(Qt::MiterJoin);
     if (dotted) {
@@ -85,26 +136,36 @@ void TGDIContext::Line(int x1, int y1, int x2, int y2)
 {
     if (x1 == x2 && y1 == y2)
         return;
-    if (y1 == y2)
-        x2 += x2 > x1 ? -1 : 1;
-    else if (x1 == x2)
-        y2 += y2 > y1 ? -1 : 1;
-    Painter.drawLine(x1, y1, x2, y2);
+    if (x1 != x2 && y1 != y2) {
+        Painter.drawLine(x1, y1, x2, y2);
+        return;
+    }
+    if (Painter.pen().style() == Qt::NoPen)
+        return;
+    // Whichever way it runs, its last point is left out.
+    const bool back = x2 < x1 || y2 < y1;
+    const bool level = y1 == y2;
+    const int left = back && level ? x2 + 1 : x1;
+    const int right = back && level ? x1 + 1 : x2;
+    const int top = back && !level ? y2 + 1 : y1;
+    const int bottom = back && !level ? y1 + 1 : y2;
+    QRect dots = ToDots(left, top, level ? right : left + 1, level ? top + 1 : bottom);
+    if (level)
+        dots.setHeight(GetThickness());
+    else
+        dots.setWidth(GetThickness());
+    FillLine(dots, level);
 }
 
 void TGDIContext::Rectangle(int left, int top, int right, int bottom)
 {
     if (right <= left || bottom <= top)
         return;
-    const QRect area(left, top, right - left, bottom - top);
+    const QRect dots = ToDots(left, top, right, bottom);
     if (Painter.brush().style() != Qt::NoBrush)
-        Painter.fillRect(area, Painter.brush());
-    if (Painter.pen().style() == Qt::NoPen)
-        return;
-    const QBrush brush = Painter.brush();
-    Painter.setBrush(Qt::NoBrush);
-    Painter.drawRect(area.adjusted(0, 0, -1, -1));
-    Painter.setBrush(brush);
+        FillDots(dots, Painter.brush().color().rgb());
+    if (Painter.pen().style() != Qt::NoPen)
+        Frame(dots, PenColour, PenColour);
 }
 
 void TGDIContext::TextOut(int x, int y, const char* text)
@@ -139,20 +200,10 @@ void TGDIContext::Draw(const TGDIBitmap& bitmap, int x, int y)
 
 void TGDIContext::RaisedEdge(int left, int top, int right, int bottom)
 {
-    Painter.save();
-    Edge(left, top, right, bottom, EdgeLight, EdgeDark);
-    Edge(left + 1, top + 1, right - 1, bottom - 1, InnerLight, InnerDark);
-    Painter.restore();
-}
-
-void TGDIContext::Edge(int left, int top, int right, int bottom, TGDIColour light, TGDIColour dark)
-{
-    SetPen(light);
-    Line(left, top, right - 1, top);
-    Line(left, top, left, bottom - 1);
-    SetPen(dark);
-    Line(left, bottom - 1, right, bottom - 1);
-    Line(right - 1, top, right - 1, bottom);
+    const QRect dots = ToDots(left, top, right, bottom);
+    const int line = GetThickness();
+    Frame(dots, EdgeLight, EdgeDark);
+    Frame(dots.adjusted(line, line, -line, -line), InnerLight, InnerDark);
 }
 
 TGDIColour GetButtonColour()

@@ -4,6 +4,7 @@
 
 class QFont;
 class QPainter;
+class QRect;
 class TGDIBitmap;
 
 // A colour as 0xRRGGBB.
@@ -18,8 +19,10 @@ struct TGDIFont
     int Weight = 400;
 };
 
-// Draws into a window that is not OpenGL's, while its paint message is handled. Rectangles hold their left
-// and top edge and not their right and bottom one.
+// Draws into a window that is not OpenGL's, while its paint message is handled. Places are pixels, which on a
+// scaled screen are not always whole dots: edges fall on the nearest dot, so that what touches in pixels
+// touches on the screen, and all lines are equally thick. Rectangles hold their left and top edge and not
+// their right and bottom one.
 class TGDIContext
 {
 public:
@@ -49,9 +52,18 @@ public:
     void RaisedEdge(int left, int top, int right, int bottom);
 
 private:
-    void Edge(int left, int top, int right, int bottom, TGDIColour light, TGDIColour dark);
+    // Of lines, in dots.
+    int GetThickness() const;
+    // The dots of a rectangle of pixels, and filling dots.
+    QRect ToDots(int left, int top, int right, int bottom) const;
+    void FillDots(const QRect& dots, TGDIColour colour);
+    void FillLine(const QRect& dots, bool level);
+    // Along the inside of a rectangle of dots.
+    void Frame(const QRect& dots, TGDIColour topLeft, TGDIColour bottomRight);
 
     QPainter& Painter;
+    TGDIColour PenColour = 0;
+    bool Dotted = false;
     TGDIColour TextColour = 0;
 };
 

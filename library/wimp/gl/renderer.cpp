@@ -15,7 +15,7 @@ namespace {
 constexpr int FullSupersampling = 2;
 
 // Neither not a number nor beyond what the scissor takes.
-int ToPixel(double value)
+int ToDot(double value)
 {
     constexpr double limit = 1e6;
     if (!(value > -limit))
@@ -115,15 +115,16 @@ void TRenderer::Render(TRenderObject& root)
     FlushGlDeletions();
     int width = 0;
     int height = 0;
-    Window->GetSize(width, height);
+    Window->GetDotSize(width, height);
+    DotsPerPixel = Window->GetDotsPerPixel();
     if (width != Width || height != Height)
         Resize(width, height);
     if (Width <= 0 || Height <= 0)
         return;
 
     BindTarget();
-    PixelToClip =
-        TVector2(static_cast<float>(2.0 * Scale[0] / Width), static_cast<float>(2.0 * Scale[1] / Height));
+    WorldToClip = TVector2(static_cast<float>(2.0 * Scale[0] * DotsPerPixel / Width),
+                           static_cast<float>(2.0 * Scale[1] * DotsPerPixel / Height));
     glDisable(GL_SCISSOR_TEST);
     Batch.BeginFrame();
     CheckGlError();
@@ -142,8 +143,8 @@ void TRenderer::DrawObjects(TRenderObject& root)
     WindowStack.clear();
     OriginStack.clear();
     PushOrigin(TVector2(0, 0));
-    const TVector2 size(static_cast<float>(Width / double(Scale[0])),
-                        static_cast<float>(Height / double(Scale[1])));
+    const TVector2 size(static_cast<float>(Width / (Scale[0] * DotsPerPixel)),
+                        static_cast<float>(Height / (Scale[1] * DotsPerPixel)));
     PushWindow(-Offset, size - Offset);
     glEnable(GL_SCISSOR_TEST);
     CheckGlError();
@@ -192,10 +193,15 @@ void TRenderer::Present()
     CheckGlError();
 }
 
-TVector2 TRenderer::PixelToWorld(int x, int y) const
+TVector2 TRenderer::PixelToWorld(double x, double y) const
 {
-    return TVector2(static_cast<float>(x / double(Scale[0]) - Offset[0]),
-                    static_cast<float>(y / double(Scale[1]) - Offset[1]));
+    return TVector2(static_cast<float>(x / Scale[0] - Offset[0]),
+                    static_cast<float>(y / Scale[1] - Offset[1]));
+}
+
+TVector2 TRenderer::GetResolution() const
+{
+    return TVector2(static_cast<float>(Scale[0] * DotsPerPixel), static_cast<float>(Scale[1] * DotsPerPixel));
 }
 
 void TRenderer::PushOrigin(const TVector2& delta)
@@ -260,10 +266,11 @@ void TRenderer::SetScissor(const TClipRectangle& rectangle)
     int low[2];
     int size[2];
     for (int i = 0; i < 2; ++i) {
-        const double from = (double(rectangle.Min[i]) + Offset[i]) * Scale[i] * Supersampling;
-        const double to = (double(rectangle.Max[i]) + Offset[i]) * Scale[i] * Supersampling;
-        low[i] = ToPixel(from);
-        size[i] = ToPixel(to) - low[i];
+        const double dots = Scale[i] * DotsPerPixel * Supersampling;
+        const double from = (double(rectangle.Min[i]) + Offset[i]) * dots;
+        const double to = (double(rectangle.Max[i]) + Offset[i]) * dots;
+        low[i] = ToDot(from);
+        size[i] = ToDot(to) - low[i];
         if (size[i] < 0)
             size[i] = 0;
     }
@@ -295,18 +302,18 @@ void TRenderer::ApplyScissor()
 TVector2 TRenderer::ToClip(const TVector2& point) const
 {
     const TVector2 origin = GetOrigin();
-    return TVector2(static_cast<float>((double(Offset[0]) + origin[0] + point[0]) * PixelToClip[0] - 1.0),
-                    static_cast<float>(1.0 - (double(Offset[1]) + origin[1] + point[1]) * PixelToClip[1]));
+    return TVector2(static_cast<float>((double(Offset[0]) + origin[0] + point[0]) * WorldToClip[0] - 1.0),
+                    static_cast<float>(1.0 - (double(Offset[1]) + origin[1] + point[1]) * WorldToClip[1]));
 }
 
 TVector2 TRenderer::Snap(const TVector2& point) const
 {
     const TVector2 origin = GetOrigin();
-    const double pixels[2] = {double(Scale[0]) * Supersampling, Scale[1]};
+    const double dots[2] = {Scale[0] * DotsPerPixel * Supersampling, Scale[1] * DotsPerPixel};
     TVector2 result;
     for (int i = 0; i < 2; ++i) {
         const double fixed = double(Offset[i]) + origin[i];
-        result[i] = static_cast<float>(std::floor((fixed + point[i]) * pixels[i] + 0.5) / pixels[i] - fixed);
+        result[i] = static_cast<float>(std::floor((fixed + point[i]) * dots[i] + 0.5) / dots[i] - fixed);
     }
     return result;
 }
@@ -338,7 +345,7 @@ void TRenderer::DrawLine(const TVector2& from, const TVector2& to, float width)
 
 void TRenderer::DrawCurve(const TVector2* bezier, float width)
 {
-    const int parts = GetNumCurveParts(bezier, Scale, 1.0f);
+    const int parts = GetNumCurveParts(bezier, GetResolution(), 1.0f);
     CurvePoints.clear();
     CurvePoints.reserve(parts + 1);
     for (int i = 0; i <= parts; ++i)

@@ -15,7 +15,8 @@ struct TClipRectangle
 };
 
 // Draws the tree of render objects into a window, at twice its size and then scaled down. World units times
-// Scale are pixels; y grows downwards; Offset is added to a world place before scaling.
+// Scale are pixels, as TRenderWindow tells them from the screen's dots; y grows downwards; Offset is added to
+// a world place before scaling.
 class TRenderer
 {
 public:
@@ -36,7 +37,10 @@ public:
     void SetScale(const TVector2& scale) { Scale = scale; }
     const TVector2& GetOffset() const { return Offset; }
     const TVector2& GetScale() const { return Scale; }
-    TVector2 PixelToWorld(int x, int y) const;
+    TVector2 PixelToWorld(double x, double y) const;
+    // Dots to a world unit, of the window that is being drawn: what fine detail is made for, while Scale is
+    // what a person sees of a size.
+    TVector2 GetResolution() const;
 
     // Relative to the origin on top.
     void PushOrigin(const TVector2& delta);
@@ -50,7 +54,7 @@ public:
 
     // The one place that maps a point, relative to the current origin, to clip space.
     TVector2 ToClip(const TVector2& point) const;
-    // The nearest place for the start of a text, so that it looks sharp: across on a pixel of the doubled
+    // The nearest place for the start of a text, so that it looks sharp: across on a dot of the doubled
     // target, down on one of the window.
     TVector2 Snap(const TVector2& point) const;
     // Red, green, blue, alpha, for the vertices that follow; each may have its own.
@@ -75,12 +79,13 @@ public:
     // Draw calls of the last frame.
     int GetNumCalls() const { return Batch.GetNumCalls(); }
 
-    // Pixels of the target to one of the window, across and down.
+    // Dots of the target to one of the window, across and down.
     int GetSupersampling() const { return Supersampling; }
+    // Of the window, in dots.
     int GetWidth() const { return Width; }
     int GetHeight() const { return Height; }
     const vector<TClipRectangle>& GetWindowStack() const { return WindowStack; }
-    // The scissor rectangle last set, in pixels of the doubled target: x, y from the bottom, width, height.
+    // The scissor rectangle last set, in dots of the doubled target: x, y from the bottom, width, height.
     const int* GetScissor() const { return Scissor; }
 
 private:
@@ -98,7 +103,8 @@ private:
     unsigned ColourTexture = 0;
     TVector2 Offset = TVector2(0, 0);
     TVector2 Scale = TVector2(1, 1);
-    TVector2 PixelToClip = TVector2(0, 0);
+    double DotsPerPixel = 1;
+    TVector2 WorldToClip = TVector2(0, 0);
     vector<TClipRectangle> WindowStack;
     vector<TVector2> OriginStack;
     int Width = 0;

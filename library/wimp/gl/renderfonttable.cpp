@@ -12,30 +12,32 @@
 namespace {
 // Zooms are seldom exact.
 constexpr float ResolutionSlack = 0.02f;
+constexpr float FinestAtlas = 8.0f;
 
-float ToGrid(double value, double step)
+double ToGrid(double value, double step)
 {
-    return static_cast<float>(std::floor(value / step + 0.5) * step);
+    return std::floor(value / step + 0.5) * step;
 }
 
-// At these zooms the pixels of a picture are those of the window, as the font's makers meant them to be seen.
+// At these zooms the texels of a picture are the dots of the window, as the font's makers meant them to be
+// seen.
 bool IsWholeZoom(const TVector2& scale)
 {
     return scale[0] == scale[1] && (scale[0] == 1.0f || scale[0] == 2.0f || scale[0] == 4.0f);
 }
 
-// Across, as well as down, on a pixel of the window.
-float SnapAcross(const TRenderer& renderer, float place)
+// Across, as well as down, on a dot of the window.
+double SnapAcross(const TRenderer& renderer, float place)
 {
     const double fixed = double(renderer.GetOffset()[0]) + renderer.GetOrigin()[0];
-    return static_cast<float>(ToGrid(fixed + place, 1.0 / renderer.GetScale()[0]) - fixed);
+    return ToGrid(fixed + place, 1.0 / renderer.GetResolution()[0]) - fixed;
 }
 } // namespace
 
 TRenderFont::~TRenderFont()
 {
-    for (TFontAtlas* atlas : Finer)
-        delete atlas;
+    for (const TFinerAtlas& finer : Finer)
+        delete finer.Atlas;
 }
 
 bool TRenderFont::Build(FT_LibraryRec_* library, const char* path)
@@ -60,23 +62,38 @@ void TRenderFont::GetTextSize(const char* text, TVector2& size) const
     size = TVector2(static_cast<float>(width), static_cast<float>(Atlas.GetCellHeight()));
 }
 
-TFontAtlas& TRenderFont::GetDrawnAtlas(float resolution, int& texelsPerUnit)
+TFontAtlas* TRenderFont::GetFinerAtlas(float texelsPerUnit)
 {
+    // Boxes have no file that finer ones could be drawn from.
+    if (Path.IsEmpty() || texelsPerUnit > FinestAtlas)
+        return nullptr;
+    for (const TFinerAtlas& finer : Finer)
+        if (finer.TexelsPerUnit == texelsPerUnit)
+            return finer.Atlas;
+    TFontAtlas* atlas = new TFontAtlas;
+    // The size may be too large for a texture.
+    if (!atlas->Build(Library, Path, Size * texelsPerUnit, 1)) {
+        delete atlas;
+        atlas = nullptr;
+    }
+    Finer.push_back(TFinerAtlas{texelsPerUnit, atlas});
+    return atlas;
+}
+
+TFontAtlas& TRenderFont::GetDrawnAtlas(float resolution, bool wantsExact, float& texelsPerUnit)
+{
+    TFontAtlas* exact = wantsExact && resolution > 1.0f ? GetFinerAtlas(resolution) : nullptr;
+    if (exact != nullptr) {
+        texelsPerUnit = resolution;
+        return *exact;
+    }
     texelsPerUnit = 1;
     TFontAtlas* atlas = &Atlas;
-    // Boxes have no file that finer ones could be drawn from.
-    const int numFiner = Path.IsEmpty() ? 0 : NumFinerAtlases;
-    for (int i = 0; i < numFiner && float(texelsPerUnit) + ResolutionSlack < resolution; ++i) {
-        if (Finer[i] == nullptr) {
-            Finer[i] = new TFontAtlas;
-            // A size too large for a texture: the coarser one has to do.
-            if (!Finer[i]->Build(Library, Path, Size * float(2 * texelsPerUnit), 1)) {
-                delete Finer[i];
-                Finer[i] = nullptr;
-                break;
-            }
-        }
-        atlas = Finer[i];
+    while (texelsPerUnit + ResolutionSlack < resolution) {
+        TFontAtlas* finer = GetFinerAtlas(2 * texelsPerUnit);
+        if (finer == nullptr)
+            break;
+        atlas = finer;
         texelsPerUnit *= 2;
     }
     return *atlas;
@@ -87,20 +104,21 @@ void TRenderFont::DrawText(TRenderer& renderer, const TVector2& position, const 
 {
     if (text == nullptr || *text == 0)
         return;
-    int texels = 1;
+    float texels = 1;
     const bool whole = IsWholeZoom(renderer.GetScale());
-    const float resolution = renderer.GetScale()[0] * float(whole ? 1 : renderer.GetSupersampling());
-    TFontAtlas& atlas = GetDrawnAtlas(resolution, texels);
-    const bool exact = resolution == float(texels) && renderer.GetScale()[1] == renderer.GetScale()[0];
+    const float resolution = renderer.GetResolution()[0] * float(whole ? 1 : renderer.GetSupersampling());
+    TFontAtlas& atlas = GetDrawnAtlas(resolution, whole, texels);
+    const bool exact = resolution == texels && renderer.GetScale()[1] == renderer.GetScale()[0];
     const unsigned texture = atlas.GetTexture(renderer, exact);
     // Only a filter reaches beyond a picture's edge.
     const int margin = exact ? 0 : atlas.GetMargin();
     const double step = 1.0 / texels;
-    // The base line stands on a whole pixel of the window, the pen on one of the target.
+    // The base line stands on a whole dot of the window, the pen on one of the target.
     const TVector2 start =
         renderer.Snap(TVector2(position[0], position[1] - static_cast<float>(Atlas.GetBoxMin()[1])));
     const float baseLine = start[1];
-    float pen = whole ? SnapAcross(renderer, start[0]) : start[0];
+    const double left = whole ? SnapAcross(renderer, start[0]) : start[0];
+    int pen = 0;
 
     renderer.Begin(PR_QUADS, texture, GetTintProgram(), colour);
     for (const char* at = text; *at != 0; ++at) {
@@ -113,8 +131,8 @@ void TRenderFont::DrawText(TRenderer& renderer, const TVector2& position, const 
             int v = 0;
             atlas.GetPlace(glyph, u, v);
             // The finer picture stands in the middle of the space that the measures give the character.
-            const float shift = ToGrid((measure->Advance - glyph.Advance * step) * 0.5, step);
-            const TVector2 min(static_cast<float>(pen + shift + (glyph.BearingX - margin) * step),
+            const double place = ToGrid(pen + (measure->Advance - glyph.Advance * step) * 0.5, step);
+            const TVector2 min(static_cast<float>(left + place + (glyph.BearingX - margin) * step),
                                static_cast<float>(baseLine + (glyph.BearingY - margin) * step));
             const int width = glyph.Width + 2 * margin;
             const int height = glyph.Height + 2 * margin;
@@ -129,7 +147,7 @@ void TRenderFont::DrawText(TRenderer& renderer, const TVector2& position, const 
             renderer.Vertex(max, TVector2(u1, v1));
             renderer.Vertex(TVector2(min[0], max[1]), TVector2(u0, v1));
         }
-        pen += static_cast<float>(measure->Advance);
+        pen += measure->Advance;
     }
     renderer.End();
 }

@@ -28,18 +28,27 @@ public:
     void DrawText(TRenderer& renderer, const TVector2& position, const char* text, const TVector4& colour);
 
 private:
-    static constexpr int NumFinerAtlases = 3;
+    // Of more texels to a world unit than the first one.
+    struct TFinerAtlas
+    {
+        float TexelsPerUnit;
+        // Null where there can be none.
+        TFontAtlas* Atlas;
+    };
 
-    // The atlas for so many pixels of the target to a world unit, and how many texels it has to one.
-    TFontAtlas& GetDrawnAtlas(float resolution, int& texelsPerUnit);
+    // Null if there can be none so fine.
+    TFontAtlas* GetFinerAtlas(float texelsPerUnit);
+    // The atlas for so many dots of the target to a world unit, and how many texels it has to one: just as
+    // many if that is wanted and can be, otherwise enough.
+    TFontAtlas& GetDrawnAtlas(float resolution, bool wantsExact, float& texelsPerUnit);
 
     uint32_t Name;
     float Size;
     FT_LibraryRec_* Library = nullptr;
     TString Path;
     TFontAtlas Atlas;
-    // Of twice, four and eight times the size; made when first needed.
-    TFontAtlas* Finer[NumFinerAtlases] = {};
+    // Made when first needed: of twice, four and eight times the size, and for the scales of screens.
+    vector<TFinerAtlas> Finer;
 };
 
 // The fonts of the run, shared by name and size.

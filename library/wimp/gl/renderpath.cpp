@@ -242,7 +242,7 @@ void TRenderPath::FillTriangles()
 void TRenderPath::Render(TRenderer& renderer, const TVector2& offset, const TVector2& scale,
                          float tessellation)
 {
-    GetPoints(renderer.GetScale(), tessellation);
+    GetPoints(renderer.GetResolution(), tessellation);
     if (Closed && Filled)
         RenderFill(renderer, offset, scale);
     if (Width > 0.0f)

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
-// What a window hears of. Places and sizes are pixels of the window's client area.
+// What a window hears of. Places and sizes are pixels of the window's client area; TRenderWindow tells what a
+// pixel is.
 enum TMessageType
 {
     MT_PAINT,
@@ -75,9 +77,10 @@ class TGDIContext;
 struct TMessage
 {
     TMessageType Type = MT_PAINT;
-    // The pointer; for MT_SIZE the new size; for MT_SCROLL, X is the new position.
-    int X = 0;
-    int Y = 0;
+    // The pointer, on a scaled screen between two pixels too; for MT_SIZE the new size; for MT_SCROLL, X is
+    // the new position.
+    double X = 0;
+    double Y = 0;
     // 120 for a notch of the wheel, away from the user.
     int Delta = 0;
     // For key messages.
@@ -91,4 +94,8 @@ struct TMessage
     int KeyFlags = 0;
     // For MT_PAINT of a window that is not drawn by OpenGL.
     TGDIContext* Context = nullptr;
+
+    // The pixel that the pointer is in.
+    int GetPixelX() const { return static_cast<int>(std::floor(X)); }
+    int GetPixelY() const { return static_cast<int>(std::floor(Y)); }
 };

@@ -116,16 +116,25 @@ bool TDocGraphHeader::OnMessage(const TMessage& message)
         Paint(*message.Context);
         return true;
     case MT_SIZE:
-        DocWindow->GetGraph().MoveTo(0, Height, message.X, message.Y > Height ? message.Y - Height : 0);
+        LayoutGraph();
         return true;
     case MT_LEFTUP:
         // The document may have dropped its schedule meanwhile.
         OnGraphChanged();
-        OnTab(FindTab(message.X, message.Y));
+        OnTab(FindTab(message.GetPixelX(), message.GetPixelY()));
         return true;
     default:
         return false;
     }
+}
+
+// The graph has all that the strip leaves.
+void TDocGraphHeader::LayoutGraph()
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    DocWindow->GetGraph().MoveTo(0, Height, width, height > Height ? height - Height : 0);
 }
 
 void TDocGraphHeader::GetTabEdges(int tab, int& left, int& right) const

@@ -29,6 +29,7 @@ public:
 
 private:
     static void OnGraphChanged(void* data);
+    void LayoutGraph();
     void Paint(TGDIContext& context) const;
     void OnTab(int tab);
 

@@ -70,14 +70,14 @@ bool TDocTool::OnMessage(const TMessage& message)
         ScrollTo(ScrollY);
         return true;
     case MT_SCROLL:
-        ScrollTo(message.X);
+        ScrollTo(message.GetPixelX());
         return true;
     case MT_WHEEL:
         // In lines of the scroll bar.
         ScrollTo(ScrollY - message.Delta * ScrollLine / 64);
         return true;
     case MT_LEFTDOWN:
-        OnLeftDown(message.X, message.Y);
+        OnLeftDown(message.GetPixelX(), message.GetPixelY());
         return true;
     case MT_FOCUSGAINED:
         DocWindow->Activate();

@@ -259,7 +259,7 @@ TGraphWindow* TDocumentWindows::FindGraph(const TRenderer& renderer) const
     return nullptr;
 }
 
-void TDocumentWindows::EdgeScroll(TRenderer& renderer, int x, int y)
+void TDocumentWindows::EdgeScroll(TRenderer& renderer, double x, double y)
 {
     if (TGraphWindow* graph = FindGraph(renderer))
         graph->EdgeScroll(x, y);

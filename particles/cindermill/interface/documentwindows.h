@@ -48,7 +48,7 @@ public:
 
     // The graph's render objects'.
     void RedrawGraphs() override;
-    void EdgeScroll(TRenderer& renderer, int x, int y) override;
+    void EdgeScroll(TRenderer& renderer, double x, double y) override;
     void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override;
     void EndDrag(TRenderer& renderer) override;
 

@@ -35,7 +35,7 @@ void GetNextPlace(TWindowParams& params)
     cascade = (cascade + Step) & 255;
 }
 
-bool IsInside(const TWindow& window, int x, int y)
+bool IsInside(const TWindow& window, double x, double y)
 {
     int width = 0;
     int height = 0;
@@ -165,7 +165,7 @@ void TDocWindow::ShowCursor(TCursor cursor)
     SetCursor(cursor);
 }
 
-bool TDocWindow::IsOverGraph(int x, int y, int& graphX, int& graphY) const
+bool TDocWindow::IsOverGraph(double x, double y, double& graphX, double& graphY) const
 {
     graphX = x;
     graphY = y;
@@ -174,12 +174,12 @@ bool TDocWindow::IsOverGraph(int x, int y, int& graphX, int& graphY) const
     return IsInside(*this, x, y) && IsInside(Graph, graphX, graphY);
 }
 
-void TDocWindow::OnMouseMove(int x, int y, int buttons)
+void TDocWindow::OnMouseMove(double x, double y, int buttons)
 {
     if (DragType == nullptr)
         return;
-    int graphX = 0;
-    int graphY = 0;
+    double graphX = 0;
+    double graphY = 0;
     const bool isOver = IsOverGraph(x, y, graphX, graphY);
     if ((buttons & MB_LEFT) == 0) {
         const TNodeType& type = *DragType;
@@ -199,7 +199,7 @@ void TDocWindow::OnMouseMove(int x, int y, int buttons)
 }
 
 // The keys are for the new node now, no longer for the palette.
-void TDocWindow::DropType(int x, int y, const TNodeType& type)
+void TDocWindow::DropType(double x, double y, const TNodeType& type)
 {
     const TVector2 point = Graph.PixelToWorld(x, y);
     Graph.TakeFocus();

@@ -19,7 +19,7 @@ public:
     bool Create(TDocument& document, TWindow* frame);
     bool OnMessage(const TMessage& message) override;
     // The drag of a node type.
-    void OnMouseMove(int x, int y, int buttons) override;
+    void OnMouseMove(double x, double y, int buttons) override;
     void OnCaptureLost() override { CancelDrag(); }
 
     // The mouse carries the type until it is released, in this window's graph to add a node.
@@ -50,9 +50,9 @@ public:
 private:
     bool CreateFrame(TWindow* frame);
     bool OnWheel(const TMessage& message);
-    bool IsOverGraph(int x, int y, int& graphX, int& graphY) const;
+    bool IsOverGraph(double x, double y, double& graphX, double& graphY) const;
     void ShowCursor(TCursor cursor);
-    void DropType(int x, int y, const TNodeType& type);
+    void DropType(double x, double y, const TNodeType& type);
 
     TDocumentWindows& Windows;
     TSplitWindow Split;

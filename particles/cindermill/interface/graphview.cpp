@@ -12,7 +12,7 @@ float Limit(float value, float min, float max)
 }
 
 // How far a place that lies the distance inside of an edge reaches into the edge's margin, or through it.
-int GetDepth(int distance, int margin)
+double GetDepth(double distance, int margin)
 {
     constexpr int MaxDepth = 100;
     if (distance >= margin)
@@ -22,13 +22,13 @@ int GetDepth(int distance, int margin)
 
 } // namespace
 
-TVector2 TGraphView::PixelToWorld(int x, int y) const
+TVector2 TGraphView::PixelToWorld(double x, double y) const
 {
-    return TVector2(static_cast<float>(double(x) / Scale[0] - Offset[0]),
-                    static_cast<float>(double(y) / Scale[1] - Offset[1]));
+    return TVector2(static_cast<float>(x / Scale[0] - Offset[0]),
+                    static_cast<float>(y / Scale[1] - Offset[1]));
 }
 
-void TGraphView::Zoom(int x, int y, int delta)
+void TGraphView::Zoom(double x, double y, int delta)
 {
     constexpr double PerDelta = 0.0005;
     constexpr double MinLengthSquared = 0.02;
@@ -41,34 +41,34 @@ void TGraphView::Zoom(int x, int y, int delta)
         Scale = TVector2(0.1f, 0.1f);
     else if (lengthSquared > MaxLengthSquared)
         Scale = TVector2(7.0f, 7.0f);
-    Offset = TVector2(static_cast<float>(double(x) / Scale[0] - fixed[0]),
-                      static_cast<float>(double(y) / Scale[1] - fixed[1]));
+    Offset =
+        TVector2(static_cast<float>(x / Scale[0] - fixed[0]), static_cast<float>(y / Scale[1] - fixed[1]));
 }
 
-void TGraphView::GetPanStart(int x, int y, int* start) const
+void TGraphView::GetPanStart(double x, double y, int* start) const
 {
     start[0] = FloatToInt(x - double(Offset[0]) * Scale[0]);
     start[1] = FloatToInt(y - double(Offset[1]) * Scale[1]);
 }
 
-void TGraphView::PanTo(int x, int y, const int* start)
+void TGraphView::PanTo(double x, double y, const int* start)
 {
-    Offset = TVector2(static_cast<float>((double(x) - start[0]) / Scale[0]),
-                      static_cast<float>((double(y) - start[1]) / Scale[1]));
+    Offset = TVector2(static_cast<float>((x - start[0]) / Scale[0]),
+                      static_cast<float>((y - start[1]) / Scale[1]));
 }
 
-bool TGraphView::ScrollAtEdge(int x, int y, int width, int height, int& margin)
+bool TGraphView::ScrollAtEdge(double x, double y, int width, int height, int& margin)
 {
     constexpr double Slowness = 10.0;
     constexpr int Growth = 2;
     constexpr int MaxMargin = 20;
-    const int pixel[2] = {x, y};
+    const double pixel[2] = {x, y};
     const int size[2] = {width, height};
     const int reach = margin;
     bool moved = false;
     for (int axis = 0; axis < 2; ++axis) {
-        const int depths[2] = {GetDepth(pixel[axis], reach), -GetDepth(size[axis] - pixel[axis], reach)};
-        for (const int depth : depths) {
+        const double depths[2] = {GetDepth(pixel[axis], reach), -GetDepth(size[axis] - pixel[axis], reach)};
+        for (const double depth : depths) {
             if (depth == 0)
                 continue;
             Offset[axis] = static_cast<float>(Offset[axis] + depth / (Scale[axis] * Slowness));

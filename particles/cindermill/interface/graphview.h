@@ -14,16 +14,16 @@ public:
 
     const TVector2& GetOffset() const { return Offset; }
     const TVector2& GetScale() const { return Scale; }
-    TVector2 PixelToWorld(int x, int y) const;
+    TVector2 PixelToWorld(double x, double y) const;
 
     // By the wheel's delta; the world point under the pixel stays there.
-    void Zoom(int x, int y, int delta);
+    void Zoom(double x, double y, int delta);
     // What a pan keeps from its first pixel on, and where it leads to at a later one.
-    void GetPanStart(int x, int y, int* start) const;
-    void PanTo(int x, int y, const int* start);
+    void GetPanStart(double x, double y, int* start) const;
+    void PanTo(double x, double y, const int* start);
     // Scrolls towards the edges that the pixel lies close to or beyond. The margin grows while a drag scrolls
     // sideways. False if nothing moved.
-    bool ScrollAtEdge(int x, int y, int width, int height, int& margin);
+    bool ScrollAtEdge(double x, double y, int width, int height, int& margin);
 
     TVector2 GetCentre(int width, int height) const;
     void SetCentre(const TVector2& centre, const TVector2& scale, int width, int height);

@@ -12,11 +12,12 @@
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
-#include <cstdlib>
+#include <cmath>
 
 namespace {
 
 constexpr int IconId = 101;
+constexpr TGDIColour Paper = 0xFFFFF2;
 constexpr int MenuFocusNodeGroup = 40215;
 constexpr int MenuInsertNode = 40217;
 
@@ -27,7 +28,7 @@ TWindowClass& GetWindowClass()
 {
     static TWindowClass windowClass("cindermill_docwindow");
     if (!windowClass.IsRegistered())
-        windowClass.Register(IconId, 0xFFFFFF, true);
+        windowClass.Register(IconId, Paper, true);
     return windowClass;
 }
 
@@ -240,7 +241,7 @@ void TGraphWindow::OnRightUp(const TMessage& message)
     ContextNode = object->GetToolNode();
     TMenu menu;
     FillContextMenu(menu);
-    menu.Track(*this, message.X, message.Y);
+    menu.Track(*this, message.GetPixelX(), message.GetPixelY());
 }
 
 void TGraphWindow::FillContextMenu(TMenu& menu)
@@ -291,12 +292,12 @@ void TGraphWindow::ShowView(const TGraphView& view)
     Redraw();
 }
 
-void TGraphWindow::OnMouseMove(int x, int y, int buttons)
+void TGraphWindow::OnMouseMove(double x, double y, int buttons)
 {
     if (State == GS_PANNING) {
         if ((buttons & GetPanMask()) == 0) {
-            constexpr int ClickDistance = 2;
-            DraggedFar = abs(x - PixelStart[0]) > ClickDistance;
+            constexpr double ClickDistance = 2;
+            DraggedFar = std::fabs(x - PixelStart[0]) > ClickDistance;
             EndPan();
             return;
         }
@@ -317,7 +318,7 @@ void TGraphWindow::OnMouseMove(int x, int y, int buttons)
     }
 }
 
-void TGraphWindow::BeginPan(int x, int y)
+void TGraphWindow::BeginPan(double x, double y)
 {
     if (TWimp::Get().GetMouseDrag() != nullptr)
         return;
@@ -339,7 +340,7 @@ void TGraphWindow::EndPan()
     SetCursor(CU_CLASS);
 }
 
-void TGraphWindow::BeginBox(int x, int y)
+void TGraphWindow::BeginBox(double x, double y)
 {
     State = GS_BOXSELECT;
     SelBox.Begin(PixelToWorld(x, y));
@@ -392,7 +393,7 @@ bool TGraphWindow::CancelDrag()
     return false;
 }
 
-void TGraphWindow::EdgeScroll(int x, int y)
+void TGraphWindow::EdgeScroll(double x, double y)
 {
     int width = 0;
     int height = 0;
@@ -409,7 +410,7 @@ void TGraphWindow::BuildGhost(const TNodeType& type)
     GhostNode.BuildFor(type);
 }
 
-void TGraphWindow::ShowGhost(int x, int y)
+void TGraphWindow::ShowGhost(double x, double y)
 {
     GhostPosition = PixelToWorld(x, y) - GhostNode.GetSize() * 0.5f;
     GhostNode.SetOrigin(GhostPosition);

@@ -33,7 +33,7 @@ public:
     bool OnMessage(const TMessage& message) override;
     void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
     // The pan, or the box of a selection.
-    void OnMouseMove(int x, int y, int buttons) override;
+    void OnMouseMove(double x, double y, int buttons) override;
     void OnCaptureLost() override { CancelDrag(); }
 
     // Shows all of the nodes. Asserts "!nodes.empty()".
@@ -44,19 +44,19 @@ public:
     void OnDrop(int x, int y, const char* path);
 
     // During a drag: scrolls if the pixel lies close to an edge.
-    void EdgeScroll(int x, int y);
+    void EdgeScroll(double x, double y);
     // The view stays where it is now.
     void StopFocus() { ViewFocus.Stop(); }
     // The picture of a type that is being dragged in, around a pixel.
     void BuildGhost(const TNodeType& type);
-    void ShowGhost(int x, int y);
+    void ShowGhost(double x, double y);
     void HideGhost();
     bool IsGhostShown() const { return GhostShown; }
     const TVector2& GetGhostPosition() const { return GhostPosition; }
     // Ends a pan or a box without effect. False if none runs.
     bool CancelDrag();
 
-    TVector2 PixelToWorld(int x, int y) const { return GetView().PixelToWorld(x, y); }
+    TVector2 PixelToWorld(double x, double y) const { return GetView().PixelToWorld(x, y); }
     TGraphView GetView() const { return TGraphView(Renderer.GetOffset(), Renderer.GetScale()); }
     // A running pan goes on from there.
     void SetView(const TGraphView& view);
@@ -79,9 +79,9 @@ private:
     bool OnEscape();
     void OnWheel(const TMessage& message);
     void ShowView(const TGraphView& view);
-    void BeginPan(int x, int y);
+    void BeginPan(double x, double y);
     void EndPan();
-    void BeginBox(int x, int y);
+    void BeginBox(double x, double y);
     void EndBox();
     void SelectInBox();
 
@@ -89,9 +89,9 @@ private:
     TRenderer Renderer;
     TState State = GS_IDLE;
     int PanStart[2] = {};
-    int PixelStart[2] = {};
+    double PixelStart[2] = {};
     // Where the pan has come to.
-    int PixelNow[2] = {};
+    double PixelNow[2] = {};
     // The pan moved so far that the release of its button is no click.
     bool DraggedFar = false;
     TSelBoxRender SelBox;

@@ -14,6 +14,7 @@
 #include <QtWidgets/QMdiSubWindow>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QScrollBar>
 
 #include <memory>
 
@@ -77,6 +78,28 @@ protected:
         child.Show();
         Settle();
         return true;
+    }
+
+    QMdiArea* Area() { return qobject_cast<QMdiArea*>(Main()->centralWidget()); }
+    static QMdiSubWindow* FrameOf(TWindow& child)
+    {
+        return qobject_cast<QMdiSubWindow*>(child.GetHandle()->parentWidget());
+    }
+    void Cascade()
+    {
+        Frame.Cascade();
+        Settle();
+    }
+    // Some of it, at the left, where the title begins.
+    bool ShowsItsTitle(TWindow& child)
+    {
+        const QMdiSubWindow* frame = FrameOf(child);
+        const QWidget* at = Area()->viewport()->childAt(frame->pos() + QPoint(40, 12));
+        return at != nullptr && (at == frame || frame->isAncestorOf(at));
+    }
+    bool IsInTheArea(TWindow& child)
+    {
+        return QRect(QPoint(0, 0), Area()->viewport()->size()).contains(FrameOf(child)->geometry());
     }
 
     QMainWindow* Main() { return qobject_cast<QMainWindow*>(Frame.GetHandle()); }
@@ -369,4 +392,96 @@ TEST_F(TMDIFrameTest, TheScreenHasASize)
     TMDIFrame::GetScreenSize(width, height);
     EXPECT_GE(width, 640);
     EXPECT_GE(height, 480);
+}
+
+TEST_F(TMDIFrameTest, ACascadeShowsAllTitlesAndLeavesEachWindowASensibleSize)
+{
+    TRecordingWindow children[4];
+    const char* const titles[] = {"a.effect", "b.effect", "c.effect", "d.effect"};
+    for (int i = 0; i < 4; ++i)
+        ASSERT_TRUE(MakeChild(children[i], titles[i]));
+    children[0].MoveTo(700, 20, 1500, 1200);
+    children[1].BringToTop();
+    Settle();
+    Cascade();
+    EXPECT_FALSE(Area()->horizontalScrollBar()->isVisible());
+    const QSize size = FrameOf(children[0])->size();
+    EXPECT_GE(size.width(), Area()->width() / 2);
+    EXPECT_GE(size.height(), Area()->height() / 2);
+    for (TWindow& child : children) {
+        EXPECT_EQ(FrameOf(child)->size(), size);
+        EXPECT_TRUE(IsInTheArea(child));
+        EXPECT_TRUE(ShowsItsTitle(child));
+        // What the window shows fills its frame.
+        EXPECT_GE(child.GetHandle()->height(), size.height() - 50);
+    }
+    // The one in front stays there.
+    EXPECT_EQ(Frame.GetActiveChild(), &children[1]);
+    EXPECT_GT(FrameOf(children[1])->y(), FrameOf(children[3])->y());
+}
+
+TEST_F(TMDIFrameTest, ACascadeRestoresAMaximisedWindow)
+{
+    TRecordingWindow children[3];
+    for (TRecordingWindow& child : children)
+        ASSERT_TRUE(MakeChild(child, "x.effect"));
+    FrameOf(children[2])->showMaximized();
+    Settle();
+    Cascade();
+    for (TWindow& child : children) {
+        EXPECT_FALSE(FrameOf(child)->isMaximized());
+        EXPECT_GE(FrameOf(child)->height(), Area()->height() / 2);
+        EXPECT_TRUE(ShowsItsTitle(child));
+        EXPECT_TRUE(IsInTheArea(child));
+    }
+    EXPECT_EQ(Frame.GetActiveChild(), &children[2]);
+}
+
+TEST_F(TMDIFrameTest, ACascadeKeepsMinimisedWindowsInSightAtTheBottom)
+{
+    TRecordingWindow children[7];
+    for (TRecordingWindow& child : children)
+        ASSERT_TRUE(MakeChild(child, "x.effect"));
+    // More than one row of them.
+    for (int i = 0; i < 5; ++i)
+        FrameOf(children[i])->showMinimized();
+    Settle();
+    Cascade();
+    for (int i = 0; i < 7; ++i) {
+        EXPECT_EQ(FrameOf(children[i])->isMinimized(), i < 5) << i;
+        EXPECT_TRUE(ShowsItsTitle(children[i])) << i;
+        EXPECT_TRUE(IsInTheArea(children[i])) << i;
+    }
+    EXPECT_GE(FrameOf(children[5])->height(), Area()->height() / 2);
+    EXPECT_GT(FrameOf(children[0])->y(), FrameOf(children[5])->geometry().bottom());
+    // A window that is opened again has the size that it had.
+    children[0].BringToTop();
+    Settle();
+    EXPECT_EQ(FrameOf(children[0])->size(), QSize(400, 300));
+}
+
+TEST_F(TMDIFrameTest, ACascadeOfManyWindowsBeginsAgainBesideTheFirstOnes)
+{
+    std::vector<std::unique_ptr<TRecordingWindow>> children;
+    for (int i = 0; i < 40; ++i) {
+        children.push_back(std::make_unique<TRecordingWindow>());
+        ASSERT_TRUE(MakeChild(*children.back(), "x.effect"));
+    }
+    Cascade();
+    for (const auto& child : children) {
+        EXPECT_TRUE(ShowsItsTitle(*child)) << FrameOf(*child)->x() << " " << FrameOf(*child)->y();
+        EXPECT_TRUE(IsInTheArea(*child));
+        EXPECT_GE(FrameOf(*child)->width(), 200);
+        EXPECT_GE(FrameOf(*child)->height(), 150);
+    }
+}
+
+TEST_F(TMDIFrameTest, ACascadeOfNothingDoesNothing)
+{
+    Cascade();
+    TRecordingWindow child;
+    ASSERT_TRUE(MakeChild(child, "x.effect"));
+    FrameOf(child)->showMinimized();
+    Cascade();
+    EXPECT_TRUE(FrameOf(child)->isMinimized());
 }

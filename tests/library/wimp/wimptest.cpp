@@ -39,7 +39,7 @@ public:
 
 class TNoDrag : public TMouseDrag
 {
-    void OnMouseMove(int, int, int) override {}
+    void OnMouseMove(double, double, int) override {}
 };
 
 double Elapsed(const std::chrono::steady_clock::time_point& since)

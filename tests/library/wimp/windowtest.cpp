@@ -28,13 +28,13 @@ class TRecordedDrag : public TMouseDrag
 public:
     TRecordedDrag() { TWimp::Get().SetMouseDrag(this); }
     ~TRecordedDrag() override { TWimp::Get().ClearMouseDrag(); }
-    void OnMouseMove(int x, int y, int buttons) override
+    void OnMouseMove(double x, double y, int buttons) override
     {
-        Calls.push_back({x, y, buttons});
+        Calls.push_back({x, y, static_cast<double>(buttons)});
         if (Action)
             Action();
     }
-    std::vector<std::array<int, 3>> Calls;
+    std::vector<std::array<double, 3>> Calls;
     std::function<void()> Action;
 };
 
@@ -242,8 +242,8 @@ TEST_F(TWindowClassTest, ADragGetsPressMoveAndReleaseFirst)
     QTest::mouseMove(Widget(), QPoint(15, 25));
     QTest::mouseRelease(Widget(), Qt::LeftButton, {}, QPoint(16, 26));
     ASSERT_GE(drag.Calls.size(), 3u);
-    EXPECT_EQ(drag.Calls.front(), (std::array<int, 3>{10, 20, MB_LEFT}));
-    EXPECT_EQ(drag.Calls.back(), (std::array<int, 3>{16, 26, 0}));
+    EXPECT_EQ(drag.Calls.front(), (std::array<double, 3>{10, 20, MB_LEFT}));
+    EXPECT_EQ(drag.Calls.back(), (std::array<double, 3>{16, 26, 0}));
     EXPECT_EQ(heardBefore.front(), 0u);
     EXPECT_EQ(Window.Count(MT_LEFTDOWN), 1);
     EXPECT_EQ(Window.Count(MT_LEFTUP), 1);
@@ -264,7 +264,7 @@ TEST_F(TWindowClassTest, ADragHearsPixelsOfTheWindowThatCapturedTheMouse)
     QApplication::sendEvent(child.GetHandle(), &move);
     Window.ReleaseCapture();
     ASSERT_EQ(drag.Calls.size(), 1u);
-    EXPECT_EQ(drag.Calls[0], (std::array<int, 3>{107, 58, MB_LEFT}));
+    EXPECT_EQ(drag.Calls[0], (std::array<double, 3>{107, 58, MB_LEFT}));
 }
 
 TEST_F(TWindowClassTest, ADragMayCloseTheWindow)

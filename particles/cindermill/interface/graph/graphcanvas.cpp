@@ -191,7 +191,7 @@ void TGraphCanvas::CancelDrag()
     EndDrag();
 }
 
-void TGraphCanvas::OnMouseMove(int x, int y, int buttons)
+void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
 {
     if (!IsDragging())
         return;
@@ -327,7 +327,7 @@ TPort* TGraphCanvas::FindDropPort(const TVector2& point)
     return nullptr;
 }
 
-bool TGraphCanvas::IsInView(int x, int y) const
+bool TGraphCanvas::IsInView(double x, double y) const
 {
     int width = 0;
     int height = 0;

@@ -26,7 +26,7 @@ public:
     TRenderObject* HitTest(const TVector2& point) override;
     bool Event(const TRenderEvent& event) override;
     bool IsInputHome() const override { return true; }
-    void OnMouseMove(int x, int y, int buttons) override;
+    void OnMouseMove(double x, double y, int buttons) override;
     void OnCaptureLost() override { CancelDrag(); }
 
     // Deletes the selection, or ends a drag.
@@ -58,7 +58,7 @@ private:
     void MoveNodes(const TVector2& pointer);
     void FinishNodes();
     void PlaceNodes(int dx, int dy);
-    bool IsInView(int x, int y) const;
+    bool IsInView(double x, double y) const;
     void AimEdge(const TVector2& pointer, TPort* under);
     void FinishEdge(const TPort* under);
     void ConnectTo(const TPort& from, const TPort& to, TToolEdge* picked);

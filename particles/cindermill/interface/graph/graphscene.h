@@ -22,7 +22,7 @@ public:
     // All graph views of the document.
     virtual void RedrawGraphs() = 0;
     // Scrolls the view of the renderer if the pixel lies close to its edge; for running drags.
-    virtual void EdgeScroll(TRenderer& renderer, int x, int y) = 0;
+    virtual void EdgeScroll(TRenderer& renderer, double x, double y) = 0;
     // The mouse stays with the view of the renderer until it is released, as the framework's drag.
     virtual void BeginDrag(TRenderer& renderer, TMouseDrag& drag) = 0;
     virtual void EndDrag(TRenderer& renderer) = 0;

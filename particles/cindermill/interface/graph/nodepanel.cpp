@@ -288,7 +288,7 @@ void TNodePanel::Render(TRenderer& renderer)
 {
     if (Type == nullptr)
         return;
-    const float smoothness = GetNodeSmoothness(renderer.GetScale()[1]);
+    const float smoothness = GetNodeSmoothness(renderer.GetResolution()[1]);
     for (int i = 0; i < Paths.size(); ++i) {
         // The veil is the last, and lies over the labels too.
         if (GetRow(i).Paint == PP_VEIL)

@@ -57,7 +57,7 @@ void TPort::SetAimedAt(bool aimedAt)
 
 void TPort::Render(TRenderer& renderer)
 {
-    const float smoothness = Smoothness * GetNodeSmoothness(renderer.GetScale()[1]);
+    const float smoothness = Smoothness * GetNodeSmoothness(renderer.GetResolution()[1]);
     Disc.Render(renderer, TVector2(0, 0), TVector2(1, 1), smoothness);
     if (!Connected && !Marked)
         Hole.Render(renderer, TVector2(0, 0), TVector2(1, 1), smoothness);

@@ -153,13 +153,15 @@ void TParticleRenderWindow::Paint()
     NeedsRedraw = false;
     int width = 0;
     int height = 0;
-    GetSize(width, height);
+    GetDotSize(width, height);
     if (width <= 0 || height <= 0 || !MakeCurrent() || !InitGl())
         return;
     DropGlErrors();
     FlushGlDeletions();
     glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, GetFrameBuffer());
     glViewport(0, 0, width, height);
+    // Grids and displays are as bold on every screen.
+    glLineWidth(static_cast<float>(GetDotsPerPixel()));
     TMatrix4 worldView;
     TMatrix4 projection;
     Camera->GetView(worldView);

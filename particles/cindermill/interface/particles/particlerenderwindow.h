@@ -37,6 +37,6 @@ private:
     // A repaint has been asked for and has not come yet.
     bool NeedsRedraw = false;
     uint32_t LastUpdate = 0;
-    int LastX = 0;
-    int LastY = 0;
+    double LastX = 0;
+    double LastY = 0;
 };

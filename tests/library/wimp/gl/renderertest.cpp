@@ -552,3 +552,62 @@ TEST(TGlContext, InitGlWithoutAContextTellsWhy)
     EXPECT_TRUE(IsGlReady());
     EXPECT_STREQ(GetGlFault(), "");
 }
+
+TEST_F(TRendererTest, OnAScaledScreenPixelsAreDots)
+{
+    for (const double dots : {1.0, 1.25, 1.5, 2.0}) {
+        Window.DotsPerPixel = dots;
+        const TPicture picture = PaintWith([](TRenderer& renderer) { FillRed(renderer, 20, 40, 60, 100); });
+        const int left = static_cast<int>(20 * dots);
+        const int top = static_cast<int>(40 * dots);
+        const int right = static_cast<int>(60 * dots);
+        const int bottom = static_cast<int>(100 * dots) < Height ? static_cast<int>(100 * dots) : Height;
+        EXPECT_EQ(picture.At(left, top), Red) << dots;
+        EXPECT_EQ(picture.At(right - 1, bottom - 1), Red) << dots;
+        EXPECT_EQ(picture.Count(IsRed), (right - left) * (bottom - top)) << dots;
+        // The pointer is told in pixels.
+        EXPECT_EQ(Renderer.PixelToWorld(20, 40.5), TVector2(20, 40.5f));
+        EXPECT_EQ(Renderer.GetResolution(), TVector2(float(dots), float(dots)));
+    }
+}
+
+TEST_F(TRendererTest, OnAScaledScreenAllOfTheWindowIsDrawnToTheLastDot)
+{
+    TVector2 min;
+    TVector2 max;
+    for (const double dots : {1.25, 1.5, 1.75, 2.0})
+        // Sizes that are no whole number of pixels.
+        for (int size = 101; size < 106; ++size) {
+            Window.Resize(size, size + 20);
+            Window.DotsPerPixel = dots;
+            const TPicture picture = PaintWith([&](TRenderer& renderer) {
+                renderer.GetVisibleRect(min, max);
+                renderer.SetColour(RedColour);
+                renderer.DrawRectangle(min, max);
+            });
+            EXPECT_EQ(picture.Count(IsRed), size * (size + 20)) << dots << " " << size;
+            EXPECT_NEAR(max[0], size / dots, 1e-4) << dots;
+        }
+}
+
+TEST_F(TRendererTest, OnAScaledScreenTheScissorIsInDots)
+{
+    Window.DotsPerPixel = 1.5;
+    const auto scissor =
+        ScissorOf([](TRenderer& renderer) { renderer.PushWindow(TVector2(20, 10), TVector2(60, 50)); });
+    // From 30 and 15 to 90 and 75, doubled, counted from the bottom.
+    EXPECT_EQ(scissor, (std::vector<int>{60, (Height - 75) * 2, 120, 120}));
+}
+
+TEST_F(TRendererTest, AWindowThatComesToAnotherScreenIsDrawnForIt)
+{
+    const auto draw = [](TRenderer& renderer) { FillRed(renderer, 10, 20, 30, 50); };
+    EXPECT_EQ(PaintWith(draw).Count(IsRed), 20 * 30);
+    Window.DotsPerPixel = 2;
+    EXPECT_EQ(PaintWith(draw).Count(IsRed), 4 * 20 * 30);
+    Window.Resize(2 * Width, 2 * Height);
+    EXPECT_EQ(PaintWith(draw).Count(IsRed), 4 * 20 * 30);
+    Window.DotsPerPixel = 1;
+    Window.Resize(Width, Height);
+    EXPECT_EQ(PaintWith(draw).Count(IsRed), 20 * 30);
+}

@@ -7,6 +7,7 @@
 #include "library/wimp/gl/renderfonttable.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include <ft2build.h>
@@ -322,6 +323,65 @@ TEST_F(TGlTest, TextIsSharpAtTheOrdinaryZoom)
     // A pan by a fraction of a pixel does not change that.
     Renderer.SetOffset(TVector2(0.2f, 0.3f));
     EXPECT_GE(Paint(root).Count([](const TPixel& pixel) { return pixel.R < 70; }), 15);
+}
+
+// A font of so much times the size is what a screen of that scale shows of a font.
+TEST_F(TGlTest, OnAScaledScreenTextIsMadeOfTheScreensDots)
+{
+    for (const double dots : {1.25, 1.5, 1.75, 2.0, 3.0}) {
+        TFontInstance font;
+        TFontInstance large;
+        ASSERT_TRUE(font.Create(Arial, 12));
+        ASSERT_TRUE(large.Create(Arial, static_cast<float>(12 * dots)));
+        // One character at a time: how they follow each other is settled by the measures of the ordinary
+        // size.
+        for (const char* text : {"H", "x", "g", "W"}) {
+            TVector2 corner(0, 0);
+            auto ink = [&](const TFontInstance& drawn, double scale) {
+                Window.DotsPerPixel = scale;
+                TDrawnObject root(
+                    [&](TRenderer& renderer) { drawn.DrawText(renderer, TVector2(20, 20), text, Black); });
+                const TPicture picture = Paint(root);
+                std::vector<std::array<int, 3>> dotsDrawn;
+                int left = Width;
+                int top = Height;
+                for (int y = 0; y < Height; ++y)
+                    for (int x = 0; x < Width; ++x)
+                        if (picture.At(x, y).R < 250) {
+                            left = std::min(left, x);
+                            top = std::min(top, y);
+                            dotsDrawn.push_back({x, y, picture.At(x, y).R});
+                        }
+                for (std::array<int, 3>& dot : dotsDrawn) {
+                    dot[0] -= left;
+                    dot[1] -= top;
+                }
+                return dotsDrawn;
+            };
+            const auto scaled = ink(font, dots);
+            EXPECT_GT(scaled.size(), 20u);
+            EXPECT_EQ(scaled, ink(large, 1)) << text << " " << dots;
+        }
+    }
+}
+
+TEST_F(TGlTest, OnAScaledScreenALineOfTextIsAsLongAsItsMeasure)
+{
+    TFontInstance font;
+    ASSERT_TRUE(font.Create(Arial, 10));
+    const TVector2 size = SizeOf(font, "Emission HiliH");
+    for (const double dots : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+        Window.DotsPerPixel = dots;
+        TDrawnObject root(
+            [&](TRenderer& renderer) { font.DrawText(renderer, TVector2(5, 10), "Emission HiliH", Black); });
+        const TPicture picture = Paint(root);
+        int right = 0;
+        for (int y = 0; y < Height; ++y)
+            for (int x = 0; x < Width; ++x)
+                if (picture.At(x, y).R < 250)
+                    right = std::max(right, x);
+        EXPECT_NEAR(right / dots, 5 + size[0], 2) << dots;
+    }
 }
 
 TEST_F(TGlTest, TextTakesItsColour)

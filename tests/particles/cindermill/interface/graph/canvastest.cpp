@@ -115,7 +115,7 @@ TEST_F(TGraphCanvasTest, DuringADragPlacesChangeAtOnceAndNothingIsRecorded)
     Drag(TitleOf(node) + TVector2(30, 20));
     EXPECT_EQ(Object(node).GetOrigin(), TVector2(130, 120));
     EXPECT_EQ(NumOperations(), before);
-    EXPECT_EQ(Host.ScrolledAt, std::make_pair(160, 127));
+    EXPECT_EQ(Host.ScrolledAt, std::make_pair(160.0, 127.0));
     Release(TitleOf(node) + TVector2(30, 20));
     EXPECT_EQ(NumOperations(), before + 1);
 }

@@ -321,7 +321,7 @@ TEST_F(EdgeDrag, TheViewScrollsAtItsEdges)
     TToolNode* effect = Add("Effect", 100, 100);
     Press(Output(effect, "Time"));
     Drag(TVector2(795, 300));
-    EXPECT_EQ(Host.ScrolledAt, std::make_pair(795, 300));
+    EXPECT_EQ(Host.ScrolledAt, std::make_pair(795.0, 300.0));
     Canvas().CancelDrag();
 }
 

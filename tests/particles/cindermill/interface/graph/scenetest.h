@@ -21,6 +21,8 @@ public:
         width = 800;
         height = 600;
     }
+    void GetDotSize(int& width, int& height) const override { GetSize(width, height); }
+    double GetDotsPerPixel() const override { return 1; }
     void Redraw() override {}
     void TakeFocus() override { Focused = true; }
     bool HasFocus() const override { return Focused; }
@@ -57,7 +59,7 @@ public:
     void ForgetEdge(TToolEdge* edge) override { Scene->ForgetEdge(edge); }
 
     void RedrawGraphs() override { ++NumRedraws; }
-    void EdgeScroll(TRenderer&, int x, int y) override
+    void EdgeScroll(TRenderer&, double x, double y) override
     {
         ScrolledAt = {x, y};
         ++NumScrolls;
@@ -79,7 +81,7 @@ public:
     TGraphScene* Scene = nullptr;
     TRenderer* Captured = nullptr;
     TMouseDrag* Drag = nullptr;
-    std::pair<int, int> ScrolledAt;
+    std::pair<double, double> ScrolledAt;
     int NumRedraws = 0;
     int NumScrolls = 0;
     int NumDrags = 0;
