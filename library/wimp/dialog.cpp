@@ -75,7 +75,7 @@ public:
     int Run(int width, int height, int whenClosed)
     {
         Layout.addLayout(Buttons);
-        Dialog.resize(width, height);
+        ResizeDialog(Dialog, QSize(width, height));
         Chosen = whenClosed;
         const TModalScope modal;
         Dialog.exec();

@@ -74,6 +74,7 @@ public:
     bool Run(TString& path)
     {
         const TModalScope modal;
+        ResizeDialog(*this, size().expandedTo(sizeHint()));
         if (exec() != QDialog::Accepted || selectedFiles().isEmpty())
             return false;
         path = QFile::encodeName(QDir::toNativeSeparators(selectedFiles().constFirst())).constData();

@@ -2,6 +2,7 @@
 
 #include "library/wimp/wimp.h"
 
+#include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 
 QWidget* ModalParent()
@@ -9,6 +10,18 @@ QWidget* ModalParent()
     if (QWidget* modal = QApplication::activeModalWidget())
         return modal;
     return QApplication::activeWindow();
+}
+
+QSize GetScreenRoom(const QWidget& window)
+{
+    constexpr int FrameWidth = 16;
+    constexpr int FrameHeight = 40;
+    return window.screen()->availableSize() - QSize(FrameWidth, FrameHeight);
+}
+
+void ResizeDialog(QWidget& dialog, const QSize& size)
+{
+    dialog.resize(size.boundedTo(GetScreenRoom(dialog)));
 }
 
 void FreeMouse()

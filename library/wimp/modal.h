@@ -8,6 +8,11 @@
 // The window that a dialog stands in front of, or null.
 QWidget* ModalParent();
 
+// What a window of its own can have of its screen, a frame left out.
+QSize GetScreenRoom(const QWidget& window);
+// A dialog of the size, or as much of it as there is room for.
+void ResizeDialog(QWidget& dialog, const QSize& size);
+
 // While a loop of the window system runs inside other work: windows that go wait with their end, a failed
 // assertion unwinds nothing, and nothing can be dropped.
 class TNestedLoopScope

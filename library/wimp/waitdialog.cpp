@@ -63,7 +63,7 @@ public:
         Line->setFocusPolicy(Qt::ClickFocus);
         setFocusPolicy(Qt::ClickFocus);
         setFocus();
-        resize(Width, Height);
+        ResizeDialog(*this, QSize(Width, Height));
     }
 
     void SetList(const vector<TString>& lines)

@@ -1,6 +1,7 @@
 #include "library/wimp/window.h"
 
 #include "library/containers/assertion.h"
+#include "library/wimp/modal.h"
 #include "library/wimp/wimp.h"
 #include "library/wimp/windowwidgets.h"
 
@@ -68,6 +69,25 @@ void TWindow::OnCommand(TWimpControl*, intptr_t, int code)
         Hide();
 }
 
+// What is larger than all the room there is takes what is left of it from its place on; what is not moves
+// until all of it can be seen.
+static QRect FitInto(const QSize& room, const TWindowParams& params)
+{
+    int at[2] = {params.X, params.Y};
+    int extent[2] = {params.Width, params.Height};
+    const int space[2] = {room.width(), room.height()};
+    const int least[2] = {480, 300};
+    for (int i = 0; i < 2; ++i) {
+        if (extent[i] > space[i])
+            extent[i] = qMax(space[i] - at[i], qMin(least[i], space[i]));
+        // A document window may reach beyond the client area, which can be scrolled.
+        else if (params.Kind == WK_MDICHILD)
+            continue;
+        at[i] = qMax(0, qMin(at[i], space[i] - extent[i]));
+    }
+    return QRect(at[0], at[1], extent[0], extent[1]);
+}
+
 bool TWindow::Create(const TWindowParams& params)
 {
     if (Handle != nullptr || !TWimp::Get().IsInited())
@@ -88,10 +108,12 @@ bool TWindow::Create(const TWindowParams& params)
     }
     SetTitle(params.Title);
     // The window system finds a dialog's place.
-    if (Kind == WK_DIALOG)
-        Handle->resize(params.Width, params.Height);
-    else
-        MoveTo(params.X, params.Y, params.Width, params.Height);
+    if (Kind == WK_DIALOG) {
+        ResizeDialog(*Handle, QSize(params.Width, params.Height));
+        return true;
+    }
+    const QRect place = FitInto(Peer->GetRoom(), params);
+    MoveTo(place.x(), place.y(), place.width(), place.height());
     return true;
 }
 

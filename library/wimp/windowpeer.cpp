@@ -5,6 +5,7 @@
 #include "library/system/message.h"
 #include "library/wimp/gdi/gdibitmap.h"
 #include "library/wimp/gl/glcontext.h"
+#include "library/wimp/modal.h"
 #include "library/wimp/wimp.h"
 
 #include <QtCore/QTimer>
@@ -320,6 +321,16 @@ TWindowPeer::~TWindowPeer()
 QWidget* TWindowPeer::GetFrame() const
 {
     return SubWindow != nullptr ? SubWindow : Widget;
+}
+
+QSize TWindowPeer::GetRoom() const
+{
+    if (SubWindow == nullptr)
+        return GetScreenRoom(*Widget);
+    const QMdiArea* area = SubWindow->mdiArea();
+    // One that is not on the screen has not its size yet.
+    return area != nullptr && area->isVisible() ? area->maximumViewportSize()
+                                                : QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
 }
 
 bool TWindowPeer::Send(const TMessage& message)

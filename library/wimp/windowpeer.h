@@ -41,6 +41,8 @@ public:
     QWidget* GetWidget() const { return Widget; }
     // The widget with the frame: that of the window, but for a document window.
     QWidget* GetFrame() const;
+    // What a new window can fill at most.
+    QSize GetRoom() const;
 
     void StartTimer(int timer, int milliseconds);
     void StopTimer(int timer);

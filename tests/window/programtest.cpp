@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <sys/stat.h>
@@ -1191,5 +1192,49 @@ TEST(ProgramWithoutDisplay, EndsWithALineAndStatusOne)
         EXPECT_EQ(result.Status, 1) << display;
         EXPECT_NE(result.Output.find("isplay"), std::string::npos) << result.Output;
         EXPECT_LE(std::count(result.Output.begin(), result.Output.end(), '\n'), 2) << result.Output;
+    }
+}
+
+TEST_F(Program, OnAScaledScreenGraphAndPreviewFillTheirWindows)
+{
+    for (const char* scale : {"1", "1.5", "2"}) {
+        TProgramOptions options;
+        options.Environment = {std::string("QT_SCALE_FACTOR=") + scale};
+        TProgram program(Screen, options);
+        ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+        Screen.Key("ctrl+o");
+        ASSERT_TRUE(program.AnswerChooser(LoadTitle, SourcePath("samples/fountain.effect")));
+        ASSERT_TRUE(WaitForDocument("fountain.effect"));
+        // The two windows lie on each other, and when the display comes up in front is up to the window
+        // manager.
+        const TRectangle main = program.GetMainPlace();
+        TPicture picture;
+        ASSERT_TRUE(WaitUntil([&] {
+            Screen.Activate(Screen.FindWindow(MainTitle));
+            Sleep(300);
+            picture = Screen.Grab(main);
+            Sleep(300);
+            return picture.Pixels == Screen.Grab(main).Pixels;
+        }));
+        Screen.Save(main, Screenshot(std::string("graph-at-scale-") + scale));
+        // Where nothing has been drawn the screen is black; texts and outlines are thin.
+        const size_t black = std::count(picture.Pixels.begin(), picture.Pixels.end(), 0u);
+        EXPECT_LT(black, picture.Pixels.size() / 50) << scale;
+        const std::string display = Screen.FindWindow(DisplayTitle);
+        Screen.Activate(display);
+        ASSERT_TRUE(Screen.WaitUntilActive(DisplayTitle));
+        TRectangle place = Screen.GetPlace(display);
+        place.Height -= static_cast<int>(TransportHeight * std::atof(scale) + 1);
+        constexpr uint32_t Background = 0xCCCCCC;
+        EXPECT_TRUE(WaitUntil([&] {
+            const TPicture preview = Screen.Grab(place);
+            int others = 0;
+            for (int x = 0; x < preview.Width; ++x)
+                others += preview.At(x, 0) != Background || preview.At(x, preview.Height - 1) != Background;
+            for (int y = 0; y < preview.Height; ++y)
+                others += preview.At(0, y) != Background || preview.At(preview.Width - 1, y) != Background;
+            return others == 0;
+        })) << scale;
+        Screen.Save(Screen.GetPlace(display), Screenshot(std::string("preview-at-scale-") + scale));
     }
 }

@@ -6,6 +6,7 @@
 #include "support/windowtest.h"
 
 #include <QtGui/QAction>
+#include <QtGui/QScreen>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
@@ -484,4 +485,44 @@ TEST_F(TMDIFrameTest, ACascadeOfNothingDoesNothing)
     FrameOf(child)->showMinimized();
     Cascade();
     EXPECT_TRUE(FrameOf(child)->isMinimized());
+}
+
+TEST_F(TMDIFrameTest, ADocumentWindowTooLargeForTheClientAreaFitsIntoIt)
+{
+    TWindowParams params;
+    params.Class = &ChildClass;
+    params.Title = "x.effect";
+    params.Owner = &Frame;
+    params.Kind = WK_MDICHILD;
+    params.X = 50;
+    params.Y = 50;
+    params.Width = 1050;
+    params.Height = 750;
+    TRecordingWindow child;
+    ASSERT_TRUE(child.Create(params));
+    const QSize room = Area()->maximumViewportSize();
+    EXPECT_EQ(FrameOf(child)->geometry(), QRect(QPoint(50, 50), QPoint(room.width() - 1, room.height() - 1)));
+    // Where hardly anything would be left it moves.
+    params.X = room.width() - 20;
+    TRecordingWindow other;
+    ASSERT_TRUE(other.Create(params));
+    EXPECT_EQ(FrameOf(other)->width(), 480);
+    EXPECT_EQ(FrameOf(other)->geometry().right(), room.width() - 1);
+}
+
+TEST_F(TMDIFrameTest, AWindowOfItsOwnStandsOnTheScreen)
+{
+    const QRect screen = Main()->screen()->availableGeometry();
+    TWindowParams params;
+    params.Class = &ChildClass;
+    params.Kind = WK_TOP;
+    params.X = 30;
+    params.Y = screen.height() - 100;
+    params.Width = screen.width() + 500;
+    params.Height = 300;
+    TRecordingWindow window;
+    ASSERT_TRUE(window.Create(params));
+    EXPECT_TRUE(screen.contains(QRect(window.GetHandle()->pos(), window.GetHandle()->size())));
+    EXPECT_EQ(window.GetHandle()->x(), 30);
+    EXPECT_EQ(window.GetHandle()->height(), 300);
 }
