@@ -1,6 +1,6 @@
 #pragma once
 
-#include "particles/cindermill/graph/particlebuffer.h"
+#include "particles/cindermill/graph/engine/particlebuffer.h"
 #include "tools/samplemaker/samplebuilder.h"
 
 #include <cstdint>

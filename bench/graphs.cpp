@@ -1,6 +1,6 @@
 #include "bench/graphs.h"
 
-#include "particles/cindermill/graph/graphoperations.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
 
 #include <vector>
 

@@ -3,9 +3,9 @@
 
 #include "library/containers/image/image.h"
 #include "library/containers/log.h"
-#include "particles/cindermill/graph/qdxfragmentprogram.h"
-#include "particles/cindermill/graph/qdxshader.h"
-#include "particles/cindermill/graph/qdxvertexprogram.h"
+#include "particles/cindermill/graph/shaders/qdxfragmentprogram.h"
+#include "particles/cindermill/graph/shaders/qdxshader.h"
+#include "particles/cindermill/graph/shaders/qdxvertexprogram.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/effectgraph/error.h"
 #include "tools/samplemaker/startsettings.h"

@@ -2,7 +2,7 @@
 
 #include "library/wimp/gl/renderobject.h"
 #include "library/wimp/window.h"
-#include "particles/cindermill/graph/nodedisplay.h"
+#include "particles/cindermill/graph/operations/nodedisplay.h"
 
 #include <cstdint>
 #include <memory>

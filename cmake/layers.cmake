@@ -40,6 +40,9 @@ function(cindermill_layer folder)
         list(APPEND links ${target})
     endforeach()
     target_link_libraries(${name} PUBLIC cindermill-options ${links} ${arg_PACKAGES})
+    # For the check of the layers, which holds each folder's README against it.
+    list(JOIN arg_LINKS " " line)
+    file(WRITE "${root}.links" "${folder} ${line}\n")
 endfunction()
 
 # A test ends by itself long before: what it waits for has limits of its own. These only end what hangs.

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Holds what the build cannot: Qt stays inside the window framework and the settings store, standard containers
-# stay out of the system's own code, and a layer that includes from above does not build:
+# stay out of the system's own code, a layer that includes from above does not build, and the README of each layer's
+# folder tells what it links:
 # scripts/layercheck.sh BUILD, a folder that is configured.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
@@ -21,8 +22,17 @@ standard=$(grep -rlE '#include <(vector|string|map|set|list|array|deque|unordere
 
 # The lowest layer tries to look up.
 compile=(g++ -std=c++20 -fsyntax-only -I "$1/layers/library-containers" -x c++ -)
-if "${compile[@]}" <<<'#include "particles/effectgraph/schedule.h"' 2>/dev/null; then
+if "${compile[@]}" <<<'#include "particles/effectgraph/schedule/schedule.h"' 2>/dev/null; then
     fail "The lowest layer can include the schedule"
 fi
 "${compile[@]}" <<<'#include "library/containers/string.h"' ||
     fail "The lowest layer cannot include its own headers"
+
+# The READMEs tell what the build does.
+for record in "$1"/layers/*.links; do
+    read -r folder links <"$record"
+    case $folder in tools/*) continue ;; esac
+    [ -f "$folder/README.md" ] || fail "$folder has no README"
+    told=$(sed -n '/^Links: /,/^$/p' "$folder/README.md" | tr -d '`,.' | xargs | sed 's/^Links: *//')
+    [ "${told/#nothing/}" = "$links" ] || fail "$folder links '$links', and its README tells '$told'"
+done

@@ -11,8 +11,6 @@ namespace {
 constexpr uint32_t ResourceMagic = 0x43525352;
 constexpr const char* FirstExtensions[] = {"matbank", "geom", "bvh"};
 
-const TClassRegistrar Registrar(TResource::ClassId);
-
 // A resource that is lost unless its loading ends well.
 class TPendingResource
 {
@@ -56,12 +54,6 @@ TPendingResource MakeResource(uint32_t nameID)
 }
 
 } // namespace
-
-int TResource::ClassId()
-{
-    static const int id = RegisterClass(nullptr, "TResource", -1);
-    return id;
-}
 
 TResourceSystem::TResourceSystem()
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/classregistry.h"
 #include "library/containers/map.h"
 #include "library/containers/string.h"
 
@@ -9,18 +10,14 @@ class TFile;
 
 // An object that is kept in a file of its own and found by the file's name. It lives as long as someone holds
 // it.
-class TResource
+class TResource : public TRegistered<TResource>
 {
 public:
+    static constexpr const char* RegisteredName = "TResource";
     TResource() = default;
-    virtual ~TResource() = default;
     TResource(const TResource&) = delete;
     TResource& operator=(const TResource&) = delete;
 
-    // The family's root in the class registry. A class of resources registers itself below it.
-    static int ClassId();
-    // The NameID of the most derived class.
-    virtual uint32_t GetClassId() const = 0;
     // The body behind the file's header. False if it cannot be understood.
     virtual bool Read(TFile& file) = 0;
     virtual bool Write(TFile& file) const = 0;

@@ -2,20 +2,6 @@
 
 #include "particles/effectgraph/effectnode.h"
 
-int TEffectEdge::ClassId()
-{
-    static const int id =
-        RegisterClass(ConstructClass<TEffectEdge, TChunk>, "TEffectEdge", TChunk::ClassId());
-    return id;
-}
-
-uint32_t TEffectEdge::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-static TClassRegistrar Registrar(&TEffectEdge::ClassId);
-
 bool TEffectEdge::Read(int, int, TChunkFile* chunkFile)
 {
     return chunkFile->ReadPointer(SrcNode) && chunkFile->File.ReadI32(SrcPort) &&

@@ -5,12 +5,10 @@
 class TEffectNode;
 
 // A wire from an output port to an input port.
-class TEffectEdge : public TChunk
+class TEffectEdge : public TRegistered<TEffectEdge, TChunk>
 {
 public:
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
+    static constexpr const char* RegisteredName = "TEffectEdge";
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override { return 16; }

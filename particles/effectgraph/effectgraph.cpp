@@ -6,49 +6,6 @@
 #include "particles/effectgraph/rampparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
 
-int TEffectGraph::ClassId()
-{
-    static const int id =
-        RegisterClass(ConstructClass<TEffectGraph, TChunk>, "TEffectGraph", TChunk::ClassId());
-    return id;
-}
-
-uint32_t TEffectGraph::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-static TClassRegistrar Registrar(&TEffectGraph::ClassId);
-
-void RegisterEffectGraphClasses()
-{
-    using TClassIdFunction = int (*)();
-    static constexpr TClassIdFunction ClassIds[] = {
-        &TNodeScalarParameter::ClassId,
-        &TNodeScaleParameter::ClassId,
-        &TNodeVector3Parameter::ClassId,
-        &TNodeQuaternionParameter::ClassId,
-        &TNodeColourParameter::ClassId,
-        &TNodeTransformParameter::ClassId,
-        &TNodeTexCoordParameter::ClassId,
-        &TNodePolytypeParameter::ClassId,
-        &TNodeBoolParameter::ClassId,
-        &TNodeEnumParameter::ClassId,
-        &TNodeIntParameter::ClassId,
-        &TNodeTextureParameter::ClassId,
-        &TNodeRampParameter::ClassId,
-        &TNodePolyRampParameter::ClassId,
-        &TNodeGroupParameter::ClassId,
-        &TNodeAnimationParameter::ClassId,
-        &TNodeType::ClassId,
-        &TEffectNode::ClassId,
-        &TEffectEdge::ClassId,
-        &TEffectGraph::ClassId,
-    };
-    for (TClassIdFunction classId : ClassIds)
-        classId();
-}
-
 bool TEffectGraph::Read(int, int, TChunkFile* chunkFile)
 {
     return chunkFile->ReadPointers(Nodes) && chunkFile->ReadPointers(Edges);

@@ -3,12 +3,10 @@
 #include "particles/effectgraph/effectnode.h"
 
 // The nodes and edges of one effect. The document's chunk file owns them; the graph refers to them.
-class TEffectGraph : public TChunk
+class TEffectGraph : public TRegistered<TEffectGraph, TChunk>
 {
 public:
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
+    static constexpr const char* RegisteredName = "TEffectGraph";
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
@@ -51,6 +49,3 @@ void GetSortedNodes(const TEffectGraph& graph, vector<TEffectNode*>& result);
 
 // Gives every polytype port of the graph its final set of types.
 void ResolvePolytypes(const TEffectGraph& graph);
-
-// Registers the classes that chunk files may name, whatever the linker left out. May be called again.
-void RegisterEffectGraphClasses();

@@ -1,19 +1,5 @@
 #include "particles/effectgraph/effectnode.h"
 
-int TEffectNode::ClassId()
-{
-    static const int id =
-        RegisterClass(ConstructClass<TEffectNode, TChunk>, "TEffectNode", TChunk::ClassId());
-    return id;
-}
-
-uint32_t TEffectNode::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-static TClassRegistrar Registrar(&TEffectNode::ClassId);
-
 bool TEffectNode::Read(int, int, TChunkFile* chunkFile)
 {
     uint32_t numOutputs = 0;

@@ -4,15 +4,13 @@
 #include "particles/effectgraph/nodetype.h"
 
 // A node of a graph: its wires and its private node type.
-class TEffectNode : public TChunk
+class TEffectNode : public TRegistered<TEffectNode, TChunk>
 {
 public:
+    static constexpr const char* RegisteredName = "TEffectNode";
     TEffectNode() = default;
     ~TEffectNode() override = default;
 
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;

@@ -3,20 +3,6 @@
 #include "particles/effectgraph/owned.h"
 #include "particles/effectgraph/xmltext.h"
 
-int TNodeGroupParameter::ClassId()
-{
-    static const int id = RegisterClass(ConstructClass<TNodeGroupParameter, TChunk>, "TNodeGroupParameter",
-                                        TNodeParameter::ClassId());
-    return id;
-}
-
-uint32_t TNodeGroupParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-static TClassRegistrar Registrar(&TNodeGroupParameter::ClassId);
-
 // Groups that are being parsed around the present one.
 static int ParseDepth = 0;
 

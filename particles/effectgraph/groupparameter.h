@@ -3,17 +3,15 @@
 #include "particles/effectgraph/nodeparameter.h"
 
 // A switch with parameters of its own. The group is switched on when it is open.
-class TNodeGroupParameter : public TNodeParameter
+class TNodeGroupParameter : public TRegistered<TNodeGroupParameter, TNodeParameter>
 {
 public:
+    static constexpr const char* RegisteredName = "TNodeGroupParameter";
     // Groups in groups can be no deeper.
     static constexpr int MaxDepth = 64;
 
-    TNodeGroupParameter() : TNodeParameter(PK_GROUP) {}
+    TNodeGroupParameter() : TRegistered(PK_GROUP) {}
     ~TNodeGroupParameter() override;
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;

@@ -39,19 +39,6 @@ static constexpr const char* Tags[PK_NUMKINDS] = {
     "Bool",   "Enum",  "Int",     "Texture",    "Ramp",   "PolyRamp",  "Group",         "Animation",
 };
 
-int TNodeParameter::ClassId()
-{
-    static const int id = RegisterClass(nullptr, "TNodeParameter", TChunk::ClassId());
-    return id;
-}
-
-uint32_t TNodeParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-static TClassRegistrar Registrar(&TNodeParameter::ClassId);
-
 struct TKindIds
 {
     TKindIds()

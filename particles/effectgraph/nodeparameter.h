@@ -28,11 +28,10 @@ const char* GetParameterTag(int kind);
 
 // A named value of a node that a person can edit. An input port is one too: its value is in force while
 // nothing is wired to it. A parameter belongs to its node type; in a document it is a chunk of its own.
-class TNodeParameter : public TChunk
+class TNodeParameter : public TRegistered<TNodeParameter, TChunk>
 {
 public:
-    static int ClassId();
-    static uint32_t NameID();
+    static constexpr const char* RegisteredName = "TNodeParameter";
 
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;

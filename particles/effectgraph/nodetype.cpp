@@ -5,19 +5,6 @@
 #include "particles/effectgraph/nodetypelibrary.h"
 #include "particles/effectgraph/owned.h"
 
-int TNodeType::ClassId()
-{
-    static const int id = RegisterClass(ConstructClass<TNodeType, TChunk>, "TNodeType", TChunk::ClassId());
-    return id;
-}
-
-uint32_t TNodeType::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-static TClassRegistrar Registrar(&TNodeType::ClassId);
-
 bool TPortRef::IsInput() const
 {
     return Index < Node->GetNodeType()->GetNumInputs();

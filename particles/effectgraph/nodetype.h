@@ -56,9 +56,10 @@ public:
 //
 // A type outside of a chunk file deletes its parameters and inputs. The copy in a document is a chunk, as are
 // its parameters: the chunk file owns each of them, and the type deletes nothing.
-class TNodeType : public TChunk
+class TNodeType : public TRegistered<TNodeType, TChunk>
 {
 public:
+    static constexpr const char* RegisteredName = "TNodeType";
     // A type has no more parameters, inputs or outputs than this.
     static constexpr int MaxPorts = 1024;
 
@@ -67,9 +68,6 @@ public:
     TNodeType(const TNodeType&) = delete;
     TNodeType& operator=(const TNodeType&) = delete;
 
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
     int GetVersion() override { return 6; }
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;

@@ -5,20 +5,6 @@
 #include "particles/effectgraph/refreshrecord.h"
 #include "particles/effectgraph/xmltext.h"
 
-int TNodePolytypeParameter::ClassId()
-{
-    static const int id = RegisterClass(ConstructClass<TNodePolytypeParameter, TChunk>,
-                                        "TNodePolytypeParameter", TNodeParameter::ClassId());
-    return id;
-}
-
-uint32_t TNodePolytypeParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-static TClassRegistrar Registrar(&TNodePolytypeParameter::ClassId);
-
 TNodePolytypeParameter::~TNodePolytypeParameter()
 {
     if (ChunkIdx == -1)

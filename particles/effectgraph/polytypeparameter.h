@@ -6,14 +6,12 @@ class TEffectNode;
 
 // A parameter of several possible types, one of which is in force. It may follow the type of another port of
 // its node.
-class TNodePolytypeParameter : public TNodeParameter
+class TNodePolytypeParameter : public TRegistered<TNodePolytypeParameter, TNodeParameter>
 {
 public:
-    TNodePolytypeParameter() : TNodeParameter(TY_POLYTYPE) {}
+    static constexpr const char* RegisteredName = "TNodePolytypeParameter";
+    TNodePolytypeParameter() : TRegistered(TY_POLYTYPE) {}
     ~TNodePolytypeParameter() override;
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;

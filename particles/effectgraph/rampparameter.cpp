@@ -4,33 +4,6 @@
 #include "particles/effectgraph/refreshrecord.h"
 #include "particles/effectgraph/xmltext.h"
 
-int TNodeRampParameter::ClassId()
-{
-    static const int id = RegisterClass(ConstructClass<TNodeRampParameter, TChunk>, "TNodeRampParameter",
-                                        TNodeParameter::ClassId());
-    return id;
-}
-
-uint32_t TNodeRampParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-int TNodePolyRampParameter::ClassId()
-{
-    static const int id = RegisterClass(ConstructClass<TNodePolyRampParameter, TChunk>,
-                                        "TNodePolyRampParameter", TNodeRampParameter::ClassId());
-    return id;
-}
-
-uint32_t TNodePolyRampParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-static TClassRegistrar Registrars[] = {TClassRegistrar(&TNodeRampParameter::ClassId),
-                                       TClassRegistrar(&TNodePolyRampParameter::ClassId)};
-
 struct TRampKind
 {
     const char* Name;
@@ -351,7 +324,7 @@ void TNodeRampParameter::SetCurves(const vector<TRampPoint>* points)
     NotifyChanged();
 }
 
-TNodePolyRampParameter::TNodePolyRampParameter() : TNodeRampParameter(PK_POLYRAMP)
+TNodePolyRampParameter::TNodePolyRampParameter() : TRegistered(PK_POLYRAMP)
 {
     Dimensions = MaxDimensions;
     RampType = NumRampKinds - 1;

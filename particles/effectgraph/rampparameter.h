@@ -13,15 +13,13 @@ struct TRampPoint
 
 // Up to four curves over one time-like axis. A curve is a chain of cubic Bezier segments: anchor, handle,
 // handle, anchor, and so on.
-class TNodeRampParameter : public TNodeParameter
+class TNodeRampParameter : public TRegistered<TNodeRampParameter, TNodeParameter>
 {
 public:
+    static constexpr const char* RegisteredName = "TNodeRampParameter";
     static constexpr int MaxDimensions = 4;
 
     TNodeRampParameter() : TNodeRampParameter(PK_RAMP) {}
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
     int GetVersion() override { return 2; }
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
@@ -55,7 +53,7 @@ public:
     void SetCurves(const vector<TRampPoint>* points);
 
 protected:
-    explicit TNodeRampParameter(int kind) : TNodeParameter(kind) {}
+    explicit TNodeRampParameter(int kind) : TRegistered(kind) {}
     bool ParseCurves(TXmlFile& xml, TErrorList& errors, const char* fileName);
     static bool ParseCurve(TXmlFile& xml, TErrorList& errors, const char* fileName, const TString& text,
                            vector<TRampPoint>& curve);
@@ -72,13 +70,11 @@ protected:
 };
 
 // A ramp whose number of components follows an output port of its node.
-class TNodePolyRampParameter : public TNodeRampParameter
+class TNodePolyRampParameter : public TRegistered<TNodePolyRampParameter, TNodeRampParameter>
 {
 public:
+    static constexpr const char* RegisteredName = "TNodePolyRampParameter";
     TNodePolyRampParameter();
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;

@@ -2,13 +2,11 @@
 
 #include "particles/effectgraph/nodeparameter.h"
 
-class TNodeBoolParameter : public TNodeParameter
+class TNodeBoolParameter : public TRegistered<TNodeBoolParameter, TNodeParameter>
 {
 public:
-    TNodeBoolParameter() : TNodeParameter(PK_BOOL) {}
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
+    static constexpr const char* RegisteredName = "TNodeBoolParameter";
+    TNodeBoolParameter() : TRegistered(PK_BOOL) {}
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
@@ -23,19 +21,17 @@ private:
 };
 
 // One of a list of named numbers. What run-time code and exports read is the chosen entry's number.
-class TNodeEnumParameter : public TNodeParameter
+class TNodeEnumParameter : public TRegistered<TNodeEnumParameter, TNodeParameter>
 {
 public:
+    static constexpr const char* RegisteredName = "TNodeEnumParameter";
     struct TEntry
     {
         TString Name;
         int Number = 0;
     };
 
-    TNodeEnumParameter() : TNodeParameter(PK_ENUM) {}
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
+    TNodeEnumParameter() : TRegistered(PK_ENUM) {}
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
@@ -59,13 +55,11 @@ private:
     vector<TEntry> Values;
 };
 
-class TNodeIntParameter : public TNodeParameter
+class TNodeIntParameter : public TRegistered<TNodeIntParameter, TNodeParameter>
 {
 public:
-    TNodeIntParameter() : TNodeParameter(PK_INT) {}
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
+    static constexpr const char* RegisteredName = "TNodeIntParameter";
+    TNodeIntParameter() : TRegistered(PK_INT) {}
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
@@ -79,13 +73,11 @@ private:
     int Value = 0;
 };
 
-class TNodeTextureParameter : public TNodeParameter
+class TNodeTextureParameter : public TRegistered<TNodeTextureParameter, TNodeParameter>
 {
 public:
-    TNodeTextureParameter() : TNodeParameter(PK_TEXTURE) {}
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
+    static constexpr const char* RegisteredName = "TNodeTextureParameter";
+    TNodeTextureParameter() : TRegistered(PK_TEXTURE) {}
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
@@ -100,13 +92,11 @@ private:
 };
 
 // A file of key-framed motion and which of its tracks are used.
-class TNodeAnimationParameter : public TNodeParameter
+class TNodeAnimationParameter : public TRegistered<TNodeAnimationParameter, TNodeParameter>
 {
 public:
-    TNodeAnimationParameter() : TNodeParameter(PK_ANIMATION) {}
-    static int ClassId();
-    static uint32_t NameID();
-    uint32_t GetClassId() override { return NameID(); }
+    static constexpr const char* RegisteredName = "TNodeAnimationParameter";
+    TNodeAnimationParameter() : TRegistered(PK_ANIMATION) {}
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;

@@ -6,124 +6,23 @@
 
 #include <string.h>
 
-template <class TParameter>
-static int RegisterValueParameter(const char* name)
-{
-    return RegisterClass(ConstructClass<TParameter, TChunk>, name, TNodeValueParameter::ClassId());
-}
+TNodeScalarParameter::TNodeScalarParameter() : TRegistered(TY_SCALAR) {}
 
-int TNodeValueParameter::ClassId()
-{
-    static const int id = RegisterClass(nullptr, "TNodeValueParameter", TNodeParameter::ClassId());
-    return id;
-}
+TNodeScaleParameter::TNodeScaleParameter() : TRegistered(TY_SCALE) {}
 
-int TNodeScalarParameter::ClassId()
-{
-    static const int id = RegisterValueParameter<TNodeScalarParameter>("TNodeScalarParameter");
-    return id;
-}
+TNodeVector3Parameter::TNodeVector3Parameter() : TRegistered(TY_VECTOR3) {}
 
-int TNodeScaleParameter::ClassId()
-{
-    static const int id = RegisterValueParameter<TNodeScaleParameter>("TNodeScaleParameter");
-    return id;
-}
+TNodeQuaternionParameter::TNodeQuaternionParameter() : TRegistered(TY_QUATERNION) {}
 
-int TNodeVector3Parameter::ClassId()
-{
-    static const int id = RegisterValueParameter<TNodeVector3Parameter>("TNodeVector3Parameter");
-    return id;
-}
-
-int TNodeQuaternionParameter::ClassId()
-{
-    static const int id = RegisterValueParameter<TNodeQuaternionParameter>("TNodeQuaternionParameter");
-    return id;
-}
-
-int TNodeColourParameter::ClassId()
-{
-    static const int id = RegisterValueParameter<TNodeColourParameter>("TNodeColourParameter");
-    return id;
-}
-
-int TNodeTransformParameter::ClassId()
-{
-    static const int id = RegisterValueParameter<TNodeTransformParameter>("TNodeTransformParameter");
-    return id;
-}
-
-int TNodeTexCoordParameter::ClassId()
-{
-    static const int id = RegisterValueParameter<TNodeTexCoordParameter>("TNodeTexCoordParameter");
-    return id;
-}
-
-uint32_t TNodeValueParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-uint32_t TNodeScalarParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-uint32_t TNodeScaleParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-uint32_t TNodeVector3Parameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-uint32_t TNodeQuaternionParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-uint32_t TNodeColourParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-uint32_t TNodeTransformParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-uint32_t TNodeTexCoordParameter::NameID()
-{
-    return GetClassNameID(ClassId());
-}
-
-static TClassRegistrar Registrars[] = {
-    TClassRegistrar(&TNodeScalarParameter::ClassId),   TClassRegistrar(&TNodeScaleParameter::ClassId),
-    TClassRegistrar(&TNodeVector3Parameter::ClassId),  TClassRegistrar(&TNodeQuaternionParameter::ClassId),
-    TClassRegistrar(&TNodeColourParameter::ClassId),   TClassRegistrar(&TNodeTransformParameter::ClassId),
-    TClassRegistrar(&TNodeTexCoordParameter::ClassId),
-};
-
-TNodeScalarParameter::TNodeScalarParameter() : TNodeValueParameter(TY_SCALAR) {}
-
-TNodeScaleParameter::TNodeScaleParameter() : TNodeValueParameter(TY_SCALE) {}
-
-TNodeVector3Parameter::TNodeVector3Parameter() : TNodeValueParameter(TY_VECTOR3) {}
-
-TNodeQuaternionParameter::TNodeQuaternionParameter() : TNodeValueParameter(TY_QUATERNION) {}
-
-TNodeColourParameter::TNodeColourParameter() : TNodeValueParameter(TY_COLOUR)
+TNodeColourParameter::TNodeColourParameter() : TRegistered(TY_COLOUR)
 {
     for (int i = 0; i < 4; ++i)
         Value[i] = 1;
 }
 
-TNodeTransformParameter::TNodeTransformParameter() : TNodeValueParameter(TY_TRANSFORM) {}
+TNodeTransformParameter::TNodeTransformParameter() : TRegistered(TY_TRANSFORM) {}
 
-TNodeTexCoordParameter::TNodeTexCoordParameter() : TNodeValueParameter(TY_TEXCOORDS)
+TNodeTexCoordParameter::TNodeTexCoordParameter() : TRegistered(TY_TEXCOORDS)
 {
     Value[2] = 1;
     Value[3] = 1;

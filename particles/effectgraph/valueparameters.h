@@ -5,11 +5,10 @@
 class TMatrix43;
 
 // The parameters of the seven value types: up to six floats each.
-class TNodeValueParameter : public TNodeParameter
+class TNodeValueParameter : public TRegistered<TNodeValueParameter, TNodeParameter>
 {
 public:
-    static int ClassId();
-    static uint32_t NameID();
+    static constexpr const char* RegisteredName = "TNodeValueParameter";
 
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
@@ -23,7 +22,7 @@ public:
     void SetValue(const float* value);
 
 protected:
-    explicit TNodeValueParameter(int type) : TNodeParameter(type) {}
+    explicit TNodeValueParameter(int type) : TRegistered(type) {}
     TNodeParameter* CloneInto(TNodeValueParameter* copy) const;
     // An optional tag with `count` floats from Value[first] on. `found` tells whether it stood there.
     bool ParseFloats(TXmlFile& xml, TErrorList& errors, const char* fileName, const char* tag, int first,
@@ -32,64 +31,74 @@ protected:
     float Value[MaxValueFloats] = {0, 0, 0, 0, 0, 0};
 };
 
-// The members that every concrete class repeats.
-#define CINDERMILL_VALUE_PARAMETER(TClass)                                                                   \
-public:                                                                                                      \
-    TClass();                                                                                                \
-    static int ClassId();                                                                                    \
-    static uint32_t NameID();                                                                                \
-    uint32_t GetClassId() override                                                                           \
-    {                                                                                                        \
-        return NameID();                                                                                     \
-    }                                                                                                        \
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;                         \
-    TNodeParameter* Clone() const override                                                                   \
-    {                                                                                                        \
-        return CloneInto(new TClass);                                                                        \
-    }
-
-class TNodeScalarParameter : public TNodeValueParameter
+class TNodeScalarParameter : public TRegistered<TNodeScalarParameter, TNodeValueParameter>
 {
-    CINDERMILL_VALUE_PARAMETER(TNodeScalarParameter)
+public:
+    static constexpr const char* RegisteredName = "TNodeScalarParameter";
+    TNodeScalarParameter();
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override { return CloneInto(new TNodeScalarParameter); }
     float Get() const { return Value[0]; }
 };
 
-class TNodeScaleParameter : public TNodeValueParameter
+class TNodeScaleParameter : public TRegistered<TNodeScaleParameter, TNodeValueParameter>
 {
-    CINDERMILL_VALUE_PARAMETER(TNodeScaleParameter)
+public:
+    static constexpr const char* RegisteredName = "TNodeScaleParameter";
+    TNodeScaleParameter();
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override { return CloneInto(new TNodeScaleParameter); }
 };
 
-class TNodeVector3Parameter : public TNodeValueParameter
+class TNodeVector3Parameter : public TRegistered<TNodeVector3Parameter, TNodeValueParameter>
 {
-    CINDERMILL_VALUE_PARAMETER(TNodeVector3Parameter)
+public:
+    static constexpr const char* RegisteredName = "TNodeVector3Parameter";
+    TNodeVector3Parameter();
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override { return CloneInto(new TNodeVector3Parameter); }
 };
 
-class TNodeQuaternionParameter : public TNodeValueParameter
+class TNodeQuaternionParameter : public TRegistered<TNodeQuaternionParameter, TNodeValueParameter>
 {
-    CINDERMILL_VALUE_PARAMETER(TNodeQuaternionParameter)
+public:
+    static constexpr const char* RegisteredName = "TNodeQuaternionParameter";
+    TNodeQuaternionParameter();
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override { return CloneInto(new TNodeQuaternionParameter); }
 };
 
 // Red, green, blue, alpha; opaque white unless told.
-class TNodeColourParameter : public TNodeValueParameter
+class TNodeColourParameter : public TRegistered<TNodeColourParameter, TNodeValueParameter>
 {
-    CINDERMILL_VALUE_PARAMETER(TNodeColourParameter)
+public:
+    static constexpr const char* RegisteredName = "TNodeColourParameter";
+    TNodeColourParameter();
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override { return CloneInto(new TNodeColourParameter); }
 };
 
 // Position, then rotation in degrees.
-class TNodeTransformParameter : public TNodeValueParameter
+class TNodeTransformParameter : public TRegistered<TNodeTransformParameter, TNodeValueParameter>
 {
-    CINDERMILL_VALUE_PARAMETER(TNodeTransformParameter)
+public:
+    static constexpr const char* RegisteredName = "TNodeTransformParameter";
+    TNodeTransformParameter();
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override { return CloneInto(new TNodeTransformParameter); }
     const float* GetPosition() const { return Value; }
     const float* GetRotation() const { return Value + 3; }
     void GetMatrix(TMatrix43& out) const;
 };
 
 // The two corners of a texture rectangle.
-class TNodeTexCoordParameter : public TNodeValueParameter
+class TNodeTexCoordParameter : public TRegistered<TNodeTexCoordParameter, TNodeValueParameter>
 {
-    CINDERMILL_VALUE_PARAMETER(TNodeTexCoordParameter)
+public:
+    static constexpr const char* RegisteredName = "TNodeTexCoordParameter";
+    TNodeTexCoordParameter();
+    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    TNodeParameter* Clone() const override { return CloneInto(new TNodeTexCoordParameter); }
     const float* GetMin() const { return Value; }
     const float* GetMax() const { return Value + 2; }
 };
-
-#undef CINDERMILL_VALUE_PARAMETER

@@ -1,6 +1,6 @@
 #include "fuzzfile.h"
 
-#include "particles/effectgraph/efxlisting.h"
+#include "particles/effectgraph/export/efxlisting.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

@@ -1,7 +1,7 @@
 #include "fuzzfile.h"
 
-#include "particles/cindermill/graph/qdxfragmentprogram.h"
-#include "particles/cindermill/graph/qdxshader.h"
+#include "particles/cindermill/graph/shaders/qdxfragmentprogram.h"
+#include "particles/cindermill/graph/shaders/qdxshader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

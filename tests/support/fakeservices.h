@@ -2,7 +2,7 @@
 
 #include "support/testsupport.h"
 
-#include "particles/cindermill/graph/execservices.h"
+#include "particles/cindermill/graph/engine/execservices.h"
 
 #include <string>
 #include <vector>

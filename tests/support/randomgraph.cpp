@@ -1,9 +1,24 @@
 #include "support/randomgraph.h"
 
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/paramoperations.h"
-#include "particles/cindermill/graph/tooledge.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/animflagsparamop.h"
+#include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/changegraphedgeop.h"
+#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
+#include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/flagparamop.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/nameparamop.h"
+#include "particles/cindermill/graph/operations/nodepropertiesop.h"
+#include "particles/cindermill/graph/operations/numberparamop.h"
+#include "particles/cindermill/graph/operations/polytypeusertypeop.h"
+#include "particles/cindermill/graph/operations/rampchangepointsop.h"
+#include "particles/cindermill/graph/operations/ramplockop.h"
+#include "particles/cindermill/graph/operations/rampmovepointparamop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/graph/operations/valueparamop.h"
 
 #include <iterator>
 

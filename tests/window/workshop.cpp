@@ -1,8 +1,13 @@
 #include "window/workshop.h"
 
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/paramoperations.h"
-#include "particles/cindermill/graph/tooledge.h"
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
+#include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/nameparamop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
 
 #include <algorithm>

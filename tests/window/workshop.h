@@ -4,7 +4,7 @@
 #include "support/testapp.h"
 #include "window/program.h"
 
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/palette.h"
 
 // Does each thing twice: on the screen, with mouse and keys in the program's first document, and by the

@@ -1,8 +1,16 @@
 #include "tools/samplemaker/samplebuilder.h"
 
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/paramoperations.h"
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/animflagsparamop.h"
+#include "particles/cindermill/graph/operations/flagparamop.h"
+#include "particles/cindermill/graph/operations/nameparamop.h"
+#include "particles/cindermill/graph/operations/nodepropertiesop.h"
+#include "particles/cindermill/graph/operations/numberparamop.h"
+#include "particles/cindermill/graph/operations/rampchangepointsop.h"
+#include "particles/cindermill/graph/operations/valueparamop.h"
 #include "particles/cindermill/main/cindermillapp.h"
+#include "particles/effectgraph/polytypeparameter.h"
 #include "tools/samplemaker/samplelayout.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/rampparameter.h"
 

@@ -1,7 +1,7 @@
 #include "tools/samplemaker/samplelayout.h"
 
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/document.h"
 
 #include <algorithm>

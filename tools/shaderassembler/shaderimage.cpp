@@ -1,6 +1,6 @@
 #include "tools/shaderassembler/shaderimage.h"
 
-#include "particles/effectgraph/nametocrc.h"
+#include "library/containers/nametocrc.h"
 #include "tools/shaderassembler/microcode.h"
 
 #include <bit>

@@ -2,6 +2,7 @@
 
 #include "library/containers/log.h"
 #include "particles/effectgraph/effectgraph.h"
+#include "particles/effectgraph/effectgraphclasses.h"
 #include "particles/effectgraph/error.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/nodetypelibrary.h"

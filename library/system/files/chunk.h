@@ -7,15 +7,12 @@ class TChunkFile;
 
 // The base of every persistent class. A chunk in a chunk file is owned by it.
 //
-// Every persistent class registers with TChunk, or a class that derives from it, as its parent, and with a
-// constructor made from ConstructClass<T, TChunk>: a file's chunks are made of such classes only.
-class TChunk
+// Every persistent class is registered below TChunk: a file's chunks are made of such classes only.
+class TChunk : public TRegistered<TChunk>
 {
 public:
-    static int ClassId();
-    static uint32_t NameID();
+    static constexpr const char* RegisteredName = "TChunk";
 
-    virtual ~TChunk() = default;
     // Must consume exactly `size` bytes; false fails the load.
     virtual bool Read(int size, int version, TChunkFile* chunkFile) = 0;
     virtual bool Write(TChunkFile* chunkFile) = 0;
@@ -24,8 +21,6 @@ public:
     virtual int GetVersion() { return 0; }
     // Appends the chunks whose destruction must wait for this one.
     virtual void GetDependencies(vector<TChunk*>& deps) { (void)deps; }
-    // The NameID of the most derived class.
-    virtual uint32_t GetClassId() = 0;
 
     // Position in the file's chunks, -1 when in none.
     int ChunkIdx = -1;

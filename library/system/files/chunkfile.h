@@ -16,7 +16,7 @@ public:
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override { return Size; }
     int GetVersion() override { return Version; }
-    uint32_t GetClassId() override { return NameID; }
+    uint32_t GetClassId() const override { return NameID; }
 
 private:
     int Size = 0;

@@ -2,7 +2,7 @@
 
 #include "library/containers/assertion.h"
 #include "library/containers/string.h"
-#include "library/containers/vector.h"
+#include "library/wimp/gl/gldevice.h"
 
 #include <GL/glew.h>
 
@@ -13,8 +13,8 @@ struct TGlState
     bool VendorPrograms = false;
     int MaxTextureSide = 0;
     TString Fault;
-    vector<unsigned> DeadTextures;
-    vector<unsigned> DeadPrograms;
+    // Made when ready; kept for the life of the process.
+    TGlDevice* Device = nullptr;
 };
 
 TGlState& GetState()
@@ -99,6 +99,8 @@ bool InitGl()
     state.MaxTextureSide = QueryMaxTextureSide();
     state.Fault = nullptr;
     state.Ready = true;
+    state.Device = new TGlDevice;
+    SetGraphicsDevice(state.Device);
     return true;
 }
 
@@ -129,35 +131,14 @@ bool IsGlCurrent()
 
 void DeleteGlTexture(unsigned name)
 {
-    if (name == 0)
-        return;
-    if (IsGlCurrent())
-        glDeleteTextures(1, &name);
-    else
-        GetState().DeadTextures.push_back(name);
-}
-
-void DeleteGlProgram(unsigned name)
-{
-    if (name == 0)
-        return;
-    if (IsGlCurrent())
-        glDeleteProgramsARB(1, &name);
-    else
-        GetState().DeadPrograms.push_back(name);
+    if (GetState().Ready)
+        GetState().Device->DeleteTexture(name);
 }
 
 void FlushGlDeletions()
 {
-    TGlState& state = GetState();
-    if (state.DeadTextures.empty() && state.DeadPrograms.empty())
-        return;
-    if (!IsGlCurrent())
-        return;
-    glDeleteTextures(state.DeadTextures.size(), state.DeadTextures.data());
-    glDeleteProgramsARB(state.DeadPrograms.size(), state.DeadPrograms.data());
-    state.DeadTextures.clear();
-    state.DeadPrograms.clear();
+    if (IsGlCurrent())
+        GetState().Device->FlushDeletions();
 }
 
 void DropGlErrors()

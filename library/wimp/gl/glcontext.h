@@ -4,6 +4,7 @@
 
 // Looks the entry points up with the current context, once for the process. False if there is no context or
 // if it lacks the vertex and fragment program extensions or frame buffer objects; GetGlFault then tells what.
+// From the first success on there is a graphics device.
 bool InitGl();
 // Whether InitGl has succeeded: objects may be made.
 bool IsGlReady();
@@ -16,10 +17,9 @@ int GetMaxTextureSide();
 
 // Whether a context is current at the moment, after InitGl has succeeded.
 bool IsGlCurrent();
-// Frees a name now or, when no context is current, as soon as one is. 0 is passed over.
+// Frees a texture's name now or, when no context is current, as soon as one is. 0 is passed over.
 void DeleteGlTexture(unsigned name);
-void DeleteGlProgram(unsigned name);
-// Frees the names given up while no context was current.
+// Frees what was given up while no context was current.
 void FlushGlDeletions();
 
 // Forgets the errors that others have left in the current context.

@@ -1,6 +1,6 @@
 #include "library/wimp/gl/renderbatch.h"
 
-#include "library/wimp/gl/arbprogram.h"
+#include "library/wimp/gl/device/arbprogram.h"
 #include "library/wimp/gl/glcontext.h"
 
 #include <GL/glew.h>

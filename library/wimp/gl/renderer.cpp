@@ -6,6 +6,7 @@
 #include "library/wimp/gl/renderobject.h"
 #include "library/wimp/gl/renderpath.h"
 #include "library/wimp/gl/renderwindow.h"
+#include "library/wimp/gl/tintprogram.h"
 
 #include <GL/glew.h>
 #include <cmath>
@@ -340,6 +341,17 @@ void TRenderer::DrawLine(const TVector2& from, const TVector2& to, float width)
     Vertex(to + side);
     Vertex(to - side);
     Vertex(from - side);
+    End();
+}
+
+void TRenderer::DrawTexture(unsigned texture, const TVector2& min, const TVector2& max,
+                            const TVector4& colour, bool alphaOnly)
+{
+    Begin(PR_QUADS, texture, alphaOnly ? GetAlphaTintProgram() : GetTintProgram(), colour);
+    Vertex(min, TVector2(0, 1));
+    Vertex(TVector2(max[0], min[1]), TVector2(1, 1));
+    Vertex(max, TVector2(1, 0));
+    Vertex(TVector2(min[0], max[1]), TVector2(0, 0));
     End();
 }
 

@@ -3,6 +3,7 @@
 #include "library/containers/vector.h"
 #include "library/maths/vector2.h"
 #include "library/maths/vector4.h"
+#include "library/wimp/gl/device/rendertexture.h"
 #include "library/wimp/gl/renderbatch.h"
 
 class TRenderObject;
@@ -17,11 +18,11 @@ struct TClipRectangle
 // Draws the tree of render objects into a window, at twice its size and then scaled down. World units times
 // Scale are pixels, as TRenderWindow tells them from the screen's dots; y grows downwards; Offset is added to
 // a world place before scaling.
-class TRenderer
+class TRenderer : public TTexturePainter
 {
 public:
     TRenderer() = default;
-    ~TRenderer();
+    ~TRenderer() override;
     TRenderer(const TRenderer&) = delete;
     TRenderer& operator=(const TRenderer&) = delete;
 
@@ -76,6 +77,8 @@ public:
     void DrawLine(const TVector2& from, const TVector2& to, float width);
     // Four control points.
     void DrawCurve(const TVector2* bezier, float width);
+    void DrawTexture(unsigned texture, const TVector2& min, const TVector2& max, const TVector4& colour,
+                     bool alphaOnly) override;
     // Draw calls of the last frame.
     int GetNumCalls() const { return Batch.GetNumCalls(); }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/classregistry.h"
 #include "library/containers/vector.h"
 #include "library/maths/vector2.h"
 #include "library/wimp/gl/windowmessage.h"
@@ -43,16 +44,15 @@ struct TRenderEvent
 // Anything that is drawn in a graph view and hears of input there. Its place, Origin, is relative to its
 // parent's. The routing state (hover, focus, capture, overlay) is one for the program and never points at an
 // object that has gone.
-class TRenderObject
+class TRenderObject : public TRegistered<TRenderObject>
 {
 public:
+    static constexpr const char* RegisteredName = "TRenderObject";
     TRenderObject() = default;
-    virtual ~TRenderObject();
+    ~TRenderObject() override;
     TRenderObject(const TRenderObject&) = delete;
     TRenderObject& operator=(const TRenderObject&) = delete;
 
-    // The NameID of the most derived class; 0 for one that nobody asks for.
-    virtual uint32_t GetClassId() const { return 0; }
     virtual void Render(TRenderer& renderer) = 0;
     // Relative to the object's own place.
     virtual void GetBounds(TVector2& min, TVector2& max) = 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/wimp/gl/arbprogram.h"
+#include "library/wimp/gl/device/arbprogram.h"
 
 // The fragment programs that tint a texture by their first local parameter, shared by texts and pictures.
 // Assembled when first asked for; needs a current context then.

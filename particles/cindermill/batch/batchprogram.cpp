@@ -1,18 +1,18 @@
 #include "particles/cindermill/batch/batchprogram.h"
 
 #include "library/containers/image/image.h"
+#include "library/containers/nametocrc.h"
 #include "library/containers/strtoid.h"
 #include "library/system/file.h"
 #include "particles/cindermill/batch/runtable.h"
-#include "particles/cindermill/graph/programtext.h"
-#include "particles/cindermill/graph/qdxfragmentprogram.h"
-#include "particles/cindermill/graph/qdxshader.h"
-#include "particles/cindermill/graph/qdxvertexprogram.h"
-#include "particles/cindermill/graph/random.h"
+#include "particles/cindermill/graph/engine/random.h"
+#include "particles/cindermill/graph/shaders/programtext.h"
+#include "particles/cindermill/graph/shaders/qdxfragmentprogram.h"
+#include "particles/cindermill/graph/shaders/qdxshader.h"
+#include "particles/cindermill/graph/shaders/qdxvertexprogram.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/cindermill/main/settingsstore.h"
-#include "particles/effectgraph/efxlisting.h"
-#include "particles/effectgraph/nametocrc.h"
+#include "particles/effectgraph/export/efxlisting.h"
 
 #include <climits>
 #include <cstdarg>

@@ -1,7 +1,7 @@
 #include "particles/cindermill/batch/runtable.h"
 
-#include "particles/cindermill/graph/effectexec.h"
-#include "particles/cindermill/graph/particlebuffer.h"
+#include "particles/cindermill/graph/engine/effectexec.h"
+#include "particles/cindermill/graph/engine/particlebuffer.h"
 #include "particles/effectgraph/valuetype.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "particles/cindermill/interface/animationramp.h"
 
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 
 namespace {
 

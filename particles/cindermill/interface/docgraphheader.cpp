@@ -1,6 +1,6 @@
 #include "particles/cindermill/interface/docgraphheader.h"
 
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/usage.h"

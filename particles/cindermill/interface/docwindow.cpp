@@ -1,8 +1,8 @@
 #include "particles/cindermill/interface/docwindow.h"
 
 #include "library/maths/scalar.h"
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"

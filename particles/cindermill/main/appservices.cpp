@@ -1,10 +1,10 @@
 #include "particles/cindermill/main/appservices.h"
 
 #include "library/system/message.h"
-#include "library/wimp/gl/rendertexture.h"
+#include "library/wimp/gl/device/rendertexture.h"
 #include "particles/cindermill/main/resourcelocator.h"
 #include "particles/cindermill/main/settings.h"
-#include "particles/effectgraph/exportpolicies.h"
+#include "particles/effectgraph/export/exportpolicies.h"
 
 int TAppServices::GetTraceParticleSize() const
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "particles/cindermill/graph/execservices.h"
+#include "particles/cindermill/graph/engine/execservices.h"
 
 class TResourceLocator;
 class TSettings;

@@ -1,9 +1,10 @@
 #include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/graph/operations/operations.h"
+#include "particles/effectgraph/effectgraphclasses.h"
 
 #include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
-#include "particles/cindermill/graph/graphoperations.h"
 #include "particles/cindermill/graph/nodes/nodes.h"
 #include "particles/cindermill/main/apphost.h"
 #include "particles/cindermill/main/displayerrors.h"

@@ -1,6 +1,6 @@
 #include "particles/cindermill/main/clipboard.h"
 
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 
 void TClipboard::Clear()
 {

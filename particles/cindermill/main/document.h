@@ -1,9 +1,9 @@
 #pragma once
 
 #include "library/containers/sortedmap.h"
-#include "particles/cindermill/graph/editcontext.h"
-#include "particles/cindermill/graph/effectexec.h"
-#include "particles/cindermill/graph/operationstack.h"
+#include "particles/cindermill/graph/engine/effectexec.h"
+#include "particles/cindermill/graph/operations/editcontext.h"
+#include "particles/cindermill/graph/operations/operationstack.h"
 #include "particles/cindermill/main/appservices.h"
 #include "particles/effectgraph/error.h"
 

@@ -1,9 +1,9 @@
 #include "particles/cindermill/main/effectfile.h"
 
 #include "library/system/file.h"
-#include "particles/cindermill/graph/operationstack.h"
-#include "particles/cindermill/graph/tooledge.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/operationstack.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/graphcheck.h"
 

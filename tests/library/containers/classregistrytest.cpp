@@ -5,15 +5,10 @@
 
 namespace {
 
-struct TRoot
+struct TRoot : TRegistered<TRoot>
 {
-    virtual ~TRoot() = default;
-    virtual int Kind() const { return 0; }
-    static int ClassId()
-    {
-        static const int id = RegisterClass(nullptr, "TestRoot", -1);
-        return id;
-    }
+    static constexpr const char* RegisteredName = "TestRoot";
+    virtual int Kind() const = 0;
 };
 
 struct TOther
@@ -23,34 +18,37 @@ struct TOther
 };
 
 // Two bases, so that the pointer given out differs from the object's.
-struct TChild : TOther, TRoot
+struct TChild : TOther, TRegistered<TChild, TRoot>
 {
+    static constexpr const char* RegisteredName = "TestChild";
     int Kind() const override { return 1; }
-    static int ClassId();
 };
 
-struct TGrandChild : TChild
+// Not registered itself.
+struct TBetween : TChild
 {
-    int Kind() const override { return 2; }
-    static int ClassId()
-    {
-        static const int id =
-            RegisterClass(ConstructClass<TGrandChild, TRoot>, "TestGrandChild", TChild::ClassId());
-        return id;
-    }
+    explicit TBetween(int kind) : Number(kind) {}
+    int Kind() const override { return Number; }
+    int Number;
 };
 
-// The child's registrar runs ahead of its parent's.
-const TClassRegistrar GrandChildRegistrar(TGrandChild::ClassId);
-
-int TChild::ClassId()
+struct TGrandChild : TRegistered<TGrandChild, TBetween>
 {
-    static const int id = RegisterClass(ConstructClass<TChild, TRoot>, "TestChild", TRoot::ClassId());
-    return id;
-}
+    static constexpr const char* RegisteredName = "TestGrandChild";
+    TGrandChild() : TRegistered(2) {}
+};
 
-const TClassRegistrar ChildRegistrar(TChild::ClassId);
-const TClassRegistrar RootRegistrar(TRoot::ClassId);
+// Cannot be made without more.
+struct TNeedy : TRegistered<TNeedy, TBetween>
+{
+    static constexpr const char* RegisteredName = "TestNeedy";
+    using TRegistered::TRegistered;
+};
+
+// The child is asked for ahead of its parents.
+const int GrandChildId = TGrandChild::ClassId();
+const int ChildId = TChild::ClassId();
+const int RootId = TRoot::ClassId();
 
 constexpr const char* InvalidId = "id>=0 && id<Constructors->size() : Invalid class id";
 
@@ -61,8 +59,8 @@ TEST(ClassRegistry, ParentThatRunsLaterInFileOrderIsRecordedRight)
     EXPECT_EQ(GetClassParent(TGrandChild::ClassId()), TChild::ClassId());
     EXPECT_EQ(GetClassParent(TChild::ClassId()), TRoot::ClassId());
     EXPECT_EQ(GetClassParent(TRoot::ClassId()), -1);
-    EXPECT_LT(TRoot::ClassId(), TChild::ClassId());
-    EXPECT_LT(TChild::ClassId(), TGrandChild::ClassId());
+    EXPECT_LT(RootId, ChildId);
+    EXPECT_LT(ChildId, GrandChildId);
 }
 
 TEST(ClassRegistry, FindsByNameWithoutCaseAndByNameID)
@@ -85,6 +83,19 @@ TEST(ClassRegistry, CreatesTheFamilysPointer)
     EXPECT_EQ(grandChild->Kind(), 2);
     delete grandChild;
     EXPECT_EQ(CreateClass(TRoot::ClassId()), nullptr);
+    EXPECT_EQ(CreateClass(TNeedy::ClassId()), nullptr);
+}
+
+TEST(ClassRegistry, AnObjectTellsItsMostDerivedRegisteredClass)
+{
+    RegisterClasses<TGrandChild, TNeedy>();
+    const TNeedy needy(5);
+    const TBetween between(5);
+    const TRoot& object = needy;
+    EXPECT_EQ(object.GetClassId(), StrToID("TestNeedy"));
+    EXPECT_EQ(object.GetClassId(), TNeedy::NameID());
+    EXPECT_EQ(between.GetClassId(), TChild::NameID());
+    EXPECT_EQ(GetClassParent(TNeedy::ClassId()), TChild::ClassId());
 }
 
 TEST(ClassRegistry, IsClassAFollowsTheParents)

@@ -10,18 +10,12 @@
 namespace {
 
 // One byte, which must not be 'X'.
-class TByteResource : public TResource
+class TByteResource : public TRegistered<TByteResource, TResource>
 {
 public:
+    static constexpr const char* RegisteredName = "TByteResource";
     TByteResource() { ++Living; }
     ~TByteResource() override { --Living; }
-    static int ClassId()
-    {
-        static const int id =
-            RegisterClass(ConstructClass<TByteResource, TResource>, "TByteResource", TResource::ClassId());
-        return id;
-    }
-    uint32_t GetClassId() const override { return GetClassNameID(ClassId()); }
     bool Read(TFile& file) override { return file.Read(&Byte, 1) && Byte != 'X'; }
     bool Write(TFile& file) const override { return Byte != 'X' && file.Write(&Byte, 1); }
 
@@ -29,14 +23,15 @@ public:
     static int Living;
 };
 int TByteResource::Living = 0;
-const TClassRegistrar Registrar(TByteResource::ClassId);
+const int ByteResourceId = TByteResource::ClassId();
 
 // Made by the registry, but no resource.
-struct TStranger
+struct TStranger : TRegistered<TStranger>
 {
+    static constexpr const char* RegisteredName = "TTestStranger";
     int Value = 0;
 };
-const int StrangerId = RegisterClass(ConstructClass<TStranger, TStranger>, "TTestStranger", -1);
+const int StrangerId = TStranger::ClassId();
 
 std::string Word(uint32_t word)
 {

@@ -1,3 +1,4 @@
+#include "particles/effectgraph/effectgraphclasses.h"
 #include "particles/effectgraph/parsing.h"
 
 #include "particles/effectgraph/polytypeparameter.h"
@@ -63,8 +64,8 @@ TEST(TEffectNode, PortsAreChecked)
 
 TEST(TEffectGraph, RegistersEveryClass)
 {
-    const int before = GetNumClasses();
     RegisterEffectGraphClasses();
+    const int before = GetNumClasses();
     RegisterEffectGraphClasses();
     EXPECT_EQ(GetNumClasses(), before);
     for (const char* name : {"TEffectGraph", "TEffectNode", "TEffectEdge", "TNodeType"})

@@ -5,6 +5,9 @@
 #include "particles/effectgraph/rampparameter.h"
 #include "particles/effectgraph/valueparameters.h"
 
+// What a chunk file holds must be known.
+static const bool Registered = (RegisterEffectGraphClasses(), true);
+
 using TFloats = std::vector<float>;
 
 TEST(TNodeParameter, EachKindHasItsTagAndClass)

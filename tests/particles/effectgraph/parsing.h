@@ -2,11 +2,15 @@
 
 #include "support/testgraph.h"
 
+#include "particles/effectgraph/effectgraphclasses.h"
+
 // What came of parsing one parameter element of a node type file.
 struct TParsed
 {
     explicit TParsed(const std::string& element, bool isInput = false)
     {
+        // What is parsed here may be sent through a chunk file.
+        RegisterEffectGraphClasses();
         const std::string path = Folder.Path("a.xml");
         WriteBytes(path, "<list>" + element + "</list>");
         TXmlFile xml;

@@ -1,7 +1,7 @@
 #include "support/testsupport.h"
 
+#include "library/containers/nametocrc.h"
 #include "library/containers/strtoid.h"
-#include "particles/effectgraph/nametocrc.h"
 #include "particles/effectgraph/usage.h"
 #include "particles/effectgraph/valuetype.h"
 

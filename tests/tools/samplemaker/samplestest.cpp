@@ -1,8 +1,8 @@
 #include "support/testsupport.h"
 
-#include "particles/cindermill/graph/operationstack.h"
-#include "particles/cindermill/graph/particlebuffer.h"
-#include "particles/cindermill/graph/random.h"
+#include "particles/cindermill/graph/engine/particlebuffer.h"
+#include "particles/cindermill/graph/engine/random.h"
+#include "particles/cindermill/graph/operations/operationstack.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/effectgraph/simpleparameters.h"
 #include "tools/samplemaker/samplebuilder.h"

@@ -1,17 +1,5 @@
 #include "particles/cindermill/graph/nodes/add.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TAdd::ClassId);
-
-} // namespace
-
-int TAdd::ClassId()
-{
-    static const int id = RegisterExecNode<TAdd>("TAdd");
-    return id;
-}
-
 void TAdd::Execute(int index, float)
 {
     TPortValue sum = Load(0, index);

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 #include "particles/cindermill/graph/nodes/componentmaths.h"
 
 // The sum of two values, of the first one's type.
-class TAdd : public TExecLoop<TAdd, 2, 1, TComponentMaths>
+class TAdd : public TRegistered<TAdd, TExecLoop<TAdd, 2, 1, TComponentMaths>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TAdd";
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
 };

@@ -1,17 +1,5 @@
 #include "particles/cindermill/graph/nodes/age.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TAge::ClassId);
-
-} // namespace
-
-int TAge::ClassId()
-{
-    static const int id = RegisterExecNode<TAge>("TAge");
-    return id;
-}
-
 void TAge::Execute(int index, float dt)
 {
     const float age = static_cast<float>(static_cast<double>(LoadScalar(0, index)) + dt);

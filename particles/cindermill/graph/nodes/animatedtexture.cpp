@@ -30,15 +30,7 @@ float GetFraction(int64_t part, int64_t divisions)
                           : 0.0f;
 }
 
-TClassRegistrar Registrar(&TAnimatedTexture::ClassId);
-
 } // namespace
-
-int TAnimatedTexture::ClassId()
-{
-    static const int id = RegisterExecNode<TAnimatedTexture>("TAnimatedTexture");
-    return id;
-}
 
 bool TAnimatedTexture::Init(TErrorList&)
 {

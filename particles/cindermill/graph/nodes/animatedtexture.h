@@ -1,16 +1,16 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 
 class TNodeEnumParameter;
 class TNodeIntParameter;
 class TNodeScalarParameter;
 
 // The rectangle of one tile of a texture sheet, chosen by time. A parameter that the node lacks counts as 0.
-class TAnimatedTexture : public TExecLoop<TAnimatedTexture, 1, 1>
+class TAnimatedTexture : public TRegistered<TAnimatedTexture, TExecLoop<TAnimatedTexture, 1, 1>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TAnimatedTexture";
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;

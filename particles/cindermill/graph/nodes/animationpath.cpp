@@ -3,18 +3,6 @@
 #include "particles/cindermill/main/animation/animation.h"
 #include "particles/effectgraph/simpleparameters.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TAnimationPath::ClassId);
-
-} // namespace
-
-int TAnimationPath::ClassId()
-{
-    static const int id = RegisterExecNode<TAnimationPath>("TAnimationPath");
-    return id;
-}
-
 TAnimationPath::~TAnimationPath()
 {
     if (Parameter != nullptr)

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 
 class TAnimation;
 class TNodeAnimationParameter;
 class TNodeParameter;
 
 // A transform that follows a key-framed animation. The console does not know it.
-class TAnimationPath : public TExecLoop<TAnimationPath, 1, 1>
+class TAnimationPath : public TRegistered<TAnimationPath, TExecLoop<TAnimationPath, 1, 1>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TAnimationPath";
     ~TAnimationPath() override;
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;

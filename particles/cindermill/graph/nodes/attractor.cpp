@@ -1,17 +1,5 @@
 #include "particles/cindermill/graph/nodes/attractor.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TAttractor::ClassId);
-
-} // namespace
-
-int TAttractor::ClassId()
-{
-    static const int id = RegisterExecNode<TAttractor>("TAttractor");
-    return id;
-}
-
 void TAttractor::Execute(int index, float dt)
 {
     const TPortValue position = Load(0, index);

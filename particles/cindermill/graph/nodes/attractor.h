@@ -1,12 +1,12 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 
 // A spring towards a point: the pull grows with the distance.
-class TAttractor : public TExecLoop<TAttractor, 4, 1>
+class TAttractor : public TRegistered<TAttractor, TExecLoop<TAttractor, 4, 1>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TAttractor";
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
 };

@@ -19,15 +19,6 @@ TRenderStageStatic& GetShared()
     return shared;
 }
 
-TClassRegistrar Registrar(&TBlendedQuadRenderStage::ClassId);
-
 } // namespace
 
-TBlendedQuadRenderStage::TBlendedQuadRenderStage() : TRenderStage(GetShared()) {}
-
-int TBlendedQuadRenderStage::ClassId()
-{
-    static const int id = RegisterClass(&ConstructClass<TBlendedQuadRenderStage, TEffectExecNode>,
-                                        Kind.ClassName, TEffectExecNode::ClassId());
-    return id;
-}
+TBlendedQuadRenderStage::TBlendedQuadRenderStage() : TRegistered(GetShared()) {}

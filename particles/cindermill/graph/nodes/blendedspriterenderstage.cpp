@@ -20,15 +20,6 @@ TRenderStageStatic& GetShared()
     return shared;
 }
 
-TClassRegistrar Registrar(&TBlendedSpriteRenderStage::ClassId);
-
 } // namespace
 
-TBlendedSpriteRenderStage::TBlendedSpriteRenderStage() : TRenderStage(GetShared()) {}
-
-int TBlendedSpriteRenderStage::ClassId()
-{
-    static const int id = RegisterClass(&ConstructClass<TBlendedSpriteRenderStage, TEffectExecNode>,
-                                        Kind.ClassName, TEffectExecNode::ClassId());
-    return id;
-}
+TBlendedSpriteRenderStage::TBlendedSpriteRenderStage() : TRegistered(GetShared()) {}

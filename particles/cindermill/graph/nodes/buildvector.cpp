@@ -1,17 +1,5 @@
 #include "particles/cindermill/graph/nodes/buildvector.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TBuildVector::ClassId);
-
-} // namespace
-
-int TBuildVector::ClassId()
-{
-    static const int id = RegisterExecNode<TBuildVector>("TBuildVector");
-    return id;
-}
-
 void TBuildVector::Execute(int index, float)
 {
     TPortValue vector;

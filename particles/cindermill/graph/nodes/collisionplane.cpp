@@ -12,15 +12,7 @@ bool IsInUnitRange(float value)
     return value >= -1 && value <= 1;
 }
 
-TClassRegistrar Registrar(&TCollisionPlane::ClassId);
-
 } // namespace
-
-int TCollisionPlane::ClassId()
-{
-    static const int id = RegisterExecNode<TCollisionPlane>("TCollisionPlane");
-    return id;
-}
 
 TLocalFrame TCollisionPlane::LoadPlane(int index) const
 {

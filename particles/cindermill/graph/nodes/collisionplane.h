@@ -1,14 +1,14 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 #include "particles/cindermill/graph/nodes/localframe.h"
 
 // Reflects particles at a square in the local x-z plane, from -1 to 1, that faces +y. Only the velocity
 // changes.
-class TCollisionPlane : public TExecLoop<TCollisionPlane, 5, 3>
+class TCollisionPlane : public TRegistered<TCollisionPlane, TExecLoop<TCollisionPlane, 5, 3>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TCollisionPlane";
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "particles/cindermill/graph/particlenode.h"
+#include "particles/cindermill/graph/engine/particlenode.h"
 
 // The base of the sums and products, which work component by component.
 class TComponentMaths : public TParticleNode

@@ -1,17 +1,5 @@
 #include "particles/cindermill/graph/nodes/constant.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TConstant::ClassId);
-
-} // namespace
-
-int TConstant::ClassId()
-{
-    static const int id = RegisterExecNode<TConstant>("TConstant");
-    return id;
-}
-
 void TConstant::Execute(int index, float)
 {
     Store(0, index, Load(0, index));

@@ -2,18 +2,6 @@
 
 #include "particles/cindermill/graph/nodes/nodemaths.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TDamping::ClassId);
-
-} // namespace
-
-int TDamping::ClassId()
-{
-    static const int id = RegisterExecNode<TDamping>("TDamping");
-    return id;
-}
-
 void TDamping::Execute(int index, float dt)
 {
     TPortValue velocity = Load(0, index);

@@ -29,15 +29,7 @@ void ShareParameter(TExportData& exportData, const TNodeParameter& parameter)
     exportData.AddSharedData(parameter.Name.Print(), data.data(), data.size());
 }
 
-TClassRegistrar Registrar(&TEffect::ClassId);
-
 } // namespace
-
-int TEffect::ClassId()
-{
-    static const int id = RegisterExecNode<TEffect>("TEffect");
-    return id;
-}
 
 bool TEffect::Init(TErrorList&)
 {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/engine/effectexecnode.h"
 
 // The root of an effect: its clock, and the values that it offers to the game.
-class TEffect : public TEffectExecNode
+class TEffect : public TRegistered<TEffect, TEffectExecNode>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TEffect";
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;

@@ -1,8 +1,8 @@
 #include "particles/cindermill/graph/nodes/emitter.h"
 
 #include "library/maths/scalar.h"
+#include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
-#include "particles/cindermill/graph/random.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/valueparameters.h"
@@ -29,15 +29,7 @@ TRandom& GetRandom()
     return random.Get();
 }
 
-TClassRegistrar Registrar(&TEmitter::ClassId);
-
 } // namespace
-
-int TEmitter::ClassId()
-{
-    static const int id = RegisterExecNode<TEmitter>("TEmitter");
-    return id;
-}
 
 bool TEmitter::Init(TErrorList& errors)
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/engine/effectexecnode.h"
 
 class TNodeEnumParameter;
 class TNodeGroupParameter;
@@ -8,10 +8,10 @@ class TNodeIntParameter;
 class TNodeScalarParameter;
 
 // The emission trigger: tells how many particles are due in a frame.
-class TEmitter : public TEffectExecNode
+class TEmitter : public TRegistered<TEmitter, TEffectExecNode>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TEmitter";
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/engine/effectexecnode.h"
 
 // Marks where one group fires another. The exporter finds it by its place in the graph; it computes nothing.
-class TEventTrigger : public TEffectExecNode
+class TEventTrigger : public TRegistered<TEventTrigger, TEffectExecNode>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TEventTrigger";
 };

@@ -2,18 +2,6 @@
 
 #include "particles/cindermill/graph/nodes/nodemaths.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TGravity::ClassId);
-
-} // namespace
-
-int TGravity::ClassId()
-{
-    static const int id = RegisterExecNode<TGravity>("TGravity");
-    return id;
-}
-
 void TGravity::Execute(int index, float dt)
 {
     TPortValue velocity = Load(0, index);

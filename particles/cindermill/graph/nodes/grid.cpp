@@ -1,7 +1,7 @@
 #include "particles/cindermill/graph/nodes/grid.h"
 
+#include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
-#include "particles/cindermill/graph/random.h"
 #include "particles/effectgraph/simpleparameters.h"
 
 namespace {
@@ -18,15 +18,7 @@ float GetGridPosition(int64_t i, int64_t divisions)
     return static_cast<float>(2.0 * static_cast<double>(i) / static_cast<double>(divisions) - 1.0);
 }
 
-TClassRegistrar Registrar(&TGrid::ClassId);
-
 } // namespace
-
-int TGrid::ClassId()
-{
-    static const int id = RegisterExecNode<TGrid>("TGrid");
-    return id;
-}
 
 bool TGrid::Init(TErrorList& errors)
 {

@@ -2,18 +2,6 @@
 
 #include "particles/cindermill/graph/nodes/nodemaths.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TIntegrate::ClassId);
-
-} // namespace
-
-int TIntegrate::ClassId()
-{
-    static const int id = RegisterExecNode<TIntegrate>("TIntegrate");
-    return id;
-}
-
 void TIntegrate::Execute(int index, float dt)
 {
     TPortValue position = Load(0, index);

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 #include "particles/cindermill/graph/nodes/motionnode.h"
 
 // Moves a position by its velocity, and a rotation by its speed.
-class TIntegrate : public TExecLoop<TIntegrate, 2, 1, TMotionNode>
+class TIntegrate : public TRegistered<TIntegrate, TExecLoop<TIntegrate, 2, 1, TMotionNode>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TIntegrate";
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
 };

@@ -2,18 +2,6 @@
 
 #include "particles/cindermill/graph/nodes/nodemaths.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TMakeTransform::ClassId);
-
-} // namespace
-
-int TMakeTransform::ClassId()
-{
-    static const int id = RegisterExecNode<TMakeTransform>("TMakeTransform");
-    return id;
-}
-
 void TMakeTransform::Execute(int index, float)
 {
     TPortValue transform;

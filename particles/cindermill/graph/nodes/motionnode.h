@@ -1,6 +1,6 @@
 #pragma once
 
-#include "particles/cindermill/graph/particlenode.h"
+#include "particles/cindermill/graph/engine/particlenode.h"
 
 // The base of the nodes that change a position or a velocity. Such a value may be a transform, whose second
 // half is a rotation or its speed.

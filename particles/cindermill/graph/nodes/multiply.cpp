@@ -1,17 +1,5 @@
 #include "particles/cindermill/graph/nodes/multiply.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TMultiply::ClassId);
-
-} // namespace
-
-int TMultiply::ClassId()
-{
-    static const int id = RegisterExecNode<TMultiply>("TMultiply");
-    return id;
-}
-
 void TMultiply::Execute(int index, float)
 {
     TPortValue product = Load(0, index);

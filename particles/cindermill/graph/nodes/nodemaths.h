@@ -2,7 +2,7 @@
 
 #include "library/maths/matrix43.h"
 #include "library/maths/vector3.h"
-#include "particles/cindermill/graph/portvalue.h"
+#include "particles/cindermill/graph/engine/portvalue.h"
 
 // What every random draw of the nodes takes: a fraction in steps of 1 / 65536.
 constexpr unsigned RandomSteps = 0x10000;

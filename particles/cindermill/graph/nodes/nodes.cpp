@@ -5,6 +5,8 @@
 #include "particles/cindermill/graph/nodes/animatedtexture.h"
 #include "particles/cindermill/graph/nodes/animationpath.h"
 #include "particles/cindermill/graph/nodes/attractor.h"
+#include "particles/cindermill/graph/nodes/blendedquadrenderstage.h"
+#include "particles/cindermill/graph/nodes/blendedspriterenderstage.h"
 #include "particles/cindermill/graph/nodes/buildvector.h"
 #include "particles/cindermill/graph/nodes/collisionplane.h"
 #include "particles/cindermill/graph/nodes/constant.h"
@@ -20,54 +22,24 @@
 #include "particles/cindermill/graph/nodes/noise.h"
 #include "particles/cindermill/graph/nodes/pointemitter.h"
 #include "particles/cindermill/graph/nodes/prune.h"
+#include "particles/cindermill/graph/nodes/quadrenderstage.h"
 #include "particles/cindermill/graph/nodes/randomemitter.h"
-#include "particles/cindermill/graph/nodes/renderstages.h"
 #include "particles/cindermill/graph/nodes/selectcomponent.h"
 #include "particles/cindermill/graph/nodes/shaper.h"
 #include "particles/cindermill/graph/nodes/spheresurface.h"
+#include "particles/cindermill/graph/nodes/spriterenderstage.h"
 #include "particles/cindermill/graph/nodes/turbulence.h"
 #include "particles/cindermill/graph/nodes/velocitycone.h"
+#include "particles/cindermill/graph/nodes/velocitytrailrenderstage.h"
 #include "particles/cindermill/graph/nodes/volume.h"
 #include "particles/cindermill/graph/nodes/wind.h"
 
-namespace {
-
-using TClassIdFunction = int (*)();
-
-constexpr TClassIdFunction ClassIds[] = {&TAdd::ClassId,
-                                         &TAge::ClassId,
-                                         &TAnimatedTexture::ClassId,
-                                         &TAnimationPath::ClassId,
-                                         &TAttractor::ClassId,
-                                         &TBuildVector::ClassId,
-                                         &TCollisionPlane::ClassId,
-                                         &TConstant::ClassId,
-                                         &TDamping::ClassId,
-                                         &TEffect::ClassId,
-                                         &TEmitter::ClassId,
-                                         &TEventTrigger::ClassId,
-                                         &TGravity::ClassId,
-                                         &TGrid::ClassId,
-                                         &TIntegrate::ClassId,
-                                         &TMakeTransform::ClassId,
-                                         &TMultiply::ClassId,
-                                         &TNoise::ClassId,
-                                         &TPointEmitter::ClassId,
-                                         &TPrune::ClassId,
-                                         &TRandomEmitter::ClassId,
-                                         &TSelectComponent::ClassId,
-                                         &TShaper::ClassId,
-                                         &TSphereSurface::ClassId,
-                                         &TTurbulence::ClassId,
-                                         &TVelocityCone::ClassId,
-                                         &TVolume::ClassId,
-                                         &TWind::ClassId};
-
-} // namespace
-
 void RegisterExecNodes()
 {
-    for (const TClassIdFunction classId : ClassIds)
-        classId();
-    RegisterRenderStages();
+    RegisterClasses<TAdd, TAge, TAnimatedTexture, TAnimationPath, TAttractor, TBuildVector, TCollisionPlane,
+                    TConstant, TDamping, TEffect, TEmitter, TEventTrigger, TGravity, TGrid, TIntegrate,
+                    TMakeTransform, TMultiply, TNoise, TPointEmitter, TPrune, TRandomEmitter,
+                    TSelectComponent, TShaper, TSphereSurface, TTurbulence, TVelocityCone, TVolume, TWind>();
+    RegisterClasses<TQuadRenderStage, TBlendedQuadRenderStage, TSpriteRenderStage, TBlendedSpriteRenderStage,
+                    TVelocityTrailRenderStage>();
 }

@@ -1,8 +1,8 @@
 #include "particles/cindermill/graph/nodes/noise.h"
 
 #include "library/maths/scalar.h"
+#include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
-#include "particles/cindermill/graph/random.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
 
@@ -67,15 +67,7 @@ float Interpolate(const TLatticeCell& cell, uint32_t seed, int component)
     return Lerp(alongZ[0], alongZ[1], cell.Fraction[2]);
 }
 
-TClassRegistrar Registrar(&TNoise::ClassId);
-
 } // namespace
-
-int TNoise::ClassId()
-{
-    static const int id = RegisterExecNode<TNoise>("TNoise");
-    return id;
-}
 
 bool TNoise::Init(TErrorList& errors)
 {

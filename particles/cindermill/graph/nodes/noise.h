@@ -1,15 +1,15 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 
 class TNodeGroupParameter;
 class TNodeIntParameter;
 
 // Value noise on a lattice of integer points, the same for the same seed. The console does not know it.
-class TNoise : public TExecLoop<TNoise, 2, 1>
+class TNoise : public TRegistered<TNoise, TExecLoop<TNoise, 2, 1>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TNoise";
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "particles/cindermill/graph/particlenode.h"
+#include "particles/cindermill/graph/engine/particlenode.h"
 
 // The base of the nodes that make particles: input 0 tells how many, input 1 is where they leave from.
 class TParticleEmitter : public TParticleNode

@@ -1,17 +1,5 @@
 #include "particles/cindermill/graph/nodes/prune.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TPrune::ClassId);
-
-} // namespace
-
-int TPrune::ClassId()
-{
-    static const int id = RegisterExecNode<TPrune>("TPrune");
-    return id;
-}
-
 void TPrune::Execute(int index, float)
 {
     if (LoadScalar(0, index) != 0)

@@ -17,15 +17,6 @@ TRenderStageStatic& GetShared()
     return shared;
 }
 
-TClassRegistrar Registrar(&TQuadRenderStage::ClassId);
-
 } // namespace
 
-TQuadRenderStage::TQuadRenderStage() : TRenderStage(GetShared()) {}
-
-int TQuadRenderStage::ClassId()
-{
-    static const int id = RegisterClass(&ConstructClass<TQuadRenderStage, TEffectExecNode>, Kind.ClassName,
-                                        TEffectExecNode::ClassId());
-    return id;
-}
+TQuadRenderStage::TQuadRenderStage() : TRegistered(GetShared()) {}

@@ -1,7 +1,7 @@
 #include "particles/cindermill/graph/nodes/randomemitter.h"
 
+#include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
-#include "particles/cindermill/graph/random.h"
 
 namespace {
 
@@ -11,15 +11,7 @@ TRandom& GetRandom()
     return random.Get();
 }
 
-TClassRegistrar Registrar(&TRandomEmitter::ClassId);
-
 } // namespace
-
-int TRandomEmitter::ClassId()
-{
-    static const int id = RegisterExecNode<TRandomEmitter>("TRandomEmitter");
-    return id;
-}
 
 void TRandomEmitter::Execute(int index, float)
 {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 
 // A random value between two bounds, each component on its own.
-class TRandomEmitter : public TExecLoop<TRandomEmitter, 2, 1>
+class TRandomEmitter : public TRegistered<TRandomEmitter, TExecLoop<TRandomEmitter, 2, 1>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TRandomEmitter";
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
 };

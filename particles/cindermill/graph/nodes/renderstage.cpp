@@ -1,7 +1,10 @@
 #include "particles/cindermill/graph/nodes/renderstage.h"
 
+#include "library/wimp/gl/device/sceneview.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "shaders/stageshaders.h"
+
+#include <cstring>
 
 namespace {
 
@@ -28,6 +31,26 @@ uint32_t Clamped(const uint32_t (&table)[N], int number)
 TQdxShader* LoadProgram(const unsigned char* image, int size)
 {
     return image != nullptr ? TQdxShader::LoadShaderFromMemory(image, size) : nullptr;
+}
+
+// OpenGL's code.
+constexpr int Quads = 7;
+constexpr int MatrixFloats = 16;
+
+// A uniform of the stages' vertex programs: rows of a matrix that a row vector is multiplied with, or a
+// place.
+void GetUniform(const char* name, const TSceneView& view, float (&value)[MatrixFloats])
+{
+    const auto copy = [&](const TMatrix4& matrix) { memcpy(value, matrix.M, sizeof value); };
+    if (strcmp(name, "worldViewProj") == 0)
+        copy(view.GetWorldViewProjection());
+    else if (strcmp(name, "worldView") == 0)
+        copy(view.GetWorldView());
+    else if (strcmp(name, "proj") == 0)
+        copy(view.GetProjection());
+    else if (strcmp(name, "eyePos") == 0)
+        for (int i = 0; i < 4; ++i)
+            value[i] = i < 3 ? view.GetEye()[i] : 1.0f;
 }
 
 } // namespace
@@ -172,7 +195,7 @@ void TRenderStage::Export(TExportData& exportData, TErrorList&)
     exportData.AddRenderStage(StaticData.Kind.Command, StaticData.AttribTable, 0);
     for (int i = 0; StaticData.Kind.Textures[i].Parameter != nullptr; ++i)
         exportData.SetStageTexture(i, Textures[i].Parameter->GetFileName());
-    const TStates states = GetStates();
+    const TDrawStates states = GetStates();
     TGpuState& state = exportData.GetStageState();
     if (states.Blend) {
         state.Enable(SB_BLEND);
@@ -197,9 +220,9 @@ void TRenderStage::Export(TExportData& exportData, TErrorList&)
     }
 }
 
-TRenderStage::TStates TRenderStage::GetStates() const
+TDrawStates TRenderStage::GetStates() const
 {
-    TStates states;
+    TDrawStates states;
     states.Blend = IsOn(SP_ALPHABLEND);
     states.BlendEquation = Clamped(BlendEquations, GetNumber(SP_BLENDEQUATION));
     states.SourceFunction = Clamped(BlendFunctions, GetNumber(SP_SOURCEFUNCTION));
@@ -215,4 +238,42 @@ TRenderStage::TStates TRenderStage::GetStates() const
     states.OffsetFactor = GetScalar(SP_OFFSETFACTOR);
     states.OffsetUnits = GetScalar(SP_OFFSETUNITS);
     return states;
+}
+
+void TRenderStage::Render(const TSceneView& view)
+{
+    TGraphicsDevice* device = GetGraphicsDevice();
+    if (device == nullptr)
+        return;
+    TQdxShader& vertexShader = *StaticData.VertexShader;
+    TQdxShader& fragmentShader = *StaticData.FragmentShader;
+    const TDrawStates states = GetStates();
+    BindTextures();
+    if (vertexShader.Bind() && fragmentShader.Bind()) {
+        SetUniforms(view);
+        vertexShader.SetVertexStream(StaticData.CornerAttrib, &StaticData.CornerStream, 0);
+        BindInputs(vertexShader, StaticData.AttribTable);
+        device->SetStates(states);
+        Buffer->DrawRuns(vertexShader, Quads, StaticData.CornerMask, TRenderStageStatic::NumCorners);
+        device->CheckError();
+    }
+    vertexShader.Unbind();
+    fragmentShader.Unbind();
+    device->ClearStates(states);
+}
+
+void TRenderStage::BindTextures() const
+{
+    for (int i = 0; i < StaticData.Samplers.size(); ++i)
+        if (StaticData.Samplers[i] != -1)
+            StaticData.FragmentShader->SetTexture(StaticData.Samplers[i], &Textures[i].Texture);
+}
+
+void TRenderStage::SetUniforms(const TSceneView& view) const
+{
+    for (int i = 0; i < StaticData.Uniforms.size(); ++i) {
+        float value[MatrixFloats] = {};
+        GetUniform(StaticData.Kind.Uniforms[i], view, value);
+        StaticData.VertexShader->SetConstant(StaticData.Uniforms[i], value);
+    }
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "library/wimp/gl/rendertexture.h"
-#include "particles/cindermill/graph/effectexecnode.h"
-#include "particles/cindermill/graph/qdxshader.h"
+#include "library/wimp/gl/device/rendertexture.h"
+#include "particles/cindermill/graph/engine/effectexecnode.h"
+#include "particles/cindermill/graph/shaders/qdxshader.h"
 #include "particles/effectgraph/simpleparameters.h"
 
 // What sets one class of render stage apart. Lists end with null.
@@ -109,25 +109,6 @@ private:
         TRenderTextureInstance Texture;
     };
 
-    // The groups that are switched on, with their values in codes that OpenGL and the console share.
-    struct TStates
-    {
-        bool Blend = false;
-        uint32_t BlendEquation = 0;
-        uint32_t SourceFunction = 0;
-        uint32_t DestFunction = 0;
-        bool AlphaTest = false;
-        uint32_t AlphaFunction = 0;
-        float RefValue = 0;
-        bool DepthTest = false;
-        uint32_t DepthFunction = 0;
-        bool CullFace = false;
-        uint32_t Face = 0;
-        bool PolygonOffset = false;
-        float OffsetFactor = 0;
-        float OffsetUnits = 0;
-    };
-
     static const TStateParameterKind StateParameterKinds[SP_NUMPARAMETERS];
 
     static void OnTextureChanged(TNodeParameter* parameter, void* stage);
@@ -138,11 +119,10 @@ private:
     bool IsOn(TStateParameter group) const;
     int GetNumber(TStateParameter parameter) const;
     float GetScalar(TStateParameter parameter) const;
-    TStates GetStates() const;
+    // The groups that are switched on, with their values in codes that OpenGL and the console share.
+    TDrawStates GetStates() const;
     void BindTextures() const;
     void SetUniforms(const TSceneView& view) const;
-    static void SetStates(const TStates& states);
-    static void ClearStates(const TStates& states);
 
     TRenderStageStatic& StaticData;
     TTextureSlot Textures[TRenderStageKind::MaxTextures];

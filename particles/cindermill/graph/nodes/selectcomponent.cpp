@@ -32,15 +32,7 @@ float Select(int component, const TVector3& v)
     }
 }
 
-TClassRegistrar Registrar(&TSelectComponent::ClassId);
-
 } // namespace
-
-int TSelectComponent::ClassId()
-{
-    static const int id = RegisterExecNode<TSelectComponent>("TSelectComponent");
-    return id;
-}
 
 bool TSelectComponent::Init(TErrorList& errors)
 {

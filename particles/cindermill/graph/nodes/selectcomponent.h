@@ -1,13 +1,13 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 #include "particles/effectgraph/simpleparameters.h"
 
 // One component of a vector, its length or the inverse of that.
-class TSelectComponent : public TExecLoop<TSelectComponent, 1, 1>
+class TSelectComponent : public TRegistered<TSelectComponent, TExecLoop<TSelectComponent, 1, 1>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TSelectComponent";
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;

@@ -6,18 +6,6 @@
 
 #include <limits>
 
-namespace {
-
-TClassRegistrar Registrar(&TShaper::ClassId);
-
-} // namespace
-
-int TShaper::ClassId()
-{
-    static const int id = RegisterExecNode<TShaper>("TShaper");
-    return id;
-}
-
 TShaper::~TShaper()
 {
     if (Ramp != nullptr)

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 
 class TNodeParameter;
 class TNodeRampParameter;
 
 // A curve over a particle's life, read from a table of samples.
-class TShaper : public TExecLoop<TShaper, 2, 1>
+class TShaper : public TRegistered<TShaper, TExecLoop<TShaper, 2, 1>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TShaper";
     ~TShaper() override;
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;

@@ -1,8 +1,8 @@
 #include "particles/cindermill/graph/nodes/spheresurface.h"
 
 #include "library/maths/quaternion.h"
+#include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
-#include "particles/cindermill/graph/random.h"
 
 namespace {
 
@@ -12,15 +12,7 @@ TRandom& GetRandom()
     return random.Get();
 }
 
-TClassRegistrar Registrar(&TSphereSurface::ClassId);
-
 } // namespace
-
-int TSphereSurface::ClassId()
-{
-    static const int id = RegisterExecNode<TSphereSurface>("TSphereSurface");
-    return id;
-}
 
 void TSphereSurface::Execute(int index, float)
 {

@@ -18,15 +18,6 @@ TRenderStageStatic& GetShared()
     return shared;
 }
 
-TClassRegistrar Registrar(&TSpriteRenderStage::ClassId);
-
 } // namespace
 
-TSpriteRenderStage::TSpriteRenderStage() : TRenderStage(GetShared()) {}
-
-int TSpriteRenderStage::ClassId()
-{
-    static const int id = RegisterClass(&ConstructClass<TSpriteRenderStage, TEffectExecNode>, Kind.ClassName,
-                                        TEffectExecNode::ClassId());
-    return id;
-}
+TSpriteRenderStage::TSpriteRenderStage() : TRegistered(GetShared()) {}

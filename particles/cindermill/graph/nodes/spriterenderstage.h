@@ -3,9 +3,9 @@
 #include "particles/cindermill/graph/nodes/renderstage.h"
 
 // A rectangle that faces the eye.
-class TSpriteRenderStage : public TRenderStage
+class TSpriteRenderStage : public TRegistered<TSpriteRenderStage, TRenderStage>
 {
 public:
+    static constexpr const char* RegisteredName = "TSpriteRenderStage";
     TSpriteRenderStage();
-    static int ClassId();
 };

@@ -1,7 +1,7 @@
 #include "particles/cindermill/graph/nodes/turbulence.h"
 
+#include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
-#include "particles/cindermill/graph/random.h"
 
 namespace {
 
@@ -11,15 +11,7 @@ TRandom& GetRandom()
     return random.Get();
 }
 
-TClassRegistrar Registrar(&TTurbulence::ClassId);
-
 } // namespace
-
-int TTurbulence::ClassId()
-{
-    static const int id = RegisterExecNode<TTurbulence>("TTurbulence");
-    return id;
-}
 
 void TTurbulence::Execute(int index, float dt)
 {

@@ -1,7 +1,7 @@
 #include "particles/cindermill/graph/nodes/velocitycone.h"
 
+#include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
-#include "particles/cindermill/graph/random.h"
 
 #include <cmath>
 
@@ -21,15 +21,7 @@ TVector3 GetAxisAcross(const TVector3& v)
     return Scaled(across, 1.0 / std::sqrt(ExactDot(across, across)));
 }
 
-TClassRegistrar Registrar(&TVelocityCone::ClassId);
-
 } // namespace
-
-int TVelocityCone::ClassId()
-{
-    static const int id = RegisterExecNode<TVelocityCone>("TVelocityCone");
-    return id;
-}
 
 void TVelocityCone::Execute(int index, float)
 {

@@ -17,15 +17,6 @@ TRenderStageStatic& GetShared()
     return shared;
 }
 
-TClassRegistrar Registrar(&TVelocityTrailRenderStage::ClassId);
-
 } // namespace
 
-TVelocityTrailRenderStage::TVelocityTrailRenderStage() : TRenderStage(GetShared()) {}
-
-int TVelocityTrailRenderStage::ClassId()
-{
-    static const int id = RegisterClass(&ConstructClass<TVelocityTrailRenderStage, TEffectExecNode>,
-                                        Kind.ClassName, TEffectExecNode::ClassId());
-    return id;
-}
+TVelocityTrailRenderStage::TVelocityTrailRenderStage() : TRegistered(GetShared()) {}

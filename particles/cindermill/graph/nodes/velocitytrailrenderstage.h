@@ -3,9 +3,9 @@
 #include "particles/cindermill/graph/nodes/renderstage.h"
 
 // A streak back along the particle's flight.
-class TVelocityTrailRenderStage : public TRenderStage
+class TVelocityTrailRenderStage : public TRegistered<TVelocityTrailRenderStage, TRenderStage>
 {
 public:
+    static constexpr const char* RegisteredName = "TVelocityTrailRenderStage";
     TVelocityTrailRenderStage();
-    static int ClassId();
 };

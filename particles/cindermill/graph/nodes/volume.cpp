@@ -105,15 +105,7 @@ float GetDistance(int type, const TMatrix43& matrix, const TVector3& p, TVector3
     return static_cast<float>(std::sqrt(sum));
 }
 
-TClassRegistrar Registrar(&TVolume::ClassId);
-
 } // namespace
-
-int TVolume::ClassId()
-{
-    static const int id = RegisterExecNode<TVolume>("TVolume");
-    return id;
-}
 
 bool TVolume::Init(TErrorList& errors)
 {

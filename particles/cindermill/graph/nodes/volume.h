@@ -1,6 +1,6 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 #include "particles/cindermill/graph/nodes/localframe.h"
 
 class TNodeBoolParameter;
@@ -8,10 +8,10 @@ class TNodeEnumParameter;
 
 // Whether a point lies in a sphere, a box or a cylinder, or how far outside of it. The console does not know
 // it.
-class TVolume : public TExecLoop<TVolume, 3, 1>
+class TVolume : public TRegistered<TVolume, TExecLoop<TVolume, 3, 1>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TVolume";
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;
 

@@ -2,18 +2,6 @@
 
 #include "particles/cindermill/graph/nodes/nodemaths.h"
 
-namespace {
-
-TClassRegistrar Registrar(&TWind::ClassId);
-
-} // namespace
-
-int TWind::ClassId()
-{
-    static const int id = RegisterExecNode<TWind>("TWind");
-    return id;
-}
-
 void TWind::Execute(int index, float dt)
 {
     TPortValue velocity = Load(0, index);

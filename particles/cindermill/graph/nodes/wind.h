@@ -1,12 +1,12 @@
 #pragma once
 
-#include "particles/cindermill/graph/execloop.h"
+#include "particles/cindermill/graph/engine/execloop.h"
 
 // An acceleration along a vector; it does not pull towards the wind's speed.
-class TWind : public TExecLoop<TWind, 3, 1>
+class TWind : public TRegistered<TWind, TExecLoop<TWind, 3, 1>>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TWind";
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
 };

@@ -5,14 +5,6 @@
 #include "particles/cindermill/interface/graph/nodelayout.h"
 #include "particles/cindermill/interface/graph/outlines.h"
 
-static TClassRegistrar registrar(&TBypass::ClassId);
-
-int TBypass::ClassId()
-{
-    static const int id = RegisterClass(nullptr, "TBypass", -1);
-    return id;
-}
-
 TBypass::TBypass()
 {
     constexpr float Near = 2.7f;

@@ -5,13 +5,11 @@
 #include "library/wimp/gl/renderpath.h"
 
 // The box on a node that switches it off: empty while the node works, crossed out while it is bypassed.
-class TBypass : public TRenderObject
+class TBypass : public TRegistered<TBypass, TRenderObject>
 {
 public:
+    static constexpr const char* RegisteredName = "TBypass";
     TBypass();
-    static int ClassId();
-    static uint32_t NameID() { return GetClassNameID(ClassId()); }
-    uint32_t GetClassId() const override { return NameID(); }
 
     void Render(TRenderer& renderer) override;
     void GetBounds(TVector2& min, TVector2& max) override;

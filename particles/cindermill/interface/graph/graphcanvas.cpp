@@ -4,9 +4,13 @@
 #include "library/maths/scalar.h"
 #include "library/wimp/gl/renderer.h"
 #include "library/wimp/gl/renderwindow.h"
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/tooledge.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/changegraphedgeop.h"
+#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
+#include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/main/document.h"
@@ -74,14 +78,6 @@ int Distance(int a, int b)
 }
 
 } // namespace
-
-static TClassRegistrar registrar(&TGraphCanvas::ClassId);
-
-int TGraphCanvas::ClassId()
-{
-    static const int id = RegisterClass(nullptr, "TGraphCanvas", -1);
-    return id;
-}
 
 TGraphCanvas::TGraphCanvas(TGraphScene& scene) : Scene(scene), Rubber(scene)
 {

@@ -12,14 +12,12 @@ class TToolNode;
 
 // What all nodes and edges of a graph lie on. Runs the drags of nodes, edges and sizes, as the framework's
 // mouse drag, and ends each with one operation.
-class TGraphCanvas : public TRenderObjects, public TMouseDrag
+class TGraphCanvas : public TRegistered<TGraphCanvas, TRenderObjects>, public TMouseDrag
 {
 public:
+    static constexpr const char* RegisteredName = "TGraphCanvas";
     explicit TGraphCanvas(TGraphScene& scene);
     ~TGraphCanvas() override;
-    static int ClassId();
-    static uint32_t NameID() { return GetClassNameID(ClassId()); }
-    uint32_t GetClassId() const override { return NameID(); }
 
     // Without end: what no child takes is the canvas's.
     void GetBounds(TVector2& min, TVector2& max) override;

@@ -1,8 +1,8 @@
 #include "particles/cindermill/interface/graph/graphscene.h"
 
 #include "library/maths/scalar.h"
-#include "particles/cindermill/graph/tooledge.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 

@@ -20,14 +20,6 @@ constexpr float PointerY = 1.9f;
 
 } // namespace
 
-static TClassRegistrar registrar(&THelp::ClassId);
-
-int THelp::ClassId()
-{
-    static const int id = RegisterClass(nullptr, "THelp", -1);
-    return id;
-}
-
 THelp::THelp(TRenderObjects& root) : Root(root) {}
 
 void THelp::Show(const char* text, const TVector2& point)

@@ -8,14 +8,12 @@
 #include "library/wimp/gl/renderpath.h"
 
 // The help line: a short text near the pointer, in the view where the pointer rests.
-class THelp : public TRenderObject
+class THelp : public TRegistered<THelp, TRenderObject>
 {
 public:
+    static constexpr const char* RegisteredName = "THelp";
     // Shown, it stands on top of the root's objects.
     explicit THelp(TRenderObjects& root);
-    static int ClassId();
-    static uint32_t NameID() { return GetClassNameID(ClassId()); }
-    uint32_t GetClassId() const override { return NameID(); }
 
     // At a world point, until Hide.
     void Show(const char* text, const TVector2& point);

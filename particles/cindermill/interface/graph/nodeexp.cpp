@@ -45,14 +45,6 @@ constexpr float PictureOpacity = 0.7f;
 
 } // namespace
 
-static TClassRegistrar registrar(&TNodeExp::ClassId);
-
-int TNodeExp::ClassId()
-{
-    static const int id = RegisterClass(nullptr, "TNodeExp", -1);
-    return id;
-}
-
 TNodeExp::~TNodeExp()
 {
     for (const TControls& controls : Controls)

@@ -16,15 +16,13 @@ enum TNodeExpRegion
 
 // The drawing of an open node: the closed one's, and below the ports a panel with the controls of its
 // parameters. By itself, without a node, it shows what a node of a type will look like.
-class TNodeExp : public TRenderObjects
+class TNodeExp : public TRegistered<TNodeExp, TRenderObjects>
 {
 public:
+    static constexpr const char* RegisteredName = "TNodeExp";
     static constexpr int NumPaths = 39;
 
     ~TNodeExp() override;
-    static int ClassId();
-    static uint32_t NameID() { return GetClassNameID(ClassId()); }
-    uint32_t GetClassId() const override { return NameID(); }
 
     // A picture of a type, for a drag from the palette; as large as a closed new node. It is drawn at its
     // Origin, and takes no hits.

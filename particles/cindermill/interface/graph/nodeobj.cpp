@@ -2,8 +2,8 @@
 
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderer.h"
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/main/document.h"
 
@@ -29,14 +29,6 @@ bool CanTake(const TPort& from, const TPort& to)
 }
 
 } // namespace
-
-static TClassRegistrar registrar(&TNodeObj::ClassId);
-
-int TNodeObj::ClassId()
-{
-    static const int id = RegisterClass(nullptr, "TNodeObj", -1);
-    return id;
-}
 
 TNodeObj::TNodeObj(TGraphScene& scene) : Scene(scene)
 {

@@ -14,14 +14,12 @@ class TToolNode;
 
 // A node in the graph view. Turns clicks into selection, drags, bypassing, opening and closing; every change
 // is an operation of the document.
-class TNodeObj : public TRenderObjects
+class TNodeObj : public TRegistered<TNodeObj, TRenderObjects>
 {
 public:
+    static constexpr const char* RegisteredName = "TNodeObj";
     explicit TNodeObj(TGraphScene& scene);
     ~TNodeObj() override;
-    static int ClassId();
-    static uint32_t NameID() { return GetClassNameID(ClassId()); }
-    uint32_t GetClassId() const override { return NameID(); }
 
     // The node stays the document's. Called again, it shows the other node, closed.
     void Build(TToolNode* toolNode);

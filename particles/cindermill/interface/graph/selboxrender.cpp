@@ -3,14 +3,6 @@
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderer.h"
 
-static TClassRegistrar registrar(&TSelBoxRender::ClassId);
-
-int TSelBoxRender::ClassId()
-{
-    static const int id = RegisterClass(nullptr, "TSelBoxRender", -1);
-    return id;
-}
-
 void TSelBoxRender::Begin(const TVector2& corner)
 {
     From = corner;

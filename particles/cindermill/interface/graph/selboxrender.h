@@ -5,12 +5,10 @@
 #include "library/wimp/gl/renderpath.h"
 
 // The rubber band of a box selection, between two corners in world units.
-class TSelBoxRender : public TRenderObject
+class TSelBoxRender : public TRegistered<TSelBoxRender, TRenderObject>
 {
 public:
-    static int ClassId();
-    static uint32_t NameID() { return GetClassNameID(ClassId()); }
-    uint32_t GetClassId() const override { return NameID(); }
+    static constexpr const char* RegisteredName = "TSelBoxRender";
 
     // The box is empty at first.
     void Begin(const TVector2& corner);

@@ -2,8 +2,8 @@
 
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderer.h"
-#include "particles/cindermill/graph/tooledge.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
@@ -37,14 +37,6 @@ TVector2 Direction(const TVector2& from, const TVector2& to)
 }
 
 } // namespace
-
-static TClassRegistrar registrar(&TToolEdgeRenderer::ClassId);
-
-int TToolEdgeRenderer::ClassId()
-{
-    static const int id = RegisterClass(nullptr, "TToolEdgeRenderer", -1);
-    return id;
-}
 
 void TToolEdgeRenderer::Init(TNodeObj* output, int outputPort, TNodeObj* input, int inputPort)
 {

@@ -10,9 +10,10 @@ class TNodeObj;
 class TToolEdge;
 
 // An edge as a curve between two ports, or from a port to the mouse while it is dragged.
-class TToolEdgeRenderer : public TRenderObject
+class TToolEdgeRenderer : public TRegistered<TToolEdgeRenderer, TRenderObject>
 {
 public:
+    static constexpr const char* RegisteredName = "TToolEdgeRenderer";
     enum TStyle
     {
         ES_NORMAL = 1,
@@ -21,9 +22,6 @@ public:
     };
 
     explicit TToolEdgeRenderer(TGraphScene& scene) : Scene(scene) {}
-    static int ClassId();
-    static uint32_t NameID() { return GetClassNameID(ClassId()); }
-    uint32_t GetClassId() const override { return NameID(); }
 
     // One of the nodes may be null: that end is free. Asserts "output != 0 || input != 0".
     void Init(TNodeObj* output, int outputPort, TNodeObj* input, int inputPort);

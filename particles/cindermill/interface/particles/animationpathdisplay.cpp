@@ -13,13 +13,6 @@ static const TNodeAnimationParameter* FindAnimation(const TEffectNode& node)
     return node.GetNodeType()->FindParameterOf<TNodeAnimationParameter>("Animation", PK_ANIMATION);
 }
 
-int TAnimationPathDisplay::ClassId()
-{
-    static const int id = RegisterClass(&ConstructClass<TAnimationPathDisplay, TNodeDisplay>,
-                                        "TAnimationPathDisplay", TNodeDisplay::ClassId());
-    return id;
-}
-
 void TAnimationPathDisplay::Init(TEffectNode* node)
 {
     TNodeDisplay::Init(node);

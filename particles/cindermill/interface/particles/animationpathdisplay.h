@@ -6,10 +6,10 @@
 class TAnimation;
 
 // The way that an animation takes.
-class TAnimationPathDisplay : public TSpaceDisplay
+class TAnimationPathDisplay : public TRegistered<TAnimationPathDisplay, TSpaceDisplay>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TAnimationPathDisplay";
     void Init(TEffectNode* node) override;
     // Takes the parameter's file when it is another than before.
     void Tick() override;

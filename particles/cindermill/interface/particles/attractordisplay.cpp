@@ -5,13 +5,6 @@
 static constexpr int PositionPort = 2;
 static constexpr float HalfLength = 0.05f;
 
-int TAttractorDisplay::ClassId()
-{
-    static const int id = RegisterClass(&ConstructClass<TAttractorDisplay, TNodeDisplay>, "TAttractorDisplay",
-                                        TNodeDisplay::ClassId());
-    return id;
-}
-
 void TAttractorDisplay::Init(TEffectNode* node)
 {
     TNodeDisplay::Init(node);

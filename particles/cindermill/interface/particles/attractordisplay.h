@@ -3,10 +3,10 @@
 #include "particles/cindermill/interface/particles/spacedisplay.h"
 
 // A cross where an attractor pulls to.
-class TAttractorDisplay : public TSpaceDisplay
+class TAttractorDisplay : public TRegistered<TAttractorDisplay, TSpaceDisplay>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TAttractorDisplay";
     void Init(TEffectNode* node) override;
     void Render(const TSceneView& view) override;
 };

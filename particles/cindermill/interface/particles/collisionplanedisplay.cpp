@@ -6,13 +6,6 @@ static constexpr int PlanePort = 2;
 static constexpr int SizePort = 3;
 static constexpr int Divisions = 8;
 
-int TCollisionPlaneDisplay::ClassId()
-{
-    static const int id = RegisterClass(&ConstructClass<TCollisionPlaneDisplay, TNodeDisplay>,
-                                        "TCollisionPlaneDisplay", TNodeDisplay::ClassId());
-    return id;
-}
-
 void TCollisionPlaneDisplay::Init(TEffectNode* node)
 {
     TNodeDisplay::Init(node);

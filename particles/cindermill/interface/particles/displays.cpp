@@ -9,10 +9,6 @@
 
 void RegisterDisplayClasses()
 {
-    TAttractorDisplay::ClassId();
-    TCollisionPlaneDisplay::ClassId();
-    TGridDisplay::ClassId();
-    TSphereSurfaceDisplay::ClassId();
-    TVolumeDisplay::ClassId();
-    TAnimationPathDisplay::ClassId();
+    RegisterClasses<TAttractorDisplay, TCollisionPlaneDisplay, TGridDisplay, TSphereSurfaceDisplay,
+                    TVolumeDisplay, TAnimationPathDisplay>();
 }

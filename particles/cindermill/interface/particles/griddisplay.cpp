@@ -12,13 +12,6 @@ static const TNodeIntParameter* FindDivisions(const TEffectNode& node, const cha
     return node.GetNodeType()->FindParameterOf<TNodeIntParameter>(name, PK_INT);
 }
 
-int TGridDisplay::ClassId()
-{
-    static const int id =
-        RegisterClass(&ConstructClass<TGridDisplay, TNodeDisplay>, "TGridDisplay", TNodeDisplay::ClassId());
-    return id;
-}
-
 void TGridDisplay::Init(TEffectNode* node)
 {
     TNodeDisplay::Init(node);

@@ -3,10 +3,10 @@
 #include "particles/cindermill/interface/particles/spacedisplay.h"
 
 // The crossings where particles start.
-class TGridDisplay : public TSpaceDisplay
+class TGridDisplay : public TRegistered<TGridDisplay, TSpaceDisplay>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TGridDisplay";
     void Init(TEffectNode* node) override;
     void Render(const TSceneView& view) override;
 };

@@ -1,7 +1,7 @@
 #include "particles/cindermill/interface/particles/lineprogram.h"
 
 #include "library/containers/assertion.h"
-#include "library/wimp/gl/sceneview.h"
+#include "library/wimp/gl/device/sceneview.h"
 
 static constexpr const char* ProgramText = "!!ARBvp1.0\n"
                                            "PARAM c[4] = { program.local[0..3] };\n"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/wimp/gl/arbprogram.h"
+#include "library/wimp/gl/device/arbprogram.h"
 
 class TSceneView;
 

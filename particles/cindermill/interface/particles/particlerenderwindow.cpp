@@ -1,8 +1,8 @@
 #include "particles/cindermill/interface/particles/particlerenderwindow.h"
 
 #include "library/system/clock.h"
+#include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/glcontext.h"
-#include "library/wimp/gl/sceneview.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
 #include <GL/glew.h>

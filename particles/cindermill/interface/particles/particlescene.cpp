@@ -1,8 +1,8 @@
 #include "particles/cindermill/interface/particles/particlescene.h"
 
+#include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/glcontext.h"
-#include "library/wimp/gl/sceneview.h"
-#include "particles/cindermill/graph/nodedisplay.h"
+#include "particles/cindermill/graph/operations/nodedisplay.h"
 #include "particles/cindermill/interface/particles/wires.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/displayerrors.h"

@@ -2,8 +2,8 @@
 
 #include "library/maths/matrix43.h"
 #include "library/maths/vector4.h"
-#include "particles/cindermill/graph/nodedisplay.h"
-#include "particles/cindermill/graph/portvalue.h"
+#include "particles/cindermill/graph/engine/portvalue.h"
+#include "particles/cindermill/graph/operations/nodedisplay.h"
 
 class TNodeParameter;
 

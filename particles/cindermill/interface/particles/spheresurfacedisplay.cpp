@@ -5,13 +5,6 @@
 static constexpr int TranslationPort = 1;
 static constexpr int ScalePort = 2;
 
-int TSphereSurfaceDisplay::ClassId()
-{
-    static const int id = RegisterClass(&ConstructClass<TSphereSurfaceDisplay, TNodeDisplay>,
-                                        "TSphereSurfaceDisplay", TNodeDisplay::ClassId());
-    return id;
-}
-
 void TSphereSurfaceDisplay::Init(TEffectNode* node)
 {
     TNodeDisplay::Init(node);

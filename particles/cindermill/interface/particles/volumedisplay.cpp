@@ -20,13 +20,6 @@ static const TNodeEnumParameter* FindShape(const TEffectNode& node)
     return node.GetNodeType()->FindParameterOf<TNodeEnumParameter>("Volume Type", PK_ENUM);
 }
 
-int TVolumeDisplay::ClassId()
-{
-    static const int id = RegisterClass(&ConstructClass<TVolumeDisplay, TNodeDisplay>, "TVolumeDisplay",
-                                        TNodeDisplay::ClassId());
-    return id;
-}
-
 void TVolumeDisplay::Init(TEffectNode* node)
 {
     TNodeDisplay::Init(node);

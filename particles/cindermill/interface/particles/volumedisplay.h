@@ -3,10 +3,10 @@
 #include "particles/cindermill/interface/particles/spacedisplay.h"
 
 // The shape that points are tested against, where both its place and its size are fixed.
-class TVolumeDisplay : public TSpaceDisplay
+class TVolumeDisplay : public TRegistered<TVolumeDisplay, TSpaceDisplay>
 {
 public:
-    static int ClassId();
+    static constexpr const char* RegisteredName = "TVolumeDisplay";
     void Init(TEffectNode* node) override;
     void Render(const TSceneView& view) override;
 };

@@ -9,12 +9,10 @@
 namespace {
 
 // A chunk with a value, a pointer of its own class, and dependencies that the test sets.
-class TLinkChunk : public TChunk
+class TLinkChunk : public TRegistered<TLinkChunk, TChunk>
 {
 public:
-    static int ClassId();
-    static uint32_t NameID() { return GetClassNameID(ClassId()); }
-
+    static constexpr const char* RegisteredName = "TTestLinkChunk";
     ~TLinkChunk() override { Deleted += Name; }
     bool Read(int, int version, TChunkFile* chunkFile) override
     {
@@ -31,7 +29,6 @@ public:
     }
     int GetSize() override { return 8 + SizeError; }
     int GetVersion() override { return 3; }
-    uint32_t GetClassId() override { return NameID(); }
     void GetDependencies(vector<TChunk*>& deps) override
     {
         for (TChunk* chunk : Dependencies)
@@ -49,62 +46,38 @@ public:
 
 std::string TLinkChunk::Deleted;
 
-int TLinkChunk::ClassId()
-{
-    static const int id =
-        RegisterClass(ConstructClass<TLinkChunk, TChunk>, "TTestLinkChunk", TChunk::ClassId());
-    return id;
-}
-
 // Derives from the other; holds a list of chunks of any class.
-class TListChunk : public TLinkChunk
+class TListChunk : public TRegistered<TListChunk, TLinkChunk>
 {
 public:
-    static int ClassId();
-    static uint32_t NameID() { return GetClassNameID(ClassId()); }
-
+    static constexpr const char* RegisteredName = "TTestListChunk";
     bool Read(int, int, TChunkFile* chunkFile) override { return chunkFile->ReadPointers(List); }
     bool Write(TChunkFile* chunkFile) override { return chunkFile->WritePointers(List); }
     int GetSize() override { return 4 + 4 * List.size(); }
     int GetVersion() override { return 0; }
-    uint32_t GetClassId() override { return NameID(); }
 
     vector<TChunk*> List;
 };
 
-int TListChunk::ClassId()
-{
-    static const int id =
-        RegisterClass(ConstructClass<TListChunk, TChunk>, "TTestListChunk", TLinkChunk::ClassId());
-    return id;
-}
-
 // A registered class of another family, and one without objects of its own.
-class TStranger
+class TStranger : public TRegistered<TStranger>
 {
 public:
+    static constexpr const char* RegisteredName = "TTestStranger";
     TStranger() { ++Made; }
     static int Made;
 };
 
 int TStranger::Made = 0;
 
-int StrangerClassId()
+class TAbstractChunk : public TRegistered<TAbstractChunk, TLinkChunk>
 {
-    static const int id = RegisterClass(ConstructClass<TStranger, TStranger>, "TTestStranger", -1);
-    return id;
-}
+public:
+    static constexpr const char* RegisteredName = "TTestAbstractChunk";
+    virtual void Missing() = 0;
+};
 
-int AbstractClassId()
-{
-    static const int id = RegisterClass(nullptr, "TTestAbstractChunk", TLinkChunk::ClassId());
-    return id;
-}
-
-const TClassRegistrar LinkRegistrar(&TLinkChunk::ClassId);
-const TClassRegistrar ListRegistrar(&TListChunk::ClassId);
-const TClassRegistrar StrangerRegistrar(&StrangerClassId);
-const TClassRegistrar AbstractRegistrar(&AbstractClassId);
+const bool Registered = (RegisterClasses<TLinkChunk, TListChunk, TStranger, TAbstractChunk>(), true);
 
 std::string U32(uint32_t value)
 {

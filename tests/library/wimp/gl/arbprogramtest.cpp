@@ -1,7 +1,7 @@
 #include "support/gltest.h"
 #include "support/testsupport.h"
 
-#include "library/wimp/gl/arbprogram.h"
+#include "library/wimp/gl/device/arbprogram.h"
 #include "library/wimp/gl/tintprogram.h"
 
 #include <GL/glew.h>

@@ -2,9 +2,9 @@
 #include "support/testsupport.h"
 
 #include "library/containers/image/image.h"
+#include "library/wimp/gl/device/rendertexture.h"
+#include "library/wimp/gl/device/rendertexturecache.h"
 #include "library/wimp/gl/glcontext.h"
-#include "library/wimp/gl/rendertexture.h"
-#include "library/wimp/gl/rendertexturecache.h"
 
 #include <GL/glew.h>
 

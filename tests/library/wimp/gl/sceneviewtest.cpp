@@ -1,4 +1,4 @@
-#include "library/wimp/gl/sceneview.h"
+#include "library/wimp/gl/device/sceneview.h"
 
 #include <gtest/gtest.h>
 

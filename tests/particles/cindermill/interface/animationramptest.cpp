@@ -1,7 +1,7 @@
 #include "support/testapp.h"
 #include "support/testgraph.h"
 
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/animationramp.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include "support/windowtest.h"
 
 #include "library/system/message.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/effectgraph/error.h"
 

@@ -1,5 +1,6 @@
 #include "docwindowfixture.h"
 
+#include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/simpleparameters.h"
 

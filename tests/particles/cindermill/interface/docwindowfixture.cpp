@@ -1,4 +1,6 @@
 #include "docwindowfixture.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>

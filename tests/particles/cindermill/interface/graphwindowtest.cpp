@@ -3,8 +3,9 @@
 #include "library/containers/classregistry.h"
 #include "library/system/message.h"
 #include "library/wimp/dialog.h"
-#include "particles/cindermill/graph/paramoperations.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/main/displayerrors.h"
+#include "particles/effectgraph/rampparameter.h"
 
 #include <QtCore/QTimer>
 #include <QtGui/QAction>
@@ -827,15 +828,10 @@ TEST_F(GraphWindow, UndoOfTheFocusedNodeLeavesTheKeyboardWhereItWas)
 namespace {
 
 // Stands for the one that a node's panel will have.
-class TTestTextEdit : public TRenderObject
+class TTestTextEdit : public TRegistered<TTestTextEdit, TRenderObject>
 {
 public:
-    static int ClassId()
-    {
-        static const int id = RegisterClass(nullptr, "TTextEdit", -1);
-        return id;
-    }
-    uint32_t GetClassId() const override { return GetClassNameID(ClassId()); }
+    static constexpr const char* RegisteredName = "TTextEdit";
     void Render(TRenderer&) override {}
     void GetBounds(TVector2& min, TVector2& max) override { min = max = TVector2(0, 0); }
 };

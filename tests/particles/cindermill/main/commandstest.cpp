@@ -4,9 +4,10 @@
 #include "library/system/clock.h"
 #include "library/system/file.h"
 #include "library/system/message.h"
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/tooledge.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/cindermill/main/settingsstore.h"
 

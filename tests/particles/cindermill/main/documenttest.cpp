@@ -3,14 +3,17 @@
 #include "support/testapp.h"
 
 #include "library/system/message.h"
-#include "particles/cindermill/graph/effectexecnode.h"
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/nodedisplay.h"
-#include "particles/cindermill/graph/paramoperations.h"
-#include "particles/cindermill/graph/tooledge.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/engine/effectexecnode.h"
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/nameparamop.h"
+#include "particles/cindermill/graph/operations/nodedisplay.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/graph/operations/valueparamop.h"
 #include "particles/cindermill/main/displayerrors.h"
-#include "particles/effectgraph/efxfile.h"
+#include "particles/effectgraph/export/efxfile.h"
 
 #include <csignal>
 #include <filesystem>
@@ -531,11 +534,19 @@ TEST_F(Document, CutCopiesDeletesAndClearsTheSelection)
     EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), operations);
 }
 
+namespace {
+
+class TPlainDisplay : public TNodeDisplay
+{
+};
+
+} // namespace
+
 TEST_F(Document, DisplaysAreEnteredOnce)
 {
     TDocument document(App.Get());
     document.New();
-    TNodeDisplay display;
+    TPlainDisplay display;
     document.AddNodeDisplay(&display);
     EXPECT_EQ(AssertionOf([&] { document.AddNodeDisplay(&display); }),
               "NodeDisplay.find(display) == NodeDisplay.end()");
@@ -700,12 +711,13 @@ TEST_F(Document, AFailedAssertionInTheScheduleComesBackAsAnError)
 namespace {
 
 // Fails its assertions when told so.
-class TFaultyNode : public TEffectExecNode
+class TFaultyNode : public TRegistered<TFaultyNode, TEffectExecNode>
 {
 public:
+    static constexpr const char* RegisteredName = "TDocumentTestFaultyNode";
     static int Register()
     {
-        static const int id = RegisterExecNode<TFaultyNode>("TDocumentTestFaultyNode");
+        static const int id = TFaultyNode::ClassId();
         return id;
     }
     bool Init(TErrorList&) override

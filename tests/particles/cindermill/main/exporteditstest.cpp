@@ -3,12 +3,15 @@
 #include "support/sampledocument.h"
 
 #include "library/system/message.h"
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/paramoperations.h"
-#include "particles/cindermill/graph/particlebuffer.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/engine/particlebuffer.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/flagparamop.h"
+#include "particles/cindermill/graph/operations/nameparamop.h"
+#include "particles/cindermill/graph/operations/numberparamop.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/graph/operations/valueparamop.h"
 #include "particles/cindermill/main/displayerrors.h"
-#include "particles/effectgraph/efxfile.h"
+#include "particles/effectgraph/export/efxfile.h"
 
 #include <functional>
 
@@ -314,7 +317,8 @@ TEST_F(ExportOfEdits, RandomEditsOfAnyKindAreExportedAsTheBatchProgramDoes)
         SCOPED_TRACE("seed " + std::to_string(seed));
         TDocument document(App.Get());
         ASSERT_TRUE(document.New());
-        TRandomGraph graph(App, document, seed);
+        TDice dice(seed);
+        TRandomGraph graph(App.Get(), document, dice);
         graph.AddSystem();
         for (int i = 0; i < 8; ++i) {
             for (int edits = 0; edits < 4; ++edits)

@@ -1,6 +1,6 @@
 #include "support/testapp.h"
 
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/engine/effectexecnode.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/simpleparameters.h"

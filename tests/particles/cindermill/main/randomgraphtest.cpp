@@ -1,10 +1,10 @@
 #include "support/randomgraph.h"
 #include "support/testapp.h"
 
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/toolnode.h"
-#include "particles/effectgraph/efxfile.h"
-#include "particles/effectgraph/exportdata.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/effectgraph/export/efxfile.h"
+#include "particles/effectgraph/export/exportdata.h"
 
 #include <cstdlib>
 #include <map>

@@ -3,10 +3,16 @@
 #include "support/testapp.h"
 
 #include "library/system/message.h"
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/paramoperations.h"
-#include "particles/cindermill/graph/tooledge.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/changegraphedgeop.h"
+#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
+#include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/polytypeusertypeop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/graph/operations/valueparamop.h"
 #include "particles/effectgraph/graphcheck.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "nodebench.h"
 
-#include "particles/cindermill/graph/random.h"
+#include "particles/cindermill/graph/engine/random.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #include "nodebench.h"
 
+#include "library/containers/nametocrc.h"
 #include "particles/cindermill/graph/nodes/nodes.h"
-#include "particles/effectgraph/nametocrc.h"
 
 #include <cstring>
 

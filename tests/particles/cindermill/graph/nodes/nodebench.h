@@ -3,8 +3,8 @@
 #include "support/fakeservices.h"
 #include "support/testgraph.h"
 
-#include "particles/cindermill/graph/effectexecnode.h"
-#include "particles/effectgraph/exportdata.h"
+#include "particles/cindermill/graph/engine/effectexecnode.h"
+#include "particles/effectgraph/export/exportdata.h"
 
 using TFloats = std::vector<float>;
 using TTexts = std::vector<std::string>;

@@ -1,8 +1,8 @@
 #include "support/testgraph.h"
 
+#include "library/containers/nametocrc.h"
+#include "particles/cindermill/graph/nodes/nodes.h"
 #include "particles/cindermill/graph/nodes/renderstage.h"
-#include "particles/cindermill/graph/nodes/renderstages.h"
-#include "particles/effectgraph/nametocrc.h"
 
 #include <bit>
 #include <map>
@@ -181,7 +181,7 @@ public:
     explicit TStage(const TStageCase& stage, const TSettings& settings = {}, const std::string& without = {})
         : Case(stage), Exec(Services)
     {
-        RegisterRenderStages();
+        RegisterExecNodes();
         Node = Graph.AddNode(MakeType(stage, settings, without));
     }
     ~TStage() { delete Stage; }
@@ -216,7 +216,7 @@ using TTexts = std::vector<std::string>;
 
 TEST(RenderStage, ClassesAreRegistered)
 {
-    RegisterRenderStages();
+    RegisterExecNodes();
     for (const TStageCase& stage : Cases) {
         const int id = FindClassByName(stage.ClassName);
         ASSERT_NE(id, -1) << stage.ClassName;

@@ -3,10 +3,10 @@
 #include "support/testgraph.h"
 
 #include "library/containers/image/image.h"
-#include "library/wimp/gl/rendertexture.h"
-#include "library/wimp/gl/sceneview.h"
+#include "library/wimp/gl/device/rendertexture.h"
+#include "library/wimp/gl/device/sceneview.h"
+#include "particles/cindermill/graph/nodes/nodes.h"
 #include "particles/cindermill/graph/nodes/renderstage.h"
-#include "particles/cindermill/graph/nodes/renderstages.h"
 #include "particles/effectgraph/nodetype.h"
 #include "shaders/stageshaders.h"
 
@@ -86,9 +86,10 @@ struct TParticle
 };
 
 // Gives each new particle the next values of a list, by the names of its outputs.
-class TPlacer : public TEffectExecNode
+class TPlacer : public TRegistered<TPlacer, TEffectExecNode>
 {
 public:
+    static constexpr const char* RegisteredName = "TPlacer";
     static std::vector<TParticle>& Queue()
     {
         static std::vector<TParticle> queue;
@@ -96,7 +97,7 @@ public:
     }
     static const char* GetClass()
     {
-        static const int id = RegisterExecNode<TPlacer>("TPlacer");
+        static const int id = TPlacer::ClassId();
         return GetClassName(id);
     }
 
@@ -180,7 +181,7 @@ public:
                          const std::vector<std::string>& unwired = {}, int capacity = 8)
         : Exec(Services)
     {
-        RegisterRenderStages();
+        RegisterExecNodes();
         TPlacer::Queue().clear();
         Trigger = Graph.Node("Trigger", TU_TRIGGER, {}, {"Trigger"});
         Graph.Class(Trigger, "TEffectExecNode");

@@ -1,11 +1,11 @@
 #include "arbvertexprogram.h"
 #include "support/testsupport.h"
 
+#include "library/containers/nametocrc.h"
 #include "library/maths/matrix43.h"
-#include "particles/cindermill/graph/qdxfragmentprogram.h"
-#include "particles/cindermill/graph/qdxshader.h"
-#include "particles/cindermill/graph/qdxvertexprogram.h"
-#include "particles/effectgraph/nametocrc.h"
+#include "particles/cindermill/graph/shaders/qdxfragmentprogram.h"
+#include "particles/cindermill/graph/shaders/qdxshader.h"
+#include "particles/cindermill/graph/shaders/qdxvertexprogram.h"
 #include "shaders/stageshaders.h"
 
 #include <regex.h>

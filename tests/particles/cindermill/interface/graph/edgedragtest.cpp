@@ -1,5 +1,8 @@
 #include "scenetest.h"
 
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/changegraphedgeop.h"
+#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
 #include "particles/effectgraph/canconnect.h"
 
 namespace {

@@ -1,6 +1,10 @@
 #include "scenetest.h"
 
 #include "library/wimp/gl/renderfonttable.h"
+#include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
+#include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/nodepropertiesop.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 
 namespace {

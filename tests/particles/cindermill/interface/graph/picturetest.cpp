@@ -1,5 +1,6 @@
 #include "scenetest.h"
 
+#include "particles/cindermill/graph/operations/bypassflagop.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/interface/graph/nodepanel.h"
 #include "particles/cindermill/interface/graph/selboxrender.h"

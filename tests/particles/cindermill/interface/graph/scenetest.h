@@ -4,9 +4,10 @@
 #include "support/gltest.h"
 #include "support/testapp.h"
 
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/tooledge.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 

@@ -4,10 +4,10 @@
 #include "support/testapp.h"
 
 #include "library/system/message.h"
+#include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/glcontext.h"
-#include "library/wimp/gl/sceneview.h"
-#include "particles/cindermill/graph/nodedisplay.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/nodedisplay.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/particles/lineprogram.h"
 #include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/valueparameters.h"

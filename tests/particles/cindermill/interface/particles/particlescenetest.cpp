@@ -4,9 +4,9 @@
 #include "support/gltest.h"
 #include "support/sampledocument.h"
 
+#include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/glcontext.h"
-#include "library/wimp/gl/sceneview.h"
-#include "particles/cindermill/graph/effectexecnode.h"
+#include "particles/cindermill/graph/engine/effectexecnode.h"
 #include "particles/cindermill/interface/particles/displays.h"
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/cindermill/main/resourcehost.h"
@@ -143,9 +143,10 @@ TEST_F(ParticleScene, AnOtherDocumentOfTheSameSceneIsDrawnToo)
 }
 
 // A stage that finds something wrong while it draws.
-class TFailingStage : public TEffectExecNode
+class TFailingStage : public TRegistered<TFailingStage, TEffectExecNode>
 {
 public:
+    static constexpr const char* RegisteredName = "TFailingStage";
     void Render(const TSceneView&) override
     {
         glEnable(GL_FRAGMENT_PROGRAM_ARB);
@@ -171,7 +172,7 @@ void TakeErrors()
 
 void LetStagesFail(TDocument& document)
 {
-    static const int id = RegisterExecNode<TFailingStage>("TFailingStage");
+    static const int id = TFailingStage::ClassId();
     ASSERT_NE(id, -1);
     for (int i = 0; i < document.GetGraph()->GetNumNodes(); ++i) {
         TNodeType* type = document.GetGraph()->GetNode(i)->GetNodeType();

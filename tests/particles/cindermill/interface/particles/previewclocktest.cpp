@@ -2,8 +2,8 @@
 
 #include "support/sampledocument.h"
 
-#include "particles/cindermill/graph/graphoperations.h"
-#include "particles/cindermill/graph/toolnode.h"
+#include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/effectgraph/error.h"
 

@@ -1,9 +1,9 @@
 #include "support/gltest.h"
 #include "support/sampledocument.h"
 
+#include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/glcontext.h"
-#include "library/wimp/gl/sceneview.h"
-#include "particles/cindermill/graph/random.h"
+#include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/interface/particles/camera.h"
 #include "particles/cindermill/interface/particles/displays.h"
 #include "particles/cindermill/interface/particles/particlescene.h"

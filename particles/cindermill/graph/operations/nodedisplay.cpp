@@ -1,0 +1,1 @@
+#include "particles/cindermill/graph/operations/nodedisplay.h"

@@ -1,0 +1,155 @@
+#include "particles/cindermill/graph/operations/operationstack.h"
+
+#include "library/system/clock.h"
+#include "particles/cindermill/graph/operations/editcontext.h"
+#include "particles/cindermill/graph/operations/historycheck.h"
+#include "particles/effectgraph/refreshrecord.h"
+
+TAdaption TOperation::AdaptTo(const TRefreshRecord& record)
+{
+    vector<TChunk*> held;
+    GetMade(held);
+    GetUsed(held);
+    for (const TChunk* chunk : held)
+        if (record.IsLost(chunk))
+            return AD_LOST;
+    return AD_FITS;
+}
+
+TOperationStack::TOperationStack() : LastTime(GetTickCount()) {}
+
+bool TOperationStack::Read(int size, int version, TChunkFile* chunkFile)
+{
+    (void)size;
+    (void)version;
+    if (!chunkFile->ReadPointers(Operations) || !chunkFile->File.ReadI32(Position))
+        return false;
+    SavedPosition = Position;
+    IsFromFile = true;
+    return true;
+}
+
+bool TOperationStack::Write(TChunkFile* chunkFile)
+{
+    return chunkFile->WritePointers(Operations) && chunkFile->File.WriteI32(Position);
+}
+
+// Where a file's history is not to be trusted, what the operations made stays in the chunk file.
+void TOperationStack::DropTail(TEditContext& doc, int first)
+{
+    if (first >= Operations.size())
+        return;
+    const bool discards = !IsFromFile || CanFreeTail(*this, first, *doc.GetGraph(), doc.GetChunks());
+    while (first < Operations.size()) {
+        TOperation* op = Operations[first];
+        doc.GetChunks().RemoveChunk(op);
+        if (discards)
+            op->Discard(doc);
+        delete op;
+        Operations.erase(Operations.begin() + first);
+    }
+}
+
+// What the operation made or removed stays where it is.
+void TOperationStack::DropOne(TEditContext& doc, int i)
+{
+    TOperation* op = Operations[i];
+    doc.GetChunks().RemoveChunk(op);
+    delete op;
+    Operations.erase(Operations.begin() + i);
+}
+
+void TOperationStack::Apply(TEditContext& doc, TOperation* op)
+{
+    DropTail(doc, Position);
+    const uint32_t now = GetTickCount();
+    if (now < LastTime + MergeInterval && !Operations.empty() && op->Merge(*Operations.back())) {
+        delete op;
+        doc.RedrawWindows();
+        LastTime = GetTickCount();
+        return;
+    }
+    Operations.push_back(op);
+    doc.GetChunks().AddChunk(op);
+    op->Do(doc);
+    ++Position;
+    LastTime = GetTickCount();
+}
+
+bool TOperationStack::Undo(TEditContext& doc)
+{
+    // The next operation never merges with what stands on the stack after an undo.
+    LastTime = 0;
+    if (Position <= 0)
+        return true;
+    if (IsFromFile && !Operations[Position - 1]->Fits(*doc.GetGraph(), true))
+        return false;
+    --Position;
+    Operations[Position]->Undo(doc);
+    return true;
+}
+
+bool TOperationStack::Redo(TEditContext& doc)
+{
+    if (Position >= Operations.size())
+        return true;
+    if (IsFromFile && !Operations[Position]->Fits(*doc.GetGraph(), false))
+        return false;
+    Operations[Position]->Do(doc);
+    ++Position;
+    return true;
+}
+
+void TOperationStack::Clear(TEditContext& doc)
+{
+    DropTail(doc, Position);
+    while (!Operations.empty())
+        DropOne(doc, Operations.size() - 1);
+    Position = 0;
+    SavedPosition = 0;
+}
+
+// What a lost operation made went with the refresh, so that there is nothing to discard.
+int TOperationStack::AdaptTo(const TRefreshRecord& record, TEditContext& doc)
+{
+    const int before = Operations.size();
+    vector<bool> isLost;
+    int first = 0;
+    int end = before;
+    for (int i = 0; i < before; ++i) {
+        const TAdaption adaption = Operations[i]->AdaptTo(record);
+        isLost.push_back(adaption != AD_FITS);
+        if (adaption == AD_CUTS && i < Position)
+            first = i + 1;
+        else if (adaption == AD_CUTS && i < end)
+            end = i;
+    }
+    for (int i = before - 1; i >= 0; --i) {
+        if (!isLost[i] && i >= first)
+            continue;
+        end -= i < end ? 1 : 0;
+        Position -= i < Position ? 1 : 0;
+        DropOne(doc, i);
+    }
+    DropTail(doc, end);
+    LastTime = 0;
+    MarkChanged();
+    return before - Operations.size();
+}
+
+bool TOperationStack::Check() const
+{
+    if (Position < 0 || Position > Operations.size())
+        return false;
+    vector<bool> seen;
+    for (TOperation* op : Operations) {
+        if (op == nullptr || !op->Check())
+            return false;
+        while (seen.size() <= op->ChunkIdx)
+            seen.push_back(false);
+        if (seen[op->ChunkIdx])
+            return false;
+        seen[op->ChunkIdx] = true;
+    }
+    return true;
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "particles/cindermill/graph/operations/operation.h"
+
+// The history of a document: what was done, and what was undone and can be done again. The operations are
+// chunks of the document's chunk file.
+class TOperationStack : public TRegistered<TOperationStack, TChunk>
+{
+public:
+    static constexpr const char* RegisteredName = "TOperationStack";
+    // Like edits that follow each other within this time may become one.
+    static constexpr uint32_t MergeInterval = 2000;
+
+    TOperationStack();
+    bool Read(int size, int version, TChunkFile* chunkFile) override;
+    bool Write(TChunkFile* chunkFile) override;
+    int GetSize() override { return 8 + 4 * Operations.size(); }
+
+    // Takes ownership of the operation.
+    void Apply(TEditContext& doc, TOperation* op);
+    // False if the operation does not fit the graph: the file that it came from is damaged, and nothing was
+    // done.
+    bool Undo(TEditContext& doc);
+    bool Redo(TEditContext& doc);
+    bool CanUndo() const { return Position > 0; }
+    bool CanRedo() const { return Position < Operations.size(); }
+    // Forgets the history. What the done operations removed stays in the chunk file until the document goes.
+    void Clear(TEditContext& doc);
+    // After a refresh of node types: drops the operations that do not fit any more and keeps the others.
+    // Returns how many were dropped. No undo or redo leads back to what was saved.
+    int AdaptTo(const TRefreshRecord& record, TEditContext& doc);
+    // The document differs from its file by more than operations.
+    void MarkChanged() { SavedPosition = NoPosition; }
+    bool IsAtSavedPosition() const { return Position == SavedPosition; }
+    void MarkSaved() { SavedPosition = Position; }
+
+    int GetNumOperations() const { return Operations.size(); }
+    TOperation* GetOperation(int i) const { return Operations[i]; }
+    int GetPosition() const { return Position; }
+    // Whether the stack and its operations, as read from a file, can be relied on.
+    bool Check() const;
+
+private:
+    static constexpr int NoPosition = -1;
+
+    // The operations from `first` on, none of which is done.
+    void DropTail(TEditContext& doc, int first);
+    void DropOne(TEditContext& doc, int i);
+
+    vector<TOperation*> Operations;
+    int Position = 0;
+    int SavedPosition = 0;
+    uint32_t LastTime;
+    // Its operations may be anything, and are asked whether they fit.
+    bool IsFromFile = false;
+};

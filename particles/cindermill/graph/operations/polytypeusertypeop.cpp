@@ -1,0 +1,174 @@
+#include "particles/cindermill/graph/operations/polytypeusertypeop.h"
+
+#include "particles/cindermill/graph/operations/editcontext.h"
+#include "particles/effectgraph/effectgraph.h"
+#include "particles/effectgraph/refreshrecord.h"
+
+TPolytypeUserTypeOp::TPolytypeUserTypeOp(TEffectNode* node, TNodePolytypeParameter* param, int newType)
+    : NewType(newType)
+{
+    int i = 0;
+    while (i < node->GetNodeType()->GetNumInputs() && node->GetNodeType()->GetInput(i) != param)
+        ++i;
+    ASSERT_TEXT(i < node->GetNodeType()->GetNumInputs(), "i < node->GetNodeType()->GetNumInputs()");
+    CollectInput(node, i);
+}
+
+void TPolytypeUserTypeOp::CollectInput(TEffectNode* node, int port)
+{
+    const TNodeType& type = *node->GetNodeType();
+    if (type.GetBasicInputType(port) != TY_POLYTYPE)
+        return;
+    TNodePolytypeParameter* param = static_cast<TNodePolytypeParameter*>(type.GetInput(port));
+    for (const TParameterRecord& record : Parameters)
+        if (record.Parameter == param)
+            return;
+    Parameters.push_back(TParameterRecord{param, param->GetCurrentType()});
+    const int linkInput = param->GetLinkInputIndex(node);
+    if (linkInput != -1)
+        CollectInput(node, linkInput);
+    const int linkOutput = param->GetLinkOutputIndex(node);
+    if (linkOutput != -1)
+        CollectOutput(node, linkOutput);
+    const TEffectEdge* edge = node->GetInput(port);
+    if (edge != nullptr)
+        CollectOutput(edge->GetSrcNode(), edge->GetSrcPort());
+    for (int i = 0; i < type.GetNumInputs(); ++i)
+        if (type.GetBasicInputType(i) == TY_POLYTYPE &&
+            static_cast<TNodePolytypeParameter*>(type.GetInput(i))->GetLinkInputIndex(node) == port)
+            CollectInput(node, i);
+    for (int i = 0; i < type.GetNumOutputs(); ++i)
+        if (type.GetOutput(i).LinkInput == port)
+            CollectOutput(node, i);
+}
+
+void TPolytypeUserTypeOp::CollectOutput(TEffectNode* node, int port)
+{
+    const TNodeType& type = *node->GetNodeType();
+    if (type.GetOutput(port).Type != TY_POLYTYPE)
+        return;
+    for (const TOutputRecord& record : Outputs)
+        if (record.Node == node && record.Port == port)
+            return;
+    Outputs.push_back(TOutputRecord{node, port, type.GetOutputType(port)});
+    if (type.GetOutput(port).LinkInput != -1)
+        CollectInput(node, type.GetOutput(port).LinkInput);
+    if (type.GetOutput(port).LinkOutput != -1)
+        CollectOutput(node, type.GetOutput(port).LinkOutput);
+    for (int n = 0; n < node->GetNumOutputEdges(port); ++n) {
+        const TEffectEdge* edge = node->GetOutputEdge(port, n);
+        CollectInput(edge->GetDstNode(), edge->GetDstPort());
+    }
+    for (int i = 0; i < type.GetNumInputs(); ++i)
+        if (type.GetBasicInputType(i) == TY_POLYTYPE &&
+            static_cast<TNodePolytypeParameter*>(type.GetInput(i))->GetLinkOutputIndex(node) == port)
+            CollectInput(node, i);
+    for (int i = 0; i < type.GetNumOutputs(); ++i)
+        if (type.GetOutput(i).LinkOutput == port)
+            CollectOutput(node, i);
+}
+
+bool TPolytypeUserTypeOp::Read(int size, int version, TChunkFile* chunkFile)
+{
+    (void)size;
+    (void)version;
+    TBinaryFile& file = chunkFile->File;
+    uint32_t count = 0;
+    if (!chunkFile->ReadCount(count, 8))
+        return false;
+    Parameters.resize(static_cast<int>(count));
+    for (TParameterRecord& record : Parameters)
+        if (!chunkFile->ReadPointer(record.Parameter) || !file.ReadI32(record.OldType))
+            return false;
+    if (!chunkFile->ReadCount(count, 12))
+        return false;
+    Outputs.resize(static_cast<int>(count));
+    for (TOutputRecord& record : Outputs)
+        if (!chunkFile->ReadPointer(record.Node) || !file.ReadI32(record.Port) ||
+            !file.ReadI32(record.OldType))
+            return false;
+    return file.ReadI32(NewType);
+}
+
+bool TPolytypeUserTypeOp::Write(TChunkFile* chunkFile)
+{
+    TBinaryFile& file = chunkFile->File;
+    if (!file.WriteU32(static_cast<uint32_t>(Parameters.size())))
+        return false;
+    for (const TParameterRecord& record : Parameters)
+        if (!chunkFile->WritePointer(record.Parameter) || !file.WriteI32(record.OldType))
+            return false;
+    if (!file.WriteU32(static_cast<uint32_t>(Outputs.size())))
+        return false;
+    for (const TOutputRecord& record : Outputs)
+        if (!chunkFile->WritePointer(record.Node) || !file.WriteI32(record.Port) ||
+            !file.WriteI32(record.OldType))
+            return false;
+    return file.WriteI32(NewType);
+}
+
+bool TPolytypeUserTypeOp::Check() const
+{
+    auto isType = [](int type) { return type >= TY_SCALAR && type < TY_POLYTYPE; };
+    for (const TParameterRecord& record : Parameters)
+        if (record.Parameter == nullptr || !isType(record.OldType))
+            return false;
+    for (const TOutputRecord& record : Outputs)
+        if (record.Node == nullptr || !isType(record.OldType))
+            return false;
+    return isType(NewType);
+}
+
+bool TPolytypeUserTypeOp::Fits(const TEffectGraph&, bool) const
+{
+    for (const TOutputRecord& record : Outputs) {
+        const TNodeType* type = record.Node->GetNodeType();
+        if (type == nullptr || record.Port < 0 || record.Port >= type->GetNumOutputs())
+            return false;
+    }
+    return true;
+}
+
+// Ports that follow each other get one type: where one of them has lost it, or is gone, the others keep
+// theirs.
+TAdaption TPolytypeUserTypeOp::AdaptTo(const TRefreshRecord& record)
+{
+    for (TOutputRecord& output : Outputs) {
+        output.Port = record.FindOutput(output.Node, output.Port);
+        if (output.Port == -1)
+            return AD_LOST;
+        const uint32_t types = output.Node->GetNodeType()->GetOutput(output.Port).ValidTypes;
+        if (record.HasNode(output.Node) && ((types >> output.OldType & types >> NewType) & 1) == 0)
+            return AD_LOST;
+    }
+    for (const TParameterRecord& input : Parameters)
+        if (!input.Parameter->IsTypeValid(input.OldType) || !input.Parameter->IsTypeValid(NewType))
+            return AD_LOST;
+    return TOperation::AdaptTo(record);
+}
+
+void TPolytypeUserTypeOp::GetUsed(vector<TChunk*>& result) const
+{
+    for (const TParameterRecord& record : Parameters)
+        result.push_back(record.Parameter);
+    for (const TOutputRecord& record : Outputs)
+        result.push_back(record.Node);
+}
+
+void TPolytypeUserTypeOp::Do(TEditContext& doc)
+{
+    for (const TParameterRecord& record : Parameters)
+        record.Parameter->SetUserType(NewType);
+    for (const TOutputRecord& record : Outputs)
+        record.Node->GetNodeType()->GetOutput(record.Port).DefaultType = NewType;
+    doc.RedrawWindows();
+}
+
+void TPolytypeUserTypeOp::Undo(TEditContext& doc)
+{
+    for (const TParameterRecord& record : Parameters)
+        record.Parameter->SetUserType(record.OldType);
+    for (const TOutputRecord& record : Outputs)
+        record.Node->GetNodeType()->GetOutput(record.Port).DefaultType = record.OldType;
+    doc.RedrawWindows();
+}

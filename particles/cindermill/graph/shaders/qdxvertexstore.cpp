@@ -1,0 +1,87 @@
+#include "particles/cindermill/graph/shaders/qdxvertexstore.h"
+
+#include "library/containers/assertion.h"
+#include "particles/cindermill/graph/shaders/qdxvertexprogram.h"
+
+namespace {
+
+// A program until the store has taken it: translation may stop on an assertion.
+struct TNewProgram
+{
+    TQdxVertexProgram* Program = new TQdxVertexProgram;
+
+    TNewProgram() = default;
+    ~TNewProgram() { delete Program; }
+    TNewProgram(const TNewProgram&) = delete;
+    TNewProgram& operator=(const TNewProgram&) = delete;
+    TQdxVertexProgram* Release()
+    {
+        TQdxVertexProgram* program = Program;
+        Program = nullptr;
+        return program;
+    }
+};
+
+uint32_t ReadWord(const uint8_t* bytes)
+{
+    return static_cast<uint32_t>(bytes[0]) << 24 | static_cast<uint32_t>(bytes[1]) << 16 |
+           static_cast<uint32_t>(bytes[2]) << 8 | static_cast<uint32_t>(bytes[3]);
+}
+
+} // namespace
+
+TQdxVertexStore::~TQdxVertexStore()
+{
+    for (TQdxVertexProgram* program : Programs)
+        delete program;
+}
+
+TQdxVertexStore& TQdxVertexStore::Get()
+{
+    static TQdxVertexStore store;
+    return store;
+}
+
+void TQdxVertexStore::SetStartSlot(int slot)
+{
+    if (slot == StartSlot)
+        return;
+    StartSlot = slot;
+    Current = nullptr;
+}
+
+void TQdxVertexStore::LoadInstructions(const uint8_t* words, int count)
+{
+    if (LoadSlot == StartSlot)
+        Current = nullptr;
+    for (int i = 0; i < count; ++i) {
+        ASSERT_TEXT(LoadSlot < NumSlots, "m_loadSlot < 544");
+        for (int word = 0; word < 4; ++word)
+            Slots[LoadSlot].Words[word] = ReadWord(words + 16 * i + 4 * word);
+        ++LoadSlot;
+    }
+}
+
+TQdxVertexProgram* TQdxVertexStore::GetProgram()
+{
+    if (Current != nullptr)
+        return Current;
+    int end = StartSlot;
+    while (end < NumSlots - 1 && !Slots[end].IsLast())
+        ++end;
+    Current = FindProgram(end + 1 - StartSlot);
+    return Current;
+}
+
+TQdxVertexProgram* TQdxVertexStore::FindProgram(int count)
+{
+    const TVertexInstruction* code = Slots + StartSlot;
+    const uint32_t hash = TQdxVertexProgram::HashCode(code, count);
+    for (TQdxVertexProgram* program : Programs)
+        if (program->IsSameCode(code, count, hash))
+            return program;
+    TNewProgram made;
+    made.Program->Translate(code, count);
+    Programs.push_back(made.Program);
+    return made.Release();
+}

@@ -1,0 +1,350 @@
+#include "particles/effectgraph/export/exportbuilder.h"
+
+#include "library/containers/log.h"
+#include "library/containers/nametocrc.h"
+#include "particles/effectgraph/error.h"
+#include "particles/effectgraph/export/exportfield.h"
+#include "particles/effectgraph/export/preprocessstreams.h"
+#include "particles/effectgraph/export/recordpacker.h"
+#include "particles/effectgraph/export/roundup.h"
+#include "particles/effectgraph/export/rowformat.h"
+
+namespace {
+// The type of a patch that takes a trigger's value.
+constexpr uint32_t TriggerPatch = 1;
+constexpr uint32_t EventWorkspace = 1024;
+// The console moves the store of particles in units of so many bytes.
+constexpr int StoreAlignment = 16;
+
+// What a phase's program and its records take on the console.
+constexpr int ProgramBaseBytes = 48;
+constexpr int BufferBytes = 16;
+constexpr int ParamBytes = 32;
+constexpr int ProgramAlignment = 16;
+
+int64_t ToKilobytes(int64_t bytes)
+{
+    return (bytes + 1023) / 1024;
+}
+
+int64_t StreamBytes(const TCommandStream& stream)
+{
+    return RoundUp<int64_t>(stream.Words.size() * 4, ProgramAlignment);
+}
+
+int64_t ProgramBytes(const TExportPhase& phase)
+{
+    return ProgramBaseBytes + BufferBytes * (phase.Header.InputBuffers + phase.Header.OutputBuffers) +
+           StreamBytes(phase.Unpack) + StreamBytes(phase.Execute) + StreamBytes(phase.Pack) +
+           static_cast<int64_t>(ParamBytes) * phase.Execute.ExecuteParams.size();
+}
+
+int64_t WorkspaceBytes(const TCommandStream& execute)
+{
+    int64_t bytes = 0;
+    for (const TExecuteParam& param : execute.ExecuteParams) {
+        const int64_t end = static_cast<int64_t>(param.WorkspaceOffset) + param.WorkspaceSize;
+        if (end > bytes)
+            bytes = end;
+    }
+    return bytes;
+}
+
+void FillHeader(TExportPhase& phase, uint8_t number, bool hasInput)
+{
+    TPhaseHeader& header = phase.Header;
+    header.Phase = number;
+    header.Rows = ToByteField(phase.Rows, "machine rows");
+    header.InputBuffers = hasInput ? 1 : 0;
+    header.OutputBuffers = 1;
+    header.UnpackWords = ToWordField(phase.Unpack.Words.size(), "unpack words");
+    header.ExecuteWords = ToWordField(phase.Execute.Words.size(), "execute words");
+    header.PackWords = ToWordField(phase.Pack.Words.size(), "pack words");
+    header.NumParams = ToWordField(phase.Execute.ExecuteParams.size(), "execute parameters");
+    header.ProgramKilobytes = ToByteField(ToKilobytes(ProgramBytes(phase)), "program kilobytes");
+    header.WorkspaceKilobytes =
+        ToByteField(ToKilobytes(WorkspaceBytes(phase.Execute)), "workspace kilobytes");
+}
+
+int RoundUpCount(int particles, int stride)
+{
+    uint32_t count = static_cast<uint32_t>(particles);
+    while (count * static_cast<uint32_t>(stride) % StoreAlignment != 0)
+        ++count;
+    return static_cast<int>(count);
+}
+
+// The attribute that fires the group has no place in the particle record, and is listed as lying at -1.
+uint8_t GetListedOffset(const TExportAttribute& attr, int behind)
+{
+    const int offset = attr.Offset + behind;
+    return attr.Offset == -1 ? static_cast<uint8_t>(offset) : ToByteField(offset, "render attribute offset");
+}
+
+// The position of a name's patch in the stream's patch table.
+int FindPatch(const TCommandStream& stream, const TString& name)
+{
+    const auto it = stream.PatchLocations.find(NameToCrc(name.Print()));
+    ASSERT_TEXT(it != stream.PatchLocations.end(), "it != PatchLocations.end()");
+    return static_cast<int>(it - stream.PatchLocations.begin());
+}
+
+void ResolveTransforms(TExportPhase& phase)
+{
+    for (TExportTransform& transform : phase.Transforms)
+        transform.Ordinal = ToWordField(FindPatch(phase.Execute, transform.Name), "transform's patch");
+}
+
+void CountTransforms(TExportPhase& phase)
+{
+    phase.Header.NumTransforms = ToByteField(phase.Transforms.size(), "number of transforms");
+}
+} // namespace
+
+TExportBuilder::TExportBuilder(const TEffectSchedule& schedule, TExportResult& result)
+    : Schedule(schedule), Result(result), Groups(result.Groups)
+{
+}
+
+void TExportBuilder::Build(TErrorList& errors)
+{
+    for (int group = 0; group < Groups.size(); ++group) {
+        EmitGroupConstants(group);
+        PackGroup(group);
+        AddEvent(group, errors);
+        ListRenderAttributes(group);
+    }
+    for (int group = 0; group < Groups.size(); ++group)
+        OptimiseGroup(group);
+    Result.GroupData.clear();
+    for (TExportGroup& group : Groups) {
+        ResolveNames(group);
+        FillGroupData(group);
+    }
+    CheckSharedData();
+    Result.Built = true;
+}
+
+void TExportBuilder::EmitGroupConstants(int group)
+{
+    TExportGroup& out = Groups[group];
+    vector<uint32_t> rows;
+    for (int i = 0; i < out.Constants.size(); ++i)
+        rows.push_back(RowConstant + static_cast<uint32_t>(i));
+    out.Emission.Execute.AddConstants(out.Constants, rows);
+}
+
+// The count of births is used where the particle is born, and is not kept.
+void TExportBuilder::PackGroup(int group)
+{
+    TExportGroup& out = Groups[group];
+    TRecordPacker packer(out);
+    for (int attrib = 0; attrib < out.Attributes.size(); ++attrib)
+        if (attrib != out.TriggerInput)
+            packer.AddAttribute(attrib, Schedule.GetAttributeUsage(group, attrib) == TU_RENDER);
+    packer.AddConstants();
+    packer.AddCommands();
+}
+
+// The group's particles are fired by another group, which writes an event for each.
+void TExportBuilder::AddEvent(int group, TErrorList& errors)
+{
+    const TExportGroup& fired = Groups[group];
+    int parent = -1;
+    vector<int> attribs;
+    for (int attrib = 0; attrib < fired.Attributes.size(); ++attrib) {
+        const int external = Schedule.GetAttributeExternalGroup(group, attrib);
+        if (external == -1 || IsEventTrigger(group, attrib))
+            continue;
+        if (parent != -1 && parent != external) {
+            errors.Add(new TError("Cannot export effect - multiple parent groups detected."));
+            attribs.clear();
+        }
+        parent = external;
+        attribs.push_back(Schedule.GetAttributeExternalAttrib(group, attrib));
+    }
+    if (!attribs.empty())
+        AddEventTo(parent, group, attribs);
+    else if (fired.TriggerGroup != -1)
+        AddEventTo(fired.TriggerGroup, group, attribs);
+}
+
+bool TExportBuilder::IsEventTrigger(int group, int attrib) const
+{
+    return Schedule.GetAttributeExternalGroup(group, attrib) == Groups[group].TriggerGroup &&
+           Schedule.GetAttributeExternalAttrib(group, attrib) == Groups[group].TriggerAttrib;
+}
+
+void TExportBuilder::AddEventTo(int parent, int group, const vector<int>& attribs)
+{
+    TExportGroup& firing = Groups[parent];
+    const TExportGroup& fired = Groups[group];
+    vector<uint32_t> rows;
+    AddPayloadRows(parent, attribs, rows);
+    if (fired.TriggerGroup != -1)
+        AddTriggerRow(parent, group, rows);
+    TDataBlock block;
+    AppendU32(block, 0);
+    AppendU32(block, static_cast<uint32_t>(fired.EventSize));
+    AppendU32(block, static_cast<uint32_t>(fired.MaxEmission));
+    AppendU32(block, 0);
+    TString patch;
+    patch.Format("event %d", firing.Events.size());
+    TCommandStream& stream = firing.Process.Execute;
+    stream.AddData(block);
+    stream.AddPatch(TCommandPatch{NameToCrc(patch.Print()), 0, 0});
+    stream.AddCommand(NameToCrc("IdWriteEvents"), rows.size(), 0, EventWorkspace);
+    stream.AddInputRows(rows);
+    TExportEvent event;
+    event.TargetGroup = ToWordField(group, "event's group");
+    firing.Events.push_back(event);
+}
+
+// In fours, the last filled up with row 0.
+void TExportBuilder::AddPayloadRows(int parent, const vector<int>& attribs, vector<uint32_t>& rows)
+{
+    TExportGroup& firing = Groups[parent];
+    TExportPhase& process = firing.Process;
+    for (const int attrib : attribs) {
+        const TExportAttribute& attr = firing.Attributes[attrib];
+        for (int r = 0; r < attr.RowCount; ++r) {
+            rows.push_back(process.RowMap[attr.RowStart + r]);
+            process.Flags[attrib].MarkRead(r);
+        }
+    }
+    while (rows.size() % RowsPerQuad != 0)
+        rows.push_back(0);
+}
+
+// The row that says how many particles are due. It comes from the trigger's group, through a constant that
+// the console fills in where that is another group than the one that writes the event.
+void TExportBuilder::AddTriggerRow(int parent, int group, vector<uint32_t>& rows)
+{
+    TExportGroup& firing = Groups[parent];
+    TExportGroup& trigger = Groups[Groups[group].TriggerGroup];
+    const int triggerRow = trigger.Attributes[Groups[group].TriggerAttrib].RowStart;
+    const uint32_t row = firing.Process.RowMap[triggerRow];
+    if (Groups[group].TriggerGroup == parent) {
+        rows.push_back(row);
+        return;
+    }
+    // The console counts the stream's patches that were located before; none is while the streams are
+    // collected.
+    TCommandStream& stream = firing.Process.Execute;
+    const int number = stream.PatchLocations.size();
+    TExportTrigger entry;
+    entry.Group = ToByteField(parent, "trigger's group");
+    entry.Number = ToByteField(number, "trigger's number");
+    entry.Row = ToWordField(row, "trigger's row");
+    trigger.Triggers.push_back(entry);
+    TString patch;
+    patch.Format("trigger %d", number);
+    const uint32_t temp = RowTemp + static_cast<uint32_t>(firing.NumTemps++);
+    const uint8_t zero[4] = {};
+    stream.AddData(zero, 4);
+    stream.AddPatch(TCommandPatch{NameToCrc(patch.Print()), TriggerPatch, 0});
+    stream.AddCommand(NameToCrc("IdConstantEmitter"), 0, 1, 0);
+    stream.AddOutputs(temp, 0, 0, 0);
+    rows.push_back(temp);
+}
+
+void TExportBuilder::ListRenderAttributes(int group)
+{
+    for (int attrib = 0; attrib < Groups[group].Attributes.size(); ++attrib)
+        if (Schedule.GetAttributeUsage(group, attrib) == TU_RENDER)
+            ListRenderAttribute(group, attrib);
+}
+
+// A transform is two vertex attributes, of three components each.
+void TExportBuilder::ListRenderAttribute(int group, int attrib)
+{
+    constexpr int HalfComponents = 3;
+    const TExportAttribute& attr = Groups[group].Attributes[attrib];
+    const TRowFormat& format = RowFormats[attr.Format];
+    const bool isTransform = Schedule.GetAttributeType(group, attrib) == TY_TRANSFORM;
+    TString name = attr.Name;
+    name.TruncateAtFirst(' ');
+    TRenderAttribute entry;
+    entry.NameId = NameToCrc(name.Print());
+    entry.Offset = GetListedOffset(attr, 0);
+    entry.VertexType = format.VertexType;
+    entry.NumComponents = static_cast<uint8_t>(isTransform ? HalfComponents : attr.RowCount);
+    Groups[group].RenderAttributes.push_back(entry);
+    if (!isTransform)
+        return;
+    name += "_q";
+    entry.NameId = NameToCrc(name.Print());
+    entry.Offset = GetListedOffset(attr, HalfComponents * format.Size);
+    Groups[group].RenderAttributes.push_back(entry);
+}
+
+void TExportBuilder::OptimiseGroup(int group)
+{
+    TExportGroup& out = Groups[group];
+    DebugPrintf("Emission[%d]:\n", group);
+    out.Emission.Rows = PreprocessStreams(out.Emission.Unpack, out.Emission.Execute, out.Emission.Pack);
+    DebugPrintf("\nProcess[%d]:\n", group);
+    out.Process.Rows = PreprocessStreams(out.Process.Unpack, out.Process.Execute, out.Process.Pack);
+    DebugPrintf("\n\n");
+    SerialisePhase(out.Emission);
+    SerialisePhase(out.Process);
+    out.ParticleCount = RoundUpCount(out.ParticleCount, out.Stride);
+    FillHeader(out.Emission, 0, out.IsTriggerGroup || out.EventSize > 0);
+    FillHeader(out.Process, 1, true);
+}
+
+void TExportBuilder::SerialisePhase(TExportPhase& phase)
+{
+    phase.Unpack.Serialise(Result.Table, false);
+    phase.Execute.Serialise(Result.Table, true);
+    phase.Pack.Serialise(Result.Table, false);
+}
+
+// The file holds positions in place of the patches' names.
+void TExportBuilder::ResolveNames(TExportGroup& group)
+{
+    const TCommandStream& stream = group.Process.Execute;
+    ResolveTransforms(group.Emission);
+    ResolveTransforms(group.Process);
+    TString name;
+    for (TExportBounds& bounds : group.Bounds) {
+        if (bounds.Index == -1)
+            continue;
+        name.Format("bb %d", bounds.Index);
+        bounds.Ordinal = FindPatch(stream, name);
+    }
+    for (int i = 0; i < group.Events.size(); ++i) {
+        name.Format("event %d", i);
+        const TPatchLocation& location = stream.PatchLocations.at(FindPatch(stream, name)).second;
+        ASSERT_TEXT(location.Offsets.size() == 1, "it->second.Offsets.size() == 1");
+        group.Events[i].Offset = location.Offsets[0];
+    }
+}
+
+void TExportBuilder::FillGroupData(TExportGroup& group)
+{
+    TGroupRecord record;
+    record.Stride = ToWordField(group.Stride, "particle record size");
+    record.EventSize = ToWordField(group.EventSize, "event payload size");
+    record.MaxEmission = ToWordField(group.MaxEmission, "maximum emission");
+    record.NumBounds = ToByteField(group.Bounds.size(), "number of bounds");
+    record.NumTriggers = ToByteField(group.Triggers.size(), "number of triggers");
+    record.NumEvents = ToByteField(group.Events.size(), "number of events");
+    CountTransforms(group.Emission);
+    CountTransforms(group.Process);
+    record.NumStages = ToByteField(group.RenderStages.size(), "number of render stages");
+    record.NumRenderAttributes = ToByteField(group.RenderAttributes.size(), "number of render attributes");
+    for (const TRenderStageData& stage : group.RenderStages)
+        ToByteField(stage.Constants.size(), "number of stage constants");
+    Result.GroupData.push_back(record);
+}
+
+void TExportBuilder::CheckSharedData() const
+{
+    int64_t offset = 0;
+    for (const TSharedData& shared : Result.SharedData) {
+        ToWordField(offset, "shared data offset");
+        ToWordField(shared.Data.size(), "shared data size");
+        offset += shared.Data.size();
+    }
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "particles/effectgraph/export/exportresult.h"
+#include "particles/effectgraph/schedule/schedule.h"
+
+class TErrorList;
+
+// Completes an export when all nodes have spoken: adds what spans nodes, optimises the streams and fills in
+// the file's records.
+class TExportBuilder
+{
+public:
+    // Refers to both.
+    TExportBuilder(const TEffectSchedule& schedule, TExportResult& result);
+    // Once. What does not fit the file is an assertion.
+    void Build(TErrorList& errors);
+
+private:
+    // What spans nodes.
+    void EmitGroupConstants(int group);
+    void PackGroup(int group);
+    void AddEvent(int group, TErrorList& errors);
+    bool IsEventTrigger(int group, int attrib) const;
+    void AddEventTo(int parent, int group, const vector<int>& attribs);
+    void AddPayloadRows(int parent, const vector<int>& attribs, vector<uint32_t>& rows);
+    void AddTriggerRow(int parent, int group, vector<uint32_t>& rows);
+    void ListRenderAttributes(int group);
+    void ListRenderAttribute(int group, int attrib);
+
+    // Optimisation.
+    void OptimiseGroup(int group);
+    void SerialisePhase(TExportPhase& phase);
+
+    // The file's records.
+    void ResolveNames(TExportGroup& group);
+    void FillGroupData(TExportGroup& group);
+    void CheckSharedData() const;
+
+    const TEffectSchedule& Schedule;
+    TExportResult& Result;
+    vector<TExportGroup>& Groups;
+};

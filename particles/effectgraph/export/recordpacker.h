@@ -1,0 +1,36 @@
+#pragma once
+
+#include "particles/effectgraph/export/exportgroup.h"
+
+// Lays a group's rows out in the particle record, which is what a particle keeps between frames, and makes
+// the commands that move them there and back.
+class TRecordPacker
+{
+public:
+    // Refers to the group, whose stride grows.
+    explicit TRecordPacker(TExportGroup& group) : Group(group) {}
+    void AddAttribute(int attrib, bool isRender);
+    void AddConstants();
+    // Once, when everything has its place.
+    void AddCommands();
+
+private:
+    // A row of the record.
+    struct TPlace
+    {
+        uint32_t Row = 0;
+        int Offset = 0;
+        int Format = 0;
+    };
+
+    void AddEmissionRow(int attrib, int row, bool isRender);
+    void AddProcessRow(int attrib, int row);
+    void AddPackCommands(TCommandStream& stream, const vector<TPlace>& places) const;
+    void AddUnpackCommands(TCommandStream& stream, const vector<TPlace>& places) const;
+    uint32_t MapPackedRow(uint32_t row) const;
+
+    TExportGroup& Group;
+    vector<TPlace> EmissionPack;
+    vector<TPlace> ProcessUnpack;
+    vector<TPlace> ProcessPack;
+};

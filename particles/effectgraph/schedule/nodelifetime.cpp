@@ -1,0 +1,63 @@
+#include "particles/effectgraph/schedule/nodelifetime.h"
+
+#include "particles/effectgraph/groupparameter.h"
+#include "particles/effectgraph/simpleparameters.h"
+#include "particles/effectgraph/valueparameters.h"
+
+namespace {
+
+// The numbers of the entries of an emitter's "Emit Mode".
+constexpr int LastLivingEmitMode = 1;
+constexpr int DelayOnlyEmitMode = 2;
+
+// True if the port stands open and holds a scalar.
+bool GetOpenScalarInput(const TEffectNode* node, const char* name, float& value)
+{
+    const int input = node->GetNodeType()->FindInput(name);
+    if (input == -1 || node->GetInput(input) != nullptr)
+        return false;
+    const TNodeParameter* parameter = node->GetNodeType()->GetInput(input);
+    if (parameter->Type != TY_SCALAR)
+        return false;
+    value = static_cast<const TNodeScalarParameter*>(parameter)->Get();
+    return true;
+}
+
+float GetAgeLifeTime(const TEffectNode* node)
+{
+    float maxAge = 0;
+    GetOpenScalarInput(node, "Max Age", maxAge);
+    return maxAge;
+}
+
+float GetEmitterLifeTime(const TEffectNode* node)
+{
+    const TNodeType& type = *node->GetNodeType();
+    const auto* mode = type.FindParameterOf<TNodeEnumParameter>("Emit Mode", PK_ENUM);
+    const auto* limit = type.FindParameterOf<TNodeGroupParameter>("Max life time", PK_GROUP);
+    const auto* lifeTime = type.FindParameterOf<TNodeScalarParameter>("Max life time.Life Time", TY_SCALAR);
+    if (mode == nullptr || limit == nullptr || lifeTime == nullptr)
+        return 0;
+    float startDelay = 0;
+    GetOpenScalarInput(node, "Start Delay", startDelay);
+    const int number = mode->GetNumber();
+    if (number == DelayOnlyEmitMode)
+        return startDelay;
+    if (number < 0 || number > LastLivingEmitMode)
+        return 0;
+    if (!limit->Get())
+        return UnboundedLifeTime;
+    return static_cast<float>(double(lifeTime->Get()) + startDelay);
+}
+
+} // namespace
+
+float GetNodeLifeTime(const TEffectNode* node)
+{
+    const TString& name = node->GetNodeType()->Name;
+    if (name.Compare("Age") == 0)
+        return GetAgeLifeTime(node);
+    if (name.Compare("Emitter") == 0)
+        return GetEmitterLifeTime(node);
+    return 0;
+}

@@ -1,0 +1,43 @@
+#include "particles/effectgraph/schedule/schedulewiring.h"
+
+TScheduleWiring::TScheduleWiring(const vector<TEffectNode*>& nodes) : Nodes(nodes)
+{
+    for (int i = 0; i < nodes.size(); ++i)
+        Places[nodes[i]] = i;
+    Wires.resize(nodes.size());
+    for (int i = 0; i < nodes.size(); ++i)
+        CollectWires(nodes[i], Wires[i]);
+}
+
+int TScheduleWiring::Find(const TEffectNode* node) const
+{
+    const auto it = Places.find(node);
+    return it != Places.end() ? it->second : -1;
+}
+
+bool TScheduleWiring::HasTiedPorts(int node) const
+{
+    for (const int output : GetTiedOutputs(node))
+        if (output != -1)
+            return true;
+    return false;
+}
+
+bool TScheduleWiring::IsRoot(int node) const
+{
+    for (int p = 0; p < Nodes[node]->GetNumInputs(); ++p)
+        if (Nodes[node]->GetInput(p) != nullptr)
+            return false;
+    return true;
+}
+
+void TScheduleWiring::CollectWires(const TEffectNode* node, TWires& wires) const
+{
+    for (int p = 0; p < node->GetNumInputs(); ++p) {
+        ASSERT(node->GetInput(p) == nullptr || node->GetInput(p)->GetSrcNode() != nullptr);
+        wires.TiedOutputs.push_back(node->GetNodeType()->GetTiedOutput(p));
+    }
+    for (int o = 0; o < node->GetNumOutputs(); ++o)
+        for (int n = 0; n < node->GetNumOutputEdges(o); ++n)
+            wires.Targets.push_back(Find(node->GetOutputEdge(o, n)->GetDstNode()));
+}

@@ -1,0 +1,367 @@
+#include "particles/effectgraph/export/exporttestgraph.h"
+
+namespace {
+using TTexts = std::vector<std::string>;
+
+// A population whose particles fire a second one, at moments that the trigger group decides.
+struct TChildGraph
+{
+    explicit TChildGraph(bool ownTrigger = true)
+    {
+        Trigger = G.Node("Trigger", TU_TRIGGER, {}, {"Trigger"});
+        Parent = AddPopulation("Parent", {});
+        Child = AddPopulation("Child", {{"From", TY_VECTOR3}});
+        G.Wire(Trigger, 0, Parent, 0);
+        if (ownTrigger)
+            G.Wire(Trigger, 0, Child, 0);
+        G.Wire(Parent, 0, Child, 1);
+    }
+    TEffectNode* AddPopulation(const char* name, const std::vector<TTestPort>& more)
+    {
+        std::vector<TTestPort> inputs{{"Emission Trigger"}};
+        inputs.insert(inputs.end(), more.begin(), more.end());
+        TEffectNode* emitter = G.Node(name, TU_EMITTER, inputs, {{"Position", TY_VECTOR3}});
+        Stages.push_back(AddSprite(G));
+        G.Wire(emitter, 0, Stages.back(), 0);
+        return emitter;
+    }
+
+    TTestGraph G;
+    TEffectNode* Trigger;
+    TEffectNode* Parent;
+    TEffectNode* Child;
+    std::vector<TEffectNode*> Stages;
+};
+} // namespace
+
+TEST(TExportBuilder, RenderAttributeLiesInTheRecord)
+{
+    const TSmallGraph small;
+    TExported e(small.G);
+    small.Fill(e);
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& group = e.Group(1);
+    EXPECT_EQ(group.Attributes[e.Find(1, "Place")].Offset, 0);
+    EXPECT_EQ(group.Attributes[e.Find(1, "Emission Trigger")].Offset, -1);
+    EXPECT_EQ(group.Stride, 12);
+    EXPECT_EQ(TextsOf(group.Emission.Pack), (TTexts{"IdPackFloatN in 0 1 2 0 data 00030000"}));
+    EXPECT_EQ(TextsOf(group.Process.Unpack), (TTexts{"IdUnpackFloatN out 0 1 2 3 data 00000000"}));
+    EXPECT_EQ(TextsOf(group.Process.Pack), (TTexts{"IdPackFloatN in 0 1 2 0 data 00030000"}));
+    EXPECT_EQ(group.Process.Rows, 4);
+    EXPECT_TRUE(e.Errors.empty());
+}
+
+TEST(TExportBuilder, LogsBothPhasesOfEachGroup)
+{
+    const TSmallGraph small;
+    TExported e(small.G);
+    small.Fill(e);
+    e.Build();
+    EXPECT_EQ(e.Log,
+              "Emission[0]:\n\nRow usage before preprocess\n\n"
+              "\nProcess[0]:\n\nRow usage before preprocess\nCommand 0: in: out: 0\nCommand 1: in: 0 out:\n\n"
+              "Row 0 : [0->2]\n\n\n"
+              "Emission[1]:\n\nRow usage before preprocess\nCommand 0: in: out: 0 1 2\n\n"
+              "Row 0 : [0->1]\nRow 1 : [0->1]\nRow 2 : [0->1]\n"
+              "\nProcess[1]:\n\nRow usage before preprocess\n\n"
+              "Row 0 : [0->0]\nRow 1 : [0->0]\nRow 2 : [0->0]\n\n\n");
+}
+
+TEST(TExportBuilder, RowOnlyWrittenAtBirthTakesTwoPlaces)
+{
+    // The value goes from one node of the emission to another; the process never touches it.
+    TTestGraph g;
+    TEffectNode* trigger = AddTrigger(g);
+    TEffectNode* emitter = g.Node("Emitter", TU_EMITTER, {"Emission Trigger"}, {"Value"});
+    TEffectNode* node = g.Node("Node", TU_PROCESS, {"In"}, {{"Position", TY_VECTOR3}});
+    TEffectNode* stage = AddSprite(g);
+    g.Wire(trigger, 0, emitter, 0);
+    g.Wire(emitter, 0, node, 0);
+    g.Wire(node, 0, stage, 0);
+    TExported e(g);
+    WriteOutputs(e, emitter);
+    ASSERT_EQ(e.Build(), "");
+    const int index = e.GroupOf(emitter);
+    const TExportGroup& group = e.Group(index);
+    const int in = e.Find(index, "In");
+    ASSERT_EQ(group.Emission.Flags[in][0], 2);
+    ASSERT_EQ(group.Process.Flags[in][0], 0);
+    // Behind 12 bytes of the stage's place it is packed at 12 and unpacked at 16. The trigger, which the
+    // emitter did not tell, is the last.
+    EXPECT_EQ(group.Stride, 24);
+    EXPECT_EQ(group.Emission.Pack.Commands[0].Data[3], 12);
+    EXPECT_EQ(group.Process.Unpack.Commands[1].Data[3], 16);
+}
+
+TEST(TExportBuilder, PackCommandsMapTheirRowsTwice)
+{
+    TTestGraph g;
+    TEffectNode* emitter = AddFiredEmitter(g);
+    TEffectNode* swap = g.Node("Swap", TU_PROCESS, {{"Position", TY_VECTOR3}}, {{"Position", TY_VECTOR3}});
+    TEffectNode* stage = AddSprite(g);
+    g.Wire(emitter, 0, swap, 0);
+    g.Wire(swap, 0, stage, 0);
+    TExported e(g);
+    e.Speak(emitter, [](TExportData& data) { data.SetEmitterTrigger(0); });
+    // Row 0 takes row 1, row 1 takes row 2.
+    e.Speak(swap, [](TExportData& data) {
+        data.PassThrough(0, 0, 1, 1, 0);
+        data.PassThrough(0, 0, 2, 1, 1);
+    });
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& group = e.Group(e.GroupOf(swap));
+    // The mapped {1, 2, 2} become {2, 2, 2}, and the padding's 0 becomes 1. Nobody packs row 0.
+    EXPECT_EQ(TextsOf(group.Process.Unpack), (TTexts{"IdUnpackFloatN out 0 0 1 2 data 00000000"}));
+    EXPECT_EQ(TextsOf(group.Process.Pack), (TTexts{"IdPackFloatN in 1 1 1 0 data 00030000"}));
+}
+
+TEST(TExportBuilder, GroupConstantsLieBehindTheAttributes)
+{
+    const TSmallGraph small;
+    TExported e(small.G);
+    e.Speak(small.Trigger, [](TExportData& data) {
+        const float values[2] = {1, 2};
+        data.SetCommand("IdEffect", 0);
+        data.AddOutput(0, 0, -1);
+        data.AddGroupConstants(values, 2);
+    });
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& group = e.Group(0);
+    EXPECT_EQ(group.Stride, 12);
+    EXPECT_EQ(TextsOf(group.Emission.Execute), (TTexts{"IdConstantEmitter out 0 1 data 3f80000040000000"}));
+    EXPECT_EQ(TextsOf(group.Emission.Pack), (TTexts{"IdPackFloatN in 0 1 2 2 data 00020004"}));
+    EXPECT_EQ(TextsOf(group.Process.Pack), (TTexts{"IdPackFloatN in 0 1 2 0 data 00030000"}));
+}
+
+TEST(TExportBuilder, GroupFiresTheOneThatItTriggers)
+{
+    const TSmallGraph small;
+    TExported e(small.G);
+    small.Fill(e);
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& group = e.Group(0);
+    EXPECT_EQ(TextsOf(group.Process.Execute),
+              (TTexts{"IdRandomEmitter out 0", "IdWriteEvents in 0 data 00000000000000000000006400000000"}));
+    EXPECT_EQ(group.Process.Execute.Commands[1].Workspace, 1024u);
+    ASSERT_EQ(group.Events.size(), 1);
+    EXPECT_EQ(group.Events[0].TargetGroup, 1);
+    // Behind the first command, its row and the size word.
+    EXPECT_EQ(group.Events[0].Offset, 12);
+    EXPECT_TRUE(group.Triggers.empty());
+    EXPECT_EQ(group.Process.Execute.PatchLocations.at(0).first, NameToCrc("event 0"));
+}
+
+TEST(TExportBuilder, ChildTakesItsTriggerThroughAConstant)
+{
+    TChildGraph graph;
+    TExported e(graph.G);
+    const int parent = e.GroupOf(graph.Parent);
+    const int child = e.GroupOf(graph.Child);
+    e.Speak(graph.Parent, [](TExportData& data) { data.SetEmitterTrigger(0); });
+    e.Speak(graph.Child, [](TExportData& data) { data.SetEmitterTrigger(0); });
+    WriteOutputs(e, graph.Parent);
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& trigger = e.Group(e.GroupOf(graph.Trigger));
+    ASSERT_EQ(trigger.Triggers.size(), 1);
+    EXPECT_EQ(trigger.Triggers[0].Group, parent);
+    EXPECT_EQ(trigger.Triggers[0].Number, 0);
+    EXPECT_EQ(trigger.Triggers[0].Row, 0);
+    const TExportGroup& firing = e.Group(parent);
+    EXPECT_EQ(TextsOf(firing.Process.Execute),
+              (TTexts{"IdConstantEmitter out 3 data 00000000",
+                      "IdWriteEvents in 0 1 2 0 3 data 00000000000000100000006400000000"}));
+    ASSERT_EQ(firing.Events.size(), 1);
+    EXPECT_EQ(firing.Events[0].TargetGroup, child);
+    const auto location = firing.Process.Execute.PatchLocations.find(NameToCrc("trigger 0"));
+    ASSERT_NE(location, firing.Process.Execute.PatchLocations.end());
+    EXPECT_EQ(location->second.Type, 1);
+    EXPECT_EQ(e.Group(child).EventSize, 16);
+}
+
+TEST(TExportBuilder, EventWithoutATriggerGroupHasNoTriggerRow)
+{
+    TChildGraph graph(false);
+    TExported e(graph.G);
+    e.Speak(graph.Parent, [](TExportData& data) { data.SetEmitterTrigger(0); });
+    e.Speak(graph.Child, [](TExportData& data) { data.SetEmitterTrigger(0); });
+    WriteOutputs(e, graph.Parent);
+    ASSERT_EQ(e.Build(), "");
+    EXPECT_TRUE(e.Group(e.GroupOf(graph.Trigger)).Triggers.empty());
+    const TExportGroup& firing = e.Group(e.GroupOf(graph.Parent));
+    ASSERT_EQ(firing.Process.Execute.Commands.size(), 1);
+    EXPECT_EQ(firing.Process.Execute.Commands[0].Inputs.size(), 4);
+}
+
+TEST(TExportBuilder, SecondParentGroupIsReportedAndTaken)
+{
+    TChildGraph graph;
+    TEffectNode* grandchild = graph.AddPopulation("Third", {{"A", TY_VECTOR3}, {"B", TY_VECTOR3}});
+    graph.G.Wire(graph.Trigger, 0, grandchild, 0);
+    graph.G.Wire(graph.Parent, 0, grandchild, 1);
+    graph.G.Wire(graph.Child, 0, grandchild, 2);
+    TExported e(graph.G);
+    for (TEffectNode* emitter : {graph.Parent, graph.Child, grandchild})
+        e.Speak(emitter, [](TExportData& data) { data.SetEmitterTrigger(0); });
+    ASSERT_EQ(e.Build(), "");
+    EXPECT_EQ(e.Errors, (TTexts{"Cannot export effect - multiple parent groups detected."}));
+    const TExportGroup& last = e.Group(e.GroupOf(graph.Child));
+    const TExportGroup& first = e.Group(e.GroupOf(graph.Parent));
+    const int target = e.GroupOf(grandchild);
+    int fired = 0;
+    for (const TExportEvent& event : last.Events)
+        fired += event.TargetGroup == target ? 1 : 0;
+    for (const TExportEvent& event : first.Events)
+        fired += event.TargetGroup == target ? 10 : 0;
+    EXPECT_EQ(fired, 1);
+    // Three rows of the last parent, padded, and the trigger's.
+    EXPECT_EQ(last.Process.Execute.Commands.back().Inputs.size(), 5);
+    EXPECT_GT(e->GetFileSize(), 0);
+}
+
+// A value that both fires the emitter and is drawn has no place in the particle record.
+TEST(TExportBuilder, TriggerThatIsDrawnIsListedAtMinusOne)
+{
+    TTestGraph g;
+    TEffectNode* random = g.Node("Random", TU_PROCESS, {}, {"Value"}, FL_PROCESSHINT);
+    TEffectNode* emitter = g.Node("Emitter", TU_EMITTER, {"Emission Trigger"}, {{"Position", TY_VECTOR3}});
+    TEffectNode* stage = g.Node("Stage", TU_RENDER, {{"Place", TY_VECTOR3}, "Blend"}, {});
+    g.Wire(random, 0, emitter, 0);
+    g.Wire(random, 0, stage, 1);
+    g.Wire(emitter, 0, stage, 0);
+    TExported e(g);
+    e.Speak(emitter, [](TExportData& data) { data.SetEmitterTrigger(0); });
+    ASSERT_EQ(e.Build(), "");
+    const int group = e.GroupOf(stage);
+    ASSERT_EQ(e.Group(group).RenderAttributes.size(), 2);
+    EXPECT_EQ(e.Group(group).RenderAttributes[0].Offset, 0);
+    EXPECT_EQ(e.Group(group).RenderAttributes[1].Offset, 0xFF);
+}
+
+TEST(TExportBuilder, RenderAttributeIsNamedUpToItsFirstBlank)
+{
+    const TSmallGraph small("colour of smoke", TY_COLOUR);
+    TExported e(small.G);
+    small.Fill(e);
+    ASSERT_EQ(e.Build(), "");
+    ASSERT_EQ(e.Group(1).RenderAttributes.size(), 1);
+    const TRenderAttribute& attribute = e.Group(1).RenderAttributes[0];
+    EXPECT_EQ(attribute.NameId, NameToCrc("colour"));
+    EXPECT_EQ(attribute.Offset, 0);
+    EXPECT_EQ(attribute.VertexType, 2);
+    EXPECT_EQ(attribute.NumComponents, 4);
+    EXPECT_EQ(e.Group(1).Attributes[e.Find(1, "colour of smoke")].NameId, NameToCrc("colour of smoke"));
+}
+
+TEST(TExportBuilder, TransformYieldsTwoRenderAttributes)
+{
+    const TSmallGraph small("position x", TY_TRANSFORM);
+    TExported e(small.G);
+    small.Fill(e);
+    ASSERT_EQ(e.Build(), "");
+    ASSERT_EQ(e.Group(1).RenderAttributes.size(), 2);
+    EXPECT_EQ(e.Group(1).RenderAttributes[0].NumComponents, 3);
+    EXPECT_EQ(e.Group(1).RenderAttributes[1].NameId, NameToCrc("position_q"));
+    EXPECT_EQ(e.Group(1).RenderAttributes[1].Offset, 12);
+    EXPECT_EQ(e.Group(1).RenderAttributes[1].NumComponents, 3);
+}
+
+TEST(TExportBuilder, ParticleCountTimesStrideIsAMultipleOf16)
+{
+    struct TCase
+    {
+        int Type;
+        int Count;
+        int Expected;
+    };
+    for (const TCase& c :
+         {TCase{TY_VECTOR3, 100, 100}, TCase{TY_VECTOR3, 101, 104}, TCase{TY_COLOUR, 101, 101},
+          TCase{TY_SCALE, 7, 8}, TCase{TY_SCALE, -3, -2}, TCase{TY_SCALAR, 0, 0}}) {
+        TSmallGraph small("Place", c.Type);
+        small.G.Int(small.Emitter, "Particle Count", c.Count);
+        TExported e(small.G);
+        small.Fill(e);
+        ASSERT_EQ(e.Build(), "");
+        EXPECT_EQ(e.Group(1).ParticleCount, c.Expected) << c.Type << ' ' << c.Count;
+    }
+}
+
+TEST(TExportBuilder, HeadersTellWhatAPhaseNeeds)
+{
+    const TFullGraph full;
+    TExported e(full.G);
+    full.Fill(e);
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& trigger = e.Group(e.GroupOf(full.Trigger));
+    EXPECT_EQ(trigger.Emission.Header.Phase, 0);
+    EXPECT_EQ(trigger.Emission.Header.InputBuffers, 1);
+    EXPECT_EQ(trigger.Emission.Header.OutputBuffers, 1);
+    EXPECT_EQ(trigger.Emission.Header.WorkspaceKilobytes, 0);
+    EXPECT_EQ(trigger.Process.Header.Phase, 1);
+    EXPECT_EQ(trigger.Process.Header.InputBuffers, 1);
+    const TExportGroup& group = e.Group(e.GroupOf(full.Force));
+    EXPECT_EQ(group.Emission.Header.InputBuffers, 1);
+    EXPECT_EQ(group.Emission.Header.Rows, group.Emission.Rows);
+    EXPECT_EQ(group.Process.Header.ExecuteWords, group.Process.Execute.Words.size());
+    EXPECT_EQ(group.Process.Header.NumParams, group.Process.Execute.Commands.size());
+    EXPECT_EQ(group.Process.Header.WorkspaceKilobytes, 1);
+    int size = 48 + 32;
+    for (const TCommandStream* stream : {&group.Process.Unpack, &group.Process.Execute, &group.Process.Pack})
+        size += (stream->Words.size() + 3) / 4 * 16;
+    size += 32 * group.Process.Execute.Commands.size();
+    EXPECT_EQ(group.Process.Header.ProgramKilobytes, (size + 1023) / 1024);
+}
+
+TEST(TExportBuilder, EmissionWithoutAPayloadHasNoInputBuffer)
+{
+    const TSmallGraph small;
+    TExported e(small.G);
+    small.Fill(e);
+    ASSERT_EQ(e.Build(), "");
+    EXPECT_EQ(e.Group(1).EventSize, 0);
+    EXPECT_EQ(e.Group(1).Emission.Header.InputBuffers, 0);
+    EXPECT_EQ(e.Group(0).Emission.Header.InputBuffers, 1);
+}
+
+TEST(TExportBuilder, TransformsAndBoxesAreResolvedToPatches)
+{
+    const TFullGraph full;
+    TExported e(full.G);
+    full.Fill(e);
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& group = e.Group(e.GroupOf(full.Force));
+    auto idAt = [](const TCommandStream& stream, int n) { return stream.PatchLocations.at(n).first; };
+    EXPECT_EQ(idAt(group.Emission.Execute, group.Emission.Transforms[0].Ordinal), NameToCrc("transform 0"));
+    EXPECT_EQ(idAt(group.Process.Execute, group.Process.Transforms[0].Ordinal), NameToCrc("transform 0"));
+    EXPECT_EQ(idAt(group.Process.Execute, group.Bounds[0].Ordinal), NameToCrc("bb 0"));
+    EXPECT_EQ(group.Bounds[1].Ordinal, -1);
+}
+
+TEST(TExportBuilder, ANodesPatchWithAnEventsNameStops)
+{
+    const TSmallGraph small;
+    TExported e(small.G);
+    small.Fill(e);
+    e.Speak(small.Trigger, [](TExportData& data) {
+        data.SetData(nullptr, 4);
+        data.AddPatch("event 0", 0, 0);
+        data.SetCommand("IdEffect", 0);
+    });
+    EXPECT_EQ(e.Build(), "it->second.Offsets.size() == 1");
+}
+
+TEST(TExportBuilder, WhatDoesNotFitTheFileStops)
+{
+    TSmallGraph small;
+    small.G.Int(small.Trigger, "Per frame max emission", 65536);
+    TExported e(small.G);
+    small.Fill(e);
+    EXPECT_EQ(e.Build(), "value <= 0xFFFF : maximum emission of 65536 does not fit the file");
+    const TSmallGraph again;
+    TExported shared(again.G);
+    again.Fill(shared);
+    const std::vector<uint8_t> bytes(65000);
+    shared->AddSharedData("a", bytes.data(), 65000);
+    shared->AddSharedData("b", bytes.data(), 65000);
+    shared->AddSharedData("c", bytes.data(), 1);
+    EXPECT_EQ(shared.Build(), "value <= 0xFFFF : shared data offset of 130000 does not fit the file");
+}

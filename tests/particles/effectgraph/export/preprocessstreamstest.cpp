@@ -1,0 +1,278 @@
+#include "particles/effectgraph/export/preprocessstreams.h"
+
+#include "particles/effectgraph/export/exporttestgraph.h"
+
+namespace {
+using TRows = std::vector<uint32_t>;
+using TTexts = std::vector<std::string>;
+
+vector<uint32_t> Copy(const TRows& rows)
+{
+    vector<uint32_t> result;
+    for (const uint32_t row : rows)
+        result.push_back(row);
+    return result;
+}
+
+// Commands of one phase, told as rows.
+struct TPhaseStreams
+{
+    void Constant(const TRows& outputs, uint8_t value)
+    {
+        vector<uint8_t> block;
+        for (size_t i = 0; i < outputs.size() * 4; ++i)
+            block.push_back(value);
+        Execute.AddData(block.data(), block.size());
+        Add(Execute, "IdConstantEmitter", {}, outputs);
+    }
+    void Run(const TRows& inputs, const TRows& outputs) { Add(Execute, "IdAdd", inputs, outputs); }
+    void Prune(uint32_t row) { Add(Execute, "IdPrune", {row}, {}); }
+    void Read(const TRows& outputs) { Add(Unpack, "IdUnpackFloatN", {}, outputs); }
+    void Write(const TRows& inputs) { Add(Pack, "IdPackFloatN", inputs, {}); }
+    int Preprocess()
+    {
+        int rows = 0;
+        Log = LogOf([&] { rows = PreprocessStreams(Unpack, Execute, Pack); });
+        return rows;
+    }
+    static void Add(TCommandStream& stream, const char* name, const TRows& inputs, const TRows& outputs)
+    {
+        stream.AddCommand(NameToCrc(name), static_cast<int>(inputs.size()), static_cast<int>(outputs.size()),
+                          0);
+        stream.AddInputRows(Copy(inputs));
+        stream.AddOutputRows(Copy(outputs));
+    }
+
+    TCommandStream Unpack;
+    TCommandStream Execute;
+    TCommandStream Pack;
+    std::string Log;
+};
+
+TRows Range(uint32_t from, uint32_t count)
+{
+    TRows rows;
+    for (uint32_t i = 0; i < count; ++i)
+        rows.push_back(from + i);
+    return rows;
+}
+} // namespace
+
+TEST(MergeConstantEmitters, WithAReaderBetweenTheyStayTwo)
+{
+    TPhaseStreams s;
+    s.Constant({1}, 0x11);
+    s.Run({2}, {3});
+    s.Constant({2}, 0x22);
+    MergeConstantEmitters(s.Execute);
+    EXPECT_EQ(s.Execute.Commands.size(), 3);
+}
+
+TEST(MergeConstantEmitters, WithoutAReaderBetweenTheyBecomeOne)
+{
+    TPhaseStreams s;
+    s.Constant({1}, 0x11);
+    s.Run({4}, {3});
+    s.Constant({2}, 0x22);
+    s.Constant({5}, 0x33);
+    MergeConstantEmitters(s.Execute);
+    EXPECT_EQ(TextsOf(s.Execute),
+              (TTexts{"IdConstantEmitter out 1 2 5 data 111111112222222233333333", "IdAdd in 4 out 3"}));
+}
+
+TEST(MergeConstantEmitters, AConstantIsNotMovedAheadOfAWriterOfItsRow)
+{
+    TPhaseStreams s;
+    s.Constant({1}, 0x11);
+    s.Run({4}, {2});
+    s.Constant({2}, 0x22);
+    MergeConstantEmitters(s.Execute);
+    EXPECT_EQ(s.Execute.Commands.size(), 3);
+}
+
+TEST(MergeConstantEmitters, AConstantThatStaysHoldsBackLaterOnesOfItsRow)
+{
+    TPhaseStreams s;
+    s.Constant({1}, 0x11);
+    s.Run({2}, {3});
+    s.Constant({2}, 0x22);
+    s.Constant({2, 5}, 0x33);
+    MergeConstantEmitters(s.Execute);
+    EXPECT_EQ(TextsOf(s.Execute), (TTexts{"IdConstantEmitter out 1 data 11111111", "IdAdd in 2 out 3",
+                                          "IdConstantEmitter out 2 2 5 data 222222223333333333333333"}));
+}
+
+TEST(MergeConstantEmitters, NoMergePasses32Rows)
+{
+    TPhaseStreams s;
+    s.Constant(Range(0, 30), 1);
+    s.Constant(Range(30, 3), 2);
+    s.Constant(Range(40, 2), 3);
+    MergeConstantEmitters(s.Execute);
+    ASSERT_EQ(s.Execute.Commands.size(), 2);
+    EXPECT_EQ(s.Execute.Commands[0].Outputs.size(), 32);
+    EXPECT_EQ(s.Execute.Commands[0].Outputs[31], 41u);
+    EXPECT_EQ(s.Execute.Commands[1].Outputs.size(), 3);
+}
+
+TEST(MergeConstantEmitters, PatchesMoveWithTheirData)
+{
+    TPhaseStreams s;
+    s.Constant({1, 2}, 0x11);
+    const uint8_t block[4] = {};
+    s.Execute.AddData(block, 4);
+    s.Execute.AddPatch(TCommandPatch{77, 1, 2});
+    TPhaseStreams::Add(s.Execute, "IdConstantEmitter", {}, {3});
+    MergeConstantEmitters(s.Execute);
+    ASSERT_EQ(s.Execute.Commands.size(), 1);
+    ASSERT_EQ(s.Execute.Commands[0].Patches.size(), 1);
+    EXPECT_EQ(s.Execute.Commands[0].Patches[0].NameId, 77u);
+    EXPECT_EQ(s.Execute.Commands[0].Patches[0].Type, 1u);
+    EXPECT_EQ(s.Execute.Commands[0].Patches[0].Offset, 10u);
+}
+
+TEST(PostponePrunes, WithoutALaterWriterItMovesToTheEnd)
+{
+    TPhaseStreams s;
+    s.Prune(1);
+    s.Run({2}, {3});
+    s.Run({3}, {2});
+    PostponePrunes(s.Execute);
+    EXPECT_EQ(TextsOf(s.Execute), (TTexts{"IdAdd in 2 out 3", "IdAdd in 3 out 2", "IdPrune in 1"}));
+}
+
+TEST(PostponePrunes, ItMovesUpToTheNextWriter)
+{
+    TPhaseStreams s;
+    s.Prune(1);
+    s.Run({2}, {3});
+    s.Run({3}, {1});
+    s.Run({3}, {1});
+    PostponePrunes(s.Execute);
+    EXPECT_EQ(TextsOf(s.Execute),
+              (TTexts{"IdAdd in 2 out 3", "IdPrune in 1", "IdAdd in 3 out 1", "IdAdd in 3 out 1"}));
+}
+
+TEST(PostponePrunes, AheadOfAWriterItStays)
+{
+    TPhaseStreams s;
+    s.Prune(1);
+    s.Run({2}, {1});
+    s.Run({2}, {3});
+    PostponePrunes(s.Execute);
+    EXPECT_EQ(TextsOf(s.Execute), (TTexts{"IdPrune in 1", "IdAdd in 2 out 1", "IdAdd in 2 out 3"}));
+}
+
+TEST(PostponePrunes, TheCommandThatTakesItsPlaceIsPassedOver)
+{
+    TPhaseStreams s;
+    s.Prune(1);
+    s.Prune(2);
+    s.Run({5}, {6});
+    PostponePrunes(s.Execute);
+    EXPECT_EQ(TextsOf(s.Execute), (TTexts{"IdPrune in 2", "IdAdd in 5 out 6", "IdPrune in 1"}));
+}
+
+TEST(PostponePrunes, APruneOfTwoRowsStops)
+{
+    TPhaseStreams s;
+    TPhaseStreams::Add(s.Execute, "IdPrune", {1, 2}, {});
+    s.Run({5}, {6});
+    EXPECT_EQ(AssertionOf([&] { PostponePrunes(s.Execute); }), "execute.Commands[i].Inputs.size() == 1");
+}
+
+TEST(PreprocessStreams, EmptyPhaseGivesOne)
+{
+    TPhaseStreams s;
+    EXPECT_EQ(s.Preprocess(), 1);
+    EXPECT_EQ(s.Log, "\nRow usage before preprocess\n\n");
+}
+
+TEST(PreprocessStreams, LogsUsageAndLifetimes)
+{
+    TPhaseStreams s;
+    s.Run({7, 8}, {RowTemp + 1});
+    s.Run({RowTemp + 1}, {7, RowDump, RowDump});
+    s.Write({7, 0, 0, 0});
+    s.Preprocess();
+    EXPECT_EQ(s.Log, "\nRow usage before preprocess\nCommand 0: in: 7 8 out: 131073\n"
+                     "Command 1: in: 131073 out: 7 131072 131072\n\n"
+                     "Row 0 : [0->2]\nRow 7 : [0->0] [1->2]\nRow 8 : [0->0]\nRow 131072 : [1->1]\n"
+                     "Row 131073 : [0->1]\n");
+}
+
+TEST(PreprocessStreams, InputThatDiesSharesItsMachineRowWithTheOutput)
+{
+    TPhaseStreams s;
+    s.Run({10}, {11});
+    s.Run({11}, {12});
+    EXPECT_EQ(s.Preprocess(), 2);
+    EXPECT_EQ(TextsOf(s.Execute), (TTexts{"IdAdd in 0 out 0", "IdAdd in 0 out 0"}));
+}
+
+TEST(PreprocessStreams, InputThatIsReadAgainKeepsItsMachineRow)
+{
+    TPhaseStreams s;
+    s.Run({10}, {11});
+    s.Run({10, 11}, {12});
+    EXPECT_EQ(s.Preprocess(), 3);
+    EXPECT_EQ(TextsOf(s.Execute), (TTexts{"IdAdd in 0 out 1", "IdAdd in 0 1 out 0"}));
+}
+
+TEST(PreprocessStreams, CommandWithoutOutputsRetiresNothing)
+{
+    TPhaseStreams s;
+    s.Run({10}, {11});
+    s.Prune(11);
+    TPhaseStreams::Add(s.Execute, "IdWriteEvents", {10}, {});
+    s.Run({12}, {13});
+    s.Preprocess();
+    // The prune has moved to the end; row 10 dies at the event, which frees nothing.
+    EXPECT_EQ(TextsOf(s.Execute),
+              (TTexts{"IdAdd in 0 out 1", "IdWriteEvents in 0", "IdAdd in 2 out 2", "IdPrune in 1"}));
+}
+
+TEST(PreprocessStreams, RowThatIsWrittenAndNeverReadStaysHeld)
+{
+    TPhaseStreams s;
+    s.Run({10}, {11});
+    s.Run({10}, {12});
+    s.Run({10}, {13});
+    EXPECT_EQ(s.Preprocess(), 4);
+    EXPECT_EQ(TextsOf(s.Execute), (TTexts{"IdAdd in 0 out 1", "IdAdd in 0 out 2", "IdAdd in 0 out 0"}));
+}
+
+TEST(PreprocessStreams, PackedRowLivesToTheEnd)
+{
+    TPhaseStreams s;
+    s.Read({10, 11, RowDump, RowDump});
+    s.Run({10}, {11});
+    s.Run({11}, {12});
+    s.Write({11, 12, 10, 10});
+    EXPECT_EQ(s.Preprocess(), 4);
+    EXPECT_EQ(TextsOf(s.Unpack), (TTexts{"IdUnpackFloatN out 0 1 2 2"}));
+    EXPECT_EQ(TextsOf(s.Execute), (TTexts{"IdAdd in 0 out 1", "IdAdd in 1 out 2"}));
+    EXPECT_EQ(TextsOf(s.Pack), (TTexts{"IdPackFloatN in 1 2 0 0"}));
+}
+
+TEST(PreprocessStreams, RowThatNobodyReadsFallsBehindTheOnesInUse)
+{
+    TPhaseStreams s;
+    s.Read({10, 20, 21, 22});
+    s.Run({10}, {10});
+    EXPECT_EQ(s.Preprocess(), 2);
+    EXPECT_EQ(TextsOf(s.Unpack), (TTexts{"IdUnpackFloatN out 0 1 1 1"}));
+}
+
+TEST(PreprocessStreams, MoreThan64MachineRowsStop)
+{
+    TPhaseStreams s;
+    s.Run(Range(0, 32), {});
+    s.Run(Range(32, 32), {});
+    EXPECT_EQ(s.Preprocess(), 65);
+    TPhaseStreams more;
+    more.Run(Range(0, 32), {});
+    more.Run(Range(32, 32), {});
+    more.Run({64}, {});
+    EXPECT_EQ(AssertionOf([&] { more.Preprocess(); }), "0");
+}
