@@ -1,0 +1,52 @@
+#pragma once
+
+#include "library/containers/classregistry.h"
+#include "library/containers/string.h"
+#include "library/containers/vector.h"
+#include "library/wimp/gl/renderfont.h"
+#include "library/wimp/gl/renderobject.h"
+#include "particles/cindermill/interface/controls/combodropdown.h"
+
+class TControlHost;
+
+// A row that shows the chosen one of some texts; a press opens the list. A choice sends RE_VALUECHANGED to
+// the parent, choosing what is chosen nothing.
+class TComboBox : public TRegistered<TComboBox, TRenderObject>
+{
+public:
+    static constexpr const char* RegisteredName = "TComboBox";
+    explicit TComboBox(TControlHost& host);
+    ~TComboBox() override;
+
+    void Build(const TVector2& size, float fontSize = 10.0f);
+    void Clear();
+    // The data is the owner's.
+    void AddString(const char* text, int data = 0);
+    int GetNumStrings() const { return Items.size(); }
+    const TString& GetString(int i) const { return Items[i].Text; }
+    int GetData(int i) const { return Items[i].Data; }
+    // -1 for none. Sends nothing.
+    void SetSelection(int selection);
+    int GetSelection() const { return Selection; }
+    bool IsOpen() const;
+    void CloseList();
+
+    void Render(TRenderer& renderer) override;
+    void GetBounds(TVector2& min, TVector2& max) override;
+    bool Event(const TRenderEvent& event) override;
+
+private:
+    friend class TComboDropDown;
+    struct TItem
+    {
+        TString Text;
+        int Data = 0;
+    };
+
+    TControlHost& Host;
+    vector<TItem> Items;
+    TFontInstance Font;
+    TVector2 Size = TVector2(0, 0);
+    int Selection = -1;
+    TComboDropDown DropDown;
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "library/containers/classregistry.h"
+#include "library/containers/string.h"
+#include "library/wimp/gl/renderfont.h"
+#include "library/wimp/gl/renderobject.h"
+
+class TControlHost;
+
+// A check box with its text at the right. A click, or the space key with the focus, changes it and sends
+// RE_VALUECHANGED to its parent.
+class TTickBox : public TRegistered<TTickBox, TRenderObject>
+{
+public:
+    static constexpr const char* RegisteredName = "TTickBox";
+    explicit TTickBox(TControlHost& host) : Host(host) {}
+
+    void Build(const char* text, float fontSize = 10.0f);
+    // Sends nothing.
+    void SetChecked(bool checked);
+    bool IsChecked() const { return Checked; }
+    const TVector2& GetSize() const { return Size; }
+
+    void Render(TRenderer& renderer) override;
+    void GetBounds(TVector2& min, TVector2& max) override;
+    bool Event(const TRenderEvent& event) override;
+
+private:
+    TControlHost& Host;
+    TString Text;
+    TFontInstance Font;
+    TVector2 Size = TVector2(0, 0);
+    bool Checked = false;
+};
