@@ -3,6 +3,7 @@
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/interface/controls/controlpaint.h"
 #include "particles/cindermill/interface/controls/parameterdefault.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
@@ -38,7 +39,7 @@ void TNodeParameterControls::Build(TDocument& document, TToolNode& toolNode, TNo
     ToolNode = &toolNode;
     Parameter = &parameter;
     Host = &host;
-    Font.Create("Arial (TrueType)", 10);
+    Font.Create(ControlFont, 10);
     Label = parameter.Name;
     Label += ":";
     parameter.AddCallback(OnParameterChanged, this);
@@ -120,7 +121,7 @@ const TNodeParameter* TNodeParameterControls::FindDefault() const
 void TNodeParameterControls::Render(TRenderer& renderer)
 {
     if (!Label.IsEmpty())
-        Font.DrawText(renderer, LabelRect, Label, Differs ? ChangedInk : PlainInk);
+        DrawControlText(renderer, Font, LabelRect, Label, Differs ? ChangedInk : PlainInk);
     if (Differs) {
         const TVector2 middle(-LabelGap * 0.5f, GetLabelHeight() * 0.5f);
         const TVector2 half(DotSize * 0.5f, DotSize * 0.5f);

@@ -1,17 +1,15 @@
 #include "particles/cindermill/interface/controls/numberparametercontrols.h"
 
+#include "library/maths/scalar.h"
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/graph/operations/operation.h"
+#include "particles/cindermill/interface/controls/controlpaint.h"
 #include "particles/cindermill/main/document.h"
-
-#include <cmath>
 
 namespace {
 
 const TVector4 LabelInk(0.33f, 0.35f, 0.37f, 1);
 constexpr double UnitsPerStep = 2;
-constexpr double CoarseSteps = 10;
-constexpr double FineSteps = 0.1;
 
 } // namespace
 
@@ -23,7 +21,6 @@ TNumberScrub::TNumberScrub(TNumberParameterControls& owner, int field)
 void TNumberScrub::Start(const TVector2& point)
 {
     StartValue = Owner.GetNumber(Field);
-    Value = StartValue;
     LastX = point[0];
     Rest = 0;
 }
@@ -32,19 +29,17 @@ void TNumberScrub::OnDrag(const TVector2& point, int keyFlags)
 {
     Rest += (double(point[0]) - LastX) / UnitsPerStep;
     LastX = point[0];
-    const double steps = std::trunc(Rest);
-    if (steps == 0)
-        return;
+    const int steps = FloatToInt(Rest);
     Rest -= steps;
-    Value = Owner.StepNumber(Field, Value, steps, keyFlags);
-    Owner.ShowNumber(Field, Value);
+    if (steps != 0)
+        Owner.GetInput(Field).StepBy(steps, (keyFlags & KF_SHIFT) != 0, (keyFlags & KF_CTRL) != 0);
 }
 
 void TNumberScrub::OnDragEnd()
 {
+    const double value = Owner.GetNumber(Field);
     Owner.ShowNumber(Field, StartValue);
-    if (Value != StartValue)
-        Owner.ApplyNumber(Field, Value);
+    Owner.ApplyNumber(Field, value);
     Owner.FocusField(Field);
 }
 
@@ -154,9 +149,20 @@ void TNumberParameterControls::OnChildChanged(const TRenderEvent& event)
 {
     for (int i = 0; i < Fields.size(); ++i)
         if (event.Source == &Fields[i]->Input && !IsFixed(i)) {
-            ApplyNumber(i, Fields[i]->Input.GetValue());
+            TakeNumber(i);
             return;
         }
+}
+
+void TNumberParameterControls::TakeNumber(int field)
+{
+    TNumberInput& input = Fields[field]->Input;
+    if (Fields[field]->Scrub.IsRunning())
+        ShowNumber(field, input.GetValue());
+    else
+        ApplyNumber(field, input.GetValue());
+    // Where a float is no finer than what was typed, nothing has changed.
+    input.ShowValue(GetNumber(field));
 }
 
 void TNumberParameterControls::ApplyNumber(int field, double value)
@@ -176,18 +182,8 @@ void TNumberParameterControls::ShowNumber(int field, double value)
 
 double TNumberParameterControls::ClampNumber(int field, double value) const
 {
-    const TFieldLook& look = Fields[field]->Look;
-    return value < look.Min ? look.Min : value > look.Max ? look.Max : value;
-}
-
-double TNumberParameterControls::StepNumber(int field, double value, double steps, int keyFlags) const
-{
-    const TFieldLook& look = Fields[field]->Look;
-    double scale = (keyFlags & KF_SHIFT) != 0 ? CoarseSteps : 1.0;
-    // There is nothing finer than a whole number.
-    if ((keyFlags & KF_CTRL) != 0 && look.IsFloat)
-        scale = FineSteps;
-    return ClampNumber(field, value + steps * scale * look.Step);
+    const TNumberInput& input = Fields[field]->Input;
+    return value < input.GetMin() ? input.GetMin() : value > input.GetMax() ? input.GetMax() : value;
 }
 
 void TNumberParameterControls::FocusField(int field)
@@ -207,7 +203,7 @@ void TNumberParameterControls::Render(TRenderer& renderer)
         TVector2 size;
         Font.GetTextSize(look.Label, size);
         constexpr float Gap = 4;
-        const TVector2 place(look.Place[0] - size[0] - Gap, look.Place[1] + (RowHeight - size[1]) * 0.5f);
-        Font.DrawText(renderer, place, look.Label, LabelInk);
+        const TVector2 place(look.Place[0] - size[0] - Gap, look.Place[1] + GetTextTop(Font, RowHeight));
+        DrawControlText(renderer, Font, place, look.Label, LabelInk);
     }
 }

@@ -23,7 +23,6 @@ private:
     TNumberParameterControls& Owner;
     int Field;
     double StartValue = 0;
-    double Value = 0;
     float LastX = 0;
     // What was dragged and is not yet a step.
     double Rest = 0;
@@ -52,8 +51,6 @@ public:
     virtual double GetNumber(int field) const = 0;
     // Within what a person may enter.
     double ClampNumber(int field, double value) const;
-    // So many steps on from the value; Shift and Ctrl make them coarse and fine.
-    double StepNumber(int field, double value, double steps, int keyFlags) const;
     // The number in the history and in the parameter, if it is another.
     void ApplyNumber(int field, double value);
     // The same in the parameter alone, while a drag runs.
@@ -98,10 +95,12 @@ private:
 
         TNumberInput Input;
         TNumberScrub Scrub;
+        // Range and step are the input's now.
         TFieldLook Look;
         bool Visible = false;
     };
 
+    void TakeNumber(int field);
     void GetScrubRect(int field, TVector2& min, TVector2& max) const;
 
     vector<TField*> Fields;

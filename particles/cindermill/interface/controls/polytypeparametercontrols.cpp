@@ -1,17 +1,9 @@
 #include "particles/cindermill/interface/controls/polytypeparametercontrols.h"
 
-#include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/graph/operations/polytypeusertypeop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/nodetype.h"
-
-namespace {
-
-// Over a combo that takes no choice, in the colour of the panel.
-const TVector4 Veil(0.737f, 0.784f, 0.784f, 0.6f);
-
-} // namespace
 
 TNodePolytypeParameterControls::~TNodePolytypeParameterControls()
 {
@@ -27,7 +19,7 @@ TNodePolytypeParameter& TNodePolytypeParameterControls::GetPolytype() const
 void TNodePolytypeParameterControls::BuildControls()
 {
     Combo = new TComboBox(*Host);
-    Combo->Build(TVector2(100, RowHeight));
+    Combo->Build(TVector2(ComboWidth, RowHeight));
     AddObject(Combo);
 }
 
@@ -58,6 +50,7 @@ void TNodePolytypeParameterControls::FillCombo()
         if (Combo->GetData(i) == current)
             selection = i;
     Combo->SetSelection(selection);
+    Combo->SetEnabled(HasChoice());
 }
 
 void TNodePolytypeParameterControls::ShowValue()
@@ -84,7 +77,7 @@ void TNodePolytypeParameterControls::Refresh()
 
 void TNodePolytypeParameterControls::GetSize(TVector2& size) const
 {
-    size = TVector2(100, RowHeight);
+    size = TVector2(ComboWidth, RowHeight);
     if (Value == nullptr)
         return;
     TVector2 below;
@@ -110,21 +103,6 @@ bool TNodePolytypeParameterControls::Event(const TRenderEvent& event)
         return TNodeParameterControls::Event(event);
     TellSize();
     return true;
-}
-
-TRenderObject* TNodePolytypeParameterControls::HitTest(const TVector2& point)
-{
-    TRenderObject* hit = TNodeParameterControls::HitTest(point);
-    return hit != nullptr && hit->IsIn(*Combo) && !HasChoice() ? this : hit;
-}
-
-void TNodePolytypeParameterControls::Render(TRenderer& renderer)
-{
-    TNodeParameterControls::Render(renderer);
-    if (HasChoice())
-        return;
-    renderer.SetColour(Veil);
-    renderer.DrawRectangle(Combo->GetOrigin(), Combo->GetOrigin() + TVector2(100, RowHeight));
 }
 
 int TNodePolytypeParameterControls::FindType(const char* name) const

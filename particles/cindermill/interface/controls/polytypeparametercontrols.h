@@ -11,12 +11,11 @@ class TNodePolytypeParameterControls
 {
 public:
     static constexpr const char* RegisteredName = "TNodePolytypeParameterControls";
+    static constexpr float ComboWidth = 100.0f;
 
     ~TNodePolytypeParameterControls() override;
     void Refresh() override;
     void GetSize(TVector2& size) const override;
-    void Render(TRenderer& renderer) override;
-    TRenderObject* HitTest(const TVector2& point) override;
     bool Event(const TRenderEvent& event) override;
     // The type's name: the value below has a group of its own.
     void CopyValue(TString& text) const override;
