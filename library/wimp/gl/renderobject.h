@@ -80,6 +80,8 @@ public:
     bool IsIn(const TRenderObject& object) const;
     // Whether the object takes over what one below it loses by going: the focus.
     virtual bool IsInputHome() const { return false; }
+    // Whether the Tab key stays among the fields below the object.
+    virtual bool IsFieldPanel() const { return false; }
     // For an object that is hidden, which leaving its container does by itself: what has the focus in it
     // gives it to the nearest home above, if there is one, in the view that had it; a capture in it ends, and
     // an overlay goes. The keyboard stays with the window that has it.
