@@ -3,6 +3,7 @@
 #include "library/system/message.h"
 #include "library/wimp/dialog.h"
 #include "library/wimp/filechooser.h"
+#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/errordialog.h"
@@ -141,6 +142,16 @@ void TApplication::Cascade()
 TWindow* TApplication::WindowFromPoint(int x, int y)
 {
     return TWindow::FromPoint(x, y);
+}
+
+void TApplication::EndInput()
+{
+    TTextEdit::EndFocusedInput();
+}
+
+void TApplication::RunTicks()
+{
+    TRenderObject::RunTicks(nullptr);
 }
 
 void TApplication::Quit()
