@@ -1,7 +1,7 @@
 #pragma once
 
+#include "library/wimp/gl/windowmessage.h"
 #include "library/wimp/wimp.h"
-#include "library/wimp/window.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
 
 #include <string>
@@ -9,8 +9,7 @@
 
 #include <gtest/gtest.h>
 
-// Notes what controls ask of the windows that show them. A drag runs as the framework's, of which there is
-// one at a time.
+// Notes what controls ask of the windows that show them. One drag runs at a time.
 class TFakeControlHost : public TControlHost
 {
 public:
@@ -18,16 +17,16 @@ public:
     void RedrawGraphs() override { ++NumRedraws; }
     void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override
     {
-        EXPECT_EQ(View, nullptr);
+        EXPECT_EQ(Running, nullptr);
         View = &renderer;
+        Running = &drag;
         ++NumDrags;
-        TWimp::Get().SetMouseDrag(&drag, Window);
     }
     void EndDrag(TRenderer& renderer) override
     {
         EXPECT_EQ(View, &renderer);
         View = nullptr;
-        TWimp::Get().ClearMouseDrag();
+        Running = nullptr;
     }
     void ShowHelp(const char* text, const TVector2& point) override
     {
@@ -41,21 +40,24 @@ public:
     }
     void Warn() override { ++NumWarnings; }
 
-    bool IsDragging() const { return View != nullptr; }
+    bool IsDragging() const { return Running != nullptr; }
     // The mouse as the running drag hears of it: pixels of the view, TMouseButton bits.
-    static void Drag(double x, double y, int buttons = MB_LEFT)
+    void Drag(double x, double y, int buttons = MB_LEFT)
     {
-        ASSERT_NE(TWimp::Get().GetMouseDrag(), nullptr);
-        TWimp::Get().GetMouseDrag()->OnMouseMove(x, y, buttons);
+        ASSERT_NE(Running, nullptr);
+        Running->OnMouseMove(x, y, buttons);
     }
     // As when a dialog takes the mouse.
-    static void LoseDrag() { TWimp::Get().LoseMouseDrag(); }
+    void LoseDrag()
+    {
+        if (Running != nullptr)
+            Running->OnCaptureLost();
+    }
 
-    // Never shown: the framework asks for one.
-    TWindow Window;
     TRenderer* View = nullptr;
     TRenderObject* PointerObject = nullptr;
     TPointerShape Pointer = PS_NORMAL;
+    TMouseDrag* Running = nullptr;
     int NumRedraws = 0;
     int NumDrags = 0;
     int NumWarnings = 0;
