@@ -1,5 +1,7 @@
 #include "particles/cindermill/interface/controls/rampcurve.h"
 
+#include <cmath>
+
 namespace {
 
 // Times closer than this are one: nothing is stretched by their quotient.
@@ -21,12 +23,18 @@ TRampPoint PointBetween(const TRampPoint& a, const TRampPoint& b, double part)
 
 } // namespace
 
+bool TRampCurve::IsSame(const TRampPoint& a, const TRampPoint& b)
+{
+    const bool sameTime = a.X == b.X || (std::isnan(a.X) && std::isnan(b.X));
+    return sameTime && (a.Y == b.Y || (std::isnan(a.Y) && std::isnan(b.Y)));
+}
+
 bool TRampCurve::operator==(const TRampCurve& other) const
 {
     if (Points.size() != other.Points.size())
         return false;
     for (int i = 0; i < Points.size(); ++i)
-        if (!(Points[i] == other.Points[i]))
+        if (!IsSame(Points[i], other.Points[i]))
             return false;
     return true;
 }

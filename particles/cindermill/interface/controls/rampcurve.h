@@ -9,6 +9,8 @@ class TRampCurve
 {
 public:
     void SetPoints(const vector<TRampPoint>& points) { Points = points; }
+    // Whether the numbers are the same, those that are none included.
+    static bool IsSame(const TRampPoint& a, const TRampPoint& b);
     // All, those behind the last segment included.
     const vector<TRampPoint>& GetPoints() const { return Points; }
     bool operator==(const TRampCurve& other) const;

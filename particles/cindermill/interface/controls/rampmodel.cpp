@@ -49,7 +49,7 @@ bool TRampModel::CanLock() const
 void TRampModel::GetToggledLocks(int* locks) const
 {
     for (int i = 0; i < MaxComponents; ++i)
-        locks[i] = Locks[i];
+        locks[i] = TNodeRampParameter::IsLock(Locks[i]) ? Locks[i] : -1;
     const bool frees = HasLocks();
     int first = -1;
     for (int i = 0; i < ComponentCount; ++i) {
@@ -62,7 +62,7 @@ void TRampModel::GetToggledLocks(int* locks) const
     }
     // Components that are not shown may have followed one that is a follower now.
     for (int i = 0; i < MaxComponents; ++i)
-        if (TNodeRampParameter::IsLock(locks[i]) && locks[i] != -1 && locks[locks[i]] != -1)
+        if (locks[i] != -1 && locks[locks[i]] != -1)
             locks[i] = locks[locks[i]];
 }
 
