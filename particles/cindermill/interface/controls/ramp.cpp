@@ -4,6 +4,7 @@
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/graph/operations/operation.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/interface/controls/controlpaint.h"
 #include "particles/cindermill/interface/controls/rampcolours.h"
 #include "particles/cindermill/interface/controls/rampdrawing.h"
 #include "particles/cindermill/interface/controls/rampoperations.h"
@@ -47,7 +48,7 @@ TRamp::TRamp(TControlHost& host)
                                                 TPushButton(host)},
       LockButton(host), LinearButton(host), TimeInput(host), ValueInput(host)
 {
-    Font.Create("Arial (TrueType)", RowFontSize);
+    Font.Create(ControlFont, RowFontSize);
 }
 
 TRamp::~TRamp()
@@ -127,8 +128,7 @@ void TRamp::SetLocks(const int* locks)
 {
     Drag.Cancel();
     Model.SetLocks(locks);
-    if (!Model.IsSelectable(Selected.Component < 0 ? 0 : Selected.Component, Selected.Point))
-        Selected = TRampSelection();
+    DropLostSelection();
     Changed();
 }
 
@@ -146,11 +146,8 @@ void TRamp::Refresh()
 {
     if (Parameter == nullptr)
         return;
-    // A drag that is being cancelled refreshes by itself.
-    if (Drag.IsRunning()) {
+    if (!Drag.IsPan())
         Drag.Cancel();
-        return;
-    }
     const TRampCurve before = Selected.IsNone() ? TRampCurve() : Model.GetCurve(Selected.Component);
     Model.SetLinear(Parameter->IsLinear());
     Model.SetLocks(Parameter->GetLocks());
@@ -174,7 +171,12 @@ void TRamp::KeepSelection(const TRampCurve& before)
             if (TRampCurve::IsSame(now.GetPoint(i), point))
                 Selected.Point = i;
     }
-    if (!Model.IsSelectable(Selected.Component, Selected.Point))
+    DropLostSelection();
+}
+
+void TRamp::DropLostSelection()
+{
+    if (!Selected.IsNone() && !Model.IsSelectable(Selected.Component, Selected.Point))
         Selected = TRampSelection();
 }
 
@@ -488,6 +490,11 @@ bool TRamp::OnKey(int key)
     case KEY_ESCAPE:
         Drag.Cancel();
         return true;
+    case KEY_TAB:
+        if (Selected.IsNone() || Drag.IsRunning())
+            return false;
+        TimeInput.GetEdit().TakeFocus();
+        return true;
     case KEY_LEFT:
     case KEY_RIGHT:
     case KEY_UP:
@@ -518,14 +525,27 @@ bool TRamp::OnArrow(int key)
     return true;
 }
 
-// The selection stays while its inputs have the keys.
+// The selection stays while its inputs have the keys. They do not tell when they lose them.
 void TRamp::OnFocusLost(const TRenderObject* source)
 {
     const TRenderObject* focus = GetFocus();
-    if (focus != nullptr && focus != source && focus->IsIn(*this))
+    if (focus != nullptr && focus != source && focus->IsIn(*this)) {
+        AddTick(this);
         return;
+    }
     Drag.Cancel();
     Select(TRampSelection());
+}
+
+void TRamp::Tick(TRenderer* renderer)
+{
+    (void)renderer;
+    const TRenderObject* focus = GetFocus();
+    const bool isWithin = focus != nullptr && focus->IsIn(*this);
+    if (!isWithin)
+        Select(TRampSelection());
+    if (!isWithin || focus == this)
+        RemoveTick(this);
 }
 
 void TRamp::OnInput(const TRenderObject* input)
@@ -557,7 +577,6 @@ void TRamp::OnButton(const TRenderObject* button)
     for (int i = 0; i < MaxComponents; ++i)
         if (button == &ComponentButtons[i])
             Model.SetVisible(i, !Model.IsVisible(i));
-    if (!Selected.IsNone() && !Model.IsSelectable(Selected.Component, Selected.Point))
-        Selected = TRampSelection();
+    DropLostSelection();
     Changed();
 }

@@ -65,11 +65,11 @@ public:
     void GetBounds(TVector2& min, TVector2& max) override;
     TRenderObject* HitTest(const TVector2& point) override;
     bool Event(const TRenderEvent& event) override;
+    void Tick(TRenderer* renderer) override;
 
 private:
     friend class TRampDrag;
     static constexpr int MaxComponents = TRampModel::MaxComponents;
-    static constexpr int NoPress = -1;
 
     void BuildRow(bool colour);
     float PlaceButton(TPushButton& button, const char* text, float x, float width, float shownWidth,
@@ -97,6 +97,7 @@ private:
 
     void Select(const TRampSelection& selection);
     void KeepSelection(const TRampCurve& before);
+    void DropLostSelection();
     void RemoveSelected();
     // What is shown follows the model.
     void Changed();

@@ -3,6 +3,7 @@
 #include "library/containers/log.h"
 #include "library/wimp/gl/renderer.h"
 #include "library/wimp/gl/renderpath.h"
+#include "particles/cindermill/interface/controls/controlpaint.h"
 #include "particles/cindermill/interface/controls/rampcolours.h"
 #include "particles/cindermill/interface/controls/ramppaths.h"
 
@@ -178,7 +179,7 @@ void TRampDrawing::DrawLabel(const TVector2& place, const char* text, bool hasPa
         Target.SetColour(WithAlpha(Paper, 0.85f));
         Target.DrawRectangle(place, place + size);
     }
-    Picture.Font.DrawText(Target, place, text, Ink);
+    DrawControlText(Target, Picture.Font, place, text, Ink);
 }
 
 void TRampDrawing::DrawFrame()
@@ -219,7 +220,7 @@ void TRampDrawing::DrawCurves()
                 if (model.IsVisible(i) && model.GetSource(i) == source) {
                     --stripes;
                     path.SetStrokeColour(GetRampColour(i));
-                    path.SetWidth(Pixels(Width + Stripe * stripes));
+                    path.SetWidth(Pixels(Width + Stripe * static_cast<float>(stripes)));
                     Picture.Paths.Render(Target, source);
                 }
         }
@@ -300,11 +301,11 @@ void TRampDrawing::DrawStrip()
     Target.SetColour(CheckerLight);
     Target.DrawRectangle(min, max);
     Target.SetColour(CheckerDark);
-    for (int row = 0; min[1] + row * CheckerSize < max[1]; ++row)
-        for (int column = row & 1; min[0] + column * CheckerSize < max[0]; column += 2) {
-            const TVector2 corner = min + TVector2(column * CheckerSize, row * CheckerSize);
-            Target.DrawRectangle(corner, corner + TVector2(CheckerSize, CheckerSize));
-        }
+    const TVector2 size(CheckerSize, CheckerSize);
+    bool odd = false;
+    for (float y = min[1]; y < max[1]; y += CheckerSize, odd = !odd)
+        for (float x = min[0] + (odd ? CheckerSize : 0); x < max[0]; x += 2 * CheckerSize)
+            Target.DrawRectangle(TVector2(x, y), TVector2(x, y) + size);
     DrawBars();
     Target.PopWindow();
 }
