@@ -9,8 +9,7 @@
 
 #include <gtest/gtest.h>
 
-// Notes what controls ask of the windows that show them. A drag runs as the framework's, of which there is
-// one at a time.
+// Notes what controls ask of the windows that show them. One drag runs at a time.
 class TFakeControlHost : public TControlHost
 {
 public:
@@ -18,16 +17,16 @@ public:
     void RedrawGraphs() override { ++NumRedraws; }
     void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override
     {
-        EXPECT_EQ(View, nullptr);
+        EXPECT_EQ(Running, nullptr);
         View = &renderer;
+        Running = &drag;
         ++NumDrags;
-        TWimp::Get().SetMouseDrag(&drag);
     }
     void EndDrag(TRenderer& renderer) override
     {
         EXPECT_EQ(View, &renderer);
         View = nullptr;
-        TWimp::Get().ClearMouseDrag();
+        Running = nullptr;
     }
     void ShowHelp(const char* text, const TVector2& point) override
     {
@@ -36,17 +35,22 @@ public:
     }
     void Warn() override { ++NumWarnings; }
 
-    bool IsDragging() const { return View != nullptr; }
+    bool IsDragging() const { return Running != nullptr; }
     // The mouse as the running drag hears of it: pixels of the view, TMouseButton bits.
-    static void Drag(double x, double y, int buttons = MB_LEFT)
+    void Drag(double x, double y, int buttons = MB_LEFT)
     {
-        ASSERT_NE(TWimp::Get().GetMouseDrag(), nullptr);
-        TWimp::Get().GetMouseDrag()->OnMouseMove(x, y, buttons);
+        ASSERT_NE(Running, nullptr);
+        Running->OnMouseMove(x, y, buttons);
     }
     // As when a dialog takes the mouse.
-    static void LoseDrag() { TWimp::Get().LoseMouseDrag(); }
+    void LoseDrag()
+    {
+        if (Running != nullptr)
+            Running->OnCaptureLost();
+    }
 
     TRenderer* View = nullptr;
+    TMouseDrag* Running = nullptr;
     int NumRedraws = 0;
     int NumDrags = 0;
     int NumWarnings = 0;
