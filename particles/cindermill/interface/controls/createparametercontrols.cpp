@@ -3,6 +3,7 @@
 #include "particles/cindermill/interface/controls/groupparametercontrols.h"
 #include "particles/cindermill/interface/controls/intparametercontrols.h"
 #include "particles/cindermill/interface/controls/polytypeparametercontrols.h"
+#include "particles/cindermill/interface/controls/rampparametercontrols.h"
 #include "particles/cindermill/interface/controls/texcoordparametercontrols.h"
 #include "particles/cindermill/interface/controls/transformparametercontrols.h"
 #include "particles/cindermill/interface/controls/vectorparametercontrols.h"
@@ -36,6 +37,8 @@ constexpr TKindControls Table[] = {
     {PK_BOOL, Make<TNodeBoolParameterControls>},
     {PK_ENUM, Make<TNodeEnumParameterControls>},
     {PK_INT, Make<TNodeIntParameterControls>},
+    {PK_RAMP, Make<TNodeRampParameterControls>},
+    {PK_POLYRAMP, Make<TNodePolyRampParameterControls>},
     {PK_GROUP, Make<TNodeGroupParameterControls>},
 };
 

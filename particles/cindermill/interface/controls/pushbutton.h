@@ -16,6 +16,7 @@ public:
 
     void Build(const char* text, const TVector2& size, float fontSize = 10.0f);
     void SetText(const char* text);
+    const TString& GetText() const { return Text; }
     void SetToggle(bool toggle) { Toggle = toggle; }
     // Sends nothing.
     void SetPressed(bool pressed);
