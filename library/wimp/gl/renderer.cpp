@@ -152,8 +152,7 @@ void TRenderer::DrawObjects(TRenderObject& root)
 
     root.Render(*this);
     CheckGlError();
-    TRenderObject* overlay = TRenderObject::GetOverlay();
-    if (overlay != nullptr && overlay->IsShownUnder(root)) {
+    if (TRenderObject* overlay = TRenderObject::FindOverlay(*this, root)) {
         PushOrigin(overlay->GetAbsolutePosition());
         overlay->Render(*this);
         PopOrigin();

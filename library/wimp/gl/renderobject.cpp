@@ -43,6 +43,10 @@ struct TRouting
     TRenderObject* FocusObject = nullptr;
     TRenderObject* CaptureObject = nullptr;
     TRenderObject* OverlayObject = nullptr;
+    // The views that these belong to; null for all.
+    TRenderer* FocusView = nullptr;
+    TRenderer* CaptureView = nullptr;
+    TRenderer* OverlayView = nullptr;
     TVector2 Pointer = TVector2(0, 0);
     TVector2 LastPointer = TVector2(0, 0);
     TRenderWindow* FocusWindow = nullptr;
@@ -205,13 +209,10 @@ void TRenderObject::LoseInput()
     const TRouting& routing = GetRouting();
     if (routing.CaptureObject != nullptr && routing.CaptureObject->IsIn(*this))
         ReleaseCapture();
+    if (routing.OverlayObject != nullptr && routing.OverlayObject->IsIn(*this))
+        SetOverlay(nullptr);
     if (routing.FocusObject != nullptr && routing.FocusObject->IsIn(*this))
         SetFocus(FindInputHome(Parent));
-}
-
-bool TRenderObject::IsShownUnder(const TRenderObject& root) const
-{
-    return Parent == nullptr || GetTop() == root.GetTop();
 }
 
 bool TRenderObject::Route(TRenderer& renderer, TRenderObject& root, const TMessage& message)
@@ -233,7 +234,7 @@ bool TRenderObject::Dispatch(TRenderer& renderer, TRenderObject& root, const TMe
     case MT_LEFTUP:
         return RouteButton(renderer, root, message, RE_LEFTUP);
     case MT_WHEEL:
-        return SendToFocus(root, RE_WHEEL, message.Delta);
+        return SendToFocus(renderer, root, RE_WHEEL, message.Delta);
     case MT_TIMER:
         if (message.Timer != HoverTimer)
             return false;
@@ -247,24 +248,46 @@ bool TRenderObject::Dispatch(TRenderer& renderer, TRenderObject& root, const TMe
         RouteFocusGained(renderer, root);
         return false;
     case MT_KEYDOWN:
-        return RouteKeyDown(root, message.Key);
+        return RouteKeyDown(renderer, root, message.Key);
     case MT_KEYUP:
         RouteKeyUp(message.Key);
         return false;
     case MT_CHAR:
-        return SendToFocus(root, RE_CHARACTER, static_cast<int>(message.Character));
+        return SendToFocus(renderer, root, RE_CHARACTER, static_cast<int>(message.Character));
     default:
         return false;
     }
 }
 
-// The object that hears of the pointer at a world place, or null.
-TRenderObject* TRenderObject::FindTarget(TRenderObject& root, const TVector2& point)
+TRenderObject* TRenderObject::FindOverlay(const TRenderer& renderer, const TRenderObject& root)
 {
-    TRenderObject* capture = GetRouting().CaptureObject;
-    if (capture != nullptr && capture->Contains(point - capture->GetAbsolutePosition()))
+    const TRouting& routing = GetRouting();
+    TRenderObject* overlay = routing.OverlayObject;
+    if (overlay == nullptr || (routing.OverlayView != nullptr && routing.OverlayView != &renderer))
+        return nullptr;
+    return overlay->Parent == nullptr || overlay->GetTop() == root.GetTop() ? overlay : nullptr;
+}
+
+// What of the overlay is at a world place, or null.
+TRenderObject* TRenderObject::FindOverlayTarget(TRenderer& renderer, TRenderObject& root,
+                                                const TVector2& point)
+{
+    TRenderObject* overlay = FindOverlay(renderer, root);
+    if (overlay == nullptr)
+        return nullptr;
+    return overlay->HitTest(point - overlay->GetAbsolutePosition() + overlay->Origin);
+}
+
+// The object that hears of the pointer at a world place, or null.
+TRenderObject* TRenderObject::FindTarget(TRenderer& renderer, TRenderObject& root, const TVector2& point)
+{
+    const TRouting& routing = GetRouting();
+    TRenderObject* capture = routing.CaptureObject;
+    if (capture != nullptr && (routing.CaptureView == nullptr || routing.CaptureView == &renderer) &&
+        capture->Contains(point - capture->GetAbsolutePosition()))
         return capture;
-    return root.HitTest(point);
+    TRenderObject* overlay = FindOverlayTarget(renderer, root, point);
+    return overlay != nullptr ? overlay : root.HitTest(point);
 }
 
 bool TRenderObject::Send(TRenderObject* object, int code, int detail)
@@ -279,11 +302,13 @@ bool TRenderObject::Send(TRenderObject* object, int code, int detail)
     return object->Event(event);
 }
 
-// What is typed into one view never reaches an object of another's tree.
-bool TRenderObject::SendToFocus(TRenderObject& root, int code, int detail)
+// What is typed into one view never reaches what has the focus in another.
+bool TRenderObject::SendToFocus(TRenderer& renderer, TRenderObject& root, int code, int detail)
 {
-    TRenderObject* focus = GetRouting().FocusObject;
-    if (focus == nullptr || focus->GetTop() != root.GetTop())
+    const TRouting& routing = GetRouting();
+    TRenderObject* focus = routing.FocusObject;
+    if (focus == nullptr || focus->GetTop() != root.GetTop() ||
+        (routing.FocusView != nullptr && routing.FocusView != &renderer))
         return false;
     return Send(focus, code, detail);
 }
@@ -293,7 +318,7 @@ bool TRenderObject::RouteMove(TRenderer& renderer, TRenderObject& root, const TM
     TRouting& routing = GetRouting();
     routing.LastPointer = routing.Pointer;
     routing.Pointer = renderer.PixelToWorld(message.X, message.Y);
-    TObjectWatch target(FindTarget(root, routing.Pointer));
+    TObjectWatch target(FindTarget(renderer, root, routing.Pointer));
     if (target.Object == nullptr) {
         StopHoverTimer(renderer);
     } else if (renderer.GetWindow() != nullptr) {
@@ -323,13 +348,17 @@ bool TRenderObject::RouteButton(TRenderer& renderer, TRenderObject& root, const 
     TRouting& routing = GetRouting();
     routing.LastPointer = routing.Pointer;
     routing.Pointer = renderer.PixelToWorld(message.X, message.Y);
-    return Send(FindTarget(root, routing.Pointer), code);
+    if (code == RE_LEFTDOWN && routing.OverlayObject != nullptr &&
+        FindOverlayTarget(renderer, root, routing.Pointer) == nullptr &&
+        Send(routing.OverlayObject, RE_PRESSEDOUTSIDE))
+        return true;
+    return Send(FindTarget(renderer, root, routing.Pointer), code);
 }
 
-bool TRenderObject::RouteKeyDown(TRenderObject& root, int key)
+bool TRenderObject::RouteKeyDown(TRenderer& renderer, TRenderObject& root, int key)
 {
     GetRouting().KeyFlags |= GetKeyFlag(key);
-    return IsNavigationKey(key) && SendToFocus(root, RE_KEY, key);
+    return IsNavigationKey(key) && SendToFocus(renderer, root, RE_KEY, key);
 }
 
 void TRenderObject::RouteKeyUp(int key)
@@ -344,14 +373,15 @@ void TRenderObject::RouteFocusLost(TRenderer& renderer, TRenderObject& root)
     if (routing.FocusWindow != nullptr && routing.FocusWindow != renderer.GetWindow())
         return;
     routing.KeyFlags = 0;
-    SendToFocus(root, RE_FOCUSLOST, 0);
+    SendToFocus(renderer, root, RE_FOCUSLOST, 0);
     routing.FocusWindow = nullptr;
 }
 
 void TRenderObject::RouteFocusGained(TRenderer& renderer, TRenderObject& root)
 {
     TRouting& routing = GetRouting();
-    if (routing.FocusObject != nullptr && routing.FocusObject->GetTop() == root.GetTop())
+    if (routing.FocusObject != nullptr && routing.FocusObject->GetTop() == root.GetTop() &&
+        (routing.FocusView == nullptr || routing.FocusView == &renderer))
         routing.FocusWindow = renderer.GetWindow();
 }
 
@@ -359,10 +389,15 @@ void TRenderObject::SetFocus(TRenderObject* object, TRenderer* renderer)
 {
     TRouting& routing = GetRouting();
     TRenderWindow* window = renderer != nullptr ? renderer->GetWindow() : nullptr;
-    if (object == routing.FocusObject && (object == nullptr || window == nullptr || window->HasFocus()))
+    const bool isSameView = renderer == nullptr || renderer == routing.FocusView;
+    if (object == routing.FocusObject && isSameView &&
+        (object == nullptr || window == nullptr || window->HasFocus()))
         return;
     // Stored before the old one is told, as what that does may take the new one away again.
     TRenderObject* before = routing.FocusObject;
+    const bool staysInView = before != nullptr && object != nullptr && before->GetTop() == object->GetTop();
+    if (renderer != nullptr || !staysInView)
+        routing.FocusView = object != nullptr ? renderer : nullptr;
     routing.FocusObject = object;
     routing.KeyFlags = 0;
     Send(before, RE_FOCUSLOST);
@@ -377,6 +412,7 @@ void TRenderObject::SetFocus(TRenderObject* object, TRenderer* renderer)
 void TRenderObject::SetCapture(TRenderObject* object)
 {
     GetRouting().CaptureObject = object;
+    GetRouting().CaptureView = GetRenderer();
 }
 
 void TRenderObject::ReleaseCapture()
@@ -384,9 +420,10 @@ void TRenderObject::ReleaseCapture()
     GetRouting().CaptureObject = nullptr;
 }
 
-void TRenderObject::SetOverlay(TRenderObject* object)
+void TRenderObject::SetOverlay(TRenderObject* object, TRenderer* renderer)
 {
     GetRouting().OverlayObject = object;
+    GetRouting().OverlayView = renderer;
 }
 
 TRenderObject* TRenderObject::GetHover()
@@ -397,6 +434,11 @@ TRenderObject* TRenderObject::GetHover()
 TRenderObject* TRenderObject::GetFocus()
 {
     return GetRouting().FocusObject;
+}
+
+TRenderer* TRenderObject::GetFocusView()
+{
+    return GetRouting().FocusView;
 }
 
 TRenderObject* TRenderObject::GetCapture()
@@ -436,6 +478,17 @@ void TRenderObject::ForgetRenderer(const TRenderer* renderer)
     TRouting& routing = GetRouting();
     if (renderer->GetWindow() != nullptr && routing.FocusWindow == renderer->GetWindow())
         routing.FocusWindow = nullptr;
+    if (routing.OverlayView == renderer)
+        SetOverlay(nullptr);
+    if (routing.CaptureView == renderer) {
+        ReleaseCapture();
+        routing.CaptureView = nullptr;
+    }
+    if (routing.FocusView == renderer) {
+        // What was typed there goes with the view: the object is not told.
+        routing.FocusObject = FindInputHome(routing.FocusObject);
+        routing.FocusView = nullptr;
+    }
 }
 
 void TRenderObject::AddTick(TRenderObject* object)

@@ -3,7 +3,7 @@
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
-#include "particles/cindermill/interface/graph/outlines.h"
+#include "particles/cindermill/interface/controls/outlines.h"
 
 TBypass::TBypass()
 {

@@ -45,6 +45,7 @@ public:
     void GetBounds(TVector2& min, TVector2& max) override;
     // The controls only.
     TRenderObject* HitTest(const TVector2& point) override;
+    bool IsFieldPanel() const override { return true; }
     int GetRegion(const TVector2& point) const;
     TNodePanel& GetPanel() { return Panel; }
 

@@ -3,7 +3,7 @@
 #include "library/containers/vector.h"
 #include "library/wimp/gl/renderpath.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
-#include "particles/cindermill/interface/graph/outlines.h"
+#include "particles/cindermill/interface/controls/outlines.h"
 
 class TNodeType;
 

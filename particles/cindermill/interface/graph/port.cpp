@@ -2,7 +2,7 @@
 
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
-#include "particles/cindermill/interface/graph/outlines.h"
+#include "particles/cindermill/interface/controls/outlines.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
-#include "particles/cindermill/interface/graph/outlines.h"
+#include "particles/cindermill/interface/controls/outlines.h"
 
 namespace {
 
