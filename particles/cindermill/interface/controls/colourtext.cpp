@@ -1,13 +1,14 @@
 #include "particles/cindermill/interface/controls/colourtext.h"
 
 #include "particles/cindermill/interface/controls/pickedcolour.h"
+#include "particles/cindermill/interface/controls/valuetext.h"
 
-#include <charconv>
 #include <cmath>
-#include <cstring>
 
 namespace {
 constexpr int NumComponents = TPickedColour::NumComponents;
+// The alpha may be left out.
+constexpr int LeastComponents = 3;
 constexpr float MaxByte = 255.0f;
 
 bool IsSpace(char c)
@@ -40,28 +41,15 @@ int ReadHex(const char* text, float* result)
     return *SkipSpaces(text) == 0 ? count : 0;
 }
 
-// Between numbers stand spaces, a comma, a semicolon.
 int ReadNumbers(const char* text, float* result)
 {
-    const bool bracketed = *text == '(' || *text == '{' || *text == '[';
-    text = SkipSpaces(text + (bracketed ? 1 : 0));
-    int count = 0;
-    while (count < NumComponents) {
-        float value = 0;
-        // Whatever the language of the system, a point is a point.
-        const std::from_chars_result read = std::from_chars(text, text + strlen(text), value);
-        if (read.ec != std::errc() || !std::isfinite(value))
-            return 0;
-        result[count++] = ClampToUnit(value);
-        text = SkipSpaces(read.ptr);
-        if (*text == 0 || *text == ')' || *text == '}' || *text == ']')
-            break;
-        if (*text == ',' || *text == ';')
-            text = SkipSpaces(text + 1);
-    }
-    if (bracketed && *text != 0)
-        text = SkipSpaces(text + 1);
-    return *text == 0 ? count : 0;
+    double numbers[NumComponents];
+    int count = NumComponents;
+    while (count >= LeastComponents && !ParseNumbers(text, numbers, count))
+        --count;
+    for (int i = 0; i < count; ++i)
+        result[i] = ClampToUnit(static_cast<float>(numbers[i]));
+    return count;
 }
 
 bool IsByte(float value)
@@ -82,13 +70,7 @@ void ColourToText(const float* rgba, TString& text)
         text.Format("#%02X%02X%02X%02X", bytes[0], bytes[1], bytes[2], bytes[3]);
         return;
     }
-    text = nullptr;
-    for (int i = 0; i < NumComponents; ++i) {
-        char number[32] = {};
-        std::to_chars(number, number + sizeof number - 1, rgba[i]);
-        text += i > 0 ? ", " : "";
-        text += number;
-    }
+    PrintFloats(text, rgba, NumComponents);
 }
 
 bool TextToColour(const char* text, float* rgba)
@@ -98,7 +80,7 @@ bool TextToColour(const char* text, float* rgba)
     text = SkipSpaces(text);
     float read[NumComponents];
     const int count = *text == '#' ? ReadHex(text + 1, read) : ReadNumbers(text, read);
-    if (count < NumComponents - 1)
+    if (count < LeastComponents)
         return false;
     for (int i = 0; i < count; ++i)
         rgba[i] = read[i];
