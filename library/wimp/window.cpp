@@ -121,6 +121,7 @@ void TWindow::Destroy()
 {
     if (Handle == nullptr)
         return;
+    TWimp::Get().LoseMouseDragIn(*this);
     ReleaseCapture();
     if (TWimp::Get().IsMDIApp() && Kind == WK_MAIN)
         TWimp::Get().ClearMDIClient(TWimp::Get().GetMDIClient());
@@ -426,9 +427,9 @@ bool TWindow::Dispatch(const TMessage& message)
     if (TMouseDrag* drag = TWimp::Get().GetMouseDrag()) {
         double x = message.X;
         double y = message.Y;
-        if (CaptureWindow != nullptr && CaptureWindow != this) {
+        if (drag->GetDragWindow() != this) {
             ClientToScreen(x, y);
-            CaptureWindow->ScreenToClient(x, y);
+            drag->GetDragWindow()->ScreenToClient(x, y);
         }
         const QPointer<TWindowPeer> peer(Peer);
         drag->OnMouseMove(x, y, message.Buttons);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/wimp/gl/windowmessage.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
 

@@ -179,72 +179,6 @@ void TDocumentWindows::ScheduleChanged(TDocument&)
 // The preview asks the document for its engine in every frame.
 void TDocumentWindows::EngineGoes(TDocument&) {}
 
-void TDocumentWindows::AddNodeObject(TToolNode* node)
-{
-    Scene->AddNode(node);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::RemoveNodeObject(TToolNode* node)
-{
-    Scene->RemoveNode(node);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::AddEdgeObject(TToolEdge* edge)
-{
-    Scene->AddEdge(edge);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::RemoveEdgeObject(TToolEdge* edge)
-{
-    Scene->RemoveEdge(edge);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::TouchNode(TToolNode* node)
-{
-    Scene->TouchNode(node);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::RelayoutNode(TToolNode* node)
-{
-    Scene->RelayoutNode(node);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::LayoutEdge(TToolEdge* edge)
-{
-    Scene->LayoutEdge(edge);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::UnhookEdge(TToolEdge* edge)
-{
-    Scene->UnhookEdge(edge);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::GetNodeHalfSize(TToolNode* node, int& x, int& y)
-{
-    Scene->GetNodeHalfSize(node, x, y);
-}
-
-// The last nodes and edges go with the document, after its windows.
-void TDocumentWindows::ForgetNode(TToolNode* node)
-{
-    if (Scene != nullptr)
-        Scene->ForgetNode(node);
-}
-
-void TDocumentWindows::ForgetEdge(TToolEdge* edge)
-{
-    if (Scene != nullptr)
-        Scene->ForgetEdge(edge);
-}
-
 void TDocumentWindows::RedrawGraphs()
 {
     for (TDocWindow* window : Windows)
@@ -267,16 +201,13 @@ void TDocumentWindows::EdgeScroll(TRenderer& renderer, double x, double y)
 
 void TDocumentWindows::BeginDrag(TRenderer& renderer, TMouseDrag& drag)
 {
-    if (TGraphWindow* graph = FindGraph(renderer)) {
-        graph->StopFocus();
-        graph->SetCapture();
-    }
-    TWimp::Get().SetMouseDrag(&drag);
+    TGraphWindow* graph = FindGraph(renderer);
+    ASSERT(graph != nullptr);
+    graph->StopFocus();
+    TWimp::Get().SetMouseDrag(&drag, *graph);
 }
 
-void TDocumentWindows::EndDrag(TRenderer& renderer)
+void TDocumentWindows::EndDrag(TRenderer&)
 {
     TWimp::Get().ClearMouseDrag();
-    if (TGraphWindow* graph = FindGraph(renderer))
-        graph->ReleaseCapture();
 }

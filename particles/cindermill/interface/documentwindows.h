@@ -34,17 +34,6 @@ public:
     void RedrawWindows(TDocument& document) override;
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
-    void AddNodeObject(TToolNode* node) override;
-    void RemoveNodeObject(TToolNode* node) override;
-    void AddEdgeObject(TToolEdge* edge) override;
-    void RemoveEdgeObject(TToolEdge* edge) override;
-    void TouchNode(TToolNode* node) override;
-    void RelayoutNode(TToolNode* node) override;
-    void LayoutEdge(TToolEdge* edge) override;
-    void UnhookEdge(TToolEdge* edge) override;
-    void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
-    void ForgetNode(TToolNode* node) override;
-    void ForgetEdge(TToolEdge* edge) override;
 
     // The graph's render objects'.
     void RedrawGraphs() override;

@@ -126,8 +126,7 @@ void TDocWindow::BeginTypeDrag(const TNodeType& type)
         return;
     DragType = &type;
     Graph.BuildGhost(type);
-    SetCapture();
-    TWimp::Get().SetMouseDrag(this);
+    TWimp::Get().SetMouseDrag(this, *this);
     ShowCursor(CU_DROP);
 }
 
@@ -139,7 +138,6 @@ void TDocWindow::CancelDrag()
     TWimp::Get().ClearMouseDrag();
     ShowCursor(CU_CLASS);
     Graph.HideGhost();
-    ReleaseCapture();
 }
 
 bool TDocWindow::CancelAnyDrag()

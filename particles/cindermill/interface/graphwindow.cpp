@@ -68,7 +68,7 @@ TGraphWindow::TGraphWindow() : Shortcuts(this) {}
 
 TGraphWindow::~TGraphWindow()
 {
-    CancelDrag();
+    TWimp::Get().LoseMouseDragIn(*this);
     HideGhost();
 }
 
@@ -328,8 +328,7 @@ void TGraphWindow::BeginPan(double x, double y)
     PixelStart[1] = PixelNow[1] = y;
     GetView().GetPanStart(x, y, PanStart);
     ViewFocus.Stop();
-    SetCapture();
-    TWimp::Get().SetMouseDrag(this);
+    TWimp::Get().SetMouseDrag(this, *this);
     SetCursor(CU_HAND);
 }
 
@@ -337,7 +336,6 @@ void TGraphWindow::EndPan()
 {
     State = GS_IDLE;
     TWimp::Get().ClearMouseDrag();
-    ReleaseCapture();
     SetCursor(CU_CLASS);
 }
 
@@ -346,15 +344,13 @@ void TGraphWindow::BeginBox(double x, double y)
     State = GS_BOXSELECT;
     SelBox.Begin(PixelToWorld(x, y));
     GetScene().GetRoot().AddObject(&SelBox);
-    SetCapture();
-    TWimp::Get().SetMouseDrag(this);
+    TWimp::Get().SetMouseDrag(this, *this);
 }
 
 void TGraphWindow::EndBox()
 {
     State = GS_IDLE;
     TWimp::Get().ClearMouseDrag();
-    ReleaseCapture();
     GetScene().GetRoot().RemoveObject(&SelBox);
     DocWindow->GetWindows().RedrawGraphs();
 }

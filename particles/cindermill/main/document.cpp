@@ -205,13 +205,13 @@ void TDocument::AttachObjects()
             continue;
         TToolNode* node = static_cast<TToolNode*>(Graph->GetNode(i));
         node->Attach(this);
-        AddNodeObject(node);
+        Listener->NodeAdded(node);
         node->Added(this);
     }
     for (int i = 0; i < Graph->GetNumEdges(); ++i) {
         if (!IsClassA(FindClassByNameID(Graph->GetEdge(i)->GetClassId()), TToolEdge::ClassId()))
             continue;
-        AddEdgeObject(static_cast<TToolEdge*>(Graph->GetEdge(i)));
+        Listener->EdgeAdded(static_cast<TToolEdge*>(Graph->GetEdge(i)));
     }
 }
 
@@ -317,7 +317,7 @@ void TDocument::SelectNode(TToolNode* node, bool clearFirst)
         ClearSelection();
     Selected.push_back(node);
     node->SetSelected(true);
-    TouchNode(node);
+    Listener->NodeChanged(node);
 }
 
 void TDocument::DeselectNode(TToolNode* node)
@@ -327,7 +327,7 @@ void TDocument::DeselectNode(TToolNode* node)
         return;
     Selected.erase(it);
     node->SetSelected(false);
-    TouchNode(node);
+    Listener->NodeChanged(node);
 }
 
 void TDocument::ClearSelection()
@@ -336,7 +336,7 @@ void TDocument::ClearSelection()
     nodes.swap(Selected);
     for (TToolNode* node : nodes) {
         node->SetSelected(false);
-        TouchNode(node);
+        Listener->NodeChanged(node);
     }
 }
 
@@ -626,71 +626,9 @@ void TDocument::UpdateTitles()
         Host->UpdateTitles(*this);
 }
 
-void TDocument::AddNodeObject(TToolNode* node)
+void TDocument::SetListener(TGraphListener* listener)
 {
-    if (Host != nullptr)
-        Host->AddNodeObject(node);
-}
-
-void TDocument::RemoveNodeObject(TToolNode* node)
-{
-    if (Host != nullptr)
-        Host->RemoveNodeObject(node);
-}
-
-void TDocument::AddEdgeObject(TToolEdge* edge)
-{
-    if (Host != nullptr)
-        Host->AddEdgeObject(edge);
-}
-
-void TDocument::RemoveEdgeObject(TToolEdge* edge)
-{
-    if (Host != nullptr)
-        Host->RemoveEdgeObject(edge);
-}
-
-void TDocument::TouchNode(TToolNode* node)
-{
-    if (Host != nullptr)
-        Host->TouchNode(node);
-}
-
-void TDocument::RelayoutNode(TToolNode* node)
-{
-    if (Host != nullptr)
-        Host->RelayoutNode(node);
-}
-
-void TDocument::LayoutEdge(TToolEdge* edge)
-{
-    if (Host != nullptr)
-        Host->LayoutEdge(edge);
-}
-
-void TDocument::UnhookEdge(TToolEdge* edge)
-{
-    if (Host != nullptr)
-        Host->UnhookEdge(edge);
-}
-
-void TDocument::GetNodeHalfSize(TToolNode* node, int& x, int& y)
-{
-    x = y = 0;
-    if (Host != nullptr)
-        Host->GetNodeHalfSize(node, x, y);
-}
-
-void TDocument::ForgetNode(TToolNode* node)
-{
-    if (Host != nullptr)
-        Host->ForgetNode(node);
-}
-
-void TDocument::ForgetEdge(TToolEdge* edge)
-{
-    if (Host != nullptr)
-        Host->ForgetEdge(edge);
+    Listener = listener != nullptr ? listener : &NoViews;
 }
 
 void TDocument::AddNodeDisplay(TNodeDisplay* display)

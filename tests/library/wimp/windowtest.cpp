@@ -26,8 +26,8 @@ public:
 class TRecordedDrag : public TMouseDrag
 {
 public:
-    TRecordedDrag() { TWimp::Get().SetMouseDrag(this); }
-    ~TRecordedDrag() override { TWimp::Get().ClearMouseDrag(); }
+    explicit TRecordedDrag(TWindow& window) { TWimp::Get().SetMouseDrag(this, window); }
+    void OnCaptureLost() override { ++NumLosses; }
     void OnMouseMove(double x, double y, int buttons) override
     {
         Calls.push_back({x, y, static_cast<double>(buttons)});
@@ -35,6 +35,7 @@ public:
             Action();
     }
     std::vector<std::array<double, 3>> Calls;
+    int NumLosses = 0;
     std::function<void()> Action;
 };
 
@@ -234,7 +235,7 @@ TEST_F(TWindowClassTest, ADoubleClickCountsAsButtonDown)
 
 TEST_F(TWindowClassTest, ADragGetsPressMoveAndReleaseFirst)
 {
-    TRecordedDrag drag;
+    TRecordedDrag drag(Window);
     std::vector<size_t> heardBefore;
     Window.Forget();
     drag.Action = [&] { heardBefore.push_back(Window.Messages.size()); };
@@ -249,32 +250,58 @@ TEST_F(TWindowClassTest, ADragGetsPressMoveAndReleaseFirst)
     EXPECT_EQ(Window.Count(MT_LEFTUP), 1);
 }
 
-TEST_F(TWindowClassTest, ADragHearsPixelsOfTheWindowThatCapturedTheMouse)
+TEST_F(TWindowClassTest, ADragHearsPixelsOfItsWindow)
 {
     TRecordingWindow child;
     ASSERT_TRUE(MakeChild(child));
     child.MoveTo(100, 50, 100, 100);
     Settle();
-    Window.SetCapture();
-    TRecordedDrag drag;
+    TRecordedDrag drag(Window);
     TMessage message;
     message.Type = MT_MOUSEMOVE;
     QMouseEvent move(QEvent::MouseMove, QPointF(7, 8), child.GetHandle()->mapToGlobal(QPointF(7, 8)),
                      Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(child.GetHandle(), &move);
-    Window.ReleaseCapture();
     ASSERT_EQ(drag.Calls.size(), 1u);
     EXPECT_EQ(drag.Calls[0], (std::array<double, 3>{107, 58, MB_LEFT}));
 }
 
 TEST_F(TWindowClassTest, ADragMayCloseTheWindow)
 {
-    TRecordedDrag drag;
+    TRecordedDrag drag(Window);
     drag.Action = [&] { Window.Destroy(); };
     Window.Forget();
     QTest::mousePress(Widget(), Qt::LeftButton, {}, QPoint(10, 20));
     EXPECT_EQ(Window.Count(MT_LEFTDOWN), 0);
     EXPECT_EQ(Window.GetHandle(), nullptr);
+}
+
+TEST_F(TWindowClassTest, ADragHasTheMouseUntilItIsCleared)
+{
+    TRecordedDrag drag(Window);
+    EXPECT_EQ(drag.GetDragWindow(), &Window);
+    EXPECT_EQ(QWidget::mouseGrabber(), Widget());
+    TWimp::Get().ClearMouseDrag();
+    EXPECT_EQ(drag.GetDragWindow(), nullptr);
+    EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
+    EXPECT_EQ(drag.NumLosses, 0);
+}
+
+TEST_F(TWindowClassTest, ADragIsLostWithItsWindow)
+{
+    TRecordedDrag drag(Window);
+    Window.Destroy();
+    EXPECT_EQ(drag.NumLosses, 1);
+    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+}
+
+TEST_F(TWindowClassTest, ADragThatIsDeletedGivesTheMouseBack)
+{
+    {
+        TRecordedDrag drag(Window);
+    }
+    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+    EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
 }
 
 TEST_F(TWindowClassTest, WhileCapturedTheMouseStaysWithTheWindow)

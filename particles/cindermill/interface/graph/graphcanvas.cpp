@@ -14,49 +14,12 @@
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/main/document.h"
-#include "particles/effectgraph/canconnect.h"
 
 #include <cmath>
 
 namespace {
 
 constexpr float Unbounded = 1e30f;
-
-// Takes an edge out of its ports for as long as it lives, so that they can be asked what they would take
-// without it. The edges of an output keep their order.
-class TUnplugged
-{
-public:
-    explicit TUnplugged(TToolEdge* edge) : Edge(edge)
-    {
-        if (Edge == nullptr)
-            return;
-        TEffectNode* source = Edge->GetSrcNode();
-        for (int n = 0; n < source->GetNumOutputEdges(Edge->GetSrcPort()); ++n)
-            OutputEdges.push_back(source->GetOutputEdge(Edge->GetSrcPort(), n));
-        Edge->DetachEnds();
-        ClearCanConnectCache();
-    }
-    ~TUnplugged()
-    {
-        if (Edge == nullptr)
-            return;
-        TEffectNode* source = Edge->GetSrcNode();
-        for (TEffectEdge* edge : OutputEdges)
-            if (edge != Edge)
-                source->RemoveOutputEdge(Edge->GetSrcPort(), edge);
-        for (TEffectEdge* edge : OutputEdges)
-            source->AddOutputEdge(Edge->GetSrcPort(), edge);
-        Edge->AttachDestination();
-        ClearCanConnectCache();
-    }
-    TUnplugged(const TUnplugged&) = delete;
-    TUnplugged& operator=(const TUnplugged&) = delete;
-
-private:
-    TToolEdge* Edge;
-    vector<TEffectEdge*> OutputEdges;
-};
 
 TNodeObj* AsNode(TRenderObject* object)
 {
@@ -302,10 +265,9 @@ bool TGraphCanvas::OnPortPressed(TNodeObj& node, const TVector2& point, int port
 
 void TGraphCanvas::MarkPorts(bool on)
 {
-    const TUnplugged unplugged(on ? Picked : nullptr);
     for (TRenderObject* object : Objects)
         if (TNodeObj* node = AsNode(object))
-            node->MarkPorts(*FromPort, on);
+            node->MarkPorts(*FromPort, on, Picked);
 }
 
 TPort* TGraphCanvas::FindDropPort(const TVector2& point)

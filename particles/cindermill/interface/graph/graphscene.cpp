@@ -5,6 +5,7 @@
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/main/document.h"
 
 void TGraphSceneHost::Warn()
 {
@@ -23,10 +24,12 @@ TGraphScene::TGraphScene(TDocument& document, TGraphSceneHost& host)
 {
     RenderRoot.AddObject(&Background);
     RenderRoot.AddObject(&Grid);
+    Document.SetListener(this);
 }
 
 TGraphScene::~TGraphScene()
 {
+    Document.SetListener(nullptr);
     Grid.CancelDrag();
     for (auto& entry : Edges)
         delete entry.second;
@@ -73,8 +76,9 @@ TNodeObj* TGraphScene::NodeAt(const TVector2& point)
     return nullptr;
 }
 
-void TGraphScene::AddNode(TToolNode* node)
+void TGraphScene::NodeAdded(TToolNode* node)
 {
+    Host.RedrawGraphs();
     Grid.CancelDrag();
     TNodeObj* object = GetNode(node);
     if (object->GetParent() == &Grid)
@@ -83,8 +87,9 @@ void TGraphScene::AddNode(TToolNode* node)
     object->Relayout();
 }
 
-void TGraphScene::RemoveNode(TToolNode* node)
+void TGraphScene::NodeRemoved(TToolNode* node)
 {
+    Host.RedrawGraphs();
     Grid.CancelDrag();
     HelpText.Hide();
     TNodeObj* object = FindNode(node);
@@ -95,8 +100,9 @@ void TGraphScene::RemoveNode(TToolNode* node)
     TRenderObject::RemoveTick(object);
 }
 
-void TGraphScene::AddEdge(TToolEdge* edge)
+void TGraphScene::EdgeAdded(TToolEdge* edge)
 {
+    Host.RedrawGraphs();
     Grid.CancelDrag();
     TToolEdgeRenderer* renderer = GetEdge(edge);
     renderer->Layout(edge);
@@ -106,34 +112,39 @@ void TGraphScene::AddEdge(TToolEdge* edge)
     Grid.MoveToBack(renderer);
 }
 
-void TGraphScene::RemoveEdge(TToolEdge* edge)
+void TGraphScene::EdgeRemoved(TToolEdge* edge)
 {
+    Host.RedrawGraphs();
     Grid.CancelDrag();
     TToolEdgeRenderer* renderer = FindEdge(edge);
     if (renderer != nullptr)
         Grid.RemoveObject(renderer);
 }
 
-void TGraphScene::LayoutEdge(TToolEdge* edge)
+void TGraphScene::EdgeMoved(TToolEdge* edge)
 {
+    Host.RedrawGraphs();
     GetEdge(edge)->Layout(edge);
 }
 
-void TGraphScene::UnhookEdge(TToolEdge* edge)
+void TGraphScene::EdgeDetached(TToolEdge* edge)
 {
+    Host.RedrawGraphs();
     Grid.CancelDrag();
     GetEdge(edge)->Unhook();
 }
 
-void TGraphScene::TouchNode(TToolNode* node)
+void TGraphScene::NodeChanged(TToolNode* node)
 {
+    Host.RedrawGraphs();
     TNodeObj* object = FindNode(node);
     if (object != nullptr)
         object->Refresh();
 }
 
-void TGraphScene::RelayoutNode(TToolNode* node)
+void TGraphScene::NodeTypeChanged(TToolNode* node)
 {
+    Host.RedrawGraphs();
     TNodeObj* object = FindNode(node);
     if (object != nullptr)
         object->Relayout();
@@ -164,9 +175,9 @@ void TGraphScene::GetNodeHalfSize(TToolNode* node, int& x, int& y)
     y = FloatToInt(size[1] * 0.5);
 }
 
-void TGraphScene::ForgetNode(TToolNode* node)
+void TGraphScene::NodeGoes(TToolNode* node)
 {
-    RemoveNode(node);
+    NodeRemoved(node);
     auto it = Nodes.find(node);
     if (it == Nodes.end())
         return;
@@ -177,9 +188,9 @@ void TGraphScene::ForgetNode(TToolNode* node)
     Nodes.erase(it);
 }
 
-void TGraphScene::ForgetEdge(TToolEdge* edge)
+void TGraphScene::EdgeGoes(TToolEdge* edge)
 {
-    RemoveEdge(edge);
+    EdgeRemoved(edge);
     auto it = Edges.find(edge);
     if (it == Edges.end())
         return;

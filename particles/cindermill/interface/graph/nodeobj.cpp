@@ -3,6 +3,7 @@
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/main/document.h"
@@ -15,8 +16,8 @@ constexpr float DrawnMargin = 8.0f;
 constexpr float DropMargin = 12.0f;
 constexpr float DropDepth = 36.0f;
 
-// Whether an edge may run between the two, apart from what is there already.
-bool CanTake(const TPort& from, const TPort& to)
+// Whether an edge may run between the two when the other edge, if there is one, is away.
+bool CanTake(const TPort& from, const TPort& to, const TToolEdge* away)
 {
     if (from.IsInput() == to.IsInput() || from.GetNode() == to.GetNode())
         return false;
@@ -24,8 +25,9 @@ bool CanTake(const TPort& from, const TPort& to)
     const TPort& input = from.IsInput() ? from : to;
     TToolNode* source = output.GetNode()->GetToolNode();
     TToolNode* destination = input.GetNode()->GetToolNode();
-    return destination->GetInput(input.GetIndex()) == nullptr &&
-           CanConnect(source, output.GetIndex(), destination, input.GetIndex());
+    const TEffectEdge* there = destination->GetInput(input.GetIndex());
+    return (there == nullptr || there == away) &&
+           CanConnectWithout(away, source, output.GetIndex(), destination, input.GetIndex());
 }
 
 } // namespace
@@ -293,12 +295,12 @@ TVector2 TNodeObj::GetPortPosition(bool input, int index) const
     return Origin + GetPortPlace(input, index, GetSize()[0]);
 }
 
-void TNodeObj::MarkPorts(const TPort& port, bool on)
+void TNodeObj::MarkPorts(const TPort& port, bool on, const TToolEdge* away)
 {
     for (TPort* own : InPorts)
-        own->SetMarked(on && CanTake(port, *own));
+        own->SetMarked(on && CanTake(port, *own, away));
     for (TPort* own : OutPorts)
-        own->SetMarked(on && CanTake(port, *own));
+        own->SetMarked(on && CanTake(port, *own, away));
 }
 
 bool TNodeObj::CanBypass() const

@@ -10,6 +10,7 @@
 class TDocument;
 class TGraphScene;
 class TNodeType;
+class TToolEdge;
 class TToolNode;
 
 // A node in the graph view. Turns clicks into selection, drags, bypassing, opening and closing; every change
@@ -67,8 +68,9 @@ public:
     // the label's row will do.
     TPort* FindPort(const TVector2& point);
     TPort* FindDropPort(const TVector2& point);
-    // Marks the ports at which an edge from the port may end; their marks go with `on` false.
-    void MarkPorts(const TPort& port, bool on);
+    // Marks the ports at which an edge from the port may end when the other edge, if there is one, is away;
+    // their marks go with `on` false.
+    void MarkPorts(const TPort& port, bool on, const TToolEdge* away = nullptr);
 
     TBypass& GetBypass() { return Bypass; }
     TNode& GetBody() { return Body; }

@@ -47,18 +47,6 @@ public:
         delete Scene;
         Scene = nullptr;
     }
-    void AddNodeObject(TToolNode* node) override { Scene->AddNode(node); }
-    void RemoveNodeObject(TToolNode* node) override { Scene->RemoveNode(node); }
-    void AddEdgeObject(TToolEdge* edge) override { Scene->AddEdge(edge); }
-    void RemoveEdgeObject(TToolEdge* edge) override { Scene->RemoveEdge(edge); }
-    void TouchNode(TToolNode* node) override { Scene->TouchNode(node); }
-    void RelayoutNode(TToolNode* node) override { Scene->RelayoutNode(node); }
-    void LayoutEdge(TToolEdge* edge) override { Scene->LayoutEdge(edge); }
-    void UnhookEdge(TToolEdge* edge) override { Scene->UnhookEdge(edge); }
-    void GetNodeHalfSize(TToolNode* node, int& x, int& y) override { Scene->GetNodeHalfSize(node, x, y); }
-    void ForgetNode(TToolNode* node) override { Scene->ForgetNode(node); }
-    void ForgetEdge(TToolEdge* edge) override { Scene->ForgetEdge(edge); }
-
     void RedrawGraphs() override { ++NumRedraws; }
     void EdgeScroll(TRenderer&, double x, double y) override
     {
