@@ -6,6 +6,7 @@
 #include "particles/cindermill/graph/operations/rampchangepointsop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/animationramp.h"
+#include "particles/cindermill/interface/controls/animationparametercontrols.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
@@ -594,7 +595,13 @@ void TGraphWindow::OnIdle()
 void TGraphWindow::OnDrop(int x, int y, const char* path)
 {
     ScreenToClient(x, y);
-    const TNodeObj* object = GetScene().NodeAt(PixelToWorld(x, y));
+    const TVector2 point = PixelToWorld(x, y);
+    if (TNodeAnimationParameterControls* group =
+            TNodeAnimationParameterControls::FindGroup(GetScene().GetRoot().HitTest(point))) {
+        group->TakeFile(path);
+        return;
+    }
+    const TNodeObj* object = GetScene().NodeAt(point);
     TNodeRampParameter* ramp = object != nullptr ? FindAnimatedRamp(*object->GetToolNode()) : nullptr;
     if (ramp == nullptr) {
         ShowMessage("Drag vori file to shaper node or graph to load animation file");

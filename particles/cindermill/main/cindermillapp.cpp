@@ -23,7 +23,8 @@ void RegisterAllClasses()
 }
 
 TCindermillApp::TCindermillApp(TSettingsStore* store, TAppHost* host)
-    : Host(host), Store(store), Settings(store), ResourceLocator(Settings)
+    : Host(host), Store(store), Settings(store), ResourceLocator(Settings),
+      TextureWatch(Settings, ChangeNotify)
 {
     StaticInstance = this;
     RegisterAllClasses();
@@ -59,6 +60,7 @@ bool TCindermillApp::InitHeadless()
 bool TCindermillApp::InitSettings()
 {
     Settings.Load();
+    TextureWatch.Start([](void* app) { static_cast<TCindermillApp*>(app)->RedrawDocuments(); }, this);
     if (ResourceLocator.Init(ProgramDirectory, false))
         return true;
     ShowMessage("Failed to initialise resource locator");
@@ -123,6 +125,12 @@ void TCindermillApp::SetActiveDocWindow(TDocWindow* window, TDocument* document)
 {
     ActiveDocWindow = window;
     ActiveDocument = document;
+}
+
+void TCindermillApp::RedrawDocuments()
+{
+    for (TDocument* document : Documents)
+        document->RedrawWindows();
 }
 
 void TCindermillApp::OnIdle()

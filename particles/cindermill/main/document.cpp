@@ -489,6 +489,13 @@ void TDocument::RebuildSchedule(bool suppressDialog)
     TellScheduleChanged();
 }
 
+// The engine of an effect whose files are not all there has not been made.
+void TDocument::FileNamed()
+{
+    if (!EffectExecSchedule.IsInited())
+        RebuildSchedule(true);
+}
+
 // Counts and life times stand in the schedule, and no edit of a parameter rebuilds it. An engine that could
 // not be made is tried again: what was missing may have come.
 bool TDocument::EnsureSchedule()

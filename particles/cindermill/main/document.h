@@ -114,6 +114,7 @@ public:
     const sortedmap<TNodeDisplay*, bool>& GetNodeDisplays() const { return NodeDisplay; }
     void AddNodeDisplay(TNodeDisplay* display) override;
     void RemoveNodeDisplay(TNodeDisplay* display) override;
+    void FileNamed() override;
     void RedrawWindows() override;
 
 private:

@@ -19,6 +19,13 @@ int GetTexelSize(TTextureFormat format)
     }
     AssertFail("0", __FILE__, __LINE__);
 }
+
+// Both separators lead to one file.
+void ToCachedPath(const char* path, TString& out)
+{
+    out = path;
+    out.Replace('/', '\\');
+}
 } // namespace
 
 TRenderTexture::~TRenderTexture()
@@ -80,6 +87,18 @@ void TRenderTexture::Draw(TTexturePainter& painter, const TVector2& min, const T
     painter.DrawTexture(Prepare(), min, max, colour, alphaOnly);
 }
 
+TRenderTextureListener* TRenderTextureCache::Listener = nullptr;
+
+void TRenderTextureCache::SetListener(TRenderTextureListener* listener)
+{
+    Listener = listener;
+    if (Listener == nullptr)
+        return;
+    for (const TRenderTexture* texture : GetTextures())
+        if (!texture->Path.IsEmpty())
+            Listener->OnTextureLoaded(texture->Path);
+}
+
 // Never destroyed: handles may be released after everything else.
 vector<TRenderTexture*>& TRenderTextureCache::GetTextures()
 {
@@ -91,8 +110,10 @@ TRenderTexture* TRenderTextureCache::Find(const char* path)
 {
     if (path == nullptr || *path == 0)
         return nullptr;
+    TString kept;
+    ToCachedPath(path, kept);
     for (TRenderTexture* texture : GetTextures())
-        if (texture->Path.Compare(path) == 0)
+        if (texture->Path.Compare(kept) == 0)
             return texture;
     return nullptr;
 }
@@ -108,9 +129,11 @@ TRenderTexture* TRenderTextureCache::Get(const char* path)
         delete texture;
         return nullptr;
     }
-    texture->Path = path;
+    ToCachedPath(path, texture->Path);
     texture->RefCount = 1;
     GetTextures().push_back(texture);
+    if (Listener != nullptr)
+        Listener->OnTextureLoaded(texture->Path);
     return texture;
 }
 
@@ -138,6 +161,8 @@ void TRenderTextureCache::Release(TRenderTexture* texture)
     if (--texture->RefCount > 0)
         return;
     textures.erase(it);
+    if (Listener != nullptr && !texture->Path.IsEmpty())
+        Listener->OnTextureGone(texture->Path);
     delete texture;
 }
 

@@ -25,5 +25,7 @@ public:
     virtual TGraphListener& GetListener() = 0;
     virtual void AddNodeDisplay(TNodeDisplay* display) = 0;
     virtual void RemoveNodeDisplay(TNodeDisplay* display) = 0;
+    // A parameter names another file: what could not run without it may run now.
+    virtual void FileNamed() {}
     virtual void RedrawWindows() = 0;
 };

@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/controls/controls.h"
 
+#include "particles/cindermill/interface/controls/colourpicker.h"
 #include "particles/cindermill/interface/controls/combobox.h"
 #include "particles/cindermill/interface/controls/numberinput.h"
 #include "particles/cindermill/interface/controls/pushbutton.h"
@@ -11,5 +12,5 @@
 void RegisterControlClasses()
 {
     RegisterClasses<TStatic, TPushButton, TTickBox, TUpDown, TTextEdit, TNumberInput>();
-    RegisterClasses<TComboBox, TComboDropDown, TScrollBar, TScrollPip, TScrollPane, TRamp>();
+    RegisterClasses<TComboBox, TComboDropDown, TScrollBar, TScrollPip, TScrollPane, TRamp, TColourPicker>();
 }

@@ -1,10 +1,13 @@
+#include "particles/cindermill/interface/controls/animationparametercontrols.h"
 #include "particles/cindermill/interface/controls/boolparametercontrols.h"
+#include "particles/cindermill/interface/controls/colourparametercontrols.h"
 #include "particles/cindermill/interface/controls/enumparametercontrols.h"
 #include "particles/cindermill/interface/controls/groupparametercontrols.h"
 #include "particles/cindermill/interface/controls/intparametercontrols.h"
 #include "particles/cindermill/interface/controls/polytypeparametercontrols.h"
 #include "particles/cindermill/interface/controls/rampparametercontrols.h"
 #include "particles/cindermill/interface/controls/texcoordparametercontrols.h"
+#include "particles/cindermill/interface/controls/textureparametercontrols.h"
 #include "particles/cindermill/interface/controls/transformparametercontrols.h"
 #include "particles/cindermill/interface/controls/vectorparametercontrols.h"
 #include "particles/effectgraph/nodeparameter.h"
@@ -31,15 +34,18 @@ constexpr TKindControls Table[] = {
     {TY_SCALE, Make<TNodeScaleParameterControls>},
     {TY_VECTOR3, Make<TNodeVector3ParameterControls>},
     {TY_QUATERNION, Make<TNodeQuaternionParameterControls>},
+    {TY_COLOUR, Make<TNodeColourParameterControls>},
     {TY_TRANSFORM, Make<TNodeTransformParameterControls>},
     {TY_TEXCOORDS, Make<TNodeTexCoordParameterControls>},
     {TY_POLYTYPE, Make<TNodePolytypeParameterControls>},
     {PK_BOOL, Make<TNodeBoolParameterControls>},
     {PK_ENUM, Make<TNodeEnumParameterControls>},
     {PK_INT, Make<TNodeIntParameterControls>},
+    {PK_TEXTURE, Make<TNodeTextureParameterControls>},
     {PK_RAMP, Make<TNodeRampParameterControls>},
     {PK_POLYRAMP, Make<TNodePolyRampParameterControls>},
     {PK_GROUP, Make<TNodeGroupParameterControls>},
+    {PK_ANIMATION, Make<TNodeAnimationParameterControls>},
 };
 
 } // namespace

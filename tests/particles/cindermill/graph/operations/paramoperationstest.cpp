@@ -286,6 +286,53 @@ TEST(TVector3ParamOp, DoesNotMergeWithAnotherClass)
     EXPECT_EQ(doc.Stack->GetNumOperations(), 2);
 }
 
+static void ApplyColour(TParams& doc, float r, float g, float b, float a, int drag)
+{
+    const float value[4] = {r, g, b, a};
+    doc.Apply(new TColourParamOp(doc.Get<TNodeColourParameter>("Colour"), value, drag));
+}
+
+TEST(TColourParamOp, OfOneDragMergeWhateverComponentsEachChanges)
+{
+    TParams doc;
+    const std::vector<float> before = ValueOf(doc.Get<TNodeParameter>("Colour"));
+    ApplyColour(doc, 0.5f, before[1], before[2], before[3], 7);
+    ApplyColour(doc, 0.5f, 0.25f, before[2], before[3], 7);
+    ApplyColour(doc, 0.1f, 0.2f, 0.3f, before[3], 7);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 1);
+    EXPECT_EQ(ValueOf(doc.Get<TNodeParameter>("Colour")), (std::vector<float>{0.1f, 0.2f, 0.3f, before[3]}));
+    doc.Undo();
+    EXPECT_EQ(ValueOf(doc.Get<TNodeParameter>("Colour")), before);
+}
+
+TEST(TColourParamOp, OfTwoDragsOrOfNoneMergeByTheirComponents)
+{
+    TParams doc;
+    ApplyColour(doc, 0.5f, 0.5f, 1, 1, 7);
+    ApplyColour(doc, 0.5f, 0.5f, 0.5f, 1, 8);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 2);
+    ApplyColour(doc, 0.5f, 0.5f, 0.25f, 1, 9);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 2);
+    ApplyColour(doc, 0.5f, 0.5f, 0.25f, 0.5f, 0);
+    ApplyColour(doc, 0.25f, 0.5f, 0.25f, 0.5f, 0);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 4);
+}
+
+TEST(TColourParamOp, ADragOnAnotherParameterOrAfterTwoSecondsOpensANewStep)
+{
+    TParams doc;
+    ApplyColour(doc, 0.5f, 1, 1, 1, 7);
+    doc.Clock.Set(11999);
+    ApplyColour(doc, 0.25f, 0.5f, 1, 1, 7);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 1);
+    doc.Clock.Set(13999);
+    ApplyColour(doc, 0.25f, 0.25f, 1, 1, 7);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 2);
+    const float value[4] = {0, 0, 0, 0};
+    doc.Apply(new TColourParamOp(doc.Get<TNodeColourParameter>("Colour2"), value, 7));
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 3);
+}
+
 TEST(TBoolParamOp, StoresTheNewStateOnly)
 {
     TParams doc;
