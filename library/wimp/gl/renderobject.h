@@ -78,8 +78,8 @@ public:
     // Whether the object takes over what one below it loses by going: the focus.
     virtual bool IsInputHome() const { return false; }
     // For an object that is hidden, which leaving its container does by itself: what has the focus in it
-    // gives it to the nearest home above, if there is one, and a capture in it ends. The keyboard stays with
-    // the window that has it.
+    // gives it to the nearest home above, if there is one, a capture in it ends, and the pointer leaves it.
+    // The keyboard stays with the window that has it.
     void LoseInput();
     // Whether an overlay is to be seen in a view of the root: if it belongs to that tree, or to none.
     bool IsShownUnder(const TRenderObject& root) const;
@@ -124,6 +124,7 @@ private:
     friend class TRenderObjects;
 
     bool Contains(const TVector2& point);
+    void LoseHover();
     static TRenderObject* FindInputHome(TRenderObject* object);
     static TRenderObject* FindTarget(TRenderObject& root, const TVector2& point);
     static bool Send(TRenderObject* object, int code, int detail = 0);
