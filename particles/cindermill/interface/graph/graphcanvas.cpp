@@ -196,8 +196,7 @@ void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
         CancelDrag();
         return;
     }
-    if (Drag != DM_SIZE)
-        Scene.GetHost().EdgeScroll(*renderer, x, y);
+    Scene.GetHost().EdgeScroll(*renderer, x, y);
     const TVector2 pointer = renderer->PixelToWorld(x, y);
     const bool released = (buttons & MB_LEFT) == 0;
     // What cannot be seen is not meant.

@@ -424,6 +424,18 @@ TEST_F(TNodeObjTest, TheGripMakesTheNodeLargerButNeverSmallerThanItsContents)
     EXPECT_EQ(Object(node).GetSize(), size);
 }
 
+TEST_F(TNodeObjTest, ADragOfTheGripScrollsAtTheEdgesOfTheView)
+{
+    TToolNode* node = Add("Effect", 100, 100);
+    const TVector2 grip = TVector2(100, 100) + Object(node).GetSize() - TVector2(5, 3);
+    Press(grip);
+    Drag(TVector2(795, 300));
+    EXPECT_EQ(Host.NumScrolls, 1);
+    EXPECT_EQ(Host.ScrolledAt, std::make_pair(795.0, 300.0));
+    Release(TVector2(795, 300));
+    EXPECT_EQ(Host.Captured, nullptr);
+}
+
 TEST_F(TNodeObjTest, AnOpenNodeFollowsTheGripToo)
 {
     TToolNode* node = Add("Effect", 100, 100);
