@@ -90,7 +90,6 @@ void TGraphScene::RemoveNode(TToolNode* node)
     TNodeObj* object = FindNode(node);
     if (object == nullptr)
         return;
-    object->ReleaseButton();
     Grid.RemoveObject(object);
     TRenderObject::RemoveTick(object);
 }

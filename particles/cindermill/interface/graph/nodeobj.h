@@ -31,7 +31,10 @@ public:
     bool IsSelected() const;
     bool IsCollapsed() const { return Collapsed; }
     bool IsPressed() const { return MousePressed; }
-    // The pressed button forgets the press.
+    // While the mouse holds the button that opens and closes: the canvas runs the press. The point is
+    // relative to the node's place.
+    void FollowPress(const TVector2& point);
+    void FinishPress(const TVector2& point);
     void ReleaseButton();
     // Takes ownership of controls for the panel of the open node; see TNodeExp.
     void AddControls(TRenderObject* controls, int inputPort);
@@ -87,10 +90,9 @@ private:
     bool IsInside(const TVector2& point) const;
     bool CanBypass() const;
     bool OnLeftDown(const TVector2& point);
-    bool OnLeftUp(const TVector2& point);
-    void OnMove(const TVector2& point);
     void OnHover(const TVector2& point);
     void ToggleBypass();
+    void ShowPressed(bool pressed);
     bool SendToParent(int code, const TVector2& point, int detail);
 
     TGraphScene& Scene;
