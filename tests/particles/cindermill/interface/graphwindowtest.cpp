@@ -184,12 +184,19 @@ TEST_F(GraphWindow, ShiftClickOnEmptySpaceKeepsTheSelectionAndABoxThenAddsToIt)
 TEST_F(GraphWindow, ABoxWithoutSizeSelectsNothing)
 {
     SetPanButton(PanMiddle);
-    SetView(Graph(), 0, 0, 7);
-    const QPoint at = PixelOf(Graph(), TVector2(190, 190));
-    Press(Graph(), at);
-    Release(Graph(), at);
-    EXPECT_EQ(NumSelected(), 0);
-    EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_IDLE);
+    // Each box reaches over the left edge of the first node, which is 200.
+    SetView(Graph(), -195, -195, 7);
+    const QPoint beside(32, 70);
+    ASSERT_LT(Graph().PixelToWorld(beside.x(), beside.y())[0], 200);
+    for (const QPoint& small : {QPoint(36, 70), QPoint(37, 74)}) {
+        ASSERT_GT(Graph().PixelToWorld(small.x(), small.y())[0], 200);
+        Drag(Graph(), beside, small);
+        EXPECT_EQ(NumSelected(), 0) << small.x() << " " << small.y();
+        EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_IDLE);
+    }
+    // A diagonal of 1.
+    Drag(Graph(), beside, QPoint(39, 70));
+    EXPECT_TRUE(IsSelected(First));
 }
 
 TEST_F(GraphWindow, TheBoxIsPartOfTheDrawingWhileItRuns)
