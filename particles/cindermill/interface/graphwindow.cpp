@@ -241,7 +241,11 @@ void TGraphWindow::OnRightUp(const TMessage& message)
     ContextNode = object->GetToolNode();
     TMenu menu;
     FillContextMenu(menu);
+    // What was chosen has been done when this returns.
+    const TWindowHandle handle = GetHandle();
     menu.Track(*this, message.GetPixelX(), message.GetPixelY());
+    if (TWindow::Find(handle) == this)
+        ContextNode = nullptr;
 }
 
 void TGraphWindow::FillContextMenu(TMenu& menu)

@@ -229,6 +229,20 @@ TEST_F(GraphWindow, ARightClickOnANodeOpensItsMenu)
     EXPECT_EQ(RightClick(Empty), "");
 }
 
+TEST_F(GraphWindow, TheNodeOfAMenuIsForgottenWhenItIsClosedWithoutAChoice)
+{
+    const QPoint at = MiddleOf(*Document, First);
+    const TToolNode* during = nullptr;
+    MeetMenu([&](QMenu& menu) {
+        during = Graph().GetContextNode();
+        menu.close();
+    });
+    Press(Graph(), at, Qt::RightButton);
+    Release(Graph(), at, Qt::RightButton);
+    EXPECT_EQ(during, First);
+    EXPECT_EQ(Graph().GetContextNode(), nullptr);
+}
+
 TEST_F(GraphWindow, RightClickAfterARightButtonPanOfMoreThanTwoPixelsOpensNoMenu)
 {
     SetPanButton(PanRight);
