@@ -252,6 +252,8 @@ void TGraphWindow::FillContextMenu(TMenu& menu)
 {
     menu.AddItem(MenuFocusNodeGroup, "Focus Node Group");
     menu.AddItem(MenuInsertNode, "Insert Node...");
+    menu.EnableItem(MenuFocusNodeGroup, false);
+    menu.EnableItem(MenuInsertNode, false);
 }
 
 void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)

@@ -229,6 +229,23 @@ TEST_F(GraphWindow, ARightClickOnANodeOpensItsMenu)
     EXPECT_EQ(RightClick(Empty), "");
 }
 
+TEST_F(GraphWindow, EntriesOfTheNodesMenuThatDoNothingAreGrey)
+{
+    const QPoint at = MiddleOf(*Document, First);
+    bool met = false;
+    MeetMenu([&](QMenu& menu) {
+        met = true;
+        for (const QAction* action : menu.actions())
+            if (action->objectName() == "menu40215" || action->objectName() == "menu40217") {
+                EXPECT_FALSE(action->isEnabled()) << action->text().toStdString();
+            }
+        menu.close();
+    });
+    Press(Graph(), at, Qt::RightButton);
+    Release(Graph(), at, Qt::RightButton);
+    EXPECT_TRUE(met);
+}
+
 TEST_F(GraphWindow, TheNodeOfAMenuIsForgottenWhenItIsClosedWithoutAChoice)
 {
     const QPoint at = MiddleOf(*Document, First);
