@@ -149,7 +149,7 @@ TEST(QdxVertex, OpcodesPastTheTablesAreNoOperation)
 {
     for (int opcode = 26; opcode < 32; ++opcode) {
         TVertexCode code = Vector(opcode, 1);
-        EXPECT_EQ("NOP\n", VertexBody({code}));
+        EXPECT_EQ("\n", VertexBody({code}));
         code.Scalar = Rcp;
         EXPECT_EQ("RCP R0,vertex.attrib[0];\n", VertexBody({code}));
     }
@@ -157,7 +157,14 @@ TEST(QdxVertex, OpcodesPastTheTablesAreNoOperation)
         TVertexCode code = Vector(Mov, 1);
         code.Scalar = opcode;
         EXPECT_EQ("MOV R1,vertex.attrib[0];\n", VertexBody({code}));
+        EXPECT_EQ("\n", VertexBody({Scalar(opcode, 1)}));
+        code.Vector = 31;
+        EXPECT_EQ("\n", VertexBody({code}));
+        // What prints nothing counts for no label.
+        EXPECT_EQ("BRA label0 (TR);\n\nNOP\nlabel0:\nNOP\n",
+                  VertexBody({Branch(Bra, 2), Scalar(opcode, 1), Vector(0), Vector(0)}));
     }
+    EXPECT_EQ("NOP\n", VertexBody({Vector(0)}));
 }
 
 TEST(QdxVertex, ScalarOpcodeTable)
