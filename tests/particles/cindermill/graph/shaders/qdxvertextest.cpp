@@ -483,16 +483,31 @@ TEST(QdxVertexRanges, ASpanStopsBeforeASingleSlot)
     EXPECT_EQ(0, ranges.Enter(10, 511));
     EXPECT_EQ("10..19 20..20 ", RangesText(ranges));
     EXPECT_EQ(0, ranges.Enter(10, 511));
-    EXPECT_EQ(10, ranges.Enter(20, 511));
-    EXPECT_EQ("10..19 20..20 ", RangesText(ranges));
+    EXPECT_EQ(11, ranges.Enter(20, 511));
+    EXPECT_EQ("10..19 20..20 20..511 ", RangesText(ranges));
 }
 
-TEST(QdxVertexRanges, AnEmptyRangeIsNotInserted)
+TEST(QdxVertexRanges, WhereTheRangeToInsertWouldBeEmptyTheWalkGoesOn)
 {
     TQdxVertexRanges ranges;
     ranges.Enter(20, 20);
-    EXPECT_EQ(0, ranges.Enter(20, 511));
-    EXPECT_EQ("20..20 ", RangesText(ranges));
+    EXPECT_EQ(1, ranges.Enter(20, 511));
+    EXPECT_EQ("20..20 20..511 ", RangesText(ranges));
+    EXPECT_EQ(1, ranges.Enter(20, 511));
+    EXPECT_EQ(0, ranges.Enter(20, 20));
+    // A further single slot ends it as one that lies apart does.
+    TQdxVertexRanges two;
+    two.Enter(20, 20);
+    two.Enter(30, 30);
+    EXPECT_EQ(1, two.Enter(20, 511));
+    EXPECT_EQ("20..20 20..29 30..30 ", RangesText(two));
+}
+
+TEST(QdxVertex, ARelativeAccessThatBeginsAtANamedSlotHasItsSpan)
+{
+    EXPECT_EQ(Header + "PARAM c[213] = {\n program.local[44],\n program.local[44..255]\n};\nTEMP R0;\n"
+                       "MOV R0,c[0];\nMOV R0,c[A0.x+1];\nEND\n",
+              VertexText({MovConstant(300), MovConstant(300, true)}));
 }
 
 TEST(QdxVertexRanges, ASpanIsCutAtASingleSlot)
