@@ -298,8 +298,17 @@ bool TWimp::OfferKey(TWindow& window, int key, bool down)
     return false;
 }
 
+static TBeepHook BeepHook = nullptr;
+
 void Beep()
 {
-    if (TWimp::Get().IsInited())
+    if (BeepHook != nullptr)
+        BeepHook();
+    else if (TWimp::Get().IsInited())
         QApplication::beep();
+}
+
+void SetBeep(TBeepHook beep)
+{
+    BeepHook = beep;
 }

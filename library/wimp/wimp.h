@@ -117,3 +117,6 @@ private:
 
 // The system's warning sound.
 void Beep();
+using TBeepHook = void (*)();
+// Another warning than the system's; null for that.
+void SetBeep(TBeepHook beep);

@@ -112,7 +112,9 @@ bool TWindow::Create(const TWindowParams& params)
         ResizeDialog(*Handle, QSize(params.Width, params.Height));
         return true;
     }
-    const QRect place = FitInto(Peer->GetRoom(), params);
+    // The main window has its place on the whole screen.
+    const QRect place = Kind == WK_MAIN ? QRect(params.X, params.Y, params.Width, params.Height)
+                                        : FitInto(Peer->GetRoom(), params);
     MoveTo(place.x(), place.y(), place.width(), place.height());
     return true;
 }

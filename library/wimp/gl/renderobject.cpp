@@ -228,6 +228,17 @@ void TRenderObject::LoseInput()
         SetOverlay(nullptr);
     if (routing.FocusObject != nullptr && routing.FocusObject->IsIn(*this))
         SetFocus(FindInputHome(Parent));
+    LoseHover();
+}
+
+// The pointer rests on something else now, which will hear of it with the next move.
+void TRenderObject::LoseHover()
+{
+    TRenderObject* hover = GetRouting().HoverObject;
+    if (hover == nullptr || !hover->IsIn(*this))
+        return;
+    GetRouting().HoverObject = nullptr;
+    Send(hover, RE_LEAVE);
 }
 
 bool TRenderObject::Route(TRenderer& renderer, TRenderObject& root, const TMessage& message)

@@ -85,8 +85,8 @@ public:
     // Whether the Tab key stays among the fields below the object.
     virtual bool IsFieldPanel() const { return false; }
     // For an object that is hidden, which leaving its container does by itself: what has the focus in it
-    // gives it to the nearest home above, if there is one, in the view that had it; a capture in it ends, and
-    // an overlay goes. The keyboard stays with the window that has it.
+    // gives it to the nearest home above, if there is one, in the view that had it; a capture in it ends, an
+    // overlay goes, and the pointer leaves it. The keyboard stays with the window that has it.
     void LoseInput();
 
     // Hands a window's message to the objects under the root; true if one consumed it. The renderer must be
@@ -140,6 +140,7 @@ private:
     friend class TRenderObjects;
 
     bool Contains(const TVector2& point);
+    void LoseHover();
     static TRenderObject* FindInputHome(TRenderObject* object);
     static TRenderObject* FindOverlayTarget(TRenderer& renderer, TRenderObject& root, const TVector2& point);
     static TRenderObject* FindTarget(TRenderer& renderer, TRenderObject& root, const TVector2& point);

@@ -341,7 +341,11 @@ void TGraphWindow::OnRightUp(const TMessage& message)
     ContextNode = object->GetToolNode();
     TMenu menu;
     FillContextMenu(menu);
+    // What was chosen has been done when this returns.
+    const TWindowHandle handle = GetHandle();
     menu.Track(*this, message.GetPixelX(), message.GetPixelY());
+    if (TWindow::Find(handle) == this)
+        ContextNode = nullptr;
 }
 
 bool TGraphWindow::OpenValueMenu(const TMessage& message)
@@ -369,6 +373,8 @@ void TGraphWindow::FillContextMenu(TMenu& menu)
 {
     menu.AddItem(MenuFocusNodeGroup, "Focus Node Group");
     menu.AddItem(MenuInsertNode, "Insert Node...");
+    menu.EnableItem(MenuFocusNodeGroup, false);
+    menu.EnableItem(MenuInsertNode, false);
 }
 
 void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)

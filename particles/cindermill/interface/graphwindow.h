@@ -67,6 +67,8 @@ public:
     TRenderer& GetRenderer() { return Renderer; }
     TState GetState() const { return State; }
     bool IsFocusing() const { return ViewFocus.IsRunning(); }
+    // The node whose menu is open, or null.
+    const TToolNode* GetContextNode() const { return ContextNode; }
     // What the menu of a node holds: number 118.
     static void FillContextMenu(TMenu& menu);
 

@@ -522,6 +522,20 @@ TEST_F(TWindowClassTest, ControlCharactersAreNoText)
         Click(key.Key, Qt::NoModifier, QString::fromLatin1(key.Text));
     EXPECT_EQ(Window.Count(MT_KEYDOWN), 5);
     EXPECT_EQ(Window.Count(MT_CHAR), 0);
+    // Keys that are no named ones may give control characters too.
+    Click(Qt::Key_Q, Qt::ControlModifier | Qt::AltModifier, QStringLiteral("\x11"));
+    Click(Qt::Key_BracketLeft, Qt::NoModifier, QStringLiteral("\x1b"));
+    Click(Qt::Key_SysReq, Qt::NoModifier, QStringLiteral("\x7f"));
+    EXPECT_EQ(Window.Count(MT_CHAR), 0);
+    QInputMethodEvent input;
+    input.setCommitString(QStringLiteral("a\nb\x1f"));
+    QApplication::sendEvent(Widget(), &input);
+    ASSERT_EQ(Window.Count(MT_CHAR), 2);
+    EXPECT_EQ(Window.Last(MT_CHAR).Character, uint32_t{'b'});
+    // The first character that is one.
+    Click(Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+    ASSERT_EQ(Window.Count(MT_CHAR), 3);
+    EXPECT_EQ(Window.Last(MT_CHAR).Character, 32u);
 }
 
 TEST_F(TWindowClassTest, ComposedTextComesAsCharacters)

@@ -150,6 +150,8 @@ void TGraphCanvas::CancelDrag()
         PlaceNodes(0, 0);
     if (Drag == DM_SIZE)
         Grabbed->SetWishedSize(SizeBefore);
+    if (Drag == DM_PRESS)
+        Grabbed->ReleaseButton();
     EndDrag();
 }
 
@@ -162,7 +164,7 @@ void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
         CancelDrag();
         return;
     }
-    if (Drag != DM_SIZE)
+    if (Drag != DM_PRESS)
         Scene.GetHost().EdgeScroll(*renderer, x, y);
     const TVector2 pointer = renderer->PixelToWorld(x, y);
     const bool released = (buttons & MB_LEFT) == 0;
@@ -183,6 +185,11 @@ void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
         Grabbed->Resize(pointer - Grabbed->GetOrigin() - Grabbed->GetPressPoint());
         if (released)
             EndDrag();
+        break;
+    case DM_PRESS:
+        Grabbed->FollowPress(pointer - Grabbed->GetOrigin());
+        if (released)
+            FinishPress(pointer);
         break;
     default:
         break;
@@ -241,6 +248,20 @@ void TGraphCanvas::BeginResize(TNodeObj& node, const TVector2& grab)
         return;
     node.SetPressPoint(grab);
     SizeBefore = node.GetWishedSize();
+}
+
+void TGraphCanvas::BeginPress(TNodeObj& node)
+{
+    if (!BeginDrag(DM_PRESS, node))
+        return;
+    node.FollowPress(GetPointer() - node.GetOrigin());
+}
+
+void TGraphCanvas::FinishPress(const TVector2& pointer)
+{
+    TNodeObj& node = *Grabbed;
+    EndDrag();
+    node.FinishPress(pointer - node.GetOrigin());
 }
 
 // The port is told as in a TPortRef: below the number of inputs it is an input.

@@ -97,7 +97,6 @@ void TGraphScene::NodeRemoved(TToolNode* node)
     TNodeObj* object = FindNode(node);
     if (object == nullptr)
         return;
-    object->ReleaseButton();
     Grid.RemoveObject(object);
     TRenderObject::RemoveTick(object);
 }

@@ -374,15 +374,6 @@ bool TNodeObj::Event(const TRenderEvent& event)
     switch (event.Code) {
     case RE_LEFTDOWN:
         return OnLeftDown(event.Point);
-    case RE_LEFTUP:
-        return OnLeftUp(event.Point);
-    case RE_ENTER:
-    case RE_MOVE:
-        OnMove(event.Point);
-        return TRenderObjects::Event(event);
-    case RE_LEAVE:
-        ReleaseButton();
-        return TRenderObjects::Event(event);
     case RE_HOVER:
         OnHover(event.Point);
         return true;
@@ -417,10 +408,8 @@ bool TNodeObj::OnLeftDown(const TVector2& point)
         return SendToParent(RE_PORTDRAG, point,
                             port->IsInput() ? port->GetIndex() : GetNumPorts(true) + port->GetIndex());
     if (HitsButton(point)) {
-        MousePressed = true;
-        Body.SetVisualState(VS_PRESSED);
-        Expanded.SetVisualState(VS_PRESSED);
-        return SendToParent(RE_REDRAW, point, 0);
+        Scene.GetCanvas().BeginPress(*this);
+        return true;
     }
     const bool grip = Collapsed ? Body.GetRegion(point) == NR_GRIP : Expanded.GetRegion(point) == XR_GRIP;
     if (grip) {
@@ -436,40 +425,42 @@ void TNodeObj::ToggleBypass()
     Scene.GetDocument().ApplyOperation(new TBypassFlagOp(ToolNode, set));
 }
 
-void TNodeObj::ReleaseButton()
+// The button comes up while the pointer is beside it, and goes down again when it comes back.
+void TNodeObj::FollowPress(const TVector2& point)
 {
-    if (!MousePressed)
-        return;
-    MousePressed = false;
-    Body.SetVisualState(VS_RELEASED);
-    Expanded.SetVisualState(VS_RELEASED);
-    SendToParent(RE_REDRAW, TVector2(0, 0), 0);
+    ShowPressed(HitsButton(point));
 }
 
-void TNodeObj::OnMove(const TVector2& point)
+void TNodeObj::FinishPress(const TVector2& point)
 {
-    if (MousePressed && !HitsButton(point))
-        ReleaseButton();
-}
-
-bool TNodeObj::OnLeftUp(const TVector2& point)
-{
-    if (!MousePressed)
-        return false;
     ReleaseButton();
     if (!HitsButton(point))
-        return true;
+        return;
     if (Collapsed && CanOpen())
         BuildControls();
     if (Collapsed && !CanOpen()) {
         Scene.GetHost().Warn();
-        return true;
+        return;
     }
     SetOpen(Collapsed);
     PlacePorts();
     Scene.GetCanvas().MoveToFront(this);
     SendToParent(RE_REDRAW, point, 0);
-    return true;
+}
+
+void TNodeObj::ReleaseButton()
+{
+    ShowPressed(false);
+}
+
+void TNodeObj::ShowPressed(bool pressed)
+{
+    if (MousePressed == pressed)
+        return;
+    MousePressed = pressed;
+    Body.SetVisualState(pressed ? VS_PRESSED : VS_RELEASED);
+    Expanded.SetVisualState(pressed ? VS_PRESSED : VS_RELEASED);
+    SendToParent(RE_REDRAW, TVector2(0, 0), 0);
 }
 
 void TNodeObj::OnHover(const TVector2& point)

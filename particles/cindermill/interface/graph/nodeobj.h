@@ -33,7 +33,10 @@ public:
     bool IsSelected() const;
     bool IsCollapsed() const { return Collapsed; }
     bool IsPressed() const { return MousePressed; }
-    // The pressed button forgets the press.
+    // While the mouse holds the button that opens and closes: the canvas runs the press. The point is
+    // relative to the node's place.
+    void FollowPress(const TVector2& point);
+    void FinishPress(const TVector2& point);
     void ReleaseButton();
     // The controls of the open panel show what their parameters are now.
     void RefreshControls();
@@ -95,10 +98,9 @@ private:
     bool CanBypass() const;
     bool OnControlsEvent(const TRenderEvent& event);
     bool OnLeftDown(const TVector2& point);
-    bool OnLeftUp(const TVector2& point);
-    void OnMove(const TVector2& point);
     void OnHover(const TVector2& point);
     void ToggleBypass();
+    void ShowPressed(bool pressed);
     bool SendToParent(int code, const TVector2& point, int detail);
 
     TGraphScene& Scene;

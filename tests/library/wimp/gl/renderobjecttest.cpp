@@ -445,6 +445,29 @@ TEST_F(TRouting, DestroyingTheHoveredOrFocusedObjectLeavesTheRoutingStateNull)
     EXPECT_EQ(TRenderObject::GetHover(), &A);
 }
 
+TEST_F(TRouting, AnObjectThatLeavesTheTreeOrIsHiddenIsLeftByThePointer)
+{
+    Move(15, 15);
+    ASSERT_EQ(TRenderObject::GetHover(), &A);
+    A.Events.clear();
+    Root.RemoveObject(&A);
+    EXPECT_EQ(TRenderObject::GetHover(), nullptr);
+    EXPECT_EQ(A.GetCodes(), (TCodes{RE_LEAVE}));
+    A.Events.clear();
+    TMessage hover = MakeMessage(MT_TIMER);
+    hover.Timer = 1;
+    Route(hover);
+    EXPECT_EQ(A.GetCodes(), TCodes());
+    Root.AddObject(&A);
+    Move(55, 55);
+    ASSERT_EQ(TRenderObject::GetHover(), &B);
+    // What the pointer is not on is hidden without a word.
+    A.LoseInput();
+    EXPECT_EQ(TRenderObject::GetHover(), &B);
+    B.LoseInput();
+    EXPECT_EQ(TRenderObject::GetHover(), nullptr);
+}
+
 TEST_F(TRouting, AnObjectDestroyedWhileTheOldOneIsLeftIsNotEntered)
 {
     auto doomed = std::make_unique<TDrawnObject>();

@@ -219,6 +219,44 @@ TEST_F(TNodeObjTest, PressingTheExpandButtonSwapsTheTonesAndReleasingBringsThemB
     EXPECT_EQ(ButtonOfPanel(Object(node)), up);
 }
 
+TEST_F(TNodeObjTest, APressOnTheExpandButtonThatSlidOffAndCameBackStillCounts)
+{
+    TToolNode* node = Add("Effect", 100, 100);
+    Object(node).AddControls(new TBoxControls, -1);
+    const TVector4 up = ButtonOfPanel(Object(node));
+    for (const TVector2& away : {TVector2(500, 500), TitleOf(node)}) {
+        const bool collapsed = Object(node).IsCollapsed();
+        Move(ButtonOf(node));
+        Press(ButtonOf(node));
+        const TVector4 down = ButtonOfPanel(Object(node));
+        Drag(away);
+        EXPECT_EQ(ButtonOfPanel(Object(node)), up);
+        Drag(ButtonOf(node));
+        EXPECT_EQ(ButtonOfPanel(Object(node)), down);
+        Release(ButtonOf(node));
+        EXPECT_NE(Object(node).IsCollapsed(), collapsed);
+        EXPECT_EQ(ButtonOfPanel(Object(node)), up);
+    }
+}
+
+TEST_F(TNodeObjTest, APressOnTheExpandButtonEndsWithTheMouseAndWithEscape)
+{
+    TToolNode* node = Add("Effect", 100, 100);
+    Object(node).AddControls(new TBoxControls, -1);
+    Press(ButtonOf(node));
+    ASSERT_NE(Host.Drag, nullptr);
+    Host.Drag->OnCaptureLost();
+    EXPECT_FALSE(Object(node).IsPressed());
+    Move(ButtonOf(node));
+    Release(ButtonOf(node));
+    EXPECT_TRUE(Object(node).IsCollapsed());
+    Press(ButtonOf(node));
+    EXPECT_TRUE(Key(KEY_ESCAPE));
+    EXPECT_FALSE(Object(node).IsPressed());
+    Release(ButtonOf(node));
+    EXPECT_TRUE(Object(node).IsCollapsed());
+}
+
 TEST_F(TNodeObjTest, AClickOnTheExpandButtonWithThePointerMovedAwayBeforeReleaseChangesNothing)
 {
     TToolNode* node = Add("Effect", 100, 100);
@@ -586,6 +624,18 @@ TEST_F(TNodeObjTest, TheGripMakesTheNodeLargerButNeverSmallerThanItsContents)
     const TVector2 larger = TVector2(100, 100) + Object(node).GetSize() - TVector2(5, 3);
     DragTo(larger, TVector2(100, 100));
     EXPECT_EQ(Object(node).GetSize(), size);
+}
+
+TEST_F(TNodeObjTest, ADragOfTheGripScrollsAtTheEdgesOfTheView)
+{
+    TToolNode* node = Add("Effect", 100, 100);
+    const TVector2 grip = TVector2(100, 100) + Object(node).GetSize() - TVector2(5, 3);
+    Press(grip);
+    Drag(TVector2(795, 300));
+    EXPECT_EQ(Host.NumScrolls, 1);
+    EXPECT_EQ(Host.ScrolledAt, std::make_pair(795.0, 300.0));
+    Release(TVector2(795, 300));
+    EXPECT_EQ(Host.Captured, nullptr);
 }
 
 TEST_F(TNodeObjTest, AnOpenNodeFollowsTheGripToo)
