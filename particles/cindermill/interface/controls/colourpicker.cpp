@@ -6,6 +6,8 @@
 #include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/controls/pickerprograms.h"
 
+#include <initializer_list>
+
 namespace {
 
 constexpr float RowHeight = 20.0f;
