@@ -222,7 +222,6 @@ TEST_F(TNodeObjTest, PressingTheExpandButtonSwapsTheTonesAndReleasingBringsThemB
 TEST_F(TNodeObjTest, APressOnTheExpandButtonThatSlidOffAndCameBackStillCounts)
 {
     TToolNode* node = Add("Effect", 100, 100);
-    Object(node).AddControls(new TBoxControls, -1);
     const TVector4 up = ButtonOfPanel(Object(node));
     for (const TVector2& away : {TVector2(500, 500), TitleOf(node)}) {
         const bool collapsed = Object(node).IsCollapsed();
@@ -242,7 +241,6 @@ TEST_F(TNodeObjTest, APressOnTheExpandButtonThatSlidOffAndCameBackStillCounts)
 TEST_F(TNodeObjTest, APressOnTheExpandButtonEndsWithTheMouseAndWithEscape)
 {
     TToolNode* node = Add("Effect", 100, 100);
-    Object(node).AddControls(new TBoxControls, -1);
     Press(ButtonOf(node));
     ASSERT_NE(Host.Drag, nullptr);
     Host.Drag->OnCaptureLost();
