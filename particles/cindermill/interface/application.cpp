@@ -3,6 +3,7 @@
 #include "library/system/message.h"
 #include "library/wimp/dialog.h"
 #include "library/wimp/filechooser.h"
+#include "particles/cindermill/interface/controls/controls.h"
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
@@ -30,6 +31,7 @@ TApplication::TApplication() : App(OpenSettingsStore(), this)
     InstallMessageForms();
     InstallErrorDialog();
     RegisterDisplayClasses();
+    RegisterControlClasses();
     App.GetResourceLocator().SetHost(&ResourceDialog);
 }
 

@@ -284,10 +284,6 @@ bool TTextEdit::OnKey(const TRenderEvent& event)
     case KEY_TAB:
         WalkFields(*this, shift);
         return true;
-    case 'A':
-        if (ctrl)
-            SelectAll();
-        return true;
     default:
         return TRenderObject::Event(event);
     }
