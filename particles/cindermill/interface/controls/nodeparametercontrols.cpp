@@ -27,8 +27,14 @@ void Widen(TVector2& min, TVector2& max, const TVector2& low, const TVector2& hi
 
 TNodeParameterControls::~TNodeParameterControls()
 {
-    if (Parameter != nullptr)
+    StopListening();
+}
+
+void TNodeParameterControls::StopListening()
+{
+    if (Listens)
         Parameter->RemoveCallback(OnParameterChanged, this);
+    Listens = false;
 }
 
 void TNodeParameterControls::Build(TDocument& document, TToolNode& toolNode, TNodeParameter& parameter,
@@ -43,6 +49,7 @@ void TNodeParameterControls::Build(TDocument& document, TToolNode& toolNode, TNo
     Label = parameter.Name;
     Label += ":";
     parameter.AddCallback(OnParameterChanged, this);
+    Listens = true;
     BuildControls();
     Refresh();
     Differs = !IsDefault();

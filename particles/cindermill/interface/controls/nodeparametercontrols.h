@@ -88,6 +88,8 @@ protected:
     void TellSize();
     // The parameter of the library that the parameter's default comes from, of the same kind; null for none.
     const TNodeParameter* FindDefault() const;
+    // For a destructor that still changes the parameter: there is nothing left to refresh.
+    void StopListening();
     bool DiffersFromDefault() const { return Differs; }
 
     TDocument* Document = nullptr;
@@ -103,6 +105,7 @@ private:
     static void OnParameterChanged(TNodeParameter* parameter, void* data);
 
     TVector2 ToldSize = TVector2(0, 0);
+    bool Listens = false;
     // As of the last change of the parameter: looked up then, and not for each picture.
     bool Differs = false;
 };

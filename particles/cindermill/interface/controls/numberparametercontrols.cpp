@@ -18,11 +18,33 @@ TNumberScrub::TNumberScrub(TNumberParameterControls& owner, int field)
 {
 }
 
+TNumberScrub::~TNumberScrub()
+{
+    delete First;
+}
+
 void TNumberScrub::Start(const TVector2& point)
 {
-    StartValue = Owner.GetNumber(Field);
     LastX = point[0];
     Rest = 0;
+}
+
+void TNumberScrub::Show(TOperation* change)
+{
+    change->Do(Owner.GetDocument());
+    if (First == nullptr)
+        First = change;
+    else
+        delete change;
+}
+
+void TNumberScrub::Restore()
+{
+    if (First == nullptr)
+        return;
+    First->Undo(Owner.GetDocument());
+    delete First;
+    First = nullptr;
 }
 
 void TNumberScrub::OnDrag(const TVector2& point, int keyFlags)
@@ -38,18 +60,19 @@ void TNumberScrub::OnDrag(const TVector2& point, int keyFlags)
 void TNumberScrub::OnDragEnd()
 {
     const double value = Owner.GetNumber(Field);
-    Owner.ShowNumber(Field, StartValue);
+    Restore();
     Owner.ApplyNumber(Field, value);
     Owner.FocusField(Field);
 }
 
 void TNumberScrub::OnDragCancel()
 {
-    Owner.ShowNumber(Field, StartValue);
+    Restore();
 }
 
 TNumberParameterControls::~TNumberParameterControls()
 {
+    StopListening();
     for (TField* field : Fields)
         field->Scrub.Cancel();
     for (TField* field : Fields)
@@ -169,27 +192,20 @@ void TNumberParameterControls::OnChildChanged(const TRenderEvent& event)
 void TNumberParameterControls::TakeNumber(int field)
 {
     TNumberInput& input = Fields[field]->Input;
-    if (Fields[field]->Scrub.IsRunning())
-        ShowNumber(field, input.GetValue());
-    else
-        ApplyNumber(field, input.GetValue());
+    if (TOperation* change = MakeOperation(field, input.GetValue())) {
+        if (Fields[field]->Scrub.IsRunning())
+            Fields[field]->Scrub.Show(change);
+        else
+            Document->ApplyOperation(change);
+    }
     // Where a float is no finer than what was typed, nothing has changed.
     input.ShowValue(GetNumber(field));
 }
 
 void TNumberParameterControls::ApplyNumber(int field, double value)
 {
-    if (TOperation* operation = MakeOperation(field, value))
-        Document->ApplyOperation(operation);
-}
-
-void TNumberParameterControls::ShowNumber(int field, double value)
-{
-    TOperation* operation = MakeOperation(field, value);
-    if (operation == nullptr)
-        return;
-    operation->Do(*Document);
-    delete operation;
+    if (TOperation* change = MakeOperation(field, value))
+        Document->ApplyOperation(change);
 }
 
 double TNumberParameterControls::ClampNumber(int field, double value) const

@@ -13,16 +13,22 @@ class TNumberScrub : public TControlDrag
 {
 public:
     TNumberScrub(TNumberParameterControls& owner, int field);
+    ~TNumberScrub() override;
 
     void Start(const TVector2& point);
+    // A number on the way.
+    void Show(TOperation* change);
     void OnDrag(const TVector2& point, int keyFlags) override;
     void OnDragEnd() override;
     void OnDragCancel() override;
 
 private:
+    void Restore();
+
     TNumberParameterControls& Owner;
     int Field;
-    double StartValue = 0;
+    // The first change, done and not applied: it knows the value from before. Owned.
+    TOperation* First = nullptr;
     float LastX = 0;
     // What was dragged and is not yet a step.
     double Rest = 0;
@@ -53,8 +59,7 @@ public:
     double ClampNumber(int field, double value) const;
     // The number in the history and in the parameter, if it is another.
     void ApplyNumber(int field, double value);
-    // The same in the parameter alone, while a drag runs.
-    void ShowNumber(int field, double value);
+    TDocument& GetDocument() const { return *Document; }
     // The keys go to the field, all of it selected.
     void FocusField(int field);
 
