@@ -6,9 +6,12 @@
 #include "particles/cindermill/graph/operations/rampchangepointsop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/animationramp.h"
+#include "particles/cindermill/interface/controls/nodeparametercontrols.h"
+#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/interface/valuemenu.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
@@ -235,6 +238,8 @@ void TGraphWindow::OnRightUp(const TMessage& message)
     // Beside a running drag the button does nothing.
     const bool isClick = !DraggedFar && TWimp::Get().GetMouseDrag() == nullptr;
     DraggedFar = false;
+    if (isClick && OpenValueMenu(message))
+        return;
     TNodeObj* object = isClick ? GetScene().NodeAt(PixelToWorld(message.X, message.Y)) : nullptr;
     if (object == nullptr)
         return;
@@ -242,6 +247,27 @@ void TGraphWindow::OnRightUp(const TMessage& message)
     TMenu menu;
     FillContextMenu(menu);
     menu.Track(*this, message.GetPixelX(), message.GetPixelY());
+}
+
+bool TGraphWindow::OpenValueMenu(const TMessage& message)
+{
+    // What is being typed is a part of the value.
+    TTextEdit::EndFocusedInput();
+    ContextPoint = PixelToWorld(message.X, message.Y);
+    const TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), ContextPoint);
+    if (controls == nullptr)
+        return false;
+    TMenu menu;
+    FillValueMenu(menu, *controls);
+    menu.Track(*this, message.GetPixelX(), message.GetPixelY());
+    return true;
+}
+
+// While the menu was open the controls may have been made anew.
+bool TGraphWindow::OnValueCommand(int id)
+{
+    TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), ContextPoint);
+    return controls != nullptr && DoValueCommand(id, *controls);
 }
 
 void TGraphWindow::FillContextMenu(TMenu& menu)
@@ -255,7 +281,7 @@ void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
     // Neither of the menu's entries does anything yet.
     if (code == CC_MENU && (argument == MenuFocusNodeGroup || argument == MenuInsertNode))
         ContextNode = nullptr;
-    else
+    else if (code != CC_MENU || !OnValueCommand(static_cast<int>(argument)))
         TWindow::OnCommand(control, argument, code);
 }
 

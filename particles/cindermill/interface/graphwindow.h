@@ -76,6 +76,9 @@ private:
     void OnFocus();
     void OnLeftDown(const TMessage& message);
     void OnRightUp(const TMessage& message);
+    // The menu of the controls under the pointer; false for none.
+    bool OpenValueMenu(const TMessage& message);
+    bool OnValueCommand(int id);
     bool OnEscape();
     void OnWheel(const TMessage& message);
     void ShowView(const TGraphView& view);
@@ -100,6 +103,8 @@ private:
     TVector2 GhostPosition = TVector2(0, 0);
     // The node of the open context menu.
     TToolNode* ContextNode = nullptr;
+    // Where the last menu was asked for, in world units.
+    TVector2 ContextPoint = TVector2(0, 0);
     TKeyboardShortcut Shortcuts;
     TViewFocus ViewFocus;
 };
