@@ -1,7 +1,7 @@
 #pragma once
 
-#include "library/wimp/gl/windowmessage.h"
 #include "library/wimp/wimp.h"
+#include "library/wimp/window.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
 
 #include <string>
@@ -9,7 +9,8 @@
 
 #include <gtest/gtest.h>
 
-// Notes what controls ask of the windows that show them. One drag runs at a time.
+// Notes what controls ask of the windows that show them. A drag runs as the framework's, of which there is
+// one at a time.
 class TFakeControlHost : public TControlHost
 {
 public:
@@ -17,40 +18,44 @@ public:
     void RedrawGraphs() override { ++NumRedraws; }
     void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override
     {
-        EXPECT_EQ(Running, nullptr);
+        EXPECT_EQ(View, nullptr);
         View = &renderer;
-        Running = &drag;
         ++NumDrags;
+        TWimp::Get().SetMouseDrag(&drag, Window);
     }
     void EndDrag(TRenderer& renderer) override
     {
         EXPECT_EQ(View, &renderer);
         View = nullptr;
-        Running = nullptr;
+        TWimp::Get().ClearMouseDrag();
     }
     void ShowHelp(const char* text, const TVector2& point) override
     {
         Help.push_back(text);
         HelpPoints.push_back(point);
     }
+    void ShowPointer(TRenderObject& object, TPointerShape shape) override
+    {
+        PointerObject = &object;
+        Pointer = shape;
+    }
     void Warn() override { ++NumWarnings; }
 
-    bool IsDragging() const { return Running != nullptr; }
+    bool IsDragging() const { return View != nullptr; }
     // The mouse as the running drag hears of it: pixels of the view, TMouseButton bits.
-    void Drag(double x, double y, int buttons = MB_LEFT)
+    static void Drag(double x, double y, int buttons = MB_LEFT)
     {
-        ASSERT_NE(Running, nullptr);
-        Running->OnMouseMove(x, y, buttons);
+        ASSERT_NE(TWimp::Get().GetMouseDrag(), nullptr);
+        TWimp::Get().GetMouseDrag()->OnMouseMove(x, y, buttons);
     }
     // As when a dialog takes the mouse.
-    void LoseDrag()
-    {
-        if (Running != nullptr)
-            Running->OnCaptureLost();
-    }
+    static void LoseDrag() { TWimp::Get().LoseMouseDrag(); }
 
+    // Never shown: the framework asks for one.
+    TWindow Window;
     TRenderer* View = nullptr;
-    TMouseDrag* Running = nullptr;
+    TRenderObject* PointerObject = nullptr;
+    TPointerShape Pointer = PS_NORMAL;
     int NumRedraws = 0;
     int NumDrags = 0;
     int NumWarnings = 0;

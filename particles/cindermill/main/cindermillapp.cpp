@@ -127,6 +127,8 @@ void TCindermillApp::SetActiveDocWindow(TDocWindow* window, TDocument* document)
 
 void TCindermillApp::OnIdle()
 {
+    if (Host != nullptr)
+        Host->RunTicks();
     for (int i = 0; i < Documents.size(); ++i)
         Documents[i]->OnIdle();
     if (Settings.GetAutoCheckUpdate() != 0)

@@ -189,6 +189,8 @@ bool TTextEdit::Event(const TRenderEvent& event)
     case RE_ENTER:
     case RE_LEAVE:
         Hover = event.Code == RE_ENTER;
+        if (Hover && !ReadOnly)
+            Host.ShowPointer(*this, PS_TEXT);
         Redraw();
         return TRenderObject::Event(event);
     default:
