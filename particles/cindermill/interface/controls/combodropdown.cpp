@@ -192,14 +192,14 @@ void TComboDropDown::TStripDrag::OnDrag(const TVector2& point, int keyFlags)
 void TComboDropDown::TOpeningDrag::OnDrag(const TVector2& point, int keyFlags)
 {
     (void)keyFlags;
-    Item = List.FindItem(point);
+    Item = List.IsOpen() ? List.FindItem(point) : -1;
     if (Item >= 0)
         List.SetMarked(Item);
 }
 
 void TComboDropDown::TOpeningDrag::OnDragEnd()
 {
-    if (Item >= 0)
+    if (Item >= 0 && List.IsOpen())
         List.Owner.Choose(Item);
 }
 
@@ -226,7 +226,8 @@ void TComboDropDown::Render(TRenderer& renderer)
     const float way = static_cast<float>(FirstRow) / (count - static_cast<float>(NumRows));
     const float top = ListBorder + (height - length) * way;
     TControlBox pip;
-    pip.Build(TVector2(right + 1, top), TVector2(Size[0] - ListBorder + 0.5f, top + length), StripWidth * 0.5f);
+    pip.Build(TVector2(right + 1, top), TVector2(Size[0] - ListBorder + 0.5f, top + length),
+              StripWidth * 0.5f);
     pip.RenderButton(renderer, 0);
 }
 
