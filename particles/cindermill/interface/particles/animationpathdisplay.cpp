@@ -20,17 +20,18 @@ void TAnimationPathDisplay::Init(TEffectNode* node)
 }
 
 // The node itself tells the artist of a file that is missing or broken.
-void TAnimationPathDisplay::Tick()
+bool TAnimationPathDisplay::Tick()
 {
     const TNodeAnimationParameter* parameter = FindAnimation(*Node);
     const TString& name = parameter != nullptr ? parameter->GetFileName() : TString();
     if (FileName.Compare(name, true) == 0)
-        return;
+        return false;
     FileName = name;
     TString path;
     Animation = nullptr;
     if (TCindermillApp::Get().GetResourceLocator().Find(FileName, path) != FR_NOTFOUND)
         Animation = GetAnimation(path);
+    return true;
 }
 
 void TAnimationPathDisplay::Render(const TSceneView&)

@@ -12,7 +12,7 @@ public:
     static constexpr const char* RegisteredName = "TAnimationPathDisplay";
     void Init(TEffectNode* node) override;
     // Takes the parameter's file when it is another than before.
-    void Tick() override;
+    bool Tick() override;
     void Render(const TSceneView& view) override;
 
 private:
