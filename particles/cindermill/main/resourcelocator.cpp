@@ -128,11 +128,40 @@ TFindResult TResourceLocator::Find(const char* name, TString& path)
         return FR_FOUND;
     if (Mode == RM_LEAFNAME)
         return FindLeaf(name, path);
-    if (Mode == RM_FULLPATH)
-        return FindPath(name, name, path);
-    TString full(BasePath);
-    full += *name == '/' || *name == '\\' ? name + 1 : name;
+    TString full;
+    GetFullPath(name, full);
     return FindPath(name, full, path);
+}
+
+bool TResourceLocator::FindQuietly(const char* name, TString& path) const
+{
+    if (name == nullptr || *name == 0)
+        return false;
+    if (FindInSearchDirectories(name, path))
+        return true;
+    if (Mode == RM_LEAFNAME)
+        return FindInKnownDirectories(name, path) || FindLocated(name, path);
+    GetFullPath(name, path);
+    return FileExists(path) || FindLocated(name, path);
+}
+
+// Of a stored name that is a path.
+void TResourceLocator::GetFullPath(const char* name, TString& path) const
+{
+    TString full;
+    if (Mode == RM_RELATIVEPATH) {
+        full = BasePath;
+        full += *name == '/' || *name == '\\' ? name + 1 : name;
+    } else {
+        full = name;
+    }
+    ToKeptPath(full, path);
+}
+
+void TResourceLocator::ForgetMissing()
+{
+    Missing.clear();
+    ++Round;
 }
 
 // A stored path is tried as it stands under each directory, then its leaf anywhere below.

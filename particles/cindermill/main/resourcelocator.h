@@ -47,9 +47,12 @@ public:
     bool PrepareName(TString& path);
     // Asks the person, where there is a host, for what cannot be found without.
     TFindResult Find(const char* name, TString& path);
-    // What could not be found is looked and asked for again. Until then nobody is asked twice, however many
-    // nodes name the file.
-    void ForgetMissing() { Missing.clear(); }
+    // Where the name is known to lead, without search, dialog or message.
+    bool FindQuietly(const char* name, TString& path) const;
+    // What could not be found is looked and asked for again: a new round. Until then nobody is asked twice,
+    // however many nodes name the file.
+    void ForgetMissing();
+    int GetRound() const { return Round; }
     // Whether Find is waiting for a search or for the person.
     bool IsAsking() const { return Asking; }
 
@@ -57,6 +60,7 @@ public:
 
 private:
     bool CanAsk() const { return !Headless && Host != nullptr; }
+    void GetFullPath(const char* name, TString& path) const;
     bool IsKnown(const char* directory) const;
     void Remember(const char* directory);
     void RememberDirectoryOf(const char* path);
@@ -84,6 +88,7 @@ private:
     vector<TLocated> Located;
     vector<TString> SearchDirectories;
     vector<TString> Missing;
+    int Round = 0;
     bool Headless = true;
     bool Asking = false;
     int Mode = 0;
