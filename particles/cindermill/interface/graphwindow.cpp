@@ -55,6 +55,27 @@ bool IsTyping()
     return kind != -1 && textEdit != -1 && IsClassA(kind, textEdit);
 }
 
+// The help line is for a pointer at rest.
+bool EndsHelp(TMessageType type)
+{
+    switch (type) {
+    case MT_LEFTDOWN:
+    case MT_LEFTUP:
+    case MT_MIDDLEDOWN:
+    case MT_MIDDLEUP:
+    case MT_RIGHTDOWN:
+    case MT_RIGHTUP:
+    case MT_MOUSEMOVE:
+    case MT_MOUSELEAVE:
+    case MT_WHEEL:
+    case MT_KEYDOWN:
+    case MT_CHAR:
+        return true;
+    default:
+        return false;
+    }
+}
+
 // What an edit would change under a running drag is the drag's.
 bool CanEdit()
 {
@@ -168,6 +189,8 @@ bool TGraphWindow::OnClipboardShortcut(int code)
 
 bool TGraphWindow::OnMessage(const TMessage& message)
 {
+    if (EndsHelp(message.Type))
+        HideHelp();
     if (TRenderObject::Route(Renderer, GetScene().GetRoot(), message))
         return true;
     switch (message.Type) {
@@ -265,6 +288,12 @@ void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
         TWindow::OnCommand(control, argument, code);
 }
 
+void TGraphWindow::HideHelp()
+{
+    if (GetScene().GetHelp().Hide())
+        DocWindow->GetWindows().RedrawGraphs();
+}
+
 bool TGraphWindow::OnEscape()
 {
     if (DocWindow->CancelAnyDrag())
@@ -284,6 +313,7 @@ void TGraphWindow::OnWheel(const TMessage& message)
 
 void TGraphWindow::SetView(const TGraphView& view)
 {
+    HideHelp();
     ShowView(view);
     if (State == GS_PANNING)
         view.GetPanStart(PixelNow[0], PixelNow[1], PanStart);

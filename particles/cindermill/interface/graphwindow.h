@@ -76,6 +76,7 @@ private:
     bool OnEditShortcut(int code);
     bool OnClipboardShortcut(int code);
     void OnFocus();
+    void HideHelp();
     void OnLeftDown(const TMessage& message);
     void OnRightUp(const TMessage& message);
     bool OnEscape();
