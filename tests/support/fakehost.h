@@ -133,6 +133,11 @@ public:
         Focused = &window;
         Events.push_back("focus all");
     }
+    void DeleteIn(TDocWindow& window) override
+    {
+        Focused = &window;
+        Events.push_back("delete");
+    }
     void Cascade() override { Events.push_back("cascade"); }
     TWindow* WindowFromPoint(int, int) override { return UnderPoint; }
     void Quit() override { Events.push_back("quit"); }

@@ -294,6 +294,16 @@ void TGraphWindow::HideHelp()
         DocWindow->GetWindows().RedrawGraphs();
 }
 
+void TGraphWindow::PressDelete()
+{
+    TakeFocus();
+    OnFocus();
+    TMessage message;
+    message.Type = MT_KEYDOWN;
+    message.Key = KEY_DELETE;
+    OnMessage(message);
+}
+
 bool TGraphWindow::OnEscape()
 {
     if (DocWindow->CancelAnyDrag())

@@ -38,6 +38,8 @@ public:
 
     // Shows all of the nodes. Asserts "!nodes.empty()".
     void Focus(const vector<TToolNode*>& nodes, bool animate);
+    // What the delete key does here.
+    void PressDelete();
     // One step of a running animation.
     void OnIdle();
     // A file dropped at a place of the screen.

@@ -787,6 +787,18 @@ TEST_F(GraphWindow, ShortcutsCopyCutAndPaste)
     EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
 }
 
+TEST_F(GraphWindow, DeleteOfTheMenuIsTheKeyInTheView)
+{
+    const int steps = Document->GetOperationStack()->GetNumOperations();
+    Document->SelectNode(First, true);
+    View().GetTool().TakeFocus();
+    Graph().PressDelete();
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 1);
+    EXPECT_EQ(Document->GetOperationStack()->GetNumOperations(), steps + 1);
+    Graph().PressDelete();
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 1);
+}
+
 TEST_F(GraphWindow, ShortcutsOfFilesActOnThisDocument)
 {
     TDocument* other = NewDocument();

@@ -544,9 +544,16 @@ TEST_F(Commands, TheEditMenuEditsTheActiveDocument)
     App.Get().OnMenu(57635);
     EXPECT_EQ(second.GetGraph()->GetNumNodes(), 1);
     EXPECT_EQ(first.GetGraph()->GetNumNodes(), 0);
-    second.SelectNode(node, true);
+}
+
+TEST_F(Commands, DeleteGoesToTheActiveView)
+{
+    TDocument& document = New();
+    Activate(document);
+    Host.Taken();
     App.Get().OnMenu(40002);
-    EXPECT_EQ(second.GetGraph()->GetNumNodes(), 1);
+    EXPECT_EQ(Host.Taken(), TNames{"delete"});
+    EXPECT_EQ(Host.Focused, AView());
 }
 
 TEST_F(Commands, NodesTravelBetweenDocumentsByTheClipboard)
