@@ -27,6 +27,7 @@ public:
         Tell("drop " + std::to_string(x) + " " + std::to_string(y) + " " + path);
     }
     void FrameAllNodes(TDocument&) override { Tell("frame"); }
+    void BringIntoSight(TDocument&, const vector<TToolNode*>& nodes) override { Sought = nodes; }
     void UpdateTitles(TDocument& document) override { Tell(document.IsModified() ? "title*" : "title"); }
     void RedrawWindows(TDocument&) override { ++Redraws; }
     void ScheduleChanged(TDocument& document) override
@@ -67,6 +68,8 @@ public:
     TNames Events;
     // The one window that is the document's.
     TWindow* Window = nullptr;
+    // What was to be brought into sight last.
+    vector<TToolNode*> Sought;
     int Redraws = 0;
     int Schedules = 0;
     int GoneEngines = 0;

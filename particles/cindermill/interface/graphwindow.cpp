@@ -475,12 +475,12 @@ void TGraphWindow::HideGhost()
     DocWindow->GetWindows().RedrawGraphs();
 }
 
-void TGraphWindow::Focus(const vector<TToolNode*>& nodes, bool animate)
+// Around the nodes as they are drawn; false if none of them is.
+bool TGraphWindow::GetBox(const vector<TToolNode*>& nodes, TVector2& min, TVector2& max) const
 {
     constexpr float Far = 1e30f;
-    ASSERT(!nodes.empty());
-    TVector2 min(Far, Far);
-    TVector2 max(-Far, -Far);
+    min = TVector2(Far, Far);
+    max = TVector2(-Far, -Far);
     for (const TToolNode* node : nodes) {
         const TNodeObj* object = GetScene().FindNode(node);
         if (object == nullptr)
@@ -493,7 +493,15 @@ void TGraphWindow::Focus(const vector<TToolNode*>& nodes, bool animate)
             max[i] = nodeMax[i] > max[i] ? nodeMax[i] : max[i];
         }
     }
-    if (min[0] > max[0])
+    return min[0] <= max[0];
+}
+
+void TGraphWindow::Focus(const vector<TToolNode*>& nodes, bool animate)
+{
+    ASSERT(!nodes.empty());
+    TVector2 min;
+    TVector2 max;
+    if (!GetBox(nodes, min, max))
         return;
     int width = 0;
     int height = 0;
@@ -505,6 +513,34 @@ void TGraphWindow::Focus(const vector<TToolNode*>& nodes, bool animate)
         return;
     }
     ViewFocus.Stop();
+    SetView(view);
+}
+
+void TGraphWindow::BringIntoSight(const vector<TToolNode*>& nodes)
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    const TVector2 from = PixelToWorld(0, 0);
+    const TVector2 to = PixelToWorld(width, height);
+    for (const TToolNode* node : nodes) {
+        const TNodeObj* object = GetScene().FindNode(node);
+        if (object != nullptr && object->OverlapsBox(from, to))
+            return;
+    }
+    TVector2 min;
+    TVector2 max;
+    if (!GetBox(nodes, min, max))
+        return;
+    // The middle of nodes that stand far apart may be as empty as what is in sight now.
+    if (max[0] - min[0] > to[0] - from[0] || max[1] - min[1] > to[1] - from[1]) {
+        vector<TToolNode*> first;
+        first.push_back(nodes[0]);
+        GetBox(first, min, max);
+    }
+    ViewFocus.Stop();
+    TGraphView view = GetView();
+    view.SetCentre((min + max) * 0.5f, view.GetScale(), width, height);
     SetView(view);
 }
 

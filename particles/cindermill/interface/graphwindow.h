@@ -38,6 +38,8 @@ public:
 
     // Shows all of the nodes. Asserts "!nodes.empty()".
     void Focus(const vector<TToolNode*>& nodes, bool animate);
+    // Moves the view, its zoom kept, if nothing of the nodes is in sight.
+    void BringIntoSight(const vector<TToolNode*>& nodes);
     // What the delete key does here.
     void PressDelete();
     // One step of a running animation.
@@ -79,6 +81,7 @@ private:
     bool OnClipboardShortcut(int code);
     void OnFocus();
     void HideHelp();
+    bool GetBox(const vector<TToolNode*>& nodes, TVector2& min, TVector2& max) const;
     void OnLeftDown(const TMessage& message);
     void OnRightUp(const TMessage& message);
     bool OnEscape();

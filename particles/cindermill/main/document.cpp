@@ -371,6 +371,8 @@ void TDocument::Paste()
     for (TToolNode* node : nodes)
         SelectNode(node, false);
     ApplyOperation(new TAddGraphNodesOp(*this, nodes));
+    if (Host != nullptr)
+        Host->BringIntoSight(*this, nodes);
 }
 
 void TDocument::OnIdle()

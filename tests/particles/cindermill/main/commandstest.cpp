@@ -556,6 +556,18 @@ TEST_F(Commands, DeleteGoesToTheActiveView)
     EXPECT_EQ(Host.Focused, AView());
 }
 
+TEST_F(Commands, APasteIsToBeSeen)
+{
+    TDocument& document = New();
+    Activate(document);
+    document.SelectNode(Add(document, "Emitter"), true);
+    App.Get().OnMenu(57634);
+    App.Get().OnMenu(57637);
+    const TFakeHost& host = *static_cast<TFakeHost*>(document.GetHost());
+    ASSERT_EQ(host.Sought.size(), 1);
+    EXPECT_EQ(host.Sought[0], document.GetSelection()[0]);
+}
+
 TEST_F(Commands, NodesTravelBetweenDocumentsByTheClipboard)
 {
     TDocument& first = New();
