@@ -268,12 +268,14 @@ void TDocument::SetModified(bool modified)
 
 void TDocument::ApplyOperation(TOperation* op)
 {
+    ++Revision;
     OperationStack->Apply(*this, op);
     SetModified(true);
 }
 
 void TDocument::Undo()
 {
+    ++Revision;
     const bool fits = OperationStack->Undo(*this);
     DropStaleSchedule();
     FinishStep(fits);
@@ -281,6 +283,7 @@ void TDocument::Undo()
 
 void TDocument::Redo()
 {
+    ++Revision;
     FinishStep(OperationStack->Redo(*this));
 }
 
@@ -315,6 +318,7 @@ void TDocument::SelectNode(TToolNode* node, bool clearFirst)
 {
     if (clearFirst)
         ClearSelection();
+    ++Revision;
     Selected.push_back(node);
     node->SetSelected(true);
     Listener->NodeChanged(node);
@@ -325,6 +329,7 @@ void TDocument::DeselectNode(TToolNode* node)
     TToolNode** it = Selected.find(node);
     if (it == Selected.end())
         return;
+    ++Revision;
     Selected.erase(it);
     node->SetSelected(false);
     Listener->NodeChanged(node);
@@ -332,6 +337,7 @@ void TDocument::DeselectNode(TToolNode* node)
 
 void TDocument::ClearSelection()
 {
+    ++Revision;
     vector<TToolNode*> nodes;
     nodes.swap(Selected);
     for (TToolNode* node : nodes) {
@@ -365,6 +371,8 @@ void TDocument::Paste()
     for (TToolNode* node : nodes)
         SelectNode(node, false);
     ApplyOperation(new TAddGraphNodesOp(*this, nodes));
+    if (Host != nullptr)
+        Host->BringIntoSight(*this, nodes);
 }
 
 void TDocument::OnIdle()
@@ -426,6 +434,7 @@ void TDocument::ClearEngine()
 {
     if (Host != nullptr && EffectExecSchedule.IsInited())
         Host->EngineGoes(*this);
+    ++Revision;
     EffectExecSchedule.Clear();
 }
 
@@ -637,6 +646,7 @@ void TDocument::AddNodeDisplay(TNodeDisplay* display)
 {
     ASSERT_TEXT(NodeDisplay.find(display) == NodeDisplay.end(),
                 "NodeDisplay.find(display) == NodeDisplay.end()");
+    ++Revision;
     NodeDisplay[display] = true;
 }
 
@@ -644,11 +654,13 @@ void TDocument::RemoveNodeDisplay(TNodeDisplay* display)
 {
     auto it = NodeDisplay.find(display);
     ASSERT_TEXT(it != NodeDisplay.end(), "it != NodeDisplay.end()");
+    ++Revision;
     NodeDisplay.erase(it);
 }
 
 void TDocument::RedrawWindows()
 {
+    ++Revision;
     if (Host != nullptr)
         Host->RedrawWindows(*this);
 }

@@ -292,17 +292,29 @@ void TAnimation::Evaluate(float t, unsigned mask, float* out) const
         out[3 + c] = ToDegrees(angles[c]);
 }
 
-TAnimation* GetAnimation(const char* path)
+static TAnimationCache& GetCache()
 {
     static TAnimationCache cache;
-    for (TAnimation* animation : cache.Animations)
+    return cache;
+}
+
+TAnimation* FindLoadedAnimation(const char* path)
+{
+    for (TAnimation* animation : GetCache().Animations)
         if (animation->GetFileName().Compare(path) == 0)
             return animation;
+    return nullptr;
+}
+
+TAnimation* GetAnimation(const char* path)
+{
+    if (TAnimation* loaded = FindLoadedAnimation(path))
+        return loaded;
     TAnimation* animation = new TAnimation;
     if (!animation->Load(path)) {
         delete animation;
         return nullptr;
     }
-    cache.Animations.push_back(animation);
+    GetCache().Animations.push_back(animation);
     return animation;
 }
