@@ -1,7 +1,7 @@
 #pragma once
 
-#include "library/wimp/gl/windowmessage.h"
 #include "library/wimp/wimp.h"
+#include "library/wimp/window.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
 
 #include <string>
@@ -21,7 +21,7 @@ public:
         EXPECT_EQ(View, nullptr);
         View = &renderer;
         ++NumDrags;
-        TWimp::Get().SetMouseDrag(&drag);
+        TWimp::Get().SetMouseDrag(&drag, Window);
     }
     void EndDrag(TRenderer& renderer) override
     {
@@ -33,6 +33,11 @@ public:
     {
         Help.push_back(text);
         HelpPoints.push_back(point);
+    }
+    void ShowPointer(TRenderObject& object, TPointerShape shape) override
+    {
+        PointerObject = &object;
+        Pointer = shape;
     }
     void Warn() override { ++NumWarnings; }
 
@@ -46,7 +51,11 @@ public:
     // As when a dialog takes the mouse.
     static void LoseDrag() { TWimp::Get().LoseMouseDrag(); }
 
+    // Never shown: the framework asks for one.
+    TWindow Window;
     TRenderer* View = nullptr;
+    TRenderObject* PointerObject = nullptr;
+    TPointerShape Pointer = PS_NORMAL;
     int NumRedraws = 0;
     int NumDrags = 0;
     int NumWarnings = 0;

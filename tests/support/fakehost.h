@@ -138,6 +138,7 @@ public:
     void Cascade() override { Events.push_back("cascade"); }
     TWindow* WindowFromPoint(int, int) override { return UnderPoint; }
     void Quit() override { Events.push_back("quit"); }
+    void EndInput() override { ++NumInputEnds; }
     TNames Taken()
     {
         TNames result;
@@ -146,6 +147,7 @@ public:
     }
 
     TNames Events;
+    int NumInputEnds = 0;
     // The next choice; "" is Cancel.
     std::string Choice;
     TModifiedAnswer Answer = MA_CANCEL;

@@ -37,6 +37,13 @@ struct TRoute
     TRoute* Outer;
 };
 
+struct TTickEntry
+{
+    TRenderObject* Object;
+    // Null for the one that the object finds.
+    TRenderer* View;
+};
+
 struct TRouting
 {
     TRenderObject* HoverObject = nullptr;
@@ -52,7 +59,7 @@ struct TRouting
     TRenderWindow* FocusWindow = nullptr;
     int KeyFlags = 0;
     TRoute* Route = nullptr;
-    vector<TRenderObject*> Ticks;
+    vector<TTickEntry> Ticks;
     TObjectWatch* Watches = nullptr;
 };
 
@@ -112,6 +119,14 @@ int GetKeyFlag(int key)
     if (key == KEY_SHIFT)
         return KF_SHIFT;
     return key == KEY_CTRL ? KF_CTRL : 0;
+}
+
+TTickEntry* FindTick(const TRenderObject* object)
+{
+    for (TTickEntry& entry : GetRouting().Ticks)
+        if (entry.Object == object)
+            return &entry;
+    return nullptr;
 }
 
 void StopHoverTimer(TRenderer& renderer)
@@ -478,6 +493,9 @@ void TRenderObject::ForgetRenderer(const TRenderer* renderer)
     TRouting& routing = GetRouting();
     if (renderer->GetWindow() != nullptr && routing.FocusWindow == renderer->GetWindow())
         routing.FocusWindow = nullptr;
+    for (TTickEntry& entry : routing.Ticks)
+        if (entry.View == renderer)
+            entry.View = nullptr;
     if (routing.OverlayView == renderer)
         SetOverlay(nullptr);
     if (routing.CaptureView == renderer) {
@@ -493,17 +511,18 @@ void TRenderObject::ForgetRenderer(const TRenderer* renderer)
 
 void TRenderObject::AddTick(TRenderObject* object)
 {
-    vector<TRenderObject*>& ticks = GetRouting().Ticks;
-    if (ticks.index_of(object) < 0)
-        ticks.push_back(object);
+    if (TTickEntry* entry = FindTick(object)) {
+        if (GetRenderer() != nullptr)
+            entry->View = GetRenderer();
+        return;
+    }
+    GetRouting().Ticks.push_back(TTickEntry{object, GetRenderer()});
 }
 
 void TRenderObject::RemoveTick(TRenderObject* object)
 {
-    vector<TRenderObject*>& ticks = GetRouting().Ticks;
-    const int at = ticks.index_of(object);
-    if (at >= 0)
-        ticks.erase(ticks.begin() + at);
+    if (TTickEntry* entry = FindTick(object))
+        GetRouting().Ticks.erase(entry);
 }
 
 bool TRenderObject::HasTicks()
@@ -513,9 +532,13 @@ bool TRenderObject::HasTicks()
 
 void TRenderObject::RunTicks(TRenderer* renderer)
 {
-    const vector<TRenderObject*> ticked = GetRouting().Ticks;
-    // One object's tick may delete another.
-    for (TRenderObject* object : ticked)
-        if (GetRouting().Ticks.index_of(object) >= 0)
-            object->Tick(renderer);
+    const vector<TTickEntry> ticked = GetRouting().Ticks;
+    for (const TTickEntry& entry : ticked) {
+        // One object's tick may delete another, or a view.
+        const TTickEntry* now = FindTick(entry.Object);
+        if (now == nullptr)
+            continue;
+        TRenderer* view = now->View != nullptr ? now->View : entry.Object->FindView();
+        entry.Object->Tick(view != nullptr ? view : renderer);
+    }
 }

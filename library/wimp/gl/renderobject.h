@@ -78,6 +78,8 @@ public:
     const TRenderObject* GetTop() const;
     // Whether this is the object or stands somewhere below it.
     bool IsIn(const TRenderObject& object) const;
+    // A view that shows the object; null for none.
+    virtual TRenderer* FindView() const { return Parent != nullptr ? Parent->FindView() : nullptr; }
     // Whether the object takes over what one below it loses by going: the focus.
     virtual bool IsInputHome() const { return false; }
     // Whether the Tab key stays among the fields below the object.
@@ -119,10 +121,12 @@ public:
     // The renderer and its window are about to go.
     static void ForgetRenderer(const TRenderer* renderer);
 
+    // In the view whose message is being routed; outside of that, in the one that FindView tells.
     static void AddTick(TRenderObject* object);
     static void RemoveTick(TRenderObject* object);
     static bool HasTicks();
-    // Once per idle pass. Objects may remove themselves meanwhile.
+    // Once per idle pass. Objects may remove themselves meanwhile. The renderer is for those that have no
+    // view of their own.
     static void RunTicks(TRenderer* renderer);
 
 protected:

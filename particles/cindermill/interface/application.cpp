@@ -4,6 +4,7 @@
 #include "library/wimp/dialog.h"
 #include "library/wimp/filechooser.h"
 #include "particles/cindermill/interface/controls/controls.h"
+#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/errordialog.h"
@@ -143,6 +144,16 @@ void TApplication::Cascade()
 TWindow* TApplication::WindowFromPoint(int x, int y)
 {
     return TWindow::FromPoint(x, y);
+}
+
+void TApplication::EndInput()
+{
+    TTextEdit::EndFocusedInput();
+}
+
+void TApplication::RunTicks()
+{
+    TRenderObject::RunTicks(nullptr);
 }
 
 void TApplication::Quit()

@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/documentwindows.h"
 
 #include "library/system/path.h"
+#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/particles/particlewindow.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -70,7 +71,9 @@ void TDocumentWindows::CloseView(TDocWindow* window)
     }
     TDocWindow** it = Windows.find(window);
     ASSERT_TEXT(it != Windows.end(), "it != Windows.end()");
-    Scene->GetCanvas().CancelDrag();
+    Scene->CancelDrags();
+    if (TRenderObject::GetFocusView() == &window->GetGraph().GetRenderer())
+        TTextEdit::DropFocusedInput();
     Windows.erase(it);
     if (app.GetActiveDocWindow() == window)
         Windows.back()->Activate();
@@ -90,7 +93,7 @@ void TDocumentWindows::DeleteWindows(TDocument&)
 {
     TCindermillApp& app = TCindermillApp::Get();
     if (Scene != nullptr)
-        Scene->GetCanvas().CancelDrag();
+        Scene->CancelDrags();
     while (!Windows.empty()) {
         TDocWindow* window = Windows.back();
         Windows.pop_back();
@@ -107,8 +110,6 @@ void TDocumentWindows::DeleteWindows(TDocument&)
 
 void TDocumentWindows::OnIdle(TDocument&)
 {
-    if (!Windows.empty())
-        TRenderObject::RunTicks(&Windows[0]->GetGraph().GetRenderer());
     for (TDocWindow* window : Windows)
         window->GetGraph().OnIdle();
     if (ParticleWindow != nullptr)
@@ -210,4 +211,23 @@ void TDocumentWindows::BeginDrag(TRenderer& renderer, TMouseDrag& drag)
 void TDocumentWindows::EndDrag(TRenderer&)
 {
     TWimp::Get().ClearMouseDrag();
+}
+
+void TDocumentWindows::ShowHelp(const char* text, const TVector2& point)
+{
+    Scene->GetHelp().Show(text, point);
+    RedrawGraphs();
+}
+
+void TDocumentWindows::ShowPointer(TRenderObject& object, TPointerShape shape)
+{
+    TRenderer* renderer = TRenderObject::GetRenderer();
+    TGraphWindow* graph = renderer != nullptr ? FindGraph(*renderer) : nullptr;
+    if (graph != nullptr)
+        graph->ShowPointer(object, shape);
+}
+
+TRenderer* TDocumentWindows::GetView()
+{
+    return Windows.empty() ? nullptr : &Windows[0]->GetGraph().GetRenderer();
 }

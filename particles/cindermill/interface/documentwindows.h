@@ -40,6 +40,9 @@ public:
     void EdgeScroll(TRenderer& renderer, double x, double y) override;
     void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override;
     void EndDrag(TRenderer& renderer) override;
+    void ShowHelp(const char* text, const TVector2& point) override;
+    void ShowPointer(TRenderObject& object, TPointerShape shape) override;
+    TRenderer* GetView() override;
 
     // A view's close box. The last view closes the document, if the user agrees; neither the window nor these
     // windows may be touched afterwards.

@@ -146,13 +146,7 @@ bool TDocWindow::CancelAnyDrag()
         CancelDrag();
         return true;
     }
-    TGraphCanvas& canvas = Windows.GetScene().GetCanvas();
-    if (Graph.CancelDrag())
-        return true;
-    if (!canvas.IsDragging())
-        return false;
-    canvas.CancelDrag();
-    return true;
+    return Graph.CancelDrag() || Windows.GetScene().CancelDrags();
 }
 
 void TDocWindow::ShowCursor(TCursor cursor)

@@ -135,6 +135,8 @@ void TCindermillApp::RedrawDocuments()
 
 void TCindermillApp::OnIdle()
 {
+    if (Host != nullptr)
+        Host->RunTicks();
     for (int i = 0; i < Documents.size(); ++i)
         Documents[i]->OnIdle();
     if (Settings.GetAutoCheckUpdate() != 0)

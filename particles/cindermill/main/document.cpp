@@ -410,7 +410,9 @@ bool TDocument::ResolveTypes(TErrorList& errors)
 void TDocument::GraphChanged()
 {
     TErrorList errors;
-    if (ResolveTypes(errors)) {
+    const bool resolved = ResolveTypes(errors);
+    Listener->GraphChanged();
+    if (resolved) {
         Graph->NotifyChanged();
         return;
     }

@@ -22,6 +22,8 @@ public:
     // The node or edge, which is in no graph any more, is about to be deleted.
     virtual void NodeGoes(TToolNode* node) { (void)node; }
     virtual void EdgeGoes(TToolEdge* edge) { (void)edge; }
+    // The graph has another shape: its types have been resolved anew.
+    virtual void GraphChanged() {}
     // Half of what a new node measures in the views, for centring it.
     virtual void GetNodeHalfSize(TToolNode* node, int& x, int& y)
     {

@@ -61,6 +61,8 @@ bool TClickable::Event(const TRenderEvent& event)
     case RE_ENTER:
     case RE_LEAVE:
         Hover = event.Code == RE_ENTER;
+        if (Hover && Enabled)
+            Host.ShowPointer(*this, PS_HAND);
         Redraw();
         return TRenderObject::Event(event);
     case RE_CHARACTER:

@@ -90,6 +90,8 @@ bool TComboBox::Event(const TRenderEvent& event)
     case RE_ENTER:
     case RE_LEAVE:
         Hover = event.Code == RE_ENTER;
+        if (Hover && Enabled)
+            Host.ShowPointer(*this, PS_HAND);
         Host.RedrawGraphs();
         return TRenderObject::Event(event);
     case RE_WHEEL:

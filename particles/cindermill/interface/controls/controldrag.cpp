@@ -15,6 +15,7 @@ bool TControlDrag::Begin(TControlHost& host)
     if (IsRunning() || renderer == nullptr || TWimp::Get().GetMouseDrag() != nullptr)
         return false;
     Host = &host;
+    Top = Object.GetTop();
     Renderer.Set(renderer);
     host.BeginDrag(*renderer, *this);
     return true;
@@ -45,7 +46,7 @@ void TControlDrag::Cancel()
 void TControlDrag::OnMouseMove(double x, double y, int buttons)
 {
     TRenderer* renderer = Renderer.Get();
-    if (renderer == nullptr) {
+    if (renderer == nullptr || Object.GetTop() != Top) {
         Cancel();
         return;
     }

@@ -168,6 +168,11 @@ bool TNodeParameterControls::Event(const TRenderEvent& event)
         return true;
     case RE_LEFTDOWN:
         return (event.Source == this && OnPress(event.Point)) || TRenderObjects::Event(event);
+    case RE_ENTER:
+    case RE_MOVE:
+        if (event.Source == this)
+            Host->ShowPointer(*this, FindShape(event.Point));
+        return TRenderObjects::Event(event);
     case RE_HOVER:
         if (!GetHelpText(help))
             return TRenderObjects::Event(event);

@@ -4,8 +4,8 @@
 #include "library/containers/string.h"
 #include "library/wimp/gl/renderfont.h"
 #include "library/wimp/gl/renderobjects.h"
+#include "particles/cindermill/interface/controls/controlhost.h"
 
-class TControlHost;
 class TDocument;
 class TNodeParameter;
 class TToolNode;
@@ -75,6 +75,12 @@ protected:
     {
         (void)point;
         return false;
+    }
+    // What the pointer tells of a place of the group itself.
+    virtual TPointerShape FindShape(const TVector2& point) const
+    {
+        (void)point;
+        return PS_NORMAL;
     }
     // The height that the label stands in the middle of.
     virtual float GetLabelHeight() const;

@@ -83,6 +83,8 @@ void TNumberParameterControls::AddField(const TFieldLook& look)
 {
     TField* field = new TField(*this, *Host, Fields.size(), look);
     Fields.push_back(field);
+    if (!FieldFont.IsCreated())
+        FieldFont.Create(ControlFont, 9);
     TNumberInput& input = field->Input;
     input.Build(TVector2(FieldWidth, RowHeight), look.IsFloat);
     input.SetRange(look.Min, look.Max);
@@ -149,23 +151,35 @@ TVector2 TNumberParameterControls::GetScrubPoint(int field) const
     return (min + max) * 0.5f;
 }
 
-bool TNumberParameterControls::OnPress(const TVector2& point)
+// The field that is dragged from a place, or -1.
+int TNumberParameterControls::FindScrub(const TVector2& point) const
 {
     for (int i = 0; i < Fields.size(); ++i) {
-        TField& field = *Fields[i];
         TVector2 min;
         TVector2 max;
         GetScrubRect(i, min, max);
-        if (!field.Visible || IsFixed(i) || point[0] < min[0] || point[1] < min[1] || point[0] >= max[0] ||
-            point[1] >= max[1])
-            continue;
-        // What is being typed anywhere is ended first.
-        SetFocus(this, GetRenderer());
-        field.Scrub.Start(point);
-        field.Scrub.Begin(*Host);
-        return true;
+        if (Fields[i]->Visible && !IsFixed(i) && point[0] >= min[0] && point[1] >= min[1] &&
+            point[0] < max[0] && point[1] < max[1])
+            return i;
     }
-    return false;
+    return -1;
+}
+
+bool TNumberParameterControls::OnPress(const TVector2& point)
+{
+    const int at = FindScrub(point);
+    if (at < 0)
+        return false;
+    // What is being typed anywhere is ended first.
+    SetFocus(this, GetRenderer());
+    Fields[at]->Scrub.Start(point);
+    Fields[at]->Scrub.Begin(*Host);
+    return true;
+}
+
+TPointerShape TNumberParameterControls::FindShape(const TVector2& point) const
+{
+    return FindScrub(point) >= 0 ? PS_SCRUB : PS_NORMAL;
 }
 
 void TNumberParameterControls::OnChildChanged(const TRenderEvent& event)
@@ -217,9 +231,9 @@ void TNumberParameterControls::Render(TRenderer& renderer)
         if (!field->Visible || look.Label == nullptr)
             continue;
         TVector2 size;
-        Font.GetTextSize(look.Label, size);
-        constexpr float Gap = 4;
-        const TVector2 place(look.Place[0] - size[0] - Gap, look.Place[1] + GetTextTop(Font, RowHeight));
-        DrawControlText(renderer, Font, place, look.Label, LabelInk);
+        FieldFont.GetTextSize(look.Label, size);
+        constexpr float Gap = 3;
+        const TVector2 place(look.Place[0] - size[0] - Gap, look.Place[1] + GetTextTop(FieldFont, RowHeight));
+        DrawControlText(renderer, FieldFont, place, look.Label, LabelInk);
     }
 }

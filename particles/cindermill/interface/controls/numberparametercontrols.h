@@ -89,6 +89,7 @@ protected:
     virtual TOperation* MakeOperation(int field, double value) const = 0;
     void OnChildChanged(const TRenderEvent& event) override;
     bool OnPress(const TVector2& point) override;
+    TPointerShape FindShape(const TVector2& point) const override;
 
 private:
     struct TField
@@ -105,8 +106,11 @@ private:
         bool Visible = false;
     };
 
+    int FindScrub(const TVector2& point) const;
     void TakeNumber(int field);
     void GetScrubRect(int field, TVector2& min, TVector2& max) const;
 
     vector<TField*> Fields;
+    // Smaller than the names of parameters: the longest of the labels stands in 30 units.
+    TFontInstance FieldFont;
 };

@@ -189,6 +189,8 @@ bool TTextEdit::Event(const TRenderEvent& event)
     case RE_ENTER:
     case RE_LEAVE:
         Hover = event.Code == RE_ENTER;
+        if (Hover && !ReadOnly)
+            Host.ShowPointer(*this, PS_TEXT);
         Redraw();
         return TRenderObject::Event(event);
     default:
@@ -282,10 +284,6 @@ bool TTextEdit::OnKey(const TRenderEvent& event)
     case KEY_TAB:
         WalkFields(*this, shift);
         return true;
-    case 'A':
-        if (ctrl)
-            SelectAll();
-        return true;
     default:
         return TRenderObject::Event(event);
     }
@@ -360,9 +358,8 @@ void TTextEdit::SelectWord(int at)
     if (length == 0)
         return;
     // At the end of a word, it is the one before that was meant.
-    const int in = at == length || (at > 0 && !IsWordCharacter(text[at]) && IsWordCharacter(text[at - 1]))
-                       ? at - 1
-                       : at;
+    const int in =
+        at == length || (at > 0 && !IsWordCharacter(text[at]) && IsWordCharacter(text[at - 1])) ? at - 1 : at;
     const int kind = GetCharacterKind(text[in]);
     int first = in;
     int end = in + 1;

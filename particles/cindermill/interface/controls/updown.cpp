@@ -45,6 +45,8 @@ bool TUpDown::Event(const TRenderEvent& event)
     case RE_MOVE:
     case RE_LEAVE: {
         const int hover = event.Code == RE_LEAVE ? 0 : side;
+        if (Enabled && event.Code == RE_ENTER)
+            Host.ShowPointer(*this, PS_UPDOWN);
         if (hover != Hover)
             Host.RedrawGraphs();
         Hover = hover;

@@ -71,6 +71,9 @@ bool TGraphCanvas::Event(const TRenderEvent& event)
     case RE_PORTDRAG:
         return OnPortPressed(*static_cast<TNodeObj*>(event.Source), event.Point, event.Detail);
     case RE_KEY:
+        // A key that a control has no use for is not meant for the nodes.
+        if (event.Source != this && AsNode(event.Source) == nullptr)
+            return TRenderObjects::Event(event);
         return OnKey(event.Detail) || TRenderObjects::Event(event);
     case RE_REDRAW:
         Scene.GetHost().RedrawGraphs();
@@ -91,7 +94,7 @@ bool TGraphCanvas::OnKey(int key)
     TDocument& document = Scene.GetDocument();
     if (document.GetSelection().empty())
         return false;
-    CancelDrag();
+    Scene.CancelDrags();
     document.ApplyOperation(new TDeleteGraphNodeOp(document.GetSelection()));
     return true;
 }

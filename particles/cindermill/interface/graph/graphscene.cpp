@@ -3,20 +3,21 @@
 #include "library/maths/scalar.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/controls/controldrag.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/main/document.h"
-
-void TGraphSceneHost::Warn()
-{
-    Beep();
-}
 
 bool TGraphRoot::Event(const TRenderEvent& event)
 {
     if (event.Code == RE_KEY && event.Source == this)
         return Scene.GetCanvas().OnKey(event.Detail);
     return TRenderObjects::Event(event);
+}
+
+TRenderer* TGraphRoot::FindView() const
+{
+    return Scene.GetHost().GetView();
 }
 
 TGraphScene::TGraphScene(TDocument& document, TGraphSceneHost& host)
@@ -30,7 +31,7 @@ TGraphScene::TGraphScene(TDocument& document, TGraphSceneHost& host)
 TGraphScene::~TGraphScene()
 {
     Document.SetListener(nullptr);
-    Grid.CancelDrag();
+    CancelDrags();
     for (auto& entry : Edges)
         delete entry.second;
     for (auto& entry : Nodes)
@@ -85,12 +86,13 @@ void TGraphScene::NodeAdded(TToolNode* node)
         return;
     Grid.AddObject(object);
     object->Relayout();
+    object->RefreshControls();
 }
 
 void TGraphScene::NodeRemoved(TToolNode* node)
 {
     Host.RedrawGraphs();
-    Grid.CancelDrag();
+    CancelDrags();
     HelpText.Hide();
     TNodeObj* object = FindNode(node);
     if (object == nullptr)
@@ -165,6 +167,25 @@ void TGraphScene::LayoutEdges(TToolNode* node)
     for (int i = 0; i < node->GetNumOutputs(); ++i)
         for (int n = 0; n < node->GetNumOutputEdges(i); ++n)
             layout(node->GetOutputEdge(i, n));
+}
+
+// Polytypes and what follows them may have another type than before.
+void TGraphScene::GraphChanged()
+{
+    for (auto& entry : Nodes)
+        if (entry.second->GetParent() == &Grid)
+            entry.second->RefreshControls();
+}
+
+bool TGraphScene::CancelDrags()
+{
+    const bool isDragging = Grid.IsDragging();
+    Grid.CancelDrag();
+    TControlDrag* drag = dynamic_cast<TControlDrag*>(TWimp::Get().GetMouseDrag());
+    if (drag == nullptr || !drag->GetObject().IsIn(RenderRoot))
+        return isDragging;
+    drag->Cancel();
+    return true;
 }
 
 // By the type alone: the node may be too new to have a view object.

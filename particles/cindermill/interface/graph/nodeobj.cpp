@@ -5,6 +5,7 @@
 #include "particles/cindermill/graph/operations/bypassflagop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/main/document.h"
 
@@ -62,6 +63,8 @@ void TNodeObj::Build(TToolNode* toolNode)
     MousePressed = false;
     Collapsed = true;
     Selected = false;
+    PanelBuilt = false;
+    Expanded.DeleteControls();
     BuildPorts();
     BuildPanels();
     Refresh();
@@ -99,8 +102,8 @@ void TNodeObj::BuildPanels()
         if (WishedSize[i] > size[i])
             size[i] = WishedSize[i];
     Body.Build(type, size);
-    Body.GetPanel().SetOpenable(CanOpen());
-    Expanded.Build(type, size);
+    if (PanelBuilt)
+        Expanded.Build(type, size);
     PlacePorts();
     TouchBounds();
 }
@@ -136,6 +139,7 @@ void TNodeObj::Refresh()
     SetOrigin(TVector2(static_cast<float>(ToolNode->GetX()), static_cast<float>(ToolNode->GetY())));
     if (UpdateConnections())
         BuildPanels();
+    Body.GetPanel().SetOpenable(CanOpen());
     UpdateBypass();
     LayoutEdges();
 }
@@ -146,10 +150,43 @@ void TNodeObj::Relayout()
     Refresh();
 }
 
-void TNodeObj::AddControls(TRenderObject* controls, int inputPort)
+bool TNodeObj::CanOpen() const
 {
-    Expanded.AddControls(controls, inputPort);
+    if (PanelBuilt)
+        return Expanded.HasVisibleControls();
+    const TNodeType& type = *ToolNode->GetNodeType();
+    bool hasFreeInput = false;
+    for (int i = 0; i < type.GetNumInputs(); ++i)
+        hasFreeInput = hasFreeInput || ToolNode->GetInput(i) == nullptr;
+    return hasFreeInput || type.GetNumParameters() > 0;
+}
+
+// The type's parameters stand first, then its input ports.
+void TNodeObj::BuildControls()
+{
+    if (PanelBuilt)
+        return;
+    PanelBuilt = true;
+    const TNodeType& type = *ToolNode->GetNodeType();
+    for (int i = 0; i < type.GetNumParameters(); ++i)
+        AddControls(*type.GetParameter(i), -1);
+    for (int i = 0; i < type.GetNumInputs(); ++i)
+        AddControls(*type.GetInput(i), i);
     Relayout();
+}
+
+void TNodeObj::AddControls(TNodeParameter& parameter, int inputPort)
+{
+    TNodeParameterControls* controls =
+        CreateParameterControls(Scene.GetDocument(), *ToolNode, parameter, Scene.GetHost());
+    if (controls != nullptr)
+        Expanded.AddControls(controls, inputPort);
+}
+
+void TNodeObj::RefreshControls()
+{
+    for (int i = 0; i < Expanded.GetNumControls(); ++i)
+        Expanded.GetControls(i).Refresh();
 }
 
 void TNodeObj::LayoutEdges()
@@ -331,7 +368,7 @@ bool TNodeObj::Event(const TRenderEvent& event)
     if (Parent == nullptr)
         return false;
     if (event.Source != this && event.Code < RE_REDRAW)
-        return TRenderObjects::Event(event);
+        return OnControlsEvent(event);
     if (event.Code < RE_REDRAW && event.Code != RE_HOVER && Scene.GetHelp().Hide())
         SendToParent(RE_REDRAW, event.Point, 0);
     switch (event.Code) {
@@ -356,6 +393,16 @@ bool TNodeObj::Event(const TRenderEvent& event)
     default:
         return TRenderObjects::Event(event);
     }
+}
+
+// What a control leaves. A press there is one on the node's body.
+bool TNodeObj::OnControlsEvent(const TRenderEvent& event)
+{
+    if (event.Code != RE_LEFTDOWN)
+        return TRenderObjects::Event(event);
+    Scene.GetHelp().Hide();
+    SetFocus(this, GetRenderer());
+    return SendToParent(RE_NODEDRAG, GetPointer() - GetAbsolutePosition(), 0);
 }
 
 bool TNodeObj::OnLeftDown(const TVector2& point)
@@ -412,6 +459,8 @@ bool TNodeObj::OnLeftUp(const TVector2& point)
     ReleaseButton();
     if (!HitsButton(point))
         return true;
+    if (Collapsed && CanOpen())
+        BuildControls();
     if (Collapsed && !CanOpen()) {
         Scene.GetHost().Warn();
         return true;

@@ -9,6 +9,7 @@
 
 class TDocument;
 class TGraphScene;
+class TNodeParameter;
 class TNodeType;
 class TToolEdge;
 class TToolNode;
@@ -34,10 +35,12 @@ public:
     bool IsPressed() const { return MousePressed; }
     // The pressed button forgets the press.
     void ReleaseButton();
-    // Takes ownership of controls for the panel of the open node; see TNodeExp.
-    void AddControls(TRenderObject* controls, int inputPort);
-    // The panel has something to show.
-    bool CanOpen() const { return Expanded.HasVisibleControls(); }
+    // The controls of the open panel show what their parameters are now.
+    void RefreshControls();
+    // The panel has something to show. Until it has been built, the type tells.
+    bool CanOpen() const;
+    // The controls are made when the node is first opened.
+    bool HasPanel() const { return PanelBuilt; }
 
     void Render(TRenderer& renderer) override;
     // All that is drawn.
@@ -81,6 +84,8 @@ private:
     void BuildPorts();
     void PlacePorts();
     void BuildPanels();
+    void BuildControls();
+    void AddControls(TNodeParameter& parameter, int inputPort);
     void LayoutEdges();
     bool UpdateConnections();
     void UpdateBypass();
@@ -88,6 +93,7 @@ private:
     bool HitsButton(const TVector2& point) const;
     bool IsInside(const TVector2& point) const;
     bool CanBypass() const;
+    bool OnControlsEvent(const TRenderEvent& event);
     bool OnLeftDown(const TVector2& point);
     bool OnLeftUp(const TVector2& point);
     void OnMove(const TVector2& point);
@@ -104,6 +110,7 @@ private:
     TVector2 WishedSize = TVector2(0, 0);
     bool MousePressed = false;
     bool Collapsed = true;
+    bool PanelBuilt = false;
     bool Selected = false;
     vector<TPort*> InPorts;
     vector<TPort*> OutPorts;

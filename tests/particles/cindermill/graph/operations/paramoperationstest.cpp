@@ -567,10 +567,13 @@ TEST(TPolytypeUserTypeOp, ReachesAllThatLinksAndWiresTie)
         EXPECT_EQ(doc.TypesOf(node), "2222");
     EXPECT_EQ(doc.TypesOf(doc.R), "0000");
     EXPECT_EQ(doc.TakeEvents(), "redraw");
-    EXPECT_EQ(doc.GraphChanges, 0);
+    EXPECT_EQ(doc.GraphChanges, 1);
     doc.Undo();
+    EXPECT_EQ(doc.GraphChanges, 2);
     for (TToolNode* node : {doc.P, doc.Q, doc.R, doc.S})
         EXPECT_EQ(doc.TypesOf(node), "0000");
+    doc.Stack->Redo(doc);
+    EXPECT_EQ(doc.GraphChanges, 3);
 }
 
 TEST(TPolytypeUserTypeOp, BodyHoldsThePortsInTheOrderInWhichTheyAreReached)
@@ -599,6 +602,18 @@ TEST(TPolytypeUserTypeOp, UndoRestoresTypesThatDifferedBefore)
     EXPECT_EQ(doc.TypesOf(doc.P), "2222");
     doc.Undo();
     EXPECT_EQ(doc.TypesOf(doc.P), "0202");
+}
+
+TEST(TPolytypeUserTypeOp, AnOutputThatCannotHaveTheTypeKeepsItsOwn)
+{
+    TPolytypes doc;
+    doc.P->GetNodeType()->GetOutput(1).ValidTypes = 1u << TY_SCALAR;
+    doc.Apply(new TPolytypeUserTypeOp(doc.P, doc.Port(doc.P, 0), TY_VECTOR3));
+    EXPECT_EQ(doc.OutType(doc.P, 0), TY_VECTOR3);
+    EXPECT_EQ(doc.OutType(doc.P, 1), TY_SCALAR);
+    doc.Undo();
+    EXPECT_EQ(doc.OutType(doc.P, 0), TY_SCALAR);
+    EXPECT_EQ(doc.OutType(doc.P, 1), TY_SCALAR);
 }
 
 TEST(TPolytypeUserTypeOp, AParameterOfAnotherNodeAsserts)

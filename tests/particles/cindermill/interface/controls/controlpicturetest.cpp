@@ -164,7 +164,7 @@ TEST_F(ControlPicture, AllControlsInAllStates)
 
     // The field with the focus has its text selected; the list is open.
     Route(MT_LEFTDOWN, 20, 130);
-    TFakeControlHost::Drag(20, 130, 0);
+    Host.Drag(20, 130, 0);
     ASSERT_TRUE(combo.IsOpen());
     Route(MT_MOUSEMOVE, 30, 200);
     for (const float zoom : {0.5f, 1.0f, 2.0f}) {
@@ -178,7 +178,7 @@ TEST_F(ControlPicture, AllControlsInAllStates)
     View.SetScale(TVector2(1, 1));
     combo.CloseList();
     Route(MT_LEFTDOWN, 20 + 2 * Column, 80);
-    TFakeControlHost::Drag(20 + 2 * Column, 80, 0);
+    Host.Drag(20 + 2 * Column, 80, 0);
     ASSERT_TRUE(pressed.GetEdit().IsFocused());
     for (const float zoom : {0.5f, 1.0f, 2.0f}) {
         const TPicture picture = Paint(zoom);

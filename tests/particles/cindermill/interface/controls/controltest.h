@@ -59,14 +59,14 @@ protected:
     void Move(double x, double y)
     {
         if (Host.IsDragging())
-            TFakeControlHost::Drag(x, y);
+            Host.Drag(x, y);
         else
             Mouse(MT_MOUSEMOVE, x, y);
     }
     void Release(double x, double y)
     {
         if (Host.IsDragging())
-            TFakeControlHost::Drag(x, y, 0);
+            Host.Drag(x, y, 0);
         else
             Mouse(MT_LEFTUP, x, y);
     }

@@ -172,8 +172,8 @@ protected:
         message.Y = double(place[1]);
         message.Buttons = buttons;
         message.KeyFlags = KeyFlags;
-        if (TWimp::Get().GetMouseDrag() != nullptr)
-            TFakeControlHost::Drag(message.X, message.Y, buttons);
+        if (Controls.IsDragging())
+            Controls.Drag(message.X, message.Y, buttons);
         return TRenderObject::Route(Renderer, Root, message);
     }
     bool Press(const TVector2& place) { return Send(MT_LEFTDOWN, place, MB_LEFT); }

@@ -120,7 +120,7 @@ TEST_F(Scrub, LosingTheMouseRestoresTheNumber)
     const TVector2 from = ScrubOf(speed, 0);
     Press(from);
     Drag(from + TVector2(10, 0));
-    TFakeControlHost::LoseDrag();
+    Controls.LoseDrag();
     EXPECT_EQ(Floats("Speed"), TFloats{2.5f});
     EXPECT_EQ(Shown(speed, 0), "2.5000");
     EXPECT_EQ(NumOps(), 0);
@@ -135,7 +135,7 @@ TEST_F(Scrub, AGroupThatGoesRestoresTheNumber)
     Drag(from + TVector2(10, 0));
     Groups.clear();
     EXPECT_EQ(Floats("Speed"), TFloats{2.5f});
-    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+    EXPECT_FALSE(Controls.IsDragging());
 }
 
 TEST_F(Scrub, AClickOnTheLabelSelectsTheField)
