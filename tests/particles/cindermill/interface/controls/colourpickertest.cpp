@@ -305,7 +305,7 @@ TEST_F(ColourPicker, EscapeAndALostMouseTakeADragBack)
         if (escape) {
             EXPECT_TRUE(Key(KEY_ESCAPE));
         } else {
-            TFakeControlHost::LoseDrag();
+            Host.LoseDrag();
         }
         EXPECT_EQ(Get(), (TFloats{0.2f, 0.4f, 0.6f, 1}));
         EXPECT_EQ(takenBack, (std::vector<bool>{false, false, true}));
