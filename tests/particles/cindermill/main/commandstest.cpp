@@ -643,6 +643,7 @@ TEST_F(Commands, WhatIsEnteredByAnUndoIsWhatItTakesBack)
     };
     const int steps = document.GetOperationStack()->GetNumOperations();
     App.Get().OnMenu(MI_UNDO);
+    Host.OnEndInput = nullptr;
     EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), steps + 1);
     EXPECT_EQ(document.GetGraph()->GetNumNodes(), 1);
     EXPECT_FALSE(node->GetNodeType()->IsBypassed());
