@@ -10,8 +10,8 @@ class TControlHost;
 
 // The open list of a combo box: an overlay of the view that it was opened in. Opens upwards where there is no
 // room below, and scrolls beyond 12 rows. A left press outside, Escape, loss of the focus, and anything that
-// takes the combo box away close it. The button may stay down from the press that opens it to the row where it
-// is let go.
+// takes the combo box away close it. The button may stay down from the press that opens it to the row where
+// it is let go.
 class TComboDropDown : public TRegistered<TComboDropDown, TRenderObject>
 {
 public:

@@ -34,8 +34,8 @@ public:
 
     // Sends nothing, drops what was typed, and is clamped.
     void SetValue(double value);
-    // The same for a value of the document, which is kept and shown as it is, out of range too. The value that
-    // is there already leaves what is being typed alone.
+    // The same for a value of the document, which is kept and shown as it is, out of range too. The value
+    // that is there already leaves what is being typed alone.
     void ShowValue(double value);
     // Whole numbers are held exactly; floats as they were set or typed.
     double GetValue() const { return Value; }

@@ -64,7 +64,8 @@ void TTickBox::Render(TRenderer& renderer)
         tick.SetStrokeColour(ink);
         tick.Render(renderer);
     }
-    DrawControlText(renderer, Font, TVector2(BoxSize + TextGap, GetTextTop(Font, Size[1])), Text.Print(), ink);
+    DrawControlText(renderer, Font, TVector2(BoxSize + TextGap, GetTextTop(Font, Size[1])), Text.Print(),
+                    ink);
 }
 
 void TTickBox::GetBounds(TVector2& min, TVector2& max)
