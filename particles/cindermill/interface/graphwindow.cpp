@@ -3,11 +3,13 @@
 #include "library/containers/classregistry.h"
 #include "library/system/message.h"
 #include "library/wimp/menu.h"
+#include "library/wimp/textclipboard.h"
 #include "particles/cindermill/graph/operations/rampchangepointsop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/animationramp.h"
 #include "particles/cindermill/interface/controls/animationparametercontrols.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
+#include "particles/cindermill/interface/controls/ramp.h"
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
@@ -167,6 +169,9 @@ bool TGraphWindow::OnEditShortcut(int code)
     TTextEdit* edit = GetTextEdit();
     if (edit != nullptr && OnTextShortcut(*edit, code))
         return true;
+    TRamp* ramp = TRamp::GetFocused();
+    if (ramp != nullptr && IsFocusHere(*ramp) && OnRampShortcut(*ramp, code))
+        return true;
     switch (code) {
     case 'Z' | SM_CTRL:
         if (CanEdit() && document.CanUndo())
@@ -202,14 +207,38 @@ bool TGraphWindow::OnClipboardShortcut(int code)
     return true;
 }
 
+// Whether the object that has the focus has it in this view.
+bool TGraphWindow::IsFocusHere(const TRenderObject& focus) const
+{
+    const TRenderer* view = TRenderObject::GetFocusView();
+    return focus.GetTop() == &GetScene().GetRoot() && (view == nullptr || view == &Renderer);
+}
+
 // The edit that has the focus in this view, or null.
 TTextEdit* TGraphWindow::GetTextEdit() const
 {
-    const TRenderer* view = TRenderObject::GetFocusView();
     TTextEdit* edit = TTextEdit::GetFocused();
-    if (edit == nullptr || edit->GetTop() != &GetScene().GetRoot() || (view != nullptr && view != &Renderer))
-        return nullptr;
-    return edit;
+    return edit != nullptr && IsFocusHere(*edit) ? edit : nullptr;
+}
+
+// While a ramp has the focus, the clipboard is for its points: no key of theirs reaches the nodes.
+bool TGraphWindow::OnRampShortcut(TRamp& ramp, int code)
+{
+    TString text;
+    switch (code) {
+    case 'C' | SM_CTRL:
+        ramp.CopyValue(text);
+        SetClipboardText(text.Print());
+        return true;
+    case 'V' | SM_CTRL:
+        if (CanEdit() && (!GetClipboardText(text) || !ramp.PasteValue(text.Print())))
+            Beep();
+        return true;
+    case 'X' | SM_CTRL:
+        return true;
+    default:
+        return false;
+    }
 }
 
 // While text is typed, the keys of the clipboard are the text's, and what was typed is the first to be

@@ -14,6 +14,7 @@ class TDocWindow;
 class TGraphScene;
 class TMenu;
 class TNodeType;
+class TRamp;
 class TTextEdit;
 class TToolNode;
 
@@ -84,6 +85,8 @@ private:
     bool OnEditShortcut(int code);
     bool OnClipboardShortcut(int code);
     bool OnTextShortcut(TTextEdit& edit, int code);
+    bool OnRampShortcut(TRamp& ramp, int code);
+    bool IsFocusHere(const TRenderObject& focus) const;
     TTextEdit* GetTextEdit() const;
     void UpdatePointer();
     void OnFocus();

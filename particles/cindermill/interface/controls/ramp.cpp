@@ -3,8 +3,8 @@
 #include "library/system/clock.h"
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/graph/operations/operation.h"
-#include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/controls/controlpaint.h"
+#include "particles/cindermill/interface/controls/fieldwalk.h"
 #include "particles/cindermill/interface/controls/rampcolours.h"
 #include "particles/cindermill/interface/controls/rampdrawing.h"
 #include "particles/cindermill/interface/controls/rampoperations.h"
@@ -266,6 +266,11 @@ void TRamp::Send(TOperation* operation)
     Refresh();
 }
 
+TRamp* TRamp::GetFocused()
+{
+    return dynamic_cast<TRamp*>(GetFocus());
+}
+
 TOperation* TRamp::TakeOperation()
 {
     TOperation* operation = Pending;
@@ -379,6 +384,7 @@ bool TRamp::OnOwnEvent(const TRenderEvent& event)
     case RE_ENTER:
     case RE_MOVE:
         OnPointer(event.Point, Layout.IsInPlot(event.Point));
+        Host.ShowPointer(*this, FindShape(event.Point));
         return false;
     case RE_LEAVE:
         OnPointer(event.Point, false);
@@ -411,11 +417,22 @@ void TRamp::OnPointer(const TVector2& place, bool inside)
     Host.RedrawGraphs();
 }
 
+TRampHit TRamp::FindHit(const TVector2& place)
+{
+    return HitRamp(Model, View, Layout, Paths, Selected, place, GetZoom());
+}
+
+TPointerShape TRamp::FindShape(const TVector2& place)
+{
+    const TRampHitKind kind = FindHit(place).Kind;
+    return kind == RH_POINT || kind == RH_CURVE ? PS_HAND : PS_NORMAL;
+}
+
 void TRamp::OnPress(const TVector2& place)
 {
     // What was typed into the inputs ends here, for the point that is still selected.
     SetFocus(this, GetRenderer());
-    const TRampHit hit = HitRamp(Model, View, Layout, Paths, Selected, place, GetZoom());
+    const TRampHit hit = FindHit(place);
     if (hit.Kind == RH_AXES) {
         OnPressAxes(place);
         return;
@@ -491,9 +508,8 @@ bool TRamp::OnKey(int key)
         Drag.Cancel();
         return true;
     case KEY_TAB:
-        if (Selected.IsNone() || Drag.IsRunning())
-            return false;
-        TimeInput.GetEdit().TakeFocus();
+        if (!Drag.IsRunning())
+            WalkFields(*this, (GetKeyFlags() & KF_SHIFT) != 0);
         return true;
     case KEY_LEFT:
     case KEY_RIGHT:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/wimp/gl/renderobjects.h"
+#include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/controls/numberinput.h"
 #include "particles/cindermill/interface/controls/pushbutton.h"
 #include "particles/cindermill/interface/controls/rampdrag.h"
@@ -9,7 +10,6 @@
 #include "particles/cindermill/interface/controls/ramppaths.h"
 #include "particles/cindermill/interface/controls/rampview.h"
 
-class TControlHost;
 class TOperation;
 
 // The editor of a ramp's curves. It edits a copy of them; a finished change goes to the parent as
@@ -58,6 +58,9 @@ public:
     void CopyValue(TString& text) const;
     bool PasteValue(const char* text);
 
+    // The ramp that has the focus itself, not in one of its inputs; null for none.
+    static TRamp* GetFocused();
+
     // An inner anchor, with its handles. Asserts that it is one.
     void RemovePoint(int component, int point);
 
@@ -83,6 +86,8 @@ private:
 
     bool OnOwnEvent(const TRenderEvent& event);
     bool OnChildEvent(const TRenderEvent& event);
+    TRampHit FindHit(const TVector2& place);
+    TPointerShape FindShape(const TVector2& place);
     void OnPress(const TVector2& place);
     void OnPressAxes(const TVector2& place);
     void OnPressCurve(int component, const TVector2& place);

@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/controls/rampdrawing.h"
 
 #include "library/containers/log.h"
+#include "library/maths/scalar.h"
 #include "library/wimp/gl/renderer.h"
 #include "library/wimp/gl/renderpath.h"
 #include "particles/cindermill/interface/controls/controlpaint.h"
@@ -21,6 +22,7 @@ const TVector4 Lit(1.0f, 0.70f, 0.05f, 1);
 const TVector4 CheckerLight(1, 1, 1, 1);
 const TVector4 CheckerDark(0.72f, 0.72f, 0.72f, 1);
 constexpr float CheckerSize = 5.5f;
+constexpr float CurveWidth = 1.75f;
 
 float Clamp(float value, float min, float max)
 {
@@ -55,7 +57,7 @@ void MakeMark(TRenderPath& path, const TVector2& place, float radius, bool squar
 
 TRampDrawing::TRampDrawing(TRenderer& renderer, const TRampPicture& picture)
     : Target(renderer), Picture(picture), Layout(picture.Layout), Pixel(1.0f / renderer.GetScale()[0]),
-      PointUnit(Clamp(Pixel, 0, 1.25f))
+      CurveUnit(Pixel < 1 ? std::sqrt(Pixel) : Pixel), PointUnit(Clamp(CurveUnit, 0, 1.25f))
 {
 }
 
@@ -122,7 +124,7 @@ void TRampDrawing::DrawGrid(int axis)
     const int lines = GetGridLines(axis, first, step);
     for (int i = 0; i < lines; ++i) {
         const double value = first + i * step;
-        DrawGridLine(axis, GetGridPlace(axis, value), std::fabs(value) < step * 0.5);
+        DrawGridLine(axis, GetGridPlace(axis, value), axis == 1 && std::fabs(value) < step * 0.5);
     }
 }
 
@@ -198,33 +200,58 @@ void TRampDrawing::DrawFrame()
     path.Render(Target);
 }
 
-// Components that share a curve show as stripes beside each other: the wider ones lie below.
 void TRampDrawing::DrawCurves()
 {
-    constexpr float Width = 1.75f;
-    constexpr float Stripe = 2.5f;
-    const TRampModel& model = Picture.Model;
     Target.PushWindow(Layout.PlotMin, Layout.PlotMax);
     for (int pass = 0; pass < 2; ++pass)
-        for (int source = 0; source < TRampModel::MaxComponents; ++source) {
-            if (IsCurveActive(source) != (pass == 1))
-                continue;
-            int stripes = 0;
-            for (int i = 0; i < model.GetComponentCount(); ++i)
-                stripes += model.IsVisible(i) && model.GetSource(i) == source ? 1 : 0;
-            if (stripes == 0)
-                continue;
-            DrawEnds(source);
-            TRenderPath& path = Picture.Paths.Get(source);
-            for (int i = model.GetComponentCount() - 1; i >= 0; --i)
-                if (model.IsVisible(i) && model.GetSource(i) == source) {
-                    --stripes;
-                    path.SetStrokeColour(GetRampColour(i));
-                    path.SetWidth(Pixels(Width + Stripe * static_cast<float>(stripes)));
-                    Picture.Paths.Render(Target, source);
-                }
-        }
+        for (int source = 0; source < TRampModel::MaxComponents; ++source)
+            if (IsCurveActive(source) == (pass == 1))
+                DrawCurve(source);
     Target.PopWindow();
+}
+
+void TRampDrawing::DrawCurve(int source)
+{
+    const TRampModel& model = Picture.Model;
+    int components[TRampModel::MaxComponents];
+    int count = 0;
+    for (int i = 0; i < model.GetComponentCount(); ++i)
+        if (model.IsVisible(i) && model.GetSource(i) == source)
+            components[count++] = i;
+    if (count == 0)
+        return;
+    DrawEnds(source);
+    TRenderPath& path = Picture.Paths.Get(source);
+    path.SetWidth(CurveWidth * CurveUnit);
+    path.SetStrokeColour(GetRampColour(components[0]));
+    Picture.Paths.Render(Target, source);
+    if (count > 1)
+        DrawDashes(source, components, count);
+}
+
+void TRampDrawing::DrawDashes(int source, const int* components, int count)
+{
+    constexpr double Dash = 9.0;
+    // What goes far out of the plot is no dash.
+    constexpr double LongestPiece = 20000.0;
+    const vector<TVector2>& points = Picture.Paths.GetPoints(source, Target.GetResolution());
+    double place = 0;
+    for (int i = 1; i < points.size(); ++i) {
+        const TVector2 along = points[i] - points[i - 1];
+        const double length = double(along.Length());
+        // One piece up to each end of a dash.
+        for (double from = 0; from < length;) {
+            const int dash = FloatToInt((place + from) / Dash + 1e-6);
+            const double end = length < LongestPiece ? (dash + 1) * Dash - place : length;
+            const double to = end < length ? end : length;
+            Target.SetColour(GetRampColour(components[dash % count]));
+            Target.DrawLine(points[i - 1] + along * static_cast<float>(from / length),
+                            points[i - 1] + along * static_cast<float>(to / length),
+                            (CurveWidth + 1) * CurveUnit);
+            from = to;
+        }
+        place += length;
+    }
 }
 
 void TRampDrawing::DrawEnds(int source)

@@ -39,6 +39,9 @@ private:
     void DrawLabel(const TVector2& place, const char* text, bool hasPaper);
     void DrawFrame();
     void DrawCurves();
+    void DrawCurve(int source);
+    // Of a curve that several components share: dashes of their colours in turn.
+    void DrawDashes(int source, const int* components, int count);
     // The value before the first anchor and behind the last.
     void DrawEnds(int source);
     void DrawArms(int source);
@@ -58,6 +61,8 @@ private:
     const TRampLayout& Layout;
     // A pixel of the screen, in the ramp's units.
     float Pixel;
-    // The size of a point: a pixel's at the usual zooms, but never so much that it hides the curve.
+    // What the sizes of points and curves count in. Zoomed in they grow, but less than all else; zoomed out
+    // points end where they would hide the curve.
+    float CurveUnit;
     float PointUnit;
 };

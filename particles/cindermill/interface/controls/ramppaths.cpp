@@ -59,13 +59,16 @@ void TRampPaths::Rebuild(const TRampModel& model, const TRampView& view)
     }
 }
 
-float TRampPaths::GetDistance(int source, const TVector2& place, const TVector2& zoom)
+const vector<TVector2>& TRampPaths::GetPoints(int source, const TVector2& zoom)
 {
     TRenderPath& path = Paths[source];
+    return path.GetSegments().empty() ? NoPoints : path.GetPoints(zoom, Tessellation);
+}
+
+float TRampPaths::GetDistance(int source, const TVector2& place, const TVector2& zoom)
+{
     float nearest = VeryFar;
-    if (path.GetSegments().empty())
-        return nearest;
-    const vector<TVector2>& points = path.GetPoints(zoom, Tessellation);
+    const vector<TVector2>& points = GetPoints(source, zoom);
     for (int i = 1; i < points.size(); ++i) {
         const float distance = GetDistanceToLine(points[i - 1], points[i], place);
         if (distance < nearest)

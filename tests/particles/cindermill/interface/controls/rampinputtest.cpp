@@ -99,11 +99,15 @@ TEST_F(RampInput, WhatIsTypedIsTakenForThePointThatWasSelectedThen)
 TEST_F(RampInput, TabGoesFromAPointToItsInputs)
 {
     ShowScalar();
-    EXPECT_FALSE(Key(KEY_TAB));
+    Click(Place(0.1f, 0.9f));
+    EXPECT_TRUE(Key(KEY_TAB));
+    EXPECT_EQ(TTextEdit::GetFocused(), nullptr);
     Click(PlaceOf(0, 1));
     EXPECT_TRUE(Key(KEY_TAB));
     EXPECT_EQ(TTextEdit::GetFocused(), &Ramp().GetTimeInput().GetEdit());
     EXPECT_EQ(Selected(), (TRampSelection{0, 1}));
+    Key(KEY_TAB);
+    EXPECT_EQ(TTextEdit::GetFocused(), &Ramp().GetValueInput().GetEdit());
 }
 
 // The selection and the focus.
@@ -353,6 +357,30 @@ TEST_F(RampInput, ThePointerOverThePlotIsFollowed)
     before = Host.NumRedraws;
     Move(World(TVector2(120, 175)));
     EXPECT_EQ(Host.NumRedraws, before);
+}
+
+TEST_F(RampInput, TheFocusedRampIsTheOneWhoseInputsAreNotTypedInto)
+{
+    ShowScalar();
+    EXPECT_EQ(TRamp::GetFocused(), nullptr);
+    Click(PlaceOf(0, 1));
+    EXPECT_EQ(TRamp::GetFocused(), &Ramp());
+    Key(KEY_TAB);
+    EXPECT_EQ(TRamp::GetFocused(), nullptr);
+}
+
+TEST_F(RampInput, ThePointersShapeTellsWhatAPressTakes)
+{
+    ShowScalar();
+    auto shapeAt = [&](const TVector2& place) {
+        Move(place);
+        return Host.Pointer;
+    };
+    EXPECT_EQ(shapeAt(Place(0.2f, 0.9f)), PS_NORMAL);
+    EXPECT_EQ(shapeAt(PlaceOf(0, 1)), PS_HAND);
+    EXPECT_EQ(shapeAt(Place(0.5f, 0.5f)), PS_HAND);
+    EXPECT_EQ(shapeAt(Place(0.5f, 0.7f)), PS_NORMAL);
+    EXPECT_EQ(shapeAt(Axis()), PS_NORMAL);
 }
 
 } // namespace

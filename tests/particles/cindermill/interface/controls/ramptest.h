@@ -111,8 +111,8 @@ protected:
         message.Y = double(pixel[1]);
         message.Buttons = buttons;
         message.KeyFlags = KeyFlags;
-        if (Host.Running != nullptr)
-            Host.Running->OnMouseMove(message.X, message.Y, buttons);
+        if (Host.IsDragging())
+            Host.Drag(message.X, message.Y, buttons);
         return TRenderObject::Route(Renderer, Root, message);
     }
     bool Press(const TVector2& world) { return Send(MT_LEFTDOWN, world, MB_LEFT); }
