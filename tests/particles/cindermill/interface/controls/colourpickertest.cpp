@@ -1,6 +1,7 @@
 #include "controltest.h"
 
 #include "particles/cindermill/interface/controls/colourpicker.h"
+#include "particles/cindermill/interface/controls/controls.h"
 #include "particles/cindermill/interface/controls/pickerprograms.h"
 
 #include <cmath>
@@ -84,7 +85,10 @@ protected:
 
 TEST_F(ColourPicker, TheClassIsKnownByItsName)
 {
-    EXPECT_EQ(Picker.GetClassId(), GetClassNameID(FindClassByName("TColourPicker")));
+    RegisterControlClasses();
+    const int id = FindClassByName("TColourPicker");
+    ASSERT_NE(id, -1);
+    EXPECT_EQ(Picker.GetClassId(), GetClassNameID(id));
 }
 
 TEST_F(ColourPicker, StandsAsTheFormTells)

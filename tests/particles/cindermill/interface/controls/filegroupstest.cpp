@@ -178,7 +178,7 @@ TEST_F(TextureGroup, AChosenFileIsNamedShownAndOneStep)
     EXPECT_EQ(NumOps(), 1);
     EXPECT_TRUE(IsLast<TTextureParamOp>());
     EXPECT_EQ(PreviewWidth(), 32);
-    EXPECT_EQ(Group.GetShownName(), path.c_str());
+    EXPECT_EQ(Text(Group.GetShownName()), path);
     Document.Undo();
     EXPECT_EQ(Name(), "");
     EXPECT_EQ(PreviewWidth(), 0);
