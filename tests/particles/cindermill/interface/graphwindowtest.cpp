@@ -9,6 +9,7 @@
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/effectgraph/rampparameter.h"
+#include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/valueparameters.h"
 
 #include <QtCore/QTimer>
