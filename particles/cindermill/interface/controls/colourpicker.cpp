@@ -20,6 +20,8 @@ constexpr float AreaLeft = 130.0f;
 constexpr float AreaBottom = 4 * RowStep + RowHeight;
 constexpr float AreaHeight = AreaBottom - TColourPicker::AreaTop;
 constexpr float AreaGap = 12.0f;
+// Room for the marker of a strip that is at its top.
+constexpr float HeadingGap = 4.0f;
 // How far markers reach beyond what they mark.
 constexpr float MarkerReach = 7.0f;
 
@@ -167,7 +169,7 @@ void TColourPicker::ShowLabels()
     }
     for (int i = 0; i < HD_NUMHEADINGS; ++i) {
         Headings[i].SetText(HeadingNames[Mode][i]);
-        Headings[i].SetOrigin(TVector2(Lefts[i], AreaTop - 2 - Headings[i].GetSize()[1]));
+        Headings[i].SetOrigin(TVector2(Lefts[i], AreaTop - HeadingGap - Headings[i].GetSize()[1]));
     }
 }
 

@@ -14,7 +14,9 @@ bool AreSame(const float* a, const float* b, int count)
 // How much of a channel the pure hue has.
 double HueChannel(double hue, double shift)
 {
-    const double turn = hue + shift - std::floor(hue + shift);
+    // A whole turn is none: added to the shift first, it would cost the last digits.
+    const double shifted = hue - std::floor(hue) + shift;
+    const double turn = shifted - std::floor(shifted);
     return std::clamp(std::abs(turn * 6.0 - 3.0) - 1.0, 0.0, 1.0);
 }
 } // namespace

@@ -21,6 +21,23 @@ TResourceLocator& GetLocator()
     return TCindermillApp::Get().GetResourceLocator();
 }
 
+// Of a path that is too long the middle is left out: what the file is called counts most.
+void FitPath(const TFontInstance& font, const TString& path, float width, TString& result)
+{
+    TString leaf;
+    leaf.SetFileName(path);
+    for (int length = path.Length() + 1; length > leaf.Length() + 4; --length) {
+        TString shortened;
+        path.ShortenPath(shortened, length);
+        ToShownPath(shortened, result);
+        TVector2 size;
+        font.GetTextSize(result.Print(), size);
+        if (size[0] <= width)
+            return;
+    }
+    result = leaf;
+}
+
 } // namespace
 
 TNodeTextureParameterControls::~TNodeTextureParameterControls()
@@ -60,7 +77,7 @@ void TNodeTextureParameterControls::BuildControls()
 void TNodeTextureParameterControls::Refresh()
 {
     TString shown;
-    ToShownPath(GetTexture().GetFileName(), shown);
+    FitPath(Font, GetTexture().GetFileName(), NameWidth, shown);
     Name->SetText(shown.Print());
     Name->SetOrigin(TVector2(NameLeft, (RowHeight - Name->GetSize()[1]) * 0.5f));
     TString path;

@@ -33,11 +33,11 @@ void TTexturePreview::Render(TRenderer& renderer)
         renderer.DrawLine(TVector2(0, MaxSize), TVector2(MaxSize, 0), 1);
         return;
     }
-    const TVector2 min = (TVector2(MaxSize, MaxSize) - size) * 0.5f;
-    DrawAreaFrame(renderer, min, min + size);
+    const TVector2 min(0, 0);
+    DrawAreaFrame(renderer, min, size);
     if (!AlphaOnly)
-        DrawCheckerboard(renderer, min, min + size);
-    Texture.Draw(renderer, min, min + size, TVector4(1, 1, 1, 1), AlphaOnly);
+        DrawCheckerboard(renderer, min, size);
+    Texture.Draw(renderer, min, size, TVector4(1, 1, 1, 1), AlphaOnly);
 }
 
 void TTexturePreview::GetBounds(TVector2& min, TVector2& max)

@@ -9,6 +9,7 @@
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/effectgraph/rampparameter.h"
+#include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/valueparameters.h"
 
 #include <QtCore/QTimer>
@@ -1255,6 +1256,36 @@ TEST_F(GraphDrop, AnAnimationOnAShaperBecomesItsCurve)
     EXPECT_FLOAT_EQ(Curve()[0].Y, 0);
     EXPECT_FLOAT_EQ(Curve()[3].Y, 1);
     EXPECT_EQ(NumUndoSteps(), steps + 1);
+}
+
+TEST_F(GraphDrop, OnTheControlsOfAnAnimationAFileIsOneThatIsChosen)
+{
+    TToolNode* node = AddNode(*Document, "Animation Path", 300, 100);
+    TNodeObj& object = *WindowsOf(*Document).GetScene().FindNode(node);
+    object.SetOpen(true);
+    App.Get().OnIdle();
+    TNodeExp& panel = object.GetExpanded();
+    TNodeParameterControls* group = nullptr;
+    for (int i = 0; i < panel.GetNumControls(); ++i)
+        if (panel.GetControls(i).GetParameter()->Type == PK_ANIMATION)
+            group = &panel.GetControls(i);
+    ASSERT_NE(group, nullptr);
+    const auto& parameter = *static_cast<TNodeAnimationParameter*>(group->GetParameter());
+    const int steps = NumUndoSteps();
+    // The button, and the label.
+    for (const TVector2& place : {TVector2(15, 10), group->GetLabelRect() + TVector2(3, 6)}) {
+        Drop(PixelOf(Graph(), group->GetAbsolutePosition() + place), Animation());
+        EXPECT_TRUE(Messages().empty());
+        EXPECT_EQ(Text(parameter.GetFileName()), "path.vori");
+        EXPECT_EQ(NumUndoSteps(), steps + 1);
+        Document->Undo();
+        EXPECT_EQ(Text(parameter.GetFileName()), "");
+    }
+    const std::string bad = App.Path("bad.vori");
+    WriteBytes(bad, "no animation");
+    Drop(PixelOf(Graph(), group->GetAbsolutePosition() + TVector2(15, 10)), bad);
+    EXPECT_EQ(Messages().size(), 1u);
+    EXPECT_EQ(Text(parameter.GetFileName()), "");
 }
 
 TEST_F(GraphDrop, AnywhereElseTheMessageTellsWhere)

@@ -1,6 +1,7 @@
 #include "controltest.h"
 
 #include "particles/cindermill/interface/controls/colourpicker.h"
+#include "particles/cindermill/interface/controls/controls.h"
 #include "particles/cindermill/interface/controls/pickerprograms.h"
 
 #include <cmath>
@@ -84,7 +85,10 @@ protected:
 
 TEST_F(ColourPicker, TheClassIsKnownByItsName)
 {
-    EXPECT_EQ(Picker.GetClassId(), GetClassNameID(FindClassByName("TColourPicker")));
+    RegisterControlClasses();
+    const int id = FindClassByName("TColourPicker");
+    ASSERT_NE(id, -1);
+    EXPECT_EQ(Picker.GetClassId(), GetClassNameID(id));
 }
 
 TEST_F(ColourPicker, StandsAsTheFormTells)
@@ -385,6 +389,16 @@ protected:
         return picture.At(static_cast<int>(Left + min[0] + (max[0] - min[0]) * x),
                           static_cast<int>(Top + max[1] - (max[1] - min[1]) * y));
     }
+    // The share at the middle of the pixel that At reads for one.
+    float Middle(TPickerArea area, int axis, float share)
+    {
+        TVector2 min;
+        TVector2 max;
+        Picker.GetArea(area, min, max);
+        const float from = axis == 0 ? Left + min[0] : Top + max[1];
+        const float length = axis == 0 ? max[0] - min[0] : min[1] - max[1];
+        return (std::floor(from + length * share) + 0.5f - from) / length;
+    }
     static TPixel PixelOf(float r, float g, float b)
     {
         auto channel = [](float value) { return static_cast<int>(value * 255.0f + 0.5f); };
@@ -410,8 +424,8 @@ protected:
         TPicture picture = Paint();
         for (int i = 1; i < 8; ++i)
             for (int j = 1; j < 8; ++j) {
-                const float x = static_cast<float>(i) / 8;
-                const float y = static_cast<float>(j) / 8;
+                const float x = Middle(PA_SQUARE, 0, static_cast<float>(i) / 8);
+                const float y = Middle(PA_SQUARE, 1, static_cast<float>(j) / 8);
                 // The marker.
                 if (std::abs(x - 0.5833f) <= 0.1f && std::abs(y - 0.5f) <= 0.1f)
                     continue;

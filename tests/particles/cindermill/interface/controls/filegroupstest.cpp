@@ -178,7 +178,8 @@ TEST_F(TextureGroup, AChosenFileIsNamedShownAndOneStep)
     EXPECT_EQ(NumOps(), 1);
     EXPECT_TRUE(IsLast<TTextureParamOp>());
     EXPECT_EQ(PreviewWidth(), 32);
-    EXPECT_EQ(Text(Group.GetShownName()), path);
+    const std::string shown = Text(Group.GetShownName());
+    EXPECT_EQ(shown.substr(shown.size() - 9), "/fire.dds");
     Document.Undo();
     EXPECT_EQ(Name(), "");
     EXPECT_EQ(PreviewWidth(), 0);
@@ -238,6 +239,18 @@ TEST_F(TextureGroup, TheNameIsWhatTheModeMakesOfThePath)
     EXPECT_EQ(Name(), "fire.dds");
     EXPECT_EQ(PreviewWidth(), 4);
     EXPECT_EQ(NumOps(), 2);
+}
+
+TEST_F(TextureGroup, ANameTooLongForItsPlaceKeepsItsEnd)
+{
+    const std::string path =
+        MakePicture("a folder with a long name/another folder with a long name/and a third/fire.dds", 4, 4);
+    Pick(path);
+    const std::string shown = Text(Group.GetShownName());
+    EXPECT_LT(shown.size(), path.size());
+    EXPECT_NE(shown.find("..."), std::string::npos) << shown;
+    EXPECT_EQ(shown.substr(shown.size() - 9), "/fire.dds") << shown;
+    Keep(Group, "group-texture-long-name", 520, 220);
 }
 
 TEST_F(TextureGroup, TheSameNameMakesNoStepAndAnotherCaseDoes)
