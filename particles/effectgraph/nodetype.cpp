@@ -32,13 +32,23 @@ TNodeType::~TNodeType()
         delete input;
 }
 
+// A class asks for the ports that it knows, whatever the files make of its type: what it misses there, an
+// artist is to read.
+static void CheckPort(int n, int count, const TNodeType& type, const char* side)
+{
+    ASSERT_TEXT_MSG(n >= 0 && n < count, "n>=0 && n<size()",
+                    TempFormat("The node type %s has no %s %d", type.Name.Print(), side, n + 1));
+}
+
 int TNodeType::GetInputType(int i) const
 {
+    CheckPort(i, Inputs.size(), *this, "input");
     return Inputs[i]->GetValueType();
 }
 
 int TNodeType::GetOutputType(int i) const
 {
+    CheckPort(i, Outputs.size(), *this, "output");
     const TOutputPort& output = Outputs[i];
     return output.ResolvedType != -1 ? output.ResolvedType : output.DefaultType;
 }

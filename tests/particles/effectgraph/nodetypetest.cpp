@@ -537,3 +537,13 @@ TEST(TNodeTypeLibrary, TheTypesOfTheToolLoad)
     EXPECT_EQ(TextsOf(errors), std::vector<std::string>());
     EXPECT_GT(library.GetNumTypes(), 0);
 }
+
+TEST(TNodeType, APortThatIsMissingIsNamedToTheArtist)
+{
+    TNodeType type;
+    type.Name = "Swirl";
+    EXPECT_EQ(AssertionOf([&] { type.GetInputType(0); }),
+              "n>=0 && n<size() : The node type Swirl has no input 1");
+    EXPECT_EQ(AssertionOf([&] { type.GetOutputType(2); }),
+              "n>=0 && n<size() : The node type Swirl has no output 3");
+}

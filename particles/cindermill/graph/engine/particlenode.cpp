@@ -138,7 +138,11 @@ void TParticleNode::WriteStaged(int base, int index, int step, int count)
 void TParticleNode::FindFirstPorts(int numInputs, int numOutputs)
 {
     // As the node type's own lists of ports say it.
-    ASSERT_TEXT(numInputs <= InputPorts.size() && numOutputs <= OutputPorts.size(), "n>=0 && n<size()");
+    const bool hasInputs = numInputs <= InputPorts.size();
+    ASSERT_TEXT_MSG(hasInputs && numOutputs <= OutputPorts.size(), "n>=0 && n<size()",
+                    TempFormat("The node type %s has no %s %d", GetNodeType()->Name.Print(),
+                               hasInputs ? "output" : "input",
+                               (hasInputs ? OutputPorts.size() : InputPorts.size()) + 1));
     NumInputs = numInputs;
     NumOutputs = numOutputs;
     for (int i = 0; i < NumInputs; ++i)
