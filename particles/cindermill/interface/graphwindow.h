@@ -76,6 +76,8 @@ private:
     void OnFocus();
     void OnLeftDown(const TMessage& message);
     void OnRightUp(const TMessage& message);
+    // The Node Properties dialog.
+    void ShowProperties(TToolNode& node);
     bool OnEscape();
     void OnWheel(const TMessage& message);
     void ShowView(const TGraphView& view);
