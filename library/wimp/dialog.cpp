@@ -1,7 +1,9 @@
 #include "library/wimp/dialog.h"
 
 #include "library/wimp/modal.h"
+#include "library/wimp/wimp.h"
 
+#include <QtCore/QTimer>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -16,6 +18,7 @@ constexpr int WideWidth = 560;
 constexpr int NarrowWidth = 420;
 constexpr int ListHeight = 260;
 constexpr int PageHeight = 480;
+constexpr int IdleMilliseconds = 1;
 
 // The frame that the dialogs share: their id as a name, contents one below the other, buttons at the end.
 class TDialogBox
@@ -105,10 +108,18 @@ bool TDialog::CreateDialog(int templateId, TWindow* owner)
     GetHandle()->setObjectName(QStringLiteral("dialog%1").arg(templateId));
     if (owner == nullptr)
         GetHandle()->setParent(ModalParent(), GetHandle()->windowFlags());
-    if (OnInit())
-        return true;
-    Destroy();
-    return false;
+    if (!OnInit()) {
+        Destroy();
+        return false;
+    }
+    FitContents();
+    return true;
+}
+
+void TDialog::FitContents()
+{
+    if (GetHandle()->layout() != nullptr)
+        ResizeDialog(*GetHandle(), GetHandle()->sizeHint().expandedTo(GetHandle()->size()));
 }
 
 int TDialog::DoModal(int templateId, TWindow* owner)
@@ -120,8 +131,29 @@ int TDialog::DoModal(int templateId, TWindow* owner)
     int result = DR_CANCEL;
     ModalResult = &result;
     const TModalScope modal;
+    QTimer idle;
+    const int depth = TNestedLoopScope::GetDepth();
+    QObject::connect(&idle, &QTimer::timeout, dialog, [this, depth] { Idle(depth); });
+    idle.start(IdleMilliseconds);
     dialog->exec();
     return result;
+}
+
+void TDialog::Idle(int depth)
+{
+    if (TNestedLoopScope::GetDepth() != depth || GetHandle() == nullptr)
+        return;
+    const TEventScope scope;
+    if (TWimp::Get().RunIdle() && GetHandle() != nullptr)
+        OnIdle();
+}
+
+bool TDialog::OnMessage(const TMessage& message)
+{
+    if (message.Type != MT_KEYDOWN || message.Key != KEY_ESCAPE)
+        return TWindow::OnMessage(message);
+    OnEscape();
+    return true;
 }
 
 bool TDialog::CreateModeless(int templateId, TWindow* owner)

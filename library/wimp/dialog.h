@@ -14,10 +14,13 @@ enum TDialogResult
 };
 
 // A dialog that a class of its own fills with controls. Its number is found by automation in its name.
+//
+// While one waits, idle passes go on, but for the time that another dialog or a menu stands over it: it is
+// opened by a command, and no work waits for its end.
 class TDialog : public TWindow
 {
 public:
-    // In pixels; the size within the frame.
+    // In pixels; the size within the frame. Contents that need more get as much as there is room for.
     TDialog(const char* title, int width, int height) : Title(title), Width(width), Height(height) {}
 
     // Waits until the dialog ends, and returns the result that it ended with; DR_NONE if it could not be
@@ -27,14 +30,21 @@ public:
     bool CreateModeless(int templateId, TWindow* owner);
     // The dialog's window goes.
     void End(int result);
+    bool OnMessage(const TMessage& message) override;
     void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
 
 protected:
     // Makes the controls. False gives the dialog up.
     virtual bool OnInit() { return true; }
+    // The Escape key: as the close box, where a dialog does not say otherwise.
+    virtual void OnEscape() { OnCommand(this, 0, CC_CLOSE); }
+    // While the dialog waits, after each idle pass.
+    virtual void OnIdle() {}
 
 private:
     bool CreateDialog(int templateId, TWindow* owner);
+    void FitContents();
+    void Idle(int depth);
 
     const char* Title;
     int Width;

@@ -44,7 +44,7 @@ TNestedLoopScope::~TNestedLoopScope()
     --NestedLoops;
 }
 
-bool TNestedLoopScope::IsActive()
+int TNestedLoopScope::GetDepth()
 {
-    return NestedLoops > 0;
+    return NestedLoops;
 }

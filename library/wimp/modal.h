@@ -22,7 +22,9 @@ public:
     ~TNestedLoopScope();
     TNestedLoopScope(const TNestedLoopScope&) = delete;
     TNestedLoopScope& operator=(const TNestedLoopScope&) = delete;
-    static bool IsActive();
+    static bool IsActive() { return GetDepth() > 0; }
+    // How many live now.
+    static int GetDepth();
 
 private:
     TEventScope Scope;

@@ -145,10 +145,9 @@ bool TWimp::StepInside(bool input)
 
 bool TWimp::Turn(bool mayWait)
 {
-    const bool idle = (Flags & FL_IDLE) != 0;
     QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
     QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents;
-    if (mayWait && !idle)
+    if (mayWait && (Flags & FL_IDLE) == 0)
         flags |= QEventLoop::WaitForMoreEvents;
     const bool found = dispatcher->processEvents(flags);
     // Nothing else takes these when no loop of the window system's own runs.
@@ -158,18 +157,17 @@ bool TWimp::Turn(bool mayWait)
         EmptyTurns = 0;
         return true;
     }
-    if (idle)
-        IdlePass();
+    RunIdle();
     if (++EmptyTurns >= EmptyTurnsBeforeBreath)
         QThread::msleep(BreathMilliseconds);
     return false;
 }
 
-void TWimp::IdlePass()
+bool TWimp::RunIdle()
 {
     // A long wait inside an idle pass runs the loop, and must not begin another.
-    if (WimpApp == nullptr || InIdle || IsQuitting())
-        return;
+    if ((Flags & FL_IDLE) == 0 || WimpApp == nullptr || InIdle || IsQuitting())
+        return false;
     struct TInside
     {
         bool& Flag;
@@ -177,6 +175,7 @@ void TWimp::IdlePass()
         ~TInside() { Flag = false; }
     } inside(InIdle);
     WimpApp->OnIdle();
+    return true;
 }
 
 void TWimp::Quit()

@@ -55,6 +55,9 @@ public:
     void SetApp(TWimpApp* app);
     void ClearApp() { WimpApp = nullptr; }
     void SetIdle(bool idle);
+    // One idle pass, for a dialog that waits: false, with none run, where idle passes are off or where what
+    // waits was begun by one.
+    bool RunIdle();
     void Run();
     // One turn of the loop, for code that keeps the windows alive during a long wait; does not block. False
     // once to quit.
@@ -103,7 +106,6 @@ private:
 
     bool OfferKey(TWindow& window, int key, bool down);
     bool Turn(bool mayWait);
-    void IdlePass();
 
     void* Instance = nullptr;
     int Flags = 0;

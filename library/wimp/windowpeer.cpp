@@ -388,9 +388,9 @@ bool TWindowPeer::HandleEvent(QEvent* event)
         return false;
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-        // A dialog has its own answers to Return and Escape.
+        // A dialog has its own answers to Return and Escape, also for the windows inside it.
         if (!SendKey(*static_cast<QKeyEvent*>(event), event->type() == QEvent::KeyPress) &&
-            Window != nullptr && Window->GetKind() == WK_DIALOG)
+            Window != nullptr && Window->GetTopWindow()->GetKind() == WK_DIALOG)
             return false;
         event->accept();
         return true;

@@ -340,6 +340,11 @@ static bool SameOutput(const TOutputPort& copy, const TOutputPort& type)
            copy.ValidTypes == type.ValidTypes;
 }
 
+bool TNodeType::IsNamedOrOfClass(const char* name, const char* className) const
+{
+    return Name.Compare(name) == 0 || ClassName.Compare(className) == 0;
+}
+
 bool TNodeType::NeedsRefresh(const TNodeTypeLibrary& library) const
 {
     const TNodeType* type = library.FindType(Name);

@@ -130,6 +130,9 @@ public:
 
     bool HasFlag(uint32_t flag) const { return (Flags & flag) != 0; }
     void SetFlag(uint32_t flag, bool on) { Flags = on ? Flags | flag : Flags & ~flag; }
+    // Whether the type is the one of this name or, under whatever name an artist gave the node, of this
+    // class.
+    bool IsNamedOrOfClass(const char* name, const char* className) const;
     bool IsBypassed() const { return HasFlag(FL_BYPASSED); }
     // 0 to 255; lower renders first.
     int GetRenderPriority() const { return static_cast<int>(Flags >> RenderPriorityShift); }

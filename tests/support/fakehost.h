@@ -123,6 +123,7 @@ public:
         return Answer;
     }
     void ShowProperties(const char* text) override { Events.push_back(std::string("properties ") + text); }
+    void ShowOptions() override { Events.push_back("options"); }
     void Beep() override { Events.push_back("beep"); }
     void RebuildRecentFiles(const vector<TString>& files) override
     {

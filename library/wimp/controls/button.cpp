@@ -14,6 +14,7 @@ bool TButton::Create(TWindow* owner, int id, const char* text, const char* name)
     button->setObjectName(ToQt(name));
     // A click leaves the keys where they were.
     button->setFocusPolicy(Qt::TabFocus);
+    button->setAutoDefault(false);
     Id = id;
     Bind(button, owner);
     QObject::connect(button, &QPushButton::clicked, button, [this, button] {
@@ -43,4 +44,13 @@ void TButton::SetPressed(bool pressed)
     Pressed = pressed;
     button->setCheckable(true);
     button->setChecked(pressed);
+}
+
+void TButton::TakeReturn(bool isDefault)
+{
+    QPushButton* button = qobject_cast<QPushButton*>(GetHandle());
+    if (button == nullptr)
+        return;
+    button->setAutoDefault(true);
+    button->setDefault(isDefault);
 }

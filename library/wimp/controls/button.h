@@ -11,6 +11,8 @@ public:
     void SetIcon(int bitmapId, const char* tip);
     // Whether the button is shown held down; clicks do not change it.
     void SetPressed(bool pressed);
+    // In a dialog: Return presses the button while it has the keys, and the default one wherever they are.
+    void TakeReturn(bool isDefault);
     int GetId() const { return Id; }
 
 private:

@@ -77,6 +77,12 @@ void TComboBoxControl::SetSelection(const char* text)
     SetSelection(Find(text));
 }
 
+void TComboBoxControl::ClearSelection()
+{
+    if (QComboBox* box = BoxOf(GetHandle()))
+        box->setCurrentIndex(-1);
+}
+
 int TComboBoxControl::GetSelection() const
 {
     const QComboBox* box = BoxOf(GetHandle());

@@ -18,6 +18,7 @@ public:
     // By position or by text, compared with case. Asserts "0 : Item not found for combo box selection".
     void SetSelection(int index);
     void SetSelection(const char* text);
+    void ClearSelection();
     // -1 for none.
     int GetSelection() const;
     int GetId() const { return Id; }

@@ -49,6 +49,14 @@ void TEdit::GetText(TString& text) const
         text = lines->toPlainText().toUtf8().constData();
 }
 
+void TEdit::SelectAll()
+{
+    if (QLineEdit* line = qobject_cast<QLineEdit*>(GetHandle()))
+        line->selectAll();
+    else if (QPlainTextEdit* lines = qobject_cast<QPlainTextEdit*>(GetHandle()))
+        lines->selectAll();
+}
+
 void TEdit::AppendFormat(const char* format, ...)
 {
     char added[8192];

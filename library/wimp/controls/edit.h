@@ -10,6 +10,7 @@ public:
     bool Create(TWindow* owner, int id, const char* name, bool readOnly = false, bool severalLines = false);
     void SetText(const char* text);
     void GetText(TString& text) const;
+    void SelectAll();
     // Adds to the end; at most 8,191 characters at a time.
     void AppendFormat(const char* format, ...) CINDERMILL_PRINTF(2, 3);
     int GetId() const { return Id; }

@@ -48,3 +48,10 @@ int TListBox::GetSelection() const
     const QListWidget* list = ListOf(GetHandle());
     return list != nullptr ? list->currentRow() : -1;
 }
+
+void TListBox::FitLines()
+{
+    constexpr int Margin = 16;
+    if (QListWidget* list = ListOf(GetHandle()))
+        list->setFixedWidth(list->sizeHintForColumn(0) + 2 * list->frameWidth() + Margin);
+}

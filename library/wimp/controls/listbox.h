@@ -12,6 +12,8 @@ public:
     // -1 for none.
     void SetSelection(int index);
     int GetSelection() const;
+    // As wide as its longest line from now on.
+    void FitLines();
     int GetId() const { return Id; }
 
 private:

@@ -8,16 +8,42 @@
 
 #include <cmath>
 
-static QDoubleSpinBox* FieldOf(TWindowHandle handle)
+namespace {
+
+// The window system's own refuses each digit that leads out of the range.
+class TNumberField : public QDoubleSpinBox
+{
+public:
+    using QDoubleSpinBox::QDoubleSpinBox;
+
+    QValidator::State validate(QString& text, int& position) const override
+    {
+        const QValidator::State state = QDoubleSpinBox::validate(text, position);
+        bool isNumber = false;
+        locale().toDouble(text, &isNumber);
+        return state == QValidator::Invalid && isNumber ? QValidator::Intermediate : state;
+    }
+    void fixup(QString& text) const override
+    {
+        bool isNumber = false;
+        const double number = locale().toDouble(text, &isNumber);
+        if (isNumber)
+            text = textFromValue(qBound(minimum(), number, maximum()));
+    }
+};
+
+QDoubleSpinBox* FieldOf(TWindowHandle handle)
 {
     return qobject_cast<QDoubleSpinBox*>(handle);
 }
+
+} // namespace
 
 bool TNumberEdit::Create(TWindow* owner, int id, const char* name)
 {
     if (owner == nullptr || owner->GetHandle() == nullptr)
         return false;
-    QDoubleSpinBox* field = new QDoubleSpinBox(owner->GetHandle());
+    QDoubleSpinBox* field = new TNumberField(owner->GetHandle());
     field->setObjectName(ToQt(name));
     // Numbers look the same wherever the program runs.
     QLocale plain = QLocale::c();
@@ -61,4 +87,10 @@ float TNumberEdit::GetValue() const
 {
     const QDoubleSpinBox* field = FieldOf(GetHandle());
     return field != nullptr ? static_cast<float>(field->value()) : 0.0f;
+}
+
+void TNumberEdit::EndEdit()
+{
+    if (QDoubleSpinBox* field = FieldOf(GetHandle()))
+        field->interpretText();
 }

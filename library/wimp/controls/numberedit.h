@@ -3,7 +3,8 @@
 #include "library/wimp/wimpcontrol.h"
 
 // A field for a number with an up and a down arrow; reports code 12 with its id when a person changes it.
-// Begins as a whole number from 0 to 100.
+// Begins as a whole number from 0 to 100. What is typed outside the range is brought into it when Return is
+// pressed or the field is left, and what is no number gives way to the number before.
 class TNumberEdit : public TWimpControl
 {
 public:
@@ -15,6 +16,8 @@ public:
     void SetDecimals(int decimals);
     void SetValue(float value);
     float GetValue() const;
+    // What is typed counts now, as when Return is pressed.
+    void EndEdit();
     int GetId() const { return Id; }
 
 private:

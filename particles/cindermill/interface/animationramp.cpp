@@ -62,7 +62,7 @@ TNodeRampParameter* FindAnimatedRamp(const TToolNode& node)
 {
     const TNodeType& type = *node.GetNodeType();
     TNodeParameter* parameter = type.FindParameter("Value");
-    if (type.Name.Compare("Shaper") != 0 || parameter == nullptr)
+    if (!type.IsNamedOrOfClass("Shaper", "TShaper") || parameter == nullptr)
         return nullptr;
     if (parameter->Type != PK_RAMP && parameter->Type != PK_POLYRAMP)
         return nullptr;

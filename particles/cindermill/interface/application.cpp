@@ -8,6 +8,7 @@
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/errordialog.h"
+#include "particles/cindermill/interface/options/optionsdialog.h"
 #include "particles/cindermill/interface/particles/displays.h"
 #include "particles/cindermill/main/settingsstore.h"
 
@@ -114,6 +115,12 @@ TModifiedAnswer TApplication::AskModifiedFiles(const vector<TString>& names)
 void TApplication::ShowProperties(const char* text)
 {
     TextDialog(FilePropertiesDialog, "File Properties", text);
+}
+
+void TApplication::ShowOptions()
+{
+    TOptionsDialog dialog(App.GetSettings(), App.GetResourceLocator());
+    dialog.Run(MainWindow);
 }
 
 void TApplication::Beep()

@@ -29,6 +29,7 @@ public:
     bool ChooseFolder(const char* title, TString& path) override;
     TModifiedAnswer AskModifiedFiles(const vector<TString>& names) override;
     void ShowProperties(const char* text) override;
+    void ShowOptions() override;
     void Beep() override;
     void RebuildRecentFiles(const vector<TString>& files) override;
     void FocusSelected(TDocWindow& window) override;

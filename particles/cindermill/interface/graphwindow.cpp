@@ -14,6 +14,7 @@
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/interface/options/nodepropertiesdialog.h"
 #include "particles/cindermill/interface/valuemenu.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
@@ -26,6 +27,7 @@ constexpr int IconId = 101;
 constexpr TGDIColour Paper = 0xFFFFF2;
 constexpr int MenuFocusNodeGroup = 40215;
 constexpr int MenuInsertNode = 40217;
+constexpr int MenuNodeProperties = 40216;
 
 // Shared by all drags.
 int EdgeMargin = TGraphView::ScrollMargin;
@@ -404,15 +406,28 @@ void TGraphWindow::FillContextMenu(TMenu& menu)
     menu.AddItem(MenuInsertNode, "Insert Node...");
     menu.EnableItem(MenuFocusNodeGroup, false);
     menu.EnableItem(MenuInsertNode, false);
+    menu.AddItem(MenuNodeProperties, "Node Properties...");
 }
 
 void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
 {
-    // Neither of the menu's entries does anything yet.
-    if (code == CC_MENU && (argument == MenuFocusNodeGroup || argument == MenuInsertNode))
-        ContextNode = nullptr;
-    else if (code != CC_MENU || !OnValueCommand(static_cast<int>(argument)))
+    if (code != CC_MENU) {
         TWindow::OnCommand(control, argument, code);
+        return;
+    }
+    if (OnValueCommand(static_cast<int>(argument)))
+        return;
+    TToolNode* node = ContextNode;
+    ContextNode = nullptr;
+    // The first two entries do nothing yet.
+    if (argument == MenuNodeProperties && node != nullptr)
+        ShowProperties(*node);
+}
+
+void TGraphWindow::ShowProperties(TToolNode& node)
+{
+    TNodePropertiesDialog dialog(GetDocument(), node, TCindermillApp::Get().GetNodeTypes());
+    dialog.Run(nullptr);
 }
 
 void TGraphWindow::HideHelp()

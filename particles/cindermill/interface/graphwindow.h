@@ -97,6 +97,8 @@ private:
     // The menu of the controls under the pointer; false for none.
     bool OpenValueMenu(const TMessage& message);
     bool OnValueCommand(int id);
+    // The Node Properties dialog.
+    void ShowProperties(TToolNode& node);
     bool OnEscape();
     void OnWheel(const TMessage& message);
     void ShowView(const TGraphView& view);

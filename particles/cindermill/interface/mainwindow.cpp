@@ -42,7 +42,9 @@ constexpr TMenuLine EditMenu[] = {{MI_UNDO, "Undo\tCtrl+Z"},
                                   {MI_FOCUSSELECTED, "Focus Selected Nodes\tCtrl+F"},
                                   {MI_FOCUSALL, "Focus All Nodes\tCtrl+Shift+F"}};
 constexpr TMenuLine ToolsMenu[] = {{MI_NEWVIEW, "New Graph View"},
-                                   {MI_SHOWPARTICLES, "Show Particle Display"}};
+                                   {MI_SHOWPARTICLES, "Show Particle Display"},
+                                   {0, nullptr},
+                                   {MI_OPTIONS, "Options..."}};
 constexpr TMenuLine WindowMenu[] = {{MI_CASCADE, "Cascade"}};
 
 template <int Count>

@@ -43,6 +43,8 @@ public:
     virtual TModifiedAnswer AskModifiedFiles(const vector<TString>& names) = 0;
     // The File Properties dialog.
     virtual void ShowProperties(const char* text) = 0;
+    // The Options dialog.
+    virtual void ShowOptions() = 0;
     virtual void Beep() = 0;
 
     // Makes the Recent Files menu anew; oldest first, the newest stands on top.

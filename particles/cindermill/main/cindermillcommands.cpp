@@ -73,6 +73,9 @@ bool TCindermillApp::OnMenu(int id)
     case MI_EXIT:
         ExitRequest();
         return true;
+    case MI_OPTIONS:
+        Host->ShowOptions();
+        return true;
     case MI_CASCADE:
         Host->Cascade();
         return true;

@@ -102,6 +102,8 @@ void TSettings::Save()
     writeInt("UpwardsSearchLimit", Values.UpwardsSearchLimit);
     if (!Values.ResourcePath.IsEmpty())
         Store->WriteString("ResourcePath", Values.ResourcePath);
+    else
+        Store->Remove("ResourcePath");
     writeInt("AutoCheckUpdate", Values.AutoCheckUpdate);
     Store->WriteString("NodeTypesDirectory", Values.NodeTypesDirectory);
     Store->Flush();

@@ -44,6 +44,7 @@ public:
         Settings.setValue(name, QString::fromUtf8(value != nullptr ? value : ""));
         return Settings.status() == QSettings::NoError;
     }
+    void Remove(const char* name) override { Settings.remove(name); }
     bool Flush() override
     {
         Settings.sync();

@@ -16,6 +16,8 @@ public:
     virtual bool ReadString(const char* name, TString& value) = 0;
     virtual bool WriteInt(const char* name, uint32_t value) = 0;
     virtual bool WriteString(const char* name, const char* value) = 0;
+    // What is not there is gone.
+    virtual void Remove(const char* name) = 0;
     // Brings what was written to the disc; false if that failed.
     virtual bool Flush() = 0;
 };

@@ -54,10 +54,10 @@ float GetEmitterLifeTime(const TEffectNode* node)
 
 float GetNodeLifeTime(const TEffectNode* node)
 {
-    const TString& name = node->GetNodeType()->Name;
-    if (name.Compare("Age") == 0)
+    const TNodeType& type = *node->GetNodeType();
+    if (type.IsNamedOrOfClass("Age", "TAge"))
         return GetAgeLifeTime(node);
-    if (name.Compare("Emitter") == 0)
+    if (type.IsNamedOrOfClass("Emitter", "TEmitter"))
         return GetEmitterLifeTime(node);
     return 0;
 }

@@ -5,9 +5,7 @@
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 
-namespace {
-
-TNodeProperties PropertiesOf(const TNodeType& type)
+TNodeProperties GetNodeProperties(const TNodeType& type)
 {
     return TNodeProperties{type.Name,
                            type.GetRenderPriority(),
@@ -17,10 +15,8 @@ TNodeProperties PropertiesOf(const TNodeType& type)
                            type.BoundsMax};
 }
 
-} // namespace
-
 TNodePropertiesOp::TNodePropertiesOp(TToolNode* node, const TNodeProperties& properties)
-    : Node(node), Old(PropertiesOf(*node->GetNodeType())), New(properties)
+    : Node(node), Old(GetNodeProperties(*node->GetNodeType())), New(properties)
 {
 }
 

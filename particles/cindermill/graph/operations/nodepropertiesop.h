@@ -4,6 +4,7 @@
 #include "library/maths/vector3.h"
 #include "particles/cindermill/graph/operations/operation.h"
 
+class TNodeType;
 class TToolNode;
 
 // What a person may change of a node besides its parameters.
@@ -16,6 +17,8 @@ struct TNodeProperties
     TVector3 BoundsMin;
     TVector3 BoundsMax;
 };
+
+TNodeProperties GetNodeProperties(const TNodeType& type);
 
 class TNodePropertiesOp : public TRegistered<TNodePropertiesOp, TOperation>
 {

@@ -129,6 +129,11 @@ TEST(FindAnimatedRamp, OnlyAShaperHasOne)
     EXPECT_EQ(FindAnimatedRamp(other), nullptr);
     shaper.GetNodeType()->Name = "shaper";
     EXPECT_NE(FindAnimatedRamp(shaper), nullptr);
+    // A node that was given a name of its own is one by its class, another by the name that it bears.
     shaper.GetNodeType()->Name = "My Shaper";
+    EXPECT_NE(FindAnimatedRamp(shaper), nullptr);
+    shaper.GetNodeType()->ClassName = "TGravity";
     EXPECT_EQ(FindAnimatedRamp(shaper), nullptr);
+    shaper.GetNodeType()->Name = "Shaper";
+    EXPECT_NE(FindAnimatedRamp(shaper), nullptr);
 }

@@ -7,6 +7,8 @@
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/effectgraph/error.h"
 
+#include <QtWidgets/QDialog>
+
 namespace {
 
 class Application : public TWindowTest
@@ -20,6 +22,19 @@ protected:
 };
 
 } // namespace
+
+TEST_F(Application, TheOptionsEntryOpensTheOptionsDialog)
+{
+    TApplication application;
+    bool met = false;
+    Meet("dialog111", [&met](QDialog& dialog) {
+        met = true;
+        EXPECT_EQ(dialog.windowTitle(), QString("Options"));
+        dialog.close();
+    });
+    EXPECT_TRUE(TCindermillApp::Get().OnMenu(MI_OPTIONS));
+    EXPECT_TRUE(met);
+}
 
 TEST_F(Application, EveryTypeWithADisplayGetsOne)
 {

@@ -17,6 +17,7 @@
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 
 #include <cstring>
@@ -230,7 +231,7 @@ TEST_F(GraphWindow, ARightClickOnANodeOpensItsMenu)
 {
     SetPanButton(PanLeft);
     EXPECT_EQ(RightClick(MiddleOf(*Document, First)),
-              "Focus Node Group|menu40215\nInsert Node...|menu40217\n");
+              "Focus Node Group|menu40215\nInsert Node...|menu40217\nNode Properties...|menu40216\n");
     EXPECT_EQ(RightClick(Empty), "");
 }
 
@@ -263,6 +264,42 @@ TEST_F(GraphWindow, TheNodeOfAMenuIsForgottenWhenItIsClosedWithoutAChoice)
     Release(Graph(), at, Qt::RightButton);
     EXPECT_EQ(during, First);
     EXPECT_EQ(Graph().GetContextNode(), nullptr);
+}
+
+// The new name, typed and entered, stands in the node's object.
+TEST_F(GraphWindow, TheMenuOfANodeRenamesIt)
+{
+    const auto widthOf = [this] {
+        TVector2 min;
+        TVector2 max;
+        WindowsOf(*Document).GetScene().FindNode(Second)->GetRectangle(min, max);
+        return max[0] - min[0];
+    };
+    const float before = widthOf();
+    MeetMenu([](QMenu& menu) {
+        for (QAction* action : menu.actions())
+            if (action->objectName() == "menu40216") {
+                QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(action).center());
+                return;
+            }
+        menu.close();
+    });
+    bool met = false;
+    Meet("dialog120", [&met](QDialog& dialog) {
+        met = true;
+        QLineEdit* name = dialog.findChild<QLineEdit*>("control1002");
+        EXPECT_EQ(name->text(), QString("Gravity"));
+        QTest::keyClicks(name, "The pull of the earth on all that was thrown into the air");
+        QTest::keyClick(name, Qt::Key_Return);
+    });
+    const QPoint at = MiddleOf(*Document, Second);
+    Press(Graph(), at, Qt::RightButton);
+    Release(Graph(), at, Qt::RightButton);
+    EXPECT_TRUE(met);
+    EXPECT_EQ(Text(Second->GetNodeType()->Name), "The pull of the earth on all that was thrown into the air");
+    EXPECT_GT(widthOf(), before);
+    Document->Undo();
+    EXPECT_EQ(widthOf(), before);
 }
 
 TEST_F(GraphWindow, RightClickAfterARightButtonPanOfMoreThanTwoPixelsOpensNoMenu)

@@ -144,7 +144,8 @@ TEST_F(MainWindow, TheMenusHoldEveryEntryWithItsIdAndKey)
               (TNames{"57643 Undo\tCtrl+Z", "57644 Redo\tCtrl+Y", "", "57635 Cut\tCtrl+X",
                       "57634 Copy\tCtrl+C", "57637 Paste\tCtrl+V", "40002 Delete\tDel", "",
                       "40213 Focus Selected Nodes\tCtrl+F", "40214 Focus All Nodes\tCtrl+Shift+F"}));
-    EXPECT_EQ(Entries(*Popup(2)), (TNames{"40004 New Graph View", "40005 Show Particle Display"}));
+    EXPECT_EQ(Entries(*Popup(2)),
+              (TNames{"40004 New Graph View", "40005 Show Particle Display", "", "40210 Options..."}));
     EXPECT_EQ(Entries(*Popup(3))[0], "57650 Cascade");
 }
 
@@ -191,6 +192,8 @@ TEST_F(MainWindow, AnEntryReachesTheApplication)
     EXPECT_EQ(App.Get().GetDocuments().size(), 1);
     Choose(57650);
     EXPECT_EQ(Host.Taken(), TNames{"cascade"});
+    Choose(40210);
+    EXPECT_EQ(Host.Taken(), TNames{"options"});
     App.Get().AddRecentFile("/nowhere.effect");
     Window.RebuildRecentFiles(App.Get().GetSettings().GetRecentFiles());
     static std::string shown;

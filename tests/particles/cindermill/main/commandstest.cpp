@@ -498,6 +498,12 @@ TEST_F(Commands, CommandsWithoutADocumentDoNothing)
     EXPECT_FALSE(App.Get().OnMenu(1));
 }
 
+TEST_F(Commands, TheOptionsNeedNoDocument)
+{
+    EXPECT_TRUE(App.Get().OnMenu(40210));
+    EXPECT_EQ(Host.Taken(), TNames{"options"});
+}
+
 TEST_F(Commands, TheMenusReachTheApplicationAndItsWindows)
 {
     EXPECT_TRUE(App.Get().OnMenu(57600));

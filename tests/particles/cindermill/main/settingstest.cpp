@@ -44,6 +44,12 @@ public:
             Strings[name] = value != nullptr ? value : "";
         return !Fails;
     }
+    void Remove(const char* name) override
+    {
+        Removed.push_back(name);
+        if (!Fails)
+            Strings.erase(name);
+    }
     bool Flush() override
     {
         ++Flushes;
@@ -53,6 +59,7 @@ public:
     std::map<std::string, uint32_t> Ints;
     std::map<std::string, std::string> Strings;
     std::vector<std::string> Written;
+    std::vector<std::string> Removed;
     int Flushes = 0;
     bool Fails = false;
 };
@@ -250,14 +257,15 @@ TEST(TSettings, SaveWritesEverythingInItsOrder)
     EXPECT_GT(store.Flushes, 0);
 }
 
-TEST(TSettings, AnEmptyResourcePathIsNotWrittenAndAnEmptyDirectoryIs)
+TEST(TSettings, AnEmptyResourcePathIsRemovedAndAnEmptyDirectoryIsWritten)
 {
     TFakeStore store;
     TSettings settings(&store);
     settings.SetResourcePath("base");
     settings.SetResourcePath("");
-    // The old one stays in the store.
-    EXPECT_EQ(store.Strings["ResourcePath"], "base");
+    // Otherwise the next start would bring the old one back.
+    EXPECT_EQ(store.Strings.count("ResourcePath"), 0u);
+    EXPECT_EQ(store.Removed, TNames{"ResourcePath"});
     settings.SetNodeTypesDirectory("");
     EXPECT_EQ(store.Strings.count("NodeTypesDirectory"), 1u);
     EXPECT_EQ(store.Strings["NodeTypesDirectory"], "");
@@ -479,6 +487,21 @@ TEST_F(SettingsFile, SettingsComeBack)
     EXPECT_FALSE(settings.GetRetainUndoHistory());
     EXPECT_EQ(Text(settings.GetResourcePath()), "\\art\\base");
     EXPECT_EQ(Text(settings.GetNodeTypesDirectory()), "types");
+}
+
+TEST_F(SettingsFile, AResourcePathThatWasEmptiedStaysEmpty)
+{
+    {
+        const auto store = Open();
+        TSettings settings(store.get());
+        settings.Load();
+        settings.SetResourcePath("\\art\\base");
+        settings.SetResourcePath("");
+    }
+    const auto store = Open();
+    TSettings settings(store.get());
+    settings.Load();
+    EXPECT_TRUE(settings.GetResourcePath().IsEmpty());
 }
 
 TEST_F(SettingsFile, ASettingIsOnTheDiscAtOnce)

@@ -89,6 +89,20 @@ TEST(GetNodeLifeTime, AgeWithConnectedMaxAgeIsZero)
     EXPECT_EQ(GetNodeLifeTime(age), 0);
 }
 
+TEST(GetNodeLifeTime, ARenamedNodeKeepsItsLifeTimeByItsClass)
+{
+    TTestGraph g;
+    TEffectNode* age = AddAge(g, 3);
+    age->GetNodeType()->Name = "Embers fade";
+    EXPECT_EQ(GetNodeLifeTime(age), 0);
+    g.Class(age, "TAge");
+    EXPECT_EQ(GetNodeLifeTime(age), 3);
+    TEffectNode* emitter = AddTimedEmitter(g, 0, true);
+    emitter->GetNodeType()->Name = "Flames";
+    g.Class(emitter, "TEmitter");
+    EXPECT_EQ(GetNodeLifeTime(emitter), 2.5f);
+}
+
 TEST(GetNodeLifeTime, OtherTypesSetNoLimit)
 {
     TTestGraph g;

@@ -1,0 +1,146 @@
+#include "particles/cindermill/graph/engine/boundssampler.h"
+
+#include "particles/cindermill/graph/engine/effectexecnode.h"
+
+namespace {
+
+constexpr const char* FlatStages[] = {"TBlendedQuadRenderStage", "TQuadRenderStage",
+                                      "TBlendedSpriteRenderStage", "TSpriteRenderStage"};
+constexpr const char* TrailStage = "TVelocityTrailRenderStage";
+
+bool IsFlatStage(const TNodeType& type)
+{
+    for (const char* name : FlatStages)
+        if (type.ClassName.Compare(name) == 0)
+            return true;
+    return false;
+}
+
+bool IsTrailStage(const TNodeType& type)
+{
+    return type.ClassName.Compare(TrailStage) == 0;
+}
+
+bool IsFinite(const TVector3& v)
+{
+    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
+}
+
+} // namespace
+
+// Reads a node's inputs as its run-time object would, beside that object.
+class TInputReader : public TEffectExecNode
+{
+public:
+    TInputReader(TEffectExec& exec, TEffectNode& node)
+    {
+        Exec = &exec;
+        Node = &node;
+    }
+
+    // Converted from the port's type.
+    TVector3 Read(int port, int index, int type) const
+    {
+        const TPortValue read = ReadInput(port, index);
+        TPortValue value;
+        ConvertValue(GetNodeType()->GetInputType(port), type, read.GetFloats(), value.GetFloats());
+        return TVector3(value[0], value[1], value[2]);
+    }
+};
+
+TBoundsSampler::TBoundsSampler(TEffectExec& exec, TEffectNode& node) : Exec(exec), Node(node)
+{
+    Fault = FindPosition();
+    if (Fault == SF_NONE)
+        Reach = FindReach();
+}
+
+TSampleFault TBoundsSampler::FindPosition()
+{
+    if (!Exec.IsInited() || Exec.GetNumGroups() == 0)
+        return SF_NOTRUNNING;
+    const TEffectSchedule& schedule = Exec.GetSchedule();
+    bool isScheduled = false;
+    for (int i = 0; i < schedule.GetNumNodes() && !isScheduled; ++i)
+        isScheduled = schedule.GetNode(i) == &Node;
+    if (!isScheduled)
+        return SF_NOTSCHEDULED;
+    const TNodeType& type = *Node.GetNodeType();
+    Position = type.FindInput("Transform");
+    if (Position == -1)
+        Position = type.FindInput("Position");
+    if (Position == -1)
+        return SF_NOINPUT;
+    return Node.GetInput(Position) != nullptr ? SF_NONE : SF_NOTCONNECTED;
+}
+
+TSampleReach TBoundsSampler::FindReach()
+{
+    const TNodeType& type = *Node.GetNodeType();
+    const bool isTrail = IsTrailStage(type);
+    const int scale = isTrail || IsFlatStage(type) ? type.FindInput("Scale") : -1;
+    const int velocity = isTrail ? type.FindInput("Velocity") : -1;
+    if (scale == -1)
+        return SR_NOSCALE;
+    if (isTrail && velocity == -1)
+        return SR_NOVELOCITY;
+    Scale = scale;
+    Velocity = velocity;
+    return SR_KNOWN;
+}
+
+int TBoundsSampler::Grow()
+{
+    // The effect may have stopped since.
+    if (Fault != SF_NONE || !Exec.IsInited())
+        return 0;
+    const TEffectSchedule& schedule = Exec.GetSchedule();
+    TInputReader reader(Exec, Node);
+    int count = 0;
+    for (int g = 0; g < Exec.GetNumGroups(); ++g)
+        for (int t = 0; t < schedule.GetNumTiedNodes(g); ++t)
+            if (schedule.GetNode(schedule.GetTiedNode(g, t)) == &Node)
+                count += GrowOver(reader, g, t);
+    return count;
+}
+
+int TBoundsSampler::GrowOver(TInputReader& reader, int group, int tied)
+{
+    reader.SetPlace(group, tied, Exec.GetGroup(group));
+    int count = 0;
+    for (int i = 0; i < Exec.GetNumParticles(group); ++i) {
+        TVector3 min;
+        TVector3 max;
+        Measure(reader, i, min, max);
+        if (!IsFinite(min) || !IsFinite(max))
+            continue;
+        Include(min, max);
+        ++count;
+    }
+    return count;
+}
+
+// A flat picture may stand at any angle, so it reaches as far as its corners do. A trail is drawn from the
+// particle back to where it was some seconds ago.
+void TBoundsSampler::Measure(const TInputReader& reader, int index, TVector3& min, TVector3& max) const
+{
+    const TVector3 place = reader.Read(Position, index, TY_VECTOR3);
+    const TVector3 scale = Scale != -1 ? reader.Read(Scale, index, TY_SCALE) : TVector3();
+    const TVector3 velocity = Velocity != -1 ? reader.Read(Velocity, index, TY_VECTOR3) : TVector3();
+    const double reach = Velocity != -1 ? std::fabs(double(scale[0])) : std::hypot(scale[0], scale[1]);
+    for (int i = 0; i < 3; ++i) {
+        const double head = place[i];
+        const double tail = head - double(velocity[i]) * scale[1];
+        min[i] = static_cast<float>((head < tail ? head : tail) - reach);
+        max[i] = static_cast<float>((head < tail ? tail : head) + reach);
+    }
+}
+
+void TBoundsSampler::Include(const TVector3& min, const TVector3& max)
+{
+    for (int i = 0; i < 3; ++i) {
+        Bounds.Min[i] = Found && Bounds.Min[i] < min[i] ? Bounds.Min[i] : min[i];
+        Bounds.Max[i] = Found && Bounds.Max[i] > max[i] ? Bounds.Max[i] : max[i];
+    }
+    Found = true;
+}
