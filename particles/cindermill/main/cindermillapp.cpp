@@ -37,7 +37,6 @@ TCindermillApp::~TCindermillApp()
 {
     StaticInstance = nullptr;
     Clipboard.Clear();
-    delete Store;
 }
 
 TCindermillApp& TCindermillApp::Get()

@@ -1,5 +1,6 @@
 #include "particles/cindermill/main/animation/animation.h"
 
+#include "library/containers/ownerlist.h"
 #include "library/maths/matrix43.h"
 #include "library/maths/quaternion.h"
 #include "library/maths/scalar.h"
@@ -226,19 +227,6 @@ float ToDegrees(float radians)
     return static_cast<float>(static_cast<double>(radians) / DegreesToRadians);
 }
 
-// Deletes what GetAnimation gave out when the process ends.
-class TAnimationCache
-{
-public:
-    ~TAnimationCache()
-    {
-        for (TAnimation* animation : Animations)
-            delete animation;
-    }
-
-    vector<TAnimation*> Animations;
-};
-
 } // namespace
 
 TVector4 TAnimChannel::Evaluate(float t) const
@@ -294,15 +282,13 @@ void TAnimation::Evaluate(float t, unsigned mask, float* out) const
 
 TAnimation* GetAnimation(const char* path)
 {
-    static TAnimationCache cache;
-    for (TAnimation* animation : cache.Animations)
+    static TOwnerList<TAnimation> cache;
+    for (TAnimation* animation : cache)
         if (animation->GetFileName().Compare(path) == 0)
             return animation;
-    TAnimation* animation = new TAnimation;
-    if (!animation->Load(path)) {
-        delete animation;
+    TOwner<TAnimation> animation(new TAnimation);
+    if (!animation->Load(path))
         return nullptr;
-    }
-    cache.Animations.push_back(animation);
-    return animation;
+    cache.push_back(animation.Release());
+    return cache.back();
 }
