@@ -22,7 +22,7 @@ standard=$(grep -rlE '#include <(vector|string|map|set|list|array|deque|unordere
 
 # The lowest layer tries to look up.
 compile=(g++ -std=c++20 -fsyntax-only -I "$1/layers/library-containers" -x c++ -)
-if "${compile[@]}" <<<'#include "particles/effectgraph/schedule/schedule.h"' 2>/dev/null; then
+if "${compile[@]}" <<<'#include "particles/effectgraph/schedule/effectschedule.h"' 2>/dev/null; then
     fail "The lowest layer can include the schedule"
 fi
 "${compile[@]}" <<<'#include "library/containers/string.h"' ||

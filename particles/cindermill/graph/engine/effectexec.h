@@ -1,7 +1,7 @@
 #pragma once
 
 #include "library/containers/ownerlist.h"
-#include "particles/effectgraph/schedule/schedule.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
 
 class TEffectExecNode;
 class TErrorList;

@@ -2,11 +2,11 @@
 
 #include "library/containers/assertion.h"
 #include "library/wimp/gl/device/arbprogram.h"
-#include "library/wimp/gl/device/rendertexture.h"
-#include "particles/cindermill/graph/shaders/qdxfragmenttranslator.h"
-#include "particles/cindermill/graph/shaders/qdxfragmentinstruction.h"
+#include "library/wimp/gl/device/rendertextureinstance.h"
+#include "particles/cindermill/graph/shaders/fragmentcontext.h"
+#include "particles/cindermill/graph/shaders/fragmentinstruction.h"
 #include "particles/cindermill/graph/shaders/programtext.h"
-#include "particles/cindermill/graph/shaders/qdxswizzle.h"
+#include "particles/cindermill/graph/shaders/swizzletext.h"
 
 #include <bit>
 #include <cstring>

@@ -2,9 +2,9 @@
 
 #include "library/containers/assertion.h"
 #include "library/wimp/gl/device/arbprogram.h"
-#include "particles/cindermill/graph/shaders/qdxfragmentinstruction.h"
+#include "particles/cindermill/graph/shaders/fragmentinstruction.h"
 #include "particles/cindermill/graph/shaders/programtext.h"
-#include "particles/cindermill/graph/shaders/qdxswizzle.h"
+#include "particles/cindermill/graph/shaders/swizzletext.h"
 
 namespace {
 

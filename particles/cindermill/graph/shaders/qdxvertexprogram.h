@@ -5,7 +5,7 @@
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
 #include "particles/cindermill/graph/shaders/qdxvertexranges.h"
-#include "particles/cindermill/graph/shaders/qdxvertexinstruction.h"
+#include "particles/cindermill/graph/shaders/vertexinstruction.h"
 
 #include <cstdint>
 

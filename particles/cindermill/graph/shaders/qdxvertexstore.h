@@ -1,7 +1,7 @@
 #pragma once
 
 #include "library/containers/ownerlist.h"
-#include "particles/cindermill/graph/shaders/qdxvertexinstruction.h"
+#include "particles/cindermill/graph/shaders/vertexinstruction.h"
 
 class TQdxVertexProgram;
 

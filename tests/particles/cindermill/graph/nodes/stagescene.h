@@ -5,7 +5,7 @@
 #include "support/testgraph.h"
 
 #include "library/containers/image/image.h"
-#include "library/wimp/gl/device/rendertexture.h"
+#include "library/wimp/gl/device/rendertextureinstance.h"
 #include "library/wimp/gl/device/sceneview.h"
 #include "particles/cindermill/graph/nodes/nodes.h"
 #include "particles/cindermill/graph/nodes/renderstage.h"

@@ -3,10 +3,10 @@
 #include "qdxmicrocode.h"
 #include "support/testsupport.h"
 
-#include "particles/cindermill/graph/shaders/qdxfragmentinstruction.h"
+#include "particles/cindermill/graph/shaders/fragmentinstruction.h"
 #include "particles/cindermill/graph/shaders/qdxfragmentprogram.h"
 #include "particles/cindermill/graph/shaders/qdxregistermap.h"
-#include "particles/cindermill/graph/shaders/qdxswizzle.h"
+#include "particles/cindermill/graph/shaders/swizzletext.h"
 
 #include <algorithm>
 #include <sstream>
