@@ -92,11 +92,12 @@ bool ClearReadOnly(const char* path)
     struct stat info;
     if (!GetInfo(path, info))
         return false;
-    if ((info.st_mode & S_IWUSR) != 0)
-        return true;
     TString systemPath;
     ToSystemPath(path, systemPath);
-    return chmod(systemPath.Print(), (info.st_mode & 07777) | S_IWUSR) == 0;
+    if ((info.st_mode & S_IWUSR) == 0 && chmod(systemPath.Print(), (info.st_mode & 07777) | S_IWUSR) != 0)
+        return false;
+    // The owner's bit says nothing about another's file.
+    return FileIsWritable(path);
 }
 
 uint32_t GetFileSize(const char* path)

@@ -146,8 +146,13 @@ bool ListDirectory(const char* path, vector<TDirectoryEntry>& result)
         struct stat info;
         if (fstatat(entries.GetDescriptor(), name, &info, AT_SYMLINK_NOFOLLOW) != 0)
             continue;
-        if (S_ISLNK(info.st_mode) || info.st_dev != own.st_dev)
+        if (S_ISLNK(info.st_mode)) {
+            // A walk must not leave its file system or run in a circle, which no file leads it to.
+            if (fstatat(entries.GetDescriptor(), name, &info, 0) != 0 || !S_ISREG(info.st_mode))
+                continue;
+        } else if (info.st_dev != own.st_dev) {
             continue;
+        }
         Append(result, TDirectoryEntry{name, S_ISDIR(info.st_mode)});
     }
     std::sort(result.begin(), result.end(), [](const TDirectoryEntry& a, const TDirectoryEntry& b) {

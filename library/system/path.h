@@ -23,6 +23,6 @@ struct TDirectoryEntry
     bool IsDirectory;
 };
 
-// What a directory holds, without "." and "..", symbolic links and other file systems, in the order of names
-// without case. False if it cannot be listed.
+// What a directory holds, without "." and ".." and other file systems, in the order of names without case. A
+// symbolic link to a file is a file; others are left out. False if it cannot be listed.
 bool ListDirectory(const char* path, vector<TDirectoryEntry>& result);

@@ -38,8 +38,9 @@ QStringList ToNameFilters(const vector<TFileFilter>& filters)
     QStringList result;
     for (const TFileFilter& filter : filters) {
         // Here a name without a point is a file like any other.
-        const QString pattern =
+        QString pattern =
             CompareText(filter.Pattern, "*.*") == 0 ? QStringLiteral("*") : ToQt(filter.Pattern);
+        pattern.replace(QLatin1Char(';'), QLatin1Char(' '));
         result.append(QStringLiteral("%1 (%2)").arg(ToQt(filter.Description), pattern));
     }
     return result;
@@ -93,6 +94,16 @@ bool ChooseFile(TChooser& chooser, const vector<TFileFilter>& filters, TString& 
     return true;
 }
 
+bool RunOpenChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
+                    TString& path)
+{
+    TChooser chooser(title, StartDirectory(filters, directory));
+    chooser.setFileMode(QFileDialog::ExistingFile);
+    return ChooseFile(chooser, filters, path);
+}
+
+TOpenFileChooser OpenChooser = &RunOpenChooser;
+
 int ShowForm(QMessageBox::Icon icon, const char* name, const char* text, QMessageBox::StandardButtons buttons)
 {
     QMessageBox box(icon, QLatin1String(Caption), QString(), buttons, ModalParent());
@@ -108,9 +119,12 @@ int ShowForm(QMessageBox::Icon icon, const char* name, const char* text, QMessag
 bool OpenFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
                      TString& path)
 {
-    TChooser chooser(title, StartDirectory(filters, directory));
-    chooser.setFileMode(QFileDialog::ExistingFile);
-    return ChooseFile(chooser, filters, path);
+    return OpenChooser(title, filters, directory, path);
+}
+
+void SetOpenFileChooser(TOpenFileChooser chooser)
+{
+    OpenChooser = chooser != nullptr ? chooser : &RunOpenChooser;
 }
 
 bool SaveFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,

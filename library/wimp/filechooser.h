@@ -3,7 +3,7 @@
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
 
-// A line of a chooser's list of kinds: what is shown, and a pattern such as "*.effect".
+// A line of a chooser's list of kinds: what is shown, and patterns such as "*.effect" or "*.dds;*.hvt".
 struct TFileFilter
 {
     const char* Description;
@@ -17,6 +17,11 @@ bool OpenFileChooser(const char* title, const vector<TFileFilter>& filters, cons
 bool SaveFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
                      TString& path);
 bool FolderChooser(const char* title, TString& path);
+
+// Takes the choice of a file to open over; null gives it back.
+using TOpenFileChooser = bool (*)(const char* title, const vector<TFileFilter>& filters,
+                                  const char* directory, TString& path);
+void SetOpenFileChooser(TOpenFileChooser chooser);
 
 // Shows the two message forms as boxes from now on.
 void InstallMessageForms();

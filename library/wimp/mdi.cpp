@@ -236,7 +236,7 @@ void TMDIFrame::Activate(TWindow& child)
 void TMDIFrame::GetScreenSize(int& width, int& height)
 {
     const QScreen* screen = QApplication::primaryScreen();
-    const QSize size = screen != nullptr ? screen->availableSize() : QSize(0, 0);
+    const QSize size = screen != nullptr ? screen->size() : QSize(0, 0);
     width = size.width();
     height = size.height();
 }

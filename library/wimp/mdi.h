@@ -19,7 +19,7 @@ public:
     // The document window in front, or null.
     TWindow* GetActiveChild() const;
     void Activate(TWindow& child);
-    // 0 for none: of the screen's work area.
+    // Of all the screen, whatever the system keeps for itself there; 0 for none.
     static void GetScreenSize(int& width, int& height);
 
 private:

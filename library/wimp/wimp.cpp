@@ -53,6 +53,12 @@ static void ShowAssertBox(const char* title, const char* text)
     box.exec();
 }
 
+TMouseDrag::~TMouseDrag()
+{
+    if (TWimp::Get().GetMouseDrag() == this)
+        TWimp::Get().ClearMouseDrag();
+}
+
 TWimp& TWimp::Get()
 {
     static TWimp wimp;
@@ -185,10 +191,22 @@ bool TWimp::IsQuitting() const
     return (Flags & FL_QUIT) != 0;
 }
 
-void TWimp::SetMouseDrag(TMouseDrag* drag)
+void TWimp::SetMouseDrag(TMouseDrag* drag, TWindow& window)
 {
     ASSERT_TEXT(MouseDrag == nullptr, "MouseDrag == 0");
     MouseDrag = drag;
+    drag->DragWindow = &window;
+    window.SetCapture();
+}
+
+void TWimp::ClearMouseDrag()
+{
+    if (MouseDrag == nullptr)
+        return;
+    TWindow* window = MouseDrag->DragWindow;
+    MouseDrag->DragWindow = nullptr;
+    MouseDrag = nullptr;
+    window->ReleaseCapture();
 }
 
 void TWimp::LoseMouseDrag()
@@ -197,7 +215,13 @@ void TWimp::LoseMouseDrag()
     if (drag != nullptr)
         drag->OnCaptureLost();
     if (MouseDrag == drag)
-        MouseDrag = nullptr;
+        ClearMouseDrag();
+}
+
+void TWimp::LoseMouseDragIn(const TWindow& window)
+{
+    if (MouseDrag != nullptr && MouseDrag->DragWindow == &window)
+        LoseMouseDrag();
 }
 
 void TWimp::SetMDIClient(TWindowHandle handle)
@@ -274,8 +298,17 @@ bool TWimp::OfferKey(TWindow& window, int key, bool down)
     return false;
 }
 
+static TBeepHook BeepHook = nullptr;
+
 void Beep()
 {
-    if (TWimp::Get().IsInited())
+    if (BeepHook != nullptr)
+        BeepHook();
+    else if (TWimp::Get().IsInited())
         QApplication::beep();
+}
+
+void SetBeep(TBeepHook beep)
+{
+    BeepHook = beep;
 }

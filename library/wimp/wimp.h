@@ -21,11 +21,20 @@ public:
 class TMouseDrag
 {
 public:
-    virtual ~TMouseDrag() = default;
-    // Pixels of the window that captured the mouse; TMouseButton bits.
+    TMouseDrag() = default;
+    virtual ~TMouseDrag();
+    TMouseDrag(const TMouseDrag&) = delete;
+    TMouseDrag& operator=(const TMouseDrag&) = delete;
+    // Pixels of the drag's window; TMouseButton bits.
     virtual void OnMouseMove(double x, double y, int buttons) = 0;
-    // A dialog or a menu has taken the mouse away. The release may never be heard of.
+    // A dialog or a menu has taken the mouse away, or the window goes. The release may never be heard of.
     virtual void OnCaptureLost() {}
+    // The window that the drag runs in, null while it does not run.
+    TWindow* GetDragWindow() const { return DragWindow; }
+
+private:
+    friend class TWimp;
+    TWindow* DragWindow = nullptr;
 };
 
 // The window framework: one message loop, one drag at a time.
@@ -56,11 +65,14 @@ public:
     void Quit();
     bool IsQuitting() const;
 
-    // Asserts "MouseDrag == 0".
-    void SetMouseDrag(TMouseDrag* drag);
-    void ClearMouseDrag() { MouseDrag = nullptr; }
+    // The drag runs in the window, which captures the mouse, until it is cleared or lost. Asserts
+    // "MouseDrag == 0".
+    void SetMouseDrag(TMouseDrag* drag, TWindow& window);
+    void ClearMouseDrag();
     // Ends a running drag, which hears of it.
     void LoseMouseDrag();
+    // For a window that goes.
+    void LoseMouseDragIn(const TWindow& window);
     TMouseDrag* GetMouseDrag() const { return MouseDrag; }
 
     // Assert "!IsMDIApp()", and "IsMDIApp()" and "hwnd == MDIClientHwnd".
@@ -105,3 +117,6 @@ private:
 
 // The system's warning sound.
 void Beep();
+using TBeepHook = void (*)();
+// Another warning than the system's; null for that.
+void SetBeep(TBeepHook beep);

@@ -112,7 +112,9 @@ bool TWindow::Create(const TWindowParams& params)
         ResizeDialog(*Handle, QSize(params.Width, params.Height));
         return true;
     }
-    const QRect place = FitInto(Peer->GetRoom(), params);
+    // The main window has its place on the whole screen.
+    const QRect place = Kind == WK_MAIN ? QRect(params.X, params.Y, params.Width, params.Height)
+                                        : FitInto(Peer->GetRoom(), params);
     MoveTo(place.x(), place.y(), place.width(), place.height());
     return true;
 }
@@ -121,6 +123,7 @@ void TWindow::Destroy()
 {
     if (Handle == nullptr)
         return;
+    TWimp::Get().LoseMouseDragIn(*this);
     ReleaseCapture();
     if (TWimp::Get().IsMDIApp() && Kind == WK_MAIN)
         TWimp::Get().ClearMDIClient(TWimp::Get().GetMDIClient());
@@ -426,9 +429,9 @@ bool TWindow::Dispatch(const TMessage& message)
     if (TMouseDrag* drag = TWimp::Get().GetMouseDrag()) {
         double x = message.X;
         double y = message.Y;
-        if (CaptureWindow != nullptr && CaptureWindow != this) {
+        if (drag->GetDragWindow() != this) {
             ClientToScreen(x, y);
-            CaptureWindow->ScreenToClient(x, y);
+            drag->GetDragWindow()->ScreenToClient(x, y);
         }
         const QPointer<TWindowPeer> peer(Peer);
         drag->OnMouseMove(x, y, message.Buttons);

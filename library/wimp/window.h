@@ -68,7 +68,11 @@ enum TCursor
     CU_DROP = 2,
     CU_HAND = 3,
     CU_SPLITX = 4,
-    CU_SPLITY = 5
+    CU_SPLITY = 5,
+    CU_TEXT = 6,
+    CU_UPDOWN = 7,
+    CU_SCRUB = 8,
+    CU_FINGER = 9
 };
 
 // The base of all windows.

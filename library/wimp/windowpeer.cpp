@@ -303,6 +303,14 @@ QCursor GetMousePointer(TCursor cursor)
         return QCursor(Qt::SplitHCursor);
     case CU_SPLITY:
         return QCursor(Qt::SplitVCursor);
+    case CU_TEXT:
+        return QCursor(Qt::IBeamCursor);
+    case CU_UPDOWN:
+        return QCursor(Qt::SizeVerCursor);
+    case CU_SCRUB:
+        return QCursor(Qt::SizeHorCursor);
+    case CU_FINGER:
+        return QCursor(Qt::PointingHandCursor);
     default:
         return QCursor(Qt::ArrowCursor);
     }

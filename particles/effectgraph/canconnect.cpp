@@ -42,8 +42,9 @@ void ClearCanConnectCache()
     GetCanConnectCache().clear();
 }
 
-// Whether a walk from the node against the wires meets the target. The node itself is not compared.
-static bool IsAncestor(const TEffectNode* node, const TEffectNode* target)
+// Whether a walk from the node against the wires meets the target. The node itself is not compared. One edge
+// may be passed over.
+static bool IsAncestor(const TEffectNode* node, const TEffectNode* target, const TEffectEdge* ignored)
 {
     TPointerMap visited;
     vector<const TEffectNode*> waiting;
@@ -53,7 +54,7 @@ static bool IsAncestor(const TEffectNode* node, const TEffectNode* target)
         waiting.pop_back();
         for (int i = 0; i < next->GetNumInputs(); ++i) {
             const TEffectEdge* edge = next->GetInput(i);
-            if (edge == nullptr)
+            if (edge == nullptr || edge == ignored)
                 continue;
             if (edge->GetSrcNode() == target)
                 return true;
@@ -65,11 +66,11 @@ static bool IsAncestor(const TEffectNode* node, const TEffectNode* target)
 }
 
 // The types that a port can have in its graph: what itself and every port reached through links and wires
-// allow.
+// allow. One edge may be passed over.
 class TTypeMask
 {
 public:
-    explicit TTypeMask(const TPortRef& port)
+    TTypeMask(const TPortRef& port, const TEffectEdge* ignored) : Ignored(ignored)
     {
         Waiting.push_back(port);
         while (!Waiting.empty()) {
@@ -92,7 +93,7 @@ private:
         for (int input : linked.Inputs) {
             Mask &= GetPortTypes(TPortRef(port.Node, input));
             TEffectEdge* edge = port.Node->GetInput(input);
-            if (edge != nullptr && Visited.Insert(edge))
+            if (edge != nullptr && edge != Ignored && Visited.Insert(edge))
                 Waiting.push_back(
                     TPortRef(edge->GetSrcNode(),
                              edge->GetSrcNode()->GetNodeType()->GetNumInputs() + edge->GetSrcPort()));
@@ -101,7 +102,7 @@ private:
             Mask &= GetPortTypes(TPortRef(port.Node, numInputs + output));
             for (int i = 0; i < port.Node->GetNumOutputEdges(output); ++i) {
                 TEffectEdge* edge = port.Node->GetOutputEdge(output, i);
-                if (Visited.Insert(edge))
+                if (edge != Ignored && Visited.Insert(edge))
                     Waiting.push_back(TPortRef(edge->GetDstNode(), edge->GetDstPort()));
             }
         }
@@ -113,19 +114,32 @@ private:
                               : type.GetOutput(port.GetOutputIndex()).Type == TY_POLYTYPE;
     }
 
+    const TEffectEdge* Ignored;
     uint32_t Mask = 0xFFFFFFFFu;
     TPointerMap Visited;
     vector<TPortRef> Waiting;
 };
 
-bool CanConnectTypes(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort)
+static bool CanConnectTypes(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort,
+                            const TEffectEdge* ignored)
 {
     const uint32_t outMask =
-        TTypeMask(TPortRef(srcNode, srcNode->GetNodeType()->GetNumInputs() + srcPort)).Get();
-    const uint32_t inMask = TTypeMask(TPortRef(dstNode, dstPort)).Get();
+        TTypeMask(TPortRef(srcNode, srcNode->GetNodeType()->GetNumInputs() + srcPort), ignored).Get();
+    const uint32_t inMask = TTypeMask(TPortRef(dstNode, dstPort), ignored).Get();
     if ((outMask & inMask) != 0)
         return true;
     return CanConvertType(GetSingleType(outMask), GetSingleType(inMask));
+}
+
+bool CanConnectTypes(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort)
+{
+    return CanConnectTypes(srcNode, srcPort, dstNode, dstPort, nullptr);
+}
+
+bool CanConnectWithout(const TEffectEdge* edge, TEffectNode* srcNode, int srcPort, TEffectNode* dstNode,
+                       int dstPort)
+{
+    return !IsAncestor(srcNode, dstNode, edge) && CanConnectTypes(srcNode, srcPort, dstNode, dstPort, edge);
 }
 
 bool CanConnect(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort)
@@ -134,7 +148,7 @@ bool CanConnect(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dst
     const map<TConnectionKey, bool>::iterator it = GetCanConnectCache().find(key);
     if (it != GetCanConnectCache().end())
         return it->second;
-    const bool result = !IsAncestor(srcNode, dstNode) && CanConnectTypes(srcNode, srcPort, dstNode, dstPort);
+    const bool result = CanConnectWithout(nullptr, srcNode, srcPort, dstNode, dstPort);
     GetCanConnectCache().insert(key, result);
     return result;
 }

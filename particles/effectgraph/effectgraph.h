@@ -38,6 +38,9 @@ private:
 
 // Whether a wire between the two ports may be drawn. Answers are kept until nodes or edges come or go.
 bool CanConnect(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort);
+// The same as it would be if the edge were not there; null for the graph as it is. Nothing is kept of it.
+bool CanConnectWithout(const TEffectEdge* edge, TEffectNode* srcNode, int srcPort, TEffectNode* dstNode,
+                       int dstPort);
 // The same without cycles and cache: the types alone.
 bool CanConnectTypes(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort);
 

@@ -250,17 +250,20 @@ float TNodeRampParameter::Evaluate(float x, int dimension) const
     ASSERT(dimension >= 0 && dimension < MaxDimensions);
     const int lock = Locks[dimension];
     const vector<TRampPoint>& curve = Curves[lock >= 0 && lock < MaxDimensions ? lock : dimension];
-    const int count = curve.size();
+    return EvaluateCurve(curve.data(), curve.size(), Linear, x);
+}
+
+float TNodeRampParameter::EvaluateCurve(const TRampPoint* p, int count, bool linear, float x)
+{
     if (count == 0)
         return 0;
-    const TRampPoint* p = curve.data();
     if (x <= p[0].X)
         return p[0].Y;
     if (x >= p[count - 1].X)
         return p[count - 1].Y;
     for (int i = 0; i < count - 3; i += 3)
         if (p[i].X <= x && x < p[i + 3].X)
-            return Linear ? EvaluateLinear(p + i, x) : EvaluateCubic(p + i, x);
+            return linear ? EvaluateLinear(p + i, x) : EvaluateCubic(p + i, x);
     return p[count - 1].Y;
 }
 

@@ -32,6 +32,8 @@ public:
 
     // The curve of a dimension, or of the one it is locked to, at x.
     float Evaluate(float x, int dimension) const;
+    // Of any curve; 0 for one without points.
+    static float EvaluateCurve(const TRampPoint* points, int count, bool linear, float x);
     // The greatest last x of the unlocked dimensions, at least 0.
     float GetLength() const;
 

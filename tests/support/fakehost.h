@@ -9,7 +9,7 @@
 using TNames = std::vector<std::string>;
 
 // Writes down what a document asks of its windows.
-class TFakeHost : public TDocumentHost
+class TFakeHost : public TDocumentHost, public TGraphListener
 {
 public:
     bool CreateParticleWindow(TDocument&) override
@@ -17,9 +17,17 @@ public:
         return Tell("create particle window") && !FailsParticleWindow;
     }
     void ShowParticleWindow(TDocument&) override { Tell("show particle window"); }
-    bool CreateView(TDocument&) override { return Tell("create view") && !FailsView; }
+    bool CreateView(TDocument& document) override
+    {
+        document.SetListener(this);
+        return Tell("create view") && !FailsView;
+    }
     bool NewView(TDocument&) override { return Tell("new view"); }
-    void DeleteWindows(TDocument&) override { Tell("delete windows"); }
+    void DeleteWindows(TDocument& document) override
+    {
+        document.SetListener(nullptr);
+        Tell("delete windows");
+    }
     void OnIdle(TDocument&) override { Tell("idle"); }
     bool OwnsWindow(TWindow* window) override { return window == Window; }
     void OnDrop(TDocument&, TWindow*, int x, int y, const char* path) override
@@ -42,16 +50,10 @@ public:
         EXPECT_TRUE(document.GetSchedule().IsCreated());
         HasSeenEngine = false;
     }
-    void AddNodeObject(TToolNode*) override { ++NodeObjects; }
-    void RemoveNodeObject(TToolNode*) override { --NodeObjects; }
-    void AddEdgeObject(TToolEdge*) override { ++EdgeObjects; }
-    void RemoveEdgeObject(TToolEdge*) override { --EdgeObjects; }
-    void TouchNode(TToolNode*) override {}
-    void RelayoutNode(TToolNode*) override {}
-    void LayoutEdge(TToolEdge*) override {}
-    void UnhookEdge(TToolEdge*) override {}
-    void ForgetNode(TToolNode*) override {}
-    void ForgetEdge(TToolEdge*) override {}
+    void NodeAdded(TToolNode*) override { ++NodeObjects; }
+    void NodeRemoved(TToolNode*) override { --NodeObjects; }
+    void EdgeAdded(TToolEdge*) override { ++EdgeObjects; }
+    void EdgeRemoved(TToolEdge*) override { --EdgeObjects; }
     void GetNodeHalfSize(TToolNode*, int& x, int& y) override
     {
         x = 20;
@@ -136,6 +138,7 @@ public:
     void Cascade() override { Events.push_back("cascade"); }
     TWindow* WindowFromPoint(int, int) override { return UnderPoint; }
     void Quit() override { Events.push_back("quit"); }
+    void EndInput() override { ++NumInputEnds; }
     TNames Taken()
     {
         TNames result;
@@ -144,6 +147,7 @@ public:
     }
 
     TNames Events;
+    int NumInputEnds = 0;
     // The next choice; "" is Cancel.
     std::string Choice;
     TModifiedAnswer Answer = MA_CANCEL;

@@ -8,8 +8,11 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 
 #include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 std::string AssertionOf(const std::function<void()>& work)
 {
@@ -44,6 +47,31 @@ TFakeClock::~TFakeClock()
 void TFakeClock::Set(uint32_t now)
 {
     Now = now;
+}
+
+// The saved user brings the superuser back.
+TNobody::TNobody() : WasSuperuser(getuid() == 0)
+{
+    constexpr uid_t Nobody = 65534;
+    if (WasSuperuser && setresuid(Nobody, Nobody, 0) != 0)
+        throw std::runtime_error("the user cannot be changed");
+}
+
+TNobody::~TNobody()
+{
+    if (WasSuperuser && setresuid(0, 0, 0) != 0)
+        abort();
+}
+
+std::string MakeForeignFile(const std::string& folder)
+{
+    if (getuid() != 0)
+        return "/etc/passwd";
+    const std::string path = folder + "/foreign";
+    WriteBytes(path, "foreign");
+    if (chmod(path.c_str(), 0644) != 0 || chmod(folder.c_str(), 0755) != 0)
+        throw std::runtime_error(path + " cannot be shown to others");
+    return path;
 }
 
 TTempFolder::TTempFolder()

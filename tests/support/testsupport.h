@@ -26,6 +26,22 @@ public:
     void Set(uint32_t now);
 };
 
+// Where the test runs as the superuser, it is somebody without rights while this lives.
+class TNobody
+{
+public:
+    TNobody();
+    ~TNobody();
+    TNobody(const TNobody&) = delete;
+    TNobody& operator=(const TNobody&) = delete;
+
+private:
+    bool WasSuperuser;
+};
+// A file of the superuser's that a TNobody may see and not change: one made in the folder, where the test may
+// do so, or one of the system's.
+std::string MakeForeignFile(const std::string& folder);
+
 // A fresh folder under the system's temporary folder, gone with the object.
 class TTempFolder
 {

@@ -11,6 +11,7 @@
 #include <QtWidgets/QMenu>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include <xcb/xcb.h>
 
@@ -143,6 +144,54 @@ void TWindowTest::MeetMenu(const std::function<void(QMenu&)>& work)
         return menu != nullptr && menu->isVisible() ? menu : nullptr;
     };
     Once([find] { return find() != nullptr; }, [find, work] { work(*find()); });
+}
+
+namespace {
+
+xcb_connection_t* GetConnection()
+{
+    const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return native == nullptr ? nullptr : native->connection();
+}
+
+xcb_window_t GetRootWindow(xcb_connection_t* connection)
+{
+    return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+}
+
+xcb_atom_t GetWorkAreaAtom(xcb_connection_t* connection)
+{
+    static const char Name[] = "_NET_WORKAREA";
+    const auto cookie = xcb_intern_atom(connection, 0, sizeof(Name) - 1, Name);
+    xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(connection, cookie, nullptr);
+    const xcb_atom_t atom = reply != nullptr ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    free(reply);
+    return atom;
+}
+
+} // namespace
+
+TWorkArea::TWorkArea(const QRect& area)
+{
+    xcb_connection_t* connection = GetConnection();
+    if (connection == nullptr)
+        return;
+    const uint32_t values[] = {static_cast<uint32_t>(area.x()), static_cast<uint32_t>(area.y()),
+                               static_cast<uint32_t>(area.width()), static_cast<uint32_t>(area.height())};
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, GetRootWindow(connection),
+                        GetWorkAreaAtom(connection), XCB_ATOM_CARDINAL, 32, 4, values);
+    xcb_flush(connection);
+    Settle();
+}
+
+TWorkArea::~TWorkArea()
+{
+    xcb_connection_t* connection = GetConnection();
+    if (connection == nullptr)
+        return;
+    xcb_delete_property(connection, GetRootWindow(connection), GetWorkAreaAtom(connection));
+    xcb_flush(connection);
+    Settle();
 }
 
 bool WaitFor(const std::function<bool()>& condition)

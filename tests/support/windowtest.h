@@ -33,6 +33,16 @@ private:
     std::vector<QTimer*> Awaited;
 };
 
+// Leaves so much of the screen to the windows, as a desktop with a panel does, while it lives.
+class TWorkArea
+{
+public:
+    explicit TWorkArea(const QRect& area);
+    ~TWorkArea();
+    TWorkArea(const TWorkArea&) = delete;
+    TWorkArea& operator=(const TWorkArea&) = delete;
+};
+
 // Turns the loop until the condition holds; false once the patience is at an end.
 bool WaitFor(const std::function<bool()>& condition);
 // Turns the loop until all has been heard that the window system has to say to what was asked of it, and to

@@ -382,7 +382,7 @@ bool TImage::LoadHvt(const char* path)
     if (offset > static_cast<uint32_t>(bytes.size()))
         return false;
     const uint8_t format = header[24];
-    const uint32_t code = static_cast<uint32_t>(format & 31) << 24 | BigU32(header + 28);
+    const uint32_t code = static_cast<uint32_t>(format & 31) << 24 | (BigU32(header + 28) & 0xFFFFFF);
     const bool linear = (format & HvtLinear) != 0;
     const int64_t pitch = linear ? BigU32(header + 40) : 0;
     return Decode({.Code = code,

@@ -2,6 +2,8 @@
 
 #include "library/containers/assertion.h"
 
+#include <cmath>
+
 // A pane cannot be dragged away altogether.
 static constexpr int SmallestPane = 10;
 
@@ -156,6 +158,32 @@ void TSplitWindow::ShowCursor(int gap)
         Owner->SetCursor(Panes[gap].Vertical ? CU_SPLITY : CU_SPLITX);
 }
 
+bool TSplitWindow::BeginDrag(const TMessage& message)
+{
+    const int gap = FindGap(message.GetPixelX(), message.GetPixelY());
+    if (gap < 0 || TWimp::Get().GetMouseDrag() != nullptr)
+        return false;
+    TArea place;
+    TArea area;
+    GetPlaces(gap, place, area);
+    GrabOffset = Panes[gap].Vertical ? message.GetPixelY() - area.Top : message.GetPixelX() - area.Left;
+    DraggedGap = gap;
+    TWimp::Get().SetMouseDrag(this, *Owner);
+    return true;
+}
+
+void TSplitWindow::OnMouseMove(double x, double y, int buttons)
+{
+    const int pixelX = static_cast<int>(std::floor(x));
+    const int pixelY = static_cast<int>(std::floor(y));
+    DragTo(pixelX, pixelY);
+    if ((buttons & MB_LEFT) != 0)
+        return;
+    DraggedGap = -1;
+    TWimp::Get().ClearMouseDrag();
+    ShowCursor(FindGap(pixelX, pixelY));
+}
+
 bool TSplitWindow::OnMessage(const TMessage& message)
 {
     switch (message.Type) {
@@ -166,31 +194,17 @@ bool TSplitWindow::OnMessage(const TMessage& message)
         if (message.Context != nullptr)
             DrawGaps(*message.Context);
         return false;
-    case MT_LEFTDOWN: {
-        const int gap = FindGap(message.GetPixelX(), message.GetPixelY());
-        if (gap < 0)
-            return false;
-        TArea place;
-        TArea area;
-        GetPlaces(gap, place, area);
-        GrabOffset = Panes[gap].Vertical ? message.GetPixelY() - area.Top : message.GetPixelX() - area.Left;
-        DraggedGap = gap;
-        Owner->SetCapture();
-        return true;
-    }
+    case MT_LEFTDOWN:
+        return BeginDrag(message);
     case MT_MOUSEMOVE:
-        if (DraggedGap >= 0) {
-            DragTo(message.GetPixelX(), message.GetPixelY());
+        if (DraggedGap >= 0)
             return true;
-        }
         ShowCursor(FindGap(message.GetPixelX(), message.GetPixelY()));
         return HoveredGap >= 0;
     case MT_LEFTUP:
         if (DraggedGap < 0)
             return false;
-        DraggedGap = -1;
-        Owner->ReleaseCapture();
-        ShowCursor(FindGap(message.GetPixelX(), message.GetPixelY()));
+        OnMouseMove(message.X, message.Y, message.Buttons & ~MB_LEFT);
         return true;
     case MT_MOUSELEAVE:
         if (DraggedGap < 0)

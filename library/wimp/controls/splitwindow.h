@@ -1,10 +1,11 @@
 #pragma once
 
 #include "library/containers/vector.h"
+#include "library/wimp/wimp.h"
 #include "library/wimp/window.h"
 
 // Divides its owner's client area into panes, with gaps that the user can drag.
-class TSplitWindow
+class TSplitWindow : public TMouseDrag
 {
 public:
     static constexpr int Gap = 4;
@@ -18,6 +19,8 @@ public:
     // Messages of the owner; true if consumed. Painting and a new size are left to the owner as well.
     bool OnMessage(const TMessage& message);
     void Layout();
+    void OnMouseMove(double x, double y, int buttons) override;
+    void OnCaptureLost() override { DraggedGap = -1; }
 
 private:
     struct TPane
@@ -43,6 +46,7 @@ private:
     int GetExtent(int pane, bool vertical) const;
     int FindGap(int x, int y) const;
     void DrawGaps(TGDIContext& context) const;
+    bool BeginDrag(const TMessage& message);
     void DragTo(int x, int y);
     void ShowCursor(int gap);
 

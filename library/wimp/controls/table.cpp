@@ -2,6 +2,8 @@
 
 #include "library/containers/assertion.h"
 
+#include <cmath>
+
 namespace {
 
 constexpr int ColumnWidth = 80;
@@ -175,9 +177,24 @@ int TTable::FindBorder(int x) const
 void TTable::BeginDrag(int column, int x)
 {
     ASSERT_TEXT((Flags & FL_RESIZABLEHEADERS) != 0, "(Flags & FL_RESIZABLEHEADERS) != 0");
+    if (TWimp::Get().GetMouseDrag() != nullptr)
+        return;
     DraggedColumn = column;
     GrabOffset = x - GetColumnEnd(column);
-    Header.SetCapture();
+    TWimp::Get().SetMouseDrag(this, Header);
+}
+
+void TTable::OnMouseMove(double x, double y, int buttons)
+{
+    (void)y;
+    // The columns may have become others meanwhile.
+    if (DraggedColumn >= 0)
+        SetColumnWidth(DraggedColumn, static_cast<int>(std::floor(x)) - GrabOffset -
+                                          (GetColumnEnd(DraggedColumn) - Widths[DraggedColumn]));
+    if (DraggedColumn >= 0 && (buttons & MB_LEFT) != 0)
+        return;
+    DraggedColumn = -1;
+    TWimp::Get().ClearMouseDrag();
 }
 
 bool TTable::OnHeader(const TMessage& message)
@@ -193,15 +210,10 @@ bool TTable::OnHeader(const TMessage& message)
             BeginDrag(FindBorder(message.GetPixelX()), message.GetPixelX());
         return true;
     case MT_MOUSEMOVE:
-        if (DraggedColumn >= 0)
-            SetColumnWidth(DraggedColumn, message.GetPixelX() - GrabOffset -
-                                              (GetColumnEnd(DraggedColumn) - Widths[DraggedColumn]));
-        else
+        if (DraggedColumn < 0)
             Header.SetCursor(resizable && FindBorder(message.GetPixelX()) >= 0 ? CU_SPLITX : CU_CLASS);
         return true;
     case MT_LEFTUP:
-        DraggedColumn = -1;
-        Header.ReleaseCapture();
         return true;
     default:
         return false;

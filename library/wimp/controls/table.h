@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/string.h"
+#include "library/wimp/wimp.h"
 #include "library/wimp/window.h"
 
 // What a table shows. Rows and columns are counted from 0.
@@ -17,7 +18,7 @@ public:
 };
 
 // A grid that is scrolled: a row of headers on top, a column of labels at the left, the cells between them.
-class TTable : public TWindow
+class TTable : public TWindow, public TMouseDrag
 {
 public:
     enum TFlag
@@ -40,6 +41,9 @@ public:
     // The first row that is to be seen.
     int GetFirstRow() const;
     bool OnMessage(const TMessage& message) override;
+    // The border of a column.
+    void OnMouseMove(double x, double y, int buttons) override;
+    void OnCaptureLost() override { DraggedColumn = -1; }
 
 private:
     class TPane : public TWindow

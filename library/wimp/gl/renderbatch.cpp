@@ -106,6 +106,7 @@ void TRenderBatch::Begin(TPrimitive primitive)
     State = TState();
     NumVertices = 0;
     SeesThrough = false;
+    Opaque = false;
     Shades = false;
 }
 
@@ -123,7 +124,7 @@ void TRenderBatch::End()
     TRenderCover::TBox box;
     if (NumVertices < 3 || !GetBox(box))
         return;
-    State.Blended = SeesThrough || State.Program != nullptr;
+    State.Blended = !Opaque && (SeesThrough || State.Program != nullptr);
     State.Shaded = Shades;
     TLayer& layer = FindLayer(box);
     layer.Cover.Add(box);

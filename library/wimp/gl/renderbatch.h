@@ -42,6 +42,8 @@ public:
     // Untextured, or through a fragment program with its first local parameter.
     void Begin(TPrimitive primitive);
     void Begin(TPrimitive primitive, unsigned texture, const TArbProgram& program, const TVector4& local);
+    // The running primitive hides what lies below it, whatever alpha its program gives.
+    void SetOpaque() { Opaque = true; }
     void Vertex(const TVector2& clip, const TVector2& texCoord)
     {
         if (NumVertices == Vertices.size())
@@ -100,6 +102,7 @@ private:
     TState State;
     // Whether it has a vertex that is not opaque, and whether its colour has changed since it began.
     bool SeesThrough = false;
+    bool Opaque = false;
     bool Shades = false;
     TVector4 Colour = TVector4(0, 0, 0, 1);
 

@@ -152,8 +152,7 @@ void TRenderer::DrawObjects(TRenderObject& root)
 
     root.Render(*this);
     CheckGlError();
-    TRenderObject* overlay = TRenderObject::GetOverlay();
-    if (overlay != nullptr && overlay->IsShownUnder(root)) {
+    if (TRenderObject* overlay = TRenderObject::FindOverlay(*this, root)) {
         PushOrigin(overlay->GetAbsolutePosition());
         overlay->Render(*this);
         PopOrigin();
@@ -348,6 +347,9 @@ void TRenderer::DrawTexture(unsigned texture, const TVector2& min, const TVector
                             const TVector4& colour, bool alphaOnly)
 {
     Begin(PR_QUADS, texture, alphaOnly ? GetAlphaTintProgram() : GetTintProgram(), colour);
+    // The grey has its own brightness as alpha: blended, it would come out darker.
+    if (alphaOnly)
+        Batch.SetOpaque();
     Vertex(min, TVector2(0, 1));
     Vertex(TVector2(max[0], min[1]), TVector2(1, 1));
     Vertex(max, TVector2(1, 0));

@@ -37,18 +37,29 @@ struct TRoute
     TRoute* Outer;
 };
 
+struct TTickEntry
+{
+    TRenderObject* Object;
+    // Null for the one that the object finds.
+    TRenderer* View;
+};
+
 struct TRouting
 {
     TRenderObject* HoverObject = nullptr;
     TRenderObject* FocusObject = nullptr;
     TRenderObject* CaptureObject = nullptr;
     TRenderObject* OverlayObject = nullptr;
+    // The views that these belong to; null for all.
+    TRenderer* FocusView = nullptr;
+    TRenderer* CaptureView = nullptr;
+    TRenderer* OverlayView = nullptr;
     TVector2 Pointer = TVector2(0, 0);
     TVector2 LastPointer = TVector2(0, 0);
     TRenderWindow* FocusWindow = nullptr;
     int KeyFlags = 0;
     TRoute* Route = nullptr;
-    vector<TRenderObject*> Ticks;
+    vector<TTickEntry> Ticks;
     TObjectWatch* Watches = nullptr;
 };
 
@@ -108,6 +119,14 @@ int GetKeyFlag(int key)
     if (key == KEY_SHIFT)
         return KF_SHIFT;
     return key == KEY_CTRL ? KF_CTRL : 0;
+}
+
+TTickEntry* FindTick(const TRenderObject* object)
+{
+    for (TTickEntry& entry : GetRouting().Ticks)
+        if (entry.Object == object)
+            return &entry;
+    return nullptr;
 }
 
 void StopHoverTimer(TRenderer& renderer)
@@ -205,13 +224,21 @@ void TRenderObject::LoseInput()
     const TRouting& routing = GetRouting();
     if (routing.CaptureObject != nullptr && routing.CaptureObject->IsIn(*this))
         ReleaseCapture();
+    if (routing.OverlayObject != nullptr && routing.OverlayObject->IsIn(*this))
+        SetOverlay(nullptr);
     if (routing.FocusObject != nullptr && routing.FocusObject->IsIn(*this))
         SetFocus(FindInputHome(Parent));
+    LoseHover();
 }
 
-bool TRenderObject::IsShownUnder(const TRenderObject& root) const
+// The pointer rests on something else now, which will hear of it with the next move.
+void TRenderObject::LoseHover()
 {
-    return Parent == nullptr || GetTop() == root.GetTop();
+    TRenderObject* hover = GetRouting().HoverObject;
+    if (hover == nullptr || !hover->IsIn(*this))
+        return;
+    GetRouting().HoverObject = nullptr;
+    Send(hover, RE_LEAVE);
 }
 
 bool TRenderObject::Route(TRenderer& renderer, TRenderObject& root, const TMessage& message)
@@ -233,7 +260,7 @@ bool TRenderObject::Dispatch(TRenderer& renderer, TRenderObject& root, const TMe
     case MT_LEFTUP:
         return RouteButton(renderer, root, message, RE_LEFTUP);
     case MT_WHEEL:
-        return SendToFocus(root, RE_WHEEL, message.Delta);
+        return SendToFocus(renderer, root, RE_WHEEL, message.Delta);
     case MT_TIMER:
         if (message.Timer != HoverTimer)
             return false;
@@ -247,24 +274,46 @@ bool TRenderObject::Dispatch(TRenderer& renderer, TRenderObject& root, const TMe
         RouteFocusGained(renderer, root);
         return false;
     case MT_KEYDOWN:
-        return RouteKeyDown(root, message.Key);
+        return RouteKeyDown(renderer, root, message.Key);
     case MT_KEYUP:
         RouteKeyUp(message.Key);
         return false;
     case MT_CHAR:
-        return SendToFocus(root, RE_CHARACTER, static_cast<int>(message.Character));
+        return SendToFocus(renderer, root, RE_CHARACTER, static_cast<int>(message.Character));
     default:
         return false;
     }
 }
 
-// The object that hears of the pointer at a world place, or null.
-TRenderObject* TRenderObject::FindTarget(TRenderObject& root, const TVector2& point)
+TRenderObject* TRenderObject::FindOverlay(const TRenderer& renderer, const TRenderObject& root)
 {
-    TRenderObject* capture = GetRouting().CaptureObject;
-    if (capture != nullptr && capture->Contains(point - capture->GetAbsolutePosition()))
+    const TRouting& routing = GetRouting();
+    TRenderObject* overlay = routing.OverlayObject;
+    if (overlay == nullptr || (routing.OverlayView != nullptr && routing.OverlayView != &renderer))
+        return nullptr;
+    return overlay->Parent == nullptr || overlay->GetTop() == root.GetTop() ? overlay : nullptr;
+}
+
+// What of the overlay is at a world place, or null.
+TRenderObject* TRenderObject::FindOverlayTarget(TRenderer& renderer, TRenderObject& root,
+                                                const TVector2& point)
+{
+    TRenderObject* overlay = FindOverlay(renderer, root);
+    if (overlay == nullptr)
+        return nullptr;
+    return overlay->HitTest(point - overlay->GetAbsolutePosition() + overlay->Origin);
+}
+
+// The object that hears of the pointer at a world place, or null.
+TRenderObject* TRenderObject::FindTarget(TRenderer& renderer, TRenderObject& root, const TVector2& point)
+{
+    const TRouting& routing = GetRouting();
+    TRenderObject* capture = routing.CaptureObject;
+    if (capture != nullptr && (routing.CaptureView == nullptr || routing.CaptureView == &renderer) &&
+        capture->Contains(point - capture->GetAbsolutePosition()))
         return capture;
-    return root.HitTest(point);
+    TRenderObject* overlay = FindOverlayTarget(renderer, root, point);
+    return overlay != nullptr ? overlay : root.HitTest(point);
 }
 
 bool TRenderObject::Send(TRenderObject* object, int code, int detail)
@@ -279,11 +328,13 @@ bool TRenderObject::Send(TRenderObject* object, int code, int detail)
     return object->Event(event);
 }
 
-// What is typed into one view never reaches an object of another's tree.
-bool TRenderObject::SendToFocus(TRenderObject& root, int code, int detail)
+// What is typed into one view never reaches what has the focus in another.
+bool TRenderObject::SendToFocus(TRenderer& renderer, TRenderObject& root, int code, int detail)
 {
-    TRenderObject* focus = GetRouting().FocusObject;
-    if (focus == nullptr || focus->GetTop() != root.GetTop())
+    const TRouting& routing = GetRouting();
+    TRenderObject* focus = routing.FocusObject;
+    if (focus == nullptr || focus->GetTop() != root.GetTop() ||
+        (routing.FocusView != nullptr && routing.FocusView != &renderer))
         return false;
     return Send(focus, code, detail);
 }
@@ -293,7 +344,7 @@ bool TRenderObject::RouteMove(TRenderer& renderer, TRenderObject& root, const TM
     TRouting& routing = GetRouting();
     routing.LastPointer = routing.Pointer;
     routing.Pointer = renderer.PixelToWorld(message.X, message.Y);
-    TObjectWatch target(FindTarget(root, routing.Pointer));
+    TObjectWatch target(FindTarget(renderer, root, routing.Pointer));
     if (target.Object == nullptr) {
         StopHoverTimer(renderer);
     } else if (renderer.GetWindow() != nullptr) {
@@ -323,13 +374,17 @@ bool TRenderObject::RouteButton(TRenderer& renderer, TRenderObject& root, const 
     TRouting& routing = GetRouting();
     routing.LastPointer = routing.Pointer;
     routing.Pointer = renderer.PixelToWorld(message.X, message.Y);
-    return Send(FindTarget(root, routing.Pointer), code);
+    if (code == RE_LEFTDOWN && routing.OverlayObject != nullptr &&
+        FindOverlayTarget(renderer, root, routing.Pointer) == nullptr &&
+        Send(routing.OverlayObject, RE_PRESSEDOUTSIDE))
+        return true;
+    return Send(FindTarget(renderer, root, routing.Pointer), code);
 }
 
-bool TRenderObject::RouteKeyDown(TRenderObject& root, int key)
+bool TRenderObject::RouteKeyDown(TRenderer& renderer, TRenderObject& root, int key)
 {
     GetRouting().KeyFlags |= GetKeyFlag(key);
-    return IsNavigationKey(key) && SendToFocus(root, RE_KEY, key);
+    return IsNavigationKey(key) && SendToFocus(renderer, root, RE_KEY, key);
 }
 
 void TRenderObject::RouteKeyUp(int key)
@@ -344,14 +399,15 @@ void TRenderObject::RouteFocusLost(TRenderer& renderer, TRenderObject& root)
     if (routing.FocusWindow != nullptr && routing.FocusWindow != renderer.GetWindow())
         return;
     routing.KeyFlags = 0;
-    SendToFocus(root, RE_FOCUSLOST, 0);
+    SendToFocus(renderer, root, RE_FOCUSLOST, 0);
     routing.FocusWindow = nullptr;
 }
 
 void TRenderObject::RouteFocusGained(TRenderer& renderer, TRenderObject& root)
 {
     TRouting& routing = GetRouting();
-    if (routing.FocusObject != nullptr && routing.FocusObject->GetTop() == root.GetTop())
+    if (routing.FocusObject != nullptr && routing.FocusObject->GetTop() == root.GetTop() &&
+        (routing.FocusView == nullptr || routing.FocusView == &renderer))
         routing.FocusWindow = renderer.GetWindow();
 }
 
@@ -359,10 +415,15 @@ void TRenderObject::SetFocus(TRenderObject* object, TRenderer* renderer)
 {
     TRouting& routing = GetRouting();
     TRenderWindow* window = renderer != nullptr ? renderer->GetWindow() : nullptr;
-    if (object == routing.FocusObject && (object == nullptr || window == nullptr || window->HasFocus()))
+    const bool isSameView = renderer == nullptr || renderer == routing.FocusView;
+    if (object == routing.FocusObject && isSameView &&
+        (object == nullptr || window == nullptr || window->HasFocus()))
         return;
     // Stored before the old one is told, as what that does may take the new one away again.
     TRenderObject* before = routing.FocusObject;
+    const bool staysInView = before != nullptr && object != nullptr && before->GetTop() == object->GetTop();
+    if (renderer != nullptr || !staysInView)
+        routing.FocusView = object != nullptr ? renderer : nullptr;
     routing.FocusObject = object;
     routing.KeyFlags = 0;
     Send(before, RE_FOCUSLOST);
@@ -377,6 +438,7 @@ void TRenderObject::SetFocus(TRenderObject* object, TRenderer* renderer)
 void TRenderObject::SetCapture(TRenderObject* object)
 {
     GetRouting().CaptureObject = object;
+    GetRouting().CaptureView = GetRenderer();
 }
 
 void TRenderObject::ReleaseCapture()
@@ -384,9 +446,10 @@ void TRenderObject::ReleaseCapture()
     GetRouting().CaptureObject = nullptr;
 }
 
-void TRenderObject::SetOverlay(TRenderObject* object)
+void TRenderObject::SetOverlay(TRenderObject* object, TRenderer* renderer)
 {
     GetRouting().OverlayObject = object;
+    GetRouting().OverlayView = renderer;
 }
 
 TRenderObject* TRenderObject::GetHover()
@@ -397,6 +460,11 @@ TRenderObject* TRenderObject::GetHover()
 TRenderObject* TRenderObject::GetFocus()
 {
     return GetRouting().FocusObject;
+}
+
+TRenderer* TRenderObject::GetFocusView()
+{
+    return GetRouting().FocusView;
 }
 
 TRenderObject* TRenderObject::GetCapture()
@@ -436,21 +504,36 @@ void TRenderObject::ForgetRenderer(const TRenderer* renderer)
     TRouting& routing = GetRouting();
     if (renderer->GetWindow() != nullptr && routing.FocusWindow == renderer->GetWindow())
         routing.FocusWindow = nullptr;
+    for (TTickEntry& entry : routing.Ticks)
+        if (entry.View == renderer)
+            entry.View = nullptr;
+    if (routing.OverlayView == renderer)
+        SetOverlay(nullptr);
+    if (routing.CaptureView == renderer) {
+        ReleaseCapture();
+        routing.CaptureView = nullptr;
+    }
+    if (routing.FocusView == renderer) {
+        // What was typed there goes with the view: the object is not told.
+        routing.FocusObject = FindInputHome(routing.FocusObject);
+        routing.FocusView = nullptr;
+    }
 }
 
 void TRenderObject::AddTick(TRenderObject* object)
 {
-    vector<TRenderObject*>& ticks = GetRouting().Ticks;
-    if (ticks.index_of(object) < 0)
-        ticks.push_back(object);
+    if (TTickEntry* entry = FindTick(object)) {
+        if (GetRenderer() != nullptr)
+            entry->View = GetRenderer();
+        return;
+    }
+    GetRouting().Ticks.push_back(TTickEntry{object, GetRenderer()});
 }
 
 void TRenderObject::RemoveTick(TRenderObject* object)
 {
-    vector<TRenderObject*>& ticks = GetRouting().Ticks;
-    const int at = ticks.index_of(object);
-    if (at >= 0)
-        ticks.erase(ticks.begin() + at);
+    if (TTickEntry* entry = FindTick(object))
+        GetRouting().Ticks.erase(entry);
 }
 
 bool TRenderObject::HasTicks()
@@ -460,9 +543,13 @@ bool TRenderObject::HasTicks()
 
 void TRenderObject::RunTicks(TRenderer* renderer)
 {
-    const vector<TRenderObject*> ticked = GetRouting().Ticks;
-    // One object's tick may delete another.
-    for (TRenderObject* object : ticked)
-        if (GetRouting().Ticks.index_of(object) >= 0)
-            object->Tick(renderer);
+    const vector<TTickEntry> ticked = GetRouting().Ticks;
+    for (const TTickEntry& entry : ticked) {
+        // One object's tick may delete another, or a view.
+        const TTickEntry* now = FindTick(entry.Object);
+        if (now == nullptr)
+            continue;
+        TRenderer* view = now->View != nullptr ? now->View : entry.Object->FindView();
+        entry.Object->Tick(view != nullptr ? view : renderer);
+    }
 }

@@ -28,7 +28,9 @@ enum TRenderEventCode
     RE_NODEREFRESH = 17,
     RE_NODEDRAG = 26,
     RE_PORTDRAG = 27,
-    RE_RELAYOUT = 28
+    RE_RELAYOUT = 28,
+    // To the overlay: the left button went down anywhere but on it. Consumed, nothing else hears of it.
+    RE_PRESSEDOUTSIDE = 29
 };
 
 struct TRenderEvent
@@ -43,7 +45,8 @@ struct TRenderEvent
 
 // Anything that is drawn in a graph view and hears of input there. Its place, Origin, is relative to its
 // parent's. The routing state (hover, focus, capture, overlay) is one for the program and never points at an
-// object that has gone.
+// object that has gone. Focus, capture and overlay belong to the view that they began in: other views of the
+// same objects neither draw the overlay nor send the focus their keys.
 class TRenderObject : public TRegistered<TRenderObject>
 {
 public:
@@ -75,28 +78,39 @@ public:
     const TRenderObject* GetTop() const;
     // Whether this is the object or stands somewhere below it.
     bool IsIn(const TRenderObject& object) const;
+    // A view that shows the object; null for none.
+    virtual TRenderer* FindView() const { return Parent != nullptr ? Parent->FindView() : nullptr; }
     // Whether the object takes over what one below it loses by going: the focus.
     virtual bool IsInputHome() const { return false; }
+    // Whether the Tab key stays among the fields below the object.
+    virtual bool IsFieldPanel() const { return false; }
     // For an object that is hidden, which leaving its container does by itself: what has the focus in it
-    // gives it to the nearest home above, if there is one, and a capture in it ends. The keyboard stays with
-    // the window that has it.
+    // gives it to the nearest home above, if there is one, in the view that had it; a capture in it ends, an
+    // overlay goes, and the pointer leaves it. The keyboard stays with the window that has it.
     void LoseInput();
-    // Whether an overlay is to be seen in a view of the root: if it belongs to that tree, or to none.
-    bool IsShownUnder(const TRenderObject& root) const;
 
     // Hands a window's message to the objects under the root; true if one consumed it. The renderer must be
     // that of the window.
     static bool Route(TRenderer& renderer, TRenderObject& root, const TMessage& message);
     // The focused object gets keys and characters; null for none. The renderer is that of the view that gets
-    // the keyboard along; without one the keyboard stays with the window that has it.
+    // the keyboard along; without one the keyboard stays with the window that has it, and the focus with the
+    // view that had it, if the new object is shown there too.
     static void SetFocus(TRenderObject* object, TRenderer* renderer = nullptr);
+    // In the view whose message is being routed; outside of that, in all views.
     static void SetCapture(TRenderObject* object);
     static void ReleaseCapture();
-    static void SetOverlay(TRenderObject* object);
+    // Drawn above everything in the view of the renderer, and hit there before everything; null for none. Of
+    // presses elsewhere, in any view, it hears first. Without a renderer it is in all views of its tree. It
+    // ends by itself when the object or the view goes, or the object is hidden.
+    static void SetOverlay(TRenderObject* object, TRenderer* renderer = nullptr);
     static TRenderObject* GetHover();
     static TRenderObject* GetFocus();
+    // The view that the focus belongs to; null for none, or for all that show it.
+    static TRenderer* GetFocusView();
     static TRenderObject* GetCapture();
     static TRenderObject* GetOverlay();
+    // The overlay if it is to be seen in the view, which shows the root; otherwise null.
+    static TRenderObject* FindOverlay(const TRenderer& renderer, const TRenderObject& root);
     // The renderer of the view whose message is being routed; null for none, or once it has gone.
     static TRenderer* GetRenderer();
     // World places of the pointer, of the last and the last but one move.
@@ -107,10 +121,12 @@ public:
     // The renderer and its window are about to go.
     static void ForgetRenderer(const TRenderer* renderer);
 
+    // In the view whose message is being routed; outside of that, in the one that FindView tells.
     static void AddTick(TRenderObject* object);
     static void RemoveTick(TRenderObject* object);
     static bool HasTicks();
-    // Once per idle pass. Objects may remove themselves meanwhile.
+    // Once per idle pass. Objects may remove themselves meanwhile. The renderer is for those that have no
+    // view of their own.
     static void RunTicks(TRenderer* renderer);
 
 protected:
@@ -124,14 +140,16 @@ private:
     friend class TRenderObjects;
 
     bool Contains(const TVector2& point);
+    void LoseHover();
     static TRenderObject* FindInputHome(TRenderObject* object);
-    static TRenderObject* FindTarget(TRenderObject& root, const TVector2& point);
+    static TRenderObject* FindOverlayTarget(TRenderer& renderer, TRenderObject& root, const TVector2& point);
+    static TRenderObject* FindTarget(TRenderer& renderer, TRenderObject& root, const TVector2& point);
     static bool Send(TRenderObject* object, int code, int detail = 0);
-    static bool SendToFocus(TRenderObject& root, int code, int detail);
+    static bool SendToFocus(TRenderer& renderer, TRenderObject& root, int code, int detail);
     static bool RouteMove(TRenderer& renderer, TRenderObject& root, const TMessage& message);
     static void RouteLeave(TRenderer& renderer);
     static bool RouteButton(TRenderer& renderer, TRenderObject& root, const TMessage& message, int code);
-    static bool RouteKeyDown(TRenderObject& root, int key);
+    static bool RouteKeyDown(TRenderer& renderer, TRenderObject& root, int key);
     static void RouteKeyUp(int key);
     static void RouteFocusLost(TRenderer& renderer, TRenderObject& root);
     static void RouteFocusGained(TRenderer& renderer, TRenderObject& root);

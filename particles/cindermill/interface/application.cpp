@@ -3,6 +3,8 @@
 #include "library/system/message.h"
 #include "library/wimp/dialog.h"
 #include "library/wimp/filechooser.h"
+#include "particles/cindermill/interface/controls/controls.h"
+#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/errordialog.h"
@@ -29,6 +31,7 @@ TApplication::TApplication() : App(OpenSettingsStore(), this)
     InstallMessageForms();
     InstallErrorDialog();
     RegisterDisplayClasses();
+    RegisterControlClasses();
     App.GetResourceLocator().SetHost(&ResourceDialog);
 }
 
@@ -141,6 +144,16 @@ void TApplication::Cascade()
 TWindow* TApplication::WindowFromPoint(int x, int y)
 {
     return TWindow::FromPoint(x, y);
+}
+
+void TApplication::EndInput()
+{
+    TTextEdit::EndFocusedInput();
+}
+
+void TApplication::RunTicks()
+{
+    TRenderObject::RunTicks(nullptr);
 }
 
 void TApplication::Quit()

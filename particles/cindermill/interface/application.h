@@ -35,6 +35,8 @@ public:
     void FocusAll(TDocWindow& window) override;
     void Cascade() override;
     TWindow* WindowFromPoint(int x, int y) override;
+    void EndInput() override;
+    void RunTicks() override;
     void Quit() override;
 
 private:

@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/documentwindows.h"
 
 #include "library/system/path.h"
+#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/particles/particlewindow.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -70,7 +71,9 @@ void TDocumentWindows::CloseView(TDocWindow* window)
     }
     TDocWindow** it = Windows.find(window);
     ASSERT_TEXT(it != Windows.end(), "it != Windows.end()");
-    Scene->GetCanvas().CancelDrag();
+    Scene->CancelDrags();
+    if (TRenderObject::GetFocusView() == &window->GetGraph().GetRenderer())
+        TTextEdit::DropFocusedInput();
     Windows.erase(it);
     if (app.GetActiveDocWindow() == window)
         Windows.back()->Activate();
@@ -90,7 +93,7 @@ void TDocumentWindows::DeleteWindows(TDocument&)
 {
     TCindermillApp& app = TCindermillApp::Get();
     if (Scene != nullptr)
-        Scene->GetCanvas().CancelDrag();
+        Scene->CancelDrags();
     while (!Windows.empty()) {
         TDocWindow* window = Windows.back();
         Windows.pop_back();
@@ -107,8 +110,6 @@ void TDocumentWindows::DeleteWindows(TDocument&)
 
 void TDocumentWindows::OnIdle(TDocument&)
 {
-    if (!Windows.empty())
-        TRenderObject::RunTicks(&Windows[0]->GetGraph().GetRenderer());
     for (TDocWindow* window : Windows)
         window->GetGraph().OnIdle();
     if (ParticleWindow != nullptr)
@@ -179,72 +180,6 @@ void TDocumentWindows::ScheduleChanged(TDocument&)
 // The preview asks the document for its engine in every frame.
 void TDocumentWindows::EngineGoes(TDocument&) {}
 
-void TDocumentWindows::AddNodeObject(TToolNode* node)
-{
-    Scene->AddNode(node);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::RemoveNodeObject(TToolNode* node)
-{
-    Scene->RemoveNode(node);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::AddEdgeObject(TToolEdge* edge)
-{
-    Scene->AddEdge(edge);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::RemoveEdgeObject(TToolEdge* edge)
-{
-    Scene->RemoveEdge(edge);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::TouchNode(TToolNode* node)
-{
-    Scene->TouchNode(node);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::RelayoutNode(TToolNode* node)
-{
-    Scene->RelayoutNode(node);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::LayoutEdge(TToolEdge* edge)
-{
-    Scene->LayoutEdge(edge);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::UnhookEdge(TToolEdge* edge)
-{
-    Scene->UnhookEdge(edge);
-    RedrawGraphs();
-}
-
-void TDocumentWindows::GetNodeHalfSize(TToolNode* node, int& x, int& y)
-{
-    Scene->GetNodeHalfSize(node, x, y);
-}
-
-// The last nodes and edges go with the document, after its windows.
-void TDocumentWindows::ForgetNode(TToolNode* node)
-{
-    if (Scene != nullptr)
-        Scene->ForgetNode(node);
-}
-
-void TDocumentWindows::ForgetEdge(TToolEdge* edge)
-{
-    if (Scene != nullptr)
-        Scene->ForgetEdge(edge);
-}
-
 void TDocumentWindows::RedrawGraphs()
 {
     for (TDocWindow* window : Windows)
@@ -267,16 +202,32 @@ void TDocumentWindows::EdgeScroll(TRenderer& renderer, double x, double y)
 
 void TDocumentWindows::BeginDrag(TRenderer& renderer, TMouseDrag& drag)
 {
-    if (TGraphWindow* graph = FindGraph(renderer)) {
-        graph->StopFocus();
-        graph->SetCapture();
-    }
-    TWimp::Get().SetMouseDrag(&drag);
+    TGraphWindow* graph = FindGraph(renderer);
+    ASSERT(graph != nullptr);
+    graph->StopFocus();
+    TWimp::Get().SetMouseDrag(&drag, *graph);
 }
 
-void TDocumentWindows::EndDrag(TRenderer& renderer)
+void TDocumentWindows::EndDrag(TRenderer&)
 {
     TWimp::Get().ClearMouseDrag();
-    if (TGraphWindow* graph = FindGraph(renderer))
-        graph->ReleaseCapture();
+}
+
+void TDocumentWindows::ShowHelp(const char* text, const TVector2& point)
+{
+    Scene->GetHelp().Show(text, point);
+    RedrawGraphs();
+}
+
+void TDocumentWindows::ShowPointer(TRenderObject& object, TPointerShape shape)
+{
+    TRenderer* renderer = TRenderObject::GetRenderer();
+    TGraphWindow* graph = renderer != nullptr ? FindGraph(*renderer) : nullptr;
+    if (graph != nullptr)
+        graph->ShowPointer(object, shape);
+}
+
+TRenderer* TDocumentWindows::GetView()
+{
+    return Windows.empty() ? nullptr : &Windows[0]->GetGraph().GetRenderer();
 }

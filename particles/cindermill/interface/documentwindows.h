@@ -34,23 +34,15 @@ public:
     void RedrawWindows(TDocument& document) override;
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
-    void AddNodeObject(TToolNode* node) override;
-    void RemoveNodeObject(TToolNode* node) override;
-    void AddEdgeObject(TToolEdge* edge) override;
-    void RemoveEdgeObject(TToolEdge* edge) override;
-    void TouchNode(TToolNode* node) override;
-    void RelayoutNode(TToolNode* node) override;
-    void LayoutEdge(TToolEdge* edge) override;
-    void UnhookEdge(TToolEdge* edge) override;
-    void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
-    void ForgetNode(TToolNode* node) override;
-    void ForgetEdge(TToolEdge* edge) override;
 
     // The graph's render objects'.
     void RedrawGraphs() override;
     void EdgeScroll(TRenderer& renderer, double x, double y) override;
     void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override;
     void EndDrag(TRenderer& renderer) override;
+    void ShowHelp(const char* text, const TVector2& point) override;
+    void ShowPointer(TRenderObject& object, TPointerShape shape) override;
+    TRenderer* GetView() override;
 
     // A view's close box. The last view closes the document, if the user agrees; neither the window nor these
     // windows may be touched afterwards.

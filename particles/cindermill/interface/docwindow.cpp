@@ -126,8 +126,7 @@ void TDocWindow::BeginTypeDrag(const TNodeType& type)
         return;
     DragType = &type;
     Graph.BuildGhost(type);
-    SetCapture();
-    TWimp::Get().SetMouseDrag(this);
+    TWimp::Get().SetMouseDrag(this, *this);
     ShowCursor(CU_DROP);
 }
 
@@ -139,7 +138,6 @@ void TDocWindow::CancelDrag()
     TWimp::Get().ClearMouseDrag();
     ShowCursor(CU_CLASS);
     Graph.HideGhost();
-    ReleaseCapture();
 }
 
 bool TDocWindow::CancelAnyDrag()
@@ -148,13 +146,7 @@ bool TDocWindow::CancelAnyDrag()
         CancelDrag();
         return true;
     }
-    TGraphCanvas& canvas = Windows.GetScene().GetCanvas();
-    if (Graph.CancelDrag())
-        return true;
-    if (!canvas.IsDragging())
-        return false;
-    canvas.CancelDrag();
-    return true;
+    return Graph.CancelDrag() || Windows.GetScene().CancelDrags();
 }
 
 void TDocWindow::ShowCursor(TCursor cursor)

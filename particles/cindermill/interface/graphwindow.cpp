@@ -6,9 +6,13 @@
 #include "particles/cindermill/graph/operations/rampchangepointsop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/animationramp.h"
+#include "particles/cindermill/interface/controls/animationparametercontrols.h"
+#include "particles/cindermill/interface/controls/nodeparametercontrols.h"
+#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/interface/valuemenu.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
@@ -46,13 +50,36 @@ int GetPanMask()
     return button >= 0 && button < NumMasks ? Masks[button] : 0;
 }
 
-// Text being typed wants the keys of the clipboard for itself.
-bool IsTyping()
+TCursor GetPointer(TPointerShape shape)
 {
-    const TRenderObject* focus = TRenderObject::GetFocus();
-    const int textEdit = FindClassByName("TTextEdit");
-    const int kind = focus != nullptr ? FindClassByNameID(focus->GetClassId()) : -1;
-    return kind != -1 && textEdit != -1 && IsClassA(kind, textEdit);
+    switch (shape) {
+    case PS_TEXT:
+        return CU_TEXT;
+    case PS_UPDOWN:
+        return CU_UPDOWN;
+    case PS_SCRUB:
+        return CU_SCRUB;
+    case PS_HAND:
+        return CU_FINGER;
+    default:
+        return CU_CLASS;
+    }
+}
+
+// Whether it ends the help line, beside what the drawing hears of.
+bool IsInput(const TMessage& message)
+{
+    switch (message.Type) {
+    case MT_LEFTDOWN:
+    case MT_MIDDLEDOWN:
+    case MT_RIGHTDOWN:
+    case MT_WHEEL:
+    case MT_KEYDOWN:
+    case MT_CHAR:
+        return true;
+    default:
+        return false;
+    }
 }
 
 // What an edit would change under a running drag is the drag's.
@@ -67,7 +94,7 @@ TGraphWindow::TGraphWindow() : Shortcuts(this) {}
 
 TGraphWindow::~TGraphWindow()
 {
-    CancelDrag();
+    TWimp::Get().LoseMouseDragIn(*this);
     HideGhost();
 }
 
@@ -98,8 +125,8 @@ TGraphScene& TGraphWindow::GetScene() const
 void TGraphWindow::AddShortcuts()
 {
     static constexpr int Files[] = {'S' | SM_CTRL, 'S' | SM_CTRL | SM_SHIFT, 'O' | SM_CTRL, 'N' | SM_CTRL};
-    static constexpr int Edits[] = {'Z' | SM_CTRL, 'Y' | SM_CTRL, 'C' | SM_CTRL,           'V' | SM_CTRL,
-                                    'X' | SM_CTRL, 'F' | SM_CTRL, 'F' | SM_CTRL | SM_SHIFT};
+    static constexpr int Edits[] = {'Z' | SM_CTRL, 'Y' | SM_CTRL, 'C' | SM_CTRL, 'V' | SM_CTRL,
+                                    'X' | SM_CTRL, 'A' | SM_CTRL, 'F' | SM_CTRL, 'F' | SM_CTRL | SM_SHIFT};
     for (const int code : Files)
         Shortcuts.Add(
             code, [](int key, void* view) { return static_cast<TGraphWindow*>(view)->OnFileShortcut(key); });
@@ -132,12 +159,16 @@ bool TGraphWindow::OnFileShortcut(int code)
 bool TGraphWindow::OnEditShortcut(int code)
 {
     TDocument& document = GetDocument();
+    TTextEdit* edit = GetTextEdit();
+    if (edit != nullptr && OnTextShortcut(*edit, code))
+        return true;
     switch (code) {
     case 'Z' | SM_CTRL:
         if (CanEdit() && document.CanUndo())
             document.Undo();
         return true;
     case 'Y' | SM_CTRL:
+        TTextEdit::EndFocusedInput();
         if (CanEdit() && document.CanRedo())
             document.Redo();
         return true;
@@ -154,8 +185,6 @@ bool TGraphWindow::OnEditShortcut(int code)
 
 bool TGraphWindow::OnClipboardShortcut(int code)
 {
-    if (IsTyping())
-        return false;
     TDocument& document = GetDocument();
     if (code == ('C' | SM_CTRL))
         document.CopySelection();
@@ -163,12 +192,58 @@ bool TGraphWindow::OnClipboardShortcut(int code)
         document.Paste();
     else if (code == ('X' | SM_CTRL) && CanEdit())
         document.CutSelection();
+    else
+        return false;
     return true;
+}
+
+// The edit that has the focus in this view, or null.
+TTextEdit* TGraphWindow::GetTextEdit() const
+{
+    const TRenderer* view = TRenderObject::GetFocusView();
+    TTextEdit* edit = TTextEdit::GetFocused();
+    if (edit == nullptr || edit->GetTop() != &GetScene().GetRoot() || (view != nullptr && view != &Renderer))
+        return nullptr;
+    return edit;
+}
+
+// While text is typed, the keys of the clipboard are the text's, and what was typed is the first to be
+// undone.
+bool TGraphWindow::OnTextShortcut(TTextEdit& edit, int code)
+{
+    switch (code) {
+    case 'A' | SM_CTRL:
+        edit.SelectAll();
+        return true;
+    case 'C' | SM_CTRL:
+        edit.Copy();
+        return true;
+    case 'V' | SM_CTRL:
+        edit.Paste();
+        return true;
+    case 'X' | SM_CTRL:
+        edit.Cut();
+        return true;
+    case 'Z' | SM_CTRL:
+        if (!edit.IsEdited())
+            return false;
+        edit.Revert();
+        return true;
+    default:
+        return false;
+    }
 }
 
 bool TGraphWindow::OnMessage(const TMessage& message)
 {
-    if (TRenderObject::Route(Renderer, GetScene().GetRoot(), message))
+    // Whatever has the focus: it is the drag that is given up.
+    if (message.Type == MT_KEYDOWN && message.Key == KEY_ESCAPE && TWimp::Get().GetMouseDrag() != nullptr)
+        return OnEscape();
+    HideHelp(message);
+    const bool consumed = TRenderObject::Route(Renderer, GetScene().GetRoot(), message);
+    if (message.Type == MT_MOUSEMOVE || message.Type == MT_MOUSELEAVE)
+        UpdatePointer();
+    if (consumed)
         return true;
     switch (message.Type) {
     case MT_PAINT:
@@ -207,11 +282,34 @@ bool TGraphWindow::OnMessage(const TMessage& message)
 void TGraphWindow::OnFocus()
 {
     DocWindow->Activate();
-    const TRenderObject* top = TRenderObject::GetFocus();
-    while (top != nullptr && top->GetParent() != nullptr)
-        top = top->GetParent();
-    if (top != &GetScene().GetRoot())
-        TRenderObject::SetFocus(&GetScene().GetRoot(), &Renderer);
+    TRenderObject& root = GetScene().GetRoot();
+    const TRenderObject* focus = TRenderObject::GetFocus();
+    const TRenderer* view = TRenderObject::GetFocusView();
+    if (focus == nullptr || focus->GetTop() != &root || (view != nullptr && view != &Renderer))
+        TRenderObject::SetFocus(&root, &Renderer);
+}
+
+void TGraphWindow::HideHelp(const TMessage& message)
+{
+    if (IsInput(message) && GetScene().GetHelp().Hide())
+        DocWindow->GetWindows().RedrawGraphs();
+}
+
+void TGraphWindow::ShowPointer(TRenderObject& object, TPointerShape shape)
+{
+    PointerObject = shape != PS_NORMAL ? &object : nullptr;
+    SetCursor(GetPointer(shape));
+}
+
+// The shape goes with the object that asked for it, but not in the middle of a drag.
+void TGraphWindow::UpdatePointer()
+{
+    if (PointerObject == nullptr || TWimp::Get().GetMouseDrag() != nullptr)
+        return;
+    if (TRenderObject::GetHover() == PointerObject)
+        return;
+    PointerObject = nullptr;
+    SetCursor(CU_CLASS);
 }
 
 void TGraphWindow::OnLeftDown(const TMessage& message)
@@ -235,19 +333,48 @@ void TGraphWindow::OnRightUp(const TMessage& message)
     // Beside a running drag the button does nothing.
     const bool isClick = !DraggedFar && TWimp::Get().GetMouseDrag() == nullptr;
     DraggedFar = false;
+    if (isClick && OpenValueMenu(message))
+        return;
     TNodeObj* object = isClick ? GetScene().NodeAt(PixelToWorld(message.X, message.Y)) : nullptr;
     if (object == nullptr)
         return;
     ContextNode = object->GetToolNode();
     TMenu menu;
     FillContextMenu(menu);
+    // What was chosen has been done when this returns.
+    const TWindowHandle handle = GetHandle();
     menu.Track(*this, message.GetPixelX(), message.GetPixelY());
+    if (TWindow::Find(handle) == this)
+        ContextNode = nullptr;
+}
+
+bool TGraphWindow::OpenValueMenu(const TMessage& message)
+{
+    // What is being typed is a part of the value.
+    TTextEdit::EndFocusedInput();
+    ContextPoint = PixelToWorld(message.X, message.Y);
+    const TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), ContextPoint);
+    if (controls == nullptr)
+        return false;
+    TMenu menu;
+    FillValueMenu(menu, *controls);
+    menu.Track(*this, message.GetPixelX(), message.GetPixelY());
+    return true;
+}
+
+// While the menu was open the controls may have been made anew.
+bool TGraphWindow::OnValueCommand(int id)
+{
+    TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), ContextPoint);
+    return controls != nullptr && DoValueCommand(id, *controls);
 }
 
 void TGraphWindow::FillContextMenu(TMenu& menu)
 {
     menu.AddItem(MenuFocusNodeGroup, "Focus Node Group");
     menu.AddItem(MenuInsertNode, "Insert Node...");
+    menu.EnableItem(MenuFocusNodeGroup, false);
+    menu.EnableItem(MenuInsertNode, false);
 }
 
 void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
@@ -255,7 +382,7 @@ void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
     // Neither of the menu's entries does anything yet.
     if (code == CC_MENU && (argument == MenuFocusNodeGroup || argument == MenuInsertNode))
         ContextNode = nullptr;
-    else
+    else if (code != CC_MENU || !OnValueCommand(static_cast<int>(argument)))
         TWindow::OnCommand(control, argument, code);
 }
 
@@ -327,8 +454,8 @@ void TGraphWindow::BeginPan(double x, double y)
     PixelStart[1] = PixelNow[1] = y;
     GetView().GetPanStart(x, y, PanStart);
     ViewFocus.Stop();
-    SetCapture();
-    TWimp::Get().SetMouseDrag(this);
+    TWimp::Get().SetMouseDrag(this, *this);
+    PointerObject = nullptr;
     SetCursor(CU_HAND);
 }
 
@@ -336,7 +463,6 @@ void TGraphWindow::EndPan()
 {
     State = GS_IDLE;
     TWimp::Get().ClearMouseDrag();
-    ReleaseCapture();
     SetCursor(CU_CLASS);
 }
 
@@ -345,15 +471,13 @@ void TGraphWindow::BeginBox(double x, double y)
     State = GS_BOXSELECT;
     SelBox.Begin(PixelToWorld(x, y));
     GetScene().GetRoot().AddObject(&SelBox);
-    SetCapture();
-    TWimp::Get().SetMouseDrag(this);
+    TWimp::Get().SetMouseDrag(this, *this);
 }
 
 void TGraphWindow::EndBox()
 {
     State = GS_IDLE;
     TWimp::Get().ClearMouseDrag();
-    ReleaseCapture();
     GetScene().GetRoot().RemoveObject(&SelBox);
     DocWindow->GetWindows().RedrawGraphs();
 }
@@ -477,7 +601,13 @@ void TGraphWindow::OnIdle()
 void TGraphWindow::OnDrop(int x, int y, const char* path)
 {
     ScreenToClient(x, y);
-    const TNodeObj* object = GetScene().NodeAt(PixelToWorld(x, y));
+    const TVector2 point = PixelToWorld(x, y);
+    if (TNodeAnimationParameterControls* group =
+            TNodeAnimationParameterControls::FindGroup(GetScene().GetRoot().HitTest(point))) {
+        group->TakeFile(path);
+        return;
+    }
+    const TNodeObj* object = GetScene().NodeAt(point);
     TNodeRampParameter* ramp = object != nullptr ? FindAnimatedRamp(*object->GetToolNode()) : nullptr;
     if (ramp == nullptr) {
         ShowMessage("Drag vori file to shaper node or graph to load animation file");

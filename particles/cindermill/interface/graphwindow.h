@@ -4,6 +4,7 @@
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/wimp.h"
 #include "library/wimp/window.h"
+#include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/graph/nodeexp.h"
 #include "particles/cindermill/interface/graph/selboxrender.h"
 #include "particles/cindermill/interface/graphview.h"
@@ -13,6 +14,7 @@ class TDocWindow;
 class TGraphScene;
 class TMenu;
 class TNodeType;
+class TTextEdit;
 class TToolNode;
 
 // One view of a document's graph, with a pan and a zoom of its own.
@@ -55,6 +57,8 @@ public:
     const TVector2& GetGhostPosition() const { return GhostPosition; }
     // Ends a pan or a box without effect. False if none runs.
     bool CancelDrag();
+    // See TControlHost.
+    void ShowPointer(TRenderObject& object, TPointerShape shape);
 
     TVector2 PixelToWorld(double x, double y) const { return GetView().PixelToWorld(x, y); }
     TGraphView GetView() const { return TGraphView(Renderer.GetOffset(), Renderer.GetScale()); }
@@ -63,6 +67,8 @@ public:
     TRenderer& GetRenderer() { return Renderer; }
     TState GetState() const { return State; }
     bool IsFocusing() const { return ViewFocus.IsRunning(); }
+    // The node whose menu is open, or null.
+    const TToolNode* GetContextNode() const { return ContextNode; }
     // What the menu of a node holds: number 118.
     static void FillContextMenu(TMenu& menu);
 
@@ -73,9 +79,16 @@ private:
     bool OnFileShortcut(int code);
     bool OnEditShortcut(int code);
     bool OnClipboardShortcut(int code);
+    bool OnTextShortcut(TTextEdit& edit, int code);
+    TTextEdit* GetTextEdit() const;
+    void HideHelp(const TMessage& message);
+    void UpdatePointer();
     void OnFocus();
     void OnLeftDown(const TMessage& message);
     void OnRightUp(const TMessage& message);
+    // The menu of the controls under the pointer; false for none.
+    bool OpenValueMenu(const TMessage& message);
+    bool OnValueCommand(int id);
     bool OnEscape();
     void OnWheel(const TMessage& message);
     void ShowView(const TGraphView& view);
@@ -97,9 +110,13 @@ private:
     TSelBoxRender SelBox;
     TNodeExp GhostNode;
     bool GhostShown = false;
+    // What the pointer has its shape from. Only compared: it may have gone.
+    const TRenderObject* PointerObject = nullptr;
     TVector2 GhostPosition = TVector2(0, 0);
     // The node of the open context menu.
     TToolNode* ContextNode = nullptr;
+    // Where the last menu was asked for, in world units.
+    TVector2 ContextPoint = TVector2(0, 0);
     TKeyboardShortcut Shortcuts;
     TViewFocus ViewFocus;
 };

@@ -73,7 +73,7 @@ int TChangeNotify::AddDirectory(const TString& path)
     return index;
 }
 
-void TChangeNotify::Add(const char* path, TCallback callback, void* context)
+bool TChangeNotify::Add(const char* path, TCallback callback, void* context)
 {
     TString directory;
     TString name;
@@ -82,7 +82,7 @@ void TChangeNotify::Add(const char* path, TCallback callback, void* context)
     if (index == -1)
         index = AddDirectory(directory);
     if (index == -1)
-        return;
+        return false;
     int file = FindFile(index, name);
     if (file == -1) {
         TWatchedFile added;
@@ -94,6 +94,7 @@ void TChangeNotify::Add(const char* path, TCallback callback, void* context)
         files.insert(files.begin() + file, added);
     }
     Directories[index]->Files[file].Listeners.push_back(TListener{callback, context});
+    return true;
 }
 
 void TChangeNotify::Remove(const char* path, TCallback callback, void* context)
@@ -122,8 +123,21 @@ void TChangeNotify::Remove(const char* path, TCallback callback, void* context)
     ASSERT(found);
 }
 
+void TChangeNotify::TakeChange(const char* path)
+{
+    TString directory;
+    TString name;
+    SplitPath(path, directory, name);
+    const int index = FindDirectory(directory);
+    const int file = FindFile(index, name);
+    if (file != -1)
+        GetFileWriteTime(path, Directories[index]->Files[file].WriteTime);
+}
+
 void TChangeNotify::Poll()
 {
+    if (Polling)
+        return;
     const uint32_t now = GetTickCount();
     if (now - LastPoll < PollInterval)
         return;
@@ -132,8 +146,15 @@ void TChangeNotify::Poll()
         return;
     const int looked = Position;
     Position = (Position + 1) % Directories.size();
-    if (Watcher.TakeSignal(Directories[looked]->Number))
-        CheckDirectory(looked);
+    if (!Watcher.TakeSignal(Directories[looked]->Number))
+        return;
+    struct TPolling
+    {
+        bool& Flag;
+        explicit TPolling(bool& flag) : Flag(flag) { Flag = true; }
+        ~TPolling() { Flag = false; }
+    } polling(Polling);
+    CheckDirectory(looked);
 }
 
 // What is called may add and remove files, so the changes are gathered first.

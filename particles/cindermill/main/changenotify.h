@@ -14,10 +14,13 @@ public:
     // The path of the file, and the context given with the callback.
     using TCallback = void (*)(const char* path, void* context);
 
-    // A directory that cannot be watched is logged, and the file is not watched.
-    void Add(const char* path, TCallback callback, void* context);
+    // Whether the file is watched now: a directory that cannot be is logged.
+    bool Add(const char* path, TCallback callback, void* context);
     // Asserts "found". Callbacks may remove themselves and others while they are called.
     void Remove(const char* path, TCallback callback, void* context);
+    // What has been written to the file so far counts as told.
+    void TakeChange(const char* path);
+    // Does nothing within a callback of its own: one that waits for a person is not called over again.
     void Poll();
 
 private:
@@ -52,6 +55,7 @@ private:
 
     uint32_t LastPoll = 0;
     int Position = 0;
+    bool Polling = false;
     // By path.
     TOwnerList<TDirectory> Directories;
     TDirectoryWatcher Watcher;

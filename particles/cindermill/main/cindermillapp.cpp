@@ -23,7 +23,8 @@ void RegisterAllClasses()
 }
 
 TCindermillApp::TCindermillApp(TSettingsStore* store, TAppHost* host)
-    : Host(host), Store(store), Settings(store), ResourceLocator(Settings)
+    : Host(host), Store(store), Settings(store), ResourceLocator(Settings),
+      TextureWatch(Settings, ChangeNotify)
 {
     StaticInstance = this;
     RegisterAllClasses();
@@ -58,6 +59,7 @@ bool TCindermillApp::InitHeadless()
 bool TCindermillApp::InitSettings()
 {
     Settings.Load();
+    TextureWatch.Start([](void* app) { static_cast<TCindermillApp*>(app)->RedrawDocuments(); }, this);
     if (ResourceLocator.Init(ProgramDirectory, false))
         return true;
     ShowMessage("Failed to initialise resource locator");
@@ -124,8 +126,16 @@ void TCindermillApp::SetActiveDocWindow(TDocWindow* window, TDocument* document)
     ActiveDocument = document;
 }
 
+void TCindermillApp::RedrawDocuments()
+{
+    for (TDocument* document : Documents)
+        document->RedrawWindows();
+}
+
 void TCindermillApp::OnIdle()
 {
+    if (Host != nullptr)
+        Host->RunTicks();
     for (int i = 0; i < Documents.size(); ++i)
         Documents[i]->OnIdle();
     if (Settings.GetAutoCheckUpdate() != 0)

@@ -5,6 +5,7 @@
 #include "particles/cindermill/main/clipboard.h"
 #include "particles/cindermill/main/resourcelocator.h"
 #include "particles/cindermill/main/settings.h"
+#include "particles/cindermill/main/texturewatch.h"
 #include "particles/effectgraph/nodetypelibrary.h"
 
 class TAppHost;
@@ -129,6 +130,7 @@ private:
     bool MakeWritable(const char* path, const char* purpose);
     bool ConfirmOverwrite(const char* path);
     bool SettleModified(const vector<TDocument*>& documents);
+    void RedrawDocuments();
     bool DropAnimation(int x, int y, const char* file);
 
     TAppHost* Host;
@@ -140,6 +142,7 @@ private:
     TNodeTypeLibrary NodeTypes;
     TResourceLocator ResourceLocator;
     TChangeNotify ChangeNotify;
+    TTextureWatch TextureWatch;
     TClipboard Clipboard;
     TString ProgramDirectory;
     bool HeadlessMode = false;

@@ -105,22 +105,27 @@ bool TCindermillApp::OnDocumentMenu(int id)
         }
         return true;
     case MI_UNDO:
+        Host->EndInput();
         if (document != nullptr && document->CanUndo())
             document->Undo();
         return true;
     case MI_REDO:
+        Host->EndInput();
         if (document != nullptr && document->CanRedo())
             document->Redo();
         return true;
     case MI_CUT:
+        Host->EndInput();
         if (document != nullptr)
             document->CutSelection();
         return true;
     case MI_COPY:
+        Host->EndInput();
         if (document != nullptr)
             document->CopySelection();
         return true;
     case MI_PASTE:
+        Host->EndInput();
         if (document != nullptr)
             document->Paste();
         return true;
@@ -218,12 +223,14 @@ bool TCindermillApp::ChooseEffect(bool open, const char* title, TString& path)
 
 void TCindermillApp::SaveActive()
 {
+    Host->EndInput();
     if (ActiveDocument != nullptr)
         Save(*ActiveDocument);
 }
 
 void TCindermillApp::SaveActiveAs()
 {
+    Host->EndInput();
     if (ActiveDocument != nullptr)
         SaveAs(*ActiveDocument);
 }
@@ -297,6 +304,7 @@ void TCindermillApp::TellNotSaved(TDocument& document, const char* path)
 
 void TCindermillApp::ExportActive()
 {
+    Host->EndInput();
     TDocument* document = ActiveDocument;
     if (document == nullptr || !document->EnsureSchedule())
         return;
@@ -310,6 +318,7 @@ void TCindermillApp::ExportActive()
 
 void TCindermillApp::CloseDocument(TDocument* document)
 {
+    Host->EndInput();
     if (document->IsModified()) {
         vector<TDocument*> documents;
         documents.push_back(document);
@@ -333,6 +342,7 @@ void TCindermillApp::DeleteDocument(TDocument* document)
 
 void TCindermillApp::ExitRequest()
 {
+    Host->EndInput();
     vector<TDocument*> modified;
     for (TDocument* document : Documents)
         if (document->IsModified())

@@ -150,13 +150,13 @@ void TDocument::AttachObjects()
             continue;
         TToolNode* node = static_cast<TToolNode*>(Graph->GetNode(i));
         node->Attach(this);
-        AddNodeObject(node);
+        Listener->NodeAdded(node);
         node->Added(this);
     }
     for (int i = 0; i < Graph->GetNumEdges(); ++i) {
         if (!IsClassA(FindClassByNameID(Graph->GetEdge(i)->GetClassId()), TToolEdge::ClassId()))
             continue;
-        AddEdgeObject(static_cast<TToolEdge*>(Graph->GetEdge(i)));
+        Listener->EdgeAdded(static_cast<TToolEdge*>(Graph->GetEdge(i)));
     }
 }
 
@@ -262,7 +262,7 @@ void TDocument::SelectNode(TToolNode* node, bool clearFirst)
         ClearSelection();
     Selected.push_back(node);
     node->SetSelected(true);
-    TouchNode(node);
+    Listener->NodeChanged(node);
 }
 
 void TDocument::DeselectNode(TToolNode* node)
@@ -272,7 +272,7 @@ void TDocument::DeselectNode(TToolNode* node)
         return;
     Selected.erase(it);
     node->SetSelected(false);
-    TouchNode(node);
+    Listener->NodeChanged(node);
 }
 
 void TDocument::ClearSelection()
@@ -281,7 +281,7 @@ void TDocument::ClearSelection()
     nodes.swap(Selected);
     for (TToolNode* node : nodes) {
         node->SetSelected(false);
-        TouchNode(node);
+        Listener->NodeChanged(node);
     }
 }
 
@@ -355,7 +355,9 @@ bool TDocument::ResolveTypes(TErrorList& errors)
 void TDocument::GraphChanged()
 {
     TErrorList errors;
-    if (ResolveTypes(errors)) {
+    const bool resolved = ResolveTypes(errors);
+    Listener->GraphChanged();
+    if (resolved) {
         Graph->NotifyChanged();
         return;
     }
@@ -383,6 +385,13 @@ void TDocument::RebuildSchedule(bool suppressDialog)
     if (!suppressDialog && !errors.empty())
         DisplayErrors("Schedule errors", errors);
     TellScheduleChanged();
+}
+
+// The engine of an effect whose files are not all there has not been made.
+void TDocument::FileNamed()
+{
+    if (!Preview.IsInited())
+        RebuildSchedule(true);
 }
 
 // Counts and life times stand in the schedule, and no edit of a parameter rebuilds it. An engine that could
@@ -465,71 +474,9 @@ void TDocument::UpdateTitles()
         Host->UpdateTitles(*this);
 }
 
-void TDocument::AddNodeObject(TToolNode* node)
+void TDocument::SetListener(TGraphListener* listener)
 {
-    if (Host != nullptr)
-        Host->AddNodeObject(node);
-}
-
-void TDocument::RemoveNodeObject(TToolNode* node)
-{
-    if (Host != nullptr)
-        Host->RemoveNodeObject(node);
-}
-
-void TDocument::AddEdgeObject(TToolEdge* edge)
-{
-    if (Host != nullptr)
-        Host->AddEdgeObject(edge);
-}
-
-void TDocument::RemoveEdgeObject(TToolEdge* edge)
-{
-    if (Host != nullptr)
-        Host->RemoveEdgeObject(edge);
-}
-
-void TDocument::TouchNode(TToolNode* node)
-{
-    if (Host != nullptr)
-        Host->TouchNode(node);
-}
-
-void TDocument::RelayoutNode(TToolNode* node)
-{
-    if (Host != nullptr)
-        Host->RelayoutNode(node);
-}
-
-void TDocument::LayoutEdge(TToolEdge* edge)
-{
-    if (Host != nullptr)
-        Host->LayoutEdge(edge);
-}
-
-void TDocument::UnhookEdge(TToolEdge* edge)
-{
-    if (Host != nullptr)
-        Host->UnhookEdge(edge);
-}
-
-void TDocument::GetNodeHalfSize(TToolNode* node, int& x, int& y)
-{
-    x = y = 0;
-    if (Host != nullptr)
-        Host->GetNodeHalfSize(node, x, y);
-}
-
-void TDocument::ForgetNode(TToolNode* node)
-{
-    if (Host != nullptr)
-        Host->ForgetNode(node);
-}
-
-void TDocument::ForgetEdge(TToolEdge* edge)
-{
-    if (Host != nullptr)
-        Host->ForgetEdge(edge);
+    Listener = listener != nullptr ? listener : &NoViews;
 }
 
 void TDocument::AddNodeDisplay(TNodeDisplay* display)

@@ -64,6 +64,8 @@ public:
     static void LogBatchResult(TBatchResult result, const TErrorList& errors);
 
     TDocumentHost* GetHost() const { return Host; }
+    // The views of the graph hear of it from then on; null for none.
+    void SetListener(TGraphListener* listener);
     // The share of the document and its windows in an idle pass.
     void OnIdle();
     const TString& GetPath() const { return Path; }
@@ -107,21 +109,12 @@ public:
     TEffectGraph* GetGraph() override { return Graph; }
     TChunkFile& GetChunks() override { return Chunks; }
     void GraphChanged() override;
-    void AddNodeObject(TToolNode* node) override;
-    void RemoveNodeObject(TToolNode* node) override;
-    void AddEdgeObject(TToolEdge* edge) override;
-    void RemoveEdgeObject(TToolEdge* edge) override;
-    void TouchNode(TToolNode* node) override;
-    void RelayoutNode(TToolNode* node) override;
-    void LayoutEdge(TToolEdge* edge) override;
-    void UnhookEdge(TToolEdge* edge) override;
-    void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
-    void ForgetNode(TToolNode* node) override;
-    void ForgetEdge(TToolEdge* edge) override;
+    TGraphListener& GetListener() override { return *Listener; }
     // What the preview shows of the nodes in the graph.
     const sortedmap<TNodeDisplay*, bool>& GetNodeDisplays() const { return NodeDisplay; }
     void AddNodeDisplay(TNodeDisplay* display) override;
     void RemoveNodeDisplay(TNodeDisplay* display) override;
+    void FileNamed() override;
     void RedrawWindows() override;
 
 private:
@@ -139,6 +132,8 @@ private:
 
     TCindermillApp& App;
     TDocumentHost* Host;
+    TGraphListener NoViews;
+    TGraphListener* Listener = &NoViews;
     TEffectGraph* Graph = nullptr;
     TOperationStack* OperationStack = nullptr;
     TChunkFile Chunks;

@@ -1,8 +1,6 @@
 #pragma once
 
 class TDocument;
-class TToolEdge;
-class TToolNode;
 class TWindow;
 
 // The windows of a document, as far as the document speaks to them. Without a host a document has none: a
@@ -34,16 +32,4 @@ public:
     // The engine is about to be deleted: who holds nodes or traces of it lets go of them now. May come while
     // a window is painted.
     virtual void EngineGoes(TDocument& document) = 0;
-    virtual void AddNodeObject(TToolNode* node) = 0;
-    virtual void RemoveNodeObject(TToolNode* node) = 0;
-    virtual void AddEdgeObject(TToolEdge* edge) = 0;
-    virtual void RemoveEdgeObject(TToolEdge* edge) = 0;
-    virtual void TouchNode(TToolNode* node) = 0;
-    virtual void RelayoutNode(TToolNode* node) = 0;
-    virtual void LayoutEdge(TToolEdge* edge) = 0;
-    virtual void UnhookEdge(TToolEdge* edge) = 0;
-    virtual void GetNodeHalfSize(TToolNode* node, int& x, int& y) = 0;
-    // The node or edge, which is in no graph any more, is about to be deleted.
-    virtual void ForgetNode(TToolNode* node) = 0;
-    virtual void ForgetEdge(TToolEdge* edge) = 0;
 };

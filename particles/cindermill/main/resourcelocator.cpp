@@ -91,10 +91,37 @@ void TResourceLocator::RememberDirectoryOf(const char* path)
     Remember(directory);
 }
 
+void TResourceLocator::RememberFirst(const char* directory)
+{
+    list<TString> others;
+    for (const TString& known : KnownDirectories)
+        if (known.Compare(directory) != 0)
+            others.push_back(known);
+    KnownDirectories.clear();
+    KnownDirectories.push_back(directory);
+    for (const TString& known : others)
+        KnownDirectories.push_back(known);
+}
+
+// Another file of the name may lie in a directory that is consulted before.
+void TResourceLocator::RememberChosen(const char* path)
+{
+    TString kept;
+    TString directory;
+    TString leaf;
+    TString found;
+    ToKeptPath(path, kept);
+    directory.SetDirectory(kept);
+    leaf.SetFileName(kept);
+    Remember(directory);
+    if (FindKnown(leaf, found) && found.Compare(kept) != 0)
+        RememberFirst(directory);
+}
+
 bool TResourceLocator::PrepareName(TString& path)
 {
     if (Mode == RM_LEAFNAME) {
-        RememberDirectoryOf(path);
+        RememberChosen(path);
         TString leaf;
         leaf.SetFileName(path);
         path = leaf;
@@ -128,11 +155,34 @@ TFindResult TResourceLocator::Find(const char* name, TString& path)
         return FR_FOUND;
     if (Mode == RM_LEAFNAME)
         return FindLeaf(name, path);
-    if (Mode == RM_FULLPATH)
-        return FindPath(name, name, path);
-    TString full(BasePath);
-    full += *name == '/' || *name == '\\' ? name + 1 : name;
+    TString full;
+    GetFullPath(name, full);
     return FindPath(name, full, path);
+}
+
+// Where a stored name that is no leaf leads to.
+void TResourceLocator::GetFullPath(const char* name, TString& path) const
+{
+    if (Mode == RM_FULLPATH) {
+        path = name;
+        return;
+    }
+    path = BasePath;
+    path += *name == '/' || *name == '\\' ? name + 1 : name;
+}
+
+bool TResourceLocator::FindKnown(const char* name, TString& path) const
+{
+    if (name == nullptr || *name == 0)
+        return false;
+    if (FindInSearchDirectories(name, path))
+        return true;
+    if (Mode == RM_LEAFNAME)
+        return FindInKnownDirectories(name, path) || FindLocated(name, path);
+    TString full;
+    GetFullPath(name, full);
+    ToKeptPath(full, path);
+    return FileExists(path) || FindLocated(name, path);
 }
 
 // A stored path is tried as it stands under each directory, then its leaf anywhere below.

@@ -43,10 +43,13 @@ public:
     // is ended.
     void SetEndless(bool endless) { Endless = endless; }
 
-    // Makes the stored form of a chosen file; false, with a message shown, if it has none.
+    // Makes the stored form of a chosen file; false, with a message shown, if it has none. Of several files
+    // of a leaf name the chosen one is found from then on.
     bool PrepareName(TString& path);
     // Asks the person, where there is a host, for what cannot be found without.
     TFindResult Find(const char* name, TString& path);
+    // Only where it can be known at once: nothing is searched, and nobody is asked or told.
+    bool FindKnown(const char* name, TString& path) const;
     // What could not be found is looked and asked for again. Until then nobody is asked twice, however many
     // nodes name the file.
     void ForgetMissing() { Missing.clear(); }
@@ -59,11 +62,14 @@ private:
     bool CanAsk() const { return !Headless && Host != nullptr; }
     bool IsKnown(const char* directory) const;
     void Remember(const char* directory);
+    void RememberFirst(const char* directory);
     void RememberDirectoryOf(const char* path);
+    void RememberChosen(const char* path);
     bool FindLocated(const char* name, TString& path) const;
     bool FindInSearchDirectories(const char* name, TString& path) const;
     bool FindInKnownDirectories(const char* name, TString& path) const;
     TFindResult FindLeaf(const char* name, TString& path);
+    void GetFullPath(const char* name, TString& path) const;
     TFindResult FindPath(const char* name, const char* path, TString& result);
     TFindResult Ask(const char* name, TString& path);
     bool Choose(const char* name, TString& path);

@@ -486,6 +486,20 @@ TEST_F(TFileTest, ClearReadOnlyLeavesAWritableFile)
     EXPECT_FALSE(ClearReadOnly(Folder.Path("none").c_str()));
 }
 
+TEST_F(TFileTest, AnotherUsersFileIsNotUnlocked)
+{
+    const std::string path = MakeForeignFile(Folder.GetFolder());
+    const TNobody nobody;
+    struct stat before;
+    ASSERT_EQ(stat(path.c_str(), &before), 0);
+    ASSERT_NE(before.st_mode & S_IWUSR, 0u);
+    ASSERT_FALSE(FileIsWritable(path.c_str()));
+    EXPECT_FALSE(ClearReadOnly(path.c_str()));
+    struct stat after;
+    ASSERT_EQ(stat(path.c_str(), &after), 0);
+    EXPECT_EQ(after.st_mode, before.st_mode);
+}
+
 TEST_F(TFileTest, SizesOfFilesNotOpen)
 {
     const std::string path = Make("abc");

@@ -133,14 +133,18 @@ TEST(Path, DirectoryIsListedWithoutCaseThenByBytes)
     EXPECT_EQ(Listed(folder.GetFolder()), ".hidden A a b B2 bb/ C ");
 }
 
-TEST(Path, SymbolicLinksAreNotListed)
+TEST(Path, SymbolicLinksAreListedOnlyIfTheyLeadToFiles)
 {
     TTempFolder folder;
     WriteBytes(folder.Path("file"), "x");
     fs::create_directories(folder.Path("dir"));
     fs::create_symlink("file", folder.Path("filelink"));
+    fs::create_symlink("filelink", folder.Path("again"));
     fs::create_directory_symlink(".", folder.Path("loop"));
-    EXPECT_EQ(Listed(folder.GetFolder()), "dir/ file ");
+    fs::create_symlink("nowhere", folder.Path("broken"));
+    fs::create_symlink("circle", folder.Path("circle"));
+    fs::create_symlink("/dev/null", folder.Path("device"));
+    EXPECT_EQ(Listed(folder.GetFolder()), "again dir/ file filelink ");
 }
 
 TEST(Path, OtherFileSystemsAreNotListed)

@@ -1,5 +1,6 @@
 #include "library/wimp/wimp.h"
 
+#include "library/wimp/window.h"
 #include "library/wimp/windowpeer.h"
 #include "support/windowtest.h"
 
@@ -58,8 +59,9 @@ TEST_F(TWimpTest, TheApplicationCanBeSetOnce)
 TEST_F(TWimpTest, ADragCanBeSetOnlyWhenNoneRuns)
 {
     TNoDrag drag;
-    TWimp::Get().SetMouseDrag(&drag);
-    EXPECT_EQ(AssertionOf([&] { TWimp::Get().SetMouseDrag(&drag); }), "MouseDrag == 0");
+    TWindow window;
+    TWimp::Get().SetMouseDrag(&drag, window);
+    EXPECT_EQ(AssertionOf([&] { TWimp::Get().SetMouseDrag(&drag, window); }), "MouseDrag == 0");
     TWimp::Get().ClearMouseDrag();
     EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
 }

@@ -19,8 +19,8 @@ public:
 class TRecordedDrag : public TMouseDrag
 {
 public:
-    TRecordedDrag() { TWimp::Get().SetMouseDrag(this); }
-    ~TRecordedDrag() override { TWimp::Get().ClearMouseDrag(); }
+    explicit TRecordedDrag(TWindow& window) { TWimp::Get().SetMouseDrag(this, window); }
+    void OnCaptureLost() override { ++NumLosses; }
     void OnMouseMove(double x, double y, int buttons) override
     {
         Calls.push_back({x, y, static_cast<double>(buttons)});
@@ -28,6 +28,7 @@ public:
             Action();
     }
     std::vector<std::array<double, 3>> Calls;
+    int NumLosses = 0;
     std::function<void()> Action;
 };
 

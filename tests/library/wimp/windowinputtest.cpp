@@ -44,7 +44,7 @@ TEST_F(TWindowClassTest, ADoubleClickCountsAsButtonDown)
 
 TEST_F(TWindowClassTest, ADragGetsPressMoveAndReleaseFirst)
 {
-    TRecordedDrag drag;
+    TRecordedDrag drag(Window);
     std::vector<size_t> heardBefore;
     Window.Forget();
     drag.Action = [&] { heardBefore.push_back(Window.Messages.size()); };
@@ -59,32 +59,58 @@ TEST_F(TWindowClassTest, ADragGetsPressMoveAndReleaseFirst)
     EXPECT_EQ(Window.Count(MT_LEFTUP), 1);
 }
 
-TEST_F(TWindowClassTest, ADragHearsPixelsOfTheWindowThatCapturedTheMouse)
+TEST_F(TWindowClassTest, ADragHearsPixelsOfItsWindow)
 {
     TRecordingWindow child;
     ASSERT_TRUE(MakeChild(child));
     child.MoveTo(100, 50, 100, 100);
     Settle();
-    Window.SetCapture();
-    TRecordedDrag drag;
+    TRecordedDrag drag(Window);
     TMessage message;
     message.Type = MT_MOUSEMOVE;
     QMouseEvent move(QEvent::MouseMove, QPointF(7, 8), child.GetHandle()->mapToGlobal(QPointF(7, 8)),
                      Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(child.GetHandle(), &move);
-    Window.ReleaseCapture();
     ASSERT_EQ(drag.Calls.size(), 1u);
     EXPECT_EQ(drag.Calls[0], (std::array<double, 3>{107, 58, MB_LEFT}));
 }
 
 TEST_F(TWindowClassTest, ADragMayCloseTheWindow)
 {
-    TRecordedDrag drag;
+    TRecordedDrag drag(Window);
     drag.Action = [&] { Window.Destroy(); };
     Window.Forget();
     QTest::mousePress(Widget(), Qt::LeftButton, {}, QPoint(10, 20));
     EXPECT_EQ(Window.Count(MT_LEFTDOWN), 0);
     EXPECT_EQ(Window.GetHandle(), nullptr);
+}
+
+TEST_F(TWindowClassTest, ADragHasTheMouseUntilItIsCleared)
+{
+    TRecordedDrag drag(Window);
+    EXPECT_EQ(drag.GetDragWindow(), &Window);
+    EXPECT_EQ(QWidget::mouseGrabber(), Widget());
+    TWimp::Get().ClearMouseDrag();
+    EXPECT_EQ(drag.GetDragWindow(), nullptr);
+    EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
+    EXPECT_EQ(drag.NumLosses, 0);
+}
+
+TEST_F(TWindowClassTest, ADragIsLostWithItsWindow)
+{
+    TRecordedDrag drag(Window);
+    Window.Destroy();
+    EXPECT_EQ(drag.NumLosses, 1);
+    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+}
+
+TEST_F(TWindowClassTest, ADragThatIsDeletedGivesTheMouseBack)
+{
+    {
+        TRecordedDrag drag(Window);
+    }
+    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+    EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
 }
 
 TEST_F(TWindowClassTest, WhileCapturedTheMouseStaysWithTheWindow)
@@ -305,6 +331,20 @@ TEST_F(TWindowClassTest, ControlCharactersAreNoText)
         Click(key.Key, Qt::NoModifier, QString::fromLatin1(key.Text));
     EXPECT_EQ(Window.Count(MT_KEYDOWN), 5);
     EXPECT_EQ(Window.Count(MT_CHAR), 0);
+    // Keys that are no named ones may give control characters too.
+    Click(Qt::Key_Q, Qt::ControlModifier | Qt::AltModifier, QStringLiteral("\x11"));
+    Click(Qt::Key_BracketLeft, Qt::NoModifier, QStringLiteral("\x1b"));
+    Click(Qt::Key_SysReq, Qt::NoModifier, QStringLiteral("\x7f"));
+    EXPECT_EQ(Window.Count(MT_CHAR), 0);
+    QInputMethodEvent input;
+    input.setCommitString(QStringLiteral("a\nb\x1f"));
+    QApplication::sendEvent(Widget(), &input);
+    ASSERT_EQ(Window.Count(MT_CHAR), 2);
+    EXPECT_EQ(Window.Last(MT_CHAR).Character, uint32_t{'b'});
+    // The first character that is one.
+    Click(Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+    ASSERT_EQ(Window.Count(MT_CHAR), 3);
+    EXPECT_EQ(Window.Last(MT_CHAR).Character, 32u);
 }
 
 TEST_F(TWindowClassTest, ComposedTextComesAsCharacters)

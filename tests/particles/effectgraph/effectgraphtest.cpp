@@ -207,6 +207,31 @@ TEST(CanConnect, LinksAndWiresNarrowAPolytype)
     EXPECT_TRUE(CanConnect(vector, 0, second, 1));
 }
 
+TEST(CanConnect, AnEdgeCanBePassedOver)
+{
+    TTestGraph graph;
+    TEffectNode* vector = graph.Node("V", TU_PROCESS, {}, {{"v", TY_VECTOR3}});
+    TEffectNode* texture = graph.Node("T", TU_PROCESS, {}, {{"t", TY_TEXCOORDS}});
+    const std::string ports =
+        "<inputs>" + PolytypeInput("A", {"vector3", "texcoord", "transform"}) +
+        PolytypeInput("B", {"vector3", "texcoord", "transform"}, "A") + "</inputs><outputs>" +
+        PolytypeOutput("O", {"Vector3", "Transform", "TextureCoords"}, "B") + "</outputs>";
+    TEffectNode* first = AddFromXml(graph, ports);
+    TEffectNode* second = AddFromXml(graph, ports);
+    TEffectEdge* narrowing = graph.Wire(vector, 0, first, 0);
+    TEffectEdge* between = graph.Wire(first, 0, second, 0);
+    EXPECT_FALSE(CanConnectWithout(nullptr, texture, 0, second, 1));
+    EXPECT_TRUE(CanConnectWithout(narrowing, texture, 0, second, 1));
+    EXPECT_TRUE(CanConnectWithout(between, texture, 0, second, 1));
+    EXPECT_FALSE(CanConnectWithout(between, texture, 0, first, 1));
+    // A circle that the edge would close is none without it.
+    EXPECT_FALSE(CanConnectWithout(nullptr, second, 0, first, 1));
+    EXPECT_TRUE(CanConnectWithout(between, second, 0, first, 1));
+    // Nothing of it stays behind.
+    EXPECT_FALSE(CanConnect(texture, 0, second, 1));
+    EXPECT_EQ(first->GetInput(0), narrowing);
+}
+
 // The sort as it is told, one exchange after the other.
 static std::vector<TEffectNode*> SortedByRule(const TEffectGraph& graph)
 {

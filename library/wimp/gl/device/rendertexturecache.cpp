@@ -3,6 +3,27 @@
 #include "library/containers/assertion.h"
 #include "library/containers/owner.h"
 
+namespace {
+// Both separators lead to one file.
+void ToCachedPath(const char* path, TString& out)
+{
+    out = path;
+    out.Replace('/', '\\');
+}
+} // namespace
+
+TRenderTextureListener* TRenderTextureCache::Listener = nullptr;
+
+void TRenderTextureCache::SetListener(TRenderTextureListener* listener)
+{
+    Listener = listener;
+    if (Listener == nullptr)
+        return;
+    for (const TRenderTexture* texture : GetTextures())
+        if (!texture->Path.IsEmpty())
+            Listener->OnTextureLoaded(texture->Path);
+}
+
 // Never destroyed: handles may be released after everything else.
 vector<TRenderTexture*>& TRenderTextureCache::GetTextures()
 {
@@ -14,8 +35,10 @@ TRenderTexture* TRenderTextureCache::Find(const char* path)
 {
     if (path == nullptr || *path == 0)
         return nullptr;
+    TString kept;
+    ToCachedPath(path, kept);
     for (TRenderTexture* texture : GetTextures())
-        if (texture->Path.Compare(path) == 0)
+        if (texture->Path.Compare(kept) == 0)
             return texture;
     return nullptr;
 }
@@ -29,9 +52,11 @@ TRenderTexture* TRenderTextureCache::Get(const char* path)
     TOwner<TRenderTexture> texture(new TRenderTexture);
     if (!texture->Load(path))
         return nullptr;
-    texture->Path = path;
+    ToCachedPath(path, texture->Path);
     texture->RefCount = 1;
     GetTextures().push_back(texture.Get());
+    if (Listener != nullptr)
+        Listener->OnTextureLoaded(texture->Path);
     return texture.Release();
 }
 
@@ -59,6 +84,8 @@ void TRenderTextureCache::Release(TRenderTexture* texture)
     if (--texture->RefCount > 0)
         return;
     textures.erase(it);
+    if (Listener != nullptr && !texture->Path.IsEmpty())
+        Listener->OnTextureGone(texture->Path);
     delete texture;
 }
 

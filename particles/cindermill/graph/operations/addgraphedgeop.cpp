@@ -55,7 +55,7 @@ void TAddGraphEdgeOp::Undo(TEditContext& doc)
 
 void TAddGraphEdgeOp::Discard(TEditContext& doc)
 {
-    doc.ForgetEdge(Edge);
+    doc.GetListener().EdgeGoes(Edge);
     doc.GetChunks().RemoveChunk(Edge);
     delete Edge;
     Edge = nullptr;

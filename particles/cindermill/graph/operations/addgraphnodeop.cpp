@@ -48,7 +48,7 @@ void TAddGraphNodeOp::Undo(TEditContext& doc)
 
 void TAddGraphNodeOp::Discard(TEditContext& doc)
 {
-    doc.ForgetNode(Node);
+    doc.GetListener().NodeGoes(Node);
     Node->UnregisterChunks(doc.GetChunks());
     delete Node;
     Node = nullptr;

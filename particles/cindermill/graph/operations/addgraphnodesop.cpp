@@ -66,7 +66,7 @@ void TAddGraphNodesOp::Do(TEditContext& doc)
             if (node->GetInput(i) == nullptr)
                 continue;
             TToolEdge* edge = static_cast<TToolEdge*>(node->GetInput(i));
-            doc.AddEdgeObject(edge);
+            doc.GetListener().EdgeAdded(edge);
             doc.GetGraph()->AddEdge(edge);
         }
     }
@@ -81,7 +81,7 @@ void TAddGraphNodesOp::Undo(TEditContext& doc)
             if (node->GetInput(i) == nullptr)
                 continue;
             TToolEdge* edge = static_cast<TToolEdge*>(node->GetInput(i));
-            doc.RemoveEdgeObject(edge);
+            doc.GetListener().EdgeRemoved(edge);
             doc.GetGraph()->RemoveEdge(edge);
         }
     }
@@ -96,11 +96,11 @@ void TAddGraphNodesOp::Discard(TEditContext& doc)
             TEffectEdge* edge = node->GetInput(i);
             if (edge == nullptr)
                 continue;
-            doc.ForgetEdge(static_cast<TToolEdge*>(edge));
+            doc.GetListener().EdgeGoes(static_cast<TToolEdge*>(edge));
             doc.GetChunks().RemoveChunk(edge);
             delete edge;
         }
-        doc.ForgetNode(node);
+        doc.GetListener().NodeGoes(node);
         delete node;
     }
     Nodes.clear();

@@ -36,6 +36,6 @@ TAdaption TBypassFlagOp::AdaptTo(const TRefreshRecord& record)
 void TBypassFlagOp::Store(TEditContext& doc, bool set)
 {
     Node->GetNodeType()->SetFlag(FL_BYPASSED, set);
-    doc.TouchNode(Node);
+    doc.GetListener().NodeChanged(Node);
     doc.RedrawWindows();
 }

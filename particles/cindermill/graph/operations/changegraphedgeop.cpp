@@ -94,13 +94,13 @@ void TChangeGraphEdgeOp::GetUsed(vector<TChunk*>& result) const
 
 void TChangeGraphEdgeOp::MoveTo(TEditContext& doc, const TEnd& source, const TEnd& destination)
 {
-    doc.UnhookEdge(Edge);
+    doc.GetListener().EdgeDetached(Edge);
     Edge->DetachEnds();
     Edge->Connect(source.Node, source.Port, destination.Node, destination.Port);
     Edge->AttachEnds();
-    doc.LayoutEdge(Edge);
+    doc.GetListener().EdgeMoved(Edge);
     for (const TEnd& end : Ends)
-        doc.TouchNode(end.Node);
+        doc.GetListener().NodeChanged(end.Node);
     FinishGraphChange(doc);
 }
 

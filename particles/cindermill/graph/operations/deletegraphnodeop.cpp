@@ -127,15 +127,15 @@ void TDeleteGraphNodeOp::Do(TEditContext& doc)
     for (TToolNode* node : Nodes)
         RemoveNode(doc, node);
     for (TToolEdge* edge : Edges) {
-        doc.RemoveEdgeObject(edge);
+        doc.GetListener().EdgeRemoved(edge);
         doc.GetGraph()->RemoveEdge(edge);
         if (!Holds(edge->GetSrcNode())) {
             edge->DetachSource();
-            doc.TouchNode(ToolNode(edge->GetSrcNode()));
+            doc.GetListener().NodeChanged(ToolNode(edge->GetSrcNode()));
         }
         if (!Holds(edge->GetDstNode())) {
             edge->DetachDestination();
-            doc.TouchNode(ToolNode(edge->GetDstNode()));
+            doc.GetListener().NodeChanged(ToolNode(edge->GetDstNode()));
         }
     }
     FinishGraphChange(doc);
@@ -145,21 +145,21 @@ void TDeleteGraphNodeOp::Undo(TEditContext& doc)
 {
     for (TToolNode* node : Nodes) {
         node->Attach(&doc);
-        doc.AddNodeObject(node);
+        doc.GetListener().NodeAdded(node);
         doc.GetGraph()->AddNode(node);
         node->Added(&doc);
     }
     for (TToolEdge* edge : Edges) {
-        doc.LayoutEdge(edge);
-        doc.AddEdgeObject(edge);
+        doc.GetListener().EdgeMoved(edge);
+        doc.GetListener().EdgeAdded(edge);
         doc.GetGraph()->AddEdge(edge);
         if (!Holds(edge->GetSrcNode())) {
             edge->AttachSource();
-            doc.TouchNode(ToolNode(edge->GetSrcNode()));
+            doc.GetListener().NodeChanged(ToolNode(edge->GetSrcNode()));
         }
         if (!Holds(edge->GetDstNode())) {
             edge->AttachDestination();
-            doc.TouchNode(ToolNode(edge->GetDstNode()));
+            doc.GetListener().NodeChanged(ToolNode(edge->GetDstNode()));
         }
     }
     FinishGraphChange(doc);

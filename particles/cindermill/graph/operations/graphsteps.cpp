@@ -18,38 +18,38 @@ void FinishGraphChange(TEditContext& doc)
 void InsertNode(TEditContext& doc, TToolNode* node)
 {
     doc.GetGraph()->AddNode(node);
-    doc.AddNodeObject(node);
+    doc.GetListener().NodeAdded(node);
     node->Added(&doc);
 }
 
 void RemoveNode(TEditContext& doc, TToolNode* node)
 {
     doc.DeselectNode(node);
-    doc.RemoveNodeObject(node);
+    doc.GetListener().NodeRemoved(node);
     doc.GetGraph()->RemoveNode(node);
     node->Removed(&doc);
 }
 
 static void TouchEnds(TEditContext& doc, const TToolEdge& edge)
 {
-    doc.TouchNode(ToolNode(edge.GetSrcNode()));
-    doc.TouchNode(ToolNode(edge.GetDstNode()));
+    doc.GetListener().NodeChanged(ToolNode(edge.GetSrcNode()));
+    doc.GetListener().NodeChanged(ToolNode(edge.GetDstNode()));
 }
 
 void InsertEdge(TEditContext& doc, TToolEdge* edge)
 {
     doc.GetGraph()->AddEdge(edge);
-    doc.AddEdgeObject(edge);
+    doc.GetListener().EdgeAdded(edge);
     edge->AttachEnds();
-    doc.LayoutEdge(edge);
+    doc.GetListener().EdgeMoved(edge);
     TouchEnds(doc, *edge);
 }
 
 void RemoveEdge(TEditContext& doc, TToolEdge* edge)
 {
-    doc.UnhookEdge(edge);
+    doc.GetListener().EdgeDetached(edge);
     doc.GetGraph()->RemoveEdge(edge);
-    doc.RemoveEdgeObject(edge);
+    doc.GetListener().EdgeRemoved(edge);
     edge->DetachEnds();
     TouchEnds(doc, *edge);
 }

@@ -34,6 +34,7 @@ private:
     void Change(TEditContext& doc, const TString& name)
     {
         TSelf::Store(*Param, name);
+        doc.FileNamed();
         doc.RedrawWindows();
     }
 

@@ -75,6 +75,6 @@ void TNodePropertiesOp::Store(TEditContext& doc, const TNodeProperties& properti
     type.SetFlag(FL_STATICBOUNDS, properties.StaticBounds);
     type.BoundsMin = properties.BoundsMin;
     type.BoundsMax = properties.BoundsMax;
-    doc.RelayoutNode(Node);
+    doc.GetListener().NodeTypeChanged(Node);
     FinishGraphChange(doc);
 }

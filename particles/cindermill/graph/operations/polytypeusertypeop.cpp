@@ -155,12 +155,21 @@ void TPolytypeUserTypeOp::GetUsed(vector<TChunk*>& result) const
         result.push_back(record.Node);
 }
 
+// An output keeps its type where it cannot have the other, as an input does by itself.
+void TPolytypeUserTypeOp::SetOutputType(const TOutputRecord& record, int type)
+{
+    TOutputPort& output = record.Node->GetNodeType()->GetOutput(record.Port);
+    if ((output.ValidTypes >> type & 1) != 0)
+        output.DefaultType = type;
+}
+
 void TPolytypeUserTypeOp::Do(TEditContext& doc)
 {
     for (const TParameterRecord& record : Parameters)
         record.Parameter->SetUserType(NewType);
     for (const TOutputRecord& record : Outputs)
-        record.Node->GetNodeType()->GetOutput(record.Port).DefaultType = NewType;
+        SetOutputType(record, NewType);
+    doc.GraphChanged();
     doc.RedrawWindows();
 }
 
@@ -169,6 +178,7 @@ void TPolytypeUserTypeOp::Undo(TEditContext& doc)
     for (const TParameterRecord& record : Parameters)
         record.Parameter->SetUserType(record.OldType);
     for (const TOutputRecord& record : Outputs)
-        record.Node->GetNodeType()->GetOutput(record.Port).DefaultType = record.OldType;
+        SetOutputType(record, record.OldType);
+    doc.GraphChanged();
     doc.RedrawWindows();
 }

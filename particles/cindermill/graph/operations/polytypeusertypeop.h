@@ -6,7 +6,7 @@
 class TEffectNode;
 
 // Chooses the type of a polytype port, and with it the type of every port that follows it through links and
-// wires.
+// wires, as far as it can have it. Ends in a change of the graph.
 class TPolytypeUserTypeOp : public TRegistered<TPolytypeUserTypeOp, TOperation>
 {
 public:
@@ -36,6 +36,7 @@ private:
         int OldType = 0;
     };
 
+    static void SetOutputType(const TOutputRecord& record, int type);
     void CollectInput(TEffectNode* node, int port);
     void CollectOutput(TEffectNode* node, int port);
 

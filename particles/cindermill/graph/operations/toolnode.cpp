@@ -35,7 +35,7 @@ void TToolNode::Create(TEditContext* doc, const TNodeType& nodeType, int x, int 
     if (isNew && doc != nullptr) {
         int halfWidth = 0;
         int halfHeight = 0;
-        doc->GetNodeHalfSize(this, halfWidth, halfHeight);
+        doc->GetListener().GetNodeHalfSize(this, halfWidth, halfHeight);
         X -= halfWidth;
         Y -= halfHeight;
     }
@@ -78,13 +78,13 @@ void TToolNode::SetPosition(int x, int y)
     Y = y;
     if (Doc == nullptr)
         return;
-    Doc->TouchNode(this);
+    Doc->GetListener().NodeChanged(this);
     for (int i = 0; i < GetNumInputs(); ++i)
         if (GetInput(i) != nullptr)
-            Doc->LayoutEdge(static_cast<TToolEdge*>(GetInput(i)));
+            Doc->GetListener().EdgeMoved(static_cast<TToolEdge*>(GetInput(i)));
     for (int i = 0; i < GetNumOutputs(); ++i)
         for (int n = 0; n < GetNumOutputEdges(i); ++n)
-            Doc->LayoutEdge(static_cast<TToolEdge*>(GetOutputEdge(i, n)));
+            Doc->GetListener().EdgeMoved(static_cast<TToolEdge*>(GetOutputEdge(i, n)));
 }
 
 void TToolNode::MoveBy(int dx, int dy)

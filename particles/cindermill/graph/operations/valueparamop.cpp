@@ -70,3 +70,10 @@ bool TScalarParamOp::Merge(TOperation& previous)
     DebugPrintf("no join\n");
     return false;
 }
+
+bool TColourParamOp::IsLike(const TValueParamOp& previous) const
+{
+    if (Drag != 0 && Drag == static_cast<const TColourParamOp&>(previous).Drag)
+        return true;
+    return TValueParamOp::IsLike(previous);
+}

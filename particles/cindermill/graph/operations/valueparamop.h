@@ -92,6 +92,20 @@ class TColourParamOp : public TValueParamOpOf<TColourParamOp, TNodeColourParamet
 public:
     static constexpr const char* RegisteredName = "TColourParamOp";
     using TValueParamOpOf::TValueParamOpOf;
+    // In a picker each move may change other components, so what one drag does is told by the drag, which has
+    // a number of its own: 0 for an edit that belongs to none.
+    TColourParamOp(TNodeColourParameter* param, const float* newValue, int drag)
+        : TValueParamOpOf(param, newValue), Drag(drag)
+    {
+    }
+    int GetDrag() const { return Drag; }
+
+protected:
+    bool IsLike(const TValueParamOp& previous) const override;
+
+private:
+    // Not in the file: no drag outlasts it.
+    int Drag = 0;
 };
 
 class TTransformParamOp : public TValueParamOpOf<TTransformParamOp, TNodeTransformParameter, 6>

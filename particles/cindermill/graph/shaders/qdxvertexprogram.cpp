@@ -171,7 +171,7 @@ void TQdxVertexProgram::WriteInstruction(TProgramText& body, const TVertexInstru
             body.Append("\n");
         WriteOperation(body, instruction, false);
         ++OperationCount;
-    } else if (!hasVector) {
+    } else if (instruction.IsNop()) {
         body.Append(instruction.GetScalarOperation().Name);
         ++OperationCount;
     }

@@ -18,27 +18,22 @@ int TQdxVertexRanges::Enter(int lo, int hi)
                 r.First = lo;
                 return m;
             }
-            if (r.First == r.Last && r.First < hi) {
-                Insert(i, lo, r.First - 1);
+            // Where nothing is left before the slot, the span has its place behind it.
+            if (r.First == r.Last && r.First < hi && lo < r.First) {
+                Ranges.insert(Ranges.begin() + i, {lo, r.First - 1});
                 return m;
             }
             // A relative access gives way to a slot that is named itself.
             if (!isSpan && r.Last >= hi)
                 r.Last = lo - 1;
         } else if (r.First > lo) {
-            Insert(i, lo, hi);
+            Ranges.insert(Ranges.begin() + i, {lo, hi});
             return m;
         }
         m += r.GetSize();
     }
-    Insert(Ranges.size(), lo, hi);
+    Ranges.push_back({lo, hi});
     return m;
-}
-
-void TQdxVertexRanges::Insert(int at, int lo, int hi)
-{
-    if (lo <= hi)
-        Ranges.insert(Ranges.begin() + at, {lo, hi});
 }
 
 void TQdxVertexRanges::Fit()

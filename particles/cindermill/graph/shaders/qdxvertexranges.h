@@ -31,7 +31,5 @@ public:
     const vector<TVertexRange>& GetRanges() const { return Ranges; }
 
 private:
-    void Insert(int at, int lo, int hi);
-
     vector<TVertexRange> Ranges;
 };

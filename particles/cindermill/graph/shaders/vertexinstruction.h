@@ -63,6 +63,8 @@ struct TVertexInstruction
     int GetVectorOpcode() const { return Clip(Bits(1, 22, 5), TY_VertexOpcodeCount); }
     int GetScalarOpcode() const { return Clip(Bits(1, 27, 5), TY_ScalarOpcodeCount); }
     const TVertexOperation& GetVectorOperation() const;
+    // Both of its operations; those past the tables print nothing instead.
+    bool IsNop() const { return Bits(1, 22, 5) == TY_VertexNop && Bits(1, 27, 5) == TY_ScalarNop; }
     const TVertexOperation& GetScalarOperation() const;
     bool IsBranch() const { return GetScalarOpcode() == TY_ScalarBra || GetScalarOpcode() == TY_ScalarCal; }
     int GetBranchTarget() const { return (Bits(2, 0, 6) << 3) | Bits(3, 29, 3); }

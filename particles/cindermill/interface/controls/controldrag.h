@@ -9,7 +9,7 @@ class TRenderObject;
 
 // A drag that a control runs, with the left button. The pointer comes in the control's own space. A drag that
 // is begun ends once: with OnDragEnd when the button is let go, or with OnDragCancel when the mouse is lost,
-// the view goes, or Cancel is called.
+// the view goes, the object leaves the drawing, or Cancel is called.
 class TControlDrag : public TMouseDrag
 {
 public:
@@ -20,6 +20,7 @@ public:
     // In the view whose message is being routed. False if another drag runs or there is no such view.
     bool Begin(TControlHost& host);
     bool IsRunning() const { return Host != nullptr; }
+    TRenderObject& GetObject() const { return Object; }
     void Cancel();
 
     virtual void OnDrag(const TVector2& point, int keyFlags) = 0;
@@ -34,5 +35,7 @@ private:
 
     TRenderObject& Object;
     TControlHost* Host = nullptr;
+    // What the object stood in when the drag began.
+    const TRenderObject* Top = nullptr;
     TRendererWatch Renderer;
 };

@@ -4,6 +4,20 @@
 
 class TMouseDrag;
 class TRenderer;
+class TRenderObject;
+
+// What the mouse pointer tells of the place that it is over.
+enum TPointerShape
+{
+    PS_NORMAL,
+    // Text can be typed.
+    PS_TEXT,
+    // A drag up or down steps; a drag sideways does.
+    PS_UPDOWN,
+    PS_SCRUB,
+    // A click does something.
+    PS_HAND
+};
 
 // What controls in a graph view ask of the windows that show them.
 class TControlHost
@@ -17,6 +31,13 @@ public:
     virtual void EndDrag(TRenderer& renderer) = 0;
     // The help line, at a point of the world, until the pointer moves.
     virtual void ShowHelp(const char* text, const TVector2& point) = 0;
+    // To be asked by the object that the pointer enters or moves over: it has the shape until another object
+    // is under it, and during a drag that begins there.
+    virtual void ShowPointer(TRenderObject& object, TPointerShape shape)
+    {
+        (void)object;
+        (void)shape;
+    }
     // What was asked for cannot be done: the system's warning sound.
     virtual void Warn();
 };

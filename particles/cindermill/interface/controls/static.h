@@ -14,7 +14,7 @@ public:
 
     void SetText(const char* text);
     const TString& GetText() const { return Text; }
-    // Of the text.
+    // Of the text as it is shown.
     const TVector2& GetSize() const { return Size; }
     // With a width, the text is cut there with an ellipsis. 0 for all of it.
     void SetWidth(float width);
@@ -24,7 +24,11 @@ public:
     TRenderObject* HitTest(const TVector2& point) override;
 
 private:
+    void Measure();
+
     TString Text;
+    // Cut to the width.
+    TString Shown;
     TFontInstance Font;
     TVector2 Size = TVector2(0, 0);
     float Width = 0.0f;

@@ -3,17 +3,17 @@
 #include "library/containers/classregistry.h"
 #include "library/containers/string.h"
 #include "library/wimp/gl/renderfont.h"
-#include "library/wimp/gl/renderobject.h"
-
-class TControlHost;
+#include "particles/cindermill/interface/controls/clickable.h"
+#include "particles/cindermill/interface/controls/controlpaint.h"
 
 // A check box with its text at the right. A click, or the space key with the focus, changes it and sends
 // RE_VALUECHANGED to its parent.
-class TTickBox : public TRegistered<TTickBox, TRenderObject>
+class TTickBox : public TRegistered<TTickBox, TClickable>
 {
 public:
     static constexpr const char* RegisteredName = "TTickBox";
-    explicit TTickBox(TControlHost& host) : Host(host) {}
+    static constexpr float BoxSize = 12.0f;
+    explicit TTickBox(TControlHost& host) : TRegistered(host) {}
 
     void Build(const char* text, float fontSize = 10.0f);
     // Sends nothing.
@@ -23,12 +23,14 @@ public:
 
     void Render(TRenderer& renderer) override;
     void GetBounds(TVector2& min, TVector2& max) override;
-    bool Event(const TRenderEvent& event) override;
+
+protected:
+    void OnClick() override;
 
 private:
-    TControlHost& Host;
     TString Text;
     TFontInstance Font;
+    TControlBox Box;
     TVector2 Size = TVector2(0, 0);
     bool Checked = false;
 };

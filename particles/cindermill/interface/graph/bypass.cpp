@@ -2,8 +2,8 @@
 
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderer.h"
+#include "particles/cindermill/interface/controls/outlines.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
-#include "particles/cindermill/interface/graph/outlines.h"
 
 TBypass::TBypass()
 {

@@ -14,49 +14,12 @@
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/main/document.h"
-#include "particles/effectgraph/canconnect.h"
 
 #include <cmath>
 
 namespace {
 
 constexpr float Unbounded = 1e30f;
-
-// Takes an edge out of its ports for as long as it lives, so that they can be asked what they would take
-// without it. The edges of an output keep their order.
-class TUnplugged
-{
-public:
-    explicit TUnplugged(TToolEdge* edge) : Edge(edge)
-    {
-        if (Edge == nullptr)
-            return;
-        TEffectNode* source = Edge->GetSrcNode();
-        for (int n = 0; n < source->GetNumOutputEdges(Edge->GetSrcPort()); ++n)
-            OutputEdges.push_back(source->GetOutputEdge(Edge->GetSrcPort(), n));
-        Edge->DetachEnds();
-        ClearCanConnectCache();
-    }
-    ~TUnplugged()
-    {
-        if (Edge == nullptr)
-            return;
-        TEffectNode* source = Edge->GetSrcNode();
-        for (TEffectEdge* edge : OutputEdges)
-            if (edge != Edge)
-                source->RemoveOutputEdge(Edge->GetSrcPort(), edge);
-        for (TEffectEdge* edge : OutputEdges)
-            source->AddOutputEdge(Edge->GetSrcPort(), edge);
-        Edge->AttachDestination();
-        ClearCanConnectCache();
-    }
-    TUnplugged(const TUnplugged&) = delete;
-    TUnplugged& operator=(const TUnplugged&) = delete;
-
-private:
-    TToolEdge* Edge;
-    vector<TEffectEdge*> OutputEdges;
-};
 
 TNodeObj* AsNode(TRenderObject* object)
 {
@@ -108,6 +71,9 @@ bool TGraphCanvas::Event(const TRenderEvent& event)
     case RE_PORTDRAG:
         return OnPortPressed(*static_cast<TNodeObj*>(event.Source), event.Point, event.Detail);
     case RE_KEY:
+        // A key that a control has no use for is not meant for the nodes.
+        if (event.Source != this && AsNode(event.Source) == nullptr)
+            return TRenderObjects::Event(event);
         return OnKey(event.Detail) || TRenderObjects::Event(event);
     case RE_REDRAW:
         Scene.GetHost().RedrawGraphs();
@@ -128,7 +94,7 @@ bool TGraphCanvas::OnKey(int key)
     TDocument& document = Scene.GetDocument();
     if (document.GetSelection().empty())
         return false;
-    CancelDrag();
+    Scene.CancelDrags();
     document.ApplyOperation(new TDeleteGraphNodeOp(document.GetSelection()));
     return true;
 }
@@ -184,6 +150,8 @@ void TGraphCanvas::CancelDrag()
         PlaceNodes(0, 0);
     if (Drag == DM_SIZE)
         Grabbed->SetWishedSize(SizeBefore);
+    if (Drag == DM_PRESS)
+        Grabbed->ReleaseButton();
     EndDrag();
 }
 
@@ -196,7 +164,7 @@ void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
         CancelDrag();
         return;
     }
-    if (Drag != DM_SIZE)
+    if (Drag != DM_PRESS)
         Scene.GetHost().EdgeScroll(*renderer, x, y);
     const TVector2 pointer = renderer->PixelToWorld(x, y);
     const bool released = (buttons & MB_LEFT) == 0;
@@ -217,6 +185,11 @@ void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
         Grabbed->Resize(pointer - Grabbed->GetOrigin() - Grabbed->GetPressPoint());
         if (released)
             EndDrag();
+        break;
+    case DM_PRESS:
+        Grabbed->FollowPress(pointer - Grabbed->GetOrigin());
+        if (released)
+            FinishPress(pointer);
         break;
     default:
         break;
@@ -277,6 +250,20 @@ void TGraphCanvas::BeginResize(TNodeObj& node, const TVector2& grab)
     SizeBefore = node.GetWishedSize();
 }
 
+void TGraphCanvas::BeginPress(TNodeObj& node)
+{
+    if (!BeginDrag(DM_PRESS, node))
+        return;
+    node.FollowPress(GetPointer() - node.GetOrigin());
+}
+
+void TGraphCanvas::FinishPress(const TVector2& pointer)
+{
+    TNodeObj& node = *Grabbed;
+    EndDrag();
+    node.FinishPress(pointer - node.GetOrigin());
+}
+
 // The port is told as in a TPortRef: below the number of inputs it is an input.
 bool TGraphCanvas::OnPortPressed(TNodeObj& node, const TVector2& point, int port)
 {
@@ -302,10 +289,9 @@ bool TGraphCanvas::OnPortPressed(TNodeObj& node, const TVector2& point, int port
 
 void TGraphCanvas::MarkPorts(bool on)
 {
-    const TUnplugged unplugged(on ? Picked : nullptr);
     for (TRenderObject* object : Objects)
         if (TNodeObj* node = AsNode(object))
-            node->MarkPorts(*FromPort, on);
+            node->MarkPorts(*FromPort, on, Picked);
 }
 
 TPort* TGraphCanvas::FindDropPort(const TVector2& point)

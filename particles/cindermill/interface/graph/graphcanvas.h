@@ -32,6 +32,8 @@ public:
     bool OnKey(int key);
     // Drags the node's lower right corner.
     void BeginResize(TNodeObj& node, const TVector2& grab);
+    // Holds the node's button down.
+    void BeginPress(TNodeObj& node);
     bool IsDragging() const { return Drag != DM_NONE; }
     // Everything is as before the drag.
     void CancelDrag();
@@ -47,7 +49,8 @@ private:
         DM_NONE,
         DM_NODES,
         DM_EDGE,
-        DM_SIZE
+        DM_SIZE,
+        DM_PRESS
     };
 
     bool OnNodePressed(TNodeObj& node, const TVector2& point);
@@ -57,6 +60,7 @@ private:
     void MoveNodes(const TVector2& pointer);
     void FinishNodes();
     void PlaceNodes(int dx, int dy);
+    void FinishPress(const TVector2& pointer);
     bool IsInView(double x, double y) const;
     void AimEdge(const TVector2& pointer, TPort* under);
     void FinishEdge(const TPort* under);

@@ -3,13 +3,10 @@
 #include "library/maths/scalar.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/controls/controldrag.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
-
-void TGraphSceneHost::Warn()
-{
-    Beep();
-}
+#include "particles/cindermill/main/document.h"
 
 bool TGraphRoot::Event(const TRenderEvent& event)
 {
@@ -18,16 +15,23 @@ bool TGraphRoot::Event(const TRenderEvent& event)
     return TRenderObjects::Event(event);
 }
 
+TRenderer* TGraphRoot::FindView() const
+{
+    return Scene.GetHost().GetView();
+}
+
 TGraphScene::TGraphScene(TDocument& document, TGraphSceneHost& host)
     : Document(document), Host(host), RenderRoot(*this), Grid(*this), HelpText(RenderRoot)
 {
     RenderRoot.AddObject(&Background);
     RenderRoot.AddObject(&Grid);
+    Document.SetListener(this);
 }
 
 TGraphScene::~TGraphScene()
 {
-    Grid.CancelDrag();
+    Document.SetListener(nullptr);
+    CancelDrags();
     for (auto& entry : Edges)
         delete entry.second;
     for (auto& entry : Nodes)
@@ -73,30 +77,33 @@ TNodeObj* TGraphScene::NodeAt(const TVector2& point)
     return nullptr;
 }
 
-void TGraphScene::AddNode(TToolNode* node)
+void TGraphScene::NodeAdded(TToolNode* node)
 {
+    Host.RedrawGraphs();
     Grid.CancelDrag();
     TNodeObj* object = GetNode(node);
     if (object->GetParent() == &Grid)
         return;
     Grid.AddObject(object);
     object->Relayout();
+    object->RefreshControls();
 }
 
-void TGraphScene::RemoveNode(TToolNode* node)
+void TGraphScene::NodeRemoved(TToolNode* node)
 {
-    Grid.CancelDrag();
+    Host.RedrawGraphs();
+    CancelDrags();
     HelpText.Hide();
     TNodeObj* object = FindNode(node);
     if (object == nullptr)
         return;
-    object->ReleaseButton();
     Grid.RemoveObject(object);
     TRenderObject::RemoveTick(object);
 }
 
-void TGraphScene::AddEdge(TToolEdge* edge)
+void TGraphScene::EdgeAdded(TToolEdge* edge)
 {
+    Host.RedrawGraphs();
     Grid.CancelDrag();
     TToolEdgeRenderer* renderer = GetEdge(edge);
     renderer->Layout(edge);
@@ -106,34 +113,39 @@ void TGraphScene::AddEdge(TToolEdge* edge)
     Grid.MoveToBack(renderer);
 }
 
-void TGraphScene::RemoveEdge(TToolEdge* edge)
+void TGraphScene::EdgeRemoved(TToolEdge* edge)
 {
+    Host.RedrawGraphs();
     Grid.CancelDrag();
     TToolEdgeRenderer* renderer = FindEdge(edge);
     if (renderer != nullptr)
         Grid.RemoveObject(renderer);
 }
 
-void TGraphScene::LayoutEdge(TToolEdge* edge)
+void TGraphScene::EdgeMoved(TToolEdge* edge)
 {
+    Host.RedrawGraphs();
     GetEdge(edge)->Layout(edge);
 }
 
-void TGraphScene::UnhookEdge(TToolEdge* edge)
+void TGraphScene::EdgeDetached(TToolEdge* edge)
 {
+    Host.RedrawGraphs();
     Grid.CancelDrag();
     GetEdge(edge)->Unhook();
 }
 
-void TGraphScene::TouchNode(TToolNode* node)
+void TGraphScene::NodeChanged(TToolNode* node)
 {
+    Host.RedrawGraphs();
     TNodeObj* object = FindNode(node);
     if (object != nullptr)
         object->Refresh();
 }
 
-void TGraphScene::RelayoutNode(TToolNode* node)
+void TGraphScene::NodeTypeChanged(TToolNode* node)
 {
+    Host.RedrawGraphs();
     TNodeObj* object = FindNode(node);
     if (object != nullptr)
         object->Relayout();
@@ -156,6 +168,25 @@ void TGraphScene::LayoutEdges(TToolNode* node)
             layout(node->GetOutputEdge(i, n));
 }
 
+// Polytypes and what follows them may have another type than before.
+void TGraphScene::GraphChanged()
+{
+    for (auto& entry : Nodes)
+        if (entry.second->GetParent() == &Grid)
+            entry.second->RefreshControls();
+}
+
+bool TGraphScene::CancelDrags()
+{
+    const bool isDragging = Grid.IsDragging();
+    Grid.CancelDrag();
+    TControlDrag* drag = dynamic_cast<TControlDrag*>(TWimp::Get().GetMouseDrag());
+    if (drag == nullptr || !drag->GetObject().IsIn(RenderRoot))
+        return isDragging;
+    drag->Cancel();
+    return true;
+}
+
 // By the type alone: the node may be too new to have a view object.
 void TGraphScene::GetNodeHalfSize(TToolNode* node, int& x, int& y)
 {
@@ -164,9 +195,9 @@ void TGraphScene::GetNodeHalfSize(TToolNode* node, int& x, int& y)
     y = FloatToInt(size[1] * 0.5);
 }
 
-void TGraphScene::ForgetNode(TToolNode* node)
+void TGraphScene::NodeGoes(TToolNode* node)
 {
-    RemoveNode(node);
+    NodeRemoved(node);
     auto it = Nodes.find(node);
     if (it == Nodes.end())
         return;
@@ -177,9 +208,9 @@ void TGraphScene::ForgetNode(TToolNode* node)
     Nodes.erase(it);
 }
 
-void TGraphScene::ForgetEdge(TToolEdge* edge)
+void TGraphScene::EdgeGoes(TToolEdge* edge)
 {
-    RemoveEdge(edge);
+    EdgeRemoved(edge);
     auto it = Edges.find(edge);
     if (it == Edges.end())
         return;

@@ -2,6 +2,8 @@
 
 #include "library/containers/sortedmap.h"
 #include "library/wimp/gl/renderobjects.h"
+#include "particles/cindermill/graph/operations/graphlistener.h"
+#include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/graph/graphcanvas.h"
 #include "particles/cindermill/interface/graph/gridrender.h"
 #include "particles/cindermill/interface/graph/help.h"
@@ -15,19 +17,13 @@ class TToolEdgeRenderer;
 class TToolNode;
 
 // What the drawing of a graph asks of the windows that show it.
-class TGraphSceneHost
+class TGraphSceneHost : public TControlHost
 {
 public:
-    virtual ~TGraphSceneHost() = default;
-    // All graph views of the document.
-    virtual void RedrawGraphs() = 0;
     // Scrolls the view of the renderer if the pixel lies close to its edge; for running drags.
     virtual void EdgeScroll(TRenderer& renderer, double x, double y) = 0;
-    // The mouse stays with the view of the renderer until it is released, as the framework's drag.
-    virtual void BeginDrag(TRenderer& renderer, TMouseDrag& drag) = 0;
-    virtual void EndDrag(TRenderer& renderer) = 0;
-    // What was asked for cannot be done: the system's warning sound.
-    virtual void Warn();
+    // The first view of the graph; null for none.
+    virtual TRenderer* GetView() { return nullptr; }
 };
 
 // The root of what a view shows. With the focus, it hands keys to the canvas.
@@ -36,37 +32,40 @@ class TGraphRoot : public TRenderObjects
 public:
     explicit TGraphRoot(TGraphScene& scene) : Scene(scene) {}
     bool Event(const TRenderEvent& event) override;
+    TRenderer* FindView() const override;
 
 private:
     TGraphScene& Scene;
 };
 
 // A document's graph as render objects, shared by all its views: the background, the canvas with nodes and
-// edges, the help line. Follows the document: each tool node and tool edge of the graph has its view object
+// edges, the help line. Hears of the document: each tool node and tool edge of the graph has its view object
 // here.
-class TGraphScene
+class TGraphScene : public TGraphListener
 {
 public:
     TGraphScene(TDocument& document, TGraphSceneHost& host);
-    ~TGraphScene();
+    ~TGraphScene() override;
     TGraphScene(const TGraphScene&) = delete;
     TGraphScene& operator=(const TGraphScene&) = delete;
 
     // A view object is made when first asked for, and stays as long as the scene: undone nodes come back as
     // they were.
-    void AddNode(TToolNode* node);
-    void RemoveNode(TToolNode* node);
-    void AddEdge(TToolEdge* edge);
-    void RemoveEdge(TToolEdge* edge);
-    // Ports, bypass or selection have changed; the node type has; the place has.
-    void TouchNode(TToolNode* node);
-    void RelayoutNode(TToolNode* node);
-    void LayoutEdge(TToolEdge* edge);
-    void UnhookEdge(TToolEdge* edge);
-    void GetNodeHalfSize(TToolNode* node, int& x, int& y);
-    // The node or edge is about to be deleted.
-    void ForgetNode(TToolNode* node);
-    void ForgetEdge(TToolEdge* edge);
+    void NodeAdded(TToolNode* node) override;
+    void NodeRemoved(TToolNode* node) override;
+    void EdgeAdded(TToolEdge* edge) override;
+    void EdgeRemoved(TToolEdge* edge) override;
+    void NodeChanged(TToolNode* node) override;
+    void NodeTypeChanged(TToolNode* node) override;
+    void EdgeMoved(TToolEdge* edge) override;
+    void EdgeDetached(TToolEdge* edge) override;
+    void NodeGoes(TToolNode* node) override;
+    void EdgeGoes(TToolEdge* edge) override;
+    void GraphChanged() override;
+    void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
+
+    // Ends a drag of the canvas or of a control without effect. False if none runs.
+    bool CancelDrags();
 
     // Null for a node that is not in the graph.
     TNodeObj* FindNode(const TToolNode* node) const;

@@ -2,6 +2,7 @@
 
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderer.h"
+#include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/effectgraph/nodetype.h"
 
 namespace {
@@ -47,9 +48,15 @@ constexpr float PictureOpacity = 0.7f;
 
 TNodeExp::~TNodeExp()
 {
+    DeleteControls();
+    DeletePorts();
+}
+
+void TNodeExp::DeleteControls()
+{
     for (const TControls& controls : Controls)
         delete controls.Object;
-    DeletePorts();
+    Controls.clear();
 }
 
 void TNodeExp::DeletePorts()
@@ -89,7 +96,7 @@ void TNodeExp::Build(const TNodeType& type, const TVector2& closedSize)
 
 TVector2 TNodeExp::PlaceControls(float top)
 {
-    // The controls' own places stand in one line; their labels reach to the left of it.
+    // The groups' own places stand in one line; their labels end left of it.
     TVector2 min;
     TVector2 max;
     float left = 0;
@@ -105,15 +112,16 @@ TVector2 TNodeExp::PlaceControls(float top)
     for (const TControls& controls : Controls) {
         if (!controls.Visible)
             continue;
-        controls.Object->GetBounds(min, max);
-        controls.Object->SetOrigin(TVector2(ControlsSide - left, y - min[1]));
-        y = static_cast<float>(double(y) + max[1] - min[1] + ControlsGap);
+        TVector2 size;
+        controls.Object->GetSize(size);
+        controls.Object->SetOrigin(TVector2(ControlsSide - left, y));
+        y = static_cast<float>(double(y) + size[1] + ControlsGap);
     }
     const float height = y > top ? y - top - ControlsGap : 0.0f;
     return TVector2(right - left, height);
 }
 
-void TNodeExp::AddControls(TRenderObject* controls, int inputPort)
+void TNodeExp::AddControls(TNodeParameterControls* controls, int inputPort)
 {
     TControls entry;
     entry.Object = controls;

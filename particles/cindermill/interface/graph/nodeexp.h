@@ -5,6 +5,8 @@
 #include "particles/cindermill/interface/graph/nodepanel.h"
 #include "particles/cindermill/interface/graph/port.h"
 
+class TNodeParameterControls;
+
 // The parts of an open node that take clicks.
 enum TNodeExpRegion
 {
@@ -32,8 +34,10 @@ public:
     // For a node; the size is the closed one's, and grows by what the panel needs.
     void Build(const TNodeType& type, const TVector2& closedSize);
     // Takes ownership. The port is that of the input whose value the controls edit, or -1.
-    void AddControls(TRenderObject* controls, int inputPort);
+    void AddControls(TNodeParameterControls* controls, int inputPort);
+    void DeleteControls();
     int GetNumControls() const { return Controls.size(); }
+    TNodeParameterControls& GetControls(int i) const { return *Controls[i].Object; }
     int GetControlsPort(int i) const { return Controls[i].Port; }
     bool IsControlsVisible(int i) const { return Controls[i].Visible; }
     // True if that changed anything; the layout is then to be done anew.
@@ -45,13 +49,14 @@ public:
     void GetBounds(TVector2& min, TVector2& max) override;
     // The controls only.
     TRenderObject* HitTest(const TVector2& point) override;
+    bool IsFieldPanel() const override { return true; }
     int GetRegion(const TVector2& point) const;
     TNodePanel& GetPanel() { return Panel; }
 
 private:
     struct TControls
     {
-        TRenderObject* Object = nullptr;
+        TNodeParameterControls* Object = nullptr;
         int Port = -1;
         bool Visible = true;
     };

@@ -3,7 +3,9 @@
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/main/document.h"
 
@@ -15,8 +17,8 @@ constexpr float DrawnMargin = 8.0f;
 constexpr float DropMargin = 12.0f;
 constexpr float DropDepth = 36.0f;
 
-// Whether an edge may run between the two, apart from what is there already.
-bool CanTake(const TPort& from, const TPort& to)
+// Whether an edge may run between the two when the other edge, if there is one, is away.
+bool CanTake(const TPort& from, const TPort& to, const TToolEdge* away)
 {
     if (from.IsInput() == to.IsInput() || from.GetNode() == to.GetNode())
         return false;
@@ -24,8 +26,9 @@ bool CanTake(const TPort& from, const TPort& to)
     const TPort& input = from.IsInput() ? from : to;
     TToolNode* source = output.GetNode()->GetToolNode();
     TToolNode* destination = input.GetNode()->GetToolNode();
-    return destination->GetInput(input.GetIndex()) == nullptr &&
-           CanConnect(source, output.GetIndex(), destination, input.GetIndex());
+    const TEffectEdge* there = destination->GetInput(input.GetIndex());
+    return (there == nullptr || there == away) &&
+           CanConnectWithout(away, source, output.GetIndex(), destination, input.GetIndex());
 }
 
 } // namespace
@@ -60,6 +63,8 @@ void TNodeObj::Build(TToolNode* toolNode)
     MousePressed = false;
     Collapsed = true;
     Selected = false;
+    PanelBuilt = false;
+    Expanded.DeleteControls();
     BuildPorts();
     BuildPanels();
     Refresh();
@@ -97,8 +102,8 @@ void TNodeObj::BuildPanels()
         if (WishedSize[i] > size[i])
             size[i] = WishedSize[i];
     Body.Build(type, size);
-    Body.GetPanel().SetOpenable(CanOpen());
-    Expanded.Build(type, size);
+    if (PanelBuilt)
+        Expanded.Build(type, size);
     PlacePorts();
     TouchBounds();
 }
@@ -134,6 +139,7 @@ void TNodeObj::Refresh()
     SetOrigin(TVector2(static_cast<float>(ToolNode->GetX()), static_cast<float>(ToolNode->GetY())));
     if (UpdateConnections())
         BuildPanels();
+    Body.GetPanel().SetOpenable(CanOpen());
     UpdateBypass();
     LayoutEdges();
 }
@@ -144,10 +150,43 @@ void TNodeObj::Relayout()
     Refresh();
 }
 
-void TNodeObj::AddControls(TRenderObject* controls, int inputPort)
+bool TNodeObj::CanOpen() const
 {
-    Expanded.AddControls(controls, inputPort);
+    if (PanelBuilt)
+        return Expanded.HasVisibleControls();
+    const TNodeType& type = *ToolNode->GetNodeType();
+    bool hasFreeInput = false;
+    for (int i = 0; i < type.GetNumInputs(); ++i)
+        hasFreeInput = hasFreeInput || ToolNode->GetInput(i) == nullptr;
+    return hasFreeInput || type.GetNumParameters() > 0;
+}
+
+// The type's parameters stand first, then its input ports.
+void TNodeObj::BuildControls()
+{
+    if (PanelBuilt)
+        return;
+    PanelBuilt = true;
+    const TNodeType& type = *ToolNode->GetNodeType();
+    for (int i = 0; i < type.GetNumParameters(); ++i)
+        AddControls(*type.GetParameter(i), -1);
+    for (int i = 0; i < type.GetNumInputs(); ++i)
+        AddControls(*type.GetInput(i), i);
     Relayout();
+}
+
+void TNodeObj::AddControls(TNodeParameter& parameter, int inputPort)
+{
+    TNodeParameterControls* controls =
+        CreateParameterControls(Scene.GetDocument(), *ToolNode, parameter, Scene.GetHost());
+    if (controls != nullptr)
+        Expanded.AddControls(controls, inputPort);
+}
+
+void TNodeObj::RefreshControls()
+{
+    for (int i = 0; i < Expanded.GetNumControls(); ++i)
+        Expanded.GetControls(i).Refresh();
 }
 
 void TNodeObj::LayoutEdges()
@@ -293,12 +332,12 @@ TVector2 TNodeObj::GetPortPosition(bool input, int index) const
     return Origin + GetPortPlace(input, index, GetSize()[0]);
 }
 
-void TNodeObj::MarkPorts(const TPort& port, bool on)
+void TNodeObj::MarkPorts(const TPort& port, bool on, const TToolEdge* away)
 {
     for (TPort* own : InPorts)
-        own->SetMarked(on && CanTake(port, *own));
+        own->SetMarked(on && CanTake(port, *own, away));
     for (TPort* own : OutPorts)
-        own->SetMarked(on && CanTake(port, *own));
+        own->SetMarked(on && CanTake(port, *own, away));
 }
 
 bool TNodeObj::CanBypass() const
@@ -329,21 +368,12 @@ bool TNodeObj::Event(const TRenderEvent& event)
     if (Parent == nullptr)
         return false;
     if (event.Source != this && event.Code < RE_REDRAW)
-        return TRenderObjects::Event(event);
+        return OnControlsEvent(event);
     if (event.Code < RE_REDRAW && event.Code != RE_HOVER && Scene.GetHelp().Hide())
         SendToParent(RE_REDRAW, event.Point, 0);
     switch (event.Code) {
     case RE_LEFTDOWN:
         return OnLeftDown(event.Point);
-    case RE_LEFTUP:
-        return OnLeftUp(event.Point);
-    case RE_ENTER:
-    case RE_MOVE:
-        OnMove(event.Point);
-        return TRenderObjects::Event(event);
-    case RE_LEAVE:
-        ReleaseButton();
-        return TRenderObjects::Event(event);
     case RE_HOVER:
         OnHover(event.Point);
         return true;
@@ -354,6 +384,16 @@ bool TNodeObj::Event(const TRenderEvent& event)
     default:
         return TRenderObjects::Event(event);
     }
+}
+
+// What a control leaves. A press there is one on the node's body.
+bool TNodeObj::OnControlsEvent(const TRenderEvent& event)
+{
+    if (event.Code != RE_LEFTDOWN)
+        return TRenderObjects::Event(event);
+    Scene.GetHelp().Hide();
+    SetFocus(this, GetRenderer());
+    return SendToParent(RE_NODEDRAG, GetPointer() - GetAbsolutePosition(), 0);
 }
 
 bool TNodeObj::OnLeftDown(const TVector2& point)
@@ -368,10 +408,8 @@ bool TNodeObj::OnLeftDown(const TVector2& point)
         return SendToParent(RE_PORTDRAG, point,
                             port->IsInput() ? port->GetIndex() : GetNumPorts(true) + port->GetIndex());
     if (HitsButton(point)) {
-        MousePressed = true;
-        Body.SetVisualState(VS_PRESSED);
-        Expanded.SetVisualState(VS_PRESSED);
-        return SendToParent(RE_REDRAW, point, 0);
+        Scene.GetCanvas().BeginPress(*this);
+        return true;
     }
     const bool grip = Collapsed ? Body.GetRegion(point) == NR_GRIP : Expanded.GetRegion(point) == XR_GRIP;
     if (grip) {
@@ -387,38 +425,42 @@ void TNodeObj::ToggleBypass()
     Scene.GetDocument().ApplyOperation(new TBypassFlagOp(ToolNode, set));
 }
 
-void TNodeObj::ReleaseButton()
+// The button comes up while the pointer is beside it, and goes down again when it comes back.
+void TNodeObj::FollowPress(const TVector2& point)
 {
-    if (!MousePressed)
-        return;
-    MousePressed = false;
-    Body.SetVisualState(VS_RELEASED);
-    Expanded.SetVisualState(VS_RELEASED);
-    SendToParent(RE_REDRAW, TVector2(0, 0), 0);
+    ShowPressed(HitsButton(point));
 }
 
-void TNodeObj::OnMove(const TVector2& point)
+void TNodeObj::FinishPress(const TVector2& point)
 {
-    if (MousePressed && !HitsButton(point))
-        ReleaseButton();
-}
-
-bool TNodeObj::OnLeftUp(const TVector2& point)
-{
-    if (!MousePressed)
-        return false;
     ReleaseButton();
     if (!HitsButton(point))
-        return true;
+        return;
+    if (Collapsed && CanOpen())
+        BuildControls();
     if (Collapsed && !CanOpen()) {
         Scene.GetHost().Warn();
-        return true;
+        return;
     }
     SetOpen(Collapsed);
     PlacePorts();
     Scene.GetCanvas().MoveToFront(this);
     SendToParent(RE_REDRAW, point, 0);
-    return true;
+}
+
+void TNodeObj::ReleaseButton()
+{
+    ShowPressed(false);
+}
+
+void TNodeObj::ShowPressed(bool pressed)
+{
+    if (MousePressed == pressed)
+        return;
+    MousePressed = pressed;
+    Body.SetVisualState(pressed ? VS_PRESSED : VS_RELEASED);
+    Expanded.SetVisualState(pressed ? VS_PRESSED : VS_RELEASED);
+    SendToParent(RE_REDRAW, TVector2(0, 0), 0);
 }
 
 void TNodeObj::OnHover(const TVector2& point)

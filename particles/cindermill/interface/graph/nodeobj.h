@@ -9,7 +9,9 @@
 
 class TDocument;
 class TGraphScene;
+class TNodeParameter;
 class TNodeType;
+class TToolEdge;
 class TToolNode;
 
 // A node in the graph view. Turns clicks into selection, drags, bypassing, opening and closing. Only what
@@ -33,12 +35,17 @@ public:
     bool IsSelected() const;
     bool IsCollapsed() const { return Collapsed; }
     bool IsPressed() const { return MousePressed; }
-    // The pressed button forgets the press.
+    // While the mouse holds the button that opens and closes: the canvas runs the press. The point is
+    // relative to the node's place.
+    void FollowPress(const TVector2& point);
+    void FinishPress(const TVector2& point);
     void ReleaseButton();
-    // Takes ownership of controls for the panel of the open node; see TNodeExp.
-    void AddControls(TRenderObject* controls, int inputPort);
-    // The panel has something to show.
-    bool CanOpen() const { return Expanded.HasVisibleControls(); }
+    // The controls of the open panel show what their parameters are now.
+    void RefreshControls();
+    // The panel has something to show. Until it has been built, the type tells.
+    bool CanOpen() const;
+    // The controls are made when the node is first opened.
+    bool HasPanel() const { return PanelBuilt; }
 
     void Render(TRenderer& renderer) override;
     // All that is drawn.
@@ -69,8 +76,9 @@ public:
     // the label's row will do.
     TPort* FindPort(const TVector2& point);
     TPort* FindDropPort(const TVector2& point);
-    // Marks the ports at which an edge from the port may end; their marks go with `on` false.
-    void MarkPorts(const TPort& port, bool on);
+    // Marks the ports at which an edge from the port may end when the other edge, if there is one, is away;
+    // their marks go with `on` false.
+    void MarkPorts(const TPort& port, bool on, const TToolEdge* away = nullptr);
 
     TBypass& GetBypass() { return Bypass; }
     TNode& GetBody() { return Body; }
@@ -81,6 +89,8 @@ private:
     void BuildPorts();
     void PlacePorts();
     void BuildPanels();
+    void BuildControls();
+    void AddControls(TNodeParameter& parameter, int inputPort);
     void LayoutEdges();
     bool UpdateConnections();
     void UpdateBypass();
@@ -88,11 +98,11 @@ private:
     bool HitsButton(const TVector2& point) const;
     bool IsInside(const TVector2& point) const;
     bool CanBypass() const;
+    bool OnControlsEvent(const TRenderEvent& event);
     bool OnLeftDown(const TVector2& point);
-    bool OnLeftUp(const TVector2& point);
-    void OnMove(const TVector2& point);
     void OnHover(const TVector2& point);
     void ToggleBypass();
+    void ShowPressed(bool pressed);
     bool SendToParent(int code, const TVector2& point, int detail);
 
     TGraphScene& Scene;
@@ -104,6 +114,7 @@ private:
     TVector2 WishedSize = TVector2(0, 0);
     bool MousePressed = false;
     bool Collapsed = true;
+    bool PanelBuilt = false;
     bool Selected = false;
     vector<TPort*> InPorts;
     vector<TPort*> OutPorts;

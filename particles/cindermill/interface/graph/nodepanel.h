@@ -2,8 +2,8 @@
 
 #include "library/containers/vector.h"
 #include "library/wimp/gl/renderpath.h"
+#include "particles/cindermill/interface/controls/outlines.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
-#include "particles/cindermill/interface/graph/outlines.h"
 
 class TNodeType;
 

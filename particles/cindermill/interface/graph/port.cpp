@@ -1,8 +1,8 @@
 #include "particles/cindermill/interface/graph/port.h"
 
 #include "library/wimp/gl/renderer.h"
+#include "particles/cindermill/interface/controls/outlines.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
-#include "particles/cindermill/interface/graph/outlines.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/controls/outlines.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
-#include "particles/cindermill/interface/graph/outlines.h"
 
 namespace {
 

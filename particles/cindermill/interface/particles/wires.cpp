@@ -3,6 +3,7 @@
 #include <GL/glew.h>
 
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
@@ -10,9 +11,24 @@ constexpr int RingSteps = 50;
 // Of a sphere: parallels and meridians, ten in all.
 constexpr int NumParallels = 5;
 constexpr int NumMeridians = 5;
-// More lines than this are as good as a filled square.
+// More lines than this are as good as a filled square: then some of them stand for all.
 constexpr int MaxDivisions = 1000;
 constexpr double Pi = 3.14159265358979323846;
+
+int CountDrawn(int divisions)
+{
+    return divisions < MaxDivisions ? divisions : MaxDivisions;
+}
+
+// Of the drawn lines, from -1 to 1.
+float PlaceOfLine(int i, int divisions)
+{
+    const int drawn = CountDrawn(divisions);
+    if (drawn == 0)
+        return -1;
+    const int64_t line = int64_t{i} * divisions / drawn;
+    return static_cast<float>(static_cast<double>(line) * (2.0 / divisions) - 1.0);
+}
 
 } // namespace
 
@@ -48,16 +64,12 @@ void TWires::Line(const TVector3& from, const TVector3& to)
 
 void TWires::Grid(int xDivisions, int yDivisions)
 {
-    const auto place = [](int i, int divisions) {
-        const double step = divisions != 0 ? 2.0 / divisions : 0.0;
-        return static_cast<float>(i * step - 1.0);
-    };
-    for (int i = 0; i <= xDivisions && i <= MaxDivisions; ++i) {
-        const float x = place(i, xDivisions);
+    for (int i = 0; i <= CountDrawn(xDivisions); ++i) {
+        const float x = PlaceOfLine(i, xDivisions);
         Line(TVector3(x, 0, -1), TVector3(x, 0, 1));
     }
-    for (int i = 0; i <= yDivisions && i <= MaxDivisions; ++i) {
-        const float z = place(i, yDivisions);
+    for (int i = 0; i <= CountDrawn(yDivisions); ++i) {
+        const float z = PlaceOfLine(i, yDivisions);
         Line(TVector3(-1, 0, z), TVector3(1, 0, z));
     }
 }

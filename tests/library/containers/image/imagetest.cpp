@@ -310,8 +310,16 @@ TEST(TImage, AnUnknownCodeIsWhite)
 {
     EXPECT_EQ(HvtPixel(0x05, 0xAAAA, Bytes({1, 2, 3, 4})), (TPixel{255, 255, 255, 255}));
     EXPECT_EQ(HvtPixel(0x03, 0xAAE4, Bytes({1, 2})), (TPixel{255, 255, 255, 255}));
-    // The remap is taken whole.
+    // Three bytes of the remap count.
     EXPECT_EQ(HvtPixel(0x05, 0x1AA93, Bytes({1, 2, 3, 4})), (TPixel{255, 255, 255, 255}));
+}
+
+TEST(TImage, AnHvtRemapCountsWithItsLow24Bits)
+{
+    for (const uint32_t top : {0x01000000u, 0x05000000u, 0xFF000000u}) {
+        EXPECT_EQ(HvtPixel(0x05, top | 0xAA93, Bytes({1, 2, 3, 4})), (TPixel{1, 2, 3, 4})) << top;
+        EXPECT_EQ(HvtPixel(0x15, top | 0x1AAE4, Bytes({1, 2, 3, 4})), (TPixel{1, 1, 1, 3})) << top;
+    }
 }
 
 TEST(TImage, TheTopBitsOfTheHvtFormatByteAreNotLookedAt)

@@ -567,6 +567,19 @@ TEST_F(TSplitWindowTest, AGapIsDragged)
     EXPECT_EQ(Place(0).width(), 100);
 }
 
+TEST_F(TSplitWindowTest, ADragThatLosesTheMouseIsOver)
+{
+    Owner.Split.AddPane(&Panes[0], false, nullptr, -1);
+    Owner.Split.AddPane(&Panes[1], false, &Panes[0], 200);
+    QTest::mousePress(Widget(), Qt::LeftButton, {}, QPoint(201, 100));
+    QTest::mouseMove(Widget(), QPoint(251, 120));
+    // As when a dialog opens: the release is never heard of.
+    TWimp::Get().LoseMouseDrag();
+    EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
+    QTest::mouseMove(Widget(), QPoint(301, 120));
+    EXPECT_EQ(Place(0).width(), 250);
+}
+
 TEST_F(TSplitWindowTest, AnUprightGapIsDragged)
 {
     Owner.Split.AddPane(&Panes[0], true, nullptr, -1);

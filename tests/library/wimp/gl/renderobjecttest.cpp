@@ -445,6 +445,29 @@ TEST_F(TRouting, DestroyingTheHoveredOrFocusedObjectLeavesTheRoutingStateNull)
     EXPECT_EQ(TRenderObject::GetHover(), &A);
 }
 
+TEST_F(TRouting, AnObjectThatLeavesTheTreeOrIsHiddenIsLeftByThePointer)
+{
+    Move(15, 15);
+    ASSERT_EQ(TRenderObject::GetHover(), &A);
+    A.Events.clear();
+    Root.RemoveObject(&A);
+    EXPECT_EQ(TRenderObject::GetHover(), nullptr);
+    EXPECT_EQ(A.GetCodes(), (TCodes{RE_LEAVE}));
+    A.Events.clear();
+    TMessage hover = MakeMessage(MT_TIMER);
+    hover.Timer = 1;
+    Route(hover);
+    EXPECT_EQ(A.GetCodes(), TCodes());
+    Root.AddObject(&A);
+    Move(55, 55);
+    ASSERT_EQ(TRenderObject::GetHover(), &B);
+    // What the pointer is not on is hidden without a word.
+    A.LoseInput();
+    EXPECT_EQ(TRenderObject::GetHover(), &B);
+    B.LoseInput();
+    EXPECT_EQ(TRenderObject::GetHover(), nullptr);
+}
+
 TEST_F(TRouting, AnObjectDestroyedWhileTheOldOneIsLeftIsNotEntered)
 {
     auto doomed = std::make_unique<TDrawnObject>();
@@ -617,42 +640,139 @@ TEST_F(TLosing, WithoutAHomeTheFocusIsNobodys)
     EXPECT_EQ(TRenderObject::GetCapture(), nullptr);
 }
 
-TEST(TTicks, AnObjectIsTickedOnceHoweverOftenItIsAdded)
-{
-    TDrawnObject object;
-    EXPECT_FALSE(TRenderObject::HasTicks());
-    TRenderObject::AddTick(&object);
-    TRenderObject::AddTick(&object);
-    EXPECT_TRUE(TRenderObject::HasTicks());
-    TRenderObject::RunTicks(nullptr);
-    EXPECT_EQ(object.NumTicks, 1);
-    TRenderObject::RemoveTick(&object);
-    TRenderObject::RunTicks(nullptr);
-    EXPECT_EQ(object.NumTicks, 1);
-    EXPECT_FALSE(TRenderObject::HasTicks());
-}
+namespace {
 
-TEST(TTicks, AnObjectThatRemovesItselfInsideTickDoesNotDisturbThePass)
+// Two views of the same objects. The overlay stands beside A in the tree and over A and B in the picture.
+class TTwoViews : public TRouting
 {
-    TDrawnObject objects[3];
-    for (TDrawnObject& object : objects) {
-        TRenderObject::AddTick(&object);
-        object.OnTick = [&object] { TRenderObject::RemoveTick(&object); };
+protected:
+    void SetUp() override
+    {
+        TRouting::SetUp();
+        Second.Init(&Other);
+        Root.AddObjectFront(&List);
+        List.Min = TVector2(5, 5);
+        List.Max = TVector2(60, 60);
+        List.SetOrigin(TVector2(2, 2));
     }
-    TRenderObject::RunTicks(nullptr);
-    for (const TDrawnObject& object : objects)
-        EXPECT_EQ(object.NumTicks, 1);
-    EXPECT_FALSE(TRenderObject::HasTicks());
+    void TearDown() override
+    {
+        List.OnEvent = nullptr;
+        TRenderObject::SetOverlay(nullptr);
+        TRouting::TearDown();
+    }
+    bool RouteOther(const TMessage& message) { return TRenderObject::Route(Second, Root, message); }
+
+    TFakeWindow Other{200, 150};
+    TRenderer Second;
+    TDrawnObject List;
+};
+
+} // namespace
+
+TEST_F(TTwoViews, TheOverlayIsHitBeforeEverythingInItsViewOnly)
+{
+    TRenderObject::SetOverlay(&List, &Renderer);
+    EXPECT_TRUE(Route(MakeMessage(MT_LEFTDOWN, 15, 16)));
+    EXPECT_EQ(List.GetCodes(), (TCodes{RE_LEFTDOWN}));
+    EXPECT_EQ(List.Events[0].Point, TVector2(13, 14));
+    EXPECT_TRUE(A.Events.empty());
+    List.Consumes = false;
+    EXPECT_TRUE(RouteOther(MakeMessage(MT_LEFTDOWN, 15, 16)));
+    EXPECT_EQ(A.GetCodes(), (TCodes{RE_LEFTDOWN}));
+    Move(16, 16);
+    EXPECT_EQ(TRenderObject::GetHover(), &List);
+    EXPECT_EQ(TRenderObject::FindOverlay(Renderer, Root), &List);
+    EXPECT_EQ(TRenderObject::FindOverlay(Second, Root), nullptr);
 }
 
-TEST(TTicks, AnObjectDestroyedByAnothersTickIsNotTicked)
+TEST_F(TTwoViews, APressBesideTheOverlayIsTheOverlaysFirst)
 {
-    TDrawnObject first;
-    auto second = std::make_unique<TDrawnObject>();
-    TDrawnObject third;
-    first.OnTick = [&] { second.reset(); };
-    for (TRenderObject* object : std::vector<TRenderObject*>{&first, second.get(), &third})
-        TRenderObject::AddTick(object);
-    TRenderObject::RunTicks(nullptr);
-    EXPECT_EQ(third.NumTicks, 1);
+    TRenderObject::SetOverlay(&List, &Renderer);
+    List.OnEvent = [](const TRenderEvent& event) {
+        if (event.Code == RE_PRESSEDOUTSIDE)
+            TRenderObject::SetOverlay(nullptr);
+        return event.Code == RE_PRESSEDOUTSIDE;
+    };
+    EXPECT_TRUE(Route(MakeMessage(MT_LEFTDOWN, 65, 65)));
+    EXPECT_EQ(List.GetCodes(), (TCodes{RE_PRESSEDOUTSIDE}));
+    EXPECT_TRUE(B.Events.empty());
+    // Gone, it hears of nothing any more.
+    Route(MakeMessage(MT_LEFTDOWN, 65, 65));
+    EXPECT_EQ(List.Events.size(), 1u);
+    EXPECT_EQ(B.GetCodes(), (TCodes{RE_LEFTDOWN}));
+}
+
+TEST_F(TTwoViews, APressInAnotherViewIsBesideTheOverlayWhereverItIs)
+{
+    TRenderObject::SetOverlay(&List, &Renderer);
+    EXPECT_TRUE(RouteOther(MakeMessage(MT_LEFTDOWN, 15, 15)));
+    EXPECT_EQ(List.GetCodes(), (TCodes{RE_PRESSEDOUTSIDE}));
+    EXPECT_TRUE(A.Events.empty());
+}
+
+TEST_F(TTwoViews, WhatTheOverlayDoesNotTakeGoesOnToWhatIsUnderThePointer)
+{
+    TRenderObject::SetOverlay(&List, &Renderer);
+    List.Consumes = false;
+    EXPECT_TRUE(Route(MakeMessage(MT_LEFTDOWN, 65, 65)));
+    EXPECT_EQ(List.GetCodes(), (TCodes{RE_PRESSEDOUTSIDE}));
+    EXPECT_EQ(B.GetCodes(), (TCodes{RE_LEFTDOWN}));
+    // It is only of presses that it hears.
+    Route(MakeMessage(MT_LEFTUP, 65, 65));
+    EXPECT_EQ(List.Events.size(), 1u);
+}
+
+TEST_F(TTwoViews, TheOverlayEndsWhenItIsHiddenOrItsViewGoes)
+{
+    TRenderObject::SetOverlay(&List, &Renderer);
+    Root.RemoveObject(&List);
+    EXPECT_EQ(TRenderObject::GetOverlay(), nullptr);
+    Root.AddObject(&List);
+    auto third = std::make_unique<TRenderer>();
+    third->Init(&Other);
+    TRenderObject::SetOverlay(&List, third.get());
+    third.reset();
+    EXPECT_EQ(TRenderObject::GetOverlay(), nullptr);
+}
+
+TEST_F(TTwoViews, KeysOfAnotherViewDoNotReachTheFocus)
+{
+    TRenderObject::SetFocus(&A, &Renderer);
+    EXPECT_EQ(TRenderObject::GetFocusView(), &Renderer);
+    EXPECT_FALSE(RouteOther(MakeKey(MT_KEYDOWN, KEY_DELETE)));
+    EXPECT_FALSE(RouteOther(MakeMessage(MT_WHEEL)));
+    EXPECT_TRUE(A.Events.empty());
+    EXPECT_TRUE(Route(MakeKey(MT_KEYDOWN, KEY_DELETE)));
+    // What takes the focus over has it in the same view, until another is named.
+    TRenderObject::SetFocus(&B);
+    EXPECT_EQ(TRenderObject::GetFocusView(), &Renderer);
+    TRenderObject::SetFocus(&B, &Second);
+    EXPECT_EQ(TRenderObject::GetFocusView(), &Second);
+    EXPECT_FALSE(Route(MakeKey(MT_KEYDOWN, KEY_DELETE)));
+    EXPECT_TRUE(RouteOther(MakeKey(MT_KEYDOWN, KEY_DELETE)));
+}
+
+TEST_F(TTwoViews, TheFocusOfAViewThatGoesIsNotTold)
+{
+    auto third = std::make_unique<TRenderer>();
+    third->Init(&Other);
+    TRenderObject::SetFocus(&A, third.get());
+    third.reset();
+    EXPECT_EQ(TRenderObject::GetFocus(), nullptr);
+    EXPECT_TRUE(A.Events.empty());
+}
+
+TEST_F(TTwoViews, ACaptureTakesThePointerInItsViewOnly)
+{
+    A.OnEvent = [this](const TRenderEvent& event) {
+        if (event.Code == RE_LEFTDOWN)
+            TRenderObject::SetCapture(&List);
+        return true;
+    };
+    Route(MakeMessage(MT_LEFTDOWN, 15, 15));
+    Move(15, 15);
+    EXPECT_EQ(TRenderObject::GetHover(), &List);
+    RouteOther(MakeMessage(MT_MOUSEMOVE, 15, 15));
+    EXPECT_EQ(TRenderObject::GetHover(), &A);
 }

@@ -287,6 +287,9 @@ TEST_F(TTextures, TheAlphaFormShowsTheAlphaChannel)
     EXPECT_EQ(PaintTexture(texture, White, true).At(30, 40), (TPixel{255, 255, 255, 255}));
     texture.Create(1, 1, TF_RGBA8, clear);
     EXPECT_EQ(PaintTexture(texture, White, true).At(30, 40), (TPixel{0, 0, 0, 255}));
+    const unsigned char half[4] = {255, 0, 0, 128};
+    texture.Create(1, 1, TF_RGBA8, half);
+    EXPECT_EQ(PaintTexture(texture, White, true).At(30, 40), (TPixel{128, 128, 128, 255}));
 }
 
 TEST_F(TTextures, PicturesOfOddSizesKeepTheirPixels)

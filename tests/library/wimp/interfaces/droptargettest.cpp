@@ -103,9 +103,22 @@ TEST_F(TDropTargetTest, AWindowWithoutItsTargetTakesNothing)
 
 TEST_F(TDropTargetTest, ATargetOutlivesItsWindow)
 {
+    Data.setUrls({QUrl::fromLocalFile("/tmp/a.effect")});
+    Drop();
+    ASSERT_EQ(Window.Commands.size(), 1u);
     Window.Destroy();
     Settle();
+    ASSERT_EQ(Target->GetFiles().size(), 1);
+    EXPECT_EQ(Text(Target->GetFiles()[0]), "/tmp/a.effect");
+    // A window made anew is another: it takes nothing by the old target, and loses nothing with it.
+    ShowTopWindow(Window, Class);
+    EXPECT_FALSE(Enter());
+    TDropTarget second;
+    second.Attach(&Window);
     Target.reset();
+    EXPECT_TRUE(Enter());
+    Drop();
+    EXPECT_EQ(Window.Commands.size(), 2u);
 }
 
 TEST_F(TDropTargetTest, NothingIsTakenWhileTheProgramWaits)

@@ -206,10 +206,16 @@ TEST_F(DocumentWindows, NodesThatAreGoneForGoodLeaveTheDrawing)
     TToolNode* node = AddNode(*document, "Gravity", 100, 100);
     Press(GraphOf(*document), MiddleOf(*document, node));
     Release(GraphOf(*document), MiddleOf(*document, node));
+    TRenderObject* object = WindowsOf(*document).GetScene().FindNode(node);
     while (document->CanUndo())
         document->Undo();
+    // Undone, the node may come back, and its drawing with it.
+    TRenderObject::SetCapture(object);
+    Settle();
+    EXPECT_EQ(TRenderObject::GetCapture(), object);
     // The redoable tail goes with the next step, and the node with it.
     AddNode(*document, "Emitter", 100, 100);
+    EXPECT_EQ(TRenderObject::GetCapture(), nullptr);
     Settle();
     Move(GraphOf(*document), QPoint(110, 110), Qt::NoButton);
     EXPECT_EQ(document->GetGraph()->GetNumNodes(), 1);

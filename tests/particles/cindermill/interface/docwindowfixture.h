@@ -8,6 +8,7 @@
 #include "library/wimp/menu.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
@@ -21,6 +22,8 @@ class TWindowsHost : public TFakeAppHost
 {
 public:
     TDocumentHost* CreateDocumentHost() override { return new TDocumentWindows(Frame); }
+    void EndInput() override { TTextEdit::EndFocusedInput(); }
+    void RunTicks() override { TRenderObject::RunTicks(nullptr); }
     TWindow* Frame = nullptr;
 };
 

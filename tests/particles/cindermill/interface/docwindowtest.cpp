@@ -104,7 +104,7 @@ TEST_F(DocWindow, ATypeDraggedIntoTheGraphBecomesANodeAroundThePointer)
     EXPECT_EQ(Text(node->GetNodeType()->Name), "Gravity");
     int halfWidth = 0;
     int halfHeight = 0;
-    Document->GetNodeHalfSize(const_cast<TToolNode*>(node), halfWidth, halfHeight);
+    Document->GetListener().GetNodeHalfSize(const_cast<TToolNode*>(node), halfWidth, halfHeight);
     EXPECT_EQ(node->GetX(), 150 - halfWidth);
     EXPECT_EQ(node->GetY(), 101 - halfHeight);
     Document->Undo();
@@ -121,7 +121,7 @@ TEST_F(DocWindow, TheGhostIsCentredOnThePointer)
     probe.Create(nullptr, App.Type("Gravity"), 0, 0, false);
     int halfWidth = 0;
     int halfHeight = 0;
-    Document->GetNodeHalfSize(&probe, halfWidth, halfHeight);
+    Document->GetListener().GetNodeHalfSize(&probe, halfWidth, halfHeight);
     EXPECT_NEAR(Graph().GetGhostPosition()[0], 300 - halfWidth, 1.0f);
     EXPECT_NEAR(Graph().GetGhostPosition()[1], 200 - halfHeight, 1.0f);
     View().CancelDrag();

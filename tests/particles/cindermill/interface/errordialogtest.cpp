@@ -1,5 +1,6 @@
 #include "support/windowtest.h"
 
+#include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/errordialog.h"
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/effectgraph/error.h"
@@ -15,7 +16,19 @@ class ErrorDialog : public TWindowTest
 {
 protected:
     void SetUp() override { InstallErrorDialog(); }
-    void TearDown() override { SetDisplayErrors(nullptr); }
+    void TearDown() override
+    {
+        SetDisplayErrors(nullptr);
+        SetBeep(nullptr);
+    }
+    static QStringList LinesOf(const QDialog& dialog)
+    {
+        QStringList lines;
+        const QListWidget* list = dialog.findChild<QListWidget*>();
+        for (int i = 0; list != nullptr && i < list->count(); ++i)
+            lines << list->item(i)->text();
+        return lines;
+    }
 };
 
 } // namespace
@@ -30,12 +43,7 @@ TEST_F(ErrorDialog, ListsEachEntrysTextOneALine)
     bool hasButton = false;
     Meet([&](QDialog& dialog) {
         title = dialog.windowTitle();
-        const QListWidget* list = dialog.findChild<QListWidget*>();
-        ASSERT_NE(list, nullptr);
-        for (int i = 0; i < list->count(); ++i)
-            lines << list->item(i)->text();
-        // The dialog has copies of its own.
-        errors.Clear();
+        lines = LinesOf(dialog);
         hasButton = dialog.findChild<QPushButton*>() != nullptr;
         dialog.accept();
     });
@@ -43,4 +51,39 @@ TEST_F(ErrorDialog, ListsEachEntrysTextOneALine)
     EXPECT_EQ(title, QString("Export errors"));
     EXPECT_EQ(lines, (QStringList{"Something is wrong", "a.xml [12] : Bad tag"}));
     EXPECT_TRUE(hasButton);
+}
+
+TEST_F(ErrorDialog, ShowsItsOwnCopiesWhateverBecomesOfTheCallersList)
+{
+    TErrorList errors;
+    errors.Add(new TError("Something is wrong"));
+    QStringList lines;
+    Meet([&](QDialog& dialog) {
+        // The program goes on while the dialog waits: what it is about may be deleted or told anew.
+        errors.Clear();
+        errors.Add(new TError("Another"));
+        dialog.resize(dialog.size() + QSize(40, 40));
+        Settle();
+        lines = LinesOf(dialog);
+        dialog.accept();
+    });
+    DisplayErrors("Schedule errors", errors);
+    EXPECT_EQ(lines, QStringList{"Something is wrong"});
+}
+
+TEST_F(ErrorDialog, BeepsOnceBeforeItIsShown)
+{
+    static int beeps;
+    beeps = 0;
+    SetBeep([] { ++beeps; });
+    TErrorList errors;
+    errors.Add(new TError("Something is wrong"));
+    int before = 0;
+    Meet([&](QDialog& dialog) {
+        before = beeps;
+        dialog.accept();
+    });
+    DisplayErrors("Schedule errors", errors);
+    EXPECT_EQ(before, 1);
+    EXPECT_EQ(beeps, 1);
 }

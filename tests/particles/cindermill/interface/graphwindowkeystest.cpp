@@ -1,6 +1,5 @@
 #include "graphwindowfixture.h"
 
-#include "library/containers/classregistry.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
 
 #include <QtGui/QKeyEvent>
@@ -137,33 +136,4 @@ TEST_F(GraphWindow, UndoOfTheFocusedNodeLeavesTheKeyboardWhereItWas)
     Key(Graph(), Qt::Key_Delete);
     EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 1);
     expectKeysHere("delete");
-}
-
-namespace {
-
-// Stands for the one that a node's panel will have.
-class TTestTextEdit : public TRegistered<TTestTextEdit, TRenderObject>
-{
-public:
-    static constexpr const char* RegisteredName = "TTextEdit";
-    void Render(TRenderer&) override {}
-    void GetBounds(TVector2& min, TVector2& max) override { min = max = TVector2(0, 0); }
-};
-
-} // namespace
-
-TEST_F(GraphWindow, WhileTextIsTypedTheKeysOfTheClipboardAreTheEdits)
-{
-    TTestTextEdit::ClassId();
-    TTestTextEdit edit;
-    WindowsOf(*Document).GetScene().GetRoot().AddObject(&edit);
-    Document->SelectNode(First, true);
-    TRenderObject::SetFocus(&edit, &Graph().GetRenderer());
-    Key(Graph(), Qt::Key_C, Qt::ControlModifier);
-    EXPECT_TRUE(App.Get().GetClipboard().IsEmpty());
-    Key(Graph(), Qt::Key_X, Qt::ControlModifier);
-    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
-    TRenderObject::SetFocus(&WindowsOf(*Document).GetScene().GetRoot(), &Graph().GetRenderer());
-    Key(Graph(), Qt::Key_C, Qt::ControlModifier);
-    EXPECT_FALSE(App.Get().GetClipboard().IsEmpty());
 }

@@ -93,12 +93,19 @@ TEST_F(GraphWindow, ShiftClickOnEmptySpaceKeepsTheSelectionAndABoxThenAddsToIt)
 TEST_F(GraphWindow, ABoxWithoutSizeSelectsNothing)
 {
     SetPanButton(PanMiddle);
-    SetView(Graph(), 0, 0, 7);
-    const QPoint at = PixelOf(Graph(), TVector2(190, 190));
-    Press(Graph(), at);
-    Release(Graph(), at);
-    EXPECT_EQ(NumSelected(), 0);
-    EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_IDLE);
+    // Each box reaches over the left edge of the first node, which is 200.
+    SetView(Graph(), -195, -195, 7);
+    const QPoint beside(32, 70);
+    ASSERT_LT(Graph().PixelToWorld(beside.x(), beside.y())[0], 200);
+    for (const QPoint& small : {QPoint(36, 70), QPoint(37, 74)}) {
+        ASSERT_GT(Graph().PixelToWorld(small.x(), small.y())[0], 200);
+        Drag(Graph(), beside, small);
+        EXPECT_EQ(NumSelected(), 0) << small.x() << " " << small.y();
+        EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_IDLE);
+    }
+    // A diagonal of 1.
+    Drag(Graph(), beside, QPoint(39, 70));
+    EXPECT_TRUE(IsSelected(First));
 }
 
 TEST_F(GraphWindow, TheBoxIsPartOfTheDrawingWhileItRuns)
@@ -129,6 +136,37 @@ TEST_F(GraphWindow, ARightClickOnANodeOpensItsMenu)
     EXPECT_EQ(RightClick(MiddleOf(*Document, First)),
               "Focus Node Group|menu40215\nInsert Node...|menu40217\n");
     EXPECT_EQ(RightClick(Empty), "");
+}
+
+TEST_F(GraphWindow, EntriesOfTheNodesMenuThatDoNothingAreGrey)
+{
+    const QPoint at = MiddleOf(*Document, First);
+    bool met = false;
+    MeetMenu([&](QMenu& menu) {
+        met = true;
+        for (const QAction* action : menu.actions())
+            if (action->objectName() == "menu40215" || action->objectName() == "menu40217") {
+                EXPECT_FALSE(action->isEnabled()) << action->text().toStdString();
+            }
+        menu.close();
+    });
+    Press(Graph(), at, Qt::RightButton);
+    Release(Graph(), at, Qt::RightButton);
+    EXPECT_TRUE(met);
+}
+
+TEST_F(GraphWindow, TheNodeOfAMenuIsForgottenWhenItIsClosedWithoutAChoice)
+{
+    const QPoint at = MiddleOf(*Document, First);
+    const TToolNode* during = nullptr;
+    MeetMenu([&](QMenu& menu) {
+        during = Graph().GetContextNode();
+        menu.close();
+    });
+    Press(Graph(), at, Qt::RightButton);
+    Release(Graph(), at, Qt::RightButton);
+    EXPECT_EQ(during, First);
+    EXPECT_EQ(Graph().GetContextNode(), nullptr);
 }
 
 TEST_F(GraphWindow, RightClickAfterARightButtonPanOfMoreThanTwoPixelsOpensNoMenu)
@@ -240,4 +278,32 @@ TEST_F(GraphWindow, WithNothingSelectedTheShortcutShowsNothingNew)
     Key(Graph(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_NE(Graph().GetView().GetScale(), before.GetScale());
     EXPECT_FALSE(Graph().IsFocusing());
+}
+
+namespace {
+
+class TTicking : public TRenderObject
+{
+public:
+    void Render(TRenderer&) override {}
+    void GetBounds(TVector2& min, TVector2& max) override { min = max = TVector2(0, 0); }
+    void Tick(TRenderer* renderer) override { Views.push_back(renderer); }
+    std::vector<TRenderer*> Views;
+};
+
+} // namespace
+
+TEST_F(GraphWindow, AnIdlePassTicksEachObjectOnceWithItsOwnView)
+{
+    TDocument* other = NewDocument();
+    ASSERT_NE(other, nullptr);
+    TTicking here;
+    TTicking there;
+    WindowsOf(*Document).GetScene().GetRoot().AddObject(&here);
+    WindowsOf(*other).GetScene().GetRoot().AddObject(&there);
+    TRenderObject::AddTick(&here);
+    TRenderObject::AddTick(&there);
+    App.Get().OnIdle();
+    EXPECT_EQ(here.Views, (std::vector<TRenderer*>{&Graph().GetRenderer()}));
+    EXPECT_EQ(there.Views, (std::vector<TRenderer*>{&GraphOf(*other).GetRenderer()}));
 }

@@ -10,6 +10,7 @@
 #include <QtCore/QUrl>
 #include <QtGui/QAction>
 #include <QtGui/QDropEvent>
+#include <QtGui/QScreen>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
@@ -82,17 +83,41 @@ protected:
     TMainWindow Window;
 };
 
+// The window is the test's to create.
+class MainWindowPlace : public TWindowTest
+{
+protected:
+    MainWindowPlace() : App(&Host), Window(App.Get()) {}
+
+    TQuiet Quiet;
+    TFakeAppHost Host;
+    TTestApp App;
+    TMainWindow Window;
+};
+
 } // namespace
 
-TEST_F(MainWindow, HasItsClassTitleSizeAndPlace)
+TEST_F(MainWindow, HasItsClassAndTitle)
 {
     EXPECT_EQ(Frame().objectName().toStdString(), "pelmark_mainwindow");
     EXPECT_EQ(Frame().windowTitle().toStdString(), "Cindermill");
-    int width = 0;
-    int height = 0;
-    TMDIFrame::GetScreenSize(width, height);
-    EXPECT_EQ(Frame().width(), std::min(1350, width - 50));
-    EXPECT_EQ(Frame().height(), std::min(950, height - 100));
+}
+
+TEST_F(MainWindowPlace, ItsSizeAndCentreComeFromTheWholeScreen)
+{
+    const QRect screen = QApplication::primaryScreen()->geometry();
+    // A panel at the left, and one at the bottom.
+    const TWorkArea workArea(QRect(200, 0, screen.width() - 200, screen.height() - 150));
+    if (QApplication::primaryScreen()->availableGeometry() == screen)
+        GTEST_SKIP() << "the window system keeps nothing of the screen for itself";
+    ASSERT_TRUE(Window.Create());
+    Window.Show();
+    Settle();
+    const QRect frame(Window.GetHandle()->pos(), Window.GetHandle()->size());
+    EXPECT_EQ(frame.width(), std::min(1350, screen.width() - 50));
+    EXPECT_EQ(frame.height(), std::min(950, screen.height() - 100));
+    EXPECT_EQ(frame.x(), (screen.width() - frame.width()) / 2);
+    EXPECT_EQ(frame.y(), (screen.height() - frame.height()) / 2);
 }
 
 TEST_F(MainWindow, ShowsTheVersion)

@@ -218,6 +218,50 @@ TEST_F(ChangeNotify, ACallbackMayRemoveItselfAndOthers)
     EXPECT_EQ(Poll(), TCalls{});
 }
 
+TEST_F(ChangeNotify, AddTellsWhetherItWatches)
+{
+    EXPECT_TRUE(Notify.Add(Path("a").c_str(), &Note, nullptr));
+    LogOf([&] { EXPECT_FALSE(Notify.Add(Path("missing/file").c_str(), &Note, nullptr)); });
+    // A file that is not there yet lies in a directory that is.
+    EXPECT_TRUE(Notify.Add(Path("later").c_str(), &Note, nullptr));
+    WriteBytes(Path("later"), "new");
+    EXPECT_EQ(Poll(), TCalls{"later"});
+    Remove("a");
+    Remove("later");
+}
+
+TEST_F(ChangeNotify, AChangeThatIsTakenIsNotToldAgain)
+{
+    Add("a");
+    Touch("a");
+    Notify.TakeChange(Path("a").c_str());
+    EXPECT_EQ(Poll(), TCalls{});
+    Touch("a");
+    EXPECT_EQ(Poll(), TCalls{"a"});
+    Notify.TakeChange(Path("b").c_str());
+    Remove("a");
+}
+
+TEST_F(ChangeNotify, ACallbackThatPollsIsNotCalledOverAgain)
+{
+    struct TPoller
+    {
+        static void Call(const char* path, void* context)
+        {
+            ChangeNotify& test = *static_cast<ChangeNotify*>(context);
+            Note(path, nullptr);
+            test.Touch("a");
+            Now += 100;
+            test.Notify.Poll();
+        }
+    };
+    Notify.Add(Path("a").c_str(), &TPoller::Call, this);
+    Touch("a");
+    EXPECT_EQ(Poll(), TCalls{"a"});
+    EXPECT_EQ(Poll(), TCalls{"a"});
+    Notify.Remove(Path("a").c_str(), &TPoller::Call, this);
+}
+
 TEST_F(ChangeNotify, FilesOfADirectoryAreToldInTheOrderOfTheirNames)
 {
     Add("b");

@@ -102,6 +102,22 @@ TEST_F(Commands, AFileThatCannotBeUnlockedIsNotSaved)
     EXPECT_TRUE(Recent().empty());
 }
 
+TEST_F(Commands, AFileOfAnotherUsersCannotBeUnlocked)
+{
+    TDocument& document = New();
+    Host.Choice = Path("foreign.effect");
+    std::filesystem::create_symlink(MakeForeignFile(Path("")), Host.Choice);
+    const std::string before = ReadBytes(Host.Choice);
+    Shown.Answers = {true, true};
+    {
+        const TNobody nobody;
+        EXPECT_FALSE(App.Get().SaveAs(document));
+    }
+    EXPECT_EQ(Shown.Messages, TNames{"Unlock of " + Host.Choice + " failed. Cannot save."});
+    EXPECT_EQ(ReadBytes(Host.Choice), before);
+    EXPECT_TRUE(Recent().empty());
+}
+
 TEST_F(Commands, AnEffectThatWouldNotOpenAgainIsNotSavedAndOfferedAnotherName)
 {
     App.Get().OpenDocument(EffectFile("a.effect").c_str());

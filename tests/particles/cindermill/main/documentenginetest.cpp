@@ -12,8 +12,10 @@ TEST_F(Document, AStructuralEditRebuildsARunningEngineOnly)
     TDocument document(App.Get(), &host);
     document.New();
     BuildEffect(document);
-    EXPECT_EQ(host.Schedules, 0);
+    // The stage's texture was named when nothing was connected yet: an engine was tried, in vain.
+    EXPECT_EQ(host.Schedules, 1);
     EXPECT_FALSE(document.GetSchedule().IsCreated());
+    host.Schedules = 0;
     ASSERT_TRUE(document.EnsureSchedule());
     EXPECT_EQ(host.Schedules, 1);
     EXPECT_TRUE(document.EnsureSchedule());
@@ -62,6 +64,45 @@ TEST_F(Document, AScheduleThatFailsAtLoadShowsNoDialogAndAfterAnEditItDoes)
     EXPECT_TRUE(good.GetEngine().IsInited());
 }
 
+TEST_F(Document, AFileGivenToAnEffectThatDoesNotRunForWantOfItStartsIt)
+{
+    App.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+    App.Get().GetResourceLocator().ReadSettings();
+    TFakeHost host;
+    TDocument document(App.Get(), &host);
+    document.New();
+    BuildEffect(document);
+    SetTexture(document, Quads, "later.dds");
+    EXPECT_FALSE(document.EnsureSchedule());
+    ASSERT_FALSE(document.GetEngine().IsInited());
+    TForms::Get().Errors.clear();
+    SetTexture(document, Quads, "also missing.dds");
+    EXPECT_FALSE(document.GetEngine().IsInited());
+    // What is still missing is not told by a dialog.
+    EXPECT_TRUE(TForms::Get().Errors.empty());
+    SetTexture(document, Quads, "spark.dds");
+    EXPECT_TRUE(document.GetEngine().IsInited());
+    EXPECT_TRUE(host.HasSeenEngine);
+    // While it runs, another name leaves it running.
+    TErrorList errors;
+    ASSERT_TRUE(document.UpdateEngine(0.02f, errors));
+    SetTexture(document, Quads, "other.dds");
+    EXPECT_GT(document.GetEngine().GetTime(), 0);
+    document.Undo();
+    EXPECT_GT(document.GetEngine().GetTime(), 0);
+    // Undone and redone names count as given ones.
+    document.ClearEngine();
+    document.Undo();
+    EXPECT_FALSE(document.GetEngine().IsInited());
+    document.Redo();
+    EXPECT_TRUE(document.GetEngine().IsInited());
+    document.ClearEngine();
+    document.Redo();
+    EXPECT_FALSE(document.GetEngine().IsInited());
+    document.Undo();
+    EXPECT_TRUE(document.GetEngine().IsInited());
+}
+
 TEST_F(Document, AScheduleStandsThoughTheTextureIsMissingAndFollowsTheGraph)
 {
     std::string path;
@@ -94,12 +135,19 @@ TEST_F(Document, AScheduleStandsThoughTheTextureIsMissingAndFollowsTheGraph)
     nodes.push_back(static_cast<TToolNode*>(document.GetGraph()->GetNode(3)));
     document.ApplyOperation(new TDeleteGraphNodeOp(nodes));
     EXPECT_EQ(document.GetSchedule().GetNumNodes(), 3);
+    for (int i = 0; i < 3; ++i)
+        document.Undo();
+    EXPECT_EQ(document.GetSchedule().GetNumNodes(), 3);
+    EXPECT_FALSE(document.GetEngine().IsInited());
+    EXPECT_TRUE(TForms::Get().Errors.empty());
+    // With the file that was named before, the effect runs again.
+    document.Undo();
+    EXPECT_TRUE(document.GetEngine().IsInited());
     while (document.CanUndo())
         document.Undo();
     EXPECT_FALSE(document.GetSchedule().IsCreated());
     EXPECT_EQ(document.GetSchedule().GetNumNodes(), 0);
     EXPECT_FALSE(document.GetEngine().IsInited());
-    EXPECT_TRUE(TForms::Get().Errors.empty());
     while (document.CanRedo())
         document.Redo();
     // A schedule is no engine: it is tried again.

@@ -231,6 +231,52 @@ TEST_F(ResourceLocator, PrepareNameCutsToTheLeafAndRemembersTheDirectory)
     EXPECT_EQ(Known().size(), 1u);
 }
 
+TEST_F(ResourceLocator, OfSeveralFilesOfANameTheChosenOneIsFoundFromThenOn)
+{
+    Make("home/a/fire.dds");
+    Make("home/a/ash.dds");
+    Make("home/b/fire.dds");
+    for (const char* chosen : {"home/a/ash.dds", "home/beside/smoke.dds", "home/b/fire.dds"}) {
+        TString path(Path(chosen).c_str());
+        EXPECT_TRUE(Locator.PrepareName(path));
+    }
+    EXPECT_EQ(Known(), (TNames{Kept(Path("home/b")), Kept(Path("home/a")), Kept(Path("home/beside"))}));
+    EXPECT_EQ(Find("fire.dds"), Kept(Path("home/b/fire.dds")));
+    TString path(Path("home/a/fire.dds").c_str());
+    EXPECT_TRUE(Locator.PrepareName(path));
+    EXPECT_EQ(Known(), (TNames{Kept(Path("home/a")), Kept(Path("home/b")), Kept(Path("home/beside"))}));
+    EXPECT_EQ(Find("fire.dds"), Kept(Path("home/a/fire.dds")));
+}
+
+TEST_F(ResourceLocator, AChosenFileThatIsFoundAnywayLeavesTheOrder)
+{
+    Make("home/a/fire.dds");
+    for (const char* chosen : {"home/a/fire.dds", "home/beside/smoke.dds", "home/a/fire.dds"}) {
+        TString path(Path(chosen).c_str());
+        EXPECT_TRUE(Locator.PrepareName(path));
+    }
+    EXPECT_EQ(Known(), (TNames{Kept(Path("home/a")), Kept(Path("home/beside"))}));
+}
+
+TEST_F(ResourceLocator, FindKnownWalksNowhere)
+{
+    TString path;
+    EXPECT_FALSE(Locator.FindKnown("spark.dds", path));
+    EXPECT_FALSE(Locator.FindKnown("", path));
+    EXPECT_FALSE(Locator.FindKnown(nullptr, path));
+    EXPECT_TRUE(Known().empty());
+    Find("spark.dds");
+    EXPECT_TRUE(Locator.FindKnown("Spark.dds", path));
+    EXPECT_EQ(Text(path), Kept(Path("home/program/near/deep/spark.dds")));
+    SetMode(RM_RELATIVEPATH, Path("home"));
+    EXPECT_TRUE(Locator.FindKnown("beside\\smoke.dds", path));
+    EXPECT_EQ(Text(path), Kept(Path("home/beside/smoke.dds")));
+    EXPECT_FALSE(Locator.FindKnown("smoke.dds", path));
+    SetMode(RM_FULLPATH);
+    EXPECT_TRUE(Locator.FindKnown(Path("home/beside/smoke.dds").c_str(), path));
+    EXPECT_FALSE(Locator.FindKnown(Path("home/smoke.dds").c_str(), path));
+}
+
 TEST_F(ResourceLocator, PrepareNameCutsTheBasePathOff)
 {
     SetMode(RM_RELATIVEPATH, Path("home"));

@@ -8,8 +8,8 @@ namespace {
 class TForgetfulDocument : public TFakeDocument
 {
 public:
-    void ForgetNode(TToolNode* node) override { Forgotten += "node " + LabelOf(node) + " "; }
-    void ForgetEdge(TToolEdge* edge) override { Forgotten += "edge " + LabelOf(edge) + " "; }
+    void NodeGoes(TToolNode* node) override { Forgotten += "node " + LabelOf(node) + " "; }
+    void EdgeGoes(TToolEdge* edge) override { Forgotten += "edge " + LabelOf(edge) + " "; }
     std::string Taken()
     {
         std::string result;

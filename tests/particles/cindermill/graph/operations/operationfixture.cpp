@@ -227,6 +227,7 @@ const TNodeType& GetEveryType()
         "<defaultvalues>{0,0},{1,1}</defaultvalues><defaultvalues>{0,2},{1,3}</defaultvalues></Ramp>"
         "<Group><name>Group</name><parameters><Int><name>Inner</name></Int></parameters></Group>"
         "<Animation><name>Animation</name></Animation>"
+        "<Colour><name>Colour2</name></Colour>"
         "</parameters><code><classname>TNothing</classname></code></node>");
     return *type;
 }

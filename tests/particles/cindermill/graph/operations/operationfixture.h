@@ -11,7 +11,7 @@
 #include <memory>
 
 // A document that writes down what operations ask of its views.
-class TFakeDocument : public TEditContext
+class TFakeDocument : public TEditContext, public TGraphListener
 {
 public:
     TFakeDocument();
@@ -22,14 +22,15 @@ public:
     TChunkFile& GetChunks() override { return Chunks; }
     void GraphChanged() override;
     void DeselectNode(TToolNode* node) override { Tell("deselect", node); }
-    void AddNodeObject(TToolNode* node) override { Tell("show", node); }
-    void RemoveNodeObject(TToolNode* node) override { Tell("hide", node); }
-    void AddEdgeObject(TToolEdge* edge) override { Tell("show", edge); }
-    void RemoveEdgeObject(TToolEdge* edge) override { Tell("hide", edge); }
-    void TouchNode(TToolNode* node) override { Tell("touch", node); }
-    void RelayoutNode(TToolNode* node) override { Tell("relayout", node); }
-    void LayoutEdge(TToolEdge* edge) override { Tell("layout", edge); }
-    void UnhookEdge(TToolEdge* edge) override { Tell("unhook", edge); }
+    TGraphListener& GetListener() override { return *this; }
+    void NodeAdded(TToolNode* node) override { Tell("show", node); }
+    void NodeRemoved(TToolNode* node) override { Tell("hide", node); }
+    void EdgeAdded(TToolEdge* edge) override { Tell("show", edge); }
+    void EdgeRemoved(TToolEdge* edge) override { Tell("hide", edge); }
+    void NodeChanged(TToolNode* node) override { Tell("touch", node); }
+    void NodeTypeChanged(TToolNode* node) override { Tell("relayout", node); }
+    void EdgeMoved(TToolEdge* edge) override { Tell("layout", edge); }
+    void EdgeDetached(TToolEdge* edge) override { Tell("unhook", edge); }
     void GetNodeHalfSize(TToolNode*, int& x, int& y) override
     {
         x = HalfWidth;

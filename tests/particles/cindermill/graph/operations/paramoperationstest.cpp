@@ -286,6 +286,53 @@ TEST(TVector3ParamOp, DoesNotMergeWithAnotherClass)
     EXPECT_EQ(doc.Stack->GetNumOperations(), 2);
 }
 
+static void ApplyColour(TParams& doc, float r, float g, float b, float a, int drag)
+{
+    const float value[4] = {r, g, b, a};
+    doc.Apply(new TColourParamOp(doc.Get<TNodeColourParameter>("Colour"), value, drag));
+}
+
+TEST(TColourParamOp, OfOneDragMergeWhateverComponentsEachChanges)
+{
+    TParams doc;
+    const std::vector<float> before = ValueOf(doc.Get<TNodeParameter>("Colour"));
+    ApplyColour(doc, 0.5f, before[1], before[2], before[3], 7);
+    ApplyColour(doc, 0.5f, 0.25f, before[2], before[3], 7);
+    ApplyColour(doc, 0.1f, 0.2f, 0.3f, before[3], 7);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 1);
+    EXPECT_EQ(ValueOf(doc.Get<TNodeParameter>("Colour")), (std::vector<float>{0.1f, 0.2f, 0.3f, before[3]}));
+    doc.Undo();
+    EXPECT_EQ(ValueOf(doc.Get<TNodeParameter>("Colour")), before);
+}
+
+TEST(TColourParamOp, OfTwoDragsOrOfNoneMergeByTheirComponents)
+{
+    TParams doc;
+    ApplyColour(doc, 0.5f, 0.5f, 1, 1, 7);
+    ApplyColour(doc, 0.5f, 0.5f, 0.5f, 1, 8);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 2);
+    ApplyColour(doc, 0.5f, 0.5f, 0.25f, 1, 9);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 2);
+    ApplyColour(doc, 0.5f, 0.5f, 0.25f, 0.5f, 0);
+    ApplyColour(doc, 0.25f, 0.5f, 0.25f, 0.5f, 0);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 4);
+}
+
+TEST(TColourParamOp, ADragOnAnotherParameterOrAfterTwoSecondsOpensANewStep)
+{
+    TParams doc;
+    ApplyColour(doc, 0.5f, 1, 1, 1, 7);
+    doc.Clock.Set(11999);
+    ApplyColour(doc, 0.25f, 0.5f, 1, 1, 7);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 1);
+    doc.Clock.Set(13999);
+    ApplyColour(doc, 0.25f, 0.25f, 1, 1, 7);
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 2);
+    const float value[4] = {0, 0, 0, 0};
+    doc.Apply(new TColourParamOp(doc.Get<TNodeColourParameter>("Colour2"), value, 7));
+    EXPECT_EQ(doc.Stack->GetNumOperations(), 3);
+}
+
 TEST(TBoolParamOp, StoresTheNewStateOnly)
 {
     TParams doc;
@@ -520,10 +567,13 @@ TEST(TPolytypeUserTypeOp, ReachesAllThatLinksAndWiresTie)
         EXPECT_EQ(doc.TypesOf(node), "2222");
     EXPECT_EQ(doc.TypesOf(doc.R), "0000");
     EXPECT_EQ(doc.TakeEvents(), "redraw");
-    EXPECT_EQ(doc.GraphChanges, 0);
+    EXPECT_EQ(doc.GraphChanges, 1);
     doc.Undo();
+    EXPECT_EQ(doc.GraphChanges, 2);
     for (TToolNode* node : {doc.P, doc.Q, doc.R, doc.S})
         EXPECT_EQ(doc.TypesOf(node), "0000");
+    doc.Stack->Redo(doc);
+    EXPECT_EQ(doc.GraphChanges, 3);
 }
 
 TEST(TPolytypeUserTypeOp, BodyHoldsThePortsInTheOrderInWhichTheyAreReached)
@@ -552,6 +602,18 @@ TEST(TPolytypeUserTypeOp, UndoRestoresTypesThatDifferedBefore)
     EXPECT_EQ(doc.TypesOf(doc.P), "2222");
     doc.Undo();
     EXPECT_EQ(doc.TypesOf(doc.P), "0202");
+}
+
+TEST(TPolytypeUserTypeOp, AnOutputThatCannotHaveTheTypeKeepsItsOwn)
+{
+    TPolytypes doc;
+    doc.P->GetNodeType()->GetOutput(1).ValidTypes = 1u << TY_SCALAR;
+    doc.Apply(new TPolytypeUserTypeOp(doc.P, doc.Port(doc.P, 0), TY_VECTOR3));
+    EXPECT_EQ(doc.OutType(doc.P, 0), TY_VECTOR3);
+    EXPECT_EQ(doc.OutType(doc.P, 1), TY_SCALAR);
+    doc.Undo();
+    EXPECT_EQ(doc.OutType(doc.P, 0), TY_SCALAR);
+    EXPECT_EQ(doc.OutType(doc.P, 1), TY_SCALAR);
 }
 
 TEST(TPolytypeUserTypeOp, AParameterOfAnotherNodeAsserts)

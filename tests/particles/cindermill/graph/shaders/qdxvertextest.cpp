@@ -149,7 +149,7 @@ TEST(QdxVertex, OpcodesPastTheTablesAreNoOperation)
 {
     for (int opcode = 26; opcode < 32; ++opcode) {
         TVertexCode code = Vector(opcode, 1);
-        EXPECT_EQ("NOP\n", VertexBody({code}));
+        EXPECT_EQ("\n", VertexBody({code}));
         code.Scalar = Rcp;
         EXPECT_EQ("RCP R0,vertex.attrib[0];\n", VertexBody({code}));
     }
@@ -157,7 +157,14 @@ TEST(QdxVertex, OpcodesPastTheTablesAreNoOperation)
         TVertexCode code = Vector(Mov, 1);
         code.Scalar = opcode;
         EXPECT_EQ("MOV R1,vertex.attrib[0];\n", VertexBody({code}));
+        EXPECT_EQ("\n", VertexBody({Scalar(opcode, 1)}));
+        code.Vector = 31;
+        EXPECT_EQ("\n", VertexBody({code}));
+        // What prints nothing counts for no label.
+        EXPECT_EQ("BRA label0 (TR);\n\nNOP\nlabel0:\nNOP\n",
+                  VertexBody({Branch(Bra, 2), Scalar(opcode, 1), Vector(0), Vector(0)}));
     }
+    EXPECT_EQ("NOP\n", VertexBody({Vector(0)}));
 }
 
 TEST(QdxVertex, ScalarOpcodeTable)
@@ -476,16 +483,31 @@ TEST(QdxVertexRanges, ASpanStopsBeforeASingleSlot)
     EXPECT_EQ(0, ranges.Enter(10, 511));
     EXPECT_EQ("10..19 20..20 ", RangesText(ranges));
     EXPECT_EQ(0, ranges.Enter(10, 511));
-    EXPECT_EQ(10, ranges.Enter(20, 511));
-    EXPECT_EQ("10..19 20..20 ", RangesText(ranges));
+    EXPECT_EQ(11, ranges.Enter(20, 511));
+    EXPECT_EQ("10..19 20..20 20..511 ", RangesText(ranges));
 }
 
-TEST(QdxVertexRanges, AnEmptyRangeIsNotInserted)
+TEST(QdxVertexRanges, WhereTheRangeToInsertWouldBeEmptyTheWalkGoesOn)
 {
     TQdxVertexRanges ranges;
     ranges.Enter(20, 20);
-    EXPECT_EQ(0, ranges.Enter(20, 511));
-    EXPECT_EQ("20..20 ", RangesText(ranges));
+    EXPECT_EQ(1, ranges.Enter(20, 511));
+    EXPECT_EQ("20..20 20..511 ", RangesText(ranges));
+    EXPECT_EQ(1, ranges.Enter(20, 511));
+    EXPECT_EQ(0, ranges.Enter(20, 20));
+    // A further single slot ends it as one that lies apart does.
+    TQdxVertexRanges two;
+    two.Enter(20, 20);
+    two.Enter(30, 30);
+    EXPECT_EQ(1, two.Enter(20, 511));
+    EXPECT_EQ("20..20 20..29 30..30 ", RangesText(two));
+}
+
+TEST(QdxVertex, ARelativeAccessThatBeginsAtANamedSlotHasItsSpan)
+{
+    EXPECT_EQ(Header + "PARAM c[213] = {\n program.local[44],\n program.local[44..255]\n};\nTEMP R0;\n"
+                       "MOV R0,c[0];\nMOV R0,c[A0.x+1];\nEND\n",
+              VertexText({MovConstant(300), MovConstant(300, true)}));
 }
 
 TEST(QdxVertexRanges, ASpanIsCutAtASingleSlot)

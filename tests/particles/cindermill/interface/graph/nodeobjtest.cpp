@@ -4,7 +4,10 @@
 #include "particles/cindermill/graph/operations/bypassflagop.h"
 #include "particles/cindermill/graph/operations/deletegraphedgeop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/flagparamop.h"
 #include "particles/cindermill/graph/operations/nodepropertiesop.h"
+#include "particles/cindermill/graph/operations/polytypeusertypeop.h"
+#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 
 namespace {
@@ -31,18 +34,6 @@ protected:
     TVector4 ButtonOfPanel(TNodeObj& object)
     {
         return object.GetBody().GetPanel().GetPath(18).GetFillColour();
-    }
-};
-
-// Controls of a parameter: a box.
-class TBoxControls : public TDrawnObject
-{
-public:
-    explicit TBoxControls(float width = 60)
-    {
-        Min = TVector2(-40, 0);
-        Max = TVector2(width, 20);
-        Consumes = false;
     }
 };
 
@@ -155,8 +146,10 @@ TEST_F(TNodeObjTest, LettersAreLargerInAViewThatIsZoomedOutAsFarAsThereIsRoom)
 
 TEST_F(TNodeObjTest, AClosedPanelHas25PathsAndAnOpenOne39)
 {
-    TNodeObj& object = Object(Add("Grid", 0, 0));
+    TToolNode* node = Add("Grid", 0, 0);
+    TNodeObj& object = Object(node);
     EXPECT_EQ(object.GetBody().GetPanel().GetNumPaths(), 25);
+    Open(node);
     EXPECT_EQ(object.GetExpanded().GetPanel().GetNumPaths(), 39);
 }
 
@@ -175,31 +168,6 @@ TEST_F(TNodeObjTest, ThePanelHasTheTypesColourShiftedAndTheTones)
     EXPECT_EQ(panel.GetPath(13).GetFillColour(), TVector4(0.651f, 0.690f, 0.690f, 1));
     EXPECT_EQ(panel.GetPath(14).GetFillColour(), TVector4(0.737f, 0.784f, 0.784f, 1));
     EXPECT_EQ(panel.GetPath(16).GetFillColour(), TVector4(0.769f, 0.816f, 0.816f, 1));
-}
-
-TEST(NodeColour, ShiftsStayBetween0And1)
-{
-    EXPECT_EQ(ShiftColour(TVector4(0.95f, 0.5f, 0.02f, 0.25f), 0.11f), TVector4(1, 0.61f, 0.13f, 0.25f));
-    EXPECT_EQ(ShiftColour(TVector4(0.95f, 0.5f, 0.02f, 0.25f), -0.11f)[2], 0.0f);
-}
-
-TEST(NodeColour, TextStandsOutFromEveryType)
-{
-    for (int colour = 0; colour < 4; ++colour) {
-        const TVector4 own = GetNodeTypeColour(colour);
-        const TVector4 text = GetContrastColour(own);
-        const float distance = std::abs(text[1] - own[1]);
-        EXPECT_GT(distance, 0.35f) << colour;
-    }
-}
-
-TEST(NodeColour, EveryTypeHasAColourOfItsOwnAndOthersTheFirst)
-{
-    for (int a = 0; a < 4; ++a)
-        for (int b = 0; b < a; ++b)
-            EXPECT_GT((GetNodeTypeColour(a) - GetNodeTypeColour(b)).Length(), 0.15f);
-    EXPECT_EQ(GetNodeTypeColour(-1), GetNodeTypeColour(0));
-    EXPECT_EQ(GetNodeTypeColour(4), GetNodeTypeColour(0));
 }
 
 TEST_F(TNodeObjTest, ASelectedNodeHasOrangeStripsOnceItIsDrawnOrTouched)
@@ -226,10 +194,47 @@ TEST_F(TNodeObjTest, PressingTheExpandButtonSwapsTheTonesAndReleasingBringsThemB
     EXPECT_EQ(ButtonOfPanel(Object(node)), up);
 }
 
-TEST_F(TNodeObjTest, AClickOnTheExpandButtonWithThePointerMovedAwayBeforeReleaseChangesNothing)
+TEST_F(TNodeObjTest, APressOnTheExpandButtonThatSlidOffAndCameBackStillCounts)
 {
     TToolNode* node = Add("Effect", 100, 100);
     Object(node).AddControls(new TBoxControls, -1);
+    const TVector4 up = ButtonOfPanel(Object(node));
+    for (const TVector2& away : {TVector2(500, 500), TitleOf(node)}) {
+        const bool collapsed = Object(node).IsCollapsed();
+        Move(ButtonOf(node));
+        Press(ButtonOf(node));
+        const TVector4 down = ButtonOfPanel(Object(node));
+        Drag(away);
+        EXPECT_EQ(ButtonOfPanel(Object(node)), up);
+        Drag(ButtonOf(node));
+        EXPECT_EQ(ButtonOfPanel(Object(node)), down);
+        Release(ButtonOf(node));
+        EXPECT_NE(Object(node).IsCollapsed(), collapsed);
+        EXPECT_EQ(ButtonOfPanel(Object(node)), up);
+    }
+}
+
+TEST_F(TNodeObjTest, APressOnTheExpandButtonEndsWithTheMouseAndWithEscape)
+{
+    TToolNode* node = Add("Effect", 100, 100);
+    Object(node).AddControls(new TBoxControls, -1);
+    Press(ButtonOf(node));
+    ASSERT_NE(Host.Drag, nullptr);
+    Host.Drag->OnCaptureLost();
+    EXPECT_FALSE(Object(node).IsPressed());
+    Move(ButtonOf(node));
+    Release(ButtonOf(node));
+    EXPECT_TRUE(Object(node).IsCollapsed());
+    Press(ButtonOf(node));
+    EXPECT_TRUE(Key(KEY_ESCAPE));
+    EXPECT_FALSE(Object(node).IsPressed());
+    Release(ButtonOf(node));
+    EXPECT_TRUE(Object(node).IsCollapsed());
+}
+
+TEST_F(TNodeObjTest, AClickOnTheExpandButtonWithThePointerMovedAwayBeforeReleaseChangesNothing)
+{
+    TToolNode* node = Add("Effect", 100, 100);
     for (const TVector2& away : {TVector2(500, 500), TitleOf(node)}) {
         Move(ButtonOf(node));
         Press(ButtonOf(node));
@@ -249,25 +254,31 @@ TEST_F(TNodeObjTest, AClickOnTheExpandButtonWithThePointerMovedAwayBeforeRelease
 
 TEST_F(TNodeObjTest, ANodeWithAnEmptyPanelWarnsAndStaysClosed)
 {
-    TToolNode* node = Add("Effect", 100, 100);
-    Click(ButtonOf(node));
+    TToolNode* effect = Add("Effect", 100, 100);
+    TToolNode* age = Add("Age", 400, 100);
+    EXPECT_TRUE(Object(age).CanOpen());
+    Connect(effect, "Time", age, "Age");
+    EXPECT_TRUE(Object(age).CanOpen());
+    Connect(effect, "Time", age, "Max Age");
+    EXPECT_FALSE(Object(age).CanOpen());
+    Click(ButtonOf(age));
     EXPECT_EQ(Host.NumWarnings, 1);
-    EXPECT_TRUE(Object(node).IsCollapsed());
+    EXPECT_TRUE(Object(age).IsCollapsed());
+    EXPECT_FALSE(Object(age).HasPanel());
     EXPECT_FALSE(TRenderObject::HasTicks());
 }
 
 TEST_F(TNodeObjTest, TheButtonOpensAndClosesANodeWithControls)
 {
-    TToolNode* node = Add("Effect", 100, 100);
-    Object(node).AddControls(new TBoxControls(200), -1);
+    TToolNode* node = Add("Noise", 100, 100);
     const TVector2 closed = Object(node).GetSize();
     Click(ButtonOf(node));
     EXPECT_FALSE(Object(node).IsCollapsed());
     EXPECT_TRUE(TRenderObject::HasTicks());
     TRenderObject::RunTicks(&Renderer);
     EXPECT_FALSE(TRenderObject::HasTicks());
-    EXPECT_GT(Object(node).GetSize()[0], 240);
-    EXPECT_GT(Object(node).GetSize()[1], closed[1] + 20);
+    EXPECT_GT(Object(node).GetSize()[0], closed[0]);
+    EXPECT_GT(Object(node).GetSize()[1], closed[1] + 3 * 20);
     Click(ButtonOf(node));
     EXPECT_TRUE(Object(node).IsCollapsed());
     EXPECT_EQ(Object(node).GetSize(), closed);
@@ -275,36 +286,122 @@ TEST_F(TNodeObjTest, TheButtonOpensAndClosesANodeWithControls)
     TRenderObject::RunTicks(&Renderer);
 }
 
-TEST_F(TNodeObjTest, TheEdgesOfAnOpenedNodeFollowItsPortsInTheIdlePass)
+TEST_F(TNodeObjTest, ThePanelIsMadeWhenItIsFirstOpened)
 {
-    TToolNode* effect = Add("Effect", 100, 100);
-    TToolNode* curve = Add("Scalar Over Life", 500, 100);
-    TToolEdge* edge = Connect(effect, "Time", curve, "Time");
-    Object(effect).AddControls(new TBoxControls(200), -1);
-    Click(ButtonOf(effect));
-    TRenderObject::RunTicks(&Renderer);
-    EXPECT_EQ(Scene().FindEdge(edge)->GetCurve()[0], Output(effect, "Time"));
-    EXPECT_GT(Output(effect, "Time")[0], 340);
+    TToolNode* node = Add("Grid", 100, 100);
+    EXPECT_TRUE(Object(node).CanOpen());
+    Object(node).Relayout();
+    EXPECT_FALSE(Object(node).HasPanel());
+    EXPECT_EQ(Object(node).GetExpanded().GetNumControls(), 0);
+    Open(node);
+    const TNodeParameterControls* group = &Group(node, "Size");
+    Open(node);
+    Open(node);
+    EXPECT_EQ(&Group(node, "Size"), group);
 }
 
-TEST_F(TNodeObjTest, EventsOfControlsReachTheNodeOnlyAsNotifications)
+TEST_F(TNodeObjTest, TheParametersStandFirstThenTheInputsWithTheirLabelsInALine)
 {
-    TToolNode* node = Add("Effect", 100, 100);
-    TBoxControls* controls = new TBoxControls(200);
-    Object(node).AddControls(controls, -1);
-    Click(ButtonOf(node));
-    const TVector2 inside = controls->GetAbsolutePosition() + TVector2(10, 10);
-    Press(inside);
-    ASSERT_FALSE(controls->Events.empty());
-    EXPECT_EQ(controls->Events.back().Code, RE_LEFTDOWN);
+    TToolNode* node = Add("Grid", 100, 100);
+    Open(node);
+    const char* names[] = {"Particle Count",   "X Divisions", "Y Divisions", "Emit Type",
+                           "Emission Trigger", "Transform",   "Size"};
+    TNodeExp& panel = Object(node).GetExpanded();
+    ASSERT_EQ(panel.GetNumControls(), 7);
+    float below = 0;
+    const float left = panel.GetControls(0).GetOrigin()[0];
+    float widest = 0;
+    for (int i = 0; i < 7; ++i) {
+        TNodeParameterControls& group = panel.GetControls(i);
+        EXPECT_EQ(Text(group.GetParameter()->Name), names[i]);
+        EXPECT_EQ(panel.GetControlsPort(i), i < 4 ? -1 : i - 4);
+        EXPECT_EQ(group.GetOrigin()[0], left) << names[i];
+        EXPECT_GE(group.GetOrigin()[1], below) << names[i];
+        TVector2 size;
+        group.GetSize(size);
+        below = group.GetOrigin()[1] + size[1];
+        widest = std::max(widest, group.GetLabelWidth());
+    }
+    // The longest label still stands in the panel.
+    EXPECT_GT(left, widest + 10);
+    EXPECT_LT(below, Object(node).GetSize()[1]);
+}
+
+TEST_F(TNodeObjTest, TheEdgesOfAnOpenedNodeFollowItsPortsInTheIdlePass)
+{
+    TToolNode* noise = Add("Noise", 100, 100);
+    TToolNode* curve = Add("Scalar Over Life", 700, 100);
+    TToolEdge* edge = Connect(noise, "Value", curve, "Time");
+    const TVector2 before = Output(noise, "Value");
+    Open(noise);
+    EXPECT_EQ(Scene().FindEdge(edge)->GetCurve()[0], Output(noise, "Value"));
+    EXPECT_GT(Output(noise, "Value")[0], before[0]);
+}
+
+TEST_F(TNodeObjTest, APressThatNoControlTakesIsOneOnTheNode)
+{
+    TToolNode* node = Add("Grid", 100, 100);
+    Open(node);
+    const int steps = NumOperations();
+    // On the label of a group that is not dragged, and between two groups.
+    TNodeParameterControls& group = Group(node, "Emit Type");
+    const TVector2 label = group.GetAbsolutePosition() + group.GetLabelRect() + TVector2(2, 5);
+    const TVector2 between = group.GetAbsolutePosition() - TVector2(3, 2);
+    for (const TVector2& at : {label, between}) {
+        Document.ClearSelection();
+        EXPECT_TRUE(Press(at));
+        EXPECT_EQ(Document.GetSelection().size(), 1);
+        EXPECT_TRUE(Canvas().IsDragging());
+        EXPECT_TRUE(TRenderObject::GetFocus() == &Object(node));
+        Release(at);
+    }
+    EXPECT_EQ(NumOperations(), steps);
+    // It is dragged by it too.
+    DragTo(label, label + TVector2(30, 20));
+    EXPECT_EQ(node->GetX(), 130);
+    EXPECT_EQ(node->GetY(), 120);
+}
+
+TEST_F(TNodeObjTest, AControlTakesItsOwnPress)
+{
+    TToolNode* node = Add("Gravity", 100, 100);
+    Open(node);
+    Document.ClearSelection();
+    EXPECT_TRUE(Press(Group(node, "Acceleration").GetAbsolutePosition() + TVector2(20, 10)));
+    Release(Group(node, "Acceleration").GetAbsolutePosition() + TVector2(20, 10));
+    EXPECT_NE(TTextEdit::GetFocused(), nullptr);
     EXPECT_TRUE(Document.GetSelection().empty());
-    controls->Max = TVector2(300, 50);
-    TRenderEvent event;
-    event.Source = controls;
-    event.Code = RE_RELAYOUT;
-    Object(node).Event(event);
-    EXPECT_GT(Object(node).GetSize()[0], 340);
-    TRenderObject::RunTicks(&Renderer);
+}
+
+TEST_F(TNodeObjTest, AGroupThatBecomesHigherLaysThePanelOutAnew)
+{
+    TToolNode* node = Add("Noise", 100, 100);
+    Open(node);
+    const TVector2 before = Object(node).GetSize();
+    const float top = Group(node, "Position").GetOrigin()[1];
+    TNodeGroupParameter* group = static_cast<TNodeGroupParameter*>(node->GetNodeType()->GetParameter(0));
+    Document.ApplyOperation(new TGroupParamOp(group, true));
+    EXPECT_GE(Object(node).GetSize()[1], before[1] + 20);
+    EXPECT_GE(Group(node, "Position").GetOrigin()[1], top + 20);
+    Document.Undo();
+    EXPECT_EQ(Object(node).GetSize(), before);
+    EXPECT_EQ(Group(node, "Position").GetOrigin()[1], top);
+}
+
+TEST_F(TNodeObjTest, KeysThatAControlDoesNotUseDeleteNothing)
+{
+    TToolNode* node = Add("Grid", 100, 100);
+    Open(node);
+    Document.SelectNode(node, true);
+    for (const char* name : {"Emit Type", "Size", "Emission Trigger"}) {
+        TRenderObject::SetFocus(&Group(node, name), &Renderer);
+        EXPECT_FALSE(Key(KEY_DELETE)) << name;
+        EXPECT_FALSE(Key(KEY_BACKSPACE)) << name;
+        EXPECT_EQ(Document.GetGraph()->GetNumNodes(), 1);
+    }
+    TRenderObject::SetFocus(&Object(node), &Renderer);
+    EXPECT_TRUE(Key(KEY_DELETE));
+    EXPECT_EQ(Document.GetGraph()->GetNumNodes(), 0);
 }
 
 TEST_F(TNodeObjTest, AnInputWhosePortGetsConnectedHidesItsParameterControls)
@@ -312,35 +409,115 @@ TEST_F(TNodeObjTest, AnInputWhosePortGetsConnectedHidesItsParameterControls)
     TToolNode* effect = Add("Effect", 100, 300);
     TToolNode* curve = Add("Scalar Over Life", 400, 300);
     TNodeObj& object = Object(curve);
-    object.AddControls(new TBoxControls, -1);
-    object.AddControls(new TBoxControls, 0);
-    object.AddControls(new TBoxControls, 1);
-    Click(ButtonOf(curve));
+    Open(curve);
     const TVector2 before = object.GetSize();
+    const float value = static_cast<TNodeScalarParameter*>(curve->GetNodeType()->GetInput(1))->Get();
     Connect(effect, "Time", curve, "Life");
-    EXPECT_TRUE(object.GetExpanded().IsControlsVisible(0));
-    EXPECT_TRUE(object.GetExpanded().IsControlsVisible(1));
-    EXPECT_FALSE(object.GetExpanded().IsControlsVisible(2));
+    EXPECT_NE(Group(curve, "Time").GetParent(), nullptr);
+    EXPECT_EQ(Group(curve, "Life").GetParent(), nullptr);
     EXPECT_LT(object.GetSize()[1], before[1]);
     EXPECT_FALSE(object.IsCollapsed());
     Document.Undo();
-    EXPECT_TRUE(object.GetExpanded().IsControlsVisible(2));
+    EXPECT_NE(Group(curve, "Life").GetParent(), nullptr);
     EXPECT_EQ(object.GetSize(), before);
+    EXPECT_EQ(static_cast<TNodeScalarParameter*>(curve->GetNodeType()->GetInput(1))->Get(), value);
     TRenderObject::RunTicks(&Renderer);
 }
 
 TEST_F(TNodeObjTest, AnOpenNodeWhoseLastControlsHideClosesItselfAndTicks)
 {
     TToolNode* effect = Add("Effect", 100, 300);
-    TToolNode* curve = Add("Scalar Over Life", 400, 300);
-    Object(curve).AddControls(new TBoxControls, 0);
-    Click(ButtonOf(curve));
-    TRenderObject::RunTicks(&Renderer);
-    Connect(effect, "Time", curve, "Time");
-    EXPECT_TRUE(Object(curve).IsCollapsed());
+    TToolNode* age = Add("Age", 400, 300);
+    Open(age);
+    Connect(effect, "Time", age, "Age");
+    EXPECT_FALSE(Object(age).IsCollapsed());
+    Connect(effect, "Time", age, "Max Age");
+    EXPECT_TRUE(Object(age).IsCollapsed());
     EXPECT_TRUE(TRenderObject::HasTicks());
     TRenderObject::RunTicks(&Renderer);
     EXPECT_FALSE(TRenderObject::HasTicks());
+}
+
+TEST_F(TNodeObjTest, OpenPanelsAndOpenGroupsSurviveUndoAndRedoOfTheNode)
+{
+    TToolNode* node = Add("Noise", 100, 100);
+    TNodeObj& object = Object(node);
+    Open(node);
+    TNodeGroupParameter* group = static_cast<TNodeGroupParameter*>(node->GetNodeType()->GetParameter(0));
+    Document.ApplyOperation(new TGroupParamOp(group, true));
+    const TVector2 size = object.GetSize();
+    vector<TToolNode*> nodes;
+    nodes.push_back(node);
+    Document.ApplyOperation(new TDeleteGraphNodeOp(nodes));
+    Document.Undo();
+    EXPECT_FALSE(object.IsCollapsed());
+    EXPECT_EQ(object.GetSize(), size);
+    // Until the addition itself is undone, and redone.
+    Document.Undo();
+    Document.Undo();
+    EXPECT_EQ(Scene().FindNode(node), nullptr);
+    Document.Redo();
+    EXPECT_FALSE(Object(node).IsCollapsed());
+    Document.Redo();
+    EXPECT_EQ(object.GetSize(), size);
+}
+
+TEST_F(TNodeObjTest, TheControlsShowTheTypesThatAChangeOfTheGraphBrings)
+{
+    TToolNode* noise = Add("Gravity", 100, 100);
+    TToolNode* add = Add("Add", 600, 100);
+    Open(add);
+    TNodeParameterControls& second = Group(add, Text(add->GetNodeType()->GetInput(1)->Name).c_str());
+    TVector2 before;
+    second.GetSize(before);
+    TNodePolytypeParameter* input = static_cast<TNodePolytypeParameter*>(add->GetNodeType()->GetInput(1));
+    const int type = input->GetCurrentType();
+    TNodePolytypeParameter* first = static_cast<TNodePolytypeParameter*>(add->GetNodeType()->GetInput(0));
+    const int wanted = type == TY_VECTOR3 ? TY_SCALAR : TY_VECTOR3;
+    Document.ApplyOperation(new TPolytypeUserTypeOp(add, first, wanted));
+    EXPECT_EQ(input->GetCurrentType(), wanted);
+    TVector2 after;
+    second.GetSize(after);
+    EXPECT_NE(after[0], before[0]);
+    Document.Undo();
+    second.GetSize(after);
+    EXPECT_EQ(after, before);
+    (void)noise;
+}
+
+TEST_F(TNodeObjTest, ADragOfAControlEndsWithoutEffectWhenItsNodeGoes)
+{
+    TToolNode* node = Add("Age", 100, 100);
+    Open(node);
+    TNodeParameterControls& group = Group(node, "Age");
+    TNodeScalarParameter* age = static_cast<TNodeScalarParameter*>(group.GetParameter());
+    const float before = age->Get();
+    const TVector2 label = group.GetAbsolutePosition() + group.GetLabelRect() + TVector2(2, 5);
+    Press(label);
+    ASSERT_NE(TWimp::Get().GetMouseDrag(), nullptr);
+    EXPECT_FALSE(Canvas().IsDragging());
+    Drag(label + TVector2(40, 0));
+    EXPECT_NE(age->Get(), before);
+    const int steps = NumOperations();
+    vector<TToolNode*> nodes;
+    nodes.push_back(node);
+    Document.ApplyOperation(new TDeleteGraphNodeOp(nodes));
+    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+    EXPECT_EQ(age->Get(), before);
+    EXPECT_EQ(NumOperations(), steps + 1);
+}
+
+TEST_F(TNodeObjTest, AControlShowsItsHelpAndTheNextPressHidesIt)
+{
+    TToolNode* node = Add("Age", 100, 100);
+    Open(node);
+    TNodeParameterControls& group = Group(node, "Max Age");
+    TString help;
+    ASSERT_TRUE(group.GetHelpText(help));
+    const TVector2 label = group.GetAbsolutePosition() + group.GetLabelRect() + TVector2(2, 5);
+    EXPECT_EQ(HoverAt(label), Text(help));
+    Move(label + TVector2(1, 0));
+    EXPECT_FALSE(Scene().GetHelp().IsShown());
 }
 
 TEST_F(TNodeObjTest, ClickingTheBypassBoxAddsOneUndoStepAndDoesNotSelectTheNode)
@@ -424,13 +601,23 @@ TEST_F(TNodeObjTest, TheGripMakesTheNodeLargerButNeverSmallerThanItsContents)
     EXPECT_EQ(Object(node).GetSize(), size);
 }
 
-TEST_F(TNodeObjTest, AnOpenNodeFollowsTheGripToo)
+TEST_F(TNodeObjTest, ADragOfTheGripScrollsAtTheEdgesOfTheView)
 {
     TToolNode* node = Add("Effect", 100, 100);
-    Object(node).AddControls(new TBoxControls(200), -1);
+    const TVector2 grip = TVector2(100, 100) + Object(node).GetSize() - TVector2(5, 3);
+    Press(grip);
+    Drag(TVector2(795, 300));
+    EXPECT_EQ(Host.NumScrolls, 1);
+    EXPECT_EQ(Host.ScrolledAt, std::make_pair(795.0, 300.0));
+    Release(TVector2(795, 300));
+    EXPECT_EQ(Host.Captured, nullptr);
+}
+
+TEST_F(TNodeObjTest, AnOpenNodeFollowsTheGripToo)
+{
+    TToolNode* node = Add("Noise", 100, 100);
     const TVector2 closed = Object(node).GetSize();
-    Click(ButtonOf(node));
-    TRenderObject::RunTicks(&Renderer);
+    Open(node);
     const TVector2 open = Object(node).GetSize();
     const TVector2 grip = TVector2(100, 100) + open - TVector2(5, 3);
     DragTo(grip, grip + TVector2(40, 25));
@@ -458,10 +645,8 @@ TEST_F(TNodeObjTest, KeysGoToTheGraphWhenTheFocusedControlCannotBeSeen)
 {
     TToolNode* node = Add("Scalar Over Life", 500, 100);
     TToolNode* effect = Add("Effect", 100, 100);
-    const int port = node->GetNodeType()->FindInput("Time");
-    TBoxControls* controls = new TBoxControls(200);
-    Object(node).AddControls(new TBoxControls(200), -1);
-    Object(node).AddControls(controls, port);
+    Open(node);
+    TNodeParameterControls* controls = &Group(node, "Time");
     const auto open = [&] {
         if (Object(node).IsCollapsed())
             Click(ButtonOf(node));
@@ -469,12 +654,10 @@ TEST_F(TNodeObjTest, KeysGoToTheGraphWhenTheFocusedControlCannotBeSeen)
         ASSERT_FALSE(Object(node).IsCollapsed());
         TRenderObject::SetFocus(controls, &Renderer);
         TRenderObject::SetCapture(controls);
-        controls->Events.clear();
     };
     const auto expectGraphHasThem = [&](const char* what) {
         EXPECT_EQ(TRenderObject::GetFocus(), &Canvas()) << what;
         EXPECT_EQ(TRenderObject::GetCapture(), nullptr) << what;
-        EXPECT_EQ(controls->GetCodes(), (std::vector<int>{RE_FOCUSLOST})) << what;
     };
     open();
     TToolEdge* edge = Connect(effect, "Time", node, "Time");
@@ -484,7 +667,6 @@ TEST_F(TNodeObjTest, KeysGoToTheGraphWhenTheFocusedControlCannotBeSeen)
     // The press takes the keys for the node.
     Press(ButtonOf(node));
     TRenderObject::SetFocus(controls, &Renderer);
-    controls->Events.clear();
     Release(ButtonOf(node));
     ASSERT_TRUE(Object(node).IsCollapsed());
     expectGraphHasThem("the panel is closed");
@@ -503,7 +685,6 @@ TEST_F(TNodeObjTest, ADeletedNodeComesBackAsItWas)
     TToolNode* node = Add("Effect", 100, 100);
     TToolNode* curve = Add("Scalar Over Life", 500, 100);
     TToolEdge* edge = Connect(node, "Time", curve, "Time");
-    Object(node).AddControls(new TBoxControls(200), -1);
     Click(ButtonOf(node));
     Document.SelectNode(node, true);
     Press(ButtonOf(node));
@@ -530,7 +711,6 @@ TEST_F(TNodeObjTest, HoveringTellsTheBypassState)
 TEST_F(TNodeObjTest, HoveringTellsOfTheButton)
 {
     TToolNode* node = Add("Gravity", 100, 100);
-    Object(node).AddControls(new TBoxControls, -1);
     EXPECT_EQ(HoverAt(ButtonOf(node)), "Click to show node properties");
     Click(ButtonOf(node));
     EXPECT_FALSE(Scene().GetHelp().IsShown());
@@ -591,7 +771,6 @@ TEST_F(TNodeObjTest, OverlapsBoxGoesByTheStateThatIsShown)
 {
     TToolNode* node = Add("Effect", 100, 100);
     TNodeObj& object = Object(node);
-    object.AddControls(new TBoxControls(300), -1);
     const TVector2 size = object.GetSize();
     EXPECT_TRUE(object.OverlapsBox(TVector2(0, 0), TVector2(101, 101)));
     EXPECT_TRUE(object.OverlapsBox(TVector2(110, 110), TVector2(111, 111)));

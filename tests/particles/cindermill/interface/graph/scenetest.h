@@ -4,10 +4,12 @@
 #include "support/gltest.h"
 #include "support/testapp.h"
 
+#include "library/wimp/window.h"
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 
@@ -47,18 +49,6 @@ public:
         delete Scene;
         Scene = nullptr;
     }
-    void AddNodeObject(TToolNode* node) override { Scene->AddNode(node); }
-    void RemoveNodeObject(TToolNode* node) override { Scene->RemoveNode(node); }
-    void AddEdgeObject(TToolEdge* edge) override { Scene->AddEdge(edge); }
-    void RemoveEdgeObject(TToolEdge* edge) override { Scene->RemoveEdge(edge); }
-    void TouchNode(TToolNode* node) override { Scene->TouchNode(node); }
-    void RelayoutNode(TToolNode* node) override { Scene->RelayoutNode(node); }
-    void LayoutEdge(TToolEdge* edge) override { Scene->LayoutEdge(edge); }
-    void UnhookEdge(TToolEdge* edge) override { Scene->UnhookEdge(edge); }
-    void GetNodeHalfSize(TToolNode* node, int& x, int& y) override { Scene->GetNodeHalfSize(node, x, y); }
-    void ForgetNode(TToolNode* node) override { Scene->ForgetNode(node); }
-    void ForgetEdge(TToolEdge* edge) override { Scene->ForgetEdge(edge); }
-
     void RedrawGraphs() override { ++NumRedraws; }
     void EdgeScroll(TRenderer&, double x, double y) override
     {
@@ -70,15 +60,20 @@ public:
         Captured = &renderer;
         Drag = &drag;
         ++NumDrags;
+        TWimp::Get().SetMouseDrag(&drag, Window);
     }
     void EndDrag(TRenderer& renderer) override
     {
         EXPECT_EQ(Captured, &renderer);
         Captured = nullptr;
         Drag = nullptr;
+        TWimp::Get().ClearMouseDrag();
     }
+    void ShowHelp(const char* text, const TVector2& point) override { Scene->GetHelp().Show(text, point); }
     void Warn() override { ++NumWarnings; }
 
+    // Never shown: the framework asks for one.
+    TWindow Window;
     TGraphScene* Scene = nullptr;
     TRenderer* Captured = nullptr;
     TMouseDrag* Drag = nullptr;
@@ -152,6 +147,20 @@ protected:
         TVector2 max;
         Object(node).GetRectangle(min, max);
         return TVector2(max[0] - 9, min[1] + 8);
+    }
+    // The group of a parameter or an input in the node's open panel, by name.
+    TNodeParameterControls& Group(TToolNode* node, const char* name)
+    {
+        TNodeExp& panel = Object(node).GetExpanded();
+        for (int i = 0; i < panel.GetNumControls(); ++i)
+            if (panel.GetControls(i).GetParameter()->Name.Compare(name) == 0)
+                return panel.GetControls(i);
+        throw std::runtime_error("the panel has no such group");
+    }
+    void Open(TToolNode* node)
+    {
+        Click(ButtonOf(node));
+        TRenderObject::RunTicks(&Renderer);
     }
     int NumOperations() const { return Document.GetOperationStack()->GetNumOperations(); }
 

@@ -14,6 +14,8 @@
 
 #include <GL/glew.h>
 
+#include <climits>
+
 namespace {
 
 constexpr int CanvasSize = 200;
@@ -197,11 +199,20 @@ TEST_F(Displays, AGridHasTheGivenDivisions)
     for (const float z : {-1.0f, -0.5f, 0.0f, 0.5f, 1.0f})
         EXPECT_TRUE(HasLine(picture, 0.1f, z));
     EXPECT_FALSE(HasLine(picture, 0.1f, 0.25f));
-    type->FindParameterOf<TNodeIntParameter>("X Divisions", PK_INT)->SetValue(2000000000);
+    type->FindParameterOf<TNodeIntParameter>("Y Divisions", PK_INT)->SetValue(0);
+    for (const int divisions : {1001, 1999, 2000000000, INT_MAX}) {
+        type->FindParameterOf<TNodeIntParameter>("X Divisions", PK_INT)->SetValue(divisions);
+        const TPicture filled = shown.Draw(0, 2);
+        for (const float x : {-1.0f, -0.5f, 0.0f, 0.01f, 0.4f, 0.98f, 1.0f})
+            EXPECT_TRUE(HasLine(filled, x, 0.5f)) << x << " of " << divisions;
+        EXPECT_FALSE(HasLine(filled, 1.05f, 0.5f));
+        EXPECT_FALSE(HasLine(filled, -1.05f, 0.5f));
+    }
     type->FindParameterOf<TNodeIntParameter>("Y Divisions", PK_INT)->SetValue(-5);
     shown.Draw(0, 2);
     type->FindParameterOf<TNodeIntParameter>("X Divisions", PK_INT)->SetValue(0);
     const TPicture undivided = shown.Draw(0, 2);
+    EXPECT_FALSE(HasLine(undivided, 0.98f, 0.1f));
     EXPECT_TRUE(HasLine(undivided, -1, 0.1f));
     EXPECT_FALSE(HasLine(undivided, 0, 0.1f));
     shown.Connect("Transform");

@@ -1,4 +1,4 @@
-#include "particles/cindermill/interface/graph/outlines.h"
+#include "particles/cindermill/interface/controls/outlines.h"
 
 #include "library/wimp/gl/renderpath.h"
 

@@ -1,0 +1,97 @@
+#include "particles/cindermill/interface/controls/clickable.h"
+
+#include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/interface/controls/controlpaint.h"
+
+void TClickable::SetEnabled(bool enabled)
+{
+    if (enabled == Enabled)
+        return;
+    Enabled = enabled;
+    if (!Enabled)
+        Press.Cancel();
+    Redraw();
+}
+
+void TClickable::Redraw()
+{
+    Host.RedrawGraphs();
+}
+
+void TClickable::Notify(int code)
+{
+    if (Parent == nullptr)
+        return;
+    TRenderEvent event;
+    event.Source = this;
+    event.Code = code;
+    Parent->Event(event);
+}
+
+int TClickable::GetLook() const
+{
+    int look = Enabled ? 0 : CL_DISABLED;
+    if (Hover)
+        look |= CL_HOVER;
+    if (IsHeldOver())
+        look |= CL_PRESSED;
+    if (GetFocus() == this)
+        look |= CL_FOCUSED;
+    return look;
+}
+
+bool TClickable::OnPress(const TRenderEvent& event)
+{
+    if (!Enabled)
+        return TRenderObject::Event(event);
+    SetFocus(this, GetRenderer());
+    Press.Over = true;
+    Press.Begin(Host);
+    Redraw();
+    return true;
+}
+
+bool TClickable::Event(const TRenderEvent& event)
+{
+    switch (event.Code) {
+    case RE_LEFTDOWN:
+        return OnPress(event);
+    case RE_LEFTUP:
+        return Enabled || TRenderObject::Event(event);
+    case RE_ENTER:
+    case RE_LEAVE:
+        Hover = event.Code == RE_ENTER;
+        Redraw();
+        return TRenderObject::Event(event);
+    case RE_CHARACTER:
+        if (event.Detail != ' ' || !Enabled)
+            return TRenderObject::Event(event);
+        OnClick();
+        return true;
+    case RE_FOCUSLOST:
+        Redraw();
+        return true;
+    default:
+        return TRenderObject::Event(event);
+    }
+}
+
+void TClickable::TPress::OnDrag(const TVector2& point, int keyFlags)
+{
+    (void)keyFlags;
+    TVector2 min;
+    TVector2 max;
+    Owner.GetBounds(min, max);
+    const bool over = point[0] >= min[0] && point[0] < max[0] && point[1] >= min[1] && point[1] < max[1];
+    if (over == Over)
+        return;
+    Over = over;
+    Owner.Redraw();
+}
+
+void TClickable::TPress::OnDragEnd()
+{
+    Owner.Redraw();
+    if (Over)
+        Owner.OnClick();
+}

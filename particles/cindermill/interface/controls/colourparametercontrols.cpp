@@ -1,0 +1,129 @@
+#include "particles/cindermill/interface/controls/colourparametercontrols.h"
+
+#include "particles/cindermill/graph/operations/operationstack.h"
+#include "particles/cindermill/graph/operations/valueparamop.h"
+#include "particles/cindermill/interface/controls/colourpicker.h"
+#include "particles/cindermill/interface/controls/colourtext.h"
+#include "particles/cindermill/main/document.h"
+
+#include <algorithm>
+
+namespace {
+constexpr float SwatchWidth = 100.0f;
+
+bool AreSame(const float* a, const float* b)
+{
+    return std::equal(a, a + TPickedColour::NumComponents, b);
+}
+} // namespace
+
+TNodeColourParameterControls::~TNodeColourParameterControls()
+{
+    delete Picker;
+    delete Swatch;
+}
+
+TNodeColourParameter& TNodeColourParameterControls::GetColour() const
+{
+    return *static_cast<TNodeColourParameter*>(Parameter);
+}
+
+void TNodeColourParameterControls::BuildControls()
+{
+    Swatch = new TColourSwatch(*Host);
+    Swatch->Build(TVector2(SwatchWidth, RowHeight));
+    AddObject(Swatch);
+}
+
+void TNodeColourParameterControls::Refresh()
+{
+    Swatch->SetColour(GetColour().GetFloats());
+    if (Picker != nullptr)
+        Picker->SetColour(GetColour().GetFloats());
+}
+
+void TNodeColourParameterControls::GetSize(TVector2& size) const
+{
+    size = TVector2(SwatchWidth, RowHeight);
+    if (IsOpen())
+        size = Picker->GetSize() + TVector2(0, RowStep);
+}
+
+void TNodeColourParameterControls::SetOpen(bool open)
+{
+    if (open == IsOpen())
+        return;
+    Swatch->SetOpen(open);
+    ShowPicker();
+}
+
+void TNodeColourParameterControls::ShowPicker()
+{
+    if (Picker == nullptr) {
+        Picker = new TColourPicker(*Host);
+        Picker->Build();
+        Picker->SetOrigin(TVector2(0, RowStep));
+        Picker->SetColour(GetColour().GetFloats());
+    }
+    if (IsOpen())
+        AddObject(Picker);
+    else
+        RemoveObject(Picker);
+    TellSize();
+}
+
+void TNodeColourParameterControls::OnChildChanged(const TRenderEvent& event)
+{
+    if (event.Source == Swatch)
+        ShowPicker();
+    else if (event.Source == Picker && Picker->IsTakenBack())
+        TakeBack(Picker->GetDrag());
+    else if (event.Source == Picker)
+        Apply(Picker->GetColour(), Picker->GetDrag());
+}
+
+void TNodeColourParameterControls::Apply(const float* rgba, int drag)
+{
+    if (!AreSame(rgba, GetColour().GetFloats()))
+        Document->ApplyOperation(new TColourParamOp(&GetColour(), rgba, drag));
+}
+
+// A drag that was held still for long has made several steps.
+void TNodeColourParameterControls::TakeBack(int drag)
+{
+    const TOperationStack& stack = *Document->GetOperationStack();
+    while (Document->CanUndo()) {
+        TOperation* top = stack.GetOperation(stack.GetPosition() - 1);
+        if (top->GetClassId() != TColourParamOp::NameID() ||
+            static_cast<TColourParamOp*>(top)->GetDrag() != drag)
+            return;
+        Document->Undo();
+    }
+}
+
+void TNodeColourParameterControls::CopyValue(TString& text) const
+{
+    ColourToText(GetColour().GetFloats(), text);
+}
+
+bool TNodeColourParameterControls::PasteValue(const char* text)
+{
+    float rgba[TPickedColour::NumComponents];
+    GetColour().GetValue(rgba);
+    if (!TextToColour(text, rgba))
+        return false;
+    Apply(rgba, 0);
+    return true;
+}
+
+void TNodeColourParameterControls::ResetValue()
+{
+    if (const TNodeParameter* value = FindDefault())
+        Apply(static_cast<const TNodeColourParameter*>(value)->GetFloats(), 0);
+}
+
+bool TNodeColourParameterControls::IsDefault() const
+{
+    const TNodeColourParameter* value = static_cast<const TNodeColourParameter*>(FindDefault());
+    return value == nullptr || AreSame(value->GetFloats(), GetColour().GetFloats());
+}

@@ -1,0 +1,161 @@
+#include "particles/cindermill/interface/controls/textureparametercontrols.h"
+
+#include "library/system/message.h"
+#include "library/system/path.h"
+#include "library/wimp/filechooser.h"
+#include "particles/cindermill/graph/operations/nameparamop.h"
+#include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/document.h"
+
+namespace {
+
+constexpr float ButtonWidth = 30.0f;
+constexpr float NameLeft = 38.0f;
+constexpr float NameWidth = 172.0f;
+constexpr float SideLeft = TTexturePreview::MaxSize + 10.0f;
+constexpr float SideStep = 20.0f;
+
+TResourceLocator& GetLocator()
+{
+    return TCindermillApp::Get().GetResourceLocator();
+}
+
+} // namespace
+
+TNodeTextureParameterControls::~TNodeTextureParameterControls()
+{
+    delete AlphaBox;
+    delete PictureSize;
+    delete Preview;
+    delete Name;
+    delete Button;
+}
+
+TNodeTextureParameter& TNodeTextureParameterControls::GetTexture() const
+{
+    return *static_cast<TNodeTextureParameter*>(Parameter);
+}
+
+void TNodeTextureParameterControls::BuildControls()
+{
+    Button = new TPushButton(*Host);
+    Button->Build("...", TVector2(ButtonWidth, RowHeight));
+    AddObject(Button);
+    Name = new TStatic;
+    Name->SetWidth(NameWidth);
+    AddObject(Name);
+    Preview = new TTexturePreview;
+    Preview->SetOrigin(TVector2(0, RowStep));
+    AddObject(Preview);
+    AlphaBox = new TTickBox(*Host);
+    AlphaBox->Build("Show alpha channel");
+    AlphaBox->SetOrigin(TVector2(SideLeft, RowStep));
+    AddObject(AlphaBox);
+    PictureSize = new TStatic;
+    PictureSize->SetOrigin(TVector2(SideLeft, RowStep + SideStep));
+    AddObject(PictureSize);
+}
+
+void TNodeTextureParameterControls::Refresh()
+{
+    TString shown;
+    ToShownPath(GetTexture().GetFileName(), shown);
+    Name->SetText(shown.Print());
+    Name->SetOrigin(TVector2(NameLeft, (RowHeight - Name->GetSize()[1]) * 0.5f));
+    TString path;
+    if (!GetLocator().FindKnown(GetTexture().GetFileName(), path))
+        path = nullptr;
+    Preview->Show(path);
+    ShowPictureSize();
+}
+
+void TNodeTextureParameterControls::ShowPictureSize()
+{
+    const TRenderTextureInstance& texture = Preview->GetTexture();
+    TString text;
+    if (!texture.IsEmpty())
+        text.Format("%d x %d", texture.GetWidth(), texture.GetHeight());
+    PictureSize->SetText(text.Print());
+}
+
+void TNodeTextureParameterControls::GetSize(TVector2& size) const
+{
+    size = TVector2(NameLeft + NameWidth, RowStep + TTexturePreview::MaxSize);
+}
+
+void TNodeTextureParameterControls::OnChildChanged(const TRenderEvent& event)
+{
+    if (event.Source == Button)
+        Choose();
+    else if (event.Source == AlphaBox)
+        Preview->SetAlphaOnly(AlphaBox->IsChecked());
+    Host->RedrawGraphs();
+}
+
+void TNodeTextureParameterControls::Choose()
+{
+    vector<TFileFilter> filters;
+    filters.push_back(TFileFilter{"KZ5 textures (*.dds;*.hvt)", "*.dds;*.hvt"});
+    TString path;
+    if (OpenFileChooser("Select texture to load", filters, nullptr, path))
+        TakeFile(path);
+}
+
+void TNodeTextureParameterControls::TakeFile(const char* path)
+{
+    TString name;
+    ToKeptPath(path, name);
+    TRenderTextureInstance loaded;
+    if (!loaded.Load(name)) {
+        TString shown;
+        ToShownPath(path, shown);
+        ShowMessage("Could not load texture %s", shown.Print());
+        return;
+    }
+    if (GetLocator().PrepareName(name))
+        Apply(name);
+}
+
+// A name may stay and yet lead to another file, or to one at last.
+void TNodeTextureParameterControls::Apply(const char* name)
+{
+    if (GetTexture().GetFileName().Compare(name, true) != 0) {
+        Document->ApplyOperation(new TTextureParamOp(&GetTexture(), name));
+        return;
+    }
+    GetTexture().NotifyChanged();
+    Document->FileNamed();
+    Host->RedrawGraphs();
+}
+
+void TNodeTextureParameterControls::CopyValue(TString& text) const
+{
+    text = GetTexture().GetFileName();
+}
+
+bool TNodeTextureParameterControls::PasteValue(const char* text)
+{
+    TString name = text;
+    name.Trim();
+    TString path;
+    TRenderTextureInstance loaded;
+    if (!GetLocator().FindKnown(name, path) || !loaded.Load(path))
+        return false;
+    if (GetTexture().GetFileName().Compare(name, true) != 0)
+        Apply(name);
+    return true;
+}
+
+void TNodeTextureParameterControls::ResetValue()
+{
+    const TNodeParameter* value = FindDefault();
+    if (value != nullptr && !IsDefault())
+        Apply(static_cast<const TNodeTextureParameter*>(value)->GetFileName());
+}
+
+bool TNodeTextureParameterControls::IsDefault() const
+{
+    const TNodeTextureParameter* value = static_cast<const TNodeTextureParameter*>(FindDefault());
+    return value == nullptr || value->GetFileName() == GetTexture().GetFileName();
+}

@@ -1,0 +1,97 @@
+#include "particles/cindermill/interface/controls/transformparametercontrols.h"
+
+#include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/interface/controls/vectorparametercontrols.h"
+
+namespace {
+
+constexpr int TabFields = 3;
+constexpr float FoldWidth = 24.0f;
+constexpr float TabWidth = 64.0f;
+constexpr float Gap = 4.0f;
+
+} // namespace
+
+TNodeTransformParameterControls::~TNodeTransformParameterControls()
+{
+    delete Fold;
+    for (TPushButton* tab : Tabs)
+        delete tab;
+}
+
+void TNodeTransformParameterControls::BuildControls()
+{
+    static constexpr const char* Names[TT_NUMTABS] = {"Translate", "Rotate", "Scale"};
+    static constexpr const char* Letters[TabFields] = {"X", "Y", "Z"};
+    constexpr double Limit = TNumberInput::FloatLimit;
+    Fold = new TPushButton(*Host);
+    Fold->Build("...", TVector2(FoldWidth, RowHeight));
+    AddObject(Fold);
+    for (int i = 0; i < TT_NUMTABS; ++i) {
+        Tabs[i] = new TPushButton(*Host);
+        Tabs[i]->Build(Names[i], TVector2(TabWidth, RowHeight));
+        Tabs[i]->SetToggle(true);
+        Tabs[i]->SetOrigin(TVector2(FoldWidth + Gap + static_cast<float>(i) * (TabWidth + Gap), 0));
+    }
+    for (int i = 0; i < TT_NUMTABS * TabFields; ++i)
+        AddField({Letters[i % TabFields], TVector2(0, 0), TVectorParameterControls::LetterWidth, -Limit,
+                  Limit, 0.1, true});
+    for (int i = TT_SCALE * TabFields; i < TT_NUMTABS * TabFields; ++i) {
+        GetInput(i).ShowValue(1);
+        GetInput(i).SetReadOnly(true);
+    }
+    Layout();
+}
+
+void TNodeTransformParameterControls::Layout()
+{
+    for (int i = 0; i < TT_NUMTABS; ++i) {
+        if (Open && !HasObject(Tabs[i]))
+            AddObject(Tabs[i]);
+        else if (!Open && HasObject(Tabs[i]))
+            RemoveObject(Tabs[i]);
+        Tabs[i]->SetPressed(i == Tab);
+    }
+    const int shown = Open ? Tab : TT_TRANSLATE;
+    for (int i = 0; i < GetNumFields(); ++i) {
+        const float column = static_cast<float>(i % TabFields) * TVectorParameterControls::ColumnStep;
+        const float left = FoldWidth + Gap + TVectorParameterControls::LetterWidth + column;
+        MoveField(i, TVector2(left, Open ? RowStep : 0.0f));
+        SetFieldVisible(i, i / TabFields == shown);
+    }
+}
+
+void TNodeTransformParameterControls::Refresh()
+{
+    TValueParameterControls::Refresh();
+    TellSize();
+}
+
+void TNodeTransformParameterControls::SetOpen(bool open)
+{
+    Open = open;
+    Layout();
+    TellSize();
+    Host->RedrawGraphs();
+}
+
+void TNodeTransformParameterControls::ShowTab(int tab)
+{
+    Tab = tab;
+    Layout();
+    Host->RedrawGraphs();
+}
+
+void TNodeTransformParameterControls::OnChildChanged(const TRenderEvent& event)
+{
+    if (event.Source == Fold) {
+        SetOpen(!Open);
+        return;
+    }
+    for (int i = 0; i < TT_NUMTABS; ++i)
+        if (event.Source == Tabs[i]) {
+            ShowTab(i);
+            return;
+        }
+    TValueParameterControls::OnChildChanged(event);
+}
