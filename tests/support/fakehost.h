@@ -35,6 +35,7 @@ public:
         Tell("drop " + std::to_string(x) + " " + std::to_string(y) + " " + path);
     }
     void FrameAllNodes(TDocument&) override { Tell("frame"); }
+    void BringIntoSight(TDocument&, const vector<TToolNode*>& nodes) override { Sought = nodes; }
     void UpdateTitles(TDocument& document) override { Tell(document.IsModified() ? "title*" : "title"); }
     void RedrawWindows(TDocument&) override { ++Redraws; }
     void ScheduleChanged(TDocument& document) override
@@ -69,6 +70,8 @@ public:
     TNames Events;
     // The one window that is the document's.
     TWindow* Window = nullptr;
+    // What was to be brought into sight last.
+    vector<TToolNode*> Sought;
     int Redraws = 0;
     int Schedules = 0;
     int GoneEngines = 0;
@@ -134,6 +137,11 @@ public:
     {
         Focused = &window;
         Events.push_back("focus all");
+    }
+    void DeleteIn(TDocWindow& window) override
+    {
+        Focused = &window;
+        Events.push_back("delete");
     }
     void Cascade() override { Events.push_back("cascade"); }
     TWindow* WindowFromPoint(int, int) override { return UnderPoint; }

@@ -136,6 +136,11 @@ void TApplication::FocusAll(TDocWindow& window)
     window.FocusAll(false);
 }
 
+void TApplication::DeleteIn(TDocWindow& window)
+{
+    window.GetGraph().PressDelete();
+}
+
 void TApplication::Cascade()
 {
     MainWindow->Cascade();

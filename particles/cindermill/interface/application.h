@@ -33,6 +33,7 @@ public:
     void RebuildRecentFiles(const vector<TString>& files) override;
     void FocusSelected(TDocWindow& window) override;
     void FocusAll(TDocWindow& window) override;
+    void DeleteIn(TDocWindow& window) override;
     void Cascade() override;
     TWindow* WindowFromPoint(int x, int y) override;
     void EndInput() override;

@@ -140,6 +140,14 @@ void TDocumentWindows::FrameAllNodes(TDocument&)
     Windows[0]->FocusAll(true);
 }
 
+// In the view that was used last.
+void TDocumentWindows::BringIntoSight(TDocument&, const vector<TToolNode*>& nodes)
+{
+    TDocWindow** active = Windows.find(TCindermillApp::Get().GetActiveDocWindow());
+    TDocWindow* window = active != Windows.end() ? *active : Windows[0];
+    window->GetGraph().BringIntoSight(nodes);
+}
+
 void TDocumentWindows::UpdateTitles(TDocument& document)
 {
     const bool modified = document.IsModified();

@@ -30,6 +30,7 @@ public:
     bool OwnsWindow(TWindow* window) override;
     void OnDrop(TDocument& document, TWindow* window, int x, int y, const char* path) override;
     void FrameAllNodes(TDocument& document) override;
+    void BringIntoSight(TDocument& document, const vector<TToolNode*>& nodes) override;
     void UpdateTitles(TDocument& document) override;
     void RedrawWindows(TDocument& document) override;
     void ScheduleChanged(TDocument& document) override;

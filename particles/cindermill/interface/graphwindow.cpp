@@ -66,13 +66,18 @@ TCursor GetPointer(TPointerShape shape)
     }
 }
 
-// Whether it ends the help line, beside what the drawing hears of.
-bool IsInput(const TMessage& message)
+// The help line is for a pointer at rest.
+bool EndsHelp(TMessageType type)
 {
-    switch (message.Type) {
+    switch (type) {
     case MT_LEFTDOWN:
+    case MT_LEFTUP:
     case MT_MIDDLEDOWN:
+    case MT_MIDDLEUP:
     case MT_RIGHTDOWN:
+    case MT_RIGHTUP:
+    case MT_MOUSEMOVE:
+    case MT_MOUSELEAVE:
     case MT_WHEEL:
     case MT_KEYDOWN:
     case MT_CHAR:
@@ -239,7 +244,8 @@ bool TGraphWindow::OnMessage(const TMessage& message)
     // Whatever has the focus: it is the drag that is given up.
     if (message.Type == MT_KEYDOWN && message.Key == KEY_ESCAPE && TWimp::Get().GetMouseDrag() != nullptr)
         return OnEscape();
-    HideHelp(message);
+    if (EndsHelp(message.Type))
+        HideHelp();
     const bool consumed = TRenderObject::Route(Renderer, GetScene().GetRoot(), message);
     if (message.Type == MT_MOUSEMOVE || message.Type == MT_MOUSELEAVE)
         UpdatePointer();
@@ -287,12 +293,6 @@ void TGraphWindow::OnFocus()
     const TRenderer* view = TRenderObject::GetFocusView();
     if (focus == nullptr || focus->GetTop() != &root || (view != nullptr && view != &Renderer))
         TRenderObject::SetFocus(&root, &Renderer);
-}
-
-void TGraphWindow::HideHelp(const TMessage& message)
-{
-    if (IsInput(message) && GetScene().GetHelp().Hide())
-        DocWindow->GetWindows().RedrawGraphs();
 }
 
 void TGraphWindow::ShowPointer(TRenderObject& object, TPointerShape shape)
@@ -386,6 +386,22 @@ void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
         TWindow::OnCommand(control, argument, code);
 }
 
+void TGraphWindow::HideHelp()
+{
+    if (GetScene().GetHelp().Hide())
+        DocWindow->GetWindows().RedrawGraphs();
+}
+
+void TGraphWindow::PressDelete()
+{
+    TakeFocus();
+    OnFocus();
+    TMessage message;
+    message.Type = MT_KEYDOWN;
+    message.Key = KEY_DELETE;
+    OnMessage(message);
+}
+
 bool TGraphWindow::OnEscape()
 {
     if (DocWindow->CancelAnyDrag())
@@ -405,6 +421,7 @@ void TGraphWindow::OnWheel(const TMessage& message)
 
 void TGraphWindow::SetView(const TGraphView& view)
 {
+    HideHelp();
     ShowView(view);
     if (State == GS_PANNING)
         view.GetPanStart(PixelNow[0], PixelNow[1], PanStart);
@@ -553,12 +570,12 @@ void TGraphWindow::HideGhost()
     DocWindow->GetWindows().RedrawGraphs();
 }
 
-void TGraphWindow::Focus(const vector<TToolNode*>& nodes, bool animate)
+// Around the nodes as they are drawn; false if none of them is.
+bool TGraphWindow::GetBox(const vector<TToolNode*>& nodes, TVector2& min, TVector2& max) const
 {
     constexpr float Far = 1e30f;
-    ASSERT(!nodes.empty());
-    TVector2 min(Far, Far);
-    TVector2 max(-Far, -Far);
+    min = TVector2(Far, Far);
+    max = TVector2(-Far, -Far);
     for (const TToolNode* node : nodes) {
         const TNodeObj* object = GetScene().FindNode(node);
         if (object == nullptr)
@@ -571,7 +588,15 @@ void TGraphWindow::Focus(const vector<TToolNode*>& nodes, bool animate)
             max[i] = nodeMax[i] > max[i] ? nodeMax[i] : max[i];
         }
     }
-    if (min[0] > max[0])
+    return min[0] <= max[0];
+}
+
+void TGraphWindow::Focus(const vector<TToolNode*>& nodes, bool animate)
+{
+    ASSERT(!nodes.empty());
+    TVector2 min;
+    TVector2 max;
+    if (!GetBox(nodes, min, max))
         return;
     int width = 0;
     int height = 0;
@@ -583,6 +608,34 @@ void TGraphWindow::Focus(const vector<TToolNode*>& nodes, bool animate)
         return;
     }
     ViewFocus.Stop();
+    SetView(view);
+}
+
+void TGraphWindow::BringIntoSight(const vector<TToolNode*>& nodes)
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    const TVector2 from = PixelToWorld(0, 0);
+    const TVector2 to = PixelToWorld(width, height);
+    for (const TToolNode* node : nodes) {
+        const TNodeObj* object = GetScene().FindNode(node);
+        if (object != nullptr && object->OverlapsBox(from, to))
+            return;
+    }
+    TVector2 min;
+    TVector2 max;
+    if (!GetBox(nodes, min, max))
+        return;
+    // The middle of nodes that stand far apart may be as empty as what is in sight now.
+    if (max[0] - min[0] > to[0] - from[0] || max[1] - min[1] > to[1] - from[1]) {
+        vector<TToolNode*> first;
+        first.push_back(nodes[0]);
+        GetBox(first, min, max);
+    }
+    ViewFocus.Stop();
+    TGraphView view = GetView();
+    view.SetCentre((min + max) * 0.5f, view.GetScale(), width, height);
     SetView(view);
 }
 

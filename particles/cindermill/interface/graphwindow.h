@@ -40,6 +40,10 @@ public:
 
     // Shows all of the nodes. Asserts "!nodes.empty()".
     void Focus(const vector<TToolNode*>& nodes, bool animate);
+    // Moves the view, its zoom kept, if nothing of the nodes is in sight.
+    void BringIntoSight(const vector<TToolNode*>& nodes);
+    // What the delete key does here.
+    void PressDelete();
     // One step of a running animation.
     void OnIdle();
     // A file dropped at a place of the screen.
@@ -81,9 +85,10 @@ private:
     bool OnClipboardShortcut(int code);
     bool OnTextShortcut(TTextEdit& edit, int code);
     TTextEdit* GetTextEdit() const;
-    void HideHelp(const TMessage& message);
     void UpdatePointer();
     void OnFocus();
+    void HideHelp();
+    bool GetBox(const vector<TToolNode*>& nodes, TVector2& min, TVector2& max) const;
     void OnLeftDown(const TMessage& message);
     void OnRightUp(const TMessage& message);
     // The menu of the controls under the pointer; false for none.

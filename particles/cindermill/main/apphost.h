@@ -49,6 +49,8 @@ public:
     virtual void RebuildRecentFiles(const vector<TString>& files) = 0;
     virtual void FocusSelected(TDocWindow& window) = 0;
     virtual void FocusAll(TDocWindow& window) = 0;
+    // What the delete key does in the graph of the window.
+    virtual void DeleteIn(TDocWindow& window) = 0;
     // Places the document windows in a cascade.
     virtual void Cascade() = 0;
     // The window at a place of the screen, or null.

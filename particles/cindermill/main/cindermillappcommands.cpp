@@ -129,9 +129,6 @@ bool TCindermillApp::OnDocumentMenu(int id)
         if (document != nullptr)
             document->Paste();
         return true;
-    case MI_DELETE:
-        // The graph view deletes: the key reaches it by itself.
-        return true;
     default:
         return OnViewMenu(id);
     }
@@ -140,6 +137,10 @@ bool TCindermillApp::OnDocumentMenu(int id)
 bool TCindermillApp::OnViewMenu(int id)
 {
     switch (id) {
+    case MI_DELETE:
+        if (ActiveDocWindow != nullptr)
+            Host->DeleteIn(*ActiveDocWindow);
+        return true;
     case MI_FOCUSSELECTED:
         if (ActiveDocWindow != nullptr)
             Host->FocusSelected(*ActiveDocWindow);

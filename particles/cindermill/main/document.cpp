@@ -213,12 +213,14 @@ void TDocument::SetModified(bool modified)
 
 void TDocument::ApplyOperation(TOperation* op)
 {
+    ++Revision;
     OperationStack->Apply(*this, op);
     SetModified(true);
 }
 
 void TDocument::Undo()
 {
+    ++Revision;
     const bool fits = OperationStack->Undo(*this);
     DropStaleSchedule();
     FinishStep(fits);
@@ -226,6 +228,7 @@ void TDocument::Undo()
 
 void TDocument::Redo()
 {
+    ++Revision;
     FinishStep(OperationStack->Redo(*this));
 }
 
@@ -260,6 +263,7 @@ void TDocument::SelectNode(TToolNode* node, bool clearFirst)
 {
     if (clearFirst)
         ClearSelection();
+    ++Revision;
     Selected.push_back(node);
     node->SetSelected(true);
     Listener->NodeChanged(node);
@@ -270,6 +274,7 @@ void TDocument::DeselectNode(TToolNode* node)
     TToolNode** it = Selected.find(node);
     if (it == Selected.end())
         return;
+    ++Revision;
     Selected.erase(it);
     node->SetSelected(false);
     Listener->NodeChanged(node);
@@ -277,6 +282,7 @@ void TDocument::DeselectNode(TToolNode* node)
 
 void TDocument::ClearSelection()
 {
+    ++Revision;
     vector<TToolNode*> nodes;
     nodes.swap(Selected);
     for (TToolNode* node : nodes) {
@@ -310,6 +316,8 @@ void TDocument::Paste()
     for (TToolNode* node : nodes)
         SelectNode(node, false);
     ApplyOperation(new TAddGraphNodesOp(*this, nodes));
+    if (Host != nullptr)
+        Host->BringIntoSight(*this, nodes);
 }
 
 void TDocument::OnIdle()
@@ -369,8 +377,9 @@ void TDocument::GraphChanged()
 void TDocument::OnEngineGoes(void* data)
 {
     TDocument& document = *static_cast<TDocument*>(data);
-    if (document.Host != nullptr)
+    if (document.Host != nullptr && document.Preview.IsInited())
         document.Host->EngineGoes(document);
+    ++document.Revision;
 }
 
 void TDocument::RebuildSchedule(bool suppressDialog)
@@ -483,6 +492,7 @@ void TDocument::AddNodeDisplay(TNodeDisplay* display)
 {
     ASSERT_TEXT(NodeDisplay.find(display) == NodeDisplay.end(),
                 "NodeDisplay.find(display) == NodeDisplay.end()");
+    ++Revision;
     NodeDisplay[display] = true;
 }
 
@@ -490,11 +500,13 @@ void TDocument::RemoveNodeDisplay(TNodeDisplay* display)
 {
     auto it = NodeDisplay.find(display);
     ASSERT_TEXT(it != NodeDisplay.end(), "it != NodeDisplay.end()");
+    ++Revision;
     NodeDisplay.erase(it);
 }
 
 void TDocument::RedrawWindows()
 {
+    ++Revision;
     if (Host != nullptr)
         Host->RedrawWindows(*this);
 }

@@ -70,6 +70,8 @@ public:
     void OnIdle();
     const TString& GetPath() const { return Path; }
     bool IsModified() const { return Modified; }
+    // Another one after every change of what the preview may show but the time.
+    unsigned GetRevision() const { return Revision; }
     void SetModified(bool modified);
 
     // Takes ownership.
@@ -147,6 +149,7 @@ private:
     TErrorList LoadNotes;
     TString SaveError;
     bool Modified = false;
+    unsigned Revision = 0;
     // Made or loaded to be edited, and not only to be looked at.
     bool IsEditable = false;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "library/containers/vector.h"
+
 class TDocument;
 class TWindow;
 
@@ -25,6 +27,8 @@ public:
     // A file dropped at a place of the screen onto a window that is the document's: graph views take it.
     virtual void OnDrop(TDocument& document, TWindow* window, int x, int y, const char* path) = 0;
     virtual void FrameAllNodes(TDocument& document) = 0;
+    // A view moves, its zoom kept, if nothing of the nodes is in sight.
+    virtual void BringIntoSight(TDocument& document, const vector<TToolNode*>& nodes) = 0;
     virtual void UpdateTitles(TDocument& document) = 0;
     virtual void RedrawWindows(TDocument& document) = 0;
     // The schedule was built anew or has gone, or an engine has come: traces and group tabs follow.

@@ -13,7 +13,7 @@ void TPreviewEngine::SetGoes(TGoes goes, void* data)
 
 void TPreviewEngine::Clear()
 {
-    if (Goes != nullptr && Exec.IsInited())
+    if (Goes != nullptr)
         Goes(GoesData);
     Exec.Clear();
 }

@@ -11,7 +11,7 @@ class TResourceLocator;
 class TPreviewEngine
 {
 public:
-    // Called before a running engine goes, for who shows values of its nodes.
+    // Called before the engine is cleared, whether it runs or not, for who shows values of its nodes.
     using TGoes = void (*)(void* data);
 
     TPreviewEngine(TExecServices& services, TResourceLocator& locator) : Locator(locator), Exec(services) {}

@@ -185,6 +185,12 @@ bool TResourceLocator::FindKnown(const char* name, TString& path) const
     return FileExists(path) || FindLocated(name, path);
 }
 
+void TResourceLocator::ForgetMissing()
+{
+    Missing.clear();
+    ++Round;
+}
+
 // A stored path is tried as it stands under each directory, then its leaf anywhere below.
 bool TResourceLocator::FindInSearchDirectories(const char* name, TString& path) const
 {

@@ -50,9 +50,10 @@ public:
     TFindResult Find(const char* name, TString& path);
     // Only where it can be known at once: nothing is searched, and nobody is asked or told.
     bool FindKnown(const char* name, TString& path) const;
-    // What could not be found is looked and asked for again. Until then nobody is asked twice, however many
-    // nodes name the file.
-    void ForgetMissing() { Missing.clear(); }
+    // What could not be found is looked and asked for again: a new round. Until then nobody is asked twice,
+    // however many nodes name the file.
+    void ForgetMissing();
+    int GetRound() const { return Round; }
     // Whether Find is waiting for a search or for the person.
     bool IsAsking() const { return Asking; }
 
@@ -60,6 +61,7 @@ public:
 
 private:
     bool CanAsk() const { return !Headless && Host != nullptr; }
+    void GetFullPath(const char* name, TString& path) const;
     bool IsKnown(const char* directory) const;
     void Remember(const char* directory);
     void RememberFirst(const char* directory);
@@ -69,7 +71,6 @@ private:
     bool FindInSearchDirectories(const char* name, TString& path) const;
     bool FindInKnownDirectories(const char* name, TString& path) const;
     TFindResult FindLeaf(const char* name, TString& path);
-    void GetFullPath(const char* name, TString& path) const;
     TFindResult FindPath(const char* name, const char* path, TString& result);
     TFindResult Ask(const char* name, TString& path);
     bool Choose(const char* name, TString& path);
@@ -90,6 +91,7 @@ private:
     vector<TLocated> Located;
     vector<TString> SearchDirectories;
     vector<TString> Missing;
+    int Round = 0;
     bool Headless = true;
     bool Asking = false;
     int Mode = 0;

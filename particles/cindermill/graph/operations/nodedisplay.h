@@ -13,8 +13,9 @@ public:
     virtual ~TNodeDisplay() = default;
 
     virtual void Init(TEffectNode* node) { Node = node; }
-    // Between the frames: the time to read files, which may ask or tell the user something.
-    virtual void Tick() {}
+    // Between the frames: the time to read files, which may ask or tell the user something. True if what is
+    // drawn has changed by that.
+    virtual bool Tick() { return false; }
     // With the preview's line program bound.
     virtual void Render(const TSceneView& view) { (void)view; }
     void SetSelected(bool selected) { Selected = selected; }

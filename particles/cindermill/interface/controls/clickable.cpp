@@ -2,6 +2,7 @@
 
 #include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/controls/controlpaint.h"
+#include "particles/cindermill/interface/controls/fieldwalk.h"
 
 void TClickable::SetEnabled(bool enabled)
 {
@@ -61,12 +62,19 @@ bool TClickable::Event(const TRenderEvent& event)
     case RE_ENTER:
     case RE_LEAVE:
         Hover = event.Code == RE_ENTER;
+        if (Hover && Enabled)
+            Host.ShowPointer(*this, PS_HAND);
         Redraw();
         return TRenderObject::Event(event);
     case RE_CHARACTER:
         if (event.Detail != ' ' || !Enabled)
             return TRenderObject::Event(event);
         OnClick();
+        return true;
+    case RE_KEY:
+        if (event.Detail != KEY_TAB)
+            return TRenderObject::Event(event);
+        WalkFields(*this, (GetKeyFlags() & KF_SHIFT) != 0);
         return true;
     case RE_FOCUSLOST:
         Redraw();

@@ -76,11 +76,12 @@ struct TRectangle
     }
 };
 
+constexpr float Corners[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+
 // Between the corners of its cells OpenGL shades by itself.
 void DrawShaded(TRenderer& renderer, const TRectangle& area, TColourAt colourAt, const float* components,
                 int columns, int rows)
 {
-    constexpr float Corners[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
     renderer.Begin(PR_QUADS);
     for (int row = 0; row < rows; ++row)
         for (int column = 0; column < columns; ++column)
@@ -97,8 +98,8 @@ void DrawByProgram(TRenderer& renderer, const TRectangle& area, const TArbProgra
                    const TVector4& local)
 {
     renderer.Begin(PR_QUADS, 0, program, local);
-    for (const TVector2& corner : {TVector2(0, 0), TVector2(1, 0), TVector2(1, 1), TVector2(0, 1)})
-        renderer.Vertex(area.At(corner[0], corner[1]), corner);
+    for (const float* corner : Corners)
+        renderer.Vertex(area.At(corner[0], corner[1]), TVector2(corner[0], corner[1]));
     renderer.End();
 }
 
@@ -205,7 +206,8 @@ void TColourPicker::GetArea(TPickerArea area, TVector2& min, TVector2& max) cons
 
 TPickerArea TColourPicker::AreaAt(const TVector2& point) const
 {
-    for (const TPickerArea area : {PA_SQUARE, PA_STRIP, PA_ALPHA}) {
+    constexpr TPickerArea Areas[] = {PA_SQUARE, PA_STRIP, PA_ALPHA};
+    for (const TPickerArea area : Areas) {
         TVector2 min;
         TVector2 max;
         GetArea(area, min, max);

@@ -192,14 +192,14 @@ void TComboDropDown::TStripDrag::OnDrag(const TVector2& point, int keyFlags)
 void TComboDropDown::TOpeningDrag::OnDrag(const TVector2& point, int keyFlags)
 {
     (void)keyFlags;
-    Item = List.FindItem(point);
+    Item = List.IsOpen() ? List.FindItem(point) : -1;
     if (Item >= 0)
         List.SetMarked(Item);
 }
 
 void TComboDropDown::TOpeningDrag::OnDragEnd()
 {
-    if (Item >= 0)
+    if (Item >= 0 && List.IsOpen())
         List.Owner.Choose(Item);
 }
 

@@ -83,6 +83,8 @@ void TNumberParameterControls::AddField(const TFieldLook& look)
 {
     TField* field = new TField(*this, *Host, Fields.size(), look);
     Fields.push_back(field);
+    if (!FieldFont.IsCreated())
+        FieldFont.Create(ControlFont, 9);
     TNumberInput& input = field->Input;
     input.Build(TVector2(FieldWidth, RowHeight), look.IsFloat);
     input.SetRange(look.Min, look.Max);
@@ -229,9 +231,9 @@ void TNumberParameterControls::Render(TRenderer& renderer)
         if (!field->Visible || look.Label == nullptr)
             continue;
         TVector2 size;
-        Font.GetTextSize(look.Label, size);
-        constexpr float Gap = 4;
-        const TVector2 place(look.Place[0] - size[0] - Gap, look.Place[1] + GetTextTop(Font, RowHeight));
-        DrawControlText(renderer, Font, place, look.Label, LabelInk);
+        FieldFont.GetTextSize(look.Label, size);
+        constexpr float Gap = 3;
+        const TVector2 place(look.Place[0] - size[0] - Gap, look.Place[1] + GetTextTop(FieldFont, RowHeight));
+        DrawControlText(renderer, FieldFont, place, look.Label, LabelInk);
     }
 }

@@ -111,4 +111,6 @@ private:
     void GetScrubRect(int field, TVector2& min, TVector2& max) const;
 
     vector<TField*> Fields;
+    // Smaller than the names of parameters: the longest of the labels stands in 30 units.
+    TFontInstance FieldFont;
 };

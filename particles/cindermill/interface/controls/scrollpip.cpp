@@ -29,6 +29,8 @@ bool TScrollPip::Event(const TRenderEvent& event)
     case RE_ENTER:
     case RE_LEAVE:
         Hover = event.Code == RE_ENTER;
+        if (Hover)
+            Host.ShowPointer(*this, PS_UPDOWN);
         Host.RedrawGraphs();
         return TRenderObject::Event(event);
     default:

@@ -20,17 +20,42 @@ void TAnimationPathDisplay::Init(TEffectNode* node)
 }
 
 // The node itself tells the artist of a file that is missing or broken.
-void TAnimationPathDisplay::Tick()
+bool TAnimationPathDisplay::Tick()
 {
     const TNodeAnimationParameter* parameter = FindAnimation(*Node);
     const TString& name = parameter != nullptr ? parameter->GetFileName() : TString();
-    if (FileName.Compare(name, true) == 0)
-        return;
+    TResourceLocator& locator = TCindermillApp::Get().GetResourceLocator();
+    const bool isNew = FileName.Compare(name, true) != 0;
+    const bool isLate = Animation == nullptr && Round != locator.GetRound();
+    if (!isNew && !isLate)
+        return false;
+    const TAnimation* before = Animation;
     FileName = name;
+    Round = locator.GetRound();
+    if (isNew)
+        FindAnew();
+    else
+        FindLate();
+    return Animation != before;
+}
+
+void TAnimationPathDisplay::FindAnew()
+{
     TString path;
     Animation = nullptr;
-    if (TCindermillApp::Get().GetResourceLocator().Find(FileName, path) != FR_NOTFOUND)
+    Found = TCindermillApp::Get().GetResourceLocator().Find(FileName, path) != FR_NOTFOUND;
+    if (Found)
         Animation = GetAnimation(path);
+}
+
+// Nobody is asked or told again on account of a display.
+void TAnimationPathDisplay::FindLate()
+{
+    TString path;
+    if (!TCindermillApp::Get().GetResourceLocator().FindKnown(FileName, path))
+        return;
+    Animation = Found ? FindLoadedAnimation(path) : GetAnimation(path);
+    Found = true;
 }
 
 void TAnimationPathDisplay::Render(const TSceneView&)

@@ -11,12 +11,18 @@ class TAnimationPathDisplay : public TRegistered<TAnimationPathDisplay, TSpaceDi
 public:
     static constexpr const char* RegisteredName = "TAnimationPathDisplay";
     void Init(TEffectNode* node) override;
-    // Takes the parameter's file when it is another than before.
-    void Tick() override;
+    // Takes the parameter's file when it is another than before, or could not be had before.
+    bool Tick() override;
     void Render(const TSceneView& view) override;
 
 private:
+    void FindAnew();
+    void FindLate();
+
     // The shared one of the file; null if it cannot be had.
     const TAnimation* Animation = nullptr;
     TString FileName;
+    // Of the locator, when the file was looked for last.
+    int Round = 0;
+    bool Found = false;
 };

@@ -4,6 +4,7 @@
 #include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/glcontext.h"
 #include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/document.h"
 
 #include <GL/glew.h>
 
@@ -44,10 +45,27 @@ void TParticleRenderWindow::Tick()
     const uint32_t elapsed = now - LastUpdate;
     LastUpdate = now;
     UpdateCamera(static_cast<float>((elapsed < MaxCameraStep ? elapsed : MaxCameraStep) / 1000.0));
-    Scene.Tick(*Doc);
+    DisplaysChanged = Scene.Tick(*Doc);
+}
+
+void TParticleRenderWindow::RedrawChanged()
+{
+    if (!DisplaysChanged && GetPicture() == Painted)
+        return;
     if (!NeedsRedraw)
         Redraw();
     NeedsRedraw = true;
+}
+
+TParticleRenderWindow::TPicture TParticleRenderWindow::GetPicture() const
+{
+    TPicture picture;
+    Camera->GetView(picture.View);
+    GetDotSize(picture.Width, picture.Height);
+    picture.Time = Doc->GetEngine().GetTime();
+    picture.HasEffect = Doc->GetEngine().IsInited();
+    picture.Revision = Doc->GetRevision();
+    return picture;
 }
 
 void TParticleRenderWindow::SetActiveCamera()
@@ -151,9 +169,10 @@ void TParticleRenderWindow::OnMouseMove(const TMessage& message)
 void TParticleRenderWindow::Paint()
 {
     NeedsRedraw = false;
-    int width = 0;
-    int height = 0;
-    GetDotSize(width, height);
+    // What drawing itself changes, by a fault, is for the next picture.
+    Painted = GetPicture();
+    const int width = Painted.Width;
+    const int height = Painted.Height;
     if (width <= 0 || height <= 0 || !MakeCurrent() || !InitGl())
         return;
     DropGlErrors();
@@ -162,11 +181,9 @@ void TParticleRenderWindow::Paint()
     glViewport(0, 0, width, height);
     // Grids and displays are as bold on every screen.
     glLineWidth(static_cast<float>(GetDotsPerPixel()));
-    TMatrix4 worldView;
     TMatrix4 projection;
-    Camera->GetView(worldView);
     TCamera::GetProjection(static_cast<float>(width) / static_cast<float>(height), projection);
     TSceneView view;
-    view.Set(worldView, projection);
+    view.Set(Painted.View, projection);
     Scene.Draw(*Doc, view);
 }

@@ -12,13 +12,28 @@ class TParticleRenderWindow : public TWindow
 public:
     // False if the window system refuses.
     bool Create(TWindow* owner, TDocument& document);
-    // Moves the camera that the settings choose by what has come in, and asks for a repaint.
+    // Moves the camera that the settings choose by what has come in.
     void Tick();
+    // Asks for a repaint where the picture would be another than the last.
+    void RedrawChanged();
     const TCamera& GetCamera() const { return *Camera; }
 
     bool OnMessage(const TMessage& message) override;
 
 private:
+    // All that a picture depends on.
+    struct TPicture
+    {
+        TMatrix4 View;
+        int Width = 0;
+        int Height = 0;
+        float Time = 0;
+        bool HasEffect = false;
+        unsigned Revision = 0;
+        bool operator==(const TPicture& rhs) const = default;
+    };
+
+    TPicture GetPicture() const;
     void SetActiveCamera();
     void UpdateCamera(float seconds);
     void OnKey(int key, bool down);
@@ -34,6 +49,8 @@ private:
     // Since the last update, in pixels.
     TVector3 Moved = TVector3(0, 0, 0);
     bool Keys[CK_NUMKEYS] = {};
+    TPicture Painted;
+    bool DisplaysChanged = false;
     // A repaint has been asked for and has not come yet.
     bool NeedsRedraw = false;
     uint32_t LastUpdate = 0;

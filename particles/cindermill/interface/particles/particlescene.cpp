@@ -33,14 +33,15 @@ static void SwitchStagesOff()
         glDisable(state);
 }
 
-void TParticleScene::Tick(TDocument& document)
+bool TParticleScene::Tick(TDocument& document)
 {
+    bool changed = false;
     for (const auto& entry : document.GetNodeDisplays())
-        entry.first->Tick();
-    if (Faults.empty())
-        return;
-    DisplayErrors("Schedule errors", Faults);
+        changed = entry.first->Tick() || changed;
+    if (!Faults.empty())
+        DisplayErrors("Schedule errors", Faults);
     Faults.Clear();
+    return changed;
 }
 
 void TParticleScene::Draw(TDocument& document, const TSceneView& view)

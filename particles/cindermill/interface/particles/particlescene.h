@@ -11,8 +11,9 @@ class TSceneView;
 class TParticleScene
 {
 public:
-    // Between the frames: shows what went wrong in the last one, and gives the displays their time.
-    void Tick(TDocument& document);
+    // Between the frames: shows what went wrong in the last one, and gives the displays their time. True if
+    // one of them has changed by that.
+    bool Tick(TDocument& document);
     // Where drawing the particles fails an assertion, the engine is cleared; the next tick tells.
     void Draw(TDocument& document, const TSceneView& view);
 

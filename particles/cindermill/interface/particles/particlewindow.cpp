@@ -45,6 +45,7 @@ void TParticleWindow::Tick()
 {
     Render.Tick();
     Timeline.Tick();
+    Render.RedrawChanged();
 }
 
 float TParticleWindow::GetTime() const

@@ -280,15 +280,27 @@ void TAnimation::Evaluate(float t, unsigned mask, float* out) const
         out[3 + c] = ToDegrees(angles[c]);
 }
 
-TAnimation* GetAnimation(const char* path)
+static TOwnerList<TAnimation>& GetCache()
 {
     static TOwnerList<TAnimation> cache;
-    for (TAnimation* animation : cache)
+    return cache;
+}
+
+TAnimation* FindLoadedAnimation(const char* path)
+{
+    for (TAnimation* animation : GetCache())
         if (animation->GetFileName().Compare(path) == 0)
             return animation;
+    return nullptr;
+}
+
+TAnimation* GetAnimation(const char* path)
+{
+    if (TAnimation* loaded = FindLoadedAnimation(path))
+        return loaded;
     TOwner<TAnimation> animation(new TAnimation);
     if (!animation->Load(path))
         return nullptr;
-    cache.push_back(animation.Release());
-    return cache.back();
+    GetCache().push_back(animation.Release());
+    return GetCache().back();
 }

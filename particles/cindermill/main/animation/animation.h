@@ -48,3 +48,5 @@ private:
 // The shared animation of a path (compared without case), read at its first use; null if it cannot be read.
 // Kept for the life of the process.
 TAnimation* GetAnimation(const char* path);
+// The same, but only if it has been read already.
+TAnimation* FindLoadedAnimation(const char* path);

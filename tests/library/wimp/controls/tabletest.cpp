@@ -133,6 +133,21 @@ TEST_F(TTableTest, ABorderIsDragged)
     EXPECT_EQ(Table.GetColumnWidth(0), width);
 }
 
+TEST_F(TTableTest, ABorderWhoseDragLosesTheMouseStays)
+{
+    Make(TTable::FL_RESIZABLEHEADERS);
+    const int width = Table.GetColumnWidth(0);
+    QWidget* header = Find("table_header");
+    QTest::mousePress(header, Qt::LeftButton, {}, QPoint(width, 5));
+    QTest::mouseMove(header, QPoint(width + 20, 5));
+    // As when a dialog opens: the release is never heard of.
+    TWimp::Get().LoseMouseDrag();
+    EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
+    QTest::mouseMove(header, QPoint(width + 60, 5));
+    EXPECT_EQ(Table.GetColumnWidth(0), width + 20);
+    QTest::mouseRelease(header, Qt::LeftButton, {}, QPoint(width + 60, 5));
+}
+
 TEST_F(TTableTest, BordersStayWithoutTheFlag)
 {
     Make(0);

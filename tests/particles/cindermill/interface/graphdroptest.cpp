@@ -2,6 +2,7 @@
 
 #include "library/system/message.h"
 #include "particles/effectgraph/rampparameter.h"
+#include "particles/effectgraph/valueparameters.h"
 
 namespace {
 

@@ -24,6 +24,65 @@ TEST_F(GraphWindow, ShortcutsCopyCutAndPaste)
     EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
 }
 
+TEST_F(GraphWindow, DeleteOfTheMenuIsTheKeyInTheView)
+{
+    const int steps = Document->GetOperationStack()->GetNumOperations();
+    Document->SelectNode(First, true);
+    View().GetTool().TakeFocus();
+    Graph().PressDelete();
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 1);
+    EXPECT_EQ(Document->GetOperationStack()->GetNumOperations(), steps + 1);
+    Graph().PressDelete();
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 1);
+}
+
+TEST_F(GraphWindow, APasteOutOfSightMovesTheViewAndKeepsItsZoom)
+{
+    Document->SelectNode(First, true);
+    Document->CopySelection();
+    SetView(Graph(), -5000, 3000, 2);
+    Document->Paste();
+    TToolNode* pasted = Document->GetSelection()[0];
+    EXPECT_EQ(pasted->GetX(), 210);
+    EXPECT_EQ(pasted->GetY(), 210);
+    EXPECT_EQ(Graph().GetView().GetScale(), TVector2(2, 2));
+    const QPoint middle = MiddleOf(*Document, pasted);
+    EXPECT_TRUE(Graph().GetHandle()->rect().contains(middle)) << middle.x() << " " << middle.y();
+    // What is in sight, if only with a corner, moves nothing.
+    SetView(Graph(), -225, -225, 2);
+    Document->Paste();
+    EXPECT_EQ(Offset(), TVector2(-225, -225));
+}
+
+TEST_F(GraphWindow, OfAPasteThatIsLargerThanTheViewThereIsSomethingInSight)
+{
+    AddNode(*Document, "Emitter", 90000, 90000);
+    for (int i = 0; i < 3; ++i)
+        Document->SelectNode(static_cast<TToolNode*>(Document->GetGraph()->GetNode(i)), false);
+    Document->CopySelection();
+    SetView(Graph(), 9000, 9000, 1);
+    Document->Paste();
+    bool seen = false;
+    for (const TToolNode* node : Document->GetSelection())
+        seen = seen || Graph().GetHandle()->rect().contains(MiddleOf(*Document, node));
+    EXPECT_TRUE(seen);
+    EXPECT_EQ(Graph().GetView().GetScale(), TVector2(1, 1));
+}
+
+TEST_F(GraphWindow, APasteMovesTheViewThatWasUsedLast)
+{
+    ASSERT_TRUE(Document->GetHost()->NewView(*Document));
+    TGraphWindow& second = GraphOf(*Document, 1);
+    Document->SelectNode(First, true);
+    Document->CopySelection();
+    for (TGraphWindow* graph : {&Graph(), &second})
+        SetView(*graph, -5000, -5000, 1);
+    ViewOf(*Document, 1).Activate();
+    Document->Paste();
+    EXPECT_EQ(Offset(), TVector2(-5000, -5000));
+    EXPECT_NE(second.GetView().GetOffset(), TVector2(-5000, -5000));
+}
+
 TEST_F(GraphWindow, ShortcutsOfFilesActOnThisDocument)
 {
     TDocument* other = NewDocument();

@@ -186,6 +186,44 @@ TEST_F(GraphWindow, ARightButtonThatMovedTwoPixelsStillClicks)
     EXPECT_NE(MenuOf([&] { Drag(Graph(), at, at + QPoint(2, 0), Qt::RightButton); }), "");
 }
 
+TEST_F(GraphWindow, TheHelpGoesWithTheWheelWithKeysAndWithFraming)
+{
+    TVector2 min;
+    TVector2 max;
+    WindowsOf(*Document).GetScene().FindNode(Second)->GetRectangle(min, max);
+    const TVector2 button(max[0] - 9, min[1] + 8);
+    const THelp& help = WindowsOf(*Document).GetScene().GetHelp();
+    TMessage hover;
+    hover.Type = MT_TIMER;
+    hover.Timer = 1;
+    const QPoint at = PixelOf(Graph(), button);
+    Document->SelectNode(First, true);
+    const std::function<void()> ends[] = {
+        [&] { Wheel(Graph(), at, 120); },
+        // A wheel that leads no further.
+        [&] { Wheel(Graph(), at, 120); },
+        [&] { Key(Graph(), Qt::Key_Home); },
+        [&] { View().FocusSelected(false); },
+        // Framed already.
+        [&] { View().FocusSelected(false); },
+        [&] { Press(Graph(), at, Qt::MiddleButton); },
+    };
+    for (int i = 0; i < 6; ++i) {
+        if (i == 1)
+            SetView(Graph(), 10 - button[0], 10 - button[1], 7);
+        else if (i != 4)
+            SetView(Graph(), 0, 0, 1);
+        const QPoint place = PixelOf(Graph(), button);
+        Move(Graph(), place + QPoint(0, 1), Qt::NoButton);
+        Move(Graph(), place, Qt::NoButton);
+        Graph().OnMessage(hover);
+        ASSERT_TRUE(help.IsShown()) << i;
+        ends[i]();
+        EXPECT_FALSE(help.IsShown()) << i;
+    }
+    Release(Graph(), at, Qt::MiddleButton);
+}
+
 TEST_F(GraphWindow, EscapeEndsAPanAndABox)
 {
     SetPanButton(PanLeft);

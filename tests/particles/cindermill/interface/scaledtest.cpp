@@ -32,6 +32,8 @@ protected:
         // The node, and nothing else, at the top left.
         SetView(Graph(), -1150, -1150, 1);
         Document->ClearSelection();
+        // All of it in sight, wherever the cascade of views has come to.
+        ViewOf(*Document).MoveTo(50, 50, 1050, 750);
         ViewOf(*Document).BringToTop();
         Frame.BringToTop();
         Settle();

@@ -222,9 +222,28 @@ TEST_F(Commands, TheEditMenuEditsTheActiveDocument)
     App.Get().OnMenu(57635);
     EXPECT_EQ(second.GetGraph()->GetNumNodes(), 1);
     EXPECT_EQ(first.GetGraph()->GetNumNodes(), 0);
-    second.SelectNode(node, true);
+}
+
+TEST_F(Commands, DeleteGoesToTheActiveView)
+{
+    TDocument& document = New();
+    Activate(document);
+    Host.Taken();
     App.Get().OnMenu(40002);
-    EXPECT_EQ(second.GetGraph()->GetNumNodes(), 1);
+    EXPECT_EQ(Host.Taken(), TNames{"delete"});
+    EXPECT_EQ(Host.Focused, AView());
+}
+
+TEST_F(Commands, APasteIsToBeSeen)
+{
+    TDocument& document = New();
+    Activate(document);
+    document.SelectNode(Add(document, "Emitter"), true);
+    App.Get().OnMenu(57634);
+    App.Get().OnMenu(57637);
+    const TFakeHost& host = *static_cast<TFakeHost*>(document.GetHost());
+    ASSERT_EQ(host.Sought.size(), 1);
+    EXPECT_EQ(host.Sought[0], document.GetSelection()[0]);
 }
 
 TEST_F(Commands, NodesTravelBetweenDocumentsByTheClipboard)

@@ -169,6 +169,40 @@ TEST_F(ResourceLocator, FindsALeafBelowTheProgramAndRemembersItsDirectory)
     EXPECT_EQ(Known(), TNames{Kept(Path("home/program/near/deep"))});
 }
 
+TEST_F(ResourceLocator, AFileChosenThroughALinkIsFoundAgainByItsLeafName)
+{
+    Make("elsewhere/flame.dds");
+    std::filesystem::create_directories(Path("chosen"));
+    std::filesystem::create_symlink(Path("elsewhere/flame.dds"), Path("chosen/glow.dds"));
+    TString name(Path("chosen/glow.dds").c_str());
+    ASSERT_TRUE(Locator.PrepareName(name));
+    EXPECT_EQ(Text(name), "glow.dds");
+    EXPECT_EQ(Find("glow.dds"), Kept(Path("chosen/glow.dds")));
+    // A walk finds it too, but goes through no link to a directory.
+    std::filesystem::create_symlink(Path("elsewhere/flame.dds"), Path("home/program/near/ember.dds"));
+    EXPECT_EQ(Find("ember.dds"), Kept(Path("home/program/near/ember.dds")));
+    Make(".hidden/ash.dds");
+    std::filesystem::create_directory_symlink(Path(".hidden"), Path("home/program/hidden"));
+    EXPECT_EQ(Find("ash.dds"), "");
+}
+
+TEST_F(ResourceLocator, WhereANameLeadsIsKnownWithoutASearch)
+{
+    TString path;
+    EXPECT_FALSE(Locator.FindKnown("spark.dds", path));
+    EXPECT_NE(Find("spark.dds"), "");
+    EXPECT_TRUE(Locator.FindKnown("SPARK.dds", path));
+    EXPECT_EQ(Text(path), Kept(Path("home/program/near/deep/spark.dds")));
+    EXPECT_FALSE(Locator.FindKnown("", path));
+    SetMode(RM_RELATIVEPATH, Path("home"));
+    EXPECT_TRUE(Locator.FindKnown("/beside\\smoke.dds", path));
+    EXPECT_EQ(Text(path), Kept(Path("home/beside/smoke.dds")));
+    EXPECT_FALSE(Locator.FindKnown("smoke.dds", path));
+    SetMode(RM_FULLPATH);
+    EXPECT_TRUE(Locator.FindKnown(Path("home/beside/smoke.dds").c_str(), path));
+    EXPECT_FALSE(Locator.FindKnown("smoke.dds", path));
+}
+
 TEST_F(ResourceLocator, ClimbsToTheParentWhenNothingIsBelow)
 {
     EXPECT_EQ(Find("smoke.dds"), Kept(Path("home/beside/smoke.dds")));

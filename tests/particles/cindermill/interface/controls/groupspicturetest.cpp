@@ -69,8 +69,11 @@ bool IsDot(const TPixel& pixel)
 
 TEST_F(GroupsPicture, EveryPlainKind)
 {
-    for (const char* name : {"Speed", "Size", "Direction", "Turn", "Place", "Area", "Loop", "Blend", "Count"})
+    for (const char* name : {"Speed", "Size", "Direction", "Turn", "Area", "Loop", "Blend", "Count"})
         Make(name);
+    auto& place = Make<TNodeTransformParameterControls>("Place");
+    place.SetOpen(true);
+    place.ShowTab(TNodeTransformParameterControls::TT_SCALE);
     auto& offset = Make<TNodeTransformParameterControls>("Extras.Offset");
     offset.SetOpen(true);
     offset.ShowTab(TNodeTransformParameterControls::TT_ROTATE);

@@ -197,7 +197,6 @@ TEST_F(TNodeObjTest, PressingTheExpandButtonSwapsTheTonesAndReleasingBringsThemB
 TEST_F(TNodeObjTest, APressOnTheExpandButtonThatSlidOffAndCameBackStillCounts)
 {
     TToolNode* node = Add("Effect", 100, 100);
-    Object(node).AddControls(new TBoxControls, -1);
     const TVector4 up = ButtonOfPanel(Object(node));
     for (const TVector2& away : {TVector2(500, 500), TitleOf(node)}) {
         const bool collapsed = Object(node).IsCollapsed();
@@ -217,7 +216,6 @@ TEST_F(TNodeObjTest, APressOnTheExpandButtonThatSlidOffAndCameBackStillCounts)
 TEST_F(TNodeObjTest, APressOnTheExpandButtonEndsWithTheMouseAndWithEscape)
 {
     TToolNode* node = Add("Effect", 100, 100);
-    Object(node).AddControls(new TBoxControls, -1);
     Press(ButtonOf(node));
     ASSERT_NE(Host.Drag, nullptr);
     Host.Drag->OnCaptureLost();
@@ -464,25 +462,27 @@ TEST_F(TNodeObjTest, OpenPanelsAndOpenGroupsSurviveUndoAndRedoOfTheNode)
 
 TEST_F(TNodeObjTest, TheControlsShowTheTypesThatAChangeOfTheGraphBrings)
 {
-    TToolNode* noise = Add("Gravity", 100, 100);
-    TToolNode* add = Add("Add", 600, 100);
+    TToolNode* add = Add("Add", 100, 100);
+    TToolNode* curve = Add("Scalar Over Life", 600, 100);
     Open(add);
-    TNodeParameterControls& second = Group(add, Text(add->GetNodeType()->GetInput(1)->Name).c_str());
-    TVector2 before;
-    second.GetSize(before);
-    TNodePolytypeParameter* input = static_cast<TNodePolytypeParameter*>(add->GetNodeType()->GetInput(1));
-    const int type = input->GetCurrentType();
-    TNodePolytypeParameter* first = static_cast<TNodePolytypeParameter*>(add->GetNodeType()->GetInput(0));
-    const int wanted = type == TY_VECTOR3 ? TY_SCALAR : TY_VECTOR3;
-    Document.ApplyOperation(new TPolytypeUserTypeOp(add, first, wanted));
-    EXPECT_EQ(input->GetCurrentType(), wanted);
-    TVector2 after;
-    second.GetSize(after);
-    EXPECT_NE(after[0], before[0]);
+    TNodeParameterControls& group = Group(add, "A");
+    TNodePolytypeParameter* input = static_cast<TNodePolytypeParameter*>(group.GetParameter());
+    Document.ApplyOperation(new TPolytypeUserTypeOp(add, input, TY_VECTOR3));
+    TVector2 three;
+    group.GetSize(three);
+    const TVector2 panel = Object(add).GetSize();
+    // What takes the sum takes a scalar only.
+    Connect(add, "Sum", curve, "Time");
+    EXPECT_EQ(input->GetCurrentType(), TY_SCALAR);
+    TVector2 one;
+    group.GetSize(one);
+    EXPECT_LT(one[0] * one[1], three[0] * three[1]);
+    EXPECT_NE(Object(add).GetSize(), panel);
     Document.Undo();
-    second.GetSize(after);
-    EXPECT_EQ(after, before);
-    (void)noise;
+    EXPECT_EQ(input->GetCurrentType(), TY_VECTOR3);
+    group.GetSize(one);
+    EXPECT_EQ(one, three);
+    EXPECT_EQ(Object(add).GetSize(), panel);
 }
 
 TEST_F(TNodeObjTest, ADragOfAControlEndsWithoutEffectWhenItsNodeGoes)

@@ -254,10 +254,13 @@ TEST_F(GraphPicture, AnOpenNodeShowsItsControls)
     Open(noise);
     const TPicture picture = Paint();
     Keep(picture, "open");
-    // Where a number stands: a white field, which the closed node's paper is not.
-    const TVector2 field = Group(noise, "Position").GetAbsolutePosition() + TVector2(60, 4);
-    EXPECT_TRUE(IsClose(At(picture, field), TPixel{255, 255, 255, 255}, 8));
-    EXPECT_FALSE(IsClose(At(closed, field), TPixel{255, 255, 255, 255}, 3));
+    // A number stands in a field that is lighter than the panel around it.
+    const TVector2 place = Group(noise, "Position").GetAbsolutePosition();
+    const TPixel field = At(picture, place + TVector2(60, 10));
+    const TPixel around = At(picture, place + TVector2(60, -2));
+    EXPECT_FALSE(IsClose(field, around, 20));
+    EXPECT_TRUE(IsClose(around, PixelOf(GetPanelTone(PT_LIGHT)), 8));
+    EXPECT_FALSE(IsClose(At(closed, place + TVector2(60, 10)), field, 3));
 }
 
 } // namespace

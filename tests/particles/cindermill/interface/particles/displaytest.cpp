@@ -283,6 +283,22 @@ TEST_F(Displays, APathRunsThroughTheAnimation)
     EXPECT_EQ(CountDrawn(shown.Draw()), 0);
 }
 
+TEST_F(Displays, APathWhoseFileCameLateIsDrawnOnceFilesAreLookedForAnew)
+{
+    TShownNode shown(App, "Animation Path");
+    shown.Node.GetNodeType()
+        ->FindParameterOf<TNodeAnimationParameter>("Animation", PK_ANIMATION)
+        ->SetFileName("late.vori");
+    EXPECT_EQ(CountDrawn(shown.Draw()), 0);
+    WriteBytes(App.Path("resources/late.vori"), ReadBytes(App.Path("resources/path.vori")));
+    EXPECT_EQ(CountDrawn(shown.Draw()), 0);
+    // As every start of an engine does.
+    App.Get().GetResourceLocator().ForgetMissing();
+    const TPicture picture = shown.Draw();
+    EXPECT_TRUE(HasLine(picture, 0.1f, 0.2f));
+    EXPECT_TRUE(HasLine(picture, 0.8f, 1.6f));
+}
+
 TEST_F(Displays, AnAnimationThatCannotBeReadIsToldBetweenTheFrames)
 {
     static int told;

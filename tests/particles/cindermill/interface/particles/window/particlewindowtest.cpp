@@ -5,6 +5,8 @@
 
 #include "library/system/clock.h"
 #include "library/wimp/wimp.h"
+#include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtTest/QTest>
@@ -21,6 +23,18 @@ uint32_t GetTestTick()
 {
     return TestTick;
 }
+
+class TPaintCounter : public QObject
+{
+public:
+    explicit TPaintCounter(QWidget& widget) { widget.installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        Paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+    int Paints = 0;
+};
 
 class ParticleWindow : public TWindowTest
 {
@@ -330,6 +344,46 @@ TEST_F(ParticleWindow, APictureOfTheEffectIsShown)
         return water > 100;
     };
     EXPECT_TRUE(WaitFor(shown));
+}
+
+TEST_F(ParticleWindow, APausedPreviewIsDrawnAgainOnlyWhenItWouldLookOtherwise)
+{
+    TPaintCounter counter(*Find<QWidget>("cindermill_particlewindow_render"));
+    const auto paints = [&] {
+        Settle();
+        counter.Paints = 0;
+        for (int i = 0; i < 3; ++i) {
+            Tick(10);
+            Settle();
+        }
+        return counter.Paints;
+    };
+    EXPECT_EQ(paints(), 3) << "it runs";
+    Click("pause");
+    paints();
+    EXPECT_EQ(paints(), 0);
+    const auto once = [&](const char* what, const std::function<void()>& change) {
+        change();
+        EXPECT_EQ(paints(), 1) << what;
+        EXPECT_EQ(paints(), 0) << what;
+    };
+    TMessage message;
+    message.Type = MT_WHEEL;
+    message.Delta = 120;
+    once("the camera", [&] { Window.GetRenderWindow().OnMessage(message); });
+    once("the time", [&] { Sample->GetEngine().SetTime(7); });
+    TToolNode* node = static_cast<TToolNode*>(Sample->GetGraph()->GetNode(0));
+    once("the selection", [&] { Sample->SelectNode(node, true); });
+    once("an operation", [&] { Sample->ApplyOperation(new TBypassFlagOp(node, true)); });
+    once("undo", [&] { Sample->Undo(); });
+    once("redo", [&] { Sample->Redo(); });
+    once("the engine", [&] { Sample->ClearEngine(); });
+    once("an update", [&] { Click("update"); });
+    counter.Paints = 0;
+    Window.MoveTo(0, 50, 700, 500);
+    Settle();
+    EXPECT_GT(counter.Paints, 0);
+    EXPECT_EQ(paints(), 0);
 }
 
 TEST_F(ParticleWindow, ClosingHidesIt)
