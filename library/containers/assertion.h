@@ -18,8 +18,10 @@
 // The spelling, then an explanation that may be made with TempFormat.
 #define ASSERT_MSG(cond, message) ((cond) ? (void)0 : AssertFailMsg(#cond, message, __FILE__, __LINE__))
 
-// A text fixed apart from the condition, as "cond : explanation" or a spelling that must stay letter for
-// letter.
+// A text fixed apart from the condition. These texts are an interface: an artist reads them in the list of
+// errors and sends them on, whoever gets them searches for them, and the tests hold them. So a text stays
+// letter for letter when the code beside it changes, and may then spell code that there is no more: vector.h
+// asserts "newval != 0" though nothing there is called newval.
 #define ASSERT_TEXT(cond, text) ((cond) ? (void)0 : AssertFail(text, __FILE__, __LINE__))
 
 // A fixed text with an explanation made at run time; the text shown is "text : message".

@@ -12,7 +12,7 @@ struct TClassRecord
     int Parent = -1;
 };
 
-// Made by the first registration, whichever file's static objects come first.
+// Made when first asked for: a class may be entered before main begins.
 vector<TClassRecord>& GetConstructors()
 {
     static vector<TClassRecord> constructors;

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <type_traits>
 
-// The run-time classes: every class that is made by name or identity, or asked for its bases, is entered once
-// with a constructor, a name and its parent. A class id is a position in the registry and holds for one run
-// only; files hold the NameID, StrToID of the name.
+// The run-time classes: those that are made by name or identity, or asked for their bases. Each is entered
+// with a constructor, a name and its parent the first time that its ClassId is asked for, so that the order,
+// and with it every class id, holds for one run only. Files hold the NameID, StrToID of the name.
 //
 // A class makes itself known by what it derives from and by its name:
 //
@@ -16,14 +16,15 @@
 //     public:
 //         static constexpr const char* RegisteredName = "TAdd";
 //
-// It is entered, after its parent, when its ClassId is first asked for. What is only ever made by its name
-// would never be asked, and the linker would leave it out of the program: such classes stand in the one list
-// of their folder, a function that calls RegisterClasses<...>, which the program calls as it starts.
+// Its parent is entered before it. A class that is only ever made by its name would never be asked for its
+// ClassId, and the linker would leave it out of the program: such classes stand in the one list of their
+// folder, a function that calls RegisterClasses<...>, which the program calls as it starts. The classes of
+// windows and views stand in no list: who makes them names them.
 
 using TConstructor = void* (*)();
 
-// Appends a class; a hash collision with an earlier class is fatal. The constructor of an abstract class is
-// null.
+// Appends a class, for TRegistered. The constructor is null for a class that cannot be made without more. Two
+// names with one identity are an assertion.
 int RegisterClass(TConstructor constructor, const char* name, int parent);
 
 // -1 if there is none.

@@ -35,10 +35,10 @@ struct TDirectoryWatcher::TDirectory
     bool Signalled = false;
 };
 
+TDirectoryWatcher::TDirectoryWatcher() = default;
+
 TDirectoryWatcher::~TDirectoryWatcher()
 {
-    for (TDirectory* directory : Directories)
-        delete directory;
     if (Handle >= 0)
         close(Handle);
 }
@@ -53,28 +53,26 @@ int TDirectoryWatcher::Add(const char* path, int& error)
 {
     if (Handle < 0)
         Handle = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    TDirectory* directory = new TDirectory;
+    TOwner<TDirectory> directory(new TDirectory);
     ToSystemPath(path, directory->Path);
     if (Handle < 0 || !Watch(*directory)) {
         error = errno;
-        delete directory;
         return -1;
     }
     for (int i = 0; i < Directories.size(); ++i) {
         if (Directories[i] != nullptr)
             continue;
-        Directories[i] = directory;
+        Directories.Replace(i, directory.Release());
         return i;
     }
-    Directories.push_back(directory);
+    Directories.push_back(directory.Release());
     return Directories.size() - 1;
 }
 
 void TDirectoryWatcher::Remove(int number)
 {
     const int watch = Directories[number]->Watch;
-    delete Directories[number];
-    Directories[number] = nullptr;
+    Directories.Replace(number, nullptr);
     bool shared = watch == NoWatch;
     for (const TDirectory* directory : Directories)
         shared = shared || (directory != nullptr && directory->Watch == watch);

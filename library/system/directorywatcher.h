@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/containers/vector.h"
+#include "library/containers/ownerlist.h"
 
 #include <cstdint>
 
@@ -13,10 +13,8 @@ bool GetFileWriteTime(const char* path, int64_t& time);
 class TDirectoryWatcher
 {
 public:
-    TDirectoryWatcher() = default;
+    TDirectoryWatcher();
     ~TDirectoryWatcher();
-    TDirectoryWatcher(const TDirectoryWatcher&) = delete;
-    TDirectoryWatcher& operator=(const TDirectoryWatcher&) = delete;
 
     // A number for the directory, or -1 with the platform's error number. A directory that goes and comes
     // back is watched again.
@@ -34,5 +32,5 @@ private:
 
     int Handle = -1;
     // Null for a number that is free.
-    vector<TDirectory*> Directories;
+    TOwnerList<TDirectory> Directories;
 };

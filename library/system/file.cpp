@@ -194,7 +194,6 @@ TFile::~TFile() noexcept(false)
 {
     const bool open = IsOpen();
     Abandon();
-    delete[] Cache;
     ASSERT_TEXT(!open || IsAssertUnwinding(), "!IsOpen() : Attempt to delete open file");
 }
 
@@ -211,8 +210,8 @@ bool TFile::OpenRead(const char* path)
         return false;
     }
     Reset();
-    if (Cache == nullptr)
-        Cache = new unsigned char[BlockSize];
+    if (Cache.size() == 0)
+        Cache.resize(BlockSize);
     Handle = handle;
     Mode = 3;
     Size = static_cast<uint32_t>(size);
@@ -290,7 +289,7 @@ bool TFile::LoadBlock(uint32_t base)
         return true;
     CacheBase = -1;
     const uint32_t count = Size - base < BlockSize ? Size - base : BlockSize;
-    if (!ReadAt(Handle, Cache, count, base))
+    if (!ReadAt(Handle, Cache.data(), count, base))
         return false;
     CacheBase = base;
     return true;
@@ -312,19 +311,19 @@ bool TFile::Read(void* buffer, int n)
     if (!LoadBlock(first))
         return false;
     if (first == last) {
-        memcpy(to, Cache + offset, static_cast<uint32_t>(n));
+        memcpy(to, Cache.data() + offset, static_cast<uint32_t>(n));
         FilePtr = end;
         return true;
     }
     const uint32_t head = BlockSize - offset;
-    memcpy(to, Cache + offset, head);
+    memcpy(to, Cache.data() + offset, head);
     const uint32_t middle = last - first - BlockSize;
     if (middle > 0 && !ReadAt(Handle, to + head, middle, first + BlockSize))
         return false;
     if (end > last) {
         if (!LoadBlock(last))
             return false;
-        memcpy(to + head + middle, Cache, end - last);
+        memcpy(to + head + middle, Cache.data(), end - last);
     }
     FilePtr = end;
     return true;

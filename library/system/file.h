@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/array.h"
 #include "library/containers/string.h"
 
 #include <cstdint>
@@ -77,7 +78,7 @@ private:
     uint32_t Mode = 0;
     uint32_t Size = 0;
     uint32_t FilePtr = 0;
-    unsigned char* Cache = nullptr;
+    array<unsigned char> Cache;
     int64_t CacheBase = -1;
     bool WriteFailed = false;
     TString Path;

@@ -1,5 +1,7 @@
 #include "library/system/path.h"
 
+#include "library/containers/append.h"
+
 #include <algorithm>
 
 #include <dirent.h>
@@ -151,9 +153,7 @@ bool ListDirectory(const char* path, vector<TDirectoryEntry>& result)
         } else if (info.st_dev != own.st_dev) {
             continue;
         }
-        if (result.size() == result.capacity())
-            result.reserve(result.size() * 2 + 16);
-        result.push_back(TDirectoryEntry{name, S_ISDIR(info.st_mode)});
+        Append(result, TDirectoryEntry{name, S_ISDIR(info.st_mode)});
     }
     std::sort(result.begin(), result.end(), [](const TDirectoryEntry& a, const TDirectoryEntry& b) {
         const int order = a.Name.Compare(b.Name);

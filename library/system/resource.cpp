@@ -1,6 +1,7 @@
 #include "library/system/resource.h"
 
 #include "library/containers/classregistry.h"
+#include "library/containers/owner.h"
 #include "library/containers/strtoid.h"
 #include "library/system/file.h"
 #include "library/system/path.h"
@@ -10,26 +11,6 @@ namespace {
 // The bytes "RSRC" at the start of every resource file; the NameID of the class follows.
 constexpr uint32_t ResourceMagic = 0x43525352;
 constexpr const char* FirstExtensions[] = {"matbank", "geom", "bvh"};
-
-// A resource that is lost unless its loading ends well.
-class TPendingResource
-{
-public:
-    explicit TPendingResource(TResource* resource) : Resource(resource) {}
-    ~TPendingResource() { delete Resource; }
-    TPendingResource(const TPendingResource&) = delete;
-    TPendingResource& operator=(const TPendingResource&) = delete;
-    TResource* operator->() const { return Resource; }
-    TResource* Release()
-    {
-        TResource* released = Resource;
-        Resource = nullptr;
-        return released;
-    }
-
-private:
-    TResource* Resource;
-};
 
 uint32_t DecodeWord(const unsigned char* bytes)
 {
@@ -45,12 +26,12 @@ void EncodeWord(uint32_t word, unsigned char* bytes)
 
 // A new object of the class that a file names. The file can name any class of the program; only those that
 // are resources, and can be made, will do.
-TPendingResource MakeResource(uint32_t nameID)
+TOwner<TResource> MakeResource(uint32_t nameID)
 {
     const int type = FindClassByNameID(nameID);
     void* made = type != -1 && IsClassA(type, TResource::ClassId()) ? CreateClass(type) : nullptr;
     ASSERT_TEXT(made != nullptr, "type != -1 : Unknown resource type");
-    return TPendingResource(static_cast<TResource*>(made));
+    return TOwner<TResource>(static_cast<TResource*>(made));
 }
 
 } // namespace
@@ -122,7 +103,7 @@ TResource* TResourceSystem::LoadResource(uint32_t id)
     unsigned char header[8];
     ASSERT_TEXT(file.Read(header, sizeof(header)) && DecodeWord(header) == ResourceMagic,
                 "header[0] == 0x43525352 : Bad resource header");
-    TPendingResource resource = MakeResource(DecodeWord(header + 4));
+    TOwner<TResource> resource = MakeResource(DecodeWord(header + 4));
     resource->ID = id;
     const bool imported = resource->Read(file);
     file.Close();

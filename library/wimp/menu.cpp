@@ -10,7 +10,7 @@ TMenuData::TMenuData(TMenuData* parent) : Parent(parent) {}
 
 TMenuData::~TMenuData()
 {
-    FreePopups();
+    Popups.clear();
     if (Menu != nullptr)
         DisposeWidget(Menu);
 }
@@ -20,13 +20,6 @@ QMenu* TMenuData::GetMenu()
     if (Menu == nullptr)
         Menu = new QMenu(Parent != nullptr ? Parent->GetMenu() : nullptr);
     return Menu;
-}
-
-void TMenuData::FreePopups()
-{
-    for (TMenu* popup : Popups)
-        delete popup;
-    Popups.clear();
 }
 
 void TMenuData::Report(int id)
@@ -73,10 +66,7 @@ TMenu::TMenu() : Data(new TMenuData(nullptr)) {}
 
 TMenu::TMenu(TMenuData* data) : Data(data) {}
 
-TMenu::~TMenu()
-{
-    delete Data;
-}
+TMenu::~TMenu() = default;
 
 void TMenu::AddItem(int id, const char* text)
 {
@@ -90,7 +80,7 @@ void TMenu::AddSeparator()
 
 TMenu& TMenu::AddPopup(const char* text, int id)
 {
-    TMenu* popup = new TMenu(new TMenuData(Data));
+    TMenu* popup = new TMenu(new TMenuData(Data.Get()));
     popup->Data->Id = id;
     Data->Popups.push_back(popup);
     QMenu* menu = popup->Data->GetMenu();
@@ -119,7 +109,7 @@ void TMenu::InsertItem(int position, int id, const char* text)
     QMenu* menu = Data->GetMenu();
     QAction* action = new QAction(ToMenuText(text), menu);
     action->setObjectName(NameOfItem(id));
-    TMenuData* data = Data;
+    TMenuData* data = Data.Get();
     QObject::connect(action, &QAction::triggered, menu, [data, id] { data->Report(id); });
     const QList<QAction*> actions = menu->actions();
     menu->insertAction(position >= 0 && position < actions.size() ? actions[position] : nullptr, action);
@@ -129,7 +119,7 @@ void TMenu::InsertItem(int position, int id, const char* text)
 void TMenu::Clear()
 {
     QMenu* menu = Data->GetMenu();
-    Data->FreePopups();
+    Data->Popups.clear();
     for (QAction* action : menu->actions()) {
         menu->removeAction(action);
         // It may be the one that was just chosen.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "library/containers/owner.h"
+
 class TMenuData;
 class TWindow;
 
@@ -11,8 +13,6 @@ class TMenu
 public:
     TMenu();
     ~TMenu();
-    TMenu(const TMenu&) = delete;
-    TMenu& operator=(const TMenu&) = delete;
 
     void AddItem(int id, const char* text);
     void AddSeparator();
@@ -32,5 +32,5 @@ private:
     friend class TMDIFrame;
     explicit TMenu(TMenuData* data);
 
-    TMenuData* Data;
+    TOwner<TMenuData> Data;
 };

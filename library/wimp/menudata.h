@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/containers/vector.h"
+#include "library/containers/ownerlist.h"
 #include "library/wimp/menu.h"
 #include "library/wimp/wimpcontrol.h"
 
@@ -18,12 +18,11 @@ public:
 
     // Made when first asked for.
     QMenu* GetMenu();
-    void FreePopups();
     void Report(int id);
 
     TMenuData* Parent;
     int Id = 0;
-    vector<TMenu*> Popups;
+    TOwnerList<TMenu> Popups;
     // Of the uppermost menu: the window of a menu bar, or the choice that a tracked menu waits for.
     TWindowHandle Target = nullptr;
     bool Tracking = false;

@@ -93,10 +93,20 @@ protected:
     }
 };
 
+TWaitDialog::TWaitDialog(int id, const char* title, const char* label, const char* button)
+    : Id(id), Title(title), Label(label), Button(button)
+{
+}
+
+TWaitDialog::~TWaitDialog()
+{
+    End();
+}
+
 void TWaitDialog::Begin()
 {
     End();
-    Scope = new TNestedLoopScope;
+    Scope.Reset(new TNestedLoopScope);
 }
 
 void TWaitDialog::Show(const char* line)
@@ -105,7 +115,7 @@ void TWaitDialog::Show(const char* line)
         return;
     FreeMouse();
     CloseMenus();
-    Box = new TWaitBox(Id, Title, Label, Button);
+    Box.Reset(new TWaitBox(Id, Title, Label, Button));
     Box->Line->setText(ToQt(line));
     Box->show();
     Box->raise();
@@ -131,8 +141,6 @@ TWaitAnswer TWaitDialog::Step()
 
 void TWaitDialog::End()
 {
-    delete Box;
-    Box = nullptr;
-    delete Scope;
-    Scope = nullptr;
+    Box.Reset();
+    Scope.Reset();
 }

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
+
+class TNestedLoopScope;
+class TWaitBox;
 
 enum TWaitAnswer
 {
@@ -19,13 +23,8 @@ enum TWaitAnswer
 class TWaitDialog
 {
 public:
-    TWaitDialog(int id, const char* title, const char* label, const char* button)
-        : Id(id), Title(title), Label(label), Button(button)
-    {
-    }
-    ~TWaitDialog() { End(); }
-    TWaitDialog(const TWaitDialog&) = delete;
-    TWaitDialog& operator=(const TWaitDialog&) = delete;
+    TWaitDialog(int id, const char* title, const char* label, const char* button);
+    ~TWaitDialog();
 
     void Begin();
     void Show(const char* line);
@@ -41,6 +40,6 @@ private:
     const char* const Title;
     const char* const Label;
     const char* const Button;
-    class TNestedLoopScope* Scope = nullptr;
-    class TWaitBox* Box = nullptr;
+    TOwner<TNestedLoopScope> Scope;
+    TOwner<TWaitBox> Box;
 };

@@ -67,10 +67,3 @@ void TFileError::GetText(TString& result) const
 {
     result.Format("%s [%d] : %s\n", FileName.Print(), Line, Message.Print());
 }
-
-void TErrorList::Clear()
-{
-    for (TError* error : Errors)
-        delete error;
-    Errors.clear();
-}

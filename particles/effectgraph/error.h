@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/containers/list.h"
+#include "library/containers/ownerlist.h"
 #include "library/containers/string.h"
 
 #include <cstdarg>
@@ -62,19 +62,14 @@ private:
 class TErrorList
 {
 public:
-    TErrorList() = default;
-    ~TErrorList() { Clear(); }
-    TErrorList(const TErrorList&) = delete;
-    TErrorList& operator=(const TErrorList&) = delete;
-
     // Takes ownership.
     void Add(TError* error) { Errors.push_back(error); }
-    void Clear();
+    void Clear() { Errors.clear(); }
     bool empty() const { return Errors.empty(); }
     int size() const { return Errors.size(); }
-    list<TError*>::iterator begin() const { return Errors.begin(); }
-    list<TError*>::iterator end() const { return Errors.end(); }
+    TError* const* begin() const { return Errors.begin(); }
+    TError* const* end() const { return Errors.end(); }
 
 private:
-    list<TError*> Errors;
+    TOwnerList<TError> Errors;
 };

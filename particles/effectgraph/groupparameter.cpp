@@ -1,6 +1,7 @@
 #include "particles/effectgraph/groupparameter.h"
 
-#include "particles/effectgraph/owned.h"
+#include "library/containers/owner.h"
+#include "particles/effectgraph/nodetypefile.h"
 #include "particles/effectgraph/xmltext.h"
 
 // Groups that are being parsed around the present one.
@@ -37,40 +38,40 @@ int TNodeGroupParameter::GetSize()
     return TNodeParameter::GetSize() + 5 + 4 * Children.size();
 }
 
-bool TNodeGroupParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeGroupParameter::ParseXml(TNodeTypeFile& file)
 {
     const TParseLevel level;
     if (ParseDepth > MaxDepth)
-        return AddXmlError(xml, errors, fileName, "Group parameters nested more than %d deep", MaxDepth);
-    if (!ParseCommon(xml, errors, fileName))
+        return file.Fail("Group parameters nested more than %d deep", MaxDepth);
+    if (!ParseCommon(file))
         return false;
-    if (xml.FindTag("defaultvalue")) {
+    if (file.Xml.FindTag("defaultvalue")) {
         TString text;
-        if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text"))
+        if (!file.GetText(text, "Failed to get defaultvalue text"))
             return false;
         Open = IsTrueText(text);
-        if (!LeaveElement(xml, errors, fileName, "Parameter missing defaultvalue end tag"))
+        if (!file.Leave("Parameter missing defaultvalue end tag"))
             return false;
     }
-    if (!xml.FindTag("parameters"))
-        return AddXmlError(xml, errors, fileName, "Group parameter missing parameter tag");
-    if (xml.IsEmptyTag())
+    if (!file.Xml.FindTag("parameters"))
+        return file.Fail("Group parameter missing parameter tag");
+    if (file.Xml.IsEmptyTag())
         return true;
     while (true) {
         TNodeParameter* child = nullptr;
-        if (!ParseParameter(xml, errors, child, fileName, false))
+        if (!ParseParameter(file, child, false))
             return false;
         if (child == nullptr)
             break;
         Children.push_back(child);
     }
-    xml.LeaveTag();
+    file.Xml.LeaveTag();
     return true;
 }
 
 TNodeParameter* TNodeGroupParameter::Clone() const
 {
-    TOwned<TNodeGroupParameter> copy(new TNodeGroupParameter);
+    TOwner<TNodeGroupParameter> copy(new TNodeGroupParameter);
     copy->CopyBase(*this);
     copy->Open = Open;
     copy->Children.reserve(Children.size());

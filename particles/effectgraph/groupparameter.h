@@ -15,7 +15,7 @@ public:
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
     void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
                          TRefreshRecord& record) override;

@@ -1,11 +1,11 @@
 #include "particles/effectgraph/nodeparameter.h"
 
+#include "library/containers/owner.h"
 #include "particles/effectgraph/groupparameter.h"
-#include "particles/effectgraph/owned.h"
+#include "particles/effectgraph/nodetypefile.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/rampparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
-#include "particles/effectgraph/xmltext.h"
 
 template <class TParameter>
 static TNodeParameter* MakeParameter()
@@ -25,7 +25,7 @@ static constexpr TParameterKindInfo KindOf()
     return {MakeParameter<TParameter>, TParameter::NameID};
 }
 
-static constexpr TParameterKindInfo Kinds[PK_NUMKINDS] = {
+static constexpr TParameterKindInfo Kinds[] = {
     KindOf<TNodeScalarParameter>(),     KindOf<TNodeScaleParameter>(),    KindOf<TNodeVector3Parameter>(),
     KindOf<TNodeQuaternionParameter>(), KindOf<TNodeColourParameter>(),   KindOf<TNodeTransformParameter>(),
     KindOf<TNodeTexCoordParameter>(),   KindOf<TNodePolytypeParameter>(), KindOf<TNodeBoolParameter>(),
@@ -34,10 +34,14 @@ static constexpr TParameterKindInfo Kinds[PK_NUMKINDS] = {
     KindOf<TNodeAnimationParameter>(),
 };
 
-static constexpr const char* Tags[PK_NUMKINDS] = {
+static constexpr const char* Tags[] = {
     "Scalar", "Scale", "Vector3", "Quaternion", "Colour", "Transform", "TextureCoords", "Polytype",
     "Bool",   "Enum",  "Int",     "Texture",    "Ramp",   "PolyRamp",  "Group",         "Animation",
 };
+
+// Each kind has its row in both.
+static_assert(sizeof(Kinds) / sizeof(Kinds[0]) == PK_NUMKINDS &&
+              sizeof(Tags) / sizeof(Tags[0]) == PK_NUMKINDS);
 
 struct TKindIds
 {
@@ -110,18 +114,17 @@ void TNodeParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile&
     Required = declared.Required;
 }
 
-bool TNodeParameter::ParseCommon(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeParameter::ParseCommon(TNodeTypeFile& file)
 {
-    if (!xml.FindTag("name"))
-        return AddXmlError(xml, errors, fileName, "Parameter missing name tag");
-    if (!ReadElement(xml, errors, fileName, Name, "Failed to read parameter name tag",
-                     "Parameter missing name tag end"))
+    if (!file.Xml.FindTag("name"))
+        return file.Fail("Parameter missing name tag");
+    if (!file.ReadElement(Name, "Failed to read parameter name tag", "Parameter missing name tag end"))
         return false;
-    if (xml.FindTagFromHere("Description") &&
-        !ReadElement(xml, errors, fileName, Description, "Failed to read parameter description tag",
-                     "Parameter missing description tag end"))
+    if (file.Xml.FindTagFromHere("Description") &&
+        !file.ReadElement(Description, "Failed to read parameter description tag",
+                          "Parameter missing description tag end"))
         return false;
-    xml.RewindTag();
+    file.Xml.RewindTag();
     return true;
 }
 
@@ -137,24 +140,23 @@ TNodeParameter* CreateNodeParameter(int kind)
     return Kinds[kind].Make();
 }
 
-bool ParseParameter(TXmlFile& xml, TErrorList& errors, TNodeParameter*& result, const char* fileName,
-                    bool isInput)
+bool ParseParameter(TNodeTypeFile& file, TNodeParameter*& result, bool isInput)
 {
     result = nullptr;
-    const int kind = xml.FindAnyTagFromHere(isInput ? static_cast<int>(TY_NUMTYPES) : PK_NUMKINDS, Tags);
+    const int kind = file.Xml.FindAnyTagFromHere(isInput ? static_cast<int>(TY_NUMTYPES) : PK_NUMKINDS, Tags);
     if (kind == -1)
         return true;
-    if (xml.IsEmptyTag())
-        return AddXmlError(xml, errors, fileName, "Parameter missing name tag");
-    TOwned<TNodeParameter> parameter(CreateNodeParameter(kind));
+    if (file.Xml.IsEmptyTag())
+        return file.Fail("Parameter missing name tag");
+    TOwner<TNodeParameter> parameter(CreateNodeParameter(kind));
     TString required;
-    if (isInput && xml.GetAttribute("required", required))
+    if (isInput && file.Xml.GetAttribute("required", required))
         parameter->Required = required.Compare("true") == 0;
-    if (!parameter->ParseXml(xml, errors, fileName))
+    if (!parameter->ParseXml(file))
         return false;
     // An element that the file's end cuts off leaves nothing behind it to be found, which fails the file
     // later.
-    xml.LeaveTag();
+    file.Xml.LeaveTag();
     result = parameter.Release();
     return true;
 }

@@ -5,9 +5,8 @@
 #include "library/system/files/chunkfile.h"
 #include "particles/effectgraph/valuetype.h"
 
-class TErrorList;
+class TNodeTypeFile;
 class TRefreshRecord;
-class TXmlFile;
 
 // The kinds of parameter. The first eight are the value types; only they can be input ports.
 enum TParameterKind
@@ -39,7 +38,7 @@ public:
     int GetVersion() override { return 1; }
 
     // Reads the element that the reader has just opened; false with an error in the list.
-    virtual bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) = 0;
+    virtual bool ParseXml(TNodeTypeFile& file) = 0;
     // A copy without listeners and outside of any chunk file; the caller owns it.
     virtual TNodeParameter* Clone() const = 0;
     // Takes the value over where the kinds allow it, otherwise does nothing.
@@ -75,7 +74,7 @@ protected:
     // What Clone of every class copies.
     void CopyBase(const TNodeParameter& other);
     // Name and description, then back to the start of the element's content.
-    bool ParseCommon(TXmlFile& xml, TErrorList& errors, const char* fileName);
+    bool ParseCommon(TNodeTypeFile& file);
 
 private:
     TCallbackList<TNodeParameter*> Callbacks;
@@ -91,5 +90,4 @@ void RefreshParameters(vector<TNodeParameter*>& parameters, const vector<TNodePa
 
 // Reads the next parameter element from the reader's position on. True with a null result means that the list
 // has ended; false, that an error stands in the list.
-bool ParseParameter(TXmlFile& xml, TErrorList& errors, TNodeParameter*& result, const char* fileName,
-                    bool isInput);
+bool ParseParameter(TNodeTypeFile& file, TNodeParameter*& result, bool isInput);

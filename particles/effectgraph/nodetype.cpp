@@ -1,9 +1,11 @@
 #include "particles/effectgraph/nodetype.h"
 
+#include "library/containers/owner.h"
 #include "particles/effectgraph/effectnode.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/nodetypelibrary.h"
-#include "particles/effectgraph/owned.h"
+#include "particles/effectgraph/nodetypereader.h"
+#include "particles/effectgraph/xmltext.h"
 
 bool TPortRef::IsInput() const
 {
@@ -108,9 +110,23 @@ TNodeParameter* TNodeType::FindParameter(const char* path) const
     return nullptr;
 }
 
+bool TNodeType::LoadXml(const char* path, TErrorList& errors)
+{
+    TXmlFile xml;
+    if (!xml.OpenRead(path)) {
+        errors.Add(new TError("Could not open node file %s for reading\n", QuoteText(path).Print()));
+        return false;
+    }
+    TNodeTypeFile file(xml, errors, path);
+    TNodeTypeReader reader(*this, file);
+    const bool isRead = reader.Read();
+    xml.Close();
+    return isRead;
+}
+
 TNodeType* TNodeType::Clone() const
 {
-    TOwned<TNodeType> copy(new TNodeType);
+    TOwner<TNodeType> copy(new TNodeType);
     copy->Name = Name;
     copy->Description = Description;
     copy->Category = Category;

@@ -6,6 +6,7 @@
 
 class TEffectGraph;
 class TEffectNode;
+class TErrorList;
 class TNodeTypeLibrary;
 class TRefreshRecord;
 

@@ -2,14 +2,7 @@
 
 #include "library/system/path.h"
 #include "particles/effectgraph/error.h"
-#include "particles/effectgraph/owned.h"
 #include "particles/effectgraph/xmltext.h"
-
-TNodeTypeLibrary::~TNodeTypeLibrary()
-{
-    for (TNodeType* type : Types)
-        delete type;
-}
 
 TNodeType* TNodeTypeLibrary::FindType(const char* name) const
 {
@@ -50,7 +43,7 @@ void TNodeTypeLibrary::LoadDirectory(const char* path, int parentItem, TErrorLis
         extension.SetExtension(entry.Name);
         if (extension.Compare("xml") != 0)
             continue;
-        TOwned<TNodeType> type(new TNodeType);
+        TOwner<TNodeType> type(new TNodeType);
         if (!type->LoadXml(full, errors))
             continue;
         AddItem(entry.Name, Types.size(), parentItem);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/ownerlist.h"
 #include "particles/effectgraph/nodetype.h"
 
 // One file or directory of the node type tree, as the palette and the insert menu show it.
@@ -16,11 +17,6 @@ struct TNodeTypeItem
 class TNodeTypeLibrary
 {
 public:
-    TNodeTypeLibrary() = default;
-    ~TNodeTypeLibrary();
-    TNodeTypeLibrary(const TNodeTypeLibrary&) = delete;
-    TNodeTypeLibrary& operator=(const TNodeTypeLibrary&) = delete;
-
     // Goes on past bad files; their errors stand in the list.
     void Load(const char* path, TErrorList& errors);
     // Takes ownership; for types that come from elsewhere than a directory.
@@ -42,7 +38,7 @@ private:
     // The index of the new item; a parent of -1 is the root.
     int AddItem(const TString& name, int typeIndex, int parentItem);
 
-    vector<TNodeType*> Types;
+    TOwnerList<TNodeType> Types;
     vector<TNodeTypeItem> Items;
     vector<int> RootItems;
 };

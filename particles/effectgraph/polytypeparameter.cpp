@@ -1,7 +1,8 @@
 #include "particles/effectgraph/polytypeparameter.h"
 
+#include "library/containers/owner.h"
 #include "particles/effectgraph/effectnode.h"
-#include "particles/effectgraph/owned.h"
+#include "particles/effectgraph/nodetypefile.h"
 #include "particles/effectgraph/refreshrecord.h"
 #include "particles/effectgraph/xmltext.h"
 
@@ -58,41 +59,41 @@ int TNodePolytypeParameter::GetSize()
            TBinaryFile::GetStringSize(LinkOutput) + 4 * TY_POLYTYPE;
 }
 
-bool TNodePolytypeParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodePolytypeParameter::ParseXml(TNodeTypeFile& file)
 {
     static constexpr const char* Missing = "Polytype missing linkinput, linkoutput or validtypes tags";
     static constexpr const char* Steps[] = {"linkinput", "linkoutput", "validtypes"};
-    if (!ParseCommon(xml, errors, fileName))
+    if (!ParseCommon(file))
         return false;
     int step = 0;
     while (true) {
-        const int found = xml.FindAnyTagFromHere(3 - step, Steps + step);
+        const int found = file.Xml.FindAnyTagFromHere(3 - step, Steps + step);
         if (found == -1)
-            return AddXmlError(xml, errors, fileName, Missing);
+            return file.Fail(Missing);
         step += found;
         if (step == 2)
             break;
-        if (!ReadElement(xml, errors, fileName, step == 0 ? LinkInput : LinkOutput, Missing, Missing))
+        if (!file.ReadElement(step == 0 ? LinkInput : LinkOutput, Missing, Missing))
             return false;
         ++step;
     }
-    const bool isEmpty = xml.IsEmptyTag();
-    if (!isEmpty && !ParseValidTypes(xml, errors, fileName))
+    const bool isEmpty = file.Xml.IsEmptyTag();
+    if (!isEmpty && !ParseValidTypes(file))
         return false;
     if (GetValidTypes() == 0)
-        return AddXmlError(xml, errors, fileName, "Polytype missing valid types");
+        return file.Fail("Polytype missing valid types");
     if (!isEmpty)
-        xml.LeaveTag();
+        file.Xml.LeaveTag();
     return true;
 }
 
-bool TNodePolytypeParameter::ParseValidTypes(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodePolytypeParameter::ParseValidTypes(TNodeTypeFile& file)
 {
     static constexpr const char* TypeTags[TY_POLYTYPE] = {"scalar", "scale",     "vector3", "quaternion",
                                                           "colour", "transform", "texcoord"};
     bool isFirst = true;
     for (int type = 0; type < TY_POLYTYPE; ++type) {
-        const int found = xml.FindAnyTagFromHere(TY_POLYTYPE - type, TypeTags + type);
+        const int found = file.Xml.FindAnyTagFromHere(TY_POLYTYPE - type, TypeTags + type);
         if (found == -1)
             return true;
         type += found;
@@ -101,10 +102,10 @@ bool TNodePolytypeParameter::ParseValidTypes(TXmlFile& xml, TErrorList& errors, 
         value->Name = Name;
         value->Description = Description;
         float floats[MaxValueFloats] = {0, 0, 0, 0, 0, 0};
-        if (!xml.IsEmptyTag()) {
-            if (!ParseDefault(xml, errors, fileName, GetTypeFloats(type), floats))
+        if (!file.Xml.IsEmptyTag()) {
+            if (!ParseDefault(file, GetTypeFloats(type), floats))
                 return false;
-            xml.LeaveTag();
+            file.Xml.LeaveTag();
         }
         value->SetValue(floats);
         if (isFirst)
@@ -114,30 +115,28 @@ bool TNodePolytypeParameter::ParseValidTypes(TXmlFile& xml, TErrorList& errors, 
     return true;
 }
 
-bool TNodePolytypeParameter::ParseDefault(TXmlFile& xml, TErrorList& errors, const char* fileName, int count,
-                                          float* floats)
+bool TNodePolytypeParameter::ParseDefault(TNodeTypeFile& file, int count, float* floats)
 {
     static constexpr const char* BadText = "Failed to get default text";
-    if (!xml.FindTag("defaultvalue"))
+    if (!file.Xml.FindTag("defaultvalue"))
         return true;
     TString text;
-    if (!GetElementText(xml, errors, fileName, text, BadText))
+    if (!file.GetText(text, BadText))
         return false;
     vector<TString> pieces;
     text.Split(pieces, ',');
     if (pieces.size() != count)
-        return AddXmlError(
-            xml, errors, fileName,
+        return file.Fail(
             "Badly formatted default value in polytype %s parameter. Expecting %d defauts, got %d",
             QuoteText(Name).Print(), count, pieces.size());
     for (int i = 0; i < count; ++i)
         floats[i] = pieces[i].ToFloat();
-    return LeaveElement(xml, errors, fileName, BadText);
+    return file.Leave(BadText);
 }
 
 TNodeParameter* TNodePolytypeParameter::Clone() const
 {
-    TOwned<TNodePolytypeParameter> copy(new TNodePolytypeParameter);
+    TOwner<TNodePolytypeParameter> copy(new TNodePolytypeParameter);
     copy->CopyBase(*this);
     copy->DefaultType = DefaultType;
     copy->LinkInput = LinkInput;

@@ -15,7 +15,7 @@ public:
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
     void CopyValue(const TNodeParameter& other) override;
     void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
@@ -53,8 +53,8 @@ public:
 private:
     static constexpr uint32_t NotComputed = 0xFFFFFFFFu;
 
-    bool ParseValidTypes(TXmlFile& xml, TErrorList& errors, const char* fileName);
-    bool ParseDefault(TXmlFile& xml, TErrorList& errors, const char* fileName, int count, float* floats);
+    bool ParseValidTypes(TNodeTypeFile& file);
+    bool ParseDefault(TNodeTypeFile& file, int count, float* floats);
 
     int DefaultType = TY_SCALAR;
     TString LinkInput;

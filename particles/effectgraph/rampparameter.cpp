@@ -1,6 +1,7 @@
 #include "particles/effectgraph/rampparameter.h"
 
 #include "particles/effectgraph/nodetype.h"
+#include "particles/effectgraph/nodetypefile.h"
 #include "particles/effectgraph/refreshrecord.h"
 #include "particles/effectgraph/xmltext.h"
 
@@ -74,15 +75,14 @@ int TNodeRampParameter::GetSize()
     return size;
 }
 
-bool TNodeRampParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeRampParameter::ParseXml(TNodeTypeFile& file)
 {
-    if (!ParseCommon(xml, errors, fileName))
+    if (!ParseCommon(file))
         return false;
-    if (!xml.FindTagFromHere("type"))
-        return AddXmlError(xml, errors, fileName, "Ramp parameter missing type tag");
+    if (!file.Xml.FindTagFromHere("type"))
+        return file.Fail("Ramp parameter missing type tag");
     TString kind;
-    if (!ReadElement(xml, errors, fileName, kind, "Failed to get type text",
-                     "Parameter missing type end tag"))
+    if (!file.ReadElement(kind, "Failed to get type text", "Parameter missing type end tag"))
         return false;
     if (kind.SplitAtFirst('=', Labels) != -1)
         Labels.Trim();
@@ -90,22 +90,21 @@ bool TNodeRampParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char*
     while (type < NumRampKinds && kind.Compare(RampKinds[type].Name) != 0)
         ++type;
     if (type == NumRampKinds)
-        return AddXmlError(xml, errors, fileName, "Unknown ramp type %s", QuoteText(kind).Print());
+        return file.Fail("Unknown ramp type %s", QuoteText(kind).Print());
     RampType = type;
     Dimensions = RampKinds[type].Dimensions;
-    return ParseCurves(xml, errors, fileName);
+    return ParseCurves(file);
 }
 
-bool TNodeRampParameter::ParseCurves(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeRampParameter::ParseCurves(TNodeTypeFile& file)
 {
     static constexpr TRampPoint Straight[] = {
         {0, 0}, {1.0f / 3.0f, 1.0f / 3.0f}, {2.0f / 3.0f, 2.0f / 3.0f}, {1, 1}};
     int given = 0;
-    while (given < MaxDimensions && xml.FindTagFromHere("defaultvalues")) {
+    while (given < MaxDimensions && file.Xml.FindTagFromHere("defaultvalues")) {
         TString text;
-        if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text") ||
-            !ParseCurve(xml, errors, fileName, text, Curves[given]) ||
-            !LeaveElement(xml, errors, fileName, "Parameter missing defaultvalues end tag"))
+        if (!file.GetText(text, "Failed to get defaultvalue text") ||
+            !ParseCurve(file, text, Curves[given]) || !file.Leave("Parameter missing defaultvalues end tag"))
             return false;
         ++given;
     }
@@ -127,24 +126,21 @@ static TRampPoint PointBetween(const TRampPoint& a, const TRampPoint& b, double 
     return point;
 }
 
-bool TNodeRampParameter::ParseCurve(TXmlFile& xml, TErrorList& errors, const char* fileName,
-                                    const TString& text, vector<TRampPoint>& curve)
+bool TNodeRampParameter::ParseCurve(TNodeTypeFile& file, const TString& text, vector<TRampPoint>& curve)
 {
     vector<TString> pieces;
     text.SplitBracketed(pieces, ',');
     for (const TString& piece : pieces) {
         const int length = piece.Length();
         if (length < 2 || piece.Print()[0] != '{' || piece.Print()[length - 1] != '}')
-            return AddXmlError(xml, errors, fileName, "Badly formatted ramp default: %s",
-                               QuoteText(text).Print());
+            return file.Fail("Badly formatted ramp default: %s", QuoteText(text).Print());
         TString inside;
         inside.Assign(piece.Print() + 1, piece.Print() + length - 1);
         vector<float> numbers;
         inside.SplitFloats(numbers, ',');
         if (numbers.size() != 2)
-            return AddXmlError(xml, errors, fileName,
-                               "Badly formatted ramp default - expecting list of vector2s: %s",
-                               QuoteText(text).Print());
+            return file.Fail("Badly formatted ramp default - expecting list of vector2s: %s",
+                             QuoteText(text).Print());
         TRampPoint point{numbers[0], numbers[1]};
         if (!curve.empty()) {
             const TRampPoint last = curve.back();
@@ -348,16 +344,15 @@ int TNodePolyRampParameter::GetSize()
     return TNodeRampParameter::GetSize() + TBinaryFile::GetStringSize(Output);
 }
 
-bool TNodePolyRampParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodePolyRampParameter::ParseXml(TNodeTypeFile& file)
 {
-    if (!ParseCommon(xml, errors, fileName) || !ParseCurves(xml, errors, fileName))
+    if (!ParseCommon(file) || !ParseCurves(file))
         return false;
     // Fewer than four curves have walked the reader to the element's end.
-    xml.RewindTag();
-    if (!xml.FindTagFromHere("output"))
-        return AddXmlError(xml, errors, fileName, "PolyRampParameter missing output tag");
-    return ReadElement(xml, errors, fileName, Output, "Failed to get output text",
-                       "Parameter missing output end tag");
+    file.Xml.RewindTag();
+    if (!file.Xml.FindTagFromHere("output"))
+        return file.Fail("PolyRampParameter missing output tag");
+    return file.ReadElement(Output, "Failed to get output text", "Parameter missing output end tag");
 }
 
 TNodeParameter* TNodePolyRampParameter::Clone() const

@@ -24,7 +24,7 @@ public:
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
 
     void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
@@ -56,9 +56,8 @@ public:
 
 protected:
     explicit TNodeRampParameter(int kind) : TRegistered(kind) {}
-    bool ParseCurves(TXmlFile& xml, TErrorList& errors, const char* fileName);
-    static bool ParseCurve(TXmlFile& xml, TErrorList& errors, const char* fileName, const TString& text,
-                           vector<TRampPoint>& curve);
+    bool ParseCurves(TNodeTypeFile& file);
+    static bool ParseCurve(TNodeTypeFile& file, const TString& text, vector<TRampPoint>& curve);
     static bool ReadCurve(TChunkFile* chunkFile, vector<TRampPoint>& curve);
     void CopyRamp(const TNodeRampParameter& other);
 
@@ -80,7 +79,7 @@ public:
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
 
     void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,

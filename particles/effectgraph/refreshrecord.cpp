@@ -1,12 +1,11 @@
 #include "particles/effectgraph/refreshrecord.h"
 
+#include "library/containers/append.h"
 #include "particles/effectgraph/effectgraph.h"
 
-TRefreshRecord::~TRefreshRecord()
-{
-    for (TChunk* chunk : TakenOut)
-        delete chunk;
-}
+TRefreshRecord::TRefreshRecord() = default;
+
+TRefreshRecord::~TRefreshRecord() = default;
 
 static int FindPort(const vector<int>& ports, int port)
 {
@@ -25,10 +24,8 @@ int TRefreshRecord::FindOutput(const TEffectNode* node, int port) const
 
 void TRefreshRecord::AddNode(const TEffectNode* node, const vector<int>& inputs, const vector<int>& outputs)
 {
-    if (Ports.size() == Ports.capacity())
-        Ports.reserve(2 * Ports.size() + 8);
     if (Nodes.Insert(node, Ports.size()))
-        Ports.push_back(TPorts{inputs, outputs});
+        Append(Ports, TPorts{inputs, outputs});
 }
 
 void TRefreshRecord::EnterLost(const TNodeParameter* parameter)

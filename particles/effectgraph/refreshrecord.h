@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/ownerlist.h"
 #include "particles/effectgraph/pointermap.h"
 
 class TChunk;
@@ -15,10 +16,8 @@ class TNodeParameter;
 class TRefreshRecord
 {
 public:
-    TRefreshRecord() = default;
+    TRefreshRecord();
     ~TRefreshRecord();
-    TRefreshRecord(const TRefreshRecord&) = delete;
-    TRefreshRecord& operator=(const TRefreshRecord&) = delete;
 
     bool HasNode(const TEffectNode* node) const { return Nodes.Has(node); }
     // Where a port of before stands now: -1 if it is gone. The ports of other nodes stay where they are.
@@ -51,5 +50,5 @@ private:
     TPointerMap Nodes;
     vector<TPorts> Ports;
     TPointerMap Lost;
-    vector<TChunk*> TakenOut;
+    TOwnerList<TChunk> TakenOut;
 };

@@ -1,5 +1,6 @@
 #include "particles/effectgraph/simpleparameters.h"
 
+#include "particles/effectgraph/nodetypefile.h"
 #include "particles/effectgraph/refreshrecord.h"
 #include "particles/effectgraph/xmltext.h"
 
@@ -18,17 +19,17 @@ int TNodeBoolParameter::GetSize()
     return TNodeParameter::GetSize() + 1;
 }
 
-bool TNodeBoolParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeBoolParameter::ParseXml(TNodeTypeFile& file)
 {
-    if (!ParseCommon(xml, errors, fileName))
+    if (!ParseCommon(file))
         return false;
-    if (!xml.FindTagFromHere("defaultvalue"))
+    if (!file.Xml.FindTagFromHere("defaultvalue"))
         return true;
     TString text;
-    if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text"))
+    if (!file.GetText(text, "Failed to get defaultvalue text"))
         return false;
     Value = IsTrueText(text);
-    return LeaveElement(xml, errors, fileName, "Parameter missing defaultvalue end tag");
+    return file.Leave("Parameter missing defaultvalue end tag");
 }
 
 TNodeParameter* TNodeBoolParameter::Clone() const
@@ -82,14 +83,13 @@ int TNodeEnumParameter::GetSize()
     return size;
 }
 
-bool TNodeEnumParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeEnumParameter::ParseXml(TNodeTypeFile& file)
 {
-    if (!ParseCommon(xml, errors, fileName))
+    if (!ParseCommon(file))
         return false;
     TString text;
-    while (xml.FindTagFromHere("value")) {
-        if (!ReadElement(xml, errors, fileName, text, "Failed to get value text",
-                         "Parameter missing value end tag"))
+    while (file.Xml.FindTagFromHere("value")) {
+        if (!file.ReadElement(text, "Failed to get value text", "Parameter missing value end tag"))
             return false;
         TEntry entry;
         entry.Number = Values.size();
@@ -101,19 +101,18 @@ bool TNodeEnumParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char*
         Values.push_back(entry);
     }
     // A list without a default value has walked the reader to the element's end.
-    xml.RewindTag();
-    if (!xml.FindTagFromHere("defaultvalue"))
+    file.Xml.RewindTag();
+    if (!file.Xml.FindTagFromHere("defaultvalue"))
         return true;
-    if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text"))
+    if (!file.GetText(text, "Failed to get defaultvalue text"))
         return false;
     int index = 0;
     while (index < Values.size() && Values[index].Name.Compare(text, true) != 0)
         ++index;
     if (index == Values.size())
-        return AddXmlError(xml, errors, fileName, "Default value for enum not found in values set: %s",
-                           QuoteText(text).Print());
+        return file.Fail("Default value for enum not found in values set: %s", QuoteText(text).Print());
     Index = index;
-    return LeaveElement(xml, errors, fileName, "Parameter missing defaultvalue end tag");
+    return file.Leave("Parameter missing defaultvalue end tag");
 }
 
 // Where an entry of another list stands in this one: what counts is its number, and its name where numbers
@@ -188,17 +187,17 @@ int TNodeIntParameter::GetSize()
     return TNodeParameter::GetSize() + 4;
 }
 
-bool TNodeIntParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeIntParameter::ParseXml(TNodeTypeFile& file)
 {
-    if (!ParseCommon(xml, errors, fileName))
+    if (!ParseCommon(file))
         return false;
-    if (!xml.FindTagFromHere("defaultvalue"))
+    if (!file.Xml.FindTagFromHere("defaultvalue"))
         return true;
     TString text;
-    if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text"))
+    if (!file.GetText(text, "Failed to get defaultvalue text"))
         return false;
     Value = text.ToInt();
-    return LeaveElement(xml, errors, fileName, "Parameter missing defaultvalue end tag");
+    return file.Leave("Parameter missing defaultvalue end tag");
 }
 
 TNodeParameter* TNodeIntParameter::Clone() const
@@ -230,9 +229,9 @@ int TNodeTextureParameter::GetSize()
     return TNodeParameter::GetSize() + TBinaryFile::GetStringSize(FileName);
 }
 
-bool TNodeTextureParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeTextureParameter::ParseXml(TNodeTypeFile& file)
 {
-    return ParseCommon(xml, errors, fileName);
+    return ParseCommon(file);
 }
 
 TNodeParameter* TNodeTextureParameter::Clone() const
@@ -268,9 +267,9 @@ int TNodeAnimationParameter::GetSize()
     return TNodeParameter::GetSize() + TBinaryFile::GetStringSize(FileName) + 3;
 }
 
-bool TNodeAnimationParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeAnimationParameter::ParseXml(TNodeTypeFile& file)
 {
-    return ParseCommon(xml, errors, fileName);
+    return ParseCommon(file);
 }
 
 TNodeParameter* TNodeAnimationParameter::Clone() const

@@ -10,7 +10,7 @@ public:
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
 
     bool Get() const { return Value; }
@@ -35,7 +35,7 @@ public:
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
 
     void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
@@ -63,7 +63,7 @@ public:
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
 
     int Get() const { return Value; }
@@ -81,7 +81,7 @@ public:
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
 
     const TString& GetFileName() const { return FileName; }
@@ -100,7 +100,7 @@ public:
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
 
     const TString& GetFileName() const { return FileName; }

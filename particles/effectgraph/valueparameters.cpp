@@ -2,6 +2,7 @@
 
 #include "library/maths/matrix43.h"
 #include "library/maths/scalar.h"
+#include "particles/effectgraph/nodetypefile.h"
 #include "particles/effectgraph/xmltext.h"
 
 #include <string.h>
@@ -74,85 +75,80 @@ TNodeParameter* TNodeValueParameter::CloneInto(TNodeValueParameter* copy) const
     return copy;
 }
 
-bool TNodeValueParameter::ParseFloats(TXmlFile& xml, TErrorList& errors, const char* fileName,
-                                      const char* tag, int first, int count, const char* badCount,
-                                      bool& found)
+bool TNodeValueParameter::ParseFloats(TNodeTypeFile& file, const char* tag, int first, int count,
+                                      const char* badCount, bool& found)
 {
-    found = xml.FindTagFromHere(tag);
+    found = file.Xml.FindTagFromHere(tag);
     if (!found)
         return true;
     TString fault;
     TString text;
-    if (!GetElementText(xml, errors, fileName, text, fault.Format("Failed to get %s text", tag)))
+    if (!file.GetText(text, fault.Format("Failed to get %s text", tag)))
         return false;
     vector<TString> pieces;
     text.Split(pieces, ',');
     if (pieces.size() != count)
-        return AddXmlError(xml, errors, fileName, badCount, QuoteText(text).Print());
+        return file.Fail(badCount, QuoteText(text).Print());
     for (int i = 0; i < count; ++i)
         Value[first + i] = pieces[i].ToFloat();
-    return LeaveElement(xml, errors, fileName, fault.Format("Parameter missing %s end tag", tag));
+    return file.Leave(fault.Format("Parameter missing %s end tag", tag));
 }
 
-bool TNodeScalarParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeScalarParameter::ParseXml(TNodeTypeFile& file)
 {
-    if (!ParseCommon(xml, errors, fileName))
+    if (!ParseCommon(file))
         return false;
-    if (!xml.FindTagFromHere("defaultvalue"))
+    if (!file.Xml.FindTagFromHere("defaultvalue"))
         return true;
     TString text;
-    if (!GetElementText(xml, errors, fileName, text, "Failed to get defaultvalue text"))
+    if (!file.GetText(text, "Failed to get defaultvalue text"))
         return false;
     Value[0] = text.ToFloat();
-    return LeaveElement(xml, errors, fileName, "Parameter missing defaultvalue end tag");
+    return file.Leave("Parameter missing defaultvalue end tag");
 }
 
-bool TNodeScaleParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeScaleParameter::ParseXml(TNodeTypeFile& file)
 {
     bool found = false;
-    return ParseCommon(xml, errors, fileName) &&
-           ParseFloats(xml, errors, fileName, "defaultvalue", 0, 2,
-                       "Badly formatted vector2 default value : %s\n", found);
+    return ParseCommon(file) &&
+           ParseFloats(file, "defaultvalue", 0, 2, "Badly formatted vector2 default value : %s\n", found);
 }
 
-bool TNodeVector3Parameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeVector3Parameter::ParseXml(TNodeTypeFile& file)
 {
     bool found = false;
-    return ParseCommon(xml, errors, fileName) &&
-           ParseFloats(xml, errors, fileName, "defaultvalue", 0, 3,
-                       "Badly formatted vector3 initial value : %s", found);
+    return ParseCommon(file) &&
+           ParseFloats(file, "defaultvalue", 0, 3, "Badly formatted vector3 initial value : %s", found);
 }
 
-bool TNodeQuaternionParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeQuaternionParameter::ParseXml(TNodeTypeFile& file)
 {
     bool found = false;
-    return ParseCommon(xml, errors, fileName) &&
-           ParseFloats(xml, errors, fileName, "defaultvalue", 0, 3,
-                       "Badly formatted quaternion initial value : %s", found);
+    return ParseCommon(file) &&
+           ParseFloats(file, "defaultvalue", 0, 3, "Badly formatted quaternion initial value : %s", found);
 }
 
-bool TNodeColourParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeColourParameter::ParseXml(TNodeTypeFile& file)
 {
     bool found = false;
-    return ParseCommon(xml, errors, fileName) &&
-           ParseFloats(xml, errors, fileName, "defaultvalue", 0, 4,
-                       "Badly formatted colour initial value : %s", found);
+    return ParseCommon(file) &&
+           ParseFloats(file, "defaultvalue", 0, 4, "Badly formatted colour initial value : %s", found);
 }
 
-bool TNodeTransformParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeTransformParameter::ParseXml(TNodeTypeFile& file)
 {
     static constexpr const char* BadCount = "Badly formatted transform initial value : %s";
-    if (!ParseCommon(xml, errors, fileName))
+    if (!ParseCommon(file))
         return false;
     bool found = false;
-    if (!ParseFloats(xml, errors, fileName, "defaultposition", 0, 3, BadCount, found))
+    if (!ParseFloats(file, "defaultposition", 0, 3, BadCount, found))
         return false;
-    return !found || ParseFloats(xml, errors, fileName, "defaultrotation", 3, 3, BadCount, found);
+    return !found || ParseFloats(file, "defaultrotation", 3, 3, BadCount, found);
 }
 
-bool TNodeTexCoordParameter::ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName)
+bool TNodeTexCoordParameter::ParseXml(TNodeTypeFile& file)
 {
-    return ParseCommon(xml, errors, fileName);
+    return ParseCommon(file);
 }
 
 void TNodeTransformParameter::GetMatrix(TMatrix43& out) const

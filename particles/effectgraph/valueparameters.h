@@ -25,8 +25,8 @@ protected:
     explicit TNodeValueParameter(int type) : TRegistered(type) {}
     TNodeParameter* CloneInto(TNodeValueParameter* copy) const;
     // An optional tag with `count` floats from Value[first] on. `found` tells whether it stood there.
-    bool ParseFloats(TXmlFile& xml, TErrorList& errors, const char* fileName, const char* tag, int first,
-                     int count, const char* badCount, bool& found);
+    bool ParseFloats(TNodeTypeFile& file, const char* tag, int first, int count, const char* badCount,
+                     bool& found);
 
     float Value[MaxValueFloats] = {0, 0, 0, 0, 0, 0};
 };
@@ -36,7 +36,7 @@ class TNodeScalarParameter : public TRegistered<TNodeScalarParameter, TNodeValue
 public:
     static constexpr const char* RegisteredName = "TNodeScalarParameter";
     TNodeScalarParameter();
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override { return CloneInto(new TNodeScalarParameter); }
     float Get() const { return Value[0]; }
 };
@@ -46,7 +46,7 @@ class TNodeScaleParameter : public TRegistered<TNodeScaleParameter, TNodeValuePa
 public:
     static constexpr const char* RegisteredName = "TNodeScaleParameter";
     TNodeScaleParameter();
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override { return CloneInto(new TNodeScaleParameter); }
 };
 
@@ -55,7 +55,7 @@ class TNodeVector3Parameter : public TRegistered<TNodeVector3Parameter, TNodeVal
 public:
     static constexpr const char* RegisteredName = "TNodeVector3Parameter";
     TNodeVector3Parameter();
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override { return CloneInto(new TNodeVector3Parameter); }
 };
 
@@ -64,7 +64,7 @@ class TNodeQuaternionParameter : public TRegistered<TNodeQuaternionParameter, TN
 public:
     static constexpr const char* RegisteredName = "TNodeQuaternionParameter";
     TNodeQuaternionParameter();
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override { return CloneInto(new TNodeQuaternionParameter); }
 };
 
@@ -74,7 +74,7 @@ class TNodeColourParameter : public TRegistered<TNodeColourParameter, TNodeValue
 public:
     static constexpr const char* RegisteredName = "TNodeColourParameter";
     TNodeColourParameter();
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override { return CloneInto(new TNodeColourParameter); }
 };
 
@@ -84,7 +84,7 @@ class TNodeTransformParameter : public TRegistered<TNodeTransformParameter, TNod
 public:
     static constexpr const char* RegisteredName = "TNodeTransformParameter";
     TNodeTransformParameter();
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override { return CloneInto(new TNodeTransformParameter); }
     const float* GetPosition() const { return Value; }
     const float* GetRotation() const { return Value + 3; }
@@ -97,7 +97,7 @@ class TNodeTexCoordParameter : public TRegistered<TNodeTexCoordParameter, TNodeV
 public:
     static constexpr const char* RegisteredName = "TNodeTexCoordParameter";
     TNodeTexCoordParameter();
-    bool ParseXml(TXmlFile& xml, TErrorList& errors, const char* fileName) override;
+    bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override { return CloneInto(new TNodeTexCoordParameter); }
     const float* GetMin() const { return Value; }
     const float* GetMax() const { return Value + 2; }

@@ -103,10 +103,11 @@ bool CanConvertType(int from, int to)
     return from >= 0 && from < TY_NUMTYPES && to >= 0 && to < TY_NUMTYPES && Convertible[from][to];
 }
 
-static void Store(float* dest, int count, float a, float b = 0, float c = 0, float d = 0, float e = 0,
-                  float f = 0)
+// What is not given is zero.
+template <class... TFloats>
+static void Store(float* dest, int count, TFloats... values)
 {
-    const float all[MaxValueFloats] = {a, b, c, d, e, f};
+    const float all[MaxValueFloats] = {static_cast<float>(values)...};
     memcpy(dest, all, sizeof(float) * static_cast<unsigned>(count));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "particles/effectgraph/nodetypefile.h"
 #include "support/testsupport.h"
 
 #include "library/system/files/xmlfile.h"
@@ -176,8 +177,9 @@ private:
         TErrorList errors;
         TNodeParameter* result = nullptr;
         if (xml.OpenRead(path.c_str())) {
+            TNodeTypeFile file(xml, errors, path.c_str());
             if (xml.FindTag("parameters"))
-                ParseParameter(xml, errors, result, path.c_str(), false);
+                ParseParameter(file, result, false);
             xml.Close();
         }
         if (result == nullptr)

@@ -22,10 +22,11 @@ TSampleNode AddPoint(TSampleBuilder& effect, int capacity, float x, float y, flo
 }
 
 // `cosine` of the angle between the axis and the side: 1 is a line, -1 all directions.
-TSampleNode AddCone(TSampleBuilder& effect, float x, float y, float z, float cosine, float slow, float fast)
+TSampleNode AddCone(TSampleBuilder& effect, std::initializer_list<float> axis, float cosine, float slow,
+                    float fast)
 {
     return effect.Add("Velocity Cone")
-        .Set("Direction", {x, y, z})
+        .Set("Direction", axis)
         .Set("Cone Cosine", {cosine})
         .Set("Minimum Speed", {slow})
         .Set("Maximum Speed", {fast});
@@ -74,7 +75,7 @@ void MakeFountain(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 300, 16);
     const TSampleNode source = AddPoint(effect, 460, 0, 0.05f, 0);
-    const TSampleNode cone = AddCone(effect, 0, 1, 0, 0.975f, 2.65f, 3);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.975f, 2.65f, 3);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -4, 0});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode age = AddAge(effect, 1.38f);
@@ -103,7 +104,7 @@ void MakeCampfire(TSampleBuilder& effect)
                                    .Int("Particle Count", 80)
                                    .Set("Translation", {0, 0.12f, 0, 0, 0, 0})
                                    .Set("Scale", {0.13f, 0.03f, 0.13f});
-    const TSampleNode fireCone = AddCone(effect, 0, 1, 0, 0.985f, 0.3f, 0.95f);
+    const TSampleNode fireCone = AddCone(effect, {0, 1, 0}, 0.985f, 0.3f, 0.95f);
     const TSampleNode flicker = effect.Add("Turbulence").Set("Strength", {1.2f});
     const TSampleNode fireWind = effect.Add("Wind").Set("Strength", {0.25f});
     const TSampleNode fireIntegrate = effect.Add("Integrate");
@@ -129,7 +130,7 @@ void MakeCampfire(TSampleBuilder& effect)
 
     const TSampleNode smokeTrigger = AddTrickle(effect, 9, 2);
     const TSampleNode plume = AddPoint(effect, 60, 0, 0.6f, 0);
-    const TSampleNode smokeCone = AddCone(effect, 0, 1, 0, 0.92f, 0.4f, 0.65f);
+    const TSampleNode smokeCone = AddCone(effect, {0, 1, 0}, 0.92f, 0.4f, 0.65f);
     const TSampleNode smokeWind = effect.Add("Wind").Set("Strength", {1});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.75f});
     const TSampleNode smokeIntegrate = effect.Add("Integrate");
@@ -157,7 +158,7 @@ void MakeBurst(TSampleBuilder& effect)
     const TSampleNode sound = effect.Add("Event Trigger");
     const TSampleNode count = effect.Add("Multiply");
     const TSampleNode source = AddPoint(effect, 200, 0, 1.2f, 0);
-    const TSampleNode cone = AddCone(effect, 0, 1, 0, -1, 0.8f, 2.6f);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, -1, 0.8f, 2.6f);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.8f, 0});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.12f});
     const TSampleNode integrate = effect.Add("Integrate");
@@ -221,7 +222,7 @@ void MakeSparks(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 90, 8);
     const TSampleNode source = AddPoint(effect, 240, -0.8f, 1.2f, 0);
-    const TSampleNode cone = AddCone(effect, 0.8f, 0.6f, 0, 0.9f, 0.8f, 2.2f);
+    const TSampleNode cone = AddCone(effect, {0.8f, 0.6f, 0}, 0.9f, 0.8f, 2.2f);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -5, 0});
     const TSampleNode floor = effect.Add("Collision Plane").Set("Size", {3, 3}).Set("Bounce", {0.6f});
     const TSampleNode integrate = effect.Add("Integrate");
@@ -284,7 +285,7 @@ void MakeAura(TSampleBuilder& effect)
                                    .Int("Particle Count", 320)
                                    .Set("Translation", {0, 0.9f, 0, 0, 0, 0})
                                    .Set("Scale", {0.45f, 0.45f, 0.45f});
-    const TSampleNode cone = AddCone(effect, 0, 1, 0, 0.97f, 0.5f, 1.1f);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.97f, 0.5f, 1.1f);
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.15f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode age = AddAge(effect, 1.2f);
@@ -316,7 +317,7 @@ void MakeRain(TSampleBuilder& effect)
                                   .Int("Y Divisions", 24)
                                   .Set("Transform", {0, 2.4f, 0, 0, 0, 0})
                                   .Set("Size", {1, 1});
-    const TSampleNode cone = AddCone(effect, 0, -1, 0, 0.9995f, 2.4f, 3);
+    const TSampleNode cone = AddCone(effect, {0, -1, 0}, 0.9995f, 2.4f, 3);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -3, 0});
     const TSampleNode ground = effect.Add("Collision Plane").Set("Size", {2, 2}).Set("Bounce", {0.2f});
     const TSampleNode integrate = effect.Add("Integrate");
@@ -351,7 +352,7 @@ void MakeRain(TSampleBuilder& effect)
 
     const TSampleNode count = effect.Add("Multiply");
     const TSampleNode splash = AddPoint(effect, 240, 0, 0, 0);
-    const TSampleNode splashCone = AddCone(effect, 0, 1, 0, 0.75f, 0.5f, 0.9f);
+    const TSampleNode splashCone = AddCone(effect, {0, 1, 0}, 0.75f, 0.5f, 0.9f);
     const TSampleNode splashGravity = effect.Add("Gravity").Set("Acceleration", {0, -4, 0});
     const TSampleNode splashIntegrate = effect.Add("Integrate");
     const TSampleNode splashAge = AddAge(effect, 0.4f);
@@ -407,7 +408,7 @@ void MakeFireflies(TSampleBuilder& effect)
                                   .Int("Particle Count", 140)
                                   .Set("Translation", {0, 0.8f, 0, 0, 0, 0})
                                   .Set("Scale", {0.9f, 0.5f, 0.9f});
-    const TSampleNode cone = AddCone(effect, 0, 1, 0, -1, 0.2f, 0.5f);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, -1, 0.2f, 0.5f);
     const TSampleNode middle =
         effect.Add("Attractor").Set("Attractor Position", {0, 0.8f, 0}).Set("Strength", {0.9f});
     const TSampleNode noise = effect.Add("Noise").Switch("Fixed Seed", true).Int("Fixed Seed.Random Seed", 7);
@@ -458,7 +459,7 @@ void MakeImpact(TSampleBuilder& effect)
     const TSampleNode rate = effect.Add("Multiply");
     const TSampleNode trigger = effect.Add("Emitter").Int("Per frame max emission", 8);
     const TSampleNode source = effect.Add("Point Emitter").Int("Particle Count", 160);
-    const TSampleNode cone = AddCone(effect, 0, 1, 0, 0.8f, 0.6f, 1.5f);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.8f, 0.6f, 1.5f);
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.12f});
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.4f, 0});
     const TSampleNode integrate = effect.Add("Integrate");
@@ -552,7 +553,7 @@ void MakeFumes(TSampleBuilder& effect)
         effect.Add("Scalar Over Life").Set("Life", {2}).Curve("Value", 0, {{0, 2}, {1, 22}});
     const TSampleNode trigger = effect.Add("Emitter").Int("Per frame max emission", 2);
     const TSampleNode vent = AddPoint(effect, 90, 0, 0.05f, 0);
-    const TSampleNode cone = AddCone(effect, 0, 1, 0, 0.96f, 0.8f, 1.2f);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.96f, 0.8f, 1.2f);
     const TSampleNode spin = effect.Add("Random Value");
     const TSampleNode axis = effect.Add("Build Vector");
     const TSampleNode motion = effect.Add("Make Transform");
@@ -604,7 +605,7 @@ void MakeSnow(TSampleBuilder& effect)
     const TSampleNode turned = effect.Add("Random Value");
     const TSampleNode offset = effect.Add("Make Transform");
     const TSampleNode start = effect.Add("Add");
-    const TSampleNode fall = AddCone(effect, 0, -1, 0, 0.97f, 0.34f, 0.5f);
+    const TSampleNode fall = AddCone(effect, {0, -1, 0}, 0.97f, 0.34f, 0.5f);
     const TSampleNode totter = effect.Add("Turbulence").Set("Strength", {0.7f});
     const TSampleNode ground = effect.Add("Collision Plane").Set("Size", {2.5f, 2.5f});
     const TSampleNode integrate = effect.Add("Integrate");
@@ -645,7 +646,7 @@ void MakeLeaves(TSampleBuilder& effect)
                                  .Int("Y Divisions", 12)
                                  .Set("Transform", {0, 2, 0, 0, 0, 0})
                                  .Set("Size", {0.9f, 0.9f});
-    const TSampleNode cone = AddCone(effect, 0, -1, 0, 0.4f, 0.1f, 0.3f);
+    const TSampleNode cone = AddCone(effect, {0, -1, 0}, 0.4f, 0.1f, 0.3f);
     const TSampleNode tumble = effect.Add("Random Value");
     const TSampleNode motion = effect.Add("Make Transform");
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.25f, 0});

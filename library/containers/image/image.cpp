@@ -200,11 +200,12 @@ void TImage::Create(int width, int height)
 }
 
 // Fills the picture from the top row down; the rows are stored from the bottom up.
-bool TImage::Decode(uint32_t code, const uint8_t* data, int64_t size, int width, int height, int64_t pitch,
-                    bool morton, bool bigEndian)
+bool TImage::Decode(const TStored& stored)
 {
+    const int width = stored.Width;
+    const int height = stored.Height;
     constexpr int64_t MaxPixels = 1 << 28;
-    const TPixelCode& rule = FindPixelCode(code);
+    const TPixelCode& rule = FindPixelCode(stored.Code);
     if (width <= 0 || height <= 0 || static_cast<int64_t>(width) * height > MaxPixels)
         return false;
 
@@ -212,13 +213,13 @@ bool TImage::Decode(uint32_t code, const uint8_t* data, int64_t size, int width,
         const TDxtKind kind = static_cast<TDxtKind>(rule.Size);
         const int64_t across = (width + 3) / 4;
         const int64_t down = (height + 3) / 4;
-        if (across * down * GetDxtBlockSize(kind) > size)
+        if (across * down * GetDxtBlockSize(kind) > stored.Size)
             return false;
         Create(width, height);
         for (int64_t by = 0; by < down; ++by) {
             for (int64_t bx = 0; bx < across; ++bx) {
                 uint8_t block[64];
-                DecodeDxtBlock(kind, data + (by * across + bx) * GetDxtBlockSize(kind), block);
+                DecodeDxtBlock(kind, stored.Data + (by * across + bx) * GetDxtBlockSize(kind), block);
                 for (int i = 0; i < 16; ++i) {
                     const int x = static_cast<int>(bx) * 4 + i % 4;
                     const int y = static_cast<int>(by) * 4 + i / 4;
@@ -231,25 +232,27 @@ bool TImage::Decode(uint32_t code, const uint8_t* data, int64_t size, int width,
     }
 
     const int64_t row = static_cast<int64_t>(width) * rule.Size;
-    const int64_t step = pitch != 0 ? pitch : row;
+    const int64_t step = stored.Pitch != 0 ? stored.Pitch : row;
     const uint32_t w = static_cast<uint32_t>(width);
     const uint32_t h = static_cast<uint32_t>(height);
     // Rows that lie in each other would let a small file ask for a picture of any size.
     if (step < row)
         return false;
-    const int64_t needed = morton ? (static_cast<int64_t>(SwizzleIndex(w - 1, h - 1, w, h)) + 1) * rule.Size
-                                  : step * (height - 1) + row;
+    const int64_t needed = stored.Morton
+                               ? (static_cast<int64_t>(SwizzleIndex(w - 1, h - 1, w, h)) + 1) * rule.Size
+                               : step * (height - 1) + row;
     // A code that nobody knows tells no pixel size; its file must at least hold a byte per pixel.
-    if (needed > size || (rule.Size == 0 && static_cast<int64_t>(width) * height > size))
+    if (needed > stored.Size || (rule.Size == 0 && static_cast<int64_t>(width) * height > stored.Size))
         return false;
     Create(width, height);
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
-            const int64_t at = morton ? static_cast<int64_t>(SwizzleIndex(static_cast<uint32_t>(x),
-                                                                          static_cast<uint32_t>(y), w, h)) *
-                                            rule.Size
-                                      : step * y + static_cast<int64_t>(x) * rule.Size;
-            DecodePixel(rule, data + at, bigEndian, GetPixel(x, height - 1 - y));
+            const int64_t at = stored.Morton
+                                   ? static_cast<int64_t>(SwizzleIndex(static_cast<uint32_t>(x),
+                                                                       static_cast<uint32_t>(y), w, h)) *
+                                         rule.Size
+                                   : step * y + static_cast<int64_t>(x) * rule.Size;
+            DecodePixel(rule, stored.Data + at, stored.BigEndian, GetPixel(x, height - 1 - y));
         }
     }
     return true;
@@ -340,8 +343,14 @@ bool TImage::LoadDds(const char* path)
     const uint32_t width = LittleU32(header + 16);
     if (code == 0 || width > INT32_MAX || height > INT32_MAX)
         return false;
-    return Decode(code, header + DdsHeaderSize, bytes.size() - DdsHeaderSize, static_cast<int>(width),
-                  static_cast<int>(height), 0, false, false);
+    return Decode({.Code = code,
+                   .Data = header + DdsHeaderSize,
+                   .Size = bytes.size() - DdsHeaderSize,
+                   .Width = static_cast<int>(width),
+                   .Height = static_cast<int>(height),
+                   .Pitch = 0,
+                   .Morton = false,
+                   .BigEndian = false});
 }
 
 namespace {
@@ -376,9 +385,14 @@ bool TImage::LoadHvt(const char* path)
     const uint32_t code = static_cast<uint32_t>(format & 31) << 24 | (BigU32(header + 28) & 0xFFFFFF);
     const bool linear = (format & HvtLinear) != 0;
     const int64_t pitch = linear ? BigU32(header + 40) : 0;
-    return Decode(code, header + offset, bytes.size() - static_cast<int>(offset),
-                  static_cast<int>(BigU16(header + 32)), static_cast<int>(BigU16(header + 34)), pitch,
-                  !linear, true);
+    return Decode({.Code = code,
+                   .Data = header + offset,
+                   .Size = bytes.size() - static_cast<int>(offset),
+                   .Width = static_cast<int>(BigU16(header + 32)),
+                   .Height = static_cast<int>(BigU16(header + 34)),
+                   .Pitch = pitch,
+                   .Morton = !linear,
+                   .BigEndian = true});
 }
 
 bool TImage::Load(const char* path)

@@ -40,9 +40,22 @@ public:
     const uint8_t* GetPixel(int x, int y) const { return Pixels.data() + (y * Width + x) * 4; }
 
 private:
+    // The pixels of a file, from the top row down.
+    struct TStored
+    {
+        uint32_t Code;
+        const uint8_t* Data;
+        int64_t Size;
+        int Width;
+        int Height;
+        // Bytes from row to row; 0 where the rows follow each other.
+        int64_t Pitch;
+        bool Morton;
+        bool BigEndian;
+    };
+
     void Clear();
-    bool Decode(uint32_t code, const uint8_t* data, int64_t size, int width, int height, int64_t pitch,
-                bool morton, bool bigEndian);
+    bool Decode(const TStored& stored);
     void ReverseRows(vector<uint8_t>& pixels) const;
     bool SaveTga(const char* path) const;
     bool SaveDds(const char* path, int squishFlags) const;

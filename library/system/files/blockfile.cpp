@@ -5,8 +5,6 @@
 #include <bit>
 #include <string.h>
 
-static constexpr int PageSize = 1024;
-
 static bool IsPowerOf2(int n)
 {
     return n > 0 && (n & (n - 1)) == 0;
@@ -28,12 +26,6 @@ TBlockFile::TBlockFile(bool byteSwap, int alignment) : Alignment(alignment), Byt
     ASSERT_TEXT(IsPowerOf2(alignment) && alignment >= 4, "IsPowerOf2(alignment) && alignment >= 4");
 }
 
-TBlockFile::~TBlockFile()
-{
-    for (const TPage& page : Pages)
-        delete[] page.Data;
-}
-
 void TBlockFile::BeginBlock(uint32_t source)
 {
     Blocks.push_back(TBlock{static_cast<uint32_t>(Position), source, 0});
@@ -46,12 +38,9 @@ void TBlockFile::Write(const void* data, int n)
         Blocks.back().Size += static_cast<uint32_t>(n);
     const uint8_t* from = static_cast<const uint8_t*>(data);
     while (n > 0) {
-        if (Pages.empty() || Pages.back().Used == PageSize) {
-            if (Pages.size() == Pages.capacity())
-                Pages.reserve(Pages.size() * 2 + 8);
-            Pages.push_back(TPage{new uint8_t[PageSize], 0});
-        }
-        TPage& page = Pages.back();
+        if (Pages.empty() || Pages.back()->Used == PageSize)
+            Pages.push_back(new TPage);
+        TPage& page = *Pages.back();
         const int room = PageSize - page.Used;
         const int count = n < room ? n : room;
         memcpy(page.Data + page.Used, from, static_cast<size_t>(count));
@@ -139,7 +128,7 @@ void TBlockFile::ReadAt(int position, void* buffer, int n) const
         const int offset = position % PageSize;
         const int room = PageSize - offset;
         const int count = n < room ? n : room;
-        memcpy(to, Pages[position / PageSize].Data + offset, static_cast<size_t>(count));
+        memcpy(to, Pages[position / PageSize]->Data + offset, static_cast<size_t>(count));
         to += count;
         position += count;
         n -= count;
@@ -154,7 +143,7 @@ void TBlockFile::WriteAt(int position, const void* buffer, int n)
         const int offset = position % PageSize;
         const int room = PageSize - offset;
         const int count = n < room ? n : room;
-        memcpy(Pages[position / PageSize].Data + offset, from, static_cast<size_t>(count));
+        memcpy(Pages[position / PageSize]->Data + offset, from, static_cast<size_t>(count));
         from += count;
         position += count;
         n -= count;
@@ -171,8 +160,8 @@ bool TBlockFile::Save(TFile& file) const
     static constexpr uint8_t zeros[16] = {};
     if (!file.Write(zeros, (16 - file.GetFilePtr() % 16) % 16))
         return false;
-    for (const TPage& page : Pages)
-        if (!file.Write(page.Data, page.Used))
+    for (const TPage* page : Pages)
+        if (!file.Write(page->Data, page->Used))
             return false;
     return true;
 }

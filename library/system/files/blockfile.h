@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/containers/vector.h"
+#include "library/containers/ownerlist.h"
 #include "library/system/file.h"
 
 #include <cstdint>
@@ -11,9 +11,6 @@ class TBlockFile
 {
 public:
     TBlockFile(bool byteSwap, int alignment);
-    ~TBlockFile();
-    TBlockFile(const TBlockFile&) = delete;
-    TBlockFile& operator=(const TBlockFile&) = delete;
 
     // Starts a block at the image's end; later writes count into it.
     void BeginBlock(uint32_t source);
@@ -44,10 +41,11 @@ private:
         uint32_t Source;
         uint32_t Size;
     };
+    static constexpr int PageSize = 1024;
     struct TPage
     {
-        uint8_t* Data;
-        int Used;
+        uint8_t Data[PageSize];
+        int Used = 0;
     };
 
     bool Translate(uint32_t source, uint32_t& offset) const;
@@ -55,7 +53,7 @@ private:
     vector<TBlock> Blocks;
     vector<uint32_t> Relocations;
     vector<uint32_t> Patches;
-    vector<TPage> Pages;
+    TOwnerList<TPage> Pages;
     int Position = 0;
     int Alignment;
     bool ByteSwap;

@@ -1,6 +1,6 @@
 #include "library/system/files/chunkfile.h"
 
-#include "library/containers/array.h"
+#include "library/containers/append.h"
 #include "library/containers/assertion.h"
 #include "library/containers/strtoid.h"
 
@@ -36,25 +36,18 @@ private:
     TFile* File;
 };
 
-TUnknownChunk::~TUnknownChunk()
-{
-    delete[] Data;
-}
-
 bool TUnknownChunk::Read(int size, int version, TChunkFile* chunkFile)
 {
     if (size < 0 || size > chunkFile->File.GetRemaining())
         return false;
-    delete[] Data;
-    Data = new unsigned char[(static_cast<unsigned>(size) + 3u) & ~3u]();
-    Size = size;
+    Data.resize(size);
     Version = version;
-    return chunkFile->File.ReadRaw(Data, size);
+    return chunkFile->File.ReadRaw(Data.data(), size);
 }
 
 bool TUnknownChunk::Write(TChunkFile* chunkFile)
 {
-    return chunkFile->File.WriteRaw(Data, Size);
+    return chunkFile->File.WriteRaw(Data.data(), Data.size());
 }
 
 TChunkFile::~TChunkFile() noexcept
@@ -207,9 +200,7 @@ void TChunkFile::AddChunk(TChunk* chunk)
 {
     ASSERT_TEXT(FindChunk(chunk) == -1, "Chunks.find(chunk) == Chunks.end()");
     chunk->ChunkIdx = Chunks.size();
-    if (Chunks.size() == Chunks.capacity())
-        Chunks.reserve(2 * Chunks.size() + 8);
-    Chunks.push_back(chunk);
+    Append(Chunks, chunk);
 }
 
 void TChunkFile::RemoveChunk(TChunk* chunk)

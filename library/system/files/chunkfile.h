@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/array.h"
 #include "library/system/files/binaryfile.h"
 #include "library/system/files/chunk.h"
 
@@ -11,18 +12,16 @@ class TUnknownChunk : public TChunk
 {
 public:
     explicit TUnknownChunk(uint32_t nameId) : NameID(nameId) {}
-    ~TUnknownChunk() override;
     bool Read(int size, int version, TChunkFile* chunkFile) override;
     bool Write(TChunkFile* chunkFile) override;
-    int GetSize() override { return Size; }
+    int GetSize() override { return Data.size(); }
     int GetVersion() override { return Version; }
     uint32_t GetClassId() const override { return NameID; }
 
 private:
-    int Size = 0;
     int Version = 0;
     uint32_t NameID;
-    unsigned char* Data = nullptr;
+    array<unsigned char> Data;
 };
 
 // An object graph on disc and its owner in memory. Pointers between chunks are positions, -1 for null.

@@ -1,18 +1,10 @@
 #include "library/system/files/xmlfile.h"
 
+#include "library/containers/append.h"
 #include "library/containers/assertion.h"
 #include "library/containers/log.h"
 
 static constexpr const char* CommentStart = "!--";
-
-// Files are not to be trusted with depth or length, so what grows with them grows by doubling.
-template <class T>
-static void Append(vector<T>& target, const T& value)
-{
-    if (target.size() == target.capacity())
-        target.reserve(target.size() * 2 + 32);
-    target.push_back(value);
-}
 
 // Control characters and the space; bytes of 128 and above are part of names.
 static bool IsBlank(char c)
@@ -20,7 +12,8 @@ static bool IsBlank(char c)
     return static_cast<unsigned char>(c) < 33;
 }
 
-// The names of the elements that a search stands in, outermost first.
+// The names of the elements that a search stands in, outermost first. Files are not to be trusted with depth
+// or length.
 class TXmlFile::TNameStack
 {
 public:

@@ -21,10 +21,7 @@ static QString PicturePath(int id, const char* size)
 
 TGDIBitmap::TGDIBitmap() : Image(new QImage) {}
 
-TGDIBitmap::~TGDIBitmap()
-{
-    delete Image;
-}
+TGDIBitmap::~TGDIBitmap() = default;
 
 bool TGDIBitmap::Load(int id)
 {

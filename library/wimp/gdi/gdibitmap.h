@@ -1,5 +1,7 @@
 #pragma once
 
+#include "library/containers/owner.h"
+
 #include <cstdint>
 
 class QIcon;
@@ -31,8 +33,6 @@ class TGDIBitmap
 public:
     TGDIBitmap();
     ~TGDIBitmap();
-    TGDIBitmap(const TGDIBitmap&) = delete;
-    TGDIBitmap& operator=(const TGDIBitmap&) = delete;
 
     // From the program's own pictures, by number. False if there is none.
     bool Load(int id);
@@ -45,7 +45,7 @@ public:
     const QImage& GetImage() const { return *Image; }
 
 private:
-    QImage* Image;
+    TOwner<QImage> Image;
 };
 
 // For the framework: a picture in all sizes that it was drawn in; empty if there is none.

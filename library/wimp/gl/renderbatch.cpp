@@ -18,12 +18,6 @@ TRenderBatch::TRenderBatch()
     Vertices.resize(StartSize);
 }
 
-TRenderBatch::~TRenderBatch()
-{
-    for (TLayer* layer : Layers)
-        delete layer;
-}
-
 void TRenderBatch::BeginFrame()
 {
     Clear();

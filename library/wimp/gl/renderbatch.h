@@ -1,7 +1,7 @@
 #pragma once
 
 #include "library/containers/array.h"
-#include "library/containers/vector.h"
+#include "library/containers/ownerlist.h"
 #include "library/maths/vector2.h"
 #include "library/maths/vector4.h"
 #include "library/wimp/gl/rendercover.h"
@@ -23,9 +23,6 @@ class TRenderBatch
 {
 public:
     TRenderBatch();
-    ~TRenderBatch();
-    TRenderBatch(const TRenderBatch&) = delete;
-    TRenderBatch& operator=(const TRenderBatch&) = delete;
 
     // Sets OpenGL up for drawing through the batch; End must follow.
     void BeginFrame();
@@ -110,7 +107,7 @@ private:
     TVector4 Colour = TVector4(0, 0, 0, 1);
 
     // The first of them are in use; the others keep their memory.
-    vector<TLayer*> Layers;
+    TOwnerList<TLayer> Layers;
     int NumLayers = 0;
     int NumCalls = 0;
 };

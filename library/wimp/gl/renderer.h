@@ -3,7 +3,7 @@
 #include "library/containers/vector.h"
 #include "library/maths/vector2.h"
 #include "library/maths/vector4.h"
-#include "library/wimp/gl/device/rendertexture.h"
+#include "library/wimp/gl/device/rendertextureinstance.h"
 #include "library/wimp/gl/renderbatch.h"
 
 class TRenderObject;

@@ -34,12 +34,6 @@ double SnapAcross(const TRenderer& renderer, float place)
 }
 } // namespace
 
-TRenderFont::~TRenderFont()
-{
-    for (const TFinerAtlas& finer : Finer)
-        delete finer.Atlas;
-}
-
 bool TRenderFont::Build(FT_LibraryRec_* library, const char* path)
 {
     Library = library;
@@ -67,17 +61,15 @@ TFontAtlas* TRenderFont::GetFinerAtlas(float texelsPerUnit)
     // Boxes have no file that finer ones could be drawn from.
     if (Path.IsEmpty() || texelsPerUnit > FinestAtlas)
         return nullptr;
-    for (const TFinerAtlas& finer : Finer)
-        if (finer.TexelsPerUnit == texelsPerUnit)
-            return finer.Atlas;
-    TFontAtlas* atlas = new TFontAtlas;
+    for (const TFinerAtlas* finer : Finer)
+        if (finer->TexelsPerUnit == texelsPerUnit)
+            return finer->Atlas.Get();
+    TOwner<TFontAtlas> atlas(new TFontAtlas);
     // The size may be too large for a texture.
-    if (!atlas->Build(Library, Path, Size * texelsPerUnit, 1)) {
-        delete atlas;
-        atlas = nullptr;
-    }
-    Finer.push_back(TFinerAtlas{texelsPerUnit, atlas});
-    return atlas;
+    if (!atlas->Build(Library, Path, Size * texelsPerUnit, 1))
+        atlas.Reset();
+    Finer.push_back(new TFinerAtlas{texelsPerUnit, static_cast<TOwner<TFontAtlas>&&>(atlas)});
+    return Finer.back()->Atlas.Get();
 }
 
 TFontAtlas& TRenderFont::GetDrawnAtlas(float resolution, bool wantsExact, float& texelsPerUnit)
@@ -198,13 +190,11 @@ TRenderFont* TRenderFontTable::AddRef(const char* name, float size)
             return entry.Font;
         }
     }
-    TRenderFont* font = new TRenderFont(id, size);
-    if (!Build(*font, name)) {
-        delete font;
+    TOwner<TRenderFont> font(new TRenderFont(id, size));
+    if (!Build(*font, name))
         return nullptr;
-    }
-    table.Fonts[id].push_back(TEntry{font, 1});
-    return font;
+    table.Fonts[id].push_back(TEntry{font.Get(), 1});
+    return font.Release();
 }
 
 bool TRenderFontTable::Build(TRenderFont& font, const char* name)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "library/containers/map.h"
-#include "library/containers/vector.h"
+#include "library/containers/ownerlist.h"
 #include "library/maths/vector4.h"
 #include "library/wimp/gl/fontatlas.h"
 #include "library/wimp/gl/systemfonts.h"
@@ -14,9 +14,6 @@ class TRenderFont
 {
 public:
     TRenderFont(uint32_t name, float size) : Name(name), Size(size) {}
-    ~TRenderFont();
-    TRenderFont(const TRenderFont&) = delete;
-    TRenderFont& operator=(const TRenderFont&) = delete;
 
     bool Build(FT_LibraryRec_* library, const char* path);
     // A box for each character, for a system without a font.
@@ -33,7 +30,7 @@ private:
     {
         float TexelsPerUnit;
         // Null where there can be none.
-        TFontAtlas* Atlas;
+        TOwner<TFontAtlas> Atlas;
     };
 
     // Null if there can be none so fine.
@@ -48,7 +45,7 @@ private:
     TString Path;
     TFontAtlas Atlas;
     // Made when first needed: of twice, four and eight times the size, and for the scales of screens.
-    vector<TFinerAtlas> Finer;
+    TOwnerList<TFinerAtlas> Finer;
 };
 
 // The fonts of the run, shared by name and size.

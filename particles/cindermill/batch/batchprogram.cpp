@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/batchprogram.h"
 
+#include "library/containers/append.h"
 #include "library/containers/image/image.h"
 #include "library/containers/nametocrc.h"
 #include "library/containers/strtoid.h"
@@ -36,10 +37,7 @@ void AppendLine(const char* text, void* data)
 {
     vector<char>& log = *static_cast<vector<char>*>(data);
     const int length = static_cast<int>(std::strlen(text));
-    if (log.capacity() < log.size() + length)
-        log.reserve(2 * (log.size() + length));
-    for (int i = 0; i < length; ++i)
-        log.push_back(text[i]);
+    memcpy(Extend(log, length), text, static_cast<size_t>(length));
 }
 
 void PrintLine(const char* line, void* data)
@@ -105,10 +103,7 @@ const TBatchProgram::TCommandEntry TBatchProgram::Commands[] = {
 
 TBatchProgram::TBatchProgram() = default;
 
-TBatchProgram::~TBatchProgram()
-{
-    delete App;
-}
+TBatchProgram::~TBatchProgram() = default;
 
 int TBatchProgram::ReportUsage(const char* format, ...)
 {
@@ -157,7 +152,7 @@ int TBatchProgram::Start(const TCommandEntry& command, TArguments& arguments)
     TString text;
     const bool finished = RunGuarded(
         [&] {
-            App = new TCindermillApp(OpenSettingsStore());
+            App.Reset(new TCindermillApp(OpenSettingsStore()));
             if (!App->InitHeadless())
                 return;
             if (!ResourcesDirectory.IsEmpty())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/batch/arguments.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
@@ -16,8 +17,6 @@ class TBatchProgram
 public:
     TBatchProgram();
     ~TBatchProgram();
-    TBatchProgram(const TBatchProgram&) = delete;
-    TBatchProgram& operator=(const TBatchProgram&) = delete;
 
     int Run(int argc, char** argv);
 
@@ -58,7 +57,7 @@ private:
     bool CheckLoaded(TDocument& document);
     bool CheckFile(const char* path);
 
-    TCindermillApp* App = nullptr;
+    TOwner<TCindermillApp> App;
     bool NodeTypesRead = false;
     bool NodeTypesSound = true;
     TString NodeTypesDirectory;

@@ -1,7 +1,7 @@
 #include "particles/cindermill/main/appservices.h"
 
 #include "library/system/message.h"
-#include "library/wimp/gl/device/rendertexture.h"
+#include "library/wimp/gl/device/rendertextureinstance.h"
 #include "particles/cindermill/main/resourcelocator.h"
 #include "particles/cindermill/main/settings.h"
 #include "particles/effectgraph/export/exportpolicies.h"

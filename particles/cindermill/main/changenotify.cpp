@@ -34,12 +34,6 @@ const char* Watchable(const TString& directory)
 
 } // namespace
 
-TChangeNotify::~TChangeNotify()
-{
-    for (TDirectory* directory : Directories)
-        delete directory;
-}
-
 int TChangeNotify::FindDirectory(const char* path) const
 {
     for (int i = 0; i < Directories.size(); ++i)
@@ -73,7 +67,7 @@ int TChangeNotify::AddDirectory(const TString& path)
     TDirectory* added = new TDirectory;
     added->Path = path;
     added->Number = number;
-    Directories.insert(Directories.begin() + index, added);
+    Directories.insert(index, added);
     if (index <= Position && Directories.size() > 1)
         ++Position;
     return index;
@@ -122,8 +116,7 @@ void TChangeNotify::Remove(const char* path, TCallback callback, void* context)
             files.erase(files.begin() + file);
         if (files.empty()) {
             Watcher.Remove(Directories[index]->Number);
-            delete Directories[index];
-            Directories.erase(Directories.begin() + index);
+            Directories.erase(index);
         }
         Position = 0;
     }

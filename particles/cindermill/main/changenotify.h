@@ -1,7 +1,7 @@
 #pragma once
 
+#include "library/containers/ownerlist.h"
 #include "library/containers/string.h"
-#include "library/containers/vector.h"
 #include "library/system/directorywatcher.h"
 
 // Watches files that are in use and calls back when one was written. There is no thread: whoever has time
@@ -13,11 +13,6 @@ class TChangeNotify
 public:
     // The path of the file, and the context given with the callback.
     using TCallback = void (*)(const char* path, void* context);
-
-    TChangeNotify() = default;
-    ~TChangeNotify();
-    TChangeNotify(const TChangeNotify&) = delete;
-    TChangeNotify& operator=(const TChangeNotify&) = delete;
 
     // Whether the file is watched now: a directory that cannot be is logged.
     bool Add(const char* path, TCallback callback, void* context);
@@ -62,6 +57,6 @@ private:
     int Position = 0;
     bool Polling = false;
     // By path.
-    vector<TDirectory*> Directories;
+    TOwnerList<TDirectory> Directories;
     TDirectoryWatcher Watcher;
 };

@@ -38,7 +38,6 @@ TCindermillApp::~TCindermillApp()
 {
     StaticInstance = nullptr;
     Clipboard.Clear();
-    delete Store;
 }
 
 TCindermillApp& TCindermillApp::Get()

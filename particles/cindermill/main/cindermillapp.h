@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/main/changenotify.h"
 #include "particles/cindermill/main/clipboard.h"
 #include "particles/cindermill/main/resourcelocator.h"
@@ -55,8 +56,6 @@ public:
     explicit TCindermillApp(TSettingsStore* store, TAppHost* host = nullptr);
     // Open documents are left as they are: a program that ends has asked about them.
     ~TCindermillApp();
-    TCindermillApp(const TCindermillApp&) = delete;
-    TCindermillApp& operator=(const TCindermillApp&) = delete;
 
     // The instance; asserts that there is one.
     static TCindermillApp& Get();
@@ -139,7 +138,7 @@ private:
     vector<TDocument*> Documents;
     TDocWindow* ActiveDocWindow = nullptr;
     TDocument* ActiveDocument = nullptr;
-    TSettingsStore* Store;
+    TOwner<TSettingsStore> Store;
     TSettings Settings;
     TNodeTypeLibrary NodeTypes;
     TResourceLocator ResourceLocator;

@@ -2,10 +2,12 @@
 
 #include "particles/cindermill/graph/operations/toolnode.h"
 
+TClipboard::TClipboard() = default;
+
+TClipboard::~TClipboard() = default;
+
 void TClipboard::Clear()
 {
-    for (TToolNode* node : Nodes)
-        delete node;
     Nodes.clear();
     Edges.clear();
 }

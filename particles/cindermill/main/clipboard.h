@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/containers/vector.h"
+#include "library/containers/ownerlist.h"
 
 class TToolNode;
 
@@ -17,19 +17,17 @@ public:
         int DstPort = 0;
     };
 
-    TClipboard() = default;
-    ~TClipboard() { Clear(); }
-    TClipboard(const TClipboard&) = delete;
-    TClipboard& operator=(const TClipboard&) = delete;
+    TClipboard();
+    ~TClipboard();
 
     void Clear();
     // Replaces what it holds by copies of the nodes and the edges that run inside the selection.
     void Copy(const vector<TToolNode*>& nodes);
     bool IsEmpty() const { return Nodes.empty(); }
-    const vector<TToolNode*>& GetNodes() const { return Nodes; }
+    const vector<TToolNode*>& GetNodes() const { return Nodes.Get(); }
     const vector<TEdge>& GetEdges() const { return Edges; }
 
 private:
-    vector<TToolNode*> Nodes;
+    TOwnerList<TToolNode> Nodes;
     vector<TEdge> Edges;
 };

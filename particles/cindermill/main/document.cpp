@@ -1,7 +1,6 @@
 #include "particles/cindermill/main/document.h"
 
 #include "library/system/message.h"
-#include "library/system/path.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
@@ -9,72 +8,18 @@
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/cindermill/main/documenthost.h"
+#include "particles/cindermill/main/documentreport.h"
 #include "particles/cindermill/main/effectfile.h"
-#include "particles/effectgraph/export/exportdata.h"
+#include "particles/cindermill/main/runcollecting.h"
 #include "particles/effectgraph/linkmender.h"
 #include "particles/effectgraph/pointermap.h"
 #include "particles/effectgraph/refreshrecord.h"
 
-#include <cstdarg>
-#include <cstdio>
-
-namespace {
-
-// Runs work that may fail an assertion for the sake of the graph; its text then joins the list.
-template <class TWork>
-bool RunCollecting(TErrorList& errors, TWork&& work)
-{
-    bool result = false;
-    TString text;
-    if (RunGuarded([&] { result = work(); }, text))
-        return result;
-    errors.Add(new TError("%s", text.Print()));
-    return false;
-}
-
-bool AreSameTiedNodes(const vector<TTiedNode>& a, const vector<TTiedNode>& b)
-{
-    bool same = a.size() == b.size();
-    for (int i = 0; same && i < a.size(); ++i) {
-        same = a[i].Node == b[i].Node && a[i].Inputs.size() == b[i].Inputs.size() &&
-               a[i].Outputs.size() == b[i].Outputs.size();
-        for (int port = 0; same && port < a[i].Inputs.size(); ++port)
-            same = a[i].Inputs[port] == b[i].Inputs[port];
-        for (int port = 0; same && port < a[i].Outputs.size(); ++port)
-            same = a[i].Outputs[port] == b[i].Outputs[port];
-    }
-    return same;
-}
-
-bool AreSameAttributes(const vector<TGroupAttribute>& a, const vector<TGroupAttribute>& b)
-{
-    bool same = a.size() == b.size();
-    for (int i = 0; same && i < a.size(); ++i)
-        same = a[i].Type == b[i].Type && a[i].Usage == b[i].Usage && a[i].Port == b[i].Port &&
-               a[i].ExternalGroup == b[i].ExternalGroup && a[i].ExternalAttrib == b[i].ExternalAttrib;
-    return same;
-}
-
-// Whether two schedules agree in all that an engine relies on while it runs. What room its particles have it
-// has settled at its start.
-bool HaveSameShape(const TEffectSchedule& a, const TEffectSchedule& b)
-{
-    bool same = a.GetNumNodes() == b.GetNumNodes() && a.GetNumGroups() == b.GetNumGroups();
-    for (int i = 0; same && i < a.GetNumNodes(); ++i)
-        same = a.GetNode(i) == b.GetNode(i) && a.GetNodeUsage(i) == b.GetNodeUsage(i);
-    for (int i = 0; same && i < a.GetNumGroups(); ++i)
-        same = a.IsTriggerGroup(i) == b.IsTriggerGroup(i) &&
-               AreSameTiedNodes(a.GetGroup(i).TiedNodes, b.GetGroup(i).TiedNodes) &&
-               AreSameAttributes(a.GetGroup(i).Attributes, b.GetGroup(i).Attributes);
-    return same;
-}
-
-} // namespace
-
 TDocument::TDocument(TCindermillApp& app, TDocumentHost* host)
     : App(app), Host(host), Services(app.GetSettings(), app.GetResourceLocator()),
-      EffectExecSchedule(Services)
+      Preview(Services, app.GetResourceLocator())
 {
+    Preview.SetGoes(&TDocument::OnEngineGoes, this);
 }
 
 TDocument::~TDocument()
@@ -82,7 +27,7 @@ TDocument::~TDocument()
     if (Host != nullptr)
         Host->DeleteWindows(*this);
     Host = nullptr;
-    EffectExecSchedule.Clear();
+    Preview.Clear();
     Chunks.Clear();
 }
 
@@ -306,8 +251,8 @@ void TDocument::DropStaleSchedule()
     TPointerMap nodes;
     for (int i = 0; i < Graph->GetNumNodes(); ++i)
         nodes.Insert(Graph->GetNode(i));
-    for (int i = 0; i < Schedule.GetNumNodes(); ++i) {
-        if (nodes.Has(Schedule.GetNode(i)))
+    for (int i = 0; i < GetSchedule().GetNumNodes(); ++i) {
+        if (nodes.Has(GetSchedule().GetNode(i)))
             continue;
         OnGraphChanged();
         return;
@@ -391,11 +336,11 @@ void TDocument::OnGraphChanged(void* data)
 // follows, and what is wrong with it is told when an engine is asked for.
 void TDocument::OnGraphChanged()
 {
-    if (EffectExecSchedule.IsInited()) {
+    if (Preview.IsInited()) {
         RebuildSchedule(false);
         return;
     }
-    if (!Schedule.IsCreated())
+    if (!GetSchedule().IsCreated())
         return;
     TErrorList errors;
     CreateSchedule(errors);
@@ -424,74 +369,27 @@ void TDocument::GraphChanged()
         Graph->NotifyChanged();
         return;
     }
-    ClearEngine();
-    Schedule = TEffectSchedule();
+    Preview.DropSchedule();
     TellScheduleChanged();
     DisplayErrors("Schedule errors", errors);
 }
 
-void TDocument::ClearEngine()
+void TDocument::OnEngineGoes(void* data)
 {
-    if (Host != nullptr && EffectExecSchedule.IsInited())
-        Host->EngineGoes(*this);
-    ++Revision;
-    EffectExecSchedule.Clear();
-}
-
-// An engine that runs goes on only if all that it took from the old schedule holds for the new one.
-bool TDocument::CreateSchedule(TErrorList& errors)
-{
-    TEffectSchedule fresh;
-    const bool created = RunCollecting(errors, [&] { return fresh.Create(*Graph, errors); });
-    if (!created)
-        fresh = TEffectSchedule();
-    if (!created || !HaveSameShape(Schedule, fresh))
-        ClearEngine();
-    Schedule = fresh;
-    return created;
-}
-
-bool TDocument::InitEngine(TErrorList& errors, bool toolMode)
-{
-    ClearEngine();
-    // What was missing may have come.
-    App.GetResourceLocator().ForgetMissing();
-    const bool inited =
-        RunCollecting(errors, [&] { return EffectExecSchedule.Init(Schedule, errors, toolMode); });
-    if (!inited)
-        EffectExecSchedule.Clear();
-    return inited;
-}
-
-bool TDocument::InitEngineWithoutRender(TErrorList& errors)
-{
-    ClearEngine();
-    const bool inited =
-        RunCollecting(errors, [&] { return EffectExecSchedule.InitWithoutRender(Schedule, errors); });
-    if (!inited)
-        EffectExecSchedule.Clear();
-    return inited;
-}
-
-bool TDocument::UpdateEngine(float dt, TErrorList& errors)
-{
-    const bool updated = RunCollecting(errors, [&] {
-        EffectExecSchedule.Update(dt);
-        return true;
-    });
-    if (!updated)
-        ClearEngine();
-    return updated;
+    TDocument& document = *static_cast<TDocument*>(data);
+    if (document.Host != nullptr && document.Preview.IsInited())
+        document.Host->EngineGoes(document);
+    ++document.Revision;
 }
 
 void TDocument::RebuildSchedule(bool suppressDialog)
 {
     ClearEngine();
-    const int groups = Schedule.GetNumGroups();
+    const int groups = GetSchedule().GetNumGroups();
     TErrorList errors;
     if (CreateSchedule(errors))
         InitEngine(errors, true);
-    if (Schedule.GetNumGroups() != groups)
+    if (GetSchedule().GetNumGroups() != groups)
         RedrawWindows();
     if (!suppressDialog && !errors.empty())
         DisplayErrors("Schedule errors", errors);
@@ -501,7 +399,7 @@ void TDocument::RebuildSchedule(bool suppressDialog)
 // The engine of an effect whose files are not all there has not been made.
 void TDocument::FileNamed()
 {
-    if (!EffectExecSchedule.IsInited())
+    if (!Preview.IsInited())
         RebuildSchedule(true);
 }
 
@@ -511,7 +409,7 @@ bool TDocument::EnsureSchedule()
 {
     TErrorList errors;
     const bool created = CreateSchedule(errors);
-    if (created && EffectExecSchedule.IsInited())
+    if (created && Preview.IsInited())
         return true;
     const bool ready = created && InitEngine(errors, true);
     TellScheduleChanged();
@@ -523,26 +421,17 @@ bool TDocument::EnsureSchedule()
 bool TDocument::Export(const char* path)
 {
     TErrorList errors;
-    const bool done = WriteExport(path, errors);
+    const bool done = Preview.WriteExport(path, errors);
     if (!done || !errors.empty())
         DisplayErrors("Export errors", errors);
     return done;
-}
-
-bool TDocument::WriteExport(const char* path, TErrorList& errors)
-{
-    return RunCollecting(errors, [&] {
-        ASSERT_TEXT(EffectExecSchedule.IsInited(), "EffectExecSchedule.IsInited()");
-        TExportData exportData(Schedule);
-        return EffectExecSchedule.Export(exportData, errors) && exportData.WriteEfx(path, errors);
-    });
 }
 
 TBatchResult TDocument::BatchExport(const char* path, TErrorList& errors)
 {
     if (!CreateSchedule(errors) || !InitEngine(errors, false))
         return BR_SCHEDULEFAILED;
-    return WriteExport(path, errors) ? BR_DONE : BR_EXPORTFAILED;
+    return Preview.WriteExport(path, errors) ? BR_DONE : BR_EXPORTFAILED;
 }
 
 void TDocument::LogBatchResult(TBatchResult result, const TErrorList& errors)
@@ -564,65 +453,22 @@ void TDocument::LogBatchResult(TBatchResult result, const TErrorList& errors)
     }
 }
 
-namespace {
-
-void AddLine(TString& report, const char* format, ...) CINDERMILL_PRINTF(2, 3);
-
-void AddLine(TString& report, const char* format, ...)
-{
-    char line[8192];
-    va_list args;
-    va_start(args, format);
-    vsnprintf(line, sizeof(line), format, args);
-    va_end(args);
-    report += line;
-}
-
-constexpr const char* Dashes = "------------\r\n\r\n";
-
-} // namespace
-
 void TDocument::GetReport(TString& report)
 {
-    report = "Effect File:\r\n";
-    AddLine(report, "%s", Dashes);
-    TString shownPath;
-    ToShownPath(Path, shownPath);
-    AddLine(report, "Save path: %s\r\n", Path.IsEmpty() ? "<none>" : shownPath.Print());
-    AddLine(report, "Modified: %s\r\n", Modified ? "yes" : "no");
-    AddLine(report, "Size on disc: %d bytes\r\n", Chunks.GetFileSize());
-    AddLine(report, "Chunks in file: %d\r\n", Chunks.GetNumChunks());
-    AddLine(report, "Graph nodes: %d\r\n", Graph->GetNumNodes());
-    AddLine(report, "Graph edges: %d\r\n", Graph->GetNumEdges());
-    AddLine(report, "\r\nSchedule:\r\n%s", Dashes);
+    report = nullptr;
+    TDocumentReport text(report);
+    text.AddFile(Path, Modified);
+    text.AddGraph(Chunks, *Graph);
     TErrorList errors;
     const bool created = CreateSchedule(errors);
-    const bool ready = created && (EffectExecSchedule.IsInited() || InitEngine(errors, true));
+    const bool ready = created && (Preview.IsInited() || InitEngine(errors, true));
     TellScheduleChanged();
-    if (!created) {
-        AddLine(report, "Graph does not create valid schedule\r\n");
+    text.AddSchedule(created, GetSchedule());
+    if (!created)
         return;
-    }
-    AddLine(report, "Graph creates valid schedule\r\n");
-    AddLine(report, "Groups in schedule: %d\r\n", Schedule.GetNumGroups());
-    AddLine(report, "Nodes in schedule: %d\r\n", Schedule.GetNumNodes());
-    for (int i = 0; i < Schedule.GetNumGroups(); ++i)
-        AddLine(report, "Tied nodes in group %d: %d\r\n", i, Schedule.GetNumTiedNodes(i));
-    AddLine(report, "\r\nEfx File:\r\n%s", Dashes);
     int size = 0;
-    const bool valid = ready && RunCollecting(errors, [&] {
-                           TExportData exportData(Schedule);
-                           if (!EffectExecSchedule.Export(exportData, errors))
-                               return false;
-                           size = exportData.GetFileSize();
-                           return true;
-                       });
-    if (valid) {
-        AddLine(report, "Schedule creates valid efx file\r\n");
-        AddLine(report, "Size on disc: %d bytes\r\n", size);
-    } else {
-        AddLine(report, "Schedule does not create valid efx file\r\n");
-    }
+    const bool valid = ready && Preview.GetExportSize(size, errors);
+    text.AddExport(valid, size);
 }
 
 void TDocument::TellScheduleChanged()

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "library/containers/sortedmap.h"
-#include "particles/cindermill/graph/engine/effectexec.h"
 #include "particles/cindermill/graph/operations/editcontext.h"
 #include "particles/cindermill/graph/operations/operationstack.h"
 #include "particles/cindermill/main/appservices.h"
+#include "particles/cindermill/main/previewengine.h"
 #include "particles/effectgraph/error.h"
 
 class TCindermillApp;
@@ -94,16 +94,16 @@ public:
     // Settles the types of the graph's polytype ports. Whoever schedules after a BatchLoad calls it once.
     bool ResolveTypes(TErrorList& errors);
     // The schedule and the engine, with errors collected.
-    bool CreateSchedule(TErrorList& errors);
-    bool InitEngine(TErrorList& errors, bool toolMode);
-    bool InitEngineWithoutRender(TErrorList& errors);
+    bool CreateSchedule(TErrorList& errors) { return Preview.CreateSchedule(*Graph, errors); }
+    bool InitEngine(TErrorList& errors, bool toolMode) { return Preview.Init(errors, toolMode); }
+    bool InitEngineWithoutRender(TErrorList& errors) { return Preview.InitWithoutRender(errors); }
     // One frame of the preview. A fault clears the engine, so that the preview is empty until the next
     // rebuild.
-    bool UpdateEngine(float dt, TErrorList& errors);
+    bool UpdateEngine(float dt, TErrorList& errors) { return Preview.Update(dt, errors); }
     // The windows let go of the engine's nodes first.
-    void ClearEngine();
-    const TEffectSchedule& GetSchedule() const { return Schedule; }
-    TEffectExec& GetEngine() { return EffectExecSchedule; }
+    void ClearEngine() { Preview.Clear(); }
+    const TEffectSchedule& GetSchedule() const { return Preview.GetSchedule(); }
+    TEffectExec& GetEngine() { return Preview.GetExec(); }
     // The text of the File Properties dialog. Replaces the live schedule.
     void GetReport(TString& report);
 
@@ -126,9 +126,9 @@ private:
     void AttachObjects();
     void UpdateTitles();
     void TellScheduleChanged();
-    bool WriteExport(const char* path, TErrorList& errors);
     void FinishStep(bool fits);
     void DropStaleSchedule();
+    static void OnEngineGoes(void* data);
     void OnGraphChanged();
     static void OnGraphChanged(void* data);
 
@@ -140,8 +140,7 @@ private:
     TOperationStack* OperationStack = nullptr;
     TChunkFile Chunks;
     TAppServices Services;
-    TEffectSchedule Schedule;
-    TEffectExec EffectExecSchedule;
+    TPreviewEngine Preview;
     // In the order of the displays' addresses.
     sortedmap<TNodeDisplay*, bool> NodeDisplay;
     vector<TToolNode*> Selected;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "particles/effectgraph/export/exportresult.h"
-#include "particles/effectgraph/schedule/schedule.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
 
 class TErrorList;
 

@@ -3,7 +3,7 @@
 #include "particles/effectgraph/export/exportpolicies.h"
 #include "particles/effectgraph/export/exportresult.h"
 #include "particles/effectgraph/export/pendingcommand.h"
-#include "particles/effectgraph/schedule/schedule.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
 
 class TErrorList;
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "particles/effectgraph/export/exportresult.h"
-#include "particles/effectgraph/schedule/schedule.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
 
 // Makes an export's groups from a schedule, before any node speaks: their rows, and the commands that give
 // rows their first values.

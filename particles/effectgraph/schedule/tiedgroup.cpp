@@ -1,5 +1,6 @@
 #include "particles/effectgraph/schedule/tiedgroup.h"
 
+#include "library/containers/append.h"
 #include "library/containers/sortedmap.h"
 #include "particles/effectgraph/schedule/printedaddress.h"
 
@@ -64,10 +65,7 @@ int TTiedGroupBuilder::AddTiedNode(TEffectNode* node)
     FillWithNone(record.Outputs, node->GetNumOutputs());
     record.Resolved.resize(node->GetNumInputs());
     const int index = Tied.TiedNodes.size();
-    // The entries can be many, and the array's own growth is slow.
-    if (index == Tied.TiedNodes.capacity())
-        Tied.TiedNodes.reserve(index * 2 + 8);
-    Tied.TiedNodes.push_back(record);
+    Append(Tied.TiedNodes, record);
     Tied.Frontier.push_back(index);
     return index;
 }

@@ -2,6 +2,7 @@
 #include "library/containers/callbacklist.h"
 #include "library/containers/list.h"
 #include "library/containers/map.h"
+#include "library/containers/set.h"
 #include "library/containers/sortedmap.h"
 #include "library/containers/string.h"
 #include "library/containers/vector.h"

@@ -139,7 +139,8 @@ static std::string ErrorOfTruncated(const std::string& element)
     xml.OpenRead(path.c_str());
     xml.FindTag("list");
     TNodeParameter* parameter = nullptr;
-    ParseParameter(xml, errors, parameter, "a.xml", false);
+    TNodeTypeFile file(xml, errors, "a.xml");
+    ParseParameter(file, parameter, false);
     delete parameter;
     xml.Close();
     return errors.empty() ? "" : Text((*errors.begin())->GetMessage());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "particles/effectgraph/nodetypefile.h"
 #include "support/testgraph.h"
 
 #include "particles/effectgraph/effectgraphclasses.h"
@@ -18,7 +19,8 @@ struct TParsed
         if (!xml.OpenRead(path.c_str()) || !xml.FindTag("list"))
             throw std::runtime_error("no list");
         TNodeParameter* parameter = nullptr;
-        Ok = ParseParameter(xml, errors, parameter, "a.xml", isInput);
+        TNodeTypeFile file(xml, errors, "a.xml");
+        Ok = ParseParameter(file, parameter, isInput);
         Result.reset(parameter);
         xml.Close();
         for (const TError* error : errors)

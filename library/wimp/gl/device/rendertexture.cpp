@@ -1,88 +1,79 @@
 #include "library/wimp/gl/device/rendertexture.h"
 
 #include "library/containers/assertion.h"
-#include "library/wimp/gl/device/rendertexturecache.h"
+#include "library/containers/image/image.h"
 
-namespace {
-TRenderTexture& Used(TRenderTexture* texture)
-{
-    ASSERT_TEXT(texture != nullptr, "Texture != 0");
-    return *texture;
-}
-} // namespace
+#include <cstring>
 
-TRenderTextureInstance::~TRenderTextureInstance()
+int TRenderTexture::GetTexelSize(TTextureFormat format)
 {
-    Release();
-}
-
-TRenderTextureInstance::TRenderTextureInstance(const TRenderTextureInstance& rhs) : Texture(rhs.Texture)
-{
-    if (Texture != nullptr)
-        TRenderTextureCache::AddRef(Texture);
+    switch (format) {
+    case TF_RGBA8:
+    case TF_LUMINANCE32F:
+        return 4;
+    case TF_RGBA16F:
+        return 8;
+    case TF_RGBA32F:
+        return 16;
+    }
+    AssertFail("0", __FILE__, __LINE__);
 }
 
-TRenderTextureInstance& TRenderTextureInstance::operator=(const TRenderTextureInstance& rhs)
+TRenderTexture::~TRenderTexture()
 {
-    // The other may be this one.
-    TRenderTexture* texture = rhs.Texture;
-    if (texture != nullptr)
-        TRenderTextureCache::AddRef(texture);
-    Release();
-    Texture = texture;
-    return *this;
+    if (Name != 0)
+        GetGraphicsDevice()->DeleteTexture(Name);
 }
 
-bool TRenderTextureInstance::Load(const char* path)
+bool TRenderTexture::Load(const char* path)
 {
-    TRenderTexture* texture = TRenderTextureCache::Get(path);
-    Release();
-    Texture = texture;
-    return Texture != nullptr;
+    TImage image;
+    if (path == nullptr || !image.Load(path))
+        return false;
+    Set(image.GetWidth(), image.GetHeight(), TF_RGBA8, image.GetPixels());
+    return true;
 }
 
-void TRenderTextureInstance::Create(int width, int height, TTextureFormat format, const void* data)
+void TRenderTexture::Set(int width, int height, TTextureFormat format, const void* data)
 {
-    TRenderTexture* texture = TRenderTextureCache::Create(width, height, format, data);
-    Release();
-    Texture = texture;
+    const int texelSize = GetTexelSize(format);
+    ASSERT_TEXT(width >= 0 && height >= 0, "width >= 0 && height >= 0");
+    const int64_t size = int64_t(width) * height * texelSize;
+    ASSERT_TEXT(size <= INT32_MAX, "size <= INT32_MAX");
+    Pixels.clear();
+    Pixels.reserve(static_cast<int>(size));
+    Pixels.resize(static_cast<int>(size));
+    if (size > 0)
+        memcpy(Pixels.data(), data, static_cast<size_t>(size));
+    Width = width;
+    Height = height;
+    Format = format;
+    NeedsUpload = true;
+    if (GetGraphicsDevice() != nullptr && GetGraphicsDevice()->IsCurrent())
+        Upload();
 }
 
-void TRenderTextureInstance::Release()
+void TRenderTexture::Upload()
 {
-    TRenderTexture* texture = Texture;
-    Texture = nullptr;
-    if (texture != nullptr)
-        TRenderTextureCache::Release(texture);
+    GetGraphicsDevice()->UploadTexture(Name, Format, Width, Height, Pixels.data());
+    vector<uint8_t>().swap(Pixels);
+    NeedsUpload = false;
 }
 
-int TRenderTextureInstance::GetWidth() const
+unsigned TRenderTexture::Prepare()
 {
-    return Used(Texture).GetWidth();
+    if (NeedsUpload)
+        Upload();
+    return Name;
 }
 
-int TRenderTextureInstance::GetHeight() const
+void TRenderTexture::Bind(int unit)
 {
-    return Used(Texture).GetHeight();
+    GetGraphicsDevice()->BindTexture(unit, Prepare());
 }
 
-void TRenderTextureInstance::Bind(int unit) const
+void TRenderTexture::Draw(TTexturePainter& painter, const TVector2& min, const TVector2& max,
+                          const TVector4& colour, bool alphaOnly)
 {
-    Used(Texture).Bind(unit);
-}
-
-void TRenderTextureInstance::Draw(TTexturePainter& painter, const TVector2& min, const TVector2& max,
-                                  const TVector4& colour, bool alphaOnly) const
-{
-    Used(Texture).Draw(painter, min, max, colour, alphaOnly);
-}
-
-bool TRenderTextureInstance::Reload(const char* path)
-{
-    return TRenderTextureCache::Reload(path);
-}
-
-int TRenderTextureInstance::GetNumCached()
-{
-    return TRenderTextureCache::GetCount();
+    painter.DrawTexture(Prepare(), min, max, colour, alphaOnly);
 }

@@ -1,53 +1,50 @@
 #pragma once
 
-#include "library/maths/vector2.h"
-#include "library/maths/vector4.h"
+#include "library/containers/string.h"
 #include "library/wimp/gl/device/graphicsdevice.h"
+#include "library/wimp/gl/device/texturepainter.h"
 
-// Who can draw a texture as a picture: a renderer.
-class TTexturePainter
+// A picture in OpenGL, shared by file name or made from memory. Without a ready OpenGL it is read and checked
+// only; its OpenGL name is made at the first Bind, and its pixels are held until there is a context to take
+// them.
+class TRenderTexture
 {
 public:
-    virtual ~TTexturePainter() = default;
-    // One quad with the whole texture, its first row lowest, tinted; alphaOnly shows the alpha channel.
-    virtual void DrawTexture(unsigned texture, const TVector2& min, const TVector2& max,
-                             const TVector4& colour, bool alphaOnly) = 0;
-};
+    // Asserts "0" for a format that there is none of.
+    static int GetTexelSize(TTextureFormat format);
 
-// A texture shared by file name, or made from memory. Without a ready OpenGL it is read and checked only; its
-// OpenGL name is made at the first Bind.
-class TRenderTexture;
+    TRenderTexture() = default;
+    ~TRenderTexture();
+    TRenderTexture(const TRenderTexture&) = delete;
+    TRenderTexture& operator=(const TRenderTexture&) = delete;
 
-// The handle that a user of a texture holds.
-class TRenderTextureInstance
-{
-public:
-    TRenderTextureInstance() = default;
-    ~TRenderTextureInstance();
-    TRenderTextureInstance(const TRenderTextureInstance& rhs);
-    TRenderTextureInstance& operator=(const TRenderTextureInstance& rhs);
-
-    // The texture of a picture file, by a path as the system reads it; false, and empty, if it does not load.
+    // False if the file does not load; the texture is then as it was.
     bool Load(const char* path);
-    // From memory; the rows are as the upload takes them. Any other format is an assertion.
-    void Create(int width, int height, TTextureFormat format, const void* data);
-    void Release();
-    bool IsEmpty() const { return Texture == nullptr; }
+    void Set(int width, int height, TTextureFormat format, const void* data);
 
-    // These assert "Texture != 0".
-    // The picture's own size; the driver may have been given a coarser one, if it takes none so large.
-    int GetWidth() const;
-    int GetHeight() const;
-    void Bind(int unit) const;
-    // One quad, tinted; alphaOnly shows the alpha channel.
+    const TString& GetPath() const { return Path; }
+    int GetWidth() const { return Width; }
+    int GetHeight() const { return Height; }
+    int GetRefCount() const { return RefCount; }
+    // OpenGL's name; 0 before the first Bind without a context. Stays for the texture's life.
+    unsigned GetName() const { return Name; }
+    // The name with the picture in it; needs a current context.
+    unsigned Prepare();
+    void Bind(int unit);
     void Draw(TTexturePainter& painter, const TVector2& min, const TVector2& max, const TVector4& colour,
-              bool alphaOnly) const;
-    const TRenderTexture* GetTexture() const { return Texture; }
-
-    // Reads a cached file again into the same OpenGL name; false if it is not cached or does not load.
-    static bool Reload(const char* path);
-    static int GetNumCached();
+              bool alphaOnly);
 
 private:
-    TRenderTexture* Texture = nullptr;
+    friend class TRenderTextureCache;
+
+    void Upload();
+
+    TString Path;
+    int Width = 0;
+    int Height = 0;
+    int RefCount = 0;
+    unsigned Name = 0;
+    TTextureFormat Format = TF_RGBA8;
+    vector<uint8_t> Pixels;
+    bool NeedsUpload = false;
 };

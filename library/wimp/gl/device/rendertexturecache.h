@@ -1,50 +1,6 @@
 #pragma once
 
-#include "library/containers/string.h"
-#include "library/containers/vector.h"
 #include "library/wimp/gl/device/rendertexture.h"
-
-class TImage;
-
-// A picture in OpenGL. Its pixels are held until there is a context to take them.
-class TRenderTexture
-{
-public:
-    TRenderTexture() = default;
-    ~TRenderTexture();
-    TRenderTexture(const TRenderTexture&) = delete;
-    TRenderTexture& operator=(const TRenderTexture&) = delete;
-
-    // False if the file does not load; the texture is then as it was.
-    bool Load(const char* path);
-    void Set(int width, int height, TTextureFormat format, const void* data);
-
-    const TString& GetPath() const { return Path; }
-    int GetWidth() const { return Width; }
-    int GetHeight() const { return Height; }
-    int GetRefCount() const { return RefCount; }
-    // OpenGL's name; 0 before the first Bind without a context. Stays for the texture's life.
-    unsigned GetName() const { return Name; }
-    // The name with the picture in it; needs a current context.
-    unsigned Prepare();
-    void Bind(int unit);
-    void Draw(TTexturePainter& painter, const TVector2& min, const TVector2& max, const TVector4& colour,
-              bool alphaOnly);
-
-private:
-    friend class TRenderTextureCache;
-
-    void Upload();
-
-    TString Path;
-    int Width = 0;
-    int Height = 0;
-    int RefCount = 0;
-    unsigned Name = 0;
-    TTextureFormat Format = TF_RGBA8;
-    vector<uint8_t> Pixels;
-    bool NeedsUpload = false;
-};
 
 // Hears of the files whose textures are in use.
 class TRenderTextureListener

@@ -22,6 +22,8 @@ int64_t MultiplyCounts(int64_t product, int count)
 
 } // namespace
 
+TEffectExec::TEffectExec(TExecServices& services) : Services(services) {}
+
 TEffectExec::~TEffectExec()
 {
     Clear();
@@ -61,10 +63,11 @@ bool TEffectExec::InitNodes(TErrorList& errors, bool withRender)
 {
     bool good = true;
     for (int n = 0; n < Schedule->GetNumNodes(); ++n) {
-        Nodes.push_back(nullptr);
-        if (!withRender && Schedule->GetNodeUsage(n) == TU_RENDER)
+        if (!withRender && Schedule->GetNodeUsage(n) == TU_RENDER) {
+            Nodes.push_back(nullptr);
             continue;
-        Nodes[n] = TEffectExecNode::Create(Schedule->GetNode(n), this, errors);
+        }
+        Nodes.push_back(TEffectExecNode::Create(Schedule->GetNode(n), this, errors));
         good = good && Nodes[n] != nullptr;
     }
     return good;
@@ -101,10 +104,6 @@ void TEffectExec::InitExternals()
 
 void TEffectExec::Clear()
 {
-    for (TEffectExecNode* node : Nodes)
-        delete node;
-    for (TParticleBuffer* group : Groups)
-        delete group;
     Nodes.clear();
     Groups.clear();
     ExternalGroups.clear();

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "library/containers/vector.h"
-#include "particles/effectgraph/schedule/schedule.h"
+#include "library/containers/ownerlist.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
 
 class TEffectExecNode;
 class TErrorList;
@@ -18,10 +18,8 @@ class TEffectExec
 public:
     static constexpr int MaxGroups = 32;
 
-    explicit TEffectExec(TExecServices& services) : Services(services) {}
+    explicit TEffectExec(TExecServices& services);
     ~TEffectExec();
-    TEffectExec(const TEffectExec&) = delete;
-    TEffectExec& operator=(const TEffectExec&) = delete;
 
     // Without tool mode there is no particle store, which is enough for an export. All nodes are tried even
     // after one failed.
@@ -80,8 +78,8 @@ private:
 
     TExecServices& Services;
     const TEffectSchedule* Schedule = nullptr;
-    vector<TEffectExecNode*> Nodes;
-    vector<TParticleBuffer*> Groups;
+    TOwnerList<TEffectExecNode> Nodes;
+    TOwnerList<TParticleBuffer> Groups;
     vector<uint32_t> ExternalGroups;
     vector<int> ExternalIndex;
     float Time = 0;

@@ -1,30 +1,7 @@
 #include "particles/cindermill/graph/engine/effectexecnode.h"
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/graph/shaders/qdxshader.h"
-
-namespace {
-
-// Holds a node that is not yet anyone's.
-class TNodeHolder
-{
-public:
-    explicit TNodeHolder(TEffectExecNode* node) : Node(node) {}
-    ~TNodeHolder() { delete Node; }
-    TNodeHolder(const TNodeHolder&) = delete;
-    TNodeHolder& operator=(const TNodeHolder&) = delete;
-    TEffectExecNode* operator->() const { return Node; }
-    TEffectExecNode* Release()
-    {
-        TEffectExecNode* node = Node;
-        Node = nullptr;
-        return node;
-    }
-
-private:
-    TEffectExecNode* Node;
-};
-
-} // namespace
 
 void TEffectExecNode::Emit(int, float) {}
 
@@ -77,7 +54,7 @@ TEffectExecNode* TEffectExecNode::Create(TEffectNode* node, TEffectExec* exec, T
         errors.Add(new TError("Run time class %s does not exist in this tool build\n", className.Print()));
         return nullptr;
     }
-    TNodeHolder result(static_cast<TEffectExecNode*>(CreateClass(id)));
+    TOwner<TEffectExecNode> result(static_cast<TEffectExecNode*>(CreateClass(id)));
     result->Node = node;
     result->Exec = exec;
     if (!result->Init(errors))

@@ -15,9 +15,19 @@ enum TPortWay
     PW_CHECKED
 };
 
-// Where the values of one port stand while its node goes over the particles. What is the same for all
-// particles is found once, ahead of the loop; values that cannot be used as they stand are staged: brought
-// into a shape that can, some at a time, so that the loop itself meets one kind of port only.
+// Where the values of one port stand while its node goes over the particles: for the node classes, whose
+// Execute loops over indices and calls Load and Store thousands of times a frame. So what is the same for all
+// particles is found once, ahead of the loop, and the loop meets one kind of port only: floats at Base +
+// index * Step.
+//
+// Values that cannot be used as they stand are staged, NumStaged at a time. A scalar that feeds a vector,
+// say: for the particles 64 to 95 its values are first converted into Staged[0] to Staged[31], the loop reads
+// them there, and what it writes to a staged output goes, converted, to the particles behind it.
+//
+// The loop goes on counting by the particles' indices. Therefore Base is where index 0 would stand and may
+// lie ahead of the array: in the example 64 steps ahead of Staged, so that index 70 leads to Staged[6]. The
+// same holds for an attribute's dense run in a ring, whose index 0 may be a place that the ring does not
+// have.
 struct TNodePort
 {
     static constexpr int NumStaged = 32;
@@ -66,7 +76,8 @@ struct TNodePort
         Base = reinterpret_cast<uint8_t*>(AttributeAt(position));
         Step = Stride;
     }
-    // For `count` indices from `index` on; the lowest of them, for which the first value stands.
+    // For `count` indices from `index` on, rising or falling by `step`. Returns the lowest of them, which is
+    // the one that Staged[0] is for.
     int UseStaged(int index, int step, int count)
     {
         const int lowest = step > 0 ? index : index - (count - 1);

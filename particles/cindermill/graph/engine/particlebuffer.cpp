@@ -1,5 +1,6 @@
 #include "particles/cindermill/graph/engine/particlebuffer.h"
 
+#include "library/containers/append.h"
 #include "particles/cindermill/graph/shaders/qdxshader.h"
 
 #include <cstring>
@@ -33,21 +34,40 @@ int CountItems(const TEffectSchedule& schedule, int group, int usage)
     return count > 0 ? count : 1;
 }
 
-void MoveItems(void* base, int stride, int from, int to, int count)
+// An array of items of that many bytes each.
+struct TItems
 {
-    if (stride == 0 || count == 0)
+    TItems(void* base, int stride) : Base(static_cast<uint8_t*>(base)), Stride(stride) {}
+
+    uint8_t* Base;
+    int Stride;
+};
+
+TItems ItemsOf(TParticleBuffer::TBlock& block)
+{
+    return TItems(block.Data, block.Stride);
+}
+
+TItems ItemsOf(vector<int>& numbers)
+{
+    return TItems(numbers.data(), static_cast<int>(sizeof(int)));
+}
+
+void MoveItems(const TItems& items, int from, int to, int count)
+{
+    if (items.Stride == 0 || count == 0)
         return;
-    uint8_t* bytes = static_cast<uint8_t*>(base);
-    const size_t size = static_cast<size_t>(stride);
+    uint8_t* bytes = items.Base;
+    const size_t size = static_cast<size_t>(items.Stride);
     std::memmove(bytes + static_cast<size_t>(to) * size, bytes + static_cast<size_t>(from) * size,
                  static_cast<size_t>(count) * size);
 }
 
 // The item at `from` into each of `count` places from `to` on.
-void RepeatItem(void* base, int stride, int from, int to, int count)
+void RepeatItem(const TItems& items, int from, int to, int count)
 {
     for (int i = 0; i < count; ++i)
-        MoveItems(base, stride, from, to + i, 1);
+        MoveItems(items, from, to + i, 1);
 }
 
 // What the removal of one particle after the other from a run leaves of an array of items, in one pass. Each
@@ -56,7 +76,7 @@ void RepeatItem(void* base, int stride, int from, int to, int count)
 
 // `dead` holds the indices in the high run, the last one first. The run's open end is its start at `first`,
 // which each death moves up.
-void CloseUpwards(void* base, int stride, int shift, int first, const int* dead, int count)
+void CloseUpwards(const TItems& items, int shift, int first, const int* dead, int count)
 {
     for (int d = 0; d < count; ++d) {
         // The places that d + 1 deaths move items into: deaths that came earlier had moved this one's.
@@ -66,14 +86,14 @@ void CloseUpwards(void* base, int stride, int shift, int first, const int* dead,
         // Below it, they would come from outside of the run.
         const int split = begin - distance < first ? first + distance : begin;
         if (split <= last)
-            MoveItems(base, stride, split - distance, split, last + 1 - split);
-        RepeatItem(base, stride, first, begin, (split <= last ? split : last + 1) - begin);
+            MoveItems(items, split - distance, split, last + 1 - split);
+        RepeatItem(items, first, begin, (split <= last ? split : last + 1) - begin);
     }
 }
 
 // `dead` holds the indices in the low run, which begins at index `top`, the last one first. The run's open
 // end is the place behind it at `head`, which each death moves down.
-void CloseDownwards(void* base, int stride, int shift, int head, const int* dead, int count, int top)
+void CloseDownwards(const TItems& items, int shift, int head, const int* dead, int count, int top)
 {
     int begin = 0;
     int next = dead[count - 1] - top;
@@ -88,9 +108,9 @@ void CloseDownwards(void* base, int stride, int shift, int head, const int* dead
         // From it on, they would come from outside of the run.
         const int split = next + distance > head ? head - distance : next;
         if (begin < split)
-            MoveItems(base, stride, begin + distance, begin, split - begin);
+            MoveItems(items, begin + distance, begin, split - begin);
         const int fill = begin < split ? split : begin;
-        RepeatItem(base, stride, head, fill, next - fill);
+        RepeatItem(items, head, fill, next - fill);
     }
 }
 
@@ -216,16 +236,14 @@ int TParticleBuffer::AddParticles(int count)
 void TParticleBuffer::KillParticle(int index)
 {
     ASSERT(index < GetNumParticles());
-    if (DeadList.size() == DeadList.capacity())
-        DeadList.reserve(2 * DeadList.size() + 8);
-    DeadList.push_back(index);
+    Append(DeadList, index);
 }
 
 void TParticleBuffer::MoveParticles(int from, int to, int count)
 {
     for (int u = TU_PROCESS; u <= TU_RENDER; ++u) {
-        MoveItems(Blocks[u].Data, Blocks[u].Stride, from, to, count);
-        MoveItems(GlobalIds.data(), static_cast<int>(sizeof(int)), from, to, count);
+        MoveItems(ItemsOf(Blocks[u]), from, to, count);
+        MoveItems(ItemsOf(GlobalIds), from, to, count);
     }
 }
 
@@ -299,16 +317,16 @@ void TParticleBuffer::CloseLowRun(const int* dead, int count)
 {
     const int top = GetBufferSize() - Tail;
     for (int u = TU_PROCESS; u <= TU_RENDER; ++u)
-        CloseDownwards(Blocks[u].Data, Blocks[u].Stride, 1, Head, dead, count, top);
-    CloseDownwards(GlobalIds.data(), static_cast<int>(sizeof(int)), IdShift, Head, dead, count, top);
+        CloseDownwards(ItemsOf(Blocks[u]), 1, Head, dead, count, top);
+    CloseDownwards(ItemsOf(GlobalIds), IdShift, Head, dead, count, top);
     Head -= count;
 }
 
 void TParticleBuffer::CloseHighRun(const int* dead, int count)
 {
     for (int u = TU_PROCESS; u <= TU_RENDER; ++u)
-        CloseUpwards(Blocks[u].Data, Blocks[u].Stride, 1, Tail, dead, count);
-    CloseUpwards(GlobalIds.data(), static_cast<int>(sizeof(int)), IdShift, Tail, dead, count);
+        CloseUpwards(ItemsOf(Blocks[u]), 1, Tail, dead, count);
+    CloseUpwards(ItemsOf(GlobalIds), IdShift, Tail, dead, count);
     const bool wrapped = Head <= Tail;
     Tail += count;
     if (wrapped && Tail != GetBufferSize())

@@ -2,7 +2,7 @@
 
 #include "library/containers/vector.h"
 #include "particles/cindermill/graph/shaders/vertexstream.h"
-#include "particles/effectgraph/schedule/schedule.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
 
 class TQdxShader;
 

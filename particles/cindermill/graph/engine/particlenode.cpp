@@ -137,7 +137,7 @@ void TParticleNode::WriteStaged(int base, int index, int step, int count)
 
 void TParticleNode::FindFirstPorts(int numInputs, int numOutputs)
 {
-    // As the node type's own lists of ports say it.
+    // In the words of a vector, as an index into the node type's own lists of ports would fail.
     const bool hasInputs = numInputs <= InputPorts.size();
     ASSERT_TEXT_MSG(hasInputs && numOutputs <= OutputPorts.size(), "n>=0 && n<size()",
                     TempFormat("The node type %s has no %s %d", GetNodeType()->Name.Print(),
@@ -168,7 +168,9 @@ void TParticleNode::FindBypassPorts()
     ChooseStaging();
 }
 
-// Staged inputs come in ahead of the work on a piece, and staged outputs go out behind it.
+// A piece is as many particles as are staged at a time: its inputs come in ahead of the work on it, and its
+// outputs go out behind it. Where an output is one value for all particles, the next particle may read what
+// this one writes: then a piece is one particle.
 void TParticleNode::ChooseStaging()
 {
     bool stagesInputs = false;
@@ -185,7 +187,6 @@ void TParticleNode::ChooseStaging()
         if (Outputs[o].Way == PW_PLAIN && !Outputs[o].IsOwn())
             Outputs[o].Way = PW_CONVERTED;
     PieceSize = INT_MAX;
-    // The next particle may read what this one writes.
     if (stagesInputs || stagesOutputs)
         PieceSize = isShared ? 1 : TNodePort::NumStaged;
 }

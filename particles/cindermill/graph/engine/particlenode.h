@@ -53,7 +53,8 @@ private:
     void RunUp(int count, TWork&& work);
     template <class TWork>
     void RunDown(int count, TWork&& work);
-    // For indices that lie in one dense run, whose index 0 would be at ring position `base`.
+    // For indices that lie in one dense run, whose index 0 would be at ring position `base`. Where the ring
+    // wraps, the second run's index 0 would be ahead of the ring's start: `base` is then negative.
     template <class TWork>
     void RunDense(int base, int index, int step, int count, TWork&& work);
     void StageInputs(int base, int index, int step, int count);

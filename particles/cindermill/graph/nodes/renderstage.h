@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/wimp/gl/device/rendertexture.h"
+#include "library/wimp/gl/device/rendertextureinstance.h"
 #include "particles/cindermill/graph/engine/effectexecnode.h"
 #include "particles/cindermill/graph/shaders/qdxshader.h"
 #include "particles/effectgraph/simpleparameters.h"

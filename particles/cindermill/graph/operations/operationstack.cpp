@@ -3,18 +3,6 @@
 #include "library/system/clock.h"
 #include "particles/cindermill/graph/operations/editcontext.h"
 #include "particles/cindermill/graph/operations/historycheck.h"
-#include "particles/effectgraph/refreshrecord.h"
-
-TAdaption TOperation::AdaptTo(const TRefreshRecord& record)
-{
-    vector<TChunk*> held;
-    GetMade(held);
-    GetUsed(held);
-    for (const TChunk* chunk : held)
-        if (record.IsLost(chunk))
-            return AD_LOST;
-    return AD_FITS;
-}
 
 TOperationStack::TOperationStack() : LastTime(GetTickCount()) {}
 

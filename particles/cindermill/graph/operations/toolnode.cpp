@@ -4,9 +4,11 @@
 #include "particles/cindermill/graph/operations/nodedisplay.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 
+TToolNode::TToolNode() = default;
+
 TToolNode::~TToolNode()
 {
-    delete Display;
+    Display.Reset();
     if (NodeType != nullptr && ChunkIdx == -1)
         delete NodeType;
 }
@@ -53,7 +55,7 @@ void TToolNode::CreateDisplay()
     const int id = FindClassByName(NodeType->DisplayClass);
     if (NodeType->DisplayClass.IsEmpty() || id == -1 || !IsClassA(id, TNodeDisplay::ClassId()))
         return;
-    Display = static_cast<TNodeDisplay*>(CreateClass(id));
+    Display.Reset(static_cast<TNodeDisplay*>(CreateClass(id)));
     if (Display != nullptr)
         Display->Init(this);
 }
@@ -61,13 +63,13 @@ void TToolNode::CreateDisplay()
 void TToolNode::Added(TEditContext* doc)
 {
     if (Display != nullptr)
-        doc->AddNodeDisplay(Display);
+        doc->AddNodeDisplay(Display.Get());
 }
 
 void TToolNode::Removed(TEditContext* doc)
 {
     if (Display != nullptr)
-        doc->RemoveNodeDisplay(Display);
+        doc->RemoveNodeDisplay(Display.Get());
 }
 
 void TToolNode::SetPosition(int x, int y)

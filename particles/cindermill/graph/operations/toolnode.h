@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/effectgraph/effectgraph.h"
 
 class TEditContext;
@@ -13,7 +14,7 @@ class TToolNode : public TRegistered<TToolNode, TEffectNode>
 {
 public:
     static constexpr const char* RegisteredName = "TToolNode";
-    TToolNode() = default;
+    TToolNode();
     ~TToolNode() override;
 
     bool Read(int size, int version, TChunkFile* chunkFile) override;
@@ -36,7 +37,7 @@ public:
     void MoveBy(int dx, int dy);
     void SetSelected(bool selected);
     bool IsSelected() const { return Selected; }
-    TNodeDisplay* GetDisplay() const { return Display; }
+    TNodeDisplay* GetDisplay() const { return Display.Get(); }
 
     // Enters the node, its type and all parameters into the chunk file, or takes them out; they are then the
     // node's again.
@@ -48,7 +49,7 @@ private:
 
     int X = 0;
     int Y = 0;
-    TNodeDisplay* Display = nullptr;
+    TOwner<TNodeDisplay> Display;
     bool Selected = false;
     TEditContext* Doc = nullptr;
 };

@@ -1,5 +1,6 @@
 #include "particles/cindermill/graph/shaders/programtext.h"
 
+#include "library/containers/append.h"
 #include "library/wimp/gl/device/arbprogram.h"
 
 #include <cstdarg>
@@ -13,12 +14,9 @@ void TProgramText::Append(const char* text)
 
 void TProgramText::Append(const char* text, int count)
 {
-    const int used = Characters.size();
-    if (used + count > Characters.capacity())
-        Characters.reserve(used + count + used / 2 + 256);
-    Characters.resize(used + count);
+    char* to = Extend(Characters, count);
     for (int i = 0; i < count; ++i)
-        Characters.data()[used + i] = text[i];
+        to[i] = text[i];
 }
 
 void TProgramText::Print(const char* format, ...)

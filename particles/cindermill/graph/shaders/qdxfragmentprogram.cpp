@@ -2,11 +2,11 @@
 
 #include "library/containers/assertion.h"
 #include "library/wimp/gl/device/arbprogram.h"
-#include "library/wimp/gl/device/rendertexture.h"
+#include "library/wimp/gl/device/rendertextureinstance.h"
+#include "particles/cindermill/graph/shaders/fragmentcontext.h"
+#include "particles/cindermill/graph/shaders/fragmentinstruction.h"
 #include "particles/cindermill/graph/shaders/programtext.h"
-#include "particles/cindermill/graph/shaders/qdxfragmentinstruction.h"
-#include "particles/cindermill/graph/shaders/qdxfragmenttranslator.h"
-#include "particles/cindermill/graph/shaders/qdxswizzle.h"
+#include "particles/cindermill/graph/shaders/swizzletext.h"
 
 #include <bit>
 #include <cstring>
@@ -136,26 +136,26 @@ void TQdxFragmentProgram::GetCoordinate(const TTextureRead& read, const int* com
 
 TFragmentVariant* TQdxFragmentProgram::FindVariant(uint32_t wposMode)
 {
-    for (TFragmentVariant& variant : Variants) {
-        bool fits = !UsesWpos() || variant.WposMode == wposMode;
+    for (TFragmentVariant* variant : Variants) {
+        bool fits = !UsesWpos() || variant->WposMode == wposMode;
         for (int unit = 0; unit < NumUnits; ++unit)
-            if (IsUnitUsed(unit) && variant.Targets[unit] != TY_Target2D)
+            if (IsUnitUsed(unit) && variant->Targets[unit] != TY_Target2D)
                 fits = false;
         if (fits)
-            return &variant;
+            return variant;
     }
     return nullptr;
 }
 
 TFragmentVariant& TQdxFragmentProgram::AddVariant(uint32_t wposMode)
 {
-    TFragmentVariant variant;
+    Variants.push_back(new TFragmentVariant);
+    TFragmentVariant& variant = *Variants.back();
     variant.WposMode = wposMode;
     for (int unit = 0; unit < NumUnits; ++unit)
         if (IsUnitUsed(unit))
             variant.Targets[unit] = TY_Target2D;
-    Variants.push_back(variant);
-    return Variants.back();
+    return variant;
 }
 
 void TQdxFragmentProgram::SetConstant(int refindex, const float* value)
@@ -189,11 +189,9 @@ int TQdxFragmentProgram::FindConstantRef(uint32_t offset) const
 // What a unit's coordinates are multiplied with: only pictures of which 1 is the whole are ever loaded.
 static constexpr float TextureScale[4] = {1, -1, 1, 1};
 
-TQdxFragmentProgram::~TQdxFragmentProgram()
-{
-    for (TFragmentVariant& variant : Variants)
-        delete variant.Program;
-}
+TQdxFragmentProgram::TQdxFragmentProgram() = default;
+
+TQdxFragmentProgram::~TQdxFragmentProgram() = default;
 
 bool TQdxFragmentProgram::Bind(const TRenderTextureInstance* const* textures)
 {
@@ -220,7 +218,7 @@ bool TQdxFragmentProgram::Assemble(TFragmentVariant& variant) const
     if (variant.Program == nullptr) {
         TString text;
         GetVariantText(variant.Targets, variant.WposMode, text);
-        variant.Program = new TArbProgram(AT_FRAGMENT);
+        variant.Program.Reset(new TArbProgram(AT_FRAGMENT));
         AssembleForDriver(*variant.Program, text);
     }
     return variant.Program->IsAssembled();

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "library/containers/ownerlist.h"
 #include "library/containers/string.h"
-#include "library/containers/vector.h"
 
 #include <cstdint>
 
@@ -57,8 +57,8 @@ struct TFragmentVariant
 {
     static constexpr int NumTargets = 16;
 
-    // Made at the first Bind; owned by the fragment program.
-    TArbProgram* Program = nullptr;
+    // Made at the first Bind.
+    TOwner<TArbProgram> Program;
     uint32_t Targets[NumTargets] = {};
     // The program's ConstantVersion when the constants were last sent.
     uint32_t ConstantVersion = 0;
@@ -72,10 +72,8 @@ public:
     static constexpr int NumUnits = 16;
     static constexpr int NumWposModes = 4;
 
-    TQdxFragmentProgram() = default;
+    TQdxFragmentProgram();
     ~TQdxFragmentProgram();
-    TQdxFragmentProgram(const TQdxFragmentProgram&) = delete;
-    TQdxFragmentProgram& operator=(const TQdxFragmentProgram&) = delete;
 
     // Translates the microcode at the front of a block of `size` bytes; the memory is not kept. False, with
     // the reason in the log, if the program does not end within the block. Once for each object.
@@ -121,7 +119,7 @@ private:
     TString Text;
     vector<TTextureRead> TextureReads;
     vector<uint32_t> TextureConstants;
-    vector<TFragmentVariant> Variants;
+    TOwnerList<TFragmentVariant> Variants;
     vector<TConstantRef> ConstantRefs;
     uint32_t ConstantVersion = 1;
     // Position in the text of the line that makes __wpos, -1 if there is none.

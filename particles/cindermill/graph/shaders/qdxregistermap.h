@@ -1,7 +1,7 @@
 #pragma once
 
 #include "library/containers/vector.h"
-#include "particles/cindermill/graph/shaders/qdxfragmentinstruction.h"
+#include "particles/cindermill/graph/shaders/fragmentinstruction.h"
 
 #include <climits>
 

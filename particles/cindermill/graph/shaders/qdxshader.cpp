@@ -4,6 +4,7 @@
 #include "library/containers/assertion.h"
 #include "library/containers/log.h"
 #include "library/containers/nametocrc.h"
+#include "library/containers/ownerlist.h"
 #include "library/system/file.h"
 #include "library/system/path.h"
 #include "library/wimp/gl/device/graphicsdevice.h"
@@ -56,15 +57,6 @@ private:
 class TQdxShaderCache
 {
 public:
-    TQdxShaderCache() = default;
-    ~TQdxShaderCache()
-    {
-        for (TQdxShader* shader : Shaders)
-            delete shader;
-    }
-    TQdxShaderCache(const TQdxShaderCache&) = delete;
-    TQdxShaderCache& operator=(const TQdxShaderCache&) = delete;
-
     static TQdxShaderCache& Get()
     {
         // Shaders refer to programs of the store, which therefore must outlive them.
@@ -79,7 +71,7 @@ public:
     TQdxShader* Add(const char* path, const void* source, const uint8_t* data, int size);
 
 private:
-    vector<TQdxShader*> Shaders;
+    TOwnerList<TQdxShader> Shaders;
 };
 
 TQdxShader* TQdxShaderCache::FindFile(const char* path) const
@@ -107,18 +99,13 @@ TQdxShader* TQdxShaderCache::FindMemory(const void* data) const
 
 TQdxShader* TQdxShaderCache::Add(const char* path, const void* source, const uint8_t* data, int size)
 {
-    // Parsing may stop on an assertion, so until it is done the shader belongs to this block.
-    struct TNewShader
-    {
-        TQdxShader* Shader = new TQdxShader;
-        ~TNewShader() { delete Shader; }
-    } made;
-    made.Shader->Name = path;
-    made.Shader->Source = source;
-    if (!made.Shader->Parse(data, size))
+    // Parsing may stop on an assertion.
+    TOwner<TQdxShader> made(new TQdxShader);
+    made->Name = path;
+    made->Source = source;
+    if (!made->Parse(data, size))
         return nullptr;
-    Shaders.push_back(made.Shader);
-    made.Shader = nullptr;
+    Shaders.push_back(made.Release());
     return Shaders.back();
 }
 
@@ -177,10 +164,9 @@ int FindName(const TEntries& entries, const char* name)
 
 } // namespace
 
-TQdxShader::~TQdxShader()
-{
-    delete FragmentProgram;
-}
+TQdxShader::TQdxShader() = default;
+
+TQdxShader::~TQdxShader() = default;
 
 TQdxShader* TQdxShader::LoadShaderFile(const char* path)
 {
@@ -295,7 +281,7 @@ bool TQdxShader::ReadConstants(const TShaderImage& image, int count, int offset)
 
 bool TQdxShader::ReadFragmentBlock(const TShaderImage& image, int block)
 {
-    FragmentProgram = new TQdxFragmentProgram;
+    FragmentProgram.Reset(new TQdxFragmentProgram);
     const int64_t microcode = block + static_cast<int64_t>(image.GetWord(block + 16));
     if (!image.Check(microcode, InstructionBytes, "microcode"))
         return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
 
@@ -47,10 +48,8 @@ public:
         float Value[4] = {};
     };
 
-    TQdxShader() = default;
+    TQdxShader();
     ~TQdxShader();
-    TQdxShader(const TQdxShader&) = delete;
-    TQdxShader& operator=(const TQdxShader&) = delete;
 
     // The shared shader of a file or of a block of memory, read at its first use; null, with the reason in
     // the log, if it is none. Kept for the life of the process.
@@ -61,7 +60,7 @@ public:
     bool Parse(const uint8_t* data, int size);
 
     bool IsFragmentProgram() const { return FragmentProgram != nullptr; }
-    TQdxFragmentProgram* GetFragmentProgram() const { return FragmentProgram; }
+    TQdxFragmentProgram* GetFragmentProgram() const { return FragmentProgram.Get(); }
     // Shared by all shaders of the same instructions, and owned by the store of vertex programs.
     TQdxVertexProgram* GetVertexProgram() const { return VertexProgram; }
     // Changes a constant of a fragment program: four floats, sent when the program is bound next.
@@ -118,7 +117,7 @@ private:
     vector<TShaderConstant> Constants;
     vector<TEntry> Samplers;
     vector<vector<uint16_t>> FragmentParameters;
-    TQdxFragmentProgram* FragmentProgram = nullptr;
+    TOwner<TQdxFragmentProgram> FragmentProgram;
     TQdxVertexProgram* VertexProgram = nullptr;
     TStreamSlot VertexStreams[NumVertexStreams];
     const TRenderTextureInstance* Textures[NumTextures] = {};

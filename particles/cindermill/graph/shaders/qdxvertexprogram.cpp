@@ -2,9 +2,9 @@
 
 #include "library/containers/assertion.h"
 #include "library/wimp/gl/device/arbprogram.h"
+#include "particles/cindermill/graph/shaders/fragmentinstruction.h"
 #include "particles/cindermill/graph/shaders/programtext.h"
-#include "particles/cindermill/graph/shaders/qdxfragmentinstruction.h"
-#include "particles/cindermill/graph/shaders/qdxswizzle.h"
+#include "particles/cindermill/graph/shaders/swizzletext.h"
 
 namespace {
 
@@ -296,15 +296,14 @@ void TQdxVertexProgram::WriteSource(TProgramText& body, const TVertexInstruction
         body.Append("|");
 }
 
-TQdxVertexProgram::~TQdxVertexProgram()
-{
-    delete Program;
-}
+TQdxVertexProgram::TQdxVertexProgram() = default;
+
+TQdxVertexProgram::~TQdxVertexProgram() = default;
 
 bool TQdxVertexProgram::Bind()
 {
     if (Program == nullptr) {
-        Program = new TArbProgram(AT_VERTEX);
+        Program.Reset(new TArbProgram(AT_VERTEX));
         AssembleForDriver(*Program, Text);
     }
     if (!Program->IsAssembled())

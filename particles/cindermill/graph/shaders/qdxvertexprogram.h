@@ -1,10 +1,11 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "library/containers/sortedmap.h"
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
-#include "particles/cindermill/graph/shaders/qdxvertexinstruction.h"
 #include "particles/cindermill/graph/shaders/qdxvertexranges.h"
+#include "particles/cindermill/graph/shaders/vertexinstruction.h"
 
 #include <cstdint>
 
@@ -15,10 +16,8 @@ class TProgramText;
 class TQdxVertexProgram
 {
 public:
-    TQdxVertexProgram() = default;
+    TQdxVertexProgram();
     ~TQdxVertexProgram();
-    TQdxVertexProgram(const TQdxVertexProgram&) = delete;
-    TQdxVertexProgram& operator=(const TQdxVertexProgram&) = delete;
 
     // The words are in the host's order. Once for each object.
     void Translate(const TVertexInstruction* code, int count);
@@ -66,5 +65,5 @@ private:
     int NextLabel = 0;
     int OperationCount = 0;
     // Made at the first Bind.
-    TArbProgram* Program = nullptr;
+    TOwner<TArbProgram> Program;
 };

@@ -5,23 +5,6 @@
 
 namespace {
 
-// A program until the store has taken it: translation may stop on an assertion.
-struct TNewProgram
-{
-    TQdxVertexProgram* Program = new TQdxVertexProgram;
-
-    TNewProgram() = default;
-    ~TNewProgram() { delete Program; }
-    TNewProgram(const TNewProgram&) = delete;
-    TNewProgram& operator=(const TNewProgram&) = delete;
-    TQdxVertexProgram* Release()
-    {
-        TQdxVertexProgram* program = Program;
-        Program = nullptr;
-        return program;
-    }
-};
-
 uint32_t ReadWord(const uint8_t* bytes)
 {
     return static_cast<uint32_t>(bytes[0]) << 24 | static_cast<uint32_t>(bytes[1]) << 16 |
@@ -30,11 +13,9 @@ uint32_t ReadWord(const uint8_t* bytes)
 
 } // namespace
 
-TQdxVertexStore::~TQdxVertexStore()
-{
-    for (TQdxVertexProgram* program : Programs)
-        delete program;
-}
+TQdxVertexStore::TQdxVertexStore() = default;
+
+TQdxVertexStore::~TQdxVertexStore() = default;
 
 TQdxVertexStore& TQdxVertexStore::Get()
 {
@@ -80,8 +61,9 @@ TQdxVertexProgram* TQdxVertexStore::FindProgram(int count)
     for (TQdxVertexProgram* program : Programs)
         if (program->IsSameCode(code, count, hash))
             return program;
-    TNewProgram made;
-    made.Program->Translate(code, count);
-    Programs.push_back(made.Program);
-    return made.Release();
+    // Translation may stop on an assertion.
+    TOwner<TQdxVertexProgram> made(new TQdxVertexProgram);
+    made->Translate(code, count);
+    Programs.push_back(made.Release());
+    return Programs.back();
 }

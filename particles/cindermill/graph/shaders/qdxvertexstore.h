@@ -1,7 +1,7 @@
 #pragma once
 
-#include "library/containers/vector.h"
-#include "particles/cindermill/graph/shaders/qdxvertexinstruction.h"
+#include "library/containers/ownerlist.h"
+#include "particles/cindermill/graph/shaders/vertexinstruction.h"
 
 class TQdxVertexProgram;
 
@@ -12,10 +12,8 @@ class TQdxVertexStore
 public:
     static constexpr int NumSlots = 544;
 
-    TQdxVertexStore() = default;
+    TQdxVertexStore();
     ~TQdxVertexStore();
-    TQdxVertexStore(const TQdxVertexStore&) = delete;
-    TQdxVertexStore& operator=(const TQdxVertexStore&) = delete;
 
     // The one store of the program.
     static TQdxVertexStore& Get();
@@ -36,5 +34,5 @@ private:
     int LoadSlot = 0;
     int StartSlot = 0;
     TQdxVertexProgram* Current = nullptr;
-    vector<TQdxVertexProgram*> Programs;
+    TOwnerList<TQdxVertexProgram> Programs;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/wimp/gl/device/rendertexture.h"
+#include "library/wimp/gl/device/rendertextureinstance.h"
 #include "library/wimp/gl/renderobject.h"
 
 // A small picture of a texture in the texture's shape, or an empty frame. Takes no hits.

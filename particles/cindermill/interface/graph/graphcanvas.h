@@ -11,7 +11,8 @@ class TPort;
 class TToolNode;
 
 // What all nodes and edges of a graph lie on. Runs the drags of nodes, edges and sizes, as the framework's
-// mouse drag, and ends each with one operation.
+// mouse drag. One that changes the effect ends with one operation; one that leaves it as it was ends with
+// none, as does every drag of a size, which is the view's alone.
 class TGraphCanvas : public TRegistered<TGraphCanvas, TRenderObjects>, public TMouseDrag
 {
 public:
@@ -27,7 +28,7 @@ public:
     void OnMouseMove(double x, double y, int buttons) override;
     void OnCaptureLost() override { CancelDrag(); }
 
-    // Deletes the selection, or ends a drag.
+    // Delete and Backspace delete the selection, Escape takes a running drag back. False for any other key.
     bool OnKey(int key);
     // Drags the node's lower right corner.
     void BeginResize(TNodeObj& node, const TVector2& grab);

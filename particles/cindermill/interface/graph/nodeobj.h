@@ -14,8 +14,10 @@ class TNodeType;
 class TToolEdge;
 class TToolNode;
 
-// A node in the graph view. Turns clicks into selection, drags, bypassing, opening and closing; every change
-// is an operation of the document.
+// A node in the graph view. Turns clicks into selection, drags, bypassing, opening and closing. Only what
+// changes the effect is an operation of the document: bypassing here, and what a drag does in the canvas. The
+// selection is the document's without one; whether the node is open, and its size, are the view's and are not
+// saved.
 class TNodeObj : public TRegistered<TNodeObj, TRenderObjects>
 {
 public:

@@ -1,5 +1,6 @@
 #include "particles/cindermill/main/animation/animation.h"
 
+#include "library/containers/ownerlist.h"
 #include "library/maths/matrix43.h"
 #include "library/maths/quaternion.h"
 #include "library/maths/scalar.h"
@@ -226,19 +227,6 @@ float ToDegrees(float radians)
     return static_cast<float>(static_cast<double>(radians) / DegreesToRadians);
 }
 
-// Deletes what GetAnimation gave out when the process ends.
-class TAnimationCache
-{
-public:
-    ~TAnimationCache()
-    {
-        for (TAnimation* animation : Animations)
-            delete animation;
-    }
-
-    vector<TAnimation*> Animations;
-};
-
 } // namespace
 
 TVector4 TAnimChannel::Evaluate(float t) const
@@ -292,15 +280,15 @@ void TAnimation::Evaluate(float t, unsigned mask, float* out) const
         out[3 + c] = ToDegrees(angles[c]);
 }
 
-static TAnimationCache& GetCache()
+static TOwnerList<TAnimation>& GetCache()
 {
-    static TAnimationCache cache;
+    static TOwnerList<TAnimation> cache;
     return cache;
 }
 
 TAnimation* FindLoadedAnimation(const char* path)
 {
-    for (TAnimation* animation : GetCache().Animations)
+    for (TAnimation* animation : GetCache())
         if (animation->GetFileName().Compare(path) == 0)
             return animation;
     return nullptr;
@@ -310,11 +298,9 @@ TAnimation* GetAnimation(const char* path)
 {
     if (TAnimation* loaded = FindLoadedAnimation(path))
         return loaded;
-    TAnimation* animation = new TAnimation;
-    if (!animation->Load(path)) {
-        delete animation;
+    TOwner<TAnimation> animation(new TAnimation);
+    if (!animation->Load(path))
         return nullptr;
-    }
-    GetCache().Animations.push_back(animation);
-    return animation;
+    GetCache().push_back(animation.Release());
+    return GetCache().back();
 }

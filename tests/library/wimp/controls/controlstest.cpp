@@ -6,7 +6,7 @@
 #include "library/wimp/controls/listbox.h"
 #include "library/wimp/controls/numberedit.h"
 #include "library/wimp/controls/splitwindow.h"
-#include "library/wimp/controls/treecontrol.h"
+#include "library/wimp/controls/tree.h"
 #include "library/wimp/controls/wimpdialogsize.h"
 #include "support/windowtest.h"
 
@@ -420,7 +420,7 @@ TEST_F(TControlTest, AnchoredControlsKeepTheirDistances)
 
 TEST_F(TControlTest, ATreeHoldsItemsBelowItems)
 {
-    TTreeControl tree;
+    TTree tree;
     ASSERT_TRUE(tree.Create(&Window, 30, "tree"));
     const QTreeWidget* widget = qobject_cast<QTreeWidget*>(tree.GetHandle());
     TTreeItem* forces = tree.Add("Forces");
@@ -444,7 +444,7 @@ TEST_F(TControlTest, ATreeHoldsItemsBelowItems)
 
 TEST_F(TControlTest, ATreeReportsASelectionAsCode11)
 {
-    TTreeControl tree;
+    TTree tree;
     ASSERT_TRUE(tree.Create(&Window, 30, "tree"));
     EXPECT_EQ(tree.GetSelection(), nullptr);
     TTreeItem* first = tree.Add("first");
@@ -464,8 +464,8 @@ TEST_F(TControlTest, ATreeReportsASelectionAsCode11)
 
 TEST_F(TControlTest, ATreesItemsAreItsOwnAndNeverBelowThemselves)
 {
-    TTreeControl tree;
-    TTreeControl other;
+    TTree tree;
+    TTree other;
     ASSERT_TRUE(tree.Create(&Window, 1, "tree"));
     ASSERT_TRUE(other.Create(&Window, 2, "other"));
     TTreeItem* parent = tree.Add("parent");

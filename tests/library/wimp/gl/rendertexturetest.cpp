@@ -2,8 +2,8 @@
 #include "support/testsupport.h"
 
 #include "library/containers/image/image.h"
-#include "library/wimp/gl/device/rendertexture.h"
 #include "library/wimp/gl/device/rendertexturecache.h"
+#include "library/wimp/gl/device/rendertextureinstance.h"
 #include "library/wimp/gl/glcontext.h"
 
 #include <GL/glew.h>

@@ -73,6 +73,17 @@ TEST_F(TBatch, NoCommandIsAUsageError)
     EXPECT_EQ(0u, Lines(outcome.Err).at(1).find("usage: cindermill-batch"));
 }
 
+TEST_F(TBatch, EveryCommandStandsInItsDescription)
+{
+    const std::string description = ReadBytes(SourcePath("docs/batch.md"));
+    const std::vector<std::string> usage = Lines(Run("").Err);
+    ASSERT_GT(usage.size(), 2u);
+    for (size_t i = 2; i < usage.size(); ++i) {
+        const std::string command = Fields(usage[i].substr(4), ' ').at(0);
+        EXPECT_NE(description.find("\n| `" + command), std::string::npos) << command;
+    }
+}
+
 TEST_F(TBatch, WrongCommandLinesAreUsageErrors)
 {
     const char* lines[] = {"nonsense",

@@ -1,129 +1,9 @@
-#include "support/fakehost.h"
-#include "support/testapp.h"
+#include "commandsfixture.h"
 
 #include "library/system/clock.h"
 #include "library/system/file.h"
-#include "library/system/message.h"
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
-#include "particles/cindermill/graph/operations/addgraphnodeop.h"
-#include "particles/cindermill/graph/operations/bypassflagop.h"
-#include "particles/cindermill/graph/operations/tooledge.h"
-#include "particles/cindermill/graph/operations/toolnode.h"
-#include "particles/cindermill/main/displayerrors.h"
 #include "particles/cindermill/main/settingsstore.h"
-
-#include <deque>
-#include <filesystem>
-#include <sys/stat.h>
-
-namespace {
-
-const char* const OpenEffect = "open Select load path|*.effect|*.effect|*.*|*.*";
-const char* const SaveEffect = "save Select save path|*.effect|*.effect|*.*|*.*";
-const char* const SaveEfx = "save Select export path|*.efx|*.efx|*.*|*.*";
-
-// What the forms showed and asked. Questions that no answer was laid out for are answered with Cancel.
-struct TShown
-{
-    TNames Messages;
-    TNames Questions;
-    TNames Errors;
-    std::deque<bool> Answers;
-};
-
-TShown Shown;
-
-class Commands : public testing::Test
-{
-protected:
-    Commands() : App(&Host)
-    {
-        Shown = TShown();
-        SetMessageForms([](const char* text) { Shown.Messages.push_back(text); },
-                        [](const char* text) {
-                            Shown.Questions.push_back(text);
-                            if (Shown.Answers.empty())
-                                return false;
-                            const bool answer = Shown.Answers.front();
-                            Shown.Answers.pop_front();
-                            return answer;
-                        });
-        SetDisplayErrors([](const char* title, const TErrorList&) { Shown.Errors.push_back(title); });
-    }
-    ~Commands() override
-    {
-        const vector<TDocument*> documents = App.Get().GetDocuments();
-        for (TDocument* document : documents) {
-            Host.Answer = MA_NO;
-            App.Get().CloseDocument(document);
-        }
-        SetMessageForms(nullptr, nullptr);
-        SetDisplayErrors(nullptr);
-    }
-
-    std::string Path(const std::string& leaf) const { return App.Path(leaf); }
-    static std::string Kept(std::string path)
-    {
-        for (char& c : path)
-            c = c == '/' ? '\\' : c;
-        return path;
-    }
-    static TFakeHost& HostOf(TDocument& document) { return *static_cast<TFakeHost*>(document.GetHost()); }
-    TDocument& Newest() const { return **(App.Get().GetDocuments().end() - 1); }
-    int NumDocuments() const { return App.Get().GetDocuments().size(); }
-    // As the views of a document do when they are clicked.
-    void Activate(TDocument& document) { App.Get().SetActiveDocWindow(AView(), &document); }
-    static TDocWindow* AView()
-    {
-        static int view;
-        return reinterpret_cast<TDocWindow*>(&view);
-    }
-    static TWindow* AWindow()
-    {
-        static int window;
-        return reinterpret_cast<TWindow*>(&window);
-    }
-    TDocument& New()
-    {
-        EXPECT_TRUE(App.Get().NewDocument());
-        Activate(Newest());
-        return Newest();
-    }
-    TToolNode* Add(TDocument& document, const char* type = "Age")
-    {
-        TAddGraphNodeOp* op = new TAddGraphNodeOp(document, App.Type(type), 10, 20);
-        document.ApplyOperation(op);
-        return op->GetNode();
-    }
-    std::string EffectFile(const std::string& leaf)
-    {
-        TDocument document(App.Get());
-        EXPECT_TRUE(document.New());
-        Add(document);
-        EXPECT_TRUE(document.SaveAs(Path(leaf).c_str()));
-        return Path(leaf);
-    }
-    TNames Recent() const
-    {
-        TNames result;
-        for (const TString& path : App.Get().GetSettings().GetRecentFiles())
-            result.push_back(path.Print());
-        return result;
-    }
-    // Leads to a file of the kernel's: read-only for the superuser too, and so it stays.
-    std::string LockedForever(const std::string& leaf)
-    {
-        std::filesystem::create_symlink("/proc/self/stat", Path(leaf));
-        return Path(leaf);
-    }
-    void MakeReadOnly(const std::string& path) { ASSERT_EQ(chmod(path.c_str(), 0444), 0); }
-
-    TQuiet Quiet;
-    TFakeAppHost Host;
-    mutable TTestApp App;
-};
-
-} // namespace
 
 TEST_F(Commands, NewAppendsADocumentAndAddsNoRecentEntry)
 {
@@ -196,209 +76,6 @@ TEST_F(Commands, UntilSomethingWasChosenTheOpenDialogBeginsInTheSamples)
     Host.Choice = "";
     App.Get().OpenDocumentDialog();
     EXPECT_EQ(Host.Taken(), TNames{OpenEffect});
-}
-
-TEST_F(Commands, SaveOfADocumentWithoutPathIsSaveAs)
-{
-    TDocument& document = New();
-    Add(document);
-    Host.Choice = Path("new");
-    EXPECT_TRUE(App.Get().Save(document));
-    EXPECT_EQ(Host.Taken(), (TNames{SaveEffect, "recent 1"}));
-    EXPECT_EQ(Text(document.GetPath()), Path("new.effect"));
-    EXPECT_TRUE(FileExists(Path("new.effect").c_str()));
-    EXPECT_EQ(Recent(), TNames{Kept(Path("new.effect"))});
-    EXPECT_FALSE(document.IsModified());
-    Add(document);
-    EXPECT_TRUE(App.Get().Save(document));
-    EXPECT_EQ(Host.Taken(), TNames{"recent 1"});
-    EXPECT_FALSE(document.IsModified());
-    EXPECT_TRUE(Shown.Messages.empty());
-    EXPECT_TRUE(Shown.Questions.empty());
-}
-
-TEST_F(Commands, SaveAsCancelledSavesNothing)
-{
-    TDocument& document = New();
-    Add(document);
-    EXPECT_FALSE(App.Get().SaveAs(document));
-    EXPECT_TRUE(document.IsModified());
-    EXPECT_TRUE(Recent().empty());
-}
-
-TEST_F(Commands, SaveAsWithANameThatHoldsAPointAddsNoExtension)
-{
-    TDocument& document = New();
-    Host.Choice = Path("my.fx");
-    EXPECT_TRUE(App.Get().SaveAs(document));
-    EXPECT_EQ(Text(document.GetPath()), Path("my.fx"));
-    std::filesystem::create_directory(Path("v1.2"));
-    Host.Choice = Path("v1.2/plain");
-    EXPECT_TRUE(App.Get().SaveAs(document));
-    EXPECT_EQ(Text(document.GetPath()), Path("v1.2/plain.effect"));
-}
-
-TEST_F(Commands, SaveAsAsksBeforeItOverwrites)
-{
-    TDocument& document = New();
-    Add(document);
-    WriteBytes(Path("a.effect"), "old");
-    Host.Choice = Path("a");
-    EXPECT_FALSE(App.Get().SaveAs(document));
-    EXPECT_EQ(Shown.Questions, TNames{Path("a.effect") + " exists. Overwrite?"});
-    EXPECT_EQ(ReadBytes(Path("a.effect")), "old");
-    EXPECT_TRUE(Recent().empty());
-    Shown.Answers = {true};
-    EXPECT_TRUE(App.Get().SaveAs(document));
-    EXPECT_NE(ReadBytes(Path("a.effect")), "old");
-}
-
-TEST_F(Commands, AReadOnlyFileIsUnlockedOnDemand)
-{
-    TDocument& document = New();
-    Host.Choice = Path("a.effect");
-    ASSERT_TRUE(App.Get().SaveAs(document));
-    Add(document);
-    const std::string before = ReadBytes(Path("a.effect"));
-    MakeReadOnly(Path("a.effect"));
-    EXPECT_FALSE(App.Get().Save(document));
-    EXPECT_EQ(Shown.Questions, TNames{Path("a.effect") + " is locked. Unlock and overwrite?"});
-    EXPECT_EQ(ReadBytes(Path("a.effect")), before);
-    EXPECT_TRUE(document.IsModified());
-    Shown.Answers = {true};
-    EXPECT_TRUE(App.Get().Save(document));
-    EXPECT_NE(ReadBytes(Path("a.effect")), before);
-    EXPECT_FALSE(document.IsModified());
-}
-
-TEST_F(Commands, SaveAsOntoAReadOnlyFileAsksBothQuestions)
-{
-    TDocument& document = New();
-    WriteBytes(Path("a.effect"), "old");
-    MakeReadOnly(Path("a.effect"));
-    Host.Choice = Path("a.effect");
-    Shown.Answers = {true, false};
-    EXPECT_FALSE(App.Get().SaveAs(document));
-    EXPECT_EQ(Shown.Questions, (TNames{Path("a.effect") + " exists. Overwrite?",
-                                       Path("a.effect") + " is locked. Unlock and overwrite?"}));
-    EXPECT_EQ(ReadBytes(Path("a.effect")), "old");
-    Shown.Answers = {true, true};
-    EXPECT_TRUE(App.Get().SaveAs(document));
-    EXPECT_NE(ReadBytes(Path("a.effect")), "old");
-}
-
-TEST_F(Commands, AFileThatCannotBeUnlockedIsNotSaved)
-{
-    const std::string locked = LockedForever("a.effect");
-    TDocument& document = New();
-    Host.Choice = locked;
-    Shown.Answers = {true, true};
-    EXPECT_FALSE(App.Get().SaveAs(document));
-    EXPECT_EQ(Shown.Messages, TNames{"Unlock of " + locked + " failed. Cannot save."});
-    EXPECT_TRUE(Recent().empty());
-}
-
-TEST_F(Commands, AFileOfAnotherUsersCannotBeUnlocked)
-{
-    TDocument& document = New();
-    Host.Choice = Path("foreign.effect");
-    std::filesystem::create_symlink(MakeForeignFile(Path("")), Host.Choice);
-    const std::string before = ReadBytes(Host.Choice);
-    Shown.Answers = {true, true};
-    {
-        const TNobody nobody;
-        EXPECT_FALSE(App.Get().SaveAs(document));
-    }
-    EXPECT_EQ(Shown.Messages, TNames{"Unlock of " + Host.Choice + " failed. Cannot save."});
-    EXPECT_EQ(ReadBytes(Host.Choice), before);
-    EXPECT_TRUE(Recent().empty());
-}
-
-TEST_F(Commands, AnEffectThatWouldNotOpenAgainIsNotSavedAndOfferedAnotherName)
-{
-    App.Get().OpenDocument(EffectFile("a.effect").c_str());
-    TDocument& document = Newest();
-    const std::string good = ReadBytes(Path("a.effect"));
-    Add(document, "Wind")->GetNodeType()->Colour = 9;
-    Host.Taken();
-    EXPECT_TRUE(App.Get().Save(document));
-    EXPECT_EQ(Shown.Questions,
-              TNames{Path("a.effect") +
-                     " was not written, as it could not be opened again: Node \"Wind\": "
-                     "\"Wind\" has an unknown colour. What the file held before is untouched, and "
-                     "the effect is not saved. Write it as it is under another name?"});
-    EXPECT_EQ(ReadBytes(Path("a.effect")), good);
-    EXPECT_TRUE(document.IsModified());
-    // Nothing is written over a file.
-    Shown.Answers.push_back(true);
-    Host.Choice = EffectFile("other.effect");
-    const std::string other = ReadBytes(Path("other.effect"));
-    EXPECT_TRUE(App.Get().Save(document));
-    EXPECT_EQ(Shown.Messages,
-              TNames{Path("other.effect") + " exists and was left as it is. The effect is not saved."});
-    EXPECT_EQ(ReadBytes(Path("other.effect")), other);
-    Shown.Answers.push_back(true);
-    Host.Choice = Path("kept");
-    EXPECT_TRUE(App.Get().Save(document));
-    EXPECT_TRUE(std::filesystem::exists(Path("kept.effect")));
-    EXPECT_EQ(Shown.Messages.size(), 1u);
-    EXPECT_TRUE(document.IsModified());
-    EXPECT_EQ(Text(document.GetPath()), Path("a.effect"));
-    EXPECT_EQ(ReadBytes(Path("a.effect")), good);
-    // What was written is all there, and says itself why it does not open.
-    EXPECT_FALSE(App.Get().OpenDocument(Path("kept.effect").c_str()));
-    EXPECT_EQ(Shown.Messages.back(),
-              Path("kept.effect") + " cannot be opened: Node \"Wind\": \"Wind\" has an unknown colour");
-}
-
-TEST_F(Commands, WhatALoadMendedIsShownInOneList)
-{
-    {
-        TDocument document(App.Get());
-        document.New();
-        Add(document, "Random Value")->GetNodeType()->GetOutput(0).LinkInput = 7;
-        ASSERT_TRUE(document.SaveUnchecked(Path("a.effect").c_str()));
-    }
-    EXPECT_TRUE(App.Get().OpenDocument(Path("a.effect").c_str()));
-    EXPECT_EQ(Shown.Errors, TNames{"Load errors"});
-    EXPECT_TRUE(Newest().IsModified());
-    EXPECT_TRUE(App.Get().Save(Newest()));
-    EXPECT_TRUE(App.Get().OpenDocument(Path("a.effect").c_str()));
-    EXPECT_EQ(Shown.Errors.size(), 1u);
-    EXPECT_TRUE(Shown.Messages.empty());
-}
-
-TEST_F(Commands, AFailedWriteIsToldReportsTrueAndLeavesTheDocumentModified)
-{
-    TDocument& document = New();
-    Add(document);
-    Host.Choice = Path("nowhere/at/all.effect");
-    EXPECT_TRUE(App.Get().SaveAs(document));
-    ASSERT_EQ(Shown.Messages.size(), 1u);
-    EXPECT_NE(Shown.Messages[0].find(Path("nowhere/at/all.effect")), std::string::npos);
-    EXPECT_TRUE(document.IsModified());
-    EXPECT_TRUE(document.GetPath().IsEmpty());
-    EXPECT_EQ(Recent(), TNames{Kept(Path("nowhere/at/all.effect"))});
-}
-
-TEST_F(Commands, AFolderThatHasGoneFailsTheSaveOfTheSamePath)
-{
-    std::filesystem::create_directory(Path("gone"));
-    TDocument& document = New();
-    Host.Choice = Path("gone/a.effect");
-    ASSERT_TRUE(App.Get().SaveAs(document));
-    Add(document);
-    std::filesystem::remove_all(Path("gone"));
-    EXPECT_TRUE(App.Get().Save(document));
-    EXPECT_EQ(Shown.Messages.size(), 1u);
-    EXPECT_TRUE(document.IsModified());
-    // Closing with Yes must not lose what could not be written.
-    Host.Answer = MA_YES;
-    App.Get().CloseDocument(&document);
-    EXPECT_EQ(NumDocuments(), 1);
-    App.Get().ExitRequest();
-    for (const std::string& event : Host.Taken())
-        EXPECT_NE(event, "quit");
 }
 
 TEST_F(Commands, APathDifferingOnlyInCaseReplacesTheRecentEntryAndIsTheNewest)
@@ -498,12 +175,6 @@ TEST_F(Commands, CommandsWithoutADocumentDoNothing)
     EXPECT_FALSE(App.Get().OnMenu(1));
 }
 
-TEST_F(Commands, TheOptionsNeedNoDocument)
-{
-    EXPECT_TRUE(App.Get().OnMenu(40210));
-    EXPECT_EQ(Host.Taken(), TNames{"options"});
-}
-
 TEST_F(Commands, TheMenusReachTheApplicationAndItsWindows)
 {
     EXPECT_TRUE(App.Get().OnMenu(57600));
@@ -593,150 +264,6 @@ TEST_F(Commands, NodesTravelBetweenDocumentsByTheClipboard)
     EXPECT_EQ(static_cast<TToolNode*>(second.GetGraph()->GetNode(0))->GetX(), emitter->GetX() + 10);
     EXPECT_EQ(static_cast<TToolNode*>(second.GetGraph()->GetNode(2))->GetX(), emitter->GetX() + 20);
     EXPECT_EQ(static_cast<TToolNode*>(second.GetGraph()->GetNode(2))->GetY(), emitter->GetY() + 20);
-}
-
-TEST_F(Commands, CloseOfAnUnchangedDocumentAsksNothing)
-{
-    TDocument& document = New();
-    App.Get().CloseDocument(&document);
-    EXPECT_EQ(NumDocuments(), 0);
-    EXPECT_EQ(App.Get().GetActiveDocument(), nullptr);
-    EXPECT_EQ(App.Get().GetActiveDocWindow(), nullptr);
-    EXPECT_EQ(Host.Taken(), TNames{});
-}
-
-TEST_F(Commands, CloseLeavesAnotherActiveDocumentActive)
-{
-    TDocument& first = New();
-    TDocument& second = New();
-    App.Get().CloseDocument(&first);
-    EXPECT_EQ(App.Get().GetActiveDocument(), &second);
-    EXPECT_EQ(App.Get().GetDocuments()[0], &second);
-}
-
-TEST_F(Commands, CloseOfAModifiedDocumentAsks)
-{
-    TDocument& document = New();
-    Add(document);
-    Host.Answer = MA_CANCEL;
-    App.Get().CloseDocument(&document);
-    EXPECT_EQ(Host.Taken(), TNames{"modified|<unsaved document>"});
-    ASSERT_EQ(NumDocuments(), 1);
-    // Yes, then Cancel in the chooser.
-    Host.Answer = MA_YES;
-    App.Get().CloseDocument(&document);
-    EXPECT_EQ(Host.Taken(), (TNames{"modified|<unsaved document>", SaveEffect}));
-    ASSERT_EQ(NumDocuments(), 1);
-    Host.Choice = Path("a");
-    App.Get().CloseDocument(&document);
-    EXPECT_EQ(NumDocuments(), 0);
-    EXPECT_TRUE(FileExists(Path("a.effect").c_str()));
-}
-
-TEST_F(Commands, CloseWithNoDropsTheWork)
-{
-    TDocument& document = New();
-    Host.Choice = Path("a");
-    App.Get().SaveAs(document);
-    const std::string before = ReadBytes(Path("a.effect"));
-    Add(document);
-    Host.Taken();
-    Host.Answer = MA_NO;
-    App.Get().CloseDocument(&document);
-    EXPECT_EQ(Host.Taken(), TNames{"modified|" + Path("a.effect")});
-    EXPECT_EQ(NumDocuments(), 0);
-    EXPECT_EQ(ReadBytes(Path("a.effect")), before);
-}
-
-TEST_F(Commands, CloseOfADocumentThatIsNotOpenAsserts)
-{
-    TDocument document(App.Get());
-    document.New();
-    EXPECT_EQ(AssertionOf([&] { App.Get().CloseDocument(&document); }), "it != Documents.end()");
-}
-
-TEST_F(Commands, WhatIsBeingTypedIsEnteredBeforeItCounts)
-{
-    TDocument& document = New();
-    Add(document);
-    const int ids[] = {MI_SAVE, MI_SAVEAS, MI_EXPORT, MI_UNDO, MI_REDO, MI_CUT, MI_COPY, MI_PASTE, MI_EXIT};
-    for (const int id : ids) {
-        const int before = Host.NumInputEnds;
-        App.Get().OnMenu(id);
-        EXPECT_EQ(Host.NumInputEnds, before + 1) << id;
-    }
-    const int before = Host.NumInputEnds;
-    App.Get().OnMenu(MI_NEWVIEW);
-    EXPECT_EQ(Host.NumInputEnds, before);
-    App.Get().CloseDocument(&document);
-    EXPECT_EQ(Host.NumInputEnds, before + 1);
-}
-
-TEST_F(Commands, WhatIsEnteredByAnUndoIsWhatItTakesBack)
-{
-    TDocument& document = New();
-    TToolNode* node = Add(document);
-    bool entered = false;
-    Host.OnEndInput = [&] {
-        if (!entered)
-            document.ApplyOperation(new TBypassFlagOp(node, true));
-        entered = true;
-    };
-    const int steps = document.GetOperationStack()->GetNumOperations();
-    App.Get().OnMenu(MI_UNDO);
-    Host.OnEndInput = nullptr;
-    EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), steps + 1);
-    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 1);
-    EXPECT_FALSE(node->GetNodeType()->IsBypassed());
-}
-
-TEST_F(Commands, ExitWithoutChangesQuitsAtOnce)
-{
-    New();
-    App.Get().ExitRequest();
-    EXPECT_EQ(Host.Taken(), TNames{"quit"});
-    EXPECT_EQ(NumDocuments(), 1);
-}
-
-TEST_F(Commands, ExitWithAModifiedNeverSavedDocumentOffersItAndYesRunsSaveAsWhoseCancelCancelsTheExit)
-{
-    Add(New());
-    Host.Answer = MA_YES;
-    App.Get().ExitRequest();
-    EXPECT_EQ(Host.Taken(), (TNames{"beep", "modified|<unsaved document>", SaveEffect}));
-    Host.Choice = Path("a");
-    App.Get().ExitRequest();
-    EXPECT_EQ(Host.Taken(), (TNames{"beep", "modified|<unsaved document>", SaveEffect, "recent 1", "quit"}));
-}
-
-TEST_F(Commands, ExitWithNoSavesNothingAndCancelStays)
-{
-    Add(New());
-    Host.Answer = MA_CANCEL;
-    App.Get().ExitRequest();
-    EXPECT_EQ(Host.Taken(), (TNames{"beep", "modified|<unsaved document>"}));
-    Host.Answer = MA_NO;
-    App.Get().ExitRequest();
-    EXPECT_EQ(Host.Taken(), (TNames{"beep", "modified|<unsaved document>", "quit"}));
-    EXPECT_TRUE(Newest().IsModified());
-}
-
-TEST_F(Commands, ExitStopsAtTheFirstDocumentThatIsNotSavedAndKeepsThoseThatAre)
-{
-    TDocument& first = New();
-    Host.Choice = Path("a");
-    App.Get().SaveAs(first);
-    Add(first);
-    New();
-    Add(New());
-    Host.Choice = "";
-    Host.Taken();
-    Host.Answer = MA_YES;
-    App.Get().ExitRequest();
-    EXPECT_EQ(Host.Taken(), (TNames{"beep", "modified|" + Path("a.effect") + "|<unsaved document>",
-                                    "recent 1", SaveEffect}));
-    EXPECT_FALSE(first.IsModified());
-    EXPECT_TRUE(Newest().IsModified());
 }
 
 TEST_F(Commands, ExportNeedsASchedule)
@@ -896,4 +423,45 @@ TEST_F(Commands, NodeTypesAreFoundFromAnywhere)
     std::filesystem::current_path(before);
     App.Get().GetSettings().SetNodeTypesDirectory("NoSuchNodeTypes");
     EXPECT_FALSE(App.Get().FindNodeTypesDirectory(path));
+}
+
+TEST_F(Commands, TheOptionsNeedNoDocument)
+{
+    EXPECT_TRUE(App.Get().OnMenu(40210));
+    EXPECT_EQ(Host.Taken(), TNames{"options"});
+}
+
+TEST_F(Commands, WhatIsBeingTypedIsEnteredBeforeItCounts)
+{
+    TDocument& document = New();
+    Add(document);
+    const int ids[] = {MI_SAVE, MI_SAVEAS, MI_EXPORT, MI_UNDO, MI_REDO, MI_CUT, MI_COPY, MI_PASTE, MI_EXIT};
+    for (const int id : ids) {
+        const int before = Host.NumInputEnds;
+        App.Get().OnMenu(id);
+        EXPECT_EQ(Host.NumInputEnds, before + 1) << id;
+    }
+    const int before = Host.NumInputEnds;
+    App.Get().OnMenu(MI_NEWVIEW);
+    EXPECT_EQ(Host.NumInputEnds, before);
+    App.Get().CloseDocument(&document);
+    EXPECT_EQ(Host.NumInputEnds, before + 1);
+}
+
+TEST_F(Commands, WhatIsEnteredByAnUndoIsWhatItTakesBack)
+{
+    TDocument& document = New();
+    TToolNode* node = Add(document);
+    bool entered = false;
+    Host.OnEndInput = [&] {
+        if (!entered)
+            document.ApplyOperation(new TBypassFlagOp(node, true));
+        entered = true;
+    };
+    const int steps = document.GetOperationStack()->GetNumOperations();
+    App.Get().OnMenu(MI_UNDO);
+    Host.OnEndInput = nullptr;
+    EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), steps + 1);
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 1);
+    EXPECT_FALSE(node->GetNodeType()->IsBypassed());
 }

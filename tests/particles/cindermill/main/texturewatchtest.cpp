@@ -5,6 +5,7 @@
 #include "library/containers/image/image.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
+#include "library/wimp/gl/device/rendertextureinstance.h"
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/nameparamop.h"

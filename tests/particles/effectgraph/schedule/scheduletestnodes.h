@@ -2,7 +2,7 @@
 
 #include "support/testgraph.h"
 
-#include "particles/effectgraph/schedule/schedule.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
 
 // The kinds of node that the tests of the schedule are made of.
 

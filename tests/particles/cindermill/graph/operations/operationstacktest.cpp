@@ -83,6 +83,19 @@ TEST(TOperation, EveryClassIsRegisteredBelowItUnderItsName)
     EXPECT_EQ(GetClassParent(FindClassByName("TOperationStack")), TChunk::ClassId());
 }
 
+// A class that is in no list is not in the program either, so what is asked here is the document's table.
+TEST(TOperation, EveryRegisteredClassStandsInTheDescriptionOfTheFile)
+{
+    TFakeDocument doc;
+    const std::string description = ReadBytes(SourcePath("docs/effect-file.md"));
+    for (int id = 0; id < GetNumClasses(); ++id) {
+        const std::string name = GetClassName(id);
+        if (GetClassParent(id) == TOperation::ClassId() && name.find("Test") == std::string::npos) {
+            EXPECT_NE(description.find("`" + name + "`"), std::string::npos) << name;
+        }
+    }
+}
+
 TEST(TOperationStack, ApplyAddsTheOperationAndDoesIt)
 {
     std::string calls;

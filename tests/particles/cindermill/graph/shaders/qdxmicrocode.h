@@ -2,7 +2,7 @@
 
 #include "library/containers/string.h"
 #include "particles/cindermill/graph/shaders/qdxfragmentprogram.h"
-#include "particles/cindermill/graph/shaders/qdxvertexinstruction.h"
+#include "particles/cindermill/graph/shaders/vertexinstruction.h"
 
 #include <cstdint>
 #include <string>

@@ -1,5 +1,5 @@
 #include "library/containers/nametocrc.h"
-#include "library/wimp/gl/device/rendertexture.h"
+#include "library/wimp/gl/device/rendertextureinstance.h"
 #include "library/wimp/gl/glcontext.h"
 #include "particles/cindermill/graph/shaders/qdxfragmentprogram.h"
 #include "particles/cindermill/graph/shaders/qdxshader.h"

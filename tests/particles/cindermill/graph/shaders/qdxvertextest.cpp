@@ -1,7 +1,7 @@
-#include "particles/cindermill/graph/shaders/qdxswizzle.h"
 #include "particles/cindermill/graph/shaders/qdxvertexprogram.h"
 #include "particles/cindermill/graph/shaders/qdxvertexranges.h"
 #include "particles/cindermill/graph/shaders/qdxvertexstore.h"
+#include "particles/cindermill/graph/shaders/swizzletext.h"
 #include "qdxmicrocode.h"
 #include "support/testsupport.h"
 

@@ -1,4 +1,4 @@
-#include "particles/cindermill/graph/shaders/qdxvertexinstruction.h"
+#include "particles/cindermill/graph/shaders/vertexinstruction.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "particles/effectgraph/schedule/schedule.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
 
 #include "particles/effectgraph/error.h"
 #include "particles/effectgraph/schedule/schedulebuilder.h"

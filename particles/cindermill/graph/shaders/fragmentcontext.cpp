@@ -1,7 +1,8 @@
-#include "particles/cindermill/graph/shaders/qdxfragmenttranslator.h"
+#include "particles/cindermill/graph/shaders/fragmentcontext.h"
 
+#include "library/containers/append.h"
 #include "library/containers/log.h"
-#include "particles/cindermill/graph/shaders/qdxswizzle.h"
+#include "particles/cindermill/graph/shaders/swizzletext.h"
 
 #include <bit>
 
@@ -89,9 +90,7 @@ bool TFragmentContext::ReadCode(const uint8_t* microcode, int size)
             ++Size;
         }
         isLast = instruction.IsLast();
-        if (Code.size() == Code.capacity())
-            Code.reserve(2 * Code.size() + 8);
-        Code.push_back(instruction);
+        Append(Code, instruction);
     }
     return true;
 }
@@ -106,10 +105,7 @@ void TFragmentContext::AddConstantRef(const uint8_t* literal, uint32_t offset)
         ref.Value[i] = std::bit_cast<float>(word);
         ref.Raw[i] = std::rotl(word, 16);
     }
-    vector<TConstantRef>& refs = Program.ConstantRefs;
-    if (refs.size() == refs.capacity())
-        refs.reserve(2 * refs.size() + 8);
-    refs.push_back(ref);
+    Append(Program.ConstantRefs, ref);
 }
 
 void TFragmentContext::WriteText()
@@ -183,10 +179,7 @@ void TFragmentContext::WriteTextureRead()
     if (NeedsMapping && Current.ReadsTemporary(0))
         read.Flags |= FL_TextureReadMapped | static_cast<uint32_t>(Map.GetSource(CurrentIndex, 0))
                                                  << TextureReadRegisterShift;
-    vector<TTextureRead>& reads = Program.TextureReads;
-    if (reads.size() == reads.capacity())
-        reads.reserve(2 * reads.size() + 8);
-    reads.push_back(read);
+    Append(Program.TextureReads, read);
     // A variant's fix-up line names it, and may be the only line that does.
     if (Current.ReadsTemporary(0)) {
         TString name;

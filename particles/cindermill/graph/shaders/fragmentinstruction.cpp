@@ -1,4 +1,4 @@
-#include "particles/cindermill/graph/shaders/qdxfragmentinstruction.h"
+#include "particles/cindermill/graph/shaders/fragmentinstruction.h"
 
 #include "library/containers/log.h"
 

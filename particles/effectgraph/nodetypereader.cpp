@@ -1,53 +1,8 @@
-#include "particles/effectgraph/nodetype.h"
-#include "particles/effectgraph/owned.h"
+#include "particles/effectgraph/nodetypereader.h"
+
+#include "library/containers/owner.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/xmltext.h"
-
-// Reads one node type file into a new type.
-class TNodeTypeReader
-{
-public:
-    TNodeTypeReader(TNodeType& type, TXmlFile& xml, TErrorList& errors, const char* path)
-        : Type(type), Xml(xml), Errors(errors), Path(path)
-    {
-    }
-    bool Read();
-
-private:
-    bool ReadHead();
-    bool ReadCategory();
-    bool ReadFlagsAndColour();
-    bool ReadSections();
-    bool ReadParameters(vector<TNodeParameter*>& result, bool areInputs);
-    bool ReadOutputs();
-    bool ReadOutput(int type);
-    bool ReadPolytypeOutput(TOutputPort& output);
-    void ReadValidTypes(TOutputPort& output);
-    bool ResolveOutputLinks();
-    bool CheckInputLinks();
-    bool ReadUserType(const TOutputPort& output);
-    bool ReadCode();
-    bool ReadInterfaces();
-
-    // The text of the element just found, closed again; an element that cannot be read counts as missing.
-    bool ReadText(TString& text, const char* missing)
-    {
-        return ReadElement(Xml, Errors, Path, text, missing, missing);
-    }
-    bool Fail(const char* message) { return AddXmlError(Xml, Errors, Path, message); }
-    template <class... TArgs>
-    bool Fail(const char* format, TArgs... args)
-    {
-        return AddXmlError(Xml, Errors, Path, format, args...);
-    }
-
-    TNodeType& Type;
-    TXmlFile& Xml;
-    TErrorList& Errors;
-    const char* Path;
-    // By output: the name of the output that it follows, looked up when all are known.
-    vector<TString> OutputLinks;
-};
 
 static constexpr const char* TypeTags[TY_NUMTYPES] = {"Scalar", "Scale",     "Vector3",       "Quaternion",
                                                       "Colour", "Transform", "TextureCoords", "Polytype"};
@@ -55,9 +10,9 @@ static constexpr const char* TypeTags[TY_NUMTYPES] = {"Scalar", "Scale",     "Ve
 bool TNodeTypeReader::Read()
 {
     if (!Xml.FindTag("node"))
-        return Fail("Node type file missing node tag");
+        return File.Fail("Node type file missing node tag");
     if (Xml.IsEmptyTag())
-        return Fail("Node type file missing name tag");
+        return File.Fail("Node type file missing name tag");
     return ReadHead() && ReadFlagsAndColour() && ReadSections();
 }
 
@@ -67,17 +22,17 @@ bool TNodeTypeReader::ReadHead()
     static constexpr const char* BadDescription = "Error file reading description tag";
     static constexpr const char* Names[] = {"description", "type"};
     if (!Xml.FindTag("name"))
-        return Fail(MissingName);
+        return File.Fail(MissingName);
     if (!ReadText(Type.Name, MissingName))
         return false;
     int found = Xml.FindAnyTagFromHere(2, Names);
     if (found == -1)
-        return Fail("Node type file missing description/type tags");
+        return File.Fail("Node type file missing description/type tags");
     if (found == 0) {
         if (!ReadText(Type.Description, BadDescription))
             return false;
         if (!Xml.FindTagFromHere("type"))
-            return Fail("Node type file missing type tag");
+            return File.Fail("Node type file missing type tag");
     }
     return ReadCategory();
 }
@@ -91,7 +46,7 @@ bool TNodeTypeReader::ReadCategory()
     while (category < TU_NUMUSAGES && text.Compare(GetUsageName(category)) != 0)
         ++category;
     if (category == TU_NUMUSAGES)
-        return Fail("Unknown node type %s", QuoteText(text).Print());
+        return File.Fail("Unknown node type %s", QuoteText(text).Print());
     Type.Category = category;
     return true;
 }
@@ -109,7 +64,7 @@ bool TNodeTypeReader::ReadFlagsAndColour()
     while (true) {
         const int found = Xml.FindAnyTagFromHere(NumFlags + 1 - step, Names + step);
         if (found == -1)
-            return Fail(Missing);
+            return File.Fail(Missing);
         step += found;
         if (step == NumFlags)
             break;
@@ -123,7 +78,7 @@ bool TNodeTypeReader::ReadFlagsAndColour()
     while (colour < NumColours && text.Compare(Colours[colour]) != 0)
         ++colour;
     if (colour == NumColours)
-        return Fail("Unknown colour %s in node type file", QuoteText(text).Print());
+        return File.Fail("Unknown colour %s in node type file", QuoteText(text).Print());
     Type.Colour = colour;
     return true;
 }
@@ -143,7 +98,7 @@ bool TNodeTypeReader::ReadSections()
     while (true) {
         const int found = Xml.FindAnyTagFromHere(NUM_SECTIONS - section, Names + section);
         if (found == -1)
-            return Fail("Node type file missing parameter/inputs/outputs/code section(s)");
+            return File.Fail("Node type file missing parameter/inputs/outputs/code section(s)");
         section += found;
         if (section == SECTION_CODE)
             return CheckInputLinks() && ReadCode();
@@ -167,13 +122,14 @@ bool TNodeTypeReader::ReadParameters(vector<TNodeParameter*>& result, bool areIn
 {
     while (true) {
         TNodeParameter* parameter = nullptr;
-        if (!ParseParameter(Xml, Errors, parameter, Path, areInputs))
+        if (!ParseParameter(File, parameter, areInputs))
             return false;
         if (parameter == nullptr)
             return true;
         result.push_back(parameter);
         if (result.size() > TNodeType::MaxPorts)
-            return Fail("More than %d parameters, inputs or outputs in node type file", TNodeType::MaxPorts);
+            return File.Fail("More than %d parameters, inputs or outputs in node type file",
+                             TNodeType::MaxPorts);
     }
 }
 
@@ -184,13 +140,14 @@ bool TNodeTypeReader::ReadOutputs()
         if (type == -1)
             return ResolveOutputLinks();
         if (Type.Outputs.size() == TNodeType::MaxPorts)
-            return Fail("More than %d parameters, inputs or outputs in node type file", TNodeType::MaxPorts);
+            return File.Fail("More than %d parameters, inputs or outputs in node type file",
+                             TNodeType::MaxPorts);
         if (Xml.IsEmptyTag())
-            return Fail("Output port missing name tag in node type file");
+            return File.Fail("Output port missing name tag in node type file");
         if (!ReadOutput(type))
             return false;
         if (!Xml.LeaveTag())
-            return Fail("Output port missing end tag in node type file");
+            return File.Fail("Output port missing end tag in node type file");
     }
 }
 
@@ -199,14 +156,13 @@ bool TNodeTypeReader::ReadOutput(int type)
     TOutputPort output;
     output.Type = type;
     if (!Xml.FindTag("name"))
-        return Fail("Output port missing name tag in node type file");
-    if (!ReadElement(Xml, Errors, Path, output.Name, "Failed to read output port name tag in node type file",
-                     "Output port missing name tag end in node type file"))
+        return File.Fail("Output port missing name tag in node type file");
+    if (!File.ReadElement(output.Name, "Failed to read output port name tag in node type file",
+                          "Output port missing name tag end in node type file"))
         return false;
     if (Xml.FindTagFromHere("Description") &&
-        !ReadElement(Xml, Errors, Path, output.Description,
-                     "Failed to read output port description tag in node type file",
-                     "Output port missing description tag end in node type file"))
+        !File.ReadElement(output.Description, "Failed to read output port description tag in node type file",
+                          "Output port missing description tag end in node type file"))
         return false;
     OutputLinks.push_back(TString());
     if (type == TY_POLYTYPE) {
@@ -236,7 +192,7 @@ bool TNodeTypeReader::ReadPolytypeOutput(TOutputPort& output)
     while (true) {
         const int found = Xml.FindAnyTagFromHere(3 - step, Names + step);
         if (found == -1)
-            return Fail(missing.Print());
+            return File.Fail(missing.Print());
         step += found;
         if (step == 2)
             break;
@@ -246,12 +202,12 @@ bool TNodeTypeReader::ReadPolytypeOutput(TOutputPort& output)
         if (step == 0) {
             output.LinkInput = Type.FindInput(link);
             if (output.LinkInput == -1)
-                return Fail("Polytype input link %s not found in list of input ports",
-                            QuoteText(link).Print());
+                return File.Fail("Polytype input link %s not found in list of input ports",
+                                 QuoteText(link).Print());
         } else {
             if (link.Compare(output.Name) == 0)
-                return Fail("Polytype output from port %s cannot be to the same port!",
-                            QuoteText(output.Name).Print());
+                return File.Fail("Polytype output from port %s cannot be to the same port!",
+                                 QuoteText(output.Name).Print());
             OutputLinks.back() = link;
         }
         ++step;
@@ -260,7 +216,7 @@ bool TNodeTypeReader::ReadPolytypeOutput(TOutputPort& output)
     if (!isEmpty)
         ReadValidTypes(output);
     if (output.ValidTypes == 0)
-        return Fail("Polytype output port %s has no valid types", QuoteText(output.Name).Print());
+        return File.Fail("Polytype output port %s has no valid types", QuoteText(output.Name).Print());
     if (!isEmpty)
         Xml.LeaveTag();
     return true;
@@ -290,9 +246,9 @@ bool TNodeTypeReader::ResolveOutputLinks()
         TOutputPort& output = Type.Outputs[i];
         output.LinkOutput = Type.FindOutput(OutputLinks[i]);
         if (output.LinkOutput == -1)
-            return Fail("Polytype output %s output link %s not found",
-                        QuoteText(output.Name, NameLimit).Print(),
-                        QuoteText(OutputLinks[i], NameLimit).Print());
+            return File.Fail("Polytype output %s output link %s not found",
+                             QuoteText(output.Name, NameLimit).Print(),
+                             QuoteText(OutputLinks[i], NameLimit).Print());
     }
     return true;
 }
@@ -308,11 +264,13 @@ bool TNodeTypeReader::CheckInputLinks()
         const TString& linkInput = polytype.GetLinkInput();
         const TString& linkOutput = polytype.GetLinkOutput();
         if (!linkInput.IsEmpty() && Type.FindInput(linkInput) == -1)
-            return Fail("Polytype input %s input link %s not found",
-                        QuoteText(input->Name, NameLimit).Print(), QuoteText(linkInput, NameLimit).Print());
+            return File.Fail("Polytype input %s input link %s not found",
+                             QuoteText(input->Name, NameLimit).Print(),
+                             QuoteText(linkInput, NameLimit).Print());
         if (!linkOutput.IsEmpty() && Type.FindOutput(linkOutput) == -1)
-            return Fail("Polytype input %s output link %s not found",
-                        QuoteText(input->Name, NameLimit).Print(), QuoteText(linkOutput, NameLimit).Print());
+            return File.Fail("Polytype input %s output link %s not found",
+                             QuoteText(input->Name, NameLimit).Print(),
+                             QuoteText(linkOutput, NameLimit).Print());
     }
     return true;
 }
@@ -332,7 +290,7 @@ bool TNodeTypeReader::ReadUserType(const TOutputPort& output)
     float floats[MaxValueFloats] = {0, 0, 0, 0, 0, 0};
     if (Xml.FindTag("defaultvalue")) {
         TString text;
-        if (!GetElementText(Xml, Errors, Path, text, MissingEnd))
+        if (!File.GetText(text, MissingEnd))
             return false;
         if (output.Type == TY_SCALAR)
             floats[0] = text.ToFloat();
@@ -340,19 +298,19 @@ bool TNodeTypeReader::ReadUserType(const TOutputPort& output)
             vector<TString> pieces;
             text.Split(pieces, ',');
             if (pieces.size() != GetTypeFloats(output.Type))
-                return Fail(BadCounts[output.Type], pieces.size());
+                return File.Fail(BadCounts[output.Type], pieces.size());
             for (int i = 0; i < pieces.size(); ++i)
                 floats[i] = pieces[i].ToFloat();
         }
-        if (!LeaveElement(Xml, Errors, Path, MissingEnd))
+        if (!File.Leave(MissingEnd))
             return false;
     }
-    TOwned<TNodeParameter> parameter(CreateNodeParameter(output.Type));
+    TOwner<TNodeParameter> parameter(CreateNodeParameter(output.Type));
     parameter->Name = output.Name;
     parameter->Description = output.Description;
     static_cast<TNodeValueParameter*>(parameter.Get())->SetValue(floats);
     if (Type.Parameters.size() == TNodeType::MaxPorts)
-        return Fail("More than %d parameters, inputs or outputs in node type file", TNodeType::MaxPorts);
+        return File.Fail("More than %d parameters, inputs or outputs in node type file", TNodeType::MaxPorts);
     Type.Parameters.push_back(parameter.Release());
     return true;
 }
@@ -362,7 +320,7 @@ bool TNodeTypeReader::ReadCode()
     static constexpr const char* Missing = "Node type file missing classname tag in code section";
     static constexpr const char* Names[] = {"displayclass", "interface"};
     if (Xml.IsEmptyTag() || !Xml.FindTag("classname"))
-        return Fail(Missing);
+        return File.Fail(Missing);
     if (!ReadText(Type.ClassName, Missing))
         return false;
     int found = Xml.FindAnyTagFromHere(2, Names);
@@ -381,17 +339,4 @@ bool TNodeTypeReader::ReadInterfaces()
         return false;
     text.Split(Type.Interfaces, ',');
     return true;
-}
-
-bool TNodeType::LoadXml(const char* path, TErrorList& errors)
-{
-    TXmlFile xml;
-    if (!xml.OpenRead(path)) {
-        errors.Add(new TError("Could not open node file %s for reading\n", QuoteText(path).Print()));
-        return false;
-    }
-    TNodeTypeReader reader(*this, xml, errors, path);
-    const bool isRead = reader.Read();
-    xml.Close();
-    return isRead;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/ownerlist.h"
 #include "library/containers/sortedmap.h"
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
@@ -13,27 +14,28 @@ class TTreeItem
 public:
     const TString& GetText() const { return Text; }
     TTreeItem* GetParent() const { return Parent; }
-    const vector<TTreeItem*>& GetChildren() const { return Children; }
+    const vector<TTreeItem*>& GetChildren() const { return Children.Get(); }
     // Whether the item is this one or stands anywhere below it.
     bool HasChild(const TTreeItem* item) const;
 
 private:
-    friend class TTreeControl;
+    friend class TTree;
+    friend class TOwner<TTreeItem>;
+    friend class TOwnerList<TTreeItem>;
     TTreeItem() = default;
-    ~TTreeItem();
+    ~TTreeItem() = default;
 
     TString Text;
     TTreeItem* Parent = nullptr;
-    vector<TTreeItem*> Children;
+    TOwnerList<TTreeItem> Children;
     QTreeWidgetItem* Control = nullptr;
 };
 
 // Lines that unfold; reports code 11 with its id when a person selects one. Items that are not the tree's
 // own assert "ValidateItem(item)".
-class TTreeControl : public TWimpControl
+class TTree : public TWimpControl
 {
 public:
-    ~TTreeControl() override;
     bool Create(TWindow* owner, int id, const char* name);
     // Under a parent, or as a root.
     TTreeItem* Add(const char* text, TTreeItem* parent = nullptr);
@@ -46,16 +48,17 @@ public:
     // Asserts "it != ControlMap.end()".
     TTreeItem* GetSelection() const;
     void Expand(TTreeItem* item, bool expanded);
-    const vector<TTreeItem*>& GetRoots() const { return Roots; }
+    const vector<TTreeItem*>& GetRoots() const { return Roots.Get(); }
     int GetId() const { return Id; }
 
 private:
     bool ValidateItem(const TTreeItem* item) const;
     void Insert(TTreeItem* item, TTreeItem* parent);
-    void Detach(TTreeItem* item);
+    // Gives the item to the caller.
+    [[nodiscard]] TTreeItem* Detach(TTreeItem* item);
     void Forget(TTreeItem* item);
 
     sortedmap<QTreeWidgetItem*, TTreeItem*> ControlMap;
-    vector<TTreeItem*> Roots;
+    TOwnerList<TTreeItem> Roots;
     int Id = 0;
 };

@@ -1,4 +1,4 @@
-#include "library/wimp/controls/treecontrol.h"
+#include "library/wimp/controls/tree.h"
 
 #include "library/containers/assertion.h"
 #include "library/wimp/windowpeer.h"
@@ -11,12 +11,6 @@ static QTreeWidget* WidgetOf(TWindowHandle handle)
     return qobject_cast<QTreeWidget*>(handle);
 }
 
-TTreeItem::~TTreeItem()
-{
-    for (TTreeItem* child : Children)
-        delete child;
-}
-
 bool TTreeItem::HasChild(const TTreeItem* item) const
 {
     for (; item != nullptr; item = item->Parent)
@@ -25,13 +19,7 @@ bool TTreeItem::HasChild(const TTreeItem* item) const
     return false;
 }
 
-TTreeControl::~TTreeControl()
-{
-    for (TTreeItem* root : Roots)
-        delete root;
-}
-
-bool TTreeControl::Create(TWindow* owner, int id, const char* name)
+bool TTree::Create(TWindow* owner, int id, const char* name)
 {
     if (owner == nullptr || owner->GetHandle() == nullptr)
         return false;
@@ -45,7 +33,7 @@ bool TTreeControl::Create(TWindow* owner, int id, const char* name)
     return true;
 }
 
-bool TTreeControl::ValidateItem(const TTreeItem* item) const
+bool TTree::ValidateItem(const TTreeItem* item) const
 {
     for (const auto& entry : ControlMap)
         if (entry.second == item)
@@ -53,7 +41,7 @@ bool TTreeControl::ValidateItem(const TTreeItem* item) const
     return false;
 }
 
-TTreeItem* TTreeControl::Add(const char* text, TTreeItem* parent)
+TTreeItem* TTree::Add(const char* text, TTreeItem* parent)
 {
     ASSERT_TEXT(parent == nullptr || ValidateItem(parent), "ValidateItem(item)");
     TTreeItem* item = new TTreeItem;
@@ -64,7 +52,7 @@ TTreeItem* TTreeControl::Add(const char* text, TTreeItem* parent)
     return item;
 }
 
-void TTreeControl::Insert(TTreeItem* item, TTreeItem* parent)
+void TTree::Insert(TTreeItem* item, TTreeItem* parent)
 {
     const QSignalBlocker quiet(GetHandle());
     item->Parent = parent;
@@ -77,59 +65,58 @@ void TTreeControl::Insert(TTreeItem* item, TTreeItem* parent)
     }
 }
 
-void TTreeControl::Detach(TTreeItem* item)
+TTreeItem* TTree::Detach(TTreeItem* item)
 {
     const QSignalBlocker quiet(GetHandle());
     if (item->Parent != nullptr) {
         const int at = item->Parent->Children.index_of(item);
         const bool found = at >= 0;
         ASSERT_TEXT(found, "found");
-        item->Parent->Children.erase(item->Parent->Children.begin() + at);
         item->Parent->Control->removeChild(item->Control);
+        item = item->Parent->Children.Release(at);
     } else {
-        TTreeItem** it = Roots.find(item);
-        ASSERT_TEXT(it != Roots.end(), "it != Roots.end()");
-        Roots.erase(it);
+        const int at = Roots.index_of(item);
+        ASSERT_TEXT(at >= 0, "it != Roots.end()");
         QTreeWidget* widget = WidgetOf(GetHandle());
         widget->takeTopLevelItem(widget->indexOfTopLevelItem(item->Control));
+        item = Roots.Release(at);
     }
     item->Parent = nullptr;
+    return item;
 }
 
 // The item and all below it.
-void TTreeControl::Forget(TTreeItem* item)
+void TTree::Forget(TTreeItem* item)
 {
     for (TTreeItem* child : item->Children)
         Forget(child);
     ControlMap.erase(ControlMap.find(item->Control));
 }
 
-void TTreeControl::Remove(TTreeItem* item)
+void TTree::Remove(TTreeItem* item)
 {
     ASSERT_TEXT(ValidateItem(item), "ValidateItem(item)");
-    Detach(item);
+    const TOwner<TTreeItem> removed(Detach(item));
     Forget(item);
     // Takes those of the items below along.
     delete item->Control;
-    delete item;
 }
 
-void TTreeControl::Move(TTreeItem* item, TTreeItem* parent)
+void TTree::Move(TTreeItem* item, TTreeItem* parent)
 {
     ASSERT_TEXT(ValidateItem(item) && (parent == nullptr || ValidateItem(parent)), "ValidateItem(item)");
     ASSERT_TEXT(!item->HasChild(parent), "!item->HasChild(parent)");
-    Detach(item);
-    Insert(item, parent);
+    Insert(Detach(item), parent);
 }
 
-void TTreeControl::SetSelection(TTreeItem* item)
+void TTree::SetSelection(TTreeItem* item)
 {
     ASSERT_TEXT(item == nullptr || ValidateItem(item), "ValidateItem(item)");
     const QSignalBlocker quiet(GetHandle());
     WidgetOf(GetHandle())->setCurrentItem(item != nullptr ? item->Control : nullptr);
 }
 
-TTreeItem* TTreeControl::GetSelection() const
+TTreeItem* TTree::GetSelection() const
 {
     const QTreeWidget* widget = WidgetOf(GetHandle());
     if (widget == nullptr || widget->currentItem() == nullptr)
@@ -139,7 +126,7 @@ TTreeItem* TTreeControl::GetSelection() const
     return it->second;
 }
 
-void TTreeControl::Expand(TTreeItem* item, bool expanded)
+void TTree::Expand(TTreeItem* item, bool expanded)
 {
     ASSERT_TEXT(ValidateItem(item), "ValidateItem(item)");
     item->Control->setExpanded(expanded);

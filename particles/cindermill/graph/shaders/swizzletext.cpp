@@ -1,4 +1,4 @@
-#include "particles/cindermill/graph/shaders/qdxswizzle.h"
+#include "particles/cindermill/graph/shaders/swizzletext.h"
 
 TSwizzleText::TSwizzleText(int swizzle, bool isScalar)
 {
