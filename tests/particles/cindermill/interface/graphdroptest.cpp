@@ -81,7 +81,10 @@ TEST_F(GraphDrop, OnTheControlsOfAnAnimationAFileIsOneThatIsChosen)
 {
     TToolNode* node = AddNode(*Document, "Animation Path", 300, 100);
     TNodeObj& object = *WindowsOf(*Document).GetScene().FindNode(node);
-    object.SetOpen(true);
+    const QPoint button = PixelOf(Graph(), object.GetOrigin() + TVector2(object.GetSize()[0] - 9, 8));
+    Press(Graph(), button);
+    Release(Graph(), button);
+    ASSERT_FALSE(object.IsCollapsed());
     App.Get().OnIdle();
     TNodeExp& panel = object.GetExpanded();
     TNodeParameterControls* group = nullptr;
