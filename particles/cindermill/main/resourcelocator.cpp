@@ -133,7 +133,7 @@ TFindResult TResourceLocator::Find(const char* name, TString& path)
     return FindPath(name, full, path);
 }
 
-bool TResourceLocator::FindQuietly(const char* name, TString& path) const
+bool TResourceLocator::FindKnown(const char* name, TString& path) const
 {
     if (name == nullptr || *name == 0)
         return false;

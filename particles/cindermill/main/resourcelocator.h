@@ -48,7 +48,7 @@ public:
     // Asks the person, where there is a host, for what cannot be found without.
     TFindResult Find(const char* name, TString& path);
     // Where the name is known to lead, without search, dialog or message.
-    bool FindQuietly(const char* name, TString& path) const;
+    bool FindKnown(const char* name, TString& path) const;
     // What could not be found is looked and asked for again: a new round. Until then nobody is asked twice,
     // however many nodes name the file.
     void ForgetMissing();

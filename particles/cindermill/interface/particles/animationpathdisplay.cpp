@@ -52,7 +52,7 @@ void TAnimationPathDisplay::FindAnew()
 void TAnimationPathDisplay::FindLate()
 {
     TString path;
-    if (!TCindermillApp::Get().GetResourceLocator().FindQuietly(FileName, path))
+    if (!TCindermillApp::Get().GetResourceLocator().FindKnown(FileName, path))
         return;
     Animation = Found ? FindLoadedAnimation(path) : GetAnimation(path);
     Found = true;

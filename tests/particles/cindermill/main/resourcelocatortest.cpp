@@ -189,18 +189,18 @@ TEST_F(ResourceLocator, AFileChosenThroughALinkIsFoundAgainByItsLeafName)
 TEST_F(ResourceLocator, WhereANameLeadsIsKnownWithoutASearch)
 {
     TString path;
-    EXPECT_FALSE(Locator.FindQuietly("spark.dds", path));
+    EXPECT_FALSE(Locator.FindKnown("spark.dds", path));
     EXPECT_NE(Find("spark.dds"), "");
-    EXPECT_TRUE(Locator.FindQuietly("SPARK.dds", path));
+    EXPECT_TRUE(Locator.FindKnown("SPARK.dds", path));
     EXPECT_EQ(Text(path), Kept(Path("home/program/near/deep/spark.dds")));
-    EXPECT_FALSE(Locator.FindQuietly("", path));
+    EXPECT_FALSE(Locator.FindKnown("", path));
     SetMode(RM_RELATIVEPATH, Path("home"));
-    EXPECT_TRUE(Locator.FindQuietly("/beside\\smoke.dds", path));
+    EXPECT_TRUE(Locator.FindKnown("/beside\\smoke.dds", path));
     EXPECT_EQ(Text(path), Kept(Path("home/beside/smoke.dds")));
-    EXPECT_FALSE(Locator.FindQuietly("smoke.dds", path));
+    EXPECT_FALSE(Locator.FindKnown("smoke.dds", path));
     SetMode(RM_FULLPATH);
-    EXPECT_TRUE(Locator.FindQuietly(Path("home/beside/smoke.dds").c_str(), path));
-    EXPECT_FALSE(Locator.FindQuietly("smoke.dds", path));
+    EXPECT_TRUE(Locator.FindKnown(Path("home/beside/smoke.dds").c_str(), path));
+    EXPECT_FALSE(Locator.FindKnown("smoke.dds", path));
 }
 
 TEST_F(ResourceLocator, ClimbsToTheParentWhenNothingIsBelow)
