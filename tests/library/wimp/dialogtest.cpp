@@ -213,22 +213,24 @@ TEST_F(TDialogTest, NoIdlePassRunsUnderADialogOverADialog)
     dialog.DoModal(111, nullptr);
 }
 
-// The window system takes a while to make another window the active one.
+// The window system takes a while to make another window the active one, and the dialog that was closed is
+// deleted meanwhile.
 TEST_F(TDialogTest, ADialogDoesNotGoWithTheOneThatWasClosedBefore)
 {
-    TWindowClass windowClass("test_owner");
-    TRecordingWindow owner;
-    ShowTopWindow(owner, windowClass);
-    TTestDialog first;
-    TTestDialog second;
-    Meet([&](QDialog& widget) {
-        widget.activateWindow();
-        EXPECT_TRUE(WaitFor([&widget] { return QApplication::activeWindow() == &widget; }));
-        first.End(DR_OK);
-    });
-    first.DoModal(111, nullptr);
-    Meet([&](QDialog&) { second.End(DR_OK); });
-    EXPECT_EQ(second.DoModal(120, nullptr), DR_OK);
+    QDialog* closed = new QDialog;
+    QApplication::setActiveWindow(closed);
+    ASSERT_EQ(QApplication::activeWindow(), closed);
+    TTestDialog dialog;
+    bool met = false;
+    Once([] { return QApplication::activeModalWidget() != nullptr; },
+         [&] {
+             met = true;
+             EXPECT_NE(QApplication::activeModalWidget()->parentWidget(), closed);
+             dialog.End(DR_OK);
+         });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), DR_OK);
+    EXPECT_TRUE(met);
+    delete closed;
 }
 
 TEST_F(TDialogTest, EscapeIsTheDialogsOwnToAnswer)
