@@ -9,7 +9,11 @@ QWidget* ModalParent()
 {
     if (QWidget* modal = QApplication::activeModalWidget())
         return modal;
-    return QApplication::activeWindow();
+    // A dialog that has just been closed may still be the active one, and would take its children along.
+    QWidget* window = QApplication::activeWindow();
+    while (window != nullptr && !window->isVisible())
+        window = window->parentWidget() != nullptr ? window->parentWidget()->window() : nullptr;
+    return window;
 }
 
 QSize GetScreenRoom(const QWidget& window)

@@ -54,3 +54,12 @@ void TButton::TakeReturn(bool isDefault)
     button->setAutoDefault(true);
     button->setDefault(isDefault);
 }
+
+void TButton::FitText()
+{
+    constexpr int Margin = 20;
+    if (GetHandle() != nullptr)
+        GetHandle()->setFixedWidth(
+            GetHandle()->fontMetrics().horizontalAdvance(qobject_cast<QPushButton*>(GetHandle())->text()) +
+            Margin);
+}

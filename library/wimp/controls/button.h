@@ -13,6 +13,8 @@ public:
     void SetPressed(bool pressed);
     // In a dialog: Return presses the button while it has the keys, and the default one wherever they are.
     void TakeReturn(bool isDefault);
+    // No wider than its text needs from now on.
+    void FitText();
     int GetId() const { return Id; }
 
 private:

@@ -94,3 +94,9 @@ void TNumberEdit::EndEdit()
     if (QDoubleSpinBox* field = FieldOf(GetHandle()))
         field->interpretText();
 }
+
+void TNumberEdit::SetReadOnly(bool readOnly)
+{
+    if (QDoubleSpinBox* field = FieldOf(GetHandle()))
+        field->setReadOnly(readOnly);
+}

@@ -16,6 +16,8 @@ public:
     void SetDecimals(int decimals);
     void SetValue(float value);
     float GetValue() const;
+    // Whether only the program changes it.
+    void SetReadOnly(bool readOnly);
     // What is typed counts now, as when Return is pressed.
     void EndEdit();
     int GetId() const { return Id; }

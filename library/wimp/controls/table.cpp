@@ -11,6 +11,10 @@ constexpr int SmallestColumn = 16;
 constexpr int TextMargin = 4;
 // So close to a border it is meant.
 constexpr int BorderReach = 3;
+// A press on an arrow of the bar, and a notch of the wheel.
+constexpr int SideStep = 20;
+constexpr int SideStepsANotch = 3;
+constexpr int Notch = 120;
 constexpr TGDIColour White = 0xFFFFFF;
 constexpr TGDIColour LineColour = 0xE0E0E0;
 
@@ -74,22 +78,37 @@ void TTable::Create(TWindow* owner, TTableProvider& provider, int flags)
                 "0 : Failed to create label window");
     ASSERT_TEXT(Main.Create(*this, MainClass, &TTable::OnMain, true),
                 "0 : Failed to create table main window");
+    Bar.Create(this, 0, "table_bar");
     Refresh();
     Layout();
 }
 
+// What is to be scrolled in one direction leaves less room in the other.
 void TTable::Layout()
 {
     if (Main.GetHandle() == nullptr)
         return;
+    Place(false);
+    int width = 0;
+    int height = 0;
+    Main.GetSize(width, height);
+    if (GetAllColumns() > width)
+        Place(true);
+}
+
+void TTable::Place(bool withBar)
+{
     int width = 0;
     int height = 0;
     GetSize(width, height);
+    const int foot = RowHeight + (withBar ? Bar.GetHeight() : 0);
     const int right = width > LabelWidth ? width - LabelWidth : 0;
-    const int below = height > RowHeight ? height - RowHeight : 0;
+    const int below = height > foot ? height - foot : 0;
     Header.MoveTo(LabelWidth, 0, right, RowHeight);
     Labels.MoveTo(0, RowHeight, LabelWidth, below);
     Main.MoveTo(LabelWidth, RowHeight, right, below);
+    Bar.MoveTo(LabelWidth, RowHeight + below, right, Bar.GetHeight());
+    Bar.Show(withBar);
     SetScroll();
 }
 
@@ -99,6 +118,22 @@ void TTable::SetScroll()
     int height = 0;
     Main.GetSize(width, height);
     Main.SetScrollRange(Provider->GetNumRows() * RowHeight, height, RowHeight);
+    Main.GetSize(width, height);
+    Bar.SetRange(GetAllColumns(), width, SideStep);
+}
+
+void TTable::ScrollSideways(int pixels)
+{
+    Bar.SetPosition(GetFirstPixel() + pixels);
+    RedrawCells();
+}
+
+void TTable::OnCommand(TWimpControl* control, intptr_t argument, int code)
+{
+    if (control == &Bar)
+        RedrawCells();
+    else
+        TWindow::OnCommand(control, argument, code);
 }
 
 void TTable::Refresh()
@@ -109,8 +144,7 @@ void TTable::Refresh()
     while (Widths.size() > columns)
         Widths.pop_back();
     DraggedColumn = -1;
-    if (Main.GetHandle() != nullptr)
-        SetScroll();
+    Layout();
     RedrawCells();
 }
 
@@ -124,6 +158,7 @@ void TTable::RedrawCells()
 void TTable::SetColumnWidth(int column, int width)
 {
     Widths[column] = width > SmallestColumn ? width : SmallestColumn;
+    Layout();
     RedrawCells();
 }
 
@@ -167,7 +202,7 @@ int TTable::FindBorder(int x) const
 {
     // Of two that are close, the one further right can be dragged away from the other.
     for (int i = Widths.size() - 1; i >= 0; --i) {
-        const int distance = x - GetColumnEnd(i);
+        const int distance = x + GetFirstPixel() - GetColumnEnd(i);
         if (distance >= -BorderReach && distance <= BorderReach)
             return i;
     }
@@ -232,7 +267,6 @@ bool TTable::OnLabels(const TMessage& message)
 
 bool TTable::OnMain(const TMessage& message)
 {
-    constexpr int Notch = 120;
     constexpr int RowsANotch = 3;
     switch (message.Type) {
     case MT_PAINT:
@@ -240,6 +274,10 @@ bool TTable::OnMain(const TMessage& message)
             DrawCells(*message.Context);
         return true;
     case MT_WHEEL:
+        if ((message.KeyFlags & KF_SHIFT) != 0) {
+            ScrollSideways(-message.Delta * SideStepsANotch * SideStep / Notch);
+            return true;
+        }
         Main.SetScrollPosition(Main.GetScrollPosition() - message.Delta * RowsANotch * RowHeight / Notch);
         RedrawCells();
         return true;
@@ -253,7 +291,7 @@ bool TTable::OnMain(const TMessage& message)
 
 void TTable::DrawHeader(TGDIContext& context) const
 {
-    int left = 0;
+    int left = -GetFirstPixel();
     for (int i = 0; i < Widths.size(); ++i) {
         TString text;
         Provider->GetHeader(i, text);
@@ -280,7 +318,7 @@ void TTable::DrawCells(TGDIContext& context) const
     context.SetPen(LineColour);
     for (int row = 0; row < count; ++row) {
         const int top = row * RowHeight;
-        int left = 0;
+        int left = -GetFirstPixel();
         for (int column = 0; column < Widths.size(); ++column) {
             TString text;
             Provider->GetCell(first + row, column, text);

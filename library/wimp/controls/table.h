@@ -1,11 +1,12 @@
 #pragma once
 
 #include "library/containers/string.h"
+#include "library/wimp/controls/scrollbar.h"
 #include "library/wimp/wimp.h"
 #include "library/wimp/window.h"
 
-// What a table shows. Rows and columns are counted from 0.
-class TTableProvider
+                    // What a table shows. Rows and columns are counted from 0.
+                    class TTableProvider
 {
 public:
     virtual ~TTableProvider() = default;
@@ -18,6 +19,8 @@ public:
 };
 
 // A grid that is scrolled: a row of headers on top, a column of labels at the left, the cells between them.
+// Columns that are wider together than the grid are scrolled sideways, with their headers, by a bar below or
+// by the wheel with Shift.
 class TTable : public TWindow, public TMouseDrag
 {
 public:
@@ -40,10 +43,13 @@ public:
     int GetColumnWidth(int column) const;
     // The first row that is to be seen.
     int GetFirstRow() const;
+    // How far the columns are scrolled sideways, in pixels.
+    int GetFirstPixel() const { return Bar.GetPosition(); }
     bool OnMessage(const TMessage& message) override;
     // The border of a column.
     void OnMouseMove(double x, double y, int buttons) override;
     void OnCaptureLost() override { DraggedColumn = -1; }
+    void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
 
 private:
     class TPane : public TWindow
@@ -59,7 +65,10 @@ private:
     };
 
     void Layout();
+    void Place(bool withBar);
     void SetScroll();
+    void ScrollSideways(int pixels);
+    int GetAllColumns() const { return GetColumnEnd(Widths.size() - 1); }
     bool OnHeader(const TMessage& message);
     bool OnLabels(const TMessage& message);
     bool OnMain(const TMessage& message);
@@ -78,6 +87,7 @@ private:
     TPane Header;
     TPane Labels;
     TPane Main;
+    TScrollBar Bar;
     // The column that is being dragged wider, or -1; where its border was taken hold of.
     int DraggedColumn = -1;
     int GrabOffset = 0;

@@ -134,6 +134,129 @@ TEST_F(TDialogTest, ClosingADialogIsCode0AndCancelsIt)
     EXPECT_EQ(dialog.GetHandle(), nullptr);
 }
 
+namespace {
+
+// Counts its idle passes.
+class TCountingApp : public TWimpApp
+{
+public:
+    TCountingApp()
+    {
+        TWimp::Get().SetApp(this);
+        TWimp::Get().SetIdle(true);
+    }
+    ~TCountingApp() override
+    {
+        TWimp::Get().SetIdle(false);
+        TWimp::Get().ClearApp();
+    }
+    void OnIdle() override { ++Passes; }
+    int Passes = 0;
+};
+
+class TIdleDialog : public TTestDialog
+{
+public:
+    void OnIdle() override { ++NumIdles; }
+    int NumIdles = 0;
+};
+
+class TEscapingDialog : public TTestDialog
+{
+public:
+    void OnEscape() override { End(9); }
+    TRecordingWindow Inside;
+
+protected:
+    bool OnInit() override
+    {
+        TWindowParams params;
+        params.Owner = this;
+        return Inside.Create(params);
+    }
+};
+
+} // namespace
+
+TEST_F(TDialogTest, IdlePassesGoOnWhileADialogWaits)
+{
+    TCountingApp app;
+    TIdleDialog dialog;
+    Once([&] { return dialog.NumIdles >= 5; }, [&] { dialog.End(DR_OK); });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), DR_OK);
+    EXPECT_GE(app.Passes, 5);
+    // Where they are switched off there are none.
+    TWimp::Get().SetIdle(false);
+    const int before = app.Passes;
+    int turns = 0;
+    Once([&] { return ++turns > 5; }, [&] { dialog.End(DR_OK); });
+    dialog.DoModal(111, nullptr);
+    EXPECT_EQ(app.Passes, before);
+}
+
+TEST_F(TDialogTest, NoIdlePassRunsUnderADialogOverADialog)
+{
+    TCountingApp app;
+    TIdleDialog dialog;
+    vector<TString> lines;
+    TWindowTest::Meet("dialog111", [&](QDialog&) {
+        int turns = 0;
+        int before = 0;
+        TWindowTest::Meet("dialog103", [&](QDialog& list) {
+            before = app.Passes;
+            Once([&] { return ++turns > 10; }, [&] { list.accept(); });
+        });
+        ListDialog(103, "Errors", lines);
+        EXPECT_EQ(app.Passes, before);
+        dialog.End(DR_OK);
+    });
+    dialog.DoModal(111, nullptr);
+}
+
+// The window system takes a while to make another window the active one, and the dialog that was closed is
+// deleted meanwhile.
+TEST_F(TDialogTest, ADialogDoesNotGoWithTheOneThatWasClosedBefore)
+{
+    QDialog* closed = new QDialog;
+    QApplication::setActiveWindow(closed);
+    ASSERT_EQ(QApplication::activeWindow(), closed);
+    TTestDialog dialog;
+    bool met = false;
+    Once([] { return QApplication::activeModalWidget() != nullptr; },
+         [&] {
+             met = true;
+             EXPECT_NE(QApplication::activeModalWidget()->parentWidget(), closed);
+             dialog.End(DR_OK);
+         });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), DR_OK);
+    EXPECT_TRUE(met);
+    delete closed;
+}
+
+TEST_F(TDialogTest, EscapeIsTheDialogsOwnToAnswer)
+{
+    TEscapingDialog dialog;
+    Meet([](QDialog& widget) { QTest::keyClick(&widget, Qt::Key_Escape); });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), 9);
+    // The close box is another matter.
+    Meet([](QDialog& widget) { widget.close(); });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), DR_CANCEL);
+}
+
+TEST_F(TDialogTest, KeysThatAWindowInsideLeavesReachTheDialog)
+{
+    TEscapingDialog dialog;
+    Meet([&](QDialog&) { QTest::keyClick(dialog.Inside.GetHandle(), Qt::Key_Escape); });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), 9);
+    // Those that it takes do not.
+    dialog.Inside.Consumed.push_back(MT_KEYDOWN);
+    Meet([&](QDialog& widget) {
+        QTest::keyClick(dialog.Inside.GetHandle(), Qt::Key_Escape);
+        EXPECT_TRUE(widget.isVisible());
+    });
+    EXPECT_EQ(dialog.DoModal(111, nullptr), DR_CANCEL);
+}
+
 TEST_F(TDialogTest, ADialogThatCannotFillItselfIsNotShown)
 {
     TTestDialog dialog;

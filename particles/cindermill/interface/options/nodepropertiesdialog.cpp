@@ -230,11 +230,13 @@ void TNodePropertiesDialog::ShowSide(TSide& side, float value)
     side.Edit.SetValue(value);
 }
 
-// What is recorded is not typed over.
 void TNodePropertiesDialog::EnableSides()
 {
-    for (TSide& side : Sides)
-        side.Edit.Enable(StaticBox.GetCheck() && Recorder == nullptr);
+    for (TSide& side : Sides) {
+        side.Edit.Enable(StaticBox.GetCheck());
+        // What is recorded is not typed over.
+        side.Edit.SetReadOnly(Recorder != nullptr);
+    }
 }
 
 void TNodePropertiesDialog::OnCommand(TWimpControl* control, intptr_t argument, int code)

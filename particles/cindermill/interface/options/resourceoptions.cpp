@@ -110,6 +110,7 @@ bool TResourceOptions::CreateControls()
 {
     if (!CreateAll())
         return false;
+    Browse.FitText();
     TOption* const options[] = {&Mode, &Limit, &BasePath, &Update, &NodeTypes};
     for (TOption* option : options)
         AddOption(*option);

@@ -2,9 +2,11 @@
 #include "library/wimp/controls/checkbox.h"
 #include "library/wimp/controls/comboboxcontrol.h"
 #include "library/wimp/controls/edit.h"
+#include "library/wimp/controls/gridlayout.h"
 #include "library/wimp/controls/label.h"
 #include "library/wimp/controls/listbox.h"
 #include "library/wimp/controls/numberedit.h"
+#include "library/wimp/controls/pageframe.h"
 #include "library/wimp/controls/splitwindow.h"
 #include "library/wimp/controls/tree.h"
 #include "library/wimp/controls/wimpdialogsize.h"
@@ -19,6 +21,8 @@
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QTreeWidget>
 
 #include <memory>
@@ -343,6 +347,120 @@ TEST_F(TControlTest, ANumberWithDecimalsIsShownToFourPlaces)
     EXPECT_EQ(widget->text(), QString("-12345.4900"));
     number.SetDecimals(0);
     EXPECT_EQ(widget->text(), QString("-12345"));
+}
+
+TEST_F(TControlTest, ANumberTypedOutsideTheRangeIsBroughtIntoIt)
+{
+    TNumberEdit number;
+    ASSERT_TRUE(number.Create(&Window, 1016, "recent"));
+    number.SetRange(10, 200);
+    number.SetValue(50);
+    const auto type = [&](const char* text) {
+        QTest::keyClick(number.GetHandle(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(number.GetHandle(), text);
+    };
+    type("5000");
+    number.EndEdit();
+    EXPECT_EQ(number.GetValue(), 200.0f);
+    type("7");
+    QTest::keyClick(number.GetHandle(), Qt::Key_Return);
+    EXPECT_EQ(number.GetValue(), 10.0f);
+    type("-");
+    number.EndEdit();
+    EXPECT_EQ(number.GetValue(), 10.0f);
+    number.SetReadOnly(true);
+    type("99");
+    EXPECT_EQ(number.GetValue(), 10.0f);
+    number.SetValue(99);
+    EXPECT_EQ(number.GetValue(), 99.0f);
+}
+
+TEST_F(TControlTest, AComboBoxMaySelectNothing)
+{
+    TComboBoxControl box;
+    ASSERT_TRUE(box.Create(&Window, 1, "box"));
+    box.AddString("one");
+    box.SetSelection(0);
+    box.ClearSelection();
+    EXPECT_EQ(box.GetSelection(), -1);
+    EXPECT_TRUE(Window.Commands.empty());
+}
+
+TEST_F(TControlTest, AListIsAsWideAsItsLongestLine)
+{
+    TListBox list;
+    ASSERT_TRUE(list.Create(&Window, 1, "list"));
+    list.AddString("a");
+    list.FitLines();
+    const int narrow = list.GetHandle()->width();
+    list.AddString("a much longer line");
+    list.FitLines();
+    EXPECT_GT(list.GetHandle()->width(), narrow + 50);
+}
+
+TEST_F(TControlTest, AGridKeepsItsControlsApartAndAHiddenOnesPlaceFree)
+{
+    TLabel label;
+    TEdit edit;
+    TCheckBox first;
+    TCheckBox second;
+    ASSERT_TRUE(label.Create(&Window, "A label:", "label"));
+    ASSERT_TRUE(edit.Create(&Window, 1, "edit"));
+    ASSERT_TRUE(first.Create(&Window, 2, "One of two", "first"));
+    ASSERT_TRUE(second.Create(&Window, 3, "The other", "second"));
+    TGridLayout grid;
+    grid.Add(label, 0, 0);
+    grid.Add(edit, 0, 1);
+    TGridLayout below;
+    below.Add(first, 0, 0);
+    below.StretchColumn(1);
+    grid.Add(below, 1, 0, 2);
+    grid.Add(second, 2, 0, 2);
+    grid.StretchRow(3);
+    grid.Fill(Window);
+    Settle();
+    const auto place = [](TWimpControl& control) { return control.GetHandle()->geometry(); };
+    EXPECT_GT(place(edit).left(), place(label).right());
+    EXPECT_GE(place(edit).right(), Window.GetHandle()->width() - 20);
+    EXPECT_GT(place(first).top(), place(edit).bottom());
+    const int top = place(second).top();
+    EXPECT_GT(top, place(first).bottom());
+    first.Show(false);
+    Settle();
+    EXPECT_EQ(place(second).top(), top);
+}
+
+TEST_F(TControlTest, APageFrameShowsOnePageAndScrollsWhatDoesNotFit)
+{
+    TPageFrame frame;
+    EXPECT_FALSE(frame.Create(nullptr, "frame"));
+    ASSERT_TRUE(frame.Create(&Window, "frame"));
+    TRecordingWindow pages[2];
+    TLabel labels[2];
+    for (int i = 0; i < 2; ++i) {
+        TWindowParams params;
+        params.Owner = &Window;
+        ASSERT_TRUE(pages[i].Create(params));
+        ASSERT_TRUE(
+            labels[i].Create(&pages[i], i == 0 ? "short" : "a line that is as long as this", "label"));
+        TGridLayout grid;
+        grid.Add(labels[i], 0, 0);
+        grid.Fill(pages[i]);
+        frame.AddPage(pages[i]);
+    }
+    EXPECT_GT(frame.GetHandle()->sizeHint().width(), labels[1].GetHandle()->sizeHint().width());
+    frame.MoveTo(0, 0, 280, 100);
+    Settle();
+    EXPECT_TRUE(pages[0].IsShown());
+    EXPECT_FALSE(pages[1].IsShown());
+    frame.ShowPage(1);
+    EXPECT_FALSE(pages[0].IsShown());
+    EXPECT_TRUE(pages[1].IsShown());
+    const QScrollArea* area = qobject_cast<QScrollArea*>(frame.GetHandle());
+    EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0);
+    frame.MoveTo(0, 0, 80, 100);
+    Settle();
+    EXPECT_GT(area->horizontalScrollBar()->maximum(), 0);
 }
 
 TEST_F(TControlTest, AControlMayGoInItsAnswer)

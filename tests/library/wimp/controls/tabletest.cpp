@@ -118,6 +118,88 @@ TEST_F(TTableTest, ATableWithFewerRowsThanRoomHasNoScrollBar)
     EXPECT_TRUE(Provider.Rows.empty());
 }
 
+// 300 pixels hold three columns and a part of the fourth.
+TEST_F(TTableTest, WideColumnsAreScrolledSideways)
+{
+    Provider.NumColumns = 10;
+    Make(0);
+    QScrollBar* bar = Table.GetHandle()->findChild<QScrollBar*>("table_bar");
+    ASSERT_NE(bar, nullptr);
+    ASSERT_TRUE(bar->isVisible());
+    int width = 0;
+    int height = 0;
+    TWindow::Find(Find("table_main"))->GetSize(width, height);
+    const int column = Table.GetColumnWidth(0);
+    EXPECT_EQ(bar->maximum(), 10 * column - width);
+    // It lies below the cells, over their whole width, and takes none of them away.
+    EXPECT_EQ(bar->geometry().top(), Find("table_main")->geometry().bottom() + 1);
+    EXPECT_EQ(bar->geometry().left(), TTable::LabelWidth);
+    EXPECT_EQ(bar->geometry().bottom(), Table.GetHandle()->height() - 1);
+    EXPECT_EQ(Find("table_label")->height(), Find("table_main")->height());
+    const QImage before = Find("table_main")->grab().toImage();
+    const QImage header = Find("table_header")->grab().toImage();
+    bar->setValue(bar->maximum());
+    EXPECT_EQ(Table.GetFirstPixel(), bar->maximum());
+    EXPECT_NE(Find("table_main")->grab().toImage(), before);
+    EXPECT_NE(Find("table_header")->grab().toImage(), header);
+    // The labels stay where they are, and so do the rows.
+    EXPECT_EQ(Table.GetFirstRow(), 0);
+    bar->setValue(0);
+    EXPECT_EQ(Find("table_main")->grab().toImage(), before);
+}
+
+TEST_F(TTableTest, TheWheelScrollsSidewaysWithShift)
+{
+    Provider.NumColumns = 10;
+    Make(0);
+    TMessage wheel;
+    wheel.Type = MT_WHEEL;
+    wheel.Delta = -120;
+    wheel.KeyFlags = KF_SHIFT;
+    TWindow::Find(Find("table_main"))->OnMessage(wheel);
+    EXPECT_EQ(Table.GetFirstPixel(), 60);
+    EXPECT_EQ(Table.GetFirstRow(), 0);
+    wheel.Delta = 1200;
+    TWindow::Find(Find("table_label"))->OnMessage(wheel);
+    EXPECT_EQ(Table.GetFirstPixel(), 0);
+}
+
+TEST_F(TTableTest, TheBarComesAndGoesWithTheColumns)
+{
+    Make(0);
+    QScrollBar* bar = Table.GetHandle()->findChild<QScrollBar*>("table_bar");
+    EXPECT_FALSE(bar->isVisible());
+    Table.SetColumnWidth(0, 400);
+    EXPECT_TRUE(bar->isVisible());
+    bar->setValue(100);
+    // What is left of the position fits.
+    Table.SetColumnWidth(0, 150);
+    EXPECT_LT(Table.GetFirstPixel(), 100);
+    EXPECT_EQ(Table.GetFirstPixel(), bar->maximum());
+    Provider.NumColumns = 1;
+    Table.Refresh();
+    EXPECT_FALSE(bar->isVisible());
+    EXPECT_EQ(Table.GetFirstPixel(), 0);
+    Provider.NumColumns = 10;
+    Table.Refresh();
+    EXPECT_TRUE(bar->isVisible());
+    Table.MoveTo(0, 0, 1200, 200);
+    Settle();
+    EXPECT_FALSE(bar->isVisible());
+}
+
+TEST_F(TTableTest, ABorderOfAScrolledColumnIsDragged)
+{
+    Provider.NumColumns = 10;
+    Make(TTable::FL_RESIZABLEHEADERS);
+    const int width = Table.GetColumnWidth(1);
+    Table.GetHandle()->findChild<QScrollBar*>("table_bar")->setValue(width);
+    Drag(width, width + 30);
+    EXPECT_EQ(Table.GetColumnWidth(0), width);
+    EXPECT_EQ(Table.GetColumnWidth(1), width + 30);
+    EXPECT_EQ(Table.GetColumnWidth(2), width);
+}
+
 TEST_F(TTableTest, ABorderIsDragged)
 {
     Make(TTable::FL_RESIZABLEHEADERS);

@@ -640,7 +640,7 @@ TEST_F(NodeProperties, RecordGrowsTheBoxOverAllFrames)
         EXPECT_TRUE(Find<QPushButton>(dialog, Record).isChecked());
         EXPECT_EQ(NoteOf(dialog, "recordnote"), "Recording: 1 frame");
         EXPECT_FALSE(Find<QWidget>(dialog, Sample).isEnabled());
-        EXPECT_FALSE(Find<QWidget>(dialog, Sides[0]).isEnabled());
+        EXPECT_TRUE(Find<QDoubleSpinBox>(dialog, Sides[0]).isReadOnly());
         ExpectSides(dialog, {-5, -5, -5, 5, 5, 5});
         places = {4};
         EXPECT_TRUE(shows("Recording: 2 frames"));
@@ -656,7 +656,7 @@ TEST_F(NodeProperties, RecordGrowsTheBoxOverAllFrames)
         EXPECT_EQ(NoteOf(dialog, "recordnote"), "Recorded 4 frames");
         EXPECT_FALSE(Find<QPushButton>(dialog, Record).isChecked());
         EXPECT_TRUE(Find<QWidget>(dialog, Sample).isEnabled());
-        EXPECT_TRUE(Find<QWidget>(dialog, Sides[0]).isEnabled());
+        EXPECT_FALSE(Find<QDoubleSpinBox>(dialog, Sides[0]).isReadOnly());
         places = {100};
         EXPECT_TRUE(Turn([&] { return places.empty(); }));
         ExpectSides(dialog, {-25, -5, -5, 9, 5, 5});
