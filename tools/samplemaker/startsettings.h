@@ -12,5 +12,6 @@ public:
     bool ReadString(const char*, TString&) override { return false; }
     bool WriteInt(const char*, uint32_t) override { return true; }
     bool WriteString(const char*, const char*) override { return true; }
+    void Remove(const char*) override {}
     bool Flush() override { return true; }
 };

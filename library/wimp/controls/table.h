@@ -5,8 +5,8 @@
 #include "library/wimp/wimp.h"
 #include "library/wimp/window.h"
 
-                    // What a table shows. Rows and columns are counted from 0.
-                    class TTableProvider
+// What a table shows. Rows and columns are counted from 0.
+class TTableProvider
 {
 public:
     virtual ~TTableProvider() = default;
