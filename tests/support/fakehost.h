@@ -138,7 +138,12 @@ public:
     void Cascade() override { Events.push_back("cascade"); }
     TWindow* WindowFromPoint(int, int) override { return UnderPoint; }
     void Quit() override { Events.push_back("quit"); }
-    void EndInput() override { ++NumInputEnds; }
+    void EndInput() override
+    {
+        ++NumInputEnds;
+        if (OnEndInput)
+            OnEndInput();
+    }
     TNames Taken()
     {
         TNames result;
@@ -148,6 +153,7 @@ public:
 
     TNames Events;
     int NumInputEnds = 0;
+    std::function<void()> OnEndInput;
     // The next choice; "" is Cancel.
     std::string Choice;
     TModifiedAnswer Answer = MA_CANCEL;

@@ -2,6 +2,7 @@
 
 #include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/controls/controlpaint.h"
+#include "particles/cindermill/interface/controls/fieldwalk.h"
 
 void TClickable::SetEnabled(bool enabled)
 {
@@ -69,6 +70,11 @@ bool TClickable::Event(const TRenderEvent& event)
         if (event.Detail != ' ' || !Enabled)
             return TRenderObject::Event(event);
         OnClick();
+        return true;
+    case RE_KEY:
+        if (event.Detail != KEY_TAB)
+            return TRenderObject::Event(event);
+        WalkFields(*this, (GetKeyFlags() & KF_SHIFT) != 0);
         return true;
     case RE_FOCUSLOST:
         Redraw();

@@ -3,6 +3,7 @@
 #include "library/containers/assertion.h"
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/interface/controls/fieldwalk.h"
 
 namespace {
 
@@ -165,6 +166,10 @@ bool TComboBox::OnKey(const TRenderEvent& event)
             Choose(DropDown.GetMarked());
         else
             DropDown.Open();
+        return true;
+    }
+    if (key == KEY_TAB) {
+        WalkFields(*this, (GetKeyFlags() & KF_SHIFT) != 0);
         return true;
     }
     const int to = FindByKey(key, IsOpen() ? DropDown.GetMarked() : Selection);

@@ -192,14 +192,14 @@ void TComboDropDown::TStripDrag::OnDrag(const TVector2& point, int keyFlags)
 void TComboDropDown::TOpeningDrag::OnDrag(const TVector2& point, int keyFlags)
 {
     (void)keyFlags;
-    Item = List.FindItem(point);
+    Item = List.IsOpen() ? List.FindItem(point) : -1;
     if (Item >= 0)
         List.SetMarked(Item);
 }
 
 void TComboDropDown::TOpeningDrag::OnDragEnd()
 {
-    if (Item >= 0)
+    if (Item >= 0 && List.IsOpen())
         List.Owner.Choose(Item);
 }
 
@@ -210,8 +210,8 @@ void TComboDropDown::Render(TRenderer& renderer)
     for (int row = 0; row < NumRows; ++row) {
         const int item = FirstRow + row;
         const float top = ListBorder + RowHeight * static_cast<float>(row);
-        if (item == Marked) {
-            renderer.SetColour(GetSelectionColour());
+        if (item == Marked || item == Owner.Selection) {
+            renderer.SetColour(item == Marked ? GetSelectionColour() : GetChosenColour());
             renderer.DrawRectangle(TVector2(ListBorder, top), TVector2(right, top + RowHeight));
         }
         DrawControlText(renderer, Owner.Font, TVector2(ListInset, top + GetTextTop(Owner.Font, RowHeight)),
@@ -226,8 +226,9 @@ void TComboDropDown::Render(TRenderer& renderer)
     const float way = static_cast<float>(FirstRow) / (count - static_cast<float>(NumRows));
     const float top = ListBorder + (height - length) * way;
     TControlBox pip;
-    pip.Build(TVector2(right + 1, top), TVector2(Size[0] - ListBorder + 0.5f, top + length), StripWidth * 0.5f);
-    pip.RenderButton(renderer, 0);
+    pip.Build(TVector2(right + 1, top), TVector2(Size[0] - ListBorder + 0.5f, top + length),
+              StripWidth * 0.5f);
+    pip.RenderPip(renderer, Strip.IsRunning() ? CL_PRESSED : 0);
 }
 
 void TComboDropDown::GetBounds(TVector2& min, TVector2& max)

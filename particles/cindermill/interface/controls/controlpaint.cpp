@@ -145,6 +145,13 @@ void TControlBox::RenderGroove(TRenderer& renderer)
     RenderPart(renderer, Face, GrooveFace);
 }
 
+void TControlBox::RenderPip(TRenderer& renderer, int look)
+{
+    const TButtonFace& face = GetButtonFace(look);
+    RenderPart(renderer, Edge, GetEdge(look));
+    RenderPart(renderer, Face, face.Upper);
+}
+
 void TControlBox::RenderList(TRenderer& renderer)
 {
     TRenderPath shadow;
@@ -164,6 +171,11 @@ TVector4 GetControlInk(int look)
 TVector4 GetSelectionColour()
 {
     return SelectionColour;
+}
+
+TVector4 GetChosenColour()
+{
+    return FieldShade;
 }
 
 void DrawControlText(TRenderer& renderer, const TFontInstance& font, const TVector2& place, const char* text,

@@ -29,6 +29,8 @@ public:
     void RenderField(TRenderer& renderer, int look);
     void RenderButton(TRenderer& renderer, int look);
     void RenderGroove(TRenderer& renderer);
+    // What is dragged along a groove.
+    void RenderPip(TRenderer& renderer, int look);
     // A list above everything.
     void RenderList(TRenderer& renderer);
     const TVector2& GetMin() const { return Min; }
@@ -51,6 +53,8 @@ private:
 TVector4 GetControlInk(int look);
 // Behind selected text, and behind the row of a list that the pointer is on.
 TVector4 GetSelectionColour();
+// Behind the row of a list that is chosen.
+TVector4 GetChosenColour();
 // A text with its top left at the place; left out where it is too small to be read, and stronger in a view
 // that is zoomed out.
 void DrawControlText(TRenderer& renderer, const TFontInstance& font, const TVector2& place, const char* text,

@@ -14,37 +14,46 @@ TRenderObject* FindPanel(TRenderObject& object)
     return panel;
 }
 
-void GatherFields(TRenderObject* object, vector<TTextEdit*>& fields)
+// The fields of a panel, and the object among them that the walk begins at.
+struct TWalk
 {
-    if (TTextEdit* field = dynamic_cast<TTextEdit*>(object)) {
-        if (!field->IsReadOnly())
-            fields.push_back(field);
-        return;
+    void Gather(TRenderObject* object)
+    {
+        TTextEdit* field = dynamic_cast<TTextEdit*>(object);
+        if (object == From)
+            NumBefore = Fields.size();
+        else if (field != nullptr && !field->IsReadOnly())
+            Fields.push_back(field);
+        if (TRenderObjects* container = dynamic_cast<TRenderObjects*>(object))
+            for (TRenderObject* child : container->GetObjects())
+                Gather(child);
     }
-    if (TRenderObjects* container = dynamic_cast<TRenderObjects*>(object))
-        for (TRenderObject* child : container->GetObjects())
-            GatherFields(child, fields);
-}
+
+    const TRenderObject* From;
+    vector<TTextEdit*> Fields;
+    int NumBefore = 0;
+};
 
 } // namespace
 
-TTextEdit* FindNextField(TTextEdit& from, bool backwards)
+TTextEdit* FindNextField(TRenderObject& from, bool backwards)
 {
-    vector<TTextEdit*> fields;
-    GatherFields(FindPanel(from), fields);
-    const int at = fields.index_of(&from);
-    const int count = fields.size();
-    if (at < 0 || count < 2)
+    TWalk walk{&from, {}, 0};
+    walk.Gather(FindPanel(from));
+    const int count = walk.Fields.size();
+    if (count == 0)
         return nullptr;
-    return fields[(at + (backwards ? count - 1 : 1)) % count];
+    return walk.Fields[(walk.NumBefore + (backwards ? count - 1 : 0)) % count];
 }
 
-void WalkFields(TTextEdit& from, bool backwards)
+void WalkFields(TRenderObject& from, bool backwards)
 {
     TTextEdit* next = FindNextField(from, backwards);
     if (next == nullptr) {
-        from.SelectAll();
-        from.EndInput();
+        if (TTextEdit* field = dynamic_cast<TTextEdit*>(&from)) {
+            field->SelectAll();
+            field->EndInput();
+        }
         return;
     }
     next->TakeFocus();

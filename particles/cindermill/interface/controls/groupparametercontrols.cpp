@@ -65,6 +65,9 @@ void TNodeGroupParameterControls::Refresh()
         ShowChildren(open);
         PlaceChildren();
     }
+    // After a change of the graph they may show other types.
+    for (TNodeParameterControls* child : Children)
+        child->Refresh();
     TellSize();
 }
 

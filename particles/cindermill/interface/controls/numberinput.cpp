@@ -17,6 +17,12 @@ bool IsSame(double a, double b)
     return a == b || (std::isnan(a) && std::isnan(b));
 }
 
+// Of zero.
+double WithoutSign(double value)
+{
+    return value == 0 ? 0.0 : value;
+}
+
 double Clamp(double value, double min, double max)
 {
     return value < min ? min : value > max ? max : value;
@@ -94,7 +100,7 @@ void TNumberInput::TakeText()
 {
     double typed = 0;
     if (ParseNumber(Edit.GetText().Print(), Float, typed))
-        Value = Clamp(typed, Min, Max);
+        Value = WithoutSign(Clamp(typed, Min, Max));
     Redisplay();
 }
 
@@ -127,7 +133,7 @@ double TNumberInput::GetStepped(double value, double delta) const
     const double round = std::nearbyint(stepped / unit) * unit;
     if (std::fabs(round - stepped) < unit * Slack)
         stepped = round;
-    return Clamp(stepped, Min, Max);
+    return WithoutSign(Clamp(stepped, Min, Max));
 }
 
 void TNumberInput::StepBy(int steps, bool coarse, bool fine)

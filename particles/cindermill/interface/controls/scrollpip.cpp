@@ -72,7 +72,7 @@ void TScrollPip::Render(TRenderer& renderer)
     int look = Hover ? CL_HOVER : 0;
     if (IsDragged())
         look |= CL_PRESSED;
-    Box.RenderButton(renderer, look);
+    Box.RenderPip(renderer, look);
 }
 
 void TScrollPip::GetBounds(TVector2& min, TVector2& max)

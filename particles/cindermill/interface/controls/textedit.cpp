@@ -505,11 +505,15 @@ void TTextEdit::Render(TRenderer& renderer)
     // After a window has got the keyboard back.
     if (keyboard && !ReadOnly)
         AddTick(this);
-    renderer.PushWindow(TVector2(TextInset - 1, 1), Size - TVector2(TextInset - 1, 1));
+    // Clipping costs much more than the text, and most texts have room.
+    const bool clips = GetPlace(Text.Length()) > Size[0] - 2 * TextInset;
+    if (clips)
+        renderer.PushWindow(TVector2(TextInset - 1, 1), Size - TVector2(TextInset - 1, 1));
     RenderMarks(renderer, keyboard);
     DrawControlText(renderer, Font, TVector2(TextInset - Scroll, GetTextTop(Font, Size[1])), Text.Print(),
                     GetControlInk(0));
-    renderer.PopWindow();
+    if (clips)
+        renderer.PopWindow();
 }
 
 // The selection and the caret.

@@ -6,6 +6,7 @@
 #include "library/system/message.h"
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/bypassflagop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/displayerrors.h"
@@ -611,6 +612,40 @@ TEST_F(Commands, CloseOfADocumentThatIsNotOpenAsserts)
     TDocument document(App.Get());
     document.New();
     EXPECT_EQ(AssertionOf([&] { App.Get().CloseDocument(&document); }), "it != Documents.end()");
+}
+
+TEST_F(Commands, WhatIsBeingTypedIsEnteredBeforeItCounts)
+{
+    TDocument& document = New();
+    Add(document);
+    const int ids[] = {MI_SAVE, MI_SAVEAS, MI_EXPORT, MI_UNDO, MI_REDO, MI_CUT, MI_COPY, MI_PASTE, MI_EXIT};
+    for (const int id : ids) {
+        const int before = Host.NumInputEnds;
+        App.Get().OnMenu(id);
+        EXPECT_EQ(Host.NumInputEnds, before + 1) << id;
+    }
+    const int before = Host.NumInputEnds;
+    App.Get().OnMenu(MI_NEWVIEW);
+    EXPECT_EQ(Host.NumInputEnds, before);
+    App.Get().CloseDocument(&document);
+    EXPECT_EQ(Host.NumInputEnds, before + 1);
+}
+
+TEST_F(Commands, WhatIsEnteredByAnUndoIsWhatItTakesBack)
+{
+    TDocument& document = New();
+    TToolNode* node = Add(document);
+    bool entered = false;
+    Host.OnEndInput = [&] {
+        if (!entered)
+            document.ApplyOperation(new TBypassFlagOp(node, true));
+        entered = true;
+    };
+    const int steps = document.GetOperationStack()->GetNumOperations();
+    App.Get().OnMenu(MI_UNDO);
+    EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), steps + 1);
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 1);
+    EXPECT_FALSE(node->GetNodeType()->IsBypassed());
 }
 
 TEST_F(Commands, ExitWithoutChangesQuitsAtOnce)

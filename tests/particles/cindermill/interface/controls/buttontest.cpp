@@ -165,3 +165,15 @@ TEST_F(Buttons, AStaticTextTakesNoHitsAndIsCutAtItsWidth)
     text.SetText("A");
     EXPECT_LT(text.GetSize()[0], 20.0f);
 }
+
+TEST_F(Buttons, ThePointerTellsWhatCanBeClicked)
+{
+    Mouse(MT_MOUSEMOVE, 20, 20);
+    EXPECT_EQ(Host.PointerObject, &Button);
+    EXPECT_EQ(Host.Pointer, PS_HAND);
+    Button.SetEnabled(false);
+    Mouse(MT_MOUSEMOVE, 300, 200);
+    Host.PointerObject = nullptr;
+    Mouse(MT_MOUSEMOVE, 20, 20);
+    EXPECT_EQ(Host.PointerObject, nullptr);
+}

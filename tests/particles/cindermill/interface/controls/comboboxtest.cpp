@@ -300,3 +300,23 @@ TEST_F(ComboBox, AChoiceMayTakeItAway)
     Click(160, RowY(2));
     EXPECT_EQ(combo, nullptr);
 }
+
+TEST_F(ComboBox, AListGoesWithThePanelThatItsComboBoxStandsIn)
+{
+    TPanel inner;
+    TComboBox combo(Host);
+    Fill(combo, 3);
+    combo.SetOrigin(TVector2(150, 20));
+    inner.AddObject(&combo);
+    Panel.AddObject(&inner);
+    Press(160, 29);
+    ASSERT_TRUE(combo.IsOpen());
+    Panel.RemoveObject(&inner);
+    EXPECT_FALSE(combo.IsOpen());
+    // The button that opened it is still held.
+    if (Host.IsDragging())
+        Release(160, RowY(2));
+    EXPECT_EQ(combo.GetSelection(), 1);
+    for (const TRenderEvent& event : inner.Events)
+        EXPECT_NE(event.Code, RE_VALUECHANGED);
+}

@@ -130,8 +130,8 @@ TEST_F(ControlPicture, AllControlsInAllStates)
     Hover(AddNumber(12 + Column, 74, -0.1).GetEdit());
     TNumberInput& pressed = AddNumber(12 + 2 * Column, 74, 1e6);
     AddNumber(12 + 3 * Column, 74, 1).SetReadOnly(true);
-    AddNumber(12, 98, 3.402823466e38);
-    AddNumber(12 + Column, 98, std::numeric_limits<double>::infinity());
+    AddNumber(12, 98, 0).ShowValue(3.402823466e38);
+    AddNumber(12 + Column, 98, 0).ShowValue(std::numeric_limits<double>::infinity());
 
     TTextEdit& name = Add<TTextEdit>(12 + 2 * Column, 98, Host);
     name.Build(TVector2(100, 18));

@@ -1,10 +1,12 @@
 #include "controltest.h"
 
 #include "library/containers/classregistry.h"
+#include "particles/cindermill/interface/controls/combobox.h"
 #include "particles/cindermill/interface/controls/controls.h"
 #include "particles/cindermill/interface/controls/fieldwalk.h"
 #include "particles/cindermill/interface/controls/numberinput.h"
 #include "particles/cindermill/interface/controls/scrollpane.h"
+#include "particles/cindermill/interface/controls/tickbox.h"
 
 namespace {
 
@@ -145,5 +147,23 @@ TEST(ControlClasses, AreKnownByTheirNames)
         ASSERT_NE(id, -1) << name;
         EXPECT_TRUE(IsClassA(id, FindClassByName("TRenderObject"))) << name;
         EXPECT_STREQ(GetClassName(id), name);
+    }
+}
+
+TEST_F(FieldWalk, TabLeadsFromOtherControlsToTheFieldBesideThem)
+{
+    TTickBox tick(Host);
+    tick.Build("Open");
+    TComboBox combo(Host);
+    combo.Build(TVector2(100, 18));
+    Panel.RemoveObject(&Text);
+    Panel.AddObject(&tick);
+    Panel.AddObject(&combo);
+    Panel.AddObject(&Text);
+    for (TRenderObject* object : {static_cast<TRenderObject*>(&tick), static_cast<TRenderObject*>(&combo)}) {
+        TRenderObject::SetFocus(object, &Renderer);
+        EXPECT_EQ(Tab(), &Text);
+        TRenderObject::SetFocus(object, &Renderer);
+        EXPECT_EQ(Tab(KF_SHIFT), &Third.GetEdit());
     }
 }

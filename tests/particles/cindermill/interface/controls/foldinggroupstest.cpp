@@ -106,6 +106,22 @@ TEST_F(FoldingGroups, AChildThatGrowsMovesThoseBelowAndIsToldAbove)
     EXPECT_EQ(NumOps(), 1);
 }
 
+// A change of the graph is told to the groups of a panel, and what it changed need not be the group itself.
+TEST_F(FoldingGroups, ARefreshedGroupRefreshesWhatIsInIt)
+{
+    auto& extras = Make<TNodeGroupParameterControls>("Extras");
+    Click(MiddleOf(extras.GetTickBox()));
+    TNodeScalarParameter other;
+    const float value = 9;
+    other.SetValue(&value);
+    // Without a word to the listeners.
+    Param("Extras.Speed").CopyValue(other);
+    auto& speed = static_cast<TNumberParameterControls&>(*extras.GetChildren()[0]);
+    EXPECT_EQ(Shown(speed, 0), "7.0000");
+    extras.Refresh();
+    EXPECT_EQ(Shown(speed, 0), "9.0000");
+}
+
 TEST_F(FoldingGroups, AHiddenFieldHasNoFocus)
 {
     auto& extras = Make<TNodeGroupParameterControls>("Extras");

@@ -365,3 +365,16 @@ TEST_F(NumberInput, AChangeMayTakeTheInputAway)
     EXPECT_EQ(input, nullptr);
     EXPECT_EQ(TRenderObject::GetFocus(), &Panel);
 }
+
+TEST_F(NumberInput, ZeroHasNoSign)
+{
+    Float.SetValue(0.3);
+    Focus(Float);
+    for (int i = 0; i < 3; ++i)
+        Key(KEY_DOWN);
+    EXPECT_EQ(TextOf(Float), "0.0000");
+    Enter(Float, "-0");
+    EXPECT_EQ(TextOf(Float), "0.0000");
+    Enter(Whole, "-0");
+    EXPECT_EQ(TextOf(Whole), "0");
+}
