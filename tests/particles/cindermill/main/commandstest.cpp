@@ -162,7 +162,11 @@ TEST_F(Commands, ALongListOfRecentFilesShadowsNoCommand)
     EXPECT_TRUE(Shown.Messages.empty());
     EXPECT_TRUE(App.Get().OnMenu(40010 + 199));
     EXPECT_EQ(Shown.Messages.size(), 1u);
-    EXPECT_FALSE(App.Get().OnMenu(40010 + 200));
+    // The next id is that of the options.
+    Host.Taken();
+    EXPECT_TRUE(App.Get().OnMenu(40010 + 200));
+    EXPECT_EQ(Host.Taken(), TNames{"options"});
+    EXPECT_EQ(Shown.Messages.size(), 1u);
 }
 
 TEST_F(Commands, CommandsWithoutADocumentDoNothing)
