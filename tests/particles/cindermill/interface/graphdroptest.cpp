@@ -1,7 +1,9 @@
 #include "graphwindowfixture.h"
 
 #include "library/system/message.h"
+#include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/effectgraph/rampparameter.h"
+#include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/valueparameters.h"
 
 namespace {

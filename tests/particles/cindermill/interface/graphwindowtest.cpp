@@ -1,5 +1,8 @@
 #include "graphwindowfixture.h"
 
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QLineEdit>
+
 TEST_F(GraphWindow, TheWheelZoomsAboutThePointer)
 {
     const TVector2 before = Graph().PixelToWorld(300, 200);

@@ -3,6 +3,7 @@
 #include "library/system/clock.h"
 #include "library/system/file.h"
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/bypassflagop.h"
 #include "particles/cindermill/main/settingsstore.h"
 
 TEST_F(Commands, NewAppendsADocumentAndAddsNoRecentEntry)
