@@ -68,7 +68,7 @@ const TFolder& GetFolder()
 TApplication* Application = nullptr;
 
 // As many of them as fit side by side in the picture, when all are in sight.
-void PlaceNodes(TDocument& document)
+void MoveNodesBy(TDocument& document)
 {
     const TEffectGraph& graph = *document.GetGraph();
     int columns = 1;
@@ -227,7 +227,7 @@ TGraphPicture::TGraphPicture(int nodes)
     TSampleBuilder effect(TCindermillApp::Get());
     for (int i = 0; i < nodes; i += 10)
         AddFountain(effect);
-    PlaceNodes(effect.GetDocument());
+    MoveNodesBy(effect.GetDocument());
     Document = Open(effect, "graph" + std::to_string(nodes) + ".effect");
     if (Document == nullptr)
         return;

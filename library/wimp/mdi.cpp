@@ -124,7 +124,7 @@ public:
         Size = QSize(GetExtent(width - (runs - 1) * RunStep, area.width(), GoodWidth),
                      GetExtent(height, area.height(), GoodHeight));
     }
-    QRect GetPlace(int number) const
+    QRect GetPosition(int number) const
     {
         const int row = number % Rows;
         return QRect(QPoint(number / Rows * RunStep + row * Step.width(), row * Step.height()), Size);
@@ -208,7 +208,7 @@ void TMDIFrame::Cascade()
             frame->showNormal();
     const TCascade cascade(frames.size(), QSize(whole.width(), bottom), GetTitleHeight(*frames.back()));
     for (int i = 0; i < frames.size(); ++i) {
-        frames[i]->setGeometry(cascade.GetPlace(i));
+        frames[i]->setGeometry(cascade.GetPosition(i));
         frames[i]->raise();
     }
     if (active != nullptr)

@@ -25,7 +25,7 @@ public:
     void EnableItem(int id, bool enabled);
     int GetNumItems() const;
 
-    // Opens the menu at a place of the window, waits for the choice, and lets it report to the window.
+    // Opens the menu at a position of the window, waits for the choice, and lets it report to the window.
     void Track(TWindow& window, int x, int y);
 
 private:

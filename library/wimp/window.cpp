@@ -69,7 +69,7 @@ void TWindow::OnCommand(TWimpControl*, intptr_t, int code)
         Hide();
 }
 
-// What is larger than all the room there is takes what is left of it from its place on; what is not moves
+// What is larger than all the room there is takes what is left of it from its position on; what is not moves
 // until all of it can be seen.
 static QRect FitInto(const QSize& room, const TWindowParams& params)
 {
@@ -107,7 +107,7 @@ bool TWindow::Create(const TWindowParams& params)
         return true;
     }
     SetTitle(params.Title);
-    // The window system finds a dialog's place.
+    // The window system finds a dialog's position.
     if (Kind == WK_DIALOG) {
         ResizeDialog(*Handle, QSize(params.Width, params.Height));
         return true;

@@ -98,7 +98,7 @@ public:
     TWindowKind GetKind() const { return Kind; }
     int GetType() const override;
     void Show(bool shown = true) override;
-    // Of a window with a frame, the frame's place and the size inside it.
+    // Of a window with a frame, the frame's position and the size inside it.
     void MoveTo(int x, int y, int width, int height) override;
     void SetFocus() override;
     void Hide() { Show(false); }
@@ -145,7 +145,7 @@ public:
     void AddSubControl(TWimpControl* control);
     void RemoveSubControl(TWimpControl* control);
 
-    // The window of a handle, or null. The innermost window at a place on the screen, or null.
+    // The window of a handle, or null. The innermost window at a position on the screen, or null.
     static TWindow* Find(TWindowHandle handle);
     static TWindow* FromPoint(int x, int y);
 

@@ -70,7 +70,7 @@ void TEffectNode::SetOutputs(const vector<vector<TEffectEdge*>>& edges)
         Outputs[i].Edges = edges[i];
 }
 
-void TEffectNode::TakeOutputs(vector<vector<TEffectEdge*>>& edges)
+void TEffectNode::DetachOutputs(vector<vector<TEffectEdge*>>& edges)
 {
     edges.clear();
     edges.resize(Outputs.size());

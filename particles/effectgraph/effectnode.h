@@ -31,7 +31,7 @@ public:
     // All connections of one side at once, for a node whose ports change.
     void SetInputs(const vector<TEffectEdge*>& edges) { Inputs = edges; }
     void SetOutputs(const vector<vector<TEffectEdge*>>& edges);
-    void TakeOutputs(vector<vector<TEffectEdge*>>& edges);
+    void DetachOutputs(vector<vector<TEffectEdge*>>& edges);
     int GetNumOutputEdges(int i) const { return Outputs[i].Edges.size(); }
     TEffectEdge* GetOutputEdge(int i, int n) const { return Outputs[i].Edges[n]; }
 

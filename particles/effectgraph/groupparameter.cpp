@@ -80,10 +80,10 @@ TNodeParameter* TNodeGroupParameter::Clone() const
     return copy.Release();
 }
 
-void TNodeGroupParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                                          TRefreshRecord& record)
+void TNodeGroupParameter::AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                           TRefreshRecord& record)
 {
-    TNodeParameter::TakeDeclaration(declared, chunkFile, record);
+    TNodeParameter::AdoptDeclaration(declared, chunkFile, record);
     RefreshParameters(Children, static_cast<const TNodeGroupParameter&>(declared).Children, chunkFile,
                       record);
 }

@@ -17,8 +17,8 @@ public:
     int GetSize() override;
     bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
-    void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                         TRefreshRecord& record) override;
+    void AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                          TRefreshRecord& record) override;
     void AddToChunkFile(TChunkFile& chunkFile) override;
     void RemoveFromChunkFile(TChunkFile& chunkFile) override;
     void GetOwned(vector<TNodeParameter*>& result) const override;

@@ -107,7 +107,7 @@ void TNodeParameter::CopyBase(const TNodeParameter& other)
     Required = other.Required;
 }
 
-void TNodeParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile&, TRefreshRecord&)
+void TNodeParameter::AdoptDeclaration(const TNodeParameter& declared, TChunkFile&, TRefreshRecord&)
 {
     Name = declared.Name;
     Description = declared.Description;

@@ -47,8 +47,8 @@ public:
     virtual void GetValue(float* out) const { (void)out; }
     // Takes over all that a node type tells of a parameter of this kind, and keeps the value. What has no
     // place in it any more leaves the chunk file.
-    virtual void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                                 TRefreshRecord& record);
+    virtual void AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                  TRefreshRecord& record);
     // Enters the parameter and what it holds.
     virtual void AddToChunkFile(TChunkFile& chunkFile);
     virtual void RemoveFromChunkFile(TChunkFile& chunkFile);

@@ -84,7 +84,7 @@ private:
     vector<int> Order;
     vector<int> Place;
     // By node with the last hint: the nodes that it has given way to.
-    vector<vector<int>> GaveWay;
+    vector<vector<int>> Yielded;
     // By node: the scan in which it was excluded from going ahead.
     vector<int> Excluded;
     int NumScans = 0;
@@ -95,7 +95,7 @@ private:
 
 TNodeSorter::TNodeSorter(const TEffectGraph& graph, const TWiring& wiring) : Wiring(wiring)
 {
-    GaveWay.resize(wiring.NumNodes);
+    Yielded.resize(wiring.NumNodes);
     for (int i = 0; i < wiring.NumNodes; ++i) {
         const TNodeType* type = graph.GetNode(i)->GetNodeType();
         IsLast.push_back(type != nullptr && type->HasFlag(FL_LASTHINT));
@@ -121,7 +121,7 @@ void TNodeSorter::Sort()
             finding = NOTHING;
         }
         if (finding == HINT) {
-            GaveWay[Order[at]].push_back(Order[found]);
+            Yielded[Order[at]].push_back(Order[found]);
             Exchange(at, found);
             // The first place is not scanned again after this.
             at = 0;
@@ -144,7 +144,7 @@ TNodeSorter::TFinding TNodeSorter::Scan(int at, int& found)
         ++NumScans;
         for (int consumer : Wiring.Consumers[node])
             Excluded[consumer] = NumScans;
-        for (int other : GaveWay[node])
+        for (int other : Yielded[node])
             Excluded[other] = NumScans;
         for (int i = at + 1; i < source; ++i) {
             if (IsLast[Order[i]] || Excluded[Order[i]] == NumScans)

@@ -52,13 +52,13 @@ void RefreshParameters(vector<TNodeParameter*>& parameters, const vector<TNodePa
             parameters.push_back(AddClone(*declared, chunkFile));
             continue;
         }
-        old[at]->TakeDeclaration(*declared, chunkFile, record);
+        old[at]->AdoptDeclaration(*declared, chunkFile, record);
         parameters.push_back(old[at]);
         old[at] = nullptr;
     }
     for (TNodeParameter* parameter : old)
         if (parameter != nullptr)
-            record.TakeOut(parameter, chunkFile);
+            record.Remove(parameter, chunkFile);
 }
 
 // The value moves to an input of another kind as far as there is room for it, and stays the one in force.
@@ -83,7 +83,7 @@ static uint32_t RefreshFlags(uint32_t flags, uint32_t wanted)
     return (refreshed & FL_BYPASSABLE) != 0 ? refreshed : refreshed & ~static_cast<uint32_t>(FL_BYPASSED);
 }
 
-// Brings one node up to date. For each port of before, the record gets its new place.
+// Brings one node up to date. For each port of before, the record gets its new position.
 class TNodeRefresher
 {
 public:
@@ -109,8 +109,8 @@ private:
     TChunkFile& ChunkFile;
     TEffectGraph& Graph;
     TRefreshRecord& Record;
-    vector<int> InputPlaces;
-    vector<int> OutputPlaces;
+    vector<int> InputPositions;
+    vector<int> OutputPositions;
     // By input: whether it is one that the node did not have.
     vector<bool> IsNew;
 };
@@ -120,7 +120,7 @@ void TNodeRefresher::RefreshPorts()
     // Edges may leave other outputs of this very node, so its lists stay whole until the inputs are done.
     RefreshInputs();
     RefreshOutputs();
-    Record.AddNode(Node, InputPlaces, OutputPlaces);
+    Record.AddNode(Node, InputPositions, OutputPositions);
     for (int i = 0; i < Type.GetNumInputs(); ++i)
         if (GetPolytypeInput(i) != nullptr)
             GetPolytypeInput(i)->ForgetLinks();
@@ -130,12 +130,12 @@ void TNodeRefresher::RefreshPorts()
 TNodeParameter* TNodeRefresher::KeepInput(TNodeParameter* old, const TNodeParameter& wanted)
 {
     if (old->Type == wanted.Type) {
-        old->TakeDeclaration(wanted, ChunkFile, Record);
+        old->AdoptDeclaration(wanted, ChunkFile, Record);
         return old;
     }
     TNodeParameter* input = AddClone(wanted, ChunkFile);
     MoveValue(*old, *input);
-    Record.TakeOut(old, ChunkFile);
+    Record.Remove(old, ChunkFile);
     return input;
 }
 
@@ -146,8 +146,8 @@ void TNodeRefresher::RefreshInputs()
     for (int i = 0; i < Node->GetNumInputs(); ++i)
         oldEdges.push_back(Node->GetInput(i));
     vector<TEffectEdge*> edges;
-    InputPlaces.resize(old.size());
-    for (int& place : InputPlaces)
+    InputPositions.resize(old.size());
+    for (int& place : InputPositions)
         place = -1;
     Type.Inputs.clear();
     for (const TNodeParameter* wanted : Wanted.Inputs) {
@@ -158,7 +158,7 @@ void TNodeRefresher::RefreshInputs()
             edges.push_back(nullptr);
             continue;
         }
-        InputPlaces[at] = Type.Inputs.size();
+        InputPositions[at] = Type.Inputs.size();
         Type.Inputs.push_back(KeepInput(old[at], *wanted));
         edges.push_back(oldEdges[at]);
         old[at] = nullptr;
@@ -167,11 +167,11 @@ void TNodeRefresher::RefreshInputs()
     Node->SetInputs(edges);
     for (int i = 0; i < old.size(); ++i) {
         if (old[i] != nullptr)
-            Record.TakeOut(old[i], ChunkFile);
+            Record.Remove(old[i], ChunkFile);
         if (oldEdges[i] == nullptr)
             continue;
         DetachFromSource(oldEdges[i]);
-        Record.TakeOut(oldEdges[i], ChunkFile, Graph);
+        Record.Remove(oldEdges[i], ChunkFile, Graph);
     }
 }
 
@@ -180,9 +180,9 @@ void TNodeRefresher::RefreshOutputs()
     vector<TOutputPort> old;
     old.swap(Type.Outputs);
     vector<vector<TEffectEdge*>> oldEdges;
-    Node->TakeOutputs(oldEdges);
-    OutputPlaces.resize(old.size());
-    for (int& place : OutputPlaces)
+    Node->DetachOutputs(oldEdges);
+    OutputPositions.resize(old.size());
+    for (int& place : OutputPositions)
         place = -1;
     Type.Outputs = Wanted.Outputs;
     vector<vector<TEffectEdge*>> edges;
@@ -190,11 +190,11 @@ void TNodeRefresher::RefreshOutputs()
     for (int i = 0; i < Type.Outputs.size(); ++i) {
         TOutputPort& output = Type.Outputs[i];
         int at = 0;
-        while (at < old.size() && (OutputPlaces[at] != -1 || old[at].Name.Compare(output.Name) != 0))
+        while (at < old.size() && (OutputPositions[at] != -1 || old[at].Name.Compare(output.Name) != 0))
             ++at;
         if (at == old.size())
             continue;
-        OutputPlaces[at] = i;
+        OutputPositions[at] = i;
         edges[i].swap(oldEdges[at]);
         const int userType = old[at].DefaultType;
         if (output.Type == TY_POLYTYPE && (output.ValidTypes >> userType & 1) != 0)
@@ -206,7 +206,7 @@ void TNodeRefresher::RefreshOutputs()
             if (edge == nullptr)
                 continue;
             DetachFromDestination(edge);
-            Record.TakeOut(edge, ChunkFile, Graph);
+            Record.Remove(edge, ChunkFile, Graph);
         }
 }
 

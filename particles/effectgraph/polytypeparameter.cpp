@@ -164,22 +164,22 @@ void TNodePolytypeParameter::CopyValue(const TNodeParameter& other)
 }
 
 // The user's choice of type stays, if there still is that type.
-void TNodePolytypeParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                                             TRefreshRecord& record)
+void TNodePolytypeParameter::AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                              TRefreshRecord& record)
 {
-    TNodeParameter::TakeDeclaration(declared, chunkFile, record);
+    TNodeParameter::AdoptDeclaration(declared, chunkFile, record);
     const TNodePolytypeParameter& polytype = static_cast<const TNodePolytypeParameter&>(declared);
     LinkInput = polytype.LinkInput;
     LinkOutput = polytype.LinkOutput;
     for (int type = 0; type < TY_POLYTYPE; ++type) {
         const TNodeValueParameter* wanted = polytype.Values[type];
         if (wanted != nullptr && Values[type] != nullptr)
-            Values[type]->TakeDeclaration(*wanted, chunkFile, record);
+            Values[type]->AdoptDeclaration(*wanted, chunkFile, record);
         else if (wanted != nullptr) {
             Values[type] = static_cast<TNodeValueParameter*>(wanted->Clone());
             Values[type]->AddToChunkFile(chunkFile);
         } else if (Values[type] != nullptr) {
-            record.TakeOut(Values[type], chunkFile);
+            record.Remove(Values[type], chunkFile);
             Values[type] = nullptr;
         }
     }

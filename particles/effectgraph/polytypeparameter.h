@@ -18,8 +18,8 @@ public:
     bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
     void CopyValue(const TNodeParameter& other) override;
-    void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                         TRefreshRecord& record) override;
+    void AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                          TRefreshRecord& record) override;
     void GetValue(float* out) const override;
     int GetValueType() const override { return GetCurrentType(); }
     void AddToChunkFile(TChunkFile& chunkFile) override;

@@ -155,10 +155,10 @@ bool TNodeRampParameter::ParseCurve(TNodeTypeFile& file, const TString& text, ve
 }
 
 // Curves that the ramp did not have begin as the node type tells them, and no curve follows one that is gone.
-void TNodeRampParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                                         TRefreshRecord& record)
+void TNodeRampParameter::AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                          TRefreshRecord& record)
 {
-    TNodeParameter::TakeDeclaration(declared, chunkFile, record);
+    TNodeParameter::AdoptDeclaration(declared, chunkFile, record);
     const TNodeRampParameter& wanted = static_cast<const TNodeRampParameter&>(declared);
     RampType = wanted.RampType;
     Labels = wanted.Labels;
@@ -175,10 +175,10 @@ void TNodeRampParameter::TakeDeclaration(const TNodeParameter& declared, TChunkF
     record.SetLost(this);
 }
 
-void TNodePolyRampParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                                             TRefreshRecord& record)
+void TNodePolyRampParameter::AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                              TRefreshRecord& record)
 {
-    TNodeRampParameter::TakeDeclaration(declared, chunkFile, record);
+    TNodeRampParameter::AdoptDeclaration(declared, chunkFile, record);
     Output = static_cast<const TNodePolyRampParameter&>(declared).Output;
 }
 

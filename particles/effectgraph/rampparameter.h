@@ -27,8 +27,8 @@ public:
     bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
 
-    void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                         TRefreshRecord& record) override;
+    void AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                          TRefreshRecord& record) override;
 
     // The curve of a dimension, or of the one it is locked to, at x.
     float Evaluate(float x, int dimension) const;
@@ -82,8 +82,8 @@ public:
     bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
 
-    void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                         TRefreshRecord& record) override;
+    void AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                          TRefreshRecord& record) override;
 
     const TString& GetOutput() const { return Output; }
     // The index of the output port that it follows, -1 if there is none of that name.

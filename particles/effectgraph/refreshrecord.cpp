@@ -37,14 +37,14 @@ void TRefreshRecord::EnterLost(const TNodeParameter* parameter)
         EnterLost(inner);
 }
 
-void TRefreshRecord::TakeOut(TNodeParameter* parameter, TChunkFile& chunkFile)
+void TRefreshRecord::Remove(TNodeParameter* parameter, TChunkFile& chunkFile)
 {
     EnterLost(parameter);
     parameter->RemoveFromChunkFile(chunkFile);
     TakenOut.push_back(parameter);
 }
 
-void TRefreshRecord::TakeOut(TEffectEdge* edge, TChunkFile& chunkFile, TEffectGraph& graph)
+void TRefreshRecord::Remove(TEffectEdge* edge, TChunkFile& chunkFile, TEffectGraph& graph)
 {
     if (!Lost.Insert(edge))
         return;
@@ -74,7 +74,7 @@ void TRefreshRecord::MoveEdges(TChunkFile& chunkFile, TEffectGraph& graph)
         edge->SetSrcPort(source);
         edge->SetDstPort(destination);
         if (source == -1 || destination == -1)
-            TakeOut(edge, chunkFile, graph);
+            Remove(edge, chunkFile, graph);
     }
     // A node that was deleted, and can come back, still holds the edges that went with it.
     for (int i = 0; i < chunkFile.GetNumChunks(); ++i)

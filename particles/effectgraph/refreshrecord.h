@@ -26,11 +26,11 @@ public:
     // Whether the object is gone, or its values of before mean something else now.
     bool IsLost(const TChunk* chunk) const { return Lost.Has(chunk); }
 
-    // For those who refresh. Each port of before has an entry: its place now, or -1.
+    // For those who refresh. Each port of before has an entry: its position now, or -1.
     void AddNode(const TEffectNode* node, const vector<int>& inputs, const vector<int>& outputs);
-    void TakeOut(TNodeParameter* parameter, TChunkFile& chunkFile);
+    void Remove(TNodeParameter* parameter, TChunkFile& chunkFile);
     // An edge that an operation holds may be in no graph. Nothing happens if it was taken out already.
-    void TakeOut(TEffectEdge* edge, TChunkFile& chunkFile, TEffectGraph& graph);
+    void Remove(TEffectEdge* edge, TChunkFile& chunkFile, TEffectGraph& graph);
     // The parameter stays, but values of before do not fit it.
     void SetLost(const TNodeParameter* parameter);
     // To be called once, after the last node: stores the new ports in all edges, also those that are in no

@@ -133,10 +133,10 @@ int TNodeEnumParameter::FindEntry(const TEntry& entry) const
 }
 
 // Where entries of before stand elsewhere now, the positions that operations hold mean others.
-void TNodeEnumParameter::TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                                         TRefreshRecord& record)
+void TNodeEnumParameter::AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                                          TRefreshRecord& record)
 {
-    TNodeParameter::TakeDeclaration(declared, chunkFile, record);
+    TNodeParameter::AdoptDeclaration(declared, chunkFile, record);
     const TNodeEnumParameter& wanted = static_cast<const TNodeEnumParameter&>(declared);
     vector<TEntry> old;
     old.swap(Values);

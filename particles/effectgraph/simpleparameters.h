@@ -38,8 +38,8 @@ public:
     bool ParseXml(TNodeTypeFile& file) override;
     TNodeParameter* Clone() const override;
 
-    void TakeDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
-                         TRefreshRecord& record) override;
+    void AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
+                          TRefreshRecord& record) override;
 
     // The chosen entry's number; 0 if the position lies outside the list.
     int GetNumber() const;

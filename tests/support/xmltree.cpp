@@ -57,7 +57,7 @@ public:
     }
 
 private:
-    std::string_view TakeTo(std::string_view end)
+    std::string_view ReadTo(std::string_view end)
     {
         const size_t at = Rest.find(end);
         const std::string_view taken = Rest.substr(0, at);
@@ -69,12 +69,12 @@ private:
     {
         std::string text;
         while (!Rest.empty()) {
-            text += TakeTo("<");
+            text += ReadTo("<");
             if (Rest.substr(0, 3) == "!--") {
-                TakeTo("-->");
+                ReadTo("-->");
                 continue;
             }
-            const std::string_view tag = TakeTo(">");
+            const std::string_view tag = ReadTo(">");
             if (tag.empty() || tag.front() == '/')
                 break;
             if (tag.front() != '?')

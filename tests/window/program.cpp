@@ -69,14 +69,14 @@ std::string TProgram::GetOutput() const
     return ReadBytes(Folder.Path("output"));
 }
 
-TRectangle TProgram::GetMainPlace() const
+TRectangle TProgram::GetMainRectangle() const
 {
-    return Screen.GetPlace(Screen.FindWindow(MainTitle));
+    return Screen.GetPosition(Screen.FindWindow(MainTitle));
 }
 
 void TProgram::ChooseFromFileMenu(int number)
 {
-    const TRectangle place = GetMainPlace();
+    const TRectangle place = GetMainRectangle();
     Screen.Click(place.X + 15, place.Y + 11);
     // The last one from below: Recent Files cannot be chosen while there are none.
     for (int i = 0; i < number && number != FE_EXIT; ++i)

@@ -33,7 +33,7 @@ public:
     // A path in the program's home.
     std::string Path(const std::string& leaf) const { return Folder.Path(leaf); }
 
-    TRectangle GetMainPlace() const;
+    TRectangle GetMainRectangle() const;
     // Chooses an entry of the File menu by its number, those that can be chosen counted from 1.
     void ChooseFromFileMenu(int number);
     // Answers a chooser that has come up under the title.

@@ -9,7 +9,7 @@ TEST_F(Program, WindowsCloseInAnyOrder)
         return;
     Open(program, SourcePath("samples/fountain.effect"));
     ASSERT_FALSE(HasFatalFailure());
-    const TRectangle main = program.GetMainPlace();
+    const TRectangle main = program.GetMainRectangle();
     ChooseFromToolsMenu(program, 1);
     const auto close = [&](int frame) {
         CloseFrame(workshop.GetGraph(), frame);
@@ -54,7 +54,7 @@ TEST_F(Program, TheViewsOfADocumentCloseInAnyOrderAndTheLastOneAsks)
     StartWithNewDocument(program, workshop);
     if (HasFatalFailure())
         return;
-    const TRectangle main = program.GetMainPlace();
+    const TRectangle main = program.GetMainRectangle();
     const TRectangle first = workshop.GetGraph();
     ChooseFromToolsMenu(program, 1);
     ChooseFromToolsMenu(program, 1);
@@ -111,7 +111,7 @@ TEST_F(Program, TheEffectIsPausedSteppedRestartedAndPlayedByMouse)
         EXPECT_NE(next.Pixels, last.Pixels) << i;
         last.Pixels.swap(next.Pixels);
     }
-    Screen.Save(Screen.GetPlace(Screen.FindWindow(DisplayTitle)), Screenshot("five-steps"));
+    Screen.Save(Screen.GetPosition(Screen.FindWindow(DisplayTitle)), Screenshot("five-steps"));
     ClickTransport(PlayButton);
     EXPECT_TRUE(IsMoving(preview));
     // The pause button is a switch.
@@ -174,7 +174,7 @@ TEST_P(ProgramCamera, IsMovedByMouseAndKeysAndComesBack)
         Screen.LetKey(key);
         expectMoved(key);
     }
-    Screen.Click(program.GetMainPlace().X + 600, program.GetMainPlace().Y + 11);
+    Screen.Click(program.GetMainRectangle().X + 600, program.GetMainRectangle().Y + 11);
     Exit(program);
 }
 
@@ -225,7 +225,7 @@ TEST_F(Program, TheMenusShortcutsWorkInTheEffectsDisplay)
         return;
     workshop.Add("Effect", 110, 60);
     ASSERT_TRUE(WaitForStar());
-    const TRectangle display = Screen.GetPlace(Screen.FindWindow(DisplayTitle));
+    const TRectangle display = Screen.GetPosition(Screen.FindWindow(DisplayTitle));
     Screen.Click(display.X + display.Width / 2, display.Y + display.Height / 2);
     ASSERT_TRUE(Screen.WaitUntilActive(DisplayTitle));
     Screen.Key("ctrl+z");
@@ -257,7 +257,7 @@ TEST_F(Program, PrintableKeysChangeNeitherGraphNorCamera)
     ASSERT_FALSE(HasFatalFailure());
     workshop.Select(effect);
     Screen.MoveTo(workshop.ScreenX(400), workshop.ScreenY(300));
-    const TRectangle main = program.GetMainPlace();
+    const TRectangle main = program.GetMainRectangle();
     ASSERT_TRUE(Screen.WaitUntilStill(main));
     const TPicture graph = Screen.Grab(main);
     PressPrintableKeys();
@@ -324,10 +324,10 @@ TEST_F(Program, UndoStaysInItsDocument)
     workshop.Select(grid);
     Screen.HoldKey("ctrl");
     Screen.MoveTo(second.X + second.Width - 8, second.Y + 300);
-    ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainPlace()));
-    Screen.Save(program.GetMainPlace(), Screenshot("undo-in-its-document"));
+    ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainRectangle()));
+    Screen.Save(program.GetMainRectangle(), Screenshot("undo-in-its-document"));
     Screen.Key("z");
-    ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainPlace()));
+    ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainRectangle()));
     EXPECT_NE(Screen.FindWindow("first.effect\\*\\]$"), "");
     Screen.Key("z");
     Screen.LetKey("ctrl");
@@ -341,7 +341,7 @@ TEST_F(Program, TheEffectsDisplayIsClosedAndShownAgainManyTimes)
     ASSERT_TRUE(program.IsUp()) << program.GetOutput();
     Open(program, SourcePath("samples/fountain.effect"));
     ASSERT_FALSE(HasFatalFailure());
-    const TRectangle place = program.GetMainPlace();
+    const TRectangle place = program.GetMainRectangle();
     for (int i = 0; i < 5; ++i) {
         ASSERT_TRUE(Screen.WaitUntilActive(DisplayTitle)) << program.GetOutput();
         Screen.Key("alt+F4");
@@ -367,7 +367,7 @@ TEST_F(Program, ADocumentIsClosedWhileItsDisplayIsHidden)
     Screen.CloseWindow(Screen.FindWindow(DisplayTitle));
     ASSERT_TRUE(Screen.WaitUntilGone(DisplayTitle));
     const TRectangle& graph = workshop.GetGraph();
-    const TRectangle main = program.GetMainPlace();
+    const TRectangle main = program.GetMainRectangle();
     const TPicture shown = Screen.Grab(main);
     Screen.Click(graph.X + graph.Width - 11, graph.Y - 38);
     EXPECT_TRUE(Screen.WaitUntilStill(main));

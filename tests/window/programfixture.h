@@ -103,7 +103,7 @@ protected:
         ASSERT_TRUE(program.AnswerChooser(LoadTitle, path));
         ASSERT_TRUE(WaitForDocument(std::filesystem::path(path).filename().string()));
         // The view glides to its nodes.
-        ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainPlace()));
+        ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainRectangle()));
     }
     bool WaitForDocument(const std::string& name)
     {
@@ -143,7 +143,7 @@ protected:
     // An entry of the Tools menu, counted from 1.
     void ChooseFromToolsMenu(TProgram& program, int number)
     {
-        const TRectangle main = program.GetMainPlace();
+        const TRectangle main = program.GetMainRectangle();
         Screen.Click(main.X + 90, main.Y + 11);
         for (int i = 0; i < number; ++i)
             Screen.Key("Down");
@@ -164,7 +164,7 @@ protected:
     // Where the effect is seen in its display, the controls below it left out.
     TRectangle GetPreview() const
     {
-        TRectangle place = Screen.GetPlace(Screen.FindWindow(DisplayTitle));
+        TRectangle place = Screen.GetPosition(Screen.FindWindow(DisplayTitle));
         place.Height -= TransportHeight;
         return place;
     }
@@ -185,7 +185,7 @@ protected:
             command, {"DISPLAY=" + Screen.GetDisplay(), "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}, "/dev/null");
         ASSERT_TRUE(Screen.WaitForWindow(title));
         Screen.MoveWindow(Screen.FindWindow(title), 2600, 900);
-        const TRectangle place = Screen.GetPlace(Screen.FindWindow(title));
+        const TRectangle place = Screen.GetPosition(Screen.FindWindow(title));
         const int fromX = place.X + place.Width / 2;
         const int fromY = place.Y + place.Height / 2;
         Screen.MoveTo(fromX, fromY);

@@ -9,7 +9,7 @@ TEST_F(Program, ARecentFileIsOpenedFromTheMenuOfTheNextRun)
                        "\nRecentFile_1=" + SourcePath("samples/fountain.effect") + "\n";
     TProgram program(Screen, options);
     ASSERT_TRUE(program.IsUp()) << program.GetOutput();
-    const TRectangle place = program.GetMainPlace();
+    const TRectangle place = program.GetMainRectangle();
     Screen.Click(place.X + 15, place.Y + 11);
     for (int i = 0; i < FE_RECENT; ++i)
         Screen.Key("Down");
@@ -25,7 +25,7 @@ TEST_F(Program, FilesDroppedFromAnotherProgramAreOpenedInTheirOrder)
 {
     TProgram program(Screen);
     ASSERT_TRUE(program.IsUp()) << program.GetOutput();
-    const TRectangle main = program.GetMainPlace();
+    const TRectangle main = program.GetMainRectangle();
     const int x = main.X + main.Width / 2;
     const int y = main.Y + main.Height / 2;
     const std::string damaged = program.Path("damaged.effect");
@@ -56,7 +56,7 @@ TEST_F(Program, AFileOfTheRecentListThatHasGoneIsTold)
     options.Settings = "RecentFile_0=/no/such/folder/gone.effect\n";
     TProgram program(Screen, options);
     ASSERT_TRUE(program.IsUp()) << program.GetOutput();
-    const TRectangle place = program.GetMainPlace();
+    const TRectangle place = program.GetMainRectangle();
     for (int i = 0; i < 2; ++i) {
         Screen.Click(place.X + 15, place.Y + 11);
         for (int j = 0; j < FE_RECENT; ++j)
@@ -162,7 +162,7 @@ TEST_F(Program, OnASystemWithoutFontsTheToolWorksAllTheSame)
     const std::string sample = SourcePath("samples/fountain.effect");
     Open(program, sample);
     ASSERT_FALSE(HasFatalFailure());
-    Screen.Save(program.GetMainPlace(), Screenshot("without-fonts"));
+    Screen.Save(program.GetMainRectangle(), Screenshot("without-fonts"));
     SaveAs(program, program.Path("again.effect"));
     EXPECT_TRUE(AreSame(program.Path("again.effect"), sample));
     Exit(program);
@@ -191,7 +191,7 @@ TEST_F(Program, OnAScaledScreenGraphAndPreviewFillTheirWindows)
         ASSERT_TRUE(WaitForDocument("fountain.effect"));
         // The two windows lie on each other, and when the display comes up in front is up to the window
         // manager.
-        const TRectangle main = program.GetMainPlace();
+        const TRectangle main = program.GetMainRectangle();
         TPicture picture;
         ASSERT_TRUE(WaitUntil([&] {
             Screen.Activate(Screen.FindWindow(MainTitle));
@@ -207,7 +207,7 @@ TEST_F(Program, OnAScaledScreenGraphAndPreviewFillTheirWindows)
         const std::string display = Screen.FindWindow(DisplayTitle);
         Screen.Activate(display);
         ASSERT_TRUE(Screen.WaitUntilActive(DisplayTitle));
-        TRectangle place = Screen.GetPlace(display);
+        TRectangle place = Screen.GetPosition(display);
         place.Height -= static_cast<int>(TransportHeight * std::atof(scale) + 1);
         constexpr uint32_t Background = 0xCCCCCC;
         EXPECT_TRUE(WaitUntil([&] {
@@ -219,6 +219,6 @@ TEST_F(Program, OnAScaledScreenGraphAndPreviewFillTheirWindows)
                 others += preview.At(0, y) != Background || preview.At(preview.Width - 1, y) != Background;
             return others == 0;
         })) << scale;
-        Screen.Save(Screen.GetPlace(display), Screenshot(std::string("preview-at-scale-") + scale));
+        Screen.Save(Screen.GetPosition(display), Screenshot(std::string("preview-at-scale-") + scale));
     }
 }

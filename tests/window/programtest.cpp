@@ -52,7 +52,7 @@ TEST_F(Program, AnEffectIsBuiltSavedLoadedAndExportedByHand)
     workshop.Undo();
     workshop.Redo();
     workshop.Paste();
-    Screen.Save(program.GetMainPlace(), Screenshot("built-by-hand"));
+    Screen.Save(program.GetMainRectangle(), Screenshot("built-by-hand"));
 
     const std::string saved = program.Path("by-hand.effect");
     const std::string expected = program.Path("expected.effect");
@@ -137,8 +137,8 @@ TEST_F(Program, ASampleIsShownAndLookedAtFromNearAndFar)
     ASSERT_FALSE(HasFatalFailure());
     ASSERT_TRUE(workshop.FindGraph());
     const TRectangle& graph = workshop.GetGraph();
-    const TRectangle main = program.GetMainPlace();
-    const TRectangle preview = Screen.GetPlace(Screen.FindWindow(DisplayTitle));
+    const TRectangle main = program.GetMainRectangle();
+    const TRectangle preview = Screen.GetPosition(Screen.FindWindow(DisplayTitle));
     Screen.Save(main, Screenshot("main-window"));
     Screen.Save(
         TRectangle{preview.X, preview.Y, main.X + main.Width - preview.X, main.Y + main.Height - preview.Y},
@@ -299,7 +299,7 @@ TEST_F(Program, AVanishedTextureIsToldWhenItIsNeededAndMayComeBack)
     ASSERT_TRUE(program.AnswerDialog(FindTitle, "Escape"));
     ASSERT_TRUE(WaitForDocument("fountain.effect"));
     EXPECT_EQ(Screen.FindWindow(ErrorsTitle), "");
-    const TRectangle main = program.GetMainPlace();
+    const TRectangle main = program.GetMainRectangle();
     ASSERT_TRUE(Screen.WaitUntilStill(main));
     Screen.Click(main.X + main.Width / 2, main.Y + main.Height / 2);
     program.ChooseFromFileMenu(FE_EXPORT);
@@ -347,7 +347,7 @@ TEST_F(Program, ExitWithManyDocumentsAsksOnceAndSavesThemInTheirOrder)
     const std::string one = program.Path("one.effect");
     program.ChooseFromFileMenu(FE_EXIT);
     ASSERT_TRUE(Screen.WaitUntilActive(ModifiedTitle));
-    Screen.Save(Screen.GetPlace(Screen.FindWindow(ModifiedTitle)), Screenshot("modified-files"));
+    Screen.Save(Screen.GetPosition(Screen.FindWindow(ModifiedTitle)), Screenshot("modified-files"));
     ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, "Return"));
     ASSERT_TRUE(program.AnswerChooser(SaveTitle, one));
     ASSERT_TRUE(WaitUntil([&] { return FileExists(one.c_str()); }));

@@ -309,7 +309,7 @@ void TScreen::Activate(const std::string& window)
     Do({"windowactivate", window});
 }
 
-TRectangle TScreen::GetPlace(const std::string& window) const
+TRectangle TScreen::GetPosition(const std::string& window) const
 {
     TRectangle place;
     // Without one the command waits for a click.

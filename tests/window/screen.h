@@ -56,7 +56,7 @@ public:
     bool WaitUntilActive(const std::string& title) const;
     bool IsActive(const std::string& title) const;
     void Activate(const std::string& window);
-    TRectangle GetPlace(const std::string& window) const;
+    TRectangle GetPosition(const std::string& window) const;
     std::string GetTitle(const std::string& window) const;
     void MoveWindow(const std::string& window, int x, int y);
     void CloseWindow(const std::string& window);

@@ -91,7 +91,7 @@ TWorkshop::~TWorkshop()
 bool TWorkshop::FindGraph()
 {
     return WaitUntil([this] {
-        const TRectangle main = Program.GetMainPlace();
+        const TRectangle main = Program.GetMainRectangle();
         const TPicture picture = Screen.Grab(main);
         const auto row = [&picture](int y, int x) { return picture.At(x, y); };
         const auto column = [&picture](int x, int y) { return picture.At(x, y); };
@@ -154,16 +154,16 @@ TToolNode* TWorkshop::Add(const char* type, int x, int y)
     return GetLast();
 }
 
-void TWorkshop::PortPlace(const TToolNode* node, bool isInput, int index, int& x, int& y) const
+void TWorkshop::PortPosition(const TToolNode* node, bool isInput, int index, int& x, int& y) const
 {
     const TVector2 size = MeasureNode(*node->GetNodeType());
-    const TVector2 place = GetPortPlace(isInput, index, size[0]);
+    const TVector2 place = GetPortOffset(isInput, index, size[0]);
     x = ScreenX(node->GetX() + double(place[0]));
     y = ScreenY(node->GetY() + double(place[1]));
 }
 
 // The title bar, away from its box and its button.
-void TWorkshop::TitlePlace(const TToolNode* node, int& x, int& y) const
+void TWorkshop::TitlePosition(const TToolNode* node, int& x, int& y) const
 {
     const TVector2 size = MeasureNode(*node->GetNodeType());
     x = ScreenX(node->GetX() + size[0] * 0.5);
@@ -180,8 +180,8 @@ void TWorkshop::Connect(TToolNode* source, const char* output, TToolNode* destin
     int fromY = 0;
     int toX = 0;
     int toY = 0;
-    PortPlace(source, false, from, fromX, fromY);
-    PortPlace(destination, true, to, toX, toY);
+    PortPosition(source, false, from, fromX, fromY);
+    PortPosition(destination, true, to, toX, toY);
     Screen.Drag(fromX, fromY, toX, toY);
     Document->ApplyOperation(new TAddGraphEdgeOp(*Document, source, from, destination, to));
 }
@@ -192,7 +192,7 @@ void TWorkshop::Disconnect(TToolNode* destination, const char* input)
     ASSERT_NE(port, -1) << input;
     int x = 0;
     int y = 0;
-    PortPlace(destination, true, port, x, y);
+    PortPosition(destination, true, port, x, y);
     Screen.Drag(x, y, x - 30, y + 60);
     TToolEdge* edge = static_cast<TToolEdge*>(destination->GetInput(port));
     Document->ApplyOperation(new TDeleteGraphEdgeOp(edge));
@@ -202,7 +202,7 @@ void TWorkshop::Select(TToolNode* node)
 {
     int x = 0;
     int y = 0;
-    TitlePlace(node, x, y);
+    TitlePosition(node, x, y);
     Screen.Click(x, y);
     Document->SelectNode(node, true);
 }
@@ -211,7 +211,7 @@ void TWorkshop::MoveSelection(TToolNode* grabbed, int dx, int dy)
 {
     int x = 0;
     int y = 0;
-    TitlePlace(grabbed, x, y);
+    TitlePosition(grabbed, x, y);
     if (!grabbed->IsSelected())
         Document->SelectNode(grabbed, true);
     Screen.Drag(x, y, x + dx, y + dy);

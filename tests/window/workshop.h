@@ -55,8 +55,8 @@ public:
 
 private:
     int FindPaletteRow(const char* name, bool category) const;
-    void PortPlace(const TToolNode* node, bool isInput, int index, int& x, int& y) const;
-    void TitlePlace(const TToolNode* node, int& x, int& y) const;
+    void PortPosition(const TToolNode* node, bool isInput, int index, int& x, int& y) const;
+    void TitlePosition(const TToolNode* node, int& x, int& y) const;
 
     TScreen& Screen;
     TProgram& Program;

@@ -18,7 +18,7 @@ int GetSampleNodeHeight(const TNodeType& type)
 
 namespace {
 
-struct TPlace
+struct TPosition
 {
     int Column = 0;
     int X = 0;
@@ -29,7 +29,7 @@ class TLayout
 {
 public:
     explicit TLayout(TEffectGraph& graph);
-    const TPlace& GetPlace(TEffectNode* node) const { return Places.at(node); }
+    const TPosition& GetPosition(TEffectNode* node) const { return Places.at(node); }
     const std::vector<TEffectNode*>& GetNodes() const { return Nodes; }
 
 private:
@@ -39,7 +39,7 @@ private:
 
     // Behind the sources of its inputs, each.
     std::vector<TEffectNode*> Nodes;
-    std::map<TEffectNode*, TPlace> Places;
+    std::map<TEffectNode*, TPosition> Places;
     int NumColumns = 0;
 };
 
@@ -116,11 +116,11 @@ void LayOutGraph(TDocument& document)
     const TLayout layout(*document.GetGraph());
     int top = 0;
     for (TEffectNode* node : layout.GetNodes())
-        top = std::min(top, layout.GetPlace(node).Y);
+        top = std::min(top, layout.GetPosition(node).Y);
     for (TEffectNode* node : layout.GetNodes()) {
         vector<TToolNode*> moved;
         moved.push_back(static_cast<TToolNode*>(node));
-        const TPlace& place = layout.GetPlace(node);
+        const TPosition& place = layout.GetPosition(node);
         document.ApplyOperation(new TMoveGraphNodeOp(moved, place.X, place.Y - top));
     }
 }

@@ -211,7 +211,7 @@ void Store(TImage& image, int x, int y, const TTexel& texel)
 }
 
 // The middle of pixel i of n, from -1 to 1.
-double ToPlace(int i, int n)
+double ToPosition(int i, int n)
 {
     return (2.0 * i + 1) / n - 1;
 }
@@ -222,7 +222,7 @@ bool MakePicture(const char* folder, const char* name, int width, int height, in
     image.Create(width, height);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
-            Store(image, x, y, painter(ToPlace(x, width), ToPlace(y, height)));
+            Store(image, x, y, painter(ToPosition(x, width), ToPosition(y, height)));
     TString path;
     path.Format("%s/%s", folder, name);
     return image.Save(path, format);
@@ -238,7 +238,7 @@ bool MakeFlipbook(const char* folder, const char* name, int size, int format)
         const int row = FlameTiles - 1 - y / tile;
         for (int x = 0; x < size; ++x) {
             const int frame = row * FlameTiles + x / tile;
-            Store(image, x, y, PaintFlame(ToPlace(x % tile, tile), ToPlace(y % tile, tile), frame));
+            Store(image, x, y, PaintFlame(ToPosition(x % tile, tile), ToPosition(y % tile, tile), frame));
         }
     }
     TString path;

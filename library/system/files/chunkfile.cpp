@@ -185,7 +185,7 @@ bool TChunkFile::LoadBodies(int first, const vector<TEntry>& table)
     return true;
 }
 
-// A chunk of this file knows its place, and one of no file knows that; only strangers are searched for.
+// A chunk of this file knows its position, and one of no file knows that; only strangers are searched for.
 int TChunkFile::FindChunk(const TChunk* chunk) const
 {
     const int idx = chunk->ChunkIdx;

@@ -67,12 +67,12 @@ void TNumberEdit::SetRange(float low, float high)
 
 void TNumberEdit::SetDecimals(int decimals)
 {
-    constexpr int ShownPlaces = 4;
+    constexpr int ShownDecimals = 4;
     const QSignalBlocker quiet(GetHandle());
     QDoubleSpinBox* field = FieldOf(GetHandle());
     if (field == nullptr)
         return;
-    field->setDecimals(decimals > 0 ? ShownPlaces : 0);
+    field->setDecimals(decimals > 0 ? ShownDecimals : 0);
     field->setSingleStep(std::pow(10.0, -decimals));
 }
 

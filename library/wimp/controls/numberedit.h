@@ -11,8 +11,8 @@ public:
     bool Create(TWindow* owner, int id, const char* name);
     // The value is brought into the range.
     void SetRange(float low, float high);
-    // With decimals the number is shown to four places, without as a whole number; an arrow's step is one in
-    // the last of so many places.
+    // With decimals the number is shown to four decimals, without as a whole number; an arrow's step is one
+    // in the last of so many decimals.
     void SetDecimals(int decimals);
     void SetValue(float value);
     float GetValue() const;

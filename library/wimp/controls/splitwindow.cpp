@@ -74,7 +74,7 @@ void TSplitWindow::Divide(const TPane& pane, TArea& before, TArea& gap, TArea& r
     }
 }
 
-void TSplitWindow::GetPlaces(int pane, TArea& place, TArea& gap) const
+void TSplitWindow::GetAreas(int pane, TArea& place, TArea& gap) const
 {
     TArea rest = GetClientArea();
     gap = {0, 0, 0, 0};
@@ -90,7 +90,7 @@ int TSplitWindow::GetExtent(int pane, bool vertical) const
 {
     TArea place;
     TArea gap;
-    GetPlaces(pane, place, gap);
+    GetAreas(pane, place, gap);
     return vertical ? place.Bottom - place.Top : place.Right - place.Left;
 }
 
@@ -101,7 +101,7 @@ void TSplitWindow::Layout()
         ASSERT_TEXT(pp->Window != nullptr, "pp->Window != 0");
         TArea place;
         TArea gap;
-        GetPlaces(i, place, gap);
+        GetAreas(i, place, gap);
         const int width = place.Right - place.Left;
         const int height = place.Bottom - place.Top;
         pp->Window->MoveTo(place.Left, place.Top, width > 0 ? width : 0, height > 0 ? height : 0);
@@ -114,7 +114,7 @@ int TSplitWindow::FindGap(int x, int y) const
     for (int i = 1; i < Panes.size(); ++i) {
         TArea place;
         TArea gap;
-        GetPlaces(i, place, gap);
+        GetAreas(i, place, gap);
         if (x >= gap.Left && x < gap.Right && y >= gap.Top && y < gap.Bottom)
             return i;
     }
@@ -128,7 +128,7 @@ void TSplitWindow::DrawGaps(TGDIContext& context) const
     for (int i = 1; i < Panes.size(); ++i) {
         TArea place;
         TArea gap;
-        GetPlaces(i, place, gap);
+        GetAreas(i, place, gap);
         context.Rectangle(gap.Left, gap.Top, gap.Right, gap.Bottom);
     }
 }
@@ -137,7 +137,7 @@ void TSplitWindow::DragTo(int x, int y)
 {
     TArea before;
     TArea gap;
-    GetPlaces(DraggedGap - 1, before, gap);
+    GetAreas(DraggedGap - 1, before, gap);
     const bool vertical = Panes[DraggedGap].Vertical;
     const TArea client = GetClientArea();
     const int start = vertical ? before.Top : before.Left;
@@ -165,7 +165,7 @@ bool TSplitWindow::BeginDrag(const TMessage& message)
         return false;
     TArea place;
     TArea area;
-    GetPlaces(gap, place, area);
+    GetAreas(gap, place, area);
     GrabOffset = Panes[gap].Vertical ? message.GetPixelY() - area.Top : message.GetPixelX() - area.Left;
     DraggedGap = gap;
     TWimp::Get().SetMouseDrag(this, *Owner);

@@ -42,7 +42,7 @@ private:
     static void Divide(const TPane& pane, TArea& before, TArea& gap, TArea& rest);
     TArea GetClientArea() const;
     // Where a pane stands, and where the gap in front of it.
-    void GetPlaces(int pane, TArea& place, TArea& gap) const;
+    void GetAreas(int pane, TArea& place, TArea& gap) const;
     int GetExtent(int pane, bool vertical) const;
     int FindGap(int x, int y) const;
     void DrawGaps(TGDIContext& context) const;

@@ -77,7 +77,7 @@ private:
     void DrawCells(TGDIContext& context) const;
     int GetNumShownRows(const TWindow& pane) const;
     int GetColumnEnd(int column) const;
-    // The column whose right border is at the place, or -1.
+    // The column whose right border is at the position, or -1.
     int FindBorder(int x) const;
     void BeginDrag(int column, int x);
 

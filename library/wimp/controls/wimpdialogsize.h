@@ -11,7 +11,7 @@ enum TDialogMargin
     DM_BOTTOM = 2
 };
 
-// Keeps the controls of a dialog in their places relative to its edges while its size changes.
+// Keeps the controls of a dialog in their positions relative to its edges while its size changes.
 class TWimpDialogSize
 {
 public:

@@ -19,8 +19,8 @@ struct TGDIFont
     int Weight = 400;
 };
 
-// Draws into a window that is not OpenGL's, while its paint message is handled. Places are pixels, which on a
-// scaled screen are not always whole dots: edges fall on the nearest dot, so that what touches in pixels
+// Draws into a window that is not OpenGL's, while its paint message is handled. Positions are pixels, which
+// on a scaled screen are not always whole dots: edges fall on the nearest dot, so that what touches in pixels
 // touches on the screen, and all lines are equally thick. Rectangles hold their left and top edge and not
 // their right and bottom one.
 class TGDIContext
@@ -42,9 +42,9 @@ public:
     void Line(int x1, int y1, int x2, int y2);
     // Filled with the brush, outlined with the pen.
     void Rectangle(int left, int top, int right, int bottom);
-    // The place is the text's top left.
+    // The position is the text's top left.
     void TextOut(int x, int y, const char* text);
-    // Only what lies inside a rectangle that begins at the place.
+    // Only what lies inside a rectangle that begins at the position.
     void TextOutClipped(int x, int y, int width, int height, const char* text);
     void GetTextExtent(const char* text, int& width, int& height) const;
     void Draw(const TGDIBitmap& bitmap, int x, int y);

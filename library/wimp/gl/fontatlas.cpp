@@ -167,7 +167,7 @@ void TFontAtlas::LayOut()
     Height = rows * (CellHeight + 2 * Margin);
 }
 
-void TFontAtlas::GetPlace(const TFontGlyph& glyph, int& x, int& y) const
+void TFontAtlas::GetPosition(const TFontGlyph& glyph, int& x, int& y) const
 {
     x = glyph.Cell % Columns * (CellWidth + 2 * Margin) + Margin + glyph.BearingX - BoxMin[0];
     y = glyph.Cell / Columns * (CellHeight + 2 * Margin) + Margin + glyph.BearingY - BoxMin[1];
@@ -181,7 +181,7 @@ void TFontAtlas::DrawGlyph(const TFontGlyph& glyph)
     const int texheight = Height;
     int left = 0;
     int top = 0;
-    GetPlace(glyph, left, top);
+    GetPosition(glyph, left, top);
     const uint8_t* coverage = glyph.Pixels.data();
     for (int y = 0; y < glyph.Height; ++y) {
         for (int x = 0; x < glyph.Width; ++x) {

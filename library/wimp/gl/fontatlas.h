@@ -12,7 +12,7 @@ class TRenderer;
 constexpr int FirstFontCharacter = 32;
 constexpr int NumFontCharacters = 96;
 
-// One character's picture; sizes and places in pixels of the atlas, y downwards from the base line.
+// One character's picture; sizes and positions in pixels of the atlas, y downwards from the base line.
 struct TFontGlyph
 {
     int Width = 0;
@@ -56,7 +56,7 @@ public:
     int GetHeight() const { return Height; }
     int GetMargin() const { return Margin; }
     // Where a glyph's picture begins in the texture.
-    void GetPlace(const TFontGlyph& glyph, int& x, int& y) const;
+    void GetPosition(const TFontGlyph& glyph, int& x, int& y) const;
     // The OpenGL texture, made when first asked for; needs a current context. Exact says that each texel will
     // fall on one pixel: filtering, which costs, then has nothing to do and is left out.
     unsigned GetTexture(TRenderer& renderer, bool exact);

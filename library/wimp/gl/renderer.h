@@ -17,7 +17,7 @@ struct TClipRectangle
 
 // Draws the tree of render objects into a window, at twice its size and then scaled down. World units times
 // Scale are pixels, as TRenderWindow tells them from the screen's dots; y grows downwards; Offset is added to
-// a world place before scaling.
+// a world position before scaling.
 class TRenderer : public TTexturePainter
 {
 public:
@@ -55,7 +55,7 @@ public:
 
     // The one place that maps a point, relative to the current origin, to clip space.
     TVector2 ToClip(const TVector2& point) const;
-    // The nearest place for the start of a text, so that it looks sharp: across on a dot of the doubled
+    // The nearest position for the start of a text, so that it looks sharp: across on a dot of the doubled
     // target, down on one of the window.
     TVector2 Snap(const TVector2& point) const;
     // Red, green, blue, alpha, for the vertices that follow; each may have its own.
@@ -63,7 +63,7 @@ public:
     // One primitive, drawn when its End has been seen and something else calls for it.
     void Begin(TPrimitive primitive) { Batch.Begin(primitive); }
     // The same with a texture, through a fragment program that takes the local parameter; vertices then have
-    // places in the texture.
+    // positions in the texture.
     void Begin(TPrimitive primitive, unsigned texture, const TArbProgram& program, const TVector4& local)
     {
         Batch.Begin(primitive, texture, program, local);

@@ -24,7 +24,7 @@ public:
 
     // The width of the text and the height of a line. Characters outside 32 to 127 have none.
     void GetTextSize(const char* text, TVector2& size) const;
-    // The place is the text's top left.
+    // The position is the text's top left.
     void DrawText(TRenderer& renderer, const TVector2& position, const char* text,
                   const TVector4& colour) const;
     void DrawText(TRenderer& renderer, const TVector2& position, const char* text) const;

@@ -121,7 +121,7 @@ void TRenderFont::DrawText(TRenderer& renderer, const TVector2& position, const 
         if (glyph.Cell >= 0) {
             int u = 0;
             int v = 0;
-            atlas.GetPlace(glyph, u, v);
+            atlas.GetPosition(glyph, u, v);
             // The finer picture stands in the middle of the space that the measures give the character.
             const double place = ToGrid(pen + (measure->Advance - glyph.Advance * step) * 0.5, step);
             const TVector2 min(static_cast<float>(left + place + (glyph.BearingX - margin) * step),

@@ -294,7 +294,7 @@ TRenderObject* TRenderObject::FindOverlay(const TRenderer& renderer, const TRend
     return overlay->Parent == nullptr || overlay->GetTop() == root.GetTop() ? overlay : nullptr;
 }
 
-// What of the overlay is at a world place, or null.
+// What of the overlay is at a world position, or null.
 TRenderObject* TRenderObject::FindOverlayTarget(TRenderer& renderer, TRenderObject& root,
                                                 const TVector2& point)
 {
@@ -304,7 +304,7 @@ TRenderObject* TRenderObject::FindOverlayTarget(TRenderer& renderer, TRenderObje
     return overlay->HitTest(point - overlay->GetAbsolutePosition() + overlay->Origin);
 }
 
-// The object that hears of the pointer at a world place, or null.
+// The object that hears of the pointer at a world position, or null.
 TRenderObject* TRenderObject::FindTarget(TRenderer& renderer, TRenderObject& root, const TVector2& point)
 {
     const TRouting& routing = GetRouting();

@@ -43,7 +43,7 @@ struct TRenderEvent
     int Detail = 0;
 };
 
-// Anything that is drawn in a graph view and hears of input there. Its place, Origin, is relative to its
+// Anything that is drawn in a graph view and hears of input there. Its position, Origin, is relative to its
 // parent's. The routing state (hover, focus, capture, overlay) is one for the program and never points at an
 // object that has gone. Focus, capture and overlay belong to the view that they began in: other views of the
 // same objects neither draw the overlay nor send the focus their keys.
@@ -57,7 +57,7 @@ public:
     TRenderObject& operator=(const TRenderObject&) = delete;
 
     virtual void Render(TRenderer& renderer) = 0;
-    // Relative to the object's own place.
+    // Relative to the object's own position.
     virtual void GetBounds(TVector2& min, TVector2& max) = 0;
     // The object under the point, which is in the parent's space, or null.
     virtual TRenderObject* HitTest(const TVector2& point);
@@ -113,7 +113,7 @@ public:
     static TRenderObject* FindOverlay(const TRenderer& renderer, const TRenderObject& root);
     // The renderer of the view whose message is being routed; null for none, or once it has gone.
     static TRenderer* GetRenderer();
-    // World places of the pointer, of the last and the last but one move.
+    // World positions of the pointer, of the last and the last but one move.
     static TVector2 GetPointer();
     static TVector2 GetLastPointer();
     // TKeyFlag bits of Shift and Ctrl: what the key messages have told, and the message being routed.

@@ -3,11 +3,11 @@
 // A window as its renderer sees it.
 //
 // Everything that a person sees is laid out in pixels of one physical size: windows, controls, dialogs, the
-// lines and texts of TGDIContext, a graph view at zoom 1, and all places of the pointer, which can therefore
-// be compared with what is drawn. On a scaled screen a pixel is several dots of the screen, and not always a
-// whole number of them: GetDotsPerPixel tells how many. Dots matter to what OpenGL fills: viewports, targets,
-// copies and scissors are as large as GetDotSize tells, to the dot, and pictures of text are made for dots.
-// Who draws asks at every frame, as a window may be moved to a screen of another scale.
+// lines and texts of TGDIContext, a graph view at zoom 1, and all positions of the pointer, which can
+// therefore be compared with what is drawn. On a scaled screen a pixel is several dots of the screen, and not
+// always a whole number of them: GetDotsPerPixel tells how many. Dots matter to what OpenGL fills: viewports,
+// targets, copies and scissors are as large as GetDotSize tells, to the dot, and pictures of text are made
+// for dots. Who draws asks at every frame, as a window may be moved to a screen of another scale.
 class TRenderWindow
 {
 public:

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstdint>
 
-// What a window hears of. Places and sizes are pixels of the window's client area; TRenderWindow tells what a
-// pixel is.
+// What a window hears of. Positions and sizes are pixels of the window's client area; TRenderWindow tells
+// what a pixel is.
 enum TMessageType
 {
     MT_PAINT,

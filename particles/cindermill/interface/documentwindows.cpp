@@ -79,11 +79,11 @@ void TDocumentWindows::CloseView(TDocWindow* window)
         Windows.back()->Activate();
     delete window;
     if (ParticleWindow != nullptr && ParticleWindow->GetKeyOwner() == nullptr)
-        TakeShortcuts(*Windows.back());
+        CollectShortcuts(*Windows.back());
     UpdateTitles(*Document);
 }
 
-void TDocumentWindows::TakeShortcuts(TDocWindow& window)
+void TDocumentWindows::CollectShortcuts(TDocWindow& window)
 {
     if (ParticleWindow != nullptr)
         ParticleWindow->SetKeyOwner(&window.GetGraph());

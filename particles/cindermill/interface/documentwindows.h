@@ -49,7 +49,7 @@ public:
     // windows may be touched afterwards.
     void CloseView(TDocWindow* window);
     // The view was used last: it gets the shortcuts that are pressed in the effect's display.
-    void TakeShortcuts(TDocWindow& window);
+    void CollectShortcuts(TDocWindow& window);
 
     TDocument& GetDocument() const { return *Document; }
     TGraphScene& GetScene() const { return *Scene; }

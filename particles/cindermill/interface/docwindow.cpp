@@ -21,7 +21,7 @@ TWindowClass& GetWindowClass()
 }
 
 // Each new view stands a little further down and to the right, until the cascade begins again.
-void GetNextPlace(TWindowParams& params)
+void GetNextPosition(TWindowParams& params)
 {
     static int cascade = 0;
     constexpr int Near = 50;
@@ -74,7 +74,7 @@ bool TDocWindow::CreateFrame(TWindow* frame)
     params.Title = "doc";
     params.Owner = frame;
     params.Kind = WK_MDICHILD;
-    GetNextPlace(params);
+    GetNextPosition(params);
     return TWindow::Create(params);
 }
 
@@ -117,7 +117,7 @@ bool TDocWindow::OnWheel(const TMessage& message)
 void TDocWindow::Activate()
 {
     TCindermillApp::Get().SetActiveDocWindow(this, Document);
-    Windows.TakeShortcuts(*this);
+    Windows.CollectShortcuts(*this);
 }
 
 void TDocWindow::BeginTypeDrag(const TNodeType& type)

@@ -15,7 +15,7 @@ class TDocWindow : public TWindow, public TMouseDrag
 public:
     explicit TDocWindow(TDocumentWindows& windows) : Windows(windows) {}
     ~TDocWindow() override;
-    // At the next place of the cascade. Asserts that every part could be made.
+    // At the next position of the cascade. Asserts that every part could be made.
     bool Create(TDocument& document, TWindow* frame);
     bool OnMessage(const TMessage& message) override;
     // The drag of a node type.

@@ -11,7 +11,7 @@ float Limit(float value, float min, float max)
     return value < max ? value : max;
 }
 
-// How far a place that lies the distance inside of an edge reaches into the edge's margin, or through it.
+// How far a position that lies the distance inside of an edge reaches into the edge's margin, or through it.
 double GetDepth(double distance, int margin)
 {
     constexpr int MaxDepth = 100;

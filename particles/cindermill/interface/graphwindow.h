@@ -47,7 +47,7 @@ public:
     void PressDelete();
     // One step of a running animation.
     void OnIdle();
-    // A file dropped at a place of the screen.
+    // A file dropped at a position of the screen.
     void OnDrop(int x, int y, const char* path);
 
     // During a drag: scrolls if the pixel lies close to an edge.

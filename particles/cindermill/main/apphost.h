@@ -55,7 +55,7 @@ public:
     virtual void DeleteIn(TDocWindow& window) = 0;
     // Places the document windows in a cascade.
     virtual void Cascade() = 0;
-    // The window at a place of the screen, or null.
+    // The window at a position of the screen, or null.
     virtual TWindow* WindowFromPoint(int x, int y) = 0;
     // What was typed and not yet entered is entered: before anything that reads or changes a document.
     virtual void EndInput() {}

@@ -103,7 +103,7 @@ public:
     void CloseDocument(TDocument* document);
     // The Exit command and the main window's close box.
     void ExitRequest();
-    // A place of the screen.
+    // A position of the screen.
     void OnDropFiles(int x, int y, const vector<TString>& files);
     void AddRecentFile(const char* path);
     void CopyToClipboard(const vector<TToolNode*>& nodes);

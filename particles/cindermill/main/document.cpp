@@ -51,7 +51,7 @@ bool TDocument::New()
 }
 
 // Takes over what the steps of a load have found so far.
-bool TDocument::TakeLoaded(const TEffectFile& file, bool sound)
+bool TDocument::AdoptLoaded(const TEffectFile& file, bool sound)
 {
     Graph = file.GetGraph();
     OperationStack = file.GetOperationStack();
@@ -63,14 +63,14 @@ bool TDocument::BatchLoad(const char* path)
 {
     TEffectFile file(Chunks);
     Path = path;
-    return TakeLoaded(file, file.Load(path) && file.FindRoots(false));
+    return AdoptLoaded(file, file.Load(path) && file.FindRoots(false));
 }
 
 bool TDocument::CheckLoaded(bool mend)
 {
     TEffectFile file(Chunks);
     TLinkMender mender(App.GetNodeTypes(), LoadNotes);
-    return TakeLoaded(file, file.FindRoots(false) && file.Check(mend ? &mender : nullptr));
+    return AdoptLoaded(file, file.FindRoots(false) && file.Check(mend ? &mender : nullptr));
 }
 
 bool TDocument::Load(const char* path)
@@ -79,8 +79,8 @@ bool TDocument::Load(const char* path)
         return false;
     TEffectFile file(Chunks);
     TLinkMender mender(App.GetNodeTypes(), LoadNotes);
-    if (!TakeLoaded(file,
-                    file.Load(path) && file.FindRoots(true) && file.Check(&mender) && file.CheckClasses()))
+    if (!AdoptLoaded(file,
+                     file.Load(path) && file.FindRoots(true) && file.Check(&mender) && file.CheckClasses()))
         return false;
     IsEditable = true;
     Graph->AddCallback(&TDocument::OnGraphChanged, this);

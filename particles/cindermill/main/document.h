@@ -120,7 +120,7 @@ public:
     void RedrawWindows() override;
 
 private:
-    bool TakeLoaded(const TEffectFile& file, bool sound);
+    bool AdoptLoaded(const TEffectFile& file, bool sound);
     static bool CheckWritten(const char* path, void* data);
     void RefreshNodeTypes();
     void AttachObjects();

@@ -24,7 +24,7 @@ public:
     virtual void OnIdle(TDocument& document) = 0;
     // Whether the window is one of the document's frames, palettes, headers or graph views.
     virtual bool OwnsWindow(TWindow* window) = 0;
-    // A file dropped at a place of the screen onto a window that is the document's: graph views take it.
+    // A file dropped at a position of the screen onto a window that is the document's: graph views take it.
     virtual void OnDrop(TDocument& document, TWindow* window, int x, int y, const char* path) = 0;
     virtual void FrameAllNodes(TDocument& document) = 0;
     // A view moves, its zoom kept, if nothing of the nodes is in sight.

@@ -15,7 +15,7 @@ constexpr int ZVPARTICLE_MAX_INPUTS_OR_OUTPUTS = 32;
 // Commands are told their rows, and the particle record is moved, in fours.
 constexpr int RowsPerQuad = 4;
 
-// A place in a command's data that the run time fills in.
+// A position in a command's data that the run time fills in.
 struct TCommandPatch
 {
     uint32_t NameId = 0;

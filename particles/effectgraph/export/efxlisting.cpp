@@ -50,7 +50,7 @@ public:
     bool List(TString& fault);
 
 private:
-    struct TPhasePlace
+    struct TPhasePosition
     {
         const TEfxPhase& Phase;
         const char* Name;
@@ -61,13 +61,13 @@ private:
     void Put(const char* format, ...) CINDERMILL_PRINTF(2, 3);
     void ListHeader();
     void ListGroup(int index);
-    void ListPhase(const TPhasePlace& place);
-    void ListStream(const TEfxStream& stream, const char* title, const TPhasePlace& place, bool isExecute);
-    void ListCommand(const TEfxStream& stream, int number, const TPhasePlace& place, bool isExecute);
+    void ListPhase(const TPhasePosition& place);
+    void ListStream(const TEfxStream& stream, const char* title, const TPhasePosition& place, bool isExecute);
+    void ListCommand(const TEfxStream& stream, int number, const TPhasePosition& place, bool isExecute);
     void ListData(const TEfxSpan& span);
     uint32_t GetDataWord(const TEfxSpan& span, uint32_t at) const;
     void NoteOutputs(const TEfxCommand& command, int number, bool isExecute);
-    void AppendRows(TString& text, const TEfxSpan& rows, const TPhasePlace& place, bool isOutput) const;
+    void AppendRows(TString& text, const TEfxSpan& rows, const TPhasePosition& place, bool isOutput) const;
     void ListPatches(const TEfxPhase& phase);
     void ListTransforms(const TEfxPhase& phase);
     void ListLinks(const TEfxGroup& group);
@@ -140,14 +140,14 @@ void TEfxLister::ListGroup(int index)
     Put("Group %d%s", index, group.IsTriggerGroup ? " (trigger group)" : "");
     Put("  particles %d, stride %d, event size %d, max emission %d, max life time %g", group.ParticleCount,
         group.Stride, group.EventSize, group.MaxEmission, Shown(group.MaxLifeTime));
-    ListPhase(TPhasePlace{group.Emission, "Emission", "event"});
-    ListPhase(TPhasePlace{group.Process, "Process", "record"});
+    ListPhase(TPhasePosition{group.Emission, "Emission", "event"});
+    ListPhase(TPhasePosition{group.Process, "Process", "record"});
     ListLinks(group);
     ListBounds(group);
     ListRenderAttributes(group);
 }
 
-void TEfxLister::ListPhase(const TPhasePlace& place)
+void TEfxLister::ListPhase(const TPhasePosition& place)
 {
     const TEfxPhase& phase = place.Phase;
     Put("  %s: rows %d, input buffers %d, output buffers %d, program %d KB, workspace %d KB", place.Name,
@@ -162,7 +162,7 @@ void TEfxLister::ListPhase(const TPhasePlace& place)
     ListTransforms(phase);
 }
 
-void TEfxLister::ListStream(const TEfxStream& stream, const char* title, const TPhasePlace& place,
+void TEfxLister::ListStream(const TEfxStream& stream, const char* title, const TPhasePosition& place,
                             bool isExecute)
 {
     Put("    %s: %u words, %d commands", title, stream.Words.Size / 4, stream.Commands.size());
@@ -170,7 +170,8 @@ void TEfxLister::ListStream(const TEfxStream& stream, const char* title, const T
         ListCommand(stream, i, place, isExecute);
 }
 
-void TEfxLister::ListCommand(const TEfxStream& stream, int number, const TPhasePlace& place, bool isExecute)
+void TEfxLister::ListCommand(const TEfxStream& stream, int number, const TPhasePosition& place,
+                             bool isExecute)
 {
     constexpr uint32_t WorkspaceOffsetField = 16;
     constexpr uint32_t WorkspaceSizeField = 20;
@@ -247,7 +248,7 @@ void TEfxLister::NoteOutputs(const TEfxCommand& command, int number, bool isExec
     }
 }
 
-void TEfxLister::AppendRows(TString& text, const TEfxSpan& rows, const TPhasePlace& place,
+void TEfxLister::AppendRows(TString& text, const TEfxSpan& rows, const TPhasePosition& place,
                             bool isOutput) const
 {
     TString row;
@@ -275,7 +276,7 @@ void TEfxLister::AppendRows(TString& text, const TEfxSpan& rows, const TPhasePla
 
 void TEfxLister::ListPatches(const TEfxPhase& phase)
 {
-    constexpr int PlacesPerLine = 16;
+    constexpr int PositionsPerLine = 16;
     if (phase.Patches.empty())
         return;
     Put("    patches: %d", phase.Patches.size());
@@ -287,7 +288,7 @@ void TEfxLister::ListPatches(const TEfxPhase& phase)
         for (uint32_t at = 0; at < patch.Offsets.Size;) {
             TString places;
             TString place;
-            for (int k = 0; k < PlacesPerLine && at < patch.Offsets.Size; ++k, at += 2)
+            for (int k = 0; k < PositionsPerLine && at < patch.Offsets.Size; ++k, at += 2)
                 places += place.Format(" %u", File.GetU16(patch.Offsets.Offset + at)).Print();
             Put("        at%s", places.Print());
         }

@@ -51,7 +51,7 @@ TEfxWriter::TEfxWriter(const TExportResult& data)
     for (int group = 0; group < Groups.size(); ++group)
         FillGroup(group);
     FillShared();
-    PlaceAll();
+    LayoutAll();
 }
 
 int TEfxWriter::GetFileSize() const
@@ -124,53 +124,53 @@ void TEfxWriter::FillShared()
         AppendBytes(SharedBytes.Bytes, shared.Data.data(), shared.Data.size());
 }
 
-void TEfxWriter::PlaceAll()
+void TEfxWriter::LayoutAll()
 {
     ImageSize =
         RoundUp(EffectHeaderSize + 4 * Data.Table.GetNumIds() + 4 * CountLocations(), ImageAlignment) +
         Groups.size() * GroupRecordSize;
     for (TGroupBlocks& blocks : Groups)
-        PlaceGroup(blocks);
-    PlaceFilled(SharedTable, 1);
-    PlaceFilled(SharedBytes, 1);
+        LayoutGroup(blocks);
+    AddFilled(SharedTable, 1);
+    AddFilled(SharedBytes, 1);
     for (TGroupBlocks& blocks : Groups)
-        PlaceNames(blocks);
+        LayoutNames(blocks);
 }
 
 // The execute streams and their records have a block even if it stays empty.
-void TEfxWriter::PlaceGroup(TGroupBlocks& blocks)
+void TEfxWriter::LayoutGroup(TGroupBlocks& blocks)
 {
     Place(blocks.Emission.Execute, ImageAlignment);
     Place(blocks.Emission.Params, ImageAlignment);
     Place(blocks.Process.Execute, ImageAlignment);
     Place(blocks.Process.Params, ImageAlignment);
-    PlaceFilled(blocks.Emission.Unpack, ImageAlignment);
-    PlaceFilled(blocks.Emission.Pack, ImageAlignment);
-    PlaceFilled(blocks.Process.Unpack, ImageAlignment);
-    PlaceFilled(blocks.Process.Pack, ImageAlignment);
-    PlaceFilled(blocks.Emission.Patches, ImageAlignment);
-    PlaceFilled(blocks.Process.Patches, ImageAlignment);
-    PlaceFilled(blocks.StageRecords, ImageAlignment);
+    AddFilled(blocks.Emission.Unpack, ImageAlignment);
+    AddFilled(blocks.Emission.Pack, ImageAlignment);
+    AddFilled(blocks.Process.Unpack, ImageAlignment);
+    AddFilled(blocks.Process.Pack, ImageAlignment);
+    AddFilled(blocks.Emission.Patches, ImageAlignment);
+    AddFilled(blocks.Process.Patches, ImageAlignment);
+    AddFilled(blocks.StageRecords, ImageAlignment);
     for (TStageBlocks& stage : blocks.Stages) {
-        PlaceFilled(stage.State, ImageAlignment);
-        PlaceFilled(stage.Constants, ImageAlignment);
+        AddFilled(stage.State, ImageAlignment);
+        AddFilled(stage.Constants, ImageAlignment);
     }
-    PlaceFilled(blocks.RenderAttributes, ImageAlignment);
-    PlaceFilled(blocks.Triggers, ImageAlignment);
-    PlaceFilled(blocks.Events, ImageAlignment);
-    PlaceFilled(blocks.Emission.Transforms, ImageAlignment);
-    PlaceFilled(blocks.Process.Transforms, ImageAlignment);
-    PlaceFilled(blocks.Bounds, ImageAlignment);
+    AddFilled(blocks.RenderAttributes, ImageAlignment);
+    AddFilled(blocks.Triggers, ImageAlignment);
+    AddFilled(blocks.Events, ImageAlignment);
+    AddFilled(blocks.Emission.Transforms, ImageAlignment);
+    AddFilled(blocks.Process.Transforms, ImageAlignment);
+    AddFilled(blocks.Bounds, ImageAlignment);
 }
 
-void TEfxWriter::PlaceNames(TGroupBlocks& blocks)
+void TEfxWriter::LayoutNames(TGroupBlocks& blocks)
 {
     for (TStageBlocks& stage : blocks.Stages)
         for (TBlock& name : stage.Names)
-            PlaceFilled(name, 1);
+            AddFilled(name, 1);
 }
 
-// A block of no bytes has a place but is not referred to.
+// A block of no bytes has a position but is not referred to.
 void TEfxWriter::Place(TBlock& block, int alignment)
 {
     const int size = block.Bytes.size();
@@ -185,7 +185,7 @@ void TEfxWriter::Place(TBlock& block, int alignment)
     ++NumPointers;
 }
 
-void TEfxWriter::PlaceFilled(TBlock& block, int alignment)
+void TEfxWriter::AddFilled(TBlock& block, int alignment)
 {
     if (!block.Bytes.empty())
         Place(block, alignment);

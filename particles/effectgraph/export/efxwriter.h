@@ -3,8 +3,8 @@
 #include "library/system/files/blockfile.h"
 #include "particles/effectgraph/export/exportresult.h"
 
-// Lays a built export out as the console's memory image. All blocks are made and have their places when the
-// writer is made: the size of the file is known before anything is written, and so is where each command
+// Lays a built export out as the console's memory image. All blocks are made and have their positions when
+// the writer is made: the size of the file is known before anything is written, and so is where each command
 // index will stand.
 class TEfxWriter
 {
@@ -74,11 +74,11 @@ private:
     void FillShared();
 
     // Where they lie.
-    void PlaceAll();
-    void PlaceGroup(TGroupBlocks& blocks);
-    void PlaceNames(TGroupBlocks& blocks);
+    void LayoutAll();
+    void LayoutGroup(TGroupBlocks& blocks);
+    void LayoutNames(TGroupBlocks& blocks);
     void Place(TBlock& block, int alignment);
-    void PlaceFilled(TBlock& block, int alignment);
+    void AddFilled(TBlock& block, int alignment);
     int CountLocations() const;
     void ListLocations(vector<uint32_t>& result) const;
 

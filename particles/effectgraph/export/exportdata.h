@@ -23,7 +23,7 @@ public:
     TExportData(const TExportData&) = delete;
     TExportData& operator=(const TExportData&) = delete;
 
-    // The place in the schedule that the following calls speak of.
+    // The position in the schedule that the following calls speak of.
     void SetCurrent(int group, int tiedNode);
     // Ends the current node's command.
     void Flush();

@@ -38,7 +38,7 @@ struct TExportTransform
     // Of the patch that says where.
     TString Name;
     uint16_t Type = 0;
-    // The patch's place in the stream's patch table. Set by Build.
+    // The patch's position in the stream's patch table. Set by Build.
     uint16_t Ordinal = 0;
 };
 

@@ -12,8 +12,8 @@ void CheckFlags(uint8_t rowflags)
 }
 
 // How many places from the first on, four at most, lie side by side in one format.
-template <class TPlace>
-int GetRunLength(const vector<TPlace>& places, int first)
+template <class TPosition>
+int GetRunLength(const vector<TPosition>& places, int first)
 {
     const int format = places[first].Format;
     int count = 1;
@@ -25,7 +25,7 @@ int GetRunLength(const vector<TPlace>& places, int first)
 
 // What both kinds of commands are told: the rows that count, which unpacking does not tell, and where the
 // first lies.
-void AddPlace(TCommandStream& stream, int count, int offset)
+void AddPosition(TCommandStream& stream, int count, int offset)
 {
     TDataBlock block;
     AppendU8(block, 0);
@@ -55,7 +55,7 @@ void TRecordPacker::AddEmissionRow(int attrib, int row, bool isRender)
     CheckFlags(flags);
     if ((flags & TRowFlags::Written) == 0)
         return;
-    EmissionPack.push_back(TPlace{Group.Emission.RowMap[attr.RowStart + row], Group.Stride, attr.Format});
+    EmissionPack.push_back(TPosition{Group.Emission.RowMap[attr.RowStart + row], Group.Stride, attr.Format});
     if (!isRender && Group.Process.Flags[attrib][row] == 0)
         Group.Stride += RowFormats[attr.Format].Size;
 }
@@ -66,15 +66,15 @@ void TRecordPacker::AddProcessRow(int attrib, int row)
     const TExportAttribute& attr = Group.Attributes[attrib];
     const int attributeRow = attr.RowStart + row;
     CheckFlags(Group.Process.Flags[attrib][row]);
-    ProcessUnpack.push_back(TPlace{static_cast<uint32_t>(attributeRow), Group.Stride, attr.Format});
-    ProcessPack.push_back(TPlace{Group.Process.RowMap[attributeRow], Group.Stride, attr.Format});
+    ProcessUnpack.push_back(TPosition{static_cast<uint32_t>(attributeRow), Group.Stride, attr.Format});
+    ProcessPack.push_back(TPosition{Group.Process.RowMap[attributeRow], Group.Stride, attr.Format});
     Group.Stride += RowFormats[attr.Format].Size;
 }
 
 void TRecordPacker::AddConstants()
 {
     for (int i = 0; i < Group.Constants.size(); ++i) {
-        const TPlace place{RowConstant + static_cast<uint32_t>(i), Group.Stride, RF_FLOAT};
+        const TPosition place{RowConstant + static_cast<uint32_t>(i), Group.Stride, RF_FLOAT};
         EmissionPack.push_back(place);
         ProcessUnpack.push_back(place);
         ProcessPack.push_back(place);
@@ -89,7 +89,7 @@ void TRecordPacker::AddCommands()
     AddPackCommands(Group.Process.Pack, ProcessPack);
 }
 
-void TRecordPacker::AddPackCommands(TCommandStream& stream, const vector<TPlace>& places) const
+void TRecordPacker::AddPackCommands(TCommandStream& stream, const vector<TPosition>& places) const
 {
     int count = 0;
     for (int first = 0; first < places.size(); first += count) {
@@ -97,14 +97,14 @@ void TRecordPacker::AddPackCommands(TCommandStream& stream, const vector<TPlace>
         uint32_t rows[RowsPerQuad];
         for (int i = 0; i < RowsPerQuad; ++i)
             rows[i] = MapPackedRow(i < count ? places[first + i].Row : 0);
-        AddPlace(stream, count, places[first].Offset);
+        AddPosition(stream, count, places[first].Offset);
         stream.AddCommand(NameToCrc(RowFormats[places[first].Format].Pack), RowsPerQuad, 0, 0);
         stream.AddInputs(rows[0], rows[1], rows[2], rows[3]);
     }
 }
 
 // The console unpacks four rows in every case.
-void TRecordPacker::AddUnpackCommands(TCommandStream& stream, const vector<TPlace>& places) const
+void TRecordPacker::AddUnpackCommands(TCommandStream& stream, const vector<TPosition>& places) const
 {
     int count = 0;
     for (int first = 0; first < places.size(); first += count) {
@@ -112,7 +112,7 @@ void TRecordPacker::AddUnpackCommands(TCommandStream& stream, const vector<TPlac
         uint32_t rows[RowsPerQuad];
         for (int i = 0; i < RowsPerQuad; ++i)
             rows[i] = i < count ? places[first + i].Row : RowDump;
-        AddPlace(stream, 0, places[first].Offset);
+        AddPosition(stream, 0, places[first].Offset);
         stream.AddCommand(NameToCrc(RowFormats[places[first].Format].Unpack), 0, RowsPerQuad, 0);
         stream.AddOutputs(rows[0], rows[1], rows[2], rows[3]);
     }

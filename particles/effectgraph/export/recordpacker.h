@@ -11,12 +11,12 @@ public:
     explicit TRecordPacker(TExportGroup& group) : Group(group) {}
     void AddAttribute(int attrib, bool isRender);
     void AddConstants();
-    // Once, when everything has its place.
+    // Once, when everything has its position.
     void AddCommands();
 
 private:
     // A row of the record.
-    struct TPlace
+    struct TPosition
     {
         uint32_t Row = 0;
         int Offset = 0;
@@ -25,12 +25,12 @@ private:
 
     void AddEmissionRow(int attrib, int row, bool isRender);
     void AddProcessRow(int attrib, int row);
-    void AddPackCommands(TCommandStream& stream, const vector<TPlace>& places) const;
-    void AddUnpackCommands(TCommandStream& stream, const vector<TPlace>& places) const;
+    void AddPackCommands(TCommandStream& stream, const vector<TPosition>& places) const;
+    void AddUnpackCommands(TCommandStream& stream, const vector<TPosition>& places) const;
     uint32_t MapPackedRow(uint32_t row) const;
 
     TExportGroup& Group;
-    vector<TPlace> EmissionPack;
-    vector<TPlace> ProcessUnpack;
-    vector<TPlace> ProcessPack;
+    vector<TPosition> EmissionPack;
+    vector<TPosition> ProcessUnpack;
+    vector<TPosition> ProcessPack;
 };

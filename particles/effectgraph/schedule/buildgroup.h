@@ -2,7 +2,7 @@
 
 #include "particles/effectgraph/schedule/emittersets.h"
 
-// A group of nodes while a schedule is made. Nodes are told by their places in the schedule.
+// A group of nodes while a schedule is made. Nodes are told by their positions in the schedule.
 struct TBuildGroup
 {
     // In dependency order.
@@ -35,7 +35,7 @@ public:
     void Exchange(int a, int b);
     void Erase(int group);
     void RemoveNode(int node);
-    // `at` is the place in the group's array.
+    // `at` is the position in the group's array.
     void InsertNode(int node, int group, int at);
     // Puts the nodes of `from` in front of those of `to`; `from` stays, without nodes.
     void MoveAllNodes(int from, int to);

@@ -2,7 +2,7 @@
 
 #include "particles/effectgraph/schedule/schedulewiring.h"
 
-// A set of nodes, by their places, that keeps the order in which they came.
+// A set of nodes, by their positions, that keeps the order in which they came.
 class TNodeSet
 {
 public:

@@ -129,7 +129,7 @@ void TGroupMerger::MoveNode(int start, int from, int to)
         TStep& step = open.back();
         const vector<int>& targets = Wiring.GetTargets(step.Node);
         if (step.NextTarget == targets.size()) {
-            Groups.InsertNode(step.Node, to, FindPlace(step.Node, to));
+            Groups.InsertNode(step.Node, to, FindPosition(step.Node, to));
             open.pop_back();
             continue;
         }
@@ -143,7 +143,7 @@ void TGroupMerger::MoveNode(int start, int from, int to)
 
 // In front of the first node that it feeds; a node that feeds none is an input of the group and goes to the
 // front.
-int TGroupMerger::FindPlace(int node, int group) const
+int TGroupMerger::FindPosition(int node, int group) const
 {
     const vector<int>& nodes = Groups[group].Nodes;
     for (int i = 0; i < nodes.size(); ++i)

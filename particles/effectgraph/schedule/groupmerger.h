@@ -22,7 +22,7 @@ private:
     void CollectTiedTargets(int node, vector<int>& targets) const;
     int FindOnlyConsumer(int start, int from) const;
     void MoveNode(int start, int from, int to);
-    int FindPlace(int node, int group) const;
+    int FindPosition(int node, int group) const;
 
     const TScheduleWiring& Wiring;
     const vector<TNodeSet>& Sets;

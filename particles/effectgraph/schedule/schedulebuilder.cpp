@@ -64,7 +64,7 @@ void TScheduleBuilder::ClassifyGroups()
         }
 }
 
-// Ascending by priority; groups without a render node keep their places.
+// Ascending by priority; groups without a render node keep their positions.
 void TScheduleBuilder::SortRenderGroups()
 {
     for (int i = 0; i < Groups.size(); ++i)

@@ -4,7 +4,7 @@
 #include "library/containers/vector.h"
 #include "particles/effectgraph/effectnode.h"
 
-// The nodes of a schedule in the making, told by their places, and what feeds what. Refers to the array of
+// The nodes of a schedule in the making, told by their positions, and what feeds what. Refers to the array of
 // nodes, which must not change meanwhile.
 class TScheduleWiring
 {

@@ -181,16 +181,16 @@ TEST_F(TWindowClassTest, KeysHaveTheirCodes)
 
 TEST_F(TWindowClassTest, AKeyOfAnotherScriptIsTheLatinLetterOfItsPlace)
 {
-    struct TPlacedKey
+    struct TKeyPosition
     {
         int Character;
         quint32 ScanCode;
         int Key;
     };
     // As the X server counts.
-    const TPlacedKey keys[] = {{0x419, 24, 'Q'}, {0x417, 33, 'P'}, {0x42B, 39, 'S'},
-                               {0x42F, 52, 'Z'}, {0x42C, 58, 'M'}, {0x3A3, 39, 'S'}};
-    for (const TPlacedKey& key : keys) {
+    const TKeyPosition keys[] = {{0x419, 24, 'Q'}, {0x417, 33, 'P'}, {0x42B, 39, 'S'},
+                                 {0x42F, 52, 'Z'}, {0x42C, 58, 'M'}, {0x3A3, 39, 'S'}};
+    for (const TKeyPosition& key : keys) {
         const QString text(QChar(key.Character));
         QKeyEvent press(QEvent::KeyPress, key.Character, Qt::NoModifier, key.ScanCode, 0, 0, text);
         QApplication::sendEvent(Widget(), &press);

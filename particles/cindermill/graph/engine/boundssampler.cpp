@@ -106,7 +106,7 @@ int TBoundsSampler::Grow()
 
 int TBoundsSampler::GrowOver(TInputReader& reader, int group, int tied)
 {
-    reader.SetPlace(group, tied, Exec.GetGroup(group));
+    reader.SetPosition(group, tied, Exec.GetGroup(group));
     int count = 0;
     for (int i = 0; i < Exec.GetNumParticles(group); ++i) {
         TVector3 min;

@@ -121,7 +121,7 @@ TEffectExecNode* TEffectExec::Place(int group, int tied)
 {
     TEffectExecNode* node = Nodes[Schedule->GetTiedNode(group, tied)];
     if (node != nullptr)
-        node->SetPlace(group, tied, Groups.empty() ? nullptr : Groups[group]);
+        node->SetPosition(group, tied, Groups.empty() ? nullptr : Groups[group]);
     return node;
 }
 

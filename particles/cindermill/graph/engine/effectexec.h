@@ -58,7 +58,7 @@ private:
     // Whether some attribute of the group is supplied by `parent`.
     bool IsParent(int group, int parent) const { return (ExternalGroups[group] >> parent & 1) != 0; }
     int GetTiedUsage(int group, int tied) const;
-    // The tied node's run-time object, set to its place; null for a render node that was left out.
+    // The tied node's run-time object, set to its position; null for a render node that was left out.
     TEffectExecNode* Place(int group, int tied);
     int CountInstances(int group) const;
     void SelectExternal(int group, int instance);

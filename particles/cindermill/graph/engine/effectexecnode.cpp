@@ -92,7 +92,7 @@ void TEffectExecNode::InitTraces()
     }
 }
 
-void TEffectExecNode::SetPlace(int group, int tiedNode, TParticleBuffer* buffer)
+void TEffectExecNode::SetPosition(int group, int tiedNode, TParticleBuffer* buffer)
 {
     Group = group;
     TiedNode = tiedNode;

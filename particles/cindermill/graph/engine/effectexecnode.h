@@ -13,8 +13,8 @@
 class TQdxShader;
 class TSceneView;
 
-// The run-time object of one scheduled node. The engine sets its place (group, tied node, buffer) before each
-// call, because a node may be tied into several groups.
+// The run-time object of one scheduled node. The engine sets its position (group, tied node, buffer) before
+// each call, because a node may be tied into several groups.
 class TEffectExecNode : public TRegistered<TEffectExecNode>
 {
 public:
@@ -45,7 +45,7 @@ public:
 
     TEffectNode* GetNode() const { return Node; }
     bool IsBypassed() const { return GetNodeType()->IsBypassed(); }
-    void SetPlace(int group, int tiedNode, TParticleBuffer* buffer);
+    void SetPosition(int group, int tiedNode, TParticleBuffer* buffer);
     void SetTracing(bool tracing) { Tracing = tracing; }
     int GetNumTraces() const { return OutputTraces.size(); }
     TAttributeTrace& GetOutputTrace(int n, int port);

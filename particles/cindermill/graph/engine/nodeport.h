@@ -5,14 +5,14 @@
 #include <cstddef>
 
 // How the values of a port are reached.
-enum TPortWay
+enum TPortAccess
 {
     // They are copied as they stand.
-    PW_PLAIN,
+    PA_PLAIN,
     // Each has to be converted.
     PW_CONVERTED,
     // Through the checked functions: somebody watches the port, or there is nothing behind it.
-    PW_CHECKED
+    PA_CHECKED
 };
 
 // Where the values of one port stand while its node goes over the particles: for the node classes, whose
@@ -41,7 +41,7 @@ struct TNodePort
     int Zeros = 0;
 
     // What is found ahead of the loop.
-    TPortWay Way = PW_CHECKED;
+    TPortAccess Access = PA_CHECKED;
     // The attribute at ring position 0, and the bytes from one position to the next.
     uint8_t* Data = nullptr;
     ptrdiff_t Stride = 0;
@@ -62,7 +62,7 @@ struct TNodePort
     void UseOwn(const TPortValue& value)
     {
         Staged[0] = value;
-        Way = PW_PLAIN;
+        Access = PA_PLAIN;
         Data = reinterpret_cast<uint8_t*>(Staged[0].GetFloats());
         Stride = 0;
         Floats = MaxValueFloats;

@@ -94,14 +94,14 @@ void TParticleNode::StageInputs(int base, int index, int step, int count)
 {
     for (int i = 0; i < NumInputs; ++i) {
         TNodePort& p = Inputs[i];
-        if (p.Way == PW_PLAIN) {
+        if (p.Access == PA_PLAIN) {
             p.UseAttribute(base);
             continue;
         }
         const int lowest = p.UseStaged(index, step, count);
         for (int k = index, left = count; left > 0; --left, k += step) {
             TPortValue value;
-            if (p.Way == PW_CONVERTED)
+            if (p.Access == PW_CONVERTED)
                 ConvertValue(p.From, p.To, p.AttributeAt(base + k), value.GetFloats());
             else
                 value = ReadInput(i, k);
@@ -113,7 +113,7 @@ void TParticleNode::StageInputs(int base, int index, int step, int count)
 void TParticleNode::StageOutputs(int base, int index, int step, int count)
 {
     for (int o = 0; o < NumOutputs; ++o) {
-        if (Outputs[o].Way == PW_PLAIN)
+        if (Outputs[o].Access == PA_PLAIN)
             Outputs[o].UseAttribute(base);
         else
             Outputs[o].UseStaged(index, step, count);
@@ -124,10 +124,10 @@ void TParticleNode::WriteStaged(int base, int index, int step, int count)
 {
     for (int o = 0; o < NumOutputs; ++o) {
         const TNodePort& p = Outputs[o];
-        if (p.Way == PW_PLAIN)
+        if (p.Access == PA_PLAIN)
             continue;
         for (int k = index, left = count; left > 0; --left, k += step) {
-            if (p.Way == PW_CONVERTED)
+            if (p.Access == PW_CONVERTED)
                 ConvertValue(p.From, p.To, p.At(k), p.AttributeAt(base + k));
             else
                 SetOutput(o, k, p.At(k));
@@ -175,17 +175,17 @@ void TParticleNode::ChooseStaging()
 {
     bool stagesInputs = false;
     for (int i = 0; i < NumInputs; ++i)
-        stagesInputs = stagesInputs || Inputs[i].Way != PW_PLAIN;
+        stagesInputs = stagesInputs || Inputs[i].Access != PA_PLAIN;
     bool stagesOutputs = false;
     bool isShared = false;
     for (int o = 0; o < NumOutputs; ++o) {
-        stagesOutputs = stagesOutputs || Outputs[o].Way != PW_PLAIN;
+        stagesOutputs = stagesOutputs || Outputs[o].Access != PA_PLAIN;
         isShared = isShared || IsOutputShared(o);
     }
     // Two outputs may be one attribute, which has to end with the last one's value.
     for (int o = 0; stagesOutputs && o < NumOutputs; ++o)
-        if (Outputs[o].Way == PW_PLAIN && !Outputs[o].IsOwn())
-            Outputs[o].Way = PW_CONVERTED;
+        if (Outputs[o].Access == PA_PLAIN && !Outputs[o].IsOwn())
+            Outputs[o].Access = PW_CONVERTED;
     PieceSize = INT_MAX;
     if (stagesInputs || stagesOutputs)
         PieceSize = isShared ? 1 : TNodePort::NumStaged;
@@ -211,7 +211,7 @@ void TParticleNode::FindInputPort(int port)
     }
     p.FromFloats = GetTypeFloats(p.From);
     // Nothing of the attribute comes through.
-    if (p.Way == PW_PLAIN && p.Floats == 0)
+    if (p.Access == PA_PLAIN && p.Floats == 0)
         p.UseOwn(TPortValue());
 }
 
@@ -221,12 +221,12 @@ void TParticleNode::FindOutputPort(int port)
     p.From = GetNodeType()->GetOutputType(port);
     const int attrib = GetSchedule().GetTiedNodeOutput(Group, TiedNode, port);
     if (IsTracing()) {
-        p.Way = PW_CHECKED;
+        p.Access = PA_CHECKED;
     } else if (attrib != -1) {
         p.To = GetSchedule().GetAttributeType(Group, attrib);
         FindAttribute(p, attrib);
-        if (p.Way == PW_PLAIN && p.Floats == 0)
-            p.Way = PW_CONVERTED;
+        if (p.Access == PA_PLAIN && p.Floats == 0)
+            p.Access = PW_CONVERTED;
     } else {
         p.UseOwn(TPortValue());
     }
@@ -236,7 +236,7 @@ void TParticleNode::FindAttribute(TNodePort& port, int attrib)
 {
     const int usage = GetSchedule().GetAttributeUsage(Group, attrib);
     const bool perParticle = TParticleBuffer::IsPerParticle(usage);
-    port.Way = PW_CHECKED;
+    port.Access = PA_CHECKED;
     port.Data = nullptr;
     // What reads a particle that is not there has to fail as the checked way does.
     if (perParticle && Buffer->GetNumParticles() == 0)
@@ -246,5 +246,5 @@ void TParticleNode::FindAttribute(TNodePort& port, int attrib)
     port.Stride = perParticle ? block.Stride : 0;
     port.Floats = GetPlainFloats(port.From, port.To);
     port.Zeros = GetTypeFloats(port.To) - port.Floats;
-    port.Way = port.Floats >= 0 ? PW_PLAIN : PW_CONVERTED;
+    port.Access = port.Floats >= 0 ? PA_PLAIN : PW_CONVERTED;
 }

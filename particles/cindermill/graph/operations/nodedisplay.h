@@ -5,7 +5,7 @@
 class TEffectNode;
 class TSceneView;
 
-// What the preview draws for a node that has a place in space. The class is named by the node's type.
+// What the preview draws for a node that has a position in space. The class is named by the node's type.
 class TNodeDisplay : public TRegistered<TNodeDisplay>
 {
 public:

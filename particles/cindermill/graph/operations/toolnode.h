@@ -6,7 +6,7 @@
 class TEditContext;
 class TNodeDisplay;
 
-// A node of a document: a graph node with a place in the graph view.
+// A node of a document: a graph node with a position in the graph view.
 //
 // Once it is in the document's chunk file, that file owns it, its node type and all parameters. Before that,
 // and after UnregisterChunks, it owns its node type.

@@ -71,7 +71,7 @@ struct TFragmentSource
     bool IsAbsolute;
 };
 
-// One fragment instruction in the host's order, with its place in the program.
+// One fragment instruction in the host's order, with its position in the program.
 struct TFragmentInstruction
 {
     uint32_t Words[4];

@@ -191,14 +191,14 @@ void TQdxRegisterMap::Assign(int size)
         for (int i = first[position]; i < first[position + 1]; ++i) {
             const TRegisterInterval& interval = Intervals[sorted[i]];
             if (interval.Start == position)
-                TakeRegister(interval);
+                OccupyRegister(interval);
             if (interval.End == position)
                 FreeRegister(interval);
         }
     }
 }
 
-void TQdxRegisterMap::TakeRegister(const TRegisterInterval& interval)
+void TQdxRegisterMap::OccupyRegister(const TRegisterInterval& interval)
 {
     int i = 0;
     while (i < ArbNumRegs && IsTaken[i])

@@ -58,7 +58,7 @@ private:
     bool StartsInterval(const vector<TFragmentInstruction>& code, int instruction) const;
     bool IsRestUnseen(const TFragmentInstruction& write, const TAhead& ahead, int live) const;
     void Assign(int size);
-    void TakeRegister(const TRegisterInterval& interval);
+    void OccupyRegister(const TRegisterInterval& interval);
     void FreeRegister(const TRegisterInterval& interval);
     int GetArbRegister(int qdxidx) const;
 

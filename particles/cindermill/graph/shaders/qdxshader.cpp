@@ -432,7 +432,7 @@ void PointAtStream(unsigned attribute, const TQdxShader::TStreamSlot& slot, int 
 {
     TVertexStream& stream = *slot.Buffer;
     const TVertexStream::TElement& element = stream.GetElementAt(slot.Offset);
-    const TVertexStream::TPlace place = stream.GetPlace();
+    const TVertexStream::TPosition place = stream.GetPosition();
     const size_t item =
         perVertex ? 0 : static_cast<size_t>(firstItem) * static_cast<size_t>(stream.GetStride());
     TVertexArray array;

@@ -29,12 +29,12 @@ const TVertexOperation& GetOperation(const TVertexInstruction& instruction, bool
 }
 
 // The operands of one operation; the scalar one takes none but source 2.
-bool TakesSource(const TVertexInstruction& instruction, bool isVector, int n)
+bool UsesSource(const TVertexInstruction& instruction, bool isVector, int n)
 {
     return (GetOperation(instruction, isVector).Operands & (FL_OperandSource0 >> (4 * n))) != 0;
 }
 
-bool TakesDestination(const TVertexInstruction& instruction, bool isVector)
+bool UsesDestination(const TVertexInstruction& instruction, bool isVector)
 {
     return (GetOperation(instruction, isVector).Operands & FL_OperandDestination) != 0;
 }
@@ -111,7 +111,7 @@ void TQdxVertexProgram::Analyse(const TVertexInstruction& instruction)
 
 void TQdxVertexProgram::AnalyseSource(const TVertexInstruction& instruction, bool isVector, int n)
 {
-    if (TakesSource(instruction, isVector, n) && instruction.GetSource(n).Type == TY_VertexSourceConstant &&
+    if (UsesSource(instruction, isVector, n) && instruction.GetSource(n).Type == TY_VertexSourceConstant &&
         !instruction.ReadsAddress(isVector))
         EnterConstant(instruction);
 }
@@ -157,14 +157,14 @@ void TQdxVertexProgram::WriteHeader(TProgramText& text) const
 void TQdxVertexProgram::WriteInstruction(TProgramText& body, const TVertexInstruction& instruction)
 {
     // Labels stand at a number of operations, not of instructions.
-    if (TakeLabel())
+    if (ReadLabel())
         body.Print("label%d:\n", NextLabel - 1);
     const bool hasVector = instruction.GetVectorOpcode() != TY_VertexNop;
     if (hasVector) {
         WriteOperation(body, instruction, true);
         ++OperationCount;
     }
-    if (TakeLabel())
+    if (ReadLabel())
         body.Print("\nlabel%d:", NextLabel - 1);
     if (instruction.GetScalarOpcode() != TY_ScalarNop) {
         if (hasVector)
@@ -178,7 +178,7 @@ void TQdxVertexProgram::WriteInstruction(TProgramText& body, const TVertexInstru
     body.Append("\n");
 }
 
-bool TQdxVertexProgram::TakeLabel()
+bool TQdxVertexProgram::ReadLabel()
 {
     if (NextLabel == Labels.size() || Labels[NextLabel] != OperationCount)
         return false;
@@ -193,7 +193,7 @@ void TQdxVertexProgram::WriteOperation(TProgramText& body, const TVertexInstruct
         WriteTextureFixUp(body, instruction);
     body.Append(GetOperation(instruction, isVector).Name);
     WriteModifiers(body, instruction);
-    if (TakesDestination(instruction, isVector))
+    if (UsesDestination(instruction, isVector))
         WriteDestination(body, instruction, isVector);
     if (!isVector && instruction.IsBranch()) {
         const int label = Labels.index_of(static_cast<uint16_t>(instruction.GetBranchTarget()));
@@ -246,19 +246,19 @@ void TQdxVertexProgram::WriteSources(TProgramText& body, const TVertexInstructio
         const bool isTexture = instruction.GetVectorOpcode() == TY_VertexTxl;
         if (isTexture) {
             body.Append(",_t");
-        } else if (TakesSource(instruction, isVector, 0)) {
+        } else if (UsesSource(instruction, isVector, 0)) {
             body.Append(",");
             WriteSource(body, instruction, isVector, 0);
         }
-        if (TakesSource(instruction, isVector, 1)) {
+        if (UsesSource(instruction, isVector, 1)) {
             body.Append(",");
             WriteSource(body, instruction, isVector, 1);
         } else if (isTexture) {
             body.Print(",texture[%d],2D", instruction.GetSampler());
         }
     }
-    if (TakesSource(instruction, isVector, 2)) {
-        if (TakesDestination(instruction, isVector))
+    if (UsesSource(instruction, isVector, 2)) {
+        if (UsesDestination(instruction, isVector))
             body.Append(",");
         WriteSource(body, instruction, isVector, 2);
     }

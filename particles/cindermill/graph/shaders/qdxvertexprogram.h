@@ -52,7 +52,7 @@ private:
     void WriteDestination(TProgramText& body, const TVertexInstruction& instruction, bool isVector);
     void WriteSources(TProgramText& body, const TVertexInstruction& instruction, bool isVector);
     void WriteSource(TProgramText& body, const TVertexInstruction& instruction, bool isVector, int n);
-    bool TakeLabel();
+    bool ReadLabel();
 
     TString Text;
     TQdxVertexRanges Ranges;

@@ -29,13 +29,13 @@ void TVertexStream::Upload()
     BufferId = static_cast<int>(name);
 }
 
-TVertexStream::TPlace TVertexStream::GetPlace()
+TVertexStream::TPosition TVertexStream::GetPosition()
 {
     if (BufferId == -1)
         Upload();
     if (SoftwareVertices || BufferId == -1)
-        return TPlace{0, static_cast<const uint8_t*>(Data)};
-    return TPlace{static_cast<unsigned>(BufferId), nullptr};
+        return TPosition{0, static_cast<const uint8_t*>(Data)};
+    return TPosition{static_cast<unsigned>(BufferId), nullptr};
 }
 
 const TVertexStream::TElement& TVertexStream::GetElementAt(int offset) const

@@ -19,7 +19,7 @@ public:
         bool Normalised = false;
     };
 
-    struct TPlace
+    struct TPosition
     {
         // 0 for none.
         unsigned Buffer = 0;
@@ -36,7 +36,7 @@ public:
     // Replaces all of the card's copy. Without a ready OpenGL, or with software vertices, there is none.
     void Upload();
     // Where attributes are read from: the buffer, which is made if need be, or else the data itself.
-    TPlace GetPlace();
+    TPosition GetPosition();
 
     void* GetData() const { return Data; }
     int GetSize() const { return Size; }

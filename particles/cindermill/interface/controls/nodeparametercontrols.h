@@ -12,7 +12,7 @@ class TToolNode;
 
 // The controls of one parameter in the open panel of a node. They never write the parameter: each change of a
 // person becomes an operation of the document, and the parameter's callback shows what has come of it. The
-// group's place is the left top of the controls; the label stands left of it.
+// group's position is the left top of the controls; the label stands left of it.
 class TNodeParameterControls : public TRegistered<TNodeParameterControls, TRenderObjects>
 {
 public:
@@ -40,7 +40,7 @@ public:
     const TString& GetLabel() const { return Label; }
     // The label's left top; its left is below 0.
     const TVector2& GetLabelRect() const { return LabelRect; }
-    // The group's place below the panel's top, its left as it is.
+    // The group's position below the panel's top, its left as it is.
     void SetTop(float y);
     TNodeParameter* GetParameter() const { return Parameter; }
     TToolNode* GetToolNode() const { return ToolNode; }

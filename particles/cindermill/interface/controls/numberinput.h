@@ -20,7 +20,7 @@ public:
 
     explicit TNumberInput(TControlHost& host);
 
-    // A float with four places and a step of 0.1, or a whole number of 32 bits.
+    // A float with four decimals and a step of 0.1, or a whole number of 32 bits.
     void Build(const TVector2& size, bool isFloat, float fontSize = 10.0f);
     void SetRange(double min, double max);
     double GetMin() const { return Min; }

@@ -114,7 +114,7 @@ int TRampDrawing::GetGridLines(int axis, double& first, double& step) const
 float TRampDrawing::GetGridPlace(int axis, double value) const
 {
     const float number = static_cast<float>(value);
-    return Picture.View.ToPlace(axis == 0 ? TRampPoint{number, 0} : TRampPoint{0, number})[axis];
+    return Picture.View.ToPosition(axis == 0 ? TRampPoint{number, 0} : TRampPoint{0, number})[axis];
 }
 
 void TRampDrawing::DrawGrid(int axis)
@@ -259,8 +259,8 @@ void TRampDrawing::DrawEnds(int source)
     const TRampCurve& curve = Picture.Model.GetCurve(source);
     if (curve.GetNumPoints() == 0)
         return;
-    const TVector2 first = Picture.View.ToPlace(curve.GetPoint(0));
-    const TVector2 last = Picture.View.ToPlace(curve.GetPoint(curve.GetNumPoints() - 1));
+    const TVector2 first = Picture.View.ToPosition(curve.GetPoint(0));
+    const TVector2 last = Picture.View.ToPosition(curve.GetPoint(curve.GetNumPoints() - 1));
     if (!std::isfinite(first[1]) || !std::isfinite(last[1]))
         return;
     Target.SetColour(WithAlpha(GetRampColour(source), 0.35f));
@@ -277,8 +277,8 @@ void TRampDrawing::DrawArms(int source)
     for (int i = 0; i < curve.GetNumPoints(); ++i)
         if (!TRampCurve::IsAnchor(i)) {
             const int anchor = i % 3 == 1 ? i - 1 : i + 1;
-            Target.DrawLine(Picture.View.ToPlace(curve.GetPoint(anchor)),
-                            Picture.View.ToPlace(curve.GetPoint(i)), Pixels(1));
+            Target.DrawLine(Picture.View.ToPosition(curve.GetPoint(anchor)),
+                            Picture.View.ToPosition(curve.GetPoint(i)), Pixels(1));
         }
 }
 
@@ -297,7 +297,7 @@ void TRampDrawing::DrawPoints(int source)
             const bool anchor = TRampCurve::IsAnchor(i);
             const int turn = lit ? 2 : anchor ? 1 : 0;
             if (turn == pass && Picture.Model.IsSelectable(source, i))
-                DrawPoint(Picture.View.ToPlace(curve.GetPoint(i)), anchor, lit, active,
+                DrawPoint(Picture.View.ToPosition(curve.GetPoint(i)), anchor, lit, active,
                           GetRampColour(source));
         }
 }

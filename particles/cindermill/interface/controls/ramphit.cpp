@@ -48,7 +48,7 @@ void OfferPoints(TNearest& nearest, const TRampModel& model, const TRampView& vi
         const int kind = TRampCurve::IsAnchor(i) ? 0 : 1;
         const int rank = kind * 2 + (selected ? 0 : 1);
         nearest.Offer(TRampHit{RH_POINT, {source, i}}, rank * 4 + GetPointRank(curve, i),
-                      (view.ToPlace(curve.GetPoint(i)) - place).Length());
+                      (view.ToPosition(curve.GetPoint(i)) - place).Length());
     }
 }
 

@@ -46,11 +46,11 @@ void TRampPaths::Rebuild(const TRampModel& model, const TRampView& view)
         if (curve.GetNumPoints() == 0 || !model.IsShown(source))
             continue;
         TVector2 places[4];
-        places[3] = GetDrawable(view.ToPlace(curve.GetPoint(0)));
+        places[3] = GetDrawable(view.ToPosition(curve.GetPoint(0)));
         path.MoveTo(places[3]);
         for (int i = 1; i < curve.GetNumPoints(); i += 3) {
             for (int k = 0; k < 3; ++k)
-                places[k + 1] = GetDrawable(view.ToPlace(curve.GetPoint(i + k)));
+                places[k + 1] = GetDrawable(view.ToPosition(curve.GetPoint(i + k)));
             if (model.IsLinear())
                 path.LineTo(places[3]);
             else

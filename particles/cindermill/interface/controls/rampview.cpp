@@ -67,7 +67,7 @@ void TRampView::Follow(const TRampModel& model)
         Fit(model);
 }
 
-TVector2 TRampView::ToPlace(const TRampPoint& point) const
+TVector2 TRampView::ToPosition(const TRampPoint& point) const
 {
     const TVector2 zero = GetZero();
     return TVector2(static_cast<float>(zero[0] + point.X * GetTimePixels() - ViewX),

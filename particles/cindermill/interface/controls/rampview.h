@@ -56,7 +56,7 @@ public:
     double GetTimePixels() const { return double(PixelScaleX) * ViewScale[0]; }
     double GetValuePixels() const { return double(PixelScaleY) * ViewScale[1]; }
     float GetValueSpan() const { return ValueSpan; }
-    TVector2 ToPlace(const TRampPoint& point) const;
+    TVector2 ToPosition(const TRampPoint& point) const;
     TRampPoint ToPoint(const TVector2& place) const;
     // The step of the grid of an axis: 1, 2, 2.5 or 5 times a power of ten, and nothing that two decimals
     // cannot tell.

@@ -419,7 +419,7 @@ void TTextEdit::Replace(int first, int end, const char* text)
 }
 
 // From the left of the text.
-float TTextEdit::GetPlace(int index) const
+float TTextEdit::GetPosition(int index) const
 {
     if (!Font.IsCreated())
         return 0.0f;
@@ -450,8 +450,8 @@ int TTextEdit::FindIndex(float x) const
 void TTextEdit::ScrollToCaret()
 {
     const float room = Size[0] - 2 * TextInset;
-    const float caret = GetPlace(Caret);
-    const float rest = GetPlace(Text.Length()) - room;
+    const float caret = GetPosition(Caret);
+    const float rest = GetPosition(Text.Length()) - room;
     if (caret - Scroll > room)
         Scroll = caret - room;
     if (caret < Scroll)
@@ -506,7 +506,7 @@ void TTextEdit::Render(TRenderer& renderer)
     if (keyboard && !ReadOnly)
         AddTick(this);
     // Clipping costs much more than the text, and most texts have room.
-    const bool clips = GetPlace(Text.Length()) > Size[0] - 2 * TextInset;
+    const bool clips = GetPosition(Text.Length()) > Size[0] - 2 * TextInset;
     if (clips)
         renderer.PushWindow(TVector2(TextInset - 1, 1), Size - TVector2(TextInset - 1, 1));
     RenderMarks(renderer, keyboard);
@@ -528,13 +528,13 @@ void TTextEdit::RenderMarks(TRenderer& renderer, bool keyboard)
         GetSelection(first, end);
         const float left = TextInset - Scroll;
         renderer.SetColour(GetSelectionColour());
-        renderer.DrawRectangle(TVector2(left + GetPlace(first), Margin),
-                               TVector2(left + GetPlace(end), Size[1] - Margin));
+        renderer.DrawRectangle(TVector2(left + GetPosition(first), Margin),
+                               TVector2(left + GetPosition(end), Size[1] - Margin));
     }
     BlinkShown = IsBlinkOn();
     if (!keyboard || ReadOnly || !BlinkShown)
         return;
-    const float x = TextInset - Scroll + GetPlace(Caret);
+    const float x = TextInset - Scroll + GetPosition(Caret);
     renderer.SetColour(GetControlInk(0));
     renderer.DrawRectangle(TVector2(x - 0.5f, Margin),
                            TVector2(x - 0.5f + GetPixelLength(renderer, 1, 1), Size[1] - Margin));

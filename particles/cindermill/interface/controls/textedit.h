@@ -90,7 +90,7 @@ private:
     int FindWord(int from, int step) const;
     void SelectWord(int at);
     void SetRange(int anchor, int caret);
-    float GetPlace(int index) const;
+    float GetPosition(int index) const;
     int FindIndex(float x) const;
     void ScrollToCaret();
     void Redraw();

@@ -27,7 +27,7 @@ TNodeObj* AsNode(TRenderObject* object)
 }
 
 // Truncated, but for places that only rounding has kept from being whole.
-int ToPlace(float place)
+int ToPosition(float place)
 {
     constexpr double Slack = 1.0 / 256.0;
     const double nearest = std::floor(place + 0.5);
@@ -147,7 +147,7 @@ void TGraphCanvas::CancelDrag()
     if (!IsDragging())
         return;
     if (Drag == DM_NODES)
-        PlaceNodes(0, 0);
+        MoveNodesBy(0, 0);
     if (Drag == DM_SIZE)
         Grabbed->SetWishedSize(SizeBefore);
     if (Drag == DM_PRESS)
@@ -210,7 +210,7 @@ bool TGraphCanvas::OnNodePressed(TNodeObj& node, const TVector2& point)
     return true;
 }
 
-void TGraphCanvas::PlaceNodes(int dx, int dy)
+void TGraphCanvas::MoveNodesBy(int dx, int dy)
 {
     for (TToolNode* node : Dragged) {
         TNodeObj* object = Scene.FindNode(node);
@@ -222,13 +222,13 @@ void TGraphCanvas::PlaceNodes(int dx, int dy)
     }
 }
 
-// The grabbed node's place is a whole number; the other nodes keep their distance to it.
+// The grabbed node's position is a whole number; the other nodes keep their distance to it.
 void TGraphCanvas::MoveNodes(const TVector2& pointer)
 {
     const TVector2 place = pointer - Grabbed->GetPressPoint();
-    DeltaX = Distance(ToPlace(place[0]), Grabbed->GetToolNode()->GetX());
-    DeltaY = Distance(ToPlace(place[1]), Grabbed->GetToolNode()->GetY());
-    PlaceNodes(DeltaX, DeltaY);
+    DeltaX = Distance(ToPosition(place[0]), Grabbed->GetToolNode()->GetX());
+    DeltaY = Distance(ToPosition(place[1]), Grabbed->GetToolNode()->GetY());
+    MoveNodesBy(DeltaX, DeltaY);
 }
 
 void TGraphCanvas::FinishNodes()

@@ -59,7 +59,7 @@ private:
     void EndDrag();
     void MoveNodes(const TVector2& pointer);
     void FinishNodes();
-    void PlaceNodes(int dx, int dy);
+    void MoveNodesBy(int dx, int dy);
     void FinishPress(const TVector2& pointer);
     bool IsInView(double x, double y) const;
     void AimEdge(const TVector2& pointer, TPort* under);

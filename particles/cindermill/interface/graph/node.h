@@ -22,7 +22,7 @@ public:
     void SetVisualState(int code) { Panel.SetVisualState(code); }
     void Render(TRenderer& renderer) override { Panel.Render(renderer); }
     void GetBounds(TVector2& min, TVector2& max) override;
-    // The point is relative to the node's place.
+    // The point is relative to the node's position.
     int GetRegion(const TVector2& point) const;
     TVector2 GetSize() const { return Panel.GetSize(); }
     TNodePanel& GetPanel() { return Panel; }

@@ -76,13 +76,13 @@ void TNodeExp::BuildFor(const TNodeType& type)
     for (int i = 0; i < type.GetNumOutputs(); ++i)
         Ports.push_back(new TPort(nullptr, i, false, type.GetOutput(i).Name));
     for (TPort* port : Ports)
-        port->SetOrigin(GetPortPlace(port->IsInput(), port->GetIndex(), GetSize()[0]));
+        port->SetOrigin(GetPortOffset(port->IsInput(), port->GetIndex(), GetSize()[0]));
     TouchBounds();
 }
 
 void TNodeExp::Build(const TNodeType& type, const TVector2& closedSize)
 {
-    const TVector2 room = PlaceControls(closedSize[1] + ControlsTop);
+    const TVector2 room = LayoutControls(closedSize[1] + ControlsTop);
     TVector2 size = closedSize;
     if (HasVisibleControls()) {
         const float width = static_cast<float>(room[0] + 2.0 * ControlsSide);
@@ -94,7 +94,7 @@ void TNodeExp::Build(const TNodeType& type, const TVector2& closedSize)
     TouchBounds();
 }
 
-TVector2 TNodeExp::PlaceControls(float top)
+TVector2 TNodeExp::LayoutControls(float top)
 {
     // The groups' own places stand in one line; their labels end left of it.
     TVector2 min;

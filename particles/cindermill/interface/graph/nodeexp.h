@@ -62,7 +62,7 @@ private:
     };
 
     // Puts the visible controls below each other; returns the room that they take.
-    TVector2 PlaceControls(float top);
+    TVector2 LayoutControls(float top);
     void DeletePorts();
 
     TNodePanel Panel;

@@ -98,7 +98,7 @@ TVector2 MeasureNode(const TNodeType& type)
     return TVector2(Larger(width, titleWidth), static_cast<float>(double(NodeRowHeight) * rows + 10 + 5));
 }
 
-float GetTitlePlace(const TNodeType& type, float titleWidth, float width)
+float GetTitleLeft(const TNodeType& type, float titleWidth, float width)
 {
     const float boxEnd = NodeBoxLeft + NodeBoxSize;
     const float first = (type.HasFlag(FL_BYPASSABLE) ? boxEnd : NodeBoxLeft) + TitleSpace;
@@ -114,7 +114,7 @@ float GetPortRow(int index)
     return static_cast<float>(NodeTitleHeight + double(NodeRowHeight) * (index + 0.5) - 0.5);
 }
 
-TVector2 GetPortPlace(bool isInput, int index, float width)
+TVector2 GetPortOffset(bool isInput, int index, float width)
 {
     return TVector2(isInput ? -PortOverhang : width + PortOverhang, GetPortRow(index));
 }

@@ -42,9 +42,9 @@ private:
 TVector2 MeasureNode(const TNodeType& type);
 // Where the title begins that is so wide, in a panel of a width: in the middle, unless that is too close to
 // what stands in the title bar's ends.
-float GetTitlePlace(const TNodeType& type, float titleWidth, float width);
+float GetTitleLeft(const TNodeType& type, float titleWidth, float width);
 // The centre of a port in a panel of a width.
-TVector2 GetPortPlace(bool isInput, int index, float width);
+TVector2 GetPortOffset(bool isInput, int index, float width);
 // The middle of a port's row.
 float GetPortRow(int index);
 // The share of its usual segments that a round outline of a node needs.

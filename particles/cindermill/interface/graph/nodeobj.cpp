@@ -85,13 +85,13 @@ void TNodeObj::BuildPorts()
         port->SetParent(this);
 }
 
-void TNodeObj::PlacePorts()
+void TNodeObj::LayoutPorts()
 {
     const float width = GetSize()[0];
     for (TPort* port : InPorts)
-        port->SetOrigin(GetPortPlace(true, port->GetIndex(), width));
+        port->SetOrigin(GetPortOffset(true, port->GetIndex(), width));
     for (TPort* port : OutPorts)
-        port->SetOrigin(GetPortPlace(false, port->GetIndex(), width));
+        port->SetOrigin(GetPortOffset(false, port->GetIndex(), width));
 }
 
 void TNodeObj::BuildPanels()
@@ -104,7 +104,7 @@ void TNodeObj::BuildPanels()
     Body.Build(type, size);
     if (PanelBuilt)
         Expanded.Build(type, size);
-    PlacePorts();
+    LayoutPorts();
     TouchBounds();
 }
 
@@ -221,7 +221,7 @@ void TNodeObj::Tick(TRenderer* renderer)
 {
     (void)renderer;
     RemoveTick(this);
-    PlacePorts();
+    LayoutPorts();
     LayoutEdges();
     SendToParent(RE_REDRAW, TVector2(0, 0), 0);
 }
@@ -329,7 +329,7 @@ TPort* TNodeObj::FindDropPort(const TVector2& point)
 
 TVector2 TNodeObj::GetPortPosition(bool input, int index) const
 {
-    return Origin + GetPortPlace(input, index, GetSize()[0]);
+    return Origin + GetPortOffset(input, index, GetSize()[0]);
 }
 
 void TNodeObj::MarkPorts(const TPort& port, bool on, const TToolEdge* away)
@@ -443,7 +443,7 @@ void TNodeObj::FinishPress(const TVector2& point)
         return;
     }
     SetOpen(Collapsed);
-    PlacePorts();
+    LayoutPorts();
     Scene.GetCanvas().MoveToFront(this);
     SendToParent(RE_REDRAW, point, 0);
 }

@@ -29,14 +29,14 @@ public:
     void Build(TToolNode* toolNode);
     // The node's type has changed: its name, say. The edges follow.
     void Relayout();
-    // The node's place, connections or bypassing have changed. The edges follow.
+    // The node's position, connections or bypassing have changed. The edges follow.
     void Refresh();
     void SetSelected(bool selected);
     bool IsSelected() const;
     bool IsCollapsed() const { return Collapsed; }
     bool IsPressed() const { return MousePressed; }
     // While the mouse holds the button that opens and closes: the canvas runs the press. The point is
-    // relative to the node's place.
+    // relative to the node's position.
     void FollowPress(const TVector2& point);
     void FinishPress(const TVector2& point);
     void ReleaseButton();
@@ -72,8 +72,8 @@ public:
     TPort& GetPort(bool input, int index) { return *(input ? InPorts : OutPorts)[index]; }
     // Relative to the canvas.
     TVector2 GetPortPosition(bool input, int index) const;
-    // The port under a point that is relative to the node's place. A drag that ends need not meet the disc:
-    // the label's row will do.
+    // The port under a point that is relative to the node's position. A drag that ends need not meet the
+    // disc: the label's row will do.
     TPort* FindPort(const TVector2& point);
     TPort* FindDropPort(const TVector2& point);
     // Marks the ports at which an edge from the port may end when the other edge, if there is one, is away;
@@ -87,7 +87,7 @@ public:
 private:
     void DeletePorts();
     void BuildPorts();
-    void PlacePorts();
+    void LayoutPorts();
     void BuildPanels();
     void BuildControls();
     void AddControls(TNodeParameter& parameter, int inputPort);

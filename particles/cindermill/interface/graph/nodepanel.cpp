@@ -58,7 +58,7 @@ TVector4 MakeColour(const float* channels)
     return TVector4(channels[0], channels[1], channels[2], channels[3]);
 }
 
-float GetPlace(const TPanelEdge& edge, float size, float split)
+float GetPosition(const TPanelEdge& edge, float size, float split)
 {
     return static_cast<float>(double(edge.OfSize) * size + double(edge.OfSplit) * split + edge.Offset);
 }
@@ -113,8 +113,8 @@ int FindPanelRegion(const TPanelRegion* table, int numRegions, const TVector2& s
 {
     for (int i = 0; i < numRegions; ++i) {
         const TPanelRegion& row = table[i];
-        if (point[0] >= GetPlace(row.Left, size[0], 0) && point[0] < GetPlace(row.Right, size[0], 0) &&
-            point[1] >= GetPlace(row.Top, size[1], 0) && point[1] < GetPlace(row.Bottom, size[1], 0))
+        if (point[0] >= GetPosition(row.Left, size[0], 0) && point[0] < GetPosition(row.Right, size[0], 0) &&
+            point[1] >= GetPosition(row.Top, size[1], 0) && point[1] < GetPosition(row.Bottom, size[1], 0))
             return row.Region;
     }
     return -1;
@@ -142,8 +142,8 @@ const TPanelPath& TNodePanel::GetRow(int i) const
 
 void TNodePanel::BuildPath(const TPanelPath& row, TRenderPath& path) const
 {
-    const TVector2 min(GetPlace(row.Left, Size[0], 0), GetPlace(row.Top, Size[1], Split));
-    const TVector2 max(GetPlace(row.Right, Size[0], 0), GetPlace(row.Bottom, Size[1], Split));
+    const TVector2 min(GetPosition(row.Left, Size[0], 0), GetPosition(row.Top, Size[1], Split));
+    const TVector2 max(GetPosition(row.Right, Size[0], 0), GetPosition(row.Bottom, Size[1], Split));
     path.Clear();
     path.SetWidth(0);
     const bool missing = row.Top.OfSplit != 0 && !(Size[1] > Split);
@@ -165,8 +165,9 @@ bool TNodePanel::GetInside(int i, TVector2& min, TVector2& max) const
     if (!Paths[i].IsClosed() || row.Corners == PC_RISING)
         return false;
     const float inset = row.Radius * CornerShare + Slack;
-    min = TVector2(GetPlace(row.Left, Size[0], 0) + inset, GetPlace(row.Top, Size[1], Split) + inset);
-    max = TVector2(GetPlace(row.Right, Size[0], 0) - inset, GetPlace(row.Bottom, Size[1], Split) - inset);
+    min = TVector2(GetPosition(row.Left, Size[0], 0) + inset, GetPosition(row.Top, Size[1], Split) + inset);
+    max =
+        TVector2(GetPosition(row.Right, Size[0], 0) - inset, GetPosition(row.Bottom, Size[1], Split) - inset);
     return true;
 }
 
@@ -314,7 +315,7 @@ void TNodePanel::RenderTitle(TRenderer& renderer) const
     TVector4 edge = ShiftColour(own, colour[0] > 0.5f ? -0.35f : 0.15f);
     colour[3] = Opacity;
     edge[3] = 0.75f * Opacity;
-    const TVector2 place(GetTitlePlace(*Type, size[0], Size[0]), (NodeTitleHeight - size[1]) * 0.5f + 0.75f);
+    const TVector2 place(GetTitleLeft(*Type, size[0], Size[0]), (NodeTitleHeight - size[1]) * 0.5f + 0.75f);
     // Below the letters, by a pixel.
     if (!TNodeFonts::IsFar(zoom))
         font.DrawText(renderer, place + TVector2(0, 1.0f / zoom), Type->Name.Print(), edge);

@@ -7,8 +7,8 @@
 
 class TNodeType;
 
-// The look of a panel of nodes is a table of outlines, drawn in order. A place of an outline is a part of the
-// panel's size plus a part of its split, the height at which the ports end, plus a constant.
+// The look of a panel of nodes is a table of outlines, drawn in order. A position of an outline is a part of
+// the panel's size plus a part of its split, the height at which the ports end, plus a constant.
 struct TPanelEdge
 {
     float OfSize;

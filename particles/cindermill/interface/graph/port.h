@@ -6,7 +6,7 @@
 
 class TNodeObj;
 
-// A port of a node: a disc, hollow while nothing is connected. Its place is the disc's centre.
+// A port of a node: a disc, hollow while nothing is connected. Its position is the disc's centre.
 class TPort : public TRenderObject
 {
 public:

@@ -44,19 +44,19 @@ void TParticleTimeline::Layout()
         return;
     constexpr int margin = 4;
     constexpr int height = Height - 2 * margin;
-    struct TPlace
+    struct TPosition
     {
         TWimpControl* Control;
         int Width;
         int Gap;
     };
-    const TPlace places[] = {{&UpdateButton, 80, 12}, {&TimeLabel, 38, 2},   {&TimeField, 72, 12},
-                             {&StepButton, 28, 2},    {&PauseButton, 28, 2}, {&PlayButton, 28, 0}};
+    const TPosition places[] = {{&UpdateButton, 80, 12}, {&TimeLabel, 38, 2},   {&TimeField, 72, 12},
+                                {&StepButton, 28, 2},    {&PauseButton, 28, 2}, {&PlayButton, 28, 0}};
     int width = 0;
     int stripHeight = 0;
     GetSize(width, stripHeight);
     int x = margin;
-    for (const TPlace& place : places) {
+    for (const TPosition& place : places) {
         place.Control->MoveTo(x, margin, place.Width, height);
         x += place.Width + place.Gap;
     }

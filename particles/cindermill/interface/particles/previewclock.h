@@ -31,7 +31,7 @@ public:
     // Whether there is an effect that moves.
     bool IsRunning() const;
     float GetTime() const;
-    // The engine's time to two places.
+    // The engine's time to two decimals.
     void GetTimeText(TString& text) const;
 
 private:

@@ -2,7 +2,7 @@
 
 #include "particles/cindermill/interface/particles/spacedisplay.h"
 
-// The shape that points are tested against, where both its place and its size are fixed.
+// The shape that points are tested against, where both its position and its size are fixed.
 class TVolumeDisplay : public TRegistered<TVolumeDisplay, TSpaceDisplay>
 {
 public:

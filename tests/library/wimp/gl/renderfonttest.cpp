@@ -286,7 +286,7 @@ TEST_F(TFonts, TexelsAreWhiteWithTheCoverageAsAlpha)
     const TFontGlyph& bar = *atlas.GetGlyph('|');
     int x = 0;
     int y = 0;
-    atlas.GetPlace(bar, x, y);
+    atlas.GetPosition(bar, x, y);
     EXPECT_GT(texels[(y + bar.Height / 2) * atlas.GetWidth() + x + bar.Width / 2] >> 24, 200u);
     EXPECT_EQ(texels[(y + bar.Height / 2) * atlas.GetWidth() + x + bar.Width] >> 24, 0u);
 }

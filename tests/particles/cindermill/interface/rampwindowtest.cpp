@@ -38,7 +38,7 @@ protected:
     // A press on a point of the curve.
     void ClickPoint(int i)
     {
-        const TVector2 place = Ramp().GetAbsolutePosition() + Ramp().GetView().ToPlace(PointAt(i));
+        const TVector2 place = Ramp().GetAbsolutePosition() + Ramp().GetView().ToPosition(PointAt(i));
         const QPoint at(static_cast<int>(place[0]), static_cast<int>(place[1]));
         Press(GraphOf(*Document), at);
         Release(GraphOf(*Document), at);

@@ -19,7 +19,7 @@ double GetScale()
     return scale != nullptr ? std::atof(scale) : 1.0;
 }
 
-// Places and sizes are dots but where pixels are named.
+// Positions and sizes are dots but where pixels are named.
 class Scaled : public DocWindows
 {
 protected:

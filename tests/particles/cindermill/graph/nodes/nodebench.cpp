@@ -194,7 +194,7 @@ TTexts TExportBench::Export()
             Group = g;
             const int before = Stream().Commands.size();
             Data->SetCurrent(g, t);
-            Exec.GetExecNode(index)->SetPlace(g, t, nullptr);
+            Exec.GetExecNode(index)->SetPosition(g, t, nullptr);
             Exec.GetExecNode(index)->Export(*Data, Errors);
             Data->Flush();
             for (int c = before; c < Stream().Commands.size(); ++c)

@@ -456,7 +456,7 @@ private:
     {
         Group = group;
         Data->SetCurrent(group, tied);
-        Stage.Stage->SetPlace(group, tied, nullptr);
+        Stage.Stage->SetPosition(group, tied, nullptr);
         Stage.Stage->Export(*Data, Stage.Errors);
         Data->Flush();
         EXPECT_TRUE(Data->OutputEmpty());

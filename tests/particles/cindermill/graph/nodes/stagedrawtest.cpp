@@ -374,7 +374,7 @@ TEST(StageDraw, StagesOfDifferentKindsShareAnAttribute)
     // The trail has a place where the sprite has a place and a rotation.
     TStageScene scene(Sprite, "red.dds");
     TEffectNode* trail = scene.Add(Trail, "green.dds", {"Position"});
-    scene.Graph.Wire(scene.Placer, "Transform", trail, "Position");
+    scene.Graph.Wire(scene.Positioner, "Transform", trail, "Position");
     TParticle particle;
     particle.Position = {0, 0, 0};
     particle.Scale = {0.2f, 0.2f};

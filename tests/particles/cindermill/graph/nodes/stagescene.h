@@ -83,10 +83,10 @@ struct TParticle
 };
 
 // Gives each new particle the next values of a list, by the names of its outputs.
-class TPlacer : public TRegistered<TPlacer, TEffectExecNode>
+class TPositioner : public TRegistered<TPositioner, TEffectExecNode>
 {
 public:
-    static constexpr const char* RegisteredName = "TPlacer";
+    static constexpr const char* RegisteredName = "TPositioner";
     static std::vector<TParticle>& Queue()
     {
         static std::vector<TParticle> queue;
@@ -94,7 +94,7 @@ public:
     }
     static const char* GetClass()
     {
-        static const int id = TPlacer::ClassId();
+        static const int id = TPositioner::ClassId();
         return GetClassName(id);
     }
 
@@ -179,20 +179,20 @@ public:
         : Exec(Services)
     {
         RegisterExecNodes();
-        TPlacer::Queue().clear();
+        TPositioner::Queue().clear();
         Trigger = Graph.Node("Trigger", TU_TRIGGER, {}, {"Trigger"});
         Graph.Class(Trigger, "TEffectExecNode");
-        Placer = Graph.Node("Placer", TU_EMITTER, {"Emission Trigger"},
-                            {{"Transform", TY_TRANSFORM},
-                             {"Position", TY_VECTOR3},
-                             {"Velocity", TY_VECTOR3},
-                             {"Scale", TY_SCALE},
-                             {"Blend", TY_SCALAR},
-                             {"Colour", TY_COLOUR},
-                             {"UVs", TY_TEXCOORDS}});
-        Graph.Class(Placer, TPlacer::GetClass());
-        Graph.Int(Placer, "Particle Count", capacity);
-        Graph.Wire(Trigger, 0, Placer, 0);
+        Positioner = Graph.Node("Positioner", TU_EMITTER, {"Emission Trigger"},
+                                {{"Transform", TY_TRANSFORM},
+                                 {"Position", TY_VECTOR3},
+                                 {"Velocity", TY_VECTOR3},
+                                 {"Scale", TY_SCALE},
+                                 {"Blend", TY_SCALAR},
+                                 {"Colour", TY_COLOUR},
+                                 {"UVs", TY_TEXCOORDS}});
+        Graph.Class(Positioner, TPositioner::GetClass());
+        Graph.Int(Positioner, "Particle Count", capacity);
+        Graph.Wire(Trigger, 0, Positioner, 0);
         Add(stage, texture, unwired);
         Clear();
     }
@@ -211,7 +211,7 @@ public:
         for (int i = 0; i < node->GetNodeType()->GetNumInputs(); ++i) {
             const std::string name = Text(node->GetNodeType()->GetInput(i)->Name);
             if (std::find(unwired.begin(), unwired.end(), name) == unwired.end())
-                Graph.Wire(Placer, name.c_str(), node, name.c_str());
+                Graph.Wire(Positioner, name.c_str(), node, name.c_str());
         }
         SetTexture(node, stage.IsBlended ? "Base Texture" : "Texture", texture);
         if (stage.IsBlended)
@@ -267,7 +267,7 @@ public:
     {
         if (!Exec.IsInited())
             Build();
-        TPlacer::Queue() = particles;
+        TPositioner::Queue() = particles;
         Exec.AddParticles(Group, 0, static_cast<int>(particles.size()));
     }
     void Draw(const TSceneView& view = FlatView())
@@ -289,7 +289,7 @@ public:
     TPictures Services;
     TTestGraph Graph;
     TEffectNode* Trigger = nullptr;
-    TEffectNode* Placer = nullptr;
+    TEffectNode* Positioner = nullptr;
     std::vector<TEffectNode*> Nodes;
     TEffectSchedule Schedule;
     TEffectExec Exec;

@@ -325,7 +325,7 @@ bool CheckBody(const std::string& body)
 }
 
 // The positions of the two operations in that file.
-std::pair<int, int> OperationPlaces()
+std::pair<int, int> OperationPositions()
 {
     TFakeDocument doc;
     doc.AddNode("a", GetPlainType());
@@ -337,7 +337,7 @@ std::pair<int, int> OperationPlaces()
 
 TEST(TOperationStack, CheckRefusesWhatCannotBeStepped)
 {
-    const auto [a, b] = OperationPlaces();
+    const auto [a, b] = OperationPositions();
     EXPECT_TRUE(CheckBody(I32(2) + I32(a) + I32(b) + I32(2)));
     EXPECT_FALSE(CheckBody(I32(2) + I32(a) + I32(b) + I32(3)));
     EXPECT_FALSE(CheckBody(I32(2) + I32(a) + I32(b) + I32(-1)));

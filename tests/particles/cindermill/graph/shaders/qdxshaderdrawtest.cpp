@@ -469,13 +469,13 @@ TEST_F(QdxShaderDraw, AStreamHasABufferOnlyWhileOneIsOfUse)
     TVertexStream::SetSoftwareVertices(true);
     stream.Upload();
     EXPECT_EQ(stream.GetBufferId(), -1);
-    EXPECT_EQ(stream.GetPlace().Base, reinterpret_cast<const uint8_t*>(Data));
-    EXPECT_EQ(stream.GetPlace().Buffer, 0u);
+    EXPECT_EQ(stream.GetPosition().Base, reinterpret_cast<const uint8_t*>(Data));
+    EXPECT_EQ(stream.GetPosition().Buffer, 0u);
     TVertexStream::SetSoftwareVertices(false);
-    EXPECT_EQ(stream.GetPlace().Base, nullptr);
+    EXPECT_EQ(stream.GetPosition().Base, nullptr);
     ASSERT_NE(stream.GetBufferId(), -1);
-    EXPECT_EQ(stream.GetPlace().Buffer, static_cast<unsigned>(stream.GetBufferId()));
-    glBindBuffer(GL_ARRAY_BUFFER, stream.GetPlace().Buffer);
+    EXPECT_EQ(stream.GetPosition().Buffer, static_cast<unsigned>(stream.GetBufferId()));
+    glBindBuffer(GL_ARRAY_BUFFER, stream.GetPosition().Buffer);
     GLint size = 0;
     GLint usage = 0;
     glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
@@ -485,7 +485,7 @@ TEST_F(QdxShaderDraw, AStreamHasABufferOnlyWhileOneIsOfUse)
     glBindBuffer(GL_ARRAY_BUFFER, 0);
     Data[0][0] = 5;
     stream.Upload();
-    glBindBuffer(GL_ARRAY_BUFFER, stream.GetPlace().Buffer);
+    glBindBuffer(GL_ARRAY_BUFFER, stream.GetPosition().Buffer);
     float copy[8] = {};
     glGetBufferSubData(GL_ARRAY_BUFFER, 0, sizeof copy, copy);
     glBindBuffer(GL_ARRAY_BUFFER, 0);

@@ -339,7 +339,7 @@ TEST_F(RampInput, WhatTheParentDoesNotTakeIsPutBack)
     lonely.Build(TVector2(350, 150), 1, false, false, &line);
     lonely.SetOrigin(TVector2(30, 300));
     Root.AddObject(&lonely);
-    const TVector2 point = lonely.GetAbsolutePosition() + lonely.GetView().ToPlace(Line()[1]);
+    const TVector2 point = lonely.GetAbsolutePosition() + lonely.GetView().ToPosition(Line()[1]);
     DragTo(point, point + TVector2(30, 30));
     ExpectPoints(lonely.GetModel().GetCurve(0).GetPoints(), Line(), 0);
     EXPECT_EQ(NumEdits(), 0);

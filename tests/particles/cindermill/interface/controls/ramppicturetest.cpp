@@ -131,7 +131,7 @@ TEST_F(RampPicture, HandlesOfALinearRampAreNotSeen)
 {
     ShowScalar();
     SetCurve(0, {{0, 0}, {0.3f, 1}, {0.6f, 1}, {1, 0}});
-    const TVector2 handle = Ramp().GetView().ToPlace(TRampPoint{0.3f, 1});
+    const TVector2 handle = Ramp().GetView().ToPosition(TRampPoint{0.3f, 1});
     const TVector2 around(6, 6);
     EXPECT_GT(Count(Paint(2), handle - around, handle + around, IsRed), 20);
     // The anchors' span is the handles' too: the view stays.
@@ -150,7 +150,7 @@ TEST_F(RampPicture, TheStripShowsTheColoursAndTheCheckerboardWhereAlphaIsLow)
     const TRampLayout& layout = Ramp().GetLayout();
     const float y = (layout.StripMin[1] + layout.StripMax[1]) * 0.5f;
     auto strip = [&](const TPicture& picture, float time) {
-        return At(picture, World(TVector2(Ramp().GetView().ToPlace(TRampPoint{time, 0})[0], y)));
+        return At(picture, World(TVector2(Ramp().GetView().ToPosition(TRampPoint{time, 0})[0], y)));
     };
     TPicture picture = Paint(2);
     EXPECT_TRUE(IsClose(strip(picture, 0.01f), TPixel{255, 0, 0, 255}, 6));
@@ -171,8 +171,8 @@ TEST_F(RampPicture, ACurveThatComponentsShareHasTheColoursOfAll)
     Lock(-1, 0, 0, -1);
     const TPicture picture = Paint(2);
     Keep(picture, "ramp-locked-2");
-    const TVector2 from = Ramp().GetView().ToPlace(TRampPoint{0.05f, 1});
-    const TVector2 to = Ramp().GetView().ToPlace(TRampPoint{0.5f, 0.85f});
+    const TVector2 from = Ramp().GetView().ToPosition(TRampPoint{0.05f, 1});
+    const TVector2 to = Ramp().GetView().ToPosition(TRampPoint{0.5f, 0.85f});
     for (const auto& isColour : {IsRed, IsGreen, IsBlue})
         EXPECT_GT(Count(picture, from, to, isColour), 100);
     Lock(-1, -1, 0, -1);
@@ -196,7 +196,7 @@ TEST_F(RampPicture, TheReadoutIsInTheViewOfThePointerOnly)
 {
     ShowScalar();
     auto isDark = [](const TPixel& p) { return p.R < 110 && p.G < 110 && p.B < 110; };
-    const TVector2 min = Ramp().GetView().ToPlace(TRampPoint{0.6f, 0.45f});
+    const TVector2 min = Ramp().GetView().ToPosition(TRampPoint{0.6f, 0.45f});
     const TVector2 max = min + TVector2(60, 40);
     Move(Place(0.6f, 0.2f));
     EXPECT_LT(Count(Paint(2), min, max, isDark), 10);

@@ -84,7 +84,7 @@ protected:
     TVector2 World(const TVector2& place) { return Ramp().GetAbsolutePosition() + place; }
     TVector2 Place(float time, float value)
     {
-        return World(Ramp().GetView().ToPlace(TRampPoint{time, value}));
+        return World(Ramp().GetView().ToPosition(TRampPoint{time, value}));
     }
     TVector2 PlaceOf(int component, int point)
     {

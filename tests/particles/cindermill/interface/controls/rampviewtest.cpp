@@ -15,7 +15,7 @@ protected:
         View.SetLayout(Layout);
     }
     void Set(const TPoints& points) { Model.GetCurve(0).SetPoints(ToVector(points)); }
-    TVector2 Place(float time, float value) { return View.ToPlace(TRampPoint{time, value}); }
+    TVector2 Place(float time, float value) { return View.ToPosition(TRampPoint{time, value}); }
 
     const TRampLayout Layout{TVector2(350, 150), false};
     TRampModel Model;
@@ -64,8 +64,8 @@ TEST_F(RampView, PlacesAndPointsAreEachOthersInverse)
     View.Zoom(TVector2(100, 60), 500);
     View.Pan(TVector2(-13, 29));
     const TRampPoint point = View.ToPoint(TVector2(200, 70));
-    EXPECT_NEAR(View.ToPlace(point)[0], 200, 0.001f);
-    EXPECT_NEAR(View.ToPlace(point)[1], 70, 0.001f);
+    EXPECT_NEAR(View.ToPosition(point)[0], 200, 0.001f);
+    EXPECT_NEAR(View.ToPosition(point)[1], 70, 0.001f);
 }
 
 TEST_F(RampView, ZoomingKeepsWhatIsUnderThePointer)
@@ -76,8 +76,8 @@ TEST_F(RampView, ZoomingKeepsWhatIsUnderThePointer)
     View.Zoom(pointer, 120);
     EXPECT_NEAR(View.GetViewScale()[0], 1.06f, 1e-5f);
     EXPECT_NEAR(View.GetViewScale()[1], 1.06f, 1e-5f);
-    EXPECT_NEAR(View.ToPlace(under)[0], 120, 0.001f);
-    EXPECT_NEAR(View.ToPlace(under)[1], 77, 0.001f);
+    EXPECT_NEAR(View.ToPosition(under)[0], 120, 0.001f);
+    EXPECT_NEAR(View.ToPosition(under)[1], 77, 0.001f);
     View.Zoom(pointer, -5000);
     EXPECT_NEAR(View.GetViewScale()[0], 0.53f, 1e-5f);
     View.Zoom(pointer, 5000);

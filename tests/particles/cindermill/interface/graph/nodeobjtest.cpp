@@ -103,14 +103,14 @@ TEST_F(TNodeObjTest, TitlesStandClearOfWhatIsBesideThem)
         const TNodeType& type = *library.GetType(i);
         const float width = MeasureNode(type)[0];
         const float title = WidthOf(type.Name, 12);
-        const float place = GetTitlePlace(type, title, width);
+        const float place = GetTitleLeft(type, title, width);
         const float boxEnd = NodeBoxLeft + NodeBoxSize;
         EXPECT_GE(place, (type.HasFlag(FL_BYPASSABLE) ? boxEnd : NodeBoxLeft) + Least) << Text(type.Name);
         EXPECT_LE(place + title, width - boxEnd - Least) << Text(type.Name);
     }
     // With room to spare a title stands in the middle.
-    EXPECT_EQ(GetTitlePlace(App.Type("Grid"), 40, 200), 80);
-    EXPECT_EQ(GetTitlePlace(App.Type("Gravity"), 40, 200), 80);
+    EXPECT_EQ(GetTitleLeft(App.Type("Grid"), 40, 200), 80);
+    EXPECT_EQ(GetTitleLeft(App.Type("Gravity"), 40, 200), 80);
 }
 
 TEST_F(TNodeObjTest, LettersAreLargerInAViewThatIsZoomedOutAsFarAsThereIsRoom)

@@ -542,16 +542,16 @@ TEST_F(OptionsDialog, TheCloseBoxDiscardsWithoutAQuestion)
 
 TEST_F(OptionsDialog, ReturnIsOkWhereverTheKeysAre)
 {
-    struct TPlace
+    struct TPosition
     {
         TPage Page;
         int Id;
     };
-    const TPlace places[] = {{PG_GENERAL, 1006},    {PG_GENERAL, 1016},   {PG_GENERAL, 1018},
-                             {PG_RESOURCES, 1022},  {PG_RESOURCES, 1035}, {PG_RESOURCES, 1020},
-                             {PG_CONNECTION, 1019}, {PG_POLICIES, 1030}};
+    const TPosition places[] = {{PG_GENERAL, 1006},    {PG_GENERAL, 1016},   {PG_GENERAL, 1018},
+                                {PG_RESOURCES, 1022},  {PG_RESOURCES, 1035}, {PG_RESOURCES, 1020},
+                                {PG_CONNECTION, 1019}, {PG_POLICIES, 1030}};
     int files = 1;
-    for (const TPlace& place : places) {
+    for (const TPosition& place : places) {
         ++files;
         Settings().SetResourceMode(place.Id == 1020 ? RM_RELATIVEPATH : RM_LEAFNAME);
         Open([&](QDialog& dialog) {
