@@ -4,10 +4,10 @@
 #include "library/wimp/dialog.h"
 #include "library/wimp/filechooser.h"
 #include "particles/cindermill/interface/controls/controls.h"
-#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/errordialog.h"
+#include "particles/cindermill/interface/graphwindow.h"
 #include "particles/cindermill/interface/options/optionsdialog.h"
 #include "particles/cindermill/interface/particles/displays.h"
 #include "particles/cindermill/main/settingsstore.h"
@@ -160,7 +160,7 @@ TWindow* TApplication::WindowFromPoint(int x, int y)
 
 void TApplication::EndInput()
 {
-    TTextEdit::EndFocusedInput();
+    TGraphWindow::EndInput();
 }
 
 void TApplication::RunTicks()

@@ -243,6 +243,12 @@ bool TGraphWindow::OnRampShortcut(TRamp& ramp, int code)
     }
 }
 
+void TGraphWindow::EndInput()
+{
+    TWimp::Get().LoseMouseDrag();
+    TTextEdit::EndFocusedInput();
+}
+
 // While text is typed, the keys of the clipboard are the text's, and what was typed is the first to be
 // undone.
 bool TGraphWindow::OnTextShortcut(TTextEdit& edit, int code)

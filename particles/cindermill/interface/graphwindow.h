@@ -34,6 +34,8 @@ public:
     // Shares OpenGL's objects with another view's renderer, if there is one.
     bool Create(TDocWindow& docWindow, TWindow& owner, const TRenderer* shareWith);
     bool OnMessage(const TMessage& message) override;
+    // What is typed anywhere is entered, and a drag is given up: it shows what is not in the history yet.
+    static void EndInput();
     void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
     // The pan, or the box of a selection.
     void OnMouseMove(double x, double y, int buttons) override;

@@ -57,7 +57,8 @@ public:
     virtual void Cascade() = 0;
     // The window at a position of the screen, or null.
     virtual TWindow* WindowFromPoint(int x, int y) = 0;
-    // What was typed and not yet entered is entered: before anything that reads or changes a document.
+    // What was typed and not yet entered is entered, and a drag that still runs is given up: before anything
+    // that reads or changes a document.
     virtual void EndInput() {}
     // Once an idle pass, before those of the documents: what is drawn goes on by itself.
     virtual void RunTicks() {}

@@ -22,7 +22,7 @@ class TWindowsHost : public TFakeAppHost
 {
 public:
     TDocumentHost* CreateDocumentHost() override { return new TDocumentWindows(Frame); }
-    void EndInput() override { TTextEdit::EndFocusedInput(); }
+    void EndInput() override { TGraphWindow::EndInput(); }
     void RunTicks() override { TRenderObject::RunTicks(nullptr); }
     TWindow* Frame = nullptr;
 };

@@ -146,6 +146,20 @@ TEST_F(GraphPanel, ADragOfAControlIsTheFrameworksAndEscapeEndsIt)
     EXPECT_NE(Parameter->Get(), 2);
 }
 
+// Otherwise the file would hold a value that no step of the history leads to.
+TEST_F(GraphPanel, ACommandGivesUpADragThatHasNotComeToAnEnd)
+{
+    const float before = Parameter->Get();
+    Press(Graph(), Label());
+    Move(Graph(), Label() + QPoint(40, 0));
+    ASSERT_NE(Parameter->Get(), before);
+    App.Get().OnMenu(MI_SAVEAS);
+    EXPECT_EQ(Parameter->Get(), before);
+    EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+    Release(Graph(), Label() + QPoint(40, 0));
+    EXPECT_EQ(Parameter->Get(), before);
+}
+
 TEST_F(GraphPanel, ADocumentThatGoesTakesTheDragOfAControlAlong)
 {
     Press(Graph(), Label());
