@@ -7,6 +7,7 @@
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/graph/operations/movegraphnodeop.h"
 #include "particles/cindermill/graph/operations/nameparamop.h"
+#include "particles/cindermill/graph/operations/nodepropertiesop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/interface/graph/nodelayout.h"
 
@@ -248,6 +249,27 @@ void TWorkshop::Bypass(TToolNode* node)
     Screen.Click(ScreenX(node->GetX() + double(NodeBoxLeft) + NodeBoxSize * 0.5),
                  ScreenY(node->GetY() + double(NodeBoxTop) + NodeBoxSize * 0.5));
     Document->ApplyOperation(new TBypassFlagOp(node, !node->GetNodeType()->IsBypassed()));
+}
+
+void TWorkshop::Rename(TToolNode* node, const char* name)
+{
+    constexpr const char* Title = "^Node Properties$";
+    int x = 0;
+    int y = 0;
+    TitlePosition(node, x, y);
+    Screen.Click(x, y, 3);
+    // The last entry of the menu.
+    Screen.Key("Up");
+    Screen.Key("Return");
+    ASSERT_TRUE(Screen.WaitForWindow(Title));
+    ASSERT_TRUE(Screen.WaitUntilActive(Title));
+    // The old name is selected.
+    Screen.Type(name);
+    Screen.Key("Return");
+    ASSERT_TRUE(Screen.WaitUntilGone(Title));
+    TNodeProperties properties = GetNodeProperties(*node->GetNodeType());
+    properties.Name = name;
+    Document->ApplyOperation(new TNodePropertiesOp(node, properties));
 }
 
 void TWorkshop::Copy()

@@ -31,6 +31,8 @@ public:
     // A box round the nodes and nothing else.
     void SelectBox(const std::vector<TToolNode*>& nodes);
     void Bypass(TToolNode* node);
+    // By the Node Properties dialog, which Return closes.
+    void Rename(TToolNode* node, const char* name);
     void Copy();
     void Paste();
     void Cut();

@@ -101,6 +101,7 @@ void TResourceLocator::RememberFirst(const char* directory)
     KnownDirectories.push_back(directory);
     for (const TString& known : others)
         KnownDirectories.push_back(known);
+    ++Round;
 }
 
 // Another file of the name may lie in a directory that is consulted before.

@@ -53,6 +53,7 @@ public:
     // What could not be found is looked and asked for again: a new round. Until then nobody is asked twice,
     // however many nodes name the file.
     void ForgetMissing();
+    // A new round also begins where a choice may lead names to other files.
     int GetRound() const { return Round; }
     // Whether Find is waiting for a search or for the person.
     bool IsAsking() const { return Asking; }

@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/options/nodepropertiesdialog.h"
 
 #include "library/containers/assertion.h"
+#include "library/system/clock.h"
 #include "library/system/message.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/options/option.h"
@@ -31,6 +32,8 @@ constexpr float MaxPriority = 255;
 constexpr float MaxSide = 1000000;
 // Longer texts do not go into a file.
 constexpr int MaxNameBytes = 4095;
+// A preview without a frame for so many milliseconds is paused.
+constexpr uint32_t PauseTime = 500;
 
 const char* GetText(TSampleFault fault)
 {
@@ -410,6 +413,8 @@ void TNodePropertiesDialog::BeginRecord()
 void TNodePropertiesDialog::RecordFrame()
 {
     RecordedTime = Document.GetEngine().GetTime();
+    RecordedTick = GetTickCount();
+    RecordWaits = false;
     const int count = Grow(*Recorder);
     if (count < 0) {
         StopRecord();
@@ -424,7 +429,8 @@ void TNodePropertiesDialog::RecordFrame()
 void TNodePropertiesDialog::NoteRecord(const char* what)
 {
     TString text;
-    text.Format("%s %d %s", what, RecordedFrames, RecordedFrames == 1 ? "frame" : "frames");
+    text.Format("%s %d %s%s", what, RecordedFrames, RecordedFrames == 1 ? "frame" : "frames",
+                RecordWaits ? ", paused" : "");
     RecordNote.SetText(text.Print());
 }
 
@@ -438,6 +444,9 @@ void TNodePropertiesDialog::OnIdle()
         ShowMessage("%s", GetText(SF_NOTRUNNING));
     } else if (Document.GetEngine().GetTime() != RecordedTime) {
         RecordFrame();
+    } else if (!RecordWaits && GetTickCount() - RecordedTick >= PauseTime) {
+        RecordWaits = true;
+        NoteRecord("Recording:");
     }
 }
 
@@ -453,6 +462,7 @@ void TNodePropertiesDialog::StopRecord()
 {
     delete Recorder;
     Recorder = nullptr;
+    RecordWaits = false;
     RecordButton.SetPressed(false);
     SampleButton.Enable(true);
     EnableSides();

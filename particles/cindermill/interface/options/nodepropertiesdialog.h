@@ -118,4 +118,7 @@ private:
     TBoundsSampler* Recorder = nullptr;
     int RecordedFrames = 0;
     float RecordedTime = 0;
+    // The tick count of the last frame, and whether the person was told that no further one comes.
+    uint32_t RecordedTick = 0;
+    bool RecordWaits = false;
 };

@@ -26,8 +26,7 @@ bool TAnimationPathDisplay::Tick()
     const TString& name = parameter != nullptr ? parameter->GetFileName() : TString();
     TResourceLocator& locator = TCindermillApp::Get().GetResourceLocator();
     const bool isNew = FileName.Compare(name, true) != 0;
-    const bool isLate = Animation == nullptr && Round != locator.GetRound();
-    if (!isNew && !isLate)
+    if (!isNew && Round == locator.GetRound())
         return false;
     const TAnimation* before = Animation;
     FileName = name;
@@ -35,7 +34,7 @@ bool TAnimationPathDisplay::Tick()
     if (isNew)
         FindAnew();
     else
-        FindLate();
+        FindAgain();
     return Animation != before;
 }
 
@@ -48,13 +47,15 @@ void TAnimationPathDisplay::FindAnew()
         Animation = GetAnimation(path);
 }
 
-// Nobody is asked or told again on account of a display.
-void TAnimationPathDisplay::FindLate()
+// The name may lead to a file at last, or to another one. Nobody is asked or told again on account of a
+// display.
+void TAnimationPathDisplay::FindAgain()
 {
     TString path;
     if (!TCindermillApp::Get().GetResourceLocator().FindKnown(FileName, path))
         return;
-    Animation = Found ? FindLoadedAnimation(path) : GetAnimation(path);
+    const bool isKnownBad = Found && Animation == nullptr;
+    Animation = isKnownBad ? FindLoadedAnimation(path) : GetAnimation(path);
     Found = true;
 }
 

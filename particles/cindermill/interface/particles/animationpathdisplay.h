@@ -11,13 +11,13 @@ class TAnimationPathDisplay : public TRegistered<TAnimationPathDisplay, TSpaceDi
 public:
     static constexpr const char* RegisteredName = "TAnimationPathDisplay";
     void Init(TEffectNode* node) override;
-    // Takes the parameter's file when it is another than before, or could not be had before.
+    // Takes the parameter's file when it is another than before, by its name or behind it.
     bool Tick() override;
     void Render(const TSceneView& view) override;
 
 private:
     void FindAnew();
-    void FindLate();
+    void FindAgain();
 
     // The shared one of the file; null if it cannot be had.
     const TAnimation* Animation = nullptr;

@@ -648,12 +648,13 @@ TEST_F(NodeProperties, RecordGrowsTheBoxOverAllFrames)
         places = {-20, 1};
         EXPECT_TRUE(shows("Recording: 4 frames"));
         ExpectSides(dialog, {-25, -5, -5, 9, 5, 5});
-        // A preview that is paused adds nothing.
-        const int passes = running.Passes;
-        EXPECT_TRUE(Turn([&] { return running.Passes > passes + 5; }));
-        EXPECT_EQ(NoteOf(dialog, "recordnote"), "Recording: 4 frames");
+        // A preview that is paused adds nothing, and says so.
+        EXPECT_TRUE(shows("Recording: 4 frames, paused"));
+        places = {1};
+        EXPECT_TRUE(shows("Recording: 5 frames"));
+        EXPECT_TRUE(shows("Recording: 5 frames, paused"));
         Click(dialog, Record);
-        EXPECT_EQ(NoteOf(dialog, "recordnote"), "Recorded 4 frames");
+        EXPECT_EQ(NoteOf(dialog, "recordnote"), "Recorded 5 frames");
         EXPECT_FALSE(Find<QPushButton>(dialog, Record).isChecked());
         EXPECT_TRUE(Find<QWidget>(dialog, Sample).isEnabled());
         EXPECT_FALSE(Find<QDoubleSpinBox>(dialog, Sides[0]).isReadOnly());

@@ -15,6 +15,7 @@
 #include <GL/glew.h>
 
 #include <climits>
+#include <filesystem>
 
 namespace {
 
@@ -297,6 +298,33 @@ TEST_F(Displays, APathWhoseFileCameLateIsDrawnOnceFilesAreLookedForAnew)
     const TPicture picture = shown.Draw();
     EXPECT_TRUE(HasLine(picture, 0.1f, 0.2f));
     EXPECT_TRUE(HasLine(picture, 0.8f, 1.6f));
+}
+
+TEST_F(Displays, APathIsDrawnAnewWhenItsNameLeadsToAnotherFile)
+{
+    const std::string first = ReadBytes(App.Path("resources/path.vori"));
+    std::string second = first;
+    const size_t end = second.find("1 2 3");
+    ASSERT_NE(end, std::string::npos) << first;
+    second.replace(end, 5, "1 0 3");
+    const auto choose = [&](const char* folder, const std::string& bytes) {
+        std::filesystem::create_directories(App.Path(folder));
+        const std::string path = App.Path(folder) + "/way.vori";
+        WriteBytes(path, bytes);
+        TString name = path.c_str();
+        EXPECT_TRUE(App.Get().GetResourceLocator().PrepareName(name));
+        EXPECT_EQ(Text(name), "way.vori");
+    };
+    choose("first", first);
+    TShownNode shown(App, "Animation Path");
+    shown.Node.GetNodeType()
+        ->FindParameterOf<TNodeAnimationParameter>("Animation", PK_ANIMATION)
+        ->SetFileName("way.vori");
+    EXPECT_TRUE(HasLine(shown.Draw(), 0.8f, 1.6f));
+    choose("second", second);
+    const TPicture picture = shown.Draw();
+    EXPECT_TRUE(HasLine(picture, 0.8f, 0));
+    EXPECT_FALSE(HasLine(picture, 0.8f, 1.6f));
 }
 
 TEST_F(Displays, AnAnimationThatCannotBeReadIsToldBetweenTheFrames)
