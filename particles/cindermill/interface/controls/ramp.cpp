@@ -419,7 +419,7 @@ void TRamp::OnPointer(const TVector2& place, bool inside)
 
 TRampHit TRamp::FindHit(const TVector2& place)
 {
-    return HitRamp(Model, View, Layout, Paths, Selected, place, GetZoom());
+    return HitRamp(Model, View, Paths, Selected, place, GetZoom());
 }
 
 TPointerShape TRamp::FindShape(const TVector2& place)

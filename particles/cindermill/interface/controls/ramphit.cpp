@@ -63,9 +63,10 @@ bool IsNearPlot(const TRampLayout& layout, const TVector2& place, float radius)
 
 } // namespace
 
-TRampHit HitRamp(const TRampModel& model, const TRampView& view, const TRampLayout& layout, TRampPaths& paths,
+TRampHit HitRamp(const TRampModel& model, const TRampView& view, TRampPaths& paths,
                  const TRampSelection& selected, const TVector2& place, const TVector2& zoom)
 {
+    const TRampLayout& layout = view.GetLayout();
     const float radius = RampHitPixels / zoom[0];
     TNearest nearest(radius);
     if (IsNearPlot(layout, place, radius))

@@ -5,7 +5,6 @@
 class TRampModel;
 class TRampPaths;
 class TRampView;
-struct TRampLayout;
 
 // A point of a ramp: the component whose curve it is of, and its index. -1 for none.
 struct TRampSelection
@@ -37,5 +36,5 @@ constexpr float RampHitPixels = 5.0f;
 
 // What a press at a place takes, in a view of the zoom. Anchors go before handles, and what belongs to the
 // selected component before the others; then the nearest.
-TRampHit HitRamp(const TRampModel& model, const TRampView& view, const TRampLayout& layout, TRampPaths& paths,
+TRampHit HitRamp(const TRampModel& model, const TRampView& view, TRampPaths& paths,
                  const TRampSelection& selected, const TVector2& place, const TVector2& zoom);

@@ -42,6 +42,7 @@ public:
     static constexpr double LeastGridPixels = 25.0;
 
     void SetLayout(const TRampLayout& layout) { Layout = layout; }
+    const TRampLayout& GetLayout() const { return Layout; }
     // Shows all.
     void Fit(const TRampModel& model);
     // The same if it showed all before; a view that a person has chosen stays.
