@@ -57,7 +57,7 @@ private:
     float Pixels(float count) const { return count * Pixel; }
 
     TRenderer& Target;
-    const TRampPicture& Picture;
+    const TRampPicture Picture;
     const TRampLayout& Layout;
     // A pixel of the screen, in the ramp's units.
     float Pixel;
