@@ -54,11 +54,12 @@ set(CINDERMILL_DISPLAY_SECONDS 7200)
 set(CINDERMILL_DISPLAY_ENVIRONMENT
     "LSAN_OPTIONS=suppressions='${PROJECT_SOURCE_DIR}/tests/support/systemleaks.txt':print_suppressions=0")
 
-# cindermill_test(FOLDER [DISPLAY] [LINKS folder...] [PACKAGES target...])
+# cindermill_test(FOLDER [DISPLAY] [APART] [LINKS folder...] [PACKAGES target...])
 #   all of tests/FOLDER/*.cpp as one GoogleTest program, each test known to CTest by its own name. With DISPLAY
-#   the program runs whole, as one test of CTest, on a display of its own.
+#   the program runs whole, as one test of CTest, on a display of its own. Under the sanitizers every program runs
+#   whole, as thousands of starts of one take longer than its tests; those with APART, whose tests are long, do not.
 function(cindermill_test folder)
-    cmake_parse_arguments(arg "DISPLAY" "" "LINKS;PACKAGES" ${ARGN})
+    cmake_parse_arguments(arg "DISPLAY;APART" "" "LINKS;PACKAGES" ${ARGN})
     cindermill_layer_name("${folder}" name)
     file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp"
          "${PROJECT_SOURCE_DIR}/tests/${folder}/*.h")
@@ -78,6 +79,12 @@ function(cindermill_test folder)
     if(arg_DISPLAY)
         add_test(NAME ${name} COMMAND xvfb-run -a -s "-screen 0 1600x1200x24" $<TARGET_FILE:test-${name}>)
         set_tests_properties(${name} PROPERTIES TIMEOUT ${CINDERMILL_DISPLAY_SECONDS}
+                             ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
+        return()
+    endif()
+    if(CINDERMILL_SANITIZE AND NOT arg_APART)
+        add_test(NAME ${name} COMMAND test-${name})
+        set_tests_properties(${name} PROPERTIES TIMEOUT ${CINDERMILL_TEST_SECONDS}
                              ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
         return()
     endif()
