@@ -60,7 +60,6 @@ TEST_F(Program, ANumberAndAComboOfTheOptionsAreChangedByHandAndKept)
     ASSERT_TRUE(Screen.WaitUntilGone(OptionsTitle));
     EXPECT_FALSE(isKept());
 
-    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
     open(dialog);
     ASSERT_FALSE(HasFatalFailure());
     change();
