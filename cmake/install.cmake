@@ -25,7 +25,7 @@ install(FILES "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${CMAKE_INSTALL_
 foreach(page cindermill cindermill-batch)
     configure_file("${PROJECT_SOURCE_DIR}/docs/man/${page}.1.in" "${desktop_built}/${page}.1" @ONLY)
 endforeach()
-foreach(file desktop metainfo.xml service)
+foreach(file desktop metainfo.xml)
     configure_file("${desktop_source}/${CINDERMILL_ID}.${file}.in" "${desktop_built}/${CINDERMILL_ID}.${file}" @ONLY)
 endforeach()
 install(FILES "${desktop_built}/cindermill-batch.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT batch)
@@ -34,7 +34,12 @@ install(FILES "${desktop_built}/${CINDERMILL_ID}.desktop" DESTINATION "${CMAKE_I
         COMPONENT tool)
 install(FILES "${desktop_built}/${CINDERMILL_ID}.metainfo.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo"
         COMPONENT tool)
-install(FILES "${desktop_built}/${CINDERMILL_ID}.service" DESTINATION "${CMAKE_INSTALL_DATADIR}/dbus-1/services"
+# The bus asks for a whole path, and only an installation knows its prefix.
+set(service "${CINDERMILL_ID}.service")
+install(CODE "set(CINDERMILL_PROGRAM \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/cindermill\")
+              configure_file(\"${desktop_source}/${service}.in\" \"${desktop_built}/${service}\" @ONLY)"
+        COMPONENT tool)
+install(FILES "${desktop_built}/${service}" DESTINATION "${CMAKE_INSTALL_DATADIR}/dbus-1/services"
         COMPONENT tool)
 install(FILES "${desktop_source}/${CINDERMILL_ID}.mime.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/mime/packages"
         RENAME ${CINDERMILL_ID}.xml COMPONENT tool)

@@ -52,6 +52,7 @@ run timeout -k 5 120 xvfb-run -a -s "-screen 0 1280x1024x24" bash -c '
     [ "$names" = Cindermill ]
 ' - "$root/usr/bin/cindermill" || fail "The installed tool does not start as it should"
 
+grep -qx 'Exec=/usr/bin/cindermill' "$root/usr/share/dbus-1/services"/*.service || fail "The bus would not find the tool"
 desktop-file-validate "$root"/usr/share/applications/*.desktop
 appstreamcli validate --no-net "$root"/usr/share/metainfo/*.xml >"$work/log" || { cat "$work/log" >&2; exit 1; }
 XDG_DATA_DIRS="$root/usr/share" update-mime-database "$root/usr/share/mime"

@@ -104,8 +104,8 @@ bool TCindermillApp::FindNodeTypesDirectory(TString& path) const
     return FindFolder(directory, path);
 }
 
-// A program that was installed has its data in the prefix's share; one that was not lies some levels below the root of
-// its sources.
+// A program that was installed has its data in the prefix's share; one that was not lies some levels below
+// the root of its sources.
 bool TCindermillApp::FindFolder(const char* name, TString& path) const
 {
     constexpr int Levels = 4;
