@@ -13,7 +13,9 @@ TProgram::TProgram(TScreen& screen, const TProgramOptions& options) : Screen(scr
     }
     std::vector<std::string> environment = {
         "DISPLAY=" + screen.GetDisplay(), "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "HOME=" + Folder.GetFolder(),
-        "XDG_CONFIG_HOME=" + config, "XDG_CACHE_HOME=" + Folder.Path("cache"), "LIBGL_ALWAYS_SOFTWARE=1",
+        // No program of whoever runs the tests hears of it.
+        "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR=" + Folder.GetFolder(), "XDG_CONFIG_HOME=" + config,
+        "XDG_CACHE_HOME=" + Folder.Path("cache"), "LIBGL_ALWAYS_SOFTWARE=1",
         // The window system's own leaks are not this program's.
         "ASAN_OPTIONS=detect_leaks=0",
         // Tells the screen when the program has dealt with what was done to it.

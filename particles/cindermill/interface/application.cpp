@@ -56,7 +56,10 @@ bool TApplication::Init()
         return false;
     TWimp::Get().SetIdle(true);
     TWimp::Get().SetApp(this);
-    return LoadNodeBitmaps();
+    if (!LoadNodeBitmaps())
+        return false;
+    Activation.Start("org.cindermill.Cindermill", *this);
+    return true;
 }
 
 bool TApplication::LoadNodeBitmaps()
@@ -71,6 +74,13 @@ bool TApplication::LoadNodeBitmaps()
 void TApplication::OnIdle()
 {
     App.OnIdle();
+}
+
+void TApplication::OnActivation(const vector<TString>& files)
+{
+    MainWindow->BringToTop();
+    for (const TString& file : files)
+        App.OpenDocument(file);
 }
 
 TDocumentHost* TApplication::CreateDocumentHost()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/wimp/desktopactivation.h"
 #include "library/wimp/gdi/gdibitmap.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/mainwindow.h"
@@ -9,7 +10,7 @@
 
 // The program with its windows: starts it, and gives the application object its main window, choosers and
 // dialogs.
-class TApplication : public TWimpApp, public TAppHost
+class TApplication : public TWimpApp, public TAppHost, public TActivationHost
 {
 public:
     TApplication();
@@ -20,6 +21,8 @@ public:
     // False if the program cannot or shall not go on; what failed was shown.
     bool Init();
     void OnIdle() override;
+    // Comes to the front and opens the effects.
+    void OnActivation(const vector<TString>& files) override;
 
     TDocumentHost* CreateDocumentHost() override;
     bool ChooseOpenPath(const char* title, const vector<TPathFilter>& filters, const char* directory,
@@ -50,4 +53,5 @@ private:
     TResourceDialog ResourceDialog;
     TMainWindow* MainWindow = nullptr;
     TGDIBitmap NodeBitmaps[NumNodeBitmaps];
+    TDesktopActivation Activation;
 };

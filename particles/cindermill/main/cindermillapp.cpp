@@ -13,6 +13,16 @@
 #include "particles/cindermill/main/settingsstore.h"
 #include "particles/effectgraph/effectgraph.h"
 
+namespace {
+bool IsFolder(const TString& directory, const char* between, const char* name, TString& path)
+{
+    path = directory;
+    path += between;
+    path += name;
+    return IsDirectory(path);
+}
+} // namespace
+
 TCindermillApp* TCindermillApp::StaticInstance = nullptr;
 
 void RegisterAllClasses()
@@ -94,18 +104,18 @@ bool TCindermillApp::FindNodeTypesDirectory(TString& path) const
     return FindFolder(directory, path);
 }
 
-// A program that was not installed lies some levels below the root of its sources.
+// A program that was installed has its data in the prefix's share; one that was not lies some levels below
+// the root of its sources.
 bool TCindermillApp::FindFolder(const char* name, TString& path) const
 {
     constexpr int Levels = 4;
     TString directory = ProgramDirectory;
     for (int level = 0; level < Levels && !directory.IsEmpty(); ++level) {
-        path = directory;
-        path += "\\";
-        path += name;
-        if (IsDirectory(path))
+        if (IsFolder(directory, "\\", name, path))
             return true;
         directory.TruncateAtLast('\\');
+        if (level == 0 && IsFolder(directory, "\\share\\cindermill\\", name, path))
+            return true;
     }
     return false;
 }

@@ -1,0 +1,81 @@
+# What `cmake --install` lays down, in two components: `batch`, which is enough for a build machine, and `tool`, the
+# window program, which needs it. Programs find their data in ../share/cindermill, so any prefix serves.
+
+include(GNUInstallDirs)
+# What is not built yet is not laid down; to build it is not the installation's business.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY TRUE)
+
+set(CINDERMILL_ID org.cindermill.Cindermill)
+set(desktop_source "${PROJECT_SOURCE_DIR}/resources/desktop")
+set(desktop_built "${PROJECT_BINARY_DIR}/desktop")
+set(shared "${CMAKE_INSTALL_DATADIR}/cindermill")
+
+install(TARGETS cindermill-batch RUNTIME COMPONENT batch)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/NodeTypes" DESTINATION "${shared}" COMPONENT batch)
+install(FILES "${PROJECT_SOURCE_DIR}/docs/batch.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}-batch" COMPONENT batch)
+
+install(TARGETS cindermill RUNTIME COMPONENT tool)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/samples" DESTINATION "${shared}" COMPONENT tool)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT tool
+        PATTERN man EXCLUDE)
+install(FILES "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT tool)
+
+# The version stands in the project's line alone; these carry it.
+foreach(page cindermill cindermill-batch)
+    configure_file("${PROJECT_SOURCE_DIR}/docs/man/${page}.1.in" "${desktop_built}/${page}.1" @ONLY)
+endforeach()
+foreach(file desktop metainfo.xml)
+    configure_file("${desktop_source}/${CINDERMILL_ID}.${file}.in" "${desktop_built}/${CINDERMILL_ID}.${file}" @ONLY)
+endforeach()
+install(FILES "${desktop_built}/cindermill-batch.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT batch)
+install(FILES "${desktop_built}/cindermill.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tool)
+install(FILES "${desktop_built}/${CINDERMILL_ID}.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications"
+        COMPONENT tool)
+install(FILES "${desktop_built}/${CINDERMILL_ID}.metainfo.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo"
+        COMPONENT tool)
+# The bus asks for a whole path, and only an installation knows its prefix.
+set(service "${CINDERMILL_ID}.service")
+install(CODE "set(CINDERMILL_PROGRAM \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/cindermill\")
+              configure_file(\"${desktop_source}/${service}.in\" \"${desktop_built}/${service}\" @ONLY)"
+        COMPONENT tool)
+install(FILES "${desktop_built}/${service}" DESTINATION "${CMAKE_INSTALL_DATADIR}/dbus-1/services"
+        COMPONENT tool)
+install(FILES "${desktop_source}/${CINDERMILL_ID}.mime.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/mime/packages"
+        RENAME ${CINDERMILL_ID}.xml COMPONENT tool)
+
+# The program's icon, and the same for its effects.
+set(icons "${CMAKE_INSTALL_DATADIR}/icons/hicolor")
+foreach(size 16 48 128)
+    install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/117-${size}.png"
+            DESTINATION "${icons}/${size}x${size}/apps" RENAME ${CINDERMILL_ID}.png COMPONENT tool)
+    install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/101-${size}.png"
+            DESTINATION "${icons}/${size}x${size}/mimetypes" RENAME application-x-cindermill-effect.png COMPONENT tool)
+endforeach()
+install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/117.svg" DESTINATION "${icons}/scalable/apps"
+        RENAME ${CINDERMILL_ID}.svg COMPONENT tool)
+install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/101.svg" DESTINATION "${icons}/scalable/mimetypes"
+        RENAME application-x-cindermill-effect.svg COMPONENT tool)
+
+# `cpack` in a build folder makes both packages.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME cindermill)
+set(CPACK_PACKAGE_VENDOR Cindermill)
+set(CPACK_PACKAGE_CONTACT "The Cindermill maintainers <maintainers@cindermill.example>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_COMPONENTS_ALL tool batch)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_TOOL_PACKAGE_NAME cindermill)
+set(CPACK_DEBIAN_TOOL_DESCRIPTION "Authoring tool for particle effects
+Typed nodes are wired into a graph, which runs live in a preview and is
+exported as a file that a games console runs as it stands.")
+set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "cindermill-batch (= ${PROJECT_VERSION}), qt6-qpa-plugins, libgl1-mesa-dri | libgl1-dri")
+set(CPACK_DEBIAN_BATCH_PACKAGE_NAME cindermill-batch)
+set(CPACK_DEBIAN_BATCH_DESCRIPTION "Checks and exports particle effects without a display
+The Cindermill authoring tool without its windows: for build machines and
+scripts. It holds the node types that both programs read.")
+include(CPack)
