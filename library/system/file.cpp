@@ -1,6 +1,7 @@
 #include "library/system/file.h"
 
 #include "library/containers/assertion.h"
+#include "library/containers/shortentext.h"
 #include "library/system/path.h"
 #include "library/system/systemerror.h"
 
@@ -13,6 +14,7 @@
 
 static constexpr uint32_t BlockSize = 1024;
 static constexpr int MaxLinks = 40;
+static constexpr int MaxShownPath = 800;
 
 static bool GetInfo(const char* path, struct stat& info)
 {
@@ -163,22 +165,46 @@ bool IsSameFile(const char* a, const char* b)
            first.st_ino == second.st_ino;
 }
 
-// What is missing is told of the file, whichever part of its path is not there.
-static void TellReadFault(int error, TString& fault)
+// Whichever part of the path is not there.
+static bool IsMissing(int error)
 {
-    fault = error == ENOENT || error == ENOTDIR ? TString("The file does not exist") : GetSystemErrorText(error);
+    return error == ENOENT || error == ENOTDIR;
 }
 
-void GetReadFault(const char* path, TString& fault)
+static TString GetReadText(int error)
+{
+    return IsMissing(error) ? TString("The file does not exist") : GetSystemErrorText(error);
+}
+
+// 0 for a file that can be read.
+static int GetReadError(const char* path)
 {
     int64_t size = 0;
     int error = 0;
     const int handle = OpenPlainFile(path, size, error);
-    fault = nullptr;
     if (handle >= 0)
         close(handle);
-    else
-        TellReadFault(error, fault);
+    return error;
+}
+
+void GetReadFault(const char* path, TString& fault)
+{
+    const int error = GetReadError(path);
+    fault = nullptr;
+    if (error != 0)
+        fault = GetReadText(error);
+}
+
+bool GetReadRefusal(const char* path, TString& text)
+{
+    const int error = GetReadError(path);
+    if (error == 0 || IsMissing(error))
+        return false;
+    ToShownPath(path, text);
+    text = ShortenText(text, MaxShownPath);
+    text += ": ";
+    text += GetReadText(error);
+    return true;
 }
 
 // Follows the links that the last part of a path may be, to a file that need not exist.
@@ -247,10 +273,8 @@ bool TFile::OpenRead(const char* path)
     int64_t size = 0;
     int error = 0;
     const int handle = OpenPlainFile(path, size, error);
-    if (handle < 0) {
-        TellReadFault(error, Fault);
-        return false;
-    }
+    if (handle < 0)
+        return Fail(GetReadText(error));
     // Positions are given and taken as ints.
     if (size > INT_MAX) {
         close(handle);

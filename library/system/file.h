@@ -23,12 +23,14 @@ bool MakeDirectory(const char* path);
 bool IsSameFile(const char* a, const char* b);
 // Why a path cannot be opened for reading, as a person reads it; empty if it can.
 void GetReadFault(const char* path, TString& fault);
+// "PATH: Permission denied", for a file that is there and cannot be opened for reading; false for others.
+bool GetReadRefusal(const char* path, TString& text);
 
 // The program's file: reading goes through a one-block cache, writing straight to the platform. Wrong use
 // asserts.
 //
-// A file being written is a temporary one; Close puts it in the place of its target when every write succeeded,
-// so that a failure leaves the old file as it was.
+// A file being written is a temporary one; Close puts it in the place of its target when every write
+// succeeded, so that a failure leaves the old file as it was.
 class TFile
 {
 public:
