@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include <dirent.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -133,15 +134,18 @@ void GetProgramPath(TString& out)
     }
 }
 
-bool ListDirectory(const char* path, vector<TDirectoryEntry>& result)
+bool ListDirectory(const char* path, vector<TDirectoryEntry>& result, int* error)
 {
     result.clear();
     TString systemPath;
     ToSystemPath(path, systemPath);
     TDirectory entries(systemPath.Print());
     struct stat own;
-    if (!entries.IsOpen() || fstat(entries.GetDescriptor(), &own) != 0)
+    if (!entries.IsOpen() || fstat(entries.GetDescriptor(), &own) != 0) {
+        if (error != nullptr)
+            *error = errno;
         return false;
+    }
     while (const char* name = entries.GetNext()) {
         struct stat info;
         if (fstatat(entries.GetDescriptor(), name, &info, AT_SYMLINK_NOFOLLOW) != 0)

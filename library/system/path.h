@@ -24,5 +24,6 @@ struct TDirectoryEntry
 };
 
 // What a directory holds, without "." and ".." and other file systems, in the order of names without case. A
-// symbolic link to a file is a file; others are left out. False if it cannot be listed.
-bool ListDirectory(const char* path, vector<TDirectoryEntry>& result);
+// symbolic link to a file is a file; others are left out. False, with the system's code, if it cannot be
+// listed.
+bool ListDirectory(const char* path, vector<TDirectoryEntry>& result, int* error = nullptr);

@@ -1,5 +1,6 @@
 #include "particles/effectgraph/error.h"
 
+#include "library/system/file.h"
 #include "particles/effectgraph/effectnode.h"
 
 #include <stdio.h>
@@ -66,4 +67,11 @@ TError* TFileError::Clone() const
 void TFileError::GetText(TString& result) const
 {
     result.Format("%s [%d] : %s\n", FileName.Print(), Line, Message.Print());
+}
+
+void AddReadRefusal(TErrorList& errors, const char* path)
+{
+    TString text;
+    if (GetReadRefusal(path, text))
+        errors.Add(new TError("%s", text.Print()));
 }

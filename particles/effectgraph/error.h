@@ -73,3 +73,6 @@ public:
 private:
     TOwnerList<TError> Errors;
 };
+
+// Adds what the system says of a file that is there and cannot be opened for reading; nothing for others.
+void AddReadRefusal(TErrorList& errors, const char* path);

@@ -1,6 +1,8 @@
 #include "particles/effectgraph/nodetype.h"
 
 #include "library/containers/owner.h"
+#include "library/system/files/xmlcheck.h"
+#include "library/system/path.h"
 #include "particles/effectgraph/effectnode.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/nodetypelibrary.h"
@@ -112,15 +114,27 @@ TNodeParameter* TNodeType::FindParameter(const char* path) const
 
 bool TNodeType::LoadXml(const char* path, TErrorList& errors)
 {
+    TString name;
+    ToShownPath(path, name);
     TXmlFile xml;
     if (!xml.OpenRead(path)) {
-        errors.Add(new TError("Could not open node file %s for reading\n", QuoteText(path).Print()));
+        errors.Add(new TError("Could not open node file %s for reading\n", QuoteText(name).Print()));
+        AddReadRefusal(errors, path);
         return false;
     }
-    TNodeTypeFile file(xml, errors, path);
+    TXmlFault tags;
+    TXmlFault zero;
+    CheckXml(path, tags, zero);
+    TNodeTypeFile file(xml, errors, name);
     TNodeTypeReader reader(*this, file);
-    const bool isRead = reader.Read();
+    // What ends at a zero byte is not what the file says.
+    const bool isRead = zero.Kind == TXmlFault::None && reader.Read();
     xml.Close();
+    if (zero.Kind != TXmlFault::None)
+        errors.Add(new TFileError(name, zero.Line, "%s", zero.Text.Print()));
+    // The reader has gone on past them, and may have found another type than was meant.
+    if (tags.Kind != TXmlFault::None)
+        errors.Add(new TFileError(name, tags.Line, "%s", tags.Text.Print()));
     return isRead;
 }
 

@@ -1,8 +1,11 @@
 #include "particles/effectgraph/nodetypelibrary.h"
 
 #include "library/system/path.h"
+#include "library/system/systemerror.h"
 #include "particles/effectgraph/error.h"
 #include "particles/effectgraph/xmltext.h"
+
+#include <errno.h>
 
 TNodeType* TNodeTypeLibrary::FindType(const char* name) const
 {
@@ -25,8 +28,14 @@ void TNodeTypeLibrary::Load(const char* path, TErrorList& errors)
 void TNodeTypeLibrary::LoadDirectory(const char* path, int parentItem, TErrorList& errors)
 {
     vector<TDirectoryEntry> entries;
-    if (!ListDirectory(path, entries))
+    int error = 0;
+    if (!ListDirectory(path, entries, &error)) {
+        TString shown;
+        ToShownPath(path, shown);
+        if (error != ENOENT)
+            errors.Add(new TError("%s: %s", QuoteText(shown).Print(), GetSystemErrorText(error).Print()));
         return;
+    }
     TString prefix(path);
     const int length = prefix.Length();
     if (length == 0 || prefix.Print()[length - 1] != '\\')

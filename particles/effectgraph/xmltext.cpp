@@ -1,13 +1,10 @@
 #include "particles/effectgraph/xmltext.h"
 
+#include "library/containers/shortentext.h"
+
 TString QuoteText(const TString& text, int limit)
 {
-    TString quoted;
-    if (text.Length() <= limit)
-        quoted = text;
-    else
-        quoted.Left(text, limit);
-    return quoted;
+    return ShortenText(text, limit);
 }
 
 bool IsTrueText(const TString& text)

@@ -153,15 +153,19 @@ bool ReadFileInto(const char* path, vector<uint8_t>& bytes)
     return read;
 }
 
-bool WriteFileFrom(const char* path, const uint8_t* head, int headSize, const vector<uint8_t>& body)
+bool WriteFileFrom(const char* path, const uint8_t* head, int headSize, const vector<uint8_t>& body,
+                   TString& fault)
 {
     TFile file;
-    if (!file.OpenWrite(path))
-        return false;
-    // A write that fails is remembered by the file, and Close then drops it.
-    file.Write(head, headSize);
-    file.Write(body.data(), body.size());
-    return file.Close();
+    bool written = file.OpenWrite(path);
+    if (written) {
+        // A write that fails is remembered by the file, and Close then drops it.
+        file.Write(head, headSize);
+        file.Write(body.data(), body.size());
+        written = file.Close();
+    }
+    fault = file.GetFault();
+    return written;
 }
 
 bool IsPowerOf2(int value)
@@ -408,21 +412,27 @@ bool TImage::Load(const char* path)
 
 bool TImage::Save(const char* path, int format) const
 {
+    TString fault;
+    return Save(path, format, fault);
+}
+
+bool TImage::Save(const char* path, int format, TString& fault) const
+{
     switch (format) {
     case IF_TGA:
-        return SaveTga(path);
+        return SaveTga(path, fault);
     case IF_DDS_RAW:
-        return SaveDds(path, 0);
+        return SaveDds(path, 0, fault);
     case IF_DDS_DXT3:
-        return SaveDds(path, squish::kDxt3);
+        return SaveDds(path, squish::kDxt3, fault);
     case IF_DDS_DXT5:
-        return SaveDds(path, squish::kDxt5);
+        return SaveDds(path, squish::kDxt5, fault);
     case IF_HVT_RAW:
-        return SaveHvt(path, 0);
+        return SaveHvt(path, 0, fault);
     case IF_HVT_DXT3:
-        return SaveHvt(path, squish::kDxt3);
+        return SaveHvt(path, squish::kDxt3, fault);
     case IF_HVT_DXT5:
-        return SaveHvt(path, squish::kDxt5);
+        return SaveHvt(path, squish::kDxt5, fault);
     default:
         ASSERT_TEXT(false, "0");
     }
@@ -449,9 +459,18 @@ void Compress(vector<uint8_t>& pixels, int width, int height, int squishFlags)
 
 } // namespace
 
-bool TImage::SaveTga(const char* path) const
+// Files of these kinds hold their sizes in 16 bits.
+static bool FitsShort(int width, int height, TString& fault)
 {
-    if (Width > 0xFFFF || Height > 0xFFFF)
+    if (width <= 0xFFFF && height <= 0xFFFF)
+        return true;
+    fault = "It is wider or higher than 65,535 pixels";
+    return false;
+}
+
+bool TImage::SaveTga(const char* path, TString& fault) const
+{
+    if (!FitsShort(Width, Height, fault))
         return false;
     uint8_t header[18] = {};
     header[2] = 2;
@@ -467,10 +486,10 @@ bool TImage::SaveTga(const char* path) const
         swapped[i] = swapped[i + 2];
         swapped[i + 2] = red;
     }
-    return WriteFileFrom(path, header, sizeof(header), swapped);
+    return WriteFileFrom(path, header, sizeof(header), swapped, fault);
 }
 
-bool TImage::SaveDds(const char* path, int squishFlags) const
+bool TImage::SaveDds(const char* path, int squishFlags, TString& fault) const
 {
     uint8_t header[DdsHeaderSize] = {};
     std::memcpy(header, "DDS ", 4);
@@ -492,12 +511,12 @@ bool TImage::SaveDds(const char* path, int squishFlags) const
         std::memcpy(header + 84, squishFlags == squish::kDxt3 ? "DXT3" : "DXT5", 4);
         Compress(body, Width, Height, squishFlags);
     }
-    return WriteFileFrom(path, header, sizeof(header), body);
+    return WriteFileFrom(path, header, sizeof(header), body, fault);
 }
 
-bool TImage::SaveHvt(const char* path, int squishFlags) const
+bool TImage::SaveHvt(const char* path, int squishFlags, TString& fault) const
 {
-    if (Width > 0xFFFF || Height > 0xFFFF)
+    if (!FitsShort(Width, Height, fault))
         return false;
     vector<uint8_t> body;
     ReverseRows(body);
@@ -536,5 +555,5 @@ bool TImage::SaveHvt(const char* path, int squishFlags) const
     header[35] = static_cast<uint8_t>(Height);
     header[37] = 1;
     PutBigU32(header + 40, pitch);
-    return WriteFileFrom(path, header, sizeof(header), body);
+    return WriteFileFrom(path, header, sizeof(header), body, fault);
 }

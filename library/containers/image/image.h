@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/string.h"
 #include "library/containers/vector.h"
 
 #include <cstdint>
@@ -28,6 +29,8 @@ public:
     // Tells the two apart by content.
     bool Load(const char* path);
     bool Save(const char* path, int format) const;
+    // The same, with the reason of a failure.
+    bool Save(const char* path, int format, TString& fault) const;
 
     // A transparent black picture.
     void Create(int width, int height);
@@ -57,9 +60,9 @@ private:
     void Clear();
     bool Decode(const TStored& stored);
     void ReverseRows(vector<uint8_t>& pixels) const;
-    bool SaveTga(const char* path) const;
-    bool SaveDds(const char* path, int squishFlags) const;
-    bool SaveHvt(const char* path, int squishFlags) const;
+    bool SaveTga(const char* path, TString& fault) const;
+    bool SaveDds(const char* path, int squishFlags, TString& fault) const;
+    bool SaveHvt(const char* path, int squishFlags, TString& fault) const;
 
     int Width = 0;
     int Height = 0;

@@ -1,6 +1,7 @@
 #include "library/system/files/binaryfile.h"
 
 #include "library/containers/assertion.h"
+#include "library/containers/shortentext.h"
 
 #include <limits.h>
 #include <string.h>
@@ -93,11 +94,15 @@ bool TBinaryFile::ReadString(TString& value)
         char* word = buffer + i * 4;
         if (!Read(word, 4))
             return false;
-        const void* end = memchr(word, 0, 4);
-        if (end != nullptr) {
-            value.Assign(buffer, static_cast<const char*>(end));
-            return true;
-        }
+        const char* end = static_cast<const char*>(memchr(word, 0, 4));
+        if (end == nullptr)
+            continue;
+        // A text that has more behind its end would be cut.
+        for (const char* rest = end; rest < word + 4; ++rest)
+            if (*rest != 0)
+                return Fail("A text of the file holds a zero byte");
+        value.Assign(buffer, end);
+        return true;
     }
 }
 
@@ -161,8 +166,12 @@ bool TBinaryFile::WriteString(const TString& value)
     static constexpr char padding[4] = {};
     const int length = value.Length();
     // Better no file than one that cannot be read again.
-    if (length > MaxStringLength)
-        return false;
+    if (length > MaxStringLength) {
+        TString fault;
+        fault.Format("The text \"%s\" is longer than %d characters", ShortenText(value, 100).Print(),
+                     MaxStringLength);
+        return Fail(fault);
+    }
     return Write(value.Print(), length) && Write(padding, GetStringSize(value) - length);
 }
 

@@ -3,6 +3,7 @@
 #include "library/containers/append.h"
 #include "library/containers/assertion.h"
 #include "library/containers/log.h"
+#include "library/system/path.h"
 
 static constexpr const char* CommentStart = "!--";
 
@@ -44,7 +45,18 @@ bool TXmlFile::OpenRead(const char* path)
         return false;
     Stack.clear();
     FoundEmpty = false;
+    HasMismatch = false;
     return true;
+}
+
+bool TXmlFile::Close()
+{
+    if (IsOpen() && HasMismatch) {
+        TString shown;
+        ToShownPath(GetPath(), shown);
+        DebugPrintf("Mismatched closing tags in %s\n", shown.Print());
+    }
+    return TFile::Close();
 }
 
 bool TXmlFile::SkipQuoted(char quote)
@@ -200,6 +212,7 @@ int TXmlFile::Search(int count, const char* const* names, TTag& tag, bool closin
             if (inside && local.GetDepth() == 0)
                 return -1;
         } else {
+            HasMismatch = true;
             DebugPrintf("Mismatched closing tags - expecting %s, got %s\n", local.GetTop(), tag.Name);
         }
     }

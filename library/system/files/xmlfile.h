@@ -10,6 +10,8 @@ class TXmlFile : public TFile
 public:
     // No element is open, whatever a parse of an earlier file left.
     bool OpenRead(const char* path);
+    // The log, which tells of tags that do not match where they are met, hears of the file.
+    bool Close();
 
     // Finds a direct child of the open element from the start of its content, opens it and pushes it.
     // An empty element is found but not pushed: its text is empty, and it must not be left.
@@ -63,6 +65,7 @@ private:
 
     list<TElement> Stack;
     bool FoundEmpty = false;
+    bool HasMismatch = false;
     vector<char> Span;
     vector<char> Brackets;
 };

@@ -327,6 +327,10 @@ int TBatchProgram::Export(TArguments& arguments)
         return ReportUsage("export takes a file and the file to write");
     const char* in = arguments.Take();
     const char* out = arguments.Take();
+    if (IsSameFile(in, out)) {
+        std::fprintf(stderr, "%s: This is the effect itself, which its export would replace\n", out);
+        return StatusErrors;
+    }
     TDocument document(*App);
     if (!LoadGraph(document, in))
         return StatusErrors;
@@ -437,14 +441,16 @@ int TBatchProgram::Image(TArguments& arguments)
         loaded = image.Load(in);
     }
     if (!loaded) {
-        const char* unread =
-            FileExists(in) ? "This is no sound DDS or HVT picture" : "The file does not exist";
-        std::fprintf(stderr, "%s: %s\n", in, reason.IsEmpty() ? unread : reason.Print());
+        if (reason.IsEmpty())
+            GetReadFault(in, reason);
+        if (reason.IsEmpty())
+            reason = "This is no sound DDS or HVT picture";
+        std::fprintf(stderr, "%s: %s\n", in, reason.Print());
         return StatusErrors;
     }
-    if (image.Save(out, format))
+    if (image.Save(out, format, reason))
         return StatusDone;
-    std::fprintf(stderr, "%s: The picture cannot be written\n", out);
+    std::fprintf(stderr, "%s: The picture cannot be written: %s\n", out, reason.Print());
     return StatusErrors;
 }
 
@@ -460,7 +466,11 @@ int TBatchProgram::Resave(TArguments& arguments)
     if (document.SaveAs(out))
         return StatusDone;
     const TString& reason = document.GetSaveError();
-    std::fprintf(stderr, "%s: %s\n", out, reason.IsEmpty() ? "The file cannot be written" : reason.Print());
+    if (reason.IsEmpty())
+        std::fprintf(stderr, "%s: The file cannot be written: %s\n", out,
+                     document.GetChunks().File.GetFault().Print());
+    else
+        std::fprintf(stderr, "%s: %s\n", out, reason.Print());
     return StatusErrors;
 }
 

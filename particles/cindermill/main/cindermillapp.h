@@ -130,6 +130,8 @@ private:
     bool ChooseEffect(bool open, const char* title, TString& path);
     bool MakeWritable(const char* path, const char* purpose);
     bool ConfirmOverwrite(const char* path);
+    bool ConfirmChanged(const TDocument& document);
+    bool IsOpenEffect(const char* path);
     bool SettleModified(const vector<TDocument*>& documents);
     void RedrawDocuments();
     bool DropAnimation(int x, int y, const char* file);

@@ -44,10 +44,10 @@ void AddMissingExtension(TString& path, const char* extension)
         path += extension;
 }
 
-void TellWriteFailed(const char* path)
+void TellWriteFailed(TDocument& document, const char* path)
 {
-    ShowMessage("Writing %s failed. What the file held before is untouched, and the effect is not saved.",
-                ShownPath(path).Print());
+    ShowMessage("Writing %s failed: %s. What the file held before is untouched, and the effect is not saved.",
+                ShownPath(path).Print(), document.GetChunks().File.GetFault().Print());
 }
 
 } // namespace
@@ -257,13 +257,33 @@ bool TCindermillApp::ConfirmOverwrite(const char* path)
     return !FileExists(path) || AskQuestion("%s exists. Overwrite?", ShownPath(path).Print());
 }
 
+bool TCindermillApp::ConfirmChanged(const TDocument& document)
+{
+    return !document.IsFileChanged() ||
+           AskQuestion("%s was changed by another program since it was opened. Overwrite it?",
+                       ShownPath(document.GetPath()).Print());
+}
+
+// An export in the place of an effect would leave nothing of it but the memory of this program.
+bool TCindermillApp::IsOpenEffect(const char* path)
+{
+    for (const TDocument* document : Documents) {
+        if (document->GetPath().IsEmpty() || !IsSameFile(document->GetPath(), path))
+            continue;
+        ShowMessage("%s is an effect that is open, which the export would replace. Choose another name.",
+                    ShownPath(path).Print());
+        return true;
+    }
+    return false;
+}
+
 // The result of the write is told to the user and counts for nothing here.
 bool TCindermillApp::Save(TDocument& document)
 {
     if (document.GetPath().IsEmpty())
         return SaveAs(document);
     const TString path = document.GetPath();
-    if (!MakeWritable(path, "save"))
+    if (!ConfirmChanged(document) || !MakeWritable(path, "save"))
         return false;
     AddRecentFile(path);
     if (!document.Save())
@@ -290,7 +310,7 @@ bool TCindermillApp::SaveAs(TDocument& document)
 void TCindermillApp::TellNotSaved(TDocument& document, const char* path)
 {
     if (document.GetSaveError().IsEmpty()) {
-        TellWriteFailed(path);
+        TellWriteFailed(document, path);
         return;
     }
     TString other;
@@ -303,7 +323,7 @@ void TCindermillApp::TellNotSaved(TDocument& document, const char* path)
     if (FileExists(other))
         ShowMessage("%s exists and was left as it is. The effect is not saved.", ShownPath(other).Print());
     else if (!document.SaveUnchecked(other))
-        TellWriteFailed(other);
+        TellWriteFailed(document, other);
 }
 
 void TCindermillApp::ExportActive()
@@ -316,7 +336,7 @@ void TCindermillApp::ExportActive()
     if (!Host->ChooseSavePath("Select export path", MakeFilters("*.efx"), nullptr, path))
         return;
     AddMissingExtension(path, ".efx");
-    if (ConfirmOverwrite(path) && MakeWritable(path, "export"))
+    if (!IsOpenEffect(path) && ConfirmOverwrite(path) && MakeWritable(path, "export"))
         document->Export(path);
 }
 

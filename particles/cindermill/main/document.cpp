@@ -79,6 +79,8 @@ bool TDocument::Load(const char* path)
         return false;
     TEffectFile file(Chunks);
     TLinkMender mender(App.GetNodeTypes(), LoadNotes);
+    // What is written while the load goes on counts as a change.
+    Stamp.Take(path);
     if (!AdoptLoaded(file,
                      file.Load(path) && file.FindRoots(true) && file.Check(&mender) && file.CheckClasses()))
         return false;
@@ -171,6 +173,7 @@ bool TDocument::Save()
 bool TDocument::CheckWritten(const char* path, void* data)
 {
     TDocument& document = *static_cast<TDocument*>(data);
+    document.WrittenStamp.Take(path);
     TChunkFile chunks;
     TEffectFile file(chunks);
     if (file.Load(path) && file.FindRoots(document.IsEditable) && file.Check() &&
@@ -190,6 +193,8 @@ bool TDocument::SaveAs(const char* path)
     SaveError = nullptr;
     if (!Chunks.Save(path, &TDocument::CheckWritten, this))
         return false;
+    Stamp = WrittenStamp;
+    Stamp.MoveTo(path);
     if (OperationStack != nullptr)
         OperationStack->MarkSaved();
     if (Path.Compare(path) != 0) {

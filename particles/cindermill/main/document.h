@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/sortedmap.h"
+#include "library/system/filestamp.h"
 #include "particles/cindermill/graph/operations/editcontext.h"
 #include "particles/cindermill/graph/operations/operationstack.h"
 #include "particles/cindermill/main/appservices.h"
@@ -51,6 +52,8 @@ public:
     bool Save();
     bool SaveAs(const char* path);
     const TString& GetSaveError() const { return SaveError; }
+    // Whether another program has written to the document's file since it was loaded or saved.
+    bool IsFileChanged() const { return Stamp.HasChanged(Path); }
     // Writes the document as it is, for a name where nothing is lost by it. The document does not count as
     // saved.
     bool SaveUnchecked(const char* path);
@@ -148,6 +151,9 @@ private:
     TString LoadError;
     TErrorList LoadNotes;
     TString SaveError;
+    // The file as it was loaded or saved, and as it is being saved.
+    TFileStamp Stamp;
+    TFileStamp WrittenStamp;
     bool Modified = false;
     unsigned Revision = 0;
     // Made or loaded to be edited, and not only to be looked at.

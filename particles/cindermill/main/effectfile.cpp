@@ -1,6 +1,5 @@
 #include "particles/cindermill/main/effectfile.h"
 
-#include "library/system/file.h"
 #include "particles/cindermill/graph/operations/operationstack.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
@@ -11,14 +10,14 @@ bool TEffectFile::Load(const char* path)
 {
     bool loaded = false;
     TString text;
-    if (!FileExists(path))
-        Fault = "The file does not exist";
-    else if (!RunGuarded([&] { loaded = Chunks.Load(path); }, text))
+    if (!RunGuarded([&] { loaded = Chunks.Load(path); }, text))
         Fault = text;
-    else if (!loaded)
-        Fault = GetLastChunkError();
-    else
+    else if (loaded)
         return true;
+    else if (!Chunks.File.GetFault().IsEmpty())
+        Fault = Chunks.File.GetFault();
+    else
+        Fault = GetLastChunkError();
     if (Fault.Compare("<no error>") == 0)
         Fault = "The file cannot be read to its end";
     return false;

@@ -1,16 +1,23 @@
 #include "particles/cindermill/main/settingsstore.h"
 
+#include "library/containers/log.h"
+#include "library/system/file.h"
 #include "library/system/path.h"
 
 #include <QSettings>
+#include <QStandardPaths>
 
 namespace {
+
+constexpr const char* Organisation = "TolvTools";
+constexpr const char* Program = "VORCindermill";
 
 class TQtSettingsStore : public TSettingsStore
 {
 public:
-    TQtSettingsStore() : Settings("TolvTools", "VORCindermill") {}
-    explicit TQtSettingsStore(const char* path) : Settings(QString::fromUtf8(path), QSettings::IniFormat) {}
+    // The platform's own store.
+    TQtSettingsStore() : Settings(Organisation, Program) {}
+    explicit TQtSettingsStore(const QString& path) : Settings(path, QSettings::IniFormat) {}
 
     bool Exists() override { return !Settings.allKeys().isEmpty(); }
 
@@ -55,16 +62,45 @@ private:
     QSettings Settings;
 };
 
+// Where nothing can be kept: a run with the defaults.
+class TNoSettingsStore : public TSettingsStore
+{
+public:
+    bool Exists() override { return false; }
+    bool ReadInt(const char*, uint32_t&) override { return false; }
+    bool ReadString(const char*, TString&) override { return false; }
+    bool WriteInt(const char*, uint32_t) override { return false; }
+    bool WriteString(const char*, const char*) override { return false; }
+    void Remove(const char*) override {}
+    bool Flush() override { return false; }
+};
+
+// Reading a pipe or a device would never end, and what cannot be read must not be written over.
+TSettingsStore* OpenFile(const QString& path)
+{
+    TString refusal;
+    if (!GetReadRefusal(path.toUtf8().constData(), refusal))
+        return new TQtSettingsStore(path);
+    DebugPrintf("The settings are not used: %s\n", refusal.Print());
+    return new TNoSettingsStore;
+}
+
 } // namespace
 
 TSettingsStore* OpenSettingsStore()
 {
+#ifdef Q_OS_UNIX
+    // The file that the platform's own store is, and none of those that it falls back on.
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return OpenFile(folder + '/' + Organisation + '/' + Program + ".conf");
+#else
     return new TQtSettingsStore;
+#endif
 }
 
 TSettingsStore* OpenSettingsFile(const char* path)
 {
     TString own;
     ToSystemPath(path, own);
-    return new TQtSettingsStore(own.Print());
+    return OpenFile(QString::fromUtf8(own.Print()));
 }

@@ -1,4 +1,5 @@
 #include "library/containers/log.h"
+#include "library/system/filesizelimit.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/application.h"
 
@@ -7,6 +8,7 @@
 // No argument is the program's own.
 int main(int argc, char** argv)
 {
+    TakeFileSizeLimitAsError();
     if (!TWimp::Get().Init(argc, argv)) {
         DebugPrintf("Failed to initialise Cindermill\n");
         fprintf(stderr, "There is no display to open windows on.\n");

@@ -143,7 +143,7 @@ bool TEfxFile::ReadBytes(const char* path)
 {
     TFile file;
     if (!file.OpenRead(path)) {
-        Fault->Format("Could not open %s", path);
+        Fault->Format("Could not open %s: %s", path, file.GetFault().Print());
         return false;
     }
     vector<uint8_t> header;

@@ -6,6 +6,7 @@
 #include "particles/effectgraph/export/exportbuilder.h"
 #include "particles/effectgraph/export/exportlayout.h"
 #include "particles/effectgraph/export/fixedvalue.h"
+#include "particles/effectgraph/xmltext.h"
 
 TExportData::TExportData(const TEffectSchedule& schedule) : Schedule(schedule)
 {
@@ -326,15 +327,19 @@ int TExportData::GetFileSize() const
 
 bool TExportData::WriteEfx(const char* path, TErrorList& errors) const
 {
+    constexpr int PathLimit = 900;
     ASSERT_TEXT(Result.Built, "GroupData != 0");
     TFile file;
     if (!file.OpenWrite(path)) {
-        errors.Add(new TError("Failed to open %s for writing. Is it locked?", path));
+        errors.Add(
+            new TError("Failed to open %s for writing. Is it locked?", QuoteText(path, PathLimit).Print()));
+        errors.Add(new TError("%s", QuoteText(file.GetFault(), PathLimit).Print()));
         return false;
     }
     const bool written = TEfxWriter(Result).Save(file);
     if (!file.Close() || !written) {
-        errors.Add(new TError("Failed to write %s", path));
+        errors.Add(new TError("Failed to write %s: %s", QuoteText(path, PathLimit).Print(),
+                              file.GetFault().Print()));
         return false;
     }
     return true;

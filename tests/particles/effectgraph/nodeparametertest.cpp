@@ -229,7 +229,8 @@ TEST(ParseParameter, LongTextsInMessagesAreCut)
 {
     const TParsed parsed(Element("Scale", Default(std::string(3000, '7'))));
     EXPECT_FALSE(parsed.Ok);
-    EXPECT_EQ(parsed.Error, "Badly formatted vector2 default value : " + std::string(800, '7') + "\n");
+    EXPECT_EQ(parsed.Error,
+              "Badly formatted vector2 default value : " + std::string(800, '7') + "... (3000 characters)\n");
 }
 
 TEST(ParseParameter, BoolIsTrueForTrueAndOne)

@@ -93,6 +93,24 @@ TEST(NodeTypeFile, FileThatIsNotThereIsAPlainError)
     EXPECT_EQ(loaded.Line, -1);
 }
 
+TEST(NodeTypeFile, ClosingTagsThatDoNotMatchAreAnErrorOfATypeThatLoadsAllTheSame)
+{
+    const TLoaded loaded(NodeFile("<outputs><Scalar><name>o</name></x></Scalar></outputs>"));
+    EXPECT_TRUE(loaded.Ok);
+    EXPECT_TRUE(loaded.Messages.empty());
+    EXPECT_EQ(loaded.TagFaults,
+              std::vector<std::string>{"The closing tag \"x\" does not match \"Scalar\" of line 0"});
+    EXPECT_TRUE(TLoaded(NodeFile("<!-- <x>old</x> -->")).TagFaults.empty());
+}
+
+TEST(NodeTypeFile, AZeroByteIsTheOnlyErrorOfItsFile)
+{
+    const TLoaded loaded("<node>\n" + NodeFile("", "process", std::string("N\0M", 3)));
+    EXPECT_FALSE(loaded.Ok);
+    EXPECT_EQ(loaded.Error(), "The file holds a zero byte");
+    EXPECT_EQ(loaded.Line, 1);
+}
+
 TEST(NodeTypeFile, ErrorsTellTheLine)
 {
     const TLoaded loaded(
@@ -512,8 +530,7 @@ TEST(TNodeTypeLibrary, BadFilesDoNotStopTheLoad)
     tree.Add("b.xml", NodeFile("", "process", "B"));
     const std::vector<std::string> errors = tree.Load();
     ASSERT_EQ(errors.size(), 1u);
-    EXPECT_NE(errors[0].find("\\a.xml [0] : Node type file missing name tag"), std::string::npos)
-        << errors[0];
+    EXPECT_NE(errors[0].find("/a.xml [0] : Node type file missing name tag"), std::string::npos) << errors[0];
     EXPECT_EQ(tree.Library.GetNumTypes(), 1);
     EXPECT_EQ(tree.Library.GetNumRootItems(), 1);
 }

@@ -67,7 +67,14 @@ struct TLoaded
         TErrorList errors;
         Ok = Type->LoadXml(file.c_str(), errors);
         for (const TError* error : errors) {
-            Messages.push_back(Text(error->GetMessage()));
+            const std::string message = Text(error->GetMessage());
+            // What such a text does to the reader is told besides.
+            if (message.find("closing tag ") != std::string::npos || message.find("The tag ") == 0 ||
+                message.find("A tag ") == 0) {
+                TagFaults.push_back(message);
+                continue;
+            }
+            Messages.push_back(message);
             const TFileError* fileError = dynamic_cast<const TFileError*>(error);
             Line = fileError != nullptr ? fileError->GetLine() : -1;
         }
@@ -78,6 +85,7 @@ struct TLoaded
     std::unique_ptr<TNodeType> Type = std::make_unique<TNodeType>();
     bool Ok = false;
     std::vector<std::string> Messages;
+    std::vector<std::string> TagFaults;
     int Line = -1;
 };
 

@@ -2,6 +2,7 @@
 
 #include "library/containers/owner.h"
 #include "particles/cindermill/graph/shaders/qdxshader.h"
+#include "particles/effectgraph/xmltext.h"
 
 void TEffectExecNode::Emit(int, float) {}
 
@@ -51,7 +52,8 @@ TEffectExecNode* TEffectExecNode::Create(TEffectNode* node, TEffectExec* exec, T
     const TString& className = node->GetNodeType()->ClassName;
     const int id = FindClassByName(className);
     if (id == -1 || !IsClassA(id, ClassId())) {
-        errors.Add(new TError("Run time class %s does not exist in this tool build\n", className.Print()));
+        errors.Add(new TError("Run time class %s does not exist in this tool build\n",
+                              QuoteText(className).Print()));
         return nullptr;
     }
     TOwner<TEffectExecNode> result(static_cast<TEffectExecNode*>(CreateClass(id)));
@@ -186,7 +188,8 @@ TNodeParameter* TEffectExecNode::RequireParameterOfKind(const char* path, int ki
 
 void TEffectExecNode::AddMissingParameter(const char* path, TErrorList& errors) const
 {
-    errors.Add(new TError("Missing parameter \"%s\" for node %s", path, GetNodeType()->Name.Print()));
+    errors.Add(
+        new TError("Missing parameter \"%s\" for node %s", path, QuoteText(GetNodeType()->Name).Print()));
 }
 
 namespace {

@@ -2,6 +2,7 @@
 
 #include "particles/cindermill/main/animation/animation.h"
 #include "particles/effectgraph/simpleparameters.h"
+#include "particles/effectgraph/xmltext.h"
 
 TAnimationPath::~TAnimationPath()
 {
@@ -31,12 +32,12 @@ bool TAnimationPath::LoadAnimation(TString& error)
     }
     TString path;
     if (!GetServices().FindResource(name, path)) {
-        error.Format("Could not resolve path for animation %s", name.Print());
+        error.Format("Could not resolve path for animation %s", QuoteText(name).Print());
         return false;
     }
     const TAnimation* animation = GetAnimation(path);
     if (animation == nullptr) {
-        error.Format("Could not load animation %s", name.Print());
+        error.Format("Could not load animation %s", QuoteText(name).Print());
         return false;
     }
     Animation = animation;
@@ -49,7 +50,7 @@ void TAnimationPath::OnChanged(TNodeParameter*, void* data)
     TString text;
     if (path.LoadAnimation(text))
         return;
-    text.Format("Could not load animation %s", path.Parameter->GetFileName().Print());
+    text.Format("Could not load animation %s", QuoteText(path.Parameter->GetFileName()).Print());
     path.GetServices().Warn(text);
 }
 

@@ -1,7 +1,9 @@
 #include "particles/cindermill/graph/nodes/renderstage.h"
 
+#include "library/system/file.h"
 #include "library/wimp/gl/device/sceneview.h"
 #include "particles/effectgraph/groupparameter.h"
+#include "particles/effectgraph/xmltext.h"
 #include "shaders/stageshaders.h"
 
 #include <cstring>
@@ -128,11 +130,12 @@ bool TRenderStage::InitTexture(int texture, TErrorList& errors)
         return false;
     }
     if (!GetServices().FindResource(fileName, path)) {
-        errors.Add(new TError("Could not resolve path for texture %s", fileName.Print()));
+        errors.Add(new TError("Could not resolve path for texture %s", QuoteText(fileName).Print()));
         return false;
     }
     if (!GetServices().LoadTexture(path, slot.Texture)) {
-        errors.Add(new TError("Could not load texture %s\n", fileName.Print()));
+        errors.Add(new TError("Could not load texture %s\n", QuoteText(fileName).Print()));
+        AddReadRefusal(errors, path);
         return false;
     }
     slot.Path = path;
@@ -168,7 +171,9 @@ void TRenderStage::ReloadTexture(const TNodeParameter* parameter)
             slot.Path = path;
         } else {
             TString warning;
-            GetServices().Warn(warning.Format("Could not load texture %s\n", fileName.Print()));
+            GetServices().Warn(warning.Format("Could not load texture %s\n", QuoteText(fileName).Print()));
+            if (GetReadRefusal(path, warning))
+                GetServices().Warn(warning);
         }
     }
 }

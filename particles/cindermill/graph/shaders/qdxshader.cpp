@@ -7,6 +7,7 @@
 #include "library/containers/ownerlist.h"
 #include "library/system/file.h"
 #include "library/system/path.h"
+#include "library/system/systemerror.h"
 #include "library/wimp/gl/device/graphicsdevice.h"
 #include "particles/cindermill/graph/shaders/qdxfragmentprogram.h"
 #include "particles/cindermill/graph/shaders/qdxvertexprogram.h"
@@ -175,7 +176,11 @@ TQdxShader* TQdxShader::LoadShaderFile(const char* path)
         return shader;
     uint64_t size = 0;
     if (!GetFileSize64(path, size) || size > INT_MAX) {
-        DebugPrintf("Could not open sho file %s\n", path);
+        TString fault;
+        GetReadFault(path, fault);
+        if (fault.IsEmpty())
+            fault = GetSystemErrorText(FF_TOOLARGE);
+        DebugPrintf("Could not open sho file %s: %s\n", path, fault.Print());
         return nullptr;
     }
     array<uint8_t> data;

@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/controls/textureparametercontrols.h"
 
+#include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
 #include "library/wimp/filechooser.h"
@@ -128,6 +129,9 @@ void TNodeTextureParameterControls::TakeFile(const char* path)
         TString shown;
         ToShownPath(path, shown);
         ShowMessage("Could not load texture %s", shown.Print());
+        TString refusal;
+        if (GetReadRefusal(path, refusal))
+            ShowMessage("%s", refusal.Print());
         return;
     }
     if (GetLocator().PrepareName(name))

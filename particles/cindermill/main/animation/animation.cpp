@@ -4,8 +4,10 @@
 #include "library/maths/matrix43.h"
 #include "library/maths/quaternion.h"
 #include "library/maths/scalar.h"
+#include "library/system/files/xmlcheck.h"
 #include "library/system/files/xmlfile.h"
 #include "library/system/message.h"
+#include "library/system/path.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -73,8 +75,12 @@ public:
 
     bool Open();
     bool ReadChannel(int index, TAnimChannel& channel);
+    // Of tags that do not match, which the reader has gone on past.
+    void TellTags() const;
 
 private:
+    bool CheckTags();
+    void TellFault(const TXmlFault& fault) const;
     // The reader pushes no empty element: what is searched inside of it is not there.
     bool Find(const char* tag) { return !Xml.IsEmptyTag() && Xml.FindTag(tag); }
     bool FindFromHere(const char* tag) { return Xml.FindTagFromHere(tag); }
@@ -90,6 +96,7 @@ private:
     bool FailChannel(const char* tag, int index) const;
 
     TXmlFile Xml;
+    TXmlFault TagFault;
     const char* Path;
 };
 
@@ -110,8 +117,13 @@ bool TVoriReader::Open()
 {
     if (!Xml.OpenRead(Path)) {
         ShowMessage("Failed to open %s for reading", Path);
+        TString refusal;
+        if (GetReadRefusal(Path, refusal))
+            ShowMessage("%s", refusal.Print());
         return false;
     }
+    if (!CheckTags())
+        return false;
     if (!Xml.FindTag("VOR")) {
         ShowMessage("Failed to find VOR tag in file %s. Is it a valid vori file?", Path);
         return false;
@@ -119,6 +131,30 @@ bool TVoriReader::Open()
     if (!Find("animclip"))
         return Fail("animClip");
     return Find("anim") || Fail("anim");
+}
+
+// A zero byte between numbers parts them like a blank; in a tag it would cut a name.
+bool TVoriReader::CheckTags()
+{
+    TXmlFault zero;
+    CheckXml(Path, TagFault, zero);
+    if (zero.Kind != TXmlFault::ZeroInTag)
+        return true;
+    TellFault(zero);
+    return false;
+}
+
+void TVoriReader::TellFault(const TXmlFault& fault) const
+{
+    TString shown;
+    ToShownPath(Path, shown);
+    ShowMessage("%s [%d] : %s", shown.Print(), fault.Line, fault.Text.Print());
+}
+
+void TVoriReader::TellTags() const
+{
+    if (TagFault.Kind != TXmlFault::None)
+        TellFault(TagFault);
 }
 
 int TVoriReader::GetCount(const char* attribute)
@@ -255,6 +291,7 @@ bool TAnimation::Load(const char* path)
     for (int i = 0; i < NumChannels; ++i)
         if (!reader.ReadChannel(i, Channels[i]))
             return false;
+    reader.TellTags();
     const vector<float>& times = Channels[0].Times;
     Length = times.empty() ? 0 : times.back();
     return true;

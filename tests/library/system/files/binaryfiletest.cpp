@@ -129,11 +129,24 @@ TEST_F(TBinaryFileTest, StringsReadBack)
 
 TEST_F(TBinaryFileTest, AStringEndsAtItsFirstNul)
 {
-    Open(Bytes({'a', 0, 'b', 'c', 'd'}));
+    Open(Bytes({'a', 0, 0, 0, 'd'}));
     TString read;
     EXPECT_TRUE(File.ReadString(read));
     EXPECT_EQ(Text(read), "a");
     EXPECT_EQ(File.GetFilePtr(), 4);
+}
+
+TEST_F(TBinaryFileTest, AStringThatAZeroByteWouldCutIsRefused)
+{
+    for (const std::string& bytes :
+         {Bytes({'a', 0, 'b', 0}), Bytes({0, 0, 0, 'x'}), Bytes({'a', 'b', 0, 'c'})}) {
+        File.Abandon();
+        Open(bytes);
+        TString read = "unset";
+        EXPECT_FALSE(File.ReadString(read));
+        EXPECT_EQ(Text(read), "unset");
+        EXPECT_EQ(Text(File.GetFault()), "A text of the file holds a zero byte");
+    }
 }
 
 TEST_F(TBinaryFileTest, AStringOfMoreThan1024WordsAsserts)

@@ -217,6 +217,16 @@ TEST_F(TXmlFileTest, AMismatchedEndTagIsLoggedAndTheSearchGoesOn)
     EXPECT_EQ(log, "Mismatched closing tags - expecting a, got z\n");
 }
 
+TEST_F(TXmlFileTest, TheFileOfMismatchedTagsIsNamedAtItsEnd)
+{
+    Open("<r><a></z></a></r>");
+    LogOf([&] { EXPECT_FALSE(Xml.FindTag("b")); });
+    EXPECT_EQ(LogOf([&] { Xml.Close(); }), "Mismatched closing tags in " + Folder.Path("file.xml") + "\n");
+    Open("<r></r>");
+    LogOf([&] { EXPECT_FALSE(Xml.FindTag("b")); });
+    EXPECT_EQ(LogOf([&] { Xml.Close(); }), "");
+}
+
 TEST_F(TXmlFileTest, AnEndTagOutsideAllElementsIsMismatched)
 {
     Open("</z><b>t</b>");

@@ -2,6 +2,8 @@
 
 #include "library/system/file.h"
 
+#include <unistd.h>
+
 TEST_F(Commands, SaveOfADocumentWithoutPathIsSaveAs)
 {
     TDocument& document = New();
@@ -312,4 +314,129 @@ TEST_F(Commands, ExitStopsAtTheFirstDocumentThatIsNotSavedAndKeepsThoseThatAre)
                                     "recent 1", SaveEffect}));
     EXPECT_FALSE(first.IsModified());
     EXPECT_TRUE(Newest().IsModified());
+}
+
+TEST_F(Commands, AFileThatAnotherProgramChangedIsAskedAbout)
+{
+    App.Get().OpenDocument(EffectFile("a.effect").c_str());
+    TDocument& document = Newest();
+    Add(document);
+    const std::string question =
+        Path("a.effect") + " was changed by another program since it was opened. Overwrite it?";
+    WriteBytes(Path("a.effect"), "theirs");
+    EXPECT_FALSE(App.Get().Save(document));
+    EXPECT_EQ(Shown.Questions, TNames{question});
+    EXPECT_EQ(ReadBytes(Path("a.effect")), "theirs");
+    EXPECT_TRUE(document.IsModified());
+    Shown.Answers = {true};
+    EXPECT_TRUE(App.Get().Save(document));
+    EXPECT_EQ(Shown.Questions, (TNames{question, question}));
+    EXPECT_NE(ReadBytes(Path("a.effect")), "theirs");
+    EXPECT_FALSE(document.IsModified());
+    // Its own writing is no change.
+    Add(document);
+    EXPECT_TRUE(App.Get().Save(document));
+    EXPECT_EQ(Shown.Questions.size(), 2u);
+    // After a save, too.
+    WriteBytes(Path("a.effect"), "theirs again");
+    Add(document);
+    EXPECT_FALSE(App.Get().Save(document));
+    EXPECT_EQ(Shown.Questions.size(), 3u);
+}
+
+TEST_F(Commands, AChangeWithTheOldSizeAndTimeIsSeenAndATouchIsNone)
+{
+    App.Get().OpenDocument(EffectFile("a.effect").c_str());
+    TDocument& document = Newest();
+    Add(document);
+    std::string bytes = ReadBytes(Path("a.effect"));
+    WriteBytes(Path("a.effect"), bytes);
+    EXPECT_TRUE(App.Get().Save(document));
+    EXPECT_TRUE(Shown.Questions.empty());
+    Add(document);
+    bytes = ReadBytes(Path("a.effect"));
+    const auto time = std::filesystem::last_write_time(Path("a.effect"));
+    bytes[bytes.size() / 2] ^= 1;
+    WriteBytes(Path("a.effect"), bytes);
+    std::filesystem::last_write_time(Path("a.effect"), time);
+    EXPECT_FALSE(App.Get().Save(document));
+    EXPECT_EQ(Shown.Questions.size(), 1u);
+}
+
+TEST_F(Commands, AFileThatIsGoneIsWrittenAndSaveAsAsksOnlyItsOwnQuestion)
+{
+    App.Get().OpenDocument(EffectFile("a.effect").c_str());
+    TDocument& document = Newest();
+    Add(document);
+    std::filesystem::remove(Path("a.effect"));
+    EXPECT_TRUE(App.Get().Save(document));
+    EXPECT_TRUE(Shown.Questions.empty());
+    EXPECT_TRUE(FileExists(Path("a.effect").c_str()));
+    WriteBytes(Path("a.effect"), "theirs");
+    Host.Choice = Path("a.effect");
+    Shown.Answers = {true};
+    EXPECT_TRUE(App.Get().SaveAs(document));
+    EXPECT_EQ(Shown.Questions, TNames{Path("a.effect") + " exists. Overwrite?"});
+    Add(document);
+    EXPECT_TRUE(App.Get().Save(document));
+    EXPECT_EQ(Shown.Questions.size(), 1u);
+}
+
+TEST_F(Commands, ADocumentThatIsNotSavedOverAChangeStaysOpen)
+{
+    App.Get().OpenDocument(EffectFile("a.effect").c_str());
+    Add(Newest());
+    WriteBytes(Path("a.effect"), "theirs");
+    Host.Answer = MA_YES;
+    App.Get().CloseDocument(&Newest());
+    EXPECT_EQ(NumDocuments(), 1);
+    App.Get().ExitRequest();
+    EXPECT_EQ(ReadBytes(Path("a.effect")), "theirs");
+    for (const std::string& event : Host.Taken())
+        EXPECT_NE(event, "quit");
+}
+
+TEST_F(Commands, AnEffectThatIsOpenIsNotReplacedByAnExport)
+{
+    App.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples").c_str());
+    WriteBytes(Path("a.effect"), ReadBytes(SourcePath("samples/fountain.effect")));
+    ASSERT_TRUE(App.Get().OpenDocument(EffectFile("other.effect").c_str()));
+    ASSERT_TRUE(App.Get().OpenDocument(Path("a.effect").c_str()));
+    Activate(Newest());
+    std::filesystem::create_symlink("a.effect", Path("link.efx"));
+    const std::string before = ReadBytes(Path("a.effect"));
+    for (const std::string& choice :
+         {Path("a.effect"), Path("./a.effect"), Path("A.Effect"), Path("link.efx"), Path("other.effect")}) {
+        Shown = TShown();
+        Shown.Answers = {true, true};
+        Host.Choice = choice;
+        App.Get().ExportActive();
+        ASSERT_TRUE(Shown.Errors.empty()) << Shown.Errors[0];
+        EXPECT_EQ(Shown.Messages,
+                  TNames{choice +
+                         " is an effect that is open, which the export would replace. Choose another name."});
+        EXPECT_TRUE(Shown.Questions.empty());
+        EXPECT_EQ(ReadBytes(Path("a.effect")), before);
+    }
+}
+
+TEST_F(Commands, AWriteThatFailsIsToldWithTheReason)
+{
+    if (getuid() != 0)
+        GTEST_SKIP() << "only the superuser can become somebody else";
+    App.Get().OpenDocument(EffectFile("a.effect").c_str());
+    Add(Newest());
+    const std::string before = ReadBytes(Path("a.effect"));
+    const std::string folder = std::filesystem::path(Path("a.effect")).parent_path();
+    ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
+    ASSERT_EQ(chmod(Path("a.effect").c_str(), 0666), 0);
+    {
+        const TNobody nobody;
+        EXPECT_TRUE(App.Get().Save(Newest()));
+    }
+    EXPECT_EQ(Shown.Messages,
+              TNames{"Writing " + Path("a.effect") + " failed: No file can be made in " + folder +
+                     ": Permission denied. What the file held before is untouched, and the "
+                     "effect is not saved."});
+    EXPECT_EQ(ReadBytes(Path("a.effect")), before);
 }

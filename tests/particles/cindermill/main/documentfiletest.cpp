@@ -344,3 +344,53 @@ TEST_F(Document, DamagedFilesAreRefusedOrHarmless)
     }
     EXPECT_GT(loadedCount, 0);
 }
+
+TEST_F(Document, ATextureNameThatIsTooLongForAMessageIsNamed)
+{
+    TDocument document(App.Get());
+    document.New();
+    BuildEffect(document);
+    const std::string name = std::string(3000, 'x') + ".dds";
+    SetTexture(document, Quads, name.c_str());
+    TErrorList errors;
+    EXPECT_TRUE(document.CreateSchedule(errors));
+    EXPECT_FALSE(document.InitEngine(errors, false));
+    ASSERT_EQ(errors.size(), 1);
+    EXPECT_EQ(Text((*errors.begin())->GetMessage()),
+              "Could not resolve path for texture " + name.substr(0, 800) + "... (3004 characters)");
+}
+
+TEST_F(Document, ANameThatNoFileCanHoldIsNamedWhenItIsSaved)
+{
+    TDocument document(App.Get());
+    document.New();
+    BuildEffect(document);
+    const std::string name(5000, 'x');
+    SetTexture(document, Quads, name.c_str());
+    EXPECT_FALSE(document.SaveAs(Path("a.effect").c_str()));
+    EXPECT_EQ(Text(document.GetChunks().File.GetFault()),
+              "The text \"" + name.substr(0, 100) + "... (5000 characters)\" is longer than 4095 characters");
+    EXPECT_FALSE(FileExists(Path("a.effect").c_str()));
+}
+
+TEST_F(Document, ATextureThatMayNotBeReadIsToldWithTheReason)
+{
+    TDocument document(App.Get());
+    document.New();
+    BuildEffect(document);
+    const std::string locked = Path("resources/locked.dds");
+    std::filesystem::copy(Path("resources/spark.dds"), locked);
+    std::filesystem::permissions(locked, std::filesystem::perms::none);
+    std::filesystem::permissions(Path(""), std::filesystem::perms(0755));
+    SetTexture(document, Quads, "locked.dds");
+    const TNobody nobody;
+    TErrorList errors;
+    EXPECT_TRUE(document.CreateSchedule(errors));
+    EXPECT_FALSE(document.InitEngine(errors, false));
+    std::vector<std::string> texts;
+    for (const TError* error : errors)
+        texts.push_back(error->GetMessage().Print());
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_EQ(texts[0], "Could not load texture locked.dds\n");
+    EXPECT_EQ(texts[1], locked + ": Permission denied");
+}

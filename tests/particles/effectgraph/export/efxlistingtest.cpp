@@ -127,7 +127,7 @@ TEST(ListEfx, FileThatIsNotThere)
     TListing l("");
     l.List("/no/such/file.efx");
     EXPECT_FALSE(l.Sound);
-    EXPECT_EQ(l.Fault, "Could not open /no/such/file.efx");
+    EXPECT_EQ(l.Fault, "Could not open /no/such/file.efx: The file does not exist");
 }
 
 TEST(ListEfx, FileOfAnotherKind)

@@ -372,7 +372,9 @@ TEST(TEfxWriter, FileThatCannotBeOpenedIsReported)
     TErrorList errors;
     EXPECT_FALSE(e->WriteEfx(path.c_str(), errors));
     EXPECT_EQ(TextsOf(errors),
-              std::vector<std::string>{"Failed to open " + path + " for writing. Is it locked?"});
+              (std::vector<std::string>{"Failed to open " + path + " for writing. Is it locked?",
+                                        "No file can be made in " + folder.Path("no/such") +
+                                            ": No such file or directory"}));
 }
 
 namespace {
@@ -413,7 +415,7 @@ TEST(TEfxWriter, FailureWhileWritingIsReportedAndLeavesTheOldFile)
         const TFileSizeLimit limit(100);
         EXPECT_FALSE(e->WriteEfx(path.c_str(), errors));
     }
-    EXPECT_EQ(TextsOf(errors), std::vector<std::string>{"Failed to write " + path});
+    EXPECT_EQ(TextsOf(errors), std::vector<std::string>{"Failed to write " + path + ": File too large"});
     EXPECT_EQ(ReadBytes(path), "old");
     const std::filesystem::directory_iterator files(folder.GetFolder());
     EXPECT_EQ(std::distance(begin(files), end(files)), 1);

@@ -258,7 +258,7 @@ TEST(QdxShader, MissingFileGivesNullAndALogLine)
     TTempFolder folder;
     const std::string path = folder.Path("missing.sho");
     TQdxShader* shader = nullptr;
-    EXPECT_EQ("Could not open sho file " + path + "\n",
+    EXPECT_EQ("Could not open sho file " + path + ": The file does not exist\n",
               LogOf([&] { shader = TQdxShader::LoadShaderFile(path.c_str()); }));
     EXPECT_EQ(nullptr, shader);
 }

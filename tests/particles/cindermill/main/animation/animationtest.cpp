@@ -5,6 +5,8 @@
 
 #include <cmath>
 
+#include <sys/stat.h>
+
 namespace {
 
 using TFloats = std::vector<float>;
@@ -94,7 +96,7 @@ TEST(TAnimation, ReadsThreeChannels)
     ASSERT_TRUE(
         file.Load(Clip(Channel(Data("numKeys=2 keyStride=3", "1 2 3\n4\t5 6.5", "0 1.5")) +
                        Channel(Data("numKeys=\"1\" keyStride=\"4\"", " 0 0 0 1 ", " 0 ")) +
-                       Channel(Data("numKeys=1 keyStride=3", "1 1e0 +1", "0")) + Channel("<nonsense>"))));
+                       Channel(Data("numKeys=1 keyStride=3", "1 1e0 +1", "0")) + Channel("<nonsense/>"))));
     EXPECT_EQ(file.Shown.size(), 0u);
     const TAnimChannel& position = file.Animation.GetChannel(0);
     ASSERT_EQ(position.Keys.size(), 2);
@@ -180,6 +182,48 @@ TEST(TAnimation, FailureTexts)
               file.AnimMessage("keyValues tag 2/3"));
     EXPECT_EQ(file.FailureOf(Clip(Channel("<animData><keyValues></keyValues></animData>"))),
               file.AnimMessage("keyTimes tag 0/3"));
+}
+
+TEST(TAnimation, TagsThatDoNotMatchAreToldWithFileAndLineAndTheRestIsRead)
+{
+    TVoriFile file;
+    EXPECT_TRUE(file.Load(Clip("\n" + Still + Still + Still + "\n</oddment>")));
+    EXPECT_EQ(file.Shown,
+              std::vector<std::string>{
+                  file.Path() + " [3] : The closing tag \"oddment\" does not match \"anim\" of line 1"});
+    EXPECT_TRUE(file.Load(Clip("<!-- <old>gone</old> -->" + Still + Still + Still)));
+    EXPECT_EQ(file.Shown, std::vector<std::string>());
+}
+
+TEST(TAnimation, AZeroByteInATagIsToldAndOneBetweenNumbersIsABlank)
+{
+    TVoriFile file;
+    const std::string cut = Channel(Data(std::string("numKeys=1 key\0Stride=3", 22), "1 2 3", "0"));
+    EXPECT_EQ(file.FailureOf(Clip(cut + Still + Still)), file.Path() + " [1] : The file holds a zero byte");
+    const std::string parted = Channel(Data("numKeys=1 keyStride=3",
+                                            std::string("1\0"
+                                                        "2\0"
+                                                        "3",
+                                                        5),
+                                            "0"));
+    EXPECT_TRUE(file.Load(Clip(parted + Still + Still)));
+    EXPECT_EQ(file.Shown, std::vector<std::string>());
+    EXPECT_EQ(file.Animation.GetChannel(0).Keys[0][2], 3.0f);
+}
+
+TEST(TAnimation, AFileThatMayNotBeReadIsToldWithTheReason)
+{
+    TTempFolder folder;
+    const std::string path = folder.Path("locked.vori");
+    WriteBytes(path, Clip(Still + Still + Still));
+    ASSERT_EQ(chmod(path.c_str(), 0), 0);
+    ASSERT_EQ(chmod(folder.GetFolder().c_str(), 0755), 0);
+    const TNobody nobody;
+    const TShownMessages messages;
+    TAnimation animation;
+    EXPECT_FALSE(animation.Load(path.c_str()));
+    EXPECT_EQ(TShownMessages::Texts(), (std::vector<std::string>{"Failed to open " + path + " for reading",
+                                                                 path + ": Permission denied"}));
 }
 
 TEST(TAnimation, MoreKeysThanTheFileCanHoldFail)

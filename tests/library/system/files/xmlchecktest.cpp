@@ -1,0 +1,79 @@
+#include "library/system/files/xmlcheck.h"
+
+#include "support/testsupport.h"
+
+namespace {
+
+// What is wrong with a text, as "LINE TEXT".
+class TXmlCheckTest : public testing::Test
+{
+protected:
+    void Check(const std::string& text)
+    {
+        WriteBytes(Folder.Path("file.xml"), text);
+        CheckXml(Folder.Path("file.xml").c_str(), Tags, Zero);
+    }
+    std::string TagsOf(const std::string& text)
+    {
+        Check(text);
+        return Tags.Kind == TXmlFault::None ? "" : std::to_string(Tags.Line) + " " + Tags.Text.Print();
+    }
+    TXmlFault::TKind ZeroOf(const std::string& text)
+    {
+        Check(text);
+        return Zero.Kind;
+    }
+
+    TTempFolder Folder;
+    TXmlFault Tags;
+    TXmlFault Zero;
+};
+
+} // namespace
+
+TEST_F(TXmlCheckTest, WhatTheReaderTakesIsSound)
+{
+    for (const char* text :
+         {"", "text", "<a/>", "<a></a>", "<a>t</A>", "<?xml version=\"1.0\"?>\n<r>t</r>", "<a x=1 / >",
+          "<a x=\">\"/>", "<a x='>' y=(>)>t</a>", "<a x=\"\\\"\">t</a>", "< a >t</ a >", "<a b/>",
+          "<!-- <b> it's -->", "<r><!-- > </b>--></r>", "<!DOCTYPE r><r/>", "<r><![CDATA[</x>]]></r>"})
+        EXPECT_EQ(TagsOf(text), "") << text;
+}
+
+TEST_F(TXmlCheckTest, TagsThatDoNotMatchAreToldWithTheLine)
+{
+    EXPECT_EQ(TagsOf("<a>\n<b>\n</c>\n</a>"), "2 The closing tag \"c\" does not match \"b\" of line 1");
+    EXPECT_EQ(TagsOf("<a>\n<b></a>"), "1 The closing tag \"a\" does not match \"b\" of line 1");
+    EXPECT_EQ(TagsOf("<a></a>\n</a>"), "1 The closing tag \"a\" matches no tag");
+    EXPECT_EQ(TagsOf("<a>\n<b>\n"), "1 The tag \"b\" is not closed");
+    EXPECT_EQ(TagsOf("<a>\n<b"), "1 A tag has no end");
+    EXPECT_EQ(TagsOf("<a>\n<b x=\"></b></a>"), "1 A tag has no end");
+    EXPECT_EQ(TagsOf("</" + std::string(300, 'x') + ">"),
+              "0 The closing tag \"" + std::string(100, 'x') + "... (300 characters)\" matches no tag");
+}
+
+TEST_F(TXmlCheckTest, AZeroByteIsToldByItsPlace)
+{
+    EXPECT_EQ(ZeroOf("<a>t</a>"), TXmlFault::None);
+    EXPECT_EQ(ZeroOf(std::string("<a>\n\0</a>", 10)), TXmlFault::ZeroInText);
+    EXPECT_EQ(Zero.Line, 1);
+    EXPECT_EQ(ZeroOf(std::string("<a>\0</a>\n<b x=\0/>", 18)), TXmlFault::ZeroInTag);
+    EXPECT_EQ(Zero.Line, 1);
+    EXPECT_EQ(Text(Zero.Text), "The file holds a zero byte");
+    EXPECT_EQ(ZeroOf(std::string("<!--\0--><a/>", 12)), TXmlFault::None);
+}
+
+TEST_F(TXmlCheckTest, AFileThatCannotBeReadHasNoFault)
+{
+    CheckXml(Folder.Path("none").c_str(), Tags, Zero);
+    EXPECT_EQ(Tags.Kind, TXmlFault::None);
+    EXPECT_EQ(Zero.Kind, TXmlFault::None);
+}
+
+TEST_F(TXmlCheckTest, EveryTruncationEnds)
+{
+    const std::string text = "<a x=\"1\"><!-- c --><b/>(<c>t</c>)</a>";
+    for (size_t length = 0; length < text.size(); ++length)
+        Check(text.substr(0, length));
+    EXPECT_EQ(TagsOf(text), "");
+}
