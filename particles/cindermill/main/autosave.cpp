@@ -3,10 +3,10 @@
 #include "library/system/clock.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
+#include "library/system/systemerror.h"
 #include "particles/cindermill/main/document.h"
 
 #include <errno.h>
-#include <string.h>
 
 namespace {
 
@@ -39,7 +39,7 @@ TAutosave::TEntry& TAutosave::GetEntry(const TDocument& document)
 
 bool TAutosave::IsChanged(const TEntry& entry)
 {
-    return entry.Error != 0 || entry.Document->GetNumEdits() != entry.Edits;
+    return !entry.Fault.IsEmpty() || entry.Document->GetNumEdits() != entry.Edits;
 }
 
 void TAutosave::OnIdle(const vector<TDocument*>& documents)
@@ -60,7 +60,7 @@ void TAutosave::OnIdle(const vector<TDocument*>& documents)
             entry.IsWaiting = false;
         }
     }
-    TellErrors();
+    TellFaults();
 }
 
 void TAutosave::SaveModified(const vector<TDocument*>& documents)
@@ -78,7 +78,7 @@ void TAutosave::SaveModified(const vector<TDocument*>& documents)
 void TAutosave::Save(TDocument& document, TEntry& entry)
 {
     entry.Edits = document.GetNumEdits();
-    entry.Error = 0;
+    entry.Fault = nullptr;
     if (!document.IsModified()) {
         Drop(entry);
         return;
@@ -88,9 +88,9 @@ void TAutosave::Save(TDocument& document, TEntry& entry)
     note.Time = GetWallTime();
     vector<uint8_t> effect;
     if (entry.File.IsEmpty() && !Store.MakeName(note.Path, entry.File))
-        entry.Error = errno != 0 ? errno : EIO;
+        entry.Fault = GetSystemErrorText(errno);
     else if (!document.GetImage(effect, GetRecoveryNoteSize(note)))
-        entry.Error = EINVAL;
+        entry.Fault = "It cannot be written as it is";
     else
         Writer.Write(entry.File, effect, note);
 }
@@ -109,8 +109,8 @@ void TAutosave::OnSaved(const TDocument& document)
     TEntry& entry = GetEntry(document);
     Drop(entry);
     entry.Edits = document.GetNumEdits();
-    entry.Error = 0;
-    entry.IsErrorTold = entry.IsWaiting = false;
+    entry.Fault = nullptr;
+    entry.IsFaultTold = entry.IsWaiting = false;
 }
 
 void TAutosave::OnClosed(const TDocument& document)
@@ -136,9 +136,9 @@ void TAutosave::WaitForDisc()
     Writer.Finish();
     SettleOutcomes();
     for (const TEntry* entry : Entries)
-        if (entry->Error != 0)
+        if (!entry->Fault.IsEmpty())
             DebugPrintf("%s could not be autosaved: %s\n", GetShownName(*entry->Document).Print(),
-                        strerror(entry->Error));
+                        entry->Fault.Print());
 }
 
 void TAutosave::End()
@@ -157,22 +157,23 @@ void TAutosave::SettleOutcomes()
         for (TEntry* entry : Entries) {
             if (!(entry->File == outcome.File))
                 continue;
-            entry->Error = outcome.Error;
-            entry->IsErrorTold = entry->IsErrorTold && outcome.Error != 0;
+            entry->Fault = outcome.Fault;
+            entry->IsFaultTold = entry->IsFaultTold && !outcome.Fault.IsEmpty();
         }
 }
 
 // Once until it works again: an artist who knows can do without it being said every two minutes. The message
 // runs the loop, and must find nothing half done.
-void TAutosave::TellErrors()
+void TAutosave::TellFaults()
 {
     for (TEntry* entry : Entries) {
-        if (entry->Error == 0 || entry->IsErrorTold)
+        if (entry->Fault.IsEmpty() || entry->IsFaultTold)
             continue;
-        entry->IsErrorTold = true;
+        entry->IsFaultTold = true;
         const TString name = GetShownName(*entry->Document);
+        const TString fault = entry->Fault;
         ShowMessage("%s could not be autosaved: %s. It is tried again every two minutes.", name.Print(),
-                    strerror(entry->Error));
+                    fault.Print());
         return;
     }
 }

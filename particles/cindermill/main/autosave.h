@@ -42,9 +42,9 @@ private:
         TString File;
         // The document's count of edits when it was last written anywhere.
         unsigned Edits = 0;
-        // What the system said to the last attempt; 0 if it did not fail.
-        int Error = 0;
-        bool IsErrorTold = false;
+        // Why the last attempt failed; empty if it did not.
+        TString Fault;
+        bool IsFaultTold = false;
         bool IsWaiting = false;
         // The first change that is in no file.
         uint32_t Since = 0;
@@ -55,7 +55,7 @@ private:
     void Save(TDocument& document, TEntry& entry);
     void Drop(TEntry& entry);
     void SettleOutcomes();
-    void TellErrors();
+    void TellFaults();
 
     TRecoveryStore Store;
     // Dies before the store, whose folder it writes to.

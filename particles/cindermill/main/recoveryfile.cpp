@@ -71,7 +71,7 @@ bool ReadRecoveryNote(const char* path, TRecoveryNote& note, TString& fault)
     TFile file;
     vector<uint8_t> bytes;
     if (!file.OpenRead(path)) {
-        fault = "The file cannot be opened";
+        fault = file.GetFault();
         return false;
     }
     const int size = file.GetSize();

@@ -3,8 +3,6 @@
 #include "library/system/file.h"
 #include "library/system/statefolder.h"
 
-#include <errno.h>
-
 // A file that comes or goes again makes what was to be written before it pointless.
 void TRecoveryWriter::Add(TJob* job)
 {
@@ -59,7 +57,7 @@ void TRecoveryWriter::Work(void* writer)
         const TOwner<TJob> job(taken);
         TOutcome outcome;
         outcome.File = job->File;
-        outcome.Error = Do(*job);
+        Do(*job, outcome.Fault);
         if (job->IsRemoval)
             continue;
         const TLock lock(self.Section);
@@ -68,24 +66,21 @@ void TRecoveryWriter::Work(void* writer)
     done.Set();
 }
 
-int TRecoveryWriter::Do(TJob& job)
+void TRecoveryWriter::Do(TJob& job, TString& fault)
 {
-    errno = 0;
     if (job.IsRemoval) {
         RemoveFile(job.File);
-        return 0;
+        return;
     }
     AddRecoveryNote(job.Effect, job.Note);
     TFile file;
-    errno = 0;
     bool written = file.OpenWrite(job.File);
     if (written) {
         written = file.Write(job.Effect.data(), job.Effect.size());
         written = file.Close() && written;
     }
-    if (written)
-        return 0;
-    return errno != 0 ? errno : EIO;
+    if (!written)
+        fault = file.GetFault();
 }
 
 void TRecoveryWriter::Finish()

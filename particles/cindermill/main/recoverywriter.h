@@ -13,8 +13,8 @@ public:
     struct TOutcome
     {
         TString File;
-        // What the system said, 0 for a file that is on the disc.
-        int Error = 0;
+        // Why there is no new file; empty if it is on the disc.
+        TString Fault;
     };
 
     TRecoveryWriter() = default;
@@ -43,7 +43,7 @@ private:
     void Add(TJob* job);
     static void Work(void* writer);
     TJob* TakeJob();
-    static int Do(TJob& job);
+    static void Do(TJob& job, TString& fault);
 
     // Guards what stands below it.
     TCriticalSection Section;

@@ -1,5 +1,6 @@
 #include "library/containers/log.h"
 #include "library/system/endsignal.h"
+#include "library/system/filesizelimit.h"
 #include "library/wimp/endwatch.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/application.h"
@@ -36,6 +37,7 @@ static bool RunProgram()
 // No argument is the program's own.
 int main(int argc, char** argv)
 {
+    TakeFileSizeLimitAsError();
     if (!TWimp::Get().Init(argc, argv)) {
         DebugPrintf("Failed to initialise Cindermill\n");
         fprintf(stderr, "There is no display to open windows on.\n");
