@@ -3,6 +3,8 @@
 #include "library/containers/nametocrc.h"
 #include "library/system/path.h"
 
+#include <atomic>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <signal.h>
@@ -19,15 +21,14 @@ constexpr int MaxNames = 1000;
 constexpr const char* NameEnd = ".tmp";
 
 // The part of the names that is this machine's: a lock says nothing about a program on another one, which may
-// share the folder.
+// share the folder. Files are written on several threads.
 const TString& GetNameStart()
 {
-    static TString start;
-    if (start.IsEmpty()) {
+    static const TString start = [] {
         utsname machine = {};
         uname(&machine);
-        start.Format(".cindermill-%08x-", NameToCrc(machine.nodename));
-    }
+        return TString().Format(".cindermill-%08x-", NameToCrc(machine.nodename));
+    }();
     return start;
 }
 
@@ -40,7 +41,7 @@ void GetFolder(const char* path, TString& folder)
 
 void MakeName(const char* target, TString& path)
 {
-    static unsigned counter = 0;
+    static std::atomic<unsigned> counter = 0;
     TString name;
     name.Format("%s%d-%u%s", GetNameStart().Print(), static_cast<int>(getpid()), counter++, NameEnd);
     GetFolder(target, path);
