@@ -1,0 +1,3 @@
+#include "particles/cindermill/interface/trace/traceplot.h"
+
+#include "support/testsupport.h"
