@@ -63,8 +63,10 @@ void TTracePlot::GetLines(vector<TLine>& lines) const
         return;
     const double last = std::trunc(Max / step + 0.5);
     for (double k = std::trunc(Min / step); k <= last; ++k) {
-        const double y = GetY(k * step);
+        // A zero has no sign.
+        const double value = k * step + 0.0;
+        const double y = GetY(value);
         if (y >= MarginTop && y <= Bottom)
-            lines.push_back(TLine{k * step, static_cast<int>(std::floor(y + 0.5))});
+            lines.push_back(TLine{value, static_cast<int>(std::floor(y + 0.5))});
     }
 }
