@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr TGDIColour Background = 0xF0F0F0;
 constexpr int MenuCopy = 1;
 // The label column, three columns of values and a scroll bar.
 constexpr float TableWidth = 320;
@@ -18,7 +19,7 @@ TWindowClass& GetWindowClass()
 {
     static TWindowClass windowClass("cindermill_attribtrace");
     if (!windowClass.IsRegistered())
-        windowClass.Register(PI_PROGRAM, GetButtonColour());
+        windowClass.Register(PI_PROGRAM, Background);
     return windowClass;
 }
 

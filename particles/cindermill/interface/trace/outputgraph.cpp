@@ -141,29 +141,48 @@ bool TOutputGraph::OnMessage(const TMessage& message)
     }
 }
 
-void TOutputGraph::Paint(TGDIContext& context) const
+TTracePlot TOutputGraph::GetPlot() const
 {
     int width = 0;
     int height = 0;
     GetSize(width, height);
-    TTracePlot plot(width, height);
+    return TTracePlot(width, height);
+}
+
+int TOutputGraph::GetNumEntries() const
+{
+    return Port < Trace->GetNumPorts() ? Trace->GetNumEntries(Port) : 0;
+}
+
+int TOutputGraph::GetPointedEntry() const
+{
+    TTracePlot plot = GetPlot();
+    const int entries = GetNumEntries();
+    if (!HasPointer || entries == 0 || PointerX < plot.GetLeft() || PointerX >= plot.GetRight())
+        return -1;
+    plot.SetValues(entries, 0, 0);
+    return plot.GetEntry(PointerX);
+}
+
+void TOutputGraph::Paint(TGDIContext& context) const
+{
+    TTracePlot plot = GetPlot();
     if (plot.IsEmpty())
         return;
     DrawFrame(context, plot);
-    const int entries = Port < Trace->GetNumPorts() ? Trace->GetNumEntries(Port) : 0;
+    const int entries = GetNumEntries();
     if (entries == 0 || Mask == 0)
         return;
     float min = 0;
     float max = 0;
     Trace->GetRange(Port, min, max, Mask);
     const bool isDrawn = plot.SetValues(entries, min, max);
-    const bool isRead = HasPointer && PointerX >= plot.GetLeft() && PointerX < plot.GetRight();
-    const int entry = isRead ? plot.GetEntry(PointerX) : 0;
+    const int entry = GetPointedEntry();
     if (isDrawn) {
         DrawLines(context, plot);
         // Of the frame all but its lines.
         context.SetClip(plot.GetLeft(), plot.GetTop() - 1, plot.GetRight(), plot.GetBottom() + 1);
-        if (isRead) {
+        if (entry >= 0) {
             const int x = static_cast<int>(plot.GetX(entry));
             context.SetPen(PointerColour);
             context.Line(x, plot.GetTop(), x, plot.GetBottom());
@@ -171,11 +190,11 @@ void TOutputGraph::Paint(TGDIContext& context) const
         for (int c = 0; c < NumComponents; ++c)
             if (IsDrawn(c))
                 DrawCurve(context, plot, c);
-        if (isRead)
+        if (entry >= 0)
             DrawMarks(context, plot, entry);
         context.ClearClip();
     }
-    if (isRead)
+    if (entry >= 0)
         DrawReadout(context, plot, entry);
 }
 

@@ -28,6 +28,8 @@ public:
     int GetPort() const { return Port; }
     // The components that are drawn, one bit for each.
     uint32_t GetMask() const { return Mask; }
+    // The entry that the pointer is at; -1 for none.
+    int GetPointedEntry() const;
     // Takes over what the box of the component says.
     void OnCheck(int component);
     // In the component's colour, under its check box. For the pane's painting.
@@ -44,6 +46,8 @@ private:
     bool CreateControls(int firstId);
     int GetBoxesLeft(int width) const;
     bool IsDrawn(int component) const { return (Mask >> component & 1) != 0; }
+    TTracePlot GetPlot() const;
+    int GetNumEntries() const;
     void ShowPointer(bool isInside, int x, int y);
     void Paint(TGDIContext& context) const;
     void DrawFrame(TGDIContext& context, const TTracePlot& plot) const;

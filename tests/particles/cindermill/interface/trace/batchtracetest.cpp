@@ -69,7 +69,7 @@ std::vector<TFrame> Parse(const std::string& table)
     return frames;
 }
 
-// One output port of one node at one of its places, which alone writes an attribute.
+// One output port of one node at one of its places, which writes an attribute last.
 struct TSource
 {
     TNodeTrace* Trace;
@@ -156,7 +156,7 @@ private:
         const TNodeType& type = *trace.GetNode().GetNodeType();
         for (int port = 0; port < type.GetNumOutputs(); ++port) {
             const int attribute = schedule.GetTiedNodeOutput(group, tied, port);
-            if (attribute == -1 || CountWriters(schedule, group, attribute) != 1 ||
+            if (attribute == -1 || !IsLastWriter(schedule, group, tied, attribute) ||
                 schedule.GetAttributeType(group, attribute) != type.GetOutputType(port))
                 continue;
             sources.push_back(TSource{&trace, place, port, TColumn{group, attribute},
@@ -164,15 +164,20 @@ private:
                                       schedule.GetAttributeUsage(group, attribute)});
         }
     }
-    static int CountWriters(const TEffectSchedule& schedule, int group, int attribute)
+    // Nodes that work on one value one after the other share its attribute; those that make particles come
+    // before the others.
+    static bool IsLastWriter(const TEffectSchedule& schedule, int group, int tied, int attribute)
     {
-        int count = 0;
-        for (int tied = 0; tied < schedule.GetNumTiedNodes(group); ++tied) {
-            const int node = schedule.GetTiedNode(group, tied);
+        const auto usageOf = [&](int t) { return schedule.GetNodeUsage(schedule.GetTiedNode(group, t)); };
+        for (int t = 0; t < schedule.GetNumTiedNodes(group); ++t) {
+            const int node = schedule.GetTiedNode(group, t);
+            const bool isLater =
+                usageOf(t) == usageOf(tied) ? t > tied : t != tied && usageOf(tied) == TU_EMITTER;
             for (int port = 0; port < schedule.GetNode(node)->GetNodeType()->GetNumOutputs(); ++port)
-                count += schedule.GetTiedNodeOutput(group, tied, port) == attribute;
+                if (isLater && schedule.GetTiedNodeOutput(group, t, port) == attribute)
+                    return false;
         }
-        return count;
+        return true;
     }
     static std::vector<int> GlobalsOf(const TFrame& frame, int group, const TEffectSchedule& schedule)
     {
