@@ -2,9 +2,14 @@
 
 #include "library/wimp/textclipboard.h"
 #include "library/wimp/wimp.h"
+#include "particles/cindermill/graph/engine/random.h"
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/graph/operations/nodepropertiesop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/effectgraph/simpleparameters.h"
 
 #include <QtGui/QAction>
 #include <QtWidgets/QMenu>
@@ -39,6 +44,14 @@ protected:
 
     static std::string OpenedBeforeStart;
     static int NumLeftBehind;
+};
+
+// Particles of this one live for different times.
+class TraceOfSparks : public TraceTest
+{
+protected:
+    TraceOfSparks() : TraceTest("sparks") { TRandom::SetDefaultSeed(7); }
+    ~TraceOfSparks() override { TRandom::ClearDefaultSeed(); }
 };
 
 std::string TraceWindow::OpenedBeforeStart;
@@ -278,11 +291,65 @@ TEST_F(TraceWindow, ATraceTooLargeForTheMemoryEndsTheEffectAndNotTheProgram)
 
 TEST_F(TraceWindow, ANodeWithSeveralPlacesLetsOneChooseTheGroup)
 {
-    TToolNode& node = Node("Constant");
+    // One node for the size of the particles of both groups.
+    TAddGraphNodeOp* op = new TAddGraphNodeOp(*Sample, App.Type("Scale Over Life"), 0, 0);
+    TToolNode& node = *op->GetNode();
+    Sample->ApplyOperation(op);
     TAttributeTraceWindow& window = Open(node);
-    EXPECT_FALSE(Find<QComboBox>(window, "place").isVisible());
-    // Run with each particle, it is tied in both groups of particles.
-    SUCCEED();
+    QComboBox& places = Find<QComboBox>(window, "place");
+    for (int n = 0; n < 2; ++n) {
+        TToolNode& stage = Node("Sprite Render Stage", n);
+        const int input = stage.GetNodeType()->FindInput("Scale");
+        Sample->ApplyOperation(new TDeleteGraphEdgeOp(static_cast<TToolEdge*>(stage.GetInput(input))));
+        Sample->ApplyOperation(new TAddGraphEdgeOp(*Sample, &node, 0, &stage, input));
+        Settle();
+        EXPECT_EQ(places.isVisible(), n == 1);
+    }
+    const TNodeTrace& trace = window.GetTrace();
+    ASSERT_EQ(trace.GetNumPlaces(), 2);
+    ASSERT_EQ(places.count(), 2);
+    const TEffectSchedule& schedule = Sample->GetSchedule();
+    for (int place = 0; place < 2; ++place)
+        EXPECT_EQ(places.itemText(place).toStdString(),
+                  "Group " + std::to_string(trace.GetPlaceGroup(place)));
+    EXPECT_NE(trace.GetPlaceGroup(0), trace.GetPlaceGroup(1));
+    Run(20);
+    QDoubleSpinBox& input = Find<QDoubleSpinBox>(window, "particle");
+    const auto choose = [&](int key, int place) {
+        places.setFocus();
+        QTest::keyClick(&places, static_cast<Qt::Key>(key));
+        EXPECT_EQ(trace.GetPlace(), place);
+        EXPECT_EQ(input.maximum(), schedule.GetParticleCount(trace.GetPlaceGroup(place)) - 1);
+        TAttributeTrace& shown = ExecNode(node).GetOutputTrace(place, 0);
+        EXPECT_EQ(trace.GetNumEntries(0), shown.GetNumEntries(trace.GetParticle()));
+    };
+    const int counts[] = {schedule.GetParticleCount(trace.GetPlaceGroup(0)),
+                          schedule.GetParticleCount(trace.GetPlaceGroup(1))};
+    ASSERT_NE(counts[0], counts[1]);
+    const int larger = counts[0] > counts[1] ? 0 : 1;
+    if (larger == 1)
+        choose(Qt::Key_Down, 1);
+    // One that the other group has not gives way to the first; one that it has is kept.
+    input.setValue(counts[larger] - 1);
+    EXPECT_EQ(trace.GetParticle(), counts[larger] - 1);
+    choose(larger == 1 ? Qt::Key_Up : Qt::Key_Down, 1 - larger);
+    EXPECT_EQ(trace.GetParticle(), 0);
+    EXPECT_EQ(input.value(), 0);
+    input.setValue(2);
+    choose(larger == 1 ? Qt::Key_Down : Qt::Key_Up, larger);
+    EXPECT_EQ(trace.GetParticle(), 2);
+}
+
+TEST_F(TraceWindow, OfAGroupWithoutParticlesZeroCanBeChosen)
+{
+    for (const char* name : {"Sphere Surface", "Point Emitter"})
+        static_cast<TNodeIntParameter*>(Node(name).GetNodeType()->FindParameter("Particle Count"))
+            ->SetValue(0);
+    Sample->RebuildSchedule(true);
+    const TAttributeTraceWindow& window = Open(Node("Integrate"));
+    ASSERT_EQ(Sample->GetSchedule().GetParticleCount(window.GetTrace().GetPlaceGroup(0)), 0);
+    EXPECT_EQ(window.GetTrace().GetLastParticle(), 0);
+    EXPECT_EQ(Find<QDoubleSpinBox>(window, "particle").maximum(), 0);
 }
 
 TEST_F(TraceWindow, APortIsChosenInTheListAndByAClickOnItsGraph)
@@ -546,4 +613,24 @@ TEST_F(TraceWindow, AnEngineThatGoesTakesItsValuesAlong)
     Sample->RebuildSchedule(true);
     Run(5);
     EXPECT_GT(window.GetTrace().GetNumEntries(0), 0);
+}
+
+TEST_F(TraceOfSparks, AHistoryCanJumpToAnotherParticleAfterDeaths)
+{
+    constexpr float Frame = 0.02f;
+    Sample->RebuildSchedule(true);
+    TAttributeTraceWindow& window = Open(Node("Age"));
+    Run(100);
+    const TNodeTrace& trace = window.GetTrace();
+    QDoubleSpinBox& input = Find<QDoubleSpinBox>(window, "particle");
+    int jumps = 0;
+    for (int particle = 0; particle <= trace.GetLastParticle(); ++particle) {
+        input.setValue(particle);
+        for (int e = 1; e < trace.GetNumEntries(0); ++e) {
+            const float age = trace.GetEntry(0, e, 0);
+            const bool isNew = age < 1.5f * Frame;
+            jumps += !isNew && std::fabs(age - trace.GetEntry(0, e - 1, 0) - Frame) > 0.01f;
+        }
+    }
+    EXPECT_GT(jumps, 0);
 }
