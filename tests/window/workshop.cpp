@@ -258,7 +258,8 @@ void TWorkshop::Rename(TToolNode* node, const char* name)
     int y = 0;
     TitlePosition(node, x, y);
     Screen.Click(x, y, 3);
-    // The last entry of the menu.
+    // The last entry but one of the menu.
+    Screen.Key("Up");
     Screen.Key("Up");
     Screen.Key("Return");
     ASSERT_TRUE(Screen.WaitForWindow(Title));

@@ -38,6 +38,12 @@ void TComboBoxControl::DeleteString(const char* text)
     BoxOf(GetHandle())->removeItem(delidx);
 }
 
+void TComboBoxControl::Clear()
+{
+    if (QComboBox* box = BoxOf(GetHandle()))
+        box->clear();
+}
+
 int TComboBoxControl::GetNumStrings() const
 {
     const QComboBox* box = BoxOf(GetHandle());

@@ -12,6 +12,7 @@ public:
     void AddString(const char* text);
     // Asserts "delidx != -1 : Attempt to delete non-existent combo box entry".
     void DeleteString(const char* text);
+    void Clear();
     int GetNumStrings() const;
     // Asserts "SendMessage(GetHandle(), CB_GETLBTEXTLEN, i, 0) < 1024 : Combo box string length > 1024".
     void GetString(int i, TString& text) const;

@@ -55,6 +55,16 @@ bool TTable::TPane::Create(TTable& table, const TWindowClass& windowClass,
 
 bool TTable::TPane::OnMessage(const TMessage& message)
 {
+    if (message.Type == MT_RIGHTUP) {
+        int x = message.GetPixelX();
+        int y = message.GetPixelY();
+        ClientToScreen(x, y);
+        Table->ScreenToClient(x, y);
+        Table->OnContext(x, y);
+        return true;
+    }
+    if (message.Type == MT_LEFTDOWN)
+        Table->SetFocus();
     return (Table->*Handler)(message);
 }
 
@@ -127,6 +137,14 @@ void TTable::ScrollSideways(int pixels)
     Bar.SetPosition(GetFirstPixel() + pixels);
     RedrawCells();
 }
+
+void TTable::ScrollRows(int rows)
+{
+    Main.SetScrollPosition(Main.GetScrollPosition() + rows * RowHeight);
+    RedrawCells();
+}
+
+void TTable::OnContext(int, int) {}
 
 void TTable::OnCommand(TWimpControl* control, intptr_t argument, int code)
 {
@@ -281,8 +299,40 @@ bool TTable::OnMain(const TMessage& message)
         Main.SetScrollPosition(Main.GetScrollPosition() - message.Delta * RowsANotch * RowHeight / Notch);
         RedrawCells();
         return true;
+    case MT_KEYDOWN:
+        return OnKey(message.Key);
     case MT_SCROLL:
         RedrawCells();
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool TTable::OnKey(int key)
+{
+    int width = 0;
+    int height = 0;
+    Main.GetSize(width, height);
+    const int page = height / RowHeight > 1 ? height / RowHeight - 1 : 1;
+    switch (key) {
+    case KEY_UP:
+        ScrollRows(-1);
+        return true;
+    case KEY_DOWN:
+        ScrollRows(1);
+        return true;
+    case KEY_PAGEUP:
+        ScrollRows(-page);
+        return true;
+    case KEY_PAGEDOWN:
+        ScrollRows(page);
+        return true;
+    case KEY_HOME:
+        ScrollRows(-Provider->GetNumRows());
+        return true;
+    case KEY_END:
+        ScrollRows(Provider->GetNumRows());
         return true;
     default:
         return false;

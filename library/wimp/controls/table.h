@@ -20,7 +20,7 @@ public:
 
 // A grid that is scrolled: a row of headers on top, a column of labels at the left, the cells between them.
 // Columns that are wider together than the grid are scrolled sideways, with their headers, by a bar below or
-// by the wheel with Shift.
+// by the wheel with Shift. A press gives it the keys, by which its rows are scrolled too.
 class TTable : public TWindow, public TMouseDrag
 {
 public:
@@ -45,6 +45,10 @@ public:
     int GetFirstRow() const;
     // How far the columns are scrolled sideways, in pixels.
     int GetFirstPixel() const { return Bar.GetPosition(); }
+    // The cells take the keys.
+    void SetFocus() override { Main.TakeFocus(); }
+    // The right button was released on the table, at a position of it. By itself it does nothing.
+    virtual void OnContext(int x, int y);
     bool OnMessage(const TMessage& message) override;
     // The border of a column.
     void OnMouseMove(double x, double y, int buttons) override;
@@ -72,6 +76,8 @@ private:
     bool OnHeader(const TMessage& message);
     bool OnLabels(const TMessage& message);
     bool OnMain(const TMessage& message);
+    bool OnKey(int key);
+    void ScrollRows(int rows);
     void DrawHeader(TGDIContext& context) const;
     void DrawLabels(TGDIContext& context) const;
     void DrawCells(TGDIContext& context) const;

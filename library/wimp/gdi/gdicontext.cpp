@@ -157,6 +157,22 @@ void TGDIContext::Line(int x1, int y1, int x2, int y2)
     FillLine(dots, level);
 }
 
+void TGDIContext::Polyline(const vector<TGDIPoint>& points)
+{
+    for (int i = 1; i < points.size(); ++i)
+        Painter.drawLine(QPointF(points[i - 1].X, points[i - 1].Y), QPointF(points[i].X, points[i].Y));
+}
+
+void TGDIContext::SetClip(int left, int top, int right, int bottom)
+{
+    Painter.setClipRect(QRect(left, top, right - left, bottom - top));
+}
+
+void TGDIContext::ClearClip()
+{
+    Painter.setClipping(false);
+}
+
 void TGDIContext::Rectangle(int left, int top, int right, int bottom)
 {
     if (right <= left || bottom <= top)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "library/containers/vector.h"
+
 #include <cstdint>
 
 class QFont;
@@ -17,6 +19,13 @@ struct TGDIFont
     const char* Face = nullptr;
     int Height = 12;
     int Weight = 400;
+};
+
+// A place between pixels.
+struct TGDIPoint
+{
+    double X = 0;
+    double Y = 0;
 };
 
 // Draws into a window that is not OpenGL's, while its paint message is handled. Positions are pixels, which
@@ -40,6 +49,11 @@ public:
 
     // Without its last point, as far as it is level or upright.
     void Line(int x1, int y1, int x2, int y2);
+    // Through all the points, with the pen. One point draws nothing.
+    void Polyline(const vector<TGDIPoint>& points);
+    // Nothing is drawn outside a rectangle from now on.
+    void SetClip(int left, int top, int right, int bottom);
+    void ClearClip();
     // Filled with the brush, outlined with the pen.
     void Rectangle(int left, int top, int right, int bottom);
     // The position is the text's top left.

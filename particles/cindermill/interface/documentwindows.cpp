@@ -4,6 +4,7 @@
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/particles/particlewindow.h"
+#include "particles/cindermill/interface/trace/attributetracewindow.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
@@ -87,10 +88,12 @@ void TDocumentWindows::CollectShortcuts(TDocWindow& window)
 {
     if (ParticleWindow != nullptr)
         ParticleWindow->SetKeyOwner(&window.GetGraph());
+    TAttributeTraceWindow::SetKeyOwners(*Document, &window.GetGraph());
 }
 
-void TDocumentWindows::DeleteWindows(TDocument&)
+void TDocumentWindows::DeleteWindows(TDocument& document)
 {
+    TAttributeTraceWindow::CloseAll(document);
     TCindermillApp& app = TCindermillApp::Get();
     if (Scene != nullptr)
         Scene->CancelDrags();
@@ -108,12 +111,13 @@ void TDocumentWindows::DeleteWindows(TDocument&)
     Document = nullptr;
 }
 
-void TDocumentWindows::OnIdle(TDocument&)
+void TDocumentWindows::OnIdle(TDocument& document)
 {
     for (TDocWindow* window : Windows)
         window->GetGraph().OnIdle();
     if (ParticleWindow != nullptr)
         ParticleWindow->Tick();
+    TAttributeTraceWindow::Repaint(document);
 }
 
 bool TDocumentWindows::OwnsWindow(TWindow* window)
@@ -179,14 +183,29 @@ void TDocumentWindows::RedrawWindows(TDocument&)
     RedrawGraphs();
 }
 
-void TDocumentWindows::ScheduleChanged(TDocument&)
+void TDocumentWindows::ScheduleChanged(TDocument& document)
 {
     for (TDocWindow* window : Windows)
         window->GetHeader().OnGraphChanged();
+    TAttributeTraceWindow::ScheduleChanged(document);
 }
 
 // The preview asks the document for its engine in every frame.
-void TDocumentWindows::EngineGoes(TDocument&) {}
+void TDocumentWindows::EngineGoes(TDocument& document)
+{
+    TAttributeTraceWindow::EngineGoes(document);
+}
+
+void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
+{
+    TAttributeTraceWindow::Open(*Document, node);
+    CollectShortcuts(view);
+}
+
+void TDocumentWindows::NodeLeft(TToolNode& node)
+{
+    TAttributeTraceWindow::Close(node);
+}
 
 void TDocumentWindows::RedrawGraphs()
 {

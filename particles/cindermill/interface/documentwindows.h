@@ -44,11 +44,14 @@ public:
     void ShowHelp(const char* text, const TVector2& point) override;
     void ShowPointer(TRenderObject& object, TPointerShape shape) override;
     TRenderer* GetView() override;
+    void NodeLeft(TToolNode& node) override;
 
     // A view's close box. The last view closes the document, if the user agrees; neither the window nor these
     // windows may be touched afterwards.
     void CloseView(TDocWindow* window);
-    // The view was used last: it gets the shortcuts that are pressed in the effect's display.
+    // The attribute trace of a node, asked for in a view.
+    void OpenTrace(TToolNode& node, TDocWindow& view);
+    // The view was used last: it gets the shortcuts that are pressed in the effect's display and in traces.
     void CollectShortcuts(TDocWindow& window);
 
     TDocument& GetDocument() const { return *Document; }

@@ -28,6 +28,7 @@ constexpr TGDIColour Paper = 0xFFFFF2;
 constexpr int MenuFocusNodeGroup = 40215;
 constexpr int MenuInsertNode = 40217;
 constexpr int MenuNodeProperties = 40216;
+constexpr int MenuNodeTrace = 40218;
 
 // Shared by all drags.
 int EdgeMargin = TGraphView::ScrollMargin;
@@ -413,6 +414,7 @@ void TGraphWindow::FillContextMenu(TMenu& menu)
     menu.EnableItem(MenuFocusNodeGroup, false);
     menu.EnableItem(MenuInsertNode, false);
     menu.AddItem(MenuNodeProperties, "Node Properties...");
+    menu.AddItem(MenuNodeTrace, "Node Output Trace...");
 }
 
 void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
@@ -428,6 +430,8 @@ void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
     // The first two entries do nothing yet.
     if (argument == MenuNodeProperties && node != nullptr)
         ShowProperties(*node);
+    else if (argument == MenuNodeTrace && node != nullptr)
+        DocWindow->GetWindows().OpenTrace(*node, *DocWindow);
 }
 
 void TGraphWindow::ShowProperties(TToolNode& node)

@@ -2,6 +2,8 @@
 
 #include "particles/cindermill/graph/engine/particlebuffer.h"
 
+#include <cmath>
+
 namespace {
 
 constexpr int64_t MaxTraceBytes = int64_t{1} << 30;
@@ -102,7 +104,7 @@ void TAttributeTrace::GetRange(int globalParticle, float& min, float& max, uint3
     for (int n = 0; n < count; ++n) {
         const float* values = GetSlotEntry(slot, position);
         for (int c = 0; c < Width; ++c) {
-            if ((mask >> c & 1) == 0)
+            if ((mask >> c & 1) == 0 || !std::isfinite(values[c]))
                 continue;
             if (values[c] < min)
                 min = values[c];

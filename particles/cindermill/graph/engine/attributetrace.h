@@ -16,8 +16,10 @@ public:
     void AddEntry(const TParticleBuffer& buffer, int usage, int index, const float* value);
     int GetNumEntries(int globalParticle) const;
     float GetEntry(int globalParticle, int entry, int component) const;
-    // The smallest and largest of the components in `mask`; both 0 if there are no entries.
+    // The smallest and largest of the components in `mask`, of values that are finite; both 0 if there are no
+    // entries, and the smallest above the largest if there are no such values.
     void GetRange(int globalParticle, float& min, float& max, uint32_t mask) const;
+    // Floats of an entry.
     int GetWidth() const { return Width; }
     bool IsTouched() const { return Touched; }
     void ClearTouched() { Touched = false; }

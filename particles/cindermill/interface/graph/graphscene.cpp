@@ -92,6 +92,7 @@ void TGraphScene::NodeAdded(TToolNode* node)
 void TGraphScene::NodeRemoved(TToolNode* node)
 {
     Host.RedrawGraphs();
+    Host.NodeLeft(*node);
     CancelDrags();
     HelpText.Hide();
     TNodeObj* object = FindNode(node);

@@ -24,6 +24,8 @@ public:
     virtual void EdgeScroll(TRenderer& renderer, double x, double y) = 0;
     // The first view of the graph; null for none.
     virtual TRenderer* GetView() { return nullptr; }
+    // The node has left the graph, and may be about to be deleted.
+    virtual void NodeLeft(TToolNode& node) { (void)node; }
 };
 
 // The root of what a view shows. With the focus, it hands keys to the canvas.

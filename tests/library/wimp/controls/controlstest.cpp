@@ -277,6 +277,19 @@ TEST_F(TControlTest, AComboBoxSelectsByPositionAndByText)
     EXPECT_EQ(Text(text), "Quake Camera");
 }
 
+TEST_F(TControlTest, AComboBoxIsClearedWithoutAReport)
+{
+    TComboBoxControl box;
+    ASSERT_TRUE(box.Create(&Window, 1, "box"));
+    box.AddString("one");
+    box.AddString("two");
+    box.SetSelection(1);
+    box.Clear();
+    EXPECT_EQ(box.GetNumStrings(), 0);
+    EXPECT_EQ(box.GetSelection(), -1);
+    EXPECT_TRUE(Window.Commands.empty());
+}
+
 TEST_F(TControlTest, SelectingAMissingComboBoxLineIsAnAssertion)
 {
     const char* const missing = "0 : Item not found for combo box selection";

@@ -2,6 +2,7 @@
 #include "support/windowtest.h"
 
 #include <QtTest/QTest>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QScrollBar>
 
 #include <set>
@@ -241,4 +242,52 @@ TEST_F(TTableTest, BordersStayWithoutTheFlag)
 TEST_F(TTableTest, ATableWithoutAnOwnerIsAnAssertion)
 {
     EXPECT_EQ(AssertionOf([&] { Table.Create(nullptr, Provider); }), "0 : Failed to create table window");
+}
+
+TEST_F(TTableTest, APressGivesItTheKeysThatScrollItsRows)
+{
+    Make(0);
+    Window.Show();
+    Window.BringToTop();
+    QWidget* main = Find("table_main");
+    ASSERT_TRUE(WaitFor([&] { return QApplication::activeWindow() == Window.GetHandle(); }));
+    QTest::mouseClick(main, Qt::LeftButton, {}, QPoint(20, 20));
+    EXPECT_TRUE(main->hasFocus());
+    struct TStep
+    {
+        Qt::Key Key;
+        int Row;
+    };
+    // Ten rows are in sight.
+    const TStep steps[] = {{Qt::Key_Down, 1}, {Qt::Key_PageDown, 10}, {Qt::Key_Up, 9},  {Qt::Key_PageUp, 0},
+                           {Qt::Key_End, 90}, {Qt::Key_Down, 90},     {Qt::Key_Home, 0}};
+    for (const TStep& step : steps) {
+        QTest::keyClick(main, step.Key);
+        EXPECT_EQ(Table.GetFirstRow(), step.Row) << step.Key;
+    }
+}
+
+namespace {
+
+class TContextTable : public TTable
+{
+public:
+    void OnContext(int x, int y) override { Places.push_back(QPoint(x, y)); }
+    std::vector<QPoint> Places;
+};
+
+} // namespace
+
+TEST_F(TTableTest, TheRightButtonIsHeardOfOnAllItsParts)
+{
+    ShowTopWindow(Window, Class, 400, 300);
+    TContextTable table;
+    table.Create(&Window, Provider);
+    table.MoveTo(0, 0, TTable::LabelWidth + 300, TTable::RowHeight * 11);
+    Settle();
+    for (const char* part : {"table_header", "table_label", "table_main"})
+        QTest::mouseClick(Find(part), Qt::RightButton, {}, QPoint(7, 5));
+    EXPECT_EQ(table.Places,
+              (std::vector<QPoint>{QPoint(TTable::LabelWidth + 7, 5), QPoint(7, TTable::RowHeight + 5),
+                                   QPoint(TTable::LabelWidth + 7, TTable::RowHeight + 5)}));
 }

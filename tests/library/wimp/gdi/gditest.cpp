@@ -101,6 +101,56 @@ TEST_F(TGDIContextTest, ALineLacksItsLastPoint)
     EXPECT_EQ(Image.pixel(20, 10), Red);
 }
 
+TEST_F(TGDIContextTest, APolylineGoesThroughAllItsPoints)
+{
+    Draw([](TGDIContext& context) {
+        context.SetPen(0xFF0000);
+        vector<TGDIPoint> points;
+        context.Polyline(points);
+        points.push_back(TGDIPoint{5, 20});
+        context.Polyline(points);
+    });
+    EXPECT_EQ(Count(Red), 0);
+    Draw([](TGDIContext& context) {
+        context.SetPen(0xFF0000);
+        vector<TGDIPoint> points;
+        for (const TGDIPoint& point : {TGDIPoint{2, 20}, TGDIPoint{12.5, 5.25}, TGDIPoint{30, 25}})
+            points.push_back(point);
+        context.Polyline(points);
+    });
+    EXPECT_EQ(Image.pixel(2, 20), Red);
+    EXPECT_EQ(Image.pixel(30, 25), Red);
+    int top = Image.height();
+    for (int x = 0; x < Image.width(); ++x)
+        for (int y = 0; y < Image.height(); ++y)
+            if (Image.pixel(x, y) == Red)
+                top = std::min(top, y);
+    EXPECT_EQ(top, 5);
+    // One in each column at least.
+    EXPECT_GE(Count(Red), 29);
+}
+
+TEST_F(TGDIContextTest, NothingIsDrawnOutsideTheClip)
+{
+    Draw([](TGDIContext& context) {
+        context.SetNoPen();
+        context.SetBrush(0x0000FF);
+        context.SetClip(5, 6, 15, 10);
+        context.Rectangle(0, 0, 40, 30);
+    });
+    EXPECT_EQ(Count(Blue), 10 * 4);
+    EXPECT_EQ(Image.pixel(5, 6), Blue);
+    EXPECT_EQ(Image.pixel(14, 9), Blue);
+    Draw([](TGDIContext& context) {
+        context.SetNoPen();
+        context.SetBrush(0x0000FF);
+        context.SetClip(5, 6, 15, 10);
+        context.ClearClip();
+        context.Rectangle(0, 0, 40, 30);
+    });
+    EXPECT_EQ(Count(Blue), 40 * 30);
+}
+
 TEST_F(TGDIContextTest, ADottedLineDrawsEverySecondPixel)
 {
     Draw([](TGDIContext& context) {

@@ -137,7 +137,8 @@ TEST_F(GraphWindow, ARightClickOnANodeOpensItsMenu)
 {
     SetPanButton(PanLeft);
     EXPECT_EQ(RightClick(MiddleOf(*Document, First)),
-              "Focus Node Group|menu40215\nInsert Node...|menu40217\nNode Properties...|menu40216\n");
+              "Focus Node Group|menu40215\nInsert Node...|menu40217\nNode Properties...|menu40216\n"
+              "Node Output Trace...|menu40218\n");
     EXPECT_EQ(RightClick(Empty), "");
 }
 

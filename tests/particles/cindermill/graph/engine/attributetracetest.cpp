@@ -1,5 +1,7 @@
 #include "enginetestnodes.h"
 
+#include <limits>
+
 namespace {
 
 // A trace of one particle slot fed through an emitter's usage, where every index is particle 0.
@@ -89,6 +91,27 @@ TEST(TAttributeTrace, RangeTakesTheMaskedComponents)
     EXPECT_EQ(min, 1e30f);
     EXPECT_EQ(max, -1e30f);
     EXPECT_EQ(bench.Entries(1), (std::vector<float>{20, 10}));
+}
+
+TEST(TAttributeTrace, RangeLeavesOutWhatIsNotFinite)
+{
+    constexpr float Infinity = std::numeric_limits<float>::infinity();
+    TTraceBench bench(1, 8, 2);
+    bench.Add({std::numeric_limits<float>::quiet_NaN(), 7});
+    bench.Add({Infinity, 7});
+    bench.Add({-Infinity, 7});
+    float min = 0;
+    float max = 0;
+    bench.Trace.GetRange(0, min, max, 1);
+    EXPECT_GT(min, max);
+    bench.Add({-3, 7});
+    bench.Add({2, 7});
+    bench.Trace.GetRange(0, min, max, 1);
+    EXPECT_EQ(min, -3);
+    EXPECT_EQ(max, 2);
+    // They are entries all the same.
+    EXPECT_EQ(bench.Trace.GetNumEntries(0), 5);
+    EXPECT_EQ(bench.Trace.GetEntry(0, 1, 0), Infinity);
 }
 
 TEST(TAttributeTrace, ParticlesShareSlotsByRemainder)

@@ -1,0 +1,201 @@
+#include "particles/cindermill/interface/trace/tracetable.h"
+
+#include "particles/cindermill/interface/trace/attributetracewindow.h"
+#include "particles/cindermill/interface/trace/nodetrace.h"
+
+namespace {
+
+// Room for all columns of up to three components, and for more of them as long as their numbers can be read.
+constexpr int ColumnsWidth = 240;
+constexpr int WidestColumn = 80;
+constexpr int NarrowestColumn = 60;
+
+TWindowClass& GetWindowClass()
+{
+    static TWindowClass windowClass("cindermill_attribtracetable_trace");
+    if (!windowClass.IsRegistered())
+        windowClass.Register(0, GetButtonColour());
+    return windowClass;
+}
+
+} // namespace
+
+int TTraceTable::TRows::GetNumRows() const
+{
+    return Table.HasPort() ? Table.Trace->GetNumEntries(Table.Port) : 0;
+}
+
+int TTraceTable::TRows::GetNumColumns() const
+{
+    return Table.HasPort() ? Table.Trace->GetNumComponents(Table.Port) : 0;
+}
+
+void TTraceTable::TRows::GetHeader(int column, TString& text) const
+{
+    text = Table.HasPort() ? Table.Trace->GetLabel(Table.Port, column) : nullptr;
+}
+
+void TTraceTable::TRows::GetLabel(int row, TString& text) const
+{
+    text.Format("%d", GetEntry(row));
+}
+
+void TTraceTable::TRows::GetCell(int row, int column, TString& text) const
+{
+    TNodeTrace::FormatValue(text, Table.Trace->GetEntry(Table.Port, GetEntry(row), column));
+}
+
+void TTraceTable::TGrid::OnContext(int x, int y)
+{
+    Table.Window->OpenMenu(*this, x, y);
+}
+
+bool TTraceTable::Create(TAttributeTraceWindow& window, const TNodeTrace& trace)
+{
+    Window = &window;
+    Trace = &trace;
+    TWindowParams params;
+    params.Class = &GetWindowClass();
+    params.Owner = &window;
+    if (!TWindow::Create(params) || !CreateControls())
+        return false;
+    Grid.Create(this, Rows, TTable::FL_RESIZABLEHEADERS);
+    Layout();
+    return true;
+}
+
+bool TTraceTable::CreateControls()
+{
+    return PortLabel.Create(this, "Port:", "portlabel") && PortCombo.Create(this, ID_PORT, "port") &&
+           ParticleLabel.Create(this, "Particle:", "particlelabel") &&
+           ParticleInput.Create(this, ID_PARTICLE, "particle") && PlaceCombo.Create(this, ID_PLACE, "place");
+}
+
+bool TTraceTable::HasPort() const
+{
+    return Port >= 0 && Port < Trace->GetNumPorts();
+}
+
+void TTraceTable::Layout()
+{
+    if (Grid.GetHandle() == nullptr)
+        return;
+    constexpr int margin = 5;
+    constexpr int rowHeight = 24;
+    constexpr int rowDistance = rowHeight + 4;
+    constexpr int labelWidth = 58;
+    constexpr int particleWidth = 90;
+    constexpr int controlsHeight = margin + 2 * rowDistance;
+    constexpr int inputLeft = margin + labelWidth;
+    constexpr int placeLeft = inputLeft + particleWidth + margin;
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    const auto rest = [width](int left) { return width > left + margin ? width - left - margin : 0; };
+    PortLabel.MoveTo(margin, margin, labelWidth, rowHeight);
+    PortCombo.MoveTo(inputLeft, margin, rest(inputLeft), rowHeight);
+    ParticleLabel.MoveTo(margin, margin + rowDistance, labelWidth, rowHeight);
+    ParticleInput.MoveTo(inputLeft, margin + rowDistance, particleWidth, rowHeight);
+    PlaceCombo.MoveTo(placeLeft, margin + rowDistance, rest(placeLeft), rowHeight);
+    Grid.MoveTo(0, controlsHeight, width, height > controlsHeight ? height - controlsHeight : 0);
+}
+
+void TTraceTable::FillPorts()
+{
+    PortCombo.Clear();
+    for (int port = 0; port < Trace->GetNumPorts(); ++port)
+        PortCombo.AddString(Trace->GetPortName(port).Print());
+    PortCombo.Enable(Trace->GetNumPorts() > 0);
+}
+
+void TTraceTable::FillPlaces()
+{
+    PlaceCombo.Clear();
+    for (int place = 0; place < Trace->GetNumPlaces(); ++place) {
+        TString text;
+        text.Format("Group %d", Trace->GetPlaceGroup(place));
+        PlaceCombo.AddString(text.Print());
+    }
+    PlaceCombo.Show(Trace->GetNumPlaces() > 1);
+}
+
+void TTraceTable::Rebuild()
+{
+    FillPorts();
+    FillPlaces();
+    ShowPlace();
+    if (!HasPort())
+        Port = -1;
+    SelectPort(Port < 0 && Trace->GetNumPorts() > 0 ? 0 : Port);
+}
+
+void TTraceTable::ShowPlace()
+{
+    if (Trace->GetNumPlaces() > 0)
+        PlaceCombo.SetSelection(Trace->GetPlace());
+    ParticleInput.SetRange(0, static_cast<float>(Trace->GetLastParticle()));
+    ParticleInput.SetValue(static_cast<float>(Trace->GetParticle()));
+    ParticleInput.Enable(Trace->IsConnected());
+    RefreshRows();
+}
+
+void TTraceTable::SelectPort(int port)
+{
+    Port = port;
+    if (HasPort())
+        PortCombo.SetSelection(port);
+    Grid.Refresh();
+    FitColumns();
+    RefreshRows();
+}
+
+void TTraceTable::FitColumns()
+{
+    const int columns = Rows.GetNumColumns();
+    for (int i = 0; i < columns; ++i) {
+        const int share = ColumnsWidth / columns;
+        Grid.SetColumnWidth(i, share > WidestColumn      ? WidestColumn
+                               : share < NarrowestColumn ? NarrowestColumn
+                                                         : share);
+    }
+}
+
+void TTraceTable::RefreshRows()
+{
+    const int rows = Rows.GetNumRows();
+    if (rows != ShownRows)
+        Grid.Refresh();
+    else
+        Grid.RedrawCells();
+    ShownRows = rows;
+}
+
+bool TTraceTable::OnMessage(const TMessage& message)
+{
+    if (message.Type != MT_SIZE)
+        return TWindow::OnMessage(message);
+    Layout();
+    return true;
+}
+
+void TTraceTable::OnCommand(TWimpControl* control, intptr_t argument, int code)
+{
+    // While the engine is being made anew there is nothing to choose from.
+    if ((code != CC_SELECTION && code != CC_EDITED) || !Trace->IsConnected()) {
+        TWindow::OnCommand(control, argument, code);
+        return;
+    }
+    switch (argument) {
+    case ID_PORT:
+        Window->SelectPort(PortCombo.GetSelection());
+        break;
+    case ID_PARTICLE:
+        Window->SelectParticle(static_cast<int>(ParticleInput.GetValue()));
+        break;
+    case ID_PLACE:
+        Window->SelectPlace(PlaceCombo.GetSelection());
+        break;
+    default:
+        break;
+    }
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "library/wimp/controls/comboboxcontrol.h"
+#include "library/wimp/controls/label.h"
+#include "library/wimp/controls/numberedit.h"
+#include "library/wimp/controls/table.h"
+
+class TAttributeTraceWindow;
+class TNodeTrace;
+
+// The left pane of a trace window: the entries of one port, the newest on top, below the controls that choose
+// the port, the particle and the place.
+class TTraceTable : public TWindow
+{
+public:
+    // Both stay the caller's and outlive the table. False if the window system refuses.
+    bool Create(TAttributeTraceWindow& window, const TNodeTrace& trace);
+    // The ports, places and particles of the trace as they are now; the first port, if the one that was shown
+    // has gone.
+    void Rebuild();
+    // The place is another one, and so may be the particle.
+    void ShowPlace();
+    // The port that is shown; -1 for none.
+    int GetPort() const { return Port; }
+    void SelectPort(int port);
+    // The values are others, or there are more or fewer of them.
+    void RefreshRows();
+    void RedrawRows() { Grid.RedrawCells(); }
+    // The keys are the rows'.
+    void SetFocus() override { Grid.SetFocus(); }
+
+    bool OnMessage(const TMessage& message) override;
+    void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
+
+private:
+    enum TControlId
+    {
+        ID_PORT = 1,
+        ID_PARTICLE,
+        ID_PLACE
+    };
+
+    // The rows of the port that is shown.
+    class TRows : public TTableProvider
+    {
+    public:
+        explicit TRows(const TTraceTable& table) : Table(table) {}
+        int GetNumRows() const override;
+        int GetNumColumns() const override;
+        void GetHeader(int column, TString& text) const override;
+        void GetLabel(int row, TString& text) const override;
+        void GetCell(int row, int column, TString& text) const override;
+
+    private:
+        int GetEntry(int row) const { return GetNumRows() - 1 - row; }
+
+        const TTraceTable& Table;
+    };
+
+    class TGrid : public TTable
+    {
+    public:
+        explicit TGrid(TTraceTable& table) : Table(table) {}
+        void OnContext(int x, int y) override;
+
+    private:
+        TTraceTable& Table;
+    };
+
+    bool CreateControls();
+    // The port can be read.
+    bool HasPort() const;
+    void FillPorts();
+    void FillPlaces();
+    void FitColumns();
+    void Layout();
+
+    TAttributeTraceWindow* Window = nullptr;
+    const TNodeTrace* Trace = nullptr;
+    int Port = -1;
+    int ShownRows = 0;
+    TRows Rows{*this};
+    TLabel PortLabel;
+    TComboBoxControl PortCombo;
+    TLabel ParticleLabel;
+    TNumberEdit ParticleInput;
+    TComboBoxControl PlaceCombo;
+    TGrid Grid{*this};
+};
