@@ -441,8 +441,17 @@ TEST_F(AnimationGroup, TheNameIsCopiedPastedAndResetWithTheFlags)
     EXPECT_EQ(NumOps(), 1);
     Click(MiddleOf(Group.GetFlagBox(1)));
     EXPECT_FALSE(Group.IsDefault());
+    const std::string flags = Flags();
+    EXPECT_EQ(NumOps(), 2);
     Group.ResetValue();
     EXPECT_EQ(Name(), "");
     EXPECT_EQ(Flags(), "---");
+    EXPECT_TRUE(Group.IsDefault());
+    // Name and flags are one step.
+    EXPECT_EQ(NumOps(), 4);
+    Document.Undo();
+    EXPECT_EQ(Name(), Animation());
+    EXPECT_EQ(Flags(), flags);
+    Document.Redo();
     EXPECT_TRUE(Group.IsDefault());
 }
