@@ -183,6 +183,9 @@ void TDocumentWindows::ScheduleChanged(TDocument&)
 {
     for (TDocWindow* window : Windows)
         window->GetHeader().OnGraphChanged();
+    // The engine may have found files that the panels show.
+    if (Scene != nullptr)
+        Scene->RefreshControls();
 }
 
 // The preview asks the document for its engine in every frame.
