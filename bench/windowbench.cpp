@@ -1,4 +1,5 @@
 #include "bench/benchtable.h"
+#include "bench/panelscenes.h"
 #include "bench/windowscenes.h"
 
 #include "library/system/clock.h"
@@ -15,6 +16,8 @@ namespace {
 constexpr int NodeCounts[] = {20, 100, 500};
 constexpr int ParticleCounts[] = {100, 1000, 10000};
 constexpr int IdleNodes = 100;
+constexpr int ManyIdleNodes = 1000;
+constexpr int OpenNodes = 20;
 // In milliseconds: twenty frames a second, and what an idle pass may cost.
 constexpr double FrameLimit = 50;
 constexpr double IdleLimit = 0.1;
@@ -106,7 +109,50 @@ void PaintPlain(benchmark::State& state)
 
 void IdlePass(benchmark::State& state)
 {
-    RunScene<TGraphPicture>(state, IdleNodes, [](TGraphPicture&) { RunIdlePass(); });
+    RunScene<TGraphPicture>(state, static_cast<int>(state.range(0)), [](TGraphPicture&) { RunIdlePass(); });
+}
+
+void IdlePassPanels(benchmark::State& state)
+{
+    RunScene<TPanelsPicture>(state, OpenNodes, [](TPanelsPicture&) { RunIdlePass(); });
+}
+
+void PaintPanels(benchmark::State& state)
+{
+    RunScene<TPanelsPicture>(state, OpenNodes, [](TPanelsPicture& scene) { scene.PaintPanned(); });
+}
+
+void PaintPanelsMiddle(benchmark::State& state)
+{
+    TPanelsPicture* panels = GetScenes<TPanelsPicture>().Show(OpenNodes);
+    if (panels != nullptr)
+        panels->FrameMiddle();
+    RunScene<TPanelsPicture>(state, OpenNodes, [](TPanelsPicture& scene) { scene.PaintPanned(); });
+    if (panels != nullptr)
+        panels->FrameAll();
+}
+
+void OpenPanel(benchmark::State& state)
+{
+    TOpeningPicture* scene = GetScenes<TOpeningPicture>().Show(0);
+    if (scene == nullptr) {
+        state.SkipWithError("no window");
+        return;
+    }
+    scene->AddNode();
+    scene->Open();
+    for (auto _ : state) {
+        state.PauseTiming();
+        scene->AddNode();
+        state.ResumeTiming();
+        scene->Open();
+    }
+    scene->Show(false);
+}
+
+void DragNumber(benchmark::State& state)
+{
+    RunScene<TDragPicture>(state, 0, [](TDragPicture& scene) { scene.Step(); });
 }
 
 void ReadClock(benchmark::State& state)
@@ -141,6 +187,12 @@ void RegisterAll()
     Register("PaintPlain", &PaintPlain)->Arg(0);
     Register("DrawNothing", &DrawNothing)->Arg(0);
     Register("IdlePass", &IdlePass)->Arg(IdleNodes);
+    Register("IdlePass", &IdlePass)->Arg(ManyIdleNodes);
+    Register("IdlePassPanels", &IdlePassPanels)->Arg(OpenNodes);
+    Register("PaintPanels", &PaintPanels)->Arg(OpenNodes);
+    Register("PaintPanelsMiddle", &PaintPanelsMiddle)->Arg(OpenNodes);
+    Register("OpenPanel", &OpenPanel)->Arg(0);
+    Register("DragNumber", &DragNumber)->Arg(0);
     Register("ReadClock", &ReadClock)->Arg(0);
 }
 
@@ -170,8 +222,20 @@ void AddAllRows()
         AddRow({effect + " / as many plain squares", Name("PaintPreview", particles),
                 Name("PaintPlain", particles)});
     }
-    AddRows("idle pass, " + std::to_string(IdleNodes) + " nodes, the effect paused", "reading the clock",
-            Name("IdlePass", IdleNodes), Name("ReadClock", 0), IdleLimit);
+    for (const int nodes : {IdleNodes, ManyIdleNodes})
+        AddRows("idle pass, " + std::to_string(nodes) + " nodes, the effect paused", "reading the clock",
+                Name("IdlePass", nodes), Name("ReadClock", 0), IdleLimit);
+    const std::string panels = std::to_string(OpenNodes) + " open nodes";
+    AddRows("idle pass, " + panels + ", the effect paused", "reading the clock",
+            Name("IdlePassPanels", OpenNodes), Name("ReadClock", 0), IdleLimit);
+    AddRows("paint, " + panels + " all in sight", "a cleared window", Name("PaintPanels", OpenNodes),
+            emptyWindow, FrameLimit);
+    AddRows("paint, " + panels + ", their middle at 100%", "a cleared window",
+            Name("PaintPanelsMiddle", OpenNodes), emptyWindow, FrameLimit);
+    AddRows("opening the panel of the largest node", "a cleared window", Name("OpenPanel", 0), emptyWindow,
+            FrameLimit);
+    AddRows("a step of a number's drag, the campfire running", "a cleared window", Name("DragNumber", 0),
+            emptyWindow, FrameLimit);
 }
 
 // Windows want a display: without one the program starts itself again on one of its own, which goes with it.

@@ -30,8 +30,9 @@ constexpr float ParticleSize = 0.02f;
 // What a square of that half size measures in the preview, about.
 constexpr float QuadPixels = 14;
 
-// The preview's button, by its id.
+// The preview's buttons, by their ids.
 constexpr int PauseButton = 1004;
+constexpr int PlayButton = 1005;
 
 constexpr int ColumnWidth = 200;
 constexpr int RowHeight = 120;
@@ -133,32 +134,51 @@ void AddBurst(TSampleBuilder& effect, int particles)
     colours.Wire("Value", stage, "Colour");
 }
 
+void PressButton(TDocument& document, int button)
+{
+    GetWindows(document).GetParticleWindow()->GetTimeline().OnCommand(nullptr, button, CC_BUTTON);
+}
+
+} // namespace
+
 TDocumentWindows& GetWindows(const TDocument& document)
 {
     return *static_cast<TDocumentWindows*>(document.GetHost());
 }
 
-// Opens what was built as a user opens a file, and stops its effect; null if that fails.
-TDocument* Open(TSampleBuilder& effect, const std::string& leaf)
+void PressPause(TDocument& document)
 {
-    const std::string path = GetFolder().GetPath(leaf);
-    effect.GetDocument().GetOperationStack()->Clear(effect.GetDocument());
-    if (!effect.GetDocument().SaveAs(path.c_str()) || !TCindermillApp::Get().OpenDocument(path.c_str()))
+    PressButton(document, PauseButton);
+}
+
+void PressPlay(TDocument& document)
+{
+    PressButton(document, PlayButton);
+}
+
+TDocument* OpenFile(const std::string& path)
+{
+    if (!TCindermillApp::Get().OpenDocument(path.c_str()))
         return nullptr;
     TDocument* document = TCindermillApp::Get().GetDocuments().back();
-    GetWindows(*document).GetParticleWindow()->GetTimeline().OnCommand(nullptr, PauseButton, CC_BUTTON);
+    PressPause(*document);
     return document;
 }
 
-// Also waits for what a new or moved window still has to do.
-void Settle()
+TDocument* OpenBuilt(TSampleBuilder& effect, const std::string& leaf)
+{
+    const std::string path = GetFolder().GetPath(leaf);
+    effect.GetDocument().GetOperationStack()->Clear(effect.GetDocument());
+    return effect.GetDocument().SaveAs(path.c_str()) ? OpenFile(path) : nullptr;
+}
+
+void SettleWindows()
 {
     constexpr int turns = 50;
     for (int i = 0; i < turns; ++i)
         TWimp::Get().Step();
 }
 
-// Gives a window the size at which the child has that of the scenes.
 void FitWindow(TWindow& window, const TWindow& child)
 {
     int width = SceneWidth;
@@ -166,14 +186,12 @@ void FitWindow(TWindow& window, const TWindow& child)
     for (int i = 0; i < 3; ++i) {
         int inner[2];
         window.MoveTo(0, 0, width, height);
-        Settle();
+        SettleWindows();
         child.GetSize(inner[0], inner[1]);
         width += SceneWidth - inner[0];
         height += SceneHeight - inner[1];
     }
 }
-
-} // namespace
 
 bool StartProgram()
 {
@@ -197,7 +215,7 @@ bool StartProgram()
     TCindermillApp::Get().GetResourceLocator().AddSearchDirectory(CINDERMILL_SOURCE_DIR "/samples");
     // Idle passes come when they are measured.
     TWimp::Get().SetIdle(false);
-    Settle();
+    SettleWindows();
     if (!IsGlReady())
         std::fprintf(stderr, "There is no OpenGL\n");
     return IsGlReady();
@@ -228,7 +246,12 @@ TGraphPicture::TGraphPicture(int nodes)
     for (int i = 0; i < nodes; i += 10)
         AddFountain(effect);
     MoveNodesBy(effect.GetDocument());
-    Document = Open(effect, "graph" + std::to_string(nodes) + ".effect");
+    Take(effect, "graph" + std::to_string(nodes) + ".effect");
+}
+
+void TGraphPicture::Take(TSampleBuilder& effect, const std::string& leaf)
+{
+    Document = OpenBuilt(effect, leaf);
     if (Document == nullptr)
         return;
     Windows = &GetWindows(*Document);
@@ -251,7 +274,7 @@ TGraphPicture::~TGraphPicture()
 void TGraphPicture::Show(bool shown)
 {
     Windows->GetWindow(0)->Show(shown);
-    Settle();
+    SettleWindows();
 }
 
 void TGraphPicture::FrameAll()
@@ -299,7 +322,7 @@ TPreviewPicture::TPreviewPicture(int particles)
 {
     TSampleBuilder effect(TCindermillApp::Get());
     AddBurst(effect, particles);
-    Document = Open(effect, "preview" + std::to_string(particles) + ".effect");
+    Document = OpenBuilt(effect, "preview" + std::to_string(particles) + ".effect");
     if (Document == nullptr || !Document->GetEngine().IsInited())
         return;
     Windows = &GetWindows(*Document);
@@ -327,7 +350,7 @@ TPreviewPicture::~TPreviewPicture()
 void TPreviewPicture::Show(bool shown)
 {
     Windows->GetParticleWindow()->Show(shown);
-    Settle();
+    SettleWindows();
 }
 
 // All particles in the first step; then they fly for half a second.
@@ -380,7 +403,7 @@ TPlainPicture::TPlainPicture(int quads)
     Child.MoveTo(0, 0, SceneWidth, SceneHeight);
     Vertices.resize(static_cast<size_t>(quads) * 4);
     TWindow::Show();
-    Settle();
+    SettleWindows();
     Good = NumPaints > 0;
     TWindow::Show(false);
 }

@@ -13,6 +13,7 @@ class TDocument;
 class TDocumentWindows;
 class TGraphWindow;
 class TParticleRenderWindow;
+class TSampleBuilder;
 
 // The size of every picture that is measured.
 constexpr int SceneWidth = 1200;
@@ -22,6 +23,18 @@ constexpr int SceneHeight = 800;
 bool StartProgram();
 // One idle pass of the program.
 void RunIdlePass();
+
+// Turns the loop for what a new or moved window still has to do.
+void SettleWindows();
+// Gives a window the size at which the child has that of the scenes.
+void FitWindow(TWindow& window, const TWindow& child);
+TDocumentWindows& GetWindows(const TDocument& document);
+// Opens what was built as a user opens a file, and stops its effect; null if that fails.
+TDocument* OpenBuilt(TSampleBuilder& effect, const std::string& leaf);
+TDocument* OpenFile(const std::string& path);
+// The buttons of a preview.
+void PressPause(TDocument& document);
+void PressPlay(TDocument& document);
 
 // Turns the loop until the window has been painted, by a counter of its paints.
 void PaintWindow(TWindow& window, const int& paints);
@@ -51,7 +64,9 @@ class TGraphPicture
 {
 public:
     explicit TGraphPicture(int nodes);
-    ~TGraphPicture();
+    virtual ~TGraphPicture();
+    TGraphPicture(const TGraphPicture&) = delete;
+    TGraphPicture& operator=(const TGraphPicture&) = delete;
     bool IsGood() const { return Graph != nullptr; }
     void Show(bool shown);
     // Everything in sight, or the middle at its true size.
@@ -63,6 +78,12 @@ public:
     void DrawPanned();
     // Clearing and scaling down, with nothing in the frame.
     void DrawEmpty();
+
+protected:
+    TGraphPicture() = default;
+    // Opens what was built.
+    void Take(TSampleBuilder& effect, const std::string& leaf);
+    TDocument& GetDocument() { return *Document; }
 
 private:
     void Pan();

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Holds what the build cannot: Qt stays inside the window framework and the settings store, standard containers
-# stay out of the system's own code, no source file has more than 800 lines, a layer that includes from above does not
-# build, and the README of each layer's folder tells what it links:
+# stay out of the system's own code, no source file has more than 800 lines and no function more than six parameters, a
+# layer that includes from above does not build, and the README of each layer's folder tells what it links:
 # scripts/layercheck.sh BUILD, a folder that is configured.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
@@ -23,6 +23,8 @@ standard=$(grep -rlE '#include <(vector|string|map|set|list|array|deque|unordere
 # A file that holds more than one theme is found by nobody.
 long=$(find library particles tests tools bench -name '*.h' -o -name '*.cpp' | xargs wc -l | awk '$1 > 800 && $2 != "total"')
 [ -z "$long" ] || fail "Files of more than 800 lines: $long"
+
+scripts/parameters.sh
 
 # The lowest layer tries to look up.
 compile=(g++ -std=c++20 -fsyntax-only -I "$1/layers/library-containers" -x c++ -)

@@ -198,7 +198,7 @@ void DragPoint(TPanelHand& panel, const char* name, int point, int dx, int dy)
 
 // Drags in an area of an open picker; the components are of hue, saturation, luminance and alpha, -1 for
 // none.
-void DragColour(TPanelHand& panel, const char* name, TPickerArea area, int across, int up, int dx, int dy)
+void DragColour(TPanelHand& panel, const char* name, TPickerArea area, int dx, int dy)
 {
     TColourPicker& picker = *panel.Find<TNodeColourParameterControls>(name).GetPicker();
     TVector2 min;
@@ -209,8 +209,9 @@ void DragColour(TPanelHand& panel, const char* name, TPickerArea area, int acros
     panel.Drag(from, dx, dy);
     TPickedColour colour;
     colour.SetRgba(picker.GetColour());
-    if (across != -1)
-        colour.SetHslaComponent(across, (to[0] - min[0]) / (max[0] - min[0]));
+    if (area == PA_SQUARE)
+        colour.SetHslaComponent(0, (to[0] - min[0]) / (max[0] - min[0]));
+    const int up = area == PA_SQUARE ? 1 : area == PA_STRIP ? 2 : TPickedColour::Alpha;
     colour.SetHslaComponent(up, (max[1] - to[1]) / (max[1] - min[1]));
     panel.Apply(new TColourParamOp(&panel.Param<TNodeColourParameter>(name), colour.GetRgba()));
 }
@@ -296,9 +297,9 @@ TEST_F(Program, TheValuesOfAnEffectAreEditedByHand)
         colour.SetOpen(true);
         panel.Layout();
         // White is white at every hue: it takes its luminance first.
-        DragColour(panel, "Colour", PA_STRIP, -1, 2, 0, 10);
+        DragColour(panel, "Colour", PA_STRIP, 0, 10);
         WaitForANewStep();
-        DragColour(panel, "Colour", PA_SQUARE, 0, 1, -25, -18);
+        DragColour(panel, "Colour", PA_SQUARE, -25, -18);
         WaitForANewStep();
         // Farther than there are steps: the number stays at its end.
         panel.DragArrowDown(colour.GetPicker()->GetInput(TPickedColour::Alpha), 240);
@@ -307,7 +308,7 @@ TEST_F(Program, TheValuesOfAnEffectAreEditedByHand)
         clear[TPickedColour::Alpha] = 0;
         panel.Apply(new TColourParamOp(&panel.Param<TNodeColourParameter>("Colour"), clear));
         WaitForANewStep();
-        DragColour(panel, "Colour", PA_ALPHA, -1, TPickedColour::Alpha, 0, 15);
+        DragColour(panel, "Colour", PA_ALPHA, 0, 15);
         Screen.Save(program.GetMainRectangle(), Screenshot("panel-stage"));
 
         // Each gesture is one step, forth and back.

@@ -188,6 +188,9 @@ void TDocumentWindows::ScheduleChanged(TDocument& document)
     for (TDocWindow* window : Windows)
         window->GetHeader().OnGraphChanged();
     TAttributeTraceWindow::ScheduleChanged(document);
+    // The engine may have found files that the panels show.
+    if (Scene != nullptr)
+        Scene->RefreshControls();
 }
 
 // The preview asks the document for its engine in every frame.

@@ -54,4 +54,12 @@ public:
     // The nodes and edges that the operation made, and whatever else it refers to.
     virtual void GetMade(vector<TChunk*>& result) const { (void)result; }
     virtual void GetUsed(vector<TChunk*>& result) const { (void)result; }
+
+    // Operations of one gesture have its number, which the stack gives them; 0 for one that is a step by
+    // itself. Not in the file: what is loaded has none.
+    unsigned GetGesture() const { return Gesture; }
+    void SetGesture(unsigned gesture) { Gesture = gesture; }
+
+private:
+    unsigned Gesture = 0;
 };

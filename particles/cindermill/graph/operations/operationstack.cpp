@@ -47,11 +47,62 @@ void TOperationStack::DropOne(TEditContext& doc, int i)
     Operations.erase(Operations.begin() + i);
 }
 
+// A number that no operation has.
+unsigned TOperationStack::MakeGesture()
+{
+    return ++LastGesture;
+}
+
+void TOperationStack::BeginGesture()
+{
+    if (GestureDepth++ == 0)
+        Gesture = MakeGesture();
+}
+
+void TOperationStack::ContinueGesture()
+{
+    BeginGesture();
+    if (GestureDepth > 1 || Position == 0)
+        return;
+    TOperation& last = *Operations[Position - 1];
+    if (last.GetGesture() == 0)
+        last.SetGesture(Gesture);
+    else
+        Gesture = last.GetGesture();
+}
+
+// What has come to one operation is a step like any other.
+void TOperationStack::EndGesture()
+{
+    ASSERT_TEXT(GestureDepth > 0, "GestureDepth > 0");
+    if (--GestureDepth > 0)
+        return;
+    const int last = Position - 1;
+    if (last >= 0 && Operations[last]->GetGesture() == Gesture && !AreOneStep(last - 1, last))
+        Operations[last]->SetGesture(0);
+    Gesture = 0;
+}
+
+bool TOperationStack::AreOneStep(int first, int second) const
+{
+    if (first < 0 || second >= Operations.size())
+        return false;
+    const unsigned gesture = Operations[first]->GetGesture();
+    return gesture != 0 && gesture == Operations[second]->GetGesture();
+}
+
+// An edit that merged with one of another gesture would be taken back with it.
+bool TOperationStack::CanMerge(const TOperation& op) const
+{
+    return GetTickCount() < LastTime + MergeInterval && !Operations.empty() &&
+           op.GetGesture() == Operations.back()->GetGesture();
+}
+
 void TOperationStack::Apply(TEditContext& doc, TOperation* op)
 {
     DropTail(doc, Position);
-    const uint32_t now = GetTickCount();
-    if (now < LastTime + MergeInterval && !Operations.empty() && op->Merge(*Operations.back())) {
+    op->SetGesture(Gesture);
+    if (CanMerge(*op) && op->Merge(*Operations.back())) {
         delete op;
         doc.RedrawWindows();
         LastTime = GetTickCount();
@@ -64,12 +115,8 @@ void TOperationStack::Apply(TEditContext& doc, TOperation* op)
     LastTime = GetTickCount();
 }
 
-bool TOperationStack::Undo(TEditContext& doc)
+bool TOperationStack::UndoOne(TEditContext& doc)
 {
-    // The next operation never merges with what stands on the stack after an undo.
-    LastTime = 0;
-    if (Position <= 0)
-        return true;
     if (IsFromFile && !Operations[Position - 1]->Fits(*doc.GetGraph(), true))
         return false;
     --Position;
@@ -77,15 +124,43 @@ bool TOperationStack::Undo(TEditContext& doc)
     return true;
 }
 
-bool TOperationStack::Redo(TEditContext& doc)
+bool TOperationStack::RedoOne(TEditContext& doc)
 {
-    if (Position >= Operations.size())
-        return true;
     if (IsFromFile && !Operations[Position]->Fits(*doc.GetGraph(), false))
         return false;
     Operations[Position]->Do(doc);
     ++Position;
     return true;
+}
+
+bool TOperationStack::Undo(TEditContext& doc)
+{
+    // The next operation never merges with what stands on the stack after an undo.
+    LastTime = 0;
+    if (Position <= 0)
+        return true;
+    const int before = Position;
+    bool fits = UndoOne(doc);
+    while (fits && AreOneStep(Position - 1, Position))
+        fits = UndoOne(doc);
+    bool stepsBack = !fits;
+    while (stepsBack && Position < before)
+        stepsBack = RedoOne(doc);
+    return fits;
+}
+
+bool TOperationStack::Redo(TEditContext& doc)
+{
+    if (Position >= Operations.size())
+        return true;
+    const int before = Position;
+    bool fits = RedoOne(doc);
+    while (fits && AreOneStep(Position - 1, Position))
+        fits = RedoOne(doc);
+    bool stepsBack = !fits;
+    while (stepsBack && Position > before)
+        stepsBack = UndoOne(doc);
+    return fits;
 }
 
 void TOperationStack::Clear(TEditContext& doc)

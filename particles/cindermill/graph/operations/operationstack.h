@@ -3,7 +3,7 @@
 #include "particles/cindermill/graph/operations/operation.h"
 
 // The history of a document: what was done, and what was undone and can be done again. The operations are
-// chunks of the document's chunk file.
+// chunks of the document's chunk file. A step of undo and redo is one operation, or all those of one gesture.
 class TOperationStack : public TRegistered<TOperationStack, TChunk>
 {
 public:
@@ -18,8 +18,14 @@ public:
 
     // Takes ownership of the operation.
     void Apply(TEditContext& doc, TOperation* op);
-    // False if the operation does not fit the graph: the file that it came from is damaged, and nothing was
-    // done.
+    // What is applied until the gesture's end is one step. A gesture within one belongs to it. Only what
+    // belongs to one gesture merges in it, or with it. Use a TGesture.
+    void BeginGesture();
+    // The same, for a gesture that has ended and goes on: what is applied joins the step that was done last.
+    void ContinueGesture();
+    void EndGesture();
+    // A whole step. False if an operation of it does not fit the graph: the file that it came from is damaged,
+    // and nothing was done.
     bool Undo(TEditContext& doc);
     bool Redo(TEditContext& doc);
     bool CanUndo() const { return Position > 0; }
@@ -43,6 +49,11 @@ public:
 private:
     static constexpr int NoPosition = -1;
 
+    unsigned MakeGesture();
+    bool AreOneStep(int first, int second) const;
+    bool CanMerge(const TOperation& op) const;
+    bool UndoOne(TEditContext& doc);
+    bool RedoOne(TEditContext& doc);
     // The operations from `first` on, none of which is done.
     void DropTail(TEditContext& doc, int first);
     void DropOne(TEditContext& doc, int i);
@@ -51,6 +62,10 @@ private:
     int Position = 0;
     int SavedPosition = 0;
     uint32_t LastTime;
+    // Of the gesture that runs: its number, and how deep it is nested.
+    unsigned Gesture = 0;
+    int GestureDepth = 0;
+    unsigned LastGesture = 0;
     // Its operations may be anything, and are asked whether they fit.
     bool IsFromFile = false;
 };

@@ -3,6 +3,7 @@
 #include "library/system/path.h"
 #include "library/wimp/filechooser.h"
 #include "particles/cindermill/graph/operations/animflagsparamop.h"
+#include "particles/cindermill/graph/operations/gesture.h"
 #include "particles/cindermill/graph/operations/nameparamop.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/main/animation/animation.h"
@@ -171,6 +172,7 @@ void TNodeAnimationParameterControls::ResetValue()
     const TNodeAnimationParameter* value = static_cast<const TNodeAnimationParameter*>(FindDefault());
     if (value == nullptr)
         return;
+    const TGesture gesture(*Document->GetOperationStack());
     bool flags[FL_NUMFLAGS];
     GetFlags(*value, flags);
     ApplyFlags(flags);

@@ -1,6 +1,6 @@
 #include "particles/cindermill/interface/controls/colourparametercontrols.h"
 
-#include "particles/cindermill/graph/operations/operationstack.h"
+#include "particles/cindermill/graph/operations/gesture.h"
 #include "particles/cindermill/graph/operations/valueparamop.h"
 #include "particles/cindermill/interface/controls/colourpicker.h"
 #include "particles/cindermill/interface/controls/colourtext.h"
@@ -82,23 +82,35 @@ void TNodeColourParameterControls::OnChildChanged(const TRenderEvent& event)
         Apply(Picker->GetColour(), Picker->GetDrag());
 }
 
-void TNodeColourParameterControls::Apply(const float* rgba, int drag)
-{
-    if (!AreSame(rgba, GetColour().GetFloats()))
-        Document->ApplyOperation(new TColourParamOp(&GetColour(), rgba, drag));
-}
-
-// A drag that was held still for long has made several steps.
-void TNodeColourParameterControls::TakeBack(int drag)
+// Whether what was done last belongs to the drag.
+bool TNodeColourParameterControls::HasApplied(int drag) const
 {
     const TOperationStack& stack = *Document->GetOperationStack();
-    while (Document->CanUndo()) {
-        TOperation* top = stack.GetOperation(stack.GetPosition() - 1);
-        if (top->GetClassId() != TColourParamOp::NameID() ||
-            static_cast<TColourParamOp*>(top)->GetDrag() != drag)
-            return;
-        Document->Undo();
+    if (drag == 0 || !stack.CanUndo())
+        return false;
+    TOperation* last = stack.GetOperation(stack.GetPosition() - 1);
+    return last->GetClassId() == TColourParamOp::NameID() &&
+           static_cast<TColourParamOp*>(last)->GetDrag() == drag;
+}
+
+// A drag that was held still for long makes several operations.
+void TNodeColourParameterControls::Apply(const float* rgba, int drag)
+{
+    if (AreSame(rgba, GetColour().GetFloats()))
+        return;
+    TOperation* change = new TColourParamOp(&GetColour(), rgba, drag);
+    if (!HasApplied(drag)) {
+        Document->ApplyOperation(change);
+        return;
     }
+    const TGesture gesture(*Document->GetOperationStack(), TGesture::CONTINUED);
+    Document->ApplyOperation(change);
+}
+
+void TNodeColourParameterControls::TakeBack(int drag)
+{
+    if (HasApplied(drag))
+        Document->Undo();
 }
 
 void TNodeColourParameterControls::CopyValue(TString& text) const

@@ -35,6 +35,7 @@ protected:
 private:
     TNodeColourParameter& GetColour() const;
     void ShowPicker();
+    bool HasApplied(int drag) const;
     void Apply(const float* rgba, int drag);
     void TakeBack(int drag);
 

@@ -4,6 +4,7 @@
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/interface/controls/colourpaint.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/interface/controls/fieldwalk.h"
 #include "particles/cindermill/interface/controls/pickerprograms.h"
 
 #include <initializer_list>
@@ -24,6 +25,7 @@ constexpr float AreaGap = 12.0f;
 constexpr float HeadingGap = 4.0f;
 // How far markers reach beyond what they mark.
 constexpr float MarkerReach = 7.0f;
+const TVector4 FocusColour(0.10f, 0.42f, 0.90f, 1);
 
 // By mode.
 constexpr const char* RowNames[2][TPickedColour::NumComponents] = {{"H:", "S:", "L:", "A:"},
@@ -247,11 +249,10 @@ bool TColourPicker::Event(const TRenderEvent& event)
                 OnInput(i);
         return true;
     case RE_KEY:
-        if (event.Detail != KEY_ESCAPE || !Drag.IsRunning())
-            return TRenderObjects::Event(event);
-        Drag.Cancel();
-        return true;
+        return (event.Source == this && OnKey(event.Detail)) || TRenderObjects::Event(event);
     case RE_FOCUSLOST:
+        if (event.Source == this)
+            Host.RedrawGraphs();
         return true;
     default:
         return TRenderObjects::Event(event);
@@ -270,9 +271,56 @@ bool TColourPicker::OnPress(const TRenderEvent& event)
     static int lastDrag = 0;
     DragNumber = ++lastDrag;
     DragArea = area;
+    KeyArea = area;
     Before = Colour;
     Pick(event.Point);
     return true;
+}
+
+bool TColourPicker::OnKey(int key)
+{
+    switch (key) {
+    case KEY_ESCAPE:
+        if (!Drag.IsRunning())
+            return false;
+        Drag.Cancel();
+        return true;
+    case KEY_TAB:
+        if (!Drag.IsRunning())
+            WalkFields(*this, (GetKeyFlags() & KF_SHIFT) != 0);
+        return true;
+    case KEY_LEFT:
+    case KEY_RIGHT:
+        MoveMarker(key == KEY_RIGHT ? 1 : -1, 0);
+        return true;
+    case KEY_UP:
+    case KEY_DOWN:
+        MoveMarker(0, key == KEY_UP ? 1 : -1);
+        return true;
+    default:
+        return false;
+    }
+}
+
+// From where the marker is seen; what does not move keeps its value.
+void TColourPicker::MoveMarker(int across, int up)
+{
+    constexpr double Step = 0.01;
+    constexpr double FineStep = 0.001;
+    if (KeyArea == PA_NONE || Drag.IsRunning() || (across != 0 && KeyArea != PA_SQUARE))
+        return;
+    const int component = KeyArea == PA_ALPHA   ? TPickedColour::Alpha
+                          : KeyArea == PA_STRIP ? 2
+                          : across != 0         ? 0
+                                                : 1;
+    const double step = (GetKeyFlags() & KF_SHIFT) != 0 ? FineStep : Step;
+    const float from = ClampToUnit(GetShown()[component]);
+    const float to = ClampToUnit(static_cast<float>(from + (across + up) * step));
+    if (to == from)
+        return;
+    SetComponent(component, to);
+    ShowNumbers();
+    Notify();
 }
 
 void TColourPicker::SetComponent(int i, float value)
@@ -353,6 +401,7 @@ void TColourPicker::Render(TRenderer& renderer)
     const TVector2 max(Rights[HD_RESULT], AreaBottom);
     DrawColourSample(renderer, min, max, Colour.GetRgba());
     DrawAreaFrame(renderer, min, max);
+    RenderFocus(renderer);
     RenderMarkers(renderer);
     TRenderObjects::Render(renderer);
 }
@@ -396,6 +445,16 @@ void TColourPicker::RenderAlpha(TRenderer& renderer)
     else
         DrawShaded(renderer, area, &AlphaStripAt, rgba, 1, StripRows);
     DrawAreaFrame(renderer, area.Min, area.Max);
+}
+
+void TColourPicker::RenderFocus(TRenderer& renderer)
+{
+    if (GetKeyArea() == PA_NONE)
+        return;
+    TRectangle area;
+    GetArea(KeyArea, area.Min, area.Max);
+    const TVector2 edge(2, 2);
+    DrawFrame(renderer, area.Min - edge, area.Max + edge, 2, FocusColour);
 }
 
 void TColourPicker::RenderMarkers(TRenderer& renderer)

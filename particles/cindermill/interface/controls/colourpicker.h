@@ -47,6 +47,8 @@ public:
     // Where an area lies.
     void GetArea(TPickerArea area, TVector2& min, TVector2& max) const;
     TPickerArea GetDragArea() const { return DragArea; }
+    // Whose marker the arrow keys move: the last one pressed in, while the picker has the focus.
+    TPickerArea GetKeyArea() const { return GetFocus() == this ? KeyArea : PA_NONE; }
     // The number of the drag that a change belongs to, another for each; 0 for none.
     int GetDrag() const { return DragArea != PA_NONE ? DragNumber : 0; }
     // Within the change that a drag's end without a choice sends: the colour is the one from before it.
@@ -88,6 +90,8 @@ private:
     void ShowNumbers();
     TPickerArea AreaAt(const TVector2& point) const;
     bool OnPress(const TRenderEvent& event);
+    bool OnKey(int key);
+    void MoveMarker(int across, int up);
     void Pick(const TVector2& point);
     void SetComponent(int i, float value);
     void OnInput(int i);
@@ -97,6 +101,7 @@ private:
     void RenderSquare(TRenderer& renderer);
     void RenderStrip(TRenderer& renderer);
     void RenderAlpha(TRenderer& renderer);
+    void RenderFocus(TRenderer& renderer);
     void RenderMarkers(TRenderer& renderer);
 
     TControlHost& Host;
@@ -112,6 +117,7 @@ private:
     TPickedColour Colour;
     TPickedColour Before;
     TPickerArea DragArea = PA_NONE;
+    TPickerArea KeyArea = PA_NONE;
     int DragNumber = 0;
     bool TakenBack = false;
     TPickDrag Drag;

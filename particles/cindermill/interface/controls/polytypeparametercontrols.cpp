@@ -53,6 +53,15 @@ void TNodePolytypeParameterControls::FillCombo()
     Combo->SetEnabled(HasChoice());
 }
 
+// Two rows of one name would tell nothing apart.
+TString TNodePolytypeParameterControls::GetValueLabel() const
+{
+    TString label = "Value:";
+    if (label.Compare(Label) == 0)
+        label.Format("%s:", GetTypeName(GetPolytype().GetCurrentType()));
+    return label;
+}
+
 void TNodePolytypeParameterControls::ShowValue()
 {
     const int type = GetPolytype().GetCurrentType();
@@ -63,7 +72,7 @@ void TNodePolytypeParameterControls::ShowValue()
     Value = CreateParameterControls(*Document, *ToolNode, *GetPolytype().GetCurrentParameter(), *Host);
     if (Value == nullptr)
         return;
-    Value->SetLabel("Value:");
+    Value->SetLabel(GetValueLabel().Print());
     Value->SetOrigin(TVector2(0, RowStep));
     AddObject(Value);
 }

@@ -39,6 +39,7 @@ private:
     bool IsInput() const;
     void FillCombo();
     void ShowValue();
+    TString GetValueLabel() const;
     int FindType(const char* name) const;
     void Apply(int type);
 

@@ -155,7 +155,8 @@ void TRampDrawing::DrawLabels(int axis)
         TVector2 place;
         place[axis] = GetGridPlace(axis, value) - size[axis] * 0.5f;
         if (axis == 0) {
-            place[0] = Clamp(place[0], 0, Layout.Size[0] - size[0]);
+            // Clear of the value labels, which end beside the plot.
+            place[0] = Clamp(place[0], Layout.PlotMin[0] - 1, Layout.Size[0] - size[0]);
             place[1] = Layout.PlotMax[1] + (TRampLayout::AxisHeight - size[1]) * 0.5f;
             if (place[0] < free)
                 continue;

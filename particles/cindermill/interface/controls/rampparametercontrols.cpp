@@ -1,6 +1,6 @@
 #include "particles/cindermill/interface/controls/rampparametercontrols.h"
 
-#include "particles/cindermill/graph/operations/operation.h"
+#include "particles/cindermill/graph/operations/gesture.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/controls/ramp.h"
 #include "particles/cindermill/interface/controls/rampoperations.h"
@@ -106,6 +106,7 @@ void TNodeRampParameterControls::ResetValue()
     TOperation* const operations[] = {MakeCurvesOperation(parameter, curves),
                                       MakeLockOperation(parameter, value->GetLocks()),
                                       MakeLinearOperation(parameter, value->IsLinear())};
+    const TGesture gesture(*Document->GetOperationStack());
     for (TOperation* operation : operations)
         if (operation != nullptr)
             Document->ApplyOperation(operation);

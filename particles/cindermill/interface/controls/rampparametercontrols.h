@@ -18,7 +18,7 @@ public:
     // The points of the curves that are shown.
     void CopyValue(TString& text) const override;
     bool PasteValue(const char* text) override;
-    // Curves, locks and straightness: an operation for each that differs.
+    // Curves, locks and straightness: an operation for each that differs, and one step.
     void ResetValue() override;
     bool IsDefault() const override;
     TRamp& GetRamp() { return *Ramp; }

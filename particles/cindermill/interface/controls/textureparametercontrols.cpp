@@ -94,7 +94,15 @@ void TNodeTextureParameterControls::ShowPictureSize()
     TString text;
     if (!texture.IsEmpty())
         text.Format("%d x %d", texture.GetWidth(), texture.GetHeight());
-    PictureSize->SetText(text.Print());
+    if (!(text == PictureSize->GetText()))
+        PictureSize->SetText(text.Print());
+}
+
+// A picture that was read again may have another size, and nobody tells of it but by a new drawing.
+void TNodeTextureParameterControls::Render(TRenderer& renderer)
+{
+    ShowPictureSize();
+    TNodeParameterControls::Render(renderer);
 }
 
 void TNodeTextureParameterControls::GetSize(TVector2& size) const

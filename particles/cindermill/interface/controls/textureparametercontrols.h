@@ -22,6 +22,7 @@ public:
     void CopyValue(TString& text) const override;
     bool PasteValue(const char* text) override;
     void ResetValue() override;
+    void Render(TRenderer& renderer) override;
     bool IsDefault() const override;
     // A path as a chooser gives it; nothing happens but a message if it is no texture.
     void TakeFile(const char* path);
@@ -29,6 +30,7 @@ public:
     TTickBox& GetAlphaBox() { return *AlphaBox; }
     const TTexturePreview& GetPreview() const { return *Preview; }
     const TString& GetShownName() const { return Name->GetText(); }
+    const TString& GetShownSize() const { return PictureSize->GetText(); }
 
 protected:
     void BuildControls() override;

@@ -187,7 +187,7 @@ void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
             EndDrag();
         break;
     case DM_PRESS:
-        Grabbed->FollowPress(pointer - Grabbed->GetOrigin());
+        Grabbed->FollowPress(pointer - Grabbed->GetOrigin(), renderer);
         if (released)
             FinishPress(pointer);
         break;
@@ -254,14 +254,15 @@ void TGraphCanvas::BeginPress(TNodeObj& node)
 {
     if (!BeginDrag(DM_PRESS, node))
         return;
-    node.FollowPress(GetPointer() - node.GetOrigin());
+    node.FollowPress(GetPointer() - node.GetOrigin(), GetRenderer());
 }
 
 void TGraphCanvas::FinishPress(const TVector2& pointer)
 {
     TNodeObj& node = *Grabbed;
+    const TRenderer* view = DragRenderer.Get();
     EndDrag();
-    node.FinishPress(pointer - node.GetOrigin());
+    node.FinishPress(pointer - node.GetOrigin(), view);
 }
 
 // The port is told as in a TPortRef: below the number of inputs it is an input.

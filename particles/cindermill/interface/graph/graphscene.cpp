@@ -172,6 +172,11 @@ void TGraphScene::LayoutEdges(TToolNode* node)
 // Polytypes and what follows them may have another type than before.
 void TGraphScene::GraphChanged()
 {
+    RefreshControls();
+}
+
+void TGraphScene::RefreshControls()
+{
     for (auto& entry : Nodes)
         if (entry.second->GetParent() == &Grid)
             entry.second->RefreshControls();

@@ -64,6 +64,8 @@ public:
     void NodeGoes(TToolNode* node) override;
     void EdgeGoes(TToolEdge* edge) override;
     void GraphChanged() override;
+    // The controls of all panels show their parameters anew.
+    void RefreshControls();
     void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
 
     // Ends a drag of the canvas or of a control without effect. False if none runs.

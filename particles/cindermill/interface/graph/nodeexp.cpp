@@ -2,6 +2,7 @@
 
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderer.h"
+#include "library/wimp/gl/renderwindow.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/effectgraph/nodetype.h"
 
@@ -43,6 +44,9 @@ constexpr float ControlsTop = 13.0f;
 constexpr float ControlsBottom = 14.0f;
 constexpr float ControlsGap = 5.0f;
 constexpr float PictureOpacity = 0.7f;
+// The close button leaves room for the bypass box.
+constexpr float ButtonLeft = 24.0f;
+constexpr float ButtonWidth = 14.0f;
 
 } // namespace
 
@@ -153,6 +157,7 @@ bool TNodeExp::HasVisibleControls() const
 
 void TNodeExp::Render(TRenderer& renderer)
 {
+    Panel.SetButtonShift(GetButtonShift(renderer));
     Panel.Render(renderer);
     TRenderObjects::Render(renderer);
     for (TPort* port : Ports) {
@@ -176,4 +181,24 @@ TRenderObject* TNodeExp::HitTest(const TVector2& point)
 int TNodeExp::GetRegion(const TVector2& point) const
 {
     return FindPanelRegion(Regions, NumRegions, Panel.GetSize(), point);
+}
+
+float TNodeExp::GetButtonShift(const TRenderer& view) const
+{
+    // A picture of a type has no button to press.
+    if (Parent == nullptr || view.GetWindow() == nullptr)
+        return 0;
+    int width;
+    int height;
+    view.GetWindow()->GetSize(width, height);
+    const float end = view.PixelToWorld(width, 0)[0] - GetAbsolutePosition()[0];
+    const float least = ButtonLeft + ButtonWidth - GetSize()[0];
+    const float shift = end - GetSize()[0];
+    return shift >= 0 || least >= 0 ? 0 : shift < least ? least : shift;
+}
+
+bool TNodeExp::HitsButton(const TVector2& point, const TRenderer* view) const
+{
+    const float shift = view != nullptr ? GetButtonShift(*view) : 0.0f;
+    return GetRegion(point) == XR_CLOSE || GetRegion(point - TVector2(shift, 0)) == XR_CLOSE;
 }

@@ -51,6 +51,10 @@ public:
     TRenderObject* HitTest(const TVector2& point) override;
     bool IsFieldPanel() const override { return true; }
     int GetRegion(const TVector2& point) const;
+    // How far the close button stands from its place: it stays in a view that the panel reaches out of on the
+    // right.
+    float GetButtonShift(const TRenderer& view) const;
+    bool HitsButton(const TVector2& point, const TRenderer* view) const;
     TNodePanel& GetPanel() { return Panel; }
 
 private:

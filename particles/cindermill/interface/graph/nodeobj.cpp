@@ -345,9 +345,9 @@ bool TNodeObj::CanBypass() const
     return ToolNode->GetNodeType()->HasFlag(FL_BYPASSABLE);
 }
 
-bool TNodeObj::HitsButton(const TVector2& point) const
+bool TNodeObj::HitsButton(const TVector2& point, const TRenderer* view) const
 {
-    return Collapsed ? Body.GetRegion(point) == NR_BUTTON : Expanded.GetRegion(point) == XR_CLOSE;
+    return Collapsed ? Body.GetRegion(point) == NR_BUTTON : Expanded.HitsButton(point, view);
 }
 
 bool TNodeObj::SendToParent(int code, const TVector2& point, int detail)
@@ -407,7 +407,7 @@ bool TNodeObj::OnLeftDown(const TVector2& point)
     if (TPort* port = FindPort(point))
         return SendToParent(RE_PORTDRAG, point,
                             port->IsInput() ? port->GetIndex() : GetNumPorts(true) + port->GetIndex());
-    if (HitsButton(point)) {
+    if (HitsButton(point, GetRenderer())) {
         Scene.GetCanvas().BeginPress(*this);
         return true;
     }
@@ -426,15 +426,15 @@ void TNodeObj::ToggleBypass()
 }
 
 // The button comes up while the pointer is beside it, and goes down again when it comes back.
-void TNodeObj::FollowPress(const TVector2& point)
+void TNodeObj::FollowPress(const TVector2& point, const TRenderer* view)
 {
-    ShowPressed(HitsButton(point));
+    ShowPressed(HitsButton(point, view));
 }
 
-void TNodeObj::FinishPress(const TVector2& point)
+void TNodeObj::FinishPress(const TVector2& point, const TRenderer* view)
 {
     ReleaseButton();
-    if (!HitsButton(point))
+    if (!HitsButton(point, view))
         return;
     if (Collapsed && CanOpen())
         BuildControls();
@@ -482,7 +482,7 @@ void TNodeObj::OnHover(const TVector2& point)
             text += ": ";
             text += description;
         }
-    } else if (HitsButton(point)) {
+    } else if (HitsButton(point, GetRenderer())) {
         text = Collapsed ? "Click to show node properties" : "Click to hide node properties";
     }
     if (text.IsEmpty())

@@ -37,8 +37,8 @@ public:
     bool IsPressed() const { return MousePressed; }
     // While the mouse holds the button that opens and closes: the canvas runs the press. The point is
     // relative to the node's position.
-    void FollowPress(const TVector2& point);
-    void FinishPress(const TVector2& point);
+    void FollowPress(const TVector2& point, const TRenderer* view);
+    void FinishPress(const TVector2& point, const TRenderer* view);
     void ReleaseButton();
     // The controls of the open panel show what their parameters are now.
     void RefreshControls();
@@ -95,7 +95,8 @@ private:
     bool UpdateConnections();
     void UpdateBypass();
     void SetOpen(bool open);
-    bool HitsButton(const TVector2& point) const;
+    // In a view, where an open panel reaches out of one.
+    bool HitsButton(const TVector2& point, const TRenderer* view) const;
     bool IsInside(const TVector2& point) const;
     bool CanBypass() const;
     bool OnControlsEvent(const TRenderEvent& event);

@@ -102,6 +102,11 @@ bool IsSolid(TPanelPaint paint)
     }
 }
 
+bool IsButton(TPanelPaint paint)
+{
+    return paint == PP_BUTTON || paint == PP_BUTTONEDGE || paint == PP_GLYPH || paint == PP_GLYPHABOVE;
+}
+
 } // namespace
 
 TVector4 GetPanelTone(int tone)
@@ -289,15 +294,26 @@ void TNodePanel::Render(TRenderer& renderer)
 {
     if (Type == nullptr)
         return;
-    const float smoothness = GetNodeSmoothness(renderer.GetResolution()[1]);
+    const bool isShifted = ButtonShift != 0;
     for (int i = 0; i < Paths.size(); ++i) {
         // The veil is the last, and lies over the labels too.
         if (GetRow(i).Paint == PP_VEIL)
             RenderLabels(renderer);
-        if (Paths[i].IsClosed() && Paths[i].GetFillColour()[3] > 0)
-            Paths[i].Render(renderer, TVector2(0, 0), TVector2(1, 1), smoothness);
+        if (!isShifted || !IsButton(GetRow(i).Paint))
+            RenderPath(renderer, i, 0);
     }
     RenderTitle(renderer);
+    // It may lie over the title.
+    for (int i = 0; isShifted && i < Paths.size(); ++i)
+        if (IsButton(GetRow(i).Paint))
+            RenderPath(renderer, i, ButtonShift);
+}
+
+void TNodePanel::RenderPath(TRenderer& renderer, int i, float shift)
+{
+    if (Paths[i].IsClosed() && Paths[i].GetFillColour()[3] > 0)
+        Paths[i].Render(renderer, TVector2(shift, 0), TVector2(1, 1),
+                        GetNodeSmoothness(renderer.GetResolution()[1]));
 }
 
 void TNodePanel::RenderTitle(TRenderer& renderer) const

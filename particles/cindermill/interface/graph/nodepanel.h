@@ -119,6 +119,8 @@ public:
     void SetBypassed(bool bypassed);
     // The sign on the button is faint if there is nothing to open.
     void SetOpenable(bool openable);
+    // How far from its place the button is drawn, across.
+    void SetButtonShift(float shift) { ButtonShift = shift; }
     // From clear, 0, to solid, 1.
     void SetOpacity(float opacity);
 
@@ -135,6 +137,7 @@ private:
     void BuildPath(const TPanelPath& row, TRenderPath& path) const;
     TVector4 GetPaint(const TPanelPath& row) const;
     void Paint();
+    void RenderPath(TRenderer& renderer, int i, float shift);
     void RenderTitle(TRenderer& renderer) const;
     void RenderLabels(TRenderer& renderer) const;
 
@@ -145,6 +148,7 @@ private:
     TVector2 Size = TVector2(0, 0);
     float Split = 0.0f;
     float Opacity = 1.0f;
+    float ButtonShift = 0.0f;
     bool Selected = false;
     bool Pressed = false;
     bool Bypassed = false;

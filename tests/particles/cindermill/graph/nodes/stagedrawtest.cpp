@@ -482,6 +482,26 @@ TEST(StageDraw, AChangedTextureIsSeenInTheNextFrame)
     EXPECT_PIXEL(scene, 0.0f, 0.0f, Green);
 }
 
+TEST(StageDraw, AReloadedTextureIsSeenInTheNextFrame)
+{
+    TStageScene scene(Quad, "red.dds");
+    scene.Emit({TParticle()});
+    scene.Draw();
+    EXPECT_PIXEL(scene, 0.0f, 0.0f, Red);
+    const std::string folder = scene.Services.Folder;
+    WriteBytes(folder + "/red.dds", ReadBytes(folder + "/green.dds"));
+    scene.Draw();
+    EXPECT_PIXEL(scene, 0.0f, 0.0f, Red);
+    EXPECT_TRUE(TRenderTextureInstance::Reload((folder + "/red.dds").c_str()));
+    scene.Draw();
+    EXPECT_PIXEL(scene, 0.0f, 0.0f, Green);
+    // One that does not load leaves what there is.
+    WriteBytes(folder + "/red.dds", "no picture");
+    EXPECT_FALSE(TRenderTextureInstance::Reload((folder + "/red.dds").c_str()));
+    scene.Draw();
+    EXPECT_PIXEL(scene, 0.0f, 0.0f, Green);
+}
+
 TEST(StageDraw, ATextureGoesWithItsLastStage)
 {
     const int before = TRenderTextureInstance::GetNumCached();

@@ -97,7 +97,7 @@ TEST_F(ColourGroup, OneDragIsOneStepThoughEachMoveChangesOtherComponents)
     EXPECT_FALSE(Document.GetOperationStack()->GetPosition() > NumBefore);
 }
 
-TEST_F(ColourGroup, AfterTwoSecondsOfSilenceADragOpensAnotherStep)
+TEST_F(ColourGroup, AfterTwoSecondsOfSilenceADragMakesAnotherOperationOfItsStep)
 {
     Fold();
     Press(Place(PA_SQUARE, 0.1f, 0.9f));
@@ -107,7 +107,16 @@ TEST_F(ColourGroup, AfterTwoSecondsOfSilenceADragOpensAnotherStep)
     PassTime(2000);
     Drag(Place(PA_SQUARE, 0.5f, 0.4f));
     EXPECT_EQ(NumOps(), 2);
-    Release(Place(PA_SQUARE, 0.5f, 0.4f));
+    PassTime(2000);
+    Drag(Place(PA_SQUARE, 0.6f, 0.3f));
+    EXPECT_EQ(NumOps(), 3);
+    Release(Place(PA_SQUARE, 0.6f, 0.3f));
+    const TFloats dragged = Tint();
+    Document.Undo();
+    EXPECT_EQ(Tint(), Default);
+    EXPECT_EQ(Stack().GetPosition(), NumBefore);
+    Document.Redo();
+    EXPECT_EQ(Tint(), dragged);
 }
 
 TEST_F(ColourGroup, ASecondDragInOtherComponentsIsAnotherStep)

@@ -298,6 +298,88 @@ TEST_F(ColourPicker, EachDragHasANumberOfItsOwn)
     EXPECT_EQ(Picker.GetDrag(), 0);
 }
 
+TEST_F(ColourPicker, TheArrowKeysMoveTheMarkerOfTheAreaThatWasPressed)
+{
+    Picker.SetMode(PM_RGB);
+    PressAt(PA_SQUARE, 0.5f, 0.5f);
+    // Not during a drag.
+    Key(KEY_RIGHT);
+    ReleaseAt(PA_SQUARE, 0.5f, 0.5f);
+    EXPECT_EQ(Picker.GetKeyArea(), PA_SQUARE);
+    Set({0.5f, 0.5f, 0.6f, 1});
+    const int before = NumChanges();
+    EXPECT_TRUE(Key(KEY_RIGHT));
+    EXPECT_NEAR(Get()[0], 0.51f, 1e-6f);
+    EXPECT_TRUE(Key(KEY_LEFT));
+    EXPECT_TRUE(Key(KEY_LEFT));
+    EXPECT_NEAR(Get()[0], 0.49f, 1e-6f);
+    EXPECT_TRUE(Key(KEY_UP, KF_SHIFT));
+    EXPECT_NEAR(Get()[1], 0.501f, 1e-6f);
+    EXPECT_EQ(Get()[2], 0.6f);
+    EXPECT_EQ(Shown(1), "0.5010");
+    EXPECT_EQ(NumChanges() - before, 4);
+    EXPECT_EQ(Drags.back(), 0);
+    PressAt(PA_STRIP, 0.5f, 0.25f);
+    ReleaseAt(PA_STRIP, 0.5f, 0.25f);
+    Set({0.5f, 0.5f, 0.25f, 1});
+    EXPECT_TRUE(Key(KEY_DOWN));
+    EXPECT_NEAR(Get()[2], 0.24f, 1e-6f);
+    // A strip has one way only.
+    EXPECT_TRUE(Key(KEY_RIGHT));
+    EXPECT_NEAR(Get()[2], 0.24f, 1e-6f);
+    EXPECT_EQ(Get()[0], 0.5f);
+    PressAt(PA_ALPHA, 0.5f, 0.5f);
+    ReleaseAt(PA_ALPHA, 0.5f, 0.5f);
+    Set({0.5f, 0.5f, 0.5f, 0.5f});
+    EXPECT_TRUE(Key(KEY_UP));
+    EXPECT_NEAR(Get()[3], 0.51f, 1e-6f);
+}
+
+TEST_F(ColourPicker, TheArrowKeysStopAtTheEdgesAndSendNothingThere)
+{
+    Picker.SetMode(PM_RGB);
+    PressAt(PA_ALPHA, 0.5f, 0.5f);
+    ReleaseAt(PA_ALPHA, 0.5f, 0.5f);
+    Set({0.5f, 0.5f, 0.5f, 0.995f});
+    const int before = NumChanges();
+    Key(KEY_UP);
+    EXPECT_EQ(Get()[3], 1);
+    Key(KEY_UP);
+    EXPECT_EQ(NumChanges() - before, 1);
+    // A value outside is shown at the edge, and stays until it moves away from there.
+    Set({0.5f, 0.5f, 0.5f, 3});
+    Key(KEY_UP);
+    EXPECT_EQ(Get()[3], 3);
+    Key(KEY_DOWN);
+    EXPECT_NEAR(Get()[3], 0.99f, 1e-6f);
+    Set({0.5f, 0.5f, 0.5f, -3});
+    Key(KEY_UP);
+    EXPECT_NEAR(Get()[3], 0.01f, 1e-6f);
+}
+
+TEST_F(ColourPicker, InHslTheKeysKeepTheHueOfBlack)
+{
+    PressAt(PA_STRIP, 0.5f, 0.02f);
+    ReleaseAt(PA_STRIP, 0.5f, 0.02f);
+    const float hue = Picker.GetHsla()[0];
+    for (int i = 0; i < 5; ++i)
+        Key(KEY_DOWN);
+    EXPECT_EQ(Get(), (TFloats{0, 0, 0, 1}));
+    Key(KEY_UP);
+    EXPECT_EQ(Picker.GetHsla()[0], hue);
+    EXPECT_NEAR(Picker.GetHsla()[2], 0.01f, 1e-6f);
+}
+
+TEST_F(ColourPicker, TheKeysAreLostWithTheFocusAndTabLeadsToAField)
+{
+    EXPECT_EQ(Picker.GetKeyArea(), PA_NONE);
+    PressAt(PA_SQUARE, 0.5f, 0.5f);
+    ReleaseAt(PA_SQUARE, 0.5f, 0.5f);
+    EXPECT_TRUE(Key(KEY_TAB));
+    EXPECT_EQ(Picker.GetKeyArea(), PA_NONE);
+    EXPECT_EQ(TRenderObject::GetFocus(), &Picker.GetInput(0).GetEdit());
+}
+
 TEST_F(ColourPicker, EscapeAndALostMouseTakeADragBack)
 {
     for (const bool escape : {true, false}) {

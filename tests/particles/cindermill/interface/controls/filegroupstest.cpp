@@ -4,6 +4,7 @@
 #include "library/system/message.h"
 #include "library/system/path.h"
 #include "library/wimp/filechooser.h"
+#include "library/wimp/gl/device/rendertexturecache.h"
 #include "particles/cindermill/graph/operations/animflagsparamop.h"
 #include "particles/cindermill/graph/operations/nameparamop.h"
 #include "particles/cindermill/interface/controls/animationparametercontrols.h"
@@ -200,6 +201,20 @@ TEST_F(TextureGroup, ThePreviewHasThePicturesShape)
     PassTime();
     Pick(MakePicture("large.dds", 300, 300));
     EXPECT_EQ(Group.GetPreview().GetPictureSize(), TVector2(100, 100));
+}
+
+TEST_F(TextureGroup, ThePicturesSizeStandsBesideItAndFollowsAReload)
+{
+    EXPECT_TRUE(Group.GetShownSize().IsEmpty());
+    const std::string path = MakePicture("wide.dds", 32, 16);
+    Pick(path);
+    EXPECT_EQ(Text(Group.GetShownSize()), "32 x 16");
+    MakePicture("wide.dds", 64, 8);
+    ASSERT_TRUE(TRenderTextureCache::Reload(path.c_str()));
+    Keep(Group, "group-texture-reloaded", 520, 220);
+    EXPECT_EQ(Text(Group.GetShownSize()), "64 x 8");
+    Document.Undo();
+    EXPECT_TRUE(Group.GetShownSize().IsEmpty());
 }
 
 TEST_F(TextureGroup, AFileThatDoesNotLoadIsToldOnceAndNothingElseHappens)
@@ -441,8 +456,17 @@ TEST_F(AnimationGroup, TheNameIsCopiedPastedAndResetWithTheFlags)
     EXPECT_EQ(NumOps(), 1);
     Click(MiddleOf(Group.GetFlagBox(1)));
     EXPECT_FALSE(Group.IsDefault());
+    const std::string flags = Flags();
+    EXPECT_EQ(NumOps(), 2);
     Group.ResetValue();
     EXPECT_EQ(Name(), "");
     EXPECT_EQ(Flags(), "---");
+    EXPECT_TRUE(Group.IsDefault());
+    // Name and flags are one step.
+    EXPECT_EQ(NumOps(), 4);
+    Document.Undo();
+    EXPECT_EQ(Name(), Animation());
+    EXPECT_EQ(Flags(), flags);
+    Document.Redo();
     EXPECT_TRUE(Group.IsDefault());
 }

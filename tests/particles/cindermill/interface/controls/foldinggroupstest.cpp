@@ -280,6 +280,20 @@ TEST_F(FoldingGroups, APolytypeThatIsNoInputHasNoChoice)
     EXPECT_EQ(NumOps(), 1);
 }
 
+TEST_F(FoldingGroups, ThePartsOfAPolytypeNeverHaveOneLabel)
+{
+    auto& any = Make<TNodePolytypeParameterControls>("Any");
+    EXPECT_EQ(Text(any.GetLabel()), "Any:");
+    EXPECT_EQ(Text(any.GetValueControls()->GetLabel()), "Value:");
+    Node = Add("Constant");
+    NumBefore = Stack().GetNumOperations();
+    auto& value = Make<TNodePolytypeParameterControls>("Value");
+    EXPECT_EQ(Text(value.GetLabel()), "Value:");
+    EXPECT_EQ(Text(value.GetValueControls()->GetLabel()), "Scalar:");
+    Choose(value.GetCombo(), 1);
+    EXPECT_EQ(Text(value.GetValueControls()->GetLabel()), "Vector3:");
+}
+
 TEST_F(FoldingGroups, APolytypesTypeAndValueAreCopiedAndResetEachByItself)
 {
     auto& any = Make<TNodePolytypeParameterControls>("Any");

@@ -67,6 +67,15 @@ inline std::string MakeTypesFolder(const TTempFolder& folder)
     <code><classname>TEverything</classname></code>
 </node>
 )");
+    WriteBytes(folder.Path("constant.xml"), R"(<?xml version="1.0"?>
+<node>
+    <name>Constant</name>
+    <type>process</type>
+    <colour>red</colour>
+    <inputs><Polytype><name>Value</name><validtypes><scalar/><vector3/></validtypes></Polytype></inputs>
+    <code><classname>TConstant</classname></code>
+</node>
+)");
     WriteBytes(folder.Path("vectors.xml"), R"(<?xml version="1.0"?>
 <node>
     <name>Vectors</name>

@@ -199,10 +199,23 @@ TEST_F(RampControls, ResettingGivesTheTypesCurvesLocksAndStraightness)
     Lock(-1, 0, 0, -1);
     EXPECT_FALSE(Group().IsDefault());
     Parameter().SetLinear(true);
+    SetCurve(3, Flat(5));
     Group().ResetValue();
+    EXPECT_EQ(NumEdits(), 4);
     EXPECT_TRUE(Group().IsDefault());
     EXPECT_FALSE(Parameter().IsLinear());
     EXPECT_EQ(Parameter().GetLocks()[1], -1);
+    EXPECT_EQ(Curve(3), before);
+    // All of it is one step.
+    Document.Undo();
+    EXPECT_TRUE(Parameter().IsLinear());
+    EXPECT_EQ(Parameter().GetLocks()[1], 0);
+    EXPECT_EQ(Curve(3), Flat(5));
+    Document.Redo();
+    EXPECT_TRUE(Group().IsDefault());
+    Document.Undo();
+    Document.Undo();
+    EXPECT_EQ(Document.GetOperationStack()->GetPosition(), Start);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "scenetest.h"
 
 #include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/nodepropertiesop.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/interface/graph/nodepanel.h"
 #include "particles/cindermill/interface/graph/selboxrender.h"
@@ -98,6 +99,33 @@ TEST_F(GraphPicture, ANodeShowsItsTypesColourAndItsFace)
     EXPECT_TRUE(IsClose(At(picture, TVector2(60, 42.5f)), PixelOf(ShiftColour(own, 0.11f))));
     EXPECT_TRUE(IsClose(At(picture, TVector2(60, 52.5f)), PixelOf(ShiftColour(own, -0.06f))));
     EXPECT_TRUE(IsClose(At(picture, TVector2(100, 70)), PixelOf(GetPanelTone(PT_LIGHT))));
+}
+
+TEST_F(GraphPicture, ARenamedNodeIsDrawnByItsName)
+{
+    TToolNode* node = Add("Gravity", 40, 40);
+    LookAt(0, 0, 2);
+    // What two pictures differ in, within the title.
+    const auto differ = [&](const TPicture& a, const TPicture& b) {
+        int count = 0;
+        for (float y = 42; y < 54; y += 0.5f)
+            for (float x = 54; x < 40 + Object(node).GetSize()[0] - 16; x += 0.5f)
+                count += IsClose(At(a, TVector2(x, y)), At(b, TVector2(x, y))) ? 0 : 1;
+        return count;
+    };
+    const auto rename = [&](const char* name) {
+        TNodeProperties properties;
+        properties.Name = name;
+        Document.ApplyOperation(new TNodePropertiesOp(node, properties));
+        return Paint();
+    };
+    const TPicture before = Paint();
+    const TPicture other = rename("Droplet");
+    EXPECT_GT(differ(before, other), 50);
+    // The same picture as one of a node that always bore the name.
+    EXPECT_EQ(differ(rename("Gravity"), before), 0);
+    Document.Undo();
+    EXPECT_EQ(differ(Paint(), other), 0);
 }
 
 TEST_F(GraphPicture, LettersAreSharpAtTheOrdinaryZoomWhereverTheViewIs)

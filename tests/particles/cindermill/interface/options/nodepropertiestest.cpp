@@ -495,6 +495,17 @@ TEST_F(NodeProperties, ARenamedNodeIsNamedInErrors)
     EXPECT_EQ(Text(text), "Node \"Drops\" : is wet");
 }
 
+TEST_F(NodeProperties, ARenamedNodeIsNamedInWhatIsReportedOfTheSchedule)
+{
+    Rename("Drops");
+    TErrorList errors;
+    ASSERT_TRUE(Document().CreateSchedule(errors));
+    const std::string dump = LogOf([&] { Document().GetSchedule().Dump(); });
+    EXPECT_NE(dump.find("] Drops ("), std::string::npos);
+    EXPECT_NE(dump.find("] Gravity ("), std::string::npos);
+    EXPECT_EQ(dump.find("Sprite Render Stage"), std::string::npos);
+}
+
 TEST_F(NodeProperties, SampleFillsTheSixSides)
 {
     Loaded->Run(1);
