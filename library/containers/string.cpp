@@ -1,5 +1,7 @@
 #include "library/containers/string.h"
 
+#include "library/containers/append.h"
+
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -93,7 +95,7 @@ public:
     {
         const int opened = BracketIndex(OpenBrackets, ch);
         if (opened >= 0)
-            Open.push_back(opened);
+            Append(Open, opened);
         const int closed = BracketIndex(CloseBrackets, ch);
         if (closed >= 0 && !Open.empty() && Open.back() == closed)
             Open.pop_back();
@@ -289,7 +291,7 @@ void TString::Split(vector<TString>& result, char sep) const
         const char* end = begin;
         while (*end != 0 && *end != sep)
             ++end;
-        result.push_back(TString());
+        Append(result, TString());
         result.back().Assign(begin, end);
         begin = *end != 0 ? end + 1 : end;
     }
@@ -303,7 +305,7 @@ void TString::SplitBracketed(vector<TString>& result, char sep) const
         const char* end = begin;
         while (*end != 0 && !(*end == sep && brackets.IsEmpty()))
             brackets.Pass(*end++);
-        result.push_back(TString());
+        Append(result, TString());
         result.back().Assign(begin, end);
         result.back().Trim();
         begin = *end != 0 ? end + 1 : end;
@@ -317,7 +319,7 @@ void TString::SplitInts(vector<int>& result, char sep) const
     for (const TString& piece : pieces) {
         int value = 0;
         if (ParseInt(piece, value))
-            result.push_back(value);
+            Append(result, value);
     }
 }
 
@@ -328,7 +330,7 @@ void TString::SplitFloats(vector<float>& result, char sep) const
     for (const TString& piece : pieces) {
         float value = 0;
         if (ParseFloat(piece, value))
-            result.push_back(value);
+            Append(result, value);
     }
 }
 

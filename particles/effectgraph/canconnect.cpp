@@ -1,5 +1,6 @@
 #include "particles/effectgraph/canconnect.h"
 
+#include "library/containers/append.h"
 #include "library/containers/map.h"
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/linkedports.h"
@@ -19,8 +20,14 @@ struct TConnectionKey
         return SrcNode == other.SrcNode && SrcPort == other.SrcPort && DstNode == other.DstNode &&
                DstPort == other.DstPort;
     }
+    // Some order in which neither nodes nor ports follow each other: in the order in which they are asked
+    // for, the cache's tree would be a list.
     bool operator<(const TConnectionKey& other) const
     {
+        const uint64_t mixed = GetMixed();
+        const uint64_t otherMixed = other.GetMixed();
+        if (mixed != otherMixed)
+            return mixed < otherMixed;
         if (SrcNode != other.SrcNode)
             return reinterpret_cast<uintptr_t>(SrcNode) < reinterpret_cast<uintptr_t>(other.SrcNode);
         if (SrcPort != other.SrcPort)
@@ -28,6 +35,19 @@ struct TConnectionKey
         if (DstNode != other.DstNode)
             return reinterpret_cast<uintptr_t>(DstNode) < reinterpret_cast<uintptr_t>(other.DstNode);
         return DstPort < other.DstPort;
+    }
+
+private:
+    uint64_t GetMixed() const
+    {
+        const uint64_t parts[] = {reinterpret_cast<uintptr_t>(SrcNode), static_cast<uint64_t>(SrcPort),
+                                  reinterpret_cast<uintptr_t>(DstNode), static_cast<uint64_t>(DstPort)};
+        uint64_t mixed = 0;
+        for (uint64_t part : parts) {
+            mixed = (mixed ^ part) * uint64_t(0x9E3779B97F4A7C15u);
+            mixed ^= mixed >> 32;
+        }
+        return mixed;
     }
 };
 
@@ -48,7 +68,7 @@ static bool IsAncestor(const TEffectNode* node, const TEffectNode* target, const
 {
     TPointerMap visited;
     vector<const TEffectNode*> waiting;
-    waiting.push_back(node);
+    Append(waiting, node);
     while (!waiting.empty()) {
         const TEffectNode* next = waiting.back();
         waiting.pop_back();
@@ -59,7 +79,7 @@ static bool IsAncestor(const TEffectNode* node, const TEffectNode* target, const
             if (edge->GetSrcNode() == target)
                 return true;
             if (visited.Insert(edge->GetSrcNode()))
-                waiting.push_back(edge->GetSrcNode());
+                Append(waiting, edge->GetSrcNode());
         }
     }
     return false;
@@ -72,7 +92,7 @@ class TTypeMask
 public:
     TTypeMask(const TPortRef& port, const TEffectEdge* ignored) : Ignored(ignored)
     {
-        Waiting.push_back(port);
+        Append(Waiting, port);
         while (!Waiting.empty()) {
             const TPortRef next = Waiting.back();
             Waiting.pop_back();
@@ -85,27 +105,44 @@ private:
     void Visit(const TPortRef& port)
     {
         Mask &= GetPortTypes(port);
-        if (!IsPolytype(port))
+        // What a port that was reached before leads to was reached along with it.
+        if (!IsPolytype(port) || Reached.Has(GetIdentity(port)))
             return;
-        TLinkedPorts linked;
-        AddLinkClosure(port, linked);
-        const int numInputs = port.Node->GetNodeType()->GetNumInputs();
-        for (int input : linked.Inputs) {
-            Mask &= GetPortTypes(TPortRef(port.Node, input));
-            TEffectEdge* edge = port.Node->GetInput(input);
-            if (edge != nullptr && edge != Ignored && Visited.Insert(edge))
-                Waiting.push_back(
-                    TPortRef(edge->GetSrcNode(),
-                             edge->GetSrcNode()->GetNodeType()->GetNumInputs() + edge->GetSrcPort()));
+        vector<int> linked;
+        GetLinkClosure(port, linked);
+        for (int index : linked) {
+            const TPortRef member(port.Node, index);
+            Mask &= GetPortTypes(member);
+            Reached.Insert(GetIdentity(member));
+            if (member.IsInput())
+                FollowInput(member);
+            else
+                FollowOutput(member);
         }
-        for (int output : linked.Outputs) {
-            Mask &= GetPortTypes(TPortRef(port.Node, numInputs + output));
-            for (int i = 0; i < port.Node->GetNumOutputEdges(output); ++i) {
-                TEffectEdge* edge = port.Node->GetOutputEdge(output, i);
-                if (edge != Ignored && Visited.Insert(edge))
-                    Waiting.push_back(TPortRef(edge->GetDstNode(), edge->GetDstPort()));
-            }
+    }
+    void FollowInput(const TPortRef& port)
+    {
+        const TEffectEdge* edge = port.Node->GetInput(port.Index);
+        if (edge == nullptr || edge == Ignored || !Visited.Insert(edge))
+            return;
+        TEffectNode* source = edge->GetSrcNode();
+        Append(Waiting, TPortRef(source, source->GetNodeType()->GetNumInputs() + edge->GetSrcPort()));
+    }
+    void FollowOutput(const TPortRef& port)
+    {
+        const int output = port.GetOutputIndex();
+        for (int i = 0; i < port.Node->GetNumOutputEdges(output); ++i) {
+            const TEffectEdge* edge = port.Node->GetOutputEdge(output, i);
+            if (edge != Ignored && Visited.Insert(edge))
+                Append(Waiting, TPortRef(edge->GetDstNode(), edge->GetDstPort()));
         }
+    }
+    // An address that no other port has.
+    static const void* GetIdentity(const TPortRef& port)
+    {
+        const TNodeType& type = *port.Node->GetNodeType();
+        return port.IsInput() ? static_cast<const void*>(type.GetInput(port.Index))
+                              : &type.GetOutput(port.GetOutputIndex());
     }
     static bool IsPolytype(const TPortRef& port)
     {
@@ -117,6 +154,7 @@ private:
     const TEffectEdge* Ignored;
     uint32_t Mask = 0xFFFFFFFFu;
     TPointerMap Visited;
+    TPointerMap Reached;
     vector<TPortRef> Waiting;
 };
 

@@ -11,11 +11,16 @@ public:
     bool Write(TChunkFile* chunkFile) override;
     int GetSize() override;
 
-    // None of the four calls GraphChanged: whoever changes the graph does, once, at the end.
+    // None of these calls GraphChanged: whoever changes the graph does, once, at the end. Many nodes or edges
+    // come and go in one step: one by one each would be searched for among all.
     void AddNode(TEffectNode* node);
+    void AddNodes(const vector<TEffectNode*>& nodes);
     void RemoveNode(TEffectNode* node);
+    void RemoveNodes(const vector<TEffectNode*>& nodes);
     void AddEdge(TEffectEdge* edge);
+    void AddEdges(const vector<TEffectEdge*>& edges);
     void RemoveEdge(TEffectEdge* edge);
+    void RemoveEdges(const vector<TEffectEdge*>& edges);
 
     int GetNumNodes() const { return Nodes.size(); }
     TEffectNode* GetNode(int i) const { return Nodes[i]; }

@@ -1,5 +1,7 @@
 #include "particles/effectgraph/effectnode.h"
 
+#include "library/containers/append.h"
+
 bool TEffectNode::Read(int, int, TChunkFile* chunkFile)
 {
     uint32_t numOutputs = 0;
@@ -35,9 +37,11 @@ int TEffectNode::GetSize()
 void TEffectNode::SetPortCounts(int numInputs, int numOutputs)
 {
     Inputs.clear();
+    Inputs.reserve(numInputs);
     for (int i = 0; i < numInputs; ++i)
         Inputs.push_back(nullptr);
     Outputs.clear();
+    Outputs.reserve(numOutputs);
     for (int i = 0; i < numOutputs; ++i)
         Outputs.push_back(TOutput());
 }
@@ -51,7 +55,7 @@ void TEffectNode::SetInput(int index, TEffectEdge* edge)
 void TEffectNode::AddOutputEdge(int index, TEffectEdge* edge)
 {
     ASSERT_TEXT(index >= 0 && index < Outputs.size(), "index < Outputs.size()");
-    Outputs[index].Edges.push_back(edge);
+    Append(Outputs[index].Edges, edge);
 }
 
 void TEffectNode::RemoveOutputEdge(int index, TEffectEdge* edge)

@@ -1,5 +1,6 @@
 #include "particles/effectgraph/groupparameter.h"
 
+#include "library/containers/append.h"
 #include "library/containers/owner.h"
 #include "particles/effectgraph/nodetypefile.h"
 #include "particles/effectgraph/xmltext.h"
@@ -63,7 +64,7 @@ bool TNodeGroupParameter::ParseXml(TNodeTypeFile& file)
             return false;
         if (child == nullptr)
             break;
-        Children.push_back(child);
+        Append(Children, child);
     }
     file.Xml.LeaveTag();
     return true;
@@ -106,7 +107,7 @@ void TNodeGroupParameter::GetOwned(vector<TNodeParameter*>& result) const
 {
     for (TNodeParameter* child : Children)
         if (child != nullptr)
-            result.push_back(child);
+            Append(result, child);
 }
 
 void TNodeGroupParameter::SetValue(bool open)

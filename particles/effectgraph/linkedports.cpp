@@ -1,5 +1,6 @@
 #include "particles/effectgraph/linkedports.h"
 
+#include "library/containers/append.h"
 #include "particles/effectgraph/effectnode.h"
 #include "particles/effectgraph/polytypeparameter.h"
 
@@ -39,26 +40,41 @@ uint32_t GetPortTypes(const TPortRef& port)
     return input != nullptr ? input->GetValidTypes() : 1u << type.GetBasicInputType(port.Index);
 }
 
+void GetLinkClosure(const TPortRef& port, vector<int>& result)
+{
+    const TNodeType& type = *port.Node->GetNodeType();
+    const int numInputs = type.GetNumInputs();
+    vector<bool> isMet;
+    isMet.resize(numInputs + type.GetNumOutputs());
+    vector<int> waiting;
+    Append(waiting, port.Index);
+    while (!waiting.empty()) {
+        const int next = waiting.back();
+        waiting.pop_back();
+        if (isMet[next])
+            continue;
+        isMet[next] = true;
+        Append(result, next);
+        int linkInput = -1;
+        int linkOutput = -1;
+        GetPortLinks(TPortRef(port.Node, next), linkInput, linkOutput);
+        // What is pushed last is walked first.
+        if (linkOutput != -1)
+            Append(waiting, numInputs + linkOutput);
+        if (linkInput != -1)
+            Append(waiting, linkInput);
+    }
+}
+
 void AddLinkClosure(const TPortRef& port, TLinkedPorts& result)
 {
     const int numInputs = port.Node->GetNodeType()->GetNumInputs();
-    vector<TPortRef> waiting;
-    waiting.push_back(port);
-    while (!waiting.empty()) {
-        const TPortRef next = waiting.back();
-        waiting.pop_back();
-        set<int>& ports = next.IsInput() ? result.Inputs : result.Outputs;
-        const int index = next.IsInput() ? next.GetInputIndex() : next.GetOutputIndex();
-        if (ports.find(index) != ports.end())
-            continue;
-        ports.insert(index);
-        int linkInput = -1;
-        int linkOutput = -1;
-        GetPortLinks(next, linkInput, linkOutput);
-        // What is pushed last is walked first.
-        if (linkOutput != -1)
-            waiting.push_back(TPortRef(port.Node, numInputs + linkOutput));
-        if (linkInput != -1)
-            waiting.push_back(TPortRef(port.Node, linkInput));
+    vector<int> ports;
+    GetLinkClosure(port, ports);
+    for (int index : ports) {
+        if (index < numInputs)
+            result.Inputs.insert(index);
+        else
+            result.Outputs.insert(index - numInputs);
     }
 }

@@ -10,8 +10,10 @@ struct TLinkedPorts
     set<int> Outputs;
 };
 
-// Adds the port and all that it follows through links, depth first, the linked input before the linked
-// output. Ports of a fixed type are added, but end the walk.
+// Appends the port and all that it follows through links, by their places in TPortRef, depth first, the
+// linked input before the linked output. Ports of a fixed type are appended, but end the walk.
+void GetLinkClosure(const TPortRef& port, vector<int>& result);
+// The same into the two sets.
 void AddLinkClosure(const TPortRef& port, TLinkedPorts& result);
 
 // The links of a polytype port of the node; -1 where there is none, and for ports of a fixed type.

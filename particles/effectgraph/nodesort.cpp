@@ -1,3 +1,4 @@
+#include "library/containers/append.h"
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/pointermap.h"
 
@@ -30,8 +31,8 @@ TWiring::TWiring(const TEffectGraph& graph) : NumNodes(graph.GetNumNodes())
             const int source = edge != nullptr ? numbers.Find(edge->GetSrcNode()) : -1;
             if (source == -1)
                 continue;
-            Sources[i].push_back(source);
-            Consumers[source].push_back(i);
+            Append(Sources[i], source);
+            Append(Consumers[source], i);
         }
     }
 }
@@ -96,6 +97,10 @@ private:
 TNodeSorter::TNodeSorter(const TEffectGraph& graph, const TWiring& wiring) : Wiring(wiring)
 {
     Yielded.resize(wiring.NumNodes);
+    IsLast.reserve(wiring.NumNodes);
+    Order.reserve(wiring.NumNodes);
+    Place.reserve(wiring.NumNodes);
+    Excluded.reserve(wiring.NumNodes);
     for (int i = 0; i < wiring.NumNodes; ++i) {
         const TNodeType* type = graph.GetNode(i)->GetNodeType();
         IsLast.push_back(type != nullptr && type->HasFlag(FL_LASTHINT));
@@ -121,7 +126,7 @@ void TNodeSorter::Sort()
             finding = NOTHING;
         }
         if (finding == HINT) {
-            Yielded[Order[at]].push_back(Order[found]);
+            Append(Yielded[Order[at]], Order[found]);
             Exchange(at, found);
             // The first place is not scanned again after this.
             at = 0;

@@ -1,5 +1,6 @@
 #include "particles/effectgraph/nodetypelibrary.h"
 
+#include "library/containers/append.h"
 #include "library/system/path.h"
 #include "library/system/systemerror.h"
 #include "particles/effectgraph/error.h"
@@ -66,10 +67,10 @@ int TNodeTypeLibrary::AddItem(const TString& name, int typeIndex, int parentItem
     TNodeTypeItem item;
     item.Name = name;
     item.TypeIndex = typeIndex;
-    Items.push_back(item);
+    Append(Items, item);
     if (parentItem == -1)
-        RootItems.push_back(index);
+        Append(RootItems, index);
     else
-        Items[parentItem].Children.push_back(index);
+        Append(Items[parentItem].Children, index);
     return index;
 }

@@ -1,5 +1,6 @@
 #include "particles/effectgraph/nodetypereader.h"
 
+#include "library/containers/append.h"
 #include "library/containers/owner.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/xmltext.h"
@@ -126,7 +127,7 @@ bool TNodeTypeReader::ReadParameters(vector<TNodeParameter*>& result, bool areIn
             return false;
         if (parameter == nullptr)
             return true;
-        result.push_back(parameter);
+        Append(result, parameter);
         if (result.size() > TNodeType::MaxPorts)
             return File.Fail("More than %d parameters, inputs or outputs in node type file",
                              TNodeType::MaxPorts);
@@ -164,7 +165,7 @@ bool TNodeTypeReader::ReadOutput(int type)
         !File.ReadElement(output.Description, "Failed to read output port description tag in node type file",
                           "Output port missing description tag end in node type file"))
         return false;
-    OutputLinks.push_back(TString());
+    Append(OutputLinks, TString());
     if (type == TY_POLYTYPE) {
         if (!ReadPolytypeOutput(output))
             return false;
@@ -176,7 +177,7 @@ bool TNodeTypeReader::ReadOutput(int type)
         if (Type.Category == TU_EFFECT && !Type.Outputs.empty() && !ReadUserType(output))
             return false;
     }
-    Type.Outputs.push_back(output);
+    Append(Type.Outputs, output);
     return true;
 }
 
@@ -311,7 +312,7 @@ bool TNodeTypeReader::ReadUserType(const TOutputPort& output)
     static_cast<TNodeValueParameter*>(parameter.Get())->SetValue(floats);
     if (Type.Parameters.size() == TNodeType::MaxPorts)
         return File.Fail("More than %d parameters, inputs or outputs in node type file", TNodeType::MaxPorts);
-    Type.Parameters.push_back(parameter.Release());
+    Append(Type.Parameters, parameter.Release());
     return true;
 }
 

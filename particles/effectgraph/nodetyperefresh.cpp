@@ -1,3 +1,5 @@
+#include "library/containers/append.h"
+#include "library/containers/hashindex.h"
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/linkedports.h"
 #include "particles/effectgraph/nodetypelibrary.h"
@@ -30,15 +32,40 @@ static TNodeParameter* AddClone(const TNodeParameter& parameter, TChunkFile& chu
     return clone;
 }
 
-// The first parameter that is still there and bears the name; of the kind, unless that is -1.
-static int FindRemaining(const vector<TNodeParameter*>& parameters, const TString& name, int kind)
+// Old parameters by their names, of which each is taken once.
+class TRemaining
 {
-    for (int i = 0; i < parameters.size(); ++i)
-        if (parameters[i] != nullptr && parameters[i]->Name.Compare(name) == 0 &&
-            (kind == -1 || parameters[i]->Type == kind))
-            return i;
-    return -1;
-}
+public:
+    TRemaining(const vector<TNodeParameter*>& parameters, bool kindCounts)
+        : Parameters(parameters), KindCounts(kindCounts), Index(parameters.size())
+    {
+        for (int i = 0; i < parameters.size(); ++i)
+            Index.Add(i, Hash(*parameters[i]));
+    }
+    // The position of the first one that is left and bears the name, and is of the kind, if that counts; -1
+    // if there is none.
+    int Take(const TNodeParameter& declared)
+    {
+        const int at = Index.Find(Hash(declared), [&](int i) {
+            return Parameters[i]->Name.Compare(declared.Name) == 0 &&
+                   (!KindCounts || Parameters[i]->Type == declared.Type);
+        });
+        if (at != -1)
+            Index.Remove(at);
+        return at;
+    }
+
+private:
+    uint32_t Hash(const TNodeParameter& parameter) const
+    {
+        return HashText(parameter.Name) ^
+               (KindCounts ? HashNumber(static_cast<uint32_t>(parameter.Type)) : 0);
+    }
+
+    const vector<TNodeParameter*>& Parameters;
+    const bool KindCounts;
+    THashIndex Index;
+};
 
 void RefreshParameters(vector<TNodeParameter*>& parameters, const vector<TNodeParameter*>& wanted,
                        TChunkFile& chunkFile, TRefreshRecord& record)
@@ -46,8 +73,9 @@ void RefreshParameters(vector<TNodeParameter*>& parameters, const vector<TNodePa
     vector<TNodeParameter*> old = parameters;
     parameters.clear();
     parameters.reserve(wanted.size());
+    TRemaining remaining(old, true);
     for (const TNodeParameter* declared : wanted) {
-        const int at = FindRemaining(old, declared->Name, declared->Type);
+        const int at = remaining.Take(*declared);
         if (at == -1) {
             parameters.push_back(AddClone(*declared, chunkFile));
             continue;
@@ -100,7 +128,6 @@ private:
     TNodeParameter* KeepInput(TNodeParameter* old, const TNodeParameter& wanted);
     void RefreshOutputs();
     void SettleNewInputs() const;
-    bool AreLinked(int a, int b) const;
     TNodePolytypeParameter* GetPolytypeInput(int i) const;
 
     TEffectNode* Node;
@@ -144,23 +171,24 @@ void TNodeRefresher::RefreshInputs()
     vector<TNodeParameter*> old = Type.Inputs;
     vector<TEffectEdge*> oldEdges;
     for (int i = 0; i < Node->GetNumInputs(); ++i)
-        oldEdges.push_back(Node->GetInput(i));
+        Append(oldEdges, Node->GetInput(i));
     vector<TEffectEdge*> edges;
     InputPositions.resize(old.size());
     for (int& place : InputPositions)
         place = -1;
     Type.Inputs.clear();
+    TRemaining remaining(old, false);
     for (const TNodeParameter* wanted : Wanted.Inputs) {
-        const int at = FindRemaining(old, wanted->Name, -1);
-        IsNew.push_back(at == -1);
+        const int at = remaining.Take(*wanted);
+        Append(IsNew, at == -1);
         if (at == -1) {
-            Type.Inputs.push_back(AddClone(*wanted, ChunkFile));
-            edges.push_back(nullptr);
+            Append(Type.Inputs, AddClone(*wanted, ChunkFile));
+            Append(edges, nullptr);
             continue;
         }
         InputPositions[at] = Type.Inputs.size();
-        Type.Inputs.push_back(KeepInput(old[at], *wanted));
-        edges.push_back(oldEdges[at]);
+        Append(Type.Inputs, KeepInput(old[at], *wanted));
+        Append(edges, oldEdges[at]);
         old[at] = nullptr;
         oldEdges[at] = nullptr;
     }
@@ -187,13 +215,16 @@ void TNodeRefresher::RefreshOutputs()
     Type.Outputs = Wanted.Outputs;
     vector<vector<TEffectEdge*>> edges;
     edges.resize(Type.Outputs.size());
+    THashIndex names(old.size());
+    for (int i = 0; i < old.size(); ++i)
+        names.Add(i, HashText(old[i].Name));
     for (int i = 0; i < Type.Outputs.size(); ++i) {
         TOutputPort& output = Type.Outputs[i];
-        int at = 0;
-        while (at < old.size() && (OutputPositions[at] != -1 || old[at].Name.Compare(output.Name) != 0))
-            ++at;
-        if (at == old.size())
+        const int at =
+            names.Find(HashText(output.Name), [&](int k) { return old[k].Name.Compare(output.Name) == 0; });
+        if (at == -1)
             continue;
+        names.Remove(at);
         OutputPositions[at] = i;
         edges[i].swap(oldEdges[at]);
         const int userType = old[at].DefaultType;
@@ -216,27 +247,37 @@ TNodePolytypeParameter* TNodeRefresher::GetPolytypeInput(int i) const
     return input->Type == TY_POLYTYPE ? static_cast<TNodePolytypeParameter*>(input) : nullptr;
 }
 
-bool TNodeRefresher::AreLinked(int a, int b) const
-{
-    TLinkedPorts ofA;
-    TLinkedPorts ofB;
-    AddLinkClosure(TPortRef(Node, a), ofA);
-    AddLinkClosure(TPortRef(Node, b), ofB);
-    return ofA.Inputs.find(b) != ofA.Inputs.end() || ofB.Inputs.find(a) != ofB.Inputs.end();
-}
-
-// Inputs that are linked have one type: a new one takes that which was chosen for the others.
+// Inputs that are linked have one type: a new one takes that which was chosen for the others, the first of
+// them.
 void TNodeRefresher::SettleNewInputs() const
 {
-    for (int i = 0; i < Type.GetNumInputs(); ++i) {
+    const int numInputs = Type.GetNumInputs();
+    // By input: the first kept one that follows it; the number of inputs if none does.
+    vector<int> firstFollower;
+    firstFollower.reserve(numInputs);
+    for (int i = 0; i < numInputs; ++i)
+        firstFollower.push_back(numInputs);
+    const auto isKept = [&](int i) { return i < numInputs && !IsNew[i] && GetPolytypeInput(i) != nullptr; };
+    for (int kept = 0; kept < numInputs; ++kept) {
+        if (!isKept(kept))
+            continue;
+        vector<int> followed;
+        GetLinkClosure(TPortRef(Node, kept), followed);
+        for (int port : followed)
+            if (port < numInputs && firstFollower[port] == numInputs)
+                firstFollower[port] = kept;
+    }
+    for (int i = 0; i < numInputs; ++i) {
         if (!IsNew[i] || GetPolytypeInput(i) == nullptr)
             continue;
-        int kept = 0;
-        while (kept < Type.GetNumInputs() &&
-               (IsNew[kept] || GetPolytypeInput(kept) == nullptr || !AreLinked(i, kept)))
-            ++kept;
-        if (kept < Type.GetNumInputs())
-            GetPolytypeInput(i)->SetUserType(GetPolytypeInput(kept)->GetDefaultType());
+        int first = firstFollower[i];
+        vector<int> followed;
+        GetLinkClosure(TPortRef(Node, i), followed);
+        for (int port : followed)
+            if (isKept(port) && port < first)
+                first = port;
+        if (first < numInputs)
+            GetPolytypeInput(i)->SetUserType(GetPolytypeInput(first)->GetDefaultType());
     }
 }
 

@@ -1,3 +1,4 @@
+#include "library/containers/append.h"
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/linkedports.h"
 #include "particles/effectgraph/pointermap.h"
@@ -41,10 +42,10 @@ TPolytypeResolver::TPolytypeResolver(const TEffectGraph& graph) : NumEdges(graph
     int numPorts = 0;
     for (int i = 0; i < Nodes.size(); ++i) {
         NodeNumbers.Insert(Nodes[i], i);
-        FirstPorts.push_back(numPorts);
+        Append(FirstPorts, numPorts);
         numPorts += Nodes[i]->GetNodeType()->GetNumInputs() + Nodes[i]->GetNodeType()->GetNumOutputs();
     }
-    FirstPorts.push_back(numPorts);
+    Append(FirstPorts, numPorts);
     PortGroups.reserve(numPorts);
     for (int i = 0; i < numPorts; ++i)
         PortGroups.push_back(-1);
@@ -86,7 +87,7 @@ void TPolytypeResolver::GroupPorts(TEffectNode* node)
         int group = FindGroup(node, ports);
         if (group == -1) {
             group = Groups.size();
-            Groups.push_back(TGroup());
+            Append(Groups, TGroup());
         }
         for (int input : ports.Inputs)
             AddToGroup(group, TPortRef(node, input));
@@ -101,6 +102,13 @@ void TPolytypeResolver::AddFollowers(TEffectNode* node, TLinkedPorts& ports, vec
 {
     const int numInputs = seenInputs.size();
     const int numPorts = numInputs + seenOutputs.size();
+    // What the sets hold: they take long to ask where ports are many.
+    vector<bool> isMember;
+    isMember.resize(numPorts);
+    for (int input : ports.Inputs)
+        isMember[input] = true;
+    for (int output : ports.Outputs)
+        isMember[numInputs + output] = true;
     bool hasGrown = true;
     while (hasGrown) {
         hasGrown = false;
@@ -112,14 +120,15 @@ void TPolytypeResolver::AddFollowers(TEffectNode* node, TLinkedPorts& ports, vec
             int linkInput = -1;
             int linkOutput = -1;
             GetPortLinks(TPortRef(node, i), linkInput, linkOutput);
-            if ((linkInput == -1 || ports.Inputs.find(linkInput) == ports.Inputs.end()) &&
-                (linkOutput == -1 || ports.Outputs.find(linkOutput) == ports.Outputs.end()))
+            if ((linkInput == -1 || !isMember[linkInput]) &&
+                (linkOutput == -1 || !isMember[numInputs + linkOutput]))
                 continue;
             if (isInput)
                 ports.Inputs.insert(i);
             else
                 ports.Outputs.insert(i - numInputs);
             seen = true;
+            isMember[i] = true;
             hasGrown = true;
         }
     }
@@ -151,7 +160,7 @@ int TPolytypeResolver::FindGroup(TEffectNode* node, const TLinkedPorts& ports) c
 
 void TPolytypeResolver::AddToGroup(int group, const TPortRef& port)
 {
-    Groups[group].push_back(port);
+    Append(Groups[group], port);
     int& first = PortGroups[GetPortNumber(port.Node, port.Index)];
     if (first == -1 || group < first)
         first = group;
@@ -194,6 +203,7 @@ void TPolytypeResolver::SettleGroup(int group)
     uint32_t mask = 0xFFFFFFFFu;
     int defaultType = TY_SCALAR;
     vector<bool> isLeftOut;
+    isLeftOut.reserve(ports.size());
     for (const TPortRef& port : ports) {
         const uint32_t types = GetPortTypes(port);
         isLeftOut.push_back((mask & types) == 0);
@@ -233,7 +243,7 @@ bool TPolytypeResolver::ExtendForward(TGroup& group) const
             if (nodes.Has(edge->GetDstNode()))
                 continue;
             edge = FollowPassThrough(edge, NumEdges);
-            group.push_back(TPortRef(edge->GetDstNode(), edge->GetDstPort()));
+            Append(group, TPortRef(edge->GetDstNode(), edge->GetDstPort()));
             return true;
         }
     }
@@ -249,7 +259,7 @@ void TPolytypeResolver::ExtendBackward(TGroup& group) const
         if (edge == nullptr || nodes.Has(edge->GetSrcNode()))
             continue;
         TEffectNode* source = edge->GetSrcNode();
-        group.push_back(TPortRef(source, source->GetNodeType()->GetNumInputs() + edge->GetSrcPort()));
+        Append(group, TPortRef(source, source->GetNodeType()->GetNumInputs() + edge->GetSrcPort()));
         return;
     }
 }

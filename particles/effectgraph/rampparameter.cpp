@@ -1,5 +1,6 @@
 #include "particles/effectgraph/rampparameter.h"
 
+#include "library/containers/append.h"
 #include "particles/effectgraph/nodetype.h"
 #include "particles/effectgraph/nodetypefile.h"
 #include "particles/effectgraph/refreshrecord.h"
@@ -146,10 +147,10 @@ bool TNodeRampParameter::ParseCurve(TNodeTypeFile& file, const TString& text, ve
             const TRampPoint last = curve.back();
             if (point.X < last.X)
                 point.X = last.X;
-            curve.push_back(PointBetween(last, point, 1.0 / 3.0));
-            curve.push_back(PointBetween(last, point, 2.0 / 3.0));
+            Append(curve, PointBetween(last, point, 1.0 / 3.0));
+            Append(curve, PointBetween(last, point, 2.0 / 3.0));
         }
-        curve.push_back(point);
+        Append(curve, point);
     }
     return true;
 }

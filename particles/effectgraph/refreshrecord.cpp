@@ -67,7 +67,7 @@ void TRefreshRecord::MoveEdges(TChunkFile& chunkFile, TEffectGraph& graph)
     vector<TEffectEdge*> edges;
     for (int i = 0; i < chunkFile.GetNumChunks(); ++i)
         if (TEffectEdge* edge = dynamic_cast<TEffectEdge*>(chunkFile.GetChunkAt(i)))
-            edges.push_back(edge);
+            Append(edges, edge);
     for (TEffectEdge* edge : edges) {
         const int source = FindOutput(edge->GetSrcNode(), edge->GetSrcPort());
         const int destination = FindInput(edge->GetDstNode(), edge->GetDstPort());

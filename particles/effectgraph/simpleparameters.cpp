@@ -1,5 +1,7 @@
 #include "particles/effectgraph/simpleparameters.h"
 
+#include "library/containers/append.h"
+#include "library/containers/hashindex.h"
 #include "particles/effectgraph/nodetypefile.h"
 #include "particles/effectgraph/refreshrecord.h"
 #include "particles/effectgraph/xmltext.h"
@@ -98,7 +100,7 @@ bool TNodeEnumParameter::ParseXml(TNodeTypeFile& file)
             entry.Number = number.ToInt();
         text.Trim();
         entry.Name = text;
-        Values.push_back(entry);
+        Append(Values, entry);
     }
     // A list without a default value has walked the reader to the element's end.
     file.Xml.RewindTag();
@@ -117,20 +119,39 @@ bool TNodeEnumParameter::ParseXml(TNodeTypeFile& file)
 
 // Where an entry of another list stands in this one: what counts is its number, and its name where numbers
 // are shared or the number is gone. -1 if there is neither.
-int TNodeEnumParameter::FindEntry(const TEntry& entry) const
+class TNodeEnumParameter::TEntryFinder
 {
-    int sameNumber = -1;
-    int sameName = -1;
-    for (int i = Values.size() - 1; i >= 0; --i) {
-        const bool hasNumber = Values[i].Number == entry.Number;
-        const bool hasName = Values[i].Name.Compare(entry.Name) == 0;
-        if (hasNumber && hasName)
-            return i;
-        sameNumber = hasNumber ? i : sameNumber;
-        sameName = hasName ? i : sameName;
+public:
+    explicit TEntryFinder(const vector<TEntry>& values)
+        : Values(values), Both(values.size()), Numbers(values.size()), Names(values.size())
+    {
+        for (int i = 0; i < values.size(); ++i) {
+            const uint32_t number = HashNumber(static_cast<uint32_t>(values[i].Number));
+            const uint32_t name = HashText(values[i].Name);
+            Both.Add(i, number ^ name);
+            Numbers.Add(i, number);
+            Names.Add(i, name);
+        }
     }
-    return sameNumber != -1 ? sameNumber : sameName;
-}
+    int Find(const TEntry& entry) const
+    {
+        const auto hasNumber = [&](int i) { return Values[i].Number == entry.Number; };
+        const auto hasName = [&](int i) { return Values[i].Name.Compare(entry.Name) == 0; };
+        const uint32_t number = HashNumber(static_cast<uint32_t>(entry.Number));
+        const uint32_t name = HashText(entry.Name);
+        const int same = Both.Find(number ^ name, [&](int i) { return hasNumber(i) && hasName(i); });
+        if (same != -1)
+            return same;
+        const int sameNumber = Numbers.Find(number, hasNumber);
+        return sameNumber != -1 ? sameNumber : Names.Find(name, hasName);
+    }
+
+private:
+    const vector<TEntry>& Values;
+    THashIndex Both;
+    THashIndex Numbers;
+    THashIndex Names;
+};
 
 // Where entries of before stand elsewhere now, the positions that operations hold mean others.
 void TNodeEnumParameter::AdoptDeclaration(const TNodeParameter& declared, TChunkFile& chunkFile,
@@ -141,9 +162,10 @@ void TNodeEnumParameter::AdoptDeclaration(const TNodeParameter& declared, TChunk
     vector<TEntry> old;
     old.swap(Values);
     Values = wanted.Values;
+    const TEntryFinder finder(Values);
     int chosen = -1;
     for (int i = 0; i < old.size(); ++i) {
-        const int now = FindEntry(old[i]);
+        const int now = finder.Find(old[i]);
         chosen = i == Index ? now : chosen;
         if (now != i)
             record.SetLost(this);

@@ -49,7 +49,7 @@ public:
     const vector<TEntry>& GetValues() const { return Values; }
 
 private:
-    int FindEntry(const TEntry& entry) const;
+    class TEntryFinder;
 
     int Index = 0;
     vector<TEntry> Values;

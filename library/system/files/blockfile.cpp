@@ -1,5 +1,6 @@
 #include "library/system/files/blockfile.h"
 
+#include "library/containers/append.h"
 #include "library/containers/assertion.h"
 
 #include <bit>
@@ -28,7 +29,7 @@ TBlockFile::TBlockFile(bool byteSwap, int alignment) : Alignment(alignment), Byt
 
 void TBlockFile::BeginBlock(uint32_t source)
 {
-    Blocks.push_back(TBlock{static_cast<uint32_t>(Position), source, 0});
+    Append(Blocks, TBlock{static_cast<uint32_t>(Position), source, 0});
 }
 
 void TBlockFile::Write(const void* data, int n)
@@ -83,12 +84,12 @@ void TBlockFile::WritePointer(uint32_t source)
         WriteU32(0);
         return;
     }
-    Relocations.push_back(static_cast<uint32_t>(Position));
+    Append(Relocations, static_cast<uint32_t>(Position));
     uint32_t offset = 0;
     if (Translate(source, offset)) {
         WriteU32(offset);
     } else {
-        Patches.push_back(static_cast<uint32_t>(Position));
+        Append(Patches, static_cast<uint32_t>(Position));
         Write(&source, 4);
     }
 }

@@ -64,6 +64,7 @@ TChunkFile::~TChunkFile() noexcept
 
 bool TChunkFile::Save(const char* path, TVerify verify, void* data)
 {
+    CloseGaps();
     Failed = false;
     File.Abandon();
     if (!File.OpenWrite(path))
@@ -115,6 +116,7 @@ bool TChunkFile::WriteBodies()
 
 bool TChunkFile::Load(const char* path)
 {
+    CloseGaps();
     LastError = NoError;
     Failed = false;
     File.Abandon();
@@ -220,21 +222,47 @@ void TChunkFile::RemoveChunk(TChunk* chunk)
 {
     const int idx = FindChunk(chunk);
     ASSERT_TEXT(idx != -1, "it != Chunks.end()");
-    for (TChunk** later = Chunks.begin() + idx + 1; later != Chunks.end(); ++later)
-        --(*later)->ChunkIdx;
-    Chunks.erase(Chunks.begin() + idx);
     chunk->ChunkIdx = -1;
+    Chunks[idx] = nullptr;
+    if (NumGaps == 0 || idx < FirstGap)
+        FirstGap = idx;
+    ++NumGaps;
+    if (NumRemovals == 0)
+        CloseGaps();
+}
+
+TChunkFile::TRemoval::~TRemoval()
+{
+    if (--File.NumRemovals == 0)
+        File.CloseGaps();
+}
+
+void TChunkFile::CloseGaps()
+{
+    if (NumGaps == 0)
+        return;
+    int kept = FirstGap;
+    for (int i = kept; i < Chunks.size(); ++i) {
+        if (Chunks[i] == nullptr)
+            continue;
+        Chunks[i]->ChunkIdx = kept;
+        Chunks[kept++] = Chunks[i];
+    }
+    Chunks.resize(kept);
+    NumGaps = 0;
 }
 
 void TChunkFile::GetChunksOfClass(uint32_t nameId, vector<TChunk*>& result)
 {
+    CloseGaps();
     for (TChunk* chunk : Chunks)
         if (chunk->GetClassId() == nameId)
-            result.push_back(chunk);
+            Append(result, chunk);
 }
 
 int TChunkFile::GetFileSize()
 {
+    CloseGaps();
     int size = HeaderSize;
     for (TChunk* chunk : Chunks)
         size += chunk->GetSize() + EntrySize;
@@ -308,6 +336,7 @@ int TChunkFile::GetChunkIndex(const TChunk* chunk) const
 // walked.
 void TChunkFile::SortByDependencies()
 {
+    CloseGaps();
     const int count = Chunks.size();
     array<vector<TChunk*>> deps;
     deps.resize(count);
@@ -315,7 +344,7 @@ void TChunkFile::SortByDependencies()
     for (int i = 0; i < count; ++i) {
         Chunks[i]->GetDependencies(deps[i]);
         if (!deps[i].empty())
-            dependent.push_back(i);
+            Append(dependent, i);
     }
 
     bool changed = !dependent.empty();
@@ -356,6 +385,7 @@ void TChunkFile::DeleteChunks()
 {
     vector<TChunk*> doomed;
     doomed.swap(Chunks);
+    NumGaps = 0;
     for (TChunk* chunk : doomed)
         delete chunk;
 }

@@ -51,9 +51,30 @@ public:
     void AddChunk(TChunk* chunk);
     // Gives ownership back.
     void RemoveChunk(TChunk* chunk);
+    // Whoever removes many chunks keeps one of these meanwhile: the chunks behind move up once, at its end,
+    // and not at each removal. Until then positions have gaps.
+    class TRemoval
+    {
+    public:
+        explicit TRemoval(TChunkFile& file) : File(file) { ++File.NumRemovals; }
+        ~TRemoval();
+        TRemoval(const TRemoval&) = delete;
+        TRemoval& operator=(const TRemoval&) = delete;
+
+    private:
+        TChunkFile& File;
+    };
     void GetChunksOfClass(uint32_t nameId, vector<TChunk*>& result);
-    int GetNumChunks() const { return Chunks.size(); }
-    TChunk* GetChunkAt(int i) const { return Chunks[i]; }
+    int GetNumChunks() const
+    {
+        ASSERT(NumGaps == 0);
+        return Chunks.size();
+    }
+    TChunk* GetChunkAt(int i) const
+    {
+        ASSERT(NumGaps == 0);
+        return Chunks[i];
+    }
     // Bytes that Save would write.
     int GetFileSize();
 
@@ -122,9 +143,14 @@ private:
     bool WriteAll();
     bool WriteTable();
     bool WriteBodies();
+    void CloseGaps();
     void SortByDependencies();
     void DeleteChunks();
 
     vector<TChunk*> Chunks;
     bool Failed = false;
+    int NumRemovals = 0;
+    // Null pointers among the chunks, and where the first one stands.
+    int NumGaps = 0;
+    int FirstGap = 0;
 };

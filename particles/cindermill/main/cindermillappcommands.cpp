@@ -453,6 +453,7 @@ void TCindermillApp::CopyToClipboard(const vector<TToolNode*>& nodes)
 void TCindermillApp::PasteFromClipboard(TDocument& document, vector<TToolNode*>& nodes)
 {
     constexpr int Step = 10;
+    nodes.reserve(Clipboard.GetNodes().size());
     for (TToolNode* source : Clipboard.GetNodes()) {
         source->MoveBy(Step, Step);
         TToolNode* node = new TToolNode;

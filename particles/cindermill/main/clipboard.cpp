@@ -1,6 +1,8 @@
 #include "particles/cindermill/main/clipboard.h"
 
+#include "library/containers/append.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/effectgraph/pointermap.h"
 
 TClipboard::TClipboard() = default;
 
@@ -15,7 +17,9 @@ void TClipboard::Clear()
 void TClipboard::Copy(const vector<TToolNode*>& nodes)
 {
     Clear();
+    TPointerMap places;
     for (const TToolNode* node : nodes) {
+        places.Insert(node, Nodes.size());
         TToolNode* copy = new TToolNode;
         copy->Create(nullptr, *node->GetNodeType(), node->GetX(), node->GetY(), false);
         Nodes.push_back(copy);
@@ -25,9 +29,9 @@ void TClipboard::Copy(const vector<TToolNode*>& nodes)
             const TEffectEdge* edge = nodes[dst]->GetInput(port);
             if (edge == nullptr)
                 continue;
-            const int src = nodes.index_of(static_cast<TToolNode*>(edge->GetSrcNode()));
+            const int src = places.Find(edge->GetSrcNode());
             if (src != -1)
-                Edges.push_back(TEdge{src, edge->GetSrcPort(), dst, port});
+                Append(Edges, TEdge{src, edge->GetSrcPort(), dst, port});
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "particles/cindermill/main/document.h"
 
+#include "library/containers/append.h"
 #include "library/system/message.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
@@ -154,7 +155,7 @@ void TDocument::RefreshNodeTypes()
     for (int i = 0; i < Graph->GetNumNodes(); ++i) {
         inGraph.Insert(Graph->GetNode(i));
         if (Graph->GetNode(i)->GetNodeType()->NeedsRefresh(library))
-            stale.push_back(Graph->GetNode(i));
+            Append(stale, Graph->GetNode(i));
     }
     if (stale.empty() || !AskQuestion("%d node types need refreshing. Refresh now?", stale.size()))
         return;
@@ -163,7 +164,7 @@ void TDocument::RefreshNodeTypes()
     for (TChunk* chunk : all) {
         TToolNode* node = static_cast<TToolNode*>(chunk);
         if (!inGraph.Has(node) && node->GetNodeType()->NeedsRefresh(library))
-            stale.push_back(node);
+            Append(stale, node);
     }
     TRefreshRecord record;
     for (TEffectNode* node : stale)
@@ -301,6 +302,8 @@ void TDocument::FinishStep(bool fits)
 // addition refers to the node, which the next edit may free.
 void TDocument::DropStaleSchedule()
 {
+    if (GetSchedule().GetNumNodes() == 0)
+        return;
     TPointerMap nodes;
     for (int i = 0; i < Graph->GetNumNodes(); ++i)
         nodes.Insert(Graph->GetNode(i));
@@ -317,7 +320,7 @@ void TDocument::SelectNode(TToolNode* node, bool clearFirst)
     if (clearFirst)
         ClearSelection();
     ++Revision;
-    Selected.push_back(node);
+    Append(Selected, node);
     node->SetSelected(true);
     Listener->NodeChanged(node);
 }

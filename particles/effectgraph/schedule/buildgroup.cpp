@@ -1,5 +1,7 @@
 #include "particles/effectgraph/schedule/buildgroup.h"
 
+#include "library/containers/append.h"
+
 int TBuildGroupTable::FindKey(const TNodeSet& set) const
 {
     for (int i = 0; i < Groups.size(); ++i)
@@ -15,10 +17,10 @@ void TBuildGroupTable::GroupByKey(const vector<TNodeSet>& sets)
         int group = FindKey(sets[node]);
         if (group == -1) {
             group = Groups.size();
-            Groups.push_back(TBuildGroup());
+            Append(Groups, TBuildGroup());
             Groups[group].Emitters = sets[node];
         }
-        Groups[group].Nodes.push_back(node);
+        Append(Groups[group].Nodes, node);
         GroupOf[node] = group;
     }
 }
@@ -56,7 +58,7 @@ void TBuildGroupTable::MoveAllNodes(int from, int to)
     vector<int> nodes;
     nodes.swap(Groups[from].Nodes);
     for (const int node : Groups[to].Nodes)
-        nodes.push_back(node);
+        Append(nodes, node);
     Groups[to].Nodes.swap(nodes);
     Renumber();
 }

@@ -1,5 +1,6 @@
 #include "particles/effectgraph/schedule/effectschedule.h"
 
+#include "library/containers/append.h"
 #include "particles/effectgraph/error.h"
 #include "particles/effectgraph/schedule/schedulebuilder.h"
 
@@ -41,7 +42,7 @@ void TEffectSchedule::SizeGroups(const TScheduleBuilder& builder)
 {
     vector<int> particleCounts;
     for (int i = 0; i < Groups.size(); ++i)
-        particleCounts.push_back(builder.GetParticleCount(i));
+        Append(particleCounts, builder.GetParticleCount(i));
     for (int i = 0; i < Groups.size(); ++i) {
         Groups[i].IsTriggerGroup = builder.IsTriggerGroup(i);
         Groups[i].ParticleCount = particleCounts[i];

@@ -1,5 +1,7 @@
 #include "particles/effectgraph/schedule/emittersets.h"
 
+#include "library/containers/append.h"
+
 bool TNodeSet::Contains(int node) const
 {
     const int word = node / 32;
@@ -18,9 +20,9 @@ void TNodeSet::Add(int node)
 {
     if (Contains(node))
         return;
-    Members.push_back(node);
+    Append(Members, node);
     while (Bits.size() <= node / 32)
-        Bits.push_back(0);
+        Append(Bits, 0);
     Bits[node / 32] |= 1u << (node % 32);
 }
 
@@ -65,7 +67,7 @@ TEmitterWalk::TEmitterWalk(const TScheduleWiring& wiring, vector<TNodeSet>& sets
 void TEmitterWalk::WalkFrom(int root)
 {
     vector<TStep> pending;
-    pending.push_back(TStep{root, -1, -1});
+    Append(pending, TStep{root, -1, -1});
     while (!pending.empty()) {
         const TStep step = pending.back();
         pending.pop_back();
@@ -74,7 +76,7 @@ void TEmitterWalk::WalkFrom(int root)
             continue;
         const vector<int>& targets = Wiring.GetTargets(step.Node);
         for (int wire = targets.size() - 1; wire >= 0; --wire)
-            pending.push_back(TStep{targets[wire], step.Node, wire});
+            Append(pending, TStep{targets[wire], step.Node, wire});
     }
 }
 

@@ -1,5 +1,7 @@
 #include "particles/effectgraph/schedule/groupmerger.h"
 
+#include "library/containers/append.h"
+
 void TGroupMerger::Run()
 {
     for (int i = 0; i < Groups.size(); ++i) {
@@ -57,7 +59,7 @@ int TGroupMerger::FindWorkingNode(int start) const
     vector<bool> seen;
     seen.resize(Wiring.GetNumNodes());
     vector<int> pending;
-    pending.push_back(start);
+    Append(pending, start);
     while (!pending.empty()) {
         const int node = pending.back();
         pending.pop_back();
@@ -71,7 +73,7 @@ int TGroupMerger::FindWorkingNode(int start) const
         vector<int> targets;
         CollectTiedTargets(node, targets);
         for (int i = targets.size() - 1; i >= 0; --i)
-            pending.push_back(targets[i]);
+            Append(pending, targets[i]);
     }
     return -1;
 }
@@ -82,7 +84,7 @@ void TGroupMerger::CollectTiedTargets(int node, vector<int>& targets) const
     for (const int output : Wiring.GetTiedOutputs(node))
         if (output != -1)
             for (int n = 0; n < effectNode->GetNumOutputEdges(output); ++n)
-                targets.push_back(Wiring.Find(effectNode->GetOutputEdge(output, n)->GetDstNode()));
+                Append(targets, Wiring.Find(effectNode->GetOutputEdge(output, n)->GetDstNode()));
 }
 
 // The one other group that takes what the node makes, directly or through nodes of its own group; -1 if there
@@ -93,7 +95,7 @@ int TGroupMerger::FindOnlyConsumer(int start, int from) const
     vector<bool> seen;
     seen.resize(Wiring.GetNumNodes());
     vector<int> pending;
-    pending.push_back(start);
+    Append(pending, start);
     while (!pending.empty()) {
         const int node = pending.back();
         pending.pop_back();
@@ -101,7 +103,7 @@ int TGroupMerger::FindOnlyConsumer(int start, int from) const
             const int group = Groups.GetGroupOf(target);
             if (group == from) {
                 if (!seen[target])
-                    pending.push_back(target);
+                    Append(pending, target);
                 seen[target] = true;
             } else if (group != -1 && group != only && !Wiring.IsEmitter(target)) {
                 if (only != -1)
@@ -124,7 +126,7 @@ void TGroupMerger::MoveNode(int start, int from, int to)
     };
     vector<TStep> open;
     Groups.RemoveNode(start);
-    open.push_back(TStep{start, 0});
+    Append(open, TStep{start, 0});
     while (!open.empty()) {
         TStep& step = open.back();
         const vector<int>& targets = Wiring.GetTargets(step.Node);
@@ -136,7 +138,7 @@ void TGroupMerger::MoveNode(int start, int from, int to)
         const int target = targets[step.NextTarget++];
         if (Groups.GetGroupOf(target) == from) {
             Groups.RemoveNode(target);
-            open.push_back(TStep{target, 0});
+            Append(open, TStep{target, 0});
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "particles/effectgraph/schedule/schedulebuilder.h"
 
+#include "library/containers/append.h"
 #include "particles/effectgraph/schedule/groupmerger.h"
 #include "particles/effectgraph/schedule/nodelifetime.h"
 #include "particles/effectgraph/simpleparameters.h"
@@ -156,7 +157,7 @@ void TScheduleBuilder::ExpandGroups()
             continue;
         vector<TEffectNode*> nodes;
         for (const int node : Groups[i].Nodes)
-            nodes.push_back(Wiring.GetNode(node));
+            Append(nodes, Wiring.GetNode(node));
         vector<TEffectNode*> terminals;
         CollectTerminals(i, terminals);
         TTiedGroup& tied = Expansions[position++];
@@ -170,7 +171,7 @@ void TScheduleBuilder::CollectTerminals(int group, vector<TEffectNode*>& termina
 {
     for (const int node : Groups[group].Nodes)
         if (!FeedsGroup(node, group))
-            terminals.push_back(Wiring.GetNode(node));
+            Append(terminals, Wiring.GetNode(node));
 }
 
 bool TScheduleBuilder::FeedsGroup(int node, int group) const

@@ -1,5 +1,7 @@
 #include "particles/effectgraph/schedule/schedulewiring.h"
 
+#include "library/containers/append.h"
+
 TScheduleWiring::TScheduleWiring(const vector<TEffectNode*>& nodes) : Nodes(nodes)
 {
     for (int i = 0; i < nodes.size(); ++i)
@@ -35,9 +37,9 @@ void TScheduleWiring::CollectWires(const TEffectNode* node, TWires& wires) const
 {
     for (int p = 0; p < node->GetNumInputs(); ++p) {
         ASSERT(node->GetInput(p) == nullptr || node->GetInput(p)->GetSrcNode() != nullptr);
-        wires.TiedOutputs.push_back(node->GetNodeType()->GetTiedOutput(p));
+        Append(wires.TiedOutputs, node->GetNodeType()->GetTiedOutput(p));
     }
     for (int o = 0; o < node->GetNumOutputs(); ++o)
         for (int n = 0; n < node->GetNumOutputEdges(o); ++n)
-            wires.Targets.push_back(Find(node->GetOutputEdge(o, n)->GetDstNode()));
+            Append(wires.Targets, Find(node->GetOutputEdge(o, n)->GetDstNode()));
 }

@@ -66,7 +66,7 @@ int TTiedGroupBuilder::AddTiedNode(TEffectNode* node)
     record.Resolved.resize(node->GetNumInputs());
     const int index = Tied.TiedNodes.size();
     Append(Tied.TiedNodes, record);
-    Tied.Frontier.push_back(index);
+    Append(Tied.Frontier, index);
     return index;
 }
 
@@ -77,7 +77,7 @@ int TTiedGroupBuilder::AddInputAttribute(TEffectNode* node, int port, bool exter
     attribute.Port = port;
     attribute.InputPort = node->GetNodeType()->GetInput(port);
     attribute.External = external;
-    Tied.Attributes.push_back(attribute);
+    Append(Tied.Attributes, attribute);
     return Tied.Attributes.size() - 1;
 }
 
@@ -87,7 +87,7 @@ int TTiedGroupBuilder::AddOutputAttribute(TEffectNode* node, int port)
     attribute.Node = node;
     attribute.Port = EncodeOutputPort(port);
     attribute.External = true;
-    Tied.Attributes.push_back(attribute);
+    Append(Tied.Attributes, attribute);
     return Tied.Attributes.size() - 1;
 }
 
@@ -95,13 +95,13 @@ void TTiedGroupBuilder::EnterExternalInput(TEffectEdge* edge, int attribute)
 {
     for (TExternalInput& entry : Tied.ExternalInputs)
         if (entry.Edge == edge) {
-            entry.Attributes.push_back(attribute);
+            Append(entry.Attributes, attribute);
             return;
         }
     TExternalInput entry;
     entry.Edge = edge;
-    entry.Attributes.push_back(attribute);
-    Tied.ExternalInputs.push_back(entry);
+    Append(entry.Attributes, attribute);
+    Append(Tied.ExternalInputs, entry);
 }
 
 void TTiedGroupBuilder::EnterExternalOutput(TEffectEdge* edge, int attribute)
@@ -111,7 +111,7 @@ void TTiedGroupBuilder::EnterExternalOutput(TEffectEdge* edge, int attribute)
             entry.Attribute = attribute;
             return;
         }
-    Tied.ExternalOutputs.push_back(TExternalOutput{edge, attribute});
+    Append(Tied.ExternalOutputs, TExternalOutput{edge, attribute});
 }
 
 void TTiedGroupBuilder::AddTerminal(TEffectNode* node)
@@ -179,7 +179,7 @@ void TTiedGroupBuilder::TracePorts(int consumer, const TEffectNode* source, vect
         if (edge == nullptr || edge->GetSrcNode() != source)
             continue;
         user.Resolved[p] = true;
-        ports.push_back(TTracedPort{p, edge->GetSrcPort(), Tied.Attributes[user.Inputs[p]].Written});
+        Append(ports, TTracedPort{p, edge->GetSrcPort(), Tied.Attributes[user.Inputs[p]].Written});
     }
 }
 

@@ -35,56 +35,63 @@ bool TAddGraphNodesOp::Check() const
 // The edges of the nodes run among them, and go where the nodes go.
 bool TAddGraphNodesOp::Fits(const TEffectGraph& graph, bool undo) const
 {
+    TMembers members(graph);
+    if (!members.AddSources(Nodes))
+        return false;
+    TPointerMap nodes;
+    Enter(Nodes, nodes);
     for (TToolNode* node : Nodes) {
         vector<TEffectEdge*> edges;
         GetEdges(*node, edges);
-        if (IsIn(graph, node) != undo)
+        if (members.Has(node) != undo)
             return false;
         for (const TEffectEdge* edge : edges)
-            if (IsIn(graph, edge) != undo || !IsAtSource(*edge) || !IsAtDestination(*edge) ||
-                Nodes.index_of(ToolNode(edge->GetSrcNode())) == -1 ||
-                Nodes.index_of(ToolNode(edge->GetDstNode())) == -1)
+            if (members.Has(edge) != undo || !members.IsAtSource(*edge) || !IsAtDestination(*edge) ||
+                !nodes.Has(edge->GetSrcNode()) || !nodes.Has(edge->GetDstNode()))
                 return false;
     }
     return true;
 }
 
-void TAddGraphNodesOp::GetMade(vector<TChunk*>& result) const
+vector<TEffectEdge*> TAddGraphNodesOp::GetEntering() const
 {
-    AppendAll(Nodes, result);
+    vector<TEffectEdge*> edges;
     for (const TToolNode* node : Nodes)
         for (int i = 0; i < node->GetNumInputs(); ++i)
             if (node->GetInput(i) != nullptr)
-                result.push_back(node->GetInput(i));
+                Append(edges, node->GetInput(i));
+    return edges;
+}
+
+void TAddGraphNodesOp::GetMade(vector<TChunk*>& result) const
+{
+    AppendAll(Nodes, result);
+    AppendAll(GetEntering(), result);
 }
 
 void TAddGraphNodesOp::Do(TEditContext& doc)
 {
+    doc.GetGraph()->AddNodes(AsVectorOf<TEffectNode>(Nodes));
     for (TToolNode* node : Nodes) {
-        InsertNode(doc, node);
-        for (int i = 0; i < node->GetNumInputs(); ++i) {
-            if (node->GetInput(i) == nullptr)
-                continue;
-            TToolEdge* edge = static_cast<TToolEdge*>(node->GetInput(i));
-            doc.GetListener().EdgeAdded(edge);
-            doc.GetGraph()->AddEdge(edge);
-        }
+        ShowNode(doc, node);
+        for (int i = 0; i < node->GetNumInputs(); ++i)
+            if (node->GetInput(i) != nullptr)
+                doc.GetListener().EdgeAdded(static_cast<TToolEdge*>(node->GetInput(i)));
     }
+    doc.GetGraph()->AddEdges(GetEntering());
     FinishGraphChange(doc);
 }
 
 void TAddGraphNodesOp::Undo(TEditContext& doc)
 {
     for (TToolNode* node : Nodes) {
-        RemoveNode(doc, node);
-        for (int i = 0; i < node->GetNumInputs(); ++i) {
-            if (node->GetInput(i) == nullptr)
-                continue;
-            TToolEdge* edge = static_cast<TToolEdge*>(node->GetInput(i));
-            doc.GetListener().EdgeRemoved(edge);
-            doc.GetGraph()->RemoveEdge(edge);
-        }
+        HideNode(doc, node);
+        for (int i = 0; i < node->GetNumInputs(); ++i)
+            if (node->GetInput(i) != nullptr)
+                doc.GetListener().EdgeRemoved(static_cast<TToolEdge*>(node->GetInput(i)));
     }
+    doc.GetGraph()->RemoveNodes(AsVectorOf<TEffectNode>(Nodes));
+    doc.GetGraph()->RemoveEdges(GetEntering());
     FinishGraphChange(doc);
 }
 

@@ -2,6 +2,7 @@
 
 #include "particles/cindermill/graph/operations/operation.h"
 
+class TEffectEdge;
 class TToolNode;
 
 // Adds the nodes that a paste made, with the edges between them.
@@ -22,5 +23,8 @@ public:
     void GetMade(vector<TChunk*>& result) const override;
 
 private:
+    // The edges at the nodes' inputs.
+    vector<TEffectEdge*> GetEntering() const;
+
     vector<TToolNode*> Nodes;
 };

@@ -6,31 +6,17 @@
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/effectgraph/refreshrecord.h"
 
+// The edges of each node, those that leave it first, each once.
 TDeleteGraphNodeOp::TDeleteGraphNodeOp(const vector<TToolNode*>& nodes) : Nodes(nodes)
 {
-    for (TToolNode* node : Nodes) {
-        for (int i = 0; i < node->GetNumOutputs(); ++i)
-            for (int n = 0; n < node->GetNumOutputEdges(i); ++n)
-                GatherEdge(node->GetOutputEdge(i, n));
-        for (int i = 0; i < node->GetNumInputs(); ++i)
-            if (node->GetInput(i) != nullptr)
-                GatherEdge(node->GetInput(i));
+    TPointerMap seen;
+    for (const TToolNode* node : Nodes) {
+        vector<TEffectEdge*> edges;
+        GetEdges(*node, edges);
+        for (TEffectEdge* edge : edges)
+            if (seen.Insert(edge))
+                Append(Edges, static_cast<TToolEdge*>(edge));
     }
-}
-
-void TDeleteGraphNodeOp::GatherEdge(TEffectEdge* edge)
-{
-    TToolEdge* toolEdge = static_cast<TToolEdge*>(edge);
-    if (Edges.find(toolEdge) == Edges.end())
-        Edges.push_back(toolEdge);
-}
-
-bool TDeleteGraphNodeOp::Holds(const TEffectNode* node) const
-{
-    for (const TToolNode* held : Nodes)
-        if (held == node)
-            return true;
-    return false;
 }
 
 bool TDeleteGraphNodeOp::Read(int size, int version, TChunkFile* chunkFile)
@@ -55,64 +41,77 @@ bool TDeleteGraphNodeOp::Fits(const TEffectGraph& graph, bool undo) const
     return undo ? FitsUndo(graph) : FitsDo(graph);
 }
 
-// The list of edges is that of the nodes' ports, no more and no less.
-bool TDeleteGraphNodeOp::FitsDo(const TEffectGraph& graph) const
+// Whether all edges at the nodes are in the list.
+bool TDeleteGraphNodeOp::HoldsEdgesOfNodes() const
 {
+    TPointerMap listed;
+    Enter(Edges, listed);
     for (const TToolNode* node : Nodes) {
         vector<TEffectEdge*> edges;
         GetEdges(*node, edges);
-        if (!IsIn(graph, node))
-            return false;
-        for (TEffectEdge* edge : edges)
-            if (Edges.index_of(static_cast<TToolEdge*>(edge)) == -1)
+        for (const TEffectEdge* edge : edges)
+            if (!listed.Has(edge))
                 return false;
     }
-    for (const TToolEdge* edge : Edges)
-        if (!IsIn(graph, edge) || (!Holds(edge->GetSrcNode()) && !Holds(edge->GetDstNode())))
-            return false;
     return true;
+}
+
+// The list of edges is that of the nodes' ports, no more and no less.
+bool TDeleteGraphNodeOp::FitsDo(const TEffectGraph& graph) const
+{
+    const TMembers members(graph);
+    TPointerMap held;
+    Enter(Nodes, held);
+    for (const TToolNode* node : Nodes)
+        if (!members.Has(node))
+            return false;
+    for (const TToolEdge* edge : Edges)
+        if (!members.Has(edge) || (!held.Has(edge->GetSrcNode()) && !held.Has(edge->GetDstNode())))
+            return false;
+    return HoldsEdgesOfNodes();
 }
 
 // An edge stands in the ports of the deleted nodes, and can come back to those of the others.
 bool TDeleteGraphNodeOp::FitsUndo(const TEffectGraph& graph) const
 {
-    for (const TToolNode* node : Nodes) {
-        vector<TEffectEdge*> edges;
-        GetEdges(*node, edges);
-        if (IsIn(graph, node))
+    TMembers members(graph);
+    TPointerMap held;
+    Enter(Nodes, held);
+    if (!members.AddSources(Nodes))
+        return false;
+    for (const TToolNode* node : Nodes)
+        if (members.Has(node))
             return false;
-        for (TEffectEdge* edge : edges)
-            if (Edges.index_of(static_cast<TToolEdge*>(edge)) == -1)
-                return false;
-    }
-    for (int i = 0; i < Edges.size(); ++i) {
-        const TToolEdge* edge = Edges[i];
-        const bool holdsSource = Holds(edge->GetSrcNode());
-        const bool holdsDestination = Holds(edge->GetDstNode());
-        if (IsIn(graph, edge) || (!holdsSource && !holdsDestination))
+    // The inputs that edges come back to, by their parameters.
+    TPointerMap inputs;
+    for (const TToolEdge* edge : Edges) {
+        const bool holdsSource = held.Has(edge->GetSrcNode());
+        const bool holdsDestination = held.Has(edge->GetDstNode());
+        if (members.Has(edge) || (!holdsSource && !holdsDestination))
             return false;
         if (holdsSource
-                ? !IsAtSource(*edge)
-                : !HasOutput(edge->GetSrcNode(), edge->GetSrcPort()) || !IsIn(graph, edge->GetSrcNode()))
+                ? !members.IsAtSource(*edge)
+                : !HasOutput(edge->GetSrcNode(), edge->GetSrcPort()) || !members.Has(edge->GetSrcNode()))
             return false;
         if (holdsDestination
                 ? !IsAtDestination(*edge)
-                : !HasInput(edge->GetDstNode(), edge->GetDstPort()) || !IsIn(graph, edge->GetDstNode()) ||
+                : !HasInput(edge->GetDstNode(), edge->GetDstPort()) || !members.Has(edge->GetDstNode()) ||
                       edge->GetDstNode()->GetInput(edge->GetDstPort()) != nullptr)
             return false;
-        for (int k = 0; k < i; ++k)
-            if (Edges[k]->GetDstNode() == edge->GetDstNode() && Edges[k]->GetDstPort() == edge->GetDstPort())
-                return false;
+        if (!inputs.Insert(edge->GetDstNode()->GetNodeType()->GetInput(edge->GetDstPort())))
+            return false;
     }
-    return true;
+    return HoldsEdgesOfNodes();
 }
 
 // The nodes can come back without the edges whose ports are gone.
 TAdaption TDeleteGraphNodeOp::AdaptTo(const TRefreshRecord& record)
 {
-    for (int i = Edges.size() - 1; i >= 0; --i)
-        if (record.IsLost(Edges[i]))
-            Edges.erase(Edges.begin() + i);
+    int kept = 0;
+    for (TToolEdge* edge : Edges)
+        if (!record.IsLost(edge))
+            Edges[kept++] = edge;
+    Edges.resize(kept);
     return AD_FITS;
 }
 
@@ -124,43 +123,47 @@ void TDeleteGraphNodeOp::GetUsed(vector<TChunk*>& result) const
 
 void TDeleteGraphNodeOp::Do(TEditContext& doc)
 {
+    TPointerMap held;
+    Enter(Nodes, held);
     for (TToolNode* node : Nodes)
-        RemoveNode(doc, node);
+        HideNode(doc, node);
     for (TToolEdge* edge : Edges) {
         doc.GetListener().EdgeRemoved(edge);
-        doc.GetGraph()->RemoveEdge(edge);
-        if (!Holds(edge->GetSrcNode())) {
+        if (!held.Has(edge->GetSrcNode())) {
             edge->DetachSource();
             doc.GetListener().NodeChanged(ToolNode(edge->GetSrcNode()));
         }
-        if (!Holds(edge->GetDstNode())) {
+        if (!held.Has(edge->GetDstNode())) {
             edge->DetachDestination();
             doc.GetListener().NodeChanged(ToolNode(edge->GetDstNode()));
         }
     }
+    doc.GetGraph()->RemoveNodes(AsVectorOf<TEffectNode>(Nodes));
+    doc.GetGraph()->RemoveEdges(AsVectorOf<TEffectEdge>(Edges));
     FinishGraphChange(doc);
 }
 
 void TDeleteGraphNodeOp::Undo(TEditContext& doc)
 {
+    TPointerMap held;
+    Enter(Nodes, held);
     for (TToolNode* node : Nodes) {
         node->Attach(&doc);
-        doc.GetListener().NodeAdded(node);
-        doc.GetGraph()->AddNode(node);
-        node->Added(&doc);
+        ShowNode(doc, node);
     }
     for (TToolEdge* edge : Edges) {
         doc.GetListener().EdgeMoved(edge);
         doc.GetListener().EdgeAdded(edge);
-        doc.GetGraph()->AddEdge(edge);
-        if (!Holds(edge->GetSrcNode())) {
+        if (!held.Has(edge->GetSrcNode())) {
             edge->AttachSource();
             doc.GetListener().NodeChanged(ToolNode(edge->GetSrcNode()));
         }
-        if (!Holds(edge->GetDstNode())) {
+        if (!held.Has(edge->GetDstNode())) {
             edge->AttachDestination();
             doc.GetListener().NodeChanged(ToolNode(edge->GetDstNode()));
         }
     }
+    doc.GetGraph()->AddNodes(AsVectorOf<TEffectNode>(Nodes));
+    doc.GetGraph()->AddEdges(AsVectorOf<TEffectEdge>(Edges));
     FinishGraphChange(doc);
 }

@@ -2,8 +2,6 @@
 
 #include "particles/cindermill/graph/operations/operation.h"
 
-class TEffectEdge;
-class TEffectNode;
 class TToolEdge;
 class TToolNode;
 
@@ -26,8 +24,7 @@ public:
     void GetUsed(vector<TChunk*>& result) const override;
 
 private:
-    bool Holds(const TEffectNode* node) const;
-    void GatherEdge(TEffectEdge* edge);
+    bool HoldsEdgesOfNodes() const;
     bool FitsDo(const TEffectGraph& graph) const;
     bool FitsUndo(const TEffectGraph& graph) const;
 

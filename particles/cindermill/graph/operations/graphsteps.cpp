@@ -15,19 +15,29 @@ void FinishGraphChange(TEditContext& doc)
     doc.RedrawWindows();
 }
 
-void InsertNode(TEditContext& doc, TToolNode* node)
+void ShowNode(TEditContext& doc, TToolNode* node)
 {
-    doc.GetGraph()->AddNode(node);
     doc.GetListener().NodeAdded(node);
     node->Added(&doc);
 }
 
-void RemoveNode(TEditContext& doc, TToolNode* node)
+void HideNode(TEditContext& doc, TToolNode* node)
 {
     doc.DeselectNode(node);
     doc.GetListener().NodeRemoved(node);
-    doc.GetGraph()->RemoveNode(node);
     node->Removed(&doc);
+}
+
+void InsertNode(TEditContext& doc, TToolNode* node)
+{
+    doc.GetGraph()->AddNode(node);
+    ShowNode(doc, node);
+}
+
+void RemoveNode(TEditContext& doc, TToolNode* node)
+{
+    HideNode(doc, node);
+    doc.GetGraph()->RemoveNode(node);
 }
 
 static void TouchEnds(TEditContext& doc, const TToolEdge& edge)
@@ -56,7 +66,8 @@ void RemoveEdge(TEditContext& doc, TToolEdge* edge)
 
 bool IsIn(const TEffectGraph& graph, const TEffectNode* node)
 {
-    for (int i = 0; i < graph.GetNumNodes(); ++i)
+    // The last first, as in RemoveNode.
+    for (int i = graph.GetNumNodes() - 1; i >= 0; --i)
         if (graph.GetNode(i) == node)
             return true;
     return false;
@@ -64,10 +75,37 @@ bool IsIn(const TEffectGraph& graph, const TEffectNode* node)
 
 bool IsIn(const TEffectGraph& graph, const TEffectEdge* edge)
 {
-    for (int i = 0; i < graph.GetNumEdges(); ++i)
+    for (int i = graph.GetNumEdges() - 1; i >= 0; --i)
         if (graph.GetEdge(i) == edge)
             return true;
     return false;
+}
+
+TMembers::TMembers(const TEffectGraph& graph)
+{
+    for (int i = 0; i < graph.GetNumNodes(); ++i)
+        Nodes.Insert(graph.GetNode(i));
+    for (int i = 0; i < graph.GetNumEdges(); ++i)
+        Edges.Insert(graph.GetEdge(i));
+}
+
+bool TMembers::AddSources(const vector<TToolNode*>& nodes)
+{
+    for (TToolNode* node : nodes)
+        for (int i = 0; i < node->GetNumOutputs(); ++i) {
+            for (int n = 0; n < node->GetNumOutputEdges(i); ++n)
+                if (node->GetOutputEdge(i, n) == nullptr ||
+                    !Listed.Insert(node->GetOutputEdge(i, n), Outputs.size()))
+                    return false;
+            Append(Outputs, TPortRef(node, i));
+        }
+    return true;
+}
+
+bool TMembers::IsAtSource(const TEffectEdge& edge) const
+{
+    const int output = Listed.Find(&edge);
+    return output != -1 && Outputs[output] == TPortRef(edge.GetSrcNode(), edge.GetSrcPort());
 }
 
 bool HasOutput(const TEffectNode* node, int port)
@@ -101,10 +139,10 @@ void GetEdges(const TEffectNode& node, vector<TEffectEdge*>& result)
 {
     for (int i = 0; i < node.GetNumOutputs(); ++i)
         for (int n = 0; n < node.GetNumOutputEdges(i); ++n)
-            result.push_back(node.GetOutputEdge(i, n));
+            Append(result, node.GetOutputEdge(i, n));
     for (int i = 0; i < node.GetNumInputs(); ++i)
         if (node.GetInput(i) != nullptr)
-            result.push_back(node.GetInput(i));
+            Append(result, node.GetInput(i));
 }
 
 bool IsUnconnected(const TEffectNode& node)

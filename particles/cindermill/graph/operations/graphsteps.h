@@ -1,11 +1,13 @@
 #pragma once
 
+#include "library/containers/append.h"
 #include "particles/cindermill/graph/operations/operation.h"
+#include "particles/effectgraph/nodetype.h"
+#include "particles/effectgraph/pointermap.h"
 
 class TEditContext;
 class TEffectEdge;
 class TEffectGraph;
-class TEffectNode;
 class TToolEdge;
 class TToolNode;
 
@@ -15,6 +17,9 @@ TToolNode* ToolNode(TEffectNode* node);
 // Into the graph and the view, and out of them and the selection. The node's edges are the caller's.
 void InsertNode(TEditContext& doc, TToolNode* node);
 void RemoveNode(TEditContext& doc, TToolNode* node);
+// The same but for the graph, for whoever adds and removes many there in one step.
+void ShowNode(TEditContext& doc, TToolNode* node);
+void HideNode(TEditContext& doc, TToolNode* node);
 // The same, with the ports at both ends.
 void InsertEdge(TEditContext& doc, TToolEdge* edge);
 void RemoveEdge(TEditContext& doc, TToolEdge* edge);
@@ -23,10 +28,32 @@ void FinishGraphChange(TEditContext& doc);
 
 // What they ask before they rely on a history from a file.
 
+// Each looks the graph through; TMembers is for many questions.
 bool IsIn(const TEffectGraph& graph, const TEffectNode* node);
 bool IsIn(const TEffectGraph& graph, const TEffectEdge* edge);
 bool HasOutput(const TEffectNode* node, int port);
 bool HasInput(const TEffectNode* node, int port);
+// What is in a graph now, and which outputs of nodes list which edges.
+class TMembers
+{
+public:
+    explicit TMembers(const TEffectGraph& graph);
+    // False if the lists of the nodes' outputs have an empty place or hold an edge twice.
+    bool AddSources(const vector<TToolNode*>& nodes);
+
+    bool Has(const TEffectNode* node) const { return Nodes.Has(node); }
+    bool Has(const TEffectEdge* edge) const { return Edges.Has(edge); }
+    // Whether the edge's source, one of those that were added, lists it.
+    bool IsAtSource(const TEffectEdge& edge) const;
+
+private:
+    TPointerMap Nodes;
+    TPointerMap Edges;
+    // The port of the output that lists the edge, of whichever node; by edge.
+    TPointerMap Listed;
+    vector<TPortRef> Outputs;
+};
+
 // Whether the output's list holds the edge, once.
 bool IsAtSource(const TEffectEdge& edge);
 bool IsAtDestination(const TEffectEdge& edge);
@@ -36,13 +63,21 @@ bool IsUnconnected(const TEffectNode& node);
 // Whether the edge, which is out of the graph, may come into it.
 bool CanInsertEdge(const TEffectGraph& graph, const TEffectEdge& edge);
 
+// The pointers, none of which is null, for asking whether one is among them; false if one occurs twice.
+template <class T>
+bool Enter(const vector<T*>& pointers, TPointerMap& map)
+{
+    bool once = true;
+    for (const T* pointer : pointers)
+        once = map.Insert(pointer) && once;
+    return once;
+}
+
 template <class T>
 bool HasTwice(const vector<T*>& pointers)
 {
-    for (int i = 0; i < pointers.size(); ++i)
-        if (pointers.index_of(pointers[i]) != i)
-            return true;
-    return false;
+    TPointerMap map;
+    return !Enter(pointers, map);
 }
 
 template <class T>
@@ -54,6 +89,18 @@ bool HasNull(const vector<T*>& pointers)
 template <class T>
 void AppendAll(const vector<T*>& pointers, vector<TChunk*>& result)
 {
+    MakeRoom(result, pointers.size());
     for (T* pointer : pointers)
         result.push_back(pointer);
+}
+
+// The same objects by a base of their class.
+template <class TBase, class T>
+vector<TBase*> AsVectorOf(const vector<T*>& pointers)
+{
+    vector<TBase*> result;
+    result.reserve(pointers.size());
+    for (T* pointer : pointers)
+        result.push_back(pointer);
+    return result;
 }

@@ -1,5 +1,6 @@
 #include "particles/cindermill/graph/operations/operationstack.h"
 
+#include "library/containers/append.h"
 #include "library/system/clock.h"
 #include "particles/cindermill/graph/operations/editcontext.h"
 #include "particles/cindermill/graph/operations/historycheck.h"
@@ -28,14 +29,15 @@ void TOperationStack::DropTail(TEditContext& doc, int first)
     if (first >= Operations.size())
         return;
     const bool discards = !IsFromFile || CanFreeTail(*this, first, *doc.GetGraph(), doc.GetChunks());
-    while (first < Operations.size()) {
-        TOperation* op = Operations[first];
+    const TChunkFile::TRemoval removal(doc.GetChunks());
+    for (int i = first; i < Operations.size(); ++i) {
+        TOperation* op = Operations[i];
         doc.GetChunks().RemoveChunk(op);
         if (discards)
             op->Discard(doc);
         delete op;
-        Operations.erase(Operations.begin() + first);
     }
+    Operations.resize(first);
 }
 
 // What the operation made or removed stays where it is.
@@ -44,7 +46,6 @@ void TOperationStack::DropOne(TEditContext& doc, int i)
     TOperation* op = Operations[i];
     doc.GetChunks().RemoveChunk(op);
     delete op;
-    Operations.erase(Operations.begin() + i);
 }
 
 // A number that no operation has.
@@ -108,7 +109,7 @@ void TOperationStack::Apply(TEditContext& doc, TOperation* op)
         LastTime = GetTickCount();
         return;
     }
-    Operations.push_back(op);
+    Append(Operations, op);
     doc.GetChunks().AddChunk(op);
     op->Do(doc);
     ++Position;
@@ -166,10 +167,32 @@ bool TOperationStack::Redo(TEditContext& doc)
 void TOperationStack::Clear(TEditContext& doc)
 {
     DropTail(doc, Position);
-    while (!Operations.empty())
-        DropOne(doc, Operations.size() - 1);
+    const TChunkFile::TRemoval removal(doc.GetChunks());
+    for (int i = Operations.size() - 1; i >= 0; --i)
+        DropOne(doc, i);
+    Operations.clear();
     Position = 0;
     SavedPosition = 0;
+}
+
+// Those that are lost, and those in front of `first`; `end` and the position are told among the ones that
+// stay.
+void TOperationStack::DropLost(TEditContext& doc, const vector<bool>& isLost, int first, int& end)
+{
+    const TChunkFile::TRemoval removal(doc.GetChunks());
+    const int oldEnd = end;
+    const int oldPosition = Position;
+    int kept = 0;
+    for (int i = 0; i < Operations.size(); ++i) {
+        if (!isLost[i] && i >= first) {
+            Operations[kept++] = Operations[i];
+            continue;
+        }
+        end -= i < oldEnd ? 1 : 0;
+        Position -= i < oldPosition ? 1 : 0;
+        DropOne(doc, i);
+    }
+    Operations.resize(kept);
 }
 
 // What a lost operation made went with the refresh, so that there is nothing to discard.
@@ -177,6 +200,7 @@ int TOperationStack::AdaptTo(const TRefreshRecord& record, TEditContext& doc)
 {
     const int before = Operations.size();
     vector<bool> isLost;
+    isLost.reserve(before);
     int first = 0;
     int end = before;
     for (int i = 0; i < before; ++i) {
@@ -187,13 +211,7 @@ int TOperationStack::AdaptTo(const TRefreshRecord& record, TEditContext& doc)
         else if (adaption == AD_CUTS && i < end)
             end = i;
     }
-    for (int i = before - 1; i >= 0; --i) {
-        if (!isLost[i] && i >= first)
-            continue;
-        end -= i < end ? 1 : 0;
-        Position -= i < Position ? 1 : 0;
-        DropOne(doc, i);
-    }
+    DropLost(doc, isLost, first, end);
     DropTail(doc, end);
     LastTime = 0;
     MarkChanged();
@@ -209,7 +227,7 @@ bool TOperationStack::Check() const
         if (op == nullptr || !op->Check())
             return false;
         while (seen.size() <= op->ChunkIdx)
-            seen.push_back(false);
+            Append(seen, false);
         if (seen[op->ChunkIdx])
             return false;
         seen[op->ChunkIdx] = true;

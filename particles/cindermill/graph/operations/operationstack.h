@@ -56,6 +56,8 @@ private:
     bool RedoOne(TEditContext& doc);
     // The operations from `first` on, none of which is done.
     void DropTail(TEditContext& doc, int first);
+    void DropLost(TEditContext& doc, const vector<bool>& isLost, int first, int& end);
+    // Leaves its place to the caller.
     void DropOne(TEditContext& doc, int i);
 
     vector<TOperation*> Operations;

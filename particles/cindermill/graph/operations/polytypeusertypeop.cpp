@@ -1,7 +1,9 @@
 #include "particles/cindermill/graph/operations/polytypeusertypeop.h"
 
+#include "library/containers/append.h"
 #include "particles/cindermill/graph/operations/editcontext.h"
 #include "particles/effectgraph/effectgraph.h"
+#include "particles/effectgraph/pointermap.h"
 #include "particles/effectgraph/refreshrecord.h"
 
 TPolytypeUserTypeOp::TPolytypeUserTypeOp(TEffectNode* node, TNodePolytypeParameter* param, int newType)
@@ -11,61 +13,60 @@ TPolytypeUserTypeOp::TPolytypeUserTypeOp(TEffectNode* node, TNodePolytypeParamet
     while (i < node->GetNodeType()->GetNumInputs() && node->GetNodeType()->GetInput(i) != param)
         ++i;
     ASSERT_TEXT(i < node->GetNodeType()->GetNumInputs(), "i < node->GetNodeType()->GetNumInputs()");
-    CollectInput(node, i);
+    TPointerMap seen;
+    CollectInput(node, i, seen);
 }
 
-void TPolytypeUserTypeOp::CollectInput(TEffectNode* node, int port)
+void TPolytypeUserTypeOp::CollectInput(TEffectNode* node, int port, TPointerMap& seen)
 {
     const TNodeType& type = *node->GetNodeType();
     if (type.GetBasicInputType(port) != TY_POLYTYPE)
         return;
     TNodePolytypeParameter* param = static_cast<TNodePolytypeParameter*>(type.GetInput(port));
-    for (const TParameterRecord& record : Parameters)
-        if (record.Parameter == param)
-            return;
-    Parameters.push_back(TParameterRecord{param, param->GetCurrentType()});
+    if (!seen.Insert(param))
+        return;
+    Append(Parameters, TParameterRecord{param, param->GetCurrentType()});
     const int linkInput = param->GetLinkInputIndex(node);
     if (linkInput != -1)
-        CollectInput(node, linkInput);
+        CollectInput(node, linkInput, seen);
     const int linkOutput = param->GetLinkOutputIndex(node);
     if (linkOutput != -1)
-        CollectOutput(node, linkOutput);
+        CollectOutput(node, linkOutput, seen);
     const TEffectEdge* edge = node->GetInput(port);
     if (edge != nullptr)
-        CollectOutput(edge->GetSrcNode(), edge->GetSrcPort());
+        CollectOutput(edge->GetSrcNode(), edge->GetSrcPort(), seen);
     for (int i = 0; i < type.GetNumInputs(); ++i)
         if (type.GetBasicInputType(i) == TY_POLYTYPE &&
             static_cast<TNodePolytypeParameter*>(type.GetInput(i))->GetLinkInputIndex(node) == port)
-            CollectInput(node, i);
+            CollectInput(node, i, seen);
     for (int i = 0; i < type.GetNumOutputs(); ++i)
         if (type.GetOutput(i).LinkInput == port)
-            CollectOutput(node, i);
+            CollectOutput(node, i, seen);
 }
 
-void TPolytypeUserTypeOp::CollectOutput(TEffectNode* node, int port)
+void TPolytypeUserTypeOp::CollectOutput(TEffectNode* node, int port, TPointerMap& seen)
 {
     const TNodeType& type = *node->GetNodeType();
     if (type.GetOutput(port).Type != TY_POLYTYPE)
         return;
-    for (const TOutputRecord& record : Outputs)
-        if (record.Node == node && record.Port == port)
-            return;
-    Outputs.push_back(TOutputRecord{node, port, type.GetOutputType(port)});
+    if (!seen.Insert(&type.GetOutput(port)))
+        return;
+    Append(Outputs, TOutputRecord{node, port, type.GetOutputType(port)});
     if (type.GetOutput(port).LinkInput != -1)
-        CollectInput(node, type.GetOutput(port).LinkInput);
+        CollectInput(node, type.GetOutput(port).LinkInput, seen);
     if (type.GetOutput(port).LinkOutput != -1)
-        CollectOutput(node, type.GetOutput(port).LinkOutput);
+        CollectOutput(node, type.GetOutput(port).LinkOutput, seen);
     for (int n = 0; n < node->GetNumOutputEdges(port); ++n) {
         const TEffectEdge* edge = node->GetOutputEdge(port, n);
-        CollectInput(edge->GetDstNode(), edge->GetDstPort());
+        CollectInput(edge->GetDstNode(), edge->GetDstPort(), seen);
     }
     for (int i = 0; i < type.GetNumInputs(); ++i)
         if (type.GetBasicInputType(i) == TY_POLYTYPE &&
             static_cast<TNodePolytypeParameter*>(type.GetInput(i))->GetLinkOutputIndex(node) == port)
-            CollectInput(node, i);
+            CollectInput(node, i, seen);
     for (int i = 0; i < type.GetNumOutputs(); ++i)
         if (type.GetOutput(i).LinkOutput == port)
-            CollectOutput(node, i);
+            CollectOutput(node, i, seen);
 }
 
 bool TPolytypeUserTypeOp::Read(int size, int version, TChunkFile* chunkFile)
@@ -150,9 +151,9 @@ TAdaption TPolytypeUserTypeOp::AdaptTo(const TRefreshRecord& record)
 void TPolytypeUserTypeOp::GetUsed(vector<TChunk*>& result) const
 {
     for (const TParameterRecord& record : Parameters)
-        result.push_back(record.Parameter);
+        Append(result, record.Parameter);
     for (const TOutputRecord& record : Outputs)
-        result.push_back(record.Node);
+        Append(result, record.Node);
 }
 
 // An output keeps its type where it cannot have the other, as an input does by itself.

@@ -4,6 +4,7 @@
 #include "particles/effectgraph/polytypeparameter.h"
 
 class TEffectNode;
+class TPointerMap;
 
 // Chooses the type of a polytype port, and with it the type of every port that follows it through links and
 // wires, as far as it can have it. Ends in a change of the graph.
@@ -37,8 +38,8 @@ private:
     };
 
     static void SetOutputType(const TOutputRecord& record, int type);
-    void CollectInput(TEffectNode* node, int port);
-    void CollectOutput(TEffectNode* node, int port);
+    void CollectInput(TEffectNode* node, int port, TPointerMap& seen);
+    void CollectOutput(TEffectNode* node, int port, TPointerMap& seen);
 
     vector<TParameterRecord> Parameters;
     vector<TOutputRecord> Outputs;

@@ -1,0 +1,385 @@
+#include "bench/benchtable.h"
+#include "bench/longlists.h"
+
+#include "library/containers/log.h"
+#include "library/containers/owner.h"
+#include "library/system/message.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/graph/shaders/qdxshader.h"
+#include "particles/cindermill/main/animation/animation.h"
+#include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/document.h"
+#include "particles/effectgraph/error.h"
+#include "tools/samplemaker/startsettings.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <memory>
+
+// How the time for one long list grows with the list: each benchmark runs at 10, 100 and 1,000 KB, and the
+// table tells how much longer ten times as much takes.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int Sizes[] = {10, 100, 1000};
+constexpr int Kilobyte = 1000;
+// Ten for what grows as the list does, and a little more for what is sorted or has left the caches; a list
+// that each element walks along takes a hundred.
+constexpr double MostGrowth = 25;
+
+// A folder that goes when the program does.
+class TFolder
+{
+public:
+    TFolder()
+    {
+        std::string path = (fs::temp_directory_path() / "cindermill-growth-XXXXXX").string();
+        Path = mkdtemp(path.data()) != nullptr ? path : std::string();
+    }
+    ~TFolder()
+    {
+        std::error_code error;
+        fs::remove_all(Path, error);
+    }
+    TFolder(const TFolder&) = delete;
+    TFolder& operator=(const TFolder&) = delete;
+
+    std::string GetPath(const std::string& leaf) const { return (Path / leaf).string(); }
+
+private:
+    fs::path Path;
+};
+
+const TFolder& GetFolder()
+{
+    static const TFolder folder;
+    return folder;
+}
+
+void WriteBytes(const std::string& path, const std::string& bytes)
+{
+    fs::create_directories(fs::path(path).parent_path());
+    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string ReadBytes(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The lists that a refresh compares one by one.
+constexpr TTypeList RefreshedLists[] = {TL_ENUMVALUES, TL_GROUPMEMBERS, TL_PARAMETERS, TL_FOLLOWINGINPUTS,
+                                        TL_OUTPUTS};
+
+std::string GetTypeName(TTypeList list, int size)
+{
+    return std::string(GetListName(list)) + " " + std::to_string(size);
+}
+
+// The application over the types that the refreshed effects have in the library.
+TCindermillApp* GetApp()
+{
+    static const TLogCapture quiet([](const char*, void*) {}, nullptr);
+    static TCindermillApp app(new TStartSettings);
+    static const bool good = [] {
+        SetMessageForms([](const char*) {}, [](const char*) { return true; });
+        for (const TTypeList list : RefreshedLists)
+            for (const int size : Sizes)
+                WriteBytes(GetFolder().GetPath("types/" + GetTypeName(list, size) + ".xml"),
+                           MakeTypeFile(list, size * Kilobyte, GetTypeName(list, size), false));
+        TErrorList errors;
+        if (!app.InitHeadless())
+            return false;
+        app.LoadNodeTypes(GetFolder().GetPath("types").c_str(), errors);
+        return errors.empty();
+    }();
+    return good ? &app : nullptr;
+}
+
+// One list at one size.
+struct TWork
+{
+    // What is measured; false if it does not do what it should.
+    std::function<bool()> Run;
+    // What comes before each measurement; may be empty.
+    std::function<bool()> Prepare;
+};
+
+using TMakeWork = std::function<TWork(int size)>;
+
+void Measure(benchmark::State& state, const TMakeWork& make)
+{
+    const int size = static_cast<int>(state.range(0)) * Kilobyte;
+    TWork work = make(size);
+    for (auto _ : state) {
+        if (work.Prepare != nullptr) {
+            state.PauseTiming();
+            const bool prepared = work.Prepare();
+            state.ResumeTiming();
+            if (!prepared) {
+                state.SkipWithError("not prepared");
+                return;
+            }
+        }
+        if (!work.Run()) {
+            state.SkipWithError("not done");
+            return;
+        }
+    }
+}
+
+void Register(const std::string& name, const TMakeWork& make)
+{
+    std::string id = name;
+    for (char& ch : id)
+        ch = ch == ' ' ? '_' : ch;
+    for (const int size : Sizes)
+        benchmark::RegisterBenchmark(id.c_str(), [make](benchmark::State& state) { Measure(state, make); })
+            ->Arg(size)
+            ->MinTime(0.01);
+    for (size_t i = 1; i < std::size(Sizes); ++i) {
+        const std::string large = std::to_string(Sizes[i]);
+        const std::string small = std::to_string(Sizes[i - 1]);
+        AddRow({name + ", " + large + " / " + small + " KB", id + "/" + large, id + "/" + small, MostGrowth});
+    }
+}
+
+bool ReadType(const std::string& path)
+{
+    TErrorList errors;
+    TNodeType type;
+    type.LoadXml(path.c_str(), errors);
+    const TOwner<TNodeType> copy(type.Clone());
+    return true;
+}
+
+TWork MakeTypeWork(TTypeList list, int size)
+{
+    const std::string path = GetFolder().GetPath("type" + std::to_string(list) + std::to_string(size));
+    WriteBytes(path, MakeTypeFile(list, size, "Type", false));
+    return {[path] { return ReadType(path); }, nullptr};
+}
+
+bool OpenAndClose(const std::string& path, bool expected)
+{
+    TDocument document(*GetApp());
+    return document.Load(path.c_str()) == expected;
+}
+
+TWork MakeOpenWork(TEffectList list, int size)
+{
+    const std::string path = GetFolder().GetPath("effect" + std::to_string(list) + std::to_string(size));
+    TDocument document(*GetApp());
+    document.New();
+    FillDocument(document, list, size);
+    document.SaveUnchecked(path.c_str());
+    return {[path, list] { return OpenAndClose(path, !IsRefused(list)); }, nullptr};
+}
+
+// An effect with a node of a type that the library has otherwise.
+TWork MakeRefreshWork(TTypeList list, int size)
+{
+    const std::string path = GetFolder().GetPath("refresh" + std::to_string(list) + std::to_string(size));
+    WriteBytes(path, MakeTypeFile(list, size, GetTypeName(list, size / Kilobyte), true));
+    TErrorList errors;
+    TNodeType type;
+    type.LoadXml(path.c_str(), errors);
+    TDocument document(*GetApp());
+    document.New();
+    document.ApplyOperation(new TAddGraphNodeOp(document, type, 0, 0));
+    document.SaveUnchecked(path.c_str());
+    return {[path] { return OpenAndClose(path, true); }, nullptr};
+}
+
+// A filled document that lives as long as the work.
+std::shared_ptr<TDocument> MakeDocument(TEffectList list, int size)
+{
+    auto document = std::make_shared<TDocument>(*GetApp());
+    document->New();
+    FillDocument(*document, list, size);
+    return document;
+}
+
+TWork MakeSaveWork(TEffectList list, int size)
+{
+    const std::shared_ptr<TDocument> document = MakeDocument(list, size);
+    const std::string path = GetFolder().GetPath("saved");
+    return {[document, path] { return document->SaveAs(path.c_str()); }, nullptr};
+}
+
+bool UndoAll(TDocument& document)
+{
+    while (document.CanUndo())
+        document.Undo();
+    return document.CanRedo();
+}
+
+bool RedoAll(TDocument& document)
+{
+    while (document.CanRedo())
+        document.Redo();
+    return document.CanUndo();
+}
+
+// The history as a file brings it.
+std::shared_ptr<TDocument> MakeLoaded(TEffectList list, int size)
+{
+    const std::string path = GetFolder().GetPath("history" + std::to_string(list) + std::to_string(size));
+    if (!MakeDocument(list, size)->SaveAs(path.c_str()))
+        return nullptr;
+    auto document = std::make_shared<TDocument>(*GetApp());
+    return document->Load(path.c_str()) ? document : nullptr;
+}
+
+TWork MakeUndoWork(TEffectList list, int size)
+{
+    const std::shared_ptr<TDocument> document = MakeLoaded(list, size);
+    return {[document] { return document != nullptr && UndoAll(*document) && RedoAll(*document); }, nullptr};
+}
+
+// A step after all others were taken back.
+TWork MakeDropWork(TEffectList list, int size)
+{
+    const auto document = std::make_shared<std::shared_ptr<TDocument>>();
+    return {[document] {
+                (*document)->ApplyOperation(new TMoveGraphNodeOp(vector<TToolNode*>(), 1, 1));
+                return !(*document)->CanRedo();
+            },
+            [document, list, size] {
+                *document = MakeLoaded(list, size);
+                return *document != nullptr && UndoAll(**document);
+            }};
+}
+
+void SelectAll(TDocument& document)
+{
+    document.ClearSelection();
+    for (int i = 0; i < document.GetGraph()->GetNumNodes(); ++i)
+        document.SelectNode(static_cast<TToolNode*>(document.GetGraph()->GetNode(i)), false);
+}
+
+TWork MakeDeleteWork(TEffectList list, int size)
+{
+    const std::shared_ptr<TDocument> document = MakeLoaded(list, size);
+    return {[document] {
+                document->ApplyOperation(new TDeleteGraphNodeOp(document->GetSelection()));
+                const bool gone = document->GetGraph()->GetNumNodes() == 0;
+                document->Undo();
+                document->Redo();
+                document->Undo();
+                return gone && document->GetGraph()->GetNumNodes() > 0;
+            },
+            [document] {
+                SelectAll(*document);
+                return true;
+            }};
+}
+
+TWork MakePasteWork(TEffectList list, int size)
+{
+    const std::shared_ptr<TDocument> document = MakeLoaded(list, size);
+    return {[document] {
+                const int before = document->GetGraph()->GetNumNodes();
+                document->CopySelection();
+                document->Paste();
+                const bool done = document->GetGraph()->GetNumNodes() == 2 * before;
+                document->Undo();
+                return done;
+            },
+            [document] {
+                SelectAll(*document);
+                return true;
+            }};
+}
+
+TWork MakeScheduleWork(TEffectList list, int size)
+{
+    const std::shared_ptr<TDocument> document = MakeLoaded(list, size);
+    return {[document] {
+                TErrorList errors;
+                document->CreateSchedule(errors);
+                return true;
+            },
+            nullptr};
+}
+
+TWork MakeAnimationWork(int size)
+{
+    const std::string path = GetFolder().GetPath("animation" + std::to_string(size) + ".vori");
+    WriteBytes(path, MakeAnimationFile(size));
+    return {[path] {
+                TAnimation animation;
+                return animation.Load(path.c_str());
+            },
+            nullptr};
+}
+
+TWork MakeShaderWork(int size)
+{
+    std::string stage;
+    for (const fs::directory_entry& entry : fs::directory_iterator(CINDERMILL_BINARY_DIR "/shaders")) {
+        const std::string bytes = entry.path().extension() == ".sho" ? ReadBytes(entry.path().string()) : "";
+        if (bytes.size() > 8 && (bytes[4] | bytes[5] | bytes[6] | bytes[7]) != 0)
+            stage = bytes;
+    }
+    const std::string file = MakeShaderFile(stage, size);
+    return {[file] {
+                TQdxShader shader;
+                return shader.Parse(reinterpret_cast<const uint8_t*>(file.data()),
+                                    static_cast<int>(file.size()));
+            },
+            nullptr};
+}
+
+void RegisterEffects()
+{
+    const auto add = [](const char* what, TEffectList list, TWork (*make)(TEffectList, int)) {
+        Register(std::string(what) + " " + GetListName(list), [=](int size) { return make(list, size); });
+    };
+    for (int i = 0; i < EL_NUMEFFECTLISTS; ++i) {
+        const TEffectList list = static_cast<TEffectList>(i);
+        add("open", list, &MakeOpenWork);
+        if (!IsRefused(list))
+            add("save", list, &MakeSaveWork);
+    }
+    for (const TEffectList list : {EL_STEPS, EL_ADDITIONS, EL_MOVEDNODES}) {
+        add("undo, redo", list, &MakeUndoWork);
+        add("drop", list, &MakeDropWork);
+    }
+    for (const TEffectList list : {EL_NODES, EL_WIRES}) {
+        add("delete all", list, &MakeDeleteWork);
+        add("paste", list, &MakePasteWork);
+        add("schedule", list, &MakeScheduleWork);
+    }
+}
+
+} // namespace
+
+bool RegisterBenchmarks()
+{
+    if (GetApp() == nullptr) {
+        std::fprintf(stderr, "The node types cannot be loaded\n");
+        return false;
+    }
+    for (int i = 0; i < TL_NUMTYPELISTS; ++i) {
+        const TTypeList list = static_cast<TTypeList>(i);
+        Register(std::string("node type, ") + GetListName(list),
+                 [list](int size) { return MakeTypeWork(list, size); });
+    }
+    for (const TTypeList list : RefreshedLists)
+        Register(std::string("refresh, ") + GetListName(list),
+                 [list](int size) { return MakeRefreshWork(list, size); });
+    Register("animation, keys", &MakeAnimationWork);
+    Register("shader, instructions", &MakeShaderWork);
+    RegisterEffects();
+    return true;
+}
