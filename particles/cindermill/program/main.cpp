@@ -1,12 +1,14 @@
 #include "library/containers/log.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/application.h"
+#include "particles/cindermill/main/crashreport.h"
 
 #include <cstdio>
 
 // No argument is the program's own.
 int main(int argc, char** argv)
 {
+    TCrashReport::Install();
     if (!TWimp::Get().Init(argc, argv)) {
         DebugPrintf("Failed to initialise Cindermill\n");
         fprintf(stderr, "There is no display to open windows on.\n");
