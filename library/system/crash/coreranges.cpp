@@ -12,10 +12,23 @@ constexpr uintptr_t PageSize = 4096;
 constexpr uintptr_t MaxStack = 16u << 20;
 // The processor's rule: so much below the stack pointer may be in use.
 constexpr uintptr_t RedZone = 128;
+// Data of the system's library that its file does not hold: it lies behind that which it does.
+constexpr uintptr_t MaxZeroData = 64 * 1024;
 
 bool IsDumped(const TMapping& mapping)
 {
     return (mapping.Flags & MF_READ) != 0 && (mapping.Flags & MF_NODUMP) == 0;
+}
+
+bool IsData(const TMapping& mapping)
+{
+    return (mapping.Flags & (MF_FILE | MF_EXECUTE)) == MF_FILE;
+}
+
+bool EndsWith(const char* text, const char* end)
+{
+    const size_t length = strlen(text);
+    return length >= strlen(end) && strcmp(text + length - strlen(end), end) == 0;
 }
 
 // Where a debugger looks for it too: in the program's own table.
@@ -76,21 +89,22 @@ void TCoreRanges::TakeModules()
         Add(module.Base, module.Base + 1);
 }
 
-// What the system lends to each program, and the linker's data: its list of what is loaded, and that of the threads.
-// The list may be broken like all else.
+// What the system lends to each program, and the data of the linker and the system's library: the list of
+// what is loaded, and that of the threads. Both may be broken like all else.
 void TCoreRanges::TakeLoader()
 {
     constexpr int MaxModules = 4096;
     const TMemoryMap& map = Crash->Map;
     const r_debug* list = FindLinkerList();
     const TMapping* data = map.Find(reinterpret_cast<uintptr_t>(list));
+    const char* linker = data != nullptr ? map.GetName(*data) : "";
     for (int i = 0; i < map.GetCount(); ++i) {
         const TMapping& mapping = map.Get(i);
         const char* name = map.GetName(mapping);
-        const bool isLinkers = data != nullptr && (mapping.Flags & (MF_FILE | MF_EXECUTE)) == MF_FILE &&
-                               strcmp(name, map.GetName(*data)) == 0;
-        if (isLinkers || strcmp(name, "[vdso]") == 0)
+        if (strcmp(name, "[vdso]") == 0 || (IsData(mapping) && strcmp(name, linker) == 0))
             Add(mapping.Begin, mapping.End);
+        else if (IsData(mapping) && (mapping.Flags & MF_WRITE) != 0 && EndsWith(name, "/libc.so.6"))
+            Add(mapping.Begin, mapping.End + MaxZeroData);
     }
     r_debug head;
     if (!ReadMemory(reinterpret_cast<uintptr_t>(list), &head, sizeof(head)))
