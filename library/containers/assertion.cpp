@@ -8,6 +8,7 @@
 
 namespace {
 
+TAssertReport AssertReport = nullptr;
 TAssertHook AssertHook = nullptr;
 TAssertBox AssertBox = nullptr;
 thread_local int GuardDepth = 0;
@@ -32,6 +33,8 @@ void AssertFail(const char* expr, const char* file, unsigned line)
         throw TAssertionFailure(expr);
     char text[256];
     snprintf(text, sizeof(text), "Assertion failed: '%s' In file %s : Line %u\n", expr, file, line);
+    if (AssertReport != nullptr)
+        AssertReport(text);
     ReportFailure(text);
     if (AssertHook != nullptr)
         AssertHook(expr, file, line);
@@ -43,6 +46,11 @@ void AssertFailMsg(const char* expr, const char* message, const char* file, unsi
     char joined[256];
     snprintf(joined, sizeof(joined), "%s : %s", expr, message);
     AssertFail(joined, file, line);
+}
+
+void SetAssertReport(TAssertReport report)
+{
+    AssertReport = report;
 }
 
 void SetAssertHook(TAssertHook hook)

@@ -32,6 +32,11 @@
 using TAssertHook = void (*)(const char* expr, const char* file, unsigned line);
 void SetAssertHook(TAssertHook hook);
 
+// Hears of a failure before anything is shown, with the text that will be: showing it runs what may be
+// broken.
+using TAssertReport = void (*)(const char* text);
+void SetAssertReport(TAssertReport report);
+
 // Shows the failure to a person when the window system is up; without one the text goes to standard output.
 using TAssertBox = void (*)(const char* title, const char* text);
 void SetAssertBox(TAssertBox box);

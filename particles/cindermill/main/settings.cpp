@@ -1,5 +1,6 @@
 #include "particles/cindermill/main/settings.h"
 
+#include "particles/cindermill/main/crashreport.h"
 #include "particles/cindermill/main/settingsstore.h"
 
 #include <climits>
@@ -23,8 +24,13 @@ void TSettings::Load()
 {
     Values = TValues();
     uint32_t version = 0;
-    if (!Store->Exists() || !Store->ReadInt("RegVersion", version) || version >= RegVersionLimit)
-        return;
+    if (Store->Exists() && Store->ReadInt("RegVersion", version) && version < RegVersionLimit)
+        LoadValues();
+    TCrashReport::SetDebugMode(Values.DebugMode);
+}
+
+void TSettings::LoadValues()
+{
     LoadRecentFiles();
     LoadInt("MaxRecentFiles", Values.MaxRecentFiles, INT_MIN, INT_MAX);
     Values.MaxRecentFiles = Values.MaxRecentFiles < 1    ? 1
@@ -164,6 +170,7 @@ void TSettings::SetCameraMode(int value)
 void TSettings::SetDebugMode(int value)
 {
     SetRanged(Values.DebugMode, value, 0, 2);
+    TCrashReport::SetDebugMode(Values.DebugMode);
 }
 
 void TSettings::SetGraphPanButton(int value)

@@ -81,6 +81,7 @@ private:
         bool PolicyNoMixedBoundingBoxes = false;
     };
 
+    void LoadValues();
     void LoadRecentFiles();
     void LoadInt(const char* name, int& value, int min, int max);
     void LoadFlags();

@@ -4,6 +4,7 @@
 #include "library/wimp/endwatch.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/application.h"
+#include "particles/cindermill/main/crashreport.h"
 
 #include <cstdio>
 
@@ -37,6 +38,7 @@ static bool RunProgram()
 // No argument is the program's own.
 int main(int argc, char** argv)
 {
+    TCrashReport::Install();
     TakeFileSizeLimitAsError();
     if (!TWimp::Get().Init(argc, argv)) {
         DebugPrintf("Failed to initialise Cindermill\n");
