@@ -1,224 +1,68 @@
+#include "window/pickerhand.h"
 #include "window/programfixture.h"
+#include "window/ramphand.h"
 
-#include "support/fakecontrolhost.h"
-
-#include "particles/cindermill/graph/operations/flagparamop.h"
-#include "particles/cindermill/graph/operations/numberparamop.h"
-#include "particles/cindermill/graph/operations/valueparamop.h"
-#include "particles/cindermill/interface/controls/boolparametercontrols.h"
-#include "particles/cindermill/interface/controls/colourparametercontrols.h"
-#include "particles/cindermill/interface/controls/colourpicker.h"
-#include "particles/cindermill/interface/controls/enumparametercontrols.h"
-#include "particles/cindermill/interface/controls/groupparametercontrols.h"
-#include "particles/cindermill/interface/controls/numberparametercontrols.h"
-#include "particles/cindermill/interface/controls/ramp.h"
-#include "particles/cindermill/interface/controls/rampoperations.h"
-#include "particles/cindermill/interface/controls/rampparametercontrols.h"
-#include "particles/cindermill/interface/graph/nodeexp.h"
-#include "particles/cindermill/interface/graph/nodelayout.h"
-
-#include <stdexcept>
-#include <thread>
+#include "particles/cindermill/graph/operations/animflagsparamop.h"
+#include "particles/cindermill/graph/operations/nameparamop.h"
+#include "particles/cindermill/graph/operations/rampchangepointsop.h"
+#include "particles/cindermill/interface/controls/animationparametercontrols.h"
+#include "particles/cindermill/interface/controls/textureparametercontrols.h"
+#include "particles/cindermill/interface/controls/transformparametercontrols.h"
 
 namespace {
 
-// Like changes that follow each other faster are one step of the history.
-void WaitForANewStep()
+const char* const TextureTitle = "^Select texture to load$";
+const char* const AnimationTitle = "^Select animation to load$";
+
+// Edits the values of nodes that stand already.
+class ProgramPanels : public Program
 {
-    std::this_thread::sleep_for(std::chrono::milliseconds(2200));
-}
-
-// The panel of a node, used by hand on the screen, and by operations in the document without windows. Where
-// its controls stand is read off a panel of that document that is never drawn.
-class TPanelHand
-{
-public:
-    TPanelHand(TScreen& screen, TWorkshop& workshop, TToolNode* node)
-        : Screen(screen), Workshop(workshop), Node(node), Type(*node->GetNodeType())
+protected:
+    static int CountSteps(TDocument& document) { return document.GetOperationStack()->GetNumOperations(); }
+    // The steps of the history of a file, all done.
+    static int CountSteps(TWorkshop& workshop, const std::string& path)
     {
-        for (int i = 0; i < Type.GetNumParameters(); ++i)
-            AddControls(*Type.GetParameter(i), -1);
-        for (int i = 0; i < Type.GetNumInputs(); ++i)
-            AddControls(*Type.GetInput(i), i);
-        Panel.SetOrigin(TVector2(static_cast<float>(node->GetX()), static_cast<float>(node->GetY())));
-        Panel.Build(Type, MeasureNode(Type));
-        ClickButton(MeasureNode(Type)[0]);
+        TDocument document(workshop.GetApp());
+        EXPECT_TRUE(document.Load(path.c_str()));
+        EXPECT_FALSE(document.GetOperationStack()->CanRedo());
+        return CountSteps(document);
     }
-    void Close() { ClickButton(Panel.GetSize()[0]); }
-
-    // By the dotted path of a parameter, or the name of an input.
-    template <class TParameter>
-    TParameter& Param(const char* name) const
+    // Saves both, and compares: all values as they are, then without the last steps, then with them again.
+    void CheckSteps(TProgram& program, TWorkshop& workshop, int steps)
     {
-        TNodeParameter* parameter = Type.FindParameter(name);
-        if (parameter == nullptr && Type.FindInput(name) != -1)
-            parameter = Type.GetInput(Type.FindInput(name));
-        if (dynamic_cast<TParameter*>(parameter) == nullptr)
-            throw std::runtime_error(std::string("no parameter ") + name);
-        return static_cast<TParameter&>(*parameter);
+        TDocument& document = workshop.GetDocument();
+        const std::string saved = program.Path("values.effect");
+        const std::string expected = program.Path("expected.effect");
+        const int all = CountSteps(document);
+        SaveTo(program, saved);
+        ASSERT_FALSE(HasFatalFailure());
+        ASSERT_TRUE(document.SaveAs(expected.c_str()));
+        ASSERT_TRUE(AreSame(saved, expected));
+        EXPECT_EQ(CountSteps(workshop, saved), all);
+        const std::string before = ReadBytes(saved);
+        for (const bool undo : {true, false}) {
+            Screen.Keys(std::vector<std::string>(static_cast<size_t>(steps), undo ? "ctrl+z" : "ctrl+y"));
+            for (int i = 0; i < steps; ++i)
+                undo ? document.Undo() : document.Redo();
+            Screen.Key("ctrl+s");
+            ASSERT_TRUE(document.Save());
+            EXPECT_TRUE(WaitUntil([&] { return AreSame(saved, expected); })) << undo;
+            EXPECT_EQ(ReadBytes(saved) == before, !undo);
+        }
     }
-    template <class TControls>
-    TControls& Find(const char* name)
+    // Chooses a file by the button that asks for one.
+    void ChooseFile(TProgram& program, TPanelHand& panel, TPushButton& button, const char* title,
+                    const std::string& path)
     {
-        const TNodeParameter& parameter = Param<TNodeParameter>(name);
-        for (int i = 0; i < Panel.GetNumControls(); ++i)
-            if (TNodeParameterControls* found = FindIn(Panel.GetControls(i), parameter))
-                return dynamic_cast<TControls&>(*found);
-        throw std::runtime_error(std::string("no controls for ") + name);
+        panel.Click(button);
+        ASSERT_TRUE(program.AnswerChooser(title, path)) << program.GetOutput();
+        ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
     }
-    TNumberInput& Field(const char* name, int field = 0)
-    {
-        return Find<TNumberParameterControls>(name).GetInput(field);
-    }
-
-    void Click(TRenderObject& object)
-    {
-        const TVector2 middle = MiddleOf(object);
-        Screen.Click(ScreenX(middle), ScreenY(middle));
-    }
-    // The distance in pixels.
-    void Drag(const TVector2& from, int dx, int dy)
-    {
-        Screen.Drag(ScreenX(from), ScreenY(from), ScreenX(from) + dx, ScreenY(from) + dy);
-    }
-    void DragLabel(const char* name, int field, int dx)
-    {
-        TNumberParameterControls& controls = Find<TNumberParameterControls>(name);
-        Drag(controls.GetAbsolutePosition() + controls.GetScrubPoint(field), dx, 0);
-    }
-    // The arrows of a number input, from the lower one.
-    void DragArrowDown(TNumberInput& input, int distance)
-    {
-        TVector2 min;
-        TVector2 max;
-        input.GetBounds(min, max);
-        const TVector2 corner = input.GetAbsolutePosition() + max;
-        Drag(corner - TVector2(TNumberInput::ArrowWidth * 0.5f, 5), 0, distance);
-    }
-    void Choose(const char* name, int item)
-    {
-        constexpr float Border = 2;
-        TComboBox& combo = Find<TNodeEnumParameterControls>(name).GetCombo();
-        Click(combo);
-        const float row = combo.GetSize()[1] + Border + TComboDropDown::RowHeight * (float(item) + 0.5f);
-        const TVector2 place = combo.GetAbsolutePosition() + TVector2(40, row);
-        Screen.Click(ScreenX(place), ScreenY(place));
-        Apply(new TEnumParamOp(&Param<TNodeEnumParameter>(name), item));
-    }
-    void TickGroup(const char* name, bool set)
-    {
-        Click(Find<TSwitchParameterControls>(name).GetTickBox());
-        Apply(new TGroupParamOp(&Param<TNodeGroupParameter>(name), set));
-    }
-    void ApplyScalar(const char* name, float value)
-    {
-        Apply(new TScalarParamOp(&Param<TNodeScalarParameter>(name), &value));
-    }
-    void ApplyVector(const char* name, const std::vector<float>& value)
-    {
-        Apply(new TVector3ParamOp(&Param<TNodeVector3Parameter>(name), value.data()));
-    }
-    void Apply(TOperation* operation)
-    {
-        Workshop.GetDocument().ApplyOperation(operation);
-        Layout();
-    }
-    // After a group has changed its size.
-    void Layout() { Panel.Build(Type, MeasureNode(Type)); }
-
-    static TVector2 MiddleOf(TRenderObject& object)
-    {
-        TVector2 min;
-        TVector2 max;
-        object.GetBounds(min, max);
-        return object.GetAbsolutePosition() + (min + max) * 0.5f;
-    }
-    int ScreenX(const TVector2& place) const { return Workshop.ScreenX(double(place[0])); }
-    int ScreenY(const TVector2& place) const { return Workshop.ScreenY(double(place[1])); }
-    // The pixel at a place, moved, in the space of an object.
-    TVector2 PixelIn(TRenderObject& object, const TVector2& place, int dx = 0, int dy = 0) const
-    {
-        const TVector2 pixel(static_cast<float>(ScreenX(place) + dx - Workshop.ScreenX(0)),
-                             static_cast<float>(ScreenY(place) + dy - Workshop.ScreenY(0)));
-        return pixel - object.GetAbsolutePosition();
-    }
-
-private:
-    void AddControls(TNodeParameter& parameter, int port)
-    {
-        TNodeParameterControls* controls =
-            CreateParameterControls(Workshop.GetDocument(), *Node, parameter, Host);
-        if (controls == nullptr)
-            return;
-        Panel.AddControls(controls, port);
-        if (port != -1 && Node->GetInput(port) != nullptr)
-            Panel.ShowControls(Panel.GetNumControls() - 1, false);
-    }
-    static TNodeParameterControls* FindIn(TNodeParameterControls& controls, const TNodeParameter& parameter)
-    {
-        if (controls.GetParameter() == &parameter)
-            return &controls;
-        if (const auto* group = dynamic_cast<TNodeGroupParameterControls*>(&controls))
-            for (TNodeParameterControls* child : group->GetChildren())
-                if (TNodeParameterControls* found = FindIn(*child, parameter))
-                    return found;
-        return nullptr;
-    }
-    void ClickButton(float width)
-    {
-        const TVector2 button = Panel.GetOrigin() + TVector2(width - 9, 8);
-        Screen.Click(ScreenX(button), ScreenY(button));
-    }
-
-    TScreen& Screen;
-    TWorkshop& Workshop;
-    TToolNode* Node;
-    TNodeType& Type;
-    TFakeControlHost Host;
-    TNodeExp Panel;
 };
-
-// Drags a point of a curve on the screen, and gives the operation the curve that this makes.
-void DragPoint(TPanelHand& panel, const char* name, int point, int dx, int dy)
-{
-    TRamp& ramp = panel.Find<TNodeRampParameterControls>(name).GetRamp();
-    TNodeRampParameter& parameter = panel.Param<TNodeRampParameter>(name);
-    const TRampPoint before = ramp.GetModel().GetCurve(0).GetPoint(point);
-    const TVector2 place = ramp.GetAbsolutePosition() + ramp.GetView().ToPosition(before);
-    const TRampPoint from = ramp.GetView().ToPoint(panel.PixelIn(ramp, place));
-    const TRampPoint to = ramp.GetView().ToPoint(panel.PixelIn(ramp, place, dx, dy));
-    panel.Drag(place, dx, dy);
-    TRampCurve curve = ramp.GetModel().GetCurve(0);
-    curve.MovePoint(point, TRampPoint{static_cast<float>(before.X + (double(to.X) - from.X)),
-                                      static_cast<float>(before.Y + (double(to.Y) - from.Y))});
-    TOperation* change = MakeCurveOperation(parameter, 0, curve);
-    ASSERT_NE(change, nullptr);
-    panel.Apply(change);
-}
-
-// Drags in an area of an open picker; the components are of hue, saturation, luminance and alpha, -1 for
-// none.
-void DragColour(TPanelHand& panel, const char* name, TPickerArea area, int dx, int dy)
-{
-    TColourPicker& picker = *panel.Find<TNodeColourParameterControls>(name).GetPicker();
-    TVector2 min;
-    TVector2 max;
-    picker.GetArea(area, min, max);
-    const TVector2 from = picker.GetAbsolutePosition() + (min + max) * 0.5f;
-    const TVector2 to = panel.PixelIn(picker, from, dx, dy);
-    panel.Drag(from, dx, dy);
-    TPickedColour colour;
-    colour.SetRgba(picker.GetColour());
-    if (area == PA_SQUARE)
-        colour.SetHslaComponent(0, (to[0] - min[0]) / (max[0] - min[0]));
-    const int up = area == PA_SQUARE ? 1 : area == PA_STRIP ? 2 : TPickedColour::Alpha;
-    colour.SetHslaComponent(up, (max[1] - to[1]) / (max[1] - min[1]));
-    panel.Apply(new TColourParamOp(&panel.Param<TNodeColourParameter>(name), colour.GetRgba()));
-}
 
 } // namespace
 
-TEST_F(Program, TheValuesOfAnEffectAreEditedByHand)
+TEST_F(ProgramPanels, TheValuesOfAnEffectAreEditedByHand)
 {
     TProgram program(Screen);
     TWorkshop workshop(Screen, program);
@@ -241,21 +85,14 @@ TEST_F(Program, TheValuesOfAnEffectAreEditedByHand)
     workshop.Connect(integrate, "Position", quads, "Transform");
     workshop.Connect(age, "Age", scalar, "Time");
 
+    const int built = CountSteps(workshop.GetDocument());
     {
         TPanelHand panel(Screen, workshop, emitter);
-        panel.Click(panel.Field("Rate").GetEdit());
-        Screen.Type("120");
-        Screen.Key("Tab");
-        panel.ApplyScalar("Rate", 120);
-        Screen.Type("0.25");
-        Screen.Key("Return");
-        panel.ApplyScalar("Start Delay", 0.25f);
+        panel.Enter("Rate", "120", 0, "Tab");
+        panel.EnterNext("Start Delay", "0.25", 0);
         panel.Choose("Emit Mode", 0);
         panel.TickGroup("Max life time", true);
-        panel.Click(panel.Field("Max life time.Life Time").GetEdit());
-        Screen.Type("7.5");
-        Screen.Key("Return");
-        panel.ApplyScalar("Max life time.Life Time", 7.5f);
+        panel.Enter("Max life time.Life Time", "7.5");
         Screen.Save(program.GetMainRectangle(), Screenshot("panel-emitter"));
         panel.Close();
     }
@@ -263,27 +100,22 @@ TEST_F(Program, TheValuesOfAnEffectAreEditedByHand)
         TPanelHand panel(Screen, workshop, gravity);
         // A step of 0.1 for each two pixels.
         panel.DragLabel("Acceleration", 1, 36);
-        panel.ApplyVector("Acceleration", {0, -8, 0});
+        panel.ApplyNumber("Acceleration", 1, -8);
         // The number that was dragged has the keys.
         Screen.Key("Tab");
-        Screen.Type("1.5");
-        Screen.Key("Return");
-        panel.ApplyVector("Acceleration", {0, -8, 1.5f});
+        panel.EnterNext("Acceleration", "1.5", 2);
         panel.Close();
     }
     {
         TPanelHand panel(Screen, workshop, volume);
-        const char* const name = "Output Distance";
-        TNodeBoolParameter& distance = panel.Param<TNodeBoolParameter>(name);
-        panel.Click(panel.Find<TSwitchParameterControls>(name).GetTickBox());
-        panel.Apply(new TBoolParamOp(&distance, true));
+        panel.TickBool("Output Distance", true);
         panel.Close();
     }
     {
         TPanelHand panel(Screen, workshop, scalar);
-        DragPoint(panel, "Value", 3, 60, 30);
-        WaitForANewStep();
-        DragPoint(panel, "Value", 1, 10, -20);
+        TRampHand ramp(panel, "Value");
+        ramp.DragPoint(0, 3, 60, 30);
+        ramp.DragPoint(0, 1, 10, -20);
         Screen.Save(program.GetMainRectangle(), Screenshot("panel-ramp"));
         panel.Close();
     }
@@ -292,53 +124,303 @@ TEST_F(Program, TheValuesOfAnEffectAreEditedByHand)
         panel.Choose("Alpha Blend.Dest Function", 1);
         panel.TickGroup("Cull Face", true);
         panel.TickGroup("Depth Test", false);
-        TNodeColourParameterControls& colour = panel.Find<TNodeColourParameterControls>("Colour");
-        panel.Click(colour.GetSwatch());
-        colour.SetOpen(true);
-        panel.Layout();
+        TPickerHand colour(panel, "Colour");
         // White is white at every hue: it takes its luminance first.
-        DragColour(panel, "Colour", PA_STRIP, 0, 10);
-        WaitForANewStep();
-        DragColour(panel, "Colour", PA_SQUARE, -25, -18);
-        WaitForANewStep();
-        // Farther than there are steps: the number stays at its end.
-        panel.DragArrowDown(colour.GetPicker()->GetInput(TPickedColour::Alpha), 240);
-        float clear[TPickedColour::NumComponents];
-        std::copy_n(colour.GetPicker()->GetColour(), TPickedColour::NumComponents, clear);
-        clear[TPickedColour::Alpha] = 0;
-        panel.Apply(new TColourParamOp(&panel.Param<TNodeColourParameter>("Colour"), clear));
-        WaitForANewStep();
-        DragColour(panel, "Colour", PA_ALPHA, 0, 15);
+        colour.Drag(PA_STRIP, 0, 10);
         Screen.Save(program.GetMainRectangle(), Screenshot("panel-stage"));
 
-        // Each gesture is one step, forth and back.
-        for (int i = 0; i < 4; ++i)
+        // Forth and back while the picker is open.
+        for (int i = 0; i < 3; ++i)
             workshop.Undo();
-        for (int i = 0; i < 2; ++i)
+        for (int i = 0; i < 3; ++i)
             workshop.Redo();
         panel.Layout();
         panel.Close();
     }
+    EXPECT_EQ(CountSteps(workshop.GetDocument()), built + 14);
+    CheckSteps(program, workshop, 14);
+    Exit(program);
+}
 
-    const std::string saved = program.Path("values.effect");
-    const std::string expected = program.Path("expected.effect");
-    SaveTo(program, saved);
-    ASSERT_TRUE(workshop.GetDocument().SaveAs(expected.c_str()));
-    EXPECT_TRUE(AreSame(saved, expected));
-    const std::string before = ReadBytes(saved);
+TEST_F(ProgramPanels, EveryKindOfParameterIsEditedByHand)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    workshop.FoldPalette({"Forces", "Life"});
+    TToolNode* controls = workshop.Add("Effect With Controls", 110, 60);
+    TToolNode* constant = workshop.Add("Constant", 110, 200);
+    TToolNode* path = workshop.Add("Animation Path", 110, 300);
+    TToolNode* grid = workshop.Add("Grid", 110, 400);
+    TToolNode* shaper = workshop.Add("Shaper", 110, 500);
+    TToolNode* quads = workshop.Add("Quad Render Stage", 330, 60);
+    workshop.Connect(shaper, "Value", quads, "Colour");
+    TDocument& document = workshop.GetDocument();
+    const int built = CountSteps(document);
 
-    // All values back to how the nodes came, and forth again.
-    for (int i = 0; i < 14; ++i)
-        workshop.Undo();
-    Screen.Key("ctrl+s");
-    ASSERT_TRUE(workshop.GetDocument().Save());
-    EXPECT_TRUE(WaitUntil([&] { return AreSame(saved, expected); }));
-    EXPECT_NE(ReadBytes(saved), before);
-    for (int i = 0; i < 14; ++i)
-        workshop.Redo();
-    Screen.Key("ctrl+s");
-    ASSERT_TRUE(workshop.GetDocument().Save());
-    EXPECT_TRUE(WaitUntil([&] { return AreSame(saved, expected); }));
-    EXPECT_EQ(ReadBytes(saved), before);
+    // A whole number, two numbers, a choice.
+    {
+        TPanelHand panel(Screen, workshop, grid);
+        panel.Enter("Particle Count", "64");
+        panel.ClickArrow(panel.Field("Particle Count"), true);
+        panel.ApplyNumber("Particle Count", 0, 65);
+        panel.Enter("Size", "2.5", 0, "Tab");
+        panel.EnterNext("Size", "0.75", 1);
+        panel.Choose("Emit Type", 1);
+        Screen.Save(program.GetMainRectangle(), Screenshot("panel-grid"));
+        panel.Close();
+    }
+    EXPECT_EQ(CountSteps(document), built + 5);
+    // A transform by its tabs, of which the scale takes nothing.
+    {
+        TPanelHand panel(Screen, workshop, controls);
+        panel.TickGroup("Max Life Time", true);
+        panel.Enter("Intensity", "0.8");
+        panel.Enter("Direction", "-0.5", 2);
+        auto& placement = panel.Find<TNodeTransformParameterControls>("Placement");
+        panel.Click(placement.GetFoldButton());
+        placement.SetOpen(true);
+        panel.Layout();
+        panel.Enter("Placement", "1.25");
+        for (const int tab :
+             {TNodeTransformParameterControls::TT_ROTATE, TNodeTransformParameterControls::TT_SCALE,
+              TNodeTransformParameterControls::TT_TRANSLATE}) {
+            panel.Click(placement.GetTabButton(tab));
+            placement.ShowTab(tab);
+            if (tab == TNodeTransformParameterControls::TT_ROTATE)
+                panel.Enter("Placement", "45", 4);
+            if (tab == TNodeTransformParameterControls::TT_SCALE) {
+                panel.TypeInto(panel.Field("Placement", 7), "3");
+                Screen.Key("Return");
+            }
+            if (tab == TNodeTransformParameterControls::TT_ROTATE)
+                Screen.Save(program.GetMainRectangle(), Screenshot("panel-transform"));
+        }
+        panel.Click(placement.GetFoldButton());
+        placement.SetOpen(false);
+        panel.Layout();
+        panel.Enter("Placement", "-2", 2);
+        panel.Close();
+    }
+    EXPECT_EQ(CountSteps(document), built + 11);
+    // A port of several types: what it is, then its value.
+    {
+        TPanelHand panel(Screen, workshop, constant);
+        panel.ChooseType("Value", TY_QUATERNION);
+        panel.Enter("Value", "30", 0, "Tab");
+        panel.EnterNext("Value", "-60", 1, "Tab");
+        panel.EnterNext("Value", "90", 2);
+        Screen.Save(program.GetMainRectangle(), Screenshot("panel-quaternion"));
+        panel.ChooseType("Value", TY_TEXCOORDS);
+        panel.Enter("Value", "0.125", 1);
+        panel.Close();
+    }
+    EXPECT_EQ(CountSteps(document), built + 17);
+    // The curves of a wire's type: four of a colour.
+    {
+        TPanelHand panel(Screen, workshop, shaper);
+        TRampHand ramp(panel, "Value");
+        ASSERT_EQ(ramp.Ramp().GetModel().GetComponentCount(), 4);
+        // All four lie on each other.
+        ramp.DragPoint(0, 3, 0, 25);
+        panel.Close();
+    }
+    EXPECT_EQ(CountSteps(document), built + 18);
+    // The rectangle of a texture, and the texture itself by the dialog.
+    {
+        TPanelHand panel(Screen, workshop, quads);
+        panel.Enter("UVs", "0.25", 0, "Tab");
+        panel.EnterNext("UVs", "-0.5", 1, "Tab");
+        panel.EnterNext("UVs", "0.75", 2, "Tab");
+        panel.EnterNext("UVs", "1.5", 3);
+        auto& texture = panel.Find<TNodeTextureParameterControls>("Texture");
+        ChooseFile(program, panel, texture.GetButton(), TextureTitle,
+                   SourcePath("samples/textures/smoke.hvt"));
+        ASSERT_FALSE(HasFatalFailure());
+        panel.Apply(new TTextureParamOp(&panel.Param<TNodeTextureParameter>("Texture"), "smoke.hvt"));
+        // The preview's colours turn grey, which is nothing to undo.
+        const TVector2 box = panel.MiddleOf(texture.GetAlphaBox());
+        const TRectangle preview = {panel.ScreenX(texture.GetAbsolutePosition()),
+                                    panel.ScreenY(texture.GetAbsolutePosition()) + 24, 100, 100};
+        Screen.MoveTo(panel.ScreenX(box), panel.ScreenY(box));
+        const TPicture before = Screen.Grab(preview);
+        panel.Click(texture.GetAlphaBox());
+        EXPECT_TRUE(IsChanged(preview, before, 500));
+        Screen.Save(program.GetMainRectangle(), Screenshot("panel-texture"));
+        panel.Close();
+    }
+    EXPECT_EQ(CountSteps(document), built + 23);
+    {
+        TPanelHand panel(Screen, workshop, path);
+        auto& animation = panel.Find<TNodeAnimationParameterControls>("Animation");
+        TNodeAnimationParameter& parameter = panel.Param<TNodeAnimationParameter>("Animation");
+        ChooseFile(program, panel, animation.GetButton(), AnimationTitle,
+                   SourcePath("samples/animations/knot.vori"));
+        ASSERT_FALSE(HasFatalFailure());
+        panel.Apply(new TAnimNameParamOp(&parameter, "knot.vori"));
+        bool flags[TNodeAnimationParameterControls::FL_NUMFLAGS] = {
+            parameter.UsesPosition(), parameter.UsesRotation(), parameter.UsesScale()};
+        for (int i = 0; i < TNodeAnimationParameterControls::FL_NUMFLAGS; ++i) {
+            panel.Click(animation.GetFlagBox(i));
+            flags[i] = !flags[i];
+            panel.Apply(new TAnimFlagsParamOp(&parameter, flags[0], flags[1], flags[2]));
+        }
+        Screen.Save(program.GetMainRectangle(), Screenshot("panel-animation"));
+        panel.Close();
+    }
+    EXPECT_EQ(CountSteps(document), built + 27);
+    CheckSteps(program, workshop, 27);
+    Exit(program);
+}
+
+TEST_F(ProgramPanels, EveryButtonOfARampIsPressed)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    TToolNode* colours = workshop.Add("Colour Over Life", 110, 60);
+    TDocument& document = workshop.GetDocument();
+    const int built = CountSteps(document);
+    enum TComponent
+    {
+        Red,
+        Green,
+        Blue,
+        Alpha
+    };
+    TPanelHand panel(Screen, workshop, colours);
+    TRampHand ramp(panel, "Value");
+    // Red alone: all but alpha lie on each other.
+    for (const int component : {Green, Blue, Alpha})
+        ramp.ToggleComponent(component);
+    const int point = ramp.Insert(Red, 0.5f);
+    ASSERT_EQ(point, 3);
+    ramp.Enter(Red, point, "0.4", "0.6");
+    EXPECT_EQ(CountSteps(document), built + 3);
+    ramp.ClickArrow(Red, point, true, true);
+    ramp.ClickArrow(Red, point, false, true);
+    ramp.ClickArrow(Red, point, true, false);
+    ramp.ClickArrow(Red, point, false, false);
+    EXPECT_EQ(CountSteps(document), built + 7);
+    // A hundredth of the time, a thousandth of a span of 0.4; a tenth of it with Shift.
+    ramp.Select(Red, point);
+    ramp.MoveByKey(Red, point, "Right", 0.01, 0);
+    ramp.MoveByKey(Red, point, "Up", 0, 0.001);
+    ramp.MoveByKey(Red, point, "shift+Left", -0.001, 0);
+    ramp.MoveByKey(Red, point, "shift+Down", 0, -0.0001);
+    EXPECT_EQ(CountSteps(document), built + 11);
+    for (const char* key : {"Delete", "BackSpace"}) {
+        const int added = ramp.Insert(Red, 0.75f);
+        ASSERT_EQ(added, 6);
+        ramp.RemoveByKey(Red, added, key);
+    }
+    EXPECT_EQ(CountSteps(document), built + 15);
+    ramp.ToggleLinear();
+    ramp.DragPoint(Red, point, -20, 10);
+    ramp.ToggleLinear();
+    EXPECT_EQ(CountSteps(document), built + 18);
+    // What is hidden takes no part in a lock.
+    for (const int component : {Red, Green, Blue})
+        ramp.ToggleComponent(component);
+    ramp.ToggleLock({-1, -1, Green, -1});
+    Screen.Save(program.GetMainRectangle(), Screenshot("panel-lock"));
+    ramp.ToggleLock({-1, -1, -1, -1});
+    for (const int component : {Red, Alpha})
+        ramp.ToggleComponent(component);
+    EXPECT_EQ(CountSteps(document), built + 20);
+
+    // Near, aside, and back to all: were it not all, the point would not be under the pointer.
+    const TVector2 corner = ramp.Ramp().GetAbsolutePosition();
+    const TVector2 axis = corner + TVector2(10, 70);
+    ramp.Select(Alpha, 3);
+    const TRectangle plot = {panel.ScreenX(corner) + 25, panel.ScreenY(corner) + 20, 320, 105};
+    const TPicture all = Screen.Grab(plot);
+    Screen.Wheel(panel.ScreenX(corner) + 180, panel.ScreenY(corner) + 70, 3);
+    EXPECT_TRUE(IsChanged(plot, all, 500));
+    panel.Drag(axis, 20, 10);
+    Screen.DoubleClick(panel.ScreenX(axis), panel.ScreenY(axis));
+    // A drag that is given up leaves nothing.
+    ramp.Select(Alpha, 3);
+    Screen.Key("ctrl+c");
+    const TVector2 place = ramp.PlaceOf(ramp.Parameter().GetCurve(Alpha)[3]);
+    Screen.MoveTo(panel.ScreenX(place), panel.ScreenY(place));
+    Screen.Press();
+    Screen.MoveTo(panel.ScreenX(place) + 30, panel.ScreenY(place) + 30);
+    Screen.Key("Escape");
+    Screen.Release();
+    EXPECT_EQ(CountSteps(document), built + 20);
+    // The points that were copied come back.
+    const vector<TRampPoint> copied = ramp.Parameter().GetCurve(Alpha);
+    ramp.DragPoint(Alpha, 3, 40, 20);
+    Screen.Key("ctrl+v");
+    panel.Apply(new TRampChangePointsOp(&ramp.Parameter(), Alpha, copied));
+    Screen.Save(program.GetMainRectangle(), Screenshot("panel-colours"));
+    EXPECT_EQ(CountSteps(document), built + 22);
+    panel.Close();
+    CheckSteps(program, workshop, 22);
+    Exit(program);
+}
+
+TEST_F(ProgramPanels, EveryButtonOfAPickerIsPressedInBothModes)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    TToolNode* controls = workshop.Add("Effect With Controls", 110, 60);
+    TDocument& document = workshop.GetDocument();
+    const int built = CountSteps(document);
+    TPanelHand panel(Screen, workshop, controls);
+    // Between edits that would be one step, as they change the same of red, green, blue and alpha.
+    bool isUp = false;
+    const auto between = [&] {
+        isUp = !isUp;
+        panel.ClickArrow(panel.Field("Intensity"), isUp);
+        panel.ApplyNumber("Intensity", 0, isUp ? 1.1 : 1);
+    };
+    constexpr int A = TPickedColour::Alpha;
+    TPickerHand tint(panel, "Tint");
+    tint.Drag(PA_STRIP, 0, 10);
+    tint.Drag(PA_ALPHA, 0, 15);
+    tint.Drag(PA_SQUARE, -25, -18);
+    tint.Enter(A, "0.75");
+    tint.Enter(0, "0.25");
+    tint.ClickArrow(A, true);
+    tint.Enter(1, "0.5");
+    tint.ClickArrow(A, false);
+    tint.Enter(2, "0.625");
+    EXPECT_EQ(CountSteps(document), built + 9);
+    for (const bool up : {true, false})
+        for (int i = 0; i < A; ++i) {
+            between();
+            tint.ClickArrow(i, up);
+        }
+    EXPECT_EQ(CountSteps(document), built + 21);
+    Screen.Save(program.GetMainRectangle(), Screenshot("panel-hsl"));
+    between();
+    tint.ChooseMode(PM_RGB);
+    // Each of these changes others of the four.
+    tint.Drag(PA_SQUARE, 20, -30);
+    tint.Drag(PA_ALPHA, 0, -20);
+    tint.Drag(PA_STRIP, 0, 25);
+    const char* const values[] = {"0.875", "0.375", "0.125", "0.5"};
+    for (int i = 0; i <= A; ++i)
+        tint.Enter(i, values[i]);
+    for (const bool up : {true, false})
+        for (int i = 0; i <= A; ++i)
+            tint.ClickArrow(i, up);
+    EXPECT_EQ(CountSteps(document), built + 37);
+    Screen.Save(program.GetMainRectangle(), Screenshot("panel-rgb"));
+    tint.DragArrowToTheEnd(1);
+    tint.ChooseMode(PM_HSL);
+    tint.Fold();
+    EXPECT_EQ(CountSteps(document), built + 38);
+    panel.Close();
+    CheckSteps(program, workshop, 38);
     Exit(program);
 }

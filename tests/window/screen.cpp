@@ -16,6 +16,8 @@ namespace {
 
 // The time between the events of a hand.
 constexpr const char* StepDelay = "0.02";
+// Two clicks are one double click when a hand is fast, by the display's clock.
+constexpr auto ClicksApart = std::chrono::milliseconds(550);
 // Turns of the program's loop in which what it has been sent is done: read in one, told to the windows at its
 // end, and what they put off to the next.
 constexpr int TurnsToAct = 3;
@@ -170,27 +172,40 @@ TCommandResult TScreen::Do(const std::vector<std::string>& arguments) const
     return RunCommand(command, {"DISPLAY=" + Display});
 }
 
+// In a flow the words are kept for its end.
+void TScreen::Act(const std::vector<std::string>& words)
+{
+    if (NumFlows > 0)
+        Gathered.insert(Gathered.end(), words.begin(), words.end());
+    else
+        Do(words);
+}
+
 void TScreen::Settle()
 {
+    if (NumFlows > 0)
+        return;
     EXPECT_TRUE(Connection.AwaitManager());
     EXPECT_TRUE(Connection.AwaitProgram(TurnsToAct));
 }
 
 void TScreen::MoveTo(int x, int y)
 {
-    Do({"mousemove", Number(x), Number(y), "sleep", StepDelay});
+    Act({"mousemove", Number(x), Number(y), "sleep", StepDelay});
     PointerX = x;
     PointerY = y;
     Settle();
 }
 
-// Two clicks are one double click when a hand is fast, by the display's clock.
 void TScreen::KeepClicksApart(int button)
 {
-    constexpr auto Apart = std::chrono::milliseconds(550);
     constexpr int Near = 20;
-    if (button == LastButton && std::abs(PointerX - LastX) < Near && std::abs(PointerY - LastY) < Near)
-        std::this_thread::sleep_until(LastPress + Apart);
+    if (button == LastButton && std::abs(PointerX - LastX) < Near && std::abs(PointerY - LastY) < Near) {
+        if (NumFlows > 0)
+            Act({"sleep", std::to_string(std::chrono::duration<double>(ClicksApart).count())});
+        else
+            std::this_thread::sleep_until(LastPress + ClicksApart);
+    }
     LastX = PointerX;
     LastY = PointerY;
     LastButton = button;
@@ -199,14 +214,14 @@ void TScreen::KeepClicksApart(int button)
 void TScreen::Press(int button)
 {
     KeepClicksApart(button);
-    Do({"mousedown", Number(button), "sleep", StepDelay});
+    Act({"mousedown", Number(button), "sleep", StepDelay});
     LastPress = std::chrono::steady_clock::now();
     Settle();
 }
 
 void TScreen::Release(int button)
 {
-    Do({"mouseup", Number(button), "sleep", StepDelay});
+    Act({"mouseup", Number(button), "sleep", StepDelay});
     Settle();
 }
 
@@ -215,6 +230,15 @@ void TScreen::Click(int x, int y, int button)
     MoveTo(x, y);
     Press(button);
     Release(button);
+}
+
+void TScreen::DoubleClick(int x, int y)
+{
+    MoveTo(x, y);
+    KeepClicksApart(1);
+    Act({"click", "--repeat", "2", "--delay", "50", "1", "sleep", StepDelay});
+    LastPress = std::chrono::steady_clock::now();
+    Settle();
 }
 
 void TScreen::Drag(int fromX, int fromY, int toX, int toY, int button)
@@ -228,7 +252,7 @@ void TScreen::Drag(int fromX, int fromY, int toX, int toY, int button)
              {std::string("mousemove"), Number(fromX + (toX - fromX) * i / Steps),
               Number(fromY + (toY - fromY) * i / Steps), std::string("sleep"), std::string(StepDelay)})
             moves.push_back(word);
-    Do(moves);
+    Act(moves);
     Release(button);
 }
 
@@ -237,13 +261,13 @@ void TScreen::Wheel(int x, int y, int notches)
     MoveTo(x, y);
     const std::string button = notches > 0 ? "4" : "5";
     for (int i = 0; i < std::abs(notches); ++i)
-        Do({"click", button, "sleep", StepDelay});
+        Act({"click", button, "sleep", StepDelay});
     Settle();
 }
 
 void TScreen::Key(const std::string& key)
 {
-    Do({"key", key, "sleep", StepDelay});
+    Act({"key", key, "sleep", StepDelay});
     Settle();
 }
 
@@ -251,25 +275,27 @@ void TScreen::Keys(const std::vector<std::string>& keys)
 {
     std::vector<std::string> command = {"key", "--delay", "30"};
     command.insert(command.end(), keys.begin(), keys.end());
-    Do(command);
+    Act(command);
     Settle();
 }
 
 void TScreen::HoldKey(const std::string& key)
 {
-    Do({"keydown", key, "sleep", StepDelay});
+    Act({"keydown", key, "sleep", StepDelay});
     Settle();
 }
 
 void TScreen::LetKey(const std::string& key)
 {
-    Do({"keyup", key, "sleep", StepDelay});
+    Act({"keyup", key, "sleep", StepDelay});
     Settle();
 }
 
 void TScreen::Type(const std::string& text)
 {
-    Do({"type", "--delay", "8", text});
+    // What ends the text must be none itself.
+    const std::string end = "\x1e";
+    Act({"type", "--delay", "8", "--terminator", end, "--", text, end});
     Settle();
 }
 
@@ -363,4 +389,19 @@ void TScreen::Save(const TRectangle& part, const std::string& path) const
 {
     RunCommand({"import", "-silent", "-window", "root", "-crop", Geometry(part), "+repage", path},
                {"DISPLAY=" + Display});
+}
+
+THandFlow::THandFlow(TScreen& screen) : Screen(screen)
+{
+    ++Screen.NumFlows;
+}
+
+THandFlow::~THandFlow()
+{
+    if (--Screen.NumFlows > 0)
+        return;
+    Screen.Do(Screen.Gathered);
+    Screen.Gathered.clear();
+    Screen.LastPress = std::chrono::steady_clock::now();
+    Screen.Settle();
 }

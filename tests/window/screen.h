@@ -34,6 +34,7 @@ public:
     void Press(int button = 1);
     void Release(int button = 1);
     void Click(int x, int y, int button = 1);
+    void DoubleClick(int x, int y);
     // Holds the button on the way, which is taken in steps as a hand does.
     void Drag(int fromX, int fromY, int toX, int toY, int button = 1);
     void Wheel(int x, int y, int notches);
@@ -67,7 +68,9 @@ public:
     void Save(const TRectangle& part, const std::string& path) const;
 
 private:
+    friend class THandFlow;
     TCommandResult Do(const std::vector<std::string>& arguments) const;
+    void Act(const std::vector<std::string>& words);
     bool StartServer(int width, int height);
     void KeepClicksApart(int button);
 
@@ -80,8 +83,25 @@ private:
     int LastY = 0;
     int LastButton = 0;
     std::chrono::steady_clock::time_point LastPress;
+    // Of the flows that run.
+    int NumFlows = 0;
+    std::vector<std::string> Gathered;
     pid_t Server = -1;
     pid_t Manager = -1;
+};
+
+// As long as one lives, what a hand does is only gathered; at its end all is done in one go, as by a hand
+// that need not look in between. The outermost one counts.
+class THandFlow
+{
+public:
+    explicit THandFlow(TScreen& screen);
+    ~THandFlow();
+    THandFlow(const THandFlow&) = delete;
+    THandFlow& operator=(const THandFlow&) = delete;
+
+private:
+    TScreen& Screen;
 };
 
 // True as soon as the condition holds; false once the patience is at an end.

@@ -146,11 +146,14 @@ TToolNode* TWorkshop::Add(const char* type, int x, int y)
     const int row = FindPaletteRow(type, false);
     EXPECT_NE(row, -1) << type;
     // Lingering at the graph's edge on the way would scroll it.
-    Screen.MoveTo(GetPalette().X + 100, GetPalette().Y + Palette.GetRows()[row].Top + 10);
-    Screen.Press();
-    Screen.MoveTo(ScreenX(x) - 20, ScreenY(y) - 20);
-    Screen.MoveTo(ScreenX(x), ScreenY(y));
-    Screen.Release();
+    {
+        const THandFlow flow(Screen);
+        Screen.MoveTo(GetPalette().X + 100, GetPalette().Y + Palette.GetRows()[row].Top + 10);
+        Screen.Press();
+        Screen.MoveTo(ScreenX(x) - 20, ScreenY(y) - 20);
+        Screen.MoveTo(ScreenX(x), ScreenY(y));
+        Screen.Release();
+    }
     Document->ApplyOperation(new TAddGraphNodeOp(*Document, App.Type(type), x, y));
     return GetLast();
 }
@@ -183,7 +186,10 @@ void TWorkshop::Connect(TToolNode* source, const char* output, TToolNode* destin
     int toY = 0;
     PortPosition(source, false, from, fromX, fromY);
     PortPosition(destination, true, to, toX, toY);
-    Screen.Drag(fromX, fromY, toX, toY);
+    {
+        const THandFlow flow(Screen);
+        Screen.Drag(fromX, fromY, toX, toY);
+    }
     Document->ApplyOperation(new TAddGraphEdgeOp(*Document, source, from, destination, to));
 }
 
@@ -251,7 +257,7 @@ void TWorkshop::Bypass(TToolNode* node)
     Document->ApplyOperation(new TBypassFlagOp(node, !node->GetNodeType()->IsBypassed()));
 }
 
-void TWorkshop::Rename(TToolNode* node, const char* name)
+void TWorkshop::Rename(TToolNode* node, const char* name, int priority)
 {
     constexpr const char* Title = "^Node Properties$";
     int x = 0;
@@ -264,12 +270,21 @@ void TWorkshop::Rename(TToolNode* node, const char* name)
     Screen.Key("Return");
     ASSERT_TRUE(Screen.WaitForWindow(Title));
     ASSERT_TRUE(Screen.WaitUntilActive(Title));
-    // The old name is selected.
-    Screen.Type(name);
-    Screen.Key("Return");
+    {
+        const THandFlow flow(Screen);
+        // What stands in a field that is entered is selected.
+        Screen.Type(name);
+        if (priority != -1) {
+            Screen.Key("Tab");
+            Screen.Type(std::to_string(priority));
+        }
+        Screen.Key("Return");
+    }
     ASSERT_TRUE(Screen.WaitUntilGone(Title));
     TNodeProperties properties = GetNodeProperties(*node->GetNodeType());
     properties.Name = name;
+    if (priority != -1)
+        properties.Priority = priority;
     Document->ApplyOperation(new TNodePropertiesOp(node, properties));
 }
 

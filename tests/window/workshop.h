@@ -31,8 +31,8 @@ public:
     // A box round the nodes and nothing else.
     void SelectBox(const std::vector<TToolNode*>& nodes);
     void Bypass(TToolNode* node);
-    // By the Node Properties dialog, which Return closes.
-    void Rename(TToolNode* node, const char* name);
+    // By the Node Properties dialog, which Return closes; a render stage has a priority too, -1 to leave it.
+    void Rename(TToolNode* node, const char* name, int priority = -1);
     void Copy();
     void Paste();
     void Cut();
