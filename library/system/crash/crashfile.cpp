@@ -42,7 +42,7 @@ size_t ReadSmallFile(const char* path, char* buffer, size_t size)
     return used;
 }
 
-void MakeFolders(const char* path)
+void MakeCrashFolders(const char* path)
 {
     char part[PATH_MAX];
     if (!JoinTexts(part, sizeof(part), path, ""))

@@ -11,7 +11,7 @@ bool JoinTexts(char* buffer, size_t size, const char* first, const char* second,
 size_t ReadSmallFile(const char* path, char* buffer, size_t size);
 
 // Makes the folder and those that it lies in.
-void MakeFolders(const char* path);
+void MakeCrashFolders(const char* path);
 
 enum TWriteThrough
 {

@@ -251,7 +251,7 @@ void OnCrash(const TCrash& crash)
     const TWritten beside = WriteReport(Facts.ProgramFolder, crash);
     if (beside == W_WHOLE && WriteDump(Facts.ProgramFolder, crash))
         return;
-    MakeFolders(Facts.StateFolder);
+    MakeCrashFolders(Facts.StateFolder);
     if (beside == W_WHOLE) {
         WriteDump(Facts.StateFolder, crash);
         return;
