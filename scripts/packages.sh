@@ -7,7 +7,7 @@ packages=(g++ cmake ninja-build pkg-config libsquish-dev qt6-base-dev libqt6open
     libfreetype-dev libfontconfig-dev fonts-dejavu-core fonts-liberation libgl1-mesa-dri)
 if [ "${1:-}" = tests ]; then
     packages+=(libgtest-dev libbenchmark-dev clang-format clang libclang-rt-dev xvfb xauth xdotool openbox
-        imagemagick x11-utils libxcb1-dev)
+        imagemagick x11-utils libxcb1-dev gdb)
 fi
 
 fail() {
