@@ -5,6 +5,8 @@
 #include "library/containers/string.h"
 #include "library/system/thread.h"
 #include "particles/cindermill/main/crashreport.h"
+#include "particles/cindermill/main/settings.h"
+#include "particles/cindermill/main/settingsstore.h"
 
 #include <atomic>
 #include <cfenv>
@@ -30,6 +32,7 @@ namespace {
 std::atomic<int> Waiting(0);
 std::atomic<bool> Never(false);
 char* OwnPath = nullptr;
+char* volatile HeapText = nullptr;
 
 void Print(const char* text)
 {
@@ -195,12 +198,16 @@ void StartThread(void (*work)())
         usleep(1000);
 }
 
+void PathBeside(const char* leaf, char (&path)[4096])
+{
+    snprintf(path, sizeof(path), "%.*s/%s", static_cast<int>(strrchr(OwnPath, '/') - OwnPath), OwnPath, leaf);
+}
+
 bool IsReportThere()
 {
     struct stat info;
     char path[4096];
-    snprintf(path, sizeof(path), "%.*s/ERRORLOG.TXT", static_cast<int>(strrchr(OwnPath, '/') - OwnPath),
-             OwnPath);
+    PathBeside("ERRORLOG.TXT", path);
     return stat(path, &info) == 0 && info.st_size > 0;
 }
 
@@ -223,6 +230,7 @@ void FailTwice()
         ++Waiting;
         while (!IsReportThere()) {
         }
+        Print("second fails\n");
         FailByDivision();
     });
     FailByWriting();
@@ -282,6 +290,26 @@ void FailWithBox()
     while (Waiting < 3)
         usleep(1000);
     FailByAssertion();
+}
+
+void SetMode(const char* mode)
+{
+    char path[4096];
+    PathBeside("settings.ini", path);
+    TSettings* const settings = new TSettings(OpenSettingsFile(path));
+    settings->Load();
+    if (strcmp(mode, "stored") != 0)
+        settings->SetDebugMode(atoi(mode));
+}
+
+// Not in the program's file as it stands.
+void FillHeap()
+{
+    constexpr char Shifted[] = "uijt!mjft!po!uif!ifbq";
+    char* const text = new char[sizeof(Shifted)];
+    for (size_t i = 0; i < sizeof(Shifted); ++i)
+        text[i] = static_cast<char>(Shifted[i] - (Shifted[i] != 0 ? 1 : 0));
+    HeapText = text;
 }
 
 int FailGuarded()
@@ -358,7 +386,8 @@ int main(int argc, char** argv)
         return 3;
     }
     if (argc > 2)
-        TCrashReport::SetDebugMode(atoi(argv[2]));
+        SetMode(argv[2]);
+    FillHeap();
     if (strcmp(way, "guarded") == 0)
         return FailGuarded();
     for (const TWay& one : Ways)

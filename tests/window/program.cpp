@@ -4,6 +4,16 @@
 #include <filesystem>
 #include <sys/wait.h>
 
+// A second name of the same file, where that can be.
+static void Install(const std::string& path)
+{
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::error_code error;
+    std::filesystem::create_hard_link(CINDERMILL_PROGRAM, path, error);
+    if (error)
+        std::filesystem::copy_file(CINDERMILL_PROGRAM, path);
+}
+
 TProgram::TProgram(TScreen& screen, const TProgramOptions& options) : Screen(screen)
 {
     const std::string config = Folder.Path("config");
@@ -21,7 +31,12 @@ TProgram::TProgram(TScreen& screen, const TProgramOptions& options) : Screen(scr
         // Tells the screen when the program has dealt with what was done to it.
         "QT_QPA_GENERIC_PLUGINS=turnteller", std::string("QT_PLUGIN_PATH=") + CINDERMILL_TEST_PLUGINS};
     environment.insert(environment.end(), options.Environment.begin(), options.Environment.end());
-    Process = StartCommand({CINDERMILL_PROGRAM}, environment, Folder.Path("output"), Folder.GetFolder(),
+    std::string program = CINDERMILL_PROGRAM;
+    if (!options.Installed.empty()) {
+        program = Folder.Path(options.Installed);
+        Install(program);
+    }
+    Process = StartCommand({program}, environment, Folder.Path("output"), Folder.GetFolder(),
                            options.FileSizeLimit);
 }
 
@@ -58,6 +73,11 @@ bool TProgram::IsRunning()
     Status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     Process = -1;
     return false;
+}
+
+void TProgram::Signal(int signal) const
+{
+    kill(Process, signal);
 }
 
 int TProgram::WaitForEnd()

@@ -11,6 +11,8 @@ struct TProgramOptions
     long FileSizeLimit = 0;
     // Lines of the settings, besides the version.
     std::string Settings;
+    // Where in its home the program lies, as if it were installed there; "" for where it was built.
+    std::string Installed;
 };
 
 // The program, started by itself on a screen, with settings and a home of its own. What remains of it ends
@@ -26,6 +28,7 @@ public:
     // Waits for the main window.
     bool IsUp() const;
     bool IsRunning();
+    void Signal(int signal) const;
     // Waits for the end; the exit status, or -1 if it goes on.
     int WaitForEnd();
     // What it has printed so far.

@@ -2,6 +2,7 @@
 
 #include "library/system/crash/crashfile.h"
 #include "library/system/crash/crashwriter.h"
+#include "library/system/endsignal.h"
 #include "library/system/signalstack.h"
 
 #include <atomic>
@@ -187,14 +188,4 @@ void ReportCrash(TFailureKind kind, const char* text)
     WriteDebug("raising exception\r\n");
     Unblock(SIGABRT);
     Raise(SIGABRT);
-}
-
-void EndBySignal(int signal)
-{
-    struct sigaction action = {};
-    action.sa_handler = SIG_DFL;
-    sigaction(signal, &action, nullptr);
-    Unblock(signal);
-    Raise(signal);
-    _exit(128 + signal);
 }

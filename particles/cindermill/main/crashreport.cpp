@@ -6,6 +6,7 @@
 #include "library/system/crash/crashhandler.h"
 #include "library/system/crash/crashwriter.h"
 #include "library/system/crash/systemfacts.h"
+#include "library/system/endsignal.h"
 
 #include <atomic>
 
