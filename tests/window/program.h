@@ -26,6 +26,7 @@ public:
     // Waits for the main window.
     bool IsUp() const;
     bool IsRunning();
+    void Send(int signal) const;
     // Waits for the end; the exit status, or -1 if it goes on.
     int WaitForEnd();
     // What it has printed so far.
