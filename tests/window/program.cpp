@@ -25,7 +25,8 @@ TProgram::TProgram(TScreen& screen, const TProgramOptions& options) : Screen(scr
         "DISPLAY=" + screen.GetDisplay(), "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "HOME=" + Folder.GetFolder(),
         // No program of whoever runs the tests hears of it.
         "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR=" + Folder.GetFolder(), "XDG_CONFIG_HOME=" + config,
-        "XDG_CACHE_HOME=" + Folder.Path("cache"), "LIBGL_ALWAYS_SOFTWARE=1",
+        "XDG_CACHE_HOME=" + Folder.Path("cache"), "XDG_STATE_HOME=" + Folder.Path("state"),
+        "LIBGL_ALWAYS_SOFTWARE=1",
         // The window system's own leaks are not this program's.
         "ASAN_OPTIONS=detect_leaks=0",
         // Tells the screen when the program has dealt with what was done to it.
@@ -75,7 +76,7 @@ bool TProgram::IsRunning()
     return false;
 }
 
-void TProgram::Signal(int signal) const
+void TProgram::Send(int signal) const
 {
     kill(Process, signal);
 }
