@@ -3,6 +3,8 @@
 #include "library/containers/nametocrc.h"
 #include "library/system/path.h"
 
+#include <atomic>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <signal.h>
@@ -11,6 +13,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/utsname.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace {
@@ -20,14 +23,18 @@ constexpr const char* NameEnd = ".tmp";
 
 // The part of the names that is this machine's: a lock says nothing about a program on another one, which may
 // share the folder.
+TString MakeNameStart()
+{
+    utsname machine = {};
+    uname(&machine);
+    TString start;
+    start.Format(".cindermill-%08x-", NameToCrc(machine.nodename));
+    return start;
+}
+
 const TString& GetNameStart()
 {
-    static TString start;
-    if (start.IsEmpty()) {
-        utsname machine = {};
-        uname(&machine);
-        start.Format(".cindermill-%08x-", NameToCrc(machine.nodename));
-    }
+    static const TString start = MakeNameStart();
     return start;
 }
 
@@ -40,7 +47,7 @@ void GetFolder(const char* path, TString& folder)
 
 void MakeName(const char* target, TString& path)
 {
-    static unsigned counter = 0;
+    static std::atomic<unsigned> counter = 0;
     TString name;
     name.Format("%s%d-%u%s", GetNameStart().Print(), static_cast<int>(getpid()), counter++, NameEnd);
     GetFolder(target, path);
@@ -210,12 +217,28 @@ static bool TakeOwner(int handle, const struct stat& old)
            fchown(handle, static_cast<uid_t>(-1), old.st_gid) == 0;
 }
 
+// What a file lets single people and groups do, or nothing: a folder may have given the new file other
+// rights.
+static void TakeAccessList(int handle, const char* target)
+{
+    static constexpr const char* Name = "system.posix_acl_access";
+    constexpr size_t MaxList = 1 << 16;
+    vector<char> list;
+    list.resize(MaxList);
+    const ssize_t size = getxattr(target, Name, list.data(), MaxList);
+    if (size > 0)
+        fsetxattr(handle, Name, list.data(), static_cast<size_t>(size), 0);
+    else
+        fremovexattr(handle, Name);
+}
+
 // The file that takes the old one's place is open to the same people.
 bool TTemporaryFile::Resemble(const struct stat* old)
 {
     if (old == nullptr)
         return true;
     TakeOwner(Handle, *old);
+    TakeAccessList(Handle, Target);
     if (fchmod(Handle, old->st_mode & 07777) == 0)
         return true;
     const int error = errno;
