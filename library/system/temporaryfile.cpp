@@ -13,6 +13,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/utsname.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace {
@@ -21,14 +22,19 @@ constexpr int MaxNames = 1000;
 constexpr const char* NameEnd = ".tmp";
 
 // The part of the names that is this machine's: a lock says nothing about a program on another one, which may
-// share the folder. Files are written on several threads.
+// share the folder.
+TString MakeNameStart()
+{
+    utsname machine = {};
+    uname(&machine);
+    TString start;
+    start.Format(".cindermill-%08x-", NameToCrc(machine.nodename));
+    return start;
+}
+
 const TString& GetNameStart()
 {
-    static const TString start = [] {
-        utsname machine = {};
-        uname(&machine);
-        return TString().Format(".cindermill-%08x-", NameToCrc(machine.nodename));
-    }();
+    static const TString start = MakeNameStart();
     return start;
 }
 
@@ -211,12 +217,28 @@ static bool TakeOwner(int handle, const struct stat& old)
            fchown(handle, static_cast<uid_t>(-1), old.st_gid) == 0;
 }
 
+// What a file lets single people and groups do, or nothing: a folder may have given the new file other
+// rights.
+static void TakeAccessList(int handle, const char* target)
+{
+    static constexpr const char* Name = "system.posix_acl_access";
+    constexpr size_t MaxList = 1 << 16;
+    vector<char> list;
+    list.resize(MaxList);
+    const ssize_t size = getxattr(target, Name, list.data(), MaxList);
+    if (size > 0)
+        fsetxattr(handle, Name, list.data(), static_cast<size_t>(size), 0);
+    else
+        fremovexattr(handle, Name);
+}
+
 // The file that takes the old one's place is open to the same people.
 bool TTemporaryFile::Resemble(const struct stat* old)
 {
     if (old == nullptr)
         return true;
     TakeOwner(Handle, *old);
+    TakeAccessList(Handle, Target);
     if (fchmod(Handle, old->st_mode & 07777) == 0)
         return true;
     const int error = errno;

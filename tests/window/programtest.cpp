@@ -239,6 +239,30 @@ TEST_F(Program, ALockedFileIsUnlockedOnDemand)
     Exit(program);
 }
 
+TEST_F(Program, AFileThatAnotherProgramChangedIsAskedAbout)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    const std::string path = program.Path("shared.effect");
+    SaveTo(program, path);
+    workshop.Add("Effect", 110, 60);
+    WriteBytes(path, "theirs");
+    Screen.Key("ctrl+s");
+    ASSERT_TRUE(Screen.WaitUntilActive(MessageTitle));
+    Screen.Save(program.GetMainRectangle(), Screenshot("changed-by-another"));
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Escape"));
+    EXPECT_EQ(ReadBytes(path), "theirs");
+    EXPECT_TRUE(WaitForStar());
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    Screen.Key("ctrl+s");
+    ASSERT_TRUE(program.AnswerDialog(MessageTitle, "Return"));
+    EXPECT_TRUE(WaitUntil([&] { return ReadBytes(path) != "theirs"; }));
+    Exit(program);
+}
+
 TEST_F(Program, AFullDiscLosesNothing)
 {
     TProgramOptions options;

@@ -121,7 +121,6 @@ pid_t StartCommand(const std::vector<std::string>& arguments, const std::vector<
     if (!folder.empty() && chdir(folder.c_str()) != 0)
         _exit(126);
     if (fileSizeLimit > 0) {
-        signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{static_cast<rlim_t>(fileSizeLimit), static_cast<rlim_t>(fileSizeLimit)};
         setrlimit(RLIMIT_FSIZE, &limit);
     }

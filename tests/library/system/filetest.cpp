@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -374,6 +375,41 @@ TEST_F(TFileTest, AnotherUsersFileKeepsItsOwnerGroupAndRights)
     EXPECT_EQ(info.st_gid, 12u);
     EXPECT_EQ(info.st_mode & 07777, 0664u);
     EXPECT_EQ(ReadBytes(path), "new");
+}
+
+TEST_F(TFileTest, TheRightsOfSinglePeopleAreKeptAndNoneComeFromTheFolder)
+{
+    // The owner, one user, the group, the most that those may do, all others.
+    const struct
+    {
+        uint16_t Tag;
+        uint16_t Rights;
+        uint32_t Id;
+    } entries[] = {
+        {1, 6, 0xffffffff}, {2, 6, 65534}, {4, 4, 0xffffffff}, {16, 6, 0xffffffff}, {32, 0, 0xffffffff}};
+    std::string list("\2\0\0\0", 4);
+    list.append(reinterpret_cast<const char*>(entries), sizeof(entries));
+    const std::string path = Make("old");
+    if (setxattr(path.c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0)
+        GTEST_SKIP() << "the file system keeps no rights of single people";
+    const auto write = [](const std::string& target) {
+        TFile file;
+        ASSERT_TRUE(file.OpenWrite(target.c_str()));
+        EXPECT_TRUE(file.Write("new", 3));
+        EXPECT_TRUE(file.Close());
+    };
+    write(path);
+    char kept[100];
+    const ssize_t size = getxattr(path.c_str(), "system.posix_acl_access", kept, sizeof(kept));
+    ASSERT_EQ(size, static_cast<ssize_t>(list.size()));
+    EXPECT_EQ(std::string(kept, list.size()), list);
+    const std::string plain = Folder.Path("plain");
+    WriteBytes(plain, "old");
+    ASSERT_EQ(setxattr(Folder.GetFolder().c_str(), "system.posix_acl_default", list.data(), list.size(), 0),
+              0);
+    write(plain);
+    EXPECT_EQ(getxattr(plain.c_str(), "system.posix_acl_access", kept, sizeof(kept)), -1);
+    EXPECT_EQ(ReadBytes(plain), "new");
 }
 
 TEST_F(TFileTest, AFileThatAnotherLetsOneWriteKeepsItsRights)

@@ -131,6 +131,8 @@ bool TRenderStage::InitTexture(int texture, TErrorList& errors)
     }
     if (!GetServices().FindResource(fileName, path)) {
         errors.Add(new TError("Could not resolve path for texture %s", QuoteText(fileName).Print()));
+        // The last place that was looked at may be one that nobody may look into.
+        AddReadRefusal(errors, path);
         return false;
     }
     if (!GetServices().LoadTexture(path, slot.Texture)) {

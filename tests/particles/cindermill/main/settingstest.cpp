@@ -7,6 +7,9 @@
 #include <map>
 #include <memory>
 
+#include <stdlib.h>
+#include <sys/stat.h>
+
 namespace {
 
 // Keeps values in memory, writes down the names as they are written, and fails when told so.
@@ -525,6 +528,39 @@ TEST_F(SettingsFile, AStoreThatCannotBeWrittenIsSilent)
     ExpectDefaults(settings);
     EXPECT_EQ(LogOf([&] { settings.SetCameraMode(1); }), "");
     EXPECT_EQ(settings.GetCameraMode(), 1);
+}
+
+TEST_F(SettingsFile, WhatIsNoRegularFileIsToldAndNotWrittenTo)
+{
+    std::filesystem::create_symlink("/dev/zero", Folder.Path("settings.ini"));
+    std::unique_ptr<TSettingsStore> store;
+    EXPECT_EQ(LogOf([&] { store = Open(); }),
+              "The settings are not used: " + Folder.Path("settings.ini") + ": It is no regular file\n");
+    EXPECT_FALSE(store->Exists());
+    EXPECT_FALSE(store->WriteInt("CameraMode", 1));
+    EXPECT_FALSE(store->WriteString("NodeTypesDirectory", "x"));
+    EXPECT_FALSE(store->Flush());
+    EXPECT_TRUE(std::filesystem::is_symlink(Folder.Path("settings.ini")));
+}
+
+TEST_F(SettingsFile, TheProgramsOwnLieUnderTheConfigurationDirectory)
+{
+    const char* before = getenv("XDG_CONFIG_HOME");
+    const std::string old = before != nullptr ? before : "";
+    setenv("XDG_CONFIG_HOME", Folder.GetFolder().c_str(), 1);
+    // The organisation's file is another, which may be anything.
+    ASSERT_EQ(mkfifo(Folder.Path("TolvTools.conf").c_str(), 0600), 0);
+    {
+        const std::unique_ptr<TSettingsStore> store(OpenSettingsStore());
+        EXPECT_FALSE(store->Exists());
+        EXPECT_TRUE(store->WriteInt("CameraMode", 1));
+        EXPECT_TRUE(store->Flush());
+    }
+    if (before != nullptr)
+        setenv("XDG_CONFIG_HOME", old.c_str(), 1);
+    else
+        unsetenv("XDG_CONFIG_HOME");
+    EXPECT_NE(ReadBytes(Folder.Path("TolvTools/VORCindermill.conf")).find("CameraMode=1"), std::string::npos);
 }
 
 TEST_F(SettingsFile, ADamagedFileGivesTheDefaults)
