@@ -22,3 +22,18 @@ void SetTickCountSource(uint32_t (*source)())
 {
     TickCountSource = source;
 }
+
+int64_t GetWallTime()
+{
+    return time(nullptr);
+}
+
+void FormatLocalTime(int64_t time, TString& text)
+{
+    const time_t seconds = static_cast<time_t>(time);
+    tm parts{};
+    char buffer[32] = "";
+    if (localtime_r(&seconds, &parts) != nullptr)
+        strftime(buffer, sizeof(buffer), "%Y-%m-%d %H:%M:%S", &parts);
+    text = buffer;
+}

@@ -2,18 +2,17 @@
 
 #include "library/containers/assertion.h"
 #include "library/system/path.h"
+#include "library/system/systemerror.h"
 
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
-#include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 static constexpr uint32_t BlockSize = 1024;
 static constexpr int MaxLinks = 40;
-static constexpr int MaxTemporaryNames = 1000;
 
 static bool GetInfo(const char* path, struct stat& info)
 {
@@ -22,25 +21,30 @@ static bool GetInfo(const char* path, struct stat& info)
     return stat(systemPath.Print(), &info) == 0;
 }
 
-static int OpenRetrying(const char* path, int flags, mode_t mode)
+// Why a file that is there is none to read or write, or 0.
+static int GetKindFault(const struct stat& info)
 {
-    int handle;
-    do
-        handle = open(path, flags | O_CLOEXEC, mode);
-    while (handle < 0 && errno == EINTR);
-    return handle;
+    if (S_ISREG(info.st_mode))
+        return 0;
+    return S_ISDIR(info.st_mode) ? EISDIR : FF_NOREGULARFILE;
 }
 
-// The handle of a plain file, or -1. Opening a pipe for reading would wait for its writer.
-static int OpenPlainFile(const char* path, int64_t& size)
+// The handle of a plain file, or -1 with the reason. Opening a pipe for reading would wait for its writer.
+static int OpenPlainFile(const char* path, int64_t& size, int& error)
 {
     TString systemPath;
     ToSystemPath(path, systemPath);
-    const int handle = OpenRetrying(systemPath.Print(), O_RDONLY | O_NONBLOCK, 0);
-    if (handle < 0)
+    int handle;
+    do
+        handle = open(systemPath.Print(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    while (handle < 0 && errno == EINTR);
+    if (handle < 0) {
+        error = errno;
         return -1;
+    }
     struct stat info;
-    if (fstat(handle, &info) != 0 || !S_ISREG(info.st_mode)) {
+    error = fstat(handle, &info) != 0 ? errno : GetKindFault(info);
+    if (error != 0) {
         close(handle);
         return -1;
     }
@@ -55,6 +59,8 @@ static bool ReadAt(int handle, void* buffer, uint32_t n, uint32_t position)
         const ssize_t got = pread(handle, to, n, static_cast<off_t>(position));
         if (got < 0 && errno == EINTR)
             continue;
+        if (got == 0)
+            errno = 0;
         if (got <= 0)
             return false;
         to += got;
@@ -76,6 +82,17 @@ bool IsDirectory(const char* path)
     return GetInfo(path, info) && S_ISDIR(info.st_mode);
 }
 
+// Why a file that is there cannot be written to, or 0. A path in the system's own form.
+static int GetWriteFault(const char* path, const struct stat& info)
+{
+    if (S_ISDIR(info.st_mode))
+        return EISDIR;
+    // The owner's bit is looked at by itself, as the superuser may write to what is marked read-only.
+    if ((info.st_mode & S_IWUSR) == 0)
+        return EACCES;
+    return access(path, W_OK) == 0 ? 0 : errno;
+}
+
 bool FileIsWritable(const char* path)
 {
     struct stat info;
@@ -83,8 +100,7 @@ bool FileIsWritable(const char* path)
         return true;
     TString systemPath;
     ToSystemPath(path, systemPath);
-    // The owner's bit is looked at by itself, as the superuser may write to what is marked read-only.
-    return !S_ISDIR(info.st_mode) && (info.st_mode & S_IWUSR) != 0 && access(systemPath.Print(), W_OK) == 0;
+    return GetWriteFault(systemPath.Print(), info) == 0;
 }
 
 bool ClearReadOnly(const char* path)
@@ -111,7 +127,8 @@ uint32_t GetFileSize(const char* path)
 bool GetFileSize64(const char* path, uint64_t& result)
 {
     int64_t size = 0;
-    const int handle = OpenPlainFile(path, size);
+    int error = 0;
+    const int handle = OpenPlainFile(path, size, error);
     if (handle < 0)
         return false;
     close(handle);
@@ -122,7 +139,8 @@ bool GetFileSize64(const char* path, uint64_t& result)
 bool ReadWholeFile(const char* path, void* buffer)
 {
     int64_t size = 0;
-    const int handle = OpenPlainFile(path, size);
+    int error = 0;
+    const int handle = OpenPlainFile(path, size, error);
     if (handle < 0)
         return false;
     const bool whole = size <= UINT32_MAX && ReadAt(handle, buffer, static_cast<uint32_t>(size), 0);
@@ -135,6 +153,32 @@ bool MakeDirectory(const char* path)
     TString systemPath;
     ToSystemPath(path, systemPath);
     return mkdir(systemPath.Print(), 0777) == 0;
+}
+
+bool IsSameFile(const char* a, const char* b)
+{
+    struct stat first;
+    struct stat second;
+    return GetInfo(a, first) && GetInfo(b, second) && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
+// What is missing is told of the file, whichever part of its path is not there.
+static void TellReadFault(int error, TString& fault)
+{
+    fault = error == ENOENT || error == ENOTDIR ? TString("The file does not exist") : GetSystemErrorText(error);
+}
+
+void GetReadFault(const char* path, TString& fault)
+{
+    int64_t size = 0;
+    int error = 0;
+    const int handle = OpenPlainFile(path, size, error);
+    fault = nullptr;
+    if (handle >= 0)
+        close(handle);
+    else
+        TellReadFault(error, fault);
 }
 
 // Follows the links that the last part of a path may be, to a file that need not exist.
@@ -160,36 +204,6 @@ static bool FollowLinks(TString& path)
     return false;
 }
 
-// Creates a file of a new name in the directory of `target`.
-static int CreateBeside(const char* target, mode_t mode, TString& path)
-{
-    static unsigned counter = 0;
-    TString name(target);
-    TString directory;
-    const int separator = name.FindLast('/');
-    if (separator >= 0)
-        directory.Left(target, separator + 1);
-    for (int i = 0; i < MaxTemporaryNames; ++i) {
-        name.Format(".cindermill-%d-%u.tmp", static_cast<int>(getpid()), counter++);
-        path = directory;
-        path += name.Print();
-        const int handle = OpenRetrying(path.Print(), O_WRONLY | O_CREAT | O_EXCL, mode);
-        if (handle >= 0 || errno != EEXIST)
-            return handle;
-    }
-    return -1;
-}
-
-// Some file systems cannot be told to write through; that is no failure to write.
-static bool WriteThrough(int handle)
-{
-    int result;
-    do
-        result = fsync(handle);
-    while (result != 0 && errno == EINTR);
-    return result == 0 || errno == EINVAL || errno == ENOSYS;
-}
-
 TFile::~TFile() noexcept(false)
 {
     const bool open = IsOpen();
@@ -197,17 +211,50 @@ TFile::~TFile() noexcept(false)
     ASSERT_TEXT(!open || IsAssertUnwinding(), "!IsOpen() : Attempt to delete open file");
 }
 
+bool TFile::Fail(const char* reason)
+{
+    if (Fault.IsEmpty())
+        Fault = reason;
+    return false;
+}
+
+bool TFile::Fail(int error)
+{
+    return Fail(GetSystemErrorText(error));
+}
+
+// Where the file's folder is what stands in the way.
+bool TFile::FailFolder(int error)
+{
+    TString folder;
+    folder.SetDirectory(Temporary.GetTarget());
+    TString reason;
+    reason.Format("No file can be made in %s: %s", folder.IsEmpty() ? "the folder" : folder.Print(),
+                  GetSystemErrorText(error).Print());
+    return Fail(reason);
+}
+
+bool TFile::FailWrite(int error)
+{
+    WriteFailed = true;
+    return Fail(error);
+}
+
 bool TFile::OpenRead(const char* path)
 {
     ASSERT_TEXT(!IsOpen(), "!IsOpen() : Attempt to re-open file");
+    Fault = nullptr;
     int64_t size = 0;
-    const int handle = OpenPlainFile(path, size);
-    if (handle < 0)
+    int error = 0;
+    const int handle = OpenPlainFile(path, size, error);
+    if (handle < 0) {
+        TellReadFault(error, Fault);
         return false;
+    }
     // Positions are given and taken as ints.
     if (size > INT_MAX) {
         close(handle);
-        return false;
+        return Fail(FF_TOOLARGE);
     }
     Reset();
     if (Cache.size() == 0)
@@ -223,40 +270,41 @@ bool TFile::OpenWrite(const char* path)
 {
     ASSERT_TEXT(!IsOpen(), "!IsOpen() : Attempt top re-open file");
     Reset();
-    ToSystemPath(path, Target);
-    if (Target.IsEmpty() || !FollowLinks(Target) || !FileIsWritable(Target.Print()))
-        return false;
+    Fault = nullptr;
+    TString target;
+    ToSystemPath(path, target);
+    if (target.IsEmpty())
+        return Fail(ENOENT);
+    if (!FollowLinks(target))
+        return Fail(ELOOP);
     struct stat old;
-    const bool exists = stat(Target.Print(), &old) == 0;
-    if (exists && !S_ISREG(old.st_mode))
-        return false;
-    const mode_t mode = exists ? old.st_mode & 07777 : 0666;
-    const int handle = CreateBeside(Target.Print(), mode, Temporary);
-    if (handle < 0)
-        return false;
-    Handle = handle;
+    const bool exists = stat(target, &old) == 0;
+    int error = exists ? GetKindFault(old) : errno == ENOENT ? 0 : errno;
+    if (exists && error == 0)
+        error = GetWriteFault(target, old);
+    if (error != 0)
+        return Fail(error);
+    if (!Temporary.Create(target, exists ? &old : nullptr))
+        return FailFolder(Temporary.GetError());
+    Handle = Temporary.GetHandle();
     Mode = 2;
     Path = path;
-    // The file that takes the old one's place is open to the same people.
-    if (exists && fchmod(Handle, mode) != 0) {
-        Abandon();
-        return false;
-    }
     return true;
 }
 
 bool TFile::Close()
 {
     ASSERT_TEXT(IsOpen(), "IsOpen() : Attempt to close non-open file");
-    const bool reading = IsRead();
-    bool whole = reading || (!WriteFailed && WriteThrough(Handle));
-    if (close(Handle) != 0 && !reading)
-        whole = false;
-    if (!reading) {
-        whole = whole && rename(Temporary.Print(), Target.Print()) == 0;
-        if (!whole)
-            unlink(Temporary.Print());
+    if (IsRead()) {
+        close(Handle);
+        Reset();
+        return true;
     }
+    bool whole = !WriteFailed;
+    if (!whole)
+        Temporary.Drop();
+    else if (!Temporary.Replace())
+        whole = Fail(Temporary.GetError());
     Reset();
     return whole;
 }
@@ -265,9 +313,10 @@ void TFile::Abandon()
 {
     if (!IsOpen())
         return;
-    close(Handle);
-    if (!IsRead())
-        unlink(Temporary.Print());
+    if (IsRead())
+        close(Handle);
+    else
+        Temporary.Drop();
     Reset();
 }
 
@@ -290,7 +339,7 @@ bool TFile::LoadBlock(uint32_t base)
     CacheBase = -1;
     const uint32_t count = Size - base < BlockSize ? Size - base : BlockSize;
     if (!ReadAt(Handle, Cache.data(), count, base))
-        return false;
+        return errno != 0 && Fail(errno);
     CacheBase = base;
     return true;
 }
@@ -319,7 +368,7 @@ bool TFile::Read(void* buffer, int n)
     memcpy(to, Cache.data() + offset, head);
     const uint32_t middle = last - first - BlockSize;
     if (middle > 0 && !ReadAt(Handle, to + head, middle, first + BlockSize))
-        return false;
+        return errno != 0 && Fail(errno);
     if (end > last) {
         if (!LoadBlock(last))
             return false;
@@ -333,19 +382,15 @@ bool TFile::Write(const void* buffer, int n)
 {
     ASSERT_TEXT(IsOpen(), "IsOpen() : Attempt to write to non-open file");
     ASSERT_TEXT(!IsRead(), "!IsRead() : Attempt to write to file opened for read");
-    if (n < 0 || static_cast<uint32_t>(n) > INT_MAX - FilePtr) {
-        WriteFailed = true;
-        return false;
-    }
+    if (n < 0 || static_cast<uint32_t>(n) > INT_MAX - FilePtr)
+        return FailWrite(FF_TOOLARGE);
     const unsigned char* from = static_cast<const unsigned char*>(buffer);
     while (n > 0) {
         const ssize_t written = write(Handle, from, static_cast<size_t>(n));
         if (written < 0 && errno == EINTR)
             continue;
-        if (written <= 0) {
-            WriteFailed = true;
-            return false;
-        }
+        if (written <= 0)
+            return FailWrite(written < 0 ? errno : ENOSPC);
         from += written;
         n -= static_cast<int>(written);
         FilePtr += static_cast<uint32_t>(written);

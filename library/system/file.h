@@ -2,6 +2,7 @@
 
 #include "library/containers/array.h"
 #include "library/containers/string.h"
+#include "library/system/temporaryfile.h"
 
 #include <cstdint>
 
@@ -18,12 +19,16 @@ bool GetFileSize64(const char* path, uint64_t& result);
 // Reads GetFileSize bytes; whether all arrived.
 bool ReadWholeFile(const char* path, void* buffer);
 bool MakeDirectory(const char* path);
+// Whether two paths lead to one file, whatever links and spellings they take.
+bool IsSameFile(const char* a, const char* b);
+// Why a path cannot be opened for reading, as a person reads it; empty if it can.
+void GetReadFault(const char* path, TString& fault);
 
 // The program's file: reading goes through a one-block cache, writing straight to the platform. Wrong use
 // asserts.
 //
-// A file being written stands beside its target under another name; Close moves it over the target when every
-// write succeeded, so that a failure leaves the old file as it was.
+// A file being written is a temporary one; Close puts it in the place of its target when every write succeeded,
+// so that a failure leaves the old file as it was.
 class TFile
 {
 public:
@@ -52,13 +57,18 @@ public:
     int GetRemaining() const { return static_cast<int>(Size - FilePtr); }
     // The path given at opening.
     const TString& GetPath() const { return Path; }
-    // Where the file being written stands until it is closed.
-    const TString& GetTemporaryPath() const { return Temporary; }
+    // Where the file being written can be read until it is closed.
+    const TString& GetTemporaryPath() const { return Temporary.GetPath(); }
+    // Why the last opening failed, or what came after it, as a person reads it; empty if nothing did.
+    const TString& GetFault() const { return Fault; }
 
     bool IsOpen() const { return (Mode & 2) != 0; }
     bool IsRead() const { return (Mode & 1) != 0; }
 
 protected:
+    // The first reason is the one that counts. Always false.
+    bool Fail(const char* reason);
+
     // Read of one byte, quick while it lies in the cached block.
     bool ReadCharacter(char& c)
     {
@@ -71,6 +81,9 @@ protected:
     }
 
 private:
+    bool Fail(int error);
+    bool FailFolder(int error);
+    bool FailWrite(int error);
     bool LoadBlock(uint32_t base);
     void Reset();
 
@@ -82,6 +95,6 @@ private:
     int64_t CacheBase = -1;
     bool WriteFailed = false;
     TString Path;
-    TString Target;
-    TString Temporary;
+    TString Fault;
+    TTemporaryFile Temporary;
 };

@@ -14,6 +14,8 @@ class TWimpApp
 public:
     // One idle pass: the loop found nothing to do.
     virtual void OnIdle() = 0;
+    // The system ends the program, and something may still be under way: TEndWatch.
+    virtual void OnEnding() {}
     virtual ~TWimpApp() = default;
 };
 
@@ -54,6 +56,7 @@ public:
     // Asserts "WimpApp == 0".
     void SetApp(TWimpApp* app);
     void ClearApp() { WimpApp = nullptr; }
+    TWimpApp* GetApp() const { return WimpApp; }
     void SetIdle(bool idle);
     // One idle pass, for a dialog that waits: false, with none run, where idle passes are off or where what
     // waits was begun by one.

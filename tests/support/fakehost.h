@@ -122,6 +122,13 @@ public:
         Events.push_back(text);
         return Answer;
     }
+    TRecoveryAnswer AskRecovery(const vector<TString>& effects) override
+    {
+        for (const TString& effect : effects)
+            Recovered.push_back(effect.Print());
+        return RecoveryAnswer;
+    }
+    bool IsDragging() override { return Drags; }
     void ShowProperties(const char* text) override { Events.push_back(std::string("properties ") + text); }
     void ShowOptions() override { Events.push_back("options"); }
     void Beep() override { Events.push_back("beep"); }
@@ -166,6 +173,10 @@ public:
     // The next choice; "" is Cancel.
     std::string Choice;
     TModifiedAnswer Answer = MA_CANCEL;
+    // What the question about autosaved effects named.
+    TNames Recovered;
+    TRecoveryAnswer RecoveryAnswer = RA_LATER;
+    bool Drags = false;
     TWindow* UnderPoint = nullptr;
     TDocWindow* Focused = nullptr;
     bool FailsDocuments = false;

@@ -10,8 +10,10 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <signal.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 std::string AssertionOf(const std::function<void()>& work)
@@ -29,6 +31,21 @@ std::string LogOf(const std::function<void()>& work)
                         &text);
     work();
     return text;
+}
+
+bool DoAndDie(const std::function<void()>& work)
+{
+    const pid_t process = fork();
+    if (process == 0) {
+        TString text;
+        if (!RunGuarded(work, text) || testing::Test::HasFailure())
+            _exit(1);
+        kill(getpid(), SIGKILL);
+        _exit(1);
+    }
+    int status = 0;
+    return process > 0 && waitpid(process, &status, 0) == process && WIFSIGNALED(status) &&
+           WTERMSIG(status) == SIGKILL;
 }
 
 static uint32_t Now;

@@ -64,6 +64,10 @@ constexpr int Patience = 120;
 // Calls `pause` until the condition holds; false once the patience is at an end.
 bool WaitFor(const std::function<bool()>& condition, const std::function<void()>& pause);
 
+// Does the work in a process of its own, which has no threads but this one and ends by SIGKILL as soon as it
+// is done, with nothing cleared up. False if an assertion failed in it or it ended otherwise.
+bool DoAndDie(const std::function<void()>& work);
+
 // A file's bytes; "" if it cannot be read.
 std::string ReadBytes(const std::string& path);
 void WriteBytes(const std::string& path, const std::string& bytes);

@@ -23,7 +23,8 @@ TProgram::TProgram(TScreen& screen, const TProgramOptions& options) : Screen(scr
     }
     std::vector<std::string> environment = {
         "DISPLAY=" + screen.GetDisplay(), "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "HOME=" + Folder.GetFolder(),
-        "XDG_CONFIG_HOME=" + config, "XDG_CACHE_HOME=" + Folder.Path("cache"), "LIBGL_ALWAYS_SOFTWARE=1",
+        "XDG_CONFIG_HOME=" + config, "XDG_CACHE_HOME=" + Folder.Path("cache"),
+        "XDG_STATE_HOME=" + Folder.Path("state"), "LIBGL_ALWAYS_SOFTWARE=1",
         // The window system's own leaks are not this program's.
         "ASAN_OPTIONS=detect_leaks=0",
         // Tells the screen when the program has dealt with what was done to it.
@@ -73,7 +74,7 @@ bool TProgram::IsRunning()
     return false;
 }
 
-void TProgram::Signal(int signal) const
+void TProgram::Send(int signal) const
 {
     kill(Process, signal);
 }

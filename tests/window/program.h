@@ -28,7 +28,7 @@ public:
     // Waits for the main window.
     bool IsUp() const;
     bool IsRunning();
-    void Signal(int signal) const;
+    void Send(int signal) const;
     // Waits for the end; the exit status, or -1 if it goes on.
     int WaitForEnd();
     // What it has printed so far.

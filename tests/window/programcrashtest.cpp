@@ -16,7 +16,7 @@ protected:
         EXPECT_TRUE(program.IsUp()) << program.GetOutput();
         Screen.Key("ctrl+n");
         EXPECT_TRUE(Screen.WaitForWindow(DisplayTitle)) << program.GetOutput();
-        program.Signal(signal);
+        program.Send(signal);
         EXPECT_EQ(program.WaitForEnd(), 128 + signal) << program.GetOutput();
         Report = ReadBytes(program.Path("bin/ERRORLOG.TXT"));
         EXPECT_EQ(Report.find(program.Path("bin/cindermill") + " caused "), 0u) << Report;

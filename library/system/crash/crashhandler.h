@@ -14,6 +14,3 @@ bool InstallCrashHandler(TCrashReporter reporter);
 // Reports a failure that the program itself has found, with its text, and comes back for the program to say
 // so and to end. Within a failure that is already reported it ends at once.
 void ReportCrash(TFailureKind kind, const char* text);
-
-// The signal's default action.
-[[noreturn]] void EndBySignal(int signal);

@@ -1,5 +1,6 @@
 #include "library/system/files/binaryfile.h"
 
+#include "library/containers/append.h"
 #include "library/containers/assertion.h"
 
 #include <limits.h>
@@ -14,12 +15,14 @@ static constexpr int MaxGathered = 65536;
 bool TBinaryFile::OpenRead(const char* path)
 {
     Gathered.clear();
+    InMemory = false;
     return TFile::OpenRead(path);
 }
 
 bool TBinaryFile::OpenWrite(const char* path)
 {
     Gathered.clear();
+    InMemory = false;
     return TFile::OpenWrite(path);
 }
 
@@ -29,8 +32,30 @@ bool TBinaryFile::Close()
     return TFile::Close() && written;
 }
 
+void TBinaryFile::OpenMemory(int room)
+{
+    ASSERT_TEXT(!IsOpen(), "!IsOpen() : Attempt to re-open file");
+    Gathered.clear();
+    Gathered.reserve(room);
+    InMemory = true;
+}
+
+void TBinaryFile::CloseMemory(vector<uint8_t>& bytes)
+{
+    bytes.clear();
+    bytes.swap(Gathered);
+    InMemory = false;
+}
+
 bool TBinaryFile::Write(const void* buffer, int n)
 {
+    if (InMemory) {
+        if (n < 0 || n > INT_MAX - Gathered.size())
+            return false;
+        if (n > 0)
+            memcpy(Extend(Gathered, n), buffer, static_cast<size_t>(n));
+        return true;
+    }
     // What is too much goes through, and misuse to its assertion.
     if (!IsOpen() || IsRead() || n < 0 || n > MaxGathered || n > INT_MAX - GetFilePtr())
         return Flush() && TFile::Write(buffer, n);
@@ -46,6 +71,8 @@ bool TBinaryFile::Write(const void* buffer, int n)
 
 bool TBinaryFile::Flush()
 {
+    if (InMemory)
+        return true;
     const int count = Gathered.size();
     Gathered.clear();
     return count == 0 || TFile::Write(Gathered.data(), count);

@@ -18,7 +18,11 @@ public:
     bool Write(const void* buffer, int n);
     // Gives what is gathered to the platform.
     bool Flush();
-    int GetFilePtr() const { return TFile::GetFilePtr() + Gathered.size(); }
+    // Writing goes to no file but into memory, of which so many bytes are at hand, until the bytes are taken.
+    // Asserts that the file is closed.
+    void OpenMemory(int room);
+    void CloseMemory(vector<uint8_t>& bytes);
+    int GetFilePtr() const { return Gathered.size() + (InMemory ? 0 : TFile::GetFilePtr()); }
 
     bool ReadI32(int32_t& value);
     bool ReadU32(uint32_t& value);
@@ -48,4 +52,5 @@ public:
 
 private:
     vector<uint8_t> Gathered;
+    bool InMemory = false;
 };

@@ -69,14 +69,27 @@ bool TChunkFile::Save(const char* path, TVerify verify, void* data)
     if (!File.OpenWrite(path))
         return false;
     TFileDropper dropper(File);
-    for (int i = 0; i < Chunks.size(); ++i)
-        Chunks[i]->ChunkIdx = i;
-    const bool written = File.WriteRaw(Magic, sizeof(Magic)) &&
-                         File.WriteU32(static_cast<uint32_t>(Chunks.size())) && WriteTable() &&
-                         WriteBodies() && File.Flush();
+    const bool written = WriteAll() && File.Flush();
     const bool sound = written && (verify == nullptr || verify(File.GetTemporaryPath(), data));
     Failed = !sound || !File.Close();
     return !Failed;
+}
+
+bool TChunkFile::SaveToMemory(vector<uint8_t>& bytes, int room)
+{
+    File.Abandon();
+    File.OpenMemory(GetFileSize() + room);
+    const bool written = WriteAll();
+    File.CloseMemory(bytes);
+    return written;
+}
+
+bool TChunkFile::WriteAll()
+{
+    for (int i = 0; i < Chunks.size(); ++i)
+        Chunks[i]->ChunkIdx = i;
+    return File.WriteRaw(Magic, sizeof(Magic)) && File.WriteU32(static_cast<uint32_t>(Chunks.size())) &&
+           WriteTable() && WriteBodies();
 }
 
 bool TChunkFile::WriteTable()

@@ -43,6 +43,8 @@ public:
     // then: false fails the save.
     using TVerify = bool (*)(const char* path, void* data);
     bool Save(const char* path, TVerify verify = nullptr, void* data = nullptr);
+    // What Save would write, with room for so many bytes behind it.
+    bool SaveToMemory(vector<uint8_t>& bytes, int room);
     bool HasFailed() const { return Failed; }
 
     // Takes ownership.
@@ -117,6 +119,7 @@ private:
     bool ReadChunkPointer(TChunk*& result, uint32_t classId);
     bool LoadTable(uint32_t count, vector<TEntry>& table);
     bool LoadBodies(int first, const vector<TEntry>& table);
+    bool WriteAll();
     bool WriteTable();
     bool WriteBodies();
     void SortByDependencies();

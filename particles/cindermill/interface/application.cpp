@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/application.h"
 
 #include "library/system/message.h"
+#include "library/system/statefolder.h"
 #include "library/wimp/dialog.h"
 #include "library/wimp/filechooser.h"
 #include "particles/cindermill/interface/controls/controls.h"
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int ModifiedFilesDialog = 110;
 constexpr int FilePropertiesDialog = 116;
+constexpr int RecoveryDialog = 130;
 
 vector<TFileFilter> ToFileFilters(const vector<TPathFilter>& filters)
 {
@@ -68,9 +70,24 @@ bool TApplication::LoadNodeBitmaps()
     return true;
 }
 
+// Where the environment tells no place, nothing is autosaved.
+void TApplication::StartAutosave()
+{
+    TString folder;
+    if (!GetStateFolder(folder))
+        return;
+    folder += "/recovery";
+    App.StartAutosave(folder);
+}
+
 void TApplication::OnIdle()
 {
     App.OnIdle();
+}
+
+void TApplication::OnEnding()
+{
+    App.OnEnding();
 }
 
 TDocumentHost* TApplication::CreateDocumentHost()
@@ -109,6 +126,25 @@ TModifiedAnswer TApplication::AskModifiedFiles(const vector<TString>& names)
         return MA_NO;
     default:
         return MA_CANCEL;
+    }
+}
+
+TRecoveryAnswer TApplication::AskRecovery(const vector<TString>& effects)
+{
+    vector<TString> buttons;
+    buttons.push_back("Restore");
+    buttons.push_back("Discard");
+    buttons.push_back("Later");
+    switch (ChoiceDialog(RecoveryDialog, "Recovery",
+                         "These effects had changes that were not saved when the program ended. They were "
+                         "autosaved at these times:",
+                         effects, buttons)) {
+    case 0:
+        return RA_RESTORE;
+    case 1:
+        return RA_DISCARD;
+    default:
+        return RA_LATER;
     }
 }
 
@@ -161,6 +197,11 @@ TWindow* TApplication::WindowFromPoint(int x, int y)
 void TApplication::EndInput()
 {
     TGraphWindow::EndInput();
+}
+
+bool TApplication::IsDragging()
+{
+    return TWimp::Get().GetMouseDrag() != nullptr;
 }
 
 void TApplication::RunTicks()

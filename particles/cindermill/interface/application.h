@@ -19,7 +19,12 @@ public:
 
     // False if the program cannot or shall not go on; what failed was shown.
     bool Init();
+    // After the start: from now on documents are autosaved, and what an earlier run left so is asked about.
+    void StartAutosave();
     void OnIdle() override;
+    void OnEnding() override;
+    // The system has ended the program: what is to be kept is kept, and nobody was asked.
+    void EndUnasked() { App.EndUnasked(); }
 
     TDocumentHost* CreateDocumentHost() override;
     bool ChooseOpenPath(const char* title, const vector<TPathFilter>& filters, const char* directory,
@@ -28,6 +33,7 @@ public:
                         TString& path) override;
     bool ChooseFolder(const char* title, TString& path) override;
     TModifiedAnswer AskModifiedFiles(const vector<TString>& names) override;
+    TRecoveryAnswer AskRecovery(const vector<TString>& effects) override;
     void ShowProperties(const char* text) override;
     void ShowOptions() override;
     void Beep() override;
@@ -38,6 +44,7 @@ public:
     void Cascade() override;
     TWindow* WindowFromPoint(int x, int y) override;
     void EndInput() override;
+    bool IsDragging() override;
     void RunTicks() override;
     void Quit() override;
 

@@ -22,6 +22,14 @@ enum TModifiedAnswer
     MA_CANCEL
 };
 
+// The buttons of the question about autosaved effects.
+enum TRecoveryAnswer
+{
+    RA_RESTORE,
+    RA_DISCARD,
+    RA_LATER
+};
+
 // What the application asks of its windows. Messages, questions and error lists have forms of their own:
 // ShowMessage, AskQuestion and DisplayErrors.
 class TAppHost
@@ -41,6 +49,12 @@ public:
                                 TString& path) = 0;
     virtual bool ChooseFolder(const char* title, TString& path) = 0;
     virtual TModifiedAnswer AskModifiedFiles(const vector<TString>& names) = 0;
+    // What to do with effects that were autosaved by a program that has ended.
+    virtual TRecoveryAnswer AskRecovery(const vector<TString>& effects)
+    {
+        (void)effects;
+        return RA_LATER;
+    }
     // The File Properties dialog.
     virtual void ShowProperties(const char* text) = 0;
     // The Options dialog.
@@ -60,6 +74,8 @@ public:
     // What was typed and not yet entered is entered, and a drag that still runs is given up: before anything
     // that reads or changes a document.
     virtual void EndInput() {}
+    // While the mouse drags something, an edit is under way.
+    virtual bool IsDragging() { return false; }
     // Once an idle pass, before those of the documents: what is drawn goes on by itself.
     virtual void RunTicks() {}
     // Ends the message loop at its next turn.

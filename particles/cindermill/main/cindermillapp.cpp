@@ -138,6 +138,8 @@ void TCindermillApp::OnIdle()
         Host->RunTicks();
     for (int i = 0; i < Documents.size(); ++i)
         Documents[i]->OnIdle();
+    if (Host == nullptr || !Host->IsDragging())
+        Autosave.OnIdle(Documents);
     if (Settings.GetAutoCheckUpdate() != 0)
         ChangeNotify.Poll();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/owner.h"
+#include "particles/cindermill/main/autosave.h"
 #include "particles/cindermill/main/changenotify.h"
 #include "particles/cindermill/main/clipboard.h"
 #include "particles/cindermill/main/resourcelocator.h"
@@ -103,6 +104,13 @@ public:
     void CloseDocument(TDocument* document);
     // The Exit command and the main window's close box.
     void ExitRequest();
+    // Begins to keep recovery files in the state folder, and asks about those of programs that have ended:
+    // after the start, once documents can be opened.
+    void StartAutosave(const char* folder);
+    // The system ends the program, and nobody can be asked any more. What is in the middle of something is
+    // kept in the second call, when the message loop has ended.
+    void OnEnding();
+    void EndUnasked();
     // A position of the screen.
     void OnDropFiles(int x, int y, const vector<TString>& files);
     void AddRecentFile(const char* path);
@@ -115,6 +123,7 @@ public:
     TResourceLocator& GetResourceLocator() { return ResourceLocator; }
     TChangeNotify& GetChangeNotify() { return ChangeNotify; }
     TClipboard& GetClipboard() { return Clipboard; }
+    TAutosave& GetAutosave() { return Autosave; }
     // Without a separator at its end.
     const TString& GetProgramDirectory() const { return ProgramDirectory; }
 
@@ -126,6 +135,10 @@ private:
     bool OnDocumentMenu(int id);
     bool OnViewMenu(int id);
     bool AddDocument(const char* path);
+    // Null, with the reason, if the document cannot be had. No path is a new one.
+    TDocument* MakeDocument(const char* path, const char* recovery, TString& fault);
+    void Restore(const vector<TLostEffect>& lost);
+    void TellDamaged(const TDamagedEffect& damaged);
     void DeleteDocument(TDocument* document);
     bool ChooseEffect(bool open, const char* title, TString& path);
     bool MakeWritable(const char* path, const char* purpose);
@@ -145,6 +158,7 @@ private:
     TChangeNotify ChangeNotify;
     TTextureWatch TextureWatch;
     TClipboard Clipboard;
+    TAutosave Autosave;
     TString ProgramDirectory;
     bool HeadlessMode = false;
     // Until an effect was chosen, the choosers for effects begin in the samples.

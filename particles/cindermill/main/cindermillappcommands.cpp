@@ -14,6 +14,9 @@
 
 namespace {
 
+// What an export may wait for the recovery files that were begun before it.
+constexpr int MostDiscMilliseconds = 20;
+
 // Each kind stands for itself in the choosers' lists.
 vector<TPathFilter> MakeFilters(const char* pattern)
 {
@@ -185,24 +188,35 @@ bool TCindermillApp::OpenDocument(const char* path)
     return true;
 }
 
-// The views of a document make themselves the active ones while it is made.
 bool TCindermillApp::AddDocument(const char* path)
+{
+    TString fault;
+    if (MakeDocument(path, nullptr, fault) != nullptr)
+        return true;
+    if (path != nullptr && !fault.IsEmpty())
+        ShowMessage("%s cannot be opened: %s", ShownPath(path).Print(), fault.Print());
+    return false;
+}
+
+// The views of a document make themselves the active ones while it is made.
+TDocument* TCindermillApp::MakeDocument(const char* path, const char* recovery, TString& fault)
 {
     TDocWindow* const activeWindow = ActiveDocWindow;
     TDocument* const activeDocument = ActiveDocument;
     TDocument* document = new TDocument(*this, Host->CreateDocumentHost());
-    if (path == nullptr ? document->New() : document->Load(path)) {
+    const bool made = recovery != nullptr ? document->Restore(recovery, path)
+                      : path != nullptr   ? document->Load(path)
+                                          : document->New();
+    if (made) {
         Documents.push_back(document);
         if (!document->GetLoadNotes().empty())
             DisplayErrors("Load errors", document->GetLoadNotes());
-        return true;
+        return document;
     }
-    const TString reason = document->GetLoadError();
+    fault = document->GetLoadError();
     DeleteDocument(document);
     SetActiveDocWindow(activeWindow, activeDocument);
-    if (path != nullptr && !reason.IsEmpty())
-        ShowMessage("%s cannot be opened: %s", ShownPath(path).Print(), reason.Print());
-    return false;
+    return nullptr;
 }
 
 void TCindermillApp::OpenDocumentDialog()
@@ -310,14 +324,20 @@ void TCindermillApp::ExportActive()
 {
     Host->EndInput();
     TDocument* document = ActiveDocument;
-    if (document == nullptr || !document->EnsureSchedule())
+    if (document == nullptr)
+        return;
+    // Schedule, engine and export do what nothing before them did with the graph.
+    Autosave.SaveModified(Documents);
+    if (!document->EnsureSchedule())
         return;
     TString path;
     if (!Host->ChooseSavePath("Select export path", MakeFilters("*.efx"), nullptr, path))
         return;
     AddMissingExtension(path, ".efx");
-    if (ConfirmOverwrite(path) && MakeWritable(path, "export"))
-        document->Export(path);
+    if (!ConfirmOverwrite(path) || !MakeWritable(path, "export"))
+        return;
+    Autosave.WaitForDisc(MostDiscMilliseconds);
+    document->Export(path);
 }
 
 void TCindermillApp::CloseDocument(TDocument* document)
@@ -340,6 +360,7 @@ void TCindermillApp::CloseDocument(TDocument* document)
 void TCindermillApp::DeleteDocument(TDocument* document)
 {
     TDocumentHost* host = document->GetHost();
+    Autosave.OnClosed(*document);
     delete document;
     delete host;
 }
@@ -356,6 +377,7 @@ void TCindermillApp::ExitRequest()
         if (!SettleModified(modified))
             return;
     }
+    Autosave.End();
     Host->Quit();
 }
 

@@ -15,6 +15,23 @@
 #include "particles/effectgraph/pointermap.h"
 #include "particles/effectgraph/refreshrecord.h"
 
+namespace {
+
+// While a step is under way.
+class TStepScope
+{
+public:
+    explicit TStepScope(int& depth) : Depth(depth) { ++Depth; }
+    ~TStepScope() { --Depth; }
+    TStepScope(const TStepScope&) = delete;
+    TStepScope& operator=(const TStepScope&) = delete;
+
+private:
+    int& Depth;
+};
+
+} // namespace
+
 TDocument::TDocument(TCindermillApp& app, TDocumentHost* host)
     : App(app), Host(host), Services(app.GetSettings(), app.GetResourceLocator()),
       Preview(Services, app.GetResourceLocator())
@@ -75,12 +92,27 @@ bool TDocument::CheckLoaded(bool mend)
 
 bool TDocument::Load(const char* path)
 {
+    return LoadFrom(path, path);
+}
+
+bool TDocument::Restore(const char* file, const char* path)
+{
+    if (!LoadFrom(file, path))
+        return false;
+    OperationStack->MarkChanged();
+    SetModified(true);
+    return true;
+}
+
+bool TDocument::LoadFrom(const char* file, const char* path)
+{
+    const TStepScope step(StepDepth);
     if (Host != nullptr && !Host->CreateParticleWindow(*this))
         return false;
-    TEffectFile file(Chunks);
+    TEffectFile effect(Chunks);
     TLinkMender mender(App.GetNodeTypes(), LoadNotes);
-    if (!AdoptLoaded(file,
-                     file.Load(path) && file.FindRoots(true) && file.Check(&mender) && file.CheckClasses()))
+    if (!AdoptLoaded(effect, effect.Load(file) && effect.FindRoots(true) && effect.Check(&mender) &&
+                                 effect.CheckClasses()))
         return false;
     IsEditable = true;
     Graph->AddCallback(&TDocument::OnGraphChanged, this);
@@ -91,6 +123,7 @@ bool TDocument::Load(const char* path)
     if (Modified)
         OperationStack->MarkChanged();
     RefreshNodeTypes();
+    NumEdits += Modified ? 1 : 0;
     AttachObjects();
     TErrorList errors;
     const bool resolved = ResolveTypes(errors);
@@ -185,6 +218,14 @@ bool TDocument::SaveUnchecked(const char* path)
     return Chunks.Save(path);
 }
 
+// What cannot be written must not end the work that it is to save.
+bool TDocument::GetImage(vector<uint8_t>& bytes, int room)
+{
+    bool written = false;
+    TString text;
+    return RunGuarded([&] { written = Chunks.SaveToMemory(bytes, room); }, text) && written;
+}
+
 bool TDocument::SaveAs(const char* path)
 {
     SaveError = nullptr;
@@ -192,6 +233,7 @@ bool TDocument::SaveAs(const char* path)
         return false;
     if (OperationStack != nullptr)
         OperationStack->MarkSaved();
+    App.GetAutosave().OnSaved(*this);
     if (Path.Compare(path) != 0) {
         Modified = false;
         Path = path;
@@ -213,14 +255,18 @@ void TDocument::SetModified(bool modified)
 
 void TDocument::ApplyOperation(TOperation* op)
 {
+    const TStepScope step(StepDepth);
     ++Revision;
+    ++NumEdits;
     OperationStack->Apply(*this, op);
     SetModified(true);
 }
 
 void TDocument::Undo()
 {
+    const TStepScope step(StepDepth);
     ++Revision;
+    ++NumEdits;
     const bool fits = OperationStack->Undo(*this);
     DropStaleSchedule();
     FinishStep(fits);
@@ -228,7 +274,9 @@ void TDocument::Undo()
 
 void TDocument::Redo()
 {
+    const TStepScope step(StepDepth);
     ++Revision;
+    ++NumEdits;
     FinishStep(OperationStack->Redo(*this));
 }
 

@@ -36,6 +36,9 @@ public:
     // On false the document is of no use, and GetLoadError tells why.
     bool New();
     bool Load(const char* path);
+    // The same from a recovery file, of what is to be the document of another path, which may be empty. It
+    // counts as modified until it is saved.
+    bool Restore(const char* file, const char* path);
     // Without windows, questions and schedule: the graph as it stands in the file. Anything but a look at it
     // needs CheckLoaded.
     bool BatchLoad(const char* path);
@@ -54,6 +57,8 @@ public:
     // Writes the document as it is, for a name where nothing is lost by it. The document does not count as
     // saved.
     bool SaveUnchecked(const char* path);
+    // What a save would write, with room for so many bytes behind it.
+    bool GetImage(vector<uint8_t>& bytes, int room);
     // The schedule of the graph as it stands, and an engine: what an export needs. An engine that runs goes
     // on where the effect's shape is what it was.
     bool EnsureSchedule();
@@ -73,6 +78,11 @@ public:
     // Another one after every change of what the preview may show but the time.
     unsigned GetRevision() const { return Revision; }
     void SetModified(bool modified);
+    // Another one after every step, done, undone or redone.
+    unsigned GetNumEdits() const { return NumEdits; }
+    // While it is being loaded or a step is under way, a dialog may stand in the middle of it: history and
+    // graph do not fit each other then.
+    bool IsInStep() const { return StepDepth > 0; }
 
     // Takes ownership.
     void ApplyOperation(TOperation* op);
@@ -120,6 +130,7 @@ public:
     void RedrawWindows() override;
 
 private:
+    bool LoadFrom(const char* file, const char* path);
     bool AdoptLoaded(const TEffectFile& file, bool sound);
     static bool CheckWritten(const char* path, void* data);
     void RefreshNodeTypes();
@@ -150,6 +161,8 @@ private:
     TString SaveError;
     bool Modified = false;
     unsigned Revision = 0;
+    unsigned NumEdits = 0;
+    int StepDepth = 0;
     // Made or loaded to be edited, and not only to be looked at.
     bool IsEditable = false;
 };

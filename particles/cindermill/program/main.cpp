@@ -1,29 +1,51 @@
 #include "library/containers/log.h"
+#include "library/system/endsignal.h"
+#include "library/system/filesizelimit.h"
+#include "library/wimp/endwatch.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/application.h"
 #include "particles/cindermill/main/crashreport.h"
 
 #include <cstdio>
 
+// False if the program did not come up. Where the system has ended it, the documents go with the process:
+// nobody was asked whether they may.
+static bool RunProgram()
+{
+    const TEndWatch end;
+    TApplication* application = new TApplication;
+    const bool started = application->Init();
+    if (started && !end.IsEnding()) {
+        TString version;
+        TCindermillApp::GetVersion(version);
+        DebugPrintf("%s\n", version.Print());
+        application->StartAutosave();
+        TWimp::Get().Run();
+    }
+    if (end.IsEnding()) {
+        application->EndUnasked();
+        if (GetEndSignal() != 0)
+            EndBySignal(GetEndSignal());
+        return false;
+    }
+    if (started)
+        delete application;
+    else
+        DebugPrintf("Cindermill failed to initialise\n");
+    return started;
+}
+
 // No argument is the program's own.
 int main(int argc, char** argv)
 {
     TCrashReport::Install();
+    TakeFileSizeLimitAsError();
     if (!TWimp::Get().Init(argc, argv)) {
         DebugPrintf("Failed to initialise Cindermill\n");
         fprintf(stderr, "There is no display to open windows on.\n");
         return 1;
     }
-    TApplication* application = new TApplication;
-    if (!application->Init()) {
-        DebugPrintf("Cindermill failed to initialise\n");
-        return 0;
-    }
-    TString version;
-    TCindermillApp::GetVersion(version);
-    DebugPrintf("%s\n", version.Print());
-    TWimp::Get().Run();
-    delete application;
-    TWimp::Get().Shutdown();
+    if (RunProgram())
+        TWimp::Get().Shutdown();
     return 0;
 }

@@ -7,6 +7,7 @@
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -237,7 +238,6 @@ TEST_F(TFileTest, AnAbandonedFileLeavesTheOldOne)
     ASSERT_TRUE(file.OpenWrite(path.c_str()));
     EXPECT_TRUE(file.Write("new", 3));
     EXPECT_EQ(ReadBytes(path), "old");
-    EXPECT_EQ(CountEntries(), 2);
     file.Abandon();
     EXPECT_FALSE(file.IsOpen());
     EXPECT_EQ(ReadBytes(path), "old");
@@ -265,9 +265,147 @@ TEST_F(TFileTest, AFailedWriteFailsTheCloseAndLeavesTheOldFile)
     EXPECT_FALSE(written);
     EXPECT_TRUE(further);
     EXPECT_FALSE(closed);
+    EXPECT_EQ(Text(file.GetFault()), "File too large");
     EXPECT_FALSE(file.IsOpen());
     EXPECT_EQ(ReadBytes(path), "old");
     EXPECT_EQ(CountEntries(), 1);
+}
+
+TEST_F(TFileTest, AProgramThatIsKilledWhileItWritesLeavesNothingBehind)
+{
+    const std::string path = Make("old");
+    for (int signal : {SIGTERM, SIGINT, SIGHUP, SIGKILL}) {
+        const pid_t child = fork();
+        if (child == 0) {
+            ::signal(signal, SIG_DFL);
+            TFile file;
+            const std::string bytes = Pattern(5000);
+            if (file.OpenWrite(path.c_str()) && file.Write(bytes.data(), 5000))
+                raise(signal);
+            _exit(1);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status)) << status;
+        EXPECT_EQ(WTERMSIG(status), signal);
+        EXPECT_EQ(ReadBytes(path), "old");
+        EXPECT_EQ(CountEntries(), 1) << "signal " << signal;
+    }
+}
+
+TEST_F(TFileTest, WhatIsBeingWrittenCanBeRead)
+{
+    const std::string path = Make("old");
+    TFile file;
+    ASSERT_TRUE(file.OpenWrite(path.c_str()));
+    EXPECT_TRUE(file.Write("new", 3));
+    EXPECT_EQ(ReadBytes(Text(file.GetTemporaryPath())), "new");
+    EXPECT_TRUE(file.Close());
+    EXPECT_EQ(ReadBytes(path), "new");
+}
+
+TEST_F(TFileTest, TheSystemsReasonIsTold)
+{
+    const std::string path = Make("old");
+    TFile file;
+    EXPECT_FALSE(file.OpenRead(Folder.Path("none").c_str()));
+    EXPECT_EQ(Text(file.GetFault()), "The file does not exist");
+    EXPECT_FALSE(file.OpenRead((path + "/below").c_str()));
+    EXPECT_EQ(Text(file.GetFault()), "The file does not exist");
+    EXPECT_FALSE(file.OpenRead(Folder.GetFolder().c_str()));
+    EXPECT_EQ(Text(file.GetFault()), "Is a directory");
+    EXPECT_FALSE(file.OpenRead("/dev/zero"));
+    EXPECT_EQ(Text(file.GetFault()), "It is no regular file");
+    EXPECT_FALSE(file.OpenRead(Folder.Path(std::string(300, 'x')).c_str()));
+    EXPECT_EQ(Text(file.GetFault()), "File name too long");
+    EXPECT_FALSE(file.OpenWrite(Folder.GetFolder().c_str()));
+    EXPECT_EQ(Text(file.GetFault()), "Is a directory");
+    EXPECT_FALSE(file.OpenWrite("/dev/null"));
+    EXPECT_EQ(Text(file.GetFault()), "It is no regular file");
+    EXPECT_FALSE(file.OpenWrite(Folder.Path(std::string(300, 'x')).c_str()));
+    EXPECT_EQ(Text(file.GetFault()), "File name too long");
+    EXPECT_FALSE(file.OpenWrite(Folder.Path("none/file").c_str()));
+    EXPECT_EQ(Text(file.GetFault()),
+              "No file can be made in " + Folder.Path("none") + ": No such file or directory");
+    ASSERT_TRUE(file.OpenRead(path.c_str()));
+    EXPECT_EQ(Text(file.GetFault()), "");
+    EXPECT_TRUE(file.Close());
+}
+
+TEST_F(TFileTest, WhatMayNotBeReadOrWrittenIsTold)
+{
+    const std::string path = Make("old");
+    ASSERT_EQ(chmod(path.c_str(), 0), 0);
+    ASSERT_EQ(chmod(Folder.GetFolder().c_str(), 0755), 0);
+    const std::string open = Folder.Path("open");
+    WriteBytes(open, "open");
+    ASSERT_EQ(chmod(open.c_str(), 0666), 0);
+    const TNobody nobody;
+    TFile file;
+    EXPECT_FALSE(file.OpenRead(path.c_str()));
+    EXPECT_EQ(Text(file.GetFault()), "Permission denied");
+    TString fault;
+    GetReadFault(path.c_str(), fault);
+    EXPECT_EQ(Text(fault), "Permission denied");
+    GetReadFault(open.c_str(), fault);
+    EXPECT_EQ(Text(fault), "");
+    EXPECT_FALSE(file.OpenWrite(path.c_str()));
+    EXPECT_EQ(Text(file.GetFault()), "Permission denied");
+    if (access(Folder.GetFolder().c_str(), W_OK) == 0)
+        GTEST_SKIP() << "the folder is the test's own";
+    EXPECT_FALSE(file.OpenWrite(open.c_str()));
+    EXPECT_EQ(Text(file.GetFault()), "No file can be made in " + Folder.GetFolder() + ": Permission denied");
+}
+
+TEST_F(TFileTest, AnotherUsersFileKeepsItsOwnerGroupAndRights)
+{
+    if (getuid() != 0)
+        GTEST_SKIP() << "only the superuser writes for others";
+    const std::string path = Make("old");
+    ASSERT_EQ(chown(path.c_str(), 65534, 12), 0);
+    ASSERT_EQ(chmod(path.c_str(), 0664), 0);
+    TFile file;
+    ASSERT_TRUE(file.OpenWrite(path.c_str()));
+    EXPECT_TRUE(file.Write("new", 3));
+    EXPECT_TRUE(file.Close());
+    struct stat info;
+    ASSERT_EQ(stat(path.c_str(), &info), 0);
+    EXPECT_EQ(info.st_uid, 65534u);
+    EXPECT_EQ(info.st_gid, 12u);
+    EXPECT_EQ(info.st_mode & 07777, 0664u);
+    EXPECT_EQ(ReadBytes(path), "new");
+}
+
+TEST_F(TFileTest, AFileThatAnotherLetsOneWriteKeepsItsRights)
+{
+    if (getuid() != 0)
+        GTEST_SKIP() << "only the superuser makes files of others";
+    ASSERT_EQ(chmod(Folder.GetFolder().c_str(), 0777), 0);
+    const std::string path = Make("old");
+    ASSERT_EQ(chmod(path.c_str(), 0666), 0);
+    const TNobody nobody;
+    TFile file;
+    ASSERT_TRUE(file.OpenWrite(path.c_str())) << Text(file.GetFault());
+    EXPECT_TRUE(file.Write("new", 3));
+    EXPECT_TRUE(file.Close());
+    struct stat info;
+    ASSERT_EQ(stat(path.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0666u);
+    EXPECT_EQ(ReadBytes(path), "new");
+}
+
+TEST_F(TFileTest, OneFileIsKnownBehindLinksAndSpellings)
+{
+    const std::string path = Make("x");
+    WriteBytes(Folder.Path("other"), "x");
+    fs::create_symlink("file", Folder.Path("link"));
+    fs::create_hard_link(path, Folder.Path("hard"));
+    for (const std::string& same : {path, Folder.Path("./file"), Folder.Path("FILE"), Folder.Path("link"),
+                                    Folder.Path("hard"), Folder.GetFolder() + "\\file"})
+        EXPECT_TRUE(IsSameFile(path.c_str(), same.c_str())) << same;
+    EXPECT_FALSE(IsSameFile(path.c_str(), Folder.Path("other").c_str()));
+    EXPECT_FALSE(IsSameFile(path.c_str(), Folder.Path("none").c_str()));
+    EXPECT_FALSE(IsSameFile(Folder.Path("none").c_str(), Folder.Path("none").c_str()));
 }
 
 TEST_F(TFileTest, ATargetThatCannotBeReplacedFailsTheClose)

@@ -1,7 +1,9 @@
+#include "library/system/filesizelimit.h"
 #include "particles/cindermill/batch/batchprogram.h"
 
 int main(int argc, char** argv)
 {
+    TakeFileSizeLimitAsError();
     TBatchProgram program;
     return program.Run(argc, argv);
 }

@@ -1,0 +1,8 @@
+#include "library/system/filesizelimit.h"
+
+#include <signal.h>
+
+void TakeFileSizeLimitAsError()
+{
+    signal(SIGXFSZ, SIG_IGN);
+}

@@ -1,0 +1,99 @@
+#include "particles/cindermill/main/recoveryfile.h"
+
+#include "library/containers/append.h"
+#include "library/system/file.h"
+
+#include <string.h>
+
+namespace {
+
+constexpr char Magic[4] = {'R', 'C', 'V', 'R'};
+
+// Ends the file, behind the effect and the path.
+struct TRecoveryTail
+{
+    uint32_t EffectSize;
+    uint32_t PathLength;
+    int64_t Time;
+    // Of all that stands before it.
+    uint32_t Checksum;
+    char Magic[4];
+};
+static_assert(sizeof(TRecoveryTail) == 24);
+
+// The CRC-32 of the usual archives.
+uint32_t GetChecksum(const uint8_t* bytes, int count)
+{
+    constexpr uint32_t Polynomial = 0xEDB88320;
+    uint32_t table[256];
+    for (uint32_t i = 0; i < 256; ++i) {
+        table[i] = i;
+        for (int bit = 0; bit < 8; ++bit)
+            table[i] = (table[i] >> 1) ^ (table[i] & 1 ? Polynomial : 0);
+    }
+    uint32_t sum = UINT32_MAX;
+    for (int i = 0; i < count; ++i)
+        sum = (sum >> 8) ^ table[(sum ^ bytes[i]) & 255];
+    return ~sum;
+}
+
+constexpr int ChecksumBehind = sizeof(TRecoveryTail) - offsetof(TRecoveryTail, Checksum);
+
+void Add(vector<uint8_t>& bytes, const void* data, int count)
+{
+    if (count > 0)
+        memcpy(Extend(bytes, count), data, static_cast<size_t>(count));
+}
+
+} // namespace
+
+int GetRecoveryNoteSize(const TRecoveryNote& note)
+{
+    return note.Path.Length() + static_cast<int>(sizeof(TRecoveryTail));
+}
+
+void AddRecoveryNote(vector<uint8_t>& effect, const TRecoveryNote& note)
+{
+    TRecoveryTail tail{};
+    tail.EffectSize = static_cast<uint32_t>(effect.size());
+    tail.PathLength = static_cast<uint32_t>(note.Path.Length());
+    tail.Time = note.Time;
+    memcpy(tail.Magic, Magic, sizeof(Magic));
+    Add(effect, note.Path.Print(), note.Path.Length());
+    Add(effect, &tail, sizeof(tail));
+    const int summed = effect.size() - ChecksumBehind;
+    const uint32_t checksum = GetChecksum(effect.data(), summed);
+    memcpy(effect.data() + summed, &checksum, sizeof(checksum));
+}
+
+bool ReadRecoveryNote(const char* path, TRecoveryNote& note, TString& fault)
+{
+    TFile file;
+    vector<uint8_t> bytes;
+    if (!file.OpenRead(path)) {
+        fault = file.GetFault();
+        return false;
+    }
+    const int size = file.GetSize();
+    bytes.resize(size);
+    const bool isRead = file.Read(bytes.data(), size);
+    file.Close();
+    if (!isRead) {
+        fault = "The file cannot be read to its end";
+        return false;
+    }
+    TRecoveryTail tail{};
+    const int room = size - static_cast<int>(sizeof(tail));
+    if (room >= 0)
+        memcpy(&tail, bytes.data() + room, sizeof(tail));
+    if (memcmp(tail.Magic, Magic, sizeof(Magic)) != 0 ||
+        static_cast<int64_t>(tail.EffectSize) + tail.PathLength != room ||
+        tail.Checksum != GetChecksum(bytes.data(), size - ChecksumBehind)) {
+        fault = "The file is not as it was written";
+        return false;
+    }
+    const char* text = reinterpret_cast<const char*>(bytes.data()) + tail.EffectSize;
+    note.Path.Assign(text, text + tail.PathLength);
+    note.Time = tail.Time;
+    return true;
+}

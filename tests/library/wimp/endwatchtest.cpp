@@ -1,0 +1,128 @@
+#include "library/wimp/endwatch.h"
+
+#include "library/system/endsignal.h"
+#include "library/wimp/dialog.h"
+#include "library/wimp/waitdialog.h"
+#include "library/wimp/wimp.h"
+#include "support/windowtest.h"
+
+#include <csignal>
+#include <unistd.h>
+
+#include <QtCore/QTimer>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMessageBox>
+
+namespace {
+
+class TEndingApp : public TWimpApp
+{
+public:
+    void OnIdle() override {}
+    void OnEnding() override { ++NumEndings; }
+    int NumEndings = 0;
+};
+
+class TEndWatchTest : public TWindowTest
+{
+protected:
+    void SetUp() override
+    {
+        TWimp::Get().SetApp(&App);
+        Watch.Reset(new TEndWatch);
+    }
+    // The signals are the system's again, and forgotten.
+    void TearDown() override
+    {
+        Watch.Reset();
+        TWimp::Get().ClearApp();
+        for (const int signal : {SIGTERM, SIGHUP, SIGINT})
+            ::signal(signal, SIG_DFL);
+        char byte = 0;
+        while (read(GetEndSignalHandle(), &byte, 1) == 1)
+            ;
+        // The quit that nobody has run into.
+        TWimp::Get().Run();
+    }
+
+    TEndingApp App;
+    TOwner<TEndWatch> Watch;
+};
+
+} // namespace
+
+TEST_F(TEndWatchTest, ASignalEndsTheLoopAndIsToldOnce)
+{
+    QTimer::singleShot(0, [] { raise(SIGTERM); });
+    EXPECT_FALSE(Watch->IsEnding());
+    TWimp::Get().Run();
+    EXPECT_TRUE(Watch->IsEnding());
+    EXPECT_EQ(App.NumEndings, 1);
+    EXPECT_EQ(GetEndSignal(), SIGTERM);
+    TWimp::Get().Quit();
+}
+
+TEST_F(TEndWatchTest, ALoopThatOnlyWaitsIsWoken)
+{
+    TWimp::Get().SetIdle(false);
+    QTimer::singleShot(0, [] { raise(SIGHUP); });
+    TWimp::Get().Run();
+    EXPECT_TRUE(Watch->IsEnding());
+    TWimp::Get().Quit();
+}
+
+TEST_F(TEndWatchTest, DialogsOverEachOtherAreClosedAndNextOnesToo)
+{
+    vector<TString> buttons;
+    buttons.push_back("Yes");
+    buttons.push_back("No");
+    int inner = -1;
+    int next = -1;
+    QTimer::singleShot(0, [&] {
+        QTimer::singleShot(0, [] { raise(SIGTERM); });
+        inner = ChoiceDialog(2, "Inner", "Text", vector<TString>(), buttons);
+        // What goes on may ask the next question.
+        next = ChoiceDialog(3, "Next", "Text", vector<TString>(), buttons);
+    });
+    EXPECT_EQ(ChoiceDialog(1, "Outer", "Text", vector<TString>(), buttons), 1);
+    EXPECT_EQ(inner, 1);
+    EXPECT_EQ(next, 1);
+    EXPECT_EQ(App.NumEndings, 1);
+    EXPECT_TRUE(TWimp::Get().IsQuitting());
+}
+
+TEST_F(TEndWatchTest, MessagesAndMenusAreClosed)
+{
+    QTimer::singleShot(0, [] { raise(SIGTERM); });
+    QMessageBox message(QMessageBox::Warning, "Message", "Text", QMessageBox::Ok);
+    message.exec();
+    QMessageBox question(QMessageBox::Question, "Message", "Text", QMessageBox::Ok | QMessageBox::Cancel);
+    EXPECT_NE(question.exec(), QMessageBox::Ok);
+    QMenu menu;
+    menu.addAction("Entry");
+    EXPECT_EQ(menu.exec(), nullptr);
+    EXPECT_TRUE(Watch->IsEnding());
+}
+
+TEST_F(TEndWatchTest, AWaitForWorkHearsThatItShallEnd)
+{
+    TWaitDialog dialog(109, "Find Resource", "Searching for:", "Locate...");
+    dialog.Begin();
+    raise(SIGTERM);
+    EXPECT_TRUE(WaitFor([&] { return dialog.Step() == WA_CLOSED; }));
+    dialog.End();
+    EXPECT_EQ(App.NumEndings, 1);
+}
+
+TEST_F(TEndWatchTest, TheEndOfTheSessionEndsTheLoop)
+{
+    QTimer::singleShot(0, [] {
+        QEvent event(QEvent::Quit);
+        QApplication::sendEvent(qApp, &event);
+    });
+    TWimp::Get().Run();
+    EXPECT_TRUE(Watch->IsEnding());
+    EXPECT_EQ(App.NumEndings, 1);
+    TWimp::Get().Quit();
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "support/testsupport.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <sstream>
+
+#include <sys/wait.h>
+
+// The batch program as a person runs it: its own process, its own streams.
+
+struct TOutcome
+{
+    int Status = -1;
+    std::string Out;
+    std::string Err;
+};
+
+class TBatch : public testing::Test
+{
+protected:
+    TOutcome Run(const std::string& arguments)
+    {
+        const std::string out = Folder.Path("stdout");
+        const std::string err = Folder.Path("stderr");
+        const std::string command = "XDG_CONFIG_HOME='" + Folder.GetFolder() + "/config' '" +
+                                    CINDERMILL_BATCH + "' " + arguments + " >'" + out + "' 2>'" + err + "'";
+        const int status = std::system(command.c_str());
+        return TOutcome{WEXITSTATUS(status), ReadBytes(out), ReadBytes(err)};
+    }
+    std::string Sample(const std::string& name)
+    {
+        return "'" + SourcePath("samples/" + name + ".effect") + "'";
+    }
+    static std::string Resources() { return "--resources '" + SourcePath("samples") + "' "; }
+
+    TTempFolder Folder;
+};
+
+inline std::vector<std::string> Lines(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+inline std::vector<std::string> Fields(const std::string& line, char separator)
+{
+    std::vector<std::string> fields(1);
+    for (char ch : line) {
+        if (ch == separator)
+            fields.emplace_back();
+        else
+            fields.back() += ch;
+    }
+    return fields;
+}
