@@ -42,10 +42,10 @@ size_t ReadSmallFile(const char* path, char* buffer, size_t size)
     return used;
 }
 
-void MakeCrashFolders(const char* path)
+void MakeCrashFolder(const char* path)
 {
     char part[PATH_MAX];
-    if (!JoinTexts(part, sizeof(part), path, ""))
+    if (*path == 0 || !JoinTexts(part, sizeof(part), path, ""))
         return;
     for (char* place = part + 1; *place != 0; ++place) {
         if (*place != '/')

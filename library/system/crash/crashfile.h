@@ -10,8 +10,8 @@ bool JoinTexts(char* buffer, size_t size, const char* first, const char* second,
 // The file's first bytes, with a zero behind them: how many there are. 0 if it cannot be read.
 size_t ReadSmallFile(const char* path, char* buffer, size_t size);
 
-// Makes the folder and those that it lies in.
-void MakeCrashFolders(const char* path);
+// Makes the folder and those that it lies in, where it can.
+void MakeCrashFolder(const char* path);
 
 enum TWriteThrough
 {

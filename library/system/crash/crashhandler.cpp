@@ -23,8 +23,8 @@
 // objects;
 // - system calls and what the system's manual lists as safe in a signal handler: open, read, write, close,
 // unlink,
-//   mkdir, lseek, ftruncate, fsync, fstat, time, getpid, sigaction, sigprocmask, and the functions of memory
-//   and strings without a locale. Calls that the list leaves out (futex, tgkill, getdents64,
+//   mkdir, lseek, ftruncate, fsync, fstat, time, getpid, sigaction, sigprocmask, raise, and the functions of
+//   memory and strings without a locale. Calls that the list leaves out (futex, tgkill, getdents64,
 //   process_vm_readv, gettid, arch_prctl, getrlimit, pipe2) go to the system without anything of the library
 //   in between that locks or allocates;
 // - memory that is not known to be good only through the system (ReadMemory, and write), which answers with

@@ -3,8 +3,7 @@
 #include "library/containers/string.h"
 #include "library/system/crash/crashfile.h"
 #include "library/system/path.h"
-
-#include <cstdlib>
+#include "library/system/statefolder.h"
 
 #include <pwd.h>
 #include <string.h>
@@ -24,14 +23,6 @@ void TakeVersion(const char* release, unsigned (&version)[3])
         if (*release == '.')
             ++release;
     }
-}
-
-const char* GetHome(const passwd* person)
-{
-    const char* told = getenv("HOME");
-    if (told != nullptr && *told == '/')
-        return told;
-    return person != nullptr ? person->pw_dir : "";
 }
 
 uint64_t FindKilobytes(const char* text, const char* name)
@@ -54,7 +45,7 @@ int ToMegabytes(uint64_t kilobytes)
 
 } // namespace
 
-void TSystemFacts::Take(const char* stateName)
+void TSystemFacts::Take()
 {
     TString program;
     GetProgramPath(program);
@@ -67,12 +58,9 @@ void TSystemFacts::Take(const char* stateName)
 
     const passwd* person = getpwuid(getuid());
     JoinTexts(User, sizeof(User), person != nullptr ? person->pw_name : "unknown", "");
-    // A relative path counts as none.
-    const char* state = getenv("XDG_STATE_HOME");
-    if (state != nullptr && *state == '/')
-        JoinTexts(StateFolder, sizeof(StateFolder), state, "/", stateName);
-    else if (JoinTexts(StateFolder, sizeof(StateFolder), GetHome(person), "/.local/state/"))
-        strncat(StateFolder, stateName, sizeof(StateFolder) - strlen(StateFolder) - 1);
+    TString state;
+    GetStateFolder(state);
+    JoinTexts(StateFolder, sizeof(StateFolder), state.Print(), "");
 
     utsname system = {};
     uname(&system);

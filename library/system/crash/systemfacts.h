@@ -10,7 +10,7 @@ struct TSystemFacts
 {
     char Program[PATH_MAX];
     char ProgramFolder[PATH_MAX];
-    // The user's folder for what a program leaves behind, and in it the program's.
+    // The program's own among the user's folders; "" if there is none.
     char StateFolder[PATH_MAX];
     char User[256];
     char System[64];
@@ -20,8 +20,7 @@ struct TSystemFacts
     // Seconds to add to the universal time.
     long UtcOffset;
 
-    // `stateName` is the program's folder below the user's.
-    void Take(const char* stateName);
+    void Take();
 };
 
 // In megabytes.

@@ -21,7 +21,6 @@ namespace {
 
 constexpr const char* ReportName = "ERRORLOG.TXT";
 constexpr const char* DumpName = "CRASH.DMP";
-constexpr const char* StateName = "TolvTools/VORCindermill";
 constexpr const char* Unknown = "Unknown";
 // Of a failure that the program did not find itself.
 constexpr const char* DefaultPlace = "main";
@@ -198,6 +197,12 @@ void TellAccess(const TFailure& failure)
     PrintAccess(out, failure.Access);
 }
 
+// False where there is no such folder.
+bool GetPath(char (&path)[PATH_MAX], const char* folder, const char* leaf)
+{
+    return *folder != 0 && JoinTexts(path, sizeof(path), folder, "/", leaf);
+}
+
 enum TWritten
 {
     W_NOTHING,
@@ -208,7 +213,7 @@ enum TWritten
 TWritten WriteReport(const char* folder, const TCrash& crash)
 {
     char path[PATH_MAX];
-    if (!JoinTexts(path, sizeof(path), folder, "/", ReportName))
+    if (!GetPath(path, folder, ReportName))
         return W_NOTHING;
     const int file = CreateCrashFile(path, WT_YES);
     if (file < 0)
@@ -223,7 +228,7 @@ TWritten WriteReport(const char* folder, const TCrash& crash)
 bool WriteDump(const char* folder, const TCrash& crash)
 {
     char path[PATH_MAX];
-    if (!JoinTexts(path, sizeof(path), folder, "/", DumpName))
+    if (!GetPath(path, folder, DumpName))
         return false;
     const int file = CreateCrashFile(path, WT_NO);
     if (file < 0)
@@ -241,7 +246,7 @@ bool WriteDump(const char* folder, const TCrash& crash)
 void RemoveReport(const char* folder)
 {
     char path[PATH_MAX];
-    if (JoinTexts(path, sizeof(path), folder, "/", ReportName))
+    if (GetPath(path, folder, ReportName))
         unlink(path);
 }
 
@@ -252,7 +257,7 @@ void OnCrash(const TCrash& crash)
     const TWritten beside = WriteReport(Facts.ProgramFolder, crash);
     if (beside == W_WHOLE && WriteDump(Facts.ProgramFolder, crash))
         return;
-    MakeCrashFolders(Facts.StateFolder);
+    MakeCrashFolder(Facts.StateFolder);
     if (beside == W_WHOLE) {
         WriteDump(Facts.StateFolder, crash);
         return;
@@ -271,7 +276,7 @@ void OnCrash(const TCrash& crash)
 
 bool TCrashReport::Install()
 {
-    Facts.Take(StateName);
+    Facts.Take();
     if (!InstallCrashHandler(OnCrash))
         return false;
     SetAssertReport([](const char* text) { ReportCrash(FK_UNKNOWN, text); });

@@ -135,9 +135,9 @@ TEST(CrashFile, MakesAllFoldersOfAPath)
 {
     const TTempFolder folder;
     const std::string deep = folder.Path("a/b/c");
-    MakeCrashFolders(deep.c_str());
+    MakeCrashFolder(deep.c_str());
     struct stat info;
     ASSERT_EQ(stat(deep.c_str(), &info), 0);
     EXPECT_TRUE(S_ISDIR(info.st_mode));
-    MakeCrashFolders(deep.c_str());
+    MakeCrashFolder(deep.c_str());
 }

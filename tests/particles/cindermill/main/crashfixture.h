@@ -30,7 +30,7 @@ protected:
     // `prepare` runs in the new process before the program.
     TEnd Run(const std::vector<std::string>& arguments, const std::function<void()>& prepare = nullptr) const;
     std::string ProgramFolder() const { return Folder.Path("program"); }
-    std::string StateFolder() const { return Folder.Path("state/TolvTools/VORCindermill"); }
+    std::string StateFolder() const { return Folder.Path("state/cindermill"); }
     std::string Program() const { return ProgramFolder() + "/crashchild"; }
     static std::string Report(const std::string& folder) { return folder + "/ERRORLOG.TXT"; }
     static std::string Dump(const std::string& folder) { return folder + "/CRASH.DMP"; }
