@@ -23,11 +23,12 @@ TWindowClass& GetWindowClass()
     return windowClass;
 }
 
-// All trace windows of the program.
+// All trace windows of the program. The list itself stays to the end of the process: it must not delete
+// windows when the window system has gone.
 TOwnerList<TAttributeTraceWindow>& GetWindows()
 {
-    static TOwnerList<TAttributeTraceWindow> windows;
-    return windows;
+    static TOwnerList<TAttributeTraceWindow>* const windows = new TOwnerList<TAttributeTraceWindow>;
+    return *windows;
 }
 
 bool IsOf(const TAttributeTraceWindow& window, const TDocument& document)
@@ -93,6 +94,11 @@ int TAttributeTraceWindow::GetNumWindows(const TDocument& document)
     for (const TAttributeTraceWindow* window : GetWindows())
         count += IsOf(*window, document) ? 1 : 0;
     return count;
+}
+
+void TAttributeTraceWindow::CloseAll()
+{
+    GetWindows().clear();
 }
 
 void TAttributeTraceWindow::CloseAll(const TDocument& document)
