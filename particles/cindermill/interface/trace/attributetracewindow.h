@@ -57,6 +57,7 @@ private:
     TAttributeTraceWindow(TDocument& document, TToolNode& node);
     void Create();
     void ShowTitle();
+    void FollowSchedule();
     void RepaintTouched();
     bool CopyTable();
 

@@ -9,6 +9,7 @@
 #include "particles/effectgraph/simpleparameters.h"
 
 #include <QtGui/QAction>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QMenu>
 
 #include <cmath>
@@ -201,6 +202,47 @@ TEST_F(TraceWindow, AnotherParticleShowsItsOwnEntries)
     const TAttributeTrace& trace = ExecNode(node).GetOutputTrace(0, 0);
     EXPECT_EQ(window.GetTrace().GetNumEntries(0), trace.GetNumEntries(2));
     EXPECT_EQ(window.GetTrace().GetEntry(0, 0, 0), trace.GetEntry(2, 0, 0));
+}
+
+TEST_F(TraceWindow, AfterANumberWasTypedTheTableHasTheKeys)
+{
+    TAttributeTraceWindow& window = Open(Node("Integrate"));
+    Run(30);
+    window.BringToTop();
+    ASSERT_TRUE(WaitFor([&] { return QApplication::activeWindow() == window.GetHandle(); }));
+    QDoubleSpinBox& input = Find<QDoubleSpinBox>(window, "particle");
+    input.setFocus();
+    QTest::keyClick(&input, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(&input, "5");
+    QTest::keyClick(&input, Qt::Key_Return);
+    EXPECT_EQ(window.GetTrace().GetParticle(), 5);
+    QWidget& rows = Find<QWidget>(window, "table_main");
+    EXPECT_TRUE(rows.hasFocus());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
+    TString copied;
+    GetClipboardText(copied);
+    EXPECT_EQ(Text(copied), TextOf(window));
+}
+
+TEST_F(TraceWindow, TheParticlesOfferedAreThoseOfTheScheduleAsItStands)
+{
+    TAttributeTraceWindow& window = Open(Node("Integrate"));
+    Run(30);
+    QDoubleSpinBox& input = Find<QDoubleSpinBox>(window, "particle");
+    const int entries = window.GetTrace().GetNumEntries(0);
+    input.setValue(9);
+    // The engine runs on over a change of the count.
+    for (const char* name : {"Sphere Surface", "Point Emitter"})
+        static_cast<TNodeIntParameter*>(Node(name).GetNodeType()->FindParameter("Particle Count"))
+            ->SetValue(5);
+    ASSERT_TRUE(Sample->EnsureSchedule());
+    EXPECT_TRUE(window.GetTrace().IsConnected());
+    EXPECT_EQ(input.maximum(), 4);
+    EXPECT_EQ(input.value(), 0);
+    EXPECT_EQ(window.GetTrace().GetParticle(), 0);
+    EXPECT_EQ(window.GetTrace().GetNumEntries(0), entries);
+    input.setValue(4);
+    EXPECT_EQ(window.GetTrace().GetParticle(), 4);
 }
 
 TEST_F(TraceWindow, ParticlesThatShareASlotShareItsHistory)
