@@ -11,6 +11,7 @@
 #include "particles/cindermill/interface/graphwindow.h"
 #include "particles/cindermill/interface/options/optionsdialog.h"
 #include "particles/cindermill/interface/particles/displays.h"
+#include "particles/cindermill/interface/trace/attributetracewindow.h"
 #include "particles/cindermill/main/settingsstore.h"
 
 namespace {
@@ -41,6 +42,7 @@ TApplication::TApplication() : App(OpenSettingsStore(), this)
 TApplication::~TApplication()
 {
     TWimp::Get().ClearApp();
+    TAttributeTraceWindow::CloseAll();
     delete MainWindow;
 }
 

@@ -23,11 +23,12 @@ TWindowClass& GetWindowClass()
     return windowClass;
 }
 
-// All trace windows of the program.
+// All trace windows of the program. The list itself stays to the end of the process: it must not delete
+// windows when the window system has gone.
 TOwnerList<TAttributeTraceWindow>& GetWindows()
 {
-    static TOwnerList<TAttributeTraceWindow> windows;
-    return windows;
+    static TOwnerList<TAttributeTraceWindow>* const windows = new TOwnerList<TAttributeTraceWindow>;
+    return *windows;
 }
 
 bool IsOf(const TAttributeTraceWindow& window, const TDocument& document)
@@ -95,6 +96,11 @@ int TAttributeTraceWindow::GetNumWindows(const TDocument& document)
     return count;
 }
 
+void TAttributeTraceWindow::CloseAll()
+{
+    GetWindows().clear();
+}
+
 void TAttributeTraceWindow::CloseAll(const TDocument& document)
 {
     for (int i = GetWindows().size() - 1; i >= 0; --i)
@@ -126,7 +132,7 @@ void TAttributeTraceWindow::ScheduleChanged(const TDocument& document)
         if (!IsOf(*window, document))
             continue;
         if (window->Trace.IsConnected())
-            window->ShowTitle();
+            window->FollowSchedule();
         else
             window->Rebuild();
     }
@@ -176,6 +182,13 @@ void TAttributeTraceWindow::Rebuild()
     Table.Rebuild();
     Graphs.Rebuild();
     Rebuilding = false;
+}
+
+// The engine has run on, but the schedule may count other particles.
+void TAttributeTraceWindow::FollowSchedule()
+{
+    ShowTitle();
+    SelectPlace(Trace.GetPlace());
 }
 
 void TAttributeTraceWindow::SelectPlace(int place)

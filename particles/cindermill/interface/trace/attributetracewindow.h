@@ -9,7 +9,7 @@
 
 // A window that shows the values which one node's output ports took, frame by frame, for one particle: as a
 // table of numbers and as graphs. All such windows of the program stand in one list, which owns them; a
-// window goes when it is closed, when its node leaves the graph, and with its document.
+// window goes when it is closed, when its node leaves the graph, with its document, and with the program.
 class TAttributeTraceWindow : public TWindow
 {
 public:
@@ -22,6 +22,8 @@ public:
     // The node's window; null for none.
     static TAttributeTraceWindow* Find(const TToolNode& node);
     static int GetNumWindows(const TDocument& document);
+    // The program ends, while the window system is still there.
+    static void CloseAll();
     // The document goes, or the node leaves its graph.
     static void CloseAll(const TDocument& document);
     static void Close(const TToolNode& node);
@@ -55,6 +57,7 @@ private:
     TAttributeTraceWindow(TDocument& document, TToolNode& node);
     void Create();
     void ShowTitle();
+    void FollowSchedule();
     void RepaintTouched();
     bool CopyTable();
 

@@ -92,8 +92,7 @@ void TNodeTrace::SelectPlace(int place)
     Traces.resize(ports);
     for (int p = 0; p < ports; ++p)
         Traces[p] = &ExecNode->GetOutputTrace(place, p);
-    if (CurrentParticle > GetLastParticle())
-        CurrentParticle = 0;
+    SelectParticle(CurrentParticle);
 }
 
 int TNodeTrace::GetLastParticle() const
@@ -108,8 +107,7 @@ int TNodeTrace::GetLastParticle() const
 
 void TNodeTrace::SelectParticle(int particle)
 {
-    ASSERT(particle >= 0 && particle <= GetLastParticle());
-    CurrentParticle = particle;
+    CurrentParticle = particle >= 0 && particle <= GetLastParticle() ? particle : 0;
 }
 
 const TString& TNodeTrace::GetPortName(int port) const

@@ -45,7 +45,7 @@ public:
     // The largest number that can be chosen, 0 or more.
     int GetLastParticle() const;
     int GetParticle() const { return CurrentParticle; }
-    // A number that can be chosen.
+    // 0 in place of a number that cannot be chosen.
     void SelectParticle(int particle);
 
     // The ports that can be read: all outputs, or none.

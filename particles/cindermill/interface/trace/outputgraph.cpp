@@ -94,7 +94,7 @@ void TOutputGraph::DrawKeys(TGDIContext& context) const
         if (!IsDrawn(c))
             continue;
         context.SetBrush(ComponentColours[c]);
-        context.Rectangle(left + c * BoxDistance, top, left + c * BoxDistance + BoxWidth, top + keyHeight);
+        context.Rectangle(left + c * BoxDistance, top, left + c * BoxDistance + KeyWidth, top + keyHeight);
     }
 }
 
@@ -176,26 +176,29 @@ void TOutputGraph::Paint(TGDIContext& context) const
     float min = 0;
     float max = 0;
     Trace->GetRange(Port, min, max, Mask);
-    const bool isDrawn = plot.SetValues(entries, min, max);
-    const int entry = GetPointedEntry();
-    if (isDrawn) {
-        DrawLines(context, plot);
-        // Of the frame all but its lines.
-        context.SetClip(plot.GetLeft(), plot.GetTop() - 1, plot.GetRight(), plot.GetBottom() + 1);
-        if (entry >= 0) {
-            const int x = static_cast<int>(plot.GetX(entry));
-            context.SetPen(PointerColour);
-            context.Line(x, plot.GetTop(), x, plot.GetBottom());
-        }
-        for (int c = 0; c < NumComponents; ++c)
-            if (IsDrawn(c))
-                DrawCurve(context, plot, c);
-        if (entry >= 0)
-            DrawMarks(context, plot, entry);
-        context.ClearClip();
+    const int pointed = GetPointedEntry();
+    if (plot.SetValues(entries, min, max))
+        DrawValues(context, plot, pointed);
+    if (pointed >= 0)
+        DrawReadout(context, plot, pointed);
+}
+
+void TOutputGraph::DrawValues(TGDIContext& context, const TTracePlot& plot, int pointed) const
+{
+    DrawLines(context, plot);
+    // All inside the frame: the smallest value lies on the plot's edge.
+    context.SetClip(plot.GetLeft(), plot.GetTop() - 1, plot.GetRight(), plot.GetBottom() + 1);
+    if (pointed >= 0) {
+        const int x = static_cast<int>(plot.GetX(pointed));
+        context.SetPen(PointerColour);
+        context.Line(x, plot.GetTop(), x, plot.GetBottom());
     }
-    if (entry >= 0)
-        DrawReadout(context, plot, entry);
+    for (int c = 0; c < NumComponents; ++c)
+        if (IsDrawn(c))
+            DrawCurve(context, plot, c);
+    if (pointed >= 0)
+        DrawMarks(context, plot, pointed);
+    context.ClearClip();
 }
 
 void TOutputGraph::DrawFrame(TGDIContext& context, const TTracePlot& plot) const
@@ -255,30 +258,35 @@ void TOutputGraph::DrawMarks(TGDIContext& context, const TTracePlot& plot, int e
     }
 }
 
-// Beside the pointer, on the side that has more room.
-void TOutputGraph::DrawReadout(TGDIContext& context, const TTracePlot& plot, int entry) const
+void TOutputGraph::FillReadout(TReadout& readout, int entry) const
 {
-    TString lines[MaxComponents + 1];
-    TGDIColour colours[MaxComponents + 1] = {TextColour};
-    int count = 1;
-    lines[0].Format("Entry %d", entry);
+    readout.Count = 1;
+    readout.Lines[0].Format("Entry %d", entry);
+    readout.Colours[0] = TextColour;
     for (int c = 0; c < NumComponents; ++c) {
         if (!IsDrawn(c))
             continue;
         TString value;
         TNodeTrace::FormatValue(value, Trace->GetEntry(Port, entry, c));
-        lines[count].Format("%s  %s", Trace->GetLabel(Port, c), value.Print());
-        colours[count++] = ComponentColours[c];
+        readout.Lines[readout.Count].Format("%s  %s", Trace->GetLabel(Port, c), value.Print());
+        readout.Colours[readout.Count++] = ComponentColours[c];
     }
+}
+
+// Beside the pointer, on the side that has more room.
+void TOutputGraph::DrawReadout(TGDIContext& context, const TTracePlot& plot, int entry) const
+{
+    TReadout readout;
+    FillReadout(readout, entry);
     int width = 0;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < readout.Count; ++i) {
         int textWidth = 0;
         int textHeight = 0;
-        context.GetTextExtent(lines[i].Print(), textWidth, textHeight);
+        context.GetTextExtent(readout.Lines[i].Print(), textWidth, textHeight);
         width = textWidth > width ? textWidth : width;
     }
     width += 2 * ReadoutMargin;
-    const int height = count * ReadoutLine + ReadoutMargin;
+    const int height = readout.Count * ReadoutLine + ReadoutMargin;
     const bool isLeft = PointerX - plot.GetLeft() > plot.GetRight() - PointerX;
     const int left = isLeft ? PointerX - ReadoutDistance - width : PointerX + ReadoutDistance;
     int top = PointerY - height / 2;
@@ -287,8 +295,8 @@ void TOutputGraph::DrawReadout(TGDIContext& context, const TTracePlot& plot, int
     context.SetPen(ValueColour);
     context.SetBrush(ReadoutPaper);
     context.Rectangle(left, top, left + width, top + height);
-    for (int i = 0; i < count; ++i) {
-        context.SetTextColour(colours[i]);
-        context.TextOut(left + ReadoutMargin, top + 2 + i * ReadoutLine, lines[i].Print());
+    for (int i = 0; i < readout.Count; ++i) {
+        context.SetTextColour(readout.Colours[i]);
+        context.TextOut(left + ReadoutMargin, top + 2 + i * ReadoutLine, readout.Lines[i].Print());
     }
 }

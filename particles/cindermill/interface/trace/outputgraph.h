@@ -40,8 +40,17 @@ public:
 private:
     static constexpr int BoxDistance = 40;
     static constexpr int BoxLeft = 200;
-    static constexpr int BoxWidth = 36;
+    static constexpr int BoxWidth = 40;
+    static constexpr int KeyWidth = 34;
     static constexpr int BoxHeight = 18;
+
+    // What is told of the entry under the pointer.
+    struct TReadout
+    {
+        TString Lines[MaxComponents + 1];
+        TGDIColour Colours[MaxComponents + 1] = {};
+        int Count = 0;
+    };
 
     bool CreateControls(int firstId);
     int GetBoxesLeft(int width) const;
@@ -51,9 +60,12 @@ private:
     void ShowPointer(bool isInside, int x, int y);
     void Paint(TGDIContext& context) const;
     void DrawFrame(TGDIContext& context, const TTracePlot& plot) const;
+    // With the pointed entry, if that is not -1, marked.
+    void DrawValues(TGDIContext& context, const TTracePlot& plot, int pointed) const;
     void DrawLines(TGDIContext& context, const TTracePlot& plot) const;
     void DrawCurve(TGDIContext& context, const TTracePlot& plot, int component) const;
     void DrawMarks(TGDIContext& context, const TTracePlot& plot, int entry) const;
+    void FillReadout(TReadout& readout, int entry) const;
     void DrawReadout(TGDIContext& context, const TTracePlot& plot, int entry) const;
 
     TAttributeTraceWindow* Window = nullptr;

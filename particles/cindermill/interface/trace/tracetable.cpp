@@ -172,10 +172,19 @@ void TTraceTable::RefreshRows()
 
 bool TTraceTable::OnMessage(const TMessage& message)
 {
-    if (message.Type != MT_SIZE)
-        return TWindow::OnMessage(message);
-    Layout();
-    return true;
+    switch (message.Type) {
+    case MT_SIZE:
+        Layout();
+        return true;
+    case MT_KEYDOWN:
+        // What was typed is entered: the keys are the rows' again.
+        if (message.Key != KEY_RETURN)
+            return false;
+        SetFocus();
+        return true;
+    default:
+        return false;
+    }
 }
 
 void TTraceTable::OnCommand(TWimpControl* control, intptr_t argument, int code)

@@ -4,6 +4,7 @@
 #include "support/sampledocument.h"
 #include "support/windowtest.h"
 
+#include "library/wimp/wimp.h"
 #include "particles/cindermill/graph/engine/effectexecnode.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
@@ -61,6 +62,20 @@ class TraceTest : public TWindowTest
 {
 protected:
     explicit TraceTest(const std::string& sample = "campfire") : Sample(App, sample, &Host) {}
+
+    static void SetUpTestSuite()
+    {
+        // Without a window system no window can be made.
+        if (!TWimp::Get().IsInited()) {
+            const TQuiet quiet;
+            TTestApp app;
+            TSampleDocument sample(app, "fountain");
+            TToolNode* node = static_cast<TToolNode*>(sample->GetGraph()->GetNode(0));
+            OpenedBeforeStart = AssertionOf([&] { TAttributeTraceWindow::Open(*sample, *node); });
+            NumLeftBehind = TAttributeTraceWindow::GetNumWindows(*sample);
+        }
+        TWindowTest::SetUpTestSuite();
+    }
 
     // The nth node of a type.
     TToolNode& Node(const char* type, int n = 0)
@@ -139,6 +154,9 @@ protected:
         EXPECT_FALSE(window.GetTrace().IsConnected());
     }
 
+    // What came of opening a window before there was a window system, and how many there were then.
+    inline static std::string OpenedBeforeStart;
+    inline static int NumLeftBehind = -1;
     TQuiet Quiet;
     TTestApp App;
     TTraceHost Host;

@@ -1,17 +1,15 @@
 #include "tracefixture.h"
 
 #include "library/wimp/textclipboard.h"
-#include "library/wimp/wimp.h"
 #include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
-#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/graph/operations/nodepropertiesop.h"
-#include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/effectgraph/simpleparameters.h"
 
 #include <QtGui/QAction>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QMenu>
 
 #include <cmath>
@@ -21,19 +19,6 @@ namespace {
 class TraceWindow : public TraceTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        // Without a window system no window can be made.
-        if (!TWimp::Get().IsInited()) {
-            const TQuiet quiet;
-            TTestApp app;
-            TSampleDocument sample(app, "fountain");
-            TToolNode* node = static_cast<TToolNode*>(sample->GetGraph()->GetNode(0));
-            OpenedBeforeStart = AssertionOf([&] { TAttributeTraceWindow::Open(*sample, *node); });
-            NumLeftBehind = TAttributeTraceWindow::GetNumWindows(*sample);
-        }
-        TWindowTest::SetUpTestSuite();
-    }
     void Delete(TToolNode& node)
     {
         vector<TToolNode*> nodes;
@@ -41,9 +26,6 @@ protected:
         Sample->ApplyOperation(new TDeleteGraphNodeOp(nodes));
         Settle();
     }
-
-    static std::string OpenedBeforeStart;
-    static int NumLeftBehind;
 };
 
 // Particles of this one live for different times.
@@ -53,9 +35,6 @@ protected:
     TraceOfSparks() : TraceTest("sparks") { TRandom::SetDefaultSeed(7); }
     ~TraceOfSparks() override { TRandom::ClearDefaultSeed(); }
 };
-
-std::string TraceWindow::OpenedBeforeStart;
-int TraceWindow::NumLeftBehind = -1;
 
 } // namespace
 
@@ -225,6 +204,47 @@ TEST_F(TraceWindow, AnotherParticleShowsItsOwnEntries)
     EXPECT_EQ(window.GetTrace().GetEntry(0, 0, 0), trace.GetEntry(2, 0, 0));
 }
 
+TEST_F(TraceWindow, AfterANumberWasTypedTheTableHasTheKeys)
+{
+    TAttributeTraceWindow& window = Open(Node("Integrate"));
+    Run(30);
+    window.BringToTop();
+    ASSERT_TRUE(WaitFor([&] { return QApplication::activeWindow() == window.GetHandle(); }));
+    QDoubleSpinBox& input = Find<QDoubleSpinBox>(window, "particle");
+    input.setFocus();
+    QTest::keyClick(&input, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(&input, "5");
+    QTest::keyClick(&input, Qt::Key_Return);
+    EXPECT_EQ(window.GetTrace().GetParticle(), 5);
+    QWidget& rows = Find<QWidget>(window, "table_main");
+    EXPECT_TRUE(rows.hasFocus());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
+    TString copied;
+    GetClipboardText(copied);
+    EXPECT_EQ(Text(copied), TextOf(window));
+}
+
+TEST_F(TraceWindow, TheParticlesOfferedAreThoseOfTheScheduleAsItStands)
+{
+    TAttributeTraceWindow& window = Open(Node("Integrate"));
+    Run(30);
+    QDoubleSpinBox& input = Find<QDoubleSpinBox>(window, "particle");
+    const int entries = window.GetTrace().GetNumEntries(0);
+    input.setValue(9);
+    // The engine runs on over a change of the count.
+    for (const char* name : {"Sphere Surface", "Point Emitter"})
+        static_cast<TNodeIntParameter*>(Node(name).GetNodeType()->FindParameter("Particle Count"))
+            ->SetValue(5);
+    ASSERT_TRUE(Sample->EnsureSchedule());
+    EXPECT_TRUE(window.GetTrace().IsConnected());
+    EXPECT_EQ(input.maximum(), 4);
+    EXPECT_EQ(input.value(), 0);
+    EXPECT_EQ(window.GetTrace().GetParticle(), 0);
+    EXPECT_EQ(window.GetTrace().GetNumEntries(0), entries);
+    input.setValue(4);
+    EXPECT_EQ(window.GetTrace().GetParticle(), 4);
+}
+
 TEST_F(TraceWindow, ParticlesThatShareASlotShareItsHistory)
 {
     // Two slots for all particles.
@@ -289,55 +309,43 @@ TEST_F(TraceWindow, ATraceTooLargeForTheMemoryEndsTheEffectAndNotTheProgram)
     ExpectEmpty(window);
 }
 
-TEST_F(TraceWindow, ANodeWithSeveralPlacesLetsOneChooseTheGroup)
+TEST_F(TraceWindow, OfANodeWithSeveralPlacesOneIsChosen)
 {
-    // One node for the size of the particles of both groups.
-    TAddGraphNodeOp* op = new TAddGraphNodeOp(*Sample, App.Type("Scale Over Life"), 0, 0);
-    TToolNode& node = *op->GetNode();
-    Sample->ApplyOperation(op);
+    TToolNode& node = Node("Turbulence");
     TAttributeTraceWindow& window = Open(node);
     QComboBox& places = Find<QComboBox>(window, "place");
-    for (int n = 0; n < 2; ++n) {
-        TToolNode& stage = Node("Sprite Render Stage", n);
-        const int input = stage.GetNodeType()->FindInput("Scale");
-        Sample->ApplyOperation(new TDeleteGraphEdgeOp(static_cast<TToolEdge*>(stage.GetInput(input))));
-        Sample->ApplyOperation(new TAddGraphEdgeOp(*Sample, &node, 0, &stage, input));
-        Settle();
-        EXPECT_EQ(places.isVisible(), n == 1);
-    }
+    EXPECT_FALSE(places.isVisible());
+    // A second node that works on its value cannot share it with the first.
+    TAddGraphNodeOp* op = new TAddGraphNodeOp(*Sample, App.Type("Damping"), 0, 0);
+    TToolNode& damping = *op->GetNode();
+    Sample->ApplyOperation(op);
+    Sample->ApplyOperation(new TAddGraphEdgeOp(*Sample, &node, 0, &damping, 0));
+    Settle();
     const TNodeTrace& trace = window.GetTrace();
     ASSERT_EQ(trace.GetNumPlaces(), 2);
+    EXPECT_TRUE(places.isVisible());
     ASSERT_EQ(places.count(), 2);
-    const TEffectSchedule& schedule = Sample->GetSchedule();
     for (int place = 0; place < 2; ++place)
         EXPECT_EQ(places.itemText(place).toStdString(),
-                  "Group " + std::to_string(trace.GetPlaceGroup(place)));
-    EXPECT_NE(trace.GetPlaceGroup(0), trace.GetPlaceGroup(1));
-    Run(20);
-    QDoubleSpinBox& input = Find<QDoubleSpinBox>(window, "particle");
-    const auto choose = [&](int key, int place) {
+                  "Group " + std::to_string(ExecNode(node).GetOutputTraceGroup(place)));
+    Run(40);
+    Find<QDoubleSpinBox>(window, "particle").setValue(1);
+    std::vector<std::string> texts;
+    for (const int place : {0, 1, 0}) {
         places.setFocus();
-        QTest::keyClick(&places, static_cast<Qt::Key>(key));
+        QTest::keyClick(&places, place == 0 ? Qt::Key_Up : Qt::Key_Down);
         EXPECT_EQ(trace.GetPlace(), place);
-        EXPECT_EQ(input.maximum(), schedule.GetParticleCount(trace.GetPlaceGroup(place)) - 1);
-        TAttributeTrace& shown = ExecNode(node).GetOutputTrace(place, 0);
-        EXPECT_EQ(trace.GetNumEntries(0), shown.GetNumEntries(trace.GetParticle()));
-    };
-    const int counts[] = {schedule.GetParticleCount(trace.GetPlaceGroup(0)),
-                          schedule.GetParticleCount(trace.GetPlaceGroup(1))};
-    ASSERT_NE(counts[0], counts[1]);
-    const int larger = counts[0] > counts[1] ? 0 : 1;
-    if (larger == 1)
-        choose(Qt::Key_Down, 1);
-    // One that the other group has not gives way to the first; one that it has is kept.
-    input.setValue(counts[larger] - 1);
-    EXPECT_EQ(trace.GetParticle(), counts[larger] - 1);
-    choose(larger == 1 ? Qt::Key_Up : Qt::Key_Down, 1 - larger);
-    EXPECT_EQ(trace.GetParticle(), 0);
-    EXPECT_EQ(input.value(), 0);
-    input.setValue(2);
-    choose(larger == 1 ? Qt::Key_Down : Qt::Key_Up, larger);
-    EXPECT_EQ(trace.GetParticle(), 2);
+        const TAttributeTrace& shown = ExecNode(node).GetOutputTrace(place, 0);
+        ASSERT_GT(shown.GetNumEntries(1), 0);
+        ASSERT_EQ(trace.GetNumEntries(0), shown.GetNumEntries(1));
+        EXPECT_EQ(trace.GetEntry(0, 0, 0), shown.GetEntry(1, 0, 0));
+        // The number fits there too.
+        EXPECT_EQ(trace.GetParticle(), 1);
+        texts.push_back(TextOf(window));
+    }
+    // Each place turns the value in a way of its own.
+    EXPECT_NE(texts[0], texts[1]);
+    EXPECT_EQ(texts[0], texts[2]);
 }
 
 TEST_F(TraceWindow, OfAGroupWithoutParticlesZeroCanBeChosen)
