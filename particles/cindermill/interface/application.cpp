@@ -39,14 +39,14 @@ TApplication::TApplication() : App(OpenSettingsStore(), this)
 TApplication::~TApplication()
 {
     TWimp::Get().ClearApp();
-    delete MainWindow;
+    MainWindow.Reset();
 }
 
 bool TApplication::Init()
 {
     if (!App.InitSettings())
         return false;
-    MainWindow = new TMainWindow(App);
+    MainWindow.Reset(new TMainWindow(App));
     if (!MainWindow->Create()) {
         ShowMessage("Failed to create window");
         return false;
@@ -75,7 +75,7 @@ void TApplication::OnIdle()
 
 TDocumentHost* TApplication::CreateDocumentHost()
 {
-    return new TDocumentWindows(MainWindow);
+    return new TDocumentWindows(MainWindow.Get());
 }
 
 bool TApplication::ChooseOpenPath(const char* title, const vector<TPathFilter>& filters,
@@ -120,7 +120,7 @@ void TApplication::ShowProperties(const char* text)
 void TApplication::ShowOptions()
 {
     TOptionsDialog dialog(App.GetSettings(), App.GetResourceLocator());
-    dialog.Run(MainWindow);
+    dialog.Run(MainWindow.Get());
 }
 
 void TApplication::Beep()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "library/wimp/gdi/gdibitmap.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/mainwindow.h"
@@ -14,8 +15,6 @@ class TApplication : public TWimpApp, public TAppHost
 public:
     TApplication();
     ~TApplication() override;
-    TApplication(const TApplication&) = delete;
-    TApplication& operator=(const TApplication&) = delete;
 
     // False if the program cannot or shall not go on; what failed was shown.
     bool Init();
@@ -48,6 +47,6 @@ private:
 
     TCindermillApp App;
     TResourceDialog ResourceDialog;
-    TMainWindow* MainWindow = nullptr;
+    TOwner<TMainWindow> MainWindow;
     TGDIBitmap NodeBitmaps[NumNodeBitmaps];
 };

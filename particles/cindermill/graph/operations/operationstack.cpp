@@ -29,11 +29,10 @@ void TOperationStack::DropTail(TEditContext& doc, int first)
         return;
     const bool discards = !IsFromFile || CanFreeTail(*this, first, *doc.GetGraph(), doc.GetChunks());
     while (first < Operations.size()) {
-        TOperation* op = Operations[first];
-        doc.GetChunks().RemoveChunk(op);
+        const TOwner<TOperation> op(Operations[first]);
+        doc.GetChunks().RemoveChunk(op.Get());
         if (discards)
             op->Discard(doc);
-        delete op;
         Operations.erase(Operations.begin() + first);
     }
 }
@@ -41,9 +40,8 @@ void TOperationStack::DropTail(TEditContext& doc, int first)
 // What the operation made or removed stays where it is.
 void TOperationStack::DropOne(TEditContext& doc, int i)
 {
-    TOperation* op = Operations[i];
-    doc.GetChunks().RemoveChunk(op);
-    delete op;
+    const TOwner<TOperation> op(Operations[i]);
+    doc.GetChunks().RemoveChunk(op.Get());
     Operations.erase(Operations.begin() + i);
 }
 
@@ -98,19 +96,20 @@ bool TOperationStack::CanMerge(const TOperation& op) const
            op.GetGesture() == Operations.back()->GetGesture();
 }
 
-void TOperationStack::Apply(TEditContext& doc, TOperation* op)
+void TOperationStack::Apply(TEditContext& doc, TOperation* operation)
 {
+    TOwner<TOperation> op(operation);
     DropTail(doc, Position);
     op->SetGesture(Gesture);
     if (CanMerge(*op) && op->Merge(*Operations.back())) {
-        delete op;
+        op.Reset();
         doc.RedrawWindows();
         LastTime = GetTickCount();
         return;
     }
-    Operations.push_back(op);
-    doc.GetChunks().AddChunk(op);
-    op->Do(doc);
+    Operations.push_back(op.Release());
+    doc.GetChunks().AddChunk(Operations.back());
+    Operations.back()->Do(doc);
     ++Position;
     LastTime = GetTickCount();
 }
