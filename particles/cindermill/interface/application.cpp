@@ -43,14 +43,14 @@ TApplication::~TApplication()
 {
     TWimp::Get().ClearApp();
     TAttributeTraceWindow::CloseAll();
-    delete MainWindow;
+    MainWindow.Reset();
 }
 
 bool TApplication::Init()
 {
     if (!App.InitSettings())
         return false;
-    MainWindow = new TMainWindow(App);
+    MainWindow.Reset(new TMainWindow(App));
     if (!MainWindow->Create()) {
         ShowMessage("Failed to create window");
         return false;
@@ -104,7 +104,7 @@ void TApplication::OnEnding()
 
 TDocumentHost* TApplication::CreateDocumentHost()
 {
-    return new TDocumentWindows(MainWindow);
+    return new TDocumentWindows(MainWindow.Get());
 }
 
 bool TApplication::ChooseOpenPath(const char* title, const vector<TPathFilter>& filters,
@@ -168,7 +168,7 @@ void TApplication::ShowProperties(const char* text)
 void TApplication::ShowOptions()
 {
     TOptionsDialog dialog(App.GetSettings(), App.GetResourceLocator());
-    dialog.Run(MainWindow);
+    dialog.Run(MainWindow.Get());
 }
 
 void TApplication::Beep()

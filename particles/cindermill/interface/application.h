@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "library/wimp/desktopactivation.h"
 #include "library/wimp/gdi/gdibitmap.h"
 #include "library/wimp/wimp.h"
@@ -15,8 +16,6 @@ class TApplication : public TWimpApp, public TAppHost, public TActivationHost
 public:
     TApplication();
     ~TApplication() override;
-    TApplication(const TApplication&) = delete;
-    TApplication& operator=(const TApplication&) = delete;
 
     // False if the program cannot or shall not go on; what failed was shown.
     bool Init();
@@ -58,7 +57,7 @@ private:
 
     TCindermillApp App;
     TResourceDialog ResourceDialog;
-    TMainWindow* MainWindow = nullptr;
+    TOwner<TMainWindow> MainWindow;
     TGDIBitmap NodeBitmaps[NumNodeBitmaps];
     TDesktopActivation Activation;
 };

@@ -19,11 +19,10 @@ TDocumentWindows::~TDocumentWindows()
 bool TDocumentWindows::CreateParticleWindow(TDocument& document)
 {
     Document = &document;
-    ParticleWindow = new TParticleWindow;
+    ParticleWindow.Reset(new TParticleWindow);
     if (ParticleWindow->Create(document))
         return true;
-    delete ParticleWindow;
-    ParticleWindow = nullptr;
+    ParticleWindow.Reset();
     return false;
 }
 
@@ -37,7 +36,7 @@ bool TDocumentWindows::CreateView(TDocument& document)
 {
     ASSERT_TEXT(Windows.empty(), "Windows.size() == 0");
     Document = &document;
-    Scene = new TGraphScene(document, *this);
+    Scene.Reset(new TGraphScene(document, *this));
     if (!AddView(document))
         return false;
     Windows[0]->Activate();
@@ -51,13 +50,11 @@ bool TDocumentWindows::NewView(TDocument& document)
 
 bool TDocumentWindows::AddView(TDocument& document)
 {
-    TDocWindow* window = new TDocWindow(*this);
-    if (!window->Create(document, Frame)) {
-        delete window;
+    TOwner<TDocWindow> window(new TDocWindow(*this));
+    if (!window->Create(document, Frame))
         return false;
-    }
-    Windows.push_back(window);
-    window->Show();
+    Windows.push_back(window.Release());
+    Windows.back()->Show();
     UpdateTitles(document);
     return true;
 }
@@ -70,15 +67,15 @@ void TDocumentWindows::CloseView(TDocWindow* window)
         app.CloseDocument(Document);
         return;
     }
-    TDocWindow** it = Windows.find(window);
-    ASSERT_TEXT(it != Windows.end(), "it != Windows.end()");
+    const int at = Windows.index_of(window);
+    ASSERT_TEXT(at != -1, "it != Windows.end()");
     Scene->CancelDrags();
     if (TRenderObject::GetFocusView() == &window->GetGraph().GetRenderer())
         TTextEdit::DropFocusedInput();
-    Windows.erase(it);
+    TOwner<TDocWindow> closed(Windows.Release(at));
     if (app.GetActiveDocWindow() == window)
         Windows.back()->Activate();
-    delete window;
+    closed.Reset();
     if (ParticleWindow != nullptr && ParticleWindow->GetKeyOwner() == nullptr)
         CollectShortcuts(*Windows.back());
     UpdateTitles(*Document);
@@ -98,16 +95,12 @@ void TDocumentWindows::DeleteWindows(TDocument& document)
     if (Scene != nullptr)
         Scene->CancelDrags();
     while (!Windows.empty()) {
-        TDocWindow* window = Windows.back();
-        Windows.pop_back();
-        if (app.GetActiveDocWindow() == window)
+        const TOwner<TDocWindow> window(Windows.Release(Windows.size() - 1));
+        if (window == app.GetActiveDocWindow())
             app.SetActiveDocWindow(nullptr, nullptr);
-        delete window;
     }
-    delete ParticleWindow;
-    ParticleWindow = nullptr;
-    delete Scene;
-    Scene = nullptr;
+    ParticleWindow.Reset();
+    Scene.Reset();
     Document = nullptr;
 }
 
@@ -147,8 +140,8 @@ void TDocumentWindows::FrameAllNodes(TDocument&)
 // In the view that was used last.
 void TDocumentWindows::BringIntoSight(TDocument&, const vector<TToolNode*>& nodes)
 {
-    TDocWindow** active = Windows.find(TCindermillApp::Get().GetActiveDocWindow());
-    TDocWindow* window = active != Windows.end() ? *active : Windows[0];
+    const int active = Windows.index_of(TCindermillApp::Get().GetActiveDocWindow());
+    TDocWindow* window = Windows[active != -1 ? active : 0];
     window->GetGraph().BringIntoSight(nodes);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/ownerlist.h"
 #include "library/containers/vector.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/main/documenthost.h"
@@ -17,8 +18,6 @@ public:
     // The owner of document windows: the main window, with a client area for them.
     explicit TDocumentWindows(TWindow* frame);
     ~TDocumentWindows() override;
-    TDocumentWindows(const TDocumentWindows&) = delete;
-    TDocumentWindows& operator=(const TDocumentWindows&) = delete;
 
     // The document's.
     bool CreateParticleWindow(TDocument& document) override;
@@ -56,7 +55,7 @@ public:
 
     TDocument& GetDocument() const { return *Document; }
     TGraphScene& GetScene() const { return *Scene; }
-    TParticleWindow* GetParticleWindow() const { return ParticleWindow; }
+    TParticleWindow* GetParticleWindow() const { return ParticleWindow.Get(); }
     int GetNumWindows() const { return Windows.size(); }
     // 0 is the primary view.
     TDocWindow* GetWindow(int i) const { return Windows[i]; }
@@ -67,7 +66,7 @@ private:
 
     TWindow* Frame;
     TDocument* Document = nullptr;
-    TGraphScene* Scene = nullptr;
-    vector<TDocWindow*> Windows;
-    TParticleWindow* ParticleWindow = nullptr;
+    TOwner<TGraphScene> Scene;
+    TOwnerList<TDocWindow> Windows;
+    TOwner<TParticleWindow> ParticleWindow;
 };

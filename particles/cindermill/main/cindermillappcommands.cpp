@@ -1,6 +1,7 @@
 // What the menus, the choosers, the recent files and dropped files do: which document a command goes to, and
 // the questions that stand between a command and the disc.
 
+#include "library/containers/owner.h"
 #include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
@@ -379,10 +380,10 @@ void TCindermillApp::CloseDocument(TDocument* document)
 
 void TCindermillApp::DeleteDocument(TDocument* document)
 {
-    TDocumentHost* host = document->GetHost();
+    // The windows go after their document, which takes leave of them.
+    const TOwner<TDocumentHost> host(document->GetHost());
     Autosave.OnClosed(*document);
-    delete document;
-    delete host;
+    TOwner<TDocument>(document).Reset();
 }
 
 void TCindermillApp::ExitRequest()

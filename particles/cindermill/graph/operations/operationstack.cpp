@@ -31,11 +31,10 @@ void TOperationStack::DropTail(TEditContext& doc, int first)
     const bool discards = !IsFromFile || CanFreeTail(*this, first, *doc.GetGraph(), doc.GetChunks());
     const TChunkFile::TRemoval removal(doc.GetChunks());
     for (int i = first; i < Operations.size(); ++i) {
-        TOperation* op = Operations[i];
-        doc.GetChunks().RemoveChunk(op);
+        const TOwner<TOperation> op(Operations[i]);
+        doc.GetChunks().RemoveChunk(op.Get());
         if (discards)
             op->Discard(doc);
-        delete op;
     }
     Operations.resize(first);
 }
@@ -43,9 +42,8 @@ void TOperationStack::DropTail(TEditContext& doc, int first)
 // What the operation made or removed stays where it is.
 void TOperationStack::DropOne(TEditContext& doc, int i)
 {
-    TOperation* op = Operations[i];
-    doc.GetChunks().RemoveChunk(op);
-    delete op;
+    const TOwner<TOperation> op(Operations[i]);
+    doc.GetChunks().RemoveChunk(op.Get());
 }
 
 // A number that no operation has.
@@ -99,19 +97,20 @@ bool TOperationStack::CanMerge(const TOperation& op) const
            op.GetGesture() == Operations.back()->GetGesture();
 }
 
-void TOperationStack::Apply(TEditContext& doc, TOperation* op)
+void TOperationStack::Apply(TEditContext& doc, TOperation* operation)
 {
+    TOwner<TOperation> op(operation);
     DropTail(doc, Position);
     op->SetGesture(Gesture);
     if (CanMerge(*op) && op->Merge(*Operations.back())) {
-        delete op;
+        op.Reset();
         doc.RedrawWindows();
         LastTime = GetTickCount();
         return;
     }
-    Append(Operations, op);
-    doc.GetChunks().AddChunk(op);
-    op->Do(doc);
+    Append(Operations, op.Release());
+    doc.GetChunks().AddChunk(Operations.back());
+    Operations.back()->Do(doc);
     ++Position;
     LastTime = GetTickCount();
 }

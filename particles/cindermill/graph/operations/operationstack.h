@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/graph/operations/operation.h"
 
 // The history of a document: what was done, and what was undone and can be done again. The operations are
@@ -24,8 +25,8 @@ public:
     // The same, for a gesture that has ended and goes on: what is applied joins the step that was done last.
     void ContinueGesture();
     void EndGesture();
-    // A whole step. False if an operation of it does not fit the graph: the file that it came from is damaged,
-    // and nothing was done.
+    // A whole step. False if an operation of it does not fit the graph: the file that it came from is
+    // damaged, and nothing was done.
     bool Undo(TEditContext& doc);
     bool Redo(TEditContext& doc);
     bool CanUndo() const { return Position > 0; }

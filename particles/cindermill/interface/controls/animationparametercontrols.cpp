@@ -45,14 +45,6 @@ TResourceLocator& GetLocator()
 
 } // namespace
 
-TNodeAnimationParameterControls::~TNodeAnimationParameterControls()
-{
-    for (TTickBox* box : Flags)
-        delete box;
-    delete Name;
-    delete Button;
-}
-
 TNodeAnimationParameter& TNodeAnimationParameterControls::GetAnimation() const
 {
     return *static_cast<TNodeAnimationParameter*>(Parameter);
@@ -60,20 +52,20 @@ TNodeAnimationParameter& TNodeAnimationParameterControls::GetAnimation() const
 
 void TNodeAnimationParameterControls::BuildControls()
 {
-    Button = new TPushButton(*Host);
+    Button.Reset(new TPushButton(*Host));
     Button->Build("...", TVector2(ButtonWidth, RowHeight));
-    AddObject(Button);
-    Name = new TTextEdit(*Host);
+    AddObject(Button.Get());
+    Name.Reset(new TTextEdit(*Host));
     Name->Build(TVector2(NameWidth, RowHeight));
     Name->SetReadOnly(true);
     Name->SetOrigin(TVector2(NameLeft, 0));
-    AddObject(Name);
+    AddObject(Name.Get());
     float left = 0;
     for (int i = 0; i < FL_NUMFLAGS; ++i) {
-        Flags[i] = new TTickBox(*Host);
+        Flags[i].Reset(new TTickBox(*Host));
         Flags[i]->Build(FlagNames[i]);
         Flags[i]->SetOrigin(TVector2(left, RowStep + (RowHeight - Flags[i]->GetSize()[1]) * 0.5f));
-        AddObject(Flags[i]);
+        AddObject(Flags[i].Get());
         left += Flags[i]->GetSize()[0] + FlagGap;
     }
 }
@@ -96,12 +88,12 @@ void TNodeAnimationParameterControls::GetSize(TVector2& size) const
 
 void TNodeAnimationParameterControls::OnChildChanged(const TRenderEvent& event)
 {
-    if (event.Source == Button)
+    if (event.Source == Button.Get())
         Choose();
     bool flags[FL_NUMFLAGS];
     GetFlags(GetAnimation(), flags);
     for (int i = 0; i < FL_NUMFLAGS; ++i)
-        if (event.Source == Flags[i]) {
+        if (event.Source == Flags[i].Get()) {
             flags[i] = Flags[i]->IsChecked();
             ApplyFlags(flags);
             return;

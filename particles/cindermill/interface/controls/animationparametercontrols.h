@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/controls/pushbutton.h"
 #include "particles/cindermill/interface/controls/textedit.h"
@@ -20,7 +21,6 @@ public:
         FL_SCALE,
         FL_NUMFLAGS
     };
-    ~TNodeAnimationParameterControls() override;
 
     void Refresh() override;
     void GetSize(TVector2& size) const override;
@@ -49,8 +49,7 @@ private:
     void Apply(const char* name);
     void ApplyFlags(const bool* flags);
 
-    // Owned.
-    TPushButton* Button = nullptr;
-    TTextEdit* Name = nullptr;
-    TTickBox* Flags[FL_NUMFLAGS] = {};
+    TOwner<TPushButton> Button;
+    TOwner<TTextEdit> Name;
+    TOwner<TTickBox> Flags[FL_NUMFLAGS];
 };

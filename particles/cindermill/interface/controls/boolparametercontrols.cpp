@@ -4,17 +4,12 @@
 #include "particles/cindermill/interface/controls/valuetext.h"
 #include "particles/cindermill/main/document.h"
 
-TSwitchParameterControls::~TSwitchParameterControls()
-{
-    delete Box;
-}
-
 void TSwitchParameterControls::BuildControls()
 {
-    Box = new TTickBox(*Host);
+    Box.Reset(new TTickBox(*Host));
     Box->Build("");
     Box->SetOrigin(TVector2(0, (RowHeight - Box->GetSize()[1]) * 0.5f));
-    AddObject(Box);
+    AddObject(Box.Get());
 }
 
 void TSwitchParameterControls::Refresh()
@@ -29,7 +24,7 @@ void TSwitchParameterControls::GetSize(TVector2& size) const
 
 void TSwitchParameterControls::OnChildChanged(const TRenderEvent& event)
 {
-    if (event.Source == Box)
+    if (event.Source == Box.Get())
         Apply(Box->IsChecked());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/controls/tickbox.h"
 
@@ -9,7 +10,6 @@ class TOperation;
 class TSwitchParameterControls : public TNodeParameterControls
 {
 public:
-    ~TSwitchParameterControls() override;
     void Refresh() override;
     void GetSize(TVector2& size) const override;
     void CopyValue(TString& text) const override;
@@ -28,8 +28,7 @@ protected:
 private:
     void Apply(bool set);
 
-    // Owned.
-    TTickBox* Box = nullptr;
+    TOwner<TTickBox> Box;
 };
 
 class TNodeBoolParameterControls : public TRegistered<TNodeBoolParameterControls, TSwitchParameterControls>

@@ -17,11 +17,8 @@ bool AreSame(const float* a, const float* b)
 }
 } // namespace
 
-TNodeColourParameterControls::~TNodeColourParameterControls()
-{
-    delete Picker;
-    delete Swatch;
-}
+TNodeColourParameterControls::TNodeColourParameterControls() = default;
+TNodeColourParameterControls::~TNodeColourParameterControls() = default;
 
 TNodeColourParameter& TNodeColourParameterControls::GetColour() const
 {
@@ -30,9 +27,9 @@ TNodeColourParameter& TNodeColourParameterControls::GetColour() const
 
 void TNodeColourParameterControls::BuildControls()
 {
-    Swatch = new TColourSwatch(*Host);
+    Swatch.Reset(new TColourSwatch(*Host));
     Swatch->Build(TVector2(SwatchWidth, RowHeight));
-    AddObject(Swatch);
+    AddObject(Swatch.Get());
 }
 
 void TNodeColourParameterControls::Refresh()
@@ -60,25 +57,25 @@ void TNodeColourParameterControls::SetOpen(bool open)
 void TNodeColourParameterControls::ShowPicker()
 {
     if (Picker == nullptr) {
-        Picker = new TColourPicker(*Host);
+        Picker.Reset(new TColourPicker(*Host));
         Picker->Build();
         Picker->SetOrigin(TVector2(0, RowStep));
         Picker->SetColour(GetColour().GetFloats());
     }
     if (IsOpen())
-        AddObject(Picker);
+        AddObject(Picker.Get());
     else
-        RemoveObject(Picker);
+        RemoveObject(Picker.Get());
     TellSize();
 }
 
 void TNodeColourParameterControls::OnChildChanged(const TRenderEvent& event)
 {
-    if (event.Source == Swatch)
+    if (event.Source == Swatch.Get())
         ShowPicker();
-    else if (event.Source == Picker && Picker->IsTakenBack())
+    else if (event.Source == Picker.Get() && Picker->IsTakenBack())
         TakeBack(Picker->GetDrag());
-    else if (event.Source == Picker)
+    else if (event.Source == Picker.Get())
         Apply(Picker->GetColour(), Picker->GetDrag());
 }
 

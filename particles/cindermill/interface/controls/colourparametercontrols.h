@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/interface/controls/colourswatch.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 
@@ -12,6 +13,7 @@ class TNodeColourParameterControls : public TRegistered<TNodeColourParameterCont
 {
 public:
     static constexpr const char* RegisteredName = "TNodeColourParameterControls";
+    TNodeColourParameterControls();
     ~TNodeColourParameterControls() override;
 
     void Refresh() override;
@@ -23,7 +25,7 @@ public:
     bool IsDefault() const override;
     TColourSwatch& GetSwatch() { return *Swatch; }
     // Null until it was first folded open.
-    TColourPicker* GetPicker() { return Picker; }
+    TColourPicker* GetPicker() { return Picker.Get(); }
     bool IsOpen() const { return Swatch->IsOpen(); }
     void SetOpen(bool open);
 
@@ -39,7 +41,6 @@ private:
     void Apply(const float* rgba, int drag);
     void TakeBack(int drag);
 
-    // Owned.
-    TColourSwatch* Swatch = nullptr;
-    TColourPicker* Picker = nullptr;
+    TOwner<TColourSwatch> Swatch;
+    TOwner<TColourPicker> Picker;
 };

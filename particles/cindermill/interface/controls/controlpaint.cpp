@@ -101,8 +101,10 @@ void TControlBox::RenderPart(TRenderer& renderer, TRenderPath& path, const TVect
 {
     if (!path.IsClosed())
         return;
+    constexpr float FarShare = 0.5f;
+    const bool isFar = renderer.GetResolution()[1] < FarZoom;
     path.SetFillColour(colour);
-    path.Render(renderer);
+    path.Render(renderer, TVector2(0, 0), TVector2(1, 1), isFar ? FarShare : 1);
 }
 
 // Wide enough to be seen in a view that is zoomed out.

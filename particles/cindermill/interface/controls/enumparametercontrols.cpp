@@ -3,11 +3,6 @@
 #include "particles/cindermill/graph/operations/numberparamop.h"
 #include "particles/cindermill/main/document.h"
 
-TNodeEnumParameterControls::~TNodeEnumParameterControls()
-{
-    delete Combo;
-}
-
 TNodeEnumParameter& TNodeEnumParameterControls::GetEnumParameter() const
 {
     return *static_cast<TNodeEnumParameter*>(Parameter);
@@ -15,11 +10,11 @@ TNodeEnumParameter& TNodeEnumParameterControls::GetEnumParameter() const
 
 void TNodeEnumParameterControls::BuildControls()
 {
-    Combo = new TComboBox(*Host);
+    Combo.Reset(new TComboBox(*Host));
     Combo->Build(TVector2(ComboWidth, RowHeight));
     for (const TNodeEnumParameter::TEntry& entry : GetEnumParameter().GetValues())
         Combo->AddString(entry.Name.Print());
-    AddObject(Combo);
+    AddObject(Combo.Get());
 }
 
 // A file may hold a position outside the list: nothing is chosen then.
@@ -36,7 +31,7 @@ void TNodeEnumParameterControls::GetSize(TVector2& size) const
 
 void TNodeEnumParameterControls::OnChildChanged(const TRenderEvent& event)
 {
-    if (event.Source == Combo)
+    if (event.Source == Combo.Get())
         Apply(Combo->GetSelection());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/interface/controls/combobox.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 
@@ -11,7 +12,6 @@ public:
     static constexpr const char* RegisteredName = "TNodeEnumParameterControls";
     static constexpr float ComboWidth = 180.0f;
 
-    ~TNodeEnumParameterControls() override;
     void Refresh() override;
     void GetSize(TVector2& size) const override;
     // The entry's name.
@@ -32,6 +32,5 @@ private:
     int FindEntry(const char* name) const;
     void Apply(int index);
 
-    // Owned.
-    TComboBox* Combo = nullptr;
+    TOwner<TComboBox> Combo;
 };

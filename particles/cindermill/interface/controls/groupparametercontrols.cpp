@@ -2,12 +2,6 @@
 
 #include "particles/cindermill/graph/operations/flagparamop.h"
 
-TNodeGroupParameterControls::~TNodeGroupParameterControls()
-{
-    for (TNodeParameterControls* child : Children)
-        delete child;
-}
-
 TNodeGroupParameter& TNodeGroupParameterControls::GetGroup() const
 {
     return *static_cast<TNodeGroupParameter*>(Parameter);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/ownerlist.h"
 #include "particles/cindermill/interface/controls/boolparametercontrols.h"
 
 class TNodeGroupParameter;
@@ -11,12 +12,11 @@ public:
     static constexpr const char* RegisteredName = "TNodeGroupParameterControls";
     static constexpr float Indent = 10.0f;
 
-    ~TNodeGroupParameterControls() override;
     void Refresh() override;
     void GetSize(TVector2& size) const override;
     bool Event(const TRenderEvent& event) override;
     // Made when the group is first open. A parameter of a kind without controls has none here.
-    const vector<TNodeParameterControls*>& GetChildren() const { return Children; }
+    const vector<TNodeParameterControls*>& GetChildren() const { return Children.Get(); }
 
 protected:
     bool IsSet(const TNodeParameter& parameter) const override;
@@ -31,6 +31,5 @@ private:
 
     bool IsOpen = false;
     bool HasChildren = false;
-    // Owned.
-    vector<TNodeParameterControls*> Children;
+    TOwnerList<TNodeParameterControls> Children;
 };

@@ -18,10 +18,7 @@ TNumberScrub::TNumberScrub(TNumberParameterControls& owner, int field)
 {
 }
 
-TNumberScrub::~TNumberScrub()
-{
-    delete First;
-}
+TNumberScrub::~TNumberScrub() = default;
 
 void TNumberScrub::Start(const TVector2& point)
 {
@@ -31,11 +28,10 @@ void TNumberScrub::Start(const TVector2& point)
 
 void TNumberScrub::Show(TOperation* change)
 {
-    change->Do(Owner.GetDocument());
+    TOwner<TOperation> shown(change);
+    shown->Do(Owner.GetDocument());
     if (First == nullptr)
-        First = change;
-    else
-        delete change;
+        First.Reset(shown.Release());
 }
 
 void TNumberScrub::Restore()
@@ -43,8 +39,7 @@ void TNumberScrub::Restore()
     if (First == nullptr)
         return;
     First->Undo(Owner.GetDocument());
-    delete First;
-    First = nullptr;
+    First.Reset();
 }
 
 void TNumberScrub::OnDrag(const TVector2& point, int keyFlags)
@@ -75,8 +70,6 @@ TNumberParameterControls::~TNumberParameterControls()
     StopListening();
     for (TField* field : Fields)
         field->Scrub.Cancel();
-    for (TField* field : Fields)
-        delete field;
 }
 
 void TNumberParameterControls::AddField(const TFieldLook& look)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "library/containers/owner.h"
+#include "library/containers/ownerlist.h"
 #include "particles/cindermill/interface/controls/controldrag.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/controls/numberinput.h"
@@ -27,8 +29,8 @@ private:
 
     TNumberParameterControls& Owner;
     int Field;
-    // The first change, done and not applied: it knows the value from before. Owned.
-    TOperation* First = nullptr;
+    // The first change, done and not applied: it knows the value from before.
+    TOwner<TOperation> First;
     float LastX = 0;
     // What was dragged and is not yet a step.
     double Rest = 0;
@@ -110,7 +112,7 @@ private:
     void TakeNumber(int field);
     void GetScrubRect(int field, TVector2& min, TVector2& max) const;
 
-    vector<TField*> Fields;
+    TOwnerList<TField> Fields;
     // Smaller than the names of parameters: the longest of the labels stands in 30 units.
     TFontInstance FieldFont;
 };

@@ -5,12 +5,6 @@
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/nodetype.h"
 
-TNodePolytypeParameterControls::~TNodePolytypeParameterControls()
-{
-    delete Value;
-    delete Combo;
-}
-
 TNodePolytypeParameter& TNodePolytypeParameterControls::GetPolytype() const
 {
     return *static_cast<TNodePolytypeParameter*>(Parameter);
@@ -18,9 +12,9 @@ TNodePolytypeParameter& TNodePolytypeParameterControls::GetPolytype() const
 
 void TNodePolytypeParameterControls::BuildControls()
 {
-    Combo = new TComboBox(*Host);
+    Combo.Reset(new TComboBox(*Host));
     Combo->Build(TVector2(ComboWidth, RowHeight));
-    AddObject(Combo);
+    AddObject(Combo.Get());
 }
 
 // A choice reaches ports through links and wires. What is no port of the node has none.
@@ -68,13 +62,12 @@ void TNodePolytypeParameterControls::ShowValue()
     if (type == ValueType)
         return;
     ValueType = type;
-    delete Value;
-    Value = CreateParameterControls(*Document, *ToolNode, *GetPolytype().GetCurrentParameter(), *Host);
+    Value.Reset(CreateParameterControls(*Document, *ToolNode, *GetPolytype().GetCurrentParameter(), *Host));
     if (Value == nullptr)
         return;
     Value->SetLabel(GetValueLabel().Print());
     Value->SetOrigin(TVector2(0, RowStep));
-    AddObject(Value);
+    AddObject(Value.Get());
 }
 
 void TNodePolytypeParameterControls::Refresh()
@@ -96,7 +89,7 @@ void TNodePolytypeParameterControls::GetSize(TVector2& size) const
 
 void TNodePolytypeParameterControls::OnChildChanged(const TRenderEvent& event)
 {
-    if (event.Source == Combo && Combo->GetSelection() >= 0)
+    if (event.Source == Combo.Get() && Combo->GetSelection() >= 0)
         Apply(Combo->GetData(Combo->GetSelection()));
 }
 

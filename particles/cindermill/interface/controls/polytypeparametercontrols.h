@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/interface/controls/combobox.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 
@@ -13,7 +14,6 @@ public:
     static constexpr const char* RegisteredName = "TNodePolytypeParameterControls";
     static constexpr float ComboWidth = 100.0f;
 
-    ~TNodePolytypeParameterControls() override;
     void Refresh() override;
     void GetSize(TVector2& size) const override;
     bool Event(const TRenderEvent& event) override;
@@ -27,7 +27,7 @@ public:
     // False where wires leave one type.
     bool HasChoice() const;
     // Null for a type without controls.
-    TNodeParameterControls* GetValueControls() { return Value; }
+    TNodeParameterControls* GetValueControls() { return Value.Get(); }
 
 protected:
     void BuildControls() override;
@@ -43,9 +43,8 @@ private:
     int FindType(const char* name) const;
     void Apply(int type);
 
-    // Both owned.
-    TComboBox* Combo = nullptr;
-    TNodeParameterControls* Value = nullptr;
+    TOwner<TComboBox> Combo;
+    TOwner<TNodeParameterControls> Value;
     int ValueType = -1;
     // What the combo was filled with.
     unsigned Types = 0;

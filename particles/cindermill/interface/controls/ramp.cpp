@@ -51,10 +51,7 @@ TRamp::TRamp(TControlHost& host)
     Font.Create(ControlFont, RowFontSize);
 }
 
-TRamp::~TRamp()
-{
-    delete Pending;
-}
+TRamp::~TRamp() = default;
 
 void TRamp::Build(const TVector2& size, int componentCount, bool colour, bool linear,
                   const vector<TRampPoint>* pointLists)
@@ -251,16 +248,14 @@ void TRamp::Commit(int component)
 
 void TRamp::Send(TOperation* operation)
 {
-    delete Pending;
-    Pending = operation;
+    Pending.Reset(operation);
     if (operation != nullptr) {
         TRenderEvent event;
         event.Source = this;
         event.Code = RE_VALUECHANGED;
         if (Parent != nullptr)
             Parent->Event(event);
-        delete Pending;
-        Pending = nullptr;
+        Pending.Reset();
     }
     // Whether it has been done or not: the parameter knows.
     Refresh();
@@ -273,9 +268,7 @@ TRamp* TRamp::GetFocused()
 
 TOperation* TRamp::TakeOperation()
 {
-    TOperation* operation = Pending;
-    Pending = nullptr;
-    return operation;
+    return Pending.Release();
 }
 
 void TRamp::CopyValue(TString& text) const

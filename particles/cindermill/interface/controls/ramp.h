@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/controls/numberinput.h"
@@ -112,7 +113,7 @@ private:
 
     TControlHost& Host;
     TNodeRampParameter* Parameter = nullptr;
-    TOperation* Pending = nullptr;
+    TOwner<TOperation> Pending;
     TRampLayout Layout;
     TRampModel Model;
     TRampView View;

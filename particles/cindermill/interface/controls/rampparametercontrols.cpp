@@ -27,10 +27,8 @@ bool AreSame(const TNodeRampParameter& a, const TNodeRampParameter& b)
 
 } // namespace
 
-TNodeRampParameterControls::~TNodeRampParameterControls()
-{
-    delete Ramp;
-}
+TNodeRampParameterControls::TNodeRampParameterControls() = default;
+TNodeRampParameterControls::~TNodeRampParameterControls() = default;
 
 TNodeRampParameter& TNodeRampParameterControls::GetRampParameter() const
 {
@@ -44,10 +42,10 @@ TNodeRampParameterControls::TShape TNodeRampParameterControls::GetShape() const
 
 void TNodeRampParameterControls::BuildControls()
 {
-    Ramp = new TRamp(*Host);
+    Ramp.Reset(new TRamp(*Host));
     Ramp->SetParameter(&GetRampParameter());
     BuildRamp(GetShape());
-    AddObject(Ramp);
+    AddObject(Ramp.Get());
 }
 
 void TNodeRampParameterControls::BuildRamp(const TShape& shape)
@@ -78,7 +76,7 @@ void TNodeRampParameterControls::GetSize(TVector2& size) const
 
 void TNodeRampParameterControls::OnChildChanged(const TRenderEvent& event)
 {
-    if (event.Source != Ramp)
+    if (event.Source != Ramp.Get())
         return;
     if (TOperation* operation = Ramp->TakeOperation())
         Document->ApplyOperation(operation);

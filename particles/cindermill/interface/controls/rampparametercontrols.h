@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 
 class TNodeRampParameter;
@@ -12,6 +13,7 @@ public:
     static constexpr float RampWidth = 350.0f;
     static constexpr float RampHeight = 150.0f;
 
+    TNodeRampParameterControls();
     ~TNodeRampParameterControls() override;
     void Refresh() override;
     void GetSize(TVector2& size) const override;
@@ -40,8 +42,7 @@ protected:
 private:
     void BuildRamp(const TShape& shape);
 
-    // Owned.
-    TRamp* Ramp = nullptr;
+    TOwner<TRamp> Ramp;
     TShape Shape = {1, false};
 };
 

@@ -41,15 +41,6 @@ void FitPath(const TFontInstance& font, const TString& path, float width, TStrin
 
 } // namespace
 
-TNodeTextureParameterControls::~TNodeTextureParameterControls()
-{
-    delete AlphaBox;
-    delete PictureSize;
-    delete Preview;
-    delete Name;
-    delete Button;
-}
-
 TNodeTextureParameter& TNodeTextureParameterControls::GetTexture() const
 {
     return *static_cast<TNodeTextureParameter*>(Parameter);
@@ -57,22 +48,22 @@ TNodeTextureParameter& TNodeTextureParameterControls::GetTexture() const
 
 void TNodeTextureParameterControls::BuildControls()
 {
-    Button = new TPushButton(*Host);
+    Button.Reset(new TPushButton(*Host));
     Button->Build("...", TVector2(ButtonWidth, RowHeight));
-    AddObject(Button);
-    Name = new TStatic;
+    AddObject(Button.Get());
+    Name.Reset(new TStatic);
     Name->SetWidth(NameWidth);
-    AddObject(Name);
-    Preview = new TTexturePreview;
+    AddObject(Name.Get());
+    Preview.Reset(new TTexturePreview);
     Preview->SetOrigin(TVector2(0, RowStep));
-    AddObject(Preview);
-    AlphaBox = new TTickBox(*Host);
+    AddObject(Preview.Get());
+    AlphaBox.Reset(new TTickBox(*Host));
     AlphaBox->Build("Show alpha channel");
     AlphaBox->SetOrigin(TVector2(SideLeft, RowStep));
-    AddObject(AlphaBox);
-    PictureSize = new TStatic;
+    AddObject(AlphaBox.Get());
+    PictureSize.Reset(new TStatic);
     PictureSize->SetOrigin(TVector2(SideLeft, RowStep + SideStep));
-    AddObject(PictureSize);
+    AddObject(PictureSize.Get());
 }
 
 void TNodeTextureParameterControls::Refresh()
@@ -112,9 +103,9 @@ void TNodeTextureParameterControls::GetSize(TVector2& size) const
 
 void TNodeTextureParameterControls::OnChildChanged(const TRenderEvent& event)
 {
-    if (event.Source == Button)
+    if (event.Source == Button.Get())
         Choose();
-    else if (event.Source == AlphaBox)
+    else if (event.Source == AlphaBox.Get())
         Preview->SetAlphaOnly(AlphaBox->IsChecked());
     Host->RedrawGraphs();
 }

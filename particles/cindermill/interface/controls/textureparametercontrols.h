@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/controls/pushbutton.h"
 #include "particles/cindermill/interface/controls/static.h"
@@ -14,7 +15,6 @@ class TNodeTextureParameterControls
 {
 public:
     static constexpr const char* RegisteredName = "TNodeTextureParameterControls";
-    ~TNodeTextureParameterControls() override;
 
     void Refresh() override;
     void GetSize(TVector2& size) const override;
@@ -43,10 +43,9 @@ private:
     void Apply(const char* name);
     void ShowPictureSize();
 
-    // Owned.
-    TPushButton* Button = nullptr;
-    TStatic* Name = nullptr;
-    TTexturePreview* Preview = nullptr;
-    TStatic* PictureSize = nullptr;
-    TTickBox* AlphaBox = nullptr;
+    TOwner<TPushButton> Button;
+    TOwner<TStatic> Name;
+    TOwner<TTexturePreview> Preview;
+    TOwner<TStatic> PictureSize;
+    TOwner<TTickBox> AlphaBox;
 };

@@ -12,23 +12,16 @@ constexpr float Gap = 4.0f;
 
 } // namespace
 
-TNodeTransformParameterControls::~TNodeTransformParameterControls()
-{
-    delete Fold;
-    for (TPushButton* tab : Tabs)
-        delete tab;
-}
-
 void TNodeTransformParameterControls::BuildControls()
 {
     static constexpr const char* Names[TT_NUMTABS] = {"Translate", "Rotate", "Scale"};
     static constexpr const char* Letters[TabFields] = {"X", "Y", "Z"};
     constexpr double Limit = TNumberInput::FloatLimit;
-    Fold = new TPushButton(*Host);
+    Fold.Reset(new TPushButton(*Host));
     Fold->Build("...", TVector2(FoldWidth, RowHeight));
-    AddObject(Fold);
+    AddObject(Fold.Get());
     for (int i = 0; i < TT_NUMTABS; ++i) {
-        Tabs[i] = new TPushButton(*Host);
+        Tabs[i].Reset(new TPushButton(*Host));
         Tabs[i]->Build(Names[i], TVector2(TabWidth, RowHeight));
         Tabs[i]->SetToggle(true);
         Tabs[i]->SetOrigin(TVector2(FoldWidth + Gap + static_cast<float>(i) * (TabWidth + Gap), 0));
@@ -46,10 +39,10 @@ void TNodeTransformParameterControls::BuildControls()
 void TNodeTransformParameterControls::Layout()
 {
     for (int i = 0; i < TT_NUMTABS; ++i) {
-        if (Open && !HasObject(Tabs[i]))
-            AddObject(Tabs[i]);
-        else if (!Open && HasObject(Tabs[i]))
-            RemoveObject(Tabs[i]);
+        if (Open && !HasObject(Tabs[i].Get()))
+            AddObject(Tabs[i].Get());
+        else if (!Open && HasObject(Tabs[i].Get()))
+            RemoveObject(Tabs[i].Get());
         Tabs[i]->SetPressed(i == Tab);
     }
     const int shown = Open ? Tab : TT_TRANSLATE;
@@ -84,12 +77,12 @@ void TNodeTransformParameterControls::ShowTab(int tab)
 
 void TNodeTransformParameterControls::OnChildChanged(const TRenderEvent& event)
 {
-    if (event.Source == Fold) {
+    if (event.Source == Fold.Get()) {
         SetOpen(!Open);
         return;
     }
     for (int i = 0; i < TT_NUMTABS; ++i)
-        if (event.Source == Tabs[i]) {
+        if (event.Source == Tabs[i].Get()) {
             ShowTab(i);
             return;
         }

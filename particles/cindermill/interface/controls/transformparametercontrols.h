@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/interface/controls/pushbutton.h"
 #include "particles/cindermill/interface/controls/valueparametercontrols.h"
 
@@ -18,7 +19,6 @@ public:
         TT_NUMTABS
     };
 
-    ~TNodeTransformParameterControls() override;
     void Refresh() override;
     // What is open is neither saved nor an operation.
     void SetOpen(bool open);
@@ -36,9 +36,8 @@ protected:
 private:
     void Layout();
 
-    // Owned.
-    TPushButton* Fold = nullptr;
-    TPushButton* Tabs[TT_NUMTABS] = {};
+    TOwner<TPushButton> Fold;
+    TOwner<TPushButton> Tabs[TT_NUMTABS];
     bool Open = false;
     int Tab = TT_TRANSLATE;
 };

@@ -50,31 +50,20 @@ constexpr float ButtonWidth = 14.0f;
 
 } // namespace
 
-TNodeExp::~TNodeExp()
-{
-    DeleteControls();
-    DeletePorts();
-}
+TNodeExp::TNodeExp() = default;
+TNodeExp::~TNodeExp() = default;
 
 void TNodeExp::DeleteControls()
 {
-    for (const TControls& controls : Controls)
-        delete controls.Object;
     Controls.clear();
-}
-
-void TNodeExp::DeletePorts()
-{
-    for (TPort* port : Ports)
-        delete port;
-    Ports.clear();
+    Owned.clear();
 }
 
 void TNodeExp::BuildFor(const TNodeType& type)
 {
     Build(type, MeasureNode(type));
     Panel.SetOpacity(PictureOpacity);
-    DeletePorts();
+    Ports.clear();
     for (int i = 0; i < type.GetNumInputs(); ++i)
         Ports.push_back(new TPort(nullptr, i, true, type.GetInput(i)->Name));
     for (int i = 0; i < type.GetNumOutputs(); ++i)
@@ -131,6 +120,7 @@ void TNodeExp::AddControls(TNodeParameterControls* controls, int inputPort)
     entry.Object = controls;
     entry.Port = inputPort;
     Controls.push_back(entry);
+    Owned.push_back(controls);
     AddObject(controls);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/classregistry.h"
+#include "library/containers/ownerlist.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "particles/cindermill/interface/graph/nodepanel.h"
 #include "particles/cindermill/interface/graph/port.h"
@@ -24,6 +25,7 @@ public:
     static constexpr const char* RegisteredName = "TNodeExp";
     static constexpr int NumPaths = 39;
 
+    TNodeExp();
     ~TNodeExp() override;
 
     // A picture of a type, for a drag from the palette; as large as a closed new node. It is drawn at its
@@ -67,10 +69,11 @@ private:
 
     // Puts the visible controls below each other; returns the room that they take.
     TVector2 LayoutControls(float top);
-    void DeletePorts();
 
     TNodePanel Panel;
+    // Of each group of controls.
     vector<TControls> Controls;
+    TOwnerList<TNodeParameterControls> Owned;
     // Of a picture.
-    vector<TPort*> Ports;
+    TOwnerList<TPort> Ports;
 };

@@ -41,21 +41,6 @@ TNodeObj::TNodeObj(TGraphScene& scene) : Scene(scene)
     Bypass.SetOrigin(TVector2(NodeBoxLeft, NodeBoxTop));
 }
 
-TNodeObj::~TNodeObj()
-{
-    DeletePorts();
-}
-
-void TNodeObj::DeletePorts()
-{
-    for (TPort* port : InPorts)
-        delete port;
-    for (TPort* port : OutPorts)
-        delete port;
-    InPorts.clear();
-    OutPorts.clear();
-}
-
 void TNodeObj::Build(TToolNode* toolNode)
 {
     ToolNode = toolNode;
@@ -73,7 +58,8 @@ void TNodeObj::Build(TToolNode* toolNode)
 
 void TNodeObj::BuildPorts()
 {
-    DeletePorts();
+    InPorts.clear();
+    OutPorts.clear();
     const TNodeType& type = *ToolNode->GetNodeType();
     for (int i = 0; i < type.GetNumInputs(); ++i)
         InPorts.push_back(new TPort(this, i, true, type.GetInput(i)->Name));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/classregistry.h"
+#include "library/containers/ownerlist.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "particles/cindermill/interface/graph/bypass.h"
 #include "particles/cindermill/interface/graph/node.h"
@@ -23,7 +24,6 @@ class TNodeObj : public TRegistered<TNodeObj, TRenderObjects>
 public:
     static constexpr const char* RegisteredName = "TNodeObj";
     explicit TNodeObj(TGraphScene& scene);
-    ~TNodeObj() override;
 
     // The node stays the document's. Called again, it shows the other node, closed.
     void Build(TToolNode* toolNode);
@@ -85,7 +85,6 @@ public:
     TNodeExp& GetExpanded() { return Expanded; }
 
 private:
-    void DeletePorts();
     void BuildPorts();
     void LayoutPorts();
     void BuildPanels();
@@ -117,6 +116,6 @@ private:
     bool Collapsed = true;
     bool PanelBuilt = false;
     bool Selected = false;
-    vector<TPort*> InPorts;
-    vector<TPort*> OutPorts;
+    TOwnerList<TPort> InPorts;
+    TOwnerList<TPort> OutPorts;
 };

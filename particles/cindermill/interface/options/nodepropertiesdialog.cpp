@@ -97,10 +97,7 @@ TNodePropertiesDialog::TNodePropertiesDialog(TDocument& document, TToolNode& nod
 {
 }
 
-TNodePropertiesDialog::~TNodePropertiesDialog()
-{
-    delete Recorder;
-}
+TNodePropertiesDialog::~TNodePropertiesDialog() = default;
 
 void TNodePropertiesDialog::Run(TWindow* owner)
 {
@@ -349,18 +346,17 @@ void TNodePropertiesDialog::TakeBox(TNodeProperties& properties) const
     }
 }
 
-TBoundsSampler* TNodePropertiesDialog::MakeSampler()
+TOwner<TBoundsSampler> TNodePropertiesDialog::MakeSampler()
 {
-    TBoundsSampler* sampler = nullptr;
+    TOwner<TBoundsSampler> sampler;
     TString text;
-    if (!RunGuarded([&] { sampler = new TBoundsSampler(Document.GetEngine(), Node); }, text)) {
+    if (!RunGuarded([&] { sampler.Reset(new TBoundsSampler(Document.GetEngine(), Node)); }, text)) {
         ShowMessage("%s", text.Print());
-        return nullptr;
+        return TOwner<TBoundsSampler>();
     }
     if (sampler->GetFault() != SF_NONE) {
         ShowMessage("%s", GetText(sampler->GetFault()));
-        delete sampler;
-        return nullptr;
+        return TOwner<TBoundsSampler>();
     }
     if (sampler->GetReach() != SR_KNOWN)
         ShowMessage("%s", GetText(sampler->GetReach()));
@@ -387,7 +383,7 @@ void TNodePropertiesDialog::ShowBounds(const TBounds& bounds)
 
 void TNodePropertiesDialog::Sample()
 {
-    TBoundsSampler* sampler = MakeSampler();
+    const TOwner<TBoundsSampler> sampler = MakeSampler();
     if (sampler == nullptr)
         return;
     const int count = Grow(*sampler);
@@ -395,7 +391,6 @@ void TNodePropertiesDialog::Sample()
         ShowBounds(sampler->GetBounds());
     else if (count == 0)
         ShowMessage("%s", NoParticles);
-    delete sampler;
 }
 
 void TNodePropertiesDialog::BeginRecord()
@@ -460,8 +455,7 @@ void TNodePropertiesDialog::EndRecord()
 
 void TNodePropertiesDialog::StopRecord()
 {
-    delete Recorder;
-    Recorder = nullptr;
+    Recorder.Reset();
     RecordWaits = false;
     RecordButton.SetPressed(false);
     SampleButton.Enable(true);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "library/wimp/controls/button.h"
 #include "library/wimp/controls/checkbox.h"
 #include "library/wimp/controls/edit.h"
@@ -75,7 +76,7 @@ private:
     void TakeBox(TNodeProperties& properties) const;
 
     // The sampler of a node that can be sampled, or null; what speaks against it was shown.
-    TBoundsSampler* MakeSampler();
+    TOwner<TBoundsSampler> MakeSampler();
     // How many particles were taken in, or -1 after a fault, which was shown.
     int Grow(TBoundsSampler& sampler);
     void ShowBounds(const TBounds& bounds);
@@ -115,7 +116,7 @@ private:
     // What OK makes of it all.
     TNodeProperties Result;
     // While a box is recorded.
-    TBoundsSampler* Recorder = nullptr;
+    TOwner<TBoundsSampler> Recorder;
     int RecordedFrames = 0;
     float RecordedTime = 0;
     // The tick count of the last frame, and whether the person was told that no further one comes.

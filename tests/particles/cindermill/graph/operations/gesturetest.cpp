@@ -5,8 +5,8 @@
 
 namespace {
 
-// Writes down what is done and undone. Merges with any other where it is told to, and can say that it does not
-// fit any more.
+// Writes down what is done and undone. Merges with any other where it is told to, and can say that it does
+// not fit any more.
 class TStepOp : public TRegistered<TStepOp, TOperation>
 {
 public:
