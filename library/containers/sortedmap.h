@@ -1,7 +1,7 @@
 #pragma once
 
+#include "library/containers/append.h"
 #include "library/containers/map.h"
-#include "library/containers/vector.h"
 
 // A map whose iteration goes by ascending key, for tables whose order reaches a file or the screen.
 template <class K, class V>
@@ -32,8 +32,10 @@ public:
     V& operator[](const K& key)
     {
         const int at = LowerBound(key);
-        if (at == Entries.size() || !(Entries[at].first == key))
+        if (at == Entries.size() || !(Entries[at].first == key)) {
+            MakeRoom(Entries, 1);
             Entries.insert(Entries.begin() + at, TEntry{key, V()});
+        }
         return Entries[at].second;
     }
     iterator erase(iterator it) { return Entries.erase(it); }

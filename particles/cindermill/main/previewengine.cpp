@@ -50,6 +50,7 @@ bool TPreviewEngine::Init(TErrorList& errors, bool toolMode)
 bool TPreviewEngine::InitWithoutRender(TErrorList& errors)
 {
     Clear();
+    Locator.ForgetMissing();
     const bool inited = RunCollecting(errors, [&] { return Exec.InitWithoutRender(Schedule, errors); });
     if (!inited)
         Exec.Clear();

@@ -152,13 +152,26 @@ TFindResult TResourceLocator::Find(const char* name, TString& path)
     // No file has an empty name: nothing need be walked to know.
     if (name == nullptr || *name == 0)
         return FR_NOTFOUND;
-    if (FindInSearchDirectories(name, path))
+    if (!IsMissing(name) && FindInSearchDirectories(name, path))
         return FR_FOUND;
     if (Mode == RM_LEAFNAME)
         return FindLeaf(name, path);
     TString full;
     GetFullPath(name, full);
     return FindPath(name, full, path);
+}
+
+bool TResourceLocator::IsMissing(const char* name) const
+{
+    return Missing.find(name) != Missing.end();
+}
+
+// The end of a find that asks nobody.
+TFindResult TResourceLocator::EndAlone(const char* name, bool found)
+{
+    if (!found && !IsMissing(name))
+        Missing.push_back(name);
+    return found ? FR_FOUND : FR_NOTFOUND;
 }
 
 // Where a stored name that is no leaf leads to.
@@ -211,7 +224,7 @@ TFindResult TResourceLocator::FindPath(const char* name, const char* path, TStri
     if (FileExists(result))
         return FR_FOUND;
     if (!CanAsk())
-        return FR_NOTFOUND;
+        return EndAlone(name, false);
     return FindLocated(name, result) ? FR_LOCATED : Ask(name, result);
 }
 
@@ -220,7 +233,7 @@ TFindResult TResourceLocator::FindLeaf(const char* name, TString& path)
     if (FindInKnownDirectories(name, path))
         return FR_FOUND;
     if (!CanAsk())
-        return Search(name, path) ? FR_FOUND : FR_NOTFOUND;
+        return EndAlone(name, !IsMissing(name) && Search(name, path));
     return FindLocated(name, path) ? FR_LOCATED : Ask(name, path);
 }
 
@@ -228,7 +241,7 @@ TFindResult TResourceLocator::FindLeaf(const char* name, TString& path)
 TFindResult TResourceLocator::Ask(const char* name, TString& path)
 {
     const TString wanted(name);
-    if (Asking || Missing.find(wanted) != Missing.end())
+    if (Asking || IsMissing(name))
         return FR_NOTFOUND;
     struct TAsking
     {

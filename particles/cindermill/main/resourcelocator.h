@@ -50,8 +50,8 @@ public:
     TFindResult Find(const char* name, TString& path);
     // Only where it can be known at once: nothing is searched, and nobody is asked or told.
     bool FindKnown(const char* name, TString& path) const;
-    // What could not be found is looked and asked for again: a new round. Until then nobody is asked twice,
-    // however many nodes name the file.
+    // What could not be found is looked and asked for again: a new round. Until then nothing is searched for,
+    // and nobody is asked, twice, however many nodes name the file.
     void ForgetMissing();
     // A new round also begins where a choice may lead names to other files.
     int GetRound() const { return Round; }
@@ -74,6 +74,8 @@ private:
     TFindResult FindLeaf(const char* name, TString& path);
     TFindResult FindPath(const char* name, const char* path, TString& result);
     TFindResult Ask(const char* name, TString& path);
+    bool IsMissing(const char* name) const;
+    TFindResult EndAlone(const char* name, bool found);
     bool Choose(const char* name, TString& path);
     bool Search(const char* name, TString& path);
     TFindResult SearchWithDialog(const char* name, TString& path);

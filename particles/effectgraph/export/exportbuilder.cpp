@@ -282,9 +282,11 @@ void TExportBuilder::OptimiseGroup(int group)
 {
     TExportGroup& out = Groups[group];
     DebugPrintf("Emission[%d]:\n", group);
-    out.Emission.Rows = PreprocessStreams(out.Emission.Unpack, out.Emission.Execute, out.Emission.Pack);
+    out.Emission.Rows =
+        PreprocessStreams(out.Emission.Unpack, out.Emission.Execute, out.Emission.Pack, "emission", group);
     DebugPrintf("\nProcess[%d]:\n", group);
-    out.Process.Rows = PreprocessStreams(out.Process.Unpack, out.Process.Execute, out.Process.Pack);
+    out.Process.Rows =
+        PreprocessStreams(out.Process.Unpack, out.Process.Execute, out.Process.Pack, "process", group);
     DebugPrintf("\n\n");
     SerialisePhase(out.Emission);
     SerialisePhase(out.Process);

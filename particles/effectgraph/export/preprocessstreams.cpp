@@ -102,7 +102,8 @@ void PostponePrunes(TCommandStream& execute)
     }
 }
 
-int PreprocessStreams(TCommandStream& unpack, TCommandStream& execute, TCommandStream& pack)
+int PreprocessStreams(TCommandStream& unpack, TCommandStream& execute, TCommandStream& pack,
+                      const char* phase, int group)
 {
     MergeConstantEmitters(execute);
     PostponePrunes(execute);
@@ -111,5 +112,8 @@ int PreprocessStreams(TCommandStream& unpack, TCommandStream& execute, TCommandS
     allocator.Analyse(execute, pack);
     allocator.Log();
     allocator.Assign(unpack, execute, pack);
+    ASSERT_TEXT_MSG(allocator.GetNumTaken() <= TRowAllocator::NumMachineRows, "0",
+                    TempFormat("Group %d needs %d rows at a time in its %s, of which there are %d at most",
+                               group, allocator.GetNumTaken(), phase, TRowAllocator::NumMachineRows));
     return allocator.GetNumRows();
 }

@@ -1,5 +1,6 @@
 #include "particles/effectgraph/export/rowallocator.h"
 
+#include "library/containers/append.h"
 #include "library/containers/log.h"
 
 bool TRowAllocator::TRowMapping::EndsAt(int command) const
@@ -68,9 +69,10 @@ void TRowAllocator::Retire(int command)
 int TRowAllocator::Take(uint32_t row)
 {
     int p = 0;
-    while (p < NumMachineRows && Rows[p].Held)
+    while (p < Rows.size() && Rows[p].Held)
         ++p;
-    ASSERT_TEXT(p < NumMachineRows, "0");
+    if (p == Rows.size())
+        Append(Rows, TMachineRow());
     Rows[p].Held = true;
     Rows[p].Row = row;
     if (p >= HighWater)

@@ -12,11 +12,13 @@ public:
     // the position behind the last.
     void Analyse(const TCommandStream& execute, const TCommandStream& pack);
     void Log() const;
-    // Replaces the rows of all commands by machine rows.
+    // Replaces the rows of all commands by machine rows. GetNumTaken then tells whether there were enough.
     void Assign(TCommandStream& unpack, TCommandStream& execute, TCommandStream& pack);
     // The machine row of a row. A `command` later than any before first frees the rows that are last used in
     // it; -1 frees nothing. Rows that the analysis did not see share the place behind the ones in use.
     uint32_t MapRow(uint32_t row, int command);
+    // How many rows the commands need at a time.
+    int GetNumTaken() const { return HighWater; }
     // One more than were handed out, for the rows that share a place.
     int GetNumRows() const { return HighWater + 1; }
 
@@ -47,7 +49,8 @@ private:
     int Take(uint32_t row);
 
     sortedmap<uint32_t, TRowMapping> Mappings;
-    TMachineRow Rows[NumMachineRows];
+    // Those that the machine has, and further ones where they are not enough.
+    vector<TMachineRow> Rows;
     int HighWater = 0;
     int CurrentCommand = -1;
 };

@@ -5,16 +5,10 @@
 TScheduleWiring::TScheduleWiring(const vector<TEffectNode*>& nodes) : Nodes(nodes)
 {
     for (int i = 0; i < nodes.size(); ++i)
-        Places[nodes[i]] = i;
+        Places.Insert(nodes[i], i);
     Wires.resize(nodes.size());
     for (int i = 0; i < nodes.size(); ++i)
         CollectWires(nodes[i], Wires[i]);
-}
-
-int TScheduleWiring::Find(const TEffectNode* node) const
-{
-    const auto it = Places.find(node);
-    return it != Places.end() ? it->second : -1;
 }
 
 bool TScheduleWiring::HasTiedPorts(int node) const

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "library/containers/sortedmap.h"
 #include "library/containers/vector.h"
 #include "particles/effectgraph/effectnode.h"
+#include "particles/effectgraph/pointermap.h"
 
 // The nodes of a schedule in the making, told by their positions, and what feeds what. Refers to the array of
 // nodes, which must not change meanwhile.
@@ -18,7 +18,7 @@ public:
     bool IsRender(int node) const { return GetType(node).Category == TU_RENDER; }
 
     // -1 for a node that is not among them.
-    int Find(const TEffectNode* node) const;
+    int Find(const TEffectNode* node) const { return Places.Find(node); }
     // The destinations of all output edges, ports and edges in order; -1 for one that Find does not find.
     const vector<int>& GetTargets(int node) const { return Wires[node].Targets; }
     bool Feeds(int node, int target) const { return GetTargets(node).index_of(target) != -1; }
@@ -38,6 +38,6 @@ private:
     void CollectWires(const TEffectNode* node, TWires& wires) const;
 
     const vector<TEffectNode*>& Nodes;
-    sortedmap<const TEffectNode*, int> Places;
+    TPointerMap Places;
     vector<TWires> Wires;
 };

@@ -1,7 +1,7 @@
 #include "particles/effectgraph/schedule/tiedgroup.h"
 
 #include "library/containers/append.h"
-#include "library/containers/sortedmap.h"
+#include "particles/effectgraph/pointermap.h"
 #include "particles/effectgraph/schedule/printedaddress.h"
 
 namespace {
@@ -22,7 +22,7 @@ private:
         bool Written;
     };
 
-    bool IsInGroup(TEffectNode* node) const { return Members.find(node) != Members.end(); }
+    bool IsInGroup(TEffectNode* node) const { return Members.Has(node); }
     bool IsFromOutside(const TEffectEdge* edge) const { return !IsInGroup(edge->GetSrcNode()); }
     int AddTiedNode(TEffectNode* node);
     int AddInputAttribute(TEffectNode* node, int port, bool external);
@@ -38,14 +38,14 @@ private:
     void FillOutputs(int record);
     void ShrinkFrontier();
 
-    sortedmap<const TEffectNode*, bool> Members;
+    TPointerMap Members;
     TTiedGroup& Tied;
 };
 
 TTiedGroupBuilder::TTiedGroupBuilder(const vector<TEffectNode*>& group, TTiedGroup& tied) : Tied(tied)
 {
     for (const TEffectNode* node : group)
-        Members[node] = true;
+        Members.Insert(node);
 }
 
 void FillWithNone(vector<int>& attributes, int count)

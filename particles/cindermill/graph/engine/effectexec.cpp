@@ -156,9 +156,43 @@ int TEffectExec::CountInstances(int group) const
     return static_cast<int>(repeat);
 }
 
+void TEffectExec::CheckBirths(int64_t births, int group) const
+{
+    ASSERT_TEXT_MSG(births <= MaxBirths, "Births <= MaxBirths",
+                    TempFormat("Too many particles are born in one frame, the last in group %d", group));
+}
+
+int TEffectExec::CountEmission(int group, int tied)
+{
+    const TEffectExecNode* node = Place(group, tied);
+    const int count = node != nullptr && !node->IsBypassed() ? node->CountEmission() : 0;
+    const int most = Groups[group]->GetBufferSize();
+    return count < most ? (count > 0 ? count : 0) : most;
+}
+
+// Too many births are known before the first of them is computed. Where there cannot be too many, nothing is
+// counted.
+void TEffectExec::CountEmissions(int group, int repeat)
+{
+    int numEmitters = 0;
+    for (int t = 0; t < Schedule->GetNumTiedNodes(group); ++t)
+        numEmitters += GetTiedUsage(group, t) == TU_EMITTER ? 1 : 0;
+    const int64_t most = MultiplyCounts(MultiplyCounts(repeat, numEmitters), Groups[group]->GetBufferSize());
+    int64_t births = Births;
+    for (int instance = 0; instance < repeat && Births + most > MaxBirths; ++instance) {
+        SelectExternal(group, instance);
+        FetchExternals(group);
+        for (int t = 0; t < Schedule->GetNumTiedNodes(group); ++t)
+            if (GetTiedUsage(group, t) == TU_EMITTER)
+                births += CountEmission(group, t);
+        CheckBirths(births, group);
+    }
+}
+
 void TEffectExec::RunEmitters(int group, float dt)
 {
     const int repeat = CountInstances(group);
+    CountEmissions(group, repeat);
     for (int instance = 0; instance < repeat; ++instance) {
         SelectExternal(group, instance);
         FetchExternals(group);
@@ -244,8 +278,7 @@ void TEffectExec::AddParticles(int group, int instance, int count)
     if (count <= 0)
         return;
     Births += count;
-    ASSERT_TEXT_MSG(Births <= MaxBirths, "Births <= MaxBirths",
-                    TempFormat("Too many particles are born in one frame, the last in group %d", group));
+    CheckBirths(Births, group);
     const int first = buffer->AddParticles(count);
     SelectExternal(group, instance);
     for (int a = 0; a < Schedule->GetNumAttributes(group); ++a)

@@ -73,6 +73,9 @@ private:
     void RunExecute(int group, int tied, float dt);
     void InitAttribute(int group, int attrib, int first, int count);
     void RunBirths(int group, int first, int count);
+    void CheckBirths(int64_t births, int group) const;
+    void CountEmissions(int group, int repeat);
+    int CountEmission(int group, int tied);
     void RenderGroup(int group, const TSceneView& view);
     void ExportNode(TExportData* exportdata, TErrorList& errors, int group, int tied);
 

@@ -23,6 +23,8 @@ public:
 
     // Runs an emitter once for one emitter instance.
     virtual void Emit(int instance, float dt);
+    // How many particles Emit would add now; none as far as it is not known before.
+    virtual int CountEmission() const { return 0; }
     // Looks up parameters and loads resources; false with an error in the list.
     virtual bool Init(TErrorList& errors);
     // Computes for one particle index, or for index 0.

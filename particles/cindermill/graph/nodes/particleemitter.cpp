@@ -2,9 +2,14 @@
 
 #include "library/maths/scalar.h"
 
+int TParticleEmitter::CountEmission() const
+{
+    return FloatToInt(ReadInput(0, 0)[0]);
+}
+
 void TParticleEmitter::Emit(int instance, float)
 {
-    const int count = FloatToInt(ReadInput(0, 0)[0]);
+    const int count = CountEmission();
     if (count > 0)
         AddParticles(instance, count);
 }

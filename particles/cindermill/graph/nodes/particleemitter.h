@@ -7,6 +7,7 @@ class TParticleEmitter : public TParticleNode
 {
 public:
     void Emit(int instance, float dt) override;
+    int CountEmission() const override;
 
 protected:
     // The particles leave from the transform; the console needs no command for it.

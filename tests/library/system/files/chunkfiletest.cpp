@@ -432,6 +432,52 @@ TEST_F(TChunkFileTest, RemoveChunkOfTheFirstShiftsAllOthers)
     delete a;
 }
 
+TEST_F(TChunkFileTest, ManyThatAreRemovedTogetherMoveTheOthersOnceAtTheEnd)
+{
+    std::vector<TLinkChunk*> chunks;
+    for (char name : {'a', 'b', 'c', 'd', 'e'})
+        chunks.push_back(AddLink(name));
+    {
+        const TChunkFile::TRemoval removal(File);
+        {
+            const TChunkFile::TRemoval inner(File);
+            File.RemoveChunk(chunks[3]);
+            File.RemoveChunk(chunks[1]);
+        }
+        EXPECT_EQ(chunks[1]->ChunkIdx, -1);
+        EXPECT_EQ(AssertionOf([&] { File.RemoveChunk(chunks[1]); }), "it != Chunks.end()");
+        EXPECT_EQ(AssertionOf([&] { File.GetNumChunks(); }), "NumGaps == 0");
+        chunks.push_back(AddLink('f'));
+        EXPECT_EQ(AssertionOf([&] { File.AddChunk(chunks[4]); }), "Chunks.find(chunk) == Chunks.end()");
+    }
+    ASSERT_EQ(File.GetNumChunks(), 4);
+    int place = 0;
+    for (const size_t kept : {0, 2, 4, 5}) {
+        EXPECT_EQ(File.GetChunkAt(place), chunks[kept]);
+        EXPECT_EQ(chunks[kept]->ChunkIdx, place++);
+    }
+    delete chunks[1];
+    delete chunks[3];
+}
+
+TEST_F(TChunkFileTest, WhatIsAskedOfAllChunksLeavesTheRemovedOnesOut)
+{
+    TLinkChunk* a = AddLink('a');
+    TLinkChunk* b = AddLink('b');
+    const TChunkFile::TRemoval removal(File);
+    File.RemoveChunk(a);
+    const int size = File.GetFileSize();
+    File.AddChunk(a);
+    EXPECT_GT(File.GetFileSize(), size);
+    File.RemoveChunk(a);
+    vector<TChunk*> found;
+    File.GetChunksOfClass(TLinkChunk::NameID(), found);
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_EQ(found[0], b);
+    EXPECT_EQ(b->ChunkIdx, 0);
+    delete a;
+}
+
 TEST_F(TChunkFileTest, TheIndexOfAChunkThatIsNotHereAsserts)
 {
     AddLink('a');

@@ -431,6 +431,36 @@ TEST_F(Document, AFailedAssertionInTheExportLeavesNoFileAndTheOldOne)
     EXPECT_NE(ReadBytes(Path("out.efx")), "old");
 }
 
+TEST_F(Document, AnEffectThatNeedsTooManyRowsTellsHowManyAndWhere)
+{
+    TDocument document(App.Get());
+    document.New();
+    BuildEffect(document);
+    // A colour that is a sum of many: all of them wait in rows of their own.
+    TToolNode* sum = Add(document, "Random Value");
+    for (int i = 0; i < 20; ++i) {
+        TToolNode* add = Add(document, "Add");
+        Connect(document, sum, i == 0 ? "Value" : "Sum", add, "A");
+        Connect(document, Add(document, "Random Value"), "Value", add, "B");
+        sum = add;
+    }
+    Connect(document, sum, "Sum", Quads, "Colour");
+    TErrorList errors;
+    EXPECT_EQ(document.BatchExport(Path("many.efx").c_str(), errors), BR_EXPORTFAILED);
+    ASSERT_EQ(errors.size(), 1);
+    const std::string text = Text((*errors.begin())->GetMessage());
+    int group = -1;
+    int rows = 0;
+    EXPECT_EQ(
+        std::sscanf(text.c_str(), "0 : Group %d needs %d rows at a time in its emission", &group, &rows), 2)
+        << text;
+    EXPECT_EQ(group, 1);
+    // Twenty-one colours at a time.
+    EXPECT_GE(rows, 21 * 4);
+    EXPECT_NE(text.find("of which there are 64 at most"), std::string::npos) << text;
+    EXPECT_FALSE(std::filesystem::exists(Path("many.efx")));
+}
+
 TEST_F(Document, TypesThatCannotBeSettledAreAnErrorAndNotTheEnd)
 {
     // An input that follows one that is not there.

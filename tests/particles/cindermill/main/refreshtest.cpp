@@ -194,6 +194,53 @@ TEST_F(ChangedTypes, AfterOneRefreshNothingAsksAgain)
     }
 }
 
+TEST_F(ChangedTypes, WhereOnlyWordsChangedTheWholeHistoryStays)
+{
+    const float rates[] = {3, 4};
+    {
+        TDocument document(App.Get());
+        document.New();
+        const std::unique_ptr<TNodeType> old(App.Type("Gravity").Clone());
+        for (TNodeParameter* input : old->Inputs) {
+            input->Description = "Old";
+            input->Required = !input->Required;
+        }
+        TToolNode* value = Add(document, "Random Value");
+        TToolNode* gravity = Add(document, *old);
+        Connect(document, value, "Value", gravity, "Acceleration");
+        for (const float rate : rates) {
+            const float wanted[3] = {rate, rate, rate};
+            auto* velocity = static_cast<TNodeVector3Parameter*>(
+                Polytype(gravity, "Velocity")->GetValueParameter(TY_VECTOR3));
+            document.ApplyOperation(new TVector3ParamOp(velocity, wanted));
+            // Behind another step the next one is a step of its own.
+            vector<TToolNode*> nodes;
+            nodes.push_back(gravity);
+            document.ApplyOperation(new TMoveGraphNodeOp(nodes, 1, 1));
+        }
+        document.Undo();
+        ASSERT_EQ(document.GetOperationStack()->GetNumOperations(), 7);
+        ASSERT_TRUE(document.SaveAs(Path("a.effect").c_str())) << document.GetSaveError().Print();
+    }
+    TDocument document(App.Get());
+    ASSERT_TRUE(document.Load(Path("a.effect").c_str()));
+    EXPECT_EQ(Questions.size(), 1u);
+    EXPECT_EQ(LinesOf(document.GetLoadNotes()), TNames());
+    EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), 7);
+    EXPECT_EQ(document.GetOperationStack()->GetPosition(), 6);
+    while (document.CanUndo())
+        document.Undo();
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 0);
+    while (document.CanRedo())
+        document.Redo();
+    float floats[3] = {};
+    Polytype(FindNode(document, "Gravity"), "Velocity")->GetValueParameter(TY_VECTOR3)->GetValue(floats);
+    EXPECT_EQ(floats[0], 4);
+    EXPECT_TRUE(Messages.empty());
+    EXPECT_EQ(FaultOf(document), "");
+    EXPECT_TRUE(document.Save());
+}
+
 TEST_F(ChangedTypes, StepsOnAPortThatIsGoneAreDroppedAndToldTheOthersStay)
 {
     const float bottom[1] = {3};

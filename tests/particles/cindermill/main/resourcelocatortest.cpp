@@ -402,6 +402,37 @@ TEST_F(ResourceLocator, SearchDirectoriesComeFirstWhateverTheMode)
     EXPECT_TRUE(Known().empty());
 }
 
+TEST_F(ResourceLocator, WhatIsMissingIsSearchedForOnceUntilItIsForgotten)
+{
+    EXPECT_EQ(Find("late.dds"), "");
+    Make("home/program/far/late.dds");
+    // Only another walk could find it.
+    EXPECT_EQ(Find("late.dds"), "");
+    EXPECT_EQ(Find("LATE.dds"), Kept(Path("home/program/far/late.dds")));
+    Locator.ForgetMissing();
+    EXPECT_EQ(Find("late.dds"), Kept(Path("home/program/far/late.dds")));
+    // What has come to a known directory is there at once.
+    EXPECT_EQ(Find("later.dds"), "");
+    Make("home/program/far/later.dds");
+    EXPECT_EQ(Find("later.dds"), Kept(Path("home/program/far/later.dds")));
+}
+
+TEST_F(ResourceLocator, SearchDirectoriesAreWalkedOnceForWhatIsMissing)
+{
+    Make("extra/sub/other.dds");
+    Locator.AddSearchDirectory(Path("extra").c_str());
+    for (const int mode : {RM_LEAFNAME, RM_RELATIVEPATH, RM_FULLPATH}) {
+        SetMode(mode, Path("home"));
+        const std::string file = "extra/sub/late" + std::to_string(mode) + ".dds";
+        const std::string name = "late" + std::to_string(mode) + ".dds";
+        EXPECT_EQ(Find(name), "");
+        Make(file);
+        EXPECT_EQ(Find(name), "") << mode;
+        Locator.ForgetMissing();
+        EXPECT_EQ(Find(name), Kept(Path(file))) << mode;
+    }
+}
+
 TEST_F(AskingLocator, ASearchFinishedWithinTwoSecondsShowsNoDialog)
 {
     Host.Turn = nullptr;

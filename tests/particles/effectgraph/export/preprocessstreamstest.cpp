@@ -32,7 +32,7 @@ struct TPhaseStreams
     int Preprocess()
     {
         int rows = 0;
-        Log = LogOf([&] { rows = PreprocessStreams(Unpack, Execute, Pack); });
+        Log = LogOf([&] { rows = PreprocessStreams(Unpack, Execute, Pack, "process", 3); });
         return rows;
     }
     static void Add(TCommandStream& stream, const char* name, const TRows& inputs, const TRows& outputs)
@@ -274,5 +274,12 @@ TEST(PreprocessStreams, MoreThan64MachineRowsStop)
     more.Run(Range(0, 32), {});
     more.Run(Range(32, 32), {});
     more.Run({64}, {});
-    EXPECT_EQ(AssertionOf([&] { more.Preprocess(); }), "0");
+    EXPECT_EQ(AssertionOf([&] { more.Preprocess(); }),
+              "0 : Group 3 needs 65 rows at a time in its process, of which there are 64 at most");
+    // What is needed, not where it ran out.
+    TPhaseStreams most;
+    for (int i = 0; i < 4; ++i)
+        most.Run(Range(static_cast<uint32_t>(32 * i), 32), {});
+    EXPECT_EQ(AssertionOf([&] { most.Preprocess(); }),
+              "0 : Group 3 needs 128 rows at a time in its process, of which there are 64 at most");
 }

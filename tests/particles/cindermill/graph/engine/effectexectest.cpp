@@ -60,6 +60,22 @@ public:
         TTestExecNode::Reset();
     }
 
+    // Room for that many particles in each group.
+    bool MakeRoom(int particles)
+    {
+        for (TEffectNode* emitter : {A, B, C}) {
+            auto* count =
+                emitter->GetNodeType()->FindParameterOf<TNodeIntParameter>("Particle Count", PK_INT);
+            if (count != nullptr)
+                count->SetValue(particles);
+            else
+                Graph.Int(emitter, "Particle Count", particles);
+        }
+        TErrorList errors;
+        Schedule.Create(Graph.GetGraph(), errors);
+        return Exec.Init(Schedule, errors, true);
+    }
+
     TTestGraph Graph;
     TEffectNode* A;
     TEffectNode* B;
@@ -214,6 +230,51 @@ TEST(TEffectExec, TooManyInstancesInAFrameAreRefused)
     TTestExecNode::OnEmit("B", emit);
     const std::string text = AssertionOf([&] { bench.Exec.Update(0.1f); });
     EXPECT_NE(text.find("are fired by too many particles"), std::string::npos) << text;
+}
+
+TEST(TEffectExec, TooManyBirthsAreKnownBeforeTheFirst)
+{
+    TParentsBench bench(10, 10);
+    ASSERT_TRUE(bench.MakeRoom(1000000));
+    bool isEmitted = false;
+    TTestExecNode::OnEmit("C", [&](TTestExecNode&, int, float) { isEmitted = true; });
+    TTestExecNode::OnCount("C", 1000000);
+    const std::string text = AssertionOf([&] { bench.Exec.Update(0.1f); });
+    EXPECT_NE(text.find("Too many particles are born in one frame"), std::string::npos) << text;
+    EXPECT_FALSE(isEmitted);
+}
+
+TEST(TEffectExec, NoMoreBirthsAreCountedThanThereIsRoomFor)
+{
+    TParentsBench bench(10, 10);
+    ASSERT_TRUE(bench.MakeRoom(1000));
+    bool isEmitted = false;
+    TTestExecNode::OnEmit("C", [&](TTestExecNode&, int, float) { isEmitted = true; });
+    TTestExecNode::OnCount("C", 1000000);
+    EXPECT_EQ(AssertionOf([&] { bench.Exec.Update(0.1f); }), "");
+    EXPECT_TRUE(isEmitted);
+}
+
+TEST(TEffectExec, CountingLeavesTheInstancesAsTheyAre)
+{
+    // Two to the 26th births are just allowed: a hundred instances of this many.
+    constexpr int most = (1 << 26) / 100;
+    for (const int count : {most, most + 1}) {
+        TParentsBench bench(10, 10);
+        ASSERT_TRUE(bench.MakeRoom(1000000));
+        std::vector<float> read;
+        TTestExecNode::OnEmit("C", [&](TTestExecNode& node, int instance, float) {
+            read.push_back(node.ReadInput(0, 0)[0]);
+            node.AddParticles(instance, 1);
+        });
+        TTestExecNode::OnCount("C", count);
+        const std::string text = AssertionOf([&] { bench.Exec.Update(0.1f); });
+        std::vector<float> expected;
+        for (int i = 0; i < 100 && count == most; ++i)
+            expected.push_back(static_cast<float>(i % 10 + 1));
+        EXPECT_EQ(read, expected);
+        EXPECT_EQ(text.empty(), count == most) << text;
+    }
 }
 
 TEST(TEffectExec, AnEmissionOfNothingIsNone)

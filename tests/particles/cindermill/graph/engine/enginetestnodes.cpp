@@ -16,6 +16,12 @@ std::map<std::string, TTestExecNode::TAction>& ExecuteActions()
     return actions;
 }
 
+std::map<std::string, int>& Counts()
+{
+    static std::map<std::string, int> counts;
+    return counts;
+}
+
 } // namespace
 
 const char* GetTestExecClass()
@@ -40,8 +46,20 @@ void TTestExecNode::OnExecute(const std::string& name, TAction action)
     ExecuteActions()[name] = action;
 }
 
+void TTestExecNode::OnCount(const std::string& name, int count)
+{
+    Counts()[name] = count;
+}
+
+int TTestExecNode::CountEmission() const
+{
+    const auto count = Counts().find(Text(GetNodeType()->Name));
+    return count != Counts().end() ? count->second : 0;
+}
+
 void TTestExecNode::Reset()
 {
+    Counts().clear();
     Calls().clear();
     EmitActions().clear();
     ExecuteActions().clear();

@@ -18,10 +18,13 @@ public:
     using TAction = std::function<void(TTestExecNode& node, int index, float dt)>;
     static void OnEmit(const std::string& name, TAction action);
     static void OnExecute(const std::string& name, TAction action);
+    // How many the nodes of a name tell that they will emit.
+    static void OnCount(const std::string& name, int count);
     static void Reset();
 
     bool Init(TErrorList& errors) override;
     void Emit(int instance, float dt) override;
+    int CountEmission() const override;
     void Execute(int index, float dt) override;
     void Render(const TSceneView& view) override;
     void Export(TExportData& exportData, TErrorList& errors) override;

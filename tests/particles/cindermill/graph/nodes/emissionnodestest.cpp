@@ -236,6 +236,16 @@ TEST(TPointEmitter, EmitsItsCountFromItsTransform)
     EXPECT_EQ(bench.Writes().size(), 2u);
 }
 
+TEST(TPointEmitter, TellsWhatItWillEmit)
+{
+    TNodeBench bench("TPointEmitter", {"Count", {"Transform", TF}}, {{"Position", TF}}, TU_EMITTER);
+    bench.Set("Count", {50.9f});
+    bench.Init();
+    bench.Exec.Update(0.1f);
+    EXPECT_EQ(bench.Writes().size(), 50u);
+    EXPECT_EQ(bench.GetExecNode()->CountEmission(), 50);
+}
+
 TEST(TPointEmitter, ACountThatIsNotPositiveEmitsNothing)
 {
     for (const float count : {0.0f, 0.9f, -3.0f, std::nanf(""), 1e30f}) {
