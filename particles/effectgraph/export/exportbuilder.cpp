@@ -108,6 +108,7 @@ TExportBuilder::TExportBuilder(const TEffectSchedule& schedule, TExportResult& r
 
 void TExportBuilder::Build(TErrorList& errors)
 {
+    PlanEvents();
     for (int group = 0; group < Groups.size(); ++group) {
         EmitGroupConstants(group);
         PackGroup(group);
@@ -146,43 +147,51 @@ void TExportBuilder::PackGroup(int group)
     packer.AddCommands();
 }
 
+// What a group's process sends to another group lies in its record only if it counts as read, which packing
+// has to know.
+void TExportBuilder::PlanEvents()
+{
+    Events.clear();
+    for (int group = 0; group < Groups.size(); ++group)
+        Events.push_back(PlanEvent(Schedule, Groups, group));
+    for (int group = 0; group < Groups.size(); ++group) {
+        TBirthValues(Schedule, Groups, group).Add(Events[group]);
+        MarkCarriedRows(group);
+    }
+}
+
+void TExportBuilder::MarkCarriedRows(int group)
+{
+    const TGroupEvent& event = Events[group];
+    for (const int attrib : event.Attribs) {
+        const int supplier = Schedule.GetAttributeExternalAttrib(group, attrib);
+        TExportGroup& firing = Groups[event.Parent];
+        for (int row = 0; row < firing.Attributes[supplier].RowCount; ++row)
+            firing.Process.Flags[supplier].MarkRead(row);
+    }
+    const TExportGroup& fired = Groups[group];
+    if (fired.TriggerGroup == -1)
+        return;
+    const TRowConversion conversion = GetTriggerConversion(group);
+    for (int row = 0; row < conversion.GetNumSourceRows(); ++row)
+        if (conversion.ComesFrom(0, row))
+            Groups[fired.TriggerGroup].Process.Flags[fired.TriggerAttrib].MarkRead(row);
+}
+
 // The group's particles are fired by another group, which writes an event for each.
 void TExportBuilder::AddEvent(int group, TErrorList& errors)
 {
-    const TExportGroup& fired = Groups[group];
-    int parent = -1;
-    vector<int> attribs;
-    for (int attrib = 0; attrib < fired.Attributes.size(); ++attrib) {
-        const int external = Schedule.GetAttributeExternalGroup(group, attrib);
-        if (external == -1 || IsEventTrigger(group, attrib))
-            continue;
-        if (parent != -1 && parent != external) {
-            errors.Add(new TError("Cannot export effect - multiple parent groups detected."));
-            attribs.clear();
-        }
-        parent = external;
-        attribs.push_back(Schedule.GetAttributeExternalAttrib(group, attrib));
-    }
-    if (!attribs.empty())
-        AddEventTo(parent, group, attribs);
-    else if (fired.TriggerGroup != -1)
-        AddEventTo(fired.TriggerGroup, group, attribs);
-}
-
-bool TExportBuilder::IsEventTrigger(int group, int attrib) const
-{
-    return Schedule.GetAttributeExternalGroup(group, attrib) == Groups[group].TriggerGroup &&
-           Schedule.GetAttributeExternalAttrib(group, attrib) == Groups[group].TriggerAttrib;
-}
-
-void TExportBuilder::AddEventTo(int parent, int group, const vector<int>& attribs)
-{
-    TExportGroup& firing = Groups[parent];
+    const TGroupEvent& event = Events[group];
+    for (int i = 0; i < event.NumChanges; ++i)
+        errors.Add(new TError("Cannot export effect - multiple parent groups detected."));
+    if (event.Parent == -1)
+        return;
+    TExportGroup& firing = Groups[event.Parent];
     const TExportGroup& fired = Groups[group];
     vector<uint32_t> rows;
-    AddPayloadRows(parent, attribs, rows);
+    AddPayloadRows(group, rows);
     if (fired.TriggerGroup != -1)
-        AddTriggerRow(parent, group, rows);
+        AddTriggerRow(group, rows);
     TDataBlock block;
     AppendU32(block, 0);
     AppendU32(block, static_cast<uint32_t>(fired.EventSize));
@@ -195,57 +204,89 @@ void TExportBuilder::AddEventTo(int parent, int group, const vector<int>& attrib
     stream.AddPatch(TCommandPatch{NameToCrc(patch.Print()), 0, 0});
     stream.AddCommand(NameToCrc("IdWriteEvents"), rows.size(), 0, EventWorkspace);
     stream.AddInputRows(rows);
-    TExportEvent event;
-    event.TargetGroup = ToWordField(group, "event's group");
-    firing.Events.push_back(event);
+    TExportEvent entry;
+    entry.TargetGroup = ToWordField(group, "event's group");
+    firing.Events.push_back(entry);
 }
 
 // In fours, the last filled up with row 0.
-void TExportBuilder::AddPayloadRows(int parent, const vector<int>& attribs, vector<uint32_t>& rows)
+void TExportBuilder::AddPayloadRows(int group, vector<uint32_t>& rows)
 {
-    TExportGroup& firing = Groups[parent];
-    TExportPhase& process = firing.Process;
-    for (const int attrib : attribs) {
-        const TExportAttribute& attr = firing.Attributes[attrib];
-        for (int r = 0; r < attr.RowCount; ++r) {
-            rows.push_back(process.RowMap[attr.RowStart + r]);
-            process.Flags[attrib].MarkRead(r);
-        }
+    const TExportGroup& firing = Groups[Events[group].Parent];
+    for (const int attrib : Events[group].Attribs) {
+        const TExportAttribute& attr = firing.Attributes[Schedule.GetAttributeExternalAttrib(group, attrib)];
+        for (int r = 0; r < attr.RowCount; ++r)
+            rows.push_back(firing.Process.RowMap[attr.RowStart + r]);
     }
     while (rows.size() % RowsPerQuad != 0)
         rows.push_back(0);
 }
 
+// How the number of births, whatever it is in the trigger's group, becomes that of the emitter.
+TRowConversion TExportBuilder::GetTriggerConversion(int group) const
+{
+    const TExportGroup& fired = Groups[group];
+    return TRowConversion(Schedule.GetAttributeType(fired.TriggerGroup, fired.TriggerAttrib),
+                          Schedule.GetAttributeType(group, fired.TriggerInput));
+}
+
 // The row that says how many particles are due. It comes from the trigger's group, through a constant that
 // the console fills in where that is another group than the one that writes the event.
-void TExportBuilder::AddTriggerRow(int parent, int group, vector<uint32_t>& rows)
+void TExportBuilder::AddTriggerRow(int group, vector<uint32_t>& rows)
 {
+    const int parent = Events[group].Parent;
     TExportGroup& firing = Groups[parent];
     TExportGroup& trigger = Groups[Groups[group].TriggerGroup];
-    const int triggerRow = trigger.Attributes[Groups[group].TriggerAttrib].RowStart;
-    const uint32_t row = firing.Process.RowMap[triggerRow];
     if (Groups[group].TriggerGroup == parent) {
-        rows.push_back(row);
+        rows.push_back(GetOwnTriggerRow(group));
         return;
     }
-    // The console counts the stream's patches that were located before; none is while the streams are
-    // collected.
-    TCommandStream& stream = firing.Process.Execute;
-    const int number = stream.PatchLocations.size();
+    const int from = GetTriggerConversion(group)[0];
+    const int triggerRow = trigger.Attributes[Groups[group].TriggerAttrib].RowStart + (from >= 0 ? from : 0);
+    const int number = CountTriggers(parent);
     TExportTrigger entry;
     entry.Group = ToByteField(parent, "trigger's group");
     entry.Number = ToByteField(number, "trigger's number");
-    entry.Row = ToWordField(row, "trigger's row");
+    entry.Row = ToWordField(trigger.Process.RowMap[triggerRow], "trigger's row");
     trigger.Triggers.push_back(entry);
     TString patch;
     patch.Format("trigger %d", number);
     const uint32_t temp = RowTemp + static_cast<uint32_t>(firing.NumTemps++);
     const uint8_t zero[4] = {};
+    TCommandStream& stream = firing.Process.Execute;
     stream.AddData(zero, 4);
     stream.AddPatch(TCommandPatch{NameToCrc(patch.Print()), TriggerPatch, 0});
     stream.AddCommand(NameToCrc("IdConstantEmitter"), 0, 1, 0);
     stream.AddOutputs(temp, 0, 0, 0);
     rows.push_back(temp);
+}
+
+// In the group that writes the event and has the trigger too.
+uint32_t TExportBuilder::GetOwnTriggerRow(int group)
+{
+    TExportGroup& firing = Groups[Groups[group].TriggerGroup];
+    const TExportAttribute& attr = firing.Attributes[Groups[group].TriggerAttrib];
+    const TRowConversion conversion = GetTriggerConversion(group);
+    uint32_t source[TRowFlags::MaxRows] = {};
+    for (int r = 0; r < attr.RowCount; ++r)
+        source[r] = firing.Process.RowMap[attr.RowStart + r];
+    if (conversion[0] >= 0)
+        return source[conversion[0]];
+    TRowMaker maker(firing.NumTemps);
+    const uint32_t row = maker.AllocTemp();
+    maker.Convert(conversion, 0, source, row);
+    maker.Flush(firing.Process.Execute);
+    return row;
+}
+
+// The entries that name the group so far.
+int TExportBuilder::CountTriggers(int parent) const
+{
+    int count = 0;
+    for (const TExportGroup& group : Groups)
+        for (const TExportTrigger& entry : group.Triggers)
+            count += entry.Group == parent ? 1 : 0;
+    return count;
 }
 
 void TExportBuilder::ListRenderAttributes(int group)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "particles/effectgraph/export/birthvalues.h"
 #include "particles/effectgraph/export/exportresult.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
@@ -19,11 +20,14 @@ private:
     // What spans nodes.
     void EmitGroupConstants(int group);
     void PackGroup(int group);
+    void PlanEvents();
+    void MarkCarriedRows(int group);
     void AddEvent(int group, TErrorList& errors);
-    bool IsEventTrigger(int group, int attrib) const;
-    void AddEventTo(int parent, int group, const vector<int>& attribs);
-    void AddPayloadRows(int parent, const vector<int>& attribs, vector<uint32_t>& rows);
-    void AddTriggerRow(int parent, int group, vector<uint32_t>& rows);
+    void AddPayloadRows(int group, vector<uint32_t>& rows);
+    TRowConversion GetTriggerConversion(int group) const;
+    void AddTriggerRow(int group, vector<uint32_t>& rows);
+    uint32_t GetOwnTriggerRow(int group);
+    int CountTriggers(int parent) const;
     void ListRenderAttributes(int group);
     void ListRenderAttribute(int group, int attrib);
 
@@ -39,4 +43,6 @@ private:
     const TEffectSchedule& Schedule;
     TExportResult& Result;
     vector<TExportGroup>& Groups;
+    // By group.
+    vector<TGroupEvent> Events;
 };

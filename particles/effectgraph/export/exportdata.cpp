@@ -22,12 +22,7 @@ void TExportData::SetCurrent(int group, int tiedNode)
 {
     CurrentGroup = group;
     CurrentTiedNode = tiedNode;
-}
-
-TExportPhase& TExportData::CurrentPhase()
-{
-    const bool isEmission = Schedule.GetNodeUsage(GetCurrentNode()) == TU_EMITTER;
-    return isEmission ? Current().Emission : Current().Process;
+    Rows.Reset(new TNodeRows(Schedule, Result.Groups[group], group, tiedNode));
 }
 
 TRenderStageData& TExportData::CurrentStage()
@@ -44,37 +39,52 @@ const TExportAttribute* TExportData::FindAttribute(int attrib) const
 
 const TExportAttribute* TExportData::GetInputAttribute(int port) const
 {
-    return FindAttribute(FindInput(port));
+    return FindAttribute(Rows->FindInput(port));
 }
 
 const TExportAttribute* TExportData::GetOutputAttribute(int port) const
 {
-    return FindAttribute(FindOutput(port));
+    return FindAttribute(Rows->FindOutput(port));
 }
 
 int TExportData::GetInputRows(int port) const
 {
-    const TExportAttribute* attr = GetInputAttribute(port);
-    return attr != nullptr ? attr->RowCount : GetTypeRows(GetCurrentType()->GetInputType(port));
+    return Rows->FindInput(port) != -1 ? Rows->CountInputRows(port)
+                                       : GetTypeRows(GetCurrentType()->GetInputType(port));
+}
+
+int TExportData::CountInputRows(int port) const
+{
+    return Rows->FindInput(port) != -1 ? Rows->CountSetInputRows(port) : GetInputRows(port);
+}
+
+void TExportData::FlushCommand()
+{
+    if (!Pending.IsEmpty() || (Rows.Get() != nullptr && !Rows->GetMaker().IsEmpty()))
+        Pending.Flush(Rows->GetPhase(), Rows->GetMaker());
 }
 
 void TExportData::Flush()
 {
-    if (!Pending.IsEmpty())
-        Pending.Flush(CurrentPhase());
+    if (Rows != nullptr)
+        Rows->WriteDirectly(Pending);
+    FlushCommand();
+    if (Rows != nullptr)
+        Rows->Finish();
+    FlushCommand();
 }
 
 void TExportData::SetData(const void* data, int size)
 {
     if (Pending.HasCommand())
-        Flush();
+        FlushCommand();
     Pending.SetData(data, size);
 }
 
 void TExportData::SetCommand(const char* name, int workspace)
 {
     if (Pending.HasCommand())
-        Flush();
+        FlushCommand();
     Pending.SetCommand(name, workspace);
 }
 
@@ -83,18 +93,31 @@ void TExportData::AddInput(int port, int start, int count)
     if (count == -1)
         count = GetInputRows(port) - start;
     ASSERT_TEXT(count <= RowsPerQuad, "count <= 4");
-    const int attrib = FindInput(port);
-    if (attrib == -1) {
+    if (Rows->FindInput(port) == -1) {
         AddFixedInput(port, start, count);
         return;
     }
-    const TExportAttribute& attr = Current().Attributes[attrib];
-    ASSERT_TEXT(count <= attr.RowCount, "count <= attr.RowCount");
-    TExportPhase& phase = CurrentPhase();
-    for (int i = start; i < start + count; ++i) {
-        Pending.AddInputRow(phase.RowMap[attr.RowStart + i]);
-        phase.Flags[attrib].MarkRead(i);
+    ASSERT_TEXT(Rows->ConvertsInput(port) || count <= Rows->CountInputRows(port), "count <= attr.RowCount");
+    for (int i = start; i < start + count; ++i)
+        Pending.AddInputRow(Rows->ReadInput(port, i));
+}
+
+// A stage reads its attributes as they lie.
+void TExportData::AddRawInput(int port, int count)
+{
+    const TExportAttribute* attr = GetInputAttribute(port);
+    if (attr == nullptr) {
+        AddFixedInput(port, 0, count);
+        return;
     }
+    ASSERT_TEXT(count <= attr->RowCount, "count <= attr.RowCount");
+    for (int row = 0; row < count; ++row)
+        Pending.AddInputRow(Rows->ReadAttribute(Rows->FindInput(port), row));
+}
+
+void TExportData::AddConvertedInput(int port, int from, int to, int row)
+{
+    Pending.AddInputRow(Rows->ReadConverted(port, TRowConversion(from, to), row));
 }
 
 // The value of a port that nothing feeds, in rows of its own.
@@ -112,76 +135,99 @@ void TExportData::AddOutput(int port, int start, int count)
 {
     if (count == -1)
         count = GetTypeRows(GetCurrentType()->GetOutputType(port)) - start;
-    const int attrib = FindOutput(port);
-    if (attrib == -1) {
+    if (Rows->FindOutput(port) == -1) {
         for (int i = 0; i < count; ++i)
             Pending.AddOutputRow(RowDump);
         return;
     }
-    const TExportAttribute& attr = Current().Attributes[attrib];
-    ASSERT_TEXT(count <= attr.RowCount, "count <= attr.RowCount");
-    TExportPhase& phase = CurrentPhase();
-    for (int i = start; i < start + count; ++i) {
-        Pending.AddOutputRow(phase.RowMap[attr.RowStart + i]);
-        phase.Flags[attrib].MarkWritten(i);
-    }
+    ASSERT_TEXT(Rows->ConvertsOutput(port) || count <= Rows->CountOutputRows(port), "count <= attr.RowCount");
+    for (int i = start; i < start + count; ++i)
+        Pending.AddOutputRow(Rows->WriteOutput(port, i));
 }
 
 void TExportData::PassThrough(int inputPort, int outputPort, int start, int count, int outStart)
 {
-    const int out = FindOutput(outputPort);
+    const int out = Rows->FindOutput(outputPort);
     if (out == -1)
         return;
     if (count == -1)
         count = GetInputRows(inputPort) - start;
     if (outStart == -1)
         outStart = start;
-    const TExportAttribute& outAttr = Current().Attributes[out];
-    if (count > outAttr.RowCount - outStart)
-        count = outAttr.RowCount - outStart;
-    const TExportAttribute* inAttr = GetInputAttribute(inputPort);
-    if (inAttr == nullptr) {
-        const TFixedValue value(GetCurrentType()->GetInput(inputPort));
-        for (int i = 0; i < count; ++i)
-            AddFixedOutput(out, outStart + i, value[start + i]);
+    if (count > Rows->CountOutputRows(outputPort) - outStart)
+        count = Rows->CountOutputRows(outputPort) - outStart;
+    const TExportAttribute* in = GetInputAttribute(inputPort);
+    if (in == nullptr) {
+        PassFixed(inputPort, outputPort, start, count, outStart);
         return;
     }
-    TExportPhase& phase = CurrentPhase();
+    if (ConvertsInput(inputPort) || ConvertsOutput(outputPort)) {
+        // Behind the command that is pending, as what it reads may be written here.
+        if (Pending.HasCommand())
+            FlushCommand();
+        for (int i = 0; i < count; ++i)
+            Rows->Pass(inputPort, start + i, outputPort, outStart + i);
+        return;
+    }
+    TExportPhase& phase = Rows->GetPhase();
     for (int i = 0; i < count; ++i) {
-        phase.RowMap[outAttr.RowStart + outStart + i] = phase.RowMap[inAttr->RowStart + start + i];
-        phase.Flags[out].MarkWritten(outStart + i);
+        if (start + i >= in->RowCount) {
+            AddFixedOutput(outputPort, outStart + i, 0);
+            continue;
+        }
+        phase.RowMap[Current().Attributes[out].RowStart + outStart + i] =
+            phase.RowMap[in->RowStart + start + i];
+        Rows->MarkWritten(out, outStart + i);
     }
 }
 
-// A value that is known now, in a row of the attribute itself.
-void TExportData::AddFixedOutput(int attrib, int row, float value)
+void TExportData::PassFixed(int inputPort, int outputPort, int start, int count, int outStart)
 {
-    const int attributeRow = Current().Attributes[attrib].RowStart + row;
-    const uint32_t number = static_cast<uint32_t>(attributeRow);
+    // Behind the last row that gets anywhere is nothing to tell; those ahead of it keep their places, as the
+    // console may fill in the whole value.
+    while (count > 0 && !UsesOutput(outputPort, outStart + count - 1))
+        --count;
+    const TFixedValue value(GetCurrentType()->GetInput(inputPort));
+    for (int i = 0; i < count; ++i)
+        AddFixedOutput(outputPort, outStart + i, value[start + i]);
+}
+
+void TExportData::PassRest(int inputPort, int outputPort, int start)
+{
+    const bool converts = ConvertsInput(inputPort) || ConvertsOutput(outputPort);
+    const int in = Rows->FindInput(inputPort);
+    // What stays in its place needs nothing.
+    if (converts && in != Rows->FindOutput(outputPort))
+        PassThrough(inputPort, outputPort, start, -1, start);
+}
+
+// A value that is known now, in a row of the attribute itself.
+void TExportData::AddFixedOutput(int port, int row, float value)
+{
+    const int attrib = Rows->FindOutput(port);
+    const uint32_t number =
+        ConvertsOutput(port) ? Rows->WriteOutput(port, row) : Rows->TakeOwnRow(attrib, row);
     Pending.AddConstant(number, value);
     Pending.AddOutputRow(number);
-    TExportPhase& phase = CurrentPhase();
-    phase.RowMap[attributeRow] = number;
-    phase.Flags[attrib].MarkWritten(row);
 }
 
 void TExportData::ExportBypassed()
 {
     const TNodeType& type = *GetCurrentType();
     for (int port = 0; port < type.GetNumOutputs(); ++port) {
-        const int attrib = FindOutput(port);
-        if (attrib == -1)
+        if (Rows->FindOutput(port) == -1)
             continue;
-        const int rows = Current().Attributes[attrib].RowCount;
+        const int rows = Rows->CountOutputRows(port);
         if (Pending.GetNumConstants() + rows > ZVPARTICLE_MAX_INPUTS_OR_OUTPUTS)
-            Flush();
+            FlushCommand();
         const int input = type.FindInputNamedLikeOutput(port);
-        if (input != -1) {
+        if (input != -1)
             PassThrough(input, port, 0, -1, -1);
+        const bool converts = ConvertsOutput(port) || (input != -1 && ConvertsInput(input));
+        if (input != -1 && !converts)
             continue;
-        }
-        for (int row = 0; row < rows; ++row)
-            AddFixedOutput(attrib, row, 0.0f);
+        for (int row = input != -1 ? GetInputRows(input) : 0; row < rows; ++row)
+            AddFixedOutput(port, row, 0.0f);
     }
 }
 
@@ -208,7 +254,7 @@ int TExportData::GetTotalRows() const
 
 void TExportData::SetEmitterTrigger(int port)
 {
-    const int attrib = FindInput(port);
+    const int attrib = Rows->FindInput(port);
     if (attrib == -1)
         return;
     TExportGroup& group = Current();
@@ -229,7 +275,7 @@ void TExportData::AddDataTransform(int type, int offset)
 
 void TExportData::AddInputTransform(int port, int type)
 {
-    if (FindInput(port) == -1)
+    if (Rows->FindInput(port) == -1)
         Pending.AddConstantTransform(type);
 }
 
@@ -252,7 +298,7 @@ void TExportData::AddStageConstants(const vector<int>& attribMap)
     int aidx = 0;
     for (int port = 0; port < type.GetNumInputs(); ++port) {
         const bool isTransform = type.GetInputType(port) == TY_TRANSFORM;
-        if (FindInput(port) == -1) {
+        if (Rows->FindInput(port) == -1) {
             ASSERT_TEXT(attribMap[aidx] != -1, "attribmap[aidx] != -1");
             const TFixedValue value(type.GetInput(port));
             const float w = isTransform ? 0.0f : value[3];
@@ -276,8 +322,8 @@ void TExportData::AddDynamicBounds(int port)
     AddPatch(patch.Print(), 0, 0);
     SetData(nullptr, 4);
     SetCommand("IdComputeBounds", BoundsWorkspace);
-    AddInput(port, 0, 3);
-    Flush();
+    AddRawInput(port, 3);
+    FlushCommand();
     TExportBounds bounds;
     bounds.Node = Schedule.GetNode(GetCurrentNode());
     bounds.Index = group.NumDynamicBounds++;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/effectgraph/export/exportpolicies.h"
 #include "particles/effectgraph/export/exportresult.h"
+#include "particles/effectgraph/export/noderows.h"
 #include "particles/effectgraph/export/pendingcommand.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
@@ -13,6 +15,7 @@ class TErrorList;
 //
 // A node tells each of its commands in this order: SetData, AddPatch, AddDataTransform, AddInputTransform and
 // AddGroupConstants in any order, then SetCommand, then AddInput and AddOutput. A count of -1 means all.
+// Ports whose type is not that of their attribute are converted as the engine does it.
 // What a graph can get wrong beyond the collected errors is an assertion: run it under a guard.
 class TExportData
 {
@@ -25,7 +28,7 @@ public:
 
     // The position in the schedule that the following calls speak of.
     void SetCurrent(int group, int tiedNode);
-    // Ends the current node's command.
+    // Ends the current node's commands.
     void Flush();
     // Whether no command, data or row is pending.
     bool OutputEmpty() const { return Pending.IsEmpty(); }
@@ -35,16 +38,27 @@ public:
     void SetCommand(const char* name, int workspace);
     void AddInput(int port, int start, int count);
     void AddOutput(int port, int start, int count);
+    // A row of the input's value, which is converted once more.
+    void AddConvertedInput(int port, int from, int to, int row);
     // A row that no port names, as AllocTempRow gives it.
     void AddInputRow(uint32_t row) { Pending.AddInputRow(row); }
     void AddOutputRow(uint32_t row) { Pending.AddOutputRow(row); }
     void PassThrough(int inputPort, int outputPort, int start, int count, int outStart);
+    // Where one of the two converts: passes what lies behind the rows that the node's commands know of.
+    void PassRest(int inputPort, int outputPort, int start);
     void AddGroupConstants(const float* values, int count);
     uint32_t AllocTempRow();
     int GetTotalRows() const;
     // Null for an unconnected input.
     const TExportAttribute* GetInputAttribute(int port) const;
     const TExportAttribute* GetOutputAttribute(int port) const;
+    // Whether the port has an attribute of another type.
+    bool ConvertsInput(int port) const { return Rows->ConvertsInput(port); }
+    bool ConvertsOutput(int port) const { return Rows->ConvertsOutput(port); }
+    // Of the value at an input, up to the last row that may be other than 0.
+    int CountInputRows(int port) const;
+    // Whether the row of the output's value gets to an attribute.
+    bool UsesOutput(int port, int row) const { return Rows->UsesOutput(port, row); }
     void SetEmitterTrigger(int port);
     void AddPatch(const char* name, uint32_t type, uint32_t offset);
     void AddDataTransform(int type, int offset);
@@ -75,17 +89,17 @@ private:
     TNodeType* GetCurrentType() const { return Schedule.GetNode(GetCurrentNode())->GetNodeType(); }
     TExportGroup& Current() { return Result.Groups[CurrentGroup]; }
     const TExportGroup& Current() const { return Result.Groups[CurrentGroup]; }
-    TExportPhase& CurrentPhase();
     TRenderStageData& CurrentStage();
-    // The attribute at a port of the node, -1 for none.
-    int FindInput(int port) const { return Schedule.GetTiedNodeInput(CurrentGroup, CurrentTiedNode, port); }
-    int FindOutput(int port) const { return Schedule.GetTiedNodeOutput(CurrentGroup, CurrentTiedNode, port); }
     const TExportAttribute* FindAttribute(int attrib) const;
-    // Of the attribute at the port, or else of the port.
+    // Of the value at the input.
     int GetInputRows(int port) const;
 
+    // Ends the pending command.
+    void FlushCommand();
+    void PassFixed(int inputPort, int outputPort, int start, int count, int outStart);
     void AddFixedInput(int port, int start, int count);
-    void AddFixedOutput(int attrib, int row, float value);
+    void AddFixedOutput(int port, int row, float value);
+    void AddRawInput(int port, int count);
     void AddStageConstants(const vector<int>& attribMap);
     void AddDynamicBounds(int port);
     void AddStaticBounds();
@@ -94,5 +108,7 @@ private:
     int CurrentGroup = 0;
     int CurrentTiedNode = 0;
     TPendingCommand Pending;
+    // Of the node that speaks.
+    TOwner<TNodeRows> Rows;
     TExportResult Result;
 };

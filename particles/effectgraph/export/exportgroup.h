@@ -18,6 +18,10 @@ struct TExportAttribute
     // Byte offset in the particle record if it is a render attribute, else -1.
     int Offset = -1;
     int ByteSize = 0;
+    // The tied node that writes it before any other reads or writes it, -1 for none, and which rows that one
+    // writes.
+    int FirstWriter = -1;
+    bool FirstWritten[TRowFlags::MaxRows] = {};
 };
 
 struct TExportBounds
@@ -71,6 +75,8 @@ struct TExportGroup
 {
     vector<TExportAttribute> Attributes;
     vector<float> Constants;
+    // Of the emission, ahead of those of the nodes.
+    int NumInitialCommands = 0;
     // Number 0 is the dump row.
     int NumTemps = 1;
     int NumRows = 0;

@@ -1,14 +1,10 @@
 #include "particles/effectgraph/export/exportlayout.h"
 
 #include "library/containers/nametocrc.h"
-#include "particles/effectgraph/export/exportfield.h"
 #include "particles/effectgraph/export/fixedvalue.h"
-#include "particles/effectgraph/export/roundup.h"
 #include "particles/effectgraph/export/rowformat.h"
 
 namespace {
-constexpr int EventAlignment = 16;
-
 void LayPhase(TExportPhase& phase, const TExportGroup& group)
 {
     phase.Flags.resize(group.Attributes.size());
@@ -29,8 +25,6 @@ void TExportLayout::Lay()
         LayRows(group);
         AddInitialValues(group);
     }
-    for (int group = 0; group < Groups.size(); ++group)
-        AddEventPayload(group);
 }
 
 void TExportLayout::LayRows(int group)
@@ -62,9 +56,12 @@ void TExportLayout::AddInitialValues(int group)
     vector<float> values;
     vector<uint32_t> rows;
     for (int attrib = 0; attrib < out.Attributes.size(); ++attrib) {
-        if (Schedule.GetAttributeExternalGroup(group, attrib) != -1 || IsWrittenFirst(group, attrib))
+        TExportAttribute& attr = out.Attributes[attrib];
+        if (Schedule.GetAttributeExternalGroup(group, attrib) != -1)
             continue;
-        const TExportAttribute& attr = out.Attributes[attrib];
+        attr.FirstWriter = FindFirstWriter(group, attrib);
+        if (attr.FirstWriter != -1)
+            continue;
         const TFixedValue value(Schedule.GetAttributePort(group, attrib));
         for (int r = 0; r < attr.RowCount; ++r) {
             rows.push_back(static_cast<uint32_t>(attr.RowStart + r));
@@ -73,88 +70,18 @@ void TExportLayout::AddInitialValues(int group)
         }
     }
     out.Emission.Execute.AddConstants(values, rows);
+    out.NumInitialCommands = out.Emission.Execute.Commands.size();
 }
 
-// Whether the first tied node that has the attribute at a port writes it without reading it.
-bool TExportLayout::IsWrittenFirst(int group, int attrib) const
+// The first tied node that has the attribute at a port, if it writes it without reading it; else -1.
+int TExportLayout::FindFirstWriter(int group, int attrib) const
 {
-    for (const TTiedNode& tied : Schedule.GetGroup(group).TiedNodes) {
-        if (tied.Inputs.index_of(attrib) != -1)
-            return false;
-        if (tied.Outputs.index_of(attrib) != -1)
-            return true;
+    const vector<TTiedNode>& tiedNodes = Schedule.GetGroup(group).TiedNodes;
+    for (int tied = 0; tied < tiedNodes.size(); ++tied) {
+        if (tiedNodes[tied].Inputs.index_of(attrib) != -1)
+            return -1;
+        if (tiedNodes[tied].Outputs.index_of(attrib) != -1)
+            return tied;
     }
-    return false;
-}
-
-void TExportLayout::AddEventPayload(int group)
-{
-    TExportGroup& out = Groups[group];
-    int size = 0;
-    for (int attrib = 0; attrib < out.Attributes.size(); ++attrib) {
-        if (!IsPayload(group, attrib))
-            continue;
-        UnpackPayload(group, attrib, size);
-        ZeroMissingRows(group, attrib);
-        MarkPayload(group, attrib);
-        const int have = GetSupplier(group, attrib).ByteSize;
-        const int want = out.Attributes[attrib].ByteSize;
-        size += have < want ? have : want;
-    }
-    out.EventSize = RoundUp(size, EventAlignment);
-}
-
-// An emitter's trigger says how many are born; it is no value of theirs.
-bool TExportLayout::IsPayload(int group, int attrib) const
-{
-    return Schedule.GetAttributeExternalGroup(group, attrib) != -1 &&
-           Groups[group].Attributes[attrib].Name.Compare("Emission Trigger") != 0;
-}
-
-const TExportAttribute& TExportLayout::GetSupplier(int group, int attrib) const
-{
-    const int external = Schedule.GetAttributeExternalAttrib(group, attrib);
-    return Groups[Schedule.GetAttributeExternalGroup(group, attrib)].Attributes[external];
-}
-
-void TExportLayout::UnpackPayload(int group, int attrib, int offset)
-{
-    const TExportAttribute& attr = Groups[group].Attributes[attrib];
-    TCommandStream& unpack = Groups[group].Emission.Unpack;
-    for (int first = 0; first < attr.RowCount; first += RowsPerQuad) {
-        TDataBlock block;
-        AppendU16(block, 0);
-        AppendU16(block, ToWordField(offset + first * RowFormats[RF_FLOAT].Size, "event payload offset"));
-        uint32_t rows[RowsPerQuad];
-        for (int i = 0; i < RowsPerQuad; ++i)
-            rows[i] = first + i < attr.RowCount ? static_cast<uint32_t>(attr.RowStart + first + i) : RowDump;
-        unpack.AddData(block);
-        unpack.AddCommand(NameToCrc(RowFormats[RF_FLOAT].Unpack), 0, RowsPerQuad, 0);
-        unpack.AddOutputs(rows[0], rows[1], rows[2], rows[3]);
-    }
-}
-
-// The rows that the supplier, of a smaller type, does not have.
-void TExportLayout::ZeroMissingRows(int group, int attrib)
-{
-    TExportGroup& out = Groups[group];
-    const TExportAttribute& attr = out.Attributes[attrib];
-    vector<uint32_t> rows;
-    vector<float> zeros;
-    for (int r = GetSupplier(group, attrib).RowCount; r < attr.RowCount; ++r) {
-        rows.push_back(static_cast<uint32_t>(attr.RowStart + r));
-        zeros.push_back(0.0f);
-        out.Emission.Flags[attrib].MarkWritten(r);
-    }
-    out.Emission.Execute.AddConstants(zeros, rows);
-}
-
-void TExportLayout::MarkPayload(int group, int attrib)
-{
-    TExportGroup& out = Groups[group];
-    const bool perParticle = Schedule.GetAttributeUsage(group, attrib) >= TU_PROCESS;
-    TRowFlags& flags = out.Emission.Flags[attrib];
-    for (int r = 0; r < out.Attributes[attrib].RowCount; ++r)
-        flags[r] |=
-            static_cast<uint8_t>(perParticle ? TRowFlags::Read | TRowFlags::Written : TRowFlags::Read);
+    return -1;
 }

@@ -16,15 +16,7 @@ public:
 private:
     void LayRows(int group);
     void AddInitialValues(int group);
-    bool IsWrittenFirst(int group, int attrib) const;
-
-    // What the group's particles get at their birth from the group that fires it.
-    void AddEventPayload(int group);
-    bool IsPayload(int group, int attrib) const;
-    const TExportAttribute& GetSupplier(int group, int attrib) const;
-    void UnpackPayload(int group, int attrib, int offset);
-    void ZeroMissingRows(int group, int attrib);
-    void MarkPayload(int group, int attrib);
+    int FindFirstWriter(int group, int attrib) const;
 
     const TEffectSchedule& Schedule;
     vector<TExportGroup>& Groups;

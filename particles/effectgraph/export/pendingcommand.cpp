@@ -31,6 +31,15 @@ void TPendingCommand::SetCommand(const char* name, int workspace)
     CommandSet = true;
 }
 
+bool TPendingCommand::ReplaceOutputRow(uint32_t row, uint32_t by)
+{
+    const int i = OutputRows.index_of(row);
+    if (!CommandSet || i == -1)
+        return false;
+    OutputRows[i] = by;
+    return true;
+}
+
 void TPendingCommand::AddConstant(uint32_t row, float value)
 {
     ConstantRows.push_back(row);
@@ -58,9 +67,10 @@ bool TPendingCommand::IsEmpty() const
            DataTransforms.empty() && ConstantTransforms.empty() && Patches.empty();
 }
 
-void TPendingCommand::Flush(TExportPhase& phase)
+void TPendingCommand::Flush(TExportPhase& phase, TRowMaker& maker)
 {
     FlushConstants(phase);
+    maker.Flush(phase.Execute);
     FlushCommand(phase);
     *this = TPendingCommand();
 }

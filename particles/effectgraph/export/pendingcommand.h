@@ -1,6 +1,7 @@
 #pragma once
 
 #include "particles/effectgraph/export/exportphase.h"
+#include "particles/effectgraph/export/rowmaker.h"
 
 // What a node has told of a command until now: the command, and ahead of it the constants that it reads from
 // ports that nothing feeds.
@@ -12,6 +13,8 @@ public:
     void SetCommand(const char* name, int workspace);
     void AddInputRow(uint32_t row) { InputRows.push_back(row); }
     void AddOutputRow(uint32_t row) { OutputRows.push_back(row); }
+    // Writes another row in place of one. False if the command does not write it, or there is none.
+    bool ReplaceOutputRow(uint32_t row, uint32_t by);
     // A value that the row has before the command runs.
     void AddConstant(uint32_t row, float value);
     // Of the command's data.
@@ -25,8 +28,8 @@ public:
     bool IsEmpty() const;
     int GetNumConstants() const { return ConstantRows.size(); }
 
-    // Tells the constants and the command to the phase, and is empty.
-    void Flush(TExportPhase& phase);
+    // Tells the constants, what makes further rows from rows, and the command to the phase, and is empty.
+    void Flush(TExportPhase& phase, TRowMaker& maker);
 
 private:
     struct TTransform

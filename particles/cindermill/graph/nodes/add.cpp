@@ -13,5 +13,18 @@ void TAdd::Execute(int index, float)
 
 void TAdd::Export(TExportData& exportData, TErrorList&)
 {
-    ExportComponents(exportData, "IdAdd");
+    const int type = GetInputType(0);
+    const int otherType = GetInputType(1);
+    // The second value repeats its components, unless a wire brings something that has to be converted
+    // anyway.
+    if (type == otherType || !(exportData.ConvertsInput(0) || exportData.ConvertsInput(1))) {
+        ExportComponents(exportData, "IdAdd");
+        return;
+    }
+    for (int c = 0; c < GetTypeFloats(type); ++c) {
+        exportData.SetCommand("IdAdd", 0);
+        exportData.AddInput(0, c, 1);
+        exportData.AddConvertedInput(1, otherType, type, c);
+        exportData.AddOutput(0, c, 1);
+    }
 }

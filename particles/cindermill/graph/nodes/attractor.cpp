@@ -21,4 +21,5 @@ void TAttractor::Export(TExportData& exportData, TErrorList&)
     exportData.AddInput(2, 0, 3);
     exportData.AddInput(3, 0, -1);
     exportData.AddOutput(0, 0, 3);
+    exportData.PassRest(1, 0, 3);
 }

@@ -87,4 +87,6 @@ void TCollisionPlane::Export(TExportData& exportData, TErrorList& errors)
     exportData.AddOutput(0, 0, 3);
     exportData.AddOutput(1, 0, 3);
     exportData.AddOutput(2, 0, -1);
+    exportData.PassRest(0, 0, 3);
+    exportData.PassRest(1, 1, 3);
 }

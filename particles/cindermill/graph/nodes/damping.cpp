@@ -19,4 +19,6 @@ void TDamping::Export(TExportData& exportData, TErrorList&)
     AddVectorInput(exportData, 0, both);
     exportData.AddInput(1, 0, -1);
     AddVectorOutput(exportData, 0, both);
+    if (!both)
+        exportData.PassRest(0, 0, 3);
 }

@@ -1,34 +1,30 @@
 #include "particles/cindermill/graph/nodes/motionnode.h"
 
 namespace {
-
-int GetRows(const TExportAttribute* attribute, int portType)
-{
-    return attribute != nullptr ? attribute->RowCount : GetTypeRows(portType);
-}
-
+constexpr int HalfRows = 3;
+constexpr int BothRows = 2 * HalfRows;
 } // namespace
 
 bool TMotionNode::HasBothHalves(const TExportData& exportData, int port)
 {
-    const TExportAttribute* attribute = exportData.GetInputAttribute(port);
-    return attribute != nullptr && attribute->RowCount == 6;
+    return exportData.GetInputAttribute(port) != nullptr && exportData.CountInputRows(port) == BothRows;
 }
 
 void TMotionNode::AddVectorInput(TExportData& exportData, int port, bool both) const
 {
-    const int rows = GetRows(exportData.GetInputAttribute(port), GetNodeType()->GetInputType(port));
-    exportData.AddInput(port, 0, 3);
-    if (both && rows == 6)
-        exportData.AddInput(port, 3, 3);
+    exportData.AddInput(port, 0, HalfRows);
+    if (both && exportData.CountInputRows(port) == BothRows)
+        exportData.AddInput(port, HalfRows, HalfRows);
 }
 
 void TMotionNode::AddVectorOutput(TExportData& exportData, int port, bool both) const
 {
-    const int rows = GetRows(exportData.GetOutputAttribute(port), GetNodeType()->GetOutputType(port));
-    exportData.AddOutput(port, 0, 3);
-    if (both && rows == 6)
-        exportData.AddOutput(port, 3, 3);
+    const bool isWired = exportData.GetOutputAttribute(port) != nullptr;
+    const bool hasBoth = isWired ? exportData.UsesOutput(port, BothRows - 1)
+                                 : GetTypeRows(GetNodeType()->GetOutputType(port)) == BothRows;
+    exportData.AddOutput(port, 0, HalfRows);
+    if (both && hasBoth)
+        exportData.AddOutput(port, HalfRows, HalfRows);
 }
 
 void TMotionNode::ExportIntegration(TExportData& exportData) const
@@ -38,4 +34,6 @@ void TMotionNode::ExportIntegration(TExportData& exportData) const
     AddVectorInput(exportData, 0, both);
     AddVectorInput(exportData, 1, both);
     AddVectorOutput(exportData, 0, both);
+    if (!both)
+        exportData.PassRest(0, 0, HalfRows);
 }

@@ -7,7 +7,7 @@
 class TMotionNode : public TParticleNode
 {
 protected:
-    // Whether the input's attribute is a transform.
+    // Whether the value at the input is a transform with both its halves.
     static bool HasBothHalves(const TExportData& exportData, int port);
     // Three rows; with `both`, also the second three of a port that has them.
     void AddVectorInput(TExportData& exportData, int port, bool both) const;

@@ -29,4 +29,5 @@ void TTurbulence::Export(TExportData& exportData, TErrorList&)
     exportData.AddInput(0, 0, 3);
     exportData.AddInput(1, 0, -1);
     exportData.AddOutput(0, 0, 3);
+    exportData.PassRest(0, 0, 3);
 }

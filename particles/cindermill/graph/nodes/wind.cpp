@@ -18,4 +18,5 @@ void TWind::Export(TExportData& exportData, TErrorList&)
     exportData.AddInput(1, 0, 3);
     exportData.AddInput(2, 0, -1);
     exportData.AddOutput(0, 0, 3);
+    exportData.PassRest(0, 0, 3);
 }

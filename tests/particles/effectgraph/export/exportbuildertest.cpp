@@ -80,6 +80,7 @@ TEST(TExportBuilder, RowOnlyWrittenAtBirthTakesTwoPlaces)
     g.Wire(node, 0, stage, 0);
     TExported e(g);
     WriteOutputs(e, emitter);
+    WriteOutputs(e, node);
     ASSERT_EQ(e.Build(), "");
     const int index = e.GroupOf(emitter);
     const TExportGroup& group = e.Group(index);
@@ -89,7 +90,8 @@ TEST(TExportBuilder, RowOnlyWrittenAtBirthTakesTwoPlaces)
     // Behind 12 bytes of the stage's place it is packed at 12 and unpacked at 16. The trigger, which the
     // emitter did not tell, is the last.
     EXPECT_EQ(group.Stride, 24);
-    EXPECT_EQ(group.Emission.Pack.Commands[0].Data[3], 12);
+    EXPECT_EQ(group.Emission.Pack.Commands[0].Data[1], 4);
+    EXPECT_EQ(group.Emission.Pack.Commands[0].Data[3], 0);
     EXPECT_EQ(group.Process.Unpack.Commands[1].Data[3], 16);
 }
 
@@ -364,4 +366,230 @@ TEST(TExportBuilder, WhatDoesNotFitTheFileStops)
     shared->AddSharedData("b", bytes.data(), 65000);
     shared->AddSharedData("c", bytes.data(), 1);
     EXPECT_EQ(shared.Build(), "value <= 0xFFFF : shared data offset of 130000 does not fit the file");
+}
+
+namespace {
+// Four children of one population, each with a trigger of the trigger group.
+std::vector<TEffectNode*> AddChildren(TChildGraph& graph, int count)
+{
+    std::vector<TEffectNode*> children = {graph.Child};
+    for (int i = 1; i < count; ++i) {
+        TEffectNode* trigger = graph.G.Node("Other", TU_TRIGGER, {}, {"Unused", "Due"});
+        TEffectNode* child = graph.AddPopulation("Child", {{"From", TY_VECTOR3}});
+        graph.G.Wire(trigger, 1, child, 0);
+        graph.G.Wire(graph.Parent, 0, child, 1);
+        children.push_back(child);
+    }
+    return children;
+}
+
+void TellTriggers(TExported& e, const std::vector<TEffectNode*>& emitters)
+{
+    for (TEffectNode* emitter : emitters)
+        e.Speak(emitter, [](TExportData& data) { data.SetEmitterTrigger(0); });
+}
+} // namespace
+
+TEST(TExportBuilder, EachChildOfAParentHasATriggerNumberOfItsOwn)
+{
+    TChildGraph graph;
+    std::vector<TEffectNode*> emitters = AddChildren(graph, 4);
+    emitters.push_back(graph.Parent);
+    TExported e(graph.G);
+    TellTriggers(e, emitters);
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& trigger = e.Group(e.GroupOf(graph.Trigger));
+    ASSERT_EQ(trigger.Triggers.size(), 4);
+    const TExportGroup& parent = e.Group(e.GroupOf(graph.Parent));
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(trigger.Triggers[i].Group, e.GroupOf(graph.Parent));
+        EXPECT_EQ(trigger.Triggers[i].Number, i);
+        const std::string name = "trigger " + std::to_string(i);
+        const auto location = parent.Process.Execute.PatchLocations.find(NameToCrc(name.c_str()));
+        ASSERT_NE(location, parent.Process.Execute.PatchLocations.end()) << name;
+        EXPECT_EQ(location->second.Offsets.size(), 1);
+    }
+    // Each names the row of its own count, not the first.
+    for (int i = 0; i < 4; ++i) {
+        const TExportGroup& child = e.Group(e.GroupOf(emitters[static_cast<size_t>(i)]));
+        EXPECT_EQ(trigger.Triggers[i].Row, trigger.Attributes[child.TriggerAttrib].RowStart);
+    }
+}
+
+TEST(TExportBuilder, ATriggersRowIsLookedUpInTheGroupThatHasIt)
+{
+    TChildGraph graph;
+    TEffectNode* swap = graph.G.Node("Swap", TU_TRIGGER, {"In"}, {"Out"});
+    graph.G.Wire(graph.Trigger, 0, swap, 0);
+    TEffectNode* child = graph.AddPopulation("Late", {{"From", TY_VECTOR3}});
+    graph.G.Wire(swap, 0, child, 0);
+    graph.G.Wire(graph.Parent, 0, child, 1);
+    TExported e(graph.G);
+    TellTriggers(e, {graph.Parent, graph.Child, child});
+    WriteOutputs(e, graph.Trigger);
+    e.Speak(swap, [](TExportData& data) { data.PassThrough(0, 0, 0, -1, -1); });
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& trigger = e.Group(e.GroupOf(graph.Trigger));
+    ASSERT_EQ(trigger.Triggers.size(), 2);
+    // What the swap passes on lies in the row that it comes from.
+    EXPECT_EQ(trigger.Triggers[1].Row, trigger.Triggers[0].Row);
+    EXPECT_NE(e.Group(e.GroupOf(child)).TriggerAttrib, e.Group(e.GroupOf(graph.Child)).TriggerAttrib);
+}
+
+TEST(TExportBuilder, AValueOfBirthThatOnlyAChildUsesHasOnePlace)
+{
+    TTestGraph g;
+    TEffectNode* trigger = AddTrigger(g);
+    TEffectNode* emitter =
+        g.Node("Emitter", TU_EMITTER, {"Emission Trigger"}, {{"Position", TY_VECTOR3}, "Mark"});
+    TEffectNode* child =
+        g.Node("Child", TU_EMITTER, {"Emission Trigger", "Mark"}, {{"Position", TY_VECTOR3}});
+    g.Wire(trigger, 0, emitter, 0);
+    g.Wire(trigger, 0, child, 0);
+    g.Wire(emitter, 1, child, 1);
+    for (TEffectNode* source : {emitter, child})
+        g.Wire(source, 0, AddSprite(g), 0);
+    TExported e(g);
+    TellTriggers(e, {emitter, child});
+    WriteOutputs(e, emitter);
+    ASSERT_EQ(e.Build(), "");
+    const int index = e.GroupOf(emitter);
+    const TExportGroup& group = e.Group(index);
+    const int mark =
+        e.GetSchedule().GetAttributeExternalAttrib(e.GroupOf(child), e.Find(e.GroupOf(child), "Mark"));
+    EXPECT_EQ(group.Emission.Flags[mark][0], TRowFlags::Written);
+    EXPECT_EQ(group.Process.Flags[mark][0], TRowFlags::Read);
+    // Three rows of the place and one of the mark.
+    EXPECT_EQ(group.Stride, 16);
+    EXPECT_EQ(TextsOf(group.Emission.Pack), (TTexts{"IdPackFloatN in 0 1 2 3 data 00040000"}));
+    EXPECT_EQ(TextsOf(group.Process.Unpack), (TTexts{"IdUnpackFloatN out 0 1 2 3 data 00000000"}));
+}
+
+TEST(TExportBuilder, RowsThatTheirFirstWriterLeavesOutAreZero)
+{
+    TSmallGraph small("Place", TY_TRANSFORM);
+    TExported e(small.G);
+    WriteOutputs(e, small.Trigger);
+    e.Speak(small.Emitter, [](TExportData& data) {
+        data.SetEmitterTrigger(0);
+        data.SetCommand("IdRandomEmitter", 0);
+        data.AddOutput(0, 0, 3);
+    });
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& group = e.Group(1);
+    EXPECT_EQ(
+        TextsOf(group.Emission.Execute),
+        (TTexts{"IdConstantEmitter out 0 1 2 data 000000000000000000000000", "IdRandomEmitter out 3 4 5"}));
+    EXPECT_EQ(TextsOf(group.Emission.Pack),
+              (TTexts{"IdPackFloatN in 3 4 5 0 data 00040000", "IdPackFloatN in 1 2 3 3 data 00020010"}));
+    EXPECT_EQ(group.Stride, 24);
+}
+
+TEST(TExportBuilder, AnAttributeOfANodeWithoutACommandIsZero)
+{
+    TSmallGraph small;
+    TEffectNode* noise = small.G.Node("Noise", TU_PROCESS, {{"At", TY_VECTOR3}}, {"Value"});
+    TEffectNode* user =
+        small.G.Node("User", TU_PROCESS, {"Value", {"Place", TY_VECTOR3}}, {{"Place", TY_VECTOR3}});
+    TEffectNode* stage = AddSprite(small.G);
+    small.G.Wire(small.Emitter, 0, noise, 0);
+    small.G.Wire(noise, 0, user, 0);
+    small.G.Wire(small.Emitter, 0, user, 1);
+    small.G.Wire(user, 0, stage, 0);
+    TExported e(small.G);
+    small.Fill(e);
+    e.Speak(user, [](TExportData& data) {
+        data.SetCommand("IdAdd", 0);
+        data.AddInput(0, 0, 1);
+        data.AddInput(1, 0, 3);
+        data.AddOutput(0, 0, 3);
+    });
+    const int index = e.GroupOf(user);
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& group = e.Group(index);
+    int value = -1;
+    for (int a = 0; a < group.Attributes.size(); ++a)
+        if (group.Attributes[a].RowCount == 1 && group.Attributes[a].FirstWriter != -1)
+            value = a;
+    ASSERT_NE(value, -1);
+    EXPECT_EQ(group.Emission.Flags[value][0], TRowFlags::Written);
+    EXPECT_NE(group.Process.Flags[value][0], 0);
+    EXPECT_EQ(CommandText(group.Emission.Execute.Commands[0]).substr(0, 23), "IdConstantEmitter out 0");
+}
+
+TEST(TExportBuilder, ACountThatIsATriggerAndAValueIsWrittenForBoth)
+{
+    TTestGraph g;
+    TEffectNode* trigger = AddTrigger(g);
+    TEffectNode* emitter =
+        g.Node("Emitter", TU_EMITTER, {"Emission Trigger", "Number"}, {{"Position", TY_VECTOR3}});
+    g.Wire(trigger, 0, emitter, 0);
+    g.Wire(trigger, 0, emitter, 1);
+    g.Wire(emitter, 0, AddSprite(g), 0);
+    TExported e(g);
+    TellTriggers(e, {emitter});
+    WriteOutputs(e, trigger);
+    ASSERT_EQ(e.Build(), "");
+    EXPECT_EQ(e.Errors, TTexts{});
+    const TExportGroup& parent = e.Group(e.GroupOf(trigger));
+    // The value with its padding, and the trigger.
+    EXPECT_EQ(CommandText(parent.Process.Execute.Commands.back()).substr(0, 26),
+              "IdWriteEvents in 0 0 0 0 0");
+    const TExportGroup& fired = e.Group(e.GroupOf(emitter));
+    EXPECT_EQ(fired.EventSize, 16);
+    EXPECT_EQ(fired.Emission.Unpack.Commands.size(), 1);
+}
+
+TEST(TExportBuilder, ACountOfAnotherGroupThanTheParentIsNoValueAndStartsAtZero)
+{
+    TChildGraph graph;
+    TEffectNode* child = graph.AddPopulation("Counter", {"Number", {"From", TY_VECTOR3}});
+    graph.G.Wire(graph.Trigger, 0, child, 0);
+    graph.G.Wire(graph.Trigger, 0, child, 1);
+    graph.G.Wire(graph.Parent, 0, child, 2);
+    TExported e(graph.G);
+    TellTriggers(e, {graph.Parent, graph.Child, child});
+    WriteOutputs(e, graph.Parent);
+    ASSERT_EQ(e.Build(), "");
+    EXPECT_EQ(e.Errors, TTexts{});
+    const int index = e.GroupOf(child);
+    const TExportGroup& fired = e.Group(index);
+    const int number = e.Find(index, "Number");
+    EXPECT_EQ(fired.EventSize, 16);
+    EXPECT_EQ(fired.Emission.Unpack.Commands.size(), 1);
+    EXPECT_EQ(fired.Emission.Flags[number][0] & TRowFlags::Written, TRowFlags::Written);
+    ASSERT_FALSE(fired.Emission.Execute.Commands.empty());
+    EXPECT_EQ(CommandText(fired.Emission.Execute.Commands[0]).substr(0, 17), "IdConstantEmitter");
+}
+
+TEST(TExportBuilder, ABypassedEmittersTriggerIsNoValue)
+{
+    TTestGraph g;
+    TEffectNode* trigger = AddTrigger(g);
+    TEffectNode* emitter = AddEmitter(g);
+    g.Wire(trigger, 0, emitter, 0);
+    g.Wire(emitter, 0, AddSprite(g), 0);
+    TExported e(g);
+    // The emitter does not tell its trigger.
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& fired = e.Group(e.GroupOf(emitter));
+    EXPECT_EQ(fired.EventSize, 0);
+    EXPECT_TRUE(fired.Emission.Unpack.Commands.empty());
+    EXPECT_TRUE(e.Group(e.GroupOf(trigger)).Events.empty());
+}
+
+TEST(TExportBuilder, AnEmittersTriggerIsNoValueWhateverItsName)
+{
+    TTestGraph g;
+    TEffectNode* trigger = AddTrigger(g);
+    TEffectNode* emitter = g.Node("Emitter", TU_EMITTER, {"Births"}, {{"Position", TY_VECTOR3}});
+    g.Wire(trigger, 0, emitter, 0);
+    g.Wire(emitter, 0, AddSprite(g), 0);
+    TExported e(g);
+    TellTriggers(e, {emitter});
+    ASSERT_EQ(e.Build(), "");
+    const TExportGroup& fired = e.Group(e.GroupOf(emitter));
+    EXPECT_EQ(fired.EventSize, 0);
+    EXPECT_TRUE(fired.Emission.Unpack.Commands.empty());
+    EXPECT_EQ(e.Group(e.GroupOf(trigger)).Events.size(), 1);
 }

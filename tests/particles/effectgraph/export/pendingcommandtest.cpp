@@ -8,6 +8,8 @@ TEST(TPendingCommand, ConstantsComeAheadOfTheCommand)
 {
     TExportPhase phase;
     TPendingCommand pending;
+    int temps = 1;
+    TRowMaker maker(temps);
     pending.SetData(nullptr, 2);
     pending.SetCommand("IdAdd", 8);
     pending.AddInputRow(3);
@@ -15,7 +17,7 @@ TEST(TPendingCommand, ConstantsComeAheadOfTheCommand)
     pending.AddInputRow(RowTemp + 1);
     pending.AddOutputRow(4);
     EXPECT_EQ(pending.GetNumConstants(), 1);
-    pending.Flush(phase);
+    pending.Flush(phase, maker);
     EXPECT_EQ(TextsOf(phase.Execute),
               (TTexts{"IdConstantEmitter out t1 data 3f800000", "IdAdd in 3 t1 out 4 data 0000"}));
     EXPECT_EQ(phase.Execute.Commands[1].Workspace, 8u);
@@ -25,6 +27,8 @@ TEST(TPendingCommand, FlushLeavesNothingBehind)
 {
     TExportPhase phase;
     TPendingCommand pending;
+    int temps = 1;
+    TRowMaker maker(temps);
     EXPECT_TRUE(pending.IsEmpty());
     const uint8_t bytes[4] = {};
     pending.SetData(bytes, 4);
@@ -36,11 +40,11 @@ TEST(TPendingCommand, FlushLeavesNothingBehind)
     EXPECT_TRUE(pending.HasData());
     EXPECT_TRUE(pending.HasCommand());
     EXPECT_FALSE(pending.IsEmpty());
-    pending.Flush(phase);
+    pending.Flush(phase, maker);
     EXPECT_TRUE(pending.IsEmpty());
     EXPECT_FALSE(pending.HasData());
     EXPECT_FALSE(pending.HasCommand());
-    pending.Flush(phase);
+    pending.Flush(phase, maker);
     EXPECT_EQ(phase.Execute.Commands.size(), 2);
     ASSERT_EQ(phase.Transforms.size(), 2);
     EXPECT_EQ(phase.Transforms[0].Type, 3);
@@ -51,8 +55,10 @@ TEST(TPendingCommand, DataWithoutACommandIsDropped)
 {
     TExportPhase phase;
     TPendingCommand pending;
+    int temps = 1;
+    TRowMaker maker(temps);
     pending.SetData(nullptr, 4);
-    pending.Flush(phase);
+    pending.Flush(phase, maker);
     EXPECT_TRUE(phase.Execute.Commands.empty());
     EXPECT_TRUE(pending.IsEmpty());
 }
