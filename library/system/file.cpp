@@ -166,7 +166,8 @@ bool IsSameFile(const char* a, const char* b)
 // What is missing is told of the file, whichever part of its path is not there.
 static void TellReadFault(int error, TString& fault)
 {
-    fault = error == ENOENT || error == ENOTDIR ? TString("The file does not exist") : GetSystemErrorText(error);
+    fault =
+        error == ENOENT || error == ENOTDIR ? TString("The file does not exist") : GetSystemErrorText(error);
 }
 
 void GetReadFault(const char* path, TString& fault)

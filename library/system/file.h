@@ -27,8 +27,8 @@ void GetReadFault(const char* path, TString& fault);
 // The program's file: reading goes through a one-block cache, writing straight to the platform. Wrong use
 // asserts.
 //
-// A file being written is a temporary one; Close puts it in the place of its target when every write succeeded,
-// so that a failure leaves the old file as it was.
+// A file being written is a temporary one; Close puts it in the place of its target when every write
+// succeeded, so that a failure leaves the old file as it was.
 class TFile
 {
 public:

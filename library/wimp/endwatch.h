@@ -5,8 +5,8 @@
 class TEndWatchObjects;
 
 // Hears when the system ends the program: by a signal, or with the session. TWimpApp::OnEnding is told at
-// once, in whatever loop that is; then every dialog and menu is closed as by its close box, whatever was in the
-// middle of something comes to its end, and the message loop ends. Nobody is asked anything from then on.
+// once, in whatever loop that is; then every dialog and menu is closed as by its close box, whatever was in
+// the middle of something comes to its end, and the message loop ends. Nobody is asked anything from then on.
 class TEndWatch
 {
 public:

@@ -31,10 +31,7 @@ protected:
         WriteBytes(Folder.Path("types/Age.xml"), bytes);
         return "--node-types " + Quote(Folder.Path("types")) + " types";
     }
-    void LetOthersIn()
-    {
-        ASSERT_EQ(0, chmod(Folder.GetFolder().c_str(), 0777));
-    }
+    void LetOthersIn() { ASSERT_EQ(0, chmod(Folder.GetFolder().c_str(), 0777)); }
     static bool Holds(const std::string& text, const std::string& part)
     {
         return text.find(part) != std::string::npos;
@@ -128,10 +125,10 @@ TEST_F(TFileFaults, WhatCannotBeWrittenIsToldWithTheReason)
         {Folder.Path(std::string(300, 'x')), "File name too long"},
     };
     for (const auto& each : cases)
-        for (const std::string& line :
-             {"resave " + Quote(effect) + " " + Quote(each.Out),
-              Resources() + "export " + Quote(effect) + " " + Quote(each.Out),
-              "image " + Quote(SourcePath("samples/textures/drop.dds")) + " " + Quote(each.Out) + " --format 0"}) {
+        for (const std::string& line : {"resave " + Quote(effect) + " " + Quote(each.Out),
+                                        Resources() + "export " + Quote(effect) + " " + Quote(each.Out),
+                                        "image " + Quote(SourcePath("samples/textures/drop.dds")) + " " +
+                                            Quote(each.Out) + " --format 0"}) {
             const TOutcome outcome = RunInTime(line);
             EXPECT_EQ(1, outcome.Status) << line;
             EXPECT_TRUE(Holds(outcome.Err, each.Out)) << line << "\n" << outcome.Err;
@@ -203,8 +200,8 @@ TEST_F(TFileFaults, ANodeTypeThatMayNotBeReadIsToldSo)
         const TOutcome outcome = RunInTime(line);
         EXPECT_EQ(1, outcome.Status);
         const std::string folder = Folder.Path("types");
-        EXPECT_TRUE(Holds(outcome.Err, "Could not open node file " + folder + "\\Age.xml for reading\n" + folder +
-                                           "\\Age.xml: Permission denied\n") ||
+        EXPECT_TRUE(Holds(outcome.Err, "Could not open node file " + folder + "\\Age.xml for reading\n" +
+                                           folder + "\\Age.xml: Permission denied\n") ||
                     Holds(outcome.Err, "Age.xml: Permission denied\n"))
             << outcome.Err;
         EXPECT_TRUE(Holds(outcome.Err, "Pipe.xml: It is no regular file\n")) << outcome.Err;
@@ -290,7 +287,8 @@ TEST_F(TFileFaults, SettingsThatAreNoRegularFileHoldNothingUp)
     EXPECT_TRUE(fs::is_fifo(settings));
     fs::remove(settings);
     fs::create_symlink("/dev/zero", settings);
-    EXPECT_EQ("The settings in " + settings + " are not used: It is no regular file\n", RunInTime("hash x").Err);
+    EXPECT_EQ("The settings in " + settings + " are not used: It is no regular file\n",
+              RunInTime("hash x").Err);
     fs::remove(settings);
     fs::create_directory(settings);
     EXPECT_EQ("The settings in " + settings + " are not used: Is a directory\n", RunInTime("hash x").Err);
