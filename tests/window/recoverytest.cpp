@@ -94,11 +94,13 @@ TEST_F(Recovery, WhatTheSystemEndsComesBackWithItsHistory)
     Screen.Save(program.GetMainRectangle(), Screenshot("recovery"));
     ASSERT_TRUE(program.AnswerDialog(RecoveryTitle, "Return"));
     WaitForBoth();
-    // The newest is in front: back to before the paste, and the star stays.
+    // The newest is in front: back to before the paste, of which nothing can run, and the star stays.
     ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainRectangle()));
     const TRectangle main = program.GetMainRectangle();
     Screen.Click(main.X + main.Width / 2, main.Y + 300);
     Screen.Key("ctrl+z");
+    ASSERT_TRUE(program.AnswerDialog(ErrorsTitle, "Return"));
+    EXPECT_NE(Screen.FindWindow(UnsavedTitle), "");
     Screen.Save(program.GetMainRectangle(), Screenshot("recovered"));
     EXPECT_EQ(Files().size(), 2u);
     program.ChooseFromFileMenu(FE_EXIT);
