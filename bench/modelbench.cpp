@@ -171,6 +171,33 @@ void SaveDocument(benchmark::State& state)
     }
 }
 
+// All that an autosave keeps the windows waiting for; a thread of its own writes the bytes.
+void ImageDocument(benchmark::State& state)
+{
+    TDocument document(*GetApp());
+    if (!document.BatchLoad(GetLargeFile().c_str())) {
+        state.SkipWithError(document.GetLoadError().Print());
+        return;
+    }
+    for (auto _ : state) {
+        vector<uint8_t> bytes;
+        if (!document.GetImage(bytes, 0)) {
+            state.SkipWithError("no image");
+            return;
+        }
+        benchmark::DoNotOptimize(bytes.data());
+    }
+}
+
+void CopyImage(benchmark::State& state)
+{
+    const std::string bytes = ReadBytes(GetLargeFile());
+    for (auto _ : state) {
+        const std::string copy = bytes;
+        benchmark::DoNotOptimize(copy.data());
+    }
+}
+
 void ReadFile(benchmark::State& state, const std::string& path)
 {
     for (auto _ : state)
@@ -411,6 +438,8 @@ void RegisterFiles()
     add("ReadDocument", [](benchmark::State& state) { ReadFile(state, GetLargeFile()); });
     add("SaveDocument", &SaveDocument);
     add("WriteDocument", [](benchmark::State& state) { WriteFile(state, GetLargeFile()); });
+    add("ImageDocument", &ImageDocument);
+    add("CopyImage", &CopyImage);
     add("ExportSample", &ExportSample);
     add("WriteSample", [](benchmark::State& state) { WriteFile(state, GetExportedSample()); });
     add("TranslateStages", &TranslateStages);
@@ -419,6 +448,7 @@ void RegisterFiles()
         std::to_string(LargeNodes) + " nodes, " + std::to_string(LargeHistory) + " operations";
     AddRows("load, " + what, "plain read", "LoadDocument", "ReadDocument", true);
     AddRows("save, " + what, "plain write", "SaveDocument", "WriteDocument", true);
+    AddRows("autosave's pause, " + what, "copy of it", "ImageDocument", "CopyImage", true);
     AddRows("export, largest sample", "plain write", "ExportSample", "WriteSample", true);
     AddRows("translation, all stage programs", "copy of them", "TranslateStages", "CopyStages", true);
 }

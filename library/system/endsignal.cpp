@@ -26,7 +26,9 @@ static void OnSignal(int signal)
 
 static bool Watch(int signal)
 {
-    struct sigaction action{};
+    struct sigaction action
+    {
+    };
     if (sigaction(signal, nullptr, &action) != 0)
         return false;
     // Started to outlive its terminal, for example.
@@ -61,7 +63,9 @@ int GetEndSignal()
 
 void EndBySignal(int signal)
 {
-    struct sigaction action{};
+    struct sigaction action
+    {
+    };
     action.sa_handler = SIG_DFL;
     sigemptyset(&action.sa_mask);
     sigaction(signal, &action, nullptr);

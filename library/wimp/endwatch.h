@@ -4,9 +4,10 @@
 
 class TEndWatchObjects;
 
-// Hears when the system ends the program: by a signal, or with the session. TWimpApp::OnEnding is told at
-// once, in whatever loop that is; then every dialog and menu is closed as by its close box, whatever was in the
-// middle of something comes to its end, and the message loop ends. Nobody is asked anything from then on.
+// Hears when the system ends the program: by a signal, or with the session, which may ask before and go on
+// after all. TWimpApp::OnEnding is told at once, in whatever loop that is; at the end itself then every
+// dialog and menu is closed as by its close box, whatever was in the middle of something comes to its end,
+// and the message loop ends. Nobody is asked anything from then on.
 class TEndWatch
 {
 public:

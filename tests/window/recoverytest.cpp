@@ -5,6 +5,8 @@
 namespace {
 
 const char* const RecoveryTitle = "^Recovery$";
+const char* const FountainTitle = "^Effect Display - \\[.*fountain.effect\\*\\]$";
+const char* const UnsavedTitle = "^Effect Display - \\[doc\\*\\]$";
 
 } // namespace
 
@@ -47,12 +49,18 @@ protected:
         StartWithNewDocument(program, workshop);
         if (HasFatalFailure())
             return;
-        workshop.Add("Emitter", 300, 200);
         Open(program, path);
         SelectAll(workshop);
         Screen.Key("ctrl+c");
         Screen.Key("ctrl+v");
-        ASSERT_TRUE(Screen.WaitForWindow("^Effect Display - \\[.*fountain.effect\\*\\]$"));
+        ASSERT_TRUE(Screen.WaitForWindow(FountainTitle));
+        program.ChooseFromFileMenu(FE_NEW);
+        const TRectangle graph = Shifted(workshop.GetGraph(), 2);
+        ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainRectangle()));
+        Screen.Click(graph.X + 20, graph.Y + 20);
+        ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+        Screen.Key("ctrl+v");
+        ASSERT_TRUE(Screen.WaitForWindow(UnsavedTitle));
     }
     bool WaitForFiles(size_t count) const
     {
@@ -60,8 +68,8 @@ protected:
     }
     void WaitForBoth()
     {
-        EXPECT_TRUE(Screen.WaitForWindow("^Effect Display - \\[doc\\*\\]$"));
-        EXPECT_TRUE(Screen.WaitForWindow("^Effect Display - \\[.*fountain.effect\\*\\]$"));
+        EXPECT_TRUE(Screen.WaitForWindow(UnsavedTitle));
+        EXPECT_TRUE(Screen.WaitForWindow(FountainTitle));
     }
 
     TTempFolder Shared;
@@ -78,7 +86,7 @@ TEST_F(Recovery, WhatTheSystemEndsComesBackWithItsHistory)
         program.Send(SIGTERM);
         EXPECT_EQ(program.WaitForEnd(), 128 + SIGTERM) << program.GetOutput();
     }
-    EXPECT_EQ(Files(), (std::vector<std::string>{"fountain-2.effect", "unsaved-1.effect"}));
+    EXPECT_EQ(Files(), (std::vector<std::string>{"fountain-1.effect", "unsaved-2.effect"}));
     EXPECT_TRUE(ReadBytes(path) == before);
     TProgram program(Screen, Options());
     ASSERT_TRUE(Screen.WaitForWindow(RecoveryTitle)) << program.GetOutput();
@@ -86,14 +94,22 @@ TEST_F(Recovery, WhatTheSystemEndsComesBackWithItsHistory)
     Screen.Save(program.GetMainRectangle(), Screenshot("recovery"));
     ASSERT_TRUE(program.AnswerDialog(RecoveryTitle, "Return"));
     WaitForBoth();
-    // The newest is in front: back to before the paste, and the star stays.
+    // The newest is in front: back to before the paste, of which nothing can run, and the star stays.
     ASSERT_TRUE(Screen.WaitUntilStill(program.GetMainRectangle()));
     const TRectangle main = program.GetMainRectangle();
     Screen.Click(main.X + main.Width / 2, main.Y + 300);
     Screen.Key("ctrl+z");
+    ASSERT_TRUE(program.AnswerDialog(ErrorsTitle, "Return"));
+    EXPECT_NE(Screen.FindWindow(UnsavedTitle), "");
     Screen.Save(program.GetMainRectangle(), Screenshot("recovered"));
     EXPECT_EQ(Files().size(), 2u);
-    Exit(program, "n");
+    program.ChooseFromFileMenu(FE_EXIT);
+    ASSERT_TRUE(Screen.WaitForWindow(ModifiedTitle));
+    ASSERT_TRUE(Screen.WaitUntilActive(ModifiedTitle));
+    // To "No".
+    Screen.Keys({"Tab", "Tab"});
+    ASSERT_TRUE(program.AnswerDialog(ModifiedTitle, "space"));
+    EXPECT_EQ(program.WaitForEnd(), 0) << program.GetOutput();
     EXPECT_TRUE(IsNothingLeft());
     EXPECT_TRUE(ReadBytes(path) == before);
 }

@@ -40,7 +40,7 @@ TEST(EndSignal, IsNotedAndEndsNothing)
             if (GetEndSignal() != signal || !IsReadable())
                 _exit(2);
             // More of them than a pipe holds change nothing.
-            for (int i = 0; i < 100000; ++i)
+            for (int i = 0; i < 70000; ++i)
                 raise(SIGTERM);
             _exit(GetEndSignal() == signal ? 0 : 3);
         });

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <QtCore/QTimer>
+#include <QtGui/QSessionManager>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
@@ -113,6 +114,18 @@ TEST_F(TEndWatchTest, AWaitForWorkHearsThatItShallEnd)
     EXPECT_TRUE(WaitFor([&] { return dialog.Step() == WA_CLOSED; }));
     dialog.End();
     EXPECT_EQ(App.NumEndings, 1);
+}
+
+// The session asks first, and may go on after all. Only the window system can make its manager, of which
+// nothing is wanted.
+TEST_F(TEndWatchTest, ASessionThatAsksForTheDataEndsNothing)
+{
+    alignas(16) char manager[64] = {};
+    qApp->commitDataRequest(reinterpret_cast<QSessionManager&>(manager));
+    EXPECT_EQ(App.NumEndings, 1);
+    EXPECT_FALSE(Watch->IsEnding());
+    EXPECT_FALSE(TWimp::Get().IsQuitting());
+    TWimp::Get().Quit();
 }
 
 TEST_F(TEndWatchTest, TheEndOfTheSessionEndsTheLoop)

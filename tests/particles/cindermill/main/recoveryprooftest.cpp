@@ -70,7 +70,10 @@ struct TExpected
 class Kills : public Autosaves
 {
 protected:
-    std::string EffectPath(uint32_t effect) const { return Path("work/e" + std::to_string(effect) + ".effect"); }
+    std::string EffectPath(uint32_t effect) const
+    {
+        return Path("work/e" + std::to_string(effect) + ".effect");
+    }
     std::string EfxPath(uint32_t effect) const { return Path("work/e" + std::to_string(effect) + ".efx"); }
     uint32_t EffectOf(const TDocument& document) const
     {
@@ -437,27 +440,26 @@ TEST_F(Autosaves, EachOpeningMayFail)
     EXPECT_TRUE(Files(true).empty());
 }
 
-// A history as long as an artist's week.
+// A history as long as an artist's week, from an empty effect on.
 TEST_F(Autosaves, TenThousandEditsAreUndoneAfterARecovery)
 {
     constexpr int Edits = 10000;
     constexpr uint32_t Milliseconds = 1500;
+    struct TTold
+    {
+        int Position;
+        int Count;
+        THash Image;
+    };
     const std::string path = Path("long.effect");
     {
         TDocument document(App.Get());
         ASSERT_TRUE(document.New());
-        TDice dice(7);
-        TRandomGraph(App.Get(), document, dice).Build(30);
-        document.GetOperationStack()->Clear(document);
         ASSERT_TRUE(document.SaveAs(path.c_str()));
     }
-    // A load settles what the edits have left open.
-    Open(path);
-    ASSERT_TRUE(Newest().SaveAs(path.c_str()));
-    App.Get().CloseDocument(&Newest());
     const std::string before = ReadBytes(path);
-    int fds[2];
-    ASSERT_EQ(pipe(fds), 0);
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
     ASSERT_TRUE(DoAndDie([&] {
         Start();
         TDocument& document = Open(path);
@@ -469,32 +471,32 @@ TEST_F(Autosaves, TenThousandEditsAreUndoneAfterARecovery)
             graph.Edit();
             App.Get().OnIdle();
         }
+        EXPECT_EQ(Files().size(), 1u);
         Autosave().SaveModified(App.Get().GetDocuments());
         Autosave().WaitForDisc();
         EXPECT_TRUE(Shown.Messages.empty());
-        const int steps[2] = {document.GetOperationStack()->GetPosition(),
-                              document.GetOperationStack()->GetNumOperations()};
-        EXPECT_EQ(write(fds[1], steps, sizeof(steps)), static_cast<ssize_t>(sizeof(steps)));
+        const TOperationStack& stack = *document.GetOperationStack();
+        const TTold told = {stack.GetPosition(), stack.GetNumOperations(), HashOf(ImageOf(document))};
+        EXPECT_EQ(write(ends[1], &told, sizeof(told)), static_cast<ssize_t>(sizeof(told)));
     }));
-    int steps[2] = {};
-    ASSERT_EQ(read(fds[0], steps, sizeof(steps)), static_cast<ssize_t>(sizeof(steps)));
-    close(fds[0]);
-    close(fds[1]);
+    TTold told = {};
+    ASSERT_EQ(read(ends[0], &told, sizeof(told)), static_cast<ssize_t>(sizeof(told)));
+    close(ends[0]);
+    close(ends[1]);
     EXPECT_TRUE(ReadBytes(path) == before);
     Start(RA_RESTORE);
     ASSERT_EQ(NumDocuments(), 1);
     TDocument& document = Newest();
+    EXPECT_EQ(HashOf(ImageOf(document)), told.Image);
     document.ClearEngine();
-    EXPECT_EQ(document.GetOperationStack()->GetPosition(), steps[0]);
-    EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), steps[1]);
-    EXPECT_GT(steps[0], 2000);
+    EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), told.Count);
+    EXPECT_GT(told.Position, 2000);
     int undone = 0;
-    while (document.CanUndo()) {
+    for (; document.CanUndo(); ++undone)
         document.Undo();
-        ++undone;
-    }
-    EXPECT_EQ(undone, steps[0]);
-    document.GetOperationStack()->Clear(document);
+    EXPECT_EQ(undone, told.Position);
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 0);
     EXPECT_TRUE(Shown.Messages.empty());
+    document.GetOperationStack()->Clear(document);
     EXPECT_TRUE(ImageOf(document) == before);
 }

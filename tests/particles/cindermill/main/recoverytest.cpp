@@ -320,8 +320,8 @@ TEST_F(Autosaves, AnEffectThatCannotBeLoadedIsNamedAndPutAside)
             effect[static_cast<int>(dice.Below(static_cast<uint32_t>(size)))] =
                 static_cast<uint8_t>(dice.Below(256));
         AddRecoveryNote(effect, note);
-        WriteBytes(file, std::string(reinterpret_cast<char*>(effect.data()),
-                                     static_cast<size_t>(effect.size())));
+        WriteBytes(file,
+                   std::string(reinterpret_cast<char*>(effect.data()), static_cast<size_t>(effect.size())));
         std::filesystem::remove_all(Store() + "/damaged");
         Shown = TShown();
         // Each in a process of its own, as a crash would be one.
