@@ -103,7 +103,7 @@ int TThreadStopper::GetCount() const
 
 const TThreadState* TThreadStopper::Get(int i) const
 {
-    return Slots[i].Ready ? &Slots[i].State : nullptr;
+    return IsReady[i] ? &States[i] : nullptr;
 }
 
 void TThreadStopper::OnStop(int, siginfo_t*, void* context)
@@ -169,7 +169,7 @@ bool TThreadStopper::IsAsked(pid_t id) const
 bool TThreadStopper::HasAnswered(pid_t id) const
 {
     for (int i = 0; i < GetCount(); ++i)
-        if (Slots[i].Ready && Slots[i].State.Id == id)
+        if (IsReady[i] && States[i].Id == id)
             return true;
     return false;
 }
@@ -193,26 +193,29 @@ void TThreadStopper::TakeSilent()
         TThreadState state;
         if (HasAnswered(Asked[i]) || !state.TakeWaiting(Asked[i]))
             continue;
-        if (TSlot* slot = AddSlot()) {
-            slot->State = state;
-            slot->Ready = true;
-        }
+        const int slot = AddSlot();
+        if (slot < 0)
+            return;
+        States[slot] = state;
+        IsReady[slot] = true;
     }
 }
 
-TThreadStopper::TSlot* TThreadStopper::AddSlot()
+// -1 if there is none left.
+int TThreadStopper::AddSlot()
 {
-    const int place = NumSlots.fetch_add(1);
-    if (place >= MaxThreads)
-        return nullptr;
-    Slots[place].Ready = false;
-    return &Slots[place];
+    const int slot = NumSlots.fetch_add(1);
+    if (slot >= MaxThreads)
+        return -1;
+    IsReady[slot] = false;
+    return slot;
 }
 
 void TThreadStopper::Add(const ucontext_t& context)
 {
-    if (TSlot* slot = AddSlot()) {
-        slot->State.Take(context);
-        slot->Ready = true;
-    }
+    const int slot = AddSlot();
+    if (slot < 0)
+        return;
+    States[slot].Take(context);
+    IsReady[slot] = true;
 }

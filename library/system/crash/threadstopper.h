@@ -21,12 +21,6 @@ public:
     const TThreadState* Get(int i) const;
 
 private:
-    struct TSlot
-    {
-        std::atomic<bool> Ready;
-        TThreadState State;
-    };
-
     static void OnStop(int signal, siginfo_t* info, void* context);
     bool SendToNew();
     void Send(pid_t id);
@@ -34,13 +28,15 @@ private:
     bool IsAsked(pid_t id) const;
     void WaitForAnswers();
     void TakeSilent();
-    TSlot* AddSlot();
+    int AddSlot();
     void Add(const ucontext_t& context);
     void WaitWhileHeld();
 
     static constexpr int MaxThreads = 1024;
 
-    TSlot Slots[MaxThreads];
+    // Apart, so that the large ones are not touched before they are needed.
+    TThreadState States[MaxThreads];
+    std::atomic<bool> IsReady[MaxThreads];
     std::atomic<int> NumSlots;
     // Those that were asked to stop, or would not hear it.
     pid_t Asked[MaxThreads];

@@ -59,6 +59,22 @@ TEST(AssertionDeathTest, HookIsCalledBeforeTheTrap)
         testing::ExitedWithCode(7), "hook x f.cpp 9");
 }
 
+TEST(AssertionDeathTest, IsReportedBeforeItIsShown)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            SetAssertReport([](const char* text) { fprintf(stderr, "(%s)", text); });
+            SetAssertBox([](const char*, const char* text) { fprintf(stderr, "[%s]", text); });
+            DebugPrintf("before ");
+            AssertFail("x", "f.cpp", 9);
+        },
+        [](int status) { return WIFSIGNALED(status) != 0; },
+        "^before \\(Assertion failed: 'x' In file f.cpp : Line 9\n\\)"
+        "Assertion failed: 'x' In file f.cpp : Line 9\n"
+        "\\[Assertion failed: 'x' In file f.cpp : Line 9\n\\]");
+}
+
 TEST(Assertion, HookMayThrow)
 {
     static std::string shown;
@@ -98,11 +114,13 @@ TEST(Assertion, GuardedFailureShowsAndLogsNothing)
 {
     static int calls;
     calls = 0;
+    SetAssertReport([](const char*) { ++calls; });
     SetAssertBox([](const char*, const char*) { ++calls; });
     SetAssertHook([](const char*, const char*, unsigned) { ++calls; });
     const std::string log = LogOf([] { EXPECT_EQ(AssertionOf([] { ASSERT_TEXT(false, "x"); }), "x"); });
     SetAssertHook(nullptr);
     SetAssertBox(nullptr);
+    SetAssertReport(nullptr);
     EXPECT_EQ(log, "");
     EXPECT_EQ(calls, 0);
 }
