@@ -132,7 +132,7 @@ void TAttributeTraceWindow::ScheduleChanged(const TDocument& document)
         if (!IsOf(*window, document))
             continue;
         if (window->Trace.IsConnected())
-            window->FollowSchedule();
+            window->ShowTitle();
         else
             window->Rebuild();
     }
@@ -182,13 +182,6 @@ void TAttributeTraceWindow::Rebuild()
     Table.Rebuild();
     Graphs.Rebuild();
     Rebuilding = false;
-}
-
-// The engine has run on, but the schedule may count other particles.
-void TAttributeTraceWindow::FollowSchedule()
-{
-    ShowTitle();
-    SelectPlace(Trace.GetPlace());
 }
 
 void TAttributeTraceWindow::SelectPlace(int place)

@@ -57,7 +57,6 @@ private:
     TAttributeTraceWindow(TDocument& document, TToolNode& node);
     void Create();
     void ShowTitle();
-    void FollowSchedule();
     void RepaintTouched();
     bool CopyTable();
 

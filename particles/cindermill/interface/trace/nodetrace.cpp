@@ -72,6 +72,7 @@ void TNodeTrace::LetGo()
     Traces.clear();
     Place = 0;
     CurrentParticle = 0;
+    LastParticle = 0;
 }
 
 int TNodeTrace::GetNumPlaces() const
@@ -92,12 +93,14 @@ void TNodeTrace::SelectPlace(int place)
     Traces.resize(ports);
     for (int p = 0; p < ports; ++p)
         Traces[p] = &ExecNode->GetOutputTrace(place, p);
+    LastParticle = FindLastParticle();
     SelectParticle(CurrentParticle);
 }
 
-int TNodeTrace::GetLastParticle() const
+// What makes particles, and what runs once for the effect, has one slot.
+int TNodeTrace::FindLastParticle() const
 {
-    if (ExecNode == nullptr || Usage == TU_EMITTER)
+    if (Usage == TU_EMITTER)
         return 0;
     const TEffectSchedule& schedule = Doc.GetSchedule();
     const int group = GetPlaceGroup(Place);

@@ -42,8 +42,9 @@ public:
     int GetPlaceGroup(int place) const;
     // The particle is kept if it can be chosen there.
     void SelectPlace(int place);
-    // The largest number that can be chosen, 0 or more.
-    int GetLastParticle() const;
+    // The largest number that can be chosen, 0 or more: of the schedule as it was when the place was
+    // selected.
+    int GetLastParticle() const { return LastParticle; }
     int GetParticle() const { return CurrentParticle; }
     // 0 in place of a number that cannot be chosen.
     void SelectParticle(int particle);
@@ -69,6 +70,7 @@ public:
 
 private:
     TEffectExecNode* FindExecNode();
+    int FindLastParticle() const;
     const TNodeType& GetType() const;
 
     TDocument& Doc;
@@ -78,6 +80,7 @@ private:
     vector<TAttributeTrace*> Traces;
     int Place = 0;
     int CurrentParticle = 0;
+    int LastParticle = 0;
     // The schedule's, of the node.
     int Usage = 0;
 };

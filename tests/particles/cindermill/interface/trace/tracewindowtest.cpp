@@ -224,25 +224,29 @@ TEST_F(TraceWindow, AfterANumberWasTypedTheTableHasTheKeys)
     EXPECT_EQ(Text(copied), TextOf(window));
 }
 
-TEST_F(TraceWindow, TheParticlesOfferedAreThoseOfTheScheduleAsItStands)
+TEST_F(TraceWindow, TheParticlesOfferedAreThoseOfTheEffectThatRuns)
 {
     TAttributeTraceWindow& window = Open(Node("Integrate"));
     Run(30);
     QDoubleSpinBox& input = Find<QDoubleSpinBox>(window, "particle");
-    const int entries = window.GetTrace().GetNumEntries(0);
+    const double last = input.maximum();
     input.setValue(9);
-    // The engine runs on over a change of the count.
+    const std::string before = TextOf(window);
     for (const char* name : {"Sphere Surface", "Point Emitter"})
         static_cast<TNodeIntParameter*>(Node(name).GetNodeType()->FindParameter("Particle Count"))
             ->SetValue(5);
+    // The schedule has fewer, and the engine runs on.
     ASSERT_TRUE(Sample->EnsureSchedule());
-    EXPECT_TRUE(window.GetTrace().IsConnected());
+    TString report;
+    Sample->GetReport(report);
+    ASSERT_EQ(Sample->GetSchedule().GetParticleCount(window.GetTrace().GetPlaceGroup(0)), 5);
+    EXPECT_EQ(input.maximum(), last);
+    EXPECT_EQ(TextOf(window), before);
+    input.setValue(8);
+    EXPECT_EQ(window.GetTrace().GetParticle(), 8);
+    Sample->RebuildSchedule(true);
     EXPECT_EQ(input.maximum(), 4);
-    EXPECT_EQ(input.value(), 0);
     EXPECT_EQ(window.GetTrace().GetParticle(), 0);
-    EXPECT_EQ(window.GetTrace().GetNumEntries(0), entries);
-    input.setValue(4);
-    EXPECT_EQ(window.GetTrace().GetParticle(), 4);
 }
 
 TEST_F(TraceWindow, ParticlesThatShareASlotShareItsHistory)
