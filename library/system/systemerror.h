@@ -9,6 +9,6 @@ enum TFileFault : int
     FF_TOOLARGE = -2
 };
 
-// Why the system refused a call, in its own words: "Permission denied". Takes a code of the system's, as errno
-// holds it, or one of those above.
+// Why the system refused a call, in its own words: "Permission denied". Takes a code of the system's, as
+// errno holds it, or one of those above.
 TString GetSystemErrorText(int error);

@@ -5,10 +5,10 @@
 struct stat;
 
 // A file that is being written and will take the place of another. Where the file system knows such files it
-// has no name until it is whole, so that nothing stays behind however the program ends. Elsewhere, and for the
-// moment in which it takes its place, it has a name beside its target, which a program that is killed leaves
-// behind: each file that is begun takes away what dead programs left in its folder. A lock, which ends with its
-// program, tells the living.
+// has no name until it is whole, so that nothing stays behind however the program ends. Elsewhere, and for
+// the moment in which it takes its place, it has a name beside its target, which a program that is killed
+// leaves behind: each file that is begun takes away what dead programs left in its folder. A lock, which ends
+// with its program, tells the living.
 class TTemporaryFile
 {
 public:

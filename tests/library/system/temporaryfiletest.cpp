@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include <sys/stat.h>
 #include <csignal>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 

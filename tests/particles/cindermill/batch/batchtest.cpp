@@ -276,8 +276,8 @@ TEST_F(TBatch, AnUnsoundEffectIsNotSavedAgain)
 
 TEST_F(TBatch, AFullDiscLeavesTheOldFile)
 {
-    const std::string limit = "ulimit -f 1; XDG_CONFIG_HOME='" + Folder.GetFolder() +
-                              "/config' '" + std::string(CINDERMILL_BATCH) + "' ";
+    const std::string limit = "ulimit -f 1; XDG_CONFIG_HOME='" + Folder.GetFolder() + "/config' '" +
+                              std::string(CINDERMILL_BATCH) + "' ";
     const struct
     {
         std::string Arguments;
