@@ -109,6 +109,27 @@ TEST_F(TFileFaults, APipeOrADeviceHoldsNothingUp)
     ExpectReadersTell(Folder.Path("zero.effect"), "It is no regular file");
 }
 
+TEST_F(TFileFaults, ATextureOrAnAnimationThatIsAPipeOrADeviceHoldsNothingUp)
+{
+    fs::create_directory(Folder.Path("resources"));
+    for (const char* folder : {"samples/textures", "samples/animations"})
+        for (const auto& entry : fs::directory_iterator(SourcePath(folder))) {
+            const std::string name = Folder.Path("resources/" + entry.path().filename().string());
+            if (entry.path().extension() == ".dds")
+                fs::create_symlink("/dev/zero", name);
+            else
+                ASSERT_EQ(0, mkfifo(name.c_str(), 0666));
+        }
+    for (const auto& entry : fs::directory_iterator(SourcePath("samples"))) {
+        if (entry.path().extension() != ".effect")
+            continue;
+        const TOutcome outcome =
+            RunInTime("--resources " + Quote(Folder.Path("resources")) + " check " + Quote(entry.path()));
+        EXPECT_EQ(1, outcome.Status) << entry.path();
+        EXPECT_TRUE(Holds(outcome.Err, ": It is no regular file")) << entry.path() << outcome.Err;
+    }
+}
+
 TEST_F(TFileFaults, WhatCannotBeWrittenIsToldWithTheReason)
 {
     const std::string effect = Copy("fountain.effect", "a.effect");
