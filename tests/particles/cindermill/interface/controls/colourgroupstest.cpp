@@ -262,7 +262,7 @@ TEST_F(ColourGroup, FoldingWhileTypingKeepsWhatWasTyped)
 
 TEST_F(ColourGroup, ThePictureShowsPickerAndSwatch)
 {
-    TTestWindow surface(680, 220);
+    TTestWindow surface(680, 240);
     TRenderer view;
     view.Init(&surface);
     TRenderObjects root;
