@@ -1,5 +1,6 @@
 #include "documentfixture.h"
 
+#include "particles/cindermill/graph/operations/gesture.h"
 #include "particles/cindermill/graph/operations/nodedisplay.h"
 #include "particles/cindermill/graph/operations/valueparamop.h"
 
@@ -67,6 +68,38 @@ TEST_F(Document, UndoDownToTheSavedPositionClearsTheStarAndOneMoreSetsIt)
     EXPECT_FALSE(document.IsModified());
     document.Redo();
     EXPECT_TRUE(document.IsModified());
+}
+
+TEST_F(Document, AGestureIsOneStepAndTheStarFollowsIt)
+{
+    TFakeHost host;
+    TDocument document(App.Get(), &host);
+    ASSERT_TRUE(document.New());
+    Add(document, App.Type("Emitter"));
+    ASSERT_TRUE(document.SaveAs(Path("gesture.effect").c_str()));
+    {
+        const TGesture gesture(*document.GetOperationStack());
+        Add(document, App.Type("Gravity"));
+        Add(document, App.Type("Age"));
+    }
+    EXPECT_TRUE(document.IsModified());
+    document.Undo();
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 1);
+    EXPECT_FALSE(document.IsModified());
+    document.Redo();
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 3);
+    EXPECT_TRUE(document.IsModified());
+    ASSERT_TRUE(document.Save());
+    document.Undo();
+    EXPECT_TRUE(document.IsModified());
+    document.Redo();
+    EXPECT_FALSE(document.IsModified());
+    // What is loaded has steps of single operations.
+    TDocument loaded(App.Get());
+    ASSERT_TRUE(loaded.Load(Path("gesture.effect").c_str()));
+    EXPECT_FALSE(loaded.IsModified());
+    loaded.Undo();
+    EXPECT_EQ(loaded.GetGraph()->GetNumNodes(), 2);
 }
 
 TEST_F(Document, AMergedEditSetsTheStarThoughThePositionStays)

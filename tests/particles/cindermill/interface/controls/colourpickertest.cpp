@@ -623,6 +623,34 @@ TEST_F(ColourPickerPicture, WhereTheDriverTakesNoProgramTheAreasShowTheSame)
     EXPECT_EQ(refusing.NumRefused, PP_NUMPROGRAMS);
 }
 
+TEST_F(ColourPickerPicture, TheAreaThatTheKeysMoveInHasAFrame)
+{
+    const auto countBlue = [](const TPicture& picture) {
+        return picture.Count([](const TPixel& pixel) {
+            return IsClose(pixel, TPixel{26, 107, 230, 255}, 12);
+        });
+    };
+    Show(PM_RGB, {0.5f, 0.2f, 0.1f, 0.5f});
+    EXPECT_EQ(countBlue(Paint()), 0);
+    TVector2 min;
+    TVector2 max;
+    Picker.GetArea(PA_ALPHA, min, max);
+    const TVector2 place = Picker.GetOrigin() + (min + max) * 0.5f;
+    TMessage message;
+    message.Type = MT_LEFTDOWN;
+    message.X = double(place[0]);
+    message.Y = double(place[1]);
+    message.Buttons = MB_LEFT;
+    TRenderObject::Route(View, Root, message);
+    Host.Drag(message.X, message.Y, 0);
+    const TPicture picture = Paint();
+    Keep(picture, "colour-picker-focus");
+    EXPECT_GT(countBlue(picture), 200);
+    EXPECT_GT(countBlue(Paint(0.5f)), 50);
+    TRenderObject::SetFocus(nullptr);
+    EXPECT_EQ(countBlue(Paint()), 0);
+}
+
 TEST_F(ColourPickerPicture, SaturationZeroIsGreyInAllHues)
 {
     Show(PM_HSL, {0.9f, 0.3f, 0.3f, 1});

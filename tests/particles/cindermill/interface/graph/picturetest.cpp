@@ -291,4 +291,23 @@ TEST_F(GraphPicture, AnOpenNodeShowsItsControls)
     EXPECT_FALSE(IsClose(At(closed, place + TVector2(60, 10)), field, 3));
 }
 
+TEST_F(GraphPicture, TheCloseButtonOfAPanelWiderThanTheViewIsDrawnInIt)
+{
+    TToolNode* curve = Add("Scalar Over Life", 40, 20);
+    Open(curve);
+    const float width = Object(curve).GetSize()[0];
+    // The light upper half of the button.
+    const auto isButton = [&](const TPicture& picture, float x) {
+        return IsClose(At(picture, TVector2(x, 20 + 5)), PixelOf(GetPanelTone(PT_HIGHLIGHT)), 12);
+    };
+    LookAt(0, 0, 1);
+    const TPicture whole = Paint();
+    EXPECT_TRUE(isButton(whole, 40 + width - 10.5f));
+    LookAt(0, 0, 2);
+    const TPicture narrow = Paint();
+    Keep(narrow, "widepanel");
+    EXPECT_TRUE(isButton(narrow, 280 - 10.5f));
+    EXPECT_FALSE(isButton(whole, 280 - 10.5f));
+}
+
 } // namespace
