@@ -10,5 +10,6 @@ bool WatchEndSignals();
 int GetEndSignalHandle();
 // The first that came, or 0.
 int GetEndSignal();
-// Ends the process as the signal would have, so that who waits for it sees why. May be called in a signal's handler.
+// Ends the process as the signal would have, so that who waits for it sees why. May be called in a signal's
+// handler.
 [[noreturn]] void EndBySignal(int signal);
