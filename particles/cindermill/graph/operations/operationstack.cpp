@@ -30,10 +30,10 @@ void TOperationStack::DropTail(TEditContext& doc, int first)
     const bool discards = !IsFromFile || CanFreeTail(*this, first, *doc.GetGraph(), doc.GetChunks());
     while (first < Operations.size()) {
         const TOwner<TOperation> op(Operations[first]);
+        Operations.erase(Operations.begin() + first);
         doc.GetChunks().RemoveChunk(op.Get());
         if (discards)
             op->Discard(doc);
-        Operations.erase(Operations.begin() + first);
     }
 }
 
