@@ -77,12 +77,11 @@ std::string TFakeDocument::EdgesOf() const
     return result;
 }
 
-bool TFakeDocument::Holds(const TChunk* chunk) const
+bool TFakeDocument::Holds(const TChunk* chunk)
 {
-    for (int i = 0; i < Chunks.GetNumChunks(); ++i)
-        if (Chunks.GetChunkAt(i) == chunk)
-            return true;
-    return false;
+    vector<TChunk*> chunks;
+    Chunks.GetChunksOfClass(chunk->GetClassId(), chunks);
+    return chunks.index_of(const_cast<TChunk*>(chunk)) != -1;
 }
 
 static uint32_t U32At(const std::string& bytes, size_t at)

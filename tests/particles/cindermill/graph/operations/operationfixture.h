@@ -54,7 +54,7 @@ public:
     // Labels of the graph's nodes and edges, in order.
     std::string NodesOf() const;
     std::string EdgesOf() const;
-    bool Holds(const TChunk* chunk) const;
+    bool Holds(const TChunk* chunk);
     std::string LabelOf(const void* object) const;
 
     TChunkFile Chunks;

@@ -357,33 +357,6 @@ TEST_F(TNodeObjTest, AnOpenNodeFollowsTheGripToo)
     TRenderObject::RunTicks(&Renderer);
 }
 
-TEST_F(TNodeObjTest, TheCloseButtonStaysInAViewThatThePanelReachesOutOf)
-{
-    TToolNode* node = Add("Scalar Over Life", 500, 100);
-    Open(node);
-    const float width = Object(node).GetSize()[0];
-    ASSERT_GT(500 + width, 800);
-    // The button's place is 8 pixels from the panel's end, which here is that of the view.
-    const TVector2 inView(800 - 8, 108);
-    Press(inView);
-    EXPECT_FALSE(Object(node).IsCollapsed());
-    EXPECT_NE(Canvas().IsDragging(), false);
-    Release(inView);
-    EXPECT_TRUE(Object(node).IsCollapsed());
-    // With all of the panel in sight it stands at the panel's end.
-    TToolNode* whole = Add("Scalar Over Life", 100, 300);
-    Open(whole);
-    Click(TVector2(100 + width - 30, 308));
-    EXPECT_FALSE(Object(whole).IsCollapsed());
-    Click(TVector2(100 + width - 8, 308));
-    EXPECT_TRUE(Object(whole).IsCollapsed());
-    // A view that shows little of the panel has it no further left than the bypass box.
-    TToolNode* left = Add("Scalar Over Life", 780, 500);
-    Open(left);
-    Click(TVector2(780 + 30, 508));
-    EXPECT_TRUE(Object(left).IsCollapsed());
-}
-
 TEST_F(TNodeObjTest, EscapeBringsTheSizeBack)
 {
     TToolNode* node = Add("Noise", 100, 100);
