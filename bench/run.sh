@@ -14,4 +14,5 @@ core=$(taskset -cp $$ | sed 's/.*: *//; s/[,-].*//')
 bin=build/release/bench
 taskset -c "$core" $bin/enginebench "$@"
 taskset -c "$core" $bin/modelbench --no-header "$@"
+taskset -c "$core" $bin/growthbench --no-header "$@"
 $bin/windowbench --no-header "$@"

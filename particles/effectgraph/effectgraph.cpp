@@ -3,14 +3,23 @@
 #include "library/containers/append.h"
 #include "particles/effectgraph/canconnect.h"
 #include "particles/effectgraph/groupparameter.h"
-#include "particles/effectgraph/pointermap.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/rampparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
 
 bool TEffectGraph::Read(int, int, TChunkFile* chunkFile)
 {
-    return chunkFile->ReadPointers(Nodes) && chunkFile->ReadPointers(Edges);
+    if (!chunkFile->ReadPointers(Nodes) || !chunkFile->ReadPointers(Edges))
+        return false;
+    // What a file names twice, or not at all, the check of the graph tells.
+    Members = TPointerMap();
+    for (const TEffectNode* node : Nodes)
+        if (node != nullptr)
+            Members.Insert(node);
+    for (const TEffectEdge* edge : Edges)
+        if (edge != nullptr)
+            Members.Insert(edge);
+    return true;
 }
 
 bool TEffectGraph::Write(TChunkFile* chunkFile)
@@ -25,97 +34,80 @@ int TEffectGraph::GetSize()
 
 // What comes last mostly goes first, so it is searched for from the end.
 template <class T>
-static int FindLast(const vector<T*>& objects, const T* object)
+static void RemoveOne(vector<T*>& objects, const T* object)
 {
     int at = objects.size() - 1;
-    while (at >= 0 && objects[at] != object)
+    while (objects[at] != object)
         --at;
-    return at;
+    objects.erase(objects.begin() + at);
 }
 
-// False if one is there already.
 template <class T>
-static bool AddAll(vector<T*>& objects, const vector<T*>& added)
-{
-    TPointerMap present;
-    for (const T* object : objects)
-        present.Insert(object);
-    MakeRoom(objects, added.size());
-    for (T* object : added) {
-        if (!present.Insert(object))
-            return false;
-        objects.push_back(object);
-    }
-    return true;
-}
-
-// False if one is not there.
-template <class T>
-static bool RemoveAll(vector<T*>& objects, const vector<T*>& removed)
+static void RemoveAll(vector<T*>& objects, const vector<T*>& removed)
 {
     TPointerMap gone;
     for (const T* object : removed)
         gone.Insert(object);
-    const int count = objects.size();
     int kept = 0;
-    for (int i = 0; i < count; ++i)
-        if (!gone.Has(objects[i]))
-            objects[kept++] = objects[i];
+    for (T* object : objects)
+        if (!gone.Has(object))
+            objects[kept++] = object;
     objects.resize(kept);
-    return count - kept == removed.size();
 }
 
 void TEffectGraph::AddNode(TEffectNode* node)
 {
-    ASSERT_TEXT(Nodes.find(node) == Nodes.end(), "Nodes.find(node) == Nodes.end()");
+    ASSERT_TEXT(Members.Insert(node), "Nodes.find(node) == Nodes.end()");
     Append(Nodes, node);
     ClearCanConnectCache();
 }
 
 void TEffectGraph::AddNodes(const vector<TEffectNode*>& nodes)
 {
-    ASSERT_TEXT(AddAll(Nodes, nodes), "Nodes.find(node) == Nodes.end()");
-    ClearCanConnectCache();
+    for (TEffectNode* node : nodes)
+        AddNode(node);
 }
 
 void TEffectGraph::RemoveNode(TEffectNode* node)
 {
-    const int at = FindLast(Nodes, node);
-    ASSERT_TEXT(at != -1, "it != Nodes.end()");
-    Nodes.erase(Nodes.begin() + at);
+    ASSERT_TEXT(Members.Remove(node), "it != Nodes.end()");
+    RemoveOne(Nodes, node);
     ClearCanConnectCache();
 }
 
 void TEffectGraph::RemoveNodes(const vector<TEffectNode*>& nodes)
 {
-    ASSERT_TEXT(RemoveAll(Nodes, nodes), "it != Nodes.end()");
+    for (const TEffectNode* node : nodes)
+        ASSERT_TEXT(Members.Remove(node), "it != Nodes.end()");
+    RemoveAll(Nodes, nodes);
     ClearCanConnectCache();
 }
 
 void TEffectGraph::AddEdge(TEffectEdge* edge)
 {
-    ASSERT_TEXT(Edges.find(edge) == Edges.end(), "Edges.find(edge) == Edges.end()");
+    ASSERT_TEXT(Members.Insert(edge), "Edges.find(edge) == Edges.end()");
     Append(Edges, edge);
     ClearCanConnectCache();
 }
 
 void TEffectGraph::AddEdges(const vector<TEffectEdge*>& edges)
 {
-    ASSERT_TEXT(AddAll(Edges, edges), "Edges.find(edge) == Edges.end()");
-    ClearCanConnectCache();
+    for (TEffectEdge* edge : edges)
+        AddEdge(edge);
 }
 
 void TEffectGraph::RemoveEdge(TEffectEdge* edge)
 {
-    const int at = FindLast(Edges, edge);
-    ASSERT_TEXT(at != -1, "it != Edges.end()");
-    Edges.erase(Edges.begin() + at);
+    ASSERT_TEXT(Members.Remove(edge), "it != Edges.end()");
+    RemoveOne(Edges, edge);
     ClearCanConnectCache();
 }
 
 void TEffectGraph::RemoveEdges(const vector<TEffectEdge*>& edges)
 {
-    ASSERT_TEXT(RemoveAll(Edges, edges), "it != Edges.end()");
+    for (const TEffectEdge* edge : edges)
+        ASSERT_TEXT(Members.Remove(edge), "it != Edges.end()");
+    RemoveAll(Edges, edges);
     ClearCanConnectCache();
 }
 

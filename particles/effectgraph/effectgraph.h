@@ -1,6 +1,7 @@
 #pragma once
 
 #include "particles/effectgraph/effectnode.h"
+#include "particles/effectgraph/pointermap.h"
 
 // The nodes and edges of one effect. The document's chunk file owns them; the graph refers to them.
 class TEffectGraph : public TRegistered<TEffectGraph, TChunk>
@@ -22,6 +23,8 @@ public:
     void RemoveEdge(TEffectEdge* edge);
     void RemoveEdges(const vector<TEffectEdge*>& edges);
 
+    bool Has(const TEffectNode* node) const { return Members.Has(node); }
+    bool Has(const TEffectEdge* edge) const { return Members.Has(edge); }
     int GetNumNodes() const { return Nodes.size(); }
     TEffectNode* GetNode(int i) const { return Nodes[i]; }
     int GetNumEdges() const { return Edges.size(); }
@@ -38,6 +41,8 @@ public:
 private:
     vector<TEffectNode*> Nodes;
     vector<TEffectEdge*> Edges;
+    // Both, for asking whether one is there.
+    TPointerMap Members;
     TCallbackList<> Callbacks;
 };
 

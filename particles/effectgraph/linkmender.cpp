@@ -54,13 +54,14 @@ void TLinkMender::Tell(const TNodeType& type, const TString& port, const char* k
 
 void TLinkMender::MendInput(const TNodeType& type, TNodePolytypeParameter& input)
 {
-    const TNodePolytypeParameter* wanted = FindPolytype(Library, type, input.Name);
     if (!input.GetLinkInput().IsEmpty() && type.FindInput(input.GetLinkInput()) == -1) {
+        const TNodePolytypeParameter* wanted = FindPolytype(Library, type, input.Name);
         const bool helps = wanted != nullptr && type.FindInput(wanted->GetLinkInput()) != -1;
         input.SetLinkInput(helps ? wanted->GetLinkInput() : TString());
         Tell(type, input.Name, Input, input.GetLinkInput());
     }
     if (!input.GetLinkOutput().IsEmpty() && type.FindOutput(input.GetLinkOutput()) == -1) {
+        const TNodePolytypeParameter* wanted = FindPolytype(Library, type, input.Name);
         const bool helps = wanted != nullptr && type.FindOutput(wanted->GetLinkOutput()) != -1;
         input.SetLinkOutput(helps ? wanted->GetLinkOutput() : TString());
         Tell(type, input.Name, Output, input.GetLinkOutput());

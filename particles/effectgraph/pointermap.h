@@ -11,6 +11,8 @@ public:
     bool Has(const void* object) const { return Find(object) != -1; }
     // False if the object is there already; it then keeps its number.
     bool Insert(const void* object, int number = 0);
+    // False if the object is not there.
+    bool Remove(const void* object);
     int size() const { return Count; }
 
 private:
@@ -20,6 +22,7 @@ private:
         int Number = -1;
     };
 
+    unsigned GetHome(const void* object) const;
     TSlot* FindSlot(const void* object) const;
     void Grow();
 

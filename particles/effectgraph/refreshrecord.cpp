@@ -48,11 +48,8 @@ void TRefreshRecord::Remove(TEffectEdge* edge, TChunkFile& chunkFile, TEffectGra
 {
     if (!Lost.Insert(edge))
         return;
-    for (int i = 0; i < graph.GetNumEdges(); ++i)
-        if (graph.GetEdge(i) == edge) {
-            graph.RemoveEdge(edge);
-            break;
-        }
+    if (graph.Has(edge))
+        graph.RemoveEdge(edge);
     chunkFile.RemoveChunk(edge);
     TakenOut.push_back(edge);
 }

@@ -27,7 +27,7 @@ bool TAddGraphEdgeOp::Write(TChunkFile* chunkFile)
 
 bool TAddGraphEdgeOp::Fits(const TEffectGraph& graph, bool undo) const
 {
-    return undo ? IsIn(graph, Edge) : CanInsertEdge(graph, *Edge);
+    return undo ? graph.Has(Edge) : CanInsertEdge(graph, *Edge);
 }
 
 void TAddGraphEdgeOp::GetMade(vector<TChunk*>& result) const

@@ -26,7 +26,7 @@ bool TAddGraphNodeOp::Write(TChunkFile* chunkFile)
 
 bool TAddGraphNodeOp::Fits(const TEffectGraph& graph, bool undo) const
 {
-    return IsIn(graph, Node) == undo && IsUnconnected(*Node);
+    return graph.Has(Node) == undo && IsUnconnected(*Node);
 }
 
 void TAddGraphNodeOp::GetMade(vector<TChunk*>& result) const

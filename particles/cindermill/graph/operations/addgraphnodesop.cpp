@@ -35,18 +35,18 @@ bool TAddGraphNodesOp::Check() const
 // The edges of the nodes run among them, and go where the nodes go.
 bool TAddGraphNodesOp::Fits(const TEffectGraph& graph, bool undo) const
 {
-    TMembers members(graph);
-    if (!members.AddSources(Nodes))
+    TSources sources;
+    if (!sources.Add(Nodes))
         return false;
     TPointerMap nodes;
     Enter(Nodes, nodes);
     for (TToolNode* node : Nodes) {
         vector<TEffectEdge*> edges;
         GetEdges(*node, edges);
-        if (members.Has(node) != undo)
+        if (graph.Has(node) != undo)
             return false;
         for (const TEffectEdge* edge : edges)
-            if (members.Has(edge) != undo || !members.IsAtSource(*edge) || !IsAtDestination(*edge) ||
+            if (graph.Has(edge) != undo || !sources.Lists(*edge) || !IsAtDestination(*edge) ||
                 !nodes.Has(edge->GetSrcNode()) || !nodes.Has(edge->GetDstNode()))
                 return false;
     }

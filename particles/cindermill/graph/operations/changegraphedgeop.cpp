@@ -74,11 +74,10 @@ bool TChangeGraphEdgeOp::FitsMove(const TEffectGraph& graph, const TEnd& fromSou
                                   const TEnd& fromDestination, const TEnd& source,
                                   const TEnd& destination) const
 {
-    if (!IsIn(graph, Edge) || Edge->GetSrcNode() != fromSource.Node ||
-        Edge->GetSrcPort() != fromSource.Port || Edge->GetDstNode() != fromDestination.Node ||
-        Edge->GetDstPort() != fromDestination.Port)
+    if (!graph.Has(Edge) || Edge->GetSrcNode() != fromSource.Node || Edge->GetSrcPort() != fromSource.Port ||
+        Edge->GetDstNode() != fromDestination.Node || Edge->GetDstPort() != fromDestination.Port)
         return false;
-    if (!IsIn(graph, source.Node) || !HasOutput(source.Node, source.Port) || !IsIn(graph, destination.Node) ||
+    if (!graph.Has(source.Node) || !HasOutput(source.Node, source.Port) || !graph.Has(destination.Node) ||
         !HasInput(destination.Node, destination.Port))
         return false;
     const TEffectEdge* there = destination.Node->GetInput(destination.Port);

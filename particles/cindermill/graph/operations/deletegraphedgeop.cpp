@@ -19,7 +19,7 @@ bool TDeleteGraphEdgeOp::Write(TChunkFile* chunkFile)
 
 bool TDeleteGraphEdgeOp::Fits(const TEffectGraph& graph, bool undo) const
 {
-    return undo ? CanInsertEdge(graph, *Edge) : IsIn(graph, Edge);
+    return undo ? CanInsertEdge(graph, *Edge) : graph.Has(Edge);
 }
 
 void TDeleteGraphEdgeOp::GetUsed(vector<TChunk*>& result) const

@@ -59,14 +59,13 @@ bool TDeleteGraphNodeOp::HoldsEdgesOfNodes() const
 // The list of edges is that of the nodes' ports, no more and no less.
 bool TDeleteGraphNodeOp::FitsDo(const TEffectGraph& graph) const
 {
-    const TMembers members(graph);
     TPointerMap held;
     Enter(Nodes, held);
     for (const TToolNode* node : Nodes)
-        if (!members.Has(node))
+        if (!graph.Has(node))
             return false;
     for (const TToolEdge* edge : Edges)
-        if (!members.Has(edge) || (!held.Has(edge->GetSrcNode()) && !held.Has(edge->GetDstNode())))
+        if (!graph.Has(edge) || (!held.Has(edge->GetSrcNode()) && !held.Has(edge->GetDstNode())))
             return false;
     return HoldsEdgesOfNodes();
 }
@@ -74,28 +73,28 @@ bool TDeleteGraphNodeOp::FitsDo(const TEffectGraph& graph) const
 // An edge stands in the ports of the deleted nodes, and can come back to those of the others.
 bool TDeleteGraphNodeOp::FitsUndo(const TEffectGraph& graph) const
 {
-    TMembers members(graph);
+    TSources sources;
     TPointerMap held;
     Enter(Nodes, held);
-    if (!members.AddSources(Nodes))
+    if (!sources.Add(Nodes))
         return false;
     for (const TToolNode* node : Nodes)
-        if (members.Has(node))
+        if (graph.Has(node))
             return false;
     // The inputs that edges come back to, by their parameters.
     TPointerMap inputs;
     for (const TToolEdge* edge : Edges) {
         const bool holdsSource = held.Has(edge->GetSrcNode());
         const bool holdsDestination = held.Has(edge->GetDstNode());
-        if (members.Has(edge) || (!holdsSource && !holdsDestination))
+        if (graph.Has(edge) || (!holdsSource && !holdsDestination))
             return false;
         if (holdsSource
-                ? !members.IsAtSource(*edge)
-                : !HasOutput(edge->GetSrcNode(), edge->GetSrcPort()) || !members.Has(edge->GetSrcNode()))
+                ? !sources.Lists(*edge)
+                : !HasOutput(edge->GetSrcNode(), edge->GetSrcPort()) || !graph.Has(edge->GetSrcNode()))
             return false;
         if (holdsDestination
                 ? !IsAtDestination(*edge)
-                : !HasInput(edge->GetDstNode(), edge->GetDstPort()) || !members.Has(edge->GetDstNode()) ||
+                : !HasInput(edge->GetDstNode(), edge->GetDstPort()) || !graph.Has(edge->GetDstNode()) ||
                       edge->GetDstNode()->GetInput(edge->GetDstPort()) != nullptr)
             return false;
         if (!inputs.Insert(edge->GetDstNode()->GetNodeType()->GetInput(edge->GetDstPort())))

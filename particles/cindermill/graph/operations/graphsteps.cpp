@@ -64,32 +64,7 @@ void RemoveEdge(TEditContext& doc, TToolEdge* edge)
     TouchEnds(doc, *edge);
 }
 
-bool IsIn(const TEffectGraph& graph, const TEffectNode* node)
-{
-    // The last first, as in RemoveNode.
-    for (int i = graph.GetNumNodes() - 1; i >= 0; --i)
-        if (graph.GetNode(i) == node)
-            return true;
-    return false;
-}
-
-bool IsIn(const TEffectGraph& graph, const TEffectEdge* edge)
-{
-    for (int i = graph.GetNumEdges() - 1; i >= 0; --i)
-        if (graph.GetEdge(i) == edge)
-            return true;
-    return false;
-}
-
-TMembers::TMembers(const TEffectGraph& graph)
-{
-    for (int i = 0; i < graph.GetNumNodes(); ++i)
-        Nodes.Insert(graph.GetNode(i));
-    for (int i = 0; i < graph.GetNumEdges(); ++i)
-        Edges.Insert(graph.GetEdge(i));
-}
-
-bool TMembers::AddSources(const vector<TToolNode*>& nodes)
+bool TSources::Add(const vector<TToolNode*>& nodes)
 {
     for (TToolNode* node : nodes)
         for (int i = 0; i < node->GetNumOutputs(); ++i) {
@@ -102,7 +77,7 @@ bool TMembers::AddSources(const vector<TToolNode*>& nodes)
     return true;
 }
 
-bool TMembers::IsAtSource(const TEffectEdge& edge) const
+bool TSources::Lists(const TEffectEdge& edge) const
 {
     const int output = Listed.Find(&edge);
     return output != -1 && Outputs[output] == TPortRef(edge.GetSrcNode(), edge.GetSrcPort());
@@ -154,7 +129,7 @@ bool IsUnconnected(const TEffectNode& node)
 
 bool CanInsertEdge(const TEffectGraph& graph, const TEffectEdge& edge)
 {
-    return !IsIn(graph, &edge) && HasOutput(edge.GetSrcNode(), edge.GetSrcPort()) &&
-           HasInput(edge.GetDstNode(), edge.GetDstPort()) && IsIn(graph, edge.GetSrcNode()) &&
-           IsIn(graph, edge.GetDstNode()) && edge.GetDstNode()->GetInput(edge.GetDstPort()) == nullptr;
+    return !graph.Has(&edge) && HasOutput(edge.GetSrcNode(), edge.GetSrcPort()) &&
+           HasInput(edge.GetDstNode(), edge.GetDstPort()) && graph.Has(edge.GetSrcNode()) &&
+           graph.Has(edge.GetDstNode()) && edge.GetDstNode()->GetInput(edge.GetDstPort()) == nullptr;
 }

@@ -28,28 +28,19 @@ void FinishGraphChange(TEditContext& doc);
 
 // What they ask before they rely on a history from a file.
 
-// Each looks the graph through; TMembers is for many questions.
-bool IsIn(const TEffectGraph& graph, const TEffectNode* node);
-bool IsIn(const TEffectGraph& graph, const TEffectEdge* edge);
 bool HasOutput(const TEffectNode* node, int port);
 bool HasInput(const TEffectNode* node, int port);
-// What is in a graph now, and which outputs of nodes list which edges.
-class TMembers
+// Which outputs of nodes list which edges.
+class TSources
 {
 public:
-    explicit TMembers(const TEffectGraph& graph);
     // False if the lists of the nodes' outputs have an empty place or hold an edge twice.
-    bool AddSources(const vector<TToolNode*>& nodes);
-
-    bool Has(const TEffectNode* node) const { return Nodes.Has(node); }
-    bool Has(const TEffectEdge* edge) const { return Edges.Has(edge); }
+    bool Add(const vector<TToolNode*>& nodes);
     // Whether the edge's source, one of those that were added, lists it.
-    bool IsAtSource(const TEffectEdge& edge) const;
+    bool Lists(const TEffectEdge& edge) const;
 
 private:
-    TPointerMap Nodes;
-    TPointerMap Edges;
-    // The port of the output that lists the edge, of whichever node; by edge.
+    // The number of the output that lists the edge, by edge.
     TPointerMap Listed;
     vector<TPortRef> Outputs;
 };

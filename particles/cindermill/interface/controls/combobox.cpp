@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/controls/combobox.h"
 
+#include "library/containers/append.h"
 #include "library/containers/assertion.h"
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
@@ -43,7 +44,7 @@ void TComboBox::AddString(const char* text, int data)
     TItem item;
     item.Text = text;
     item.Data = data;
-    Items.push_back(item);
+    Append(Items, item);
     Host.RedrawGraphs();
 }
 

@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/controls/ramp.h"
 
+#include "library/containers/append.h"
 #include "library/system/clock.h"
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/graph/operations/operation.h"
@@ -277,7 +278,7 @@ void TRamp::CopyValue(TString& text) const
     for (int i = 0; i < Model.GetComponentCount(); ++i) {
         const TRampCurve& curve = Model.GetCurve(Model.GetSource(i));
         for (int k = 0; k < curve.GetNumPoints(); ++k)
-            curves[i].push_back(curve.GetPoint(k));
+            Append(curves[i], curve.GetPoint(k));
     }
     WriteRampText(curves, Model.GetComponentCount(), text);
 }

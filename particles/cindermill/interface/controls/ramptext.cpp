@@ -1,5 +1,7 @@
 #include "particles/cindermill/interface/controls/ramptext.h"
 
+#include "library/containers/append.h"
+
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -21,11 +23,9 @@ public:
 private:
     void Add(const char* begin, const char* end)
     {
-        constexpr int Growth = 4096;
-        if (Characters.size() + (end - begin) > Characters.capacity())
-            Characters.reserve(Characters.capacity() + Growth);
-        for (const char* p = begin; p != end; ++p)
-            Characters.push_back(*p);
+        const int count = static_cast<int>(end - begin);
+        if (count > 0)
+            std::memcpy(Extend(Characters, count), begin, static_cast<size_t>(count));
     }
 
     vector<char> Characters;
@@ -56,7 +56,7 @@ public:
             TRampPoint point;
             if (!Take('{') || !ReadNumber(point.X) || !Take(',') || !ReadNumber(point.Y) || !Take('}'))
                 return false;
-            points.push_back(point);
+            Append(points, point);
         } while (Take(','));
         return points.size() % 3 == 1;
     }
