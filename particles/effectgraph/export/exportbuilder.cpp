@@ -230,19 +230,37 @@ TRowConversion TExportBuilder::GetTriggerConversion(int group) const
                           Schedule.GetAttributeType(group, fired.TriggerInput));
 }
 
-// The row that says how many particles are due. It comes from the trigger's group, through a constant that
-// the console fills in where that is another group than the one that writes the event.
+// The row that says how many particles are due. What the trigger's group has comes through constants that the
+// console fills in, where that is another group than the one that writes the event.
 void TExportBuilder::AddTriggerRow(int group, vector<uint32_t>& rows)
 {
     const int parent = Events[group].Parent;
     TExportGroup& firing = Groups[parent];
-    TExportGroup& trigger = Groups[Groups[group].TriggerGroup];
-    if (Groups[group].TriggerGroup == parent) {
-        rows.push_back(GetOwnTriggerRow(group));
+    const TExportAttribute& attr = Groups[Groups[group].TriggerGroup].Attributes[Groups[group].TriggerAttrib];
+    const TRowConversion conversion = GetTriggerConversion(group);
+    uint32_t source[TRowFlags::MaxRows] = {};
+    for (int r = 0; r < attr.RowCount; ++r)
+        if (conversion.ComesFrom(0, r))
+            source[r] = Groups[group].TriggerGroup == parent ? firing.Process.RowMap[attr.RowStart + r]
+                                                             : AddTrigger(group, r);
+    if (conversion[0] >= 0) {
+        rows.push_back(source[conversion[0]]);
         return;
     }
-    const int from = GetTriggerConversion(group)[0];
-    const int triggerRow = trigger.Attributes[Groups[group].TriggerAttrib].RowStart + (from >= 0 ? from : 0);
+    TRowMaker maker(firing.NumTemps);
+    const uint32_t row = maker.AllocTemp();
+    maker.Convert(conversion, 0, source, row);
+    maker.Flush(firing.Process.Execute);
+    rows.push_back(row);
+}
+
+// A row of the trigger's group, as a row of the group that writes the event.
+uint32_t TExportBuilder::AddTrigger(int group, int row)
+{
+    const int parent = Events[group].Parent;
+    TExportGroup& firing = Groups[parent];
+    TExportGroup& trigger = Groups[Groups[group].TriggerGroup];
+    const int triggerRow = trigger.Attributes[Groups[group].TriggerAttrib].RowStart + row;
     const int number = CountTriggers(parent);
     TExportTrigger entry;
     entry.Group = ToByteField(parent, "trigger's group");
@@ -258,25 +276,7 @@ void TExportBuilder::AddTriggerRow(int group, vector<uint32_t>& rows)
     stream.AddPatch(TCommandPatch{NameToCrc(patch.Print()), TriggerPatch, 0});
     stream.AddCommand(NameToCrc("IdConstantEmitter"), 0, 1, 0);
     stream.AddOutputs(temp, 0, 0, 0);
-    rows.push_back(temp);
-}
-
-// In the group that writes the event and has the trigger too.
-uint32_t TExportBuilder::GetOwnTriggerRow(int group)
-{
-    TExportGroup& firing = Groups[Groups[group].TriggerGroup];
-    const TExportAttribute& attr = firing.Attributes[Groups[group].TriggerAttrib];
-    const TRowConversion conversion = GetTriggerConversion(group);
-    uint32_t source[TRowFlags::MaxRows] = {};
-    for (int r = 0; r < attr.RowCount; ++r)
-        source[r] = firing.Process.RowMap[attr.RowStart + r];
-    if (conversion[0] >= 0)
-        return source[conversion[0]];
-    TRowMaker maker(firing.NumTemps);
-    const uint32_t row = maker.AllocTemp();
-    maker.Convert(conversion, 0, source, row);
-    maker.Flush(firing.Process.Execute);
-    return row;
+    return temp;
 }
 
 // The entries that name the group so far.

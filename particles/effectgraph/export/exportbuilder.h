@@ -26,7 +26,7 @@ private:
     void AddPayloadRows(int group, vector<uint32_t>& rows);
     TRowConversion GetTriggerConversion(int group) const;
     void AddTriggerRow(int group, vector<uint32_t>& rows);
-    uint32_t GetOwnTriggerRow(int group);
+    uint32_t AddTrigger(int group, int row);
     int CountTriggers(int parent) const;
     void ListRenderAttributes(int group);
     void ListRenderAttribute(int group, int attrib);

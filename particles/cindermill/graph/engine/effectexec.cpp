@@ -77,12 +77,12 @@ void TEffectExec::InitGroups()
 {
     int64_t total = 0;
     for (int g = 0; g < Schedule->GetNumGroups(); ++g)
-        total += TParticleBuffer::CountBytes(*Schedule, g);
+        total += TParticleBuffer::CountBytes(*Schedule, g, BirthsApart);
     ASSERT_TEXT_MSG(total <= TParticleBuffer::MaxBytes, "total <= TParticleBuffer::MaxBytes",
                     "The effect needs too much memory for its particles");
     for (int g = 0; g < Schedule->GetNumGroups(); ++g) {
         Groups.push_back(new TParticleBuffer);
-        Groups[g]->Init(*Schedule, g);
+        Groups[g]->Init(*Schedule, g, BirthsApart);
     }
 }
 
@@ -192,6 +192,7 @@ void TEffectExec::CountEmissions(int group, int repeat)
 void TEffectExec::RunEmitters(int group, float dt)
 {
     const int repeat = CountInstances(group);
+    Groups[group]->SetFiring(true);
     CountEmissions(group, repeat);
     for (int instance = 0; instance < repeat; ++instance) {
         SelectExternal(group, instance);
@@ -200,6 +201,7 @@ void TEffectExec::RunEmitters(int group, float dt)
             if (GetTiedUsage(group, t) == TU_EMITTER)
                 RunEmit(group, t, instance, dt);
     }
+    Groups[group]->SetFiring(false);
 }
 
 void TEffectExec::RunProcesses(int group, float dt)
@@ -279,11 +281,13 @@ void TEffectExec::AddParticles(int group, int instance, int count)
         return;
     Births += count;
     CheckBirths(Births, group);
+    const bool firing = buffer->SetFiring(false);
     const int first = buffer->AddParticles(count);
     SelectExternal(group, instance);
     for (int a = 0; a < Schedule->GetNumAttributes(group); ++a)
         InitAttribute(group, a, first, count);
     RunBirths(group, first, count);
+    buffer->SetFiring(firing);
 }
 
 void TEffectExec::InitAttribute(int group, int attrib, int first, int count)

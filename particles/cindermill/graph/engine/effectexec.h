@@ -26,6 +26,10 @@ public:
     bool Init(const TEffectSchedule& schedule, TErrorList& errors, bool toolMode);
     // The same, leaving render nodes out: they are not made, and draw and export nothing.
     bool InitWithoutRender(const TEffectSchedule& schedule, TErrorList& errors);
+    // From the next Init on: whether what only a particle's birth computes is kept for each particle, as on
+    // the console. Otherwise particles that are born together read the last one's.
+    void SetBirthsApart(bool apart) { BirthsApart = apart; }
+    bool AreBirthsApart() const { return BirthsApart; }
     void Clear();
     bool IsInited() const { return Inited; }
     // Seconds since Init.
@@ -89,4 +93,5 @@ private:
     // Particles born in the present frame.
     int64_t Births = 0;
     bool Inited = false;
+    bool BirthsApart = false;
 };

@@ -3,6 +3,7 @@
 #include "library/containers/append.h"
 #include "particles/cindermill/graph/shaders/qdxshader.h"
 
+#include <climits>
 #include <cstring>
 
 namespace {
@@ -24,14 +25,16 @@ constexpr TElementSizes ElementTable[TY_NUMTYPES] = {{1, 1, 4},  {1, 2, 8},  {1,
 constexpr int IdShift = 2;
 
 // A block has at least one item, whatever a document asks for.
-int CountItems(const TEffectSchedule& schedule, int group, int usage)
+int CountItems(const TEffectSchedule& schedule, int group, int usage, bool birthsApart)
 {
     int count = 1;
-    if (usage == TU_EMITTER)
+    if (usage == TU_EMITTER && !birthsApart)
         count = schedule.GetMaxEmission(group);
     else if (usage != TU_TRIGGER)
         count = schedule.GetParticleCount(group);
-    return count > 0 ? count : 1;
+    count = count > 0 ? count : 1;
+    // Behind the particles' places the one of no particle.
+    return usage == TU_EMITTER && birthsApart && count < INT_MAX ? count + 1 : count;
 }
 
 // An array of items of that many bytes each.
@@ -122,17 +125,18 @@ TParticleBuffer::~TParticleBuffer()
         delete[] block.Data;
 }
 
-void TParticleBuffer::Init(const TEffectSchedule& schedule, int group)
+void TParticleBuffer::Init(const TEffectSchedule& schedule, int group, bool birthsApart)
 {
+    FirstRing = birthsApart ? TU_EMITTER : TU_PROCESS;
     vector<TVertexStream::TElement> elements;
     const int streamStride = LayOut(schedule, group, elements);
     Allocate(schedule, group, streamStride);
     VertexStream.Init(Blocks[TU_RENDER].Data, Blocks[TU_RENDER].Count, streamStride, elements);
 }
 
-int64_t TParticleBuffer::CountBytes(const TEffectSchedule& schedule, int group)
+int64_t TParticleBuffer::CountBytes(const TEffectSchedule& schedule, int group, bool birthsApart)
 {
-    int64_t bytes = static_cast<int64_t>(sizeof(int)) * CountItems(schedule, group, TU_RENDER);
+    int64_t bytes = static_cast<int64_t>(sizeof(int)) * CountItems(schedule, group, TU_RENDER, birthsApart);
     for (int a = 0; a < schedule.GetNumAttributes(group); ++a) {
         const int usage = schedule.GetAttributeUsage(group, a);
         const int type = schedule.GetAttributeType(group, a);
@@ -140,7 +144,7 @@ int64_t TParticleBuffer::CountBytes(const TEffectSchedule& schedule, int group)
         // The stream's stride may be the larger one.
         if (usage == TU_RENDER)
             size = ElementTable[type].Bytes;
-        bytes += static_cast<int64_t>(size) * CountItems(schedule, group, usage);
+        bytes += static_cast<int64_t>(size) * CountItems(schedule, group, usage, birthsApart);
     }
     return bytes;
 }
@@ -177,10 +181,12 @@ int TParticleBuffer::LayOut(const TEffectSchedule& schedule, int group,
 
 void TParticleBuffer::Allocate(const TEffectSchedule& schedule, int group, int streamStride)
 {
-    ASSERT_TEXT_MSG(CountBytes(schedule, group) <= MaxBytes, "CountBytes(schedule, group) <= MaxBytes",
+    const bool birthsApart = FirstRing == TU_EMITTER;
+    ASSERT_TEXT_MSG(CountBytes(schedule, group, birthsApart) <= MaxBytes,
+                    "CountBytes(schedule, group) <= MaxBytes",
                     TempFormat("Group %d needs too much memory for its particles", group));
     for (int u = 0; u < NumBlocks; ++u)
-        Blocks[u].Count = CountItems(schedule, group, u);
+        Blocks[u].Count = CountItems(schedule, group, u, birthsApart);
     for (TBlock& block : Blocks) {
         // The card reads the render block by the stream's stride.
         const bool isStream = &block == &Blocks[TU_RENDER] && streamStride > block.Stride;
@@ -241,10 +247,10 @@ void TParticleBuffer::KillParticle(int index)
 
 void TParticleBuffer::MoveParticles(int from, int to, int count)
 {
-    for (int u = TU_PROCESS; u <= TU_RENDER; ++u) {
+    for (int u = FirstRing; u <= TU_RENDER; ++u)
         MoveItems(ItemsOf(Blocks[u]), from, to, count);
+    for (int i = 0; i < IdShift; ++i)
         MoveItems(ItemsOf(GlobalIds), from, to, count);
-    }
 }
 
 // Closes the gap from the low run's end or from the oldest particle up, whichever lies on the same run.
@@ -316,7 +322,7 @@ void TParticleBuffer::RemoveFallingList()
 void TParticleBuffer::CloseLowRun(const int* dead, int count)
 {
     const int top = GetBufferSize() - Tail;
-    for (int u = TU_PROCESS; u <= TU_RENDER; ++u)
+    for (int u = FirstRing; u <= TU_RENDER; ++u)
         CloseDownwards(ItemsOf(Blocks[u]), 1, Head, dead, count, top);
     CloseDownwards(ItemsOf(GlobalIds), IdShift, Head, dead, count, top);
     Head -= count;
@@ -324,7 +330,7 @@ void TParticleBuffer::CloseLowRun(const int* dead, int count)
 
 void TParticleBuffer::CloseHighRun(const int* dead, int count)
 {
-    for (int u = TU_PROCESS; u <= TU_RENDER; ++u)
+    for (int u = FirstRing; u <= TU_RENDER; ++u)
         CloseUpwards(ItemsOf(Blocks[u]), 1, Tail, dead, count);
     CloseUpwards(ItemsOf(GlobalIds), IdShift, Tail, dead, count);
     const bool wrapped = Head <= Tail;
@@ -340,13 +346,22 @@ void TParticleBuffer::CloseHighRun(const int* dead, int count)
 float* TParticleBuffer::GetAttribute(int attrib, int usage, int index) const
 {
     int position = 0;
-    if (IsPerParticle(usage)) {
+    if (IsAtNoParticle(usage)) {
+        position = GetBufferSize();
+    } else if (IsPerParticle(usage)) {
         ASSERT(index < GetNumParticles());
         position = RingPosition(index);
     }
     const TBlock& block = Blocks[usage];
     const size_t item = static_cast<size_t>(position) * static_cast<size_t>(block.Stride);
     return reinterpret_cast<float*>(block.Data + item + AttribOffsets[attrib]);
+}
+
+bool TParticleBuffer::SetFiring(bool firing)
+{
+    const bool before = Firing;
+    Firing = firing && FirstRing == TU_EMITTER;
+    return before;
 }
 
 int TParticleBuffer::GetGlobalParticle(int index, int usage) const

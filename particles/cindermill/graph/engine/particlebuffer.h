@@ -28,9 +28,12 @@ public:
 
     // What a group's store takes. A document may ask for billions of particles; above MaxBytes Init asserts.
     static constexpr int64_t MaxBytes = int64_t{1} << 30;
-    static int64_t CountBytes(const TEffectSchedule& schedule, int group);
+    static int64_t CountBytes(const TEffectSchedule& schedule, int group, bool birthsApart = false);
 
-    void Init(const TEffectSchedule& schedule, int group);
+    // With `birthsApart` each particle keeps its own value of what only its birth computes, as it does on the
+    // console. Otherwise the particles share one place for it, and those that are born together read the last
+    // one's.
+    void Init(const TEffectSchedule& schedule, int group, bool birthsApart = false);
 
     int GetNumParticles() const;
     int GetBufferSize() const { return Blocks[TU_RENDER].Count; }
@@ -40,7 +43,7 @@ public:
     void KillParticle(int index);
     void RemoveDead();
     // Whether each particle has a value of its own of an attribute of this usage.
-    static bool IsPerParticle(int usage) { return usage == TU_PROCESS || usage == TU_RENDER; }
+    bool IsPerParticle(int usage) const { return usage >= FirstRing && usage <= TU_RENDER; }
     // The ring position of index 0 before wrapping.
     int GetFirstPosition() const { return EmitBase + Tail; }
     // The floats of an attribute for one particle.
@@ -51,6 +54,9 @@ public:
     int GetGlobalParticle(int index, int usage) const;
     // Added to every index while new particles are being initialised.
     void SetEmitBase(int base) { EmitBase = base; }
+    // While an emitter finds out how many are to be born, what their births compute has a place of no
+    // particle. Returns what was set before.
+    bool SetFiring(bool firing);
     // The attribute's first element in the vertex stream; it must be a render attribute.
     int GetRenderAttrib(int attrib) const;
 
@@ -68,6 +74,7 @@ public:
 
 private:
     // Returns the bytes of a vertex in the stream.
+    bool IsAtNoParticle(int usage) const { return Firing && usage == TU_EMITTER; }
     int LayOut(const TEffectSchedule& schedule, int group, vector<TVertexStream::TElement>& elements);
     void Allocate(const TEffectSchedule& schedule, int group, int streamStride);
     int Wrap(int position) const;
@@ -86,6 +93,9 @@ private:
     int Head = 0;
     int Tail = -1;
     int EmitBase = 0;
+    bool Firing = false;
+    // The blocks from this usage on are rings.
+    int FirstRing = TU_PROCESS;
     vector<int> DeadList;
     vector<int> GlobalIds;
     int NextGlobalId = 0;
@@ -94,7 +104,7 @@ private:
 template <class TWork>
 void TParticleBuffer::ForEachValue(int attrib, int usage, int first, int count, TWork&& work) const
 {
-    if (!IsPerParticle(usage)) {
+    if (!IsPerParticle(usage) || IsAtNoParticle(usage)) {
         work(GetAttribute(attrib, usage, 0));
         return;
     }

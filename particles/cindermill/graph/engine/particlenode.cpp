@@ -194,7 +194,7 @@ void TParticleNode::ChooseStaging()
 bool TParticleNode::IsOutputShared(int port) const
 {
     const int attrib = GetSchedule().GetTiedNodeOutput(Group, TiedNode, port);
-    return attrib != -1 && !TParticleBuffer::IsPerParticle(GetSchedule().GetAttributeUsage(Group, attrib));
+    return attrib != -1 && !Buffer->IsPerParticle(GetSchedule().GetAttributeUsage(Group, attrib));
 }
 
 void TParticleNode::FindInputPort(int port)
@@ -235,7 +235,7 @@ void TParticleNode::FindOutputPort(int port)
 void TParticleNode::FindAttribute(TNodePort& port, int attrib)
 {
     const int usage = GetSchedule().GetAttributeUsage(Group, attrib);
-    const bool perParticle = TParticleBuffer::IsPerParticle(usage);
+    const bool perParticle = Buffer->IsPerParticle(usage);
     port.Access = PA_CHECKED;
     port.Data = nullptr;
     // What reads a particle that is not there has to fail as the checked way does.

@@ -599,3 +599,143 @@ TEST(TEffectExec, ABrokenPolicyFailsTheExportOnlyIfItShould)
               (std::vector<std::string>{"Warning: Effect file does not contain a bounding box",
                                         "Fatal Error: Effect file does not contain a bounding box"}));
 }
+
+namespace {
+
+// A population whose emitter gives each newborn a mark, which only another node of its birth reads.
+class TMarkBench
+{
+public:
+    explicit TMarkBench(bool birthsApart) : Exec(Services)
+    {
+        TTestExecNode::Reset();
+        TEffectNode* trigger = Graph.Node("Trigger", TU_TRIGGER, {}, {"Count"});
+        TEffectNode* emitter = Graph.Node("Emitter", TU_EMITTER, {"Emission Trigger"}, {"Value", "Mark"});
+        TEffectNode* reader = Graph.Node("Reader", TU_PROCESS, {"Mark"}, {});
+        TEffectNode* ager = Graph.Node("Ager", TU_PROCESS, {"Value"}, {"Value"});
+        TEffectNode* sprite = Graph.Node("Sprite", TU_RENDER, {"Value"}, {});
+        Graph.Wire(trigger, 0, emitter, 0);
+        Graph.Wire(emitter, 1, reader, 0);
+        Graph.Wire(emitter, 0, ager, 0);
+        Graph.Wire(ager, 0, sprite, 0);
+        for (TEffectNode* node : {trigger, emitter, reader, ager, sprite})
+            Graph.Class(node, GetTestExecClass());
+        TTestExecNode::OnExecute("Trigger", [this](TTestExecNode& node, int index, float) {
+            node.WriteOutput(0, index, TPortValue(static_cast<float>(Due)));
+        });
+        TTestExecNode::OnEmit("Emitter", [this](TTestExecNode& node, int instance, float) {
+            Read.clear();
+            const int count = static_cast<int>(node.ReadInput(0, 0)[0]);
+            if (count > 0)
+                node.AddParticles(instance, count);
+        });
+        TTestExecNode::OnExecute("Emitter", [this](TTestExecNode& node, int index, float) {
+            node.WriteOutput(1, index, TPortValue(NextMark++));
+        });
+        TTestExecNode::OnExecute("Reader", [this](TTestExecNode& node, int index, float) {
+            Read.push_back(node.ReadInput(0, index)[0]);
+        });
+        TTestExecNode::OnExecute("Ager", [this](TTestExecNode& node, int index, float) {
+            if (index == Dying)
+                node.KillParticle(index);
+        });
+        TErrorList errors;
+        Schedule.Create(Graph.GetGraph(), errors);
+        Exec.SetBirthsApart(birthsApart);
+        if (!Schedule.IsCreated() || !Exec.Init(Schedule, errors, true))
+            throw std::runtime_error("no engine");
+        while (Schedule.IsTriggerGroup(Group))
+            ++Group;
+        while (std::string(Schedule.GetAttributeName(Group, Mark)) != "Mark")
+            ++Mark;
+        if (Schedule.GetAttributeUsage(Group, Mark) != TU_EMITTER)
+            throw std::runtime_error("the mark is no value of birth");
+    }
+    ~TMarkBench()
+    {
+        Exec.Clear();
+        TTestExecNode::Reset();
+    }
+    // What the births of the next frame read.
+    std::vector<float> Emit(int count)
+    {
+        Due = count;
+        Exec.Update(0);
+        Due = 0;
+        return Read;
+    }
+    void Kill(int index)
+    {
+        Dying = index;
+        Exec.Update(0);
+        Dying = -1;
+    }
+    std::vector<float> Marks() const
+    {
+        std::vector<float> result;
+        for (int i = 0; i < Exec.GetNumParticles(Group); ++i)
+            result.push_back(*Exec.GetGroup(Group)->GetAttribute(Mark, TU_EMITTER, i));
+        return result;
+    }
+
+    TTestGraph Graph;
+    TFakeServices Services;
+    TEffectSchedule Schedule;
+    TEffectExec Exec;
+    int Group = 0;
+    int Mark = 0;
+    int Due = 0;
+    int Dying = -1;
+    float NextMark = 1;
+    std::vector<float> Read;
+};
+
+} // namespace
+
+TEST(TEffectExec, ParticlesBornTogetherReadTheLastOnesValueOfBirth)
+{
+    TMarkBench bench(false);
+    EXPECT_FALSE(bench.Exec.AreBirthsApart());
+    EXPECT_EQ(bench.Emit(3), (std::vector<float>{3, 3, 3}));
+    EXPECT_EQ(bench.Emit(2), (std::vector<float>{5, 5}));
+    EXPECT_EQ(bench.Marks(), (std::vector<float>{5, 5, 5, 5, 5}));
+}
+
+TEST(TEffectExec, WithBirthsApartEachParticleKeepsItsValueOfBirth)
+{
+    TMarkBench bench(true);
+    EXPECT_TRUE(bench.Exec.AreBirthsApart());
+    EXPECT_EQ(bench.Emit(3), (std::vector<float>{1, 2, 3}));
+    EXPECT_EQ(bench.Emit(2), (std::vector<float>{4, 5}));
+    EXPECT_EQ(bench.Marks(), (std::vector<float>{1, 2, 3, 4, 5}));
+    bench.Kill(1);
+    EXPECT_EQ(bench.Marks(), (std::vector<float>{1, 3, 4, 5}));
+}
+
+TEST(TEffectExec, WithBirthsApartTheLargestBirthHasItsPlaces)
+{
+    TMarkBench bench(true);
+    const std::vector<float> read = bench.Emit(150);
+    ASSERT_EQ(read.size(), 100u) << "the particle count";
+    EXPECT_EQ(read.front(), 1);
+    EXPECT_EQ(read.back(), 100);
+    // A store that is full takes the places of the oldest.
+    bench.Emit(30);
+    EXPECT_EQ(bench.Marks().front(), 31);
+    EXPECT_EQ(bench.Marks().back(), 130);
+    bench.Kill(99);
+    bench.Kill(0);
+    EXPECT_EQ(bench.Marks().front(), 32);
+    EXPECT_EQ(bench.Marks().back(), 129);
+    EXPECT_EQ(bench.Marks().size(), 98u);
+}
+
+TEST(TEffectExec, BirthsApartHoldsFromTheNextInitOn)
+{
+    TMarkBench bench(false);
+    bench.Exec.SetBirthsApart(true);
+    EXPECT_EQ(bench.Emit(2), (std::vector<float>{2, 2}));
+    TErrorList errors;
+    ASSERT_TRUE(bench.Exec.Init(bench.Schedule, errors, true));
+    EXPECT_EQ(bench.Emit(2), (std::vector<float>{3, 4}));
+}

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "particles/cindermill/graph/replay/replaycall.h"
+
+// Ends with a null name.
+extern const TReplayCommandName MathsCommands[];
