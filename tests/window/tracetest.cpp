@@ -122,7 +122,6 @@ TEST_F(ProgramTrace, IsOpenedReadAndClosedBesideARunningEffect)
     ASSERT_TRUE(Screen.WaitUntilStill(GetTrace()));
 
     // Another particle has another history, and the first one's is kept.
-    const TPicture first = Screen.Grab(GetTrace());
     const auto type = [&](const char* number) {
         ClickTrace(ParticleX, ParticleY);
         Screen.Key("ctrl+a");
