@@ -237,7 +237,7 @@ TChunkFile::TRemoval::~TRemoval()
         File.CloseGaps();
 }
 
-void TChunkFile::CloseGaps()
+void TChunkFile::CloseGaps() const
 {
     if (NumGaps == 0)
         return;

@@ -52,7 +52,8 @@ public:
     // Gives ownership back.
     void RemoveChunk(TChunk* chunk);
     // Whoever removes many chunks keeps one of these meanwhile: the chunks behind move up once, at its end,
-    // and not at each removal. Until then positions have gaps.
+    // and not at each removal. Until then, or until somebody asks for all chunks, ChunkIdx counts the removed
+    // ones.
     class TRemoval
     {
     public:
@@ -67,12 +68,12 @@ public:
     void GetChunksOfClass(uint32_t nameId, vector<TChunk*>& result);
     int GetNumChunks() const
     {
-        ASSERT(NumGaps == 0);
+        CloseGaps();
         return Chunks.size();
     }
     TChunk* GetChunkAt(int i) const
     {
-        ASSERT(NumGaps == 0);
+        CloseGaps();
         return Chunks[i];
     }
     // Bytes that Save would write.
@@ -143,14 +144,15 @@ private:
     bool WriteAll();
     bool WriteTable();
     bool WriteBodies();
-    void CloseGaps();
+    void CloseGaps() const;
     void SortByDependencies();
     void DeleteChunks();
 
-    vector<TChunk*> Chunks;
+    // The gaps close when somebody asks for all chunks.
+    mutable vector<TChunk*> Chunks;
     bool Failed = false;
     int NumRemovals = 0;
     // Null pointers among the chunks, and where the first one stands.
-    int NumGaps = 0;
+    mutable int NumGaps = 0;
     int FirstGap = 0;
 };
