@@ -45,8 +45,32 @@ public:
         ExportInto(Exec, file, error);
         if (!error.empty())
             return false;
+        for (int g = 0; g < file.GetGroups().size(); ++g)
+            IsRounded = IsRounded ||
+                        (!file.GetGroups()[g].IsTriggerGroup &&
+                         file.GetGroups()[g].ParticleCount != Document.GetSchedule().GetParticleCount(g));
         TEffectReplay replay(file, Document.GetSchedule());
         return AssertionOf([&] { agreement = TReplayComparison(Exec, replay).Run(frames, 0.02f); }).empty();
+    }
+    // Whether preview and console start or end from different numbers, as they are told to: a store that is
+    // rounded up, a clock that several places share, a value that the trigger group works on in place.
+    bool DiffersAsTold() const
+    {
+        const TEffectSchedule& schedule = Document.GetSchedule();
+        bool differs = IsRounded;
+        std::map<int, int> places;
+        for (int g = 0; g < schedule.GetNumGroups(); ++g) {
+            const bool isTriggerGroup = schedule.IsTriggerGroup(g);
+            for (const TTiedNode& tied : schedule.GetGroup(g).TiedNodes) {
+                const std::string name = schedule.GetNode(tied.Node)->GetNodeType()->ClassName.Print();
+                const bool isClock = name == "TEmitter" || name == "TEffect";
+                differs = differs || (isClock && (!isTriggerGroup || ++places[tied.Node] > 1));
+                for (int o = 0; isTriggerGroup && o < tied.Outputs.size(); ++o)
+                    differs =
+                        differs || (tied.Outputs[o] != -1 && tied.Inputs.index_of(tied.Outputs[o]) != -1);
+            }
+        }
+        return differs;
     }
     // The names of the classes in the effect.
     std::set<std::string> Classes() const
@@ -61,6 +85,7 @@ private:
     TDocument& Document;
     TSampleServices Services;
     TEffectExec Exec;
+    bool IsRounded = false;
 };
 
 // The console knows no grid, noise, volume or animation path: what hangs on them differs.
@@ -103,7 +128,7 @@ TEST(DocumentReplay, SamplesAgreeButForWhatIsNotExported)
 TEST(DocumentReplay, RandomEffectsAgreeButForWhatIsNotExported)
 {
     const char* many = std::getenv("CINDERMILL_RANDOM_GRAPHS");
-    const uint32_t count = many != nullptr ? static_cast<uint32_t>(std::atoi(many)) : 50;
+    const uint32_t count = many != nullptr ? static_cast<uint32_t>(std::atoi(many)) : 100;
     TTestApp app;
     const TQuiet quiet;
     int agreeing = 0;
@@ -117,7 +142,7 @@ TEST(DocumentReplay, RandomEffectsAgreeButForWhatIsNotExported)
         graph.Build(static_cast<int>(seed % 30));
         TDocumentReplay replay(document);
         TAgreement agreement;
-        if (!replay.Run(20, agreement) || !IsExportedWhole(replay.Classes()))
+        if (!replay.Run(20, agreement) || !IsExportedWhole(replay.Classes()) || replay.DiffersAsTold())
             continue;
         EXPECT_EQ(agreement.Differences, std::vector<std::string>());
         agreeing += agreement.Equal > 0 ? 1 : 0;
