@@ -104,8 +104,12 @@ void TNodeAnimationParameterControls::Choose()
 {
     vector<TFileFilter> filters;
     filters.push_back(TFileFilter{"*.vori", "*.vori"});
+    // The next file mostly lies beside the one before.
     TString path;
-    if (OpenFileChooser("Select animation to load", filters, nullptr, path))
+    TString directory;
+    if (GetLocator().FindKnown(GetAnimation().GetFileName(), path))
+        directory.SetDirectory(path);
+    if (OpenFileChooser("Select animation to load", filters, directory, path))
         TakeFile(path);
 }
 

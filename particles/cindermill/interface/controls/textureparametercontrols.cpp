@@ -114,8 +114,12 @@ void TNodeTextureParameterControls::Choose()
 {
     vector<TFileFilter> filters;
     filters.push_back(TFileFilter{"KZ5 textures (*.dds;*.hvt)", "*.dds;*.hvt"});
+    // The next file mostly lies beside the one before.
     TString path;
-    if (OpenFileChooser("Select texture to load", filters, nullptr, path))
+    TString directory;
+    if (GetLocator().FindKnown(GetTexture().GetFileName(), path))
+        directory.SetDirectory(path);
+    if (OpenFileChooser("Select texture to load", filters, directory, path))
         TakeFile(path);
 }
 

@@ -170,6 +170,21 @@ TEST_F(TextureGroup, TheButtonOpensTheChooser)
     EXPECT_EQ(Told(), TTexts{});
 }
 
+TEST_F(TextureGroup, TheChooserStartsWhereTheFileLies)
+{
+    const std::string path = MakePicture("fire.dds", 32, 16);
+    Pick(path);
+    TAnswers::Get().Asked.clear();
+    Pick("");
+    ASSERT_EQ(TAnswers::Get().Asked.size(), 1u);
+    const std::string& asked = TAnswers::Get().Asked[0];
+    ASSERT_NE(asked.find(" in "), std::string::npos) << asked;
+    TString directory;
+    directory.SetDirectory(Kept(path).c_str());
+    EXPECT_EQ(asked.substr(asked.find(" in ") + 4), Text(directory));
+    EXPECT_EQ(NumOps(), 1);
+}
+
 TEST_F(TextureGroup, AChosenFileIsNamedShownAndOneStep)
 {
     const std::string path = MakePicture("fire.dds", 32, 16);
@@ -361,6 +376,18 @@ TEST_F(AnimationGroup, TheButtonOpensTheChooser)
     Pick("");
     EXPECT_EQ(TAnswers::Get().Asked, TTexts{"Select animation to load|*.vori|*.vori"});
     EXPECT_EQ(NumOps(), 0);
+}
+
+TEST_F(AnimationGroup, TheChooserStartsWhereTheFileLies)
+{
+    Pick(Animation());
+    TAnswers::Get().Asked.clear();
+    Pick("");
+    ASSERT_EQ(TAnswers::Get().Asked.size(), 1u);
+    TString directory;
+    directory.SetDirectory(Kept(Animation()).c_str());
+    EXPECT_EQ(TAnswers::Get().Asked[0], "Select animation to load|*.vori|*.vori in " + Text(directory));
+    EXPECT_EQ(NumOps(), 1);
 }
 
 TEST_F(AnimationGroup, AChosenFileIsNamedAndOneStep)
