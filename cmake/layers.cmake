@@ -54,12 +54,13 @@ set(CINDERMILL_DISPLAY_SECONDS 7200)
 set(CINDERMILL_DISPLAY_ENVIRONMENT
     "LSAN_OPTIONS=suppressions='${PROJECT_SOURCE_DIR}/tests/support/systemleaks.txt':print_suppressions=0")
 
-# cindermill_test(FOLDER [DISPLAY] [APART] [LINKS folder...] [PACKAGES target...])
+# cindermill_test(FOLDER [DISPLAY] [APART] [RELEASED filter] [LINKS folder...] [PACKAGES target...])
 #   all of tests/FOLDER/*.cpp as one GoogleTest program, each test known to CTest by its own name. With DISPLAY
 #   the program runs whole, as one test of CTest, on a display of its own. Under the sanitizers every program runs
-#   whole, as thousands of starts of one take longer than its tests; those with APART, whose tests are long, do not.
+#   whole, as thousands of starts of one take longer than its tests; those with APART, whose tests are long, do not,
+#   and leave out the tests of the RELEASED filter, which would take minutes each.
 function(cindermill_test folder)
-    cmake_parse_arguments(arg "DISPLAY;APART" "" "LINKS;PACKAGES" ${ARGN})
+    cmake_parse_arguments(arg "DISPLAY;APART" "RELEASED" "LINKS;PACKAGES" ${ARGN})
     cindermill_layer_name("${folder}" name)
     file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp"
          "${PROJECT_SOURCE_DIR}/tests/${folder}/*.h")
@@ -88,7 +89,11 @@ function(cindermill_test folder)
                              ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
         return()
     endif()
-    gtest_discover_tests(test-${name} DISCOVERY_TIMEOUT 600
+    set(filter)
+    if(CINDERMILL_SANITIZE AND arg_RELEASED)
+        set(filter TEST_FILTER "-${arg_RELEASED}")
+    endif()
+    gtest_discover_tests(test-${name} DISCOVERY_TIMEOUT 600 ${filter}
                          PROPERTIES TIMEOUT ${CINDERMILL_TEST_SECONDS}
                          ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
 endfunction()
