@@ -44,6 +44,9 @@ static void OnStartMessage(QtMsgType type, const QMessageLogContext&, const QStr
 
 static void ShowAssertBox(const char* title, const char* text)
 {
+    // Windows belong to the main thread, which may wait for this one. The debug output has the text.
+    if (QThread::currentThread() != QCoreApplication::instance()->thread())
+        return;
     if (QWidget* grabber = QWidget::mouseGrabber())
         grabber->releaseMouse();
     QMessageBox box(QMessageBox::Warning, ToQt(title), QString(), QMessageBox::Ok);

@@ -87,6 +87,7 @@ public:
     bool Write(int file, const TCrash& crash, TCoreContents contents);
 
 private:
+    void TakeThreads();
     size_t GetThreadNotesSize(const TThreadState& thread) const;
     size_t GetFileNoteSize() const;
     size_t GetNotesSize() const;
@@ -105,6 +106,8 @@ private:
 
     int File;
     const TCrash* Crash;
+    const TThreadState* Threads[TThreadStopper::MaxThreads];
+    int NumThreads;
     TCoreRanges Ranges;
     size_t AuxiliarySize;
     char Auxiliary[4096];
@@ -113,6 +116,23 @@ private:
 
 // Too large for the stack of a handler.
 TCoreFile CoreFile;
+
+// Once: a thread may answer late, or fail itself, when the notes have their size already. Of two answers of
+// one thread the later one counts.
+void TCoreFile::TakeThreads()
+{
+    NumThreads = 0;
+    for (int i = 0; i < Crash->Others.GetCount(); ++i) {
+        const TThreadState* state = Crash->Others.Get(i);
+        if (state == nullptr)
+            continue;
+        int place = 0;
+        while (place < NumThreads && Threads[place]->Id != state->Id)
+            ++place;
+        Threads[place] = state;
+        NumThreads = std::max(NumThreads, place + 1);
+    }
+}
 
 size_t TCoreFile::GetThreadNotesSize(const TThreadState& thread) const
 {
@@ -136,9 +156,8 @@ size_t TCoreFile::GetNotesSize() const
     size_t size = GetThreadNotesSize(Crash->Failure.Thread) + GetNoteSize(sizeof(elf_prpsinfo)) +
                   GetNoteSize(sizeof(siginfo_t)) + GetNoteSize(AuxiliarySize) +
                   GetNoteSize(GetFileNoteSize());
-    for (int i = 0; i < Crash->Others.GetCount(); ++i)
-        if (const TThreadState* state = Crash->Others.Get(i))
-            size += GetThreadNotesSize(*state);
+    for (int i = 0; i < NumThreads; ++i)
+        size += GetThreadNotesSize(*Threads[i]);
     return size;
 }
 
@@ -146,6 +165,7 @@ bool TCoreFile::Write(int file, const TCrash& crash, TCoreContents contents)
 {
     File = file;
     Crash = &crash;
+    TakeThreads();
     Ranges.Take(crash, contents);
     AuxiliarySize = ReadSmallFile("/proc/self/auxv", Auxiliary, sizeof(Auxiliary));
     const size_t notes =
@@ -221,11 +241,9 @@ void TCoreFile::WriteNotes(TCrashWriter& out) const
     WriteNote(out, NT_AUXV, Auxiliary, AuxiliarySize);
     WriteFiles(out);
     WriteThreadFloats(out, failure.Thread);
-    for (int i = 0; i < Crash->Others.GetCount(); ++i) {
-        if (const TThreadState* state = Crash->Others.Get(i)) {
-            WriteThreadStatus(out, *state);
-            WriteThreadFloats(out, *state);
-        }
+    for (int i = 0; i < NumThreads; ++i) {
+        WriteThreadStatus(out, *Threads[i]);
+        WriteThreadFloats(out, *Threads[i]);
     }
 }
 

@@ -22,11 +22,10 @@
 // - storage that was there before: static objects, and a stack of its own (TSignalStack) that holds no large
 // objects;
 // - system calls and what the system's manual lists as safe in a signal handler: open, read, write, close,
-// unlink,
-//   mkdir, lseek, ftruncate, fsync, fstat, time, getpid, sigaction, sigprocmask, raise, and the functions of
-//   memory and strings without a locale. Calls that the list leaves out (futex, tgkill, getdents64,
-//   process_vm_readv, gettid, arch_prctl, getrlimit, pipe2) go to the system without anything of the library
-//   in between that locks or allocates;
+//   unlink, mkdir, lseek, ftruncate, fsync, stat, fstat, time, getpid, getppid, getuid, getgid, pause,
+//   sigaction, sigprocmask, raise, and the functions of memory and strings without a locale. Calls that the
+//   list leaves out (futex, tgkill, getdents64, process_vm_readv, pread, gettid, arch_prctl, getrlimit,
+//   pipe2) go to the system without anything of the library in between that locks or allocates;
 // - memory that is not known to be good only through the system (ReadMemory, and write), which answers with
 // an error;
 // - formatting of its own (TCrashWriter): printf may allocate and takes locks.
@@ -74,34 +73,19 @@ void Raise(int signal)
     syscall(SYS_tgkill, getpid(), GetThread(), signal);
 }
 
-// A pipe that nobody reads, or a disc that is full, must not end the report.
-class TWritesFail
+// A pipe that nobody reads, or a disc that is full, must not end the report, nor what is said after it. The
+// program ends soon: nobody needs the old actions.
+void LetWritesFail()
 {
-public:
-    TWritesFail()
-    {
-        struct sigaction ignore = {};
-        ignore.sa_handler = SIG_IGN;
-        for (int i = 0; i < NumIgnored; ++i)
-            sigaction(Ignored[i], &ignore, &Old[i]);
-    }
-    ~TWritesFail()
-    {
-        for (int i = 0; i < NumIgnored; ++i)
-            sigaction(Ignored[i], &Old[i], nullptr);
-    }
-    TWritesFail(const TWritesFail&) = delete;
-    TWritesFail& operator=(const TWritesFail&) = delete;
-
-private:
-    static constexpr int NumIgnored = 2;
-    static constexpr int Ignored[NumIgnored] = {SIGXFSZ, SIGPIPE};
-    struct sigaction Old[NumIgnored];
-};
+    struct sigaction ignore = {};
+    ignore.sa_handler = SIG_IGN;
+    sigaction(SIGXFSZ, &ignore, nullptr);
+    sigaction(SIGPIPE, &ignore, nullptr);
+}
 
 void Report(const siginfo_t& info, const ucontext_t& context)
 {
-    const TWritesFail writesFail;
+    LetWritesFail();
     TFailure& failure = Crash.Failure;
     failure.Info = info;
     failure.Thread.Take(context);
@@ -145,6 +129,14 @@ void OnTerminate()
     EndBySignal(SIGABRT);
 }
 
+// Whoever started the program may have it survive its terminal. A fault the system never ignores.
+bool IsLeftAlone(int signal)
+{
+    struct sigaction now = {};
+    return (signal == SIGQUIT || signal == SIGXCPU) && sigaction(signal, nullptr, &now) == 0 &&
+           now.sa_handler == SIG_IGN;
+}
+
 bool IsTraced()
 {
     char status[4096];
@@ -168,7 +160,8 @@ bool InstallCrashHandler(TCrashReporter reporter)
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     sigfillset(&action.sa_mask);
     for (int signal : Signals)
-        sigaction(signal, &action, nullptr);
+        if (!IsLeftAlone(signal))
+            sigaction(signal, &action, nullptr);
     OldTerminate = std::set_terminate(OnTerminate);
     return true;
 }
@@ -185,6 +178,7 @@ void ReportCrash(TFailureKind kind, const char* text)
             pause();
     }
     Request = TRequest{true, kind, text};
+    LetWritesFail();
     WriteDebug("raising exception\r\n");
     Unblock(SIGABRT);
     Raise(SIGABRT);

@@ -9,6 +9,8 @@
 class TThreadStopper
 {
 public:
+    static constexpr int MaxThreads = 1024;
+
     // Stops them; those that do not answer to signals are told of as far as the system does.
     void Stop();
     // They go on.
@@ -31,8 +33,6 @@ private:
     int AddSlot();
     void Add(const ucontext_t& context);
     void WaitWhileHeld();
-
-    static constexpr int MaxThreads = 1024;
 
     // Apart, so that the large ones are not touched before they are needed.
     TThreadState States[MaxThreads];

@@ -253,8 +253,9 @@ void RemoveReport(const char* folder)
 // A report that is not whole is better than none.
 void OnCrash(const TCrash& crash)
 {
-    TellAccess(crash.Failure);
     const TWritten beside = WriteReport(Facts.ProgramFolder, crash);
+    if (beside != W_NOTHING)
+        TellAccess(crash.Failure);
     if (beside == W_WHOLE && WriteDump(Facts.ProgramFolder, crash))
         return;
     MakeCrashFolder(Facts.StateFolder);
@@ -269,6 +270,8 @@ void OnCrash(const TCrash& crash)
         WriteDebug("Error creating exception report\r\n");
         return;
     }
+    if (beside == W_NOTHING)
+        TellAccess(crash.Failure);
     WriteDump(apart == W_NOTHING ? Facts.ProgramFolder : Facts.StateFolder, crash);
 }
 

@@ -26,14 +26,15 @@ void TAttributeTrace::Init(int particles, int entries, int width)
 // Most ports are never watched, so the room is taken with the first entry.
 void TAttributeTrace::Allocate()
 {
-    const int64_t floats = static_cast<int64_t>(NumParticles) * NumEntries;
-    ASSERT_TEXT_MSG(floats <= MaxTraceBytes / (4 * MaxValueFloats), "floats <= MaxTraceBytes",
+    constexpr int positionBytes = 8;
+    const int64_t slotBytes = static_cast<int64_t>(NumEntries) * AtLeastOne(Width) * 4 + positionBytes;
+    ASSERT_TEXT_MSG(NumParticles <= MaxTraceBytes / slotBytes, "bytes <= MaxTraceBytes",
                     "The attribute trace needs too much memory");
     WritePos.resize(NumParticles);
     ReadPos.resize(NumParticles);
     for (int& pos : ReadPos)
         pos = -1;
-    Entries.resize(static_cast<int>(floats) * Width);
+    Entries.resize(NumParticles * NumEntries * Width);
 }
 
 int TAttributeTrace::GetReadPos(int slot) const

@@ -218,7 +218,8 @@ void TOutputGraph::DrawLines(TGDIContext& context, const TTracePlot& plot) const
     context.SetPen(LineColour);
     context.SetTextColour(ValueColour);
     for (const TTracePlot::TLine& line : lines) {
-        context.Line(plot.GetLeft(), line.Y, plot.GetRight(), line.Y);
+        if (line.Y >= plot.GetTop() && line.Y <= plot.GetBottom())
+            context.Line(plot.GetLeft(), line.Y, plot.GetRight(), line.Y);
         TString text;
         text.Format("%.2f", line.Value);
         int textWidth = 0;

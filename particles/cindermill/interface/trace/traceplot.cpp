@@ -65,8 +65,6 @@ void TTracePlot::GetLines(vector<TLine>& lines) const
     for (double k = std::trunc(Min / step); k <= last; ++k) {
         // A zero has no sign.
         const double value = k * step + 0.0;
-        const double y = GetY(value);
-        if (y >= MarginTop && y <= Bottom)
-            lines.push_back(TLine{value, static_cast<int>(std::floor(y + 0.5))});
+        lines.push_back(TLine{value, static_cast<int>(std::floor(GetY(value) + 0.5))});
     }
 }

@@ -35,7 +35,8 @@ public:
     int GetEntry(double x) const;
     // From one level line to the next: 1 or 1.5 times a power of two; 0 for no lines.
     float GetStep() const;
-    // Those that lie within the plot, the lowest value first.
+    // The lowest value first. The first and the last may lie just outside the plot: then only their numbers
+    // are to be seen, as far as there is room beside it.
     void GetLines(vector<TLine>& lines) const;
 
 private:

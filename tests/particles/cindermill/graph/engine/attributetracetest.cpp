@@ -73,6 +73,22 @@ TEST(TAttributeTrace, ASecondInitStops)
     EXPECT_EQ(AssertionOf([&] { bench.Trace.Init(1, 3, 1); }), "Entries == 0");
 }
 
+// What counts is the width of the values kept, not that of the widest there are.
+TEST(TAttributeTrace, ATraceTakesUpToAGibibyte)
+{
+    constexpr int fifth = 50000000;
+    TTraceBench narrow(1, fifth, 1);
+    narrow.Add({1});
+    EXPECT_EQ(narrow.Trace.GetNumEntries(0), 1);
+    const char* refused = "bytes <= MaxTraceBytes : The attribute trace needs too much memory";
+    TTraceBench wide(1, fifth, 6);
+    EXPECT_EQ(AssertionOf([&] { wide.Add({1, 2, 3, 4, 5, 6}); }), refused);
+    TTraceBench whole(1, 1 << 28, 1);
+    EXPECT_EQ(AssertionOf([&] { whole.Add({1}); }), refused);
+    TTraceBench slots(1 << 27, 1, 1);
+    EXPECT_EQ(AssertionOf([&] { slots.Add({1}); }), refused);
+}
+
 TEST(TAttributeTrace, RangeTakesTheMaskedComponents)
 {
     TTraceBench bench(1, 2, 3);

@@ -101,8 +101,8 @@ TEST(TTracePlot, TheStepIsOneOrOneAndAHalfTimesAPowerOfTwo)
 TEST(TTracePlot, LinesStandAtWholeSteps)
 {
     EXPECT_EQ(ValuesOf(MakePlot(9, 0, 6)), (std::vector<double>{0, 1, 2, 3, 4, 5, 6}));
-    EXPECT_EQ(ValuesOf(MakePlot(9, 0.5f, 6.5f)), (std::vector<double>{1, 2, 3, 4, 5, 6}));
-    EXPECT_EQ(ValuesOf(MakePlot(9, -2.5f, 3.5f)), (std::vector<double>{-2, -1, 0, 1, 2, 3}));
+    EXPECT_EQ(ValuesOf(MakePlot(9, 0.5f, 6.5f)), (std::vector<double>{0, 1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_EQ(ValuesOf(MakePlot(9, -2.5f, 3.5f)), (std::vector<double>{-2, -1, 0, 1, 2, 3, 4}));
     vector<TTracePlot::TLine> lines;
     MakePlot(9, 0, 6).GetLines(lines);
     EXPECT_EQ(lines[0].Y, 190);
