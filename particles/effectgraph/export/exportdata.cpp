@@ -197,8 +197,12 @@ void TExportData::PassRest(int inputPort, int outputPort, int start)
     const bool converts = ConvertsInput(inputPort) || ConvertsOutput(outputPort);
     const int in = Rows->FindInput(inputPort);
     // What stays in its place needs nothing.
-    if (converts && in != Rows->FindOutput(outputPort))
-        PassThrough(inputPort, outputPort, start, -1, start);
+    if (!converts || in == Rows->FindOutput(outputPort))
+        return;
+    // What is passed on is no output of the node's own command.
+    if (Pending.HasCommand())
+        FlushCommand();
+    PassThrough(inputPort, outputPort, start, -1, start);
 }
 
 // A value that is known now, in a row of the attribute itself.

@@ -2,14 +2,22 @@
 
 #include "library/containers/nametocrc.h"
 
+#include <cstring>
+
 namespace {
 constexpr int LengthRows = 3;
+
+// Also of what is no number; zeros differ in their sign.
+bool IsSame(float a, float b)
+{
+    return std::memcmp(&a, &b, sizeof(a)) == 0;
+}
 } // namespace
 
 uint32_t TRowMaker::GetConstant(float value)
 {
     for (const TConstant& constant : Constants)
-        if (constant.Value == value)
+        if (IsSame(constant.Value, value))
             return constant.Row;
     const TConstant constant{value, AllocTemp()};
     Constants.push_back(constant);

@@ -73,8 +73,8 @@ public:
     int GetTail() const { return Tail; }
 
 private:
-    // Returns the bytes of a vertex in the stream.
     bool IsAtNoParticle(int usage) const { return Firing && usage == TU_EMITTER; }
+    // Returns the bytes of a vertex in the stream.
     int LayOut(const TEffectSchedule& schedule, int group, vector<TVertexStream::TElement>& elements);
     void Allocate(const TEffectSchedule& schedule, int group, int streamStride);
     int Wrap(int position) const;

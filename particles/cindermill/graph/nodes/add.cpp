@@ -27,4 +27,5 @@ void TAdd::Export(TExportData& exportData, TErrorList&)
         exportData.AddConvertedInput(1, otherType, type, c);
         exportData.AddOutput(0, c, 1);
     }
+    ExportRest(exportData);
 }

@@ -12,4 +12,12 @@ void TComponentMaths::ExportComponents(TExportData& exportData, const char* comm
         exportData.AddInput(1, c % otherCount, 1);
         exportData.AddOutput(0, c, 1);
     }
+    ExportRest(exportData);
+}
+
+void TComponentMaths::ExportRest(TExportData& exportData) const
+{
+    const int count = GetTypeFloats(GetInputType(0));
+    if (exportData.ConvertsInput(0) && count < GetTypeFloats(GetNodeType()->GetInputType(0)))
+        exportData.PassThrough(0, 0, count, -1, count);
 }

@@ -34,4 +34,14 @@ void TRandomEmitter::Export(TExportData& exportData, TErrorList&)
         exportData.AddInput(1, c, 1);
         exportData.AddOutput(0, c, 1);
     }
+    // Where a wire gives fewer components than the port has, the others are 0.
+    const int rest = GetTypeFloats(GetNodeType()->GetOutputType(0)) - count;
+    if (!exportData.ConvertsInput(0) || rest <= 0)
+        return;
+    TDataBlock zeros;
+    for (int c = 0; c < rest; ++c)
+        AppendFloat(zeros, 0);
+    exportData.SetData(zeros);
+    exportData.SetCommand("IdConstantEmitter", 0);
+    exportData.AddOutput(0, count, rest);
 }
