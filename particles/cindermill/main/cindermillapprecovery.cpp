@@ -64,11 +64,9 @@ void TCindermillApp::Restore(const vector<TLostEffect>& lost)
 {
     for (const TLostEffect& effect : lost) {
         TString fault;
-        TDocument* document = MakeDocument(effect.Note.Path.Print(), effect.File, fault);
+        const TDocument* document = MakeDocument(effect.Note.Path.Print(), effect.File, fault);
         if (document != nullptr) {
-            // What was written to it since, by whomever, must not go without a question.
-            if (effect.Note.FileSize >= 0)
-                document->SetStamp(effect.Note.FileSize, effect.Note.FileHash);
+            Autosave.OnRestored(*document, effect.File);
         } else if (!fault.IsEmpty()) {
             TDamagedEffect damaged;
             damaged.Fault = fault;
