@@ -71,6 +71,8 @@ struct TExpectedReport
     // "" for none.
     std::string Access;
     bool HasStack = true;
+    // The stack has come to its end: the stack pointer lies in its last page or below it.
+    bool IsStackFull = false;
     bool HasCode = true;
 };
 void ExpectReport(const std::string& path, const TExpectedReport& expected);

@@ -84,7 +84,7 @@ TEST_F(CrashReport, WithoutAnAddressNoneIsTold)
 TEST_F(CrashReport, TheEndOfTheStackIsNoAccessViolation)
 {
     TExpectedReport expected = Expected("a Stack Overflow", SIGSEGV);
-    expected.HasStack = false;
+    expected.IsStackFull = true;
     for (const char* way : {"recursion", "large-frame", "thread-recursion"}) {
         const TEnd end = Fail(way, expected);
         EXPECT_EQ(Count(end.Output, "Exception handler"), 0u) << end.Output;
