@@ -153,7 +153,7 @@ bool InstallCrashHandler(TCrashReporter reporter)
         return false;
     Reporter = reporter;
     // It lasts as long as the main thread.
-    static const TSignalStack& stack = *new TSignalStack;
+    static const TSignalStack stack;
     static_cast<void>(stack);
     struct sigaction action = {};
     action.sa_sigaction = OnSignal;
