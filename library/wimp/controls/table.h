@@ -1,7 +1,7 @@
 #pragma once
 
 #include "library/containers/string.h"
-#include "library/wimp/controls/scrollbar.h"
+#include "library/wimp/controls/scrollbarcontrol.h"
 #include "library/wimp/wimp.h"
 #include "library/wimp/window.h"
 
@@ -93,7 +93,7 @@ private:
     TPane Header;
     TPane Labels;
     TPane Main;
-    TScrollBar Bar;
+    TScrollBarControl Bar;
     // The column that is being dragged wider, or -1; where its border was taken hold of.
     int DraggedColumn = -1;
     int GrabOffset = 0;

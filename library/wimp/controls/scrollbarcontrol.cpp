@@ -1,4 +1,4 @@
-#include "library/wimp/controls/scrollbar.h"
+#include "library/wimp/controls/scrollbarcontrol.h"
 
 #include "library/wimp/windowpeer.h"
 
@@ -10,7 +10,7 @@ static QScrollBar* BarOf(TWindowHandle handle)
     return qobject_cast<QScrollBar*>(handle);
 }
 
-bool TScrollBar::Create(TWindow* owner, int id, const char* name)
+bool TScrollBarControl::Create(TWindow* owner, int id, const char* name)
 {
     if (owner == nullptr || owner->GetHandle() == nullptr)
         return false;
@@ -23,7 +23,7 @@ bool TScrollBar::Create(TWindow* owner, int id, const char* name)
     return true;
 }
 
-void TScrollBar::SetRange(int whole, int page, int line)
+void TScrollBarControl::SetRange(int whole, int page, int line)
 {
     const QSignalBlocker quiet(GetHandle());
     QScrollBar* bar = BarOf(GetHandle());
@@ -34,20 +34,20 @@ void TScrollBar::SetRange(int whole, int page, int line)
     bar->setSingleStep(line);
 }
 
-void TScrollBar::SetPosition(int position)
+void TScrollBarControl::SetPosition(int position)
 {
     const QSignalBlocker quiet(GetHandle());
     if (QScrollBar* bar = BarOf(GetHandle()))
         bar->setValue(position);
 }
 
-int TScrollBar::GetPosition() const
+int TScrollBarControl::GetPosition() const
 {
     const QScrollBar* bar = BarOf(GetHandle());
     return bar != nullptr ? bar->value() : 0;
 }
 
-int TScrollBar::GetHeight() const
+int TScrollBarControl::GetHeight() const
 {
     return GetHandle() != nullptr ? GetHandle()->sizeHint().height() : 0;
 }

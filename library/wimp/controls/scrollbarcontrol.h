@@ -3,7 +3,7 @@
 #include "library/wimp/wimpcontrol.h"
 
 // A scroll bar that lies; reports code 12 when a person moves it.
-class TScrollBar : public TWimpControl
+class TScrollBarControl : public TWimpControl
 {
 public:
     bool Create(TWindow* owner, int id, const char* name);
