@@ -58,3 +58,22 @@ bool TFileStamp::HasChanged(const char* path) const
     return Device != now.Device || Node != now.Node || Seconds != now.Seconds ||
            Nanoseconds != now.Nanoseconds;
 }
+
+bool TFileStamp::GetContent(int64_t& size, uint64_t& hash) const
+{
+    if (!IsTaken || !HasContent)
+        return false;
+    size = Size;
+    hash = Content;
+    return true;
+}
+
+void TFileStamp::SetContent(const char* path, int64_t size, uint64_t hash)
+{
+    *this = TFileStamp();
+    Path = path;
+    IsTaken = true;
+    Size = size;
+    HasContent = true;
+    Content = hash;
+}

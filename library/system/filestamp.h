@@ -16,6 +16,9 @@ public:
     // Whether the file at the path is another than it was. A file that is gone has not changed, and nothing
     // is known of a path that the stamp was not taken of.
     bool HasChanged(const char* path) const;
+    // What the file held, for a stamp that another process sets. False where nothing is known of it.
+    bool GetContent(int64_t& size, uint64_t& hash) const;
+    void SetContent(const char* path, int64_t size, uint64_t hash);
 
 private:
     void TakeContent(const char* path);

@@ -3,6 +3,7 @@
 #include "library/system/path.h"
 
 #include <errno.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -56,6 +57,11 @@ bool RemoveFile(const char* path)
 bool MoveFile(const char* from, const char* to)
 {
     return rename(SystemPath(from).Print(), SystemPath(to).Print()) == 0;
+}
+
+bool TouchFile(const char* path)
+{
+    return utimensat(AT_FDCWD, SystemPath(path).Print(), nullptr, 0) == 0;
 }
 
 bool GetFileTime(const char* path, int64_t& time)

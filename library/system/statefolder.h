@@ -14,5 +14,7 @@ bool MakeFolders(const char* path);
 bool RemoveFile(const char* path);
 // Within one file system. What stands at the new place goes.
 bool MoveFile(const char* from, const char* to);
+// As if the file had been written now.
+bool TouchFile(const char* path);
 // When the file was written last: seconds since the epoch, in UTC.
 bool GetFileTime(const char* path, int64_t& time);

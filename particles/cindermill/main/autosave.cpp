@@ -67,6 +67,8 @@ void TAutosave::SaveModified(const vector<TDocument*>& documents)
 {
     if (!Store.IsOpen())
         return;
+    // What could not be written is still to be written.
+    SettleOutcomes();
     for (TDocument* document : documents) {
         TEntry& entry = GetEntry(*document);
         if (IsChanged(entry) && !document->IsInStep())
@@ -86,6 +88,7 @@ void TAutosave::Save(TDocument& document, TEntry& entry)
     TRecoveryNote note;
     note.Path = document.GetPath();
     note.Time = GetWallTime();
+    document.GetStamp().GetContent(note.FileSize, note.FileHash);
     vector<uint8_t> effect;
     if (entry.File.IsEmpty() && !Store.MakeName(note.Path, entry.File))
         entry.Fault = GetSystemErrorText(errno);

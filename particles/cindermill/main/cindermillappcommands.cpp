@@ -210,6 +210,9 @@ TDocument* TCindermillApp::MakeDocument(const char* path, const char* recovery, 
                                           : document->New();
     if (made) {
         Documents.push_back(document);
+        // Before the notes: the system may end the program while they are shown.
+        if (recovery != nullptr)
+            Autosave.OnRestored(*document, recovery);
         if (!document->GetLoadNotes().empty())
             DisplayErrors("Load errors", document->GetLoadNotes());
         return document;

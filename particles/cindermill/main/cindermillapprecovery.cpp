@@ -64,9 +64,11 @@ void TCindermillApp::Restore(const vector<TLostEffect>& lost)
 {
     for (const TLostEffect& effect : lost) {
         TString fault;
-        const TDocument* document = MakeDocument(effect.Note.Path.Print(), effect.File, fault);
+        TDocument* document = MakeDocument(effect.Note.Path.Print(), effect.File, fault);
         if (document != nullptr) {
-            Autosave.OnRestored(*document, effect.File);
+            // What was written to it since, by whomever, must not go without a question.
+            if (effect.Note.FileSize >= 0)
+                document->SetStamp(effect.Note.FileSize, effect.Note.FileHash);
         } else if (!fault.IsEmpty()) {
             TDamagedEffect damaged;
             damaged.Fault = fault;

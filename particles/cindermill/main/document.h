@@ -57,6 +57,9 @@ public:
     const TString& GetSaveError() const { return SaveError; }
     // Whether another program has written to the document's file since it was loaded or saved.
     bool IsFileChanged() const { return Stamp.HasChanged(Path); }
+    // The file as the document knows it; a restored document gets that of the one that was lost.
+    const TFileStamp& GetStamp() const { return Stamp; }
+    void SetStamp(int64_t size, uint64_t hash) { Stamp.SetContent(Path, size, hash); }
     // Writes the document as it is, for a name where nothing is lost by it. The document does not count as
     // saved.
     bool SaveUnchecked(const char* path);

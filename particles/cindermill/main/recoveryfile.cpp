@@ -15,11 +15,13 @@ struct TRecoveryTail
     uint32_t EffectSize;
     uint32_t PathLength;
     int64_t Time;
+    int64_t FileSize;
+    uint64_t FileHash;
     // Of all that stands before it.
     uint32_t Checksum;
     char Magic[4];
 };
-static_assert(sizeof(TRecoveryTail) == 24);
+static_assert(sizeof(TRecoveryTail) == 40);
 
 // The CRC-32 of the usual archives.
 uint32_t GetChecksum(const uint8_t* bytes, int count)
@@ -58,6 +60,8 @@ void AddRecoveryNote(vector<uint8_t>& effect, const TRecoveryNote& note)
     tail.EffectSize = static_cast<uint32_t>(effect.size());
     tail.PathLength = static_cast<uint32_t>(note.Path.Length());
     tail.Time = note.Time;
+    tail.FileSize = note.FileSize;
+    tail.FileHash = note.FileHash;
     memcpy(tail.Magic, Magic, sizeof(Magic));
     Add(effect, note.Path.Print(), note.Path.Length());
     Add(effect, &tail, sizeof(tail));
@@ -95,5 +99,7 @@ bool ReadRecoveryNote(const char* path, TRecoveryNote& note, TString& fault)
     const char* text = reinterpret_cast<const char*>(bytes.data()) + tail.EffectSize;
     note.Path.Assign(text, text + tail.PathLength);
     note.Time = tail.Time;
+    note.FileSize = tail.FileSize;
+    note.FileHash = tail.FileHash;
     return true;
 }

@@ -11,6 +11,10 @@ struct TRecoveryNote
     TString Path;
     // When it was written: seconds since the epoch, in UTC.
     int64_t Time = 0;
+    // What the artist's own file held when the effect was loaded from it or saved to it; a size of -1 if that
+    // is not known.
+    int64_t FileSize = -1;
+    uint64_t FileHash = 0;
 };
 
 // Turns the bytes of an effect file into those of a recovery file: the note stands behind the effect, where

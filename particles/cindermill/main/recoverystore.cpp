@@ -146,6 +146,9 @@ void TRecoveryStore::SetAside(const char* file, TDamagedEffect& damaged) const
     damaged.File = Join(GetDamagedFolder(), owner.Print());
     if (!MakeFolders(GetDamagedFolder()) || !MoveFile(file, damaged.File))
         damaged.File = file;
+    else
+        // Its days begin now, however long it lay before.
+        TouchFile(damaged.File);
 }
 
 void TRecoveryStore::RemoveOldDamaged() const
@@ -171,4 +174,5 @@ void TRecoveryStore::Close()
 {
     GiveUpLost();
     Own.Remove();
+    Root = nullptr;
 }

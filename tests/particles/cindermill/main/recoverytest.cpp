@@ -117,6 +117,34 @@ TEST_F(Autosaves, ARestoredFileStaysUntilItsDocumentIsSaved)
     EXPECT_TRUE(Files(true).empty());
 }
 
+// Also where the program that restored it was lost in its turn.
+TEST_F(Autosaves, SavingARestoredDocumentOverANewerFileAsks)
+{
+    const std::string path = EffectFile("fire.effect");
+    EditAndDie(path);
+    const std::string newer = ReadBytes(path) + "newer";
+    WriteBytes(path, newer);
+    EXPECT_TRUE(DoAndDie([&] {
+        Start(RA_RESTORE);
+        Add(Newest());
+        Autosave().SaveModified(App.Get().GetDocuments());
+        Autosave().WaitForDisc();
+    }));
+    Start(RA_RESTORE);
+    ASSERT_EQ(NumDocuments(), 1);
+    EXPECT_FALSE(App.Get().Save(Newest()));
+    EXPECT_EQ(Shown.Questions.size(), 1u);
+    EXPECT_TRUE(ReadBytes(path) == newer);
+    Shown.Answers.push_back(true);
+    EXPECT_TRUE(App.Get().Save(Newest()));
+    EXPECT_EQ(Shown.Questions.size(), 2u);
+    EXPECT_FALSE(ReadBytes(path) == newer);
+    // From then on it is its own file again.
+    Add(Newest());
+    EXPECT_TRUE(App.Get().Save(Newest()));
+    EXPECT_EQ(Shown.Questions.size(), 2u);
+}
+
 TEST_F(Autosaves, DiscardTakesTheFilesAway)
 {
     EditAndDie(EffectFile("fire.effect"));
