@@ -1,5 +1,6 @@
 #include "particles/effectgraph/export/exportbuilder.h"
 
+#include "library/containers/assertion.h"
 #include "library/containers/log.h"
 #include "library/containers/nametocrc.h"
 #include "particles/effectgraph/error.h"
@@ -192,6 +193,10 @@ void TExportBuilder::AddEvent(int group, TErrorList& errors)
     AddPayloadRows(group, rows);
     if (fired.TriggerGroup != -1)
         AddTriggerRow(group, rows);
+    ASSERT_TEXT_MSG(rows.size() <= ZVPARTICLE_MAX_INPUTS_OR_OUTPUTS,
+                    "inputcount <= ZVPARTICLE_MAX_INPUTS_OR_OUTPUTS",
+                    TempFormat("The event for group %d carries %d rows, of which a command has %d at most",
+                               group, rows.size(), ZVPARTICLE_MAX_INPUTS_OR_OUTPUTS));
     TDataBlock block;
     AppendU32(block, 0);
     AppendU32(block, static_cast<uint32_t>(fired.EventSize));
