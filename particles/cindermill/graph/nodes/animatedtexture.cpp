@@ -2,17 +2,11 @@
 
 #include "library/maths/scalar.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
+#include "particles/cindermill/graph/nodes/nodetiles.h"
 #include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/valueparameters.h"
 
 namespace {
-
-enum TLoopMode
-{
-    LM_CLAMP,
-    LM_LOOP,
-    LM_PINGPONG
-};
 
 int GetInt(const TNodeIntParameter* parameter)
 {
@@ -22,12 +16,6 @@ int GetInt(const TNodeIntParameter* parameter)
 int GetNumber(const TNodeEnumParameter* parameter)
 {
     return parameter != nullptr ? parameter->GetNumber() : 0;
-}
-
-float GetFraction(int64_t part, int64_t divisions)
-{
-    return divisions != 0 ? static_cast<float>(static_cast<double>(part) / static_cast<double>(divisions))
-                          : 0.0f;
 }
 
 } // namespace
@@ -59,20 +47,8 @@ void TAnimatedTexture::BeginRun()
 
 int64_t TAnimatedTexture::ChooseFrame(float time) const
 {
-    int64_t frame = FloatToInt(static_cast<double>(Tiles) * (static_cast<double>(time) / Range));
-    switch (Mode) {
-    case LM_CLAMP:
-        if (frame > Tiles - 1)
-            frame = Tiles - 1;
-        return frame < 0 ? 0 : frame;
-    case LM_LOOP:
-        return RemainderOrZero(frame, Tiles);
-    case LM_PINGPONG:
-        frame = RemainderOrZero(frame, 2 * Tiles - 2);
-        return frame >= Tiles ? 2 * Tiles - 2 - frame : frame;
-    default:
-        return frame;
-    }
+    const int64_t frame = FloatToInt(static_cast<double>(Tiles) * (static_cast<double>(time) / Range));
+    return ChooseTile(frame, Tiles, Mode);
 }
 
 void TAnimatedTexture::Execute(int index, float)
@@ -82,8 +58,8 @@ void TAnimatedTexture::Execute(int index, float)
     // By the rows' number and not the columns', as the console does.
     const int64_t row = DivideOrZero(frame, Rows);
     Store(0, index,
-          TPortValue(GetFraction(column, Columns), GetFraction(row, Rows), GetFraction(column + 1, Columns),
-                     GetFraction(row + 1, Rows)));
+          TPortValue(GetTileFraction(column, Columns), GetTileFraction(row, Rows),
+                     GetTileFraction(column + 1, Columns), GetTileFraction(row + 1, Rows)));
 }
 
 void TAnimatedTexture::Export(TExportData& exportData, TErrorList&)

@@ -2,6 +2,7 @@
 
 #include "library/maths/scalar.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
+#include "particles/cindermill/graph/nodes/nodetiles.h"
 
 #include <cmath>
 
@@ -74,36 +75,6 @@ void Shaper(TReplayCall& call)
         call.Out(0, p, Shape(call, call.Value(0, p), call.Value(1, p)), call.InState(p));
 }
 
-enum TLoopMode
-{
-    LM_CLAMP,
-    LM_LOOP,
-    LM_PINGPONG
-};
-
-int64_t ChooseFrame(int64_t frame, int64_t tiles, int mode)
-{
-    switch (mode) {
-    case LM_CLAMP:
-        if (frame > tiles - 1)
-            frame = tiles - 1;
-        return frame < 0 ? 0 : frame;
-    case LM_LOOP:
-        return RemainderOrZero(frame, tiles);
-    case LM_PINGPONG:
-        frame = RemainderOrZero(frame, 2 * tiles - 2);
-        return frame >= tiles ? 2 * tiles - 2 - frame : frame;
-    default:
-        return frame;
-    }
-}
-
-float GetFraction(int64_t part, int64_t divisions)
-{
-    return divisions != 0 ? static_cast<float>(static_cast<double>(part) / static_cast<double>(divisions))
-                          : 0.0f;
-}
-
 void AnimatedTexture(TReplayCall& call)
 {
     if (!call.Has(1, 4) || !call.HasData(8))
@@ -114,15 +85,15 @@ void AnimatedTexture(TReplayCall& call)
     const int tiles = data[6];
     for (int p = 0; p < call.GetCount(); ++p) {
         const double time = static_cast<double>(call.Value(0, p)) / call.DataFloat(0);
-        const int64_t frame = ChooseFrame(FloatToInt(tiles * time), tiles, data[7]);
+        const int64_t frame = ChooseTile(FloatToInt(tiles * time), tiles, data[7]);
         const TCellState state = call.InState(p);
         const int64_t column = RemainderOrZero(frame, columns);
         // By the rows' number, as the node does it.
         const int64_t row = DivideOrZero(frame, rows);
-        call.Out(0, p, GetFraction(column, columns), state);
-        call.Out(1, p, GetFraction(row, rows), state);
-        call.Out(2, p, GetFraction(column + 1, columns), state);
-        call.Out(3, p, GetFraction(row + 1, rows), state);
+        call.Out(0, p, GetTileFraction(column, columns), state);
+        call.Out(1, p, GetTileFraction(row, rows), state);
+        call.Out(2, p, GetTileFraction(column + 1, columns), state);
+        call.Out(3, p, GetTileFraction(row + 1, rows), state);
     }
 }
 } // namespace
