@@ -1,3 +1,4 @@
+#include "bench/benchfolder.h"
 #include "bench/benchtable.h"
 #include "bench/longlists.h"
 
@@ -35,35 +36,6 @@ constexpr int Kilobyte = 1000;
 // that each element walks along takes a hundred.
 constexpr double MostGrowth = 30;
 
-// A folder that goes when the program does.
-class TFolder
-{
-public:
-    TFolder()
-    {
-        std::string path = (fs::temp_directory_path() / "cindermill-growth-XXXXXX").string();
-        Path = mkdtemp(path.data()) != nullptr ? path : std::string();
-    }
-    ~TFolder()
-    {
-        std::error_code error;
-        fs::remove_all(Path, error);
-    }
-    TFolder(const TFolder&) = delete;
-    TFolder& operator=(const TFolder&) = delete;
-
-    std::string GetPath(const std::string& leaf) const { return (Path / leaf).string(); }
-
-private:
-    fs::path Path;
-};
-
-const TFolder& GetFolder()
-{
-    static const TFolder folder;
-    return folder;
-}
-
 void WriteBytes(const std::string& path, const std::string& bytes)
 {
     fs::create_directories(fs::path(path).parent_path());
@@ -94,12 +66,12 @@ TCindermillApp* GetApp()
         SetMessageForms([](const char*) {}, [](const char*) { return true; });
         for (const TTypeList list : RefreshedLists)
             for (const int size : Sizes)
-                WriteBytes(GetFolder().GetPath("types/" + GetTypeName(list, size) + ".xml"),
+                WriteBytes(GetBenchFolder().GetPath("types/" + GetTypeName(list, size) + ".xml"),
                            MakeTypeFile(list, size * Kilobyte, GetTypeName(list, size), false));
         TErrorList errors;
         if (!app.InitHeadless())
             return false;
-        app.LoadNodeTypes(GetFolder().GetPath("types").c_str(), errors);
+        app.LoadNodeTypes(GetBenchFolder().GetPath("types").c_str(), errors);
         return errors.empty();
     }();
     return good ? &app : nullptr;
@@ -170,7 +142,7 @@ bool ReadType(const std::string& path)
 
 TWork MakeTypeWork(TTypeList list, int size)
 {
-    const std::string path = GetFolder().GetPath("type" + std::to_string(list) + std::to_string(size));
+    const std::string path = GetBenchFolder().GetPath("type" + std::to_string(list) + std::to_string(size));
     WriteBytes(path, MakeTypeFile(list, size, "Type", false));
     return {[path] { return ReadType(path); }, nullptr};
 }
@@ -183,7 +155,7 @@ bool OpenAndClose(const std::string& path, bool expected)
 
 TWork MakeOpenWork(TEffectList list, int size)
 {
-    const std::string path = GetFolder().GetPath("effect" + std::to_string(list) + std::to_string(size));
+    const std::string path = GetBenchFolder().GetPath("effect" + std::to_string(list) + std::to_string(size));
     TDocument document(*GetApp());
     document.New();
     FillDocument(document, list, size);
@@ -194,7 +166,8 @@ TWork MakeOpenWork(TEffectList list, int size)
 // An effect with a node of a type that the library has otherwise.
 TWork MakeRefreshWork(TTypeList list, int size)
 {
-    const std::string path = GetFolder().GetPath("refresh" + std::to_string(list) + std::to_string(size));
+    const std::string path =
+        GetBenchFolder().GetPath("refresh" + std::to_string(list) + std::to_string(size));
     WriteBytes(path, MakeTypeFile(list, size, GetTypeName(list, size / Kilobyte), true));
     TErrorList errors;
     TNodeType type;
@@ -218,7 +191,7 @@ std::shared_ptr<TDocument> MakeDocument(TEffectList list, int size)
 TWork MakeSaveWork(TEffectList list, int size)
 {
     const std::shared_ptr<TDocument> document = MakeDocument(list, size);
-    const std::string path = GetFolder().GetPath("saved");
+    const std::string path = GetBenchFolder().GetPath("saved");
     return {[document, path] { return document->SaveAs(path.c_str()); }, nullptr};
 }
 
@@ -239,7 +212,8 @@ bool RedoAll(TDocument& document)
 // The history as a file brings it.
 std::shared_ptr<TDocument> MakeLoaded(TEffectList list, int size)
 {
-    const std::string path = GetFolder().GetPath("history" + std::to_string(list) + std::to_string(size));
+    const std::string path =
+        GetBenchFolder().GetPath("history" + std::to_string(list) + std::to_string(size));
     if (!MakeDocument(list, size)->SaveAs(path.c_str()))
         return nullptr;
     auto document = std::make_shared<TDocument>(*GetApp());
@@ -320,7 +294,7 @@ TWork MakeScheduleWork(TEffectList list, int size)
 
 TWork MakeAnimationWork(int size)
 {
-    const std::string path = GetFolder().GetPath("animation" + std::to_string(size) + ".vori");
+    const std::string path = GetBenchFolder().GetPath("animation" + std::to_string(size) + ".vori");
     WriteBytes(path, MakeAnimationFile(size));
     return {[path] {
                 TAnimation animation;

@@ -1,3 +1,4 @@
+#include "bench/benchfolder.h"
 #include "bench/benchtable.h"
 #include "bench/graphs.h"
 
@@ -28,35 +29,6 @@ constexpr int LargeNodes = 1000;
 constexpr int LargeHistory = 10000;
 // What an artist feels as a pause.
 constexpr double MostMilliseconds = 50;
-
-// A folder that goes when the program does.
-class TFolder
-{
-public:
-    TFolder()
-    {
-        std::string path = (fs::temp_directory_path() / "cindermill-bench-XXXXXX").string();
-        Path = mkdtemp(path.data()) != nullptr ? path : std::string();
-    }
-    ~TFolder()
-    {
-        std::error_code error;
-        fs::remove_all(Path, error);
-    }
-    TFolder(const TFolder&) = delete;
-    TFolder& operator=(const TFolder&) = delete;
-
-    std::string GetPath(const std::string& leaf) const { return (Path / leaf).string(); }
-
-private:
-    fs::path Path;
-};
-
-const TFolder& GetFolder()
-{
-    static const TFolder folder;
-    return folder;
-}
 
 TCindermillApp* GetApp()
 {
@@ -135,7 +107,7 @@ const std::string& GetLargeFile()
         BuildGraph(effect, GS_SYSTEMS, LargeNodes);
         effect.GetDocument().GetOperationStack()->Clear(effect.GetDocument());
         AddHistory(effect.GetDocument(), LargeHistory);
-        std::string file = GetFolder().GetPath("large.effect");
+        std::string file = GetBenchFolder().GetPath("large.effect");
         return effect.GetDocument().SaveAs(file.c_str()) ? file : std::string();
     }();
     return path;
@@ -162,7 +134,7 @@ void SaveDocument(benchmark::State& state)
         state.SkipWithError(document.GetLoadError().Print());
         return;
     }
-    const std::string path = GetFolder().GetPath("saved.effect");
+    const std::string path = GetBenchFolder().GetPath("saved.effect");
     for (auto _ : state) {
         if (!document.SaveAs(path.c_str())) {
             state.SkipWithError("no file");
@@ -207,7 +179,7 @@ void ReadFile(benchmark::State& state, const std::string& path)
 void WriteFile(benchmark::State& state, const std::string& path)
 {
     const std::string bytes = ReadBytes(path);
-    const std::string copy = GetFolder().GetPath("copy");
+    const std::string copy = GetBenchFolder().GetPath("copy");
     for (auto _ : state)
         WriteBytes(copy, bytes);
 }
@@ -242,7 +214,7 @@ const std::string& GetExportedSample()
 {
     static const std::string path = [] {
         TDocument document(*GetApp());
-        std::string file = GetFolder().GetPath("sample.efx");
+        std::string file = GetBenchFolder().GetPath("sample.efx");
         return LoadLargestSample(document) && Export(document, file) ? file : std::string();
     }();
     return path;
@@ -252,7 +224,7 @@ const std::string& GetExportedSample()
 void ExportSample(benchmark::State& state)
 {
     TDocument document(*GetApp());
-    const std::string path = GetFolder().GetPath("measured.efx");
+    const std::string path = GetBenchFolder().GetPath("measured.efx");
     bool good = LoadLargestSample(document);
     for (auto _ : state)
         good = good && Export(document, path);
@@ -376,7 +348,7 @@ void SetMegabytes(benchmark::State& state)
 void DecodePicture(benchmark::State& state)
 {
     const TPictureFormat& format = PictureFormats[state.range(0)];
-    const std::string path = GetFolder().GetPath(std::string(format.Name) + ".dds");
+    const std::string path = GetBenchFolder().GetPath(std::string(format.Name) + ".dds");
     WriteBytes(path, MakePicture(format));
     TImage image;
     for (auto _ : state) {

@@ -1,5 +1,6 @@
 #include "bench/windowscenes.h"
 
+#include "bench/benchfolder.h"
 #include "library/containers/log.h"
 #include "library/wimp/gl/glcontext.h"
 #include "library/wimp/gl/renderobjects.h"
@@ -16,12 +17,9 @@
 #include <GL/glew.h>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <unistd.h>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr float FrameTime = 0.02f;
 // While it is measured an effect all but stands still, so that every frame shows the same.
@@ -36,35 +34,6 @@ constexpr int PlayButton = 1005;
 
 constexpr int ColumnWidth = 200;
 constexpr int RowHeight = 120;
-
-// A folder that goes when the program does: files and settings of the run.
-class TFolder
-{
-public:
-    TFolder()
-    {
-        std::string path = (fs::temp_directory_path() / "cindermill-bench-XXXXXX").string();
-        Path = mkdtemp(path.data()) != nullptr ? path : std::string();
-    }
-    ~TFolder()
-    {
-        std::error_code error;
-        fs::remove_all(Path, error);
-    }
-    TFolder(const TFolder&) = delete;
-    TFolder& operator=(const TFolder&) = delete;
-
-    std::string GetPath(const std::string& leaf) const { return (Path / leaf).string(); }
-
-private:
-    fs::path Path;
-};
-
-const TFolder& GetFolder()
-{
-    static const TFolder folder;
-    return folder;
-}
 
 TApplication* Application = nullptr;
 
@@ -167,7 +136,7 @@ TDocument* OpenFile(const std::string& path)
 
 TDocument* OpenBuilt(TSampleBuilder& effect, const std::string& leaf)
 {
-    const std::string path = GetFolder().GetPath(leaf);
+    const std::string path = GetBenchFolder().GetPath(leaf);
     effect.GetDocument().GetOperationStack()->Clear(effect.GetDocument());
     return effect.GetDocument().SaveAs(path.c_str()) ? OpenFile(path) : nullptr;
 }
@@ -202,7 +171,7 @@ bool StartProgram()
     // Where the node types lie. They are asked for if they are not found, which nobody would answer.
     if (chdir(CINDERMILL_SOURCE_DIR) != 0)
         return false;
-    setenv("XDG_CONFIG_HOME", GetFolder().GetPath("config").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", GetBenchFolder().GetPath("config").c_str(), 1);
     if (!TWimp::Get().Init(count, arguments)) {
         std::fprintf(stderr, "There is no display\n");
         return false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/fakehost.h"
+#include "support/paintcounter.h"
 #include "support/sampledocument.h"
 #include "support/windowtest.h"
 
@@ -42,19 +43,6 @@ public:
         TFakeHost::NodeRemoved(node);
         TAttributeTraceWindow::Close(*node);
     }
-};
-
-// Counts the paintings of a widget.
-class TPaintCounter : public QObject
-{
-public:
-    explicit TPaintCounter(QWidget& widget) { widget.installEventFilter(this); }
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        Paints += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
-    int Paints = 0;
 };
 
 // Trace windows of a sample's nodes.

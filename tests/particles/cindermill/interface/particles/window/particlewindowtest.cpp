@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/particles/particlewindow.h"
 
+#include "support/paintcounter.h"
 #include "support/sampledocument.h"
 #include "support/windowtest.h"
 
@@ -23,18 +24,6 @@ uint32_t GetTestTick()
 {
     return TestTick;
 }
-
-class TPaintCounter : public QObject
-{
-public:
-    explicit TPaintCounter(QWidget& widget) { widget.installEventFilter(this); }
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        Paints += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
-    int Paints = 0;
-};
 
 class ParticleWindow : public TWindowTest
 {
