@@ -57,12 +57,13 @@ void MakeCrashFolder(const char* path)
     mkdir(part, 0700);
 }
 
-// Whatever is there and cannot be taken away is opened only if it is a file.
+// Whatever is there and cannot be taken away is opened only if it is a file. What memory holds is its user's
+// alone.
 int CreateCrashFile(const char* path, TWriteThrough through)
 {
     unlink(path);
     const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    const int handle = open(path, through == WT_YES ? flags | O_SYNC : flags, 0644);
+    const int handle = open(path, through == WT_YES ? flags | O_SYNC : flags, 0600);
     struct stat info;
     if (handle < 0 || (fstat(handle, &info) == 0 && S_ISREG(info.st_mode)))
         return handle;

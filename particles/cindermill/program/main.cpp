@@ -1,6 +1,6 @@
 #include "library/containers/log.h"
 #include "library/system/endsignal.h"
-#include "library/system/filesizelimit.h"
+#include "library/system/writefaults.h"
 #include "library/wimp/endwatch.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/application.h"
@@ -40,6 +40,7 @@ int main(int argc, char** argv)
 {
     TCrashReport::Install();
     TakeFileSizeLimitAsError();
+    TakeClosedPipeAsError();
     if (!TWimp::Get().Init(argc, argv)) {
         DebugPrintf("Failed to initialise Cindermill\n");
         fprintf(stderr, "There is no display to open windows on.\n");

@@ -1,4 +1,4 @@
-#include "library/system/filesizelimit.h"
+#include "library/system/writefaults.h"
 #include "particles/cindermill/batch/batchprogram.h"
 
 int main(int argc, char** argv)

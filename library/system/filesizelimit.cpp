@@ -1,8 +1,0 @@
-#include "library/system/filesizelimit.h"
-
-#include <signal.h>
-
-void TakeFileSizeLimitAsError()
-{
-    signal(SIGXFSZ, SIG_IGN);
-}
