@@ -4,6 +4,5 @@
 int main(int argc, char** argv)
 {
     TakeFileSizeLimitAsError();
-    TBatchProgram program;
-    return program.Run(argc, argv);
+    return RunBatchProgram(argc, argv);
 }

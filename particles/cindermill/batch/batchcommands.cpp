@@ -1,0 +1,66 @@
+#include "particles/cindermill/batch/batchcommand.h"
+#include "particles/cindermill/batch/checkcommand.h"
+#include "particles/cindermill/batch/dumpcommand.h"
+#include "particles/cindermill/batch/efxcommand.h"
+#include "particles/cindermill/batch/exportcommand.h"
+#include "particles/cindermill/batch/hashcommand.h"
+#include "particles/cindermill/batch/imagecommand.h"
+#include "particles/cindermill/batch/reportcommand.h"
+#include "particles/cindermill/batch/resavecommand.h"
+#include "particles/cindermill/batch/runcommand.h"
+#include "particles/cindermill/batch/translatecommand.h"
+#include "particles/cindermill/batch/typescommand.h"
+
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+
+namespace {
+
+const TTypesCommand Types;
+const TCheckCommand Check;
+const TReportCommand Report;
+const TDumpCommand Dump;
+const TExportCommand Export;
+const TRunCommand Run;
+const TEfxCommand Efx;
+const TTranslateCommand Translate;
+const TImageCommand Image;
+const TResaveCommand Resave;
+const THashCommand Hash;
+
+const TBatchCommand* const Commands[] = {
+    &Types, &Check, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash,
+};
+
+} // namespace
+
+int GetNumBatchCommands()
+{
+    return static_cast<int>(std::size(Commands));
+}
+
+const TBatchCommand& GetBatchCommand(int index)
+{
+    return *Commands[index];
+}
+
+const TBatchCommand* FindBatchCommand(const char* word)
+{
+    for (const TBatchCommand* command : Commands)
+        if (std::strcmp(command->Name, word) == 0)
+            return command;
+    return nullptr;
+}
+
+int ReportUsage(const char* format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    std::vfprintf(stderr, format, args);
+    va_end(args);
+    std::fputs("\nusage: cindermill-batch [--node-types DIR] [--resources DIR] COMMAND ARGUMENTS\n", stderr);
+    for (const TBatchCommand* command : Commands)
+        std::fprintf(stderr, "    %s %s\n", command->Name, command->Usage);
+    return StatusUsage;
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "particles/cindermill/batch/batchcommand.h"
+
+// Tells what is wrong with effects.
+class TCheckCommand final : public TBatchCommand
+{
+public:
+    TCheckCommand();
+    int Run(TBatchSession& session, TArguments& arguments) const override;
+
+private:
+    static bool CheckFile(TBatchSession& session, const char* path);
+};

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "library/containers/string.h"
+#include "library/containers/vector.h"
+
+enum TFindingSeverity
+{
+    FS_NOTE,
+    FS_WARNING,
+    FS_ERROR,
+};
+
+// Where in an effect a finding is. Empty texts and -1 where it is of the whole file.
+struct TFindingPlace
+{
+    // The node's name, its type's, and the group that it is scheduled in.
+    TString Node;
+    TString Type;
+    int Group = -1;
+    // The node's place in the graph: the number of its object in the file, and where it lies.
+    int Id = -1;
+    float X = 0.0f;
+    float Y = 0.0f;
+};
+
+// What a finding counts, by name: "peak" 64, "capacity" 32.
+struct TFindingNumber
+{
+    const char* Name;
+    double Value;
+};
+
+// One thing that a command found, the same for all formats.
+struct TFinding
+{
+    // Stable between versions, of lower case words with points: "capacity.full". Lives as long as the
+    // program.
+    const char* Id = "";
+    TFindingSeverity Severity = FS_ERROR;
+    // As it was named on the command line, or found below a folder.
+    TString File;
+    TFindingPlace Place;
+    // One sentence without line ends.
+    TString Message;
+    vector<TFindingNumber> Numbers;
+    // Why the project allows it; empty where it does not.
+    TString Allowed;
+};
+
+// The findings of a run, in the order in which they came.
+class TFindingList
+{
+public:
+    void Add(const TFinding& finding) { Findings.push_back(finding); }
+    int size() const { return Findings.size(); }
+    bool empty() const { return Findings.empty(); }
+    const TFinding& operator[](int index) const { return Findings[index]; }
+    TFinding& operator[](int index) { return Findings[index]; }
+    // Of those that are not allowed; FS_NOTE - 1 where there are none.
+    int GetWorst() const;
+
+private:
+    vector<TFinding> Findings;
+};
+
+// "note", "warning", "error".
+const char* GetSeverityName(TFindingSeverity severity);

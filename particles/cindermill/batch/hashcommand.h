@@ -1,0 +1,11 @@
+#pragma once
+
+#include "particles/cindermill/batch/batchcommand.h"
+
+// Prints the numbers that names become.
+class THashCommand final : public TBatchCommand
+{
+public:
+    THashCommand();
+    int Run(TBatchSession& session, TArguments& arguments) const override;
+};

@@ -1,0 +1,41 @@
+#include "particles/cindermill/batch/imagecommand.h"
+
+#include "library/containers/image/image.h"
+#include "library/system/file.h"
+#include "particles/cindermill/batch/batchsession.h"
+
+#include <cstdio>
+
+TImageCommand::TImageCommand() : TBatchCommand("image", "IN OUT --format N") {}
+
+int TImageCommand::Run(TBatchSession& session, TArguments& arguments) const
+{
+    (void)session;
+    const char* in = arguments.Take();
+    const char* out = arguments.Take();
+    int format = 0;
+    if (out == nullptr || !arguments.TakeIf("--format") ||
+        !ParseWhole(arguments.Take(), 0, IF_NUMFORMATS - 1, format) || !arguments.IsEmpty())
+        return ReportUsage(
+            "image takes a picture, the file to write, and --format with a number from 0 to %d",
+            IF_NUMFORMATS - 1);
+    TImage image;
+    TString reason;
+    bool loaded = false;
+    {
+        TLogCapture capture(KeepFirstLine, &reason);
+        loaded = image.Load(in);
+    }
+    if (!loaded) {
+        if (reason.IsEmpty())
+            GetReadFault(in, reason);
+        if (reason.IsEmpty())
+            reason = "This is no sound DDS or HVT picture";
+        std::fprintf(stderr, "%s: %s\n", in, reason.Print());
+        return StatusErrors;
+    }
+    if (image.Save(out, format, reason))
+        return StatusDone;
+    std::fprintf(stderr, "%s: The picture cannot be written: %s\n", out, reason.Print());
+    return StatusErrors;
+}

@@ -1,0 +1,28 @@
+#include "particles/cindermill/batch/resavecommand.h"
+
+#include "particles/cindermill/batch/batchsession.h"
+#include "particles/cindermill/main/document.h"
+
+#include <cstdio>
+
+TResaveCommand::TResaveCommand() : TBatchCommand("resave", "IN OUT") {}
+
+int TResaveCommand::Run(TBatchSession& session, TArguments& arguments) const
+{
+    if (arguments.GetNumLeft() != 2)
+        return ReportUsage("resave takes a file and the file to write");
+    const char* in = arguments.Take();
+    const char* out = arguments.Take();
+    TDocument document(session.GetApp());
+    if (!session.LoadFile(document, in))
+        return StatusErrors;
+    if (document.SaveAs(out))
+        return StatusDone;
+    const TString& reason = document.GetSaveError();
+    if (reason.IsEmpty())
+        std::fprintf(stderr, "%s: The file cannot be written: %s\n", out,
+                     document.GetChunks().File.GetFault().Print());
+    else
+        std::fprintf(stderr, "%s: %s\n", out, reason.Print());
+    return StatusErrors;
+}

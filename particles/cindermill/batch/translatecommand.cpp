@@ -1,0 +1,55 @@
+#include "particles/cindermill/batch/translatecommand.h"
+
+#include "particles/cindermill/batch/batchsession.h"
+#include "particles/cindermill/graph/shaders/programtext.h"
+#include "particles/cindermill/graph/shaders/qdxfragmentprogram.h"
+#include "particles/cindermill/graph/shaders/qdxshader.h"
+#include "particles/cindermill/graph/shaders/qdxvertexprogram.h"
+
+#include <cstdio>
+
+namespace {
+
+// As the driver gets it, or as translation leaves it.
+void GetShaderText(const TQdxShader& shader, bool raw, TString& text)
+{
+    if (!shader.IsFragmentProgram()) {
+        text = shader.GetVertexProgram()->GetText();
+        return;
+    }
+    if (raw) {
+        text = shader.GetFragmentProgram()->GetText();
+        return;
+    }
+    uint32_t targets[TQdxFragmentProgram::NumUnits];
+    for (uint32_t& target : targets)
+        target = TY_Target2D;
+    shader.GetFragmentProgram()->GetVariantText(targets, 0, text);
+}
+
+} // namespace
+
+TTranslateCommand::TTranslateCommand() : TBatchCommand("translate", "FILE.sho [--raw]") {}
+
+int TTranslateCommand::Run(TBatchSession& session, TArguments& arguments) const
+{
+    (void)session;
+    const char* path = arguments.Take();
+    const bool raw = arguments.TakeIf("--raw");
+    if (path == nullptr || !arguments.IsEmpty())
+        return ReportUsage("translate takes one file");
+    TString reason;
+    TQdxShader* shader = nullptr;
+    {
+        TLogCapture capture(KeepFirstLine, &reason);
+        shader = TQdxShader::LoadShaderFile(path);
+    }
+    if (shader == nullptr) {
+        std::fprintf(stderr, "%s: %s\n", path, reason.IsEmpty() ? "The file cannot be read" : reason.Print());
+        return StatusErrors;
+    }
+    TString text;
+    GetShaderText(*shader, raw, text);
+    std::fputs(text.Print(), stdout);
+    return StatusDone;
+}
