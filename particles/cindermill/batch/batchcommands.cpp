@@ -5,6 +5,7 @@
 #include "particles/cindermill/batch/exportcommand.h"
 #include "particles/cindermill/batch/hashcommand.h"
 #include "particles/cindermill/batch/imagecommand.h"
+#include "particles/cindermill/batch/lintcommand.h"
 #include "particles/cindermill/batch/reportcommand.h"
 #include "particles/cindermill/batch/resavecommand.h"
 #include "particles/cindermill/batch/runcommand.h"
@@ -19,6 +20,7 @@ namespace {
 
 const TTypesCommand Types;
 const TCheckCommand Check;
+const TLintCommand Lint;
 const TReportCommand Report;
 const TDumpCommand Dump;
 const TExportCommand Export;
@@ -30,7 +32,7 @@ const TResaveCommand Resave;
 const THashCommand Hash;
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash,
+    &Types, &Check, &Lint, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash,
 };
 
 } // namespace

@@ -6,6 +6,7 @@
 class TEffectExecNode;
 class TErrorList;
 class TExecServices;
+class TExecWatch;
 class TExportData;
 class TParticleBuffer;
 class TSceneView;
@@ -30,6 +31,8 @@ public:
     // the console. Otherwise particles that are born together read the last one's.
     void SetBirthsApart(bool apart) { BirthsApart = apart; }
     bool AreBirthsApart() const { return BirthsApart; }
+    // Hears of all that Update does; null for nobody. It stays the caller's.
+    void SetWatch(TExecWatch* watch) { Watch = watch; }
     void Clear();
     bool IsInited() const { return Inited; }
     // Seconds since Init.
@@ -94,4 +97,5 @@ private:
     int64_t Births = 0;
     bool Inited = false;
     bool BirthsApart = false;
+    TExecWatch* Watch = nullptr;
 };
