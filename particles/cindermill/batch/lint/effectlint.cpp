@@ -68,12 +68,14 @@ void TEffectLint::Lint(const TEffectGraph& graph, TLintReport& report)
 void TEffectLint::LintScheduled(const TEffectGraph& graph, const TEffectSchedule& schedule,
                                 TLintReport& report)
 {
-    TLintGraph(graph, schedule).Tell(report);
-    if (LintRuns(schedule, report))
+    TLintGraph lint(graph, schedule);
+    lint.FindUseful();
+    lint.Tell(report);
+    if (LintRuns(schedule, lint, report))
         LintExport(schedule, report);
 }
 
-bool TEffectLint::LintRuns(const TEffectSchedule& schedule, TLintReport& report)
+bool TEffectLint::LintRuns(const TEffectSchedule& schedule, const TLintGraph& graph, TLintReport& report)
 {
     TLintServices services(Services);
     TEffectExec exec(services);
@@ -83,7 +85,7 @@ bool TEffectLint::LintRuns(const TEffectSchedule& schedule, TLintReport& report)
     TLintNumbers numbers(schedule);
     TLintBoxes boxes(schedule, Options.SuggestBoxes);
     TLintCurves curves(schedule);
-    TLintBirths births(schedule);
+    TLintBirths births(schedule, graph);
     TLintConsole console(schedule);
     TLintTheme* const themes[] = {&population, &emission, &numbers, &boxes, &curves, &births, &console};
     for (TLintTheme* theme : themes)

@@ -6,6 +6,7 @@
 
 class TErrorList;
 class TExecServices;
+class TLintGraph;
 class TLintReport;
 class TNodeTypeLibrary;
 
@@ -24,7 +25,7 @@ public:
 
 private:
     void LintScheduled(const TEffectGraph& graph, const TEffectSchedule& schedule, TLintReport& report);
-    bool LintRuns(const TEffectSchedule& schedule, TLintReport& report);
+    bool LintRuns(const TEffectSchedule& schedule, const TLintGraph& graph, TLintReport& report);
     void LintExport(const TEffectSchedule& schedule, TLintReport& report);
     bool IsToldElsewhere(const char* error) const;
     void TellErrors(int kind, const TErrorList& errors, TLintReport& report) const;

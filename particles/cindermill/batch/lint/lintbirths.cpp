@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/lint/lintbirths.h"
 
+#include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/graph/engine/effectexec.h"
 #include "particles/cindermill/graph/engine/particlebuffer.h"
@@ -7,24 +8,25 @@
 
 #include <cstring>
 
-TLintBirths::TLintBirths(const TEffectSchedule& schedule) : Schedule(schedule)
+TLintBirths::TLintBirths(const TEffectSchedule& schedule, const TLintGraph& graph) : Schedule(schedule)
 {
     for (int g = 0; g < schedule.GetNumGroups(); ++g)
         if (!schedule.IsTriggerGroup(g))
-            FindValues(g);
+            FindValues(g, graph);
 }
 
-bool TLintBirths::IsReadInLife(int group, int attrib) const
+bool TLintBirths::IsReadInLife(int group, int attrib, const TLintGraph& graph) const
 {
     for (const TTiedNode& tied : Schedule.GetGroup(group).TiedNodes) {
         const int usage = Schedule.GetNodeUsage(tied.Node);
-        if (usage != TU_EMITTER && tied.Inputs.find(attrib) != tied.Inputs.end())
+        if (usage != TU_EMITTER && graph.IsUseful(*Schedule.GetNode(tied.Node)) &&
+            tied.Inputs.find(attrib) != tied.Inputs.end())
             return true;
     }
     return false;
 }
 
-void TLintBirths::FindValues(int group)
+void TLintBirths::FindValues(int group, const TLintGraph& graph)
 {
     const vector<TTiedNode>& nodes = Schedule.GetGroup(group).TiedNodes;
     for (int t = 0; t < nodes.size(); ++t) {
@@ -32,7 +34,7 @@ void TLintBirths::FindValues(int group)
             continue;
         for (const int attrib : nodes[t].Outputs)
             if (attrib != -1 && Schedule.GetAttributeUsage(group, attrib) == TU_EMITTER &&
-                IsReadInLife(group, attrib))
+                IsReadInLife(group, attrib, graph))
                 Values.push_back(TValue{group, attrib, t, false, false, {}});
     }
 }

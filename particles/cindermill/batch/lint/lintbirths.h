@@ -5,13 +5,15 @@
 #include "particles/effectgraph/schedule/effectschedule.h"
 #include "particles/effectgraph/valuetype.h"
 
+class TLintGraph;
+
 // Values of birth that differ from particle to particle, and are read while the particles live: the preview
 // keeps the last one for all of them.
 class TLintBirths : public TLintTheme
 {
 public:
-    // Refers to it.
-    explicit TLintBirths(const TEffectSchedule& schedule);
+    // Refers to the schedule.
+    TLintBirths(const TEffectSchedule& schedule, const TLintGraph& graph);
     void BeginRun(TEffectExec& exec) override { Exec = &exec; }
     void NodeRanAtBirth(int group, int tied, int count) override;
     void Tell(TLintReport& report) override;
@@ -28,8 +30,8 @@ private:
         float First[MaxValueFloats];
     };
 
-    void FindValues(int group);
-    bool IsReadInLife(int group, int attrib) const;
+    void FindValues(int group, const TLintGraph& graph);
+    bool IsReadInLife(int group, int attrib, const TLintGraph& graph) const;
 
     const TEffectSchedule& Schedule;
     TEffectExec* Exec = nullptr;

@@ -77,9 +77,8 @@ void TLintGraph::FindUseful()
     }
 }
 
-void TLintGraph::Tell(TLintReport& report)
+void TLintGraph::Tell(TLintReport& report) const
 {
-    FindUseful();
     TellUnused(report);
     TellDropped(report);
     TellBypassed(report);
@@ -111,16 +110,19 @@ void TLintGraph::TellUnused(TLintReport& report) const
     }
 }
 
-// One for each stage that was dropped, otherwise for what leads to others and belongs nowhere.
+// Each stage that was dropped, and what else ends a chain; where none was, what leads to others and belongs
+// nowhere. A stage without particles may take with it all that it shares a source of values with.
 void TLintGraph::TellDropped(TLintReport& report) const
 {
     TPointerMap told;
-    for (int pass = 0; pass < 2; ++pass)
+    bool found = false;
+    for (int pass = 0; pass < 2 && !found; ++pass)
         for (int n = 0; n < Graph.GetNumNodes(); ++n) {
             const TEffectNode& node = *Graph.GetNode(n);
             if (!IsUseful(node) || report.FindGroup(node) != -1 || told.Has(&node) ||
                 node.GetNodeType()->Category == TU_EFFECT || (pass == 0 && HasOutputEdges(node)))
                 continue;
+            found = true;
             told.Insert(&node);
             vector<const TEffectNode*> sources;
             GatherSources(node, told, sources);

@@ -14,13 +14,15 @@ public:
     TLintGraph(const TEffectGraph& graph, const TEffectSchedule& schedule) : Graph(graph), Schedule(schedule)
     {
     }
-    void Tell(TLintReport& report);
+    // Before all that follows.
+    void FindUseful();
+    // Whether something that is drawn, ends or fires particles hangs on the node.
+    bool IsUseful(const TEffectNode& node) const { return Useful.Has(&node); }
+    void Tell(TLintReport& report) const;
 
 private:
-    void FindUseful();
     void MarkUseful(const TEffectNode& node);
     bool EndsSomething(const TEffectNode& node, int group) const;
-    bool IsUseful(const TEffectNode& node) const { return Useful.Has(&node); }
     void TellUnused(TLintReport& report) const;
     void TellDropped(TLintReport& report) const;
     void TellBypassed(TLintReport& report) const;
@@ -29,7 +31,6 @@ private:
 
     const TEffectGraph& Graph;
     const TEffectSchedule& Schedule;
-    // Those that something which is drawn, ends or fires particles hangs on.
     TPointerMap Useful;
 };
 

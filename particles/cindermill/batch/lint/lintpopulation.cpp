@@ -29,8 +29,10 @@ TLintPopulation::TLintPopulation(const TEffectSchedule& schedule, const TLintOpt
 void TLintPopulation::BeginRun(TEffectExec& exec)
 {
     Exec = &exec;
-    for (TGroup& group : Groups)
+    for (TGroup& group : Groups) {
         group.RunLost = 0;
+        group.RunBorn = 0;
+    }
 }
 
 void TLintPopulation::BeginFrame()
@@ -87,7 +89,8 @@ void TLintPopulation::EndFrame()
             group.FirstBirth =
                 group.Born == 0 || moment.Time < group.FirstBirth ? moment.Time : group.FirstBirth;
             group.LastBirth = moment.Time > group.LastBirth ? moment.Time : group.LastBirth;
-            group.Born += group.FrameDue;
+            group.RunBorn += group.FrameDue;
+            group.Born = group.RunBorn > group.Born ? group.RunBorn : group.Born;
         }
         if (group.FrameDue > group.MostBirths)
             group.MostBirths = group.FrameDue;
@@ -217,7 +220,7 @@ void TLintPopulation::TellEmission(TLintReport& report, int index)
 {
     const TGroup& group = Groups[index];
     const int most = Schedule.GetMaxEmission(index);
-    if (group.Born == 0 && !IsEmissionBypassed(index) && !HasSilentParent(index)) {
+    if (group.Born == 0 && !IsEmissionTold(report, index) && !HasSilentParent(index)) {
         TFinding& finding =
             report.AddGroup(LK_EMISSIONNONE, index, "No particle is born in %.2f s under %d seeds",
                             double(RunTime), Options.NumSeeds);
@@ -238,15 +241,17 @@ void TLintPopulation::TellEmission(TLintReport& report, int index)
     AddNumber(finding, "seed", group.Over.Seed);
 }
 
-// The bypass is told by itself.
-bool TLintPopulation::IsEmissionBypassed(int group) const
+// That an emission node is bypassed, or that what is to fire it belongs to no group, is told by itself.
+bool TLintPopulation::IsEmissionTold(const TLintReport& report, int group) const
 {
     bool found = false;
     for (int t = 0; t < Schedule.GetNumTiedNodes(group); ++t) {
-        const TNodeType& type = *Schedule.GetNode(Schedule.GetTiedNode(group, t))->GetNodeType();
-        if (type.Category != TU_EMITTER)
+        const TEffectNode& node = *Schedule.GetNode(Schedule.GetTiedNode(group, t));
+        if (node.GetNodeType()->Category != TU_EMITTER)
             continue;
-        if (!type.IsBypassed())
+        const TEffectEdge* trigger = node.GetNumInputs() > 0 ? node.GetInput(0) : nullptr;
+        const bool isDropped = trigger != nullptr && report.FindGroup(*trigger->GetSrcNode()) == -1;
+        if (!node.GetNodeType()->IsBypassed() && !isDropped)
             return false;
         found = true;
     }

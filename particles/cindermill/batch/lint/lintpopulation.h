@@ -40,6 +40,7 @@ private:
         double LongestLife = 0;
         // Of the present run and frame.
         double RunLost = 0;
+        double RunBorn = 0;
         double FrameDue = 0;
         double FrameBorn = 0;
         int FrameStart = 0;
@@ -53,7 +54,7 @@ private:
     void TellCapacity(TLintReport& report, int index, bool endless);
     void TellLife(TLintReport& report, int index, bool endless);
     void TellEmission(TLintReport& report, int index);
-    bool IsEmissionBypassed(int group) const;
+    bool IsEmissionTold(const TLintReport& report, int group) const;
     bool HasSilentParent(int group) const;
 
     const TEffectSchedule& Schedule;
