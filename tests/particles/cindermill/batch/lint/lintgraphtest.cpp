@@ -31,6 +31,7 @@ TEST_F(LintGraphs, WhatReachesNoStageIsToldByItsLastNode)
     second.Wire("Product", last, "A");
     effect.Cone.Wire("Velocity", last, "B");
     const TFindingList findings = Lint(effect);
+    ASSERT_TRUE(effect.Effect.Save("/tmp/L.dbg.effect"));
     EXPECT_ONLY("graph.unused", findings);
     EXPECT_EQ(FS_WARNING, findings[0].Severity);
     EXPECT_STREQ("Add", findings[0].Place.Node.Print());
