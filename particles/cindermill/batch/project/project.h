@@ -1,6 +1,6 @@
 #pragma once
 
-#include "particles/cindermill/batch/findings/finding.h"
+#include "particles/cindermill/batch/findings/findingreport.h"
 
 #include <cstdint>
 
@@ -34,7 +34,7 @@ struct TProjectPolicies
 
 // What a team agrees on for all its effects, as its project file tells it. Without a file nothing is limited,
 // allowed or judged otherwise than usual.
-class TProject
+class TProject : public TFindingJudge
 {
 public:
     static constexpr int64_t NoLimit = -1;
@@ -55,7 +55,7 @@ public:
     // What the project says of such findings, or the usual.
     TFindingSeverity GetSeverity(const char* id, TFindingSeverity usual) const;
     // Gives the finding the severity that the project has for it, and the reason where it allows it.
-    void Judge(TFinding& finding) const;
+    void Judge(TFinding& finding) const override;
 
 private:
     friend class TProjectReader;
