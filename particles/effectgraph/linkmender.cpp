@@ -91,7 +91,6 @@ void TLinkMender::MendRamp(const TNodeType& type, TNodeRampParameter& ramp)
     if (!ramp.FreeLostLocks())
         return;
     Told.SetSource(&type, -1);
-    Told.Add(
-        new TError("Node \"%s\": \"%s\" has a curve locked to one that does not exist; it is free now",
-                   QuoteText(type.Name, NameLimit).Print(), QuoteText(ramp.Name, NameLimit).Print()));
+    Told.Add(new TError("Node \"%s\": \"%s\" has a curve locked to one that does not exist; it is free now",
+                        QuoteText(type.Name, NameLimit).Print(), QuoteText(ramp.Name, NameLimit).Print()));
 }

@@ -4,6 +4,7 @@
 #include "particles/cindermill/batch/project/project.h"
 #include "particles/effectgraph/error.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 
@@ -69,8 +70,7 @@ bool ReadText(const char* path, std::string& text, TString& fault)
 class TProjectReader
 {
 public:
-    TProjectReader(TProject& project, const char* path, TErrorList& errors)
-        : Project(project), Path(path), Errors(errors)
+    TProjectReader(TProject& project, const char* path) : Project(project)
     {
         TString kept;
         ToKeptPath(path, kept);
@@ -79,14 +79,22 @@ public:
         HasFolder = kept.FindLast('\\') != -1;
     }
     void Read(const toml::table& file);
+    // By rising lines. False if there is one.
+    bool TellFaults(const char* path, TErrorList& errors);
 
 private:
-    using TTake = void (TProjectReader::*)(const char* key, const toml::node& value);
+    struct TFault
+    {
+        int Line;
+        TString Text;
+    };
 
     template <class... TArgs>
     void Tell(const toml::node& node, const char* format, TArgs... args)
     {
-        Errors.Add(new TFileError(Path, GetLine(node), format, args...));
+        TFault fault{GetLine(node), TString()};
+        fault.Text.Format(format, args...);
+        Append(Faults, fault);
     }
     void TellKind(const char* key, const char* wanted, const toml::node& value)
     {
@@ -111,8 +119,7 @@ private:
     TString FromHere(const char* path) const;
 
     TProject& Project;
-    const char* Path;
-    TErrorList& Errors;
+    vector<TFault> Faults;
     TString Folder;
     bool HasFolder = false;
 };
@@ -277,7 +284,7 @@ void TProjectReader::TakePlace(const toml::node& value, TProject::TAllowance& al
 void TProjectReader::ReadAllowance(const toml::table& table)
 {
     TProject::TAllowance allowance;
-    const int before = Errors.size();
+    const int before = Faults.size();
     for (const auto& [key, value] : table) {
         const TString name = ToText(key.str());
         int64_t group = -1;
@@ -296,7 +303,7 @@ void TProjectReader::ReadAllowance(const toml::table& table)
         else if (TakeWhole("group", value, INT_MAX, group))
             allowance.Group = static_cast<int>(group);
     }
-    if (Errors.size() != before)
+    if (Faults.size() != before)
         return;
     if (allowance.Id.IsEmpty() || allowance.File.IsEmpty() || allowance.Reason.IsEmpty()) {
         Tell(table, "An allowed finding needs \"finding\", \"file\" and \"reason\"");
@@ -346,6 +353,16 @@ void TProjectReader::Read(const toml::table& file)
     }
 }
 
+// A table gives its keys by their names.
+bool TProjectReader::TellFaults(const char* path, TErrorList& errors)
+{
+    std::stable_sort(Faults.begin(), Faults.end(),
+                     [](const TFault& a, const TFault& b) { return a.Line < b.Line; });
+    for (const TFault& fault : Faults)
+        errors.Add(new TFileError(path, fault.Line, "%.1000s", fault.Text.Print()));
+    return Faults.empty();
+}
+
 bool TProject::Load(const char* path, TErrorList& errors)
 {
     std::string text;
@@ -361,8 +378,8 @@ bool TProject::Load(const char* path, TErrorList& errors)
                                   ToText(error.description()).Print()));
         return false;
     }
-    const int before = errors.size();
-    TProjectReader(*this, path, errors).Read(parsed.table());
+    TProjectReader reader(*this, path);
+    reader.Read(parsed.table());
     Path = path;
-    return errors.size() == before;
+    return reader.TellFaults(path, errors);
 }

@@ -334,7 +334,7 @@ void TEffectExec::ExportNode(TExportData* exportdata, TErrorList& errors, int gr
     TEffectExecNode* node = Place(group, tied);
     if (node == nullptr)
         return;
-    errors.SetSource(node->GetNodeType(), group);
+    errors.SetSource(Schedule->GetNode(Schedule->GetTiedNode(group, tied))->GetNodeType(), group);
     exportdata->SetCurrent(group, tied);
     if (node->IsBypassed())
         exportdata->ExportBypassed();
