@@ -4,6 +4,7 @@
 #include "particles/cindermill/batch/efxcommand.h"
 #include "particles/cindermill/batch/exportcommand.h"
 #include "particles/cindermill/batch/hashcommand.h"
+#include "particles/cindermill/batch/helpcommand.h"
 #include "particles/cindermill/batch/imagecommand.h"
 #include "particles/cindermill/batch/lintcommand.h"
 #include "particles/cindermill/batch/reportcommand.h"
@@ -18,6 +19,8 @@
 
 namespace {
 
+constexpr const char* SharedOptions = "[--node-types DIR] [--resources DIR] [--project FILE]";
+
 const TTypesCommand Types;
 const TCheckCommand Check;
 const TLintCommand Lint;
@@ -30,9 +33,10 @@ const TTranslateCommand Translate;
 const TImageCommand Image;
 const TResaveCommand Resave;
 const THashCommand Hash;
+const THelpCommand Help;
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check, &Lint, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash,
+    &Types, &Check, &Lint, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash, &Help,
 };
 
 } // namespace
@@ -55,14 +59,26 @@ const TBatchCommand* FindBatchCommand(const char* word)
     return nullptr;
 }
 
+void PrintUsage(std::FILE* out)
+{
+    std::fprintf(out, "usage: cindermill-batch %s COMMAND ARGUMENTS\n", SharedOptions);
+    for (const TBatchCommand* command : Commands)
+        std::fprintf(out, "    %s %s\n", command->Name, command->Usage);
+}
+
+void PrintHelp(const TBatchCommand& command)
+{
+    std::printf("usage: cindermill-batch %s %s %s\n\n%s", SharedOptions, command.Name, command.Usage,
+                command.GetHelp());
+}
+
 int ReportUsage(const char* format, ...)
 {
     va_list args;
     va_start(args, format);
     std::vfprintf(stderr, format, args);
     va_end(args);
-    std::fputs("\nusage: cindermill-batch [--node-types DIR] [--resources DIR] COMMAND ARGUMENTS\n", stderr);
-    for (const TBatchCommand* command : Commands)
-        std::fprintf(stderr, "    %s %s\n", command->Name, command->Usage);
+    std::fputc('\n', stderr);
+    PrintUsage(stderr);
     return StatusUsage;
 }

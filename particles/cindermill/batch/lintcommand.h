@@ -8,4 +8,5 @@ class TLintCommand final : public TBatchCommand
 public:
     TLintCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

@@ -42,11 +42,11 @@ bool TEffectLint::IsToldElsewhere(const char* error) const
            (Files.LacksTextureName() && BeginsWithOne(error, TextureErrors));
 }
 
-void TEffectLint::TellErrors(int kind, const TErrorList& errors, TLintReport& report) const
+void TEffectLint::TellErrors(const char* kind, const TErrorList& errors, TLintReport& report) const
 {
     for (const TError* error : errors)
         if (!IsToldElsewhere(error->GetMessage()))
-            report.Add(static_cast<TLintKindId>(kind), "%s", error->GetMessage().Print());
+            report.AddError(kind, *error);
 }
 
 void TEffectLint::Lint(const TEffectGraph& graph, TLintReport& report)

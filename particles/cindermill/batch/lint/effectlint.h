@@ -28,7 +28,7 @@ private:
     bool LintRuns(const TEffectSchedule& schedule, const TLintGraph& graph, TLintReport& report);
     void LintExport(const TEffectSchedule& schedule, TLintReport& report);
     bool IsToldElsewhere(const char* error) const;
-    void TellErrors(int kind, const TErrorList& errors, TLintReport& report) const;
+    void TellErrors(const char* kind, const TErrorList& errors, TLintReport& report) const;
 
     TExecServices& Services;
     const TNodeTypeLibrary& Library;

@@ -9,6 +9,7 @@
 #include "particles/effectgraph/xmltext.h"
 
 #include <cmath>
+#include <cstring>
 
 namespace {
 
@@ -16,7 +17,7 @@ namespace {
 struct TConsoleClass
 {
     const char* ClassName;
-    TLintKindId Kind;
+    const char* Kind;
     const char* Text;
 };
 
@@ -100,7 +101,7 @@ bool TLintConsole::Differs(const TEffectNode& node)
     if (node.GetNodeType()->IsBypassed())
         return false;
     for (const TConsoleClass& entry : Classes)
-        if (entry.Kind != LK_CONSOLEEVENT && IsClass(node, entry.ClassName))
+        if (std::strcmp(entry.Kind, LK_CONSOLEEVENT) != 0 && IsClass(node, entry.ClassName))
             return true;
     for (const TFixedInput& input : FixedInputs)
         if (IsClass(node, input.ClassName) && input.Port < node.GetNumInputs() &&

@@ -8,19 +8,16 @@
 
 namespace {
 
-// In the order of TLintBudget.
-struct TBudgetText
-{
-    const char* Name;
-    const char* Text;
-};
-constexpr TBudgetText Budgets[LB_NUMBUDGETS] = {
-    {"rows", "rows of the working set"},          {"input-buffers", "input buffers"},
-    {"output-buffers", "output buffers"},         {"program-kb", "kilobytes of program"},
-    {"workspace-kb", "kilobytes of workspace"},   {"particle-bytes", "bytes for a particle"},
-    {"file-bytes", "bytes of the exported file"}, {"particles", "particles"},
-};
-constexpr int NumGroupBudgets = LB_FILEBYTES;
+// In the order of TBudget.
+constexpr const char* BudgetTexts[BG_NUMBUDGETS] = {"rows of the working set",
+                                                    "input buffers",
+                                                    "output buffers",
+                                                    "kilobytes of program",
+                                                    "kilobytes of workspace",
+                                                    "bytes for a particle",
+                                                    "bytes of the exported file",
+                                                    "particles"};
+constexpr int NumGroupBudgets = BG_FILEBYTES;
 
 int64_t Larger(int64_t a, int64_t b)
 {
@@ -28,11 +25,6 @@ int64_t Larger(int64_t a, int64_t b)
 }
 
 } // namespace
-
-const char* GetLintBudgetName(TLintBudget budget)
-{
-    return Budgets[budget].Name;
-}
 
 void TLintExport::Tell(TLintReport& report) const
 {
@@ -53,45 +45,45 @@ void TLintExport::CountGroup(int group, int64_t* used) const
     const TExportGroup& exported = Export.GetResult().Groups[group];
     const TPhaseHeader& emission = exported.Emission.Header;
     const TPhaseHeader& process = exported.Process.Header;
-    used[LB_ROWS] = Larger(emission.Rows, process.Rows);
-    used[LB_INPUTBUFFERS] = Larger(emission.InputBuffers, process.InputBuffers);
-    used[LB_OUTPUTBUFFERS] = Larger(emission.OutputBuffers, process.OutputBuffers);
-    used[LB_PROGRAMKB] = Larger(emission.ProgramKilobytes, process.ProgramKilobytes);
-    used[LB_WORKSPACEKB] = Larger(emission.WorkspaceKilobytes, process.WorkspaceKilobytes);
-    used[LB_PARTICLEBYTES] = exported.Stride;
+    used[BG_ROWS] = Larger(emission.Rows, process.Rows);
+    used[BG_INPUTBUFFERS] = Larger(emission.InputBuffers, process.InputBuffers);
+    used[BG_OUTPUTBUFFERS] = Larger(emission.OutputBuffers, process.OutputBuffers);
+    used[BG_PROGRAMKB] = Larger(emission.ProgramKilobytes, process.ProgramKilobytes);
+    used[BG_WORKSPACEKB] = Larger(emission.WorkspaceKilobytes, process.WorkspaceKilobytes);
+    used[BG_PARTICLEBYTES] = exported.Stride;
 }
 
 void TLintExport::TellGroup(TLintReport& report, int group, const int64_t* used) const
 {
     for (int b = 0; b < NumGroupBudgets; ++b)
-        TellOver(report, group, static_cast<TLintBudget>(b), used[b]);
+        TellOver(report, group, static_cast<TBudget>(b), used[b]);
     if (!Options.TellBudgets)
         return;
     TFinding& finding =
         report.AddGroup(LK_BUDGETUSED, group,
                         "Group %d takes %d rows, %d input and %d output buffers, %d KB of program, %d KB of "
                         "workspace and %d bytes for a particle",
-                        group, static_cast<int>(used[LB_ROWS]), static_cast<int>(used[LB_INPUTBUFFERS]),
-                        static_cast<int>(used[LB_OUTPUTBUFFERS]), static_cast<int>(used[LB_PROGRAMKB]),
-                        static_cast<int>(used[LB_WORKSPACEKB]), static_cast<int>(used[LB_PARTICLEBYTES]));
+                        group, static_cast<int>(used[BG_ROWS]), static_cast<int>(used[BG_INPUTBUFFERS]),
+                        static_cast<int>(used[BG_OUTPUTBUFFERS]), static_cast<int>(used[BG_PROGRAMKB]),
+                        static_cast<int>(used[BG_WORKSPACEKB]), static_cast<int>(used[BG_PARTICLEBYTES]));
     for (int b = 0; b < NumGroupBudgets; ++b)
-        AddNumber(finding, Budgets[b].Name, static_cast<double>(used[b]));
+        AddNumber(finding, GetBudgetName(static_cast<TBudget>(b)), static_cast<double>(used[b]));
 }
 
-void TLintExport::TellOver(TLintReport& report, int group, TLintBudget budget, int64_t used) const
+void TLintExport::TellOver(TLintReport& report, int group, TBudget budget, int64_t used) const
 {
     const int64_t most = Options.Limits.Most[budget];
-    if (most == TLintLimits::NoLimit || used <= most)
+    if (most == TProject::NoLimit || used <= most)
         return;
     const char* format = "The effect takes %lld %s, and its project lets it take %lld";
     const char* groupFormat = "The group takes %lld %s, and its project lets it take %lld";
     const long long usedNumber = used;
     const long long mostNumber = most;
-    TFinding& finding = group == -1
-                            ? report.Add(LK_BUDGETOVER, format, usedNumber, Budgets[budget].Text, mostNumber)
-                            : report.AddGroup(LK_BUDGETOVER, group, groupFormat, usedNumber,
-                                              Budgets[budget].Text, mostNumber);
-    AddNumber(finding, Budgets[budget].Name, static_cast<double>(used));
+    TFinding& finding =
+        group == -1
+            ? report.Add(LK_BUDGETOVER, format, usedNumber, BudgetTexts[budget], mostNumber)
+            : report.AddGroup(LK_BUDGETOVER, group, groupFormat, usedNumber, BudgetTexts[budget], mostNumber);
+    AddNumber(finding, GetBudgetName(budget), static_cast<double>(used));
     AddNumber(finding, "most", static_cast<double>(most));
 }
 
@@ -101,14 +93,14 @@ void TLintExport::TellWhole(TLintReport& report) const
     for (const TExportGroup& group : Export.GetResult().Groups)
         particles += group.IsTriggerGroup ? 0 : group.ParticleCount;
     const int64_t bytes = Export.GetFileSize();
-    TellOver(report, -1, LB_FILEBYTES, bytes);
-    TellOver(report, -1, LB_PARTICLES, particles);
+    TellOver(report, -1, BG_FILEBYTES, bytes);
+    TellOver(report, -1, BG_PARTICLES, particles);
     if (!Options.TellBudgets)
         return;
     TFinding& finding = report.Add(LK_BUDGETUSED, "The effect takes %d particles, and %d bytes of the file",
                                    static_cast<int>(particles), static_cast<int>(bytes));
-    AddNumber(finding, Budgets[LB_FILEBYTES].Name, static_cast<double>(bytes));
-    AddNumber(finding, Budgets[LB_PARTICLES].Name, static_cast<double>(particles));
+    AddNumber(finding, GetBudgetName(BG_FILEBYTES), static_cast<double>(bytes));
+    AddNumber(finding, GetBudgetName(BG_PARTICLES), static_cast<double>(particles));
 }
 
 // A policy that makes a broken one prevent the export makes it an error.

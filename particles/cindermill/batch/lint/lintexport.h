@@ -23,7 +23,7 @@ private:
     void CountGroup(int group, int64_t* used) const;
     void TellGroup(TLintReport& report, int group, const int64_t* used) const;
     void TellWhole(TLintReport& report) const;
-    void TellOver(TLintReport& report, int group, TLintBudget budget, int64_t used) const;
+    void TellOver(TLintReport& report, int group, TBudget budget, int64_t used) const;
     void TellPolicies(TLintReport& report) const;
     void TellCounts(TLintReport& report) const;
     const TTiedNode* FindCountReader(int group, int count) const;
@@ -32,6 +32,3 @@ private:
     const TExportData& Export;
     const TLintOptions& Options;
 };
-
-// The name of a budget as findings and project files have it.
-const char* GetLintBudgetName(TLintBudget budget);

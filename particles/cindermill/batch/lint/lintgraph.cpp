@@ -42,6 +42,15 @@ void GatherSources(const TEffectNode& node, TPointerMap& found, vector<const TEf
     }
 }
 
+// A node that an artist has named is still of its class.
+bool HasClass(const TNodeTypeLibrary& library, const char* className)
+{
+    for (int i = 0; i < library.GetNumTypes(); ++i)
+        if (library.GetType(i)->ClassName.Compare(className) == 0)
+            return true;
+    return false;
+}
+
 } // namespace
 
 void TLintGraph::MarkUseful(const TEffectNode& node)
@@ -202,31 +211,17 @@ void TLintGraph::TellPriorities(TLintReport& report) const
     }
 }
 
-// One for each type: all its nodes are mended together.
 void LintNodeTypes(const TEffectGraph& graph, const TNodeTypeLibrary& library, TLintReport& report)
 {
-    vector<TString> told;
     for (int n = 0; n < graph.GetNumNodes(); ++n) {
         const TEffectNode& node = *graph.GetNode(n);
         const TNodeType& type = *node.GetNodeType();
-        const bool missing = library.FindType(type.Name) == nullptr;
-        if (!missing && !type.NeedsRefresh(library))
-            continue;
-        if (told.find(type.Name) != told.end())
-            continue;
-        told.push_back(type.Name);
-        int count = 0;
-        for (int k = n; k < graph.GetNumNodes(); ++k) {
-            const TNodeType& other = *graph.GetNode(k)->GetNodeType();
-            count += other.Name == type.Name && (missing || other.NeedsRefresh(library)) ? 1 : 0;
-        }
-        TFinding& finding =
-            missing ? report.AddNode(LK_TYPEMISSING, node, -1, "The library has no node type \"%s\"",
-                                     GetNodeName(node).Print())
-                    : report.AddNode(
-                          LK_TYPESTALE, node, -1,
-                          "Node type \"%s\" has changed since: opening the effect offers to refresh it",
-                          GetNodeName(node).Print());
-        AddNumber(finding, "nodes", count);
+        const bool isKnown = library.FindType(type.Name) != nullptr;
+        if (isKnown && type.NeedsRefresh(library))
+            report.AddNode(LK_TYPESTALE, node, -1, "%s differs from the library's type of its name",
+                           GetNodeName(node).Print());
+        else if (!isKnown && !HasClass(library, type.ClassName))
+            report.AddNode(LK_TYPEMISSING, node, -1, "%s is of a type that the library does not have",
+                           GetNodeName(node).Print());
     }
 }

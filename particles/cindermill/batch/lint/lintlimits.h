@@ -1,27 +1,18 @@
 #pragma once
 
+#include "particles/cindermill/batch/project/project.h"
+
 #include <cstdint>
 
-// What an effect may take of the console.
-enum TLintBudget
-{
-    // Of one group: rows of the working set, buffers, kilobytes, bytes of a particle's record.
-    LB_ROWS,
-    LB_INPUTBUFFERS,
-    LB_OUTPUTBUFFERS,
-    LB_PROGRAMKB,
-    LB_WORKSPACEKB,
-    LB_PARTICLEBYTES,
-    // Of the whole effect.
-    LB_FILEBYTES,
-    LB_PARTICLES,
-    LB_NUMBUDGETS
-};
-
+// What an effect may take of the console, by TBudget.
 struct TLintLimits
 {
-    static constexpr int64_t NoLimit = -1;
-    int64_t Most[LB_NUMBUDGETS] = {NoLimit, NoLimit, NoLimit, NoLimit, NoLimit, NoLimit, NoLimit, NoLimit};
+    TLintLimits()
+    {
+        for (int64_t& most : Most)
+            most = TProject::NoLimit;
+    }
+    int64_t Most[BG_NUMBUDGETS];
 };
 
 // How a lint is to be done.

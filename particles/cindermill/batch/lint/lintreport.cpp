@@ -1,32 +1,25 @@
 #include "particles/cindermill/batch/lint/lintreport.h"
 
+#include "particles/cindermill/batch/findings/findingreport.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/effectgraph/error.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 #include "particles/effectgraph/xmltext.h"
 
 #include <cstdarg>
 #include <cstdio>
 
-TFinding& TLintReport::AddText(TLintKindId kind, const char* format, va_list args)
+TFinding& TLintReport::AddText(const char* kind, const char* format, va_list args)
 {
     constexpr int MaxMessage = 2048;
     char text[MaxMessage];
     std::vsnprintf(text, sizeof text, format, args);
-    TFinding finding;
-    finding.Id = GetLintKind(kind).Id;
-    finding.Severity = GetLintKind(kind).Severity;
-    finding.File = File;
-    // Names and the texts of others may hold line ends.
-    for (char* ch = text; *ch != 0; ++ch)
-        if (*ch == '\n' || *ch == '\r' || *ch == '\t')
-            *ch = ' ';
-    finding.Message = text;
-    finding.Message.Trim();
+    const TFinding finding = MakeFinding(kind, File, text);
     Findings.Add(finding);
     return Findings[Findings.size() - 1];
 }
 
-TFinding& TLintReport::Add(TLintKindId kind, const char* format, ...)
+TFinding& TLintReport::Add(const char* kind, const char* format, ...)
 {
     va_list args;
     va_start(args, format);
@@ -35,7 +28,7 @@ TFinding& TLintReport::Add(TLintKindId kind, const char* format, ...)
     return finding;
 }
 
-TFinding& TLintReport::AddNode(TLintKindId kind, const TEffectNode& node, int group, const char* format, ...)
+TFinding& TLintReport::AddNode(const char* kind, const TEffectNode& node, int group, const char* format, ...)
 {
     va_list args;
     va_start(args, format);
@@ -45,7 +38,7 @@ TFinding& TLintReport::AddNode(TLintKindId kind, const TEffectNode& node, int gr
     return finding;
 }
 
-TFinding& TLintReport::AddGroup(TLintKindId kind, int group, const char* format, ...)
+TFinding& TLintReport::AddGroup(const char* kind, int group, const char* format, ...)
 {
     va_list args;
     va_start(args, format);
@@ -55,6 +48,17 @@ TFinding& TLintReport::AddGroup(TLintKindId kind, int group, const char* format,
     if (const TEffectNode* source = FindSource(group))
         SetPlace(finding.Place, *source, group);
     return finding;
+}
+
+void TLintReport::AddError(const char* kind, const TError& error)
+{
+    const TErrorSource& source = error.GetSource();
+    TFinding& finding = Add(kind, "%s", error.GetMessage().Print());
+    finding.Place.Group = source.Group;
+    for (int n = 0; Schedule != nullptr && n < Schedule->GetNumNodes(); ++n)
+        if (source.Type != nullptr && Schedule->GetNode(n)->GetNodeType() == source.Type)
+            SetPlace(finding.Place, *Schedule->GetNode(n),
+                     source.Group != -1 ? source.Group : FindGroup(*Schedule->GetNode(n)));
 }
 
 void TLintReport::SetPlace(TFindingPlace& place, const TEffectNode& node, int group) const

