@@ -5,6 +5,7 @@
 #include "particles/cindermill/batch/exportcommand.h"
 #include "particles/cindermill/batch/hashcommand.h"
 #include "particles/cindermill/batch/imagecommand.h"
+#include "particles/cindermill/batch/replaycommand.h"
 #include "particles/cindermill/batch/reportcommand.h"
 #include "particles/cindermill/batch/resavecommand.h"
 #include "particles/cindermill/batch/runcommand.h"
@@ -23,6 +24,7 @@ const TReportCommand Report;
 const TDumpCommand Dump;
 const TExportCommand Export;
 const TRunCommand Run;
+const TReplayCommand Replay;
 const TEfxCommand Efx;
 const TTranslateCommand Translate;
 const TImageCommand Image;
@@ -30,7 +32,7 @@ const TResaveCommand Resave;
 const THashCommand Hash;
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash,
+    &Types, &Check, &Report, &Dump, &Export, &Run, &Replay, &Efx, &Translate, &Image, &Resave, &Hash,
 };
 
 } // namespace
