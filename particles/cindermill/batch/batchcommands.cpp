@@ -7,6 +7,7 @@
 #include "particles/cindermill/batch/helpcommand.h"
 #include "particles/cindermill/batch/imagecommand.h"
 #include "particles/cindermill/batch/lintcommand.h"
+#include "particles/cindermill/batch/replaycommand.h"
 #include "particles/cindermill/batch/reportcommand.h"
 #include "particles/cindermill/batch/resavecommand.h"
 #include "particles/cindermill/batch/runcommand.h"
@@ -28,6 +29,7 @@ const TReportCommand Report;
 const TDumpCommand Dump;
 const TExportCommand Export;
 const TRunCommand Run;
+const TReplayCommand Replay;
 const TEfxCommand Efx;
 const TTranslateCommand Translate;
 const TImageCommand Image;
@@ -36,7 +38,8 @@ const THashCommand Hash;
 const THelpCommand Help;
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check, &Lint, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash, &Help,
+    &Types,  &Check, &Lint,      &Report, &Dump,   &Export, &Run,
+    &Replay, &Efx,   &Translate, &Image,  &Resave, &Hash,   &Help,
 };
 
 } // namespace

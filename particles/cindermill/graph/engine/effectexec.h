@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/ownerlist.h"
+#include "particles/cindermill/graph/engine/placerandoms.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
 class TEffectExecNode;
@@ -33,6 +34,12 @@ public:
     bool AreBirthsApart() const { return BirthsApart; }
     // Hears of all that Update does; null for nobody. It stays the caller's.
     void SetWatch(TExecWatch* watch) { Watch = watch; }
+    // From the next Init on: each place of a node draws from generators of its own, all seeded from this
+    // number, and not from its class's.
+    void SetSeed(uint32_t seed);
+    // From the next Init on: whether stages load their textures. Without them they can be exported.
+    void SetTexturesUsed(bool used) { TexturesUsed = used; }
+    bool AreTexturesUsed() const { return TexturesUsed; }
     void Clear();
     bool IsInited() const { return Inited; }
     // Seconds since Init.
@@ -51,6 +58,8 @@ public:
 
     const TEffectSchedule& GetSchedule() const { return *Schedule; }
     TExecServices& GetServices() const { return Services; }
+    // Null where nodes draw from their classes' generators.
+    TPlaceRandoms* GetRandoms() { return HasSeed ? &Randoms : nullptr; }
     int GetNumGroups() const { return Groups.size(); }
     TParticleBuffer* GetGroup(int group) const { return Groups[group]; }
     int GetNumParticles(int group) const;
@@ -98,4 +107,8 @@ private:
     bool Inited = false;
     bool BirthsApart = false;
     TExecWatch* Watch = nullptr;
+    bool TexturesUsed = true;
+    bool HasSeed = false;
+    uint32_t Seed = 0;
+    TPlaceRandoms Randoms;
 };
