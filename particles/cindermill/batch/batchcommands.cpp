@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/batchcommand.h"
 #include "particles/cindermill/batch/checkcommand.h"
+#include "particles/cindermill/batch/diffcommand.h"
 #include "particles/cindermill/batch/dumpcommand.h"
 #include "particles/cindermill/batch/efxcommand.h"
 #include "particles/cindermill/batch/exportcommand.h"
@@ -8,6 +9,7 @@
 #include "particles/cindermill/batch/reportcommand.h"
 #include "particles/cindermill/batch/resavecommand.h"
 #include "particles/cindermill/batch/runcommand.h"
+#include "particles/cindermill/batch/textcommand.h"
 #include "particles/cindermill/batch/translatecommand.h"
 #include "particles/cindermill/batch/typescommand.h"
 
@@ -28,9 +30,11 @@ const TTranslateCommand Translate;
 const TImageCommand Image;
 const TResaveCommand Resave;
 const THashCommand Hash;
+const TTextCommand Text;
+const TDiffCommand Diff;
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash,
+    &Types, &Check, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash, &Text, &Diff,
 };
 
 } // namespace
