@@ -6,6 +6,7 @@
 #include "particles/cindermill/batch/exportcommand.h"
 #include "particles/cindermill/batch/hashcommand.h"
 #include "particles/cindermill/batch/imagecommand.h"
+#include "particles/cindermill/batch/picturecommand.h"
 #include "particles/cindermill/batch/reportcommand.h"
 #include "particles/cindermill/batch/resavecommand.h"
 #include "particles/cindermill/batch/runcommand.h"
@@ -32,9 +33,16 @@ const TResaveCommand Resave;
 const THashCommand Hash;
 const TTextCommand Text;
 const TDiffCommand Diff;
+const TPictureCommand Picture("picture", "FILE OUT.png [--frame N | --frames A-B --sheet C] [--seed K] "
+                                         "[--camera X,Y,Z,TX,TY,TZ] [--size WxH] [--background COLOUR] "
+                                         "[--turntable N] [--plain]");
+const TPictureCommand Sheet("sheet",
+                            "DIR OUT.png [--frame N] [--sheet C] [--seed K] [--camera X,Y,Z,TX,TY,TZ] "
+                            "[--size WxH] [--background COLOUR] [--plain]");
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash, &Text, &Diff,
+    &Types, &Check,  &Report, &Dump, &Export, &Run,     &Efx,   &Translate,
+    &Image, &Resave, &Hash,   &Text, &Diff,   &Picture, &Sheet,
 };
 
 } // namespace
