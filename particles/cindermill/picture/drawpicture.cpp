@@ -5,7 +5,6 @@
 #include "particles/cindermill/picture/contactsheet.h"
 #include "particles/cindermill/picture/picturedrawer.h"
 #include "particles/cindermill/picture/pictureeffect.h"
-#include "particles/cindermill/picture/picturefile.h"
 #include "particles/cindermill/picture/pictureoptions.h"
 
 #include <cstdio>
@@ -44,7 +43,7 @@ private:
     {
         TRgbPicture picture(Options.Width, Options.Height);
         return Effect.RunTo(Options.FirstFrame) && Drawer.Draw(Effect.GetDocument(), Options, 0, picture) &&
-               WritePictureFile(picture, out);
+               TPictureDrawer::WritePicture(picture, out);
     }
 
     bool DrawAll(const char* out)
@@ -63,7 +62,7 @@ private:
         for (int frame = Options.FirstFrame; frame <= Options.LastFrame; ++frame)
             if (!Effect.RunTo(frame) || !DrawFrame(sheet, whole, frame, index))
                 return false;
-        return WritePictureFile(whole, out);
+        return TPictureDrawer::WritePicture(whole, out);
     }
 
     bool DrawFrame(TContactSheet& sheet, TRgbPicture& whole, int frame, int& index)

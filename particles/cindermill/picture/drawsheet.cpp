@@ -4,7 +4,6 @@
 #include "particles/cindermill/picture/drawpicture.h"
 #include "particles/cindermill/picture/picturedrawer.h"
 #include "particles/cindermill/picture/pictureeffect.h"
-#include "particles/cindermill/picture/picturefile.h"
 #include "particles/cindermill/picture/pictureoptions.h"
 
 #include <cstdio>
@@ -93,7 +92,7 @@ bool DrawEffects(TBatchSession& session, const TPictureOptions& options, const v
         sheet.PutCell(whole, i, picture, text.Print());
         all = all && drawn;
     }
-    return WritePictureFile(whole, out) && all;
+    return TPictureDrawer::WritePicture(whole, out) && all;
 }
 
 } // namespace

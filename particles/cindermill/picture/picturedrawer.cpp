@@ -3,6 +3,7 @@
 #include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/glcontext.h"
 #include "particles/cindermill/interface/particles/camera.h"
+#include "particles/cindermill/interface/particles/picturefile.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/cindermill/picture/pictureoptions.h"
 
@@ -19,6 +20,15 @@ bool TPictureDrawer::Create(int width, int height)
     if (Window.Resize(width, height))
         return true;
     std::fprintf(stderr, "The OpenGL driver draws no picture of %d by %d\n", width, height);
+    return false;
+}
+
+bool TPictureDrawer::WritePicture(const TRgbPicture& picture, const char* path)
+{
+    TString fault;
+    if (WritePictureFile(picture, path, fault))
+        return true;
+    std::fprintf(stderr, "%s: The file cannot be written: %s\n", path, fault.Print());
     return false;
 }
 

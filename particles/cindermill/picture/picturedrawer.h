@@ -18,6 +18,9 @@ public:
     // The document's engine as it stands. False if the drawing failed, which is told on the standard error.
     bool Draw(TDocument& document, const TPictureOptions& options, float turn, TRgbPicture& picture);
 
+    // False with the reason on the standard error.
+    static bool WritePicture(const TRgbPicture& picture, const char* path);
+
 private:
     TOffscreenContext Context;
     TOffscreenWindow Window{Context};
