@@ -153,3 +153,9 @@ void TCindermillApp::OnIdle()
     if (Settings.GetAutoCheckUpdate() != 0)
         ChangeNotify.Poll();
 }
+
+void TCindermillApp::OnClock()
+{
+    if (Host == nullptr || !Host->IsDragging())
+        Autosave.SaveDue(Documents);
+}

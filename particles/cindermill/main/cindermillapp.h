@@ -79,6 +79,8 @@ public:
 
     // One idle pass: every document's, then the change watcher's.
     void OnIdle();
+    // About once a second, also while something waits for an answer.
+    void OnClock();
     // The view that commands go to, and its document; nulls for none. Views call it when they are clicked.
     void SetActiveDocWindow(TDocWindow* window, TDocument* document);
     TDocWindow* GetActiveDocWindow() const { return ActiveDocWindow; }
