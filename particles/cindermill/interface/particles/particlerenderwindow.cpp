@@ -1,7 +1,9 @@
 #include "particles/cindermill/interface/particles/particlerenderwindow.h"
 
 #include "library/system/clock.h"
+#include "library/wimp/gdi/rgbpicture.h"
 #include "library/wimp/gl/device/sceneview.h"
+#include "library/wimp/gl/framepixels.h"
 #include "library/wimp/gl/glcontext.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
@@ -186,4 +188,17 @@ void TParticleRenderWindow::Paint()
     TSceneView view;
     view.Set(Painted.View, projection);
     Scene.Draw(*Doc, view);
+}
+
+bool TParticleRenderWindow::ReadPicture(TRgbPicture& picture)
+{
+    int width = 0;
+    int height = 0;
+    GetDotSize(width, height);
+    ASSERT(picture.GetWidth() == width && picture.GetHeight() == height);
+    Paint();
+    if (!MakeCurrent() || !IsGlReady())
+        return false;
+    ReadFramePixels(GetFrameBuffer(), width, height, picture.GetPixels());
+    return true;
 }

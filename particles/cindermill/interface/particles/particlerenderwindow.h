@@ -5,6 +5,7 @@
 #include "particles/cindermill/interface/particles/particlescene.h"
 
 class TDocument;
+class TRgbPicture;
 
 // The preview's view of the effect, with a camera that the mouse and the keys move.
 class TParticleRenderWindow : public TWindow
@@ -16,6 +17,8 @@ public:
     void Tick();
     // Asks for a repaint where the picture would be another than the last.
     void RedrawChanged();
+    // What a frame shows now, in a picture of the window's dots. False without OpenGL.
+    bool ReadPicture(TRgbPicture& picture);
     const TCamera& GetCamera() const { return *Camera; }
 
     bool OnMessage(const TMessage& message) override;

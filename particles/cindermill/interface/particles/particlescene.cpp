@@ -50,18 +50,27 @@ void TParticleScene::Draw(TDocument& document, const TSceneView& view)
     glDepthMask(GL_TRUE);
     glClearColor(Background, Background, Background, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    DrawOver(document, view, true);
+}
+
+void TParticleScene::DrawOver(TDocument& document, const TSceneView& view, bool withMarks)
+{
     glDepthMask(GL_FALSE);
-    LineProgram.Bind(view);
-    for (const auto& entry : document.GetNodeDisplays())
-        entry.first->Render(view);
-    LineProgram.Unbind();
+    if (withMarks) {
+        LineProgram.Bind(view);
+        for (const auto& entry : document.GetNodeDisplays())
+            entry.first->Render(view);
+        LineProgram.Unbind();
+    }
     DrawParticles(document, view);
-    LineProgram.Bind(view);
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LEQUAL);
-    DrawGroundGrid();
-    glDisable(GL_DEPTH_TEST);
-    LineProgram.Unbind();
+    if (withMarks) {
+        LineProgram.Bind(view);
+        glEnable(GL_DEPTH_TEST);
+        glDepthFunc(GL_LEQUAL);
+        DrawGroundGrid();
+        glDisable(GL_DEPTH_TEST);
+        LineProgram.Unbind();
+    }
     glDepthMask(GL_TRUE);
     CheckGlError();
 }
