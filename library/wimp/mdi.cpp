@@ -2,6 +2,8 @@
 
 #include "library/containers/assertion.h"
 #include "library/wimp/menudata.h"
+#include "library/wimp/mnemonics.h"
+#include "library/wimp/modal.h"
 #include "library/wimp/wimp.h"
 #include "library/wimp/windowpeer.h"
 
@@ -30,7 +32,8 @@ constexpr TGDIColour ClientColour = 0x9AA2A6;
 class TStatusBar : public QStatusBar
 {
 public:
-    explicit TStatusBar(QWidget* parent) : QStatusBar(parent), First(MakePart()), Second(MakePart())
+    explicit TStatusBar(QWidget* parent)
+        : QStatusBar(parent), First(MakePart()), Second(MakePart()), NoteEnd(this)
     {
         setObjectName(QStringLiteral("statusbar"));
         First->setObjectName(QStringLiteral("status0"));
@@ -238,6 +241,7 @@ bool TMDIFrame::CreateFrame(const TWindowParams& params, TMenu& menu)
         if (list->title() == QLatin1String("Window"))
             QObject::connect(list, &QMenu::aboutToShow, window, [this, list] { ListChildren(list); });
     }
+    AssignMnemonics(*menu.Data->GetMenu());
     window->menuBar()->setObjectName(QStringLiteral("menubar"));
     QMdiArea* area = new TClientArea(window);
     area->setObjectName(QStringLiteral("mdiclient"));
@@ -303,6 +307,16 @@ TWindow* TMDIFrame::GetActiveChild() const
 void TMDIFrame::Activate(TWindow& child)
 {
     child.BringToTop();
+}
+
+void TMDIFrame::OpenMenuBar()
+{
+    QMainWindow* window = qobject_cast<QMainWindow*>(GetHandle());
+    if (window == nullptr || window->menuBar()->actions().isEmpty())
+        return;
+    BringToTop();
+    FreeMouse();
+    window->menuBar()->setActiveAction(window->menuBar()->actions().constFirst());
 }
 
 void TMDIFrame::SetEmptyPage(TWimpControl& page)

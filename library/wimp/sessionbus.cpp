@@ -1,10 +1,9 @@
 #include "library/wimp/sessionbus.h"
 
 #include <QtCore/QFile>
-#include <QtCore/QStandardPaths>
 
 bool IsThereASessionBus()
 {
     return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
-           QFile::exists(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/bus");
+           QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
 }

@@ -100,6 +100,7 @@ public:
             old->deleteLater();
         }
         setWidget(page);
+        page->show();
     }
     QLabel* MakeHeading(const char* text)
     {
@@ -139,7 +140,7 @@ QString ToLabel(const TString& text)
     return ToQt(text.Print()).replace(QLatin1Char('&'), QStringLiteral("&&"));
 }
 
-// In the middle, with what is left of the place in black, as the preview is.
+// In the middle; what the picture leaves of the place is clear.
 QIcon LoadTilePicture(const TString& path)
 {
     TString own;
@@ -148,7 +149,7 @@ QIcon LoadTilePicture(const TString& path)
     if (picture.isNull())
         return LoadPictureIcon(PI_GRAPH);
     QPixmap pixmap(PictureSize * 2);
-    pixmap.fill(Qt::black);
+    pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     const QSize size = picture.size().scaled(pixmap.size(), Qt::KeepAspectRatio);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);

@@ -118,6 +118,10 @@ void TMainWindow::AddShortcuts()
         static_cast<TMainWindow*>(context)->App.NewDocument();
         return true;
     });
+    Shortcuts.Add(KEY_F10, [](int, void* context) {
+        static_cast<TMainWindow*>(context)->OpenMenuBar();
+        return true;
+    });
     Shortcuts.Attach(this);
 }
 
