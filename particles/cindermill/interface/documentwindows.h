@@ -8,6 +8,7 @@
 class TDocWindow;
 class TGraphWindow;
 class TParticleWindow;
+class TWindowPlaces;
 
 // The windows of one document: its views, its particle window, and the drawing of its graph, which all views
 // share. Speaks for them to the document, and to the render objects of the graph for the view that they are
@@ -15,8 +16,9 @@ class TParticleWindow;
 class TDocumentWindows : public TDocumentHost, public TGraphSceneHost
 {
 public:
-    // The owner of document windows: the main window, with a client area for them.
-    explicit TDocumentWindows(TWindow* frame);
+    // The owner of document windows: the main window, with a client area for them. Who keeps their places
+    // stays the caller's.
+    explicit TDocumentWindows(TWindow* frame, TWindowPlaces* places = nullptr);
     ~TDocumentWindows() override;
 
     // The document's.
@@ -50,6 +52,8 @@ public:
     void CloseView(TDocWindow* window);
     // The attribute trace of a node, asked for in a view.
     void OpenTrace(TToolNode& node, TDocWindow& view);
+    // Where the first view and the display stand, for the next time that the file is opened.
+    void KeepPlaces(TDocument& document) const;
     // The view was used last: it gets the shortcuts that are pressed in the effect's display and in traces.
     void CollectShortcuts(TDocWindow& window);
 
@@ -62,9 +66,14 @@ public:
 
 private:
     bool AddView(TDocument& document);
+    void PlaceWindows(TDocument& document);
+    void PlaceDisplay();
     TGraphWindow* FindGraph(const TRenderer& renderer) const;
 
     TWindow* Frame;
+    // Where windows stood; null where nobody keeps it.
+    TWindowPlaces* Places;
+    bool ArePlaced = false;
     TDocument* Document = nullptr;
     TOwner<TGraphScene> Scene;
     TOwnerList<TDocWindow> Windows;
