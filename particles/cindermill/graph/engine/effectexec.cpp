@@ -29,6 +29,12 @@ TEffectExec::~TEffectExec()
     Clear();
 }
 
+void TEffectExec::SetSeed(uint32_t seed)
+{
+    HasSeed = true;
+    Seed = seed;
+}
+
 bool TEffectExec::Init(const TEffectSchedule& schedule, TErrorList& errors, bool toolMode)
 {
     return InitWith(schedule, errors, toolMode, true);
@@ -49,6 +55,8 @@ bool TEffectExec::InitWith(const TEffectSchedule& schedule, TErrorList& errors, 
         return false;
     }
     Schedule = &schedule;
+    if (HasSeed)
+        Randoms.Init(schedule, Seed);
     if (!InitNodes(errors, withRender))
         return false;
     if (toolMode)
