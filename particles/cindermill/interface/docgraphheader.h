@@ -31,7 +31,8 @@ private:
     static void OnGraphChanged(void* data);
     void LayoutGraph();
     void Paint(TGDIContext& context) const;
-    void OnTab(int tab);
+    // With Alt the preview draws the group alone.
+    void OnTab(int tab, bool alone);
 
     TDocWindow* DocWindow = nullptr;
     bool IsRegistered = false;

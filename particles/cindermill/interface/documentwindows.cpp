@@ -3,7 +3,7 @@
 #include "library/system/path.h"
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/docwindow.h"
-#include "particles/cindermill/interface/particles/particlewindow.h"
+#include "particles/cindermill/interface/previewplace.h"
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
@@ -20,16 +20,38 @@ bool TDocumentWindows::CreateParticleWindow(TDocument& document)
 {
     Document = &document;
     ParticleWindow.Reset(new TParticleWindow);
-    if (ParticleWindow->Create(document))
+    if (ParticleWindow->Create(document, Frame)) {
+        ParticleWindow->SetHost(this);
         return true;
+    }
     ParticleWindow.Reset();
     return false;
 }
 
 void TDocumentWindows::ShowParticleWindow(TDocument&)
 {
+    if (!WasParticleWindowShown)
+        PlaceParticleWindow();
+    WasParticleWindowShown = true;
     ParticleWindow->Show();
     ParticleWindow->BringToTop();
+}
+
+// Once, before a person has moved it: beside the first view, as far as the screen allows, and not exactly
+// upon another document's.
+void TDocumentWindows::PlaceParticleWindow()
+{
+    if (Windows.empty())
+        return;
+    TScreenPlace screen;
+    ParticleWindow->GetScreenArea(screen.Left, screen.Top, screen.Right, screen.Bottom);
+    TScreenPlace graph;
+    Windows[0]->GetSize(graph.Right, graph.Bottom);
+    Windows[0]->ClientToScreen(graph.Left, graph.Top);
+    Windows[0]->ClientToScreen(graph.Right, graph.Bottom);
+    const int others = TCindermillApp::Get().GetDocuments().size();
+    const TScreenPlace place = FindPreviewPlace(screen, graph, others);
+    ParticleWindow->MoveTo(place.Left, place.Top, place.Right - place.Left, place.Bottom - place.Top);
 }
 
 bool TDocumentWindows::CreateView(TDocument& document)
@@ -76,7 +98,7 @@ void TDocumentWindows::CloseView(TDocWindow* window)
     if (app.GetActiveDocWindow() == window)
         Windows.back()->Activate();
     closed.Reset();
-    if (ParticleWindow != nullptr && ParticleWindow->GetKeyOwner() == nullptr)
+    if (ParticleWindow != nullptr && ParticleWindow->GetKeyOwner() == Frame)
         CollectShortcuts(*Windows.back());
     UpdateTitles(*Document);
 }
@@ -137,12 +159,22 @@ void TDocumentWindows::FrameAllNodes(TDocument&)
     Windows[0]->FocusAll(true);
 }
 
-// In the view that was used last.
-void TDocumentWindows::BringIntoSight(TDocument&, const vector<TToolNode*>& nodes)
+// The view that was used last.
+TDocWindow& TDocumentWindows::GetActiveView() const
 {
     const int active = Windows.index_of(TCindermillApp::Get().GetActiveDocWindow());
-    TDocWindow* window = Windows[active != -1 ? active : 0];
-    window->GetGraph().BringIntoSight(nodes);
+    return *Windows[active != -1 ? active : 0];
+}
+
+void TDocumentWindows::BringIntoSight(TDocument&, const vector<TToolNode*>& nodes)
+{
+    GetActiveView().GetGraph().BringIntoSight(nodes);
+}
+
+void TDocumentWindows::FrameGroup(TDocument&, int group)
+{
+    if (!Windows.empty())
+        GetActiveView().FocusGroup(group);
 }
 
 void TDocumentWindows::UpdateTitles(TDocument& document)
@@ -163,7 +195,26 @@ void TDocumentWindows::UpdateTitles(TDocument& document)
     ASSERT_TEXT(ParticleWindow != nullptr, "ParticleWindow != 0");
     TString title;
     title.Format("Effect Display - [%s%s", name.Print(), modified ? "*]" : "]");
+    NumberTitle(title);
     ParticleWindow->SetTitle(title);
+}
+
+// Effects without a file have all the same name: the display of a later one tells which it is.
+void TDocumentWindows::NumberTitle(TString& title)
+{
+    ParticleTitle = title;
+    ParticleTitleNumber = 1;
+    for (bool taken = true; taken; ParticleTitleNumber += taken ? 1 : 0) {
+        taken = false;
+        for (const TDocument* document : TCindermillApp::Get().GetDocuments()) {
+            const TDocumentWindows* other = dynamic_cast<const TDocumentWindows*>(document->GetHost());
+            taken = taken ||
+                    (other != nullptr && other != this && other->ParticleTitleNumber == ParticleTitleNumber &&
+                     other->ParticleTitle.Compare(ParticleTitle) == 0);
+        }
+    }
+    if (ParticleTitleNumber > 1)
+        title += TempFormat(" (%d)", ParticleTitleNumber);
 }
 
 void TDocumentWindows::RedrawWindows(TDocument&)
@@ -201,6 +252,12 @@ void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 void TDocumentWindows::NodeLeft(TToolNode& node)
 {
     TAttributeTraceWindow::Close(node);
+}
+
+void TDocumentWindows::ShowGroupAlone(int group)
+{
+    if (ParticleWindow != nullptr)
+        ParticleWindow->ToggleOnlyGroup(group);
 }
 
 void TDocumentWindows::RedrawGraphs()
