@@ -6,7 +6,6 @@
 #include "library/wimp/windowwidgets.h"
 
 #include <QtCore/QSignalBlocker>
-#include <QtGui/QScreen>
 #include <QtOpenGLWidgets/QOpenGLWidget>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLayout>
@@ -247,15 +246,6 @@ void TWindow::GetDotSize(int& width, int& height) const
 double TWindow::GetDotsPerPixel() const
 {
     return Handle != nullptr ? Handle->devicePixelRatio() : 1.0;
-}
-
-void TWindow::GetScreenArea(int& left, int& top, int& right, int& bottom) const
-{
-    const QRect area = Handle != nullptr ? Handle->screen()->availableGeometry() : QRect();
-    left = area.left();
-    top = area.top();
-    right = area.left() + area.width();
-    bottom = area.top() + area.height();
 }
 
 void TWindow::ClientToScreen(double& x, double& y) const

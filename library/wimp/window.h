@@ -110,8 +110,6 @@ public:
     void GetSize(int& width, int& height) const override;
     void GetDotSize(int& width, int& height) const override;
     double GetDotsPerPixel() const override;
-    // Of the screen that it is on, what the system leaves to windows; the right and bottom edge excluded.
-    void GetScreenArea(int& left, int& top, int& right, int& bottom) const;
     void ClientToScreen(int& x, int& y) const;
     void ScreenToClient(int& x, int& y) const;
     // Of the pointer, between pixels too.

@@ -3,7 +3,6 @@
 #include "library/system/path.h"
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/docwindow.h"
-#include "particles/cindermill/interface/previewplace.h"
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
@@ -20,7 +19,7 @@ bool TDocumentWindows::CreateParticleWindow(TDocument& document)
 {
     Document = &document;
     ParticleWindow.Reset(new TParticleWindow);
-    if (ParticleWindow->Create(document, Frame)) {
+    if (ParticleWindow->Create(document)) {
         ParticleWindow->SetHost(this);
         return true;
     }
@@ -30,28 +29,8 @@ bool TDocumentWindows::CreateParticleWindow(TDocument& document)
 
 void TDocumentWindows::ShowParticleWindow(TDocument&)
 {
-    if (!WasParticleWindowShown)
-        PlaceParticleWindow();
-    WasParticleWindowShown = true;
     ParticleWindow->Show();
     ParticleWindow->BringToTop();
-}
-
-// Once, before a person has moved it: beside the first view, as far as the screen allows, and not exactly
-// upon another document's.
-void TDocumentWindows::PlaceParticleWindow()
-{
-    if (Windows.empty())
-        return;
-    TScreenPlace screen;
-    ParticleWindow->GetScreenArea(screen.Left, screen.Top, screen.Right, screen.Bottom);
-    TScreenPlace graph;
-    Windows[0]->GetSize(graph.Right, graph.Bottom);
-    Windows[0]->ClientToScreen(graph.Left, graph.Top);
-    Windows[0]->ClientToScreen(graph.Right, graph.Bottom);
-    const int others = TCindermillApp::Get().GetDocuments().size();
-    const TScreenPlace place = FindPreviewPlace(screen, graph, others);
-    ParticleWindow->MoveTo(place.Left, place.Top, place.Right - place.Left, place.Bottom - place.Top);
 }
 
 bool TDocumentWindows::CreateView(TDocument& document)
@@ -98,7 +77,7 @@ void TDocumentWindows::CloseView(TDocWindow* window)
     if (app.GetActiveDocWindow() == window)
         Windows.back()->Activate();
     closed.Reset();
-    if (ParticleWindow != nullptr && ParticleWindow->GetKeyOwner() == Frame)
+    if (ParticleWindow != nullptr && ParticleWindow->GetKeyOwner() == nullptr)
         CollectShortcuts(*Windows.back());
     UpdateTitles(*Document);
 }

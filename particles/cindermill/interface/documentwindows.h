@@ -69,7 +69,6 @@ public:
 private:
     bool AddView(TDocument& document);
     TDocWindow& GetActiveView() const;
-    void PlaceParticleWindow();
     void NumberTitle(TString& title);
     TGraphWindow* FindGraph(const TRenderer& renderer) const;
 
@@ -78,7 +77,6 @@ private:
     TOwner<TGraphScene> Scene;
     TOwnerList<TDocWindow> Windows;
     TOwner<TParticleWindow> ParticleWindow;
-    bool WasParticleWindowShown = false;
     // The particle window's, without the number of one that another document's has too.
     TString ParticleTitle;
     int ParticleTitleNumber = 1;

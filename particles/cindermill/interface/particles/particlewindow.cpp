@@ -14,7 +14,7 @@ static TWindowClass ParticleClass("cindermill_particlewindow");
 static constexpr TGDIColour ParticleBackground = 0xF0F0F0;
 static constexpr float QuarterTurn = 1.57079633f;
 
-bool TParticleWindow::Create(TDocument& document, TWindow* owner)
+bool TParticleWindow::Create(TDocument& document)
 {
     if (!ParticleClass.IsRegistered())
         ParticleClass.Register(PI_PROGRAM, ParticleBackground);
@@ -22,7 +22,6 @@ bool TParticleWindow::Create(TDocument& document, TWindow* owner)
     TWindowParams params;
     params.Class = &ParticleClass;
     params.Title = "Effect Display [doc]";
-    params.Owner = owner;
     params.Kind = WK_TOP;
     params.X = 0;
     params.Y = 50;

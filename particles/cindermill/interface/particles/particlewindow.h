@@ -28,8 +28,8 @@ class TParticleWindow : public TWindow, public TPreviewCommands
 {
 public:
     // The document stays the caller's and outlives the window. A refusal of the window system is an
-    // assertion. It stays in front of its owner, if there is one.
-    bool Create(TDocument& document, TWindow* owner = nullptr);
+    // assertion.
+    bool Create(TDocument& document);
     // Null for none.
     void SetHost(TParticleWindowHost* host) { Host = host; }
     // One idle pass: the camera, the time, the effect.

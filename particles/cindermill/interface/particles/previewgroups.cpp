@@ -3,6 +3,19 @@
 #include "particles/effectgraph/schedule/effectschedule.h"
 #include "particles/effectgraph/usage.h"
 
+// By their numbers, where several have one name.
+static void TellApart(const vector<int>& groups, vector<TString>& names)
+{
+    const vector<TString> plain = names;
+    for (int i = 0; i < names.size(); ++i) {
+        int namesakes = 0;
+        for (const TString& name : plain)
+            namesakes += name.Compare(plain[i]) == 0 ? 1 : 0;
+        if (namesakes > 1)
+            names[i].Format("%s (Group %d)", plain[i].Print(), groups[i]);
+    }
+}
+
 void GetParticleGroups(const TEffectSchedule& schedule, vector<int>& groups, vector<TString>& names)
 {
     groups.clear();
@@ -20,6 +33,7 @@ void GetParticleGroups(const TEffectSchedule& schedule, vector<int>& groups, vec
         groups.push_back(g);
         names.push_back(name);
     }
+    TellApart(groups, names);
 }
 
 TEffectNode* FindGroupNode(const TEffectSchedule& schedule, int group)
