@@ -59,7 +59,7 @@ void TEdit::SelectAll()
 
 bool TEdit::HasFocus() const
 {
-    return GetHandle() != nullptr && GetHandle()->hasFocus();
+    return GetHandle() != nullptr && GetHandle()->window()->focusWidget() == GetHandle();
 }
 
 void TEdit::AppendFormat(const char* format, ...)

@@ -24,6 +24,18 @@ bool TBatchSession::ReadOptions(TArguments& arguments)
     }
 }
 
+void TBatchSession::GetOptionWords(vector<TString>& words) const
+{
+    const auto add = [&](const char* option, const TString& directory) {
+        if (directory.IsEmpty())
+            return;
+        words.push_back(option);
+        words.push_back(directory);
+    };
+    add("--node-types", NodeTypesDirectory);
+    add("--resources", ResourcesDirectory);
+}
+
 bool TBatchSession::Init()
 {
     App.Reset(new TCindermillApp(OpenSettingsStore()));

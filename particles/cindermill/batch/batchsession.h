@@ -16,6 +16,8 @@ public:
 
     // Takes the options; false where one lacks its directory.
     bool ReadOptions(TArguments& arguments);
+    // The options again, as another program of the tool takes them.
+    void GetOptionWords(vector<TString>& words) const;
     // Must succeed before all that follows.
     bool Init();
     // Reads the whole library now, and tells on the standard error what is wrong with it.

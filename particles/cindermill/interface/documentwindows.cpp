@@ -222,6 +222,18 @@ void TDocumentWindows::EngineGoes(TDocument& document)
     TAttributeTraceWindow::EngineGoes(document);
 }
 
+void TDocumentWindows::NodeTypesGo(TDocument&)
+{
+    for (TDocWindow* window : Windows)
+        window->CancelAnyDrag();
+}
+
+void TDocumentWindows::NodeTypesCame(TDocument&)
+{
+    for (TDocWindow* window : Windows)
+        window->GetTool().OpenLibrary();
+}
+
 void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 {
     TAttributeTraceWindow::Open(*Document, node);

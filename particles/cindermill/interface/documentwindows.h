@@ -34,6 +34,8 @@ public:
     void RedrawWindows(TDocument& document) override;
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
+    void NodeTypesGo(TDocument& document) override;
+    void NodeTypesCame(TDocument& document) override;
 
     // The graph's render objects'.
     void RedrawGraphs() override;

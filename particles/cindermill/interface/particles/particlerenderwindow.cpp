@@ -1,7 +1,9 @@
 #include "particles/cindermill/interface/particles/particlerenderwindow.h"
 
 #include "library/system/clock.h"
+#include "library/wimp/gdi/rgbpicture.h"
 #include "library/wimp/gl/device/sceneview.h"
+#include "library/wimp/gl/framepixels.h"
 #include "library/wimp/gl/glcontext.h"
 #include "particles/cindermill/interface/particles/previewcommands.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -225,4 +227,17 @@ void TParticleRenderWindow::Paint()
     Scene.Draw(*Doc, view);
     constexpr double nanoseconds = 1e6;
     DrawCost = static_cast<float>(static_cast<double>(GetPerformanceCounter() - begin) / nanoseconds);
+}
+
+bool TParticleRenderWindow::ReadPicture(TRgbPicture& picture)
+{
+    int width = 0;
+    int height = 0;
+    GetDotSize(width, height);
+    ASSERT(picture.GetWidth() == width && picture.GetHeight() == height);
+    Paint();
+    if (!MakeCurrent() || !IsGlReady())
+        return false;
+    ReadFramePixels(GetFrameBuffer(), width, height, picture.GetPixels());
+    return true;
 }

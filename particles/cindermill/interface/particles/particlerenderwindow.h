@@ -6,6 +6,7 @@
 
 class TDocument;
 class TPreviewCommands;
+class TRgbPicture;
 
 // The preview's view of the effect, with a camera that the mouse and the keys move.
 class TParticleRenderWindow : public TWindow
@@ -17,6 +18,8 @@ public:
     void Tick();
     // Asks for a repaint where the picture would be another than the last.
     void RedrawChanged();
+    // What a frame shows now, in a picture of the window's dots. False without OpenGL.
+    bool ReadPicture(TRgbPicture& picture);
     const TCamera& GetCamera() const { return *Camera; }
     // The active one, to be moved.
     TCamera& UseCamera() { return *Camera; }

@@ -54,14 +54,22 @@ void TParticleScene::Draw(TDocument& document, const TSceneView& view)
     glGetIntegerv(GL_VIEWPORT, place);
     glDisable(GL_DEPTH_TEST);
     Backdrop.Draw(Look.Background, place[2], place[3]);
+    DrawOver(document, view, true);
+}
+
+void TParticleScene::DrawOver(TDocument& document, const TSceneView& view, bool withMarks)
+{
     glDepthMask(GL_FALSE);
-    LineProgram.Bind(view);
-    for (const auto& entry : document.GetNodeDisplays())
-        entry.first->Render(view);
-    LineProgram.Unbind();
+    if (withMarks) {
+        LineProgram.Bind(view);
+        for (const auto& entry : document.GetNodeDisplays())
+            entry.first->Render(view);
+        LineProgram.Unbind();
+    }
     DrawParticles(document, view);
-    DrawMarks(document, view);
-    if (Look.Ground)
+    if (withMarks)
+        DrawMarks(document, view);
+    if (withMarks && Look.Ground)
         DrawGround(view);
     glDepthMask(GL_TRUE);
     CheckGlError();

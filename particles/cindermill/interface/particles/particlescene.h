@@ -22,6 +22,9 @@ public:
     const TBackdrop& GetBackdrop() const { return Backdrop; }
     // Where drawing the particles fails an assertion, the engine is cleared; the next tick tells.
     void Draw(TDocument& document, const TSceneView& view);
+    // The same over what is in the frame buffer, whose depth is clear; on request the particles alone,
+    // without what marks nodes and ground.
+    void DrawOver(TDocument& document, const TSceneView& view, bool withMarks);
 
 private:
     void DrawParticles(TDocument& document, const TSceneView& view);

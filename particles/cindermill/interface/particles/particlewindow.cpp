@@ -8,6 +8,8 @@
 #include "library/wimp/menu.h"
 #include "particles/cindermill/interface/particles/previewgroups.h"
 #include "particles/cindermill/interface/particles/previewmarks.h"
+#include "particles/cindermill/interface/particles/savepicture.h"
+#include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
 static TWindowClass ParticleClass("cindermill_particlewindow");
@@ -188,7 +190,18 @@ void TParticleWindow::GetState(TPreviewState& state)
 bool TParticleWindow::OnPreviewCommand(int command)
 {
     return OnRunCommand(command) || OnViewCommand(command) || OnLookCommand(command) ||
-           OnNumberedCommand(command);
+           OnNumberedCommand(command) || OnFileCommand(command);
+}
+
+bool TParticleWindow::OnFileCommand(int command)
+{
+    if (command == PC_SAVEPICTURE)
+        SavePictureAs(Render);
+    else if (command == PC_RELOADTYPES)
+        TCindermillApp::Get().ReloadNodeTypes();
+    else
+        return false;
+    return true;
 }
 
 bool TParticleWindow::OnRunCommand(int command)

@@ -52,6 +52,7 @@ public:
 
     TParticleRenderWindow& GetRenderWindow() { return Render; }
     TParticleTimeline& GetTimeline() { return Timeline; }
+    const TPreviewBudget& GetBudget() const { return Budget; }
 
 private:
     void Layout();
@@ -67,6 +68,7 @@ private:
     bool OnViewCommand(int command);
     bool OnLookCommand(int command);
     bool OnNumberedCommand(int command);
+    bool OnFileCommand(int command);
     void SetLoop(float seconds);
     void SetBirthsApart(bool apart);
     void FrameEffect();

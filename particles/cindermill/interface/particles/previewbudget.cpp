@@ -31,9 +31,21 @@ bool AreEqual(const vector<TGroupBudget>& a, const vector<TGroupBudget>& b)
 
 } // namespace
 
+// The same as the last time is of no new frame.
+bool TPreviewBudget::TCost::Take(float cost)
+{
+    if (cost == Last)
+        return false;
+    Last = cost;
+    Shown += (cost - Shown) * Smoothing;
+    return true;
+}
+
 void TPreviewBudget::Sample(TDocument& document)
 {
     const TEffectExec& engine = document.GetEngine();
+    if (!engine.IsInited())
+        return;
     if (PeakStart != engine.GetNumStarts() || Peaks.size() != engine.GetNumGroups()) {
         PeakStart = engine.GetNumStarts();
         Peaks.clear();
@@ -49,8 +61,6 @@ void TPreviewBudget::Sample(TDocument& document)
 
 bool TPreviewBudget::Refresh(TDocument& document, uint32_t now, float runCost, float drawCost)
 {
-    RunCost += (runCost - RunCost) * Smoothing;
-    DrawCost += (drawCost - DrawCost) * Smoothing;
     if (SeenRevision != document.GetRevision()) {
         SeenRevision = document.GetRevision();
         SeenSince = now;
@@ -66,8 +76,9 @@ bool TPreviewBudget::Refresh(TDocument& document, uint32_t now, float runCost, f
     WasRefreshed = true;
     vector<TGroupBudget> groups;
     FillGroups(document, groups);
-    const bool runs = document.GetEngine().IsInited();
-    const bool changed = first || measured || runs || !AreEqual(groups, Groups);
+    const bool ran = RunCost.Take(runCost);
+    const bool drew = DrawCost.Take(drawCost);
+    const bool changed = first || measured || ran || drew || !AreEqual(groups, Groups);
     Groups = groups;
     return changed;
 }

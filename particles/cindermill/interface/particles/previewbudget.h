@@ -39,12 +39,20 @@ public:
     bool Refresh(TDocument& document, uint32_t now, float runCost, float drawCost);
 
     const vector<TGroupBudget>& GetGroups() const { return Groups; }
-    float GetRunCost() const { return RunCost; }
-    float GetDrawCost() const { return DrawCost; }
+    float GetRunCost() const { return RunCost.Shown; }
+    float GetDrawCost() const { return DrawCost.Shown; }
     // Of the exported file; -1 if it cannot be exported.
     int GetNumBytes() const { return NumBytes; }
 
 private:
+    // As a person can read it.
+    struct TCost
+    {
+        bool Take(float cost);
+        float Last = 0;
+        float Shown = 0;
+    };
+
     struct TPeaks
     {
         int Alive = 0;
@@ -58,8 +66,8 @@ private:
     vector<TGroupBudget> Groups;
     vector<TPeaks> Peaks;
     unsigned PeakStart = 0;
-    float RunCost = 0;
-    float DrawCost = 0;
+    TCost RunCost;
+    TCost DrawCost;
     int NumBytes = -1;
     // By group of the schedule, as exported.
     vector<TGroupBudget> Exported;

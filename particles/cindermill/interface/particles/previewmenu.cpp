@@ -152,6 +152,9 @@ void FillPreviewMenu(TMenu& menu, const TPreviewState& state)
     AddGroups(menu.AddPopup("Only Group"), state);
     menu.AddItem(PC_BUDGET, "Budget");
     menu.CheckItem(PC_BUDGET, state.Budget);
+    menu.AddSeparator();
+    menu.AddItem(PC_SAVEPICTURE, "Save Picture...");
+    menu.AddItem(PC_RELOADTYPES, "Reload Node Types");
 }
 
 int FindPreviewKey(int key, int keyFlags)

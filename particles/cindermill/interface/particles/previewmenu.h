@@ -26,6 +26,8 @@ enum TPreviewCommand
     PC_VELOCITIES,
     PC_EMITTERS,
     PC_BUDGET,
+    PC_SAVEPICTURE,
+    PC_RELOADTYPES,
     PC_TOGGLELOOP,
     // The first of several; the others follow.
     PC_SPEED = 40330,
