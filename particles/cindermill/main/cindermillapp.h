@@ -74,6 +74,9 @@ public:
     // the program, or to one of the folders that the program lies in. False if there is none.
     bool FindNodeTypesDirectory(TString& path) const;
     void LoadNodeTypes(const char* path, TErrorList& errors);
+    // The node types as they stand in their files now, with the errors shown. Each open document asks about
+    // its nodes as it does when it is opened. Nothing happens while an edit is under way.
+    void ReloadNodeTypes();
 
     // "Cindermill v0.0 (...) Build ...".
     static void GetVersion(TString& version);
