@@ -273,7 +273,11 @@ void TDocument::Undo()
     const TStepScope step(StepDepth);
     ++Revision;
     ++NumEdits;
-    const bool fits = OperationStack->Undo(*this);
+    bool fits = false;
+    {
+        const TGraphHold hold(*this);
+        fits = OperationStack->Undo(*this);
+    }
     DropStaleSchedule();
     FinishStep(fits);
 }
@@ -283,7 +287,12 @@ void TDocument::Redo()
     const TStepScope step(StepDepth);
     ++Revision;
     ++NumEdits;
-    FinishStep(OperationStack->Redo(*this));
+    bool fits = false;
+    {
+        const TGraphHold hold(*this);
+        fits = OperationStack->Redo(*this);
+    }
+    FinishStep(fits);
 }
 
 void TDocument::FinishStep(bool fits)
@@ -415,8 +424,32 @@ bool TDocument::ResolveTypes(TErrorList& errors)
     });
 }
 
-// A graph whose types cannot be settled has no preview.
+TGraphHold::TGraphHold(TDocument& document) : Document(document)
+{
+    ++Document.GraphHolds;
+}
+
+TGraphHold::~TGraphHold()
+{
+    if (--Document.GraphHolds > 0 || !Document.GraphChangeWaits)
+        return;
+    Document.GraphChangeWaits = false;
+    Document.FinishGraphChange();
+}
+
 void TDocument::GraphChanged()
+{
+    if (GraphHolds == 0) {
+        FinishGraphChange();
+        return;
+    }
+    GraphChangeWaits = true;
+    TErrorList errors;
+    ResolveTypes(errors);
+}
+
+// A graph whose types cannot be settled has no preview.
+void TDocument::FinishGraphChange()
 {
     TErrorList errors;
     const bool resolved = ResolveTypes(errors);

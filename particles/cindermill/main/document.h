@@ -20,6 +20,22 @@ enum TBatchResult
     BR_EXPORTFAILED
 };
 
+class TDocument;
+
+// While one lives, changes of the shape of a document's graph are gathered: types are resolved, but schedule
+// and engine follow only once, at the end. No loop may run meanwhile.
+class TGraphHold
+{
+public:
+    explicit TGraphHold(TDocument& document);
+    ~TGraphHold();
+    TGraphHold(const TGraphHold&) = delete;
+    TGraphHold& operator=(const TGraphHold&) = delete;
+
+private:
+    TDocument& Document;
+};
+
 // One open effect: its chunks, its graph and history, its schedule and engine, its selection. Every edit goes
 // through ApplyOperation.
 //
@@ -136,6 +152,8 @@ public:
     void RedrawWindows() override;
 
 private:
+    friend class TGraphHold;
+
     bool LoadFrom(const char* file, const char* path);
     bool AdoptLoaded(const TEffectFile& file, bool sound);
     static bool CheckWritten(const char* path, void* data);
@@ -145,6 +163,7 @@ private:
     void TellScheduleChanged();
     void FinishStep(bool fits);
     void DropStaleSchedule();
+    void FinishGraphChange();
     static void OnEngineGoes(void* data);
     void OnGraphChanged();
     static void OnGraphChanged(void* data);
@@ -172,6 +191,9 @@ private:
     unsigned Revision = 0;
     unsigned NumEdits = 0;
     int StepDepth = 0;
+    // How many wait for the graph's change, and whether there was one.
+    int GraphHolds = 0;
+    bool GraphChangeWaits = false;
     // Made or loaded to be edited, and not only to be looked at.
     bool IsEditable = false;
 };
