@@ -33,6 +33,7 @@ void TError::GetText(TString& result) const
 
 TNodeError::TNodeError(TEffectNode* node, const char* format, ...) : TError(TPlain(), nullptr), Node(node)
 {
+    SetPlace(node);
     va_list args;
     va_start(args, format);
     Message = FormatMessage(format, args);
@@ -48,6 +49,13 @@ void TNodeError::GetText(TString& result) const
 {
     const TNodeType* type = Node != nullptr ? Node->GetNodeType() : nullptr;
     result.Format("Node \"%s\" : %s", type != nullptr ? type->Name.Print() : "", Message.Print());
+}
+
+void TErrorList::SetPlaces(int first, TEffectNode* place)
+{
+    for (int i = first; i < Errors.size(); ++i)
+        if (Errors[i]->GetPlace() == nullptr)
+            Errors[i]->SetPlace(place);
 }
 
 TFileError::TFileError(const char* fileName, int line, const char* format, ...)

@@ -17,6 +17,9 @@ public:
     virtual TError* Clone() const;
     virtual void GetText(TString& result) const;
     const TString& GetMessage() const { return Message; }
+    // Where the problem is, for whoever leads there; no text tells it. Null if that is not known.
+    TEffectNode* GetPlace() const { return Place; }
+    void SetPlace(TEffectNode* place) { Place = place; }
 
 protected:
     struct TPlain
@@ -26,6 +29,7 @@ protected:
     static TString FormatMessage(const char* format, va_list args);
 
     TString Message;
+    TEffectNode* Place = nullptr;
 };
 
 // A problem of one node, so that the tool can show it.
@@ -64,6 +68,8 @@ class TErrorList
 public:
     // Takes ownership.
     void Add(TError* error) { Errors.push_back(error); }
+    // The problems from one on that have no place are the node's.
+    void SetPlaces(int first, TEffectNode* place);
     void Clear() { Errors.clear(); }
     bool empty() const { return Errors.empty(); }
     int size() const { return Errors.size(); }

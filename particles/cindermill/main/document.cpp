@@ -405,10 +405,12 @@ void TDocument::OnGraphChanged()
         RebuildSchedule(false);
         return;
     }
+    ReviewProblems();
     if (!GetSchedule().IsCreated())
         return;
     TErrorList errors;
-    CreateSchedule(errors);
+    if (!CreateSchedule(errors))
+        TakeProblems(errors, true);
     TellScheduleChanged();
 }
 
@@ -460,6 +462,7 @@ void TDocument::FinishGraphChange()
     }
     Preview.DropSchedule();
     TellScheduleChanged();
+    TakeProblems(errors, true);
     DisplayErrors("Schedule errors", errors);
 }
 
@@ -476,8 +479,10 @@ void TDocument::RebuildSchedule(bool suppressDialog)
     ClearEngine();
     const int groups = GetSchedule().GetNumGroups();
     TErrorList errors;
-    if (CreateSchedule(errors))
+    const bool created = CreateSchedule(errors);
+    if (created)
         InitEngine(errors, true);
+    TakeProblems(errors, !created);
     if (GetSchedule().GetNumGroups() != groups)
         RedrawWindows();
     if (!suppressDialog && !errors.empty())
@@ -501,6 +506,7 @@ bool TDocument::EnsureSchedule()
     if (created && Preview.IsInited())
         return true;
     const bool ready = created && InitEngine(errors, true);
+    TakeProblems(errors, !created);
     TellScheduleChanged();
     if (!ready)
         DisplayErrors("Schedule errors", errors);
@@ -558,6 +564,21 @@ void TDocument::GetReport(TString& report)
     int size = 0;
     const bool valid = ready && Preview.GetExportSize(size, errors);
     text.AddExport(valid, size);
+}
+
+void TDocument::TakeProblems(const TErrorList& errors, bool ofGraph)
+{
+    if (errors.empty() && Problems.empty())
+        return;
+    Problems.Take(*Graph, errors, ofGraph);
+    if (Host != nullptr)
+        Host->ProblemsChanged(*this);
+}
+
+void TDocument::ReviewProblems()
+{
+    if (Problems.Review(*Graph) && Host != nullptr)
+        Host->ProblemsChanged(*this);
 }
 
 void TDocument::TellScheduleChanged()

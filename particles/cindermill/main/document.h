@@ -5,6 +5,7 @@
 #include "particles/cindermill/graph/operations/editcontext.h"
 #include "particles/cindermill/graph/operations/operationstack.h"
 #include "particles/cindermill/main/appservices.h"
+#include "particles/cindermill/main/documentproblems.h"
 #include "particles/cindermill/main/previewengine.h"
 #include "particles/effectgraph/error.h"
 
@@ -136,6 +137,8 @@ public:
     void ClearEngine() { Preview.Clear(); }
     const TEffectSchedule& GetSchedule() const { return Preview.GetSchedule(); }
     TEffectExec& GetEngine() { return Preview.GetExec(); }
+    // What has kept the effect from running since it last tried, until it is mended.
+    const TDocumentProblems& GetProblems() const { return Problems; }
     // The text of the File Properties dialog. Replaces the live schedule.
     void GetReport(TString& report);
 
@@ -164,6 +167,8 @@ private:
     void FinishStep(bool fits);
     void DropStaleSchedule();
     void FinishGraphChange();
+    void TakeProblems(const TErrorList& errors, bool ofGraph);
+    void ReviewProblems();
     static void OnEngineGoes(void* data);
     void OnGraphChanged();
     static void OnGraphChanged(void* data);
@@ -177,6 +182,7 @@ private:
     TChunkFile Chunks;
     TAppServices Services;
     TPreviewEngine Preview;
+    TDocumentProblems Problems;
     // In the order of the displays' addresses.
     sortedmap<TNodeDisplay*, bool> NodeDisplay;
     vector<TToolNode*> Selected;

@@ -67,7 +67,9 @@ bool TEffectExec::InitNodes(TErrorList& errors, bool withRender)
             Nodes.push_back(nullptr);
             continue;
         }
+        const int before = errors.size();
         Nodes.push_back(TEffectExecNode::Create(Schedule->GetNode(n), this, errors));
+        errors.SetPlaces(before, Schedule->GetNode(n));
         good = good && Nodes[n] != nullptr;
     }
     return good;
@@ -332,11 +334,13 @@ void TEffectExec::ExportNode(TExportData* exportdata, TErrorList& errors, int gr
     TEffectExecNode* node = Place(group, tied);
     if (node == nullptr)
         return;
+    const int before = errors.size();
     exportdata->SetCurrent(group, tied);
     if (node->IsBypassed())
         exportdata->ExportBypassed();
     else
         node->Export(*exportdata, errors);
+    errors.SetPlaces(before, node->GetNode());
     exportdata->Flush();
     ASSERT(exportdata->OutputEmpty());
 }
