@@ -221,6 +221,11 @@ void TApplication::RunTicks()
     TRenderObject::RunTicks(nullptr);
 }
 
+void TApplication::ShowStatus(const char* text)
+{
+    MainWindow->ShowNote(text);
+}
+
 void TApplication::Quit()
 {
     TWimp::Get().Quit();

@@ -48,6 +48,7 @@ public:
     void EndInput() override;
     bool IsDragging() override;
     void RunTicks() override;
+    void ShowStatus(const char* text) override;
     void Quit() override;
 
 private:
