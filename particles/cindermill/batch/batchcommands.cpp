@@ -48,8 +48,8 @@ const TPictureCommand Sheet("sheet",
                             "[--size WxH] [--background COLOUR] [--plain]");
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check, &Report, &Dump, &Export, &Run, &Replay, &Efx, &Translate, &Image, &Resave, &Hash, &Text, &Diff,
-    &Picture, &Sheet, &Help,
+    &Types, &Check,  &Report, &Dump, &Export, &Run,     &Replay, &Efx,  &Translate,
+    &Image, &Resave, &Hash,   &Text, &Diff,   &Picture, &Sheet,  &Help,
 };
 
 } // namespace
