@@ -63,7 +63,10 @@ bool TEffectExec::InitWith(const TEffectSchedule& schedule, TErrorList& errors, 
     if (toolMode)
         InitGroups();
     InitExternals();
+    NumBorn.resize(schedule.GetNumGroups());
+    ForgetBirths();
     Time = 0;
+    ++NumStarts;
     Inited = true;
     return true;
 }
@@ -141,11 +144,18 @@ int TEffectExec::GetTiedUsage(int group, int tied) const
     return Schedule->GetNodeUsage(Schedule->GetTiedNode(group, tied));
 }
 
+void TEffectExec::ForgetBirths()
+{
+    Births = 0;
+    for (int& born : NumBorn)
+        born = 0;
+}
+
 void TEffectExec::Update(float dt)
 {
     if (!Inited || Groups.empty())
         return;
-    Births = 0;
+    ForgetBirths();
     for (int g = 0; g < GetNumGroups(); ++g) {
         RunEmitters(g, dt);
         RunProcesses(g, dt);
@@ -295,6 +305,7 @@ void TEffectExec::AddParticles(int group, int instance, int count)
         return;
     Births += count;
     CheckBirths(Births, group);
+    NumBorn[group] += count;
     const bool firing = buffer->SetFiring(false);
     const int first = buffer->AddParticles(count);
     SelectExternal(group, instance);
@@ -373,12 +384,13 @@ bool TEffectExec::Export(TExportData& exportData, TErrorList& errors)
     return exportData.CheckPolicies(flags, errors) || (flags & PF_PREVENTEXPORT) == 0;
 }
 
-void TEffectExec::Render(const TSceneView& view)
+void TEffectExec::Render(const TSceneView& view, int onlyGroup)
 {
     if (!Inited || Groups.empty())
         return;
     for (int g = 0; g < GetNumGroups(); ++g)
-        RenderGroup(g, view);
+        if (onlyGroup == AllGroups || onlyGroup == g)
+            RenderGroup(g, view);
 }
 
 void TEffectExec::RenderGroup(int group, const TSceneView& view)

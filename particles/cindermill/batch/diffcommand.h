@@ -2,11 +2,10 @@
 
 #include "particles/cindermill/batch/batchcommand.h"
 
-// Lists a console file.
-class TEfxCommand final : public TBatchCommand
+// What one effect has that another has not.
+class TDiffCommand final : public TBatchCommand
 {
 public:
-    TEfxCommand();
+    TDiffCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
-    const char* GetHelp() const override;
 };
