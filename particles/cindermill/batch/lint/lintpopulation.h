@@ -50,6 +50,8 @@ private:
     bool HasEnd(int group) const;
     bool IsEndless(const TGroup& group, bool hasEnd) const;
     bool IsBeyond(const TGroup& group) const;
+    // Whether the births went on to the end of the runs.
+    bool IsStillBearing(const TGroup& group) const;
     float GetLived(const TGroup& group) const;
     void TellCapacity(TLintReport& report, int index, bool endless);
     void TellLife(TLintReport& report, int index, bool endless);

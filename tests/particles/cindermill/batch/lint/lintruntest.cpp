@@ -162,14 +162,14 @@ TEST_F(LintRuns, AGroupWhoseParentIsEmptyIsNotToldBesides)
     EXPECT_EQ(effect.Source.GetNode()->ChunkIdx, findings[0].Place.Id);
 }
 
-TEST_F(LintRuns, ParticlesWithoutAnEndAreTold)
+TEST_F(LintRuns, ParticlesThatStayAreANote)
 {
     TSoundEffect effect(App);
     effect.Age.Set("Max Age", {1e9f});
     effect.Trigger.Choose("Emit Mode", "Burst").Int("Per frame max emission", 40);
     const TFindingList findings = Lint(effect);
-    EXPECT_ONLY("life.endless", findings);
-    EXPECT_EQ(FS_WARNING, findings[0].Severity);
+    EXPECT_ONLY("life.stays", findings);
+    EXPECT_EQ(FS_NOTE, findings[0].Severity);
     EXPECT_EQ(40, NumberOf(findings[0], "born"));
     EXPECT_EQ(0, NumberOf(findings[0], "lost"));
 }
@@ -180,6 +180,7 @@ TEST_F(LintRuns, WhatAnEndlessGroupLosesIsToldWithIt)
     effect.Age.Set("Max Age", {1e9f});
     const TFindingList findings = Lint(effect);
     EXPECT_ONLY("life.endless", findings);
+    EXPECT_EQ(FS_WARNING, findings[0].Severity);
     EXPECT_EQ(150, NumberOf(findings[0], "born"));
     EXPECT_EQ(150 - 56, NumberOf(findings[0], "lost"));
 }
