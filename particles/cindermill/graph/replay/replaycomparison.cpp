@@ -2,6 +2,7 @@
 
 #include "particles/cindermill/graph/engine/effectexecnode.h"
 #include "particles/cindermill/graph/replay/differencesource.h"
+#include "particles/cindermill/graph/replay/patchcomparison.h"
 #include "particles/cindermill/graph/replay/replaynotes.h"
 #include "particles/cindermill/graph/replay/stagecomparison.h"
 #include "particles/cindermill/graph/replay/tablecomparison.h"
@@ -129,6 +130,7 @@ bool TReplayComparison::Run(const TReplayOptions& options, TErrorList& errors)
         AddReplayNotes(Schedule, file, Report);
         CompareStages(Engine, file, Report);
         CompareTables(Engine, replay, Report);
+        ComparePatches(Schedule, file, Report);
         ListAttributes(replay);
         for (int frame = 1; frame <= frames; ++frame)
             RunFrame(replay, frame, options.Dt);
