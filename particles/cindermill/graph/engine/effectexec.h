@@ -18,6 +18,7 @@ class TEffectExec
 {
 public:
     static constexpr int MaxGroups = 32;
+    static constexpr int AllGroups = -1;
 
     explicit TEffectExec(TExecServices& services);
     ~TEffectExec();
@@ -39,13 +40,16 @@ public:
     bool AreTexturesUsed() const { return TexturesUsed; }
     void Clear();
     bool IsInited() const { return Inited; }
+    // Another one after every Init.
+    unsigned GetNumStarts() const { return NumStarts; }
     // Seconds since Init.
     float GetTime() const { return Time; }
     void SetTime(float time) { Time = time; }
     // One frame of dt seconds.
     void Update(float dt);
-    // Draws all render nodes that are not bypassed. What they draw with needs a ready OpenGL.
-    void Render(const TSceneView& view);
+    // Draws all render nodes that are not bypassed, or those of one group. What they draw with needs a ready
+    // OpenGL.
+    void Render(const TSceneView& view, int onlyGroup = AllGroups);
     // Lets every node tell its commands, builds the model, checks the policies.
     bool Export(TExportData& exportData, TErrorList& errors);
 
@@ -60,6 +64,8 @@ public:
     int GetNumGroups() const { return Groups.size(); }
     TParticleBuffer* GetGroup(int group) const { return Groups[group]; }
     int GetNumParticles(int group) const;
+    // Particles of the group that were born in the last frame.
+    int GetNumBorn(int group) const { return NumBorn[group]; }
     // By the schedule's node index.
     TEffectExecNode* GetExecNode(int node) const { return Nodes[node]; }
 
@@ -86,6 +92,7 @@ private:
     void RunExecute(int group, int tied, float dt);
     void InitAttribute(int group, int attrib, int first, int count);
     void RunBirths(int group, int first, int count);
+    void ForgetBirths();
     void CheckBirths(int64_t births, int group) const;
     void CountEmissions(int group, int repeat);
     int CountEmission(int group, int tied);
@@ -98,6 +105,8 @@ private:
     TOwnerList<TParticleBuffer> Groups;
     vector<uint32_t> ExternalGroups;
     vector<int> ExternalIndex;
+    vector<int> NumBorn;
+    unsigned NumStarts = 0;
     float Time = 0;
     // Particles born in the present frame.
     int64_t Births = 0;
