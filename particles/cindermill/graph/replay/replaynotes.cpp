@@ -138,6 +138,11 @@ private:
                 AddByte(type, byte);
         if (IsOfClass(type, "TCollisionPlane"))
             AddPlane(tied, type);
+        if (IsOfClassIn(type, {"TPointEmitter", "TGrid", "TSphereSurface"}) && !IsWired(tied, 0) &&
+            !(TFixedValue(type.GetInput(0))[0] < 1))
+            AddNamed(
+                "nothing is wired to \"%s\": the preview takes its own value, and the console fires none",
+                type.GetInput(0)->Name);
         if (IsOfClass(type, "TEffect"))
             AddUserParameters(type);
         if (IsOfClass(type, "TEmitter") && GetNumber(type, "Emit Mode", PK_ENUM) == 0)

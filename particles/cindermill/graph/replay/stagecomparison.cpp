@@ -120,8 +120,19 @@ private:
         CompareNumber("longest life", Schedule.GetMaxLifeTime(Group), From.MaxLifeTime);
         CompareNumber("most births", static_cast<float>(Schedule.GetMaxEmission(Group)),
                       static_cast<float>(From.MaxEmission));
+        CompareNumber("capacity", static_cast<float>(GetCapacity()), static_cast<float>(From.ParticleCount));
         CompareNumber("trigger group", Schedule.IsTriggerGroup(Group) ? 1.0f : 0.0f,
                       From.IsTriggerGroup ? 1.0f : 0.0f);
+    }
+
+    // The store is moved in units of so many bytes.
+    int64_t GetCapacity() const
+    {
+        constexpr int64_t storeAlignment = 16;
+        int64_t count = Schedule.IsTriggerGroup(Group) ? 1 : Schedule.GetParticleCount(Group);
+        while (count * From.Stride % storeAlignment != 0)
+            ++count;
+        return count;
     }
 
     void CompareStage(int tied, int number)

@@ -177,7 +177,7 @@ TEST(ReplayComparison, BypassedNodesAgree)
 TEST(ReplayComparison, AStreamHasAsManyCommandsAsAByteCounts)
 {
     // Each sum of vectors is three commands.
-    for (const int numSums : {40, 90}) {
+    for (const int numSums : {20, 90}) {
         SCOPED_TRACE(numSums);
         TEffectBench bench;
         TEffectNode* value = bench.AddPopulation();
@@ -190,7 +190,7 @@ TEST(ReplayComparison, AStreamHasAsManyCommandsAsAByteCounts)
         }
         TEffectNode* stage = bench.Add("TEffectExecNode", TU_RENDER, {{"V", TY_VECTOR3}}, {});
         bench.Graph.Wire(value, 0, stage, 0);
-        if (numSums == 40) {
+        if (numSums == 20) {
             ExpectAgreement(bench.Run());
         } else {
             EXPECT_EQ((std::vector<std::string>{

@@ -7,19 +7,21 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <set>
 
 // What the samples show that the console does not know. All others agree to the bit, and the one that has a
 // volume does so as well, as nothing that is drawn hangs on it.
 const std::map<std::string, std::string> Differing = {
     {"comet", "Animation Path"}, {"fireflies", "Noise"}, {"flipbook", "Grid"},
     {"leaves", "Grid"},          {"rain", "Grid"},       {"tiles", "Grid"},
+    {"waterfall", "Grid"},
 };
 
 TEST(DocumentReplay, SamplesAgreeButForWhatIsNotExported)
 {
     TTestApp app;
     const TQuiet quiet;
-    int numSamples = 0;
+    std::set<std::string> differing;
     for (const auto& entry : std::filesystem::directory_iterator(SourcePath("samples"))) {
         if (entry.path().extension() != ".effect")
             continue;
@@ -33,7 +35,6 @@ TEST(DocumentReplay, SamplesAgreeButForWhatIsNotExported)
         TReplayComparison comparison(document.GetSchedule(), services);
         ASSERT_TRUE(comparison.Export(errors) && comparison.Run(TReplayOptions(), errors));
         const TReplayReport& report = comparison.GetReport();
-        ++numSamples;
         EXPECT_GE(report.NumFrames, 100);
         EXPECT_GT(report.NumEqual, 0);
         EXPECT_EQ(0, report.NumUnknown);
@@ -43,6 +44,7 @@ TEST(DocumentReplay, SamplesAgreeButForWhatIsNotExported)
             EXPECT_EQ(AgreementOf(report).Differences, std::vector<std::string>());
         } else {
             EXPECT_FALSE(report.GetDifferences().empty());
+            differing.insert(name);
         }
         for (const TReplayDifference& difference : report.GetDifferences()) {
             EXPECT_EQ(DK_VALUE, difference.Kind);
@@ -52,7 +54,7 @@ TEST(DocumentReplay, SamplesAgreeButForWhatIsNotExported)
             }
         }
     }
-    EXPECT_EQ(15, numSamples);
+    EXPECT_EQ(Differing.size(), differing.size());
 }
 
 // Of any effect that is exported: nothing fails, and whatever differs is told beforehand.
