@@ -193,6 +193,16 @@ void TDocumentWindows::EngineGoes(TDocument& document)
     TAttributeTraceWindow::EngineGoes(document);
 }
 
+void TDocumentWindows::ProblemsChanged(TDocument& document)
+{
+    if (Scene != nullptr)
+        Scene->ShowProblems(document.GetProblems());
+    for (TDocWindow* window : Windows) {
+        window->GetProblems().Refresh();
+        window->GetHeader().OnProblemsChanged();
+    }
+}
+
 void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 {
     TAttributeTraceWindow::Open(*Document, node);
@@ -267,5 +277,5 @@ void TDocumentWindows::SearchForWire(TRenderer& renderer, const TVector2& point,
 void TDocumentWindows::TellStatus(const char* text)
 {
     if (TMDIFrame* frame = dynamic_cast<TMDIFrame*>(Frame))
-        frame->SetStatus(text);
+        frame->ShowNote(text);
 }

@@ -34,6 +34,7 @@ public:
     void RedrawWindows(TDocument& document) override;
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
+    void ProblemsChanged(TDocument& document) override;
 
     // The graph's render objects'.
     void RedrawGraphs() override;
