@@ -33,11 +33,12 @@ void TError::GetText(TString& result) const
 
 TNodeError::TNodeError(TEffectNode* node, const char* format, ...) : TError(TPlain(), nullptr), Node(node)
 {
-    SetPlace(node);
     va_list args;
     va_start(args, format);
     Message = FormatMessage(format, args);
     va_end(args);
+    if (node != nullptr)
+        SetSource(TErrorSource{node->GetNodeType(), -1});
 }
 
 TError* TNodeError::Clone() const
@@ -49,13 +50,6 @@ void TNodeError::GetText(TString& result) const
 {
     const TNodeType* type = Node != nullptr ? Node->GetNodeType() : nullptr;
     result.Format("Node \"%s\" : %s", type != nullptr ? type->Name.Print() : "", Message.Print());
-}
-
-void TErrorList::SetPlaces(int first, TEffectNode* place)
-{
-    for (int i = first; i < Errors.size(); ++i)
-        if (Errors[i]->GetPlace() == nullptr)
-            Errors[i]->SetPlace(place);
 }
 
 TFileError::TFileError(const char* fileName, int line, const char* format, ...)
@@ -75,6 +69,13 @@ TError* TFileError::Clone() const
 void TFileError::GetText(TString& result) const
 {
     result.Format("%s [%d] : %s\n", FileName.Print(), Line, Message.Print());
+}
+
+void TErrorList::Add(TError* error)
+{
+    if (error->GetSource().Type == nullptr && error->GetSource().Group == -1)
+        error->SetSource(Source);
+    Errors.push_back(error);
 }
 
 void AddReadRefusal(TErrorList& errors, const char* path)

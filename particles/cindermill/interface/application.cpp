@@ -12,6 +12,7 @@
 #include "particles/cindermill/interface/options/optionsdialog.h"
 #include "particles/cindermill/interface/particles/displays.h"
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
+#include "particles/cindermill/main/document.h"
 #include "particles/cindermill/main/settingsstore.h"
 
 namespace {
@@ -28,9 +29,19 @@ vector<TFileFilter> ToFileFilters(const vector<TPathFilter>& filters)
     return result;
 }
 
+// Where the environment tells no place, windows come back nowhere.
+TSettingsStore* OpenPlaces()
+{
+    TString path;
+    if (!GetStateFolder(path) || !MakeFolders(path))
+        return nullptr;
+    path += "/windows.ini";
+    return OpenSettingsFile(path);
+}
+
 } // namespace
 
-TApplication::TApplication() : App(OpenSettingsStore(), this)
+TApplication::TApplication() : App(OpenSettingsStore(), this), Places(OpenPlaces())
 {
     InstallMessageForms();
     InstallErrorDialog();
@@ -55,6 +66,7 @@ bool TApplication::Init()
         ShowMessage("Failed to create window");
         return false;
     }
+    MainWindow->SetPlace(Places.GetMain());
     MainWindow->Show();
     if (!App.InitNodeTypes())
         return false;
@@ -75,12 +87,13 @@ bool TApplication::LoadNodeBitmaps()
     return true;
 }
 
-// Where the environment tells no place, nothing is autosaved.
 void TApplication::StartAutosave()
 {
     TString folder;
-    if (!GetStateFolder(folder))
+    if (!GetStateFolder(folder)) {
+        DebugPrintf("Nothing is autosaved: neither XDG_STATE_HOME nor HOME tells a folder for it.\n");
         return;
+    }
     folder += "/recovery";
     App.StartAutosave(folder);
 }
@@ -90,11 +103,35 @@ void TApplication::OnIdle()
     App.OnIdle();
 }
 
+void TApplication::OnClock()
+{
+    App.OnClock();
+}
+
 void TApplication::OnActivation(const vector<TString>& files)
 {
     MainWindow->BringToTop();
     for (const TString& file : files)
         App.OpenDocument(file);
+}
+
+void TApplication::KeepPlaces()
+{
+    TString main;
+    if (MainWindow != nullptr)
+        MainWindow->GetPlace(main);
+    if (main.IsEmpty())
+        return;
+    Places.SetMain(main);
+    for (TDocument* document : App.GetDocuments())
+        static_cast<TDocumentWindows*>(document->GetHost())->KeepPlaces(*document);
+    Places.Save();
+}
+
+void TApplication::EndUnasked()
+{
+    KeepPlaces();
+    App.EndUnasked();
 }
 
 void TApplication::OnEnding()
@@ -104,7 +141,7 @@ void TApplication::OnEnding()
 
 TDocumentHost* TApplication::CreateDocumentHost()
 {
-    return new TDocumentWindows(MainWindow.Get());
+    return new TDocumentWindows(MainWindow.Get(), &Places);
 }
 
 bool TApplication::ChooseOpenPath(const char* title, const vector<TPathFilter>& filters,
@@ -228,5 +265,6 @@ void TApplication::ShowStatus(const char* text)
 
 void TApplication::Quit()
 {
+    KeepPlaces();
     TWimp::Get().Quit();
 }

@@ -6,6 +6,7 @@
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/mainwindow.h"
 #include "particles/cindermill/interface/resourcedialog.h"
+#include "particles/cindermill/interface/windowplaces.h"
 #include "particles/cindermill/main/apphost.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
@@ -22,11 +23,12 @@ public:
     // After the start: from now on documents are autosaved, and what an earlier run left so is asked about.
     void StartAutosave();
     void OnIdle() override;
+    void OnClock() override;
     // Comes to the front and opens the effects.
     void OnActivation(const vector<TString>& files) override;
     void OnEnding() override;
     // The system has ended the program: what is to be kept is kept, and nobody was asked.
-    void EndUnasked() { App.EndUnasked(); }
+    void EndUnasked();
 
     TDocumentHost* CreateDocumentHost() override;
     bool ChooseOpenPath(const char* title, const vector<TPathFilter>& filters, const char* directory,
@@ -53,10 +55,12 @@ public:
 
 private:
     bool LoadNodeBitmaps();
+    void KeepPlaces();
 
     static constexpr int NumNodeBitmaps = 4;
 
     TCindermillApp App;
+    TWindowPlaces Places;
     TResourceDialog ResourceDialog;
     TOwner<TMainWindow> MainWindow;
     TGDIBitmap NodeBitmaps[NumNodeBitmaps];

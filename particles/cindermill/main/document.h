@@ -106,6 +106,8 @@ public:
     // While it is being loaded or a step is under way, a dialog may stand in the middle of it: history and
     // graph do not fit each other then.
     bool IsInStep() const { return StepDepth > 0; }
+    // Asks about nodes whose types differ from the library's, as a load does, and brings those up to date.
+    void OfferRefresh();
 
     // Takes ownership.
     void ApplyOperation(TOperation* op);
@@ -137,6 +139,8 @@ public:
     void ClearEngine() { Preview.Clear(); }
     const TEffectSchedule& GetSchedule() const { return Preview.GetSchedule(); }
     TEffectExec& GetEngine() { return Preview.GetExec(); }
+    // The bytes that an export of the engine would have.
+    bool GetExportSize(int& size, TErrorList& errors) { return Preview.GetExportSize(size, errors); }
     // What has kept the effect from running since it last tried, until it is mended.
     const TDocumentProblems& GetProblems() const { return Problems; }
     // The text of the File Properties dialog. Replaces the live schedule.
@@ -160,7 +164,10 @@ private:
     bool LoadFrom(const char* file, const char* path);
     bool AdoptLoaded(const TEffectFile& file, bool sound);
     static bool CheckWritten(const char* path, void* data);
-    void RefreshNodeTypes();
+    // The nodes whose types differ from the library's, if a person wants them refreshed.
+    bool AskToRefresh(vector<TEffectNode*>& stale);
+    void RefreshNodes(vector<TEffectNode*>& stale);
+    void DetachObjects();
     void AttachObjects();
     void UpdateTitles();
     void TellScheduleChanged();
