@@ -1,12 +1,14 @@
 #include "library/system/temporaryfile.h"
 
 #include "library/containers/nametocrc.h"
+#include "library/system/endsignal.h"
 #include "library/system/path.h"
 
 #include <atomic>
 
 #include <errno.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <signal.h>
 #include <stdio.h>
 #include <string.h>
@@ -121,6 +123,36 @@ bool WriteThrough(int handle)
     return result == 0 || errno == EINVAL || errno == ENOSYS;
 }
 
+// A name is on the disc when its folder is. What cannot be done about that is no failure: the file is whole.
+void WriteFolderThrough(const char* target)
+{
+    TString folder;
+    GetFolder(target, folder);
+    const int handle = OpenRetrying(folder.IsEmpty() ? "." : folder.Print(), O_RDONLY | O_DIRECTORY, 0);
+    if (handle < 0)
+        return;
+    WriteThrough(handle);
+    close(handle);
+}
+
+// The names that a signal's handler takes away. More files than that at a time are left to the next one
+// beside them.
+struct TNameSlot
+{
+    bool IsTaken;
+    char Path[PATH_MAX];
+};
+constexpr int NumSlots = 4;
+TNameSlot Slots[NumSlots];
+
+void OnEndSignal(int signal)
+{
+    for (const TNameSlot& slot : Slots)
+        if (slot.IsTaken)
+            unlink(slot.Path);
+    EndBySignal(signal);
+}
+
 // No signal ends the program while this lives.
 class TSignalsHeld
 {
@@ -140,6 +172,41 @@ private:
 };
 
 } // namespace
+
+void RemoveTemporaryFilesAtEnd()
+{
+    for (const int signal : {SIGTERM, SIGHUP, SIGINT}) {
+        struct sigaction action = {};
+        if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN)
+            continue;
+        action = {};
+        action.sa_handler = OnEndSignal;
+        sigfillset(&action.sa_mask);
+        sigaction(signal, &action, nullptr);
+    }
+}
+
+// With signals held.
+void TTemporaryFile::TakeName()
+{
+    IsNamed = true;
+    for (int i = 0; i < NumSlots; ++i) {
+        if (Slots[i].IsTaken || Path.Length() >= PATH_MAX)
+            continue;
+        strcpy(Slots[i].Path, Path);
+        Slots[i].IsTaken = true;
+        Slot = i;
+        return;
+    }
+}
+
+void TTemporaryFile::LeaveName()
+{
+    IsNamed = false;
+    if (Slot >= 0)
+        Slots[Slot].IsTaken = false;
+    Slot = -1;
+}
 
 bool TTemporaryFile::Fail(int error)
 {
@@ -192,18 +259,20 @@ bool TTemporaryFile::OpenNameless(unsigned mode)
 bool TTemporaryFile::OpenNamed(unsigned mode)
 {
     for (int i = 0; i < MaxNames; ++i) {
+        const TSignalsHeld held;
         MakeName(Target, Path);
         Handle = OpenRetrying(Path, O_WRONLY | O_CREAT | O_EXCL, mode);
         if (Handle < 0 && errno == EEXIST)
             continue;
         if (Handle < 0)
             return Fail(errno);
-        IsNamed = true;
+        TakeName();
         // Another program may have taken it for a dead one's before it was locked.
         LockRetrying(Handle, LOCK_EX);
         struct stat info;
         if (fstat(Handle, &info) == 0 && info.st_nlink > 0)
             return true;
+        LeaveName();
         close(Handle);
         Handle = -1;
     }
@@ -261,7 +330,7 @@ bool TTemporaryFile::Link()
         if (linkat(AT_FDCWD, entry, AT_FDCWD, name, AT_SYMLINK_FOLLOW) != 0)
             continue;
         Path = name;
-        IsNamed = true;
+        TakeName();
         return true;
     }
     return false;
@@ -277,20 +346,22 @@ bool TTemporaryFile::Replace()
     if (IsNamed && rename(Path, Target) != 0)
         return Fail(errno);
     // The lock goes with the handle, and so not before the name.
-    IsNamed = false;
+    LeaveName();
     Drop();
+    WriteFolderThrough(Target);
     return true;
 }
 
 void TTemporaryFile::Drop()
 {
     if (Handle >= 0) {
+        const TSignalsHeld held;
         if (IsNamed)
             unlink(Path);
+        LeaveName();
         close(Handle);
     }
     Handle = -1;
-    IsNamed = false;
     Error = 0;
     Path = nullptr;
 }

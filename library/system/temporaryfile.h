@@ -4,6 +4,10 @@
 
 struct stat;
 
+// From now on the signals that end a program take its temporary files' names away first, but for those that
+// whoever started the program had it ignore. For a program that has nothing else to do then.
+void RemoveTemporaryFilesAtEnd();
+
 // A file that is being written and will take the place of another. Where the file system knows such files it
 // has no name until it is whole, so that nothing stays behind however the program ends. Elsewhere, and for
 // the moment in which it takes its place, it has a name beside its target, which a program that is killed
@@ -38,10 +42,13 @@ private:
     bool OpenNamed(unsigned mode);
     bool Resemble(const struct stat* old);
     bool Link();
+    void TakeName();
+    void LeaveName();
     bool Fail(int error);
 
     int Handle = -1;
     bool IsNamed = false;
+    int Slot = -1;
     int Error = 0;
     TString Target;
     TString Path;

@@ -7,6 +7,7 @@
 
 #include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QThread>
+#include <QtCore/QTimer>
 #include <QtGui/QPalette>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
@@ -19,6 +20,7 @@
 // Every turn without an event may be followed by an idle pass; from the second in a row on the loop takes a
 // breath, so that a tool at rest leaves the processor alone.
 static constexpr int BreathMilliseconds = 1;
+static constexpr int ClockMilliseconds = 1000;
 static constexpr int EmptyTurnsBeforeBreath = 2;
 
 static bool HasDisplay()
@@ -129,6 +131,12 @@ void TWimp::SetIdle(bool idle)
 
 void TWimp::Run()
 {
+    QTimer clock;
+    QObject::connect(&clock, &QTimer::timeout, [this] {
+        if (WimpApp != nullptr && !IsQuitting())
+            WimpApp->OnClock();
+    });
+    clock.start(ClockMilliseconds);
     while (!IsQuitting())
         Turn(true);
     Flags &= ~FL_QUIT;

@@ -14,6 +14,9 @@ class TWimpApp
 public:
     // One idle pass: the loop found nothing to do.
     virtual void OnIdle() = 0;
+    // About once a second, whatever the loop waits for: also under dialogs, choosers, message boxes and
+    // menus, and in the middle of what opened them.
+    virtual void OnClock() {}
     // The system ends the program, and something may still be under way: TEndWatch.
     virtual void OnEnding() {}
     virtual ~TWimpApp() = default;

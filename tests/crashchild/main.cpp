@@ -47,6 +47,13 @@ FAILING void FailByWriting()
     asm volatile("movl $1, 0x30");
 }
 
+FAILING void FailWithoutDescriptors()
+{
+    while (dup(STDOUT_FILENO) >= 0)
+        ;
+    FailByWriting();
+}
+
 FAILING void FailByReading()
 {
     asm volatile("movl 0x40, %%eax" ::: "eax");
@@ -333,6 +340,7 @@ struct TWay
 const TWay Ways[] = {
     {"write", FailByWriting},
     {"read", FailByReading},
+    {"descriptors", FailWithoutDescriptors},
     {"call", FailByCalling},
     {"wild", FailByWildAddress},
     {"recursion", [] { FailByRecursion(0); }},

@@ -114,6 +114,18 @@ TEST_F(Recovery, WhatTheSystemEndsComesBackWithItsHistory)
     EXPECT_TRUE(ReadBytes(path) == before);
 }
 
+TEST_F(Recovery, ADisplayThatGoesTakesNoWorkAlong)
+{
+    const std::string path = CopySample("fountain.effect");
+    TProgram program(Screen, Options());
+    TWorkshop workshop(Screen, program);
+    ASSERT_NO_FATAL_FAILURE(Edit(program, workshop, path));
+    EXPECT_TRUE(Files().empty());
+    Screen.Kill();
+    EXPECT_NE(program.WaitForEnd(), -1);
+    EXPECT_EQ(Files(), (std::vector<std::string>{"fountain-1.effect", "unsaved-2.effect"}));
+}
+
 TEST_F(Recovery, AKilledProgramHasWhatItExportedLast)
 {
     const std::string path = CopySample("fountain.effect");

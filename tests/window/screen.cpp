@@ -144,6 +144,13 @@ TScreen::~TScreen()
     End(Server);
 }
 
+void TScreen::Kill()
+{
+    kill(Server, SIGKILL);
+    WaitForEnd(Server);
+    Server = -1;
+}
+
 // The server finds a free number by itself and tells it. It must not begin anew when its first client goes.
 bool TScreen::StartServer(int width, int height)
 {

@@ -12,6 +12,7 @@
 #include <typeinfo>
 
 #include <errno.h>
+#include <fcntl.h>
 #include <string.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -47,6 +48,9 @@ std::terminate_handler OldTerminate = nullptr;
 std::atomic<bool> FirstCall(true);
 // The thread that reports, or that is to; 0 for none.
 std::atomic<pid_t> Owner(0);
+// Descriptors for the report: a program that fails may have used up all that it may have.
+constexpr int NumReserved = 4;
+int Reserved[NumReserved];
 // A failure that the program found itself, for the handler on the same thread.
 struct TRequest
 {
@@ -86,6 +90,8 @@ void LetWritesFail()
 void Report(const siginfo_t& info, const ucontext_t& context)
 {
     LetWritesFail();
+    for (const int handle : Reserved)
+        close(handle);
     TFailure& failure = Crash.Failure;
     failure.Info = info;
     failure.Thread.Take(context);
@@ -155,6 +161,8 @@ bool InstallCrashHandler(TCrashReporter reporter)
     // It lasts as long as the main thread.
     static const TSignalStack stack;
     static_cast<void>(stack);
+    for (int& handle : Reserved)
+        handle = open("/dev/null", O_RDONLY | O_CLOEXEC);
     struct sigaction action = {};
     action.sa_sigaction = OnSignal;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;

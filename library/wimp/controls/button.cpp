@@ -64,6 +64,12 @@ void TButton::SetIcon(int bitmapId, const char* tip)
     button->setAccessibleName(ToQt(tip));
 }
 
+void TButton::SetText(const char* text)
+{
+    if (QPushButton* button = qobject_cast<QPushButton*>(GetHandle()))
+        button->setText(ToQt(text));
+}
+
 void TButton::SetPressed(bool pressed)
 {
     QPushButton* button = qobject_cast<QPushButton*>(GetHandle());

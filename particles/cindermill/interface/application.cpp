@@ -87,12 +87,13 @@ bool TApplication::LoadNodeBitmaps()
     return true;
 }
 
-// Where the environment tells no place, nothing is autosaved.
 void TApplication::StartAutosave()
 {
     TString folder;
-    if (!GetStateFolder(folder))
+    if (!GetStateFolder(folder)) {
+        DebugPrintf("Nothing is autosaved: neither XDG_STATE_HOME nor HOME tells a folder for it.\n");
         return;
+    }
     folder += "/recovery";
     App.StartAutosave(folder);
 }
@@ -100,6 +101,11 @@ void TApplication::StartAutosave()
 void TApplication::OnIdle()
 {
     App.OnIdle();
+}
+
+void TApplication::OnClock()
+{
+    App.OnClock();
 }
 
 void TApplication::OnActivation(const vector<TString>& files)

@@ -23,6 +23,7 @@ public:
     // After the start: from now on documents are autosaved, and what an earlier run left so is asked about.
     void StartAutosave();
     void OnIdle() override;
+    void OnClock() override;
     // Comes to the front and opens the effects.
     void OnActivation(const vector<TString>& files) override;
     void OnEnding() override;

@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/docgraphheader.h"
 
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/usage.h"
@@ -146,7 +147,7 @@ bool TDocGraphHeader::OnMessage(const TMessage& message)
     case MT_LEFTUP:
         // The document may have dropped its schedule meanwhile.
         OnGraphChanged();
-        OnTab(FindTab(message.GetPixelX(), message.GetPixelY()));
+        OnTab(FindTab(message.GetPixelX(), message.GetPixelY()), (message.KeyFlags & KF_ALT) != 0);
         return true;
     default:
         return false;
@@ -225,20 +226,23 @@ void TDocGraphHeader::PaintArrows(TGDIContext& context) const
     }
 }
 
-void TDocGraphHeader::OnTab(int tab)
+void TDocGraphHeader::OnTab(int tab, bool alone)
 {
     if (tab == -1)
         return;
     if (tab == 0) {
-        DocWindow->FocusAll(false);
+        if (alone)
+            DocWindow->GetWindows().ShowGroupAlone(-1);
+        else
+            DocWindow->FocusAll(false);
         return;
     }
     const TEffectSchedule* schedule = &DocWindow->GetDocument().GetSchedule();
     ASSERT(schedule->IsCreated());
     const int group = GetTabGroup(*schedule, tab);
     ASSERT(group != -1);
-    vector<TToolNode*> nodes;
-    for (int i = 0; i < schedule->GetNumTiedNodes(group); ++i)
-        nodes.push_back(static_cast<TToolNode*>(schedule->GetNode(schedule->GetTiedNode(group, i))));
-    DocWindow->GetGraph().Focus(nodes, false);
+    if (alone)
+        DocWindow->GetWindows().ShowGroupAlone(group);
+    else
+        DocWindow->FocusGroup(group);
 }

@@ -36,7 +36,8 @@ private:
     void OnPress(const TMessage& message);
     void OnWheel(const TMessage& message);
     void Paint(TGDIContext& context) const;
-    void OnTab(int tab);
+    // With Alt the preview draws the group alone.
+    void OnTab(int tab, bool alone);
 
     TDocWindow* DocWindow = nullptr;
     bool IsRegistered = false;

@@ -4,7 +4,6 @@
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/displayplace.h"
 #include "particles/cindermill/interface/docwindow.h"
-#include "particles/cindermill/interface/particles/particlewindow.h"
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
 #include "particles/cindermill/interface/windowplaces.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -22,8 +21,10 @@ bool TDocumentWindows::CreateParticleWindow(TDocument& document)
 {
     Document = &document;
     ParticleWindow.Reset(new TParticleWindow);
-    if (ParticleWindow->Create(document))
+    if (ParticleWindow->Create(document)) {
+        ParticleWindow->SetHost(this);
         return true;
+    }
     ParticleWindow.Reset();
     return false;
 }
@@ -196,12 +197,22 @@ void TDocumentWindows::FrameAllNodes(TDocument&)
     Windows[0]->FocusAll(true);
 }
 
-// In the view that was used last.
-void TDocumentWindows::BringIntoSight(TDocument&, const vector<TToolNode*>& nodes)
+// The view that was used last.
+TDocWindow& TDocumentWindows::GetActiveView() const
 {
     const int active = Windows.index_of(TCindermillApp::Get().GetActiveDocWindow());
-    TDocWindow* window = Windows[active != -1 ? active : 0];
-    window->GetGraph().BringIntoSight(nodes);
+    return *Windows[active != -1 ? active : 0];
+}
+
+void TDocumentWindows::BringIntoSight(TDocument&, const vector<TToolNode*>& nodes)
+{
+    GetActiveView().GetGraph().BringIntoSight(nodes);
+}
+
+void TDocumentWindows::FrameGroup(TDocument&, int group)
+{
+    if (!Windows.empty())
+        GetActiveView().FocusGroup(group);
 }
 
 void TDocumentWindows::UpdateTitles(TDocument& document)
@@ -222,7 +233,26 @@ void TDocumentWindows::UpdateTitles(TDocument& document)
     ASSERT_TEXT(ParticleWindow != nullptr, "ParticleWindow != 0");
     TString title;
     title.Format("Effect Display - [%s%s", name.Print(), modified ? "*]" : "]");
+    NumberTitle(title);
     ParticleWindow->SetTitle(title);
+}
+
+// Effects without a file have all the same name: the display of a later one tells which it is.
+void TDocumentWindows::NumberTitle(TString& title)
+{
+    ParticleTitle = title;
+    ParticleTitleNumber = 1;
+    for (bool taken = true; taken; ParticleTitleNumber += taken ? 1 : 0) {
+        taken = false;
+        for (const TDocument* document : TCindermillApp::Get().GetDocuments()) {
+            const TDocumentWindows* other = dynamic_cast<const TDocumentWindows*>(document->GetHost());
+            taken = taken ||
+                    (other != nullptr && other != this && other->ParticleTitleNumber == ParticleTitleNumber &&
+                     other->ParticleTitle.Compare(ParticleTitle) == 0);
+        }
+    }
+    if (ParticleTitleNumber > 1)
+        title += TempFormat(" (%d)", ParticleTitleNumber);
 }
 
 void TDocumentWindows::RedrawWindows(TDocument&)
@@ -251,6 +281,18 @@ void TDocumentWindows::EngineGoes(TDocument& document)
     TAttributeTraceWindow::EngineGoes(document);
 }
 
+void TDocumentWindows::NodeTypesGo(TDocument&)
+{
+    for (TDocWindow* window : Windows)
+        window->CancelAnyDrag();
+}
+
+void TDocumentWindows::NodeTypesCame(TDocument&)
+{
+    for (TDocWindow* window : Windows)
+        window->GetTool().OpenLibrary();
+}
+
 void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 {
     TAttributeTraceWindow::Open(*Document, node);
@@ -260,6 +302,12 @@ void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 void TDocumentWindows::NodeLeft(TToolNode& node)
 {
     TAttributeTraceWindow::Close(node);
+}
+
+void TDocumentWindows::ShowGroupAlone(int group)
+{
+    if (ParticleWindow != nullptr)
+        ParticleWindow->ToggleOnlyGroup(group);
 }
 
 void TDocumentWindows::RedrawGraphs()

@@ -3,6 +3,7 @@
 #include "library/containers/ownerlist.h"
 #include "library/containers/vector.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
+#include "particles/cindermill/interface/particles/particlewindow.h"
 #include "particles/cindermill/main/documenthost.h"
 
 class TDocWindow;
@@ -13,7 +14,7 @@ class TWindowPlaces;
 // The windows of one document: its views, its particle window, and the drawing of its graph, which all views
 // share. Speaks for them to the document, and to the render objects of the graph for the view that they are
 // used in.
-class TDocumentWindows : public TDocumentHost, public TGraphSceneHost
+class TDocumentWindows : public TDocumentHost, public TGraphSceneHost, public TParticleWindowHost
 {
 public:
     // The owner of document windows: the main window, with a client area for them. Who keeps their places
@@ -36,6 +37,8 @@ public:
     void RedrawWindows(TDocument& document) override;
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
+    void NodeTypesGo(TDocument& document) override;
+    void NodeTypesCame(TDocument& document) override;
 
     // The graph's render objects'.
     void RedrawGraphs() override;
@@ -47,6 +50,9 @@ public:
     TRenderer* GetView() override;
     void NodeLeft(TToolNode& node) override;
 
+    // In the view that was used last.
+    void FrameGroup(TDocument& document, int group) override;
+
     // A view's close box. The last view closes the document, if the user agrees; neither the window nor these
     // windows may be touched afterwards.
     void CloseView(TDocWindow* window);
@@ -56,6 +62,9 @@ public:
     void KeepPlaces(TDocument& document) const;
     // The view was used last: it gets the shortcuts that are pressed in the effect's display and in traces.
     void CollectShortcuts(TDocWindow& window);
+
+    // The preview draws a group alone, or all again; -1 for all.
+    void ShowGroupAlone(int group);
 
     TDocument& GetDocument() const { return *Document; }
     TGraphScene& GetScene() const { return *Scene; }
@@ -68,6 +77,8 @@ private:
     bool AddView(TDocument& document);
     void PlaceWindows(TDocument& document);
     void PlaceDisplay();
+    TDocWindow& GetActiveView() const;
+    void NumberTitle(TString& title);
     TGraphWindow* FindGraph(const TRenderer& renderer) const;
 
     TWindow* Frame;
@@ -78,4 +89,7 @@ private:
     TOwner<TGraphScene> Scene;
     TOwnerList<TDocWindow> Windows;
     TOwner<TParticleWindow> ParticleWindow;
+    // The particle window's, without the number of one that another document's has too.
+    TString ParticleTitle;
+    int ParticleTitleNumber = 1;
 };

@@ -46,6 +46,14 @@ void TAutosave::OnIdle(const vector<TDocument*>& documents)
 {
     if (!Store.IsOpen())
         return;
+    SaveDue(documents);
+    TellFaults();
+}
+
+void TAutosave::SaveDue(const vector<TDocument*>& documents)
+{
+    if (!Store.IsOpen())
+        return;
     SettleOutcomes();
     const uint32_t now = GetTickCount();
     for (TDocument* document : documents) {
@@ -58,9 +66,9 @@ void TAutosave::OnIdle(const vector<TDocument*>& documents)
         } else if (now - entry.Since >= Interval && !document->IsInStep()) {
             Save(*document, entry);
             entry.IsWaiting = false;
+            return;
         }
     }
-    TellFaults();
 }
 
 void TAutosave::SaveModified(const vector<TDocument*>& documents)
@@ -90,6 +98,8 @@ void TAutosave::Save(TDocument& document, TEntry& entry)
     note.Time = GetWallTime();
     document.GetStamp().GetContent(note.FileSize, note.FileHash);
     vector<uint8_t> effect;
+    if (!TRecoveryStore::CanHold(entry.File))
+        entry.File = nullptr;
     if (entry.File.IsEmpty() && !Store.MakeName(note.Path, entry.File))
         entry.Fault = GetSystemErrorText(errno);
     else if (!document.GetImage(effect, GetRecoveryNoteSize(note)))

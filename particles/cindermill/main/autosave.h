@@ -18,8 +18,11 @@ public:
     void Start(const char* folder);
     TRecoveryStore& GetStore() { return Store; }
 
-    // At a moment when nobody is in the middle of anything.
+    // At a moment when nobody is in the middle of anything. May show a message.
     void OnIdle(const vector<TDocument*>& documents);
+    // The same while a dialog or a menu waits: nothing is shown. Of several documents that are due one is
+    // saved, so that nobody waits for them all.
+    void SaveDue(const vector<TDocument*>& documents);
     // All modified documents but those in the middle of a step; returns while the disc still writes.
     void SaveModified(const vector<TDocument*>& documents);
     // Waits for the disc, for so many milliseconds at the most, or until it is done. Failures go to the log.

@@ -128,6 +128,34 @@ void TCindermillApp::LoadNodeTypes(const char* path, TErrorList& errors)
     NodeTypes.Load(path, errors);
 }
 
+// Whoever drags a type, or shows the palette, holds pieces of the library until then.
+void TCindermillApp::ReloadNodeTypes()
+{
+    for (const TDocument* document : Documents)
+        if (document->IsInStep())
+            return;
+    TString directory;
+    if (!FindNodeTypesDirectory(directory)) {
+        ShowMessage("The node types are not there any more");
+        return;
+    }
+    if (Host != nullptr)
+        Host->EndInput();
+    for (TDocument* document : Documents)
+        if (document->GetHost() != nullptr)
+            document->GetHost()->NodeTypesGo(*document);
+    TErrorList errors;
+    NodeTypes.Clear();
+    LoadNodeTypes(directory, errors);
+    for (TDocument* document : Documents)
+        if (document->GetHost() != nullptr)
+            document->GetHost()->NodeTypesCame(*document);
+    if (!errors.empty())
+        DisplayErrors("Loading node types", errors);
+    for (int i = 0; i < Documents.size(); ++i)
+        Documents[i]->OfferRefresh();
+}
+
 void TCindermillApp::GetVersion(TString& version)
 {
     version.Format("Cindermill v0.0 (Mar 18 2008, 17:35:08) Build %d", 3879);
@@ -155,4 +183,10 @@ void TCindermillApp::OnIdle()
         Autosave.OnIdle(Documents);
     if (Settings.GetAutoCheckUpdate() != 0)
         ChangeNotify.Poll();
+}
+
+void TCindermillApp::OnClock()
+{
+    if (Host == nullptr || !Host->IsDragging())
+        Autosave.SaveDue(Documents);
 }

@@ -74,12 +74,17 @@ public:
     // the program, or to one of the folders that the program lies in. False if there is none.
     bool FindNodeTypesDirectory(TString& path) const;
     void LoadNodeTypes(const char* path, TErrorList& errors);
+    // The node types as they stand in their files now, with the errors shown. Each open document asks about
+    // its nodes as it does when it is opened. Nothing happens while an edit is under way.
+    void ReloadNodeTypes();
 
     // "Cindermill v0.0 (...) Build ...".
     static void GetVersion(TString& version);
 
     // One idle pass: every document's, then the change watcher's.
     void OnIdle();
+    // About once a second, also while something waits for an answer.
+    void OnClock();
     // The view that commands go to, and its document; nulls for none. Views call it when they are clicked.
     void SetActiveDocWindow(TDocWindow* window, TDocument* document);
     TDocWindow* GetActiveDocWindow() const { return ActiveDocWindow; }

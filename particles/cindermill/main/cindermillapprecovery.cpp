@@ -80,8 +80,13 @@ void TCindermillApp::Restore(const vector<TLostEffect>& lost)
 
 void TCindermillApp::TellDamaged(const TDamagedEffect& damaged)
 {
-    ShowMessage("An autosaved effect is damaged and cannot be restored: %s. It is kept as %s.",
-                damaged.Fault.Print(), ShownPath(damaged.File).Print());
+    if (damaged.IsUnread)
+        ShowMessage(
+            "An autosaved effect cannot be read: %s. It stays as %s, and is looked for at the next start.",
+            damaged.Fault.Print(), ShownPath(damaged.File).Print());
+    else
+        ShowMessage("An autosaved effect is damaged and cannot be restored: %s. It is kept as %s.",
+                    damaged.Fault.Print(), ShownPath(damaged.File).Print());
 }
 
 void TCindermillApp::OnEnding()

@@ -70,8 +70,10 @@ void AddRecoveryNote(vector<uint8_t>& effect, const TRecoveryNote& note)
     memcpy(effect.data() + summed, &checksum, sizeof(checksum));
 }
 
-bool ReadRecoveryNote(const char* path, TRecoveryNote& note, TString& fault)
+bool ReadRecoveryNote(const char* path, TRecoveryNote& note, TString& fault, bool* isUnread)
 {
+    if (isUnread != nullptr)
+        *isUnread = true;
     TFile file;
     vector<uint8_t> bytes;
     if (!file.OpenRead(path)) {
@@ -86,6 +88,8 @@ bool ReadRecoveryNote(const char* path, TRecoveryNote& note, TString& fault)
         fault = "The file cannot be read to its end";
         return false;
     }
+    if (isUnread != nullptr)
+        *isUnread = false;
     TRecoveryTail tail{};
     const int room = size - static_cast<int>(sizeof(tail));
     if (room >= 0)

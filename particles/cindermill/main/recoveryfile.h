@@ -23,4 +23,4 @@ void AddRecoveryNote(vector<uint8_t>& effect, const TRecoveryNote& note);
 // The bytes that AddRecoveryNote adds.
 int GetRecoveryNoteSize(const TRecoveryNote& note);
 // False, with the reason, for a file that is not as it was written.
-bool ReadRecoveryNote(const char* path, TRecoveryNote& note, TString& fault);
+bool ReadRecoveryNote(const char* path, TRecoveryNote& note, TString& fault, bool* isUnread = nullptr);

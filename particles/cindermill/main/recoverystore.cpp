@@ -1,7 +1,7 @@
 #include "particles/cindermill/main/recoverystore.h"
 
 #include "library/system/clock.h"
-#include "library/system/directorywatcher.h"
+#include "library/system/file.h"
 #include "library/system/path.h"
 #include "library/system/statefolder.h"
 
@@ -52,11 +52,10 @@ bool IsRecoveryName(const TString& name)
     return length > tail && strcmp(name.Print() + length - tail, Extension) == 0;
 }
 
-bool IsWrittenLater(const char* file, const char* than)
+bool IsWrittenLater(const TRecoveryNote& note)
 {
     int64_t time = 0;
-    int64_t other = 0;
-    return file != nullptr && GetFileWriteTime(file, time) && GetFileWriteTime(than, other) && time > other;
+    return !note.Path.IsEmpty() && GetFileTime(note.Path, time) && time > note.Time;
 }
 
 } // namespace
@@ -66,8 +65,17 @@ void TRecoveryStore::Open(const char* folder)
     Root = folder;
 }
 
+bool TRecoveryStore::CanHold(const char* file)
+{
+    TString folder;
+    folder.SetDirectory(file);
+    return IsDirectory(folder);
+}
+
 bool TRecoveryStore::MakeName(const char* documentPath, TString& file)
 {
+    if (Own.IsHeld() && !IsDirectory(Own.GetPath()))
+        Own.Release();
     if (!Own.IsHeld() && !Own.Create(Root))
         return false;
     TString number;
@@ -116,13 +124,15 @@ void TRecoveryStore::TakeOver(TLockedFolder& folder, vector<TLostEffect>& lost,
         }
         TLostEffect effect;
         TDamagedEffect bad;
-        if (!ReadRecoveryNote(file, effect.Note, bad.Fault)) {
-            SetAside(file, bad);
+        if (!ReadRecoveryNote(file, effect.Note, bad.Fault, &bad.IsUnread)) {
+            bad.File = file;
+            if (!bad.IsUnread)
+                SetAside(file, bad);
             damaged.push_back(bad);
             continue;
         }
         effect.File = file;
-        effect.IsOlder = IsWrittenLater(effect.Note.Path, file);
+        effect.IsOlder = IsWrittenLater(effect.Note);
         lost.push_back(effect);
     }
 }

@@ -20,6 +20,8 @@ struct TDamagedEffect
     // Where it lies now: put aside, so that nobody is asked about it again.
     TString File;
     TString Fault;
+    // The system did not let it be read. It may be whole, and lies where it lay.
+    bool IsUnread = false;
 };
 
 // Where recovery files lie. Each process that runs has a folder of its own in the store; those of processes
@@ -34,6 +36,8 @@ public:
 
     void Open(const char* folder);
     bool IsOpen() const { return !Root.IsEmpty(); }
+    // Whether the file's folder is still there: who cleans up may have taken it away.
+    static bool CanHold(const char* file);
     // A new name for a recovery file of the document. False, with errno, if there can be none.
     bool MakeName(const char* documentPath, TString& file);
     // Takes the folders over that nobody has. What is in them and is no recovery file goes.

@@ -26,6 +26,15 @@ static void OpenLog(TLogFile& log)
     log.Open(path);
 }
 
+// While the message loop runs. The display's libraries end the program by themselves when the display goes.
+static TApplication* Running = nullptr;
+
+static void SaveAtExit()
+{
+    if (Running != nullptr)
+        Running->OnEnding();
+}
+
 // False if the program did not come up. Where the system has ended it, the documents go with the process:
 // nobody was asked whether they may.
 static bool RunProgram()
@@ -40,7 +49,9 @@ static bool RunProgram()
         DebugPrintf("%s\n", version.Print());
         OpenLog(log);
         application->StartAutosave();
+        Running = application;
         TWimp::Get().Run();
+        Running = nullptr;
     }
     if (end.IsEnding()) {
         application->EndUnasked();
@@ -61,6 +72,7 @@ int main(int argc, char** argv)
     TCrashReport::Install();
     TakeFileSizeLimitAsError();
     TakeClosedPipeAsError();
+    std::atexit(SaveAtExit);
     if (!TWimp::Get().Init(argc, argv)) {
         DebugPrintf("Failed to initialise Cindermill\n");
         fprintf(stderr, "There is no display to open windows on.\n");

@@ -73,6 +73,32 @@ TEST_F(TTemporaryFileTest, ANamedFileStandsBesideItsTargetAndTakesItsPlace)
     EXPECT_EQ(CountOthers(), 0);
 }
 
+TEST_F(TTemporaryFileTest, AProgramThatSaysSoLeavesNoNamesWhenASignalEndsIt)
+{
+    for (const int signal : {SIGTERM, SIGHUP, SIGINT}) {
+        const pid_t child = fork();
+        if (child == 0) {
+            ::signal(signal, SIG_DFL);
+            RemoveTemporaryFilesAtEnd();
+            TTemporaryFile gone;
+            TTemporaryFile first;
+            TTemporaryFile second;
+            if (gone.CreateNamed(Target.c_str(), nullptr) && first.CreateNamed(Target.c_str(), nullptr) &&
+                second.CreateNamed(Target.c_str(), nullptr) && CountOthers() == 3) {
+                gone.Drop();
+                raise(signal);
+            }
+            _exit(1);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status)) << status;
+        EXPECT_EQ(WTERMSIG(status), signal);
+        EXPECT_EQ(CountOthers(), 0);
+        EXPECT_EQ(ReadBytes(Target), "old");
+    }
+}
+
 TEST_F(TTemporaryFileTest, AFileWithoutANameTakesAPlaceThatIsFreeOrNot)
 {
     for (int i = 0; i < 2; ++i) {

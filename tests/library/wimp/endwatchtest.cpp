@@ -22,7 +22,9 @@ class TEndingApp : public TWimpApp
 public:
     void OnIdle() override {}
     void OnEnding() override { ++NumEndings; }
+    void OnClock() override { ++NumClocks; }
     int NumEndings = 0;
+    int NumClocks = 0;
 };
 
 class TEndWatchTest : public TWindowTest
@@ -114,6 +116,32 @@ TEST_F(TEndWatchTest, AWaitForWorkHearsThatItShallEnd)
     EXPECT_TRUE(WaitFor([&] { return dialog.Step() == WA_CLOSED; }));
     dialog.End();
     EXPECT_EQ(App.NumEndings, 1);
+}
+
+// As the loop's own turns do not come then.
+TEST_F(TEndWatchTest, TheClockGoesOnUnderMessagesAndMenus)
+{
+    QTimer::singleShot(0, [&] {
+        const auto isTold = [&] { return App.NumClocks > 0; };
+        QTimer closer;
+        QObject::connect(&closer, &QTimer::timeout, [&] {
+            if (isTold() && QApplication::activeModalWidget() != nullptr)
+                QApplication::activeModalWidget()->close();
+            else if (isTold() && QApplication::activePopupWidget() != nullptr)
+                QApplication::activePopupWidget()->close();
+        });
+        closer.start(10);
+        QMessageBox(QMessageBox::Warning, "Message", "Text", QMessageBox::Ok).exec();
+        EXPECT_EQ(App.NumClocks, 1);
+        App.NumClocks = 0;
+        QMenu menu;
+        menu.addAction("Entry");
+        menu.exec();
+        EXPECT_EQ(App.NumClocks, 1);
+        TWimp::Get().Quit();
+    });
+    TWimp::Get().Run();
+    TWimp::Get().Quit();
 }
 
 // The session asks first, and may go on after all. Only the window system can make its manager, of which

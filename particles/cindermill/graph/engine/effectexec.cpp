@@ -29,6 +29,12 @@ TEffectExec::~TEffectExec()
     Clear();
 }
 
+void TEffectExec::SetSeed(uint32_t seed)
+{
+    HasSeed = true;
+    Seed = seed;
+}
+
 bool TEffectExec::Init(const TEffectSchedule& schedule, TErrorList& errors, bool toolMode)
 {
     return InitWith(schedule, errors, toolMode, true);
@@ -49,12 +55,17 @@ bool TEffectExec::InitWith(const TEffectSchedule& schedule, TErrorList& errors, 
         return false;
     }
     Schedule = &schedule;
+    if (HasSeed)
+        Randoms.Init(schedule, Seed);
     if (!InitNodes(errors, withRender))
         return false;
     if (toolMode)
         InitGroups();
     InitExternals();
+    NumBorn.resize(schedule.GetNumGroups());
+    ForgetBirths();
     Time = 0;
+    ++NumStarts;
     Inited = true;
     return true;
 }
@@ -67,9 +78,11 @@ bool TEffectExec::InitNodes(TErrorList& errors, bool withRender)
             Nodes.push_back(nullptr);
             continue;
         }
+        errors.SetSource(Schedule->GetNode(n)->GetNodeType(), -1);
         Nodes.push_back(TEffectExecNode::Create(Schedule->GetNode(n), this, errors));
         good = good && Nodes[n] != nullptr;
     }
+    errors.ClearSource();
     return good;
 }
 
@@ -130,11 +143,18 @@ int TEffectExec::GetTiedUsage(int group, int tied) const
     return Schedule->GetNodeUsage(Schedule->GetTiedNode(group, tied));
 }
 
+void TEffectExec::ForgetBirths()
+{
+    Births = 0;
+    for (int& born : NumBorn)
+        born = 0;
+}
+
 void TEffectExec::Update(float dt)
 {
     if (!Inited || Groups.empty())
         return;
-    Births = 0;
+    ForgetBirths();
     for (int g = 0; g < GetNumGroups(); ++g) {
         RunEmitters(g, dt);
         RunProcesses(g, dt);
@@ -281,6 +301,7 @@ void TEffectExec::AddParticles(int group, int instance, int count)
         return;
     Births += count;
     CheckBirths(Births, group);
+    NumBorn[group] += count;
     const bool firing = buffer->SetFiring(false);
     const int first = buffer->AddParticles(count);
     SelectExternal(group, instance);
@@ -332,6 +353,7 @@ void TEffectExec::ExportNode(TExportData* exportdata, TErrorList& errors, int gr
     TEffectExecNode* node = Place(group, tied);
     if (node == nullptr)
         return;
+    errors.SetSource(Schedule->GetNode(Schedule->GetTiedNode(group, tied))->GetNodeType(), group);
     exportdata->SetCurrent(group, tied);
     if (node->IsBypassed())
         exportdata->ExportBypassed();
@@ -346,6 +368,7 @@ bool TEffectExec::Export(TExportData& exportData, TErrorList& errors)
     for (int g = 0; g < Schedule->GetNumGroups(); ++g)
         for (int t = 0; t < Schedule->GetNumTiedNodes(g); ++t)
             ExportNode(&exportData, errors, g, t);
+    errors.ClearSource();
     if (!exportData.Build(errors))
         return false;
     // A broken policy is a warning unless the artist made it a fault.
@@ -353,12 +376,13 @@ bool TEffectExec::Export(TExportData& exportData, TErrorList& errors)
     return exportData.CheckPolicies(flags, errors) || (flags & PF_PREVENTEXPORT) == 0;
 }
 
-void TEffectExec::Render(const TSceneView& view)
+void TEffectExec::Render(const TSceneView& view, int onlyGroup)
 {
     if (!Inited || Groups.empty())
         return;
     for (int g = 0; g < GetNumGroups(); ++g)
-        RenderGroup(g, view);
+        if (onlyGroup == AllGroups || onlyGroup == g)
+            RenderGroup(g, view);
 }
 
 void TEffectExec::RenderGroup(int group, const TSceneView& view)

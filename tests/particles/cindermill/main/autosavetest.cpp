@@ -50,6 +50,71 @@ TEST_F(Autosaves, NothingIsWrittenDuringADrag)
     EXPECT_EQ(Files().size(), 1u);
 }
 
+// Under a dialog or a menu no idle pass may come for hours.
+TEST_F(Autosaves, TheClockWritesWhatIsDueWhileSomethingWaits)
+{
+    Start();
+    TDocument& document = New();
+    Add(document);
+    IdleAt(0);
+    Clock.Set(Begin + 119999);
+    App.Get().OnClock();
+    Autosave().WaitForDisc();
+    EXPECT_TRUE(Files().empty());
+    Host.Drags = true;
+    Clock.Set(Begin + 120000);
+    App.Get().OnClock();
+    Autosave().WaitForDisc();
+    EXPECT_TRUE(Files().empty());
+    Host.Drags = false;
+    App.Get().OnClock();
+    Autosave().WaitForDisc();
+    EXPECT_EQ(Files().size(), 1u);
+}
+
+TEST_F(Autosaves, TheClockShowsNothing)
+{
+    Start();
+    Add(New());
+    IdleAt(0);
+    WriteBytes(Path("state"), "no folder");
+    Clock.Set(Begin + 120000);
+    App.Get().OnClock();
+    Autosave().WaitForDisc();
+    App.Get().OnClock();
+    EXPECT_TRUE(Shown.Messages.empty());
+    App.Get().OnIdle();
+    EXPECT_EQ(Shown.Messages.size(), 1u);
+}
+
+TEST_F(Autosaves, OfSeveralThatAreDueOneIsWrittenInAPass)
+{
+    Start();
+    for (int i = 0; i < 3; ++i)
+        Add(New());
+    IdleAt(0);
+    for (size_t i = 1; i <= 3; ++i) {
+        IdleAt(120000);
+        EXPECT_EQ(Files().size(), i);
+    }
+}
+
+TEST_F(Autosaves, AFolderThatWasTakenAwayIsMadeAnew)
+{
+    Start();
+    TDocument& document = New();
+    Add(document);
+    Autosave().SaveModified(App.Get().GetDocuments());
+    Autosave().WaitForDisc();
+    EXPECT_EQ(Files().size(), 1u);
+    std::filesystem::remove_all(Path("state"));
+    Add(document);
+    Autosave().SaveModified(App.Get().GetDocuments());
+    Autosave().WaitForDisc();
+    EXPECT_EQ(Files().size(), 1u);
+    EXPECT_TRUE(Shown.Messages.empty());
+}
+
 TEST_F(Autosaves, WhatIsNotModifiedIsNotWritten)
 {
     const std::string path = EffectFile("whole.effect");

@@ -323,6 +323,13 @@ TEST_F(CrashReport, OnAFullDiscTheSignalStillEndsTheProgram)
     EXPECT_FALSE(std::filesystem::exists(Dump(StateFolder())));
 }
 
+TEST_F(CrashReport, AProgramThatHasUsedUpItsDescriptorsReports)
+{
+    TExpectedReport expected = Expected("an Access Violation", SIGSEGV);
+    expected.Access = "Write to location 00000030";
+    Fail("descriptors", expected);
+}
+
 TEST_F(CrashReport, ADumpThatDoesNotFitIsMadeSmall)
 {
     constexpr rlim_t Limit = 4 << 20;

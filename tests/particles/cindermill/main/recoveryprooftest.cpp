@@ -185,7 +185,9 @@ protected:
             App.Get().OnIdle();
             TellAll(MK_AUTOSAVING, MK_DROPPING);
             Clock.Set(Now += TAutosave::Interval);
-            App.Get().OnIdle();
+            // One in a pass.
+            for (uint32_t effect = 0; effect < NumEffects; ++effect)
+                App.Get().OnIdle();
         } else {
             TellAll(MK_AUTOSAVING, MK_DROPPING);
             Autosave().SaveModified(App.Get().GetDocuments());

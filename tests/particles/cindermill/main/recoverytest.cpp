@@ -2,6 +2,7 @@
 
 #include "support/dice.h"
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -34,6 +35,44 @@ TEST_F(Autosaves, TheQuestionTellsThatTheFileWasWrittenLater)
     Start(RA_LATER);
     ASSERT_EQ(Host.Recovered.size(), 1u);
     EXPECT_EQ(Host.Recovered[0].substr(19), "   " + path + "   (the file was written later)");
+}
+
+// When it was autosaved counts, and not what became of the recovery file since.
+TEST_F(Autosaves, ACopiedRecoveryFileIsNoNewerForIt)
+{
+    const std::string path = EffectFile("fire.effect");
+    EditAndDie(path);
+    const auto later = std::filesystem::file_time_type::clock::now() + std::chrono::seconds(5);
+    std::filesystem::last_write_time(path, later);
+    std::filesystem::last_write_time(TheFile(), later + std::chrono::seconds(5));
+    Start(RA_LATER);
+    ASSERT_EQ(Host.Recovered.size(), 1u);
+    EXPECT_EQ(Host.Recovered[0].substr(19), "   " + path + "   (the file was written later)");
+}
+
+// It may be whole: another start, with more descriptors or a disc that answers, may read it.
+TEST_F(Autosaves, AFileThatTheSystemDoesNotLetBeReadStays)
+{
+    EditAndDie(EffectFile("fire.effect"));
+    const std::string file = TheFile();
+    const std::string bytes = ReadBytes(file);
+    const std::string kept = Path("kept");
+    std::filesystem::rename(file, kept);
+    // What nobody can read, the superuser included.
+    ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+    Start(RA_LATER);
+    EXPECT_TRUE(Host.Recovered.empty());
+    ASSERT_EQ(Shown.Messages.size(), 1u);
+    EXPECT_NE(Shown.Messages[0].find("cannot be read"), std::string::npos) << Shown.Messages[0];
+    EXPECT_NE(Shown.Messages[0].find("It is no regular file"), std::string::npos) << Shown.Messages[0];
+    EXPECT_NE(Shown.Messages[0].find(file), std::string::npos) << Shown.Messages[0];
+    EXPECT_TRUE(std::filesystem::is_fifo(file));
+    Autosave().GetStore().Close();
+    std::filesystem::remove(file);
+    std::filesystem::rename(kept, file);
+    Start(RA_LATER);
+    EXPECT_EQ(Host.Recovered.size(), 1u);
+    EXPECT_TRUE(ReadBytes(file) == bytes);
 }
 
 TEST_F(Autosaves, WithoutSuchFilesNothingIsAsked)
