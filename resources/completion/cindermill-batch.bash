@@ -14,7 +14,7 @@ _cindermill_batch_files() {
 
 _cindermill_batch() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="types check lint report dump export run efx translate image resave hash help"
+    local commands="types check lint report dump export run replay efx translate image resave hash text diff picture sheet help"
     local command="" options="" i
     COMPREPLY=()
 
@@ -64,7 +64,8 @@ _cindermill_batch() {
             _cindermill_batch_files d
             return
             ;;
-        run:--frames | run:--dt | run:--seed | lint:--seconds | lint:--seeds) return ;;
+        run:--frames | run:--dt | run:--seed | replay:--frames | replay:--dt | replay:--seed) return ;;
+        lint:--seconds | lint:--seeds) return ;;
     esac
 
     case $command in
@@ -73,7 +74,7 @@ _cindermill_batch() {
         lint) options="--format --fail-on --seconds --seeds --suggest-box --budgets" ;;
         report) options="--format --fail-on" ;;
         export) options="--depfile --fail-on --verbose" ;;
-        run) options="--frames --dt --seed" ;;
+        run | replay) options="--frames --dt --seed" ;;
         translate) options="--raw" ;;
         image) options="--format" ;;
         help)
@@ -86,7 +87,7 @@ _cindermill_batch() {
         return
     fi
     case $command in
-        check | lint | report | dump | run | resave) _cindermill_batch_files effect ;;
+        check | lint | report | dump | run | replay | resave | text | diff | picture) _cindermill_batch_files effect ;;
         export) _cindermill_batch_files effect efx ;;
         efx) _cindermill_batch_files efx ;;
         translate) _cindermill_batch_files sho ;;
