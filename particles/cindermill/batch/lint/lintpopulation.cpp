@@ -123,6 +123,19 @@ float TLintPopulation::GetLived(const TGroup& group) const
     return RunTime - group.FirstBirth;
 }
 
+bool TLintPopulation::MakesRoomForChildren(int group) const
+{
+    const int capacity = Schedule.GetParticleCount(group);
+    for (int child = 0; child < Groups.size(); ++child) {
+        if (Schedule.GetMaxEmission(child) != capacity || 2.0 * Groups[child].MostBirths < capacity)
+            continue;
+        for (int a = 0; a < Schedule.GetNumAttributes(child); ++a)
+            if (Schedule.GetAttributeExternalGroup(child, a) == group)
+                return true;
+    }
+    return false;
+}
+
 bool TLintPopulation::IsStillBearing(const TGroup& group) const
 {
     constexpr float lateShare = 0.75f;
@@ -186,7 +199,7 @@ void TLintPopulation::TellCapacity(TLintReport& report, int index, bool endless)
     }
     // While the group still grows, nothing is known of its peak.
     const bool grows = group.Died == 0 && IsStillBearing(group);
-    if (group.Born == 0 || 2.0 * group.Peak >= capacity || grows)
+    if (group.Born == 0 || 2.0 * group.Peak >= capacity || grows || MakesRoomForChildren(index))
         return;
     TFinding& finding = report.AddGroup(LK_CAPACITYWASTE, index,
                                         "Particle Count is %d, but there are never more than %d particles",
