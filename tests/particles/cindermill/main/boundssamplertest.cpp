@@ -129,6 +129,25 @@ TEST_F(Sampling, ABlendedSpriteReachesAsFarAsItsCorners)
     SampleFlat({0, 0, 0});
 }
 
+TEST_F(Sampling, PlacesAreKnownApartFromTheLargestReach)
+{
+    Load("fountain", "TSpriteRenderStage");
+    PutAll("Scale", {3, 4});
+    PutAll("Transform", {1, 2, 3, 0, 0, 0});
+    Put("Scale", 1, {6, 8});
+    Put("Transform", 1, {11, -2, 3, 0, 0, 0});
+    TBoundsSampler sampler(Exec(), *Stage);
+    EXPECT_EQ(sampler.GetLargestReach(), 0);
+    sampler.Grow();
+    EXPECT_FLOAT_EQ(sampler.GetLargestReach(), 10);
+    const TVector3 min(1, -2, 3);
+    const TVector3 max(11, 2, 3);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_NEAR(sampler.GetPlaces().Min[i], min[i], 1e-5) << i;
+        EXPECT_NEAR(sampler.GetPlaces().Max[i], max[i], 1e-5) << i;
+    }
+}
+
 // Half a second back by (2, 0, -6), a quarter to each side.
 TEST_F(Sampling, ATrailReachesBackToWhereItsParticleWas)
 {

@@ -203,6 +203,24 @@ TEST_F(ResourceLocator, WhereANameLeadsIsKnownWithoutASearch)
     EXPECT_FALSE(Locator.FindKnown("smoke.dds", path));
 }
 
+TEST_F(ResourceLocator, TellsWhereNamesAreToLie)
+{
+    vector<TString> bases;
+    Locator.GetBases(bases);
+    EXPECT_TRUE(bases.empty());
+    // A base counts for the names that begin there alone.
+    SetMode(RM_LEAFNAME, Path("home/base"));
+    Locator.GetBases(bases);
+    EXPECT_TRUE(bases.empty());
+    SetMode(RM_RELATIVEPATH, Path("home/base/"));
+    EXPECT_EQ(Locator.GetMode(), RM_RELATIVEPATH);
+    Locator.AddSearchDirectory(Path("home/beside").c_str());
+    Locator.GetBases(bases);
+    ASSERT_EQ(bases.size(), 2);
+    EXPECT_EQ(Kept(Path("home/beside")), bases[0].Print());
+    EXPECT_EQ(Kept(Path("home/base")), bases[1].Print());
+}
+
 TEST_F(ResourceLocator, ClimbsToTheParentWhenNothingIsBelow)
 {
     EXPECT_EQ(Find("smoke.dds"), Kept(Path("home/beside/smoke.dds")));
