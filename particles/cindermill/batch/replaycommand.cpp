@@ -84,8 +84,7 @@ int TReplayCommand::Run(TBatchSession& session, TArguments& arguments) const
         TLogCapture quiet(DropLine, nullptr);
         replayed = comparison.Run(options, errors);
     }
-    if (!errors.empty())
-        PrintErrors(BR_EXPORTFAILED, errors);
+    PrintErrors(replayed ? BR_DONE : BR_EXPORTFAILED, errors);
     if (!replayed)
         return StatusErrors;
     TReplayTable(stdout).Write(comparison.GetReport());
