@@ -39,6 +39,8 @@ types=$(run "$root/usr/bin/cindermill-batch" types | wc -l)
 samples=$root/usr/share/cindermill/samples
 run "$root/usr/bin/cindermill-batch" --resources "$samples" export "$samples/campfire.effect" "$work/campfire.efx"
 [ -s "$work/campfire.efx" ] || fail "The installed batch program exports nothing"
+run "$root/usr/bin/cindermill-batch" --resources "$samples" picture "$samples/campfire.effect" "$work/campfire.png"
+[ "$(head -c 4 "$work/campfire.png" | tail -c 3)" = PNG ] || fail "The installed program draws no picture"
 
 # The window program shows its window, and no message beside it that something is missing.
 run timeout -k 5 120 xvfb-run -a -s "-screen 0 1280x1024x24" bash -c '

@@ -43,6 +43,8 @@ public:
     const vector<TRampPoint>& GetCurve(int dimension) const;
     const int* GetLocks() const { return Locks; }
     bool IsLinear() const { return Linear; }
+    // A byte that files carry along; nothing goes by it.
+    bool HasSpareFlag() const { return Flag2; }
     // A lock that came from a file may name no curve.
     static bool IsLock(int lock) { return lock >= -1 && lock < MaxDimensions; }
     // Frees the curves whose locks name none; whether there were any.

@@ -1,14 +1,18 @@
 #include "particles/cindermill/batch/batchcommand.h"
 #include "particles/cindermill/batch/checkcommand.h"
+#include "particles/cindermill/batch/diffcommand.h"
 #include "particles/cindermill/batch/dumpcommand.h"
 #include "particles/cindermill/batch/efxcommand.h"
 #include "particles/cindermill/batch/exportcommand.h"
 #include "particles/cindermill/batch/hashcommand.h"
 #include "particles/cindermill/batch/helpcommand.h"
 #include "particles/cindermill/batch/imagecommand.h"
+#include "particles/cindermill/batch/picturecommand.h"
+#include "particles/cindermill/batch/replaycommand.h"
 #include "particles/cindermill/batch/reportcommand.h"
 #include "particles/cindermill/batch/resavecommand.h"
 #include "particles/cindermill/batch/runcommand.h"
+#include "particles/cindermill/batch/textcommand.h"
 #include "particles/cindermill/batch/translatecommand.h"
 #include "particles/cindermill/batch/typescommand.h"
 
@@ -26,6 +30,7 @@ const TReportCommand Report;
 const TDumpCommand Dump;
 const TExportCommand Export;
 const TRunCommand Run;
+const TReplayCommand Replay;
 const TEfxCommand Efx;
 const TTranslateCommand Translate;
 const TImageCommand Image;
@@ -33,8 +38,18 @@ const TResaveCommand Resave;
 const THashCommand Hash;
 const THelpCommand Help;
 
+const TTextCommand Text;
+const TDiffCommand Diff;
+const TPictureCommand Picture("picture", "FILE OUT.png [--frame N | --frames A-B --sheet C] [--seed K] "
+                                         "[--camera X,Y,Z,TX,TY,TZ] [--size WxH] [--background COLOUR] "
+                                         "[--turntable N] [--plain]");
+const TPictureCommand Sheet("sheet",
+                            "DIR OUT.png [--frame N] [--sheet C] [--seed K] [--camera X,Y,Z,TX,TY,TZ] "
+                            "[--size WxH] [--background COLOUR] [--plain]");
+
 const TBatchCommand* const Commands[] = {
-    &Types, &Check, &Report, &Dump, &Export, &Run, &Efx, &Translate, &Image, &Resave, &Hash, &Help,
+    &Types, &Check, &Report, &Dump, &Export, &Run, &Replay, &Efx, &Translate, &Image, &Resave, &Hash, &Text, &Diff,
+    &Picture, &Sheet, &Help,
 };
 
 } // namespace

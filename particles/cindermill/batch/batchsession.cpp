@@ -29,6 +29,18 @@ bool TBatchSession::ReadOptions(TArguments& arguments, TString& fault)
     }
 }
 
+void TBatchSession::GetOptionWords(vector<TString>& words) const
+{
+    const auto add = [&](const char* option, const TString& directory) {
+        if (directory.IsEmpty())
+            return;
+        words.push_back(option);
+        words.push_back(directory);
+    };
+    add("--node-types", NodeTypesDirectory);
+    add("--resources", ResourcesDirectory.IsEmpty() ? Project.GetResources() : ResourcesDirectory);
+}
+
 bool TBatchSession::Init()
 {
     if (!ProjectPath.IsEmpty() && !LoadProject())

@@ -17,6 +17,8 @@ public:
 
     // Takes the options; false with what is wrong with them.
     bool ReadOptions(TArguments& arguments, TString& fault);
+    // The options again, as another program of the tool takes them.
+    void GetOptionWords(vector<TString>& words) const;
     // Must succeed before all that follows. With a project nothing is taken from the user's settings.
     bool Init();
     // Reads the whole library now, and tells on the standard error what is wrong with it.

@@ -125,7 +125,9 @@ bool TDocument::LoadFrom(const char* file, const char* path)
     Modified = !LoadNotes.empty();
     if (Modified)
         OperationStack->MarkChanged();
-    RefreshNodeTypes();
+    vector<TEffectNode*> stale;
+    if (AskToRefresh(stale))
+        RefreshNodes(stale);
     NumEdits += Modified ? 1 : 0;
     AttachObjects();
     TErrorList errors;
@@ -146,24 +148,24 @@ bool TDocument::LoadFrom(const char* file, const char* path)
     return true;
 }
 
-// Nodes that only the history holds are not asked about, but may come back: they are refreshed along.
-void TDocument::RefreshNodeTypes()
+bool TDocument::AskToRefresh(vector<TEffectNode*>& stale)
 {
     const TNodeTypeLibrary& library = App.GetNodeTypes();
-    vector<TEffectNode*> stale;
-    TPointerMap inGraph;
-    for (int i = 0; i < Graph->GetNumNodes(); ++i) {
-        inGraph.Insert(Graph->GetNode(i));
+    for (int i = 0; i < Graph->GetNumNodes(); ++i)
         if (Graph->GetNode(i)->GetNodeType()->NeedsRefresh(library))
             Append(stale, Graph->GetNode(i));
-    }
-    if (stale.empty() || !AskQuestion("%d node types need refreshing. Refresh now?", stale.size()))
-        return;
+    return !stale.empty() && AskQuestion("%d node types need refreshing. Refresh now?", stale.size());
+}
+
+// Nodes that only the history holds are not asked about, but may come back: they are refreshed along.
+void TDocument::RefreshNodes(vector<TEffectNode*>& stale)
+{
+    const TNodeTypeLibrary& library = App.GetNodeTypes();
     vector<TChunk*> all;
     Chunks.GetChunksOfClass(TToolNode::NameID(), all);
     for (TChunk* chunk : all) {
         TToolNode* node = static_cast<TToolNode*>(chunk);
-        if (!inGraph.Has(node) && node->GetNodeType()->NeedsRefresh(library))
+        if (!Graph->Has(node) && node->GetNodeType()->NeedsRefresh(library))
             Append(stale, node);
     }
     TRefreshRecord record;
@@ -177,6 +179,54 @@ void TDocument::RefreshNodeTypes()
                                  "were dropped",
                                  dropped, steps));
     Modified = true;
+}
+
+// What views, traces and displays hold of the nodes is made anew: their parameters are replaced.
+void TDocument::OfferRefresh()
+{
+    if (IsInStep())
+        return;
+    vector<TEffectNode*> stale;
+    if (!AskToRefresh(stale))
+        return;
+    const TStepScope step(StepDepth);
+    const bool wasRunning = Preview.IsInited();
+    LoadNotes.Clear();
+    Preview.DropSchedule();
+    DetachObjects();
+    RefreshNodes(stale);
+    ++Revision;
+    ++NumEdits;
+    vector<TChunk*> all;
+    Chunks.GetChunksOfClass(TToolNode::NameID(), all);
+    for (TChunk* chunk : all)
+        static_cast<TToolNode*>(chunk)->Attach(this);
+    AttachObjects();
+    OperationStack->MarkChanged();
+    UpdateTitles();
+    GraphChanged();
+    if (wasRunning)
+        RebuildSchedule(false);
+    if (!LoadNotes.empty())
+        DisplayErrors("Load errors", LoadNotes);
+}
+
+void TDocument::DetachObjects()
+{
+    ClearSelection();
+    vector<TChunk*> all;
+    Chunks.GetChunksOfClass(TToolEdge::NameID(), all);
+    for (TChunk* chunk : all)
+        Listener->EdgeGoes(static_cast<TToolEdge*>(chunk));
+    all.clear();
+    Chunks.GetChunksOfClass(TToolNode::NameID(), all);
+    for (TChunk* chunk : all) {
+        TToolNode* node = static_cast<TToolNode*>(chunk);
+        if (Graph->Has(node))
+            node->Removed(this);
+        Listener->NodeGoes(node);
+        node->Detach();
+    }
 }
 
 void TDocument::AttachObjects()
@@ -273,7 +323,11 @@ void TDocument::Undo()
     const TStepScope step(StepDepth);
     ++Revision;
     ++NumEdits;
-    const bool fits = OperationStack->Undo(*this);
+    bool fits = false;
+    {
+        const TGraphHold hold(*this);
+        fits = OperationStack->Undo(*this);
+    }
     DropStaleSchedule();
     FinishStep(fits);
 }
@@ -283,7 +337,12 @@ void TDocument::Redo()
     const TStepScope step(StepDepth);
     ++Revision;
     ++NumEdits;
-    FinishStep(OperationStack->Redo(*this));
+    bool fits = false;
+    {
+        const TGraphHold hold(*this);
+        fits = OperationStack->Redo(*this);
+    }
+    FinishStep(fits);
 }
 
 void TDocument::FinishStep(bool fits)
@@ -396,10 +455,12 @@ void TDocument::OnGraphChanged()
         RebuildSchedule(false);
         return;
     }
+    ReviewProblems();
     if (!GetSchedule().IsCreated())
         return;
     TErrorList errors;
-    CreateSchedule(errors);
+    if (!CreateSchedule(errors))
+        TakeProblems(errors, true);
     TellScheduleChanged();
 }
 
@@ -415,8 +476,32 @@ bool TDocument::ResolveTypes(TErrorList& errors)
     });
 }
 
-// A graph whose types cannot be settled has no preview.
+TGraphHold::TGraphHold(TDocument& document) : Document(document)
+{
+    ++Document.GraphHolds;
+}
+
+TGraphHold::~TGraphHold()
+{
+    if (--Document.GraphHolds > 0 || !Document.GraphChangeWaits)
+        return;
+    Document.GraphChangeWaits = false;
+    Document.FinishGraphChange();
+}
+
 void TDocument::GraphChanged()
+{
+    if (GraphHolds == 0) {
+        FinishGraphChange();
+        return;
+    }
+    GraphChangeWaits = true;
+    TErrorList errors;
+    ResolveTypes(errors);
+}
+
+// A graph whose types cannot be settled has no preview.
+void TDocument::FinishGraphChange()
 {
     TErrorList errors;
     const bool resolved = ResolveTypes(errors);
@@ -427,6 +512,7 @@ void TDocument::GraphChanged()
     }
     Preview.DropSchedule();
     TellScheduleChanged();
+    TakeProblems(errors, true);
     DisplayErrors("Schedule errors", errors);
 }
 
@@ -443,8 +529,10 @@ void TDocument::RebuildSchedule(bool suppressDialog)
     ClearEngine();
     const int groups = GetSchedule().GetNumGroups();
     TErrorList errors;
-    if (CreateSchedule(errors))
+    const bool created = CreateSchedule(errors);
+    if (created)
         InitEngine(errors, true);
+    TakeProblems(errors, !created);
     if (GetSchedule().GetNumGroups() != groups)
         RedrawWindows();
     if (!suppressDialog && !errors.empty())
@@ -468,6 +556,7 @@ bool TDocument::EnsureSchedule()
     if (created && Preview.IsInited())
         return true;
     const bool ready = created && InitEngine(errors, true);
+    TakeProblems(errors, !created);
     TellScheduleChanged();
     if (!ready)
         DisplayErrors("Schedule errors", errors);
@@ -525,6 +614,21 @@ void TDocument::GetReport(TString& report)
     int size = 0;
     const bool valid = ready && Preview.GetExportSize(size, errors);
     text.AddExport(valid, size);
+}
+
+void TDocument::TakeProblems(const TErrorList& errors, bool ofGraph)
+{
+    if (errors.empty() && Problems.empty())
+        return;
+    Problems.Take(*Graph, errors, ofGraph);
+    if (Host != nullptr)
+        Host->ProblemsChanged(*this);
+}
+
+void TDocument::ReviewProblems()
+{
+    if (Problems.Review(*Graph) && Host != nullptr)
+        Host->ProblemsChanged(*this);
 }
 
 void TDocument::TellScheduleChanged()

@@ -33,7 +33,13 @@ public:
     virtual void RedrawWindows(TDocument& document) = 0;
     // The schedule was built anew or has gone, or an engine has come: traces and group tabs follow.
     virtual void ScheduleChanged(TDocument& document) = 0;
+    // What keeps the effect from running is something else now.
+    virtual void ProblemsChanged(TDocument& document) { (void)document; }
     // The engine is about to be deleted: who holds nodes or traces of it lets go of them now. May come while
     // a window is painted.
     virtual void EngineGoes(TDocument& document) = 0;
+    // The types of the library are about to be deleted: who shows them or drags one lets go of them now. Then
+    // there are new ones.
+    virtual void NodeTypesGo(TDocument& document) { (void)document; }
+    virtual void NodeTypesCame(TDocument& document) { (void)document; }
 };

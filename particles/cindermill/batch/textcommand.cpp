@@ -1,0 +1,21 @@
+#include "particles/cindermill/batch/textcommand.h"
+
+#include "particles/cindermill/batch/batchsession.h"
+#include "particles/cindermill/graph/text/effecttext.h"
+
+#include <cstdio>
+
+TTextCommand::TTextCommand() : TBatchCommand("text", "FILE") {}
+
+int TTextCommand::Run(TBatchSession& session, TArguments& arguments) const
+{
+    if (arguments.GetNumLeft() != 1)
+        return ReportUsage("text takes one file");
+    TDocument document(session.GetApp());
+    if (!session.LoadFile(document, arguments.Take()))
+        return StatusErrors;
+    TTextBuffer text;
+    TEffectText(*document.GetGraph()).Write(text);
+    std::fputs(text.Print(), stdout);
+    return StatusDone;
+}

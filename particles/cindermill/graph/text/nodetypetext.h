@@ -1,0 +1,13 @@
+#pragma once
+
+#include "particles/cindermill/graph/text/textline.h"
+#include "particles/effectgraph/nodetype.h"
+
+// What a node's copy of its type tells beyond parameters: of the type, and of the node itself.
+void AddTypeLines(const TNodeType& type, TTextLines& lines);
+void AddOutputLines(const TNodeType& type, TTextLines& values, TTextLines& declarations);
+void AddPropertyLines(const TNodeType& type, TTextLines& lines);
+
+// The labels of a node's ports: the names in quotes, numbered where one occurs more than once.
+TString GetInputLabel(const TNodeType& type, int port);
+TString GetOutputLabel(const TNodeType& type, int port);

@@ -1,0 +1,70 @@
+#include "particles/cindermill/interface/particles/savepicture.h"
+
+#include "library/containers/owner.h"
+#include "library/system/file.h"
+#include "library/system/message.h"
+#include "library/system/path.h"
+#include "library/wimp/filechooser.h"
+#include "library/wimp/gdi/rgbpicture.h"
+#include "particles/cindermill/interface/particles/particlerenderwindow.h"
+#include "particles/cindermill/interface/particles/picturefile.h"
+
+namespace {
+
+// Null, with a message, where there is nothing to be read.
+TRgbPicture* ReadPicture(TParticleRenderWindow& window)
+{
+    int width = 0;
+    int height = 0;
+    window.GetDotSize(width, height);
+    if (width <= 0 || height <= 0)
+        return nullptr;
+    TOwner<TRgbPicture> picture(new TRgbPicture(width, height));
+    if (window.ReadPicture(*picture))
+        return picture.Release();
+    ShowMessage("There is no picture without OpenGL");
+    return nullptr;
+}
+
+bool ChoosePicture(TString& path)
+{
+    vector<TFileFilter> filters;
+    filters.push_back(TFileFilter{"Picture", "*.png"});
+    if (!SaveFileChooser("Save picture", filters, nullptr, path))
+        return false;
+    TString extension;
+    extension.SetExtension(path);
+    if (extension.IsEmpty())
+        path += ".png";
+    return true;
+}
+
+bool Write(const TRgbPicture& picture, const char* path)
+{
+    TString shown;
+    ToShownPath(path, shown);
+    if (FileExists(path) && !AskQuestion("%s exists. Overwrite?", shown.Print()))
+        return false;
+    TString fault;
+    if (WritePictureFile(picture, path, fault))
+        return true;
+    ShowMessage("%s could not be written: %s", shown.Print(), fault.Print());
+    return false;
+}
+
+} // namespace
+
+// While the chooser waits the effect runs on, so the picture is taken first.
+void SavePictureAs(TParticleRenderWindow& window)
+{
+    const TOwner<TRgbPicture> picture(ReadPicture(window));
+    TString path;
+    if (picture != nullptr && ChoosePicture(path))
+        Write(*picture, path);
+}
+
+bool SavePicture(TParticleRenderWindow& window, const char* path)
+{
+    const TOwner<TRgbPicture> picture(ReadPicture(window));
+    return picture != nullptr && Write(*picture, path);
+}

@@ -1,0 +1,97 @@
+#include "particles/cindermill/interface/particles/savepicture.h"
+
+#include "support/sampledocument.h"
+#include "support/windowtest.h"
+
+#include "library/system/message.h"
+#include "particles/cindermill/interface/particles/particlewindow.h"
+
+#include <QtGui/QImage>
+#include <QtWidgets/QFileDialog>
+
+#include <filesystem>
+
+namespace {
+
+std::string Told;
+std::string Asked;
+bool Answer = true;
+
+class SavePictures : public TWindowTest
+{
+protected:
+    void SetUp() override
+    {
+        Told.clear();
+        Asked.clear();
+        SetMessageForms([](const char* text) { Told = text; },
+                        [](const char* text) {
+                            Asked = text;
+                            return Answer;
+                        });
+        ASSERT_TRUE(Window.Create(*Sample));
+        Window.Show();
+        ASSERT_TRUE(WaitFor([this] { return Window.IsShown(); }));
+        Settle();
+        Sample.Run(1.5f, 0.02f);
+    }
+    void TearDown() override
+    {
+        SetMessageForms(nullptr, nullptr);
+        Window.Destroy();
+    }
+    bool Save(const std::string& leaf)
+    {
+        return SavePicture(Window.GetRenderWindow(), Folder.Path(leaf).c_str());
+    }
+    QImage Load(const std::string& leaf)
+    {
+        return QImage(QString::fromStdString(Folder.Path(leaf))).convertToFormat(QImage::Format_RGB888);
+    }
+
+    TTestApp App;
+    TTempFolder Folder;
+    TSampleDocument Sample{App, "campfire"};
+    TParticleWindow Window;
+};
+
+} // namespace
+
+TEST_F(SavePictures, ThePictureIsWhatTheWindowShows)
+{
+    ASSERT_TRUE(Save("a.png"));
+    const QImage picture = Load("a.png");
+    int width = 0;
+    int height = 0;
+    Window.GetRenderWindow().GetDotSize(width, height);
+    ASSERT_EQ(QSize(width, height), picture.size());
+    EXPECT_EQ(qRgb(204, 204, 204), picture.pixel(0, 0));
+    int numFiery = 0;
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            numFiery += qRed(picture.pixel(x, y)) > qBlue(picture.pixel(x, y)) + 60 ? 1 : 0;
+    EXPECT_GT(numFiery, 300);
+    // Of another moment it is another.
+    Sample.Run(0.3f, 0.02f);
+    ASSERT_TRUE(Save("b.png"));
+    EXPECT_NE(picture, Load("b.png"));
+    EXPECT_EQ("", Told + Asked);
+}
+
+TEST_F(SavePictures, NothingIsWrittenOverWithoutAQuestion)
+{
+    WriteBytes(Folder.Path("a.png"), "old");
+    Answer = false;
+    EXPECT_FALSE(Save("a.png"));
+    EXPECT_EQ(Folder.Path("a.png") + " exists. Overwrite?", Asked);
+    EXPECT_EQ("old", ReadBytes(Folder.Path("a.png")));
+    Answer = true;
+    EXPECT_TRUE(Save("a.png"));
+    EXPECT_FALSE(Load("a.png").isNull());
+}
+
+TEST_F(SavePictures, AFileThatCannotBeWrittenIsNamed)
+{
+    EXPECT_FALSE(Save("nowhere/a.png"));
+    EXPECT_EQ(0u, Told.find(Folder.Path("nowhere/a.png") + " could not be written: ")) << Told;
+}
