@@ -7,6 +7,7 @@
 #include "particles/cindermill/batch/hashcommand.h"
 #include "particles/cindermill/batch/helpcommand.h"
 #include "particles/cindermill/batch/imagecommand.h"
+#include "particles/cindermill/batch/lintcommand.h"
 #include "particles/cindermill/batch/picturecommand.h"
 #include "particles/cindermill/batch/replaycommand.h"
 #include "particles/cindermill/batch/reportcommand.h"
@@ -26,6 +27,7 @@ constexpr const char* SharedOptions = "[--node-types DIR] [--resources DIR] [--p
 
 const TTypesCommand Types;
 const TCheckCommand Check;
+const TLintCommand Lint;
 const TReportCommand Report;
 const TDumpCommand Dump;
 const TExportCommand Export;
@@ -36,8 +38,6 @@ const TTranslateCommand Translate;
 const TImageCommand Image;
 const TResaveCommand Resave;
 const THashCommand Hash;
-const THelpCommand Help;
-
 const TTextCommand Text;
 const TDiffCommand Diff;
 const TPictureCommand Picture("picture", "FILE OUT.png [--frame N | --frames A-B --sheet C] [--seed K] "
@@ -46,10 +46,11 @@ const TPictureCommand Picture("picture", "FILE OUT.png [--frame N | --frames A-B
 const TPictureCommand Sheet("sheet",
                             "DIR OUT.png [--frame N] [--sheet C] [--seed K] [--camera X,Y,Z,TX,TY,TZ] "
                             "[--size WxH] [--background COLOUR] [--plain]");
+const THelpCommand Help;
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check, &Report, &Dump, &Export, &Run, &Replay, &Efx, &Translate, &Image, &Resave, &Hash, &Text, &Diff,
-    &Picture, &Sheet, &Help,
+    &Types,     &Check, &Lint,   &Report, &Dump, &Export, &Run,     &Replay, &Efx,
+    &Translate, &Image, &Resave, &Hash,   &Text, &Diff,   &Picture, &Sheet,  &Help,
 };
 
 } // namespace
