@@ -14,7 +14,7 @@ _cindermill_batch_files() {
 
 _cindermill_batch() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="types check report dump export run efx translate image resave hash help"
+    local commands="types check report dump export run replay efx translate image resave hash help"
     local command="" options="" i
     COMPREPLY=()
 
@@ -64,7 +64,7 @@ _cindermill_batch() {
             _cindermill_batch_files d
             return
             ;;
-        run:--frames | run:--dt | run:--seed) return ;;
+        run:--frames | run:--dt | run:--seed | replay:--frames | replay:--dt | replay:--seed) return ;;
     esac
 
     case $command in
@@ -72,7 +72,7 @@ _cindermill_batch() {
         check) options="--format --fail-on --stale --list-dependencies --verbose" ;;
         report) options="--format --fail-on" ;;
         export) options="--depfile --fail-on --verbose" ;;
-        run) options="--frames --dt --seed" ;;
+        run | replay) options="--frames --dt --seed" ;;
         translate) options="--raw" ;;
         image) options="--format" ;;
         help)
@@ -85,7 +85,7 @@ _cindermill_batch() {
         return
     fi
     case $command in
-        check | report | dump | run | resave) _cindermill_batch_files effect ;;
+        check | report | dump | run | replay | resave) _cindermill_batch_files effect ;;
         export) _cindermill_batch_files effect efx ;;
         efx) _cindermill_batch_files efx ;;
         translate) _cindermill_batch_files sho ;;

@@ -2,7 +2,7 @@
 #include "particles/cindermill/batch/checkcommand.h"
 #include "particles/cindermill/batch/diffcommand.h"
 #include "particles/cindermill/batch/dumpcommand.h"
-#include "particles/cindermill/batch/efxcommand.h"
+#include "particles/cindermill/batch/efxlistcommand.h"
 #include "particles/cindermill/batch/exportcommand.h"
 #include "particles/cindermill/batch/hashcommand.h"
 #include "particles/cindermill/batch/helpcommand.h"
@@ -33,7 +33,7 @@ const TDumpCommand Dump;
 const TExportCommand Export;
 const TRunCommand Run;
 const TReplayCommand Replay;
-const TEfxCommand Efx;
+const TEfxListCommand Efx;
 const TTranslateCommand Translate;
 const TImageCommand Image;
 const TResaveCommand Resave;

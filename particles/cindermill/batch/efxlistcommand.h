@@ -3,10 +3,10 @@
 #include "particles/cindermill/batch/batchcommand.h"
 
 // Lists a console file.
-class TEfxCommand final : public TBatchCommand
+class TEfxListCommand final : public TBatchCommand
 {
 public:
-    TEfxCommand();
+    TEfxListCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
     const char* GetHelp() const override;
 };
