@@ -64,6 +64,20 @@ const TFindingKind Kinds[] = {
     {"console.birth", FS_NOTE,
      "Particles share the last value of birth in the preview; on the console each has its own."},
     {"console.count", FS_NOTE, "A number of births is read as a value too, and is 0 there on the console."},
+    {"console.sum", FS_NOTE,
+     "Values of two types are added: the console repeats the components of the second."},
+    {"console.ends", FS_NOTE,
+     "Several nodes end particles of a group: where two end one, the preview takes another with it."},
+    {"console.places", FS_NOTE,
+     "A node stands in several places, which the preview and the console count otherwise."},
+    {"console.order", FS_NOTE,
+     "A group runs ahead of the one that fires it: on the console its particles come a frame later."},
+    {"replay.value", FS_ERROR, "The exported file computes another value than the preview shows."},
+    {"replay.undefined", FS_ERROR, "Nothing in the exported file writes a value that the preview shows."},
+    {"replay.unknown", FS_WARNING, "A value of the exported file hangs on what is not known."},
+    {"replay.count", FS_ERROR, "The exported file has another number of particles than the preview."},
+    {"replay.stage", FS_ERROR,
+     "The exported file gives a render stage something else than the preview draws with."},
 };
 
 } // namespace

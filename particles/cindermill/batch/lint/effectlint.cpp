@@ -9,6 +9,7 @@
 #include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintnumbers.h"
 #include "particles/cindermill/batch/lint/lintpopulation.h"
+#include "particles/cindermill/batch/lint/lintreplay.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/batch/lint/lintrun.h"
 #include "particles/cindermill/batch/lint/lintservices.h"
@@ -23,6 +24,8 @@ constexpr const char* AnimationErrors[] = {"No animation specified", "Could not 
                                            "Could not load animation"};
 constexpr const char* TextureErrors[] = {"No texture specified", "No base texture specified",
                                          "No blend texture specified"};
+
+constexpr double NoReplay = -1;
 
 template <int N>
 bool BeginsWithOne(const char* text, const char* const (&beginnings)[N])
@@ -71,11 +74,13 @@ void TEffectLint::LintScheduled(const TEffectGraph& graph, const TEffectSchedule
     TLintGraph lint(graph, schedule);
     lint.FindUseful();
     lint.Tell(report);
-    if (LintRuns(schedule, lint, report))
-        LintExport(schedule, report);
+    double work = 0;
+    if (LintRuns(schedule, lint, report, work))
+        LintExport(schedule, work, report);
 }
 
-bool TEffectLint::LintRuns(const TEffectSchedule& schedule, const TLintGraph& graph, TLintReport& report)
+bool TEffectLint::LintRuns(const TEffectSchedule& schedule, const TLintGraph& graph, TLintReport& report,
+                           double& work)
 {
     TLintServices services(Services);
     TEffectExec exec(services);
@@ -86,7 +91,7 @@ bool TEffectLint::LintRuns(const TEffectSchedule& schedule, const TLintGraph& gr
     TLintBoxes boxes(schedule, Options.SuggestBoxes);
     TLintCurves curves(schedule);
     TLintBirths births(schedule, graph);
-    TLintConsole console(schedule);
+    TLintConsole console(schedule, graph);
     TLintTheme* const themes[] = {&population, &emission, &numbers, &boxes, &curves, &births, &console};
     for (TLintTheme* theme : themes)
         run.AddTheme(*theme);
@@ -97,10 +102,12 @@ bool TEffectLint::LintRuns(const TEffectSchedule& schedule, const TLintGraph& gr
     }
     for (TLintTheme* theme : themes)
         theme->Tell(report);
+    // What ended a run early would end the replay.
+    work = run.HasEndedEarly() ? NoReplay : run.GetWorkOfFrame();
     return true;
 }
 
-void TEffectLint::LintExport(const TEffectSchedule& schedule, TLintReport& report)
+void TEffectLint::LintExport(const TEffectSchedule& schedule, double work, TLintReport& report)
 {
     TLintServices services(Services);
     TEffectExec exec(services);
@@ -114,6 +121,12 @@ void TEffectLint::LintExport(const TEffectSchedule& schedule, TLintReport& repor
         TLintExport(schedule, exportData, Options).Tell(report);
         return true;
     });
-    (void)exported;
+    // The replay exports anew, and would tell the same errors.
+    TErrorList ignored;
+    const bool replays = exported && errors.empty() && work != NoReplay;
     TellErrors(LK_EXPORT, errors, report);
+    if (replays && !RunCollecting(ignored, [&] {
+            return TLintReplay(schedule, Options).Tell(services, work, report, ignored);
+        }))
+        TellErrors(LK_EXPORT, ignored, report);
 }

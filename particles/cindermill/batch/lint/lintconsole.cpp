@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/lint/lintconsole.h"
 
+#include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/graph/engine/inputreader.h"
 #include "particles/cindermill/graph/nodes/localframe.h"
@@ -96,29 +97,95 @@ bool IsGroupOn(const TNodeType& type, const TString& path)
 
 } // namespace
 
-bool TLintConsole::Differs(const TEffectNode& node)
+bool TLintConsole::IsAsked(const TEffectNode& node) const
 {
-    if (node.GetNodeType()->IsBypassed())
-        return false;
-    for (const TConsoleClass& entry : Classes)
-        if (std::strcmp(entry.Kind, LK_CONSOLEEVENT) != 0 && IsClass(node, entry.ClassName))
-            return true;
-    for (const TFixedInput& input : FixedInputs)
-        if (IsClass(node, input.ClassName) && input.Port < node.GetNumInputs() &&
-            node.GetInput(input.Port) != nullptr)
-            return true;
-    return IsClass(node, PlaneClass);
+    return !node.GetNodeType()->IsBypassed() && Graph.IsUseful(node);
 }
 
 void TLintConsole::Tell(TLintReport& report)
 {
     for (int n = 0; n < Schedule.GetNumNodes(); ++n) {
         const TEffectNode& node = *Schedule.GetNode(n);
-        if (report.FindGroup(node) == -1 || node.GetNodeType()->IsBypassed())
+        if (report.FindGroup(node) == -1 || !IsAsked(node))
             continue;
         TellNode(report, node);
         TellPlane(report, node);
         TellFields(report, node);
+    }
+    for (int g = 0; g < Schedule.GetNumGroups(); ++g)
+        TellGroup(report, g);
+}
+
+void TLintConsole::TellGroup(TLintReport& report, int group) const
+{
+    vector<const TEffectNode*> ends;
+    for (const TTiedNode& tied : Schedule.GetGroup(group).TiedNodes) {
+        const TEffectNode& node = *Schedule.GetNode(tied.Node);
+        if (!IsAsked(node))
+            continue;
+        if (IsClass(node, "TAdd"))
+            TellSum(report, group, tied);
+        if ((IsClass(node, "TAge") || IsClass(node, "TPrune")) && !Schedule.IsTriggerGroup(group))
+            ends.push_back(&node);
+    }
+    TellPlaces(report, group);
+    if (ends.size() > 1) {
+        TFinding& finding = report.AddNode(
+            LK_CONSOLEENDS, *ends.back(), group,
+            "%d nodes end particles of group %d: where two end one in a frame, the preview takes "
+            "another with it",
+            ends.size(), group);
+        AddNumber(finding, "nodes", ends.size());
+    }
+    for (int a = 0; a < Schedule.GetNumAttributes(group); ++a) {
+        const int parent = Schedule.GetAttributeExternalGroup(group, a);
+        if (parent <= group || Schedule.IsTriggerGroup(parent))
+            continue;
+        report.AddGroup(
+            LK_CONSOLEORDER, group,
+            "Group %d runs ahead of group %d, which fires it: priorities of their render stages set the "
+            "order",
+            group, parent);
+        return;
+    }
+}
+
+// Two types are the one place where the engine converts and the console's command does not.
+void TLintConsole::TellSum(TLintReport& report, int group, const TTiedNode& tied) const
+{
+    const TEffectNode& node = *Schedule.GetNode(tied.Node);
+    int types[2] = {};
+    for (int i = 0; i < 2; ++i) {
+        if (i >= tied.Inputs.size())
+            return;
+        types[i] = tied.Inputs[i] != -1 ? Schedule.GetAttributeType(group, tied.Inputs[i])
+                                        : node.GetNodeType()->GetInputType(i);
+    }
+    if (types[0] != types[1])
+        report.AddNode(LK_CONSOLESUM, node, group,
+                       "%s adds a %s to a %s, whose components the console repeats",
+                       GetNodeName(node).Print(), GetTypeName(types[1]), GetTypeName(types[0]));
+}
+
+// A node whose readers cannot share what it writes.
+void TLintConsole::TellPlaces(TLintReport& report, int group) const
+{
+    const vector<TTiedNode>& nodes = Schedule.GetGroup(group).TiedNodes;
+    for (int t = 0; t < nodes.size(); ++t) {
+        int earlier = 0;
+        for (int k = 0; k < t; ++k)
+            earlier += nodes[k].Node == nodes[t].Node ? 1 : 0;
+        const TEffectNode& node = *Schedule.GetNode(nodes[t].Node);
+        const bool isClock = IsClass(node, "TEmitter") || IsClass(node, "TEffect");
+        if (earlier != 1 || !IsAsked(node) || (!isClock && node.GetNodeType()->Category != TU_EMITTER))
+            continue;
+        report.AddNode(
+            LK_CONSOLEPLACES, node, group,
+            isClock ? "%s stands in several places, which share one clock in the preview and none on the "
+                      "console"
+                    : "%s stands in several places, each of which emits in the preview and one on the "
+                      "console",
+            GetNodeName(node).Print());
     }
 }
 

@@ -8,6 +8,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 
 TFinding& TLintReport::AddText(const char* kind, const char* format, va_list args)
 {
@@ -83,6 +84,20 @@ int TLintReport::FindGroup(const TEffectNode& node) const
             if (Schedule->GetNode(Schedule->GetTiedNode(g, t)) == &node)
                 return g;
     return -1;
+}
+
+bool TLintReport::IsConsoleTold(const TEffectNode& node) const
+{
+    for (int i = FirstFinding; i < Findings.size(); ++i) {
+        const TFinding& finding = Findings[i];
+        const bool isOfConsole = std::strncmp(finding.Id, "console.", std::strlen("console.")) == 0 &&
+                                 std::strcmp(finding.Id, LK_CONSOLEEVENT) != 0 &&
+                                 std::strcmp(finding.Id, LK_CONSOLELIFE) != 0;
+        if ((isOfConsole || std::strcmp(finding.Id, LK_NUMBERFIELD) == 0) && !finding.Place.Type.IsEmpty() &&
+            finding.Place.Id == node.ChunkIdx)
+            return true;
+    }
+    return false;
 }
 
 const TEffectNode* TLintReport::FindSource(int group) const

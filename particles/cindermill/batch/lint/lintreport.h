@@ -14,7 +14,10 @@ class TLintReport
 {
 public:
     // Refers to the list.
-    TLintReport(TFindingList& findings, const char* file) : Findings(findings), File(file) {}
+    TLintReport(TFindingList& findings, const char* file)
+        : Findings(findings), FirstFinding(findings.size()), File(file)
+    {
+    }
     // Where nodes are looked for from then on; null for nowhere. It stays the caller's.
     void SetSchedule(const TEffectSchedule* schedule) { Schedule = schedule; }
 
@@ -29,6 +32,8 @@ public:
     // At the node that it is about.
     void AddError(const char* kind, const TError& error);
 
+    // Whether a finding tells of the node that the console has something else for it.
+    bool IsConsoleTold(const TEffectNode& node) const;
     // The node that a group's particles start at; null for a group without one.
     const TEffectNode* FindSource(int group) const;
     // -1 for a node that is in none.
@@ -39,6 +44,7 @@ private:
     void SetPlace(TFindingPlace& place, const TEffectNode& node, int group) const;
 
     TFindingList& Findings;
+    const int FirstFinding;
     TString File;
     const TEffectSchedule* Schedule = nullptr;
 };

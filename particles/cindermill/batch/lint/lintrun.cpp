@@ -55,6 +55,7 @@ bool TLintRun::RunSeed(int seed, TLintReport& report, TErrorList& errors)
     if (!RunCollecting(errors, [&] { return Exec.InitWithoutRender(Schedule, errors); }))
         return false;
     Work = 0;
+    Frames = 0;
     for (TLintTheme* theme : Themes)
         theme->BeginRun(Exec);
     // What ends this run early would end the others too.
@@ -90,6 +91,7 @@ bool TLintRun::RunFrame(const TLintMoment& moment, TLintReport& report)
     }
     for (TLintTheme* theme : Themes)
         theme->EndFrame();
+    ++Frames;
     if (Work <= MaxWork)
         return true;
     TFinding& finding = report.Add(LK_CUTSHORT,

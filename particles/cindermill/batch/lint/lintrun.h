@@ -24,6 +24,10 @@ public:
     // themes then know what came before.
     bool Run(TLintReport& report, TErrorList& errors);
 
+    // Of the last run: whether it went to its end, and the values of nodes that a frame took on the average.
+    bool HasEndedEarly() const { return Ended; }
+    double GetWorkOfFrame() const { return Frames > 0 ? Work / Frames : 0; }
+
     void NodeRan(int group, int tied, int count) override;
     void NodeRanAtBirth(int group, int tied, int count) override;
     void ParticlesBorn(int group, int due, int count) override;
@@ -40,6 +44,7 @@ private:
     vector<TLintTheme*> Themes;
     // Values of a node computed for a particle, in the present run.
     double Work = 0;
+    int Frames = 0;
     // Before its time.
     bool Ended = false;
 };

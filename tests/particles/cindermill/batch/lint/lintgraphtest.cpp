@@ -4,6 +4,8 @@
 #include "support/testgraph.h"
 
 #include "library/containers/image/image.h"
+#include "particles/cindermill/batch/lint/lintreplay.h"
+#include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/export/exportpolicies.h"
 
 #include <algorithm>
@@ -471,6 +473,134 @@ TEST_F(LintGraphs, TheEndOfAnEffectIsTheConsolesAlone)
     root.Switch("Max Life Time", true);
     const TFindingList findings = Lint(effect);
     EXPECT_ONLY("console.life", findings);
+}
+
+TEST_F(LintGraphs, ASumOfTwoTypesIsAnotherOnTheConsole)
+{
+    TSoundEffect effect(App);
+    const TSampleNode sum = effect.Effect.Add("Add");
+    const TSampleNode stage =
+        effect.Effect.Add("Sprite Render Stage").Texture("Texture", "spark.dds").Priority(9);
+    effect.Integrate.Wire("Position", sum, "A");
+    effect.Gravity.Wire("Velocity", sum, "B");
+    sum.Wire("Sum", stage, "Transform");
+    const TFindingList findings = WithoutConversions(Lint(effect));
+    EXPECT_ONLY("console.sum", findings);
+    EXPECT_EQ(FS_NOTE, findings[0].Severity);
+    EXPECT_STREQ("TAdd", findings[0].Place.Type.Print());
+}
+
+TEST_F(LintGraphs, SeveralNodesThatEndParticlesAreTold)
+{
+    TSoundEffect effect(App, true);
+    const TSampleNode end = effect.Effect.Add("Prune");
+    effect.Plane->Wire("Collision", end, "Kill");
+    const TFindingList findings = WithoutConversions(Lint(effect));
+    EXPECT_ONLY("console.ends", findings);
+    EXPECT_EQ(2, NumberOf(findings[0], "nodes"));
+}
+
+TEST_F(LintGraphs, AGroupThatRunsAheadOfItsParentIsTold)
+{
+    TSoundEffect effect(App);
+    effect.Type(effect.Stage).SetRenderPriority(9);
+    const TSampleNode flash = effect.Effect.Add("Point Emitter").Int("Particle Count", 4000);
+    const TSampleNode age = effect.Effect.Add("Age").Set("Max Age", {1});
+    const TSampleNode colours = effect.Effect.Add("Colour Over Life").Set("Life", {1});
+    const TSampleNode stage =
+        effect.Effect.Add("Sprite Render Stage").Texture("Texture", "spark.dds").Priority(0);
+    const TSampleNode length = effect.Effect.Add("Select Component").Choose("Component", "Length");
+    effect.Gravity.Wire("Velocity", length, "Vector");
+    length.Wire("Value", flash, "Emission Trigger");
+    flash.Wire("Start Transform", stage, "Transform");
+    age.Wire("Age", colours, "Time");
+    colours.Wire("Value", stage, "Colour");
+    const TIds ids = IdsOf(Lint(effect));
+    EXPECT_EQ(1, std::count(ids.begin(), ids.end(), "console.order"));
+}
+
+// Differences as a wrong export would show them: those of a sound one cannot be had.
+class LintReplays : public TLintFixture
+{
+protected:
+    TFindingList Tell(TSoundEffect& effect, const TReplayReport& replay, const char* told = nullptr)
+    {
+        TEffectSchedule schedule;
+        TErrorList errors;
+        EXPECT_TRUE(schedule.Create(effect.GetGraph(), errors));
+        TFindingList findings;
+        TLintReport report(findings, "effect");
+        report.SetSchedule(&schedule);
+        if (told != nullptr)
+            report.AddNode(told, *effect.Cone.GetNode(), -1, "told");
+        TLintReplay(schedule, Options).TellDifferences(replay, report);
+        return findings;
+    }
+    static TReplayDifference Differ(TDifferenceKind kind, const TSampleNode* node, int group, int attribute)
+    {
+        TReplayDifference difference;
+        difference.Kind = kind;
+        difference.Place.Frame = 3;
+        difference.Place.Time = 0.06f;
+        difference.Place.Group = group;
+        difference.Place.Attribute = attribute;
+        difference.Place.Name = "Velocity";
+        difference.Place.Node = node != nullptr ? node->GetNode() : nullptr;
+        difference.Preview = 2.5f;
+        difference.Replay = 1.5f;
+        difference.Times = 7;
+        difference.Worst = 1;
+        return difference;
+    }
+};
+
+TEST_F(LintReplays, ADifferenceIsToldAtItsNode)
+{
+    TSoundEffect effect(App);
+    TReplayReport replay;
+    replay.Add(Differ(DK_VALUE, &effect.Gravity, 1, 3));
+    // From the same node, and so of one cause.
+    replay.Add(Differ(DK_UNDEFINED, &effect.Gravity, 1, 0));
+    const TFindingList findings = Tell(effect, replay);
+    EXPECT_ONLY("replay.value", findings);
+    EXPECT_EQ(FS_ERROR, findings[0].Severity);
+    EXPECT_STREQ("Gravity", findings[0].Place.Node.Print());
+    EXPECT_EQ(1, findings[0].Place.Group);
+    EXPECT_EQ(3, NumberOf(findings[0], "frame"));
+    EXPECT_EQ(7, NumberOf(findings[0], "times"));
+    EXPECT_EQ(1, NumberOf(findings[0], "worst"));
+    EXPECT_NE(nullptr, std::strstr(findings[0].Message.Print(), "2.5 in the preview is 1.5"));
+}
+
+TEST_F(LintReplays, EachKindHasItsOwnFinding)
+{
+    TSoundEffect effect(App);
+    TReplayReport replay;
+    replay.Add(Differ(DK_UNDEFINED, &effect.Gravity, 1, 3));
+    replay.Add(Differ(DK_STAGE, &effect.Stage, 1, -1));
+    replay.Add(Differ(DK_COUNT, nullptr, 1, -1));
+    replay.Add(Differ(DK_UNKNOWN, nullptr, 0, -1));
+    const TFindingList findings = Tell(effect, replay);
+    const TIds expected = {"replay.undefined", "replay.stage", "replay.count", "replay.unknown"};
+    ASSERT_EQ(expected, IdsOf(findings));
+    EXPECT_STREQ("Point Emitter", findings[2].Place.Node.Print());
+    EXPECT_EQ(FS_WARNING, findings[3].Severity);
+    EXPECT_EQ(0, findings[3].Place.Group);
+}
+
+TEST_F(LintReplays, WhatIsToldOfANodeExplainsAllBehindIt)
+{
+    TSoundEffect effect(App);
+    TReplayReport replay;
+    replay.Add(Differ(DK_VALUE, &effect.Integrate, 1, 0));
+    EXPECT_EQ(TIds{LK_CONSOLENOTHING}, IdsOf(Tell(effect, replay, LK_CONSOLENOTHING)));
+    // An event is no other value, and what stands beside it explains nothing.
+    const TIds both = {LK_CONSOLEEVENT, "replay.value"};
+    EXPECT_EQ(both, IdsOf(Tell(effect, replay, LK_CONSOLEEVENT)));
+    TReplayReport beside;
+    beside.Add(Differ(DK_VALUE, &effect.Colours, 1, 1));
+    const TIds unexplained = {LK_CONSOLENOTHING, "replay.value"};
+    EXPECT_EQ(unexplained, IdsOf(Tell(effect, beside, LK_CONSOLENOTHING)));
 }
 
 TEST_F(LintGraphs, NoGraphThatCanBeBuiltEndsALint)
