@@ -120,6 +120,8 @@ public:
     void ClearEngine() { Preview.Clear(); }
     const TEffectSchedule& GetSchedule() const { return Preview.GetSchedule(); }
     TEffectExec& GetEngine() { return Preview.GetExec(); }
+    // The bytes that an export of the engine would have.
+    bool GetExportSize(int& size, TErrorList& errors) { return Preview.GetExportSize(size, errors); }
     // The text of the File Properties dialog. Replaces the live schedule.
     void GetReport(TString& report);
 

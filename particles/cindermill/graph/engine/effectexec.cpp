@@ -67,9 +67,11 @@ bool TEffectExec::InitNodes(TErrorList& errors, bool withRender)
             Nodes.push_back(nullptr);
             continue;
         }
+        errors.SetSource(Schedule->GetNode(n)->GetNodeType(), -1);
         Nodes.push_back(TEffectExecNode::Create(Schedule->GetNode(n), this, errors));
         good = good && Nodes[n] != nullptr;
     }
+    errors.ClearSource();
     return good;
 }
 
@@ -332,6 +334,7 @@ void TEffectExec::ExportNode(TExportData* exportdata, TErrorList& errors, int gr
     TEffectExecNode* node = Place(group, tied);
     if (node == nullptr)
         return;
+    errors.SetSource(Schedule->GetNode(Schedule->GetTiedNode(group, tied))->GetNodeType(), group);
     exportdata->SetCurrent(group, tied);
     if (node->IsBypassed())
         exportdata->ExportBypassed();
@@ -346,6 +349,7 @@ bool TEffectExec::Export(TExportData& exportData, TErrorList& errors)
     for (int g = 0; g < Schedule->GetNumGroups(); ++g)
         for (int t = 0; t < Schedule->GetNumTiedNodes(g); ++t)
             ExportNode(&exportData, errors, g, t);
+    errors.ClearSource();
     if (!exportData.Build(errors))
         return false;
     // A broken policy is a warning unless the artist made it a fault.
