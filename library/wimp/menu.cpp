@@ -134,6 +134,14 @@ void TMenu::EnableItem(int id, bool enabled)
         action->setEnabled(enabled);
 }
 
+void TMenu::CheckItem(int id, bool checked)
+{
+    if (QAction* action = FindAction(Data->GetMenu(), id)) {
+        action->setCheckable(true);
+        action->setChecked(checked);
+    }
+}
+
 int TMenu::GetNumItems() const
 {
     return static_cast<int>(Data->GetMenu()->actions().size());

@@ -23,6 +23,7 @@ public:
     void InsertItem(int position, int id, const char* text);
     void Clear();
     void EnableItem(int id, bool enabled);
+    void CheckItem(int id, bool checked);
     int GetNumItems() const;
 
     // Opens the menu at a position of the window, waits for the choice, and lets it report to the window.

@@ -43,6 +43,14 @@ void TWimpControl::Enable(bool enabled)
         Handle->setEnabled(enabled);
 }
 
+void TWimpControl::SetTip(const char* tip)
+{
+    if (Handle == nullptr)
+        return;
+    Handle->setToolTip(ToQt(tip));
+    Handle->setAccessibleName(ToQt(tip));
+}
+
 void TWimpControl::Show(bool shown)
 {
     if (Handle != nullptr)

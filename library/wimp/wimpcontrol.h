@@ -37,6 +37,9 @@ public:
     // 1 for a window with a frame of its own.
     virtual int GetType() const { return 0; }
 
+    // What is told when the pointer rests on it, and to assistive tools.
+    void SetTip(const char* tip);
+
     TWindowHandle GetHandle() const { return Handle; }
     TWindow* GetOwner() const { return Owner; }
     // Walks up to the next window of type 1. Asserts "ctrl != 0".

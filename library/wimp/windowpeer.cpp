@@ -428,8 +428,8 @@ void TWindowPeer::Paint()
     }
     QPainter painter(Widget);
     const TWindowClass* windowClass = Window->GetClass();
-    const TGDIColour background = windowClass != nullptr ? windowClass->GetBackground() : GetButtonColour();
-    painter.fillRect(Widget->rect(), QColor::fromRgb(static_cast<QRgb>(background)));
+    const TGDIColour background = windowClass != nullptr ? windowClass->GetBackground() : ButtonColour;
+    painter.fillRect(Widget->rect(), QColor::fromRgb(static_cast<QRgb>(GetThemeColour(background))));
     PaintBehindGl(painter);
     if (Window->GetKind() == WK_GLCHILD)
         return;

@@ -25,6 +25,13 @@ void TNodeTypeLibrary::Load(const char* path, TErrorList& errors)
             new TError("No valid .xml node type files found under path %s\n", QuoteText(path).Print()));
 }
 
+void TNodeTypeLibrary::Clear()
+{
+    Types.clear();
+    Items.clear();
+    RootItems.clear();
+}
+
 void TNodeTypeLibrary::LoadDirectory(const char* path, int parentItem, TErrorList& errors)
 {
     vector<TDirectoryEntry> entries;

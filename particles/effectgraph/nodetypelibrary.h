@@ -19,6 +19,8 @@ class TNodeTypeLibrary
 public:
     // Goes on past bad files; their errors stand in the list.
     void Load(const char* path, TErrorList& errors);
+    // Deletes all types: nobody may hold one any more.
+    void Clear();
     // Takes ownership; for types that come from elsewhere than a directory.
     void AddType(TNodeType* type) { Types.push_back(type); }
 

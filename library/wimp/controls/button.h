@@ -9,6 +9,7 @@ public:
     bool Create(TWindow* owner, int id, const char* text, const char* name);
     // A picture of the program's own.
     void SetIcon(int bitmapId, const char* tip);
+    void SetText(const char* text);
     // Whether the button is shown held down; clicks do not change it.
     void SetPressed(bool pressed);
     // In a dialog: Return presses the button while it has the keys, and the default one wherever they are.

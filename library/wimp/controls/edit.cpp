@@ -57,6 +57,11 @@ void TEdit::SelectAll()
         lines->selectAll();
 }
 
+bool TEdit::HasFocus() const
+{
+    return GetHandle() != nullptr && GetHandle()->window()->focusWidget() == GetHandle();
+}
+
 void TEdit::AppendFormat(const char* format, ...)
 {
     char added[8192];

@@ -11,6 +11,8 @@ public:
     void SetText(const char* text);
     void GetText(TString& text) const;
     void SelectAll();
+    // Whether what is typed in its window comes here, in front or not.
+    bool HasFocus() const;
     // Adds to the end; at most 8,191 characters at a time.
     void AppendFormat(const char* format, ...) CINDERMILL_PRINTF(2, 3);
     int GetId() const { return Id; }

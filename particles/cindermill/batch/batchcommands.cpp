@@ -8,6 +8,7 @@
 #include "particles/cindermill/batch/helpcommand.h"
 #include "particles/cindermill/batch/imagecommand.h"
 #include "particles/cindermill/batch/picturecommand.h"
+#include "particles/cindermill/batch/replaycommand.h"
 #include "particles/cindermill/batch/reportcommand.h"
 #include "particles/cindermill/batch/resavecommand.h"
 #include "particles/cindermill/batch/runcommand.h"
@@ -29,6 +30,7 @@ const TReportCommand Report;
 const TDumpCommand Dump;
 const TExportCommand Export;
 const TRunCommand Run;
+const TReplayCommand Replay;
 const TEfxCommand Efx;
 const TTranslateCommand Translate;
 const TImageCommand Image;
@@ -41,8 +43,8 @@ const TPictureCommand Sheet("sheet", "DIR OUT.png [OPTIONS]", false);
 const THelpCommand Help;
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check,  &Report, &Dump, &Export, &Run,     &Efx,   &Translate,
-    &Image, &Resave, &Hash,   &Text, &Diff,   &Picture, &Sheet, &Help,
+    &Types, &Check,  &Report, &Dump, &Export, &Run,     &Replay, &Efx,  &Translate,
+    &Image, &Resave, &Hash,   &Text, &Diff,   &Picture, &Sheet,  &Help,
 };
 
 } // namespace

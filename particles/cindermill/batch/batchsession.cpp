@@ -39,7 +39,7 @@ void TBatchSession::GetOptionWords(vector<TString>& words) const
     };
     add("--project", ProjectPath);
     add("--node-types", NodeTypesDirectory);
-    add("--resources", ResourcesDirectory);
+    add("--resources", ResourcesDirectory.IsEmpty() ? Project.GetResources() : ResourcesDirectory);
 }
 
 bool TBatchSession::Init()

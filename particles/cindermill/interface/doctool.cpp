@@ -60,6 +60,13 @@ bool TDocTool::Create(TDocWindow& docWindow)
     return true;
 }
 
+void TDocTool::OpenLibrary()
+{
+    Palette.Open(GetLibrary());
+    ScrollTo(ScrollY);
+    Redraw();
+}
+
 bool TDocTool::OnMessage(const TMessage& message)
 {
     switch (message.Type) {

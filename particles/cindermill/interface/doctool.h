@@ -10,6 +10,8 @@ class TDocTool : public TWindow
 {
 public:
     bool Create(TDocWindow& docWindow);
+    // Shows the library as it is now, with all of it open.
+    void OpenLibrary();
     bool OnMessage(const TMessage& message) override;
 
     int GetScroll() const { return ScrollY; }

@@ -2,13 +2,14 @@
 
 #include "library/system/path.h"
 #include "particles/cindermill/interface/controls/textedit.h"
+#include "particles/cindermill/interface/displayplace.h"
 #include "particles/cindermill/interface/docwindow.h"
-#include "particles/cindermill/interface/particles/particlewindow.h"
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
+#include "particles/cindermill/interface/windowplaces.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
-TDocumentWindows::TDocumentWindows(TWindow* frame) : Frame(frame) {}
+TDocumentWindows::TDocumentWindows(TWindow* frame, TWindowPlaces* places) : Frame(frame), Places(places) {}
 
 TDocumentWindows::~TDocumentWindows()
 {
@@ -20,16 +21,72 @@ bool TDocumentWindows::CreateParticleWindow(TDocument& document)
 {
     Document = &document;
     ParticleWindow.Reset(new TParticleWindow);
-    if (ParticleWindow->Create(document))
+    if (ParticleWindow->Create(document)) {
+        ParticleWindow->SetHost(this);
         return true;
+    }
     ParticleWindow.Reset();
     return false;
 }
 
-void TDocumentWindows::ShowParticleWindow(TDocument&)
+void TDocumentWindows::ShowParticleWindow(TDocument& document)
 {
+    if (!ArePlaced)
+        PlaceWindows(document);
     ParticleWindow->Show();
     ParticleWindow->BringToTop();
+}
+
+// Before they are first seen. A new effect's view has its place in the cascade.
+void TDocumentWindows::PlaceWindows(TDocument& document)
+{
+    ArePlaced = true;
+    if (Places == nullptr)
+        return;
+    const TEffectPlaces* known =
+        document.GetPath().IsEmpty() ? nullptr : Places->FindEffect(document.GetPath());
+    if (known != nullptr && !Windows.empty())
+        Windows[0]->SetPlace(known->View);
+    if (known == nullptr || !ParticleWindow->SetPlace(known->Display))
+        PlaceDisplay();
+    TWindowArea display;
+    TWindowArea graph;
+    ParticleWindow->GetFrameArea(display);
+    Windows[0]->GetFrameArea(graph);
+    // One that hides the graph can be sent behind it by a click.
+    if (!DoAreasOverlap(display, graph))
+        ParticleWindow->StayOver(*Frame);
+}
+
+void TDocumentWindows::PlaceDisplay()
+{
+    TWindowArea meant;
+    TWindowArea graph;
+    TWindowArea room;
+    ParticleWindow->GetFrameArea(meant);
+    Windows[0]->GetFrameArea(graph);
+    ParticleWindow->GetScreenArea(room);
+    vector<TWindowArea> others;
+    for (const TDocument* document : TCindermillApp::Get().GetDocuments()) {
+        const TDocumentWindows* windows = static_cast<const TDocumentWindows*>(document->GetHost());
+        if (windows == this || windows->GetParticleWindow() == nullptr)
+            continue;
+        others.push_back(TWindowArea());
+        windows->GetParticleWindow()->GetFrameArea(others.back());
+    }
+    const TWindowArea place = FindDisplayPlace(meant, graph, room, others);
+    ParticleWindow->MoveTo(place.Left, place.Top, place.Right - place.Left, place.Bottom - place.Top);
+}
+
+void TDocumentWindows::KeepPlaces(TDocument& document) const
+{
+    if (Places == nullptr || !ArePlaced || document.GetPath().IsEmpty() || Windows.empty())
+        return;
+    TEffectPlaces places;
+    places.Path = document.GetPath();
+    Windows[0]->GetPlace(places.View);
+    ParticleWindow->GetPlace(places.Display);
+    Places->SetEffect(places);
 }
 
 bool TDocumentWindows::CreateView(TDocument& document)
@@ -90,6 +147,9 @@ void TDocumentWindows::CollectShortcuts(TDocWindow& window)
 
 void TDocumentWindows::DeleteWindows(TDocument& document)
 {
+    KeepPlaces(document);
+    if (Places != nullptr)
+        Places->Save();
     TAttributeTraceWindow::CloseAll(document);
     TCindermillApp& app = TCindermillApp::Get();
     if (Scene != nullptr)
@@ -137,12 +197,22 @@ void TDocumentWindows::FrameAllNodes(TDocument&)
     Windows[0]->FocusAll(true);
 }
 
-// In the view that was used last.
-void TDocumentWindows::BringIntoSight(TDocument&, const vector<TToolNode*>& nodes)
+// The view that was used last.
+TDocWindow& TDocumentWindows::GetActiveView() const
 {
     const int active = Windows.index_of(TCindermillApp::Get().GetActiveDocWindow());
-    TDocWindow* window = Windows[active != -1 ? active : 0];
-    window->GetGraph().BringIntoSight(nodes);
+    return *Windows[active != -1 ? active : 0];
+}
+
+void TDocumentWindows::BringIntoSight(TDocument&, const vector<TToolNode*>& nodes)
+{
+    GetActiveView().GetGraph().BringIntoSight(nodes);
+}
+
+void TDocumentWindows::FrameGroup(TDocument&, int group)
+{
+    if (!Windows.empty())
+        GetActiveView().FocusGroup(group);
 }
 
 void TDocumentWindows::UpdateTitles(TDocument& document)
@@ -163,7 +233,26 @@ void TDocumentWindows::UpdateTitles(TDocument& document)
     ASSERT_TEXT(ParticleWindow != nullptr, "ParticleWindow != 0");
     TString title;
     title.Format("Effect Display - [%s%s", name.Print(), modified ? "*]" : "]");
+    NumberTitle(title);
     ParticleWindow->SetTitle(title);
+}
+
+// Effects without a file have all the same name: the display of a later one tells which it is.
+void TDocumentWindows::NumberTitle(TString& title)
+{
+    ParticleTitle = title;
+    ParticleTitleNumber = 1;
+    for (bool taken = true; taken; ParticleTitleNumber += taken ? 1 : 0) {
+        taken = false;
+        for (const TDocument* document : TCindermillApp::Get().GetDocuments()) {
+            const TDocumentWindows* other = dynamic_cast<const TDocumentWindows*>(document->GetHost());
+            taken = taken ||
+                    (other != nullptr && other != this && other->ParticleTitleNumber == ParticleTitleNumber &&
+                     other->ParticleTitle.Compare(ParticleTitle) == 0);
+        }
+    }
+    if (ParticleTitleNumber > 1)
+        title += TempFormat(" (%d)", ParticleTitleNumber);
 }
 
 void TDocumentWindows::RedrawWindows(TDocument&)
@@ -192,6 +281,18 @@ void TDocumentWindows::EngineGoes(TDocument& document)
     TAttributeTraceWindow::EngineGoes(document);
 }
 
+void TDocumentWindows::NodeTypesGo(TDocument&)
+{
+    for (TDocWindow* window : Windows)
+        window->CancelAnyDrag();
+}
+
+void TDocumentWindows::NodeTypesCame(TDocument&)
+{
+    for (TDocWindow* window : Windows)
+        window->GetTool().OpenLibrary();
+}
+
 void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 {
     TAttributeTraceWindow::Open(*Document, node);
@@ -201,6 +302,12 @@ void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 void TDocumentWindows::NodeLeft(TToolNode& node)
 {
     TAttributeTraceWindow::Close(node);
+}
+
+void TDocumentWindows::ShowGroupAlone(int group)
+{
+    if (ParticleWindow != nullptr)
+        ParticleWindow->ToggleOnlyGroup(group);
 }
 
 void TDocumentWindows::RedrawGraphs()

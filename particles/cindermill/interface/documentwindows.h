@@ -3,20 +3,23 @@
 #include "library/containers/ownerlist.h"
 #include "library/containers/vector.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
+#include "particles/cindermill/interface/particles/particlewindow.h"
 #include "particles/cindermill/main/documenthost.h"
 
 class TDocWindow;
 class TGraphWindow;
 class TParticleWindow;
+class TWindowPlaces;
 
 // The windows of one document: its views, its particle window, and the drawing of its graph, which all views
 // share. Speaks for them to the document, and to the render objects of the graph for the view that they are
 // used in.
-class TDocumentWindows : public TDocumentHost, public TGraphSceneHost
+class TDocumentWindows : public TDocumentHost, public TGraphSceneHost, public TParticleWindowHost
 {
 public:
-    // The owner of document windows: the main window, with a client area for them.
-    explicit TDocumentWindows(TWindow* frame);
+    // The owner of document windows: the main window, with a client area for them. Who keeps their places
+    // stays the caller's.
+    explicit TDocumentWindows(TWindow* frame, TWindowPlaces* places = nullptr);
     ~TDocumentWindows() override;
 
     // The document's.
@@ -34,6 +37,8 @@ public:
     void RedrawWindows(TDocument& document) override;
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
+    void NodeTypesGo(TDocument& document) override;
+    void NodeTypesCame(TDocument& document) override;
 
     // The graph's render objects'.
     void RedrawGraphs() override;
@@ -45,13 +50,21 @@ public:
     TRenderer* GetView() override;
     void NodeLeft(TToolNode& node) override;
 
+    // In the view that was used last.
+    void FrameGroup(TDocument& document, int group) override;
+
     // A view's close box. The last view closes the document, if the user agrees; neither the window nor these
     // windows may be touched afterwards.
     void CloseView(TDocWindow* window);
     // The attribute trace of a node, asked for in a view.
     void OpenTrace(TToolNode& node, TDocWindow& view);
+    // Where the first view and the display stand, for the next time that the file is opened.
+    void KeepPlaces(TDocument& document) const;
     // The view was used last: it gets the shortcuts that are pressed in the effect's display and in traces.
     void CollectShortcuts(TDocWindow& window);
+
+    // The preview draws a group alone, or all again; -1 for all.
+    void ShowGroupAlone(int group);
 
     TDocument& GetDocument() const { return *Document; }
     TGraphScene& GetScene() const { return *Scene; }
@@ -62,11 +75,21 @@ public:
 
 private:
     bool AddView(TDocument& document);
+    void PlaceWindows(TDocument& document);
+    void PlaceDisplay();
+    TDocWindow& GetActiveView() const;
+    void NumberTitle(TString& title);
     TGraphWindow* FindGraph(const TRenderer& renderer) const;
 
     TWindow* Frame;
+    // Where windows stood; null where nobody keeps it.
+    TWindowPlaces* Places;
+    bool ArePlaced = false;
     TDocument* Document = nullptr;
     TOwner<TGraphScene> Scene;
     TOwnerList<TDocWindow> Windows;
     TOwner<TParticleWindow> ParticleWindow;
+    // The particle window's, without the number of one that another document's has too.
+    TString ParticleTitle;
+    int ParticleTitleNumber = 1;
 };

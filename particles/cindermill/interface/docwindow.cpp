@@ -207,6 +207,18 @@ void TDocWindow::FocusSelected(bool animate)
         Graph.Focus(nodes, animate);
 }
 
+void TDocWindow::FocusGroup(int group)
+{
+    const TEffectSchedule& schedule = Document->GetSchedule();
+    if (!schedule.IsCreated() || group < 0 || group >= schedule.GetNumGroups())
+        return;
+    vector<TToolNode*> nodes;
+    for (int i = 0; i < schedule.GetNumTiedNodes(group); ++i)
+        nodes.push_back(static_cast<TToolNode*>(schedule.GetNode(schedule.GetTiedNode(group, i))));
+    if (!nodes.empty())
+        Graph.Focus(nodes, false);
+}
+
 void TDocWindow::FocusAll(bool animate)
 {
     const TEffectGraph& graph = *Document->GetGraph();

@@ -33,6 +33,8 @@ public:
     // Nothing happens with no node to show.
     void FocusSelected(bool animate);
     void FocusAll(bool animate);
+    // At once, of the schedule.
+    void FocusGroup(int group);
 
     // This view becomes the application's active one.
     void Activate();

@@ -42,6 +42,9 @@ TCindermillApp::TCindermillApp(TSettingsStore* store, TAppHost* host)
     GetProgramPath(program);
     program.Replace('/', '\\');
     ProgramDirectory.SetDirectory(program);
+    TString samples;
+    if (FindFolder("samples", samples))
+        Samples.SetFolder(samples);
 }
 
 TCindermillApp::~TCindermillApp()
@@ -123,6 +126,34 @@ bool TCindermillApp::FindFolder(const char* name, TString& path) const
 void TCindermillApp::LoadNodeTypes(const char* path, TErrorList& errors)
 {
     NodeTypes.Load(path, errors);
+}
+
+// Whoever drags a type, or shows the palette, holds pieces of the library until then.
+void TCindermillApp::ReloadNodeTypes()
+{
+    for (const TDocument* document : Documents)
+        if (document->IsInStep())
+            return;
+    TString directory;
+    if (!FindNodeTypesDirectory(directory)) {
+        ShowMessage("The node types are not there any more");
+        return;
+    }
+    if (Host != nullptr)
+        Host->EndInput();
+    for (TDocument* document : Documents)
+        if (document->GetHost() != nullptr)
+            document->GetHost()->NodeTypesGo(*document);
+    TErrorList errors;
+    NodeTypes.Clear();
+    LoadNodeTypes(directory, errors);
+    for (TDocument* document : Documents)
+        if (document->GetHost() != nullptr)
+            document->GetHost()->NodeTypesCame(*document);
+    if (!errors.empty())
+        DisplayErrors("Loading node types", errors);
+    for (int i = 0; i < Documents.size(); ++i)
+        Documents[i]->OfferRefresh();
 }
 
 void TCindermillApp::GetVersion(TString& version)

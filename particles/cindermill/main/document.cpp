@@ -125,7 +125,9 @@ bool TDocument::LoadFrom(const char* file, const char* path)
     Modified = !LoadNotes.empty();
     if (Modified)
         OperationStack->MarkChanged();
-    RefreshNodeTypes();
+    vector<TEffectNode*> stale;
+    if (AskToRefresh(stale))
+        RefreshNodes(stale);
     NumEdits += Modified ? 1 : 0;
     AttachObjects();
     TErrorList errors;
@@ -146,24 +148,24 @@ bool TDocument::LoadFrom(const char* file, const char* path)
     return true;
 }
 
-// Nodes that only the history holds are not asked about, but may come back: they are refreshed along.
-void TDocument::RefreshNodeTypes()
+bool TDocument::AskToRefresh(vector<TEffectNode*>& stale)
 {
     const TNodeTypeLibrary& library = App.GetNodeTypes();
-    vector<TEffectNode*> stale;
-    TPointerMap inGraph;
-    for (int i = 0; i < Graph->GetNumNodes(); ++i) {
-        inGraph.Insert(Graph->GetNode(i));
+    for (int i = 0; i < Graph->GetNumNodes(); ++i)
         if (Graph->GetNode(i)->GetNodeType()->NeedsRefresh(library))
             Append(stale, Graph->GetNode(i));
-    }
-    if (stale.empty() || !AskQuestion("%d node types need refreshing. Refresh now?", stale.size()))
-        return;
+    return !stale.empty() && AskQuestion("%d node types need refreshing. Refresh now?", stale.size());
+}
+
+// Nodes that only the history holds are not asked about, but may come back: they are refreshed along.
+void TDocument::RefreshNodes(vector<TEffectNode*>& stale)
+{
+    const TNodeTypeLibrary& library = App.GetNodeTypes();
     vector<TChunk*> all;
     Chunks.GetChunksOfClass(TToolNode::NameID(), all);
     for (TChunk* chunk : all) {
         TToolNode* node = static_cast<TToolNode*>(chunk);
-        if (!inGraph.Has(node) && node->GetNodeType()->NeedsRefresh(library))
+        if (!Graph->Has(node) && node->GetNodeType()->NeedsRefresh(library))
             Append(stale, node);
     }
     TRefreshRecord record;
@@ -177,6 +179,54 @@ void TDocument::RefreshNodeTypes()
                                  "were dropped",
                                  dropped, steps));
     Modified = true;
+}
+
+// What views, traces and displays hold of the nodes is made anew: their parameters are replaced.
+void TDocument::OfferRefresh()
+{
+    if (IsInStep())
+        return;
+    vector<TEffectNode*> stale;
+    if (!AskToRefresh(stale))
+        return;
+    const TStepScope step(StepDepth);
+    const bool wasRunning = Preview.IsInited();
+    LoadNotes.Clear();
+    Preview.DropSchedule();
+    DetachObjects();
+    RefreshNodes(stale);
+    ++Revision;
+    ++NumEdits;
+    vector<TChunk*> all;
+    Chunks.GetChunksOfClass(TToolNode::NameID(), all);
+    for (TChunk* chunk : all)
+        static_cast<TToolNode*>(chunk)->Attach(this);
+    AttachObjects();
+    OperationStack->MarkChanged();
+    UpdateTitles();
+    GraphChanged();
+    if (wasRunning)
+        RebuildSchedule(false);
+    if (!LoadNotes.empty())
+        DisplayErrors("Load errors", LoadNotes);
+}
+
+void TDocument::DetachObjects()
+{
+    ClearSelection();
+    vector<TChunk*> all;
+    Chunks.GetChunksOfClass(TToolEdge::NameID(), all);
+    for (TChunk* chunk : all)
+        Listener->EdgeGoes(static_cast<TToolEdge*>(chunk));
+    all.clear();
+    Chunks.GetChunksOfClass(TToolNode::NameID(), all);
+    for (TChunk* chunk : all) {
+        TToolNode* node = static_cast<TToolNode*>(chunk);
+        if (Graph->Has(node))
+            node->Removed(this);
+        Listener->NodeGoes(node);
+        node->Detach();
+    }
 }
 
 void TDocument::AttachObjects()

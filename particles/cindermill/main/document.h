@@ -89,6 +89,8 @@ public:
     // While it is being loaded or a step is under way, a dialog may stand in the middle of it: history and
     // graph do not fit each other then.
     bool IsInStep() const { return StepDepth > 0; }
+    // Asks about nodes whose types differ from the library's, as a load does, and brings those up to date.
+    void OfferRefresh();
 
     // Takes ownership.
     void ApplyOperation(TOperation* op);
@@ -141,7 +143,10 @@ private:
     bool LoadFrom(const char* file, const char* path);
     bool AdoptLoaded(const TEffectFile& file, bool sound);
     static bool CheckWritten(const char* path, void* data);
-    void RefreshNodeTypes();
+    // The nodes whose types differ from the library's, if a person wants them refreshed.
+    bool AskToRefresh(vector<TEffectNode*>& stale);
+    void RefreshNodes(vector<TEffectNode*>& stale);
+    void DetachObjects();
     void AttachObjects();
     void UpdateTitles();
     void TellScheduleChanged();

@@ -36,4 +36,8 @@ public:
     // The engine is about to be deleted: who holds nodes or traces of it lets go of them now. May come while
     // a window is painted.
     virtual void EngineGoes(TDocument& document) = 0;
+    // The types of the library are about to be deleted: who shows them or drags one lets go of them now. Then
+    // there are new ones.
+    virtual void NodeTypesGo(TDocument& document) { (void)document; }
+    virtual void NodeTypesCame(TDocument& document) { (void)document; }
 };

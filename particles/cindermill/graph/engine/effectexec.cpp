@@ -29,6 +29,12 @@ TEffectExec::~TEffectExec()
     Clear();
 }
 
+void TEffectExec::SetSeed(uint32_t seed)
+{
+    HasSeed = true;
+    Seed = seed;
+}
+
 bool TEffectExec::Init(const TEffectSchedule& schedule, TErrorList& errors, bool toolMode)
 {
     return InitWith(schedule, errors, toolMode, true);
@@ -49,12 +55,17 @@ bool TEffectExec::InitWith(const TEffectSchedule& schedule, TErrorList& errors, 
         return false;
     }
     Schedule = &schedule;
+    if (HasSeed)
+        Randoms.Init(schedule, Seed);
     if (!InitNodes(errors, withRender))
         return false;
     if (toolMode)
         InitGroups();
     InitExternals();
+    NumBorn.resize(schedule.GetNumGroups());
+    ForgetBirths();
     Time = 0;
+    ++NumStarts;
     Inited = true;
     return true;
 }
@@ -132,11 +143,18 @@ int TEffectExec::GetTiedUsage(int group, int tied) const
     return Schedule->GetNodeUsage(Schedule->GetTiedNode(group, tied));
 }
 
+void TEffectExec::ForgetBirths()
+{
+    Births = 0;
+    for (int& born : NumBorn)
+        born = 0;
+}
+
 void TEffectExec::Update(float dt)
 {
     if (!Inited || Groups.empty())
         return;
-    Births = 0;
+    ForgetBirths();
     for (int g = 0; g < GetNumGroups(); ++g) {
         RunEmitters(g, dt);
         RunProcesses(g, dt);
@@ -283,6 +301,7 @@ void TEffectExec::AddParticles(int group, int instance, int count)
         return;
     Births += count;
     CheckBirths(Births, group);
+    NumBorn[group] += count;
     const bool firing = buffer->SetFiring(false);
     const int first = buffer->AddParticles(count);
     SelectExternal(group, instance);
@@ -357,12 +376,13 @@ bool TEffectExec::Export(TExportData& exportData, TErrorList& errors)
     return exportData.CheckPolicies(flags, errors) || (flags & PF_PREVENTEXPORT) == 0;
 }
 
-void TEffectExec::Render(const TSceneView& view)
+void TEffectExec::Render(const TSceneView& view, int onlyGroup)
 {
     if (!Inited || Groups.empty())
         return;
     for (int g = 0; g < GetNumGroups(); ++g)
-        RenderGroup(g, view);
+        if (onlyGroup == AllGroups || onlyGroup == g)
+            RenderGroup(g, view);
 }
 
 void TEffectExec::RenderGroup(int group, const TSceneView& view)

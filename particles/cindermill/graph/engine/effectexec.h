@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/ownerlist.h"
+#include "particles/cindermill/graph/engine/placerandoms.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
 class TEffectExecNode;
@@ -17,6 +18,7 @@ class TEffectExec
 {
 public:
     static constexpr int MaxGroups = 32;
+    static constexpr int AllGroups = -1;
 
     explicit TEffectExec(TExecServices& services);
     ~TEffectExec();
@@ -30,15 +32,24 @@ public:
     // the console. Otherwise particles that are born together read the last one's.
     void SetBirthsApart(bool apart) { BirthsApart = apart; }
     bool AreBirthsApart() const { return BirthsApart; }
+    // From the next Init on: each place of a node draws from generators of its own, all seeded from this
+    // number, and not from its class's.
+    void SetSeed(uint32_t seed);
+    // From the next Init on: whether stages load their textures. Without them they can be exported.
+    void SetTexturesUsed(bool used) { TexturesUsed = used; }
+    bool AreTexturesUsed() const { return TexturesUsed; }
     void Clear();
     bool IsInited() const { return Inited; }
+    // Another one after every Init.
+    unsigned GetNumStarts() const { return NumStarts; }
     // Seconds since Init.
     float GetTime() const { return Time; }
     void SetTime(float time) { Time = time; }
     // One frame of dt seconds.
     void Update(float dt);
-    // Draws all render nodes that are not bypassed. What they draw with needs a ready OpenGL.
-    void Render(const TSceneView& view);
+    // Draws all render nodes that are not bypassed, or those of one group. What they draw with needs a ready
+    // OpenGL.
+    void Render(const TSceneView& view, int onlyGroup = AllGroups);
     // Lets every node tell its commands, builds the model, checks the policies.
     bool Export(TExportData& exportData, TErrorList& errors);
 
@@ -48,9 +59,13 @@ public:
 
     const TEffectSchedule& GetSchedule() const { return *Schedule; }
     TExecServices& GetServices() const { return Services; }
+    // Null where nodes draw from their classes' generators.
+    TPlaceRandoms* GetRandoms() { return HasSeed ? &Randoms : nullptr; }
     int GetNumGroups() const { return Groups.size(); }
     TParticleBuffer* GetGroup(int group) const { return Groups[group]; }
     int GetNumParticles(int group) const;
+    // Particles of the group that were born in the last frame.
+    int GetNumBorn(int group) const { return NumBorn[group]; }
     // By the schedule's node index.
     TEffectExecNode* GetExecNode(int node) const { return Nodes[node]; }
 
@@ -77,6 +92,7 @@ private:
     void RunExecute(int group, int tied, float dt);
     void InitAttribute(int group, int attrib, int first, int count);
     void RunBirths(int group, int first, int count);
+    void ForgetBirths();
     void CheckBirths(int64_t births, int group) const;
     void CountEmissions(int group, int repeat);
     int CountEmission(int group, int tied);
@@ -89,9 +105,15 @@ private:
     TOwnerList<TParticleBuffer> Groups;
     vector<uint32_t> ExternalGroups;
     vector<int> ExternalIndex;
+    vector<int> NumBorn;
+    unsigned NumStarts = 0;
     float Time = 0;
     // Particles born in the present frame.
     int64_t Births = 0;
     bool Inited = false;
     bool BirthsApart = false;
+    bool TexturesUsed = true;
+    bool HasSeed = false;
+    uint32_t Seed = 0;
+    TPlaceRandoms Randoms;
 };

@@ -106,3 +106,55 @@ TRandom& TClassRandom::Get()
     }
     return *Generator;
 }
+
+void TRandomRun::Restart(uint32_t seed)
+{
+    Seed = seed;
+    Own.clear();
+}
+
+void TRandomRun::Store(vector<TState>& states)
+{
+    states.clear();
+    for (TClassRandom* it = GetDefaultSeed().FirstClass; it != nullptr; it = it->NextClass)
+        states.push_back(TState{it, *it->Generator});
+}
+
+const TRandom* TRandomRun::Find(const vector<TState>& states, const TClassRandom* wanted)
+{
+    for (const TState& state : states)
+        if (state.Class == wanted)
+            return &state.Random;
+    return nullptr;
+}
+
+// Generators that are made meanwhile take the default seed.
+void TRandomRun::Enter()
+{
+    Store(Others);
+    TDefaultSeed& seed = GetDefaultSeed();
+    WasFixed = seed.IsFixed;
+    FixedLow = seed.Low;
+    seed.IsFixed = true;
+    seed.Low = Seed;
+    for (TClassRandom* it = seed.FirstClass; it != nullptr; it = it->NextClass) {
+        if (const TRandom* own = Find(Own, it))
+            *it->Generator = *own;
+        else
+            it->Generator->SeedDefault();
+    }
+}
+
+void TRandomRun::Leave()
+{
+    Store(Own);
+    TDefaultSeed& seed = GetDefaultSeed();
+    seed.IsFixed = WasFixed;
+    seed.Low = FixedLow;
+    for (TClassRandom* it = seed.FirstClass; it != nullptr; it = it->NextClass) {
+        if (const TRandom* other = Find(Others, it))
+            *it->Generator = *other;
+        else
+            it->Generator->SeedDefault();
+    }
+}

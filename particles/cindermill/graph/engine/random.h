@@ -1,6 +1,10 @@
 #pragma once
 
+#include "library/containers/vector.h"
+
 #include <cstdint>
+
+class TClassRandom;
 
 // The engine's generator of random numbers.
 class TRandom
@@ -29,6 +33,7 @@ public:
     static void ClearDefaultSeed();
 
 private:
+    friend class TRandomRun;
     void SeedDefault();
 
     uint32_t S0;
@@ -43,6 +48,36 @@ public:
 
 private:
     friend class TRandom;
+    friend class TRandomRun;
     TRandom* Generator = nullptr;
     TClassRandom* NextClass = nullptr;
+};
+
+// The draws of one run of an effect, so that it can be repeated whatever else draws in between: while it is
+// switched in, the generators of all node classes go on from where this run left them.
+class TRandomRun
+{
+public:
+    // All generators begin from this word.
+    void Restart(uint32_t seed);
+    // In pairs, one run at a time.
+    void Enter();
+    void Leave();
+
+private:
+    struct TState
+    {
+        TClassRandom* Class;
+        TRandom Random;
+    };
+
+    static void Store(vector<TState>& states);
+    static const TRandom* Find(const vector<TState>& states, const TClassRandom* wanted);
+
+    uint32_t Seed = 0;
+    // Of this run, and what the others left while this one is in.
+    vector<TState> Own;
+    vector<TState> Others;
+    bool WasFixed = false;
+    uint32_t FixedLow = 0;
 };

@@ -49,6 +49,12 @@ void TToolNode::Attach(TEditContext* doc)
     }
 }
 
+void TToolNode::Detach()
+{
+    Display.Reset();
+    Doc = nullptr;
+}
+
 // A display class that this build does not have is no error: the node simply shows nothing.
 void TToolNode::CreateDisplay()
 {

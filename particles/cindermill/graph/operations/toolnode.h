@@ -25,6 +25,8 @@ public:
     void Create(TEditContext* doc, const TNodeType& nodeType, int x, int y, bool isNew);
     // Completes the node of a loaded or restored document: view and display.
     void Attach(TEditContext* doc);
+    // Lets go of both, as its type is about to change as a whole.
+    void Detach();
     // The node comes to the graph, or leaves it.
     void Added(TEditContext* doc);
     void Removed(TEditContext* doc);

@@ -57,8 +57,39 @@ float TCamera::GetAxis(const TCameraInput& input, TCameraKey negative, TCameraKe
     return (IsDown(input, positive) ? 1.0f : 0.0f) - (IsDown(input, negative) ? 1.0f : 0.0f);
 }
 
+void TCamera::SetPlace(const TCameraPlace& place)
+{
+    Yaw = place.Yaw;
+    Pitch = place.Pitch;
+    Eye = place.Target + GetBack() * place.Distance;
+}
+
+void TCamera::LookFrom(float yaw, float pitch)
+{
+    TCameraPlace place = GetPlace();
+    place.Yaw = yaw;
+    place.Pitch = pitch;
+    SetPlace(place);
+}
+
+// A box turns as it is looked at, so room is made for the ball around it.
+void TCamera::Frame(const TVector3& min, const TVector3& max, float aspect)
+{
+    constexpr float leastRadius = 0.05f;
+    const TVector3 half = (max - min) * 0.5f;
+    const float radius = std::sqrt(Dot(half, half));
+    const float tangent = std::tan(FieldOfView / 2) * (aspect < 1 ? aspect : 1.0f);
+    TCameraPlace place = GetPlace();
+    place.Target = min + half;
+    place.Distance = (radius > leastRadius ? radius : leastRadius) / std::sin(std::atan(tangent));
+    SetPlace(place);
+}
+
+// Who looks straight down stays there until the camera is turned.
 void TCamera::Turn(float yaw, float pitch)
 {
+    if (yaw == 0 && pitch == 0)
+        return;
     constexpr float wholeTurn = 6.2831853f;
     Yaw = std::remainder(Yaw + yaw, wholeTurn);
     Pitch = Clamp(Pitch + pitch, -MaxPitch, MaxPitch);
@@ -112,6 +143,18 @@ void TMayaCamera::Reset()
     Eye = Target + GetBack() * Distance;
 }
 
+TCameraPlace TMayaCamera::GetPlace() const
+{
+    return TCameraPlace{Target, Distance, Yaw, Pitch};
+}
+
+void TMayaCamera::SetPlace(const TCameraPlace& place)
+{
+    TCamera::SetPlace(place);
+    Target = place.Target;
+    Distance = Clamp(place.Distance, MinDistance, MaxDistance);
+}
+
 void TMayaCamera::Update(const TCameraInput& input)
 {
     const TVector3& moved = input.Moved;
@@ -147,6 +190,11 @@ void TQuakeCamera::Reset()
     Yaw = StartYaw;
     Pitch = StartPitch;
     Eye = TVector3(0, StartHeight, 0) + GetBack() * StartDistance;
+}
+
+TCameraPlace TQuakeCamera::GetPlace() const
+{
+    return TCameraPlace{Eye - GetBack() * StartDistance, StartDistance, Yaw, Pitch};
 }
 
 void TQuakeCamera::Update(const TCameraInput& input)

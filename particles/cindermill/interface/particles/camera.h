@@ -29,6 +29,16 @@ struct TCameraInput
     int Height = 1;
 };
 
+// A view that can be kept and come back to: what is looked at, from how far, at which angles.
+struct TCameraPlace
+{
+    TVector3 Target = TVector3(0, 0, 0);
+    float Distance = 1;
+    // Radians: about the upward axis, and upwards from the ground's plane.
+    float Yaw = 0;
+    float Pitch = 0;
+};
+
 // Where the preview is seen from. The view matrix takes row vectors of the world; the eye looks along -z.
 class TCamera
 {
@@ -42,6 +52,12 @@ public:
     // Back to the view that a new window has: the ground grid as a whole, a little from above.
     virtual void Reset() = 0;
     virtual void Update(const TCameraInput& input) = 0;
+    virtual TCameraPlace GetPlace() const = 0;
+    virtual void SetPlace(const TCameraPlace& place);
+    // Straight from an angle at what is seen.
+    void LookFrom(float yaw, float pitch);
+    // All of a box, from where the camera looks. `aspect` is the window's width by its height.
+    void Frame(const TVector3& min, const TVector3& max, float aspect);
     // A turn of the wheel takes effect with the next update; 120 is a notch away from the user.
     void OnWheel(int delta) { Wheel += delta; }
     // TMouseButton bits, as they are held from now on.
@@ -84,6 +100,8 @@ public:
     TMayaCamera() { Reset(); }
     void Reset() override;
     void Update(const TCameraInput& input) override;
+    TCameraPlace GetPlace() const override;
+    void SetPlace(const TCameraPlace& place) override;
     const TVector3& GetTarget() const { return Target; }
     float GetDistance() const { return Distance; }
 
@@ -105,5 +123,6 @@ public:
     TQuakeCamera() { Reset(); }
     void Reset() override;
     void Update(const TCameraInput& input) override;
+    TCameraPlace GetPlace() const override;
     const TVector3& GetEye() const { return Eye; }
 };

@@ -5,10 +5,13 @@
 #include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/framepixels.h"
 #include "library/wimp/gl/glcontext.h"
+#include "particles/cindermill/interface/particles/previewcommands.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
 #include <GL/glew.h>
+
+#include <cmath>
 
 static TWindowClass RenderClass("cindermill_particlewindow_render");
 static constexpr TGDIColour RenderBackground = 0xCCCCCC;
@@ -50,9 +53,16 @@ void TParticleRenderWindow::Tick()
     DisplaysChanged = Scene.Tick(*Doc);
 }
 
+// A long way to another time is shown in steps.
+bool TParticleRenderWindow::IsPictureDue() const
+{
+    constexpr uint32_t longestHold = 250;
+    return !PictureHeld || GetTickCount() - LastPaint > longestHold;
+}
+
 void TParticleRenderWindow::RedrawChanged()
 {
-    if (!DisplaysChanged && GetPicture() == Painted)
+    if ((!DisplaysChanged && GetPicture() == Painted) || !IsPictureDue())
         return;
     if (!NeedsRedraw)
         Redraw();
@@ -67,6 +77,8 @@ TParticleRenderWindow::TPicture TParticleRenderWindow::GetPicture() const
     picture.Time = Doc->GetEngine().GetTime();
     picture.HasEffect = Doc->GetEngine().IsInited();
     picture.Revision = Doc->GetRevision();
+    picture.Look = Scene.GetLook();
+    picture.Picture = Scene.GetBackdrop().GetNumPictures();
     return picture;
 }
 
@@ -102,9 +114,15 @@ bool TParticleRenderWindow::OnMessage(const TMessage& message)
         Redraw();
         return true;
     case MT_KEYDOWN:
-    case MT_KEYUP:
-        OnKey(message.Key, message.Type == MT_KEYDOWN);
+        OnKey(message.Key, true);
+        if (Commands != nullptr)
+            Commands->OnPreviewKey(message);
         return true;
+    case MT_KEYUP:
+        OnKey(message.Key, false);
+        return true;
+    case MT_CHAR:
+        return Commands != nullptr && Commands->OnPreviewKey(message);
     case MT_LEFTDOWN:
     case MT_MIDDLEDOWN:
     case MT_RIGHTDOWN:
@@ -113,6 +131,8 @@ bool TParticleRenderWindow::OnMessage(const TMessage& message)
     case MT_RIGHTUP:
         OnButtons(message, message.Type == MT_LEFTDOWN || message.Type == MT_MIDDLEDOWN ||
                                message.Type == MT_RIGHTDOWN);
+        if (message.Type == MT_RIGHTUP)
+            OnRightUp(message);
         return true;
     case MT_MOUSEMOVE:
         OnMouseMove(message);
@@ -156,6 +176,18 @@ void TParticleRenderWindow::OnButtons(const TMessage& message, bool down)
     Keys[CK_CTRL] = (message.KeyFlags & KF_CTRL) != 0;
     Keys[CK_ALT] = (message.KeyFlags & KF_ALT) != 0;
     Camera->OnButtons(message.Buttons);
+    if (message.Type == MT_RIGHTDOWN) {
+        RightX = message.X;
+        RightY = message.Y;
+        RightDragged = message.Buttons != MB_RIGHT;
+    }
+}
+
+// A click that has moved nothing asks for the menu.
+void TParticleRenderWindow::OnRightUp(const TMessage& message)
+{
+    if (!RightDragged && message.Buttons == 0 && Commands != nullptr)
+        Commands->OpenPreviewMenu(*this, message.GetPixelX(), message.GetPixelY());
 }
 
 void TParticleRenderWindow::OnMouseMove(const TMessage& message)
@@ -166,11 +198,15 @@ void TParticleRenderWindow::OnMouseMove(const TMessage& message)
     }
     LastX = message.X;
     LastY = message.Y;
+    constexpr double clickReach = 2;
+    if (std::fabs(message.X - RightX) > clickReach || std::fabs(message.Y - RightY) > clickReach)
+        RightDragged = true;
 }
 
 void TParticleRenderWindow::Paint()
 {
     NeedsRedraw = false;
+    LastPaint = GetTickCount();
     // What drawing itself changes, by a fault, is for the next picture.
     Painted = GetPicture();
     const int width = Painted.Width;
@@ -187,7 +223,10 @@ void TParticleRenderWindow::Paint()
     TCamera::GetProjection(static_cast<float>(width) / static_cast<float>(height), projection);
     TSceneView view;
     view.Set(Painted.View, projection);
+    const uint64_t begin = GetPerformanceCounter();
     Scene.Draw(*Doc, view);
+    constexpr double nanoseconds = 1e6;
+    DrawCost = static_cast<float>(static_cast<double>(GetPerformanceCounter() - begin) / nanoseconds);
 }
 
 bool TParticleRenderWindow::ReadPicture(TRgbPicture& picture)

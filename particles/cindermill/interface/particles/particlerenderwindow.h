@@ -5,6 +5,7 @@
 #include "particles/cindermill/interface/particles/particlescene.h"
 
 class TDocument;
+class TPreviewCommands;
 class TRgbPicture;
 
 // The preview's view of the effect, with a camera that the mouse and the keys move.
@@ -20,6 +21,17 @@ public:
     // What a frame shows now, in a picture of the window's dots. False without OpenGL.
     bool ReadPicture(TRgbPicture& picture);
     const TCamera& GetCamera() const { return *Camera; }
+    // The active one, to be moved.
+    TCamera& UseCamera() { return *Camera; }
+    // Who takes the keys that are no camera's, and opens the menu; null for none.
+    void SetCommands(TPreviewCommands* commands) { Commands = commands; }
+    // What it draws, and how.
+    TParticleScene& GetScene() { return Scene; }
+    const TPreviewLook& GetLook() const { return Scene.GetLook(); }
+    // While the effect is on its way to another time its picture stands still, but not for long.
+    void HoldPicture(bool held) { PictureHeld = held; }
+    // The engine's and the stages' time for the last picture, in milliseconds.
+    float GetDrawCost() const { return DrawCost; }
 
     bool OnMessage(const TMessage& message) override;
 
@@ -33,6 +45,9 @@ private:
         float Time = 0;
         bool HasEffect = false;
         unsigned Revision = 0;
+        TPreviewLook Look;
+        // Of the backdrop's file.
+        unsigned Picture = 0;
         bool operator==(const TPicture& rhs) const = default;
     };
 
@@ -42,6 +57,8 @@ private:
     void OnKey(int key, bool down);
     void OnButtons(const TMessage& message, bool down);
     void OnMouseMove(const TMessage& message);
+    void OnRightUp(const TMessage& message);
+    bool IsPictureDue() const;
     void Paint();
 
     TDocument* Doc = nullptr;
@@ -53,7 +70,15 @@ private:
     TVector3 Moved = TVector3(0, 0, 0);
     bool Keys[CK_NUMKEYS] = {};
     TPicture Painted;
+    TPreviewCommands* Commands = nullptr;
     bool DisplaysChanged = false;
+    bool PictureHeld = false;
+    uint32_t LastPaint = 0;
+    float DrawCost = 0;
+    // Where the right button went down, and whether the pointer has left that place with it.
+    double RightX = 0;
+    double RightY = 0;
+    bool RightDragged = false;
     // A repaint has been asked for and has not come yet.
     bool NeedsRedraw = false;
     uint32_t LastUpdate = 0;

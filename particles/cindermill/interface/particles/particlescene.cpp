@@ -3,6 +3,7 @@
 #include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/glcontext.h"
 #include "particles/cindermill/graph/operations/nodedisplay.h"
+#include "particles/cindermill/interface/particles/previewmarks.h"
 #include "particles/cindermill/interface/particles/wires.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/displayerrors.h"
@@ -12,7 +13,8 @@
 
 static const TVector4 GridGrey(0.5f, 0.5f, 0.5f, 1);
 static const TVector4 GridBlack(0, 0, 0, 1);
-static constexpr float Background = 0.8f;
+// Of a ground that stands out from the dark.
+static const TVector4 GridLight(0.8f, 0.8f, 0.8f, 1);
 static constexpr float GridCells = 5.0f;
 
 // From edge to edge of the ground, both ways.
@@ -48,8 +50,10 @@ void TParticleScene::Draw(TDocument& document, const TSceneView& view)
 {
     // Otherwise the depth buffer would not be cleared.
     glDepthMask(GL_TRUE);
-    glClearColor(Background, Background, Background, 1.0f);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    GLint place[4] = {};
+    glGetIntegerv(GL_VIEWPORT, place);
+    glDisable(GL_DEPTH_TEST);
+    Backdrop.Draw(Look.Background, place[2], place[3]);
     DrawOver(document, view, true);
 }
 
@@ -63,16 +67,35 @@ void TParticleScene::DrawOver(TDocument& document, const TSceneView& view, bool 
         LineProgram.Unbind();
     }
     DrawParticles(document, view);
-    if (withMarks) {
-        LineProgram.Bind(view);
-        glEnable(GL_DEPTH_TEST);
-        glDepthFunc(GL_LEQUAL);
-        DrawGroundGrid();
-        glDisable(GL_DEPTH_TEST);
-        LineProgram.Unbind();
-    }
+    if (withMarks)
+        DrawMarks(document, view);
+    if (withMarks && Look.Ground)
+        DrawGround(view);
     glDepthMask(GL_TRUE);
     CheckGlError();
+}
+
+// A fault of what is sampled for them is the engine's own, which tells of it.
+void TParticleScene::DrawMarks(TDocument& document, const TSceneView& view)
+{
+    if (!Look.Boxes && !Look.Velocities && !Look.Emitters)
+        return;
+    LineProgram.Bind(view);
+    TString text;
+    const bool drawn = RunGuarded([&] { TPreviewMarks(document).Draw(Look); }, text);
+    LineProgram.Unbind();
+    if (!drawn)
+        SwitchStagesOff();
+}
+
+void TParticleScene::DrawGround(const TSceneView& view)
+{
+    LineProgram.Bind(view);
+    glEnable(GL_DEPTH_TEST);
+    glDepthFunc(GL_LEQUAL);
+    DrawGroundGrid();
+    glDisable(GL_DEPTH_TEST);
+    LineProgram.Unbind();
 }
 
 void TParticleScene::DrawParticles(TDocument& document, const TSceneView& view)
@@ -81,7 +104,7 @@ void TParticleScene::DrawParticles(TDocument& document, const TSceneView& view)
     if (!engine.IsInited())
         return;
     TString text;
-    if (RunGuarded([&] { engine.Render(view); }, text))
+    if (RunGuarded([&] { engine.Render(view, Look.OnlyGroup); }, text))
         return;
     SwitchStagesOff();
     // A node that waits for its file must not be thrown away: what is wrong will show in a later frame, too.
@@ -99,7 +122,7 @@ void TParticleScene::DrawGroundGrid()
             if (i != 0)
                 DrawGroundLines(grey, i);
     }
-    TWires black(GridBlack, TMatrix43());
+    TWires black(IsDark(Look.Background) ? GridLight : GridBlack, TMatrix43());
     for (int i = -5; i <= 5; i += 5)
         DrawGroundLines(black, i);
 }

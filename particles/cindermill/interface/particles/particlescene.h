@@ -1,5 +1,6 @@
 #pragma once
 
+#include "particles/cindermill/interface/particles/backdrop.h"
 #include "particles/cindermill/interface/particles/lineprogram.h"
 #include "particles/effectgraph/error.h"
 
@@ -14,6 +15,11 @@ public:
     // Between the frames: shows what went wrong in the last one, and gives the displays their time. True if
     // one of them has changed by that.
     bool Tick(TDocument& document);
+    // What is drawn beside the effect from now on, and how much of it.
+    void SetLook(const TPreviewLook& look) { Look = look; }
+    const TPreviewLook& GetLook() const { return Look; }
+    TBackdrop& GetBackdrop() { return Backdrop; }
+    const TBackdrop& GetBackdrop() const { return Backdrop; }
     // Where drawing the particles fails an assertion, the engine is cleared; the next tick tells.
     void Draw(TDocument& document, const TSceneView& view);
     // The same over what is in the frame buffer, whose depth is clear; on request the particles alone,
@@ -22,9 +28,13 @@ public:
 
 private:
     void DrawParticles(TDocument& document, const TSceneView& view);
+    void DrawMarks(TDocument& document, const TSceneView& view);
+    void DrawGround(const TSceneView& view);
     void DrawGroundGrid();
 
     TLineProgram LineProgram;
+    TPreviewLook Look;
+    TBackdrop Backdrop;
     // No dialog may come up while a window is being painted.
     TErrorList Faults;
 };

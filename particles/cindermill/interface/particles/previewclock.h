@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/string.h"
+#include "particles/cindermill/graph/engine/random.h"
 
 #include <cstdint>
 
@@ -12,8 +13,12 @@ class TPreviewClock
 public:
     // The longest step of a frame, in milliseconds: a slow machine runs the effect slower.
     static constexpr uint32_t MaxStep = 50;
-    // Of the step button, in seconds.
+    // Of the step button, in seconds; every step is one of these while the seed is kept.
     static constexpr float SingleStep = 0.01f;
+    // What the effect may run at, from the slowest on.
+    static constexpr int NumSpeeds = 6;
+    static constexpr int NormalSpeed = 3;
+    static float GetSpeedFactor(int speed);
 
     // The time counts from now.
     void Start(TDocument& document, uint32_t now);
@@ -34,11 +39,55 @@ public:
     // The engine's time to two decimals.
     void GetTimeText(TString& text) const;
 
+    // By its number; what lies outside is brought inside.
+    void SetSpeed(int speed);
+    int GetSpeed() const { return Speed; }
+    // Seconds after which the effect starts again; 0 for never.
+    void SetLoop(float seconds) { Loop = seconds; }
+    float GetLoop() const { return Loop; }
+    // With a seed of its own, and steps of one length, each run of the effect is the same. Both restart it.
+    void KeepSeed(bool keep);
+    bool IsSeedKept() const { return SeedKept; }
+    void ChangeSeed();
+    // Runs the effect up to a time, from the start on where it lies behind; a long way takes several ticks.
+    void Seek(float time);
+    bool IsSeeking() const { return Seeking; }
+    float GetSeekTime() const { return SeekTime; }
+    // Another one after every start of the engine.
+    unsigned GetNumStarts() const;
+    // While the time is dragged, it stands still but for what is sought.
+    void Hold(bool held) { Held = held; }
+    // How long the engine took in the last tick in which it ran, for one of its frames, in milliseconds.
+    float GetFrameCost() const { return FrameCost; }
+
 private:
-    // A fault empties the preview and shows the error list.
+    // One frame. A fault empties the preview and shows the error list.
     bool Run(float dt);
+    bool RunTick(uint32_t elapsed);
+    bool RunFor(float seconds);
+    bool RunSteps(float seconds);
+    bool RunSeek();
+    void Restart();
+    bool IsLoopOver() const;
+    void NoticeStart();
 
     TDocument* Doc = nullptr;
     uint32_t LastTick = 0;
     bool Paused = false;
+    bool Held = false;
+    int Speed = NormalSpeed;
+    float Loop = 0;
+    bool SeedKept = false;
+    uint32_t Seed = 1;
+    TRandomRun Random;
+    // The engine's start that the draws belong to.
+    unsigned NumStarts = 0;
+    // Seconds that no whole step has been made of yet.
+    float Pending = 0;
+    bool Seeking = false;
+    float SeekTime = 0;
+    // What was sought from the start draws the same numbers at each attempt, until the effect plays on.
+    bool SoughtFromStart = false;
+    float FrameCost = 0;
+    int NumFrames = 0;
 };

@@ -323,3 +323,61 @@ TEST(TQuakeCamera, TheWheelGoesAhead)
 }
 
 } // namespace
+
+namespace {
+
+TVector3 BackOf(const TCamera& camera)
+{
+    TMatrix4 view;
+    camera.GetView(view);
+    return TVector3(view[0][2], view[1][2], view[2][2]);
+}
+
+void ExpectClose(const TVector3& a, const TVector3& b)
+{
+    for (int i = 0; i < 3; ++i)
+        EXPECT_NEAR(a[i], b[i], 1e-5f);
+}
+
+} // namespace
+
+TEST(CameraPlace, FrontSideAndTopLookStraightAtTheSamePlace)
+{
+    constexpr float quarter = 1.57079633f;
+    TMayaCamera maya;
+    TQuakeCamera quake;
+    for (TCamera* camera : {static_cast<TCamera*>(&maya), static_cast<TCamera*>(&quake)}) {
+        const TCameraPlace before = camera->GetPlace();
+        camera->LookFrom(0, 0);
+        ExpectClose(BackOf(*camera), TVector3(0, 0, 1));
+        camera->LookFrom(quarter, 0);
+        ExpectClose(BackOf(*camera), TVector3(1, 0, 0));
+        camera->LookFrom(0, quarter);
+        ExpectClose(BackOf(*camera), TVector3(0, 1, 0));
+        ExpectClose(camera->GetPlace().Target, before.Target);
+        EXPECT_NEAR(camera->GetPlace().Distance, before.Distance, 1e-4f);
+        // It stays so as long as nobody turns it.
+        TInput().To(*camera, 0, 0, 0.02f);
+        ExpectClose(BackOf(*camera), TVector3(0, 1, 0));
+    }
+}
+
+TEST(CameraPlace, APlaceIsComeBackTo)
+{
+    TMayaCamera maya;
+    TQuakeCamera quake;
+    for (TCamera* camera : {static_cast<TCamera*>(&maya), static_cast<TCamera*>(&quake)}) {
+        Drag(*camera, MB_LEFT, 40, 25);
+        Drag(*camera, MB_MIDDLE, -30, 15);
+        TMatrix4 there;
+        camera->GetView(there);
+        const TCameraPlace place = camera->GetPlace();
+        camera->Reset();
+        camera->SetPlace(place);
+        TMatrix4 back;
+        camera->GetView(back);
+        for (int row = 0; row < 4; ++row)
+            for (int column = 0; column < 4; ++column)
+                EXPECT_NEAR(back[row][column], there[row][column], 1e-4f);
+    }
+}

@@ -1,0 +1,236 @@
+#include "particles/cindermill/interface/particles/budgetpanel.h"
+
+namespace {
+
+TWindowClass BudgetClass("cindermill_particlewindow_budget");
+constexpr TGDIFont RowFont = {nullptr, 12, 400};
+constexpr TGDIColour Background = 0xF8F8F8;
+constexpr TGDIColour TitleColour = 0xE4E4E4;
+constexpr TGDIColour OnlyColour = 0xDCE8F8;
+constexpr TGDIColour LineColour = 0xC8C8C8;
+constexpr TGDIColour TextColour = 0x202020;
+constexpr TGDIColour FaintColour = 0x606060;
+constexpr TGDIColour BarColour = 0x9CC4A0;
+constexpr TGDIColour FullColour = 0xE08078;
+constexpr TGDIColour PeakColour = 0x507850;
+constexpr TGDIColour OverColour = 0xC01818;
+constexpr int RowHeight = 18;
+constexpr int TextTop = 2;
+constexpr int TextLeft = 6;
+constexpr int MaxShown = 6;
+
+// From the right edge on, the last one first.
+struct TColumn
+{
+    const char* Title;
+    int Width;
+};
+enum TColumnNumber
+{
+    CN_ALIVE,
+    CN_BORN,
+    CN_ROWS,
+    CN_PROGRAM,
+    CN_WORKSPACE,
+    CN_NUMCOLUMNS
+};
+constexpr TColumn Columns[CN_NUMCOLUMNS] = {
+    {"Alive", 104}, {"Born", 62}, {"Rows", 52}, {"Program", 58}, {"Work", 52}};
+
+int GetColumnLeft(int column, int width)
+{
+    for (int i = column; i < CN_NUMCOLUMNS; ++i)
+        width -= Columns[i].Width;
+    return width;
+}
+
+void PutText(TGDIContext& context, int column, int width, int top, const TString& text)
+{
+    const int left = column < 0 ? TextLeft : GetColumnLeft(column, width);
+    const int right = column + 1 < CN_NUMCOLUMNS ? GetColumnLeft(column + 1, width) : width;
+    context.TextOutClipped(left, top + TextTop, right - left - 2, RowHeight - TextTop, text);
+}
+
+} // namespace
+
+bool TBudgetPanel::Create(TWindow* owner, const TPreviewBudget& budget)
+{
+    if (!BudgetClass.IsRegistered())
+        BudgetClass.Register(0, Background);
+    Budget = &budget;
+    TWindowParams params;
+    params.Class = &BudgetClass;
+    params.Owner = owner;
+    params.VerticalScroll = true;
+    if (!TWindow::Create(params))
+        return false;
+    SetTip(
+        "Alive: of the capacity, with the most since the start. Born: of what a frame may bring. Rows: of "
+        "64. Program and Work: kilobytes at birth and in each frame. A click shows the group in the graph, "
+        "with Alt it alone is drawn.");
+    Hide();
+    return true;
+}
+
+// Titles and totals stand above and below the groups.
+int TBudgetPanel::GetWantedHeight() const
+{
+    const int groups = Budget->GetGroups().size();
+    return (2 + (groups < MaxShown ? groups : MaxShown)) * RowHeight;
+}
+
+int TBudgetPanel::GetNumShown() const
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    const int shown = height / RowHeight - 2;
+    return shown > 0 ? shown : 0;
+}
+
+void TBudgetPanel::SetOnlyGroup(int group)
+{
+    if (group == OnlyGroup)
+        return;
+    OnlyGroup = group;
+    Redraw();
+}
+
+void TBudgetPanel::Update()
+{
+    ScrollTo(ScrollY);
+    Redraw();
+}
+
+void TBudgetPanel::ScrollTo(int position)
+{
+    const int groups = Budget->GetGroups().size();
+    const int last = groups > GetNumShown() ? groups - GetNumShown() : 0;
+    ScrollY = position < last ? position : last;
+    ScrollY = ScrollY > 0 ? ScrollY : 0;
+    SetScrollRange(groups, GetNumShown(), 1);
+    SetScrollPosition(ScrollY);
+    Redraw();
+}
+
+bool TBudgetPanel::OnMessage(const TMessage& message)
+{
+    switch (message.Type) {
+    case MT_PAINT:
+        Paint(*message.Context);
+        return true;
+    case MT_SIZE:
+        ScrollTo(ScrollY);
+        return true;
+    case MT_SCROLL:
+        ScrollTo(message.GetPixelX());
+        return true;
+    case MT_WHEEL:
+        ScrollTo(ScrollY - (message.Delta > 0 ? 1 : -1));
+        return true;
+    case MT_LEFTUP:
+        OnClick(message);
+        return true;
+    default:
+        return TWindow::OnMessage(message);
+    }
+}
+
+void TBudgetPanel::OnClick(const TMessage& message)
+{
+    const int row = message.GetPixelY() / RowHeight - 1;
+    const int group = row + ScrollY;
+    if (message.Y < RowHeight || row >= GetNumShown() || group >= Budget->GetGroups().size())
+        return;
+    Report(Budget->GetGroups()[group].Group, (message.KeyFlags & KF_ALT) != 0 ? CC_BUTTON : CC_SELECTION);
+}
+
+void TBudgetPanel::Paint(TGDIContext& context) const
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    context.SetFont(RowFont);
+    PaintTitles(context, width);
+    const vector<TGroupBudget>& groups = Budget->GetGroups();
+    for (int i = 0; i < GetNumShown() && i + ScrollY < groups.size(); ++i)
+        PaintGroup(context, groups[i + ScrollY], width, (i + 1) * RowHeight);
+    PaintTotals(context, width, height - RowHeight);
+}
+
+void TBudgetPanel::PaintTitles(TGDIContext& context, int width) const
+{
+    context.SetNoPen();
+    context.SetBrush(TitleColour);
+    context.Rectangle(0, 0, width, RowHeight);
+    context.SetTextColour(FaintColour);
+    PutText(context, -1, width, 0, "Group");
+    for (int i = 0; i < CN_NUMCOLUMNS; ++i)
+        PutText(context, i, width, 0, Columns[i].Title);
+}
+
+void TBudgetPanel::PaintGroup(TGDIContext& context, const TGroupBudget& group, int width, int top) const
+{
+    if (group.Group == OnlyGroup) {
+        context.SetNoPen();
+        context.SetBrush(OnlyColour);
+        context.Rectangle(0, top, width, top + RowHeight);
+    }
+    PaintAlive(context, group, GetColumnLeft(CN_ALIVE, width), top);
+    context.SetTextColour(TextColour);
+    PutText(context, -1, width, top, group.Name);
+    TString text;
+    text.Format("%d/%d", group.Alive, group.Capacity);
+    context.SetTextColour(group.Alive >= group.Capacity ? OverColour : TextColour);
+    context.TextOut(GetColumnLeft(CN_ALIVE, width) + 4, top + TextTop, text);
+    text.Format("%d/%d", group.Born, group.MaxBorn);
+    context.SetTextColour(group.Born > group.MaxBorn ? OverColour : TextColour);
+    PutText(context, CN_BORN, width, top, text);
+    if (group.Rows == 0)
+        return;
+    text.Format("%d/%d", group.Rows, TPreviewBudget::MaxRows);
+    context.SetTextColour(group.Rows >= TPreviewBudget::MaxRows ? OverColour : TextColour);
+    PutText(context, CN_ROWS, width, top, text);
+    context.SetTextColour(TextColour);
+    text.Format("%d+%d KB", group.Program[0], group.Program[1]);
+    PutText(context, CN_PROGRAM, width, top, text);
+    text.Format("%d+%d KB", group.Workspace[0], group.Workspace[1]);
+    PutText(context, CN_WORKSPACE, width, top, text);
+}
+
+// A bar behind the numbers, and a mark at the peak.
+void TBudgetPanel::PaintAlive(TGDIContext& context, const TGroupBudget& group, int left, int top) const
+{
+    const int width = Columns[CN_ALIVE].Width - 8;
+    const int capacity = group.Capacity > 0 ? group.Capacity : 1;
+    const auto place = [&](int count) {
+        return left + static_cast<int>(static_cast<int64_t>(count) * width / capacity);
+    };
+    context.SetNoPen();
+    context.SetBrush(TitleColour);
+    context.Rectangle(left, top + 2, left + width, top + RowHeight - 2);
+    context.SetBrush(group.Alive >= group.Capacity ? FullColour : BarColour);
+    context.Rectangle(left, top + 2, place(group.Alive), top + RowHeight - 2);
+    context.SetPen(group.Peak >= group.Capacity ? OverColour : PeakColour);
+    context.Line(place(group.Peak), top + 2, place(group.Peak), top + RowHeight - 2);
+}
+
+void TBudgetPanel::PaintTotals(TGDIContext& context, int width, int top) const
+{
+    context.SetPen(LineColour);
+    context.Line(0, top, width, top);
+    TString text;
+    text.Format("Effect: %.2f ms a frame (%.2f run, %.2f drawn)",
+                static_cast<double>(Budget->GetRunCost() + Budget->GetDrawCost()),
+                static_cast<double>(Budget->GetRunCost()), static_cast<double>(Budget->GetDrawCost()));
+    TString bytes = "cannot be exported";
+    if (Budget->GetNumBytes() >= 0)
+        bytes.Format("%d bytes exported", Budget->GetNumBytes());
+    int textWidth = 0;
+    int textHeight = 0;
+    context.GetTextExtent(bytes, textWidth, textHeight);
+    context.SetTextColour(TextColour);
+    const int right = width - textWidth - TextLeft;
+    context.TextOutClipped(TextLeft, top + TextTop, right - 2 * TextLeft, RowHeight - TextTop, text);
+    context.TextOut(right, top + TextTop, bytes);
+}

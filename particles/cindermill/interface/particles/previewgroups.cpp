@@ -1,0 +1,58 @@
+#include "particles/cindermill/interface/particles/previewgroups.h"
+
+#include "particles/effectgraph/schedule/effectschedule.h"
+#include "particles/effectgraph/usage.h"
+
+// By their numbers, where several have one name.
+static void TellApart(const vector<int>& groups, vector<TString>& names)
+{
+    const vector<TString> plain = names;
+    for (int i = 0; i < names.size(); ++i) {
+        int namesakes = 0;
+        for (const TString& name : plain)
+            namesakes += name.Compare(plain[i]) == 0 ? 1 : 0;
+        if (namesakes > 1)
+            names[i].Format("%s (Group %d)", plain[i].Print(), groups[i]);
+    }
+}
+
+void GetParticleGroups(const TEffectSchedule& schedule, vector<int>& groups, vector<TString>& names)
+{
+    groups.clear();
+    names.clear();
+    for (int g = 0; schedule.IsCreated() && g < schedule.GetNumGroups(); ++g) {
+        if (schedule.IsTriggerGroup(g) || schedule.GetNumTiedNodes(g) == 0)
+            continue;
+        TString name;
+        name.Format("Group %d", g);
+        for (int t = schedule.GetNumTiedNodes(g) - 1; t >= 0; --t) {
+            const int node = schedule.GetTiedNode(g, t);
+            if (schedule.GetNodeUsage(node) == TU_RENDER)
+                name = schedule.GetNode(node)->GetNodeType()->Name;
+        }
+        groups.push_back(g);
+        names.push_back(name);
+    }
+    TellApart(groups, names);
+}
+
+TEffectNode* FindGroupNode(const TEffectSchedule& schedule, int group)
+{
+    if (!schedule.IsCreated() || group < 0 || group >= schedule.GetNumGroups() ||
+        schedule.GetNumTiedNodes(group) == 0)
+        return nullptr;
+    for (int t = 0; t < schedule.GetNumTiedNodes(group); ++t) {
+        const int node = schedule.GetTiedNode(group, t);
+        if (schedule.GetNodeUsage(node) == TU_RENDER)
+            return schedule.GetNode(node);
+    }
+    return schedule.GetNode(schedule.GetTiedNode(group, 0));
+}
+
+int FindGroupOf(const TEffectSchedule& schedule, const TEffectNode* node)
+{
+    for (int g = 0; schedule.IsCreated() && g < schedule.GetNumGroups(); ++g)
+        if (FindGroupNode(schedule, g) == node)
+            return g;
+    return -1;
+}

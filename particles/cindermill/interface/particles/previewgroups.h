@@ -1,0 +1,15 @@
+#pragma once
+
+#include "library/containers/string.h"
+#include "library/containers/vector.h"
+
+class TEffectNode;
+class TEffectSchedule;
+
+// The groups of particles, as a person knows them: with the names of their render stages. What runs once per
+// effect is none, and a group may have lost all its nodes to others.
+void GetParticleGroups(const TEffectSchedule& schedule, vector<int>& groups, vector<TString>& names);
+// A node that stands for the group: its first render stage, else its first node. Null for none.
+TEffectNode* FindGroupNode(const TEffectSchedule& schedule, int group);
+// The group that the node stands for, -1 for none.
+int FindGroupOf(const TEffectSchedule& schedule, const TEffectNode* node);

@@ -1,0 +1,115 @@
+#include "particles/cindermill/interface/particles/previewnotice.h"
+
+#include <cstring>
+
+namespace {
+
+TWindowClass NoticeClass("cindermill_particlewindow_notice");
+constexpr TGDIFont NoticeFont = {nullptr, 13, 400};
+constexpr TGDIColour NoticeColour = 0xFFF8DC;
+constexpr TGDIColour EdgeColour = 0xB0A060;
+constexpr TGDIColour TextColour = 0x302810;
+constexpr int LineHeight = 19;
+constexpr int Border = 8;
+// From the edges of the view.
+constexpr int Margin = 12;
+
+int GetWidth(const char* text)
+{
+    int width = 0;
+    int height = 0;
+    GetTextExtent(NoticeFont, text, width, height);
+    return width;
+}
+
+} // namespace
+
+bool TPreviewNotice::Create(TWindow* owner)
+{
+    if (!NoticeClass.IsRegistered())
+        NoticeClass.Register(0, NoticeColour);
+    TWindowParams params;
+    params.Class = &NoticeClass;
+    params.Owner = owner;
+    if (!TWindow::Create(params))
+        return false;
+    Hide();
+    return true;
+}
+
+void TPreviewNotice::SetText(const char* text)
+{
+    if (Text.Compare(text, true) == 0)
+        return;
+    Text = text;
+    SetTip(text);
+    Place(ViewWidth, ViewHeight);
+}
+
+void TPreviewNotice::Place(int viewWidth, int viewHeight)
+{
+    ViewWidth = viewWidth;
+    ViewHeight = viewHeight;
+    Wrap(viewWidth - 2 * (Margin + Border));
+    int width = 0;
+    for (const TString& line : Lines)
+        width = GetWidth(line) > width ? GetWidth(line) : width;
+    width += 2 * Border;
+    const int height = Lines.size() * LineHeight + 2 * Border;
+    MoveTo((viewWidth - width) / 2, Margin, width, height);
+    Show(!Text.IsEmpty() && height + Margin <= viewHeight);
+    Redraw();
+}
+
+void TPreviewNotice::AddLine(const char* text, int length)
+{
+    TString line;
+    line.Format("%.*s", length, text);
+    Lines.push_back(line);
+}
+
+// At its line ends, and between words where a line has no room.
+void TPreviewNotice::Wrap(int width)
+{
+    Lines.clear();
+    const char* begin = Text.Print();
+    while (*begin != 0) {
+        const char* best = nullptr;
+        const char* at = begin;
+        while (true) {
+            const char* end = at + std::strcspn(at, " \n");
+            TString tried;
+            tried.Format("%.*s", static_cast<int>(end - begin), begin);
+            if (best != nullptr && GetWidth(tried) > width)
+                break;
+            best = end;
+            if (*end != ' ')
+                break;
+            at = end + 1;
+        }
+        AddLine(begin, static_cast<int>(best - begin));
+        begin = *best != 0 ? best + 1 : best;
+    }
+}
+
+bool TPreviewNotice::OnMessage(const TMessage& message)
+{
+    if (message.Type != MT_PAINT)
+        return TWindow::OnMessage(message);
+    Paint(*message.Context);
+    return true;
+}
+
+void TPreviewNotice::Paint(TGDIContext& context) const
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    context.SetPen(EdgeColour);
+    context.SetBrush(NoticeColour);
+    context.Rectangle(0, 0, width, height);
+    context.SetFont(NoticeFont);
+    context.SetTextColour(TextColour);
+    for (int i = 0; i < Lines.size(); ++i)
+        context.TextOut(Border, Border + i * LineHeight, Lines[i]);
+}

@@ -1,0 +1,130 @@
+#include "particles/cindermill/interface/particles/previewdiagnosis.h"
+
+#include "support/sampledocument.h"
+
+#include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/effectgraph/simpleparameters.h"
+#include "particles/effectgraph/usage.h"
+#include "particles/effectgraph/valueparameters.h"
+
+namespace {
+
+class PreviewDiagnosis : public testing::Test
+{
+protected:
+    std::string Told(int onlyGroup = -1)
+    {
+        Diagnosis.Tick(*Sample, onlyGroup);
+        return Text(Diagnosis.GetText());
+    }
+    bool Tells(const std::string& part, int onlyGroup = -1)
+    {
+        return Told(onlyGroup).find(part) != std::string::npos;
+    }
+    TEffectNode* Find(const char* className)
+    {
+        for (int i = 0; i < Sample->GetGraph()->GetNumNodes(); ++i)
+            if (Sample->GetGraph()->GetNode(i)->GetNodeType()->ClassName.Compare(className) == 0)
+                return Sample->GetGraph()->GetNode(i);
+        return nullptr;
+    }
+    static void DelayFor(TEffectNode& emitter, float seconds)
+    {
+        static_cast<TNodeScalarParameter*>(emitter.GetNodeType()->GetInput(1))->SetValue(&seconds);
+    }
+    void BypassStages(bool bypassed)
+    {
+        for (int i = 0; i < Sample->GetGraph()->GetNumNodes(); ++i) {
+            TEffectNode* node = Sample->GetGraph()->GetNode(i);
+            if (node->GetNodeType()->Category == TU_RENDER)
+                node->GetNodeType()->SetFlag(FL_BYPASSED, bypassed);
+        }
+    }
+
+    TQuiet Quiet;
+    TTestApp App;
+    TSampleDocument Sample{App, "fountain"};
+    TPreviewDiagnosis Diagnosis;
+};
+
+TEST_F(PreviewDiagnosis, AnEffectThatShowsSomethingIsLeftAlone)
+{
+    EXPECT_EQ(Told(), "") << "it has had no time yet";
+    Sample.Run(2);
+    EXPECT_EQ(Told(), "");
+}
+
+TEST_F(PreviewDiagnosis, AnEmptyGraphTellsHowToBegin)
+{
+    TDocument fresh(App.Get());
+    ASSERT_TRUE(fresh.New());
+    Diagnosis.Tick(fresh, -1);
+    EXPECT_NE(Text(Diagnosis.GetText()).find("The graph is empty"), std::string::npos);
+}
+
+TEST_F(PreviewDiagnosis, AnEffectThatIsNotRunningTellsHowToStartIt)
+{
+    Sample->ClearEngine();
+    EXPECT_TRUE(Tells("not running"));
+    EXPECT_TRUE(Tells("Update"));
+}
+
+TEST_F(PreviewDiagnosis, AStageWithoutTextureIsNamed)
+{
+    TEffectNode* stage = Find("TSpriteRenderStage");
+    ASSERT_NE(stage, nullptr);
+    Sample->ClearEngine();
+    stage->GetNodeType()->FindParameterOf<TNodeTextureParameter>("Texture", PK_TEXTURE)->SetValue("");
+    EXPECT_TRUE(Tells("\"Sprite Render Stage\" has no texture"));
+}
+
+TEST_F(PreviewDiagnosis, BypassedStagesAreTold)
+{
+    Sample.Run(1);
+    BypassStages(true);
+    EXPECT_TRUE(Tells("all render stages are bypassed"));
+    BypassStages(false);
+    EXPECT_EQ(Told(), "");
+}
+
+TEST_F(PreviewDiagnosis, AnEffectThatEmitsNothingNamesItsEmitterAfterAWhile)
+{
+    TEffectNode* emitter = Find("TEmitter");
+    ASSERT_NE(emitter, nullptr);
+    DelayFor(*emitter, 100);
+    Sample.Run(0.5f);
+    EXPECT_EQ(Told(), "");
+    Sample.Run(1);
+    EXPECT_TRUE(Tells("Nothing has been emitted yet"));
+    EXPECT_TRUE(Tells("\"Emitter\""));
+}
+
+TEST_F(PreviewDiagnosis, AnEffectWhoseParticlesHaveDiedSaysSo)
+{
+    Sample.Run(1);
+    EXPECT_EQ(Told(), "");
+    TEffectNode* emitter = Find("TEmitter");
+    DelayFor(*emitter, 100);
+    for (int i = 0; i < 20; ++i) {
+        Sample.Run(1);
+        Told();
+    }
+    EXPECT_TRUE(Tells("All particles have died"));
+    // The start is another run.
+    Sample->RebuildSchedule(true);
+    EXPECT_EQ(Told(), "");
+}
+
+TEST_F(PreviewDiagnosis, AGroupShownAloneThatHasNoParticlesTellsHowToSeeAll)
+{
+    Sample.Run(2);
+    int trigger = -1;
+    for (int g = 0; g < Sample->GetSchedule().GetNumGroups(); ++g)
+        trigger = Sample->GetSchedule().IsTriggerGroup(g) ? g : trigger;
+    ASSERT_NE(trigger, -1);
+    EXPECT_TRUE(Tells("Escape shows all", trigger));
+    EXPECT_EQ(Told(), "");
+}
+
+} // namespace
