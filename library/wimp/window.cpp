@@ -443,6 +443,7 @@ bool TWindow::Dispatch(const TMessage& message)
     MouseX = message.X;
     MouseY = message.Y;
     Buttons = message.Buttons;
+    KeyFlags = message.KeyFlags;
     if (TMouseDrag* drag = TWimp::Get().GetMouseDrag()) {
         double x = message.X;
         double y = message.Y;

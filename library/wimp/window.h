@@ -146,6 +146,8 @@ public:
     // a window that goes, gives them back to the owner.
     void SetKeyOwner(TWindow* window) { KeyOwner = window; }
     TWindow* GetKeyOwner() const { return KeyOwner != nullptr ? KeyOwner : Owner; }
+    // Whether other windows' tables are not offered the keys that this window and its tables leave.
+    virtual bool KeepsKeys() const { return false; }
     void StartTimer(int timer, int milliseconds) override;
     void StopTimer(int timer) override;
     // For a window with a vertical scroll bar; a page of the whole hides it.
@@ -161,6 +163,7 @@ public:
     double GetMouseX() const { return MouseX; }
     double GetMouseY() const { return MouseY; }
     int GetButtons() const { return Buttons; }
+    int GetKeyFlags() const { return KeyFlags; }
 
     // For controls: asserts "SubControls.find(hwnd) == SubControls.end() : Attempt to add sub control twice"
     // and "0 : Attempt to remove non-registered sub control".
@@ -189,4 +192,5 @@ private:
     double MouseX = 0;
     double MouseY = 0;
     int Buttons = 0;
+    int KeyFlags = 0;
 };
