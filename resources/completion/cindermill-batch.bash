@@ -14,7 +14,7 @@ _cindermill_batch_files() {
 
 _cindermill_batch() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="types check report dump export run efx translate image resave hash help"
+    local commands="types check report dump export run replay efx translate image resave hash text diff picture sheet help"
     local command="" options="" i
     COMPREPLY=()
 
@@ -52,6 +52,10 @@ _cindermill_batch() {
             mapfile -t COMPREPLY < <(compgen -W "text json junit sarif" -- "$word")
             return
             ;;
+        diff:--format)
+            mapfile -t COMPREPLY < <(compgen -W "text json" -- "$word")
+            return
+            ;;
         *:--fail-on)
             mapfile -t COMPREPLY < <(compgen -W "warning error" -- "$word")
             return
@@ -65,6 +69,8 @@ _cindermill_batch() {
             return
             ;;
         run:--frames | run:--dt | run:--seed) return ;;
+        replay:--frames | replay:--dt | replay:--seed) return ;;
+        picture:--* | sheet:--*) [ "$before" = --plain ] || return ;;
     esac
 
     case $command in
@@ -72,7 +78,10 @@ _cindermill_batch() {
         check) options="--format --fail-on --stale --list-dependencies --verbose" ;;
         report) options="--format --fail-on" ;;
         export) options="--depfile --fail-on --verbose" ;;
-        run) options="--frames --dt --seed" ;;
+        run | replay) options="--frames --dt --seed" ;;
+        diff) options="--format" ;;
+        picture) options="--frame --frames --sheet --turntable --seed --camera --size --background --plain" ;;
+        sheet) options="--frame --sheet --seed --camera --size --background --plain" ;;
         translate) options="--raw" ;;
         image) options="--format" ;;
         help)
@@ -85,7 +94,9 @@ _cindermill_batch() {
         return
     fi
     case $command in
-        check | report | dump | run | resave) _cindermill_batch_files effect ;;
+        check | report | dump | run | replay | resave | text | diff) _cindermill_batch_files effect ;;
+        picture) _cindermill_batch_files effect png ;;
+        sheet) _cindermill_batch_files png ;;
         export) _cindermill_batch_files effect efx ;;
         efx) _cindermill_batch_files efx ;;
         translate) _cindermill_batch_files sho ;;

@@ -34,9 +34,14 @@ const char* TPictureCommand::GetHelp() const
     if (!IsOfOne)
         return "Draws all effects below a folder side by side, with their names.\n"
                "\n"
+               "  --frame N             each after N steps of 0.02 seconds, 100 unless told\n"
                "  --sheet C             in so many columns\n"
-               "  --frame N, --seed K, --camera X,Y,Z,TX,TY,TZ, --size WxH, --background COLOUR, --plain\n"
-               "                        as of the command picture, for each effect\n";
+               "  --seed K              what the random generators start from, 1 unless told\n"
+               "  --camera X,Y,Z,TX,TY,TZ\n"
+               "                        the eye, and the place that it looks at\n"
+               "  --size WxH            of each picture, in pixels, 320x240 unless told\n"
+               "  --background COLOUR   #rrggbb, or r,g,b from 0 to 255\n"
+               "  --plain               the particles alone\n";
     return "Draws the effect as the preview does, without a display.\n"
            "\n"
            "  --frame N             after N steps of 0.02 seconds, 100 unless told\n"
@@ -46,7 +51,7 @@ const char* TPictureCommand::GetHelp() const
            "  --seed K              what the random generators start from, 1 unless told\n"
            "  --camera X,Y,Z,TX,TY,TZ\n"
            "                        the eye, and the place that it looks at\n"
-           "  --size WxH            of a picture, in pixels\n"
+           "  --size WxH            of each picture, in pixels, 800x618 or 320x240 unless told\n"
            "  --background COLOUR   #rrggbb, or r,g,b from 0 to 255\n"
            "  --plain               the particles alone\n";
 }
