@@ -14,7 +14,7 @@ _cindermill_batch_files() {
 
 _cindermill_batch() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="types check report dump export run replay efx translate image resave hash text diff picture sheet help"
+    local commands="types check lint report dump export run replay efx translate image resave hash text diff picture sheet help"
     local command="" options="" i
     COMPREPLY=()
 
@@ -48,7 +48,7 @@ _cindermill_batch() {
     fi
 
     case $command:$before in
-        check:--format | report:--format | types:--format)
+        check:--format | lint:--format | report:--format | types:--format)
             mapfile -t COMPREPLY < <(compgen -W "text json junit sarif" -- "$word")
             return
             ;;
@@ -68,14 +68,15 @@ _cindermill_batch() {
             _cindermill_batch_files d
             return
             ;;
-        run:--frames | run:--dt | run:--seed) return ;;
-        replay:--frames | replay:--dt | replay:--seed) return ;;
+        run:--frames | run:--dt | run:--seed | replay:--frames | replay:--dt | replay:--seed) return ;;
+        lint:--seconds | lint:--seeds) return ;;
         picture:--* | sheet:--*) [ "$before" = --plain ] || return ;;
     esac
 
     case $command in
         types) options="--format --fail-on" ;;
         check) options="--format --fail-on --stale --list-dependencies --verbose" ;;
+        lint) options="--format --fail-on --seconds --seeds --suggest-box --budgets" ;;
         report) options="--format --fail-on" ;;
         export) options="--depfile --fail-on --verbose" ;;
         run | replay) options="--frames --dt --seed" ;;
@@ -94,7 +95,7 @@ _cindermill_batch() {
         return
     fi
     case $command in
-        check | report | dump | run | replay | resave | text | diff) _cindermill_batch_files effect ;;
+        check | lint | report | dump | run | replay | resave | text | diff) _cindermill_batch_files effect ;;
         picture) _cindermill_batch_files effect png ;;
         sheet) _cindermill_batch_files png ;;
         export) _cindermill_batch_files effect efx ;;
