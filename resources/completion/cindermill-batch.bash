@@ -52,6 +52,10 @@ _cindermill_batch() {
             mapfile -t COMPREPLY < <(compgen -W "text json junit sarif" -- "$word")
             return
             ;;
+        diff:--format)
+            mapfile -t COMPREPLY < <(compgen -W "text json" -- "$word")
+            return
+            ;;
         *:--fail-on)
             mapfile -t COMPREPLY < <(compgen -W "warning error" -- "$word")
             return
@@ -64,7 +68,9 @@ _cindermill_batch() {
             _cindermill_batch_files d
             return
             ;;
-        run:--frames | run:--dt | run:--seed | replay:--frames | replay:--dt | replay:--seed | lint:--seconds | lint:--seeds) return ;;
+        run:--frames | run:--dt | run:--seed | replay:--frames | replay:--dt | replay:--seed) return ;;
+        lint:--seconds | lint:--seeds) return ;;
+        picture:--* | sheet:--*) [ "$before" = --plain ] || return ;;
     esac
 
     case $command in
@@ -74,6 +80,9 @@ _cindermill_batch() {
         report) options="--format --fail-on" ;;
         export) options="--depfile --fail-on --verbose" ;;
         run | replay) options="--frames --dt --seed" ;;
+        diff) options="--format" ;;
+        picture) options="--frame --frames --sheet --turntable --seed --camera --size --background --plain" ;;
+        sheet) options="--frame --sheet --seed --camera --size --background --plain" ;;
         translate) options="--raw" ;;
         image) options="--format" ;;
         help)
@@ -86,7 +95,9 @@ _cindermill_batch() {
         return
     fi
     case $command in
-        check | report | dump | run | replay | resave) _cindermill_batch_files effect ;;
+        check | lint | report | dump | run | replay | resave | text | diff) _cindermill_batch_files effect ;;
+        picture) _cindermill_batch_files effect png ;;
+        sheet) _cindermill_batch_files png ;;
         export) _cindermill_batch_files effect efx ;;
         efx) _cindermill_batch_files efx ;;
         translate) _cindermill_batch_files sho ;;
