@@ -260,11 +260,15 @@ void TGraphPicture::FrameMiddle()
     Graph->SetView(view);
 }
 
+// As a hand does: by whole pixels, to and fro.
 void TGraphPicture::Pan()
 {
-    const TVector2 step = ++NumPans % 2 == 0 ? TVector2(5, 3) : TVector2(-5, -3);
-    const TGraphView view = Graph->GetView();
-    Graph->SetView(TGraphView(view.GetOffset() + step, view.GetScale()));
+    TGraphView view = Graph->GetView();
+    int start[2];
+    view.GetPanStart(0, 0, start);
+    const int way = ++NumPans % 2 == 0 ? 1 : -1;
+    view.PanTo(way * 5, way * 3, start);
+    Graph->SetView(view);
 }
 
 void TGraphPicture::PaintPanned()

@@ -1,6 +1,7 @@
 #include "library/wimp/desktopactivation.h"
 
 #include "library/wimp/modal.h"
+#include "library/wimp/sessionbus.h"
 #include "library/wimp/wimp.h"
 
 #include <QDBusConnection>
@@ -25,13 +26,6 @@ constexpr const char* Introspection = R"(<interface name="org.freedesktop.Applic
   </method>
 </interface>
 )";
-
-// Where none is told, asking for the bus would start one.
-bool IsThereASessionBus()
-{
-    return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
-           QFile::exists(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/bus");
-}
 
 QString GetPath(const char* name)
 {

@@ -10,6 +10,7 @@
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QStyledItemDelegate>
 #include <QtWidgets/QVBoxLayout>
 
 namespace {
@@ -19,6 +20,21 @@ constexpr int NarrowWidth = 420;
 constexpr int ListHeight = 260;
 constexpr int PageHeight = 480;
 constexpr int IdleMilliseconds = 1;
+
+// A path too long for a line goes on below behind one of its separators, where there is no space to break it.
+class TBreakingDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        for (const char separator : {'/', '\\'})
+            option->text.replace(QLatin1Char(separator), QLatin1Char(separator) + QString(QChar(0x200B)));
+    }
+};
 
 // The frame that the dialogs share: their id as a name, contents one below the other, buttons at the end.
 class TDialogBox
@@ -45,7 +61,12 @@ public:
     {
         QListWidget* list = new QListWidget(&Dialog);
         list->setObjectName(QStringLiteral("list"));
-        list->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+        // A long line is read whole: it goes on below.
+        list->setWordWrap(true);
+        list->setItemDelegate(new TBreakingDelegate(list));
+        list->setResizeMode(QListView::Adjust);
+        list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
         for (const TString& line : lines)
             list->addItem(ToQt(line.Print()));
         Layout.addWidget(list);

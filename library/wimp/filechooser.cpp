@@ -133,6 +133,8 @@ bool SaveFileChooser(const char* title, const vector<TFileFilter>& filters, cons
     TChooser chooser(title, StartDirectory(filters, directory));
     chooser.setAcceptMode(QFileDialog::AcceptSave);
     chooser.setFileMode(QFileDialog::AnyFile);
+    if (!path.IsEmpty())
+        chooser.selectFile(ToQt(path));
     return ChooseFile(chooser, filters, path);
 }
 

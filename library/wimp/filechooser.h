@@ -11,7 +11,7 @@ struct TFileFilter
 };
 
 // The choosers remember the last directory for each list of filters, for the run. False on Cancel. Results
-// are in the system's own form.
+// are in the system's own form. The one for saving begins with the name that the path holds, if any.
 bool OpenFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
                      TString& path);
 bool SaveFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,

@@ -1,9 +1,13 @@
 #include "library/wimp/mdi.h"
 
+#include "library/containers/assertion.h"
 #include "library/wimp/menudata.h"
+#include "library/wimp/mnemonics.h"
+#include "library/wimp/modal.h"
 #include "library/wimp/wimp.h"
 #include "library/wimp/windowpeer.h"
 
+#include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtGui/QResizeEvent>
 #include <QtGui/QScreen>
@@ -22,20 +26,32 @@ namespace {
 constexpr int SecondPartWidth = 150;
 constexpr int NarrowWidth = 300;
 constexpr int GripWidth = 18;
-constexpr QRgb ClientColour = 0xFF9AA2A6;
+constexpr int NoteMilliseconds = 20000;
+constexpr TGDIColour ClientColour = 0x9AA2A6;
 
 class TStatusBar : public QStatusBar
 {
 public:
-    explicit TStatusBar(QWidget* parent) : QStatusBar(parent), First(MakePart()), Second(MakePart())
+    explicit TStatusBar(QWidget* parent)
+        : QStatusBar(parent), First(MakePart()), Second(MakePart()), NoteEnd(this)
     {
         setObjectName(QStringLiteral("statusbar"));
         First->setObjectName(QStringLiteral("status0"));
         Second->setObjectName(QStringLiteral("status1"));
+        NoteEnd.setSingleShot(true);
+        QObject::connect(&NoteEnd, &QTimer::timeout, First, [this] { First->setText(Lasting); });
     }
-
-    QLabel* const First;
-    QLabel* const Second;
+    void SetText(const QString& text)
+    {
+        Lasting = text;
+        if (!NoteEnd.isActive())
+            First->setText(text);
+    }
+    void ShowNote(const QString& text)
+    {
+        First->setText(text);
+        NoteEnd.start(NoteMilliseconds);
+    }
 
 protected:
     void resizeEvent(QResizeEvent* event) override
@@ -55,19 +71,73 @@ private:
         label->setIndent(4);
         return label;
     }
+
+    QLabel* const First;
+    QLabel* const Second;
+    QString Lasting;
+    QTimer NoteEnd;
 };
 
 class TClientArea : public QMdiArea
 {
 public:
-    using QMdiArea::QMdiArea;
+    explicit TClientArea(QWidget* parent) : QMdiArea(parent)
+    {
+        ShowColour();
+        QObject::connect(this, &QMdiArea::subWindowActivated, this, [this] { UpdateEmptyPage(); });
+    }
+    void SetEmptyPage(QWidget* page)
+    {
+        ASSERT(EmptyPage == nullptr);
+        EmptyPage = page;
+        page->setParent(viewport());
+        UpdateEmptyPage();
+    }
 
 protected:
+    void resizeEvent(QResizeEvent* event) override
+    {
+        QMdiArea::resizeEvent(event);
+        if (EmptyPage != nullptr)
+            EmptyPage->setGeometry(viewport()->rect());
+    }
+    bool viewportEvent(QEvent* event) override
+    {
+        const bool result = QMdiArea::viewportEvent(event);
+        if (event->type() == QEvent::ChildRemoved)
+            UpdateEmptyPage();
+        return result;
+    }
+    void changeEvent(QEvent* event) override
+    {
+        QMdiArea::changeEvent(event);
+        if (event->type() == QEvent::PaletteChange)
+            ShowColour();
+    }
     void moveEvent(QMoveEvent* event) override
     {
         QMdiArea::moveEvent(event);
         TWindowMap::AlignBelow(this);
     }
+
+private:
+    // A window that goes may stay a while, hidden.
+    void UpdateEmptyPage()
+    {
+        if (EmptyPage == nullptr)
+            return;
+        bool isEmpty = true;
+        for (const QMdiSubWindow* frame : subWindowList())
+            isEmpty = isEmpty && frame->isHidden();
+        if (isEmpty != EmptyPage->isHidden())
+            return;
+        EmptyPage->setGeometry(viewport()->rect());
+        EmptyPage->setVisible(isEmpty);
+        EmptyPage->lower();
+    }
+    void ShowColour() { setBackground(QColor::fromRgb(static_cast<QRgb>(GetThemeColour(ClientColour)))); }
+
+    QPointer<QWidget> EmptyPage;
 };
 
 QMdiArea* AreaOf(TWindowHandle client)
@@ -171,10 +241,10 @@ bool TMDIFrame::CreateFrame(const TWindowParams& params, TMenu& menu)
         if (list->title() == QLatin1String("Window"))
             QObject::connect(list, &QMenu::aboutToShow, window, [this, list] { ListChildren(list); });
     }
+    AssignMnemonics(*menu.Data->GetMenu());
     window->menuBar()->setObjectName(QStringLiteral("menubar"));
     QMdiArea* area = new TClientArea(window);
     area->setObjectName(QStringLiteral("mdiclient"));
-    area->setBackground(QColor::fromRgba(ClientColour));
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     window->setCentralWidget(area);
@@ -218,7 +288,13 @@ void TMDIFrame::Cascade()
 void TMDIFrame::SetStatus(const char* text)
 {
     if (QMainWindow* window = qobject_cast<QMainWindow*>(GetHandle()))
-        static_cast<TStatusBar*>(window->statusBar())->First->setText(ToQt(text));
+        static_cast<TStatusBar*>(window->statusBar())->SetText(ToQt(text));
+}
+
+void TMDIFrame::ShowNote(const char* text)
+{
+    if (QMainWindow* window = qobject_cast<QMainWindow*>(GetHandle()))
+        static_cast<TStatusBar*>(window->statusBar())->ShowNote(ToQt(text));
 }
 
 TWindow* TMDIFrame::GetActiveChild() const
@@ -231,6 +307,22 @@ TWindow* TMDIFrame::GetActiveChild() const
 void TMDIFrame::Activate(TWindow& child)
 {
     child.BringToTop();
+}
+
+void TMDIFrame::OpenMenuBar()
+{
+    QMainWindow* window = qobject_cast<QMainWindow*>(GetHandle());
+    if (window == nullptr || window->menuBar()->actions().isEmpty())
+        return;
+    BringToTop();
+    FreeMouse();
+    window->menuBar()->setActiveAction(window->menuBar()->actions().constFirst());
+}
+
+void TMDIFrame::SetEmptyPage(TWimpControl& page)
+{
+    if (GetHandle() != nullptr)
+        static_cast<TClientArea*>(AreaOf(Client))->SetEmptyPage(page.GetHandle());
 }
 
 void TMDIFrame::GetScreenSize(int& width, int& height)

@@ -16,9 +16,15 @@ public:
     void Cascade();
     // The first part of the status bar.
     void SetStatus(const char* text);
+    // In the same place for a while, then what stands there otherwise comes back.
+    void ShowNote(const char* text);
     // The document window in front, or null.
     TWindow* GetActiveChild() const;
     void Activate(TWindow& child);
+    // Unfolds the first menu, for the keyboard to go on from.
+    void OpenMenuBar();
+    // What fills the client area as long as no document window is open. Asserts that there is none yet.
+    void SetEmptyPage(TWimpControl& page);
     // Of all the screen, whatever the system keeps for itself there; 0 for none.
     static void GetScreenSize(int& width, int& height);
 

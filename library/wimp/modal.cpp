@@ -13,7 +13,12 @@ QWidget* ModalParent()
     QWidget* window = QApplication::activeWindow();
     while (window != nullptr && !window->isVisible())
         window = window->parentWidget() != nullptr ? window->parentWidget()->window() : nullptr;
-    return window;
+    if (window != nullptr)
+        return window;
+    // None has the keys at the moment: one has just gone, or another program is in front.
+    const QWidget* client = TWimp::Get().GetMDIClient();
+    QWidget* main = client != nullptr ? client->window() : nullptr;
+    return main != nullptr && main->isVisible() ? main : nullptr;
 }
 
 QSize GetScreenRoom(const QWidget& window)

@@ -1,6 +1,7 @@
 #include "library/wimp/wimp.h"
 
 #include "library/containers/assertion.h"
+#include "library/wimp/desktoptheme.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/windowpeer.h"
 
@@ -83,8 +84,10 @@ bool TWimp::Init(int& argc, char** argv)
     QApplication* application = new QApplication(argc, argv);
     qInstallMessageHandler(before);
     QApplication::setQuitOnLastWindowClosed(false);
+    const QPalette found = QApplication::palette();
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QApplication::setPalette(QApplication::style()->standardPalette());
+    // Belongs to the application.
+    new TDesktopTheme(found);
     Instance = application;
     Flags |= FL_INITED;
     SetAssertBox(ShowAssertBox);

@@ -119,6 +119,21 @@ bool TWindow::Create(const TWindowParams& params)
     return true;
 }
 
+// The area that a document window fills, null if it does not.
+static QMdiArea* FindMaximisedArea(const QMdiSubWindow* frame)
+{
+    const bool fills = frame != nullptr && frame->isMaximized() && frame->isVisible();
+    return fills ? frame->mdiArea() : nullptr;
+}
+
+// The next document takes the place of the one that has gone as it was.
+static void KeepMaximised(QMdiArea* area)
+{
+    QMdiSubWindow* next = area != nullptr ? area->currentSubWindow() : nullptr;
+    if (next != nullptr && next->isVisible() && !next->isMinimized())
+        next->showMaximized();
+}
+
 void TWindow::Destroy()
 {
     if (Handle == nullptr)
@@ -133,9 +148,11 @@ void TWindow::Destroy()
             break;
         below->Destroy();
     }
+    const QPointer<QMdiArea> area = FindMaximisedArea(Peer->SubWindow);
     Peer->Forget();
     ForgetWidget();
     DisposeWidget(frame);
+    KeepMaximised(area);
 }
 
 void TWindow::ForgetWidget()
@@ -426,6 +443,7 @@ bool TWindow::Dispatch(const TMessage& message)
     MouseX = message.X;
     MouseY = message.Y;
     Buttons = message.Buttons;
+    KeyFlags = message.KeyFlags;
     if (TMouseDrag* drag = TWimp::Get().GetMouseDrag()) {
         double x = message.X;
         double y = message.Y;

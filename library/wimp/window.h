@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/sortedmap.h"
+#include "library/containers/string.h"
 #include "library/containers/vector.h"
 #include "library/wimp/gdi/gdicontext.h"
 #include "library/wimp/gl/renderwindow.h"
@@ -60,6 +61,15 @@ struct TWindowParams
     bool VerticalScroll = false;
 };
 
+// Edges on the screen, in pixels; the right and the bottom one are excluded.
+struct TWindowArea
+{
+    int Left = 0;
+    int Top = 0;
+    int Right = 0;
+    int Bottom = 0;
+};
+
 // The numbers of the mouse pointers; 1 and 2 are the program's own for a running drag.
 enum TCursor
 {
@@ -104,6 +114,18 @@ public:
     void Hide() { Show(false); }
     bool IsShown() const;
     void BringToTop();
+    // Where a window with a frame stands, whether it is maximised, as a text to keep; empty for one that has
+    // never been seen.
+    void GetPlace(TString& place) const;
+    // Stands where it stood, as far as the screens of today allow. False, with nothing done, for a text that
+    // is no place of such a window.
+    bool SetPlace(const char* place);
+    // Of the frame, on the screen.
+    void GetFrameArea(TWindowArea& area) const;
+    // What the screen that the window stands on leaves to windows.
+    void GetScreenArea(TWindowArea& area) const;
+    // A window of its own, not yet seen, stays in front of the other one from now on, whichever has the keys.
+    void StayOver(TWindow& window);
     void SetTitle(const char* text);
     void SetCursor(TCursor cursor);
     void Redraw() override;
@@ -124,6 +146,8 @@ public:
     // a window that goes, gives them back to the owner.
     void SetKeyOwner(TWindow* window) { KeyOwner = window; }
     TWindow* GetKeyOwner() const { return KeyOwner != nullptr ? KeyOwner : Owner; }
+    // Whether other windows' tables are not offered the keys that this window and its tables leave.
+    virtual bool KeepsKeys() const { return false; }
     void StartTimer(int timer, int milliseconds) override;
     void StopTimer(int timer) override;
     // For a window with a vertical scroll bar; a page of the whole hides it.
@@ -139,6 +163,7 @@ public:
     double GetMouseX() const { return MouseX; }
     double GetMouseY() const { return MouseY; }
     int GetButtons() const { return Buttons; }
+    int GetKeyFlags() const { return KeyFlags; }
 
     // For controls: asserts "SubControls.find(hwnd) == SubControls.end() : Attempt to add sub control twice"
     // and "0 : Attempt to remove non-registered sub control".
@@ -167,4 +192,5 @@ private:
     double MouseX = 0;
     double MouseY = 0;
     int Buttons = 0;
+    int KeyFlags = 0;
 };

@@ -143,7 +143,8 @@ bool OfferKey(TWindow* window, const TMessage& message)
 {
     while (window != nullptr) {
         // The windows behind a dialog have no say.
-        TWindow* owner = window->GetKind() != WK_DIALOG ? window->GetKeyOwner() : nullptr;
+        const bool goesOn = window->GetKind() != WK_DIALOG && !window->KeepsKeys();
+        TWindow* owner = goesOn ? window->GetKeyOwner() : nullptr;
         if (!IsModifier(message.Key))
             TWimp::Get().SyncModifiers(*window, message.KeyFlags);
         if (TWimp::Get().HandleKey(*window, message))
@@ -428,8 +429,8 @@ void TWindowPeer::Paint()
     }
     QPainter painter(Widget);
     const TWindowClass* windowClass = Window->GetClass();
-    const TGDIColour background = windowClass != nullptr ? windowClass->GetBackground() : GetButtonColour();
-    painter.fillRect(Widget->rect(), QColor::fromRgb(static_cast<QRgb>(background)));
+    const TGDIColour background = windowClass != nullptr ? windowClass->GetBackground() : ButtonColour;
+    painter.fillRect(Widget->rect(), QColor::fromRgb(static_cast<QRgb>(GetThemeColour(background))));
     PaintBehindGl(painter);
     if (Window->GetKind() == WK_GLCHILD)
         return;

@@ -91,6 +91,12 @@ protected:
     {
         QMdiSubWindow::moveEvent(event);
         TWindowMap::AlignBelow(this);
+        RememberPlace();
+    }
+    void resizeEvent(QResizeEvent* event) override
+    {
+        QMdiSubWindow::resizeEvent(event);
+        RememberPlace();
     }
     // After a dialog the frame has forgotten which of its boxes the pointer rests on.
     void mousePressEvent(QMouseEvent* event) override
@@ -99,6 +105,14 @@ protected:
                          Qt::NoButton, event->modifiers());
         mouseMoveEvent(&rest);
         QMdiSubWindow::mousePressEvent(event);
+    }
+
+private:
+    // The window system forgets it in a window that is maximised.
+    void RememberPlace()
+    {
+        if (!isMaximized() && !isMinimized())
+            setProperty("normalplace", geometry());
     }
 };
 

@@ -37,6 +37,8 @@ TNodeError::TNodeError(TEffectNode* node, const char* format, ...) : TError(TPla
     va_start(args, format);
     Message = FormatMessage(format, args);
     va_end(args);
+    if (node != nullptr)
+        SetSource(TErrorSource{node->GetNodeType(), -1});
 }
 
 TError* TNodeError::Clone() const
@@ -67,6 +69,13 @@ TError* TFileError::Clone() const
 void TFileError::GetText(TString& result) const
 {
     result.Format("%s [%d] : %s\n", FileName.Print(), Line, Message.Print());
+}
+
+void TErrorList::Add(TError* error)
+{
+    if (error->GetSource().Type == nullptr && error->GetSource().Group == -1)
+        error->SetSource(Source);
+    Errors.push_back(error);
 }
 
 void AddReadRefusal(TErrorList& errors, const char* path)

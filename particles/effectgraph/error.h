@@ -6,6 +6,15 @@
 #include <cstdarg>
 
 class TEffectNode;
+class TNodeType;
+
+// What a problem is about, beside its text, which two nodes of one name share: the node's own type, which no
+// other node has, and the group. Null and -1 where it is about none.
+struct TErrorSource
+{
+    const TNodeType* Type = nullptr;
+    int Group = -1;
+};
 
 // One problem that loading, scheduling or exporting met. Messages hold at most 1,023 characters.
 class TError
@@ -17,6 +26,8 @@ public:
     virtual TError* Clone() const;
     virtual void GetText(TString& result) const;
     const TString& GetMessage() const { return Message; }
+    const TErrorSource& GetSource() const { return Source; }
+    void SetSource(const TErrorSource& source) { Source = source; }
 
 protected:
     struct TPlain
@@ -26,6 +37,7 @@ protected:
     static TString FormatMessage(const char* format, va_list args);
 
     TString Message;
+    TErrorSource Source;
 };
 
 // A problem of one node, so that the tool can show it.
@@ -63,8 +75,11 @@ class TErrorList
 {
 public:
     // Takes ownership.
-    void Add(TError* error) { Errors.push_back(error); }
+    void Add(TError* error);
     void Clear() { Errors.clear(); }
+    // What the errors that follow are about. An assertion leaves it as it is, so that who catches it knows.
+    void SetSource(const TNodeType* type, int group) { Source = TErrorSource{type, group}; }
+    void ClearSource() { Source = TErrorSource(); }
     bool empty() const { return Errors.empty(); }
     int size() const { return Errors.size(); }
     TError* const* begin() const { return Errors.begin(); }
@@ -72,6 +87,7 @@ public:
 
 private:
     TOwnerList<TError> Errors;
+    TErrorSource Source;
 };
 
 // Adds what the system says of a file that is there and cannot be opened for reading; nothing for others.

@@ -47,6 +47,7 @@ void TLinkMender::Tell(const TNodeType& type, const TString& port, const char* k
     TString now("none");
     if (!followed.IsEmpty())
         now.Format("\"%s\"", QuoteText(followed, NameLimit).Print());
+    Told.SetSource(&type, -1);
     Told.Add(new TError("Node \"%s\": \"%s\" follows an %s that does not exist; it follows %s now",
                         QuoteText(type.Name, NameLimit).Print(), QuoteText(port, NameLimit).Print(), kind,
                         now.Print()));
@@ -87,8 +88,9 @@ void TLinkMender::MendOutput(const TNodeType& type, TOutputPort& output)
 
 void TLinkMender::MendRamp(const TNodeType& type, TNodeRampParameter& ramp)
 {
-    if (ramp.FreeLostLocks())
-        Told.Add(
-            new TError("Node \"%s\": \"%s\" has a curve locked to one that does not exist; it is free now",
-                       QuoteText(type.Name, NameLimit).Print(), QuoteText(ramp.Name, NameLimit).Print()));
+    if (!ramp.FreeLostLocks())
+        return;
+    Told.SetSource(&type, -1);
+    Told.Add(new TError("Node \"%s\": \"%s\" has a curve locked to one that does not exist; it is free now",
+                        QuoteText(type.Name, NameLimit).Print(), QuoteText(ramp.Name, NameLimit).Print()));
 }

@@ -18,9 +18,8 @@ TNodeType* TNodeTypeLibrary::FindType(const char* name) const
 
 void TNodeTypeLibrary::Load(const char* path, TErrorList& errors)
 {
-    TString root;
-    ToKeptPath(path, root);
-    LoadDirectory(root, -1, errors);
+    ToKeptPath(path, Root);
+    LoadDirectory(Root, -1, errors);
     if (Types.empty())
         errors.Add(
             new TError("No valid .xml node type files found under path %s\n", QuoteText(path).Print()));
@@ -66,6 +65,28 @@ void TNodeTypeLibrary::LoadDirectory(const char* path, int parentItem, TErrorLis
         AddItem(entry.Name, Types.size(), parentItem);
         Types.push_back(type.Release());
     }
+}
+
+// `path` is that of the items' folder, and then the type's.
+bool TNodeTypeLibrary::FindTypeBelow(const vector<int>& items, int type, TString& path) const
+{
+    for (const int index : items) {
+        TString below(path);
+        if (below.IsEmpty() || below.Print()[below.Length() - 1] != '\\')
+            below += "\\";
+        below += Items[index].Name.Print();
+        if (Items[index].TypeIndex != type && !FindTypeBelow(Items[index].Children, type, below))
+            continue;
+        path = below;
+        return true;
+    }
+    return false;
+}
+
+bool TNodeTypeLibrary::GetTypePath(int i, TString& path) const
+{
+    path = Root;
+    return FindTypeBelow(RootItems, i, path);
 }
 
 int TNodeTypeLibrary::AddItem(const TString& name, int typeIndex, int parentItem)

@@ -28,6 +28,8 @@ public:
     TNodeType* GetType(int i) const { return Types[i]; }
     // The first of the name, without case; null if there is none.
     TNodeType* FindType(const char* name) const;
+    // The file that the type came from; false for one that came from elsewhere.
+    bool GetTypePath(int i, TString& path) const;
     // All items, those of the root and those below.
     int GetNumItems() const { return Items.size(); }
     int GetNumRootItems() const { return RootItems.size(); }
@@ -40,7 +42,10 @@ private:
     // The index of the new item; a parent of -1 is the root.
     int AddItem(const TString& name, int typeIndex, int parentItem);
 
+    bool FindTypeBelow(const vector<int>& items, int type, TString& path) const;
+
     TOwnerList<TNodeType> Types;
+    TString Root;
     vector<TNodeTypeItem> Items;
     vector<int> RootItems;
 };

@@ -154,6 +154,8 @@ public:
     void Cascade() override { Events.push_back("cascade"); }
     TWindow* WindowFromPoint(int, int) override { return UnderPoint; }
     void Quit() override { Events.push_back("quit"); }
+    // Told apart from the rest, as most tests have no use for it.
+    void ShowStatus(const char* text) override { Statuses.push_back(text); }
     void EndInput() override
     {
         ++NumInputEnds;
@@ -168,6 +170,7 @@ public:
     }
 
     TNames Events;
+    TNames Statuses;
     int NumInputEnds = 0;
     std::function<void()> OnEndInput;
     // The next choice; "" is Cancel.

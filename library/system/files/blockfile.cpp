@@ -167,6 +167,31 @@ bool TBlockFile::Save(TFile& file) const
     return true;
 }
 
+static void AppendU32(vector<uint8_t>& bytes, uint32_t value, bool swap)
+{
+    const uint32_t word = swap ? SwapBytes(value) : value;
+    uint8_t raw[4];
+    memcpy(raw, &word, sizeof raw);
+    for (const uint8_t byte : raw)
+        bytes.push_back(byte);
+}
+
+void TBlockFile::AppendTo(vector<uint8_t>& bytes) const
+{
+    constexpr int fileAlignment = 16;
+    bytes.reserve(bytes.size() + 4 * (Relocations.size() + 1) + fileAlignment + Position);
+    AppendU32(bytes, static_cast<uint32_t>(Relocations.size()), ByteSwap);
+    for (uint32_t relocation : Relocations)
+        AppendU32(bytes, relocation, ByteSwap);
+    while (bytes.size() % fileAlignment != 0)
+        bytes.push_back(0);
+    for (const TPage* page : Pages) {
+        const int at = bytes.size();
+        bytes.resize(at + page->Used);
+        memcpy(bytes.data() + at, page->Data, static_cast<size_t>(page->Used));
+    }
+}
+
 uint16_t FloatToHalf(uint32_t bits)
 {
     const uint32_t sign = bits >> 16 & 0x8000u;

@@ -33,6 +33,8 @@ public:
     // The count of relocations, the relocations, zeros up to a multiple of 16 in the file, the image: what
     // follows whatever words the caller wrote to the file before. False if a write failed.
     bool Save(TFile& file) const;
+    // The same behind the bytes that a file would begin with.
+    void AppendTo(vector<uint8_t>& bytes) const;
 
 private:
     struct TBlock

@@ -3,14 +3,42 @@
 #include "library/wimp/gdi/gdibitmap.h"
 #include "library/wimp/windowpeer.h"
 
+#include <QtCore/QEvent>
 #include <QtGui/QIcon>
 #include <QtWidgets/QPushButton>
+
+namespace {
+
+// Its picture is drawn for light buttons: on a dark desktop it is shown with that one's colours.
+class TPictureButton : public QPushButton
+{
+public:
+    using QPushButton::QPushButton;
+    void SetPicture(int id)
+    {
+        Picture = id;
+        setIcon(LoadThemeIcon(id));
+    }
+
+protected:
+    void changeEvent(QEvent* event) override
+    {
+        QPushButton::changeEvent(event);
+        if (event->type() == QEvent::PaletteChange && Picture != 0)
+            setIcon(LoadThemeIcon(Picture));
+    }
+
+private:
+    int Picture = 0;
+};
+
+} // namespace
 
 bool TButton::Create(TWindow* owner, int id, const char* text, const char* name)
 {
     if (owner == nullptr || owner->GetHandle() == nullptr)
         return false;
-    QPushButton* button = new QPushButton(ToQt(text), owner->GetHandle());
+    TPictureButton* button = new TPictureButton(ToQt(text), owner->GetHandle());
     button->setObjectName(ToQt(name));
     // A click leaves the keys where they were.
     button->setFocusPolicy(Qt::TabFocus);
@@ -28,10 +56,10 @@ bool TButton::Create(TWindow* owner, int id, const char* text, const char* name)
 
 void TButton::SetIcon(int bitmapId, const char* tip)
 {
-    QPushButton* button = qobject_cast<QPushButton*>(GetHandle());
+    TPictureButton* button = static_cast<TPictureButton*>(GetHandle());
     if (button == nullptr)
         return;
-    button->setIcon(LoadPictureIcon(bitmapId));
+    button->SetPicture(bitmapId);
     button->setToolTip(ToQt(tip));
     button->setAccessibleName(ToQt(tip));
 }

@@ -124,7 +124,7 @@ int TSplitWindow::FindGap(int x, int y) const
 void TSplitWindow::DrawGaps(TGDIContext& context) const
 {
     context.SetNoPen();
-    context.SetBrush(GetButtonColour());
+    context.SetBrush(ButtonColour);
     for (int i = 1; i < Panes.size(); ++i) {
         TArea place;
         TArea gap;

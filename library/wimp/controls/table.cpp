@@ -33,7 +33,7 @@ void DrawText(TGDIContext& context, int left, int top, int width, const TString&
 void DrawButton(TGDIContext& context, int left, int top, int width, const TString& text)
 {
     context.SetNoPen();
-    context.SetBrush(GetButtonColour());
+    context.SetBrush(ButtonColour);
     context.Rectangle(left, top, left + width, top + TTable::RowHeight);
     context.RaisedEdge(left, top, left + width, top + TTable::RowHeight);
     DrawText(context, left, top, width, text);
@@ -71,9 +71,9 @@ bool TTable::TPane::OnMessage(const TMessage& message)
 void TTable::Create(TWindow* owner, TTableProvider& provider, int flags)
 {
     if (!TableClass.IsRegistered()) {
-        TableClass.Register(0, GetButtonColour());
-        HeaderClass.Register(0, GetButtonColour());
-        LabelClass.Register(0, GetButtonColour());
+        TableClass.Register(0, ButtonColour);
+        HeaderClass.Register(0, ButtonColour);
+        LabelClass.Register(0, ButtonColour);
         MainClass.Register(0, White);
     }
     Provider = &provider;

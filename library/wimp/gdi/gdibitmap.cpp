@@ -1,6 +1,7 @@
 #include "library/wimp/gdi/gdibitmap.h"
 
 #include "library/containers/assertion.h"
+#include "library/wimp/gdi/themecolour.h"
 
 #include <QtGui/QIcon>
 #include <QtGui/QImage>
@@ -57,15 +58,37 @@ int TGDIBitmap::GetRowBytes() const
     return static_cast<int>(Image->bytesPerLine());
 }
 
-QIcon LoadPictureIcon(int id)
+static QImage ToTheme(const QImage& picture)
+{
+    QImage image = picture.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb pixel = image.pixel(x, y);
+            const TGDIColour colour = GetThemeColour(pixel & 0xFFFFFF);
+            image.setPixel(x, y, (pixel & 0xFF000000) | colour);
+        }
+    return image;
+}
+
+static QIcon LoadIcon(int id, bool inTheme)
 {
     static constexpr const char* Sizes[] = {"", "-16", "-48", "-128"};
     LinkPictures();
     QIcon icon;
     for (const char* size : Sizes) {
-        const QPixmap pixmap(PicturePath(id, size));
-        if (!pixmap.isNull())
-            icon.addPixmap(pixmap);
+        const QImage picture(PicturePath(id, size));
+        if (!picture.isNull())
+            icon.addPixmap(QPixmap::fromImage(inTheme ? ToTheme(picture) : picture));
     }
     return icon;
+}
+
+QIcon LoadPictureIcon(int id)
+{
+    return LoadIcon(id, false);
+}
+
+QIcon LoadThemeIcon(int id)
+{
+    return LoadIcon(id, IsDarkTheme());
 }

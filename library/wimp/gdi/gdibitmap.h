@@ -50,3 +50,5 @@ private:
 
 // For the framework: a picture in all sizes that it was drawn in; empty if there is none.
 QIcon LoadPictureIcon(int id);
+// The same in the colours that the desktop's theme has in the place of the picture's.
+QIcon LoadThemeIcon(int id);

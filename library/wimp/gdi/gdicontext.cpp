@@ -15,6 +15,8 @@ static constexpr TGDIColour EdgeLight = 0xFFFFFF;
 static constexpr TGDIColour EdgeDark = 0x696969;
 static constexpr TGDIColour InnerLight = 0xE3E3E3;
 static constexpr TGDIColour InnerDark = 0xA0A0A0;
+static constexpr TGDIColour DarkThemeEdge = 0x6A6A6A;
+static constexpr TGDIColour DarkThemeInner = 0x1E1E1E;
 
 static QColor ToColour(TGDIColour colour)
 {
@@ -96,9 +98,9 @@ void TGDIContext::Frame(const QRect& dots, TGDIColour topLeft, TGDIColour bottom
 
 void TGDIContext::SetPen(TGDIColour colour, bool dotted)
 {
-    PenColour = colour;
+    PenColour = GetThemeColour(colour);
     Dotted = dotted;
-    QPen pen(ToColour(colour), 1);
+    QPen pen(ToColour(PenColour), 1);
     pen.setJoinStyle(Qt::MiterJoin);
     if (dotted) {
         pen.setCapStyle(Qt::FlatCap);
@@ -114,7 +116,7 @@ void TGDIContext::SetNoPen()
 
 void TGDIContext::SetBrush(TGDIColour colour)
 {
-    Painter.setBrush(ToColour(colour));
+    Painter.setBrush(ToColour(GetThemeColour(colour)));
 }
 
 void TGDIContext::SetNoBrush()
@@ -129,7 +131,7 @@ void TGDIContext::SetFont(const TGDIFont& font)
 
 void TGDIContext::SetTextColour(TGDIColour colour)
 {
-    TextColour = colour;
+    TextColour = GetThemeColour(colour);
 }
 
 void TGDIContext::Line(int x1, int y1, int x2, int y2)
@@ -218,13 +220,15 @@ void TGDIContext::RaisedEdge(int left, int top, int right, int bottom)
 {
     const QRect dots = ToDots(left, top, right, bottom);
     const int line = GetThickness();
-    Frame(dots, EdgeLight, EdgeDark);
-    Frame(dots.adjusted(line, line, -line, -line), InnerLight, InnerDark);
+    const bool isDark = IsDarkTheme();
+    const QRect inner = dots.adjusted(line, line, -line, -line);
+    Frame(dots, isDark ? DarkThemeEdge : EdgeLight, isDark ? 0 : EdgeDark);
+    Frame(inner, isDark ? GetButtonColour() : InnerLight, isDark ? DarkThemeInner : InnerDark);
 }
 
 TGDIColour GetButtonColour()
 {
-    return QGuiApplication::palette().color(QPalette::Button).rgb() & 0xFFFFFF;
+    return GetThemeColour(ButtonColour);
 }
 
 void GetTextExtent(const TGDIFont& font, const char* text, int& width, int& height)

@@ -1,16 +1,12 @@
 #pragma once
 
 #include "library/containers/vector.h"
-
-#include <cstdint>
+#include "library/wimp/gdi/themecolour.h"
 
 class QFont;
 class QPainter;
 class QRect;
 class TGDIBitmap;
-
-// A colour as 0xRRGGBB.
-using TGDIColour = uint32_t;
 
 // A font of the window system; the height of its characters in pixels, of either sign.
 struct TGDIFont
@@ -31,7 +27,8 @@ struct TGDIPoint
 // Draws into a window that is not OpenGL's, while its paint message is handled. Positions are pixels, which
 // on a scaled screen are not always whole dots: edges fall on the nearest dot, so that what touches in pixels
 // touches on the screen, and all lines are equally thick. Rectangles hold their left and top edge and not
-// their right and bottom one.
+// their right and bottom one. Colours are told as a light desktop has them; a dark one has its own in their
+// place.
 class TGDIContext
 {
 public:

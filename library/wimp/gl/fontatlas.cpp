@@ -2,7 +2,7 @@
 
 #include "library/containers/assertion.h"
 #include "library/wimp/gl/glcontext.h"
-#include "library/wimp/gl/renderer.h"
+#include "library/wimp/gl/texturerevision.h"
 
 #include <GL/glew.h>
 #include <ft2build.h>
@@ -215,18 +215,18 @@ void TFontAtlas::Upload()
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, Width, Height, 0, GL_RGBA, GL_UNSIGNED_INT_8_8_8_8_REV,
                  Texels.data());
     CheckGlError();
+    TouchGlTexture(Texture);
     vector<uint32_t>().swap(Texels);
 }
 
-unsigned TFontAtlas::GetTexture(TRenderer& renderer, bool exact)
+unsigned TFontAtlas::GetTexture(bool exact)
 {
     if (Texture == 0)
         Upload();
     if (exact != Exact) {
-        // Texts that wait to be drawn are drawn as they were meant.
-        renderer.Flush();
         glBindTexture(GL_TEXTURE_2D, Texture);
         SetFilter(exact ? GL_NEAREST : GL_LINEAR);
+        TouchGlTexture(Texture);
         Exact = exact;
     }
     return Texture;

@@ -7,7 +7,6 @@
 
 struct FT_FaceRec_;
 struct FT_LibraryRec_;
-class TRenderer;
 
 constexpr int FirstFontCharacter = 32;
 constexpr int NumFontCharacters = 96;
@@ -58,8 +57,9 @@ public:
     // Where a glyph's picture begins in the texture.
     void GetPosition(const TFontGlyph& glyph, int& x, int& y) const;
     // The OpenGL texture, made when first asked for; needs a current context. Exact says that each texel will
-    // fall on one pixel: filtering, which costs, then has nothing to do and is left out.
-    unsigned GetTexture(TRenderer& renderer, bool exact);
+    // fall on one pixel: filtering, which costs, then has nothing to do and is left out. So it is for all
+    // that a frame draws with it.
+    unsigned GetTexture(bool exact);
     // Red, green, blue, alpha; empty once the texture has been made.
     const vector<uint32_t>& GetTexels() const { return Texels; }
 

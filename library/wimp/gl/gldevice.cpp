@@ -3,6 +3,7 @@
 #include "library/containers/assertion.h"
 #include "library/containers/log.h"
 #include "library/wimp/gl/glcontext.h"
+#include "library/wimp/gl/texturerevision.h"
 
 #include <GL/glew.h>
 
@@ -144,6 +145,7 @@ void TGlDevice::UploadTexture(unsigned& name, TTextureFormat format, int width, 
     glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(transfer.InternalFormat), Thinned(width, step),
                  Thinned(height, step), 0, transfer.SourceFormat, transfer.SourceType, pixels);
     CheckGlError();
+    TouchGlTexture(name);
 }
 
 void TGlDevice::BindTexture(int unit, unsigned name)

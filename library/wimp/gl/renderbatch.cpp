@@ -6,22 +6,25 @@
 #include <GL/glew.h>
 
 namespace {
-constexpr int StartSize = 1024;
 // Beyond this a call's vertices cost more memory than a further call costs time.
 constexpr int MaxGathered = 65536;
 // More of them are seldom of use: whoever puts things over each other all the time gets no fewer calls.
 constexpr int MaxLayers = 64;
 } // namespace
 
-TRenderBatch::TRenderBatch()
-{
-    Vertices.resize(StartSize);
-}
-
-void TRenderBatch::BeginFrame()
+void TRenderBatch::BeginFrame(int width, int height)
 {
     Clear();
     NumCalls = 0;
+    Width = width;
+    Height = height;
+    // As large as there is, so that what lies around the target is cut off by the scissor and not by OpenGL,
+    // whose cuts move the edges a little.
+    for (Spread = 1; Spread * 2 <= GetMaxTextureSide();)
+        Spread *= 2;
+    Margin = (Spread - (width > height ? width : height)) / 2;
+    Margin = Margin > 0 ? Margin : 0;
+    glViewport(-Margin, -Margin, Spread, Spread);
     glBindBuffer(GL_ARRAY_BUFFER, 0);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     if (glUseProgram != nullptr)
@@ -43,16 +46,43 @@ void TRenderBatch::BeginFrame()
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableClientState(GL_COLOR_ARRAY);
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+    glEnable(GL_SCISSOR_TEST);
+    glClearColor(1.0f, 1.0f, 0.95f, 0.0f);
+    CheckGlError();
 }
 
 void TRenderBatch::EndFrame()
 {
-    Flush();
     glDisableClientState(GL_VERTEX_ARRAY);
     glDisableClientState(GL_COLOR_ARRAY);
     glDisableClientState(GL_TEXTURE_COORD_ARRAY);
     glDisable(GL_BLEND);
+    glDisable(GL_SCISSOR_TEST);
     glShadeModel(GL_SMOOTH);
+}
+
+void TRenderBatch::DrawPart(const TRenderList& list, const TDotRectangle& part)
+{
+    Part = part;
+    SetScissor(part);
+    glClear(GL_COLOR_BUFFER_BIT);
+    const TDotRectangle touched = part.Enlarge(TRenderList::PartsPerDot);
+    for (int i = 0; i < list.GetNumItems(); ++i) {
+        const TDotRectangle& bounds = list.GetItem(i).Bounds;
+        if (bounds.Min[0] < touched.Max[0] && bounds.Max[0] > touched.Min[0] &&
+            bounds.Min[1] < touched.Max[1] && bounds.Max[1] > touched.Min[1])
+            Add(list, list.GetItem(i));
+    }
+    Flush();
+}
+
+void TRenderBatch::SetScissor(const TDotRectangle& rectangle) const
+{
+    if (rectangle.IsEmpty())
+        glScissor(0, 0, 0, 0);
+    else
+        glScissor(rectangle.Min[0], Height - rectangle.Max[1], rectangle.Max[0] - rectangle.Min[0],
+                  rectangle.Max[1] - rectangle.Min[1]);
 }
 
 void TRenderBatch::Clear()
@@ -64,7 +94,6 @@ void TRenderBatch::Clear()
         layer.NumIndices = 0;
     }
     NumLayers = 0;
-    NumVertices = 0;
 }
 
 void TRenderBatch::Flush()
@@ -76,7 +105,7 @@ void TRenderBatch::Flush()
 
 void TRenderBatch::Draw(const TLayer& layer)
 {
-    const TState& state = layer.State;
+    const TRenderList::TState& state = layer.State;
     if (state.Program != nullptr) {
         glActiveTexture(GL_TEXTURE0);
         glBindTexture(GL_TEXTURE_2D, state.Texture);
@@ -88,6 +117,12 @@ void TRenderBatch::Draw(const TLayer& layer)
     else
         glDisable(GL_BLEND);
     glShadeModel(state.Shaded ? GL_SMOOTH : GL_FLAT);
+    TDotRectangle clip;
+    for (int i = 0; i < 2; ++i) {
+        clip.Min[i] = state.Clip.Min[i] / TRenderList::PartsPerDot;
+        clip.Max[i] = state.Clip.Max[i] / TRenderList::PartsPerDot;
+    }
+    SetScissor(Part.Intersect(clip));
     const TVertex* vertices = layer.Vertices.data();
     glVertexPointer(2, GL_FLOAT, sizeof(TVertex), vertices->Point.Component);
     glTexCoordPointer(2, GL_FLOAT, sizeof(TVertex), vertices->TexCoord.Component);
@@ -100,109 +135,70 @@ void TRenderBatch::Draw(const TLayer& layer)
     CheckGlError();
 }
 
-void TRenderBatch::Begin(TPrimitive primitive)
+void TRenderBatch::Add(const TRenderList& list, const TRenderList::TItem& item)
 {
-    Primitive = primitive;
-    State = TState();
-    NumVertices = 0;
-    SeesThrough = false;
-    Opaque = false;
-    Shades = false;
-}
-
-void TRenderBatch::Begin(TPrimitive primitive, unsigned texture, const TArbProgram& program,
-                         const TVector4& local)
-{
-    Begin(primitive);
-    State.Program = &program;
-    State.Texture = texture;
-    State.Local = local;
-}
-
-void TRenderBatch::End()
-{
-    TRenderCover::TBox box;
-    if (NumVertices < 3 || !GetBox(box))
-        return;
-    State.Blended = !Opaque && (SeesThrough || State.Program != nullptr);
-    State.Shaded = Shades;
-    TLayer& layer = FindLayer(box);
-    layer.Cover.Add(box);
-    layer.Add(Vertices.data(), NumVertices, Primitive);
-}
-
-// False for a primitive that is out of sight.
-bool TRenderBatch::GetBox(TRenderCover::TBox& box) const
-{
-    TVector2 min = Vertices[0].Point;
-    TVector2 max = min;
-    for (int i = 1; i < NumVertices; ++i) {
-        const TVector2& point = Vertices[i].Point;
-        for (int axis = 0; axis < 2; ++axis) {
-            min[axis] = point[axis] < min[axis] ? point[axis] : min[axis];
-            max[axis] = point[axis] > max[axis] ? point[axis] : max[axis];
-        }
+    TVector2 min;
+    TVector2 max;
+    const int size[2] = {Width, Height};
+    for (int i = 0; i < 2; ++i) {
+        const double toClip = 2.0 / (double(size[i]) * TRenderList::PartsPerDot);
+        min[i] = static_cast<float>(item.Bounds.Min[i] * toClip - 1.0);
+        max[i] = static_cast<float>(item.Bounds.Max[i] * toClip - 1.0);
     }
-    return TRenderCover::GetCells(min, max, box);
+    TRenderCover::TBox box;
+    if (!TRenderCover::GetCells(min, max, box))
+        return;
+    TLayer& layer = FindLayer(item, box);
+    layer.Cover.Add(box);
+    const int first = layer.NumVertices;
+    AddVertices(layer, list.GetVertices(item), item.NumVertices);
+    ForEachTriangle(item.Primitive, item.NumVertices,
+                    [&](int a, int b, int c) { layer.AddTriangle(first + a, first + b, first + c); });
 }
 
-// The lowest layer of the running primitive's state that has everything it touches below itself.
-TRenderBatch::TLayer& TRenderBatch::FindLayer(const TRenderCover::TBox& box)
+// The lowest layer of the item's state that has everything it touches below itself.
+TRenderBatch::TLayer& TRenderBatch::FindLayer(const TRenderList::TItem& item, const TRenderCover::TBox& box)
 {
     TLayer* found = nullptr;
     for (int i = NumLayers - 1; i >= 0; --i) {
         TLayer* layer = Layers[i];
-        if (layer->State == State)
+        if (layer->State == item.State)
             found = layer;
         if (layer->Cover.Touches(box))
             break;
     }
-    if (found != nullptr && found->NumVertices + NumVertices <= MaxGathered)
+    if (found != nullptr && found->NumVertices + item.NumVertices <= MaxGathered)
         return *found;
-    if (found != nullptr || NumLayers == MaxLayers) {
-        const int count = NumVertices;
+    if (found != nullptr || NumLayers == MaxLayers)
         Flush();
-        NumVertices = count;
-    }
-    return AddLayer();
+    return AddLayer(item.State);
 }
 
-TRenderBatch::TLayer& TRenderBatch::AddLayer()
+TRenderBatch::TLayer& TRenderBatch::AddLayer(const TRenderList::TState& state)
 {
     if (NumLayers == Layers.size())
         Layers.push_back(new TLayer);
     TLayer& layer = *Layers[NumLayers++];
-    layer.State = State;
+    layer.State = state;
     return layer;
 }
 
-void TRenderBatch::TLayer::Add(const TVertex* vertices, int count, TPrimitive primitive)
+void TRenderBatch::AddVertices(TLayer& layer, const TRenderList::TVertex* vertices, int count) const
 {
-    if (NumVertices + count > Vertices.size())
-        Vertices.resize(2 * (NumVertices + count));
-    const int first = NumVertices;
-    for (int i = 0; i < count; ++i)
-        Vertices[NumVertices++] = vertices[i];
-    switch (primitive) {
-    case PR_TRIANGLES:
-        for (int i = first; i + 2 < NumVertices; i += 3)
-            AddTriangle(i, i + 1, i + 2);
-        break;
-    case PR_QUADS:
-        for (int i = first; i + 3 < NumVertices; i += 4) {
-            AddTriangle(i, i + 1, i + 2);
-            AddTriangle(i, i + 2, i + 3);
-        }
-        break;
-    case PR_FAN:
-        for (int i = first + 1; i + 1 < NumVertices; ++i)
-            AddTriangle(first, i, i + 1);
-        break;
-    case PR_STRIP:
-        for (int i = first; i + 2 < NumVertices; ++i)
-            AddTriangle(i, i + 1, i + 2);
-        break;
+    if (layer.NumVertices + count > layer.Vertices.size())
+        layer.Vertices.resize(2 * (layer.NumVertices + count));
+    // Exact, as all of it is by powers of two.
+    const float toClip = 2.0f / (static_cast<float>(Spread) * TRenderList::PartsPerDot);
+    const int left = Margin * TRenderList::PartsPerDot;
+    const int bottom = (Height + Margin) * TRenderList::PartsPerDot;
+    TVertex* to = layer.Vertices.data() + layer.NumVertices;
+    for (int i = 0; i < count; ++i) {
+        const TRenderList::TVertex& from = vertices[i];
+        const TVector2 point(static_cast<float>(from.Place[0] + left) * toClip - 1.0f,
+                             static_cast<float>(bottom - from.Place[1]) * toClip - 1.0f);
+        to[i] = TVertex{point, from.TexCoord, from.Colour};
     }
+    layer.NumVertices += count;
 }
 
 void TRenderBatch::TLayer::AddTriangle(int a, int b, int c)

@@ -12,16 +12,32 @@
 #include <cmath>
 
 namespace {
-// Drawing is 2 by 2 supersampled.
-constexpr int FullSupersampling = 2;
+// A view lies on a multiple of this part of a dot: a pan by whole dots then moves the picture by whole dots,
+// whatever has been rounded on the way.
+constexpr int PlacesPerDot = 16;
+// No place lies farther away, in parts of the target's dots.
+constexpr double FarAway = 1 << 28;
 
-// Neither not a number nor beyond what the scissor takes.
-int ToDot(double value)
+// The nearest whole number: that of a half is the upper one, wherever the origin lies.
+int64_t Nearest(double value)
 {
-    constexpr double limit = 1e6;
+    // Truncation is towards 0.
+    constexpr double positive = int64_t(1) << 41;
+    return static_cast<int64_t>(value + positive + 0.5) - int64_t(positive);
+}
+
+// Not a number is the lower limit.
+double Limited(double value, double limit)
+{
     if (!(value > -limit))
-        return static_cast<int>(-limit);
-    return static_cast<int>(std::lround(value < limit ? value : limit));
+        return -limit;
+    return value < limit ? value : limit;
+}
+
+int64_t FloorOfQuotient(int64_t value, int64_t divisor)
+{
+    const int64_t quotient = value / divisor;
+    return value % divisor < 0 ? quotient - 1 : quotient;
 }
 
 float Larger(float a, float b)
@@ -48,64 +64,14 @@ bool TRenderer::Init(TRenderWindow* window, const TRenderer* shareWith)
     (void)shareWith;
     Release();
     Window = window;
+    Targets.Init(window);
     return window != nullptr;
 }
 
 void TRenderer::Release()
 {
-    if (FrameBuffer != 0 && Window != nullptr && Window->MakeCurrent() && HasOwnFrameBuffer())
-        glDeleteFramebuffersEXT(1, &FrameBuffer);
-    FrameBuffer = 0;
-    DeleteGlTexture(ColourTexture);
-    ColourTexture = 0;
-    Width = 0;
-    Height = 0;
-}
-
-// Frame buffers belong to one context, and a window may get a new one in which the name is free or another's.
-bool TRenderer::HasOwnFrameBuffer() const
-{
-    if (FrameBuffer == 0 || FrameBuffer == Window->GetFrameBuffer() || !glIsFramebufferEXT(FrameBuffer))
-        return false;
-    glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, FrameBuffer);
-    GLint attached = 0;
-    glGetFramebufferAttachmentParameterivEXT(GL_FRAMEBUFFER_EXT, GL_COLOR_ATTACHMENT0_EXT,
-                                             GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME_EXT, &attached);
-    return static_cast<unsigned>(attached) == ColourTexture;
-}
-
-void TRenderer::Resize(int width, int height)
-{
-    Width = width;
-    Height = height;
-    const int longest = Width > Height ? Width : Height;
-    Supersampling = longest <= GetMaxTextureSide() / FullSupersampling ? FullSupersampling : 1;
-    if (ColourTexture == 0)
-        glGenTextures(1, &ColourTexture);
-    glBindTexture(GL_TEXTURE_2D, ColourTexture);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, Width * Supersampling, Height * Supersampling, 0, GL_RGBA,
-                 GL_UNSIGNED_BYTE, nullptr);
-    CheckGlError();
-}
-
-void TRenderer::BindTarget()
-{
-    if (!HasOwnFrameBuffer())
-        glGenFramebuffersEXT(1, &FrameBuffer);
-    glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, FrameBuffer);
-    CheckGlError();
-    glFramebufferTexture2DEXT(GL_FRAMEBUFFER_EXT, GL_COLOR_ATTACHMENT0_EXT, GL_TEXTURE_2D, ColourTexture, 0);
-    CheckGlError();
-    glViewport(0, 0, Width * Supersampling, Height * Supersampling);
-    CheckGlError();
-    const unsigned fbostat = glCheckFramebufferStatusEXT(GL_FRAMEBUFFER_EXT);
-    ASSERT_TEXT_MSG(fbostat == GL_FRAMEBUFFER_COMPLETE_EXT, "fbostat == GL_FRAMEBUFFER_COMPLETE_EXT",
-                    TempFormat("FBO incomplete 0x%x\n", fbostat));
-    CheckGlError();
+    Targets.Release();
+    Tiles.Forget();
 }
 
 void TRenderer::Render(TRenderObject& root)
@@ -118,25 +84,55 @@ void TRenderer::Render(TRenderObject& root)
     int height = 0;
     Window->GetDotSize(width, height);
     DotsPerPixel = Window->GetDotsPerPixel();
-    if (width != Width || height != Height)
-        Resize(width, height);
-    if (Width <= 0 || Height <= 0)
+    if (width != GetWidth() || height != GetHeight()) {
+        Tiles.Forget();
+        Targets.Resize(width, height);
+    }
+    if (GetWidth() <= 0 || GetHeight() <= 0)
         return;
 
-    BindTarget();
-    WorldToClip = TVector2(static_cast<float>(2.0 * Scale[0] * DotsPerPixel / Width),
-                           static_cast<float>(2.0 * Scale[1] * DotsPerPixel / Height));
-    glDisable(GL_SCISSOR_TEST);
-    Batch.BeginFrame();
-    CheckGlError();
-    glClearColor(1.0f, 1.0f, 0.95f, 0.0f);
-    glClear(GL_COLOR_BUFFER_BIT);
-    CheckGlError();
+    PlaceView();
+    List.Clear(GetWidth() * GetSupersampling(), GetHeight() * GetSupersampling());
     Drawing = true;
     DrawObjects(root);
     Drawing = false;
+    Paint();
+}
+
+void TRenderer::PlaceView()
+{
+    const int parts = TRenderList::PartsPerDot * GetSupersampling();
+    Place.Width = GetWidth();
+    Place.Height = GetHeight();
+    Place.Supersampling = GetSupersampling();
+    for (int i = 0; i < 2; ++i) {
+        constexpr double limit = 1e9;
+        const double dotsPerUnit = double(Scale[i]) * DotsPerPixel;
+        const int64_t place = Nearest(Limited(Offset[i] * dotsPerUnit * PlacesPerDot, limit));
+        Place.Moved[i] = static_cast<int>(FloorOfQuotient(place, PlacesPerDot));
+        ViewPlace[i] = place * (parts / PlacesPerDot);
+        PartsPerUnit[i] = dotsPerUnit * parts;
+        DrawnOffset[i] = static_cast<double>(place) / (PlacesPerDot * dotsPerUnit);
+    }
+}
+
+// Whatever goes wrong in between, the next frame paints everything.
+void TRenderer::Paint()
+{
+    Tiles.Compare(List, Place);
+    const int* shift = Tiles.GetShift();
+    if (shift[0] != 0 || shift[1] != 0)
+        Targets.MovePicture(shift);
+    if (!Tiles.GetParts().empty())
+        Targets.BindTarget();
+    Batch.BeginFrame(GetWidth() * GetSupersampling(), GetHeight() * GetSupersampling());
+    for (const TDotRectangle& part : Tiles.GetParts())
+        Batch.DrawPart(List, part.Enlarge(GetSupersampling()));
     Batch.EndFrame();
-    Present();
+    if (!Tiles.GetParts().empty())
+        Targets.TakeParts(Tiles.GetParts());
+    Targets.Present();
+    Tiles.Keep();
 }
 
 void TRenderer::DrawObjects(TRenderObject& root)
@@ -144,8 +140,8 @@ void TRenderer::DrawObjects(TRenderObject& root)
     WindowStack.clear();
     OriginStack.clear();
     PushOrigin(TVector2(0, 0));
-    const TVector2 size(static_cast<float>(Width / (Scale[0] * DotsPerPixel)),
-                        static_cast<float>(Height / (Scale[1] * DotsPerPixel)));
+    const TVector2 size(static_cast<float>(GetWidth() / (Scale[0] * DotsPerPixel)),
+                        static_cast<float>(GetHeight() / (Scale[1] * DotsPerPixel)));
     PushWindow(-Offset, size - Offset);
     glEnable(GL_SCISSOR_TEST);
     CheckGlError();
@@ -160,37 +156,6 @@ void TRenderer::DrawObjects(TRenderObject& root)
     }
     ASSERT_TEXT(WindowStack.size() == 1, "WindowStack.size() == 1");
     ASSERT_TEXT(OriginStack.size() == 1, "OriginStack.size() == 1");
-}
-
-void TRenderer::Present()
-{
-    glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, Window->GetFrameBuffer());
-    CheckGlError();
-    glViewport(0, 0, Width, Height);
-    glDisable(GL_SCISSOR_TEST);
-    CheckGlError();
-    // The picture's alpha is what blending has left; the window itself is opaque.
-    glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
-    glClear(GL_COLOR_BUFFER_BIT);
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
-    glEnable(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, ColourTexture);
-    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
-    glBegin(GL_QUADS);
-    glTexCoord2f(0, 0);
-    glVertex2f(-1, -1);
-    glTexCoord2f(1, 0);
-    glVertex2f(1, -1);
-    glTexCoord2f(1, 1);
-    glVertex2f(1, 1);
-    glTexCoord2f(0, 1);
-    glVertex2f(-1, 1);
-    glEnd();
-    glDisable(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, 0);
-    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-    CheckGlError();
 }
 
 TVector2 TRenderer::PixelToWorld(double x, double y) const
@@ -266,18 +231,20 @@ void TRenderer::SetScissor(const TClipRectangle& rectangle)
     int low[2];
     int size[2];
     for (int i = 0; i < 2; ++i) {
-        const double dots = Scale[i] * DotsPerPixel * Supersampling;
-        const double from = (double(rectangle.Min[i]) + Offset[i]) * dots;
-        const double to = (double(rectangle.Max[i]) + Offset[i]) * dots;
-        low[i] = ToDot(from);
-        size[i] = ToDot(to) - low[i];
+        constexpr double limit = 1e6;
+        const double dots = Scale[i] * DotsPerPixel * GetSupersampling();
+        const double from = (rectangle.Min[i] + DrawnOffset[i]) * dots;
+        const double to = (rectangle.Max[i] + DrawnOffset[i]) * dots;
+        low[i] = static_cast<int>(Nearest(Limited(from, limit)));
+        size[i] = static_cast<int>(Nearest(Limited(to, limit))) - low[i];
         if (size[i] < 0)
             size[i] = 0;
     }
     Scissor[0] = low[0];
-    Scissor[1] = Height * Supersampling - (low[1] + size[1]);
+    Scissor[1] = GetHeight() * GetSupersampling() - (low[1] + size[1]);
     Scissor[2] = size[0];
     Scissor[3] = size[1];
+    List.SetClip(TDotRectangle{{low[0], low[1]}, {low[0] + size[0], low[1] + size[1]}});
     ApplyScissor();
 }
 
@@ -285,8 +252,9 @@ void TRenderer::SetWholeScissor()
 {
     Scissor[0] = 0;
     Scissor[1] = 0;
-    Scissor[2] = Width * Supersampling;
-    Scissor[3] = Height * Supersampling;
+    Scissor[2] = GetWidth() * GetSupersampling();
+    Scissor[3] = GetHeight() * GetSupersampling();
+    List.SetClip(TDotRectangle{{0, 0}, {Scissor[2], Scissor[3]}});
     ApplyScissor();
 }
 
@@ -294,38 +262,56 @@ void TRenderer::ApplyScissor()
 {
     if (!Drawing)
         return;
-    Batch.Flush();
     glScissor(Scissor[0], Scissor[1], Scissor[2], Scissor[3]);
     CheckGlError();
 }
 
-TVector2 TRenderer::ToClip(const TVector2& point) const
+void TRenderer::GetPlace(const TVector2& point, int* place) const
 {
     const TVector2 origin = GetOrigin();
-    return TVector2(static_cast<float>((double(Offset[0]) + origin[0] + point[0]) * WorldToClip[0] - 1.0),
-                    static_cast<float>(1.0 - (double(Offset[1]) + origin[1] + point[1]) * WorldToClip[1]));
+    for (int i = 0; i < 2; ++i) {
+        constexpr double limit = 1e12;
+        const int64_t there =
+            Nearest(Limited((double(origin[i]) + point[i]) * PartsPerUnit[i], limit)) + ViewPlace[i];
+        place[i] = static_cast<int>(Limited(static_cast<double>(there), FarAway));
+    }
+}
+
+TVector2 TRenderer::ToClip(const TVector2& point) const
+{
+    int place[2];
+    GetPlace(point, place);
+    const double parts = TRenderList::PartsPerDot * GetSupersampling();
+    return TVector2(static_cast<float>(2.0 * place[0] / (GetWidth() * parts) - 1.0),
+                    static_cast<float>(1.0 - 2.0 * place[1] / (GetHeight() * parts)));
 }
 
 TVector2 TRenderer::Snap(const TVector2& point) const
 {
     const TVector2 origin = GetOrigin();
-    const double dots[2] = {Scale[0] * DotsPerPixel * Supersampling, Scale[1] * DotsPerPixel};
+    const double dots[2] = {Scale[0] * DotsPerPixel * GetSupersampling(), Scale[1] * DotsPerPixel};
     TVector2 result;
     for (int i = 0; i < 2; ++i) {
-        const double fixed = double(Offset[i]) + origin[i];
+        const double fixed = DrawnOffset[i] + origin[i];
         result[i] = static_cast<float>(std::floor((fixed + point[i]) * dots[i] + 0.5) / dots[i] - fixed);
     }
     return result;
 }
 
+double TRenderer::SnapAcross(double place) const
+{
+    const double dots = Scale[0] * DotsPerPixel;
+    const double fixed = DrawnOffset[0] + GetOrigin()[0];
+    return std::floor((fixed + place) * dots + 0.5) / dots - fixed;
+}
+
 void TRenderer::DrawRectangle(const TVector2& min, const TVector2& max)
 {
-    Begin(PR_QUADS);
-    Vertex(min);
-    Vertex(TVector2(max[0], min[1]));
-    Vertex(max);
-    Vertex(TVector2(min[0], max[1]));
-    End();
+    int low[2];
+    int high[2];
+    GetPlace(min, low);
+    GetPlace(max, high);
+    List.Box(low, high);
 }
 
 void TRenderer::DrawLine(const TVector2& from, const TVector2& to, float width)
@@ -335,6 +321,10 @@ void TRenderer::DrawLine(const TVector2& from, const TVector2& to, float width)
         return;
     direction.Normalise();
     const TVector2 side = TVector2(-direction[1], direction[0]) * (width * 0.5f);
+    if (from[0] == to[0] || from[1] == to[1]) {
+        DrawRectangle(from + side, to - side);
+        return;
+    }
     Begin(PR_QUADS);
     Vertex(from + side);
     Vertex(to + side);
@@ -349,7 +339,7 @@ void TRenderer::DrawTexture(unsigned texture, const TVector2& min, const TVector
     Begin(PR_QUADS, texture, alphaOnly ? GetAlphaTintProgram() : GetTintProgram(), colour);
     // The grey has its own brightness as alpha: blended, it would come out darker.
     if (alphaOnly)
-        Batch.SetOpaque();
+        List.SetOpaque();
     Vertex(min, TVector2(0, 1));
     Vertex(TVector2(max[0], min[1]), TVector2(1, 1));
     Vertex(max, TVector2(1, 0));

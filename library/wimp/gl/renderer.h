@@ -4,7 +4,10 @@
 #include "library/maths/vector2.h"
 #include "library/maths/vector4.h"
 #include "library/wimp/gl/device/rendertextureinstance.h"
+#include "library/wimp/gl/painttiles.h"
 #include "library/wimp/gl/renderbatch.h"
+#include "library/wimp/gl/renderlist.h"
+#include "library/wimp/gl/rendertargets.h"
 
 class TRenderObject;
 class TRenderWindow;
@@ -17,7 +20,8 @@ struct TClipRectangle
 
 // Draws the tree of render objects into a window, at twice its size and then scaled down. World units times
 // Scale are pixels, as TRenderWindow tells them from the screen's dots; y grows downwards; Offset is added to
-// a world position before scaling.
+// a world position before scaling. Each frame asks all objects in sight, but only those parts of the window
+// are painted where they drew something else than before; what a pan leaves in sight is moved.
 class TRenderer : public TTexturePainter
 {
 public:
@@ -53,70 +57,79 @@ public:
     // The clip rectangle on top, in world units.
     void GetVisibleRect(TVector2& min, TVector2& max) const;
 
-    // The one place that maps a point, relative to the current origin, to clip space.
+    // A point, relative to the current origin, in clip space.
     TVector2 ToClip(const TVector2& point) const;
     // The nearest position for the start of a text, so that it looks sharp: across on a dot of the doubled
     // target, down on one of the window.
     TVector2 Snap(const TVector2& point) const;
+    // The nearest place across, relative to the current origin, that is a dot of the window.
+    double SnapAcross(double place) const;
     // Red, green, blue, alpha, for the vertices that follow; each may have its own.
-    void SetColour(const TVector4& colour) { Batch.SetColour(colour); }
-    // One primitive, drawn when its End has been seen and something else calls for it.
-    void Begin(TPrimitive primitive) { Batch.Begin(primitive); }
+    void SetColour(const TVector4& colour) { List.SetColour(colour); }
+    // One primitive, drawn once all of the frame has been seen.
+    void Begin(TPrimitive primitive) { List.Begin(primitive); }
     // The same with a texture, through a fragment program that takes the local parameter; vertices then have
     // positions in the texture.
     void Begin(TPrimitive primitive, unsigned texture, const TArbProgram& program, const TVector4& local)
     {
-        Batch.Begin(primitive, texture, program, local);
+        List.Begin(primitive, texture, program, local);
     }
-    void Vertex(const TVector2& point) { Batch.Vertex(ToClip(point), TVector2(0, 0)); }
-    void Vertex(const TVector2& point, const TVector2& texCoord) { Batch.Vertex(ToClip(point), texCoord); }
-    void End() { Batch.End(); }
-    // To be called before drawing with OpenGL itself, which comes after all that was drawn so far.
-    void Flush() { Batch.Flush(); }
+    void Vertex(const TVector2& point) { Vertex(point, TVector2(0, 0)); }
+    void Vertex(const TVector2& point, const TVector2& texCoord)
+    {
+        int place[2];
+        GetPlace(point, place);
+        List.Vertex(place, texCoord);
+    }
+    void End() { List.End(); }
     void DrawRectangle(const TVector2& min, const TVector2& max);
     void DrawLine(const TVector2& from, const TVector2& to, float width);
     // Four control points.
     void DrawCurve(const TVector2* bezier, float width);
     void DrawTexture(unsigned texture, const TVector2& min, const TVector2& max, const TVector4& colour,
                      bool alphaOnly) override;
-    // Draw calls of the last frame.
+    // Draw calls of the last frame, and the parts of the window that it painted, in dots.
     int GetNumCalls() const { return Batch.GetNumCalls(); }
+    const vector<TDotRectangle>& GetPainted() const { return Tiles.GetParts(); }
 
     // Dots of the target to one of the window, across and down.
-    int GetSupersampling() const { return Supersampling; }
+    int GetSupersampling() const { return Targets.GetSupersampling(); }
     // Of the window, in dots.
-    int GetWidth() const { return Width; }
-    int GetHeight() const { return Height; }
+    int GetWidth() const { return Targets.GetWidth(); }
+    int GetHeight() const { return Targets.GetHeight(); }
     const vector<TClipRectangle>& GetWindowStack() const { return WindowStack; }
     // The scissor rectangle last set, in dots of the doubled target: x, y from the bottom, width, height.
     const int* GetScissor() const { return Scissor; }
 
 private:
-    bool HasOwnFrameBuffer() const;
-    void BindTarget();
-    void Resize(int width, int height);
+    void PlaceView();
     void DrawObjects(TRenderObject& root);
+    void Paint();
+    // The one place that maps a point, relative to the current origin, to the target: to its place there in
+    // the parts of dots that lists count in.
+    void GetPlace(const TVector2& point, int* place) const;
     void SetScissor(const TClipRectangle& rectangle);
     void SetWholeScissor();
     void ApplyScissor();
-    void Present();
 
     TRenderWindow* Window = nullptr;
-    unsigned FrameBuffer = 0;
-    unsigned ColourTexture = 0;
+    TRenderTargets Targets;
     TVector2 Offset = TVector2(0, 0);
     TVector2 Scale = TVector2(1, 1);
     double DotsPerPixel = 1;
-    TVector2 WorldToClip = TVector2(0, 0);
+    // Where the view lies, in parts of the target's dots, and those for each unit of the world.
+    int64_t ViewPlace[2] = {0, 0};
+    double PartsPerUnit[2] = {1, 1};
+    // Offset as it is drawn: in the window's dots a multiple of a small fraction of one.
+    double DrawnOffset[2] = {0, 0};
+    TPaintPlace Place;
     vector<TClipRectangle> WindowStack;
     vector<TVector2> OriginStack;
-    int Width = 0;
-    int Height = 0;
-    // 2, unless the driver takes no target so large.
-    int Supersampling = 2;
     int Scissor[4] = {};
     // Between the beginning and the end of a frame: OpenGL may be called.
     bool Drawing = false;
+    TRenderList List;
+    TPaintTiles Tiles;
     TRenderBatch Batch;
     vector<TVector2> CurvePoints;
     vector<TVector2> CurveStrip;

@@ -25,13 +25,6 @@ bool IsWholeZoom(const TVector2& scale)
 {
     return scale[0] == scale[1] && (scale[0] == 1.0f || scale[0] == 2.0f || scale[0] == 4.0f);
 }
-
-// Across, as well as down, on a dot of the window.
-double SnapAcross(const TRenderer& renderer, float place)
-{
-    const double fixed = double(renderer.GetOffset()[0]) + renderer.GetOrigin()[0];
-    return ToGrid(fixed + place, 1.0 / renderer.GetResolution()[0]) - fixed;
-}
 } // namespace
 
 bool TRenderFont::Build(FT_LibraryRec_* library, const char* path)
@@ -101,7 +94,7 @@ void TRenderFont::DrawText(TRenderer& renderer, const TVector2& position, const 
     const float resolution = renderer.GetResolution()[0] * float(whole ? 1 : renderer.GetSupersampling());
     TFontAtlas& atlas = GetDrawnAtlas(resolution, whole, texels);
     const bool exact = resolution == texels && renderer.GetScale()[1] == renderer.GetScale()[0];
-    const unsigned texture = atlas.GetTexture(renderer, exact);
+    const unsigned texture = atlas.GetTexture(exact);
     // Only a filter reaches beyond a picture's edge.
     const int margin = exact ? 0 : atlas.GetMargin();
     const double step = 1.0 / texels;
@@ -109,7 +102,8 @@ void TRenderFont::DrawText(TRenderer& renderer, const TVector2& position, const 
     const TVector2 start =
         renderer.Snap(TVector2(position[0], position[1] - static_cast<float>(Atlas.GetBoxMin()[1])));
     const float baseLine = start[1];
-    const double left = whole ? SnapAcross(renderer, start[0]) : start[0];
+    // Across, as well as down, on a dot of the window.
+    const double left = whole ? renderer.SnapAcross(double(start[0])) : double(start[0]);
     int pen = 0;
 
     renderer.Begin(PR_QUADS, texture, GetTintProgram(), colour);

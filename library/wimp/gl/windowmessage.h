@@ -50,6 +50,7 @@ enum TKey
     KEY_INSERT = 45,
     KEY_DELETE = 46,
     KEY_F1 = 112,
+    KEY_F10 = 121,
     KEY_F24 = 135
 };
 

@@ -3,6 +3,7 @@
 #include "particles/cindermill/batch/arguments.h"
 
 #include <cstdarg>
+#include <cstdio>
 
 class TBatchSession;
 
@@ -26,6 +27,10 @@ public:
     virtual ~TBatchCommand() = default;
     // Results go to the standard output, messages to the standard error; gives the exit status.
     virtual int Run(TBatchSession& session, TArguments& arguments) const = 0;
+    // What "help" tells of the command behind its usage: lines that end, and live as long as the program.
+    virtual const char* GetHelp() const { return ""; }
+    // Whether "--help" is a word like any other for the command.
+    virtual bool TakesAnyWord() const { return false; }
 
     const char* const Name;
     const char* const Usage;
@@ -39,5 +44,8 @@ const TBatchCommand& GetBatchCommand(int index);
 // Null for an unknown word.
 const TBatchCommand* FindBatchCommand(const char* word);
 
+// The usage and the commands, and the usage of one with its help.
+void PrintUsage(std::FILE* out);
+void PrintHelp(const TBatchCommand& command);
 // Tells what is wrong with the command line, and how it is used; gives the status of such a run.
 int ReportUsage(const char* format, ...) CINDERMILL_PRINTF(1, 2);

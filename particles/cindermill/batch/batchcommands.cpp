@@ -5,8 +5,10 @@
 #include "particles/cindermill/batch/efxcommand.h"
 #include "particles/cindermill/batch/exportcommand.h"
 #include "particles/cindermill/batch/hashcommand.h"
+#include "particles/cindermill/batch/helpcommand.h"
 #include "particles/cindermill/batch/imagecommand.h"
 #include "particles/cindermill/batch/picturecommand.h"
+#include "particles/cindermill/batch/replaycommand.h"
 #include "particles/cindermill/batch/reportcommand.h"
 #include "particles/cindermill/batch/resavecommand.h"
 #include "particles/cindermill/batch/runcommand.h"
@@ -20,17 +22,22 @@
 
 namespace {
 
+constexpr const char* SharedOptions = "[--node-types DIR] [--resources DIR] [--project FILE]";
+
 const TTypesCommand Types;
 const TCheckCommand Check;
 const TReportCommand Report;
 const TDumpCommand Dump;
 const TExportCommand Export;
 const TRunCommand Run;
+const TReplayCommand Replay;
 const TEfxCommand Efx;
 const TTranslateCommand Translate;
 const TImageCommand Image;
 const TResaveCommand Resave;
 const THashCommand Hash;
+const THelpCommand Help;
+
 const TTextCommand Text;
 const TDiffCommand Diff;
 const TPictureCommand Picture("picture", "FILE OUT.png [--frame N | --frames A-B --sheet C] [--seed K] "
@@ -41,8 +48,8 @@ const TPictureCommand Sheet("sheet",
                             "[--size WxH] [--background COLOUR] [--plain]");
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check,  &Report, &Dump, &Export, &Run,     &Efx,   &Translate,
-    &Image, &Resave, &Hash,   &Text, &Diff,   &Picture, &Sheet,
+    &Types, &Check, &Report, &Dump, &Export, &Run, &Replay, &Efx, &Translate, &Image, &Resave, &Hash, &Text, &Diff,
+    &Picture, &Sheet, &Help,
 };
 
 } // namespace
@@ -65,14 +72,26 @@ const TBatchCommand* FindBatchCommand(const char* word)
     return nullptr;
 }
 
+void PrintUsage(std::FILE* out)
+{
+    std::fprintf(out, "usage: cindermill-batch %s COMMAND ARGUMENTS\n", SharedOptions);
+    for (const TBatchCommand* command : Commands)
+        std::fprintf(out, "    %s %s\n", command->Name, command->Usage);
+}
+
+void PrintHelp(const TBatchCommand& command)
+{
+    std::printf("usage: cindermill-batch %s %s %s\n\n%s", SharedOptions, command.Name, command.Usage,
+                command.GetHelp());
+}
+
 int ReportUsage(const char* format, ...)
 {
     va_list args;
     va_start(args, format);
     std::vfprintf(stderr, format, args);
     va_end(args);
-    std::fputs("\nusage: cindermill-batch [--node-types DIR] [--resources DIR] COMMAND ARGUMENTS\n", stderr);
-    for (const TBatchCommand* command : Commands)
-        std::fprintf(stderr, "    %s %s\n", command->Name, command->Usage);
+    std::fputc('\n', stderr);
+    PrintUsage(stderr);
     return StatusUsage;
 }

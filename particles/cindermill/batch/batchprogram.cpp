@@ -2,10 +2,20 @@
 
 #include "particles/cindermill/batch/batchcommand.h"
 #include "particles/cindermill/batch/batchsession.h"
+#include "particles/cindermill/batch/helpcommand.h"
 
 #include <cstdio>
+#include <cstring>
 
 namespace {
+
+int Finish(int status)
+{
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return status;
+    std::fputs("The standard output cannot be written\n", stderr);
+    return status == StatusUsage ? StatusUsage : StatusErrors;
+}
 
 // A failed assertion ends the command: what it was writing has not replaced anything.
 int Start(const TBatchCommand& command, TBatchSession& session, TArguments& arguments)
@@ -25,11 +35,27 @@ int Start(const TBatchCommand& command, TBatchSession& session, TArguments& argu
         std::fprintf(stderr, "%s\n", text.Print());
         status = StatusErrors;
     }
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        std::fputs("The standard output cannot be written\n", stderr);
-        status = status == StatusUsage ? StatusUsage : StatusErrors;
+    return Finish(status);
+}
+
+// What needs neither settings nor files, so that nothing can be wrong with it.
+bool Tell(const char* word, TArguments& arguments, int& status)
+{
+    const TBatchCommand* command = FindBatchCommand(word);
+    if (std::strcmp(word, "--version") == 0) {
+        std::printf("cindermill-batch %s\n", GetBatchVersion());
+        status = StatusDone;
+    } else if (std::strcmp(word, "--help") == 0 || std::strcmp(word, "help") == 0) {
+        status = THelpCommand::Tell(arguments);
+    } else if (command != nullptr && !command->TakesAnyWord() && arguments.GetNumLeft() == 1 &&
+               arguments.TakeIf("--help")) {
+        PrintHelp(*command);
+        status = StatusDone;
+    } else {
+        return false;
     }
-    return status;
+    status = Finish(status);
+    return true;
 }
 
 } // namespace
@@ -38,11 +64,15 @@ int RunBatchProgram(int argc, char** argv)
 {
     TArguments arguments(argc - 1, argv + 1);
     TBatchSession session;
-    if (!session.ReadOptions(arguments))
-        return ReportUsage("An option lacks its directory");
+    TString fault;
+    if (!session.ReadOptions(arguments, fault))
+        return ReportUsage("%s", fault.Print());
     const char* word = arguments.Take();
     if (word == nullptr)
         return ReportUsage("No command is given");
+    int status = StatusDone;
+    if (Tell(word, arguments, status))
+        return status;
     if (const TBatchCommand* command = FindBatchCommand(word))
         return Start(*command, session, arguments);
     return ReportUsage("There is no command \"%s\"", word);

@@ -1,6 +1,7 @@
 #include "particles/cindermill/batch/batchsession.h"
 
 #include "particles/cindermill/batch/arguments.h"
+#include "particles/cindermill/batch/effectfindings.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/cindermill/main/settingsstore.h"
 
@@ -10,16 +11,20 @@ TBatchSession::TBatchSession() = default;
 
 TBatchSession::~TBatchSession() = default;
 
-bool TBatchSession::ReadOptions(TArguments& arguments)
+bool TBatchSession::ReadOptions(TArguments& arguments, TString& fault)
 {
     for (;;) {
-        TString* option = arguments.TakeIf("--node-types")  ? &NodeTypesDirectory
-                          : arguments.TakeIf("--resources") ? &ResourcesDirectory
-                                                            : nullptr;
+        const bool isProject = arguments.TakeIf("--project");
+        TString* option = isProject                          ? &ProjectPath
+                          : arguments.TakeIf("--node-types") ? &NodeTypesDirectory
+                          : arguments.TakeIf("--resources")  ? &ResourcesDirectory
+                                                             : nullptr;
         if (option == nullptr)
             return true;
-        if (arguments.IsEmpty())
+        if (arguments.IsEmpty()) {
+            fault = isProject ? "--project lacks its file" : "An option lacks its directory";
             return false;
+        }
         *option = arguments.Take();
     }
 }
@@ -33,50 +38,110 @@ void TBatchSession::GetOptionWords(vector<TString>& words) const
         words.push_back(directory);
     };
     add("--node-types", NodeTypesDirectory);
-    add("--resources", ResourcesDirectory);
+    add("--resources", ResourcesDirectory.IsEmpty() ? Project.GetResources() : ResourcesDirectory);
 }
 
 bool TBatchSession::Init()
 {
-    App.Reset(new TCindermillApp(OpenSettingsStore()));
+    if (!ProjectPath.IsEmpty() && !LoadProject())
+        return false;
+    App.Reset(new TCindermillApp(Project.IsLoaded() ? OpenNoSettings() : OpenSettingsStore()));
     if (!App->InitHeadless())
         return false;
+    if (Project.IsLoaded()) {
+        TSettings& settings = App->GetSettings();
+        settings.SetPolicyFailurePreventsExport(Project.GetPolicies().FailurePreventsExport);
+        settings.SetPolicyMustHaveBoundingBox(Project.GetPolicies().MustHaveBoundingBox);
+        settings.SetPolicyNoMixedBoundingBoxes(Project.GetPolicies().NoMixedBoundingBoxes);
+    }
     if (!ResourcesDirectory.IsEmpty())
         App->GetResourceLocator().AddSearchDirectory(ResourcesDirectory);
-    return true;
+    if (!Project.GetResources().IsEmpty())
+        App->GetResourceLocator().AddSearchDirectory(Project.GetResources());
+    return CheckNodeTypes();
 }
 
-void TBatchSession::ReadNodeTypes(TErrorList& errors)
+bool TBatchSession::LoadProject()
 {
-    TString directory = NodeTypesDirectory;
-    if (directory.IsEmpty() && !App->FindNodeTypesDirectory(directory)) {
-        directory = App->GetProgramDirectory();
-        directory += "\\NodeTypes";
+    TErrorList errors;
+    const bool loaded = Project.Load(ProjectPath, errors);
+    PrintLines(errors);
+    return loaded;
+}
+
+// A directory that somebody names is meant to hold types.
+bool TBatchSession::CheckNodeTypes()
+{
+    if (NodeTypesDirectory.IsEmpty())
+        NodeTypesDirectory = Project.GetNodeTypes();
+    if (NodeTypesDirectory.IsEmpty())
+        return true;
+    ReadNodeTypes();
+    if (App->GetNodeTypes().GetNumTypes() > 0)
+        return true;
+    PrintLines(NodeTypeErrors);
+    return false;
+}
+
+void TBatchSession::TellPolicies()
+{
+    const TSettings& settings = App->GetSettings();
+    const struct
+    {
+        bool IsOn;
+        const char* Text;
+    } policies[] = {
+        {settings.GetPolicyFailurePreventsExport(), "policy failure prevents export"},
+        {settings.GetPolicyMustHaveBoundingBox(), "effects must have bounding box"},
+        {settings.GetPolicyNoMixedBoundingBoxes(), "effects cannot mix static and dynamic bounding boxes"},
+    };
+    if (Project.IsLoaded())
+        std::fprintf(stderr, "The export policies are those of the project %s: ", ProjectPath.Print());
+    else
+        std::fprintf(stderr, "The export policies are those of the user's settings: ");
+    const char* between = "";
+    for (const auto& policy : policies) {
+        if (!policy.IsOn)
+            continue;
+        std::fprintf(stderr, "%s%s", between, policy.Text);
+        between = "; ";
     }
-    App->LoadNodeTypes(directory, errors);
+    std::fputs(*between == 0 ? "none\n" : "\n", stderr);
+}
+
+void TBatchSession::FindNodeTypes()
+{
+    NodeTypesPath = NodeTypesDirectory;
+    if (!NodeTypesPath.IsEmpty() || App->FindNodeTypesDirectory(NodeTypesPath))
+        return;
+    NodeTypesPath = App->GetProgramDirectory();
+    NodeTypesPath += "\\NodeTypes";
+}
+
+void TBatchSession::ReadNodeTypes()
+{
+    if (NodeTypesRead)
+        return;
     NodeTypesRead = true;
+    FindNodeTypes();
+    App->LoadNodeTypes(NodeTypesPath, NodeTypeErrors);
 }
 
 void TBatchSession::LoadNodeTypes()
 {
-    TErrorList errors;
-    ReadNodeTypes(errors);
-    for (const TError* error : errors) {
-        TString text;
-        error->GetText(text);
-        text.Trim();
-        std::fprintf(stderr, "%s\n", text.Print());
-    }
-    NodeTypesSound = errors.empty();
+    ReadNodeTypes();
+    PrintLines(NodeTypeErrors);
+}
+
+bool TBatchSession::Load(TDocument& document, const char* path)
+{
+    TLogCapture quiet(DropLine, nullptr);
+    return document.BatchLoad(path) && CheckLoaded(document);
 }
 
 bool TBatchSession::LoadFile(TDocument& document, const char* path)
 {
-    bool loaded = false;
-    {
-        TLogCapture quiet(DropLine, nullptr);
-        loaded = document.BatchLoad(path) && CheckLoaded(document);
-    }
+    const bool loaded = Load(document, path);
     if (!loaded)
         std::fprintf(stderr, "%s: %s\n", path, document.GetLoadError().Print());
     for (const TError* note : document.GetLoadNotes())
@@ -89,21 +154,43 @@ bool TBatchSession::CheckLoaded(TDocument& document)
 {
     if (document.CheckLoaded(false))
         return true;
-    TErrorList ignored;
-    if (!NodeTypesRead)
-        ReadNodeTypes(ignored);
+    ReadNodeTypes();
     return document.CheckLoaded();
 }
 
 // The types of polytype ports are not in the file: they are settled once, here.
+static bool SettleTypes(TDocument& document, TString& text)
+{
+    return RunGuarded([&] { document.GetGraph()->GraphChanged(); }, text);
+}
+
 bool TBatchSession::LoadGraph(TDocument& document, const char* path)
 {
     if (!LoadFile(document, path))
         return false;
     TString text;
-    if (RunGuarded([&] { document.GetGraph()->GraphChanged(); }, text))
+    if (SettleTypes(document, text))
         return true;
     std::fprintf(stderr, "%s: %s\n", path, text.Print());
+    return false;
+}
+
+bool TBatchSession::LoadGraph(TDocument& document, const char* path, TFindingReport& report)
+{
+    TEffectFindings findings(document, path, report);
+    const bool loaded = report.IsText() ? LoadFile(document, path) : Load(document, path);
+    if (!loaded)
+        findings.Add("load.failed", document.GetLoadError().Print());
+    if (document.GetGraph() != nullptr)
+        findings.AddErrors("load.mended", document.GetLoadNotes());
+    if (!loaded)
+        return false;
+    TString text;
+    if (SettleTypes(document, text))
+        return true;
+    findings.Add("load.failed", text);
+    if (report.IsText())
+        std::fprintf(stderr, "%s: %s\n", path, text.Print());
     return false;
 }
 
@@ -125,4 +212,14 @@ void KeepFirstLine(const char* text, void* data)
 void PrintErrors(TBatchResult result, const TErrorList& errors)
 {
     TDocument::LogBatchResult(result, errors);
+}
+
+void PrintLines(const TErrorList& errors)
+{
+    for (const TError* error : errors) {
+        TString text;
+        error->GetText(text);
+        text.Trim();
+        std::fprintf(stderr, "%s\n", text.Print());
+    }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/owner.h"
+#include "particles/cindermill/batch/project/project.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
@@ -14,32 +15,49 @@ public:
     TBatchSession();
     ~TBatchSession();
 
-    // Takes the options; false where one lacks its directory.
-    bool ReadOptions(TArguments& arguments);
+    // Takes the options; false with what is wrong with them.
+    bool ReadOptions(TArguments& arguments, TString& fault);
     // The options again, as another program of the tool takes them.
     void GetOptionWords(vector<TString>& words) const;
-    // Must succeed before all that follows.
+    // Must succeed before all that follows. With a project nothing is taken from the user's settings.
     bool Init();
     // Reads the whole library now, and tells on the standard error what is wrong with it.
     void LoadNodeTypes();
-    // False where LoadNodeTypes told something.
-    bool AreNodeTypesSound() const { return NodeTypesSound; }
+    // The same without telling. What is wrong stands in GetNodeTypeErrors.
+    void ReadNodeTypes();
+    const TErrorList& GetNodeTypeErrors() const { return NodeTypeErrors; }
+    // Where the library is read from.
+    const TString& GetNodeTypesPath() const { return NodeTypesPath; }
     TCindermillApp& GetApp() { return *App; }
+    // One that says nothing where none was given.
+    const TProject& GetProject() const { return Project; }
+    // Tells on the standard error where the export policies come from, and which they are.
+    void TellPolicies();
 
     // Each of these reports what is wrong on the standard error, naming the file.
     bool LoadFile(TDocument& document, const char* path);
     // A file whose graph is ready to be scheduled.
     bool LoadGraph(TDocument& document, const char* path);
+    // The same, and what is wrong stands in the report; it is on the standard error only where the report is
+    // text.
+    bool LoadGraph(TDocument& document, const char* path, TFindingReport& report);
 
 private:
-    void ReadNodeTypes(TErrorList& errors);
+    bool LoadProject();
+    bool CheckNodeTypes();
+    void FindNodeTypes();
+    bool Load(TDocument& document, const char* path);
     bool CheckLoaded(TDocument& document);
 
     TOwner<TCindermillApp> App;
+    TProject Project;
     bool NodeTypesRead = false;
-    bool NodeTypesSound = true;
+    TErrorList NodeTypeErrors;
+    // As it was given, and as it is.
     TString NodeTypesDirectory;
+    TString NodeTypesPath;
     TString ResourcesDirectory;
+    TString ProjectPath;
 };
 
 // The log of what is told in other ways, or to no one.
@@ -48,3 +66,5 @@ void DropLine(const char* text, void* data);
 void KeepFirstLine(const char* text, void* data);
 // The errors in the wording of the batch export.
 void PrintErrors(TBatchResult result, const TErrorList& errors);
+// Each in a line of its own.
+void PrintLines(const TErrorList& errors);

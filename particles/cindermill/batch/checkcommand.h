@@ -8,7 +8,5 @@ class TCheckCommand final : public TBatchCommand
 public:
     TCheckCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
-
-private:
-    static bool CheckFile(TBatchSession& session, const char* path);
+    const char* GetHelp() const override;
 };

@@ -20,6 +20,11 @@ void AppendLine(const char* text, void* data)
 
 TDumpCommand::TDumpCommand() : TBatchCommand("dump", "FILE") {}
 
+const char* TDumpCommand::GetHelp() const
+{
+    return "Prints the log of the schedule's creation.\n";
+}
+
 int TDumpCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     if (arguments.GetNumLeft() != 1)

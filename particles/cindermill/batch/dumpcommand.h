@@ -8,4 +8,5 @@ class TDumpCommand final : public TBatchCommand
 public:
     TDumpCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

@@ -17,6 +17,11 @@ void PrintLine(const char* line, void* data)
 
 TEfxCommand::TEfxCommand() : TBatchCommand("efx", "FILE.efx") {}
 
+const char* TEfxCommand::GetHelp() const
+{
+    return "Prints a readable listing of a console file.\n";
+}
+
 int TEfxCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     (void)session;

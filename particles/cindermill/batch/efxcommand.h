@@ -8,4 +8,5 @@ class TEfxCommand final : public TBatchCommand
 public:
     TEfxCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

@@ -1,25 +1,84 @@
 #include "particles/cindermill/batch/exportcommand.h"
 
+#include "library/containers/append.h"
 #include "library/system/file.h"
 #include "particles/cindermill/batch/batchsession.h"
+#include "particles/cindermill/batch/dependencyfile.h"
+#include "particles/cindermill/batch/effectdependencies.h"
+#include "particles/cindermill/batch/effectfindings.h"
+#include "particles/cindermill/batch/findingarguments.h"
 #include "particles/cindermill/main/document.h"
 
 #include <cstdio>
 
-TExportCommand::TExportCommand() : TBatchCommand("export", "FILE OUT.efx") {}
+namespace {
+
+// Everything that another export of the effect would read.
+void GetExportFiles(TBatchSession& session, TDocument& document, const char* in, vector<TString>& files)
+{
+    Append(files, in);
+    if (session.GetProject().IsLoaded())
+        Append(files, session.GetProject().GetPath());
+    session.ReadNodeTypes();
+    vector<TDependency> dependencies;
+    GetEffectDependencies(*document.GetGraph(), session.GetApp(), dependencies);
+    for (const TDependency& dependency : dependencies)
+        if (!dependency.Path.IsEmpty())
+            Append(files, dependency.Path);
+}
+
+bool WriteDepfile(TBatchSession& session, TDocument& document, const char* in, const char* out,
+                  const char* depfile)
+{
+    vector<TString> files;
+    GetExportFiles(session, document, in, files);
+    TString fault;
+    if (WriteDependencyFile(depfile, out, files, fault))
+        return true;
+    std::fprintf(stderr, "%s: The file cannot be written: %s\n", depfile, fault.Print());
+    return false;
+}
+
+} // namespace
+
+TExportCommand::TExportCommand()
+    : TBatchCommand("export", "FILE OUT.efx [--depfile FILE] [--fail-on S] [--verbose]")
+{
+}
+
+const char* TExportCommand::GetHelp() const
+{
+    return "Writes the console file.\n"
+           "\n"
+           "  --depfile FILE        writes what the export hangs on as a rule for a build system\n"
+           "  --fail-on S           status 1 from this severity on: warning (unless told) or error\n"
+           "  --verbose             says where the export policies come from\n";
+}
 
 int TExportCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
-    if (arguments.GetNumLeft() != 2)
+    TString depfile;
+    bool isVerbose = false;
+    TFindingArguments words(Name);
+    words.AddValue("--depfile", depfile);
+    words.AddSwitch("--verbose", isVerbose);
+    TString fault;
+    if (!words.Read(arguments, fault))
+        return ReportUsage("%s", fault.Print());
+    if (words.GetNames().size() != 2 || !words.IsText())
         return ReportUsage("export takes a file and the file to write");
-    const char* in = arguments.Take();
-    const char* out = arguments.Take();
+    const TString& in = words.GetNames()[0];
+    const TString& out = words.GetNames()[1];
     if (IsSameFile(in, out)) {
-        std::fprintf(stderr, "%s: This is the effect itself, which its export would replace\n", out);
+        std::fprintf(stderr, "%s: This is the effect itself, which its export would replace\n", out.Print());
         return StatusErrors;
     }
+    if (isVerbose)
+        session.TellPolicies();
+    TFindingReport report(Name, session.GetProject());
+    words.Prepare(report, session);
     TDocument document(session.GetApp());
-    if (!session.LoadGraph(document, in))
+    if (!session.LoadGraph(document, in, report))
         return StatusErrors;
     TErrorList errors;
     TBatchResult result;
@@ -28,5 +87,10 @@ int TExportCommand::Run(TBatchSession& session, TArguments& arguments) const
         result = document.BatchExport(out, errors);
     }
     PrintErrors(result, errors);
-    return result == BR_DONE && errors.empty() ? StatusDone : StatusErrors;
+    TEffectFindings(document, in, report).AddErrors("export.warning", errors);
+    if (result != BR_DONE)
+        return StatusErrors;
+    if (!depfile.IsEmpty() && !WriteDepfile(session, document, in, out, depfile))
+        return StatusErrors;
+    return report.HasFailed() ? StatusErrors : StatusDone;
 }

@@ -8,4 +8,5 @@ class TExportCommand final : public TBatchCommand
 public:
     TExportCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

@@ -8,6 +8,11 @@
 
 THashCommand::THashCommand() : TBatchCommand("hash", "NAME...") {}
 
+const char* THashCommand::GetHelp() const
+{
+    return "Prints for each name its 32-bit identity and its CRC, separated by tabs.\n";
+}
+
 int THashCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     (void)session;

@@ -8,4 +8,6 @@ class THashCommand final : public TBatchCommand
 public:
     THashCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
+    bool TakesAnyWord() const override { return true; }
 };

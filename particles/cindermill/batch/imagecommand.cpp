@@ -8,6 +8,14 @@
 
 TImageCommand::TImageCommand() : TBatchCommand("image", "IN OUT --format N") {}
 
+const char* TImageCommand::GetHelp() const
+{
+    return "Converts a DDS or HVT picture.\n"
+           "\n"
+           "  --format N            0 TGA, 1 DDS raw, 2 DDS DXT3, 3 DDS DXT5, 4 HVT raw, 5 HVT DXT3, 6 HVT "
+           "DXT5\n";
+}
+
 int TImageCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     (void)session;

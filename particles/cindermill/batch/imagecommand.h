@@ -8,4 +8,5 @@ class TImageCommand final : public TBatchCommand
 public:
     TImageCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

@@ -8,4 +8,5 @@ class TReportCommand final : public TBatchCommand
 public:
     TReportCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

@@ -7,6 +7,11 @@
 
 TResaveCommand::TResaveCommand() : TBatchCommand("resave", "IN OUT") {}
 
+const char* TResaveCommand::GetHelp() const
+{
+    return "Loads an effect and saves it again, if what comes out would open again.\n";
+}
+
 int TResaveCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     if (arguments.GetNumLeft() != 2)

@@ -8,4 +8,5 @@ class TResaveCommand final : public TBatchCommand
 public:
     TResaveCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

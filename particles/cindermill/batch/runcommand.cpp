@@ -10,6 +10,15 @@
 
 TRunCommand::TRunCommand() : TBatchCommand("run", "FILE [--frames N] [--dt S] [--seed K]") {}
 
+const char* TRunCommand::GetHelp() const
+{
+    return "Runs the engine and prints every attribute after every frame, as comma-separated values.\n"
+           "\n"
+           "  --frames N            as many frames; 100 unless told\n"
+           "  --dt S                seconds of a frame; 0.02 unless told\n"
+           "  --seed K              every random generator starts from this number\n";
+}
+
 int TRunCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     const char* path = arguments.Take();

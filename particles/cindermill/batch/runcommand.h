@@ -8,4 +8,5 @@ class TRunCommand final : public TBatchCommand
 public:
     TRunCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

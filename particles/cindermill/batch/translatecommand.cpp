@@ -31,6 +31,13 @@ void GetShaderText(const TQdxShader& shader, bool raw, TString& text)
 
 TTranslateCommand::TTranslateCommand() : TBatchCommand("translate", "FILE.sho [--raw]") {}
 
+const char* TTranslateCommand::GetHelp() const
+{
+    return "Prints the assembly text of a shader as the driver gets it.\n"
+           "\n"
+           "  --raw                 as translation leaves it, before a variant is made\n";
+}
+
 int TTranslateCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     (void)session;

@@ -8,4 +8,5 @@ class TTranslateCommand final : public TBatchCommand
 public:
     TTranslateCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

@@ -8,4 +8,5 @@ class TTypesCommand final : public TBatchCommand
 public:
     TTypesCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

@@ -12,6 +12,7 @@
 #include "particles/cindermill/interface/options/optionsdialog.h"
 #include "particles/cindermill/interface/particles/displays.h"
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
+#include "particles/cindermill/main/document.h"
 #include "particles/cindermill/main/settingsstore.h"
 
 namespace {
@@ -28,9 +29,19 @@ vector<TFileFilter> ToFileFilters(const vector<TPathFilter>& filters)
     return result;
 }
 
+// Where the environment tells no place, windows come back nowhere.
+TSettingsStore* OpenPlaces()
+{
+    TString path;
+    if (!GetStateFolder(path) || !MakeFolders(path))
+        return nullptr;
+    path += "/windows.ini";
+    return OpenSettingsFile(path);
+}
+
 } // namespace
 
-TApplication::TApplication() : App(OpenSettingsStore(), this)
+TApplication::TApplication() : App(OpenSettingsStore(), this), Places(OpenPlaces())
 {
     InstallMessageForms();
     InstallErrorDialog();
@@ -55,6 +66,7 @@ bool TApplication::Init()
         ShowMessage("Failed to create window");
         return false;
     }
+    MainWindow->SetPlace(Places.GetMain());
     MainWindow->Show();
     if (!App.InitNodeTypes())
         return false;
@@ -103,6 +115,25 @@ void TApplication::OnActivation(const vector<TString>& files)
         App.OpenDocument(file);
 }
 
+void TApplication::KeepPlaces()
+{
+    TString main;
+    if (MainWindow != nullptr)
+        MainWindow->GetPlace(main);
+    if (main.IsEmpty())
+        return;
+    Places.SetMain(main);
+    for (TDocument* document : App.GetDocuments())
+        static_cast<TDocumentWindows*>(document->GetHost())->KeepPlaces(*document);
+    Places.Save();
+}
+
+void TApplication::EndUnasked()
+{
+    KeepPlaces();
+    App.EndUnasked();
+}
+
 void TApplication::OnEnding()
 {
     App.OnEnding();
@@ -110,7 +141,7 @@ void TApplication::OnEnding()
 
 TDocumentHost* TApplication::CreateDocumentHost()
 {
-    return new TDocumentWindows(MainWindow.Get());
+    return new TDocumentWindows(MainWindow.Get(), &Places);
 }
 
 bool TApplication::ChooseOpenPath(const char* title, const vector<TPathFilter>& filters,
@@ -227,7 +258,13 @@ void TApplication::RunTicks()
     TRenderObject::RunTicks(nullptr);
 }
 
+void TApplication::ShowStatus(const char* text)
+{
+    MainWindow->ShowNote(text);
+}
+
 void TApplication::Quit()
 {
+    KeepPlaces();
     TWimp::Get().Quit();
 }

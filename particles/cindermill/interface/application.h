@@ -6,6 +6,7 @@
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/mainwindow.h"
 #include "particles/cindermill/interface/resourcedialog.h"
+#include "particles/cindermill/interface/windowplaces.h"
 #include "particles/cindermill/main/apphost.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
@@ -27,7 +28,7 @@ public:
     void OnActivation(const vector<TString>& files) override;
     void OnEnding() override;
     // The system has ended the program: what is to be kept is kept, and nobody was asked.
-    void EndUnasked() { App.EndUnasked(); }
+    void EndUnasked();
 
     TDocumentHost* CreateDocumentHost() override;
     bool ChooseOpenPath(const char* title, const vector<TPathFilter>& filters, const char* directory,
@@ -49,14 +50,17 @@ public:
     void EndInput() override;
     bool IsDragging() override;
     void RunTicks() override;
+    void ShowStatus(const char* text) override;
     void Quit() override;
 
 private:
     bool LoadNodeBitmaps();
+    void KeepPlaces();
 
     static constexpr int NumNodeBitmaps = 4;
 
     TCindermillApp App;
+    TWindowPlaces Places;
     TResourceDialog ResourceDialog;
     TOwner<TMainWindow> MainWindow;
     TGDIBitmap NodeBitmaps[NumNodeBitmaps];

@@ -11,9 +11,12 @@ namespace {
 constexpr TGDIFont TabFont = {};
 constexpr int TextLeft = 6;
 constexpr int TextTop = 3;
-constexpr int TextSpace = 12;
+// In pixels, for a notch.
+constexpr int WheelStep = 60;
+constexpr int WheelNotch = 120;
 constexpr TGDIColour White = 0xFFFFFF;
 constexpr TGDIColour TextColour = 0x202020;
+constexpr TGDIColour DisabledColour = 0xA8A8A8;
 
 TWindowClass& GetWindowClass()
 {
@@ -66,6 +69,20 @@ void GetTabNames(const TEffectSchedule& schedule, vector<TString>& names)
     }
 }
 
+void GetTabLabels(const TEffectSchedule& schedule, vector<TString>& labels)
+{
+    vector<TString> names;
+    GetTabNames(schedule, names);
+    labels = names;
+    for (int i = 1; i < names.size(); ++i) {
+        int namesakes = 0;
+        for (const TString& name : names)
+            namesakes += name.Compare(names[i]) == 0 ? 1 : 0;
+        if (namesakes > 1)
+            labels[i].Format("%s (Group %d)", names[i].Print(), GetTabGroup(schedule, i));
+    }
+}
+
 int GetTabGroup(const TEffectSchedule& schedule, int tab)
 {
     int left = tab;
@@ -102,11 +119,13 @@ void TDocGraphHeader::OnGraphChanged(void* data)
 
 void TDocGraphHeader::OnGraphChanged()
 {
-    vector<TString> names;
-    ::GetTabNames(DocWindow->GetDocument().GetSchedule(), names);
-    if (AreEqual(names, TabNames))
+    const TEffectSchedule& schedule = DocWindow->GetDocument().GetSchedule();
+    vector<TString> labels;
+    ::GetTabNames(schedule, TabNames);
+    GetTabLabels(schedule, labels);
+    if (AreEqual(labels, Strip.GetLabels()))
         return;
-    TabNames = names;
+    Strip.SetLabels(labels);
     Redraw();
 }
 
@@ -118,6 +137,12 @@ bool TDocGraphHeader::OnMessage(const TMessage& message)
         return true;
     case MT_SIZE:
         LayoutGraph();
+        return true;
+    case MT_LEFTDOWN:
+        OnPress(message);
+        return true;
+    case MT_WHEEL:
+        OnWheel(message);
         return true;
     case MT_LEFTUP:
         // The document may have dropped its schedule meanwhile.
@@ -135,33 +160,32 @@ void TDocGraphHeader::LayoutGraph()
     int width = 0;
     int height = 0;
     GetSize(width, height);
+    Strip.SetWidth(width);
     DocWindow->GetGraph().MoveTo(0, Height, width, height > Height ? height - Height : 0);
 }
 
 void TDocGraphHeader::GetTabEdges(int tab, int& left, int& right) const
 {
-    left = right = 0;
-    for (int i = 0; i <= tab; ++i) {
-        int width = 0;
-        int height = 0;
-        GetTextExtent(TabFont, TabNames[i], width, height);
-        left = right;
-        right = left + width + TextSpace;
-    }
+    Strip.GetEdges(tab, left, right);
 }
 
 int TDocGraphHeader::FindTab(int x, int y) const
 {
-    if (y < 0 || y >= Height)
-        return -1;
-    for (int i = 0; i < TabNames.size(); ++i) {
-        int left = 0;
-        int right = 0;
-        GetTabEdges(i, left, right);
-        if (x >= left && x < right)
-            return i;
-    }
-    return -1;
+    return y >= 0 && y < Height ? Strip.FindTab(x) : -1;
+}
+
+void TDocGraphHeader::OnPress(const TMessage& message)
+{
+    const bool isOverTabs = message.GetPixelY() >= 0 && message.GetPixelY() < Height;
+    const int arrow = isOverTabs ? Strip.FindArrow(message.GetPixelX()) : 0;
+    if (arrow != 0 && Strip.ScrollTab(arrow))
+        Redraw();
+}
+
+void TDocGraphHeader::OnWheel(const TMessage& message)
+{
+    if (Strip.ScrollBy(-message.Delta * WheelStep / WheelNotch))
+        Redraw();
 }
 
 void TDocGraphHeader::Paint(TGDIContext& context) const
@@ -169,14 +193,36 @@ void TDocGraphHeader::Paint(TGDIContext& context) const
     context.SetFont(TabFont);
     context.SetTextColour(TextColour);
     context.SetNoPen();
-    context.SetBrush(GetButtonColour());
-    for (int i = 0; i < TabNames.size(); ++i) {
+    context.SetBrush(ButtonColour);
+    context.SetClip(0, 0, Strip.GetRoom(), Height);
+    for (int i = 0; i < Strip.GetLabels().size(); ++i) {
         int left = 0;
         int right = 0;
         GetTabEdges(i, left, right);
         context.Rectangle(left, 0, right, Height);
         context.RaisedEdge(left, 0, right, Height);
-        context.TextOut(left + TextLeft, TextTop, TabNames[i]);
+        context.TextOut(left + TextLeft, TextTop, Strip.GetLabels()[i]);
+    }
+    context.ClearClip();
+    if (Strip.HasArrows())
+        PaintArrows(context);
+}
+
+void TDocGraphHeader::PaintArrows(TGDIContext& context) const
+{
+    constexpr int HalfHeight = 4;
+    for (int direction = -1; direction <= 1; direction += 2) {
+        const int left = Strip.GetRoom() + (direction > 0 ? TTabStrip::ArrowWidth : 0);
+        const int middle = left + TTabStrip::ArrowWidth / 2;
+        context.SetNoPen();
+        context.SetBrush(ButtonColour);
+        context.Rectangle(left, 0, left + TTabStrip::ArrowWidth, Height);
+        context.RaisedEdge(left, 0, left + TTabStrip::ArrowWidth, Height);
+        context.SetPen(Strip.CanScroll(direction) ? TextColour : DisabledColour);
+        for (int i = 0; i < HalfHeight; ++i) {
+            const int x = middle - direction * (i - HalfHeight / 2);
+            context.Line(x, Height / 2 - i, x, Height / 2 + i + 1);
+        }
     }
 }
 

@@ -3,11 +3,13 @@
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
 #include "library/wimp/window.h"
+#include "particles/cindermill/interface/tabstrip.h"
 
 class TDocWindow;
 class TEffectSchedule;
 
-// The tabs of the groups of particles above a graph view: a click shows the group's nodes.
+// The tabs of the groups of particles above a graph view: a click shows the group's nodes. Where there is not
+// room for all, arrows and the wheel scroll them.
 class TDocGraphHeader : public TWindow
 {
 public:
@@ -30,6 +32,9 @@ public:
 private:
     static void OnGraphChanged(void* data);
     void LayoutGraph();
+    void PaintArrows(TGDIContext& context) const;
+    void OnPress(const TMessage& message);
+    void OnWheel(const TMessage& message);
     void Paint(TGDIContext& context) const;
     // With Alt the preview draws the group alone.
     void OnTab(int tab, bool alone);
@@ -37,9 +42,12 @@ private:
     TDocWindow* DocWindow = nullptr;
     bool IsRegistered = false;
     vector<TString> TabNames;
+    TTabStrip Strip;
 };
 
 // The first tab is that of all nodes, the others are those of the groups of particles.
 void GetTabNames(const TEffectSchedule& schedule, vector<TString>& names);
+// What the tabs show: their names, and where several groups have one name, the group's number as well.
+void GetTabLabels(const TEffectSchedule& schedule, vector<TString>& labels);
 // The group of a tab; -1 for the first one, and where there is no such tab.
 int GetTabGroup(const TEffectSchedule& schedule, int tab);

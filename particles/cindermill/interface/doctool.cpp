@@ -1,7 +1,7 @@
 #include "particles/cindermill/interface/doctool.h"
 
-#include "library/maths/scalar.h"
 #include "particles/cindermill/interface/docwindow.h"
+#include "particles/cindermill/interface/fittedtext.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
@@ -29,14 +29,6 @@ TWindowClass& GetWindowClass()
     if (!windowClass.IsRegistered())
         windowClass.Register(0, White);
     return windowClass;
-}
-
-TGDIColour ToColour(const TVector4& colour)
-{
-    TGDIColour result = 0;
-    for (int i = 0; i < 3; ++i)
-        result = result << 8 | (static_cast<TGDIColour>(FloatToInt(colour[i] * 255.0 + 0.5)) & 0xFF);
-    return result;
 }
 
 const TNodeTypeLibrary& GetLibrary()
@@ -155,8 +147,8 @@ void TDocTool::PaintType(TGDIContext& context, const TPaletteRow& row, int top, 
 {
     const TNodeType& type = *GetLibrary().GetType(row.Type);
     const TVector4 colour = GetNodeTypeColour(type.Colour);
-    context.SetPen(ToColour(colour));
-    context.SetBrush(ToColour(MixColours(colour, TVector4(1, 1, 1, 1), 0.6f)));
+    context.SetPen(ToGDIColour(colour));
+    context.SetBrush(ToGDIColour(MixColours(colour, TVector4(1, 1, 1, 1), 0.6f)));
     // One line between two rows.
     context.Rectangle(row.Indent + FillIndent, top - 1, width, top + TPalette::RowHeight);
     context.SetTextColour(TextColour);

@@ -1,13 +1,16 @@
 #include "particles/cindermill/interface/documentwindows.h"
 
 #include "library/system/path.h"
+#include "library/wimp/mdi.h"
 #include "particles/cindermill/interface/controls/textedit.h"
+#include "particles/cindermill/interface/displayplace.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
+#include "particles/cindermill/interface/windowplaces.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
-TDocumentWindows::TDocumentWindows(TWindow* frame) : Frame(frame) {}
+TDocumentWindows::TDocumentWindows(TWindow* frame, TWindowPlaces* places) : Frame(frame), Places(places) {}
 
 TDocumentWindows::~TDocumentWindows()
 {
@@ -27,10 +30,64 @@ bool TDocumentWindows::CreateParticleWindow(TDocument& document)
     return false;
 }
 
-void TDocumentWindows::ShowParticleWindow(TDocument&)
+void TDocumentWindows::ShowParticleWindow(TDocument& document)
 {
+    if (!ArePlaced)
+        PlaceWindows(document);
     ParticleWindow->Show();
     ParticleWindow->BringToTop();
+}
+
+// Before they are first seen. A new effect's view has its place in the cascade.
+void TDocumentWindows::PlaceWindows(TDocument& document)
+{
+    ArePlaced = true;
+    if (Places == nullptr)
+        return;
+    const TEffectPlaces* known =
+        document.GetPath().IsEmpty() ? nullptr : Places->FindEffect(document.GetPath());
+    if (known != nullptr && !Windows.empty())
+        Windows[0]->SetPlace(known->View);
+    if (known == nullptr || !ParticleWindow->SetPlace(known->Display))
+        PlaceDisplay();
+    TWindowArea display;
+    TWindowArea graph;
+    ParticleWindow->GetFrameArea(display);
+    Windows[0]->GetFrameArea(graph);
+    // One that hides the graph can be sent behind it by a click.
+    if (!DoAreasOverlap(display, graph))
+        ParticleWindow->StayOver(*Frame);
+}
+
+void TDocumentWindows::PlaceDisplay()
+{
+    TWindowArea meant;
+    TWindowArea graph;
+    TWindowArea room;
+    ParticleWindow->GetFrameArea(meant);
+    Windows[0]->GetFrameArea(graph);
+    ParticleWindow->GetScreenArea(room);
+    vector<TWindowArea> others;
+    for (const TDocument* document : TCindermillApp::Get().GetDocuments()) {
+        const TDocumentWindows* windows = static_cast<const TDocumentWindows*>(document->GetHost());
+        if (windows == this || windows->GetParticleWindow() == nullptr)
+            continue;
+        others.push_back(TWindowArea());
+        windows->GetParticleWindow()->GetFrameArea(others.back());
+    }
+    const TWindowArea place = FindDisplayPlace(meant, graph, room, others);
+    ParticleWindow->MoveTo(place.Left, place.Top, place.Right - place.Left, place.Bottom - place.Top);
+}
+
+void TDocumentWindows::KeepPlaces(TDocument& document) const
+{
+    if (Places == nullptr || !ArePlaced || document.GetPath().IsEmpty() || Windows.empty())
+        return;
+    TEffectPlaces places;
+    places.Path = document.GetPath();
+    Windows[0]->GetPlace(places.View);
+    ParticleWindow->GetPlace(places.Display);
+    Places->SetEffect(places);
 }
 
 bool TDocumentWindows::CreateView(TDocument& document)
@@ -91,6 +148,9 @@ void TDocumentWindows::CollectShortcuts(TDocWindow& window)
 
 void TDocumentWindows::DeleteWindows(TDocument& document)
 {
+    KeepPlaces(document);
+    if (Places != nullptr)
+        Places->Save();
     TAttributeTraceWindow::CloseAll(document);
     TCindermillApp& app = TCindermillApp::Get();
     if (Scene != nullptr)
@@ -242,6 +302,8 @@ void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 
 void TDocumentWindows::NodeLeft(TToolNode& node)
 {
+    for (TDocWindow* window : Windows)
+        window->GetGraph().GetActions().CloseSearch();
     TAttributeTraceWindow::Close(node);
 }
 
@@ -301,4 +363,16 @@ void TDocumentWindows::ShowPointer(TRenderObject& object, TPointerShape shape)
 TRenderer* TDocumentWindows::GetView()
 {
     return Windows.empty() ? nullptr : &Windows[0]->GetGraph().GetRenderer();
+}
+
+void TDocumentWindows::SearchForWire(TRenderer& renderer, const TVector2& point, const TWireEnd& end)
+{
+    if (TGraphWindow* graph = FindGraph(renderer))
+        graph->GetActions().SearchForWire(point, end);
+}
+
+void TDocumentWindows::TellStatus(const char* text)
+{
+    if (TMDIFrame* frame = dynamic_cast<TMDIFrame*>(Frame))
+        frame->SetStatus(text);
 }

@@ -8,6 +8,8 @@
 
 class TDocWindow;
 class TGraphWindow;
+class TParticleWindow;
+class TWindowPlaces;
 
 // The windows of one document: its views, its particle window, and the drawing of its graph, which all views
 // share. Speaks for them to the document, and to the render objects of the graph for the view that they are
@@ -15,8 +17,9 @@ class TGraphWindow;
 class TDocumentWindows : public TDocumentHost, public TGraphSceneHost, public TParticleWindowHost
 {
 public:
-    // The owner of document windows: the main window, with a client area for them.
-    explicit TDocumentWindows(TWindow* frame);
+    // The owner of document windows: the main window, with a client area for them. Who keeps their places
+    // stays the caller's.
+    explicit TDocumentWindows(TWindow* frame, TWindowPlaces* places = nullptr);
     ~TDocumentWindows() override;
 
     // The document's.
@@ -45,6 +48,8 @@ public:
     void ShowHelp(const char* text, const TVector2& point) override;
     void ShowPointer(TRenderObject& object, TPointerShape shape) override;
     TRenderer* GetView() override;
+    void SearchForWire(TRenderer& renderer, const TVector2& point, const TWireEnd& end) override;
+    void TellStatus(const char* text) override;
     void NodeLeft(TToolNode& node) override;
 
     // In the view that was used last.
@@ -55,6 +60,8 @@ public:
     void CloseView(TDocWindow* window);
     // The attribute trace of a node, asked for in a view.
     void OpenTrace(TToolNode& node, TDocWindow& view);
+    // Where the first view and the display stand, for the next time that the file is opened.
+    void KeepPlaces(TDocument& document) const;
     // The view was used last: it gets the shortcuts that are pressed in the effect's display and in traces.
     void CollectShortcuts(TDocWindow& window);
 
@@ -70,11 +77,16 @@ public:
 
 private:
     bool AddView(TDocument& document);
+    void PlaceWindows(TDocument& document);
+    void PlaceDisplay();
     TDocWindow& GetActiveView() const;
     void NumberTitle(TString& title);
     TGraphWindow* FindGraph(const TRenderer& renderer) const;
 
     TWindow* Frame;
+    // Where windows stood; null where nobody keeps it.
+    TWindowPlaces* Places;
+    bool ArePlaced = false;
     TDocument* Document = nullptr;
     TOwner<TGraphScene> Scene;
     TOwnerList<TDocWindow> Windows;

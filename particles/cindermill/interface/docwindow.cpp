@@ -1,7 +1,5 @@
 #include "particles/cindermill/interface/docwindow.h"
 
-#include "library/maths/scalar.h"
-#include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -137,6 +135,7 @@ void TDocWindow::CancelDrag()
     DragType = nullptr;
     TWimp::Get().ClearMouseDrag();
     ShowCursor(CU_CLASS);
+    Windows.GetScene().GetWireAim().Clear();
     Graph.HideGhost();
 }
 
@@ -183,9 +182,12 @@ void TDocWindow::OnMouseMove(double x, double y, int buttons)
     if (isOver) {
         ShowCursor(CU_DROP);
         Graph.EdgeScroll(graphX, graphY);
+        Windows.GetScene().GetWireAim().AimType(*DragType, Graph.PixelToWorld(graphX, graphY),
+                                                TWireAim::GetReach(Graph.GetRenderer()));
         Graph.ShowGhost(graphX, graphY);
     } else {
         ShowCursor(CU_DRAG);
+        Windows.GetScene().GetWireAim().Clear();
         Graph.HideGhost();
     }
 }
@@ -196,8 +198,7 @@ void TDocWindow::DropType(double x, double y, const TNodeType& type)
     const TVector2 point = Graph.PixelToWorld(x, y);
     Graph.TakeFocus();
     SetMouseTarget(&Graph);
-    Document->ApplyOperation(
-        new TAddGraphNodeOp(*Document, type, FloatToInt(point[0]), FloatToInt(point[1])));
+    DropNode(Windows.GetScene(), type, point, TWireAim::GetReach(Graph.GetRenderer()));
 }
 
 void TDocWindow::FocusSelected(bool animate)

@@ -7,6 +7,7 @@
 #include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/graph/nodeexp.h"
 #include "particles/cindermill/interface/graph/selboxrender.h"
+#include "particles/cindermill/interface/graphactions.h"
 #include "particles/cindermill/interface/graphview.h"
 
 class TDocument;
@@ -74,6 +75,7 @@ public:
     TRenderer& GetRenderer() { return Renderer; }
     TState GetState() const { return State; }
     bool IsFocusing() const { return ViewFocus.IsRunning(); }
+    TGraphActions& GetActions() { return Actions; }
     // The node whose menu is open, or null.
     const TToolNode* GetContextNode() const { return ContextNode; }
     // What the menu of a node holds: number 118.
@@ -130,5 +132,6 @@ private:
     // Where the last menu was asked for, in world units.
     TVector2 ContextPoint = TVector2(0, 0);
     TKeyboardShortcut Shortcuts;
+    TGraphActions Actions;
     TViewFocus ViewFocus;
 };

@@ -92,6 +92,9 @@ bool TMainWindow::Create()
     SetStatus(version);
     DropTarget.Attach(this);
     AddShortcuts();
+    if (!StartPage.Create(this))
+        return false;
+    SetEmptyPage(StartPage);
     RebuildRecentFiles(App.GetSettings().GetRecentFiles());
     return true;
 }
@@ -115,6 +118,10 @@ void TMainWindow::AddShortcuts()
         static_cast<TMainWindow*>(context)->App.NewDocument();
         return true;
     });
+    Shortcuts.Add(KEY_F10, [](int, void* context) {
+        static_cast<TMainWindow*>(context)->OpenMenuBar();
+        return true;
+    });
     Shortcuts.Attach(this);
 }
 
@@ -127,6 +134,7 @@ void TMainWindow::RebuildRecentFiles(const vector<TString>& files)
         ToShownPath(files[i], shown);
         menu->InsertItem(0, MI_RECENTFILE + i, shown.Print());
     }
+    StartPage.Refresh();
 }
 
 // Whether the program ends is the application's decision; the window stays until then.
@@ -142,6 +150,8 @@ void TMainWindow::OnCommand(TWimpControl*, intptr_t argument, int code)
 {
     if (code == CC_MENU) {
         App.OnMenu(static_cast<int>(argument));
+    } else if (code == CC_BUTTON) {
+        StartPage.OnEntry(static_cast<int>(argument));
     } else if (code == CC_DROP) {
         const TDropPoint point = *reinterpret_cast<const TDropPoint*>(argument);
         const vector<TString> files = DropTarget.GetFiles();

@@ -5,6 +5,7 @@
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/mdi.h"
 #include "library/wimp/menu.h"
+#include "particles/cindermill/interface/startpage.h"
 
 class TCindermillApp;
 
@@ -13,13 +14,14 @@ class TCindermillApp;
 class TMainWindow : public TMDIFrame
 {
 public:
-    explicit TMainWindow(TCindermillApp& app) : App(app) {}
+    explicit TMainWindow(TCindermillApp& app) : App(app), StartPage(app) {}
 
     // False, with no window, if the window system refuses.
     bool Create();
     bool OnMessage(const TMessage& message) override;
     void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
-    // The submenu of the recent files: oldest first, so the newest stands on top.
+    // The submenu of the recent files: oldest first, so the newest stands on top. The start page has them
+    // too.
     void RebuildRecentFiles(const vector<TString>& files);
 
 private:
@@ -28,6 +30,7 @@ private:
 
     TCindermillApp& App;
     TMenu Menu;
+    TStartPage StartPage;
     TDropTarget DropTarget;
     TKeyboardShortcut Shortcuts;
 };

@@ -42,7 +42,8 @@ public:
     virtual TDocumentHost* CreateDocumentHost() = 0;
 
     // Choosers; false on Cancel. A null directory is the one last chosen from with these filters. The one for
-    // opening takes files that exist; the one for saving asks nothing about those that do.
+    // opening takes files that exist; the one for saving asks nothing about those that do, and begins with
+    // the name that the path holds, if it holds one.
     virtual bool ChooseOpenPath(const char* title, const vector<TPathFilter>& filters, const char* directory,
                                 TString& path) = 0;
     virtual bool ChooseSavePath(const char* title, const vector<TPathFilter>& filters, const char* directory,
@@ -78,6 +79,8 @@ public:
     virtual bool IsDragging() { return false; }
     // Once an idle pass, before those of the documents: what is drawn goes on by itself.
     virtual void RunTicks() {}
+    // A line about what has been done, for whoever looks for it.
+    virtual void ShowStatus(const char* text) { (void)text; }
     // Ends the message loop at its next turn.
     virtual void Quit() = 0;
 };

@@ -42,6 +42,9 @@ TCindermillApp::TCindermillApp(TSettingsStore* store, TAppHost* host)
     GetProgramPath(program);
     program.Replace('/', '\\');
     ProgramDirectory.SetDirectory(program);
+    TString samples;
+    if (FindFolder("samples", samples))
+        Samples.SetFolder(samples);
 }
 
 TCindermillApp::~TCindermillApp()

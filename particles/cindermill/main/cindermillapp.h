@@ -5,6 +5,7 @@
 #include "particles/cindermill/main/changenotify.h"
 #include "particles/cindermill/main/clipboard.h"
 #include "particles/cindermill/main/resourcelocator.h"
+#include "particles/cindermill/main/sampleeffects.h"
 #include "particles/cindermill/main/settings.h"
 #include "particles/cindermill/main/texturewatch.h"
 #include "particles/effectgraph/nodetypelibrary.h"
@@ -129,6 +130,7 @@ public:
     TChangeNotify& GetChangeNotify() { return ChangeNotify; }
     TClipboard& GetClipboard() { return Clipboard; }
     TAutosave& GetAutosave() { return Autosave; }
+    TSampleEffects& GetSamples() { return Samples; }
     // Without a separator at its end.
     const TString& GetProgramDirectory() const { return ProgramDirectory; }
 
@@ -145,7 +147,9 @@ private:
     void Restore(const vector<TLostEffect>& lost);
     void TellDamaged(const TDamagedEffect& damaged);
     void DeleteDocument(TDocument* document);
-    bool ChooseEffect(bool open, const char* title, TString& path);
+    bool ChooseEffect(bool open, const char* title, const char* directory, TString& path);
+    bool ChooseSavePlace(const TDocument& document, TString& path);
+    void TellWritten(const char* what, const char* path);
     bool MakeWritable(const char* path, const char* purpose);
     bool ConfirmOverwrite(const char* path);
     bool ConfirmChanged(const TDocument& document);
@@ -168,6 +172,7 @@ private:
     TAutosave Autosave;
     TString ProgramDirectory;
     bool HeadlessMode = false;
-    // Until an effect was chosen, the choosers for effects begin in the samples.
-    bool EffectChosen = false;
+    TSampleEffects Samples;
+    // The last one that a person chose. Until then, effects to open are looked for among the samples.
+    TString ChosenEffect;
 };

@@ -2,6 +2,7 @@
 // the questions that stand between a command and the disc.
 
 #include "library/containers/owner.h"
+#include "library/system/clock.h"
 #include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
@@ -46,6 +47,16 @@ void AddMissingExtension(TString& path, const char* extension)
     name.SetFileName(path);
     if (name.Find('.') == -1)
         path += extension;
+}
+
+TString GetTimeOfDay()
+{
+    constexpr int Digits = 8;
+    TString now;
+    FormatLocalTime(GetWallTime(), now);
+    TString time;
+    time.Right(now, Digits);
+    return time;
 }
 
 void TellWriteFailed(TDocument& document, const char* path)
@@ -226,21 +237,40 @@ TDocument* TCindermillApp::MakeDocument(const char* path, const char* recovery, 
 void TCindermillApp::OpenDocumentDialog()
 {
     TString path;
-    if (ChooseEffect(true, "Select load path", path))
+    const char* directory = ChosenEffect.IsEmpty() ? Samples.GetFolder().c_str() : nullptr;
+    if (ChooseEffect(true, "Select load path", directory, path))
         OpenDocument(path);
 }
 
-// Until the user has chosen a place of his own, effects are looked for among the samples.
-bool TCindermillApp::ChooseEffect(bool open, const char* title, TString& path)
+bool TCindermillApp::ChooseEffect(bool open, const char* title, const char* directory, TString& path)
 {
-    TString samples;
-    const bool begin = open && !EffectChosen && FindFolder("samples", samples);
-    const char* directory = begin ? samples.c_str() : nullptr;
     const vector<TPathFilter> filters = MakeFilters("*.effect");
     const bool chosen = open ? Host->ChooseOpenPath(title, filters, directory, path)
                              : Host->ChooseSavePath(title, filters, directory, path);
-    EffectChosen = EffectChosen || chosen;
+    if (chosen)
+        ChosenEffect = path;
     return chosen;
+}
+
+// Not among the samples, where the person may not even be allowed to write.
+bool TCindermillApp::ChooseSavePlace(const TDocument& document, TString& path)
+{
+    TString own;
+    const bool isSample = Samples.IsProtected(document.GetPath());
+    if (isSample)
+        path.SetFileName(document.GetPath());
+    if (isSample || Samples.Holds(ChosenEffect))
+        Samples.GetOwnFolder(Settings.GetRecentFiles(), own);
+    return ChooseEffect(false, "Select save path", own, path);
+}
+
+// With the time, as the line may be read later.
+void TCindermillApp::TellWritten(const char* what, const char* path)
+{
+    TString text;
+    text.Format("%s %s at %s, %u bytes", what, ShownPath(path).Print(), GetTimeOfDay().Print(),
+                GetFileSize(path));
+    Host->ShowStatus(text);
 }
 
 void TCindermillApp::SaveActive()
@@ -298,13 +328,21 @@ bool TCindermillApp::IsOpenEffect(const char* path)
 // The result of the write is told to the user and counts for nothing here.
 bool TCindermillApp::Save(TDocument& document)
 {
-    if (document.GetPath().IsEmpty())
-        return SaveAs(document);
     const TString path = document.GetPath();
+    if (path.IsEmpty())
+        return SaveAs(document);
+    if (Samples.IsProtected(path)) {
+        TString text;
+        text.Format("%s came with the program: choose a place for your own.", ShownPath(path).Print());
+        Host->ShowStatus(text);
+        return SaveAs(document);
+    }
     if (!ConfirmChanged(document) || !MakeWritable(path, "save"))
         return false;
     AddRecentFile(path);
-    if (!document.Save())
+    if (document.Save())
+        TellWritten("Saved", path);
+    else
         TellNotSaved(document, path);
     return true;
 }
@@ -312,13 +350,16 @@ bool TCindermillApp::Save(TDocument& document)
 bool TCindermillApp::SaveAs(TDocument& document)
 {
     TString path;
-    if (!ChooseEffect(false, "Select save path", path))
+    if (!ChooseSavePlace(document, path))
         return false;
     AddMissingExtension(path, ".effect");
     if (!ConfirmOverwrite(path) || !MakeWritable(path, "save"))
         return false;
+    Samples.Release(path);
     AddRecentFile(path);
-    if (!document.SaveAs(path))
+    if (document.SaveAs(path))
+        TellWritten("Saved", path);
+    else
         TellNotSaved(document, path);
     return true;
 }
@@ -335,7 +376,7 @@ void TCindermillApp::TellNotSaved(TDocument& document, const char* path)
     if (!AskQuestion("%s was not written, as it could not be opened again: %s. What the file held before is "
                      "untouched, and the effect is not saved. Write it as it is under another name?",
                      ShownPath(path).Print(), document.GetSaveError().Print()) ||
-        !ChooseEffect(false, "Select save path", other))
+        !ChooseSavePlace(document, other))
         return;
     AddMissingExtension(other, ".effect");
     if (FileExists(other))
@@ -361,7 +402,8 @@ void TCindermillApp::ExportActive()
     if (IsOpenEffect(path) || !ConfirmOverwrite(path) || !MakeWritable(path, "export"))
         return;
     Autosave.WaitForDisc(MostDiscMilliseconds);
-    document->Export(path);
+    if (document->Export(path))
+        TellWritten("Exported", path);
 }
 
 void TCindermillApp::CloseDocument(TDocument* document)

@@ -11,5 +11,6 @@ bool RunCollecting(TErrorList& errors, TWork&& work)
     if (RunGuarded([&] { result = work(); }, text))
         return result;
     errors.Add(new TError("%s", text.Print()));
+    errors.ClearSource();
     return false;
 }

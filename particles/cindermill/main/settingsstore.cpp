@@ -98,6 +98,11 @@ TSettingsStore* OpenSettingsStore()
 #endif
 }
 
+TSettingsStore* OpenNoSettings()
+{
+    return new TNoSettingsStore;
+}
+
 TSettingsStore* OpenSettingsFile(const char* path)
 {
     TString own;

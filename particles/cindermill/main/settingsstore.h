@@ -26,5 +26,8 @@ public:
 // directory. The caller owns it.
 TSettingsStore* OpenSettingsStore();
 
+// A store of nothing, for a run that must not hang on who runs it. The caller owns it.
+TSettingsStore* OpenNoSettings();
+
 // A store in one file, for tests and for whoever keeps settings apart. The caller owns it.
 TSettingsStore* OpenSettingsFile(const char* path);

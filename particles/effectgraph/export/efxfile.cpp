@@ -7,6 +7,7 @@
 #include <bit>
 
 #include <stdlib.h>
+#include <string.h>
 
 namespace {
 constexpr uint32_t Version = 6;
@@ -124,7 +125,19 @@ bool TEfxFile::Fail(uint32_t offset, const char* what)
 bool TEfxFile::Load(const char* path, TString& fault)
 {
     Fault = &fault;
-    bool sound = ReadBytes(path) && ReadEffectHeader();
+    return ReadBytes(path) && ReadImage(fault);
+}
+
+bool TEfxFile::LoadBytes(const vector<uint8_t>& bytes, TString& fault)
+{
+    Fault = &fault;
+    return TakeBytes(bytes) && ReadImage(fault);
+}
+
+bool TEfxFile::ReadImage(TString& fault)
+{
+    Fault = &fault;
+    bool sound = ReadEffectHeader();
     for (int i = 0; sound && i < Groups.size(); ++i)
         sound = ReadGroup(GroupTable + static_cast<uint32_t>(i) * GroupSize, Groups[i]);
     sound = sound && ReadShared() && ReadNames();
@@ -138,7 +151,6 @@ bool TEfxFile::Load(const char* path, TString& fault)
     return sound;
 }
 
-// The version and the relocations; the rest is the image.
 bool TEfxFile::ReadBytes(const char* path)
 {
     TFile file;
@@ -146,36 +158,36 @@ bool TEfxFile::ReadBytes(const char* path)
         Fault->Format("Could not open %s: %s", path, file.GetFault().Print());
         return false;
     }
-    vector<uint8_t> header;
-    bool whole = file.GetSize() >= static_cast<int>(FileHeaderSize);
-    if (whole) {
-        header.resize(FileHeaderSize);
-        whole = file.Read(header.data(), header.size());
-    }
-    if (!whole || WordAt(header, 0) != Version) {
-        file.Close();
-        *Fault = "This is not an effect file of version 6";
-        return false;
-    }
-    const uint64_t count = WordAt(header, 4);
-    const uint64_t start = RoundUp<uint64_t>(FileHeaderSize + 4 * count, Alignment);
-    if (start > static_cast<uint64_t>(file.GetSize())) {
-        file.Close();
-        *Fault = "The file ends inside the relocations";
-        return false;
-    }
-    vector<uint8_t> table;
-    table.resize(static_cast<int>(start - FileHeaderSize));
-    Image.resize(file.GetSize() - static_cast<int>(start));
-    whole = file.Read(table.data(), table.size()) && file.Read(Image.data(), Image.size());
+    vector<uint8_t> bytes;
+    bytes.resize(file.GetSize());
+    const bool whole = file.Read(bytes.data(), bytes.size());
     file.Close();
     if (!whole) {
         *Fault = "The file could not be read";
         return false;
     }
+    return TakeBytes(bytes);
+}
+
+// The version and the relocations; the rest is the image.
+bool TEfxFile::TakeBytes(const vector<uint8_t>& bytes)
+{
+    if (bytes.size() < static_cast<int>(FileHeaderSize) || WordAt(bytes, 0) != Version) {
+        *Fault = "This is not an effect file of version 6";
+        return false;
+    }
+    const uint64_t count = WordAt(bytes, 4);
+    const uint64_t start = RoundUp<uint64_t>(FileHeaderSize + 4 * count, Alignment);
+    if (start > static_cast<uint64_t>(bytes.size())) {
+        *Fault = "The file ends inside the relocations";
+        return false;
+    }
+    Image.resize(bytes.size() - static_cast<int>(start));
+    if (!Image.empty())
+        memcpy(Image.data(), bytes.data() + start, static_cast<size_t>(Image.size()));
     Relocations.reserve(static_cast<int>(count));
     for (uint32_t i = 0; i < count; ++i)
-        Relocations.push_back(WordAt(table, 4 * i));
+        Relocations.push_back(WordAt(bytes, FileHeaderSize + 4 * i));
     if (!SortNumbers(Relocations))
         return Fail(0, "A pointer is relocated twice");
     return true;

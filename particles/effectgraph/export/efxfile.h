@@ -96,6 +96,8 @@ public:
 
     // Once. False with a sentence in `fault` if the file is not a whole and sound one.
     bool Load(const char* path, TString& fault);
+    // The same from the bytes of a file.
+    bool LoadBytes(const vector<uint8_t>& bytes, TString& fault);
 
     uint32_t GetImageSize() const { return static_cast<uint32_t>(Image.size()); }
     int GetNumRelocations() const { return Relocations.size(); }
@@ -115,6 +117,8 @@ public:
 
 private:
     bool ReadBytes(const char* path);
+    bool TakeBytes(const vector<uint8_t>& bytes);
+    bool ReadImage(TString& fault);
     bool ReadEffectHeader();
     bool ReadGroup(uint32_t record, TEfxGroup& group);
     bool ReadPhaseWords(uint32_t executeRecord, TEfxPhase& phase);

@@ -225,6 +225,20 @@ bool TEfxWriter::Save(TFile& file)
     AppendU32(version, Version);
     if (!file.Write(version.data(), version.size()))
         return false;
+    WriteImage();
+    return Image.Save(file);
+}
+
+void TEfxWriter::SaveTo(vector<uint8_t>& bytes)
+{
+    bytes.clear();
+    AppendU32(bytes, Version);
+    WriteImage();
+    Image.AppendTo(bytes);
+}
+
+void TEfxWriter::WriteImage()
+{
     WriteEffectHeader();
     for (int group = 0; group < Groups.size(); ++group)
         WriteGroupRecord(group);
@@ -233,7 +247,6 @@ bool TEfxWriter::Save(TFile& file)
     Image.ResolvePatches();
     ASSERT_TEXT(Image.GetPosition() == ImageSize && Image.GetRelocations().size() == NumPointers,
                 "Image.GetPosition() == ImageSize");
-    return Image.Save(file);
 }
 
 void TEfxWriter::WriteEffectHeader()

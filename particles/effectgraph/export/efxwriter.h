@@ -16,8 +16,9 @@ public:
     TEfxWriter(const TEfxWriter&) = delete;
     TEfxWriter& operator=(const TEfxWriter&) = delete;
     int GetFileSize() const;
-    // Once. False if a write failed.
+    // One of these, once. False if a write failed.
     bool Save(TFile& file);
+    void SaveTo(vector<uint8_t>& bytes);
 
 private:
     struct TBlock;
@@ -83,6 +84,7 @@ private:
     void ListLocations(vector<uint32_t>& result) const;
 
     // The image, in its order.
+    void WriteImage();
     void WriteEffectHeader();
     void WriteGroupRecord(int group);
     void WritePhaseHeader(const TExportPhase& phase, const TPhaseBlocks& blocks);

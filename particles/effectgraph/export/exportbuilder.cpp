@@ -111,13 +111,17 @@ void TExportBuilder::Build(TErrorList& errors)
 {
     PlanEvents();
     for (int group = 0; group < Groups.size(); ++group) {
+        errors.SetSource(nullptr, group);
         EmitGroupConstants(group);
         PackGroup(group);
         AddEvent(group, errors);
         ListRenderAttributes(group);
     }
-    for (int group = 0; group < Groups.size(); ++group)
+    for (int group = 0; group < Groups.size(); ++group) {
+        errors.SetSource(nullptr, group);
         OptimiseGroup(group);
+    }
+    errors.ClearSource();
     Result.GroupData.clear();
     for (TExportGroup& group : Groups) {
         ResolveNames(group);

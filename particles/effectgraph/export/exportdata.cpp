@@ -161,7 +161,10 @@ void TExportData::PassThrough(int inputPort, int outputPort, int start, int coun
         PassFixed(inputPort, outputPort, start, count, outStart);
         return;
     }
-    if (ConvertsInput(inputPort) || ConvertsOutput(outputPort)) {
+    // What shares its row with a value that is written afterwards would change with it.
+    const int from = Rows->FindInput(inputPort);
+    const bool mustCopy = from != out && (Rows->IsWrittenLater(from) || Rows->IsWrittenLater(out));
+    if (mustCopy || ConvertsInput(inputPort) || ConvertsOutput(outputPort)) {
         // Behind the command that is pending, as what it reads may be written here.
         if (Pending.HasCommand())
             FlushCommand();
@@ -176,7 +179,7 @@ void TExportData::PassThrough(int inputPort, int outputPort, int start, int coun
             continue;
         }
         phase.RowMap[Current().Attributes[out].RowStart + outStart + i] =
-            phase.RowMap[in->RowStart + start + i];
+            Rows->ReadAttribute(from, start + i);
         Rows->MarkWritten(out, outStart + i);
     }
 }
@@ -373,6 +376,12 @@ int TExportData::GetFileSize() const
 {
     ASSERT_TEXT(Result.Built, "GroupData != 0");
     return TEfxWriter(Result).GetFileSize();
+}
+
+void TExportData::GetEfx(vector<uint8_t>& bytes) const
+{
+    ASSERT_TEXT(Result.Built, "GroupData != 0");
+    TEfxWriter(Result).SaveTo(bytes);
 }
 
 bool TExportData::WriteEfx(const char* path, TErrorList& errors) const

@@ -78,7 +78,8 @@ public:
     bool CheckPolicies(int flags, TErrorList& errors) const;
     // Writes the file, whole or not at all. Only what was built.
     bool WriteEfx(const char* path, TErrorList& errors) const;
-    // Bytes that WriteEfx would write.
+    // The bytes that WriteEfx would write, and their number.
+    void GetEfx(vector<uint8_t>& bytes) const;
     int GetFileSize() const;
 
     const TExportResult& GetResult() const { return Result; }

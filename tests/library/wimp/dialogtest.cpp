@@ -4,6 +4,8 @@
 #include "library/system/message.h"
 #include "library/wimp/filechooser.h"
 #include "library/wimp/keyboardshortcut.h"
+#include "library/wimp/mdi.h"
+#include "library/wimp/menu.h"
 #include "library/wimp/wimp.h"
 #include "support/windowtest.h"
 
@@ -378,6 +380,31 @@ TEST_F(TDialogTest, ClosingAChoiceIsItsLastButton)
     EXPECT_EQ(ChoiceDialog(110, "Modified Files", "?", vector<TString>(), buttons), 2);
     Meet([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
     EXPECT_EQ(ChoiceDialog(110, "Modified Files", "?", vector<TString>(), buttons), 2);
+}
+
+// None has the keys for a moment, as right after another dialog.
+TEST_F(TMessageTest, AMessageStandsOverTheMainWindowThoughNoWindowIsActive)
+{
+    TWindowClass windowClass("test_messageframe");
+    TMenu menu;
+    TMDIFrame frame;
+    TWindowParams params;
+    params.Class = &windowClass;
+    params.Kind = WK_MAIN;
+    params.Width = 500;
+    params.Height = 300;
+    ASSERT_TRUE(frame.CreateFrame(params, menu));
+    frame.Show();
+    Settle();
+    QApplication::setActiveWindow(nullptr);
+    ASSERT_EQ(QApplication::activeWindow(), nullptr);
+    bool met = false;
+    Meet([&](QDialog& dialog) {
+        met = true;
+        EXPECT_EQ(dialog.parentWidget(), frame.GetHandle());
+    });
+    ShowMessage("Saved nothing");
+    EXPECT_TRUE(met);
 }
 
 TEST_F(TMessageTest, AnInformationHasAWarningIconAndOneButton)

@@ -1,5 +1,7 @@
 #include "particles/cindermill/batch/findings/finding.h"
 
+static const char* const SeverityNames[] = {"note", "warning", "error"};
+
 int TFindingList::GetWorst() const
 {
     int worst = FS_NOTE - 1;
@@ -11,6 +13,16 @@ int TFindingList::GetWorst() const
 
 const char* GetSeverityName(TFindingSeverity severity)
 {
-    static const char* const Names[] = {"note", "warning", "error"};
-    return Names[severity];
+    return SeverityNames[severity];
+}
+
+bool ParseSeverity(const char* word, TFindingSeverity& severity)
+{
+    for (int i = FS_NOTE; i <= FS_ERROR; ++i) {
+        if (CompareText(word, SeverityNames[i], true) != 0)
+            continue;
+        severity = static_cast<TFindingSeverity>(i);
+        return true;
+    }
+    return false;
 }

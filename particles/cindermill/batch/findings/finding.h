@@ -1,7 +1,7 @@
 #pragma once
 
+#include "library/containers/append.h"
 #include "library/containers/string.h"
-#include "library/containers/vector.h"
 
 enum TFindingSeverity
 {
@@ -39,6 +39,8 @@ struct TFinding
     TFindingSeverity Severity = FS_ERROR;
     // As it was named on the command line, or found below a folder.
     TString File;
+    // In a file of text lines; 0 where there is none.
+    int Line = 0;
     TFindingPlace Place;
     // One sentence without line ends.
     TString Message;
@@ -51,7 +53,7 @@ struct TFinding
 class TFindingList
 {
 public:
-    void Add(const TFinding& finding) { Findings.push_back(finding); }
+    void Add(const TFinding& finding) { Append(Findings, finding); }
     int size() const { return Findings.size(); }
     bool empty() const { return Findings.empty(); }
     const TFinding& operator[](int index) const { return Findings[index]; }
@@ -65,3 +67,5 @@ private:
 
 // "note", "warning", "error".
 const char* GetSeverityName(TFindingSeverity severity);
+// False for another word.
+bool ParseSeverity(const char* word, TFindingSeverity& severity);

@@ -29,6 +29,12 @@ TEffectExec::~TEffectExec()
     Clear();
 }
 
+void TEffectExec::SetSeed(uint32_t seed)
+{
+    HasSeed = true;
+    Seed = seed;
+}
+
 bool TEffectExec::Init(const TEffectSchedule& schedule, TErrorList& errors, bool toolMode)
 {
     return InitWith(schedule, errors, toolMode, true);
@@ -49,6 +55,8 @@ bool TEffectExec::InitWith(const TEffectSchedule& schedule, TErrorList& errors, 
         return false;
     }
     Schedule = &schedule;
+    if (HasSeed)
+        Randoms.Init(schedule, Seed);
     if (!InitNodes(errors, withRender))
         return false;
     if (toolMode)
@@ -70,9 +78,11 @@ bool TEffectExec::InitNodes(TErrorList& errors, bool withRender)
             Nodes.push_back(nullptr);
             continue;
         }
+        errors.SetSource(Schedule->GetNode(n)->GetNodeType(), -1);
         Nodes.push_back(TEffectExecNode::Create(Schedule->GetNode(n), this, errors));
         good = good && Nodes[n] != nullptr;
     }
+    errors.ClearSource();
     return good;
 }
 
@@ -343,6 +353,7 @@ void TEffectExec::ExportNode(TExportData* exportdata, TErrorList& errors, int gr
     TEffectExecNode* node = Place(group, tied);
     if (node == nullptr)
         return;
+    errors.SetSource(Schedule->GetNode(Schedule->GetTiedNode(group, tied))->GetNodeType(), group);
     exportdata->SetCurrent(group, tied);
     if (node->IsBypassed())
         exportdata->ExportBypassed();
@@ -357,6 +368,7 @@ bool TEffectExec::Export(TExportData& exportData, TErrorList& errors)
     for (int g = 0; g < Schedule->GetNumGroups(); ++g)
         for (int t = 0; t < Schedule->GetNumTiedNodes(g); ++t)
             ExportNode(&exportData, errors, g, t);
+    errors.ClearSource();
     if (!exportData.Build(errors))
         return false;
     // A broken policy is a warning unless the artist made it a fault.

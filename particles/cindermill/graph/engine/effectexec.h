@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/ownerlist.h"
+#include "particles/cindermill/graph/engine/placerandoms.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
 class TEffectExecNode;
@@ -31,6 +32,12 @@ public:
     // the console. Otherwise particles that are born together read the last one's.
     void SetBirthsApart(bool apart) { BirthsApart = apart; }
     bool AreBirthsApart() const { return BirthsApart; }
+    // From the next Init on: each place of a node draws from generators of its own, all seeded from this
+    // number, and not from its class's.
+    void SetSeed(uint32_t seed);
+    // From the next Init on: whether stages load their textures. Without them they can be exported.
+    void SetTexturesUsed(bool used) { TexturesUsed = used; }
+    bool AreTexturesUsed() const { return TexturesUsed; }
     void Clear();
     bool IsInited() const { return Inited; }
     // Another one after every Init.
@@ -52,6 +59,8 @@ public:
 
     const TEffectSchedule& GetSchedule() const { return *Schedule; }
     TExecServices& GetServices() const { return Services; }
+    // Null where nodes draw from their classes' generators.
+    TPlaceRandoms* GetRandoms() { return HasSeed ? &Randoms : nullptr; }
     int GetNumGroups() const { return Groups.size(); }
     TParticleBuffer* GetGroup(int group) const { return Groups[group]; }
     int GetNumParticles(int group) const;
@@ -103,4 +112,8 @@ private:
     int64_t Births = 0;
     bool Inited = false;
     bool BirthsApart = false;
+    bool TexturesUsed = true;
+    bool HasSeed = false;
+    uint32_t Seed = 0;
+    TPlaceRandoms Randoms;
 };

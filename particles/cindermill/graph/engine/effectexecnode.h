@@ -74,6 +74,13 @@ protected:
     void BindInputs(TQdxShader& program, const vector<int>& table) const;
     void AddParticles(int instance, int count);
     void KillParticle(int index);
+    // What the node draws from where it stands: its class's generator, unless the engine has some for each
+    // place, for each component of a value one.
+    TRandom& ChooseRandom(TClassRandom& shared, int draw = 0) const
+    {
+        TPlaceRandoms* randoms = Exec->GetRandoms();
+        return randoms != nullptr ? randoms->Get(Group, TiedNode, draw) : shared.Get();
+    }
     // The parameter of a path and kind, or null with the error "Missing parameter ..." in the list.
     template <class TParameter>
     TParameter* RequireParameter(const char* path, int kind, TErrorList& errors) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "particles/cindermill/graph/engine/effectexecnode.h"
+#include "particles/cindermill/graph/nodes/emissionmaths.h"
 
 class TNodeEnumParameter;
 class TNodeGroupParameter;
@@ -18,17 +19,11 @@ public:
 
 private:
     float GetLife() const;
-    bool IsActive(float delay, float life) const;
     int CountDue(float rate, float dt, int max);
-    int CountByChance(float rate, float dt, int max) const;
-    int CountSteady(float rate, float dt);
-    int CountBurst(int max);
 
     const TNodeEnumParameter* EmitMode = nullptr;
     const TNodeIntParameter* MaxEmission = nullptr;
     const TNodeGroupParameter* MaxLifeGroup = nullptr;
     const TNodeScalarParameter* MaxLife = nullptr;
-    float Time = 0;
-    // Seconds that the emission is ahead; for a burst, whether it is over.
-    float Accumulator = 0;
+    TTriggerClock Clock;
 };

@@ -6,10 +6,10 @@
 
 namespace {
 
-TRandom& GetRandom()
+TClassRandom& GetShared()
 {
     static TClassRandom random;
-    return random.Get();
+    return random;
 }
 
 // From -1 to 1; no number on a grid without divisions.
@@ -33,7 +33,7 @@ int TGrid::ChoosePoint(int64_t nx, int64_t ny)
     // The product of huge divisions wraps.
     const uint32_t total = static_cast<uint32_t>(nx + 1) * static_cast<uint32_t>(ny + 1);
     if (EmitType->GetNumber() == 0)
-        return static_cast<int>(GetRandom().Range(total));
+        return static_cast<int>(ChooseRandom(GetShared()).Range(total));
     const int point = NextPoint;
     NextPoint = static_cast<int>(RemainderOrZero(int64_t{NextPoint} + 1, static_cast<int32_t>(total)));
     return point;

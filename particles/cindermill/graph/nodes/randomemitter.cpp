@@ -1,14 +1,13 @@
 #include "particles/cindermill/graph/nodes/randomemitter.h"
 
-#include "particles/cindermill/graph/engine/random.h"
-#include "particles/cindermill/graph/nodes/nodemaths.h"
+#include "particles/cindermill/graph/nodes/emissionmaths.h"
 
 namespace {
 
-TRandom& GetRandom()
+TClassRandom& GetShared()
 {
     static TClassRandom random;
-    return random.Get();
+    return random;
 }
 
 } // namespace
@@ -18,10 +17,8 @@ void TRandomEmitter::Execute(int index, float)
     const TPortValue low = Load(0, index);
     const TPortValue high = Load(1, index);
     TPortValue result;
-    for (int c = 0; c < GetLoadFloats(0); ++c) {
-        const double range = static_cast<double>(high[c]) - low[c];
-        result[c] = static_cast<float>(GetRandom().Unit(RandomSteps) * range + low[c]);
-    }
+    for (int c = 0; c < GetLoadFloats(0); ++c)
+        result[c] = DrawBetween(ChooseRandom(GetShared(), c), low[c], high[c]);
     Store(0, index, result);
 }
 

@@ -123,6 +123,8 @@ bool TRenderStage::InitTexture(int texture, TErrorList& errors)
     if (slot.Parameter == nullptr)
         return false;
     slot.Parameter->AddCallback(&OnTextureChanged, this);
+    if (!Exec->AreTexturesUsed())
+        return true;
     const TString& fileName = slot.Parameter->GetFileName();
     TString path;
     if (fileName.IsEmpty()) {

@@ -69,6 +69,10 @@ public:
     void Export(TExportData& exportData, TErrorList& errors) override;
 
     const TRenderStageStatic& GetStaticData() const { return StaticData; }
+    // The groups that are switched on, with their values in codes that OpenGL and the console share.
+    TDrawStates GetStates() const;
+    // As it was given, for each texture that the kind has.
+    const TString& GetTextureName(int texture) const { return Textures[texture].Parameter->GetFileName(); }
     // The real path of the texture in use; empty until one was loaded.
     const TString& GetTexturePath(int texture) const { return Textures[texture].Path; }
 
@@ -119,8 +123,6 @@ private:
     bool IsOn(TStateParameter group) const;
     int GetNumber(TStateParameter parameter) const;
     float GetScalar(TStateParameter parameter) const;
-    // The groups that are switched on, with their values in codes that OpenGL and the console share.
-    TDrawStates GetStates() const;
     void BindTextures() const;
     void SetUniforms(const TSceneView& view) const;
 

@@ -10,19 +10,24 @@ class TShaper : public TRegistered<TShaper, TExecLoop<TShaper, 2, 1>>
 {
 public:
     static constexpr const char* RegisteredName = "TShaper";
+    static constexpr int NumSamples = 64;
     ~TShaper() override;
     bool Init(TErrorList& errors) override;
     void Execute(int index, float dt) override;
     void Export(TExportData& exportData, TErrorList& errors) override;
 
+    // The table that it reads from, and how it is read.
+    float GetSample(int sample, int channel) const { return Table[sample][channel]; }
+    float GetScale() const { return Scale; }
+    // How many of the channels the output has.
+    int CountComponents() const;
+
 private:
-    static constexpr int NumSamples = 64;
     static constexpr int NumChannels = 4;
 
     static void OnChanged(TNodeParameter* parameter, void* shaper);
     TNodeRampParameter* FindRamp() const;
     void BuildTable();
-    int CountComponents() const;
 
     // A sample and the way from it to the next, as the arithmetic takes them.
     struct TSegment

@@ -6,10 +6,10 @@
 
 namespace {
 
-TRandom& GetRandom()
+TClassRandom& GetShared()
 {
     static TClassRandom random;
-    return random.Get();
+    return random;
 }
 
 } // namespace
@@ -20,7 +20,7 @@ void TSphereSurface::Execute(int index, float)
     const TPortValue scale = Load(2, index);
     ScaleFirst(matrix, scale[0], scale[1], scale[2]);
     TVector3 direction;
-    GetRandom().Direction(direction.Component, RandomSteps);
+    ChooseRandom(GetShared()).Direction(direction.Component, RandomSteps);
     TPortValue position;
     SetVector(position, matrix.TransformPoint(direction));
     Store(0, index, position);

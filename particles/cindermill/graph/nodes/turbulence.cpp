@@ -5,10 +5,10 @@
 
 namespace {
 
-TRandom& GetRandom()
+TClassRandom& GetShared()
 {
     static TClassRandom random;
-    return random.Get();
+    return random;
 }
 
 } // namespace
@@ -18,7 +18,7 @@ void TTurbulence::Execute(int index, float dt)
     TPortValue velocity = Load(0, index);
     const float strength = LoadScalar(1, index);
     TVector3 direction;
-    GetRandom().Direction(direction.Component, RandomSteps);
+    ChooseRandom(GetShared()).Direction(direction.Component, RandomSteps);
     SetVector(velocity, AddScaled(GetVector(velocity), direction, static_cast<double>(strength) * dt));
     Store(0, index, velocity);
 }

@@ -14,10 +14,15 @@ constexpr int ShaperBytes = ShaperHeader + 4 * NumSamples;
 template <class TWork>
 void ForEachPair(TReplayCall& call, TWork&& work)
 {
-    if (!call.Has(2, 1))
-        return call.OutUnknown();
-    for (int p = 0; p < call.GetCount(); ++p)
-        call.Out(0, p, static_cast<float>(work(call.Value(0, p), call.Value(1, p))), call.InState(p));
+    if (!call.Takes(2, 1))
+        return;
+    const TReplayColumn a = call.GetIn(0);
+    const TReplayColumn b = call.GetIn(1);
+    const TReplayColumn out = call.GetOut(0);
+    for (int p = 0; p < call.GetCount(); ++p) {
+        out.Values[p] = static_cast<float>(work(a.Values[p], b.Values[p]));
+        out.States[p] = Worse(a.States[p], b.States[p]);
+    }
 }
 
 void Add(TReplayCall& call)
@@ -37,54 +42,62 @@ float Invert(float length)
 
 void Length(TReplayCall& call)
 {
-    if (!call.Has(3, 1) || !call.HasData(4))
-        return call.OutUnknown();
+    if (!call.Takes(3, 1, 4))
+        return;
+    const bool inverse = call.DataU32(0) != 0;
     for (int p = 0; p < call.GetCount(); ++p) {
         const TVector3 v(call.Value(0, p), call.Value(1, p), call.Value(2, p));
         const float length = static_cast<float>(std::sqrt(ExactDot(v, v)));
-        call.Out(0, p, call.DataU32(0) != 0 ? Invert(length) : length, call.InState(p));
+        call.Out(0, p, inverse ? Invert(length) : length, call.InState(p));
     }
 }
 
-float GetSample(const TReplayCall& call, int i)
+// A table of samples, and how time leads into it.
+struct TCurveTable
 {
-    return call.DataFloat(ShaperHeader + 4 * i);
-}
+    float Scale;
+    double Samples[NumSamples];
+};
 
-float Shape(const TReplayCall& call, float time, float life)
+float Shape(const TCurveTable& table, float time, float life)
 {
     constexpr float last = NumSamples - 1;
-    float u = static_cast<float>(static_cast<double>(time) * call.DataFloat(0) / life);
+    float u = static_cast<float>(static_cast<double>(time) * table.Scale / life);
     if (!(u > 0))
         u = 0;
     if (u > last)
         u = last;
     const int n = static_cast<int>(u);
-    const double start = GetSample(call, n);
+    const double start = table.Samples[n];
     if (n + 1 >= NumSamples)
         return static_cast<float>(start);
     const float w = static_cast<float>(static_cast<double>(u) - n);
-    return static_cast<float>((GetSample(call, n + 1) - start) * w + start);
+    return static_cast<float>((table.Samples[n + 1] - start) * w + start);
 }
 
 void Shaper(TReplayCall& call)
 {
-    if (!call.Has(2, 1) || !call.HasData(ShaperBytes))
-        return call.OutUnknown();
+    if (!call.Takes(2, 1, ShaperBytes))
+        return;
+    TCurveTable table;
+    table.Scale = call.DataFloat(0);
+    for (int i = 0; i < NumSamples; ++i)
+        table.Samples[i] = call.DataFloat(ShaperHeader + 4 * i);
     for (int p = 0; p < call.GetCount(); ++p)
-        call.Out(0, p, Shape(call, call.Value(0, p), call.Value(1, p)), call.InState(p));
+        call.Out(0, p, Shape(table, call.Value(0, p), call.Value(1, p)), call.InState(p));
 }
 
 void AnimatedTexture(TReplayCall& call)
 {
-    if (!call.Has(1, 4) || !call.HasData(8))
-        return call.OutUnknown();
+    if (!call.Takes(1, 4, 8))
+        return;
     const vector<uint8_t>& data = call.Command.Data;
+    const float range = call.DataFloat(0);
     const int columns = data[4];
     const int rows = data[5];
     const int tiles = data[6];
     for (int p = 0; p < call.GetCount(); ++p) {
-        const double time = static_cast<double>(call.Value(0, p)) / call.DataFloat(0);
+        const double time = static_cast<double>(call.Value(0, p)) / range;
         const int64_t frame = ChooseTile(FloatToInt(tiles * time), tiles, data[7]);
         const TCellState state = call.InState(p);
         const int64_t column = RemainderOrZero(frame, columns);
@@ -98,7 +111,7 @@ void AnimatedTexture(TReplayCall& call)
 }
 } // namespace
 
-const TReplayCommandName MathsCommands[] = {
+const TCommandFunction MathsCommands[] = {
     {"IdAdd", Add},
     {"IdMul", Mul},
     {"IdLength", Length},

@@ -3,4 +3,4 @@
 #include "particles/cindermill/graph/replay/replaycall.h"
 
 // Ends with a null name.
-extern const TReplayCommandName MotionCommands[];
+extern const TCommandFunction MotionCommands[];

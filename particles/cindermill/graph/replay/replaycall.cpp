@@ -2,24 +2,46 @@
 
 #include <cstring>
 
-TReplayCell& TReplayColumns::At(int row, int particle)
+TReplayCall::TReplayCall(const TDecodedCommand& command, const TReplayRun& run, const TReplayColumns& rows)
+    : Command(command), Run(run)
 {
-    return row < NumRows ? Cells[row * Count + particle] : Nowhere = TReplayCell();
+    const int numRows = rows.NumColumns - NumSpareRows;
+    const int unwritten = numRows;
+    const int unread = numRows + 1;
+    for (int i = 0; i < command.Inputs.size(); ++i)
+        Ins[i] = rows[command.Inputs[i] < numRows ? command.Inputs[i] : unwritten];
+    for (int i = 0; i < command.Outputs.size(); ++i)
+        Outs[i] = rows[command.Outputs[i] < numRows ? command.Outputs[i] : unread];
 }
 
-TCellState TReplayCall::InState(int particle, int first, int count)
+bool TReplayCall::Takes(int inputs, int outputs, int dataBytes)
+{
+    if (GetNumInputs() == inputs && GetNumOutputs() == outputs && Command.Data.size() >= dataBytes)
+        return true;
+    Refuse();
+    return false;
+}
+
+TCellState TReplayCall::InState(int p, int first, int count) const
 {
     TCellState state = CS_DEFINED;
     for (int i = first; i < first + count; ++i)
-        state = Worse(state, In(i, particle).State);
+        state = Worse(state, State(i, p));
     return state;
 }
 
-void TReplayCall::OutUnknown()
+TRandom* TReplayCall::GetRandom() const
 {
-    for (int i = 0; i < Command.Outputs.size(); ++i)
-        for (int particle = 0; particle < GetCount(); ++particle)
-            Out(i, particle, 0, CS_UNKNOWN);
+    return Command.Tied != -1 && Run.Randoms != nullptr
+               ? &Run.Randoms->Get(Run.Group, Command.Tied, Command.Draw)
+               : nullptr;
+}
+
+void TReplayCall::Refuse()
+{
+    for (int i = 0; i < GetNumOutputs(); ++i)
+        std::memset(Outs[i].States, CS_UNKNOWN, static_cast<size_t>(GetCount()));
+    Run.Listener->Refuse(Command);
 }
 
 uint32_t TReplayCall::DataU32(int at) const

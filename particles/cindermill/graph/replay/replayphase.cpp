@@ -9,11 +9,11 @@
 #include <cstring>
 
 namespace {
-TReplayCommand::TFunction FindFunction(uint32_t nameId)
+TDecodedCommand::TFunction FindFunction(uint32_t nameId)
 {
-    const TReplayCommandName* const tables[] = {MathsCommands, MotionCommands, EmissionCommands,
-                                                RecordCommands};
-    for (const TReplayCommandName* names : tables)
+    const TCommandFunction* const tables[] = {MathsCommands, MotionCommands, EmissionCommands,
+                                              RecordCommands};
+    for (const TCommandFunction* names : tables)
         for (; names->Name != nullptr; ++names)
             if (NameToCrc(names->Name) == nameId)
                 return names->Function;
@@ -27,29 +27,30 @@ void CopyBytes(const TEfxFile& file, const TEfxSpan& span, vector<uint8_t>& byte
 }
 } // namespace
 
-void TReplayPhase::Decode(const TEfxFile& file, const TEfxPhase& phase)
+void TReplayPhase::Decode(const TEfxFile& file, const TEfxPhase& phase, TCommandPlaces& places)
 {
     NumRows = phase.Rows;
-    DecodeStream(file, phase.Unpack, Unpack);
-    DecodeStream(file, phase.Execute, Execute);
-    DecodeStream(file, phase.Pack, Pack);
+    DecodeStream(file, phase.Unpack, places, Unpack);
+    DecodeStream(file, phase.Execute, places, Execute);
+    DecodeStream(file, phase.Pack, places, Pack);
     for (const TEfxPatch& patch : phase.Patches)
         for (uint32_t i = 0; i < patch.Offsets.Size; i += 2)
             Patches.push_back(
                 TPatch{patch.NameId, phase.Execute.Words.Offset + file.GetU16(patch.Offsets.Offset + i)});
 }
 
-void TReplayPhase::DecodeStream(const TEfxFile& file, const TEfxStream& stream,
-                                vector<TReplayCommand>& commands)
+void TReplayPhase::DecodeStream(const TEfxFile& file, const TEfxStream& stream, TCommandPlaces& places,
+                                vector<TDecodedCommand>& commands)
 {
     for (const TEfxCommand& from : stream.Commands) {
-        TReplayCommand command;
+        TDecodedCommand command;
         command.NameId = file.GetCommandIds()[from.Index];
         command.Function = FindFunction(command.NameId);
         command.DataOffset = from.Data.Offset;
         CopyBytes(file, from.Data, command.Data);
         CopyBytes(file, from.Inputs, command.Inputs);
         CopyBytes(file, from.Outputs, command.Outputs);
+        command.Tied = places.Take(command.NameId, command.Draw);
         commands.push_back(command);
     }
 }
@@ -61,7 +62,7 @@ void TReplayPhase::Patch(uint32_t nameId, float value)
     for (const TPatch& patch : Patches) {
         if (patch.NameId != nameId)
             continue;
-        for (TReplayCommand& command : Execute) {
+        for (TDecodedCommand& command : Execute) {
             const int64_t at = int64_t{patch.Offset} - command.DataOffset;
             for (int i = 0; i < 4 && at >= 0 && at + 4 <= command.Data.size(); ++i)
                 command.Data[static_cast<int>(at) + i] = static_cast<uint8_t>(word >> (24 - 8 * i));
@@ -69,33 +70,33 @@ void TReplayPhase::Patch(uint32_t nameId, float value)
     }
 }
 
-void TReplayPhase::Run(const vector<TReplayRecord*>& from, const vector<TReplayRecord*>& to, float dt,
-                       TReplayListener& listener)
+void TReplayPhase::Run(const TReplayRun& run)
 {
-    TReplayColumns columns(NumRows, to.size());
-    RunStream(Unpack, columns, from, dt, listener);
-    RunStream(Execute, columns, to, dt, listener);
-    RunStream(Pack, columns, to, dt, listener);
+    if (run.To.Count == 0)
+        return;
+    Rows.Reset(NumRows + TReplayCall::NumSpareRows, run.To.Count);
+    const TReplayColumns rows = Rows.Get(0, run.To.Count);
+    RunStream(Unpack, run, rows);
+    RunStream(Execute, run, rows);
+    RunStream(Pack, run, rows);
 }
 
-void TReplayPhase::RunStream(const vector<TReplayCommand>& commands, TReplayColumns& columns,
-                             const vector<TReplayRecord*>& records, float dt, TReplayListener& listener)
+void TReplayPhase::RunStream(const vector<TDecodedCommand>& commands, const TReplayRun& run,
+                             const TReplayColumns& rows)
 {
-    for (const TReplayCommand& command : commands) {
-        TReplayCall call(command, columns, dt);
-        call.Records = records;
-        call.Listener = &listener;
+    for (const TDecodedCommand& command : commands) {
+        TReplayCall call(command, run, rows);
         if (command.Function != nullptr)
             command.Function(call);
         else
-            call.OutUnknown();
+            call.Refuse();
     }
 }
 
 vector<int> TReplayPhase::GetPackedCells() const
 {
     vector<int> cells;
-    for (const TReplayCommand& command : Pack) {
+    for (const TDecodedCommand& command : Pack) {
         if (command.Data.size() < 4)
             continue;
         const int first = (command.Data[2] << 8 | command.Data[3]) / 4;

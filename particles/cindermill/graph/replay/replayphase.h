@@ -1,5 +1,6 @@
 #pragma once
 
+#include "particles/cindermill/graph/replay/commandplaces.h"
 #include "particles/cindermill/graph/replay/replaycall.h"
 #include "particles/effectgraph/export/efxfile.h"
 
@@ -7,20 +8,20 @@
 class TReplayPhase
 {
 public:
-    void Decode(const TEfxFile& file, const TEfxPhase& phase);
-    // For particles that are told by their records: `from` is unpacked, `to` is packed.
-    void Run(const vector<TReplayRecord*>& from, const vector<TReplayRecord*>& to, float dt,
-             TReplayListener& listener);
+    void Decode(const TEfxFile& file, const TEfxPhase& phase, TCommandPlaces& places);
+    // For particles that are told by their records: `From` is unpacked, `To` is packed.
+    void Run(const TReplayRun& run);
     // Writes a number to where the execute stream has a patch of the name.
     void Patch(uint32_t nameId, float value);
     // By the order in which the record is packed: where each row lies.
     vector<int> GetPackedCells() const;
+    const vector<TDecodedCommand>& GetExecute() const { return Execute; }
 
 private:
-    static void DecodeStream(const TEfxFile& file, const TEfxStream& stream,
-                             vector<TReplayCommand>& commands);
-    static void RunStream(const vector<TReplayCommand>& commands, TReplayColumns& columns,
-                          const vector<TReplayRecord*>& records, float dt, TReplayListener& listener);
+    static void DecodeStream(const TEfxFile& file, const TEfxStream& stream, TCommandPlaces& places,
+                             vector<TDecodedCommand>& commands);
+    static void RunStream(const vector<TDecodedCommand>& commands, const TReplayRun& run,
+                          const TReplayColumns& rows);
 
     struct TPatch
     {
@@ -30,8 +31,9 @@ private:
     };
 
     int NumRows = 0;
-    vector<TReplayCommand> Unpack;
-    vector<TReplayCommand> Execute;
-    vector<TReplayCommand> Pack;
+    vector<TDecodedCommand> Unpack;
+    vector<TDecodedCommand> Execute;
+    vector<TDecodedCommand> Pack;
     vector<TPatch> Patches;
+    TReplayGrid Rows;
 };

@@ -21,7 +21,7 @@ TRenderer* TGraphRoot::FindView() const
 }
 
 TGraphScene::TGraphScene(TDocument& document, TGraphSceneHost& host)
-    : Document(document), Host(host), RenderRoot(*this), Grid(*this), HelpText(RenderRoot)
+    : Document(document), Host(host), RenderRoot(*this), Grid(*this), HelpText(RenderRoot), WireAim(*this)
 {
     RenderRoot.AddObject(&Background);
     RenderRoot.AddObject(&Grid);
@@ -118,6 +118,7 @@ void TGraphScene::EdgeRemoved(TToolEdge* edge)
 {
     Host.RedrawGraphs();
     Grid.CancelDrag();
+    WireAim.Forget(edge);
     TToolEdgeRenderer* renderer = FindEdge(edge);
     if (renderer != nullptr)
         Grid.RemoveObject(renderer);

@@ -7,6 +7,7 @@
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
+#include "particles/cindermill/interface/graph/wiring.h"
 #include "particles/cindermill/main/document.h"
 
 namespace {
@@ -17,7 +18,8 @@ constexpr float DrawnMargin = 8.0f;
 constexpr float DropMargin = 12.0f;
 constexpr float DropDepth = 36.0f;
 
-// Whether an edge may run between the two when the other edge, if there is one, is away.
+// Whether an edge may run between the two when the other edge, if there is one, is away. One that stands at
+// the input already is replaced.
 bool CanTake(const TPort& from, const TPort& to, const TToolEdge* away)
 {
     if (from.IsInput() == to.IsInput() || from.GetNode() == to.GetNode())
@@ -27,8 +29,10 @@ bool CanTake(const TPort& from, const TPort& to, const TToolEdge* away)
     TToolNode* source = output.GetNode()->GetToolNode();
     TToolNode* destination = input.GetNode()->GetToolNode();
     const TEffectEdge* there = destination->GetInput(input.GetIndex());
-    return (there == nullptr || there == away) &&
-           CanConnectWithout(away, source, output.GetIndex(), destination, input.GetIndex());
+    if (there != nullptr && there != away && there->GetSrcNode() == source &&
+        there->GetSrcPort() == output.GetIndex())
+        return false;
+    return CanReplaceWire(source, output.GetIndex(), destination, input.GetIndex(), away);
 }
 
 } // namespace

@@ -82,7 +82,7 @@ bool TNodePropertiesDialog::TFields::Create()
 {
     static TWindowClass windowClass("nodeproperties");
     if (!windowClass.IsRegistered())
-        windowClass.Register(0, GetButtonColour());
+        windowClass.Register(0, ButtonColour);
     TWindowParams params;
     params.Class = &windowClass;
     params.Owner = &Dialog;

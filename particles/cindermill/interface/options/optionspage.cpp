@@ -3,7 +3,7 @@
 bool TOptionsPage::Create(TWindow& dialog)
 {
     if (!PageClass.IsRegistered())
-        PageClass.Register(0, GetButtonColour());
+        PageClass.Register(0, ButtonColour);
     TWindowParams params;
     params.Class = &PageClass;
     params.Owner = &dialog;

@@ -28,7 +28,7 @@ TWindowClass& GetWindowClass()
 {
     static TWindowClass windowClass("cindermill_attribtracetable_graph");
     if (!windowClass.IsRegistered())
-        windowClass.Register(0, GetButtonColour());
+        windowClass.Register(0, ButtonColour);
     return windowClass;
 }
 

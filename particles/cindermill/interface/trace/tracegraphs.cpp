@@ -16,7 +16,7 @@ TWindowClass& GetWindowClass()
 {
     static TWindowClass windowClass("cindermill_attribtrace_graphs");
     if (!windowClass.IsRegistered())
-        windowClass.Register(0, GetButtonColour());
+        windowClass.Register(0, ButtonColour);
     return windowClass;
 }
 

@@ -14,7 +14,7 @@ TWindowClass& GetWindowClass()
 {
     static TWindowClass windowClass("cindermill_attribtracetable_trace");
     if (!windowClass.IsRegistered())
-        windowClass.Register(0, GetButtonColour());
+        windowClass.Register(0, ButtonColour);
     return windowClass;
 }
 

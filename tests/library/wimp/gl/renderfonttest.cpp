@@ -155,7 +155,7 @@ TEST_F(TFonts, RequestingTheSameFontAtTheSameSizeTwiceSharesOneTexture)
     EXPECT_EQ(a.GetFont(), b.GetFont());
     EXPECT_NE(a.GetFont(), c.GetFont());
     const auto textureOf = [&](const TFontInstance& font) {
-        return const_cast<TFontAtlas&>(font.GetFont()->GetAtlas()).GetTexture(renderer, false);
+        return const_cast<TFontAtlas&>(font.GetFont()->GetAtlas()).GetTexture(false);
     };
     EXPECT_EQ(textureOf(a), textureOf(b));
     EXPECT_NE(textureOf(a), textureOf(c));

@@ -242,6 +242,7 @@ TEST_F(TBatch, ALinkThatNamesNothingIsMendedAndToldInOneLine)
     EXPECT_EQ(whole, ReadBytes(Folder.Path("again.effect")));
     // A library that does not know the type is of no help.
     std::filesystem::create_directory(Folder.Path("types"));
+    std::filesystem::copy(SourcePath("NodeTypes/Life/Age.xml"), Folder.Path("types/Age.xml"));
     const std::string without = "--node-types '" + Folder.Path("types") + "' ";
     const TOutcome alone = Run(without + "resave '" + file + "' '" + Folder.Path("alone.effect") + "'");
     EXPECT_EQ(0, alone.Status);

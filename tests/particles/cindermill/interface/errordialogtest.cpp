@@ -9,6 +9,7 @@
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollBar>
 
 namespace {
 
@@ -86,4 +87,36 @@ TEST_F(ErrorDialog, BeepsOnceBeforeItIsShown)
     DisplayErrors("Schedule errors", errors);
     EXPECT_EQ(before, 1);
     EXPECT_EQ(beeps, 1);
+}
+
+// A path has no space to break a line at, and is read whole all the same.
+TEST_F(ErrorDialog, ALongTextGoesOnBelow)
+{
+    const std::string words =
+        "The texture of the stage that draws the sparks of the second emitter could not be "
+        "found anywhere, neither beside the effect nor in the folders of the settings";
+    const std::string path = "/home/artist/projects/the-long-name-of-a-game/effects/weather/storms/"
+                             "lightning-with-a-long-name/textures/flash-0001-of-0064.dds";
+    TErrorList errors;
+    errors.Add(new TError("Short"));
+    errors.Add(new TError(words.c_str()));
+    errors.Add(new TError(path.c_str()));
+    QStringList lines;
+    Meet([&](QDialog& dialog) {
+        Settle();
+        lines = LinesOf(dialog);
+        const QListWidget& list = *dialog.findChild<QListWidget*>();
+        EXPECT_FALSE(list.horizontalScrollBar()->isVisible());
+        const int line = list.visualItemRect(list.item(0)).height();
+        for (int i = 1; i < 3; ++i) {
+            const QRect place = list.visualItemRect(list.item(i));
+            EXPECT_LE(place.right(), list.viewport()->width());
+            // As many lines as the text needs.
+            const int width = list.fontMetrics().horizontalAdvance(lines[i]);
+            EXPECT_GE(place.height(), line + (width / place.width()) * list.fontMetrics().height());
+        }
+        dialog.accept();
+    });
+    DisplayErrors("Schedule errors", errors);
+    EXPECT_EQ(lines, (QStringList{"Short", QString::fromStdString(words), QString::fromStdString(path)}));
 }

@@ -7,6 +7,7 @@
 #include "library/system/message.h"
 
 #include <QtCore/QMimeData>
+#include <QtCore/QTimer>
 #include <QtCore/QUrl>
 #include <QtGui/QAction>
 #include <QtGui/QDropEvent>
@@ -45,8 +46,27 @@ protected:
     {
         TNames result;
         for (const QAction* action : menu.actions())
-            result.push_back(action->isSeparator() ? "" : IdOf(*action) + " " + action->text().toStdString());
+            result.push_back(action->isSeparator() ? "" : IdOf(*action) + " " + TextOf(action->text()));
         return result;
+    }
+    // As a person reads it: without what marks the letter that chooses the entry.
+    static std::string TextOf(const QString& text)
+    {
+        std::string plain;
+        for (int i = 0; i < text.size(); ++i) {
+            i += text[i] == QLatin1Char('&') ? 1 : 0;
+            plain += text.mid(i, 1).toStdString();
+        }
+        return plain;
+    }
+    static QChar LetterOf(const QString& text)
+    {
+        for (int i = 0; i + 1 < text.size(); ++i) {
+            if (text[i] == QLatin1Char('&') && text[i + 1] != QLatin1Char('&'))
+                return text[i + 1].toUpper();
+            i += text[i] == QLatin1Char('&') ? 1 : 0;
+        }
+        return QChar();
     }
     static std::string IdOf(const QAction& action)
     {
@@ -134,7 +154,7 @@ TEST_F(MainWindow, TheMenusHoldEveryEntryWithItsIdAndKey)
     ASSERT_EQ(Frame().menuBar()->actions().size(), 4);
     TNames titles;
     for (int i = 0; i < 4; ++i)
-        titles.push_back(Popup(i)->title().toStdString());
+        titles.push_back(TextOf(Popup(i)->title()));
     EXPECT_EQ(titles, (TNames{"File", "Edit", "Tools", "Window"}));
     EXPECT_EQ(Entries(*Popup(0)),
               (TNames{"57600 New\tCtrl+N", "57601 Open\tCtrl+O", "", "57603 Save\tCtrl+S",
@@ -156,7 +176,7 @@ TEST_F(MainWindow, TheNewestRecentFileStandsOnTop)
     files.push_back("\\fx\\one.effect");
     files.push_back("\\fx\\two & three.effect");
     Window.RebuildRecentFiles(files);
-    EXPECT_EQ(Entries(*RecentFiles()), (TNames{"40011 /fx/two && three.effect", "40010 /fx/one.effect"}));
+    EXPECT_EQ(Entries(*RecentFiles()), (TNames{"40011 /fx/two & three.effect", "40010 /fx/one.effect"}));
     files.clear();
     files.push_back("\\fx\\four.effect");
     Window.RebuildRecentFiles(files);
@@ -242,4 +262,52 @@ TEST_F(MainWindow, SeveralDroppedFilesAreOpenedInTheirOrderAndABadOneIsTold)
     EXPECT_EQ(shown, (std::vector<std::string>{
                          App.Path("bad.effect") + " cannot be opened: Chunkfile missing magic word",
                          App.Path("gone.effect") + " cannot be opened: The file does not exist"}));
+}
+
+TEST_F(MainWindow, EveryEntryHasALetterOfItsOwnInItsMenu)
+{
+    QString bar;
+    for (int i = 0; i < 4; ++i) {
+        bar += LetterOf(Popup(i)->title());
+        QString letters;
+        for (const QAction* action : Popup(i)->actions()) {
+            if (action->isSeparator())
+                continue;
+            const QChar letter = LetterOf(action->text());
+            EXPECT_FALSE(letter.isNull()) << action->text().toStdString();
+            EXPECT_FALSE(letters.contains(letter)) << action->text().toStdString();
+            letters += letter;
+        }
+    }
+    EXPECT_EQ(bar, QString("FETW"));
+}
+
+TEST_F(MainWindow, F10UnfoldsTheFirstMenu)
+{
+    Window.BringToTop();
+    ASSERT_TRUE(WaitFor([this] { return QApplication::activeWindow() == &Frame(); }));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_F10);
+    ASSERT_TRUE(WaitFor([this] { return Popup(0)->isVisible(); }));
+    // By its letter.
+    QTest::keyClick(Popup(0), Qt::Key_N);
+    EXPECT_TRUE(WaitFor([this] { return App.Get().GetDocuments().size() == 1; }));
+    EXPECT_FALSE(Popup(0)->isVisible());
+}
+
+TEST_F(MainWindow, ANoteGivesWayToWhatStoodThere)
+{
+    const QLabel* label = Frame().statusBar()->findChildren<QLabel*>()[0];
+    const QString version = label->text();
+    Window.ShowNote("Saved it");
+    EXPECT_EQ(label->text(), QString("Saved it"));
+    Window.SetStatus("Other");
+    EXPECT_EQ(label->text(), QString("Saved it"));
+    Window.SetStatus(version.toUtf8().constData());
+    QTimer* end = nullptr;
+    for (QTimer* timer : Frame().statusBar()->findChildren<QTimer*>())
+        end = timer->isActive() ? timer : end;
+    ASSERT_NE(end, nullptr);
+    EXPECT_GE(end->remainingTime(), 10000);
+    end->start(0);
+    EXPECT_TRUE(WaitFor([&] { return label->text() == version; }));
 }

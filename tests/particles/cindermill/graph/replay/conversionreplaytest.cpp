@@ -1,128 +1,6 @@
-#include "replaybench.h"
-
-#include "support/fakeservices.h"
+#include "effectbench.h"
 
 namespace {
-
-using TPair = std::pair<int, int>;
-
-// An effect of nodes whose ports may have any types, run and replayed.
-class TConversionBench
-{
-public:
-    TConversionBench() : Exec(Services) { RegisterExecNodes(); }
-    ~TConversionBench() { Exec.Clear(); }
-
-    TEffectNode* Add(const char* className, int category, const std::vector<TTestPort>& inputs,
-                     const std::vector<TTestPort>& outputs)
-    {
-        TEffectNode* node = Graph.Node(className, category, inputs, outputs);
-        Graph.Class(node, className);
-        return node;
-    }
-    // A value that other nodes take.
-    TEffectNode* AddSource(int type)
-    {
-        static const float numbers[] = {1, 2, 6, 0.5f, -3, 11};
-        TEffectNode* source = Add("TConstant", TU_TRIGGER, {{"In", type}}, {{"Out", type}});
-        Graph.InputValue(source, "In", std::vector<float>(numbers, numbers + GetTypeFloats(type)));
-        return source;
-    }
-    // A value of the particles that a stage shows as it is, and the stage: an attribute has the type of the
-    // port that is nearest to the screen.
-    struct TShownValue
-    {
-        TEffectNode* Source;
-        TEffectNode* Stage;
-    };
-    TShownValue AddShownValue(TEffectNode* emitter, int type, const TTestPort& result)
-    {
-        Graph.InputValue(emitter, "Transform", {1, 2, 6, 0.5f, -3, 11});
-        TEffectNode* source = Add("TConstant", TU_PROCESS, {{"In", type}}, {{"Out", type}});
-        TEffectNode* stage =
-            Add("TEffectExecNode", TU_RENDER, {{"Place", TY_TRANSFORM}, {"Kept", type}, result}, {});
-        Graph.Wire(emitter, 0, source, 0);
-        Graph.Wire(emitter, 0, stage, 0);
-        Graph.Wire(source, 0, stage, 1);
-        return {source, stage};
-    }
-    TEffectNode* AddSink(TEffectNode* source, int output, int type)
-    {
-        TEffectNode* sink = Add("TEffectExecNode", TU_TRIGGER, {{"Kept", type}}, {});
-        Graph.Wire(source, output, sink, 0);
-        return sink;
-    }
-    // Particles that a trigger fires in the first frame.
-    TEffectNode* AddPopulation(const std::vector<TTestPort>& more = {})
-    {
-        std::vector<TTestPort> inputs = {"Emission Trigger", {"Transform", TY_TRANSFORM}};
-        inputs.insert(inputs.end(), more.begin(), more.end());
-        TEffectNode* trigger = Add("TEmitter", TU_TRIGGER, {"Rate", "Start Delay"}, {"Count", "Time"});
-        Graph.Enum(trigger, "Emit Mode", {"Chance", "Steady=1", "Burst=2"}, 2);
-        Graph.Int(trigger, "Per frame max emission", 3);
-        Graph.Group(trigger, "Max life time", false, "<Scalar><name>Life Time</name></Scalar>");
-        TEffectNode* emitter = Add("TPointEmitter", TU_EMITTER, inputs, {{"Start", TY_TRANSFORM}});
-        TEffectNode* stage = Add("TEffectExecNode", TU_RENDER, {{"Place", TY_TRANSFORM}}, {});
-        Graph.Wire(trigger, 0, emitter, 0);
-        Graph.Wire(emitter, 0, stage, 0);
-        return emitter;
-    }
-    TAgreement Run(int frames = 3)
-    {
-        TErrorList errors;
-        LogOf([&] { Schedule.Create(Graph.GetGraph(), errors); });
-        Exec.SetBirthsApart(true);
-        TEfxFile file;
-        TAgreement result;
-        std::string error = TextsOf(errors).empty() ? "" : TextsOf(errors)[0];
-        if (error.empty() && Schedule.IsCreated() && Exec.Init(Schedule, errors, true)) {
-            LogOf([&] { ExportInto(Exec, file, error); });
-            CountConversions();
-        }
-        if (!error.empty() || !Exec.IsInited()) {
-            result.Differences.push_back("not exported: " + error);
-            return result;
-        }
-        TEffectReplay replay(file, Schedule);
-        return TReplayComparison(Exec, replay).Run(frames, 0.02f);
-    }
-    bool HasInputPair(const TPair& pair) const { return InputPairs.count(pair) != 0; }
-    bool HasOutputPair(const TPair& pair) const { return OutputPairs.count(pair) != 0; }
-    bool HasParentPair(const TPair& pair) const { return ParentPairs.count(pair) != 0; }
-
-    TTestGraph Graph;
-    TFakeServices Services;
-    TEffectSchedule Schedule;
-    TEffectExec Exec;
-
-private:
-    // From the wired type to the other.
-    void CountConversions()
-    {
-        for (int g = 0; g < Schedule.GetNumGroups(); ++g) {
-            for (int t = 0; t < Schedule.GetNumTiedNodes(g); ++t) {
-                const TNodeType* type = Schedule.GetNode(Schedule.GetTiedNode(g, t))->GetNodeType();
-                for (int p = 0; p < type->GetNumInputs(); ++p)
-                    if (Schedule.GetTiedNodeInput(g, t, p) != -1)
-                        ++InputPairs[{Schedule.GetAttributeType(g, Schedule.GetTiedNodeInput(g, t, p)),
-                                      type->GetInputType(p)}];
-                for (int p = 0; p < type->GetNumOutputs(); ++p)
-                    if (Schedule.GetTiedNodeOutput(g, t, p) != -1)
-                        ++OutputPairs[{type->GetOutputType(p),
-                                       Schedule.GetAttributeType(g, Schedule.GetTiedNodeOutput(g, t, p))}];
-            }
-            for (int a = 0; a < Schedule.GetNumAttributes(g); ++a)
-                if (Schedule.GetAttributeExternalGroup(g, a) != -1)
-                    ++ParentPairs[{Schedule.GetAttributeType(Schedule.GetAttributeExternalGroup(g, a),
-                                                             Schedule.GetAttributeExternalAttrib(g, a)),
-                                   Schedule.GetAttributeType(g, a)}];
-        }
-    }
-
-    std::map<TPair, int> InputPairs;
-    std::map<TPair, int> OutputPairs;
-    std::map<TPair, int> ParentPairs;
-};
 
 // For each pair of types; what has no conversion is among them.
 template <class TWork>
@@ -135,15 +13,8 @@ void ForEachPair(TWork&& work)
         }
 }
 
-void ExpectAgreement(const TAgreement& agreement)
-{
-    EXPECT_EQ(agreement.Differences, std::vector<std::string>());
-    EXPECT_GT(agreement.Equal, 0);
-    EXPECT_EQ(agreement.Near, 0);
-}
-
 // Nodes that take a value in three ways: as a whole, row by row with a constant, and row by row with itself.
-TEffectNode* AddTaker(TConversionBench& bench, const std::string& className, int type)
+TEffectNode* AddTaker(TEffectBench& bench, const std::string& className, int type)
 {
     if (className == "TConstant")
         return bench.Add("TConstant", TU_PROCESS, {{"Value", type}}, {{"Result", type}});
@@ -163,9 +34,9 @@ TEST(ConversionReplay, EachPairAtAnInput)
     for (const char* taker : Takers) {
         SCOPED_TRACE(taker);
         ForEachPair([&](int from, int to) {
-            TConversionBench bench;
+            TEffectBench bench;
             TEffectNode* emitter = bench.AddPopulation();
-            const TConversionBench::TShownValue value = bench.AddShownValue(emitter, from, {"Result", to});
+            const TEffectBench::TShownValue value = bench.AddShownValue(emitter, from, {"Result", to});
             TEffectNode* node = AddTaker(bench, taker, to);
             bench.Graph.Wire(value.Source, 0, node, 0);
             bench.Graph.Wire(node, 0, value.Stage, 2);
@@ -180,7 +51,7 @@ TEST(ConversionReplay, EachPairAtAnOutput)
     for (const char* taker : Takers) {
         SCOPED_TRACE(taker);
         ForEachPair([&](int from, int to) {
-            TConversionBench bench;
+            TEffectBench bench;
             bench.AddPopulation();
             TEffectNode* source = bench.AddSource(from);
             TEffectNode* node = AddTaker(bench, taker, from);
@@ -195,7 +66,7 @@ TEST(ConversionReplay, EachPairAtAnOutput)
 TEST(ConversionReplay, EachPairFromAParent)
 {
     ForEachPair([&](int from, int to) {
-        TConversionBench bench;
+        TEffectBench bench;
         TEffectNode* emitter = bench.AddPopulation();
         TEffectNode* stage = bench.Add("TEffectExecNode", TU_RENDER,
                                        {{"Place", TY_TRANSFORM}, {"Taken", to}, {"Marker", TY_SCALAR}}, {});
@@ -213,7 +84,7 @@ TEST(ConversionReplay, EachPairFromAParent)
 TEST(ConversionReplay, EachPairAtAFixedValueThatIsPassedOn)
 {
     ForEachPair([&](int from, int to) {
-        TConversionBench bench;
+        TEffectBench bench;
         bench.AddPopulation();
         bench.AddSink(bench.AddSource(from), 0, to);
         ExpectAgreement(bench.Run());
@@ -224,7 +95,7 @@ TEST(ConversionReplay, MixedTypesOfASum)
 {
     ForEachPair([&](int from, int to) {
         for (const char* taker : {"TAdd", "TMultiply"}) {
-            TConversionBench bench;
+            TEffectBench bench;
             bench.AddPopulation();
             TEffectNode* a = bench.AddSource(to);
             TEffectNode* b = bench.AddSource(from);
@@ -249,7 +120,7 @@ TEST(ConversionReplay, EachPairAtANodeThatWorksInPlace)
             // Motion works on places and transforms.
             if (to != TY_VECTOR3 && to != TY_TRANSFORM)
                 return;
-            TConversionBench bench;
+            TEffectBench bench;
             TEffectNode* emitter = bench.AddPopulation();
             TEffectNode* source = bench.AddSource(from);
             const int byType = mover == "TDamping" ? TY_SCALAR : TY_VECTOR3;
@@ -272,7 +143,7 @@ TEST(ConversionReplay, EachPairAtANodeThatWorksInPlace)
 TEST(ConversionReplay, APointEmitterStartsWhereItsWireTellsIt)
 {
     ForEachPair([&](int from, int to) {
-        TConversionBench bench;
+        TEffectBench bench;
         TEffectNode* emitter = bench.AddPopulation();
         TEffectNode* source = bench.AddSource(from);
         bench.AddSink(source, 0, from);
@@ -288,10 +159,9 @@ TEST(ConversionReplay, ASelectedComponentOfAnything)
     for (int component = 0; component < 5; ++component)
         for (int from = TY_SCALAR; from <= TY_TEXCOORDS; ++from) {
             SCOPED_TRACE(std::string(GetTypeName(from)) + ", " + std::to_string(component));
-            TConversionBench bench;
+            TEffectBench bench;
             TEffectNode* emitter = bench.AddPopulation();
-            const TConversionBench::TShownValue value =
-                bench.AddShownValue(emitter, from, {"Result", TY_COLOUR});
+            const TEffectBench::TShownValue value = bench.AddShownValue(emitter, from, {"Result", TY_COLOUR});
             TEffectNode* node =
                 bench.Add("TSelectComponent", TU_PROCESS, {{"Vector", TY_VECTOR3}}, {"Value"});
             bench.Graph.Enum(node, "Component", {"X", "Y", "Z", "Length", "Inverse"}, component);
@@ -305,7 +175,7 @@ TEST(ConversionReplay, ASelectedComponentOfAnything)
 TEST(ConversionReplay, ABypassedNodeConvertsToo)
 {
     ForEachPair([&](int from, int to) {
-        TConversionBench bench;
+        TEffectBench bench;
         bench.AddPopulation();
         TEffectNode* source = bench.AddSource(from);
         TEffectNode* node =
@@ -342,9 +212,9 @@ TEST(ConversionReplay, EveryTypeAtAScalarInput)
     for (const TScalarInput& input : table)
         for (int from = TY_SCALAR; from <= TY_TEXCOORDS; ++from) {
             SCOPED_TRACE(std::string(input.ClassName) + " fed with " + GetTypeName(from));
-            TConversionBench bench;
+            TEffectBench bench;
             TEffectNode* emitter = bench.AddPopulation();
-            const TConversionBench::TShownValue value =
+            const TEffectBench::TShownValue value =
                 bench.AddShownValue(emitter, from, {"Shown", input.Output.Type});
             TEffectNode* node = bench.Add(input.ClassName, TU_PROCESS, input.Inputs, {input.Output});
             bench.Graph.Wire(emitter, "Start", node, input.Through);
@@ -359,7 +229,7 @@ TEST(ConversionReplay, APruneFedWithAnythingTestsOneRow)
 {
     for (int from = TY_SCALAR; from <= TY_TEXCOORDS; ++from) {
         SCOPED_TRACE(GetTypeName(from));
-        TConversionBench bench;
+        TEffectBench bench;
         TEffectNode* emitter = bench.AddPopulation();
         bench.Graph.InputValue(emitter, "Transform", {1, 2, 3, 4, 5, 6});
         TEffectNode* turn = bench.Add("TConstant", TU_PROCESS, {{"Value", from}}, {{"Value", from}});
@@ -376,7 +246,7 @@ TEST(ConversionReplay, ANumberOfBirthsMayBeOfAnyType)
 {
     for (int from = TY_SCALAR; from <= TY_TEXCOORDS; ++from) {
         SCOPED_TRACE(GetTypeName(from));
-        TConversionBench bench;
+        TEffectBench bench;
         TEffectNode* source = bench.AddSource(from);
         bench.AddSink(source, 0, from);
         TEffectNode* emitter =
@@ -393,7 +263,7 @@ TEST(ConversionReplay, SoMayThatOfAnotherGroupThanTheParent)
 {
     for (int from = TY_SCALAR; from <= TY_TEXCOORDS; ++from) {
         SCOPED_TRACE(GetTypeName(from));
-        TConversionBench bench;
+        TEffectBench bench;
         TEffectNode* parent = bench.AddPopulation();
         TEffectNode* source = bench.AddSource(from);
         bench.AddSink(source, 0, from);
@@ -410,7 +280,7 @@ TEST(ConversionReplay, SoMayThatOfAnotherGroupThanTheParent)
 
 TEST(ConversionReplay, ChildrenOfOneParentHaveTheirOwnNumbers)
 {
-    TConversionBench bench;
+    TEffectBench bench;
     TEffectNode* parent = bench.AddPopulation();
     bench.Graph.InputValue(parent, "Transform", {1, 2, 3, 4, 5, 6});
     for (const float number : {1.0f, 2.0f}) {
@@ -429,6 +299,7 @@ TEST(ConversionReplay, ChildrenOfOneParentHaveTheirOwnNumbers)
         bench.Graph.Wire(parent, 0, stage, 1);
     }
     ExpectAgreement(bench.Run());
+    bench.RunEngine(3);
     std::vector<int> counts;
     for (int g = 0; g < bench.Exec.GetNumGroups(); ++g)
         if (!bench.Schedule.IsTriggerGroup(g))
@@ -440,7 +311,7 @@ TEST(ConversionReplay, ChildrenOfOneParentHaveTheirOwnNumbers)
 
 TEST(ConversionReplay, AnEventOfMoreRowsThanACommandHasNamesItsGroup)
 {
-    TConversionBench bench;
+    TEffectBench bench;
     TEffectNode* emitter = bench.AddPopulation();
     constexpr int numTransforms = 6;
     std::vector<TTestPort> inputs = {{"Place", TY_TRANSFORM}};

@@ -1,56 +1,35 @@
 #include "replaybench.h"
 
-#include "support/fakeservices.h"
 #include "support/randomgraph.h"
+#include "support/sampleservices.h"
 #include "support/testapp.h"
 
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <set>
 
 namespace {
 
-// Finds what the samples name.
-class TSampleServices : public TFakeServices
-{
-public:
-    bool FindResource(const char* name, TString& path) override
-    {
-        path = SourcePath(std::string("samples/animations/") + name).c_str();
-        return true;
-    }
-};
-
 // A document's effect beside the replay of its export. Textures need not exist.
-class TDocumentReplay
+class TReplayedDocument
 {
 public:
-    explicit TDocumentReplay(TDocument& document) : Document(document), Exec(Services) {}
-    ~TDocumentReplay() { Exec.Clear(); }
+    explicit TReplayedDocument(TDocument& document) : Document(document) {}
 
     // False if the effect cannot be scheduled, started or exported.
     bool Run(int frames, TAgreement& agreement)
     {
         TErrorList errors;
-        Exec.SetBirthsApart(true);
         if (!Document.CreateSchedule(errors))
             return false;
-        bool inited = false;
-        const std::string assertion =
-            AssertionOf([&] { inited = Exec.Init(Document.GetSchedule(), errors, true); });
-        if (!inited || !assertion.empty())
-            return false;
-        TEfxFile file;
         std::string error;
-        ExportInto(Exec, file, error);
-        if (!error.empty())
-            return false;
-        for (int g = 0; g < file.GetGroups().size(); ++g)
-            IsRounded = IsRounded ||
-                        (!file.GetGroups()[g].IsTriggerGroup &&
-                         file.GetGroups()[g].ParticleCount != Document.GetSchedule().GetParticleCount(g));
-        TEffectReplay replay(file, Document.GetSchedule());
-        return AssertionOf([&] { agreement = TReplayComparison(Exec, replay).Run(frames, 0.02f); }).empty();
+        TReplayOptions options;
+        options.Frames = frames;
+        agreement = CompareWithReplay(Document.GetSchedule(), Services, options, error);
+        for (const std::string& note : agreement.Notes)
+            IsRounded = IsRounded || note.find("is rounded up") != std::string::npos;
+        return error.empty();
     }
     // Whether preview and console start or end from different numbers, as they are told to: a store that is
     // rounded up, a clock that several places share, a value that the trigger group works on in place.
@@ -84,7 +63,6 @@ public:
 private:
     TDocument& Document;
     TSampleServices Services;
-    TEffectExec Exec;
     bool IsRounded = false;
 };
 
@@ -99,30 +77,51 @@ bool IsExportedWhole(const std::set<std::string>& classes)
 
 } // namespace
 
+// What the samples show that the console does not know. All others agree to the bit, and the one that has a
+// volume does so as well, as nothing that is drawn hangs on it.
+const std::map<std::string, std::string> Differing = {
+    {"comet", "Animation Path"}, {"fireflies", "Noise"}, {"flipbook", "Grid"},
+    {"leaves", "Grid"},          {"rain", "Grid"},       {"tiles", "Grid"},
+};
+
 TEST(DocumentReplay, SamplesAgreeButForWhatIsNotExported)
 {
     TTestApp app;
     const TQuiet quiet;
-    int agreeing = 0;
+    int numSamples = 0;
     for (const auto& entry : std::filesystem::directory_iterator(SourcePath("samples"))) {
         if (entry.path().extension() != ".effect")
             continue;
-        SCOPED_TRACE(entry.path().stem().string());
+        const std::string name = entry.path().stem().string();
+        SCOPED_TRACE(name);
         TDocument document(app.Get());
         ASSERT_TRUE(document.BatchLoad(entry.path().c_str()));
         TErrorList errors;
-        ASSERT_TRUE(document.ResolveTypes(errors));
-        TDocumentReplay replay(document);
-        TAgreement agreement;
-        ASSERT_TRUE(replay.Run(100, agreement));
-        EXPECT_GT(agreement.Equal + agreement.Unknown, 0);
-        if (!IsExportedWhole(replay.Classes()))
-            continue;
-        ++agreeing;
-        EXPECT_EQ(agreement.Differences, std::vector<std::string>());
-        EXPECT_EQ(agreement.Near, 0);
+        ASSERT_TRUE(document.ResolveTypes(errors) && document.CreateSchedule(errors));
+        TSampleServices services;
+        TReplayComparison comparison(document.GetSchedule(), services);
+        ASSERT_TRUE(comparison.Export(errors) && comparison.Run(TReplayOptions(), errors));
+        const TReplayReport& report = comparison.GetReport();
+        ++numSamples;
+        EXPECT_GE(report.NumFrames, 100);
+        EXPECT_GT(report.NumEqual, 0);
+        EXPECT_EQ(0, report.NumUnknown);
+        EXPECT_EQ(0, report.NumUndefined);
+        const auto reason = Differing.find(name);
+        if (reason == Differing.end()) {
+            EXPECT_EQ(AgreementOf(report).Differences, std::vector<std::string>());
+        } else {
+            EXPECT_FALSE(report.GetDifferences().empty());
+        }
+        for (const TReplayDifference& difference : report.GetDifferences()) {
+            EXPECT_EQ(DK_VALUE, difference.Kind);
+            ASSERT_NE(nullptr, difference.Place.Node);
+            if (reason != Differing.end()) {
+                EXPECT_EQ(reason->second, difference.Place.Node->GetNodeType()->Name.Print());
+            }
+        }
     }
-    EXPECT_EQ(agreeing, 8);
+    EXPECT_EQ(15, numSamples);
 }
 
 TEST(DocumentReplay, RandomEffectsAgreeButForWhatIsNotExported)
@@ -140,7 +139,7 @@ TEST(DocumentReplay, RandomEffectsAgreeButForWhatIsNotExported)
         TRandomGraph graph(app.Get(), document, dice);
         graph.AddSystem();
         graph.Build(static_cast<int>(seed % 30));
-        TDocumentReplay replay(document);
+        TReplayedDocument replay(document);
         TAgreement agreement;
         if (!replay.Run(20, agreement) || !IsExportedWhole(replay.Classes()) || replay.DiffersAsTold())
             continue;

@@ -1,0 +1,110 @@
+// Where windows stand, and how they come back there.
+
+#include "library/wimp/window.h"
+#include "library/wimp/windowpeer.h"
+
+#include <QtGui/QScreen>
+#include <QtGui/QWindow>
+#include <QtWidgets/QMdiArea>
+#include <QtWidgets/QMdiSubWindow>
+
+#include <cstdio>
+
+namespace {
+
+// What a document's frame remembers of the time before it was maximised or minimised.
+constexpr const char* NormalPlace = "normalplace";
+constexpr const char* DocumentPlace = "%d %d %d %d %d";
+
+TWindowArea ToArea(const QRect& rect)
+{
+    TWindowArea area;
+    area.Left = rect.left();
+    area.Top = rect.top();
+    area.Right = rect.right() + 1;
+    area.Bottom = rect.bottom() + 1;
+    return area;
+}
+
+// So much of a title bar must be in sight that it can be taken hold of.
+bool CanBeReached(const QRect& frame, const QRect& room)
+{
+    constexpr int Least = 60;
+    const QRect seen = frame & room;
+    return seen.width() >= qMin(Least, frame.width()) && frame.top() >= room.top() &&
+           frame.top() + Least / 2 <= room.bottom();
+}
+
+bool PlaceDocument(QMdiSubWindow& frame, const char* place)
+{
+    int values[5] = {};
+    if (sscanf(place, DocumentPlace, &values[0], &values[1], &values[2], &values[3], &values[4]) != 5)
+        return false;
+    const QRect rect(values[0], values[1], values[2], values[3]);
+    const QRect room = frame.mdiArea() != nullptr ? frame.mdiArea()->viewport()->rect() : QRect();
+    if (!rect.isValid() || !CanBeReached(rect, room))
+        return false;
+    frame.setGeometry(rect);
+    if (values[4] != 0)
+        frame.showMaximized();
+    return true;
+}
+
+} // namespace
+
+void TWindow::GetPlace(TString& place) const
+{
+    place = nullptr;
+    if (Peer == nullptr)
+        return;
+    const QMdiSubWindow* frame = Peer->SubWindow;
+    if (frame == nullptr) {
+        if (Handle->isWindow() && Handle->testAttribute(Qt::WA_WState_Created))
+            place = Handle->saveGeometry().toBase64().constData();
+        return;
+    }
+    const bool isNormal = !frame->isMaximized() && !frame->isMinimized();
+    const QRect rect = isNormal ? frame->geometry() : frame->property(NormalPlace).toRect();
+    if (rect.isValid())
+        place.Format(DocumentPlace, rect.x(), rect.y(), rect.width(), rect.height(),
+                     frame->isMaximized() ? 1 : 0);
+}
+
+bool TWindow::SetPlace(const char* place)
+{
+    if (Peer == nullptr || place == nullptr || *place == 0)
+        return false;
+    if (Peer->SubWindow != nullptr)
+        return PlaceDocument(*Peer->SubWindow, place);
+    // Back on a screen that is there, whatever has become of the one where it stood.
+    return Handle->isWindow() && Handle->restoreGeometry(QByteArray::fromBase64(QByteArray(place)));
+}
+
+void TWindow::GetFrameArea(TWindowArea& area) const
+{
+    area = TWindowArea();
+    if (Peer == nullptr)
+        return;
+    const QWidget* frame = Peer->GetFrame();
+    area = ToArea(frame->isWindow() ? frame->frameGeometry()
+                                    : QRect(frame->mapToGlobal(QPoint(0, 0)), frame->size()));
+}
+
+void TWindow::GetScreenArea(TWindowArea& area) const
+{
+    area = Handle != nullptr ? ToArea(Handle->screen()->availableGeometry()) : TWindowArea();
+}
+
+void TWindow::StayOver(TWindow& window)
+{
+    if (Handle == nullptr || window.GetHandle() == nullptr)
+        return;
+    // Of windows that are no dialogs the system is not told whose they are.
+    Handle->setWindowFlags((Handle->windowFlags() & ~Qt::WindowType_Mask) | Qt::Dialog |
+                           Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
+    // Makes it known to the system.
+    Handle->winId();
+    QWindow* behind = window.GetHandle()->window()->windowHandle();
+    if (Handle->windowHandle() != nullptr && behind != nullptr)
+        Handle->windowHandle()->setTransientParent(behind);
+}

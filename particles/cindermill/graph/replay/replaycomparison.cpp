@@ -1,0 +1,294 @@
+#include "particles/cindermill/graph/replay/replaycomparison.h"
+
+#include "particles/cindermill/graph/engine/effectexecnode.h"
+#include "particles/cindermill/graph/replay/differencesource.h"
+#include "particles/cindermill/graph/replay/replaynotes.h"
+#include "particles/cindermill/graph/replay/stagecomparison.h"
+#include "particles/cindermill/graph/replay/tablecomparison.h"
+#include "particles/effectgraph/error.h"
+
+#include <cmath>
+
+namespace {
+// Behind arithmetic of another kind, of a value's largest component.
+constexpr double Tolerance = 1e-5;
+
+template <class TWork>
+bool RunAsserting(TErrorList& errors, TWork&& work)
+{
+    bool result = false;
+    TString text;
+    if (RunGuarded([&] { result = work(); }, text))
+        return result;
+    errors.Add(new TError("%s", text.Print()));
+    return false;
+}
+
+double GetLargest(const float* value, int count)
+{
+    double largest = 0;
+    for (int i = 0; i < count; ++i)
+        if (std::fabs(static_cast<double>(value[i])) > largest)
+            largest = std::fabs(static_cast<double>(value[i]));
+    return largest;
+}
+} // namespace
+
+int CountReplayFrames(const TEffectSchedule& schedule, float dt)
+{
+    constexpr int extra = 50;
+    constexpr int least = 100;
+    constexpr int most = 1000;
+    double life = 0;
+    for (int group = 0; group < schedule.GetNumGroups(); ++group)
+        if (schedule.GetMaxLifeTime(group) > life)
+            life = schedule.GetMaxLifeTime(group);
+    const double needed = dt > 0 ? std::ceil(life / dt) + extra : least;
+    return needed < least ? least : needed > most ? most : static_cast<int>(needed);
+}
+
+// The program's, but for what an export in memory has no use for.
+class TReplayComparison::TServices : public TExecServices
+{
+public:
+    explicit TServices(TExecServices& services) : Services(services) {}
+    // Nobody looks at the engine's traces.
+    int GetTraceParticleSize() const override { return 0; }
+    int GetTraceAttributeSize() const override { return 1; }
+    int GetPolicyFlags() const override { return 0; }
+    bool FindResource(const char* name, TString& path) override { return Services.FindResource(name, path); }
+    bool LoadTexture(const char* path, TRenderTextureInstance& texture) override
+    {
+        return Services.LoadTexture(path, texture);
+    }
+    void Warn(const char* text) override { Services.Warn(text); }
+
+private:
+    TExecServices& Services;
+};
+
+TReplayComparison::TReplayComparison(const TEffectSchedule& schedule, TExecServices& services)
+    : Schedule(schedule), Services(new TServices(services)), Engine(*Services)
+{
+    Engine.SetBirthsApart(true);
+    Engine.SetTexturesUsed(false);
+}
+
+TReplayComparison::~TReplayComparison()
+{
+    Engine.Clear();
+}
+
+bool TReplayComparison::InitEngine(const TReplayOptions& options, TErrorList& errors)
+{
+    Engine.SetSeed(options.Seed);
+    const bool inited = RunAsserting(errors, [&] { return Engine.Init(Schedule, errors, true); });
+    if (!inited)
+        Engine.Clear();
+    return inited;
+}
+
+bool TReplayComparison::Export(TErrorList& errors)
+{
+    Bytes.clear();
+    if (!InitEngine(TReplayOptions(), errors))
+        return false;
+    return RunAsserting(errors, [&] {
+        TExportData data(Schedule);
+        if (!Engine.Export(data, errors))
+            return false;
+        data.GetEfx(Bytes);
+        return true;
+    });
+}
+
+bool TReplayComparison::LoadBytes(TEfxFile& file, TErrorList& errors) const
+{
+    TString fault;
+    if (!file.LoadBytes(Bytes, fault))
+        errors.Add(new TError("The exported file is not sound: %s", fault.Print()));
+    else if (file.GetGroups().size() != Schedule.GetNumGroups())
+        errors.Add(new TError("The exported file has %d groups and the effect %d", file.GetGroups().size(),
+                              Schedule.GetNumGroups()));
+    else
+        return true;
+    return false;
+}
+
+bool TReplayComparison::Run(const TReplayOptions& options, TErrorList& errors)
+{
+    Report = TReplayReport();
+    TEfxFile file;
+    if (!LoadBytes(file, errors) || !InitEngine(options, errors))
+        return false;
+    const int frames = options.Frames == TReplayOptions::FramesOfTheLongestLife
+                           ? CountReplayFrames(Schedule, options.Dt)
+                           : options.Frames;
+    return RunAsserting(errors, [&] {
+        TEffectReplay replay(file, Schedule, options.Seed);
+        AddReplayNotes(Schedule, file, Report);
+        CompareStages(Engine, file, Report);
+        CompareTables(Engine, replay, Report);
+        ListAttributes(replay);
+        for (int frame = 1; frame <= frames; ++frame)
+            RunFrame(replay, frame, options.Dt);
+        AddRefusalNotes(replay, Report);
+        FindDifferenceSources(Schedule, Report);
+        return true;
+    });
+}
+
+void TReplayComparison::ListAttributes(TEffectReplay& replay)
+{
+    Attributes.clear();
+    InStep.clear();
+    for (int group = 0; group < Schedule.GetNumGroups(); ++group) {
+        InStep.push_back(true);
+        for (int attrib = 0; attrib < Schedule.GetNumAttributes(group); ++attrib) {
+            if (attrib == replay.GetTriggerInput(group))
+                continue;
+            TAttribute attribute;
+            attribute.Group = group;
+            attribute.Attribute = attrib;
+            attribute.Usage = Schedule.GetAttributeUsage(group, attrib);
+            attribute.MayBeUndefined =
+                attribute.Usage == TU_EMITTER && Schedule.GetAttributeExternalGroup(group, attrib) != -1;
+            attribute.NumComponents = GetTypeFloats(Schedule.GetAttributeType(group, attrib));
+            Attributes.push_back(attribute);
+        }
+    }
+}
+
+void TReplayComparison::RunFrame(TEffectReplay& replay, int frame, float dt)
+{
+    Frame = frame;
+    Engine.Update(dt);
+    replay.Update(dt);
+    for (int group = 0; group < Schedule.GetNumGroups(); ++group)
+        InStep[group] = CompareCounts(replay, group) && InStep[group];
+    for (const TAttribute& attribute : Attributes)
+        if (InStep[attribute.Group])
+            CompareAttribute(replay, attribute);
+    ++Report.NumFrames;
+}
+
+// What is told of single particles makes sense only where the particles are the same.
+bool TReplayComparison::CompareCounts(TEffectReplay& replay, int group)
+{
+    if (!replay.IsCountKnown(group)) {
+        DifferInCount(group, DK_UNKNOWN, Engine.GetNumParticles(group), 0);
+        return false;
+    }
+    const int count = Schedule.IsTriggerGroup(group) ? 1 : Engine.GetNumParticles(group);
+    Report.NumParticles += count;
+    if (count == replay.GetNumParticles(group))
+        return true;
+    DifferInCount(group, DK_COUNT, count, replay.GetNumParticles(group));
+    return false;
+}
+
+void TReplayComparison::CompareAttribute(TEffectReplay& replay, const TAttribute& attribute)
+{
+    const int count = replay.GetNumParticles(attribute.Group);
+    if (count == 0)
+        return;
+    const TReplayColumns cells = replay.GetCells(attribute.Group);
+    TColumns columns;
+    for (int i = 0; i < attribute.NumComponents; ++i) {
+        const int cell = replay.FindCell(attribute.Group, attribute.Attribute, i);
+        columns.Components[i] = cell != -1 ? cells[cell] : TReplayColumn();
+    }
+    int particle = 0;
+    Engine.GetGroup(attribute.Group)
+        ->ForEachValue(attribute.Attribute, attribute.Usage, 0, count, [&](const float* value) {
+            CompareValue(TShown{attribute, value, particle++}, columns);
+        });
+}
+
+void TReplayComparison::CompareValue(const TShown& shown, const TColumns& columns)
+{
+    for (int i = 0; i < shown.Attribute.NumComponents; ++i) {
+        const TReplayColumn& column = columns.Components[i];
+        TReplayCell cell;
+        if (column.Values != nullptr)
+            cell = TReplayCell{column.Values[shown.Particle], column.States[shown.Particle]};
+        if (cell.State == CS_DEFINED && shown.Value[i] == cell.Value) {
+            ++Report.NumCompared;
+            ++Report.NumEqual;
+        } else {
+            CompareComponent(shown, i, cell);
+        }
+    }
+}
+
+void TReplayComparison::CompareComponent(const TShown& shown, int component, const TReplayCell& cell)
+{
+    if (cell.State == CS_UNDEFINED && shown.Attribute.MayBeUndefined)
+        return;
+    if (cell.State == CS_UNDEFINED || cell.State == CS_UNKNOWN) {
+        ++Report.NumCompared;
+        const bool isUnknown = cell.State == CS_UNKNOWN;
+        ++(isUnknown ? Report.NumUnknown : Report.NumUndefined);
+        Differ(shown, component, isUnknown ? DK_UNKNOWN : DK_UNDEFINED, 0);
+        return;
+    }
+    const float preview = shown.Value[component];
+    if (Report.Compare(preview, cell.Value))
+        return;
+    const double largest = GetLargest(shown.Value, shown.Attribute.NumComponents);
+    if (cell.State == CS_NEAR && GetDistance(preview, cell.Value) <= Tolerance * largest)
+        ++Report.NumEqual;
+    else
+        Differ(shown, component, DK_VALUE, cell.Value);
+}
+
+void TReplayComparison::Differ(const TShown& shown, int component, TDifferenceKind kind, float replay)
+{
+    const int group = shown.Attribute.Group;
+    const int attrib = shown.Attribute.Attribute;
+    TReplayDifference difference;
+    difference.Kind = kind;
+    difference.Preview = shown.Value[component];
+    difference.Replay = replay;
+    difference.Worst = kind == DK_VALUE ? GetDistance(difference.Preview, replay) : 0;
+    TReplayDifference* known = Report.Find(group, attrib, kind);
+    if (known == nullptr) {
+        TReplayPlace& place = difference.Place;
+        place.Frame = Frame;
+        place.Time = Engine.GetTime();
+        place.Group = group;
+        place.Attribute = attrib;
+        if (shown.Attribute.Usage >= TU_EMITTER && !Schedule.IsTriggerGroup(group)) {
+            place.Particle = shown.Particle;
+            place.Global = Engine.GetGroup(group)->GetGlobalParticle(shown.Particle, TU_PROCESS);
+        }
+        place.Name = Schedule.GetAttributeName(group, attrib);
+        place.Type = Schedule.GetAttributeType(group, attrib);
+        place.Component = component;
+    }
+    Count(known, difference);
+}
+
+void TReplayComparison::DifferInCount(int group, TDifferenceKind kind, int preview, int replay)
+{
+    TReplayDifference difference;
+    difference.Kind = kind;
+    difference.Preview = static_cast<float>(preview);
+    difference.Replay = static_cast<float>(replay);
+    difference.Worst = kind == DK_COUNT ? GetDistance(difference.Preview, difference.Replay) : 0;
+    difference.Place.Frame = Frame;
+    difference.Place.Time = Engine.GetTime();
+    difference.Place.Group = group;
+    Count(Report.Find(group, -1, kind), difference);
+}
+
+void TReplayComparison::Count(TReplayDifference* known, const TReplayDifference& difference)
+{
+    if (known == nullptr) {
+        Report.Add(difference);
+        known = Report.Find(difference.Place.Group, difference.Place.Attribute, difference.Kind);
+    }
+    ++known->Times;
+    if (difference.Worst > known->Worst)
+        known->Worst = difference.Worst;
+}

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "library/containers/owner.h"
+#include "particles/cindermill/graph/engine/effectexec.h"
+#include "particles/cindermill/graph/replay/effectreplay.h"
+#include "particles/cindermill/graph/replay/replayreport.h"
+
+struct TReplayOptions
+{
+    // As many as the longest life needs, and 50: see CountReplayFrames.
+    static constexpr int FramesOfTheLongestLife = -1;
+
+    int Frames = FramesOfTheLongestLife;
+    // Seconds of a frame.
+    float Dt = 0.02f;
+    // Of all that is drawn at random.
+    uint32_t Seed = 0;
+};
+
+// At least 100, at most 1,000.
+int CountReplayFrames(const TEffectSchedule& schedule, float dt);
+
+// Holds what the preview of an effect shows against what its exported file does: an engine and the replay of
+// the file's bytes, side by side. The engine is its own, with births apart as the console has them; nothing
+// is written, and no texture is read.
+//
+//     TReplayComparison comparison(schedule, services);
+//     if (comparison.Export(errors) && comparison.Run(options, errors))
+//         ... comparison.GetReport().GetDifferences(), GetNotes() ...
+class TReplayComparison
+{
+public:
+    // Refers to both. The policies of `services` play no part.
+    TReplayComparison(const TEffectSchedule& schedule, TExecServices& services);
+    ~TReplayComparison();
+    TReplayComparison(const TReplayComparison&) = delete;
+    TReplayComparison& operator=(const TReplayComparison&) = delete;
+
+    // The file's bytes. False with errors if there are none; errors that leave a file may come with true.
+    bool Export(TErrorList& errors);
+    // What Run reads back.
+    vector<uint8_t>& GetBytes() { return Bytes; }
+    // From the first frame on; false with errors if the file is not sound or the engine fails. What was
+    // compared until then stands.
+    bool Run(const TReplayOptions& options, TErrorList& errors);
+    const TReplayReport& GetReport() const { return Report; }
+
+private:
+    class TServices;
+    // What is asked of each attribute in each frame.
+    struct TAttribute
+    {
+        int Group = 0;
+        int Attribute = 0;
+        // Which births bring from elsewhere and do not keep.
+        bool MayBeUndefined = false;
+        int NumComponents = 0;
+        int Usage = 0;
+    };
+    struct TColumns
+    {
+        TReplayColumn Components[MaxValueFloats];
+    };
+    // A value as the preview has it.
+    struct TShown
+    {
+        const TAttribute& Attribute;
+        const float* Value;
+        int Particle;
+    };
+
+    bool InitEngine(const TReplayOptions& options, TErrorList& errors);
+    bool LoadBytes(TEfxFile& file, TErrorList& errors) const;
+    void ListAttributes(TEffectReplay& replay);
+    void RunFrame(TEffectReplay& replay, int frame, float dt);
+    bool CompareCounts(TEffectReplay& replay, int group);
+    void CompareAttribute(TEffectReplay& replay, const TAttribute& attribute);
+    void CompareValue(const TShown& shown, const TColumns& columns);
+    void CompareComponent(const TShown& shown, int component, const TReplayCell& cell);
+    void Differ(const TShown& shown, int component, TDifferenceKind kind, float replay);
+    void DifferInCount(int group, TDifferenceKind kind, int preview, int replay);
+    void Count(TReplayDifference* known, const TReplayDifference& difference);
+
+    const TEffectSchedule& Schedule;
+    TOwner<TServices> Services;
+    TEffectExec Engine;
+    vector<uint8_t> Bytes;
+    TReplayReport Report;
+    vector<TAttribute> Attributes;
+    // By group: whether its particles are those of the preview until now.
+    vector<bool> InStep;
+    int Frame = 0;
+};

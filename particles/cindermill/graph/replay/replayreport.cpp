@@ -1,0 +1,78 @@
+#include "particles/cindermill/graph/replay/replayreport.h"
+
+#include <cmath>
+#include <limits>
+
+const char* GetDifferenceKindName(TDifferenceKind kind)
+{
+    static const char* const names[DK_NUMKINDS] = {"value", "undefined", "unknown", "count", "stage"};
+    return names[kind];
+}
+
+bool IsSameNumber(float a, float b)
+{
+    return a == b || (std::isnan(a) && std::isnan(b));
+}
+
+double GetDistance(float a, float b)
+{
+    if (IsSameNumber(a, b))
+        return 0;
+    const double distance = std::fabs(static_cast<double>(a) - b);
+    return std::isfinite(distance) ? distance : std::numeric_limits<double>::infinity();
+}
+
+TString TReplayReport::GetSummary() const
+{
+    TString text;
+    text.Format(
+        "%lld values compared, %lld equal, %lld undefined, %lld unknown, %lld particles counted in %d "
+        "frames",
+        static_cast<long long>(NumCompared), static_cast<long long>(NumEqual),
+        static_cast<long long>(NumUndefined), static_cast<long long>(NumUnknown),
+        static_cast<long long>(NumParticles), NumFrames);
+    return text;
+}
+
+TReplayDifference* TReplayReport::Find(int group, int attribute, TDifferenceKind kind)
+{
+    for (TReplayDifference& difference : Differences)
+        if (difference.Kind == kind && difference.Place.Group == group &&
+            difference.Place.Attribute == attribute)
+            return &difference;
+    return nullptr;
+}
+
+void TReplayReport::Add(const TReplayDifference& difference)
+{
+    Differences.push_back(difference);
+}
+
+bool TReplayReport::Compare(float preview, float replay)
+{
+    ++NumCompared;
+    if (!IsSameNumber(preview, replay))
+        return false;
+    ++NumEqual;
+    return true;
+}
+
+void TReplayReport::CompareFixed(const TReplayPlace& place, TDifferenceKind kind, float preview, float replay)
+{
+    if (Compare(preview, replay))
+        return;
+    const double distance = GetDistance(preview, replay);
+    TReplayDifference* known = Find(place.Group, place.Attribute, kind);
+    if (known == nullptr) {
+        TReplayDifference difference;
+        difference.Place = place;
+        difference.Kind = kind;
+        difference.Preview = preview;
+        difference.Replay = replay;
+        Add(difference);
+        known = Find(place.Group, place.Attribute, kind);
+    }
+    ++known->Times;
+    if (distance > known->Worst)
+        known->Worst = distance;
+}

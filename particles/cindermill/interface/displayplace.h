@@ -1,0 +1,12 @@
+#pragma once
+
+#include "library/containers/vector.h"
+#include "library/wimp/window.h"
+
+// Where an effect's display stands when it is first shown: where it was meant to, if that leaves the graph in
+// sight, otherwise beside the graph, if that leaves enough of the display; and not exactly upon another one.
+// `room` is what there is on the screen.
+TWindowArea FindDisplayPlace(const TWindowArea& meant, const TWindowArea& graph, const TWindowArea& room,
+                             const vector<TWindowArea>& others);
+
+bool DoAreasOverlap(const TWindowArea& a, const TWindowArea& b);

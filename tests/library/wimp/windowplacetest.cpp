@@ -1,0 +1,152 @@
+#include "library/wimp/mdi.h"
+#include "library/wimp/menu.h"
+#include "support/windowtest.h"
+
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QMainWindow>
+#include <QtWidgets/QMdiArea>
+#include <QtWidgets/QMdiSubWindow>
+
+namespace {
+
+class TWindowPlaceTest : public TWindowTest
+{
+protected:
+    void SetUp() override
+    {
+        TWindowParams params;
+        params.Class = &Class;
+        params.Kind = WK_MAIN;
+        params.Width = 900;
+        params.Height = 700;
+        ASSERT_TRUE(Frame.CreateFrame(params, Menu));
+        Frame.Show();
+        Settle();
+    }
+    void MakeChild(TWindow& child, int x)
+    {
+        TWindowParams params;
+        params.Class = &ChildClass;
+        params.Owner = &Frame;
+        params.Kind = WK_MDICHILD;
+        params.X = x;
+        params.Y = 30;
+        params.Width = 400;
+        params.Height = 300;
+        ASSERT_TRUE(child.Create(params));
+        child.Show();
+        Settle();
+    }
+    static QMdiSubWindow& FrameOf(TWindow& child)
+    {
+        return *qobject_cast<QMdiSubWindow*>(child.GetHandle()->parentWidget());
+    }
+
+    TWindowClass Class{"test_placeframe"};
+    TWindowClass ChildClass{"test_placechild"};
+    TMenu Menu;
+    TMDIFrame Frame;
+};
+
+} // namespace
+
+TEST_F(TWindowPlaceTest, ADocumentWindowComesBackWhereItStood)
+{
+    TString place;
+    QRect before;
+    {
+        TWindow child;
+        MakeChild(child, 20);
+        FrameOf(child).setGeometry(70, 60, 500, 410);
+        Settle();
+        before = FrameOf(child).geometry();
+        child.GetPlace(place);
+    }
+    TWindow child;
+    MakeChild(child, 20);
+    EXPECT_TRUE(child.SetPlace(place));
+    EXPECT_EQ(FrameOf(child).geometry(), before);
+    EXPECT_FALSE(FrameOf(child).isMaximized());
+}
+
+TEST_F(TWindowPlaceTest, AMaximisedOneComesBackMaximisedAndKnowsItsSmallPlace)
+{
+    TString place;
+    {
+        TWindow child;
+        MakeChild(child, 20);
+        FrameOf(child).setGeometry(70, 60, 500, 410);
+        FrameOf(child).showMaximized();
+        Settle();
+        child.GetPlace(place);
+    }
+    TWindow child;
+    MakeChild(child, 20);
+    EXPECT_TRUE(child.SetPlace(place));
+    EXPECT_TRUE(FrameOf(child).isMaximized());
+    FrameOf(child).showNormal();
+    Settle();
+    EXPECT_EQ(FrameOf(child).geometry(), QRect(70, 60, 500, 410));
+}
+
+TEST_F(TWindowPlaceTest, APlaceThatCannotBeReachedIsLeftAlone)
+{
+    TWindow child;
+    MakeChild(child, 20);
+    const QRect before = FrameOf(child).geometry();
+    for (const char* place :
+         {"5000 30 400 300 0", "20 -300 400 300 0", "20 30 -4 300 0", "nonsense", "", "1 2"})
+        EXPECT_FALSE(child.SetPlace(place)) << place;
+    EXPECT_FALSE(child.SetPlace(nullptr));
+    EXPECT_EQ(FrameOf(child).geometry(), before);
+}
+
+TEST_F(TWindowPlaceTest, AWindowOfItsOwnComesBackWhereItStood)
+{
+    TWindowClass windowClass("test_placetop");
+    TString place;
+    QRect before;
+    {
+        TWindow window;
+        ShowTopWindow(window, windowClass);
+        window.MoveTo(140, 120, 333, 222);
+        Settle();
+        before = window.GetHandle()->geometry();
+        window.GetPlace(place);
+    }
+    ASSERT_FALSE(place.IsEmpty());
+    TWindow window;
+    ShowTopWindow(window, windowClass);
+    EXPECT_TRUE(window.SetPlace(place));
+    Settle();
+    EXPECT_EQ(window.GetHandle()->geometry(), before);
+    EXPECT_FALSE(window.SetPlace("nonsense"));
+}
+
+// The next document was behind the one that has gone, and is seen as that one was.
+TEST_F(TWindowPlaceTest, ClosingAMaximisedDocumentLeavesTheNextMaximised)
+{
+    TWindow first;
+    TWindow second;
+    MakeChild(first, 20);
+    {
+        TWindow third;
+        MakeChild(second, 40);
+        MakeChild(third, 60);
+        FrameOf(third).showMaximized();
+        Settle();
+        third.Destroy();
+        Settle();
+    }
+    const bool firstFills = FrameOf(first).isMaximized();
+    const bool secondFills = FrameOf(second).isMaximized();
+    EXPECT_NE(firstFills, secondFills);
+    TWindow& front = firstFills ? first : second;
+    EXPECT_EQ(Frame.GetActiveChild(), &front);
+    FrameOf(front).showNormal();
+    Settle();
+    front.Destroy();
+    Settle();
+    TWindow& last = firstFills ? second : first;
+    EXPECT_FALSE(FrameOf(last).isMaximized());
+}

@@ -1,0 +1,174 @@
+#include "particles/cindermill/interface/startpage.h"
+
+#include "support/fakehost.h"
+#include "support/testapp.h"
+#include "support/windowtest.h"
+
+#include "particles/cindermill/interface/documentwindows.h"
+#include "particles/cindermill/interface/mainwindow.h"
+
+#include <QtGui/QImage>
+#include <QtTest/QTest>
+#include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QApplication>
+
+#include <filesystem>
+
+namespace {
+
+class TStartHost : public TFakeAppHost
+{
+public:
+    TDocumentHost* CreateDocumentHost() override { return new TDocumentWindows(Window); }
+    void RebuildRecentFiles(const vector<TString>& files) override { Window->RebuildRecentFiles(files); }
+    TMainWindow* Window = nullptr;
+};
+
+class StartPage : public TWindowTest
+{
+protected:
+    StartPage() : App(&Host), Window(App.Get())
+    {
+        App.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples/textures").c_str());
+        App.Get().GetSamples().SetFolder(SourcePath("samples").c_str());
+        Host.Window = &Window;
+    }
+    ~StartPage() override
+    {
+        const vector<TDocument*> documents = App.Get().GetDocuments();
+        for (TDocument* document : documents)
+            App.Get().CloseDocument(document);
+    }
+    void SetUp() override
+    {
+        ASSERT_TRUE(Window.Create());
+        Window.Show();
+        Window.BringToTop();
+        Settle();
+    }
+
+    QWidget* Page() { return Window.GetHandle()->findChild<QWidget*>("startpage"); }
+    // The entries that are seen.
+    QStringList Texts()
+    {
+        QStringList texts;
+        for (const QAbstractButton* button : Page()->findChildren<QAbstractButton*>())
+            if (button->isVisible() && button->objectName().startsWith("entry"))
+                texts << button->text();
+        return texts;
+    }
+    QAbstractButton* Entry(const QString& text)
+    {
+        for (QAbstractButton* button : Page()->findChildren<QAbstractButton*>())
+            if (button->isVisible() && button->text() == text)
+                return button;
+        return nullptr;
+    }
+    void Click(const QString& text)
+    {
+        QAbstractButton* button = Entry(text);
+        ASSERT_NE(button, nullptr) << text.toStdString();
+        QTest::mouseClick(button, Qt::LeftButton);
+        Settle();
+    }
+    int NumDocuments() { return App.Get().GetDocuments().size(); }
+    TDocument& Newest() { return **(App.Get().GetDocuments().end() - 1); }
+
+    TQuiet Quiet;
+    TStartHost Host;
+    TTestApp App;
+    TMainWindow Window;
+};
+
+} // namespace
+
+TEST_F(StartPage, ItSaysHowToBeginAsLongAsNothingIsOpen)
+{
+    ASSERT_TRUE(Page()->isVisible());
+    EXPECT_TRUE(Texts().contains("New effect"));
+    EXPECT_TRUE(Texts().contains("Open..."));
+    Click("New effect");
+    ASSERT_EQ(NumDocuments(), 1);
+    EXPECT_FALSE(Page()->isVisible());
+    App.Get().CloseDocument(&Newest());
+    Settle();
+    EXPECT_TRUE(Page()->isVisible());
+}
+
+TEST_F(StartPage, OpenAsksForAFile)
+{
+    Host.Choice = SourcePath("samples/fountain.effect");
+    Click("Open...");
+    ASSERT_EQ(NumDocuments(), 1);
+    EXPECT_FALSE(Page()->isVisible());
+}
+
+TEST_F(StartPage, EachSampleHasATileWithItsPictureThatOpensIt)
+{
+    vector<TString> effects;
+    App.Get().GetSamples().List(effects);
+    ASSERT_GT(effects.size(), 10);
+    for (const TString& effect : effects) {
+        const QString name =
+            QString::fromStdString(std::filesystem::path(Text(effect)).stem().string()).section('\\', -1);
+        EXPECT_NE(Entry(name), nullptr) << name.toStdString();
+        TString picture;
+        TSampleEffects::GetPicture(effect, picture);
+        picture.Replace('\\', '/');
+        EXPECT_FALSE(QImage(picture.Print()).isNull()) << Text(picture);
+    }
+    Click("fountain");
+    ASSERT_EQ(NumDocuments(), 1);
+    EXPECT_NE(Text(Newest().GetPath()).find("fountain.effect"), std::string::npos);
+}
+
+TEST_F(StartPage, TheRecentFilesStandThereNewestFirst)
+{
+    App.Get().AddRecentFile(SourcePath("samples/aura.effect").c_str());
+    App.Get().AddRecentFile(SourcePath("samples/fountain.effect").c_str());
+    Settle();
+    const QStringList texts = Texts();
+    EXPECT_GE(texts.indexOf("fountain.effect"), 0);
+    EXPECT_LT(texts.indexOf("fountain.effect"), texts.indexOf("aura.effect"));
+    Click("aura.effect");
+    ASSERT_EQ(NumDocuments(), 1);
+    EXPECT_NE(Text(Newest().GetPath()).find("aura.effect"), std::string::npos);
+    App.Get().CloseDocument(&Newest());
+    Settle();
+    EXPECT_LT(Texts().indexOf("aura.effect"), Texts().indexOf("fountain.effect"));
+}
+
+TEST_F(StartPage, TheKeyboardWalksItAndChooses)
+{
+    ASSERT_TRUE(WaitFor([this] { return QApplication::activeWindow() == Window.GetHandle(); }));
+    QStringList walked;
+    for (int i = 0; i < 4; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        const QAbstractButton* button = qobject_cast<QAbstractButton*>(QApplication::focusWidget());
+        if (button != nullptr)
+            walked << button->accessibleName();
+    }
+    EXPECT_TRUE(walked.contains("Open...")) << walked.join(",").toStdString();
+    EXPECT_TRUE(walked.contains("aura")) << walked.join(",").toStdString();
+    Entry("New effect")->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    Settle();
+    EXPECT_EQ(NumDocuments(), 1);
+}
+
+TEST_F(StartPage, NoEntryIsCutOff)
+{
+    for (const QAbstractButton* button : Page()->findChildren<QAbstractButton*>()) {
+        if (!button->isVisible() || !button->objectName().startsWith("entry"))
+            continue;
+        EXPECT_GE(button->width(), button->minimumSizeHint().width()) << button->text().toStdString();
+        EXPECT_GE(button->height(), button->minimumSizeHint().height()) << button->text().toStdString();
+    }
+}
+
+TEST_F(StartPage, FilesAreDroppedOnItAsOnTheWindow)
+{
+    EXPECT_FALSE(Page()->acceptDrops());
+    for (const QWidget* widget : Page()->findChildren<QWidget*>())
+        EXPECT_FALSE(widget->acceptDrops()) << widget->objectName().toStdString();
+}
