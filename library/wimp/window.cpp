@@ -12,6 +12,7 @@
 #include <QtWidgets/QMdiArea>
 #include <QtWidgets/QMdiSubWindow>
 #include <QtWidgets/QScrollBar>
+#include <QtWidgets/QToolTip>
 
 // The window that the mouse stays with.
 static TWindow* CaptureWindow = nullptr;
@@ -341,6 +342,14 @@ void TWindow::StopTimer(int timer)
 {
     if (Peer != nullptr)
         Peer->StopTimer(timer);
+}
+
+void TWindow::ShowTip(int x, int y, const char* text)
+{
+    if (text == nullptr)
+        QToolTip::hideText();
+    else if (Handle != nullptr)
+        QToolTip::showText(Handle->mapToGlobal(QPoint(x, y)), ToQt(text).toHtmlEscaped(), Handle);
 }
 
 void TWindow::SetScrollRange(int whole, int page, int line)

@@ -150,6 +150,8 @@ public:
     virtual bool KeepsKeys() const { return false; }
     void StartTimer(int timer, int milliseconds) override;
     void StopTimer(int timer) override;
+    // A short text at a pixel, until the pointer moves away; null ends it.
+    void ShowTip(int x, int y, const char* text);
     // For a window with a vertical scroll bar; a page of the whole hides it.
     void SetScrollRange(int whole, int page, int line);
     void SetScrollPosition(int position);

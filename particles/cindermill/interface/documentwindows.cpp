@@ -288,10 +288,22 @@ void TDocumentWindows::EngineGoes(TDocument& document)
     TAttributeTraceWindow::EngineGoes(document);
 }
 
+void TDocumentWindows::ProblemsChanged(TDocument& document)
+{
+    if (Scene != nullptr)
+        Scene->ShowProblems(document.GetProblems());
+    for (TDocWindow* window : Windows) {
+        window->GetProblems().Refresh();
+        window->GetHeader().OnProblemsChanged();
+    }
+}
+
 void TDocumentWindows::NodeTypesGo(TDocument&)
 {
-    for (TDocWindow* window : Windows)
+    for (TDocWindow* window : Windows) {
         window->CancelAnyDrag();
+        window->GetGraph().GetActions().CloseSearch();
+    }
 }
 
 void TDocumentWindows::NodeTypesCame(TDocument&)
@@ -380,5 +392,5 @@ void TDocumentWindows::SearchForWire(TRenderer& renderer, const TVector2& point,
 void TDocumentWindows::TellStatus(const char* text)
 {
     if (TMDIFrame* frame = dynamic_cast<TMDIFrame*>(Frame))
-        frame->SetStatus(text);
+        frame->ShowNote(text);
 }

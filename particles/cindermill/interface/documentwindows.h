@@ -38,6 +38,7 @@ public:
     void RedrawWindows(TDocument& document) override;
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
+    void ProblemsChanged(TDocument& document) override;
     void NodeTypesGo(TDocument& document) override;
     void NodeTypesCame(TDocument& document) override;
 

@@ -58,6 +58,7 @@ bool TDocWindow::Create(TDocument& document, TWindow* frame)
     const TRenderer* first =
         Windows.GetNumWindows() > 0 ? &Windows.GetWindow(0)->GetGraph().GetRenderer() : nullptr;
     ASSERT_TEXT(Graph.Create(*this, Header, first), "0 : Failed to create document graph window");
+    ASSERT_TEXT(Problems.Create(*this, Header), "0 : Failed to create document window");
     Split.Attach(this);
     Split.AddPane(&Tool, false, nullptr, -1);
     Split.AddPane(&Header, false, &Tool, ToolWidth);

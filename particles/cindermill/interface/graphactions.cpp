@@ -30,6 +30,7 @@ enum TActionId
     GA_DISTRIBUTEACROSS,
     GA_DISTRIBUTEDOWN,
     GA_TIDY,
+    GA_MINIMAP,
     GA_ALIGNMENU
 };
 
@@ -60,6 +61,8 @@ constexpr TGraphAction GraphActions[] = {
     {GA_DISTRIBUTEACROSS, 'A' | SM_CTRL | SM_SHIFT, "Distribute Across\tCtrl+Shift+A", true},
     {GA_DISTRIBUTEDOWN, 'D' | SM_CTRL | SM_SHIFT, "Distribute Down\tCtrl+Shift+D", true},
     {GA_TIDY, 'T' | SM_CTRL, "Tidy\tCtrl+T", false},
+    {0, 0, nullptr, false},
+    {GA_MINIMAP, 'M' | SM_CTRL, "Map\tCtrl+M", false},
 };
 
 const TGraphAction* FindActionOfKey(int key)
@@ -159,6 +162,8 @@ bool TGraphActions::Do(int id)
         SearchToAdd(GetPointer());
     else if (id == GA_FINDNODE)
         SearchNodes();
+    else if (id == GA_MINIMAP)
+        Graph.GetMinimap().Toggle(*DocWindow);
     else if (id == GA_TIDY)
         done = TidyNodes(GetScene());
     else if (GetDocument().GetSelection().empty())

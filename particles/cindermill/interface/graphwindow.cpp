@@ -100,7 +100,7 @@ bool CanEdit()
 
 } // namespace
 
-TGraphWindow::TGraphWindow() : Shortcuts(this), Actions(*this) {}
+TGraphWindow::TGraphWindow() : Shortcuts(this), Actions(*this), Minimap(*this) {}
 
 TGraphWindow::~TGraphWindow()
 {
@@ -131,6 +131,12 @@ TDocument& TGraphWindow::GetDocument() const
 TGraphScene& TGraphWindow::GetScene() const
 {
     return DocWindow->GetWindows().GetScene();
+}
+
+void TGraphWindow::Redraw()
+{
+    TWindow::Redraw();
+    Minimap.Redraw();
 }
 
 void TGraphWindow::AddShortcuts()
@@ -312,6 +318,9 @@ bool TGraphWindow::OnMessage(const TMessage& message)
         return true;
     case MT_KEYDOWN:
         return message.Key == KEY_ESCAPE && OnEscape();
+    case MT_SIZE:
+        Minimap.Place();
+        return false;
     case MT_CHAR:
         return Actions.OnCharacter(message.Character);
     case MT_WHEEL:

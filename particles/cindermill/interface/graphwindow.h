@@ -9,6 +9,7 @@
 #include "particles/cindermill/interface/graph/selboxrender.h"
 #include "particles/cindermill/interface/graphactions.h"
 #include "particles/cindermill/interface/graphview.h"
+#include "particles/cindermill/interface/minimap.h"
 
 class TDocument;
 class TDocWindow;
@@ -76,6 +77,8 @@ public:
     TState GetState() const { return State; }
     bool IsFocusing() const { return ViewFocus.IsRunning(); }
     TGraphActions& GetActions() { return Actions; }
+    TMinimap& GetMinimap() { return Minimap; }
+    void Redraw() override;
     // The node whose menu is open, or null.
     const TToolNode* GetContextNode() const { return ContextNode; }
     // What the menu of a node holds: number 118.
@@ -133,5 +136,6 @@ private:
     TVector2 ContextPoint = TVector2(0, 0);
     TKeyboardShortcut Shortcuts;
     TGraphActions Actions;
+    TMinimap Minimap;
     TViewFocus ViewFocus;
 };

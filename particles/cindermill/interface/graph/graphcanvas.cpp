@@ -57,6 +57,13 @@ TGraphCanvas::TGraphCanvas(TGraphScene& scene) : Scene(scene), Rubber(scene)
 
 TGraphCanvas::~TGraphCanvas() = default;
 
+void TGraphCanvas::Render(TRenderer& renderer)
+{
+    TRenderObjects::Render(renderer);
+    if (Objects.empty())
+        Hint.Render(renderer);
+}
+
 void TGraphCanvas::GetBounds(TVector2& min, TVector2& max)
 {
     min = TVector2(-Unbounded, -Unbounded);

@@ -4,6 +4,7 @@
 #include "library/wimp/gl/rendererwatch.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "library/wimp/wimp.h"
+#include "particles/cindermill/interface/graph/emptyhint.h"
 #include "particles/cindermill/interface/graph/tooledgerenderer.h"
 
 class TNodeObj;
@@ -20,6 +21,7 @@ public:
     explicit TGraphCanvas(TGraphScene& scene);
     ~TGraphCanvas() override;
 
+    void Render(TRenderer& renderer) override;
     // Without end: what no child takes is the canvas's.
     void GetBounds(TVector2& min, TVector2& max) override;
     TRenderObject* HitTest(const TVector2& point) override;
@@ -91,4 +93,5 @@ private:
     TToolEdge* Picked = nullptr;
     TPort* AimedAt = nullptr;
     TToolEdgeRenderer Rubber;
+    TEmptyHint Hint;
 };

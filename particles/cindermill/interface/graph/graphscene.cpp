@@ -183,6 +183,16 @@ void TGraphScene::RefreshControls()
             entry.second->RefreshControls();
 }
 
+void TGraphScene::ShowProblems(const TDocumentProblems& problems)
+{
+    for (auto& entry : Nodes) {
+        TString text;
+        problems.GetText(entry.first, text);
+        entry.second->SetProblem(text);
+    }
+    Host.RedrawGraphs();
+}
+
 bool TGraphScene::CancelDrags()
 {
     const bool isDragging = Grid.IsDragging();

@@ -10,6 +10,7 @@
 #include "particles/cindermill/interface/graph/wireaim.h"
 
 class TDocument;
+class TDocumentProblems;
 class TEffectNode;
 class TGraphScene;
 class TNodeObj;
@@ -77,6 +78,8 @@ public:
     void GraphChanged() override;
     // The controls of all panels show their parameters anew.
     void RefreshControls();
+    // Marks the nodes that problems are at, and no others.
+    void ShowProblems(const TDocumentProblems& problems);
     void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
 
     // Ends a drag of the canvas or of a control without effect. False if none runs.

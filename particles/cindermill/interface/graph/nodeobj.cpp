@@ -232,6 +232,14 @@ void TNodeObj::Render(TRenderer& renderer)
         draw(*port);
     for (TPort* port : OutPorts)
         draw(*port);
+    if (!Problem.IsEmpty())
+        Mark.Render(renderer, GetSize());
+}
+
+void TNodeObj::SetProblem(const TString& text)
+{
+    Problem = text;
+    TouchBounds();
 }
 
 TVector2 TNodeObj::GetSize() const
@@ -241,8 +249,9 @@ TVector2 TNodeObj::GetSize() const
 
 void TNodeObj::GetBounds(TVector2& min, TVector2& max)
 {
-    min = TVector2(-DrawnMargin, -DrawnMargin);
-    max = GetSize() + TVector2(DrawnMargin, DrawnMargin);
+    const float margin = Problem.IsEmpty() ? DrawnMargin : TNodeMark::Margin;
+    min = TVector2(-margin, -margin);
+    max = GetSize() + TVector2(margin, margin);
 }
 
 void TNodeObj::GetRectangle(TVector2& min, TVector2& max) const
@@ -284,7 +293,8 @@ TRenderObject* TNodeObj::HitTest(const TVector2& point)
     if (!Collapsed)
         if (TRenderObject* hit = Expanded.HitTest(inside))
             return hit;
-    return IsInside(inside) || FindPort(inside) != nullptr ? this : nullptr;
+    const bool onMark = !Problem.IsEmpty() && TNodeMark::HitsBadge(inside, GetSize());
+    return IsInside(inside) || onMark || FindPort(inside) != nullptr ? this : nullptr;
 }
 
 TPort* TNodeObj::FindPort(const TVector2& point)
@@ -474,6 +484,8 @@ void TNodeObj::OnHover(const TVector2& point)
         }
     } else if (HitsButton(point, GetRenderer())) {
         text = Collapsed ? "Click to show node properties" : "Click to hide node properties";
+    } else {
+        text = Problem;
     }
     if (text.IsEmpty())
         return;

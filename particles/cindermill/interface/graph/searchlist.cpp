@@ -93,6 +93,26 @@ int GetNameScore(const char* name, const char* word)
 
 } // namespace
 
+static void SplitWords(const char* text, vector<TString>& words)
+{
+    TString lower(text);
+    lower.ToLower();
+    lower.Split(words, ' ');
+}
+
+// -1 if a word is missing.
+static int GetTotal(const vector<TString>& words, const TSearchEntry& entry)
+{
+    int total = 0;
+    for (const TString& word : words) {
+        const int score = word.IsEmpty() ? 0 : GetSearchScore(word.Print(), entry);
+        if (!word.IsEmpty() && score == 0)
+            return -1;
+        total += score;
+    }
+    return total;
+}
+
 int GetSearchScore(const char* word, const TSearchEntry& entry)
 {
     if (const int score = GetNameScore(entry.Name.Print(), word))
@@ -100,6 +120,13 @@ int GetSearchScore(const char* word, const TSearchEntry& entry)
     if (Holds(entry.Folder.Print(), word))
         return SC_FOLDER;
     return Holds(entry.Help.Print(), word) ? SC_HELP : 0;
+}
+
+bool IsFound(const char* text, const TSearchEntry& entry)
+{
+    vector<TString> words;
+    SplitWords(text, words);
+    return GetTotal(words, entry) != -1;
 }
 
 void TSearchList::Add(const TSearchEntry& entry)
@@ -110,22 +137,12 @@ void TSearchList::Add(const TSearchEntry& entry)
 
 void TSearchList::Filter(const char* text)
 {
-    TString lower(text);
-    lower.ToLower();
     vector<TString> words;
-    lower.Split(words, ' ');
+    SplitWords(text, words);
     Matches.clear();
     for (int i = 0; i < Entries.size(); ++i) {
-        int total = 0;
-        bool fits = true;
-        for (const TString& word : words) {
-            if (word.IsEmpty())
-                continue;
-            const int score = GetSearchScore(word.Print(), Entries[i]);
-            fits = fits && score > 0;
-            total += score;
-        }
-        if (!fits)
+        const int total = GetTotal(words, Entries[i]);
+        if (total == -1)
             continue;
         // Those that are equally good keep their order.
         int at = Matches.size();

@@ -41,5 +41,7 @@ private:
     vector<TMatch> Matches;
 };
 
+// Whether each word of the text is found in the entry.
+bool IsFound(const char* text, const TSearchEntry& entry);
 // How well a word of lower case letters names something; 0 for not at all.
 int GetSearchScore(const char* word, const TSearchEntry& entry);
