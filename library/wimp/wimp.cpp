@@ -1,6 +1,7 @@
 #include "library/wimp/wimp.h"
 
 #include "library/containers/assertion.h"
+#include "library/system/clock.h"
 #include "library/wimp/desktoptheme.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/windowpeer.h"
@@ -189,7 +190,18 @@ bool TWimp::RunIdle()
         ~TInside() { Flag = false; }
     } inside(InIdle);
     WimpApp->OnIdle();
+    LastIdle = GetPerformanceCounter();
     return true;
+}
+
+void TWimp::RunWait()
+{
+    constexpr uint64_t recently = 50000000;
+    if ((Flags & FL_IDLE) == 0 || WimpApp == nullptr || InIdle || IsQuitting() ||
+        GetPerformanceCounter() - LastIdle < recently)
+        return;
+    const TEventScope scope;
+    WimpApp->OnWait();
 }
 
 void TWimp::Quit()

@@ -185,6 +185,15 @@ void TCindermillApp::OnIdle()
         ChangeNotify.Poll();
 }
 
+void TCindermillApp::OnWait()
+{
+    if (ResourceLocator.IsAsking())
+        return;
+    for (TDocument* document : Documents)
+        if (document->GetHost() != nullptr && !document->IsInStep())
+            document->GetHost()->OnWait(*document);
+}
+
 void TCindermillApp::OnClock()
 {
     if (Host == nullptr || !Host->IsDragging())
