@@ -3,7 +3,7 @@
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/interface/controls/fieldwalk.h"
 
-#include <chrono>
+#include <time.h>
 
 namespace {
 
@@ -238,16 +238,20 @@ TEST_F(GraphSearch, OpensAtOnceWithTheWholeLibrary)
     HoverAt(QPoint(500, 300));
     Key(Graph(), Qt::Key_Tab);
     Key(Search(), Qt::Key_Escape);
-    // A machine that is busy with other things is given several tries.
+    // What it takes of this thread: a machine that is busy with other things counts for nothing.
+    const auto now = [] {
+        timespec time = {};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
+    };
     double best = 1e9;
     for (int i = 0; i < 20; ++i) {
-        const auto start = std::chrono::steady_clock::now();
+        const double start = now();
         Key(Graph(), Qt::Key_Tab);
-        const std::chrono::duration<double, std::milli> mid = std::chrono::steady_clock::now() - start;
-        printf("key %f\n", mid.count());
+        const double opened = now();
         Search().GetHandle()->repaint();
-        const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
-        best = std::min(best, took.count());
+        printf("open %f paint %f\n", opened - start, now() - opened);
+        best = std::min(best, now() - start);
         ASSERT_TRUE(Search().IsOpen());
         Key(Search(), Qt::Key_Escape);
     }
