@@ -63,6 +63,15 @@ QPalette MakeDarkPalette()
     return palette;
 }
 
+// The slider of a scroll bar as the style draws it can hardly be told from its trough.
+QColor Mix(const QColor& button, const QColor& text)
+{
+    constexpr float Part = 0.3f;
+    auto mix = [](float a, float b) { return a + (b - a) * Part; };
+    return QColor::fromRgbF(mix(button.redF(), text.redF()), mix(button.greenF(), text.greenF()),
+                            mix(button.blueF(), text.blueF()));
+}
+
 bool IsDarkName(const QString& theme)
 {
     return theme.endsWith(QLatin1String("-dark"), Qt::CaseInsensitive) ||
@@ -139,4 +148,7 @@ void TDesktopTheme::Apply(bool dark)
     const QPalette palette = !dark ? light : IsDark(Found) ? Found : MakeDarkPalette();
     if (QApplication::palette() != palette)
         QApplication::setPalette(palette);
+    QPalette bars = palette;
+    bars.setColor(QPalette::Button, Mix(palette.color(QPalette::Button), palette.color(QPalette::Text)));
+    QApplication::setPalette(bars, "QScrollBar");
 }

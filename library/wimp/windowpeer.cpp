@@ -280,8 +280,6 @@ QSurfaceFormat GetGlFormat()
     format.setRenderableType(QSurfaceFormat::OpenGL);
     format.setVersion(2, 1);
     format.setProfile(QSurfaceFormat::CompatibilityProfile);
-    format.setDepthBufferSize(24);
-    format.setStencilBufferSize(8);
     return format;
 }
 

@@ -140,7 +140,7 @@ void MakeFlipbook(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 18, 4);
     const TSampleNode places = effect.Add("Grid")
-                                   .Int("Particle Count", 64)
+                                   .Int("Particle Count", 32)
                                    .Int("X Divisions", 2)
                                    .Int("Y Divisions", 2)
                                    .Choose("Emit Type", "In Order")
@@ -266,7 +266,7 @@ void MakeRain(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 70, 4);
     const TSampleNode cloud = effect.Add("Grid")
-                                  .Int("Particle Count", 100)
+                                  .Int("Particle Count", 64)
                                   .Int("X Divisions", 24)
                                   .Int("Y Divisions", 24)
                                   .Set("Transform", {0, 2.4f, 0, 0, 0, 0})
@@ -530,12 +530,15 @@ void MakeVortex(TSampleBuilder& effect)
 
     const TSampleNode once = AddBurst(effect, 1);
     const TSampleNode middle = AddPoint(effect, 1, 0, 0.8f, 0);
-    const TSampleNode dark = AddStage(effect, "Sprite Render Stage", "smoke.hvt")
-                                 .Set("Scale", {0.24f, 0.24f})
-                                 .Set("Colour", {0.06f, 0.02f, 0.12f, 0.95f})
-                                 .Priority(0);
+    // As good as for ever.
+    constexpr float tenMinutes = 600;
+    const TSampleNode age = AddAge(effect, tenMinutes);
+    const TSampleNode dark =
+        AddStage(effect, "Sprite Render Stage", "smoke.hvt").Set("Scale", {0.24f, 0.24f}).Priority(0);
     once.Wire("Count", middle, "Emission Trigger");
     middle.Wire("Start Transform", dark, "Transform");
+    AddColours(effect, age, tenMinutes, {{0, 0.06f, 0.02f, 0.12f, 0.95f}, {1, 0.06f, 0.02f, 0.12f, 0.95f}})
+        .Wire("Value", dark, "Colour");
 }
 
 // Fumes that start slowly, turn as they rise and fade from one picture to another.
@@ -662,8 +665,9 @@ void MakeLeaves(TSampleBuilder& effect)
     ground.Wire("Velocity", integrate, "Velocity");
     ground.Wire("Collision", end, "Kill");
     integrate.Wire("Position", stage, "Transform");
-    AddCurve(effect, "Scalar Over Life", age, 4)
-        .Curve("Value", 0, {{0, 0}, {0.2f, 0}, {0.8f, 1}, {1, 1}})
+    // Brown after about three seconds, which is about when they lie.
+    AddCurve(effect, "Scalar Over Life", age, 6)
+        .Curve("Value", 0, {{0, 0}, {0.13f, 0}, {0.53f, 1}, {1, 1}})
         .Wire("Value", stage, "Blend");
     AddColours(effect, age, 6, {{0, 1, 1, 1, 0}, {0.05f, 1, 1, 1, 1}, {0.9f, 1, 1, 1, 1}, {1, 1, 1, 1, 0}})
         .Wire("Value", stage, "Colour");

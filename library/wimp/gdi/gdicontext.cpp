@@ -206,6 +206,12 @@ void TGDIContext::TextOutClipped(int x, int y, int width, int height, const char
     Painter.restore();
 }
 
+void TGDIContext::TextOutShortened(int x, int y, int width, const char* text)
+{
+    const QString whole = QString::fromUtf8(text);
+    TextOut(x, y, Painter.fontMetrics().elidedText(whole, Qt::ElideRight, width).toUtf8().constData());
+}
+
 void TGDIContext::GetTextExtent(const char* text, int& width, int& height) const
 {
     Measure(Painter.fontMetrics(), text, width, height);

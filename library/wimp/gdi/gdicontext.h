@@ -57,6 +57,8 @@ public:
     void TextOut(int x, int y, const char* text);
     // Only what lies inside a rectangle that begins at the position.
     void TextOutClipped(int x, int y, int width, int height, const char* text);
+    // In so many pixels: what there is no room for gives way to an ellipsis.
+    void TextOutShortened(int x, int y, int width, const char* text);
     void GetTextExtent(const char* text, int& width, int& height) const;
     void Draw(const TGDIBitmap& bitmap, int x, int y);
     // A raised edge, as a tab or a button has.

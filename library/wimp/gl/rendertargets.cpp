@@ -23,6 +23,46 @@ void MakeTexture(unsigned& texture, int width, int height, int filter)
     CheckGlError();
 }
 
+// Targets are only drawn into and taken out of while one window is painted: those of one size are one.
+struct TSharedTarget
+{
+    int Width;
+    int Height;
+    unsigned Texture;
+    int NumUsers;
+};
+
+vector<TSharedTarget>& GetSharedTargets()
+{
+    static vector<TSharedTarget> targets;
+    return targets;
+}
+
+unsigned TakeTarget(int width, int height)
+{
+    for (TSharedTarget& target : GetSharedTargets())
+        if (target.Width == width && target.Height == height) {
+            ++target.NumUsers;
+            return target.Texture;
+        }
+    TSharedTarget made{width, height, 0, 1};
+    MakeTexture(made.Texture, width, height, GL_LINEAR);
+    GetSharedTargets().push_back(made);
+    return made.Texture;
+}
+
+void GiveTargetBack(unsigned& texture)
+{
+    vector<TSharedTarget>& targets = GetSharedTargets();
+    for (int i = targets.size() - 1; i >= 0; --i) {
+        if (texture == 0 || targets[i].Texture != texture || --targets[i].NumUsers > 0)
+            continue;
+        DeleteGlTexture(texture);
+        targets.erase(targets.begin() + i);
+    }
+    texture = 0;
+}
+
 void Forget(unsigned& texture)
 {
     DeleteGlTexture(texture);
@@ -64,7 +104,7 @@ void TRenderTargets::Release()
         glDeleteFramebuffersEXT(1, &FrameBuffer);
     FrameBuffer = 0;
     Attached = 0;
-    Forget(ColourTexture);
+    GiveTargetBack(ColourTexture);
     for (unsigned& picture : Pictures)
         Forget(picture);
     Width = 0;
@@ -89,19 +129,23 @@ void TRenderTargets::Resize(int width, int height)
     Height = height;
     const int longest = Width > Height ? Width : Height;
     Supersampling = longest <= GetMaxTextureSide() / FullSupersampling ? FullSupersampling : 1;
-    MakeTexture(ColourTexture, Width * Supersampling, Height * Supersampling, GL_LINEAR);
-    for (unsigned& picture : Pictures)
-        MakeTexture(picture, Width, Height, GL_NEAREST);
+    GiveTargetBack(ColourTexture);
+    ColourTexture = TakeTarget(Width * Supersampling, Height * Supersampling);
+    MakePicture(Pictures[0]);
+    Forget(Pictures[1]);
+}
+
+void TRenderTargets::MakePicture(unsigned& picture)
+{
+    MakeTexture(picture, Width, Height, GL_NEAREST);
     // The target's alpha is what blending has left; the window itself is opaque.
     if (Width <= 0 || Height <= 0)
         return;
     glDisable(GL_SCISSOR_TEST);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
-    for (const unsigned picture : Pictures) {
-        Bind(picture);
-        glClear(GL_COLOR_BUFFER_BIT);
-    }
+    Bind(picture);
+    glClear(GL_COLOR_BUFFER_BIT);
 }
 
 void TRenderTargets::Bind(unsigned texture)
@@ -131,6 +175,8 @@ void TRenderTargets::MovePicture(const int* shift)
         TDotRectangle{{shift[0], shift[1]}, {Width + shift[0], Height + shift[1]}}.Intersect(window);
     if (to.IsEmpty())
         return;
+    if (Pictures[1] == 0)
+        MakePicture(Pictures[1]);
     Bind(Pictures[0]);
     glDisable(GL_SCISSOR_TEST);
     glBindTexture(GL_TEXTURE_2D, Pictures[1]);

@@ -5,8 +5,9 @@
 
 class TRenderWindow;
 
-// What a renderer draws into: a target with several dots for each of the window, and the picture that comes
-// out of it, which is kept from frame to frame. Its owner makes the window's context current.
+// What a renderer draws into: a target with several dots for each of the window, which windows of one size
+// share, and the picture that comes out of it, which is kept from frame to frame. Its owner makes the
+// window's context current.
 class TRenderTargets
 {
 public:
@@ -38,13 +39,14 @@ public:
 private:
     bool HasOwnFrameBuffer() const;
     void Bind(unsigned texture);
+    void MakePicture(unsigned& picture);
 
     TRenderWindow* Window = nullptr;
     unsigned FrameBuffer = 0;
     // What the frame buffer has attached.
     unsigned Attached = 0;
     unsigned ColourTexture = 0;
-    // The picture, and the one that it is moved to.
+    // The picture, and the one that it is moved to, made when it is first moved.
     unsigned Pictures[2] = {0, 0};
     int Width = 0;
     int Height = 0;

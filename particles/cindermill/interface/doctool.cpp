@@ -15,6 +15,7 @@ constexpr TGDIColour TextColour = 0x202020;
 constexpr int ScrollLine = 10;
 constexpr int TextIndent = 20;
 constexpr int TextTop = 4;
+constexpr int TextMargin = 4;
 // The box that opens and closes a category.
 constexpr int BoxSize = 10;
 constexpr int BoxTop = (TPalette::RowHeight - BoxSize) / 2;
@@ -224,8 +225,7 @@ void TDocTool::PaintType(TGDIContext& context, const TPaletteRow& row, int top, 
     context.SetBrush(ToGDIColour(MixColours(colour, TVector4(1, 1, 1, 1), 0.6f)));
     // One line between two rows.
     context.Rectangle(row.Indent + FillIndent, top - 1, width, top + TPalette::RowHeight);
-    context.SetTextColour(TextColour);
-    context.TextOut(row.Indent + TextIndent, top + TextTop, type.Name);
+    PaintName(context, row, top, width, type.Name);
 }
 
 void TDocTool::PaintCategory(TGDIContext& context, const TPaletteRow& row, int top, int width) const
@@ -247,8 +247,14 @@ void TDocTool::PaintCategory(TGDIContext& context, const TPaletteRow& row, int t
     if (!Palette.IsExpanded(row.Item))
         context.Rectangle(left + middle - 1, boxTop + 2, left + middle + 1, boxTop + BoxSize - 2);
 
+    PaintName(context, row, top, width, GetLibrary().GetItem(row.Item).Name);
+}
+
+void TDocTool::PaintName(TGDIContext& context, const TPaletteRow& row, int top, int width, const char* name)
+{
+    const int left = row.Indent + TextIndent;
     context.SetTextColour(TextColour);
-    context.TextOut(left + TextIndent, top + TextTop, GetLibrary().GetItem(row.Item).Name);
+    context.TextOutShortened(left, top + TextTop, width - TextMargin - left, name);
 }
 
 // The dotted line from a category's box down to its last entry, with an arm to each.

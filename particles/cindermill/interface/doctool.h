@@ -24,6 +24,7 @@ private:
     void Paint(TGDIContext& context) const;
     void PaintType(TGDIContext& context, const TPaletteRow& row, int top, int width) const;
     void PaintCategory(TGDIContext& context, const TPaletteRow& row, int top, int width) const;
+    static void PaintName(TGDIContext& context, const TPaletteRow& row, int top, int width, const char* name);
     void PaintBranches(TGDIContext& context, int category, int top) const;
     void OnLeftDown(int x, int y);
     bool OnKey(const TMessage& message);

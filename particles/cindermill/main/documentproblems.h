@@ -24,8 +24,8 @@ public:
     // What an attempt came to; where it was the graph that failed, nodes whose required inputs are not wired
     // are named too.
     void Take(const TEffectGraph& graph, const TErrorList& errors, bool ofGraph);
-    // The graph has changed, and nothing was run: what is mended goes. Costs an analysis of the graph, if there
-    // are problems. True if anything is another now.
+    // The graph has changed, and nothing was run: what is mended goes. Costs an analysis of the graph, if
+    // there are problems. True if anything is another now.
     bool Review(const TEffectGraph& graph);
 
     bool empty() const { return Problems.empty(); }

@@ -1,5 +1,7 @@
 #include "library/containers/log.h"
 #include "library/system/endsignal.h"
+#include "library/system/logfile.h"
+#include "library/system/statefolder.h"
 #include "library/system/writefaults.h"
 #include "library/wimp/endwatch.h"
 #include "library/wimp/wimp.h"
@@ -8,6 +10,21 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+
+// What the program says while it runs is for whoever looks into it: it goes to a file, and to the standard
+// error only if that is asked for.
+static void OpenLog(TLogFile& log)
+{
+    const char* wish = getenv("CINDERMILL_LOG");
+    if (wish != nullptr && strcmp(wish, "stderr") == 0)
+        return;
+    TString path;
+    if (!GetStateFolder(path) || !MakeFolders(path))
+        return;
+    path += "/log";
+    log.Open(path);
+}
 
 // While the message loop runs. The display's libraries end the program by themselves when the display goes.
 static TApplication* Running = nullptr;
@@ -23,12 +40,14 @@ static void SaveAtExit()
 static bool RunProgram()
 {
     const TEndWatch end;
+    TLogFile log;
     TApplication* application = new TApplication;
     const bool started = application->Init();
     if (started && !end.IsEnding()) {
         TString version;
         TCindermillApp::GetVersion(version);
         DebugPrintf("%s\n", version.Print());
+        OpenLog(log);
         application->StartAutosave();
         Running = application;
         TWimp::Get().Run();
