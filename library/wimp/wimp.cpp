@@ -1,6 +1,7 @@
 #include "library/wimp/wimp.h"
 
 #include "library/containers/assertion.h"
+#include "library/wimp/accessiblewindow.h"
 #include "library/wimp/desktoptheme.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/windowpeer.h"
@@ -88,6 +89,7 @@ bool TWimp::Init(int& argc, char** argv)
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     // Belongs to the application.
     new TDesktopTheme(found);
+    InstallAccessibleWindows();
     Instance = application;
     Flags |= FL_INITED;
     SetAssertBox(ShowAssertBox);
