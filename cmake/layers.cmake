@@ -54,6 +54,12 @@ set(CINDERMILL_DISPLAY_SECONDS 7200)
 set(CINDERMILL_DISPLAY_ENVIRONMENT
     "LSAN_OPTIONS=suppressions='${PROJECT_SOURCE_DIR}/tests/support/systemleaks.txt':print_suppressions=0")
 
+# What a test itself does takes no time to run, and long to optimise: most of the time of a whole build. The headers
+# that nearly all tests include are read once; whoever shares them has to be compiled alike.
+function(cindermill_compile_as_test target)
+    target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O0> -fPIC)
+endfunction()
+
 # cindermill_test(FOLDER [DISPLAY] [APART] [RELEASED filter] [LINKS folder...] [PACKAGES target...])
 #   all of tests/FOLDER/*.cpp as one GoogleTest program, each test known to CTest by its own name. With DISPLAY
 #   the program runs whole, as one test of CTest, on a display of its own. Under the sanitizers every program runs
@@ -72,8 +78,12 @@ function(cindermill_test folder)
     endforeach()
     target_link_libraries(test-${name} PRIVATE cindermill-options cindermill-test-support ${links}
                           ${arg_PACKAGES} GTest::gtest)
-    # What a test itself does takes no time to run, and long to optimise: most of the time of a whole build.
-    target_compile_options(test-${name} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O0>)
+    cindermill_compile_as_test(test-${name})
+    if(cindermill-test-windows IN_LIST arg_PACKAGES)
+        target_precompile_headers(test-${name} REUSE_FROM cindermill-test-windows)
+    else()
+        target_precompile_headers(test-${name} REUSE_FROM cindermill-test-support)
+    endif()
     target_compile_definitions(test-${name} PRIVATE CINDERMILL_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                                CINDERMILL_BINARY_DIR="${CMAKE_BINARY_DIR}")
     set_target_properties(test-${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")

@@ -3,6 +3,9 @@
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
+# What keeps compiled files knows headers that were compiled before only if told so.
+export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:-pch_defines,time_macros}
+
 preset=$1
 shift
 folder=build/$preset

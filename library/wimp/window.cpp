@@ -12,6 +12,7 @@
 #include <QtWidgets/QMdiArea>
 #include <QtWidgets/QMdiSubWindow>
 #include <QtWidgets/QScrollBar>
+#include <QtWidgets/QToolTip>
 
 // The window that the mouse stays with.
 static TWindow* CaptureWindow = nullptr;
@@ -350,6 +351,14 @@ void TWindow::StopTimer(int timer)
         Peer->StopTimer(timer);
 }
 
+void TWindow::ShowTip(int x, int y, const char* text)
+{
+    if (text == nullptr)
+        QToolTip::hideText();
+    else if (Handle != nullptr)
+        QToolTip::showText(Handle->mapToGlobal(QPoint(x, y)), ToQt(text).toHtmlEscaped(), Handle);
+}
+
 void TWindow::SetScrollRange(int whole, int page, int line)
 {
     if (Peer == nullptr || Peer->ScrollBar == nullptr)
@@ -450,6 +459,7 @@ bool TWindow::Dispatch(const TMessage& message)
     MouseX = message.X;
     MouseY = message.Y;
     Buttons = message.Buttons;
+    KeyFlags = message.KeyFlags;
     if (TMouseDrag* drag = TWimp::Get().GetMouseDrag()) {
         double x = message.X;
         double y = message.Y;

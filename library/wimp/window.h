@@ -151,8 +151,12 @@ public:
     // of the whole.
     void SetAccessible(TAccessibleContents* contents, const char* name);
     TAccessibleContents* GetAccessible() const { return Accessible; }
+    // Whether other windows' tables are not offered the keys that this window and its tables leave.
+    virtual bool KeepsKeys() const { return false; }
     void StartTimer(int timer, int milliseconds) override;
     void StopTimer(int timer) override;
+    // A short text at a pixel, until the pointer moves away; null ends it.
+    void ShowTip(int x, int y, const char* text);
     // For a window with a vertical scroll bar; a page of the whole hides it.
     void SetScrollRange(int whole, int page, int line);
     void SetScrollPosition(int position);
@@ -166,6 +170,7 @@ public:
     double GetMouseX() const { return MouseX; }
     double GetMouseY() const { return MouseY; }
     int GetButtons() const { return Buttons; }
+    int GetKeyFlags() const { return KeyFlags; }
 
     // For controls: asserts "SubControls.find(hwnd) == SubControls.end() : Attempt to add sub control twice"
     // and "0 : Attempt to remove non-registered sub control".
@@ -195,4 +200,5 @@ private:
     double MouseX = 0;
     double MouseY = 0;
     int Buttons = 0;
+    int KeyFlags = 0;
 };

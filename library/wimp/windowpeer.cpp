@@ -143,7 +143,8 @@ bool OfferKey(TWindow* window, const TMessage& message)
 {
     while (window != nullptr) {
         // The windows behind a dialog have no say.
-        TWindow* owner = window->GetKind() != WK_DIALOG ? window->GetKeyOwner() : nullptr;
+        const bool goesOn = window->GetKind() != WK_DIALOG && !window->KeepsKeys();
+        TWindow* owner = goesOn ? window->GetKeyOwner() : nullptr;
         if (!IsModifier(message.Key))
             TWimp::Get().SyncModifiers(*window, message.KeyFlags);
         if (TWimp::Get().HandleKey(*window, message))

@@ -62,9 +62,17 @@ void ClearCanConnectCache()
     GetCanConnectCache().clear();
 }
 
-// Whether a walk from the node against the wires meets the target. The node itself is not compared. One edge
-// may be passed over.
-static bool IsAncestor(const TEffectNode* node, const TEffectNode* target, const TEffectEdge* ignored)
+// Edges that count as not there.
+struct TIgnoredEdges
+{
+    bool Has(const TEffectEdge* edge) const { return edge == First || edge == Second; }
+
+    const TEffectEdge* First = nullptr;
+    const TEffectEdge* Second = nullptr;
+};
+
+// Whether a walk from the node against the wires meets the target. The node itself is not compared.
+static bool IsAncestor(const TEffectNode* node, const TEffectNode* target, const TIgnoredEdges& ignored)
 {
     TPointerMap visited;
     vector<const TEffectNode*> waiting;
@@ -74,7 +82,7 @@ static bool IsAncestor(const TEffectNode* node, const TEffectNode* target, const
         waiting.pop_back();
         for (int i = 0; i < next->GetNumInputs(); ++i) {
             const TEffectEdge* edge = next->GetInput(i);
-            if (edge == nullptr || edge == ignored)
+            if (edge == nullptr || ignored.Has(edge))
                 continue;
             if (edge->GetSrcNode() == target)
                 return true;
@@ -86,11 +94,11 @@ static bool IsAncestor(const TEffectNode* node, const TEffectNode* target, const
 }
 
 // The types that a port can have in its graph: what itself and every port reached through links and wires
-// allow. One edge may be passed over.
+// allow.
 class TTypeMask
 {
 public:
-    TTypeMask(const TPortRef& port, const TEffectEdge* ignored) : Ignored(ignored)
+    TTypeMask(const TPortRef& port, const TIgnoredEdges& ignored) : Ignored(ignored)
     {
         Append(Waiting, port);
         while (!Waiting.empty()) {
@@ -123,7 +131,7 @@ private:
     void FollowInput(const TPortRef& port)
     {
         const TEffectEdge* edge = port.Node->GetInput(port.Index);
-        if (edge == nullptr || edge == Ignored || !Visited.Insert(edge))
+        if (edge == nullptr || Ignored.Has(edge) || !Visited.Insert(edge))
             return;
         TEffectNode* source = edge->GetSrcNode();
         Append(Waiting, TPortRef(source, source->GetNodeType()->GetNumInputs() + edge->GetSrcPort()));
@@ -133,7 +141,7 @@ private:
         const int output = port.GetOutputIndex();
         for (int i = 0; i < port.Node->GetNumOutputEdges(output); ++i) {
             const TEffectEdge* edge = port.Node->GetOutputEdge(output, i);
-            if (edge != Ignored && Visited.Insert(edge))
+            if (!Ignored.Has(edge) && Visited.Insert(edge))
                 Append(Waiting, TPortRef(edge->GetDstNode(), edge->GetDstPort()));
         }
     }
@@ -151,7 +159,7 @@ private:
                               : type.GetOutput(port.GetOutputIndex()).Type == TY_POLYTYPE;
     }
 
-    const TEffectEdge* Ignored;
+    const TIgnoredEdges Ignored;
     uint32_t Mask = 0xFFFFFFFFu;
     TPointerMap Visited;
     TPointerMap Reached;
@@ -159,7 +167,7 @@ private:
 };
 
 static bool CanConnectTypes(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort,
-                            const TEffectEdge* ignored)
+                            const TIgnoredEdges& ignored)
 {
     const uint32_t outMask =
         TTypeMask(TPortRef(srcNode, srcNode->GetNodeType()->GetNumInputs() + srcPort), ignored).Get();
@@ -171,13 +179,21 @@ static bool CanConnectTypes(TEffectNode* srcNode, int srcPort, TEffectNode* dstN
 
 bool CanConnectTypes(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort)
 {
-    return CanConnectTypes(srcNode, srcPort, dstNode, dstPort, nullptr);
+    return CanConnectTypes(srcNode, srcPort, dstNode, dstPort, TIgnoredEdges());
 }
 
 bool CanConnectWithout(const TEffectEdge* edge, TEffectNode* srcNode, int srcPort, TEffectNode* dstNode,
                        int dstPort)
 {
-    return !IsAncestor(srcNode, dstNode, edge) && CanConnectTypes(srcNode, srcPort, dstNode, dstPort, edge);
+    return CanConnectWithout(edge, nullptr, srcNode, srcPort, dstNode, dstPort);
+}
+
+bool CanConnectWithout(const TEffectEdge* edge, const TEffectEdge* other, TEffectNode* srcNode, int srcPort,
+                       TEffectNode* dstNode, int dstPort)
+{
+    const TIgnoredEdges ignored = {edge, other};
+    return !IsAncestor(srcNode, dstNode, ignored) &&
+           CanConnectTypes(srcNode, srcPort, dstNode, dstPort, ignored);
 }
 
 bool CanConnect(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort)

@@ -51,6 +51,8 @@ bool CanConnect(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dst
 // The same as it would be if the edge were not there; null for the graph as it is. Nothing is kept of it.
 bool CanConnectWithout(const TEffectEdge* edge, TEffectNode* srcNode, int srcPort, TEffectNode* dstNode,
                        int dstPort);
+bool CanConnectWithout(const TEffectEdge* edge, const TEffectEdge* other, TEffectNode* srcNode, int srcPort,
+                       TEffectNode* dstNode, int dstPort);
 // The same without cycles and cache: the types alone.
 bool CanConnectTypes(TEffectNode* srcNode, int srcPort, TEffectNode* dstNode, int dstPort);
 

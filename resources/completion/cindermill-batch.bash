@@ -14,7 +14,7 @@ _cindermill_batch_files() {
 
 _cindermill_batch() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="types check report dump export run efx translate image resave hash help"
+    local commands="types check lint report dump export run replay efx translate image resave hash text diff picture sheet help"
     local command="" options="" i
     COMPREPLY=()
 
@@ -48,7 +48,7 @@ _cindermill_batch() {
     fi
 
     case $command:$before in
-        check:--format | report:--format | types:--format)
+        check:--format | lint:--format | report:--format | types:--format)
             mapfile -t COMPREPLY < <(compgen -W "text json junit sarif" -- "$word")
             return
             ;;
@@ -64,15 +64,17 @@ _cindermill_batch() {
             _cindermill_batch_files d
             return
             ;;
-        run:--frames | run:--dt | run:--seed) return ;;
+        run:--frames | run:--dt | run:--seed | replay:--frames | replay:--dt | replay:--seed) return ;;
+        lint:--seconds | lint:--seeds) return ;;
     esac
 
     case $command in
         types) options="--format --fail-on" ;;
         check) options="--format --fail-on --stale --list-dependencies --verbose" ;;
+        lint) options="--format --fail-on --seconds --seeds --suggest-box --budgets" ;;
         report) options="--format --fail-on" ;;
         export) options="--depfile --fail-on --verbose" ;;
-        run) options="--frames --dt --seed" ;;
+        run | replay) options="--frames --dt --seed" ;;
         translate) options="--raw" ;;
         image) options="--format" ;;
         help)
@@ -85,7 +87,7 @@ _cindermill_batch() {
         return
     fi
     case $command in
-        check | report | dump | run | resave) _cindermill_batch_files effect ;;
+        check | lint | report | dump | run | replay | resave | text | diff | picture) _cindermill_batch_files effect ;;
         export) _cindermill_batch_files effect efx ;;
         efx) _cindermill_batch_files efx ;;
         translate) _cindermill_batch_files sho ;;

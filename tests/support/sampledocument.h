@@ -44,8 +44,9 @@ private:
 
 inline const std::vector<std::string>& GetSampleNames()
 {
-    static const std::vector<std::string> names = {"aura",     "burst",    "campfire", "comet",  "fireflies",
-                                                   "flipbook", "fountain", "fumes",    "impact", "leaves",
-                                                   "rain",     "snow",     "sparks",   "tiles",  "vortex"};
+    static const std::vector<std::string> names = {
+        "aura",     "burst",  "campfire", "comet",  "explosion", "fireflies", "flipbook",
+        "fountain", "fumes",  "impact",   "leaves", "magic",     "portal",    "rain",
+        "snow",     "sparks", "tiles",    "vortex", "waterfall"};
     return names;
 }

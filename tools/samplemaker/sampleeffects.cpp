@@ -1,74 +1,9 @@
 #include "tools/samplemaker/sampleeffects.h"
 
-#include "tools/samplemaker/samplebuilder.h"
+#include "tools/samplemaker/samplenodes.h"
+#include "tools/samplemaker/showeffects.h"
 
 namespace {
-
-// Particles that come one after the other.
-TSampleNode AddTrickle(TSampleBuilder& effect, float rate, int frameMax)
-{
-    return effect.Add("Emitter").Set("Rate", {rate}).Int("Per frame max emission", frameMax);
-}
-
-// All particles at once.
-TSampleNode AddBurst(TSampleBuilder& effect, int count)
-{
-    return effect.Add("Emitter").Choose("Emit Mode", "Burst").Int("Per frame max emission", count);
-}
-
-TSampleNode AddPoint(TSampleBuilder& effect, int capacity, float x, float y, float z)
-{
-    return effect.Add("Point Emitter").Int("Particle Count", capacity).Set("Transform", {x, y, z, 0, 0, 0});
-}
-
-// `cosine` of the angle between the axis and the side: 1 is a line, -1 all directions.
-TSampleNode AddCone(TSampleBuilder& effect, std::initializer_list<float> axis, float cosine, float slow,
-                    float fast)
-{
-    return effect.Add("Velocity Cone")
-        .Set("Direction", axis)
-        .Set("Cone Cosine", {cosine})
-        .Set("Minimum Speed", {slow})
-        .Set("Maximum Speed", {fast});
-}
-
-TSampleNode AddAge(TSampleBuilder& effect, float seconds)
-{
-    return effect.Add("Age").Set("Max Age", {seconds});
-}
-
-// A curve node that follows an age over a life of that many seconds.
-TSampleNode AddCurve(TSampleBuilder& effect, const char* type, const TSampleNode& age, float seconds)
-{
-    const TSampleNode curve = effect.Add(type).Set("Life", {seconds});
-    age.Wire("Age", curve, "Time");
-    return curve;
-}
-
-TSampleNode AddColours(TSampleBuilder& effect, const TSampleNode& age, float seconds,
-                       std::initializer_list<TColourKey> keys)
-{
-    return AddCurve(effect, "Colour Over Life", age, seconds).Colours("Value", keys);
-}
-
-TSampleNode AddSizes(TSampleBuilder& effect, const TSampleNode& age, float seconds,
-                     std::initializer_list<TRampPoint> points)
-{
-    return AddCurve(effect, "Scale Over Life", age, seconds).Curves("Value", points);
-}
-
-TSampleNode AddStage(TSampleBuilder& effect, const char* type, const char* texture)
-{
-    return effect.Add(type).Texture("Texture", texture);
-}
-
-// Streaks that cover what is behind them, so that their colours show before a light background too.
-TSampleNode AddTrails(TSampleBuilder& effect, float halfWidth, float seconds)
-{
-    return AddStage(effect, "Velocity Trail Render Stage", "spark.dds")
-        .Choose("Alpha Blend.Dest Function", "One Minus Source Alpha")
-        .Set("Scale", {halfWidth, seconds});
-}
 
 // The shortest way to something that moves: thrown up, pulled down, faded out.
 void MakeFountain(TSampleBuilder& effect)
@@ -157,22 +92,30 @@ void MakeBurst(TSampleBuilder& effect)
     const TSampleNode trigger = AddTrickle(effect, 0.8f, 1);
     const TSampleNode sound = effect.Add("Event Trigger");
     const TSampleNode count = effect.Add("Multiply");
-    const TSampleNode source = AddPoint(effect, 200, 0, 1.2f, 0);
+    const TSampleNode source = effect.Add("Sphere Surface")
+                                   .Int("Particle Count", 200)
+                                   .Set("Translation", {0, 1.2f, 0, 0, 0, 0})
+                                   .Set("Scale", {0.02f, 0.02f, 0.02f});
     const TSampleNode cone = AddCone(effect, {0, 1, 0}, -1, 0.8f, 2.6f);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.8f, 0});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.12f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode age = AddAge(effect, 1.6f);
-    const TSampleNode sparks = AddTrails(effect, 0.045f, 0.22f).Priority(0);
+    const TSampleNode sparks = AddTrails(effect, 0.04f, 0.3f).Priority(0);
+    const TSampleNode cores = AddTrails(effect, 0.014f, 0.2f).Priority(5);
     trigger.Wire("Count", sound, "Trigger");
     trigger.Wire("Count", count, "A");
     count.Wire("Product", source, "Emission Trigger");
     cone.Wire("Velocity", gravity, "Velocity");
     gravity.Wire("Velocity", drag, "Velocity");
-    source.Wire("Start Transform", integrate, "Position");
+    source.Wire("Position", integrate, "Position");
     drag.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", sparks, "Position");
     drag.Wire("Velocity", sparks, "Velocity");
+    integrate.Wire("Position", cores, "Position");
+    drag.Wire("Velocity", cores, "Velocity");
+    AddColours(effect, age, 1.6f, {{0, 1, 1, 0.95f, 1}, {0.4f, 1, 0.95f, 0.7f, 0.9f}, {1, 1, 0.7f, 0.5f, 0}})
+        .Wire("Value", cores, "Colour");
     AddColours(effect, age, 1.6f,
                {{0, 1, 0.95f, 0.7f, 1},
                 {0.25f, 1, 0.6f, 0.1f, 1},
@@ -197,7 +140,7 @@ void MakeFlipbook(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 18, 4);
     const TSampleNode places = effect.Add("Grid")
-                                   .Int("Particle Count", 64)
+                                   .Int("Particle Count", 32)
                                    .Int("X Divisions", 2)
                                    .Int("Y Divisions", 2)
                                    .Choose("Emit Type", "In Order")
@@ -289,7 +232,7 @@ void MakeAura(TSampleBuilder& effect)
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.15f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode age = AddAge(effect, 1.2f);
-    const TSampleNode stage = AddTrails(effect, 0.04f, 0.4f);
+    const TSampleNode stage = AddTrails(effect, 0.03f, 0.5f).Priority(20);
     trigger.Wire("Count", sphere, "Emission Trigger");
     sphere.Wire("Position", integrate, "Position");
     sphere.Wire("Normal", cone, "Direction");
@@ -303,6 +246,17 @@ void MakeAura(TSampleBuilder& effect)
                 {0.6f, 0.5f, 0.25f, 0.95f, 0.7f},
                 {1, 0.7f, 0.1f, 0.7f, 0}})
         .Wire("Value", stage, "Colour");
+
+    // What it shines out of.
+    const TSampleNode once = AddBurst(effect, 1);
+    const TSampleNode middle = AddPoint(effect, 1, 0, 0.9f, 0);
+    const TSampleNode halo = AddHalo(effect, 0.75f, {0.2f, 0.55f, 1, 0.55f});
+    const TSampleNode heart =
+        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.34f, 0.34f}).Priority(10);
+    once.Wire("Count", middle, "Emission Trigger");
+    middle.Wire("Start Transform", halo, "Transform");
+    middle.Wire("Start Transform", heart, "Transform");
+    heart.Set("Colour", {0.85f, 0.97f, 1, 0.9f});
 }
 
 // Rain whose drops emit particles where they hit the ground: one ring and a few droplets each. A drop's hit
@@ -312,7 +266,7 @@ void MakeRain(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 70, 4);
     const TSampleNode cloud = effect.Add("Grid")
-                                  .Int("Particle Count", 100)
+                                  .Int("Particle Count", 64)
                                   .Int("X Divisions", 24)
                                   .Int("Y Divisions", 24)
                                   .Set("Transform", {0, 2.4f, 0, 0, 0, 0})
@@ -374,33 +328,49 @@ void MakeRain(TSampleBuilder& effect)
     count.Set("B", {4});
 }
 
-// Lights that run along an animation from a modelling package, each by its own age.
+// A light that runs along an animation from a modelling package by its own age, and sheds its tail on the
+// way.
 void MakeComet(TSampleBuilder& effect)
 {
-    const TSampleNode trigger = AddTrickle(effect, 50, 4);
-    const TSampleNode swarm =
-        effect.Add("Sphere Surface").Int("Particle Count", 420).Set("Scale", {0.045f, 0.045f, 0.045f});
+    const TSampleNode trigger = AddTrickle(effect, 0.125f, 1);
+    const TSampleNode source = AddPoint(effect, 4, 0, 0, 0);
     const TSampleNode age = AddAge(effect, 8);
     const TSampleNode path = effect.Add("Animation Path").Animation("Animation", "knot.vori");
     const TSampleNode place = effect.Add("Add");
-    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "glow.dds");
-    trigger.Wire("Count", swarm, "Emission Trigger");
+    const TSampleNode core =
+        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.075f, 0.075f}).Priority(20);
+    const TSampleNode halo = AddHalo(effect, 0.26f, {0.1f, 0.35f, 1, 0.75f});
+    trigger.Wire("Count", source, "Emission Trigger");
     age.Wire("Age", path, "Time");
-    swarm.Wire("Position", place, "A");
+    source.Wire("Start Transform", place, "A");
     path.Wire("Transform", place, "B");
-    place.Wire("Sum", stage, "Transform");
-    AddSizes(effect, age, 8, {{0, 0.02f}, {0.5f, 0.05f}, {1, 0.02f}}).Wire("Value", stage, "Scale");
-    AddColours(effect, age, 8,
-               {{0, 0.2f, 0.3f, 0.9f, 0},
-                {0.05f, 0.2f, 0.5f, 0.95f, 1},
-                {0.4f, 0.75f, 0.15f, 0.6f, 1},
-                {0.8f, 1, 0.55f, 0.1f, 1},
-                {1, 1, 0.8f, 0.3f, 0}})
-        .Wire("Value", stage, "Colour");
+    place.Wire("Sum", core, "Transform");
+    place.Wire("Sum", halo, "Transform");
+    AddColours(effect, age, 8, {{0, 1, 1, 1, 0}, {0.03f, 1, 1, 1, 1}, {0.97f, 1, 1, 1, 1}, {1, 1, 1, 1, 0}})
+        .Wire("Value", core, "Colour");
+
+    const TSampleNode shed = AddCurve(effect, "Scalar Over Life", age, 8).Curve("Value", 0, {{0, 3}, {1, 3}});
+    const TSampleNode tail = AddPoint(effect, 400, 0, 0, 0);
+    const TSampleNode drift = AddCone(effect, {0, 1, 0}, -1, 0.01f, 0.12f);
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode tailAge = AddAge(effect, 1.8f);
+    const TSampleNode dust = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(10);
+    shed.Wire("Value", tail, "Emission Trigger");
+    place.Wire("Sum", tail, "Transform");
+    tail.Wire("Start Transform", integrate, "Position");
+    drift.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", dust, "Transform");
+    AddSizes(effect, tailAge, 1.8f, {{0, 0.09f}, {0.25f, 0.07f}, {1, 0.012f}}).Wire("Value", dust, "Scale");
+    AddColours(effect, tailAge, 1.8f,
+               {{0, 0.65f, 0.9f, 1, 0.8f},
+                {0.2f, 0.15f, 0.55f, 1, 0.6f},
+                {0.6f, 0.5f, 0.2f, 0.9f, 0.4f},
+                {1, 0.9f, 0.25f, 0.5f, 0}})
+        .Wire("Value", dust, "Colour");
 }
 
-// Fireflies that wander with a noise which grows finer as they age, and are kept together by a pull to the
-// middle.
+// Fireflies that glow, each when its age has come to it; they wander with a noise which grows finer as they
+// age, and are kept together by a pull to the middle.
 void MakeFireflies(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 20, 4);
@@ -408,6 +378,7 @@ void MakeFireflies(TSampleBuilder& effect)
                                   .Int("Particle Count", 140)
                                   .Set("Translation", {0, 0.8f, 0, 0, 0, 0})
                                   .Set("Scale", {0.9f, 0.5f, 0.9f});
+    const TSampleNode start = effect.Add("Make Transform");
     const TSampleNode cone = AddCone(effect, {0, 1, 0}, -1, 0.2f, 0.5f);
     const TSampleNode middle =
         effect.Add("Attractor").Set("Attractor Position", {0, 0.8f, 0}).Set("Strength", {0.9f});
@@ -416,36 +387,58 @@ void MakeFireflies(TSampleBuilder& effect)
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.45f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode age = AddAge(effect, 6);
-    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "glow.dds");
+    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(0);
+    const TSampleNode light =
+        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.016f, 0.016f}).Priority(10);
     trigger.Wire("Count", hedge, "Emission Trigger");
-    hedge.Wire("Position", middle, "Position");
+    hedge.Wire("Position", start, "Translation");
+    start.Wire("Transform", middle, "Position");
     cone.Wire("Velocity", middle, "Velocity");
-    hedge.Wire("Position", noise, "Position");
     AddCurve(effect, "Vector Over Life", age, 6)
         .Curves("Value", {{0, 1}, {1, 2.5f}})
         .Wire("Value", noise, "Frequency");
     middle.Wire("Velocity", wander, "Velocity");
     noise.Wire("Value", wander, "Wind");
     wander.Wire("Velocity", drag, "Velocity");
-    hedge.Wire("Position", integrate, "Position");
+    start.Wire("Transform", integrate, "Position");
     drag.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", stage, "Transform");
+    integrate.Wire("Position", light, "Transform");
+    start.Wire("Transform", noise, "Position");
     const TSampleNode blink = AddCurve(effect, "Shaper", age, 6);
     blink.Wire("Value", stage, "Scale");
-    blink.Curves("Value", {{0, 0},
-                           {0.12f, 0.06f},
-                           {0.25f, 0.025f},
-                           {0.4f, 0.07f},
-                           {0.55f, 0.025f},
-                           {0.7f, 0.07f},
-                           {0.85f, 0.025f},
-                           {1, 0}});
+    blink.Curves("Value", {{0, 0.02f},
+                           {0.12f, 0.11f},
+                           {0.22f, 0.03f},
+                           {0.36f, 0.03f},
+                           {0.46f, 0.13f},
+                           {0.58f, 0.03f},
+                           {0.7f, 0.03f},
+                           {0.8f, 0.12f},
+                           {0.92f, 0.03f},
+                           {1, 0.02f}});
     AddColours(effect, age, 6,
-               {{0, 0.35f, 0.6f, 0.05f, 0},
-                {0.1f, 0.45f, 0.75f, 0.05f, 1},
-                {0.9f, 0.8f, 0.7f, 0.05f, 1},
+               {{0, 0.6f, 0.8f, 0, 0},
+                {0.12f, 0.75f, 0.85f, 0, 0.85f},
+                {0.22f, 0.5f, 0.6f, 0, 0.15f},
+                {0.36f, 0.5f, 0.6f, 0, 0.15f},
+                {0.46f, 0.85f, 0.8f, 0, 0.9f},
+                {0.58f, 0.5f, 0.55f, 0, 0.15f},
+                {0.7f, 0.5f, 0.55f, 0, 0.15f},
+                {0.8f, 0.95f, 0.7f, 0, 0.85f},
                 {1, 0.8f, 0.5f, 0, 0}})
         .Wire("Value", stage, "Colour");
+    AddColours(effect, age, 6,
+               {{0, 0.3f, 0.25f, 0.05f, 0},
+                {0.12f, 1, 1, 0.75f, 1},
+                {0.22f, 0.35f, 0.32f, 0.1f, 0.8f},
+                {0.36f, 0.35f, 0.32f, 0.1f, 0.8f},
+                {0.46f, 1, 1, 0.75f, 1},
+                {0.58f, 0.35f, 0.3f, 0.1f, 0.8f},
+                {0.7f, 0.35f, 0.3f, 0.1f, 0.8f},
+                {0.8f, 1, 1, 0.75f, 1},
+                {1, 0.3f, 0.25f, 0.05f, 0}})
+        .Wire("Value", light, "Colour");
 }
 
 // A puff of dust that a game steers: where, which way, how strong and of what colour.
@@ -537,12 +530,15 @@ void MakeVortex(TSampleBuilder& effect)
 
     const TSampleNode once = AddBurst(effect, 1);
     const TSampleNode middle = AddPoint(effect, 1, 0, 0.8f, 0);
-    const TSampleNode dark = AddStage(effect, "Sprite Render Stage", "smoke.hvt")
-                                 .Set("Scale", {0.24f, 0.24f})
-                                 .Set("Colour", {0.06f, 0.02f, 0.12f, 0.95f})
-                                 .Priority(0);
+    // As good as for ever.
+    constexpr float tenMinutes = 600;
+    const TSampleNode age = AddAge(effect, tenMinutes);
+    const TSampleNode dark =
+        AddStage(effect, "Sprite Render Stage", "smoke.hvt").Set("Scale", {0.24f, 0.24f}).Priority(0);
     once.Wire("Count", middle, "Emission Trigger");
     middle.Wire("Start Transform", dark, "Transform");
+    AddColours(effect, age, tenMinutes, {{0, 0.06f, 0.02f, 0.12f, 0.95f}, {1, 0.06f, 0.02f, 0.12f, 0.95f}})
+        .Wire("Value", dark, "Colour");
 }
 
 // Fumes that start slowly, turn as they rise and fade from one picture to another.
@@ -624,13 +620,10 @@ void MakeSnow(TSampleBuilder& effect)
     ground.Wire("Velocity", integrate, "Velocity");
     ground.Wire("Collision", end, "Kill");
     integrate.Wire("Position", stage, "Transform");
-    AddSizes(effect, age, 6, {{0, 0.02f}, {0.1f, 0.055f}, {0.9f, 0.055f}, {1, 0.02f}})
+    AddSizes(effect, age, 6, {{0, 0.03f}, {0.1f, 0.042f}, {0.9f, 0.042f}, {1, 0.02f}})
         .Wire("Value", stage, "Scale");
     AddColours(effect, age, 6,
-               {{0, 0.4f, 0.62f, 1, 0},
-                {0.08f, 0.38f, 0.6f, 1, 1},
-                {0.9f, 0.25f, 0.45f, 0.9f, 1},
-                {1, 0.25f, 0.45f, 0.9f, 0}})
+               {{0, 1, 1, 1, 0}, {0.08f, 1, 1, 1, 0.95f}, {0.9f, 1, 1, 1, 0.95f}, {1, 1, 1, 1, 0}})
         .Wire("Value", stage, "Colour");
     where.Set("Low", {-1.2f, -0.2f, -1.2f}).Set("High", {1.2f, 0.2f, 1.2f});
     turned.Set("Low", {0, 0, 0}).Set("High", {0, 0, 360});
@@ -672,8 +665,9 @@ void MakeLeaves(TSampleBuilder& effect)
     ground.Wire("Velocity", integrate, "Velocity");
     ground.Wire("Collision", end, "Kill");
     integrate.Wire("Position", stage, "Transform");
-    AddCurve(effect, "Scalar Over Life", age, 4)
-        .Curve("Value", 0, {{0, 0}, {0.2f, 0}, {0.8f, 1}, {1, 1}})
+    // Brown after about three seconds, which is about when they lie.
+    AddCurve(effect, "Scalar Over Life", age, 6)
+        .Curve("Value", 0, {{0, 0}, {0.13f, 0}, {0.53f, 1}, {1, 1}})
         .Wire("Value", stage, "Blend");
     AddColours(effect, age, 6, {{0, 1, 1, 1, 0}, {0.05f, 1, 1, 1, 1}, {0.9f, 1, 1, 1, 1}, {1, 1, 1, 1, 0}})
         .Wire("Value", stage, "Colour");
@@ -690,6 +684,8 @@ const std::vector<TSampleEffect>& GetSampleEffects()
         {"aura", MakeAura},           {"rain", MakeRain},         {"comet", MakeComet},
         {"fireflies", MakeFireflies}, {"impact", MakeImpact},     {"vortex", MakeVortex},
         {"fumes", MakeFumes},         {"snow", MakeSnow},         {"leaves", MakeLeaves},
+        {"waterfall", MakeWaterfall}, {"portal", MakePortal},     {"explosion", MakeExplosion},
+        {"magic", MakeMagic},
     };
     return effects;
 }

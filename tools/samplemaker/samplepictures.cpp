@@ -55,20 +55,43 @@ TTexel Tinted(double red, double green, double blue, double alpha)
     return {red, green, blue, alpha};
 }
 
+// Bright in the middle, and without an edge where it ends.
 TTexel PaintGlow(double x, double y)
 {
     const double fall = Clamp(1 - Length(x, y));
-    return White(fall * fall * (3 - 2 * fall));
+    const double core = Step(0.5, 1, fall);
+    return White(Clamp(0.75 * fall * fall * fall + 0.2 * fall * fall + 0.45 * core));
 }
 
-// Broad and bright at the head, thin at the tail.
+// A streak without edges: broad and bright near the head, thin at the tail.
 TTexel PaintSpark(double x, double y)
 {
     const double along = (y + 1) / 2;
-    const double width = Mix(0.15, 0.9, along);
-    const double across = Clamp(1 - std::fabs(x) / width);
-    const double head = Step(0, 0.12, 1 - along);
-    return White(Step(0, 0.8, across) * along * head);
+    const double width = Mix(0.12, 0.85, along * std::sqrt(along));
+    const double off = Clamp(1 - x * x / (width * width));
+    const double head = Step(0, 0.22, 1 - along);
+    return White(off * off * off * along * std::sqrt(along) * head);
+}
+
+// Four rays and a light in their middle.
+TTexel PaintStar(double x, double y)
+{
+    const double r = Length(x, y);
+    const double fall = Clamp(1 - r);
+    const double across = std::fabs(x) < std::fabs(y) ? std::fabs(x) : std::fabs(y);
+    const double ray = Clamp(1 - across / (0.11 * fall + 0.001));
+    const double heart = Clamp(1 - r / 0.35);
+    return White(Clamp(ray * ray * fall + heart * heart * 1.2));
+}
+
+// A chip of stone, lit from above.
+TTexel PaintRock(double x, double y)
+{
+    const double bumps = GetFractalNoise(2.2 * x + 3, 2.2 * y + 5, 0, 43);
+    const double edge = 0.62 + 0.4 * (bumps - 0.5) - std::max(Length(x, y), 0.9 * std::fabs(x + 0.4 * y));
+    const double grain = GetFractalNoise(7 * x, 7 * y, 0, 17);
+    const double light = Clamp(0.32 + 0.22 * y + 0.5 * (grain - 0.35));
+    return Tinted(light, 0.92 * light, 0.84 * light, Step(0, 0.06, edge));
 }
 
 // Value noise that is thick in the middle and ragged at the rim.
@@ -121,7 +144,10 @@ TTexel PaintFlake(double x, double y)
                 nearest = std::min(nearest, off);
         }
     }
-    return White(1 - Step(0.03, 0.1, nearest));
+    // White with a cold rim, which shows before a light sky.
+    const double body = 1 - Step(0.02, 0.07, nearest);
+    const double rim = 1 - Step(0.05, 0.2, nearest);
+    return Tinted(Mix(0.5, 1, body), Mix(0.66, 1, body), Mix(0.86, 1, body), Clamp(body + 0.5 * rim));
 }
 
 // A round drop that runs out into a tip, with a light on its left.
@@ -256,12 +282,14 @@ struct TPicture
 };
 
 constexpr TPicture Pictures[] = {
-    {"glow.dds", 64, 64, IF_DDS_RAW, PaintGlow},
-    {"spark.dds", 64, 128, IF_DDS_DXT5, PaintSpark},
-    {"smoke.hvt", 128, 128, IF_HVT_DXT5, PaintSmoke},
+    {"glow.dds", 128, 128, IF_DDS_RAW, PaintGlow},
+    {"spark.dds", 64, 256, IF_DDS_RAW, PaintSpark},
+    {"star.dds", 128, 128, IF_DDS_RAW, PaintStar},
+    {"rock.dds", 64, 64, IF_DDS_DXT5, PaintRock},
+    {"smoke.hvt", 256, 256, IF_HVT_DXT5, PaintSmoke},
     {"wisp.hvt", 128, 128, IF_HVT_DXT5, PaintWisp},
     {"ring.hvt", 128, 128, IF_HVT_RAW, PaintRing},
-    {"flake.dds", 64, 64, IF_DDS_RAW, PaintFlake},
+    {"flake.dds", 128, 128, IF_DDS_RAW, PaintFlake},
     {"drop.dds", 64, 64, IF_DDS_DXT5, PaintDrop},
     {"tile.hvt", 64, 64, IF_HVT_RAW, PaintTile},
     {"leafgreen.dds", 128, 128, IF_DDS_DXT5, PaintGreenLeaf},
@@ -272,7 +300,7 @@ constexpr TPicture Pictures[] = {
 
 bool MakeSamplePictures(const char* folder)
 {
-    bool made = MakeFlipbook(folder, "fire.dds", 256, IF_DDS_DXT5);
+    bool made = MakeFlipbook(folder, "fire.dds", 512, IF_DDS_DXT5);
     for (const TPicture& picture : Pictures)
         made &=
             MakePicture(folder, picture.Name, picture.Width, picture.Height, picture.Format, picture.Painter);

@@ -8,7 +8,7 @@
 namespace {
 constexpr int HoverTimer = 1;
 constexpr int HoverMilliseconds = 1000;
-constexpr int RoutedKeyFlags = KF_SHIFT | KF_CTRL;
+constexpr int RoutedKeyFlags = KF_SHIFT | KF_CTRL | KF_ALT;
 
 // A pointer on the stack that becomes null when its object goes.
 struct TObjectWatch

@@ -116,7 +116,8 @@ public:
     // World positions of the pointer, of the last and the last but one move.
     static TVector2 GetPointer();
     static TVector2 GetLastPointer();
-    // TKeyFlag bits of Shift and Ctrl: what the key messages have told, and the message being routed.
+    // TKeyFlag bits: of Shift and Ctrl, what the key messages have told; of all, those of the message being
+    // routed.
     static int GetKeyFlags();
     // The renderer and its window are about to go.
     static void ForgetRenderer(const TRenderer* renderer);

@@ -2,11 +2,12 @@
 #include "particles/cindermill/batch/checkcommand.h"
 #include "particles/cindermill/batch/diffcommand.h"
 #include "particles/cindermill/batch/dumpcommand.h"
-#include "particles/cindermill/batch/efxcommand.h"
+#include "particles/cindermill/batch/efxlistcommand.h"
 #include "particles/cindermill/batch/exportcommand.h"
 #include "particles/cindermill/batch/hashcommand.h"
 #include "particles/cindermill/batch/helpcommand.h"
 #include "particles/cindermill/batch/imagecommand.h"
+#include "particles/cindermill/batch/lintcommand.h"
 #include "particles/cindermill/batch/picturecommand.h"
 #include "particles/cindermill/batch/replaycommand.h"
 #include "particles/cindermill/batch/reportcommand.h"
@@ -26,12 +27,13 @@ constexpr const char* SharedOptions = "[--node-types DIR] [--resources DIR] [--p
 
 const TTypesCommand Types;
 const TCheckCommand Check;
+const TLintCommand Lint;
 const TReportCommand Report;
 const TDumpCommand Dump;
 const TExportCommand Export;
 const TRunCommand Run;
 const TReplayCommand Replay;
-const TEfxCommand Efx;
+const TEfxListCommand Efx;
 const TTranslateCommand Translate;
 const TImageCommand Image;
 const TResaveCommand Resave;
@@ -48,8 +50,8 @@ const TPictureCommand Sheet("sheet",
                             "[--size WxH] [--background COLOUR] [--plain]");
 
 const TBatchCommand* const Commands[] = {
-    &Types, &Check, &Report, &Dump, &Export, &Run, &Replay, &Efx, &Translate, &Image, &Resave, &Hash, &Text, &Diff,
-    &Picture, &Sheet, &Help,
+    &Types,     &Check, &Lint,   &Report, &Dump, &Export, &Run,     &Replay, &Efx,
+    &Translate, &Image, &Resave, &Hash,   &Text, &Diff,   &Picture, &Sheet,  &Help,
 };
 
 } // namespace

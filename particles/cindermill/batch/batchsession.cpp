@@ -31,14 +31,15 @@ bool TBatchSession::ReadOptions(TArguments& arguments, TString& fault)
 
 void TBatchSession::GetOptionWords(vector<TString>& words) const
 {
-    const auto add = [&](const char* option, const TString& directory) {
-        if (directory.IsEmpty())
+    const auto add = [&](const char* option, const TString& value) {
+        if (value.IsEmpty())
             return;
         words.push_back(option);
-        words.push_back(directory);
+        words.push_back(value);
     };
+    add("--project", ProjectPath);
     add("--node-types", NodeTypesDirectory);
-    add("--resources", ResourcesDirectory.IsEmpty() ? Project.GetResources() : ResourcesDirectory);
+    add("--resources", ResourcesDirectory);
 }
 
 bool TBatchSession::Init()

@@ -22,6 +22,20 @@ void PrintReport(const TReplayReport& report)
 
 TReplayCommand::TReplayCommand() : TBatchCommand("replay", "FILE [--frames N] [--dt S] [--seed K]") {}
 
+const char* TReplayCommand::GetHelp() const
+{
+    return "Exports the effect in memory, runs the file's bytes as the console would beside the preview, "
+           "and\n"
+           "prints the first difference of each group, attribute and kind, as comma-separated values. What\n"
+           "cannot be replayed is told on the standard error.\n"
+           "\n"
+           "  --frames N            as many frames; unless told as many as the longest life needs and 50 "
+           "more,\n"
+           "                        at least 100 and at most 1000\n"
+           "  --dt S                seconds of a frame; 0.02 unless told\n"
+           "  --seed K              what is drawn at random starts from this number; 0 unless told\n";
+}
+
 bool TReplayCommand::ReadOptions(TArguments& arguments, TReplayOptions& options)
 {
     while (!arguments.IsEmpty()) {

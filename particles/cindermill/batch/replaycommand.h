@@ -10,6 +10,7 @@ class TReplayCommand final : public TBatchCommand
 public:
     TReplayCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 
 private:
     // False where the command line is wrong, which has been told.

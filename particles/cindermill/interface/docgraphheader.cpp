@@ -17,6 +17,8 @@ constexpr int WheelNotch = 120;
 constexpr TGDIColour White = 0xFFFFFF;
 constexpr TGDIColour TextColour = 0x202020;
 constexpr TGDIColour DisabledColour = 0xA8A8A8;
+constexpr TGDIColour BadgeColour = 0xC62828;
+constexpr int BadgeSize = 6;
 
 TWindowClass& GetWindowClass()
 {
@@ -161,7 +163,34 @@ void TDocGraphHeader::LayoutGraph()
     int height = 0;
     GetSize(width, height);
     Strip.SetWidth(width);
-    DocWindow->GetGraph().MoveTo(0, Height, width, height > Height ? height - Height : 0);
+    TProblemStrip& problems = DocWindow->GetProblems();
+    const int strip = problems.GetWantedHeight();
+    const int graph = height > Height + strip ? height - Height - strip : 0;
+    DocWindow->GetGraph().MoveTo(0, Height, width, graph);
+    if (problems.GetHandle() == nullptr)
+        return;
+    problems.MoveTo(0, Height + graph, width, strip);
+    problems.Show(strip > 0);
+}
+
+void TDocGraphHeader::OnProblemsChanged()
+{
+    LayoutGraph();
+    Redraw();
+}
+
+bool TDocGraphHeader::HasProblem(int tab) const
+{
+    const TDocumentProblems& problems = DocWindow->GetDocument().GetProblems();
+    const TEffectSchedule& schedule = DocWindow->GetDocument().GetSchedule();
+    if (tab == 0 || problems.empty())
+        return !problems.empty();
+    const int group = GetTabGroup(schedule, tab);
+    for (int i = 0; group != -1 && i < schedule.GetNumTiedNodes(group); ++i)
+        for (int p = 0; p < problems.size(); ++p)
+            if (problems[p].Node == schedule.GetNode(schedule.GetTiedNode(group, i)))
+                return true;
+    return false;
 }
 
 void TDocGraphHeader::GetTabEdges(int tab, int& left, int& right) const
@@ -209,10 +238,19 @@ void TDocGraphHeader::Paint(TGDIContext& context) const
         context.Rectangle(left, 0, right, Height);
         context.RaisedEdge(left, 0, right, Height);
         context.TextOut(left + TextLeft, TextTop, Strip.GetLabels()[i]);
+        if (HasProblem(i))
+            PaintBadge(context, right);
     }
     context.ClearClip();
     if (Strip.HasArrows())
         PaintArrows(context);
+}
+
+void TDocGraphHeader::PaintBadge(TGDIContext& context, int right)
+{
+    context.SetBrush(BadgeColour);
+    context.Rectangle(right - BadgeSize - 1, 1, right - 1, 1 + BadgeSize);
+    context.SetBrush(ButtonColour);
 }
 
 void TDocGraphHeader::PaintArrows(TGDIContext& context) const

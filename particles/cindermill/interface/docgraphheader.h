@@ -22,6 +22,10 @@ public:
     bool OnMessage(const TMessage& message) override;
     // The names follow the schedule. Without one there is the tab of all nodes.
     void OnGraphChanged();
+    // The strip of problems below the graph has another height, and other tabs have a badge.
+    void OnProblemsChanged();
+    // Whether a problem is at a node of the tab's.
+    bool HasProblem(int tab) const;
 
     const vector<TString>& GetTabNames() const { return TabNames; }
     // What the tabs show.
@@ -36,6 +40,7 @@ public:
 private:
     static void OnGraphChanged(void* data);
     void LayoutGraph();
+    static void PaintBadge(TGDIContext& context, int right);
     void PaintArrows(TGDIContext& context) const;
     void OnPress(const TMessage& message);
     void OnWheel(const TMessage& message);

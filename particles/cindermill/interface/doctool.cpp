@@ -1,7 +1,7 @@
 #include "particles/cindermill/interface/doctool.h"
 
-#include "library/maths/scalar.h"
 #include "particles/cindermill/interface/docwindow.h"
+#include "particles/cindermill/interface/fittedtext.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
@@ -19,6 +19,8 @@ constexpr int TextMargin = 4;
 // The box that opens and closes a category.
 constexpr int BoxSize = 10;
 constexpr int BoxTop = (TPalette::RowHeight - BoxSize) / 2;
+constexpr int HelpTimer = 1;
+constexpr int HelpMilliseconds = 600;
 // Clicks further to the right are not for the box.
 constexpr int BoxReach = 9;
 // Where the fill of a row begins, right of the lines and boxes.
@@ -30,14 +32,6 @@ TWindowClass& GetWindowClass()
     if (!windowClass.IsRegistered())
         windowClass.Register(0, White);
     return windowClass;
-}
-
-TGDIColour ToColour(const TVector4& colour)
-{
-    TGDIColour result = 0;
-    for (int i = 0; i < 3; ++i)
-        result = result << 8 | (static_cast<TGDIColour>(FloatToInt(colour[i] * 255.0 + 0.5)) & 0xFF);
-    return result;
 }
 
 const TNodeTypeLibrary& GetLibrary()
@@ -90,18 +84,82 @@ bool TDocTool::OnMessage(const TMessage& message)
     case MT_FOCUSGAINED:
         DocWindow->Activate();
         return false;
+    case MT_FOCUSLOST:
+        Redraw();
+        return false;
     case MT_KEYDOWN:
-        return message.Key == KEY_ESCAPE && DocWindow->CancelAnyDrag();
+    case MT_CHAR:
+        return OnKey(message);
+    case MT_MOUSEMOVE:
+    case MT_MOUSELEAVE:
+        OnMove(message);
+        return false;
+    case MT_TIMER:
+        ShowHelp();
+        return true;
     default:
         return false;
     }
 }
 
-void TDocTool::ScrollTo(int position)
+bool TDocTool::OnKey(const TMessage& message)
+{
+    const bool isEscape = message.Type == MT_KEYDOWN && message.Key == KEY_ESCAPE;
+    if (isEscape && DocWindow->CancelAnyDrag())
+        return true;
+    if (isEscape && !Filter.GetText().IsEmpty())
+        Filter.SetText("");
+    else if (!Filter.OnMessage(message))
+        return false;
+    ShowFilter();
+    return true;
+}
+
+void TDocTool::ShowFilter()
+{
+    Palette.SetFilter(Filter.GetText().Print());
+    ScrollTo(0);
+    Redraw();
+}
+
+// The help comes once the pointer rests.
+void TDocTool::OnMove(const TMessage& message)
+{
+    ShowTip(0, 0, nullptr);
+    StopTimer(HelpTimer);
+    if (message.Type == MT_MOUSELEAVE || message.Buttons != 0)
+        return;
+    PointerX = message.GetPixelX();
+    PointerY = message.GetPixelY();
+    StartTimer(HelpTimer, HelpMilliseconds);
+}
+
+void TDocTool::ShowHelp()
+{
+    const int row = PointerY < GetListHeight() ? Palette.FindRow(PointerY + ScrollY) : -1;
+    const int type = row != -1 ? Palette.GetRows()[row].Type : -1;
+    if (type == -1 || TWimp::Get().GetMouseDrag() != nullptr)
+        return;
+    TString text = GetLibrary().GetType(type)->Name;
+    if (!GetLibrary().GetType(type)->Description.IsEmpty()) {
+        text += ": ";
+        text += GetLibrary().GetType(type)->Description;
+    }
+    ShowTip(PointerX, PointerY, text.Print());
+}
+
+// The field stands below the list.
+int TDocTool::GetListHeight() const
 {
     int width = 0;
     int height = 0;
     GetSize(width, height);
+    return height > TFilterField::Height ? height - TFilterField::Height : 0;
+}
+
+void TDocTool::ScrollTo(int position)
+{
+    const int height = GetListHeight();
     const int end = Palette.GetHeight() - height;
     if (position > end)
         position = end;
@@ -118,7 +176,10 @@ void TDocTool::ScrollTo(int position)
 void TDocTool::OnLeftDown(int x, int y)
 {
     TakeFocus();
-    const int index = Palette.FindRow(y + ScrollY);
+    ShowTip(0, 0, nullptr);
+    StopTimer(HelpTimer);
+    Redraw();
+    const int index = y < GetListHeight() ? Palette.FindRow(y + ScrollY) : -1;
     if (index != -1) {
         const TPaletteRow row = Palette.GetRows()[index];
         if (row.Type != -1) {
@@ -150,14 +211,18 @@ void TDocTool::Paint(TGDIContext& context) const
         else
             PaintCategory(context, rows[i], top, width);
     }
+    context.SetNoPen();
+    context.SetBrush(White);
+    context.Rectangle(0, GetListHeight(), width, height);
+    Filter.Paint(context, 1, GetListHeight(), width - 1, "Filter", HasFocus());
 }
 
 void TDocTool::PaintType(TGDIContext& context, const TPaletteRow& row, int top, int width) const
 {
     const TNodeType& type = *GetLibrary().GetType(row.Type);
     const TVector4 colour = GetNodeTypeColour(type.Colour);
-    context.SetPen(ToColour(colour));
-    context.SetBrush(ToColour(MixColours(colour, TVector4(1, 1, 1, 1), 0.6f)));
+    context.SetPen(ToGDIColour(colour));
+    context.SetBrush(ToGDIColour(MixColours(colour, TVector4(1, 1, 1, 1), 0.6f)));
     // One line between two rows.
     context.Rectangle(row.Indent + FillIndent, top - 1, width, top + TPalette::RowHeight);
     PaintName(context, row, top, width, type.Name);

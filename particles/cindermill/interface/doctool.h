@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/wimp/window.h"
+#include "particles/cindermill/interface/filterfield.h"
 #include "particles/cindermill/interface/palette.h"
 
 class TDocWindow;
@@ -14,6 +15,8 @@ public:
     void OpenLibrary();
     bool OnMessage(const TMessage& message) override;
 
+    // What is typed while the palette has the keys.
+    const TString& GetFilter() const { return Filter.GetText(); }
     int GetScroll() const { return ScrollY; }
     const TPalette& GetPalette() const { return Palette; }
 
@@ -24,10 +27,19 @@ private:
     static void PaintName(TGDIContext& context, const TPaletteRow& row, int top, int width, const char* name);
     void PaintBranches(TGDIContext& context, int category, int top) const;
     void OnLeftDown(int x, int y);
+    bool OnKey(const TMessage& message);
+    void ShowFilter();
+    void OnMove(const TMessage& message);
+    void ShowHelp();
+    int GetListHeight() const;
     // Kept within the palette; the bar follows.
     void ScrollTo(int position);
 
     TDocWindow* DocWindow = nullptr;
     TPalette Palette;
     int ScrollY = 0;
+    TFilterField Filter;
+    // Where the pointer rests.
+    int PointerX = 0;
+    int PointerY = -1;
 };

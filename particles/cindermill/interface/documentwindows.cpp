@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/documentwindows.h"
 
 #include "library/system/path.h"
+#include "library/wimp/mdi.h"
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/displayplace.h"
 #include "particles/cindermill/interface/docwindow.h"
@@ -281,10 +282,22 @@ void TDocumentWindows::EngineGoes(TDocument& document)
     TAttributeTraceWindow::EngineGoes(document);
 }
 
+void TDocumentWindows::ProblemsChanged(TDocument& document)
+{
+    if (Scene != nullptr)
+        Scene->ShowProblems(document.GetProblems());
+    for (TDocWindow* window : Windows) {
+        window->GetProblems().Refresh();
+        window->GetHeader().OnProblemsChanged();
+    }
+}
+
 void TDocumentWindows::NodeTypesGo(TDocument&)
 {
-    for (TDocWindow* window : Windows)
+    for (TDocWindow* window : Windows) {
         window->CancelAnyDrag();
+        window->GetGraph().GetActions().CloseSearch();
+    }
 }
 
 void TDocumentWindows::NodeTypesCame(TDocument&)
@@ -301,6 +314,8 @@ void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 
 void TDocumentWindows::NodeLeft(TToolNode& node)
 {
+    for (TDocWindow* window : Windows)
+        window->GetGraph().GetActions().CloseSearch();
     TAttributeTraceWindow::Close(node);
 }
 
@@ -360,4 +375,16 @@ void TDocumentWindows::ShowPointer(TRenderObject& object, TPointerShape shape)
 TRenderer* TDocumentWindows::GetView()
 {
     return Windows.empty() ? nullptr : &Windows[0]->GetGraph().GetRenderer();
+}
+
+void TDocumentWindows::SearchForWire(TRenderer& renderer, const TVector2& point, const TWireEnd& end)
+{
+    if (TGraphWindow* graph = FindGraph(renderer))
+        graph->GetActions().SearchForWire(point, end);
+}
+
+void TDocumentWindows::TellStatus(const char* text)
+{
+    if (TMDIFrame* frame = dynamic_cast<TMDIFrame*>(Frame))
+        frame->ShowNote(text);
 }

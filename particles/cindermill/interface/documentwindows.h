@@ -37,6 +37,7 @@ public:
     void RedrawWindows(TDocument& document) override;
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
+    void ProblemsChanged(TDocument& document) override;
     void NodeTypesGo(TDocument& document) override;
     void NodeTypesCame(TDocument& document) override;
 
@@ -48,6 +49,8 @@ public:
     void ShowHelp(const char* text, const TVector2& point) override;
     void ShowPointer(TRenderObject& object, TPointerShape shape) override;
     TRenderer* GetView() override;
+    void SearchForWire(TRenderer& renderer, const TVector2& point, const TWireEnd& end) override;
+    void TellStatus(const char* text) override;
     void NodeLeft(TToolNode& node) override;
 
     // In the view that was used last.

@@ -1,7 +1,5 @@
 #include "particles/cindermill/interface/docwindow.h"
 
-#include "library/maths/scalar.h"
-#include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -60,6 +58,7 @@ bool TDocWindow::Create(TDocument& document, TWindow* frame)
     const TRenderer* first =
         Windows.GetNumWindows() > 0 ? &Windows.GetWindow(0)->GetGraph().GetRenderer() : nullptr;
     ASSERT_TEXT(Graph.Create(*this, Header, first), "0 : Failed to create document graph window");
+    ASSERT_TEXT(Problems.Create(*this, Header), "0 : Failed to create document window");
     Split.Attach(this);
     Split.AddPane(&Tool, false, nullptr, -1);
     Split.AddPane(&Header, false, &Tool, ToolWidth);
@@ -138,6 +137,7 @@ void TDocWindow::CancelDrag()
     DragType = nullptr;
     TWimp::Get().ClearMouseDrag();
     ShowCursor(CU_CLASS);
+    Windows.GetScene().GetWireAim().Clear();
     Graph.HideGhost();
 }
 
@@ -184,9 +184,12 @@ void TDocWindow::OnMouseMove(double x, double y, int buttons)
     if (isOver) {
         ShowCursor(CU_DROP);
         Graph.EdgeScroll(graphX, graphY);
+        Windows.GetScene().GetWireAim().AimType(*DragType, Graph.PixelToWorld(graphX, graphY),
+                                                TWireAim::GetReach(Graph.GetRenderer()));
         Graph.ShowGhost(graphX, graphY);
     } else {
         ShowCursor(CU_DRAG);
+        Windows.GetScene().GetWireAim().Clear();
         Graph.HideGhost();
     }
 }
@@ -197,8 +200,7 @@ void TDocWindow::DropType(double x, double y, const TNodeType& type)
     const TVector2 point = Graph.PixelToWorld(x, y);
     Graph.TakeFocus();
     SetMouseTarget(&Graph);
-    Document->ApplyOperation(
-        new TAddGraphNodeOp(*Document, type, FloatToInt(point[0]), FloatToInt(point[1])));
+    DropNode(Windows.GetScene(), type, point, TWireAim::GetReach(Graph.GetRenderer()));
 }
 
 void TDocWindow::FocusSelected(bool animate)

@@ -6,6 +6,7 @@
 #include "particles/cindermill/interface/docgraphheader.h"
 #include "particles/cindermill/interface/doctool.h"
 #include "particles/cindermill/interface/graphwindow.h"
+#include "particles/cindermill/interface/problemstrip.h"
 
 class TDocumentWindows;
 
@@ -48,6 +49,7 @@ public:
     TDocTool& GetTool() { return Tool; }
     TDocGraphHeader& GetHeader() { return Header; }
     TGraphWindow& GetGraph() { return Graph; }
+    TProblemStrip& GetProblems() { return Problems; }
     TCursor GetCursor() const { return Cursor; }
 
 private:
@@ -64,6 +66,7 @@ private:
     TDocTool Tool;
     TDocGraphHeader Header;
     TGraphWindow Graph;
+    TProblemStrip Problems;
     TWindow* MouseTarget = nullptr;
     TCursor Cursor = CU_CLASS;
     const TNodeType* DragType = nullptr;

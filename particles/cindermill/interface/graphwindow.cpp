@@ -100,7 +100,7 @@ bool CanEdit()
 
 } // namespace
 
-TGraphWindow::TGraphWindow() : Shortcuts(this) {}
+TGraphWindow::TGraphWindow() : Shortcuts(this), Actions(*this), Minimap(*this) {}
 
 TGraphWindow::~TGraphWindow()
 {
@@ -119,6 +119,7 @@ bool TGraphWindow::Create(TDocWindow& docWindow, TWindow& owner, const TRenderer
         return false;
     AddShortcuts();
     Shortcuts.Attach(this);
+    Actions.Attach(docWindow);
     return true;
 }
 
@@ -130,6 +131,12 @@ TDocument& TGraphWindow::GetDocument() const
 TGraphScene& TGraphWindow::GetScene() const
 {
     return DocWindow->GetWindows().GetScene();
+}
+
+void TGraphWindow::Redraw()
+{
+    TWindow::Redraw();
+    Minimap.Redraw();
 }
 
 void TGraphWindow::AddShortcuts()
@@ -311,6 +318,11 @@ bool TGraphWindow::OnMessage(const TMessage& message)
         return true;
     case MT_KEYDOWN:
         return message.Key == KEY_ESCAPE && OnEscape();
+    case MT_SIZE:
+        Minimap.Place();
+        return false;
+    case MT_CHAR:
+        return Actions.OnCharacter(message.Character);
     case MT_WHEEL:
         OnWheel(message);
         return true;
@@ -415,6 +427,7 @@ void TGraphWindow::FillContextMenu(TMenu& menu)
     menu.EnableItem(MenuInsertNode, false);
     menu.AddItem(MenuNodeProperties, "Node Properties...");
     menu.AddItem(MenuNodeTrace, "Node Output Trace...");
+    TGraphActions::FillMenu(menu);
 }
 
 void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
@@ -427,6 +440,8 @@ void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
         return;
     TToolNode* node = ContextNode;
     ContextNode = nullptr;
+    if (Actions.OnMenu(static_cast<int>(argument), node))
+        return;
     // The first two entries do nothing yet.
     if (argument == MenuNodeProperties && node != nullptr)
         ShowProperties(*node);

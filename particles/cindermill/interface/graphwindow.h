@@ -7,7 +7,9 @@
 #include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/graph/nodeexp.h"
 #include "particles/cindermill/interface/graph/selboxrender.h"
+#include "particles/cindermill/interface/graphactions.h"
 #include "particles/cindermill/interface/graphview.h"
+#include "particles/cindermill/interface/minimap.h"
 
 class TDocument;
 class TDocWindow;
@@ -74,6 +76,9 @@ public:
     TRenderer& GetRenderer() { return Renderer; }
     TState GetState() const { return State; }
     bool IsFocusing() const { return ViewFocus.IsRunning(); }
+    TGraphActions& GetActions() { return Actions; }
+    TMinimap& GetMinimap() { return Minimap; }
+    void Redraw() override;
     // The node whose menu is open, or null.
     const TToolNode* GetContextNode() const { return ContextNode; }
     // What the menu of a node holds: number 118.
@@ -130,5 +135,7 @@ private:
     // Where the last menu was asked for, in world units.
     TVector2 ContextPoint = TVector2(0, 0);
     TKeyboardShortcut Shortcuts;
+    TGraphActions Actions;
+    TMinimap Minimap;
     TViewFocus ViewFocus;
 };

@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/palette.h"
 
+#include "particles/cindermill/interface/graph/searchlist.h"
 #include "particles/effectgraph/nodetypelibrary.h"
 
 void TPalette::Open(const TNodeTypeLibrary& library)
@@ -21,18 +22,45 @@ void TPalette::Rebuild()
 {
     Rows.clear();
     for (int i = 0; i < Library->GetNumRootItems(); ++i)
-        AddRow(Library->GetRootItemIndex(i), IndentStep, -1);
+        AddRow(Library->GetRootItemIndex(i), IndentStep, -1, TString());
 }
 
-void TPalette::AddRow(int item, int indent, int parent)
+void TPalette::SetFilter(const char* text)
 {
+    Filter = text;
+    Rebuild();
+}
+
+// A category is wanted for what is in it.
+bool TPalette::IsWanted(int item, const TString& folder) const
+{
+    if (Filter.IsEmpty())
+        return true;
+    const TNodeTypeItem& entry = Library->GetItem(item);
+    if (entry.TypeIndex != -1) {
+        TSearchEntry type;
+        type.Name = Library->GetType(entry.TypeIndex)->Name;
+        type.Folder = folder;
+        type.Help = Library->GetType(entry.TypeIndex)->Description;
+        return IsFound(Filter.Print(), type);
+    }
+    for (const int child : entry.Children)
+        if (IsWanted(child, entry.Name))
+            return true;
+    return false;
+}
+
+void TPalette::AddRow(int item, int indent, int parent, const TString& folder)
+{
+    if (!IsWanted(item, folder))
+        return;
     const TNodeTypeItem& entry = Library->GetItem(item);
     const int row = Rows.size();
     Rows.push_back(TPaletteRow{item, entry.TypeIndex, indent, row * RowHeight, parent});
-    if (entry.TypeIndex != -1 || !IsExpanded(item))
+    if (entry.TypeIndex != -1 || (Filter.IsEmpty() && !IsExpanded(item)))
         return;
     for (const int child : entry.Children)
-        AddRow(child, indent + IndentStep, row);
+        AddRow(child, indent + IndentStep, row, entry.Name);
 }
 
 int TPalette::FindRow(int y) const

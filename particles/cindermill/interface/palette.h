@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/containers/string.h"
 #include "library/containers/vector.h"
 
 #include <cstdint>
@@ -29,6 +30,9 @@ public:
     // The library must stay. Everything is open at first.
     void Open(const TNodeTypeLibrary& library);
     void Toggle(int item);
+    // Only types that a search for the text finds, with their categories open; all as before for an empty
+    // one.
+    void SetFilter(const char* text);
     bool IsExpanded(int item) const { return Expanded[item] != 0; }
 
     const vector<TPaletteRow>& GetRows() const { return Rows; }
@@ -40,10 +44,12 @@ public:
 
 private:
     void Rebuild();
-    void AddRow(int item, int indent, int parent);
+    void AddRow(int item, int indent, int parent, const TString& folder);
+    bool IsWanted(int item, const TString& folder) const;
 
     const TNodeTypeLibrary* Library = nullptr;
     // One for each entry of the library.
     vector<uint8_t> Expanded;
     vector<TPaletteRow> Rows;
+    TString Filter;
 };

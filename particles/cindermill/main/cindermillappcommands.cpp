@@ -13,6 +13,7 @@
 #include "particles/cindermill/main/displayerrors.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/cindermill/main/documenthost.h"
+#include "particles/cindermill/main/nothingtodo.h"
 
 namespace {
 
@@ -65,6 +66,12 @@ void TellWriteFailed(TDocument& document, const char* path)
                 ShownPath(path).Print(), document.GetChunks().File.GetFault().Print());
 }
 
+// What reads or changes the selection or the history.
+bool IsEditEntry(int id)
+{
+    return id == MI_UNDO || id == MI_REDO || id == MI_CUT || id == MI_COPY || id == MI_PASTE;
+}
+
 } // namespace
 
 bool TCindermillApp::OnMenu(int id)
@@ -114,6 +121,10 @@ bool TCindermillApp::OnRecentFile(int id)
 bool TCindermillApp::OnDocumentMenu(int id)
 {
     TDocument* document = ActiveDocument;
+    if (IsEditEntry(id))
+        Host->EndInput();
+    if (const char* reason = GetNothingToDo(document, id, Clipboard.IsEmpty()))
+        Host->ShowStatus(reason);
     switch (id) {
     case MI_PROPERTIES:
         if (document != nullptr) {
@@ -123,27 +134,22 @@ bool TCindermillApp::OnDocumentMenu(int id)
         }
         return true;
     case MI_UNDO:
-        Host->EndInput();
         if (document != nullptr && document->CanUndo())
             document->Undo();
         return true;
     case MI_REDO:
-        Host->EndInput();
         if (document != nullptr && document->CanRedo())
             document->Redo();
         return true;
     case MI_CUT:
-        Host->EndInput();
         if (document != nullptr)
             document->CutSelection();
         return true;
     case MI_COPY:
-        Host->EndInput();
         if (document != nullptr)
             document->CopySelection();
         return true;
     case MI_PASTE:
-        Host->EndInput();
         if (document != nullptr)
             document->Paste();
         return true;

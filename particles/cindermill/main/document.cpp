@@ -323,7 +323,11 @@ void TDocument::Undo()
     const TStepScope step(StepDepth);
     ++Revision;
     ++NumEdits;
-    const bool fits = OperationStack->Undo(*this);
+    bool fits = false;
+    {
+        const TGraphHold hold(*this);
+        fits = OperationStack->Undo(*this);
+    }
     DropStaleSchedule();
     FinishStep(fits);
 }
@@ -333,7 +337,12 @@ void TDocument::Redo()
     const TStepScope step(StepDepth);
     ++Revision;
     ++NumEdits;
-    FinishStep(OperationStack->Redo(*this));
+    bool fits = false;
+    {
+        const TGraphHold hold(*this);
+        fits = OperationStack->Redo(*this);
+    }
+    FinishStep(fits);
 }
 
 void TDocument::FinishStep(bool fits)
@@ -446,10 +455,12 @@ void TDocument::OnGraphChanged()
         RebuildSchedule(false);
         return;
     }
+    ReviewProblems();
     if (!GetSchedule().IsCreated())
         return;
     TErrorList errors;
-    CreateSchedule(errors);
+    if (!CreateSchedule(errors))
+        TakeProblems(errors, true);
     TellScheduleChanged();
 }
 
@@ -465,8 +476,32 @@ bool TDocument::ResolveTypes(TErrorList& errors)
     });
 }
 
-// A graph whose types cannot be settled has no preview.
+TGraphHold::TGraphHold(TDocument& document) : Document(document)
+{
+    ++Document.GraphHolds;
+}
+
+TGraphHold::~TGraphHold()
+{
+    if (--Document.GraphHolds > 0 || !Document.GraphChangeWaits)
+        return;
+    Document.GraphChangeWaits = false;
+    Document.FinishGraphChange();
+}
+
 void TDocument::GraphChanged()
+{
+    if (GraphHolds == 0) {
+        FinishGraphChange();
+        return;
+    }
+    GraphChangeWaits = true;
+    TErrorList errors;
+    ResolveTypes(errors);
+}
+
+// A graph whose types cannot be settled has no preview.
+void TDocument::FinishGraphChange()
 {
     TErrorList errors;
     const bool resolved = ResolveTypes(errors);
@@ -477,6 +512,7 @@ void TDocument::GraphChanged()
     }
     Preview.DropSchedule();
     TellScheduleChanged();
+    TakeProblems(errors, true);
     DisplayErrors("Schedule errors", errors);
 }
 
@@ -493,8 +529,10 @@ void TDocument::RebuildSchedule(bool suppressDialog)
     ClearEngine();
     const int groups = GetSchedule().GetNumGroups();
     TErrorList errors;
-    if (CreateSchedule(errors))
+    const bool created = CreateSchedule(errors);
+    if (created)
         InitEngine(errors, true);
+    TakeProblems(errors, !created);
     if (GetSchedule().GetNumGroups() != groups)
         RedrawWindows();
     if (!suppressDialog && !errors.empty())
@@ -518,6 +556,7 @@ bool TDocument::EnsureSchedule()
     if (created && Preview.IsInited())
         return true;
     const bool ready = created && InitEngine(errors, true);
+    TakeProblems(errors, !created);
     TellScheduleChanged();
     if (!ready)
         DisplayErrors("Schedule errors", errors);
@@ -575,6 +614,21 @@ void TDocument::GetReport(TString& report)
     int size = 0;
     const bool valid = ready && Preview.GetExportSize(size, errors);
     text.AddExport(valid, size);
+}
+
+void TDocument::TakeProblems(const TErrorList& errors, bool ofGraph)
+{
+    if (errors.empty() && Problems.empty())
+        return;
+    Problems.Take(*Graph, errors, ofGraph);
+    if (Host != nullptr)
+        Host->ProblemsChanged(*this);
+}
+
+void TDocument::ReviewProblems()
+{
+    if (Problems.Review(*Graph) && Host != nullptr)
+        Host->ProblemsChanged(*this);
 }
 
 void TDocument::TellScheduleChanged()

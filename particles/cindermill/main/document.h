@@ -5,6 +5,7 @@
 #include "particles/cindermill/graph/operations/editcontext.h"
 #include "particles/cindermill/graph/operations/operationstack.h"
 #include "particles/cindermill/main/appservices.h"
+#include "particles/cindermill/main/documentproblems.h"
 #include "particles/cindermill/main/previewengine.h"
 #include "particles/effectgraph/error.h"
 
@@ -18,6 +19,22 @@ enum TBatchResult
     BR_DONE,
     BR_SCHEDULEFAILED,
     BR_EXPORTFAILED
+};
+
+class TDocument;
+
+// While one lives, changes of the shape of a document's graph are gathered: types are resolved, but schedule
+// and engine follow only once, at the end. No loop may run meanwhile.
+class TGraphHold
+{
+public:
+    explicit TGraphHold(TDocument& document);
+    ~TGraphHold();
+    TGraphHold(const TGraphHold&) = delete;
+    TGraphHold& operator=(const TGraphHold&) = delete;
+
+private:
+    TDocument& Document;
 };
 
 // One open effect: its chunks, its graph and history, its schedule and engine, its selection. Every edit goes
@@ -124,6 +141,8 @@ public:
     TEffectExec& GetEngine() { return Preview.GetExec(); }
     // The bytes that an export of the engine would have.
     bool GetExportSize(int& size, TErrorList& errors) { return Preview.GetExportSize(size, errors); }
+    // What has kept the effect from running since it last tried, until it is mended.
+    const TDocumentProblems& GetProblems() const { return Problems; }
     // The text of the File Properties dialog. Replaces the live schedule.
     void GetReport(TString& report);
 
@@ -140,6 +159,8 @@ public:
     void RedrawWindows() override;
 
 private:
+    friend class TGraphHold;
+
     bool LoadFrom(const char* file, const char* path);
     bool AdoptLoaded(const TEffectFile& file, bool sound);
     static bool CheckWritten(const char* path, void* data);
@@ -152,6 +173,9 @@ private:
     void TellScheduleChanged();
     void FinishStep(bool fits);
     void DropStaleSchedule();
+    void FinishGraphChange();
+    void TakeProblems(const TErrorList& errors, bool ofGraph);
+    void ReviewProblems();
     static void OnEngineGoes(void* data);
     void OnGraphChanged();
     static void OnGraphChanged(void* data);
@@ -165,6 +189,7 @@ private:
     TChunkFile Chunks;
     TAppServices Services;
     TPreviewEngine Preview;
+    TDocumentProblems Problems;
     // In the order of the displays' addresses.
     sortedmap<TNodeDisplay*, bool> NodeDisplay;
     vector<TToolNode*> Selected;
@@ -179,6 +204,9 @@ private:
     unsigned Revision = 0;
     unsigned NumEdits = 0;
     int StepDepth = 0;
+    // How many wait for the graph's change, and whether there was one.
+    int GraphHolds = 0;
+    bool GraphChangeWaits = false;
     // Made or loaded to be edited, and not only to be looked at.
     bool IsEditable = false;
 };

@@ -33,6 +33,8 @@ public:
     virtual void RedrawWindows(TDocument& document) = 0;
     // The schedule was built anew or has gone, or an engine has come: traces and group tabs follow.
     virtual void ScheduleChanged(TDocument& document) = 0;
+    // What keeps the effect from running is something else now.
+    virtual void ProblemsChanged(TDocument& document) { (void)document; }
     // The engine is about to be deleted: who holds nodes or traces of it lets go of them now. May come while
     // a window is painted.
     virtual void EngineGoes(TDocument& document) = 0;

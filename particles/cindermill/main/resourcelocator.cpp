@@ -68,6 +68,16 @@ void TResourceLocator::AddSearchDirectory(const char* directory)
     SearchDirectories.push_back(kept);
 }
 
+void TResourceLocator::GetBases(vector<TString>& directories) const
+{
+    directories = SearchDirectories;
+    if (BasePath.IsEmpty() || Mode != RM_RELATIVEPATH)
+        return;
+    TString base = BasePath;
+    CutTrailingSeparators(base);
+    directories.push_back(base);
+}
+
 bool TResourceLocator::IsKnown(const char* directory) const
 {
     for (const TString& known : KnownDirectories)

@@ -53,6 +53,11 @@ public:
     // What could not be found is looked and asked for again: a new round. Until then nothing is searched for,
     // and nobody is asked, twice, however many nodes name the file.
     void ForgetMissing();
+    // The directories that names are to lie in: those that are searched first, and the base of relative
+    // paths.
+    void GetBases(vector<TString>& directories) const;
+    // A TResourceMode.
+    int GetMode() const { return Mode; }
     // A new round also begins where a choice may lead names to other files.
     int GetRound() const { return Round; }
     // Whether Find is waiting for a search or for the person.

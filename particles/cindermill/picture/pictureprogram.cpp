@@ -11,8 +11,9 @@ int RunPictureProgram(int argc, char** argv)
 {
     TArguments arguments(argc - 1, argv + 1);
     TBatchSession session;
-    if (!session.ReadOptions(arguments))
-        return ReportUsage("An option lacks its directory");
+    TString fault;
+    if (!session.ReadOptions(arguments, fault))
+        return ReportUsage("%s", fault.Print());
     const char* word = arguments.Take();
     const bool isSheet = word != nullptr && std::strcmp(word, "sheet") == 0;
     if (word == nullptr || (!isSheet && std::strcmp(word, "picture") != 0))

@@ -161,10 +161,7 @@ void TExportData::PassThrough(int inputPort, int outputPort, int start, int coun
         PassFixed(inputPort, outputPort, start, count, outStart);
         return;
     }
-    // What shares its row with a value that is written afterwards would change with it.
-    const int from = Rows->FindInput(inputPort);
-    const bool mustCopy = from != out && (Rows->IsWrittenLater(from) || Rows->IsWrittenLater(out));
-    if (mustCopy || ConvertsInput(inputPort) || ConvertsOutput(outputPort)) {
+    if (ConvertsInput(inputPort) || ConvertsOutput(outputPort)) {
         // Behind the command that is pending, as what it reads may be written here.
         if (Pending.HasCommand())
             FlushCommand();
@@ -179,7 +176,7 @@ void TExportData::PassThrough(int inputPort, int outputPort, int start, int coun
             continue;
         }
         phase.RowMap[Current().Attributes[out].RowStart + outStart + i] =
-            Rows->ReadAttribute(from, start + i);
+            phase.RowMap[in->RowStart + start + i];
         Rows->MarkWritten(out, outStart + i);
     }
 }

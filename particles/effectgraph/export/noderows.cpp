@@ -56,18 +56,6 @@ bool TNodeRows::UsesOutput(int port, int row) const
     return FindOutput(port) != -1 && GetOutputConversion(port).Uses(row);
 }
 
-bool TNodeRows::IsWrittenLater(int attrib) const
-{
-    for (int tied = Tied + 1; tied < Schedule.GetNumTiedNodes(Group); ++tied) {
-        const TTiedNode& later = Schedule.GetGroup(Group).TiedNodes[tied];
-        const bool isBypassed = Schedule.GetNode(later.Node)->GetNodeType()->IsBypassed();
-        const bool isSamePhase = &ChoosePhase(Schedule, Exported, Group, tied) == &Phase;
-        if (!isBypassed && isSamePhase && later.Outputs.index_of(attrib) != -1)
-            return true;
-    }
-    return false;
-}
-
 uint32_t TNodeRows::ReadAttribute(int attrib, int row)
 {
     Phase.Flags[attrib].MarkRead(row);

@@ -24,8 +24,6 @@ public:
     int CountOutputRows(int port) const;
     // The same up to the last row that a conversion does not leave at 0.
     int CountSetInputRows(int port) const;
-    // Whether a node behind this one writes the attribute in the same phase.
-    bool IsWrittenLater(int attrib) const;
     // Whether this row of the value gets to the attribute.
     bool UsesOutput(int port, int row) const;
 

@@ -1,6 +1,6 @@
 #include "particles/cindermill/graph/engine/boundssampler.h"
 
-#include "particles/cindermill/graph/engine/effectexecnode.h"
+#include "particles/cindermill/graph/engine/inputreader.h"
 
 namespace {
 
@@ -27,26 +27,6 @@ bool IsFinite(const TVector3& v)
 }
 
 } // namespace
-
-// Reads a node's inputs as its run-time object would, beside that object.
-class TInputReader : public TEffectExecNode
-{
-public:
-    TInputReader(TEffectExec& exec, TEffectNode& node)
-    {
-        Exec = &exec;
-        Node = &node;
-    }
-
-    // Converted from the port's type.
-    TVector3 Read(int port, int index, int type) const
-    {
-        const TPortValue read = ReadInput(port, index);
-        TPortValue value;
-        ConvertValue(GetNodeType()->GetInputType(port), type, read.GetFloats(), value.GetFloats());
-        return TVector3(value[0], value[1], value[2]);
-    }
-};
 
 TBoundsSampler::TBoundsSampler(TEffectExec& exec, TEffectNode& node) : Exec(exec), Node(node)
 {
@@ -111,10 +91,14 @@ int TBoundsSampler::GrowOver(TInputReader& reader, int group, int tied)
     for (int i = 0; i < Exec.GetNumParticles(group); ++i) {
         TVector3 min;
         TVector3 max;
-        Measure(reader, i, min, max);
+        const float reach = Measure(reader, i, min, max);
         if (!IsFinite(min) || !IsFinite(max))
             continue;
-        Include(min, max);
+        Include(Bounds, min, max);
+        const TVector3 size(reach, reach, reach);
+        Include(Places, min + size, max - size);
+        LargestReach = reach > LargestReach ? reach : LargestReach;
+        Found = true;
         ++count;
     }
     return count;
@@ -122,7 +106,7 @@ int TBoundsSampler::GrowOver(TInputReader& reader, int group, int tied)
 
 // A flat picture may stand at any angle, so it reaches as far as its corners do. A trail is drawn from the
 // particle back to where it was some seconds ago.
-void TBoundsSampler::Measure(const TInputReader& reader, int index, TVector3& min, TVector3& max) const
+float TBoundsSampler::Measure(const TInputReader& reader, int index, TVector3& min, TVector3& max) const
 {
     const TVector3 place = reader.Read(Position, index, TY_VECTOR3);
     const TVector3 scale = Scale != -1 ? reader.Read(Scale, index, TY_SCALE) : TVector3();
@@ -134,13 +118,13 @@ void TBoundsSampler::Measure(const TInputReader& reader, int index, TVector3& mi
         min[i] = static_cast<float>((head < tail ? head : tail) - reach);
         max[i] = static_cast<float>((head < tail ? tail : head) + reach);
     }
+    return static_cast<float>(reach);
 }
 
-void TBoundsSampler::Include(const TVector3& min, const TVector3& max)
+void TBoundsSampler::Include(TBounds& bounds, const TVector3& min, const TVector3& max) const
 {
     for (int i = 0; i < 3; ++i) {
-        Bounds.Min[i] = Found && Bounds.Min[i] < min[i] ? Bounds.Min[i] : min[i];
-        Bounds.Max[i] = Found && Bounds.Max[i] > max[i] ? Bounds.Max[i] : max[i];
+        bounds.Min[i] = Found && bounds.Min[i] < min[i] ? bounds.Min[i] : min[i];
+        bounds.Max[i] = Found && bounds.Max[i] > max[i] ? bounds.Max[i] : max[i];
     }
-    Found = true;
 }

@@ -46,13 +46,18 @@ public:
     // Whether any particle was found since the sampler was made.
     bool HasBounds() const { return Found; }
     const TBounds& GetBounds() const { return Bounds; }
+    // The box round their places alone, and round the way back along a trail, and how far the largest picture
+    // reached beyond it.
+    const TBounds& GetPlaces() const { return Places; }
+    float GetLargestReach() const { return LargestReach; }
 
 private:
     TSampleFault FindPosition();
     TSampleReach FindReach();
     int GrowOver(class TInputReader& reader, int group, int tied);
-    void Measure(const class TInputReader& reader, int index, TVector3& min, TVector3& max) const;
-    void Include(const TVector3& min, const TVector3& max);
+    // How far the picture reaches.
+    float Measure(const class TInputReader& reader, int index, TVector3& min, TVector3& max) const;
+    void Include(TBounds& bounds, const TVector3& min, const TVector3& max) const;
 
     TEffectExec& Exec;
     TEffectNode& Node;
@@ -64,4 +69,6 @@ private:
     int Velocity = -1;
     bool Found = false;
     TBounds Bounds;
+    TBounds Places;
+    float LargestReach = 0;
 };

@@ -1,6 +1,7 @@
 #include "particles/cindermill/graph/engine/effectexec.h"
 
 #include "particles/cindermill/graph/engine/effectexecnode.h"
+#include "particles/cindermill/graph/engine/execwatch.h"
 #include "particles/cindermill/graph/engine/particlebuffer.h"
 #include "particles/effectgraph/error.h"
 #include "particles/effectgraph/export/exportdata.h"
@@ -290,11 +291,14 @@ void TEffectExec::RunExecute(int group, int tied, float dt)
         node->BypassUp(count);
     else
         node->ExecuteDown(count, dt);
+    if (Watch != nullptr)
+        Watch->NodeRan(group, tied, count);
 }
 
 void TEffectExec::AddParticles(int group, int instance, int count)
 {
     TParticleBuffer* buffer = Groups[group];
+    const int due = count;
     if (count > buffer->GetBufferSize())
         count = buffer->GetBufferSize();
     if (count <= 0)
@@ -309,6 +313,8 @@ void TEffectExec::AddParticles(int group, int instance, int count)
         InitAttribute(group, a, first, count);
     RunBirths(group, first, count);
     buffer->SetFiring(firing);
+    if (Watch != nullptr)
+        Watch->ParticlesBorn(group, due, count);
 }
 
 void TEffectExec::InitAttribute(int group, int attrib, int first, int count)
@@ -338,6 +344,8 @@ void TEffectExec::RunBirths(int group, int first, int count)
             node->BypassUp(count);
         else
             node->ExecuteUp(count, 0);
+        if (Watch != nullptr)
+            Watch->NodeRanAtBirth(group, t, count);
     }
     Groups[group]->SetEmitBase(0);
 }

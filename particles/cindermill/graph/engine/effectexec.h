@@ -7,6 +7,7 @@
 class TEffectExecNode;
 class TErrorList;
 class TExecServices;
+class TExecWatch;
 class TExportData;
 class TParticleBuffer;
 class TSceneView;
@@ -32,6 +33,8 @@ public:
     // the console. Otherwise particles that are born together read the last one's.
     void SetBirthsApart(bool apart) { BirthsApart = apart; }
     bool AreBirthsApart() const { return BirthsApart; }
+    // Hears of all that Update does; null for nobody. It stays the caller's.
+    void SetWatch(TExecWatch* watch) { Watch = watch; }
     // From the next Init on: each place of a node draws from generators of its own, all seeded from this
     // number, and not from its class's.
     void SetSeed(uint32_t seed);
@@ -112,6 +115,7 @@ private:
     int64_t Births = 0;
     bool Inited = false;
     bool BirthsApart = false;
+    TExecWatch* Watch = nullptr;
     bool TexturesUsed = true;
     bool HasSeed = false;
     uint32_t Seed = 0;

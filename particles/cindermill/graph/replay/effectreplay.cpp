@@ -4,29 +4,8 @@
 #include "library/containers/nametocrc.h"
 #include "library/maths/scalar.h"
 
-#include <initializer_list>
-
 namespace {
 constexpr int CellBytes = 4;
-bool FiresParticles(const TNodeType& type)
-{
-    for (const char* name : {"TPointEmitter", "TGrid", "TSphereSurface"})
-        if (type.ClassName.Compare(name) == 0)
-            return !type.IsBypassed() && type.GetNumInputs() > 0;
-    return false;
-}
-
-// The attribute that tells how many are born: it is not packed.
-int FindTriggerInput(const TEffectSchedule& schedule, int group)
-{
-    int found = -1;
-    for (int tied = 0; tied < schedule.GetNumTiedNodes(group); ++tied) {
-        const TEffectNode* node = schedule.GetNode(schedule.GetTiedNode(group, tied));
-        if (FiresParticles(*node->GetNodeType()) && schedule.GetTiedNodeInput(group, tied, 0) != -1)
-            found = schedule.GetTiedNodeInput(group, tied, 0);
-    }
-    return found;
-}
 } // namespace
 
 class TEffectReplay::TGroupListener : public TReplayListener

@@ -2,7 +2,9 @@
 
 #include "particles/cindermill/graph/engine/effectexecnode.h"
 #include "particles/cindermill/graph/replay/differencesource.h"
+#include "particles/cindermill/graph/replay/patchcomparison.h"
 #include "particles/cindermill/graph/replay/replaynotes.h"
+#include "particles/cindermill/graph/replay/sharedcomparison.h"
 #include "particles/cindermill/graph/replay/stagecomparison.h"
 #include "particles/cindermill/graph/replay/tablecomparison.h"
 #include "particles/effectgraph/error.h"
@@ -129,6 +131,8 @@ bool TReplayComparison::Run(const TReplayOptions& options, TErrorList& errors)
         AddReplayNotes(Schedule, file, Report);
         CompareStages(Engine, file, Report);
         CompareTables(Engine, replay, Report);
+        ComparePatches(Schedule, file, Report);
+        CompareShared(Schedule, file, Report);
         ListAttributes(replay);
         for (int frame = 1; frame <= frames; ++frame)
             RunFrame(replay, frame, options.Dt);

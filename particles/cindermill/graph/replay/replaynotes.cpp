@@ -16,20 +16,22 @@ namespace {
 struct TClassNote
 {
     const char* ClassName;
+    bool MayDiffer;
     const char* Text;
 };
 
 const TClassNote ClassNotes[] = {
-    {"TNoise", "it is not exported, as the console has no command for it"},
-    {"TVolume", "it is not exported, as the console has no command for it"},
-    {"TAnimationPath", "it is not exported, as the console has no command for it"},
-    {"TGrid", "it is exported as a point: its particles leave from the transform alone"},
-    {"TSphereSurface", "where it turns is compared by the preview's rule, as the console's is not told"},
-    {"TCollisionPlane", "it is compared by the preview's rule, as the console's is not told"},
-    {"TRandomEmitter", "it draws at random: what the console draws is its own"},
-    {"TVelocityCone", "it draws at random: what the console draws is its own"},
-    {"TSphereSurface", "it draws at random: what the console draws is its own"},
-    {"TTurbulence", "it draws at random: what the console draws is its own"},
+    {"TNoise", true, "it is not exported, as the console has no command for it"},
+    {"TVolume", true, "it is not exported, as the console has no command for it"},
+    {"TAnimationPath", true, "it is not exported, as the console has no command for it"},
+    {"TGrid", true, "it is exported as a point: its particles leave from the transform alone"},
+    {"TSphereSurface", false,
+     "where it turns is compared by the preview's rule, as the console's is not told"},
+    {"TCollisionPlane", true, "it is compared by the preview's rule, as the console's is not told"},
+    {"TRandomEmitter", false, "it draws at random: what the console draws is its own"},
+    {"TVelocityCone", false, "it draws at random: what the console draws is its own"},
+    {"TSphereSurface", false, "it draws at random: what the console draws is its own"},
+    {"TTurbulence", false, "it draws at random: what the console draws is its own"},
 };
 
 // Inputs whose own value is exported, whatever they are wired to.
@@ -95,13 +97,15 @@ public:
                 AddNode(tied, *Node->GetNodeType());
         }
         AddPlaces();
+        AddStarts();
         AddGroup();
     }
 
 private:
-    void Add(const char* text)
+    void Add(const char* text, bool mayDiffer = true)
     {
         TReplayNote note;
+        note.MayDiffer = mayDiffer;
         note.Node = Node;
         note.Group = Group;
         if (Node != nullptr)
@@ -110,36 +114,46 @@ private:
             note.Text.Format("Group %d: %s", Group, text);
         Report.AddNote(note);
     }
-    void AddNamed(const char* format, const TString& name)
+    void AddNamed(const char* format, const TString& name, bool mayDiffer = true)
     {
         TString text;
         text.Format(format, name.Print());
-        Add(text);
+        Add(text, mayDiffer);
     }
 
     void AddNode(const TTiedNode& tied, const TNodeType& type)
     {
         for (const TClassNote& note : ClassNotes)
             if (IsOfClass(type, note.ClassName))
-                Add(note.Text);
+                Add(note.Text, note.MayDiffer);
         for (const TFixedInput& fixed : FixedInputs)
             if (IsOfClass(type, fixed.ClassName) && IsWired(tied, fixed.Port))
                 AddNamed("input \"%s\" is wired, and its own value is exported",
                          type.GetInput(fixed.Port)->Name);
         for (const TFixedInput& placed : PlacedInputs)
             if (IsOfClass(type, placed.ClassName) && !IsWired(tied, placed.Port))
-                Add("the game may place it, and it is replayed where the effect has it");
+                Add("the game may place it, and it is replayed where the effect has it", false);
         for (const TByteParameter& byte : ByteParameters)
             if (IsOfClass(type, byte.ClassName))
                 AddByte(type, byte);
         if (IsOfClass(type, "TCollisionPlane"))
             AddPlane(tied, type);
+        if (IsOfClassIn(type, {"TPointEmitter", "TGrid", "TSphereSurface"}) && !IsWired(tied, 0) &&
+            !(TFixedValue(type.GetInput(0))[0] < 1))
+            AddNamed(
+                "nothing is wired to \"%s\": the preview takes its own value, and the console fires none",
+                type.GetInput(0)->Name);
         if (IsOfClass(type, "TEffect"))
             AddUserParameters(type);
         if (IsOfClass(type, "TEmitter") && GetNumber(type, "Emit Mode", PK_ENUM) == 0)
-            Add("it draws at random: what the console draws is its own");
+            Add("it draws at random: what the console draws is its own", false);
+        if (IsOfClassIn(type, {"TEmitter", "TEffect"}) && !Schedule.IsTriggerGroup(Group))
+            Add("its particles share one clock in the preview, and have one each on the console");
         if (IsOfClass(type, "TAdd"))
             AddSum(tied, type);
+        if (IsOfClassIn(type, {"TAdd", "TMultiply", "TRandomEmitter"}))
+            AddNarrow(tied, type);
+        AddPassed(tied, type);
     }
     static bool IsWired(const TTiedNode& tied, int port)
     {
@@ -183,7 +197,7 @@ private:
     {
         for (int i = type.NumOwnParameters; i < type.GetNumParameters(); ++i)
             AddNamed("the game may set \"%s\", and it is replayed with the effect's own value",
-                     type.GetParameter(i)->Name);
+                     type.GetParameter(i)->Name, false);
     }
 
     void AddSum(const TTiedNode& tied, const TNodeType& type)
@@ -192,10 +206,56 @@ private:
             return;
         Add("it adds two types, of which the console repeats the components of the second");
     }
+    // The engine clears what the node does not compute; the stream does so where a wire converts.
+    void AddNarrow(const TTiedNode& tied, const TNodeType& type)
+    {
+        if (type.GetNumInputs() == 0 || type.GetNumOutputs() == 0 || tied.Outputs[0] == -1)
+            return;
+        const int computed = GetTypeFloats(GetValueType(tied, type, 0));
+        const bool isConverted = IsWired(tied, 0) && Converts(tied.Inputs[0], type.GetInputType(0));
+        if (!isConverted && computed < GetTypeFloats(type.GetOutputType(0)))
+            Add("its output has more components than it computes, which the console clears once and the "
+                "preview "
+                "in each frame");
+    }
     int GetValueType(const TTiedNode& tied, const TNodeType& type, int port) const
     {
         return IsWired(tied, port) ? Schedule.GetAttributeType(Group, tied.Inputs[port])
                                    : type.GetInputType(port);
+    }
+
+    // What is passed on lies in one place with what it comes from, unless its type is another.
+    void AddPassed(const TTiedNode& tied, const TNodeType& type)
+    {
+        const int numInputs = IsOfClass(type, "TBuildVector")     ? 3
+                              : IsOfClass(type, "TMakeTransform") ? 2
+                              : IsOfClassIn(type, {"TConstant", "TSelectComponent", "TPointEmitter", "TGrid"})
+                                  ? 1
+                                  : 0;
+        const int first = IsOfClassIn(type, {"TPointEmitter", "TGrid"}) ? 1 : 0;
+        if (numInputs == 0 || tied.Outputs.empty() || tied.Outputs[0] == -1)
+            return;
+        for (int port = first; port < first + numInputs && port < tied.Inputs.size(); ++port) {
+            const int from = tied.Inputs[port];
+            if (from != -1 && from != tied.Outputs[0] && !Converts(from, type.GetInputType(port)) &&
+                !Converts(tied.Outputs[0], type.GetOutputType(0)) &&
+                (IsWrittenBehind(tied, from) || IsWrittenBehind(tied, tied.Outputs[0])))
+                AddNamed("what it passes on from \"%s\" is changed afterwards, and on the console both are",
+                         type.GetInput(port)->Name);
+        }
+    }
+    bool Converts(int attrib, int type) const { return Schedule.GetAttributeType(Group, attrib) != type; }
+    // By a node of the same phase.
+    bool IsWrittenBehind(const TTiedNode& tied, int attrib) const
+    {
+        const vector<TTiedNode>& nodes = Schedule.GetGroup(Group).TiedNodes;
+        const bool isBirth = Schedule.GetNodeUsage(tied.Node) == TU_EMITTER;
+        for (const TTiedNode* later = &tied + 1; later < nodes.end(); ++later)
+            if (later->Outputs.index_of(attrib) != -1 &&
+                (Schedule.GetNodeUsage(later->Node) == TU_EMITTER) == isBirth &&
+                !Schedule.GetNode(later->Node)->GetNodeType()->IsBypassed())
+                return true;
+        return false;
     }
 
     // Nodes that stand in several places of all groups.
@@ -230,6 +290,37 @@ private:
         return count;
     }
 
+    // What nothing writes before it is read starts at the port's own value on the console. In the preview
+    // nothing is born into the trigger group.
+    void AddStarts()
+    {
+        for (int attrib = 0; attrib < Schedule.GetNumAttributes(Group) && Schedule.IsTriggerGroup(Group);
+             ++attrib) {
+            const TTiedNode* first = FindFirst(attrib);
+            const TFixedValue value(Schedule.GetAttributePort(Group, attrib));
+            bool isZero = true;
+            for (int i = 0; i < GetTypeFloats(Schedule.GetAttributeType(Group, attrib)); ++i)
+                isZero = isZero && value[i] == 0;
+            if (first == nullptr || isZero || Schedule.GetAttributeExternalGroup(Group, attrib) != -1)
+                continue;
+            Node = Schedule.GetNode(first->Node);
+            AddNamed("its \"%s\" starts at 0 in the preview, and at its own value on the console",
+                     Schedule.GetAttributeName(Group, attrib));
+        }
+        Node = nullptr;
+    }
+    // The first node that has the attribute at a port, if it reads it.
+    const TTiedNode* FindFirst(int attrib) const
+    {
+        for (const TTiedNode& tied : Schedule.GetGroup(Group).TiedNodes) {
+            if (tied.Inputs.index_of(attrib) != -1)
+                return &tied;
+            if (tied.Outputs.index_of(attrib) != -1)
+                return nullptr;
+        }
+        return nullptr;
+    }
+
     void AddGroup()
     {
         TString text;
@@ -251,6 +342,25 @@ private:
         }
         if ((parents & (parents - 1)) != 0)
             Add("several groups fire it, of which the console knows the last");
+        AddTrigger();
+    }
+    // The number of births may come from another group than what the particles are born with.
+    void AddTrigger()
+    {
+        const int input = FindTriggerInput(Schedule, Group);
+        const int trigger = input != -1 ? Schedule.GetAttributeExternalGroup(Group, input) : -1;
+        int parent = -1;
+        for (int attrib = 0; attrib < Schedule.GetNumAttributes(Group); ++attrib)
+            if (attrib != input && Schedule.GetAttributeExternalGroup(Group, attrib) != -1)
+                parent = Schedule.GetAttributeExternalGroup(Group, attrib);
+        if (trigger == -1 || parent == -1 || parent == trigger || Schedule.IsTriggerGroup(trigger))
+            return;
+        TString text;
+        text.Format(
+            "group %d tells how many are born and group %d what they are born with: the console has one "
+            "number for all, of the frame before",
+            trigger, parent);
+        Add(text);
     }
 
     const TEffectSchedule& Schedule;
@@ -275,6 +385,7 @@ void AddRefusalNotes(const TEffectReplay& replay, TReplayReport& report)
     for (const TEffectReplay::TRefusal& refusal : replay.GetRefusals()) {
         TReplayNote note;
         note.Group = refusal.Group;
+        note.MayDiffer = true;
         TString name;
         names.GetName(refusal.NameId, name);
         note.Text.Format("Group %d: the command %s with %d inputs and %d outputs is not one of the console's",

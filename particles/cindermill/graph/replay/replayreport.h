@@ -59,9 +59,11 @@ struct TReplayNote
 {
     // "Age in group 1: ...", without a line end.
     TString Text;
-    // Null and -1 for what is the whole effect's.
+    // Null for what is the whole group's.
     const TEffectNode* Node = nullptr;
     int Group = -1;
+    // Whether preview and replay may differ for it. What the console alone does, they do alike.
+    bool MayDiffer = false;
 };
 
 // What a comparison has come to.

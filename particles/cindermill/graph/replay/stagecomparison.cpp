@@ -8,6 +8,7 @@
 #include "particles/effectgraph/export/fixedvalue.h"
 
 #include <bit>
+#include <cmath>
 #include <cstring>
 #include <initializer_list>
 
@@ -106,13 +107,13 @@ private:
         place.Node = Node;
         Report.CompareFixed(place, DK_STAGE, preview, replay);
     }
-    // Numbers of which a float may not hold all: told as they are, or apart by their halves.
+    // A float may hold the nearest number only: words that differ never come to one.
     void CompareWord(const char* name, uint32_t preview, uint32_t replay, int component = -1)
     {
-        const bool same = preview == replay;
         const float shown = static_cast<float>(preview);
         const float found = static_cast<float>(replay);
-        CompareNumber(name, shown, same || found != shown ? found : found + 1, component);
+        const bool looksSame = preview != replay && found == shown;
+        CompareNumber(name, shown, looksSame ? std::nextafter(shown, 0.0f) : found, component);
     }
 
     void CompareGroup()
@@ -120,8 +121,19 @@ private:
         CompareNumber("longest life", Schedule.GetMaxLifeTime(Group), From.MaxLifeTime);
         CompareNumber("most births", static_cast<float>(Schedule.GetMaxEmission(Group)),
                       static_cast<float>(From.MaxEmission));
+        CompareNumber("capacity", static_cast<float>(GetCapacity()), static_cast<float>(From.ParticleCount));
         CompareNumber("trigger group", Schedule.IsTriggerGroup(Group) ? 1.0f : 0.0f,
                       From.IsTriggerGroup ? 1.0f : 0.0f);
+    }
+
+    // The store is moved in units of so many bytes.
+    int64_t GetCapacity() const
+    {
+        constexpr int64_t storeAlignment = 16;
+        int64_t count = Schedule.IsTriggerGroup(Group) ? 1 : Schedule.GetParticleCount(Group);
+        while (count * From.Stride % storeAlignment != 0)
+            ++count;
+        return count;
     }
 
     void CompareStage(int tied, int number)

@@ -54,7 +54,7 @@ bool IsInputLabel(const TString& label)
 
 } // namespace
 
-const char* GetDifferenceName(TDifferenceKind kind)
+const char* GetDifferenceName(TTextDifferenceKind kind)
 {
     static constexpr const char* Names[] = {"added", "removed", "rewired", "changed", "retyped", "reordered"};
     return Names[kind];
@@ -71,7 +71,8 @@ TEffectDifferences::TEffectDifferences(const TEffectText& before, const TEffectT
     CompareOrder();
 }
 
-TDifference& TEffectDifferences::Add(TDifferenceKind kind, const TEffectText& effect, const TNodeText& node)
+TDifference& TEffectDifferences::Add(TTextDifferenceKind kind, const TEffectText& effect,
+                                     const TNodeText& node)
 {
     TDifference difference;
     difference.Kind = kind;

@@ -2,7 +2,7 @@
 
 #include "particles/cindermill/graph/text/nodematch.h"
 
-enum TDifferenceKind
+enum TTextDifferenceKind
 {
     // A node that only the one effect has, or only the other.
     DK_ADDED,
@@ -17,11 +17,11 @@ enum TDifferenceKind
 };
 
 // "added" and so on.
-const char* GetDifferenceName(TDifferenceKind kind);
+const char* GetDifferenceName(TTextDifferenceKind kind);
 
 struct TDifference
 {
-    TDifferenceKind Kind = DK_ADDED;
+    TTextDifferenceKind Kind = DK_ADDED;
     // The node, as its own text calls it: the removed one's as it was, all others' as they are. A type's key
     // where one is retyped; empty where the whole effect is meant.
     TString Key;
@@ -50,7 +50,7 @@ private:
     void CompareOrder();
     bool IsSameEnds(const TTextLines& before, const TTextLines& after, const TString& label,
                     bool inOrder) const;
-    TDifference& Add(TDifferenceKind kind, const TEffectText& effect, const TNodeText& node);
+    TDifference& Add(TTextDifferenceKind kind, const TEffectText& effect, const TNodeText& node);
 
     const TEffectText& Before;
     const TEffectText& After;

@@ -4,16 +4,18 @@
 #include "library/maths/scalar.h"
 #include "library/wimp/gl/renderer.h"
 #include "library/wimp/gl/renderwindow.h"
-#include "particles/cindermill/graph/operations/addgraphedgeop.h"
-#include "particles/cindermill/graph/operations/changegraphedgeop.h"
+#include "library/wimp/window.h"
 #include "particles/cindermill/graph/operations/deletegraphedgeop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/graphsteps.h"
 #include "particles/cindermill/graph/operations/movegraphnodeop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
-#include "particles/cindermill/main/document.h"
+#include "particles/cindermill/interface/graph/nodesearch.h"
+#include "particles/cindermill/interface/graph/wiring.h"
+#include "particles/cindermill/main/documentstep.h"
 
 #include <cmath>
 
@@ -34,6 +36,12 @@ int ToPosition(float place)
     return FloatToInt(std::fabs(place - nearest) < Slack ? nearest : place);
 }
 
+// The nearest place on the lines of the grid.
+float SnapToGrid(float place)
+{
+    return static_cast<float>(std::floor(double(place) / TGridRender::Step + 0.5) * TGridRender::Step);
+}
+
 // The distance from b to a, with wrapping: places may come from any file.
 int Distance(int a, int b)
 {
@@ -48,6 +56,13 @@ TGraphCanvas::TGraphCanvas(TGraphScene& scene) : Scene(scene), Rubber(scene)
 }
 
 TGraphCanvas::~TGraphCanvas() = default;
+
+void TGraphCanvas::Render(TRenderer& renderer)
+{
+    TRenderObjects::Render(renderer);
+    if (Objects.empty())
+        Hint.Render(renderer);
+}
 
 void TGraphCanvas::GetBounds(TVector2& min, TVector2& max)
 {
@@ -126,6 +141,10 @@ void TGraphCanvas::EndDrag()
         if (renderer != nullptr)
             renderer->SetHidden(false);
     }
+    if (TakesOut)
+        HideWires(Grabbed->GetToolNode(), false);
+    Scene.GetWireAim().Clear();
+    TakesOut = false;
     Drag = DM_NONE;
     Grabbed = nullptr;
     Dragged.clear();
@@ -169,17 +188,19 @@ void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
     const TVector2 pointer = renderer->PixelToWorld(x, y);
     const bool released = (buttons & MB_LEFT) == 0;
     // What cannot be seen is not meant.
-    TPort* under = Drag == DM_EDGE && IsInView(x, y) ? FindDropPort(pointer) : nullptr;
+    const TVector2* place = IsInView(x, y) ? &pointer : nullptr;
+    TPort* under = Drag == DM_EDGE && place != nullptr ? FindDropPort(pointer) : nullptr;
     switch (Drag) {
     case DM_NODES:
         MoveNodes(pointer);
+        AimNode(pointer);
         if (released)
             FinishNodes();
         break;
     case DM_EDGE:
         AimEdge(pointer, under);
         if (released)
-            FinishEdge(under);
+            FinishEdge(under, place);
         break;
     case DM_SIZE:
         Grabbed->Resize(pointer - Grabbed->GetOrigin() - Grabbed->GetPressPoint());
@@ -199,12 +220,17 @@ void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
 
 bool TGraphCanvas::OnNodePressed(TNodeObj& node, const TVector2& point)
 {
-    if (!node.IsSelected())
-        Scene.GetDocument().SelectNode(node.GetToolNode(), (GetKeyFlags() & KF_SHIFT) == 0);
+    // What is taken out of its wires goes alone.
+    const bool alone = (GetKeyFlags() & KF_ALT) != 0;
+    if (!node.IsSelected() || (alone && Scene.GetDocument().GetSelection().size() > 1))
+        Scene.GetDocument().SelectNode(node.GetToolNode(), alone || (GetKeyFlags() & KF_SHIFT) == 0);
     MoveToFront(&node);
     if (BeginDrag(DM_NODES, node)) {
         node.SetPressPoint(point);
         Dragged = Scene.GetDocument().GetSelection();
+        TakesOut = Dragged.size() == 1 && (GetKeyFlags() & KF_ALT) != 0 && !IsUnwired(*node.GetToolNode());
+        if (TakesOut)
+            HideWires(node.GetToolNode(), true);
     }
     Scene.GetHost().RedrawGraphs();
     return true;
@@ -225,21 +251,56 @@ void TGraphCanvas::MoveNodesBy(int dx, int dy)
 // The grabbed node's position is a whole number; the other nodes keep their distance to it.
 void TGraphCanvas::MoveNodes(const TVector2& pointer)
 {
-    const TVector2 place = pointer - Grabbed->GetPressPoint();
+    TVector2 place = pointer - Grabbed->GetPressPoint();
+    if (IsSnapping())
+        place = TVector2(SnapToGrid(place[0]), SnapToGrid(place[1]));
     DeltaX = Distance(ToPosition(place[0]), Grabbed->GetToolNode()->GetX());
     DeltaY = Distance(ToPosition(place[1]), Grabbed->GetToolNode()->GetY());
     MoveNodesBy(DeltaX, DeltaY);
+}
+
+// Ctrl may have gone down before the drag, or in the middle of it.
+bool TGraphCanvas::IsSnapping() const
+{
+    const TWindow* window = GetDragWindow();
+    return ((GetKeyFlags() | (window != nullptr ? window->GetKeyFlags() : 0)) & KF_CTRL) != 0;
 }
 
 void TGraphCanvas::FinishNodes()
 {
     const int dx = DeltaX;
     const int dy = DeltaY;
+    const bool takesOut = TakesOut;
     const vector<TToolNode*> nodes = Dragged;
+    const TInsertion insertion = Scene.GetWireAim().GetInsertion();
     // The operation moves them once more, for good.
     CancelDrag();
-    if (dx != 0 || dy != 0)
-        Scene.GetDocument().ApplyOperation(new TMoveGraphNodeOp(nodes, dx, dy));
+    if (dx == 0 && dy == 0)
+        return;
+    TDocument& document = Scene.GetDocument();
+    const TDocumentStep step(document);
+    if (takesOut)
+        TakeOutOfWires(document, nodes[0]);
+    document.ApplyOperation(new TMoveGraphNodeOp(nodes, dx, dy));
+    if (insertion.Edge != nullptr)
+        InsertIntoWire(document, nodes[0], insertion);
+}
+
+// A node that nothing is wired to goes into the wire under the pointer.
+void TGraphCanvas::AimNode(const TVector2& pointer)
+{
+    if (Dragged.size() != 1 || !IsUnwired(*Dragged[0]))
+        return;
+    Scene.GetWireAim().Aim(*Dragged[0], pointer, TWireAim::GetReach(*DragRenderer.Get()));
+}
+
+void TGraphCanvas::HideWires(TToolNode* node, bool hidden)
+{
+    vector<TEffectEdge*> edges;
+    GetEdges(*node, edges);
+    for (TEffectEdge* edge : edges)
+        if (TToolEdgeRenderer* renderer = Scene.FindEdge(static_cast<TToolEdge*>(edge)))
+            renderer->SetHidden(hidden);
 }
 
 void TGraphCanvas::BeginResize(TNodeObj& node, const TVector2& grab)
@@ -336,16 +397,48 @@ void TGraphCanvas::AimEdge(const TVector2& pointer, TPort* under)
     Rubber.Layout();
 }
 
-void TGraphCanvas::FinishEdge(const TPort* under)
+void TGraphCanvas::FinishEdge(const TPort* under, const TVector2* place)
 {
     const TPort* from = FromPort;
     const TPort* to = AimedAt;
     TToolEdge* picked = Picked;
+    if (to == nullptr && picked == nullptr) {
+        FinishLooseEdge(under, place);
+        return;
+    }
     EndDrag();
     if (to != nullptr)
         ConnectTo(*from, *to, picked);
-    else if (picked != nullptr && under == nullptr)
+    else if (under == nullptr)
         Scene.GetDocument().ApplyOperation(new TDeleteGraphEdgeOp(picked));
+    else
+        TellRefusal(*from, *under);
+}
+
+// A new wire that ends at no port that could take it.
+void TGraphCanvas::FinishLooseEdge(const TPort* under, const TVector2* place)
+{
+    const TPort* from = FromPort;
+    TRenderer* renderer = DragRenderer.Get();
+    EndDrag();
+    if (under != nullptr && under != from)
+        TellRefusal(*from, *under);
+    else if (under == nullptr && place != nullptr && Scene.NodeAt(*place) == nullptr)
+        Scene.GetHost().SearchForWire(
+            *renderer, *place, TWireEnd{from->GetNode()->GetToolNode(), from->GetIndex(), from->IsInput()});
+}
+
+void TGraphCanvas::TellRefusal(const TPort& from, const TPort& to)
+{
+    TString reason;
+    const TPort& output = from.IsInput() ? to : from;
+    const TPort& input = from.IsInput() ? from : to;
+    if (from.IsInput() == to.IsInput())
+        reason = from.IsInput() ? "Two inputs cannot be wired" : "Two outputs cannot be wired";
+    else
+        GetWireRefusal(output.GetNode()->GetToolNode(), output.GetIndex(), input.GetNode()->GetToolNode(),
+                       input.GetIndex(), reason);
+    Scene.GetHost().TellStatus(reason.Print());
 }
 
 void TGraphCanvas::ConnectTo(const TPort& from, const TPort& to, TToolEdge* picked)
@@ -353,12 +446,9 @@ void TGraphCanvas::ConnectTo(const TPort& from, const TPort& to, TToolEdge* pick
     const TPort& output = from.IsInput() ? to : from;
     const TPort& input = from.IsInput() ? from : to;
     TDocument& document = Scene.GetDocument();
-    TToolNode* source = output.GetNode()->GetToolNode();
-    TToolNode* destination = input.GetNode()->GetToolNode();
     if (picked == nullptr)
-        document.ApplyOperation(
-            new TAddGraphEdgeOp(document, source, output.GetIndex(), destination, input.GetIndex()));
-    else if (picked->GetDstNode() != destination || picked->GetDstPort() != input.GetIndex())
-        document.ApplyOperation(
-            new TChangeGraphEdgeOp(picked, source, output.GetIndex(), destination, input.GetIndex()));
+        Wire(document, output.GetNode()->GetToolNode(), output.GetIndex(), input.GetNode()->GetToolNode(),
+             input.GetIndex());
+    else
+        MoveWire(document, picked, input.GetNode()->GetToolNode(), input.GetIndex());
 }

@@ -4,6 +4,7 @@
 #include "library/wimp/gl/rendererwatch.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "library/wimp/wimp.h"
+#include "particles/cindermill/interface/graph/emptyhint.h"
 #include "particles/cindermill/interface/graph/tooledgerenderer.h"
 
 class TNodeObj;
@@ -11,8 +12,8 @@ class TPort;
 class TToolNode;
 
 // What all nodes and edges of a graph lie on. Runs the drags of nodes, edges and sizes, as the framework's
-// mouse drag. One that changes the effect ends with one operation; one that leaves it as it was ends with
-// none, as does every drag of a size, which is the view's alone.
+// mouse drag. One that changes the effect ends with one step of its history; one that leaves it as it was
+// ends with none, as does every drag of a size, which is the view's alone.
 class TGraphCanvas : public TRegistered<TGraphCanvas, TRenderObjects>, public TMouseDrag
 {
 public:
@@ -20,6 +21,7 @@ public:
     explicit TGraphCanvas(TGraphScene& scene);
     ~TGraphCanvas() override;
 
+    void Render(TRenderer& renderer) override;
     // Without end: what no child takes is the canvas's.
     void GetBounds(TVector2& min, TVector2& max) override;
     TRenderObject* HitTest(const TVector2& point) override;
@@ -59,11 +61,17 @@ private:
     void EndDrag();
     void MoveNodes(const TVector2& pointer);
     void FinishNodes();
+    void AimNode(const TVector2& pointer);
+    void HideWires(TToolNode* node, bool hidden);
+    bool IsSnapping() const;
     void MoveNodesBy(int dx, int dy);
     void FinishPress(const TVector2& pointer);
     bool IsInView(double x, double y) const;
     void AimEdge(const TVector2& pointer, TPort* under);
-    void FinishEdge(const TPort* under);
+    // The place is null outside of the view.
+    void FinishEdge(const TPort* under, const TVector2* place);
+    void FinishLooseEdge(const TPort* under, const TVector2* place);
+    void TellRefusal(const TPort& from, const TPort& to);
     void ConnectTo(const TPort& from, const TPort& to, TToolEdge* picked);
     void MarkPorts(bool on);
 
@@ -76,6 +84,8 @@ private:
     vector<TToolNode*> Dragged;
     int DeltaX = 0;
     int DeltaY = 0;
+    // The node leaves its wires when it is let go elsewhere.
+    bool TakesOut = false;
     // What the person wished for before the size was dragged.
     TVector2 SizeBefore = TVector2(0, 0);
     // The fixed end of a dragged edge, the edge if there was one before, and what it would end at.
@@ -83,4 +93,5 @@ private:
     TToolEdge* Picked = nullptr;
     TPort* AimedAt = nullptr;
     TToolEdgeRenderer Rubber;
+    TEmptyHint Hint;
 };

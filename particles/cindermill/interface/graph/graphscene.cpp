@@ -21,7 +21,7 @@ TRenderer* TGraphRoot::FindView() const
 }
 
 TGraphScene::TGraphScene(TDocument& document, TGraphSceneHost& host)
-    : Document(document), Host(host), RenderRoot(*this), Grid(*this), HelpText(RenderRoot)
+    : Document(document), Host(host), RenderRoot(*this), Grid(*this), HelpText(RenderRoot), WireAim(*this)
 {
     RenderRoot.AddObject(&Background);
     RenderRoot.AddObject(&Grid);
@@ -118,6 +118,7 @@ void TGraphScene::EdgeRemoved(TToolEdge* edge)
 {
     Host.RedrawGraphs();
     Grid.CancelDrag();
+    WireAim.Forget(edge);
     TToolEdgeRenderer* renderer = FindEdge(edge);
     if (renderer != nullptr)
         Grid.RemoveObject(renderer);
@@ -180,6 +181,16 @@ void TGraphScene::RefreshControls()
     for (auto& entry : Nodes)
         if (entry.second->GetParent() == &Grid)
             entry.second->RefreshControls();
+}
+
+void TGraphScene::ShowProblems(const TDocumentProblems& problems)
+{
+    for (auto& entry : Nodes) {
+        TString text;
+        problems.GetText(entry.first, text);
+        entry.second->SetProblem(text);
+    }
+    Host.RedrawGraphs();
 }
 
 bool TGraphScene::CancelDrags()

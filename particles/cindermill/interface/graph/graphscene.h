@@ -7,14 +7,17 @@
 #include "particles/cindermill/interface/graph/graphcanvas.h"
 #include "particles/cindermill/interface/graph/gridrender.h"
 #include "particles/cindermill/interface/graph/help.h"
+#include "particles/cindermill/interface/graph/wireaim.h"
 
 class TDocument;
+class TDocumentProblems;
 class TEffectNode;
 class TGraphScene;
 class TNodeObj;
 class TToolEdge;
 class TToolEdgeRenderer;
 class TToolNode;
+struct TWireEnd;
 
 // What the drawing of a graph asks of the windows that show it.
 class TGraphSceneHost : public TControlHost
@@ -24,6 +27,15 @@ public:
     virtual void EdgeScroll(TRenderer& renderer, double x, double y) = 0;
     // The first view of the graph; null for none.
     virtual TRenderer* GetView() { return nullptr; }
+    // A new wire was let go where nothing is, at a world point: something may be looked for that can take it.
+    virtual void SearchForWire(TRenderer& renderer, const TVector2& point, const TWireEnd& end)
+    {
+        (void)renderer;
+        (void)point;
+        (void)end;
+    }
+    // A line for the status bar.
+    virtual void TellStatus(const char* text) { (void)text; }
     // The node has left the graph, and may be about to be deleted.
     virtual void NodeLeft(TToolNode& node) { (void)node; }
 };
@@ -66,6 +78,8 @@ public:
     void GraphChanged() override;
     // The controls of all panels show their parameters anew.
     void RefreshControls();
+    // Marks the nodes that problems are at, and no others.
+    void ShowProblems(const TDocumentProblems& problems);
     void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
 
     // Ends a drag of the canvas or of a control without effect. False if none runs.
@@ -87,6 +101,7 @@ public:
     TRenderObjects& GetRoot() { return RenderRoot; }
     TGraphCanvas& GetCanvas() { return Grid; }
     THelp& GetHelp() { return HelpText; }
+    TWireAim& GetWireAim() { return WireAim; }
 
 private:
     TToolEdgeRenderer* GetEdge(TToolEdge* edge);
@@ -97,6 +112,7 @@ private:
     TGridRender Background;
     TGraphCanvas Grid;
     THelp HelpText;
+    TWireAim WireAim;
     sortedmap<const TToolNode*, TNodeObj*> Nodes;
     sortedmap<const TToolEdge*, TToolEdgeRenderer*> Edges;
 };

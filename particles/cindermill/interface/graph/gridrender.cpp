@@ -9,6 +9,7 @@ namespace {
 
 constexpr double CellSize = 128.0;
 constexpr int CellParts = 8;
+static_assert(CellSize == CellParts * TGridRender::Step);
 constexpr float Unbounded = 1e30f;
 // Lines closer than this many pixels would only make the paper grey, and there would be too many of them.
 constexpr double SmallestStep = 5.0;

@@ -7,6 +7,7 @@
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
+#include "particles/cindermill/interface/graph/wiring.h"
 #include "particles/cindermill/main/document.h"
 
 namespace {
@@ -17,7 +18,8 @@ constexpr float DrawnMargin = 8.0f;
 constexpr float DropMargin = 12.0f;
 constexpr float DropDepth = 36.0f;
 
-// Whether an edge may run between the two when the other edge, if there is one, is away.
+// Whether an edge may run between the two when the other edge, if there is one, is away. One that stands at
+// the input already is replaced.
 bool CanTake(const TPort& from, const TPort& to, const TToolEdge* away)
 {
     if (from.IsInput() == to.IsInput() || from.GetNode() == to.GetNode())
@@ -27,8 +29,10 @@ bool CanTake(const TPort& from, const TPort& to, const TToolEdge* away)
     TToolNode* source = output.GetNode()->GetToolNode();
     TToolNode* destination = input.GetNode()->GetToolNode();
     const TEffectEdge* there = destination->GetInput(input.GetIndex());
-    return (there == nullptr || there == away) &&
-           CanConnectWithout(away, source, output.GetIndex(), destination, input.GetIndex());
+    if (there != nullptr && there != away && there->GetSrcNode() == source &&
+        there->GetSrcPort() == output.GetIndex())
+        return false;
+    return CanReplaceWire(source, output.GetIndex(), destination, input.GetIndex(), away);
 }
 
 } // namespace
@@ -228,6 +232,14 @@ void TNodeObj::Render(TRenderer& renderer)
         draw(*port);
     for (TPort* port : OutPorts)
         draw(*port);
+    if (!Problem.IsEmpty())
+        Mark.Render(renderer, GetSize());
+}
+
+void TNodeObj::SetProblem(const TString& text)
+{
+    Problem = text;
+    TouchBounds();
 }
 
 TVector2 TNodeObj::GetSize() const
@@ -237,8 +249,9 @@ TVector2 TNodeObj::GetSize() const
 
 void TNodeObj::GetBounds(TVector2& min, TVector2& max)
 {
-    min = TVector2(-DrawnMargin, -DrawnMargin);
-    max = GetSize() + TVector2(DrawnMargin, DrawnMargin);
+    const float margin = Problem.IsEmpty() ? DrawnMargin : TNodeMark::Margin;
+    min = TVector2(-margin, -margin);
+    max = GetSize() + TVector2(margin, margin);
 }
 
 void TNodeObj::GetRectangle(TVector2& min, TVector2& max) const
@@ -280,7 +293,8 @@ TRenderObject* TNodeObj::HitTest(const TVector2& point)
     if (!Collapsed)
         if (TRenderObject* hit = Expanded.HitTest(inside))
             return hit;
-    return IsInside(inside) || FindPort(inside) != nullptr ? this : nullptr;
+    const bool onMark = !Problem.IsEmpty() && TNodeMark::HitsBadge(inside, GetSize());
+    return IsInside(inside) || onMark || FindPort(inside) != nullptr ? this : nullptr;
 }
 
 TPort* TNodeObj::FindPort(const TVector2& point)
@@ -470,6 +484,8 @@ void TNodeObj::OnHover(const TVector2& point)
         }
     } else if (HitsButton(point, GetRenderer())) {
         text = Collapsed ? "Click to show node properties" : "Click to hide node properties";
+    } else {
+        text = Problem;
     }
     if (text.IsEmpty())
         return;

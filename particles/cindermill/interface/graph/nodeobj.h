@@ -6,6 +6,7 @@
 #include "particles/cindermill/interface/graph/bypass.h"
 #include "particles/cindermill/interface/graph/node.h"
 #include "particles/cindermill/interface/graph/nodeexp.h"
+#include "particles/cindermill/interface/graph/nodemark.h"
 #include "particles/cindermill/interface/graph/port.h"
 
 class TDocument;
@@ -33,6 +34,9 @@ public:
     void Refresh();
     void SetSelected(bool selected);
     bool IsSelected() const;
+    // What keeps the effect from running here; empty for nothing. The node is marked as long as it does.
+    void SetProblem(const TString& text);
+    const TString& GetProblem() const { return Problem; }
     bool IsCollapsed() const { return Collapsed; }
     bool IsPressed() const { return MousePressed; }
     // While the mouse holds the button that opens and closes: the canvas runs the press. The point is
@@ -118,4 +122,6 @@ private:
     bool Selected = false;
     TOwnerList<TPort> InPorts;
     TOwnerList<TPort> OutPorts;
+    TString Problem;
+    TNodeMark Mark;
 };

@@ -81,6 +81,8 @@ void TToolEdgeRenderer::Layout(const TToolEdge* edge)
 TVector4 TToolEdgeRenderer::GetColour() const
 {
     const TVector4 orange(1, 0.50f, 0.08f, 1);
+    if (Lit)
+        return orange;
     const TNodeObj* const ends[] = {OutputNode, InputNode};
     for (const TNodeObj* node : ends)
         if (node != nullptr && node->GetToolNode() != nullptr && node->IsSelected())
@@ -97,7 +99,7 @@ void TToolEdgeRenderer::Render(TRenderer& renderer)
     const TVector4 colour = GetColour();
     const TVector4 border = MixColours(colour, TVector4(0.05f, 0.06f, 0.08f, 1), 0.7f);
     const float zoom = renderer.GetScale()[0];
-    const float width = Larger(Width, ThinnestEdge / zoom);
+    const float width = Larger(Lit ? OfferedWidth : Width, ThinnestEdge / zoom);
     RenderLine(renderer, width + Larger(BorderWidth, ThinnestBorder / zoom), border);
     RenderLine(renderer, width, colour);
     if (!Held)
@@ -126,7 +128,7 @@ void TToolEdgeRenderer::RenderKnob(TRenderer& renderer, const TVector2& place, c
 void TToolEdgeRenderer::GetBounds(TVector2& min, TVector2& max)
 {
     // A curve lies within its control points.
-    const float margin = Larger(Width + BorderWidth, KnobRadius + 1);
+    const float margin = Larger(Larger(Width, OfferedWidth) + BorderWidth, KnobRadius + 1);
     min = max = Curve[0];
     for (const TVector2& point : Curve)
         for (int i = 0; i < 2; ++i) {

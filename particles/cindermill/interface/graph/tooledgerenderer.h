@@ -35,6 +35,9 @@ public:
     // A hidden edge is not drawn: another stands for it during a drag.
     void SetHidden(bool hidden) { Hidden = hidden; }
     bool IsHidden() const { return Hidden; }
+    // A lit edge is where something will go that is being dragged.
+    void SetLit(bool lit) { Lit = lit; }
+    bool IsLit() const { return Lit; }
 
     TNodeObj* GetOutputNode() const { return OutputNode; }
     TNodeObj* GetInputNode() const { return InputNode; }
@@ -67,4 +70,5 @@ private:
     TRenderPath Knob;
     bool Hidden = false;
     bool Held = false;
+    bool Lit = false;
 };

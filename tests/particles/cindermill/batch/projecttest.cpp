@@ -308,7 +308,8 @@ TEST_F(TProjectFile, ItsFoldersAreUsedFromWhereverTheProgramRuns)
 
 TEST_F(TProjectFile, EveryFindingStandsInTheDescription)
 {
-    const std::string description = ReadBytes(SourcePath("docs/batch.md"));
+    const std::string description =
+        ReadBytes(SourcePath("docs/batch.md")) + ReadBytes(SourcePath("docs/lint.md"));
     for (int i = 0; i < GetNumFindingKinds(); ++i) {
         const TFindingKind& kind = GetFindingKind(i);
         EXPECT_NE(std::string::npos, description.find("| `" + std::string(kind.Id) + "` | " +

@@ -109,8 +109,10 @@ TEST_F(GraphWindow, PrintableKeysLeaveTheGraphAlone)
         Qt::KeyboardModifiers With;
         const char* Keys;
     };
-    const TShortcut told[] = {{Qt::ControlModifier, "ZYSONCVXF"},
-                              {Qt::ControlModifier | Qt::ShiftModifier, "SF"}};
+    const TShortcut told[] = {{Qt::NoModifier, " "},
+                              {Qt::ShiftModifier, " "},
+                              {Qt::ControlModifier, "ZYSONCVXFGDBET"},
+                              {Qt::ControlModifier | Qt::ShiftModifier, "SFAD"}};
     const Qt::KeyboardModifiers with[] = {Qt::NoModifier,      Qt::ShiftModifier,
                                           Qt::ControlModifier, Qt::ControlModifier | Qt::ShiftModifier,
                                           Qt::KeypadModifier,  Qt::KeypadModifier | Qt::ControlModifier};

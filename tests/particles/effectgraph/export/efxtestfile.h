@@ -42,7 +42,7 @@ struct TEfxBytes
     size_t Start;
 };
 
-// Exports to a file and gives its bytes.
+// Exports to a file and gives its bytes, which are those of an export in memory.
 inline std::string WriteAndRead(const TExportData& data)
 {
     const TTempFolder folder;
@@ -50,7 +50,11 @@ inline std::string WriteAndRead(const TExportData& data)
     TErrorList errors;
     EXPECT_TRUE(data.WriteEfx(path.c_str(), errors));
     EXPECT_TRUE(errors.empty());
-    return ReadBytes(path);
+    const std::string written = ReadBytes(path);
+    vector<uint8_t> bytes;
+    data.GetEfx(bytes);
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), written);
+    return written;
 }
 
 // The bytes of the full graph's export.

@@ -144,3 +144,48 @@ TEST(Flips, OneWrongByteThatReachesWhatIsDrawnIsFound)
     EXPECT_GT(reaching, 100);
     EXPECT_GE(100 * found, 99 * reaching);
 }
+
+// What no particle carries: each bit of it counts, but for the sign of a zero.
+TEST(Flips, WhatTheStagesAreGivenIsComparedByteForByte)
+{
+    TTestApp app;
+    const TQuiet quiet;
+    int numFlips = 0;
+    for (const char* name : {"aura", "fumes", "impact"}) {
+        SCOPED_TRACE(name);
+        TDocument document(app.Get());
+        ASSERT_TRUE(document.BatchLoad(SourcePath(std::string("samples/") + name + ".effect").c_str()));
+        TErrorList errors;
+        ASSERT_TRUE(document.ResolveTypes(errors) && document.CreateSchedule(errors));
+        TSampleServices services;
+        TReplayComparison comparison(document.GetSchedule(), services);
+        TReplayOptions options;
+        options.Frames = 0;
+        ASSERT_TRUE(comparison.Export(errors));
+        const vector<uint8_t> sound = comparison.GetBytes();
+        TEfxFile file;
+        TString fault;
+        ASSERT_TRUE(file.LoadBytes(sound, fault));
+        const uint32_t start = static_cast<uint32_t>(sound.size()) - file.GetImageSize();
+        std::vector<TEfxSpan> spans;
+        for (const TEfxGroup& group : file.GetGroups())
+            for (const TEfxStage& stage : group.Stages) {
+                spans.push_back(stage.State);
+                spans.push_back(stage.Constants);
+                // Without the zero that ends it.
+                for (const TEfxSpan& texture : stage.Textures)
+                    spans.push_back(TEfxSpan{texture.Offset, texture.Size > 0 ? texture.Size - 1 : 0});
+            }
+        for (const TEfxSpan& span : spans)
+            for (uint32_t i = 0; i < span.Size; ++i) {
+                comparison.GetBytes() = sound;
+                comparison.GetBytes()[static_cast<int>(start + span.Offset + i)] ^= 1;
+                TErrorList faults;
+                EXPECT_FALSE(comparison.Run(options, faults) &&
+                             comparison.GetReport().GetDifferences().empty())
+                    << "byte " << i << " at " << span.Offset;
+                ++numFlips;
+            }
+    }
+    EXPECT_GT(numFlips, 100);
+}

@@ -13,6 +13,8 @@ struct TAgreement
     // The first of each group, attribute and kind.
     std::vector<std::string> Differences;
     std::vector<std::string> Notes;
+    // Those that tell why there may be a difference.
+    std::vector<std::string> Reasons;
 };
 
 inline std::string Text(const TReplayDifference& difference)
@@ -31,8 +33,11 @@ inline TAgreement AgreementOf(const TReplayReport& report)
     result.Unknown = report.NumUnknown;
     for (const TReplayDifference& difference : report.GetDifferences())
         result.Differences.push_back(Text(difference));
-    for (const TReplayNote& note : report.GetNotes())
+    for (const TReplayNote& note : report.GetNotes()) {
         result.Notes.push_back(note.Text.Print());
+        if (note.MayDiffer)
+            result.Reasons.push_back(note.Text.Print());
+    }
     return result;
 }
 

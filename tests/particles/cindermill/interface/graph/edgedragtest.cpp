@@ -76,8 +76,9 @@ TEST_F(EdgeDrag, MarksThePortsThatCanTakeTheEdgeAndUnmarksThemAtTheEnd)
     Press(Output(effect, "Time"));
     EXPECT_TRUE(InputPort(curve, "Life").IsMarked());
     EXPECT_TRUE(InputPort(grid, "Emission Trigger").IsMarked());
-    // Taken, of another type, an output, its own.
-    EXPECT_FALSE(InputPort(curve, "Time").IsMarked());
+    // One that is taken would get the new edge instead.
+    EXPECT_TRUE(InputPort(curve, "Time").IsMarked());
+    // Of another type, an output, its own.
     EXPECT_FALSE(InputPort(grid, "Transform").IsMarked());
     EXPECT_FALSE(OutputPort(curve, "Value").IsMarked());
     EXPECT_FALSE(OutputPort(effect, "Time").IsMarked());
@@ -139,7 +140,7 @@ TEST_F(EdgeDrag, OtherTypesAreRefused)
     EXPECT_EQ(NumOperations(), before);
 }
 
-TEST_F(EdgeDrag, ATakenInputIsRefused)
+TEST_F(EdgeDrag, AWireDroppedOnATakenInputReplacesTheOneThere)
 {
     TToolNode* effect = Add("Effect", 100, 100);
     TToolNode* other = Add("Effect", 100, 200);
@@ -147,8 +148,91 @@ TEST_F(EdgeDrag, ATakenInputIsRefused)
     TToolEdge* edge = Connect(effect, "Time", curve, "Time");
     const int before = NumOperations();
     DragTo(Output(other, "Time"), Input(curve, "Time"));
-    EXPECT_EQ(NumOperations(), before);
+    EXPECT_TRUE(IsLast<TChangeGraphEdgeOp>(before));
     EXPECT_EQ(EdgeAt(curve, "Time"), edge);
+    EXPECT_EQ(edge->GetSrcNode(), other);
+    EXPECT_FALSE(OutputPort(effect, "Time").IsConnected());
+    EXPECT_EQ(Document.GetGraph()->GetNumEdges(), 1);
+    Document.Undo();
+    EXPECT_EQ(edge->GetSrcNode(), effect);
+    EXPECT_TRUE(OutputPort(effect, "Time").IsConnected());
+    Document.Redo();
+    EXPECT_EQ(edge->GetSrcNode(), other);
+}
+
+TEST_F(EdgeDrag, TheWireThatIsThereAlreadyIsNoEdit)
+{
+    TToolNode* effect = Add("Effect", 100, 100);
+    TToolNode* curve = Add("Scalar Over Life", 400, 100);
+    Connect(effect, "Time", curve, "Time");
+    const int before = NumOperations();
+    DragTo(Output(effect, "Time"), Input(curve, "Time"));
+    EXPECT_EQ(NumOperations(), before);
+    EXPECT_EQ(Host.Status, "The two are wired already");
+}
+
+TEST_F(EdgeDrag, AnEdgePickedUpReplacesAnotherInOneStep)
+{
+    TToolNode* effect = Add("Effect", 100, 100);
+    TToolNode* other = Add("Effect", 100, 300);
+    TToolNode* curve = Add("Scalar Over Life", 400, 100);
+    TToolEdge* moved = Connect(effect, "Time", curve, "Time");
+    TToolEdge* replaced = Connect(other, "Time", curve, "Life");
+    DragTo(Input(curve, "Time"), Input(curve, "Life"));
+    EXPECT_EQ(EdgeAt(curve, "Time"), nullptr);
+    EXPECT_EQ(EdgeAt(curve, "Life"), moved);
+    EXPECT_EQ(Document.GetGraph()->GetNumEdges(), 1);
+    Document.Undo();
+    EXPECT_EQ(EdgeAt(curve, "Time"), moved);
+    EXPECT_EQ(EdgeAt(curve, "Life"), replaced);
+    EXPECT_EQ(Document.GetGraph()->GetNumEdges(), 2);
+    Document.Redo();
+    EXPECT_EQ(EdgeAt(curve, "Life"), moved);
+    EXPECT_EQ(EdgeAt(curve, "Time"), nullptr);
+}
+
+TEST_F(EdgeDrag, ANewWireLetGoInEmptySpaceIsSearchedFor)
+{
+    TToolNode* effect = Add("Effect", 100, 100);
+    TToolNode* curve = Add("Scalar Over Life", 400, 100);
+    DragTo(Output(effect, "Time"), TVector2(600, 500));
+    ASSERT_EQ(Host.Searches.size(), 1u);
+    EXPECT_EQ(Host.Searches[0].Place, TVector2(600, 500));
+    EXPECT_EQ(Host.Searches[0].End.Node, effect);
+    EXPECT_EQ(Host.Searches[0].End.Port, effect->GetNodeType()->FindOutput("Time"));
+    EXPECT_FALSE(Host.Searches[0].End.IsInput);
+    DragTo(Input(curve, "Life"), TVector2(300, 500));
+    ASSERT_EQ(Host.Searches.size(), 2u);
+    EXPECT_EQ(Host.Searches[1].End.Node, curve);
+    EXPECT_TRUE(Host.Searches[1].End.IsInput);
+    // Upon a node, outside of the view, the end of an edge that was there, a click.
+    DragTo(Output(effect, "Time"), TitleOf(curve));
+    DragTo(Output(effect, "Time"), TVector2(900, 500));
+    Connect(effect, "Time", curve, "Time");
+    DragTo(Input(curve, "Time"), TVector2(600, 500));
+    Click(Output(effect, "Time"));
+    EXPECT_EQ(Host.Searches.size(), 2u);
+}
+
+TEST_F(EdgeDrag, WhyAWireWasRefusedIsTold)
+{
+    TToolNode* first = Add("Add", 100, 100);
+    TToolNode* second = Add("Add", 400, 100);
+    TToolNode* effect = Add("Effect", 100, 300);
+    TToolNode* grid = Add("Grid", 400, 300);
+    Connect(first, "Sum", second, "A");
+    EXPECT_EQ(Host.Status, "");
+    DragTo(Output(second, "Sum"), Input(first, "B"));
+    EXPECT_EQ(Host.Status, "The wire would run in a circle");
+    DragTo(Output(second, "Sum"), Input(second, "B"));
+    EXPECT_EQ(Host.Status, "A node cannot be wired to itself");
+    DragTo(Output(first, "Sum"), Output(second, "Sum"));
+    EXPECT_EQ(Host.Status, "Two outputs cannot be wired");
+    DragTo(Input(first, "A"), Input(second, "B"));
+    EXPECT_EQ(Host.Status, "Two inputs cannot be wired");
+    DragTo(Output(effect, "Time"), Input(grid, "Transform"));
+    EXPECT_EQ(Host.Status,
+              "\"Time\" of Effect is a Scalar, which \"Transform\" of Grid (Transform) does not take");
 }
 
 TEST_F(EdgeDrag, ANewEdgeReleasedOverNothingIsNone)

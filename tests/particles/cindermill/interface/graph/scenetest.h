@@ -12,6 +12,7 @@
 #include "particles/cindermill/interface/controls/nodeparametercontrols.h"
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/interface/graph/nodesearch.h"
 
 // A window that nothing is drawn in.
 class TPlainWindow : public TRenderWindow
@@ -71,6 +72,11 @@ public:
     }
     void ShowHelp(const char* text, const TVector2& point) override { Scene->GetHelp().Show(text, point); }
     void Warn() override { ++NumWarnings; }
+    void SearchForWire(TRenderer&, const TVector2& point, const TWireEnd& end) override
+    {
+        Searches.push_back({point, end});
+    }
+    void TellStatus(const char* text) override { Status = text; }
 
     // Never shown: the framework asks for one.
     TWindow Window;
@@ -78,6 +84,13 @@ public:
     TRenderer* Captured = nullptr;
     TMouseDrag* Drag = nullptr;
     std::pair<double, double> ScrolledAt;
+    struct TSearch
+    {
+        TVector2 Place;
+        TWireEnd End;
+    };
+    std::vector<TSearch> Searches;
+    std::string Status;
     int NumRedraws = 0;
     int NumScrolls = 0;
     int NumDrags = 0;

@@ -2,11 +2,11 @@
 
 #include "particles/cindermill/batch/batchcommand.h"
 
-// Lists a console file.
-class TEfxCommand final : public TBatchCommand
+// Looks for what would go wrong with effects on the console, or is most likely not meant.
+class TLintCommand final : public TBatchCommand
 {
 public:
-    TEfxCommand();
+    TLintCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
     const char* GetHelp() const override;
 };

@@ -1,4 +1,4 @@
-#include "particles/cindermill/batch/efxcommand.h"
+#include "particles/cindermill/batch/efxlistcommand.h"
 
 #include "particles/cindermill/batch/batchsession.h"
 #include "particles/effectgraph/export/efxlisting.h"
@@ -15,14 +15,14 @@ void PrintLine(const char* line, void* data)
 
 } // namespace
 
-TEfxCommand::TEfxCommand() : TBatchCommand("efx", "FILE.efx") {}
+TEfxListCommand::TEfxListCommand() : TBatchCommand("efx", "FILE.efx") {}
 
-const char* TEfxCommand::GetHelp() const
+const char* TEfxListCommand::GetHelp() const
 {
     return "Prints a readable listing of a console file.\n";
 }
 
-int TEfxCommand::Run(TBatchSession& session, TArguments& arguments) const
+int TEfxListCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     (void)session;
     if (arguments.GetNumLeft() != 1)

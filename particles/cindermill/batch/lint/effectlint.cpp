@@ -1,0 +1,132 @@
+#include "particles/cindermill/batch/lint/effectlint.h"
+
+#include "particles/cindermill/batch/lint/lintbirths.h"
+#include "particles/cindermill/batch/lint/lintboxes.h"
+#include "particles/cindermill/batch/lint/lintconsole.h"
+#include "particles/cindermill/batch/lint/lintcurves.h"
+#include "particles/cindermill/batch/lint/lintemission.h"
+#include "particles/cindermill/batch/lint/lintexport.h"
+#include "particles/cindermill/batch/lint/lintgraph.h"
+#include "particles/cindermill/batch/lint/lintnumbers.h"
+#include "particles/cindermill/batch/lint/lintpopulation.h"
+#include "particles/cindermill/batch/lint/lintreplay.h"
+#include "particles/cindermill/batch/lint/lintreport.h"
+#include "particles/cindermill/batch/lint/lintrun.h"
+#include "particles/cindermill/batch/lint/lintservices.h"
+#include "particles/cindermill/graph/engine/effectexec.h"
+#include "particles/cindermill/main/runcollecting.h"
+#include "particles/effectgraph/export/exportdata.h"
+
+namespace {
+
+// What an engine says of files that were looked for before.
+constexpr const char* AnimationErrors[] = {"No animation specified", "Could not resolve path for animation",
+                                           "Could not load animation"};
+constexpr const char* TextureErrors[] = {"No texture specified", "No base texture specified",
+                                         "No blend texture specified"};
+
+constexpr double NoReplay = -1;
+
+template <int N>
+bool BeginsWithOne(const char* text, const char* const (&beginnings)[N])
+{
+    const TString whole(text);
+    for (const char* beginning : beginnings)
+        if (whole.CompareStart(beginning) == 0)
+            return true;
+    return false;
+}
+
+} // namespace
+
+bool TEffectLint::IsToldElsewhere(const char* error) const
+{
+    return (Files.LacksAnimation() && BeginsWithOne(error, AnimationErrors)) ||
+           (Files.LacksTextureName() && BeginsWithOne(error, TextureErrors));
+}
+
+void TEffectLint::TellErrors(const char* kind, const TErrorList& errors, TLintReport& report) const
+{
+    for (const TError* error : errors)
+        if (!IsToldElsewhere(error->GetMessage()))
+            report.AddError(kind, *error);
+}
+
+void TEffectLint::Lint(const TEffectGraph& graph, TLintReport& report)
+{
+    LintNodeTypes(graph, Library, report);
+    Files.Tell(graph, report);
+    TErrorList errors;
+    TEffectSchedule schedule;
+    if (!RunCollecting(errors, [&] { return schedule.Create(graph, errors); })) {
+        TellErrors(LK_SCHEDULE, errors, report);
+        return;
+    }
+    report.SetSchedule(&schedule);
+    LintScheduled(graph, schedule, report);
+    report.SetSchedule(nullptr);
+}
+
+// What stops the engine stops the export too, and is told once.
+void TEffectLint::LintScheduled(const TEffectGraph& graph, const TEffectSchedule& schedule,
+                                TLintReport& report)
+{
+    TLintGraph lint(graph, schedule);
+    lint.FindUseful();
+    lint.Tell(report);
+    double work = 0;
+    if (LintRuns(schedule, lint, report, work))
+        LintExport(schedule, work, report);
+}
+
+bool TEffectLint::LintRuns(const TEffectSchedule& schedule, const TLintGraph& graph, TLintReport& report,
+                           double& work)
+{
+    TLintServices services(Services);
+    TEffectExec exec(services);
+    TLintRun run(exec, schedule, Options);
+    TLintPopulation population(schedule, Options);
+    TLintEmission emission(schedule, Options);
+    TLintNumbers numbers(schedule);
+    TLintBoxes boxes(schedule, Options.SuggestBoxes);
+    TLintCurves curves(schedule);
+    TLintBirths births(schedule, graph);
+    TLintConsole console(schedule, graph);
+    TLintTheme* const themes[] = {&population, &emission, &numbers, &boxes, &curves, &births, &console};
+    for (TLintTheme* theme : themes)
+        run.AddTheme(*theme);
+    TErrorList errors;
+    if (!run.Run(report, errors)) {
+        TellErrors(LK_ENGINE, errors, report);
+        return false;
+    }
+    for (TLintTheme* theme : themes)
+        theme->Tell(report);
+    // What ended a run early would end the replay.
+    work = run.HasEndedEarly() ? NoReplay : run.GetWorkOfFrame();
+    return true;
+}
+
+void TEffectLint::LintExport(const TEffectSchedule& schedule, double work, TLintReport& report)
+{
+    TLintServices services(Services);
+    TEffectExec exec(services);
+    TErrorList errors;
+    const bool exported = RunCollecting(errors, [&] {
+        if (!exec.Init(schedule, errors, false))
+            return false;
+        TExportData exportData(schedule);
+        if (!exec.Export(exportData, errors))
+            return false;
+        TLintExport(schedule, exportData, Options).Tell(report);
+        return true;
+    });
+    // The replay exports anew, and would tell the same errors.
+    TErrorList ignored;
+    const bool replays = exported && errors.empty() && work != NoReplay;
+    TellErrors(LK_EXPORT, errors, report);
+    if (replays && !RunCollecting(ignored, [&] {
+            return TLintReplay(schedule, Options).Tell(services, work, report, ignored);
+        }))
+        TellErrors(LK_EXPORT, ignored, report);
+}

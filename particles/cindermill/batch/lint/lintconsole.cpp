@@ -1,0 +1,309 @@
+#include "particles/cindermill/batch/lint/lintconsole.h"
+
+#include "particles/cindermill/batch/lint/lintgraph.h"
+#include "particles/cindermill/batch/lint/lintreport.h"
+#include "particles/cindermill/graph/engine/inputreader.h"
+#include "particles/cindermill/graph/nodes/localframe.h"
+#include "particles/cindermill/graph/nodes/nodemaths.h"
+#include "particles/effectgraph/groupparameter.h"
+#include "particles/effectgraph/simpleparameters.h"
+#include "particles/effectgraph/xmltext.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+// What the export does with a class that it has no like for.
+struct TConsoleClass
+{
+    const char* ClassName;
+    const char* Kind;
+    const char* Text;
+};
+
+constexpr TConsoleClass Classes[] = {
+    {"TGrid", LK_CONSOLEGRID, "%s is a point on the console: all its particles start at the transform"},
+    {"TNoise", LK_CONSOLENOTHING, "%s has no command on the console: its value is 0 there"},
+    {"TVolume", LK_CONSOLENOTHING, "%s has no command on the console: its value is 0 there"},
+    {"TAnimationPath", LK_CONSOLENOTHING, "%s has no command on the console: its value is 0 there"},
+    {"TEventTrigger", LK_CONSOLEEVENT, "%s fires an event on the console; the preview shows nothing of it"},
+};
+
+// Inputs whose value on the node is exported, wired or not.
+struct TFixedInput
+{
+    const char* ClassName;
+    int Port;
+};
+
+constexpr TFixedInput FixedInputs[] = {{"TSphereSurface", 1}, {"TSphereSurface", 2}, {"TCollisionPlane", 4}};
+
+// Parameters that go out as a byte, without a word of what does not fit.
+struct TByteParameter
+{
+    const char* ClassName;
+    const char* Parameter;
+};
+
+constexpr TByteParameter ByteParameters[] = {
+    {"TEmitter", "Emit Mode"},           {"TEmitter", "Per frame max emission"},
+    {"TAnimatedTexture", "X Divisions"}, {"TAnimatedTexture", "Y Divisions"},
+    {"TAnimatedTexture", "Tile Count"},  {"TAnimatedTexture", "Loop Mode"},
+};
+
+// The stages' tables: how many entries each has that are meant.
+struct TTableParameter
+{
+    const char* Parameter;
+    int NumEntries;
+};
+
+constexpr TTableParameter TableParameters[] = {
+    {"Alpha Blend.Blend Equation", 5}, {"Alpha Blend.Source Function", 15}, {"Alpha Blend.Dest Function", 15},
+    {"Alpha Test.Function", 8},        {"Depth Test.Function", 8},          {"Cull Face.Mode", 2},
+};
+
+constexpr const char* PlaneClass = "TCollisionPlane";
+constexpr int PlaneInput = 2;
+constexpr int PlaneSizeInput = 3;
+// A particle this far behind a plane has passed it.
+constexpr float PassedDepth = 0.01f;
+
+bool IsClass(const TEffectNode& node, const char* className)
+{
+    return node.GetNodeType()->ClassName.Compare(className) == 0;
+}
+
+// An enum's or a whole number; false for other parameters.
+bool GetNumber(const TNodeType& type, const char* path, int& number)
+{
+    if (const auto* whole = type.FindParameterOf<TNodeIntParameter>(path, PK_INT))
+        number = whole->Get();
+    else if (const auto* choice = type.FindParameterOf<TNodeEnumParameter>(path, PK_ENUM))
+        number = choice->GetNumber();
+    else
+        return false;
+    return true;
+}
+
+bool IsGroupOn(const TNodeType& type, const TString& path)
+{
+    TString name = path;
+    name.TruncateAtFirst('.');
+    const auto* group = type.FindParameterOf<TNodeGroupParameter>(name, PK_GROUP);
+    return group != nullptr && group->Get();
+}
+
+} // namespace
+
+bool TLintConsole::IsAsked(const TEffectNode& node) const
+{
+    return !node.GetNodeType()->IsBypassed() && Graph.IsUseful(node);
+}
+
+void TLintConsole::Tell(TLintReport& report)
+{
+    for (int n = 0; n < Schedule.GetNumNodes(); ++n) {
+        const TEffectNode& node = *Schedule.GetNode(n);
+        if (report.FindGroup(node) == -1 || !IsAsked(node))
+            continue;
+        TellNode(report, node);
+        TellPlane(report, node);
+        TellFields(report, node);
+    }
+    for (int g = 0; g < Schedule.GetNumGroups(); ++g)
+        TellGroup(report, g);
+}
+
+void TLintConsole::TellGroup(TLintReport& report, int group) const
+{
+    vector<const TEffectNode*> ends;
+    for (const TTiedNode& tied : Schedule.GetGroup(group).TiedNodes) {
+        const TEffectNode& node = *Schedule.GetNode(tied.Node);
+        if (!IsAsked(node))
+            continue;
+        if (IsClass(node, "TAdd"))
+            TellSum(report, group, tied);
+        if ((IsClass(node, "TAge") || IsClass(node, "TPrune")) && !Schedule.IsTriggerGroup(group))
+            ends.push_back(&node);
+    }
+    TellPlaces(report, group);
+    if (ends.size() > 1) {
+        TFinding& finding = report.AddNode(
+            LK_CONSOLEENDS, *ends.back(), group,
+            "%d nodes end particles of group %d: where two end one in a frame, the preview takes "
+            "another with it",
+            ends.size(), group);
+        AddNumber(finding, "nodes", ends.size());
+    }
+    for (int a = 0; a < Schedule.GetNumAttributes(group); ++a) {
+        const int parent = Schedule.GetAttributeExternalGroup(group, a);
+        if (parent <= group || Schedule.IsTriggerGroup(parent))
+            continue;
+        report.AddGroup(
+            LK_CONSOLEORDER, group,
+            "Group %d runs ahead of group %d, which fires it: priorities of their render stages set the "
+            "order",
+            group, parent);
+        return;
+    }
+}
+
+// Two types are the one place where the engine converts and the console's command does not.
+void TLintConsole::TellSum(TLintReport& report, int group, const TTiedNode& tied) const
+{
+    const TEffectNode& node = *Schedule.GetNode(tied.Node);
+    int types[2] = {};
+    for (int i = 0; i < 2; ++i) {
+        if (i >= tied.Inputs.size())
+            return;
+        types[i] = tied.Inputs[i] != -1 ? Schedule.GetAttributeType(group, tied.Inputs[i])
+                                        : node.GetNodeType()->GetInputType(i);
+    }
+    if (types[0] != types[1])
+        report.AddNode(LK_CONSOLESUM, node, group,
+                       "%s adds a %s to a %s, whose components the console repeats",
+                       GetNodeName(node).Print(), GetTypeName(types[1]), GetTypeName(types[0]));
+}
+
+// A node whose readers cannot share what it writes.
+void TLintConsole::TellPlaces(TLintReport& report, int group) const
+{
+    const vector<TTiedNode>& nodes = Schedule.GetGroup(group).TiedNodes;
+    for (int t = 0; t < nodes.size(); ++t) {
+        int earlier = 0;
+        for (int k = 0; k < t; ++k)
+            earlier += nodes[k].Node == nodes[t].Node ? 1 : 0;
+        const TEffectNode& node = *Schedule.GetNode(nodes[t].Node);
+        const bool isClock = IsClass(node, "TEmitter") || IsClass(node, "TEffect");
+        if (earlier != 1 || !IsAsked(node) || (!isClock && node.GetNodeType()->Category != TU_EMITTER))
+            continue;
+        report.AddNode(
+            LK_CONSOLEPLACES, node, group,
+            isClock ? "%s stands in several places, which share one clock in the preview and none on the "
+                      "console"
+                    : "%s stands in several places, each of which emits in the preview and one on the "
+                      "console",
+            GetNodeName(node).Print());
+    }
+}
+
+void TLintConsole::TellNode(TLintReport& report, const TEffectNode& node) const
+{
+    constexpr int MaxName = 80;
+    const TString name = GetNodeName(node);
+    for (const TConsoleClass& entry : Classes)
+        if (IsClass(node, entry.ClassName)) {
+            TString text;
+            text.Format(entry.Text, name.Print());
+            report.AddNode(entry.Kind, node, -1, "%s", text.Print());
+        }
+    for (const TFixedInput& input : FixedInputs)
+        if (IsClass(node, input.ClassName) && IsWired(node, input.Port)) {
+            TString port;
+            node.GetNodeType()->GetInputName(input.Port, port);
+            report.AddNode(LK_CONSOLEFIXED, node, -1,
+                           "\"%s\" of %s is wired, but the console gets the value that stands there",
+                           QuoteText(port, MaxName).Print(), name.Print());
+        }
+    const auto* life = node.GetNodeType()->FindParameterOf<TNodeGroupParameter>("Max Life Time", PK_GROUP);
+    if (IsClass(node, "TEffect") && life != nullptr && life->Get())
+        report.AddNode(LK_CONSOLELIFE, node, -1,
+                       "%s ends on the console when its life time is over; the preview runs on",
+                       name.Print());
+}
+
+bool TLintConsole::IsWired(const TEffectNode& node, int port) const
+{
+    return port < node.GetNumInputs() && node.GetInput(port) != nullptr;
+}
+
+// Whether a particle is behind the plane and beside it: the console's has no edge to go past.
+void TLintConsole::NodeRan(int group, int tied, int count)
+{
+    TEffectNode& node = *Schedule.GetNode(Schedule.GetTiedNode(group, tied));
+    if (!IsClass(node, PlaneClass) || node.GetNodeType()->IsBypassed() ||
+        node.GetNumInputs() <= PlaneSizeInput || Passed.find(&node) != Passed.end())
+        return;
+    TInputReader reader(*Exec, node);
+    reader.SetPosition(group, tied, Exec->GetGroup(group));
+    const bool isFixed = !IsWired(node, PlaneInput) && !IsWired(node, PlaneSizeInput);
+    TLocalFrame frame;
+    for (int i = 0; i < count; ++i) {
+        if (i == 0 || !isFixed) {
+            TMatrix43 matrix = GetTransformMatrix(reader.ReadValue(PlaneInput, i));
+            const TPortValue size = reader.ReadValue(PlaneSizeInput, i);
+            ScaleFirst(matrix, size[0], 1, size[1]);
+            frame = TLocalFrame(matrix);
+        }
+        if (!frame.IsInvertible)
+            continue;
+        const TVector3 local = frame.ToLocal.TransformPoint(GetVector(reader.ReadValue(0, i)));
+        const bool isBeside = std::fabs(local[0]) > 1 || std::fabs(local[2]) > 1;
+        if (!(local[1] < -PassedDepth) || !isBeside)
+            continue;
+        Passed.push_back(&node);
+        return;
+    }
+}
+
+void TLintConsole::TellPlane(TLintReport& report, const TEffectNode& node) const
+{
+    if (!IsClass(node, PlaneClass) || node.GetNumInputs() <= PlaneSizeInput || IsWired(node, PlaneInput))
+        return;
+    TPortValue plane;
+    node.GetNodeType()->GetInput(PlaneInput)->GetValue(plane.GetFloats());
+    const bool isOff = plane[0] != 0 || plane[1] != 0 || plane[2] != 0;
+    const bool isPassed = Passed.find(&node) != Passed.end();
+    if (isOff)
+        report.AddNode(
+            LK_CONSOLEPLANE, node, -1,
+            "%s lies off the origin: the preview adds its place to what it reflects, and the console "
+            "has a normal that its place bends",
+            GetNodeName(node).Print());
+    else if (isPassed)
+        report.AddNode(LK_CONSOLEPLANE, node, -1,
+                       "Particles go past the edge of %s: on the console it has none, and they are reflected",
+                       GetNodeName(node).Print());
+}
+
+void TLintConsole::TellFields(TLintReport& report, const TEffectNode& node) const
+{
+    constexpr int MostOfByte = 255;
+    const TNodeType& type = *node.GetNodeType();
+    int number = 0;
+    for (const TByteParameter& field : ByteParameters) {
+        if (!IsClass(node, field.ClassName) || !GetNumber(type, field.Parameter, number) ||
+            (number >= 0 && number <= MostOfByte))
+            continue;
+        TFinding& finding = report.AddNode(
+            LK_NUMBERFIELD, node, -1, "\"%s\" of %s is %d, and goes out as %d: its field holds 0 to %d",
+            field.Parameter, GetNodeName(node).Print(), number, number & MostOfByte, MostOfByte);
+        AddNumber(finding, "value", number);
+        AddNumber(finding, "most", MostOfByte);
+    }
+    if (type.Category != TU_RENDER)
+        return;
+    for (const TTableParameter& field : TableParameters) {
+        if (!IsGroupOn(type, field.Parameter) || !GetNumber(type, field.Parameter, number) ||
+            (number >= 0 && number < field.NumEntries))
+            continue;
+        TFinding& finding =
+            report.AddNode(LK_NUMBERFIELD, node, -1, "\"%s\" of %s is %d: the console knows 0 to %d",
+                           field.Parameter, GetNodeName(node).Print(), number, field.NumEntries - 1);
+        AddNumber(finding, "value", number);
+        AddNumber(finding, "most", field.NumEntries - 1);
+    }
+    TNodeParameter* reference = type.FindParameterOf<TNodeParameter>("Alpha Test.Ref Value", TY_SCALAR);
+    float value = 0;
+    if (reference != nullptr)
+        reference->GetValue(&value);
+    if (!IsGroupOn(type, "Alpha Test") || (value >= 0 && value <= 1))
+        return;
+    TFinding& finding = report.AddNode(LK_NUMBERFIELD, node, -1,
+                                       "\"Alpha Test.Ref Value\" of %s is %g: its field holds 0 to 1",
+                                       GetNodeName(node).Print(), double(value));
+    AddNumber(finding, "value", double(value));
+    AddNumber(finding, "most", 1);
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "particles/cindermill/batch/lint/lintlimits.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
+
+class TErrorList;
+class TExecServices;
+class TLintReport;
+class TReplayReport;
+struct TReplayDifference;
+
+// Where the exported file does something else than the preview shows, without a node that is told to.
+class TLintReplay
+{
+public:
+    // Refers to both.
+    TLintReplay(const TEffectSchedule& schedule, const TLintOptions& options)
+        : Schedule(schedule), Options(options)
+    {
+    }
+    // False with errors where the file cannot be replayed. What the report holds by then counts as told.
+    // `work` is what a frame computes, as the runs counted it: the more it is, the fewer frames are replayed.
+    bool Tell(TExecServices& services, double work, TLintReport& report, TErrorList& errors) const;
+    // What differs and is not explained by what was told.
+    void TellDifferences(const TReplayReport& replay, TLintReport& report) const;
+
+private:
+    void TellDifference(const TReplayDifference& difference, TLintReport& report) const;
+    bool IsTold(const TReplayDifference& difference, const TLintReport& report) const;
+
+    const TEffectSchedule& Schedule;
+    const TLintOptions& Options;
+};

@@ -1,0 +1,125 @@
+#include "particles/cindermill/batch/lint/lintreport.h"
+
+#include "particles/cindermill/batch/findings/findingreport.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/effectgraph/error.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
+#include "particles/effectgraph/xmltext.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+TFinding& TLintReport::AddText(const char* kind, const char* format, va_list args)
+{
+    constexpr int MaxMessage = 2048;
+    char text[MaxMessage];
+    std::vsnprintf(text, sizeof text, format, args);
+    const TFinding finding = MakeFinding(kind, File, text);
+    Findings.Add(finding);
+    return Findings[Findings.size() - 1];
+}
+
+TFinding& TLintReport::Add(const char* kind, const char* format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    TFinding& finding = AddText(kind, format, args);
+    va_end(args);
+    return finding;
+}
+
+TFinding& TLintReport::AddNode(const char* kind, const TEffectNode& node, int group, const char* format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    TFinding& finding = AddText(kind, format, args);
+    va_end(args);
+    SetPlace(finding.Place, node, group != -1 ? group : FindGroup(node));
+    return finding;
+}
+
+TFinding& TLintReport::AddGroup(const char* kind, int group, const char* format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    TFinding& finding = AddText(kind, format, args);
+    va_end(args);
+    finding.Place.Group = group;
+    if (const TEffectNode* source = FindSource(group))
+        SetPlace(finding.Place, *source, group);
+    return finding;
+}
+
+void TLintReport::AddError(const char* kind, const TError& error)
+{
+    const TErrorSource& source = error.GetSource();
+    TFinding& finding = Add(kind, "%s", error.GetMessage().Print());
+    finding.Place.Group = source.Group;
+    for (int n = 0; Schedule != nullptr && n < Schedule->GetNumNodes(); ++n)
+        if (source.Type != nullptr && Schedule->GetNode(n)->GetNodeType() == source.Type)
+            SetPlace(finding.Place, *Schedule->GetNode(n),
+                     source.Group != -1 ? source.Group : FindGroup(*Schedule->GetNode(n)));
+}
+
+void TLintReport::SetPlace(TFindingPlace& place, const TEffectNode& node, int group) const
+{
+    place.Node = node.GetNodeType()->Name;
+    place.Type = node.GetNodeType()->ClassName;
+    place.Group = group;
+    place.Id = node.ChunkIdx;
+    if (!IsClassA(FindClassByNameID(node.GetClassId()), TToolNode::ClassId()))
+        return;
+    const TToolNode& tool = static_cast<const TToolNode&>(node);
+    place.X = static_cast<float>(tool.GetX());
+    place.Y = static_cast<float>(tool.GetY());
+}
+
+int TLintReport::FindGroup(const TEffectNode& node) const
+{
+    if (Schedule == nullptr)
+        return -1;
+    for (int g = 0; g < Schedule->GetNumGroups(); ++g)
+        for (int t = 0; t < Schedule->GetNumTiedNodes(g); ++t)
+            if (Schedule->GetNode(Schedule->GetTiedNode(g, t)) == &node)
+                return g;
+    return -1;
+}
+
+bool TLintReport::IsConsoleTold(const TEffectNode& node) const
+{
+    for (int i = FirstFinding; i < Findings.size(); ++i) {
+        const TFinding& finding = Findings[i];
+        const bool isOfConsole = std::strncmp(finding.Id, "console.", std::strlen("console.")) == 0 &&
+                                 std::strcmp(finding.Id, LK_CONSOLEEVENT) != 0 &&
+                                 std::strcmp(finding.Id, LK_CONSOLELIFE) != 0;
+        if ((isOfConsole || std::strcmp(finding.Id, LK_NUMBERFIELD) == 0) && !finding.Place.Type.IsEmpty() &&
+            finding.Place.Id == node.ChunkIdx)
+            return true;
+    }
+    return false;
+}
+
+const TEffectNode* TLintReport::FindSource(int group) const
+{
+    const TEffectNode* source = nullptr;
+    if (Schedule == nullptr)
+        return source;
+    for (int t = 0; t < Schedule->GetNumTiedNodes(group); ++t) {
+        const TEffectNode* node = Schedule->GetNode(Schedule->GetTiedNode(group, t));
+        if (node->GetNodeType()->Category == TU_EMITTER)
+            source = node;
+    }
+    return source;
+}
+
+void AddNumber(TFinding& finding, const char* name, double value)
+{
+    finding.Numbers.push_back(TFindingNumber{name, value});
+}
+
+TString GetNodeName(const TEffectNode& node)
+{
+    constexpr int MaxName = 80;
+    return QuoteText(node.GetNodeType()->Name, MaxName);
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "library/containers/string.h"
+#include "library/wimp/gdi/gdicontext.h"
+
+struct TMessage;
+
+// A line that is typed to find something, in a window that draws it and gives it what is typed. What is typed
+// goes to its end.
+class TFilterField
+{
+public:
+    static constexpr int Height = 24;
+
+    void SetText(const char* text) { Text = text; }
+    const TString& GetText() const { return Text; }
+    // Characters, Backspace (with Ctrl a word), and Ctrl+V. True if the text is another now.
+    bool OnMessage(const TMessage& message);
+    // The hint stands there while nothing is typed.
+    void Paint(TGDIContext& context, int left, int top, int right, const char* hint, bool focused) const;
+
+private:
+    bool Erase(bool word);
+    bool Add(const char* text);
+
+    TString Text;
+};

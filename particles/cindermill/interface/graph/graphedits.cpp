@@ -1,0 +1,126 @@
+#include "particles/cindermill/interface/graph/graphedits.h"
+
+#include "library/containers/append.h"
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/addgraphnodesop.h"
+#include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/graph/gridrender.h"
+#include "particles/cindermill/interface/graph/wireinsertion.h"
+#include "particles/cindermill/main/documentstep.h"
+#include "particles/effectgraph/pointermap.h"
+
+namespace {
+
+constexpr int CopyDistance = 2 * TGridRender::Step;
+
+// A wire that comes into a copy from a node that is not copied.
+struct TOuterWire
+{
+    TToolNode* Source;
+    int SourcePort;
+    TToolNode* Copy;
+    int Port;
+};
+
+TToolNode* CopyNode(TDocument& document, const TToolNode& node)
+{
+    TToolNode* copy = new TToolNode;
+    copy->Create(&document, *node.GetNodeType(), node.GetX(), node.GetY(), false);
+    copy->MoveBy(CopyDistance, CopyDistance);
+    return copy;
+}
+
+void CopyWires(const vector<TToolNode*>& nodes, const vector<TToolNode*>& copies, vector<TOuterWire>& outer)
+{
+    TPointerMap places;
+    for (int i = 0; i < nodes.size(); ++i)
+        places.Insert(nodes[i], i);
+    for (int i = 0; i < nodes.size(); ++i)
+        for (int port = 0; port < nodes[i]->GetNumInputs(); ++port) {
+            const TEffectEdge* edge = nodes[i]->GetInput(port);
+            if (edge == nullptr)
+                continue;
+            const int source = places.Find(edge->GetSrcNode());
+            if (source == -1) {
+                Append(outer, TOuterWire{static_cast<TToolNode*>(edge->GetSrcNode()), edge->GetSrcPort(),
+                                         copies[i], port});
+                continue;
+            }
+            TToolEdge* copy = new TToolEdge;
+            copy->Connect(copies[source], edge->GetSrcPort(), copies[i], port);
+            copy->AttachEnds();
+        }
+}
+
+bool CanBypass(const TToolNode& node)
+{
+    return node.GetNodeType()->HasFlag(FL_BYPASSABLE);
+}
+
+} // namespace
+
+bool DuplicateSelection(TDocument& document)
+{
+    const vector<TToolNode*> nodes = document.GetSelection();
+    if (nodes.empty())
+        return false;
+    const TDocumentStep step(document);
+    vector<TToolNode*> copies;
+    for (const TToolNode* node : nodes)
+        Append(copies, CopyNode(document, *node));
+    vector<TOuterWire> outer;
+    CopyWires(nodes, copies, outer);
+    document.ClearSelection();
+    for (TToolNode* copy : copies)
+        document.SelectNode(copy, false);
+    document.ApplyOperation(new TAddGraphNodesOp(document, copies));
+    for (const TOuterWire& wire : outer)
+        document.ApplyOperation(
+            new TAddGraphEdgeOp(document, wire.Source, wire.SourcePort, wire.Copy, wire.Port));
+    return true;
+}
+
+bool BypassSelection(TDocument& document)
+{
+    bool all = true;
+    bool any = false;
+    for (const TToolNode* node : document.GetSelection()) {
+        any = any || CanBypass(*node);
+        all = all && (!CanBypass(*node) || node->GetNodeType()->IsBypassed());
+    }
+    if (!any)
+        return false;
+    const TDocumentStep step(document);
+    for (TToolNode* node : document.GetSelection())
+        if (CanBypass(*node) && node->GetNodeType()->IsBypassed() == all)
+            document.ApplyOperation(new TBypassFlagOp(node, !all));
+    return true;
+}
+
+bool TakeSelectionOut(TDocument& document)
+{
+    bool any = false;
+    for (const TToolNode* node : document.GetSelection())
+        any = any || !IsUnwired(*node);
+    if (!any)
+        return false;
+    const vector<TToolNode*> nodes = document.GetSelection();
+    const TDocumentStep step(document);
+    for (TToolNode* node : nodes)
+        TakeOutOfWires(document, node);
+    return true;
+}
+
+bool SelectReached(TDocument& document, TWalkDirection direction)
+{
+    vector<TEffectNode*> nodes;
+    for (TToolNode* node : document.GetSelection())
+        Append(nodes, node);
+    const int before = nodes.size();
+    AddReached(nodes, direction);
+    for (int i = before; i < nodes.size(); ++i)
+        document.SelectNode(static_cast<TToolNode*>(nodes[i]), false);
+    return nodes.size() > before;
+}

@@ -1,0 +1,287 @@
+#include "particles/cindermill/interface/graphactions.h"
+
+#include "library/wimp/menu.h"
+#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/controls/textedit.h"
+#include "particles/cindermill/interface/documentwindows.h"
+#include "particles/cindermill/interface/docwindow.h"
+#include "particles/cindermill/interface/graph/graphedits.h"
+#include "particles/cindermill/interface/graph/graphlayout.h"
+#include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/document.h"
+
+namespace {
+
+enum TActionId
+{
+    GA_FIRST = 41000,
+    GA_ADDNODE = GA_FIRST,
+    GA_FINDNODE,
+    GA_DUPLICATE,
+    GA_BYPASS,
+    GA_TAKEOUT,
+    GA_UPSTREAM,
+    GA_DOWNSTREAM,
+    GA_ALIGNLEFT,
+    GA_ALIGNRIGHT,
+    GA_ALIGNTOP,
+    GA_ALIGNBOTTOM,
+    GA_DISTRIBUTEACROSS,
+    GA_DISTRIBUTEDOWN,
+    GA_TIDY,
+    GA_MINIMAP,
+    GA_ALIGNMENU
+};
+
+// An entry without a text separates; those of a popup follow its own.
+struct TGraphAction
+{
+    int Id;
+    int Key;
+    const char* Text;
+    bool InPopup;
+};
+
+constexpr TGraphAction GraphActions[] = {
+    {0, 0, nullptr, false},
+    {GA_ADDNODE, KEY_TAB, "Add Node...\tTab", false},
+    {GA_FINDNODE, 'G' | SM_CTRL, "Find Node...\tCtrl+G", false},
+    {0, 0, nullptr, false},
+    {GA_DUPLICATE, 'D' | SM_CTRL, "Duplicate\tCtrl+D", false},
+    {GA_BYPASS, 'B' | SM_CTRL, "Bypass\tCtrl+B", false},
+    {GA_TAKEOUT, 'E' | SM_CTRL, "Take Out of Wires\tCtrl+E", false},
+    {GA_UPSTREAM, KEY_LEFT | SM_CTRL, "Select Upstream\tCtrl+Left", false},
+    {GA_DOWNSTREAM, KEY_RIGHT | SM_CTRL, "Select Downstream\tCtrl+Right", false},
+    {GA_ALIGNMENU, 0, "Align", false},
+    {GA_ALIGNLEFT, KEY_LEFT | SM_CTRL | SM_SHIFT, "Left\tCtrl+Shift+Left", true},
+    {GA_ALIGNRIGHT, KEY_RIGHT | SM_CTRL | SM_SHIFT, "Right\tCtrl+Shift+Right", true},
+    {GA_ALIGNTOP, KEY_UP | SM_CTRL | SM_SHIFT, "Top\tCtrl+Shift+Up", true},
+    {GA_ALIGNBOTTOM, KEY_DOWN | SM_CTRL | SM_SHIFT, "Bottom\tCtrl+Shift+Down", true},
+    {GA_DISTRIBUTEACROSS, 'A' | SM_CTRL | SM_SHIFT, "Distribute Across\tCtrl+Shift+A", true},
+    {GA_DISTRIBUTEDOWN, 'D' | SM_CTRL | SM_SHIFT, "Distribute Down\tCtrl+Shift+D", true},
+    {GA_TIDY, 'T' | SM_CTRL, "Tidy\tCtrl+T", false},
+    {0, 0, nullptr, false},
+    {GA_MINIMAP, 'M' | SM_CTRL, "Map\tCtrl+M", false},
+};
+
+const TGraphAction* FindActionOfKey(int key)
+{
+    for (const TGraphAction& action : GraphActions)
+        if (action.Key != 0 && action.Key == key)
+            return &action;
+    return nullptr;
+}
+
+// Keys by which a field that has the focus is edited or left.
+bool IsFieldKey(int key)
+{
+    const int plain = key & 0xFFFF;
+    return plain == KEY_TAB || plain == KEY_LEFT || plain == KEY_RIGHT || plain == KEY_UP ||
+           plain == KEY_DOWN;
+}
+
+} // namespace
+
+void TGraphActions::Attach(TDocWindow& docWindow)
+{
+    DocWindow = &docWindow;
+    for (const TGraphAction& action : GraphActions)
+        if (action.Key != 0)
+            Shortcuts.Add(action.Key, [](int key, void* actions) {
+                return static_cast<TGraphActions*>(actions)->OnKey(key);
+            });
+    Shortcuts.Attach(&Graph);
+}
+
+TDocument& TGraphActions::GetDocument() const
+{
+    return DocWindow->GetDocument();
+}
+
+TGraphScene& TGraphActions::GetScene() const
+{
+    return DocWindow->GetWindows().GetScene();
+}
+
+void TGraphActions::FillMenu(TMenu& menu)
+{
+    TMenu* popup = nullptr;
+    for (const TGraphAction& action : GraphActions) {
+        if (action.Text == nullptr)
+            menu.AddSeparator();
+        else if (action.Id == GA_ALIGNMENU)
+            popup = &menu.AddPopup(action.Text, action.Id);
+        else
+            (action.InPopup ? *popup : menu).AddItem(action.Id, action.Text);
+    }
+}
+
+bool TGraphActions::OnMenu(int id, TToolNode* node)
+{
+    if (id < GA_FIRST || id >= GA_ALIGNMENU)
+        return false;
+    if (node != nullptr && !node->IsSelected())
+        GetDocument().SelectNode(node, true);
+    return Do(id);
+}
+
+// The graph itself has the keys, and no control in it.
+bool TGraphActions::IsGraphFocused() const
+{
+    const TRenderObject* focus = TRenderObject::GetFocus();
+    return focus == nullptr || focus == &GetScene().GetRoot() || focus == &GetScene().GetCanvas() ||
+           focus->GetClassId() == TNodeObj::NameID();
+}
+
+// In the preview and in traces, which leave their keys to the graph, these are for other things.
+bool TGraphActions::OnKey(int key)
+{
+    if (!Graph.HasFocus() || (IsFieldKey(key) && !IsGraphFocused()))
+        return false;
+    const TGraphAction* action = FindActionOfKey(key);
+    return action != nullptr && Do(action->Id);
+}
+
+bool TGraphActions::OnCharacter(uint32_t character)
+{
+    if (character != ' ' || !IsGraphFocused())
+        return false;
+    SearchToAdd(GetPointer());
+    return true;
+}
+
+bool TGraphActions::Do(int id)
+{
+    // Under a drag what would be changed is the drag's.
+    if (TWimp::Get().GetMouseDrag() != nullptr)
+        return true;
+    TTextEdit::EndFocusedInput();
+    bool done = true;
+    if (id == GA_ADDNODE)
+        SearchToAdd(GetPointer());
+    else if (id == GA_FINDNODE)
+        SearchNodes();
+    else if (id == GA_MINIMAP)
+        Graph.GetMinimap().Toggle(*DocWindow);
+    else if (id == GA_TIDY)
+        done = TidyNodes(GetScene());
+    else if (GetDocument().GetSelection().empty())
+        GetScene().GetHost().TellStatus("No node is selected");
+    else if (!DoToSelection(id, done))
+        return false;
+    if (!done)
+        GetScene().GetHost().TellStatus("There is nothing to do for the selected nodes");
+    GetScene().GetHost().RedrawGraphs();
+    return true;
+}
+
+bool TGraphActions::DoToSelection(int id, bool& done)
+{
+    switch (id) {
+    case GA_DUPLICATE:
+        done = DuplicateSelection(GetDocument());
+        Graph.BringIntoSight(GetDocument().GetSelection());
+        return true;
+    case GA_BYPASS:
+        done = BypassSelection(GetDocument());
+        return true;
+    case GA_TAKEOUT:
+        done = TakeSelectionOut(GetDocument());
+        return true;
+    case GA_UPSTREAM:
+    case GA_DOWNSTREAM:
+        done = SelectReached(GetDocument(), id == GA_UPSTREAM ? WD_UPSTREAM : WD_DOWNSTREAM);
+        return true;
+    case GA_ALIGNLEFT:
+    case GA_ALIGNRIGHT:
+    case GA_ALIGNTOP:
+    case GA_ALIGNBOTTOM:
+        done = AlignSelection(GetScene(), static_cast<TAlignment>(AL_LEFT + id - GA_ALIGNLEFT));
+        return true;
+    case GA_DISTRIBUTEACROSS:
+    case GA_DISTRIBUTEDOWN:
+        done = DistributeSelection(GetScene(), id - GA_DISTRIBUTEACROSS);
+        return true;
+    default:
+        return false;
+    }
+}
+
+// In world units; the middle of the view where the pointer is elsewhere.
+TVector2 TGraphActions::GetPointer() const
+{
+    int width = 0;
+    int height = 0;
+    Graph.GetSize(width, height);
+    const double x = Graph.GetMouseX();
+    const double y = Graph.GetMouseY();
+    const bool isInside = x > 0 && y > 0 && x < width && y < height;
+    return isInside ? Graph.PixelToWorld(x, y) : Graph.PixelToWorld(width * 0.5, height * 0.5);
+}
+
+void TGraphActions::OpenSearch(const TVector2& point, const char* hint, const char* nothing,
+                               TSearchPopup::TChosen chosen)
+{
+    const TVector2 pixel = (point + Graph.GetView().GetOffset()) * Graph.GetView().GetScale()[0];
+    Search.SetChosen(chosen, this);
+    Search.Open(Graph, static_cast<int>(pixel[0]), static_cast<int>(pixel[1]), hint, nothing);
+}
+
+void TGraphActions::SearchToAdd(const TVector2& point)
+{
+    SearchPoint = point;
+    SearchEnd = TWireEnd();
+    Search.GetList() = TSearchList();
+    FillTypeSearch(TCindermillApp::Get().GetNodeTypes(), nullptr, Search.GetList());
+    OpenSearch(point, "Add a node", "No node type is called so", &TGraphActions::OnTypeChosen);
+}
+
+void TGraphActions::SearchForWire(const TVector2& point, const TWireEnd& end)
+{
+    SearchPoint = point;
+    SearchEnd = end;
+    Search.GetList() = TSearchList();
+    FillTypeSearch(TCindermillApp::Get().GetNodeTypes(), &SearchEnd, Search.GetList());
+    OpenSearch(point, end.IsInput ? "Add a node that feeds the wire" : "Add a node that takes the wire",
+               "No such node type fits the wire", &TGraphActions::OnTypeChosen);
+}
+
+void TGraphActions::SearchNodes()
+{
+    Search.GetList() = TSearchList();
+    FillNodeSearch(*GetDocument().GetGraph(), Search.GetList());
+    OpenSearch(GetPointer(), "Find a node of this graph", "No node is called so",
+               &TGraphActions::OnNodeChosen);
+}
+
+void TGraphActions::OnTypeChosen(int item, void* data)
+{
+    static_cast<TGraphActions*>(data)->AddChosen(item);
+}
+
+void TGraphActions::AddChosen(int type)
+{
+    TDocument& document = GetDocument();
+    if (SearchEnd.Node != nullptr && !document.GetGraph()->Has(SearchEnd.Node))
+        return;
+    const TNodeType& chosen = *TCindermillApp::Get().GetNodeTypes().GetType(type);
+    TToolNode* node = SearchEnd.Node != nullptr ? AddNodeToWire(document, chosen, SearchPoint, SearchEnd)
+                                                : DropNode(GetScene(), chosen, SearchPoint,
+                                                           TWireAim::GetReach(Graph.GetRenderer()));
+    if (node != nullptr)
+        document.SelectNode(node, true);
+}
+
+void TGraphActions::OnNodeChosen(int item, void* data)
+{
+    TGraphActions& actions = *static_cast<TGraphActions*>(data);
+    TDocument& document = actions.GetDocument();
+    if (item >= document.GetGraph()->GetNumNodes())
+        return;
+    TToolNode* node = static_cast<TToolNode*>(document.GetGraph()->GetNode(item));
+    document.SelectNode(node, true);
+    vector<TToolNode*> nodes;
+    nodes.push_back(node);
+    actions.Graph.Focus(nodes, true);
+}

@@ -1,0 +1,280 @@
+#include "particles/cindermill/interface/searchpopup.h"
+
+#include "library/maths/scalar.h"
+#include "particles/cindermill/interface/fittedtext.h"
+#include "particles/cindermill/interface/graph/nodecolour.h"
+
+namespace {
+
+constexpr TGDIFont RowFont = {"Dotum", -11, 400};
+constexpr TGDIFont NameFont = {"Dotum", -11, 700};
+constexpr TGDIColour Paper = 0xF7F8F9;
+constexpr TGDIColour Edge = 0x55595E;
+constexpr TGDIColour Ink = 0x202020;
+constexpr TGDIColour Faint = 0x70767C;
+constexpr TGDIColour MarkedColour = 0xCFE0F5;
+constexpr TGDIColour Divider = 0xD5D8DB;
+constexpr TGDIColour BarColour = 0xB4B9BE;
+constexpr int SwatchSize = 10;
+constexpr int TextTop = 4;
+constexpr int NameLeft = 24;
+constexpr int WheelNotch = 120;
+constexpr int WheelRows = 3;
+
+TWindowClass& GetWindowClass()
+{
+    static TWindowClass windowClass("cindermill_search");
+    if (!windowClass.IsRegistered())
+        windowClass.Register(0, Paper);
+    return windowClass;
+}
+
+} // namespace
+
+bool TSearchPopup::Open(TWindow& owner, int x, int y, const char* hint, const char* nothing)
+{
+    TWindowParams params;
+    params.Class = &GetWindowClass();
+    params.Owner = &owner;
+    if (GetHandle() == nullptr && !Create(params))
+        return false;
+    Hint = hint;
+    Nothing = nothing;
+    WantedX = x;
+    WantedY = y;
+    Field.SetText("");
+    Refresh();
+    Show();
+    BringToTop();
+    TakeFocus();
+    return true;
+}
+
+void TSearchPopup::SetChosen(TChosen chosen, void* data)
+{
+    Chosen = chosen;
+    ChosenData = data;
+}
+
+void TSearchPopup::Close()
+{
+    if (!IsOpen())
+        return;
+    // Losing the keys closes it as well.
+    if (HasFocus())
+        GetOwner()->TakeFocus();
+    Hide();
+}
+
+int TSearchPopup::GetNumRows() const
+{
+    const int count = List.GetNumMatches();
+    return count < MaxRows ? count : MaxRows;
+}
+
+void TSearchPopup::Refresh()
+{
+    List.Filter(Field.GetText().Print());
+    FirstRow = 0;
+    Marked = List.GetNumMatches() > 0 ? 0 : -1;
+    Place();
+    Redraw();
+}
+
+void TSearchPopup::Place()
+{
+    int width = 0;
+    int height = 0;
+    GetOwner()->GetSize(width, height);
+    const int rows = GetNumRows() > 0 ? GetNumRows() : 1;
+    const int ownHeight = ListTop + rows * RowHeight + HelpHeight;
+    // By the height of a full list, so that it stays where it is while one types.
+    const int fullHeight = ListTop + MaxRows * RowHeight + HelpHeight;
+    const int left = WantedX + Width > width ? width - Width : WantedX;
+    const int top = WantedY + fullHeight > height ? height - fullHeight : WantedY;
+    MoveTo(left > 0 ? left : 0, top > 0 ? top : 0, Width, ownHeight);
+}
+
+void TSearchPopup::Mark(int match)
+{
+    const int last = List.GetNumMatches() - 1;
+    Marked = match > last ? last : match < 0 && last >= 0 ? 0 : match;
+    if (Marked >= 0 && Marked < FirstRow)
+        FirstRow = Marked;
+    else if (Marked >= FirstRow + MaxRows)
+        FirstRow = Marked - MaxRows + 1;
+    Redraw();
+}
+
+bool TSearchPopup::OnMessage(const TMessage& message)
+{
+    switch (message.Type) {
+    case MT_PAINT:
+        Paint(*message.Context);
+        return true;
+    case MT_FOCUSLOST:
+        Close();
+        return false;
+    case MT_KEYDOWN:
+        if (OnKey(message.Key))
+            return true;
+        break;
+    case MT_MOUSEMOVE:
+        if (const int row = FindRow(message.GetPixelX(), message.GetPixelY()); row != -1 && row != Marked)
+            Mark(row);
+        return true;
+    case MT_LEFTUP:
+        if (const int row = FindRow(message.GetPixelX(), message.GetPixelY()); row != -1)
+            Choose(row);
+        return true;
+    case MT_WHEEL: {
+        WheelRest += message.Delta * WheelRows;
+        const int rows = WheelRest / WheelNotch;
+        WheelRest -= rows * WheelNotch;
+        const int limit = List.GetNumMatches() - GetNumRows();
+        FirstRow = FirstRow - rows > limit ? limit : FirstRow - rows < 0 ? 0 : FirstRow - rows;
+        Redraw();
+        return true;
+    }
+    case MT_LEFTDOWN:
+    case MT_MIDDLEDOWN:
+    case MT_RIGHTDOWN:
+        return true;
+    default:
+        break;
+    }
+    if (!Field.OnMessage(message))
+        return false;
+    Refresh();
+    return true;
+}
+
+bool TSearchPopup::OnKey(int key)
+{
+    switch (key) {
+    case KEY_ESCAPE:
+        Close();
+        return true;
+    case KEY_RETURN:
+        if (Marked != -1)
+            Choose(Marked);
+        return true;
+    case KEY_DOWN:
+    case KEY_TAB:
+        Mark(Marked + 1);
+        return true;
+    case KEY_UP:
+        Mark(Marked - 1);
+        return true;
+    case KEY_PAGEDOWN:
+        Mark(Marked + MaxRows);
+        return true;
+    case KEY_PAGEUP:
+        Mark(Marked - MaxRows);
+        return true;
+    case KEY_HOME:
+        Mark(0);
+        return true;
+    case KEY_END:
+        Mark(List.GetNumMatches() - 1);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TSearchPopup::Choose(int match)
+{
+    const int item = List.GetMatch(match).Item;
+    Close();
+    if (Chosen != nullptr)
+        Chosen(item, ChosenData);
+}
+
+int TSearchPopup::FindRow(int x, int y) const
+{
+    if (x < 0 || x >= Width || y < ListTop || y >= ListTop + GetNumRows() * RowHeight)
+        return -1;
+    return FirstRow + (y - ListTop) / RowHeight;
+}
+
+void TSearchPopup::Paint(TGDIContext& context) const
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    context.SetPen(Edge);
+    context.SetBrush(Paper);
+    context.Rectangle(0, 0, width, height);
+    Field.Paint(context, Border, Border, width - Border, Hint.Print(), HasFocus());
+    for (int row = 0; row < GetNumRows(); ++row)
+        PaintRow(context, FirstRow + row);
+    if (List.GetNumMatches() == 0) {
+        context.SetFont(RowFont);
+        context.SetTextColour(Faint);
+        context.TextOut(Border + 6, ListTop + TextTop, Nothing.Print());
+    }
+    PaintBar(context);
+    PaintHelp(context);
+}
+
+void TSearchPopup::PaintRow(TGDIContext& context, int match) const
+{
+    const TSearchEntry& entry = List.GetMatch(match);
+    const int top = GetRowTop(match);
+    if (match == Marked) {
+        context.SetNoPen();
+        context.SetBrush(MarkedColour);
+        context.Rectangle(Border, top, Width - Border, top + RowHeight);
+    }
+    const TGDIColour colour = ToGDIColour(GetNodeTypeColour(entry.Colour));
+    context.SetPen(colour);
+    context.SetBrush(ToGDIColour(MixColours(GetNodeTypeColour(entry.Colour), TVector4(1, 1, 1, 1), 0.6f)));
+    const int swatch = top + (RowHeight - SwatchSize) / 2;
+    context.Rectangle(Border + 6, swatch, Border + 6 + SwatchSize, swatch + SwatchSize);
+    context.SetFont(RowFont);
+    TString folder;
+    FitText(RowFont, entry.Folder.Print(), Width / 2, folder);
+    int folderWidth = 0;
+    int height = 0;
+    context.GetTextExtent(folder.Print(), folderWidth, height);
+    const int folderLeft = Width - Border - 12 - folderWidth;
+    context.SetTextColour(Faint);
+    context.TextOut(folderLeft, top + TextTop, folder.Print());
+    TString name;
+    FitText(NameFont, entry.Name.Print(), folderLeft - NameLeft - 8, name);
+    context.SetFont(NameFont);
+    context.SetTextColour(Ink);
+    context.TextOut(NameLeft, top + TextTop, name.Print());
+}
+
+// What the marked entry is for, in two lines.
+void TSearchPopup::PaintHelp(TGDIContext& context) const
+{
+    constexpr int LineHeight = 14;
+    if (Marked == -1)
+        return;
+    const int top = ListTop + GetNumRows() * RowHeight;
+    context.SetPen(Divider);
+    context.Line(Border, top, Width - Border, top);
+    context.SetFont(RowFont);
+    context.SetTextColour(Faint);
+    vector<TString> lines;
+    BreakText(RowFont, List.GetMatch(Marked).Help.Print(), Width - 2 * Border - 12, 2, lines);
+    for (int i = 0; i < lines.size(); ++i)
+        context.TextOut(Border + 6, top + 4 + i * LineHeight, lines[i].Print());
+}
+
+void TSearchPopup::PaintBar(TGDIContext& context) const
+{
+    const int count = List.GetNumMatches();
+    const int rows = GetNumRows();
+    if (count <= rows)
+        return;
+    const int height = rows * RowHeight;
+    const int length = height * rows / count;
+    const int top = ListTop + (height - length) * FirstRow / (count - rows);
+    context.SetNoPen();
+    context.SetBrush(BarColour);
+    context.Rectangle(Width - Border - 5, top, Width - Border, top + length);
+}

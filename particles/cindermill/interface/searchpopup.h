@@ -1,0 +1,66 @@
+#pragma once
+
+#include "library/wimp/window.h"
+#include "particles/cindermill/interface/filterfield.h"
+#include "particles/cindermill/interface/graph/searchlist.h"
+
+// A field and a list below it that follows what is typed, over a graph view. The arrow keys and the mouse
+// mark an entry, Return and a click choose it; Escape, a press elsewhere, and whatever else takes the keys
+// away close it without a choice.
+class TSearchPopup : public TWindow
+{
+public:
+    static constexpr int Width = 340;
+    static constexpr int RowHeight = 20;
+    static constexpr int MaxRows = 12;
+    // The popup is closed when it is called.
+    using TChosen = void (*)(int item, void* data);
+
+    // Inside the owner, with its field at the pixel as far as there is room. The hint stands in the empty
+    // field, the other text where nothing is found.
+    bool Open(TWindow& owner, int x, int y, const char* hint, const char* nothing);
+    // To be filled before Open.
+    TSearchList& GetList() { return List; }
+    void SetChosen(TChosen chosen, void* data);
+    bool IsOpen() const { return IsShown(); }
+    // The keys go back to the owner if the popup has them.
+    void Close();
+    bool OnMessage(const TMessage& message) override;
+    // What is typed is no command of the graph's.
+    bool KeepsKeys() const override { return true; }
+
+    const TString& GetText() const { return Field.GetText(); }
+    // -1 for none.
+    int GetMarked() const { return Marked; }
+    // The place of an entry's row in the window, whether or not it is in sight.
+    int GetRowTop(int match) const { return ListTop + (match - FirstRow) * RowHeight; }
+
+private:
+    static constexpr int Border = 3;
+    static constexpr int ListTop = Border + TFilterField::Height + Border;
+    static constexpr int HelpHeight = 34;
+
+    void Refresh();
+    void Place();
+    void Mark(int match);
+    bool OnKey(int key);
+    void Choose(int match);
+    int FindRow(int x, int y) const;
+    int GetNumRows() const;
+    void Paint(TGDIContext& context) const;
+    void PaintRow(TGDIContext& context, int match) const;
+    void PaintHelp(TGDIContext& context) const;
+    void PaintBar(TGDIContext& context) const;
+
+    TSearchList List;
+    TFilterField Field;
+    TString Hint;
+    TString Nothing;
+    TChosen Chosen = nullptr;
+    void* ChosenData = nullptr;
+    int WantedX = 0;
+    int WantedY = 0;
+    int Marked = -1;
+    int FirstRow = 0;
+    int WheelRest = 0;
+};

@@ -1,0 +1,94 @@
+#include "particles/cindermill/main/documentproblems.h"
+
+#include "library/containers/append.h"
+#include "particles/cindermill/main/runcollecting.h"
+#include "particles/effectgraph/effectgraph.h"
+#include "particles/effectgraph/schedule/effectschedule.h"
+
+static const TEffectNode* FindNodeOf(const TEffectGraph& graph, const TNodeType* type)
+{
+    for (int i = 0; type != nullptr && i < graph.GetNumNodes(); ++i)
+        if (graph.GetNode(i)->GetNodeType() == type)
+            return graph.GetNode(i);
+    return nullptr;
+}
+
+void TDocumentProblems::Take(const TEffectGraph& graph, const TErrorList& errors, bool ofGraph)
+{
+    Problems.clear();
+    TakeErrors(graph, errors, ofGraph);
+}
+
+void TDocumentProblems::TakeErrors(const TEffectGraph& graph, const TErrorList& errors, bool ofGraph)
+{
+    bool isPlaced = true;
+    for (const TError* error : errors) {
+        TProblem problem;
+        error->GetText(problem.Text);
+        problem.Text.Trim();
+        problem.Node = FindNodeOf(graph, error->GetSource().Type);
+        problem.OfGraph = ofGraph;
+        isPlaced = isPlaced && problem.Node != nullptr;
+        Append(Problems, problem);
+    }
+    if (ofGraph && !isPlaced)
+        AddUnwired(graph);
+}
+
+void TDocumentProblems::AddUnwired(const TEffectGraph& graph)
+{
+    for (int i = 0; i < graph.GetNumNodes(); ++i) {
+        const TEffectNode& node = *graph.GetNode(i);
+        const TNodeType& type = *node.GetNodeType();
+        for (int input = 0; input < type.GetNumInputs(); ++input) {
+            if (!type.IsInputRequired(input) || node.GetInput(input) != nullptr)
+                continue;
+            TProblem problem;
+            problem.Text.Format("%s: nothing is wired to \"%s\"", type.Name.Print(),
+                                type.GetInput(input)->Name.Print());
+            problem.Node = &node;
+            problem.OfGraph = true;
+            Append(Problems, problem);
+        }
+    }
+}
+
+bool TDocumentProblems::Review(const TEffectGraph& graph)
+{
+    if (Problems.empty())
+        return false;
+    const vector<TProblem> before = Problems;
+    TErrorList errors;
+    TEffectSchedule schedule;
+    const bool created = RunCollecting(errors, [&] { return schedule.Create(graph, errors); });
+    Problems.clear();
+    if (!created) {
+        TakeErrors(graph, errors, true);
+    } else {
+        // What the engine met at nodes that are still there is not known to be mended.
+        for (const TProblem& problem : before)
+            if (!problem.OfGraph && (problem.Node == nullptr || graph.Has(problem.Node)))
+                Append(Problems, problem);
+    }
+    return !IsSame(before);
+}
+
+bool TDocumentProblems::IsSame(const vector<TProblem>& other) const
+{
+    bool same = Problems.size() == other.size();
+    for (int i = 0; same && i < Problems.size(); ++i)
+        same = Problems[i].Text == other[i].Text && Problems[i].Node == other[i].Node;
+    return same;
+}
+
+void TDocumentProblems::GetText(const TEffectNode* node, TString& text) const
+{
+    text = nullptr;
+    for (const TProblem& problem : Problems) {
+        if (problem.Node != node)
+            continue;
+        if (!text.IsEmpty())
+            text += "\n";
+        text += problem.Text;
+    }
+}

@@ -1,0 +1,243 @@
+#include "scenetest.h"
+
+#include "particles/cindermill/interface/graph/graphedits.h"
+#include "particles/cindermill/interface/graph/graphlayout.h"
+
+namespace {
+
+class GraphEdits : public TSceneTest
+{
+protected:
+    void SetUp() override
+    {
+        Effect = Add("Effect", 100, 100);
+        First = Add("Add", 300, 110);
+        Second = Add("Multiply", 520, 160);
+        Curve = Add("Scalar Over Life", 730, 90);
+        Connect(Effect, "Time", First, "A");
+        Connect(First, "Sum", Second, "A");
+        Connect(Second, "Product", Curve, "Time");
+    }
+    void Select(const std::vector<TToolNode*>& nodes)
+    {
+        Document.ClearSelection();
+        for (TToolNode* node : nodes)
+            Document.SelectNode(node, false);
+    }
+    bool IsSelected(TToolNode* node) { return node->IsSelected(); }
+    TVector2 Min(TToolNode* node)
+    {
+        TVector2 min;
+        TVector2 max;
+        Object(node).GetRectangle(min, max);
+        return min;
+    }
+    TVector2 Max(TToolNode* node)
+    {
+        TVector2 min;
+        TVector2 max;
+        Object(node).GetRectangle(min, max);
+        return max;
+    }
+
+    TToolNode* Effect = nullptr;
+    TToolNode* First = nullptr;
+    TToolNode* Second = nullptr;
+    TToolNode* Curve = nullptr;
+};
+
+TEST_F(GraphEdits, ADuplicateHasTheWiresAmongItAndThoseFromWithout)
+{
+    Select({First, Second});
+    EXPECT_TRUE(DuplicateSelection(Document));
+    ASSERT_EQ(Document.GetSelection().size(), 2);
+    TToolNode* first = Document.GetSelection()[0];
+    TToolNode* second = Document.GetSelection()[1];
+    EXPECT_NE(first, First);
+    EXPECT_EQ(first->GetX(), First->GetX() + 32);
+    EXPECT_EQ(first->GetY(), First->GetY() + 32);
+    ASSERT_NE(first->GetInput(0), nullptr);
+    EXPECT_EQ(first->GetInput(0)->GetSrcNode(), Effect);
+    ASSERT_NE(second->GetInput(0), nullptr);
+    EXPECT_EQ(second->GetInput(0)->GetSrcNode(), first);
+    EXPECT_EQ(second->GetNumOutputEdges(0), 0);
+    EXPECT_EQ(Curve->GetInput(Curve->GetNodeType()->FindInput("Time"))->GetSrcNode(), Second);
+    Document.Undo();
+    EXPECT_EQ(Document.GetGraph()->GetNumNodes(), 4);
+    EXPECT_EQ(Document.GetGraph()->GetNumEdges(), 3);
+    Document.Redo();
+    EXPECT_EQ(Document.GetGraph()->GetNumNodes(), 6);
+    EXPECT_EQ(Document.GetGraph()->GetNumEdges(), 5);
+}
+
+TEST_F(GraphEdits, ADuplicateLeavesTheClipboardAlone)
+{
+    Select({Curve});
+    Document.CopySelection();
+    Select({First});
+    DuplicateSelection(Document);
+    Document.Paste();
+    ASSERT_EQ(Document.GetSelection().size(), 1);
+    EXPECT_EQ(Text(Document.GetSelection()[0]->GetNodeType()->Name), "Scalar Over Life");
+}
+
+TEST_F(GraphEdits, ADuplicatesFileLoads)
+{
+    Select({First, Second});
+    DuplicateSelection(Document);
+    Document.Undo();
+    Document.Redo();
+    ASSERT_TRUE(Document.SaveAs(App.Path("duplicate.effect").c_str()));
+    TDocument other(App.Get());
+    ASSERT_TRUE(other.Load(App.Path("duplicate.effect").c_str()));
+    EXPECT_EQ(other.GetGraph()->GetNumEdges(), 5);
+    while (other.CanUndo())
+        other.Undo();
+    EXPECT_EQ(other.GetGraph()->GetNumEdges(), 0);
+}
+
+TEST_F(GraphEdits, BypassIsForAllOfTheSelectionThatCan)
+{
+    TToolNode* gravity = Add("Gravity", 100, 400);
+    TToolNode* turbulence = Add("Turbulence", 300, 400);
+    TToolNode* cannot = nullptr;
+    for (TToolNode* node : {Effect, First, Curve})
+        if (!node->GetNodeType()->HasFlag(FL_BYPASSABLE))
+            cannot = node;
+    ASSERT_NE(cannot, nullptr);
+    ASSERT_TRUE(gravity->GetNodeType()->HasFlag(FL_BYPASSABLE));
+    Select({gravity, turbulence, cannot});
+    EXPECT_TRUE(BypassSelection(Document));
+    EXPECT_TRUE(gravity->GetNodeType()->IsBypassed());
+    EXPECT_TRUE(turbulence->GetNodeType()->IsBypassed());
+    EXPECT_FALSE(cannot->GetNodeType()->IsBypassed());
+    EXPECT_TRUE(BypassSelection(Document));
+    EXPECT_FALSE(gravity->GetNodeType()->IsBypassed());
+    Document.Undo();
+    EXPECT_TRUE(gravity->GetNodeType()->IsBypassed());
+    EXPECT_TRUE(turbulence->GetNodeType()->IsBypassed());
+    Document.Undo();
+    EXPECT_FALSE(turbulence->GetNodeType()->IsBypassed());
+    // Of a mixed selection the rest is bypassed.
+    Select({gravity});
+    BypassSelection(Document);
+    Select({gravity, turbulence});
+    BypassSelection(Document);
+    EXPECT_TRUE(gravity->GetNodeType()->IsBypassed());
+    EXPECT_TRUE(turbulence->GetNodeType()->IsBypassed());
+    Select({cannot});
+    const int before = NumOperations();
+    EXPECT_FALSE(BypassSelection(Document));
+    EXPECT_EQ(NumOperations(), before);
+}
+
+TEST_F(GraphEdits, TheSelectionLeavesItsWiresInOneStep)
+{
+    Select({First, Second});
+    EXPECT_TRUE(TakeSelectionOut(Document));
+    EXPECT_EQ(Document.GetGraph()->GetNumEdges(), 1);
+    EXPECT_EQ(Curve->GetInput(Curve->GetNodeType()->FindInput("Time"))->GetSrcNode(), Effect);
+    EXPECT_FALSE(TakeSelectionOut(Document));
+    Document.Undo();
+    EXPECT_EQ(Document.GetGraph()->GetNumEdges(), 3);
+    EXPECT_EQ(Curve->GetInput(Curve->GetNodeType()->FindInput("Time"))->GetSrcNode(), Second);
+}
+
+TEST_F(GraphEdits, SelectsUpAndDownstream)
+{
+    const int before = NumOperations();
+    Select({First});
+    EXPECT_TRUE(SelectReached(Document, WD_DOWNSTREAM));
+    EXPECT_TRUE(IsSelected(First) && IsSelected(Second) && IsSelected(Curve));
+    EXPECT_FALSE(IsSelected(Effect));
+    EXPECT_FALSE(SelectReached(Document, WD_DOWNSTREAM));
+    Select({Second});
+    EXPECT_TRUE(SelectReached(Document, WD_UPSTREAM));
+    EXPECT_TRUE(IsSelected(First) && IsSelected(Second) && IsSelected(Effect));
+    EXPECT_FALSE(IsSelected(Curve));
+    EXPECT_EQ(NumOperations(), before);
+}
+
+TEST_F(GraphEdits, AlignsEdgesInOneStep)
+{
+    Select({First, Second, Curve});
+    EXPECT_TRUE(AlignSelection(Scene(), AL_TOP));
+    for (TToolNode* node : {First, Second, Curve})
+        EXPECT_EQ(node->GetY(), 90);
+    EXPECT_EQ(Second->GetX(), 520);
+    EXPECT_FALSE(AlignSelection(Scene(), AL_TOP));
+    Document.Undo();
+    EXPECT_EQ(First->GetY(), 110);
+    EXPECT_EQ(Second->GetY(), 160);
+    AlignSelection(Scene(), AL_LEFT);
+    EXPECT_EQ(Second->GetX(), 300);
+    EXPECT_EQ(Curve->GetX(), 300);
+    Document.Undo();
+    const float right = Max(Curve)[0];
+    AlignSelection(Scene(), AL_RIGHT);
+    EXPECT_NEAR(Max(First)[0], right, 1.0f);
+    EXPECT_NEAR(Max(Second)[0], right, 1.0f);
+    Document.Undo();
+    const float bottom = std::max({Max(First)[1], Max(Second)[1], Max(Curve)[1]});
+    AlignSelection(Scene(), AL_BOTTOM);
+    for (TToolNode* node : {First, Second, Curve})
+        EXPECT_NEAR(Max(node)[1], bottom, 1.0f);
+    Select({First});
+    EXPECT_FALSE(AlignSelection(Scene(), AL_BOTTOM));
+}
+
+TEST_F(GraphEdits, DistributesSoThatTheGapsAreEqual)
+{
+    Second->SetPosition(400, 160);
+    Select({Curve, Second, First});
+    EXPECT_TRUE(DistributeSelection(Scene(), 0));
+    EXPECT_EQ(First->GetX(), 300);
+    EXPECT_EQ(Curve->GetX(), 730);
+    EXPECT_NEAR(Min(Second)[0] - Max(First)[0], Min(Curve)[0] - Max(Second)[0], 1.01f);
+    EXPECT_EQ(Second->GetY(), 160);
+    Document.Undo();
+    EXPECT_EQ(Second->GetX(), 400);
+    Select({First, Second});
+    EXPECT_FALSE(DistributeSelection(Scene(), 0));
+}
+
+TEST_F(GraphEdits, TidiedANodeStandsRightOfAllThatFeedItAndOnNone)
+{
+    TToolNode* noise = Add("Noise", 900, 900);
+    Connect(noise, "Value", Second, "B");
+    Curve->SetPosition(0, 0);
+    Effect->SetPosition(500, 500);
+    Document.ClearSelection();
+    const int steps = NumOperations();
+    EXPECT_TRUE(TidyNodes(Scene()));
+    EXPECT_GT(NumOperations(), steps);
+    const std::vector<TToolNode*> all = {Effect, First, Second, Curve, noise};
+    for (TToolNode* node : all) {
+        for (int i = 0; i < node->GetNumInputs(); ++i)
+            if (node->GetInput(i) != nullptr) {
+                EXPECT_GT(Min(node)[0], Max(static_cast<TToolNode*>(node->GetInput(i)->GetSrcNode()))[0]);
+            }
+        for (TToolNode* other : all)
+            if (other != node) {
+                EXPECT_FALSE(Object(node).OverlapsBox(Min(other), Max(other)));
+            }
+    }
+    // What nothing feeds stands beside what it feeds.
+    EXPECT_EQ(noise->GetX(), First->GetX());
+    EXPECT_FALSE(TidyNodes(Scene()));
+    Document.Undo();
+    EXPECT_EQ(Curve->GetX(), 0);
+    EXPECT_EQ(Effect->GetY(), 500);
+}
+
+TEST_F(GraphEdits, OfASelectionOnlyItsOwnNodesAreTidied)
+{
+    Select({Second, First});
+    First->SetPosition(600, 300);
+    TidyNodes(Scene());
+    EXPECT_EQ(Effect->GetX(), 100);
+    EXPECT_EQ(Curve->GetX(), 730);
+    EXPECT_LT(Max(First)[0], Min(Second)[0]);
+}
+
+} // namespace

@@ -1,0 +1,134 @@
+#include "graphwindowfixture.h"
+
+#include "particles/cindermill/graph/operations/tooledge.h"
+
+namespace {
+
+// With the keyboard in the graph, as after a click.
+class GraphActions : public GraphWindow
+{
+protected:
+    void SetUp() override
+    {
+        GraphWindow::SetUp();
+        Frame.BringToTop();
+        Press(Graph(), Empty);
+        Release(Graph(), Empty);
+        ASSERT_TRUE(WaitFor([&] { return Graph().HasFocus(); }));
+    }
+};
+
+} // namespace
+
+TEST_F(GraphActions, CtrlDDuplicatesTheSelection)
+{
+    Document->SelectNode(First, true);
+    Key(Graph(), Qt::Key_D, Qt::ControlModifier);
+    ASSERT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+    EXPECT_EQ(NumSelected(), 1);
+    EXPECT_FALSE(IsSelected(First));
+    Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+}
+
+TEST_F(GraphActions, CtrlBBypassesTheSelection)
+{
+    Document->SelectNode(Second, true);
+    Key(Graph(), Qt::Key_B, Qt::ControlModifier);
+    EXPECT_TRUE(Second->GetNodeType()->IsBypassed());
+    Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_FALSE(Second->GetNodeType()->IsBypassed());
+}
+
+TEST_F(GraphActions, CtrlAndShiftWithTheArrowsAlign)
+{
+    Second->SetPosition(340, 400);
+    Document->SelectNode(First, true);
+    Document->SelectNode(Second, false);
+    Key(Graph(), Qt::Key_Left, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(Second->GetX(), 200);
+    EXPECT_EQ(Second->GetY(), 400);
+    Key(Graph(), Qt::Key_Up, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(Second->GetY(), 200);
+    Document->Undo();
+    Document->Undo();
+    EXPECT_EQ(Second->GetX(), 340);
+}
+
+TEST_F(GraphActions, CtrlAndTheArrowsSelectAlongTheWires)
+{
+    TToolNode* effect = AddNode(*Document, "Effect", 100, 500);
+    TToolNode* curve = AddNode(*Document, "Scalar Over Life", 600, 500);
+    TGraphScene& scene = WindowsOf(*Document).GetScene();
+    const int time = curve->GetNodeType()->FindInput("Time");
+    Drag(Graph(), PixelOf(Graph(), scene.FindNode(effect)->GetPortPosition(false, 0)),
+         PixelOf(Graph(), scene.FindNode(curve)->GetPortPosition(true, time)));
+    ASSERT_EQ(Document->GetGraph()->GetNumEdges(), 1);
+    Document->SelectNode(effect, true);
+    Key(Graph(), Qt::Key_Right, Qt::ControlModifier);
+    EXPECT_EQ(NumSelected(), 2);
+    EXPECT_TRUE(IsSelected(curve));
+    Document->SelectNode(curve, true);
+    Key(Graph(), Qt::Key_Left, Qt::ControlModifier);
+    EXPECT_TRUE(IsSelected(effect));
+    Key(Graph(), Qt::Key_T, Qt::ControlModifier);
+    EXPECT_LT(curve->GetX(), 600);
+}
+
+TEST_F(GraphActions, TheEntriesOfANodesMenuActOnTheSelection)
+{
+    // As in other programs, a node that is not selected becomes the selection.
+    MeetMenu([&](QMenu& menu) {
+        for (QAction* action : menu.actions())
+            if (action->text().startsWith("Duplicate"))
+                action->trigger();
+        menu.close();
+    });
+    const QPoint at = MiddleOf(*Document, First);
+    Press(Graph(), at, Qt::RightButton);
+    Release(Graph(), at, Qt::RightButton);
+    Settle();
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+}
+
+TEST_F(GraphActions, WithNothingSelectedTheStatusBarSaysSo)
+{
+    Document->ClearSelection();
+    const int steps = NumUndoSteps();
+    Key(Graph(), Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+    EXPECT_EQ(NumUndoSteps(), steps);
+}
+
+TEST_F(GraphActions, WithAltANodeIsTakenOutOfItsWire)
+{
+    TToolNode* effect = AddNode(*Document, "Effect", 100, 500);
+    TToolNode* add = AddNode(*Document, "Add", 350, 500);
+    TToolNode* curve = AddNode(*Document, "Scalar Over Life", 600, 500);
+    TGraphScene& scene = WindowsOf(*Document).GetScene();
+    const auto portOf = [&](TToolNode* node, bool isInput, int port) {
+        return PixelOf(Graph(), scene.FindNode(node)->GetPortPosition(isInput, port));
+    };
+    Drag(Graph(), portOf(effect, false, 0), portOf(add, true, 0));
+    Drag(Graph(), portOf(add, false, 0), portOf(curve, true, curve->GetNodeType()->FindInput("Time")));
+    ASSERT_EQ(Document->GetGraph()->GetNumEdges(), 2);
+    const int steps = NumUndoSteps();
+    const QPoint title = PixelOf(Graph(), TVector2(380, 507));
+    Drag(Graph(), title, title + QPoint(0, 100), Qt::LeftButton, Qt::AltModifier);
+    ASSERT_EQ(Document->GetGraph()->GetNumEdges(), 1);
+    EXPECT_EQ(Document->GetGraph()->GetEdge(0)->GetSrcNode(), effect);
+    EXPECT_EQ(Document->GetGraph()->GetEdge(0)->GetDstNode(), curve);
+    EXPECT_EQ(add->GetY(), 600);
+    EXPECT_EQ(NumUndoSteps(), steps + 1);
+}
+
+TEST_F(GraphActions, WithCtrlADraggedNodeSnapsToTheGrid)
+{
+    First->SetPosition(203, 205);
+    const QPoint title = PixelOf(Graph(), TVector2(233, 212));
+    Drag(Graph(), title, title + QPoint(50, 40), Qt::LeftButton, Qt::ControlModifier);
+    EXPECT_EQ(First->GetX() % 16, 0);
+    EXPECT_EQ(First->GetY() % 16, 0);
+    EXPECT_EQ(First->GetX(), 256);
+    EXPECT_EQ(First->GetY(), 240);
+}

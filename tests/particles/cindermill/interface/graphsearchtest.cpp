@@ -1,0 +1,294 @@
+#include "graphwindowfixture.h"
+
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/interface/controls/fieldwalk.h"
+
+#include <chrono>
+
+namespace {
+
+class GraphSearch : public GraphWindow
+{
+protected:
+    void SetUp() override
+    {
+        GraphWindow::SetUp();
+        Frame.BringToTop();
+        Press(Graph(), Empty);
+        Release(Graph(), Empty);
+        ASSERT_TRUE(WaitFor([&] { return Graph().HasFocus(); }));
+    }
+    TSearchPopup& Search() { return Graph().GetActions().GetSearch(); }
+    void TypeText(const char* text)
+    {
+        for (; *text != 0; ++text)
+            Type(Search(), Qt::Key_unknown, QString(QLatin1Char(*text)), Qt::NoModifier);
+    }
+    void HoverAt(const QPoint& at) { Move(Graph(), at, Qt::NoButton); }
+    QPoint PortOf(TToolNode* node, bool isInput, const char* name)
+    {
+        const TNodeType& type = *node->GetNodeType();
+        const int port = isInput ? type.FindInput(name) : type.FindOutput(name);
+        return PixelOf(Graph(),
+                       WindowsOf(*Document).GetScene().FindNode(node)->GetPortPosition(isInput, port));
+    }
+    TToolNode* Last() const
+    {
+        const TEffectGraph& graph = *Document->GetGraph();
+        return static_cast<TToolNode*>(graph.GetNode(graph.GetNumNodes() - 1));
+    }
+    std::string MarkedName()
+    {
+        const int marked = Search().GetMarked();
+        return marked != -1 ? Text(Search().GetList().GetMatch(marked).Name) : "";
+    }
+};
+
+} // namespace
+
+TEST_F(GraphSearch, TabThenLettersThenReturnAddsANodeAtThePointer)
+{
+    HoverAt(QPoint(500, 300));
+    Key(Graph(), Qt::Key_Tab);
+    ASSERT_TRUE(Search().IsOpen());
+    EXPECT_TRUE(Search().HasFocus());
+    EXPECT_EQ(Search().GetList().GetNumMatches(), App.Get().GetNodeTypes().GetNumTypes());
+    const int steps = NumUndoSteps();
+    TypeText("turbu");
+    EXPECT_EQ(MarkedName(), "Turbulence");
+    Key(Search(), Qt::Key_Return);
+    EXPECT_FALSE(Search().IsOpen());
+    EXPECT_TRUE(Graph().HasFocus());
+    ASSERT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+    EXPECT_EQ(Text(Last()->GetNodeType()->Name), "Turbulence");
+    EXPECT_TRUE(IsSelected(Last()));
+    const QPoint middle = MiddleOf(*Document, Last());
+    EXPECT_LE((middle - QPoint(500, 300)).manhattanLength(), 2);
+    EXPECT_EQ(NumUndoSteps(), steps + 1);
+    Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+}
+
+TEST_F(GraphSearch, SpaceOpensItTooAndEscapeClosesItWithoutAChoice)
+{
+    HoverAt(QPoint(500, 300));
+    Type(Graph(), Qt::Key_Space, " ", Qt::NoModifier);
+    ASSERT_TRUE(Search().IsOpen());
+    EXPECT_EQ(Text(Search().GetText()), "");
+    TypeText("grav");
+    Key(Search(), Qt::Key_Escape);
+    EXPECT_FALSE(Search().IsOpen());
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+    EXPECT_TRUE(Graph().HasFocus());
+    // The next one begins anew.
+    Key(Graph(), Qt::Key_Tab);
+    EXPECT_EQ(Text(Search().GetText()), "");
+}
+
+TEST_F(GraphSearch, TheArrowKeysMarkAndBackspaceTakesBack)
+{
+    HoverAt(QPoint(500, 300));
+    Key(Graph(), Qt::Key_Tab);
+    TypeText("scalx");
+    EXPECT_EQ(Search().GetMarked(), -1);
+    Key(Search(), Qt::Key_Return);
+    EXPECT_TRUE(Search().IsOpen());
+    Key(Search(), Qt::Key_Backspace);
+    EXPECT_EQ(Text(Search().GetText()), "scal");
+    ASSERT_GE(Search().GetList().GetNumMatches(), 2);
+    EXPECT_EQ(Search().GetMarked(), 0);
+    Key(Search(), Qt::Key_Down);
+    EXPECT_EQ(Search().GetMarked(), 1);
+    Key(Search(), Qt::Key_Up);
+    Key(Search(), Qt::Key_Up);
+    EXPECT_EQ(Search().GetMarked(), 0);
+    Key(Search(), Qt::Key_Down);
+    const std::string second = MarkedName();
+    Key(Search(), Qt::Key_Return);
+    EXPECT_EQ(Text(Last()->GetNodeType()->Name), second);
+}
+
+TEST_F(GraphSearch, AClickChoosesAndAPressElsewhereCloses)
+{
+    HoverAt(QPoint(500, 300));
+    Key(Graph(), Qt::Key_Tab);
+    TypeText("age");
+    const std::string third = Text(Search().GetList().GetMatch(1).Name);
+    const QPoint row(60, Search().GetRowTop(1) + 10);
+    Move(Search(), row, Qt::NoButton);
+    EXPECT_EQ(Search().GetMarked(), 1);
+    Press(Search(), row);
+    Release(Search(), row);
+    EXPECT_EQ(Text(Last()->GetNodeType()->Name), third);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+    Key(Graph(), Qt::Key_Tab);
+    ASSERT_TRUE(Search().IsOpen());
+    Press(Graph(), Empty);
+    Release(Graph(), Empty);
+    EXPECT_FALSE(Search().IsOpen());
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+}
+
+TEST_F(GraphSearch, AWireDroppedOnNothingIsWiredToWhatIsChosen)
+{
+    const QPoint from = PortOf(First, false, "Count");
+    const QPoint to(700, 500);
+    Drag(Graph(), from, to);
+    ASSERT_TRUE(Search().IsOpen());
+    EXPECT_LT(Search().GetList().GetNumMatches(), App.Get().GetNodeTypes().GetNumTypes());
+    TypeText("point");
+    EXPECT_EQ(MarkedName(), "Point Emitter");
+    const int steps = NumUndoSteps();
+    Key(Search(), Qt::Key_Return);
+    TToolNode* node = Last();
+    EXPECT_EQ(Text(node->GetNodeType()->Name), "Point Emitter");
+    ASSERT_EQ(Document->GetGraph()->GetNumEdges(), 1);
+    const TEffectEdge* edge = Document->GetGraph()->GetEdge(0);
+    EXPECT_EQ(edge->GetSrcNode(), First);
+    EXPECT_EQ(edge->GetDstNode(), node);
+    EXPECT_LE((PortOf(node, true, node->GetNodeType()->GetInput(edge->GetDstPort())->Name.Print()) - to)
+                  .manhattanLength(),
+              3);
+    EXPECT_EQ(NumUndoSteps(), steps + 1);
+    Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+    EXPECT_EQ(Document->GetGraph()->GetNumEdges(), 0);
+}
+
+TEST_F(GraphSearch, TabBelongsToTheFieldsOfAnOpenPanel)
+{
+    TNodeObj* object = WindowsOf(*Document).GetScene().FindNode(First);
+    TVector2 min;
+    TVector2 max;
+    object->GetRectangle(min, max);
+    const QPoint button = PixelOf(Graph(), TVector2(max[0] - 9, min[1] + 8));
+    Press(Graph(), button);
+    Release(Graph(), button);
+    ASSERT_FALSE(object->IsCollapsed());
+    // With the panel open and no field in use, Tab is the graph's.
+    Key(Graph(), Qt::Key_Tab);
+    EXPECT_TRUE(Search().IsOpen());
+    Key(Search(), Qt::Key_Escape);
+    TTextEdit* field = FindNextField(object->GetExpanded(), false);
+    ASSERT_NE(field, nullptr);
+    const TVector2 place = field->GetAbsolutePosition() + TVector2(3, 3);
+    Press(Graph(), PixelOf(Graph(), place));
+    Release(Graph(), PixelOf(Graph(), place));
+    ASSERT_EQ(TTextEdit::GetFocused(), field);
+    Key(Graph(), Qt::Key_Tab);
+    EXPECT_FALSE(Search().IsOpen());
+    EXPECT_NE(TTextEdit::GetFocused(), field);
+    EXPECT_NE(TTextEdit::GetFocused(), nullptr);
+    Type(Graph(), Qt::Key_Space, " ", Qt::NoModifier);
+    EXPECT_FALSE(Search().IsOpen());
+}
+
+TEST_F(GraphSearch, ANodeIsFoundByNameAndShown)
+{
+    TToolNode* far = AddNode(*Document, "Turbulence", 9000, 9000);
+    Key(Graph(), Qt::Key_G, Qt::ControlModifier);
+    ASSERT_TRUE(Search().IsOpen());
+    EXPECT_EQ(Search().GetList().GetNumMatches(), 3);
+    TypeText("turb");
+    const int steps = NumUndoSteps();
+    Key(Search(), Qt::Key_Return);
+    while (Graph().IsFocusing())
+        Graph().OnIdle();
+    EXPECT_TRUE(IsSelected(far));
+    EXPECT_EQ(NumSelected(), 1);
+    EXPECT_TRUE(Graph().GetHandle()->rect().contains(MiddleOf(*Document, far)));
+    EXPECT_EQ(NumUndoSteps(), steps);
+}
+
+TEST_F(GraphSearch, WhatIsTypedIsNoCommandOfTheGraph)
+{
+    HoverAt(QPoint(500, 300));
+    Document->SelectNode(First, true);
+    Key(Graph(), Qt::Key_Tab);
+    const int nodes = Document->GetGraph()->GetNumNodes();
+    for (const int key : {Qt::Key_Z, Qt::Key_X, Qt::Key_D, Qt::Key_B})
+        Key(Search(), key, Qt::ControlModifier);
+    Key(Search(), Qt::Key_Delete);
+    EXPECT_TRUE(Search().IsOpen());
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), nodes);
+}
+
+TEST_F(GraphSearch, ItGoesWithTheNodesThatItWasOpenedFor)
+{
+    Drag(Graph(), PortOf(First, false, "Count"), QPoint(700, 500));
+    ASSERT_TRUE(Search().IsOpen());
+    while (Document->CanUndo())
+        Document->Undo();
+    EXPECT_FALSE(Search().IsOpen());
+}
+
+TEST_F(GraphSearch, StaysInsideTheView)
+{
+    for (const QPoint& at : {QPoint(3, 3), QPoint(Graph().GetHandle()->width() - 3, 5),
+                             QPoint(Graph().GetHandle()->width() - 3, Graph().GetHandle()->height() - 3)}) {
+        HoverAt(at);
+        Key(Graph(), Qt::Key_Tab);
+        EXPECT_TRUE(Graph().GetHandle()->rect().contains(Search().GetHandle()->geometry()));
+        Key(Search(), Qt::Key_Escape);
+    }
+}
+
+TEST_F(GraphSearch, OpensAtOnceWithTheWholeLibrary)
+{
+    HoverAt(QPoint(500, 300));
+    Key(Graph(), Qt::Key_Tab);
+    Key(Search(), Qt::Key_Escape);
+    // A machine that is busy with other things is given several tries.
+    double best = 1e9;
+    for (int i = 0; i < 20; ++i) {
+        const auto start = std::chrono::steady_clock::now();
+        Key(Graph(), Qt::Key_Tab);
+        const std::chrono::duration<double, std::milli> mid = std::chrono::steady_clock::now() - start;
+        printf("key %f\n", mid.count());
+        Search().GetHandle()->repaint();
+        const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+        best = std::min(best, took.count());
+        ASSERT_TRUE(Search().IsOpen());
+        Key(Search(), Qt::Key_Escape);
+    }
+    EXPECT_LT(best, 50.0);
+}
+
+TEST_F(GraphSearch, ATypeOfThePaletteDroppedOnAWireGoesInBetween)
+{
+    TToolNode* effect = AddNode(*Document, "Effect", 100, 500);
+    TToolNode* curve = AddNode(*Document, "Scalar Over Life", 600, 500);
+    const QPoint from = PortOf(effect, false, "Time");
+    const QPoint to = PortOf(curve, true, "Time");
+    Drag(Graph(), from, to);
+    ASSERT_EQ(Document->GetGraph()->GetNumEdges(), 1);
+    TToolEdge* edge = static_cast<TToolEdge*>(Document->GetGraph()->GetEdge(0));
+    const int steps = NumUndoSteps();
+    View().BeginTypeDrag(App.Type("Add"));
+    const QPoint middle = InWindow(Graph(), (from + to) / 2, View());
+    Move(View(), middle);
+    EXPECT_TRUE(WindowsOf(*Document).GetScene().FindEdge(edge)->IsLit());
+    Release(View(), middle);
+    EXPECT_FALSE(WindowsOf(*Document).GetScene().FindEdge(edge)->IsLit());
+    EXPECT_EQ(edge->GetSrcNode(), Last());
+    EXPECT_EQ(Document->GetGraph()->GetNumEdges(), 2);
+    EXPECT_EQ(NumUndoSteps(), steps + 1);
+    Document->Undo();
+    EXPECT_EQ(edge->GetSrcNode(), effect);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 4);
+}
+
+TEST_F(GraphSearch, ANodeChosenOverAWireGoesInBetween)
+{
+    TToolNode* effect = AddNode(*Document, "Effect", 100, 500);
+    TToolNode* curve = AddNode(*Document, "Scalar Over Life", 600, 500);
+    const QPoint from = PortOf(effect, false, "Time");
+    const QPoint to = PortOf(curve, true, "Time");
+    Drag(Graph(), from, to);
+    HoverAt((from + to) / 2);
+    Key(Graph(), Qt::Key_Tab);
+    TypeText("add");
+    Key(Search(), Qt::Key_Return);
+    EXPECT_EQ(Document->GetGraph()->GetEdge(0)->GetSrcNode(), Last());
+    EXPECT_EQ(Document->GetGraph()->GetNumEdges(), 2);
+}

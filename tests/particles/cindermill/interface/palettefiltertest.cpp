@@ -1,0 +1,95 @@
+#include "graphwindowfixture.h"
+
+#include "particles/effectgraph/nodetypelibrary.h"
+
+#include <QtWidgets/QToolTip>
+
+namespace {
+
+class PaletteFilter : public GraphWindow
+{
+protected:
+    TDocTool& Tool() { return View().GetTool(); }
+    std::vector<std::string> Types()
+    {
+        const TNodeTypeLibrary& library = App.Get().GetNodeTypes();
+        std::vector<std::string> names;
+        for (const TPaletteRow& row : Tool().GetPalette().GetRows())
+            if (row.Type != -1)
+                names.push_back(library.GetType(row.Type)->Name.Print());
+        return names;
+    }
+    void TypeText(const char* text)
+    {
+        for (; *text != 0; ++text)
+            Type(Tool(), Qt::Key_unknown, QString(QLatin1Char(*text)), Qt::NoModifier);
+    }
+};
+
+} // namespace
+
+TEST_F(PaletteFilter, WhatIsTypedIntoThePaletteLeavesWhatItFinds)
+{
+    const size_t all = Types().size();
+    const QPoint field(30, Tool().GetHandle()->height() - 8);
+    Press(Tool(), field);
+    Release(Tool(), field);
+    TypeText("noi");
+    EXPECT_EQ(Text(Tool().GetFilter()), "noi");
+    EXPECT_EQ(Types(), std::vector<std::string>{"Noise"});
+    // Its category stands above it.
+    ASSERT_EQ(Tool().GetPalette().GetRows().size(), 2);
+    EXPECT_EQ(Tool().GetPalette().GetRows()[0].Type, -1);
+    Key(Tool(), Qt::Key_Backspace);
+    TypeText("xyz");
+    EXPECT_TRUE(Types().empty());
+    Key(Tool(), Qt::Key_Escape);
+    EXPECT_EQ(Text(Tool().GetFilter()), "");
+    EXPECT_EQ(Types().size(), all);
+}
+
+TEST_F(PaletteFilter, WhatIsFoldedShowsItsFindsAndIsFoldedAfterwards)
+{
+    const TPaletteRow category = Tool().GetPalette().GetRows()[0];
+    const QPoint box(category.Indent + 4, category.Top + 10);
+    Press(Tool(), box);
+    Release(Tool(), box);
+    const size_t folded = Types().size();
+    const std::string first = Text(App.Get().GetNodeTypes().GetType(0)->Name);
+    TypeText(first.c_str());
+    EXPECT_FALSE(Types().empty());
+    EXPECT_EQ(Types()[0], first);
+    Key(Tool(), Qt::Key_Escape);
+    EXPECT_EQ(Types().size(), folded);
+}
+
+TEST_F(PaletteFilter, ATypeIsDraggedOutOfWhatWasFound)
+{
+    const QPoint field(30, Tool().GetHandle()->height() - 8);
+    Press(Tool(), field);
+    Release(Tool(), field);
+    TypeText("turbu");
+    ASSERT_EQ(Types().size(), 1u);
+    const TPaletteRow row = Tool().GetPalette().GetRows()[1];
+    const QPoint at(60, row.Top + 10);
+    const QPoint to = InWindow(Graph(), QPoint(500, 400), Tool());
+    Drag(Tool(), at, to);
+    ASSERT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+    EXPECT_EQ(Text(Document->GetGraph()->GetNode(2)->GetNodeType()->Name), "Turbulence");
+}
+
+TEST_F(PaletteFilter, ThePointerAtRestIsToldWhatATypeIsFor)
+{
+    int row = 0;
+    while (Tool().GetPalette().GetRows()[row].Type == -1)
+        ++row;
+    const TPaletteRow& shown = Tool().GetPalette().GetRows()[row];
+    Move(Tool(), QPoint(60, shown.Top + 10), Qt::NoButton);
+    ASSERT_TRUE(WaitFor([] { return QToolTip::isVisible(); }));
+    const TNodeType& type = *App.Get().GetNodeTypes().GetType(shown.Type);
+    EXPECT_NE(QToolTip::text().toStdString().find(type.Name.Print()), std::string::npos);
+    EXPECT_NE(QToolTip::text().toStdString().find(type.Description.Print()), std::string::npos);
+    Press(Tool(), QPoint(60, shown.Top + 10));
+    EXPECT_TRUE(WaitFor([] { return !QToolTip::isVisible(); }));
+    Release(Tool(), QPoint(60, shown.Top + 10));
+}
