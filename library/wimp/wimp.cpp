@@ -2,6 +2,7 @@
 
 #include "library/containers/assertion.h"
 #include "library/system/clock.h"
+#include "library/wimp/accessiblewindow.h"
 #include "library/wimp/desktoptheme.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/windowpeer.h"
@@ -89,6 +90,7 @@ bool TWimp::Init(int& argc, char** argv)
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     // Belongs to the application.
     new TDesktopTheme(found);
+    InstallAccessibleWindows();
     Instance = application;
     Flags |= FL_INITED;
     SetAssertBox(ShowAssertBox);

@@ -42,9 +42,12 @@ TCindermillApp::TCindermillApp(TSettingsStore* store, TAppHost* host)
     GetProgramPath(program);
     program.Replace('/', '\\');
     ProgramDirectory.SetDirectory(program);
+    // A folder of that name may hold something else.
     TString samples;
-    if (FindFolder("samples", samples))
+    if (FindFolder("samples\\textures", samples)) {
+        samples.TruncateAtLast('\\');
         Samples.SetFolder(samples);
+    }
 }
 
 TCindermillApp::~TCindermillApp()
