@@ -48,8 +48,12 @@ _cindermill_batch() {
     fi
 
     case $command:$before in
-        check:--format | lint:--format | report:--format | types:--format)
+        check:--format | replay:--format | lint:--format | report:--format | types:--format)
             mapfile -t COMPREPLY < <(compgen -W "text json junit sarif" -- "$word")
+            return
+            ;;
+        diff:--format)
+            mapfile -t COMPREPLY < <(compgen -W "text json" -- "$word")
             return
             ;;
         *:--fail-on)
@@ -66,6 +70,7 @@ _cindermill_batch() {
             ;;
         run:--frames | run:--dt | run:--seed | replay:--frames | replay:--dt | replay:--seed) return ;;
         lint:--seconds | lint:--seeds) return ;;
+        picture:--* | sheet:--*) [ "$before" = --plain ] || return ;;
     esac
 
     case $command in
@@ -74,7 +79,11 @@ _cindermill_batch() {
         lint) options="--format --fail-on --seconds --seeds --suggest-box --budgets" ;;
         report) options="--format --fail-on" ;;
         export) options="--depfile --fail-on --verbose" ;;
-        run | replay) options="--frames --dt --seed" ;;
+        run) options="--frames --dt --seed" ;;
+        replay) options="--frames --dt --seed --format --fail-on" ;;
+        diff) options="--format" ;;
+        picture) options="--frame --frames --sheet --turntable --seed --camera --size --background --plain" ;;
+        sheet) options="--frame --sheet --seed --camera --size --background --plain" ;;
         translate) options="--raw" ;;
         image) options="--format" ;;
         help)
@@ -87,7 +96,9 @@ _cindermill_batch() {
         return
     fi
     case $command in
-        check | lint | report | dump | run | replay | resave | text | diff | picture) _cindermill_batch_files effect ;;
+        check | lint | report | dump | run | replay | resave | text | diff) _cindermill_batch_files effect ;;
+        picture) _cindermill_batch_files effect png ;;
+        sheet) _cindermill_batch_files png ;;
         export) _cindermill_batch_files effect efx ;;
         efx) _cindermill_batch_files efx ;;
         translate) _cindermill_batch_files sho ;;

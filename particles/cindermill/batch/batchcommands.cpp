@@ -38,16 +38,18 @@ const TTranslateCommand Translate;
 const TImageCommand Image;
 const TResaveCommand Resave;
 const THashCommand Hash;
-const THelpCommand Help;
-
 const TTextCommand Text;
 const TDiffCommand Diff;
-const TPictureCommand Picture("picture", "FILE OUT.png [--frame N | --frames A-B --sheet C] [--seed K] "
-                                         "[--camera X,Y,Z,TX,TY,TZ] [--size WxH] [--background COLOUR] "
-                                         "[--turntable N] [--plain]");
+const TPictureCommand
+    Picture("picture",
+            "FILE OUT.png [--frame N | --frames A-B] [--sheet C] [--turntable N] [--seed K] "
+            "[--camera X,Y,Z,TX,TY,TZ] [--size WxH] [--background COLOUR] [--plain]",
+            true);
 const TPictureCommand Sheet("sheet",
                             "DIR OUT.png [--frame N] [--sheet C] [--seed K] [--camera X,Y,Z,TX,TY,TZ] "
-                            "[--size WxH] [--background COLOUR] [--plain]");
+                            "[--size WxH] [--background COLOUR] [--plain]",
+                            false);
+const THelpCommand Help;
 
 const TBatchCommand* const Commands[] = {
     &Types,     &Check, &Lint,   &Report, &Dump, &Export, &Run,     &Replay, &Efx,

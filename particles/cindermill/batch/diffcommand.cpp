@@ -1,6 +1,8 @@
 #include "particles/cindermill/batch/diffcommand.h"
 
 #include "particles/cindermill/batch/batchsession.h"
+#include "particles/cindermill/batch/findings/findingreport.h"
+#include "particles/cindermill/batch/findings/jsontext.h"
 #include "particles/cindermill/graph/text/effectdifference.h"
 
 #include <cstdio>
@@ -14,8 +16,9 @@ void AddWord(TTextBuffer& text, const TString& word)
 }
 
 // One line for each: what happened, to what, and from what to what.
-void WriteText(const TEffectDifferences& differences, TTextBuffer& text)
+void WriteText(const TEffectDifferences& differences)
 {
+    TTextBuffer text;
     for (int i = 0; i < differences.size(); ++i) {
         const TDifference& difference = differences[i];
         text << GetDifferenceName(difference.Kind);
@@ -33,35 +36,47 @@ void WriteText(const TEffectDifferences& differences, TTextBuffer& text)
         }
         text << "\n";
     }
+    std::fputs(text.Print(), stdout);
 }
 
 // Null for what is not there.
-void AddMember(TTextBuffer& text, const char* name, const TString& value)
+void AddMember(TJsonText& json, const char* key, const TString& value)
 {
-    text << ", \"" << name << "\": ";
     if (value.IsEmpty())
-        text << "null";
+        json.Null(key);
     else
-        text.AddJson(value.Print());
+        json.Text(key, value.Print());
 }
 
-void WriteJson(const TEffectDifferences& differences, const char* before, const char* after,
-               TTextBuffer& text)
+void WriteJson(const TEffectDifferences& differences, const char* before, const char* after)
 {
-    text << "{\n  \"version\": 1,\n  \"command\": \"diff\",\n  \"before\": ";
-    text.AddJson(before) << ",\n  \"after\": ";
-    text.AddJson(after) << ",\n  \"differences\": [";
+    TJsonText json(stdout);
+    json.BeginObject();
+    json.Whole("version", 1);
+    json.BeginObject("tool");
+    json.Text("name", "cindermill-batch");
+    json.Text("version", GetBatchVersion());
+    json.EndObject();
+    json.Text("command", "diff");
+    json.Text("before", before);
+    json.Text("after", after);
+    json.BeginArray("differences");
     for (int i = 0; i < differences.size(); ++i) {
         const TDifference& difference = differences[i];
-        text << (i > 0 ? "," : "") << "\n    {\"kind\": \"" << GetDifferenceName(difference.Kind) << "\"";
-        AddMember(text, difference.Kind == DK_RETYPED ? "type" : "node", difference.Key);
-        AddMember(text, "class", difference.ClassName);
-        AddMember(text, "what", difference.What);
-        AddMember(text, "from", difference.Before);
-        AddMember(text, "to", difference.After);
-        text << "}";
+        json.BeginObject();
+        json.Text("kind", GetDifferenceName(difference.Kind));
+        const bool isOfType = difference.Kind == DK_RETYPED;
+        AddMember(json, "node", isOfType ? TString() : difference.Key);
+        AddMember(json, "type", isOfType ? difference.Key : TString());
+        AddMember(json, "class", difference.ClassName);
+        AddMember(json, "what", difference.What);
+        AddMember(json, "from", difference.Before);
+        AddMember(json, "to", difference.After);
+        json.EndObject();
     }
-    text << (differences.empty() ? "]\n}\n" : "\n  ]\n}\n");
+    json.EndArray();
+    json.EndObject();
+    json.Finish();
 }
 
 // False for a format that there is not.
@@ -76,6 +91,13 @@ bool TakeFormat(TArguments& arguments, bool& isJson)
 } // namespace
 
 TDiffCommand::TDiffCommand() : TBatchCommand("diff", "BEFORE AFTER [--format text|json]") {}
+
+const char* TDiffCommand::GetHelp() const
+{
+    return "Nodes added, removed, rewired, values changed. The status is 1 where there is something.\n"
+           "\n"
+           "  --format F            text (unless told) or json\n";
+}
 
 // The status is that of other programs which compare: 1 where there is a difference.
 int TDiffCommand::Run(TBatchSession& session, TArguments& arguments) const
@@ -93,11 +115,9 @@ int TDiffCommand::Run(TBatchSession& session, TArguments& arguments) const
     const TEffectText firstText(*first.GetGraph());
     const TEffectText secondText(*second.GetGraph());
     const TEffectDifferences differences(firstText, secondText);
-    TTextBuffer text;
     if (isJson)
-        WriteJson(differences, before, after, text);
+        WriteJson(differences, before, after);
     else
-        WriteText(differences, text);
-    std::fputs(text.Print(), stdout);
+        WriteText(differences);
     return differences.empty() ? StatusDone : StatusErrors;
 }

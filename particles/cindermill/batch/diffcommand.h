@@ -8,4 +8,5 @@ class TDiffCommand final : public TBatchCommand
 public:
     TDiffCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

@@ -7,6 +7,11 @@
 class TPictureCommand final : public TBatchCommand
 {
 public:
-    TPictureCommand(const char* name, const char* usage);
+    // Of one effect there are pictures at several moments and from several sides.
+    TPictureCommand(const char* name, const char* usage, bool isOfOne);
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
+
+private:
+    const bool IsOfOne;
 };

@@ -7,6 +7,11 @@
 
 TTextCommand::TTextCommand() : TBatchCommand("text", "FILE") {}
 
+const char* TTextCommand::GetHelp() const
+{
+    return "An effect as stable text, one line a value: for version control.\n";
+}
+
 int TTextCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     if (arguments.GetNumLeft() != 1)

@@ -8,4 +8,5 @@ class TTextCommand final : public TBatchCommand
 public:
     TTextCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
+    const char* GetHelp() const override;
 };

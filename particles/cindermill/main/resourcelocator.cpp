@@ -66,6 +66,7 @@ void TResourceLocator::AddSearchDirectory(const char* directory)
     ToKeptPath(directory, kept);
     CutTrailingSeparators(kept);
     SearchDirectories.push_back(kept);
+    FoundBelow.clear();
 }
 
 void TResourceLocator::GetBases(vector<TString>& directories) const
@@ -218,12 +219,20 @@ void TResourceLocator::ForgetMissing()
 // A stored path is tried as it stands under each directory, then its leaf anywhere below.
 bool TResourceLocator::FindInSearchDirectories(const char* name, TString& path) const
 {
+    for (const TLocated& found : FoundBelow) {
+        if (found.Name.Compare(name, true) != 0 || !FileExists(found.Path))
+            continue;
+        path = found.Path;
+        return true;
+    }
     TString leaf;
     leaf.SetFileName(name);
     for (const TString& directory : SearchDirectories) {
         JoinPath(directory, name, path);
-        if (FileExists(path) || FindBelow(leaf, directory, path))
-            return true;
+        if (!FileExists(path) && !FindBelow(leaf, directory, path))
+            continue;
+        FoundBelow.push_back(TLocated{name, path});
+        return true;
     }
     return false;
 }

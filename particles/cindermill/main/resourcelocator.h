@@ -98,6 +98,9 @@ private:
     list<TString> KnownDirectories;
     vector<TLocated> Located;
     vector<TString> SearchDirectories;
+    // What was found there, so that a thousand effects with one texture do not walk the folders a thousand
+    // times.
+    mutable vector<TLocated> FoundBelow;
     vector<TString> Missing;
     int Round = 0;
     bool Headless = true;

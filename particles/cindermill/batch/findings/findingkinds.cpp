@@ -79,6 +79,7 @@ const TFindingKind Kinds[] = {
     {"replay.count", FS_ERROR, "The exported file has another number of particles than the preview."},
     {"replay.stage", FS_ERROR,
      "The exported file gives a render stage something else than the preview draws with."},
+    {"replay.note", FS_NOTE, "Something cannot be replayed, or is by a guess, or is told to differ."},
 };
 
 } // namespace

@@ -97,27 +97,6 @@ TTextBuffer& TTextBuffer::AddQuoted(const char* text)
     return *this << "\"";
 }
 
-// A byte that is no character becomes the one of its number.
-TTextBuffer& TTextBuffer::AddJson(const char* text)
-{
-    *this << "\"";
-    for (const char* at = text; *at != '\0';) {
-        const unsigned char ch = static_cast<unsigned char>(*at);
-        const int length = GetUtf8Length(reinterpret_cast<const unsigned char*>(at));
-        char escape[8];
-        if (length > 0)
-            Add(at, length);
-        else if (ch == '"' || ch == '\\')
-            Add(escape, std::snprintf(escape, sizeof(escape), "\\%c", ch));
-        else if (ch < ' ' || ch >= 0x7F)
-            Add(escape, std::snprintf(escape, sizeof(escape), "\\u%04x", ch));
-        else
-            Add(at, 1);
-        at += length > 0 ? length : 1;
-    }
-    return *this << "\"";
-}
-
 const char* TTextBuffer::Print()
 {
     // Past the end, so that the text goes on from there.

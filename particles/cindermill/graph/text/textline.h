@@ -32,8 +32,6 @@ public:
     TTextBuffer& AddFloats(const float* numbers, int count);
     // In quotes, with all but printed characters escaped, so that it stands on one line and is valid UTF-8.
     TTextBuffer& AddQuoted(const char* text);
-    // The same as other programs read it, by the rules of JSON.
-    TTextBuffer& AddJson(const char* text);
     // Valid until the next change.
     const char* Print();
     TString GetText() { return TString(Print()); }

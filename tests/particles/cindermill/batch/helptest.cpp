@@ -5,7 +5,7 @@
 
 namespace {
 
-class THelp : public TBatch
+class TBatchHelp : public TBatch
 {
 protected:
     // The commands, in the order of the usage.
@@ -51,7 +51,7 @@ protected:
 
 } // namespace
 
-TEST_F(THelp, GoesToTheStandardOutputWithStatusZero)
+TEST_F(TBatchHelp, GoesToTheStandardOutputWithStatusZero)
 {
     for (const char* line :
          {"help", "--help", "--version", "help check", "check --help", "--resources /none help"}) {
@@ -69,7 +69,7 @@ TEST_F(THelp, GoesToTheStandardOutputWithStatusZero)
         EXPECT_EQ(usage[i], help.at(i - 1));
 }
 
-TEST_F(THelp, TheVersionIsThatOfThePackage)
+TEST_F(TBatchHelp, TheVersionIsThatOfThePackage)
 {
     const std::string lists = ReadBytes(SourcePath("CMakeLists.txt"));
     std::smatch match;
@@ -77,7 +77,7 @@ TEST_F(THelp, TheVersionIsThatOfThePackage)
     EXPECT_EQ("cindermill-batch " + match[1].str() + "\n", Run("--version").Out);
 }
 
-TEST_F(THelp, TellsOfEveryCommand)
+TEST_F(TBatchHelp, TellsOfEveryCommand)
 {
     for (const std::string& command : Commands()) {
         const std::vector<std::string> lines = Lines(Run("help " + command).Out);
@@ -95,7 +95,7 @@ TEST_F(THelp, TellsOfEveryCommand)
     }
 }
 
-TEST_F(THelp, OfAnUnknownCommandIsAUsageError)
+TEST_F(TBatchHelp, OfAnUnknownCommandIsAUsageError)
 {
     const TOutcome outcome = Run("help nonsense");
     EXPECT_EQ(2, outcome.Status);
@@ -104,12 +104,12 @@ TEST_F(THelp, OfAnUnknownCommandIsAUsageError)
     EXPECT_EQ(2, Run("help check more").Status);
 }
 
-TEST_F(THelp, ANameThatLooksLikeAQuestionIsHashed)
+TEST_F(TBatchHelp, ANameThatLooksLikeAQuestionIsHashed)
 {
     EXPECT_EQ(0u, Run("hash --help").Out.find("--help\t"));
 }
 
-TEST_F(THelp, EveryCommandAndOptionStandsInTheManPage)
+TEST_F(TBatchHelp, EveryCommandAndOptionStandsInTheManPage)
 {
     std::string page = ReadBytes(SourcePath("docs/man/cindermill-batch.1.in"));
     for (size_t at = page.find('\\'); at != std::string::npos; at = page.find('\\', at))
@@ -123,7 +123,7 @@ TEST_F(THelp, EveryCommandAndOptionStandsInTheManPage)
         EXPECT_NE(std::string::npos, page.find(option)) << option;
 }
 
-TEST_F(THelp, TheShellCompletesCommandsAndOptions)
+TEST_F(TBatchHelp, TheShellCompletesCommandsAndOptions)
 {
     const std::vector<std::string> commands = Commands();
     const std::set<std::string> offered = Complete({""});

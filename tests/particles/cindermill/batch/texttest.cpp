@@ -1,7 +1,12 @@
 #include "batchfixture.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <bit>
 #include <cstring>
+#include <map>
 
 namespace {
 
@@ -19,6 +24,51 @@ protected:
         ASSERT_EQ(std::string::npos, effect.find(bytes, at + 1)) << "stands in several places";
         std::memcpy(effect.data() + at, &to, sizeof(to));
         WriteBytes(path, effect);
+    }
+    // One document, as the schema tells it.
+    static QJsonObject Parse(const std::string& text)
+    {
+        QJsonParseError error;
+        const QJsonObject document =
+            QJsonDocument::fromJson(QByteArray::fromStdString(text), &error).object();
+        EXPECT_EQ(QJsonParseError::NoError, error.error) << error.errorString().toStdString();
+        const QJsonObject schema =
+            QJsonDocument::fromJson(
+                QByteArray::fromStdString(ReadBytes(SourcePath("docs/schemas/diff.schema.json"))))
+                .object();
+        ExpectFits(document, schema);
+        const QJsonObject ofOne = schema["$defs"].toObject()["difference"].toObject();
+        for (const QJsonValue& difference : document["differences"].toArray())
+            ExpectFits(difference.toObject(), ofOne);
+        return document;
+    }
+    // The members that there must be and no others, with the values and types that they may have.
+    static void ExpectFits(const QJsonObject& object, const QJsonObject& schema)
+    {
+        const QJsonObject properties = schema["properties"].toObject();
+        EXPECT_FALSE(properties.isEmpty());
+        for (const QJsonValue& name : schema["required"].toArray())
+            EXPECT_TRUE(object.contains(name.toString())) << name.toString().toStdString();
+        for (const QString& name : object.keys()) {
+            SCOPED_TRACE(name.toStdString());
+            ASSERT_TRUE(properties.contains(name));
+            const QJsonObject property = properties[name].toObject();
+            const QJsonValue value = object[name];
+            if (property.contains("const")) {
+                EXPECT_EQ(property["const"], value);
+            }
+            if (property.contains("enum")) {
+                EXPECT_TRUE(property["enum"].toArray().contains(value));
+            }
+            if (property["type"].toString() == "object")
+                ExpectFits(value.toObject(), property);
+            if (property["type"].toString() == "string") {
+                EXPECT_TRUE(value.isString());
+            }
+            if (property["type"].isArray()) {
+                EXPECT_TRUE(value.isString() || value.isNull());
+            }
+        }
     }
     // In the folder "repository", which is a person's with nothing of this machine's settings.
     TOutcome Git(const std::string& arguments)
@@ -64,16 +114,20 @@ TEST_F(TBatchTexts, ADifferenceIsToldInBothFormats)
     EXPECT_EQ(text.Out, Run("diff " + files + " --format text").Out);
     const TOutcome json = Run("diff --format json " + files);
     EXPECT_EQ(1, json.Status);
-    EXPECT_EQ(
-        "{\n  \"version\": 1,\n  \"command\": \"diff\",\n  \"before\": \"" +
-            SourcePath("samples/fountain.effect") + "\",\n  \"after\": \"" + Folder.Path("b.effect") +
-            "\",\n  \"differences\": [\n    {\"kind\": \"changed\", \"node\": \"\\\"Emitter\\\"\", "
-            "\"class\": "
-            "\"TEmitter\", \"what\": \"input \\\"Rate\\\"\", \"from\": \"300\", \"to\": \"299.5\"}\n  ]\n}\n",
-        json.Out);
+    const QJsonObject document = Parse(json.Out);
+    EXPECT_EQ(SourcePath("samples/fountain.effect"), document["before"].toString().toStdString());
+    EXPECT_EQ(Folder.Path("b.effect"), document["after"].toString().toStdString());
+    ASSERT_EQ(1, document["differences"].toArray().size());
+    const QJsonObject difference = document["differences"].toArray().at(0).toObject();
+    const std::map<QString, QString> members = {{"kind", "changed"},   {"node", "\"Emitter\""},
+                                                {"class", "TEmitter"}, {"what", "input \"Rate\""},
+                                                {"from", "300"},       {"to", "299.5"}};
+    for (const auto& [name, value] : members)
+        EXPECT_EQ(value, difference[name].toString()) << name.toStdString();
+    EXPECT_TRUE(difference["type"].isNull());
     const TOutcome none = Run("diff --format json " + Sample("fountain") + " " + Sample("fountain"));
     EXPECT_EQ(0, none.Status);
-    EXPECT_NE(std::string::npos, none.Out.find("\"differences\": []\n}\n"));
+    EXPECT_EQ(0, Parse(none.Out)["differences"].toArray().size());
 }
 
 TEST_F(TBatchTexts, TwoSamplesDifferInWholeNodes)
@@ -82,6 +136,7 @@ TEST_F(TBatchTexts, TwoSamplesDifferInWholeNodes)
     EXPECT_EQ(1, outcome.Status);
     EXPECT_NE(std::string::npos, outcome.Out.find("added node "));
     EXPECT_NE(std::string::npos, outcome.Out.find("rewired node "));
+    Parse(Run("diff --format json " + Sample("fountain") + " " + Sample("campfire")).Out);
     const TOutcome back = Run("diff " + Sample("campfire") + " " + Sample("fountain"));
     EXPECT_NE(std::string::npos, back.Out.find("removed node "));
 }

@@ -542,7 +542,4 @@ TEST(TTextBuffer, QuotedTextsStandOnOneLineAndAreAllDifferent)
     TTextBuffer text;
     text.AddQuoted("a\"b\\c\nd\x01\xff \xc3\xa4 \xc0\x80");
     EXPECT_STREQ("\"a\\\"b\\\\c\\nd\\x01\\xff \xc3\xa4 \\xc0\\x80\"", text.Print());
-    TTextBuffer json;
-    json.AddJson("a\"b\\c\nd\x01\xff \xc3\xa4");
-    EXPECT_STREQ("\"a\\\"b\\\\c\\u000ad\\u0001\\u00ff \xc3\xa4\"", json.Print());
 }
