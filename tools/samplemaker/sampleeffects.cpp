@@ -345,7 +345,7 @@ void MakeRain(TSampleBuilder& effect)
 void MakeComet(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 0.125f, 1);
-    const TSampleNode source = AddPoint(effect, 2, 0, 0, 0);
+    const TSampleNode source = AddPoint(effect, 4, 0, 0, 0);
     const TSampleNode age = AddAge(effect, 8);
     const TSampleNode path = effect.Add("Animation Path").Animation("Animation", "knot.vori");
     const TSampleNode place = effect.Add("Add");
