@@ -362,7 +362,7 @@ void MakeComet(TSampleBuilder& effect)
         .Wire("Value", core, "Colour");
 
     const TSampleNode shed = AddCurve(effect, "Scalar Over Life", age, 8).Curve("Value", 0, {{0, 2}, {1, 2}});
-    const TSampleNode tail = AddPoint(effect, 400, 0, 0, 0);
+    const TSampleNode tail = AddPoint(effect, 240, 0, 0, 0);
     const TSampleNode drift = AddCone(effect, {0, 1, 0}, -1, 0.01f, 0.12f);
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode tailAge = AddAge(effect, 1.8f);
