@@ -48,7 +48,7 @@ _cindermill_batch() {
     fi
 
     case $command:$before in
-        check:--format | lint:--format | report:--format | types:--format)
+        check:--format | replay:--format | lint:--format | report:--format | types:--format)
             mapfile -t COMPREPLY < <(compgen -W "text json junit sarif" -- "$word")
             return
             ;;
@@ -79,7 +79,8 @@ _cindermill_batch() {
         lint) options="--format --fail-on --seconds --seeds --suggest-box --budgets" ;;
         report) options="--format --fail-on" ;;
         export) options="--depfile --fail-on --verbose" ;;
-        run | replay) options="--frames --dt --seed" ;;
+        run) options="--frames --dt --seed" ;;
+        replay) options="--frames --dt --seed --format --fail-on" ;;
         diff) options="--format" ;;
         picture) options="--frame --frames --sheet --turntable --seed --camera --size --background --plain" ;;
         sheet) options="--frame --sheet --seed --camera --size --background --plain" ;;

@@ -530,15 +530,12 @@ void MakeVortex(TSampleBuilder& effect)
 
     const TSampleNode once = AddBurst(effect, 1);
     const TSampleNode middle = AddPoint(effect, 1, 0, 0.8f, 0);
-    // As good as for ever.
-    constexpr float tenMinutes = 600;
-    const TSampleNode age = AddAge(effect, tenMinutes);
-    const TSampleNode dark =
-        AddStage(effect, "Sprite Render Stage", "smoke.hvt").Set("Scale", {0.24f, 0.24f}).Priority(0);
+    const TSampleNode dark = AddStage(effect, "Sprite Render Stage", "smoke.hvt")
+                                 .Set("Scale", {0.24f, 0.24f})
+                                 .Set("Colour", {0.06f, 0.02f, 0.12f, 0.95f})
+                                 .Priority(0);
     once.Wire("Count", middle, "Emission Trigger");
     middle.Wire("Start Transform", dark, "Transform");
-    AddColours(effect, age, tenMinutes, {{0, 0.06f, 0.02f, 0.12f, 0.95f}, {1, 0.06f, 0.02f, 0.12f, 0.95f}})
-        .Wire("Value", dark, "Colour");
 }
 
 // Fumes that start slowly, turn as they rise and fade from one picture to another.

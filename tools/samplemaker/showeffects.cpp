@@ -37,7 +37,7 @@ void Multiply(TSampleBuilder& effect, const TSampleNode& due, float count, const
 void AddBlast(TSampleBuilder& effect, const TSampleNode& due)
 {
     const TSampleNode source = effect.Add("Sphere Surface")
-                                   .Int("Particle Count", 120)
+                                   .Int("Particle Count", 96)
                                    .Set("Translation", {0, 0.35f, 0, 0, 0, 0})
                                    .Set("Scale", {0.12f, 0.12f, 0.12f});
     const TSampleNode cone = AddCone(effect, {0, 1, 0}, -0.25f, 0.4f, 1.9f);
@@ -66,7 +66,7 @@ void AddBlast(TSampleBuilder& effect, const TSampleNode& due)
 // Stones that are thrown out, bounce and turn, and the dust that goes with them.
 void AddDebris(TSampleBuilder& effect, const TSampleNode& due)
 {
-    const TSampleNode source = AddPoint(effect, 60, 0, 0.3f, 0);
+    const TSampleNode source = AddPoint(effect, 40, 0, 0.3f, 0);
     const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.55f, 1.3f, 2.7f);
     const TSampleNode tumble = effect.Add("Random Value");
     const TSampleNode motion = effect.Add("Make Transform");
@@ -87,7 +87,7 @@ void AddDebris(TSampleBuilder& effect, const TSampleNode& due)
     AddSizes(effect, age, 2.2f, {{0, 0.055f}, {0.8f, 0.055f}, {1, 0.01f}}).Wire("Value", stage, "Scale");
     tumble.Set("Low", {-400, -400, -400}).Set("High", {400, 400, 400});
 
-    const TSampleNode foot = AddPoint(effect, 40, 0, 0.08f, 0);
+    const TSampleNode foot = AddPoint(effect, 32, 0, 0.08f, 0);
     const TSampleNode low = AddCone(effect, {0, 1, 0}, 0.05f, 0.6f, 1.5f);
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.05f});
     const TSampleNode spread = effect.Add("Integrate");
@@ -126,7 +126,7 @@ void AddFlash(TSampleBuilder& effect, const TSampleNode& due)
     AddColours(effect, waveAge, 0.5f, {{0, 1, 0.9f, 0.7f, 0.9f}, {1, 0.7f, 0.6f, 0.5f, 0}})
         .Wire("Value", wave, "Colour");
 
-    const TSampleNode hot = AddPoint(effect, 130, 0, 0.35f, 0);
+    const TSampleNode hot = AddPoint(effect, 100, 0, 0.35f, 0);
     const TSampleNode cone = AddCone(effect, {0, 1, 0}, -0.3f, 1.5f, 4.5f);
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.15f});
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -2.5f, 0});

@@ -1,6 +1,9 @@
 #include "particles/cindermill/batch/replaycommand.h"
 
 #include "particles/cindermill/batch/batchsession.h"
+#include "particles/cindermill/batch/effectfindings.h"
+#include "particles/cindermill/batch/findingarguments.h"
+#include "particles/cindermill/batch/replayfindings.h"
 #include "particles/cindermill/batch/replaytable.h"
 #include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/main/documentcomparison.h"
@@ -10,85 +13,138 @@
 
 namespace {
 
-// All that the comparison tells beside the differences.
-void PrintReport(const TReplayReport& report)
+// The files of one run, one after the other.
+class TFileReplay
 {
-    for (const TReplayNote& note : report.GetNotes())
-        std::fprintf(stderr, "%s\n", note.Text.Print());
-    std::fprintf(stderr, "%s\n", report.GetSummary().Print());
+public:
+    TFileReplay(TBatchSession& session, const TReplayOptions& options, TFindingReport& report)
+        : Session(session), Options(options), Report(report)
+    {
+    }
+    // False where something differs, or there is nothing to replay.
+    bool ReplayFile(const char* path)
+    {
+        Report.AddFile(path);
+        // For the nodes that the console does not know, so that the preview can be repeated.
+        TRandom::SetDefaultSeed(Options.Seed);
+        TDocument document(Session.GetApp());
+        if (!Session.LoadGraph(document, path, Report))
+            return false;
+        TEffectFindings findings(document, path, Report);
+        TErrorList errors;
+        bool scheduled = false;
+        {
+            TLogCapture quiet(DropLine, nullptr);
+            scheduled = document.CreateSchedule(errors);
+        }
+        if (scheduled)
+            return Compare(document, path, findings);
+        findings.AddErrors("schedule.error", errors);
+        if (Report.IsText())
+            PrintErrors(BR_SCHEDULEFAILED, errors);
+        return false;
+    }
+
+private:
+    bool Compare(TDocument& document, const char* path, TEffectFindings& findings)
+    {
+        TErrorList errors;
+        TDocumentComparison comparison(Session.GetApp(), document);
+        bool replayed = false;
+        {
+            TLogCapture quiet(DropLine, nullptr);
+            replayed = comparison.Run(Options, errors);
+        }
+        findings.AddErrors(replayed ? "export.warning" : "export.error", errors);
+        if (Report.IsText())
+            PrintErrors(replayed ? BR_DONE : BR_EXPORTFAILED, errors);
+        if (!replayed)
+            return false;
+        if (Report.IsText())
+            PrintText(comparison.GetReport());
+        else
+            AddReplayFindings(document, path, comparison.GetReport(), Report);
+        return errors.empty() && comparison.GetReport().GetDifferences().empty();
+    }
+    static void PrintText(const TReplayReport& replay)
+    {
+        TReplayTable(stdout).Write(replay);
+        for (const TReplayNote& note : replay.GetNotes())
+            std::fprintf(stderr, "%s\n", note.Text.Print());
+        std::fprintf(stderr, "%s\n", replay.GetSummary().Print());
+    }
+
+    TBatchSession& Session;
+    const TReplayOptions& Options;
+    TFindingReport& Report;
+};
+
+// False with a sentence that tells what is wrong.
+bool ReadNumbers(const TString (&words)[3], TReplayOptions& options, TString& fault)
+{
+    if (!words[0].IsEmpty() && !ParseWhole(words[0], 0, INT_MAX, options.Frames))
+        fault = "--frames takes a whole number";
+    else if (!words[1].IsEmpty() && !ParseReal(words[1], options.Dt))
+        fault = "--dt takes a number of seconds";
+    else if (!words[2].IsEmpty() && !ParseUnsigned(words[2], options.Seed))
+        fault = "--seed takes an unsigned 32-bit number";
+    else
+        return true;
+    return false;
 }
 
 } // namespace
 
-TReplayCommand::TReplayCommand() : TBatchCommand("replay", "FILE [--frames N] [--dt S] [--seed K]") {}
+TReplayCommand::TReplayCommand()
+    : TBatchCommand("replay", "[--frames N] [--dt S] [--seed K] [--format F] [--fail-on S] FILE...")
+{
+}
 
 const char* TReplayCommand::GetHelp() const
 {
     return "Exports the effect in memory, runs the file's bytes as the console would beside the preview, "
            "and\n"
            "prints the first difference of each group, attribute and kind, as comma-separated values. What\n"
-           "cannot be replayed is told on the standard error.\n"
+           "cannot be replayed is told on the standard error. As text it takes one file; otherwise a folder\n"
+           "stands for all effects below it, and a pattern for the files that it fits.\n"
            "\n"
            "  --frames N            as many frames; unless told as many as the longest life needs and 50 "
            "more,\n"
            "                        at least 100 and at most 1000\n"
            "  --dt S                seconds of a frame; 0.02 unless told\n"
-           "  --seed K              what is drawn at random starts from this number; 0 unless told\n";
-}
-
-bool TReplayCommand::ReadOptions(TArguments& arguments, TReplayOptions& options)
-{
-    while (!arguments.IsEmpty()) {
-        if (arguments.TakeIf("--frames")) {
-            if (!ParseWhole(arguments.Take(), 0, INT_MAX, options.Frames))
-                return ReportUsage("--frames takes a whole number") == StatusDone;
-        } else if (arguments.TakeIf("--dt")) {
-            if (!ParseReal(arguments.Take(), options.Dt))
-                return ReportUsage("--dt takes a number of seconds") == StatusDone;
-        } else if (arguments.TakeIf("--seed")) {
-            if (!ParseUnsigned(arguments.Take(), options.Seed))
-                return ReportUsage("--seed takes an unsigned 32-bit number") == StatusDone;
-        } else {
-            return ReportUsage("replay does not know \"%s\"", arguments.Take()) == StatusDone;
-        }
-    }
-    return true;
+           "  --seed K              what is drawn at random starts from this number; 0 unless told\n"
+           "  --format F            text, json, junit or sarif; text unless told\n"
+           "  --fail-on S           status 1 from this severity on: warning or error. Unless told, text has\n"
+           "                        status 1 for every difference, the others from warning on\n";
 }
 
 int TReplayCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
-    const char* path = arguments.Take();
-    if (path == nullptr)
-        return ReportUsage("replay needs a file");
     TReplayOptions options;
-    if (!ReadOptions(arguments, options))
-        return StatusUsage;
-    // For the nodes that the console does not know, so that the preview can be repeated.
-    TRandom::SetDefaultSeed(options.Seed);
-    TDocument document(session.GetApp());
-    if (!session.LoadGraph(document, path))
-        return StatusErrors;
-    TErrorList errors;
-    bool scheduled = false;
-    {
-        TLogCapture quiet(DropLine, nullptr);
-        scheduled = document.CreateSchedule(errors);
-    }
-    if (!scheduled) {
-        PrintErrors(BR_SCHEDULEFAILED, errors);
-        return StatusErrors;
-    }
-    TDocumentComparison comparison(session.GetApp(), document);
-    bool replayed = false;
-    {
-        TLogCapture quiet(DropLine, nullptr);
-        replayed = comparison.Run(options, errors);
-    }
-    if (!errors.empty())
-        PrintErrors(BR_EXPORTFAILED, errors);
-    if (!replayed)
-        return StatusErrors;
-    TReplayTable(stdout).Write(comparison.GetReport());
-    PrintReport(comparison.GetReport());
-    return errors.empty() && comparison.GetReport().GetDifferences().empty() ? StatusDone : StatusErrors;
+    TString numbers[3];
+    TFindingArguments words(Name);
+    words.AddValue("--frames", numbers[0]);
+    words.AddValue("--dt", numbers[1]);
+    words.AddValue("--seed", numbers[2]);
+    TString fault;
+    if (!words.Read(arguments, fault) || !ReadNumbers(numbers, options, fault))
+        return ReportUsage("%s", fault.Print());
+    if (words.GetNames().empty())
+        return ReportUsage("replay needs a file");
+    if (words.IsText() && words.GetNames().size() > 1)
+        return ReportUsage("replay takes one file");
+    TFindingReport report(Name, session.GetProject());
+    words.Prepare(report, session);
+    vector<TString> files;
+    if (words.IsText())
+        files.push_back(words.GetNames()[0]);
+    else
+        words.GetFiles(files);
+    TFileReplay replay(session, options, report);
+    bool isEqual = true;
+    for (const TString& file : files)
+        isEqual = replay.ReplayFile(file) && isEqual;
+    report.Write(stdout);
+    const bool byFindings = !words.IsText();
+    return (byFindings ? !report.HasFailed() : isEqual) ? StatusDone : StatusErrors;
 }

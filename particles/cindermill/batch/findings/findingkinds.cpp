@@ -28,6 +28,7 @@ const TFindingKind Kinds[] = {
      "A frame brings a group more particles than the file tells the console to expect."},
     {"emission.none", FS_WARNING, "A group never gets a particle."},
     {"life.endless", FS_WARNING, "The particles of a group never die."},
+    {"life.stays", FS_NOTE, "Particles that all came early never die: they stay for good."},
     {"life.beyond", FS_NOTE,
      "Particles live longer than the run: what it says of their group may not be all."},
     {"number.bad", FS_ERROR, "A node writes what is no finite number."},
@@ -78,6 +79,7 @@ const TFindingKind Kinds[] = {
     {"replay.count", FS_ERROR, "The exported file has another number of particles than the preview."},
     {"replay.stage", FS_ERROR,
      "The exported file gives a render stage something else than the preview draws with."},
+    {"replay.note", FS_NOTE, "Something cannot be replayed, or is by a guess, or is told to differ."},
 };
 
 } // namespace

@@ -8,8 +8,8 @@ class TLintGraph;
 class TLintReport;
 
 // Nodes that do something else on the console than in the preview, and numbers that are cut on their way
-// there. What is bypassed does the same on both, and what is of no use
-// is told as such.
+// there. What is bypassed does the same on both, and what is of no use is
+// told as such.
 class TLintConsole : public TLintTheme
 {
 public:

@@ -15,6 +15,7 @@ constexpr const char* LK_EMISSIONCUT = "emission.cut";
 constexpr const char* LK_EMISSIONOVER = "emission.over";
 constexpr const char* LK_EMISSIONNONE = "emission.none";
 constexpr const char* LK_LIFEENDLESS = "life.endless";
+constexpr const char* LK_LIFESTAYS = "life.stays";
 constexpr const char* LK_LIFEBEYOND = "life.beyond";
 constexpr const char* LK_NUMBERBAD = "number.bad";
 constexpr const char* LK_NUMBERFIELD = "number.field";

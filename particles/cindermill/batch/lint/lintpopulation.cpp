@@ -123,6 +123,25 @@ float TLintPopulation::GetLived(const TGroup& group) const
     return RunTime - group.FirstBirth;
 }
 
+bool TLintPopulation::MakesRoomForChildren(int group) const
+{
+    const int capacity = Schedule.GetParticleCount(group);
+    for (int child = 0; child < Groups.size(); ++child) {
+        if (Schedule.GetMaxEmission(child) != capacity || 2.0 * Groups[child].MostBirths < capacity)
+            continue;
+        for (int a = 0; a < Schedule.GetNumAttributes(child); ++a)
+            if (Schedule.GetAttributeExternalGroup(child, a) == group)
+                return true;
+    }
+    return false;
+}
+
+bool TLintPopulation::IsStillBearing(const TGroup& group) const
+{
+    constexpr float lateShare = 0.75f;
+    return group.LastBirth > RunTime * lateShare;
+}
+
 // Whether the runs are too short to see the particles die.
 bool TLintPopulation::IsBeyond(const TGroup& group) const
 {
@@ -179,8 +198,8 @@ void TLintPopulation::TellCapacity(TLintReport& report, int index, bool endless)
         AddNumber(finding, "seed", group.Full.Seed);
     }
     // While the group still grows, nothing is known of its peak.
-    const bool grows = group.Died == 0 && group.LastBirth > RunTime * 0.75f;
-    if (group.Born == 0 || 2.0 * group.Peak >= capacity || grows)
+    const bool grows = group.Died == 0 && IsStillBearing(group);
+    if (group.Born == 0 || 2.0 * group.Peak >= capacity || grows || MakesRoomForChildren(index))
         return;
     TFinding& finding = report.AddGroup(LK_CAPACITYWASTE, index,
                                         "Particle Count is %d, but there are never more than %d particles",
@@ -193,8 +212,9 @@ void TLintPopulation::TellLife(TLintReport& report, int index, bool endless)
 {
     const TGroup& group = Groups[index];
     if (endless) {
+        const bool stays = group.Lost == 0 && !IsStillBearing(group);
         TFinding& finding =
-            report.AddGroup(LK_LIFEENDLESS, index,
+            report.AddGroup(stays ? LK_LIFESTAYS : LK_LIFEENDLESS, index,
                             "None of %.0f particles dies in %.2f s: of %d at most, %.0f give way to others",
                             group.Born, double(RunTime), Schedule.GetParticleCount(index), group.Lost);
         AddNumber(finding, "born", group.Born);

@@ -50,6 +50,11 @@ private:
     bool HasEnd(int group) const;
     bool IsEndless(const TGroup& group, bool hasEnd) const;
     bool IsBeyond(const TGroup& group) const;
+    // Whether the children that a frame brings take as much room as the group has: the file tells the console
+    // to expect as many as their parent can be.
+    bool MakesRoomForChildren(int group) const;
+    // Whether the births went on to the end of the runs.
+    bool IsStillBearing(const TGroup& group) const;
     float GetLived(const TGroup& group) const;
     void TellCapacity(TLintReport& report, int index, bool endless);
     void TellLife(TLintReport& report, int index, bool endless);

@@ -436,3 +436,30 @@ TEST_F(TFormats, AThousandEffectsTakeNoMoreThanTheyMay)
     }
 }
 #endif
+
+// Notes fail nothing, differences do, and each names its node.
+TEST_F(TFormats, ReplayTellsDifferencesAndNotes)
+{
+    const std::string both = Sample("fountain") + " " + Sample("tiles");
+    const TJson json = RunJson("replay --format json --frames 20 " + both, 1);
+    EXPECT_EQ("replay", json["command"].Text);
+    EXPECT_EQ(2, json["files"].size());
+    int numValues = 0;
+    int numNotes = 0;
+    for (const TJson& finding : json["findings"].Items) {
+        numNotes += finding["id"].Text == "replay.note" ? 1 : 0;
+        if (finding["id"].Text != "replay.value")
+            continue;
+        ++numValues;
+        EXPECT_EQ("error", finding["severity"].Text);
+        EXPECT_NE(std::string::npos, finding["file"].Text.find("tiles"));
+        EXPECT_GE(finding["numbers"]["times"].Number, 1);
+        EXPECT_EQ("TGrid", finding["node"]["type"].Text);
+    }
+    EXPECT_GE(numValues, 1);
+    EXPECT_GE(numNotes, 2);
+    RunJson("replay --format json --frames 20 " + Sample("fountain"), 0);
+    RunJson("replay --format sarif --frames 20 " + both, 1);
+    const std::string junit = RunJunit("replay --format junit --frames 20 " + both, 1);
+    EXPECT_EQ(1, Count(junit, "<failure"));
+}

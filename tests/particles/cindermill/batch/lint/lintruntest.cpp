@@ -67,6 +67,38 @@ TEST_F(LintRuns, AGroupOfWhichHalfIsNeverUsedIsWasted)
     EXPECT_NEAR(51, NumberOf(findings[0], "peak"), 1);
 }
 
+TEST_F(LintRuns, RoomThatChildrenOfAFrameNeedIsNoWaste)
+{
+    TSoundEffect effect(App);
+    // One particle that emits three in each frame.
+    effect.Trigger.Choose("Emit Mode", "Burst").Int("Per frame max emission", 1);
+    effect.Source.Int("Particle Count", 4);
+    effect.Cone.Set("Direction", {0, 1, 0}).Set("Cone Cosine", {1});
+    effect.Cone.Set("Minimum Speed", {3.5f}).Set("Maximum Speed", {3.5f});
+    effect.Gravity.Set("Acceleration", {0, 0, 0});
+    effect.Type(effect.Stage).SetRenderPriority(0);
+    const TSampleNode flash = effect.Effect.Add("Point Emitter").Int("Particle Count", 160);
+    const TSampleNode age = effect.Effect.Add("Age").Set("Max Age", {1});
+    const TSampleNode colours = effect.Effect.Add("Colour Over Life").Set("Life", {1});
+    const TSampleNode stage =
+        effect.Effect.Add("Sprite Render Stage").Texture("Texture", "spark.dds").Priority(9);
+    const TSampleNode length = effect.Effect.Add("Select Component").Choose("Component", "Length");
+    effect.Gravity.Wire("Velocity", length, "Vector");
+    length.Wire("Value", flash, "Emission Trigger");
+    flash.Wire("Start Transform", stage, "Transform");
+    age.Wire("Age", colours, "Time");
+    colours.Wire("Value", stage, "Colour");
+    TIds ids = IdsOf(Lint(effect));
+    EXPECT_EQ(0, std::count(ids.begin(), ids.end(), "capacity.waste"));
+    EXPECT_EQ(0, std::count(ids.begin(), ids.end(), "emission.over"));
+    effect.Source.Int("Particle Count", 2);
+    ids = IdsOf(Lint(effect));
+    EXPECT_EQ(1, std::count(ids.begin(), ids.end(), "emission.over"));
+    effect.Source.Int("Particle Count", 20);
+    ids = IdsOf(Lint(effect));
+    EXPECT_EQ(1, std::count(ids.begin(), ids.end(), "capacity.waste"));
+}
+
 TEST_F(LintRuns, HalfOfTheRoomIsNoWaste)
 {
     TSoundEffect effect(App);
@@ -162,14 +194,14 @@ TEST_F(LintRuns, AGroupWhoseParentIsEmptyIsNotToldBesides)
     EXPECT_EQ(effect.Source.GetNode()->ChunkIdx, findings[0].Place.Id);
 }
 
-TEST_F(LintRuns, ParticlesWithoutAnEndAreTold)
+TEST_F(LintRuns, ParticlesThatStayAreANote)
 {
     TSoundEffect effect(App);
     effect.Age.Set("Max Age", {1e9f});
     effect.Trigger.Choose("Emit Mode", "Burst").Int("Per frame max emission", 40);
     const TFindingList findings = Lint(effect);
-    EXPECT_ONLY("life.endless", findings);
-    EXPECT_EQ(FS_WARNING, findings[0].Severity);
+    EXPECT_ONLY("life.stays", findings);
+    EXPECT_EQ(FS_NOTE, findings[0].Severity);
     EXPECT_EQ(40, NumberOf(findings[0], "born"));
     EXPECT_EQ(0, NumberOf(findings[0], "lost"));
 }
@@ -180,6 +212,7 @@ TEST_F(LintRuns, WhatAnEndlessGroupLosesIsToldWithIt)
     effect.Age.Set("Max Age", {1e9f});
     const TFindingList findings = Lint(effect);
     EXPECT_ONLY("life.endless", findings);
+    EXPECT_EQ(FS_WARNING, findings[0].Severity);
     EXPECT_EQ(150, NumberOf(findings[0], "born"));
     EXPECT_EQ(150 - 56, NumberOf(findings[0], "lost"));
 }
