@@ -41,6 +41,20 @@ void FreeMouse()
     QApplication::restoreOverrideCursor();
 }
 
+// As often as a screen shows another picture.
+static constexpr int PassMilliseconds = 16;
+
+TModalScope::TModalScope()
+{
+    FreeMouse();
+    const int depth = TNestedLoopScope::GetDepth();
+    QObject::connect(&Passes, &QTimer::timeout, [depth] {
+        if (TNestedLoopScope::GetDepth() == depth)
+            TWimp::Get().RunWait();
+    });
+    Passes.start(PassMilliseconds);
+}
+
 static int NestedLoops = 0;
 
 TNestedLoopScope::TNestedLoopScope()

@@ -3,6 +3,8 @@
 #include "library/containers/assertion.h"
 #include "library/wimp/windowpeer.h"
 
+#include <QtCore/QTimer>
+
 // This header shows the window system: only the framework includes it.
 
 // The window that a dialog stands in front of, or null.
@@ -34,12 +36,13 @@ private:
 // Takes the mouse from whoever has it, for a dialog or a menu.
 void FreeMouse();
 
-// While a dialog or a menu waits for its answer.
+// While a dialog or a menu waits for its answer. The application may show that it lives meanwhile.
 class TModalScope
 {
 public:
-    TModalScope() { FreeMouse(); }
+    TModalScope();
 
 private:
     TNestedLoopScope Scope;
+    QTimer Passes;
 };

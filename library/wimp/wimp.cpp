@@ -1,6 +1,8 @@
 #include "library/wimp/wimp.h"
 
 #include "library/containers/assertion.h"
+#include "library/system/clock.h"
+#include "library/wimp/accessiblewindow.h"
 #include "library/wimp/desktoptheme.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/windowpeer.h"
@@ -88,6 +90,7 @@ bool TWimp::Init(int& argc, char** argv)
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     // Belongs to the application.
     new TDesktopTheme(found);
+    InstallAccessibleWindows();
     Instance = application;
     Flags |= FL_INITED;
     SetAssertBox(ShowAssertBox);
@@ -189,7 +192,18 @@ bool TWimp::RunIdle()
         ~TInside() { Flag = false; }
     } inside(InIdle);
     WimpApp->OnIdle();
+    LastIdle = GetPerformanceCounter();
     return true;
+}
+
+void TWimp::RunWait()
+{
+    constexpr uint64_t recently = 50000000;
+    if ((Flags & FL_IDLE) == 0 || WimpApp == nullptr || InIdle || IsQuitting() ||
+        GetPerformanceCounter() - LastIdle < recently)
+        return;
+    const TEventScope scope;
+    WimpApp->OnWait();
 }
 
 void TWimp::Quit()

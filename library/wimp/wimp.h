@@ -17,6 +17,9 @@ public:
     // About once a second, whatever the loop waits for: also under dialogs, choosers, message boxes and
     // menus, and in the middle of what opened them.
     virtual void OnClock() {}
+    // A pass while a dialog or a menu waits, which may stand in the middle of work: for what goes on by
+    // itself, touches nothing else and asks nothing.
+    virtual void OnWait() {}
     // The system ends the program, and something may still be under way: TEndWatch.
     virtual void OnEnding() {}
     virtual ~TWimpApp() = default;
@@ -64,6 +67,8 @@ public:
     // One idle pass, for a dialog that waits: false, with none run, where idle passes are off or where what
     // waits was begun by one.
     bool RunIdle();
+    // One pass of what goes on under a dialog or a menu, unless idle passes do.
+    void RunWait();
     void Run();
     // One turn of the loop, for code that keeps the windows alive during a long wait; does not block. False
     // once to quit.
@@ -120,6 +125,8 @@ private:
     TWindowHandle MDIClientHwnd = nullptr;
     sortedmap<TWindowHandle, vector<TKeyboardShortcut*>> Shortcuts;
     bool InIdle = false;
+    // By the performance counter.
+    uint64_t LastIdle = 0;
     int EmptyTurns = 0;
 };
 

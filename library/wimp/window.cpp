@@ -229,6 +229,13 @@ void TWindow::SetTitle(const char* text)
         Peer->GetFrame()->setWindowTitle(ToQt(text));
 }
 
+void TWindow::SetAccessible(TAccessibleContents* contents, const char* name)
+{
+    Accessible = contents;
+    if (Handle != nullptr)
+        Handle->setAccessibleName(ToQt(name));
+}
+
 void TWindow::SetCursor(TCursor cursor)
 {
     if (Handle == nullptr)

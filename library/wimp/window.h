@@ -8,6 +8,7 @@
 #include "library/wimp/gl/windowmessage.h"
 #include "library/wimp/wimpcontrol.h"
 
+class TAccessibleContents;
 class TMenu;
 
 // A class of windows by name; a static of the window that uses it. The name is the object name by which tests
@@ -146,6 +147,10 @@ public:
     // a window that goes, gives them back to the owner.
     void SetKeyOwner(TWindow* window) { KeyOwner = window; }
     TWindow* GetKeyOwner() const { return KeyOwner != nullptr ? KeyOwner : Owner; }
+    // What assistive tools find in a window that draws its own contents; stays the caller's. The name is that
+    // of the whole.
+    void SetAccessible(TAccessibleContents* contents, const char* name);
+    TAccessibleContents* GetAccessible() const { return Accessible; }
     // Whether other windows' tables are not offered the keys that this window and its tables leave.
     virtual bool KeepsKeys() const { return false; }
     void StartTimer(int timer, int milliseconds) override;
@@ -189,6 +194,7 @@ private:
     sortedmap<TWindowHandle, TWimpControl*> SubControls;
     class TWindowPeer* Peer = nullptr;
     TWindow* KeyOwner = nullptr;
+    TAccessibleContents* Accessible = nullptr;
     const TWindowClass* Class = nullptr;
     TWindowKind Kind = WK_CHILD;
     double MouseX = 0;

@@ -247,16 +247,28 @@ void MakeAura(TSampleBuilder& effect)
                 {1, 0.7f, 0.1f, 0.7f, 0}})
         .Wire("Value", stage, "Colour");
 
-    // What it shines out of.
-    const TSampleNode once = AddBurst(effect, 1);
-    const TSampleNode middle = AddPoint(effect, 1, 0, 0.9f, 0);
-    const TSampleNode halo = AddHalo(effect, 0.75f, {0.2f, 0.55f, 1, 0.55f});
+    // What it shines out of: lights that come and go, of which there is always one.
+    const TSampleNode beat = AddTrickle(effect, 0.5f, 1);
+    const TSampleNode middle = AddPoint(effect, 3, 0, 0.9f, 0);
+    const TSampleNode lightAge = AddAge(effect, 4);
+    const TSampleNode halo = AddHalo(effect, 0.75f, {1, 1, 1, 1});
     const TSampleNode heart =
         AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.34f, 0.34f}).Priority(10);
-    once.Wire("Count", middle, "Emission Trigger");
+    beat.Wire("Count", middle, "Emission Trigger");
     middle.Wire("Start Transform", halo, "Transform");
     middle.Wire("Start Transform", heart, "Transform");
-    heart.Set("Colour", {0.85f, 0.97f, 1, 0.9f});
+    AddColours(effect, lightAge, 4,
+               {{0, 0.2f, 0.55f, 1, 0},
+                {0.25f, 0.2f, 0.55f, 1, 0.5f},
+                {0.6f, 0.25f, 0.6f, 1, 0.4f},
+                {1, 0.2f, 0.5f, 1, 0}})
+        .Wire("Value", halo, "Colour");
+    AddColours(effect, lightAge, 4,
+               {{0, 0.85f, 0.97f, 1, 0},
+                {0.2f, 0.85f, 0.97f, 1, 0.9f},
+                {0.6f, 0.85f, 0.97f, 1, 0.6f},
+                {1, 0.85f, 0.97f, 1, 0}})
+        .Wire("Value", heart, "Colour");
 }
 
 // Rain whose drops emit particles where they hit the ground: one ring and a few droplets each. A drop's hit
@@ -333,7 +345,7 @@ void MakeRain(TSampleBuilder& effect)
 void MakeComet(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 0.125f, 1);
-    const TSampleNode source = AddPoint(effect, 4, 0, 0, 0);
+    const TSampleNode source = AddPoint(effect, 2, 0, 0, 0);
     const TSampleNode age = AddAge(effect, 8);
     const TSampleNode path = effect.Add("Animation Path").Animation("Animation", "knot.vori");
     const TSampleNode place = effect.Add("Add");
@@ -349,7 +361,7 @@ void MakeComet(TSampleBuilder& effect)
     AddColours(effect, age, 8, {{0, 1, 1, 1, 0}, {0.03f, 1, 1, 1, 1}, {0.97f, 1, 1, 1, 1}, {1, 1, 1, 1, 0}})
         .Wire("Value", core, "Colour");
 
-    const TSampleNode shed = AddCurve(effect, "Scalar Over Life", age, 8).Curve("Value", 0, {{0, 3}, {1, 3}});
+    const TSampleNode shed = AddCurve(effect, "Scalar Over Life", age, 8).Curve("Value", 0, {{0, 2}, {1, 2}});
     const TSampleNode tail = AddPoint(effect, 400, 0, 0, 0);
     const TSampleNode drift = AddCone(effect, {0, 1, 0}, -1, 0.01f, 0.12f);
     const TSampleNode integrate = effect.Add("Integrate");

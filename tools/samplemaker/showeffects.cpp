@@ -296,20 +296,30 @@ void MakePortal(TSampleBuilder& effect)
                {{0, 0.2f, 0.9f, 1, 0}, {0.25f, 0.25f, 0.6f, 1, 0.7f}, {1, 0.6f, 0.3f, 1, 0}})
         .Wire("Value", rays, "Colour");
 
-    const TSampleNode once = AddBurst(effect, 1);
+    // The dark and its edge come and go too, and there is always one.
+    const TSampleNode beat = AddTrickle(effect, 0.5f, 1);
     const TSampleNode flat =
-        effect.Add("Point Emitter").Int("Particle Count", 1).Set("Transform", {0, 0.01f, 0, 90, 0, 0});
-    const TSampleNode dark = AddStage(effect, "Quad Render Stage", "glow.dds")
-                                 .Set("Scale", {1.15f, 1.15f})
-                                 .Set("Colour", {0.03f, 0, 0.12f, 1})
-                                 .Priority(0);
-    const TSampleNode edge = AddStage(effect, "Quad Render Stage", "ring.hvt")
-                                 .Set("Scale", {1.12f, 1.12f})
-                                 .Set("Colour", {0.15f, 0.65f, 1, 0.9f})
-                                 .Priority(10);
-    once.Wire("Count", flat, "Emission Trigger");
+        effect.Add("Point Emitter").Int("Particle Count", 3).Set("Transform", {0, 0.01f, 0, 90, 0, 0});
+    const TSampleNode gateAge = AddAge(effect, 4);
+    const TSampleNode dark =
+        AddStage(effect, "Quad Render Stage", "glow.dds").Set("Scale", {1.15f, 1.15f}).Priority(0);
+    const TSampleNode edge = AddStage(effect, "Quad Render Stage", "ring.hvt").Priority(10);
+    beat.Wire("Count", flat, "Emission Trigger");
     flat.Wire("Start Transform", dark, "Transform");
     flat.Wire("Start Transform", edge, "Transform");
+    AddColours(effect, gateAge, 4,
+               {{0, 0.03f, 0, 0.12f, 0},
+                {0.2f, 0.03f, 0, 0.12f, 1},
+                {0.7f, 0.03f, 0, 0.12f, 1},
+                {1, 0.03f, 0, 0.12f, 0}})
+        .Wire("Value", dark, "Colour");
+    AddSizes(effect, gateAge, 4, {{0, 1.2f}, {1, 1}}).Wire("Value", edge, "Scale");
+    AddColours(effect, gateAge, 4,
+               {{0, 0.1f, 0.9f, 1, 0},
+                {0.25f, 0.1f, 0.75f, 1, 0.8f},
+                {0.7f, 0.25f, 0.4f, 1, 0.7f},
+                {1, 0.5f, 0.2f, 1, 0}})
+        .Wire("Value", edge, "Colour");
 }
 
 // All at once, and again and again.

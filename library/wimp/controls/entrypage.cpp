@@ -148,6 +148,8 @@ QIcon LoadTilePicture(const TString& path)
     const QImage picture(ToQt(own.Print()));
     if (picture.isNull())
         return LoadPictureIcon(PI_GRAPH);
+    if (picture.size() == PictureSize * 2)
+        return QIcon(QPixmap::fromImage(picture));
     QPixmap pixmap(PictureSize * 2);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);

@@ -15,24 +15,6 @@ namespace {
 // A view lies on a multiple of this part of a dot: a pan by whole dots then moves the picture by whole dots,
 // whatever has been rounded on the way.
 constexpr int PlacesPerDot = 16;
-// No place lies farther away, in parts of the target's dots.
-constexpr double FarAway = 1 << 28;
-
-// The nearest whole number: that of a half is the upper one, wherever the origin lies.
-int64_t Nearest(double value)
-{
-    // Truncation is towards 0.
-    constexpr double positive = int64_t(1) << 41;
-    return static_cast<int64_t>(value + positive + 0.5) - int64_t(positive);
-}
-
-// Not a number is the lower limit.
-double Limited(double value, double limit)
-{
-    if (!(value > -limit))
-        return -limit;
-    return value < limit ? value : limit;
-}
 
 int64_t FloorOfQuotient(int64_t value, int64_t divisor)
 {
@@ -108,9 +90,9 @@ void TRenderer::PlaceView()
     for (int i = 0; i < 2; ++i) {
         constexpr double limit = 1e9;
         const double dotsPerUnit = double(Scale[i]) * DotsPerPixel;
-        const int64_t place = Nearest(Limited(Offset[i] * dotsPerUnit * PlacesPerDot, limit));
+        const int64_t place = NearestWhole(Offset[i] * dotsPerUnit * PlacesPerDot, limit);
         Place.Moved[i] = static_cast<int>(FloorOfQuotient(place, PlacesPerDot));
-        ViewPlace[i] = place * (parts / PlacesPerDot);
+        ViewPlace[i] = static_cast<double>(place * (parts / PlacesPerDot));
         PartsPerUnit[i] = dotsPerUnit * parts;
         DrawnOffset[i] = static_cast<double>(place) / (PlacesPerDot * dotsPerUnit);
     }
@@ -180,11 +162,6 @@ void TRenderer::PopOrigin()
     OriginStack.pop_back();
 }
 
-TVector2 TRenderer::GetOrigin() const
-{
-    return OriginStack.empty() ? TVector2(0, 0) : OriginStack.back();
-}
-
 void TRenderer::PushWindow(const TVector2& min, const TVector2& max)
 {
     if (WindowStack.empty()) {
@@ -235,8 +212,8 @@ void TRenderer::SetScissor(const TClipRectangle& rectangle)
         const double dots = Scale[i] * DotsPerPixel * GetSupersampling();
         const double from = (rectangle.Min[i] + DrawnOffset[i]) * dots;
         const double to = (rectangle.Max[i] + DrawnOffset[i]) * dots;
-        low[i] = static_cast<int>(Nearest(Limited(from, limit)));
-        size[i] = static_cast<int>(Nearest(Limited(to, limit))) - low[i];
+        low[i] = static_cast<int>(NearestWhole(from, limit));
+        size[i] = static_cast<int>(NearestWhole(to, limit)) - low[i];
         if (size[i] < 0)
             size[i] = 0;
     }
@@ -264,17 +241,6 @@ void TRenderer::ApplyScissor()
         return;
     glScissor(Scissor[0], Scissor[1], Scissor[2], Scissor[3]);
     CheckGlError();
-}
-
-void TRenderer::GetPlace(const TVector2& point, int* place) const
-{
-    const TVector2 origin = GetOrigin();
-    for (int i = 0; i < 2; ++i) {
-        constexpr double limit = 1e12;
-        const int64_t there =
-            Nearest(Limited((double(origin[i]) + point[i]) * PartsPerUnit[i], limit)) + ViewPlace[i];
-        place[i] = static_cast<int>(Limited(static_cast<double>(there), FarAway));
-    }
 }
 
 TVector2 TRenderer::ToClip(const TVector2& point) const

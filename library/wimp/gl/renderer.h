@@ -4,6 +4,7 @@
 #include "library/maths/vector2.h"
 #include "library/maths/vector4.h"
 #include "library/wimp/gl/device/rendertextureinstance.h"
+#include "library/wimp/gl/nearestwhole.h"
 #include "library/wimp/gl/painttiles.h"
 #include "library/wimp/gl/renderbatch.h"
 #include "library/wimp/gl/renderlist.h"
@@ -51,7 +52,7 @@ public:
     void PushOrigin(const TVector2& delta);
     void PopOrigin();
     // The origin on top; zeros on an empty stack.
-    TVector2 GetOrigin() const;
+    TVector2 GetOrigin() const { return OriginStack.empty() ? TVector2(0, 0) : OriginStack.back(); }
     void PushWindow(const TVector2& min, const TVector2& max);
     void PopWindow();
     // The clip rectangle on top, in world units.
@@ -107,7 +108,16 @@ private:
     void Paint();
     // The one place that maps a point, relative to the current origin, to the target: to its place there in
     // the parts of dots that lists count in.
-    void GetPlace(const TVector2& point, int* place) const;
+    void GetPlace(const TVector2& point, int* place) const
+    {
+        const TVector2 origin = GetOrigin();
+        for (int i = 0; i < 2; ++i) {
+            // Nothing is drawn from so far away that it would not fit.
+            constexpr double farAway = 1 << 29;
+            place[i] = static_cast<int>(
+                NearestWhole((double(origin[i]) + point[i]) * PartsPerUnit[i] + ViewPlace[i], farAway));
+        }
+    }
     void SetScissor(const TClipRectangle& rectangle);
     void SetWholeScissor();
     void ApplyScissor();
@@ -118,7 +128,7 @@ private:
     TVector2 Scale = TVector2(1, 1);
     double DotsPerPixel = 1;
     // Where the view lies, in parts of the target's dots, and those for each unit of the world.
-    int64_t ViewPlace[2] = {0, 0};
+    double ViewPlace[2] = {0, 0};
     double PartsPerUnit[2] = {1, 1};
     // Offset as it is drawn: in the window's dots a multiple of a small fraction of one.
     double DrawnOffset[2] = {0, 0};

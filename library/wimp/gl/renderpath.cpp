@@ -160,8 +160,8 @@ void TRenderPath::SetFillColour(const TVector4& colour)
 void TRenderPath::SetWidth(float width)
 {
     ASSERT_TEXT(width >= 0.0f, "width >= 0.0f");
+    StrokeCurrent = StrokeCurrent && width == Width;
     Width = width;
-    StrokeCurrent = false;
 }
 
 void TRenderPath::Triangulate()

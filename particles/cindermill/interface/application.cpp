@@ -103,6 +103,11 @@ void TApplication::OnIdle()
     App.OnIdle();
 }
 
+void TApplication::OnWait()
+{
+    App.OnWait();
+}
+
 void TApplication::OnClock()
 {
     App.OnClock();

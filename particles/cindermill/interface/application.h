@@ -24,6 +24,7 @@ public:
     void StartAutosave();
     void OnIdle() override;
     void OnClock() override;
+    void OnWait() override;
     // Comes to the front and opens the effects.
     void OnActivation(const vector<TString>& files) override;
     void OnEnding() override;

@@ -124,7 +124,7 @@ void TDocGraphHeader::OnGraphChanged()
     const TEffectSchedule& schedule = DocWindow->GetDocument().GetSchedule();
     vector<TString> labels;
     ::GetTabNames(schedule, TabNames);
-    GetTabLabels(schedule, labels);
+    ::GetTabLabels(schedule, labels);
     if (AreEqual(labels, Strip.GetLabels()))
         return;
     Strip.SetLabels(labels);
@@ -201,6 +201,13 @@ void TDocGraphHeader::GetTabEdges(int tab, int& left, int& right) const
 int TDocGraphHeader::FindTab(int x, int y) const
 {
     return y >= 0 && y < Height ? Strip.FindTab(x) : -1;
+}
+
+void TDocGraphHeader::PressTab(int tab)
+{
+    OnGraphChanged();
+    if (tab >= 0 && tab < TabNames.size())
+        OnTab(tab, false);
 }
 
 void TDocGraphHeader::OnPress(const TMessage& message)

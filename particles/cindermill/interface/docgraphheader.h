@@ -28,6 +28,10 @@ public:
     bool HasProblem(int tab) const;
 
     const vector<TString>& GetTabNames() const { return TabNames; }
+    // What the tabs show.
+    const vector<TString>& GetTabLabels() const { return Strip.GetLabels(); }
+    // As a click on the tab does; nothing for one that is not there.
+    void PressTab(int tab);
     // Of the tab; the right one is excluded.
     void GetTabEdges(int tab, int& left, int& right) const;
     // -1 for none.

@@ -58,8 +58,7 @@ bool TDocTool::Create(TDocWindow& docWindow)
 void TDocTool::OpenLibrary()
 {
     Palette.Open(GetLibrary());
-    ScrollTo(ScrollY);
-    Redraw();
+    ShowFilter();
 }
 
 bool TDocTool::OnMessage(const TMessage& message)

@@ -11,7 +11,7 @@ class TDocTool : public TWindow
 {
 public:
     bool Create(TDocWindow& docWindow);
-    // Shows the library as it is now, with all of it open.
+    // Shows the library as it is now, with all of it open, or what the filter leaves of it.
     void OpenLibrary();
     bool OnMessage(const TMessage& message) override;
 

@@ -174,6 +174,12 @@ void TDocumentWindows::OnIdle(TDocument& document)
     TAttributeTraceWindow::Repaint(document);
 }
 
+void TDocumentWindows::OnWait(TDocument&)
+{
+    if (ParticleWindow != nullptr)
+        ParticleWindow->TickUnderDialog();
+}
+
 bool TDocumentWindows::OwnsWindow(TWindow* window)
 {
     for (TDocWindow* view : Windows)

@@ -29,6 +29,7 @@ public:
     bool NewView(TDocument& document) override;
     void DeleteWindows(TDocument& document) override;
     void OnIdle(TDocument& document) override;
+    void OnWait(TDocument& document) override;
     bool OwnsWindow(TWindow* window) override;
     void OnDrop(TDocument& document, TWindow* window, int x, int y, const char* path) override;
     void FrameAllNodes(TDocument& document) override;

@@ -63,6 +63,7 @@ bool TDocWindow::Create(TDocument& document, TWindow* frame)
     Split.AddPane(&Tool, false, nullptr, -1);
     Split.AddPane(&Header, false, &Tool, ToolWidth);
     Split.Layout();
+    Access.Attach(*this);
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include "library/wimp/controls/splitwindow.h"
 #include "library/wimp/wimp.h"
+#include "particles/cindermill/interface/docaccess.h"
 #include "particles/cindermill/interface/docgraphheader.h"
 #include "particles/cindermill/interface/doctool.h"
 #include "particles/cindermill/interface/graphwindow.h"
@@ -14,7 +15,7 @@ class TDocumentWindows;
 class TDocWindow : public TWindow, public TMouseDrag
 {
 public:
-    explicit TDocWindow(TDocumentWindows& windows) : Windows(windows) {}
+    explicit TDocWindow(TDocumentWindows& windows) : Windows(windows), Access(*this) {}
     ~TDocWindow() override;
     // At the next position of the cascade. Asserts that every part could be made.
     bool Create(TDocument& document, TWindow* frame);
@@ -59,6 +60,7 @@ private:
     void DropType(double x, double y, const TNodeType& type);
 
     TDocumentWindows& Windows;
+    TDocAccess Access;
     TSplitWindow Split;
     TDocument* Document = nullptr;
     TDocTool Tool;

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr TGDIFont RowFont = {"Dotum", -11, 400};
-constexpr TGDIColour Paper = 0xFDF1EF;
+constexpr TGDIColour Paper = 0xFBE9E6;
 constexpr TGDIColour HoverColour = 0xF6D9D4;
 constexpr TGDIColour MarkColour = 0xC62828;
 constexpr TGDIColour Edge = 0xD9A39C;

@@ -42,9 +42,12 @@ TCindermillApp::TCindermillApp(TSettingsStore* store, TAppHost* host)
     GetProgramPath(program);
     program.Replace('/', '\\');
     ProgramDirectory.SetDirectory(program);
+    // A folder of that name may hold something else.
     TString samples;
-    if (FindFolder("samples", samples))
+    if (FindFolder("samples\\textures", samples)) {
+        samples.TruncateAtLast('\\');
         Samples.SetFolder(samples);
+    }
 }
 
 TCindermillApp::~TCindermillApp()
@@ -183,6 +186,15 @@ void TCindermillApp::OnIdle()
         Autosave.OnIdle(Documents);
     if (Settings.GetAutoCheckUpdate() != 0)
         ChangeNotify.Poll();
+}
+
+void TCindermillApp::OnWait()
+{
+    if (ResourceLocator.IsAsking())
+        return;
+    for (TDocument* document : Documents)
+        if (document->GetHost() != nullptr && !document->IsInStep())
+            document->GetHost()->OnWait(*document);
 }
 
 void TCindermillApp::OnClock()

@@ -85,6 +85,8 @@ public:
     void OnIdle();
     // About once a second, also while something waits for an answer.
     void OnClock();
+    // A pass while a dialog or a menu waits: the effects go on whose documents nothing is being done to.
+    void OnWait();
     // The view that commands go to, and its document; nulls for none. Views call it when they are clicked.
     void SetActiveDocWindow(TDocWindow* window, TDocument* document);
     TDocWindow* GetActiveDocWindow() const { return ActiveDocWindow; }

@@ -22,6 +22,8 @@ public:
     virtual void DeleteWindows(TDocument& document) = 0;
     // The document's idle pass: ticks of the drawing, the views' animations, the preview's tick.
     virtual void OnIdle(TDocument& document) = 0;
+    // The same while a dialog or a menu waits: the preview alone.
+    virtual void OnWait(TDocument& document) { (void)document; }
     // Whether the window is one of the document's frames, palettes, headers or graph views.
     virtual bool OwnsWindow(TWindow* window) = 0;
     // A file dropped at a position of the screen onto a window that is the document's: graph views take it.

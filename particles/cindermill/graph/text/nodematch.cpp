@@ -1,7 +1,5 @@
 #include "particles/cindermill/graph/text/nodematch.h"
 
-#include <climits>
-
 namespace {
 
 bool IsSameKind(const TEffectText& before, const TNodeText& a, const TEffectText& after, const TNodeText& b)
@@ -44,19 +42,19 @@ TNodeMatch::TNodeMatch(const TEffectText& before, const TEffectText& after) : Be
         Append(AfterOf, -1);
     for (int i = 0; i < After.GetNumNodes(); ++i)
         Append(BeforeOf, -1);
-    Pair(ScoreSame, INT_MAX);
-    Pair(ScorePlaceAndName, INT_MAX);
-    Pair(ScoreName, INT_MAX);
-    Pair(ScorePlace, INT_MAX);
+    Pair(ScoreSame);
+    Pair(ScorePlaceAndName);
+    Pair(ScoreName);
+    Pair(ScorePlace);
 }
 
-// Each node takes the best of those that are left; one that has `enough` ends the search.
-void TNodeMatch::Pair(TScore score, int enough)
+// Each node takes the best of those that are left.
+void TNodeMatch::Pair(TScore score)
 {
     for (int a = 0; a < AfterOf.size(); ++a) {
         int best = -1;
         int bestScore = 0;
-        for (int b = 0; b < BeforeOf.size() && AfterOf[a] == -1 && bestScore < enough; ++b) {
+        for (int b = 0; b < BeforeOf.size() && AfterOf[a] == -1; ++b) {
             const int found = BeforeOf[b] == -1 ? score(Before, a, After, b) : 0;
             if (found > bestScore) {
                 best = b;

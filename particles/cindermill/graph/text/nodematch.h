@@ -18,7 +18,7 @@ private:
     // How much two nodes have in common by one rule; 0 where that is too little.
     using TScore = int (*)(const TEffectText& before, int a, const TEffectText& after, int b);
 
-    void Pair(TScore score, int enough);
+    void Pair(TScore score);
     static int ScoreSame(const TEffectText& before, int a, const TEffectText& after, int b);
     static int ScorePlaceAndName(const TEffectText& before, int a, const TEffectText& after, int b);
     static int ScoreName(const TEffectText& before, int a, const TEffectText& after, int b);

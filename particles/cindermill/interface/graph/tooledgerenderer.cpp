@@ -69,8 +69,11 @@ void TToolEdgeRenderer::Layout(const TToolEdge* edge)
     Curve[1] = from + leave * half;
     Curve[2] = to + enter * half;
     Curve[3] = to;
-    Line.MoveTo(Curve[0]);
-    Line.CurveTo(Curve[1], Curve[2], Curve[3]);
+    TRenderPath* const paths[] = {&Border, &Line};
+    for (TRenderPath* path : paths) {
+        path->MoveTo(Curve[0]);
+        path->CurveTo(Curve[1], Curve[2], Curve[3]);
+    }
     const bool offered = OutputNode != nullptr && InputNode != nullptr &&
                          InputNode->GetToolNode()->GetInput(InputPort) == nullptr;
     Style = offered ? ES_OFFERED : ES_NORMAL;
@@ -100,19 +103,20 @@ void TToolEdgeRenderer::Render(TRenderer& renderer)
     const TVector4 border = MixColours(colour, TVector4(0.05f, 0.06f, 0.08f, 1), 0.7f);
     const float zoom = renderer.GetScale()[0];
     const float width = Larger(Lit ? OfferedWidth : Width, ThinnestEdge / zoom);
-    RenderLine(renderer, width + Larger(BorderWidth, ThinnestBorder / zoom), border);
-    RenderLine(renderer, width, colour);
+    RenderLine(renderer, Border, width + Larger(BorderWidth, ThinnestBorder / zoom), border);
+    RenderLine(renderer, Line, width, colour);
     if (!Held)
         return;
     RenderKnob(renderer, Curve[0], colour, border);
     RenderKnob(renderer, Curve[3], colour, border);
 }
 
-void TToolEdgeRenderer::RenderLine(TRenderer& renderer, float width, const TVector4& colour)
+void TToolEdgeRenderer::RenderLine(TRenderer& renderer, TRenderPath& path, float width,
+                                   const TVector4& colour)
 {
-    Line.SetWidth(width);
-    Line.SetStrokeColour(colour);
-    Line.Render(renderer, TVector2(0, 0), TVector2(1, 1), Smoothness);
+    path.SetWidth(width);
+    path.SetStrokeColour(colour);
+    path.Render(renderer, TVector2(0, 0), TVector2(1, 1), Smoothness);
 }
 
 void TToolEdgeRenderer::RenderKnob(TRenderer& renderer, const TVector2& place, const TVector4& colour,

@@ -53,7 +53,7 @@ public:
 
 private:
     TVector4 GetColour() const;
-    void RenderLine(TRenderer& renderer, float width, const TVector4& colour);
+    static void RenderLine(TRenderer& renderer, TRenderPath& path, float width, const TVector4& colour);
     void RenderKnob(TRenderer& renderer, const TVector2& place, const TVector4& colour,
                     const TVector4& border);
 
@@ -66,6 +66,8 @@ private:
     int Style = ES_NORMAL;
     float Width = 0.0f;
     TVector2 Curve[4];
+    // Each keeps its own stroke from frame to frame.
+    TRenderPath Border;
     TRenderPath Line;
     TRenderPath Knob;
     bool Hidden = false;

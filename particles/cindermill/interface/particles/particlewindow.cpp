@@ -103,6 +103,15 @@ void TParticleWindow::Tick()
     Render.RedrawChanged();
 }
 
+void TParticleWindow::TickUnderDialog()
+{
+    Timeline.GetClock().AllowRestarts(false);
+    Timeline.Tick();
+    Timeline.GetClock().AllowRestarts(true);
+    Render.HoldPicture(Timeline.GetClock().IsSeeking());
+    Render.RedrawChanged();
+}
+
 float TParticleWindow::GetTime() const
 {
     return Doc->GetEngine().GetTime();

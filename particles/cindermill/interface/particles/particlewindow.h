@@ -34,6 +34,8 @@ public:
     void SetHost(TParticleWindowHost* host) { Host = host; }
     // One idle pass: the camera, the time, the effect.
     void Tick();
+    // While a dialog waits: the effect goes on, and no file is read for it.
+    void TickUnderDialog();
     // The engine's.
     float GetTime() const;
     // Draws one group alone, or all again if that one was alone already.

@@ -113,7 +113,7 @@ void TPreviewClock::Restart()
 
 bool TPreviewClock::IsLoopOver() const
 {
-    return Loop > 0 && HasEffect() && GetTime() >= Loop - SameTime;
+    return MayRestart && Loop > 0 && HasEffect() && GetTime() >= Loop - SameTime;
 }
 
 // Whoever started the engine.

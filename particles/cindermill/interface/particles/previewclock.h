@@ -57,6 +57,8 @@ public:
     unsigned GetNumStarts() const;
     // While the time is dragged, it stands still but for what is sought.
     void Hold(bool held) { Held = held; }
+    // Whether a loop may start the effect again, which may read files; otherwise it runs on.
+    void AllowRestarts(bool allowed) { MayRestart = allowed; }
     // How long the engine took in the last tick in which it ran, for one of its frames, in milliseconds.
     float GetFrameCost() const { return FrameCost; }
 
@@ -75,6 +77,7 @@ private:
     uint32_t LastTick = 0;
     bool Paused = false;
     bool Held = false;
+    bool MayRestart = true;
     int Speed = NormalSpeed;
     float Loop = 0;
     bool SeedKept = false;

@@ -1,0 +1,166 @@
+#include "docwindowfixture.h"
+
+#include "particles/cindermill/main/document.h"
+
+#include <QtGui/QAccessible>
+
+namespace {
+
+// What an assistive tool finds.
+class DocAccess : public DocWindows
+{
+protected:
+    static QAccessibleInterface& Of(const TWindow& window)
+    {
+        return *QAccessible::queryAccessibleInterface(window.GetHandle());
+    }
+    static std::string NameOf(QAccessibleInterface& item)
+    {
+        return item.text(QAccessible::Name).toStdString();
+    }
+    static QAccessibleInterface* Find(QAccessibleInterface& parent, const std::string& name)
+    {
+        for (int i = 0; i < parent.childCount(); ++i)
+            if (NameOf(*parent.child(i)) == name)
+                return parent.child(i);
+        return nullptr;
+    }
+    static void Press(QAccessibleInterface& item)
+    {
+        item.actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    }
+    std::string Selected(TDocument& document)
+    {
+        std::string names;
+        for (const TToolNode* node : document.GetSelection())
+            names += "[" + Text(node->GetNodeType()->Name) + "]";
+        return names;
+    }
+};
+
+} // namespace
+
+TEST_F(DocAccess, TheNodesHaveNamesAndPlacesAndTheirPortsTellTheirWires)
+{
+    TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(document, nullptr);
+    QAccessibleInterface& graph = Of(GraphOf(*document));
+    EXPECT_EQ(NameOf(graph), "Graph");
+    ASSERT_EQ(graph.childCount(), document->GetGraph()->GetNumNodes());
+    QAccessibleInterface* gravity = Find(graph, "Gravity");
+    ASSERT_NE(gravity, nullptr);
+    EXPECT_EQ(gravity->role(), QAccessible::ListItem);
+    EXPECT_FALSE(gravity->text(QAccessible::Description).isEmpty());
+    EXPECT_EQ(gravity->parent(), &graph);
+    QAccessibleInterface* input = Find(*gravity, "Input Velocity");
+    ASSERT_NE(input, nullptr);
+    EXPECT_EQ(input->text(QAccessible::Description).toStdString(), "wired from Velocity Cone, Velocity");
+    QAccessibleInterface* open = Find(*gravity, "Input Acceleration");
+    ASSERT_NE(open, nullptr);
+    EXPECT_EQ(open->text(QAccessible::Description).toStdString(), "not wired");
+    QAccessibleInterface* output = Find(*gravity, "Output Velocity");
+    ASSERT_NE(output, nullptr);
+    EXPECT_EQ(output->text(QAccessible::Description).toStdString(), "wired to 1 input");
+    // Where they are seen.
+    EXPECT_TRUE(graph.rect().contains(gravity->rect()));
+    EXPECT_TRUE(gravity->rect().intersects(input->rect()));
+    const QPoint middle = input->rect().center();
+    EXPECT_EQ(graph.childAt(middle.x(), middle.y()), input);
+}
+
+TEST_F(DocAccess, ANodeIsSelectedByIt)
+{
+    TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(document, nullptr);
+    QAccessibleInterface& graph = Of(GraphOf(*document));
+    QAccessibleInterface* gravity = Find(graph, "Gravity");
+    ASSERT_NE(gravity, nullptr);
+    EXPECT_FALSE(gravity->state().selected);
+    Press(*gravity);
+    EXPECT_TRUE(gravity->state().selected);
+    EXPECT_EQ(Selected(*document), "[Gravity]");
+    // A port is its node's.
+    QAccessibleInterface* age = Find(graph, "Age");
+    ASSERT_NE(age, nullptr);
+    Press(*age->child(0));
+    EXPECT_EQ(Selected(*document), "[Age]");
+    const int before = graph.childCount();
+    GraphOf(*document).PressDelete();
+    EXPECT_EQ(graph.childCount(), before - 1);
+    EXPECT_EQ(Find(graph, "Age"), nullptr);
+}
+
+TEST_F(DocAccess, TheTabsAreFoundAndShowTheirGroups)
+{
+    TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(document, nullptr);
+    QAccessibleInterface& tabs = Of(ViewOf(*document).GetHeader());
+    ASSERT_EQ(tabs.childCount(), 2);
+    EXPECT_EQ(NameOf(*tabs.child(0)), "All");
+    EXPECT_EQ(tabs.child(0)->role(), QAccessible::PageTab);
+    SetView(GraphOf(*document), 50000, 50000, 1);
+    Press(*tabs.child(0));
+    EXPECT_LT(fabs(GraphOf(*document).GetView().GetOffset()[0]), 40000);
+}
+
+TEST_F(DocAccess, ATypeOfThePaletteBecomesANode)
+{
+    TDocument* document = NewDocument();
+    ASSERT_NE(document, nullptr);
+    QAccessibleInterface& palette = Of(ViewOf(*document).GetTool());
+    QAccessibleInterface* forces = Find(palette, "Forces");
+    ASSERT_NE(forces, nullptr);
+    EXPECT_EQ(forces->role(), QAccessible::List);
+    QAccessibleInterface* gravity = Find(*forces, "Gravity");
+    ASSERT_NE(gravity, nullptr);
+    EXPECT_FALSE(gravity->text(QAccessible::Description).isEmpty());
+    Press(*forces);
+    EXPECT_EQ(document->GetGraph()->GetNumNodes(), 0);
+    Press(*gravity);
+    ASSERT_EQ(document->GetGraph()->GetNumNodes(), 1);
+    EXPECT_EQ(Text(document->GetGraph()->GetNode(0)->GetNodeType()->Name), "Gravity");
+    EXPECT_TRUE(document->CanUndo());
+}
+
+TEST_F(DocAccess, TheNodesAreWalkedByKeysFromLeftToRightAndBack)
+{
+    TDocument* document = NewDocument();
+    ASSERT_NE(document, nullptr);
+    AddNode(*document, "Integrate", 600, 0);
+    AddNode(*document, "Age", 0, 300);
+    AddNode(*document, "Gravity", 0, 0);
+    TGraphWindow& graph = GraphOf(*document);
+    graph.TakeFocus();
+    const char* const order[] = {"[Gravity]", "[Age]", "[Integrate]"};
+    document->ClearSelection();
+    for (const char* name : order) {
+        Key(graph, Qt::Key_PageDown, Qt::ControlModifier);
+        EXPECT_EQ(Selected(*document), name);
+    }
+    // It ends there.
+    Key(graph, Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(Selected(*document), order[2]);
+    Key(graph, Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(Selected(*document), order[1]);
+    document->ClearSelection();
+    Key(graph, Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(Selected(*document), order[2]);
+    // Whoever is walked to is seen.
+    SetView(graph, 50000, 50000, 1);
+    Key(graph, Qt::Key_PageUp, Qt::ControlModifier);
+    const TVector2 min = graph.PixelToWorld(0, 0);
+    EXPECT_GT(0, min[0]);
+    EXPECT_GT(min[0], -3000);
+}
+
+TEST_F(DocAccess, WindowsThatGoAreAskedNothing)
+{
+    TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(document, nullptr);
+    QAccessibleInterface& graph = Of(GraphOf(*document));
+    EXPECT_GT(graph.childCount(), 0);
+    graph.child(0)->text(QAccessible::Name);
+    App.Get().CloseDocument(document);
+    Settle();
+    EXPECT_TRUE(App.Get().GetDocuments().empty());
+}

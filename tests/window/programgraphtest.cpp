@@ -1,0 +1,154 @@
+#include "window/programfixture.h"
+
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/interface/graph/graphedits.h"
+#include "particles/cindermill/interface/graph/nodelayout.h"
+#include "particles/cindermill/interface/graph/nodesearch.h"
+#include "particles/cindermill/interface/graph/wireinsertion.h"
+#include "particles/cindermill/main/documentstep.h"
+
+namespace {
+
+// What a hand does in the graph of the running program, held against the operations that it stands for.
+class ProgramGraph : public Program
+{
+protected:
+    // The keys of a search at a place of the graph.
+    void SearchAt(const TWorkshop& workshop, int x, int y, const char* opener, const char* text)
+    {
+        Screen.MoveTo(workshop.ScreenX(x), workshop.ScreenY(y));
+        Screen.Key(opener);
+        Screen.Type(text);
+        Screen.Key("Return");
+    }
+    static void PortAt(const TWorkshop& workshop, const TToolNode* node, bool isInput, const char* name,
+                       int& x, int& y)
+    {
+        const TNodeType& type = *node->GetNodeType();
+        const int port = isInput ? type.FindInput(name) : type.FindOutput(name);
+        const TVector2 place = GetPortOffset(isInput, port, MeasureNode(type)[0]);
+        x = workshop.ScreenX(node->GetX() + double(place[0]));
+        y = workshop.ScreenY(node->GetY() + double(place[1]));
+    }
+    void CheckFile(TProgram& program, TWorkshop& workshop, bool first)
+    {
+        const std::string saved = program.Path("hand.effect");
+        const std::string expected = program.Path("operations.effect");
+        if (first)
+            SaveTo(program, saved);
+        else
+            Screen.Key("ctrl+s");
+        ASSERT_FALSE(HasFatalFailure());
+        ASSERT_TRUE(workshop.GetDocument().SaveAs(expected.c_str()));
+        EXPECT_TRUE(WaitUntil([&] { return AreSame(saved, expected); }));
+    }
+};
+
+} // namespace
+
+TEST_F(ProgramGraph, ANodeIsSearchedForAtThePointerAndAtAWiresEnd)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    TDocument& document = workshop.GetDocument();
+    TCindermillApp& app = workshop.GetApp();
+
+    SearchAt(workshop, 150, 120, "Tab", "velcone");
+    document.ApplyOperation(
+        new TAddGraphNodeOp(document, *app.GetNodeTypes().FindType("Velocity Cone"), 150, 120));
+    TToolNode* cone = workshop.GetLast();
+    Screen.Save(program.GetMainRectangle(), Screenshot("search-added"));
+
+    int x = 0;
+    int y = 0;
+    PortAt(workshop, cone, false, "Velocity", x, y);
+    Screen.Drag(x, y, workshop.ScreenX(420), workshop.ScreenY(260));
+    Screen.Type("integ");
+    Screen.Save(program.GetMainRectangle(), Screenshot("search-wire"));
+    Screen.Key("Return");
+    const TWireEnd end = {cone, cone->GetNodeType()->FindOutput("Velocity"), false};
+    TToolNode* integrate =
+        AddNodeToWire(document, *app.GetNodeTypes().FindType("Integrate"), TVector2(420, 260), end);
+    ASSERT_NE(integrate, nullptr);
+    document.SelectNode(integrate, true);
+    CheckFile(program, workshop, true);
+
+    // With its wire, one step back.
+    Screen.Keys({"ctrl+d", "ctrl+z", "ctrl+y"});
+    DuplicateSelection(document);
+    document.Undo();
+    document.Redo();
+    CheckFile(program, workshop, false);
+    Screen.Keys({"ctrl+z", "ctrl+z"});
+    document.Undo();
+    document.Undo();
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 1);
+    CheckFile(program, workshop, false);
+    Screen.Keys({"ctrl+y", "ctrl+y"});
+    document.Redo();
+    document.Redo();
+    CheckFile(program, workshop, false);
+    Exit(program);
+}
+
+TEST_F(ProgramGraph, ANodeGoesIntoAWireAndOutOfItAgain)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    TDocument& document = workshop.GetDocument();
+    SearchAt(workshop, 120, 150, "Tab", "effect");
+    document.ApplyOperation(
+        new TAddGraphNodeOp(document, *workshop.GetApp().GetNodeTypes().FindType("Effect"), 120, 150));
+    TToolNode* effect = workshop.GetLast();
+    SearchAt(workshop, 520, 150, "Tab", "scalar over life");
+    document.ApplyOperation(new TAddGraphNodeOp(
+        document, *workshop.GetApp().GetNodeTypes().FindType("Scalar Over Life"), 520, 150));
+    TToolNode* curve = workshop.GetLast();
+    workshop.Connect(effect, "Time", curve, "Time");
+    SearchAt(workshop, 300, 400, "space", "add");
+    document.ApplyOperation(
+        new TAddGraphNodeOp(document, *workshop.GetApp().GetNodeTypes().FindType("Add"), 300, 400));
+    TToolNode* add = workshop.GetLast();
+    document.SelectNode(add, true);
+
+    // By its title onto the middle of the wire.
+    int fromX = 0;
+    int fromY = 0;
+    int toX = 0;
+    int toY = 0;
+    PortAt(workshop, effect, false, "Time", fromX, fromY);
+    PortAt(workshop, curve, true, "Time", toX, toY);
+    const int titleX = workshop.ScreenX(add->GetX() + 24);
+    const int titleY = workshop.ScreenY(add->GetY() + 7);
+    Screen.Drag(titleX, titleY, (fromX + toX) / 2, (fromY + toY) / 2);
+    {
+        const TDocumentStep step(document);
+        vector<TToolNode*> moved;
+        moved.push_back(add);
+        document.ApplyOperation(
+            new TMoveGraphNodeOp(moved, (fromX + toX) / 2 - titleX, (fromY + toY) / 2 - titleY));
+        TInsertion insertion;
+        ASSERT_TRUE(
+            FindInsertion(*add, *static_cast<TToolEdge*>(document.GetGraph()->GetEdge(0)), insertion));
+        InsertIntoWire(document, add, insertion);
+    }
+    Screen.Save(program.GetMainRectangle(), Screenshot("wire-insertion"));
+    CheckFile(program, workshop, true);
+    Screen.Key("ctrl+e");
+    EXPECT_TRUE(TakeSelectionOut(document));
+    CheckFile(program, workshop, false);
+    Screen.Keys({"ctrl+z", "ctrl+z"});
+    document.Undo();
+    document.Undo();
+    EXPECT_EQ(add->GetY() + 7, titleY - workshop.GetGraph().Y);
+    CheckFile(program, workshop, false);
+    Exit(program);
+}
