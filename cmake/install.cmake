@@ -13,6 +13,7 @@ set(shared "${CMAKE_INSTALL_DATADIR}/cindermill")
 install(TARGETS cindermill-batch RUNTIME COMPONENT batch)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/NodeTypes" DESTINATION "${shared}" COMPONENT batch)
 install(FILES "${PROJECT_SOURCE_DIR}/docs/batch.md" "${PROJECT_SOURCE_DIR}/docs/project-file.md"
+              "${PROJECT_SOURCE_DIR}/docs/lint.md"
               "${PROJECT_SOURCE_DIR}/docs/effect-text.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
         DESTINATION "${CMAKE_INSTALL_DOCDIR}-batch" COMPONENT batch)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/schemas" DESTINATION "${CMAKE_INSTALL_DOCDIR}-batch" COMPONENT batch)
