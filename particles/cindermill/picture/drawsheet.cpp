@@ -45,7 +45,7 @@ bool ListEffects(const TString& folder, const TString& inside, vector<TSheetEntr
         if (entry.IsDirectory) {
             if (!ListEffects(path, Join(inside, entry.Name), effects))
                 return false;
-        } else if (extension.Compare(EffectExtension) == 0) {
+        } else if (entry.Name.Find('.') != -1 && extension.Compare(EffectExtension) == 0) {
             TString name = Join(inside, entry.Name);
             name.TruncateAtLast('.');
             Append(effects, TSheetEntry{path, name});

@@ -32,9 +32,9 @@ bool ChoosePicture(TString& path)
     filters.push_back(TFileFilter{"Picture", "*.png"});
     if (!SaveFileChooser("Save picture", filters, nullptr, path))
         return false;
-    TString extension;
-    extension.SetExtension(path);
-    if (extension.IsEmpty())
+    TString name;
+    name.SetFileName(path);
+    if (name.Find('.') == -1)
         path += ".png";
     return true;
 }

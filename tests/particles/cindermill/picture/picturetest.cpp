@@ -164,6 +164,7 @@ TEST_F(Pictures, ASheetShowsAllEffectsBelowAFolderByName)
     CopySample("campfire", "effects/deep/er/A.Effect");
     CopySample("rain", "effects/c.effect");
     WriteBytes(Out("effects/notes.txt"), "no effect");
+    WriteBytes(Out("effects/effect"), "no effect");
     const TOutcome outcome =
         Run(Resources() + "sheet '" + Out("effects") + "' '" + Out("sheet.png") + "' --size 160x120");
     EXPECT_EQ(0, outcome.Status) << outcome.Err;

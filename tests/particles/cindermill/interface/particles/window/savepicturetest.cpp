@@ -6,7 +6,9 @@
 #include "library/system/message.h"
 #include "particles/cindermill/interface/particles/particlewindow.h"
 
+#include <QtCore/QTimer>
 #include <QtGui/QImage>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QFileDialog>
 
 #include <filesystem>
@@ -94,4 +96,29 @@ TEST_F(SavePictures, AFileThatCannotBeWrittenIsNamed)
 {
     EXPECT_FALSE(Save("nowhere/a.png"));
     EXPECT_EQ(0u, Told.find(Folder.Path("nowhere/a.png") + " could not be written: ")) << Told;
+}
+
+// The effect goes on while the chooser waits, and the picture is that of the moment before.
+TEST_F(SavePictures, TheChooserGivesTheNameAndTheCommandTheMoment)
+{
+    ASSERT_TRUE(Save("before.png"));
+    int asked = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        QFileDialog* chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        if (chooser == nullptr)
+            return;
+        ++asked;
+        timer.stop();
+        Sample.Run(0.5f, 0.02f);
+        chooser->selectFile(QString::fromStdString(Folder.Path("chosen")));
+        static_cast<QDialog*>(chooser)->accept();
+    });
+    timer.start(10);
+    SavePictureAs(Window.GetRenderWindow());
+    EXPECT_EQ(1, asked);
+    ASSERT_TRUE(std::filesystem::exists(Folder.Path("chosen.png")));
+    EXPECT_EQ(Load("before.png"), Load("chosen.png"));
+    ASSERT_TRUE(Save("after.png"));
+    EXPECT_NE(Load("before.png"), Load("after.png"));
 }
