@@ -48,15 +48,20 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
         document.GetPath().IsEmpty() ? nullptr : Places->FindEffect(document.GetPath());
     if (known != nullptr && !Windows.empty())
         Windows[0]->SetPlace(known->View);
-    if (known == nullptr || !ParticleWindow->SetPlace(known->Display))
+    const bool isBack = known != nullptr && ParticleWindow->SetPlace(known->Display);
+    if (!isBack)
         PlaceDisplay();
     TWindowArea display;
     TWindowArea graph;
     ParticleWindow->GetFrameArea(display);
     Windows[0]->GetFrameArea(graph);
     // One that hides the graph can be sent behind it by a click.
-    if (!DoAreasOverlap(display, graph))
-        ParticleWindow->StayOver(*Frame);
+    if (DoAreasOverlap(display, graph))
+        return;
+    ParticleWindow->StayOver(*Frame);
+    // It has become another window to the system, which counts its place without the old one's frame.
+    if (isBack)
+        ParticleWindow->SetPlace(known->Display);
 }
 
 void TDocumentWindows::PlaceDisplay()
