@@ -56,12 +56,8 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
     ParticleWindow->GetFrameArea(display);
     Windows[0]->GetFrameArea(graph);
     // One that hides the graph can be sent behind it by a click.
-    if (DoAreasOverlap(display, graph))
-        return;
-    ParticleWindow->StayOver(*Frame);
-    // It has become another window to the system, which counts its place without the old one's frame.
-    if (isBack)
-        ParticleWindow->SetPlace(known->Display);
+    if (!DoAreasOverlap(display, graph))
+        ParticleWindow->StayOver(*Frame, isBack);
 }
 
 void TDocumentWindows::PlaceDisplay()
