@@ -95,10 +95,11 @@ void TWindow::GetScreenArea(TWindowArea& area) const
     area = Handle != nullptr ? ToArea(Handle->screen()->availableGeometry()) : TWindowArea();
 }
 
-void TWindow::StayOver(TWindow& window)
+void TWindow::StayOver(TWindow& window, bool isBack)
 {
     if (Handle == nullptr || window.GetHandle() == nullptr)
         return;
+    const QRect inside = Handle->geometry();
     // Of windows that are no dialogs the system is not told whose they are.
     Handle->setWindowFlags((Handle->windowFlags() & ~Qt::WindowType_Mask) | Qt::Dialog |
                            Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
@@ -107,4 +108,7 @@ void TWindow::StayOver(TWindow& window)
     QWindow* behind = window.GetHandle()->window()->windowHandle();
     if (Handle->windowHandle() != nullptr && behind != nullptr)
         Handle->windowHandle()->setTransientParent(behind);
+    const QWidget* other = window.GetHandle()->window();
+    if (isBack)
+        Handle->move(inside.topLeft() - (other->geometry().topLeft() - other->frameGeometry().topLeft()));
 }

@@ -48,7 +48,8 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
         document.GetPath().IsEmpty() ? nullptr : Places->FindEffect(document.GetPath());
     if (known != nullptr && !Windows.empty())
         Windows[0]->SetPlace(known->View);
-    if (known == nullptr || !ParticleWindow->SetPlace(known->Display))
+    const bool isBack = known != nullptr && ParticleWindow->SetPlace(known->Display);
+    if (!isBack)
         PlaceDisplay();
     TWindowArea display;
     TWindowArea graph;
@@ -56,7 +57,7 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
     Windows[0]->GetFrameArea(graph);
     // One that hides the graph can be sent behind it by a click.
     if (!DoAreasOverlap(display, graph))
-        ParticleWindow->StayOver(*Frame);
+        ParticleWindow->StayOver(*Frame, isBack);
 }
 
 void TDocumentWindows::PlaceDisplay()
