@@ -111,7 +111,7 @@ TEST_F(GraphWindow, PrintableKeysLeaveTheGraphAlone)
     };
     const TShortcut told[] = {{Qt::NoModifier, " "},
                               {Qt::ShiftModifier, " "},
-                              {Qt::ControlModifier, "ZYSONCVXFGDBET"},
+                              {Qt::ControlModifier, "ZYSONCVXFGDBETM"},
                               {Qt::ControlModifier | Qt::ShiftModifier, "SFAD"}};
     const Qt::KeyboardModifiers with[] = {Qt::NoModifier,      Qt::ShiftModifier,
                                           Qt::ControlModifier, Qt::ControlModifier | Qt::ShiftModifier,
