@@ -126,8 +126,7 @@ public:
     // What the screen that the window stands on leaves to windows.
     void GetScreenArea(TWindowArea& area) const;
     // A window of its own, not yet seen, stays in front of the other one from now on, whichever has the keys.
-    // One that has come back where it stood gets a frame as the other one's around its inside.
-    void StayOver(TWindow& window, bool isBack = false);
+    void StayOver(TWindow& window);
     void SetTitle(const char* text);
     void SetCursor(TCursor cursor);
     void Redraw() override;

@@ -95,11 +95,10 @@ void TWindow::GetScreenArea(TWindowArea& area) const
     area = Handle != nullptr ? ToArea(Handle->screen()->availableGeometry()) : TWindowArea();
 }
 
-void TWindow::StayOver(TWindow& window, bool isBack)
+void TWindow::StayOver(TWindow& window)
 {
     if (Handle == nullptr || window.GetHandle() == nullptr)
         return;
-    const QRect inside = Handle->geometry();
     // Of windows that are no dialogs the system is not told whose they are.
     Handle->setWindowFlags((Handle->windowFlags() & ~Qt::WindowType_Mask) | Qt::Dialog |
                            Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
@@ -108,7 +107,4 @@ void TWindow::StayOver(TWindow& window, bool isBack)
     QWindow* behind = window.GetHandle()->window()->windowHandle();
     if (Handle->windowHandle() != nullptr && behind != nullptr)
         Handle->windowHandle()->setTransientParent(behind);
-    const QWidget* other = window.GetHandle()->window();
-    if (isBack)
-        Handle->move(inside.topLeft() - (other->geometry().topLeft() - other->frameGeometry().topLeft()));
 }

@@ -48,16 +48,16 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
         document.GetPath().IsEmpty() ? nullptr : Places->FindEffect(document.GetPath());
     if (known != nullptr && !Windows.empty())
         Windows[0]->SetPlace(known->View);
-    const bool isBack = known != nullptr && ParticleWindow->SetPlace(known->Display);
-    if (!isBack)
-        PlaceDisplay();
+    if (known != nullptr && ParticleWindow->SetPlace(known->Display))
+        return;
+    PlaceDisplay();
     TWindowArea display;
     TWindowArea graph;
     ParticleWindow->GetFrameArea(display);
     Windows[0]->GetFrameArea(graph);
     // One that hides the graph can be sent behind it by a click.
     if (!DoAreasOverlap(display, graph))
-        ParticleWindow->StayOver(*Frame, isBack);
+        ParticleWindow->StayOver(*Frame);
 }
 
 void TDocumentWindows::PlaceDisplay()
