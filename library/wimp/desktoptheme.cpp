@@ -140,6 +140,8 @@ void TDesktopTheme::Take(const QVariant& scheme)
     const uint preference = value.toUInt();
     if (preference == PrefersDark || preference == PrefersLight)
         Apply(preference == PrefersDark);
+    else
+        Apply(IsDark(Found) || IsToldDark());
 }
 
 void TDesktopTheme::Apply(bool dark)

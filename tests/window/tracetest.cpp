@@ -63,12 +63,11 @@ protected:
         }
         FAIL() << type;
     }
-    // The last entry of the node's menu.
+    // The second entry of the node's menu that can be chosen.
     void OpenTrace(const char* type, int n)
     {
         ClickNode(type, n, 3);
-        Screen.Key("Up");
-        Screen.Key("Return");
+        Screen.Keys({"Down", "Down", "Return"});
     }
     // Moves the window away from the others.
     void PlaceTrace()

@@ -264,9 +264,8 @@ void TWorkshop::Rename(TToolNode* node, const char* name, int priority)
     int y = 0;
     TitlePosition(node, x, y);
     Screen.Click(x, y, 3);
-    // The last entry but one of the menu.
-    Screen.Key("Up");
-    Screen.Key("Up");
+    // The first entry of the menu that can be chosen.
+    Screen.Key("Down");
     Screen.Key("Return");
     ASSERT_TRUE(Screen.WaitForWindow(Title));
     ASSERT_TRUE(Screen.WaitUntilActive(Title));

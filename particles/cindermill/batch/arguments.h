@@ -14,6 +14,8 @@ public:
     int GetNumLeft() const { return Count - Next; }
     // Null when there is none left.
     const char* Take() { return Next < Count ? Words[Next++] : nullptr; }
+    // The next one, which stays; null when there is none left.
+    const char* Peek() const { return Next < Count ? Words[Next] : nullptr; }
     // Takes the next word if it is this one.
     bool TakeIf(const char* word);
 

@@ -21,7 +21,7 @@ bool TBatchSession::ReadOptions(TArguments& arguments, TString& fault)
                                                              : nullptr;
         if (option == nullptr)
             return true;
-        if (arguments.IsEmpty()) {
+        if (arguments.IsEmpty() || (isProject && *arguments.Peek() == 0)) {
             fault = isProject ? "--project lacks its file" : "An option lacks its directory";
             return false;
         }

@@ -44,7 +44,7 @@ bool EscapeRuleName(const char* name, TString& escaped)
     escaped = nullptr;
     int marks = 0;
     for (const char* ch = name; *ch != 0; ++ch) {
-        if (*ch == '\n' || *ch == '\r' || *ch == '\t')
+        if (*ch == '\n' || *ch == '\r' || *ch == '\t' || *ch == ';')
             return false;
         if (*ch == ' ')
             for (int i = 0; i < marks; ++i)

@@ -104,7 +104,8 @@ private:
         if (isAnyFolders)
             Walk(folder, at + 1);
         vector<TDirectoryEntry> entries;
-        ListDirectory(folder.IsEmpty() ? "." : folder.Print(), entries);
+        if (!ListDirectory(folder.IsEmpty() ? "." : folder.Print(), entries) && IsDirectory(folder))
+            Append(Files, folder);
         for (const TDirectoryEntry& entry : entries) {
             const bool isHidden = entry.Name.Print()[0] == '.' && Names[at].Print()[0] != '.';
             if (isHidden || !FitsPattern(entry.Name, Names[at]))
@@ -125,7 +126,9 @@ private:
 void ListEffectsBelow(const TString& folder, vector<TString>& files)
 {
     vector<TDirectoryEntry> entries;
-    ListDirectory(folder, entries);
+    // What cannot be looked into is no folder without effects: it is told as a file that cannot be read.
+    if (!ListDirectory(folder, entries))
+        Append(files, folder);
     for (const TDirectoryEntry& entry : entries) {
         if (entry.Name.Print()[0] == '.')
             continue;

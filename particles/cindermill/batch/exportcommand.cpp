@@ -2,6 +2,7 @@
 
 #include "library/containers/append.h"
 #include "library/system/file.h"
+#include "library/system/statefolder.h"
 #include "particles/cindermill/batch/batchsession.h"
 #include "particles/cindermill/batch/dependencyfile.h"
 #include "particles/cindermill/batch/effectdependencies.h"
@@ -27,11 +28,19 @@ void GetExportFiles(TBatchSession& session, TDocument& document, const char* in,
             Append(files, dependency.Path);
 }
 
-bool WriteDepfile(TBatchSession& session, TDocument& document, const char* in, const char* out,
-                  const char* depfile)
+// No file that is read may be written over.
+bool IsAmong(const vector<TString>& files, const char* path)
 {
-    vector<TString> files;
-    GetExportFiles(session, document, in, files);
+    for (const TString& file : files)
+        if (IsSameFile(file, path)) {
+            std::fprintf(stderr, "%s: The effect hangs on this file, which its export would replace\n", path);
+            return true;
+        }
+    return false;
+}
+
+bool WriteDepfile(const vector<TString>& files, const char* out, const char* depfile)
+{
     TString fault;
     if (WriteDependencyFile(depfile, out, files, fault))
         return true;
@@ -73,12 +82,21 @@ int TExportCommand::Run(TBatchSession& session, TArguments& arguments) const
         std::fprintf(stderr, "%s: This is the effect itself, which its export would replace\n", out.Print());
         return StatusErrors;
     }
+    if (!depfile.IsEmpty() && (depfile.Compare(out, true) == 0 || IsSameFile(depfile, out))) {
+        std::fprintf(stderr, "%s: This is the export itself, which its rule would replace\n",
+                     depfile.Print());
+        return StatusErrors;
+    }
     if (isVerbose)
         session.TellPolicies();
     TFindingReport report(Name, session.GetProject());
     words.Prepare(report, session);
     TDocument document(session.GetApp());
     if (!session.LoadGraph(document, in, report))
+        return StatusErrors;
+    vector<TString> files;
+    GetExportFiles(session, document, in, files);
+    if (IsAmong(files, out) || (!depfile.IsEmpty() && IsAmong(files, depfile)))
         return StatusErrors;
     TErrorList errors;
     TBatchResult result;
@@ -90,7 +108,10 @@ int TExportCommand::Run(TBatchSession& session, TArguments& arguments) const
     TEffectFindings(document, in, report).AddErrors("export.warning", errors);
     if (result != BR_DONE)
         return StatusErrors;
-    if (!depfile.IsEmpty() && !WriteDepfile(session, document, in, out, depfile))
+    // Without its rule it would be taken for done, and not be made again.
+    if (!depfile.IsEmpty() && !WriteDepfile(files, out, depfile)) {
+        RemoveFile(out);
         return StatusErrors;
+    }
     return report.HasFailed() ? StatusErrors : StatusDone;
 }

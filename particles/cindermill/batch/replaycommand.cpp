@@ -62,8 +62,7 @@ private:
             return false;
         if (Report.IsText())
             PrintText(comparison.GetReport());
-        else
-            AddReplayFindings(document, path, comparison.GetReport(), Report);
+        AddReplayFindings(document, path, comparison.GetReport(), Report);
         return errors.empty() && comparison.GetReport().GetDifferences().empty();
     }
     static void PrintText(const TReplayReport& replay)
@@ -145,6 +144,6 @@ int TReplayCommand::Run(TBatchSession& session, TArguments& arguments) const
     for (const TString& file : files)
         isEqual = replay.ReplayFile(file) && isEqual;
     report.Write(stdout);
-    const bool byFindings = !words.IsText();
+    const bool byFindings = !words.IsText() || words.HasFailOn();
     return (byFindings ? !report.HasFailed() : isEqual) ? StatusDone : StatusErrors;
 }

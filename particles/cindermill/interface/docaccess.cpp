@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/docaccess.h"
 
 #include "library/maths/scalar.h"
+#include "library/wimp/wimp.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
@@ -135,6 +136,13 @@ void TGraphAccess::PressItem(int item)
         Select(*nodes[node]);
 }
 
+// The preview and the traces, which offer their keys to the graph, have a use of their own for these.
+bool TGraphAccess::OnWalkKey(int direction)
+{
+    return Window.GetGraph().HasFocus() && TWimp::Get().GetMouseDrag() == nullptr &&
+           SelectNeighbour(direction);
+}
+
 bool TGraphAccess::SelectNeighbour(int direction)
 {
     vector<TToolNode*> nodes;
@@ -197,13 +205,14 @@ void TPaletteAccess::ListItems(vector<TAccessibleItem>& items)
 void TPaletteAccess::PressItem(int item)
 {
     const vector<TPaletteRow>& rows = Window.GetTool().GetPalette().GetRows();
-    if (item >= rows.size() || rows[item].Type == -1)
+    TDocument& document = Window.GetDocument();
+    if (item >= rows.size() || rows[item].Type == -1 || document.IsInStep() ||
+        TWimp::Get().GetMouseDrag() != nullptr)
         return;
     int width = 0;
     int height = 0;
     Window.GetGraph().GetSize(width, height);
     const TVector2 point = Window.GetGraph().PixelToWorld(width / 2.0, height / 2.0);
-    TDocument& document = Window.GetDocument();
     document.ApplyOperation(
         new TAddGraphNodeOp(document, *TCindermillApp::Get().GetNodeTypes().GetType(rows[item].Type),
                             FloatToInt(point[0]), FloatToInt(point[1])));
@@ -214,13 +223,9 @@ void TDocAccess::Attach(TDocWindow& window)
     window.GetGraph().SetAccessible(&Graph, "Graph");
     window.GetHeader().SetAccessible(&Tabs, "Groups");
     window.GetTool().SetAccessible(&Palette, "Palette of node types");
-    Shortcuts.Add(KEY_PAGEDOWN | SM_CTRL, [](int, void* graph) {
-        static_cast<TGraphAccess*>(graph)->SelectNeighbour(1);
-        return true;
-    });
-    Shortcuts.Add(KEY_PAGEUP | SM_CTRL, [](int, void* graph) {
-        static_cast<TGraphAccess*>(graph)->SelectNeighbour(-1);
-        return true;
-    });
+    Shortcuts.Add(KEY_PAGEDOWN | SM_CTRL,
+                  [](int, void* graph) { return static_cast<TGraphAccess*>(graph)->OnWalkKey(1); });
+    Shortcuts.Add(KEY_PAGEUP | SM_CTRL,
+                  [](int, void* graph) { return static_cast<TGraphAccess*>(graph)->OnWalkKey(-1); });
     Shortcuts.Attach(&window.GetGraph());
 }

@@ -16,6 +16,7 @@ public:
     // Selects the next or the previous node as one reads, from the left to the right, and brings it into
     // sight. Without a selection it is the first or the last one.
     bool SelectNeighbour(int direction);
+    bool OnWalkKey(int direction);
 
 private:
     void ListNodes(vector<TToolNode*>& nodes) const;

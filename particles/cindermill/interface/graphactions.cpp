@@ -147,8 +147,7 @@ bool TGraphActions::OnCharacter(uint32_t character)
 {
     if (character != ' ' || !IsGraphFocused())
         return false;
-    SearchToAdd(GetPointer());
-    return true;
+    return Do(GA_ADDNODE);
 }
 
 bool TGraphActions::Do(int id)

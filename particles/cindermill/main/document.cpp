@@ -316,6 +316,7 @@ void TDocument::ApplyOperation(TOperation* op)
     ++NumEdits;
     OperationStack->Apply(*this, op);
     SetModified(true);
+    ReviewProblems();
 }
 
 void TDocument::Undo()
@@ -330,6 +331,7 @@ void TDocument::Undo()
     }
     DropStaleSchedule();
     FinishStep(fits);
+    ReviewProblems();
 }
 
 void TDocument::Redo()
@@ -343,6 +345,7 @@ void TDocument::Redo()
         fits = OperationStack->Redo(*this);
     }
     FinishStep(fits);
+    ReviewProblems();
 }
 
 void TDocument::FinishStep(bool fits)

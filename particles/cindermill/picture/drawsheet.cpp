@@ -1,3 +1,4 @@
+#include "library/system/file.h"
 #include "library/system/path.h"
 #include "particles/cindermill/batch/batchcommand.h"
 #include "particles/cindermill/picture/contactsheet.h"
@@ -118,5 +119,10 @@ int DrawSheet(TBatchSession& session, TArguments& arguments)
         std::fprintf(stderr, "%s: There are no effects below this folder\n", folder);
         return StatusErrors;
     }
+    for (const TSheetEntry& effect : effects)
+        if (IsSameFile(effect.Path, out)) {
+            std::fprintf(stderr, "%s: This is one of the effects, which the picture would replace\n", out);
+            return StatusErrors;
+        }
     return DrawEffects(session, options, effects, out) ? StatusDone : StatusErrors;
 }

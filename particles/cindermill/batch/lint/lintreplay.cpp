@@ -79,7 +79,8 @@ void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& repo
     for (int i = 0; i < differences.size(); ++i) {
         bool known = false;
         for (int k = 0; k < i; ++k)
-            known = known || (differences[k].Place.Node == differences[i].Place.Node &&
+            known = known || (differences[k].Kind == differences[i].Kind &&
+                              differences[k].Place.Node == differences[i].Place.Node &&
                               (differences[i].Place.Node != nullptr ||
                                differences[k].Place.Group == differences[i].Place.Group));
         if (!known && !IsTold(differences[i], report))

@@ -240,7 +240,8 @@ void TReplayComparison::CompareComponent(const TShown& shown, int component, con
     if (Report.Compare(preview, cell.Value))
         return;
     const double largest = GetLargest(shown.Value, shown.Attribute.NumComponents);
-    if (cell.State == CS_NEAR && GetDistance(preview, cell.Value) <= Tolerance * largest)
+    if (cell.State == CS_NEAR && std::isfinite(largest) &&
+        GetDistance(preview, cell.Value) <= Tolerance * largest)
         ++Report.NumEqual;
     else
         Differ(shown, component, DK_VALUE, cell.Value);

@@ -14,6 +14,8 @@
 
 static TWindowClass ParticleClass("cindermill_particlewindow");
 static constexpr TGDIColour ParticleBackground = 0xF0F0F0;
+// A shorter one would start the effect again with every frame.
+static constexpr float ShortestLoop = 0.1f;
 static constexpr float QuarterTurn = 1.57079633f;
 
 bool TParticleWindow::Create(TDocument& document)
@@ -36,6 +38,10 @@ bool TParticleWindow::Create(TDocument& document)
     ASSERT_TEXT(Notice.Create(&Render), "0 : Failed to create particle notice subwindow");
     Render.SetCommands(this);
     Timeline.SetCommands(this);
+    OwnKeys.Add(KEY_F10, [](int code, void* window) {
+        return static_cast<TParticleWindow*>(window)->OnPreviewCommand(FindPreviewKey(code, 0));
+    });
+    OwnKeys.Attach(this);
     Render.Show();
     Timeline.Show();
     Layout();
@@ -108,6 +114,7 @@ void TParticleWindow::TickUnderDialog()
     Timeline.GetClock().AllowRestarts(false);
     Timeline.Tick();
     Timeline.GetClock().AllowRestarts(true);
+    FollowOnlyGroup();
     Render.HoldPicture(Timeline.GetClock().IsSeeking());
     Render.RedrawChanged();
 }
@@ -234,7 +241,7 @@ bool TParticleWindow::OnRunCommand(int command)
         SetLoop(clock.GetLoop() > 0 ? 0 : LastLoop);
         return true;
     case PC_LOOPHERE:
-        SetLoop(clock.GetTime());
+        SetLoop(clock.GetTime() > ShortestLoop ? clock.GetTime() : ShortestLoop);
         return true;
     case PC_SAMESEED:
         clock.KeepSeed(!clock.IsSeedKept());

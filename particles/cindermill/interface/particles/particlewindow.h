@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/owner.h"
+#include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/particles/budgetpanel.h"
 #include "particles/cindermill/interface/particles/camera.h"
@@ -79,6 +80,8 @@ private:
     void SetBackground(int background);
     bool ChoosePicture();
 
+    // Keys that the main window has a use for too.
+    TKeyboardShortcut OwnKeys{this};
     TParticleRenderWindow Render;
     TParticleTimeline Timeline;
     TPreviewBudget Budget;

@@ -95,12 +95,14 @@ bool TPreviewClock::RunSeek()
     const float step = SeedKept ? SingleStep : SeekStep;
     bool ran = false;
     do {
-        const float left = SeekTime - GetTime();
+        const float before = GetTime();
+        const float left = SeekTime - before;
         Seeking = HasEffect() && left >= (SeedKept ? SingleStep / 2 : SameTime);
         if (!Seeking)
             break;
         ran = Run(SeedKept || left > step ? step : left);
-        Seeking = ran;
+        // The clock of an effect that has run for days does not see a frame.
+        Seeking = ran && GetTime() > before;
     } while (Seeking && GetPerformanceCounter() < end);
     return ran;
 }
@@ -168,7 +170,8 @@ void TPreviewClock::Seek(float time)
 {
     if (!HasEffect() || !(time >= 0))
         return;
-    SeekTime = time;
+    SeekTime = time < MostSeconds ? time : MostSeconds;
+    time = SeekTime;
     Seeking = true;
     if (time > GetTime() - SameTime)
         return;

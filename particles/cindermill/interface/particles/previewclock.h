@@ -15,6 +15,8 @@ public:
     static constexpr uint32_t MaxStep = 50;
     // Of the step button, in seconds; every step is one of these while the seed is kept.
     static constexpr float SingleStep = 0.01f;
+    // A time further on cannot be sought.
+    static constexpr float MostSeconds = 3600;
     // What the effect may run at, from the slowest on.
     static constexpr int NumSpeeds = 6;
     static constexpr int NormalSpeed = 3;

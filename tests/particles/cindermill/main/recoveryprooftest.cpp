@@ -337,7 +337,7 @@ TEST_F(Kills, NothingIsLostAtAHundredRandomMoments)
 {
     constexpr uint32_t Rounds = 100;
     constexpr uint32_t RoundsOfFiles = 10;
-    constexpr uint32_t MostMicroseconds = 60000;
+    constexpr uint32_t MostMicroseconds = 100000;
     TDice dice(2026);
     for (uint32_t round = 0; round < Rounds; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
