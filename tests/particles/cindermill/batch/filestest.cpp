@@ -9,6 +9,8 @@
 #include <set>
 #include <thread>
 
+#include <sys/stat.h>
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -309,7 +311,7 @@ TEST(DependencyFile, NamesAreEscaped)
         EXPECT_STREQ(each.Escaped, escaped.Print());
     }
     TString escaped;
-    for (const char* name : {"a\nb", "a\rb", "a\tb"})
+    for (const char* name : {"a\nb", "a\rb", "a\tb", "a;b"})
         EXPECT_FALSE(EscapeRuleName(name, escaped));
 }
 
@@ -326,6 +328,58 @@ TEST_F(TBatchFiles, ARuleThatCannotBeWrittenIsToldAndTheOldOneStays)
     EXPECT_EQ(1, tab.Status);
     EXPECT_NE(std::string::npos, tab.Err.find("No rule can have a file's name with a line's end or a tab"));
     EXPECT_EQ("old", ReadBytes(Folder.Path("a.d")));
+}
+
+// What an export reads, and the export itself, are written over by no rule and no export.
+TEST_F(TBatchFiles, WhatAnExportReadsIsNotWrittenOver)
+{
+    fs::copy(SourcePath("samples"), Folder.Path("art"), fs::copy_options::recursive);
+    WriteBytes(Folder.Path("project.toml"), "");
+    const std::string out = Folder.Path("out.efx");
+    const std::string burst = Folder.Path("art/burst.effect");
+    const std::string start = "--project " + Quote(Folder.Path("project.toml")) + " --resources " +
+                              Quote(Folder.Path("art")) + " export " + Quote(burst) + " ";
+    for (const std::string leaf : {"art/burst.effect", "art/textures/glow.dds", "project.toml"}) {
+        const std::string path = Folder.Path(leaf);
+        const std::string before = ReadBytes(path);
+        EXPECT_EQ(1, Run(start + Quote(out) + " --depfile " + Quote(path)).Status) << leaf;
+        EXPECT_EQ(1, Run(start + Quote(path)).Status) << leaf;
+        EXPECT_EQ(before, ReadBytes(path)) << leaf;
+        EXPECT_FALSE(fs::exists(out));
+    }
+    EXPECT_EQ(1, Run(start + Quote(out) + " --depfile " + Quote(out)).Status);
+    EXPECT_FALSE(fs::exists(out));
+}
+
+// A build system would take the export for done, and never make its rule.
+TEST_F(TBatchFiles, AnExportWithoutItsRuleDoesNotStay)
+{
+    const std::string out = Folder.Path("out.efx");
+    EXPECT_EQ(
+        1,
+        Run(Resources() + "export " + Sample("fountain") + " " + Quote(out) + " --depfile /none/a.d").Status);
+    EXPECT_FALSE(fs::exists(out));
+}
+
+TEST_F(TBatchFiles, AFolderThatMayNotBeSearchedIsTold)
+{
+    ASSERT_EQ(0, chmod(Folder.GetFolder().c_str(), 0777));
+    Make("art/closed/a.effect");
+    ASSERT_EQ(0, chmod(Folder.Path("art/closed").c_str(), 0));
+    {
+        const TNobody nobody;
+        for (const char* word : {"art", "art/*/*.effect"}) {
+            const TOutcome outcome = Run("check " + Quote(Folder.Path(word)));
+            EXPECT_EQ(1, outcome.Status) << word;
+            EXPECT_NE(std::string::npos, outcome.Err.find("art/closed: ")) << outcome.Err;
+        }
+    }
+    ASSERT_EQ(0, chmod(Folder.Path("art/closed").c_str(), 0755));
+}
+
+TEST_F(TBatchFiles, AnEmptyNameIsNoProject)
+{
+    EXPECT_EQ(2, Run("--project '' types").Status);
 }
 
 TEST_F(TBuild, NinjaExportsWhatHangsOnAChange)

@@ -74,6 +74,15 @@ TEST_F(Pictures, APictureIsThePreviewsViewOfTheEffect)
     EXPECT_LT(CountOther(plain, qRgb(204, 204, 204)), CountOther(image, qRgb(204, 204, 204)) - 1000);
 }
 
+TEST_F(Pictures, NoEffectIsWrittenOver)
+{
+    CopySample("burst", "art/burst.effect");
+    const std::string before = ReadBytes(Out("art/burst.effect"));
+    for (const std::string& command : {"picture '" + Out("art/burst.effect"), "sheet '" + Out("art")})
+        EXPECT_EQ(1, Run(Resources() + command + "' '" + Out("art/burst.effect") + "'").Status) << command;
+    EXPECT_EQ(before, ReadBytes(Out("art/burst.effect")));
+}
+
 TEST_F(Pictures, TheFrameIsThatOfARun)
 {
     EXPECT_EQ(0, CountOther(Draw("campfire", "--plain --frame 0"), qRgb(204, 204, 204)));

@@ -137,6 +137,14 @@ TEST_F(PreviewRuns, RunsOfTheSameSeedAreTheSameHoweverTheFramesFall)
     EXPECT_FALSE(StateOf(*Sample) == free);
 }
 
+TEST_F(PreviewRuns, NoTimeBeyondAnHourIsSought)
+{
+    for (const float time : {3601.0f, 1e10f, 3e38f}) {
+        Clock.Seek(time);
+        EXPECT_EQ(Clock.GetSeekTime(), 3600);
+    }
+}
+
 TEST_F(PreviewRuns, ATimeIsReachedByRunningUpToThere)
 {
     Clock.KeepSeed(true);
