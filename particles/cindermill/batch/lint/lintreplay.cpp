@@ -72,14 +72,15 @@ bool TLintReplay::IsTold(const TReplayDifference& difference, const TLintReport&
     return false;
 }
 
-// One for each node that differences come from, and for each group where no node can be told.
+// One for each node that differences come from, and for each group where no node can be told. What is not
+// known stands for nothing that is.
 void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& report) const
 {
     const vector<TReplayDifference>& differences = replay.GetDifferences();
     for (int i = 0; i < differences.size(); ++i) {
         bool known = false;
         for (int k = 0; k < i; ++k)
-            known = known || (differences[k].Kind == differences[i].Kind &&
+            known = known || ((differences[k].Kind != DK_UNKNOWN || differences[i].Kind == DK_UNKNOWN) &&
                               differences[k].Place.Node == differences[i].Place.Node &&
                               (differences[i].Place.Node != nullptr ||
                                differences[k].Place.Group == differences[i].Place.Group));

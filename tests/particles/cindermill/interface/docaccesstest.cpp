@@ -130,7 +130,9 @@ TEST_F(DocAccess, TheNodesAreWalkedByKeysFromLeftToRightAndBack)
     AddNode(*document, "Age", 0, 300);
     AddNode(*document, "Gravity", 0, 0);
     TGraphWindow& graph = GraphOf(*document);
+    Frame.BringToTop();
     graph.TakeFocus();
+    ASSERT_TRUE(WaitFor([&] { return graph.HasFocus(); }));
     const char* const order[] = {"[Gravity]", "[Age]", "[Integrate]"};
     document->ClearSelection();
     for (const char* name : order) {

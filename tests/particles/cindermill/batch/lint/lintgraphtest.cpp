@@ -572,6 +572,16 @@ TEST_F(LintReplays, ADifferenceIsToldAtItsNode)
     EXPECT_NE(nullptr, std::strstr(findings[0].Message.Print(), "2.5 in the preview is 1.5"));
 }
 
+TEST_F(LintReplays, WhatIsUnknownHidesNoDifferenceThatIsKnown)
+{
+    TSoundEffect effect(App);
+    TReplayReport replay;
+    replay.Add(Differ(DK_UNKNOWN, &effect.Gravity, 1, 3));
+    replay.Add(Differ(DK_VALUE, &effect.Gravity, 1, 4));
+    const TIds expected = {"replay.unknown", "replay.value"};
+    EXPECT_EQ(expected, IdsOf(Tell(effect, replay)));
+}
+
 TEST_F(LintReplays, EachKindHasItsOwnFinding)
 {
     TSoundEffect effect(App);
