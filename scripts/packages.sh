@@ -8,7 +8,7 @@ packages=(g++ cmake ninja-build pkg-config libsquish-dev qt6-base-dev libqt6open
 if [ "${1:-}" = tests ]; then
     packages+=(libgtest-dev libbenchmark-dev clang-format clang libclang-rt-dev xvfb xauth xdotool openbox
         imagemagick x11-utils libxcb1-dev dpkg-dev desktop-file-utils appstream shared-mime-info libglib2.0-bin
-        groff-base dbus-daemon gdb libxml2-utils make)
+        groff-base dbus-daemon gdb libxml2-utils make git)
 fi
 
 fail() {

@@ -34,9 +34,10 @@ TString MakeNameStart()
     return start;
 }
 
+// Files are written at the very end of the process, too, and so it is never destroyed.
 const TString& GetNameStart()
 {
-    static const TString start = MakeNameStart();
+    static const TString& start = *new TString(MakeNameStart());
     return start;
 }
 

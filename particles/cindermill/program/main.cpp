@@ -50,6 +50,8 @@ static bool RunProgram()
         OpenLog(log);
         application->StartAutosave();
         Running = application;
+        // Now that all objects that live as long as the process are there: they go after it.
+        std::atexit(SaveAtExit);
         TWimp::Get().Run();
         Running = nullptr;
     }
@@ -72,7 +74,6 @@ int main(int argc, char** argv)
     TCrashReport::Install();
     TakeFileSizeLimitAsError();
     TakeClosedPipeAsError();
-    std::atexit(SaveAtExit);
     if (!TWimp::Get().Init(argc, argv)) {
         DebugPrintf("Failed to initialise Cindermill\n");
         fprintf(stderr, "There is no display to open windows on.\n");

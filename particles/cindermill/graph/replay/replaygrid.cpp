@@ -83,6 +83,8 @@ int TReplayStore::Add(int count)
     }
     MakeRoom(count);
     const int first = Count;
+    if (count == 0)
+        return first;
     Count += count;
     const TReplayColumns fresh = Get(first, count);
     for (int i = 0; i < NumCells; ++i) {
