@@ -91,6 +91,38 @@ TEST_F(CrashReport, TheEndOfTheStackIsNoAccessViolation)
     }
 }
 
+// Threads that the program did not start itself: the standard library, the window system and drivers do.
+TEST_F(CrashReport, TheEndOfTheStackIsToldOnEveryThread)
+{
+    TExpectedReport expected = Expected("a Stack Overflow", SIGSEGV);
+    expected.IsStackFull = true;
+    const TExpectedReport inProgram = expected;
+    expected.Module = Quote(CINDERMILL_CRASHLIBRARY);
+    const TExpectedReport inLibrary = expected;
+    const struct
+    {
+        const char* Way;
+        const TExpectedReport& Report;
+        const char* Function;
+    } table[] = {{"standard-thread", inProgram, "FailByRecursion"},
+                 {"qt-thread", inProgram, "FailByRecursion"},
+                 {"library-thread", inLibrary, "FailByLibraryRecursion"},
+                 {"plain-thread", inLibrary, "FailByLibraryRecursion"},
+                 {"deaf-thread", inLibrary, "FailByLibraryRecursion"}};
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.Way);
+        Fail(row.Way, row.Report);
+        const std::string said = Debug({"bt 20"});
+        EXPECT_TRUE(said.empty() || said.find(row.Function) != std::string::npos) << said;
+    }
+}
+
+TEST_F(CrashReport, ThreadsThatEndLeaveNothingBehind)
+{
+    const TEnd end = Run({"threads-end"});
+    EXPECT_EQ(end.Status, 0) << end.Output;
+}
+
 TEST_F(CrashReport, EachSignalHasItsName)
 {
     Fail("illegal", Expected("an Illegal Instruction", SIGILL));
