@@ -118,6 +118,7 @@ bool TDocument::LoadFrom(const char* file, const char* path)
                                  effect.CheckClasses()))
         return false;
     IsEditable = true;
+    OperationStack->Recall();
     Graph->AddCallback(&TDocument::OnGraphChanged, this);
     if (Host != nullptr && !Host->CreateView(*this))
         return false;
@@ -474,7 +475,7 @@ bool TDocument::ResolveTypes(TErrorList& errors)
         return false;
     }
     return RunCollecting(errors, [&] {
-        ResolvePolytypes(*Graph);
+        Graph->ResolveTypes();
         return true;
     });
 }
