@@ -145,7 +145,7 @@ private:
     bool OnViewMenu(int id);
     bool AddDocument(const char* path);
     // Null, with the reason, if the document cannot be had. No path is a new one.
-    TDocument* MakeDocument(const char* path, const char* recovery, TString& fault);
+    TDocument* MakeDocument(const char* path, const TLostEffect* recovery, TString& fault);
     void Restore(const vector<TLostEffect>& lost);
     void TellDamaged(const TDamagedEffect& damaged);
     void DeleteDocument(TDocument* document);

@@ -217,19 +217,19 @@ bool TCindermillApp::AddDocument(const char* path)
 }
 
 // The views of a document make themselves the active ones while it is made.
-TDocument* TCindermillApp::MakeDocument(const char* path, const char* recovery, TString& fault)
+TDocument* TCindermillApp::MakeDocument(const char* path, const TLostEffect* recovery, TString& fault)
 {
     TDocWindow* const activeWindow = ActiveDocWindow;
     TDocument* const activeDocument = ActiveDocument;
     TDocument* document = new TDocument(*this, Host->CreateDocumentHost());
-    const bool made = recovery != nullptr ? document->Restore(recovery, path)
+    const bool made = recovery != nullptr ? document->Restore(recovery->File, path, recovery->Note.Former)
                       : path != nullptr   ? document->Load(path)
                                           : document->New();
     if (made) {
         Documents.push_back(document);
         // Before the notes: the system may end the program while they are shown.
         if (recovery != nullptr)
-            Autosave.OnRestored(*document, recovery);
+            Autosave.OnRestored(*document, recovery->File);
         if (!document->GetLoadNotes().empty())
             DisplayErrors("Load errors", document->GetLoadNotes());
         return document;

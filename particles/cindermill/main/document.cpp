@@ -4,6 +4,7 @@
 #include "library/system/message.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/formerstates.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -93,19 +94,19 @@ bool TDocument::CheckLoaded(bool mend)
 
 bool TDocument::Load(const char* path)
 {
-    return LoadFrom(path, path);
+    return LoadFrom(path, path, vector<int>());
 }
 
-bool TDocument::Restore(const char* file, const char* path)
+bool TDocument::Restore(const char* file, const char* path, const vector<int>& former)
 {
-    if (!LoadFrom(file, path))
+    if (!LoadFrom(file, path, former))
         return false;
     OperationStack->MarkChanged();
     SetModified(true);
     return true;
 }
 
-bool TDocument::LoadFrom(const char* file, const char* path)
+bool TDocument::LoadFrom(const char* file, const char* path, const vector<int>& former)
 {
     const TStepScope step(StepDepth);
     if (Host != nullptr && !Host->CreateParticleWindow(*this))
@@ -118,6 +119,9 @@ bool TDocument::LoadFrom(const char* file, const char* path)
                                  effect.CheckClasses()))
         return false;
     IsEditable = true;
+    OperationStack->Recall();
+    if (LoadNotes.empty())
+        SetFormerStates(*OperationStack, Chunks, former);
     Graph->AddCallback(&TDocument::OnGraphChanged, this);
     if (Host != nullptr && !Host->CreateView(*this))
         return false;
@@ -278,6 +282,11 @@ bool TDocument::GetImage(vector<uint8_t>& bytes, int room)
     bool written = false;
     TString text;
     return RunGuarded([&] { written = Chunks.SaveToMemory(bytes, room); }, text) && written;
+}
+
+void TDocument::GetFormerStates(vector<int>& numbers) const
+{
+    ::GetFormerStates(*OperationStack, Chunks, numbers);
 }
 
 bool TDocument::SaveAs(const char* path)
@@ -474,7 +483,7 @@ bool TDocument::ResolveTypes(TErrorList& errors)
         return false;
     }
     return RunCollecting(errors, [&] {
-        ResolvePolytypes(*Graph);
+        Graph->ResolveTypes();
         return true;
     });
 }
