@@ -1,7 +1,7 @@
 #pragma once
 
-#include "library/containers/owner.h"
 #include "particles/cindermill/graph/engine/effectexec.h"
+#include "particles/cindermill/graph/engine/unseenservices.h"
 #include "particles/cindermill/graph/replay/effectreplay.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 
@@ -46,7 +46,6 @@ public:
     const TReplayReport& GetReport() const { return Report; }
 
 private:
-    class TServices;
     // What is asked of each attribute in each frame.
     struct TAttribute
     {
@@ -82,7 +81,7 @@ private:
     void Count(TReplayDifference* known, const TReplayDifference& difference);
 
     const TEffectSchedule& Schedule;
-    TOwner<TServices> Services;
+    TUnseenServices Services;
     TEffectExec Engine;
     vector<uint8_t> Bytes;
     TReplayReport Report;
