@@ -9,7 +9,8 @@ namespace {
 
 constexpr TGDIFont RowFont = {"Dotum", -11, 400};
 constexpr TGDIColour Paper = 0xFBE9E6;
-constexpr TGDIColour Edge = 0xD9A39C;
+constexpr TGDIColour ProblemEdge = 0xD9A39C;
+constexpr TGDIColour CalmEdge = 0xB4BCC4;
 constexpr TGDIColour Ink = 0x202020;
 constexpr TGDIColour Faint = 0x80706E;
 constexpr int MarkSize = 8;
@@ -167,7 +168,7 @@ void TProblemStrip::Paint(TGDIContext& context) const
     const int count = GetNumEntries();
     for (int i = FirstRow; i < count; ++i)
         PaintEntry(context, i, width);
-    context.SetPen(Edge);
+    context.SetPen(DocWindow->GetDocument().GetProblems().empty() ? CalmEdge : ProblemEdge);
     context.Line(0, 0, width, 0);
     const int rows = height / RowHeight;
     if (count <= rows)

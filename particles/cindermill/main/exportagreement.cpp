@@ -241,8 +241,8 @@ void TExportAgreement::GetText(TString& text) const
         return;
     text = Verdict.GetDifferences().empty() ? Verdict.GetSummary().Text : Verdict.GetHeadline().Text;
     text += "\n";
-    AddLines(Verdict.GetDifferences(), "Differences:", text);
     AddLines(Verdict.GetReasons(), "Known reasons:", text);
+    AddLines(Verdict.GetDifferences(), "Differences:", text);
     AddLines(Verdict.GetNotes(), "Notes:", text);
 }
 
