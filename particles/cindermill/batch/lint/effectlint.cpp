@@ -54,6 +54,7 @@ void TEffectLint::TellErrors(const char* kind, const TErrorList& errors, TLintRe
 
 void TEffectLint::Lint(const TEffectGraph& graph, TLintReport& report)
 {
+    report.SetGraph(&graph);
     LintNodeTypes(graph, Library, report);
     Files.Tell(graph, report);
     TErrorList errors;
