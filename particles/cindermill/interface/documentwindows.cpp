@@ -293,10 +293,26 @@ void TDocumentWindows::ProblemsChanged(TDocument& document)
 {
     if (Scene != nullptr)
         Scene->ShowProblems(document.GetProblems());
+    RefreshStrips();
+}
+
+void TDocumentWindows::AgreementChanged(TDocument&)
+{
+    RefreshStrips();
+}
+
+void TDocumentWindows::RefreshStrips()
+{
     for (TDocWindow* window : Windows) {
         window->GetProblems().Refresh();
         window->GetHeader().OnProblemsChanged();
     }
+}
+
+void TDocumentWindows::ShowNode(TToolNode& node)
+{
+    if (!Windows.empty())
+        GetActiveView().ShowNode(node);
 }
 
 void TDocumentWindows::NodeTypesGo(TDocument&)

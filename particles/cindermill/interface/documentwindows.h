@@ -39,6 +39,7 @@ public:
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
     void ProblemsChanged(TDocument& document) override;
+    void AgreementChanged(TDocument& document) override;
     void NodeTypesGo(TDocument& document) override;
     void NodeTypesCame(TDocument& document) override;
 
@@ -67,6 +68,9 @@ public:
     // The view was used last: it gets the shortcuts that are pressed in the effect's display and in traces.
     void CollectShortcuts(TDocWindow& window);
 
+    // In the view that was used last.
+    void ShowNode(TToolNode& node);
+
     // The preview draws a group alone, or all again; -1 for all.
     void ShowGroupAlone(int group);
 
@@ -79,6 +83,7 @@ public:
 
 private:
     bool AddView(TDocument& document);
+    void RefreshStrips();
     void PlaceWindows(TDocument& document);
     void PlaceDisplay();
     TDocWindow& GetActiveView() const;

@@ -151,13 +151,15 @@ private:
     void DeleteDocument(TDocument* document);
     bool ChooseEffect(bool open, const char* title, const char* directory, TString& path);
     bool ChooseSavePlace(const TDocument& document, TString& path);
-    void TellWritten(const char* what, const char* path);
+    // The line that was told.
+    TString TellWritten(const char* what, const char* path);
     bool MakeWritable(const char* path, const char* purpose);
     bool ConfirmOverwrite(const char* path);
     bool ConfirmChanged(const TDocument& document);
     bool IsOpenEffect(const char* path);
     bool SettleModified(const vector<TDocument*>& documents);
     void RedrawDocuments();
+    void RunComparisons();
     bool DropAnimation(int x, int y, const char* file);
 
     TAppHost* Host;

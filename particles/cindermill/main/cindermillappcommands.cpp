@@ -130,7 +130,9 @@ bool TCindermillApp::OnDocumentMenu(int id)
         if (document != nullptr) {
             TString report;
             document->GetReport(report);
-            Host->ShowProperties(report.Print());
+            if (!document->GetAgreement().IsBegun())
+                document->GetAgreement().Begin();
+            Host->ShowProperties(*document, report.Print());
         }
         return true;
     case MI_UNDO:
@@ -271,12 +273,13 @@ bool TCindermillApp::ChooseSavePlace(const TDocument& document, TString& path)
 }
 
 // With the time, as the line may be read later.
-void TCindermillApp::TellWritten(const char* what, const char* path)
+TString TCindermillApp::TellWritten(const char* what, const char* path)
 {
     TString text;
     text.Format("%s %s at %s, %u bytes", what, ShownPath(path).Print(), GetTimeOfDay().Print(),
                 GetFileSize(path));
     Host->ShowStatus(text);
+    return text;
 }
 
 void TCindermillApp::SaveActive()
@@ -409,7 +412,7 @@ void TCindermillApp::ExportActive()
         return;
     Autosave.WaitForDisc(MostDiscMilliseconds);
     if (document->Export(path))
-        TellWritten("Exported", path);
+        document->GetAgreement().BeginForFile(path, TellWritten("Exported", path));
 }
 
 void TCindermillApp::CloseDocument(TDocument* document)

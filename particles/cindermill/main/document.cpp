@@ -37,7 +37,7 @@ private:
 
 TDocument::TDocument(TCindermillApp& app, TDocumentHost* host)
     : App(app), Host(host), Services(app.GetSettings(), app.GetResourceLocator()),
-      Preview(Services, app.GetResourceLocator())
+      Preview(Services, app.GetResourceLocator()), Agreement(app, *this)
 {
     Preview.SetGoes(&TDocument::OnEngineGoes, this);
 }
@@ -47,6 +47,7 @@ TDocument::~TDocument()
     if (Host != nullptr)
         Host->DeleteWindows(*this);
     Host = nullptr;
+    Agreement.Drop();
     Preview.Clear();
     Chunks.Clear();
 }
@@ -197,11 +198,10 @@ void TDocument::OfferRefresh()
     const TStepScope step(StepDepth);
     const bool wasRunning = Preview.IsInited();
     LoadNotes.Clear();
+    BeginEdit();
     Preview.DropSchedule();
     DetachObjects();
     RefreshNodes(stale);
-    ++Revision;
-    ++NumEdits;
     vector<TChunk*> all;
     Chunks.GetChunksOfClass(TToolNode::NameID(), all);
     for (TChunk* chunk : all)
@@ -319,11 +319,18 @@ void TDocument::SetModified(bool modified)
     UpdateTitles();
 }
 
+// Before any node changes or goes.
+void TDocument::BeginEdit()
+{
+    ++Revision;
+    ++NumEdits;
+    Agreement.Drop();
+}
+
 void TDocument::ApplyOperation(TOperation* op)
 {
     const TStepScope step(StepDepth);
-    ++Revision;
-    ++NumEdits;
+    BeginEdit();
     OperationStack->Apply(*this, op);
     SetModified(true);
     ReviewProblems();
@@ -332,8 +339,7 @@ void TDocument::ApplyOperation(TOperation* op)
 void TDocument::Undo()
 {
     const TStepScope step(StepDepth);
-    ++Revision;
-    ++NumEdits;
+    BeginEdit();
     bool fits = false;
     {
         const TGraphHold hold(*this);
@@ -347,8 +353,7 @@ void TDocument::Undo()
 void TDocument::Redo()
 {
     const TStepScope step(StepDepth);
-    ++Revision;
-    ++NumEdits;
+    BeginEdit();
     bool fits = false;
     {
         const TGraphHold hold(*this);
