@@ -3,6 +3,7 @@
 #include "particles/cindermill/interface/graph/graphwalk.h"
 
 class TDocument;
+class TToolNode;
 
 // What is done to the selected nodes of a graph. Each is one step of the history, or none where there is
 // nothing to do, which false tells.
