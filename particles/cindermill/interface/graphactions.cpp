@@ -117,6 +117,45 @@ void TGraphActions::FillMenu(TMenu& menu)
     }
 }
 
+void TGraphActions::EnableEntries(TMenu& menu, TToolNode& node) const
+{
+    vector<TToolNode*> nodes;
+    if (node.IsSelected())
+        nodes = GetDocument().GetSelection();
+    else
+        nodes.push_back(&node);
+    for (const TGraphAction& action : GraphActions)
+        if (action.Text != nullptr)
+            menu.EnableItem(action.Id, IsUseful(action.Id, nodes));
+    if (GetDocument().GetGraph()->GetNumNodes() < 2)
+        menu.EnableItem(GA_TIDY, false);
+}
+
+bool TGraphActions::IsUseful(int id, const vector<TToolNode*>& nodes)
+{
+    switch (id) {
+    case GA_BYPASS:
+        return CanBypassAny(nodes);
+    case GA_TAKEOUT:
+        return IsAnyWired(nodes);
+    case GA_UPSTREAM:
+        return CanReachMore(nodes, WD_UPSTREAM);
+    case GA_DOWNSTREAM:
+        return CanReachMore(nodes, WD_DOWNSTREAM);
+    case GA_ALIGNMENU:
+    case GA_ALIGNLEFT:
+    case GA_ALIGNRIGHT:
+    case GA_ALIGNTOP:
+    case GA_ALIGNBOTTOM:
+        return nodes.size() >= 2;
+    case GA_DISTRIBUTEACROSS:
+    case GA_DISTRIBUTEDOWN:
+        return nodes.size() >= 3;
+    default:
+        return true;
+    }
+}
+
 bool TGraphActions::OnMenu(int id, TToolNode* node)
 {
     if (id < GA_FIRST || id >= GA_ALIGNMENU)

@@ -21,6 +21,8 @@ public:
     void Attach(TDocWindow& docWindow);
 
     static void FillMenu(TMenu& menu);
+    // Greys the entries that would have nothing to do once the node is selected.
+    void EnableEntries(TMenu& menu, TToolNode& node) const;
     // An entry of the menu of a node, which is or becomes selected; null for none. False for an id that is
     // none of these entries'.
     bool OnMenu(int id, TToolNode* node);
@@ -35,6 +37,7 @@ public:
 private:
     TDocument& GetDocument() const;
     TGraphScene& GetScene() const;
+    static bool IsUseful(int id, const vector<TToolNode*>& nodes);
     bool OnKey(int key);
     bool Do(int id);
     bool DoToSelection(int id, bool& done);

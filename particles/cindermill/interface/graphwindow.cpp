@@ -391,6 +391,7 @@ void TGraphWindow::OnRightUp(const TMessage& message)
     ContextNode = object->GetToolNode();
     TMenu menu;
     FillContextMenu(menu);
+    Actions.EnableEntries(menu, *ContextNode);
     // What was chosen has been done when this returns.
     const TWindowHandle handle = GetHandle();
     menu.Track(*this, message.GetPixelX(), message.GetPixelY());

@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/mainwindow.h"
 
 #include "library/system/path.h"
+#include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
 namespace {
@@ -102,9 +103,31 @@ bool TMainWindow::Create()
 void TMainWindow::BuildMenus()
 {
     AddLines(Menu.AddPopup("File"), FileMenu);
-    AddLines(Menu.AddPopup("Edit"), EditMenu);
+    TMenu& edit = Menu.AddPopup("Edit");
+    AddLines(edit, EditMenu);
+    edit.SetOnShow([](TMenu& menu, bool shown,
+                      void* context) { static_cast<TMainWindow*>(context)->OnEditMenu(menu, shown); },
+                   this);
     AddLines(Menu.AddPopup("Tools"), ToolsMenu);
     AddLines(Menu.AddPopup("Window"), WindowMenu);
+}
+
+// As long as it is seen, the menu shows what has something to do. Then all entries take what comes by other
+// ways than the menu, and say themselves why nothing happens.
+void TMainWindow::OnEditMenu(TMenu& menu, bool shown)
+{
+    for (const TMenuLine& line : EditMenu)
+        if (line.Text != nullptr)
+            menu.EnableItem(line.Id, !shown || IsUseful(line.Id));
+}
+
+// What is being typed is entered by an undo, and so can be undone.
+bool TMainWindow::IsUseful(int id) const
+{
+    const TTextEdit* edit = TTextEdit::GetFocused();
+    if (id == MI_UNDO && App.GetActiveDocument() != nullptr && edit != nullptr && edit->IsEdited())
+        return true;
+    return App.GetIdleReason(id) == nullptr;
 }
 
 // They work with no document open; the graph views have their own.

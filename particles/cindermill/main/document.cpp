@@ -441,7 +441,7 @@ void TDocument::CutSelection()
 
 void TDocument::Paste()
 {
-    if (App.GetClipboard().IsEmpty())
+    if (!App.PreparePaste())
         return;
     vector<TToolNode*> nodes;
     App.PasteFromClipboard(*this, nodes);
