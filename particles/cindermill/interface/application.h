@@ -40,7 +40,7 @@ public:
     bool ChooseFolder(const char* title, TString& path) override;
     TModifiedAnswer AskModifiedFiles(const vector<TString>& names) override;
     TRecoveryAnswer AskRecovery(const vector<TString>& effects) override;
-    void ShowProperties(const char* text) override;
+    void ShowProperties(TDocument& document, const char* text) override;
     void ShowOptions() override;
     void Beep() override;
     void RebuildRecentFiles(const vector<TString>& files) override;

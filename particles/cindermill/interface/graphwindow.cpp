@@ -709,6 +709,20 @@ void TGraphWindow::BringIntoSight(const vector<TToolNode*>& nodes)
     SetView(view);
 }
 
+void TGraphWindow::Reveal(const TNodeObj& node)
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    TVector2 min;
+    TVector2 max;
+    node.GetRectangle(min, max);
+    TGraphView view = GetView();
+    view.Reveal(min, max, width, height);
+    if (!(view == GetView()))
+        ViewFocus.Start(GetView(), view, width, height);
+}
+
 void TGraphWindow::OnIdle()
 {
     if (!ViewFocus.IsRunning())

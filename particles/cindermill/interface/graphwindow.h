@@ -47,6 +47,8 @@ public:
     void Focus(const vector<TToolNode*>& nodes, bool animate);
     // Moves the view, its zoom kept, if nothing of the nodes is in sight.
     void BringIntoSight(const vector<TToolNode*>& nodes);
+    // Glides until the node is seen as a whole.
+    void Reveal(const TNodeObj& node);
     // What the delete key does here.
     void PressDelete();
     // One step of a running animation.

@@ -150,19 +150,21 @@ private:
     bool OnViewMenu(int id);
     bool AddDocument(const char* path);
     // Null, with the reason, if the document cannot be had. No path is a new one.
-    TDocument* MakeDocument(const char* path, const char* recovery, TString& fault);
+    TDocument* MakeDocument(const char* path, const TLostEffect* recovery, TString& fault);
     void Restore(const vector<TLostEffect>& lost);
     void TellDamaged(const TDamagedEffect& damaged);
     void DeleteDocument(TDocument* document);
     bool ChooseEffect(bool open, const char* title, const char* directory, TString& path);
     bool ChooseSavePlace(const TDocument& document, TString& path);
-    void TellWritten(const char* what, const char* path);
+    // The line that was told.
+    TString TellWritten(const char* what, const char* path);
     bool MakeWritable(const char* path, const char* purpose);
     bool ConfirmOverwrite(const char* path);
     bool ConfirmChanged(const TDocument& document);
     bool IsOpenEffect(const char* path);
     bool SettleModified(const vector<TDocument*>& documents);
     void RedrawDocuments();
+    void RunComparisons();
     bool DropAnimation(int x, int y, const char* file);
 
     TAppHost* Host;

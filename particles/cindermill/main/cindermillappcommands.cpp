@@ -133,7 +133,9 @@ bool TCindermillApp::OnDocumentMenu(int id)
         if (document != nullptr) {
             TString report;
             document->GetReport(report);
-            Host->ShowProperties(report.Print());
+            if (!document->GetAgreement().IsBegun())
+                document->GetAgreement().Begin();
+            Host->ShowProperties(*document, report.Print());
         }
         return true;
     case MI_UNDO:
@@ -220,19 +222,19 @@ bool TCindermillApp::AddDocument(const char* path)
 }
 
 // The views of a document make themselves the active ones while it is made.
-TDocument* TCindermillApp::MakeDocument(const char* path, const char* recovery, TString& fault)
+TDocument* TCindermillApp::MakeDocument(const char* path, const TLostEffect* recovery, TString& fault)
 {
     TDocWindow* const activeWindow = ActiveDocWindow;
     TDocument* const activeDocument = ActiveDocument;
     TDocument* document = new TDocument(*this, Host->CreateDocumentHost());
-    const bool made = recovery != nullptr ? document->Restore(recovery, path)
+    const bool made = recovery != nullptr ? document->Restore(recovery->File, path, recovery->Note.Former)
                       : path != nullptr   ? document->Load(path)
                                           : document->New();
     if (made) {
         Documents.push_back(document);
         // Before the notes: the system may end the program while they are shown.
         if (recovery != nullptr)
-            Autosave.OnRestored(*document, recovery);
+            Autosave.OnRestored(*document, recovery->File);
         if (!document->GetLoadNotes().empty())
             DisplayErrors("Load errors", document->GetLoadNotes());
         return document;
@@ -274,12 +276,13 @@ bool TCindermillApp::ChooseSavePlace(const TDocument& document, TString& path)
 }
 
 // With the time, as the line may be read later.
-void TCindermillApp::TellWritten(const char* what, const char* path)
+TString TCindermillApp::TellWritten(const char* what, const char* path)
 {
     TString text;
     text.Format("%s %s at %s, %u bytes", what, ShownPath(path).Print(), GetTimeOfDay().Print(),
                 GetFileSize(path));
     Host->ShowStatus(text);
+    return text;
 }
 
 void TCindermillApp::SaveActive()
@@ -412,7 +415,7 @@ void TCindermillApp::ExportActive()
         return;
     Autosave.WaitForDisc(MostDiscMilliseconds);
     if (document->Export(path))
-        TellWritten("Exported", path);
+        document->GetAgreement().BeginForFile(path, TellWritten("Exported", path));
 }
 
 void TCindermillApp::CloseDocument(TDocument* document)

@@ -446,6 +446,8 @@ void TNodeObj::FinishPress(const TVector2& point, const TRenderer* view)
     LayoutPorts();
     Scene.GetCanvas().MoveToFront(this);
     SendToParent(RE_REDRAW, point, 0);
+    if (!Collapsed && view != nullptr)
+        Scene.GetHost().NodeOpened(*view, *this);
 }
 
 void TNodeObj::ReleaseButton()
