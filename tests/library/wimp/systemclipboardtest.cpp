@@ -34,7 +34,8 @@ protected:
     std::string GetText(int limit = Limit)
     {
         TString text;
-        EXPECT_EQ(Clipboard.GetText(limit, text), !text.IsEmpty());
+        const bool found = Clipboard.GetText(limit, text);
+        EXPECT_EQ(found, !text.IsEmpty());
         return text.Print();
     }
 
