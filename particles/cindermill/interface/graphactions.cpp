@@ -2,6 +2,7 @@
 
 #include "library/wimp/menu.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/controls/fieldwalk.h"
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
@@ -31,7 +32,9 @@ enum TActionId
     GA_DISTRIBUTEDOWN,
     GA_TIDY,
     GA_MINIMAP,
-    GA_ALIGNMENU
+    GA_ALIGNMENU,
+    GA_OPENPANEL,
+    GA_END
 };
 
 // An entry without a text separates; those of a popup follow its own.
@@ -48,6 +51,7 @@ constexpr TGraphAction GraphActions[] = {
     {GA_ADDNODE, KEY_TAB, "Add Node...\tTab", false},
     {GA_FINDNODE, 'G' | SM_CTRL, "Find Node...\tCtrl+G", false},
     {0, 0, nullptr, false},
+    {GA_OPENPANEL, KEY_RETURN, "Open or Close Panel\tReturn", false},
     {GA_DUPLICATE, 'D' | SM_CTRL, "Duplicate\tCtrl+D", false},
     {GA_BYPASS, 'B' | SM_CTRL, "Bypass\tCtrl+B", false},
     {GA_TAKEOUT, 'E' | SM_CTRL, "Take Out of Wires\tCtrl+E", false},
@@ -77,8 +81,8 @@ const TGraphAction* FindActionOfKey(int key)
 bool IsFieldKey(int key)
 {
     const int plain = key & 0xFFFF;
-    return plain == KEY_TAB || plain == KEY_LEFT || plain == KEY_RIGHT || plain == KEY_UP ||
-           plain == KEY_DOWN;
+    return plain == KEY_TAB || plain == KEY_RETURN || plain == KEY_LEFT || plain == KEY_RIGHT ||
+           plain == KEY_UP || plain == KEY_DOWN;
 }
 
 } // namespace
@@ -119,7 +123,7 @@ void TGraphActions::FillMenu(TMenu& menu)
 
 bool TGraphActions::OnMenu(int id, TToolNode* node)
 {
-    if (id < GA_FIRST || id >= GA_ALIGNMENU)
+    if (id < GA_FIRST || id >= GA_END)
         return false;
     if (node != nullptr && !node->IsSelected())
         GetDocument().SelectNode(node, true);
@@ -188,6 +192,9 @@ bool TGraphActions::DoToSelection(int id, bool& done)
     case GA_TAKEOUT:
         done = TakeSelectionOut(GetDocument());
         return true;
+    case GA_OPENPANEL:
+        TogglePanel();
+        return true;
     case GA_UPSTREAM:
     case GA_DOWNSTREAM:
         done = SelectReached(GetDocument(), id == GA_UPSTREAM ? WD_UPSTREAM : WD_DOWNSTREAM);
@@ -205,6 +212,18 @@ bool TGraphActions::DoToSelection(int id, bool& done)
     default:
         return false;
     }
+}
+
+// Of the node that was selected last. Opened, it has the keys.
+void TGraphActions::TogglePanel()
+{
+    const vector<TToolNode*>& selection = GetDocument().GetSelection();
+    TNodeObj* object = GetScene().FindNode(selection[selection.size() - 1]);
+    object->ToggleOpen();
+    if (object->IsCollapsed())
+        return;
+    if (TRenderObject* first = FindNextField(object->GetExpanded(), false))
+        first->TakeKeys(&Graph.GetRenderer());
 }
 
 // In world units; the middle of the view where the pointer is elsewhere.

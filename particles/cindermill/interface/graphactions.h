@@ -38,6 +38,7 @@ private:
     bool OnKey(int key);
     bool Do(int id);
     bool DoToSelection(int id, bool& done);
+    void TogglePanel();
     bool IsGraphFocused() const;
     TVector2 GetPointer() const;
     void SearchToAdd(const TVector2& point);

@@ -1,7 +1,9 @@
 #include "particles/cindermill/interface/graphwindow.h"
 
 #include "library/containers/classregistry.h"
+#include "library/maths/scalar.h"
 #include "library/system/message.h"
+#include "library/wimp/accessiblecontents.h"
 #include "library/wimp/menu.h"
 #include "library/wimp/textclipboard.h"
 #include "particles/cindermill/graph/operations/rampchangepointsop.h"
@@ -19,6 +21,7 @@
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -137,6 +140,7 @@ void TGraphWindow::Redraw()
 {
     TWindow::Redraw();
     Minimap.Redraw();
+    IsChanged = true;
 }
 
 void TGraphWindow::AddShortcuts()
@@ -317,7 +321,7 @@ bool TGraphWindow::OnMessage(const TMessage& message)
         OnRightUp(message);
         return true;
     case MT_KEYDOWN:
-        return message.Key == KEY_ESCAPE && OnEscape();
+        return message.Key == KEY_MENU ? OpenMenuByKey() : message.Key == KEY_ESCAPE && OnEscape();
     case MT_SIZE:
         Minimap.Place();
         return false;
@@ -383,32 +387,79 @@ void TGraphWindow::OnRightUp(const TMessage& message)
     // Beside a running drag the button does nothing.
     const bool isClick = !DraggedFar && TWimp::Get().GetMouseDrag() == nullptr;
     DraggedFar = false;
-    if (isClick && OpenValueMenu(message))
+    const TVector2 point = PixelToWorld(message.X, message.Y);
+    if (!isClick || OpenValueMenu(point))
         return;
-    TNodeObj* object = isClick ? GetScene().NodeAt(PixelToWorld(message.X, message.Y)) : nullptr;
-    if (object == nullptr)
-        return;
-    ContextNode = object->GetToolNode();
+    if (TNodeObj* object = GetScene().NodeAt(point))
+        OpenNodeMenu(*object->GetToolNode(), point);
+}
+
+// A world point as a pixel that can be seen.
+void TGraphWindow::GetMenuPixel(const TVector2& point, int& x, int& y) const
+{
+    const TVector2 pixel = (point + GetView().GetOffset()) * GetView().GetScale()[0];
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    x = FloatToInt(std::clamp(pixel[0], 0.0f, static_cast<float>(width)));
+    y = FloatToInt(std::clamp(pixel[1], 0.0f, static_cast<float>(height)));
+}
+
+void TGraphWindow::OpenNodeMenu(TToolNode& node, const TVector2& point)
+{
+    ContextNode = &node;
     TMenu menu;
     FillContextMenu(menu);
+    int x = 0;
+    int y = 0;
+    GetMenuPixel(point, x, y);
     // What was chosen has been done when this returns.
     const TWindowHandle handle = GetHandle();
-    menu.Track(*this, message.GetPixelX(), message.GetPixelY());
+    menu.Track(*this, x, y);
     if (TWindow::Find(handle) == this)
         ContextNode = nullptr;
 }
 
-bool TGraphWindow::OpenValueMenu(const TMessage& message)
+bool TGraphWindow::OpenValueMenu(const TVector2& point)
 {
     // What is being typed is a part of the value.
     TTextEdit::EndFocusedInput();
-    ContextPoint = PixelToWorld(message.X, message.Y);
+    ContextPoint = point;
     const TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), ContextPoint);
     if (controls == nullptr)
         return false;
     TMenu menu;
     FillValueMenu(menu, *controls);
-    menu.Track(*this, message.GetPixelX(), message.GetPixelY());
+    int x = 0;
+    int y = 0;
+    GetMenuPixel(point, x, y);
+    menu.Track(*this, x, y);
+    return true;
+}
+
+// The menu key: for the control that has the focus, otherwise for the node that was selected last.
+bool TGraphWindow::OpenMenuByKey()
+{
+    if (TWimp::Get().GetMouseDrag() != nullptr)
+        return false;
+    TRenderObject* focus = TRenderObject::GetFocus();
+    if (focus != nullptr && IsFocusHere(*focus)) {
+        TVector2 min;
+        TVector2 max;
+        focus->GetBounds(min, max);
+        const TVector2 middle = focus->GetAbsolutePosition() + (min + max) * 0.5f;
+        const TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), middle);
+        if (controls != nullptr && focus->IsIn(*controls))
+            return OpenValueMenu(middle);
+    }
+    const vector<TToolNode*>& selection = GetDocument().GetSelection();
+    if (selection.empty())
+        return false;
+    TToolNode& node = *selection[selection.size() - 1];
+    TVector2 min;
+    TVector2 max;
+    GetScene().FindNode(&node)->GetRectangle(min, max);
+    OpenNodeMenu(node, (min + max) * 0.5f);
     return true;
 }
 
@@ -710,6 +761,9 @@ void TGraphWindow::BringIntoSight(const vector<TToolNode*>& nodes)
 
 void TGraphWindow::OnIdle()
 {
+    if (IsChanged && GetAccessible() != nullptr)
+        GetAccessible()->TellChanges(*this);
+    IsChanged = false;
     if (!ViewFocus.IsRunning())
         return;
     int width = 0;

@@ -101,8 +101,11 @@ private:
     bool GetBox(const vector<TToolNode*>& nodes, TVector2& min, TVector2& max) const;
     void OnLeftDown(const TMessage& message);
     void OnRightUp(const TMessage& message);
-    // The menu of the controls under the pointer; false for none.
-    bool OpenValueMenu(const TMessage& message);
+    // The menu of the controls at a world point; false for none.
+    bool OpenValueMenu(const TVector2& point);
+    void OpenNodeMenu(TToolNode& node, const TVector2& point);
+    bool OpenMenuByKey();
+    void GetMenuPixel(const TVector2& point, int& x, int& y) const;
     bool OnValueCommand(int id);
     // The Node Properties dialog.
     void ShowProperties(TToolNode& node);
@@ -137,5 +140,7 @@ private:
     TKeyboardShortcut Shortcuts;
     TGraphActions Actions;
     TMinimap Minimap;
+    // Something was drawn anew that assistive tools may want to hear of.
+    bool IsChanged = false;
     TViewFocus ViewFocus;
 };
