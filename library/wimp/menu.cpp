@@ -143,6 +143,17 @@ void TMenu::CheckItem(int id, bool checked)
     }
 }
 
+void TMenu::SetOnShow(TOnShow onShow, void* context)
+{
+    QMenu* menu = Data->GetMenu();
+    const auto tell = [this, onShow, context](bool shown) {
+        TEventScope scope;
+        onShow(*this, shown, context);
+    };
+    QObject::connect(menu, &QMenu::aboutToShow, menu, [tell] { tell(true); });
+    QObject::connect(menu, &QMenu::aboutToHide, menu, [tell] { tell(false); });
+}
+
 int TMenu::GetNumItems() const
 {
     return static_cast<int>(Data->GetMenu()->actions().size());

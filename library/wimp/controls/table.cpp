@@ -150,6 +150,8 @@ void TTable::ScrollRows(int rows)
 
 void TTable::OnContext(int, int) {}
 
+void TTable::OnWidth(int) {}
+
 void TTable::OnCommand(TWimpControl* control, intptr_t argument, int code)
 {
     if (control == &Bar)
@@ -245,9 +247,11 @@ void TTable::OnMouseMove(double x, double y, int buttons)
 {
     (void)y;
     // The columns may have become others meanwhile.
-    if (DraggedColumn >= 0)
+    if (DraggedColumn >= 0) {
         SetColumnWidth(DraggedColumn, static_cast<int>(std::floor(x)) - GrabOffset -
                                           (GetColumnEnd(DraggedColumn) - Widths[DraggedColumn]));
+        OnWidth(DraggedColumn);
+    }
     if (DraggedColumn >= 0 && (buttons & MB_LEFT) != 0)
         return;
     DraggedColumn = -1;

@@ -201,7 +201,7 @@ void TGraphAccess::PressItem(int item)
     else if (target.Part == GP_BYPASS)
         object->ToggleBypass();
     else if (target.Part == GP_OPENER)
-        object->ToggleOpen();
+        object->ToggleOpen(&Window.GetGraph().GetRenderer());
     else if (!target.Control->Activate())
         FocusItem(item);
     Window.GetWindows().RedrawGraphs();

@@ -293,10 +293,26 @@ void TDocumentWindows::ProblemsChanged(TDocument& document)
 {
     if (Scene != nullptr)
         Scene->ShowProblems(document.GetProblems());
+    RefreshStrips();
+}
+
+void TDocumentWindows::AgreementChanged(TDocument&)
+{
+    RefreshStrips();
+}
+
+void TDocumentWindows::RefreshStrips()
+{
     for (TDocWindow* window : Windows) {
         window->GetProblems().Refresh();
         window->GetHeader().OnProblemsChanged();
     }
+}
+
+void TDocumentWindows::ShowNode(TToolNode& node)
+{
+    if (!Windows.empty())
+        GetActiveView().ShowNode(node);
 }
 
 void TDocumentWindows::NodeTypesGo(TDocument&)
@@ -350,6 +366,12 @@ void TDocumentWindows::EdgeScroll(TRenderer& renderer, double x, double y)
 {
     if (TGraphWindow* graph = FindGraph(renderer))
         graph->EdgeScroll(x, y);
+}
+
+void TDocumentWindows::NodeOpened(const TRenderer& renderer, const TNodeObj& node)
+{
+    if (TGraphWindow* graph = FindGraph(renderer))
+        graph->Reveal(node);
 }
 
 void TDocumentWindows::BeginDrag(TRenderer& renderer, TMouseDrag& drag)

@@ -39,12 +39,14 @@ public:
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
     void ProblemsChanged(TDocument& document) override;
+    void AgreementChanged(TDocument& document) override;
     void NodeTypesGo(TDocument& document) override;
     void NodeTypesCame(TDocument& document) override;
 
     // The graph's render objects'.
     void RedrawGraphs() override;
     void EdgeScroll(TRenderer& renderer, double x, double y) override;
+    void NodeOpened(const TRenderer& renderer, const TNodeObj& node) override;
     void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override;
     void EndDrag(TRenderer& renderer) override;
     void ShowHelp(const char* text, const TVector2& point) override;
@@ -67,6 +69,9 @@ public:
     // The view was used last: it gets the shortcuts that are pressed in the effect's display and in traces.
     void CollectShortcuts(TDocWindow& window);
 
+    // In the view that was used last.
+    void ShowNode(TToolNode& node);
+
     // The preview draws a group alone, or all again; -1 for all.
     void ShowGroupAlone(int group);
 
@@ -79,6 +84,7 @@ public:
 
 private:
     bool AddView(TDocument& document);
+    void RefreshStrips();
     void PlaceWindows(TDocument& document);
     void PlaceDisplay();
     TDocWindow& GetActiveView() const;

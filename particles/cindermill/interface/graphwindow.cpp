@@ -1,10 +1,8 @@
 #include "particles/cindermill/interface/graphwindow.h"
 
 #include "library/containers/classregistry.h"
-#include "library/maths/scalar.h"
 #include "library/system/message.h"
 #include "library/wimp/accessiblecontents.h"
-#include "library/wimp/menu.h"
 #include "library/wimp/textclipboard.h"
 #include "particles/cindermill/graph/operations/rampchangepointsop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
@@ -16,22 +14,15 @@
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
-#include "particles/cindermill/interface/options/nodepropertiesdialog.h"
-#include "particles/cindermill/interface/valuemenu.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
 
 constexpr int IconId = 101;
 constexpr TGDIColour Paper = 0xFFFFF2;
-constexpr int MenuFocusNodeGroup = 40215;
-constexpr int MenuInsertNode = 40217;
-constexpr int MenuNodeProperties = 40216;
-constexpr int MenuNodeTrace = 40218;
 
 // Shared by all drags.
 int EdgeMargin = TGraphView::ScrollMargin;
@@ -103,7 +94,7 @@ bool CanEdit()
 
 } // namespace
 
-TGraphWindow::TGraphWindow() : Shortcuts(this), Actions(*this), Minimap(*this) {}
+TGraphWindow::TGraphWindow() : Shortcuts(this), Actions(*this), Menus(*this), Minimap(*this) {}
 
 TGraphWindow::~TGraphWindow()
 {
@@ -123,6 +114,7 @@ bool TGraphWindow::Create(TDocWindow& docWindow, TWindow& owner, const TRenderer
     AddShortcuts();
     Shortcuts.Attach(this);
     Actions.Attach(docWindow);
+    Menus.Attach(docWindow);
     return true;
 }
 
@@ -321,7 +313,7 @@ bool TGraphWindow::OnMessage(const TMessage& message)
         OnRightUp(message);
         return true;
     case MT_KEYDOWN:
-        return message.Key == KEY_MENU ? OpenMenuByKey() : message.Key == KEY_ESCAPE && OnEscape();
+        return message.Key == KEY_MENU ? Menus.OpenByKey() : message.Key == KEY_ESCAPE && OnEscape();
     case MT_SIZE:
         Minimap.Place();
         return false;
@@ -388,122 +380,16 @@ void TGraphWindow::OnRightUp(const TMessage& message)
     const bool isClick = !DraggedFar && TWimp::Get().GetMouseDrag() == nullptr;
     DraggedFar = false;
     const TVector2 point = PixelToWorld(message.X, message.Y);
-    if (!isClick || OpenValueMenu(point))
-        return;
-    if (TNodeObj* object = GetScene().NodeAt(point))
-        OpenNodeMenu(*object->GetToolNode(), point);
-}
-
-// A world point as a pixel that can be seen.
-void TGraphWindow::GetMenuPixel(const TVector2& point, int& x, int& y) const
-{
-    const TVector2 pixel = (point + GetView().GetOffset()) * GetView().GetScale()[0];
-    int width = 0;
-    int height = 0;
-    GetSize(width, height);
-    x = FloatToInt(std::clamp(pixel[0], 0.0f, static_cast<float>(width)));
-    y = FloatToInt(std::clamp(pixel[1], 0.0f, static_cast<float>(height)));
-}
-
-void TGraphWindow::OpenNodeMenu(TToolNode& node, const TVector2& point)
-{
-    ContextNode = &node;
-    TMenu menu;
-    FillContextMenu(menu);
-    int x = 0;
-    int y = 0;
-    GetMenuPixel(point, x, y);
-    // What was chosen has been done when this returns.
-    const TWindowHandle handle = GetHandle();
-    menu.Track(*this, x, y);
-    if (TWindow::Find(handle) == this)
-        ContextNode = nullptr;
-}
-
-bool TGraphWindow::OpenValueMenu(const TVector2& point)
-{
-    // What is being typed is a part of the value.
-    TTextEdit::EndFocusedInput();
-    ContextPoint = point;
-    const TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), ContextPoint);
-    if (controls == nullptr)
-        return false;
-    TMenu menu;
-    FillValueMenu(menu, *controls);
-    int x = 0;
-    int y = 0;
-    GetMenuPixel(point, x, y);
-    menu.Track(*this, x, y);
-    return true;
-}
-
-// The menu key: for the control that has the focus, otherwise for the node that was selected last.
-bool TGraphWindow::OpenMenuByKey()
-{
-    if (TWimp::Get().GetMouseDrag() != nullptr)
-        return false;
-    TRenderObject* focus = TRenderObject::GetFocus();
-    if (focus != nullptr && IsFocusHere(*focus)) {
-        TVector2 min;
-        TVector2 max;
-        focus->GetBounds(min, max);
-        const TVector2 middle = focus->GetAbsolutePosition() + (min + max) * 0.5f;
-        const TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), middle);
-        if (controls != nullptr && focus->IsIn(*controls))
-            return OpenValueMenu(middle);
-    }
-    const vector<TToolNode*>& selection = GetDocument().GetSelection();
-    if (selection.empty())
-        return false;
-    TToolNode& node = *selection[selection.size() - 1];
-    TVector2 min;
-    TVector2 max;
-    GetScene().FindNode(&node)->GetRectangle(min, max);
-    OpenNodeMenu(node, (min + max) * 0.5f);
-    return true;
-}
-
-// While the menu was open the controls may have been made anew.
-bool TGraphWindow::OnValueCommand(int id)
-{
-    TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), ContextPoint);
-    return controls != nullptr && DoValueCommand(id, *controls);
-}
-
-void TGraphWindow::FillContextMenu(TMenu& menu)
-{
-    menu.AddItem(MenuFocusNodeGroup, "Focus Node Group");
-    menu.AddItem(MenuInsertNode, "Insert Node...");
-    menu.EnableItem(MenuFocusNodeGroup, false);
-    menu.EnableItem(MenuInsertNode, false);
-    menu.AddItem(MenuNodeProperties, "Node Properties...");
-    menu.AddItem(MenuNodeTrace, "Node Output Trace...");
-    TGraphActions::FillMenu(menu);
+    if (isClick)
+        Menus.Open(point);
 }
 
 void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
 {
-    if (code != CC_MENU) {
+    if (code == CC_MENU)
+        Menus.OnCommand(static_cast<int>(argument));
+    else
         TWindow::OnCommand(control, argument, code);
-        return;
-    }
-    if (OnValueCommand(static_cast<int>(argument)))
-        return;
-    TToolNode* node = ContextNode;
-    ContextNode = nullptr;
-    if (Actions.OnMenu(static_cast<int>(argument), node))
-        return;
-    // The first two entries do nothing yet.
-    if (argument == MenuNodeProperties && node != nullptr)
-        ShowProperties(*node);
-    else if (argument == MenuNodeTrace && node != nullptr)
-        DocWindow->GetWindows().OpenTrace(*node, *DocWindow);
-}
-
-void TGraphWindow::ShowProperties(TToolNode& node)
-{
-    TNodePropertiesDialog dialog(GetDocument(), node, TCindermillApp::Get().GetNodeTypes());
-    dialog.Run(nullptr);
 }
 
 void TGraphWindow::HideHelp()
@@ -757,6 +643,20 @@ void TGraphWindow::BringIntoSight(const vector<TToolNode*>& nodes)
     TGraphView view = GetView();
     view.SetCentre((min + max) * 0.5f, view.GetScale(), width, height);
     SetView(view);
+}
+
+void TGraphWindow::Reveal(const TNodeObj& node)
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    TVector2 min;
+    TVector2 max;
+    node.GetRectangle(min, max);
+    TGraphView view = GetView();
+    view.Reveal(min, max, width, height);
+    if (!(view == GetView()))
+        ViewFocus.Start(GetView(), view, width, height);
 }
 
 void TGraphWindow::OnIdle()

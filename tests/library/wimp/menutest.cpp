@@ -157,3 +157,32 @@ TEST_F(TMenuTest, EachEntryIsChosenByALetterOfItsOwn)
     EXPECT_EQ(Window.Commands[0].Argument, 2);
     EXPECT_EQ(Window.Commands[1].Argument, 2);
 }
+
+TEST_F(TMenuTest, TellsWhenItIsSeenAndWhenItGoesAndAChoiceComesLast)
+{
+    TMenu menu;
+    menu.AddItem(1, "One");
+    menu.AddItem(2, "Two");
+    std::vector<int> told;
+    struct TTold
+    {
+        std::vector<int>* List;
+        TRecordingWindow* Window;
+    } context{&told, &Window};
+    menu.SetOnShow(
+        [](TMenu& shownMenu, bool shown, void* data) {
+            const TTold& where = *static_cast<TTold*>(data);
+            where.List->push_back(shown ? 1 : 0);
+            shownMenu.EnableItem(1, !shown);
+            EXPECT_TRUE(where.Window->Commands.empty());
+        },
+        &context);
+    Track(menu, [](QMenu& open) {
+        EXPECT_FALSE(open.actions()[0]->isEnabled());
+        open.setActiveAction(open.actions()[1]);
+        QTest::keyClick(&open, Qt::Key_Return);
+    });
+    EXPECT_EQ(told, (std::vector<int>{1, 0}));
+    ASSERT_EQ(Window.Commands.size(), 1u);
+    EXPECT_EQ(Window.Commands[0].Argument, 2);
+}

@@ -28,7 +28,6 @@ public:
 
 private:
     void TellDifference(const TReplayDifference& difference, TLintReport& report) const;
-    bool IsTold(const TReplayDifference& difference, const TLintReport& report) const;
 
     const TEffectSchedule& Schedule;
     const TLintOptions& Options;

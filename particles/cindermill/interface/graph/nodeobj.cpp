@@ -435,10 +435,10 @@ void TNodeObj::FinishPress(const TVector2& point, const TRenderer* view)
 {
     ReleaseButton();
     if (HitsButton(point, view))
-        ToggleOpen();
+        ToggleOpen(view);
 }
 
-void TNodeObj::ToggleOpen()
+void TNodeObj::ToggleOpen(const TRenderer* view)
 {
     if (Collapsed && CanOpen())
         BuildControls();
@@ -450,6 +450,8 @@ void TNodeObj::ToggleOpen()
     LayoutPorts();
     Scene.GetCanvas().MoveToFront(this);
     SendToParent(RE_REDRAW, TVector2(0, 0), 0);
+    if (!Collapsed && view != nullptr)
+        Scene.GetHost().NodeOpened(*view, *this);
 }
 
 void TNodeObj::ReleaseButton()

@@ -106,3 +106,95 @@ TEST_F(ProblemStrip, ANodeThatWentLeadsNowhere)
     Release(Strip(), at);
     EXPECT_EQ(NumSelected(), 0);
 }
+
+namespace {
+
+// A sample in its windows, with what it names.
+class AgreementStrip : public DocWindows
+{
+protected:
+    void Open(const char* sample)
+    {
+        App.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples").c_str());
+        Document = LoadDocument(SourcePath(std::string("samples/") + sample + ".effect"));
+        ASSERT_NE(Document, nullptr);
+        ASSERT_TRUE(Document->EnsureSchedule());
+        Settle();
+    }
+    void Export()
+    {
+        Host.Choice = App.Path("a.efx");
+        App.Get().SetActiveDocWindow(&ViewOf(*Document), Document);
+        App.Get().OnMenu(MI_EXPORT);
+        do
+            App.Get().OnIdle();
+        while (Document->GetAgreement().IsRunning());
+        Settle();
+    }
+    TProblemStrip& Strip() { return ViewOf(*Document).GetProblems(); }
+
+    TDocument* Document = nullptr;
+};
+
+} // namespace
+
+TEST_F(AgreementStrip, AnExportStaysInSightUntilTheNextEdit)
+{
+    ASSERT_NO_FATAL_FAILURE(Open("fountain"));
+    const int height = GraphOf(*Document).GetHandle()->height();
+    EXPECT_FALSE(Strip().IsShown());
+    Export();
+    EXPECT_EQ(Strip().GetNumEntries(), 1);
+    EXPECT_TRUE(Strip().IsShown());
+    EXPECT_EQ(GraphOf(*Document).GetHandle()->height(), height - TProblemStrip::RowHeight);
+    EXPECT_FALSE(ViewOf(*Document).GetHeader().HasProblem(0));
+    const std::string status = Host.Statuses.back();
+    EXPECT_EQ(status.find("Exported "), 0u);
+    EXPECT_EQ(status.substr(status.size() - 26), ". Preview and export agree");
+    // It leads nowhere.
+    const QPoint at(100, 10);
+    Press(Strip(), at);
+    Release(Strip(), at);
+    EXPECT_TRUE(Document->GetSelection().empty());
+    AddNode(*Document, "Gravity", 200, 400);
+    App.Get().OnIdle();
+    Settle();
+    EXPECT_FALSE(Strip().IsShown());
+    EXPECT_EQ(GraphOf(*Document).GetHandle()->height(), height);
+}
+
+TEST_F(AgreementStrip, EachOfItsEntriesLeadsToItsNode)
+{
+    ASSERT_NO_FATAL_FAILURE(Open("waterfall"));
+    Export();
+    const vector<TVerdictLine>& lines = Document->GetAgreement().GetLines();
+    ASSERT_GE(lines.size(), 2);
+    EXPECT_EQ(Strip().GetNumEntries(), lines.size());
+    for (int i = 0; i < lines.size() && i < TProblemStrip::MaxRows; ++i) {
+        ASSERT_NE(lines[i].Node, nullptr);
+        Document->ClearSelection();
+        SetView(GraphOf(*Document), 20000, 20000, 1);
+        const QPoint at(100, i * TProblemStrip::RowHeight + 10);
+        Press(Strip(), at);
+        Release(Strip(), at);
+        while (GraphOf(*Document).IsFocusing())
+            GraphOf(*Document).OnIdle();
+        ASSERT_EQ(Document->GetSelection().size(), 1);
+        EXPECT_EQ(Document->GetSelection()[0], lines[i].Node);
+        EXPECT_EQ(Text(lines[i].Node->GetNodeType()->Name), "Grid");
+        EXPECT_TRUE(GraphOf(*Document).GetHandle()->rect().contains(
+            MiddleOf(*Document, static_cast<const TToolNode*>(lines[i].Node))));
+    }
+}
+
+TEST_F(AgreementStrip, ProblemsComeFirst)
+{
+    ASSERT_NO_FATAL_FAILURE(Open("fireflies"));
+    Export();
+    EXPECT_EQ(Strip().GetNumEntries(), 2);
+    AddNode(*Document, "Quad Render Stage", 200, 400);
+    Document->RebuildSchedule(false);
+    const int problems = Document->GetProblems().size();
+    ASSERT_GE(problems, 1);
+    EXPECT_EQ(Strip().GetNumEntries(), problems);
+}
