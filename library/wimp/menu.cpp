@@ -1,6 +1,7 @@
 #include "library/wimp/menu.h"
 
 #include "library/wimp/menudata.h"
+#include "library/wimp/mnemonics.h"
 #include "library/wimp/modal.h"
 
 #include <QtGui/QAction>
@@ -167,6 +168,7 @@ void TMenu::Track(TWindow& window, int x, int y)
     window.ClientToScreen(x, y);
     QMenu* menu = Data->GetMenu();
     menu->setObjectName(QStringLiteral("popup"));
+    AssignMnemonics(*menu);
     Data->Tracking = true;
     Data->Chosen = 0;
     {

@@ -2,6 +2,7 @@
 
 #include "library/system/path.h"
 #include "particles/cindermill/interface/controls/textedit.h"
+#include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
 namespace {
@@ -69,6 +70,13 @@ TWindowClass& GetMainWindowClass()
 
 } // namespace
 
+// Of the view that was used last; null for none.
+static TGraphActions* GetGraphActions()
+{
+    TDocWindow* view = TCindermillApp::Get().GetActiveDocWindow();
+    return view != nullptr ? &view->GetGraph().GetActions() : nullptr;
+}
+
 bool TMainWindow::Create()
 {
     TWindowClass& windowClass = GetMainWindowClass();
@@ -110,6 +118,11 @@ void TMainWindow::BuildMenus()
                    this);
     AddLines(Menu.AddPopup("Tools"), ToolsMenu);
     AddLines(Menu.AddPopup("Window"), WindowMenu);
+    TMenu& graph = Menu.AddPopup("Graph");
+    TGraphActions::FillMenu(graph);
+    graph.SetOnShow([](TMenu& menu, bool shown,
+                       void*) { TGraphActions::ShowEntries(menu, GetGraphActions(), shown); },
+                    nullptr);
 }
 
 // As long as it is seen, the menu shows what has something to do. Then all entries take what comes by other
@@ -171,7 +184,10 @@ bool TMainWindow::OnMessage(const TMessage& message)
 
 void TMainWindow::OnCommand(TWimpControl*, intptr_t argument, int code)
 {
-    if (code == CC_MENU) {
+    if (code == CC_MENU && TGraphActions::IsEntry(static_cast<int>(argument))) {
+        if (TGraphActions* actions = GetGraphActions())
+            actions->OnMainMenu(static_cast<int>(argument));
+    } else if (code == CC_MENU) {
         App.OnMenu(static_cast<int>(argument));
     } else if (code == CC_BUTTON) {
         StartPage.OnEntry(static_cast<int>(argument));

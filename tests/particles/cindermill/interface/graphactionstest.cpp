@@ -103,7 +103,7 @@ TEST_F(GraphActions, TheEntriesOfANodesMenuActOnTheSelection)
     // As in other programs, a node that is not selected becomes the selection.
     MeetMenu([&](QMenu& menu) {
         for (QAction* action : menu.actions())
-            if (action->text().startsWith("Duplicate"))
+            if (ShownText(*action).rfind("Duplicate", 0) == 0)
                 action->trigger();
         menu.close();
     });
