@@ -123,7 +123,6 @@ void TDocGraphHeader::OnGraphChanged()
 {
     const TEffectSchedule& schedule = DocWindow->GetDocument().GetSchedule();
     vector<TString> labels;
-    ::GetTabNames(schedule, TabNames);
     ::GetTabLabels(schedule, labels);
     if (AreEqual(labels, Strip.GetLabels()))
         return;
@@ -206,7 +205,7 @@ int TDocGraphHeader::FindTab(int x, int y) const
 void TDocGraphHeader::PressTab(int tab)
 {
     OnGraphChanged();
-    if (tab >= 0 && tab < TabNames.size())
+    if (tab >= 0 && tab < Strip.GetLabels().size())
         OnTab(tab, false);
 }
 

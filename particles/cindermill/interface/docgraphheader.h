@@ -27,7 +27,6 @@ public:
     // Whether a problem is at a node of the tab's.
     bool HasProblem(int tab) const;
 
-    const vector<TString>& GetTabNames() const { return TabNames; }
     // What the tabs show.
     const vector<TString>& GetTabLabels() const { return Strip.GetLabels(); }
     // As a click on the tab does; nothing for one that is not there.
@@ -50,7 +49,6 @@ private:
 
     TDocWindow* DocWindow = nullptr;
     bool IsRegistered = false;
-    vector<TString> TabNames;
     TTabStrip Strip;
 };
 

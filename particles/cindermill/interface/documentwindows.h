@@ -8,7 +8,6 @@
 
 class TDocWindow;
 class TGraphWindow;
-class TParticleWindow;
 class TWindowPlaces;
 
 // The windows of one document: its views, its particle window, and the drawing of its graph, which all views

@@ -2,7 +2,6 @@
 
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/docwindow.h"
-#include "particles/cindermill/interface/fittedtext.h"
 #include "particles/cindermill/main/document.h"
 
 namespace {
@@ -135,10 +134,8 @@ void TProblemStrip::Paint(TGDIContext& context) const
         context.SetBrush(MarkColour);
         const int mark = top + (RowHeight - MarkSize) / 2;
         context.Rectangle(MarkSize, mark, 2 * MarkSize, mark + MarkSize);
-        TString text;
-        FitText(RowFont, problems[i].Text.Print(), width - TextLeft - 8, text);
         context.SetTextColour(leads ? Ink : Faint);
-        context.TextOut(TextLeft, top + TextTop, text.Print());
+        context.TextOutShortened(TextLeft, top + TextTop, width - TextLeft - 8, problems[i].Text.Print());
     }
     context.SetPen(Edge);
     context.Line(0, 0, width, 0);

@@ -1,6 +1,11 @@
 #include "graphwindowfixture.h"
 
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/effectgraph/simpleparameters.h"
+
+#include <QtGui/QImage>
+
+#include <filesystem>
 
 namespace {
 
@@ -23,6 +28,15 @@ protected:
             if (problems[i].Node == node)
                 return i;
         return -1;
+    }
+    // As it is drawn, in the corner of the tab.
+    static bool HasBadge(const TDocGraphHeader& header, int tab)
+    {
+        int left = 0;
+        int right = 0;
+        header.GetTabEdges(tab, left, right);
+        const QImage picture = header.GetHandle()->grab().toImage();
+        return (picture.pixel(right - 4, 4) & 0xFFFFFF) == 0xC62828;
     }
     void Connect(TToolNode* source, const char* output, TToolNode* destination, const char* input)
     {
@@ -52,6 +66,45 @@ TEST_F(ProblemStrip, StandsBelowTheGraphAsLongAsThereAreProblems)
     EXPECT_FALSE(Strip().IsShown());
     EXPECT_EQ(Graph().GetHandle()->height(), height);
     EXPECT_FALSE(View().GetHeader().HasProblem(0));
+}
+
+TEST_F(ProblemStrip, TheTabOfTheNodesGroupHasABadgeAndNoOtherGroups)
+{
+    // Nothing is searched for.
+    App.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+    App.Get().GetResourceLocator().ReadSettings();
+    std::filesystem::copy(SourcePath("samples/textures"), App.Path("resources"),
+                          std::filesystem::copy_options::overwrite_existing);
+    TDocument* effect = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(effect, nullptr);
+    TEffectGraph& graph = *effect->GetGraph();
+    const int count = graph.GetNumNodes();
+    for (int i = 0; i < count; ++i)
+        effect->SelectNode(static_cast<TToolNode*>(graph.GetNode(i)), false);
+    effect->CopySelection();
+    effect->Paste();
+    Settle();
+    TDocGraphHeader& header = ViewOf(*effect).GetHeader();
+    ASSERT_EQ(header.GetTabLabels().size(), 3);
+    for (int broken = 1; broken <= 2; ++broken) {
+        const TEffectSchedule& schedule = effect->GetSchedule();
+        const int group = GetTabGroup(schedule, broken);
+        TNodeTextureParameter* texture = nullptr;
+        for (int i = 0; i < schedule.GetNumTiedNodes(group) && texture == nullptr; ++i)
+            texture = schedule.GetNode(schedule.GetTiedNode(group, i))
+                          ->GetNodeType()
+                          ->FindParameterOf<TNodeTextureParameter>("Texture", PK_TEXTURE);
+        ASSERT_NE(texture, nullptr);
+        const std::string whole = Text(texture->GetFileName());
+        texture->SetValue("nowhere.dds");
+        effect->RebuildSchedule(true);
+        EXPECT_TRUE(HasBadge(header, 0)) << broken;
+        EXPECT_EQ(HasBadge(header, 1), broken == 1);
+        EXPECT_EQ(HasBadge(header, 2), broken == 2);
+        texture->SetValue(whole.c_str());
+        effect->RebuildSchedule(true);
+        EXPECT_FALSE(HasBadge(header, 0) || HasBadge(header, 1) || HasBadge(header, 2));
+    }
 }
 
 TEST_F(ProblemStrip, AClickShowsTheNode)

@@ -118,7 +118,7 @@ TEST_F(TabStrip, ATabBeyondTheRightEdgeIsReachedByTheArrowAndByTheWheel)
     TDocument* document = LoadManyGroups(14);
     ASSERT_NE(document, nullptr);
     TDocGraphHeader& header = ViewOf(*document).GetHeader();
-    const int last = header.GetTabNames().size() - 1;
+    const int last = header.GetTabLabels().size() - 1;
     int width = 0;
     int height = 0;
     header.GetSize(width, height);
