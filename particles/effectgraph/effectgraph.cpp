@@ -111,6 +111,14 @@ void TEffectGraph::RemoveEdges(const vector<TEffectEdge*>& edges)
     ClearCanConnectCache();
 }
 
+TEffectNode* TEffectGraph::FindNodeOf(const TNodeType* type) const
+{
+    for (TEffectNode* node : Nodes)
+        if (type != nullptr && node->GetNodeType() == type)
+            return node;
+    return nullptr;
+}
+
 void TEffectGraph::GraphChanged()
 {
     ResolvePolytypes(*this);

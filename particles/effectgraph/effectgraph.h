@@ -27,6 +27,8 @@ public:
     bool Has(const TEffectEdge* edge) const { return Members.Has(edge); }
     int GetNumNodes() const { return Nodes.size(); }
     TEffectNode* GetNode(int i) const { return Nodes[i]; }
+    // The node whose own type it is, for no other node has it; null where it has left.
+    TEffectNode* FindNodeOf(const TNodeType* type) const;
     int GetNumEdges() const { return Edges.size(); }
     TEffectEdge* GetEdge(int i) const { return Edges[i]; }
 

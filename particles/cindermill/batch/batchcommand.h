@@ -39,8 +39,6 @@ public:
 };
 
 // All commands, in the order in which the usage lists them.
-int GetNumBatchCommands();
-const TBatchCommand& GetBatchCommand(int index);
 // Null for an unknown word.
 const TBatchCommand* FindBatchCommand(const char* word);
 

@@ -19,7 +19,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 
 namespace {
 
@@ -57,16 +56,6 @@ const TBatchCommand* const Commands[] = {
 };
 
 } // namespace
-
-int GetNumBatchCommands()
-{
-    return static_cast<int>(std::size(Commands));
-}
-
-const TBatchCommand& GetBatchCommand(int index)
-{
-    return *Commands[index];
-}
 
 const TBatchCommand* FindBatchCommand(const char* word)
 {

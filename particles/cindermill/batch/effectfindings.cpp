@@ -1,40 +1,11 @@
 #include "particles/cindermill/batch/effectfindings.h"
 
-#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/main/document.h"
-
-namespace {
-
-int FindGroupOf(const TEffectSchedule& schedule, const TEffectNode& node)
-{
-    for (int group = 0; group < schedule.GetNumGroups(); ++group)
-        for (int tied = 0; tied < schedule.GetNumTiedNodes(group); ++tied)
-            if (schedule.GetNode(schedule.GetTiedNode(group, tied)) == &node)
-                return group;
-    return -1;
-}
-
-const TEffectNode* FindNodeOf(const TEffectGraph& graph, const TNodeType* type)
-{
-    for (int i = 0; i < graph.GetNumNodes(); ++i)
-        if (graph.GetNode(i)->GetNodeType() == type)
-            return graph.GetNode(i);
-    return nullptr;
-}
-
-} // namespace
 
 void GetNodePlace(TDocument& document, const TEffectNode& node, int group, TFindingPlace& place)
 {
-    place.Node = node.GetNodeType()->Name;
-    place.Type = node.GetNodeType()->ClassName;
-    place.Group = group != -1 ? group : FindGroupOf(document.GetSchedule(), node);
-    place.Id = node.ChunkIdx;
-    if (!IsClassA(FindClassByNameID(node.GetClassId()), TToolNode::ClassId()))
-        return;
-    const TToolNode& drawn = static_cast<const TToolNode&>(node);
-    place.X = static_cast<float>(drawn.GetX());
-    place.Y = static_cast<float>(drawn.GetY());
+    SetNodePlace(node, group != -1 ? group : document.GetSchedule().FindGroupOf(node), place);
 }
 
 void GetSourcePlace(TDocument& document, const TErrorSource& source, TFindingPlace& place)
@@ -42,7 +13,7 @@ void GetSourcePlace(TDocument& document, const TErrorSource& source, TFindingPla
     place.Group = source.Group;
     if (source.Type == nullptr)
         return;
-    if (const TEffectNode* node = FindNodeOf(*document.GetGraph(), source.Type)) {
+    if (const TEffectNode* node = document.GetGraph()->FindNodeOf(source.Type)) {
         GetNodePlace(document, *node, source.Group, place);
         return;
     }

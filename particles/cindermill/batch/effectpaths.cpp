@@ -123,6 +123,8 @@ private:
     vector<TString> Names;
 };
 
+} // namespace
+
 void ListEffectsBelow(const TString& folder, vector<TString>& files)
 {
     vector<TDirectoryEntry> entries;
@@ -140,12 +142,10 @@ void ListEffectsBelow(const TString& folder, vector<TString>& files)
         extension.SetExtension(entry.Name);
         if (entry.IsDirectory)
             ListEffectsBelow(path, files);
-        else if (extension.Compare("effect") == 0)
+        else if (entry.Name.Find('.') != -1 && extension.Compare("effect") == 0)
             Append(files, path);
     }
 }
-
-} // namespace
 
 bool FitsPattern(const char* name, const char* pattern)
 {

@@ -11,5 +11,9 @@
 // "**" for any folders. Names that begin with a point are left out unless the pattern has the point.
 void ExpandEffectPaths(const char* word, vector<TString>& files);
 
+// Appends the effects below a folder in the order of names, without those in and of names that begin with a
+// point. A folder that cannot be read stands for itself.
+void ListEffectsBelow(const TString& folder, vector<TString>& files);
+
 // Whether a name without separators fits a pattern without.
 bool FitsPattern(const char* name, const char* pattern);

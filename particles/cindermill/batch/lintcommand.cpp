@@ -49,6 +49,7 @@ private:
                 loaded = document.BatchLoad(path) && document.CheckLoaded() && document.ResolveTypes(errors);
             },
             fault);
+        report.SetGraph(document.GetGraph());
         for (const TError* note : document.GetLoadNotes())
             report.AddError(LK_LOADMENDED, *note);
         if (loaded)

@@ -1,6 +1,6 @@
 #include "particles/cindermill/batch/picturecommand.h"
 
-#include "library/system/childprogram.h"
+#include "library/system/becomeprogram.h"
 #include "library/system/file.h"
 #include "library/system/path.h"
 #include "particles/cindermill/batch/batchsession.h"
@@ -73,11 +73,10 @@ int TPictureCommand::Run(TBatchSession& session, TArguments& arguments) const
     words.push_back(Name);
     while (const char* word = arguments.Take())
         words.push_back(word);
-    int status = StatusErrors;
     TString fault;
     std::fflush(stdout);
-    if (RunChildProgram(words, status, fault))
-        return status;
-    std::fprintf(stderr, "cindermill-picture failed: %s\n", fault.Print());
+    BecomeProgram(words, fault);
+    ToShownPath(words[0], path);
+    std::fprintf(stderr, "%s cannot be started: %s\n", path.Print(), fault.Print());
     return StatusErrors;
 }

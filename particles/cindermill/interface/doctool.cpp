@@ -182,7 +182,7 @@ void TDocTool::OnLeftDown(int x, int y)
         const TPaletteRow row = Palette.GetRows()[index];
         if (row.Type != -1) {
             DocWindow->BeginTypeDrag(*GetLibrary().GetType(row.Type));
-        } else if (x < row.Indent + BoxReach) {
+        } else if (x < row.Indent + BoxReach && !Palette.HasFilter()) {
             Palette.Toggle(row.Item);
             ScrollTo(ScrollY);
             Redraw();

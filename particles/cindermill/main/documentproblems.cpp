@@ -5,14 +5,6 @@
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
-static const TEffectNode* FindNodeOf(const TEffectGraph& graph, const TNodeType* type)
-{
-    for (int i = 0; type != nullptr && i < graph.GetNumNodes(); ++i)
-        if (graph.GetNode(i)->GetNodeType() == type)
-            return graph.GetNode(i);
-    return nullptr;
-}
-
 void TDocumentProblems::Take(const TEffectGraph& graph, const TErrorList& errors, bool ofGraph)
 {
     Problems.clear();
@@ -26,7 +18,7 @@ void TDocumentProblems::TakeErrors(const TEffectGraph& graph, const TErrorList& 
         TProblem problem;
         error->GetText(problem.Text);
         problem.Text.Trim();
-        problem.Node = FindNodeOf(graph, error->GetSource().Type);
+        problem.Node = graph.FindNodeOf(error->GetSource().Type);
         problem.OfGraph = ofGraph;
         isPlaced = isPlaced && problem.Node != nullptr;
         Append(Problems, problem);

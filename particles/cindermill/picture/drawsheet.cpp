@@ -1,6 +1,6 @@
 #include "library/system/file.h"
-#include "library/system/path.h"
 #include "particles/cindermill/batch/batchcommand.h"
+#include "particles/cindermill/batch/effectpaths.h"
 #include "particles/cindermill/picture/contactsheet.h"
 #include "particles/cindermill/picture/drawpicture.h"
 #include "particles/cindermill/picture/picturedrawer.h"
@@ -13,46 +13,13 @@ namespace {
 
 constexpr int CellWidth = 320;
 constexpr int CellHeight = 240;
-constexpr const char* EffectExtension = "effect";
-
-// An effect below the folder: where it is, and what it is called there.
-struct TSheetEntry
+// What an effect is called in the folder.
+TString GetName(const TString& folder, const TString& path)
 {
-    TString Path;
-    TString Name;
-};
-
-TString Join(const TString& folder, const TString& name)
-{
-    TString path = folder;
-    if (!path.IsEmpty())
-        path += "/";
-    path += name;
-    return path;
-}
-
-// False, with the folder named, where one cannot be listed.
-bool ListEffects(const TString& folder, const TString& inside, vector<TSheetEntry>& effects)
-{
-    vector<TDirectoryEntry> entries;
-    if (!ListDirectory(folder, entries)) {
-        std::fprintf(stderr, "%s: The folder cannot be read\n", folder.Print());
-        return false;
-    }
-    for (const TDirectoryEntry& entry : entries) {
-        const TString path = Join(folder, entry.Name);
-        TString extension;
-        extension.SetExtension(entry.Name);
-        if (entry.IsDirectory) {
-            if (!ListEffects(path, Join(inside, entry.Name), effects))
-                return false;
-        } else if (entry.Name.Find('.') != -1 && extension.Compare(EffectExtension) == 0) {
-            TString name = Join(inside, entry.Name);
-            name.TruncateAtLast('.');
-            Append(effects, TSheetEntry{path, name});
-        }
-    }
-    return true;
+    const char* inside = path.Print() + folder.Length();
+    TString name = *inside == '/' ? inside + 1 : inside;
+    name.TruncateAtLast('.');
+    return name;
 }
 
 // One picture of each effect. False where one has none; its place then stays empty.
@@ -67,8 +34,8 @@ bool DrawEffect(TBatchSession& session, TPictureDrawer& drawer, const TPictureOp
     return false;
 }
 
-bool DrawEffects(TBatchSession& session, const TPictureOptions& options, const vector<TSheetEntry>& effects,
-                 const char* out)
+bool DrawEffects(TBatchSession& session, const TPictureOptions& options, const TString& folder,
+                 const vector<TString>& effects, const char* out)
 {
     TPictureDrawer drawer;
     if (!drawer.Create(options.Width, options.Height))
@@ -86,8 +53,8 @@ bool DrawEffects(TBatchSession& session, const TPictureOptions& options, const v
     bool all = true;
     TRgbPicture picture(options.Width, options.Height);
     for (int i = 0; i < effects.size(); ++i) {
-        const bool drawn = DrawEffect(session, drawer, options, effects[i].Path, picture);
-        TString text = effects[i].Name;
+        const bool drawn = DrawEffect(session, drawer, options, effects[i], picture);
+        TString text = GetName(folder, effects[i]);
         if (!drawn)
             text += " does not run";
         sheet.PutCell(whole, i, picture, text.Print());
@@ -112,17 +79,17 @@ int DrawSheet(TBatchSession& session, TArguments& arguments)
         return ReportUsage("sheet: %s", fault.Print());
     if (options.GetNumPictures() > 1)
         return ReportUsage("sheet: Each effect has one picture in a sheet");
-    vector<TSheetEntry> effects;
-    if (!ListEffects(folder, "", effects))
-        return StatusErrors;
+    vector<TString> effects;
+    if (IsDirectory(folder))
+        ListEffectsBelow(folder, effects);
     if (effects.empty()) {
         std::fprintf(stderr, "%s: There are no effects below this folder\n", folder);
         return StatusErrors;
     }
-    for (const TSheetEntry& effect : effects)
-        if (IsSameFile(effect.Path, out)) {
+    for (const TString& effect : effects)
+        if (IsSameFile(effect, out)) {
             std::fprintf(stderr, "%s: This is one of the effects, which the picture would replace\n", out);
             return StatusErrors;
         }
-    return DrawEffects(session, options, effects, out) ? StatusDone : StatusErrors;
+    return DrawEffects(session, options, folder, effects, out) ? StatusDone : StatusErrors;
 }

@@ -110,6 +110,11 @@ constexpr TOption Table[] = {
      }},
 };
 
+bool IsFrameOption(const char* word)
+{
+    return std::strcmp(word, "--frame") == 0 || std::strcmp(word, "--frames") == 0;
+}
+
 const TOption* TakeOption(TArguments& arguments)
 {
     for (const TOption& option : Table)
@@ -127,11 +132,18 @@ int TPictureOptions::GetNumPictures() const
 
 bool ReadPictureOptions(TArguments& arguments, TPictureOptions& options, TString& fault)
 {
+    bool hasFrames = false;
     while (!arguments.IsEmpty()) {
         if (arguments.TakeIf("--plain")) {
             options.Plain = true;
             continue;
         }
+        const bool tellsFrames = IsFrameOption(arguments.Peek());
+        if (tellsFrames && hasFrames) {
+            fault = "--frame and --frames both tell the frames: one of them is enough";
+            return false;
+        }
+        hasFrames = hasFrames || tellsFrames;
         const TOption* option = TakeOption(arguments);
         if (option == nullptr) {
             fault = "It does not know \"";

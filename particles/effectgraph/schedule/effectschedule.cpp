@@ -129,3 +129,12 @@ void TEffectSchedule::LinkAttributes(const TScheduleBuilder& builder, int group)
                 }
         }
 }
+
+int TEffectSchedule::FindGroupOf(const TEffectNode& node) const
+{
+    for (int group = 0; group < GetNumGroups(); ++group)
+        for (int tied = 0; tied < GetNumTiedNodes(group); ++tied)
+            if (GetNode(GetTiedNode(group, tied)) == &node)
+                return group;
+    return -1;
+}

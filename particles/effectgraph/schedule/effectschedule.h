@@ -71,6 +71,8 @@ public:
     int GetNumTiedNodes(int group) const { return Groups[group].TiedNodes.size(); }
     // An index into the nodes.
     int GetTiedNode(int group, int tied) const { return Groups[group].TiedNodes[tied].Node; }
+    // The first group that the node stands in; -1 for one that is in none.
+    int FindGroupOf(const TEffectNode& node) const;
     int GetTiedNodeInput(int group, int tied, int port) const
     {
         return Groups[group].TiedNodes[tied].Inputs[port];

@@ -2,15 +2,6 @@
 
 static const char* const SeverityNames[] = {"note", "warning", "error"};
 
-int TFindingList::GetWorst() const
-{
-    int worst = FS_NOTE - 1;
-    for (const TFinding& finding : Findings)
-        if (finding.Allowed.IsEmpty() && finding.Severity > worst)
-            worst = finding.Severity;
-    return worst;
-}
-
 const char* GetSeverityName(TFindingSeverity severity)
 {
     return SeverityNames[severity];

@@ -58,8 +58,6 @@ public:
     bool empty() const { return Findings.empty(); }
     const TFinding& operator[](int index) const { return Findings[index]; }
     TFinding& operator[](int index) { return Findings[index]; }
-    // Of those that are not allowed; FS_NOTE - 1 where there are none.
-    int GetWorst() const;
 
 private:
     vector<TFinding> Findings;

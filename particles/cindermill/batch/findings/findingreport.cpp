@@ -4,11 +4,6 @@
 
 static const char* const FormatNames[FF_NUMFORMATS] = {"text", "json", "junit", "sarif"};
 
-const char* GetFindingFormatName(TFindingFormat format)
-{
-    return FormatNames[format];
-}
-
 bool ParseFindingFormat(const char* word, TFindingFormat& format)
 {
     for (int i = 0; i < FF_NUMFORMATS; ++i) {

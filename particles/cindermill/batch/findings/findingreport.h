@@ -15,9 +15,7 @@ enum TFindingFormat
     FF_NUMFORMATS
 };
 
-// "text", "json", "junit", "sarif".
-const char* GetFindingFormatName(TFindingFormat format);
-// False for another word.
+// "text", "json", "junit", "sarif"; false for another word.
 bool ParseFindingFormat(const char* word, TFindingFormat& format);
 
 // What every format but text carries, so that who reads it knows what to expect. It grows when a member goes
@@ -48,7 +46,6 @@ public:
 
     // As text, a command tells what it finds by itself: nothing is kept but what the exit status needs.
     void SetFormat(TFindingFormat format) { Format = format; }
-    TFindingFormat GetFormat() const { return Format; }
     bool IsText() const { return Format == FF_TEXT; }
     // Findings from this severity on make the run fail.
     void SetFailOn(TFindingSeverity severity) { FailOn = severity; }
@@ -118,5 +115,3 @@ void GetPlaceText(const TFindingPlace& place, TString& text);
 void WriteFindingsAsJson(const TFindingReport& report, std::FILE* out);
 void WriteFindingsAsJunit(const TFindingReport& report, std::FILE* out);
 void WriteFindingsAsSarif(const TFindingReport& report, std::FILE* out);
-// One line each.
-void WriteFindingsAsText(const TFindingReport& report, std::FILE* out);

@@ -56,12 +56,3 @@ void GetFindingText(const TFinding& finding, TString& text)
         text += finding.Allowed.Print();
     }
 }
-
-void WriteFindingsAsText(const TFindingReport& report, std::FILE* out)
-{
-    TString text;
-    for (int i = 0; i < report.GetFindings().size(); ++i) {
-        GetFindingText(report.GetFindings()[i], text);
-        std::fprintf(out, "%s\n", text.Print());
-    }
-}

@@ -5,6 +5,7 @@
 #include "particles/cindermill/graph/engine/inputreader.h"
 #include "particles/cindermill/graph/nodes/localframe.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
+#include "particles/cindermill/graph/replay/exportedfields.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/xmltext.h"
@@ -28,28 +29,6 @@ constexpr TConsoleClass Classes[] = {
     {"TVolume", LK_CONSOLENOTHING, "%s has no command on the console: its value is 0 there"},
     {"TAnimationPath", LK_CONSOLENOTHING, "%s has no command on the console: its value is 0 there"},
     {"TEventTrigger", LK_CONSOLEEVENT, "%s fires an event on the console; the preview shows nothing of it"},
-};
-
-// Inputs whose value on the node is exported, wired or not.
-struct TFixedInput
-{
-    const char* ClassName;
-    int Port;
-};
-
-constexpr TFixedInput FixedInputs[] = {{"TSphereSurface", 1}, {"TSphereSurface", 2}, {"TCollisionPlane", 4}};
-
-// Parameters that go out as a byte, without a word of what does not fit.
-struct TByteParameter
-{
-    const char* ClassName;
-    const char* Parameter;
-};
-
-constexpr TByteParameter ByteParameters[] = {
-    {"TEmitter", "Emit Mode"},           {"TEmitter", "Per frame max emission"},
-    {"TAnimatedTexture", "X Divisions"}, {"TAnimatedTexture", "Y Divisions"},
-    {"TAnimatedTexture", "Tile Count"},  {"TAnimatedTexture", "Loop Mode"},
 };
 
 // The stages' tables: how many entries each has that are meant.
@@ -274,12 +253,12 @@ void TLintConsole::TellFields(TLintReport& report, const TEffectNode& node) cons
     const TNodeType& type = *node.GetNodeType();
     int number = 0;
     for (const TByteParameter& field : ByteParameters) {
-        if (!IsClass(node, field.ClassName) || !GetNumber(type, field.Parameter, number) ||
+        if (!IsClass(node, field.ClassName) || !GetNumber(type, field.Name, number) ||
             (number >= 0 && number <= MostOfByte))
             continue;
         TFinding& finding = report.AddNode(
             LK_NUMBERFIELD, node, -1, "\"%s\" of %s is %d, and goes out as %d: its field holds 0 to %d",
-            field.Parameter, GetNodeName(node).Print(), number, number & MostOfByte, MostOfByte);
+            field.Name, GetNodeName(node).Print(), number, number & MostOfByte, MostOfByte);
         AddNumber(finding, "value", number);
         AddNumber(finding, "most", MostOfByte);
     }

@@ -57,6 +57,11 @@ void Straighten(const TString& path, TString& result)
 }
 
 // Both in the kept form.
+bool LeadsUp(const TString& path)
+{
+    return path.CompareStart("..") == 0 && (path.Length() == 2 || path.Print()[2] == '\\');
+}
+
 bool LiesIn(const TString& path, const TString& directory)
 {
     TString file;
@@ -64,7 +69,7 @@ bool LiesIn(const TString& path, const TString& directory)
     Straighten(path, file);
     Straighten(directory, folder);
     if (folder.IsEmpty())
-        return !IsAbsolute(file) && file.CompareStart("..") != 0;
+        return !IsAbsolute(file) && !LeadsUp(file);
     return file.CompareStart(folder) == 0 && file.Print()[folder.Length()] == '\\';
 }
 
@@ -196,7 +201,7 @@ void TLintFiles::TellOutside(const TUse& use, const TString& path, TLintReport& 
     ToKeptPath(place, kept);
     for (const TString& base : bases)
         inside = inside || LiesIn(kept, base);
-    if (inside && (absolute || straight.CompareStart("..") != 0))
+    if (inside && (absolute || !LeadsUp(straight)))
         return;
     report.AddNode(LK_FILEOUTSIDE, *use.Node, -1, "\"%s\" leads outside of the resource base",
                    QuoteText(use.Name, MaxName).Print());

@@ -2,15 +2,10 @@
 
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/graph/replay/replaycomparison.h"
-#include "particles/effectgraph/xmltext.h"
 
 #include <cmath>
 
 namespace {
-
-// By TDifferenceKind.
-constexpr const char* KindIds[DK_NUMKINDS] = {LK_REPLAYVALUE, LK_REPLAYUNDEFINED, LK_REPLAYUNKNOWN,
-                                              LK_REPLAYCOUNT, LK_REPLAYSTAGE};
 
 // A replay takes many times what the engine takes.
 constexpr double MaxReplayWork = 5e6;
@@ -35,6 +30,13 @@ bool HangsOnTold(const TEffectNode& node, TPointerMap& seen, const TLintReport& 
 }
 
 } // namespace
+
+const char* GetReplayFindingKind(TDifferenceKind kind)
+{
+    static constexpr const char* Kinds[DK_NUMKINDS] = {LK_REPLAYVALUE, LK_REPLAYUNDEFINED, LK_REPLAYUNKNOWN,
+                                                       LK_REPLAYCOUNT, LK_REPLAYSTAGE};
+    return Kinds[kind];
+}
 
 bool TLintReplay::Tell(TExecServices& services, double work, TLintReport& report, TErrorList& errors) const
 {
@@ -91,33 +93,16 @@ void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& repo
 
 void TLintReplay::TellDifference(const TReplayDifference& difference, TLintReport& report) const
 {
-    constexpr int MaxName = 80;
     const TReplayPlace& place = difference.Place;
-    TString what;
-    if (place.Attribute != -1)
-        what.Format("\"%s\" of group %d", QuoteText(place.Name, MaxName).Print(), place.Group);
-    else if (place.Group != -1)
-        what.Format("Group %d", place.Group);
-    else
-        what = "The effect";
-    TString values;
-    if (difference.Kind == DK_UNDEFINED)
-        values = "nothing in the exported file writes what the preview shows";
-    else if (difference.Kind == DK_UNKNOWN)
-        values = "what the exported file makes of it hangs on what is not known";
-    else
-        values.Format("%g in the preview is %g in the exported file", double(difference.Preview),
-                      double(difference.Replay));
-    const char* kind = KindIds[difference.Kind];
-    const char* format = "%s: %s, first in frame %d (%.2f s), %.0f times";
+    const TString text = DescribeDifference(difference);
+    const char* kind = GetReplayFindingKind(difference.Kind);
+    const char* format = "%s, first in frame %d (%.2f s), %.0f times";
     const double times = static_cast<double>(difference.Times);
-    TFinding& finding =
-        place.Node != nullptr ? report.AddNode(kind, *place.Node, place.Group, format, what.Print(),
-                                               values.Print(), place.Frame, double(place.Time), times)
-        : place.Group != -1
-            ? report.AddGroup(kind, place.Group, format, what.Print(), values.Print(), place.Frame,
-                              double(place.Time), times)
-            : report.Add(kind, format, what.Print(), values.Print(), place.Frame, double(place.Time), times);
+    TFinding& finding = place.Node != nullptr
+                            ? report.AddNode(kind, *place.Node, place.Group, format, text.Print(),
+                                             place.Frame, double(place.Time), times)
+                            : report.AddGroup(kind, place.Group, format, text.Print(), place.Frame,
+                                              double(place.Time), times);
     AddNumber(finding, "frame", place.Frame);
     AddNumber(finding, "time", double(place.Time));
     AddNumber(finding, "times", times);

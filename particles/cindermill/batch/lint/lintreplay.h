@@ -1,13 +1,15 @@
 #pragma once
 
 #include "particles/cindermill/batch/lint/lintlimits.h"
+#include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
 class TErrorList;
 class TExecServices;
 class TLintReport;
-class TReplayReport;
-struct TReplayDifference;
+
+// The id of the finding for a difference of the kind.
+const char* GetReplayFindingKind(TDifferenceKind kind);
 
 // Where the exported file does something else than the preview shows, without a node that is told to.
 class TLintReplay

@@ -2,6 +2,7 @@
 
 #include "particles/cindermill/batch/findings/findingreport.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/error.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 #include "particles/effectgraph/xmltext.h"
@@ -35,7 +36,7 @@ TFinding& TLintReport::AddNode(const char* kind, const TEffectNode& node, int gr
     va_start(args, format);
     TFinding& finding = AddText(kind, format, args);
     va_end(args);
-    SetPlace(finding.Place, node, group != -1 ? group : FindGroup(node));
+    SetNodePlace(node, group != -1 ? group : FindGroup(node), finding.Place);
     return finding;
 }
 
@@ -47,7 +48,7 @@ TFinding& TLintReport::AddGroup(const char* kind, int group, const char* format,
     va_end(args);
     finding.Place.Group = group;
     if (const TEffectNode* source = FindSource(group))
-        SetPlace(finding.Place, *source, group);
+        SetNodePlace(*source, group, finding.Place);
     return finding;
 }
 
@@ -56,13 +57,12 @@ void TLintReport::AddError(const char* kind, const TError& error)
     const TErrorSource& source = error.GetSource();
     TFinding& finding = Add(kind, "%s", error.GetMessage().Print());
     finding.Place.Group = source.Group;
-    for (int n = 0; Schedule != nullptr && n < Schedule->GetNumNodes(); ++n)
-        if (source.Type != nullptr && Schedule->GetNode(n)->GetNodeType() == source.Type)
-            SetPlace(finding.Place, *Schedule->GetNode(n),
-                     source.Group != -1 ? source.Group : FindGroup(*Schedule->GetNode(n)));
+    const TEffectNode* node = Graph != nullptr ? Graph->FindNodeOf(source.Type) : nullptr;
+    if (node != nullptr)
+        SetNodePlace(*node, source.Group != -1 ? source.Group : FindGroup(*node), finding.Place);
 }
 
-void TLintReport::SetPlace(TFindingPlace& place, const TEffectNode& node, int group) const
+void SetNodePlace(const TEffectNode& node, int group, TFindingPlace& place)
 {
     place.Node = node.GetNodeType()->Name;
     place.Type = node.GetNodeType()->ClassName;
@@ -77,13 +77,7 @@ void TLintReport::SetPlace(TFindingPlace& place, const TEffectNode& node, int gr
 
 int TLintReport::FindGroup(const TEffectNode& node) const
 {
-    if (Schedule == nullptr)
-        return -1;
-    for (int g = 0; g < Schedule->GetNumGroups(); ++g)
-        for (int t = 0; t < Schedule->GetNumTiedNodes(g); ++t)
-            if (Schedule->GetNode(Schedule->GetTiedNode(g, t)) == &node)
-                return g;
-    return -1;
+    return Schedule != nullptr ? Schedule->FindGroupOf(node) : -1;
 }
 
 bool TLintReport::IsConsoleTold(const TEffectNode& node) const

@@ -5,6 +5,7 @@
 
 #include <cstdarg>
 
+class TEffectGraph;
 class TEffectNode;
 class TEffectSchedule;
 class TError;
@@ -18,7 +19,9 @@ public:
         : Findings(findings), FirstFinding(findings.size()), File(file)
     {
     }
-    // Where nodes are looked for from then on; null for nowhere. It stays the caller's.
+    // Where the nodes of errors are looked for. It stays the caller's.
+    void SetGraph(const TEffectGraph* graph) { Graph = graph; }
+    // Where the groups of nodes are looked for from then on; null for nowhere. It stays the caller's.
     void SetSchedule(const TEffectSchedule* schedule) { Schedule = schedule; }
 
     // One of the whole file. The finding may be completed until the next is added.
@@ -41,13 +44,16 @@ public:
 
 private:
     TFinding& AddText(const char* kind, const char* format, va_list args);
-    void SetPlace(TFindingPlace& place, const TEffectNode& node, int group) const;
 
     TFindingList& Findings;
     const int FirstFinding;
     TString File;
+    const TEffectGraph* Graph = nullptr;
     const TEffectSchedule* Schedule = nullptr;
 };
+
+// What a finding tells of a node that stands in the group; -1 for one that stands in none.
+void SetNodePlace(const TEffectNode& node, int group, TFindingPlace& place);
 
 void AddNumber(TFinding& finding, const char* name, double value);
 // A node's name as messages tell it.

@@ -63,13 +63,7 @@ public:
 private:
     void CompareNumber(const char* name, float preview, float replay, int component = -1)
     {
-        if (IsSameNumber(preview, replay)) {
-            Report.Compare(preview, replay);
-            return;
-        }
-        Place.Name = name;
-        Place.Component = component;
-        Report.CompareFixed(Place, DK_VALUE, preview, replay);
+        Report.CompareNamed(Place, name, preview, replay, component);
     }
 
     void ComparePlaced(int tied, const TNodeType& type, const TPlacedInput& placed)

@@ -3,6 +3,7 @@
 #include "library/containers/nametocrc.h"
 #include "library/maths/vector3.h"
 #include "particles/cindermill/graph/replay/effectreplay.h"
+#include "particles/cindermill/graph/replay/exportedfields.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/export/efxnames.h"
 #include "particles/effectgraph/export/fixedvalue.h"
@@ -34,38 +35,11 @@ const TClassNote ClassNotes[] = {
     {"TTurbulence", false, "it draws at random: what the console draws is its own"},
 };
 
-// Inputs whose own value is exported, whatever they are wired to.
-struct TFixedInput
-{
-    const char* ClassName;
-    int Port;
-};
-
-const TFixedInput FixedInputs[] = {
-    {"TSphereSurface", 1},
-    {"TSphereSurface", 2},
-    {"TCollisionPlane", 4},
-};
-
 // Inputs that the game places where nothing feeds them.
 const TFixedInput PlacedInputs[] = {
     {"TPointEmitter", 1},
     {"TGrid", 1},
     {"TVelocityCone", 0},
-};
-
-// Integers that are exported as a byte.
-struct TByteParameter
-{
-    const char* ClassName;
-    const char* Name;
-    int Kind;
-};
-
-const TByteParameter ByteParameters[] = {
-    {"TEmitter", "Per frame max emission", PK_INT}, {"TEmitter", "Emit Mode", PK_ENUM},
-    {"TAnimatedTexture", "X Divisions", PK_INT},    {"TAnimatedTexture", "Y Divisions", PK_INT},
-    {"TAnimatedTexture", "Tile Count", PK_INT},     {"TAnimatedTexture", "Loop Mode", PK_ENUM},
 };
 
 bool IsOfClass(const TNodeType& type, const char* name)

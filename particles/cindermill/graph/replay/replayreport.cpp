@@ -1,5 +1,7 @@
 #include "particles/cindermill/graph/replay/replayreport.h"
 
+#include "particles/effectgraph/xmltext.h"
+
 #include <cmath>
 #include <limits>
 
@@ -20,6 +22,26 @@ double GetDistance(float a, float b)
         return 0;
     const double distance = std::fabs(static_cast<double>(a) - b);
     return std::isfinite(distance) ? distance : std::numeric_limits<double>::infinity();
+}
+
+TString DescribeDifference(const TReplayDifference& difference)
+{
+    constexpr int maxName = 80;
+    const TReplayPlace& place = difference.Place;
+    TString what;
+    if (!place.Name.IsEmpty())
+        what.Format("\"%s\" of group %d", QuoteText(place.Name, maxName).Print(), place.Group);
+    else
+        what.Format("Group %d", place.Group);
+    TString text;
+    if (difference.Kind == DK_UNDEFINED)
+        text.Format("%s: nothing in the exported file writes what the preview shows", what.Print());
+    else if (difference.Kind == DK_UNKNOWN)
+        text.Format("%s: what the exported file makes of it hangs on what is not known", what.Print());
+    else
+        text.Format("%s: %.9g in the preview is %.9g in the exported file", what.Print(),
+                    static_cast<double>(difference.Preview), static_cast<double>(difference.Replay));
+    return text;
 }
 
 TString TReplayReport::GetSummary() const
@@ -75,4 +97,14 @@ void TReplayReport::CompareFixed(const TReplayPlace& place, TDifferenceKind kind
     ++known->Times;
     if (distance > known->Worst)
         known->Worst = distance;
+}
+
+void TReplayReport::CompareNamed(TReplayPlace& place, const char* name, float preview, float replay,
+                                 int component)
+{
+    if (!IsSameNumber(preview, replay)) {
+        place.Name = name;
+        place.Component = component;
+    }
+    CompareFixed(place, DK_VALUE, preview, replay);
 }

@@ -54,6 +54,9 @@ struct TReplayDifference
     double Worst = 0;
 };
 
+// What differs, and how, in one sentence without its end.
+TString DescribeDifference(const TReplayDifference& difference);
+
 // What cannot be replayed, or is replayed by a guess, or differs for a reason that the effect tells.
 struct TReplayNote
 {
@@ -92,6 +95,9 @@ public:
     bool Compare(float preview, float replay);
     // The same, and keeps the difference: for what stands in the file before any frame.
     void CompareFixed(const TReplayPlace& place, TDifferenceKind kind, float preview, float replay);
+    // The same of a value, at a place that gets the name and the component where it differs: a text is made
+    // for a difference only.
+    void CompareNamed(TReplayPlace& place, const char* name, float preview, float replay, int component);
     void AddNote(const TReplayNote& note) { Notes.push_back(note); }
 
 private:

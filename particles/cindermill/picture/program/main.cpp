@@ -1,8 +1,10 @@
+#include "library/system/temporaryfile.h"
 #include "library/system/writefaults.h"
 #include "particles/cindermill/picture/pictureprogram.h"
 
 int main(int argc, char** argv)
 {
     TakeFileSizeLimitAsError();
+    RemoveTemporaryFilesAtEnd();
     return RunPictureProgram(argc, argv);
 }

@@ -121,7 +121,7 @@ protected:
 
 TEST_F(TBatchFiles, AFolderStandsForAllEffectsBelow)
 {
-    for (const char* leaf : {"fx/b.effect", "fx/A.EFFECT", "fx/deep/er/c.effect", "fx/d.efx",
+    for (const char* leaf : {"fx/b.effect", "fx/A.EFFECT", "fx/deep/er/c.effect", "fx/d.efx", "fx/effect",
                              "fx/.hidden.effect", "fx/.git/e.effect", "other.effect"})
         Make(leaf);
     EXPECT_EQ((TNames{"fx/A.EFFECT", "fx/b.effect", "fx/deep/er/c.effect"}), Expand("fx"));

@@ -59,6 +59,9 @@ TEST_F(PaletteFilter, WhatIsFoldedShowsItsFindsAndIsFoldedAfterwards)
     TypeText(first.c_str());
     EXPECT_FALSE(Types().empty());
     EXPECT_EQ(Types()[0], first);
+    // What would be folded could not be seen.
+    Press(Tool(), box);
+    Release(Tool(), box);
     Key(Tool(), Qt::Key_Escape);
     EXPECT_EQ(Types().size(), folded);
 }

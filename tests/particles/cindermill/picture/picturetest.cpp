@@ -2,8 +2,12 @@
 
 #include <QImage>
 
+#include <csignal>
 #include <cstdlib>
 #include <set>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -84,6 +88,48 @@ TEST_F(Pictures, NoEffectIsWrittenOver)
     for (const std::string& command : {"picture '" + Out("art/burst.effect"), "sheet '" + Out("art")})
         EXPECT_EQ(1, Run(Resources() + command + "' '" + Out("art/burst.effect") + "'").Status) << command;
     EXPECT_EQ(before, ReadBytes(Out("art/burst.effect")));
+}
+
+// Whoever ends the batch program ends the drawing too, and nothing is written afterwards.
+TEST_F(Pictures, TheDrawingIsTheProcessThatWasStarted)
+{
+    const std::string effect = SourcePath("samples/fountain.effect");
+    const std::string out = Out("never.png");
+    const pid_t process = fork();
+    if (process == 0) {
+        execl(CINDERMILL_BATCH, CINDERMILL_BATCH, "picture", effect.c_str(), out.c_str(), "--frame",
+              "1000000000", nullptr);
+        _exit(127);
+    }
+    const std::string program = "/proc/" + std::to_string(process) + "/exe";
+    std::error_code error;
+    EXPECT_TRUE(WaitFor(
+        [&] { return std::filesystem::read_symlink(program, error).filename() == "cindermill-picture"; },
+        [] { usleep(10000); }));
+    EXPECT_EQ(0, kill(process, SIGTERM));
+    int status = 0;
+    ASSERT_EQ(process, waitpid(process, &status, 0));
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
+    EXPECT_FALSE(std::filesystem::exists(out));
+}
+
+TEST_F(Pictures, AFrameIsToldOnce)
+{
+    const std::string start = Resources() + "picture " + Sample("fountain") + " '" + Out("a.png") + "' ";
+    EXPECT_EQ(2, Run(start + "--frame 3 --frames 1-3").Status);
+    EXPECT_EQ(2, Run(start + "--frame 3 --frame 4").Status);
+    EXPECT_FALSE(std::filesystem::exists(Out("a.png")));
+}
+
+TEST_F(Pictures, WhatIsHiddenIsInNoSheet)
+{
+    CopySample("fountain", "art/deep/a.effect");
+    const std::string start = Resources() + "sheet '" + Out("art");
+    EXPECT_EQ(0, Run(start + "' '" + Out("plain.png") + "'").Status);
+    CopySample("fountain", "art/.hidden.effect");
+    CopySample("fountain", "art/.git/b.effect");
+    EXPECT_EQ(0, Run(start + "/' '" + Out("hidden.png") + "'").Status);
+    EXPECT_TRUE(ReadBytes(Out("plain.png")) == ReadBytes(Out("hidden.png")));
 }
 
 TEST_F(Pictures, TheFrameIsThatOfARun)

@@ -245,9 +245,10 @@ TEST_F(LintGraphs, NamesThatLeadOutOfTheBaseAreTold)
     std::filesystem::create_directories(App.Path("resources/below"));
     std::filesystem::copy(App.Path("resources/spark.dds"), App.Path("resources/below/inner.dds"));
     std::filesystem::copy(App.Path("resources/spark.dds"), App.Path("outer.dds"));
+    std::filesystem::copy(App.Path("resources/spark.dds"), App.Path("resources/..dots.dds"));
     TSoundEffect effect(App);
-    for (const char* inside :
-         {"below\\inner.dds", "below/inner.dds", "inner.dds", ".\\spark.dds", "below\\..\\spark.dds"}) {
+    for (const char* inside : {"below\\inner.dds", "below/inner.dds", "inner.dds", ".\\spark.dds",
+                               "below\\..\\spark.dds", "..dots.dds"}) {
         effect.Stage.Texture("Texture", inside);
         EXPECT_TRUE(Lint(effect).empty()) << inside;
     }
@@ -387,7 +388,8 @@ TEST_F(LintGraphs, NodesThatTheConsoleKnowsNothingOfAreTold)
         const TFindingList findings = Lint(effect);
         const TIds ids = IdsOf(findings);
         EXPECT_EQ(1, std::count(ids.begin(), ids.end(), "console.nothing")) << MessagesOf(findings);
-        EXPECT_LE(findings.GetWorst(), FS_NOTE) << MessagesOf(findings);
+        for (int i = 0; i < findings.size(); ++i)
+            EXPECT_EQ(FS_NOTE, findings[i].Severity) << MessagesOf(findings);
         effect.Type(node).SetFlag(FL_BYPASSED, true);
         const TIds bypassed = IdsOf(Lint(effect));
         EXPECT_EQ(0, std::count(bypassed.begin(), bypassed.end(), "console.nothing"));
@@ -580,6 +582,23 @@ TEST_F(LintReplays, WhatIsUnknownHidesNoDifferenceThatIsKnown)
     replay.Add(Differ(DK_VALUE, &effect.Gravity, 1, 4));
     const TIds expected = {"replay.unknown", "replay.value"};
     EXPECT_EQ(expected, IdsOf(Tell(effect, replay)));
+}
+
+TEST_F(LintReplays, WhatAStageIsGivenIsToldByItsName)
+{
+    TSoundEffect effect(App);
+    TReplayReport replay;
+    TReplayDifference difference = Differ(DK_STAGE, &effect.Stage, 1, -1);
+    difference.Place.Name = "alpha reference";
+    difference.Preview = 1;
+    difference.Replay = 1 + 1.0f / 8388608;
+    replay.Add(difference);
+    const TFindingList findings = Tell(effect, replay);
+    ASSERT_EQ(1, findings.size());
+    EXPECT_NE(nullptr, std::strstr(findings[0].Message.Print(), "\"alpha reference\" of group 1"))
+        << findings[0].Message.Print();
+    // The last bit is seen.
+    EXPECT_NE(nullptr, std::strstr(findings[0].Message.Print(), "1 in the preview is 1.00000012 in"));
 }
 
 TEST_F(LintReplays, EachKindHasItsOwnFinding)
