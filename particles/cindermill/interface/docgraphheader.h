@@ -52,9 +52,7 @@ private:
     TTabStrip Strip;
 };
 
-// The first tab is that of all nodes, the others are those of the groups of particles.
-void GetTabNames(const TEffectSchedule& schedule, vector<TString>& names);
-// What the tabs show: their names, and where several groups have one name, the group's number as well.
+// What the tabs show. The first one is that of all nodes, the others are those of the groups of particles.
 void GetTabLabels(const TEffectSchedule& schedule, vector<TString>& labels);
 // The group of a tab; -1 for the first one, and where there is no such tab.
 int GetTabGroup(const TEffectSchedule& schedule, int tab);

@@ -142,7 +142,10 @@ void TBudgetPanel::OnClick(const TMessage& message)
     const int group = row + ScrollY;
     if (message.Y < RowHeight || row >= GetNumShown() || group >= Budget->GetGroups().size())
         return;
-    Report(Budget->GetGroups()[group].Group, (message.KeyFlags & KF_ALT) != 0 ? CC_BUTTON : CC_SELECTION);
+    const bool alone = (message.KeyFlags & KF_ALT) != 0;
+    if (alone && !Budget->GetGroups()[group].HasParticles)
+        return;
+    Report(Budget->GetGroups()[group].Group, alone ? CC_BUTTON : CC_SELECTION);
 }
 
 void TBudgetPanel::Paint(TGDIContext& context) const
@@ -176,9 +179,16 @@ void TBudgetPanel::PaintGroup(TGDIContext& context, const TGroupBudget& group, i
         context.SetBrush(OnlyColour);
         context.Rectangle(0, top, width, top + RowHeight);
     }
-    PaintAlive(context, group, GetColumnLeft(CN_ALIVE, width), top);
     context.SetTextColour(TextColour);
     PutText(context, -1, width, top, group.Name);
+    if (group.HasParticles)
+        PaintParticles(context, group, width, top);
+    PaintCode(context, group, width, top);
+}
+
+void TBudgetPanel::PaintParticles(TGDIContext& context, const TGroupBudget& group, int width, int top) const
+{
+    PaintAlive(context, group, GetColumnLeft(CN_ALIVE, width), top);
     TString text;
     text.Format("%d/%d", group.Alive, group.Capacity);
     context.SetTextColour(group.Alive >= group.Capacity ? OverColour : TextColour);
@@ -186,8 +196,13 @@ void TBudgetPanel::PaintGroup(TGDIContext& context, const TGroupBudget& group, i
     text.Format("%d/%d", group.Born, group.MaxBorn);
     context.SetTextColour(group.Born > group.MaxBorn ? OverColour : TextColour);
     PutText(context, CN_BORN, width, top, text);
+}
+
+void TBudgetPanel::PaintCode(TGDIContext& context, const TGroupBudget& group, int width, int top)
+{
     if (group.Rows == 0)
         return;
+    TString text;
     text.Format("%d/%d", group.Rows, TPreviewBudget::MaxRows);
     context.SetTextColour(group.Rows >= TPreviewBudget::MaxRows ? OverColour : TextColour);
     PutText(context, CN_ROWS, width, top, text);

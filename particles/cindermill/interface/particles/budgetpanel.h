@@ -3,8 +3,9 @@
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/particles/previewbudget.h"
 
-// The strip of what an effect takes: a line for each group of particles, and one for the effect. A click on a
-// group's line reports code 11 with the group, with Alt code 7.
+// The strip of what an effect takes: a line for each group of particles, one for what runs once per effect,
+// and one for the effect. A click on a group's line reports code 11 with the group, with Alt code 7 where
+// there are particles.
 class TBudgetPanel : public TWindow
 {
 public:
@@ -25,6 +26,8 @@ private:
     void Paint(TGDIContext& context) const;
     void PaintTitles(TGDIContext& context, int width) const;
     void PaintGroup(TGDIContext& context, const TGroupBudget& group, int width, int top) const;
+    void PaintParticles(TGDIContext& context, const TGroupBudget& group, int width, int top) const;
+    static void PaintCode(TGDIContext& context, const TGroupBudget& group, int width, int top);
     void PaintAlive(TGDIContext& context, const TGroupBudget& group, int left, int top) const;
     void PaintTotals(TGDIContext& context, int width, int top) const;
     void OnClick(const TMessage& message);
