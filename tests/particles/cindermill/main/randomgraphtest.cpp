@@ -1,4 +1,5 @@
 #include "support/randomgraph.h"
+#include "support/dice.h"
 #include "support/testapp.h"
 
 #include "particles/cindermill/graph/operations/movegraphnodeop.h"
@@ -8,13 +9,6 @@
 
 #include <cstdlib>
 #include <map>
-
-// A soak sets how many graphs, and the seed of the first.
-static uint32_t Setting(const char* name, uint32_t usual)
-{
-    const char* text = std::getenv(name);
-    return text != nullptr ? static_cast<uint32_t>(std::strtoul(text, nullptr, 10)) : usual;
-}
 
 namespace {
 
