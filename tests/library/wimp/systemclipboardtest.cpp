@@ -92,7 +92,7 @@ TEST_F(SystemClipboard, ASlowAnswerIsRemembered)
     public:
         bool hasFormat(const QString&) const override
         {
-            std::this_thread::sleep_for(std::chrono::milliseconds(700));
+            std::this_thread::sleep_for(std::chrono::milliseconds(2200));
             return false;
         }
     };
