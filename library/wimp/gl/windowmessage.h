@@ -49,6 +49,8 @@ enum TKey
     KEY_DOWN = 40,
     KEY_INSERT = 45,
     KEY_DELETE = 46,
+    // Asks for the context menu, as Shift+F10 does where nobody has another use for that.
+    KEY_MENU = 93,
     KEY_F1 = 112,
     KEY_F10 = 121,
     KEY_F24 = 135

@@ -48,6 +48,7 @@ TApplication::TApplication() : App(OpenSettingsStore(), this), Places(OpenPlaces
     RegisterDisplayClasses();
     RegisterControlClasses();
     App.GetResourceLocator().SetHost(&ResourceDialog);
+    App.GetSharedClipboard().SetExchange(&Exchange);
 }
 
 TApplication::~TApplication()

@@ -6,6 +6,7 @@
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/mainwindow.h"
 #include "particles/cindermill/interface/resourcedialog.h"
+#include "particles/cindermill/interface/systemexchange.h"
 #include "particles/cindermill/interface/windowplaces.h"
 #include "particles/cindermill/main/apphost.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -60,6 +61,7 @@ private:
 
     static constexpr int NumNodeBitmaps = 4;
 
+    TSystemExchange Exchange;
     TCindermillApp App;
     TWindowPlaces Places;
     TResourceDialog ResourceDialog;

@@ -368,6 +368,12 @@ void TDocumentWindows::EdgeScroll(TRenderer& renderer, double x, double y)
         graph->EdgeScroll(x, y);
 }
 
+void TDocumentWindows::NodeOpened(const TRenderer& renderer, const TNodeObj& node)
+{
+    if (TGraphWindow* graph = FindGraph(renderer))
+        graph->Reveal(node);
+}
+
 void TDocumentWindows::BeginDrag(TRenderer& renderer, TMouseDrag& drag)
 {
     TGraphWindow* graph = FindGraph(renderer);

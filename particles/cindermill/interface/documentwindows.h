@@ -46,6 +46,7 @@ public:
     // The graph's render objects'.
     void RedrawGraphs() override;
     void EdgeScroll(TRenderer& renderer, double x, double y) override;
+    void NodeOpened(const TRenderer& renderer, const TNodeObj& node) override;
     void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override;
     void EndDrag(TRenderer& renderer) override;
     void ShowHelp(const char* text, const TVector2& point) override;

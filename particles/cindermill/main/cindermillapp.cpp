@@ -53,7 +53,7 @@ TCindermillApp::TCindermillApp(TSettingsStore* store, TAppHost* host)
 TCindermillApp::~TCindermillApp()
 {
     StaticInstance = nullptr;
-    Clipboard.Clear();
+    Clipboard.GetClipboard().Clear();
 }
 
 TCindermillApp& TCindermillApp::Get()

@@ -1,9 +1,11 @@
 #include "particles/cindermill/main/document.h"
 
 #include "library/containers/append.h"
+#include "library/containers/shortentext.h"
 #include "library/system/message.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/formerstates.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -94,19 +96,19 @@ bool TDocument::CheckLoaded(bool mend)
 
 bool TDocument::Load(const char* path)
 {
-    return LoadFrom(path, path);
+    return LoadFrom(path, path, vector<int>());
 }
 
-bool TDocument::Restore(const char* file, const char* path)
+bool TDocument::Restore(const char* file, const char* path, const vector<int>& former)
 {
-    if (!LoadFrom(file, path))
+    if (!LoadFrom(file, path, former))
         return false;
     OperationStack->MarkChanged();
     SetModified(true);
     return true;
 }
 
-bool TDocument::LoadFrom(const char* file, const char* path)
+bool TDocument::LoadFrom(const char* file, const char* path, const vector<int>& former)
 {
     const TStepScope step(StepDepth);
     if (Host != nullptr && !Host->CreateParticleWindow(*this))
@@ -119,6 +121,9 @@ bool TDocument::LoadFrom(const char* file, const char* path)
                                  effect.CheckClasses()))
         return false;
     IsEditable = true;
+    OperationStack->Recall();
+    if (LoadNotes.empty())
+        SetFormerStates(*OperationStack, Chunks, former);
     Graph->AddCallback(&TDocument::OnGraphChanged, this);
     if (Host != nullptr && !Host->CreateView(*this))
         return false;
@@ -280,6 +285,11 @@ bool TDocument::GetImage(vector<uint8_t>& bytes, int room)
     return RunGuarded([&] { written = Chunks.SaveToMemory(bytes, room); }, text) && written;
 }
 
+void TDocument::GetFormerStates(vector<int>& numbers) const
+{
+    ::GetFormerStates(*OperationStack, Chunks, numbers);
+}
+
 bool TDocument::SaveAs(const char* path)
 {
     SaveError = nullptr;
@@ -431,7 +441,7 @@ void TDocument::CutSelection()
 
 void TDocument::Paste()
 {
-    if (App.GetClipboard().IsEmpty())
+    if (!App.PreparePaste())
         return;
     vector<TToolNode*> nodes;
     App.PasteFromClipboard(*this, nodes);
@@ -479,7 +489,7 @@ bool TDocument::ResolveTypes(TErrorList& errors)
         return false;
     }
     return RunCollecting(errors, [&] {
-        ResolvePolytypes(*Graph);
+        Graph->ResolveTypes();
         return true;
     });
 }
@@ -587,6 +597,22 @@ TBatchResult TDocument::BatchExport(const char* path, TErrorList& errors)
     return Preview.WriteExport(path, errors) ? BR_DONE : BR_EXPORTFAILED;
 }
 
+// An error keeps the line's end that it comes with; one within it, of a node's name perhaps, would make two
+// of it.
+static TString GetErrorLine(const TError& error)
+{
+    TString text;
+    error.GetText(text);
+    const int length = text.Length();
+    const bool hasEnd = length > 0 && text.Print()[length - 1] == '\n';
+    TString line;
+    line.Left(text, hasEnd ? length - 1 : length);
+    line = OneLineText(line);
+    if (hasEnd)
+        line += "\n";
+    return line;
+}
+
 void TDocument::LogBatchResult(TBatchResult result, const TErrorList& errors)
 {
     if (result == BR_DONE && errors.empty())
@@ -597,8 +623,7 @@ void TDocument::LogBatchResult(TBatchResult result, const TErrorList& errors)
         DebugPrintf(result == BR_SCHEDULEFAILED ? "Schedule creation failed:\n" : "Export failed:\n");
     int number = 0;
     for (const TError* error : errors) {
-        TString text;
-        error->GetText(text);
+        const TString text = GetErrorLine(*error);
         if (result == BR_DONE)
             DebugPrintf("%s\n", text.Print());
         else

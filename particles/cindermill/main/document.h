@@ -56,8 +56,8 @@ public:
     bool New();
     bool Load(const char* path);
     // The same from a recovery file, of what is to be the document of another path, which may be empty. It
-    // counts as modified until it is saved.
-    bool Restore(const char* file, const char* path);
+    // counts as modified until it is saved. `former` is what GetFormerStates gave with it.
+    bool Restore(const char* file, const char* path, const vector<int>& former);
     // Without windows, questions and schedule: the graph as it stands in the file. Anything but a look at it
     // needs CheckLoaded.
     bool BatchLoad(const char* path);
@@ -83,6 +83,8 @@ public:
     bool SaveUnchecked(const char* path);
     // What a save would write, with room for so many bytes behind it.
     bool GetImage(vector<uint8_t>& bytes, int room);
+    // What the history of that image remembers beyond it.
+    void GetFormerStates(vector<int>& numbers) const;
     // The schedule of the graph as it stands, and an engine: what an export needs. An engine that runs goes
     // on where the effect's shape is what it was.
     bool EnsureSchedule();
@@ -164,7 +166,7 @@ public:
 private:
     friend class TGraphHold;
 
-    bool LoadFrom(const char* file, const char* path);
+    bool LoadFrom(const char* file, const char* path, const vector<int>& former);
     bool AdoptLoaded(const TEffectFile& file, bool sound);
     static bool CheckWritten(const char* path, void* data);
     // The nodes whose types differ from the library's, if a person wants them refreshed.

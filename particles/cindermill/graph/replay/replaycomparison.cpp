@@ -49,28 +49,8 @@ int CountReplayFrames(const TEffectSchedule& schedule, float dt)
     return needed < least ? least : needed > most ? most : static_cast<int>(needed);
 }
 
-// The program's, but for what an export in memory has no use for.
-class TReplayComparison::TServices : public TExecServices
-{
-public:
-    explicit TServices(TExecServices& services) : Services(services) {}
-    // Nobody looks at the engine's traces.
-    int GetTraceParticleSize() const override { return 0; }
-    int GetTraceAttributeSize() const override { return 1; }
-    int GetPolicyFlags() const override { return 0; }
-    bool FindResource(const char* name, TString& path) override { return Services.FindResource(name, path); }
-    bool LoadTexture(const char* path, TRenderTextureInstance& texture) override
-    {
-        return Services.LoadTexture(path, texture);
-    }
-    void Warn(const char* text) override { Services.Warn(text); }
-
-private:
-    TExecServices& Services;
-};
-
 TReplayComparison::TReplayComparison(const TEffectSchedule& schedule, TExecServices& services)
-    : Schedule(schedule), Services(new TServices(services)), Engine(*Services)
+    : Schedule(schedule), Services(services), Engine(Services)
 {
     Engine.SetBirthsApart(true);
     Engine.SetTexturesUsed(false);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "library/containers/owner.h"
 #include "particles/cindermill/graph/engine/effectexec.h"
+#include "particles/cindermill/graph/engine/unseenservices.h"
 #include "particles/cindermill/graph/replay/effectreplay.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 
@@ -56,7 +56,6 @@ public:
     const TReplayReport& GetReport() const { return Report; }
 
 private:
-    class TServices;
     // What is asked of each attribute in each frame.
     struct TAttribute
     {
@@ -92,7 +91,7 @@ private:
     void Count(TReplayDifference* known, const TReplayDifference& difference);
 
     const TEffectSchedule& Schedule;
-    TOwner<TServices> Services;
+    TUnseenServices Services;
     TEffectExec Engine;
     vector<uint8_t> Bytes;
     // Of a comparison that has begun.

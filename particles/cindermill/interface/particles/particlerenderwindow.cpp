@@ -117,7 +117,7 @@ bool TParticleRenderWindow::OnMessage(const TMessage& message)
         OnKey(message.Key, true);
         if (Commands != nullptr)
             Commands->OnPreviewKey(message);
-        return true;
+        return message.Key != KEY_TAB;
     case MT_KEYUP:
         OnKey(message.Key, false);
         return true;

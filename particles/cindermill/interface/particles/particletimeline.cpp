@@ -79,6 +79,13 @@ bool TParticleTimeline::CreateSeekControls()
 
 void TParticleTimeline::SetTips()
 {
+    UpdateButton.SetSpokenName("Update");
+    TimeField.SetSpokenName("Time");
+    StepButton.SetSpokenName("Step");
+    PauseButton.SetSpokenName("Pause");
+    PlayButton.SetSpokenName("Play");
+    MenuButton.SetSpokenName("Preview menu");
+    ShowSpeed();
     UpdateButton.SetTip("Starts the effect from time 0 (Home)");
     TimeField.SetTip("Seconds. Type a time and press Return to run the effect up to there");
     StepButton.SetTip("Step by a hundredth of a second (.)");
@@ -178,7 +185,7 @@ void TParticleTimeline::ShowHint()
 void TParticleTimeline::ShowClock()
 {
     PauseButton.SetPressed(Clock.IsPaused());
-    SpeedButton.SetText(SpeedTexts[Clock.GetSpeed()]);
+    ShowSpeed();
     ShowTime();
     ShowSeek();
     ShowHint();
@@ -206,7 +213,14 @@ void TParticleTimeline::TogglePause()
 void TParticleTimeline::SetSpeed(int speed)
 {
     Clock.SetSpeed(speed);
-    SpeedButton.SetText(SpeedTexts[Clock.GetSpeed()]);
+    ShowSpeed();
+}
+
+void TParticleTimeline::ShowSpeed()
+{
+    const char* text = SpeedTexts[Clock.GetSpeed()];
+    SpeedButton.SetText(text);
+    SpeedButton.SetSpokenName(TempFormat("Speed %s", text));
 }
 
 void TParticleTimeline::Seek(float time)

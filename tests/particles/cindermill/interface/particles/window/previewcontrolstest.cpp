@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/particles/particlewindow.h"
 
+#include "support/menutext.h"
 #include "support/paintcounter.h"
 #include "support/sampledocument.h"
 #include "support/windowtest.h"
@@ -283,7 +284,7 @@ TEST_F(PreviewControls, BirthsAreAsOnTheConsoleFromARestartOn)
         MeetMenu([&](QMenu& menu) {
             for (QAction* action : menu.actions())
                 if (action->objectName() == QStringLiteral("menu%1").arg(PC_BIRTHSAPART))
-                    found = action->text().toStdString() + (action->isChecked() ? " on" : " off");
+                    found = ShownText(*action) + (action->isChecked() ? " on" : " off");
             menu.close();
         });
         QTest::mouseClick(GetView(), Qt::RightButton, Qt::NoModifier, QPoint(60, 60));
