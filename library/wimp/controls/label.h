@@ -8,4 +8,5 @@ class TLabel : public TWimpControl
 public:
     bool Create(TWindow* owner, const char* text, const char* name);
     void SetText(const char* text);
+    int GetTextWidth(const char* text) const;
 };

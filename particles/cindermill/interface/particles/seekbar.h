@@ -25,6 +25,8 @@ private:
     void PaintMarks(TGDIContext& context) const;
     void Choose(double x);
     void EndDrag();
+    // The time at its end.
+    void GetLabel(TString& label) const;
     void GetTrough(int& left, int& right) const;
     int GetPlace(float time) const;
 
