@@ -28,3 +28,9 @@ int TLabel::GetTextWidth(const char* text) const
 {
     return GetHandle() == nullptr ? 0 : GetHandle()->fontMetrics().horizontalAdvance(ToQt(text));
 }
+
+void TLabel::Names(TWimpControl& control)
+{
+    if (QLabel* label = qobject_cast<QLabel*>(GetHandle()))
+        control.SetSpokenName(label->text().remove(QLatin1Char(':')).toUtf8().constData());
+}

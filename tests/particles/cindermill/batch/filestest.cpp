@@ -281,11 +281,11 @@ TEST_F(TBatchFiles, ADirectoryWithoutNodeTypesIsAnErrorOfEveryCommand)
     const std::string out = Quote(Folder.Path("out"));
     for (const std::string& directory : {Folder.Path("types"), Folder.Path("none")})
         for (const std::string& command :
-             {std::string("types"), "check " + Sample("fountain"),
-              "check --format json " + Sample("fountain"), "report " + Sample("fountain"),
-              "dump " + Sample("fountain"), "run " + Sample("fountain"),
-              "export " + Sample("fountain") + " " + out, "resave " + Sample("fountain") + " " + out,
-              std::string("efx none.efx"), std::string("hash a")}) {
+             {std::string("types"), "check " + Sample("fountain"), "lint " + Sample("fountain"),
+              "replay " + Sample("fountain"), "report " + Sample("fountain"), "dump " + Sample("fountain"),
+              "run " + Sample("fountain"), "export " + Sample("fountain") + " " + out,
+              "resave " + Sample("fountain") + " " + out, std::string("efx none.efx"),
+              std::string("hash a")}) {
             const TOutcome outcome = Run("--node-types " + Quote(directory) + " " + command);
             EXPECT_EQ(1, outcome.Status) << command;
             EXPECT_EQ("", outcome.Out) << command;
