@@ -715,3 +715,19 @@ TEST_F(PreviewControls, APausedPreviewIsLeftAloneWithAllOfItShown)
     RecordProperty("microseconds", static_cast<int>(taken.count() * 1000 / passes));
     EXPECT_LT(taken.count() / passes, 1) << "tenfold what it may take on a machine at rest";
 }
+
+TEST_F(PreviewControls, TheTimeAtTheEndOfTheBarIsReadWhole)
+{
+    QWidget* bar = Find<QWidget>("cindermill_particlewindow_seek");
+    // Ten hours, and what has passed by the time that somebody comes back to a tool left running.
+    for (const float end : {5.0f, 12.345f, 600.0f, 3600.0f, 36000.0f}) {
+        GetClock().SetLoop(end);
+        Tick(20);
+        Settle();
+        const QImage picture = bar->grab().toImage();
+        const QRgb paper = picture.pixel(picture.width() - 1, 0);
+        for (int x = picture.width() - 2; x < picture.width(); ++x)
+            for (int y = 0; y < picture.height(); ++y)
+                EXPECT_EQ(picture.pixel(x, y), paper) << end << " at " << x << ", " << y;
+    }
+}
