@@ -140,10 +140,22 @@ public:
     }
     int IndexOf(int parent, const QAccessibleInterface* child) const
     {
-        for (int i = 0; i < CountBelow(parent); ++i)
-            if (GetEntry(FindBelow(parent, i)) == child)
-                return i;
+        vector<TAccessibleItem> items;
+        ListItems(items);
+        int index = 0;
+        for (int i = 0; i < items.size(); ++i) {
+            if (items[i].Parent != parent)
+                continue;
+            if (GetEntry(i) == child)
+                return index;
+            ++index;
+        }
         return -1;
+    }
+    // On the screen.
+    QRect GetRect(const TAccessibleItem& item) const
+    {
+        return QRect(widget()->mapToGlobal(QPoint(item.Left, item.Top)), QSize(item.Width, item.Height));
     }
 
     int childCount() const override { return CountBelow(-1); }
@@ -155,12 +167,10 @@ public:
         ListItems(items);
         // The innermost stands last.
         for (int i = items.size() - 1; i >= 0; --i)
-            if (QAccessibleInterface* entry = GetEntry(i))
-                if (entry->rect().contains(x, y))
-                    return entry;
+            if (GetRect(items[i]).contains(x, y))
+                return GetEntry(i);
         return nullptr;
     }
-    QWidget* GetWidget() const { return widget(); }
 
 protected:
     ~TAccessibleWidget() override
@@ -270,9 +280,7 @@ void TAccessibleEntry::setCurrentValue(const QVariant& value)
 QRect TAccessibleEntry::rect() const
 {
     TAccessibleItem item;
-    if (!Owner.GetItem(Item, item))
-        return QRect();
-    return QRect(Owner.GetWidget()->mapToGlobal(QPoint(item.Left, item.Top)), QSize(item.Width, item.Height));
+    return Owner.GetItem(Item, item) ? Owner.GetRect(item) : QRect();
 }
 
 QAccessible::Role TAccessibleEntry::role() const

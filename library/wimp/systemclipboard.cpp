@@ -14,7 +14,8 @@
 
 namespace {
 
-constexpr int SlowMilliseconds = 500;
+// Less than the window system waits at most, and more than an answer takes.
+constexpr int SlowMilliseconds = 2000;
 
 // Null without a window system.
 QClipboard* GetClipboard()

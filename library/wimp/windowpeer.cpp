@@ -392,6 +392,11 @@ bool TWindowPeer::HandleEvent(QEvent* event)
         message.Type = event->type() == QEvent::FocusIn ? MT_FOCUSGAINED : MT_FOCUSLOST;
         Send(message);
         return false;
+    // A release may go to the window that is in front now.
+    case QEvent::WindowDeactivate:
+    case QEvent::Hide:
+        Window->LoseOwnCapture();
+        return false;
     case QEvent::Leave:
         message.Type = MT_MOUSELEAVE;
         Send(message);

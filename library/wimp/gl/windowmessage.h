@@ -25,7 +25,9 @@ enum TMessageType
     MT_TIMER,
     MT_FOCUSGAINED,
     MT_FOCUSLOST,
-    MT_SCROLL
+    MT_SCROLL,
+    // The mouse that was captured has been taken away.
+    MT_CAPTURELOST
 };
 
 // Keys by their codes. Letters and digits are their ASCII characters, letters in upper case; no other

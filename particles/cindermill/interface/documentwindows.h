@@ -8,7 +8,6 @@
 
 class TDocWindow;
 class TGraphWindow;
-class TParticleWindow;
 class TWindowPlaces;
 
 // The windows of one document: its views, its particle window, and the drawing of its graph, which all views
@@ -88,7 +87,13 @@ private:
     void PlaceWindows(TDocument& document);
     void PlaceDisplay();
     TDocWindow& GetActiveView() const;
-    void NumberTitle(TString& title);
+    bool IsDisplayBesideGraph() const;
+    TDocumentWindows* FindOther(int& i) const;
+    bool IsNumberTaken(int number) const;
+    bool HasNamesake() const;
+    void FindNumber();
+    void ShowDisplayTitle();
+    void DropOtherNumbers();
     TGraphWindow* FindGraph(const TRenderer& renderer) const;
 
     TWindow* Frame;
@@ -99,7 +104,9 @@ private:
     TOwner<TGraphScene> Scene;
     TOwnerList<TDocWindow> Windows;
     TOwner<TParticleWindow> ParticleWindow;
-    // The particle window's, without the number of one that another document's has too.
-    TString ParticleTitle;
-    int ParticleTitleNumber = 1;
+    // The particle window's, without its number, and the effect's name in it.
+    TString DisplayTitle;
+    TString DisplayName;
+    // From 2 on it is shown: another document's display had the name already.
+    int DisplayNumber = 1;
 };

@@ -112,8 +112,7 @@ bool TGraphMenus::OpenValueMenu(const TVector2& point)
 // While the menu was open the controls may have been made anew.
 bool TGraphMenus::OnValueCommand(int id)
 {
-    TNodeParameterControls* controls =
-        FindControlsAt(DocWindow->GetWindows().GetScene().GetRoot(), Point);
+    TNodeParameterControls* controls = FindControlsAt(DocWindow->GetWindows().GetScene().GetRoot(), Point);
     return controls != nullptr && DoValueCommand(id, *controls);
 }
 

@@ -674,6 +674,11 @@ void TGraphWindow::OnIdle()
     SetView(view);
 }
 
+void TGraphWindow::TellWhereToDrop()
+{
+    ShowMessage("Drag vori file to shaper node or graph to load animation file");
+}
+
 void TGraphWindow::OnDrop(int x, int y, const char* path)
 {
     ScreenToClient(x, y);
@@ -686,7 +691,7 @@ void TGraphWindow::OnDrop(int x, int y, const char* path)
     const TNodeObj* object = GetScene().NodeAt(point);
     TNodeRampParameter* ramp = object != nullptr ? FindAnimatedRamp(*object->GetToolNode()) : nullptr;
     if (ramp == nullptr) {
-        ShowMessage("Drag vori file to shaper node or graph to load animation file");
+        TellWhereToDrop();
         return;
     }
     vector<TRampPoint> curves[TNodeRampParameter::MaxDimensions];

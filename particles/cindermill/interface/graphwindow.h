@@ -56,6 +56,8 @@ public:
     void OnIdle();
     // A file dropped at a position of the screen.
     void OnDrop(int x, int y, const char* path);
+    // A file has been dropped where nothing takes it.
+    static void TellWhereToDrop();
 
     // During a drag: scrolls if the pixel lies close to an edge.
     void EdgeScroll(double x, double y);

@@ -120,9 +120,9 @@ void TMainWindow::BuildMenus()
     AddLines(Menu.AddPopup("Window"), WindowMenu);
     TMenu& graph = Menu.AddPopup("Graph");
     TGraphActions::FillMenu(graph);
-    graph.SetOnShow([](TMenu& menu, bool shown,
-                       void*) { TGraphActions::ShowEntries(menu, GetGraphActions(), shown); },
-                    nullptr);
+    graph.SetOnShow(
+        [](TMenu& menu, bool shown, void*) { TGraphActions::ShowEntries(menu, GetGraphActions(), shown); },
+        nullptr);
 }
 
 // As long as it is seen, the menu shows what has something to do. Then all entries take what comes by other

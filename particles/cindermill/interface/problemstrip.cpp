@@ -2,7 +2,6 @@
 
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/docwindow.h"
-#include "particles/cindermill/interface/fittedtext.h"
 #include "particles/cindermill/main/document.h"
 
 namespace {
@@ -153,10 +152,8 @@ void TProblemStrip::PaintEntry(TGDIContext& context, int i, int width) const
     context.SetBrush(look.Mark);
     const int mark = top + (RowHeight - MarkSize) / 2;
     context.Rectangle(MarkSize, mark, 2 * MarkSize, mark + MarkSize);
-    TString text;
-    FitText(RowFont, entry.Text.Print(), width - TextLeft - 8, text);
     context.SetTextColour(leads || entry.Look != ProblemLook ? Ink : Faint);
-    context.TextOut(TextLeft, top + TextTop, text.Print());
+    context.TextOutShortened(TextLeft, top + TextTop, width - TextLeft - 8, entry.Text.Print());
 }
 
 void TProblemStrip::Paint(TGDIContext& context) const

@@ -80,6 +80,8 @@ public:
 
     // "Cindermill v0.0 (...) Build ...".
     static void GetVersion(TString& version);
+    // True if there is no such file, or else if the user agrees.
+    static bool ConfirmOverwrite(const char* path);
 
     // One idle pass: every document's, then the change watcher's.
     void OnIdle();
@@ -159,7 +161,6 @@ private:
     // The line that was told.
     TString TellWritten(const char* what, const char* path);
     bool MakeWritable(const char* path, const char* purpose);
-    bool ConfirmOverwrite(const char* path);
     bool ConfirmChanged(const TDocument& document);
     bool IsOpenEffect(const char* path);
     bool SettleModified(const vector<TDocument*>& documents);

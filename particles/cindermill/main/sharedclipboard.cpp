@@ -66,6 +66,9 @@ TPasteState TSharedClipboard::FetchForeign()
     vector<uint8_t> effect;
     TString text;
     TString fault;
+    // It would be waited for at each further question.
+    if (Exchange->IsSlow())
+        return Tell(PS_NOTHING, "The program that has the clipboard does not answer");
     if (Exchange->GetEffect(effect)) {
         if (AreSame(effect, TakenEffect))
             return Tell(PS_READY, nullptr);

@@ -34,7 +34,8 @@ protected:
     std::string GetText(int limit = Limit)
     {
         TString text;
-        EXPECT_EQ(Clipboard.GetText(limit, text), !text.IsEmpty());
+        const bool found = Clipboard.GetText(limit, text);
+        EXPECT_EQ(found, !text.IsEmpty());
         return text.Print();
     }
 
@@ -91,7 +92,7 @@ TEST_F(SystemClipboard, ASlowAnswerIsRemembered)
     public:
         bool hasFormat(const QString&) const override
         {
-            std::this_thread::sleep_for(std::chrono::milliseconds(700));
+            std::this_thread::sleep_for(std::chrono::milliseconds(2200));
             return false;
         }
     };

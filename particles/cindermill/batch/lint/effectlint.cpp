@@ -74,7 +74,7 @@ void TEffectLint::LintScheduled(const TEffectGraph& graph, const TEffectSchedule
     lint.Tell(report);
     double work = 0;
     if (LintRuns(schedule, lint, report, work))
-        LintExport(schedule, work, report);
+        LintExport(schedule, lint, work, report);
 }
 
 bool TEffectLint::LintRuns(const TEffectSchedule& schedule, const TLintGraph& graph, TLintReport& report,
@@ -105,7 +105,8 @@ bool TEffectLint::LintRuns(const TEffectSchedule& schedule, const TLintGraph& gr
     return true;
 }
 
-void TEffectLint::LintExport(const TEffectSchedule& schedule, double work, TLintReport& report)
+void TEffectLint::LintExport(const TEffectSchedule& schedule, const TLintGraph& graph, double work,
+                             TLintReport& report)
 {
     TUnseenServices services(Services);
     TEffectExec exec(services);
@@ -125,7 +126,7 @@ void TEffectLint::LintExport(const TEffectSchedule& schedule, double work, TLint
     const bool replays = exported && errors.empty() && work != NoReplay;
     TellErrors(LK_EXPORT, errors, report);
     if (replays && !RunCollecting(ignored, [&] {
-            return TLintReplay(schedule, Options).Tell(services, work, report, ignored);
+            return TLintReplay(schedule, graph, Options).Tell(services, work, report, ignored);
         }))
         TellErrors(LK_EXPORT, ignored, report);
 }

@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/lint/lintreplay.h"
 
+#include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/batch/lint/toldcauses.h"
 #include "particles/cindermill/graph/replay/replaycomparison.h"
@@ -46,20 +47,37 @@ bool TLintReplay::Tell(TExecServices& services, double work, TLintReport& report
 }
 
 // One for each node that differences come from, and for each group where no node can be told. What is not
-// known stands for nothing that is, and what is explained for nothing that is not.
+// known stands for nothing that is, and what is explained for nothing that is not. Of a node that nothing
+// drawn hangs on that is told, and enough.
 void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& report) const
 {
-    const TToldCauses causes(Schedule, report);
+    const TToldCauses causes(Schedule, report, replay);
     vector<const TReplayDifference*> told;
+    vector<const TReplayNote*> notes;
     for (const TReplayDifference& difference : replay.GetDifferences()) {
-        bool known = causes.Explain(difference);
+        const TEffectNode* node = difference.Place.Node;
+        bool known = causes.IsTold(difference) || (node != nullptr && !Graph.IsUseful(*node));
         for (const TReplayDifference* earlier : told)
             known = known || StandsFor(*earlier, difference);
         if (known)
             continue;
+        if (const TReplayNote* note = causes.FindNote(difference)) {
+            if (notes.index_of(note) == -1)
+                TellNote(*note, report);
+            notes.push_back(note);
+            continue;
+        }
         told.push_back(&difference);
         TellDifference(difference, report);
     }
+}
+
+void TLintReplay::TellNote(const TReplayNote& note, TLintReport& report)
+{
+    if (note.Node != nullptr)
+        report.AddNode(LK_REPLAYNOTE, *note.Node, note.Group, "%s", note.Text.Print());
+    else
+        report.AddGroup(LK_REPLAYNOTE, note.Group, "%s", note.Text.Print());
 }
 
 void TLintReplay::TellDifference(const TReplayDifference& difference, TLintReport& report) const

@@ -4,25 +4,29 @@
 #include "particles/effectgraph/schedule/effectschedule.h"
 
 class TLintReport;
+class TReplayReport;
 struct TReplayDifference;
+struct TReplayNote;
 
-// Which differences between preview and exported file are explained by what a report tells of the console.
-// What is told explains the values that hang on it and, where it decides which particles there are, all
-// values of its group. It never explains what stands in the file before any frame, nor what nothing writes.
+// What explains differences between preview and exported file: findings of the console, or else notes of the
+// replay. Either explains the values that hang on its node and, where it decides which particles there are,
+// all values of its group and of those that the group fires. Nothing explains what stands in the file before
+// any frame, nor what nothing writes.
 class TToldCauses
 {
 public:
-    // Refers to both. What is told later is not seen.
-    TToldCauses(const TEffectSchedule& schedule, const TLintReport& report);
-    bool Explain(const TReplayDifference& difference) const;
+    // Refers to all of them.
+    TToldCauses(const TEffectSchedule& schedule, const TLintReport& report, const TReplayReport& replay)
+        : Schedule(schedule), Report(report), Replay(replay)
+    {
+    }
+    // Whether the report has told why.
+    bool IsTold(const TReplayDifference& difference) const;
+    // The note that tells why; null for none.
+    const TReplayNote* FindNote(const TReplayDifference& difference) const;
 
 private:
-    bool HangsOnTold(const TEffectNode* node) const;
-    bool DecidesOtherwise(int group, const TTiedNode& tied) const;
-    void FindPopulations();
-
     const TEffectSchedule& Schedule;
     const TLintReport& Report;
-    // By group: whether its particles may be others than those of the preview.
-    vector<bool> Others;
+    const TReplayReport& Replay;
 };

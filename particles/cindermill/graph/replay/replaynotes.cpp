@@ -81,10 +81,12 @@ public:
     }
 
 private:
-    void Add(const char* text, bool mayDiffer = true)
+    // What is the whole group's decides which particles there are.
+    void Add(const char* text, bool mayDiffer = true, bool decidesParticles = false)
     {
         TReplayNote note;
         note.MayDiffer = mayDiffer;
+        note.DecidesParticles = decidesParticles || Node == nullptr;
         note.Node = Node;
         note.Group = Group;
         if (Node != nullptr)
@@ -94,11 +96,12 @@ private:
             note.Text.Format("Group %d: %s", Group, text);
         Report.AddNote(note);
     }
-    void AddNamed(const char* format, const TString& name, bool mayDiffer = true)
+    void AddNamed(const char* format, const TString& name, bool mayDiffer = true,
+                  bool decidesParticles = false)
     {
         TString text;
         text.Format(format, QuoteText(name, MaxName).Print());
-        Add(text, mayDiffer);
+        Add(text, mayDiffer, decidesParticles);
     }
 
     void AddNode(const TTiedNode& tied, const TNodeType& type)
@@ -120,7 +123,7 @@ private:
             !(TFixedValue(type.GetInput(0))[0] < 1))
             AddNamed(
                 "nothing is wired to \"%s\": the preview takes its own value, and the console fires none",
-                type.GetInput(0)->Name);
+                type.GetInput(0)->Name, true, true);
         if (IsOfClass(type, "TEffect"))
             AddUserParameters(type);
         if (IsOfClass(type, "TEmitter") && EmitsByChance(type))
@@ -255,7 +258,8 @@ private:
                 Add("it stands in several places, which share one clock in the preview and none on the "
                     "console");
             if (IsOfClassIn(type, {"TPointEmitter", "TGrid", "TSphereSurface"}))
-                Add("it stands in several places, each of which emits in the preview and one on the console");
+                Add("it stands in several places, each of which emits in the preview and one on the console",
+                    true, true);
         }
         Node = nullptr;
         if (numKillers > 1 && !Schedule.IsTriggerGroup(Group))

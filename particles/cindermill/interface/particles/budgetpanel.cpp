@@ -83,8 +83,11 @@ int TBudgetPanel::GetLineTop(int line) const
 
 void TBudgetPanel::PressLine(int line, bool alone)
 {
-    if (line >= 0 && line < Budget->GetGroups().size())
-        Report(Budget->GetGroups()[line].Group, alone ? CC_BUTTON : CC_SELECTION);
+    if (line < 0 || line >= Budget->GetGroups().size())
+        return;
+    const TGroupBudget& group = Budget->GetGroups()[line];
+    if (!alone || group.HasParticles)
+        Report(group.Group, alone ? CC_BUTTON : CC_SELECTION);
 }
 
 bool TBudgetPanel::OnKey(const TMessage& message)
@@ -232,9 +235,16 @@ void TBudgetPanel::PaintGroup(TGDIContext& context, const TGroupBudget& group, i
         context.SetBrush(OnlyColour);
         context.Rectangle(0, top, width, top + RowHeight);
     }
-    PaintAlive(context, group, GetColumnLeft(CN_ALIVE, width), top);
     context.SetTextColour(TextColour);
     PutText(context, -1, width, top, group.Name);
+    if (group.HasParticles)
+        PaintParticles(context, group, width, top);
+    PaintCode(context, group, width, top);
+}
+
+void TBudgetPanel::PaintParticles(TGDIContext& context, const TGroupBudget& group, int width, int top) const
+{
+    PaintAlive(context, group, GetColumnLeft(CN_ALIVE, width), top);
     TString text;
     text.Format("%d/%d", group.Alive, group.Capacity);
     context.SetTextColour(group.Alive >= group.Capacity ? OverColour : TextColour);
@@ -242,8 +252,13 @@ void TBudgetPanel::PaintGroup(TGDIContext& context, const TGroupBudget& group, i
     text.Format("%d/%d", group.Born, group.MaxBorn);
     context.SetTextColour(group.Born > group.MaxBorn ? OverColour : TextColour);
     PutText(context, CN_BORN, width, top, text);
+}
+
+void TBudgetPanel::PaintCode(TGDIContext& context, const TGroupBudget& group, int width, int top)
+{
     if (group.Rows == 0)
         return;
+    TString text;
     text.Format("%d/%d", group.Rows, TPreviewBudget::MaxRows);
     context.SetTextColour(group.Rows >= TPreviewBudget::MaxRows ? OverColour : TextColour);
     PutText(context, CN_ROWS, width, top, text);

@@ -18,9 +18,9 @@ private:
     TBudgetPanel& Panel;
 };
 
-// The strip of what an effect takes: a line for each group of particles, and one for the effect. A click on a
-// group's line reports code 11 with the group, with Alt code 7; so does Return on the line that Up and Down
-// mark.
+// The strip of what an effect takes: a line for each group of particles, one for what runs once per effect,
+// and one for the effect. A click on a group's line reports code 11 with the group, with Alt code 7 where
+// there are particles; so does Return on the line that Up and Down mark.
 class TBudgetPanel : public TWindow
 {
 public:
@@ -52,6 +52,8 @@ private:
     void Paint(TGDIContext& context) const;
     void PaintTitles(TGDIContext& context, int width) const;
     void PaintGroup(TGDIContext& context, const TGroupBudget& group, int width, int top) const;
+    void PaintParticles(TGDIContext& context, const TGroupBudget& group, int width, int top) const;
+    static void PaintCode(TGDIContext& context, const TGroupBudget& group, int width, int top);
     void PaintAlive(TGDIContext& context, const TGroupBudget& group, int left, int top) const;
     void PaintMark(TGDIContext& context, int width, int top) const;
     void PaintTotals(TGDIContext& context, int width, int top) const;

@@ -24,7 +24,6 @@ constexpr int MenuWidth = 28;
 constexpr int MinSeekWidth = 90;
 // The view tells as much, where this has no room.
 constexpr int MinHintWidth = 160;
-constexpr const char* SpeedTexts[TPreviewClock::NumSpeeds] = {"1/8x", "1/4x", "1/2x", "1x", "2x", "4x"};
 // The bar's end, in seconds.
 constexpr float Ranges[] = {5, 10, 20, 30, 60, 120, 300, 600};
 
@@ -73,7 +72,8 @@ bool TParticleTimeline::CreateControls()
 bool TParticleTimeline::CreateSeekControls()
 {
     return SeekBar.Create(this, ID_SEEK) &&
-           SpeedButton.Create(this, ID_SPEED, SpeedTexts[TPreviewClock::NormalSpeed], "speed") &&
+           SpeedButton.Create(this, ID_SPEED, TPreviewClock::GetSpeedText(TPreviewClock::NormalSpeed),
+                              "speed") &&
            MenuButton.Create(this, ID_MENU, "...", "previewmenu");
 }
 
@@ -218,7 +218,7 @@ void TParticleTimeline::SetSpeed(int speed)
 
 void TParticleTimeline::ShowSpeed()
 {
-    const char* text = SpeedTexts[Clock.GetSpeed()];
+    const char* text = TPreviewClock::GetSpeedText(Clock.GetSpeed());
     SpeedButton.SetText(text);
     SpeedButton.SetSpokenName(TempFormat("Speed %s", text));
 }
@@ -297,7 +297,7 @@ void TParticleTimeline::OnButton(int id)
         Step();
         return;
     case ID_PAUSE:
-        Clock.TogglePause();
+        TogglePause();
         break;
     case ID_PLAY:
         Clock.Play();

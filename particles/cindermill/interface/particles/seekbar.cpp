@@ -94,13 +94,14 @@ bool TSeekBar::OnMessage(const TMessage& message)
         Choose(message.X);
         return true;
     case MT_MOUSEMOVE:
-        // A dialog may have taken the release.
+        // Another program may have taken the release.
         if (Dragged && (message.Buttons & MB_LEFT) == 0)
             EndDrag();
         else if (Dragged)
             Choose(message.X);
         return true;
     case MT_LEFTUP:
+    case MT_CAPTURELOST:
         if (Dragged)
             EndDrag();
         return true;

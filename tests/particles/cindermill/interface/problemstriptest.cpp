@@ -1,6 +1,9 @@
 #include "graphwindowfixture.h"
 
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/effectgraph/simpleparameters.h"
+
+#include <QtGui/QImage>
 
 namespace {
 
@@ -22,6 +25,28 @@ protected:
         for (int i = 0; i < problems.size(); ++i)
             if (problems[i].Node == node)
                 return i;
+        return -1;
+    }
+    // As it is drawn, in the corner of the tab.
+    static bool HasBadge(const TDocGraphHeader& header, int tab)
+    {
+        int left = 0;
+        int right = 0;
+        header.GetTabEdges(tab, left, right);
+        const QImage picture = header.GetHandle()->grab().toImage();
+        return (picture.pixel(right - 4, 4) & 0xFFFFFF) == 0xC62828;
+    }
+    static TNodeTextureParameter* FindTexture(const TEffectNode& node)
+    {
+        return node.GetNodeType()->FindParameterOf<TNodeTextureParameter>("Texture", PK_TEXTURE);
+    }
+    // -1 for none.
+    static int FindGroupOf(const TEffectSchedule& schedule, const TNodeTextureParameter& texture)
+    {
+        for (int g = 0; g < schedule.GetNumGroups(); ++g)
+            for (int i = 0; i < schedule.GetNumTiedNodes(g); ++i)
+                if (FindTexture(*schedule.GetNode(schedule.GetTiedNode(g, i))) == &texture)
+                    return g;
         return -1;
     }
     void Connect(TToolNode* source, const char* output, TToolNode* destination, const char* input)
@@ -52,6 +77,49 @@ TEST_F(ProblemStrip, StandsBelowTheGraphAsLongAsThereAreProblems)
     EXPECT_FALSE(Strip().IsShown());
     EXPECT_EQ(Graph().GetHandle()->height(), height);
     EXPECT_FALSE(View().GetHeader().HasProblem(0));
+}
+
+TEST_F(ProblemStrip, TheTabOfTheNodesGroupHasABadgeAndNoOtherGroups)
+{
+    // Nothing is searched for.
+    App.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+    App.Get().GetResourceLocator().ReadSettings();
+    TDocument* effect = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(effect, nullptr);
+    TEffectGraph& graph = *effect->GetGraph();
+    const int count = graph.GetNumNodes();
+    for (int i = 0; i < count; ++i)
+        effect->SelectNode(static_cast<TToolNode*>(graph.GetNode(i)), false);
+    effect->CopySelection();
+    effect->Paste();
+    std::vector<TNodeTextureParameter*> textures;
+    for (int i = 0; i < graph.GetNumNodes(); ++i)
+        if (TNodeTextureParameter* texture = FindTexture(*graph.GetNode(i))) {
+            textures.push_back(texture);
+            texture->SetValue(SourcePath("samples/textures/" + Text(texture->GetFileName())).c_str());
+        }
+    ASSERT_EQ(textures.size(), 2u);
+    effect->RebuildSchedule(true);
+    Settle();
+    TDocGraphHeader& header = ViewOf(*effect).GetHeader();
+    ASSERT_EQ(header.GetTabLabels().size(), 3);
+    const auto expectBadges = [&](bool all, bool first, bool second) {
+        EXPECT_EQ(HasBadge(header, 0), all);
+        EXPECT_EQ(HasBadge(header, 1), first);
+        EXPECT_EQ(HasBadge(header, 2), second);
+    };
+    expectBadges(false, false, false);
+    for (TNodeTextureParameter* texture : textures) {
+        const std::string whole = Text(texture->GetFileName());
+        const int group = FindGroupOf(effect->GetSchedule(), *texture);
+        texture->SetValue("nowhere.dds");
+        effect->RebuildSchedule(true);
+        expectBadges(true, group == GetTabGroup(effect->GetSchedule(), 1),
+                     group == GetTabGroup(effect->GetSchedule(), 2));
+        texture->SetValue(whole.c_str());
+        effect->RebuildSchedule(true);
+        expectBadges(false, false, false);
+    }
 }
 
 TEST_F(ProblemStrip, AClickShowsTheNode)

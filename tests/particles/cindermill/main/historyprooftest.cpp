@@ -91,7 +91,8 @@ struct TTold
 
 TEST_F(Histories, OfAFilledGraphAreUndoneToTheStart)
 {
-    for (uint32_t seed = 1; seed <= 10; ++seed) {
+    const uint32_t first = Setting("CINDERMILL_RANDOM_SEED", 1);
+    for (uint32_t seed = first; seed < first + 10; ++seed) {
         SCOPED_TRACE(seed);
         const std::string path = MakeFilled(seed);
         TDocument document(App.Get());
@@ -113,7 +114,8 @@ TEST_F(Histories, OfAFilledGraphAreUndoneToTheStart)
 // From a file with its history, everything stands where the chunks of what made it say.
 TEST_F(Histories, ComeBackFromTheEffectsFileInOrder)
 {
-    for (uint32_t seed = 1; seed <= 10; ++seed) {
+    const uint32_t first = Setting("CINDERMILL_RANDOM_SEED", 1);
+    for (uint32_t seed = first; seed < first + 10; ++seed) {
         SCOPED_TRACE(seed);
         const std::string path = Path("history.effect");
         std::vector<std::string> told;
@@ -146,7 +148,8 @@ TEST_F(Histories, OfAFilledGraphAreUndoneToTheStartAfterARecovery)
 {
     constexpr int Edits = 3000;
     constexpr uint32_t Milliseconds = 1500;
-    const std::string path = MakeFilled(3);
+    const uint32_t seed = Setting("CINDERMILL_RANDOM_SEED", 3);
+    const std::string path = MakeFilled(seed);
     const std::string before = ReadBytes(path);
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
@@ -154,7 +157,7 @@ TEST_F(Histories, OfAFilledGraphAreUndoneToTheStartAfterARecovery)
         Start();
         TDocument& document = Open(path);
         document.ClearEngine();
-        TDice dice(11);
+        TDice dice(seed + 1);
         TRandomGraph graph(App.Get(), document, dice);
         for (int i = 0; i < Edits; ++i) {
             Clock.Set(Begin + static_cast<uint32_t>(i) * Milliseconds);
@@ -190,14 +193,15 @@ TEST_F(Histories, OfAFilledGraphAreUndoneToTheStartAfterARecovery)
 // Each recovery goes on where the last one ended.
 TEST_F(Histories, AreKeptThroughSeveralRecoveries)
 {
-    const std::string path = MakeFilled(5);
+    const uint32_t seed = Setting("CINDERMILL_RANDOM_SEED", 5);
+    const std::string path = MakeFilled(seed);
     const std::string before = ReadBytes(path);
     for (uint32_t round = 0; round < 4; ++round)
         ASSERT_TRUE(DoAndDie([&] {
             Start(RA_RESTORE);
             TDocument& document = round == 0 ? Open(path) : Newest();
             document.ClearEngine();
-            TDice dice(round);
+            TDice dice(seed + round);
             TRandomGraph graph(App.Get(), document, dice);
             for (int i = 0; i < 200; ++i)
                 graph.Edit();
@@ -220,7 +224,7 @@ TEST_F(Histories, BelieveNothingThatDoesNotFit)
     TDocument document(App.Get());
     ASSERT_TRUE(document.Load(path.c_str()));
     document.ClearEngine();
-    TDice dice(1);
+    TDice dice(Setting("CINDERMILL_RANDOM_SEED", 1));
     TRandomGraph graph(App.Get(), document, dice);
     for (int i = 0; i < 100; ++i)
         graph.Edit();

@@ -333,3 +333,17 @@ TEST_F(SharedClipboard, OnlyAPasteAsksWhoeverHasTheClipboard)
     EXPECT_EQ(App.Get().GetIdleReason(MI_PASTE), nullptr);
     EXPECT_EQ(Exchange.Questions, 1);
 }
+
+TEST_F(SharedClipboard, WhoDoesNotAnswerIsAskedOnceByAPaste)
+{
+    CopyElsewhere();
+    TDocument& document = New();
+    Exchange.Slow = true;
+    App.Get().OnMenu(MI_PASTE);
+    EXPECT_EQ(Host.Statuses, TNames{"The program that has the clipboard does not answer"});
+    EXPECT_EQ(Exchange.Questions, 0);
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 0);
+    Exchange.Slow = false;
+    App.Get().OnMenu(MI_PASTE);
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), Copied);
+}

@@ -4,6 +4,7 @@
 #include "support/testgraph.h"
 
 #include "library/containers/image/image.h"
+#include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreplay.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/export/exportpolicies.h"
@@ -539,7 +540,9 @@ protected:
         report.SetSchedule(&schedule);
         if (told != nullptr)
             report.AddNode(told, *(Told != nullptr ? Told : &effect.Cone)->GetNode(), -1, "told");
-        TLintReplay(schedule, Options).TellDifferences(replay, report);
+        TLintGraph graph(effect.GetGraph(), schedule);
+        graph.FindUseful();
+        TLintReplay(schedule, graph, Options).TellDifferences(replay, report);
         return findings;
     }
     static TReplayDifference Differ(TDifferenceKind kind, const TSampleNode* node, int group, int attribute)
@@ -671,6 +674,41 @@ TEST_F(LintReplays, WhatDecidesWhichParticlesThereAreExplainsAllTheirValues)
         Told = node;
         EXPECT_EQ(TIds{kind}, IdsOf(Tell(effect, replay, kind)));
     }
+}
+
+TEST_F(LintReplays, ANoteOfTheReplayIsToldForWhatItExplains)
+{
+    TSoundEffect effect(App);
+    TReplayReport replay;
+    replay.Add(Differ(DK_COUNT, &effect.Source, 1, -1));
+    replay.Add(Differ(DK_VALUE, &effect.Colours, 1, 1));
+    replay.Add(Differ(DK_STAGE, &effect.Stage, 1, -1));
+    TReplayNote note;
+    note.Text = "Group 1: its capacity of 11 particles is rounded up to 12";
+    note.Group = 1;
+    note.MayDiffer = true;
+    note.DecidesParticles = true;
+    replay.AddNote(note);
+    const TFindingList findings = Tell(effect, replay);
+    const TIds expected = {"replay.note", "replay.stage"};
+    ASSERT_EQ(expected, IdsOf(findings));
+    EXPECT_EQ(FS_NOTE, findings[0].Severity);
+    EXPECT_STREQ(note.Text.Print(), findings[0].Message.Print());
+    // One of a node that decides nothing explains what hangs on it.
+    TReplayReport values;
+    values.Add(Differ(DK_VALUE, &effect.Integrate, 1, 0));
+    values.Add(Differ(DK_VALUE, &effect.Colours, 1, 1));
+    note.Node = effect.Gravity.GetNode();
+    note.DecidesParticles = false;
+    values.AddNote(note);
+    const TIds both = {"replay.note", "replay.value"};
+    EXPECT_EQ(both, IdsOf(Tell(effect, values)));
+    // What may not differ for it explains nothing.
+    TReplayReport unexplained;
+    unexplained.Add(Differ(DK_VALUE, &effect.Integrate, 1, 0));
+    note.MayDiffer = false;
+    unexplained.AddNote(note);
+    EXPECT_EQ(TIds{"replay.value"}, IdsOf(Tell(effect, unexplained)));
 }
 
 TEST_F(LintReplays, NothingThatIsToldExplainsAStageOrWhatNothingWrites)

@@ -194,6 +194,14 @@ const std::vector<TProvocation>& GetProvocations()
              e.Gravity.Wire("Velocity", length, "Vector");
              TPopulation(e, length, "Value", 4000).Stage.Priority(0);
          }},
+        {"replay.note",
+         [](TEffect e) {
+             e.Effect.Add("Point Emitter")
+                 .Set("Emission Trigger", {2})
+                 .Wire("Start Transform",
+                       e.Effect.Add("Sprite Render Stage").Texture("Texture", "spark.dds").Priority(9),
+                       "Transform");
+         }},
         {"load.failed", [](TEffect) {}, "", "", [](std::string& bytes) { bytes.resize(bytes.size() / 2); }},
         {"load.mended", [](TEffect e) { e.Effect.Add("Random Value"); }, "", "",
          [](std::string& bytes) {
