@@ -1,7 +1,5 @@
 #include "library/system/thread.h"
 
-#include "library/system/signalstack.h"
-
 #include <chrono>
 #include <system_error>
 
@@ -27,10 +25,7 @@ bool TThread::Start(void (*work)(void* context), void* context)
 {
     Join();
     try {
-        Thread = std::thread([work, context] {
-            const TSignalStack stack;
-            work(context);
-        });
+        Thread = std::thread(work, context);
         return true;
     } catch (const std::system_error&) {
         return false;

@@ -120,6 +120,8 @@ QSurfaceFormat GetGlFormat();
 // Whether windows can be drawn by OpenGL. The first time it is found that they cannot, a message tells it,
 // once the loop runs.
 bool HasWorkingGl();
+// Whether a context could be made, known without the time that it takes to look what it can do.
+bool MayHaveGl();
 
 // The widget of a mouse pointer.
 QCursor GetMousePointer(TCursor cursor);

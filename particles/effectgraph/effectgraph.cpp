@@ -7,6 +7,8 @@
 #include "particles/effectgraph/rampparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
 
+#include <algorithm>
+
 bool TEffectGraph::Read(int, int, TChunkFile* chunkFile)
 {
     if (!chunkFile->ReadPointers(Nodes) || !chunkFile->ReadPointers(Edges))
@@ -43,16 +45,80 @@ static void RemoveOne(vector<T*>& objects, const T* object)
 }
 
 template <class T>
-static void RemoveAll(vector<T*>& objects, const vector<T*>& removed)
+static void RemoveAll(vector<T*>& objects, const vector<T*>& removed, vector<int>* places)
 {
     TPointerMap gone;
-    for (const T* object : removed)
-        gone.Insert(object);
+    for (int i = 0; i < removed.size(); ++i)
+        gone.Insert(removed[i], i);
+    if (places != nullptr)
+        places->resize(removed.size());
     int kept = 0;
-    for (T* object : objects)
-        if (!gone.Has(object))
-            objects[kept++] = object;
+    for (int i = 0; i < objects.size(); ++i) {
+        const int number = gone.Find(objects[i]);
+        if (number == -1)
+            objects[kept++] = objects[i];
+        else if (places != nullptr)
+            (*places)[number] = i;
+    }
     objects.resize(kept);
+}
+
+namespace {
+
+// One of many that come back: before which of those that are there, and in what order among themselves.
+struct TComingBack
+{
+    int Before;
+    int Order;
+    int Number;
+};
+
+bool StandsBefore(const TComingBack& a, const TComingBack& b)
+{
+    return a.Before != b.Before ? a.Before < b.Before : a.Order < b.Order;
+}
+
+} // namespace
+
+// The first of the objects that is behind all chunks up to this one: `last` are the largest chunks so far.
+static int FindBehind(const vector<int>& last, int chunk)
+{
+    int low = 0;
+    int high = last.size();
+    while (low < high) {
+        const int middle = (low + high) / 2;
+        if (last[middle] > chunk)
+            high = middle;
+        else
+            low = middle + 1;
+    }
+    return low;
+}
+
+template <class T>
+static void PutBack(vector<T*>& objects, const vector<T*>& returned, const vector<int>& places)
+{
+    const bool isKnown = places.size() == returned.size();
+    vector<int> last;
+    for (int i = 0; i < objects.size() && !isKnown; ++i)
+        Append(last, i > 0 && last[i - 1] > objects[i]->ChunkIdx ? last[i - 1] : objects[i]->ChunkIdx);
+    vector<TComingBack> back;
+    for (int i = 0; i < returned.size(); ++i)
+        Append(back, isKnown
+                         ? TComingBack{0, places[i], i}
+                         : TComingBack{FindBehind(last, returned[i]->ChunkIdx), returned[i]->ChunkIdx, i});
+    std::sort(back.begin(), back.end(), StandsBefore);
+    vector<T*> merged;
+    merged.reserve(objects.size() + returned.size());
+    int next = 0;
+    for (const TComingBack& one : back) {
+        while (next < objects.size() && (isKnown ? merged.size() < one.Order : next < one.Before))
+            merged.push_back(objects[next++]);
+        merged.push_back(returned[one.Number]);
+    }
+    while (next < objects.size())
+        merged.push_back(objects[next++]);
+    objects.swap(merged);
 }
 
 void TEffectGraph::AddNode(TEffectNode* node)
@@ -75,11 +141,19 @@ void TEffectGraph::RemoveNode(TEffectNode* node)
     ClearCanConnectCache();
 }
 
-void TEffectGraph::RemoveNodes(const vector<TEffectNode*>& nodes)
+void TEffectGraph::RemoveNodes(const vector<TEffectNode*>& nodes, vector<int>* places)
 {
     for (const TEffectNode* node : nodes)
         ASSERT_TEXT(Members.Remove(node), "it != Nodes.end()");
-    RemoveAll(Nodes, nodes);
+    RemoveAll(Nodes, nodes, places);
+    ClearCanConnectCache();
+}
+
+void TEffectGraph::PutBackNodes(const vector<TEffectNode*>& nodes, const vector<int>& places)
+{
+    for (const TEffectNode* node : nodes)
+        ASSERT_TEXT(Members.Insert(node), "Nodes.find(node) == Nodes.end()");
+    PutBack(Nodes, nodes, places);
     ClearCanConnectCache();
 }
 
@@ -103,11 +177,19 @@ void TEffectGraph::RemoveEdge(TEffectEdge* edge)
     ClearCanConnectCache();
 }
 
-void TEffectGraph::RemoveEdges(const vector<TEffectEdge*>& edges)
+void TEffectGraph::RemoveEdges(const vector<TEffectEdge*>& edges, vector<int>* places)
 {
     for (const TEffectEdge* edge : edges)
         ASSERT_TEXT(Members.Remove(edge), "it != Edges.end()");
-    RemoveAll(Edges, edges);
+    RemoveAll(Edges, edges, places);
+    ClearCanConnectCache();
+}
+
+void TEffectGraph::PutBackEdges(const vector<TEffectEdge*>& edges, const vector<int>& places)
+{
+    for (const TEffectEdge* edge : edges)
+        ASSERT_TEXT(Members.Insert(edge), "Edges.find(edge) == Edges.end()");
+    PutBack(Edges, edges, places);
     ClearCanConnectCache();
 }
 
@@ -121,6 +203,19 @@ TEffectNode* TEffectGraph::FindNodeOf(const TNodeType* type) const
 
 void TEffectGraph::GraphChanged()
 {
-    ResolvePolytypes(*this);
+    ResolveTypes();
     Callbacks.Call();
+}
+
+void TEffectGraph::ResolveTypes()
+{
+    ResolvePolytypes(*this);
+}
+
+void TEffectGraph::SetDefaultType(TEffectNode* node, int port, int type) const
+{
+    TOutputPort& output = node->GetNodeType()->GetOutput(port);
+    if (TypeRecord != nullptr && output.DefaultType != type)
+        Append(*TypeRecord, TFormerType{node, port, output.DefaultType});
+    output.DefaultType = type;
 }

@@ -3,6 +3,14 @@
 #include "particles/effectgraph/effectnode.h"
 #include "particles/effectgraph/pointermap.h"
 
+// The type that an unsettled output had before it was settled anew.
+struct TFormerType
+{
+    TEffectNode* Node;
+    int Port;
+    int Type;
+};
+
 // The nodes and edges of one effect. The document's chunk file owns them; the graph refers to them.
 class TEffectGraph : public TRegistered<TEffectGraph, TChunk>
 {
@@ -14,14 +22,20 @@ public:
 
     // None of these calls GraphChanged: whoever changes the graph does, once, at the end. Many nodes or edges
     // come and go in one step: one by one each would be searched for among all.
+    //
+    // Places are those that the removed ones had in the list before. With as many of them they are put back
+    // there; otherwise where their chunks would have them, as things come into a graph in the order in which
+    // they are made.
     void AddNode(TEffectNode* node);
     void AddNodes(const vector<TEffectNode*>& nodes);
     void RemoveNode(TEffectNode* node);
-    void RemoveNodes(const vector<TEffectNode*>& nodes);
+    void RemoveNodes(const vector<TEffectNode*>& nodes, vector<int>* places = nullptr);
+    void PutBackNodes(const vector<TEffectNode*>& nodes, const vector<int>& places);
     void AddEdge(TEffectEdge* edge);
     void AddEdges(const vector<TEffectEdge*>& edges);
     void RemoveEdge(TEffectEdge* edge);
-    void RemoveEdges(const vector<TEffectEdge*>& edges);
+    void RemoveEdges(const vector<TEffectEdge*>& edges, vector<int>* places = nullptr);
+    void PutBackEdges(const vector<TEffectEdge*>& edges, const vector<int>& places);
 
     bool Has(const TEffectNode* node) const { return Members.Has(node); }
     bool Has(const TEffectEdge* edge) const { return Members.Has(edge); }
@@ -37,8 +51,13 @@ public:
     void RemoveCallback(TCallback cb, void* data) { Callbacks.Remove(cb, data); }
     // Resolves the polytypes, then tells the listeners.
     void GraphChanged();
-    // Tells the listeners alone, for whoever resolves by himself.
+    // Each alone, for whoever has to see to more in between.
+    void ResolveTypes();
     void NotifyChanged() { Callbacks.Call(); }
+    // What is settled anew is told from now on to the record, in order; null for nobody.
+    void SetTypeRecord(vector<TFormerType>* record) { TypeRecord = record; }
+    // The output's own type, where it is not settled to one.
+    void SetDefaultType(TEffectNode* node, int port, int type) const;
 
 private:
     vector<TEffectNode*> Nodes;
@@ -46,6 +65,7 @@ private:
     // Both, for asking whether one is there.
     TPointerMap Members;
     TCallbackList<> Callbacks;
+    vector<TFormerType>* TypeRecord = nullptr;
 };
 
 // Whether a wire between the two ports may be drawn. Answers are kept until nodes or edges come or go.

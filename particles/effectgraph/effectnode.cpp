@@ -2,6 +2,8 @@
 
 #include "library/containers/append.h"
 
+#include <utility>
+
 bool TEffectNode::Read(int, int, TChunkFile* chunkFile)
 {
     uint32_t numOutputs = 0;
@@ -58,12 +60,22 @@ void TEffectNode::AddOutputEdge(int index, TEffectEdge* edge)
     Append(Outputs[index].Edges, edge);
 }
 
-void TEffectNode::RemoveOutputEdge(int index, TEffectEdge* edge)
+int TEffectNode::RemoveOutputEdge(int index, TEffectEdge* edge)
 {
     ASSERT_TEXT(index >= 0 && index < Outputs.size(), "index < Outputs.size()");
     TEffectEdge** it = Outputs[index].Edges.find(edge);
     ASSERT_TEXT(it != Outputs[index].Edges.end(), "it != Outputs[index].Edges.end()");
+    const int place = static_cast<int>(it - Outputs[index].Edges.begin());
     Outputs[index].Edges.erase(it);
+    return place;
+}
+
+void TEffectNode::PutBackOutputEdge(int index, TEffectEdge* edge, int place)
+{
+    AddOutputEdge(index, edge);
+    vector<TEffectEdge*>& edges = Outputs[index].Edges;
+    for (int i = edges.size() - 1; i > place && i > 0; --i)
+        std::swap(edges[i], edges[i - 1]);
 }
 
 void TEffectNode::SetOutputs(const vector<vector<TEffectEdge*>>& edges)

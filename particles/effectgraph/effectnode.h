@@ -27,7 +27,10 @@ public:
     TEffectEdge* GetInput(int i) const { return Inputs[i]; }
     void SetInput(int index, TEffectEdge* edge);
     void AddOutputEdge(int index, TEffectEdge* edge);
-    void RemoveOutputEdge(int index, TEffectEdge* edge);
+    // Its place in the list.
+    int RemoveOutputEdge(int index, TEffectEdge* edge);
+    // At its place, or at the end if there are fewer.
+    void PutBackOutputEdge(int index, TEffectEdge* edge, int place);
     // All connections of one side at once, for a node whose ports change.
     void SetInputs(const vector<TEffectEdge*>& edges) { Inputs = edges; }
     void SetOutputs(const vector<vector<TEffectEdge*>>& edges);

@@ -26,6 +26,9 @@ private:
     void ExtendBackward(TGroup& group) const;
     static TEffectEdge* FollowPassThrough(TEffectEdge* edge, int limit);
 
+    void SettlePort(const TPortRef& port, uint32_t mask, const int* defaultType) const;
+
+    const TEffectGraph& Graph;
     vector<TEffectNode*> Nodes;
     int NumEdges;
     TPointerMap NodeNumbers;
@@ -36,7 +39,7 @@ private:
     vector<TGroup> Groups;
 };
 
-TPolytypeResolver::TPolytypeResolver(const TEffectGraph& graph) : NumEdges(graph.GetNumEdges())
+TPolytypeResolver::TPolytypeResolver(const TEffectGraph& graph) : Graph(graph), NumEdges(graph.GetNumEdges())
 {
     GetSortedNodes(graph, Nodes);
     int numPorts = 0;
@@ -182,14 +185,13 @@ static int GetTypeInForce(const TPortRef& port)
 }
 
 // Gives a port the types that remain for it; an output also the type that it has while several remain.
-static void SettlePort(const TPortRef& port, uint32_t mask, const int* defaultType)
+void TPolytypeResolver::SettlePort(const TPortRef& port, uint32_t mask, const int* defaultType) const
 {
     TNodeType& type = *port.Node->GetNodeType();
     if (!port.IsInput()) {
-        TOutputPort& output = type.GetOutput(port.GetOutputIndex());
-        output.ResolvedType = GetSingleType(mask);
+        type.GetOutput(port.GetOutputIndex()).ResolvedType = GetSingleType(mask);
         if (defaultType != nullptr)
-            output.DefaultType = *defaultType;
+            Graph.SetDefaultType(port.Node, port.GetOutputIndex(), *defaultType);
     } else if (type.GetBasicInputType(port.Index) == TY_POLYTYPE)
         static_cast<TNodePolytypeParameter*>(type.GetInput(port.Index))->SetAllowedTypes(mask);
 }

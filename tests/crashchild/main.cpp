@@ -18,6 +18,9 @@
 #include <stdexcept>
 #include <thread>
 
+#include <QtCore/QThread>
+
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/mman.h>
@@ -225,6 +228,83 @@ void FailByOwnThread()
     thread.Join();
 }
 
+void FailByStandardThread()
+{
+    std::thread([] { FailByRecursion(0); }).join();
+}
+
+void FailByQtThread()
+{
+    QThread* const thread = QThread::create([] { FailByRecursion(0); });
+    thread->start();
+    thread->wait();
+}
+
+// As drivers are: loaded while the program runs.
+void FailByLibrary(const char* function)
+{
+    void* const library = dlopen(CINDERMILL_CRASHLIBRARY, RTLD_NOW | RTLD_LOCAL);
+    void* const found = library != nullptr ? dlsym(library, function) : nullptr;
+    if (found == nullptr)
+        _exit(96);
+    reinterpret_cast<void (*)()>(found)();
+}
+
+// Threads that end in each way give back what they were given, and their ends are still told.
+void* EndByReturn(void* argument)
+{
+    return argument;
+}
+
+void* EndByExit(void* argument)
+{
+    pthread_exit(argument);
+}
+
+void* EndByCancel(void*)
+{
+    for (;;)
+        pause();
+}
+
+int CountMappings()
+{
+    FILE* maps = fopen("/proc/self/maps", "r");
+    int count = 0;
+    for (int c = 0; (c = fgetc(maps)) != EOF;)
+        count += c == '\n';
+    fclose(maps);
+    return count;
+}
+
+bool EndThreads()
+{
+    bool isTold = true;
+    for (int i = 0; i < 200; ++i)
+        for (void* (*work)(void*) : {EndByReturn, EndByExit, EndByCancel}) {
+            pthread_t thread;
+            void* result = nullptr;
+            if (pthread_create(&thread, nullptr, work, &thread) != 0)
+                return false;
+            if (work == EndByCancel)
+                pthread_cancel(thread);
+            pthread_join(thread, &result);
+            isTold = isTold && result == (work == EndByCancel ? PTHREAD_CANCELED : &thread);
+        }
+    return isTold;
+}
+
+int CountLeftStacks()
+{
+    if (!EndThreads())
+        return 1;
+    const int before = CountMappings();
+    if (!EndThreads())
+        return 1;
+    // The library's own threads keep some of their stacks for the next ones.
+    return CountMappings() < before + 50 ? 0 : 2;
+}
+
 // The second thread cannot be stopped, and fails as soon as the first one's report begins.
 void FailTwice()
 {
@@ -346,6 +426,11 @@ const TWay Ways[] = {
     {"recursion", [] { FailByRecursion(0); }},
     {"large-frame", [] { FailByLargeFrame(); }},
     {"thread-recursion", FailByOwnThread},
+    {"standard-thread", FailByStandardThread},
+    {"qt-thread", FailByQtThread},
+    {"library-thread", [] { FailByLibrary("FailInLibraryThread"); }},
+    {"plain-thread", [] { FailByLibrary("FailInPlainThread"); }},
+    {"deaf-thread", [] { FailByLibrary("FailInDeafThread"); }},
     {"illegal", FailByIllegalInstruction},
     {"breakpoint", FailByBreakpoint},
     {"division", FailByDivision},
@@ -402,6 +487,8 @@ int main(int argc, char** argv)
     FillHeap();
     if (strcmp(way, "guarded") == 0)
         return FailGuarded();
+    if (strcmp(way, "threads-end") == 0)
+        return CountLeftStacks();
     for (const TWay& one : Ways)
         if (strcmp(one.Name, way) == 0)
             one.Fail();

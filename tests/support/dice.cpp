@@ -1,5 +1,7 @@
 #include "support/dice.h"
 
+#include <cstdlib>
+
 uint32_t TDice::Below(uint32_t count)
 {
     if (count == 0)
@@ -11,4 +13,10 @@ uint32_t TDice::Below(uint32_t count)
     for (uint32_t reach = 1; reach < count && Bytes != End; reach = reach > count >> 8 ? count : reach << 8)
         number = number << 8 | *Bytes++;
     return number % count;
+}
+
+uint32_t Setting(const char* name, uint32_t usual)
+{
+    const char* text = std::getenv(name);
+    return text != nullptr ? static_cast<uint32_t>(std::strtoul(text, nullptr, 10)) : usual;
 }

@@ -23,3 +23,6 @@ private:
     const uint8_t* End = nullptr;
     std::mt19937 Random;
 };
+
+// A number that the environment gives: a soak sets how many trials there are, and their first seed.
+uint32_t Setting(const char* name, uint32_t usual);

@@ -2,8 +2,9 @@
 
 #include "library/system/crash/crashfile.h"
 #include "library/system/crash/crashwriter.h"
+#include "library/system/crash/signalstack.h"
+#include "library/system/crash/threadstart.h"
 #include "library/system/endsignal.h"
-#include "library/system/signalstack.h"
 
 #include <atomic>
 #include <cxxabi.h>
@@ -161,6 +162,7 @@ bool InstallCrashHandler(TCrashReporter reporter)
     // It lasts as long as the main thread.
     static const TSignalStack stack;
     static_cast<void>(stack);
+    EquipThreads();
     for (int& handle : Reserved)
         handle = open("/dev/null", O_RDONLY | O_CLOEXEC);
     struct sigaction action = {};

@@ -5,6 +5,7 @@
 #include "library/wimp/windowpeer.h"
 
 #include <QtCore/QEvent>
+#include <QtCore/QTimer>
 #include <QtGui/QIcon>
 #include <QtGui/QPainter>
 #include <QtGui/QResizeEvent>
@@ -161,6 +162,17 @@ QIcon LoadTilePicture(const TString& path)
     return QIcon(pixmap);
 }
 
+// Keeps the place of a picture that is still to come.
+const QIcon& GetEmptyPicture()
+{
+    static const QIcon Empty = [] {
+        QPixmap pixmap(PictureSize);
+        pixmap.fill(Qt::transparent);
+        return QIcon(pixmap);
+    }();
+    return Empty;
+}
+
 void Name(QAbstractButton& button, const TEntryPage::TEntry& entry)
 {
     button.setObjectName(QStringLiteral("entry%1").arg(entry.Id));
@@ -233,8 +245,11 @@ void TEntryPage::AddTile(const TEntry& entry)
     tile->setAutoRaise(true);
     tile->setFocusPolicy(Qt::StrongFocus);
     tile->setText(ToLabel(entry.Text));
-    tile->setIcon(LoadTilePicture(entry.Picture));
+    tile->setIcon(GetEmptyPicture());
     tile->setIconSize(PictureSize);
+    // The page is there before its pictures are, which are read one by one between what a person does.
+    const TString picture = entry.Picture;
+    QTimer::singleShot(0, tile, [tile, picture] { tile->setIcon(LoadTilePicture(picture)); });
     Name(*tile, entry);
     const int id = entry.Id;
     QObject::connect(tile, &QAbstractButton::clicked, GetHandle(), [this, id] { Report(id, CC_BUTTON); });

@@ -22,3 +22,9 @@ void TLabel::SetText(const char* text)
     if (QLabel* label = qobject_cast<QLabel*>(GetHandle()))
         label->setText(ToQt(text));
 }
+
+void TLabel::Names(TWimpControl& control)
+{
+    if (QLabel* label = qobject_cast<QLabel*>(GetHandle()))
+        control.SetSpokenName(label->text().remove(QLatin1Char(':')).toUtf8().constData());
+}

@@ -63,6 +63,10 @@ bool TTable::TPane::OnMessage(const TMessage& message)
         Table->OnContext(x, y);
         return true;
     }
+    if (message.Type == MT_KEYDOWN && message.Key == KEY_MENU) {
+        Table->OnContext(0, 0);
+        return true;
+    }
     if (message.Type == MT_LEFTDOWN)
         Table->SetFocus();
     return (Table->*Handler)(message);
@@ -145,6 +149,8 @@ void TTable::ScrollRows(int rows)
 }
 
 void TTable::OnContext(int, int) {}
+
+void TTable::OnWidth(int) {}
 
 void TTable::OnCommand(TWimpControl* control, intptr_t argument, int code)
 {
@@ -241,9 +247,11 @@ void TTable::OnMouseMove(double x, double y, int buttons)
 {
     (void)y;
     // The columns may have become others meanwhile.
-    if (DraggedColumn >= 0)
+    if (DraggedColumn >= 0) {
         SetColumnWidth(DraggedColumn, static_cast<int>(std::floor(x)) - GrabOffset -
                                           (GetColumnEnd(DraggedColumn) - Widths[DraggedColumn]));
+        OnWidth(DraggedColumn);
+    }
     if (DraggedColumn >= 0 && (buttons & MB_LEFT) != 0)
         return;
     DraggedColumn = -1;

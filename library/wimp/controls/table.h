@@ -49,6 +49,8 @@ public:
     void SetFocus() override { Main.TakeFocus(); }
     // The right button was released on the table, at a position of it. By itself it does nothing.
     virtual void OnContext(int x, int y);
+    // Somebody has dragged the column to another width. By itself it does nothing.
+    virtual void OnWidth(int column);
     bool OnMessage(const TMessage& message) override;
     // The border of a column.
     void OnMouseMove(double x, double y, int buttons) override;

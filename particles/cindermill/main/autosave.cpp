@@ -97,6 +97,7 @@ void TAutosave::Save(TDocument& document, TEntry& entry)
     note.Path = document.GetPath();
     note.Time = GetWallTime();
     document.GetStamp().GetContent(note.FileSize, note.FileHash);
+    document.GetFormerStates(note.Former);
     vector<uint8_t> effect;
     if (!TRecoveryStore::CanHold(entry.File))
         entry.File = nullptr;

@@ -64,7 +64,7 @@ void TCindermillApp::Restore(const vector<TLostEffect>& lost)
 {
     for (const TLostEffect& effect : lost) {
         TString fault;
-        TDocument* document = MakeDocument(effect.Note.Path.Print(), effect.File, fault);
+        TDocument* document = MakeDocument(effect.Note.Path.Print(), &effect, fault);
         if (document != nullptr) {
             // What was written to it since, by whomever, must not go without a question.
             if (effect.Note.FileSize >= 0)

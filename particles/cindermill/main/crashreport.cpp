@@ -203,76 +203,120 @@ bool GetPath(char (&path)[PATH_MAX], const char* folder, const char* leaf)
     return *folder != 0 && JoinTexts(path, sizeof(path), folder, "/", leaf);
 }
 
+// How much of a crash lies in a folder, the more the better.
 enum TWritten
 {
     W_NOTHING,
     W_PART,
-    W_WHOLE
+    W_REPORT,
+    W_BOTH
 };
 
-TWritten WriteReport(const char* folder, const TCrash& crash)
+enum TNeed
 {
-    char path[PATH_MAX];
-    if (!GetPath(path, folder, ReportName))
-        return W_NOTHING;
-    const int file = CreateCrashFile(path, WT_YES);
-    if (file < 0)
-        return W_NOTHING;
-    lseek(file, 0, SEEK_END);
-    const bool whole = PrintReport(file, crash);
-    close(file);
-    return whole ? W_WHOLE : W_PART;
+    // Both files or none.
+    N_BOTH,
+    N_REPORT
+};
+
+// The two files in one folder, open.
+class TCrashFiles
+{
+public:
+    // Whether all that is needed could be made; otherwise nothing is.
+    bool Create(const char* folder, TNeed need);
+    TWritten Write(const TCrash& crash);
+    void Remove();
+
+private:
+    static int CreateOne(char (&path)[PATH_MAX], const char* folder, const char* leaf, TWriteThrough through);
+    bool WriteDump(const TCrash& crash);
+
+    char ReportPath[PATH_MAX];
+    char DumpPath[PATH_MAX];
+    int Report = -1;
+    int Dump = -1;
+};
+
+// -1 where there is no such folder too.
+int TCrashFiles::CreateOne(char (&path)[PATH_MAX], const char* folder, const char* leaf,
+                           TWriteThrough through)
+{
+    return GetPath(path, folder, leaf) ? CreateCrashFile(path, through) : -1;
+}
+
+bool TCrashFiles::Create(const char* folder, TNeed need)
+{
+    Report = CreateOne(ReportPath, folder, ReportName, WT_YES);
+    if (Report < 0)
+        return false;
+    Dump = CreateOne(DumpPath, folder, DumpName, WT_NO);
+    if (Dump >= 0 || need == N_REPORT)
+        return true;
+    close(Report);
+    unlink(ReportPath);
+    Report = -1;
+    return false;
+}
+
+void TCrashFiles::Remove()
+{
+    unlink(ReportPath);
+    if (Dump >= 0)
+        unlink(DumpPath);
 }
 
 // What does not fit is tried smaller: of a part without its end a debugger makes little.
-bool WriteDump(const char* folder, const TCrash& crash)
+bool TCrashFiles::WriteDump(const TCrash& crash)
 {
-    char path[PATH_MAX];
-    if (!GetPath(path, folder, DumpName))
-        return false;
-    const int file = CreateCrashFile(path, WT_NO);
-    if (file < 0)
-        return false;
     WriteDebug("writing minidump\r\n");
-    bool done = WriteCore(file, crash, DebugMode == MiniDump ? CC_STACKS : CC_ALL);
-    if (!done && DebugMode != MiniDump)
-        done = ftruncate(file, 0) == 0 && lseek(file, 0, SEEK_SET) == 0 && WriteCore(file, crash, CC_STACKS);
-    close(file);
-    if (!done)
-        unlink(path);
-    return done;
+    if (WriteCore(Dump, crash, DebugMode == MiniDump ? CC_STACKS : CC_ALL))
+        return true;
+    return DebugMode != MiniDump && ftruncate(Dump, 0) == 0 && lseek(Dump, 0, SEEK_SET) == 0 &&
+           WriteCore(Dump, crash, CC_STACKS);
 }
 
-void RemoveReport(const char* folder)
+// Where the disc takes no whole report it takes no dump.
+TWritten TCrashFiles::Write(const TCrash& crash)
 {
-    char path[PATH_MAX];
-    if (GetPath(path, folder, ReportName))
-        unlink(path);
+    lseek(Report, 0, SEEK_END);
+    const bool isWhole = PrintReport(Report, crash);
+    close(Report);
+    const bool isDumped = Dump >= 0 && isWhole && WriteDump(crash);
+    if (Dump >= 0) {
+        close(Dump);
+        if (!isDumped)
+            unlink(DumpPath);
+    }
+    return isDumped ? W_BOTH : isWhole ? W_REPORT : W_PART;
 }
 
-// A report that is not whole is better than none.
+// Too large for the stack of the handlers.
+TCrashFiles Beside;
+TCrashFiles Apart;
+
+// One after the other, until one takes both files. What is left in the end lies in one folder, and a report
+// that is not whole is better than none.
+TWritten WriteFiles(const TCrash& crash, TNeed need)
+{
+    const TWritten beside = Beside.Create(Facts.ProgramFolder, need) ? Beside.Write(crash) : W_NOTHING;
+    if (beside == W_BOTH)
+        return beside;
+    MakeCrashFolder(Facts.StateFolder);
+    const TWritten apart = Apart.Create(Facts.StateFolder, need) ? Apart.Write(crash) : W_NOTHING;
+    if (apart > beside && beside != W_NOTHING)
+        Beside.Remove();
+    if (apart <= beside && apart != W_NOTHING)
+        Apart.Remove();
+    return apart > beside ? apart : beside;
+}
+
 void OnCrash(const TCrash& crash)
 {
-    const TWritten beside = WriteReport(Facts.ProgramFolder, crash);
-    if (beside != W_NOTHING)
+    if (WriteFiles(crash, N_BOTH) != W_NOTHING || WriteFiles(crash, N_REPORT) != W_NOTHING)
         TellAccess(crash.Failure);
-    if (beside == W_WHOLE && WriteDump(Facts.ProgramFolder, crash))
-        return;
-    MakeCrashFolder(Facts.StateFolder);
-    if (beside == W_WHOLE) {
-        WriteDump(Facts.StateFolder, crash);
-        return;
-    }
-    const TWritten apart = WriteReport(Facts.StateFolder, crash);
-    if (apart == W_WHOLE && beside == W_PART)
-        RemoveReport(Facts.ProgramFolder);
-    if (apart == W_NOTHING && beside == W_NOTHING) {
+    else
         WriteDebug("Error creating exception report\r\n");
-        return;
-    }
-    if (beside == W_NOTHING)
-        TellAccess(crash.Failure);
-    WriteDump(apart == W_NOTHING ? Facts.ProgramFolder : Facts.StateFolder, crash);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "library/system/message.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/formerstates.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -36,7 +37,7 @@ private:
 
 TDocument::TDocument(TCindermillApp& app, TDocumentHost* host)
     : App(app), Host(host), Services(app.GetSettings(), app.GetResourceLocator()),
-      Preview(Services, app.GetResourceLocator())
+      Preview(Services, app.GetResourceLocator()), Agreement(app, *this)
 {
     Preview.SetGoes(&TDocument::OnEngineGoes, this);
 }
@@ -46,6 +47,7 @@ TDocument::~TDocument()
     if (Host != nullptr)
         Host->DeleteWindows(*this);
     Host = nullptr;
+    Agreement.Drop();
     Preview.Clear();
     Chunks.Clear();
 }
@@ -94,19 +96,19 @@ bool TDocument::CheckLoaded(bool mend)
 
 bool TDocument::Load(const char* path)
 {
-    return LoadFrom(path, path);
+    return LoadFrom(path, path, vector<int>());
 }
 
-bool TDocument::Restore(const char* file, const char* path)
+bool TDocument::Restore(const char* file, const char* path, const vector<int>& former)
 {
-    if (!LoadFrom(file, path))
+    if (!LoadFrom(file, path, former))
         return false;
     OperationStack->MarkChanged();
     SetModified(true);
     return true;
 }
 
-bool TDocument::LoadFrom(const char* file, const char* path)
+bool TDocument::LoadFrom(const char* file, const char* path, const vector<int>& former)
 {
     const TStepScope step(StepDepth);
     if (Host != nullptr && !Host->CreateParticleWindow(*this))
@@ -119,6 +121,9 @@ bool TDocument::LoadFrom(const char* file, const char* path)
                                  effect.CheckClasses()))
         return false;
     IsEditable = true;
+    OperationStack->Recall();
+    if (LoadNotes.empty())
+        SetFormerStates(*OperationStack, Chunks, former);
     Graph->AddCallback(&TDocument::OnGraphChanged, this);
     if (Host != nullptr && !Host->CreateView(*this))
         return false;
@@ -193,11 +198,10 @@ void TDocument::OfferRefresh()
     const TStepScope step(StepDepth);
     const bool wasRunning = Preview.IsInited();
     LoadNotes.Clear();
+    BeginEdit();
     Preview.DropSchedule();
     DetachObjects();
     RefreshNodes(stale);
-    ++Revision;
-    ++NumEdits;
     vector<TChunk*> all;
     Chunks.GetChunksOfClass(TToolNode::NameID(), all);
     for (TChunk* chunk : all)
@@ -281,6 +285,11 @@ bool TDocument::GetImage(vector<uint8_t>& bytes, int room)
     return RunGuarded([&] { written = Chunks.SaveToMemory(bytes, room); }, text) && written;
 }
 
+void TDocument::GetFormerStates(vector<int>& numbers) const
+{
+    ::GetFormerStates(*OperationStack, Chunks, numbers);
+}
+
 bool TDocument::SaveAs(const char* path)
 {
     SaveError = nullptr;
@@ -310,11 +319,18 @@ void TDocument::SetModified(bool modified)
     UpdateTitles();
 }
 
+// Before any node changes or goes.
+void TDocument::BeginEdit()
+{
+    ++Revision;
+    ++NumEdits;
+    Agreement.Drop();
+}
+
 void TDocument::ApplyOperation(TOperation* op)
 {
     const TStepScope step(StepDepth);
-    ++Revision;
-    ++NumEdits;
+    BeginEdit();
     OperationStack->Apply(*this, op);
     SetModified(true);
     ReviewProblems();
@@ -323,8 +339,7 @@ void TDocument::ApplyOperation(TOperation* op)
 void TDocument::Undo()
 {
     const TStepScope step(StepDepth);
-    ++Revision;
-    ++NumEdits;
+    BeginEdit();
     bool fits = false;
     {
         const TGraphHold hold(*this);
@@ -338,8 +353,7 @@ void TDocument::Undo()
 void TDocument::Redo()
 {
     const TStepScope step(StepDepth);
-    ++Revision;
-    ++NumEdits;
+    BeginEdit();
     bool fits = false;
     {
         const TGraphHold hold(*this);
@@ -427,7 +441,7 @@ void TDocument::CutSelection()
 
 void TDocument::Paste()
 {
-    if (App.GetClipboard().IsEmpty())
+    if (!App.PreparePaste())
         return;
     vector<TToolNode*> nodes;
     App.PasteFromClipboard(*this, nodes);
@@ -475,7 +489,7 @@ bool TDocument::ResolveTypes(TErrorList& errors)
         return false;
     }
     return RunCollecting(errors, [&] {
-        ResolvePolytypes(*Graph);
+        Graph->ResolveTypes();
         return true;
     });
 }

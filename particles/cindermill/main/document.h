@@ -6,6 +6,7 @@
 #include "particles/cindermill/graph/operations/operationstack.h"
 #include "particles/cindermill/main/appservices.h"
 #include "particles/cindermill/main/documentproblems.h"
+#include "particles/cindermill/main/exportagreement.h"
 #include "particles/cindermill/main/previewengine.h"
 #include "particles/effectgraph/error.h"
 
@@ -55,8 +56,8 @@ public:
     bool New();
     bool Load(const char* path);
     // The same from a recovery file, of what is to be the document of another path, which may be empty. It
-    // counts as modified until it is saved.
-    bool Restore(const char* file, const char* path);
+    // counts as modified until it is saved. `former` is what GetFormerStates gave with it.
+    bool Restore(const char* file, const char* path, const vector<int>& former);
     // Without windows, questions and schedule: the graph as it stands in the file. Anything but a look at it
     // needs CheckLoaded.
     bool BatchLoad(const char* path);
@@ -82,6 +83,8 @@ public:
     bool SaveUnchecked(const char* path);
     // What a save would write, with room for so many bytes behind it.
     bool GetImage(vector<uint8_t>& bytes, int room);
+    // What the history of that image remembers beyond it.
+    void GetFormerStates(vector<int>& numbers) const;
     // The schedule of the graph as it stands, and an engine: what an export needs. An engine that runs goes
     // on where the effect's shape is what it was.
     bool EnsureSchedule();
@@ -143,6 +146,8 @@ public:
     bool GetExportSize(int& size, TErrorList& errors) { return Preview.GetExportSize(size, errors); }
     // What has kept the effect from running since it last tried, until it is mended.
     const TDocumentProblems& GetProblems() const { return Problems; }
+    // Whether preview and export agree, where it was asked since the last edit.
+    TExportAgreement& GetAgreement() { return Agreement; }
     // The text of the File Properties dialog. Replaces the live schedule.
     void GetReport(TString& report);
 
@@ -161,7 +166,7 @@ public:
 private:
     friend class TGraphHold;
 
-    bool LoadFrom(const char* file, const char* path);
+    bool LoadFrom(const char* file, const char* path, const vector<int>& former);
     bool AdoptLoaded(const TEffectFile& file, bool sound);
     static bool CheckWritten(const char* path, void* data);
     // The nodes whose types differ from the library's, if a person wants them refreshed.
@@ -171,6 +176,7 @@ private:
     void AttachObjects();
     void UpdateTitles();
     void TellScheduleChanged();
+    void BeginEdit();
     void FinishStep(bool fits);
     void DropStaleSchedule();
     void FinishGraphChange();
@@ -190,6 +196,7 @@ private:
     TAppServices Services;
     TPreviewEngine Preview;
     TDocumentProblems Problems;
+    TExportAgreement Agreement;
     // In the order of the displays' addresses.
     sortedmap<TNodeDisplay*, bool> NodeDisplay;
     vector<TToolNode*> Selected;

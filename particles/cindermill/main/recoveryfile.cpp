@@ -23,6 +23,17 @@ struct TRecoveryTail
 };
 static_assert(sizeof(TRecoveryTail) == 40);
 
+constexpr char FormerMagic[4] = {'F', 'R', 'M', 'R'};
+
+// Behind the numbers, which stand behind the effect's last chunk and count as a part of it: programs that do
+// not know of them pass over them.
+struct TFormerTail
+{
+    uint32_t Count;
+    char Magic[4];
+};
+static_assert(sizeof(TFormerTail) == 8);
+
 // The CRC-32 of the usual archives.
 uint32_t GetChecksum(const uint8_t* bytes, int count)
 {
@@ -47,16 +58,49 @@ void Add(vector<uint8_t>& bytes, const void* data, int count)
         memcpy(Extend(bytes, count), data, static_cast<size_t>(count));
 }
 
+int GetFormerSize(const vector<int>& former)
+{
+    return former.empty() ? 0 : 4 * former.size() + static_cast<int>(sizeof(TFormerTail));
+}
+
+void AddFormer(vector<uint8_t>& effect, const vector<int>& former)
+{
+    if (former.empty())
+        return;
+    TFormerTail tail{};
+    tail.Count = static_cast<uint32_t>(former.size());
+    memcpy(tail.Magic, FormerMagic, sizeof(FormerMagic));
+    Add(effect, former.data(), 4 * former.size());
+    Add(effect, &tail, sizeof(tail));
+}
+
+// None where there are none. Whether they fit the history is seen where they are given to it.
+void ReadFormer(const vector<uint8_t>& bytes, uint32_t effectSize, vector<int>& former)
+{
+    TFormerTail tail{};
+    former.clear();
+    if (effectSize < sizeof(tail))
+        return;
+    const uint32_t end = effectSize - static_cast<uint32_t>(sizeof(tail));
+    memcpy(&tail, bytes.data() + end, sizeof(tail));
+    if (memcmp(tail.Magic, FormerMagic, sizeof(FormerMagic)) != 0 || tail.Count > end / 4)
+        return;
+    former.resize(static_cast<int>(tail.Count));
+    if (!former.empty())
+        memcpy(former.data(), bytes.data() + end - 4 * tail.Count, 4 * tail.Count);
+}
+
 } // namespace
 
 int GetRecoveryNoteSize(const TRecoveryNote& note)
 {
-    return note.Path.Length() + static_cast<int>(sizeof(TRecoveryTail));
+    return GetFormerSize(note.Former) + note.Path.Length() + static_cast<int>(sizeof(TRecoveryTail));
 }
 
 void AddRecoveryNote(vector<uint8_t>& effect, const TRecoveryNote& note)
 {
     TRecoveryTail tail{};
+    AddFormer(effect, note.Former);
     tail.EffectSize = static_cast<uint32_t>(effect.size());
     tail.PathLength = static_cast<uint32_t>(note.Path.Length());
     tail.Time = note.Time;
@@ -100,6 +144,7 @@ bool ReadRecoveryNote(const char* path, TRecoveryNote& note, TString& fault, boo
         fault = "The file is not as it was written";
         return false;
     }
+    ReadFormer(bytes, tail.EffectSize, note.Former);
     const char* text = reinterpret_cast<const char*>(bytes.data()) + tail.EffectSize;
     note.Path.Assign(text, text + tail.PathLength);
     note.Time = tail.Time;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/string.h"
+#include "library/containers/vector.h"
 
 #include <cstdint>
 
@@ -15,6 +16,8 @@ struct TRecoveryNote
     // is not known.
     int64_t FileSize = -1;
     uint64_t FileHash = 0;
+    // What its history remembers; see GetFormerStates. Empty in the files of older programs.
+    vector<int> Former;
 };
 
 // Turns the bytes of an effect file into those of a recovery file: the note stands behind the effect, where

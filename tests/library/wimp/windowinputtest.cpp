@@ -449,3 +449,18 @@ TEST_F(TWindowClassTest, AKeyOwnerThatGoesIsForgotten)
     QTest::keyClick(other.GetHandle(), Qt::Key_O, Qt::ControlModifier);
     EXPECT_EQ(other.Last(MT_KEYDOWN).Key, 'O');
 }
+
+TEST_F(TWindowClassTest, TheMenuKeyAndShiftF10AskForAMenuUnlessShiftF10IsTaken)
+{
+    QTest::keyClick(Widget(), Qt::Key_Menu);
+    EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, KEY_MENU);
+    Window.Forget();
+    QTest::keyClick(Widget(), Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, KEY_MENU);
+    Window.Forget();
+    QTest::keyClick(Widget(), Qt::Key_F10);
+    EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, KEY_F10);
+    Window.Consumed.push_back(MT_KEYDOWN);
+    QTest::keyClick(Widget(), Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, KEY_F10);
+}

@@ -91,24 +91,42 @@ void TChangeGraphEdgeOp::GetUsed(vector<TChunk*>& result) const
         result.push_back(end.Node);
 }
 
-void TChangeGraphEdgeOp::MoveTo(TEditContext& doc, const TEnd& source, const TEnd& destination)
+void TChangeGraphEdgeOp::Recall()
+{
+    FormerAttaching = Edge->GetAttaching();
+    Edge->SetAttaching(ChunkIdx);
+}
+
+int TChangeGraphEdgeOp::MoveTo(TEditContext& doc, const TEnd& source, const TEnd& destination,
+                               const int* place)
 {
     doc.GetListener().EdgeDetached(Edge);
-    Edge->DetachEnds();
+    const int left = Edge->DetachSource();
+    Edge->DetachDestination();
     Edge->Connect(source.Node, source.Port, destination.Node, destination.Port);
-    Edge->AttachEnds();
+    if (place == nullptr)
+        Edge->AttachSource();
+    else
+        Edge->PutBackSource(*place);
+    Edge->AttachDestination();
     doc.GetListener().EdgeMoved(Edge);
     for (const TEnd& end : Ends)
         doc.GetListener().NodeChanged(end.Node);
-    FinishGraphChange(doc);
+    return left;
 }
 
 void TChangeGraphEdgeOp::Do(TEditContext& doc)
 {
-    MoveTo(doc, Ends[NewSource], Ends[NewDestination]);
+    Former.Places.push_back(MoveTo(doc, Ends[NewSource], Ends[NewDestination], nullptr));
+    FinishGraphChange(doc);
 }
 
 void TChangeGraphEdgeOp::Undo(TEditContext& doc)
 {
-    MoveTo(doc, Ends[OldSource], Ends[OldDestination]);
+    const bool isKnown = Former.Places.size() == 1;
+    if (!isKnown)
+        Edge->SetAttaching(FormerAttaching);
+    const int place = isKnown ? Former.Places[0] : -1;
+    MoveTo(doc, Ends[OldSource], Ends[OldDestination], &place);
+    FinishGraphChange(doc);
 }

@@ -22,6 +22,7 @@ public:
     bool Fits(const TEffectGraph& graph, bool undo) const override;
     TAdaption AdaptTo(const TRefreshRecord& record) override;
     void GetUsed(vector<TChunk*>& result) const override;
+    void Recall() override;
 
 private:
     struct TEnd
@@ -40,10 +41,14 @@ private:
         NumEnds
     };
 
-    void MoveTo(TEditContext& doc, const TEnd& source, const TEnd& destination);
+    // Where the edge stood in the list of the source that it leaves; `place` is null for the end of that of
+    // the one that it comes to.
+    int MoveTo(TEditContext& doc, const TEnd& source, const TEnd& destination, const int* place);
     bool FitsMove(const TEffectGraph& graph, const TEnd& fromSource, const TEnd& fromDestination,
                   const TEnd& source, const TEnd& destination) const;
 
     TToolEdge* Edge = nullptr;
     TEnd Ends[NumEnds];
+    // See TToolEdge: before this operation, which came from a file.
+    int FormerAttaching = 0;
 };

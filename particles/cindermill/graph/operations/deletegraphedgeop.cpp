@@ -31,12 +31,12 @@ void TDeleteGraphEdgeOp::GetUsed(vector<TChunk*>& result) const
 
 void TDeleteGraphEdgeOp::Do(TEditContext& doc)
 {
-    RemoveEdge(doc, Edge);
+    RemoveEdge(doc, Edge, &Former.Places);
     FinishGraphChange(doc);
 }
 
 void TDeleteGraphEdgeOp::Undo(TEditContext& doc)
 {
-    InsertEdge(doc, Edge);
+    PutBackEdge(doc, Edge, Former.Places);
     FinishGraphChange(doc);
 }

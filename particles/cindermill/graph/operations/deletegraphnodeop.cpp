@@ -120,26 +120,52 @@ void TDeleteGraphNodeOp::GetUsed(vector<TChunk*>& result) const
     AppendAll(Edges, result);
 }
 
+// The places are those of the nodes and of the edges in the graph, and those of the edges in the lists of
+// sources that stay, in turn, -1 for the others.
 void TDeleteGraphNodeOp::Do(TEditContext& doc)
 {
     TPointerMap held;
     Enter(Nodes, held);
+    vector<int> atSources;
     for (TToolNode* node : Nodes)
         HideNode(doc, node);
     for (TToolEdge* edge : Edges) {
         doc.GetListener().EdgeRemoved(edge);
-        if (!held.Has(edge->GetSrcNode())) {
-            edge->DetachSource();
+        const bool leavesSource = !held.Has(edge->GetSrcNode());
+        Append(atSources, leavesSource ? edge->DetachSource() : -1);
+        if (leavesSource)
             doc.GetListener().NodeChanged(ToolNode(edge->GetSrcNode()));
-        }
         if (!held.Has(edge->GetDstNode())) {
             edge->DetachDestination();
             doc.GetListener().NodeChanged(ToolNode(edge->GetDstNode()));
         }
     }
-    doc.GetGraph()->RemoveNodes(AsVectorOf<TEffectNode>(Nodes));
-    doc.GetGraph()->RemoveEdges(AsVectorOf<TEffectEdge>(Edges));
+    vector<int> ofEdges;
+    doc.GetGraph()->RemoveNodes(AsVectorOf<TEffectNode>(Nodes), &Former.Places);
+    doc.GetGraph()->RemoveEdges(AsVectorOf<TEffectEdge>(Edges), &ofEdges);
+    for (const int place : ofEdges)
+        Append(Former.Places, place);
+    for (const int place : atSources)
+        Append(Former.Places, place);
     FinishGraphChange(doc);
+}
+
+vector<int> TDeleteGraphNodeOp::GetPlaces(int first, int count) const
+{
+    vector<int> places;
+    if (Former.Places.size() == Nodes.size() + 2 * Edges.size())
+        for (int i = first; i < first + count; ++i)
+            Append(places, Former.Places[i]);
+    return places;
+}
+
+// The last one that left a list comes back first, so that each finds the list as it left it.
+void TDeleteGraphNodeOp::PutBackSources(const TPointerMap& held)
+{
+    const vector<int> places = GetPlaces(Nodes.size() + Edges.size(), Edges.size());
+    for (int i = Edges.size() - 1; i >= 0; --i)
+        if (!held.Has(Edges[i]->GetSrcNode()))
+            Edges[i]->PutBackSource(places.empty() ? -1 : places[i]);
 }
 
 void TDeleteGraphNodeOp::Undo(TEditContext& doc)
@@ -150,19 +176,18 @@ void TDeleteGraphNodeOp::Undo(TEditContext& doc)
         node->Attach(&doc);
         ShowNode(doc, node);
     }
+    PutBackSources(held);
     for (TToolEdge* edge : Edges) {
         doc.GetListener().EdgeMoved(edge);
         doc.GetListener().EdgeAdded(edge);
-        if (!held.Has(edge->GetSrcNode())) {
-            edge->AttachSource();
+        if (!held.Has(edge->GetSrcNode()))
             doc.GetListener().NodeChanged(ToolNode(edge->GetSrcNode()));
-        }
         if (!held.Has(edge->GetDstNode())) {
             edge->AttachDestination();
             doc.GetListener().NodeChanged(ToolNode(edge->GetDstNode()));
         }
     }
-    doc.GetGraph()->AddNodes(AsVectorOf<TEffectNode>(Nodes));
-    doc.GetGraph()->AddEdges(AsVectorOf<TEffectEdge>(Edges));
+    doc.GetGraph()->PutBackNodes(AsVectorOf<TEffectNode>(Nodes), GetPlaces(0, Nodes.size()));
+    doc.GetGraph()->PutBackEdges(AsVectorOf<TEffectEdge>(Edges), GetPlaces(Nodes.size(), Edges.size()));
     FinishGraphChange(doc);
 }

@@ -2,6 +2,7 @@
 
 #include "particles/cindermill/graph/operations/operation.h"
 
+class TPointerMap;
 class TToolEdge;
 class TToolNode;
 
@@ -27,6 +28,9 @@ private:
     bool HoldsEdgesOfNodes() const;
     bool FitsDo(const TEffectGraph& graph) const;
     bool FitsUndo(const TEffectGraph& graph) const;
+    // Of those that the operation remembers; none if they are not of these nodes and edges.
+    vector<int> GetPlaces(int first, int count) const;
+    void PutBackSources(const TPointerMap& held);
 
     vector<TToolNode*> Nodes;
     vector<TToolEdge*> Edges;

@@ -55,12 +55,46 @@ void InsertEdge(TEditContext& doc, TToolEdge* edge)
     TouchEnds(doc, *edge);
 }
 
-void RemoveEdge(TEditContext& doc, TToolEdge* edge)
+namespace {
+
+// Of an edge that was removed.
+enum TEdgePlace
 {
+    EP_GRAPH,
+    EP_SOURCE,
+    NumEdgePlaces
+};
+
+} // namespace
+
+void RemoveEdge(TEditContext& doc, TToolEdge* edge, vector<int>* places)
+{
+    vector<TEffectEdge*> edges;
+    edges.push_back(edge);
+    vector<int> told;
     doc.GetListener().EdgeDetached(edge);
-    doc.GetGraph()->RemoveEdge(edge);
+    doc.GetGraph()->RemoveEdges(edges, &told);
     doc.GetListener().EdgeRemoved(edge);
-    edge->DetachEnds();
+    told.push_back(edge->DetachSource());
+    edge->DetachDestination();
+    TouchEnds(doc, *edge);
+    if (places != nullptr)
+        *places = told;
+}
+
+void PutBackEdge(TEditContext& doc, TToolEdge* edge, const vector<int>& places)
+{
+    const bool isKnown = places.size() == NumEdgePlaces;
+    vector<TEffectEdge*> edges;
+    edges.push_back(edge);
+    vector<int> inGraph;
+    if (isKnown)
+        inGraph.push_back(places[EP_GRAPH]);
+    doc.GetGraph()->PutBackEdges(edges, inGraph);
+    doc.GetListener().EdgeAdded(edge);
+    edge->PutBackSource(isKnown ? places[EP_SOURCE] : -1);
+    edge->AttachDestination();
+    doc.GetListener().EdgeMoved(edge);
     TouchEnds(doc, *edge);
 }
 

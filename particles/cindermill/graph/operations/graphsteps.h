@@ -22,7 +22,9 @@ void ShowNode(TEditContext& doc, TToolNode* node);
 void HideNode(TEditContext& doc, TToolNode* node);
 // The same, with the ports at both ends.
 void InsertEdge(TEditContext& doc, TToolEdge* edge);
-void RemoveEdge(TEditContext& doc, TToolEdge* edge);
+void RemoveEdge(TEditContext& doc, TToolEdge* edge, vector<int>* places = nullptr);
+// To the places that it had in the lists, which RemoveEdge tells; without them by the chunks.
+void PutBackEdge(TEditContext& doc, TToolEdge* edge, const vector<int>& places);
 // The last step of what changed the graph's shape.
 void FinishGraphChange(TEditContext& doc);
 

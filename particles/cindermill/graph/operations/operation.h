@@ -1,9 +1,9 @@
 #pragma once
 
 #include "library/system/files/chunkfile.h"
+#include "particles/effectgraph/effectgraph.h"
 
 class TEditContext;
-class TEffectGraph;
 class TRefreshRecord;
 
 // What a refresh of node types leaves of an operation.
@@ -15,6 +15,17 @@ enum TAdaption
     AD_LOST,
     // Neither it nor what lies beyond it, away from the present, can be reached any more.
     AD_CUTS
+};
+
+// What an operation knows, beyond what its chunk tells, of the state that it was done on: with it undo leads
+// back to just that. Not in the file of an effect.
+struct TFormerState
+{
+    // By the operation's own order: where what it removed stood in its lists, or other numbers. Empty if that
+    // is not known.
+    vector<int> Places;
+    // Of the outputs that were settled anew.
+    vector<TFormerType> Types;
 };
 
 // One edit of a document, which can do itself and undo itself. On the stack it is a chunk of the document, so
@@ -51,6 +62,9 @@ public:
     // Node types were refreshed: brings what the operation holds up to date. By itself an operation is lost
     // with anything that it refers to.
     virtual TAdaption AdaptTo(const TRefreshRecord& record);
+    // The operation, done, has come from a file: called once, with the oldest first.
+    virtual void Recall() {}
+    TFormerState& GetFormer() { return Former; }
     // The nodes and edges that the operation made, and whatever else it refers to.
     virtual void GetMade(vector<TChunk*>& result) const { (void)result; }
     virtual void GetUsed(vector<TChunk*>& result) const { (void)result; }
@@ -59,6 +73,9 @@ public:
     // itself. Not in the file: what is loaded has none.
     unsigned GetGesture() const { return Gesture; }
     void SetGesture(unsigned gesture) { Gesture = gesture; }
+
+protected:
+    TFormerState Former;
 
 private:
     unsigned Gesture = 0;

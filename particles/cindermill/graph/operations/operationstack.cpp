@@ -110,17 +110,38 @@ void TOperationStack::Apply(TEditContext& doc, TOperation* operation)
     }
     Append(Operations, op.Release());
     doc.GetChunks().AddChunk(Operations.back());
-    Operations.back()->Do(doc);
+    DoOne(doc, *Operations.back());
     ++Position;
     LastTime = GetTickCount();
 }
 
+// What is settled later is told to the operation too, up to the next step: within a gesture types are settled
+// at its end.
+void TOperationStack::DoOne(TEditContext& doc, TOperation& op)
+{
+    op.GetFormer() = TFormerState();
+    doc.GetGraph()->SetTypeRecord(&op.GetFormer().Types);
+    op.Do(doc);
+}
+
+static void RestoreTypes(const TEffectGraph& graph, const vector<TFormerType>& types)
+{
+    for (int i = types.size() - 1; i >= 0; --i)
+        graph.SetDefaultType(types[i].Node, types[i].Port, types[i].Type);
+}
+
+// Before, for what is settled with it, and behind, for what that changed.
 bool TOperationStack::UndoOne(TEditContext& doc)
 {
-    if (IsFromFile && !Operations[Position - 1]->Fits(*doc.GetGraph(), true))
+    const TEffectGraph& graph = *doc.GetGraph();
+    TOperation& op = *Operations[Position - 1];
+    if (IsFromFile && !op.Fits(graph, true))
         return false;
     --Position;
-    Operations[Position]->Undo(doc);
+    doc.GetGraph()->SetTypeRecord(nullptr);
+    RestoreTypes(graph, op.GetFormer().Types);
+    op.Undo(doc);
+    RestoreTypes(graph, op.GetFormer().Types);
     return true;
 }
 
@@ -128,7 +149,7 @@ bool TOperationStack::RedoOne(TEditContext& doc)
 {
     if (IsFromFile && !Operations[Position]->Fits(*doc.GetGraph(), false))
         return false;
-    Operations[Position]->Do(doc);
+    DoOne(doc, *Operations[Position]);
     ++Position;
     return true;
 }
@@ -165,6 +186,7 @@ bool TOperationStack::Redo(TEditContext& doc)
 
 void TOperationStack::Clear(TEditContext& doc)
 {
+    doc.GetGraph()->SetTypeRecord(nullptr);
     DropTail(doc, Position);
     const TChunkFile::TRemoval removal(doc.GetChunks());
     for (int i = Operations.size() - 1; i >= 0; --i)
@@ -194,9 +216,13 @@ void TOperationStack::DropLost(TEditContext& doc, const vector<bool>& isLost, in
     Operations.resize(kept);
 }
 
-// What a lost operation made went with the refresh, so that there is nothing to discard.
+// What a lost operation made went with the refresh, so that there is nothing to discard. Ports and types are
+// others now than those that the operations remember.
 int TOperationStack::AdaptTo(const TRefreshRecord& record, TEditContext& doc)
 {
+    doc.GetGraph()->SetTypeRecord(nullptr);
+    for (TOperation* op : Operations)
+        op->GetFormer() = TFormerState();
     const int before = Operations.size();
     vector<bool> isLost;
     isLost.reserve(before);
@@ -215,6 +241,12 @@ int TOperationStack::AdaptTo(const TRefreshRecord& record, TEditContext& doc)
     LastTime = 0;
     MarkChanged();
     return before - Operations.size();
+}
+
+void TOperationStack::Recall()
+{
+    for (int i = 0; i < Position; ++i)
+        Operations[i]->Recall();
 }
 
 bool TOperationStack::Check() const

@@ -41,6 +41,9 @@ public:
     bool IsAtSavedPosition() const { return Position == SavedPosition; }
     void MarkSaved() { SavedPosition = Position; }
 
+    // After a load.
+    void Recall();
+
     int GetNumOperations() const { return Operations.size(); }
     TOperation* GetOperation(int i) const { return Operations[i]; }
     int GetPosition() const { return Position; }
@@ -53,6 +56,7 @@ private:
     unsigned MakeGesture();
     bool AreOneStep(int first, int second) const;
     bool CanMerge(const TOperation& op) const;
+    void DoOne(TEditContext& doc, TOperation& op);
     bool UndoOne(TEditContext& doc);
     bool RedoOne(TEditContext& doc);
     // The operations from `first` on, none of which is done.

@@ -157,29 +157,33 @@ void TPolytypeUserTypeOp::GetUsed(vector<TChunk*>& result) const
 }
 
 // An output keeps its type where it cannot have the other, as an input does by itself.
-void TPolytypeUserTypeOp::SetOutputType(const TOutputRecord& record, int type)
+void TPolytypeUserTypeOp::SetOutputType(TEditContext& doc, const TOutputRecord& record, int type)
 {
-    TOutputPort& output = record.Node->GetNodeType()->GetOutput(record.Port);
-    if ((output.ValidTypes >> type & 1) != 0)
-        output.DefaultType = type;
+    if ((record.Node->GetNodeType()->GetOutput(record.Port).ValidTypes >> type & 1) != 0)
+        doc.GetGraph()->SetDefaultType(record.Node, record.Port, type);
 }
 
+// The type in force may be settled by wires, and not be the one that the user once chose: that is what an
+// input comes back to, whose wires are as they were then.
 void TPolytypeUserTypeOp::Do(TEditContext& doc)
 {
-    for (const TParameterRecord& record : Parameters)
+    for (const TParameterRecord& record : Parameters) {
+        Append(Former.Places, record.Parameter->GetDefaultType());
         record.Parameter->SetUserType(NewType);
+    }
     for (const TOutputRecord& record : Outputs)
-        SetOutputType(record, NewType);
+        SetOutputType(doc, record, NewType);
     doc.GraphChanged();
     doc.RedrawWindows();
 }
 
 void TPolytypeUserTypeOp::Undo(TEditContext& doc)
 {
-    for (const TParameterRecord& record : Parameters)
-        record.Parameter->SetUserType(record.OldType);
+    const bool isKnown = Former.Places.size() == Parameters.size();
+    for (int i = 0; i < Parameters.size(); ++i)
+        Parameters[i].Parameter->SetUserType(isKnown ? Former.Places[i] : Parameters[i].OldType);
     for (const TOutputRecord& record : Outputs)
-        SetOutputType(record, record.OldType);
+        SetOutputType(doc, record, record.OldType);
     doc.GraphChanged();
     doc.RedrawWindows();
 }

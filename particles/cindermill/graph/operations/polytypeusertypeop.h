@@ -37,7 +37,7 @@ private:
         int OldType = 0;
     };
 
-    static void SetOutputType(const TOutputRecord& record, int type);
+    static void SetOutputType(TEditContext& doc, const TOutputRecord& record, int type);
     void CollectInput(TEffectNode* node, int port, TPointerMap& seen);
     void CollectOutput(TEffectNode* node, int port, TPointerMap& seen);
 

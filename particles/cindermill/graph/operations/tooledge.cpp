@@ -22,9 +22,27 @@ void TToolEdge::AttachEnds()
     AttachDestination();
 }
 
-void TToolEdge::DetachSource()
+int TToolEdge::DetachSource()
 {
-    SrcNode->RemoveOutputEdge(SrcPort, this);
+    return SrcNode->RemoveOutputEdge(SrcPort, this);
+}
+
+void TToolEdge::PutBackSource(int place)
+{
+    const int count = SrcNode->GetNumOutputEdges(SrcPort);
+    if (place == -1) {
+        place = 0;
+        while (place < count &&
+               static_cast<TToolEdge*>(SrcNode->GetOutputEdge(SrcPort, place))->Attaching < Attaching)
+            ++place;
+    }
+    SrcNode->PutBackOutputEdge(SrcPort, this, place);
+}
+
+bool TToolEdge::Read(int size, int version, TChunkFile* chunkFile)
+{
+    Attaching = ChunkIdx;
+    return TEffectEdge::Read(size, version, chunkFile);
 }
 
 void TToolEdge::DetachDestination()

@@ -24,7 +24,6 @@ constexpr int MenuWidth = 28;
 constexpr int MinSeekWidth = 90;
 // The view tells as much, where this has no room.
 constexpr int MinHintWidth = 160;
-constexpr const char* SpeedTexts[TPreviewClock::NumSpeeds] = {"1/8x", "1/4x", "1/2x", "1x", "2x", "4x"};
 // The bar's end, in seconds.
 constexpr float Ranges[] = {5, 10, 20, 30, 60, 120, 300, 600};
 
@@ -73,12 +72,20 @@ bool TParticleTimeline::CreateControls()
 bool TParticleTimeline::CreateSeekControls()
 {
     return SeekBar.Create(this, ID_SEEK) &&
-           SpeedButton.Create(this, ID_SPEED, SpeedTexts[TPreviewClock::NormalSpeed], "speed") &&
+           SpeedButton.Create(this, ID_SPEED, TPreviewClock::GetSpeedText(TPreviewClock::NormalSpeed),
+                              "speed") &&
            MenuButton.Create(this, ID_MENU, "...", "previewmenu");
 }
 
 void TParticleTimeline::SetTips()
 {
+    UpdateButton.SetSpokenName("Update");
+    TimeField.SetSpokenName("Time");
+    StepButton.SetSpokenName("Step");
+    PauseButton.SetSpokenName("Pause");
+    PlayButton.SetSpokenName("Play");
+    MenuButton.SetSpokenName("Preview menu");
+    ShowSpeed();
     UpdateButton.SetTip("Starts the effect from time 0 (Home)");
     TimeField.SetTip("Seconds. Type a time and press Return to run the effect up to there");
     StepButton.SetTip("Step by a hundredth of a second (.)");
@@ -178,7 +185,7 @@ void TParticleTimeline::ShowHint()
 void TParticleTimeline::ShowClock()
 {
     PauseButton.SetPressed(Clock.IsPaused());
-    SpeedButton.SetText(SpeedTexts[Clock.GetSpeed()]);
+    ShowSpeed();
     ShowTime();
     ShowSeek();
     ShowHint();
@@ -206,7 +213,14 @@ void TParticleTimeline::TogglePause()
 void TParticleTimeline::SetSpeed(int speed)
 {
     Clock.SetSpeed(speed);
-    SpeedButton.SetText(SpeedTexts[Clock.GetSpeed()]);
+    ShowSpeed();
+}
+
+void TParticleTimeline::ShowSpeed()
+{
+    const char* text = TPreviewClock::GetSpeedText(Clock.GetSpeed());
+    SpeedButton.SetText(text);
+    SpeedButton.SetSpokenName(TempFormat("Speed %s", text));
 }
 
 void TParticleTimeline::Seek(float time)
@@ -283,7 +297,7 @@ void TParticleTimeline::OnButton(int id)
         Step();
         return;
     case ID_PAUSE:
-        Clock.TogglePause();
+        TogglePause();
         break;
     case ID_PLAY:
         Clock.Play();

@@ -2,6 +2,9 @@
 
 #include "library/containers/string.h"
 
+#include <cmath>
+#include <cstdlib>
+
 namespace {
 
 TWindowClass SeekClass("cindermill_particlewindow_seek");
@@ -13,6 +16,7 @@ constexpr TGDIColour RunColour = 0x6A9BD0;
 constexpr TGDIColour TargetColour = 0xD08A3A;
 constexpr TGDIColour ThumbColour = 0xFCFCFC;
 constexpr TGDIColour ThumbEdge = 0x505050;
+constexpr TGDIColour FocusEdge = 0x1A5FA8;
 constexpr TGDIColour TextColour = 0x404040;
 constexpr int ThumbWidth = 8;
 constexpr int TroughHeight = 6;
@@ -33,7 +37,12 @@ bool TSeekBar::Create(TWindow* owner, int id)
     TWindowParams params;
     params.Class = &SeekClass;
     params.Owner = owner;
-    return TWindow::Create(params);
+    if (!TWindow::Create(params))
+        return false;
+    SetAccessible(&Access, "Time of the effect");
+    SetSpokenName("Time of the effect");
+    TakeTab();
+    return true;
 }
 
 void TSeekBar::GetTrough(int& left, int& right) const
@@ -85,19 +94,88 @@ bool TSeekBar::OnMessage(const TMessage& message)
         Choose(message.X);
         return true;
     case MT_MOUSEMOVE:
-        // A dialog may have taken the release.
+        // Another program may have taken the release.
         if (Dragged && (message.Buttons & MB_LEFT) == 0)
             EndDrag();
         else if (Dragged)
             Choose(message.X);
         return true;
     case MT_LEFTUP:
+    case MT_CAPTURELOST:
         if (Dragged)
             EndDrag();
         return true;
+    case MT_KEYDOWN:
+        // What is not the bar's is the preview's.
+        return OnKey(message.Key) || (message.Key != KEY_TAB && Owner->OnMessage(message));
+    case MT_CHAR:
+        return Owner->OnMessage(message);
+    case MT_FOCUSGAINED:
+    case MT_FOCUSLOST:
+        Redraw();
+        return false;
     default:
         return TWindow::OnMessage(message);
     }
+}
+
+bool TSeekBar::OnKey(int key)
+{
+    constexpr float Steps = 50;
+    constexpr float Leap = 10;
+    const float from = Target >= 0 ? Target : Time;
+    const float step = Range / Steps;
+    switch (key) {
+    case KEY_LEFT:
+    case KEY_RIGHT:
+        ChooseTime(from + (key == KEY_RIGHT ? step : -step));
+        return true;
+    case KEY_PAGEUP:
+    case KEY_PAGEDOWN:
+        ChooseTime(from + (key == KEY_PAGEUP ? Leap * step : -Leap * step));
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TSeekBar::ChooseTime(float time)
+{
+    Chosen = time < 0 ? 0 : time > Range ? Range : time;
+    Dragged = true;
+    Report(Id, CC_EDITED);
+    Dragged = false;
+    Report(Id, CC_EDITED);
+}
+
+void TSeekAccess::ListItems(vector<TAccessibleItem>& items)
+{
+    TAccessibleItem item;
+    item.Role = AR_SLIDER;
+    item.Name = "Time of the effect";
+    item.Value.Format("%.2f s", static_cast<double>(Bar.GetTime()));
+    item.Number = static_cast<double>(Bar.GetTime());
+    item.Most = static_cast<double>(Bar.GetRange());
+    item.TakesFocus = true;
+    item.HasFocus = Bar.HasFocus();
+    item.IsLive = true;
+    Bar.GetSize(item.Width, item.Height);
+    items.push_back(item);
+}
+
+void TSeekAccess::FocusItem(int)
+{
+    Bar.TakeFocus();
+}
+
+bool TSeekAccess::EnterItem(int, const char* text)
+{
+    char* end = nullptr;
+    const float time = std::strtof(text, &end);
+    if (end == text || !std::isfinite(time) || time < 0)
+        return false;
+    Bar.ChooseTime(time);
+    return true;
 }
 
 void TSeekBar::EndDrag()
@@ -142,7 +220,7 @@ void TSeekBar::Paint(TGDIContext& context) const
                           top + TroughHeight);
     }
     PaintMarks(context);
-    context.SetPen(ThumbEdge);
+    context.SetPen(HasFocus() ? FocusEdge : ThumbEdge);
     context.SetBrush(ThumbColour);
     context.Rectangle(place - ThumbWidth / 2, top - 5, place + ThumbWidth / 2, top + TroughHeight + 5);
     TString label;

@@ -44,6 +44,7 @@ public:
     // The one that the table shows.
     void SelectPort(int port);
     int GetPort() const { return Table.GetPort(); }
+    int GetColumnWidth(int column) const { return Table.GetColumnWidth(column); }
     const TNodeTrace& GetTrace() const { return Trace; }
     const TTraceGraphs& GetGraphs() const { return Graphs; }
     // The table's text, as it goes to the clipboard; empty without a port.

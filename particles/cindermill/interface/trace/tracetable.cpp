@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/trace/tracetable.h"
 
+#include "library/containers/append.h"
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
 #include "particles/cindermill/interface/trace/nodetrace.h"
 
@@ -66,6 +67,16 @@ bool TTraceTable::Create(TAttributeTraceWindow& window, const TNodeTrace& trace)
 
 bool TTraceTable::CreateControls()
 {
+    if (!MakeControls())
+        return false;
+    PortLabel.Names(PortCombo);
+    ParticleLabel.Names(ParticleInput);
+    PlaceCombo.SetSpokenName("Group");
+    return true;
+}
+
+bool TTraceTable::MakeControls()
+{
     return PortLabel.Create(this, "Port:", "portlabel") && PortCombo.Create(this, ID_PORT, "port") &&
            ParticleLabel.Create(this, "Particle:", "particlelabel") &&
            ParticleInput.Create(this, ID_PARTICLE, "particle") && PlaceCombo.Create(this, ID_PLACE, "place");
@@ -124,9 +135,20 @@ void TTraceTable::Rebuild()
     FillPorts();
     FillPlaces();
     ShowPlace();
-    if (!HasPort())
-        Port = -1;
-    SelectPort(Port < 0 && Trace->GetNumPorts() > 0 ? 0 : Port);
+    SelectPort(FindPort());
+}
+
+// A node's ports may have one name: then it is the one that was shown.
+int TTraceTable::FindPort() const
+{
+    const int ports = Trace->GetNumPorts();
+    const auto isNamed = [this](int port) { return Trace->GetPortName(port).Compare(PortName) == 0; };
+    if (HasPort() && isNamed(Port))
+        return Port;
+    for (int port = 0; port < ports; ++port)
+        if (isNamed(port))
+            return port;
+    return ports > 0 ? 0 : -1;
 }
 
 void TTraceTable::ShowPlace()
@@ -142,21 +164,44 @@ void TTraceTable::ShowPlace()
 void TTraceTable::SelectPort(int port)
 {
     Port = port;
-    if (HasPort())
+    if (HasPort()) {
+        PortName = Trace->GetPortName(port);
         PortCombo.SetSelection(port);
+    }
     Grid.Refresh();
     FitColumns();
     RefreshRows();
 }
 
+TTraceTable::TPortWidths* TTraceTable::FindWidths()
+{
+    for (TPortWidths& kept : Kept)
+        if (kept.Port.Compare(PortName) == 0)
+            return &kept;
+    return nullptr;
+}
+
+void TTraceTable::KeepWidth(int column)
+{
+    if (FindWidths() == nullptr)
+        Append(Kept, TPortWidths{PortName, {}});
+    vector<int>& widths = FindWidths()->Widths;
+    while (widths.size() <= column)
+        Append(widths, 0);
+    widths[column] = Grid.GetColumnWidth(column);
+}
+
 void TTraceTable::FitColumns()
 {
     const int columns = Rows.GetNumColumns();
+    const TPortWidths* kept = FindWidths();
     for (int i = 0; i < columns; ++i) {
         const int share = ColumnsWidth / columns;
-        Grid.SetColumnWidth(i, share > WidestColumn      ? WidestColumn
-                               : share < NarrowestColumn ? NarrowestColumn
-                                                         : share);
+        const int fitting = share > WidestColumn      ? WidestColumn
+                            : share < NarrowestColumn ? NarrowestColumn
+                                                      : share;
+        const bool isKept = kept != nullptr && i < kept->Widths.size() && kept->Widths[i] != 0;
+        Grid.SetColumnWidth(i, isKept ? kept->Widths[i] : fitting);
     }
 }
 

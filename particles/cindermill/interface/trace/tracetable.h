@@ -15,14 +15,15 @@ class TTraceTable : public TWindow
 public:
     // Both stay the caller's and outlive the table. False if the window system refuses.
     bool Create(TAttributeTraceWindow& window, const TNodeTrace& trace);
-    // The ports, places and particles of the trace as they are now; the first port, if the one that was shown
-    // has gone.
+    // The ports, places and particles of the trace as they are now. The port that was shown stays, and the
+    // widths that its columns were dragged to; the first port, if the node has it no more.
     void Rebuild();
     // The place is another one, and so may be the particle.
     void ShowPlace();
     // The port that is shown; -1 for none.
     int GetPort() const { return Port; }
     void SelectPort(int port);
+    int GetColumnWidth(int column) const { return Grid.GetColumnWidth(column); }
     // The values are others, or there are more or fewer of them.
     void RefreshRows();
     void RedrawRows() { Grid.RedrawCells(); }
@@ -62,22 +63,39 @@ private:
     public:
         explicit TGrid(TTraceTable& table) : Table(table) {}
         void OnContext(int x, int y) override;
+        void OnWidth(int column) override { Table.KeepWidth(column); }
 
     private:
         TTraceTable& Table;
     };
 
+    // The widths that somebody dragged a port's columns to, 0 for those that he did not.
+    struct TPortWidths
+    {
+        TString Port;
+        vector<int> Widths;
+    };
+
     bool CreateControls();
+    bool MakeControls();
     // The port can be read.
     bool HasPort() const;
     void FillPorts();
     void FillPlaces();
+    // The port that bears the name of the one that is shown, or was last; the first one if there is none; -1
+    // without ports.
+    int FindPort() const;
+    TPortWidths* FindWidths();
+    void KeepWidth(int column);
     void FitColumns();
     void Layout();
 
     TAttributeTraceWindow* Window = nullptr;
     const TNodeTrace* Trace = nullptr;
     int Port = -1;
+    // It keeps its name while the node is not run.
+    TString PortName;
+    vector<TPortWidths> Kept;
     int ShownRows = 0;
     TRows Rows{*this};
     TLabel PortLabel;

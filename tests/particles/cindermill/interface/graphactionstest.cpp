@@ -16,6 +16,29 @@ protected:
         Release(Graph(), Empty);
         ASSERT_TRUE(WaitFor([&] { return Graph().HasFocus(); }));
     }
+    // The entries of a node's menu that are greyed, those of the popups in it too.
+    TNames GreyEntries(TToolNode* node)
+    {
+        TNames grey;
+        MeetMenu([&](QMenu& menu) {
+            AddGrey(menu, grey);
+            menu.close();
+        });
+        const QPoint at = MiddleOf(*Document, node);
+        Press(Graph(), at, Qt::RightButton);
+        Release(Graph(), at, Qt::RightButton);
+        Settle();
+        return grey;
+    }
+    static void AddGrey(const QMenu& menu, TNames& grey)
+    {
+        for (const QAction* action : menu.actions()) {
+            if (!action->isSeparator() && !action->isEnabled())
+                grey.push_back(action->text().remove(QLatin1Char('&')).section('\t', 0, 0).toStdString());
+            if (action->menu() != nullptr && action->isEnabled())
+                AddGrey(*action->menu(), grey);
+        }
+    }
 };
 
 } // namespace
@@ -80,7 +103,7 @@ TEST_F(GraphActions, TheEntriesOfANodesMenuActOnTheSelection)
     // As in other programs, a node that is not selected becomes the selection.
     MeetMenu([&](QMenu& menu) {
         for (QAction* action : menu.actions())
-            if (action->text().startsWith("Duplicate"))
+            if (ShownText(*action).rfind("Duplicate", 0) == 0)
                 action->trigger();
         menu.close();
     });
@@ -131,4 +154,37 @@ TEST_F(GraphActions, WithCtrlADraggedNodeSnapsToTheGrid)
     EXPECT_EQ(First->GetY() % 16, 0);
     EXPECT_EQ(First->GetX(), 256);
     EXPECT_EQ(First->GetY(), 240);
+}
+
+TEST_F(GraphActions, TheMenuOfANodeGreysWhatHasNothingToDo)
+{
+    const TNames never = {"Focus Node Group", "Insert Node..."};
+    const auto with = [&](TNames more) {
+        more.insert(more.begin(), never.begin(), never.end());
+        return more;
+    };
+    // The node becomes the selection, whatever is selected: it has no wire and nothing to be aligned with.
+    Document->SelectNode(Second, true);
+    EXPECT_EQ(GreyEntries(First),
+              with({"Bypass", "Take Out of Wires", "Select Upstream", "Select Downstream", "Align"}));
+    EXPECT_EQ(GreyEntries(Second),
+              with({"Take Out of Wires", "Select Upstream", "Select Downstream", "Align"}));
+    Document->SelectNode(First, false);
+    EXPECT_EQ(GreyEntries(Second), with({"Take Out of Wires", "Select Upstream", "Select Downstream",
+                                         "Distribute Across", "Distribute Down"}));
+}
+
+TEST_F(GraphActions, TheMenuOfAWiredNodeOffersItsWires)
+{
+    TToolNode* effect = AddNode(*Document, "Effect", 100, 500);
+    TToolNode* curve = AddNode(*Document, "Scalar Over Life", 600, 500);
+    TGraphScene& scene = WindowsOf(*Document).GetScene();
+    const int time = curve->GetNodeType()->FindInput("Time");
+    Drag(Graph(), PixelOf(Graph(), scene.FindNode(effect)->GetPortPosition(false, 0)),
+         PixelOf(Graph(), scene.FindNode(curve)->GetPortPosition(true, time)));
+    ASSERT_EQ(Document->GetGraph()->GetNumEdges(), 1);
+    const TNames grey = GreyEntries(effect);
+    EXPECT_EQ(std::count(grey.begin(), grey.end(), "Select Upstream"), 1);
+    EXPECT_EQ(std::count(grey.begin(), grey.end(), "Select Downstream"), 0);
+    EXPECT_EQ(std::count(grey.begin(), grey.end(), "Take Out of Wires"), 0);
 }

@@ -111,7 +111,12 @@ TEST_F(StartPage, EachSampleHasATileWithItsPictureThatOpensIt)
     for (const TString& effect : effects) {
         const QString name =
             QString::fromStdString(std::filesystem::path(Text(effect)).stem().string()).section('\\', -1);
-        EXPECT_NE(Entry(name), nullptr) << name.toStdString();
+        QAbstractButton* tile = Entry(name);
+        ASSERT_NE(tile, nullptr) << name.toStdString();
+        EXPECT_TRUE(WaitFor([&] {
+            const QImage shown = tile->icon().pixmap(tile->iconSize()).toImage();
+            return shown.pixelColor(shown.width() / 2, shown.height() / 2).alpha() > 0;
+        })) << name.toStdString();
         TString picture;
         TSampleEffects::GetPicture(effect, picture);
         picture.Replace('\\', '/');

@@ -8,12 +8,6 @@
 #include <filesystem>
 #include <map>
 
-static uint32_t Setting(const char* name, uint32_t usual)
-{
-    const char* text = std::getenv(name);
-    return text != nullptr ? static_cast<uint32_t>(std::strtoul(text, nullptr, 10)) : usual;
-}
-
 static std::vector<std::string> Samples()
 {
     std::vector<std::string> paths;

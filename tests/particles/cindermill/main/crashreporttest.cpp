@@ -91,6 +91,38 @@ TEST_F(CrashReport, TheEndOfTheStackIsNoAccessViolation)
     }
 }
 
+// Threads that the program did not start itself: the standard library, the window system and drivers do.
+TEST_F(CrashReport, TheEndOfTheStackIsToldOnEveryThread)
+{
+    TExpectedReport expected = Expected("a Stack Overflow", SIGSEGV);
+    expected.IsStackFull = true;
+    const TExpectedReport inProgram = expected;
+    expected.Module = Quote(CINDERMILL_CRASHLIBRARY);
+    const TExpectedReport inLibrary = expected;
+    const struct
+    {
+        const char* Way;
+        const TExpectedReport& Report;
+        const char* Function;
+    } table[] = {{"standard-thread", inProgram, "FailByRecursion"},
+                 {"qt-thread", inProgram, "FailByRecursion"},
+                 {"library-thread", inLibrary, "FailByLibraryRecursion"},
+                 {"plain-thread", inLibrary, "FailByLibraryRecursion"},
+                 {"deaf-thread", inLibrary, "FailByLibraryRecursion"}};
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.Way);
+        Fail(row.Way, row.Report);
+        const std::string said = Debug({"bt 20"});
+        EXPECT_TRUE(said.empty() || said.find(row.Function) != std::string::npos) << said;
+    }
+}
+
+TEST_F(CrashReport, ThreadsThatEndLeaveNothingBehind)
+{
+    const TEnd end = Run({"threads-end"});
+    EXPECT_EQ(end.Status, 0) << end.Output;
+}
+
 TEST_F(CrashReport, EachSignalHasItsName)
 {
     Fail("illegal", Expected("an Illegal Instruction", SIGILL));
@@ -300,6 +332,39 @@ TEST_F(CrashReport, GoesToTheUsersStateWhereTheProgramsFolderIsReadOnly)
     EXPECT_FALSE(std::filesystem::exists(Report(ProgramFolder())));
 }
 
+// Whoever mends the fault is to find both side by side.
+TEST_F(CrashReport, BothFilesGoToOneFolder)
+{
+    TExpectedReport expected = Expected("an Access Violation", SIGSEGV);
+    expected.Access = "Write to location 00000030";
+    for (const std::string& inTheWay : {Dump(ProgramFolder()), Report(ProgramFolder())}) {
+        SCOPED_TRACE(inTheWay);
+        std::filesystem::remove_all(StateFolder());
+        std::filesystem::create_directory(inTheWay);
+        const TEnd end = Run({"write"});
+        EXPECT_EQ(end.Signal, SIGSEGV) << end.Output;
+        EXPECT_EQ(Count(end.Output, "Exception handler: "), 1u) << end.Output;
+        ExpectReport(Report(StateFolder()), expected);
+        EXPECT_EQ(ReadBytes(Dump(StateFolder())).substr(0, 4), "\177ELF");
+        std::filesystem::remove_all(inTheWay);
+        EXPECT_FALSE(std::filesystem::exists(Report(ProgramFolder())));
+        EXPECT_FALSE(std::filesystem::exists(Dump(ProgramFolder())));
+    }
+}
+
+TEST_F(CrashReport, TheReportAloneStaysBesideTheProgramWhereTheDumpHasNoPlace)
+{
+    std::filesystem::create_directory(Dump(ProgramFolder()));
+    WriteBytes(Folder.Path("state"), "in the way");
+    const TEnd end = Run({"write"});
+    EXPECT_EQ(end.Signal, SIGSEGV) << end.Output;
+    TExpectedReport expected = Expected("an Access Violation", SIGSEGV);
+    expected.Access = "Write to location 00000030";
+    ExpectReport(Report(ProgramFolder()), expected);
+    EXPECT_EQ(Count(end.Output, "Exception handler: "), 1u) << end.Output;
+    EXPECT_EQ(Count(end.Output, "Error creating"), 0u) << end.Output;
+}
+
 TEST_F(CrashReport, SaysSoWhereItCanBeWrittenNowhere)
 {
     WriteBytes(Folder.Path("state"), "in the way");
@@ -345,28 +410,30 @@ TEST_F(CrashReport, ADumpThatDoesNotFitIsMadeSmall)
     EXPECT_NE(said.find("FailByWriting"), std::string::npos) << said;
 }
 
+// With no room for the report, and with room for it and none for the dump.
 TEST_F(CrashReport, AFullDiscBesideTheProgramLeavesTheUsersState)
 {
     const std::string disc = ProgramFolder();
     const uintmax_t size = std::filesystem::file_size(Program());
-    const std::string options = "size=" + std::to_string(size + (256 << 10));
+    const std::string options = "size=" + std::to_string(size + (512 << 10));
     if (mount("none", disc.c_str(), "tmpfs", 0, options.c_str()) != 0)
         GTEST_SKIP() << "only the superuser can make a small disc";
     std::filesystem::copy_file(CINDERMILL_CRASHCHILD, Program());
-    // All but a page or two.
-    std::string filling(4096, 'f');
-    std::string all;
-    const uintmax_t space = std::filesystem::space(disc).available;
-    for (uintmax_t left = space > 8192 ? space - 8192 : 0; left >= 4096; left -= 4096)
-        all += filling;
-    WriteBytes(disc + "/filling", all);
-    const TEnd end = Run({"write"});
-    EXPECT_EQ(end.Signal, SIGSEGV) << end.Output;
-    TExpectedReport expected = Expected("an Access Violation", SIGSEGV);
-    expected.Access = "Write to location 00000030";
-    ExpectReport(Report(StateFolder()), expected);
-    EXPECT_EQ(ReadBytes(Dump(StateFolder())).substr(0, 4), "\177ELF");
-    EXPECT_FALSE(std::filesystem::exists(Report(disc)));
-    EXPECT_FALSE(std::filesystem::exists(Dump(disc)));
+    for (const uintmax_t room : {8192u, 192u << 10}) {
+        SCOPED_TRACE(room);
+        std::filesystem::remove(disc + "/filling");
+        std::filesystem::remove_all(StateFolder());
+        const uintmax_t space = std::filesystem::space(disc).available;
+        ASSERT_GT(space, room);
+        WriteBytes(disc + "/filling", std::string((space - room) / 4096 * 4096, 'f'));
+        const TEnd end = Run({"write"});
+        EXPECT_EQ(end.Signal, SIGSEGV) << end.Output;
+        TExpectedReport expected = Expected("an Access Violation", SIGSEGV);
+        expected.Access = "Write to location 00000030";
+        ExpectReport(Report(StateFolder()), expected);
+        EXPECT_EQ(ReadBytes(Dump(StateFolder())).substr(0, 4), "\177ELF");
+        EXPECT_FALSE(std::filesystem::exists(Report(disc)));
+        EXPECT_FALSE(std::filesystem::exists(Dump(disc)));
+    }
     EXPECT_EQ(umount2(disc.c_str(), MNT_DETACH), 0);
 }

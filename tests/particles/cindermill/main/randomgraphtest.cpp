@@ -1,4 +1,5 @@
 #include "support/randomgraph.h"
+#include "support/dice.h"
 #include "support/testapp.h"
 
 #include "particles/cindermill/graph/operations/movegraphnodeop.h"
@@ -8,13 +9,6 @@
 
 #include <cstdlib>
 #include <map>
-
-// A soak sets how many graphs, and the seed of the first.
-static uint32_t Setting(const char* name, uint32_t usual)
-{
-    const char* text = std::getenv(name);
-    return text != nullptr ? static_cast<uint32_t>(std::strtoul(text, nullptr, 10)) : usual;
-}
 
 namespace {
 
@@ -319,4 +313,42 @@ TEST_F(RandomGraphs, EditsGoOnBesideARunningPreview)
         }
     }
     EXPECT_GT(frames, 0);
+}
+
+TEST_F(RandomGraphs, EditsEndAComparisonWhereverItIs)
+{
+    const uint32_t count = Setting("CINDERMILL_RANDOM_GRAPHS", 10);
+    const uint32_t first = Setting("CINDERMILL_RANDOM_SEED", 1);
+    const TQuiet quiet;
+    TAgreementLimits limits;
+    limits.Pass = 0;
+    int ended = 0;
+    int known = 0;
+    for (uint32_t seed = first; seed < first + count; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.New());
+        TExportAgreement& agreement = document.GetAgreement();
+        agreement.SetLimits(limits);
+        TDice dice(seed);
+        TRandomGraph graph(App.Get(), document, dice);
+        graph.AddSystem();
+        for (int i = 0; i < 30; ++i) {
+            const unsigned edits = document.GetNumEdits();
+            const bool wasRunning = agreement.IsRunning();
+            graph.Edit();
+            if (document.GetNumEdits() != edits) {
+                EXPECT_FALSE(agreement.IsBegun());
+                ended += wasRunning ? 1 : 0;
+            }
+            if (!document.EnsureSchedule())
+                continue;
+            agreement.Begin();
+            for (uint32_t parts = graph.Below(1000); parts > 0 && agreement.IsRunning(); --parts)
+                agreement.Run();
+            known += agreement.IsKnown() ? 1 : 0;
+        }
+    }
+    EXPECT_GT(ended, 0);
+    EXPECT_GT(known, 0);
 }

@@ -370,7 +370,7 @@ TEST_F(Autosaves, NoChangedByteGoesUnseen)
 // As if the damage had come before the checksum: only the load can tell.
 TEST_F(Autosaves, AnEffectThatCannotBeLoadedIsNamedAndPutAside)
 {
-    TDice dice(11);
+    TDice dice(Setting("CINDERMILL_RANDOM_SEED", 11));
     EditAndDie(EffectFile("fire.effect"), 4);
     const std::string file = TheFile();
     const std::string whole = ReadBytes(file);

@@ -261,8 +261,8 @@ TEST(TDeleteGraphNodeOp, DeletingOneOfTwoConnectedNodesDetachesTheNeighbour)
     EXPECT_EQ(doc.TakeEvents(), "deselect b, hide b, hide 2, touch c, hide 1, touch a, changed, redraw");
 
     doc.Undo();
-    EXPECT_EQ(doc.NodesOf(), "acb");
-    EXPECT_EQ(doc.EdgesOf(), "21");
+    EXPECT_EQ(doc.NodesOf(), "abc");
+    EXPECT_EQ(doc.EdgesOf(), "12");
     EXPECT_EQ(doc.A->GetOutputEdge(0, 0), doc.One);
     EXPECT_EQ(doc.C->GetInput(0), doc.Two);
     EXPECT_EQ(doc.TakeEvents(),
@@ -283,9 +283,39 @@ TEST(TDeleteGraphNodeOp, DeletingTwoConnectedNodesKeepsTheEdgeBetweenThemAttache
     EXPECT_EQ(doc.B->GetInput(0), doc.One);
     EXPECT_EQ(doc.C->GetInput(0), nullptr);
     doc.Undo();
-    EXPECT_EQ(doc.NodesOf(), "cab");
+    EXPECT_EQ(doc.NodesOf(), "abc");
+    EXPECT_EQ(doc.EdgesOf(), "12");
     EXPECT_EQ(OutputEdges(doc.A), std::vector<int>{1});
     EXPECT_EQ(doc.C->GetInput(0), doc.Two);
+}
+
+// Whatever order the nodes are named in, and the lists are in.
+TEST(TDeleteGraphNodeOp, EverythingComesBackToItsPlace)
+{
+    TChain doc;
+    TToolEdge* three = doc.Connect("3", doc.A, 0, doc.C, 1);
+    doc.Apply(new TChangeGraphEdgeOp(doc.One, doc.A, 0, doc.B, 1));
+    const auto expectBefore = [&] {
+        EXPECT_EQ(doc.NodesOf(), "abc");
+        EXPECT_EQ(doc.EdgesOf(), "123");
+        ASSERT_EQ(doc.A->GetNumOutputEdges(0), 2);
+        EXPECT_EQ(doc.A->GetOutputEdge(0, 0), three);
+        EXPECT_EQ(doc.A->GetOutputEdge(0, 1), doc.One);
+    };
+    expectBefore();
+    for (const std::vector<TToolNode*>& nodes :
+         {std::vector<TToolNode*>{doc.B}, {doc.C, doc.B}, {doc.C}, {doc.C, doc.A}, {doc.B, doc.A, doc.C}}) {
+        vector<TToolNode*> deleted;
+        for (TToolNode* node : nodes)
+            deleted.push_back(node);
+        doc.Apply(new TDeleteGraphNodeOp(deleted));
+        for (int turn = 0; turn < 2; ++turn) {
+            doc.Undo();
+            expectBefore();
+            doc.Redo();
+        }
+        doc.Undo();
+    }
 }
 
 TEST(TDeleteGraphNodeOp, GathersOutputsBeforeInputsAndEachEdgeOnce)
@@ -371,7 +401,7 @@ TEST(TDeleteGraphEdgeOp, DetachesAndAttachesAgain)
     EXPECT_EQ(TopBody(doc), Ref(doc.One));
     doc.Undo();
     EXPECT_EQ(doc.TakeEvents(), "show 1, layout 1, touch a, touch b, changed, redraw");
-    EXPECT_EQ(doc.EdgesOf(), "21");
+    EXPECT_EQ(doc.EdgesOf(), "12");
     EXPECT_EQ(doc.B->GetInput(0), doc.One);
     EXPECT_EQ(doc.GraphChanges, 2);
 }

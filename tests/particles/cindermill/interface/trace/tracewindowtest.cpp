@@ -26,6 +26,42 @@ protected:
         Sample->ApplyOperation(new TDeleteGraphNodeOp(nodes));
         Settle();
     }
+    // Drags the border behind a column of the table to another width.
+    static void Widen(const TAttributeTraceWindow& window, int column, int width)
+    {
+        QWidget& header = Find<QWidget>(window, "table_header");
+        int left = 0;
+        for (int i = 0; i < column; ++i)
+            left += window.GetColumnWidth(i);
+        const int from = left + window.GetColumnWidth(column);
+        QTest::mousePress(&header, Qt::LeftButton, {}, QPoint(from, 5));
+        QTest::mouseMove(&header, QPoint(left + width, 5));
+        QTest::mouseRelease(&header, Qt::LeftButton, {}, QPoint(left + width, 5));
+    }
+    static std::vector<int> WidthsOf(const TAttributeTraceWindow& window)
+    {
+        std::vector<int> widths;
+        for (int i = 0; i < window.GetTrace().GetNumComponents(window.GetPort()); ++i)
+            widths.push_back(window.GetColumnWidth(i));
+        return widths;
+    }
+    // The second port, with a column that somebody made wider.
+    TAttributeTraceWindow& OpenNormal(TToolNode& node)
+    {
+        TAttributeTraceWindow& window = Open(node);
+        window.SelectPort(1);
+        Widen(window, 1, 100);
+        EXPECT_EQ(WidthsOf(window), Widened);
+        return window;
+    }
+    static void ExpectNormal(const TAttributeTraceWindow& window)
+    {
+        EXPECT_EQ(window.GetPort(), 1);
+        EXPECT_EQ(Find<QComboBox>(window, "port").currentText().toStdString(), "Normal");
+        EXPECT_EQ(WidthsOf(window), Widened);
+    }
+
+    static inline const std::vector<int> Widened = {80, 100, 80};
 };
 
 // Particles of this one live for different times.
@@ -481,7 +517,7 @@ TEST_F(TraceWindow, TheTableIsCopiedByKeyAndByMenu)
         SetClipboardText("before");
         MeetMenu([](QMenu& menu) {
             ASSERT_EQ(menu.actions().size(), 1);
-            EXPECT_EQ(menu.actions()[0]->text().toStdString(), "Copy Table\tCtrl+C");
+            EXPECT_EQ(menu.actions()[0]->text().toStdString(), "&Copy Table\tCtrl+C");
             menu.actions()[0]->trigger();
             menu.close();
         });
@@ -541,6 +577,77 @@ TEST_F(TraceWindow, ARebuildEmptiesTheTraceAndStartsItAnew)
     EXPECT_TRUE(Find<QCheckBox>(window, "check0_0").isChecked());
     Run(10);
     EXPECT_GT(window.GetTrace().GetNumEntries(0), 0);
+}
+
+TEST_F(TraceWindow, ThePortAndTheWidthsStayAtEveryRebuild)
+{
+    TToolNode& node = Node("Sphere Surface");
+    TAttributeTraceWindow& window = OpenNormal(node);
+    Sample->RebuildSchedule(true);
+    ExpectNormal(window);
+    // Another node goes, and with it a group, and comes back.
+    Delete(Node("Emitter"));
+    Sample->Undo();
+    Settle();
+    ExpectNormal(window);
+    Sample->Redo();
+    Sample->Undo();
+    ExpectNormal(window);
+    TNodeProperties properties = GetNodeProperties(*node.GetNodeType());
+    properties.Name = "Ball";
+    Sample->ApplyOperation(new TNodePropertiesOp(&node, properties));
+    Settle();
+    ExpectNormal(window);
+    // Of another particle and another place too.
+    Run(5);
+    window.SelectParticle(2);
+    window.SelectPlace(0);
+    ExpectNormal(window);
+}
+
+// As while a graph has faults.
+TEST_F(TraceWindow, ThePortAndTheWidthsStayWhileTheNodeIsNotRun)
+{
+    TAttributeTraceWindow& window = OpenNormal(Node("Sphere Surface"));
+    Sample->ClearEngine();
+    TAttributeTraceWindow::Repaint(*Sample);
+    Settle();
+    ExpectEmpty(window);
+    Sample->RebuildSchedule(true);
+    Run(3);
+    ExpectNormal(window);
+}
+
+TEST_F(TraceWindow, EachPortHasItsWidths)
+{
+    TAttributeTraceWindow& window = OpenNormal(Node("Sphere Surface"));
+    window.SelectPort(0);
+    EXPECT_EQ(WidthsOf(window), (std::vector<int>{80, 80, 80}));
+    Widen(window, 0, 120);
+    window.SelectPort(1);
+    ExpectNormal(window);
+    window.SelectPort(0);
+    EXPECT_EQ(WidthsOf(window), (std::vector<int>{120, 80, 80}));
+}
+
+// A refresh may give the ports another order, or take the chosen one away.
+TEST_F(TraceWindow, ThePortIsFoundByItsName)
+{
+    TToolNode& node = Node("Sphere Surface");
+    TAttributeTraceWindow& window = OpenNormal(node);
+    TNodeType& type = *node.GetNodeType();
+    std::swap(type.GetOutput(0).Name, type.GetOutput(1).Name);
+    Sample->RebuildSchedule(true);
+    EXPECT_EQ(window.GetPort(), 0);
+    EXPECT_EQ(Find<QComboBox>(window, "port").currentText().toStdString(), "Normal");
+    EXPECT_EQ(WidthsOf(window), Widened);
+    std::swap(type.GetOutput(0).Name, type.GetOutput(1).Name);
+    Sample->RebuildSchedule(true);
+    ExpectNormal(window);
+    type.GetOutput(1).Name = "Outwards";
+    Sample->RebuildSchedule(true);
+    EXPECT_EQ(window.GetPort(), 0);
+    EXPECT_EQ(WidthsOf(window), (std::vector<int>{80, 80, 80}));
 }
 
 TEST_F(TraceWindow, AnExportThatLetsTheEffectRunOnKeepsTheTrace)

@@ -1,4 +1,4 @@
-#include "library/system/signalstack.h"
+#include "library/system/crash/signalstack.h"
 
 #include <signal.h>
 #include <sys/mman.h>

@@ -1,0 +1,252 @@
+#include "autosavefixture.h"
+
+#include "support/dice.h"
+#include "support/randomgraph.h"
+
+#include "particles/cindermill/graph/operations/toolnode.h"
+
+#include <sstream>
+
+#include <unistd.h>
+
+namespace {
+
+// Undo leads back to where an effect was, whatever it held.
+class Histories : public Autosaves
+{
+protected:
+    // An effect with much in it and no history.
+    std::string MakeFilled(uint32_t seed)
+    {
+        const std::string path = Path("filled.effect");
+        TDocument document(App.Get());
+        EXPECT_TRUE(document.New());
+        TDice dice(seed);
+        TRandomGraph graph(App.Get(), document, dice);
+        graph.Build(150);
+        document.GetOperationStack()->Clear(document);
+        EXPECT_TRUE(document.SaveAs(path.c_str()));
+        return path;
+    }
+    // All lists of the graph, by the places of things in the file.
+    static std::string Describe(TDocument& document)
+    {
+        std::ostringstream text;
+        const TEffectGraph& graph = *document.GetGraph();
+        for (int i = 0; i < graph.GetNumNodes(); ++i) {
+            const TEffectNode& node = *graph.GetNode(i);
+            text << "node " << node.ChunkIdx << " " << node.GetNodeType()->Name.Print() << "\n";
+            for (int p = 0; p < node.GetNumOutputs(); ++p) {
+                const TOutputPort& output = node.GetNodeType()->GetOutput(p);
+                text << " out " << p << " type " << output.DefaultType << ":";
+                for (int n = 0; n < node.GetNumOutputEdges(p); ++n)
+                    text << " " << node.GetOutputEdge(p, n)->ChunkIdx;
+                text << "\n";
+            }
+        }
+        text << "edges";
+        for (int i = 0; i < graph.GetNumEdges(); ++i)
+            text << " " << graph.GetEdge(i)->ChunkIdx;
+        text << "\n";
+        return text.str();
+    }
+    // Without the types.
+    static std::string Orders(TDocument& document)
+    {
+        std::string text = Describe(document);
+        for (size_t at = 0; (at = text.find(" type ", at)) != std::string::npos;)
+            text.erase(at, 7);
+        return text;
+    }
+    static void UndoAll(TDocument& document)
+    {
+        while (document.CanUndo())
+            document.Undo();
+    }
+    // The first lines that differ.
+    static std::string Difference(const std::string& a, const std::string& b)
+    {
+        std::istringstream one(a);
+        std::istringstream other(b);
+        std::string result;
+        std::string first;
+        std::string second;
+        for (int left = 10; left > 0 && std::getline(one, first) && std::getline(other, second);)
+            if (first != second) {
+                result += "was " + first + "\nis  " + second + "\n";
+                --left;
+            }
+        return result;
+    }
+};
+
+// What a program that was lost tells of its history.
+struct TTold
+{
+    int Position;
+    int Count;
+};
+
+} // namespace
+
+TEST_F(Histories, OfAFilledGraphAreUndoneToTheStart)
+{
+    const uint32_t first = Setting("CINDERMILL_RANDOM_SEED", 1);
+    for (uint32_t seed = first; seed < first + 10; ++seed) {
+        SCOPED_TRACE(seed);
+        const std::string path = MakeFilled(seed);
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.Load(path.c_str()));
+        document.ClearEngine();
+        const std::string before = ImageOf(document);
+        EXPECT_TRUE(before == ReadBytes(path)) << "loading";
+        const std::string told = Describe(document);
+        TDice dice(seed + 100);
+        TRandomGraph graph(App.Get(), document, dice);
+        for (int i = 0; i < 500; ++i)
+            graph.Edit();
+        UndoAll(document);
+        document.GetOperationStack()->Clear(document);
+        EXPECT_TRUE(ImageOf(document) == before) << Difference(told, Describe(document));
+    }
+}
+
+// From a file with its history, everything stands where the chunks of what made it say.
+TEST_F(Histories, ComeBackFromTheEffectsFileInOrder)
+{
+    const uint32_t first = Setting("CINDERMILL_RANDOM_SEED", 1);
+    for (uint32_t seed = first; seed < first + 10; ++seed) {
+        SCOPED_TRACE(seed);
+        const std::string path = Path("history.effect");
+        std::vector<std::string> told;
+        {
+            TDocument document(App.Get());
+            ASSERT_TRUE(document.New());
+            TDice dice(seed);
+            TRandomGraph graph(App.Get(), document, dice);
+            for (int i = 0; i < 400; ++i)
+                graph.Edit();
+            while (document.CanRedo())
+                document.Redo();
+            ASSERT_TRUE(document.SaveAs(path.c_str()));
+            for (; document.CanUndo(); document.Undo())
+                told.push_back(Orders(document));
+        }
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.Load(path.c_str()));
+        document.ClearEngine();
+        for (const std::string& orders : told) {
+            ASSERT_EQ(Orders(document), orders);
+            document.Undo();
+        }
+        EXPECT_FALSE(document.CanUndo());
+    }
+}
+
+// A day's work on an effect that had much in it, autosaved meanwhile and lost.
+TEST_F(Histories, OfAFilledGraphAreUndoneToTheStartAfterARecovery)
+{
+    constexpr int Edits = 3000;
+    constexpr uint32_t Milliseconds = 1500;
+    const uint32_t seed = Setting("CINDERMILL_RANDOM_SEED", 3);
+    const std::string path = MakeFilled(seed);
+    const std::string before = ReadBytes(path);
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_TRUE(DoAndDie([&] {
+        Start();
+        TDocument& document = Open(path);
+        document.ClearEngine();
+        TDice dice(seed + 1);
+        TRandomGraph graph(App.Get(), document, dice);
+        for (int i = 0; i < Edits; ++i) {
+            Clock.Set(Begin + static_cast<uint32_t>(i) * Milliseconds);
+            graph.Edit();
+            App.Get().OnIdle();
+        }
+        Autosave().SaveModified(App.Get().GetDocuments());
+        Autosave().WaitForDisc();
+        const TOperationStack& stack = *document.GetOperationStack();
+        const TTold told = {stack.GetPosition(), stack.GetNumOperations()};
+        EXPECT_EQ(write(ends[1], &told, sizeof(told)), static_cast<ssize_t>(sizeof(told)));
+    }));
+    TTold told = {};
+    ASSERT_EQ(read(ends[0], &told, sizeof(told)), static_cast<ssize_t>(sizeof(told)));
+    close(ends[0]);
+    close(ends[1]);
+    EXPECT_TRUE(ReadBytes(path) == before);
+    Start(RA_RESTORE);
+    ASSERT_EQ(NumDocuments(), 1);
+    TDocument& document = Newest();
+    document.ClearEngine();
+    EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), told.Count);
+    EXPECT_GT(told.Position, 700);
+    int undone = 0;
+    for (; document.CanUndo(); ++undone)
+        document.Undo();
+    EXPECT_EQ(undone, told.Position);
+    EXPECT_TRUE(Shown.Messages.empty());
+    document.GetOperationStack()->Clear(document);
+    EXPECT_TRUE(ImageOf(document) == before);
+}
+
+// Each recovery goes on where the last one ended.
+TEST_F(Histories, AreKeptThroughSeveralRecoveries)
+{
+    const uint32_t seed = Setting("CINDERMILL_RANDOM_SEED", 5);
+    const std::string path = MakeFilled(seed);
+    const std::string before = ReadBytes(path);
+    for (uint32_t round = 0; round < 4; ++round)
+        ASSERT_TRUE(DoAndDie([&] {
+            Start(RA_RESTORE);
+            TDocument& document = round == 0 ? Open(path) : Newest();
+            document.ClearEngine();
+            TDice dice(seed + round);
+            TRandomGraph graph(App.Get(), document, dice);
+            for (int i = 0; i < 200; ++i)
+                graph.Edit();
+            Autosave().SaveModified(App.Get().GetDocuments());
+            Autosave().WaitForDisc();
+        }));
+    Start(RA_RESTORE);
+    ASSERT_EQ(NumDocuments(), 1);
+    TDocument& document = Newest();
+    document.ClearEngine();
+    UndoAll(document);
+    document.GetOperationStack()->Clear(document);
+    EXPECT_TRUE(ImageOf(document) == before);
+}
+
+// Numbers that are not those of the history change nothing but the order in which things come back.
+TEST_F(Histories, BelieveNothingThatDoesNotFit)
+{
+    const std::string path = MakeFilled(7);
+    TDocument document(App.Get());
+    ASSERT_TRUE(document.Load(path.c_str()));
+    document.ClearEngine();
+    TDice dice(Setting("CINDERMILL_RANDOM_SEED", 1));
+    TRandomGraph graph(App.Get(), document, dice);
+    for (int i = 0; i < 100; ++i)
+        graph.Edit();
+    ASSERT_TRUE(document.SaveAs(path.c_str()));
+    vector<int> former;
+    document.GetFormerStates(former);
+    ASSERT_GT(former.size(), 100);
+    for (int round = 0; round < 300; ++round) {
+        SCOPED_TRACE(round);
+        vector<int> numbers = former;
+        const uint32_t size = static_cast<uint32_t>(numbers.size());
+        for (uint32_t left = dice.Below(3); left > 0; --left)
+            numbers[static_cast<int>(dice.Below(size))] = static_cast<int>(dice.Below(2000)) - 1000;
+        if (dice.Chance(0.2))
+            numbers.resize(static_cast<int>(dice.Below(size)));
+        TDocument other(App.Get());
+        ASSERT_TRUE(other.Restore(path.c_str(), path.c_str(), numbers));
+        other.ClearEngine();
+        UndoAll(other);
+        while (other.CanRedo())
+            other.Redo();
+        EXPECT_EQ(other.GetGraph()->GetNumNodes(), document.GetGraph()->GetNumNodes());
+        EXPECT_TRUE(Shown.Messages.empty());
+    }
+}
