@@ -66,7 +66,7 @@ void TWimpControl::SetSpokenName(const char* name)
 void TWimpControl::TakeTab()
 {
     if (Handle != nullptr)
-        Handle->setFocusPolicy(Qt::TabFocus);
+        Handle->setFocusPolicy(static_cast<Qt::FocusPolicy>(Handle->focusPolicy() | Qt::TabFocus));
 }
 
 void TWimpControl::Show(bool shown)

@@ -29,6 +29,9 @@ namespace {
 
 int EventDepth = 0;
 
+// What took the last press. Only compared: it may have gone.
+const TWindowPeer* LastPressed = nullptr;
+
 sortedmap<TWindowHandle, TWindow*>& Windows()
 {
     static sortedmap<TWindowHandle, TWindow*> windows;
@@ -422,7 +425,7 @@ bool TWindowPeer::HandleEvent(QEvent* event)
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonRelease:
-        SendButton(*static_cast<QMouseEvent*>(event), event->type() != QEvent::MouseButtonRelease);
+        SendButton(*static_cast<QMouseEvent*>(event));
         event->accept();
         return true;
     case QEvent::Wheel:
@@ -543,8 +546,25 @@ void TWindowPeer::ActivateDocument()
     }
 }
 
-void TWindowPeer::SendButton(const QMouseEvent& event, bool down)
+// The second click of two on what opens at the first one, such as a picture of the start page, falls on what
+// has come up there, and is not meant for it.
+bool TWindowPeer::IsStrayClick(const QMouseEvent& event)
 {
+    if (event.type() == QEvent::MouseButtonRelease) {
+        const bool isStray = HasStrayPress;
+        HasStrayPress = false;
+        return isStray;
+    }
+    HasStrayPress = event.type() == QEvent::MouseButtonDblClick && LastPressed != this;
+    LastPressed = this;
+    return HasStrayPress;
+}
+
+void TWindowPeer::SendButton(const QMouseEvent& event)
+{
+    if (IsStrayClick(event))
+        return;
+    const bool down = event.type() != QEvent::MouseButtonRelease;
     if (down)
         ActivateDocument();
     if (event.button() == Qt::LeftButton)

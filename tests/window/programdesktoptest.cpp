@@ -79,6 +79,21 @@ TEST_F(Desktop, TheDisplayOfASampleOpenedForTheFirstTimeStandsBesideTheGraphAndS
     ASSERT_TRUE(Screen.WaitUntilStill(TRectangle{graph.X, graph.Y, 100, 100}));
     EXPECT_TRUE(isInFront());
     Exit(program);
+    // When it comes back it is no other window.
+    TProgramOptions options;
+    options.Environment = {"XDG_STATE_HOME=" + program.Path("state")};
+    TProgram second(Screen, options);
+    ASSERT_TRUE(second.IsUp()) << second.GetOutput();
+    // The main window is never still with the effect in front of it.
+    Screen.Key("ctrl+o");
+    ASSERT_TRUE(second.AnswerChooser(LoadTitle, Sample()));
+    ASSERT_TRUE(WaitForDocument("fountain.effect"));
+    ASSERT_TRUE(WaitUntil(isInFront));
+    Screen.Click(graph.X + 20, graph.Y + 20);
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    ASSERT_TRUE(Screen.WaitUntilStill(TRectangle{graph.X, graph.Y, 100, 100}));
+    EXPECT_TRUE(isInFront());
+    Exit(second);
 }
 
 TEST_F(Desktop, WindowsComeBackWhereTheyStood)

@@ -7,6 +7,7 @@
 #include <QtCore/QEvent>
 #include <QtCore/QTimer>
 #include <QtGui/QIcon>
+#include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QResizeEvent>
 #include <QtWidgets/QCommandLinkButton>
@@ -135,6 +136,24 @@ TEntryArea* EntriesOf(TWindowHandle handle)
     return static_cast<TEntryArea*>(handle);
 }
 
+// Outside a dialog a button hears of the space bar alone.
+class TReturnPresses : public QObject
+{
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (event->type() != QEvent::KeyPress)
+            return false;
+        const QKeyEvent& key = *static_cast<QKeyEvent*>(event);
+        if ((key.key() != Qt::Key_Return && key.key() != Qt::Key_Enter) || key.isAutoRepeat())
+            return false;
+        static_cast<QAbstractButton*>(object)->click();
+        return true;
+    }
+};
+
 // The ampersand of a name stays one.
 QString ToLabel(const TString& text)
 {
@@ -179,6 +198,7 @@ void Name(QAbstractButton& button, const TEntryPage::TEntry& entry)
     button.setAccessibleName(ToQt(entry.Text.Print()));
     button.setAccessibleDescription(ToQt(entry.Detail.Print()));
     button.setToolTip(ToQt(entry.Help.Print()));
+    button.installEventFilter(new TReturnPresses(&button));
 }
 
 } // namespace

@@ -10,6 +10,10 @@ bool TFindingArguments::Read(TArguments& arguments, TString& fault)
 {
     bool onlyNames = false;
     while (const char* word = arguments.Take()) {
+        if (*word == 0) {
+            fault = "The name of a file is empty";
+            return false;
+        }
         if (onlyNames || std::strncmp(word, "--", 2) != 0)
             Append(Names, word);
         else if (word[2] == 0)

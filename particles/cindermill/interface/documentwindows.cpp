@@ -49,12 +49,12 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
     if (known != nullptr && !Windows.empty())
         Windows[0]->SetPlace(known->View);
     PlaceDisplay();
-    bool isBeside = IsDisplayBesideGraph();
-    if (known != nullptr && ParticleWindow->SetPlace(known->Display))
-        isBeside = isBeside || IsDisplayBesideGraph();
-    // One that has no room but upon the graph can be sent behind it by a click.
-    if (isBeside)
+    // Where there is no room but upon the graph it can be sent behind it by a click. One that comes back is
+    // what it was, and takes its place with the frame that this kind of window has.
+    if (IsDisplayBesideGraph())
         ParticleWindow->StayOver(*Frame);
+    if (known != nullptr)
+        ParticleWindow->SetPlace(known->Display);
 }
 
 bool TDocumentWindows::IsDisplayBesideGraph() const

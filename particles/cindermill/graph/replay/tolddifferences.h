@@ -2,9 +2,7 @@
 
 struct TReplayDifference;
 struct TReplayNote;
-class TEffectNode;
 class TEffectSchedule;
-class TPointerMap;
 class TReplayReport;
 
 // Which differences of a comparison its notes explain.
@@ -16,15 +14,10 @@ public:
         : Schedule(schedule), Report(report)
     {
     }
-    // The note that gives a reason, null if none does. A difference of a group's values may hang on any node
-    // of it that decides which particles there are, and on whatever leads to these and to its own node.
+    // The note that gives a reason, null if none does.
     const TReplayNote* FindReason(const TReplayDifference& difference) const;
 
 private:
-    const TReplayNote* FindBehind(const TEffectNode& node, TPointerMap& seen) const;
-    const TReplayNote* FindOfNode(const TEffectNode& node) const;
-    const TReplayNote* FindOfGroup(int group) const;
-
     const TEffectSchedule& Schedule;
     const TReplayReport& Report;
 };

@@ -32,6 +32,10 @@ bool TFilePropertiesDialog::OnInit()
         !NodeButton.Create(this, NodeButtonId, "Show Node", "shownode") ||
         !OkButton.Create(this, DR_OK, "OK", "button0"))
         return false;
+    Page.SetSpokenName("Report");
+    Page.TakeTab();
+    Agreement.SetSpokenName("Preview and export");
+    Agreement.TakeTab();
     Page.SetFixedPitch();
     Page.SetText(Report);
     Agreement.SetNumLines(AgreementLines);

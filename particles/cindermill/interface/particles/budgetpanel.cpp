@@ -322,8 +322,11 @@ void TBudgetAccess::ListItems(vector<TAccessibleItem>& items)
         const TGroupBudget& group = groups[i];
         TAccessibleItem item;
         item.Name = group.Name;
-        item.Value.Format("Alive %d of %d, born %d of %d, rows %d of %d", group.Alive, group.Capacity,
-                          group.Born, group.MaxBorn, group.Rows, TPreviewBudget::MaxRows);
+        if (group.HasParticles)
+            item.Value.Format("Alive %d of %d, born %d of %d, rows %d of %d", group.Alive, group.Capacity,
+                              group.Born, group.MaxBorn, group.Rows, TPreviewBudget::MaxRows);
+        else
+            item.Value.Format("Rows %d of %d", group.Rows, TPreviewBudget::MaxRows);
         item.Description = item.Value;
         item.IsLive = true;
         item.HasFocus = Panel.HasFocus() && Panel.GetMarked() == i;

@@ -14,7 +14,9 @@ TWindowClass TimelineClass("cindermill_particlewindow_timeline");
 constexpr TGDIColour TimelineBackground = 0xF0F0F0;
 
 // True of an effect that was never started, and of one whose faults have stopped it.
-constexpr const char* HintText = "Not running. Update starts the effect, or lists what it lacks.";
+// The longest that there is room for is shown.
+constexpr const char* HintTexts[] = {"Not running. Update starts the effect, or lists what it lacks.",
+                                     "Not running. Press Update.", "Not running"};
 
 constexpr int Margin = 4;
 constexpr int ControlHeight = TParticleTimeline::Height - 2 * Margin;
@@ -22,8 +24,6 @@ constexpr int SpeedWidth = 46;
 constexpr int MenuWidth = 28;
 // What is narrower than that cannot be dragged any more.
 constexpr int MinSeekWidth = 90;
-// The view tells as much, where this has no room.
-constexpr int MinHintWidth = 160;
 // The bar's end, in seconds.
 constexpr float Ranges[] = {5, 10, 20, 30, 60, 120, 300, 600};
 
@@ -131,11 +131,18 @@ void TParticleTimeline::LayoutRest(int x, int width)
     const int left = x + wideGap;
     const int bar = SpeedLeft - gap - left;
     SeekBar.MoveTo(left, Margin, bar > 0 ? bar : 0, ControlHeight);
-    Hint.MoveTo(left, Margin, MenuLeft > left + gap ? MenuLeft - gap - left : 0, ControlHeight);
+    const int room = MenuLeft - gap - left;
+    const char* hint = nullptr;
+    for (const char* text : HintTexts)
+        if (hint == nullptr && Hint.GetTextWidth(text) <= room)
+            hint = text;
+    Hint.SetText(IsHintShown && hint != nullptr ? hint : "");
+    Hint.MoveTo(left, Margin, room > 0 ? room : 0, ControlHeight);
     MenuButton.Show(MenuLeft >= x + gap);
     SpeedButton.Show(!IsHintShown && SpeedLeft >= x + gap);
     SeekBar.Show(!IsHintShown && bar >= MinSeekWidth);
-    Hint.Show(IsHintShown && MenuLeft - gap - left >= MinHintWidth);
+    // The view tells as much, where this has no room.
+    Hint.Show(IsHintShown && hint != nullptr);
 }
 
 void TParticleTimeline::Tick()
@@ -178,7 +185,6 @@ void TParticleTimeline::ShowHint()
     if (wanted == IsHintShown)
         return;
     IsHintShown = wanted;
-    Hint.SetText(wanted ? HintText : "");
     Layout();
 }
 

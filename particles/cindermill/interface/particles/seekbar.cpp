@@ -23,6 +23,9 @@ constexpr int TroughHeight = 6;
 constexpr int MarkHeight = 3;
 // Right of the trough, for the time at its end.
 constexpr int LabelWidth = 42;
+// For one of more characters than that.
+constexpr int LongLabelWidth = 60;
+constexpr int ShortLabel = 5;
 constexpr int LabelGap = 6;
 // Between two marks.
 constexpr int MinMarkGap = 8;
@@ -50,7 +53,16 @@ void TSeekBar::GetTrough(int& left, int& right) const
     int height = 0;
     GetSize(right, height);
     left = ThumbWidth / 2;
-    right -= LabelWidth;
+    TString label;
+    GetLabel(label);
+    right -= label.Length() > ShortLabel ? LongLabelWidth : LabelWidth;
+}
+
+void TSeekBar::GetLabel(TString& label) const
+{
+    constexpr float allDigits = 1000;
+    const char* format = Range < allDigits ? "%.4g s" : "%.0f s";
+    label.Format(Range < 1 ? "%.2f s" : format, static_cast<double>(Range));
 }
 
 int TSeekBar::GetPlace(float time) const
@@ -224,7 +236,7 @@ void TSeekBar::Paint(TGDIContext& context) const
     context.SetBrush(ThumbColour);
     context.Rectangle(place - ThumbWidth / 2, top - 5, place + ThumbWidth / 2, top + TroughHeight + 5);
     TString label;
-    label.Format(Range < 1 ? "%.2f s" : "%.4g s", static_cast<double>(Range));
+    GetLabel(label);
     int textWidth = 0;
     int textHeight = 0;
     context.SetFont(LabelFont);

@@ -46,6 +46,8 @@ private:
     bool OnKey(int key);
     void Choose(double x);
     void EndDrag();
+    // The time at its end.
+    void GetLabel(TString& label) const;
     void GetTrough(int& left, int& right) const;
     int GetPlace(float time) const;
 

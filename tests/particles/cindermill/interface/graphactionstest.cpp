@@ -114,6 +114,50 @@ TEST_F(GraphActions, TheEntriesOfANodesMenuActOnTheSelection)
     EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
 }
 
+TEST_F(GraphActions, TheEntriesOfTheMainMenuShowWhatHasSomethingToDoAndActOnTheSelection)
+{
+    TMenu menu;
+    TGraphActions::FillMenu(menu);
+    // The texts of what can be chosen; the entry that begins so is.
+    const auto open = [&](const char* chosen) {
+        std::string active;
+        int id = 0;
+        TGraphActions::ShowEntries(menu, &Graph().GetActions(), true);
+        MeetMenu([&](QMenu& shown) {
+            ExpectLetters(shown);
+            for (const QAction* action : shown.actions()) {
+                const std::string text = ShownText(*action);
+                if (action->isEnabled() && !action->isSeparator())
+                    active += text.substr(0, text.find('\t')) + "\n";
+                if (text.rfind(chosen, 0) == 0)
+                    id = action->objectName().mid(4).toInt();
+            }
+            shown.close();
+        });
+        menu.Track(Frame, 0, 0);
+        EXPECT_TRUE(TGraphActions::IsEntry(id));
+        Graph().GetActions().OnMainMenu(id);
+        Settle();
+        return active;
+    };
+    Document->ClearSelection();
+    EXPECT_EQ(open("Map"), "Add Node...\nFind Node...\nTidy\nMap\n");
+    EXPECT_TRUE(Graph().GetMinimap().IsShown());
+    Document->SelectNode(First, true);
+    const std::string active = open("Duplicate");
+    EXPECT_NE(active.find("Duplicate\n"), std::string::npos);
+    EXPECT_EQ(active.find("Align\n"), std::string::npos);
+    EXPECT_EQ(active.find("Take Out"), std::string::npos);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+    Document->SelectNode(Second, false);
+    EXPECT_NE(open("Find").find("Align\n"), std::string::npos);
+    EXPECT_TRUE(Graph().GetActions().GetSearch().IsOpen());
+    Key(Graph().GetActions().GetSearch(), Qt::Key_Escape);
+    // The search to add stands in the middle of the view then, where the node comes to be.
+    open("Add");
+    EXPECT_TRUE(Graph().GetActions().GetSearch().IsOpen());
+}
+
 TEST_F(GraphActions, WithNothingSelectedTheStatusBarSaysSo)
 {
     Document->ClearSelection();

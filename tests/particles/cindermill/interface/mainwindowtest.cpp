@@ -22,6 +22,8 @@
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QStatusBar>
 
+#include <algorithm>
+
 namespace {
 
 class MainWindow : public TWindowTest
@@ -176,11 +178,11 @@ TEST_F(MainWindow, ShowsTheVersion)
 
 TEST_F(MainWindow, TheMenusHoldEveryEntryWithItsIdAndKey)
 {
-    ASSERT_EQ(Frame().menuBar()->actions().size(), 4);
+    ASSERT_EQ(Frame().menuBar()->actions().size(), 5);
     TNames titles;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 5; ++i)
         titles.push_back(TextOf(Popup(i)->title()));
-    EXPECT_EQ(titles, (TNames{"File", "Edit", "Tools", "Window"}));
+    EXPECT_EQ(titles, (TNames{"File", "Edit", "Tools", "Window", "Graph"}));
     EXPECT_EQ(Entries(*Popup(0)),
               (TNames{"57600 New\tCtrl+N", "57601 Open\tCtrl+O", "", "57603 Save\tCtrl+S",
                       "57604 Save As\tCtrl+Shift+S", "", "40006 Export...", "40211 File Properties...", "",
@@ -192,6 +194,13 @@ TEST_F(MainWindow, TheMenusHoldEveryEntryWithItsIdAndKey)
     EXPECT_EQ(Entries(*Popup(2)),
               (TNames{"40004 New Graph View", "40005 Show Particle Display", "", "40210 Options..."}));
     EXPECT_EQ(Entries(*Popup(3))[0], "57650 Cascade");
+    // What the graph does by keys.
+    const TNames graph = Entries(*Popup(4));
+    for (const char* entry : {"Add Node...\tTab", "Find Node...\tCtrl+G", "Duplicate\tCtrl+D", "Align",
+                              "Tidy\tCtrl+T", "Map\tCtrl+M"})
+        EXPECT_TRUE(std::any_of(graph.begin(), graph.end(), [entry](const std::string& line) {
+            return line.size() > 6 && line.substr(6) == entry;
+        })) << entry;
 }
 
 TEST_F(MainWindow, TheNewestRecentFileStandsOnTop)
@@ -381,4 +390,14 @@ TEST_F(MainWindow, AClosedEditMenuTakesEveryCommand)
     EXPECT_EQ(document.GetGraph()->GetNumNodes(), 0);
     Choose(MI_UNDO);
     EXPECT_EQ(Host.Statuses, TNames{"There is nothing to undo"});
+}
+
+TEST_F(MainWindow, WithoutAGraphTheMenuOfTheGraphIsGrey)
+{
+    QMenu* graph = Popup(4);
+    graph->popup(Frame().mapToGlobal(QPoint(200, 30)));
+    EXPECT_GT(graph->actions().size(), 10);
+    for (const QAction* action : graph->actions())
+        EXPECT_TRUE(action->isSeparator() || !action->isEnabled()) << action->text().toStdString();
+    QTest::keyClick(graph, Qt::Key_Escape);
 }

@@ -95,6 +95,23 @@ TEST_F(StartPage, ItSaysHowToBeginAsLongAsNothingIsOpen)
     EXPECT_TRUE(Page()->isVisible());
 }
 
+TEST_F(StartPage, ReturnChoosesTheEntryThatTheKeysHaveReached)
+{
+    Host.Choice = SourcePath("samples/fountain.effect");
+    for (const char* text : {"New effect", "Open...", "comet"}) {
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+            QAbstractButton* button = Entry(text);
+            ASSERT_NE(button, nullptr);
+            button->setFocus();
+            QTest::keyClick(button, key);
+            Settle();
+            ASSERT_EQ(NumDocuments(), 1) << text << " " << key;
+            App.Get().CloseDocument(&Newest());
+            Settle();
+        }
+    }
+}
+
 TEST_F(StartPage, OpenAsksForAFile)
 {
     Host.Choice = SourcePath("samples/fountain.effect");

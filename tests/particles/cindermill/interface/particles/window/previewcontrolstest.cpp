@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/particles/particlewindow.h"
 
+#include "support/accessnames.h"
 #include "support/menutext.h"
 #include "support/paintcounter.h"
 #include "support/sampledocument.h"
@@ -714,4 +715,70 @@ TEST_F(PreviewControls, APausedPreviewIsLeftAloneWithAllOfItShown)
     const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
     RecordProperty("microseconds", static_cast<int>(taken.count() * 1000 / passes));
     EXPECT_LT(taken.count() / passes, 1) << "tenfold what it may take on a machine at rest";
+}
+
+TEST_F(PreviewControls, TheTimeAtTheEndOfTheBarIsReadWhole)
+{
+    QWidget* bar = Find<QWidget>("cindermill_particlewindow_seek");
+    // Ten hours, and what has passed by the time that somebody comes back to a tool left running.
+    for (const float end : {5.0f, 12.345f, 600.0f, 3600.0f, 36000.0f}) {
+        GetClock().SetLoop(end);
+        Tick(20);
+        Settle();
+        const QImage picture = bar->grab().toImage();
+        const QRgb paper = picture.pixel(picture.width() - 1, 0);
+        for (int x = picture.width() - 2; x < picture.width(); ++x)
+            for (int y = 0; y < picture.height(); ++y)
+                EXPECT_EQ(picture.pixel(x, y), paper) << end << " at " << x << ", " << y;
+    }
+}
+
+TEST_F(PreviewControls, EveryControlHasANameAndTheTimeBarIsASliderOfSeconds)
+{
+    ShowBudget();
+    EXPECT_GE(ExpectNames(*Window.GetHandle()), 8);
+    for (const char* name : {"update", "time", "step", "pause", "play", "speed", "previewmenu"})
+        EXPECT_FALSE(
+            QAccessible::queryAccessibleInterface(Find<QWidget>(name))->text(QAccessible::Name).isEmpty())
+            << name;
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(Find<QWidget>("speed"))->text(QAccessible::Name),
+              QString("Speed 1x"));
+    Run(25);
+    QWidget* bar = Find<QWidget>("cindermill_particlewindow_seek");
+    QAccessibleInterface* slider = QAccessible::queryAccessibleInterface(bar)->child(0);
+    ASSERT_NE(slider, nullptr);
+    ASSERT_EQ(slider->role(), QAccessible::Slider);
+    EXPECT_NEAR(slider->valueInterface()->currentValue().toDouble(), double(Window.GetTime()), 0.05);
+    EXPECT_EQ(slider->valueInterface()->maximumValue().toDouble(), 5);
+    slider->valueInterface()->setCurrentValue(2.5);
+    Arrive();
+    EXPECT_NEAR(Window.GetTime(), 2.5f, 0.03f);
+    // By the keys, a fiftieth of the bar, and ten of these.
+    QTest::keyClick(bar, Qt::Key_Right);
+    Arrive();
+    EXPECT_NEAR(Window.GetTime(), 2.6f, 0.03f);
+    QTest::keyClick(bar, Qt::Key_PageDown);
+    Arrive();
+    EXPECT_NEAR(Window.GetTime(), 1.6f, 0.03f);
+    // Its other keys are the preview's.
+    QTest::keyClick(bar, Qt::Key_Space);
+    EXPECT_TRUE(GetClock().IsPaused());
+}
+
+TEST_F(PreviewControls, TheLinesOfTheBudgetAreReadAndPressedByKeys)
+{
+    ShowBudget();
+    Run(10);
+    QAccessibleInterface* budget = QAccessible::queryAccessibleInterface(GetBudget());
+    const int groups = Window.GetBudget().GetGroups().size();
+    ASSERT_GT(groups, 1);
+    ASSERT_EQ(budget->childCount(), groups + 1);
+    EXPECT_TRUE(budget->child(0)->text(QAccessible::Value).startsWith("Alive "));
+    EXPECT_TRUE(budget->child(groups)->text(QAccessible::Name).startsWith("Effect: "));
+    QTest::keyClick(GetBudget(), Qt::Key_Down);
+    QTest::keyClick(GetBudget(), Qt::Key_Return);
+    const int second = Window.GetBudget().GetGroups()[1].Group;
+    EXPECT_EQ(Host.Framed, (std::vector<int>{second}));
+    budget->child(0)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(Host.Framed.size(), 2u);
 }
