@@ -55,7 +55,7 @@ private:
         const auto things = run.counters.find(ItemCounter);
         const double count = things != run.counters.end() ? things->second.value : 1;
         // Not the time on the clock, as other programs' turns are in that, unless it is asked for.
-        const bool isClock = run.run_name.time_type == "real_time";
+        const bool isClock = !run.run_name.time_type.empty() && run.run_name.time_type != "process_time";
         const double total = isClock ? run.real_accumulated_time : run.cpu_accumulated_time;
         const double time = total / static_cast<double>(std::max<int64_t>(run.iterations, 1)) / count;
         const auto [it, isNew] = Times.emplace(GetName(run), time);

@@ -1,3 +1,4 @@
+#include "bench/benchdisplay.h"
 #include "bench/benchtable.h"
 #include "bench/panelscenes.h"
 #include "bench/windowscenes.h"
@@ -6,7 +7,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <unistd.h>
@@ -236,23 +236,6 @@ void AddAllRows()
             FrameLimit);
     AddRows("a step of a number's drag, the campfire running", "a cleared window", Name("DragNumber", 0),
             emptyWindow, FrameLimit);
-}
-
-// Windows want a display: without one the program starts itself again on one of its own, which goes with it.
-void GoToDisplay()
-{
-    if (std::getenv("DISPLAY") != nullptr)
-        return;
-    std::ifstream file("/proc/self/cmdline", std::ios::binary);
-    std::vector<std::string> words = {"xvfb-run", "-a", "-s", "-screen 0 1600x1200x24"};
-    for (std::string word; std::getline(file, word, '\0');)
-        words.push_back(word);
-    std::vector<char*> arguments;
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    execvp(arguments[0], arguments.data());
-    std::perror("xvfb-run");
 }
 
 } // namespace

@@ -31,20 +31,34 @@ for length in 200 500 1000 2000; do
         >"$work/changedlibrary/$length"
 done
 
-count=0
-for target in effect nodetype shader animation dds hvt efx changedlibrary; do
+# What a target has to tell goes to its own file, as several run at a time.
+run() {
+    local target=$1
     if ! "build/fuzz/fuzz/fuzz-$target" -max_total_time="$seconds" -timeout=120 -rss_limit_mb=2048 -max_len=65536 \
-        -artifact_prefix="$work/" -print_final_stats=1 "$work/$target" >"$work/$target.log" 2>&1; then
+        -artifact_prefix="$work/$target-" -print_final_stats=1 "$work/$target" >"$work/$target.log" 2>&1; then
         # All but the lines that tell how it went until then.
         grep -vE '^#[0-9]+[[:space:]]' "$work/$target.log" >&2
         mkdir -p build/fuzz/faults
-        find "$work" -maxdepth 1 \( -name 'crash-*' -o -name 'timeout-*' -o -name 'oom-*' -o -name 'leak-*' \) \
-            -exec cp {} build/fuzz/faults/ \;
+        find "$work" -maxdepth 1 \( -name "$target-crash-*" -o -name "$target-timeout-*" -o -name "$target-oom-*" \
+            -o -name "$target-leak-*" \) -exec cp {} build/fuzz/faults/ \;
         echo "The fuzz target for $target found a fault; its input lies in build/fuzz/faults" >&2
-        exit 1
+        return 1
     fi
-    runs=$(sed -n 's/^stat::number_of_executed_units: //p' "$work/$target.log")
-    printf '%-10s %s inputs\n' "$target" "$runs"
-    count=$((count + 1))
+    printf '%-15s %s inputs\n' "$target" "$(sed -n 's/^stat::number_of_executed_units: //p' "$work/$target.log")"
+}
+
+targets=(effect nodetype shader animation dds hvt efx changedlibrary)
+pids=()
+for target in "${targets[@]}"; do
+    while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do
+        sleep 0.1
+    done
+    run "$target" &
+    pids+=($!)
 done
-echo "$count fuzz targets found nothing"
+fault=0
+for pid in "${pids[@]}"; do
+    wait "$pid" || fault=1
+done
+[ $fault -eq 0 ] && echo "${#targets[@]} fuzz targets found nothing"
+exit $fault

@@ -290,6 +290,19 @@ bool TFile::OpenRead(const char* path)
     return true;
 }
 
+void TFile::OpenReadMemory(const void* bytes, int size)
+{
+    ASSERT_TEXT(!IsOpen(), "!IsOpen() : Attempt to re-open file");
+    Fault = nullptr;
+    Reset();
+    if (Cache.size() == 0)
+        Cache.resize(BlockSize);
+    Memory = static_cast<const unsigned char*>(bytes);
+    Mode = 3;
+    Size = static_cast<uint32_t>(size);
+    Path = nullptr;
+}
+
 bool TFile::OpenWrite(const char* path)
 {
     ASSERT_TEXT(!IsOpen(), "!IsOpen() : Attempt top re-open file");
@@ -320,7 +333,7 @@ bool TFile::Close()
 {
     ASSERT_TEXT(IsOpen(), "IsOpen() : Attempt to close non-open file");
     if (IsRead()) {
-        close(Handle);
+        CloseSource();
         Reset();
         return true;
     }
@@ -338,15 +351,30 @@ void TFile::Abandon()
     if (!IsOpen())
         return;
     if (IsRead())
-        close(Handle);
+        CloseSource();
     else
         Temporary.Drop();
     Reset();
 }
 
+void TFile::CloseSource()
+{
+    if (Handle >= 0)
+        close(Handle);
+}
+
+bool TFile::ReadSource(void* buffer, uint32_t n, uint32_t position) const
+{
+    if (Handle >= 0)
+        return ReadAt(Handle, buffer, n, position);
+    memcpy(buffer, Memory + position, n);
+    return true;
+}
+
 void TFile::Reset()
 {
     Handle = -1;
+    Memory = nullptr;
     Mode = 0;
     Size = 0;
     FilePtr = 0;
@@ -362,7 +390,7 @@ bool TFile::LoadBlock(uint32_t base)
         return true;
     CacheBase = -1;
     const uint32_t count = Size - base < BlockSize ? Size - base : BlockSize;
-    if (!ReadAt(Handle, Cache.data(), count, base))
+    if (!ReadSource(Cache.data(), count, base))
         return errno != 0 && Fail(errno);
     CacheBase = base;
     return true;
@@ -391,7 +419,7 @@ bool TFile::Read(void* buffer, int n)
     const uint32_t head = BlockSize - offset;
     memcpy(to, Cache.data() + offset, head);
     const uint32_t middle = last - first - BlockSize;
-    if (middle > 0 && !ReadAt(Handle, to + head, middle, first + BlockSize))
+    if (middle > 0 && !ReadSource(to + head, middle, first + BlockSize))
         return errno != 0 && Fail(errno);
     if (end > last) {
         if (!LoadBlock(last))

@@ -41,6 +41,8 @@ public:
     TFile& operator=(const TFile&) = delete;
 
     bool OpenRead(const char* path);
+    // Reads no file but these bytes, which must stay until it is closed.
+    void OpenReadMemory(const void* bytes, int size);
     bool OpenWrite(const char* path);
     // False if the file was being written and is not whole on the disc; the old file then stands.
     bool Close();
@@ -87,9 +89,13 @@ private:
     bool FailFolder(int error);
     bool FailWrite(int error);
     bool LoadBlock(uint32_t base);
+    bool ReadSource(void* buffer, uint32_t n, uint32_t position) const;
+    void CloseSource();
     void Reset();
 
     int Handle = -1;
+    // What is read where there is no file.
+    const unsigned char* Memory = nullptr;
     uint32_t Mode = 0;
     uint32_t Size = 0;
     uint32_t FilePtr = 0;

@@ -1,22 +1,13 @@
 #pragma once
 
-#include "library/containers/string.h"
 #include "library/containers/vector.h"
+#include "library/wimp/gl/accessibletraits.h"
 
-enum TAccessibleRole
-{
-    AR_LIST,
-    AR_ITEM,
-    AR_TAB,
-    AR_PORT
-};
+class TWindow;
 
 // Something that a window draws by itself, as tools for those who cannot see it tell it.
-struct TAccessibleItem
+struct TAccessibleItem : public TAccessibleTraits
 {
-    TAccessibleRole Role = AR_ITEM;
-    TString Name;
-    TString Description;
     // The item that it belongs to, which stands before it; -1 for one of the window itself.
     int Parent = -1;
     // In pixels of the window.
@@ -24,16 +15,44 @@ struct TAccessibleItem
     int Top = 0;
     int Width = 0;
     int Height = 0;
-    bool IsSelected = false;
 };
+
+enum TAccessibleChange
+{
+    AC_VALUE,
+    AC_STATE,
+    AC_FOCUS,
+    // Other items than before; no single one is meant.
+    AC_ITEMS
+};
+using TAccessibleHook = void (*)(const TAccessibleItem& item, TAccessibleChange change);
+// Hears of changes in place of the assistive tools; null for these.
+void SetAccessibleHook(TAccessibleHook hook);
 
 // What a window that draws its own contents tells of them. The window gives it to TWindow::SetAccessible.
 class TAccessibleContents
 {
 public:
     virtual ~TAccessibleContents() = default;
+    // Tells the tools, where there are any, what has changed since the last call. To be called when it may
+    // have, in a quiet moment.
+    void TellChanges(TWindow& window);
     // In the order in which they are read.
     virtual void ListItems(vector<TAccessibleItem>& items) = 0;
     // As a click on the item does.
     virtual void PressItem(int item) = 0;
+    // Gives it the keys. Nothing for one that takes none.
+    virtual void FocusItem(int item) { (void)item; }
+    // As a person who types the text. False where it is no value of the item.
+    virtual bool EnterItem(int item, const char* text)
+    {
+        (void)item;
+        (void)text;
+        return false;
+    }
+
+private:
+    // As the tools know them, once they have been told of any.
+    vector<TAccessibleItem> Told;
+    bool HasTold = false;
 };

@@ -24,6 +24,26 @@ QAccessible::Role ToRole(TAccessibleRole role)
         return QAccessible::PageTab;
     case AR_PORT:
         return QAccessible::Indicator;
+    case AR_LABEL:
+        return QAccessible::StaticText;
+    case AR_BUTTON:
+        return QAccessible::Button;
+    case AR_CHECK:
+        return QAccessible::CheckBox;
+    case AR_TEXT:
+        return QAccessible::EditableText;
+    case AR_NUMBER:
+        return QAccessible::SpinBox;
+    case AR_CHOICE:
+        return QAccessible::ComboBox;
+    case AR_SLIDER:
+        return QAccessible::Slider;
+    case AR_PICTURE:
+        return QAccessible::Graphic;
+    case AR_CURVES:
+        return QAccessible::Chart;
+    case AR_COLOUR:
+        return QAccessible::ColorChooser;
     default:
         return QAccessible::ListItem;
     }
@@ -32,7 +52,9 @@ QAccessible::Role ToRole(TAccessibleRole role)
 class TAccessibleWidget;
 
 // One item. It goes with its window's; of an item that has gone it is not valid.
-class TAccessibleEntry : public QAccessibleInterface, public QAccessibleActionInterface
+class TAccessibleEntry : public QAccessibleInterface,
+                         public QAccessibleActionInterface,
+                         public QAccessibleValueInterface
 {
 public:
     TAccessibleEntry(TAccessibleWidget& owner, int item) : Owner(owner), Item(item) {}
@@ -45,20 +67,25 @@ public:
     int childCount() const override;
     int indexOfChild(const QAccessibleInterface* child) const override;
     QString text(QAccessible::Text kind) const override;
-    void setText(QAccessible::Text, const QString&) override {}
+    void setText(QAccessible::Text kind, const QString& text) override;
     QRect rect() const override;
     QAccessible::Role role() const override;
     QAccessible::State state() const override;
-    void* interface_cast(QAccessible::InterfaceType type) override
-    {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
-                                                    : nullptr;
-    }
-    QStringList actionNames() const override { return QStringList(pressAction()); }
+    void* interface_cast(QAccessible::InterfaceType type) override;
+    QStringList actionNames() const override;
     void doAction(const QString& name) override;
     QStringList keyBindingsForAction(const QString&) const override { return QStringList(); }
+    QVariant currentValue() const override;
+    void setCurrentValue(const QVariant& value) override;
+    QVariant minimumValue() const override { return GetItem().Least; }
+    QVariant maximumValue() const override { return GetItem().Most; }
+    QVariant minimumStepSize() const override { return GetItem().Step; }
 
 private:
+    // An empty one of an item that has gone.
+    TAccessibleItem GetItem() const;
+    bool HasNumber() const;
+
     TAccessibleWidget& Owner;
     int Item;
 };
@@ -113,10 +140,22 @@ public:
     }
     int IndexOf(int parent, const QAccessibleInterface* child) const
     {
-        for (int i = 0; i < CountBelow(parent); ++i)
-            if (GetEntry(FindBelow(parent, i)) == child)
-                return i;
+        vector<TAccessibleItem> items;
+        ListItems(items);
+        int index = 0;
+        for (int i = 0; i < items.size(); ++i) {
+            if (items[i].Parent != parent)
+                continue;
+            if (GetEntry(i) == child)
+                return index;
+            ++index;
+        }
         return -1;
+    }
+    // On the screen.
+    QRect GetRect(const TAccessibleItem& item) const
+    {
+        return QRect(widget()->mapToGlobal(QPoint(item.Left, item.Top)), QSize(item.Width, item.Height));
     }
 
     int childCount() const override { return CountBelow(-1); }
@@ -128,12 +167,10 @@ public:
         ListItems(items);
         // The innermost stands last.
         for (int i = items.size() - 1; i >= 0; --i)
-            if (QAccessibleInterface* entry = GetEntry(i))
-                if (entry->rect().contains(x, y))
-                    return entry;
+            if (GetRect(items[i]).contains(x, y))
+                return GetEntry(i);
         return nullptr;
     }
-    QWidget* GetWidget() const { return widget(); }
 
 protected:
     ~TAccessibleWidget() override
@@ -175,22 +212,75 @@ int TAccessibleEntry::indexOfChild(const QAccessibleInterface* child) const
     return Owner.IndexOf(Item, child);
 }
 
-QString TAccessibleEntry::text(QAccessible::Text kind) const
+TAccessibleItem TAccessibleEntry::GetItem() const
 {
     TAccessibleItem item;
-    if (!Owner.GetItem(Item, item))
-        return QString();
-    if (kind == QAccessible::Name)
+    Owner.GetItem(Item, item);
+    return item;
+}
+
+bool TAccessibleEntry::HasNumber() const
+{
+    const TAccessibleRole role = GetItem().Role;
+    return role == AR_NUMBER || role == AR_SLIDER;
+}
+
+QString TAccessibleEntry::text(QAccessible::Text kind) const
+{
+    const TAccessibleItem item = GetItem();
+    switch (kind) {
+    case QAccessible::Name:
         return ToQt(item.Name.Print());
-    return kind == QAccessible::Description ? ToQt(item.Description.Print()) : QString();
+    case QAccessible::Description:
+        return ToQt(item.Description.Print());
+    case QAccessible::Value:
+        return ToQt(item.Value.Print());
+    default:
+        return QString();
+    }
+}
+
+void TAccessibleEntry::setText(QAccessible::Text kind, const QString& text)
+{
+    TEventScope scope;
+    if (kind == QAccessible::Value && isValid())
+        Owner.GetContents()->EnterItem(Item, text.toUtf8().constData());
+}
+
+void* TAccessibleEntry::interface_cast(QAccessible::InterfaceType type)
+{
+    if (type == QAccessible::ActionInterface)
+        return static_cast<QAccessibleActionInterface*>(this);
+    if (type == QAccessible::ValueInterface && HasNumber())
+        return static_cast<QAccessibleValueInterface*>(this);
+    return nullptr;
+}
+
+QStringList TAccessibleEntry::actionNames() const
+{
+    QStringList names;
+    const TAccessibleItem item = GetItem();
+    if (item.Role != AR_LABEL && item.Role != AR_PICTURE)
+        names += pressAction();
+    if (item.TakesFocus)
+        names += setFocusAction();
+    return names;
+}
+
+QVariant TAccessibleEntry::currentValue() const
+{
+    return GetItem().Number;
+}
+
+void TAccessibleEntry::setCurrentValue(const QVariant& value)
+{
+    setText(QAccessible::Value, QString::number(value.toDouble(), 'g', 9));
 }
 
 QRect TAccessibleEntry::rect() const
 {
     TAccessibleItem item;
-    if (!Owner.GetItem(Item, item))
-        return QRect();
-    return QRect(Owner.GetWidget()->mapToGlobal(QPoint(item.Left, item.Top)), QSize(item.Width, item.Height));
+    return Owner.GetItem(Item, item) ? Owner.GetRect(item) : QRect();
 }
 
 QAccessible::Role TAccessibleEntry::role() const
@@ -204,16 +294,27 @@ QAccessible::State TAccessibleEntry::state() const
     QAccessible::State state;
     TAccessibleItem item;
     state.invalid = !Owner.GetItem(Item, item);
-    state.selectable = true;
+    state.selectable = item.Role <= AR_PORT;
     state.selected = item.IsSelected;
+    state.checkable = item.IsCheckable;
+    state.checked = item.IsChecked;
+    state.disabled = !item.IsEnabled;
+    state.readOnly = item.IsReadOnly;
+    state.editable = item.Role == AR_TEXT && !item.IsReadOnly;
+    state.focusable = item.TakesFocus;
+    state.focused = item.HasFocus;
     return state;
 }
 
 void TAccessibleEntry::doAction(const QString& name)
 {
     TEventScope scope;
-    if (name == pressAction() && isValid())
+    if (!isValid())
+        return;
+    if (name == pressAction())
         Owner.GetContents()->PressItem(Item);
+    else if (name == setFocusAction())
+        Owner.GetContents()->FocusItem(Item);
 }
 
 QAccessibleInterface* MakeAccessible(const QString&, QObject* object)

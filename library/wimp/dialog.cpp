@@ -8,7 +8,6 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QListWidget>
-#include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QStyledItemDelegate>
 #include <QtWidgets/QVBoxLayout>
@@ -18,7 +17,6 @@ namespace {
 constexpr int WideWidth = 560;
 constexpr int NarrowWidth = 420;
 constexpr int ListHeight = 260;
-constexpr int PageHeight = 480;
 constexpr int IdleMilliseconds = 1;
 
 // A path too long for a line goes on below behind one of its separators, where there is no space to break it.
@@ -70,16 +68,6 @@ public:
         for (const TString& line : lines)
             list->addItem(ToQt(line.Print()));
         Layout.addWidget(list);
-    }
-
-    void AddPage(const char* text)
-    {
-        QPlainTextEdit* page = new QPlainTextEdit(ToQt(text), &Dialog);
-        page->setObjectName(QStringLiteral("text"));
-        page->setReadOnly(true);
-        page->setLineWrapMode(QPlainTextEdit::NoWrap);
-        page->setFont(QFont(QStringLiteral("monospace")));
-        Layout.addWidget(page);
     }
 
     // Named after its number, counted from 0.
@@ -205,14 +193,6 @@ void ListDialog(int id, const char* title, const vector<TString>& lines)
     box.AddList(lines);
     box.AddButton(0, "OK");
     box.Run(WideWidth, ListHeight, 0);
-}
-
-void TextDialog(int id, const char* title, const char* text)
-{
-    TDialogBox box(id, title);
-    box.AddPage(text);
-    box.AddButton(0, "OK");
-    box.Run(WideWidth, PageHeight, 0);
 }
 
 int ChoiceDialog(int id, const char* title, const char* text, const vector<TString>& lines,

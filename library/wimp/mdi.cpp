@@ -240,6 +240,8 @@ bool TMDIFrame::CreateFrame(const TWindowParams& params, TMenu& menu)
         window->menuBar()->addMenu(list);
         if (list->title() == QLatin1String("Window"))
             QObject::connect(list, &QMenu::aboutToShow, window, [this, list] { ListChildren(list); });
+        // Recent files and open windows come and go.
+        QObject::connect(list, &QMenu::aboutToShow, window, [list] { AssignMnemonics(*list); });
     }
     AssignMnemonics(*menu.Data->GetMenu());
     window->menuBar()->setObjectName(QStringLiteral("menubar"));

@@ -1,6 +1,7 @@
 #include "library/wimp/menu.h"
 
 #include "library/wimp/menudata.h"
+#include "library/wimp/mnemonics.h"
 #include "library/wimp/modal.h"
 
 #include <QtGui/QAction>
@@ -142,6 +143,17 @@ void TMenu::CheckItem(int id, bool checked)
     }
 }
 
+void TMenu::SetOnShow(TOnShow onShow, void* context)
+{
+    QMenu* menu = Data->GetMenu();
+    const auto tell = [this, onShow, context](bool shown) {
+        TEventScope scope;
+        onShow(*this, shown, context);
+    };
+    QObject::connect(menu, &QMenu::aboutToShow, menu, [tell] { tell(true); });
+    QObject::connect(menu, &QMenu::aboutToHide, menu, [tell] { tell(false); });
+}
+
 int TMenu::GetNumItems() const
 {
     return static_cast<int>(Data->GetMenu()->actions().size());
@@ -156,6 +168,7 @@ void TMenu::Track(TWindow& window, int x, int y)
     window.ClientToScreen(x, y);
     QMenu* menu = Data->GetMenu();
     menu->setObjectName(QStringLiteral("popup"));
+    AssignMnemonics(*menu);
     Data->Tracking = true;
     Data->Chosen = 0;
     {

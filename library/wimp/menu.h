@@ -25,6 +25,9 @@ public:
     void EnableItem(int id, bool enabled);
     void CheckItem(int id, bool checked);
     int GetNumItems() const;
+    // Called when the menu is about to be seen, and when it is about to go. A choice comes after that.
+    using TOnShow = void (*)(TMenu& menu, bool shown, void* context);
+    void SetOnShow(TOnShow onShow, void* context);
 
     // Opens the menu at a position of the window, waits for the choice, and lets it report to the window.
     void Track(TWindow& window, int x, int y);

@@ -36,6 +36,7 @@ void ResizeDialog(QWidget& dialog, const QSize& size)
 void FreeMouse()
 {
     TWimp::Get().LoseMouseDrag();
+    TWindow::LoseCapture();
     if (QWidget* grabber = QWidget::mouseGrabber())
         grabber->releaseMouse();
     QApplication::restoreOverrideCursor();

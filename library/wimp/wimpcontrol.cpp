@@ -3,6 +3,8 @@
 #include "library/containers/assertion.h"
 #include "library/wimp/windowpeer.h"
 
+static const char* const HasSpokenName = "spokenname";
+
 TWimpControl::~TWimpControl()
 {
     QWidget* widget = Handle;
@@ -48,7 +50,23 @@ void TWimpControl::SetTip(const char* tip)
     if (Handle == nullptr)
         return;
     Handle->setToolTip(ToQt(tip));
-    Handle->setAccessibleName(ToQt(tip));
+    Handle->setAccessibleDescription(ToQt(tip));
+    if (!Handle->property(HasSpokenName).toBool())
+        Handle->setAccessibleName(ToQt(tip));
+}
+
+void TWimpControl::SetSpokenName(const char* name)
+{
+    if (Handle == nullptr)
+        return;
+    Handle->setProperty(HasSpokenName, true);
+    Handle->setAccessibleName(ToQt(name));
+}
+
+void TWimpControl::TakeTab()
+{
+    if (Handle != nullptr)
+        Handle->setFocusPolicy(static_cast<Qt::FocusPolicy>(Handle->focusPolicy() | Qt::TabFocus));
 }
 
 void TWimpControl::Show(bool shown)

@@ -37,8 +37,13 @@ public:
     // 1 for a window with a frame of its own.
     virtual int GetType() const { return 0; }
 
-    // What is told when the pointer rests on it, and to assistive tools.
+    // What is told when the pointer rests on it, and to assistive tools, to which it is the name where no
+    // other has been given.
     void SetTip(const char* tip);
+    // What assistive tools call it.
+    void SetSpokenName(const char* name);
+    // The Tab key leads to it too.
+    void TakeTab();
 
     TWindowHandle GetHandle() const { return Handle; }
     TWindow* GetOwner() const { return Owner; }

@@ -339,6 +339,22 @@ void TWindow::ReleaseCapture()
         Handle->releaseMouse();
 }
 
+void TWindow::LoseCapture()
+{
+    if (CaptureWindow != nullptr)
+        CaptureWindow->LoseOwnCapture();
+}
+
+void TWindow::LoseOwnCapture()
+{
+    if (CaptureWindow != this || TWimp::Get().GetMouseDrag() != nullptr)
+        return;
+    ReleaseCapture();
+    TMessage message;
+    message.Type = MT_CAPTURELOST;
+    Peer->Send(message);
+}
+
 void TWindow::StartTimer(int timer, int milliseconds)
 {
     if (Peer != nullptr)

@@ -143,6 +143,10 @@ public:
     // While captured, mouse messages come here wherever the pointer is.
     void SetCapture();
     void ReleaseCapture();
+    // For who takes the mouse away: whoever has captured it hears of it, as the release may go elsewhere.
+    static void LoseCapture();
+    // Only if the window has captured it, not for a drag.
+    void LoseOwnCapture();
     // Whose tables are offered the keys that this window and its tables leave: by itself its owner. Null, or
     // a window that goes, gives them back to the owner.
     void SetKeyOwner(TWindow* window) { KeyOwner = window; }

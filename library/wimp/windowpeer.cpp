@@ -29,6 +29,9 @@ namespace {
 
 int EventDepth = 0;
 
+// What took the last press. Only compared: it may have gone.
+const TWindowPeer* LastPressed = nullptr;
+
 sortedmap<TWindowHandle, TWindow*>& Windows()
 {
     static sortedmap<TWindowHandle, TWindow*> windows;
@@ -48,7 +51,7 @@ constexpr TKeyCode NamedKeys[] = {
     {Qt::Key_PageUp, KEY_PAGEUP},       {Qt::Key_PageDown, KEY_PAGEDOWN}, {Qt::Key_End, KEY_END},
     {Qt::Key_Home, KEY_HOME},           {Qt::Key_Left, KEY_LEFT},         {Qt::Key_Up, KEY_UP},
     {Qt::Key_Right, KEY_RIGHT},         {Qt::Key_Down, KEY_DOWN},         {Qt::Key_Insert, KEY_INSERT},
-    {Qt::Key_Delete, KEY_DELETE},
+    {Qt::Key_Delete, KEY_DELETE},       {Qt::Key_Menu, KEY_MENU},
 };
 
 constexpr bool AreNamedKeysApart()
@@ -133,6 +136,11 @@ QString GetText(const QKeyEvent& event, int key)
     return isCommand || (key != 0 && !IsLetterOrDigit(key)) ? QString() : event.text();
 }
 
+bool IsTab(const QKeyEvent& event)
+{
+    return event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab;
+}
+
 bool IsModifier(int key)
 {
     return key == KEY_SHIFT || key == KEY_CTRL || key == KEY_ALT;
@@ -166,16 +174,16 @@ void TellGlFault()
 
 bool ProbeGl()
 {
-    QOpenGLContext context;
-    context.setFormat(GetGlFormat());
-    context.setShareContext(QOpenGLContext::globalShareContext());
     QOffscreenSurface surface;
     surface.setFormat(GetGlFormat());
-    if (context.create()) {
+    QOpenGLContext* context = MayHaveGl() ? QOpenGLContext::globalShareContext() : nullptr;
+    if (context != nullptr) {
         surface.create();
-        context.makeCurrent(&surface);
+        context->makeCurrent(&surface);
     }
     const bool works = InitGl();
+    if (context != nullptr)
+        context->doneCurrent();
     if (!works)
         TellGlFault();
     return works;
@@ -283,6 +291,12 @@ QSurfaceFormat GetGlFormat()
     return format;
 }
 
+bool MayHaveGl()
+{
+    const QOpenGLContext* context = QOpenGLContext::globalShareContext();
+    return context != nullptr && context->isValid();
+}
+
 bool HasWorkingGl()
 {
     static const bool Works = ProbeGl();
@@ -381,15 +395,22 @@ bool TWindowPeer::HandleEvent(QEvent* event)
         message.Type = event->type() == QEvent::FocusIn ? MT_FOCUSGAINED : MT_FOCUSLOST;
         Send(message);
         return false;
+    // A release may go to the window that is in front now.
+    case QEvent::WindowDeactivate:
+    case QEvent::Hide:
+        Window->LoseOwnCapture();
+        return false;
     case QEvent::Leave:
         message.Type = MT_MOUSELEAVE;
         Send(message);
         return false;
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-        // A dialog has its own answers to Return and Escape, also for the windows inside it.
+        // A dialog has its own answers to Return and Escape, also for the windows inside it. The Tab key goes
+        // on to the next control where it has no other use.
         if (!SendKey(*static_cast<QKeyEvent*>(event), event->type() == QEvent::KeyPress) &&
-            Window != nullptr && Window->GetTopWindow()->GetKind() == WK_DIALOG)
+            Window != nullptr &&
+            (IsTab(*static_cast<QKeyEvent*>(event)) || Window->GetTopWindow()->GetKind() == WK_DIALOG))
             return false;
         event->accept();
         return true;
@@ -404,7 +425,7 @@ bool TWindowPeer::HandleEvent(QEvent* event)
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonRelease:
-        SendButton(*static_cast<QMouseEvent*>(event), event->type() != QEvent::MouseButtonRelease);
+        SendButton(*static_cast<QMouseEvent*>(event));
         event->accept();
         return true;
     case QEvent::Wheel:
@@ -525,8 +546,25 @@ void TWindowPeer::ActivateDocument()
     }
 }
 
-void TWindowPeer::SendButton(const QMouseEvent& event, bool down)
+// The second click of two on what opens at the first one, such as a picture of the start page, falls on what
+// has come up there, and is not meant for it.
+bool TWindowPeer::IsStrayClick(const QMouseEvent& event)
 {
+    if (event.type() == QEvent::MouseButtonRelease) {
+        const bool isStray = HasStrayPress;
+        HasStrayPress = false;
+        return isStray;
+    }
+    HasStrayPress = event.type() == QEvent::MouseButtonDblClick && LastPressed != this;
+    LastPressed = this;
+    return HasStrayPress;
+}
+
+void TWindowPeer::SendButton(const QMouseEvent& event)
+{
+    if (IsStrayClick(event))
+        return;
+    const bool down = event.type() != QEvent::MouseButtonRelease;
     if (down)
         ActivateDocument();
     if (event.button() == Qt::LeftButton)
@@ -589,6 +627,11 @@ bool TWindowPeer::SendKey(const QKeyEvent& event, bool down)
         if (OfferKey(Window, message) || self == nullptr || Window == nullptr)
             return true;
         consumed = Send(message);
+        if (!consumed && self != nullptr && down && message.Key == KEY_F10 && message.KeyFlags == KF_SHIFT) {
+            message.Key = KEY_MENU;
+            message.KeyFlags = 0;
+            consumed = Send(message);
+        }
     }
     if (self == nullptr)
         return true;

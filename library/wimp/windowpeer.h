@@ -63,7 +63,8 @@ private:
     void SendSize();
     void PaintBehindGl(QPainter& painter) const;
     void SendMouse(TMessageType type, const QMouseEvent& event);
-    void SendButton(const QMouseEvent& event, bool down);
+    void SendButton(const QMouseEvent& event);
+    bool IsStrayClick(const QMouseEvent& event);
     bool SendWheel(const QWheelEvent& event);
     // True for a key that was consumed.
     bool SendKey(const QKeyEvent& event, bool down);
@@ -78,6 +79,8 @@ private:
     // What the owner has given, of which AlignToDots may leave a little free.
     QRect Given;
     vector<QTimer*> Timers;
+    // The press under way belongs to a click that began elsewhere.
+    bool HasStrayPress = false;
     // The codes of the keys that are down, by their places on the keyboard.
     sortedmap<quint32, int> KeysDown;
 };
@@ -120,6 +123,8 @@ QSurfaceFormat GetGlFormat();
 // Whether windows can be drawn by OpenGL. The first time it is found that they cannot, a message tells it,
 // once the loop runs.
 bool HasWorkingGl();
+// Whether a context could be made, known without the time that it takes to look what it can do.
+bool MayHaveGl();
 
 // The widget of a mouse pointer.
 QCursor GetMousePointer(TCursor cursor);

@@ -4,6 +4,7 @@
 #include "library/wimp/gl/glcontext.h"
 #include "library/wimp/wimp.h"
 
+#include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtGui/QCloseEvent>
 #include <QtGui/QIcon>
@@ -172,12 +173,14 @@ TWindowPeer* MakeMainWindow(TWindow& window)
     TMainWidget* widget = new TMainWidget;
     widget->setContextMenuPolicy(Qt::NoContextMenu);
     // The first OpenGL child of a window that is shown already would make the window system build it anew.
-    if (HasWorkingGl()) {
+    if (MayHaveGl()) {
         QOpenGLWidget* surface = new QOpenGLWidget(widget);
         surface->setObjectName(QStringLiteral("surface"));
         surface->resize(0, 0);
         surface->hide();
     }
+    // Who has no OpenGL is told so at the start, but first sees the window.
+    QTimer::singleShot(0, widget, [] { HasWorkingGl(); });
     return MakePeer(window, widget);
 }
 

@@ -2,6 +2,7 @@
 
 #include "library/system/file.h"
 #include "particles/effectgraph/effectnode.h"
+#include "particles/effectgraph/xmltext.h"
 
 #include <stdio.h>
 
@@ -49,7 +50,7 @@ TError* TNodeError::Clone() const
 void TNodeError::GetText(TString& result) const
 {
     const TNodeType* type = Node != nullptr ? Node->GetNodeType() : nullptr;
-    result.Format("Node \"%s\" : %s", type != nullptr ? type->Name.Print() : "", Message.Print());
+    result.Format("Node \"%s\" : %s", type != nullptr ? QuoteText(type->Name).Print() : "", Message.Print());
 }
 
 TFileError::TFileError(const char* fileName, int line, const char* format, ...)

@@ -70,6 +70,12 @@ bool TNodeGroupParameter::ParseXml(TNodeTypeFile& file)
     return true;
 }
 
+void TNodeGroupParameter::AddChild(TNodeParameter* child)
+{
+    ASSERT(ChunkIdx == -1);
+    Append(Children, child);
+}
+
 TNodeParameter* TNodeGroupParameter::Clone() const
 {
     TOwner<TNodeGroupParameter> copy(new TNodeGroupParameter);

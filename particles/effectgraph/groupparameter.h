@@ -26,6 +26,8 @@ public:
     bool Get() const { return Open; }
     void SetValue(bool open);
     const vector<TNodeParameter*>& GetChildren() const { return Children; }
+    // Takes ownership; for a group outside of a chunk file.
+    void AddChild(TNodeParameter* child);
 
 private:
     bool Open = false;

@@ -294,6 +294,17 @@ void TNodePolytypeParameter::SetAllowedTypes(uint32_t mask)
     NotifyChanged();
 }
 
+TNodeValueParameter& TNodePolytypeParameter::AddType(int type)
+{
+    ASSERT(ChunkIdx == -1 && !IsTypeValid(type));
+    TNodeValueParameter* value = static_cast<TNodeValueParameter*>(CreateNodeParameter(type));
+    value->Name = Name;
+    value->Description = Description;
+    Values[type] = value;
+    ValidTypes = NotComputed;
+    return *value;
+}
+
 void TNodePolytypeParameter::SetUserType(int type)
 {
     if (type >= 0 && type < TY_POLYTYPE && IsTypeValid(type))

@@ -47,6 +47,8 @@ public:
     uint32_t GetAllowedTypes() const { return AllowedTypes; }
     // What resolving settled; tells the listeners when it changed.
     void SetAllowedTypes(uint32_t mask);
+    // One more valid type, whose value is 0; for a polytype outside of a chunk file.
+    TNodeValueParameter& AddType(int type);
     // What a person chose; a type that is not valid is not taken over.
     void SetUserType(int type);
 

@@ -283,6 +283,22 @@ const vector<TRampPoint>& TNodeRampParameter::GetCurve(int dimension) const
     return Curves[dimension];
 }
 
+bool TNodeRampParameter::SetDimensions(int dimensions)
+{
+    if (dimensions < 1 || dimensions > MaxDimensions)
+        return false;
+    Dimensions = dimensions;
+    return true;
+}
+
+bool TNodeRampParameter::SetRampType(int rampType)
+{
+    if (rampType < 0 || rampType >= NumRampKinds)
+        return false;
+    RampType = rampType;
+    return true;
+}
+
 void TNodeRampParameter::SetLocks(const int* locks)
 {
     int wanted[MaxDimensions];

@@ -49,6 +49,11 @@ public:
     static bool IsLock(int lock) { return lock >= -1 && lock < MaxDimensions; }
     // Frees the curves whose locks name none; whether there were any.
     bool FreeLostLocks();
+    // What a node type tells of a ramp; false, with nothing changed, for a number that no ramp has.
+    bool SetDimensions(int dimensions);
+    bool SetRampType(int rampType);
+    void SetLabels(const TString& labels) { Labels = labels; }
+    void SetSpareFlag(bool flag) { Flag2 = flag; }
     // Each of these tells the listeners.
     void SetLocks(const int* locks);
     void SetLinear(bool linear);
@@ -88,6 +93,7 @@ public:
                           TRefreshRecord& record) override;
 
     const TString& GetOutput() const { return Output; }
+    void SetOutput(const TString& output) { Output = output; }
     // The index of the output port that it follows, -1 if there is none of that name.
     int FindOutput(const TNodeType& nodeType) const;
 

@@ -182,6 +182,11 @@ TNodeParameter* TNodeEnumParameter::Clone() const
     return copy;
 }
 
+void TNodeEnumParameter::AddEntry(const TEntry& entry)
+{
+    Append(Values, entry);
+}
+
 int TNodeEnumParameter::GetNumber() const
 {
     return Index >= 0 && Index < Values.size() ? Values[Index].Number : 0;

@@ -47,6 +47,8 @@ public:
     // A position outside the list is not taken over.
     void SetValue(int index);
     const vector<TEntry>& GetValues() const { return Values; }
+    // For a list that comes from elsewhere than a node type file.
+    void AddEntry(const TEntry& entry);
 
 private:
     class TEntryFinder;

@@ -4,7 +4,7 @@
 
 TString QuoteText(const TString& text, int limit)
 {
-    return ShortenText(text, limit);
+    return ShortenText(OneLineText(text), limit);
 }
 
 bool IsTrueText(const TString& text)

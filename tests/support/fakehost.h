@@ -38,6 +38,7 @@ public:
     void BringIntoSight(TDocument&, const vector<TToolNode*>& nodes) override { Sought = nodes; }
     void UpdateTitles(TDocument& document) override { Tell(document.IsModified() ? "title*" : "title"); }
     void RedrawWindows(TDocument&) override { ++Redraws; }
+    void AgreementChanged(TDocument&) override { ++NumAgreements; }
     void ScheduleChanged(TDocument& document) override
     {
         ++Schedules;
@@ -73,6 +74,7 @@ public:
     // What was to be brought into sight last.
     vector<TToolNode*> Sought;
     int Redraws = 0;
+    int NumAgreements = 0;
     int Schedules = 0;
     int GoneEngines = 0;
     // Whether the windows believe that there is an engine.
@@ -129,7 +131,10 @@ public:
         return RecoveryAnswer;
     }
     bool IsDragging() override { return Drags; }
-    void ShowProperties(const char* text) override { Events.push_back(std::string("properties ") + text); }
+    void ShowProperties(TDocument&, const char* text) override
+    {
+        Events.push_back(std::string("properties ") + text);
+    }
     void ShowOptions() override { Events.push_back("options"); }
     void Beep() override { Events.push_back("beep"); }
     void RebuildRecentFiles(const vector<TString>& files) override

@@ -49,6 +49,53 @@ TEST_F(Desktop, TheFirstSaveOfASampleAsksForAPlaceOfOnesOwn)
     Exit(program);
 }
 
+TEST_F(Desktop, TheDisplayOfASampleOpenedForTheFirstTimeStandsBesideTheGraphAndStaysInFront)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    Open(program, Sample());
+    ASSERT_FALSE(HasFatalFailure());
+    const std::string window = Screen.FindWindow(DisplayTitle);
+    TRectangle display = Screen.GetPosition(window);
+    // A display upon the graph would hide a part of what is looked for here.
+    Screen.MoveWindow(window, 2000, 700);
+    ASSERT_TRUE(workshop.FindGraph());
+    const TRectangle graph = workshop.GetGraph();
+    const bool beside = display.X + display.Width <= graph.X || graph.X + graph.Width <= display.X ||
+                        display.Y + display.Height <= graph.Y || graph.Y + graph.Height <= display.Y;
+    EXPECT_TRUE(beside) << display.X << ", " << display.Y << " by the graph at " << graph.X << ", "
+                        << graph.Y;
+    // In the midst of the main window.
+    Screen.MoveWindow(window, graph.X + graph.Width / 2, graph.Y + graph.Height / 2);
+    Screen.Settle();
+    display = Screen.GetPosition(window);
+    constexpr uint32_t Background = 0xCCCCCC;
+    const TRectangle corner = {display.X + 3, display.Y + 3, 1, 1};
+    const auto isInFront = [&] { return Screen.Grab(corner).At(0, 0) == Background; };
+    ASSERT_TRUE(WaitUntil(isInFront));
+    Screen.Click(graph.X + 20, graph.Y + 20);
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    ASSERT_TRUE(Screen.WaitUntilStill(TRectangle{graph.X, graph.Y, 100, 100}));
+    EXPECT_TRUE(isInFront());
+    Exit(program);
+    // When it comes back it is no other window.
+    TProgramOptions options;
+    options.Environment = {"XDG_STATE_HOME=" + program.Path("state")};
+    TProgram second(Screen, options);
+    ASSERT_TRUE(second.IsUp()) << second.GetOutput();
+    // The main window is never still with the effect in front of it.
+    Screen.Key("ctrl+o");
+    ASSERT_TRUE(second.AnswerChooser(LoadTitle, Sample()));
+    ASSERT_TRUE(WaitForDocument("fountain.effect"));
+    ASSERT_TRUE(WaitUntil(isInFront));
+    Screen.Click(graph.X + 20, graph.Y + 20);
+    ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
+    ASSERT_TRUE(Screen.WaitUntilStill(TRectangle{graph.X, graph.Y, 100, 100}));
+    EXPECT_TRUE(isInFront());
+    Exit(second);
+}
+
 TEST_F(Desktop, WindowsComeBackWhereTheyStood)
 {
     TProgram first(Screen);

@@ -20,6 +20,13 @@ bool TBinaryFile::OpenRead(const char* path)
     return TFile::OpenRead(path);
 }
 
+void TBinaryFile::OpenReadMemory(const void* bytes, int size)
+{
+    Gathered.clear();
+    InMemory = false;
+    TFile::OpenReadMemory(bytes, size);
+}
+
 bool TBinaryFile::OpenWrite(const char* path)
 {
     Gathered.clear();

@@ -13,6 +13,7 @@ class TBinaryFile : public TFile
 {
 public:
     bool OpenRead(const char* path);
+    void OpenReadMemory(const void* bytes, int size);
     bool OpenWrite(const char* path);
     bool Close();
     bool Write(const void* buffer, int n);

@@ -120,8 +120,21 @@ bool TChunkFile::Load(const char* path)
     LastError = NoError;
     Failed = false;
     File.Abandon();
-    if (!File.OpenRead(path))
-        return false;
+    return File.OpenRead(path) && LoadOpened();
+}
+
+bool TChunkFile::LoadFromMemory(const vector<uint8_t>& bytes)
+{
+    CloseGaps();
+    LastError = NoError;
+    Failed = false;
+    File.Abandon();
+    File.OpenReadMemory(bytes.data(), bytes.size());
+    return LoadOpened();
+}
+
+bool TChunkFile::LoadOpened()
+{
     TFileDropper dropper(File);
     char magic[sizeof(Magic)];
     if (!File.ReadRaw(magic, sizeof(magic)) || memcmp(magic, Magic, sizeof(magic)) != 0) {

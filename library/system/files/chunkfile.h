@@ -39,6 +39,8 @@ public:
     // The chunks made before a failure stay, for the caller to clear. After a file that ends within its table
     // File stays open, until the next load or save or the destructor.
     bool Load(const char* path);
+    // The same of what SaveToMemory has made.
+    bool LoadFromMemory(const vector<uint8_t>& bytes);
     // Asked of the written file before it takes the place of the old one, under the name that it has until
     // then: false fails the save.
     using TVerify = bool (*)(const char* path, void* data);
@@ -139,6 +141,7 @@ private:
     // The chunk's position, or -1.
     int FindChunk(const TChunk* chunk) const;
     bool ReadChunkPointer(TChunk*& result, uint32_t classId);
+    bool LoadOpened();
     bool LoadTable(uint32_t count, vector<TEntry>& table);
     bool LoadBodies(int first, const vector<TEntry>& table);
     bool WriteAll();

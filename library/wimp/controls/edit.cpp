@@ -62,6 +62,24 @@ bool TEdit::HasFocus() const
     return GetHandle() != nullptr && GetHandle()->window()->focusWidget() == GetHandle();
 }
 
+void TEdit::SetFixedPitch()
+{
+    QPlainTextEdit* lines = qobject_cast<QPlainTextEdit*>(GetHandle());
+    if (lines == nullptr)
+        return;
+    lines->setLineWrapMode(QPlainTextEdit::NoWrap);
+    lines->setFont(QFont(QStringLiteral("monospace")));
+}
+
+void TEdit::SetNumLines(int lines)
+{
+    const QPlainTextEdit* edit = qobject_cast<QPlainTextEdit*>(GetHandle());
+    if (edit == nullptr)
+        return;
+    const int frame = 2 * edit->frameWidth() + 2 * static_cast<int>(edit->document()->documentMargin());
+    GetHandle()->setFixedHeight(lines * edit->fontMetrics().lineSpacing() + frame);
+}
+
 void TEdit::AppendFormat(const char* format, ...)
 {
     char added[8192];

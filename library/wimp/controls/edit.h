@@ -13,6 +13,10 @@ public:
     void SelectAll();
     // Whether what is typed in its window comes here, in front or not.
     bool HasFocus() const;
+    // Of several lines: letters of one width, and no line goes on below.
+    void SetFixedPitch();
+    // Of several lines: so many are in sight, whatever room there is.
+    void SetNumLines(int lines);
     // Adds to the end; at most 8,191 characters at a time.
     void AppendFormat(const char* format, ...) CINDERMILL_PRINTF(2, 3);
     int GetId() const { return Id; }

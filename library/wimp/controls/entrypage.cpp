@@ -5,7 +5,9 @@
 #include "library/wimp/windowpeer.h"
 
 #include <QtCore/QEvent>
+#include <QtCore/QTimer>
 #include <QtGui/QIcon>
+#include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QResizeEvent>
 #include <QtWidgets/QCommandLinkButton>
@@ -134,6 +136,24 @@ TEntryArea* EntriesOf(TWindowHandle handle)
     return static_cast<TEntryArea*>(handle);
 }
 
+// Outside a dialog a button hears of the space bar alone.
+class TReturnPresses : public QObject
+{
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (event->type() != QEvent::KeyPress)
+            return false;
+        const QKeyEvent& key = *static_cast<QKeyEvent*>(event);
+        if ((key.key() != Qt::Key_Return && key.key() != Qt::Key_Enter) || key.isAutoRepeat())
+            return false;
+        static_cast<QAbstractButton*>(object)->click();
+        return true;
+    }
+};
+
 // The ampersand of a name stays one.
 QString ToLabel(const TString& text)
 {
@@ -161,12 +181,24 @@ QIcon LoadTilePicture(const TString& path)
     return QIcon(pixmap);
 }
 
+// Keeps the place of a picture that is still to come.
+const QIcon& GetEmptyPicture()
+{
+    static const QIcon Empty = [] {
+        QPixmap pixmap(PictureSize);
+        pixmap.fill(Qt::transparent);
+        return QIcon(pixmap);
+    }();
+    return Empty;
+}
+
 void Name(QAbstractButton& button, const TEntryPage::TEntry& entry)
 {
     button.setObjectName(QStringLiteral("entry%1").arg(entry.Id));
     button.setAccessibleName(ToQt(entry.Text.Print()));
     button.setAccessibleDescription(ToQt(entry.Detail.Print()));
     button.setToolTip(ToQt(entry.Help.Print()));
+    button.installEventFilter(new TReturnPresses(&button));
 }
 
 } // namespace
@@ -233,8 +265,11 @@ void TEntryPage::AddTile(const TEntry& entry)
     tile->setAutoRaise(true);
     tile->setFocusPolicy(Qt::StrongFocus);
     tile->setText(ToLabel(entry.Text));
-    tile->setIcon(LoadTilePicture(entry.Picture));
+    tile->setIcon(GetEmptyPicture());
     tile->setIconSize(PictureSize);
+    // The page is there before its pictures are, which are read one by one between what a person does.
+    const TString picture = entry.Picture;
+    QTimer::singleShot(0, tile, [tile, picture] { tile->setIcon(LoadTilePicture(picture)); });
     Name(*tile, entry);
     const int id = entry.Id;
     QObject::connect(tile, &QAbstractButton::clicked, GetHandle(), [this, id] { Report(id, CC_BUTTON); });

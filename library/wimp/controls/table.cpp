@@ -63,6 +63,10 @@ bool TTable::TPane::OnMessage(const TMessage& message)
         Table->OnContext(x, y);
         return true;
     }
+    if (message.Type == MT_KEYDOWN && message.Key == KEY_MENU) {
+        Table->OnContext(0, 0);
+        return true;
+    }
     if (message.Type == MT_LEFTDOWN)
         Table->SetFocus();
     return (Table->*Handler)(message);

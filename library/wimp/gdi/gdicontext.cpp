@@ -1,5 +1,6 @@
 #include "library/wimp/gdi/gdicontext.h"
 
+#include "library/containers/string.h"
 #include "library/wimp/gdi/gdibitmap.h"
 
 #include <QtGui/QFontMetrics>
@@ -41,6 +42,15 @@ static void Measure(const QFontMetrics& metrics, const char* text, int& width, i
 {
     width = metrics.horizontalAdvance(QString::fromUtf8(text));
     height = metrics.height();
+}
+
+// A part of a pixel too wide counts as fitting, as where the text is measured.
+static QByteArray Shorten(const QFontMetrics& metrics, const char* text, int width)
+{
+    const QString whole = QString::fromUtf8(text);
+    if (metrics.horizontalAdvance(whole) <= width)
+        return whole.toUtf8();
+    return metrics.elidedText(whole, Qt::ElideRight, width).toUtf8();
 }
 
 TGDIContext::TGDIContext(QPainter& painter) : Painter(painter)
@@ -208,8 +218,7 @@ void TGDIContext::TextOutClipped(int x, int y, int width, int height, const char
 
 void TGDIContext::TextOutShortened(int x, int y, int width, const char* text)
 {
-    const QString whole = QString::fromUtf8(text);
-    TextOut(x, y, Painter.fontMetrics().elidedText(whole, Qt::ElideRight, width).toUtf8().constData());
+    TextOut(x, y, Shorten(Painter.fontMetrics(), text, width).constData());
 }
 
 void TGDIContext::GetTextExtent(const char* text, int& width, int& height) const
@@ -240,4 +249,9 @@ TGDIColour GetButtonColour()
 void GetTextExtent(const TGDIFont& font, const char* text, int& width, int& height)
 {
     Measure(QFontMetrics(ToFont(font)), text, width, height);
+}
+
+void FitText(const TGDIFont& font, const char* text, int width, TString& result)
+{
+    result = Shorten(QFontMetrics(ToFont(font)), text, width).constData();
 }

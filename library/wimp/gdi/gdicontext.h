@@ -7,6 +7,7 @@ class QFont;
 class QPainter;
 class QRect;
 class TGDIBitmap;
+class TString;
 
 // A font of the window system; the height of its characters in pixels, of either sign.
 struct TGDIFont
@@ -85,3 +86,5 @@ TGDIColour GetButtonColour();
 
 // Without a window at hand.
 void GetTextExtent(const TGDIFont& font, const char* text, int& width, int& height);
+// As much of the text as has room in the width, with an ellipsis where it ends before its time.
+void FitText(const TGDIFont& font, const char* text, int width, TString& result);

@@ -3,6 +3,7 @@
 #include "library/containers/classregistry.h"
 #include "library/containers/vector.h"
 #include "library/maths/vector2.h"
+#include "library/wimp/gl/accessibletraits.h"
 #include "library/wimp/gl/windowmessage.h"
 
 class TRenderObject;
@@ -82,8 +83,30 @@ public:
     virtual TRenderer* FindView() const { return Parent != nullptr ? Parent->FindView() : nullptr; }
     // Whether the object takes over what one below it loses by going: the focus.
     virtual bool IsInputHome() const { return false; }
-    // Whether the Tab key stays among the fields below the object.
+    // Whether the Tab key stays among the controls below the object.
     virtual bool IsFieldPanel() const { return false; }
+    // What the object tells tools for those who cannot see it; false for what is no control by itself.
+    virtual bool Describe(TAccessibleTraits& traits)
+    {
+        (void)traits;
+        return false;
+    }
+    // What a control below the object is called, where nothing is written on it.
+    virtual void NamePart(const TRenderObject& part, TString& name) const
+    {
+        (void)part;
+        (void)name;
+    }
+    // As a click on the control does. False for one that cannot be clicked. The object may be gone then.
+    virtual bool Activate() { return false; }
+    // As a person who types a value and ends with Return. False for a text that is none.
+    virtual bool EnterValue(const char* text)
+    {
+        (void)text;
+        return false;
+    }
+    // The keys go to the control, by the Tab key or by name.
+    virtual void TakeKeys(TRenderer* renderer) { SetFocus(this, renderer); }
     // For an object that is hidden, which leaving its container does by itself: what has the focus in it
     // gives it to the nearest home above, if there is one, in the view that had it; a capture in it ends, an
     // overlay goes, and the pointer leaves it. The keyboard stays with the window that has it.

@@ -25,7 +25,9 @@ enum TMessageType
     MT_TIMER,
     MT_FOCUSGAINED,
     MT_FOCUSLOST,
-    MT_SCROLL
+    MT_SCROLL,
+    // The mouse that was captured has been taken away.
+    MT_CAPTURELOST
 };
 
 // Keys by their codes. Letters and digits are their ASCII characters, letters in upper case; no other
@@ -49,6 +51,8 @@ enum TKey
     KEY_DOWN = 40,
     KEY_INSERT = 45,
     KEY_DELETE = 46,
+    // Asks for the context menu, as Shift+F10 does where nobody has another use for that.
+    KEY_MENU = 93,
     KEY_F1 = 112,
     KEY_F10 = 121,
     KEY_F24 = 135

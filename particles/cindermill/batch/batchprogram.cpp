@@ -26,6 +26,10 @@ int Start(const TBatchCommand& command, TBatchSession& session, TArguments& argu
         [&] {
             if (!session.Init())
                 return;
+            if (!command.TellsOfNodeTypes() && !session.HasNodeTypes(false)) {
+                PrintLines(session.GetNodeTypeErrors());
+                return;
+            }
             if (command.NeedsNodeTypes)
                 session.LoadNodeTypes();
             status = command.Run(session, arguments);

@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/batchsession.h"
 
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/batch/arguments.h"
 #include "particles/cindermill/batch/effectfindings.h"
 #include "particles/cindermill/main/document.h"
@@ -59,7 +60,9 @@ bool TBatchSession::Init()
         App->GetResourceLocator().AddSearchDirectory(ResourcesDirectory);
     if (!Project.GetResources().IsEmpty())
         App->GetResourceLocator().AddSearchDirectory(Project.GetResources());
-    return CheckNodeTypes();
+    if (NodeTypesDirectory.IsEmpty())
+        NodeTypesDirectory = Project.GetNodeTypes();
+    return true;
 }
 
 bool TBatchSession::LoadProject()
@@ -71,17 +74,12 @@ bool TBatchSession::LoadProject()
 }
 
 // A directory that somebody names is meant to hold types.
-bool TBatchSession::CheckNodeTypes()
+bool TBatchSession::HasNodeTypes(bool areNeeded)
 {
-    if (NodeTypesDirectory.IsEmpty())
-        NodeTypesDirectory = Project.GetNodeTypes();
-    if (NodeTypesDirectory.IsEmpty())
+    if (NodeTypesDirectory.IsEmpty() && !areNeeded)
         return true;
     ReadNodeTypes();
-    if (App->GetNodeTypes().GetNumTypes() > 0)
-        return true;
-    PrintLines(NodeTypeErrors);
-    return false;
+    return App->GetNodeTypes().GetNumTypes() > 0;
 }
 
 void TBatchSession::TellPolicies()
@@ -97,7 +95,8 @@ void TBatchSession::TellPolicies()
         {settings.GetPolicyNoMixedBoundingBoxes(), "effects cannot mix static and dynamic bounding boxes"},
     };
     if (Project.IsLoaded())
-        std::fprintf(stderr, "The export policies are those of the project %s: ", ProjectPath.Print());
+        std::fprintf(stderr,
+                     "The export policies are those of the project %s: ", OneLineText(ProjectPath).Print());
     else
         std::fprintf(stderr, "The export policies are those of the user's settings: ");
     const char* between = "";
@@ -144,9 +143,9 @@ bool TBatchSession::LoadFile(TDocument& document, const char* path)
 {
     const bool loaded = Load(document, path);
     if (!loaded)
-        std::fprintf(stderr, "%s: %s\n", path, document.GetLoadError().Print());
+        PrintMessage(path, document.GetLoadError());
     for (const TError* note : document.GetLoadNotes())
-        std::fprintf(stderr, "%s: %s\n", path, note->GetMessage().Print());
+        PrintMessage(path, note->GetMessage());
     return loaded;
 }
 
@@ -172,7 +171,7 @@ bool TBatchSession::LoadGraph(TDocument& document, const char* path)
     TString text;
     if (SettleTypes(document, text))
         return true;
-    std::fprintf(stderr, "%s: %s\n", path, text.Print());
+    PrintMessage(path, text);
     return false;
 }
 
@@ -191,7 +190,7 @@ bool TBatchSession::LoadGraph(TDocument& document, const char* path, TFindingRep
         return true;
     findings.Add("load.failed", text);
     if (report.IsText())
-        std::fprintf(stderr, "%s: %s\n", path, text.Print());
+        PrintMessage(path, text);
     return false;
 }
 
@@ -215,12 +214,19 @@ void PrintErrors(TBatchResult result, const TErrorList& errors)
     TDocument::LogBatchResult(result, errors);
 }
 
+void PrintMessage(const char* path, const char* message)
+{
+    TString text(message);
+    text.Trim();
+    std::fprintf(stderr, "%s: %s\n", OneLineText(path).Print(), OneLineText(text).Print());
+}
+
 void PrintLines(const TErrorList& errors)
 {
     for (const TError* error : errors) {
         TString text;
         error->GetText(text);
         text.Trim();
-        std::fprintf(stderr, "%s\n", text.Print());
+        std::fprintf(stderr, "%s\n", OneLineText(text).Print());
     }
 }

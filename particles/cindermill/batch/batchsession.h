@@ -21,6 +21,9 @@ public:
     void GetOptionWords(vector<TString>& words) const;
     // Must succeed before all that follows. With a project nothing is taken from the user's settings.
     bool Init();
+    // Whether there are the node types that a run works with: those of a directory that was named, and where
+    // they are needed, any. Where there are none, GetNodeTypeErrors tells why.
+    bool HasNodeTypes(bool areNeeded);
     // Reads the whole library now, and tells on the standard error what is wrong with it.
     void LoadNodeTypes();
     // The same without telling. What is wrong stands in GetNodeTypeErrors.
@@ -44,7 +47,6 @@ public:
 
 private:
     bool LoadProject();
-    bool CheckNodeTypes();
     void FindNodeTypes();
     bool Load(TDocument& document, const char* path);
     bool CheckLoaded(TDocument& document);
@@ -66,5 +68,7 @@ void DropLine(const char* text, void* data);
 void KeepFirstLine(const char* text, void* data);
 // The errors in the wording of the batch export.
 void PrintErrors(TBatchResult result, const TErrorList& errors);
+// What is wrong with a file, in one line.
+void PrintMessage(const char* path, const char* message);
 // Each in a line of its own.
 void PrintLines(const TErrorList& errors);

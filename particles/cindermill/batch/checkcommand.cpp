@@ -1,22 +1,17 @@
 #include "particles/cindermill/batch/checkcommand.h"
 
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/batch/batchsession.h"
 #include "particles/cindermill/batch/checkreport.h"
 #include "particles/cindermill/batch/effectfindings.h"
 #include "particles/cindermill/batch/findingarguments.h"
+#include "particles/cindermill/batch/lint/lintnodetypes.h"
+#include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/main/document.h"
 
 #include <cstdio>
 
 namespace {
-
-bool HasClass(const TNodeTypeLibrary& library, const char* className)
-{
-    for (int i = 0; i < library.GetNumTypes(); ++i)
-        if (library.GetType(i)->ClassName.Compare(className) == 0)
-            return true;
-    return false;
-}
 
 struct TCheckSwitches
 {
@@ -43,7 +38,7 @@ public:
         TEffectFindings findings(document, path, Report);
         CheckEngine(document, path, findings);
         if (Switches.FindsStale)
-            CheckTypes(document, path, findings);
+            CheckTypes(document, path);
         if (Switches.ListsDependencies)
             ListDependencies(document, path);
     }
@@ -59,32 +54,25 @@ private:
             created = document.CreateSchedule(errors);
             sound = created && document.InitEngine(errors, true);
         }
-        if (sound && errors.empty())
+        if (sound)
             return;
-        findings.AddErrors(sound ? "engine.warning" : created ? "engine.error" : "schedule.error", errors);
+        findings.AddErrors(created ? "engine.error" : "schedule.error", errors);
         if (!Report.IsText())
             return;
-        std::fprintf(stderr, "%s: ", path);
-        PrintErrors(sound ? BR_DONE : BR_SCHEDULEFAILED, errors);
+        std::fprintf(stderr, "%s: ", OneLineText(path).Print());
+        PrintErrors(BR_SCHEDULEFAILED, errors);
     }
-    void CheckTypes(TDocument& document, const char* path, TEffectFindings& findings)
+    void CheckTypes(TDocument& document, const char* path)
     {
-        const TNodeTypeLibrary& library = Session.GetApp().GetNodeTypes();
-        const TEffectGraph& graph = *document.GetGraph();
-        for (int i = 0; i < graph.GetNumNodes(); ++i) {
-            const TNodeType& type = *graph.GetNode(i)->GetNodeType();
-            const bool isKnown = library.FindType(type.Name) != nullptr;
-            // A node that an artist has named is still of its class.
-            if (isKnown ? !type.NeedsRefresh(library) : HasClass(library, type.ClassName))
-                continue;
-            TString text;
-            text = "Node \"";
-            text += type.Name.Print();
-            text += isKnown ? "\" differs from the library's type of its name"
-                            : "\" is of a type that the library does not have";
-            findings.AddOfNode(isKnown ? "type.stale" : "type.missing", *graph.GetNode(i), text);
+        TFindingList findings;
+        TLintReport report(findings, path);
+        if (document.GetSchedule().IsCreated())
+            report.SetSchedule(&document.GetSchedule());
+        LintNodeTypes(*document.GetGraph(), Session.GetApp().GetNodeTypes(), report);
+        for (int i = 0; i < findings.size(); ++i) {
+            Report.Add(findings[i]);
             if (Report.IsText())
-                std::fprintf(stderr, "%s: %s\n", path, text.Print());
+                PrintMessage(path, findings[i].Message);
         }
     }
     void ListDependencies(TDocument& document, const char* path)
@@ -96,8 +84,8 @@ private:
             return;
         }
         for (const TDependency& dependency : dependencies)
-            std::printf("%s\t%s\t%s\t%s\n", path, GetDependencyKindName(dependency.Kind),
-                        dependency.Name.Print(), dependency.Path.Print());
+            std::printf("%s\t%s\t%s\t%s\n", OneLineText(path).Print(), GetDependencyKindName(dependency.Kind),
+                        OneLineText(dependency.Name).Print(), OneLineText(dependency.Path).Print());
     }
 
     TBatchSession& Session;
@@ -139,12 +127,10 @@ int TCheckCommand::Run(TBatchSession& session, TArguments& arguments) const
         return ReportUsage("check needs a file");
     if (switches.IsVerbose)
         session.TellPolicies();
-    if (switches.FindsStale || switches.ListsDependencies)
-        session.ReadNodeTypes();
-    if (switches.FindsStale && session.GetApp().GetNodeTypes().GetNumTypes() == 0) {
-        PrintLines(session.GetNodeTypeErrors());
+    if (!words.CheckNodeTypes(session, switches.FindsStale))
         return StatusErrors;
-    }
+    if (switches.ListsDependencies)
+        session.ReadNodeTypes();
     TCheckReport report(session.GetProject(), switches.ListsDependencies);
     words.Prepare(report, session);
     vector<TString> files;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "particles/cindermill/batch/effectdependencies.h"
+#include "particles/cindermill/batch/findings/filefacts.h"
 #include "particles/cindermill/batch/findings/findingreport.h"
 
 // What a check tells beside findings: what each file hangs on, if it was asked.
@@ -17,6 +18,5 @@ public:
 
 private:
     const bool ListsDependencies;
-    // Of each file; of the last ones nothing may be known.
-    vector<vector<TDependency>> Dependencies;
+    TFileFacts<vector<TDependency>> Dependencies;
 };

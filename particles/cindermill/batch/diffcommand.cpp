@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/diffcommand.h"
 
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/batch/batchsession.h"
 #include "particles/cindermill/batch/findings/findingreport.h"
 #include "particles/cindermill/batch/findings/jsontext.h"
@@ -25,7 +26,7 @@ void WriteText(const TEffectDifferences& differences)
         if (!difference.Key.IsEmpty())
             text << (difference.Kind == DK_RETYPED ? " type " : " node ") << difference.Key;
         if (difference.Kind == DK_ADDED || difference.Kind == DK_REMOVED)
-            text << " " << difference.ClassName;
+            text << " " << OneLineText(difference.ClassName);
         if (!difference.What.IsEmpty())
             text << (difference.Key.IsEmpty() ? " " : ": ") << difference.What;
         if (!difference.Before.IsEmpty() || !difference.After.IsEmpty()) {

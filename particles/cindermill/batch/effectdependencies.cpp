@@ -4,49 +4,21 @@
 #include "library/system/path.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/effectgraph/effectgraph.h"
-#include "particles/effectgraph/simpleparameters.h"
+#include "particles/effectgraph/filereferences.h"
 
 #include <algorithm>
 
 namespace {
 
-// Asks the nodes one after the other.
-class TDependencyWalk
+void AddDependency(TDependencyKind kind, const TString& name, vector<TDependency>& result)
 {
-public:
-    explicit TDependencyWalk(vector<TDependency>& result) : Result(result) {}
-    void AddNode(const TNodeType& type)
-    {
-        Add(DK_NODETYPE, type.Name);
-        AddParameters(type.Parameters);
-        AddParameters(type.Inputs);
-    }
-
-private:
-    void Add(TDependencyKind kind, const TString& name)
-    {
-        if (name.IsEmpty())
+    if (name.IsEmpty())
+        return;
+    for (const TDependency& known : result)
+        if (known.Kind == kind && known.Name.Compare(name) == 0)
             return;
-        for (const TDependency& known : Result)
-            if (known.Kind == kind && known.Name.Compare(name) == 0)
-                return;
-        Append(Result, TDependency{kind, name, TString()});
-    }
-    void AddParameters(const vector<TNodeParameter*>& parameters)
-    {
-        for (const TNodeParameter* parameter : parameters) {
-            if (parameter->Type == PK_TEXTURE)
-                Add(DK_TEXTURE, static_cast<const TNodeTextureParameter*>(parameter)->GetFileName());
-            else if (parameter->Type == PK_ANIMATION)
-                Add(DK_ANIMATION, static_cast<const TNodeAnimationParameter*>(parameter)->GetFileName());
-            vector<TNodeParameter*> owned;
-            parameter->GetOwned(owned);
-            AddParameters(owned);
-        }
-    }
-
-    vector<TDependency>& Result;
-};
+    Append(result, TDependency{kind, name, TString()});
+}
 
 bool FindTypeFile(const TNodeTypeLibrary& library, const TString& name, TString& path)
 {
@@ -76,9 +48,12 @@ const char* GetDependencyKindName(TDependencyKind kind)
 
 void GetEffectDependencies(const TEffectGraph& graph, TCindermillApp& app, vector<TDependency>& result)
 {
-    TDependencyWalk walk(result);
     for (int i = 0; i < graph.GetNumNodes(); ++i)
-        walk.AddNode(*graph.GetNode(i)->GetNodeType());
+        AddDependency(DK_NODETYPE, graph.GetNode(i)->GetNodeType()->Name, result);
+    vector<TFileReference> references;
+    GetFileReferences(graph, references);
+    for (const TFileReference& reference : references)
+        AddDependency(reference.IsAnimation ? DK_ANIMATION : DK_TEXTURE, reference.Name, result);
     std::sort(result.begin(), result.end(), [](const TDependency& a, const TDependency& b) {
         return a.Kind != b.Kind ? a.Kind < b.Kind : a.Name.Compare(b.Name) < 0;
     });

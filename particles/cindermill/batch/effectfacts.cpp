@@ -1,6 +1,5 @@
 #include "particles/cindermill/batch/effectfacts.h"
 
-#include "library/containers/append.h"
 #include "particles/cindermill/batch/effectfindings.h"
 #include "particles/cindermill/batch/findings/jsontext.h"
 #include "particles/cindermill/main/document.h"
@@ -57,10 +56,10 @@ void GetEffectFacts(TDocument& document, TEffectFacts& facts, TEffectFindings& f
     }
     AddScheduleFacts(document.GetSchedule(), facts);
     const bool inited = document.InitEngine(errors, true);
-    findings.AddErrors(inited ? "engine.warning" : "engine.error", errors);
-    if (!inited)
+    if (!inited) {
+        findings.AddErrors("engine.error", errors);
         return;
-    errors.Clear();
+    }
     facts.IsExported = document.GetExportSize(facts.ExportSize, errors);
     findings.AddErrors(facts.IsExported ? "export.warning" : "export.error", errors);
 }
@@ -68,32 +67,22 @@ void GetEffectFacts(TDocument& document, TEffectFacts& facts, TEffectFindings& f
 void TFactsReport::AddFacts(const TEffectFacts& facts)
 {
     if (!IsText())
-        Append(Loaded, TFactsOf{GetNumFiles() - 1, facts});
+        Facts.Set(GetNumFiles() - 1, facts);
 }
 
-// The files that could be loaded stand in the order of all.
 void TFactsReport::WriteFileFacts(int file, TJsonText& json) const
 {
-    int low = 0;
-    int high = Loaded.size();
-    while (low < high) {
-        const int middle = (low + high) / 2;
-        if (Loaded[middle].File < file)
-            low = middle + 1;
-        else
-            high = middle;
-    }
-    if (low == Loaded.size() || Loaded[low].File != file) {
+    const TEffectFacts* facts = Facts.Get(file);
+    if (facts == nullptr) {
         json.Null("facts");
         return;
     }
-    const TEffectFacts& facts = Loaded[low].Facts;
     json.BeginObject("facts");
-    json.Whole("size", facts.FileSize);
-    json.Whole("chunks", facts.NumChunks);
-    json.Whole("nodes", facts.NumNodes);
-    json.Whole("edges", facts.NumEdges);
-    WriteSchedule(json, facts);
-    WriteExport(json, facts);
+    json.Whole("size", facts->FileSize);
+    json.Whole("chunks", facts->NumChunks);
+    json.Whole("nodes", facts->NumNodes);
+    json.Whole("edges", facts->NumEdges);
+    WriteSchedule(json, *facts);
+    WriteExport(json, *facts);
     json.EndObject();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/containers/vector.h"
+#include "particles/cindermill/batch/findings/filefacts.h"
 #include "particles/cindermill/batch/findings/findingreport.h"
 
 class TDocument;
@@ -34,10 +34,5 @@ public:
     void WriteFileFacts(int file, TJsonText& json) const override;
 
 private:
-    struct TFactsOf
-    {
-        int File;
-        TEffectFacts Facts;
-    };
-    vector<TFactsOf> Loaded;
+    TFileFacts<TEffectFacts> Facts;
 };

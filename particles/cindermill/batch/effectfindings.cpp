@@ -37,10 +37,3 @@ void TEffectFindings::AddErrors(const char* id, const TErrorList& errors)
         Report.Add(finding);
     }
 }
-
-void TEffectFindings::AddOfNode(const char* id, const TEffectNode& node, const char* message)
-{
-    TFinding finding = MakeFinding(id, Path, message);
-    GetNodePlace(Document, node, -1, finding.Place);
-    Report.Add(finding);
-}

@@ -18,8 +18,6 @@ public:
     }
     void Add(const char* id, const char* message);
     void AddErrors(const char* id, const TErrorList& errors);
-    // A finding of one node.
-    void AddOfNode(const char* id, const TEffectNode& node, const char* message);
 
 private:
     TDocument& Document;

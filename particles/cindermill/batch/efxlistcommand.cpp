@@ -31,6 +31,6 @@ int TEfxListCommand::Run(TBatchSession& session, TArguments& arguments) const
     TString fault;
     if (ListEfx(path, PrintLine, nullptr, fault))
         return StatusDone;
-    std::fprintf(stderr, "%s: %s\n", path, fault.Print());
+    PrintMessage(path, fault);
     return StatusErrors;
 }

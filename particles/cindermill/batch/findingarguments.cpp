@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/findingarguments.h"
 
+#include "library/system/path.h"
 #include "particles/cindermill/batch/batchsession.h"
 #include "particles/cindermill/batch/effectpaths.h"
 
@@ -9,6 +10,10 @@ bool TFindingArguments::Read(TArguments& arguments, TString& fault)
 {
     bool onlyNames = false;
     while (const char* word = arguments.Take()) {
+        if (*word == 0) {
+            fault = "The name of a file is empty";
+            return false;
+        }
         if (onlyNames || std::strncmp(word, "--", 2) != 0)
             Append(Names, word);
         else if (word[2] == 0)
@@ -71,4 +76,36 @@ void TFindingArguments::Prepare(TFindingReport& report, const TBatchSession& ses
     report.SetFormat(Format);
     report.SetFailOn(FailOn);
     report.SetProject(session.GetProject().GetPath());
+}
+
+bool TFindingArguments::CheckNodeTypes(TBatchSession& session, bool areNeeded) const
+{
+    if (session.HasNodeTypes(areNeeded))
+        return true;
+    if (IsText()) {
+        PrintLines(session.GetNodeTypeErrors());
+        return false;
+    }
+    // No project can allow what ends the run.
+    const TProject none;
+    TFindingReport report(Command, none);
+    Prepare(report, session);
+    AddNodeTypeFindings(session, report);
+    report.Write(stdout);
+    return false;
+}
+
+void AddNodeTypeFindings(const TBatchSession& session, TFindingReport& report)
+{
+    TString directory;
+    ToShownPath(session.GetNodeTypesPath(), directory);
+    report.AddFile(directory);
+    for (const TError* error : session.GetNodeTypeErrors()) {
+        TString path;
+        const TFileError* ofFile = dynamic_cast<const TFileError*>(error);
+        ToShownPath(ofFile != nullptr ? ofFile->GetFileName().Print() : directory.Print(), path);
+        TFinding finding = MakeFinding("type.error", path, error->GetMessage());
+        finding.Line = ofFile != nullptr ? ofFile->GetLine() : 0;
+        report.Add(finding);
+    }
 }

@@ -30,6 +30,8 @@ public:
     // The effects that the names stand for, as ExpandEffectPaths has it.
     void GetFiles(vector<TString>& files) const;
     void Prepare(TFindingReport& report, const TBatchSession& session) const;
+    // The session's HasNodeTypes. Where there are none, that is told in the format that was asked for.
+    bool CheckNodeTypes(TBatchSession& session, bool areNeeded = false) const;
 
 private:
     bool TakeOption(const char* word, TArguments& arguments, TString& fault);
@@ -42,3 +44,6 @@ private:
     TFindingSeverity FailOn = FS_WARNING;
     bool FailOnGiven = false;
 };
+
+// What is wrong with the node types, as findings of their directory.
+void AddNodeTypeFindings(const TBatchSession& session, TFindingReport& report);

@@ -1,6 +1,7 @@
 #include "particles/cindermill/batch/hashcommand.h"
 
 #include "library/containers/nametocrc.h"
+#include "library/containers/shortentext.h"
 #include "library/containers/strtoid.h"
 #include "particles/cindermill/batch/batchsession.h"
 
@@ -19,6 +20,6 @@ int THashCommand::Run(TBatchSession& session, TArguments& arguments) const
     if (arguments.IsEmpty())
         return ReportUsage("hash needs a name");
     while (const char* name = arguments.Take())
-        std::printf("%s\t%08x\t%08x\n", name, StrToID(name), NameToCrc(name));
+        std::printf("%s\t%08x\t%08x\n", OneLineText(name).Print(), StrToID(name), NameToCrc(name));
     return StatusDone;
 }

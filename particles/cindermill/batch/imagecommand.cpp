@@ -39,7 +39,7 @@ int TImageCommand::Run(TBatchSession& session, TArguments& arguments) const
             GetReadFault(in, reason);
         if (reason.IsEmpty())
             reason = "This is no sound DDS or HVT picture";
-        std::fprintf(stderr, "%s: %s\n", in, reason.Print());
+        PrintMessage(in, reason);
         return StatusErrors;
     }
     if (image.Save(out, format, reason))

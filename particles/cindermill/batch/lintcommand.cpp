@@ -104,8 +104,7 @@ bool ReadNumbers(const TString& seconds, const TString& seeds, TLintOptions& opt
 
 TLintCommand::TLintCommand()
     : TBatchCommand(
-          "lint", "[--seconds N] [--seeds N] [--suggest-box] [--budgets] [--format F] [--fail-on S] FILE...",
-          true)
+          "lint", "[--seconds N] [--seeds N] [--suggest-box] [--budgets] [--format F] [--fail-on S] FILE...")
 {
 }
 
@@ -140,6 +139,9 @@ int TLintCommand::Run(TBatchSession& session, TArguments& arguments) const
         return ReportUsage("%s", fault.Print());
     if (words.GetNames().empty())
         return ReportUsage("lint needs a file");
+    if (!words.CheckNodeTypes(session))
+        return StatusErrors;
+    session.LoadNodeTypes();
     for (int b = 0; b < BG_NUMBUDGETS; ++b)
         options.Limits.Most[b] = session.GetProject().GetLimit(static_cast<TBudget>(b));
     options.PolicyFlags =

@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/replaycommand.h"
 
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/batch/batchsession.h"
 #include "particles/cindermill/batch/effectfindings.h"
 #include "particles/cindermill/batch/findingarguments.h"
@@ -17,8 +18,10 @@ namespace {
 class TFileReplay
 {
 public:
-    TFileReplay(TBatchSession& session, const TReplayOptions& options, TFindingReport& report)
-        : Session(session), Options(options), Report(report)
+    TFileReplay(TBatchSession& session, const TReplayOptions& options, TFindingReport& report,
+                bool isOfSeveral)
+        : Session(session), Options(options), Report(report), IsOfSeveral(isOfSeveral),
+          Table(stdout, isOfSeveral)
     {
     }
     // False where something differs, or there is nothing to replay.
@@ -40,8 +43,7 @@ public:
         if (scheduled)
             return Compare(document, path, findings);
         findings.AddErrors("schedule.error", errors);
-        if (Report.IsText())
-            PrintErrors(BR_SCHEDULEFAILED, errors);
+        TellErrors(path, BR_SCHEDULEFAILED, errors);
         return false;
     }
 
@@ -56,26 +58,42 @@ private:
             replayed = comparison.Run(Options, errors);
         }
         findings.AddErrors(replayed ? "export.warning" : "export.error", errors);
-        if (Report.IsText())
-            PrintErrors(replayed ? BR_DONE : BR_EXPORTFAILED, errors);
+        TellErrors(path, replayed ? BR_DONE : BR_EXPORTFAILED, errors);
         if (!replayed)
             return false;
         if (Report.IsText())
-            PrintText(comparison.GetReport());
+            PrintText(path, comparison.GetReport());
         AddReplayFindings(document, path, comparison.GetReport(), Report);
         return errors.empty() && comparison.GetReport().GetDifferences().empty();
     }
-    static void PrintText(const TReplayReport& replay)
+    void TellErrors(const char* path, TBatchResult result, const TErrorList& errors) const
     {
-        TReplayTable(stdout).Write(replay);
+        if (!Report.IsText() || errors.empty())
+            return;
+        if (IsOfSeveral)
+            std::fprintf(stderr, "%s: ", OneLineText(path).Print());
+        PrintErrors(result, errors);
+    }
+    void PrintText(const char* path, const TReplayReport& replay)
+    {
+        Table.Write(replay, path);
         for (const TReplayNote& note : replay.GetNotes())
-            std::fprintf(stderr, "%s\n", note.Text.Print());
-        std::fprintf(stderr, "%s\n", replay.GetSummary().Print());
+            PrintNote(path, note.Text);
+        PrintNote(path, replay.GetSummary());
+    }
+    void PrintNote(const char* path, const TString& text) const
+    {
+        if (IsOfSeveral)
+            PrintMessage(path, text);
+        else
+            std::fprintf(stderr, "%s\n", OneLineText(text).Print());
     }
 
     TBatchSession& Session;
     const TReplayOptions& Options;
     TFindingReport& Report;
+    const bool IsOfSeveral;
+    TReplayTable Table;
 };
 
 // False with a sentence that tells what is wrong.
@@ -104,8 +122,9 @@ const char* TReplayCommand::GetHelp() const
     return "Exports the effect in memory, runs the file's bytes as the console would beside the preview, "
            "and\n"
            "prints the first difference of each group, attribute and kind, as comma-separated values. What\n"
-           "cannot be replayed is told on the standard error. As text it takes one file; otherwise a folder\n"
-           "stands for all effects below it, and a pattern for the files that it fits.\n"
+           "cannot be replayed is told on the standard error. A folder stands for all effects below it, and "
+           "a\n"
+           "pattern for the files that it fits; where there may be several, rows and notes name theirs.\n"
            "\n"
            "  --frames N            as many frames; unless told as many as the longest life needs and 50 "
            "more,\n"
@@ -130,16 +149,14 @@ int TReplayCommand::Run(TBatchSession& session, TArguments& arguments) const
         return ReportUsage("%s", fault.Print());
     if (words.GetNames().empty())
         return ReportUsage("replay needs a file");
-    if (words.IsText() && words.GetNames().size() > 1)
-        return ReportUsage("replay takes one file");
+    if (!words.CheckNodeTypes(session))
+        return StatusErrors;
     TFindingReport report(Name, session.GetProject());
     words.Prepare(report, session);
     vector<TString> files;
-    if (words.IsText())
-        files.push_back(words.GetNames()[0]);
-    else
-        words.GetFiles(files);
-    TFileReplay replay(session, options, report);
+    words.GetFiles(files);
+    const bool isOfSeveral = files.size() != 1 || files[0].Compare(words.GetNames()[0], true) != 0;
+    TFileReplay replay(session, options, report, isOfSeveral);
     bool isEqual = true;
     for (const TString& file : files)
         isEqual = replay.ReplayFile(file) && isEqual;

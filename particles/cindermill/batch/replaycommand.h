@@ -8,5 +8,6 @@ class TReplayCommand final : public TBatchCommand
 public:
     TReplayCommand();
     const char* GetHelp() const override;
+    bool TellsOfNodeTypes() const override { return true; }
     int Run(TBatchSession& session, TArguments& arguments) const override;
 };

@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/replaytable.h"
 
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/effectnode.h"
 #include "particles/effectgraph/nodetype.h"
@@ -15,25 +16,40 @@ void WriteTableNumber(std::FILE* out, double value)
         std::fprintf(out, "%.9g", value);
 }
 
-void TReplayTable::Write(const TReplayReport& report)
+void TReplayTable::WriteHeader()
 {
+    if (HasHeader)
+        return;
+    HasHeader = true;
     std::fputs(
-        "frame,time,group,particle,global,attribute,name,type,component,kind,preview,replay,times,worst,"
-        "node\n",
+        "frame,time,group,particle,global,attribute,name,type,component,kind,preview,replay,times,worst,node",
         Out);
-    for (const TReplayDifference& difference : report.GetDifferences())
-        WriteDifference(difference);
+    std::fputs(IsOfSeveral ? ",file\n" : "\n", Out);
 }
 
-// In quotes where it would not be one field otherwise.
-void TReplayTable::WriteText(const TString& text)
+void TReplayTable::Write(const TReplayReport& report, const char* file)
 {
-    if (std::strpbrk(text.Print(), ",\"\r\n") == nullptr) {
-        std::fputs(text.Print(), Out);
+    WriteHeader();
+    for (const TReplayDifference& difference : report.GetDifferences()) {
+        WriteDifference(difference);
+        if (IsOfSeveral) {
+            std::fputc(',', Out);
+            WriteText(file);
+        }
+        std::fputc('\n', Out);
+    }
+}
+
+// In quotes where it would not be one field otherwise; a row stays one line.
+void TReplayTable::WriteText(const char* text)
+{
+    const TString line = OneLineText(text);
+    if (std::strpbrk(line.Print(), ",\"") == nullptr) {
+        std::fputs(line.Print(), Out);
         return;
     }
     std::fputc('"', Out);
-    for (const char* p = text.Print(); *p != 0; ++p) {
+    for (const char* p = line.Print(); *p != 0; ++p) {
         if (*p == '"')
             std::fputc('"', Out);
         std::fputc(*p, Out);
@@ -59,5 +75,4 @@ void TReplayTable::WriteDifference(const TReplayDifference& difference)
     std::fputc(',', Out);
     if (place.Node != nullptr)
         WriteText(place.Node->GetNodeType()->Name);
-    std::fputc('\n', Out);
 }

@@ -11,14 +11,18 @@ struct TReplayDifference;
 class TReplayTable
 {
 public:
-    explicit TReplayTable(std::FILE* out) : Out(out) {}
-    void Write(const TReplayReport& report);
+    // Where the table is of several files, each row ends with its own.
+    TReplayTable(std::FILE* out, bool isOfSeveral) : Out(out), IsOfSeveral(isOfSeveral) {}
+    void Write(const TReplayReport& report, const char* file);
 
 private:
+    void WriteHeader();
     void WriteDifference(const TReplayDifference& difference);
-    void WriteText(const TString& text);
+    void WriteText(const char* text);
 
     std::FILE* Out;
+    const bool IsOfSeveral;
+    bool HasHeader = false;
 };
 
 // A number as a table holds it: what is none as "nan", without a sign.

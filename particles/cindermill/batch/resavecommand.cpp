@@ -28,6 +28,6 @@ int TResaveCommand::Run(TBatchSession& session, TArguments& arguments) const
         std::fprintf(stderr, "%s: The file cannot be written: %s\n", out,
                      document.GetChunks().File.GetFault().Print());
     else
-        std::fprintf(stderr, "%s: %s\n", out, reason.Print());
+        PrintMessage(out, reason);
     return StatusErrors;
 }

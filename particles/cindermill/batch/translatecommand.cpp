@@ -52,7 +52,7 @@ int TTranslateCommand::Run(TBatchSession& session, TArguments& arguments) const
         shader = TQdxShader::LoadShaderFile(path);
     }
     if (shader == nullptr) {
-        std::fprintf(stderr, "%s: %s\n", path, reason.IsEmpty() ? "The file cannot be read" : reason.Print());
+        PrintMessage(path, reason.IsEmpty() ? "The file cannot be read" : reason.Print());
         return StatusErrors;
     }
     TString text;

@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/typescommand.h"
 
+#include "library/containers/shortentext.h"
 #include "library/system/path.h"
 #include "particles/cindermill/batch/batchsession.h"
 #include "particles/cindermill/batch/findingarguments.h"
@@ -11,7 +12,7 @@ namespace {
 
 void PrintPorts(const char* name, int type, bool& first)
 {
-    std::printf("%s%s:%s", first ? "" : ", ", name, GetTypeName(type));
+    std::printf("%s%s:%s", first ? "" : ", ", OneLineText(name).Print(), GetTypeName(type));
     first = false;
 }
 
@@ -19,7 +20,8 @@ void PrintTypes(const TNodeTypeLibrary& library)
 {
     for (int i = 0; i < library.GetNumTypes(); ++i) {
         const TNodeType& type = *library.GetType(i);
-        std::printf("%s\t%s\t%s\t", type.Name.Print(), GetUsageName(type.Category), type.ClassName.Print());
+        std::printf("%s\t%s\t%s\t", OneLineText(type.Name).Print(), GetUsageName(type.Category),
+                    OneLineText(type.ClassName).Print());
         bool first = true;
         for (int p = 0; p < type.GetNumInputs(); ++p)
             PrintPorts(type.GetInput(p)->Name.Print(), type.GetBasicInputType(p), first);
@@ -46,20 +48,6 @@ public:
     TTypesReport(const TFindingJudge& judge, const TNodeTypeLibrary& library)
         : TFindingReport("types", judge), Library(library)
     {
-    }
-    void AddErrors(const TErrorList& errors, const char* directory)
-    {
-        TString shown;
-        ToShownPath(directory, shown);
-        AddFile(shown);
-        for (const TError* error : errors) {
-            TString path;
-            const TFileError* ofFile = dynamic_cast<const TFileError*>(error);
-            ToShownPath(ofFile != nullptr ? ofFile->GetFileName().Print() : shown.Print(), path);
-            TFinding finding = MakeFinding("type.error", path, error->GetMessage());
-            finding.Line = ofFile != nullptr ? ofFile->GetLine() : 0;
-            Add(finding);
-        }
     }
     void WriteFacts(TJsonText& json) const override
     {
@@ -118,11 +106,13 @@ int TTypesCommand::Run(TBatchSession& session, TArguments& arguments) const
         return ReportUsage("%s", fault.Print());
     if (!words.GetNames().empty())
         return ReportUsage("types takes no arguments");
+    if (!words.CheckNodeTypes(session))
+        return StatusErrors;
     const TNodeTypeLibrary& library = session.GetApp().GetNodeTypes();
     TTypesReport report(session.GetProject(), library);
     words.Prepare(report, session);
     session.ReadNodeTypes();
-    report.AddErrors(session.GetNodeTypeErrors(), session.GetNodeTypesPath());
+    AddNodeTypeFindings(session, report);
     if (words.IsText()) {
         PrintLines(session.GetNodeTypeErrors());
         PrintTypes(library);

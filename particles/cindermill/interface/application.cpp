@@ -9,6 +9,7 @@
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/errordialog.h"
 #include "particles/cindermill/interface/graphwindow.h"
+#include "particles/cindermill/interface/options/filepropertiesdialog.h"
 #include "particles/cindermill/interface/options/optionsdialog.h"
 #include "particles/cindermill/interface/particles/displays.h"
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
@@ -18,7 +19,6 @@
 namespace {
 
 constexpr int ModifiedFilesDialog = 110;
-constexpr int FilePropertiesDialog = 116;
 constexpr int RecoveryDialog = 130;
 
 vector<TFileFilter> ToFileFilters(const vector<TPathFilter>& filters)
@@ -48,6 +48,7 @@ TApplication::TApplication() : App(OpenSettingsStore(), this), Places(OpenPlaces
     RegisterDisplayClasses();
     RegisterControlClasses();
     App.GetResourceLocator().SetHost(&ResourceDialog);
+    App.GetSharedClipboard().SetExchange(&Exchange);
 }
 
 TApplication::~TApplication()
@@ -202,9 +203,11 @@ TRecoveryAnswer TApplication::AskRecovery(const vector<TString>& effects)
     }
 }
 
-void TApplication::ShowProperties(const char* text)
+void TApplication::ShowProperties(TDocument& document, const char* text)
 {
-    TextDialog(FilePropertiesDialog, "File Properties", text);
+    TFilePropertiesDialog dialog(document, text);
+    if (TToolNode* node = dialog.Run(MainWindow.Get()))
+        static_cast<TDocumentWindows*>(document.GetHost())->ShowNode(*node);
 }
 
 void TApplication::ShowOptions()

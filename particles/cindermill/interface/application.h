@@ -6,6 +6,7 @@
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/mainwindow.h"
 #include "particles/cindermill/interface/resourcedialog.h"
+#include "particles/cindermill/interface/systemexchange.h"
 #include "particles/cindermill/interface/windowplaces.h"
 #include "particles/cindermill/main/apphost.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -39,7 +40,7 @@ public:
     bool ChooseFolder(const char* title, TString& path) override;
     TModifiedAnswer AskModifiedFiles(const vector<TString>& names) override;
     TRecoveryAnswer AskRecovery(const vector<TString>& effects) override;
-    void ShowProperties(const char* text) override;
+    void ShowProperties(TDocument& document, const char* text) override;
     void ShowOptions() override;
     void Beep() override;
     void RebuildRecentFiles(const vector<TString>& files) override;
@@ -60,6 +61,7 @@ private:
 
     static constexpr int NumNodeBitmaps = 4;
 
+    TSystemExchange Exchange;
     TCindermillApp App;
     TWindowPlaces Places;
     TResourceDialog ResourceDialog;

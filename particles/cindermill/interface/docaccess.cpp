@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/docaccess.h"
 
+#include "library/containers/append.h"
 #include "library/maths/scalar.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
@@ -8,6 +9,7 @@
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/interface/panelaccess.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/nodetypelibrary.h"
@@ -16,6 +18,8 @@ namespace {
 
 // Around the middle of a port.
 constexpr int PortSize = 12;
+// At the top right.
+constexpr float OpenerSize = 14.0f;
 
 void Place(TAccessibleItem& item, const TGraphView& view, const TVector2& min, const TVector2& max)
 {
@@ -71,46 +75,157 @@ void TGraphAccess::ListNodes(vector<TToolNode*>& nodes) const
 
 void TGraphAccess::ListItems(vector<TAccessibleItem>& items)
 {
+    TList list{items, {}, -1};
+    Fill(list);
+}
+
+void TGraphAccess::Fill(TList& list) const
+{
     vector<TToolNode*> nodes;
     ListNodes(nodes);
-    const vector<TToolNode*>& selection = Window.GetDocument().GetSelection();
-    for (TToolNode* node : nodes) {
+    for (TToolNode* node : nodes)
+        AddNode(*node, list);
+}
+
+void TGraphAccess::Add(const TAccessibleItem& item, const TTarget& target, TList& list) const
+{
+    Append(list.Items, item);
+    Append(list.Targets, target);
+}
+
+void TGraphAccess::AddNode(TToolNode& node, TList& list) const
+{
+    TNodeObj* object = Window.GetWindows().GetScene().FindNode(&node);
+    TAccessibleItem item;
+    item.Name = node.GetNodeType()->Name;
+    item.Description = node.GetNodeType()->Description;
+    item.IsSelected = node.IsSelected();
+    item.TakesFocus = true;
+    if (object != nullptr) {
+        TVector2 min;
+        TVector2 max;
+        object->GetRectangle(min, max);
+        Place(item, Window.GetGraph().GetView(), min, max);
+    }
+    list.Node = list.Items.size();
+    Add(item, TTarget{GP_NODE, &node, nullptr}, list);
+    if (object == nullptr)
+        return;
+    AddPorts(*object, true, list);
+    AddPorts(*object, false, list);
+    AddSwitches(*object, list);
+    if (!object->IsCollapsed())
+        AddControls(*object, list);
+}
+
+void TGraphAccess::AddPorts(TNodeObj& object, bool inputs, TList& list) const
+{
+    const float half = PortSize / 2.0f;
+    for (int i = 0; i < object.GetNumPorts(inputs); ++i) {
         TAccessibleItem item;
-        item.Name = node->GetNodeType()->Name;
-        item.Description = node->GetNodeType()->Description;
-        item.IsSelected = selection.index_of(node) != -1;
-        if (const TNodeObj* object = Window.GetWindows().GetScene().FindNode(node)) {
-            TVector2 min;
-            TVector2 max;
-            object->GetRectangle(min, max);
-            Place(item, Window.GetGraph().GetView(), min, max);
-        }
-        items.push_back(item);
-        AddPorts(*node, true, items);
-        AddPorts(*node, false, items);
+        item.Role = AR_PORT;
+        item.Parent = list.Node;
+        item.Name.Format("%s %s", inputs ? "Input" : "Output", object.GetPort(inputs, i).GetLabel().Print());
+        item.Description = TellConnections(*object.GetToolNode(), inputs, i);
+        const TVector2 centre = object.GetPortPosition(inputs, i);
+        Place(item, Window.GetGraph().GetView(), centre - TVector2(half, half),
+              centre + TVector2(half, half));
+        Add(item, TTarget{GP_PORT, object.GetToolNode(), nullptr}, list);
     }
 }
 
-void TGraphAccess::AddPorts(TToolNode& node, bool inputs, vector<TAccessibleItem>& items) const
+void TGraphAccess::AddSwitches(TNodeObj& object, TList& list) const
 {
-    TNodeObj* object = Window.GetWindows().GetScene().FindNode(&node);
-    if (object == nullptr)
-        return;
-    int parent = items.size() - 1;
-    while (items[parent].Role == AR_PORT)
-        --parent;
-    const float half = PortSize / 2.0f;
-    for (int i = 0; i < object->GetNumPorts(inputs); ++i) {
-        TAccessibleItem item;
-        item.Role = AR_PORT;
-        item.Parent = parent;
-        item.Name.Format("%s %s", inputs ? "Input" : "Output", object->GetPort(inputs, i).GetLabel().Print());
-        item.Description = TellConnections(node, inputs, i);
-        const TVector2 centre = object->GetPortPosition(inputs, i);
-        Place(item, Window.GetGraph().GetView(), centre - TVector2(half, half),
-              centre + TVector2(half, half));
-        items.push_back(item);
+    TVector2 min;
+    TVector2 max;
+    TAccessibleItem item;
+    item.Parent = list.Node;
+    item.IsCheckable = true;
+    if (object.CanBypass()) {
+        item.Role = AR_CHECK;
+        item.Name = "Bypass";
+        item.IsChecked = object.GetToolNode()->GetNodeType()->IsBypassed();
+        object.GetBypass().GetBounds(min, max);
+        const TVector2 at = object.GetBypass().GetAbsolutePosition();
+        Place(item, Window.GetGraph().GetView(), at + min, at + max);
+        Add(item, TTarget{GP_BYPASS, object.GetToolNode(), nullptr}, list);
     }
+    if (!object.CanOpen())
+        return;
+    item.Role = AR_BUTTON;
+    item.Name = "Properties";
+    item.IsChecked = !object.IsCollapsed();
+    object.GetRectangle(min, max);
+    Place(item, Window.GetGraph().GetView(), TVector2(max[0] - OpenerSize, min[1]),
+          TVector2(max[0], min[1] + OpenerSize));
+    Add(item, TTarget{GP_OPENER, object.GetToolNode(), nullptr}, list);
+}
+
+void TGraphAccess::AddControls(TNodeObj& object, TList& list) const
+{
+    vector<TPanelControl> controls;
+    ListPanelControls(object.GetExpanded(), controls);
+    for (const TPanelControl& control : controls) {
+        TAccessibleItem item;
+        static_cast<TAccessibleTraits&>(item) = control.Traits;
+        item.Parent = list.Node;
+        TVector2 min;
+        TVector2 max;
+        control.Object->GetBounds(min, max);
+        const TVector2 at = control.Object->GetAbsolutePosition();
+        Place(item, Window.GetGraph().GetView(), at + min, at + max);
+        Add(item, TTarget{GP_CONTROL, object.GetToolNode(), control.Object}, list);
+    }
+}
+
+TGraphAccess::TTarget TGraphAccess::Find(int item) const
+{
+    vector<TAccessibleItem> items;
+    TList list{items, {}, -1};
+    Fill(list);
+    if (item < 0 || item >= items.size() || Window.GetDocument().IsInStep() ||
+        TWimp::Get().GetMouseDrag() != nullptr)
+        return TTarget();
+    return list.Targets[item];
+}
+
+// A port belongs to its node.
+void TGraphAccess::PressItem(int item)
+{
+    const TTarget target = Find(item);
+    if (target.Node == nullptr)
+        return;
+    TNodeObj* object = Window.GetWindows().GetScene().FindNode(target.Node);
+    if (target.Part == GP_NODE || target.Part == GP_PORT)
+        Select(*target.Node);
+    else if (target.Part == GP_BYPASS)
+        object->ToggleBypass();
+    else if (target.Part == GP_OPENER)
+        object->ToggleOpen(&Window.GetGraph().GetRenderer());
+    else if (!target.Control->Activate())
+        FocusItem(item);
+    Window.GetWindows().RedrawGraphs();
+}
+
+void TGraphAccess::FocusItem(int item)
+{
+    const TTarget target = Find(item);
+    if (target.Node == nullptr)
+        return;
+    Window.GetGraph().TakeFocus();
+    if (target.Control != nullptr)
+        target.Control->TakeKeys(&Window.GetGraph().GetRenderer());
+    else
+        Select(*target.Node);
+    Window.GetWindows().RedrawGraphs();
+}
+
+bool TGraphAccess::EnterItem(int item, const char* text)
+{
+    const TTarget target = Find(item);
+    const bool entered = target.Control != nullptr && target.Control->EnterValue(text);
+    Window.GetWindows().RedrawGraphs();
+    return entered;
 }
 
 void TGraphAccess::Select(TToolNode& node)
@@ -118,22 +233,10 @@ void TGraphAccess::Select(TToolNode& node)
     vector<TToolNode*> nodes;
     nodes.push_back(&node);
     Window.GetDocument().SelectNode(&node, true);
+    // Who was in a panel is at the node now.
+    TRenderObject::SetFocus(&Window.GetWindows().GetScene().GetRoot(), &Window.GetGraph().GetRenderer());
     Window.GetGraph().BringIntoSight(nodes);
     Window.GetWindows().RedrawGraphs();
-}
-
-// A port belongs to its node.
-void TGraphAccess::PressItem(int item)
-{
-    vector<TAccessibleItem> items;
-    ListItems(items);
-    vector<TToolNode*> nodes;
-    ListNodes(nodes);
-    int node = -1;
-    for (int i = 0; i <= item && i < items.size(); ++i)
-        node += items[i].Role != AR_PORT ? 1 : 0;
-    if (node >= 0 && item < items.size())
-        Select(*nodes[node]);
 }
 
 // The preview and the traces, which offer their keys to the graph, have a use of their own for these.

@@ -4,6 +4,8 @@
 #include "library/wimp/keyboardshortcut.h"
 
 class TDocWindow;
+class TNodeObj;
+class TRenderObject;
 class TToolNode;
 
 // A graph's nodes with their ports, for assistive tools.
@@ -13,14 +15,46 @@ public:
     explicit TGraphAccess(TDocWindow& window) : Window(window) {}
     void ListItems(vector<TAccessibleItem>& items) override;
     void PressItem(int item) override;
+    void FocusItem(int item) override;
+    bool EnterItem(int item, const char* text) override;
     // Selects the next or the previous node as one reads, from the left to the right, and brings it into
     // sight. Without a selection it is the first or the last one.
     bool SelectNeighbour(int direction);
     bool OnWalkKey(int direction);
 
 private:
+    enum TPart
+    {
+        GP_NODE,
+        GP_PORT,
+        GP_BYPASS,
+        GP_OPENER,
+        GP_CONTROL
+    };
+    // What an item stands for; the control is set for controls only.
+    struct TTarget
+    {
+        TPart Part = GP_NODE;
+        TToolNode* Node = nullptr;
+        TRenderObject* Control = nullptr;
+    };
+    struct TList
+    {
+        vector<TAccessibleItem>& Items;
+        vector<TTarget> Targets;
+        // The item of the node that is being listed.
+        int Node = -1;
+    };
+
     void ListNodes(vector<TToolNode*>& nodes) const;
-    void AddPorts(TToolNode& node, bool inputs, vector<TAccessibleItem>& items) const;
+    void Fill(TList& list) const;
+    void AddNode(TToolNode& node, TList& list) const;
+    void AddPorts(TNodeObj& object, bool inputs, TList& list) const;
+    void AddSwitches(TNodeObj& object, TList& list) const;
+    void AddControls(TNodeObj& object, TList& list) const;
+    void Add(const TAccessibleItem& item, const TTarget& target, TList& list) const;
+    // Without a node for an item that has gone, and where edits are to wait.
+    TTarget Find(int item) const;
     void Select(TToolNode& node);
 
     TDocWindow& Window;

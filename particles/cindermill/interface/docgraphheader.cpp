@@ -3,8 +3,8 @@
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
+#include "particles/cindermill/interface/particles/previewgroups.h"
 #include "particles/cindermill/main/document.h"
-#include "particles/effectgraph/usage.h"
 
 namespace {
 
@@ -28,22 +28,6 @@ TWindowClass& GetWindowClass()
     return windowClass;
 }
 
-TEffectNode* FindRenderNode(const TEffectSchedule& schedule, int group)
-{
-    for (int i = 0; i < schedule.GetNumTiedNodes(group); ++i) {
-        const int node = schedule.GetTiedNode(group, i);
-        if (schedule.GetNodeUsage(node) == TU_RENDER)
-            return schedule.GetNode(node);
-    }
-    return nullptr;
-}
-
-// What runs once per effect has no particles to show, and a group may have lost all its nodes to others.
-bool HasTab(const TEffectSchedule& schedule, int group)
-{
-    return !schedule.IsTriggerGroup(group) && schedule.GetNumTiedNodes(group) > 0;
-}
-
 bool AreEqual(const vector<TString>& a, const vector<TString>& b)
 {
     bool equal = a.size() == b.size();
@@ -54,44 +38,22 @@ bool AreEqual(const vector<TString>& a, const vector<TString>& b)
 
 } // namespace
 
-void GetTabNames(const TEffectSchedule& schedule, vector<TString>& names)
-{
-    names.clear();
-    names.push_back("All");
-    if (!schedule.IsCreated())
-        return;
-    for (int group = 0; group < schedule.GetNumGroups(); ++group) {
-        if (!HasTab(schedule, group))
-            continue;
-        TString name;
-        name.Format("Group %d", group);
-        if (const TEffectNode* node = FindRenderNode(schedule, group))
-            name = node->GetNodeType()->Name;
-        names.push_back(name);
-    }
-}
-
 void GetTabLabels(const TEffectSchedule& schedule, vector<TString>& labels)
 {
+    vector<int> groups;
     vector<TString> names;
-    GetTabNames(schedule, names);
-    labels = names;
-    for (int i = 1; i < names.size(); ++i) {
-        int namesakes = 0;
-        for (const TString& name : names)
-            namesakes += name.Compare(names[i]) == 0 ? 1 : 0;
-        if (namesakes > 1)
-            labels[i].Format("%s (Group %d)", names[i].Print(), GetTabGroup(schedule, i));
-    }
+    GetParticleGroups(schedule, groups, names);
+    labels.clear();
+    labels.push_back(AllGroups);
+    for (const TString& name : names)
+        labels.push_back(name);
 }
 
 int GetTabGroup(const TEffectSchedule& schedule, int tab)
 {
-    int left = tab;
-    int group = 0;
-    while (group < schedule.GetNumGroups() && (!HasTab(schedule, group) || --left > 0))
-        ++group;
-    return tab > 0 && group < schedule.GetNumGroups() ? group : -1;
+    vector<int> groups;
+    ListParticleGroups(schedule, groups);
+    return tab > 0 && tab <= groups.size() ? groups[tab - 1] : -1;
 }
 
 TDocGraphHeader::~TDocGraphHeader()
@@ -123,7 +85,6 @@ void TDocGraphHeader::OnGraphChanged()
 {
     const TEffectSchedule& schedule = DocWindow->GetDocument().GetSchedule();
     vector<TString> labels;
-    ::GetTabNames(schedule, TabNames);
     ::GetTabLabels(schedule, labels);
     if (AreEqual(labels, Strip.GetLabels()))
         return;
@@ -206,7 +167,7 @@ int TDocGraphHeader::FindTab(int x, int y) const
 void TDocGraphHeader::PressTab(int tab)
 {
     OnGraphChanged();
-    if (tab >= 0 && tab < TabNames.size())
+    if (tab >= 0 && tab < Strip.GetLabels().size())
         OnTab(tab, false);
 }
 

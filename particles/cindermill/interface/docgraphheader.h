@@ -27,7 +27,6 @@ public:
     // Whether a problem is at a node of the tab's.
     bool HasProblem(int tab) const;
 
-    const vector<TString>& GetTabNames() const { return TabNames; }
     // What the tabs show.
     const vector<TString>& GetTabLabels() const { return Strip.GetLabels(); }
     // As a click on the tab does; nothing for one that is not there.
@@ -50,13 +49,10 @@ private:
 
     TDocWindow* DocWindow = nullptr;
     bool IsRegistered = false;
-    vector<TString> TabNames;
     TTabStrip Strip;
 };
 
-// The first tab is that of all nodes, the others are those of the groups of particles.
-void GetTabNames(const TEffectSchedule& schedule, vector<TString>& names);
-// What the tabs show: their names, and where several groups have one name, the group's number as well.
+// What the tabs show. The first one is that of all nodes, the others are those of the groups of particles.
 void GetTabLabels(const TEffectSchedule& schedule, vector<TString>& labels);
 // The group of a tab; -1 for the first one, and where there is no such tab.
 int GetTabGroup(const TEffectSchedule& schedule, int tab);

@@ -1,7 +1,6 @@
 #include "particles/cindermill/interface/doctool.h"
 
 #include "particles/cindermill/interface/docwindow.h"
-#include "particles/cindermill/interface/fittedtext.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/main/cindermillapp.h"
 

@@ -48,16 +48,22 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
         document.GetPath().IsEmpty() ? nullptr : Places->FindEffect(document.GetPath());
     if (known != nullptr && !Windows.empty())
         Windows[0]->SetPlace(known->View);
-    if (known != nullptr && ParticleWindow->SetPlace(known->Display))
-        return;
     PlaceDisplay();
+    // Where there is no room but upon the graph it can be sent behind it by a click. One that comes back is
+    // what it was, and takes its place with the frame that this kind of window has.
+    if (IsDisplayBesideGraph())
+        ParticleWindow->StayOver(*Frame);
+    if (known != nullptr)
+        ParticleWindow->SetPlace(known->Display);
+}
+
+bool TDocumentWindows::IsDisplayBesideGraph() const
+{
     TWindowArea display;
     TWindowArea graph;
     ParticleWindow->GetFrameArea(display);
     Windows[0]->GetFrameArea(graph);
-    // One that hides the graph can be sent behind it by a click.
-    if (!DoAreasOverlap(display, graph))
-        ParticleWindow->StayOver(*Frame);
+    return !DoAreasOverlap(display, graph);
 }
 
 void TDocumentWindows::PlaceDisplay()
@@ -162,6 +168,8 @@ void TDocumentWindows::DeleteWindows(TDocument& document)
             app.SetActiveDocWindow(nullptr, nullptr);
     }
     ParticleWindow.Reset();
+    DisplayName = nullptr;
+    DropOtherNumbers();
     Scene.Reset();
     Document = nullptr;
 }
@@ -181,21 +189,31 @@ void TDocumentWindows::OnWait(TDocument&)
         ParticleWindow->TickUnderDialog();
 }
 
+static bool IsWithin(const TWindow* window, const TWindow& whole)
+{
+    while (window != nullptr && window != &whole)
+        window = window->GetOwner();
+    return window != nullptr;
+}
+
 bool TDocumentWindows::OwnsWindow(TWindow* window)
 {
     for (TDocWindow* view : Windows)
-        if (window == view || window == &view->GetTool() || window == &view->GetHeader() ||
-            window == &view->GetGraph())
+        if (IsWithin(window, *view))
             return true;
     return false;
 }
 
+// The map and the search hide what stands below them in the graph, and the strip belongs to it.
 void TDocumentWindows::OnDrop(TDocument&, TWindow* window, int x, int y, const char* path)
 {
     for (TDocWindow* view : Windows) {
-        if (window != &view->GetGraph())
+        if (window == &view->GetGraph())
+            view->GetGraph().OnDrop(x, y, path);
+        else if (IsWithin(window, view->GetGraph()) || IsWithin(window, view->GetProblems()))
+            TGraphWindow::TellWhereToDrop();
+        else
             continue;
-        view->GetGraph().OnDrop(x, y, path);
         return;
     }
 }
@@ -239,28 +257,74 @@ void TDocumentWindows::UpdateTitles(TDocument& document)
         Windows[i]->SetTitle(title);
     }
     ASSERT_TEXT(ParticleWindow != nullptr, "ParticleWindow != 0");
-    TString title;
-    title.Format("Effect Display - [%s%s", name.Print(), modified ? "*]" : "]");
-    NumberTitle(title);
-    ParticleWindow->SetTitle(title);
+    DisplayTitle.Format("Effect Display - [%s%s", name.Print(), modified ? "*]" : "]");
+    const bool isNew = DisplayName.Compare(name) != 0;
+    DisplayName = name;
+    if (isNew)
+        FindNumber();
+    ShowDisplayTitle();
+    if (isNew)
+        DropOtherNumbers();
+}
+
+// Of the windows of the other documents, the next one behind `i`; null for no more.
+TDocumentWindows* TDocumentWindows::FindOther(int& i) const
+{
+    const vector<TDocument*>& documents = TCindermillApp::Get().GetDocuments();
+    while (++i < documents.size()) {
+        TDocumentWindows* other = dynamic_cast<TDocumentWindows*>(documents[i]->GetHost());
+        if (other != nullptr && other != this)
+            return other;
+    }
+    return nullptr;
+}
+
+bool TDocumentWindows::IsNumberTaken(int number) const
+{
+    int i = -1;
+    while (const TDocumentWindows* other = FindOther(i))
+        if (other->DisplayNumber == number && other->DisplayName.Compare(DisplayName) == 0)
+            return true;
+    return false;
 }
 
 // Effects without a file have all the same name: the display of a later one tells which it is.
-void TDocumentWindows::NumberTitle(TString& title)
+void TDocumentWindows::FindNumber()
 {
-    ParticleTitle = title;
-    ParticleTitleNumber = 1;
-    for (bool taken = true; taken; ParticleTitleNumber += taken ? 1 : 0) {
-        taken = false;
-        for (const TDocument* document : TCindermillApp::Get().GetDocuments()) {
-            const TDocumentWindows* other = dynamic_cast<const TDocumentWindows*>(document->GetHost());
-            taken = taken ||
-                    (other != nullptr && other != this && other->ParticleTitleNumber == ParticleTitleNumber &&
-                     other->ParticleTitle.Compare(ParticleTitle) == 0);
-        }
+    DisplayNumber = 1;
+    while (IsNumberTaken(DisplayNumber))
+        ++DisplayNumber;
+}
+
+void TDocumentWindows::ShowDisplayTitle()
+{
+    if (ParticleWindow == nullptr)
+        return;
+    TString title = DisplayTitle;
+    if (DisplayNumber > 1)
+        title += TempFormat(" (%d)", DisplayNumber);
+    ParticleWindow->SetTitle(title);
+}
+
+bool TDocumentWindows::HasNamesake() const
+{
+    int i = -1;
+    while (const TDocumentWindows* other = FindOther(i))
+        if (other->DisplayName.Compare(DisplayName) == 0)
+            return true;
+    return false;
+}
+
+// The last display of a name needs none. Of several, each keeps the one by which it is known.
+void TDocumentWindows::DropOtherNumbers()
+{
+    int i = -1;
+    while (TDocumentWindows* other = FindOther(i)) {
+        if (other->DisplayNumber == 1 || other->HasNamesake())
+            continue;
+        other->DisplayNumber = 1;
+        other->ShowDisplayTitle();
     }
-    if (ParticleTitleNumber > 1)
-        title += TempFormat(" (%d)", ParticleTitleNumber);
 }
 
 void TDocumentWindows::RedrawWindows(TDocument&)
@@ -293,10 +357,26 @@ void TDocumentWindows::ProblemsChanged(TDocument& document)
 {
     if (Scene != nullptr)
         Scene->ShowProblems(document.GetProblems());
+    RefreshStrips();
+}
+
+void TDocumentWindows::AgreementChanged(TDocument&)
+{
+    RefreshStrips();
+}
+
+void TDocumentWindows::RefreshStrips()
+{
     for (TDocWindow* window : Windows) {
         window->GetProblems().Refresh();
         window->GetHeader().OnProblemsChanged();
     }
+}
+
+void TDocumentWindows::ShowNode(TToolNode& node)
+{
+    if (!Windows.empty())
+        GetActiveView().ShowNode(node);
 }
 
 void TDocumentWindows::NodeTypesGo(TDocument&)
@@ -350,6 +430,12 @@ void TDocumentWindows::EdgeScroll(TRenderer& renderer, double x, double y)
 {
     if (TGraphWindow* graph = FindGraph(renderer))
         graph->EdgeScroll(x, y);
+}
+
+void TDocumentWindows::NodeOpened(const TRenderer& renderer, const TNodeObj& node)
+{
+    if (TGraphWindow* graph = FindGraph(renderer))
+        graph->Reveal(node);
 }
 
 void TDocumentWindows::BeginDrag(TRenderer& renderer, TMouseDrag& drag)

@@ -8,7 +8,6 @@
 
 class TDocWindow;
 class TGraphWindow;
-class TParticleWindow;
 class TWindowPlaces;
 
 // The windows of one document: its views, its particle window, and the drawing of its graph, which all views
@@ -39,12 +38,14 @@ public:
     void ScheduleChanged(TDocument& document) override;
     void EngineGoes(TDocument& document) override;
     void ProblemsChanged(TDocument& document) override;
+    void AgreementChanged(TDocument& document) override;
     void NodeTypesGo(TDocument& document) override;
     void NodeTypesCame(TDocument& document) override;
 
     // The graph's render objects'.
     void RedrawGraphs() override;
     void EdgeScroll(TRenderer& renderer, double x, double y) override;
+    void NodeOpened(const TRenderer& renderer, const TNodeObj& node) override;
     void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override;
     void EndDrag(TRenderer& renderer) override;
     void ShowHelp(const char* text, const TVector2& point) override;
@@ -67,6 +68,9 @@ public:
     // The view was used last: it gets the shortcuts that are pressed in the effect's display and in traces.
     void CollectShortcuts(TDocWindow& window);
 
+    // In the view that was used last.
+    void ShowNode(TToolNode& node);
+
     // The preview draws a group alone, or all again; -1 for all.
     void ShowGroupAlone(int group);
 
@@ -79,10 +83,17 @@ public:
 
 private:
     bool AddView(TDocument& document);
+    void RefreshStrips();
     void PlaceWindows(TDocument& document);
     void PlaceDisplay();
     TDocWindow& GetActiveView() const;
-    void NumberTitle(TString& title);
+    bool IsDisplayBesideGraph() const;
+    TDocumentWindows* FindOther(int& i) const;
+    bool IsNumberTaken(int number) const;
+    bool HasNamesake() const;
+    void FindNumber();
+    void ShowDisplayTitle();
+    void DropOtherNumbers();
     TGraphWindow* FindGraph(const TRenderer& renderer) const;
 
     TWindow* Frame;
@@ -93,7 +104,9 @@ private:
     TOwner<TGraphScene> Scene;
     TOwnerList<TDocWindow> Windows;
     TOwner<TParticleWindow> ParticleWindow;
-    // The particle window's, without the number of one that another document's has too.
-    TString ParticleTitle;
-    int ParticleTitleNumber = 1;
+    // The particle window's, without its number, and the effect's name in it.
+    TString DisplayTitle;
+    TString DisplayName;
+    // From 2 on it is shown: another document's display had the name already.
+    int DisplayNumber = 1;
 };

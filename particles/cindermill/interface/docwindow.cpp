@@ -222,6 +222,16 @@ void TDocWindow::FocusGroup(int group)
         Graph.Focus(nodes, false);
 }
 
+void TDocWindow::ShowNode(TToolNode& node)
+{
+    Activate();
+    Document->SelectNode(&node, true);
+    vector<TToolNode*> nodes;
+    nodes.push_back(&node);
+    Graph.TakeFocus();
+    Graph.Focus(nodes, true);
+}
+
 void TDocWindow::FocusAll(bool animate)
 {
     const TEffectGraph& graph = *Document->GetGraph();

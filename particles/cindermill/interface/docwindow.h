@@ -37,6 +37,8 @@ public:
     void FocusAll(bool animate);
     // At once, of the schedule.
     void FocusGroup(int group);
+    // Selects the node and glides to it.
+    void ShowNode(TToolNode& node);
 
     // This view becomes the application's active one.
     void Activate();

@@ -2,6 +2,7 @@
 
 #include "library/wimp/menu.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/controls/fieldwalk.h"
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
@@ -31,7 +32,9 @@ enum TActionId
     GA_DISTRIBUTEDOWN,
     GA_TIDY,
     GA_MINIMAP,
-    GA_ALIGNMENU
+    GA_ALIGNMENU,
+    GA_OPENPANEL,
+    GA_END
 };
 
 // An entry without a text separates; those of a popup follow its own.
@@ -48,6 +51,7 @@ constexpr TGraphAction GraphActions[] = {
     {GA_ADDNODE, KEY_TAB, "Add Node...\tTab", false},
     {GA_FINDNODE, 'G' | SM_CTRL, "Find Node...\tCtrl+G", false},
     {0, 0, nullptr, false},
+    {GA_OPENPANEL, KEY_RETURN, "Open or Close Panel\tReturn", false},
     {GA_DUPLICATE, 'D' | SM_CTRL, "Duplicate\tCtrl+D", false},
     {GA_BYPASS, 'B' | SM_CTRL, "Bypass\tCtrl+B", false},
     {GA_TAKEOUT, 'E' | SM_CTRL, "Take Out of Wires\tCtrl+E", false},
@@ -77,8 +81,8 @@ const TGraphAction* FindActionOfKey(int key)
 bool IsFieldKey(int key)
 {
     const int plain = key & 0xFFFF;
-    return plain == KEY_TAB || plain == KEY_LEFT || plain == KEY_RIGHT || plain == KEY_UP ||
-           plain == KEY_DOWN;
+    return plain == KEY_TAB || plain == KEY_RETURN || plain == KEY_LEFT || plain == KEY_RIGHT ||
+           plain == KEY_UP || plain == KEY_DOWN;
 }
 
 } // namespace
@@ -108,18 +112,91 @@ void TGraphActions::FillMenu(TMenu& menu)
 {
     TMenu* popup = nullptr;
     for (const TGraphAction& action : GraphActions) {
-        if (action.Text == nullptr)
+        if (action.Text == nullptr && menu.GetNumItems() > 0)
             menu.AddSeparator();
-        else if (action.Id == GA_ALIGNMENU)
+        if (action.Text == nullptr)
+            continue;
+        if (action.Id == GA_ALIGNMENU)
             popup = &menu.AddPopup(action.Text, action.Id);
         else
             (action.InPopup ? *popup : menu).AddItem(action.Id, action.Text);
     }
 }
 
+void TGraphActions::EnableEntries(TMenu& menu, TToolNode& node) const
+{
+    vector<TToolNode*> nodes;
+    if (node.IsSelected())
+        nodes = GetDocument().GetSelection();
+    else
+        nodes.push_back(&node);
+    for (const TGraphAction& action : GraphActions)
+        if (action.Text != nullptr)
+            menu.EnableItem(action.Id, IsUseful(action.Id, nodes));
+    if (GetDocument().GetGraph()->GetNumNodes() < 2)
+        menu.EnableItem(GA_TIDY, false);
+}
+
+void TGraphActions::ShowEntries(TMenu& menu, TGraphActions* actions, bool shown)
+{
+    const vector<TToolNode*> none;
+    const vector<TToolNode*>& nodes = actions != nullptr ? actions->GetDocument().GetSelection() : none;
+    const int numNodes = actions != nullptr ? actions->GetDocument().GetGraph()->GetNumNodes() : 0;
+    for (const TGraphAction& action : GraphActions) {
+        if (action.Text == nullptr)
+            continue;
+        bool isUseful = actions != nullptr;
+        if (action.Id == GA_FINDNODE)
+            isUseful = numNodes > 0;
+        else if (action.Id == GA_TIDY)
+            isUseful = numNodes > 1;
+        else if (action.Id != GA_ADDNODE && action.Id != GA_MINIMAP)
+            isUseful = !nodes.empty() && IsUseful(action.Id, nodes);
+        menu.EnableItem(action.Id, !shown || isUseful);
+    }
+    menu.CheckItem(GA_MINIMAP, actions != nullptr && actions->Graph.GetMinimap().IsShown());
+}
+
+bool TGraphActions::IsEntry(int id)
+{
+    return id >= GA_FIRST && id < GA_END;
+}
+
+void TGraphActions::OnMainMenu(int id)
+{
+    IsInMainMenu = true;
+    Do(id);
+    IsInMainMenu = false;
+}
+
+bool TGraphActions::IsUseful(int id, const vector<TToolNode*>& nodes)
+{
+    switch (id) {
+    case GA_BYPASS:
+        return CanBypassAny(nodes);
+    case GA_TAKEOUT:
+        return IsAnyWired(nodes);
+    case GA_UPSTREAM:
+        return CanReachMore(nodes, WD_UPSTREAM);
+    case GA_DOWNSTREAM:
+        return CanReachMore(nodes, WD_DOWNSTREAM);
+    case GA_ALIGNMENU:
+    case GA_ALIGNLEFT:
+    case GA_ALIGNRIGHT:
+    case GA_ALIGNTOP:
+    case GA_ALIGNBOTTOM:
+        return nodes.size() >= 2;
+    case GA_DISTRIBUTEACROSS:
+    case GA_DISTRIBUTEDOWN:
+        return nodes.size() >= 3;
+    default:
+        return true;
+    }
+}
+
 bool TGraphActions::OnMenu(int id, TToolNode* node)
 {
-    if (id < GA_FIRST || id >= GA_ALIGNMENU)
+    if (!IsEntry(id))
         return false;
     if (node != nullptr && !node->IsSelected())
         GetDocument().SelectNode(node, true);
@@ -188,6 +265,9 @@ bool TGraphActions::DoToSelection(int id, bool& done)
     case GA_TAKEOUT:
         done = TakeSelectionOut(GetDocument());
         return true;
+    case GA_OPENPANEL:
+        TogglePanel();
+        return true;
     case GA_UPSTREAM:
     case GA_DOWNSTREAM:
         done = SelectReached(GetDocument(), id == GA_UPSTREAM ? WD_UPSTREAM : WD_DOWNSTREAM);
@@ -207,6 +287,18 @@ bool TGraphActions::DoToSelection(int id, bool& done)
     }
 }
 
+// Of the node that was selected last. Opened, it has the keys.
+void TGraphActions::TogglePanel()
+{
+    const vector<TToolNode*>& selection = GetDocument().GetSelection();
+    TNodeObj* object = GetScene().FindNode(selection[selection.size() - 1]);
+    object->ToggleOpen(&Graph.GetRenderer());
+    if (object->IsCollapsed())
+        return;
+    if (TRenderObject* first = FindNextField(object->GetExpanded(), false))
+        first->TakeKeys(&Graph.GetRenderer());
+}
+
 // In world units; the middle of the view where the pointer is elsewhere.
 TVector2 TGraphActions::GetPointer() const
 {
@@ -215,7 +307,7 @@ TVector2 TGraphActions::GetPointer() const
     Graph.GetSize(width, height);
     const double x = Graph.GetMouseX();
     const double y = Graph.GetMouseY();
-    const bool isInside = x > 0 && y > 0 && x < width && y < height;
+    const bool isInside = !IsInMainMenu && x > 0 && y > 0 && x < width && y < height;
     return isInside ? Graph.PixelToWorld(x, y) : Graph.PixelToWorld(width * 0.5, height * 0.5);
 }
 

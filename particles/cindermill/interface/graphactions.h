@@ -21,6 +21,13 @@ public:
     void Attach(TDocWindow& docWindow);
 
     static void FillMenu(TMenu& menu);
+    // Greys the entries that would have nothing to do once the node is selected.
+    void EnableEntries(TMenu& menu, TToolNode& node) const;
+    // The same for the selection; without a view all are grey. All are active again if `shown` is not.
+    static void ShowEntries(TMenu& menu, TGraphActions* actions, bool shown);
+    // As an entry of the main menu, with the pointer wherever it is. False for an id that is none of these.
+    static bool IsEntry(int id);
+    void OnMainMenu(int id);
     // An entry of the menu of a node, which is or becomes selected; null for none. False for an id that is
     // none of these entries'.
     bool OnMenu(int id, TToolNode* node);
@@ -35,9 +42,11 @@ public:
 private:
     TDocument& GetDocument() const;
     TGraphScene& GetScene() const;
+    static bool IsUseful(int id, const vector<TToolNode*>& nodes);
     bool OnKey(int key);
     bool Do(int id);
     bool DoToSelection(int id, bool& done);
+    void TogglePanel();
     bool IsGraphFocused() const;
     TVector2 GetPointer() const;
     void SearchToAdd(const TVector2& point);
@@ -52,6 +61,8 @@ private:
     TDocWindow* DocWindow = nullptr;
     TKeyboardShortcut Shortcuts;
     TSearchPopup Search;
+    // The pointer is at the main menu.
+    bool IsInMainMenu = false;
     // What the search is for: a world point, and the wire that waits there if its node is set.
     TVector2 SearchPoint = TVector2(0, 0);
     TWireEnd SearchEnd;

@@ -110,6 +110,21 @@ void TGraphView::Frame(const TVector2& min, const TVector2& max, int width, int 
     SetCentre(centre, TVector2(zoom, zoom), width, height);
 }
 
+void TGraphView::Reveal(const TVector2& min, const TVector2& max, int width, int height)
+{
+    constexpr float Space = 8.0f;
+    const int size[2] = {width, height};
+    for (int axis = 0; axis < 2; ++axis) {
+        const float space = Space / Scale[axis];
+        const float from = min[axis] - space + Offset[axis];
+        const float beyond = max[axis] + space + Offset[axis] - static_cast<float>(size[axis]) / Scale[axis];
+        if (beyond > 0)
+            Offset[axis] -= from < beyond ? from : beyond;
+        else if (from < 0)
+            Offset[axis] -= from;
+    }
+}
+
 void TViewFocus::Start(const TGraphView& from, const TGraphView& to, int width, int height)
 {
     FocusFrom = from.GetCentre(width, height);

@@ -29,6 +29,9 @@ public:
     void SetCentre(const TVector2& centre, const TVector2& scale, int width, int height);
     // All of the box, with some space around it, and not too close.
     void Frame(const TVector2& min, const TVector2& max, int width, int height);
+    // Moves no further than it takes to have all of the box in sight, with some space around it; of one that
+    // is too large, its top and its left. The zoom stays.
+    void Reveal(const TVector2& min, const TVector2& max, int width, int height);
 
     bool operator==(const TGraphView& rhs) const = default;
 

@@ -2,7 +2,7 @@
 
 #include "library/containers/classregistry.h"
 #include "library/system/message.h"
-#include "library/wimp/menu.h"
+#include "library/wimp/accessiblecontents.h"
 #include "library/wimp/textclipboard.h"
 #include "particles/cindermill/graph/operations/rampchangepointsop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
@@ -14,8 +14,6 @@
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
-#include "particles/cindermill/interface/options/nodepropertiesdialog.h"
-#include "particles/cindermill/interface/valuemenu.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
@@ -25,10 +23,6 @@ namespace {
 
 constexpr int IconId = 101;
 constexpr TGDIColour Paper = 0xFFFFF2;
-constexpr int MenuFocusNodeGroup = 40215;
-constexpr int MenuInsertNode = 40217;
-constexpr int MenuNodeProperties = 40216;
-constexpr int MenuNodeTrace = 40218;
 
 // Shared by all drags.
 int EdgeMargin = TGraphView::ScrollMargin;
@@ -100,7 +94,7 @@ bool CanEdit()
 
 } // namespace
 
-TGraphWindow::TGraphWindow() : Shortcuts(this), Actions(*this), Minimap(*this) {}
+TGraphWindow::TGraphWindow() : Shortcuts(this), Actions(*this), Menus(*this), Minimap(*this) {}
 
 TGraphWindow::~TGraphWindow()
 {
@@ -120,6 +114,7 @@ bool TGraphWindow::Create(TDocWindow& docWindow, TWindow& owner, const TRenderer
     AddShortcuts();
     Shortcuts.Attach(this);
     Actions.Attach(docWindow);
+    Menus.Attach(docWindow);
     return true;
 }
 
@@ -137,6 +132,7 @@ void TGraphWindow::Redraw()
 {
     TWindow::Redraw();
     Minimap.Redraw();
+    IsChanged = true;
 }
 
 void TGraphWindow::AddShortcuts()
@@ -317,7 +313,7 @@ bool TGraphWindow::OnMessage(const TMessage& message)
         OnRightUp(message);
         return true;
     case MT_KEYDOWN:
-        return message.Key == KEY_ESCAPE && OnEscape();
+        return message.Key == KEY_MENU ? Menus.OpenByKey() : message.Key == KEY_ESCAPE && OnEscape();
     case MT_SIZE:
         Minimap.Place();
         return false;
@@ -383,76 +379,17 @@ void TGraphWindow::OnRightUp(const TMessage& message)
     // Beside a running drag the button does nothing.
     const bool isClick = !DraggedFar && TWimp::Get().GetMouseDrag() == nullptr;
     DraggedFar = false;
-    if (isClick && OpenValueMenu(message))
-        return;
-    TNodeObj* object = isClick ? GetScene().NodeAt(PixelToWorld(message.X, message.Y)) : nullptr;
-    if (object == nullptr)
-        return;
-    ContextNode = object->GetToolNode();
-    TMenu menu;
-    FillContextMenu(menu);
-    // What was chosen has been done when this returns.
-    const TWindowHandle handle = GetHandle();
-    menu.Track(*this, message.GetPixelX(), message.GetPixelY());
-    if (TWindow::Find(handle) == this)
-        ContextNode = nullptr;
-}
-
-bool TGraphWindow::OpenValueMenu(const TMessage& message)
-{
-    // What is being typed is a part of the value.
-    TTextEdit::EndFocusedInput();
-    ContextPoint = PixelToWorld(message.X, message.Y);
-    const TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), ContextPoint);
-    if (controls == nullptr)
-        return false;
-    TMenu menu;
-    FillValueMenu(menu, *controls);
-    menu.Track(*this, message.GetPixelX(), message.GetPixelY());
-    return true;
-}
-
-// While the menu was open the controls may have been made anew.
-bool TGraphWindow::OnValueCommand(int id)
-{
-    TNodeParameterControls* controls = FindControlsAt(GetScene().GetRoot(), ContextPoint);
-    return controls != nullptr && DoValueCommand(id, *controls);
-}
-
-void TGraphWindow::FillContextMenu(TMenu& menu)
-{
-    menu.AddItem(MenuFocusNodeGroup, "Focus Node Group");
-    menu.AddItem(MenuInsertNode, "Insert Node...");
-    menu.EnableItem(MenuFocusNodeGroup, false);
-    menu.EnableItem(MenuInsertNode, false);
-    menu.AddItem(MenuNodeProperties, "Node Properties...");
-    menu.AddItem(MenuNodeTrace, "Node Output Trace...");
-    TGraphActions::FillMenu(menu);
+    const TVector2 point = PixelToWorld(message.X, message.Y);
+    if (isClick)
+        Menus.Open(point);
 }
 
 void TGraphWindow::OnCommand(TWimpControl* control, intptr_t argument, int code)
 {
-    if (code != CC_MENU) {
+    if (code == CC_MENU)
+        Menus.OnCommand(static_cast<int>(argument));
+    else
         TWindow::OnCommand(control, argument, code);
-        return;
-    }
-    if (OnValueCommand(static_cast<int>(argument)))
-        return;
-    TToolNode* node = ContextNode;
-    ContextNode = nullptr;
-    if (Actions.OnMenu(static_cast<int>(argument), node))
-        return;
-    // The first two entries do nothing yet.
-    if (argument == MenuNodeProperties && node != nullptr)
-        ShowProperties(*node);
-    else if (argument == MenuNodeTrace && node != nullptr)
-        DocWindow->GetWindows().OpenTrace(*node, *DocWindow);
-}
-
-void TGraphWindow::ShowProperties(TToolNode& node)
-{
-    TNodePropertiesDialog dialog(GetDocument(), node, TCindermillApp::Get().GetNodeTypes());
-    dialog.Run(nullptr);
 }
 
 void TGraphWindow::HideHelp()
@@ -708,8 +645,25 @@ void TGraphWindow::BringIntoSight(const vector<TToolNode*>& nodes)
     SetView(view);
 }
 
+void TGraphWindow::Reveal(const TNodeObj& node)
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    TVector2 min;
+    TVector2 max;
+    node.GetRectangle(min, max);
+    TGraphView view = GetView();
+    view.Reveal(min, max, width, height);
+    if (!(view == GetView()))
+        ViewFocus.Start(GetView(), view, width, height);
+}
+
 void TGraphWindow::OnIdle()
 {
+    if (IsChanged && GetAccessible() != nullptr)
+        GetAccessible()->TellChanges(*this);
+    IsChanged = false;
     if (!ViewFocus.IsRunning())
         return;
     int width = 0;
@@ -718,6 +672,11 @@ void TGraphWindow::OnIdle()
     TGraphView view = GetView();
     ViewFocus.Step(view, width, height);
     SetView(view);
+}
+
+void TGraphWindow::TellWhereToDrop()
+{
+    ShowMessage("Drag vori file to shaper node or graph to load animation file");
 }
 
 void TGraphWindow::OnDrop(int x, int y, const char* path)
@@ -732,7 +691,7 @@ void TGraphWindow::OnDrop(int x, int y, const char* path)
     const TNodeObj* object = GetScene().NodeAt(point);
     TNodeRampParameter* ramp = object != nullptr ? FindAnimatedRamp(*object->GetToolNode()) : nullptr;
     if (ramp == nullptr) {
-        ShowMessage("Drag vori file to shaper node or graph to load animation file");
+        TellWhereToDrop();
         return;
     }
     vector<TRampPoint> curves[TNodeRampParameter::MaxDimensions];

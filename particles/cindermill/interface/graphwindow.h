@@ -8,6 +8,7 @@
 #include "particles/cindermill/interface/graph/nodeexp.h"
 #include "particles/cindermill/interface/graph/selboxrender.h"
 #include "particles/cindermill/interface/graphactions.h"
+#include "particles/cindermill/interface/graphmenus.h"
 #include "particles/cindermill/interface/graphview.h"
 #include "particles/cindermill/interface/minimap.h"
 
@@ -47,12 +48,16 @@ public:
     void Focus(const vector<TToolNode*>& nodes, bool animate);
     // Moves the view, its zoom kept, if nothing of the nodes is in sight.
     void BringIntoSight(const vector<TToolNode*>& nodes);
+    // Glides until the node is seen as a whole.
+    void Reveal(const TNodeObj& node);
     // What the delete key does here.
     void PressDelete();
     // One step of a running animation.
     void OnIdle();
     // A file dropped at a position of the screen.
     void OnDrop(int x, int y, const char* path);
+    // A file has been dropped where nothing takes it.
+    static void TellWhereToDrop();
 
     // During a drag: scrolls if the pixel lies close to an edge.
     void EdgeScroll(double x, double y);
@@ -77,12 +82,12 @@ public:
     TState GetState() const { return State; }
     bool IsFocusing() const { return ViewFocus.IsRunning(); }
     TGraphActions& GetActions() { return Actions; }
+    // Whether the object that has the focus has it in this view.
+    bool IsFocusHere(const TRenderObject& focus) const;
     TMinimap& GetMinimap() { return Minimap; }
     void Redraw() override;
     // The node whose menu is open, or null.
-    const TToolNode* GetContextNode() const { return ContextNode; }
-    // What the menu of a node holds: number 118.
-    static void FillContextMenu(TMenu& menu);
+    const TToolNode* GetContextNode() const { return Menus.GetNode(); }
 
 private:
     TDocument& GetDocument() const;
@@ -93,7 +98,6 @@ private:
     bool OnClipboardShortcut(int code);
     bool OnTextShortcut(TTextEdit& edit, int code);
     bool OnRampShortcut(TRamp& ramp, int code);
-    bool IsFocusHere(const TRenderObject& focus) const;
     TTextEdit* GetTextEdit() const;
     void UpdatePointer();
     void OnFocus();
@@ -101,11 +105,6 @@ private:
     bool GetBox(const vector<TToolNode*>& nodes, TVector2& min, TVector2& max) const;
     void OnLeftDown(const TMessage& message);
     void OnRightUp(const TMessage& message);
-    // The menu of the controls under the pointer; false for none.
-    bool OpenValueMenu(const TMessage& message);
-    bool OnValueCommand(int id);
-    // The Node Properties dialog.
-    void ShowProperties(TToolNode& node);
     bool OnEscape();
     void OnWheel(const TMessage& message);
     void ShowView(const TGraphView& view);
@@ -130,12 +129,11 @@ private:
     // What the pointer has its shape from. Only compared: it may have gone.
     const TRenderObject* PointerObject = nullptr;
     TVector2 GhostPosition = TVector2(0, 0);
-    // The node of the open context menu.
-    TToolNode* ContextNode = nullptr;
-    // Where the last menu was asked for, in world units.
-    TVector2 ContextPoint = TVector2(0, 0);
     TKeyboardShortcut Shortcuts;
     TGraphActions Actions;
+    TGraphMenus Menus;
     TMinimap Minimap;
+    // Something was drawn anew that assistive tools may want to hear of.
+    bool IsChanged = false;
     TViewFocus ViewFocus;
 };

@@ -1,6 +1,8 @@
 #include "particles/cindermill/interface/mainwindow.h"
 
 #include "library/system/path.h"
+#include "particles/cindermill/interface/controls/textedit.h"
+#include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
 namespace {
@@ -68,6 +70,13 @@ TWindowClass& GetMainWindowClass()
 
 } // namespace
 
+// Of the view that was used last; null for none.
+static TGraphActions* GetGraphActions()
+{
+    TDocWindow* view = TCindermillApp::Get().GetActiveDocWindow();
+    return view != nullptr ? &view->GetGraph().GetActions() : nullptr;
+}
+
 bool TMainWindow::Create()
 {
     TWindowClass& windowClass = GetMainWindowClass();
@@ -102,9 +111,36 @@ bool TMainWindow::Create()
 void TMainWindow::BuildMenus()
 {
     AddLines(Menu.AddPopup("File"), FileMenu);
-    AddLines(Menu.AddPopup("Edit"), EditMenu);
+    TMenu& edit = Menu.AddPopup("Edit");
+    AddLines(edit, EditMenu);
+    edit.SetOnShow([](TMenu& menu, bool shown,
+                      void* context) { static_cast<TMainWindow*>(context)->OnEditMenu(menu, shown); },
+                   this);
     AddLines(Menu.AddPopup("Tools"), ToolsMenu);
     AddLines(Menu.AddPopup("Window"), WindowMenu);
+    TMenu& graph = Menu.AddPopup("Graph");
+    TGraphActions::FillMenu(graph);
+    graph.SetOnShow(
+        [](TMenu& menu, bool shown, void*) { TGraphActions::ShowEntries(menu, GetGraphActions(), shown); },
+        nullptr);
+}
+
+// As long as it is seen, the menu shows what has something to do. Then all entries take what comes by other
+// ways than the menu, and say themselves why nothing happens.
+void TMainWindow::OnEditMenu(TMenu& menu, bool shown)
+{
+    for (const TMenuLine& line : EditMenu)
+        if (line.Text != nullptr)
+            menu.EnableItem(line.Id, !shown || IsUseful(line.Id));
+}
+
+// What is being typed is entered by an undo, and so can be undone.
+bool TMainWindow::IsUseful(int id) const
+{
+    const TTextEdit* edit = TTextEdit::GetFocused();
+    if (id == MI_UNDO && App.GetActiveDocument() != nullptr && edit != nullptr && edit->IsEdited())
+        return true;
+    return App.GetIdleReason(id) == nullptr;
 }
 
 // They work with no document open; the graph views have their own.
@@ -148,7 +184,10 @@ bool TMainWindow::OnMessage(const TMessage& message)
 
 void TMainWindow::OnCommand(TWimpControl*, intptr_t argument, int code)
 {
-    if (code == CC_MENU) {
+    if (code == CC_MENU && TGraphActions::IsEntry(static_cast<int>(argument))) {
+        if (TGraphActions* actions = GetGraphActions())
+            actions->OnMainMenu(static_cast<int>(argument));
+    } else if (code == CC_MENU) {
         App.OnMenu(static_cast<int>(argument));
     } else if (code == CC_BUTTON) {
         StartPage.OnEntry(static_cast<int>(argument));

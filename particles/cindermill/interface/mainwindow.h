@@ -26,6 +26,8 @@ public:
 
 private:
     void BuildMenus();
+    void OnEditMenu(TMenu& menu, bool shown);
+    bool IsUseful(int id) const;
     void AddShortcuts();
 
     TCindermillApp& App;

@@ -3,7 +3,6 @@
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
-#include "particles/cindermill/interface/fittedtext.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/main/document.h"

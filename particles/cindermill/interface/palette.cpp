@@ -1,6 +1,6 @@
 #include "particles/cindermill/interface/palette.h"
 
-#include "particles/cindermill/interface/graph/searchlist.h"
+#include "particles/cindermill/interface/graph/nodesearch.h"
 #include "particles/effectgraph/nodetypelibrary.h"
 
 void TPalette::Open(const TNodeTypeLibrary& library)
@@ -37,15 +37,11 @@ bool TPalette::IsWanted(int item, const TString& folder) const
     if (Filter.IsEmpty())
         return true;
     const TNodeTypeItem& entry = Library->GetItem(item);
-    if (entry.TypeIndex != -1) {
-        TSearchEntry type;
-        type.Name = Library->GetType(entry.TypeIndex)->Name;
-        type.Folder = folder;
-        type.Help = Library->GetType(entry.TypeIndex)->Description;
-        return IsFound(Filter.Print(), type);
-    }
+    if (entry.TypeIndex != -1)
+        return IsFound(Filter.Print(), GetTypeEntry(*Library->GetType(entry.TypeIndex), folder));
+    const TString inner = GetInnerFolder(folder, entry.Name);
     for (const int child : entry.Children)
-        if (IsWanted(child, entry.Name))
+        if (IsWanted(child, inner))
             return true;
     return false;
 }
@@ -59,8 +55,9 @@ void TPalette::AddRow(int item, int indent, int parent, const TString& folder)
     Rows.push_back(TPaletteRow{item, entry.TypeIndex, indent, row * RowHeight, parent});
     if (entry.TypeIndex != -1 || (Filter.IsEmpty() && !IsExpanded(item)))
         return;
+    const TString inner = GetInnerFolder(folder, entry.Name);
     for (const int child : entry.Children)
-        AddRow(child, indent + IndentStep, row, entry.Name);
+        AddRow(child, indent + IndentStep, row, inner);
 }
 
 int TPalette::FindRow(int y) const

@@ -2,21 +2,37 @@
 
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/docwindow.h"
-#include "particles/cindermill/interface/fittedtext.h"
 #include "particles/cindermill/main/document.h"
 
 namespace {
 
 constexpr TGDIFont RowFont = {"Dotum", -11, 400};
 constexpr TGDIColour Paper = 0xFBE9E6;
-constexpr TGDIColour HoverColour = 0xF6D9D4;
-constexpr TGDIColour MarkColour = 0xC62828;
-constexpr TGDIColour Edge = 0xD9A39C;
+constexpr TGDIColour ProblemEdge = 0xD9A39C;
+constexpr TGDIColour CalmEdge = 0xB4BCC4;
 constexpr TGDIColour Ink = 0x202020;
 constexpr TGDIColour Faint = 0x80706E;
 constexpr int MarkSize = 8;
 constexpr int TextLeft = 24;
 constexpr int TextTop = 4;
+
+// What an entry is drawn with, by what it tells.
+struct TLook
+{
+    TGDIColour Paper;
+    TGDIColour Hover;
+    TGDIColour Mark;
+};
+constexpr int ProblemLook = 0;
+constexpr TLook Looks[] = {
+    {Paper, 0xF6D9D4, 0xC62828},    {0xE9F3E7, 0xD8EAD5, 0x2E7D32}, {0xFFF1D6, 0xFBE3B4, 0xDD7A00},
+    {0xE8EEF5, 0xD5E1EE, 0x4A78A8}, {0xEFEFEF, 0xE2E2E2, 0x808080},
+};
+
+int GetLook(TVerdictKind kind)
+{
+    return ProblemLook + 1 + (kind - VK_AGREES);
+}
 
 TWindowClass& GetWindowClass()
 {
@@ -42,7 +58,29 @@ bool TProblemStrip::Create(TDocWindow& docWindow, TWindow& owner)
 
 int TProblemStrip::GetNumEntries() const
 {
-    return DocWindow->GetDocument().GetProblems().size();
+    TDocument& document = DocWindow->GetDocument();
+    return document.GetProblems().size() + document.GetAgreement().GetLines().size();
+}
+
+// A node may have gone.
+TProblemStrip::TEntry TProblemStrip::GetEntry(int i) const
+{
+    TDocument& document = DocWindow->GetDocument();
+    const TDocumentProblems& problems = document.GetProblems();
+    TEntry entry;
+    if (i < problems.size()) {
+        entry.Text = problems[i].Text;
+        entry.Node = problems[i].Node;
+        entry.Look = ProblemLook;
+    } else {
+        const TVerdictLine& line = document.GetAgreement().GetLines()[i - problems.size()];
+        entry.Text = line.Text;
+        entry.Node = line.Node;
+        entry.Look = GetLook(line.Kind);
+    }
+    if (entry.Node != nullptr && !document.GetGraph()->Has(entry.Node))
+        entry.Node = nullptr;
+    return entry;
 }
 
 int TProblemStrip::GetWantedHeight() const
@@ -56,12 +94,6 @@ void TProblemStrip::Refresh()
     FirstRow = 0;
     Hovered = -1;
     Redraw();
-}
-
-// A problem of a node that has gone, or of none, leads nowhere.
-bool TProblemStrip::HasNode(const TProblem& problem) const
-{
-    return problem.Node != nullptr && DocWindow->GetDocument().GetGraph()->Has(problem.Node);
 }
 
 int TProblemStrip::FindEntry(int y) const
@@ -82,8 +114,7 @@ bool TProblemStrip::OnMessage(const TMessage& message)
         if (entry == Hovered)
             return true;
         Hovered = entry;
-        const bool leads = entry != -1 && HasNode(DocWindow->GetDocument().GetProblems()[entry]);
-        SetCursor(leads ? CU_FINGER : CU_CLASS);
+        SetCursor(entry != -1 && GetEntry(entry).Node != nullptr ? CU_FINGER : CU_CLASS);
         Redraw();
         return true;
     }
@@ -104,19 +135,25 @@ bool TProblemStrip::OnMessage(const TMessage& message)
 
 void TProblemStrip::OnClick(int entry)
 {
-    if (entry == -1)
-        return;
-    TDocument& document = DocWindow->GetDocument();
-    const TProblem& problem = document.GetProblems()[entry];
-    if (!HasNode(problem))
-        return;
-    TToolNode* node = static_cast<TToolNode*>(const_cast<TEffectNode*>(problem.Node));
-    DocWindow->Activate();
-    document.SelectNode(node, true);
-    vector<TToolNode*> nodes;
-    nodes.push_back(node);
-    DocWindow->GetGraph().TakeFocus();
-    DocWindow->GetGraph().Focus(nodes, true);
+    const TEffectNode* node = entry != -1 ? GetEntry(entry).Node : nullptr;
+    if (node != nullptr)
+        DocWindow->ShowNode(*static_cast<TToolNode*>(const_cast<TEffectNode*>(node)));
+}
+
+void TProblemStrip::PaintEntry(TGDIContext& context, int i, int width) const
+{
+    const TEntry entry = GetEntry(i);
+    const TLook& look = Looks[entry.Look];
+    const int top = (i - FirstRow) * RowHeight;
+    const bool leads = entry.Node != nullptr;
+    context.SetNoPen();
+    context.SetBrush(i == Hovered && leads ? look.Hover : look.Paper);
+    context.Rectangle(0, top, width, top + RowHeight);
+    context.SetBrush(look.Mark);
+    const int mark = top + (RowHeight - MarkSize) / 2;
+    context.Rectangle(MarkSize, mark, 2 * MarkSize, mark + MarkSize);
+    context.SetTextColour(leads || entry.Look != ProblemLook ? Ink : Faint);
+    context.TextOutShortened(TextLeft, top + TextTop, width - TextLeft - 8, entry.Text.Print());
 }
 
 void TProblemStrip::Paint(TGDIContext& context) const
@@ -125,28 +162,16 @@ void TProblemStrip::Paint(TGDIContext& context) const
     int height = 0;
     GetSize(width, height);
     context.SetFont(RowFont);
-    const TDocumentProblems& problems = DocWindow->GetDocument().GetProblems();
-    for (int i = FirstRow; i < problems.size(); ++i) {
-        const int top = (i - FirstRow) * RowHeight;
-        const bool leads = HasNode(problems[i]);
-        context.SetNoPen();
-        context.SetBrush(i == Hovered && leads ? HoverColour : Paper);
-        context.Rectangle(0, top, width, top + RowHeight);
-        context.SetBrush(MarkColour);
-        const int mark = top + (RowHeight - MarkSize) / 2;
-        context.Rectangle(MarkSize, mark, 2 * MarkSize, mark + MarkSize);
-        TString text;
-        FitText(RowFont, problems[i].Text.Print(), width - TextLeft - 8, text);
-        context.SetTextColour(leads ? Ink : Faint);
-        context.TextOut(TextLeft, top + TextTop, text.Print());
-    }
-    context.SetPen(Edge);
+    const int count = GetNumEntries();
+    for (int i = FirstRow; i < count; ++i)
+        PaintEntry(context, i, width);
+    context.SetPen(DocWindow->GetDocument().GetProblems().empty() ? CalmEdge : ProblemEdge);
     context.Line(0, 0, width, 0);
     const int rows = height / RowHeight;
-    if (problems.size() <= rows)
+    if (count <= rows)
         return;
     TString more;
-    more.Format("%d - %d of %d", FirstRow + 1, FirstRow + rows, problems.size());
+    more.Format("%d - %d of %d", FirstRow + 1, FirstRow + rows, count);
     int textWidth = 0;
     int textHeight = 0;
     context.GetTextExtent(more.Print(), textWidth, textHeight);

@@ -1,7 +1,7 @@
 #include "particles/cindermill/interface/searchpopup.h"
 
 #include "library/maths/scalar.h"
-#include "particles/cindermill/interface/fittedtext.h"
+#include "library/wimp/gdi/brokentext.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 
 namespace {
@@ -241,11 +241,9 @@ void TSearchPopup::PaintRow(TGDIContext& context, int match) const
     const int folderLeft = Width - Border - 12 - folderWidth;
     context.SetTextColour(Faint);
     context.TextOut(folderLeft, top + TextTop, folder.Print());
-    TString name;
-    FitText(NameFont, entry.Name.Print(), folderLeft - NameLeft - 8, name);
     context.SetFont(NameFont);
     context.SetTextColour(Ink);
-    context.TextOut(NameLeft, top + TextTop, name.Print());
+    context.TextOutShortened(NameLeft, top + TextTop, folderLeft - NameLeft - 8, entry.Name.Print());
 }
 
 // What the marked entry is for, in two lines.

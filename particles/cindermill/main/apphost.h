@@ -3,6 +3,7 @@
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
 
+class TDocument;
 class TDocWindow;
 class TDocumentHost;
 class TWindow;
@@ -56,8 +57,8 @@ public:
         (void)effects;
         return RA_LATER;
     }
-    // The File Properties dialog.
-    virtual void ShowProperties(const char* text) = 0;
+    // The File Properties dialog: the document's report, and how its preview and its export agree.
+    virtual void ShowProperties(TDocument& document, const char* text) = 0;
     // The Options dialog.
     virtual void ShowOptions() = 0;
     virtual void Beep() = 0;

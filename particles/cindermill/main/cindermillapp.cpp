@@ -53,7 +53,7 @@ TCindermillApp::TCindermillApp(TSettingsStore* store, TAppHost* host)
 TCindermillApp::~TCindermillApp()
 {
     StaticInstance = nullptr;
-    Clipboard.Clear();
+    Clipboard.GetClipboard().Clear();
 }
 
 TCindermillApp& TCindermillApp::Get()
@@ -182,10 +182,25 @@ void TCindermillApp::OnIdle()
         Host->RunTicks();
     for (int i = 0; i < Documents.size(); ++i)
         Documents[i]->OnIdle();
-    if (Host == nullptr || !Host->IsDragging())
+    if (Host == nullptr || !Host->IsDragging()) {
         Autosave.OnIdle(Documents);
+        RunComparisons();
+    }
     if (Settings.GetAutoCheckUpdate() != 0)
         ChangeNotify.Poll();
+}
+
+void TCindermillApp::RunComparisons()
+{
+    for (TDocument* document : Documents) {
+        if (document->IsInStep() || !document->GetAgreement().Run())
+            continue;
+        if (document->GetHost() != nullptr)
+            document->GetHost()->AgreementChanged(*document);
+        TString text;
+        if (document->GetAgreement().TakeStatus(text) && Host != nullptr)
+            Host->ShowStatus(text);
+    }
 }
 
 void TCindermillApp::OnWait()

@@ -3,10 +3,10 @@
 #include "library/containers/owner.h"
 #include "particles/cindermill/main/autosave.h"
 #include "particles/cindermill/main/changenotify.h"
-#include "particles/cindermill/main/clipboard.h"
 #include "particles/cindermill/main/resourcelocator.h"
 #include "particles/cindermill/main/sampleeffects.h"
 #include "particles/cindermill/main/settings.h"
+#include "particles/cindermill/main/sharedclipboard.h"
 #include "particles/cindermill/main/texturewatch.h"
 #include "particles/effectgraph/nodetypelibrary.h"
 
@@ -80,6 +80,8 @@ public:
 
     // "Cindermill v0.0 (...) Build ...".
     static void GetVersion(TString& version);
+    // True if there is no such file, or else if the user agrees.
+    static bool ConfirmOverwrite(const char* path);
 
     // One idle pass: every document's, then the change watcher's.
     void OnIdle();
@@ -123,6 +125,10 @@ public:
     void OnDropFiles(int x, int y, const vector<TString>& files);
     void AddRecentFile(const char* path);
     void CopyToClipboard(const vector<TToolNode*>& nodes);
+    // Whether there are nodes to paste now; if not, the reason is told.
+    bool PreparePaste();
+    // Why an entry of the Edit menu has nothing to do now; null if it has.
+    const char* GetIdleReason(int menuId);
     // New nodes of the document, connected as the copied ones were, not yet in its graph.
     void PasteFromClipboard(TDocument& document, vector<TToolNode*>& nodes);
 
@@ -130,7 +136,8 @@ public:
     TNodeTypeLibrary& GetNodeTypes() { return NodeTypes; }
     TResourceLocator& GetResourceLocator() { return ResourceLocator; }
     TChangeNotify& GetChangeNotify() { return ChangeNotify; }
-    TClipboard& GetClipboard() { return Clipboard; }
+    TSharedClipboard& GetSharedClipboard() { return Clipboard; }
+    TClipboard& GetClipboard() { return Clipboard.GetClipboard(); }
     TAutosave& GetAutosave() { return Autosave; }
     TSampleEffects& GetSamples() { return Samples; }
     // Without a separator at its end.
@@ -151,13 +158,14 @@ private:
     void DeleteDocument(TDocument* document);
     bool ChooseEffect(bool open, const char* title, const char* directory, TString& path);
     bool ChooseSavePlace(const TDocument& document, TString& path);
-    void TellWritten(const char* what, const char* path);
+    // The line that was told.
+    TString TellWritten(const char* what, const char* path);
     bool MakeWritable(const char* path, const char* purpose);
-    bool ConfirmOverwrite(const char* path);
     bool ConfirmChanged(const TDocument& document);
     bool IsOpenEffect(const char* path);
     bool SettleModified(const vector<TDocument*>& documents);
     void RedrawDocuments();
+    void RunComparisons();
     bool DropAnimation(int x, int y, const char* file);
 
     TAppHost* Host;
@@ -170,7 +178,7 @@ private:
     TResourceLocator ResourceLocator;
     TChangeNotify ChangeNotify;
     TTextureWatch TextureWatch;
-    TClipboard Clipboard;
+    TSharedClipboard Clipboard{NodeTypes};
     TAutosave Autosave;
     TString ProgramDirectory;
     bool HeadlessMode = false;

@@ -123,14 +123,19 @@ bool TCindermillApp::OnDocumentMenu(int id)
     TDocument* document = ActiveDocument;
     if (IsEditEntry(id))
         Host->EndInput();
-    if (const char* reason = GetNothingToDo(document, id, Clipboard.IsEmpty()))
+    // A paste tells by itself what it has found on the clipboard.
+    const bool tellsItself = id == MI_PASTE && document != nullptr;
+    const char* reason = tellsItself ? nullptr : GetIdleReason(id);
+    if (reason != nullptr)
         Host->ShowStatus(reason);
     switch (id) {
     case MI_PROPERTIES:
         if (document != nullptr) {
             TString report;
             document->GetReport(report);
-            Host->ShowProperties(report.Print());
+            if (!document->GetAgreement().IsBegun())
+                document->GetAgreement().Begin();
+            Host->ShowProperties(*document, report.Print());
         }
         return true;
     case MI_UNDO:
@@ -271,12 +276,13 @@ bool TCindermillApp::ChooseSavePlace(const TDocument& document, TString& path)
 }
 
 // With the time, as the line may be read later.
-void TCindermillApp::TellWritten(const char* what, const char* path)
+TString TCindermillApp::TellWritten(const char* what, const char* path)
 {
     TString text;
     text.Format("%s %s at %s, %u bytes", what, ShownPath(path).Print(), GetTimeOfDay().Print(),
                 GetFileSize(path));
     Host->ShowStatus(text);
+    return text;
 }
 
 void TCindermillApp::SaveActive()
@@ -409,7 +415,7 @@ void TCindermillApp::ExportActive()
         return;
     Autosave.WaitForDisc(MostDiscMilliseconds);
     if (document->Export(path))
-        TellWritten("Exported", path);
+        document->GetAgreement().BeginForFile(path, TellWritten("Exported", path));
 }
 
 void TCindermillApp::CloseDocument(TDocument* document)
@@ -501,18 +507,36 @@ void TCindermillApp::CopyToClipboard(const vector<TToolNode*>& nodes)
     Clipboard.Copy(nodes);
 }
 
+const char* TCindermillApp::GetIdleReason(int menuId)
+{
+    // Only a paste is worth the question to whoever has the clipboard.
+    const bool isEmpty = menuId == MI_PASTE && ActiveDocument != nullptr && !Clipboard.HasNodes();
+    return GetNothingToDo(ActiveDocument, menuId, isEmpty);
+}
+
+bool TCindermillApp::PreparePaste()
+{
+    const TPasteState state = Clipboard.Fetch();
+    if (state == PS_REFUSED)
+        ShowMessage("The nodes on the clipboard cannot be pasted. %s", Clipboard.GetFault().Print());
+    else if (state == PS_NOTHING && Host != nullptr)
+        Host->ShowStatus(Clipboard.GetFault().Print());
+    return state == PS_READY;
+}
+
 // The clipboard's own nodes move along, so that repeated pasting cascades.
 void TCindermillApp::PasteFromClipboard(TDocument& document, vector<TToolNode*>& nodes)
 {
     constexpr int Step = 10;
-    nodes.reserve(Clipboard.GetNodes().size());
-    for (TToolNode* source : Clipboard.GetNodes()) {
+    const TClipboard& clipboard = GetClipboard();
+    nodes.reserve(clipboard.GetNodes().size());
+    for (TToolNode* source : clipboard.GetNodes()) {
         source->MoveBy(Step, Step);
         TToolNode* node = new TToolNode;
         node->Create(&document, *source->GetNodeType(), source->GetX(), source->GetY(), false);
         nodes.push_back(node);
     }
-    for (const TClipboard::TEdge& record : Clipboard.GetEdges()) {
+    for (const TClipboard::TEdge& record : clipboard.GetEdges()) {
         TToolEdge* edge = new TToolEdge;
         edge->Connect(nodes[record.SrcNode], record.SrcPort, nodes[record.DstNode], record.DstPort);
         edge->AttachEnds();

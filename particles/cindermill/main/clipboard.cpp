@@ -14,15 +14,20 @@ void TClipboard::Clear()
     Edges.clear();
 }
 
+void TClipboard::CopyNode(const TToolNode& node)
+{
+    TToolNode* copy = new TToolNode;
+    Nodes.push_back(copy);
+    copy->Create(nullptr, *node.GetNodeType(), node.GetX(), node.GetY(), false);
+}
+
 void TClipboard::Copy(const vector<TToolNode*>& nodes)
 {
     Clear();
     TPointerMap places;
     for (const TToolNode* node : nodes) {
         places.Insert(node, Nodes.size());
-        TToolNode* copy = new TToolNode;
-        copy->Create(nullptr, *node->GetNodeType(), node->GetX(), node->GetY(), false);
-        Nodes.push_back(copy);
+        CopyNode(*node);
     }
     for (int dst = 0; dst < nodes.size(); ++dst) {
         for (int port = 0; port < nodes[dst]->GetNumInputs(); ++port) {
@@ -33,5 +38,23 @@ void TClipboard::Copy(const vector<TToolNode*>& nodes)
             if (src != -1)
                 Append(Edges, TEdge{src, edge->GetSrcPort(), dst, port});
         }
+    }
+}
+
+void TClipboard::Take(const TEffectGraph& graph)
+{
+    Clear();
+    TPointerMap places;
+    for (int i = 0; i < graph.GetNumNodes(); ++i) {
+        places.Insert(graph.GetNode(i), i);
+        CopyNode(static_cast<const TToolNode&>(*graph.GetNode(i)));
+    }
+    for (int src = 0; src < graph.GetNumNodes(); ++src) {
+        const TEffectNode& node = *graph.GetNode(src);
+        for (int port = 0; port < node.GetNumOutputs(); ++port)
+            for (int n = 0; n < node.GetNumOutputEdges(port); ++n) {
+                const TEffectEdge* edge = node.GetOutputEdge(port, n);
+                Append(Edges, TEdge{src, port, places.Find(edge->GetDstNode()), edge->GetDstPort()});
+            }
     }
 }

@@ -2,6 +2,7 @@
 
 #include "library/containers/ownerlist.h"
 
+class TEffectGraph;
 class TToolNode;
 
 // Copies of the nodes last copied or cut, and the edges between them. Owns the copies.
@@ -23,11 +24,15 @@ public:
     void Clear();
     // Replaces what it holds by copies of the nodes and the edges that run inside the selection.
     void Copy(const vector<TToolNode*>& nodes);
+    // The same of all of a graph, whose nodes are the tool's. The edges of an output keep their order.
+    void Take(const TEffectGraph& graph);
     bool IsEmpty() const { return Nodes.empty(); }
     const vector<TToolNode*>& GetNodes() const { return Nodes.Get(); }
     const vector<TEdge>& GetEdges() const { return Edges; }
 
 private:
+    void CopyNode(const TToolNode& node);
+
     TOwnerList<TToolNode> Nodes;
     vector<TEdge> Edges;
 };

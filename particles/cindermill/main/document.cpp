@@ -1,6 +1,7 @@
 #include "particles/cindermill/main/document.h"
 
 #include "library/containers/append.h"
+#include "library/containers/shortentext.h"
 #include "library/system/message.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
@@ -36,7 +37,7 @@ private:
 
 TDocument::TDocument(TCindermillApp& app, TDocumentHost* host)
     : App(app), Host(host), Services(app.GetSettings(), app.GetResourceLocator()),
-      Preview(Services, app.GetResourceLocator())
+      Preview(Services, app.GetResourceLocator()), Agreement(app, *this)
 {
     Preview.SetGoes(&TDocument::OnEngineGoes, this);
 }
@@ -46,6 +47,7 @@ TDocument::~TDocument()
     if (Host != nullptr)
         Host->DeleteWindows(*this);
     Host = nullptr;
+    Agreement.Drop();
     Preview.Clear();
     Chunks.Clear();
 }
@@ -196,11 +198,10 @@ void TDocument::OfferRefresh()
     const TStepScope step(StepDepth);
     const bool wasRunning = Preview.IsInited();
     LoadNotes.Clear();
+    BeginEdit();
     Preview.DropSchedule();
     DetachObjects();
     RefreshNodes(stale);
-    ++Revision;
-    ++NumEdits;
     vector<TChunk*> all;
     Chunks.GetChunksOfClass(TToolNode::NameID(), all);
     for (TChunk* chunk : all)
@@ -318,11 +319,18 @@ void TDocument::SetModified(bool modified)
     UpdateTitles();
 }
 
+// Before any node changes or goes.
+void TDocument::BeginEdit()
+{
+    ++Revision;
+    ++NumEdits;
+    Agreement.Drop();
+}
+
 void TDocument::ApplyOperation(TOperation* op)
 {
     const TStepScope step(StepDepth);
-    ++Revision;
-    ++NumEdits;
+    BeginEdit();
     OperationStack->Apply(*this, op);
     SetModified(true);
     ReviewProblems();
@@ -331,8 +339,7 @@ void TDocument::ApplyOperation(TOperation* op)
 void TDocument::Undo()
 {
     const TStepScope step(StepDepth);
-    ++Revision;
-    ++NumEdits;
+    BeginEdit();
     bool fits = false;
     {
         const TGraphHold hold(*this);
@@ -346,8 +353,7 @@ void TDocument::Undo()
 void TDocument::Redo()
 {
     const TStepScope step(StepDepth);
-    ++Revision;
-    ++NumEdits;
+    BeginEdit();
     bool fits = false;
     {
         const TGraphHold hold(*this);
@@ -435,7 +441,7 @@ void TDocument::CutSelection()
 
 void TDocument::Paste()
 {
-    if (App.GetClipboard().IsEmpty())
+    if (!App.PreparePaste())
         return;
     vector<TToolNode*> nodes;
     App.PasteFromClipboard(*this, nodes);
@@ -591,6 +597,22 @@ TBatchResult TDocument::BatchExport(const char* path, TErrorList& errors)
     return Preview.WriteExport(path, errors) ? BR_DONE : BR_EXPORTFAILED;
 }
 
+// An error keeps the line's end that it comes with; one within it, of a node's name perhaps, would make two
+// of it.
+static TString GetErrorLine(const TError& error)
+{
+    TString text;
+    error.GetText(text);
+    const int length = text.Length();
+    const bool hasEnd = length > 0 && text.Print()[length - 1] == '\n';
+    TString line;
+    line.Left(text, hasEnd ? length - 1 : length);
+    line = OneLineText(line);
+    if (hasEnd)
+        line += "\n";
+    return line;
+}
+
 void TDocument::LogBatchResult(TBatchResult result, const TErrorList& errors)
 {
     if (result == BR_DONE && errors.empty())
@@ -601,8 +623,7 @@ void TDocument::LogBatchResult(TBatchResult result, const TErrorList& errors)
         DebugPrintf(result == BR_SCHEDULEFAILED ? "Schedule creation failed:\n" : "Export failed:\n");
     int number = 0;
     for (const TError* error : errors) {
-        TString text;
-        error->GetText(text);
+        const TString text = GetErrorLine(*error);
         if (result == BR_DONE)
             DebugPrintf("%s\n", text.Print());
         else

@@ -6,6 +6,7 @@
 #include "particles/cindermill/graph/operations/operationstack.h"
 #include "particles/cindermill/main/appservices.h"
 #include "particles/cindermill/main/documentproblems.h"
+#include "particles/cindermill/main/exportagreement.h"
 #include "particles/cindermill/main/previewengine.h"
 #include "particles/effectgraph/error.h"
 
@@ -145,6 +146,8 @@ public:
     bool GetExportSize(int& size, TErrorList& errors) { return Preview.GetExportSize(size, errors); }
     // What has kept the effect from running since it last tried, until it is mended.
     const TDocumentProblems& GetProblems() const { return Problems; }
+    // Whether preview and export agree, where it was asked since the last edit.
+    TExportAgreement& GetAgreement() { return Agreement; }
     // The text of the File Properties dialog. Replaces the live schedule.
     void GetReport(TString& report);
 
@@ -173,6 +176,7 @@ private:
     void AttachObjects();
     void UpdateTitles();
     void TellScheduleChanged();
+    void BeginEdit();
     void FinishStep(bool fits);
     void DropStaleSchedule();
     void FinishGraphChange();
@@ -192,6 +196,7 @@ private:
     TAppServices Services;
     TPreviewEngine Preview;
     TDocumentProblems Problems;
+    TExportAgreement Agreement;
     // In the order of the displays' addresses.
     sortedmap<TNodeDisplay*, bool> NodeDisplay;
     vector<TToolNode*> Selected;

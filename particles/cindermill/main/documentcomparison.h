@@ -1,7 +1,7 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "particles/cindermill/graph/replay/replaycomparison.h"
-#include "particles/cindermill/main/appservices.h"
 
 class TCindermillApp;
 class TDocument;
@@ -14,15 +14,24 @@ class TErrorList;
 class TDocumentComparison
 {
 public:
-    // The document needs a schedule: TDocument::CreateSchedule. Both must outlive this.
+    // The document needs a schedule: TDocument::CreateSchedule. It is copied: the document may build it anew.
+    // Both must outlive this.
     TDocumentComparison(TCindermillApp& app, TDocument& document);
+    ~TDocumentComparison();
     // False with errors where there is no schedule, no engine or no file, or where the engine fails. Errors
     // that leave a file come with true.
     bool Run(const TReplayOptions& options, TErrorList& errors);
+    // Its first step. What follows is the comparison's own: Begin, frames, End. The graph may not change
+    // meanwhile.
+    bool Export(TErrorList& errors);
+    TReplayComparison& GetComparison() { return Comparison; }
+    const TEffectSchedule& GetSchedule() const { return Schedule; }
     const TReplayReport& GetReport() const { return Comparison.GetReport(); }
 
 private:
-    TDocument& Document;
-    TAppServices Services;
+    class TServices;
+
+    const TEffectSchedule Schedule;
+    TOwner<TServices> Services;
     TReplayComparison Comparison;
 };

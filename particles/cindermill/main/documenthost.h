@@ -37,6 +37,8 @@ public:
     virtual void ScheduleChanged(TDocument& document) = 0;
     // What keeps the effect from running is something else now.
     virtual void ProblemsChanged(TDocument& document) { (void)document; }
+    // What is known of how preview and export agree is something else now.
+    virtual void AgreementChanged(TDocument& document) { (void)document; }
     // The engine is about to be deleted: who holds nodes or traces of it lets go of them now. May come while
     // a window is painted.
     virtual void EngineGoes(TDocument& document) = 0;

@@ -10,7 +10,21 @@ bool TEffectFile::Load(const char* path)
 {
     bool loaded = false;
     TString text;
-    if (!RunGuarded([&] { loaded = Chunks.Load(path); }, text))
+    const bool unbroken = RunGuarded([&] { loaded = Chunks.Load(path); }, text);
+    return FinishLoad(unbroken, loaded, text);
+}
+
+bool TEffectFile::LoadFromMemory(const vector<uint8_t>& bytes)
+{
+    bool loaded = false;
+    TString text;
+    const bool unbroken = RunGuarded([&] { loaded = Chunks.LoadFromMemory(bytes); }, text);
+    return FinishLoad(unbroken, loaded, text);
+}
+
+bool TEffectFile::FinishLoad(bool unbroken, bool loaded, const TString& text)
+{
+    if (!unbroken)
         Fault = text;
     else if (loaded)
         return true;

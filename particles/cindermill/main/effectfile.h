@@ -2,6 +2,8 @@
 
 #include "library/containers/string.h"
 
+#include <cstdint>
+
 class TChunkFile;
 class TEffectGraph;
 class TLinkMender;
@@ -15,6 +17,7 @@ public:
     explicit TEffectFile(TChunkFile& chunks) : Chunks(chunks) {}
 
     bool Load(const char* path);
+    bool LoadFromMemory(const vector<uint8_t>& bytes);
     // Without windows an effect needs no history; one of two is none.
     bool FindRoots(bool needStack);
     // A mender, if there is one, gets the links that name nothing.
@@ -28,6 +31,8 @@ public:
     const TString& GetFault() const { return Fault; }
 
 private:
+    bool FinishLoad(bool unbroken, bool loaded, const TString& text);
+
     TChunkFile& Chunks;
     TEffectGraph* Graph = nullptr;
     TOperationStack* OperationStack = nullptr;

@@ -18,7 +18,6 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QMessageBox>
-#include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QPushButton>
 
 #include <algorithm>
@@ -339,18 +338,6 @@ TEST_F(TDialogTest, AListDialogShowsItsLines)
         Press(dialog, "button0");
     });
     ListDialog(103, "Schedule errors", lines);
-}
-
-TEST_F(TDialogTest, ATextDialogShowsItsText)
-{
-    Meet([](QDialog& dialog) {
-        QPlainTextEdit* page = dialog.findChild<QPlainTextEdit*>("text");
-        ASSERT_NE(page, nullptr);
-        EXPECT_EQ(page->toPlainText(), QString("one\ntwo"));
-        EXPECT_TRUE(page->isReadOnly());
-        Press(dialog, "button0");
-    });
-    TextDialog(108, "File Properties", "one\ntwo");
 }
 
 TEST_F(TDialogTest, AChoiceIsTheNumberOfItsButton)

@@ -228,9 +228,9 @@ TEST_F(TMDIFrameTest, TheWindowMenuListsTheDocumentWindows)
     list = WindowMenu();
     ASSERT_EQ(list->actions().size(), 4);
     EXPECT_TRUE(list->actions()[1]->isSeparator());
-    EXPECT_EQ(list->actions()[2]->text(), QString("1 first"));
+    EXPECT_EQ(list->actions()[2]->text(), QString("&1 first"));
     EXPECT_FALSE(list->actions()[2]->isChecked());
-    EXPECT_EQ(list->actions()[3]->text(), QString("2 R&&D"));
+    EXPECT_EQ(list->actions()[3]->text(), QString("&2 R&&D"));
     EXPECT_TRUE(list->actions()[3]->isChecked());
     list->actions()[2]->trigger();
     EXPECT_EQ(Frame.GetActiveChild(), &first);

@@ -72,7 +72,7 @@ TEST_F(TMenuTest, AKeyBehindATabIsShownAndIsNoShortcut)
     TMenu menu;
     menu.AddItem(57600, "New\tCtrl+N");
     Track(menu, [](QMenu& open) {
-        EXPECT_EQ(open.actions()[0]->text(), QString("New\tCtrl+N"));
+        EXPECT_EQ(open.actions()[0]->text(), QString("&New\tCtrl+N"));
         EXPECT_TRUE(open.actions()[0]->shortcut().isEmpty());
         EXPECT_EQ(open.actions()[0]->objectName(), QString("menu57600"));
     });
@@ -82,7 +82,8 @@ TEST_F(TMenuTest, AnAmpersandIsShown)
 {
     TMenu menu;
     menu.AddItem(1, "sparks & smoke.effect");
-    Track(menu, [](QMenu& open) { EXPECT_EQ(open.actions()[0]->text(), QString("sparks && smoke.effect")); });
+    Track(menu,
+          [](QMenu& open) { EXPECT_EQ(open.actions()[0]->text(), QString("&sparks && smoke.effect")); });
 }
 
 TEST_F(TMenuTest, PopupsAreFoundByTheirIdAtAnyDepth)
@@ -104,8 +105,8 @@ TEST_F(TMenuTest, ItemsAreInsertedAndCleared)
     menu.InsertItem(99, 40012, "last");
     Track(menu, [](QMenu& open) {
         ASSERT_EQ(open.actions().size(), 3);
-        EXPECT_EQ(open.actions()[0]->text(), QString("newest"));
-        EXPECT_EQ(open.actions()[2]->text(), QString("last"));
+        EXPECT_EQ(open.actions()[0]->text(), QString("&newest"));
+        EXPECT_EQ(open.actions()[2]->text(), QString("&last"));
     });
     menu.Clear();
     EXPECT_EQ(menu.GetNumItems(), 0);
@@ -130,4 +131,58 @@ TEST_F(TMenuTest, ItemsOfPopupsAreSwitchedByTheirId)
     Track(menu, [](QMenu& open) { EXPECT_FALSE(open.actions()[0]->menu()->actions()[0]->isEnabled()); });
     menu.EnableItem(57643, true);
     Track(menu, [](QMenu& open) { EXPECT_TRUE(open.actions()[0]->menu()->actions()[0]->isEnabled()); });
+}
+
+TEST_F(TMenuTest, EachEntryIsChosenByALetterOfItsOwn)
+{
+    TMenu menu;
+    menu.AddItem(1, "Copy Value");
+    menu.AddItem(2, "Cut & Paste");
+    menu.AddSeparator();
+    menu.AddPopup("Colour").AddItem(3, "Grey");
+    menu.AddItem(4, "C");
+    // Tracked again, a menu has the letters that it had.
+    for (int i = 0; i < 2; ++i)
+        Track(menu, [](QMenu& open) {
+            const QList<QAction*> entries = open.actions();
+            // It has another, which the last entry has not.
+            EXPECT_EQ(entries[0]->text(), QString("Copy &Value"));
+            EXPECT_EQ(entries[1]->text(), QString("Cut && &Paste"));
+            EXPECT_EQ(entries[3]->text(), QString("C&olour"));
+            EXPECT_EQ(entries[3]->menu()->actions()[0]->text(), QString("&Grey"));
+            EXPECT_EQ(entries[4]->text(), QString("&C"));
+            QTest::keyClick(&open, Qt::Key_P);
+        });
+    ASSERT_EQ(Window.Commands.size(), 2u);
+    EXPECT_EQ(Window.Commands[0].Argument, 2);
+    EXPECT_EQ(Window.Commands[1].Argument, 2);
+}
+
+TEST_F(TMenuTest, TellsWhenItIsSeenAndWhenItGoesAndAChoiceComesLast)
+{
+    TMenu menu;
+    menu.AddItem(1, "One");
+    menu.AddItem(2, "Two");
+    std::vector<int> told;
+    struct TTold
+    {
+        std::vector<int>* List;
+        TRecordingWindow* Window;
+    } context{&told, &Window};
+    menu.SetOnShow(
+        [](TMenu& shownMenu, bool shown, void* data) {
+            const TTold& where = *static_cast<TTold*>(data);
+            where.List->push_back(shown ? 1 : 0);
+            shownMenu.EnableItem(1, !shown);
+            EXPECT_TRUE(where.Window->Commands.empty());
+        },
+        &context);
+    Track(menu, [](QMenu& open) {
+        EXPECT_FALSE(open.actions()[0]->isEnabled());
+        open.setActiveAction(open.actions()[1]);
+        QTest::keyClick(&open, Qt::Key_Return);
+    });
+    EXPECT_EQ(told, (std::vector<int>{1, 0}));
+    ASSERT_EQ(Window.Commands.size(), 1u);
+    EXPECT_EQ(Window.Commands[0].Argument, 2);
 }

@@ -42,6 +42,21 @@ TEST_F(TWindowClassTest, ADoubleClickCountsAsButtonDown)
     EXPECT_EQ(Window.Last(MT_LEFTDOWN).X, 5);
 }
 
+// Whoever clicks twice on what opens at the first click has not meant what then stands there.
+TEST_F(TWindowClassTest, ADoubleClickThatBeganElsewhereIsNoPress)
+{
+    QWidget other;
+    other.show();
+    QTest::mouseClick(&other, Qt::LeftButton, {}, QPoint(5, 5));
+    QTest::mouseDClick(Widget(), Qt::LeftButton, {}, QPoint(5, 5));
+    QTest::mouseRelease(Widget(), Qt::LeftButton, {}, QPoint(5, 5));
+    EXPECT_EQ(Window.Count(MT_LEFTDOWN), 0);
+    EXPECT_EQ(Window.Count(MT_LEFTUP), 0);
+    QTest::mouseClick(Widget(), Qt::LeftButton, {}, QPoint(5, 5));
+    EXPECT_EQ(Window.Count(MT_LEFTDOWN), 1);
+    EXPECT_EQ(Window.Count(MT_LEFTUP), 1);
+}
+
 TEST_F(TWindowClassTest, ADragGetsPressMoveAndReleaseFirst)
 {
     TRecordedDrag drag(Window);
@@ -448,4 +463,19 @@ TEST_F(TWindowClassTest, AKeyOwnerThatGoesIsForgotten)
     EXPECT_EQ(other.GetKeyOwner(), nullptr);
     QTest::keyClick(other.GetHandle(), Qt::Key_O, Qt::ControlModifier);
     EXPECT_EQ(other.Last(MT_KEYDOWN).Key, 'O');
+}
+
+TEST_F(TWindowClassTest, TheMenuKeyAndShiftF10AskForAMenuUnlessShiftF10IsTaken)
+{
+    QTest::keyClick(Widget(), Qt::Key_Menu);
+    EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, KEY_MENU);
+    Window.Forget();
+    QTest::keyClick(Widget(), Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, KEY_MENU);
+    Window.Forget();
+    QTest::keyClick(Widget(), Qt::Key_F10);
+    EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, KEY_F10);
+    Window.Consumed.push_back(MT_KEYDOWN);
+    QTest::keyClick(Widget(), Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, KEY_F10);
 }

@@ -10,7 +10,6 @@ const TFindingKind Kinds[] = {
     {"load.mended", FS_NOTE, "A link that names nothing was mended when the file was loaded."},
     {"schedule.error", FS_ERROR, "The graph cannot be scheduled."},
     {"engine.error", FS_ERROR, "The engine cannot be made: the preview is empty, and nothing is exported."},
-    {"engine.warning", FS_WARNING, "The engine was made, and has something to tell."},
     {"export.error", FS_ERROR, "The effect cannot be exported."},
     {"export.warning", FS_WARNING, "The effect can be exported, and the export has something to tell."},
     {"type.error", FS_ERROR, "A node type file cannot be read, or not in full."},

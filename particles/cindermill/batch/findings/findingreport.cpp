@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/findings/findingreport.h"
 
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/batch/findings/findingkinds.h"
 
 static const char* const FormatNames[FF_NUMFORMATS] = {"text", "json", "junit", "sarif"};
@@ -83,7 +84,6 @@ TFinding MakeFinding(const char* id, const char* file, const char* message)
     finding.File = file;
     finding.Message = message;
     finding.Message.Trim();
-    finding.Message.Replace('\r', ' ');
-    finding.Message.Replace('\n', ' ');
+    finding.Message = OneLineText(finding.Message);
     return finding;
 }

@@ -1,3 +1,4 @@
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/batch/findings/findingreport.h"
 
 namespace {
@@ -17,12 +18,12 @@ void GetPlaceText(const TFindingPlace& place, TString& text)
     TString part;
     if (!place.Node.IsEmpty()) {
         text = "node \"";
-        text += place.Node.Print();
+        text += OneLineText(place.Node).Print();
         text += "\"";
     }
     if (!place.Type.IsEmpty()) {
         part = "type ";
-        part += place.Type.Print();
+        part += OneLineText(place.Type).Print();
         AddPart(text, part);
     }
     if (place.Group != -1)
@@ -35,7 +36,7 @@ void GetPlaceText(const TFindingPlace& place, TString& text)
 void GetFindingText(const TFinding& finding, TString& text)
 {
     TString part;
-    text = finding.File;
+    text = OneLineText(finding.File);
     if (finding.Line > 0)
         text += part.Format(":%d", finding.Line).Print();
     text += ": ";
@@ -53,6 +54,6 @@ void GetFindingText(const TFinding& finding, TString& text)
     }
     if (!finding.Allowed.IsEmpty()) {
         text += ": ";
-        text += finding.Allowed.Print();
+        text += OneLineText(finding.Allowed).Print();
     }
 }

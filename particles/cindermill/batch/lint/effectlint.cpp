@@ -7,13 +7,14 @@
 #include "particles/cindermill/batch/lint/lintemission.h"
 #include "particles/cindermill/batch/lint/lintexport.h"
 #include "particles/cindermill/batch/lint/lintgraph.h"
+#include "particles/cindermill/batch/lint/lintnodetypes.h"
 #include "particles/cindermill/batch/lint/lintnumbers.h"
 #include "particles/cindermill/batch/lint/lintpopulation.h"
 #include "particles/cindermill/batch/lint/lintreplay.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/batch/lint/lintrun.h"
-#include "particles/cindermill/batch/lint/lintservices.h"
 #include "particles/cindermill/graph/engine/effectexec.h"
+#include "particles/cindermill/graph/engine/unseenservices.h"
 #include "particles/cindermill/main/runcollecting.h"
 #include "particles/effectgraph/export/exportdata.h"
 
@@ -22,16 +23,13 @@ namespace {
 // What an engine says of files that were looked for before.
 constexpr const char* AnimationErrors[] = {"No animation specified", "Could not resolve path for animation",
                                            "Could not load animation"};
-constexpr const char* TextureErrors[] = {"No texture specified", "No base texture specified",
-                                         "No blend texture specified"};
 
 constexpr double NoReplay = -1;
 
-template <int N>
-bool BeginsWithOne(const char* text, const char* const (&beginnings)[N])
+bool IsAnimationError(const char* text)
 {
     const TString whole(text);
-    for (const char* beginning : beginnings)
+    for (const char* beginning : AnimationErrors)
         if (whole.CompareStart(beginning) == 0)
             return true;
     return false;
@@ -41,8 +39,7 @@ bool BeginsWithOne(const char* text, const char* const (&beginnings)[N])
 
 bool TEffectLint::IsToldElsewhere(const char* error) const
 {
-    return (Files.LacksAnimation() && BeginsWithOne(error, AnimationErrors)) ||
-           (Files.LacksTextureName() && BeginsWithOne(error, TextureErrors));
+    return Files.LacksAnimation() && IsAnimationError(error);
 }
 
 void TEffectLint::TellErrors(const char* kind, const TErrorList& errors, TLintReport& report) const
@@ -54,6 +51,7 @@ void TEffectLint::TellErrors(const char* kind, const TErrorList& errors, TLintRe
 
 void TEffectLint::Lint(const TEffectGraph& graph, TLintReport& report)
 {
+    report.SetGraph(&graph);
     LintNodeTypes(graph, Library, report);
     Files.Tell(graph, report);
     TErrorList errors;
@@ -76,13 +74,13 @@ void TEffectLint::LintScheduled(const TEffectGraph& graph, const TEffectSchedule
     lint.Tell(report);
     double work = 0;
     if (LintRuns(schedule, lint, report, work))
-        LintExport(schedule, work, report);
+        LintExport(schedule, lint, work, report);
 }
 
 bool TEffectLint::LintRuns(const TEffectSchedule& schedule, const TLintGraph& graph, TLintReport& report,
                            double& work)
 {
-    TLintServices services(Services);
+    TUnseenServices services(Services);
     TEffectExec exec(services);
     TLintRun run(exec, schedule, Options);
     TLintPopulation population(schedule, Options);
@@ -107,10 +105,12 @@ bool TEffectLint::LintRuns(const TEffectSchedule& schedule, const TLintGraph& gr
     return true;
 }
 
-void TEffectLint::LintExport(const TEffectSchedule& schedule, double work, TLintReport& report)
+void TEffectLint::LintExport(const TEffectSchedule& schedule, const TLintGraph& graph, double work,
+                             TLintReport& report)
 {
-    TLintServices services(Services);
+    TUnseenServices services(Services);
     TEffectExec exec(services);
+    exec.SetTexturesUsed(false);
     TErrorList errors;
     const bool exported = RunCollecting(errors, [&] {
         if (!exec.Init(schedule, errors, false))
@@ -126,7 +126,7 @@ void TEffectLint::LintExport(const TEffectSchedule& schedule, double work, TLint
     const bool replays = exported && errors.empty() && work != NoReplay;
     TellErrors(LK_EXPORT, errors, report);
     if (replays && !RunCollecting(ignored, [&] {
-            return TLintReplay(schedule, Options).Tell(services, work, report, ignored);
+            return TLintReplay(schedule, graph, Options).Tell(services, work, report, ignored);
         }))
         TellErrors(LK_EXPORT, ignored, report);
 }

@@ -27,7 +27,8 @@ private:
     void LintScheduled(const TEffectGraph& graph, const TEffectSchedule& schedule, TLintReport& report);
     bool LintRuns(const TEffectSchedule& schedule, const TLintGraph& graph, TLintReport& report,
                   double& work);
-    void LintExport(const TEffectSchedule& schedule, double work, TLintReport& report);
+    void LintExport(const TEffectSchedule& schedule, const TLintGraph& graph, double work,
+                    TLintReport& report);
     bool IsToldElsewhere(const char* error) const;
     void TellErrors(const char* kind, const TErrorList& errors, TLintReport& report) const;
 

@@ -5,13 +5,13 @@
 #include "particles/cindermill/graph/engine/inputreader.h"
 #include "particles/cindermill/graph/nodes/localframe.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
+#include "particles/cindermill/graph/replay/birthsource.h"
 #include "particles/cindermill/graph/replay/exportedfields.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/xmltext.h"
 
 #include <cmath>
-#include <cstring>
 
 namespace {
 
@@ -31,18 +31,6 @@ constexpr TConsoleClass Classes[] = {
     {"TEventTrigger", LK_CONSOLEEVENT, "%s fires an event on the console; the preview shows nothing of it"},
 };
 
-// The stages' tables: how many entries each has that are meant.
-struct TTableParameter
-{
-    const char* Parameter;
-    int NumEntries;
-};
-
-constexpr TTableParameter TableParameters[] = {
-    {"Alpha Blend.Blend Equation", 5}, {"Alpha Blend.Source Function", 15}, {"Alpha Blend.Dest Function", 15},
-    {"Alpha Test.Function", 8},        {"Depth Test.Function", 8},          {"Cull Face.Mode", 2},
-};
-
 constexpr const char* PlaneClass = "TCollisionPlane";
 constexpr int PlaneInput = 2;
 constexpr int PlaneSizeInput = 3;
@@ -52,26 +40,6 @@ constexpr float PassedDepth = 0.01f;
 bool IsClass(const TEffectNode& node, const char* className)
 {
     return node.GetNodeType()->ClassName.Compare(className) == 0;
-}
-
-// An enum's or a whole number; false for other parameters.
-bool GetNumber(const TNodeType& type, const char* path, int& number)
-{
-    if (const auto* whole = type.FindParameterOf<TNodeIntParameter>(path, PK_INT))
-        number = whole->Get();
-    else if (const auto* choice = type.FindParameterOf<TNodeEnumParameter>(path, PK_ENUM))
-        number = choice->GetNumber();
-    else
-        return false;
-    return true;
-}
-
-bool IsGroupOn(const TNodeType& type, const TString& path)
-{
-    TString name = path;
-    name.TruncateAtFirst('.');
-    const auto* group = type.FindParameterOf<TNodeGroupParameter>(name, PK_GROUP);
-    return group != nullptr && group->Get();
 }
 
 } // namespace
@@ -108,6 +76,14 @@ void TLintConsole::TellGroup(TLintReport& report, int group) const
             ends.push_back(&node);
     }
     TellPlaces(report, group);
+    if (const TTiedNode* reader = FindCountReader(Schedule, group)) {
+        const TEffectNode& node = *Schedule.GetNode(reader->Node);
+        report.AddNode(
+            LK_CONSOLECOUNT, node, group,
+            "%s reads the number of births as a value, which is 0 on the console, as another group "
+            "brings what the particles are born with",
+            GetNodeName(node).Print());
+    }
     if (ends.size() > 1) {
         TFinding& finding = report.AddNode(
             LK_CONSOLEENDS, *ends.back(), group,
@@ -249,40 +225,17 @@ void TLintConsole::TellPlane(TLintReport& report, const TEffectNode& node) const
 
 void TLintConsole::TellFields(TLintReport& report, const TEffectNode& node) const
 {
-    constexpr int MostOfByte = 255;
-    const TNodeType& type = *node.GetNodeType();
-    int number = 0;
-    for (const TByteParameter& field : ByteParameters) {
-        if (!IsClass(node, field.ClassName) || !GetNumber(type, field.Name, number) ||
-            (number >= 0 && number <= MostOfByte))
-            continue;
-        TFinding& finding = report.AddNode(
-            LK_NUMBERFIELD, node, -1, "\"%s\" of %s is %d, and goes out as %d: its field holds 0 to %d",
-            field.Name, GetNodeName(node).Print(), number, number & MostOfByte, MostOfByte);
-        AddNumber(finding, "value", number);
-        AddNumber(finding, "most", MostOfByte);
+    vector<TFieldFault> faults;
+    GetFieldFaults(*node.GetNodeType(), faults);
+    for (const TFieldFault& fault : faults) {
+        const char* format = fault.IsChoice
+                                 ? "\"%s\" of %s is %g: the console knows 0 to %g"
+                                 : "\"%s\" of %s is %g: its field holds 0 to %g, and goes out as %g";
+        TString text;
+        text.Format(format, fault.Parameter, GetNodeName(node).Print(), fault.Value, fault.Most,
+                    fault.Exported);
+        TFinding& finding = report.AddNode(LK_NUMBERFIELD, node, -1, "%s", text.Print());
+        AddNumber(finding, "value", fault.Value);
+        AddNumber(finding, "most", fault.Most);
     }
-    if (type.Category != TU_RENDER)
-        return;
-    for (const TTableParameter& field : TableParameters) {
-        if (!IsGroupOn(type, field.Parameter) || !GetNumber(type, field.Parameter, number) ||
-            (number >= 0 && number < field.NumEntries))
-            continue;
-        TFinding& finding =
-            report.AddNode(LK_NUMBERFIELD, node, -1, "\"%s\" of %s is %d: the console knows 0 to %d",
-                           field.Parameter, GetNodeName(node).Print(), number, field.NumEntries - 1);
-        AddNumber(finding, "value", number);
-        AddNumber(finding, "most", field.NumEntries - 1);
-    }
-    TNodeParameter* reference = type.FindParameterOf<TNodeParameter>("Alpha Test.Ref Value", TY_SCALAR);
-    float value = 0;
-    if (reference != nullptr)
-        reference->GetValue(&value);
-    if (!IsGroupOn(type, "Alpha Test") || (value >= 0 && value <= 1))
-        return;
-    TFinding& finding = report.AddNode(LK_NUMBERFIELD, node, -1,
-                                       "\"Alpha Test.Ref Value\" of %s is %g: its field holds 0 to 1",
-                                       GetNodeName(node).Print(), double(value));
-    AddNumber(finding, "value", double(value));
-    AddNumber(finding, "most", 1);
 }

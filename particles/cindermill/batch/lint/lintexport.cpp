@@ -2,7 +2,6 @@
 
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/effectgraph/error.h"
-#include "particles/effectgraph/export/birthvalues.h"
 #include "particles/effectgraph/export/exportdata.h"
 #include "particles/effectgraph/export/exportpolicies.h"
 
@@ -36,7 +35,6 @@ void TLintExport::Tell(TLintReport& report) const
     }
     TellWhole(report);
     TellPolicies(report);
-    TellCounts(report);
 }
 
 // Of the two phases the one that takes more.
@@ -117,36 +115,5 @@ void TLintExport::TellPolicies(TLintReport& report) const
                 : report.Add(LK_BOXMIXED, "A render stage has a static and a dynamic bounding box");
         if ((Options.PolicyFlags & PF_PREVENTEXPORT) != 0)
             finding.Severity = FS_ERROR;
-    }
-}
-
-// The port other than an emitter's trigger that reads the count; null for none.
-const TTiedNode* TLintExport::FindCountReader(int group, int count) const
-{
-    for (const TTiedNode& tied : Schedule.GetGroup(group).TiedNodes) {
-        const bool isEmitter = Schedule.GetNode(tied.Node)->GetNodeType()->Category == TU_EMITTER;
-        for (int port = isEmitter ? 1 : 0; port < tied.Inputs.size(); ++port)
-            if (tied.Inputs[port] == count)
-                return &tied;
-    }
-    return nullptr;
-}
-
-// A count that comes from elsewhere than the parent is no payload of the event.
-void TLintExport::TellCounts(TLintReport& report) const
-{
-    const vector<TExportGroup>& groups = Export.GetResult().Groups;
-    for (int g = 0; g < groups.size(); ++g) {
-        const int count = groups[g].TriggerInput;
-        if (count == -1 || PlanEvent(Schedule, groups, g).Parent == groups[g].TriggerGroup)
-            continue;
-        if (const TTiedNode* reader = FindCountReader(g, count)) {
-            const TEffectNode& node = *Schedule.GetNode(reader->Node);
-            report.AddNode(
-                LK_CONSOLECOUNT, node, g,
-                "%s reads the number of births as a value, which is 0 on the console, as another group "
-                "fires the particles",
-                GetNodeName(node).Print());
-        }
     }
 }

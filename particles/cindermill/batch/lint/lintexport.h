@@ -25,8 +25,6 @@ private:
     void TellWhole(TLintReport& report) const;
     void TellOver(TLintReport& report, int group, TBudget budget, int64_t used) const;
     void TellPolicies(TLintReport& report) const;
-    void TellCounts(TLintReport& report) const;
-    const TTiedNode* FindCountReader(int group, int count) const;
 
     const TEffectSchedule& Schedule;
     const TExportData& Export;

@@ -7,8 +7,7 @@
 #include "particles/cindermill/main/animation/animation.h"
 #include "particles/cindermill/main/resourcelocator.h"
 #include "particles/cindermill/main/settings.h"
-#include "particles/effectgraph/effectgraph.h"
-#include "particles/effectgraph/simpleparameters.h"
+#include "particles/effectgraph/filereferences.h"
 #include "particles/effectgraph/xmltext.h"
 
 namespace {
@@ -79,49 +78,31 @@ void TLintFiles::Tell(const TEffectGraph& graph, TLintReport& report)
 {
     Uses.clear();
     AnimationFault = false;
-    TextureUnnamed = false;
-    for (int n = 0; n < graph.GetNumNodes(); ++n)
-        Gather(*graph.GetNode(n), report);
+    vector<TFileReference> references;
+    GetFileReferences(graph, references);
+    for (const TFileReference& reference : references)
+        AddUse(reference, report);
     const TLogCapture quiet(Drop, nullptr);
     for (const TUse& use : Uses)
         TellUse(use, report);
 }
 
-void TLintFiles::Gather(const TEffectNode& node, TLintReport& report)
-{
-    for (const TNodeParameter* parameter : node.GetNodeType()->Parameters)
-        GatherParameter(node, *parameter, report);
-}
-
-void TLintFiles::GatherParameter(const TEffectNode& node, const TNodeParameter& parameter,
-                                 TLintReport& report)
-{
-    if (parameter.Type == PK_TEXTURE)
-        AddUse(node, static_cast<const TNodeTextureParameter&>(parameter).GetFileName(), false, report);
-    else if (parameter.Type == PK_ANIMATION)
-        AddUse(node, static_cast<const TNodeAnimationParameter&>(parameter).GetFileName(), true, report);
-    vector<TNodeParameter*> owned;
-    parameter.GetOwned(owned);
-    for (const TNodeParameter* child : owned)
-        if (child != nullptr)
-            GatherParameter(node, *child, report);
-}
-
 // A file that several nodes name is told once, at the first of them.
-void TLintFiles::AddUse(const TEffectNode& node, const TString& name, bool isAnimation, TLintReport& report)
+void TLintFiles::AddUse(const TFileReference& reference, TLintReport& report)
 {
-    if (name.IsEmpty()) {
-        report.AddNode(LK_FILEUNNAMED, node, -1, "%s names no %s", GetNodeName(node).Print(),
-                       isAnimation ? "animation" : "texture");
-        (isAnimation ? AnimationFault : TextureUnnamed) = true;
+    const bool isAnimation = reference.IsAnimation;
+    if (reference.Name.IsEmpty()) {
+        report.AddNode(LK_FILEUNNAMED, *reference.Node, -1, "%s names no %s",
+                       GetNodeName(*reference.Node).Print(), isAnimation ? "animation" : "texture");
+        AnimationFault = AnimationFault || isAnimation;
         return;
     }
     for (TUse& use : Uses)
-        if (use.Name == name && use.IsAnimation == isAnimation) {
-            use.Count += use.Node != &node ? 1 : 0;
+        if (use.Name == reference.Name && use.IsAnimation == isAnimation) {
+            use.Count += use.Node != reference.Node ? 1 : 0;
             return;
         }
-    Uses.push_back(TUse{&node, name, isAnimation, 1});
+    Uses.push_back(TUse{reference.Node, reference.Name, isAnimation, 1});
 }
 
 // Where it is told where files are to lie, the rest of the disc is not walked for them.

@@ -6,8 +6,8 @@
 class TEffectGraph;
 class TEffectNode;
 class TLintReport;
-class TNodeParameter;
 class TResourceLocator;
+struct TFileReference;
 
 // Textures and animations: whether they are there, can be read, and where they lie. What was read once is
 // known for all effects of a lint.
@@ -19,7 +19,6 @@ public:
     void Tell(const TEffectGraph& graph, TLintReport& report);
     // Of the last effect: whether some animation cannot be had, so that its engine cannot be made.
     bool LacksAnimation() const { return AnimationFault; }
-    bool LacksTextureName() const { return TextureUnnamed; }
 
 private:
     // A file that an effect names.
@@ -38,9 +37,7 @@ private:
         int Height;
     };
 
-    void Gather(const TEffectNode& node, TLintReport& report);
-    void GatherParameter(const TEffectNode& node, const TNodeParameter& parameter, TLintReport& report);
-    void AddUse(const TEffectNode& node, const TString& name, bool isAnimation, TLintReport& report);
+    void AddUse(const TFileReference& reference, TLintReport& report);
     void TellUse(const TUse& use, TLintReport& report);
     void TellPicture(const TUse& use, const TString& path, TLintReport& report);
     void TellOutside(const TUse& use, const TString& path, TLintReport& report) const;
@@ -51,5 +48,4 @@ private:
     vector<TUse> Uses;
     vector<TPicture> Pictures;
     bool AnimationFault = false;
-    bool TextureUnnamed = false;
 };

@@ -1,7 +1,7 @@
 #include "particles/cindermill/batch/lint/lintgraph.h"
 
 #include "particles/cindermill/batch/lint/lintreport.h"
-#include "particles/effectgraph/nodetypelibrary.h"
+#include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/xmltext.h"
 
 namespace {
@@ -40,15 +40,6 @@ void GatherSources(const TEffectNode& node, TPointerMap& found, vector<const TEf
             sources.push_back(edge->GetSrcNode());
         }
     }
-}
-
-// A node that an artist has named is still of its class.
-bool HasClass(const TNodeTypeLibrary& library, const char* className)
-{
-    for (int i = 0; i < library.GetNumTypes(); ++i)
-        if (library.GetType(i)->ClassName.Compare(className) == 0)
-            return true;
-    return false;
 }
 
 } // namespace
@@ -208,20 +199,5 @@ void TLintGraph::TellPriorities(TLintReport& report) const
                            later > 0 ? " and others" : "");
         AddNumber(finding, "priority", priority);
         AddNumber(finding, "stages", earlier + later + 1);
-    }
-}
-
-void LintNodeTypes(const TEffectGraph& graph, const TNodeTypeLibrary& library, TLintReport& report)
-{
-    for (int n = 0; n < graph.GetNumNodes(); ++n) {
-        const TEffectNode& node = *graph.GetNode(n);
-        const TNodeType& type = *node.GetNodeType();
-        const bool isKnown = library.FindType(type.Name) != nullptr;
-        if (isKnown && type.NeedsRefresh(library))
-            report.AddNode(LK_TYPESTALE, node, -1, "%s differs from the library's type of its name",
-                           GetNodeName(node).Print());
-        else if (!isKnown && !HasClass(library, type.ClassName))
-            report.AddNode(LK_TYPEMISSING, node, -1, "%s is of a type that the library does not have",
-                           GetNodeName(node).Print());
     }
 }

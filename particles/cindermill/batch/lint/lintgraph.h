@@ -4,7 +4,6 @@
 #include "particles/effectgraph/schedule/effectschedule.h"
 
 class TLintReport;
-class TNodeTypeLibrary;
 
 // What can be told from the graph as it stands.
 class TLintGraph
@@ -33,6 +32,3 @@ private:
     const TEffectSchedule& Schedule;
     TPointerMap Useful;
 };
-
-// Nodes whose types are not those of the library.
-void LintNodeTypes(const TEffectGraph& graph, const TNodeTypeLibrary& library, TLintReport& report);

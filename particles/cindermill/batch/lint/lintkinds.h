@@ -51,6 +51,7 @@ constexpr const char* LK_CONSOLESUM = "console.sum";
 constexpr const char* LK_CONSOLEENDS = "console.ends";
 constexpr const char* LK_CONSOLEPLACES = "console.places";
 constexpr const char* LK_CONSOLEORDER = "console.order";
+constexpr const char* LK_REPLAYNOTE = "replay.note";
 constexpr const char* LK_REPLAYVALUE = "replay.value";
 constexpr const char* LK_REPLAYUNDEFINED = "replay.undefined";
 constexpr const char* LK_REPLAYUNKNOWN = "replay.unknown";

@@ -1,6 +1,8 @@
 #include "particles/cindermill/batch/lint/lintreplay.h"
 
+#include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
+#include "particles/cindermill/batch/lint/toldcauses.h"
 #include "particles/cindermill/graph/replay/replaycomparison.h"
 
 #include <cmath>
@@ -10,23 +12,12 @@ namespace {
 // A replay takes many times what the engine takes.
 constexpr double MaxReplayWork = 5e6;
 
-// Whether the node, or one that leads to it, is told to be another on the console.
-bool HangsOnTold(const TEffectNode& node, TPointerMap& seen, const TLintReport& report)
+// Whether both have one cause.
+bool StandsFor(const TReplayDifference& told, const TReplayDifference& difference)
 {
-    vector<const TEffectNode*> open;
-    open.push_back(&node);
-    while (!open.empty()) {
-        const TEffectNode* last = open.back();
-        open.pop_back();
-        if (!seen.Insert(last))
-            continue;
-        if (report.IsConsoleTold(*last))
-            return true;
-        for (int i = 0; i < last->GetNumInputs(); ++i)
-            if (last->GetInput(i) != nullptr)
-                open.push_back(last->GetInput(i)->GetSrcNode());
-    }
-    return false;
+    return (told.Kind != DK_UNKNOWN || difference.Kind == DK_UNKNOWN) &&
+           told.Place.Node == difference.Place.Node &&
+           (difference.Place.Node != nullptr || told.Place.Group == difference.Place.Group);
 }
 
 } // namespace
@@ -55,40 +46,38 @@ bool TLintReplay::Tell(TExecServices& services, double work, TLintReport& report
     return true;
 }
 
-// A difference of a group's values may hang on any node of it that decides which particles there are: what is
-// told of one of them, or of what leads to it, explains it.
-bool TLintReplay::IsTold(const TReplayDifference& difference, const TLintReport& report) const
-{
-    TPointerMap seen;
-    if (difference.Place.Node != nullptr && HangsOnTold(*difference.Place.Node, seen, report))
-        return true;
-    const int group = difference.Place.Group;
-    for (int t = 0; group != -1 && t < Schedule.GetNumTiedNodes(group); ++t) {
-        const TEffectNode& node = *Schedule.GetNode(Schedule.GetTiedNode(group, t));
-        const TString& name = node.GetNodeType()->ClassName;
-        const bool decides = node.GetNodeType()->Category == TU_EMITTER || name.Compare("TAge") == 0 ||
-                             name.Compare("TPrune") == 0;
-        if ((decides || difference.Place.Node == nullptr) && HangsOnTold(node, seen, report))
-            return true;
-    }
-    return false;
-}
-
 // One for each node that differences come from, and for each group where no node can be told. What is not
-// known stands for nothing that is.
+// known stands for nothing that is, and what is explained for nothing that is not. Of a node that nothing
+// drawn hangs on that is told, and enough.
 void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& report) const
 {
-    const vector<TReplayDifference>& differences = replay.GetDifferences();
-    for (int i = 0; i < differences.size(); ++i) {
-        bool known = false;
-        for (int k = 0; k < i; ++k)
-            known = known || ((differences[k].Kind != DK_UNKNOWN || differences[i].Kind == DK_UNKNOWN) &&
-                              differences[k].Place.Node == differences[i].Place.Node &&
-                              (differences[i].Place.Node != nullptr ||
-                               differences[k].Place.Group == differences[i].Place.Group));
-        if (!known && !IsTold(differences[i], report))
-            TellDifference(differences[i], report);
+    const TToldCauses causes(Schedule, report, replay);
+    vector<const TReplayDifference*> told;
+    vector<const TReplayNote*> notes;
+    for (const TReplayDifference& difference : replay.GetDifferences()) {
+        const TEffectNode* node = difference.Place.Node;
+        bool known = causes.IsTold(difference) || (node != nullptr && !Graph.IsUseful(*node));
+        for (const TReplayDifference* earlier : told)
+            known = known || StandsFor(*earlier, difference);
+        if (known)
+            continue;
+        if (const TReplayNote* note = causes.FindNote(difference)) {
+            if (notes.index_of(note) == -1)
+                TellNote(*note, report);
+            notes.push_back(note);
+            continue;
+        }
+        told.push_back(&difference);
+        TellDifference(difference, report);
     }
+}
+
+void TLintReplay::TellNote(const TReplayNote& note, TLintReport& report)
+{
+    if (note.Node != nullptr)
+        report.AddNode(LK_REPLAYNOTE, *note.Node, note.Group, "%s", note.Text.Print());
+    else
+        report.AddGroup(LK_REPLAYNOTE, note.Group, "%s", note.Text.Print());
 }
 
 void TLintReplay::TellDifference(const TReplayDifference& difference, TLintReport& report) const

@@ -6,6 +6,7 @@
 
 class TErrorList;
 class TExecServices;
+class TLintGraph;
 class TLintReport;
 
 // The id of the finding for a difference of the kind.
@@ -15,9 +16,9 @@ const char* GetReplayFindingKind(TDifferenceKind kind);
 class TLintReplay
 {
 public:
-    // Refers to both.
-    TLintReplay(const TEffectSchedule& schedule, const TLintOptions& options)
-        : Schedule(schedule), Options(options)
+    // Refers to all of them.
+    TLintReplay(const TEffectSchedule& schedule, const TLintGraph& graph, const TLintOptions& options)
+        : Schedule(schedule), Graph(graph), Options(options)
     {
     }
     // False with errors where the file cannot be replayed. What the report holds by then counts as told.
@@ -27,9 +28,10 @@ public:
     void TellDifferences(const TReplayReport& replay, TLintReport& report) const;
 
 private:
+    static void TellNote(const TReplayNote& note, TLintReport& report);
     void TellDifference(const TReplayDifference& difference, TLintReport& report) const;
-    bool IsTold(const TReplayDifference& difference, const TLintReport& report) const;
 
     const TEffectSchedule& Schedule;
+    const TLintGraph& Graph;
     const TLintOptions& Options;
 };

@@ -80,16 +80,15 @@ int TLintReport::FindGroup(const TEffectNode& node) const
     return Schedule != nullptr ? Schedule->FindGroupOf(node) : -1;
 }
 
-bool TLintReport::IsConsoleTold(const TEffectNode& node) const
+bool TLintReport::HasFinding(const TEffectNode& node, const char* const* kinds) const
 {
     for (int i = FirstFinding; i < Findings.size(); ++i) {
         const TFinding& finding = Findings[i];
-        const bool isOfConsole = std::strncmp(finding.Id, "console.", std::strlen("console.")) == 0 &&
-                                 std::strcmp(finding.Id, LK_CONSOLEEVENT) != 0 &&
-                                 std::strcmp(finding.Id, LK_CONSOLELIFE) != 0;
-        if ((isOfConsole || std::strcmp(finding.Id, LK_NUMBERFIELD) == 0) && !finding.Place.Type.IsEmpty() &&
-            finding.Place.Id == node.ChunkIdx)
-            return true;
+        if (finding.Place.Type.IsEmpty() || finding.Place.Id != node.ChunkIdx)
+            continue;
+        for (const char* const* kind = kinds; *kind != nullptr; ++kind)
+            if (std::strcmp(finding.Id, *kind) == 0)
+                return true;
     }
     return false;
 }

@@ -35,8 +35,8 @@ public:
     // At the node that it is about.
     void AddError(const char* kind, const TError& error);
 
-    // Whether a finding tells of the node that the console has something else for it.
-    bool IsConsoleTold(const TEffectNode& node) const;
+    // Whether a finding of one of the kinds, which end with null, tells of the node.
+    bool HasFinding(const TEffectNode& node, const char* const* kinds) const;
     // The node that a group's particles start at; null for a group without one.
     const TEffectNode* FindSource(int group) const;
     // -1 for a node that is in none.

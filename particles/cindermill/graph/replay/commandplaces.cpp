@@ -31,26 +31,7 @@ int CountCommands(const TEffectSchedule& schedule, int group, int tied, const TN
     return GetTypeFloats(attrib != -1 ? schedule.GetAttributeType(group, attrib) : type.GetInputType(0));
 }
 
-bool FiresParticles(const TNodeType& type)
-{
-    for (const char* name : {"TPointEmitter", "TGrid", "TSphereSurface"})
-        if (type.ClassName.Compare(name) == 0)
-            return !type.IsBypassed() && type.GetNumInputs() > 0;
-    return false;
-}
-
 } // namespace
-
-int FindTriggerInput(const TEffectSchedule& schedule, int group)
-{
-    int found = -1;
-    for (int tied = 0; tied < schedule.GetNumTiedNodes(group); ++tied) {
-        const TEffectNode* node = schedule.GetNode(schedule.GetTiedNode(group, tied));
-        if (FiresParticles(*node->GetNodeType()) && schedule.GetTiedNodeInput(group, tied, 0) != -1)
-            found = schedule.GetTiedNodeInput(group, tied, 0);
-    }
-    return found;
-}
 
 TCommandPlaces::TCommandPlaces(const TEffectSchedule& schedule, int group, bool isEmission)
 {

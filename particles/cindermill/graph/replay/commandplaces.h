@@ -25,6 +25,3 @@ private:
     vector<TPlace> Places;
     vector<bool> Taken;
 };
-
-// The attribute that tells how many particles of a group are born, which is no value of theirs; -1 for none.
-int FindTriggerInput(const TEffectSchedule& schedule, int group);

@@ -3,6 +3,7 @@
 #include "library/containers/append.h"
 #include "library/containers/nametocrc.h"
 #include "library/maths/scalar.h"
+#include "particles/cindermill/graph/replay/birthsource.h"
 
 namespace {
 constexpr int CellBytes = 4;

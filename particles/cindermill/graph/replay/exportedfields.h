@@ -1,6 +1,8 @@
 #pragma once
 
-#include "particles/effectgraph/nodeparameter.h"
+#include "library/containers/vector.h"
+
+class TNodeType;
 
 // What the export makes of single ports and parameters: by the class of the run-time node.
 
@@ -17,16 +19,18 @@ inline constexpr TFixedInput FixedInputs[] = {
     {"TCollisionPlane", 4},
 };
 
-// Parameters that go out as a byte, without a word of what does not fit.
-struct TByteParameter
+// A number of a node that its field of the exported file cannot hold.
+struct TFieldFault
 {
-    const char* ClassName;
-    const char* Name;
-    int Kind;
+    // As members of groups are named: "Alpha Test.Ref Value".
+    const char* Parameter;
+    double Value;
+    // What the field holds at most, from 0 on, and what it holds instead.
+    double Most;
+    double Exported;
+    // Whether the number chooses from a table of the console, which ends before it.
+    bool IsChoice;
 };
 
-inline constexpr TByteParameter ByteParameters[] = {
-    {"TEmitter", "Per frame max emission", PK_INT}, {"TEmitter", "Emit Mode", PK_ENUM},
-    {"TAnimatedTexture", "X Divisions", PK_INT},    {"TAnimatedTexture", "Y Divisions", PK_INT},
-    {"TAnimatedTexture", "Tile Count", PK_INT},     {"TAnimatedTexture", "Loop Mode", PK_ENUM},
-};
+// Appends those of a node of the type.
+void GetFieldFaults(const TNodeType& type, vector<TFieldFault>& result);

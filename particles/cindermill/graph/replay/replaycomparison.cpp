@@ -49,28 +49,8 @@ int CountReplayFrames(const TEffectSchedule& schedule, float dt)
     return needed < least ? least : needed > most ? most : static_cast<int>(needed);
 }
 
-// The program's, but for what an export in memory has no use for.
-class TReplayComparison::TServices : public TExecServices
-{
-public:
-    explicit TServices(TExecServices& services) : Services(services) {}
-    // Nobody looks at the engine's traces.
-    int GetTraceParticleSize() const override { return 0; }
-    int GetTraceAttributeSize() const override { return 1; }
-    int GetPolicyFlags() const override { return 0; }
-    bool FindResource(const char* name, TString& path) override { return Services.FindResource(name, path); }
-    bool LoadTexture(const char* path, TRenderTextureInstance& texture) override
-    {
-        return Services.LoadTexture(path, texture);
-    }
-    void Warn(const char* text) override { Services.Warn(text); }
-
-private:
-    TExecServices& Services;
-};
-
 TReplayComparison::TReplayComparison(const TEffectSchedule& schedule, TExecServices& services)
-    : Schedule(schedule), Services(new TServices(services)), Engine(*Services)
+    : Schedule(schedule), Services(services), Engine(Services)
 {
     Engine.SetBirthsApart(true);
     Engine.SetTexturesUsed(false);
@@ -119,37 +99,63 @@ bool TReplayComparison::LoadBytes(TEfxFile& file, TErrorList& errors) const
 
 bool TReplayComparison::Run(const TReplayOptions& options, TErrorList& errors)
 {
-    Report = TReplayReport();
-    TEfxFile file;
-    if (!LoadBytes(file, errors) || !InitEngine(options, errors))
+    if (!Begin(options, errors))
         return false;
-    const int frames = options.Frames == TReplayOptions::FramesOfTheLongestLife
-                           ? CountReplayFrames(Schedule, options.Dt)
-                           : options.Frames;
+    while (!IsComplete())
+        if (!RunFrame(errors))
+            return false;
+    return End(errors);
+}
+
+bool TReplayComparison::Begin(const TReplayOptions& options, TErrorList& errors)
+{
+    Report = TReplayReport();
+    Replay.Reset();
+    File = TEfxFile();
+    if (!LoadBytes(File, errors) || !InitEngine(options, errors))
+        return false;
+    Dt = options.Dt;
+    NumFrames = options.Frames == TReplayOptions::FramesOfTheLongestLife ? CountReplayFrames(Schedule, Dt)
+                                                                         : options.Frames;
     return RunAsserting(errors, [&] {
-        TEffectReplay replay(file, Schedule, options.Seed);
-        AddReplayNotes(Schedule, file, Report);
-        CompareStages(Engine, file, Report);
-        CompareTables(Engine, replay, Report);
-        ComparePatches(Schedule, file, Report);
-        CompareShared(Schedule, file, Report);
-        ListAttributes(replay);
-        for (int frame = 1; frame <= frames; ++frame)
-            RunFrame(replay, frame, options.Dt);
-        AddRefusalNotes(replay, Report);
-        FindDifferenceSources(Schedule, Report);
+        Replay.Reset(new TEffectReplay(File, Schedule, options.Seed));
+        AddReplayNotes(Schedule, File, Report);
+        CompareStages(Engine, File, Report);
+        CompareTables(Engine, *Replay, Report);
+        ComparePatches(Schedule, File, Report);
+        CompareShared(Schedule, File, Report);
+        ListAttributes();
         return true;
     });
 }
 
-void TReplayComparison::ListAttributes(TEffectReplay& replay)
+bool TReplayComparison::RunFrame(TErrorList& errors)
+{
+    return RunAsserting(errors, [&] {
+        CompareFrame();
+        return true;
+    });
+}
+
+bool TReplayComparison::End(TErrorList& errors)
+{
+    const bool ended = RunAsserting(errors, [&] {
+        AddRefusalNotes(*Replay, Report);
+        FindDifferenceSources(Schedule, Report);
+        return true;
+    });
+    Replay.Reset();
+    return ended;
+}
+
+void TReplayComparison::ListAttributes()
 {
     Attributes.clear();
     InStep.clear();
     for (int group = 0; group < Schedule.GetNumGroups(); ++group) {
         InStep.push_back(true);
         for (int attrib = 0; attrib < Schedule.GetNumAttributes(group); ++attrib) {
-            if (attrib == replay.GetTriggerInput(group))
+            if (attrib == Replay->GetTriggerInput(group))
                 continue;
             TAttribute attribute;
             attribute.Group = group;
@@ -163,43 +169,43 @@ void TReplayComparison::ListAttributes(TEffectReplay& replay)
     }
 }
 
-void TReplayComparison::RunFrame(TEffectReplay& replay, int frame, float dt)
+void TReplayComparison::CompareFrame()
 {
-    Frame = frame;
-    Engine.Update(dt);
-    replay.Update(dt);
+    Frame = Report.NumFrames + 1;
+    Engine.Update(Dt);
+    Replay->Update(Dt);
     for (int group = 0; group < Schedule.GetNumGroups(); ++group)
-        InStep[group] = CompareCounts(replay, group) && InStep[group];
+        InStep[group] = CompareCounts(group) && InStep[group];
     for (const TAttribute& attribute : Attributes)
         if (InStep[attribute.Group])
-            CompareAttribute(replay, attribute);
+            CompareAttribute(attribute);
     ++Report.NumFrames;
 }
 
 // What is told of single particles makes sense only where the particles are the same.
-bool TReplayComparison::CompareCounts(TEffectReplay& replay, int group)
+bool TReplayComparison::CompareCounts(int group)
 {
-    if (!replay.IsCountKnown(group)) {
+    if (!Replay->IsCountKnown(group)) {
         DifferInCount(group, DK_UNKNOWN, Engine.GetNumParticles(group), 0);
         return false;
     }
     const int count = Schedule.IsTriggerGroup(group) ? 1 : Engine.GetNumParticles(group);
     Report.NumParticles += count;
-    if (count == replay.GetNumParticles(group))
+    if (count == Replay->GetNumParticles(group))
         return true;
-    DifferInCount(group, DK_COUNT, count, replay.GetNumParticles(group));
+    DifferInCount(group, DK_COUNT, count, Replay->GetNumParticles(group));
     return false;
 }
 
-void TReplayComparison::CompareAttribute(TEffectReplay& replay, const TAttribute& attribute)
+void TReplayComparison::CompareAttribute(const TAttribute& attribute)
 {
-    const int count = replay.GetNumParticles(attribute.Group);
+    const int count = Replay->GetNumParticles(attribute.Group);
     if (count == 0)
         return;
-    const TReplayColumns cells = replay.GetCells(attribute.Group);
+    const TReplayColumns cells = Replay->GetCells(attribute.Group);
     TColumns columns;
     for (int i = 0; i < attribute.NumComponents; ++i) {
-        const int cell = replay.FindCell(attribute.Group, attribute.Attribute, i);
+        const int cell = Replay->FindCell(attribute.Group, attribute.Attribute, i);
         columns.Components[i] = cell != -1 ? cells[cell] : TReplayColumn();
     }
     int particle = 0;

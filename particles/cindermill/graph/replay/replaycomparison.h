@@ -1,7 +1,7 @@
 #pragma once
 
-#include "library/containers/owner.h"
 #include "particles/cindermill/graph/engine/effectexec.h"
+#include "particles/cindermill/graph/engine/unseenservices.h"
 #include "particles/cindermill/graph/replay/effectreplay.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 
@@ -27,6 +27,8 @@ int CountReplayFrames(const TEffectSchedule& schedule, float dt);
 //     TReplayComparison comparison(schedule, services);
 //     if (comparison.Export(errors) && comparison.Run(options, errors))
 //         ... comparison.GetReport().GetDifferences(), GetNotes() ...
+//
+// Between other work the same is done in parts: Begin, then RunFrame until IsComplete, then End.
 class TReplayComparison
 {
 public:
@@ -43,10 +45,17 @@ public:
     // From the first frame on; false with errors if the file is not sound or the engine fails. What was
     // compared until then stands.
     bool Run(const TReplayOptions& options, TErrorList& errors);
+    // What needs no frame. Nothing of the schedule and its nodes may change from here to the end.
+    bool Begin(const TReplayOptions& options, TErrorList& errors);
+    bool RunFrame(TErrorList& errors);
+    bool IsComplete() const { return Report.NumFrames >= NumFrames; }
+    // How many frames there are to be.
+    int GetNumFrames() const { return NumFrames; }
+    // What only the whole tells, of as many frames as were run. The replay goes.
+    bool End(TErrorList& errors);
     const TReplayReport& GetReport() const { return Report; }
 
 private:
-    class TServices;
     // What is asked of each attribute in each frame.
     struct TAttribute
     {
@@ -71,10 +80,10 @@ private:
 
     bool InitEngine(const TReplayOptions& options, TErrorList& errors);
     bool LoadBytes(TEfxFile& file, TErrorList& errors) const;
-    void ListAttributes(TEffectReplay& replay);
-    void RunFrame(TEffectReplay& replay, int frame, float dt);
-    bool CompareCounts(TEffectReplay& replay, int group);
-    void CompareAttribute(TEffectReplay& replay, const TAttribute& attribute);
+    void ListAttributes();
+    void CompareFrame();
+    bool CompareCounts(int group);
+    void CompareAttribute(const TAttribute& attribute);
     void CompareValue(const TShown& shown, const TColumns& columns);
     void CompareComponent(const TShown& shown, int component, const TReplayCell& cell);
     void Differ(const TShown& shown, int component, TDifferenceKind kind, float replay);
@@ -82,9 +91,14 @@ private:
     void Count(TReplayDifference* known, const TReplayDifference& difference);
 
     const TEffectSchedule& Schedule;
-    TOwner<TServices> Services;
+    TUnseenServices Services;
     TEffectExec Engine;
     vector<uint8_t> Bytes;
+    // Of a comparison that has begun.
+    TEfxFile File;
+    TOwner<TEffectReplay> Replay;
+    int NumFrames = 0;
+    float Dt = 0;
     TReplayReport Report;
     vector<TAttribute> Attributes;
     // By group: whether its particles are those of the preview until now.

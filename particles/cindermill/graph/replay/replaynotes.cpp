@@ -2,16 +2,21 @@
 
 #include "library/containers/nametocrc.h"
 #include "library/maths/vector3.h"
+#include "particles/cindermill/graph/replay/birthsource.h"
 #include "particles/cindermill/graph/replay/effectreplay.h"
 #include "particles/cindermill/graph/replay/exportedfields.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/export/efxnames.h"
 #include "particles/effectgraph/export/fixedvalue.h"
 #include "particles/effectgraph/simpleparameters.h"
+#include "particles/effectgraph/xmltext.h"
 
 #include <initializer_list>
 
 namespace {
+
+// Of a name in a note.
+constexpr int MaxName = 400;
 
 // What holds for every node of a class.
 struct TClassNote
@@ -76,23 +81,27 @@ public:
     }
 
 private:
-    void Add(const char* text, bool mayDiffer = true)
+    // What is the whole group's decides which particles there are.
+    void Add(const char* text, bool mayDiffer = true, bool decidesParticles = false)
     {
         TReplayNote note;
         note.MayDiffer = mayDiffer;
+        note.DecidesParticles = decidesParticles || Node == nullptr;
         note.Node = Node;
         note.Group = Group;
         if (Node != nullptr)
-            note.Text.Format("%s in group %d: %s", Node->GetNodeType()->Name.Print(), Group, text);
+            note.Text.Format("%s in group %d: %s", QuoteText(Node->GetNodeType()->Name, MaxName).Print(),
+                             Group, text);
         else
             note.Text.Format("Group %d: %s", Group, text);
         Report.AddNote(note);
     }
-    void AddNamed(const char* format, const TString& name, bool mayDiffer = true)
+    void AddNamed(const char* format, const TString& name, bool mayDiffer = true,
+                  bool decidesParticles = false)
     {
         TString text;
-        text.Format(format, name.Print());
-        Add(text, mayDiffer);
+        text.Format(format, QuoteText(name, MaxName).Print());
+        Add(text, mayDiffer, decidesParticles);
     }
 
     void AddNode(const TTiedNode& tied, const TNodeType& type)
@@ -107,19 +116,17 @@ private:
         for (const TFixedInput& placed : PlacedInputs)
             if (IsOfClass(type, placed.ClassName) && !IsWired(tied, placed.Port))
                 Add("the game may place it, and it is replayed where the effect has it", false);
-        for (const TByteParameter& byte : ByteParameters)
-            if (IsOfClass(type, byte.ClassName))
-                AddByte(type, byte);
+        AddFields(type);
         if (IsOfClass(type, "TCollisionPlane"))
             AddPlane(tied, type);
         if (IsOfClassIn(type, {"TPointEmitter", "TGrid", "TSphereSurface"}) && !IsWired(tied, 0) &&
             !(TFixedValue(type.GetInput(0))[0] < 1))
             AddNamed(
                 "nothing is wired to \"%s\": the preview takes its own value, and the console fires none",
-                type.GetInput(0)->Name);
+                type.GetInput(0)->Name, true, true);
         if (IsOfClass(type, "TEffect"))
             AddUserParameters(type);
-        if (IsOfClass(type, "TEmitter") && GetNumber(type, "Emit Mode", PK_ENUM) == 0)
+        if (IsOfClass(type, "TEmitter") && EmitsByChance(type))
             Add("it draws at random: what the console draws is its own", false);
         if (IsOfClassIn(type, {"TEmitter", "TEffect"}) && !Schedule.IsTriggerGroup(Group))
             Add("its particles share one clock in the preview, and have one each on the console");
@@ -134,24 +141,26 @@ private:
         return port < tied.Inputs.size() && tied.Inputs[port] != -1;
     }
 
-    static int GetNumber(const TNodeType& type, const char* name, int kind)
+    static bool EmitsByChance(const TNodeType& type)
     {
-        if (kind == PK_ENUM) {
-            const auto* parameter = type.FindParameterOf<TNodeEnumParameter>(name, kind);
-            return parameter != nullptr ? parameter->GetNumber() : 0;
-        }
-        const auto* parameter = type.FindParameterOf<TNodeIntParameter>(name, kind);
-        return parameter != nullptr ? parameter->Get() : 0;
+        const auto* mode = type.FindParameterOf<TNodeEnumParameter>("Emit Mode", PK_ENUM);
+        return mode == nullptr || mode->GetNumber() == 0;
     }
-    void AddByte(const TNodeType& type, const TByteParameter& byte)
+    // What a stage is given is cut for the preview too.
+    void AddFields(const TNodeType& type)
     {
-        const int number = GetNumber(type, byte.Name, byte.Kind);
-        if (number >= 0 && number <= 255)
-            return;
-        TString text;
-        text.Format("\"%s\" is %d, which does not fit its field: %d is exported", byte.Name, number,
-                    number & 0xFF);
-        Add(text);
+        vector<TFieldFault> faults;
+        GetFieldFaults(type, faults);
+        for (const TFieldFault& fault : faults) {
+            TString text;
+            if (fault.IsChoice)
+                text.Format("\"%s\" is %g, and the console's table ends at %g", fault.Parameter, fault.Value,
+                            fault.Most);
+            else
+                text.Format("\"%s\" is %g, which does not fit its field: %g is exported", fault.Parameter,
+                            fault.Value, fault.Exported);
+            Add(text, type.Category != TU_RENDER);
+        }
     }
 
     // Its place and its edge are the preview's alone.
@@ -249,7 +258,8 @@ private:
                 Add("it stands in several places, which share one clock in the preview and none on the "
                     "console");
             if (IsOfClassIn(type, {"TPointEmitter", "TGrid", "TSphereSurface"}))
-                Add("it stands in several places, each of which emits in the preview and one on the console");
+                Add("it stands in several places, each of which emits in the preview and one on the console",
+                    true, true);
         }
         Node = nullptr;
         if (numKillers > 1 && !Schedule.IsTriggerGroup(Group))
@@ -321,12 +331,16 @@ private:
     // The number of births may come from another group than what the particles are born with.
     void AddTrigger()
     {
+        if (const TTiedNode* reader = FindCountReader(Schedule, Group)) {
+            Node = Schedule.GetNode(reader->Node);
+            Add("it reads the number of births as a value, which is 0 on the console, as another group "
+                "brings "
+                "what the particles are born with");
+            Node = nullptr;
+        }
         const int input = FindTriggerInput(Schedule, Group);
         const int trigger = input != -1 ? Schedule.GetAttributeExternalGroup(Group, input) : -1;
-        int parent = -1;
-        for (int attrib = 0; attrib < Schedule.GetNumAttributes(Group); ++attrib)
-            if (attrib != input && Schedule.GetAttributeExternalGroup(Group, attrib) != -1)
-                parent = Schedule.GetAttributeExternalGroup(Group, attrib);
+        const int parent = FindBirthParent(Schedule, Group);
         if (trigger == -1 || parent == -1 || parent == trigger || Schedule.IsTriggerGroup(trigger))
             return;
         TString text;

@@ -67,6 +67,8 @@ struct TReplayNote
     int Group = -1;
     // Whether preview and replay may differ for it. What the console alone does, they do alike.
     bool MayDiffer = false;
+    // Whether other particles may live for it, and not just other values.
+    bool DecidesParticles = false;
 };
 
 // What a comparison has come to.

@@ -68,6 +68,23 @@ bool IsWord(const TString& text)
     return !text.IsEmpty();
 }
 
+TString GetWireLabel(const char* side, const TString& port, const char* way)
+{
+    TString label(side);
+    label += port;
+    label += way;
+    return label;
+}
+
+void AddWire(TTextLines& lines, const TString& label, int node, const TString& port)
+{
+    TTextLine line;
+    line.Label = label;
+    line.Node = node;
+    line.Value = port;
+    Append(lines, line);
+}
+
 void WriteLine(const TString& label, TTextBuffer& text)
 {
     text << "  " << label << ": ";
@@ -126,6 +143,8 @@ int TEffectText::FindOrAddType(const TNodeType& type, TTextLines& lines)
     TTypeText text;
     text.ClassName = type.ClassName;
     text.Lines.swap(lines);
+    GetInputLabels(type, text.InputLabels);
+    GetOutputLabels(type, text.OutputLabels);
     Append(Types, text);
     return Types.size() - 1;
 }
@@ -189,29 +208,22 @@ void TEffectText::SortTypes()
 void TEffectText::AddWires(TNodeText& node, const TPointerMap& numbers)
 {
     const TEffectNode& effectNode = *node.Node;
-    const TNodeType& type = *effectNode.GetNodeType();
+    const TTypeText& type = Types[node.Type];
     for (int port = 0; port < effectNode.GetNumInputs(); ++port)
         if (const TEffectEdge* edge = effectNode.GetInput(port)) {
-            TTextLine line;
-            line.Label = "input ";
-            line.Label += GetInputLabel(type, port);
-            line.Label += " from";
-            line.Node = numbers.Find(edge->GetSrcNode());
-            line.Value = GetOutputLabel(*edge->GetSrcNode()->GetNodeType(), edge->GetSrcPort());
-            Append(node.Wires, line);
+            const int source = numbers.Find(edge->GetSrcNode());
+            AddWire(node.Wires, GetWireLabel("input ", type.InputLabels[port], " from"), source,
+                    Types[Nodes[source].Type].OutputLabels[edge->GetSrcPort()]);
         }
-    for (int port = 0; port < effectNode.GetNumOutputs(); ++port)
-        for (int n = 0; n < effectNode.GetNumOutputEdges(port) && effectNode.GetNumOutputEdges(port) > 1;
-             ++n) {
+    for (int port = 0; port < effectNode.GetNumOutputs(); ++port) {
+        const int count = effectNode.GetNumOutputEdges(port);
+        for (int n = 0; n < count && count > 1; ++n) {
             const TEffectEdge* edge = effectNode.GetOutputEdge(port, n);
-            TTextLine line;
-            line.Label = "output ";
-            line.Label += GetOutputLabel(type, port);
-            line.Label += " to";
-            line.Node = numbers.Find(edge->GetDstNode());
-            line.Value = GetInputLabel(*edge->GetDstNode()->GetNodeType(), edge->GetDstPort());
-            Append(node.Wires, line);
+            const int destination = numbers.Find(edge->GetDstNode());
+            AddWire(node.Wires, GetWireLabel("output ", type.OutputLabels[port], " to"), destination,
+                    Types[Nodes[destination].Type].InputLabels[edge->GetDstPort()]);
         }
+    }
 }
 
 void TEffectText::WriteValue(const TTextLine& line, TTextBuffer& text) const

@@ -11,6 +11,9 @@ struct TTypeText
     TString FirstName;
     TString Key;
     TTextLines Lines;
+    // What the wires call the ports.
+    vector<TString> InputLabels;
+    vector<TString> OutputLabels;
 };
 
 struct TNodeText

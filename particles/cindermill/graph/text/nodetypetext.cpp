@@ -125,18 +125,16 @@ void AddPropertyLines(const TNodeType& type, TTextLines& lines)
         AddNumber(lines, "other flags", static_cast<int>(type.Flags & ~known));
 }
 
-TString GetInputLabel(const TNodeType& type, int port)
+void GetInputLabels(const TNodeType& type, vector<TString>& labels)
 {
     TNumberedNames names;
-    for (int i = 0; i < port; ++i)
-        names.Add(type.GetInput(i)->Name);
-    return names.Add(type.GetInput(port)->Name);
+    for (const TNodeParameter* input : type.Inputs)
+        Append(labels, names.Add(input->Name));
 }
 
-TString GetOutputLabel(const TNodeType& type, int port)
+void GetOutputLabels(const TNodeType& type, vector<TString>& labels)
 {
     TNumberedNames names;
-    for (int i = 0; i < port; ++i)
-        names.Add(type.GetOutput(i).Name);
-    return names.Add(type.GetOutput(port).Name);
+    for (const TOutputPort& output : type.Outputs)
+        Append(labels, names.Add(output.Name));
 }

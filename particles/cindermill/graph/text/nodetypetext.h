@@ -9,5 +9,5 @@ void AddOutputLines(const TNodeType& type, TTextLines& values, TTextLines& decla
 void AddPropertyLines(const TNodeType& type, TTextLines& lines);
 
 // The labels of a node's ports: the names in quotes, numbered where one occurs more than once.
-TString GetInputLabel(const TNodeType& type, int port);
-TString GetOutputLabel(const TNodeType& type, int port);
+void GetInputLabels(const TNodeType& type, vector<TString>& labels);
+void GetOutputLabels(const TNodeType& type, vector<TString>& labels);

@@ -1,5 +1,6 @@
 #include "particles/cindermill/graph/text/parametertext.h"
 
+#include "library/containers/hashindex.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/rampparameter.h"
@@ -35,11 +36,13 @@ TString QuotedText(const TString& value)
 
 TString TNumberedNames::Add(const TString& name)
 {
+    const uint32_t hash = HashText(name.Print());
     int number = 1;
-    for (const TString& earlier : Names)
-        if (earlier == name)
+    for (int i = 0; i < Names.size(); ++i)
+        if (Hashes[i] == hash && Names[i] == name)
             ++number;
     Append(Names, name);
+    Append(Hashes, hash);
     return QuoteNumbered(name, number);
 }
 

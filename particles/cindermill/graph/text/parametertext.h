@@ -41,4 +41,6 @@ public:
 
 private:
     vector<TString> Names;
+    // Of the names, which most others differ from in it.
+    vector<uint32_t> Hashes;
 };

@@ -193,3 +193,11 @@ TNodeAnimationParameterControls* TNodeAnimationParameterControls::FindGroup(TRen
             return static_cast<TNodeAnimationParameterControls*>(object);
     return nullptr;
 }
+
+void TNodeAnimationParameterControls::NamePart(const TRenderObject& part, TString& name) const
+{
+    if (&part == Button.Get())
+        name = "choose a file";
+    else if (&part == Name.Get())
+        name = "file";
+}

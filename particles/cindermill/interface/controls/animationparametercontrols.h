@@ -23,6 +23,7 @@ public:
     };
 
     void Refresh() override;
+    void NamePart(const TRenderObject& part, TString& name) const override;
     void GetSize(TVector2& size) const override;
     // The stored name. One that is pasted must lead to an animation that is there.
     void CopyValue(TString& text) const override;

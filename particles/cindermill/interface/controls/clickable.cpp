@@ -41,6 +41,22 @@ int TClickable::GetLook() const
     return look;
 }
 
+bool TClickable::Activate()
+{
+    if (!Enabled)
+        return false;
+    OnClick();
+    return true;
+}
+
+void TClickable::DescribeClickable(TAccessibleTraits& traits) const
+{
+    traits.Role = AR_BUTTON;
+    traits.IsEnabled = Enabled;
+    traits.TakesFocus = Enabled;
+    traits.HasFocus = GetFocus() == this;
+}
+
 bool TClickable::OnPress(const TRenderEvent& event)
 {
     if (!Enabled)

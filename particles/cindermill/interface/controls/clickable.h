@@ -16,8 +16,12 @@ public:
     void SetEnabled(bool enabled);
     bool IsEnabled() const { return Enabled; }
     bool Event(const TRenderEvent& event) override;
+    bool Activate() override;
 
 protected:
+    // Of all that are clicked.
+    void DescribeClickable(TAccessibleTraits& traits) const;
+
     // The object may be gone after what a click brings about.
     virtual void OnClick() = 0;
     // TControlLook bits. Held down, it looks pressed while the pointer is over it.

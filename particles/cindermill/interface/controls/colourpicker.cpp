@@ -3,6 +3,7 @@
 #include "library/containers/assertion.h"
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/interface/controls/colourpaint.h"
+#include "particles/cindermill/interface/controls/colourtext.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
 #include "particles/cindermill/interface/controls/fieldwalk.h"
 #include "particles/cindermill/interface/controls/pickerprograms.h"
@@ -468,4 +469,42 @@ void TColourPicker::RenderMarkers(TRenderer& renderer)
     GetArea(PA_ALPHA, area.Min, area.Max);
     DrawHeightMarker(renderer, area.Min[0], area.Max[0],
                      area.At(0, ClampToUnit(shown[TPickedColour::Alpha]))[1]);
+}
+
+bool TColourPicker::Describe(TAccessibleTraits& traits)
+{
+    traits.Role = AR_COLOUR;
+    ColourToText(GetColour(), traits.Value);
+    traits.TakesFocus = true;
+    traits.HasFocus = GetFocus() == this;
+    return true;
+}
+
+void TColourPicker::NamePart(const TRenderObject& part, TString& name) const
+{
+    if (&part == &Combo)
+        name = "mode";
+    for (int i = 0; i < NumRows; ++i)
+        if (&part == &Inputs[i])
+            name = RowLabels[i].GetText();
+}
+
+// The last thing that is done, as the change may take the picker away.
+bool TColourPicker::EnterValue(const char* text)
+{
+    float rgba[NumRows];
+    for (int i = 0; i < NumRows; ++i)
+        rgba[i] = GetColour()[i];
+    if (Drag.IsRunning() || !TextToColour(text, rgba))
+        return false;
+    SetColour(rgba);
+    Notify();
+    return true;
+}
+
+void TColourPicker::TakeKeys(TRenderer* renderer)
+{
+    if (KeyArea == PA_NONE)
+        KeyArea = PA_SQUARE;
+    SetFocus(this, renderer);
 }

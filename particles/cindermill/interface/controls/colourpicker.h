@@ -62,6 +62,10 @@ public:
     void GetBounds(TVector2& min, TVector2& max) override;
     TRenderObject* HitTest(const TVector2& point) override;
     bool Event(const TRenderEvent& event) override;
+    bool Describe(TAccessibleTraits& traits) override;
+    void NamePart(const TRenderObject& part, TString& name) const override;
+    bool EnterValue(const char* text) override;
+    void TakeKeys(TRenderer* renderer) override;
 
 private:
     static constexpr int NumRows = TPickedColour::NumComponents;

@@ -2,6 +2,7 @@
 
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/interface/controls/colourpaint.h"
+#include "particles/cindermill/interface/controls/colourtext.h"
 #include "particles/cindermill/interface/controls/controlpaint.h"
 
 namespace {
@@ -45,4 +46,13 @@ void TColourSwatch::Render(TRenderer& renderer)
     DrawAreaFrame(renderer, inset, max);
     DrawArrow(renderer, TVector2(Size[0] - SignRoom * 0.5f, Size[1] * 0.5f), SignSize, Open,
               GetControlInk(GetLook()));
+}
+
+bool TColourSwatch::Describe(TAccessibleTraits& traits)
+{
+    DescribeClickable(traits);
+    ColourToText(Rgba, traits.Value);
+    traits.IsCheckable = true;
+    traits.IsChecked = Open;
+    return true;
 }

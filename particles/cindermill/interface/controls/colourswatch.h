@@ -19,6 +19,7 @@ public:
 
     void Render(TRenderer& renderer) override;
     void GetBounds(TVector2& min, TVector2& max) override;
+    bool Describe(TAccessibleTraits& traits) override;
 
 protected:
     void OnClick() override;

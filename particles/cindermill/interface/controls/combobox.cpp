@@ -228,3 +228,24 @@ void TComboBox::GetBounds(TVector2& min, TVector2& max)
     min = TVector2(0, 0);
     max = Size;
 }
+
+bool TComboBox::Describe(TAccessibleTraits& traits)
+{
+    traits.Role = AR_CHOICE;
+    if (Selection >= 0)
+        traits.Value = Items[Selection].Text;
+    traits.IsEnabled = Enabled;
+    traits.TakesFocus = Enabled;
+    traits.HasFocus = GetFocus() == this;
+    return true;
+}
+
+bool TComboBox::EnterValue(const char* text)
+{
+    for (int i = 0; Enabled && i < Items.size(); ++i)
+        if (Items[i].Text.Compare(text, false) == 0) {
+            Choose(i);
+            return true;
+        }
+    return false;
+}

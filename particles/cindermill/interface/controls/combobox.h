@@ -41,6 +41,9 @@ public:
     void Render(TRenderer& renderer) override;
     void GetBounds(TVector2& min, TVector2& max) override;
     bool Event(const TRenderEvent& event) override;
+    bool Describe(TAccessibleTraits& traits) override;
+    // Chooses the text.
+    bool EnterValue(const char* text) override;
 
 private:
     friend class TComboDropDown;

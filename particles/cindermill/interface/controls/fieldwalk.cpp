@@ -14,41 +14,55 @@ TRenderObject* FindPanel(TRenderObject& object)
     return panel;
 }
 
-// The fields of a panel, and the object among them that the walk begins at.
+// The controls of a panel that take keys, and the object among them that the walk begins at.
 struct TWalk
 {
     void Gather(TRenderObject* object)
     {
-        TTextEdit* field = dynamic_cast<TTextEdit*>(object);
-        if (object == From)
-            NumBefore = Fields.size();
-        else if (field != nullptr && !field->IsReadOnly())
-            Fields.push_back(field);
+        TAccessibleTraits traits;
+        const bool isControl = object->Describe(traits);
+        // The parts of a number are not walked one by one.
+        const bool isWhole = isControl && traits.Role == AR_NUMBER;
+        if (object == From || (isWhole && From->IsIn(*object)))
+            NumBefore = Controls.size();
+        else if (isControl && traits.TakesFocus)
+            Controls.push_back(object);
+        if (isWhole)
+            return;
         if (TRenderObjects* container = dynamic_cast<TRenderObjects*>(object))
             for (TRenderObject* child : container->GetObjects())
                 Gather(child);
     }
 
     const TRenderObject* From;
-    vector<TTextEdit*> Fields;
+    vector<TRenderObject*> Controls;
     int NumBefore = 0;
 };
 
+// Of a control in a pane that scrolls.
+void BringIntoSight(TRenderObject& control)
+{
+    for (TRenderObject* above = control.GetParent(); above != nullptr; above = above->GetParent())
+        if (TScrollPane* pane = dynamic_cast<TScrollPane*>(above))
+            pane->Show(control);
+}
+
 } // namespace
 
-TTextEdit* FindNextField(TRenderObject& from, bool backwards)
+TRenderObject* FindNextField(TRenderObject& from, bool backwards)
 {
     TWalk walk{&from, {}, 0};
     walk.Gather(FindPanel(from));
-    const int count = walk.Fields.size();
+    const int count = walk.Controls.size();
     if (count == 0)
         return nullptr;
-    return walk.Fields[(walk.NumBefore + (backwards ? count - 1 : 0)) % count];
+    return walk.Controls[(walk.NumBefore + (backwards ? count - 1 : 0)) % count];
 }
 
 void WalkFields(TRenderObject& from, bool backwards)
 {
-    TTextEdit* next = FindNextField(from, backwards);
+    const TRenderObject* panel = FindPanel(from);
+    TRenderObject* next = FindNextField(from, backwards);
     if (next == nullptr) {
         if (TTextEdit* field = dynamic_cast<TTextEdit*>(&from)) {
             field->SelectAll();
@@ -56,11 +70,9 @@ void WalkFields(TRenderObject& from, bool backwards)
         }
         return;
     }
-    next->TakeFocus();
-    // What the input brought about may have taken the field away again.
-    if (TTextEdit::GetFocused() != next)
-        return;
-    for (TRenderObject* above = next->GetParent(); above != nullptr; above = above->GetParent())
-        if (TScrollPane* pane = dynamic_cast<TScrollPane*>(above))
-            pane->Show(*next);
+    next->TakeKeys(TRenderObject::GetRenderer());
+    // What the input brought about may have taken the control away again.
+    TRenderObject* focus = TRenderObject::GetFocus();
+    if (focus != nullptr && FindPanel(*focus) == panel)
+        BringIntoSight(*focus);
 }

@@ -213,3 +213,25 @@ TRenderObject* TNumberInput::HitTest(const TVector2& point)
     TRenderObject* hit = TRenderObjects::HitTest(point);
     return hit != nullptr ? hit : TRenderObject::HitTest(point);
 }
+
+bool TNumberInput::Describe(TAccessibleTraits& traits)
+{
+    Edit.Describe(traits);
+    traits.Role = AR_NUMBER;
+    traits.Number = Value;
+    traits.Least = Min;
+    traits.Most = Max;
+    traits.Step = Step;
+    return true;
+}
+
+bool TNumberInput::EnterValue(const char* text)
+{
+    double typed = 0;
+    if (Edit.IsReadOnly() || !ParseNumber(text, Float, typed))
+        return false;
+    const double before = Value;
+    SetValue(WithoutSign(typed));
+    NotifyIfChanged(before);
+    return true;
+}

@@ -47,6 +47,9 @@ public:
 
     bool Event(const TRenderEvent& event) override;
     TRenderObject* HitTest(const TVector2& point) override;
+    bool Describe(TAccessibleTraits& traits) override;
+    bool EnterValue(const char* text) override;
+    void TakeKeys(TRenderer* renderer) override { Edit.TakeKeys(renderer); }
 
 private:
     bool OnWheel(const TRenderEvent& event);

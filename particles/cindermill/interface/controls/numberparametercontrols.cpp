@@ -230,3 +230,10 @@ void TNumberParameterControls::Render(TRenderer& renderer)
         DrawControlText(renderer, FieldFont, place, look.Label, LabelInk);
     }
 }
+
+void TNumberParameterControls::NamePart(const TRenderObject& part, TString& name) const
+{
+    for (const TField* field : Fields)
+        if (&field->Input == &part && field->Look.Label != nullptr)
+            name = field->Look.Label;
+}

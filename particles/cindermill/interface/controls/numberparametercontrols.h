@@ -48,6 +48,7 @@ public:
     void Refresh() override;
     void GetSize(TVector2& size) const override;
     void Render(TRenderer& renderer) override;
+    void NamePart(const TRenderObject& part, TString& name) const override;
 
     int GetNumFields() const { return Fields.size(); }
     TNumberInput& GetInput(int field) { return Fields[field]->Input; }

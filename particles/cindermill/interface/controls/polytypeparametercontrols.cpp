@@ -144,3 +144,9 @@ bool TNodePolytypeParameterControls::IsDefault() const
     return value == nullptr || !HasChoice() || FindType(GetTypeName(value->GetDefaultType())) == -1 ||
            value->GetDefaultType() == GetPolytype().GetCurrentType();
 }
+
+void TNodePolytypeParameterControls::NamePart(const TRenderObject& part, TString& name) const
+{
+    if (&part == Combo.Get())
+        name = "type";
+}

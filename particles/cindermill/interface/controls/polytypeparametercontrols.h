@@ -15,6 +15,7 @@ public:
     static constexpr float ComboWidth = 100.0f;
 
     void Refresh() override;
+    void NamePart(const TRenderObject& part, TString& name) const override;
     void GetSize(TVector2& size) const override;
     bool Event(const TRenderEvent& event) override;
     // The type's name: the value below has a group of its own.

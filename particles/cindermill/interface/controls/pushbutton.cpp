@@ -54,3 +54,12 @@ void TPushButton::GetBounds(TVector2& min, TVector2& max)
     min = TVector2(0, 0);
     max = Size;
 }
+
+bool TPushButton::Describe(TAccessibleTraits& traits)
+{
+    DescribeClickable(traits);
+    traits.Name = Text;
+    traits.IsCheckable = Toggle;
+    traits.IsChecked = Pressed;
+    return true;
+}

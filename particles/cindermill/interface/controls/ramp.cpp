@@ -93,6 +93,9 @@ void TRamp::BuildRow(bool colour)
 {
     const bool isMany = Model.GetComponentCount() > 1;
     float x = RowLeft;
+    // The Tab key leads from a point to its numbers first.
+    AddMissing(TimeInput);
+    AddMissing(ValueInput);
     for (int i = 0; i < MaxComponents; ++i) {
         if (isMany && i < Model.GetComponentCount())
             x = PlaceButton(ComponentButtons[i], GetRampLabel(i, colour), x, ComponentWidth,
@@ -110,7 +113,6 @@ void TRamp::BuildRow(bool colour)
         input->Build(TVector2(InputWidth - Gap, ButtonHeight), true, RowFontSize);
         input->SetFormat("%.2f");
         input->SetOrigin(TVector2(x, TRampLayout::RowLine - ButtonAbove - ButtonHeight));
-        AddMissing(*input);
         x += InputWidth;
     }
     RowEnd = x - Gap;
@@ -510,9 +512,40 @@ bool TRamp::OnKey(int key)
     case KEY_UP:
     case KEY_DOWN:
         return OnArrow(key);
+    case KEY_PAGEUP:
+    case KEY_PAGEDOWN:
+        return WalkPoints(key == KEY_PAGEUP ? -1 : 1);
     default:
         return false;
     }
+}
+
+// Through the points that can be taken, component by component.
+bool TRamp::WalkPoints(int step)
+{
+    if (Drag.IsRunning())
+        return true;
+    vector<TRampSelection> points;
+    int at = -1;
+    for (int component = 0; component < Model.GetComponentCount(); ++component)
+        for (int i = 0; i < Model.GetCurve(component).GetNumPoints(); ++i) {
+            if (!Model.IsSelectable(component, i))
+                continue;
+            if (component == Selected.Component && i == Selected.Point)
+                at = points.size();
+            points.push_back(TRampSelection{component, i});
+        }
+    const int to = at != -1 ? at + step : 0;
+    if (to >= 0 && to < points.size())
+        Select(points[to]);
+    return true;
+}
+
+void TRamp::TakeKeys(TRenderer* renderer)
+{
+    SetFocus(this, renderer);
+    if (GetFocus() == this && Selected.IsNone())
+        WalkPoints(1);
 }
 
 bool TRamp::OnArrow(int key)
@@ -589,4 +622,21 @@ void TRamp::OnButton(const TRenderObject* button)
             Model.SetVisible(i, !Model.IsVisible(i));
     DropLostSelection();
     Changed();
+}
+
+bool TRamp::Describe(TAccessibleTraits& traits)
+{
+    traits.Role = AR_CURVES;
+    CopyValue(traits.Value);
+    traits.TakesFocus = true;
+    traits.HasFocus = GetFocus() == this;
+    return true;
+}
+
+void TRamp::NamePart(const TRenderObject& part, TString& name) const
+{
+    if (&part == &TimeInput)
+        name = "point's time";
+    else if (&part == &ValueInput)
+        name = "point's value";
 }

@@ -70,6 +70,10 @@ public:
     TRenderObject* HitTest(const TVector2& point) override;
     bool Event(const TRenderEvent& event) override;
     void Tick(TRenderer* renderer) override;
+    bool Describe(TAccessibleTraits& traits) override;
+    void NamePart(const TRenderObject& part, TString& name) const override;
+    bool EnterValue(const char* text) override { return PasteValue(text); }
+    void TakeKeys(TRenderer* renderer) override;
 
 private:
     friend class TRampDrag;
@@ -96,6 +100,7 @@ private:
     bool OnWheel(int delta);
     bool OnKey(int key);
     bool OnArrow(int key);
+    bool WalkPoints(int step);
     void OnFocusLost(const TRenderObject* source);
     void OnPointer(const TVector2& place, bool inside);
     void OnInput(const TRenderObject* input);

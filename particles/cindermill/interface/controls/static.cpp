@@ -46,3 +46,10 @@ TRenderObject* TStatic::HitTest(const TVector2& point)
     (void)point;
     return nullptr;
 }
+
+bool TStatic::Describe(TAccessibleTraits& traits)
+{
+    traits.Role = AR_LABEL;
+    traits.Name = Text;
+    return !Text.IsEmpty();
+}

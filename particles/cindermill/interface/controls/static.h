@@ -22,6 +22,7 @@ public:
     void Render(TRenderer& renderer) override;
     void GetBounds(TVector2& min, TVector2& max) override;
     TRenderObject* HitTest(const TVector2& point) override;
+    bool Describe(TAccessibleTraits& traits) override;
 
 private:
     void Measure();

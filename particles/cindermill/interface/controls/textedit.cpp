@@ -76,11 +76,7 @@ void TTextEdit::SetText(const char* text)
 
 void TTextEdit::TakeFocus()
 {
-    SetFocus(this, GetRenderer());
-    if (!IsFocused())
-        return;
-    SelectAll();
-    StartBlinking();
+    TakeKeys(GetRenderer());
 }
 
 // The last thing that is done, as the change may take the edit away.
@@ -544,4 +540,34 @@ void TTextEdit::GetBounds(TVector2& min, TVector2& max)
 {
     min = TVector2(0, 0);
     max = Size;
+}
+
+bool TTextEdit::Describe(TAccessibleTraits& traits)
+{
+    traits.Role = AR_TEXT;
+    traits.Value = Text;
+    traits.IsReadOnly = ReadOnly;
+    traits.TakesFocus = !ReadOnly;
+    traits.HasFocus = IsFocused();
+    return true;
+}
+
+// The last thing that is done, as the change may take the edit away.
+bool TTextEdit::EnterValue(const char* text)
+{
+    if (ReadOnly)
+        return false;
+    SelectAll();
+    Insert(text);
+    EndInput();
+    return true;
+}
+
+void TTextEdit::TakeKeys(TRenderer* renderer)
+{
+    SetFocus(this, renderer);
+    if (!IsFocused())
+        return;
+    SelectAll();
+    StartBlinking();
 }

@@ -63,6 +63,9 @@ public:
     void GetBounds(TVector2& min, TVector2& max) override;
     bool Event(const TRenderEvent& event) override;
     void Tick(TRenderer* renderer) override;
+    bool Describe(TAccessibleTraits& traits) override;
+    bool EnterValue(const char* text) override;
+    void TakeKeys(TRenderer* renderer) override;
 
 private:
     // Selects a range.

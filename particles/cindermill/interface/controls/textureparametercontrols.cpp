@@ -183,3 +183,9 @@ bool TNodeTextureParameterControls::IsDefault() const
     const TNodeTextureParameter* value = static_cast<const TNodeTextureParameter*>(FindDefault());
     return value == nullptr || value->GetFileName() == GetTexture().GetFileName();
 }
+
+void TNodeTextureParameterControls::NamePart(const TRenderObject& part, TString& name) const
+{
+    if (&part == Button.Get())
+        name = "choose a file";
+}

@@ -17,6 +17,7 @@ public:
     static constexpr const char* RegisteredName = "TNodeTextureParameterControls";
 
     void Refresh() override;
+    void NamePart(const TRenderObject& part, TString& name) const override;
     void GetSize(TVector2& size) const override;
     // The stored name. One that is pasted must lead to a texture that is there.
     void CopyValue(TString& text) const override;

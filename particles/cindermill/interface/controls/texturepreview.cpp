@@ -51,3 +51,10 @@ TRenderObject* TTexturePreview::HitTest(const TVector2& point)
     (void)point;
     return nullptr;
 }
+
+bool TTexturePreview::Describe(TAccessibleTraits& traits)
+{
+    traits.Role = AR_PICTURE;
+    traits.Name = "picture";
+    return true;
+}

@@ -73,3 +73,13 @@ void TTickBox::GetBounds(TVector2& min, TVector2& max)
     min = TVector2(0, 0);
     max = Size;
 }
+
+bool TTickBox::Describe(TAccessibleTraits& traits)
+{
+    DescribeClickable(traits);
+    traits.Role = AR_CHECK;
+    traits.Name = Text;
+    traits.IsCheckable = true;
+    traits.IsChecked = Checked;
+    return true;
+}

@@ -88,3 +88,11 @@ void TNodeTransformParameterControls::OnChildChanged(const TRenderEvent& event)
         }
     TValueParameterControls::OnChildChanged(event);
 }
+
+void TNodeTransformParameterControls::NamePart(const TRenderObject& part, TString& name) const
+{
+    if (&part == Fold.Get())
+        name = "rotation and scale";
+    else
+        TValueParameterControls::NamePart(part, name);
+}

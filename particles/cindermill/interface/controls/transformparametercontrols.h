@@ -20,6 +20,7 @@ public:
     };
 
     void Refresh() override;
+    void NamePart(const TRenderObject& part, TString& name) const override;
     // What is open is neither saved nor an operation.
     void SetOpen(bool open);
     bool IsOpen() const { return Open; }

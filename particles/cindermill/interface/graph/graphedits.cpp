@@ -82,16 +82,38 @@ bool DuplicateSelection(TDocument& document)
     return true;
 }
 
+bool CanBypassAny(const vector<TToolNode*>& nodes)
+{
+    bool any = false;
+    for (const TToolNode* node : nodes)
+        any = any || CanBypass(*node);
+    return any;
+}
+
+bool IsAnyWired(const vector<TToolNode*>& nodes)
+{
+    bool any = false;
+    for (const TToolNode* node : nodes)
+        any = any || !IsUnwired(*node);
+    return any;
+}
+
+bool CanReachMore(const vector<TToolNode*>& nodes, TWalkDirection direction)
+{
+    vector<TEffectNode*> reached;
+    for (TToolNode* node : nodes)
+        Append(reached, node);
+    AddReached(reached, direction);
+    return reached.size() > nodes.size();
+}
+
 bool BypassSelection(TDocument& document)
 {
-    bool all = true;
-    bool any = false;
-    for (const TToolNode* node : document.GetSelection()) {
-        any = any || CanBypass(*node);
-        all = all && (!CanBypass(*node) || node->GetNodeType()->IsBypassed());
-    }
-    if (!any)
+    if (!CanBypassAny(document.GetSelection()))
         return false;
+    bool all = true;
+    for (const TToolNode* node : document.GetSelection())
+        all = all && (!CanBypass(*node) || node->GetNodeType()->IsBypassed());
     const TDocumentStep step(document);
     for (TToolNode* node : document.GetSelection())
         if (CanBypass(*node) && node->GetNodeType()->IsBypassed() == all)
@@ -101,10 +123,7 @@ bool BypassSelection(TDocument& document)
 
 bool TakeSelectionOut(TDocument& document)
 {
-    bool any = false;
-    for (const TToolNode* node : document.GetSelection())
-        any = any || !IsUnwired(*node);
-    if (!any)
+    if (!IsAnyWired(document.GetSelection()))
         return false;
     const vector<TToolNode*> nodes = document.GetSelection();
     const TDocumentStep step(document);

@@ -3,6 +3,7 @@
 #include "particles/cindermill/interface/graph/graphwalk.h"
 
 class TDocument;
+class TToolNode;
 
 // What is done to the selected nodes of a graph. Each is one step of the history, or none where there is
 // nothing to do, which false tells.
@@ -13,5 +14,10 @@ bool DuplicateSelection(TDocument& document);
 bool BypassSelection(TDocument& document);
 // Leads the wires past the nodes.
 bool TakeSelectionOut(TDocument& document);
+// Whether there is anything to do for these nodes: something can be bypassed; something is wired; something
+// feeds them or is fed by them that is not among them.
+bool CanBypassAny(const vector<TToolNode*>& nodes);
+bool IsAnyWired(const vector<TToolNode*>& nodes);
+bool CanReachMore(const vector<TToolNode*>& nodes, TWalkDirection direction);
 // Adds to the selection, which is no step, what feeds it or what it feeds.
 bool SelectReached(TDocument& document, TWalkDirection direction);

@@ -25,6 +25,12 @@ class TGraphSceneHost : public TControlHost
 public:
     // Scrolls the view of the renderer if the pixel lies close to its edge; for running drags.
     virtual void EdgeScroll(TRenderer& renderer, double x, double y) = 0;
+    // The node was opened in the view of the renderer, where it may reach beyond the edge.
+    virtual void NodeOpened(const TRenderer& renderer, const TNodeObj& node)
+    {
+        (void)renderer;
+        (void)node;
+    }
     // The first view of the graph; null for none.
     virtual TRenderer* GetView() { return nullptr; }
     // A new wire was let go where nothing is, at a world point: something may be looked for that can take it.

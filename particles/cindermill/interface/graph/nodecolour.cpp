@@ -1,5 +1,7 @@
 #include "particles/cindermill/interface/graph/nodecolour.h"
 
+#include "library/maths/scalar.h"
+
 namespace {
 
 constexpr int NumNodeColours = 4;
@@ -36,4 +38,12 @@ TVector4 GetContrastColour(const TVector4& colour)
     constexpr double Middle = 0.55;
     const double luminance = 0.299 * colour[0] + 0.587 * colour[1] + 0.114 * colour[2];
     return luminance < Middle ? TVector4(1, 1, 1, 1) : TVector4(0.08f, 0.09f, 0.10f, 1);
+}
+
+TGDIColour ToGDIColour(const TVector4& colour)
+{
+    TGDIColour result = 0;
+    for (int i = 0; i < 3; ++i)
+        result = result << 8 | (static_cast<TGDIColour>(FloatToInt(colour[i] * 255.0 + 0.5)) & 0xFF);
+    return result;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/maths/vector4.h"
+#include "library/wimp/gdi/themecolour.h"
 
 // The colours of the drawing of nodes; red, green, blue, alpha.
 
@@ -12,3 +13,5 @@ TVector4 ShiftColour(const TVector4& colour, float delta);
 TVector4 MixColours(const TVector4& a, const TVector4& b, float amount);
 // For text on the colour: near white or near black.
 TVector4 GetContrastColour(const TVector4& colour);
+// For what is drawn without OpenGL.
+TGDIColour ToGDIColour(const TVector4& colour);

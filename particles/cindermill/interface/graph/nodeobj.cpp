@@ -434,8 +434,12 @@ void TNodeObj::FollowPress(const TVector2& point, const TRenderer* view)
 void TNodeObj::FinishPress(const TVector2& point, const TRenderer* view)
 {
     ReleaseButton();
-    if (!HitsButton(point, view))
-        return;
+    if (HitsButton(point, view))
+        ToggleOpen(view);
+}
+
+void TNodeObj::ToggleOpen(const TRenderer* view)
+{
     if (Collapsed && CanOpen())
         BuildControls();
     if (Collapsed && !CanOpen()) {
@@ -445,7 +449,9 @@ void TNodeObj::FinishPress(const TVector2& point, const TRenderer* view)
     SetOpen(Collapsed);
     LayoutPorts();
     Scene.GetCanvas().MoveToFront(this);
-    SendToParent(RE_REDRAW, point, 0);
+    SendToParent(RE_REDRAW, TVector2(0, 0), 0);
+    if (!Collapsed && view != nullptr)
+        Scene.GetHost().NodeOpened(*view, *this);
 }
 
 void TNodeObj::ReleaseButton()

@@ -44,6 +44,12 @@ public:
     void FollowPress(const TVector2& point, const TRenderer* view);
     void FinishPress(const TVector2& point, const TRenderer* view);
     void ReleaseButton();
+    // As a click in the view, if there is one, on the button that opens and closes; warns where there is
+    // nothing to open.
+    void ToggleOpen(const TRenderer* view = nullptr);
+    // As a click on its box. The node's type must allow it.
+    void ToggleBypass();
+    bool CanBypass() const;
     // The controls of the open panel show what their parameters are now.
     void RefreshControls();
     // The panel has something to show. Until it has been built, the type tells.
@@ -101,11 +107,9 @@ private:
     // In a view, where an open panel reaches out of one.
     bool HitsButton(const TVector2& point, const TRenderer* view) const;
     bool IsInside(const TVector2& point) const;
-    bool CanBypass() const;
     bool OnControlsEvent(const TRenderEvent& event);
     bool OnLeftDown(const TVector2& point);
     void OnHover(const TVector2& point);
-    void ToggleBypass();
     void ShowPressed(bool pressed);
     bool SendToParent(int code, const TVector2& point, int detail);
 

@@ -26,23 +26,16 @@ struct TTypeFiller
             AddType(entry.TypeIndex, folder);
             return;
         }
-        TString name = folder;
-        if (!name.IsEmpty())
-            name += " / ";
-        name += entry.Name;
+        const TString inner = GetInnerFolder(folder, entry.Name);
         for (const int child : entry.Children)
-            Add(child, name);
+            Add(child, inner);
     }
     void AddType(int index, const TString& folder)
     {
         const TNodeType& type = *Library.GetType(index);
         if (End != nullptr && FindWirePort(type, *End) == -1)
             return;
-        TSearchEntry entry;
-        entry.Name = type.Name;
-        entry.Folder = folder;
-        entry.Help = type.Description;
-        entry.Colour = type.Colour;
+        TSearchEntry entry = GetTypeEntry(type, folder);
         entry.Item = index;
         List.Add(entry);
     }
@@ -81,6 +74,25 @@ int FindWirePort(const TNodeType& type, const TWireEnd& end)
         bestRank = rank;
     }
     return best;
+}
+
+TSearchEntry GetTypeEntry(const TNodeType& type, const TString& folder)
+{
+    TSearchEntry entry;
+    entry.Name = type.Name;
+    entry.Folder = folder;
+    entry.Help = type.Description;
+    entry.Colour = type.Colour;
+    return entry;
+}
+
+TString GetInnerFolder(const TString& folder, const TString& category)
+{
+    TString inner = folder;
+    if (!inner.IsEmpty())
+        inner += " / ";
+    inner += category;
+    return inner;
 }
 
 void FillTypeSearch(const TNodeTypeLibrary& library, const TWireEnd* end, TSearchList& list)

@@ -22,6 +22,11 @@ struct TWireEnd
 // one has the name of the wire's port, the next best its type.
 int FindWirePort(const TNodeType& type, const TWireEnd& end);
 
+// What a search knows of a node type in the folder.
+TSearchEntry GetTypeEntry(const TNodeType& type, const TString& folder);
+// The folder of what is in the category, which itself stands in a folder, or in none.
+TString GetInnerFolder(const TString& folder, const TString& category);
+
 // The node types of the library, by folder; with an end of a wire, those that can take it. An entry's item is
 // the number of its type.
 void FillTypeSearch(const TNodeTypeLibrary& library, const TWireEnd* end, TSearchList& list);

@@ -24,6 +24,9 @@ constexpr const char* NameNoteName = "namenote";
 constexpr const char* RecordNoteName = "recordnote";
 
 constexpr const char* SideTexts[] = {"Static BB min x:", "y:", "z:", "max:", "y:", "z:"};
+constexpr const char* SpokenSides[] = {"Static bounding box, least x",    "Static bounding box, least y",
+                                       "Static bounding box, least z",    "Static bounding box, greatest x",
+                                       "Static bounding box, greatest y", "Static bounding box, greatest z"};
 
 constexpr int DialogWidth = 460;
 constexpr int DialogHeight = 60;
@@ -126,9 +129,12 @@ bool TNodePropertiesDialog::CreateFields()
 
 bool TNodePropertiesDialog::CreateNameFields()
 {
-    return NameLabel.Create(&Fields, "Name:", "label") &&
-           NameEdit.Create(&Fields, NameId, GetControlName(NameId)) &&
-           NameNote.Create(&Fields, "", NameNoteName);
+    if (!NameLabel.Create(&Fields, "Name:", "label") ||
+        !NameEdit.Create(&Fields, NameId, GetControlName(NameId)) ||
+        !NameNote.Create(&Fields, "", NameNoteName))
+        return false;
+    NameLabel.Names(NameEdit);
+    return true;
 }
 
 bool TNodePropertiesDialog::CreateRenderFields()
@@ -139,6 +145,7 @@ bool TNodePropertiesDialog::CreateRenderFields()
         !DynamicBox.Create(&Fields, DynamicId, "Dynamic Bounding Box", GetControlName(DynamicId)) ||
         !StaticBox.Create(&Fields, StaticId, "Static Bounding Box", GetControlName(StaticId)))
         return false;
+    PriorityLabel.Names(PriorityEdit);
     PriorityEdit.SetRange(0, MaxPriority);
     return true;
 }
@@ -150,6 +157,7 @@ bool TNodePropertiesDialog::CreateBoxFields()
         if (!Sides[i].Label.Create(&Fields, SideTexts[i], "label") ||
             !Sides[i].Edit.Create(&Fields, SideIds[i], GetControlName(SideIds[i])))
             return false;
+        Sides[i].Edit.SetSpokenName(SpokenSides[i]);
         Sides[i].Edit.SetDecimals(StepDecimals);
         Sides[i].Edit.SetRange(-MaxSide, MaxSide);
     }

@@ -30,6 +30,7 @@ bool TOptionsDialog::OnInit()
 {
     if (!CreateControls())
         return false;
+    List.SetSpokenName("Pages");
     for (TOptionsPage* page : Pages)
         List.AddString(page->GetTitle());
     List.FitLines();

@@ -20,6 +20,7 @@ bool TOptionsPage::Create(TWindow& dialog)
 
 void TOptionsPage::AddRow(TLabel& label, TWimpControl& control)
 {
+    label.Names(control);
     Grid.Add(label, Rows, 0);
     Grid.Add(control, Rows, 1);
     ++Rows;

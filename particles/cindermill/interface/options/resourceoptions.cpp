@@ -111,6 +111,10 @@ bool TResourceOptions::CreateControls()
     if (!CreateAll())
         return false;
     Browse.FitText();
+    BaseLabel.Names(BasePath.GetControl());
+    NodeTypesLabel.Names(NodeTypes.GetControl());
+    Browse.SetSpokenName("Choose the base path");
+    Limit.GetNumber().SetSpokenName("Search limit");
     TOption* const options[] = {&Mode, &Limit, &BasePath, &Update, &NodeTypes};
     for (TOption* option : options)
         AddOption(*option);

@@ -14,6 +14,7 @@ constexpr TGDIColour BarColour = 0x9CC4A0;
 constexpr TGDIColour FullColour = 0xE08078;
 constexpr TGDIColour PeakColour = 0x507850;
 constexpr TGDIColour OverColour = 0xC01818;
+constexpr TGDIColour MarkColour = 0x2A6FB0;
 constexpr int RowHeight = 18;
 constexpr int TextTop = 2;
 constexpr int TextLeft = 6;
@@ -68,8 +69,46 @@ bool TBudgetPanel::Create(TWindow* owner, const TPreviewBudget& budget)
         "Alive: of the capacity, with the most since the start. Born: of what a frame may bring. Rows: of "
         "64. Program and Work: kilobytes at birth and in each frame. A click shows the group in the graph, "
         "with Alt it alone is drawn.");
+    SetAccessible(&Access, "Budget");
+    SetSpokenName("Budget");
+    TakeTab();
     Hide();
     return true;
+}
+
+int TBudgetPanel::GetLineTop(int line) const
+{
+    return (line - ScrollY + 1) * RowHeight;
+}
+
+void TBudgetPanel::PressLine(int line, bool alone)
+{
+    if (line < 0 || line >= Budget->GetGroups().size())
+        return;
+    const TGroupBudget& group = Budget->GetGroups()[line];
+    if (!alone || group.HasParticles)
+        Report(group.Group, alone ? CC_BUTTON : CC_SELECTION);
+}
+
+bool TBudgetPanel::OnKey(const TMessage& message)
+{
+    const int last = Budget->GetGroups().size() - 1;
+    switch (message.Key) {
+    case KEY_RETURN:
+        PressLine(Marked, (message.KeyFlags & KF_ALT) != 0);
+        return true;
+    case KEY_UP:
+    case KEY_DOWN:
+        Marked += message.Key == KEY_DOWN ? 1 : -1;
+        Marked = Marked > last ? last : Marked;
+        Marked = Marked < 0 ? 0 : Marked;
+        if (Marked < ScrollY || Marked >= ScrollY + GetNumShown())
+            ScrollTo(Marked);
+        Redraw();
+        return true;
+    default:
+        return message.Key != KEY_TAB && Owner->OnMessage(message);
+    }
 }
 
 // Titles and totals stand above and below the groups.
@@ -131,6 +170,14 @@ bool TBudgetPanel::OnMessage(const TMessage& message)
     case MT_LEFTUP:
         OnClick(message);
         return true;
+    case MT_KEYDOWN:
+        return OnKey(message);
+    case MT_CHAR:
+        return Owner->OnMessage(message);
+    case MT_FOCUSGAINED:
+    case MT_FOCUSLOST:
+        Redraw();
+        return false;
     default:
         return TWindow::OnMessage(message);
     }
@@ -142,7 +189,7 @@ void TBudgetPanel::OnClick(const TMessage& message)
     const int group = row + ScrollY;
     if (message.Y < RowHeight || row >= GetNumShown() || group >= Budget->GetGroups().size())
         return;
-    Report(Budget->GetGroups()[group].Group, (message.KeyFlags & KF_ALT) != 0 ? CC_BUTTON : CC_SELECTION);
+    PressLine(group, (message.KeyFlags & KF_ALT) != 0);
 }
 
 void TBudgetPanel::Paint(TGDIContext& context) const
@@ -156,6 +203,18 @@ void TBudgetPanel::Paint(TGDIContext& context) const
     for (int i = 0; i < GetNumShown() && i + ScrollY < groups.size(); ++i)
         PaintGroup(context, groups[i + ScrollY], width, (i + 1) * RowHeight);
     PaintTotals(context, width, height - RowHeight);
+    if (HasFocus() && Marked < groups.size() && Marked >= ScrollY && Marked < ScrollY + GetNumShown())
+        PaintMark(context, width, GetLineTop(Marked));
+}
+
+void TBudgetPanel::PaintMark(TGDIContext& context, int width, int top) const
+{
+    const int bottom = top + RowHeight - 1;
+    context.SetPen(MarkColour);
+    context.Line(0, top, width - 1, top);
+    context.Line(0, bottom, width - 1, bottom);
+    context.Line(0, top, 0, bottom);
+    context.Line(width - 1, top, width - 1, bottom);
 }
 
 void TBudgetPanel::PaintTitles(TGDIContext& context, int width) const
@@ -176,9 +235,16 @@ void TBudgetPanel::PaintGroup(TGDIContext& context, const TGroupBudget& group, i
         context.SetBrush(OnlyColour);
         context.Rectangle(0, top, width, top + RowHeight);
     }
-    PaintAlive(context, group, GetColumnLeft(CN_ALIVE, width), top);
     context.SetTextColour(TextColour);
     PutText(context, -1, width, top, group.Name);
+    if (group.HasParticles)
+        PaintParticles(context, group, width, top);
+    PaintCode(context, group, width, top);
+}
+
+void TBudgetPanel::PaintParticles(TGDIContext& context, const TGroupBudget& group, int width, int top) const
+{
+    PaintAlive(context, group, GetColumnLeft(CN_ALIVE, width), top);
     TString text;
     text.Format("%d/%d", group.Alive, group.Capacity);
     context.SetTextColour(group.Alive >= group.Capacity ? OverColour : TextColour);
@@ -186,8 +252,13 @@ void TBudgetPanel::PaintGroup(TGDIContext& context, const TGroupBudget& group, i
     text.Format("%d/%d", group.Born, group.MaxBorn);
     context.SetTextColour(group.Born > group.MaxBorn ? OverColour : TextColour);
     PutText(context, CN_BORN, width, top, text);
+}
+
+void TBudgetPanel::PaintCode(TGDIContext& context, const TGroupBudget& group, int width, int top)
+{
     if (group.Rows == 0)
         return;
+    TString text;
     text.Format("%d/%d", group.Rows, TPreviewBudget::MaxRows);
     context.SetTextColour(group.Rows >= TPreviewBudget::MaxRows ? OverColour : TextColour);
     PutText(context, CN_ROWS, width, top, text);
@@ -220,12 +291,8 @@ void TBudgetPanel::PaintTotals(TGDIContext& context, int width, int top) const
     context.SetPen(LineColour);
     context.Line(0, top, width, top);
     TString text;
-    text.Format("Effect: %.2f ms a frame (%.2f run, %.2f drawn)",
-                static_cast<double>(Budget->GetRunCost() + Budget->GetDrawCost()),
-                static_cast<double>(Budget->GetRunCost()), static_cast<double>(Budget->GetDrawCost()));
-    TString bytes = "cannot be exported";
-    if (Budget->GetNumBytes() >= 0)
-        bytes.Format("%d bytes exported", Budget->GetNumBytes());
+    TString bytes;
+    GetTotals(text, bytes);
     int textWidth = 0;
     int textHeight = 0;
     context.GetTextExtent(bytes, textWidth, textHeight);
@@ -233,4 +300,54 @@ void TBudgetPanel::PaintTotals(TGDIContext& context, int width, int top) const
     const int right = width - textWidth - TextLeft;
     context.TextOutClipped(TextLeft, top + TextTop, right - 2 * TextLeft, RowHeight - TextTop, text);
     context.TextOut(right, top + TextTop, bytes);
+}
+
+void TBudgetPanel::GetTotals(TString& cost, TString& bytes) const
+{
+    cost.Format("Effect: %.2f ms a frame (%.2f run, %.2f drawn)",
+                static_cast<double>(Budget->GetRunCost() + Budget->GetDrawCost()),
+                static_cast<double>(Budget->GetRunCost()), static_cast<double>(Budget->GetDrawCost()));
+    bytes = "cannot be exported";
+    if (Budget->GetNumBytes() >= 0)
+        bytes.Format("%d bytes exported", Budget->GetNumBytes());
+}
+
+void TBudgetAccess::ListItems(vector<TAccessibleItem>& items)
+{
+    int width = 0;
+    int height = 0;
+    Panel.GetSize(width, height);
+    const vector<TGroupBudget>& groups = Panel.GetBudget().GetGroups();
+    for (int i = 0; i < groups.size(); ++i) {
+        const TGroupBudget& group = groups[i];
+        TAccessibleItem item;
+        item.Name = group.Name;
+        if (group.HasParticles)
+            item.Value.Format("Alive %d of %d, born %d of %d, rows %d of %d", group.Alive, group.Capacity,
+                              group.Born, group.MaxBorn, group.Rows, TPreviewBudget::MaxRows);
+        else
+            item.Value.Format("Rows %d of %d", group.Rows, TPreviewBudget::MaxRows);
+        item.Description = item.Value;
+        item.IsLive = true;
+        item.HasFocus = Panel.HasFocus() && Panel.GetMarked() == i;
+        item.Top = Panel.GetLineTop(i);
+        item.Width = width;
+        item.Height = RowHeight;
+        items.push_back(item);
+    }
+    TAccessibleItem totals;
+    totals.Role = AR_LABEL;
+    TString bytes;
+    Panel.GetTotals(totals.Name, bytes);
+    totals.Name += ", ";
+    totals.Name += bytes;
+    totals.Top = height - RowHeight;
+    totals.Width = width;
+    totals.Height = RowHeight;
+    items.push_back(totals);
+}
+
+void TBudgetAccess::PressItem(int item)
+{
+    Panel.PressLine(item, false);
 }

@@ -117,7 +117,7 @@ bool TParticleRenderWindow::OnMessage(const TMessage& message)
         OnKey(message.Key, true);
         if (Commands != nullptr)
             Commands->OnPreviewKey(message);
-        return true;
+        return message.Key != KEY_TAB;
     case MT_KEYUP:
         OnKey(message.Key, false);
         return true;
@@ -136,6 +136,9 @@ bool TParticleRenderWindow::OnMessage(const TMessage& message)
         return true;
     case MT_MOUSEMOVE:
         OnMouseMove(message);
+        return true;
+    case MT_CAPTURELOST:
+        EndDrag();
         return true;
     case MT_WHEEL:
         Camera->OnWheel(message.Delta);
@@ -190,9 +193,21 @@ void TParticleRenderWindow::OnRightUp(const TMessage& message)
         Commands->OpenPreviewMenu(*this, message.GetPixelX(), message.GetPixelY());
 }
 
+// Whatever buttons are held: their releases may never be heard of.
+void TParticleRenderWindow::EndDrag()
+{
+    UpdateCamera(0);
+    Camera->OnButtons(0);
+    RightDragged = true;
+    ReleaseCapture();
+}
+
 void TParticleRenderWindow::OnMouseMove(const TMessage& message)
 {
-    if (message.Buttons != 0) {
+    // Another program may have taken the release.
+    if (message.Buttons == 0 && Camera->GetButtons() != 0)
+        EndDrag();
+    if (Camera->GetButtons() != 0) {
         Moved[0] += static_cast<float>(message.X - LastX);
         Moved[1] += static_cast<float>(message.Y - LastY);
     }

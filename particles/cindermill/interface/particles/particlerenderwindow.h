@@ -56,6 +56,7 @@ private:
     void UpdateCamera(float seconds);
     void OnKey(int key, bool down);
     void OnButtons(const TMessage& message, bool down);
+    void EndDrag();
     void OnMouseMove(const TMessage& message);
     void OnRightUp(const TMessage& message);
     bool IsPictureDue() const;

@@ -14,7 +14,9 @@ TWindowClass TimelineClass("cindermill_particlewindow_timeline");
 constexpr TGDIColour TimelineBackground = 0xF0F0F0;
 
 // True of an effect that was never started, and of one whose faults have stopped it.
-constexpr const char* HintText = "Not running. Update starts the effect, or lists what it lacks.";
+// The longest that there is room for is shown.
+constexpr const char* HintTexts[] = {"Not running. Update starts the effect, or lists what it lacks.",
+                                     "Not running. Press Update.", "Not running"};
 
 constexpr int Margin = 4;
 constexpr int ControlHeight = TParticleTimeline::Height - 2 * Margin;
@@ -22,9 +24,6 @@ constexpr int SpeedWidth = 46;
 constexpr int MenuWidth = 28;
 // What is narrower than that cannot be dragged any more.
 constexpr int MinSeekWidth = 90;
-// The view tells as much, where this has no room.
-constexpr int MinHintWidth = 160;
-constexpr const char* SpeedTexts[TPreviewClock::NumSpeeds] = {"1/8x", "1/4x", "1/2x", "1x", "2x", "4x"};
 // The bar's end, in seconds.
 constexpr float Ranges[] = {5, 10, 20, 30, 60, 120, 300, 600};
 
@@ -73,12 +72,20 @@ bool TParticleTimeline::CreateControls()
 bool TParticleTimeline::CreateSeekControls()
 {
     return SeekBar.Create(this, ID_SEEK) &&
-           SpeedButton.Create(this, ID_SPEED, SpeedTexts[TPreviewClock::NormalSpeed], "speed") &&
+           SpeedButton.Create(this, ID_SPEED, TPreviewClock::GetSpeedText(TPreviewClock::NormalSpeed),
+                              "speed") &&
            MenuButton.Create(this, ID_MENU, "...", "previewmenu");
 }
 
 void TParticleTimeline::SetTips()
 {
+    UpdateButton.SetSpokenName("Update");
+    TimeField.SetSpokenName("Time");
+    StepButton.SetSpokenName("Step");
+    PauseButton.SetSpokenName("Pause");
+    PlayButton.SetSpokenName("Play");
+    MenuButton.SetSpokenName("Preview menu");
+    ShowSpeed();
     UpdateButton.SetTip("Starts the effect from time 0 (Home)");
     TimeField.SetTip("Seconds. Type a time and press Return to run the effect up to there");
     StepButton.SetTip("Step by a hundredth of a second (.)");
@@ -124,11 +131,18 @@ void TParticleTimeline::LayoutRest(int x, int width)
     const int left = x + wideGap;
     const int bar = SpeedLeft - gap - left;
     SeekBar.MoveTo(left, Margin, bar > 0 ? bar : 0, ControlHeight);
-    Hint.MoveTo(left, Margin, MenuLeft > left + gap ? MenuLeft - gap - left : 0, ControlHeight);
+    const int room = MenuLeft - gap - left;
+    const char* hint = nullptr;
+    for (const char* text : HintTexts)
+        if (hint == nullptr && Hint.GetTextWidth(text) <= room)
+            hint = text;
+    Hint.SetText(IsHintShown && hint != nullptr ? hint : "");
+    Hint.MoveTo(left, Margin, room > 0 ? room : 0, ControlHeight);
     MenuButton.Show(MenuLeft >= x + gap);
     SpeedButton.Show(!IsHintShown && SpeedLeft >= x + gap);
     SeekBar.Show(!IsHintShown && bar >= MinSeekWidth);
-    Hint.Show(IsHintShown && MenuLeft - gap - left >= MinHintWidth);
+    // The view tells as much, where this has no room.
+    Hint.Show(IsHintShown && hint != nullptr);
 }
 
 void TParticleTimeline::Tick()
@@ -171,14 +185,13 @@ void TParticleTimeline::ShowHint()
     if (wanted == IsHintShown)
         return;
     IsHintShown = wanted;
-    Hint.SetText(wanted ? HintText : "");
     Layout();
 }
 
 void TParticleTimeline::ShowClock()
 {
     PauseButton.SetPressed(Clock.IsPaused());
-    SpeedButton.SetText(SpeedTexts[Clock.GetSpeed()]);
+    ShowSpeed();
     ShowTime();
     ShowSeek();
     ShowHint();
@@ -206,7 +219,14 @@ void TParticleTimeline::TogglePause()
 void TParticleTimeline::SetSpeed(int speed)
 {
     Clock.SetSpeed(speed);
-    SpeedButton.SetText(SpeedTexts[Clock.GetSpeed()]);
+    ShowSpeed();
+}
+
+void TParticleTimeline::ShowSpeed()
+{
+    const char* text = TPreviewClock::GetSpeedText(Clock.GetSpeed());
+    SpeedButton.SetText(text);
+    SpeedButton.SetSpokenName(TempFormat("Speed %s", text));
 }
 
 void TParticleTimeline::Seek(float time)
@@ -283,7 +303,7 @@ void TParticleTimeline::OnButton(int id)
         Step();
         return;
     case ID_PAUSE:
-        Clock.TogglePause();
+        TogglePause();
         break;
     case ID_PLAY:
         Clock.Play();

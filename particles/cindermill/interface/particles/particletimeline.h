@@ -56,6 +56,7 @@ private:
     void Layout();
     void LayoutRest(int x, int width);
     void ShowTime();
+    void ShowSpeed();
     void ShowSeek();
     // What to do about a preview without an effect stands beside the controls, as long as it is one.
     void ShowHint();

@@ -151,6 +151,10 @@ void TParticleWindow::OnCommand(TWimpControl* control, intptr_t argument, int co
 
 bool TParticleWindow::OnPreviewKey(const TMessage& message)
 {
+    if (message.Type == MT_KEYDOWN && message.Key == KEY_MENU) {
+        OpenPreviewMenu(Render, 0, 0);
+        return true;
+    }
     const int command = message.Type == MT_CHAR ? FindPreviewCharacter(message.Character)
                                                 : FindPreviewKey(message.Key, message.KeyFlags);
     return command != 0 && OnPreviewCommand(command);

@@ -116,6 +116,27 @@ void TPreviewBudget::MeasureExport(TDocument& document)
         text);
 }
 
+TGroupBudget TPreviewBudget::GetExported(int group) const
+{
+    TGroupBudget budget;
+    if (group < Exported.size())
+        budget = Exported[group];
+    budget.Group = group;
+    return budget;
+}
+
+void TPreviewBudget::AddTriggers(const TEffectSchedule& schedule, vector<TGroupBudget>& groups) const
+{
+    for (int g = 0; g < schedule.GetNumGroups(); ++g) {
+        if (!schedule.IsTriggerGroup(g) || schedule.GetNumTiedNodes(g) == 0)
+            continue;
+        TGroupBudget budget = GetExported(g);
+        budget.Name = "Triggers";
+        budget.HasParticles = false;
+        groups.push_back(budget);
+    }
+}
+
 void TPreviewBudget::FillGroups(TDocument& document, vector<TGroupBudget>& groups)
 {
     const TEffectExec& engine = document.GetEngine();
@@ -127,10 +148,7 @@ void TPreviewBudget::FillGroups(TDocument& document, vector<TGroupBudget>& group
     GetParticleGroups(schedule, numbers, names);
     for (int i = 0; i < numbers.size(); ++i) {
         const int g = numbers[i];
-        TGroupBudget budget;
-        if (g < Exported.size())
-            budget = Exported[g];
-        budget.Group = g;
+        TGroupBudget budget = GetExported(g);
         budget.Name = names[i];
         budget.Alive = engine.GetNumParticles(g);
         budget.Capacity = engine.GetGroup(g)->GetBufferSize();
@@ -139,6 +157,7 @@ void TPreviewBudget::FillGroups(TDocument& document, vector<TGroupBudget>& group
         budget.MaxBorn = schedule.GetMaxEmission(g);
         groups.push_back(budget);
     }
+    AddTriggers(schedule, groups);
     for (TPeaks& peaks : Peaks)
         peaks.Born = 0;
 }

@@ -6,12 +6,15 @@
 #include <cstdint>
 
 class TDocument;
+class TEffectSchedule;
 
-// What a group of particles takes of what it may.
+// What a group takes of what it may.
 struct TGroupBudget
 {
     int Group = 0;
     TString Name;
+    // Without them it is the one that runs once per effect, whose code takes its part all the same.
+    bool HasParticles = true;
     int Alive = 0;
     int Capacity = 0;
     // The most that were alive since the start.
@@ -62,6 +65,9 @@ private:
     void MeasureExport(TDocument& document);
     bool IsExportStale(const TDocument& document) const;
     void FillGroups(TDocument& document, vector<TGroupBudget>& groups);
+    // What is known of it without the engine.
+    TGroupBudget GetExported(int group) const;
+    void AddTriggers(const TEffectSchedule& schedule, vector<TGroupBudget>& groups) const;
 
     vector<TGroupBudget> Groups;
     vector<TPeaks> Peaks;

@@ -7,6 +7,7 @@
 namespace {
 
 constexpr float SpeedFactors[TPreviewClock::NumSpeeds] = {0.125f, 0.25f, 0.5f, 1, 2, 4};
+constexpr const char* SpeedTexts[TPreviewClock::NumSpeeds] = {"1/8x", "1/4x", "1/2x", "1x", "2x", "4x"};
 constexpr float MaxSeconds = TPreviewClock::MaxStep / 1000.0f;
 // Two times that differ by less are one.
 constexpr float SameTime = 0.0005f;
@@ -18,9 +19,9 @@ constexpr double NanosecondsPerMillisecond = 1e6;
 
 } // namespace
 
-float TPreviewClock::GetSpeedFactor(int speed)
+const char* TPreviewClock::GetSpeedText(int speed)
 {
-    return SpeedFactors[speed];
+    return SpeedTexts[speed];
 }
 
 void TPreviewClock::Start(TDocument& document, uint32_t now)

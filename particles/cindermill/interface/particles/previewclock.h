@@ -20,7 +20,8 @@ public:
     // What the effect may run at, from the slowest on.
     static constexpr int NumSpeeds = 6;
     static constexpr int NormalSpeed = 3;
-    static float GetSpeedFactor(int speed);
+    // What a person reads for it.
+    static const char* GetSpeedText(int speed);
 
     // The time counts from now.
     void Start(TDocument& document, uint32_t now);

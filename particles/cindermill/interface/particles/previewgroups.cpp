@@ -3,12 +3,24 @@
 #include "particles/effectgraph/schedule/effectschedule.h"
 #include "particles/effectgraph/usage.h"
 
-// By their numbers, where several have one name.
-static void TellApart(const vector<int>& groups, vector<TString>& names)
+namespace {
+
+TEffectNode* FindStage(const TEffectSchedule& schedule, int group)
+{
+    for (int t = 0; t < schedule.GetNumTiedNodes(group); ++t) {
+        const int node = schedule.GetTiedNode(group, t);
+        if (schedule.GetNodeUsage(node) == TU_RENDER)
+            return schedule.GetNode(node);
+    }
+    return nullptr;
+}
+
+// By their numbers.
+void TellApart(const vector<int>& groups, vector<TString>& names)
 {
     const vector<TString> plain = names;
     for (int i = 0; i < names.size(); ++i) {
-        int namesakes = 0;
+        int namesakes = plain[i].Compare(AllGroups) == 0 ? 1 : 0;
         for (const TString& name : plain)
             namesakes += name.Compare(plain[i]) == 0 ? 1 : 0;
         if (namesakes > 1)
@@ -16,21 +28,25 @@ static void TellApart(const vector<int>& groups, vector<TString>& names)
     }
 }
 
-void GetParticleGroups(const TEffectSchedule& schedule, vector<int>& groups, vector<TString>& names)
+} // namespace
+
+void ListParticleGroups(const TEffectSchedule& schedule, vector<int>& groups)
 {
     groups.clear();
+    for (int g = 0; schedule.IsCreated() && g < schedule.GetNumGroups(); ++g)
+        if (!schedule.IsTriggerGroup(g) && schedule.GetNumTiedNodes(g) > 0)
+            groups.push_back(g);
+}
+
+void GetParticleGroups(const TEffectSchedule& schedule, vector<int>& groups, vector<TString>& names)
+{
+    ListParticleGroups(schedule, groups);
     names.clear();
-    for (int g = 0; schedule.IsCreated() && g < schedule.GetNumGroups(); ++g) {
-        if (schedule.IsTriggerGroup(g) || schedule.GetNumTiedNodes(g) == 0)
-            continue;
+    for (const int group : groups) {
         TString name;
-        name.Format("Group %d", g);
-        for (int t = schedule.GetNumTiedNodes(g) - 1; t >= 0; --t) {
-            const int node = schedule.GetTiedNode(g, t);
-            if (schedule.GetNodeUsage(node) == TU_RENDER)
-                name = schedule.GetNode(node)->GetNodeType()->Name;
-        }
-        groups.push_back(g);
+        name.Format("Group %d", group);
+        if (const TEffectNode* stage = FindStage(schedule, group))
+            name = stage->GetNodeType()->Name;
         names.push_back(name);
     }
     TellApart(groups, names);
@@ -41,12 +57,8 @@ TEffectNode* FindGroupNode(const TEffectSchedule& schedule, int group)
     if (!schedule.IsCreated() || group < 0 || group >= schedule.GetNumGroups() ||
         schedule.GetNumTiedNodes(group) == 0)
         return nullptr;
-    for (int t = 0; t < schedule.GetNumTiedNodes(group); ++t) {
-        const int node = schedule.GetTiedNode(group, t);
-        if (schedule.GetNodeUsage(node) == TU_RENDER)
-            return schedule.GetNode(node);
-    }
-    return schedule.GetNode(schedule.GetTiedNode(group, 0));
+    TEffectNode* stage = FindStage(schedule, group);
+    return stage != nullptr ? stage : schedule.GetNode(schedule.GetTiedNode(group, 0));
 }
 
 int FindGroupOf(const TEffectSchedule& schedule, const TEffectNode* node)

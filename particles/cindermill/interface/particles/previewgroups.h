@@ -6,8 +6,14 @@
 class TEffectNode;
 class TEffectSchedule;
 
-// The groups of particles, as a person knows them: with the names of their render stages. What runs once per
-// effect is none, and a group may have lost all its nodes to others.
+// What all groups together are called where one of them can be chosen.
+constexpr const char* AllGroups = "All";
+
+// The groups of particles by their numbers in the schedule. What runs once per effect is none, and a group
+// may have lost all its nodes to others.
+void ListParticleGroups(const TEffectSchedule& schedule, vector<int>& groups);
+// As a person knows them: with the names of their render stages, and where several have one name, the group's
+// number as well.
 void GetParticleGroups(const TEffectSchedule& schedule, vector<int>& groups, vector<TString>& names);
 // A node that stands for the group: its first render stage, else its first node. Null for none.
 TEffectNode* FindGroupNode(const TEffectSchedule& schedule, int group);

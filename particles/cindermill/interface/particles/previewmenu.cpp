@@ -12,9 +12,6 @@ struct TLine
     const char* Text;
 };
 
-constexpr TLine SpeedLines[TPreviewClock::NumSpeeds] = {{PC_SPEED, "1/8x"},     {PC_SPEED + 1, "1/4x"},
-                                                        {PC_SPEED + 2, "1/2x"}, {PC_SPEED + 3, "1x"},
-                                                        {PC_SPEED + 4, "2x"},   {PC_SPEED + 5, "4x"}};
 constexpr TLine ViewLines[] = {{PC_STARTVIEW, "Start View\tR"},
                                {PC_FRONTVIEW, "Front\tF2"},
                                {PC_SIDEVIEW, "Side\tF3"},
@@ -132,7 +129,8 @@ void AddGroups(TMenu& menu, const TPreviewState& state)
 
 void FillSpeedMenu(TMenu& menu, const TPreviewState& state)
 {
-    AddLines(menu, SpeedLines);
+    for (int i = 0; i < TPreviewClock::NumSpeeds; ++i)
+        menu.AddItem(PC_SPEED + i, TPreviewClock::GetSpeedText(i));
     menu.CheckItem(PC_SPEED + state.Speed, true);
     menu.AddSeparator();
     menu.AddItem(PC_FASTER, "Faster\t+");

@@ -1,6 +1,6 @@
 #include "particles/cindermill/interface/particles/previewnotice.h"
 
-#include <cstring>
+#include "library/wimp/gdi/brokentext.h"
 
 namespace {
 
@@ -13,6 +13,8 @@ constexpr int LineHeight = 19;
 constexpr int Border = 8;
 // From the edges of the view.
 constexpr int Margin = 12;
+// More than any text has; what does not fit into the view is not shown at all.
+constexpr int MaxLines = 100;
 
 int GetWidth(const char* text)
 {
@@ -50,7 +52,8 @@ void TPreviewNotice::Place(int viewWidth, int viewHeight)
 {
     ViewWidth = viewWidth;
     ViewHeight = viewHeight;
-    Wrap(viewWidth - 2 * (Margin + Border));
+    Lines.clear();
+    BreakText(NoticeFont, Text.Print(), viewWidth - 2 * (Margin + Border), MaxLines, Lines);
     int width = 0;
     for (const TString& line : Lines)
         width = GetWidth(line) > width ? GetWidth(line) : width;
@@ -59,37 +62,6 @@ void TPreviewNotice::Place(int viewWidth, int viewHeight)
     MoveTo((viewWidth - width) / 2, Margin, width, height);
     Show(!Text.IsEmpty() && height + Margin <= viewHeight);
     Redraw();
-}
-
-void TPreviewNotice::AddLine(const char* text, int length)
-{
-    TString line;
-    line.Format("%.*s", length, text);
-    Lines.push_back(line);
-}
-
-// At its line ends, and between words where a line has no room.
-void TPreviewNotice::Wrap(int width)
-{
-    Lines.clear();
-    const char* begin = Text.Print();
-    while (*begin != 0) {
-        const char* best = nullptr;
-        const char* at = begin;
-        while (true) {
-            const char* end = at + std::strcspn(at, " \n");
-            TString tried;
-            tried.Format("%.*s", static_cast<int>(end - begin), begin);
-            if (best != nullptr && GetWidth(tried) > width)
-                break;
-            best = end;
-            if (*end != ' ')
-                break;
-            at = end + 1;
-        }
-        AddLine(begin, static_cast<int>(best - begin));
-        begin = *best != 0 ? best + 1 : best;
-    }
 }
 
 bool TPreviewNotice::OnMessage(const TMessage& message)

@@ -18,8 +18,6 @@ public:
     bool OnMessage(const TMessage& message) override;
 
 private:
-    void Wrap(int width);
-    void AddLine(const char* text, int length);
     void Paint(TGDIContext& context) const;
 
     TString Text;

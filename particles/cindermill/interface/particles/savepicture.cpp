@@ -1,13 +1,13 @@
 #include "particles/cindermill/interface/particles/savepicture.h"
 
 #include "library/containers/owner.h"
-#include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
 #include "library/wimp/filechooser.h"
 #include "library/wimp/gdi/rgbpicture.h"
 #include "particles/cindermill/interface/particles/particlerenderwindow.h"
 #include "particles/cindermill/interface/particles/picturefile.h"
+#include "particles/cindermill/main/cindermillapp.h"
 
 namespace {
 
@@ -39,17 +39,14 @@ bool ChoosePicture(TString& path)
     return true;
 }
 
-bool Write(const TRgbPicture& picture, const char* path)
+void Write(const TRgbPicture& picture, const char* path)
 {
+    TString fault;
+    if (!TCindermillApp::ConfirmOverwrite(path) || WritePictureFile(picture, path, fault))
+        return;
     TString shown;
     ToShownPath(path, shown);
-    if (FileExists(path) && !AskQuestion("%s exists. Overwrite?", shown.Print()))
-        return false;
-    TString fault;
-    if (WritePictureFile(picture, path, fault))
-        return true;
     ShowMessage("%s could not be written: %s", shown.Print(), fault.Print());
-    return false;
 }
 
 } // namespace
@@ -61,10 +58,4 @@ void SavePictureAs(TParticleRenderWindow& window)
     TString path;
     if (picture != nullptr && ChoosePicture(path))
         Write(*picture, path);
-}
-
-bool SavePicture(TParticleRenderWindow& window, const char* path)
-{
-    const TOwner<TRgbPicture> picture(ReadPicture(window));
-    return picture != nullptr && Write(*picture, path);
 }

@@ -2,6 +2,9 @@
 
 #include "library/containers/string.h"
 
+#include <cmath>
+#include <cstdlib>
+
 namespace {
 
 TWindowClass SeekClass("cindermill_particlewindow_seek");
@@ -13,12 +16,16 @@ constexpr TGDIColour RunColour = 0x6A9BD0;
 constexpr TGDIColour TargetColour = 0xD08A3A;
 constexpr TGDIColour ThumbColour = 0xFCFCFC;
 constexpr TGDIColour ThumbEdge = 0x505050;
+constexpr TGDIColour FocusEdge = 0x1A5FA8;
 constexpr TGDIColour TextColour = 0x404040;
 constexpr int ThumbWidth = 8;
 constexpr int TroughHeight = 6;
 constexpr int MarkHeight = 3;
 // Right of the trough, for the time at its end.
 constexpr int LabelWidth = 42;
+// For one of more characters than that.
+constexpr int LongLabelWidth = 60;
+constexpr int ShortLabel = 5;
 constexpr int LabelGap = 6;
 // Between two marks.
 constexpr int MinMarkGap = 8;
@@ -33,7 +40,12 @@ bool TSeekBar::Create(TWindow* owner, int id)
     TWindowParams params;
     params.Class = &SeekClass;
     params.Owner = owner;
-    return TWindow::Create(params);
+    if (!TWindow::Create(params))
+        return false;
+    SetAccessible(&Access, "Time of the effect");
+    SetSpokenName("Time of the effect");
+    TakeTab();
+    return true;
 }
 
 void TSeekBar::GetTrough(int& left, int& right) const
@@ -41,7 +53,16 @@ void TSeekBar::GetTrough(int& left, int& right) const
     int height = 0;
     GetSize(right, height);
     left = ThumbWidth / 2;
-    right -= LabelWidth;
+    TString label;
+    GetLabel(label);
+    right -= label.Length() > ShortLabel ? LongLabelWidth : LabelWidth;
+}
+
+void TSeekBar::GetLabel(TString& label) const
+{
+    constexpr float allDigits = 1000;
+    const char* format = Range < allDigits ? "%.4g s" : "%.0f s";
+    label.Format(Range < 1 ? "%.2f s" : format, static_cast<double>(Range));
 }
 
 int TSeekBar::GetPlace(float time) const
@@ -85,19 +106,88 @@ bool TSeekBar::OnMessage(const TMessage& message)
         Choose(message.X);
         return true;
     case MT_MOUSEMOVE:
-        // A dialog may have taken the release.
+        // Another program may have taken the release.
         if (Dragged && (message.Buttons & MB_LEFT) == 0)
             EndDrag();
         else if (Dragged)
             Choose(message.X);
         return true;
     case MT_LEFTUP:
+    case MT_CAPTURELOST:
         if (Dragged)
             EndDrag();
         return true;
+    case MT_KEYDOWN:
+        // What is not the bar's is the preview's.
+        return OnKey(message.Key) || (message.Key != KEY_TAB && Owner->OnMessage(message));
+    case MT_CHAR:
+        return Owner->OnMessage(message);
+    case MT_FOCUSGAINED:
+    case MT_FOCUSLOST:
+        Redraw();
+        return false;
     default:
         return TWindow::OnMessage(message);
     }
+}
+
+bool TSeekBar::OnKey(int key)
+{
+    constexpr float Steps = 50;
+    constexpr float Leap = 10;
+    const float from = Target >= 0 ? Target : Time;
+    const float step = Range / Steps;
+    switch (key) {
+    case KEY_LEFT:
+    case KEY_RIGHT:
+        ChooseTime(from + (key == KEY_RIGHT ? step : -step));
+        return true;
+    case KEY_PAGEUP:
+    case KEY_PAGEDOWN:
+        ChooseTime(from + (key == KEY_PAGEUP ? Leap * step : -Leap * step));
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TSeekBar::ChooseTime(float time)
+{
+    Chosen = time < 0 ? 0 : time > Range ? Range : time;
+    Dragged = true;
+    Report(Id, CC_EDITED);
+    Dragged = false;
+    Report(Id, CC_EDITED);
+}
+
+void TSeekAccess::ListItems(vector<TAccessibleItem>& items)
+{
+    TAccessibleItem item;
+    item.Role = AR_SLIDER;
+    item.Name = "Time of the effect";
+    item.Value.Format("%.2f s", static_cast<double>(Bar.GetTime()));
+    item.Number = static_cast<double>(Bar.GetTime());
+    item.Most = static_cast<double>(Bar.GetRange());
+    item.TakesFocus = true;
+    item.HasFocus = Bar.HasFocus();
+    item.IsLive = true;
+    Bar.GetSize(item.Width, item.Height);
+    items.push_back(item);
+}
+
+void TSeekAccess::FocusItem(int)
+{
+    Bar.TakeFocus();
+}
+
+bool TSeekAccess::EnterItem(int, const char* text)
+{
+    char* end = nullptr;
+    const float time = std::strtof(text, &end);
+    if (end == text || !std::isfinite(time) || time < 0)
+        return false;
+    Bar.ChooseTime(time);
+    return true;
 }
 
 void TSeekBar::EndDrag()
@@ -142,11 +232,11 @@ void TSeekBar::Paint(TGDIContext& context) const
                           top + TroughHeight);
     }
     PaintMarks(context);
-    context.SetPen(ThumbEdge);
+    context.SetPen(HasFocus() ? FocusEdge : ThumbEdge);
     context.SetBrush(ThumbColour);
     context.Rectangle(place - ThumbWidth / 2, top - 5, place + ThumbWidth / 2, top + TroughHeight + 5);
     TString label;
-    label.Format(Range < 1 ? "%.2f s" : "%.4g s", static_cast<double>(Range));
+    GetLabel(label);
     int textWidth = 0;
     int textHeight = 0;
     context.SetFont(LabelFont);

@@ -1,9 +1,26 @@
 #pragma once
 
+#include "library/wimp/accessiblecontents.h"
 #include "library/wimp/window.h"
 
-// The way of an effect through its time: a bar that a person drags to another place. Reports code 12 with its
-// id whenever a place was chosen.
+class TSeekBar;
+
+// The bar as a slider of seconds.
+class TSeekAccess : public TAccessibleContents
+{
+public:
+    explicit TSeekAccess(TSeekBar& bar) : Bar(bar) {}
+    void ListItems(vector<TAccessibleItem>& items) override;
+    void PressItem(int) override {}
+    void FocusItem(int item) override;
+    bool EnterItem(int item, const char* text) override;
+
+private:
+    TSeekBar& Bar;
+};
+
+// The way of an effect through its time: a bar that a person drags to another place, or moves by the arrow
+// keys. Reports code 12 with its id whenever a place was chosen.
 class TSeekBar : public TWindow
 {
 public:
@@ -17,17 +34,24 @@ public:
     // The place chosen last, in seconds.
     float GetChosen() const { return Chosen; }
     float GetRange() const { return Range; }
+    float GetTime() const { return Time; }
+    // As a drag to a place and its end do.
+    void ChooseTime(float time);
 
     bool OnMessage(const TMessage& message) override;
 
 private:
     void Paint(TGDIContext& context) const;
     void PaintMarks(TGDIContext& context) const;
+    bool OnKey(int key);
     void Choose(double x);
     void EndDrag();
+    // The time at its end.
+    void GetLabel(TString& label) const;
     void GetTrough(int& left, int& right) const;
     int GetPlace(float time) const;
 
+    TSeekAccess Access{*this};
     int Id = 0;
     float Time = 0;
     float Range = 1;

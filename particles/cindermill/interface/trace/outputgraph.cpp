@@ -132,6 +132,11 @@ bool TOutputGraph::OnMessage(const TMessage& message)
         TakeFocus();
         Window->SelectPort(Port);
         return true;
+    case MT_KEYDOWN:
+        if (message.Key != KEY_MENU)
+            return false;
+        Window->OpenMenu(*this, 0, 0);
+        return true;
     case MT_RIGHTUP:
         Window->SelectPort(Port);
         Window->OpenMenu(*this, x, y);

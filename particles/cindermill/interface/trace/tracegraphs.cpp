@@ -126,6 +126,11 @@ bool TTraceGraphs::OnMessage(const TMessage& message)
         if (port >= 0)
             Window->SelectPort(port);
         return true;
+    case MT_KEYDOWN:
+        if (message.Key != KEY_MENU)
+            return false;
+        Window->OpenMenu(*this, 0, 0);
+        return true;
     case MT_RIGHTUP:
         if (port >= 0)
             Window->SelectPort(port);

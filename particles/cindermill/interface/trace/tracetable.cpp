@@ -67,6 +67,16 @@ bool TTraceTable::Create(TAttributeTraceWindow& window, const TNodeTrace& trace)
 
 bool TTraceTable::CreateControls()
 {
+    if (!MakeControls())
+        return false;
+    PortLabel.Names(PortCombo);
+    ParticleLabel.Names(ParticleInput);
+    PlaceCombo.SetSpokenName("Group");
+    return true;
+}
+
+bool TTraceTable::MakeControls()
+{
     return PortLabel.Create(this, "Port:", "portlabel") && PortCombo.Create(this, ID_PORT, "port") &&
            ParticleLabel.Create(this, "Particle:", "particlelabel") &&
            ParticleInput.Create(this, ID_PARTICLE, "particle") && PlaceCombo.Create(this, ID_PLACE, "place");

@@ -77,6 +77,7 @@ private:
     };
 
     bool CreateControls();
+    bool MakeControls();
     // The port can be read.
     bool HasPort() const;
     void FillPorts();

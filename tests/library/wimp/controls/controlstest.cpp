@@ -210,6 +210,25 @@ TEST_F(TControlTest, AnEditOfSeveralLinesGrowsAtItsEnd)
     EXPECT_NE(Window.GetHandle()->findChild<QPlainTextEdit*>("report"), nullptr);
 }
 
+TEST_F(TControlTest, AFieldOfSeveralLinesIsAsHighAsItsLinesAndKeepsThemWhole)
+{
+    TEdit field;
+    ASSERT_TRUE(field.Create(&Window, 1, "page", true, true));
+    QPlainTextEdit* edit = Window.GetHandle()->findChild<QPlainTextEdit*>("page");
+    ASSERT_NE(edit, nullptr);
+    EXPECT_NE(edit->lineWrapMode(), QPlainTextEdit::NoWrap);
+    field.SetFixedPitch();
+    EXPECT_EQ(edit->lineWrapMode(), QPlainTextEdit::NoWrap);
+    field.SetText("1\n2\n3\n4");
+    field.SetNumLines(4);
+    QWidget* inside = edit->viewport();
+    EXPECT_GE(edit->height(), 4 * edit->fontMetrics().lineSpacing());
+    EXPECT_LT(edit->height(), 6 * edit->fontMetrics().lineSpacing());
+    EXPECT_TRUE(inside->isVisible());
+    field.SetNumLines(2);
+    EXPECT_LT(edit->height(), 4 * edit->fontMetrics().lineSpacing());
+}
+
 TEST_F(TControlTest, ALabelShowsItsText)
 {
     TLabel label;

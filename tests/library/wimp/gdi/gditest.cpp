@@ -200,6 +200,37 @@ TEST_F(TGDIContextTest, TheExtentGrowsWithTheTextAndTheFont)
     EXPECT_NEAR(drawnWidth, width, 1);
 }
 
+// Whatever the width, it never ends within a character.
+TEST_F(TGDIContextTest, AFittedTextEndsInAnEllipsisBehindWholeCharacters)
+{
+    const TGDIFont font;
+    const char* text = "Übergrößen für Flöße";
+    const QString whole = QString::fromUtf8(text);
+    const QString ellipsis(QChar(0x2026));
+    int full = 0;
+    int least = 0;
+    int height = 0;
+    GetTextExtent(font, text, full, height);
+    GetTextExtent(font, ellipsis.toUtf8().constData(), least, height);
+    ASSERT_GT(full, 2 * least);
+    TString result;
+    FitText(font, text, full, result);
+    EXPECT_EQ(Text(result), text);
+    for (int width = least + 1; width < full; ++width) {
+        FitText(font, text, width, result);
+        QString shown = QString::fromUtf8(result.Print());
+        ASSERT_TRUE(shown.endsWith(ellipsis)) << width << ": " << result.Print();
+        shown.chop(1);
+        EXPECT_TRUE(whole.startsWith(shown)) << width << ": " << result.Print();
+        int taken = 0;
+        GetTextExtent(font, result, taken, height);
+        EXPECT_LE(taken, width) << result.Print();
+    }
+    // Of the room something is made.
+    FitText(font, text, full - 1, result);
+    EXPECT_GT(result.Length(), whole.size() / 2);
+}
+
 TEST_F(TGDIContextTest, ARaisedEdgeIsLightAboveAndDarkBelow)
 {
     Image.fill(Blue);

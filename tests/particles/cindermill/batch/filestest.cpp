@@ -274,6 +274,30 @@ TEST_F(TBatchFiles, ANodeWithANameOfItsOwnIsNotStale)
     EXPECT_EQ(0, outcome.Status) << outcome.Err;
 }
 
+// As an unset variable of a script leaves one.
+TEST_F(TBatchFiles, AnEmptyNameIsNoFile)
+{
+    const std::string file = Sample("fountain");
+    for (const std::string& command :
+         {std::string("check ''"), std::string("check -- ''"), "check " + file + " ''",
+          std::string("lint ''"), std::string("report ''"), std::string("replay ''"),
+          std::string("check --format json ''"), "export '' out.efx", "export " + file + " ''"}) {
+        const TOutcome outcome = Run(command);
+        EXPECT_EQ(2, outcome.Status) << command;
+        EXPECT_EQ("", outcome.Out) << command;
+        EXPECT_EQ(0u, outcome.Err.find("The name of a file is empty\nusage: ")) << command << outcome.Err;
+    }
+    for (const std::string& command :
+         {std::string("dump ''"), std::string("run ''"), std::string("text ''"), std::string("efx ''"),
+          std::string("translate ''"), "diff '' " + file, "diff " + file + " ''", "resave '' out",
+          "resave " + file + " ''", std::string("image '' out --format 0")}) {
+        const TOutcome outcome = Run(command);
+        EXPECT_EQ(1, outcome.Status) << command;
+        EXPECT_EQ("", outcome.Out) << command;
+        EXPECT_EQ(1u, Lines(outcome.Err).size()) << command << outcome.Err;
+    }
+}
+
 TEST_F(TBatchFiles, ADirectoryWithoutNodeTypesIsAnErrorOfEveryCommand)
 {
     fs::create_directories(Folder.Path("types/below"));
@@ -281,11 +305,11 @@ TEST_F(TBatchFiles, ADirectoryWithoutNodeTypesIsAnErrorOfEveryCommand)
     const std::string out = Quote(Folder.Path("out"));
     for (const std::string& directory : {Folder.Path("types"), Folder.Path("none")})
         for (const std::string& command :
-             {std::string("types"), "check " + Sample("fountain"),
-              "check --format json " + Sample("fountain"), "report " + Sample("fountain"),
-              "dump " + Sample("fountain"), "run " + Sample("fountain"),
-              "export " + Sample("fountain") + " " + out, "resave " + Sample("fountain") + " " + out,
-              std::string("efx none.efx"), std::string("hash a")}) {
+             {std::string("types"), "check " + Sample("fountain"), "lint " + Sample("fountain"),
+              "replay " + Sample("fountain"), "report " + Sample("fountain"), "dump " + Sample("fountain"),
+              "run " + Sample("fountain"), "export " + Sample("fountain") + " " + out,
+              "resave " + Sample("fountain") + " " + out, std::string("efx none.efx"),
+              std::string("hash a")}) {
             const TOutcome outcome = Run("--node-types " + Quote(directory) + " " + command);
             EXPECT_EQ(1, outcome.Status) << command;
             EXPECT_EQ("", outcome.Out) << command;

@@ -133,6 +133,30 @@ TEST_F(TFormats, JsonThatIsNoneIsRefused)
     EXPECT_EQ("A\n", json["a"][4].Text);
 }
 
+TEST_F(TFormats, ADirectoryWithoutNodeTypesIsAFindingOfEveryFormat)
+{
+    fs::create_directories(Folder.Path("empty"));
+    WriteBytes(Folder.Path("team.toml"), "node-types = \"empty\"\n[severities]\ntype.error = \"note\"\n");
+    for (const std::string& options :
+         {"--node-types " + Quote(Folder.Path("empty")), "--node-types " + Quote(Folder.Path("none")),
+          "--project " + Quote(Folder.Path("team.toml"))})
+        for (const std::string& command :
+             {std::string("types"), "check " + Sample("fountain"), "check --stale " + Sample("fountain"),
+              "lint " + Sample("fountain"), "replay " + Sample("fountain"), "report " + Sample("fountain")}) {
+            SCOPED_TRACE(options + " " + command);
+            const std::string line = options + " " + command + " --fail-on error --format ";
+            const TJson json = RunJson(line + "json", 1);
+            ASSERT_EQ(1, json["findings"].size());
+            EXPECT_EQ("type.error", json["findings"][0]["id"].Text);
+            EXPECT_EQ(0u,
+                      json["findings"][0]["message"].Text.find("No valid .xml node type files found under"));
+            EXPECT_EQ(1, json["files"].size());
+            const TJson sarif = RunJson(line + "sarif", 1);
+            EXPECT_EQ("type.error", sarif["runs"][0]["results"][0]["ruleId"].Text);
+            EXPECT_NE(std::string::npos, RunJunit(line + "junit", 1).find("type.error"));
+        }
+}
+
 TEST_F(TFormats, ASoundEffectPassesInEveryFormat)
 {
     const TJson json = RunJson(Resources() + "check --format json " + Sample("fountain"), 0);

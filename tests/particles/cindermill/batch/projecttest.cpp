@@ -71,7 +71,7 @@ TEST_F(TProjectFile, AnEmptyOneSaysNothing)
     for (int i = 0; i < BG_NUMBUDGETS; ++i)
         EXPECT_EQ(TProject::NoLimit, project.GetLimit(static_cast<TBudget>(i)));
     EXPECT_FALSE(project.GetPolicies().MustHaveBoundingBox);
-    EXPECT_EQ(FS_WARNING, project.GetSeverity("engine.warning", FS_WARNING));
+    EXPECT_EQ(FS_WARNING, project.GetSeverity("export.warning", FS_WARNING));
     EXPECT_TRUE(project.GetNodeTypes().IsEmpty());
 }
 
@@ -189,7 +189,7 @@ TEST_F(TProjectFile, OneFindingOfOneNodeIsAllowed)
     other.Node = "sprite";
     EXPECT_EQ("", ReasonOf(project, Folder.Path("sub/a.effect"), other));
     EXPECT_EQ("", ReasonOf(project, Folder.Path("sub/a.effect"), TFindingPlace()));
-    TFinding warning = MakeFinding("engine.warning", Folder.Path("sub/a.effect").c_str(), "x");
+    TFinding warning = MakeFinding("export.warning", Folder.Path("sub/a.effect").c_str(), "x");
     warning.Place = place;
     project.Judge(warning);
     EXPECT_TRUE(warning.Allowed.IsEmpty());

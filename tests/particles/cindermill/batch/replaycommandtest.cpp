@@ -106,11 +106,55 @@ TEST_F(TBatch, ReplayTakesItsFramesAndTheirLength)
 TEST_F(TBatch, WrongReplayCommandLinesAreUsageErrors)
 {
     for (const char* line : {"replay", "replay a --frames", "replay a --frames -1", "replay a --dt x",
-                             "replay a --seed -1", "replay a --seed 4294967296", "replay a b"}) {
+                             "replay a --seed -1", "replay a --seed 4294967296"}) {
         const TOutcome outcome = Run(line);
         EXPECT_EQ(2, outcome.Status) << line;
         EXPECT_EQ("", outcome.Out) << line;
         EXPECT_NE(std::string::npos, outcome.Err.find("\nusage: ")) << line;
+    }
+}
+
+TEST_F(TBatch, ReplayOfSeveralFilesNamesThemInRowsAndNotes)
+{
+    std::filesystem::create_directories(Folder.Path("effects/inner"));
+    std::filesystem::copy(SourcePath("samples/tiles.effect"), Folder.Path("effects/inner/a, b.effect"));
+    std::filesystem::copy(SourcePath("samples/fountain.effect"), Folder.Path("effects/fountain.effect"));
+    const std::string alone = Run("replay " + Sample("tiles")).Out;
+    const std::string tiles = Folder.Path("effects/inner/a, b.effect");
+    const std::string fountain = Folder.Path("effects/fountain.effect");
+    for (const std::string& names :
+         {"'" + Folder.Path("effects") + "'", "'" + Folder.Path("effects/**/*.effect") + "'",
+          "'" + fountain + "' '" + tiles + "'"}) {
+        const TOutcome outcome = Run("replay " + names);
+        EXPECT_EQ(1, outcome.Status);
+        // One table, which is that of the file alone but for the last column.
+        std::string expected;
+        for (const std::string& line : Lines(alone))
+            expected += line + (line == Header ? ",file" : ",\"" + tiles + "\"") + "\n";
+        EXPECT_EQ(expected, outcome.Out);
+        int summaries = 0;
+        for (const std::string& line : Lines(outcome.Err)) {
+            EXPECT_TRUE(line.rfind(fountain + ": ", 0) == 0 || line.rfind(tiles + ": ", 0) == 0) << line;
+            summaries += line.find(" values compared, ") != std::string::npos ? 1 : 0;
+        }
+        EXPECT_EQ(2, summaries);
+    }
+    // A folder is several files even where it holds one.
+    const TOutcome one = Run("replay '" + Folder.Path("effects/inner") + "'");
+    EXPECT_EQ(1, one.Status);
+    EXPECT_EQ(std::string(Header) + ",file", Lines(one.Out)[0]);
+    EXPECT_EQ(0, Run("replay '" + fountain + "' '" + fountain + "'").Status);
+}
+
+TEST_F(TBatch, ReplayOfAFolderWithoutEffectsSaysWhatOtherCommandsSay)
+{
+    std::filesystem::create_directories(Folder.Path("empty"));
+    for (const std::string& name : {Folder.Path("empty"), Folder.Path("no*.effect")}) {
+        const TOutcome outcome = Run("replay '" + name + "'");
+        EXPECT_EQ(1, outcome.Status);
+        EXPECT_EQ("", outcome.Out);
+        EXPECT_EQ(Run("check '" + name + "'").Err, outcome.Err);
+        EXPECT_EQ(0u, outcome.Err.find(name + ": ")) << outcome.Err;
     }
 }
 

@@ -66,6 +66,15 @@ TEST_F(DocAccess, TheNodesHaveNamesAndPlacesAndTheirPortsTellTheirWires)
     EXPECT_TRUE(gravity->rect().intersects(input->rect()));
     const QPoint middle = input->rect().center();
     EXPECT_EQ(graph.childAt(middle.x(), middle.y()), input);
+    EXPECT_EQ(graph.childAt(graph.rect().right() + 1, middle.y()), nullptr);
+    // What stands where in which list.
+    for (int i = 0; i < graph.childCount(); ++i)
+        EXPECT_EQ(graph.indexOfChild(graph.child(i)), i);
+    EXPECT_EQ(graph.indexOfChild(input), -1);
+    for (int i = 0; i < gravity->childCount(); ++i)
+        EXPECT_EQ(gravity->indexOfChild(gravity->child(i)), i);
+    EXPECT_NE(gravity->indexOfChild(input), -1);
+    EXPECT_EQ(gravity->indexOfChild(gravity), -1);
 }
 
 TEST_F(DocAccess, ANodeIsSelectedByIt)

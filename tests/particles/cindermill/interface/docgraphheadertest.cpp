@@ -48,16 +48,16 @@ TEST_F(DocGraphHeader, TabsStandSideBySideAsWideAsTheirTextAndTwelve)
     TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
     ASSERT_NE(document, nullptr);
     TDocGraphHeader& header = ViewOf(*document).GetHeader();
-    ASSERT_EQ(header.GetTabNames().size(), document->GetSchedule().GetNumGroups());
-    EXPECT_EQ(Text(header.GetTabNames()[0]), "All");
+    ASSERT_EQ(header.GetTabLabels().size(), document->GetSchedule().GetNumGroups());
+    EXPECT_EQ(Text(header.GetTabLabels()[0]), "All");
     int expected = 0;
-    for (int i = 0; i < header.GetTabNames().size(); ++i) {
+    for (int i = 0; i < header.GetTabLabels().size(); ++i) {
         int left = 0;
         int right = 0;
         int width = 0;
         int height = 0;
         header.GetTabEdges(i, left, right);
-        GetTextExtent(TGDIFont(), header.GetTabNames()[i], width, height);
+        GetTextExtent(TGDIFont(), header.GetTabLabels()[i], width, height);
         EXPECT_EQ(left, expected);
         EXPECT_EQ(right, left + width + 12);
         EXPECT_EQ(header.FindTab(left, 0), i);
@@ -101,8 +101,8 @@ TEST_F(DocGraphHeader, TheOnlyGroupKeepsItsTabWhenTheTriggerIsDeleted)
     TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
     ASSERT_NE(document, nullptr);
     TDocGraphHeader& header = ViewOf(*document).GetHeader();
-    ASSERT_EQ(header.GetTabNames().size(), 2);
-    const std::string name = Text(header.GetTabNames()[1]);
+    ASSERT_EQ(header.GetTabLabels().size(), 2);
+    const std::string name = Text(header.GetTabLabels()[1]);
     vector<TToolNode*> triggers;
     for (int i = 0; i < document->GetGraph()->GetNumNodes(); ++i) {
         TToolNode* node = static_cast<TToolNode*>(document->GetGraph()->GetNode(i));
@@ -112,8 +112,8 @@ TEST_F(DocGraphHeader, TheOnlyGroupKeepsItsTabWhenTheTriggerIsDeleted)
     document->ApplyOperation(new TDeleteGraphNodeOp(triggers));
     ASSERT_TRUE(document->GetSchedule().IsCreated());
     ASSERT_FALSE(document->GetSchedule().IsTriggerGroup(0));
-    ASSERT_EQ(header.GetTabNames().size(), 2);
-    EXPECT_EQ(Text(header.GetTabNames()[1]), name);
+    ASSERT_EQ(header.GetTabLabels().size(), 2);
+    EXPECT_EQ(Text(header.GetTabLabels()[1]), name);
     TGraphWindow& graph = GraphOf(*document);
     SetView(graph, 5000, 5000, 1);
     Click(header, TabOf(header, 1));
@@ -142,7 +142,7 @@ TEST_F(DocGraphHeader, TheGroupsHaveTheirTabsThoughATextureIsMissing)
     ASSERT_NE(document, nullptr);
     ASSERT_FALSE(document->GetEngine().IsInited());
     TDocGraphHeader& header = ViewOf(*document).GetHeader();
-    ASSERT_EQ(header.GetTabNames().size(), 2);
+    ASSERT_EQ(header.GetTabLabels().size(), 2);
     TGraphWindow& graph = GraphOf(*document);
     SetView(graph, 5000, 5000, 1);
     Click(header, TabOf(header, 1));
@@ -152,7 +152,7 @@ TEST_F(DocGraphHeader, TheGroupsHaveTheirTabsThoughATextureIsMissing)
     for (int i = 0; i < document->GetGraph()->GetNumNodes(); ++i)
         all.push_back(static_cast<TToolNode*>(document->GetGraph()->GetNode(i)));
     document->ApplyOperation(new TDeleteGraphNodeOp(all));
-    EXPECT_EQ(header.GetTabNames().size(), 1);
+    EXPECT_EQ(header.GetTabLabels().size(), 1);
 }
 
 TEST_F(DocGraphHeader, ADocumentWithoutAScheduleHasTheTabOfAllNodes)
@@ -160,7 +160,7 @@ TEST_F(DocGraphHeader, ADocumentWithoutAScheduleHasTheTabOfAllNodes)
     TDocument* document = NewDocument();
     ASSERT_NE(document, nullptr);
     TDocGraphHeader& header = ViewOf(*document).GetHeader();
-    ASSERT_EQ(header.GetTabNames().size(), 1);
+    ASSERT_EQ(header.GetTabLabels().size(), 1);
     // With no node there is nothing to show.
     const TGraphView before = GraphOf(*document).GetView();
     Click(header, TabOf(header, 0));
@@ -172,16 +172,16 @@ TEST_F(DocGraphHeader, TabsFollowTheSchedule)
     TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
     ASSERT_NE(document, nullptr);
     TDocGraphHeader& header = ViewOf(*document).GetHeader();
-    ASSERT_GT(header.GetTabNames().size(), 1);
+    ASSERT_GT(header.GetTabLabels().size(), 1);
     vector<TToolNode*> all;
     for (int i = 0; i < document->GetGraph()->GetNumNodes(); ++i)
         all.push_back(static_cast<TToolNode*>(document->GetGraph()->GetNode(i)));
     const QPoint second = TabOf(header, 1);
     document->ApplyOperation(new TDeleteGraphNodeOp(all));
-    EXPECT_EQ(header.GetTabNames().size(), 1);
+    EXPECT_EQ(header.GetTabLabels().size(), 1);
     // A place where a tab was.
     Click(header, second);
     document->Undo();
     document->RebuildSchedule(true);
-    EXPECT_GT(header.GetTabNames().size(), 1);
+    EXPECT_GT(header.GetTabLabels().size(), 1);
 }

@@ -3,6 +3,8 @@
 #include "library/system/message.h"
 #include "library/system/path.h"
 
+#include <QtGui/QWindow>
+
 namespace {
 
 class DocumentWindows : public DocWindows
@@ -20,6 +22,17 @@ protected:
         EXPECT_TRUE(document->SaveAs(path.c_str()));
         App.Get().CloseDocument(document);
         return path;
+    }
+    static std::string DisplayTitle(TDocument* document)
+    {
+        return TitleOf(*WindowsOf(*document).GetParticleWindow());
+    }
+    // Whether the display stays in front of the main window.
+    bool StaysInFront(TDocument& document)
+    {
+        const QWindow* display = WindowsOf(document).GetParticleWindow()->GetHandle()->windowHandle();
+        return display != nullptr &&
+               display->transientParent() == Frame.GetHandle()->window()->windowHandle();
     }
 };
 
@@ -246,4 +259,60 @@ TEST_F(DocumentWindows, ShortcutsPressedInTheEffectsDisplayAreThoseOfTheDocument
     Key(display.GetRenderWindow(), Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(document->CanRedo());
     EXPECT_EQ(App.Get().GetActiveDocument(), other);
+}
+
+TEST_F(DocumentWindows, DisplaysOfOneNameHaveNumbersAsLongAsThereAreSeveral)
+{
+    TDocument* first = NewDocument();
+    TDocument* second = NewDocument();
+    TDocument* third = NewDocument();
+    EXPECT_EQ(DisplayTitle(first), "Effect Display - [doc]");
+    EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc] (2)");
+    EXPECT_EQ(DisplayTitle(third), "Effect Display - [doc] (3)");
+    // An edit makes no other display of it.
+    AddNode(*second, "Gravity", 0, 0);
+    EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc*] (2)");
+    AddNode(*first, "Gravity", 0, 0);
+    EXPECT_EQ(DisplayTitle(first), "Effect Display - [doc*]");
+    // The two that are left can be told apart, each by what it was called before.
+    first->SetModified(false);
+    App.Get().CloseDocument(first);
+    EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc*] (2)");
+    EXPECT_EQ(DisplayTitle(third), "Effect Display - [doc] (3)");
+    const std::string path = App.Path("named.effect");
+    ASSERT_TRUE(third->SaveAs(path.c_str()));
+    EXPECT_EQ(DisplayTitle(third), "Effect Display - [" + path + "]");
+    EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc*]");
+    // A place that is free again is taken.
+    TDocument* fourth = NewDocument();
+    EXPECT_EQ(DisplayTitle(fourth), "Effect Display - [doc] (2)");
+    App.Get().CloseDocument(fourth);
+    EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc*]");
+}
+
+TEST_F(DocumentWindows, ADisplayThatComesBackStaysInFrontAsTheFirstTime)
+{
+    TWindowPlaces places(nullptr);
+    Host.Places = &places;
+    const std::string path = SavedDocument("places.effect");
+    // A narrow view leaves room beside it.
+    TEffectPlaces known;
+    known.Path = path.c_str();
+    known.View = "0 0 500 400 0";
+    places.SetEffect(known);
+    for (int time = 0; time < 3; ++time) {
+        TDocument* document = LoadDocument(path);
+        ASSERT_NE(document, nullptr);
+        EXPECT_TRUE(StaysInFront(*document)) << time;
+        TParticleWindow& display = *WindowsOf(*document).GetParticleWindow();
+        display.Hide();
+        document->GetHost()->ShowParticleWindow(*document);
+        EXPECT_TRUE(StaysInFront(*document)) << time;
+        // Over the graph, where its owner wanted it in the end.
+        if (time == 1)
+            display.MoveTo(100, 100, 400, 300);
+        App.Get().CloseDocument(document);
+        ASSERT_FALSE(places.FindEffect(path.c_str())->Display.IsEmpty());
+    }
+    Host.Places = nullptr;
 }

@@ -13,6 +13,7 @@
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/interface/particles/particlewindow.h"
+#include "particles/cindermill/interface/windowplaces.h"
 
 #include <QtTest/QTest>
 #include <QtWidgets/QWidget>
@@ -21,10 +22,12 @@
 class TWindowsHost : public TFakeAppHost
 {
 public:
-    TDocumentHost* CreateDocumentHost() override { return new TDocumentWindows(Frame); }
+    TDocumentHost* CreateDocumentHost() override { return new TDocumentWindows(Frame, Places); }
     void EndInput() override { TGraphWindow::EndInput(); }
     void RunTicks() override { TRenderObject::RunTicks(nullptr); }
     TWindow* Frame = nullptr;
+    // Null where windows have no places of their own.
+    TWindowPlaces* Places = nullptr;
 };
 
 // A main window, and the application over it.

@@ -16,6 +16,29 @@ protected:
         Release(Graph(), Empty);
         ASSERT_TRUE(WaitFor([&] { return Graph().HasFocus(); }));
     }
+    // The entries of a node's menu that are greyed, those of the popups in it too.
+    TNames GreyEntries(TToolNode* node)
+    {
+        TNames grey;
+        MeetMenu([&](QMenu& menu) {
+            AddGrey(menu, grey);
+            menu.close();
+        });
+        const QPoint at = MiddleOf(*Document, node);
+        Press(Graph(), at, Qt::RightButton);
+        Release(Graph(), at, Qt::RightButton);
+        Settle();
+        return grey;
+    }
+    static void AddGrey(const QMenu& menu, TNames& grey)
+    {
+        for (const QAction* action : menu.actions()) {
+            if (!action->isSeparator() && !action->isEnabled())
+                grey.push_back(action->text().remove(QLatin1Char('&')).section('\t', 0, 0).toStdString());
+            if (action->menu() != nullptr && action->isEnabled())
+                AddGrey(*action->menu(), grey);
+        }
+    }
 };
 
 } // namespace
@@ -80,7 +103,7 @@ TEST_F(GraphActions, TheEntriesOfANodesMenuActOnTheSelection)
     // As in other programs, a node that is not selected becomes the selection.
     MeetMenu([&](QMenu& menu) {
         for (QAction* action : menu.actions())
-            if (action->text().startsWith("Duplicate"))
+            if (ShownText(*action).rfind("Duplicate", 0) == 0)
                 action->trigger();
         menu.close();
     });
@@ -89,6 +112,50 @@ TEST_F(GraphActions, TheEntriesOfANodesMenuActOnTheSelection)
     Release(Graph(), at, Qt::RightButton);
     Settle();
     EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+}
+
+TEST_F(GraphActions, TheEntriesOfTheMainMenuShowWhatHasSomethingToDoAndActOnTheSelection)
+{
+    TMenu menu;
+    TGraphActions::FillMenu(menu);
+    // The texts of what can be chosen; the entry that begins so is.
+    const auto open = [&](const char* chosen) {
+        std::string active;
+        int id = 0;
+        TGraphActions::ShowEntries(menu, &Graph().GetActions(), true);
+        MeetMenu([&](QMenu& shown) {
+            ExpectLetters(shown);
+            for (const QAction* action : shown.actions()) {
+                const std::string text = ShownText(*action);
+                if (action->isEnabled() && !action->isSeparator())
+                    active += text.substr(0, text.find('\t')) + "\n";
+                if (text.rfind(chosen, 0) == 0)
+                    id = action->objectName().mid(4).toInt();
+            }
+            shown.close();
+        });
+        menu.Track(Frame, 0, 0);
+        EXPECT_TRUE(TGraphActions::IsEntry(id));
+        Graph().GetActions().OnMainMenu(id);
+        Settle();
+        return active;
+    };
+    Document->ClearSelection();
+    EXPECT_EQ(open("Map"), "Add Node...\nFind Node...\nTidy\nMap\n");
+    EXPECT_TRUE(Graph().GetMinimap().IsShown());
+    Document->SelectNode(First, true);
+    const std::string active = open("Duplicate");
+    EXPECT_NE(active.find("Duplicate\n"), std::string::npos);
+    EXPECT_EQ(active.find("Align\n"), std::string::npos);
+    EXPECT_EQ(active.find("Take Out"), std::string::npos);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+    Document->SelectNode(Second, false);
+    EXPECT_NE(open("Find").find("Align\n"), std::string::npos);
+    EXPECT_TRUE(Graph().GetActions().GetSearch().IsOpen());
+    Key(Graph().GetActions().GetSearch(), Qt::Key_Escape);
+    // The search to add stands in the middle of the view then, where the node comes to be.
+    open("Add");
+    EXPECT_TRUE(Graph().GetActions().GetSearch().IsOpen());
 }
 
 TEST_F(GraphActions, WithNothingSelectedTheStatusBarSaysSo)
@@ -131,4 +198,37 @@ TEST_F(GraphActions, WithCtrlADraggedNodeSnapsToTheGrid)
     EXPECT_EQ(First->GetY() % 16, 0);
     EXPECT_EQ(First->GetX(), 256);
     EXPECT_EQ(First->GetY(), 240);
+}
+
+TEST_F(GraphActions, TheMenuOfANodeGreysWhatHasNothingToDo)
+{
+    const TNames never = {"Focus Node Group", "Insert Node..."};
+    const auto with = [&](TNames more) {
+        more.insert(more.begin(), never.begin(), never.end());
+        return more;
+    };
+    // The node becomes the selection, whatever is selected: it has no wire and nothing to be aligned with.
+    Document->SelectNode(Second, true);
+    EXPECT_EQ(GreyEntries(First),
+              with({"Bypass", "Take Out of Wires", "Select Upstream", "Select Downstream", "Align"}));
+    EXPECT_EQ(GreyEntries(Second),
+              with({"Take Out of Wires", "Select Upstream", "Select Downstream", "Align"}));
+    Document->SelectNode(First, false);
+    EXPECT_EQ(GreyEntries(Second), with({"Take Out of Wires", "Select Upstream", "Select Downstream",
+                                         "Distribute Across", "Distribute Down"}));
+}
+
+TEST_F(GraphActions, TheMenuOfAWiredNodeOffersItsWires)
+{
+    TToolNode* effect = AddNode(*Document, "Effect", 100, 500);
+    TToolNode* curve = AddNode(*Document, "Scalar Over Life", 600, 500);
+    TGraphScene& scene = WindowsOf(*Document).GetScene();
+    const int time = curve->GetNodeType()->FindInput("Time");
+    Drag(Graph(), PixelOf(Graph(), scene.FindNode(effect)->GetPortPosition(false, 0)),
+         PixelOf(Graph(), scene.FindNode(curve)->GetPortPosition(true, time)));
+    ASSERT_EQ(Document->GetGraph()->GetNumEdges(), 1);
+    const TNames grey = GreyEntries(effect);
+    EXPECT_EQ(std::count(grey.begin(), grey.end(), "Select Upstream"), 1);
+    EXPECT_EQ(std::count(grey.begin(), grey.end(), "Select Downstream"), 0);
+    EXPECT_EQ(std::count(grey.begin(), grey.end(), "Take Out of Wires"), 0);
 }

@@ -79,6 +79,34 @@ TEST_F(GraphDrop, ADropOnAFrameOrOnTheHeaderDoesNothingAndShowsNothing)
     EXPECT_TRUE(Messages().empty());
 }
 
+// What stands there in the graph is hidden by them.
+TEST_F(GraphDrop, OnWhatStandsOverOrBelowTheGraphTheMessageTellsWhere)
+{
+    Graph().GetMinimap().Toggle(View());
+    Document->RebuildSchedule(false);
+    Settle();
+    ASSERT_TRUE(Graph().GetMinimap().IsShown());
+    ASSERT_TRUE(View().GetProblems().IsShown());
+    const int steps = NumUndoSteps();
+    for (TWindow* window :
+         {static_cast<TWindow*>(&Graph().GetMinimap()), static_cast<TWindow*>(&View().GetProblems())}) {
+        Messages().clear();
+        int x = 10;
+        int y = 10;
+        window->ClientToScreen(x, y);
+        // A shaper below them is none that anybody means.
+        const QPoint at = InWindow(*window, QPoint(10, 10), Graph());
+        SetView(Graph(), 0, 0, 1);
+        const QPoint middle = MiddleOf(*Document, Shaper);
+        SetView(Graph(), static_cast<float>(at.x() - middle.x()), static_cast<float>(at.y() - middle.y()), 1);
+        ASSERT_TRUE(Document->GetHost()->OwnsWindow(window));
+        Document->GetHost()->OnDrop(*Document, window, x, y, Animation().c_str());
+        EXPECT_EQ(Messages(),
+                  std::vector<std::string>{"Drag vori file to shaper node or graph to load animation file"});
+    }
+    EXPECT_EQ(NumUndoSteps(), steps);
+}
+
 TEST_F(GraphDrop, OnTheControlsOfAnAnimationAFileIsOneThatIsChosen)
 {
     TToolNode* node = AddNode(*Document, "Animation Path", 300, 100);

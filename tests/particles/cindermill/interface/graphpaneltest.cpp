@@ -55,6 +55,44 @@ protected:
 
 } // namespace
 
+TEST_F(GraphPanel, APanelThatOpensBeyondTheEdgeGlidesIntoSight)
+{
+    int width = 0;
+    int height = 0;
+    Graph().GetSize(width, height);
+    TToolNode* node = AddNode(*Document, "Sprite Render Stage", width - 60, height - 30);
+    TNodeObj& object = *WindowsOf(*Document).GetScene().FindNode(node);
+    object.SetOrigin(TVector2(static_cast<float>(width - 120), static_cast<float>(height - 30)));
+    const auto isInSight = [&] {
+        const TVector2 from = Graph().PixelToWorld(0, 0);
+        const TVector2 to = Graph().PixelToWorld(width, height);
+        TVector2 min;
+        TVector2 max;
+        object.GetRectangle(min, max);
+        return min[0] > from[0] && min[1] > from[1] && max[0] < to[0] && max[1] < to[1];
+    };
+    const QPoint button = PixelOf(Graph(), object.GetOrigin() + TVector2(object.GetSize()[0] - 9, 8));
+    const auto click = [&](const QPoint& place) {
+        Press(Graph(), place);
+        Release(Graph(), place);
+    };
+    click(button);
+    ASSERT_FALSE(object.IsCollapsed());
+    EXPECT_FALSE(isInSight());
+    EXPECT_TRUE(WaitFor([&] {
+        App.Get().OnIdle();
+        return !Graph().IsFocusing();
+    }));
+    EXPECT_TRUE(isInSight());
+    EXPECT_EQ(Graph().GetView().GetScale(), TVector2(1, 1));
+    // To close it moves nothing.
+    const TGraphView view = Graph().GetView();
+    click(PixelOf(Graph(), object.GetOrigin() + TVector2(object.GetSize()[0] - 9, 8)));
+    EXPECT_TRUE(object.IsCollapsed());
+    EXPECT_FALSE(Graph().IsFocusing());
+    EXPECT_EQ(Graph().GetView(), view);
+}
+
 TEST_F(GraphPanel, WhileTextIsTypedTheKeysOfTheClipboardAreTheEdits)
 {
     FocusField();

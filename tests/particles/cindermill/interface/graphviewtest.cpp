@@ -77,6 +77,37 @@ TEST(TGraphView, AZoomJustInsideTheLimitsIsKept)
     EXPECT_EQ(view.GetScale(), TVector2(7, 7));
 }
 
+TEST(TGraphView, WhatIsInSightStaysWhereItIs)
+{
+    TGraphView view(TVector2(10, -20), TVector2(2, 2));
+    const TGraphView before = view;
+    view.Reveal(TVector2(0, 30), TVector2(380, 310), Width, Height);
+    EXPECT_EQ(view, before);
+}
+
+TEST(TGraphView, WhatReachesBeyondAnEdgeComesBackByThatMuch)
+{
+    for (const float scale : {0.5f, 1.0f, 2.0f}) {
+        TGraphView view(TVector2(0, 0), TVector2(scale, scale));
+        const TVector2 corner = view.PixelToWorld(Width, Height);
+        view.Reveal(corner - TVector2(50, 40), corner + TVector2(30, 60), Width, Height);
+        ExpectNear(ToPixel(view, corner + TVector2(30, 60)), TVector2(Width - 8, Height - 8));
+        view.Reveal(TVector2(-90, -70), TVector2(-10, -10), Width, Height);
+        ExpectNear(ToPixel(view, TVector2(-90, -70)), TVector2(8, 8));
+        EXPECT_EQ(view.GetScale(), TVector2(scale, scale));
+    }
+}
+
+// Its title has the button that closes it again.
+TEST(TGraphView, OfWhatIsTooLargeTheTopAndTheLeftAreSeen)
+{
+    for (const float at : {-300.0f, 0.0f, 500.0f}) {
+        TGraphView view(TVector2(at, at), TVector2(1, 1));
+        view.Reveal(TVector2(0, 0), TVector2(1000, 900), Width, Height);
+        ExpectNear(ToPixel(view, TVector2(0, 0)), TVector2(8, 8));
+    }
+}
+
 TEST(TGraphView, ThePointersWorldPointStaysFixedDuringAZoomClampedScalesIncluded)
 {
     constexpr float Scales[] = {0.1f, 0.105f, 0.5f, 1.0f, 3.0f, 6.9f, 7.0f};

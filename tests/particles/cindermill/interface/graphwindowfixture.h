@@ -1,6 +1,7 @@
 #pragma once
 
 #include "docwindowfixture.h"
+#include "support/menutext.h"
 
 #include <QtCore/QTimer>
 #include <QtGui/QAction>
@@ -55,7 +56,7 @@ protected:
             if (menu == nullptr)
                 return;
             for (const QAction* action : menu->actions())
-                texts += action->text().toStdString() + "|" + action->objectName().toStdString() + "\n";
+                texts += ShownText(*action) + "|" + action->objectName().toStdString() + "\n";
             menu->close();
         });
         watch.start(20);

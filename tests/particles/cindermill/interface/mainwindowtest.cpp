@@ -1,10 +1,12 @@
 #include "particles/cindermill/interface/mainwindow.h"
 
+#include "support/fakeexchange.h"
 #include "support/fakehost.h"
 #include "support/testapp.h"
 #include "support/windowtest.h"
 
 #include "library/system/message.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
 
 #include <QtCore/QMimeData>
 #include <QtCore/QTimer>
@@ -19,6 +21,8 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QStatusBar>
+
+#include <algorithm>
 
 namespace {
 
@@ -79,6 +83,29 @@ protected:
         ASSERT_NE(action, nullptr) << id;
         action->trigger();
         Settle();
+    }
+
+    // The ids of the entries that the open Edit menu offers; what it looks like is as they say.
+    TNames EditEntries()
+    {
+        QMenu* edit = Popup(1);
+        edit->popup(Frame().mapToGlobal(QPoint(50, 30)));
+        EXPECT_TRUE(edit->isVisible());
+        TNames result;
+        for (const QAction* action : edit->actions())
+            if (!action->isSeparator() && action->isEnabled())
+                result.push_back(IdOf(*action));
+        QTest::keyClick(edit, Qt::Key_Escape);
+        EXPECT_FALSE(edit->isVisible());
+        return result;
+    }
+    TDocument& NewActive()
+    {
+        EXPECT_TRUE(App.Get().NewDocument());
+        TDocument& document = **(App.Get().GetDocuments().end() - 1);
+        static int view;
+        App.Get().SetActiveDocWindow(reinterpret_cast<TDocWindow*>(&view), &document);
+        return document;
     }
 
     void Drop(const std::vector<std::string>& files)
@@ -151,11 +178,11 @@ TEST_F(MainWindow, ShowsTheVersion)
 
 TEST_F(MainWindow, TheMenusHoldEveryEntryWithItsIdAndKey)
 {
-    ASSERT_EQ(Frame().menuBar()->actions().size(), 4);
+    ASSERT_EQ(Frame().menuBar()->actions().size(), 5);
     TNames titles;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 5; ++i)
         titles.push_back(TextOf(Popup(i)->title()));
-    EXPECT_EQ(titles, (TNames{"File", "Edit", "Tools", "Window"}));
+    EXPECT_EQ(titles, (TNames{"File", "Edit", "Tools", "Window", "Graph"}));
     EXPECT_EQ(Entries(*Popup(0)),
               (TNames{"57600 New\tCtrl+N", "57601 Open\tCtrl+O", "", "57603 Save\tCtrl+S",
                       "57604 Save As\tCtrl+Shift+S", "", "40006 Export...", "40211 File Properties...", "",
@@ -167,6 +194,13 @@ TEST_F(MainWindow, TheMenusHoldEveryEntryWithItsIdAndKey)
     EXPECT_EQ(Entries(*Popup(2)),
               (TNames{"40004 New Graph View", "40005 Show Particle Display", "", "40210 Options..."}));
     EXPECT_EQ(Entries(*Popup(3))[0], "57650 Cascade");
+    // What the graph does by keys.
+    const TNames graph = Entries(*Popup(4));
+    for (const char* entry : {"Add Node...\tTab", "Find Node...\tCtrl+G", "Duplicate\tCtrl+D", "Align",
+                              "Tidy\tCtrl+T", "Map\tCtrl+M"})
+        EXPECT_TRUE(std::any_of(graph.begin(), graph.end(), [entry](const std::string& line) {
+            return line.size() > 6 && line.substr(6) == entry;
+        })) << entry;
 }
 
 TEST_F(MainWindow, TheNewestRecentFileStandsOnTop)
@@ -310,4 +344,60 @@ TEST_F(MainWindow, ANoteGivesWayToWhatStoodThere)
     EXPECT_GE(end->remainingTime(), 10000);
     end->start(0);
     EXPECT_TRUE(WaitFor([&] { return label->text() == version; }));
+}
+
+TEST_F(MainWindow, TheEditMenuOffersWhatHasSomethingToDo)
+{
+    TFakeDesktop desktop;
+    TFakeExchange exchange(desktop);
+    App.Get().GetSharedClipboard().SetExchange(&exchange);
+    EXPECT_EQ(EditEntries(), TNames{});
+    TDocument& document = NewActive();
+    const std::string focusAll = "40214";
+    EXPECT_EQ(EditEntries(), TNames{focusAll});
+    TAddGraphNodeOp* op = new TAddGraphNodeOp(document, App.Type("Age"), 10, 20);
+    document.ApplyOperation(op);
+    EXPECT_EQ(EditEntries(), (TNames{"57643", focusAll}));
+    document.SelectNode(op->GetNode(), true);
+    EXPECT_EQ(EditEntries(), (TNames{"57643", "57635", "57634", "40002", "40213", focusAll}));
+    App.Get().OnMenu(MI_COPY);
+    document.ClearSelection();
+    EXPECT_EQ(EditEntries(), (TNames{"57643", "57637", focusAll}));
+    App.Get().OnMenu(MI_UNDO);
+    EXPECT_EQ(EditEntries(), (TNames{"57644", "57637", focusAll}));
+    // What another program copies is none of ours, or is.
+    const std::string nodes = desktop.Text;
+    desktop.Put("1, 2");
+    EXPECT_EQ(EditEntries(), (TNames{"57644", focusAll}));
+    desktop.Put(nodes);
+    EXPECT_EQ(EditEntries(), (TNames{"57644", "57637", focusAll}));
+    // Another window is the active one.
+    App.Get().SetActiveDocWindow(nullptr, nullptr);
+    EXPECT_EQ(EditEntries(), TNames{});
+    App.Get().GetSharedClipboard().SetExchange(nullptr);
+}
+
+// Keys and whatever else brings a command go by what there is to do then.
+TEST_F(MainWindow, AClosedEditMenuTakesEveryCommand)
+{
+    TDocument& document = NewActive();
+    EXPECT_EQ(EditEntries(), TNames{"40214"});
+    for (const QAction* action : Popup(1)->actions())
+        EXPECT_TRUE(action->isEnabled()) << IdOf(*action);
+    TAddGraphNodeOp* op = new TAddGraphNodeOp(document, App.Type("Age"), 10, 20);
+    document.ApplyOperation(op);
+    Choose(MI_UNDO);
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 0);
+    Choose(MI_UNDO);
+    EXPECT_EQ(Host.Statuses, TNames{"There is nothing to undo"});
+}
+
+TEST_F(MainWindow, WithoutAGraphTheMenuOfTheGraphIsGrey)
+{
+    QMenu* graph = Popup(4);
+    graph->popup(Frame().mapToGlobal(QPoint(200, 30)));
+    EXPECT_GT(graph->actions().size(), 10);
+    for (const QAction* action : graph->actions())
+        EXPECT_TRUE(action->isSeparator() || !action->isEnabled()) << action->text().toStdString();
+    QTest::keyClick(graph, Qt::Key_Escape);
 }

@@ -137,3 +137,15 @@ TEST_F(Palette, ALibraryWithoutTypesIsAnEmptyPalette)
     EXPECT_EQ(palette.GetHeight(), 0);
     EXPECT_EQ(palette.FindRow(0), -1);
 }
+
+// As the search over the graph does.
+TEST_F(Palette, AFilterFindsATypeByAnyOfTheFoldersAroundIt)
+{
+    Rows.SetFilter("outer");
+    EXPECT_NE(Find("30 Deep"), -1);
+    EXPECT_NE(Find("20 One"), -1);
+    EXPECT_EQ(Find("10 Top"), -1);
+    Rows.SetFilter("inner");
+    EXPECT_NE(Find("30 Deep"), -1);
+    EXPECT_EQ(Find("20 One"), -1);
+}

@@ -1,6 +1,9 @@
 #include "graphwindowfixture.h"
 
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/effectgraph/simpleparameters.h"
+
+#include <QtGui/QImage>
 
 namespace {
 
@@ -22,6 +25,28 @@ protected:
         for (int i = 0; i < problems.size(); ++i)
             if (problems[i].Node == node)
                 return i;
+        return -1;
+    }
+    // As it is drawn, in the corner of the tab.
+    static bool HasBadge(const TDocGraphHeader& header, int tab)
+    {
+        int left = 0;
+        int right = 0;
+        header.GetTabEdges(tab, left, right);
+        const QImage picture = header.GetHandle()->grab().toImage();
+        return (picture.pixel(right - 4, 4) & 0xFFFFFF) == 0xC62828;
+    }
+    static TNodeTextureParameter* FindTexture(const TEffectNode& node)
+    {
+        return node.GetNodeType()->FindParameterOf<TNodeTextureParameter>("Texture", PK_TEXTURE);
+    }
+    // -1 for none.
+    static int FindGroupOf(const TEffectSchedule& schedule, const TNodeTextureParameter& texture)
+    {
+        for (int g = 0; g < schedule.GetNumGroups(); ++g)
+            for (int i = 0; i < schedule.GetNumTiedNodes(g); ++i)
+                if (FindTexture(*schedule.GetNode(schedule.GetTiedNode(g, i))) == &texture)
+                    return g;
         return -1;
     }
     void Connect(TToolNode* source, const char* output, TToolNode* destination, const char* input)
@@ -52,6 +77,49 @@ TEST_F(ProblemStrip, StandsBelowTheGraphAsLongAsThereAreProblems)
     EXPECT_FALSE(Strip().IsShown());
     EXPECT_EQ(Graph().GetHandle()->height(), height);
     EXPECT_FALSE(View().GetHeader().HasProblem(0));
+}
+
+TEST_F(ProblemStrip, TheTabOfTheNodesGroupHasABadgeAndNoOtherGroups)
+{
+    // Nothing is searched for.
+    App.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+    App.Get().GetResourceLocator().ReadSettings();
+    TDocument* effect = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(effect, nullptr);
+    TEffectGraph& graph = *effect->GetGraph();
+    const int count = graph.GetNumNodes();
+    for (int i = 0; i < count; ++i)
+        effect->SelectNode(static_cast<TToolNode*>(graph.GetNode(i)), false);
+    effect->CopySelection();
+    effect->Paste();
+    std::vector<TNodeTextureParameter*> textures;
+    for (int i = 0; i < graph.GetNumNodes(); ++i)
+        if (TNodeTextureParameter* texture = FindTexture(*graph.GetNode(i))) {
+            textures.push_back(texture);
+            texture->SetValue(SourcePath("samples/textures/" + Text(texture->GetFileName())).c_str());
+        }
+    ASSERT_EQ(textures.size(), 2u);
+    effect->RebuildSchedule(true);
+    Settle();
+    TDocGraphHeader& header = ViewOf(*effect).GetHeader();
+    ASSERT_EQ(header.GetTabLabels().size(), 3);
+    const auto expectBadges = [&](bool all, bool first, bool second) {
+        EXPECT_EQ(HasBadge(header, 0), all);
+        EXPECT_EQ(HasBadge(header, 1), first);
+        EXPECT_EQ(HasBadge(header, 2), second);
+    };
+    expectBadges(false, false, false);
+    for (TNodeTextureParameter* texture : textures) {
+        const std::string whole = Text(texture->GetFileName());
+        const int group = FindGroupOf(effect->GetSchedule(), *texture);
+        texture->SetValue("nowhere.dds");
+        effect->RebuildSchedule(true);
+        expectBadges(true, group == GetTabGroup(effect->GetSchedule(), 1),
+                     group == GetTabGroup(effect->GetSchedule(), 2));
+        texture->SetValue(whole.c_str());
+        effect->RebuildSchedule(true);
+        expectBadges(false, false, false);
+    }
 }
 
 TEST_F(ProblemStrip, AClickShowsTheNode)
@@ -105,4 +173,96 @@ TEST_F(ProblemStrip, ANodeThatWentLeadsNowhere)
     Press(Strip(), at);
     Release(Strip(), at);
     EXPECT_EQ(NumSelected(), 0);
+}
+
+namespace {
+
+// A sample in its windows, with what it names.
+class AgreementStrip : public DocWindows
+{
+protected:
+    void Open(const char* sample)
+    {
+        App.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples").c_str());
+        Document = LoadDocument(SourcePath(std::string("samples/") + sample + ".effect"));
+        ASSERT_NE(Document, nullptr);
+        ASSERT_TRUE(Document->EnsureSchedule());
+        Settle();
+    }
+    void Export()
+    {
+        Host.Choice = App.Path("a.efx");
+        App.Get().SetActiveDocWindow(&ViewOf(*Document), Document);
+        App.Get().OnMenu(MI_EXPORT);
+        do
+            App.Get().OnIdle();
+        while (Document->GetAgreement().IsRunning());
+        Settle();
+    }
+    TProblemStrip& Strip() { return ViewOf(*Document).GetProblems(); }
+
+    TDocument* Document = nullptr;
+};
+
+} // namespace
+
+TEST_F(AgreementStrip, AnExportStaysInSightUntilTheNextEdit)
+{
+    ASSERT_NO_FATAL_FAILURE(Open("fountain"));
+    const int height = GraphOf(*Document).GetHandle()->height();
+    EXPECT_FALSE(Strip().IsShown());
+    Export();
+    EXPECT_EQ(Strip().GetNumEntries(), 1);
+    EXPECT_TRUE(Strip().IsShown());
+    EXPECT_EQ(GraphOf(*Document).GetHandle()->height(), height - TProblemStrip::RowHeight);
+    EXPECT_FALSE(ViewOf(*Document).GetHeader().HasProblem(0));
+    const std::string status = Host.Statuses.back();
+    EXPECT_EQ(status.find("Exported "), 0u);
+    EXPECT_EQ(status.substr(status.size() - 26), ". Preview and export agree");
+    // It leads nowhere.
+    const QPoint at(100, 10);
+    Press(Strip(), at);
+    Release(Strip(), at);
+    EXPECT_TRUE(Document->GetSelection().empty());
+    AddNode(*Document, "Gravity", 200, 400);
+    App.Get().OnIdle();
+    Settle();
+    EXPECT_FALSE(Strip().IsShown());
+    EXPECT_EQ(GraphOf(*Document).GetHandle()->height(), height);
+}
+
+TEST_F(AgreementStrip, EachOfItsEntriesLeadsToItsNode)
+{
+    ASSERT_NO_FATAL_FAILURE(Open("waterfall"));
+    Export();
+    const vector<TVerdictLine>& lines = Document->GetAgreement().GetLines();
+    ASSERT_GE(lines.size(), 2);
+    EXPECT_EQ(Strip().GetNumEntries(), lines.size());
+    for (int i = 0; i < lines.size() && i < TProblemStrip::MaxRows; ++i) {
+        ASSERT_NE(lines[i].Node, nullptr);
+        Document->ClearSelection();
+        SetView(GraphOf(*Document), 20000, 20000, 1);
+        const QPoint at(100, i * TProblemStrip::RowHeight + 10);
+        Press(Strip(), at);
+        Release(Strip(), at);
+        while (GraphOf(*Document).IsFocusing())
+            GraphOf(*Document).OnIdle();
+        ASSERT_EQ(Document->GetSelection().size(), 1);
+        EXPECT_EQ(Document->GetSelection()[0], lines[i].Node);
+        EXPECT_EQ(Text(lines[i].Node->GetNodeType()->Name), "Grid");
+        EXPECT_TRUE(GraphOf(*Document).GetHandle()->rect().contains(
+            MiddleOf(*Document, static_cast<const TToolNode*>(lines[i].Node))));
+    }
+}
+
+TEST_F(AgreementStrip, ProblemsComeFirst)
+{
+    ASSERT_NO_FATAL_FAILURE(Open("fireflies"));
+    Export();
+    EXPECT_EQ(Strip().GetNumEntries(), 2);
+    AddNode(*Document, "Quad Render Stage", 200, 400);
+    Document->RebuildSchedule(false);
+    const int problems = Document->GetProblems().size();
+    ASSERT_GE(problems, 1);
+    EXPECT_EQ(Strip().GetNumEntries(), problems);
 }

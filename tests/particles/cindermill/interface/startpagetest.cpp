@@ -95,6 +95,23 @@ TEST_F(StartPage, ItSaysHowToBeginAsLongAsNothingIsOpen)
     EXPECT_TRUE(Page()->isVisible());
 }
 
+TEST_F(StartPage, ReturnChoosesTheEntryThatTheKeysHaveReached)
+{
+    Host.Choice = SourcePath("samples/fountain.effect");
+    for (const char* text : {"New effect", "Open...", "comet"}) {
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+            QAbstractButton* button = Entry(text);
+            ASSERT_NE(button, nullptr);
+            button->setFocus();
+            QTest::keyClick(button, key);
+            Settle();
+            ASSERT_EQ(NumDocuments(), 1) << text << " " << key;
+            App.Get().CloseDocument(&Newest());
+            Settle();
+        }
+    }
+}
+
 TEST_F(StartPage, OpenAsksForAFile)
 {
     Host.Choice = SourcePath("samples/fountain.effect");
@@ -111,7 +128,12 @@ TEST_F(StartPage, EachSampleHasATileWithItsPictureThatOpensIt)
     for (const TString& effect : effects) {
         const QString name =
             QString::fromStdString(std::filesystem::path(Text(effect)).stem().string()).section('\\', -1);
-        EXPECT_NE(Entry(name), nullptr) << name.toStdString();
+        QAbstractButton* tile = Entry(name);
+        ASSERT_NE(tile, nullptr) << name.toStdString();
+        EXPECT_TRUE(WaitFor([&] {
+            const QImage shown = tile->icon().pixmap(tile->iconSize()).toImage();
+            return shown.pixelColor(shown.width() / 2, shown.height() / 2).alpha() > 0;
+        })) << name.toStdString();
         TString picture;
         TSampleEffects::GetPicture(effect, picture);
         picture.Replace('\\', '/');

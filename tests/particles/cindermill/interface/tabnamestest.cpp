@@ -5,21 +5,29 @@
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/docgraphheader.h"
+#include "particles/cindermill/interface/particles/previewgroups.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/error.h"
 
 #include <memory>
+#include <regex>
 
 namespace {
 
 std::string TabsOf(const TEffectSchedule& schedule)
 {
-    vector<TString> names;
-    GetTabNames(schedule, names);
+    vector<TString> labels;
+    GetTabLabels(schedule, labels);
     std::string result;
-    for (const TString& name : names)
-        result += "[" + Text(name) + "]";
+    for (const TString& label : labels)
+        result += "[" + Text(label) + "]";
     return result;
+}
+
+// The numbers of the groups left out, which others may have after an edit.
+std::string NamesOf(const TEffectSchedule& schedule)
+{
+    return std::regex_replace(TabsOf(schedule), std::regex(" \\(Group [0-9]+\\)"), "");
 }
 
 } // namespace
@@ -62,7 +70,7 @@ TEST(TabNames, TheGroupsKeepTheirTabsWhenTheTriggersGo)
         TTestApp app;
         const TQuiet quiet;
         TSampleDocument sample(app, name);
-        const std::string before = TabsOf(sample->GetSchedule());
+        const std::string before = NamesOf(sample->GetSchedule());
         vector<TToolNode*> triggers;
         for (int i = 0; i < sample->GetGraph()->GetNumNodes(); ++i) {
             TToolNode* node = static_cast<TToolNode*>(sample->GetGraph()->GetNode(i));
@@ -81,9 +89,43 @@ TEST(TabNames, TheGroupsKeepTheirTabsWhenTheTriggersGo)
                 continue;
             EXPECT_EQ(GetTabGroup(schedule, ++tab), group);
         }
-        EXPECT_EQ(TabsOf(schedule), before);
+        EXPECT_EQ(NamesOf(schedule), before);
         EXPECT_EQ(GetTabGroup(schedule, 0), -1);
         EXPECT_EQ(GetTabGroup(schedule, tab + 1), -1);
     }
     EXPECT_GT(moved, 0);
+}
+
+TEST(TabNames, AStageOfTheTabOfAllNodesNameHasItsGroupsNumber)
+{
+    TTestApp app;
+    const TQuiet quiet;
+    TSampleDocument sample(app, "fountain");
+    const TEffectSchedule& schedule = sample->GetSchedule();
+    const int group = GetTabGroup(schedule, 1);
+    ASSERT_NE(group, -1);
+    FindGroupNode(schedule, group)->GetNodeType()->Name = "all";
+    const std::string number = std::to_string(group);
+    EXPECT_EQ(TabsOf(schedule), "[All][all (Group " + number + ")]");
+}
+
+// The preview's menu and the budget call them as the tabs do.
+TEST(TabNames, TheGroupsOfTheTabsAreThoseOfThePreview)
+{
+    TTestApp app;
+    const TQuiet quiet;
+    for (const char* name : {"fountain", "campfire", "explosion"}) {
+        TSampleDocument sample(app, name);
+        const TEffectSchedule& schedule = sample->GetSchedule();
+        vector<int> groups;
+        vector<TString> names;
+        GetParticleGroups(schedule, groups, names);
+        ASSERT_FALSE(groups.empty());
+        std::string expected = "[All]";
+        for (int i = 0; i < groups.size(); ++i) {
+            EXPECT_EQ(GetTabGroup(schedule, i + 1), groups[i]);
+            expected += "[" + Text(names[i]) + "]";
+        }
+        EXPECT_EQ(TabsOf(schedule), expected);
+    }
 }

@@ -1,5 +1,6 @@
 #include "docwindowfixture.h"
 
+#include "particles/cindermill/interface/particles/previewgroups.h"
 #include "particles/cindermill/interface/tabstrip.h"
 #include "particles/cindermill/main/document.h"
 
@@ -96,17 +97,14 @@ TEST_F(TabStrip, TabsOfOneNameTellTheirGroups)
 {
     TDocument* document = LoadManyGroups(2);
     ASSERT_NE(document, nullptr);
-    vector<TString> names;
+    const TEffectSchedule& schedule = document->GetSchedule();
     vector<TString> labels;
-    GetTabNames(document->GetSchedule(), names);
-    GetTabLabels(document->GetSchedule(), labels);
-    ASSERT_EQ(names.size(), 4);
+    GetTabLabels(schedule, labels);
     ASSERT_EQ(labels.size(), 4);
     EXPECT_EQ(Text(labels[0]), "All");
+    const std::string name = Text(FindGroupNode(schedule, GetTabGroup(schedule, 1))->GetNodeType()->Name);
     for (int i = 1; i < 4; ++i) {
-        EXPECT_EQ(Text(names[i]), Text(names[1]));
-        EXPECT_EQ(Text(labels[i]), Text(names[i]) + " (Group " +
-                                       std::to_string(GetTabGroup(document->GetSchedule(), i)) + ")");
+        EXPECT_EQ(Text(labels[i]), name + " (Group " + std::to_string(GetTabGroup(schedule, i)) + ")");
         for (int k = 1; k < i; ++k)
             EXPECT_NE(Text(labels[i]), Text(labels[k]));
     }
@@ -118,7 +116,7 @@ TEST_F(TabStrip, ATabBeyondTheRightEdgeIsReachedByTheArrowAndByTheWheel)
     TDocument* document = LoadManyGroups(14);
     ASSERT_NE(document, nullptr);
     TDocGraphHeader& header = ViewOf(*document).GetHeader();
-    const int last = header.GetTabNames().size() - 1;
+    const int last = header.GetTabLabels().size() - 1;
     int width = 0;
     int height = 0;
     header.GetSize(width, height);

@@ -2,6 +2,7 @@
 
 #include "docwindowfixture.h"
 #include "support/fakecontrolhost.h"
+#include "support/menutext.h"
 
 #include "library/wimp/textclipboard.h"
 #include "particles/cindermill/interface/controls/numberparametercontrols.h"
@@ -53,8 +54,8 @@ protected:
             if (menu == nullptr)
                 return;
             for (QAction* action : menu->actions()) {
-                texts += (action->isEnabled() && !action->isSeparator() ? "*" : "") +
-                         action->text().toStdString() + "\n";
+                texts +=
+                    (action->isEnabled() && !action->isSeparator() ? "*" : "") + ShownText(*action) + "\n";
                 if (entry != 0 && action->objectName() == QStringLiteral("menu%1").arg(entry))
                     action->trigger();
             }

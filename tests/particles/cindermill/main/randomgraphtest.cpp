@@ -314,3 +314,41 @@ TEST_F(RandomGraphs, EditsGoOnBesideARunningPreview)
     }
     EXPECT_GT(frames, 0);
 }
+
+TEST_F(RandomGraphs, EditsEndAComparisonWhereverItIs)
+{
+    const uint32_t count = Setting("CINDERMILL_RANDOM_GRAPHS", 10);
+    const uint32_t first = Setting("CINDERMILL_RANDOM_SEED", 1);
+    const TQuiet quiet;
+    TAgreementLimits limits;
+    limits.Pass = 0;
+    int ended = 0;
+    int known = 0;
+    for (uint32_t seed = first; seed < first + count; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.New());
+        TExportAgreement& agreement = document.GetAgreement();
+        agreement.SetLimits(limits);
+        TDice dice(seed);
+        TRandomGraph graph(App.Get(), document, dice);
+        graph.AddSystem();
+        for (int i = 0; i < 30; ++i) {
+            const unsigned edits = document.GetNumEdits();
+            const bool wasRunning = agreement.IsRunning();
+            graph.Edit();
+            if (document.GetNumEdits() != edits) {
+                EXPECT_FALSE(agreement.IsBegun());
+                ended += wasRunning ? 1 : 0;
+            }
+            if (!document.EnsureSchedule())
+                continue;
+            agreement.Begin();
+            for (uint32_t parts = graph.Below(1000); parts > 0 && agreement.IsRunning(); --parts)
+                agreement.Run();
+            known += agreement.IsKnown() ? 1 : 0;
+        }
+    }
+    EXPECT_GT(ended, 0);
+    EXPECT_GT(known, 0);
+}

@@ -4,6 +4,7 @@
 #include "support/testgraph.h"
 
 #include "library/containers/image/image.h"
+#include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreplay.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/export/exportpolicies.h"
@@ -344,6 +345,7 @@ TEST_F(LintGraphs, AReferenceBeyondItsFieldIsTold)
     const TFindingList findings = Lint(effect);
     EXPECT_ONLY("number.field", findings);
     EXPECT_EQ(1.5, NumberOf(findings[0], "value"));
+    EXPECT_TRUE(Mentions(findings[0], "goes out as 1"));
 }
 
 TEST_F(LintGraphs, AnExportThatFailsIsToldInItsOwnWords)
@@ -525,6 +527,9 @@ TEST_F(LintGraphs, AGroupThatRunsAheadOfItsParentIsTold)
 class LintReplays : public TLintFixture
 {
 protected:
+    // The node that something is told of; the cone unless set.
+    const TSampleNode* Told = nullptr;
+
     TFindingList Tell(TSoundEffect& effect, const TReplayReport& replay, const char* told = nullptr)
     {
         TEffectSchedule schedule;
@@ -534,8 +539,10 @@ protected:
         TLintReport report(findings, "effect");
         report.SetSchedule(&schedule);
         if (told != nullptr)
-            report.AddNode(told, *effect.Cone.GetNode(), -1, "told");
-        TLintReplay(schedule, Options).TellDifferences(replay, report);
+            report.AddNode(told, *(Told != nullptr ? Told : &effect.Cone)->GetNode(), -1, "told");
+        TLintGraph graph(effect.GetGraph(), schedule);
+        graph.FindUseful();
+        TLintReplay(schedule, graph, Options).TellDifferences(replay, report);
         return findings;
     }
     static TReplayDifference Differ(TDifferenceKind kind, const TSampleNode* node, int group, int attribute)
@@ -630,6 +637,96 @@ TEST_F(LintReplays, WhatIsToldOfANodeExplainsAllBehindIt)
     beside.Add(Differ(DK_VALUE, &effect.Colours, 1, 1));
     const TIds unexplained = {LK_CONSOLENOTHING, "replay.value"};
     EXPECT_EQ(unexplained, IdsOf(Tell(effect, beside, LK_CONSOLENOTHING)));
+}
+
+TEST_F(LintReplays, AnEmitterThatIsElsewhereOnTheConsoleExplainsItsPlacesAlone)
+{
+    TSoundEffect effect(App);
+    Told = &effect.Source;
+    TReplayReport places;
+    places.Add(Differ(DK_VALUE, &effect.Source, 1, 0));
+    places.Add(Differ(DK_UNKNOWN, &effect.Integrate, 1, 0));
+    EXPECT_EQ(TIds{LK_CONSOLEGRID}, IdsOf(Tell(effect, places, LK_CONSOLEGRID)));
+    // Nothing of these hangs on where particles start.
+    for (const TDifferenceKind kind : {DK_VALUE, DK_UNDEFINED, DK_UNKNOWN}) {
+        TReplayReport colours;
+        colours.Add(Differ(kind, &effect.Colours, 1, 1));
+        const TIds expected = {LK_CONSOLEGRID, GetReplayFindingKind(kind)};
+        EXPECT_EQ(expected, IdsOf(Tell(effect, colours, LK_CONSOLEGRID)));
+    }
+    TReplayReport count;
+    count.Add(Differ(DK_COUNT, &effect.Source, 1, -1));
+    const TIds counted = {LK_CONSOLEGRID, "replay.count"};
+    EXPECT_EQ(counted, IdsOf(Tell(effect, count, LK_CONSOLEGRID)));
+}
+
+TEST_F(LintReplays, WhatDecidesWhichParticlesThereAreExplainsAllTheirValues)
+{
+    TSoundEffect effect(App);
+    TReplayReport replay;
+    replay.Add(Differ(DK_COUNT, &effect.Source, 1, -1));
+    replay.Add(Differ(DK_VALUE, &effect.Colours, 1, 1));
+    for (const auto& [node, kind] :
+         std::initializer_list<std::pair<TSampleNode*, const char*>>{{&effect.Source, LK_CONSOLEPLACES},
+                                                                     {&effect.Source, LK_CONSOLEORDER},
+                                                                     {&effect.Trigger, LK_NUMBERFIELD},
+                                                                     {&effect.Age, LK_CONSOLEENDS}}) {
+        Told = node;
+        EXPECT_EQ(TIds{kind}, IdsOf(Tell(effect, replay, kind)));
+    }
+}
+
+TEST_F(LintReplays, ANoteOfTheReplayIsToldForWhatItExplains)
+{
+    TSoundEffect effect(App);
+    TReplayReport replay;
+    replay.Add(Differ(DK_COUNT, &effect.Source, 1, -1));
+    replay.Add(Differ(DK_VALUE, &effect.Colours, 1, 1));
+    replay.Add(Differ(DK_STAGE, &effect.Stage, 1, -1));
+    TReplayNote note;
+    note.Text = "Group 1: its capacity of 11 particles is rounded up to 12";
+    note.Group = 1;
+    note.MayDiffer = true;
+    note.DecidesParticles = true;
+    replay.AddNote(note);
+    const TFindingList findings = Tell(effect, replay);
+    const TIds expected = {"replay.note", "replay.stage"};
+    ASSERT_EQ(expected, IdsOf(findings));
+    EXPECT_EQ(FS_NOTE, findings[0].Severity);
+    EXPECT_STREQ(note.Text.Print(), findings[0].Message.Print());
+    // One of a node that decides nothing explains what hangs on it.
+    TReplayReport values;
+    values.Add(Differ(DK_VALUE, &effect.Integrate, 1, 0));
+    values.Add(Differ(DK_VALUE, &effect.Colours, 1, 1));
+    note.Node = effect.Gravity.GetNode();
+    note.DecidesParticles = false;
+    values.AddNote(note);
+    const TIds both = {"replay.note", "replay.value"};
+    EXPECT_EQ(both, IdsOf(Tell(effect, values)));
+    // What may not differ for it explains nothing.
+    TReplayReport unexplained;
+    unexplained.Add(Differ(DK_VALUE, &effect.Integrate, 1, 0));
+    note.MayDiffer = false;
+    unexplained.AddNote(note);
+    EXPECT_EQ(TIds{"replay.value"}, IdsOf(Tell(effect, unexplained)));
+}
+
+TEST_F(LintReplays, NothingThatIsToldExplainsAStageOrWhatNothingWrites)
+{
+    TSoundEffect effect(App);
+    TReplayReport replay;
+    // All at one node: what is explained stands for none of the others.
+    replay.Add(Differ(DK_VALUE, &effect.Source, 1, 0));
+    replay.Add(Differ(DK_UNDEFINED, &effect.Source, 1, 0));
+    replay.Add(Differ(DK_STAGE, &effect.Stage, 1, -1));
+    TReplayDifference table = Differ(DK_VALUE, &effect.Integrate, 1, 2);
+    table.Place.Frame = 0;
+    replay.Add(table);
+    for (const char* kind : {LK_CONSOLEPLACES, LK_CONSOLEORDER, LK_CONSOLEENDS}) {
+        Told = &effect.Source;
+        const TIds expected = {kind, "replay.undefined", "replay.stage", "replay.value"};
+        EXPECT_EQ(expected, IdsOf(Tell(effect, replay, kind)));
+    }
 }
 
 TEST_F(LintGraphs, NoGraphThatCanBeBuiltEndsALint)

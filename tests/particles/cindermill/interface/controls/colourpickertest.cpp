@@ -370,13 +370,15 @@ TEST_F(ColourPicker, InHslTheKeysKeepTheHueOfBlack)
     EXPECT_NEAR(Picker.GetHsla()[2], 0.01f, 1e-6f);
 }
 
-TEST_F(ColourPicker, TheKeysAreLostWithTheFocusAndTabLeadsToAField)
+TEST_F(ColourPicker, TheKeysAreLostWithTheFocusAndTabLeadsToTheModeAndTheFields)
 {
     EXPECT_EQ(Picker.GetKeyArea(), PA_NONE);
     PressAt(PA_SQUARE, 0.5f, 0.5f);
     ReleaseAt(PA_SQUARE, 0.5f, 0.5f);
     EXPECT_TRUE(Key(KEY_TAB));
     EXPECT_EQ(Picker.GetKeyArea(), PA_NONE);
+    EXPECT_EQ(TRenderObject::GetFocus(), &Picker.GetCombo());
+    EXPECT_TRUE(Key(KEY_TAB));
     EXPECT_EQ(TRenderObject::GetFocus(), &Picker.GetInput(0).GetEdit());
 }
 

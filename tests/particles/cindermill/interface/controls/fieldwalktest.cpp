@@ -5,6 +5,7 @@
 #include "particles/cindermill/interface/controls/controls.h"
 #include "particles/cindermill/interface/controls/fieldwalk.h"
 #include "particles/cindermill/interface/controls/numberinput.h"
+#include "particles/cindermill/interface/controls/pushbutton.h"
 #include "particles/cindermill/interface/controls/scrollpane.h"
 #include "particles/cindermill/interface/controls/tickbox.h"
 
@@ -106,7 +107,7 @@ TEST_F(FieldWalk, AnotherPanelsFieldsAreNotReached)
     world.AddObject(&Panel);
     world.AddObject(&other);
     other.AddObject(&alone);
-    EXPECT_EQ(FindNextField(Text, false), &First.GetEdit());
+    EXPECT_EQ(FindNextField(Text, false), &First);
     EXPECT_EQ(FindNextField(alone, false), nullptr);
 }
 
@@ -150,20 +151,31 @@ TEST(ControlClasses, AreKnownByTheirNames)
     }
 }
 
-TEST_F(FieldWalk, TabLeadsFromOtherControlsToTheFieldBesideThem)
+TEST_F(FieldWalk, TabWalksOtherControlsToo)
 {
     TTickBox tick(Host);
     tick.Build("Open");
     TComboBox combo(Host);
     combo.Build(TVector2(100, 18));
+    TPushButton button(Host);
+    button.Build("More", TVector2(40, 18));
     Panel.RemoveObject(&Text);
-    Panel.AddObject(&tick);
-    Panel.AddObject(&combo);
-    Panel.AddObject(&Text);
-    for (TRenderObject* object : {static_cast<TRenderObject*>(&tick), static_cast<TRenderObject*>(&combo)}) {
-        TRenderObject::SetFocus(object, &Renderer);
-        EXPECT_EQ(Tab(), &Text);
-        TRenderObject::SetFocus(object, &Renderer);
-        EXPECT_EQ(Tab(KF_SHIFT), &Third.GetEdit());
+    TRenderObject* const others[] = {&tick, &combo, &button, &Text};
+    for (TRenderObject* object : others)
+        Panel.AddObject(object);
+    TRenderObject::SetFocus(&Third.GetEdit(), &Renderer);
+    for (TRenderObject* object : others) {
+        Tab();
+        EXPECT_EQ(TRenderObject::GetFocus(), object);
     }
+    EXPECT_EQ(Tab(), &First.GetEdit());
+    Tab(KF_SHIFT);
+    Tab(KF_SHIFT);
+    EXPECT_EQ(TRenderObject::GetFocus(), &button);
+    // What takes no presses takes no keys either.
+    combo.SetEnabled(false);
+    Tab(KF_SHIFT);
+    EXPECT_EQ(TRenderObject::GetFocus(), &tick);
+    Type(" ");
+    EXPECT_TRUE(tick.IsChecked());
 }

@@ -1,4 +1,5 @@
 #include "dialogfixture.h"
+#include "support/accessnames.h"
 #include "support/fakehost.h"
 #include "support/sampledocument.h"
 
@@ -221,6 +222,16 @@ TEST_F(NodeProperties, ARenderNodeHasAllFields)
         EXPECT_EQ(Find<QDoubleSpinBox>(dialog, Sides[5]).text(), QString("3.0625"));
         EXPECT_EQ(Find<QPushButton>(dialog, Sample).text(), QString("Sample"));
         EXPECT_EQ(Find<QPushButton>(dialog, Record).text(), QString("Record"));
+    });
+}
+
+TEST_F(NodeProperties, EveryControlHasANameForAssistiveTools)
+{
+    Open([](QDialog& dialog) {
+        EXPECT_GT(ExpectNames(dialog), 10);
+        EXPECT_EQ(QAccessible::queryAccessibleInterface(&Find<QDoubleSpinBox>(dialog, Sides[4]))
+                      ->text(QAccessible::Name),
+                  QString("Static bounding box, greatest y"));
     });
 }
 

@@ -1,4 +1,5 @@
 #include "dialogfixture.h"
+#include "support/accessnames.h"
 
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/options/optionsdialog.h"
@@ -655,4 +656,10 @@ TEST_F(Scaled, EachPageHasRoomForItsTexts)
     });
     Settings().SetResourceMode(RM_LEAFNAME);
     Open(PG_RESOURCES, [](QDialog& dialog, QWidget&) { Picture(dialog, "options-leafname"); });
+}
+
+TEST_F(OptionsDialog, EveryControlHasANameForAssistiveTools)
+{
+    for (const TPage page : {PG_GENERAL, PG_RESOURCES, PG_CONNECTION, PG_POLICIES})
+        Open(page, [](QDialog& dialog, QWidget&) { EXPECT_GT(ExpectNames(dialog), 3); });
 }

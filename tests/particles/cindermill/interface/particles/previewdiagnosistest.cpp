@@ -3,6 +3,7 @@
 #include "support/sampledocument.h"
 
 #include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/usage.h"
@@ -32,6 +33,15 @@ protected:
     static void DelayFor(TEffectNode& emitter, float seconds)
     {
         static_cast<TNodeScalarParameter*>(emitter.GetNodeType()->GetInput(1))->SetValue(&seconds);
+    }
+    int FindGroupOf(const TEffectNode& node)
+    {
+        const TEffectSchedule& schedule = Sample->GetSchedule();
+        for (int g = 0; g < schedule.GetNumGroups(); ++g)
+            for (int t = 0; t < schedule.GetNumTiedNodes(g); ++t)
+                if (schedule.GetNode(schedule.GetTiedNode(g, t)) == &node)
+                    return g;
+        return -1;
     }
     void BypassStages(bool bypassed)
     {
@@ -85,6 +95,47 @@ TEST_F(PreviewDiagnosis, BypassedStagesAreTold)
     BypassStages(true);
     EXPECT_TRUE(Tells("all render stages are bypassed"));
     BypassStages(false);
+    EXPECT_EQ(Told(), "");
+}
+
+TEST_F(PreviewDiagnosis, AnEffectWithoutAnyStageSaysSo)
+{
+    Sample.Run(1);
+    EXPECT_EQ(Told(), "");
+    vector<TToolNode*> stages;
+    stages.push_back(static_cast<TToolNode*>(Find("TSpriteRenderStage")));
+    ASSERT_NE(stages[0], nullptr);
+    Sample->ApplyOperation(new TDeleteGraphNodeOp(stages));
+    ASSERT_TRUE(Sample->GetEngine().IsInited());
+    EXPECT_TRUE(Tells("no render stage is wired"));
+    Sample->Undo();
+    EXPECT_EQ(Told(), "");
+}
+
+// Of two groups, one that is drawn has no particles yet, and one that has particles is not drawn.
+TEST_F(PreviewDiagnosis, AGroupThatEmitsButIsNotDrawnIsNamed)
+{
+    TEffectGraph& graph = *Sample->GetGraph();
+    const int count = graph.GetNumNodes();
+    for (int i = 0; i < count; ++i)
+        Sample->SelectNode(static_cast<TToolNode*>(graph.GetNode(i)), false);
+    Sample->CopySelection();
+    Sample->Paste();
+    DelayFor(*Find("TEmitter"), 100);
+    const TEffectNode* stage = nullptr;
+    for (int i = count; i < graph.GetNumNodes(); ++i)
+        if (graph.GetNode(i)->GetNodeType()->Category == TU_RENDER)
+            stage = graph.GetNode(i);
+    ASSERT_NE(stage, nullptr);
+    stage->GetNodeType()->SetFlag(FL_BYPASSED, true);
+    Sample->RebuildSchedule(true);
+    const int group = FindGroupOf(*stage);
+    ASSERT_NE(group, -1);
+    Sample.Run(0.5f);
+    EXPECT_EQ(Told(), "");
+    Sample.Run(1);
+    EXPECT_TRUE(Tells("Group " + std::to_string(group) + " emits, but has no render stage")) << Told();
+    stage->GetNodeType()->SetFlag(FL_BYPASSED, false);
     EXPECT_EQ(Told(), "");
 }
 

@@ -58,7 +58,6 @@ TEST_F(PreviewRuns, SpeedsRunFromAnEighthToFourTimes)
     const float expected[] = {0.125f, 0.25f, 0.5f, 1, 2, 4};
     for (int speed = 0; speed < TPreviewClock::NumSpeeds; ++speed) {
         Clock.SetSpeed(speed);
-        EXPECT_EQ(TPreviewClock::GetSpeedFactor(speed), expected[speed]);
         const float before = Clock.GetTime();
         Play(400, 40);
         EXPECT_NEAR(Clock.GetTime() - before, 0.4f * expected[speed], 1e-4f) << speed;

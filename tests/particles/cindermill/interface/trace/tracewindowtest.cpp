@@ -517,7 +517,7 @@ TEST_F(TraceWindow, TheTableIsCopiedByKeyAndByMenu)
         SetClipboardText("before");
         MeetMenu([](QMenu& menu) {
             ASSERT_EQ(menu.actions().size(), 1);
-            EXPECT_EQ(menu.actions()[0]->text().toStdString(), "Copy Table\tCtrl+C");
+            EXPECT_EQ(menu.actions()[0]->text().toStdString(), "&Copy Table\tCtrl+C");
             menu.actions()[0]->trigger();
             menu.close();
         });

@@ -187,6 +187,18 @@ TEST_F(ParticleWindow, AnEffectThatDoesNotRunTellsWhatToDoAboutIt)
     EXPECT_GE(label->width(), label->sizeHint().width());
     EXPECT_GE(label->geometry().left(), Find<QPushButton>("play")->geometry().right());
     EXPECT_LE(label->geometry().right(), 800);
+    // Where it has no room, shorter ones take its place, before there is none.
+    for (int width = 700; width > 300; width -= 50) {
+        empty.MoveTo(0, 0, width, 500);
+        Settle();
+        empty.Tick();
+        Settle();
+        if (label->isVisible()) {
+            EXPECT_EQ(label->text().left(11).toStdString(), "Not running");
+            EXPECT_GE(label->width(), label->sizeHint().width()) << width;
+        }
+        EXPECT_EQ(label->isVisible(), width >= 450) << width;
+    }
     empty.Destroy();
 }
 

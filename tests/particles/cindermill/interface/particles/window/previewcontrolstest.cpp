@@ -1,5 +1,7 @@
 #include "particles/cindermill/interface/particles/particlewindow.h"
 
+#include "support/accessnames.h"
+#include "support/menutext.h"
 #include "support/paintcounter.h"
 #include "support/sampledocument.h"
 #include "support/windowtest.h"
@@ -8,8 +10,10 @@
 #include "library/wimp/filechooser.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/usage.h"
 
+#include <QtCore/QTimer>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
@@ -116,6 +120,47 @@ protected:
                 groups.push_back(g);
         return groups;
     }
+    static void MoveIn(QWidget& widget, const QPoint& at, Qt::MouseButtons buttons)
+    {
+        QMouseEvent move(QEvent::MouseMove, QPointF(at), widget.mapToGlobal(QPointF(at)), Qt::NoButton,
+                         buttons, Qt::NoModifier);
+        QApplication::sendEvent(&widget, &move);
+    }
+    // Who may take the mouse away in the middle of a drag.
+    std::vector<std::pair<std::string, std::function<void()>>> GetTakers(QWidget& widget)
+    {
+        return {{"menu",
+                 [this] {
+                     MeetMenu([](QMenu& menu) { menu.close(); });
+                     Window.OpenPreviewMenu(Window, 10, 10);
+                 }},
+                {"another window",
+                 [&widget] {
+                     QEvent gone(QEvent::WindowDeactivate);
+                     QApplication::sendEvent(&widget, &gone);
+                 }},
+                {"hidden", [this] { Window.Hide(); }}};
+    }
+    // Of the budget's lines, from the first group's on.
+    QImage GrabBudgetLine(int line)
+    {
+        const QImage picture = GetBudget()->grab().toImage();
+        return picture.copy(0, 18 * (line + 1), picture.width(), 18);
+    }
+    // Edges of lines and letters are only nearly of their colour.
+    static int CountColour(const QImage& picture, QRgb colour, int near = 1)
+    {
+        int count = 0;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x) {
+                const QRgb pixel = picture.pixel(x, y);
+                const int distance = std::abs(qRed(pixel) - qRed(colour)) +
+                                     std::abs(qGreen(pixel) - qGreen(colour)) +
+                                     std::abs(qBlue(pixel) - qBlue(colour));
+                count += distance < near ? 1 : 0;
+            }
+        return count;
+    }
     QWidget* GetBudget() { return Find<QWidget>("cindermill_particlewindow_budget"); }
     void ShowBudget()
     {
@@ -219,6 +264,83 @@ TEST_F(PreviewControls, TheBarIsDraggedToAnotherTime)
     EXPECT_FALSE(Window.GetTimeline().IsPaused());
 }
 
+// The release of the mouse may never be heard of.
+TEST_F(PreviewControls, ADragOfTheTimeEndsWhereTheMouseIsTakenAway)
+{
+    Run(75);
+    QWidget* bar = Find<QWidget>("cindermill_particlewindow_seek");
+    const QPoint place(4 + (bar->width() - 46) / 5, bar->height() / 2);
+    for (const auto& [taker, take] : GetTakers(*bar)) {
+        QTest::mousePress(bar, Qt::LeftButton, Qt::NoModifier, place);
+        Arrive();
+        const float held = Window.GetTime();
+        Run(5);
+        ASSERT_EQ(Window.GetTime(), held) << taker;
+        take();
+        Run(5);
+        EXPECT_NEAR(Window.GetTime(), held + 0.2f, 0.03f) << taker;
+        // What comes of the drag afterwards is none.
+        MoveIn(*bar, place + QPoint(100, 0), Qt::LeftButton);
+        QTest::mouseRelease(bar, Qt::LeftButton, Qt::NoModifier, place + QPoint(100, 0));
+        Arrive();
+        EXPECT_LT(Window.GetTime(), held + 0.3f) << taker;
+        Window.Show();
+        Settle();
+    }
+}
+
+TEST_F(PreviewControls, ADragOfTheCameraEndsWhereTheMouseIsTakenAway)
+{
+    QWidget* view = GetView();
+    for (const auto& [taker, take] : GetTakers(*view)) {
+        for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton}) {
+            QTest::mousePress(view, button, Qt::NoModifier, QPoint(60, 60));
+            MoveIn(*view, QPoint(61, 61), button);
+            EXPECT_NE(Window.GetRenderWindow().GetCamera().GetButtons(), 0) << taker;
+            take();
+            EXPECT_EQ(Window.GetRenderWindow().GetCamera().GetButtons(), 0) << taker;
+            Tick(20);
+            const TVector3 eye = EyeDirection();
+            const float distance = Window.GetRenderWindow().GetCamera().GetPlace().Distance;
+            MoveIn(*view, QPoint(90, 80), button);
+            Tick(20);
+            EXPECT_EQ(EyeDirection(), eye) << taker;
+            EXPECT_EQ(Window.GetRenderWindow().GetCamera().GetPlace().Distance, distance) << taker;
+            bool opened = false;
+            QTimer watch;
+            QObject::connect(&watch, &QTimer::timeout, [&] {
+                if (QWidget* menu = QApplication::activePopupWidget()) {
+                    opened = true;
+                    menu->close();
+                }
+            });
+            watch.start(1);
+            QTest::mouseRelease(view, button, Qt::NoModifier, QPoint(61, 61));
+            Settle();
+            EXPECT_FALSE(opened) << taker;
+            Window.Show();
+            Settle();
+        }
+    }
+    // The next drag is one again.
+    const TVector3 eye = EyeDirection();
+    QTest::mousePress(view, Qt::LeftButton, Qt::NoModifier, QPoint(60, 60));
+    MoveIn(*view, QPoint(90, 60), Qt::LeftButton);
+    QTest::mouseRelease(view, Qt::LeftButton, Qt::NoModifier, QPoint(90, 60));
+    Tick(20);
+    EXPECT_NE(EyeDirection(), eye);
+}
+
+TEST_F(PreviewControls, AMoveWithoutAButtonTellsThatTheCamerasDragHasEnded)
+{
+    QWidget* view = GetView();
+    QTest::mousePress(view, Qt::LeftButton, Qt::NoModifier, QPoint(60, 60));
+    MoveIn(*view, QPoint(90, 60), Qt::NoButton);
+    EXPECT_EQ(Window.GetRenderWindow().GetCamera().GetButtons(), 0);
+    EXPECT_NE(QWidget::mouseGrabber(), view);
+    QTest::mouseRelease(view, Qt::LeftButton, Qt::NoModifier, QPoint(90, 60));
+}
+
 TEST_F(PreviewControls, ATimeIsTypedAndReachedOrGivenUp)
 {
     QTest::keyClicks(GetView(), " ");
@@ -283,7 +405,7 @@ TEST_F(PreviewControls, BirthsAreAsOnTheConsoleFromARestartOn)
         MeetMenu([&](QMenu& menu) {
             for (QAction* action : menu.actions())
                 if (action->objectName() == QStringLiteral("menu%1").arg(PC_BIRTHSAPART))
-                    found = action->text().toStdString() + (action->isChecked() ? " on" : " off");
+                    found = ShownText(*action) + (action->isChecked() ? " on" : " off");
             menu.close();
         });
         QTest::mouseClick(GetView(), Qt::RightButton, Qt::NoModifier, QPoint(60, 60));
@@ -422,12 +544,23 @@ TEST_F(PreviewControls, TheBudgetTellsWhatEachGroupTakes)
     // Between the view and the transport, which keeps its place.
     EXPECT_LT(GetView()->height(), before.height());
     EXPECT_EQ(GetView()->height() + GetBudget()->height(), before.height());
-    const vector<TGroupBudget>& groups = Window.GetBudget().GetGroups();
-    ASSERT_EQ(groups.size(), 2);
+    vector<TGroupBudget> groups = Window.GetBudget().GetGroups();
+    ASSERT_EQ(groups.size(), 3);
+    // What runs once for the effect has its code too, and no particles.
+    const TGroupBudget once = groups[2];
+    EXPECT_TRUE(Sample->GetSchedule().IsTriggerGroup(once.Group));
+    EXPECT_EQ(Text(once.Name), "Triggers");
+    EXPECT_FALSE(once.HasParticles);
+    EXPECT_GT(once.Rows, 0);
+    EXPECT_GT(once.Program[1] + once.Workspace[1], 0);
+    groups.resize(2);
     EXPECT_GT(groups[0].Born + groups[1].Born, 0);
     QTest::keyClicks(GetView(), " ");
     Run(10);
+    groups = Window.GetBudget().GetGroups();
+    groups.resize(2);
     for (const TGroupBudget& group : groups) {
+        EXPECT_TRUE(group.HasParticles);
         EXPECT_GT(group.Alive, 0);
         EXPECT_EQ(group.Alive, Sample->GetEngine().GetNumParticles(group.Group));
         EXPECT_EQ(group.Capacity, Sample->GetSchedule().GetParticleCount(group.Group));
@@ -456,13 +589,55 @@ TEST_F(PreviewControls, AClickOnTheBudgetFramesTheGroupAndWithAltShowsItAlone)
     QTest::mouseClick(GetBudget(), Qt::LeftButton, Qt::NoModifier, row(1));
     EXPECT_EQ(Host.Framed, std::vector<int>{groups[1]});
     QTest::mouseClick(GetBudget(), Qt::LeftButton, Qt::NoModifier, QPoint(60, 5));
-    QTest::mouseClick(GetBudget(), Qt::LeftButton, Qt::NoModifier, row(2));
+    QTest::mouseClick(GetBudget(), Qt::LeftButton, Qt::NoModifier, row(3));
     EXPECT_EQ(Host.Framed.size(), 1u) << "titles and totals are no groups";
+    // Triggers have nodes, and nothing to draw.
+    const int triggers = Window.GetBudget().GetGroups()[2].Group;
+    QTest::mouseClick(GetBudget(), Qt::LeftButton, Qt::NoModifier, row(2));
+    EXPECT_EQ(Host.Framed, (std::vector<int>{groups[1], triggers}));
+    QTest::mouseClick(GetBudget(), Qt::LeftButton, Qt::AltModifier, row(2));
+    EXPECT_EQ(Window.GetOnlyGroup(), -1);
     QTest::mouseClick(GetBudget(), Qt::LeftButton, Qt::AltModifier, row(0));
     EXPECT_EQ(Window.GetOnlyGroup(), groups[0]);
     QTest::mouseClick(GetBudget(), Qt::LeftButton, Qt::AltModifier, row(0));
     EXPECT_EQ(Window.GetOnlyGroup(), -1);
-    EXPECT_EQ(Host.Framed.size(), 1u);
+    EXPECT_EQ(Host.Framed.size(), 2u);
+}
+
+TEST_F(PreviewControls, AGroupAtItsCapIsRedInTheBudget)
+{
+    constexpr QRgb calm = 0x9CC4A0;
+    constexpr QRgb full = 0xE08078;
+    constexpr QRgb over = 0xC01818;
+    constexpr int nearly = 100;
+    TEffectNode* emitter = nullptr;
+    for (int i = 0; i < Sample->GetGraph()->GetNumNodes() && emitter == nullptr; ++i)
+        if (Sample->GetGraph()->GetNode(i)->GetNodeType()->FindParameter("Particle Count") != nullptr)
+            emitter = Sample->GetGraph()->GetNode(i);
+    ASSERT_NE(emitter, nullptr);
+    auto& count = *emitter->GetNodeType()->FindParameterOf<TNodeIntParameter>("Particle Count", PK_INT);
+    ShowBudget();
+    int line = -1;
+    const auto shown = [&]() -> const TGroupBudget& { return Window.GetBudget().GetGroups()[line]; };
+    for (int i = 0; i < Window.GetBudget().GetGroups().size(); ++i)
+        if (Window.GetBudget().GetGroups()[i].Capacity == count.Get())
+            line = i;
+    ASSERT_NE(line, -1);
+    Run(40);
+    ASSERT_LT(shown().Alive, shown().Capacity);
+    EXPECT_GT(CountColour(GrabBudgetLine(line), calm), 50);
+    EXPECT_EQ(CountColour(GrabBudgetLine(line), full), 0);
+    EXPECT_EQ(CountColour(GrabBudgetLine(line), over, nearly), 0);
+    constexpr int few = 3;
+    count.SetValue(few);
+    Sample->RebuildSchedule(true);
+    Run(40);
+    ASSERT_EQ(shown().Capacity, few);
+    ASSERT_EQ(shown().Alive, few);
+    EXPECT_EQ(CountColour(GrabBudgetLine(line), calm), 0);
+    EXPECT_GT(CountColour(GrabBudgetLine(line), full), 300);
+    EXPECT_GT(CountColour(GrabBudgetLine(line), over, nearly), 10);
+    EXPECT_EQ(CountColour(GrabBudgetLine(line == 0 ? 1 : 0), over, nearly), 0) << "the other group has room";
 }
 
 TEST_F(PreviewControls, TheViewSaysWhyNothingIsSeen)
@@ -540,4 +715,70 @@ TEST_F(PreviewControls, APausedPreviewIsLeftAloneWithAllOfItShown)
     const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
     RecordProperty("microseconds", static_cast<int>(taken.count() * 1000 / passes));
     EXPECT_LT(taken.count() / passes, 1) << "tenfold what it may take on a machine at rest";
+}
+
+TEST_F(PreviewControls, TheTimeAtTheEndOfTheBarIsReadWhole)
+{
+    QWidget* bar = Find<QWidget>("cindermill_particlewindow_seek");
+    // Ten hours, and what has passed by the time that somebody comes back to a tool left running.
+    for (const float end : {5.0f, 12.345f, 600.0f, 3600.0f, 36000.0f}) {
+        GetClock().SetLoop(end);
+        Tick(20);
+        Settle();
+        const QImage picture = bar->grab().toImage();
+        const QRgb paper = picture.pixel(picture.width() - 1, 0);
+        for (int x = picture.width() - 2; x < picture.width(); ++x)
+            for (int y = 0; y < picture.height(); ++y)
+                EXPECT_EQ(picture.pixel(x, y), paper) << end << " at " << x << ", " << y;
+    }
+}
+
+TEST_F(PreviewControls, EveryControlHasANameAndTheTimeBarIsASliderOfSeconds)
+{
+    ShowBudget();
+    EXPECT_GE(ExpectNames(*Window.GetHandle()), 8);
+    for (const char* name : {"update", "time", "step", "pause", "play", "speed", "previewmenu"})
+        EXPECT_FALSE(
+            QAccessible::queryAccessibleInterface(Find<QWidget>(name))->text(QAccessible::Name).isEmpty())
+            << name;
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(Find<QWidget>("speed"))->text(QAccessible::Name),
+              QString("Speed 1x"));
+    Run(25);
+    QWidget* bar = Find<QWidget>("cindermill_particlewindow_seek");
+    QAccessibleInterface* slider = QAccessible::queryAccessibleInterface(bar)->child(0);
+    ASSERT_NE(slider, nullptr);
+    ASSERT_EQ(slider->role(), QAccessible::Slider);
+    EXPECT_NEAR(slider->valueInterface()->currentValue().toDouble(), double(Window.GetTime()), 0.05);
+    EXPECT_EQ(slider->valueInterface()->maximumValue().toDouble(), 5);
+    slider->valueInterface()->setCurrentValue(2.5);
+    Arrive();
+    EXPECT_NEAR(Window.GetTime(), 2.5f, 0.03f);
+    // By the keys, a fiftieth of the bar, and ten of these.
+    QTest::keyClick(bar, Qt::Key_Right);
+    Arrive();
+    EXPECT_NEAR(Window.GetTime(), 2.6f, 0.03f);
+    QTest::keyClick(bar, Qt::Key_PageDown);
+    Arrive();
+    EXPECT_NEAR(Window.GetTime(), 1.6f, 0.03f);
+    // Its other keys are the preview's.
+    QTest::keyClick(bar, Qt::Key_Space);
+    EXPECT_TRUE(GetClock().IsPaused());
+}
+
+TEST_F(PreviewControls, TheLinesOfTheBudgetAreReadAndPressedByKeys)
+{
+    ShowBudget();
+    Run(10);
+    QAccessibleInterface* budget = QAccessible::queryAccessibleInterface(GetBudget());
+    const int groups = Window.GetBudget().GetGroups().size();
+    ASSERT_GT(groups, 1);
+    ASSERT_EQ(budget->childCount(), groups + 1);
+    EXPECT_TRUE(budget->child(0)->text(QAccessible::Value).startsWith("Alive "));
+    EXPECT_TRUE(budget->child(groups)->text(QAccessible::Name).startsWith("Effect: "));
+    QTest::keyClick(GetBudget(), Qt::Key_Down);
+    QTest::keyClick(GetBudget(), Qt::Key_Return);
+    const int second = Window.GetBudget().GetGroups()[1].Group;
+    EXPECT_EQ(Host.Framed, (std::vector<int>{second}));
+    budget->child(0)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(Host.Framed.size(), 2u);
 }

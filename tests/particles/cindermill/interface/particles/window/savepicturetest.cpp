@@ -42,9 +42,28 @@ protected:
         SetMessageForms(nullptr, nullptr);
         Window.Destroy();
     }
-    bool Save(const std::string& leaf)
+    // Something may happen while the chooser waits, and once it has been answered.
+    void Save(const std::string& leaf, const std::function<void()>& before = nullptr,
+              const std::function<void()>& after = nullptr)
     {
-        return SavePicture(Window.GetRenderWindow(), Folder.Path(leaf).c_str());
+        int asked = 0;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            QFileDialog* chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            if (chooser == nullptr)
+                return;
+            ++asked;
+            timer.stop();
+            if (before)
+                before();
+            chooser->selectFile(QString::fromStdString(Folder.Path(leaf)));
+            static_cast<QDialog*>(chooser)->accept();
+            if (after)
+                after();
+        });
+        timer.start(10);
+        SavePictureAs(Window.GetRenderWindow());
+        EXPECT_EQ(1, asked);
     }
     QImage Load(const std::string& leaf)
     {
@@ -61,7 +80,7 @@ protected:
 
 TEST_F(SavePictures, ThePictureIsWhatTheWindowShows)
 {
-    ASSERT_TRUE(Save("a.png"));
+    Save("a.png");
     const QImage picture = Load("a.png");
     int width = 0;
     int height = 0;
@@ -75,7 +94,8 @@ TEST_F(SavePictures, ThePictureIsWhatTheWindowShows)
     EXPECT_GT(numFiery, 300);
     // Of another moment it is another.
     Sample.Run(0.3f, 0.02f);
-    ASSERT_TRUE(Save("b.png"));
+    Save("b.png");
+    ASSERT_FALSE(Load("b.png").isNull());
     EXPECT_NE(picture, Load("b.png"));
     EXPECT_EQ("", Told + Asked);
 }
@@ -84,41 +104,29 @@ TEST_F(SavePictures, NothingIsWrittenOverWithoutAQuestion)
 {
     WriteBytes(Folder.Path("a.png"), "old");
     Answer = false;
-    EXPECT_FALSE(Save("a.png"));
+    Save("a.png");
     EXPECT_EQ(Folder.Path("a.png") + " exists. Overwrite?", Asked);
     EXPECT_EQ("old", ReadBytes(Folder.Path("a.png")));
     Answer = true;
-    EXPECT_TRUE(Save("a.png"));
+    Save("a.png");
     EXPECT_FALSE(Load("a.png").isNull());
 }
 
 TEST_F(SavePictures, AFileThatCannotBeWrittenIsNamed)
 {
-    EXPECT_FALSE(Save("nowhere/a.png"));
+    std::filesystem::create_directory(Folder.Path("nowhere"));
+    Save("nowhere/a.png", nullptr, [this] { std::filesystem::remove(Folder.Path("nowhere")); });
     EXPECT_EQ(0u, Told.find(Folder.Path("nowhere/a.png") + " could not be written: ")) << Told;
 }
 
 // The effect goes on while the chooser waits, and the picture is that of the moment before.
 TEST_F(SavePictures, TheChooserGivesTheNameAndTheCommandTheMoment)
 {
-    ASSERT_TRUE(Save("before.png"));
-    int asked = 0;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&] {
-        QFileDialog* chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-        if (chooser == nullptr)
-            return;
-        ++asked;
-        timer.stop();
-        Sample.Run(0.5f, 0.02f);
-        chooser->selectFile(QString::fromStdString(Folder.Path("chosen")));
-        static_cast<QDialog*>(chooser)->accept();
-    });
-    timer.start(10);
-    SavePictureAs(Window.GetRenderWindow());
-    EXPECT_EQ(1, asked);
+    Save("before.png");
+    ASSERT_TRUE(std::filesystem::exists(Folder.Path("before.png")));
+    Save("chosen", [this] { Sample.Run(0.5f, 0.02f); });
     ASSERT_TRUE(std::filesystem::exists(Folder.Path("chosen.png")));
     EXPECT_EQ(Load("before.png"), Load("chosen.png"));
-    ASSERT_TRUE(Save("after.png"));
+    Save("after.png");
     EXPECT_NE(Load("before.png"), Load("after.png"));
 }

@@ -1,7 +1,4 @@
-#include "particles/cindermill/interface/fittedtext.h"
-
-#include "library/maths/scalar.h"
-#include "library/maths/vector4.h"
+#include "library/wimp/gdi/brokentext.h"
 
 #include <string.h>
 
@@ -38,36 +35,16 @@ const char* FindBreak(const TGDIFont& font, const char* text, int width)
 
 } // namespace
 
-void FitText(const TGDIFont& font, const char* text, int width, TString& result)
-{
-    result = text;
-    if (GetWidth(font, text) <= width)
-        return;
-    int length = static_cast<int>(strlen(text));
-    do {
-        result.Left(text, --length);
-        result += "...";
-    } while (length > 0 && GetWidth(font, result.Print()) > width);
-}
-
 void BreakText(const TGDIFont& font, const char* text, int width, int maxLines, vector<TString>& lines)
 {
     while (*text != 0 && lines.size() < maxLines) {
         const char* end = lines.size() + 1 < maxLines ? FindBreak(font, text, width) : text + strlen(text);
         TString line;
         line.Assign(text, end);
-        TString fitted;
-        FitText(font, line.Print(), width, fitted);
-        lines.push_back(fitted);
+        TString shown;
+        FitText(font, line.Print(), width, shown);
+        lines.push_back(shown);
         for (text = end; *text == ' ' || *text == '\n';)
             ++text;
     }
-}
-
-TGDIColour ToGDIColour(const TVector4& colour)
-{
-    TGDIColour result = 0;
-    for (int i = 0; i < 3; ++i)
-        result = result << 8 | (static_cast<TGDIColour>(FloatToInt(colour[i] * 255.0 + 0.5)) & 0xFF);
-    return result;
 }

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "library/containers/string.h"
+#include "library/containers/vector.h"
+
+struct TReplayNote;
+class TEffectNode;
+class TEffectSchedule;
+class TReplayReport;
+
+enum TVerdictKind
+{
+    VK_AGREES,
+    // Nothing tells why.
+    VK_DIFFERS,
+    // For a reason that is told.
+    VK_TOLD,
+    // Nothing differs for it here.
+    VK_NOTE
+};
+
+// A sentence about an effect, without its end, and where to look. The node may go; it is not touched.
+struct TVerdictLine
+{
+    TVerdictKind Kind = VK_NOTE;
+    TString Text;
+    // Null where no single one can be told.
+    const TEffectNode* Node = nullptr;
+};
+
+// What a comparison of the preview with the exported file comes to, in words. It needs neither the comparison
+// nor the effect afterwards.
+class TReplayVerdict
+{
+public:
+    TReplayVerdict() = default;
+    // Of a comparison that is over, and that was to have so many frames.
+    TReplayVerdict(const TEffectSchedule& schedule, const TReplayReport& report, int wantedFrames);
+
+    // As many as `replay` of the batch program has lines.
+    int GetNumDifferences() const { return Differences.size(); }
+    int GetNumWithoutReason() const { return NumWithoutReason; }
+    // Where the first difference seems to come from, one without a reason ahead of others; null for nowhere.
+    const TEffectNode* GetFirstNode() const { return Headline.Node; }
+
+    // "3 differences between preview and export, the first at Gravity".
+    const TVerdictLine& GetHeadline() const { return Headline; }
+    // The same, and what differs first.
+    const TVerdictLine& GetSummary() const { return Summary; }
+    // In the order in which they were met, those without a reason first.
+    const vector<TVerdictLine>& GetDifferences() const { return Differences; }
+    // The notes for which something differs.
+    const vector<TVerdictLine>& GetReasons() const { return Reasons; }
+    // All others.
+    const vector<TVerdictLine>& GetNotes() const { return Notes; }
+
+private:
+    void ListDifferences(const TEffectSchedule& schedule, const TReplayReport& report);
+    void AddDifferences(const TReplayReport& report, const vector<const TReplayNote*>& reasons, bool told);
+    void MakeHeadline();
+
+    TVerdictLine Headline;
+    TVerdictLine Summary;
+    vector<TVerdictLine> Differences;
+    vector<TVerdictLine> Reasons;
+    vector<TVerdictLine> Notes;
+    int NumWithoutReason = 0;
+};

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "library/containers/string.h"
+
+#include <cstring>
+
+inline bool IsText(const TString& text, const char* word)
+{
+    return text.Compare(word, true) == 0;
+}
+
+// Reads one line of an effect's text from its start to its end. Each form takes what it names or, with false,
+// nothing.
+class TTextCursor
+{
+public:
+    TTextCursor() = default;
+    TTextCursor(const char* begin, const char* end) : At(begin), End(end) {}
+    explicit TTextCursor(const TString& text) : TTextCursor(text.Print(), text.Print() + text.Length()) {}
+
+    bool IsAtEnd() const { return At == End; }
+    const char* GetPosition() const { return At; }
+    TString GetRest() const;
+    bool Take(const char* text);
+    // All that is left, if it is this.
+    bool TakeLast(const char* text);
+    // A text in quotes, without them and with what is escaped in it put back.
+    bool TakeQuoted(TString& text);
+    // A name in quotes, and the number behind it, which is told where several share the name.
+    bool TakeName(TString& name);
+    bool TakeInt(int& number);
+    bool TakeFloat(float& number);
+    // With a space between two.
+    bool TakeFloats(float* numbers, int count);
+    // What stands ahead of the first ": " that is in no quotes, and the cursor behind that.
+    bool TakeLabel(TTextCursor& label);
+    // Up to the next line end, and the cursor behind it.
+    void TakeLine(TString& line);
+    // Up to the end of the last name in quotes; nothing if there is none.
+    TString TakePath();
+
+private:
+    bool TakeEscaped(char& character);
+
+    const char* At = nullptr;
+    const char* End = nullptr;
+};

@@ -1,0 +1,106 @@
+#include "support/windowtest.h"
+
+#include "library/containers/string.h"
+#include "library/wimp/systemclipboard.h"
+#include "library/wimp/textclipboard.h"
+
+#include <QtCore/QMimeData>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
+
+namespace {
+
+constexpr const char* Type = "application/x-of-our-own";
+constexpr int Limit = 1000;
+
+vector<uint8_t> BytesOf(const std::string& text)
+{
+    vector<uint8_t> bytes;
+    for (const char c : text)
+        bytes.push_back(static_cast<uint8_t>(c));
+    return bytes;
+}
+
+class SystemClipboard : public TWindowTest
+{
+protected:
+    std::string GetBytes(int limit = Limit)
+    {
+        vector<uint8_t> bytes;
+        const bool found = Clipboard.GetBytes(Type, limit, bytes);
+        EXPECT_EQ(found, !bytes.empty());
+        return std::string(bytes.begin(), bytes.end());
+    }
+    std::string GetText(int limit = Limit)
+    {
+        TString text;
+        const bool found = Clipboard.GetText(limit, text);
+        EXPECT_EQ(found, !text.IsEmpty());
+        return text.Print();
+    }
+
+    TSystemClipboard Clipboard;
+};
+
+} // namespace
+
+TEST_F(SystemClipboard, HoldsBytesAndATextAtOnce)
+{
+    Clipboard.Put(Type, BytesOf(std::string("a\0b", 3)), "caf\xc3\xa9\n");
+    EXPECT_TRUE(Clipboard.IsOwn());
+    EXPECT_TRUE(Clipboard.HasType(Type));
+    EXPECT_EQ(GetBytes(), std::string("a\0b", 3));
+    EXPECT_EQ(GetText(), "caf\xc3\xa9\n");
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QString::fromUtf8("caf\xc3\xa9\n"));
+}
+
+TEST_F(SystemClipboard, IsNobodysOnceSomethingElseWasCopied)
+{
+    Clipboard.Put(Type, BytesOf("a"), "b");
+    SetClipboardText("of a field");
+    EXPECT_FALSE(Clipboard.IsOwn());
+    EXPECT_FALSE(Clipboard.HasType(Type));
+    EXPECT_EQ(GetBytes(), "");
+    EXPECT_EQ(GetText(), "of a field");
+    Clipboard.Put(Type, BytesOf("c"), "");
+    EXPECT_TRUE(Clipboard.IsOwn());
+    EXPECT_EQ(GetText(), "");
+}
+
+TEST_F(SystemClipboard, IsNotOwnWhereAnotherOfThisProgramPutItThere)
+{
+    TSystemClipboard other;
+    other.Put(Type, BytesOf("a"), "");
+    EXPECT_FALSE(Clipboard.IsOwn());
+    EXPECT_EQ(GetBytes(), "a");
+}
+
+TEST_F(SystemClipboard, GivesNothingBeyondTheLimit)
+{
+    Clipboard.Put(Type, BytesOf("12345"), "12345");
+    EXPECT_EQ(GetBytes(5), "12345");
+    EXPECT_EQ(GetBytes(4), "");
+    EXPECT_EQ(GetText(5), "12345");
+    EXPECT_EQ(GetText(4), "");
+}
+
+// Its own window system's part: whoever has the clipboard and does not answer.
+TEST_F(SystemClipboard, ASlowAnswerIsRemembered)
+{
+    class TSlowData : public QMimeData
+    {
+    public:
+        bool hasFormat(const QString&) const override
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(2200));
+            return false;
+        }
+    };
+    QGuiApplication::clipboard()->setMimeData(new TSlowData);
+    EXPECT_FALSE(Clipboard.IsSlow());
+    EXPECT_FALSE(Clipboard.HasType(Type));
+    EXPECT_TRUE(Clipboard.IsSlow());
+    SetClipboardText("from somebody else");
+    Settle();
+    EXPECT_FALSE(Clipboard.IsSlow());
+}
