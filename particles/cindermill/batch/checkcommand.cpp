@@ -133,6 +133,8 @@ int TCheckCommand::Run(TBatchSession& session, TArguments& arguments) const
         session.ReadNodeTypes();
     TCheckReport report(session.GetProject(), switches.ListsDependencies);
     words.Prepare(report, session);
+    if (switches.FindsStale)
+        TellNodeTypes(session, report);
     vector<TString> files;
     words.GetFiles(files);
     TEffectCheck check(session, switches, report);

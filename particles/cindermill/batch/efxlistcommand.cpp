@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/efxlistcommand.h"
 
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/batch/batchsession.h"
 #include "particles/effectgraph/export/efxlisting.h"
 
@@ -10,7 +11,7 @@ namespace {
 void PrintLine(const char* line, void* data)
 {
     (void)data;
-    std::printf("%s\n", line);
+    std::printf("%s\n", OneLineText(line).Print());
 }
 
 } // namespace

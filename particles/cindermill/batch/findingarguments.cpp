@@ -95,6 +95,16 @@ bool TFindingArguments::CheckNodeTypes(TBatchSession& session, bool areNeeded) c
     return false;
 }
 
+void TellNodeTypes(TBatchSession& session, TFindingReport& report)
+{
+    session.ReadNodeTypes();
+    if (session.GetNodeTypeErrors().empty())
+        return;
+    AddNodeTypeFindings(session, report);
+    if (report.IsText())
+        PrintLines(session.GetNodeTypeErrors());
+}
+
 void AddNodeTypeFindings(const TBatchSession& session, TFindingReport& report)
 {
     TString directory;

@@ -45,5 +45,7 @@ private:
     bool FailOnGiven = false;
 };
 
-// What is wrong with the node types, as findings of their directory.
+// What is wrong with the node types, where something is: told as text, and findings of their directory.
+void TellNodeTypes(TBatchSession& session, TFindingReport& report);
+// The same as findings alone, with the directory as a file that was looked at.
 void AddNodeTypeFindings(const TBatchSession& session, TFindingReport& report);

@@ -139,9 +139,8 @@ int TLintCommand::Run(TBatchSession& session, TArguments& arguments) const
         return ReportUsage("%s", fault.Print());
     if (words.GetNames().empty())
         return ReportUsage("lint needs a file");
-    if (!words.CheckNodeTypes(session))
+    if (!words.CheckNodeTypes(session, true))
         return StatusErrors;
-    session.LoadNodeTypes();
     for (int b = 0; b < BG_NUMBUDGETS; ++b)
         options.Limits.Most[b] = session.GetProject().GetLimit(static_cast<TBudget>(b));
     options.PolicyFlags =
@@ -150,6 +149,7 @@ int TLintCommand::Run(TBatchSession& session, TArguments& arguments) const
     words.Prepare(report, session);
     if (!words.HasFailOn())
         report.SetFailOn(FS_ERROR);
+    TellNodeTypes(session, report);
     vector<TString> files;
     words.GetFiles(files);
     TFileLint lint(session, options, report);

@@ -14,6 +14,12 @@
 
 namespace {
 
+// A line of the log, with the file ahead that it is about.
+void PrintOfFile(const char* text, void* data)
+{
+    PrintMessage(*static_cast<const TString*>(data), text);
+}
+
 // The files of one run, one after the other.
 class TFileReplay
 {
@@ -70,8 +76,12 @@ private:
     {
         if (!Report.IsText() || errors.empty())
             return;
-        if (IsOfSeveral)
-            std::fprintf(stderr, "%s: ", OneLineText(path).Print());
+        if (!IsOfSeveral) {
+            PrintErrors(result, errors);
+            return;
+        }
+        TString file(path);
+        const TLogCapture capture(PrintOfFile, &file);
         PrintErrors(result, errors);
     }
     void PrintText(const char* path, const TReplayReport& replay)

@@ -6,6 +6,7 @@
 #include "particles/cindermill/graph/nodes/localframe.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
 #include "particles/cindermill/graph/replay/birthsource.h"
+#include "particles/cindermill/graph/replay/classnotes.h"
 #include "particles/cindermill/graph/replay/exportedfields.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
@@ -15,20 +16,17 @@
 
 namespace {
 
-// What the export does with a class that it has no like for.
-struct TConsoleClass
+// What is told of a node for what becomes of it.
+struct TFateText
 {
-    const char* ClassName;
+    TConsoleFate Fate;
     const char* Kind;
     const char* Text;
 };
 
-constexpr TConsoleClass Classes[] = {
-    {"TGrid", LK_CONSOLEGRID, "%s is a point on the console: all its particles start at the transform"},
-    {"TNoise", LK_CONSOLENOTHING, "%s has no command on the console: its value is 0 there"},
-    {"TVolume", LK_CONSOLENOTHING, "%s has no command on the console: its value is 0 there"},
-    {"TAnimationPath", LK_CONSOLENOTHING, "%s has no command on the console: its value is 0 there"},
-    {"TEventTrigger", LK_CONSOLEEVENT, "%s fires an event on the console; the preview shows nothing of it"},
+constexpr TFateText FateTexts[] = {
+    {CF_POINT, LK_CONSOLEGRID, "%s is a point on the console: all its particles start at the transform"},
+    {CF_NOTHING, LK_CONSOLENOTHING, "%s has no command on the console: its value is 0 there"},
 };
 
 constexpr const char* PlaneClass = "TCollisionPlane";
@@ -148,12 +146,15 @@ void TLintConsole::TellNode(TLintReport& report, const TEffectNode& node) const
 {
     constexpr int MaxName = 80;
     const TString name = GetNodeName(node);
-    for (const TConsoleClass& entry : Classes)
-        if (IsClass(node, entry.ClassName)) {
+    for (const TFateText& entry : FateTexts)
+        if (GetConsoleFate(*node.GetNodeType()) == entry.Fate) {
             TString text;
             text.Format(entry.Text, name.Print());
             report.AddNode(entry.Kind, node, -1, "%s", text.Print());
         }
+    if (IsClass(node, "TEventTrigger"))
+        report.AddNode(LK_CONSOLEEVENT, node, -1,
+                       "%s fires an event on the console; the preview shows nothing of it", name.Print());
     for (const TFixedInput& input : FixedInputs)
         if (IsClass(node, input.ClassName) && IsWired(node, input.Port)) {
             TString port;

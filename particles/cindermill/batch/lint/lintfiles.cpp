@@ -55,12 +55,12 @@ void Straighten(const TString& path, TString& result)
     }
 }
 
-// Both in the kept form.
 bool LeadsUp(const TString& path)
 {
     return path.CompareStart("..") == 0 && (path.Length() == 2 || path.Print()[2] == '\\');
 }
 
+// Both in the kept form.
 bool LiesIn(const TString& path, const TString& directory)
 {
     TString file;

@@ -240,6 +240,9 @@ void TLintPopulation::TellEmission(TLintReport& report, int index)
 {
     const TGroup& group = Groups[index];
     const int most = Schedule.GetMaxEmission(index);
+    // No number of births, which is told of its field.
+    if (most < 0)
+        return;
     if (group.Born == 0 && !IsEmissionTold(report, index) && !HasSilentParent(index)) {
         TFinding& finding =
             report.AddGroup(LK_EMISSIONNONE, index, "No particle is born in %.2f s under %d seeds",

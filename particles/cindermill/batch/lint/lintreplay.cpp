@@ -47,18 +47,18 @@ bool TLintReplay::Tell(TExecServices& services, double work, TLintReport& report
 }
 
 // One for each node that differences come from, and for each group where no node can be told. What is not
-// known stands for nothing that is, and what is explained for nothing that is not. Of a node that nothing
-// drawn hangs on that is told, and enough.
+// known stands for nothing that is, and what is explained for nothing that is not. Of values that nothing
+// drawn reads it is told that they lead nowhere, and enough.
 void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& report) const
 {
     const TToldCauses causes(Schedule, report, replay);
-    vector<const TReplayDifference*> told;
+    vector<TReplayDifference> told;
     vector<const TReplayNote*> notes;
-    for (const TReplayDifference& difference : replay.GetDifferences()) {
-        const TEffectNode* node = difference.Place.Node;
-        bool known = causes.IsTold(difference) || (node != nullptr && !Graph.IsUseful(*node));
-        for (const TReplayDifference* earlier : told)
-            known = known || StandsFor(*earlier, difference);
+    for (const TReplayDifference& found : replay.GetDifferences()) {
+        TReplayDifference difference = found;
+        bool known = !PlaceUsefully(difference) || causes.IsTold(difference);
+        for (const TReplayDifference& earlier : told)
+            known = known || StandsFor(earlier, difference);
         if (known)
             continue;
         if (const TReplayNote* note = causes.FindNote(difference)) {
@@ -67,9 +67,40 @@ void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& repo
             notes.push_back(note);
             continue;
         }
-        told.push_back(&difference);
+        told.push_back(difference);
         TellDifference(difference, report);
     }
+}
+
+// The node of a difference is a guess: where that leads nowhere, one that reads the value may not. Which
+// particles there are counts whatever the node. False for what leads nowhere.
+bool TLintReplay::PlaceUsefully(TReplayDifference& difference) const
+{
+    TReplayPlace& place = difference.Place;
+    if (place.Node == nullptr || Graph.IsUseful(*place.Node))
+        return true;
+    place.Node = place.Attribute != -1 ? FindUsefulReader(place.Group, place.Attribute) : nullptr;
+    const bool isOfGroup = difference.Kind == DK_COUNT || difference.Kind == DK_UNKNOWN;
+    return place.Node != nullptr || (place.Attribute == -1 && isOfGroup);
+}
+
+// In its own group ahead of those whose particles are born with it.
+const TEffectNode* TLintReplay::FindUsefulReader(int group, int attribute) const
+{
+    for (const TTiedNode& tied : Schedule.GetGroup(group).TiedNodes) {
+        const TEffectNode* node = Schedule.GetNode(tied.Node);
+        if (tied.Inputs.index_of(attribute) != -1 && Graph.IsUseful(*node))
+            return node;
+    }
+    for (int g = 0; g < Schedule.GetNumGroups(); ++g)
+        for (const TTiedNode& tied : Schedule.GetGroup(g).TiedNodes) {
+            const TEffectNode* node = Schedule.GetNode(tied.Node);
+            for (const int input : tied.Inputs)
+                if (input != -1 && Schedule.GetAttributeExternalGroup(g, input) == group &&
+                    Schedule.GetAttributeExternalAttrib(g, input) == attribute && Graph.IsUseful(*node))
+                    return node;
+        }
+    return nullptr;
 }
 
 void TLintReplay::TellNote(const TReplayNote& note, TLintReport& report)

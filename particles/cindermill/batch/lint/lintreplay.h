@@ -28,6 +28,8 @@ public:
     void TellDifferences(const TReplayReport& replay, TLintReport& report) const;
 
 private:
+    bool PlaceUsefully(TReplayDifference& difference) const;
+    const TEffectNode* FindUsefulReader(int group, int attribute) const;
     static void TellNote(const TReplayNote& note, TLintReport& report);
     void TellDifference(const TReplayDifference& difference, TLintReport& report) const;
 

@@ -2,6 +2,7 @@
 
 #include "particles/cindermill/batch/findings/findingreport.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/graph/replay/birthsource.h"
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/error.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
@@ -95,15 +96,7 @@ bool TLintReport::HasFinding(const TEffectNode& node, const char* const* kinds) 
 
 const TEffectNode* TLintReport::FindSource(int group) const
 {
-    const TEffectNode* source = nullptr;
-    if (Schedule == nullptr)
-        return source;
-    for (int t = 0; t < Schedule->GetNumTiedNodes(group); ++t) {
-        const TEffectNode* node = Schedule->GetNode(Schedule->GetTiedNode(group, t));
-        if (node->GetNodeType()->Category == TU_EMITTER)
-            source = node;
-    }
-    return source;
+    return Schedule != nullptr ? FindBirthNode(*Schedule, group) : nullptr;
 }
 
 void AddNumber(TFinding& finding, const char* name, double value)

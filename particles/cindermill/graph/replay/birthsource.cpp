@@ -4,12 +4,17 @@
 
 namespace {
 
-bool FiresParticles(const TNodeType& type)
+bool EmitsParticles(const TNodeType& type)
 {
     for (const char* name : {"TPointEmitter", "TGrid", "TSphereSurface"})
         if (type.ClassName.Compare(name) == 0)
-            return !type.IsBypassed() && type.GetNumInputs() > 0;
+            return true;
     return false;
+}
+
+bool FiresParticles(const TNodeType& type)
+{
+    return EmitsParticles(type) && !type.IsBypassed() && type.GetNumInputs() > 0;
 }
 
 // The number itself, or the same once more.
@@ -47,6 +52,19 @@ int FindBirthParent(const TEffectSchedule& schedule, int group)
             parent = schedule.GetAttributeExternalGroup(group, attrib);
     }
     return parent != -1 || input == -1 ? parent : schedule.GetAttributeExternalGroup(group, input);
+}
+
+const TEffectNode* FindBirthNode(const TEffectSchedule& schedule, int group)
+{
+    const TEffectNode* first = nullptr;
+    for (const TTiedNode& tied : schedule.GetGroup(group).TiedNodes) {
+        const TEffectNode* node = schedule.GetNode(tied.Node);
+        if (EmitsParticles(*node->GetNodeType()))
+            return node;
+        if (first == nullptr && node->GetNodeType()->Category == TU_EMITTER)
+            first = node;
+    }
+    return first;
 }
 
 const TTiedNode* FindCountReader(const TEffectSchedule& schedule, int group)

@@ -11,6 +11,10 @@ int FindTriggerInput(const TEffectSchedule& schedule, int group);
 // The group whose event brings what the particles are born with; -1 for none.
 int FindBirthParent(const TEffectSchedule& schedule, int group);
 
+// The node that a group's particles start at: the first that emits them, or else the first of all that run
+// at birth. Null for none.
+const TEffectNode* FindBirthNode(const TEffectSchedule& schedule, int group);
+
 // A place of the group that reads the number of births as a value although another group than the one that
 // tells it brings the values: it is 0 there on the console. Null for none.
 const TTiedNode* FindCountReader(const TEffectSchedule& schedule, int group);

@@ -1,19 +1,16 @@
 #include "particles/cindermill/graph/replay/differencesource.h"
 
+#include "particles/cindermill/graph/replay/birthsource.h"
+#include "particles/cindermill/graph/replay/classnotes.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
 namespace {
 
-// What is told to differ, wherever it stands.
-const char* const SuspectClasses[] = {"TNoise", "TVolume", "TAnimationPath", "TGrid", "TCollisionPlane"};
-
+// Whether it is told to differ, wherever it stands.
 bool IsSuspect(const TNodeType& type)
 {
-    for (const char* name : SuspectClasses)
-        if (type.ClassName.Compare(name) == 0)
-            return true;
-    return false;
+    return GetConsoleFate(type) != CF_ALIKE;
 }
 
 class TSourceSearch
@@ -28,18 +25,10 @@ public:
             if (difference.Place.Node == nullptr)
                 difference.Place.Node = difference.Place.Attribute != -1
                                             ? FindSource(difference.Place)
-                                            : FindEmitter(difference.Place.Group);
+                                            : FindBirthNode(Schedule, difference.Place.Group);
     }
 
 private:
-    const TEffectNode* FindEmitter(int group) const
-    {
-        for (const TTiedNode& tied : Schedule.GetGroup(group).TiedNodes)
-            if (Schedule.GetNode(tied.Node)->GetNodeType()->Category == TU_EMITTER)
-                return Schedule.GetNode(tied.Node);
-        return nullptr;
-    }
-
     struct TStep
     {
         int Group;

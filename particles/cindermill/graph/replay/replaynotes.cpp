@@ -3,6 +3,7 @@
 #include "library/containers/nametocrc.h"
 #include "library/maths/vector3.h"
 #include "particles/cindermill/graph/replay/birthsource.h"
+#include "particles/cindermill/graph/replay/classnotes.h"
 #include "particles/cindermill/graph/replay/effectreplay.h"
 #include "particles/cindermill/graph/replay/exportedfields.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
@@ -17,28 +18,6 @@ namespace {
 
 // Of a name in a note.
 constexpr int MaxName = 400;
-
-// What holds for every node of a class.
-struct TClassNote
-{
-    const char* ClassName;
-    bool MayDiffer;
-    const char* Text;
-};
-
-const TClassNote ClassNotes[] = {
-    {"TNoise", true, "it is not exported, as the console has no command for it"},
-    {"TVolume", true, "it is not exported, as the console has no command for it"},
-    {"TAnimationPath", true, "it is not exported, as the console has no command for it"},
-    {"TGrid", true, "it is exported as a point: its particles leave from the transform alone"},
-    {"TSphereSurface", false,
-     "where it turns is compared by the preview's rule, as the console's is not told"},
-    {"TCollisionPlane", true, "it is compared by the preview's rule, as the console's is not told"},
-    {"TRandomEmitter", false, "it draws at random: what the console draws is its own"},
-    {"TVelocityCone", false, "it draws at random: what the console draws is its own"},
-    {"TSphereSurface", false, "it draws at random: what the console draws is its own"},
-    {"TTurbulence", false, "it draws at random: what the console draws is its own"},
-};
 
 // Inputs that the game places where nothing feeds them.
 const TFixedInput PlacedInputs[] = {
@@ -108,7 +87,7 @@ private:
     {
         for (const TClassNote& note : ClassNotes)
             if (IsOfClass(type, note.ClassName))
-                Add(note.Text, note.MayDiffer);
+                Add(note.Text, note.Fate != CF_ALIKE);
         for (const TFixedInput& fixed : FixedInputs)
             if (IsOfClass(type, fixed.ClassName) && IsWired(tied, fixed.Port))
                 AddNamed("input \"%s\" is wired, and its own value is exported",

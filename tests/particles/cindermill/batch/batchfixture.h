@@ -24,8 +24,8 @@ protected:
     {
         const std::string out = Folder.Path("stdout");
         const std::string err = Folder.Path("stderr");
-        const std::string command = "XDG_CONFIG_HOME='" + Folder.GetFolder() + "/config' '" +
-                                    CINDERMILL_BATCH + "' " + arguments + " >'" + out + "' 2>'" + err + "'";
+        const std::string command = "export XDG_CONFIG_HOME='" + Folder.GetFolder() + "/config'; " + Program +
+                                    " " + arguments + " >'" + out + "' 2>'" + err + "'";
         const int status = std::system(command.c_str());
         return TOutcome{WEXITSTATUS(status), ReadBytes(out), ReadBytes(err)};
     }
@@ -36,6 +36,8 @@ protected:
     static std::string Resources() { return "--resources '" + SourcePath("samples") + "' "; }
 
     TTempFolder Folder;
+    // As the shell takes it.
+    std::string Program = "'" CINDERMILL_BATCH "'";
 };
 
 inline std::vector<std::string> Lines(const std::string& text)

@@ -358,6 +358,57 @@ TEST_F(TFormats, AFaultInANodeTypeHasItsLine)
     RunJunit(types + " --format junit", 1);
 }
 
+TEST_F(TFormats, AFaultInANodeTypeIsAFindingWhereverTypesAreComparedWith)
+{
+    fs::copy(SourcePath("NodeTypes"), Folder.Path("types"), fs::copy_options::recursive);
+    for (const bool isDamaged : {false, true}) {
+        if (isDamaged)
+            WriteBytes(Folder.Path("types/Bad.xml"), "<node>\n<name>Bad</name>\n</node>");
+        for (const char* command : {"lint ", "check --stale --fail-on error "}) {
+            SCOPED_TRACE(command);
+            const int status = isDamaged ? 1 : 0;
+            const std::string line = "--node-types " + Quote(Folder.Path("types")) + " " + Resources() +
+                                     command + Sample("fountain") + " --format ";
+            const TJson json = RunJson(line + "json", status);
+            int faults = 0;
+            for (int i = 0; i < json["findings"].size(); ++i) {
+                const TJson& finding = json["findings"][i];
+                faults += finding["id"].Text == "type.error" ? 1 : 0;
+                EXPECT_EQ(finding["id"].Text == "type.error",
+                          finding["file"].Text == Folder.Path("types/Bad.xml"));
+            }
+            EXPECT_EQ(status, faults);
+            EXPECT_EQ(isDamaged ? 2 : 1, json["files"].size());
+            RunJson(line + "sarif", status);
+            EXPECT_EQ(isDamaged, RunJunit(line + "junit", status).find("type.error") != std::string::npos);
+            const TOutcome text = Run(line + "text");
+            EXPECT_EQ(status, text.Status);
+            EXPECT_EQ(static_cast<size_t>(status), Lines(text.Err).size()) << text.Err;
+            EXPECT_EQ(isDamaged, text.Err.find("types/Bad.xml [") != std::string::npos) << text.Err;
+        }
+    }
+}
+
+TEST_F(TFormats, WhatComparesTypesNeedsSome)
+{
+    // A program of its own, in a place where there are none.
+    fs::create_directories(Folder.Path("bin"));
+    fs::copy(CINDERMILL_BATCH, Folder.Path("bin/cindermill-batch"));
+    Program = "cd '" + Folder.Path("bin") + "' && ./cindermill-batch";
+    EXPECT_EQ(0, Run(Resources() + "check " + Sample("fountain")).Status);
+    for (const char* command : {"lint ", "check --stale "}) {
+        SCOPED_TRACE(command);
+        const std::string line = Resources() + command + Sample("fountain");
+        const TJson json = RunJson(line + " --format json", 1);
+        ASSERT_EQ(1, json["findings"].size());
+        EXPECT_EQ("type.error", json["findings"][0]["id"].Text);
+        const TOutcome text = Run(line);
+        EXPECT_EQ(1, text.Status);
+        EXPECT_EQ("", text.Out);
+        EXPECT_EQ(0u, text.Err.find("No valid .xml node type files found under")) << text.Err;
+    }
+}
+
 TEST_F(TFormats, NamesOfAnyBytesAreWritten)
 {
     const std::string name = "a&<\">'%20 \x01\xff\xc3\xa9\\.effect";

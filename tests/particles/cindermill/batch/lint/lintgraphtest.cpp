@@ -6,6 +6,7 @@
 #include "library/containers/image/image.h"
 #include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreplay.h"
+#include "particles/cindermill/graph/replay/differencesource.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/export/exportpolicies.h"
 
@@ -746,4 +747,74 @@ TEST_F(LintGraphs, NoGraphThatCanBeBuiltEndsALint)
             EXPECT_EQ(nullptr, std::strchr(findings[i].Message.Print(), '\n')) << findings[i].Message.Print();
         }
     }
+}
+
+// What nothing drawn hangs on is left out, and only that.
+TEST_F(LintReplays, ADeadEndHidesNothingThatIsDrawn)
+{
+    TSoundEffect effect(App);
+    const TSampleNode end = effect.Effect.Add("Multiply");
+    effect.Gravity.Wire("Velocity", end, "A");
+    end.Wire("Product", effect.Effect.Add("Multiply"), "A");
+    TEffectSchedule schedule;
+    TErrorList errors;
+    ASSERT_TRUE(schedule.Create(effect.GetGraph(), errors));
+    int read = -1;
+    int ended = -1;
+    for (const TTiedNode& tied : schedule.GetGroup(1).TiedNodes)
+        if (schedule.GetNode(tied.Node) == end.GetNode()) {
+            read = tied.Inputs[0];
+            ended = tied.Outputs[0];
+        }
+    ASSERT_NE(-1, read);
+    ASSERT_NE(-1, ended);
+    TReplayReport replay;
+    replay.Add(Differ(DK_VALUE, &end, 1, ended));
+    EXPECT_TRUE(Tell(effect, replay).empty());
+    replay.Add(Differ(DK_VALUE, &end, 1, read));
+    const TFindingList findings = Tell(effect, replay);
+    EXPECT_ONLY("replay.value", findings);
+    // The first that reads it.
+    EXPECT_STREQ("Gravity", findings[0].Place.Node.Print());
+}
+
+TEST_F(LintReplays, ACountIsToldWhateverNodeItStandsAt)
+{
+    TSoundEffect effect(App);
+    const TSampleNode end = effect.Effect.Add("Random Value");
+    TReplayReport replay;
+    replay.Add(Differ(DK_COUNT, &end, 1, -1));
+    const TFindingList findings = Tell(effect, replay);
+    EXPECT_ONLY("replay.count", findings);
+    EXPECT_STREQ("Point Emitter", findings[0].Place.Node.Print());
+}
+
+// A library may class others with those that emit, ahead of them and behind.
+TEST_F(LintReplays, AGroupStartsAtTheNodeThatEmits)
+{
+    TSoundEffect effect(App);
+    const TSampleNode early = effect.Effect.Add("Random Value");
+    early.Wire("Value", effect.Age, "Max Age");
+    const TSampleNode late = effect.Effect.Add("Random Value");
+    late.Wire("Value", effect.Colours, "Life");
+    TEffectSchedule schedule;
+    TErrorList errors;
+    ASSERT_TRUE(schedule.Create(effect.GetGraph(), errors));
+    for (const TSampleNode& node : {early, late, effect.Cone})
+        effect.Type(node).Category = TU_EMITTER;
+    vector<const TEffectNode*> births;
+    for (const TTiedNode& tied : schedule.GetGroup(1).TiedNodes)
+        if (schedule.GetNode(tied.Node)->GetNodeType()->Category == TU_EMITTER)
+            births.push_back(schedule.GetNode(tied.Node));
+    ASSERT_GT(births.size(), 2);
+    EXPECT_NE(effect.Source.GetNode(), births[0]);
+    EXPECT_NE(effect.Source.GetNode(), births.back());
+    TReplayReport replay;
+    replay.Add(Differ(DK_COUNT, nullptr, 1, -1));
+    FindDifferenceSources(schedule, replay);
+    EXPECT_EQ(effect.Source.GetNode(), replay.GetDifferences()[0].Place.Node);
+    TFindingList findings;
+    TLintReport report(findings, "effect");
+    report.SetSchedule(&schedule);
+    EXPECT_EQ(effect.Source.GetNode(), report.FindSource(1));
 }

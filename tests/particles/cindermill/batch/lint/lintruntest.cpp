@@ -312,6 +312,16 @@ TEST_F(LintRuns, TheSuggestedBoxIsNotLeft)
     EXPECT_ONLY("box.left", findings);
 }
 
+TEST_F(LintRuns, AMostOfBirthsBelowZeroIsNotHeldAgainstThem)
+{
+    TSoundEffect effect(App);
+    effect.Trigger.Int("Per frame max emission", -1);
+    const TIds ids = IdsOf(Lint(effect));
+    EXPECT_EQ(1, std::count(ids.begin(), ids.end(), "number.field"));
+    EXPECT_EQ(0, std::count(ids.begin(), ids.end(), "emission.over"));
+    EXPECT_EQ(0, std::count(ids.begin(), ids.end(), "emission.none"));
+}
+
 TEST_F(LintRuns, ACurveOfAnotherLengthThanTheLifeIsTold)
 {
     TSoundEffect effect(App);

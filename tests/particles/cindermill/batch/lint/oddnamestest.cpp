@@ -99,6 +99,65 @@ TEST_F(OddNames, WhatIsOneLineStaysOneLine)
     }
 }
 
+TEST_F(OddNames, AListingHasOneLineForEachTexture)
+{
+    const std::string effect = Folder.Path("texture.effect");
+    const std::string out = Folder.Path("out.efx");
+    std::vector<std::string> listings;
+    fs::create_directories(Folder.Path("textures"));
+    for (const std::string name : {"plain.dds", "a\nb\x1B[1m.dds"}) {
+        fs::copy(SourcePath("samples/textures/drop.dds"), Folder.Path("textures/") + name);
+        {
+            const TQuiet quiet;
+            TSoundEffect sound(App);
+            sound.Stage.Texture("Texture", name.c_str());
+            ASSERT_TRUE(sound.Effect.Save(effect.c_str()));
+        }
+        const TOutcome exported =
+            Run("--resources '" + Folder.Path("textures") + "' export '" + effect + "' '" + out + "'");
+        ASSERT_TRUE(fs::exists(out)) << exported.Err;
+        const TOutcome listing = Run("efx '" + out + "'");
+        EXPECT_EQ(0, listing.Status) << listing.Err;
+        listings.push_back(listing.Out);
+    }
+    EXPECT_NE(std::string::npos, listings[0].find("texture 0: plain.dds\n")) << listings[0];
+    EXPECT_NE(std::string::npos, listings[1].find("texture 0: a b [1m.dds\n")) << listings[1];
+    EXPECT_EQ(Lines(listings[0]).size(), Lines(listings[1]).size());
+}
+
+// One is of an unknown class, one cannot be scheduled.
+TEST_F(OddNames, EachLineOfAReplayOfSeveralFilesBeginsWithItsFile)
+{
+    const std::string folder = Folder.Path("several");
+    fs::create_directories(folder);
+    {
+        const TQuiet quiet;
+        TSoundEffect unknown(App);
+        unknown.Type(unknown.Gravity).ClassName = "TLevity";
+        ASSERT_TRUE(unknown.Effect.Save((folder + "/a.effect").c_str()));
+        TSoundEffect unscheduled(App);
+        unscheduled.Type(unscheduled.Source).Category = TU_PROCESS;
+        ASSERT_TRUE(unscheduled.Effect.Save((folder + "/b.effect").c_str()));
+        TSoundEffect sound(App);
+        ASSERT_TRUE(sound.Effect.Save((folder + "/c.effect").c_str()));
+    }
+    const TOutcome outcome = RunBoth("replay", "several");
+    EXPECT_EQ(1, outcome.Status);
+    int lines[3] = {};
+    for (const std::string& line : Lines(outcome.Err)) {
+        ASSERT_EQ(0u, line.find(folder + "/")) << outcome.Err;
+        const size_t file = folder.size() + 1;
+        ASSERT_GT(line.size(), file + 10) << outcome.Err;
+        ASSERT_EQ(".effect: ", line.substr(file + 1, 9)) << outcome.Err;
+        ++lines[line[file] - 'a'];
+    }
+    for (const int count : lines)
+        EXPECT_GT(count, 0) << outcome.Err;
+    EXPECT_NE(std::string::npos, outcome.Err.find("a.effect: Error 0 : ")) << outcome.Err;
+    EXPECT_NE(std::string::npos, outcome.Err.find("b.effect: Schedule creation failed:\n")) << outcome.Err;
+    EXPECT_NE(std::string::npos, outcome.Err.find("b.effect: Error 0 : ")) << outcome.Err;
+}
+
 TEST_F(OddNames, ColumnsStayColumns)
 {
     const TOutcome list = RunBoth("check --list-dependencies", "odd");
