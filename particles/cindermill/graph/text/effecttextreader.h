@@ -21,6 +21,9 @@ public:
     static constexpr int MaxLength = 16 << 20;
     static constexpr int MaxNodes = 16384;
     static constexpr int MaxTypes = 2048;
+    // What the sections of the nodes' types come to, counted once for each node, which has a copy of its own.
+    static constexpr int MaxTypeLines = 2000000;
+    static constexpr int MaxTypeLength = 256 << 20;
 
     TEffectTextReader();
     ~TEffectTextReader();
@@ -43,6 +46,8 @@ private:
     // Of lines, without the one with its name.
     struct TSection
     {
+        int GetNumLines() const { return End - First; }
+
         TLine Head;
         TString Key;
         int First = 0;
@@ -72,8 +77,9 @@ private:
     bool ReadTypes();
     bool ReadNodes();
     bool ReadNode(const TSection& section);
-    bool ReadNodeHead(const TSection& section, TToolNode*& node, int& type);
-    bool ReadNodeLine(const TLine& line, TValueDraft& values);
+    bool ReadNodeHead(const TSection& section, int& type, int& x, int& y);
+    bool CountType(const TSection& section, int type);
+    bool ReadNodeLine(const TLine& line, TKeyIndex& labels, TValueDraft& values);
     bool ReadInputs();
     bool ReadOutputs();
     bool ReadEnd(const TWireLine& line, int& node, TString& port);
@@ -91,6 +97,10 @@ private:
     TOwner<TKeyIndex> TypeKeys;
     TOwner<TKeyIndex> NodeKeys;
     TOwnerList<TTypeDraft> Types;
+    // By type: lines that each node has at the least.
+    vector<int> NumValueLines;
+    int NumTypeLines = 0;
+    int TypeLength = 0;
     // As they stand in the text, until the chunk file has them.
     TOwnerList<TToolNode> Nodes;
     // By node: its type, and where its inputs stand among those of all.
