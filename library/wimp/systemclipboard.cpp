@@ -91,6 +91,11 @@ bool TSystemClipboard::HasType(const char* type)
     return Data->Ask([&](const QMimeData& data) { return data.hasFormat(QString::fromLatin1(type)); });
 }
 
+bool TSystemClipboard::HasText()
+{
+    return Data->Ask([](const QMimeData& data) { return data.hasText(); });
+}
+
 bool TSystemClipboard::GetBytes(const char* type, int limit, vector<uint8_t>& bytes)
 {
     bytes.clear();

@@ -23,6 +23,7 @@ public:
     bool IsOwn() const;
     bool IsEmpty();
     bool HasType(const char* type);
+    bool HasText();
     // False, and nothing in the result, where there is none, or more than the limit.
     bool GetBytes(const char* type, int limit, vector<uint8_t>& bytes);
     bool GetText(int limit, TString& text);

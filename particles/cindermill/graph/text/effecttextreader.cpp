@@ -15,6 +15,8 @@ constexpr const char* Title = "cindermill effect ";
 constexpr const char* Version = "1";
 // Part of a line that a fault quotes.
 constexpr int ShownLength = 200;
+// What a line has beside its label and its value: how far it is indented, a colon, a space and its end.
+constexpr int LineOverhead = 5;
 // Of a node: its type and its place.
 constexpr int NumHeadLines = 2;
 
@@ -62,6 +64,29 @@ bool IsEffectText(const char* text)
 TEffectTextReader::TEffectTextReader() = default;
 
 TEffectTextReader::~TEffectTextReader() = default;
+
+bool TEffectTextReader::CanRead(const TEffectText& effect)
+{
+    if (effect.GetNumNodes() > MaxNodes || effect.GetNumTypes() > MaxTypes)
+        return false;
+    vector<int> lengths;
+    for (int i = 0; i < effect.GetNumTypes(); ++i) {
+        int length = 0;
+        for (const TTextLine& line : effect.GetType(i).Lines)
+            length += line.Label.Length() + line.Value.Length() + LineOverhead;
+        Append(lengths, length);
+    }
+    int64_t numLines = 0;
+    int64_t length = 0;
+    for (int i = 0; i < effect.GetNumNodes(); ++i) {
+        const TNodeText& node = effect.GetNode(i);
+        numLines += effect.GetType(node.Type).Lines.size();
+        length += lengths[node.Type];
+        if (!TTypeDraft::CanDraw(*node.Node->GetNodeType()))
+            return false;
+    }
+    return numLines <= MaxTypeLines && length <= MaxTypeLength;
+}
 
 bool TEffectTextReader::Fail(const TLine& line, const char* what)
 {

@@ -6,6 +6,7 @@
 
 class TChunkFile;
 class TEffectGraph;
+class TEffectText;
 class TToolNode;
 class TValueDraft;
 
@@ -17,6 +18,9 @@ bool IsEffectText(const char* text);
 class TEffectTextReader
 {
 public:
+    // Whether an effect is within the bounds below, so that its text can be read.
+    static bool CanRead(const TEffectText& effect);
+
     // Beyond these a text is no effect that anyone has made.
     static constexpr int MaxLength = 16 << 20;
     static constexpr int MaxNodes = 16384;

@@ -82,6 +82,24 @@ TTypeDraft::TTypeDraft(const TString& className) : Type(new TNodeType)
     Type->ClassName = className;
 }
 
+bool TTypeDraft::CanDraw(const TNodeType& type)
+{
+    vector<TNodeParameter*> parameters;
+    GetParameters(type, parameters);
+    if (parameters.size() > MaxParameters || type.Interfaces.size() > TNodeType::MaxPorts)
+        return false;
+    for (const TNodeParameter* parameter : parameters) {
+        int count = 0;
+        if (parameter->Type == PK_ENUM)
+            count = static_cast<const TNodeEnumParameter*>(parameter)->GetValues().size();
+        else if (parameter->Type == PK_GROUP)
+            count = static_cast<const TNodeGroupParameter*>(parameter)->GetChildren().size();
+        if (count > TNodeType::MaxPorts)
+            return false;
+    }
+    return true;
+}
+
 void TTypeDraft::GetParameters(const TNodeType& type, vector<TNodeParameter*>& result)
 {
     AddParametersOf(type.Parameters, result);
