@@ -14,6 +14,9 @@ class TSystemClipboardData;
 class TSystemClipboard
 {
 public:
+    // False without a window system; then nothing is ever there.
+    static bool IsThere();
+
     TSystemClipboard();
     ~TSystemClipboard();
 
@@ -24,7 +27,8 @@ public:
     bool IsEmpty();
     bool HasType(const char* type);
     bool HasText();
-    // False, and nothing in the result, where there is none, or more than the limit.
+    // False, and nothing in the result, where there is none, or more bytes than the limit. A text is UTF-8
+    // and holds no zero.
     bool GetBytes(const char* type, int limit, vector<uint8_t>& bytes);
     bool GetText(int limit, TString& text);
     // Whether whoever has the clipboard now has let the last question wait for long.

@@ -146,7 +146,9 @@ TEST_F(GraphPanel, WhatWasTypedIsEnteredBeforeACommand)
 
 TEST_F(GraphPanel, DeleteInAFieldLeavesTheNodesAlone)
 {
+    EXPECT_FALSE(Graph().TakesDelete());
     FocusField();
+    EXPECT_TRUE(Graph().TakesDelete());
     Document->SelectNode(First, true);
     for (const int key : {Qt::Key_Delete, Qt::Key_Backspace, Qt::Key_Delete})
         Key(Graph(), key);
