@@ -82,7 +82,7 @@ bool TEffectTextReader::CanRead(const TEffectText& effect)
         const TNodeText& node = effect.GetNode(i);
         numLines += effect.GetType(node.Type).Lines.size();
         length += lengths[node.Type];
-        if (!TTypeDraft::CanDraw(*node.Node->GetNodeType()))
+        if (!TTypeDraft::CanHold(*node.Node->GetNodeType()))
             return false;
     }
     return numLines <= MaxTypeLines && length <= MaxTypeLength;

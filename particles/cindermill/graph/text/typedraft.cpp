@@ -82,7 +82,7 @@ TTypeDraft::TTypeDraft(const TString& className) : Type(new TNodeType)
     Type->ClassName = className;
 }
 
-bool TTypeDraft::CanDraw(const TNodeType& type)
+bool TTypeDraft::CanHold(const TNodeType& type)
 {
     vector<TNodeParameter*> parameters;
     GetParameters(type, parameters);

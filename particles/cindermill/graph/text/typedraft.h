@@ -18,7 +18,7 @@ public:
     explicit TTypeDraft(const TString& className);
 
     // Whether a type has no more of anything than a draft takes.
-    static bool CanDraw(const TNodeType& type);
+    static bool CanHold(const TNodeType& type);
 
     // False for a line that no type has.
     bool AddLine(TTextCursor line);

@@ -48,11 +48,11 @@ protected:
         std::string order = "\norder\n";
         for (int i = 1; i <= numNodes; ++i) {
             const std::string key = i == 1 ? "\"N\"" : "\"N\"#" + std::to_string(i);
-            text += "\nnode " + key + "\n  type: TNode \"N\"\n  place: " + std::to_string(i) + " 0\n" + values;
+            text +=
+                "\nnode " + key + "\n  type: TNode \"N\"\n  place: " + std::to_string(i) + " 0\n" + values;
             order += "  " + key + "\n";
         }
-        return text + order +
-               "\ntype TNode \"N\"\n  category: trigger\n  colour: red\n" + declarations;
+        return text + order + "\ntype TNode \"N\"\n  category: trigger\n  colour: red\n" + declarations;
     }
     static std::string Effect(const std::string& values, const std::string& declarations)
     {
