@@ -122,8 +122,8 @@ bool TDocument::LoadFrom(const char* file, const char* path, const vector<int>& 
         return false;
     IsEditable = true;
     OperationStack->Recall();
-    if (LoadNotes.empty())
-        SetFormerStates(*OperationStack, Chunks, former);
+    if (LoadNotes.empty() && SetFormerStates(*OperationStack, Chunks, former))
+        OperationStack->RecordTypes(*Graph);
     Graph->AddCallback(&TDocument::OnGraphChanged, this);
     if (Host != nullptr && !Host->CreateView(*this))
         return false;
@@ -501,28 +501,27 @@ TGraphHold::TGraphHold(TDocument& document) : Document(document)
 
 TGraphHold::~TGraphHold()
 {
-    if (--Document.GraphHolds > 0 || !Document.GraphChangeWaits)
-        return;
-    Document.GraphChangeWaits = false;
-    Document.FinishGraphChange();
+    if (--Document.GraphHolds == 0 && Document.GraphChangeWaits)
+        Document.FinishGraphChange();
 }
 
+// Once for each change, held or not: settling types again may settle them otherwise, and redo and undo are
+// held where the operations may not have been.
 void TDocument::GraphChanged()
 {
-    if (GraphHolds == 0) {
-        FinishGraphChange();
-        return;
-    }
+    TypeErrors.Clear();
+    AreTypesSettled = ResolveTypes(TypeErrors);
     GraphChangeWaits = true;
-    TErrorList errors;
-    ResolveTypes(errors);
+    if (GraphHolds == 0)
+        FinishGraphChange();
 }
 
 // A graph whose types cannot be settled has no preview.
 void TDocument::FinishGraphChange()
 {
-    TErrorList errors;
-    const bool resolved = ResolveTypes(errors);
+    const bool resolved = AreTypesSettled;
+    const TErrorList errors(static_cast<TErrorList&&>(TypeErrors));
+    GraphChangeWaits = false;
     Listener->GraphChanged();
     if (resolved) {
         Graph->NotifyChanged();

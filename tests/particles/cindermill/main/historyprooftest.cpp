@@ -4,6 +4,7 @@
 #include "support/randomgraph.h"
 
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/effectgraph/polytypeparameter.h"
 
 #include <sstream>
 
@@ -28,7 +29,11 @@ protected:
         EXPECT_TRUE(document.SaveAs(path.c_str()));
         return path;
     }
-    // All lists of the graph, by the places of things in the file.
+    static int UserType(const TEffectNode& node, int input)
+    {
+        return static_cast<TNodePolytypeParameter*>(node.GetNodeType()->GetInput(input))->GetDefaultType();
+    }
+    // All lists and types of the graph, by the places of things in the file.
     static std::string Describe(TDocument& document)
     {
         std::ostringstream text;
@@ -36,6 +41,9 @@ protected:
         for (int i = 0; i < graph.GetNumNodes(); ++i) {
             const TEffectNode& node = *graph.GetNode(i);
             text << "node " << node.ChunkIdx << " " << node.GetNodeType()->Name.Print() << "\n";
+            for (int p = 0; p < node.GetNumInputs(); ++p)
+                if (node.GetNodeType()->GetBasicInputType(p) == TY_POLYTYPE)
+                    text << " in " << p << " type " << UserType(node, p) << "\n";
             for (int p = 0; p < node.GetNumOutputs(); ++p) {
                 const TOutputPort& output = node.GetNodeType()->GetOutput(p);
                 text << " out " << p << " type " << output.DefaultType << ":";
@@ -108,6 +116,46 @@ TEST_F(Histories, OfAFilledGraphAreUndoneToTheStart)
         UndoAll(document);
         document.GetOperationStack()->Clear(document);
         EXPECT_TRUE(ImageOf(document) == before) << Difference(told, Describe(document));
+    }
+}
+
+// To each state on the way too, and redo leads forward through the same ones.
+TEST_F(Histories, LeadThroughEachStateOnTheWay)
+{
+    const uint32_t first = Setting("CINDERMILL_RANDOM_SEED", 1);
+    for (uint32_t seed = first; seed < first + 10; ++seed) {
+        SCOPED_TRACE(seed);
+        const std::string path = MakeFilled(seed);
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.Load(path.c_str()));
+        document.ClearEngine();
+        TDice dice(seed + 100);
+        TRandomGraph graph(App.Get(), document, dice);
+        const TOperationStack& stack = *document.GetOperationStack();
+        // By the position; those within a step are not known.
+        std::vector<std::string> told = {Describe(document)};
+        for (int i = 0; i < 400; ++i) {
+            graph.Edit();
+            told.resize(static_cast<size_t>(stack.GetPosition()) + 1);
+            if (!document.CanRedo())
+                told.back() = Describe(document);
+        }
+        told.resize(static_cast<size_t>(stack.GetNumOperations()) + 1);
+        const auto compare = [&] {
+            const std::string& then = told[static_cast<size_t>(stack.GetPosition())];
+            const std::string now = Describe(document);
+            EXPECT_TRUE(then.empty() || then == now)
+                << "at " << stack.GetPosition() << "\n"
+                << Difference(then, now);
+            return !HasFailure();
+        };
+        for (int round = 0; round < 2; ++round) {
+            for (; document.CanRedo() && compare(); document.Redo()) {
+            }
+            for (; document.CanUndo() && compare(); document.Undo()) {
+            }
+            ASSERT_TRUE(compare());
+        }
     }
 }
 
