@@ -1,7 +1,6 @@
 #include "particles/cindermill/main/document.h"
 
 #include "library/containers/append.h"
-#include "library/containers/shortentext.h"
 #include "library/system/message.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
@@ -594,22 +593,6 @@ TBatchResult TDocument::BatchExport(const char* path, TErrorList& errors)
     if (!CreateSchedule(errors) || !InitEngine(errors, false))
         return BR_SCHEDULEFAILED;
     return Preview.WriteExport(path, errors) ? BR_DONE : BR_EXPORTFAILED;
-}
-
-// An error keeps the line's end that it comes with; one within it, of a node's name perhaps, would make two
-// of it.
-static TString GetErrorLine(const TError& error)
-{
-    TString text;
-    error.GetText(text);
-    const int length = text.Length();
-    const bool hasEnd = length > 0 && text.Print()[length - 1] == '\n';
-    TString line;
-    line.Left(text, hasEnd ? length - 1 : length);
-    line = OneLineText(line);
-    if (hasEnd)
-        line += "\n";
-    return line;
 }
 
 void TDocument::LogBatchResult(TBatchResult result, const TErrorList& errors)

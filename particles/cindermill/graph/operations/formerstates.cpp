@@ -63,8 +63,7 @@ bool TFormerReader::Read(TFormerType& type)
         return false;
     type.Node = dynamic_cast<TEffectNode*>(Chunks.GetChunkAt(chunk));
     return type.Node != nullptr && type.Node->GetNodeType() != nullptr && type.Port >= 0 &&
-           type.Port < type.Node->GetNodeType()->GetNumOutputs() && type.Type >= 0 &&
-           type.Type <= TY_POLYTYPE;
+           type.Port < type.Node->GetNodeType()->GetNumOutputs() && type.Type >= 0 && type.Type < TY_POLYTYPE;
 }
 
 bool TFormerReader::Read(TFormerState& former)
