@@ -152,6 +152,8 @@ void Register(const char* name, const std::string& program, bool ofProcessor)
 bool RegisterBenchmarks()
 {
     GoToDisplay();
+    // A display begins anew when its last window goes, and then misses those that come.
+    static const TScreenWatch keeper;
     std::filesystem::create_directories(GetBenchFolder().GetPath("home"));
     Register("StartTool", ToolPath, true);
     Register("StartEmpty", EmptyPath, true);

@@ -38,14 +38,23 @@ static bool IsAt(int handle, const char* path)
            held.st_ino == there.st_ino;
 }
 
-// The lock goes with the process, whatever ends it.
+static int OpenLock(const char* path, int flags)
+{
+    int handle;
+    do
+        handle = open(path, flags | O_CLOEXEC | O_NOFOLLOW, 0600);
+    while (handle < 0 && errno == EINTR);
+    return handle;
+}
+
+// The lock goes with the process, whatever ends it. Where nothing can be written any more, one that is there
+// still does.
 bool TLockedFolder::Lock(const char* path)
 {
     const TString lock = LockPath(path);
-    int handle;
-    do
-        handle = open(lock.Print(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    while (handle < 0 && errno == EINTR);
+    int handle = OpenLock(lock, O_RDWR | O_CREAT);
+    if (handle < 0 && errno == EROFS)
+        handle = OpenLock(lock, O_RDONLY);
     if (handle < 0)
         return false;
     const bool isLocked = LockFile(handle);

@@ -10,8 +10,6 @@
 #include "particles/cindermill/batch/findingarguments.h"
 #include "particles/cindermill/main/document.h"
 
-#include <cstdio>
-
 namespace {
 
 // Everything that another export of the effect would read.
@@ -33,7 +31,7 @@ bool IsAmong(const vector<TString>& files, const char* path)
 {
     for (const TString& file : files)
         if (IsSameFile(file, path)) {
-            std::fprintf(stderr, "%s: The effect hangs on this file, which its export would replace\n", path);
+            PrintMessage(path, "The effect hangs on this file, which its export would replace");
             return true;
         }
     return false;
@@ -44,7 +42,9 @@ bool WriteDepfile(const vector<TString>& files, const char* out, const char* dep
     TString fault;
     if (WriteDependencyFile(depfile, out, files, fault))
         return true;
-    std::fprintf(stderr, "%s: The file cannot be written: %s\n", depfile, fault.Print());
+    TString text("The file cannot be written: ");
+    text += fault.Print();
+    PrintMessage(depfile, text);
     return false;
 }
 
@@ -79,12 +79,11 @@ int TExportCommand::Run(TBatchSession& session, TArguments& arguments) const
     const TString& in = words.GetNames()[0];
     const TString& out = words.GetNames()[1];
     if (IsSameFile(in, out)) {
-        std::fprintf(stderr, "%s: This is the effect itself, which its export would replace\n", out.Print());
+        PrintMessage(out, "This is the effect itself, which its export would replace");
         return StatusErrors;
     }
     if (!depfile.IsEmpty() && (depfile.Compare(out, true) == 0 || IsSameFile(depfile, out))) {
-        std::fprintf(stderr, "%s: This is the export itself, which its rule would replace\n",
-                     depfile.Print());
+        PrintMessage(depfile, "This is the export itself, which its rule would replace");
         return StatusErrors;
     }
     if (isVerbose)

@@ -4,8 +4,6 @@
 #include "library/system/file.h"
 #include "particles/cindermill/batch/batchsession.h"
 
-#include <cstdio>
-
 TImageCommand::TImageCommand() : TBatchCommand("image", "IN OUT --format N") {}
 
 const char* TImageCommand::GetHelp() const
@@ -44,6 +42,8 @@ int TImageCommand::Run(TBatchSession& session, TArguments& arguments) const
     }
     if (image.Save(out, format, reason))
         return StatusDone;
-    std::fprintf(stderr, "%s: The picture cannot be written: %s\n", out, reason.Print());
+    TString text("The picture cannot be written: ");
+    text += reason.Print();
+    PrintMessage(out, text);
     return StatusErrors;
 }

@@ -3,8 +3,6 @@
 #include "particles/cindermill/batch/batchsession.h"
 #include "particles/cindermill/main/document.h"
 
-#include <cstdio>
-
 TResaveCommand::TResaveCommand() : TBatchCommand("resave", "IN OUT") {}
 
 const char* TResaveCommand::GetHelp() const
@@ -23,11 +21,11 @@ int TResaveCommand::Run(TBatchSession& session, TArguments& arguments) const
         return StatusErrors;
     if (document.SaveAs(out))
         return StatusDone;
-    const TString& reason = document.GetSaveError();
-    if (reason.IsEmpty())
-        std::fprintf(stderr, "%s: The file cannot be written: %s\n", out,
-                     document.GetChunks().File.GetFault().Print());
-    else
-        PrintMessage(out, reason);
+    TString reason = document.GetSaveError();
+    if (reason.IsEmpty()) {
+        reason = "The file cannot be written: ";
+        reason += document.GetChunks().File.GetFault().Print();
+    }
+    PrintMessage(out, reason);
     return StatusErrors;
 }

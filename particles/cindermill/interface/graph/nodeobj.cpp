@@ -434,8 +434,9 @@ void TNodeObj::FollowPress(const TVector2& point, const TRenderer* view)
 void TNodeObj::FinishPress(const TVector2& point, const TRenderer* view)
 {
     ReleaseButton();
+    // The view stands still under the mouse, which may press again.
     if (HitsButton(point, view))
-        ToggleOpen(view);
+        ToggleOpen();
 }
 
 void TNodeObj::ToggleOpen(const TRenderer* view)

@@ -44,8 +44,8 @@ public:
     void FollowPress(const TVector2& point, const TRenderer* view);
     void FinishPress(const TVector2& point, const TRenderer* view);
     void ReleaseButton();
-    // As a click in the view, if there is one, on the button that opens and closes; warns where there is
-    // nothing to open.
+    // As a click on the button that opens and closes; warns where there is nothing to open. What was opened
+    // comes into sight of the view, if one is given.
     void ToggleOpen(const TRenderer* view = nullptr);
     // As a click on its box. The node's type must allow it.
     void ToggleBypass();

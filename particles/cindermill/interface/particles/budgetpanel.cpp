@@ -65,11 +65,12 @@ bool TBudgetPanel::Create(TWindow* owner, const TPreviewBudget& budget)
     params.VerticalScroll = true;
     if (!TWindow::Create(params))
         return false;
+    // Before anything makes the window known to assistive tools.
+    SetAccessible(&Access, "Budget");
     SetTip(
         "Alive: of the capacity, with the most since the start. Born: of what a frame may bring. Rows: of "
         "64. Program and Work: kilobytes at birth and in each frame. A click shows the group in the graph, "
         "with Alt it alone is drawn.");
-    SetAccessible(&Access, "Budget");
     SetSpokenName("Budget");
     TakeTab();
     Hide();

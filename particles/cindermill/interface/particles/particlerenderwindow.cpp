@@ -40,7 +40,10 @@ bool TParticleRenderWindow::Create(TWindow* owner, TDocument& document)
     params.Class = &RenderClass;
     params.Owner = owner;
     params.Kind = WK_GLCHILD;
-    return TWindow::Create(params);
+    if (!TWindow::Create(params))
+        return false;
+    SetSpokenName("Preview of the effect");
+    return true;
 }
 
 void TParticleRenderWindow::Tick()

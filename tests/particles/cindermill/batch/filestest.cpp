@@ -274,23 +274,34 @@ TEST_F(TBatchFiles, ANodeWithANameOfItsOwnIsNotStale)
     EXPECT_EQ(0, outcome.Status) << outcome.Err;
 }
 
+TEST_F(TBatchFiles, ANameThatNoRuleCanHaveIsToldInOneLine)
+{
+    const std::string effect = Folder.Path("a\nb\t.effect");
+    fs::copy(SourcePath("samples/fountain.effect"), effect);
+    const TOutcome outcome = Run(Resources() + "export --depfile " + Quote(Folder.Path("out.d")) + " " +
+                                 Quote(effect) + " " + Quote(Folder.Path("out.efx")));
+    EXPECT_EQ(1, outcome.Status);
+    EXPECT_EQ(1u, Lines(outcome.Err).size()) << outcome.Err;
+    EXPECT_FALSE(fs::exists(Folder.Path("out.efx")));
+}
+
 // As an unset variable of a script leaves one.
 TEST_F(TBatchFiles, AnEmptyNameIsNoFile)
 {
     const std::string file = Sample("fountain");
-    for (const std::string& command :
-         {std::string("check ''"), std::string("check -- ''"), "check " + file + " ''",
-          std::string("lint ''"), std::string("report ''"), std::string("replay ''"),
-          std::string("check --format json ''"), "export '' out.efx", "export " + file + " ''"}) {
+    for (const std::string& command : std::vector<std::string>{
+             std::string("check ''"), std::string("check -- ''"), "check " + file + " ''",
+             std::string("lint ''"), std::string("report ''"), std::string("replay ''"),
+             std::string("check --format json ''"), "export '' out.efx", "export " + file + " ''"}) {
         const TOutcome outcome = Run(command);
         EXPECT_EQ(2, outcome.Status) << command;
         EXPECT_EQ("", outcome.Out) << command;
         EXPECT_EQ(0u, outcome.Err.find("The name of a file is empty\nusage: ")) << command << outcome.Err;
     }
-    for (const std::string& command :
-         {std::string("dump ''"), std::string("run ''"), std::string("text ''"), std::string("efx ''"),
-          std::string("translate ''"), "diff '' " + file, "diff " + file + " ''", "resave '' out",
-          "resave " + file + " ''", std::string("image '' out --format 0")}) {
+    for (const std::string& command : std::vector<std::string>{
+             std::string("dump ''"), std::string("run ''"), std::string("text ''"), std::string("efx ''"),
+             std::string("translate ''"), "diff '' " + file, "diff " + file + " ''", "resave '' out",
+             "resave " + file + " ''", std::string("image '' out --format 0")}) {
         const TOutcome outcome = Run(command);
         EXPECT_EQ(1, outcome.Status) << command;
         EXPECT_EQ("", outcome.Out) << command;

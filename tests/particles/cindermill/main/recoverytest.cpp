@@ -2,6 +2,7 @@
 
 #include "support/dice.h"
 
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -408,4 +409,109 @@ TEST_F(Autosaves, AnEffectThatCannotBeLoadedIsNamedAndPutAside)
         std::filesystem::create_directories(std::filesystem::path(file).parent_path());
     }
     EXPECT_GT(refused, 20);
+}
+
+// As after an error of the disc: the system lets it be read.
+TEST_F(Autosaves, WhatLiesOnADiscThatCannotBeWrittenIsRestored)
+{
+    const std::string path = EffectFile("fire.effect");
+    const std::string disc = Path("state");
+    std::filesystem::create_directory(disc);
+    if (mount("none", disc.c_str(), "tmpfs", 0, "size=4m") != 0)
+        GTEST_SKIP() << "only the superuser can make a disc";
+    EditAndDie(path, 3);
+    const std::string file = TheFile();
+    EXPECT_EQ(mount("none", disc.c_str(), "tmpfs", MS_REMOUNT | MS_RDONLY, nullptr), 0);
+    // Its own write fails, which is told once, and nothing else.
+    EXPECT_TRUE(DoAndDie([&] {
+        Start(RA_RESTORE);
+        EXPECT_EQ(Host.Recovered.size(), 1u);
+        ASSERT_EQ(NumDocuments(), 1);
+        EXPECT_EQ(Newest().GetGraph()->GetNumNodes(), 4);
+        EXPECT_TRUE(Shown.Messages.empty());
+        Add(Newest());
+        IdleAt(0);
+        IdleAt(TAutosave::Interval);
+        IdleAt(TAutosave::Interval + 1);
+        ASSERT_EQ(Shown.Messages.size(), 1u);
+        EXPECT_EQ(Shown.Messages[0].find(path + " could not be autosaved: Read-only file system"), 0u)
+            << Shown.Messages[0];
+        EXPECT_TRUE(App.Get().Save(Newest()));
+        EXPECT_FALSE(Newest().IsModified());
+    }));
+    // Nobody can take it away.
+    EXPECT_TRUE(DoAndDie([&] {
+        Start(RA_DISCARD);
+        EXPECT_EQ(Host.Recovered.size(), 1u);
+    }));
+    EXPECT_TRUE(std::filesystem::exists(file));
+    EXPECT_EQ(umount2(disc.c_str(), MNT_DETACH), 0);
+}
+
+TEST_F(Autosaves, AFileThatWasDeletedMeanwhileIsSavedAnew)
+{
+    const std::string path = EffectFile("fire.effect");
+    EditAndDie(path, 2);
+    std::filesystem::remove(path);
+    Start(RA_RESTORE);
+    ASSERT_EQ(NumDocuments(), 1);
+    EXPECT_EQ(Host.Recovered[0].substr(19), "   " + path);
+    EXPECT_EQ(Newest().GetPath().Compare(path.c_str()), 0);
+    EXPECT_TRUE(Newest().IsModified());
+    EXPECT_TRUE(App.Get().Save(Newest()));
+    EXPECT_TRUE(Shown.Questions.empty());
+    EXPECT_FALSE(Newest().IsModified());
+    EXPECT_TRUE(std::filesystem::exists(path));
+    Autosave().WaitForDisc();
+    EXPECT_TRUE(Files().empty());
+}
+
+TEST_F(Autosaves, WithoutTheFoldersOfItsFileNothingIsLost)
+{
+    std::filesystem::create_directory(Path("work"));
+    const std::string path = EffectFile("work/fire.effect");
+    EditAndDie(path, 2);
+    std::filesystem::remove_all(Path("work"));
+    EXPECT_TRUE(DoAndDie([&] {
+        Start(RA_RESTORE);
+        ASSERT_EQ(NumDocuments(), 1);
+        App.Get().Save(Newest());
+        ASSERT_EQ(Shown.Messages.size(), 1u);
+        EXPECT_NE(Shown.Messages[0].find(path), std::string::npos) << Shown.Messages[0];
+        EXPECT_TRUE(Newest().IsModified());
+        Autosave().WaitForDisc();
+    }));
+    Start(RA_LATER);
+    EXPECT_EQ(Host.Recovered.size(), 1u);
+}
+
+// The clock was set back since, or is wrong by years.
+TEST_F(Autosaves, AnyTimeIsRestored)
+{
+    for (const int64_t shift :
+         std::initializer_list<int64_t>{-400000000000, -2000000000, 2000000000, 400000000000}) {
+        const std::string path = EffectFile("fire.effect");
+        EditAndDie(path, 2);
+        const std::string file = TheFile();
+        TRecoveryNote note;
+        TString fault;
+        ASSERT_TRUE(ReadRecoveryNote(file.c_str(), note, fault));
+        const std::string whole = ReadBytes(file);
+        vector<uint8_t> effect;
+        for (size_t i = 0; i < whole.size() - static_cast<size_t>(GetRecoveryNoteSize(note)); ++i)
+            effect.push_back(static_cast<uint8_t>(whole[i]));
+        note.Time += shift;
+        AddRecoveryNote(effect, note);
+        WriteBytes(file,
+                   std::string(reinterpret_cast<char*>(effect.data()), static_cast<size_t>(effect.size())));
+        EXPECT_TRUE(DoAndDie([&] {
+            Start(RA_RESTORE);
+            ASSERT_EQ(NumDocuments(), 1);
+            EXPECT_EQ(Newest().GetGraph()->GetNumNodes(), 3);
+            App.Get().Save(Newest());
+            Autosave().WaitForDisc();
+        }));
+        EXPECT_TRUE(Files().empty());
+        std::filesystem::remove(path);
+    }
 }

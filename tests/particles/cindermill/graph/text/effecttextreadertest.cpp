@@ -171,7 +171,7 @@ TEST_F(EffectTextReader, AFaultIsToldWithItsLineAndWhatIsWrong)
               "Line 16: Not all nodes stand in this section: order");
     // The second is fed by the first.
     EXPECT_EQ(FaultOf(Replaced(text, "  \"Ball\"\n  \"Ball\"#2\n", "  \"Ball\"#2\n  \"Ball\"\n")),
-              "Line 17: The line is to be \"  \"Ball\"\", but it is:   \"Ball\"#2");
+              "Line 17: No way was found to have the schedule take the nodes in this order:   \"Ball\"#2");
     EXPECT_EQ(FaultOf(Replaced(text, "\n\norder", "\n\n\norder")),
               "Line 15: One empty line is to stand ahead of each section: ");
     EXPECT_EQ(FaultOf(Replaced(text, "colour: red", "colour: pink")),
