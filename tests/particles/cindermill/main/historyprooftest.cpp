@@ -146,13 +146,26 @@ TEST_F(Histories, LeadThroughEachStateOnTheWay)
                 told.back() = Describe(document);
         }
         told.resize(static_cast<size_t>(stack.GetNumOperations()) + 1);
-        const auto compare = [&] {
-            const std::string& then = told[static_cast<size_t>(stack.GetPosition())];
-            const std::string now = Describe(document);
-            EXPECT_TRUE(then.empty() || then == now) << "at " << stack.GetPosition() << "\n"
-                                                     << Difference(then, now);
+        const auto isAsThen = [&](TDocument& one) {
+            const int position = one.GetOperationStack()->GetPosition();
+            const std::string& then = told[static_cast<size_t>(position)];
+            const std::string now = Describe(one);
+            EXPECT_TRUE(then.empty() || then == now) << "at " << position << "\n" << Difference(then, now);
             return !HasFailure();
         };
+        const auto compare = [&] { return isAsThen(document); };
+        // After a recovery, whose load settles all types, too.
+        const std::string lost = Path("lost.effect");
+        ASSERT_TRUE(document.SaveUnchecked(lost.c_str()));
+        vector<int> former;
+        document.GetFormerStates(former);
+        TDocument recovered(App.Get());
+        ASSERT_TRUE(recovered.Restore(lost.c_str(), path.c_str(), former));
+        recovered.ClearEngine();
+        while (recovered.CanUndo()) {
+            recovered.Undo();
+            ASSERT_TRUE(isAsThen(recovered));
+        }
         for (int round = 0; round < 2; ++round) {
             for (; document.CanRedo() && compare(); document.Redo()) {
             }
