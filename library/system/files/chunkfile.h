@@ -69,6 +69,8 @@ public:
     private:
         TChunkFile& File;
     };
+    // Until the next removal ChunkIdx is what it would be in the file: it counts no chunk that is gone.
+    void NumberChunks() const { CloseGaps(); }
     void GetChunksOfClass(uint32_t nameId, vector<TChunk*>& result);
     int GetNumChunks() const
     {
