@@ -53,6 +53,7 @@ public:
     bool IsDragging() override;
     void RunTicks() override;
     void ShowStatus(const char* text) override;
+    bool IsLastStatus(const char* text) override;
     void Quit() override;
 
 private:
