@@ -17,11 +17,19 @@ namespace {
 // Less than the window system waits at most, and more than an answer takes.
 constexpr int SlowMilliseconds = 2000;
 
+// The bytes as they are, where they are offered; what is asked for as plain text comes converted.
+constexpr const char* Utf8Text = "text/plain;charset=utf-8";
+constexpr const char* PlainText = "text/plain";
+
 // Null without a window system.
 QClipboard* GetClipboard()
 {
-    const bool hasWindows = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-    return hasWindows ? QGuiApplication::clipboard() : nullptr;
+    return TSystemClipboard::IsThere() ? QGuiApplication::clipboard() : nullptr;
+}
+
+bool HasFormat(const QMimeData& data, const char* type)
+{
+    return data.hasFormat(QString::fromLatin1(type));
 }
 
 } // namespace
@@ -56,6 +64,11 @@ public:
     bool IsSlow = false;
 };
 
+bool TSystemClipboard::IsThere()
+{
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+}
+
 TSystemClipboard::TSystemClipboard() : Data(new TSystemClipboardData) {}
 
 TSystemClipboard::~TSystemClipboard() = default;
@@ -88,7 +101,13 @@ bool TSystemClipboard::IsEmpty()
 
 bool TSystemClipboard::HasType(const char* type)
 {
-    return Data->Ask([&](const QMimeData& data) { return data.hasFormat(QString::fromLatin1(type)); });
+    return Data->Ask([&](const QMimeData& data) { return HasFormat(data, type); });
+}
+
+bool TSystemClipboard::HasText()
+{
+    return Data->Ask(
+        [](const QMimeData& data) { return HasFormat(data, Utf8Text) || HasFormat(data, PlainText); });
 }
 
 bool TSystemClipboard::GetBytes(const char* type, int limit, vector<uint8_t>& bytes)
@@ -108,11 +127,17 @@ bool TSystemClipboard::GetText(int limit, TString& text)
 {
     text = nullptr;
     return Data->Ask([&](const QMimeData& data) {
-        if (!data.hasText())
+        const char* type = HasFormat(data, Utf8Text) ? Utf8Text : PlainText;
+        QByteArray found = data.data(QString::fromLatin1(type));
+        if (found.size() > limit)
             return false;
-        const QByteArray found = data.text().toUtf8();
-        if (found.isEmpty() || found.size() > limit)
+        // Some end their texts with it; within one, a text would seem to end there.
+        if (found.endsWith('\0'))
+            found.chop(1);
+        if (found.isEmpty() || found.contains('\0'))
             return false;
+        // What is no UTF-8 is made so.
+        found = QString::fromUtf8(found).toUtf8();
         text = found.constData();
         return true;
     });

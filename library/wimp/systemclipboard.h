@@ -14,6 +14,9 @@ class TSystemClipboardData;
 class TSystemClipboard
 {
 public:
+    // False without a window system; then nothing is ever there.
+    static bool IsThere();
+
     TSystemClipboard();
     ~TSystemClipboard();
 
@@ -23,7 +26,9 @@ public:
     bool IsOwn() const;
     bool IsEmpty();
     bool HasType(const char* type);
-    // False, and nothing in the result, where there is none, or more than the limit.
+    bool HasText();
+    // False, and nothing in the result, where there is none, or more bytes than the limit. A text is UTF-8
+    // and holds no zero.
     bool GetBytes(const char* type, int limit, vector<uint8_t>& bytes);
     bool GetText(int limit, TString& text);
     // Whether whoever has the clipboard now has let the last question wait for long.

@@ -1,12 +1,12 @@
 #include "library/wimp/textclipboard.h"
 
 #include "library/containers/string.h"
-#include "library/wimp/windowpeer.h"
-
-#include <QtGui/QClipboard>
-#include <QtGui/QGuiApplication>
+#include "library/wimp/systemclipboard.h"
 
 namespace {
+
+// More than any value or text of the program's own.
+constexpr int MaxSize = 16 << 20;
 
 TString& GetOwnText()
 {
@@ -14,26 +14,25 @@ TString& GetOwnText()
     return text;
 }
 
-bool HasWindowSystem()
-{
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-}
-
 } // namespace
 
 void SetClipboardText(const char* text)
 {
-    if (HasWindowSystem())
-        QGuiApplication::clipboard()->setText(ToQt(text));
+    if (TSystemClipboard::IsThere())
+        TSystemClipboard().Put("", vector<uint8_t>(), text);
     else
         GetOwnText() = text;
 }
 
+bool HasClipboardText()
+{
+    return TSystemClipboard::IsThere() ? TSystemClipboard().HasText() : !GetOwnText().IsEmpty();
+}
+
 bool GetClipboardText(TString& text)
 {
-    if (HasWindowSystem())
-        text = QGuiApplication::clipboard()->text().toUtf8().constData();
-    else
-        text = GetOwnText();
+    if (TSystemClipboard::IsThere())
+        return TSystemClipboard().GetText(MaxSize, text);
+    text = GetOwnText();
     return !text.IsEmpty();
 }

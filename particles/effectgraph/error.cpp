@@ -1,8 +1,8 @@
 #include "particles/effectgraph/error.h"
 
+#include "library/containers/shortentext.h"
 #include "library/system/file.h"
 #include "particles/effectgraph/effectnode.h"
-#include "particles/effectgraph/xmltext.h"
 
 #include <stdio.h>
 
@@ -50,7 +50,7 @@ TError* TNodeError::Clone() const
 void TNodeError::GetText(TString& result) const
 {
     const TNodeType* type = Node != nullptr ? Node->GetNodeType() : nullptr;
-    result.Format("Node \"%s\" : %s", type != nullptr ? QuoteText(type->Name).Print() : "", Message.Print());
+    result.Format("Node \"%s\" : %s", type != nullptr ? type->Name.Print() : "", Message.Print());
 }
 
 TFileError::TFileError(const char* fileName, int line, const char* format, ...)
@@ -70,6 +70,20 @@ TError* TFileError::Clone() const
 void TFileError::GetText(TString& result) const
 {
     result.Format("%s [%d] : %s\n", FileName.Print(), Line, Message.Print());
+}
+
+TString GetErrorLine(const TError& error)
+{
+    TString text;
+    error.GetText(text);
+    const int length = text.Length();
+    const bool hasEnd = length > 0 && text.Print()[length - 1] == '\n';
+    TString line;
+    line.Left(text, hasEnd ? length - 1 : length);
+    line = OneLineText(line);
+    if (hasEnd)
+        line += "\n";
+    return line;
 }
 
 void TErrorList::Add(TError* error)

@@ -70,6 +70,10 @@ private:
     int Line;
 };
 
+// The text for who shows it in a line: an error keeps the line's end that it comes with; one within it, of a
+// node's name perhaps, would make two of it.
+TString GetErrorLine(const TError& error);
+
 // The collected problems of one piece of work, in the order in which they came. Owns them.
 class TErrorList
 {

@@ -294,6 +294,18 @@ bool EndThreads()
     return isTold;
 }
 
+// What the loader last said is still there after the first thread of a program.
+int KeepLoaderError()
+{
+    if (dlopen("/nowhere/at/all.so", RTLD_NOW) != nullptr)
+        return 1;
+    pthread_t thread;
+    if (pthread_create(&thread, nullptr, EndByReturn, &thread) != 0)
+        return 2;
+    pthread_join(thread, nullptr);
+    return dlerror() != nullptr ? 0 : 3;
+}
+
 int CountLeftStacks()
 {
     if (!EndThreads())
@@ -489,6 +501,8 @@ int main(int argc, char** argv)
         return FailGuarded();
     if (strcmp(way, "threads-end") == 0)
         return CountLeftStacks();
+    if (strcmp(way, "loader-error") == 0)
+        return KeepLoaderError();
     for (const TWay& one : Ways)
         if (strcmp(one.Name, way) == 0)
             one.Fail();

@@ -34,29 +34,45 @@ public:
         Desktop.Text = text;
     }
     bool IsOwn() override { return Desktop.Owner == this; }
-    bool IsEmpty() override { return Desktop.Effect.empty() && Desktop.Text.empty(); }
-    bool HasEffect() override
-    {
-        ++Questions;
-        return !Desktop.Effect.empty();
-    }
+    bool IsEmpty() override { return !Ask(!Desktop.Effect.empty() || !Desktop.Text.empty()); }
+    bool HasEffect() override { return Ask(!Desktop.Effect.empty()); }
+    bool HasText() override { return Ask(!Desktop.Text.empty()); }
     bool GetEffect(vector<uint8_t>& effect) override
     {
-        ++Questions;
+        effect.clear();
+        if (!Ask(!Desktop.Effect.empty() && !Withholds))
+            return false;
         effect = Desktop.Effect;
-        return !effect.empty();
+        return true;
     }
     bool GetText(TString& text) override
     {
-        ++Questions;
+        ++TextsFetched;
+        text = nullptr;
+        if (!Ask(!Desktop.Text.empty() && !Withholds))
+            return false;
         text = Desktop.Text.c_str();
-        return !text.IsEmpty();
+        return true;
     }
-    bool IsSlow() override { return Slow; }
+    bool IsSlow() override { return WasSlow; }
 
+    // Whoever has the clipboard takes long for each answer,
     bool Slow = false;
+    // gives none,
+    bool Silent = false;
+    // or tells what it has and does not give it.
+    bool Withholds = false;
     int Questions = 0;
+    int TextsFetched = 0;
 
 private:
+    bool Ask(bool answer)
+    {
+        ++Questions;
+        WasSlow = Slow;
+        return answer && !Silent;
+    }
+
+    bool WasSlow = false;
     TFakeDesktop& Desktop;
 };

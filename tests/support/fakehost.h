@@ -151,6 +151,7 @@ public:
         Focused = &window;
         Events.push_back("focus all");
     }
+    bool TakesDelete(TDocWindow&) override { return HasControl; }
     void DeleteIn(TDocWindow& window) override
     {
         Focused = &window;
@@ -187,6 +188,8 @@ public:
     TRecoveryAnswer RecoveryAnswer = RA_LATER;
     bool Drags = false;
     TWindow* UnderPoint = nullptr;
+    // A control has the focus that takes the delete key.
+    bool HasControl = false;
     TDocWindow* Focused = nullptr;
     bool FailsDocuments = false;
 

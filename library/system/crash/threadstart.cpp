@@ -63,6 +63,12 @@ TResult RunEquipped(void* start)
     return own.Work(own.Argument);
 }
 
+using TPosixCreate = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+using TPlainCreate = int (*)(thrd_t*, thrd_start_t, void*);
+
+std::atomic<TPosixCreate> PosixCreate(nullptr);
+std::atomic<TPlainCreate> PlainCreate(nullptr);
+
 template <class TFunction>
 TFunction FindNext(std::atomic<TFunction>& found, const char* name)
 {
@@ -72,6 +78,16 @@ TFunction FindNext(std::atomic<TFunction>& found, const char* name)
         found = function;
     }
     return function;
+}
+
+TPosixCreate FindPosixCreate()
+{
+    return FindNext(PosixCreate, "pthread_create");
+}
+
+TPlainCreate FindPlainCreate()
+{
+    return FindNext(PlainCreate, "thrd_create");
 }
 
 // By way of RunEquipped; without memory for that, as it was asked for.
@@ -90,8 +106,13 @@ int StartThread(const TCreate& create, TResult (*work)(void*), void* argument)
 
 } // namespace
 
+// The loader is asked now, and not by the first thread that starts another: that one may be in the
+// constructor of a library, with the loader waiting, and it may yet ask what the loader last said. Who starts
+// a thread before this asks all the same.
 void EquipThreads()
 {
+    FindPosixCreate();
+    FindPlainCreate();
     IsEquipping = true;
 }
 
@@ -100,9 +121,7 @@ extern "C" __attribute__((visibility("default"))) int pthread_create(pthread_t* 
                                                                      void* (*work)(void*),
                                                                      void* argument) noexcept
 {
-    using TCreate = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
-    static std::atomic<TCreate> found(nullptr);
-    const TCreate create = FindNext(found, "pthread_create");
+    const TPosixCreate create = FindPosixCreate();
     if (create == nullptr)
         return EAGAIN;
     return StartThread(
@@ -114,9 +133,7 @@ extern "C" __attribute__((visibility("default"))) int pthread_create(pthread_t* 
 extern "C" __attribute__((visibility("default"))) int thrd_create(thrd_t* thread, thrd_start_t work,
                                                                   void* argument)
 {
-    using TCreate = int (*)(thrd_t*, thrd_start_t, void*);
-    static std::atomic<TCreate> found(nullptr);
-    const TCreate create = FindNext(found, "thrd_create");
+    const TPlainCreate create = FindPlainCreate();
     if (create == nullptr)
         return thrd_error;
     return StartThread([&](thrd_start_t start, void* passed) { return create(thread, start, passed); }, work,

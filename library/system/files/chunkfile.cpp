@@ -152,6 +152,11 @@ bool TChunkFile::LoadOpened()
         Failed = true;
         return true;
     }
+    if (MaxChunks >= 0 && count > static_cast<uint32_t>(MaxChunks)) {
+        LastError = "Chunkfile holds more chunks than are taken here";
+        Failed = true;
+        return false;
+    }
     const int first = Chunks.size();
     vector<TEntry> table;
     if (!LoadTable(count, table)) {

@@ -41,6 +41,8 @@ public:
     bool Load(const char* path);
     // The same of what SaveToMemory has made.
     bool LoadFromMemory(const vector<uint8_t>& bytes);
+    // A load of more is refused before any is made: an empty chunk takes far less in a file than in memory.
+    void SetMaxChunks(int count) { MaxChunks = count; }
     // Asked of the written file before it takes the place of the old one, under the name that it has until
     // then: false fails the save.
     using TVerify = bool (*)(const char* path, void* data);
@@ -67,6 +69,8 @@ public:
     private:
         TChunkFile& File;
     };
+    // Until the next removal ChunkIdx is what it would be in the file: it counts no chunk that is gone.
+    void NumberChunks() const { CloseGaps(); }
     void GetChunksOfClass(uint32_t nameId, vector<TChunk*>& result);
     int GetNumChunks() const
     {
@@ -153,6 +157,8 @@ private:
 
     // The gaps close when somebody asks for all chunks.
     mutable vector<TChunk*> Chunks;
+    // Negative for any number.
+    int MaxChunks = -1;
     bool Failed = false;
     int NumRemovals = 0;
     // Null pointers among the chunks, and where the first one stands.

@@ -241,6 +241,11 @@ void TApplication::DeleteIn(TDocWindow& window)
     window.GetGraph().PressDelete();
 }
 
+bool TApplication::TakesDelete(TDocWindow& window)
+{
+    return window.GetGraph().TakesDelete();
+}
+
 void TApplication::Cascade()
 {
     MainWindow->Cascade();

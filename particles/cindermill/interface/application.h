@@ -47,6 +47,7 @@ public:
     void FocusSelected(TDocWindow& window) override;
     void FocusAll(TDocWindow& window) override;
     void DeleteIn(TDocWindow& window) override;
+    bool TakesDelete(TDocWindow& window) override;
     void Cascade() override;
     TWindow* WindowFromPoint(int x, int y) override;
     void EndInput() override;

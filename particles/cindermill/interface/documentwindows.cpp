@@ -168,7 +168,7 @@ void TDocumentWindows::DeleteWindows(TDocument& document)
             app.SetActiveDocWindow(nullptr, nullptr);
     }
     ParticleWindow.Reset();
-    DisplayName = nullptr;
+    DisplayTitle = nullptr;
     DropOtherNumbers();
     Scene.Reset();
     Document = nullptr;
@@ -257,9 +257,9 @@ void TDocumentWindows::UpdateTitles(TDocument& document)
         Windows[i]->SetTitle(title);
     }
     ASSERT_TEXT(ParticleWindow != nullptr, "ParticleWindow != 0");
+    TString former = DisplayTitle;
     DisplayTitle.Format("Effect Display - [%s%s", name.Print(), modified ? "*]" : "]");
-    const bool isNew = DisplayName.Compare(name) != 0;
-    DisplayName = name;
+    const bool isNew = DisplayTitle.Compare(former) != 0;
     if (isNew)
         FindNumber();
     ShowDisplayTitle();
@@ -283,7 +283,7 @@ bool TDocumentWindows::IsNumberTaken(int number) const
 {
     int i = -1;
     while (const TDocumentWindows* other = FindOther(i))
-        if (other->DisplayNumber == number && other->DisplayName.Compare(DisplayName) == 0)
+        if (other->DisplayNumber == number && other->DisplayTitle.Compare(DisplayTitle) == 0)
             return true;
     return false;
 }
@@ -310,12 +310,12 @@ bool TDocumentWindows::HasNamesake() const
 {
     int i = -1;
     while (const TDocumentWindows* other = FindOther(i))
-        if (other->DisplayName.Compare(DisplayName) == 0)
+        if (other->DisplayTitle.Compare(DisplayTitle) == 0)
             return true;
     return false;
 }
 
-// The last display of a name needs none. Of several, each keeps the one by which it is known.
+// The last display of a title needs none. Of several, each keeps the one by which it is known.
 void TDocumentWindows::DropOtherNumbers()
 {
     int i = -1;

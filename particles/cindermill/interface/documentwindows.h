@@ -104,9 +104,8 @@ private:
     TOwner<TGraphScene> Scene;
     TOwnerList<TDocWindow> Windows;
     TOwner<TParticleWindow> ParticleWindow;
-    // The particle window's, without its number, and the effect's name in it.
+    // The particle window's, without its number.
     TString DisplayTitle;
-    TString DisplayName;
-    // From 2 on it is shown: another document's display had the name already.
+    // From 2 on it is shown: another document's display had the title already.
     int DisplayNumber = 1;
 };

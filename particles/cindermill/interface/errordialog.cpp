@@ -14,8 +14,7 @@ void ShowErrorDialog(const char* title, const TErrorList& errors)
     // While the dialog waits, the program goes on: the caller's list may change.
     vector<TString> lines;
     for (const TError* error : errors) {
-        TString text;
-        error->GetText(text);
+        TString text = GetErrorLine(*error);
         text.Trim();
         lines.push_back(text);
     }

@@ -408,6 +408,12 @@ void TGraphWindow::PressDelete()
     OnMessage(message);
 }
 
+bool TGraphWindow::TakesDelete() const
+{
+    const TRamp* ramp = TRamp::GetFocused();
+    return GetTextEdit() != nullptr || (ramp != nullptr && IsFocusHere(*ramp));
+}
+
 bool TGraphWindow::OnEscape()
 {
     if (DocWindow->CancelAnyDrag())

@@ -52,6 +52,8 @@ public:
     void Reveal(const TNodeObj& node);
     // What the delete key does here.
     void PressDelete();
+    // Whether a text or a ramp of this view has the focus, to which that key goes.
+    bool TakesDelete() const;
     // One step of a running animation.
     void OnIdle();
     // A file dropped at a position of the screen.

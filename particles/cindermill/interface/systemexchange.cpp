@@ -1,12 +1,13 @@
 #include "particles/cindermill/interface/systemexchange.h"
 
 #include "library/containers/string.h"
+#include "particles/cindermill/main/clipboardeffect.h"
 
 namespace {
 
 constexpr const char* NodesType = "application/x-cindermill-nodes";
-// What is larger is not even fetched from the window system's memory into the program's own.
-constexpr int MaxSize = 64 << 20;
+// Of a text. The window system hands on all that it has; what is larger goes no further.
+constexpr int MaxText = 16 << 20;
 
 } // namespace
 
@@ -22,10 +23,10 @@ bool TSystemExchange::HasEffect()
 
 bool TSystemExchange::GetEffect(vector<uint8_t>& effect)
 {
-    return Clipboard.GetBytes(NodesType, MaxSize, effect);
+    return Clipboard.GetBytes(NodesType, MaxClipboardEffect, effect);
 }
 
 bool TSystemExchange::GetText(TString& text)
 {
-    return Clipboard.GetText(MaxSize, text);
+    return Clipboard.GetText(MaxText, text);
 }

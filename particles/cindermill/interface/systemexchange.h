@@ -12,6 +12,7 @@ public:
     bool IsOwn() override { return Clipboard.IsOwn(); }
     bool IsEmpty() override { return Clipboard.IsEmpty(); }
     bool HasEffect() override;
+    bool HasText() override { return Clipboard.HasText(); }
     bool GetEffect(vector<uint8_t>& effect) override;
     bool GetText(TString& text) override;
     bool IsSlow() override { return Clipboard.IsSlow(); }

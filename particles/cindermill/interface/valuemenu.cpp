@@ -18,13 +18,12 @@ void FillValueMenu(TMenu& menu, const TNodeParameterControls& controls)
 {
     TString value;
     controls.CopyValue(value);
-    TString clipboard;
     menu.AddItem(VM_COPY, "Copy Value");
     menu.AddItem(VM_PASTE, "Paste Value");
     menu.AddSeparator();
     menu.AddItem(VM_RESET, "Reset to Default");
     menu.EnableItem(VM_COPY, !value.IsEmpty());
-    menu.EnableItem(VM_PASTE, GetClipboardText(clipboard));
+    menu.EnableItem(VM_PASTE, HasClipboardText());
     menu.EnableItem(VM_RESET, !controls.IsDefault());
 }
 

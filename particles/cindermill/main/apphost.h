@@ -69,6 +69,8 @@ public:
     virtual void FocusAll(TDocWindow& window) = 0;
     // What the delete key does in the graph of the window.
     virtual void DeleteIn(TDocWindow& window) = 0;
+    // Whether a control of that graph has the focus that takes the delete key for itself.
+    virtual bool TakesDelete(TDocWindow& window) = 0;
     // Places the document windows in a cascade.
     virtual void Cascade() = 0;
     // The window at a position of the screen, or null.

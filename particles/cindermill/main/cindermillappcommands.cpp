@@ -511,6 +511,8 @@ void TCindermillApp::CopyToClipboard(const vector<TToolNode*>& nodes)
 
 const char* TCindermillApp::GetIdleReason(int menuId)
 {
+    if (menuId == MI_DELETE && ActiveDocWindow != nullptr && Host->TakesDelete(*ActiveDocWindow))
+        return nullptr;
     // Only a paste is worth the question to whoever has the clipboard.
     const bool isEmpty = menuId == MI_PASTE && ActiveDocument != nullptr && !Clipboard.HasNodes();
     return GetNothingToDo(ActiveDocument, menuId, isEmpty);

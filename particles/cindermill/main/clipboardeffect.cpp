@@ -6,16 +6,17 @@
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/graph/text/effecttext.h"
 #include "particles/cindermill/graph/text/effecttextreader.h"
+#include "particles/cindermill/graph/text/keyindex.h"
 #include "particles/cindermill/main/clipboard.h"
 #include "particles/cindermill/main/effectfile.h"
 #include "particles/effectgraph/nodetypelibrary.h"
 #include "particles/effectgraph/xmltext.h"
 
-#include <initializer_list>
-
 namespace {
 
-constexpr int MaxEffectSize = 64 << 20;
+// Beyond these it is no effect that anyone has copied.
+constexpr int MaxNodes = TEffectTextReader::MaxNodes;
+constexpr int MaxChunks = 500000;
 // Types that a message names; the rest is counted.
 constexpr int MaxNamed = 8;
 constexpr int NameLength = 60;
@@ -48,7 +49,7 @@ TEffectGraph* MakeGraph(const TClipboard& clipboard, TChunkFile& chunks)
 bool IsKnown(const TNodeType& type, const TNodeTypeLibrary& types)
 {
     for (int i = 0; i < types.GetNumTypes(); ++i)
-        if (types.GetType(i)->IsNamedOrOfClass(type.Name, type.ClassName))
+        if (types.GetType(i)->ClassName.Compare(type.ClassName) == 0)
             return true;
     return false;
 }
@@ -56,28 +57,26 @@ bool IsKnown(const TNodeType& type, const TNodeTypeLibrary& types)
 // A library that has no type of a node is older than the one that the node comes from.
 bool CheckTypes(const TEffectGraph& graph, const TNodeTypeLibrary& types, TString& fault)
 {
-    vector<TString> names;
+    TKeyIndex names;
     for (int i = 0; i < graph.GetNumNodes(); ++i) {
         const TNodeType& type = *graph.GetNode(i)->GetNodeType();
+        if (IsKnown(type, types))
+            continue;
         TString name;
         name.Format("\"%s\" (%s)", QuoteText(type.Name, NameLength).Print(),
                     QuoteText(type.ClassName, NameLength).Print());
-        if (names.index_of(name) == -1 && !IsKnown(type, types))
-            Append(names, name);
+        const int count = names.GetNumKeys();
+        if (!names.Add(name) || count >= MaxNamed)
+            continue;
+        fault += count > 0 ? ", " : "The node types here have none for ";
+        fault += name;
     }
-    if (names.empty())
-        return true;
-    fault = "The node types here have none for ";
-    for (int i = 0; i < names.size() && i < MaxNamed; ++i) {
-        fault += i > 0 ? ", " : "";
-        fault += names[i];
-    }
-    if (names.size() > MaxNamed) {
+    if (names.GetNumKeys() > MaxNamed) {
         TString rest;
-        rest.Format(" and %d more", names.size() - MaxNamed);
+        rest.Format(" and %d more", names.GetNumKeys() - MaxNamed);
         fault += rest;
     }
-    return false;
+    return names.GetNumKeys() == 0;
 }
 
 bool TakeChecked(TEffectFile& file, const TNodeTypeLibrary& types, TClipboard& clipboard, TString& fault)
@@ -86,7 +85,12 @@ bool TakeChecked(TEffectFile& file, const TNodeTypeLibrary& types, TClipboard& c
         fault = file.GetFault();
         return false;
     }
-    if (file.GetGraph()->GetNumNodes() == 0) {
+    const int numNodes = file.GetGraph()->GetNumNodes();
+    if (numNodes > MaxNodes) {
+        fault.Format("There are %d nodes in it; the most are %d", numNodes, MaxNodes);
+        return false;
+    }
+    if (numNodes == 0) {
         fault = "There are no nodes in it";
         return false;
     }
@@ -94,6 +98,25 @@ bool TakeChecked(TEffectFile& file, const TNodeTypeLibrary& types, TClipboard& c
         return false;
     clipboard.Take(*file.GetGraph());
     return true;
+}
+
+// `load` brings the chunks, or tells why it cannot.
+template <class TLoad>
+bool ReadGuarded(const TLoad& load, const TNodeTypeLibrary& types, TClipboard& clipboard, TString& fault)
+{
+    bool taken = false;
+    TString failed;
+    fault = nullptr;
+    const bool done = RunGuarded(
+        [&] {
+            TChunkFile chunks;
+            TEffectFile file(chunks);
+            taken = load(chunks, file) && TakeChecked(file, types, clipboard, fault);
+        },
+        failed);
+    if (!done)
+        fault = failed;
+    return done && taken;
 }
 
 } // namespace
@@ -109,12 +132,15 @@ void WriteClipboardEffect(const TClipboard& clipboard, vector<uint8_t>& effect, 
         [&] {
             TChunkFile chunks;
             const TEffectGraph* graph = MakeGraph(clipboard, chunks);
-            if (graph->GetNumNodes() <= TEffectTextReader::MaxNodes)
-                TEffectText(*graph).Write(buffer);
-            written = chunks.SaveToMemory(effect, 0);
+            if (graph->GetNumNodes() > MaxNodes)
+                return;
+            const TEffectText told(*graph);
+            if (TEffectTextReader::CanRead(told))
+                told.Write(buffer);
+            written = chunks.GetNumChunks() <= MaxChunks && chunks.SaveToMemory(effect, 0);
         },
         fault);
-    if (!done || !written || effect.size() > MaxEffectSize)
+    if (!done || !written || effect.size() > MaxClipboardEffect)
         effect.clear();
     text = buffer.Print();
     if (!done || text.Length() > TEffectTextReader::MaxLength)
@@ -124,39 +150,28 @@ void WriteClipboardEffect(const TClipboard& clipboard, vector<uint8_t>& effect, 
 bool ReadClipboardEffect(const vector<uint8_t>& effect, const TNodeTypeLibrary& types, TClipboard& clipboard,
                          TString& fault)
 {
-    bool taken = false;
-    TString failed;
-    const bool done = RunGuarded(
-        [&] {
-            TChunkFile chunks;
-            TEffectFile file(chunks);
-            if (file.LoadFromMemory(effect))
-                taken = TakeChecked(file, types, clipboard, fault);
-            else
-                fault = file.GetFault();
-        },
-        failed);
-    if (!done)
-        fault = failed;
-    return done && taken;
+    if (effect.size() > MaxClipboardEffect) {
+        fault.Format("The effect is larger than %d MB", MaxClipboardEffect >> 20);
+        return false;
+    }
+    const auto load = [&](TChunkFile& chunks, TEffectFile& file) {
+        chunks.SetMaxChunks(MaxChunks);
+        const bool loaded = file.LoadFromMemory(effect);
+        if (!loaded)
+            fault = file.GetFault();
+        return loaded;
+    };
+    return ReadGuarded(load, types, clipboard, fault);
 }
 
 bool ReadClipboardText(const char* text, const TNodeTypeLibrary& types, TClipboard& clipboard, TString& fault)
 {
-    bool taken = false;
-    TString failed;
-    const bool done = RunGuarded(
-        [&] {
-            TChunkFile chunks;
-            TEffectTextReader reader;
-            if (reader.Read(text, chunks)) {
-                TEffectFile file(chunks);
-                taken = TakeChecked(file, types, clipboard, fault);
-            } else
-                fault = reader.GetFault();
-        },
-        failed);
-    if (!done)
-        fault = failed;
-    return done && taken;
+    const auto load = [&](TChunkFile& chunks, TEffectFile&) {
+        TEffectTextReader reader;
+        const bool read = reader.Read(text, chunks);
+        if (!read)
+            fault = reader.GetFault();
+        return read;
+    };
+    return ReadGuarded(load, types, clipboard, fault);
 }

@@ -8,6 +8,9 @@
 class TClipboard;
 class TNodeTypeLibrary;
 
+// Of the file of an effect.
+constexpr int MaxClipboardEffect = 16 << 20;
+
 // Copied nodes as other programs take them: the file of a small effect, and the text of it. What could not be
 // read again, as it would be too much, is left empty.
 void WriteClipboardEffect(const TClipboard& clipboard, vector<uint8_t>& effect, TString& text);

@@ -21,9 +21,6 @@ void DisplayErrors(const char* title, const TErrorList& errors)
         return;
     }
     DebugPrintf("%s:\n", title);
-    for (const TError* error : errors) {
-        TString text;
-        error->GetText(text);
-        DebugPrintf("%s\n", text.Print());
-    }
+    for (const TError* error : errors)
+        DebugPrintf("%s\n", GetErrorLine(*error).Print());
 }

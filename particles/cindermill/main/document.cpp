@@ -1,7 +1,6 @@
 #include "particles/cindermill/main/document.h"
 
 #include "library/containers/append.h"
-#include "library/containers/shortentext.h"
 #include "library/system/message.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
@@ -122,8 +121,8 @@ bool TDocument::LoadFrom(const char* file, const char* path, const vector<int>& 
         return false;
     IsEditable = true;
     OperationStack->Recall();
-    if (LoadNotes.empty())
-        SetFormerStates(*OperationStack, Chunks, former);
+    if (LoadNotes.empty() && SetFormerStates(*OperationStack, Chunks, former))
+        OperationStack->RecordTypes(*Graph);
     Graph->AddCallback(&TDocument::OnGraphChanged, this);
     if (Host != nullptr && !Host->CreateView(*this))
         return false;
@@ -501,28 +500,27 @@ TGraphHold::TGraphHold(TDocument& document) : Document(document)
 
 TGraphHold::~TGraphHold()
 {
-    if (--Document.GraphHolds > 0 || !Document.GraphChangeWaits)
-        return;
-    Document.GraphChangeWaits = false;
-    Document.FinishGraphChange();
+    if (--Document.GraphHolds == 0 && Document.GraphChangeWaits)
+        Document.FinishGraphChange();
 }
 
+// Once for each change, held or not: settling types again may settle them otherwise, and redo and undo are
+// held where the operations may not have been.
 void TDocument::GraphChanged()
 {
-    if (GraphHolds == 0) {
-        FinishGraphChange();
-        return;
-    }
+    TypeErrors.Clear();
+    AreTypesSettled = ResolveTypes(TypeErrors);
     GraphChangeWaits = true;
-    TErrorList errors;
-    ResolveTypes(errors);
+    if (GraphHolds == 0)
+        FinishGraphChange();
 }
 
 // A graph whose types cannot be settled has no preview.
 void TDocument::FinishGraphChange()
 {
-    TErrorList errors;
-    const bool resolved = ResolveTypes(errors);
+    const bool resolved = AreTypesSettled;
+    const TErrorList errors(static_cast<TErrorList&&>(TypeErrors));
+    GraphChangeWaits = false;
     Listener->GraphChanged();
     if (resolved) {
         Graph->NotifyChanged();
@@ -595,22 +593,6 @@ TBatchResult TDocument::BatchExport(const char* path, TErrorList& errors)
     if (!CreateSchedule(errors) || !InitEngine(errors, false))
         return BR_SCHEDULEFAILED;
     return Preview.WriteExport(path, errors) ? BR_DONE : BR_EXPORTFAILED;
-}
-
-// An error keeps the line's end that it comes with; one within it, of a node's name perhaps, would make two
-// of it.
-static TString GetErrorLine(const TError& error)
-{
-    TString text;
-    error.GetText(text);
-    const int length = text.Length();
-    const bool hasEnd = length > 0 && text.Print()[length - 1] == '\n';
-    TString line;
-    line.Left(text, hasEnd ? length - 1 : length);
-    line = OneLineText(line);
-    if (hasEnd)
-        line += "\n";
-    return line;
 }
 
 void TDocument::LogBatchResult(TBatchResult result, const TErrorList& errors)

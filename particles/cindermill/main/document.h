@@ -211,9 +211,11 @@ private:
     unsigned Revision = 0;
     unsigned NumEdits = 0;
     int StepDepth = 0;
-    // How many wait for the graph's change, and whether there was one.
+    // How many wait for the graph's change, whether there was one, and what came of its types.
     int GraphHolds = 0;
     bool GraphChangeWaits = false;
+    bool AreTypesSettled = true;
+    TErrorList TypeErrors;
     // Made or loaded to be edited, and not only to be looked at.
     bool IsEditable = false;
 };

@@ -16,7 +16,7 @@ void TDocumentProblems::TakeErrors(const TEffectGraph& graph, const TErrorList& 
     bool isPlaced = true;
     for (const TError* error : errors) {
         TProblem problem;
-        error->GetText(problem.Text);
+        problem.Text = GetErrorLine(*error);
         problem.Text.Trim();
         problem.Node = graph.FindNodeOf(error->GetSource().Type);
         problem.OfGraph = ofGraph;

@@ -19,8 +19,10 @@ public:
     virtual bool IsEmpty() = 0;
     // Of whoever has copied last. Each is false, and the result empty, where there is none.
     virtual bool HasEffect() = 0;
+    // Any text; nothing of it is fetched.
+    virtual bool HasText() = 0;
     virtual bool GetEffect(vector<uint8_t>& effect) = 0;
     virtual bool GetText(TString& text) = 0;
-    // Whether asking again is likely to take long.
+    // Whether the last question took long, and another is likely to.
     virtual bool IsSlow() = 0;
 };

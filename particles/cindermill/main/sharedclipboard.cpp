@@ -3,23 +3,17 @@
 #include "particles/cindermill/graph/text/effecttextreader.h"
 #include "particles/cindermill/main/clipboardeffect.h"
 
-#include <cstring>
-
-namespace {
-
-bool AreSame(const vector<uint8_t>& a, const vector<uint8_t>& b)
+// FNV-1a.
+TSharedClipboard::TPrint::TPrint(const void* data, int size) : Size(size), Hash(14695981039346656037u)
 {
-    return a.size() == b.size() &&
-           (a.empty() || std::memcmp(a.data(), b.data(), static_cast<size_t>(a.size())) == 0);
+    for (int i = 0; i < size; ++i)
+        Hash = (Hash ^ static_cast<const uint8_t*>(data)[i]) * 1099511628211u;
 }
-
-} // namespace
 
 void TSharedClipboard::Copy(const vector<TToolNode*>& nodes)
 {
     Clipboard.Copy(nodes);
-    TakenEffect.clear();
-    TakenText = nullptr;
+    Taken = TPrint();
     if (Exchange == nullptr)
         return;
     vector<uint8_t> effect;
@@ -28,23 +22,14 @@ void TSharedClipboard::Copy(const vector<TToolNode*>& nodes)
     Exchange->Offer(effect, text.Print());
 }
 
-// Where the system's clipboard has nothing, what was copied or pasted here last is still at hand. A program
-// that gives no answer has something.
-bool TSharedClipboard::IsForeign()
-{
-    return Exchange != nullptr && !Exchange->IsOwn() && (!Exchange->IsEmpty() || Exchange->IsSlow());
-}
-
 bool TSharedClipboard::HasNodes()
 {
-    if (Exchange != nullptr && Exchange->IsSlow())
+    if (!Clipboard.IsEmpty())
         return true;
-    if (!IsForeign())
-        return !Clipboard.IsEmpty();
-    if (Exchange->IsSlow() || Exchange->HasEffect())
-        return true;
-    TString text;
-    return !Exchange->IsSlow() && Exchange->GetText(text) && IsEffectText(text.Print());
+    if (Exchange == nullptr || Exchange->IsOwn())
+        return false;
+    return Exchange->IsSlow() || Exchange->HasEffect() || Exchange->IsSlow() || Exchange->HasText() ||
+           Exchange->IsSlow();
 }
 
 TPasteState TSharedClipboard::Tell(TPasteState state, const char* fault)
@@ -55,33 +40,46 @@ TPasteState TSharedClipboard::Tell(TPasteState state, const char* fault)
 
 TPasteState TSharedClipboard::Fetch()
 {
-    if (IsForeign())
-        return FetchForeign();
-    return Clipboard.IsEmpty() ? Tell(PS_NOTHING, "No nodes were copied") : Tell(PS_READY, nullptr);
+    if (Exchange == nullptr || Exchange->IsOwn())
+        return FetchOwn("No nodes were copied");
+    return FetchForeign();
 }
 
-// What another program offers in more than one form is the same in each; the file is the quicker one.
+TPasteState TSharedClipboard::FetchOwn(const char* otherwise)
+{
+    return Clipboard.IsEmpty() ? Tell(PS_NOTHING, otherwise) : Tell(PS_READY, nullptr);
+}
+
+// What another program offers in more than one form is the same in each; the file is the quicker one. Who
+// takes long to answer nothing is not asked further, as each question would be waited for.
 TPasteState TSharedClipboard::FetchForeign()
 {
+    static constexpr const char* NoAnswer = "The program that has the clipboard does not answer";
+    if (Exchange->IsEmpty())
+        return Exchange->IsSlow() ? Tell(PS_NOTHING, NoAnswer) : FetchOwn("No nodes were copied");
     vector<uint8_t> effect;
     TString text;
     TString fault;
-    // It would be waited for at each further question.
-    if (Exchange->IsSlow())
-        return Tell(PS_NOTHING, "The program that has the clipboard does not answer");
     if (Exchange->GetEffect(effect)) {
-        if (AreSame(effect, TakenEffect))
-            return Tell(PS_READY, nullptr);
-        if (!ReadClipboardEffect(effect, Types, Clipboard, fault))
-            return Tell(PS_REFUSED, fault);
-    } else if (Exchange->GetText(text) && IsEffectText(text.Print())) {
-        if (text == TakenText)
-            return Tell(PS_READY, nullptr);
-        if (!ReadClipboardText(text.Print(), Types, Clipboard, fault))
-            return Tell(PS_REFUSED, fault);
-    } else
-        return Tell(PS_NOTHING, "The clipboard holds no nodes");
-    TakenEffect.swap(effect);
-    TakenText = text;
+        const TPrint print(effect.data(), effect.size());
+        return Take(print, print == Taken || ReadClipboardEffect(effect, Types, Clipboard, fault), fault);
+    }
+    if (Exchange->IsSlow())
+        return Tell(PS_NOTHING, NoAnswer);
+    const bool hasText = Exchange->GetText(text);
+    if (hasText && IsEffectText(text.Print())) {
+        const TPrint print(text.Print(), text.Length());
+        return Take(print, print == Taken || ReadClipboardText(text.Print(), Types, Clipboard, fault), fault);
+    }
+    if (!hasText && Exchange->IsSlow())
+        return Tell(PS_NOTHING, NoAnswer);
+    return FetchOwn("The clipboard holds no nodes");
+}
+
+TPasteState TSharedClipboard::Take(const TPrint& print, bool taken, const TString& fault)
+{
+    if (!taken)
+        return Tell(PS_REFUSED, fault);
+    Taken = print;
     return Tell(PS_READY, nullptr);
 }

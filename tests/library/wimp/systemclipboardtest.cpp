@@ -84,6 +84,46 @@ TEST_F(SystemClipboard, GivesNothingBeyondTheLimit)
     EXPECT_EQ(GetText(4), "");
 }
 
+// Who has a text of any size may be asked for its bytes, not for a text, which would be a copy of twice the
+// size.
+TEST_F(SystemClipboard, ATextIsMeasuredBeforeItIsConverted)
+{
+    class TTextData : public QMimeData
+    {
+    public:
+        TTextData(const QByteArray& text, bool& converted) : Text(text), Converted(converted) {}
+        bool hasFormat(const QString& type) const override { return formats().contains(type); }
+        QStringList formats() const override { return {"text/plain;charset=utf-8", "text/plain"}; }
+
+    protected:
+        QVariant retrieveData(const QString&, QMetaType type) const override
+        {
+            if (type.id() == QMetaType::QString) {
+                Converted = true;
+                return QString::fromUtf8(Text);
+            }
+            return Text;
+        }
+
+    private:
+        QByteArray Text;
+        bool& Converted;
+    };
+    bool converted = false;
+    QGuiApplication::clipboard()->setMimeData(new TTextData(QByteArray(Limit + 1, 'x'), converted));
+    EXPECT_EQ(GetText(), "");
+    EXPECT_FALSE(converted);
+    QGuiApplication::clipboard()->setMimeData(new TTextData("caf\xc3\xa9", converted));
+    EXPECT_EQ(GetText(), "caf\xc3\xa9");
+    // Some end their texts so.
+    QGuiApplication::clipboard()->setMimeData(new TTextData(QByteArray("end\0", 4), converted));
+    EXPECT_EQ(GetText(), "end");
+    // What a text would hide behind a zero is not dropped silently.
+    QGuiApplication::clipboard()->setMimeData(new TTextData(QByteArray("a\0b", 3), converted));
+    EXPECT_EQ(GetText(), "");
+    EXPECT_FALSE(converted);
+}
+
 // Its own window system's part: whoever has the clipboard and does not answer.
 TEST_F(SystemClipboard, ASlowAnswerIsRemembered)
 {

@@ -21,6 +21,16 @@ TEST(TError, NodeErrorNamesTheNodeType)
     EXPECT_EQ(dynamic_cast<TNodeError&>(*copy).GetNode(), node);
 }
 
+TEST(TError, NodeErrorTellsTheWholeName)
+{
+    TTestGraph graph;
+    const std::string name = std::string(1500, 'n') + "\n\x1B[2J";
+    const TNodeError error(graph.Node(name.c_str(), TU_PROCESS, {}, {}), "x");
+    TString text;
+    error.GetText(text);
+    EXPECT_EQ(Text(text), "Node \"" + name + "\" : x");
+}
+
 TEST(TError, FileErrorShowsFileAndLine)
 {
     const TFileError error("a.xml", 12, "x");

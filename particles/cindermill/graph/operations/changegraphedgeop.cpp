@@ -123,10 +123,10 @@ void TChangeGraphEdgeOp::Do(TEditContext& doc)
 
 void TChangeGraphEdgeOp::Undo(TEditContext& doc)
 {
-    const bool isKnown = Former.Places.size() == 1;
-    if (!isKnown)
+    // Also where the place is known: what is put back later, of an operation without places, goes by it.
+    if (FormerAttaching != NotRecalled)
         Edge->SetAttaching(FormerAttaching);
-    const int place = isKnown ? Former.Places[0] : -1;
+    const int place = Former.Places.size() == 1 ? Former.Places[0] : -1;
     MoveTo(doc, Ends[OldSource], Ends[OldDestination], &place);
     FinishGraphChange(doc);
 }

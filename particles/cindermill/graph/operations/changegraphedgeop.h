@@ -49,6 +49,8 @@ private:
 
     TToolEdge* Edge = nullptr;
     TEnd Ends[NumEnds];
-    // See TToolEdge: before this operation, which came from a file.
-    int FormerAttaching = 0;
+    static constexpr int NotRecalled = -1;
+
+    // See TToolEdge: before this operation, if it came from a file done.
+    int FormerAttaching = NotRecalled;
 };

@@ -5,17 +5,21 @@
 // For each done operation: the count of its places, the places, the count of its types, and each type with
 // its node and port before it. The number of these operations stands in front.
 
+// In place of the count of types, where they are not known.
+constexpr int NoTypes = -1;
+
 void GetFormerStates(const TOperationStack& stack, const TChunkFile& chunks, vector<int>& numbers)
 {
-    // No chunk counts one any more that was removed.
-    static_cast<void>(chunks.GetNumChunks());
+    chunks.NumberChunks();
     Append(numbers, stack.GetPosition());
     for (int i = 0; i < stack.GetPosition(); ++i) {
         const TFormerState& former = stack.GetOperation(i)->GetFormer();
         Append(numbers, former.Places.size());
         for (const int place : former.Places)
             Append(numbers, place);
-        Append(numbers, former.Types.size());
+        Append(numbers, former.KnowsTypes ? former.Types.size() : NoTypes);
+        if (!former.KnowsTypes)
+            continue;
         for (const TFormerType& type : former.Types) {
             Append(numbers, type.Node->ChunkIdx);
             Append(numbers, type.Port);
@@ -59,14 +63,13 @@ bool TFormerReader::Read(TFormerType& type)
         return false;
     type.Node = dynamic_cast<TEffectNode*>(Chunks.GetChunkAt(chunk));
     return type.Node != nullptr && type.Node->GetNodeType() != nullptr && type.Port >= 0 &&
-           type.Port < type.Node->GetNodeType()->GetNumOutputs() && type.Type >= 0 &&
-           type.Type <= TY_POLYTYPE;
+           type.Port < type.Node->GetNodeType()->GetNumOutputs() && type.Type >= 0 && type.Type < TY_POLYTYPE;
 }
 
 bool TFormerReader::Read(TFormerState& former)
 {
     int count = 0;
-    if (!Read(count))
+    if (!Read(count) || count < 0)
         return false;
     for (; count > 0; --count) {
         int place = 0;
@@ -74,8 +77,9 @@ bool TFormerReader::Read(TFormerState& former)
             return false;
         Append(former.Places, place);
     }
-    if (!Read(count))
+    if (!Read(count) || count < NoTypes)
         return false;
+    former.KnowsTypes = count != NoTypes;
     for (; count > 0; --count) {
         TFormerType type{};
         if (!Read(type))
@@ -87,18 +91,21 @@ bool TFormerReader::Read(TFormerState& former)
 
 } // namespace
 
-void SetFormerStates(TOperationStack& stack, const TChunkFile& chunks, const vector<int>& numbers)
+bool SetFormerStates(TOperationStack& stack, const TChunkFile& chunks, const vector<int>& numbers)
 {
     TFormerReader reader(chunks, numbers);
     int count = 0;
     if (!reader.Read(count) || count != stack.GetPosition())
-        return;
+        return false;
     vector<TFormerState> states;
     for (int i = 0; i < count; ++i) {
         Append(states, TFormerState());
         if (!reader.Read(states.back()))
-            return;
+            return false;
     }
-    for (int i = 0; i < count && reader.IsAtEnd(); ++i)
+    if (!reader.IsAtEnd())
+        return false;
+    for (int i = 0; i < count; ++i)
         stack.GetOperation(i)->GetFormer() = states[i];
+    return true;
 }

@@ -7,6 +7,6 @@
 // of the file that would be written now.
 void GetFormerStates(const TOperationStack& stack, const TChunkFile& chunks, vector<int>& numbers);
 
-// Gives it back to a history that has come from such a file; to none of its operations where the numbers are
-// not of this history.
-void SetFormerStates(TOperationStack& stack, const TChunkFile& chunks, const vector<int>& numbers);
+// Gives it back to a history that has come from such a file; false, and to none of its operations, where the
+// numbers are not of this history.
+bool SetFormerStates(TOperationStack& stack, const TChunkFile& chunks, const vector<int>& numbers);

@@ -21,8 +21,10 @@ enum TAdaption
 // back to just that. Not in the file of an effect.
 struct TFormerState
 {
-    // By the operation's own order: where what it removed stood in its lists, or other numbers. Empty if that
-    // is not known.
+    // Whether the types are those of then. Of an operation that has come from a file they are not known, and
+    // are as they settle.
+    bool KnowsTypes = false;
+    // By the operation's own order: where what it removed stood in its lists. Empty if that is not known.
     vector<int> Places;
     // Of the outputs that were settled anew.
     vector<TFormerType> Types;

@@ -115,13 +115,18 @@ void TOperationStack::Apply(TEditContext& doc, TOperation* operation)
     LastTime = GetTickCount();
 }
 
-// What is settled later is told to the operation too, up to the next step: within a gesture types are settled
-// at its end.
+// What is settled later is told to the operation too, up to the next step.
 void TOperationStack::DoOne(TEditContext& doc, TOperation& op)
 {
     op.GetFormer() = TFormerState();
-    doc.GetGraph()->SetTypeRecord(&op.GetFormer().Types);
+    op.GetFormer().KnowsTypes = true;
+    RecordTypes(*doc.GetGraph(), op);
     op.Do(doc);
+}
+
+void TOperationStack::RecordTypes(TEffectGraph& graph, TOperation& op)
+{
+    graph.SetTypeRecord(op.GetFormer().KnowsTypes ? &op.GetFormer().Types : nullptr);
 }
 
 static void RestoreTypes(const TEffectGraph& graph, const vector<TFormerType>& types)
@@ -130,7 +135,8 @@ static void RestoreTypes(const TEffectGraph& graph, const vector<TFormerType>& t
         graph.SetDefaultType(types[i].Node, types[i].Port, types[i].Type);
 }
 
-// Before, for what is settled with it, and behind, for what that changed.
+// The types of then are there before the graph's change is told; what settles anew by that is taken back, as
+// settling a second time may lead elsewhere.
 bool TOperationStack::UndoOne(TEditContext& doc)
 {
     const TEffectGraph& graph = *doc.GetGraph();
@@ -140,8 +146,12 @@ bool TOperationStack::UndoOne(TEditContext& doc)
     --Position;
     doc.GetGraph()->SetTypeRecord(nullptr);
     RestoreTypes(graph, op.GetFormer().Types);
+    vector<TFormerType> settled;
+    doc.GetGraph()->SetTypeRecord(&settled);
     op.Undo(doc);
-    RestoreTypes(graph, op.GetFormer().Types);
+    doc.GetGraph()->SetTypeRecord(nullptr);
+    if (op.GetFormer().KnowsTypes)
+        RestoreTypes(graph, settled);
     return true;
 }
 
@@ -247,6 +257,12 @@ void TOperationStack::Recall()
 {
     for (int i = 0; i < Position; ++i)
         Operations[i]->Recall();
+}
+
+void TOperationStack::RecordTypes(TEffectGraph& graph) const
+{
+    if (Position > 0)
+        RecordTypes(graph, *Operations[Position - 1]);
 }
 
 bool TOperationStack::Check() const

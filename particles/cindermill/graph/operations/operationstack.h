@@ -43,6 +43,9 @@ public:
 
     // After a load.
     void Recall();
+    // Tells the operation that was done last what the graph settles from now on, up to the next step: for a
+    // load, which settles all types.
+    void RecordTypes(TEffectGraph& graph) const;
 
     int GetNumOperations() const { return Operations.size(); }
     TOperation* GetOperation(int i) const { return Operations[i]; }
@@ -56,6 +59,7 @@ private:
     unsigned MakeGesture();
     bool AreOneStep(int first, int second) const;
     bool CanMerge(const TOperation& op) const;
+    static void RecordTypes(TEffectGraph& graph, TOperation& op);
     void DoOne(TEditContext& doc, TOperation& op);
     bool UndoOne(TEditContext& doc);
     bool RedoOne(TEditContext& doc);

@@ -20,6 +20,14 @@ int CompareLines(const TTextLines& a, const TTextLines& b)
     return a.size() - b.size();
 }
 
+uint32_t HashLines(const TString& className, const TTextLines& lines)
+{
+    uint32_t hash = HashText(className.Print());
+    for (const TTextLine& line : lines)
+        hash = HashNumber(HashNumber(hash ^ HashText(line.Label.Print())) ^ HashText(line.Value.Print()));
+    return hash;
+}
+
 int CompareNumbers(int a, int b)
 {
     return a < b ? -1 : a > b ? 1 : 0;
@@ -96,9 +104,11 @@ TEffectText::TEffectText(const TEffectGraph& graph)
 {
     vector<TEffectNode*> sorted;
     GetSortedNodes(graph, sorted);
+    TypeIndex.Reset(new THashIndex(sorted.size()));
     MakeRoom(Nodes, sorted.size());
     for (int i = 0; i < sorted.size(); ++i)
         AddNode(*sorted[i], i);
+    TypeIndex.Reset();
     SortNodes();
     NameNodes();
     SortTypes();
@@ -137,9 +147,13 @@ void TEffectText::AddNode(const TEffectNode& node, int order)
 
 int TEffectText::FindOrAddType(const TNodeType& type, TTextLines& lines)
 {
-    for (int i = 0; i < Types.size(); ++i)
-        if (Types[i].ClassName == type.ClassName && CompareLines(Types[i].Lines, lines) == 0)
-            return i;
+    const uint32_t hash = HashLines(type.ClassName, lines);
+    const int found = TypeIndex->Find(hash, [&](int i) {
+        return Types[i].ClassName == type.ClassName && CompareLines(Types[i].Lines, lines) == 0;
+    });
+    if (found != -1)
+        return found;
+    TypeIndex->Add(Types.size(), hash);
     TTypeText text;
     text.ClassName = type.ClassName;
     text.Lines.swap(lines);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "library/containers/hashindex.h"
+#include "library/containers/owner.h"
 #include "particles/cindermill/graph/text/textline.h"
 #include "particles/effectgraph/effectgraph.h"
 
@@ -64,5 +66,7 @@ private:
 
     vector<TNodeText> Nodes;
     vector<TTypeText> Types;
+    // While nodes are added.
+    TOwner<THashIndex> TypeIndex;
     vector<int> Order;
 };

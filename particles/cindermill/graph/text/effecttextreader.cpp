@@ -7,6 +7,7 @@
 #include "particles/cindermill/graph/text/effecttext.h"
 #include "particles/cindermill/graph/text/valuedraft.h"
 #include "particles/effectgraph/unsortedorder.h"
+#include "particles/effectgraph/xmltext.h"
 
 namespace {
 
@@ -14,6 +15,10 @@ constexpr const char* Title = "cindermill effect ";
 constexpr const char* Version = "1";
 // Part of a line that a fault quotes.
 constexpr int ShownLength = 200;
+// What a line has beside its label and its value: how far it is indented, a colon, a space and its end.
+constexpr int LineOverhead = 5;
+// Of a node: its type and its place.
+constexpr int NumHeadLines = 2;
 
 const char* SkipEmptyLines(const char* text)
 {
@@ -27,6 +32,14 @@ bool IsWordCharacter(char c)
     return c == '_' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
+// The points of a curve, and the wires of an output. The rest of a label follows the names in it.
+bool MayRepeat(const TString& rest)
+{
+    TTextCursor cursor(rest);
+    int curve = 0;
+    return cursor.TakeLast(" to") || (cursor.Take(" curve ") && cursor.TakeInt(curve) && cursor.IsAtEnd());
+}
+
 // The name of the run-time class that a type's key begins with.
 bool TakeClassName(TTextCursor& cursor, TString& name)
 {
@@ -38,7 +51,7 @@ bool TakeClassName(TTextCursor& cursor, TString& name)
     while (IsWordCharacter(rest.Print()[length]))
         ++length;
     name.Assign(begin, begin + length);
-    return length > 0 && cursor.Take(name.Print());
+    return length > 0 && length <= MaxTextLength && cursor.Take(name.Print());
 }
 
 } // namespace
@@ -51,6 +64,29 @@ bool IsEffectText(const char* text)
 TEffectTextReader::TEffectTextReader() = default;
 
 TEffectTextReader::~TEffectTextReader() = default;
+
+bool TEffectTextReader::CanRead(const TEffectText& effect)
+{
+    if (effect.GetNumNodes() > MaxNodes || effect.GetNumTypes() > MaxTypes)
+        return false;
+    vector<int> lengths;
+    for (int i = 0; i < effect.GetNumTypes(); ++i) {
+        int length = 0;
+        for (const TTextLine& line : effect.GetType(i).Lines)
+            length += line.Label.Length() + line.Value.Length() + LineOverhead;
+        Append(lengths, length);
+    }
+    int64_t numLines = 0;
+    int64_t length = 0;
+    for (int i = 0; i < effect.GetNumNodes(); ++i) {
+        const TNodeText& node = effect.GetNode(i);
+        numLines += effect.GetType(node.Type).Lines.size();
+        length += lengths[node.Type];
+        if (!TTypeDraft::CanHold(*node.Node->GetNodeType()))
+            return false;
+    }
+    return numLines <= MaxTypeLines && length <= MaxTypeLength;
+}
 
 bool TEffectTextReader::Fail(const TLine& line, const char* what)
 {
@@ -157,7 +193,7 @@ bool TEffectTextReader::TakeIndented(const TLine& line, TTextCursor& cursor)
 
 bool TEffectTextReader::ReadTypes()
 {
-    TypeKeys.Reset(new TKeyIndex(TypeSections.size()));
+    TypeKeys.Reset(new TKeyIndex);
     for (const TSection& section : TypeSections) {
         TTextCursor head(section.Key);
         TString className;
@@ -173,20 +209,34 @@ bool TEffectTextReader::ReadTypes()
             if (!TakeIndented(Lines[i], cursor) || !type->AddLine(cursor))
                 return Fail(Lines[i], "No node type has this");
         }
+        Append(NumValueLines, type->GetNumValueLines());
     }
     return true;
 }
 
 bool TEffectTextReader::ReadNodes()
 {
-    NodeKeys.Reset(new TKeyIndex(NodeSections.size()));
+    NodeKeys.Reset(new TKeyIndex);
     for (const TSection& section : NodeSections)
         if (!ReadNode(section))
             return false;
     return true;
 }
 
-bool TEffectTextReader::ReadNodeHead(const TSection& section, TToolNode*& node, int& type)
+// A node may take far more memory than its lines do.
+bool TEffectTextReader::CountType(const TSection& section, int type)
+{
+    const TSection& typeSection = TypeSections[type];
+    if (section.GetNumLines() - NumHeadLines < NumValueLines[type])
+        return Fail(section.Head, "The node tells less than its type has");
+    NumTypeLines += typeSection.GetNumLines();
+    TypeLength += static_cast<int>(Lines[typeSection.End - 1].End - typeSection.Head.Begin);
+    if (NumTypeLines <= MaxTypeLines && TypeLength <= MaxTypeLength)
+        return true;
+    return Fail(section.Head, "The types of all nodes come to too much");
+}
+
+bool TEffectTextReader::ReadNodeHead(const TSection& section, int& type, int& x, int& y)
 {
     TTextCursor head(section.Key);
     TString name;
@@ -202,45 +252,49 @@ bool TEffectTextReader::ReadNodeHead(const TSection& section, TToolNode*& node, 
     type = TypeKeys->Find(cursor.GetRest());
     if (type == -1)
         return Fail(Lines[section.First], "The text has no such type");
-    int x = 0;
-    int y = 0;
     if (section.First + 1 >= section.End || !TakeIndented(Lines[section.First + 1], cursor) ||
         !cursor.Take("place: ") || !cursor.TakeInt(x) || !cursor.Take(" ") || !cursor.TakeInt(y) ||
         !cursor.IsAtEnd())
         return Fail(Lines[section.First], "The next line is to tell the node's place");
-    node = new TToolNode;
-    Nodes.push_back(node);
-    node->Create(nullptr, Types[type]->GetType(), x, y, false);
-    node->GetNodeType()->Name = name;
-    return true;
+    return CountType(section, type);
 }
 
 bool TEffectTextReader::ReadNode(const TSection& section)
 {
-    TToolNode* node = nullptr;
     int type = 0;
-    if (!ReadNodeHead(section, node, type))
+    int x = 0;
+    int y = 0;
+    if (!ReadNodeHead(section, type, x, y))
         return false;
+    TTextCursor head(section.Key);
+    TToolNode* node = new TToolNode;
+    Nodes.push_back(node);
+    node->Create(nullptr, Types[type]->GetType(), x, y, false);
+    head.TakeName(node->GetNodeType()->Name);
     Append(NodeTypes, type);
     Append(FirstInput, NumInputs);
     NumInputs += node->GetNumInputs();
     TValueDraft values(*Types[type], *node->GetNodeType());
-    for (int i = section.First + 2; i < section.End; ++i)
-        if (!ReadNodeLine(Lines[i], values))
+    TKeyIndex labels;
+    for (int i = section.First + NumHeadLines; i < section.End; ++i)
+        if (!ReadNodeLine(Lines[i], labels, values))
             return false;
     values.Finish();
     return true;
 }
 
-bool TEffectTextReader::ReadNodeLine(const TLine& line, TValueDraft& values)
+bool TEffectTextReader::ReadNodeLine(const TLine& line, TKeyIndex& labels, TValueDraft& values)
 {
     TTextCursor cursor;
     TTextCursor label;
     if (!TakeIndented(line, cursor) || !cursor.TakeLabel(label))
         return Fail(line, "A line of a node is a label, a colon and a value");
+    const TString whole = label.GetRest();
     const TString path = label.TakePath();
     const TString rest = label.GetRest();
     TTextCursor port(path);
+    if (!MayRepeat(rest) && !labels.Add(whole))
+        return Fail(line, "The node tells this twice");
     const bool isInput = IsText(rest, " from") && port.Take("input ");
     if (!isInput && (!IsText(rest, " to") || !port.Take("output "))) {
         if (values.AddLine(path, rest, cursor))
@@ -395,7 +449,5 @@ bool TEffectTextReader::CompareText(const TEffectGraph& graph)
     }
     if (written.IsAtEnd())
         return true;
-    TString expected;
-    written.TakeLine(expected);
     return Fail(Lines.back(), "The text ends too early, behind");
 }

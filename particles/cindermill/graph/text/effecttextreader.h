@@ -6,6 +6,7 @@
 
 class TChunkFile;
 class TEffectGraph;
+class TEffectText;
 class TToolNode;
 class TValueDraft;
 
@@ -17,10 +18,16 @@ bool IsEffectText(const char* text);
 class TEffectTextReader
 {
 public:
+    // Whether an effect is within the bounds below, so that its text can be read.
+    static bool CanRead(const TEffectText& effect);
+
     // Beyond these a text is no effect that anyone has made.
     static constexpr int MaxLength = 16 << 20;
     static constexpr int MaxNodes = 16384;
     static constexpr int MaxTypes = 2048;
+    // What the sections of the nodes' types come to, counted once for each node, which has a copy of its own.
+    static constexpr int MaxTypeLines = 2000000;
+    static constexpr int MaxTypeLength = 256 << 20;
 
     TEffectTextReader();
     ~TEffectTextReader();
@@ -43,6 +50,8 @@ private:
     // Of lines, without the one with its name.
     struct TSection
     {
+        int GetNumLines() const { return End - First; }
+
         TLine Head;
         TString Key;
         int First = 0;
@@ -72,8 +81,9 @@ private:
     bool ReadTypes();
     bool ReadNodes();
     bool ReadNode(const TSection& section);
-    bool ReadNodeHead(const TSection& section, TToolNode*& node, int& type);
-    bool ReadNodeLine(const TLine& line, TValueDraft& values);
+    bool ReadNodeHead(const TSection& section, int& type, int& x, int& y);
+    bool CountType(const TSection& section, int type);
+    bool ReadNodeLine(const TLine& line, TKeyIndex& labels, TValueDraft& values);
     bool ReadInputs();
     bool ReadOutputs();
     bool ReadEnd(const TWireLine& line, int& node, TString& port);
@@ -91,6 +101,10 @@ private:
     TOwner<TKeyIndex> TypeKeys;
     TOwner<TKeyIndex> NodeKeys;
     TOwnerList<TTypeDraft> Types;
+    // By type: lines that each node has at the least.
+    vector<int> NumValueLines;
+    int NumTypeLines = 0;
+    int TypeLength = 0;
     // As they stand in the text, until the chunk file has them.
     TOwnerList<TToolNode> Nodes;
     // By node: its type, and where its inputs stand among those of all.

@@ -2,16 +2,42 @@
 
 #include "library/containers/append.h"
 
+static constexpr int FirstRoom = 8;
+
+TKeyIndex::TKeyIndex()
+{
+    Grow();
+}
+
+// Case counts, unlike in HashText.
+uint32_t TKeyIndex::GetHash(const TString& key)
+{
+    uint32_t hash = 2166136261u;
+    for (const char* at = key.Print(); *at != '\0'; ++at)
+        hash = (hash ^ static_cast<uint8_t>(*at)) * 16777619u;
+    return HashNumber(hash);
+}
+
+void TKeyIndex::Grow()
+{
+    Room = Room == 0 ? FirstRoom : 2 * Room;
+    Index.Reset(new THashIndex(Room));
+    for (int i = 0; i < Keys.size(); ++i)
+        Index->Add(i, GetHash(Keys[i]));
+}
+
 bool TKeyIndex::Add(const TString& key)
 {
     if (Find(key) != -1)
         return false;
-    Index.Add(Keys.size(), HashText(key.Print()));
+    if (Keys.size() == Room)
+        Grow();
+    Index->Add(Keys.size(), GetHash(key));
     Append(Keys, key);
     return true;
 }
 
 int TKeyIndex::Find(const TString& key) const
 {
-    return Index.Find(HashText(key.Print()), [&](int i) { return Keys[i] == key; });
+    return Index->Find(GetHash(key), [&](int i) { return Keys[i] == key; });
 }

@@ -1,6 +1,5 @@
 #include "particles/cindermill/graph/text/parametertext.h"
 
-#include "library/containers/hashindex.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/rampparameter.h"
@@ -36,14 +35,9 @@ TString QuotedText(const TString& value)
 
 TString TNumberedNames::Add(const TString& name)
 {
-    const uint32_t hash = HashText(name.Print());
-    int number = 1;
-    for (int i = 0; i < Names.size(); ++i)
-        if (Hashes[i] == hash && Names[i] == name)
-            ++number;
-    Append(Names, name);
-    Append(Hashes, hash);
-    return QuoteNumbered(name, number);
+    if (Names.Add(name))
+        Append(Counts, 0);
+    return QuoteNumbered(name, ++Counts[Names.Find(name)]);
 }
 
 void TParameterText::AddValue(const TString& label, const char* rest, const TString& value)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "particles/cindermill/graph/text/keyindex.h"
 #include "particles/cindermill/graph/text/textline.h"
 #include "particles/effectgraph/nodeparameter.h"
 
@@ -40,7 +41,7 @@ public:
     TString Add(const TString& name);
 
 private:
-    vector<TString> Names;
-    // Of the names, which most others differ from in it.
-    vector<uint32_t> Hashes;
+    TKeyIndex Names;
+    // By name: how many there were.
+    vector<int> Counts;
 };

@@ -1,6 +1,7 @@
 #include "particles/cindermill/graph/text/textcursor.h"
 
 #include "library/containers/append.h"
+#include "particles/effectgraph/xmltext.h"
 
 #include <bit>
 #include <charconv>
@@ -62,7 +63,7 @@ bool TTextCursor::TakeQuoted(TString& text)
             char character = *At++;
             if (character == '"')
                 isWhole = true;
-            else if (character == '\\' && !TakeEscaped(character))
+            else if (found.size() == MaxTextLength || (character == '\\' && !TakeEscaped(character)))
                 break;
             else
                 Append(found, character);
@@ -159,10 +160,12 @@ TString TTextCursor::TakePath()
     TTextCursor scan = *this;
     while (!scan.IsAtEnd()) {
         TString name;
-        if (scan.TakeName(name))
+        if (*scan.At != '"')
+            ++scan.At;
+        else if (scan.TakeName(name))
             last = scan.At;
         else
-            ++scan.At;
+            break;
     }
     TString path;
     path.Assign(At, last);

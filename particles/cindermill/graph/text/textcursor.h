@@ -24,7 +24,8 @@ public:
     bool Take(const char* text);
     // All that is left, if it is this.
     bool TakeLast(const char* text);
-    // A text in quotes, without them and with what is escaped in it put back.
+    // A text in quotes, without them and with what is escaped in it put back. None that is longer than a file
+    // can hold.
     bool TakeQuoted(TString& text);
     // A name in quotes, and the number behind it, which is told where several share the name.
     bool TakeName(TString& name);
@@ -36,7 +37,8 @@ public:
     bool TakeLabel(TTextCursor& label);
     // Up to the next line end, and the cursor behind it.
     void TakeLine(TString& line);
-    // Up to the end of the last name in quotes; nothing if there is none.
+    // Up to the end of the last name in quotes, or the last ahead of one that is broken; nothing if there is
+    // none.
     TString TakePath();
 
 private:

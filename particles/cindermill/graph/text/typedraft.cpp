@@ -8,8 +8,6 @@
 
 namespace {
 
-// Those in groups counted; a text is not to take the machine's time.
-constexpr int MaxParameters = 4096;
 constexpr int NumColours = 4;
 
 bool TakeType(TTextCursor& cursor, int& type)
@@ -48,6 +46,26 @@ bool TakeTypes(TTextCursor cursor, uint32_t& mask)
     return true;
 }
 
+// The positions tell the enumerations of a type apart.
+TString GetEntryKey(int parameter, const TString& name)
+{
+    TString key;
+    key.Format("%d ", parameter);
+    key += name;
+    return key;
+}
+
+// How many lines the value of a parameter takes at the least; the points of a ramp come on top.
+int GetNumLinesOf(const TNodeParameter& parameter)
+{
+    int count = 1;
+    if (parameter.Type == PK_ANIMATION)
+        count = 4;
+    for (int type = 0; type < TY_POLYTYPE && parameter.Type == TY_POLYTYPE; ++type)
+        count += static_cast<const TNodePolytypeParameter&>(parameter).IsTypeValid(type) ? 1 : 0;
+    return count;
+}
+
 void AddParametersOf(const vector<TNodeParameter*>& list, vector<TNodeParameter*>& result)
 {
     for (TNodeParameter* parameter : list) {
@@ -64,21 +82,44 @@ TTypeDraft::TTypeDraft(const TString& className) : Type(new TNodeType)
     Type->ClassName = className;
 }
 
+bool TTypeDraft::CanHold(const TNodeType& type)
+{
+    vector<TNodeParameter*> parameters;
+    GetParameters(type, parameters);
+    if (parameters.size() > MaxParameters || type.Interfaces.size() > TNodeType::MaxPorts)
+        return false;
+    for (const TNodeParameter* parameter : parameters) {
+        int count = 0;
+        if (parameter->Type == PK_ENUM)
+            count = static_cast<const TNodeEnumParameter*>(parameter)->GetValues().size();
+        else if (parameter->Type == PK_GROUP)
+            count = static_cast<const TNodeGroupParameter*>(parameter)->GetChildren().size();
+        if (count > TNodeType::MaxPorts)
+            return false;
+    }
+    return true;
+}
+
 void TTypeDraft::GetParameters(const TNodeType& type, vector<TNodeParameter*>& result)
 {
     AddParametersOf(type.Parameters, result);
     AddParametersOf(type.Inputs, result);
 }
 
-int TTypeDraft::FindParameter(const TString& label, int from) const
+int TTypeDraft::FindEntry(int parameter, const TString& name) const
 {
-    const int count = Labels.size();
-    for (int i = 0; i < count; ++i) {
-        const int at = (from + i) % count;
-        if (Labels[at] == label)
-            return at;
-    }
-    return -1;
+    const int index = EntryKeys.Find(GetEntryKey(parameter, name));
+    return index != -1 ? EntryPlaces[index] : -1;
+}
+
+int TTypeDraft::GetNumValueLines() const
+{
+    int count = 0;
+    for (const TNodeParameter* parameter : Parameters)
+        count += GetNumLinesOf(*parameter);
+    for (const TOutputPort& output : Type->Outputs)
+        count += output.Type == TY_POLYTYPE ? 1 : 0;
+    return count;
 }
 
 bool TTypeDraft::AddLine(TTextCursor line)
@@ -93,10 +134,10 @@ bool TTypeDraft::AddLine(TTextCursor line)
         return AddTypeLine(label, line);
     if (kind.Take("output "))
         return AddOutputLine(path, rest, line);
-    if (rest.IsEmpty() && FindParameter(path, 0) == -1)
-        return AddParameter(path, line);
-    const int index = FindParameter(path, Labels.size() - 1);
-    return index != -1 && AddParameterLine(*Parameters[index], rest, line);
+    const int index = FindParameter(path);
+    if (index == -1)
+        return rest.IsEmpty() && AddParameter(path, line);
+    return AddParameterLine(index, rest, line);
 }
 
 bool TTypeDraft::AddTypeLine(const TTextCursor& label, TTextCursor value)
@@ -116,7 +157,7 @@ bool TTypeDraft::AddTypeLine(const TTextCursor& label, TTextCursor value)
         return TakeLastInt(value, Type->NumOwnParameters);
     if (IsText(name, "interface")) {
         TString text;
-        if (!TakeLastQuoted(value, text))
+        if (Type->Interfaces.size() >= TNodeType::MaxPorts || !TakeLastQuoted(value, text))
             return false;
         Append(Type->Interfaces, text);
         return true;
@@ -164,7 +205,7 @@ bool TTypeDraft::AddParameter(const TString& label, TTextCursor value)
         TString part;
         part.Assign(start, cursor.GetPosition());
         path += part;
-        const int index = FindParameter(path, 0);
+        const int index = FindParameter(path);
         if (index == -1 || Parameters[index]->Type != PK_GROUP)
             return false;
         group = static_cast<TNodeGroupParameter*>(Parameters[index]);
@@ -184,25 +225,26 @@ bool TTypeDraft::AddParameter(const TString& label, TTextCursor value)
             group->AddChild(parameter);
         else
             Append(*list, parameter);
-        Append(Labels, label);
+        Labels.Add(label);
         Append(Parameters, parameter);
         if (isInput) {
             TString port;
             port.Assign(label.Print() + std::strlen("input "), label.Print() + label.Length());
-            Append(InputLabels, port);
+            InputLabels.Add(port);
         }
         return true;
     }
     return false;
 }
 
-bool TTypeDraft::AddParameterLine(TNodeParameter& parameter, const TString& rest, TTextCursor value)
+bool TTypeDraft::AddParameterLine(int index, const TString& rest, TTextCursor value)
 {
+    TNodeParameter& parameter = *Parameters[index];
     if (IsText(rest, " description"))
         return TakeLastQuoted(value, parameter.Description);
     switch (parameter.Type) {
     case PK_ENUM:
-        return IsText(rest, " entry") && AddEntry(parameter, value);
+        return IsText(rest, " entry") && AddEntry(index, value);
     case PK_RAMP:
     case PK_POLYRAMP:
         return AddRampLine(parameter, rest, value);
@@ -213,13 +255,18 @@ bool TTypeDraft::AddParameterLine(TNodeParameter& parameter, const TString& rest
     }
 }
 
-bool TTypeDraft::AddEntry(TNodeParameter& parameter, TTextCursor value)
+bool TTypeDraft::AddEntry(int index, TTextCursor value)
 {
-    TNodeEnumParameter& choice = static_cast<TNodeEnumParameter&>(parameter);
+    TNodeEnumParameter& choice = static_cast<TNodeEnumParameter&>(*Parameters[index]);
     TNodeEnumParameter::TEntry entry;
-    if (choice.GetValues().size() >= TNodeType::MaxPorts || !value.TakeName(entry.Name) || !value.Take(" ") ||
-        !TakeLastInt(value, entry.Number))
+    const char* begin = value.GetPosition();
+    if (choice.GetValues().size() >= TNodeType::MaxPorts || !value.TakeName(entry.Name))
         return false;
+    TString name;
+    name.Assign(begin, value.GetPosition());
+    if (!value.Take(" ") || !TakeLastInt(value, entry.Number) || !EntryKeys.Add(GetEntryKey(index, name)))
+        return false;
+    Append(EntryPlaces, choice.GetValues().size());
     choice.AddEntry(entry);
     return true;
 }
@@ -291,7 +338,7 @@ bool TTypeDraft::AddOutputLine(const TString& label, const TString& rest, TTextC
         output.ValidTypes = 1u << output.Type;
     }
     Append(Type->Outputs, output);
-    Append(OutputLabels, port);
+    OutputLabels.Add(port);
     return true;
 }
 

@@ -1,7 +1,6 @@
 #include "particles/cindermill/graph/text/valuedraft.h"
 
 #include "library/containers/append.h"
-#include "particles/cindermill/graph/text/parametertext.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
@@ -43,11 +42,8 @@ bool TValueDraft::AddLine(const TString& path, const TString& rest, TTextCursor 
     TTextCursor kind(path);
     if (kind.Take("output "))
         return IsText(rest, " type") && AddOutput(kind.GetRest(), value);
-    const int index = Draft.FindParameter(path, Last);
-    if (index == -1)
-        return false;
-    Last = index;
-    return AddValue(*Parameters[index], rest, value);
+    const int index = Draft.FindParameter(path);
+    return index != -1 && AddValue(index, rest, value);
 }
 
 bool TValueDraft::AddProperty(const TString& name, TTextCursor value)
@@ -96,8 +92,9 @@ bool TValueDraft::AddOutput(const TString& path, TTextCursor value)
     return false;
 }
 
-bool TValueDraft::AddValue(TNodeParameter& parameter, const TString& rest, TTextCursor value)
+bool TValueDraft::AddValue(int index, const TString& rest, TTextCursor value)
 {
+    TNodeParameter& parameter = *Parameters[index];
     switch (parameter.Type) {
     case TY_POLYTYPE:
         return AddPolytype(parameter, rest, value);
@@ -136,25 +133,23 @@ bool TValueDraft::AddValue(TNodeParameter& parameter, const TString& rest, TText
         static_cast<TNodeTextureParameter&>(parameter).SetValue(text);
         return true;
     case PK_ENUM:
-        return AddChoice(parameter, value);
+        return AddChoice(index, value);
     default:
         return TakeFloatsOf(value, static_cast<TNodeValueParameter&>(parameter));
     }
 }
 
-bool TValueDraft::AddChoice(TNodeParameter& parameter, TTextCursor value)
+bool TValueDraft::AddChoice(int index, TTextCursor value)
 {
-    TNodeEnumParameter& choice = static_cast<TNodeEnumParameter&>(parameter);
-    const TString chosen = value.GetRest();
-    TNumberedNames names;
-    const vector<TNodeEnumParameter::TEntry>& entries = choice.GetValues();
-    for (int i = 0; i < entries.size(); ++i)
-        if (names.Add(entries[i].Name) == chosen) {
-            choice.SetValue(i);
-            return true;
-        }
+    TNodeEnumParameter& choice = static_cast<TNodeEnumParameter&>(*Parameters[index]);
     // Without entries the position is the first, and nothing has a name.
-    return entries.empty() && value.TakeLast("0");
+    if (choice.GetValues().empty())
+        return value.TakeLast("0");
+    const int entry = Draft.FindEntry(index, value.GetRest());
+    if (entry == -1)
+        return false;
+    choice.SetValue(entry);
+    return true;
 }
 
 bool TValueDraft::AddAnimation(TNodeParameter& parameter, const TString& rest, TTextCursor value)

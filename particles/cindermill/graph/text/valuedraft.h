@@ -18,8 +18,8 @@ public:
 private:
     bool AddProperty(const TString& name, TTextCursor value);
     bool AddOutput(const TString& path, TTextCursor value);
-    bool AddValue(TNodeParameter& parameter, const TString& rest, TTextCursor value);
-    static bool AddChoice(TNodeParameter& parameter, TTextCursor value);
+    bool AddValue(int index, const TString& rest, TTextCursor value);
+    bool AddChoice(int index, TTextCursor value);
     static bool AddAnimation(TNodeParameter& parameter, const TString& rest, TTextCursor value);
     static bool AddPolytype(TNodeParameter& parameter, const TString& rest, TTextCursor value);
     bool AddRamp(TNodeParameter& parameter, const TString& rest, TTextCursor value);
@@ -28,8 +28,6 @@ private:
     const TTypeDraft& Draft;
     TNodeType& Type;
     vector<TNodeParameter*> Parameters;
-    // Where the last line's parameter stands: the next one is that or the one behind.
-    int Last = 0;
     // The curve that is being read.
     TNodeRampParameter* Ramp = nullptr;
     int Curve = 0;

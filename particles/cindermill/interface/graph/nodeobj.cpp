@@ -434,7 +434,7 @@ void TNodeObj::FollowPress(const TVector2& point, const TRenderer* view)
 void TNodeObj::FinishPress(const TVector2& point, const TRenderer* view)
 {
     ReleaseButton();
-    // The view stands still under the mouse, which may press again.
+    // The view stands still under the mouse.
     if (HitsButton(point, view))
         ToggleOpen();
 }

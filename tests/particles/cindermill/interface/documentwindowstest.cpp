@@ -261,7 +261,7 @@ TEST_F(DocumentWindows, ShortcutsPressedInTheEffectsDisplayAreThoseOfTheDocument
     EXPECT_EQ(App.Get().GetActiveDocument(), other);
 }
 
-TEST_F(DocumentWindows, DisplaysOfOneNameHaveNumbersAsLongAsThereAreSeveral)
+TEST_F(DocumentWindows, DisplaysOfOneTitleHaveNumbersAsLongAsThereAreSeveral)
 {
     TDocument* first = NewDocument();
     TDocument* second = NewDocument();
@@ -269,25 +269,24 @@ TEST_F(DocumentWindows, DisplaysOfOneNameHaveNumbersAsLongAsThereAreSeveral)
     EXPECT_EQ(DisplayTitle(first), "Effect Display - [doc]");
     EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc] (2)");
     EXPECT_EQ(DisplayTitle(third), "Effect Display - [doc] (3)");
-    // An edit makes no other display of it.
+    // The star tells it apart; the two that are left keep what they are called.
     AddNode(*second, "Gravity", 0, 0);
-    EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc*] (2)");
-    AddNode(*first, "Gravity", 0, 0);
-    EXPECT_EQ(DisplayTitle(first), "Effect Display - [doc*]");
-    // The two that are left can be told apart, each by what it was called before.
-    first->SetModified(false);
-    App.Get().CloseDocument(first);
-    EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc*] (2)");
+    EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc*]");
     EXPECT_EQ(DisplayTitle(third), "Effect Display - [doc] (3)");
+    AddNode(*first, "Gravity", 0, 0);
+    EXPECT_EQ(DisplayTitle(first), "Effect Display - [doc*] (2)");
+    EXPECT_EQ(DisplayTitle(third), "Effect Display - [doc]");
+    // With the other's close the number goes.
+    second->SetModified(false);
+    App.Get().CloseDocument(second);
+    EXPECT_EQ(DisplayTitle(first), "Effect Display - [doc*]");
+    // With its new name too, and a number that is free again is taken.
+    TDocument* fourth = NewDocument();
+    EXPECT_EQ(DisplayTitle(fourth), "Effect Display - [doc] (2)");
     const std::string path = App.Path("named.effect");
     ASSERT_TRUE(third->SaveAs(path.c_str()));
     EXPECT_EQ(DisplayTitle(third), "Effect Display - [" + path + "]");
-    EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc*]");
-    // A place that is free again is taken.
-    TDocument* fourth = NewDocument();
-    EXPECT_EQ(DisplayTitle(fourth), "Effect Display - [doc] (2)");
-    App.Get().CloseDocument(fourth);
-    EXPECT_EQ(DisplayTitle(second), "Effect Display - [doc*]");
+    EXPECT_EQ(DisplayTitle(fourth), "Effect Display - [doc]");
 }
 
 TEST_F(DocumentWindows, ADisplayThatComesBackStaysInFrontAsTheFirstTime)

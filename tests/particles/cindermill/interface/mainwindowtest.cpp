@@ -358,6 +358,10 @@ TEST_F(MainWindow, TheEditMenuOffersWhatHasSomethingToDo)
     TAddGraphNodeOp* op = new TAddGraphNodeOp(document, App.Type("Age"), 10, 20);
     document.ApplyOperation(op);
     EXPECT_EQ(EditEntries(), (TNames{"57643", focusAll}));
+    // It does what the key does in a text or a ramp.
+    Host.HasControl = true;
+    EXPECT_EQ(EditEntries(), (TNames{"57643", "40002", focusAll}));
+    Host.HasControl = false;
     document.SelectNode(op->GetNode(), true);
     EXPECT_EQ(EditEntries(), (TNames{"57643", "57635", "57634", "40002", "40213", focusAll}));
     App.Get().OnMenu(MI_COPY);
@@ -365,11 +369,8 @@ TEST_F(MainWindow, TheEditMenuOffersWhatHasSomethingToDo)
     EXPECT_EQ(EditEntries(), (TNames{"57643", "57637", focusAll}));
     App.Get().OnMenu(MI_UNDO);
     EXPECT_EQ(EditEntries(), (TNames{"57644", "57637", focusAll}));
-    // What another program copies is none of ours, or is.
-    const std::string nodes = desktop.Text;
+    // Whatever another program copies, what was copied here is at hand.
     desktop.Put("1, 2");
-    EXPECT_EQ(EditEntries(), (TNames{"57644", focusAll}));
-    desktop.Put(nodes);
     EXPECT_EQ(EditEntries(), (TNames{"57644", "57637", focusAll}));
     // Another window is the active one.
     App.Get().SetActiveDocWindow(nullptr, nullptr);

@@ -59,7 +59,9 @@ TEST_F(RampWindow, WhileARampHasTheFocusTheKeysOfTheClipboardAreItsPoints)
     TGraphWindow& graph = GraphOf(*Document);
     const int steps = Document->GetOperationStack()->GetNumOperations();
     const std::vector<TRampPoint> before(Parameter->GetCurve(0).begin(), Parameter->GetCurve(0).end());
+    EXPECT_FALSE(graph.TakesDelete());
     ClickPoint(3);
+    EXPECT_TRUE(graph.TakesDelete());
     Key(graph, Qt::Key_C, Qt::ControlModifier);
     EXPECT_TRUE(App.Get().GetClipboard().IsEmpty());
     TString text;

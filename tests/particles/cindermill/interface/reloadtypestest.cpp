@@ -229,10 +229,10 @@ TEST_F(ReloadTypes, PreviewsOfOneNameHaveTitlesOfTheirOwn)
     EXPECT_EQ(title(*second), "Effect Display - [doc] (2)");
     EXPECT_EQ(title(*third), "Effect Display - [doc] (3)");
     AddNode(*second, "Gravity", 0, 0);
-    EXPECT_EQ(title(*second), "Effect Display - [doc*] (2)");
+    EXPECT_EQ(title(*second), "Effect Display - [doc*]");
     EXPECT_EQ(TitleOf(ViewOf(*second)), "doc*");
     AddNode(*first, "Gravity", 0, 0);
-    EXPECT_EQ(title(*first), "Effect Display - [doc*]");
+    EXPECT_EQ(title(*first), "Effect Display - [doc*] (2)");
 }
 
 TEST_F(ReloadTypes, AltAndAClickOnATabShowTheGroupAlone)

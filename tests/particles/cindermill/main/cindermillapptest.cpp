@@ -48,4 +48,7 @@ TEST(DisplayErrors, GoToTheLogWithoutAWindowSystem)
     errors.Add(new TError("first"));
     errors.Add(new TError("second"));
     EXPECT_EQ(LogOf([&] { DisplayErrors("Title", errors); }), "Title:\nfirst\nsecond\n");
+    TErrorList broken;
+    broken.Add(new TError("of a\x1B[2J name\nof two lines"));
+    EXPECT_EQ(LogOf([&] { DisplayErrors("Title", broken); }), "Title:\nof a [2J name of two lines\n");
 }

@@ -123,6 +123,12 @@ TEST_F(CrashReport, ThreadsThatEndLeaveNothingBehind)
     EXPECT_EQ(end.Status, 0) << end.Output;
 }
 
+TEST_F(CrashReport, AThreadThatStartsLeavesTheLoaderAlone)
+{
+    const TEnd end = Run({"loader-error"});
+    EXPECT_EQ(end.Status, 0) << end.Output;
+}
+
 TEST_F(CrashReport, EachSignalHasItsName)
 {
     Fail("illegal", Expected("an Illegal Instruction", SIGILL));

@@ -3,7 +3,13 @@
 #include "support/dice.h"
 #include "support/randomgraph.h"
 
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
+#include "particles/cindermill/graph/operations/changegraphedgeop.h"
+#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/effectgraph/polytypeparameter.h"
 
 #include <sstream>
 
@@ -28,7 +34,11 @@ protected:
         EXPECT_TRUE(document.SaveAs(path.c_str()));
         return path;
     }
-    // All lists of the graph, by the places of things in the file.
+    static int UserType(const TEffectNode& node, int input)
+    {
+        return static_cast<TNodePolytypeParameter*>(node.GetNodeType()->GetInput(input))->GetDefaultType();
+    }
+    // All lists and types of the graph, by the places of things in the file.
     static std::string Describe(TDocument& document)
     {
         std::ostringstream text;
@@ -36,6 +46,9 @@ protected:
         for (int i = 0; i < graph.GetNumNodes(); ++i) {
             const TEffectNode& node = *graph.GetNode(i);
             text << "node " << node.ChunkIdx << " " << node.GetNodeType()->Name.Print() << "\n";
+            for (int p = 0; p < node.GetNumInputs(); ++p)
+                if (node.GetNodeType()->GetBasicInputType(p) == TY_POLYTYPE)
+                    text << " in " << p << " type " << UserType(node, p) << "\n";
             for (int p = 0; p < node.GetNumOutputs(); ++p) {
                 const TOutputPort& output = node.GetNodeType()->GetOutput(p);
                 text << " out " << p << " type " << output.DefaultType << ":";
@@ -108,6 +121,58 @@ TEST_F(Histories, OfAFilledGraphAreUndoneToTheStart)
         UndoAll(document);
         document.GetOperationStack()->Clear(document);
         EXPECT_TRUE(ImageOf(document) == before) << Difference(told, Describe(document));
+    }
+}
+
+// To each state on the way too, and redo leads forward through the same ones.
+TEST_F(Histories, LeadThroughEachStateOnTheWay)
+{
+    const uint32_t first = Setting("CINDERMILL_RANDOM_SEED", 1);
+    for (uint32_t seed = first; seed < first + 10; ++seed) {
+        SCOPED_TRACE(seed);
+        const std::string path = MakeFilled(seed);
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.Load(path.c_str()));
+        document.ClearEngine();
+        TDice dice(seed + 100);
+        TRandomGraph graph(App.Get(), document, dice);
+        const TOperationStack& stack = *document.GetOperationStack();
+        // By the position; those within a step are not known.
+        std::vector<std::string> told = {Describe(document)};
+        for (int i = 0; i < 400; ++i) {
+            graph.Edit();
+            told.resize(static_cast<size_t>(stack.GetPosition()) + 1);
+            if (!document.CanRedo())
+                told.back() = Describe(document);
+        }
+        told.resize(static_cast<size_t>(stack.GetNumOperations()) + 1);
+        const auto isAsThen = [&](TDocument& one) {
+            const int position = one.GetOperationStack()->GetPosition();
+            const std::string& then = told[static_cast<size_t>(position)];
+            const std::string now = Describe(one);
+            EXPECT_TRUE(then.empty() || then == now) << "at " << position << "\n" << Difference(then, now);
+            return !HasFailure();
+        };
+        const auto compare = [&] { return isAsThen(document); };
+        // After a recovery, whose load settles all types, too.
+        const std::string lost = Path("lost.effect");
+        ASSERT_TRUE(document.SaveUnchecked(lost.c_str()));
+        vector<int> former;
+        document.GetFormerStates(former);
+        TDocument recovered(App.Get());
+        ASSERT_TRUE(recovered.Restore(lost.c_str(), path.c_str(), former));
+        recovered.ClearEngine();
+        while (recovered.CanUndo()) {
+            recovered.Undo();
+            ASSERT_TRUE(isAsThen(recovered));
+        }
+        for (int round = 0; round < 2; ++round) {
+            for (; document.CanRedo() && compare(); document.Redo()) {
+            }
+            for (; document.CanUndo() && compare(); document.Undo()) {
+            }
+            ASSERT_TRUE(compare());
+        }
     }
 }
 
@@ -215,6 +280,78 @@ TEST_F(Histories, AreKeptThroughSeveralRecoveries)
     UndoAll(document);
     document.GetOperationStack()->Clear(document);
     EXPECT_TRUE(ImageOf(document) == before);
+}
+
+// An edge that the lost session moved stands, once that is undone, where it stood before: what was deleted
+// before that session comes back behind it.
+TEST_F(Histories, OfTwoSessionsKeepTheOrderOfEdges)
+{
+    const std::string path = Path("two.effect");
+    {
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.New());
+        TToolNode* source = Add(document, "Emitter");
+        for (int i = 0; i < 3; ++i)
+            Add(document, "Point Emitter");
+        const auto connect = [&](int i) {
+            TToolNode* destination = static_cast<TToolNode*>(document.GetGraph()->GetNode(i));
+            TAddGraphEdgeOp* op = new TAddGraphEdgeOp(document, source, 0, destination, 0);
+            document.ApplyOperation(op);
+            return op->GetEdge();
+        };
+        connect(1);
+        document.ApplyOperation(new TDeleteGraphEdgeOp(connect(2)));
+        ASSERT_TRUE(document.SaveAs(path.c_str()));
+    }
+    const std::string lost = Path("lost.effect");
+    vector<int> former;
+    {
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.Load(path.c_str()));
+        const TEffectGraph& graph = *document.GetGraph();
+        document.ApplyOperation(new TChangeGraphEdgeOp(static_cast<TToolEdge*>(graph.GetEdge(0)),
+                                                       static_cast<TToolNode*>(graph.GetNode(0)), 0,
+                                                       static_cast<TToolNode*>(graph.GetNode(3)), 0));
+        ASSERT_TRUE(document.SaveAs(lost.c_str()));
+        document.GetFormerStates(former);
+    }
+    TDocument document(App.Get());
+    ASSERT_TRUE(document.Restore(lost.c_str(), path.c_str(), former));
+    document.Undo();
+    document.Undo();
+    const TEffectGraph& graph = *document.GetGraph();
+    ASSERT_EQ(graph.GetNode(0)->GetNumOutputEdges(0), 2);
+    EXPECT_EQ(graph.GetNode(0)->GetOutputEdge(0, 0)->GetDstNode(), graph.GetNode(1));
+    EXPECT_EQ(graph.GetNode(0)->GetOutputEdge(0, 1)->GetDstNode(), graph.GetNode(2));
+}
+
+// A type that no effect may hold is not taken from a recovery file either.
+TEST_F(Histories, TakeNoTypeThatAFileMayNotHold)
+{
+    const std::string path = Path("typed.effect");
+    vector<int> numbers;
+    {
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.New());
+        TToolNode* node = Add(document, "Emitter");
+        vector<TToolNode*> nodes;
+        nodes.push_back(node);
+        document.ApplyOperation(new TMoveGraphNodeOp(nodes, 1, 1));
+        ASSERT_TRUE(document.SaveAs(path.c_str()));
+        for (const int number : {2, 0, 0, 0, 1, node->ChunkIdx, 0})
+            numbers.push_back(number);
+    }
+    for (const int type : {0, 6, 7}) {
+        vector<int> told = numbers;
+        told.push_back(type);
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.Restore(path.c_str(), path.c_str(), told));
+        const TOutputPort& output = document.GetGraph()->GetNode(0)->GetNodeType()->GetOutput(0);
+        const int before = output.DefaultType;
+        document.Undo();
+        EXPECT_EQ(output.DefaultType, type < TY_POLYTYPE ? type : before);
+        EXPECT_TRUE(document.SaveAs(Path("after.effect").c_str()));
+    }
 }
 
 // Numbers that are not those of the history change nothing but the order in which things come back.

@@ -186,7 +186,6 @@ TEST_F(SharedClipboard, WhatIsNoneOfOursPastesNothingAndSaysSo)
     for (const char* text : {"1, 2, 3", "see the cindermill effect 1 below"}) {
         Desktop.Put(text);
         Host.Statuses.clear();
-        EXPECT_FALSE(App.Get().GetSharedClipboard().HasNodes());
         App.Get().OnMenu(MI_PASTE);
         EXPECT_EQ(Host.Statuses, TNames{"The clipboard holds no nodes"});
     }
@@ -328,10 +327,41 @@ TEST_F(SharedClipboard, OnlyAPasteAsksWhoeverHasTheClipboard)
     EXPECT_EQ(Exchange.Questions, 0);
     EXPECT_EQ(App.Get().GetIdleReason(MI_PASTE), nullptr);
     EXPECT_EQ(Exchange.Questions, 1);
-    // Who was slow to answer is not asked for the sake of a menu.
+    // Who was slow to answer is not asked again for the sake of a menu.
     Exchange.Slow = true;
     EXPECT_EQ(App.Get().GetIdleReason(MI_PASTE), nullptr);
-    EXPECT_EQ(Exchange.Questions, 1);
+    EXPECT_EQ(Exchange.Questions, 2);
+    EXPECT_EQ(App.Get().GetIdleReason(MI_PASTE), nullptr);
+    EXPECT_EQ(Exchange.Questions, 2);
+}
+
+// A text may be of any size; that there is one is enough for a menu.
+TEST_F(SharedClipboard, AMenuFetchesNoText)
+{
+    New();
+    for (const char* text : {"1, 2, 3", "cindermill effect 1"}) {
+        Desktop.Put(text);
+        EXPECT_TRUE(App.Get().GetSharedClipboard().HasNodes());
+    }
+    EXPECT_EQ(Exchange.TextsFetched, 0);
+    Desktop.Put("");
+    EXPECT_FALSE(App.Get().GetSharedClipboard().HasNodes());
+}
+
+// As is what Copy Value or a field put there.
+TEST_F(SharedClipboard, WhereTheDesktopHasNoNodesThoseCopiedHereArePasted)
+{
+    TDocument& document = New();
+    document.SelectNode(Add(document, "Age"), true);
+    App.Get().OnMenu(MI_COPY);
+    Desktop.Put("1, 2, 3");
+    EXPECT_EQ(App.Get().GetIdleReason(MI_PASTE), nullptr);
+    App.Get().OnMenu(MI_PASTE);
+    ASSERT_EQ(document.GetGraph()->GetNumNodes(), 2);
+    EXPECT_STREQ(document.GetSelection()[0]->GetNodeType()->Name.Print(), "Age");
+    // What claims to be nodes is what was meant.
+    Desktop.Put("cindermill effect 1\n");
+    ExpectRefused(document, "The text ends at line 1 without its section \"order\"");
 }
 
 TEST_F(SharedClipboard, WhoDoesNotAnswerIsAskedOnceByAPaste)
@@ -339,11 +369,71 @@ TEST_F(SharedClipboard, WhoDoesNotAnswerIsAskedOnceByAPaste)
     CopyElsewhere();
     TDocument& document = New();
     Exchange.Slow = true;
+    Exchange.Silent = true;
     App.Get().OnMenu(MI_PASTE);
     EXPECT_EQ(Host.Statuses, TNames{"The program that has the clipboard does not answer"});
-    EXPECT_EQ(Exchange.Questions, 0);
+    EXPECT_EQ(Exchange.Questions, 1);
     EXPECT_EQ(document.GetGraph()->GetNumNodes(), 0);
     Exchange.Slow = false;
+    Exchange.Silent = false;
     App.Get().OnMenu(MI_PASTE);
     EXPECT_EQ(document.GetGraph()->GetNumNodes(), Copied);
+}
+
+TEST_F(SharedClipboard, WhoDoesNotGiveWhatItHasIsNotAskedForAnotherFormOfIt)
+{
+    CopyElsewhere();
+    TDocument& document = New();
+    Exchange.Slow = true;
+    Exchange.Withholds = true;
+    App.Get().OnMenu(MI_PASTE);
+    EXPECT_EQ(Host.Statuses, TNames{"The program that has the clipboard does not answer"});
+    EXPECT_EQ(Exchange.Questions, 2);
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 0);
+}
+
+TEST_F(SharedClipboard, WhatComesLateIsPasted)
+{
+    CopyElsewhere();
+    TDocument& document = New();
+    Exchange.Slow = true;
+    App.Get().OnMenu(MI_PASTE);
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), Copied);
+}
+
+TEST_F(SharedClipboard, ATypeIsKnownByItsClass)
+{
+    TDocument other(App.Get());
+    ASSERT_TRUE(other.New());
+    vector<TToolNode*> nodes;
+    nodes.push_back(Add(other, "Age"));
+    nodes[0]->GetNodeType()->ClassName = "TOldAge";
+    Other.Copy(nodes);
+    ExpectRefused(New(), "The node types here have none for \"Age\" (TOldAge)");
+}
+
+// A text from elsewhere must not make a document that cannot be kept.
+TEST_F(SharedClipboard, WhatWasPastedCanBeSaved)
+{
+    CopyElsewhere();
+    const std::string text = Desktop.Text;
+    const auto name = [&](size_t length) {
+        std::string named = text;
+        const std::string old = "\"Point Emitter\"";
+        for (size_t at = 0; (at = named.find(old, at)) != std::string::npos; at += length + 2)
+            named.replace(at, old.size(), "\"" + std::string(length, 'Q') + "\"");
+        Desktop.Put(named);
+    };
+    TDocument& document = New();
+    name(4096);
+    Shown.Messages.clear();
+    document.Paste();
+    EXPECT_EQ(Shown.Messages.size(), 1u);
+    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 0);
+    name(4095);
+    document.Paste();
+    ASSERT_EQ(document.GetGraph()->GetNumNodes(), Copied);
+    ASSERT_TRUE(document.SaveAs(Path("pasted.effect").c_str()));
+    TDocument opened(App.Get());
+    EXPECT_TRUE(opened.Load(Path("pasted.effect").c_str()));
 }

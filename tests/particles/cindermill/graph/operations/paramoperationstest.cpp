@@ -610,6 +610,34 @@ TEST(TPolytypeUserTypeOp, UndoRestoresTypesThatDifferedBefore)
     EXPECT_EQ(doc.TypesOf(doc.P), "0202");
 }
 
+// Wires have settled another type than the one that the user once chose.
+TEST(TPolytypeUserTypeOp, UndoRestoresTheUsersTypeAlsoAfterALoad)
+{
+    const TTempFolder folder;
+    const std::string path = folder.Path("effect");
+    TPolytypes doc;
+    doc.R->GetNodeType()->GetOutput(0).ValidTypes = 1u << TY_VECTOR3;
+    doc.GraphChanged();
+    ASSERT_EQ(doc.Port(doc.R, 0)->GetDefaultType(), TY_SCALAR);
+    ASSERT_EQ(doc.Port(doc.R, 0)->GetCurrentType(), TY_VECTOR3);
+    doc.Apply(new TPolytypeUserTypeOp(doc.R, doc.Port(doc.R, 0), TY_VECTOR3));
+    EXPECT_EQ(doc.Port(doc.R, 0)->GetDefaultType(), TY_VECTOR3);
+    ASSERT_TRUE(doc.Chunks.Save(path.c_str()));
+    doc.Undo();
+    EXPECT_EQ(doc.Port(doc.R, 0)->GetDefaultType(), TY_SCALAR);
+    TFakeDocument loaded;
+    loaded.Chunks.Clear();
+    ASSERT_TRUE(loaded.Chunks.Load(path.c_str()));
+    vector<TChunk*> roots;
+    loaded.Chunks.GetChunksOfClass(TOperationStack::NameID(), roots);
+    loaded.Chunks.GetChunksOfClass(TEffectGraph::NameID(), roots);
+    loaded.Stack = static_cast<TOperationStack*>(roots[0]);
+    loaded.Graph = static_cast<TEffectGraph*>(roots[1]);
+    loaded.Undo();
+    const TNodeType& type = *loaded.Graph->GetNode(2)->GetNodeType();
+    EXPECT_EQ(static_cast<TNodePolytypeParameter*>(type.GetInput(0))->GetDefaultType(), TY_SCALAR);
+}
+
 TEST(TPolytypeUserTypeOp, AnOutputThatCannotHaveTheTypeKeepsItsOwn)
 {
     TUnresolvedPolytypes doc;
