@@ -49,9 +49,11 @@ public:
     }
     void ShowNote(const QString& text)
     {
+        Note = text;
         First->setText(text);
         NoteEnd.start(NoteMilliseconds);
     }
+    bool IsLastNote(const QString& text) const { return Note == text; }
 
 protected:
     void resizeEvent(QResizeEvent* event) override
@@ -75,6 +77,7 @@ private:
     QLabel* const First;
     QLabel* const Second;
     QString Lasting;
+    QString Note;
     QTimer NoteEnd;
 };
 
@@ -297,6 +300,12 @@ void TMDIFrame::ShowNote(const char* text)
 {
     if (QMainWindow* window = qobject_cast<QMainWindow*>(GetHandle()))
         static_cast<TStatusBar*>(window->statusBar())->ShowNote(ToQt(text));
+}
+
+bool TMDIFrame::IsLastNote(const char* text) const
+{
+    const QMainWindow* window = qobject_cast<QMainWindow*>(GetHandle());
+    return window != nullptr && static_cast<TStatusBar*>(window->statusBar())->IsLastNote(ToQt(text));
 }
 
 TWindow* TMDIFrame::GetActiveChild() const

@@ -18,6 +18,8 @@ public:
     void SetStatus(const char* text);
     // In the same place for a while, then what stands there otherwise comes back.
     void ShowNote(const char* text);
+    // No other has been shown since, though it may have left its place.
+    bool IsLastNote(const char* text) const;
     // The document window in front, or null.
     TWindow* GetActiveChild() const;
     void Activate(TWindow& child);

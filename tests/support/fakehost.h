@@ -162,6 +162,7 @@ public:
     void Quit() override { Events.push_back("quit"); }
     // Told apart from the rest, as most tests have no use for it.
     void ShowStatus(const char* text) override { Statuses.push_back(text); }
+    bool IsLastStatus(const char* text) override { return !Statuses.empty() && Statuses.back() == text; }
     void EndInput() override
     {
         ++NumInputEnds;

@@ -276,6 +276,11 @@ void TApplication::ShowStatus(const char* text)
     MainWindow->ShowNote(text);
 }
 
+bool TApplication::IsLastStatus(const char* text)
+{
+    return MainWindow->IsLastNote(text);
+}
+
 void TApplication::Quit()
 {
     KeepPlaces();

@@ -54,6 +54,7 @@ public:
     bool IsDragging() override;
     void RunTicks() override;
     void ShowStatus(const char* text) override;
+    bool IsLastStatus(const char* text) override;
     void Quit() override;
 
 private:

@@ -26,8 +26,9 @@ struct TLook
 constexpr int ProblemLook = 0;
 constexpr TLook Looks[] = {
     {Paper, 0xF6D9D4, 0xC62828},    {0xE9F3E7, 0xD8EAD5, 0x2E7D32}, {0xFFF1D6, 0xFBE3B4, 0xDD7A00},
-    {0xE8EEF5, 0xD5E1EE, 0x4A78A8}, {0xEFEFEF, 0xE2E2E2, 0x808080},
+    {0xE8EEF5, 0xD5E1EE, 0x4A78A8}, {0xEFEFEF, 0xE2E2E2, 0x808080}, {0xEFEFEF, 0xE2E2E2, 0x808080},
 };
+static_assert(sizeof(Looks) / sizeof(Looks[0]) == ProblemLook + 1 + VK_CUTSHORT + 1);
 
 int GetLook(TVerdictKind kind)
 {
@@ -58,8 +59,15 @@ bool TProblemStrip::Create(TDocWindow& docWindow, TWindow& owner)
 
 int TProblemStrip::GetNumEntries() const
 {
+    return DocWindow->GetDocument().GetProblems().size() + GetNumVerdictLines();
+}
+
+int TProblemStrip::GetNumVerdictLines() const
+{
     TDocument& document = DocWindow->GetDocument();
-    return document.GetProblems().size() + document.GetAgreement().GetLines().size();
+    const vector<TVerdictLine>& lines = document.GetAgreement().GetLines();
+    const bool agrees = !lines.empty() && lines[0].Kind == VK_AGREES;
+    return agrees && !document.GetProblems().empty() ? 0 : lines.size();
 }
 
 // A node may have gone.
@@ -89,11 +97,18 @@ int TProblemStrip::GetWantedHeight() const
     return RowHeight * (count < MaxRows ? count : MaxRows);
 }
 
+// A comparison tells of its progress again and again, and nobody who reads on is thrown back for that.
 void TProblemStrip::Refresh()
 {
-    FirstRow = 0;
-    Hovered = -1;
+    const int last = GetLastFirstRow();
+    FirstRow = FirstRow > last ? last : FirstRow;
+    Hovered = Hovered < GetNumEntries() ? Hovered : -1;
     Redraw();
+}
+
+int TProblemStrip::GetLastFirstRow() const
+{
+    return GetNumEntries() - GetWantedHeight() / RowHeight;
 }
 
 int TProblemStrip::FindEntry(int y) const
@@ -122,7 +137,7 @@ bool TProblemStrip::OnMessage(const TMessage& message)
         OnClick(FindEntry(message.GetPixelY()));
         return true;
     case MT_WHEEL: {
-        const int limit = GetNumEntries() - GetWantedHeight() / RowHeight;
+        const int limit = GetLastFirstRow();
         const int row = FirstRow + (message.Delta > 0 ? -1 : 1);
         FirstRow = row > limit ? limit : row < 0 ? 0 : row;
         Redraw();

@@ -7,7 +7,8 @@ class TDocWindow;
 class TEffectNode;
 
 // What keeps the effect from running, below the graph for as long as it does, and behind it how preview and
-// export agree, from an export to the next edit: a click on an entry shows its node.
+// export agree, from an export to the next edit: a click on an entry shows its node. That they agree is not
+// said of a preview that does not run.
 class TProblemStrip : public TWindow
 {
 public:
@@ -32,6 +33,8 @@ private:
         int Look = 0;
     };
 
+    int GetNumVerdictLines() const;
+    int GetLastFirstRow() const;
     TEntry GetEntry(int i) const;
     void Paint(TGDIContext& context) const;
     void PaintEntry(TGDIContext& context, int i, int width) const;

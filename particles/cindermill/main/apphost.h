@@ -84,6 +84,12 @@ public:
     virtual void RunTicks() {}
     // A line about what has been done, for whoever looks for it.
     virtual void ShowStatus(const char* text) { (void)text; }
+    // Whether none was shown since that one.
+    virtual bool IsLastStatus(const char* text)
+    {
+        (void)text;
+        return false;
+    }
     // Ends the message loop at its next turn.
     virtual void Quit() = 0;
 };

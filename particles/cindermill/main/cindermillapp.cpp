@@ -184,23 +184,10 @@ void TCindermillApp::OnIdle()
         Documents[i]->OnIdle();
     if (Host == nullptr || !Host->IsDragging()) {
         Autosave.OnIdle(Documents);
-        RunComparisons();
+        ComparisonTurns.OnIdle(Documents, Host);
     }
     if (Settings.GetAutoCheckUpdate() != 0)
         ChangeNotify.Poll();
-}
-
-void TCindermillApp::RunComparisons()
-{
-    for (TDocument* document : Documents) {
-        if (document->IsInStep() || !document->GetAgreement().Run())
-            continue;
-        if (document->GetHost() != nullptr)
-            document->GetHost()->AgreementChanged(*document);
-        TString text;
-        if (document->GetAgreement().TakeStatus(text) && Host != nullptr)
-            Host->ShowStatus(text);
-    }
 }
 
 void TCindermillApp::OnWait()

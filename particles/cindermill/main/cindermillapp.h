@@ -3,6 +3,7 @@
 #include "library/containers/owner.h"
 #include "particles/cindermill/main/autosave.h"
 #include "particles/cindermill/main/changenotify.h"
+#include "particles/cindermill/main/comparisonturns.h"
 #include "particles/cindermill/main/resourcelocator.h"
 #include "particles/cindermill/main/sampleeffects.h"
 #include "particles/cindermill/main/settings.h"
@@ -165,7 +166,6 @@ private:
     bool IsOpenEffect(const char* path);
     bool SettleModified(const vector<TDocument*>& documents);
     void RedrawDocuments();
-    void RunComparisons();
     bool DropAnimation(int x, int y, const char* file);
 
     TAppHost* Host;
@@ -180,6 +180,7 @@ private:
     TTextureWatch TextureWatch;
     TSharedClipboard Clipboard{NodeTypes};
     TAutosave Autosave;
+    TComparisonTurns ComparisonTurns;
     TString ProgramDirectory;
     bool HeadlessMode = false;
     TSampleEffects Samples;

@@ -133,8 +133,10 @@ bool TCindermillApp::OnDocumentMenu(int id)
         if (document != nullptr) {
             TString report;
             document->GetReport(report);
-            if (!document->GetAgreement().IsBegun())
-                document->GetAgreement().Begin();
+            // What kept it from a comparison may be gone.
+            TExportAgreement& agreement = document->GetAgreement();
+            if (!agreement.IsRunning() && !agreement.IsKnown())
+                agreement.Begin();
             Host->ShowProperties(*document, report.Print());
         }
         return true;

@@ -1,6 +1,6 @@
 #include "particles/cindermill/main/exportagreement.h"
 
-#include "library/system/clock.h"
+#include "library/containers/shortentext.h"
 #include "library/system/file.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/cindermill/main/documentcomparison.h"
@@ -10,6 +10,9 @@ namespace {
 // One that lasts longer is told of while it goes on, from time to time.
 constexpr uint64_t LongComparison = 1000000000;
 constexpr uint64_t ProgressTime = 500000000;
+// A pass that lasts longer is felt in the window, and followed by as many times its length for others.
+constexpr uint64_t SlowPass = 16000000;
+constexpr uint64_t SlowPassRest = 4;
 
 // While it lives, draws leave those of the preview alone.
 class TOwnDraws
@@ -70,6 +73,16 @@ void AddLines(const vector<TVerdictLine>& lines, const char* heading, TString& t
 
 } // namespace
 
+TString TellNotCompared(const char* fault)
+{
+    TString text;
+    if (fault == nullptr || *fault == 0)
+        text = "Preview and export were not compared, and nothing tells why";
+    else
+        text.Format("Preview and export were not compared: %s", OneLineText(fault).Print());
+    return text;
+}
+
 TExportAgreement::TExportAgreement(TCindermillApp& app, TDocument& document) : App(app), Document(document) {}
 
 TExportAgreement::~TExportAgreement() = default;
@@ -92,10 +105,10 @@ void TExportAgreement::Start(const char* path)
 {
     Drop();
     HasChanged = true;
-    Begun = GetPerformanceCounter();
-    NextPass = Begun;
-    NextProgress = Begun + LongComparison;
+    NextPass = GetNow();
+    NextProgress = NextPass + LongComparison;
     Taken = 0;
+    NumSlowFrames = 0;
     Randoms.Restart(TReplayOptions().Seed);
     const TOwnDraws own(Randoms);
     if (!CanBegin(path))
@@ -140,34 +153,41 @@ void TExportAgreement::Drop()
 
 bool TExportAgreement::Run()
 {
-    const uint64_t now = GetPerformanceCounter();
-    if (IsRunning() && now >= NextPass) {
-        bool goesOn = false;
-        {
-            const TOwnDraws own(Randoms);
-            goesOn = RunFrames();
-        }
-        // As long again for others.
-        const uint64_t end = GetPerformanceCounter();
-        NextPass = end + (end - now);
-        if (!goesOn)
-            Comparison.Reset();
-        if (!goesOn || end >= NextProgress) {
-            NextProgress = end + ProgressTime;
-            HasChanged = true;
-            MakeLines();
-        }
-    }
+    if (IsDue())
+        RunPass();
+    return TakeChange();
+}
+
+bool TExportAgreement::TakeChange()
+{
     const bool changed = HasChanged;
     HasChanged = false;
     return changed;
 }
 
+void TExportAgreement::RunPass()
+{
+    const uint64_t begin = GetNow();
+    bool goesOn = false;
+    {
+        const TOwnDraws own(Randoms);
+        goesOn = RunFrames(begin);
+    }
+    const uint64_t end = GetNow();
+    NextPass = end + (end - begin) * (end - begin > SlowPass ? SlowPassRest : 1);
+    if (!goesOn)
+        Comparison.Reset();
+    if (!goesOn || end >= NextProgress) {
+        NextProgress = end + ProgressTime;
+        HasChanged = true;
+        MakeLines();
+    }
+}
+
 // False when it is over.
-bool TExportAgreement::RunFrames()
+bool TExportAgreement::RunFrames(uint64_t begin)
 {
     TReplayComparison& comparison = Comparison->GetComparison();
-    const uint64_t begin = GetPerformanceCounter();
     uint64_t last = begin;
     TErrorList errors;
     while (!comparison.IsComplete()) {
@@ -175,9 +195,10 @@ bool TExportAgreement::RunFrames()
             Fail(GetFirstText(errors));
             return false;
         }
-        const uint64_t now = GetPerformanceCounter();
+        const uint64_t now = GetNow();
         Taken += now - last;
-        if (now - last > Limits.Frame || Taken > Limits.Whole)
+        NumSlowFrames = now - last > Limits.Frame ? NumSlowFrames + 1 : 0;
+        if (NumSlowFrames >= Limits.SlowFrames || Taken > Limits.Whole)
             break;
         if (now - begin > Limits.Pass)
             return true;
@@ -201,7 +222,7 @@ void TExportAgreement::Finish()
 
 void TExportAgreement::Fail(const char* fault)
 {
-    Fault.Format("Preview and export were not compared: %s", fault);
+    Fault = TellNotCompared(fault);
 }
 
 void TExportAgreement::GetProgress(TString& text) const

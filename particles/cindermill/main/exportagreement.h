@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/owner.h"
+#include "library/system/clock.h"
 #include "particles/cindermill/graph/engine/random.h"
 #include "particles/cindermill/graph/replay/replayverdict.h"
 #include "particles/effectgraph/error.h"
@@ -14,12 +15,19 @@ struct TAgreementLimits
 {
     // Of one pass between other work, which a single frame may exceed.
     uint64_t Pass = 4000000;
-    // More than that for one frame, or for all of them, and the rest is not compared.
-    uint64_t Frame = 500000000;
+    // More than that for so many frames in a row, or for all of them, and the rest is not compared. A single
+    // one may be slow because of what else the machine does.
+    uint64_t Frame = 100000000;
+    int SlowFrames = 5;
     uint64_t Whole = 30000000000;
     // Values that all groups can hold.
     int64_t Values = 32000000;
+    // What measures all that.
+    uint64_t (*Clock)() = GetPerformanceCounter;
 };
+
+// Why there was no comparison, in one line.
+TString TellNotCompared(const char* fault);
 
 // Whether a document's preview and the file that it exports agree: compared in small parts while nothing else
 // is to be done. It holds for the effect as it stands, until the next edit.
@@ -37,6 +45,13 @@ public:
     void Drop();
     // A part of it, if it is time for one. True when something else is to be told now.
     bool Run();
+    // The same in its steps, for who has several documents.
+    bool IsDue() const { return IsRunning() && GetNow() >= NextPass; }
+    void RunPass();
+    bool TakeChange();
+    // By the limits' clock; until its next pass it rests.
+    uint64_t GetNow() const { return Limits.Clock(); }
+    uint64_t GetNextPass() const { return NextPass; }
     void SetLimits(const TAgreementLimits& limits) { Limits = limits; }
 
     bool IsRunning() const { return Comparison.Get() != nullptr; }
@@ -55,11 +70,13 @@ public:
     void GetText(TString& text) const;
     // Once after an export: what was told of it and what it comes to. False if there is nothing to tell.
     bool TakeStatus(TString& text);
+    // What was told of the export.
+    const TString& GetTold() const { return Told; }
 
 private:
     void Start(const char* path);
     bool CanBegin(const char* path);
-    bool RunFrames();
+    bool RunFrames(uint64_t begin);
     void Finish();
     void Fail(const char* fault);
     void MakeLines();
@@ -80,8 +97,8 @@ private:
     bool IsStatusDue = false;
     // Something has come or gone since Run last told so.
     bool HasChanged = false;
-    // By the performance counter: of the beginning, when the next part is due, and what was taken.
-    uint64_t Begun = 0;
+    int NumSlowFrames = 0;
+    // By the limits' clock: when the next part is due, when the next progress, and what was taken.
     uint64_t NextPass = 0;
     uint64_t NextProgress = 0;
     uint64_t Taken = 0;

@@ -18,19 +18,20 @@ TString GetShownName(const TEffectNode& node)
 TReplayVerdict::TReplayVerdict(const TEffectSchedule& schedule, const TReplayReport& report, int wantedFrames)
 {
     ListDifferences(schedule, report);
-    MakeHeadline();
-    TString text;
-    if (report.NumFrames < wantedFrames) {
-        text.Format(" (in %d of %d frames: more would take too long here)", report.NumFrames, wantedFrames);
-        Headline.Text += text;
-    }
+    MakeHeadline(report.NumFrames, wantedFrames);
+    MakeSummary(report);
+}
+
+void TReplayVerdict::MakeSummary(const TReplayReport& report)
+{
     Summary = Headline;
+    TString text;
     if (NumWithoutReason > 0)
         text.Format(": %s", Differences[0].Text.Print());
+    else if (Headline.Kind == VK_CUTSHORT)
+        text = ": more would take too long here";
     else if (Differences.empty())
         text.Format(": %lld values in %d frames", static_cast<long long>(report.NumEqual), report.NumFrames);
-    else
-        text = nullptr;
     Summary.Text += text;
 }
 
@@ -68,8 +69,13 @@ void TReplayVerdict::AddDifferences(const TReplayReport& report, const vector<co
     }
 }
 
-void TReplayVerdict::MakeHeadline()
+void TReplayVerdict::MakeHeadline(int numFrames, int wantedFrames)
 {
+    if (Differences.empty() && numFrames < wantedFrames) {
+        Headline.Kind = VK_CUTSHORT;
+        Headline.Text.Format("No difference in the first %d of %d frames", numFrames, wantedFrames);
+        return;
+    }
     if (Differences.empty()) {
         Headline.Kind = VK_AGREES;
         Headline.Text = "Preview and export agree";
@@ -88,8 +94,12 @@ void TReplayVerdict::MakeHeadline()
     else if (NumWithoutReason < count)
         text.Format(", %d of them for no known reason", NumWithoutReason);
     Headline.Text += text;
-    if (first.Node == nullptr)
-        return;
-    text.Format(count == 1 ? ", at %s" : ", the first at %s", GetShownName(*first.Node).Print());
-    Headline.Text += text;
+    if (first.Node != nullptr) {
+        text.Format(count == 1 ? ", at %s" : ", the first at %s", GetShownName(*first.Node).Print());
+        Headline.Text += text;
+    }
+    if (numFrames < wantedFrames) {
+        text.Format(" (in %d of %d frames: more would take too long here)", numFrames, wantedFrames);
+        Headline.Text += text;
+    }
 }

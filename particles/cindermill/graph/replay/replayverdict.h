@@ -16,7 +16,9 @@ enum TVerdictKind
     // For a reason that is told.
     VK_TOLD,
     // Nothing differs for it here.
-    VK_NOTE
+    VK_NOTE,
+    // Nothing differs in the frames that there was time for, which is not to say that the rest agrees.
+    VK_CUTSHORT
 };
 
 // A sentence about an effect, without its end, and where to look. The node may go; it is not touched.
@@ -57,7 +59,8 @@ public:
 private:
     void ListDifferences(const TEffectSchedule& schedule, const TReplayReport& report);
     void AddDifferences(const TReplayReport& report, const vector<const TReplayNote*>& reasons, bool told);
-    void MakeHeadline();
+    void MakeHeadline(int numFrames, int wantedFrames);
+    void MakeSummary(const TReplayReport& report);
 
     TVerdictLine Headline;
     TVerdictLine Summary;

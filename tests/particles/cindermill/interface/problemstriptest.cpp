@@ -5,6 +5,8 @@
 
 #include <QtGui/QImage>
 
+#include <filesystem>
+
 namespace {
 
 // Emitters that nothing triggers, and a stage that draws nothing.
@@ -177,6 +179,11 @@ TEST_F(ProblemStrip, ANodeThatWentLeadsNowhere)
 
 namespace {
 
+constexpr uint32_t ProblemPaper = 0xFBE9E6;
+constexpr uint32_t AgreesPaper = 0xE9F3E7;
+constexpr uint32_t ToldPaper = 0xE8EEF5;
+constexpr uint32_t GreyPaper = 0xEFEFEF;
+
 // A sample in its windows, with what it names.
 class AgreementStrip : public DocWindows
 {
@@ -199,7 +206,36 @@ protected:
         while (Document->GetAgreement().IsRunning());
         Settle();
     }
+    // A folder of its own with all that the sample names.
+    void OpenCopy(const char* sample)
+    {
+        const std::filesystem::path folder = App.Path("own");
+        std::filesystem::create_directory(folder);
+        std::filesystem::copy(SourcePath("samples/textures"), folder / "textures");
+        const std::filesystem::path file = folder / (std::string(sample) + ".effect");
+        std::filesystem::copy(SourcePath(std::string("samples/") + sample + ".effect"), file);
+        App.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+        App.Get().GetResourceLocator().ReadSettings();
+        App.Get().GetResourceLocator().AddSearchDirectory((folder / "textures").c_str());
+        Document = LoadDocument(file);
+        ASSERT_NE(Document, nullptr);
+        ASSERT_TRUE(Document->EnsureSchedule());
+        Settle();
+    }
+    // The preview fails, and nothing is edited.
+    void TakeTexturesAway()
+    {
+        std::filesystem::remove_all(App.Path("own/textures"));
+        Document->RebuildSchedule(true);
+        Settle();
+        ASSERT_GE(Document->GetProblems().size(), 1);
+    }
     TProblemStrip& Strip() { return ViewOf(*Document).GetProblems(); }
+    uint32_t GetPaper(int row)
+    {
+        const QImage picture = Strip().GetHandle()->grab().toImage();
+        return picture.pixel(3, row * TProblemStrip::RowHeight + 10) & 0xFFFFFF;
+    }
 
     TDocument* Document = nullptr;
 };
@@ -257,12 +293,71 @@ TEST_F(AgreementStrip, EachOfItsEntriesLeadsToItsNode)
 
 TEST_F(AgreementStrip, ProblemsComeFirst)
 {
-    ASSERT_NO_FATAL_FAILURE(Open("fireflies"));
+    ASSERT_NO_FATAL_FAILURE(OpenCopy("fireflies"));
     Export();
     EXPECT_EQ(Strip().GetNumEntries(), 2);
-    AddNode(*Document, "Quad Render Stage", 200, 400);
-    Document->RebuildSchedule(false);
+    EXPECT_EQ(GetPaper(0), ToldPaper);
+    ASSERT_NO_FATAL_FAILURE(TakeTexturesAway());
     const int problems = Document->GetProblems().size();
-    ASSERT_GE(problems, 1);
-    EXPECT_EQ(Strip().GetNumEntries(), problems);
+    ASSERT_EQ(Strip().GetNumEntries(), problems + 2);
+    ASSERT_LE(problems + 2, TProblemStrip::MaxRows);
+    for (int row = 0; row < problems + 2; ++row)
+        EXPECT_EQ(GetPaper(row), row < problems ? ProblemPaper : ToldPaper);
+}
+
+TEST_F(AgreementStrip, WhatDoesNotRunIsNotSaidToAgree)
+{
+    ASSERT_NO_FATAL_FAILURE(OpenCopy("fountain"));
+    Export();
+    EXPECT_EQ(Strip().GetNumEntries(), 1);
+    EXPECT_EQ(GetPaper(0), AgreesPaper);
+    ASSERT_NO_FATAL_FAILURE(TakeTexturesAway());
+    ASSERT_EQ(Strip().GetNumEntries(), Document->GetProblems().size());
+    EXPECT_EQ(Strip().GetWantedHeight(), Strip().GetNumEntries() * TProblemStrip::RowHeight);
+    for (int row = 0; row < Strip().GetNumEntries(); ++row)
+        EXPECT_EQ(GetPaper(row), ProblemPaper);
+}
+
+TEST_F(AgreementStrip, WhatWasCutShortIsGrey)
+{
+    ASSERT_NO_FATAL_FAILURE(OpenCopy("fountain"));
+    TAgreementLimits limits;
+    limits.Whole = 0;
+    Document->GetAgreement().SetLimits(limits);
+    Export();
+    ASSERT_EQ(Strip().GetNumEntries(), 1);
+    EXPECT_EQ(GetPaper(0), GreyPaper);
+}
+
+TEST_F(ProblemStrip, AListThatIsToldAnewStaysWhereItWasScrolledTo)
+{
+    for (int i = 0; i < 4; ++i)
+        AddNode(*Document, "Quad Render Stage", 4000, 4000 + 400 * i);
+    Document->RebuildSchedule(false);
+    const int count = Strip().GetNumEntries();
+    ASSERT_GT(count, TProblemStrip::MaxRows + 2);
+    const auto look = [&] { return Strip().GetHandle()->grab().toImage(); };
+    const QImage top = look();
+    TMessage message;
+    message.Type = MT_WHEEL;
+    message.Delta = -1;
+    for (int i = 0; i < 2; ++i)
+        Strip().OnMessage(message);
+    const QImage scrolled = look();
+    ASSERT_NE(top, scrolled);
+    Document->GetHost()->AgreementChanged(*Document);
+    Settle();
+    EXPECT_EQ(look(), scrolled);
+    // But no further than the list reaches.
+    for (int i = 0; i < count; ++i)
+        Strip().OnMessage(message);
+    while (Strip().GetNumEntries() == count && Document->CanUndo()) {
+        Document->Undo();
+        Document->RebuildSchedule(false);
+    }
+    ASSERT_LT(Strip().GetNumEntries(), count);
+    ASSERT_GT(Strip().GetNumEntries(), TProblemStrip::MaxRows);
+    const QImage shorter = look();
+    Strip().OnMessage(message);
+    EXPECT_EQ(look(), shorter);
 }

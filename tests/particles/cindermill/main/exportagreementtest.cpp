@@ -7,6 +7,9 @@
 #include "particles/cindermill/main/documentcomparison.h"
 #include "particles/effectgraph/export/efxfile.h"
 
+#include <cstdio>
+#include <functional>
+
 namespace {
 
 std::vector<std::string> TextsOf(const vector<TVerdictLine>& lines)
@@ -30,6 +33,54 @@ TAgreementLimits FrameByFrame()
     limits.Pass = 0;
     return limits;
 }
+
+// A clock that goes on by a step whenever it is read.
+uint64_t Time = 0;
+uint64_t Step = 0;
+constexpr uint64_t Millisecond = 1000000;
+constexpr uint64_t Second = 1000 * Millisecond;
+
+uint64_t ReadClock()
+{
+    return Time += Step;
+}
+
+TAgreementLimits FrameByFrameByTheClock()
+{
+    Time = Second;
+    Step = 1;
+    TAgreementLimits limits = FrameByFrame();
+    limits.Clock = ReadClock;
+    return limits;
+}
+
+// Of a comparison that goes on.
+int CountFrames(const TExportAgreement& agreement)
+{
+    TString text;
+    agreement.GetProgress(text);
+    int count = -1;
+    EXPECT_EQ(std::sscanf(text.Print(), "Comparing preview and export: frame %d of", &count), 1);
+    return count;
+}
+
+// An edit that asks something in the middle.
+class TAskingOp : public TAddGraphNodeOp
+{
+public:
+    TAskingOp(TDocument& document, const TNodeType& type, std::function<void()> ask)
+        : TAddGraphNodeOp(document, type, 10, 20), Ask(std::move(ask))
+    {
+    }
+    void Do(TEditContext& document) override
+    {
+        TAddGraphNodeOp::Do(document);
+        Ask();
+    }
+
+private:
+    std::function<void()> Ask;
+};
 
 const TEffectNode* FindNode(TDocument& document, const char* name)
 {
@@ -279,13 +330,154 @@ TEST_F(ExportAgreement, TooLargeAnEffectIsNotComparedOrNotToItsEnd)
     EXPECT_EQ(Text(agreement.GetFault()),
               "Preview and export were not compared: the effect is too large to be compared here");
     limits = TAgreementLimits();
-    limits.Frame = 0;
+    limits.Whole = 0;
     agreement.SetLimits(limits);
     agreement.Begin();
     agreement.Run();
     ASSERT_TRUE(agreement.IsKnown());
-    EXPECT_EQ(Text(agreement.GetVerdict().GetHeadline().Text).find("Preview and export agree (in 1 of "), 0)
+    EXPECT_EQ(Text(agreement.GetVerdict().GetHeadline().Text).find("No difference in the first 1 of "), 0)
         << agreement.GetVerdict().GetHeadline().Text.Print();
+}
+
+TEST_F(ExportAgreement, SlowFramesInARowCutItShortWhichIsNotToAgree)
+{
+    TDocument& document = Open("fountain");
+    Export("fountain.efx");
+    TExportAgreement& agreement = document.GetAgreement();
+    TAgreementLimits limits = FrameByFrameByTheClock();
+    limits.SlowFrames = 3;
+    agreement.SetLimits(limits);
+    agreement.BeginForFile(Path("fountain.efx").c_str(), "Exported");
+    TString progress;
+    agreement.GetProgress(progress);
+    const std::string number = Text(progress).substr(Text(progress).rfind(' ') + 1);
+    // A fourth by itself does not count.
+    for (const uint64_t milliseconds : {200, 200, 1, 200, 200, 200}) {
+        ASSERT_TRUE(agreement.IsRunning());
+        Step = milliseconds * Millisecond;
+        Time += 10 * Second;
+        agreement.Run();
+    }
+    ASSERT_TRUE(agreement.IsKnown());
+    const TReplayVerdict& verdict = agreement.GetVerdict();
+    EXPECT_EQ(verdict.GetHeadline().Kind, VK_CUTSHORT);
+    EXPECT_EQ(Text(verdict.GetHeadline().Text), "No difference in the first 6 of " + number + " frames");
+    ASSERT_EQ(agreement.GetLines().size(), 1);
+    EXPECT_EQ(agreement.GetLines()[0].Kind, VK_CUTSHORT);
+    EXPECT_EQ(Text(agreement.GetLines()[0].Text),
+              "No difference in the first 6 of " + number + " frames: more would take too long here");
+}
+
+TEST_F(ExportAgreement, SlowFramesNowAndThenEndNothing)
+{
+    TDocument& document = Open("fountain");
+    TExportAgreement& agreement = document.GetAgreement();
+    TAgreementLimits limits = FrameByFrameByTheClock();
+    limits.Whole = 1000 * Second;
+    agreement.SetLimits(limits);
+    agreement.Begin();
+    for (int i = 0; agreement.IsRunning(); ++i) {
+        Step = (i % limits.SlowFrames == 0 ? 1 : 700) * Millisecond;
+        Time += 10 * Second;
+        agreement.Run();
+    }
+    EXPECT_EQ(Text(agreement.GetVerdict().GetHeadline().Text), "Preview and export agree");
+    EXPECT_EQ(agreement.GetVerdict().GetHeadline().Kind, VK_AGREES);
+}
+
+TEST_F(ExportAgreement, ASlowFrameIsFollowedByALongerRest)
+{
+    TDocument& document = Open("fountain");
+    TExportAgreement& agreement = document.GetAgreement();
+    agreement.SetLimits(FrameByFrameByTheClock());
+    const auto run = [&](uint64_t step, uint64_t rest) {
+        agreement.Begin();
+        Step = step;
+        agreement.Run();
+        EXPECT_EQ(CountFrames(agreement), 1);
+        Step = 1;
+        Time += rest;
+        agreement.Run();
+        return CountFrames(agreement) == 2;
+    };
+    // A pass reads the clock twice after its beginning.
+    EXPECT_FALSE(run(Millisecond, Millisecond));
+    EXPECT_TRUE(run(Millisecond, 3 * Millisecond));
+    EXPECT_FALSE(run(40 * Millisecond, 200 * Millisecond));
+    EXPECT_TRUE(run(40 * Millisecond, 400 * Millisecond));
+}
+
+TEST_F(ExportAgreement, SeveralDocumentsTakeTurnsAndComeToTheSameAsAlone)
+{
+    TDocument* documents[] = {&Open("fireflies"), &Open("waterfall")};
+    std::vector<std::string> alone[2];
+    for (int i = 0; i < 2; ++i) {
+        documents[i]->GetAgreement().Begin();
+        RunToTheEnd(documents[i]->GetAgreement());
+        alone[i] = TextsOf(documents[i]->GetAgreement().GetVerdict().GetDifferences());
+        ASSERT_GE(alone[i].size(), 1u);
+    }
+    const TAgreementLimits limits = FrameByFrameByTheClock();
+    for (TDocument* document : documents) {
+        document->GetAgreement().SetLimits(limits);
+        document->GetAgreement().Begin();
+    }
+    int frames[2] = {0, 0};
+    for (int pass = 1; pass <= 40; ++pass) {
+        Time += Second;
+        App.Get().OnIdle();
+        int sum = 0;
+        for (int i = 0; i < 2; ++i)
+            sum += frames[i] = CountFrames(documents[i]->GetAgreement());
+        ASSERT_EQ(sum, pass);
+    }
+    EXPECT_EQ(frames[0], 20);
+    EXPECT_EQ(frames[1], 20);
+    // What one has taken, the other rests too.
+    Step = 50 * Millisecond;
+    App.Get().OnIdle();
+    Step = 1;
+    App.Get().OnIdle();
+    EXPECT_EQ(CountFrames(documents[0]->GetAgreement()) + CountFrames(documents[1]->GetAgreement()), 41);
+    while (documents[0]->GetAgreement().IsRunning() || documents[1]->GetAgreement().IsRunning()) {
+        Time += Second;
+        App.Get().OnIdle();
+    }
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(TextsOf(documents[i]->GetAgreement().GetVerdict().GetDifferences()), alone[i]);
+}
+
+// While an edit asks something, idle passes go on, and its document is half changed.
+TEST_F(ExportAgreement, ADocumentInTheMiddleOfAnEditIsLeftAlone)
+{
+    TDocument& other = Open("fountain");
+    TDocument& document = Open("fireflies");
+    const TAgreementLimits limits = FrameByFrameByTheClock();
+    for (TDocument* each : {&other, &document}) {
+        each->GetAgreement().SetLimits(limits);
+        each->GetAgreement().Begin();
+        Time += Second;
+        App.Get().OnIdle();
+    }
+    const int told = HostOf(document).NumAgreements;
+    const int frames = CountFrames(other.GetAgreement());
+    bool isAsked = false;
+    document.ApplyOperation(new TAskingOp(document, App.Type("Age"), [&] {
+        isAsked = true;
+        ASSERT_TRUE(document.IsInStep());
+        // Nothing touches a node, whoever begins it.
+        document.GetAgreement().Begin();
+        for (int i = 0; i < 5; ++i) {
+            Time += Second;
+            App.Get().OnIdle();
+        }
+        EXPECT_EQ(CountFrames(document.GetAgreement()), 0);
+        EXPECT_EQ(HostOf(document).NumAgreements, told);
+        EXPECT_EQ(CountFrames(other.GetAgreement()), frames + 5);
+    }));
+    ASSERT_TRUE(isAsked);
+    App.Get().OnIdle();
+    EXPECT_GT(HostOf(document).NumAgreements, told);
 }
 
 TEST_F(ExportAgreement, WhatThePreviewDrawsStaysAsItIs)
@@ -371,6 +563,17 @@ TEST_F(ExportAgreement, AnExportTellsItWhenItIsFound)
     EXPECT_FALSE(document.CanUndo());
 }
 
+TEST_F(ExportAgreement, WhatTheStatusBarTellsMeanwhileStays)
+{
+    TDocument& document = Open("fountain");
+    Export("fountain.efx");
+    Host.ShowStatus("Saved");
+    Idle(document);
+    ASSERT_TRUE(document.GetAgreement().IsKnown());
+    EXPECT_EQ(Host.Statuses.back(), "Saved");
+    EXPECT_EQ(document.GetAgreement().GetLines().size(), 1);
+}
+
 TEST_F(ExportAgreement, AnExportThatFailsTellsNothing)
 {
     TDocument& document = Open("fountain");
@@ -404,4 +607,42 @@ TEST_F(ExportAgreement, FilePropertiesOfWhatCannotRunSayWhy)
     TString text;
     document.GetAgreement().GetText(text);
     EXPECT_EQ(Text(text), "Preview and export were not compared: The effect has no schedule");
+}
+
+TEST_F(ExportAgreement, FilePropertiesTryAgainWhatCouldNotBeCompared)
+{
+    std::filesystem::create_directory(Path("own"));
+    for (const char* folder : {"samples/textures", "samples/animations"})
+        std::filesystem::copy(SourcePath(folder), Path("own"));
+    std::filesystem::copy(SourcePath("samples/comet.effect"), Path("own"));
+    App.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+    App.Get().GetResourceLocator().ReadSettings();
+    App.Get().GetResourceLocator().AddSearchDirectory(Path("own").c_str());
+    ASSERT_TRUE(App.Get().OpenDocument(Path("own/comet.effect").c_str()));
+    Activate(Newest());
+    TDocument& document = Newest();
+    const std::string animation = Path("own/knot.vori");
+    std::filesystem::rename(animation, animation + ".away");
+    App.Get().OnMenu(MI_PROPERTIES);
+    TString text;
+    document.GetAgreement().GetText(text);
+    EXPECT_EQ(Text(text).find("Preview and export were not compared: Could not resolve path for animation"),
+              0u)
+        << text.Print();
+    std::filesystem::rename(animation + ".away", animation);
+    // As Options do, without which this program without windows keeps in mind what it has not found.
+    App.Get().GetResourceLocator().ForgetMissing();
+    App.Get().OnMenu(MI_PROPERTIES);
+    ASSERT_TRUE(document.GetAgreement().IsRunning()) << document.GetAgreement().GetFault().Print();
+    Idle(document);
+    EXPECT_TRUE(document.GetAgreement().IsKnown());
+    EXPECT_TRUE(document.GetAgreement().GetFault().IsEmpty());
+}
+
+TEST_F(ExportAgreement, WhyThereWasNoneIsOneLineAndNeverEmpty)
+{
+    EXPECT_EQ(Text(TellNotCompared("Node a\nb\r\n\tc")),
+              "Preview and export were not compared: Node a b   c");
+    EXPECT_EQ(Text(TellNotCompared("")), "Preview and export were not compared, and nothing tells why");
+    EXPECT_EQ(Text(TellNotCompared(nullptr)), "Preview and export were not compared, and nothing tells why");
 }
