@@ -191,10 +191,8 @@ TEST_F(ProgramPanels, EveryKindOfParameterIsEditedByHand)
             placement.ShowTab(tab);
             if (tab == TNodeTransformParameterControls::TT_ROTATE)
                 panel.Enter("Placement", "45", 4);
-            if (tab == TNodeTransformParameterControls::TT_SCALE) {
+            if (tab == TNodeTransformParameterControls::TT_SCALE)
                 panel.TypeInto(panel.Field("Placement", 7), "3");
-                Screen.Key("Return");
-            }
             if (tab == TNodeTransformParameterControls::TT_ROTATE)
                 Screen.Save(program.GetMainRectangle(), Screenshot("panel-transform"));
         }

@@ -134,11 +134,14 @@ void TMainWindow::OnEditMenu(TMenu& menu, bool shown)
             menu.EnableItem(line.Id, !shown || IsUseful(line.Id));
 }
 
-// What is being typed is entered by an undo, and so can be undone.
+// Without a document all entries do nothing, and are as ever. What is being typed is entered by an undo, and
+// so can be undone.
 bool TMainWindow::IsUseful(int id) const
 {
+    if (App.GetActiveDocument() == nullptr || id == MI_FOCUSSELECTED || id == MI_FOCUSALL)
+        return true;
     const TTextEdit* edit = TTextEdit::GetFocused();
-    if (id == MI_UNDO && App.GetActiveDocument() != nullptr && edit != nullptr && edit->IsEdited())
+    if (id == MI_UNDO && edit != nullptr && edit->IsEdited())
         return true;
     return App.GetIdleReason(id) == nullptr;
 }

@@ -25,7 +25,7 @@ void TPolytypeUserTypeOp::CollectInput(TEffectNode* node, int port, TPointerMap&
     TNodePolytypeParameter* param = static_cast<TNodePolytypeParameter*>(type.GetInput(port));
     if (!seen.Insert(param))
         return;
-    Append(Parameters, TParameterRecord{param, param->GetDefaultType()});
+    Append(Parameters, TParameterRecord{param, param->GetCurrentType()});
     const int linkInput = param->GetLinkInputIndex(node);
     if (linkInput != -1)
         CollectInput(node, linkInput, seen);
@@ -51,7 +51,7 @@ void TPolytypeUserTypeOp::CollectOutput(TEffectNode* node, int port, TPointerMap
         return;
     if (!seen.Insert(&type.GetOutput(port)))
         return;
-    Append(Outputs, TOutputRecord{node, port, type.GetOutput(port).DefaultType});
+    Append(Outputs, TOutputRecord{node, port, type.GetOutputType(port)});
     if (type.GetOutput(port).LinkInput != -1)
         CollectInput(node, type.GetOutput(port).LinkInput, seen);
     if (type.GetOutput(port).LinkOutput != -1)
@@ -163,10 +163,14 @@ void TPolytypeUserTypeOp::SetOutputType(TEditContext& doc, const TOutputRecord& 
         doc.GetGraph()->SetDefaultType(record.Node, record.Port, type);
 }
 
+// The type in force may be settled by wires, and not be the one that the user once chose: that is what an
+// input comes back to, whose wires are as they were then.
 void TPolytypeUserTypeOp::Do(TEditContext& doc)
 {
-    for (const TParameterRecord& record : Parameters)
+    for (const TParameterRecord& record : Parameters) {
+        Append(Former.Places, record.Parameter->GetDefaultType());
         record.Parameter->SetUserType(NewType);
+    }
     for (const TOutputRecord& record : Outputs)
         SetOutputType(doc, record, NewType);
     doc.GraphChanged();
@@ -175,8 +179,9 @@ void TPolytypeUserTypeOp::Do(TEditContext& doc)
 
 void TPolytypeUserTypeOp::Undo(TEditContext& doc)
 {
-    for (const TParameterRecord& record : Parameters)
-        record.Parameter->SetUserType(record.OldType);
+    const bool isKnown = Former.Places.size() == Parameters.size();
+    for (int i = 0; i < Parameters.size(); ++i)
+        Parameters[i].Parameter->SetUserType(isKnown ? Former.Places[i] : Parameters[i].OldType);
     for (const TOutputRecord& record : Outputs)
         SetOutputType(doc, record, record.OldType);
     doc.GraphChanged();

@@ -25,8 +25,6 @@ public:
     void GetUsed(vector<TChunk*>& result) const override;
 
 private:
-    // The old type is the port's own, which is overwritten and comes back. Where wires have settled another
-    // one, that is in force again as soon as the wires are as they were.
     struct TParameterRecord
     {
         TNodePolytypeParameter* Parameter = nullptr;

@@ -611,7 +611,7 @@ TEST(TPolytypeUserTypeOp, UndoRestoresTypesThatDifferedBefore)
 }
 
 // Wires have settled another type than the one that the user once chose.
-TEST(TPolytypeUserTypeOp, UndoRestoresTheUsersTypeAlsoAfterALoad)
+TEST(TPolytypeUserTypeOp, UndoRestoresTheUsersTypeAndFromAFileTheOneInForce)
 {
     const TTempFolder folder;
     const std::string path = folder.Path("effect");
@@ -635,7 +635,7 @@ TEST(TPolytypeUserTypeOp, UndoRestoresTheUsersTypeAlsoAfterALoad)
     loaded.Graph = static_cast<TEffectGraph*>(roots[1]);
     loaded.Undo();
     const TNodeType& type = *loaded.Graph->GetNode(2)->GetNodeType();
-    EXPECT_EQ(static_cast<TNodePolytypeParameter*>(type.GetInput(0))->GetDefaultType(), TY_SCALAR);
+    EXPECT_EQ(static_cast<TNodePolytypeParameter*>(type.GetInput(0))->GetDefaultType(), TY_VECTOR3);
 }
 
 TEST(TPolytypeUserTypeOp, AnOutputThatCannotHaveTheTypeKeepsItsOwn)
