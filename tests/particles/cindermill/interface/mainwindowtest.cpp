@@ -356,7 +356,7 @@ TEST_F(MainWindow, TheEditMenuOffersWhatHasSomethingToDo)
     TDocument& document = NewActive();
     const std::string focus = "40213";
     const std::string focusAll = "40214";
-    EXPECT_EQ(EditEntries(), (TNames{focusAll}));
+    EXPECT_EQ(EditEntries(), (TNames{focus, focusAll}));
     TAddGraphNodeOp* op = new TAddGraphNodeOp(document, App.Type("Age"), 10, 20);
     document.ApplyOperation(op);
     EXPECT_EQ(EditEntries(), (TNames{"57643", focus, focusAll}));
