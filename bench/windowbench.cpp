@@ -5,11 +5,8 @@
 
 #include "library/system/clock.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <iterator>
 #include <map>
-#include <unistd.h>
 
 namespace {
 

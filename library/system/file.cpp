@@ -150,6 +150,17 @@ bool ReadWholeFile(const char* path, void* buffer)
     return whole;
 }
 
+bool ReadFileBytes(const char* path, vector<uint8_t>& bytes)
+{
+    TFile file;
+    if (!file.OpenRead(path))
+        return false;
+    bytes.resize(file.GetSize());
+    const bool read = file.GetSize() == 0 || file.Read(bytes.data(), file.GetSize());
+    file.Close();
+    return read;
+}
+
 bool MakeDirectory(const char* path)
 {
     TString systemPath;

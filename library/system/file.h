@@ -2,6 +2,7 @@
 
 #include "library/containers/array.h"
 #include "library/containers/string.h"
+#include "library/containers/vector.h"
 #include "library/system/temporaryfile.h"
 
 #include <cstdint>
@@ -18,6 +19,8 @@ uint32_t GetFileSize(const char* path);
 bool GetFileSize64(const char* path, uint64_t& result);
 // Reads GetFileSize bytes; whether all arrived.
 bool ReadWholeFile(const char* path, void* buffer);
+// The same, into as many bytes as the file has.
+bool ReadFileBytes(const char* path, vector<uint8_t>& bytes);
 bool MakeDirectory(const char* path);
 // Whether two paths lead to one file, whatever links and spellings they take.
 bool IsSameFile(const char* a, const char* b);

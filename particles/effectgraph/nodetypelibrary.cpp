@@ -16,6 +16,14 @@ TNodeType* TNodeTypeLibrary::FindType(const char* name) const
     return nullptr;
 }
 
+bool TNodeTypeLibrary::HasClass(const char* className) const
+{
+    for (const TNodeType* type : Types)
+        if (type->ClassName.Compare(className) == 0)
+            return true;
+    return false;
+}
+
 void TNodeTypeLibrary::Load(const char* path, TErrorList& errors)
 {
     ToKeptPath(path, Root);

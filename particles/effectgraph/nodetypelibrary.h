@@ -28,6 +28,8 @@ public:
     TNodeType* GetType(int i) const { return Types[i]; }
     // The first of the name, without case; null if there is none.
     TNodeType* FindType(const char* name) const;
+    // Whether a type is of the class, without case.
+    bool HasClass(const char* className) const;
     // The file that the type came from; false for one that came from elsewhere.
     bool GetTypePath(int i, TString& path) const;
     // All items, those of the root and those below.

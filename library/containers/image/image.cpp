@@ -142,17 +142,6 @@ void DecodePixel(const TPixelCode& code, const uint8_t* in, bool bigEndian, uint
     SetGrey(out, 255, 255);
 }
 
-bool ReadFileInto(const char* path, vector<uint8_t>& bytes)
-{
-    TFile file;
-    if (!file.OpenRead(path))
-        return false;
-    bytes.resize(file.GetSize());
-    const bool read = file.GetSize() == 0 || file.Read(bytes.data(), file.GetSize());
-    file.Close();
-    return read;
-}
-
 bool WriteFileFrom(const char* path, const uint8_t* head, int headSize, const vector<uint8_t>& body,
                    TString& fault)
 {
@@ -337,7 +326,7 @@ bool TImage::LoadDds(const char* path)
     constexpr uint32_t CubeOrVolume = 0x200 | 1u << 21;
     Clear();
     vector<uint8_t> bytes;
-    if (!ReadFileInto(path, bytes) || bytes.size() < DdsHeaderSize)
+    if (!ReadFileBytes(path, bytes) || bytes.size() < DdsHeaderSize)
         return false;
     const uint8_t* header = bytes.data();
     if (std::memcmp(header, "DDS ", 4) != 0 || (LittleU32(header + 112) & CubeOrVolume) != 0)
@@ -370,7 +359,7 @@ bool TImage::LoadHvt(const char* path)
 {
     Clear();
     vector<uint8_t> bytes;
-    if (!ReadFileInto(path, bytes) || bytes.size() < HvtHeaderSize)
+    if (!ReadFileBytes(path, bytes) || bytes.size() < HvtHeaderSize)
         return false;
     const uint8_t* header = bytes.data();
     const uint32_t count = BigU32(header + 8);

@@ -46,21 +46,13 @@ TEffectGraph* MakeGraph(const TClipboard& clipboard, TChunkFile& chunks)
     return graph;
 }
 
-bool IsKnown(const TNodeType& type, const TNodeTypeLibrary& types)
-{
-    for (int i = 0; i < types.GetNumTypes(); ++i)
-        if (types.GetType(i)->ClassName.Compare(type.ClassName) == 0)
-            return true;
-    return false;
-}
-
 // A library that has no type of a node is older than the one that the node comes from.
 bool CheckTypes(const TEffectGraph& graph, const TNodeTypeLibrary& types, TString& fault)
 {
     TKeyIndex names;
     for (int i = 0; i < graph.GetNumNodes(); ++i) {
         const TNodeType& type = *graph.GetNode(i)->GetNodeType();
-        if (IsKnown(type, types))
+        if (types.HasClass(type.ClassName))
             continue;
         TString name;
         name.Format("\"%s\" (%s)", QuoteText(type.Name, NameLength).Print(),
@@ -130,10 +122,10 @@ void WriteClipboardEffect(const TClipboard& clipboard, vector<uint8_t>& effect, 
     TString fault;
     const bool done = RunGuarded(
         [&] {
+            if (clipboard.GetNodes().size() > MaxNodes)
+                return;
             TChunkFile chunks;
             const TEffectGraph* graph = MakeGraph(clipboard, chunks);
-            if (graph->GetNumNodes() > MaxNodes)
-                return;
             const TEffectText told(*graph);
             if (TEffectTextReader::CanRead(told))
                 told.Write(buffer);

@@ -509,7 +509,7 @@ TGraphHold::~TGraphHold()
 void TDocument::GraphChanged()
 {
     TypeErrors.Clear();
-    AreTypesSettled = ResolveTypes(TypeErrors);
+    ResolveTypes(TypeErrors);
     GraphChangeWaits = true;
     if (GraphHolds == 0)
         FinishGraphChange();
@@ -518,11 +518,10 @@ void TDocument::GraphChanged()
 // A graph whose types cannot be settled has no preview.
 void TDocument::FinishGraphChange()
 {
-    const bool resolved = AreTypesSettled;
     const TErrorList errors(static_cast<TErrorList&&>(TypeErrors));
     GraphChangeWaits = false;
     Listener->GraphChanged();
-    if (resolved) {
+    if (errors.empty()) {
         Graph->NotifyChanged();
         return;
     }

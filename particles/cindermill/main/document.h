@@ -214,7 +214,6 @@ private:
     // How many wait for the graph's change, whether there was one, and what came of its types.
     int GraphHolds = 0;
     bool GraphChangeWaits = false;
-    bool AreTypesSettled = true;
     TErrorList TypeErrors;
     // Made or loaded to be edited, and not only to be looked at.
     bool IsEditable = false;

@@ -39,16 +39,6 @@ int64_t CountValues(const TEffectSchedule& schedule)
     return count;
 }
 
-bool ReadFileBytes(const char* path, vector<uint8_t>& bytes)
-{
-    TFile file;
-    if (!file.OpenRead(path))
-        return false;
-    bytes.resize(file.GetSize());
-    const bool isRead = bytes.empty() || file.Read(bytes.data(), bytes.size());
-    return file.Close() && isRead;
-}
-
 TString GetFirstText(const TErrorList& errors)
 {
     TString text;
@@ -124,12 +114,13 @@ bool TExportAgreement::CanBegin(const char* path)
     }
     Comparison.Reset(new TDocumentComparison(App, Document));
     TErrorList errors;
-    if (!Comparison->Export(errors)) {
-        Fail(GetFirstText(errors));
-        return false;
-    }
+    // What has just been exported to a file is not exported once more.
     if (path != nullptr && !ReadFileBytes(path, Comparison->GetComparison().GetBytes())) {
         Fail("the exported file cannot be read");
+        return false;
+    }
+    if (path == nullptr && !Comparison->Export(errors)) {
+        Fail(GetFirstText(errors));
         return false;
     }
     errors.Clear();
@@ -149,13 +140,6 @@ void TExportAgreement::Drop()
     Known = false;
     OfFile = false;
     IsStatusDue = false;
-}
-
-bool TExportAgreement::Run()
-{
-    if (IsDue())
-        RunPass();
-    return TakeChange();
 }
 
 bool TExportAgreement::TakeChange()

@@ -43,11 +43,10 @@ public:
     void BeginForFile(const char* path, const char* told);
     // An edit begins: what is known is forgotten, and no node is touched any more.
     void Drop();
-    // A part of it, if it is time for one. True when something else is to be told now.
-    bool Run();
-    // The same in its steps, for who has several documents.
+    // Whether it is time for a part of it.
     bool IsDue() const { return IsRunning() && GetNow() >= NextPass; }
     void RunPass();
+    // True once when something else is to be told.
     bool TakeChange();
     // By the limits' clock; until its next pass it rests.
     uint64_t GetNow() const { return Limits.Clock(); }

@@ -4,14 +4,6 @@
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/nodetypelibrary.h"
 
-static bool HasClass(const TNodeTypeLibrary& library, const char* className)
-{
-    for (int i = 0; i < library.GetNumTypes(); ++i)
-        if (library.GetType(i)->ClassName.Compare(className) == 0)
-            return true;
-    return false;
-}
-
 // A node that an artist has named is still of its class.
 void LintNodeTypes(const TEffectGraph& graph, const TNodeTypeLibrary& library, TLintReport& report)
 {
@@ -22,7 +14,7 @@ void LintNodeTypes(const TEffectGraph& graph, const TNodeTypeLibrary& library, T
         if (isKnown && type.NeedsRefresh(library))
             report.AddNode(LK_TYPESTALE, node, -1, "Node \"%s\" differs from the library's type of its name",
                            GetNodeName(node).Print());
-        else if (!isKnown && !HasClass(library, type.ClassName))
+        else if (!isKnown && !library.HasClass(type.ClassName))
             report.AddNode(LK_TYPEMISSING, node, -1,
                            "Node \"%s\" is of a type that the library does not have",
                            GetNodeName(node).Print());

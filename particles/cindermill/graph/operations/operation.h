@@ -24,7 +24,8 @@ struct TFormerState
     // Whether the types are those of then. Of an operation that has come from a file they are not known, and
     // are as they settle.
     bool KnowsTypes = false;
-    // By the operation's own order: where what it removed stood in its lists. Empty if that is not known.
+    // By the operation's own order: where what it removed stood in its lists, or the types that a user had
+    // chosen. Empty if that is not known.
     vector<int> Places;
     // Of the outputs that were settled anew.
     vector<TFormerType> Types;

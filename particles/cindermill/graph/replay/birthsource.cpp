@@ -2,8 +2,6 @@
 
 #include <initializer_list>
 
-namespace {
-
 bool EmitsParticles(const TNodeType& type)
 {
     for (const char* name : {"TPointEmitter", "TGrid", "TSphereSurface"})
@@ -11,6 +9,8 @@ bool EmitsParticles(const TNodeType& type)
             return true;
     return false;
 }
+
+namespace {
 
 bool FiresParticles(const TNodeType& type)
 {

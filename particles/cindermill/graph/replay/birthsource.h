@@ -11,6 +11,9 @@ int FindTriggerInput(const TEffectSchedule& schedule, int group);
 // The group whose event brings what the particles are born with; -1 for none.
 int FindBirthParent(const TEffectSchedule& schedule, int group);
 
+// Whether nodes of the type put particles into a group, if something is wired to their first input.
+bool EmitsParticles(const TNodeType& type);
+
 // The node that a group's particles start at: the first that emits them, or else the first of all that run
 // at birth. Null for none.
 const TEffectNode* FindBirthNode(const TEffectSchedule& schedule, int group);

@@ -98,8 +98,7 @@ private:
         AddFields(type);
         if (IsOfClass(type, "TCollisionPlane"))
             AddPlane(tied, type);
-        if (IsOfClassIn(type, {"TPointEmitter", "TGrid", "TSphereSurface"}) && !IsWired(tied, 0) &&
-            !(TFixedValue(type.GetInput(0))[0] < 1))
+        if (EmitsParticles(type) && !IsWired(tied, 0) && !(TFixedValue(type.GetInput(0))[0] < 1))
             AddNamed(
                 "nothing is wired to \"%s\": the preview takes its own value, and the console fires none",
                 type.GetInput(0)->Name, true, true);
@@ -236,7 +235,7 @@ private:
             if (IsOfClassIn(type, {"TEmitter", "TEffect"}))
                 Add("it stands in several places, which share one clock in the preview and none on the "
                     "console");
-            if (IsOfClassIn(type, {"TPointEmitter", "TGrid", "TSphereSurface"}))
+            if (EmitsParticles(type))
                 Add("it stands in several places, each of which emits in the preview and one on the console",
                     true, true);
         }

@@ -5,8 +5,6 @@
 #include "particles/cindermill/graph/text/textcursor.h"
 #include "particles/effectgraph/nodetype.h"
 
-class TNodeGroupParameter;
-
 // A node type that is made from the lines that tell of it, one by one, in the order in which they are
 // written.
 class TTypeDraft

@@ -39,6 +39,19 @@ protected:
                 AddGrey(*action->menu(), grey);
         }
     }
+    // Two more nodes, joined by hand.
+    void AddWire()
+    {
+        Effect = AddNode(*Document, "Effect", 100, 500);
+        Curve = AddNode(*Document, "Scalar Over Life", 600, 500);
+        TGraphScene& scene = WindowsOf(*Document).GetScene();
+        const int time = Curve->GetNodeType()->FindInput("Time");
+        Drag(Graph(), PixelOf(Graph(), scene.FindNode(Effect)->GetPortPosition(false, 0)),
+             PixelOf(Graph(), scene.FindNode(Curve)->GetPortPosition(true, time)));
+    }
+
+    TToolNode* Effect = nullptr;
+    TToolNode* Curve = nullptr;
 };
 
 } // namespace
@@ -80,22 +93,17 @@ TEST_F(GraphActions, CtrlAndShiftWithTheArrowsAlign)
 
 TEST_F(GraphActions, CtrlAndTheArrowsSelectAlongTheWires)
 {
-    TToolNode* effect = AddNode(*Document, "Effect", 100, 500);
-    TToolNode* curve = AddNode(*Document, "Scalar Over Life", 600, 500);
-    TGraphScene& scene = WindowsOf(*Document).GetScene();
-    const int time = curve->GetNodeType()->FindInput("Time");
-    Drag(Graph(), PixelOf(Graph(), scene.FindNode(effect)->GetPortPosition(false, 0)),
-         PixelOf(Graph(), scene.FindNode(curve)->GetPortPosition(true, time)));
+    AddWire();
     ASSERT_EQ(Document->GetGraph()->GetNumEdges(), 1);
-    Document->SelectNode(effect, true);
+    Document->SelectNode(Effect, true);
     Key(Graph(), Qt::Key_Right, Qt::ControlModifier);
     EXPECT_EQ(NumSelected(), 2);
-    EXPECT_TRUE(IsSelected(curve));
-    Document->SelectNode(curve, true);
+    EXPECT_TRUE(IsSelected(Curve));
+    Document->SelectNode(Curve, true);
     Key(Graph(), Qt::Key_Left, Qt::ControlModifier);
-    EXPECT_TRUE(IsSelected(effect));
+    EXPECT_TRUE(IsSelected(Effect));
     Key(Graph(), Qt::Key_T, Qt::ControlModifier);
-    EXPECT_LT(curve->GetX(), 600);
+    EXPECT_LT(Curve->GetX(), 600);
 }
 
 TEST_F(GraphActions, TheEntriesOfANodesMenuActOnTheSelection)
@@ -220,14 +228,9 @@ TEST_F(GraphActions, TheMenuOfANodeGreysWhatHasNothingToDo)
 
 TEST_F(GraphActions, TheMenuOfAWiredNodeOffersItsWires)
 {
-    TToolNode* effect = AddNode(*Document, "Effect", 100, 500);
-    TToolNode* curve = AddNode(*Document, "Scalar Over Life", 600, 500);
-    TGraphScene& scene = WindowsOf(*Document).GetScene();
-    const int time = curve->GetNodeType()->FindInput("Time");
-    Drag(Graph(), PixelOf(Graph(), scene.FindNode(effect)->GetPortPosition(false, 0)),
-         PixelOf(Graph(), scene.FindNode(curve)->GetPortPosition(true, time)));
+    AddWire();
     ASSERT_EQ(Document->GetGraph()->GetNumEdges(), 1);
-    const TNames grey = GreyEntries(effect);
+    const TNames grey = GreyEntries(Effect);
     EXPECT_EQ(std::count(grey.begin(), grey.end(), "Select Upstream"), 1);
     EXPECT_EQ(std::count(grey.begin(), grey.end(), "Select Downstream"), 0);
     EXPECT_EQ(std::count(grey.begin(), grey.end(), "Take Out of Wires"), 0);

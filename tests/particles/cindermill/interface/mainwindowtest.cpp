@@ -342,8 +342,14 @@ TEST_F(MainWindow, ANoteGivesWayToWhatStoodThere)
         end = timer->isActive() ? timer : end;
     ASSERT_NE(end, nullptr);
     EXPECT_GE(end->remainingTime(), 10000);
+    EXPECT_TRUE(Window.IsLastNote("Saved it"));
     end->start(0);
     EXPECT_TRUE(WaitFor([&] { return label->text() == version; }));
+    // Nothing else was noted meanwhile.
+    EXPECT_TRUE(Window.IsLastNote("Saved it"));
+    Window.ShowNote("Exported it");
+    EXPECT_FALSE(Window.IsLastNote("Saved it"));
+    EXPECT_TRUE(Window.IsLastNote("Exported it"));
 }
 
 TEST_F(MainWindow, TheEditMenuOffersWhatHasSomethingToDo)

@@ -97,6 +97,15 @@ TEST_F(ClipboardEffect, AnEffectOfTooManyNodesIsNeitherWrittenNorRead)
     EXPECT_EQ(FaultOf(Effect), "There are 16385 nodes in it; the most are 16384");
 }
 
+TEST_F(ClipboardEffect, AnEffectWithoutNodesIsNothingToPaste)
+{
+    TChunkFile chunks;
+    chunks.AddChunk(new TOperationStack);
+    chunks.AddChunk(new TEffectGraph);
+    ASSERT_TRUE(chunks.SaveToMemory(Effect, 0));
+    EXPECT_EQ(FaultOf(Effect), "There are no nodes in it");
+}
+
 TEST_F(ClipboardEffect, AFileOfManyObjectsOrBytesIsRefusedAtOnce)
 {
     constexpr int Count = 1 << 20;

@@ -20,10 +20,18 @@ std::vector<std::string> TextsOf(const vector<TVerdictLine>& lines)
     return result;
 }
 
+// As an idle pass does, if it is due. True if there is something to tell.
+bool RunOnce(TExportAgreement& agreement)
+{
+    if (agreement.IsDue())
+        agreement.RunPass();
+    return agreement.TakeChange();
+}
+
 void RunToTheEnd(TExportAgreement& agreement)
 {
     while (agreement.IsRunning())
-        agreement.Run();
+        RunOnce(agreement);
 }
 
 // As many parts as there are frames.
@@ -164,7 +172,7 @@ TEST_F(ExportAgreement, InPartsItComesToTheSameAsAtOnce)
         agreement.Begin();
         int parts = 0;
         for (; agreement.IsRunning(); ++parts) {
-            agreement.Run();
+            RunOnce(agreement);
             // What the preview does meanwhile changes nothing.
             document.UpdateEngine(0.02f, errors);
         }
@@ -257,16 +265,16 @@ TEST_F(ExportAgreement, AnEditInBetweenEndsIt)
     const auto begin = [&] {
         agreement.Begin();
         for (int i = 0; i < 5; ++i)
-            agreement.Run();
+            RunOnce(agreement);
         EXPECT_TRUE(agreement.IsRunning());
-        EXPECT_FALSE(agreement.Run());
+        EXPECT_FALSE(RunOnce(agreement));
     };
     const auto expectDropped = [&] {
         EXPECT_FALSE(agreement.IsBegun());
         EXPECT_EQ(agreement.GetVerdict().GetFirstNode(), nullptr);
         // Once.
-        EXPECT_TRUE(agreement.Run());
-        EXPECT_FALSE(agreement.Run());
+        EXPECT_TRUE(RunOnce(agreement));
+        EXPECT_FALSE(RunOnce(agreement));
     };
     begin();
     vector<TToolNode*> nodes;
@@ -296,7 +304,7 @@ TEST_F(ExportAgreement, ASelectionAndAScheduleMadeAnewEndNothing)
     TExportAgreement& agreement = document.GetAgreement();
     agreement.SetLimits(FrameByFrame());
     agreement.Begin();
-    agreement.Run();
+    RunOnce(agreement);
     document.SelectNode(static_cast<TToolNode*>(document.GetGraph()->GetNode(0)), true);
     TString report;
     document.GetReport(report);
@@ -311,10 +319,21 @@ TEST_F(ExportAgreement, ADocumentMayCloseMeanwhile)
     TDocument& document = Open("fireflies");
     document.GetAgreement().SetLimits(FrameByFrame());
     document.GetAgreement().Begin();
-    document.GetAgreement().Run();
+    RunOnce(document.GetAgreement());
     App.Get().CloseDocument(&document);
     EXPECT_EQ(NumDocuments(), 0);
     App.Get().OnIdle();
+}
+
+TEST_F(ExportAgreement, WithoutTheExportedFileNothingIsCompared)
+{
+    TDocument& document = Open("fountain");
+    TExportAgreement& agreement = document.GetAgreement();
+    agreement.BeginForFile(Path("gone.efx").c_str(), "Exported");
+    EXPECT_FALSE(agreement.IsRunning());
+    EXPECT_FALSE(agreement.IsKnown());
+    EXPECT_EQ(Text(agreement.GetFault()),
+              "Preview and export were not compared: the exported file cannot be read");
 }
 
 TEST_F(ExportAgreement, TooLargeAnEffectIsNotComparedOrNotToItsEnd)
@@ -333,7 +352,7 @@ TEST_F(ExportAgreement, TooLargeAnEffectIsNotComparedOrNotToItsEnd)
     limits.Whole = 0;
     agreement.SetLimits(limits);
     agreement.Begin();
-    agreement.Run();
+    RunOnce(agreement);
     ASSERT_TRUE(agreement.IsKnown());
     EXPECT_EQ(Text(agreement.GetVerdict().GetHeadline().Text).find("No difference in the first 1 of "), 0)
         << agreement.GetVerdict().GetHeadline().Text.Print();
@@ -356,7 +375,7 @@ TEST_F(ExportAgreement, SlowFramesInARowCutItShortWhichIsNotToAgree)
         ASSERT_TRUE(agreement.IsRunning());
         Step = milliseconds * Millisecond;
         Time += 10 * Second;
-        agreement.Run();
+        RunOnce(agreement);
     }
     ASSERT_TRUE(agreement.IsKnown());
     const TReplayVerdict& verdict = agreement.GetVerdict();
@@ -379,7 +398,7 @@ TEST_F(ExportAgreement, SlowFramesNowAndThenEndNothing)
     for (int i = 0; agreement.IsRunning(); ++i) {
         Step = (i % limits.SlowFrames == 0 ? 1 : 700) * Millisecond;
         Time += 10 * Second;
-        agreement.Run();
+        RunOnce(agreement);
     }
     EXPECT_EQ(Text(agreement.GetVerdict().GetHeadline().Text), "Preview and export agree");
     EXPECT_EQ(agreement.GetVerdict().GetHeadline().Kind, VK_AGREES);
@@ -393,11 +412,11 @@ TEST_F(ExportAgreement, ASlowFrameIsFollowedByALongerRest)
     const auto run = [&](uint64_t step, uint64_t rest) {
         agreement.Begin();
         Step = step;
-        agreement.Run();
+        RunOnce(agreement);
         EXPECT_EQ(CountFrames(agreement), 1);
         Step = 1;
         Time += rest;
-        agreement.Run();
+        RunOnce(agreement);
         return CountFrames(agreement) == 2;
     };
     // A pass reads the clock twice after its beginning.
@@ -494,7 +513,7 @@ TEST_F(ExportAgreement, WhatThePreviewDrawsStaysAsItIs)
         }
         for (int frame = 0; frame < 40; ++frame) {
             if (compares)
-                document.GetAgreement().Run();
+                RunOnce(document.GetAgreement());
             EXPECT_TRUE(document.UpdateEngine(0.02f, errors));
             const TEffectSchedule& schedule = document.GetSchedule();
             for (int group = 0; group < schedule.GetNumGroups(); ++group)

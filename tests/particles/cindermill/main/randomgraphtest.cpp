@@ -350,7 +350,8 @@ TEST_F(RandomGraphs, EditsEndAComparisonWhereverItIs)
                 continue;
             agreement.Begin();
             for (uint32_t parts = graph.Below(1000); parts > 0 && agreement.IsRunning(); --parts)
-                agreement.Run();
+                if (agreement.IsDue())
+                    agreement.RunPass();
             known += agreement.IsKnown() ? 1 : 0;
         }
     }

@@ -241,6 +241,16 @@ protected:
         std::filesystem::copy(App.Path("resources/spark.dds"), App.Path("outer.dds"));
     }
     std::string Quote(const std::string& leaf) { return "'" + App.Path(leaf) + "'"; }
+    // On the effect that was spoiled last.
+    void RunCommand(const std::string& command)
+    {
+        const std::string line = "XDG_CONFIG_HOME=" + Quote("config") + " '" + CINDERMILL_BATCH +
+                                 "' --resources " + Quote("resources") + " --project " + Quote("team.toml") +
+                                 " " + command + " " + Quote("spoiled.effect") + " >" + Quote("out") + " 2>" +
+                                 Quote("err");
+        const int status = WEXITSTATUS(std::system(line.c_str()));
+        EXPECT_TRUE(status == 0 || status == 1) << status;
+    }
     // The ids that the program tells.
     std::set<std::string> Run(const TProvocation& provocation)
     {
@@ -256,12 +266,7 @@ protected:
         }
         WriteBytes(App.Path("team.toml"),
                    "node-types = \"" + SourcePath("NodeTypes") + "\"\n" + provocation.Project);
-        const std::string line = "XDG_CONFIG_HOME=" + Quote("config") + " '" + CINDERMILL_BATCH +
-                                 "' --resources " + Quote("resources") + " --project " + Quote("team.toml") +
-                                 " lint --seconds 3 --seeds 2 " + provocation.Options + " " +
-                                 Quote("spoiled.effect") + " >" + Quote("out") + " 2>" + Quote("err");
-        const int status = WEXITSTATUS(std::system(line.c_str()));
-        EXPECT_TRUE(status == 0 || status == 1) << status;
+        RunCommand("lint --seconds 3 --seeds 2 " + provocation.Options);
         EXPECT_EQ("", ReadBytes(App.Path("err")));
         std::set<std::string> ids;
         std::istringstream out(ReadBytes(App.Path("out")));
@@ -292,6 +297,21 @@ TEST_F(LintIds, EachIsProvokedByAnEffect)
     for (const TProvocation& provocation : GetProvocations()) {
         const std::set<std::string> ids = Run(provocation);
         EXPECT_EQ(1u, ids.count(provocation.Id)) << provocation.Id << ReadBytes(App.Path("out"));
+    }
+}
+
+TEST_F(LintIds, ANumberOfBirthsThatIsAValueTooIsANoteOfTheReplay)
+{
+    for (const TProvocation& provocation : GetProvocations()) {
+        if (std::string("console.count") != provocation.Id)
+            continue;
+        Run(provocation);
+        RunCommand("replay --frames 20");
+        const std::string notes = ReadBytes(App.Path("err"));
+        EXPECT_NE(std::string::npos, notes.find("it reads the number of births as a value, which is 0 on the "
+                                                "console, as another group brings what the particles are "
+                                                "born with"))
+            << notes;
     }
 }
 

@@ -31,7 +31,8 @@ public:
     {
         ++Passes;
         if (Runs)
-            Document.GetAgreement().Run();
+            if (Document.GetAgreement().IsDue())
+                Document.GetAgreement().RunPass();
     }
 
     int Passes = 0;

@@ -34,15 +34,6 @@ protected:
     {
         static_cast<TNodeScalarParameter*>(emitter.GetNodeType()->GetInput(1))->SetValue(&seconds);
     }
-    int FindGroupOf(const TEffectNode& node)
-    {
-        const TEffectSchedule& schedule = Sample->GetSchedule();
-        for (int g = 0; g < schedule.GetNumGroups(); ++g)
-            for (int t = 0; t < schedule.GetNumTiedNodes(g); ++t)
-                if (schedule.GetNode(schedule.GetTiedNode(g, t)) == &node)
-                    return g;
-        return -1;
-    }
     void BypassStages(bool bypassed)
     {
         for (int i = 0; i < Sample->GetGraph()->GetNumNodes(); ++i) {
@@ -129,7 +120,7 @@ TEST_F(PreviewDiagnosis, AGroupThatEmitsButIsNotDrawnIsNamed)
     ASSERT_NE(stage, nullptr);
     stage->GetNodeType()->SetFlag(FL_BYPASSED, true);
     Sample->RebuildSchedule(true);
-    const int group = FindGroupOf(*stage);
+    const int group = Sample->GetSchedule().FindGroupOf(*stage);
     ASSERT_NE(group, -1);
     Sample.Run(0.5f);
     EXPECT_EQ(Told(), "");
