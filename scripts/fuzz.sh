@@ -34,14 +34,14 @@ done
 # What a target has to tell goes to its own file, as several run at a time.
 run() {
     local target=$1
-    if ! "build/fuzz/fuzz/fuzz-$target" -max_total_time="$seconds" -timeout=120 -rss_limit_mb=2048 -max_len=65536 \
+    if ! "build/sanitize/fuzz/fuzz-$target" -max_total_time="$seconds" -timeout=120 -rss_limit_mb=2048 -max_len=65536 \
         -artifact_prefix="$work/$target-" -print_final_stats=1 "$work/$target" >"$work/$target.log" 2>&1; then
         # All but the lines that tell how it went until then.
         grep -vE '^#[0-9]+[[:space:]]' "$work/$target.log" >&2
-        mkdir -p build/fuzz/faults
+        mkdir -p build/sanitize/fuzz/faults
         find "$work" -maxdepth 1 \( -name "$target-crash-*" -o -name "$target-timeout-*" -o -name "$target-oom-*" \
-            -o -name "$target-leak-*" \) -exec cp {} build/fuzz/faults/ \;
-        echo "The fuzz target for $target found a fault; its input lies in build/fuzz/faults" >&2
+            -o -name "$target-leak-*" \) -exec cp {} build/sanitize/fuzz/faults/ \;
+        echo "The fuzz target for $target found a fault; its input lies in build/sanitize/fuzz/faults" >&2
         return 1
     fi
     printf '%-15s %s inputs\n' "$target" "$(sed -n 's/^stat::number_of_executed_units: //p' "$work/$target.log")"

@@ -140,7 +140,7 @@ FAILING void FailByAssertion()
 
 FAILING void FailByMemory()
 {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(CINDERMILL_SANITIZED)
     throw std::bad_alloc();
 #else
     volatile size_t size = size_t(1) << 62;

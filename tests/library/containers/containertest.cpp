@@ -223,7 +223,7 @@ TEST(Vector, FailedAllocationAsserts)
     {
         char Bytes[1 << 30];
     };
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(CINDERMILL_SANITIZED)
     vector<THuge> v;
     EXPECT_EQ(AssertionOf([&] { v.reserve(2147483647); }), "newval != 0 : new failed. size=2147483647");
     array<THuge> block;

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <new>
 
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(CINDERMILL_SANITIZED)
 
 static size_t AllocatedBytes = 0;
 

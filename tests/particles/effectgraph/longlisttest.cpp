@@ -4,7 +4,7 @@
 // The memory that a list takes while it is read grows as the list does: one that is moved each time it has
 // grown a little takes a hundred times as much for ten times the elements.
 
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(CINDERMILL_SANITIZED)
 
 namespace {
 

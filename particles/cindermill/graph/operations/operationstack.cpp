@@ -100,10 +100,14 @@ bool TOperationStack::CanMerge(const TOperation& op) const
 void TOperationStack::Apply(TEditContext& doc, TOperation* operation)
 {
     TOwner<TOperation> op(operation);
+    // What was saved goes with the tail: no step leads back to it.
+    if (SavedPosition > Position)
+        MarkChanged();
     DropTail(doc, Position);
     op->SetGesture(Gesture);
     if (CanMerge(*op) && op->Merge(*Operations.back())) {
         op.Reset();
+        HasMergedSinceSave |= IsAtSavedPosition();
         doc.RedrawWindows();
         LastTime = GetTickCount();
         return;
@@ -164,8 +168,17 @@ bool TOperationStack::RedoOne(TEditContext& doc)
     return true;
 }
 
+// A step that comes back to the saved position would come to what has been merged, not to what the file
+// holds.
+void TOperationStack::LeaveMergedSave()
+{
+    if (HasMergedSinceSave && IsAtSavedPosition())
+        MarkChanged();
+}
+
 bool TOperationStack::Undo(TEditContext& doc)
 {
+    LeaveMergedSave();
     // The next operation never merges with what stands on the stack after an undo.
     LastTime = 0;
     if (Position <= 0)
@@ -182,6 +195,7 @@ bool TOperationStack::Undo(TEditContext& doc)
 
 bool TOperationStack::Redo(TEditContext& doc)
 {
+    LeaveMergedSave();
     if (Position >= Operations.size())
         return true;
     const int before = Position;

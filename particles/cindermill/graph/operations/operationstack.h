@@ -39,7 +39,11 @@ public:
     // The document differs from its file by more than operations.
     void MarkChanged() { SavedPosition = NoPosition; }
     bool IsAtSavedPosition() const { return Position == SavedPosition; }
-    void MarkSaved() { SavedPosition = Position; }
+    void MarkSaved()
+    {
+        SavedPosition = Position;
+        HasMergedSinceSave = false;
+    }
 
     // After a load.
     void Recall();
@@ -63,6 +67,7 @@ private:
     void DoOne(TEditContext& doc, TOperation& op);
     bool UndoOne(TEditContext& doc);
     bool RedoOne(TEditContext& doc);
+    void LeaveMergedSave();
     // The operations from `first` on, none of which is done.
     void DropTail(TEditContext& doc, int first);
     void DropLost(TEditContext& doc, const vector<bool>& isLost, int first, int& end);
@@ -72,6 +77,7 @@ private:
     vector<TOperation*> Operations;
     int Position = 0;
     int SavedPosition = 0;
+    bool HasMergedSinceSave = false;
     uint32_t LastTime;
     // Of the gesture that runs: its number, and how deep it is nested.
     unsigned Gesture = 0;

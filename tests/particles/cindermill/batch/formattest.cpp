@@ -435,7 +435,7 @@ TEST_F(TFormats, WrongOptionsAreUsageErrors)
     EXPECT_EQ("--format: The file does not exist\n", Run("check -- --format").Err);
 }
 
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(CINDERMILL_SANITIZED)
 namespace {
 
 // What a run took.

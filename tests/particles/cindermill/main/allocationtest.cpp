@@ -7,7 +7,7 @@
 #include <new>
 
 // The sanitizers count allocations of their own.
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(CINDERMILL_SANITIZED)
 
 static int NumAllocations = 0;
 

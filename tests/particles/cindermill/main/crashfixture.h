@@ -5,7 +5,7 @@
 #include <filesystem>
 
 // Where the program under test is of no use with a broken heap, or has none of the system's.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(CINDERMILL_SANITIZED)
 constexpr bool HasSystemHeap = false;
 #else
 constexpr bool HasSystemHeap = true;

@@ -70,6 +70,48 @@ TEST_F(Document, UndoDownToTheSavedPositionClearsTheStarAndOneMoreSetsIt)
     EXPECT_TRUE(document.IsModified());
 }
 
+// The file holds what was undone before another edit took its place in the history.
+TEST_F(Document, WhatWasSavedAndThenLeftBehindIsNotReachedByCountingSteps)
+{
+    TDocument document(App.Get());
+    document.New();
+    Add(document, "Age");
+    ASSERT_TRUE(document.SaveAs(Path("a.effect").c_str()));
+    document.Undo();
+    Add(document, "Wind");
+    EXPECT_TRUE(document.IsModified());
+    Add(document, "Damping");
+    document.Undo();
+    EXPECT_TRUE(document.IsModified()) << "one operation is done as at the save, but another";
+    document.Redo();
+    document.Undo();
+    EXPECT_TRUE(document.IsModified());
+    ASSERT_TRUE(document.SaveAs(Path("a.effect").c_str()));
+    EXPECT_FALSE(document.IsModified());
+}
+
+TEST_F(Document, AnEditThatMergedAfterASaveIsNotTakenForWhatWasSaved)
+{
+    TDocument document(App.Get());
+    document.New();
+    TToolNode* node = Add(document, "Age");
+    auto* age = static_cast<TNodeScalarParameter*>(node->GetNodeType()->GetInput(1));
+    const float values[2] = {100, 200};
+    document.ApplyOperation(new TScalarParamOp(age, &values[0]));
+    ASSERT_TRUE(document.SaveAs(Path("a.effect").c_str()));
+    document.ApplyOperation(new TScalarParamOp(age, &values[1]));
+    ASSERT_EQ(document.GetOperationStack()->GetNumOperations(), 2);
+    document.Redo();
+    EXPECT_TRUE(document.IsModified()) << "there was nothing to redo";
+    document.Undo();
+    document.Redo();
+    EXPECT_TRUE(document.IsModified());
+    ASSERT_TRUE(document.Save());
+    document.Undo();
+    document.Redo();
+    EXPECT_FALSE(document.IsModified());
+}
+
 TEST_F(Document, AGestureIsOneStepAndTheStarFollowsIt)
 {
     TFakeHost host;
