@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/lint/lintreplay.h"
 
+#include "particles/cindermill/batch/findings/findingkinds.h"
 #include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/batch/lint/toldcauses.h"
@@ -21,13 +22,6 @@ bool StandsFor(const TReplayDifference& told, const TReplayDifference& differenc
 }
 
 } // namespace
-
-const char* GetReplayFindingKind(TDifferenceKind kind)
-{
-    static constexpr const char* Kinds[DK_NUMKINDS] = {LK_REPLAYVALUE, LK_REPLAYUNDEFINED, LK_REPLAYUNKNOWN,
-                                                       LK_REPLAYCOUNT, LK_REPLAYSTAGE};
-    return Kinds[kind];
-}
 
 bool TLintReplay::Tell(TExecServices& services, double work, TLintReport& report, TErrorList& errors) const
 {
@@ -115,7 +109,7 @@ void TLintReplay::TellDifference(const TReplayDifference& difference, TLintRepor
 {
     const TReplayPlace& place = difference.Place;
     const TString text = DescribeDifference(difference);
-    const char* kind = GetReplayFindingKind(difference.Kind);
+    const char* kind = GetReplayFindingId(GetDifferenceKindName(difference.Kind));
     const char* format = "%s, first in frame %d (%.2f s), %.0f times";
     const double times = static_cast<double>(difference.Times);
     TFinding& finding = place.Node != nullptr

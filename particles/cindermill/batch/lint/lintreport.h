@@ -52,9 +52,5 @@ private:
     const TEffectSchedule* Schedule = nullptr;
 };
 
-// What a finding tells of a node that stands in the group; -1 for one that stands in none.
-void SetNodePlace(const TEffectNode& node, int group, TFindingPlace& place);
-
-void AddNumber(TFinding& finding, const char* name, double value);
 // A node's name as messages tell it.
 TString GetNodeName(const TEffectNode& node);
