@@ -37,7 +37,7 @@ bool MayRepeat(const TString& rest)
 {
     TTextCursor cursor(rest);
     int curve = 0;
-    return cursor.TakeLast(" to") || (cursor.Take(" curve ") && cursor.TakeInt(curve) && cursor.IsAtEnd());
+    return cursor.TakeLast(" to") || (cursor.Take(" curve ") && cursor.TakeLastInt(curve));
 }
 
 // The name of the run-time class that a type's key begins with.
