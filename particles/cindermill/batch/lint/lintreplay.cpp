@@ -4,6 +4,7 @@
 #include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/batch/lint/toldcauses.h"
+#include "particles/cindermill/graph/replay/differencereason.h"
 #include "particles/cindermill/graph/replay/replaycomparison.h"
 
 #include <cmath>
@@ -45,17 +46,16 @@ bool TLintReplay::Tell(TExecServices& services, double work, TLintReport& report
 // drawn reads it is told that they lead nowhere, and enough.
 void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& report) const
 {
-    const TToldCauses causes(Schedule, report, replay);
     vector<TReplayDifference> told;
     vector<const TReplayNote*> notes;
     for (const TReplayDifference& found : replay.GetDifferences()) {
         TReplayDifference difference = found;
-        bool known = !PlaceUsefully(difference) || causes.IsTold(difference);
+        bool known = !PlaceUsefully(difference) || IsTold(Schedule, report, difference);
         for (const TReplayDifference& earlier : told)
             known = known || StandsFor(earlier, difference);
         if (known)
             continue;
-        if (const TReplayNote* note = causes.FindNote(difference)) {
+        if (const TReplayNote* note = FindReason(Schedule, replay, difference)) {
             if (notes.index_of(note) == -1)
                 TellNote(*note, report);
             notes.push_back(note);
