@@ -4,8 +4,8 @@
 #include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/batch/lint/toldcauses.h"
-#include "particles/cindermill/graph/replay/differencereason.h"
 #include "particles/cindermill/graph/replay/replaycomparison.h"
+#include "particles/cindermill/graph/replay/tolddifferences.h"
 
 #include <cmath>
 
@@ -46,6 +46,7 @@ bool TLintReplay::Tell(TExecServices& services, double work, TLintReport& report
 // drawn reads it is told that they lead nowhere, and enough.
 void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& report) const
 {
+    TToldDifferences reasons(Schedule, replay);
     vector<TReplayDifference> told;
     vector<const TReplayNote*> notes;
     for (const TReplayDifference& found : replay.GetDifferences()) {
@@ -55,7 +56,7 @@ void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& repo
             known = known || StandsFor(earlier, difference);
         if (known)
             continue;
-        if (const TReplayNote* note = FindReason(Schedule, replay, difference)) {
+        if (const TReplayNote* note = reasons.FindReason(difference)) {
             if (notes.index_of(note) == -1)
                 TellNote(*note, report);
             notes.push_back(note);

@@ -35,5 +35,6 @@ private:
 
 bool IsTold(const TEffectSchedule& schedule, const TLintReport& report, const TReplayDifference& difference)
 {
-    return TCauseSearch(schedule, TFindingCauses(report)).Find(difference) != nullptr;
+    const TFindingCauses causes(report);
+    return TCauseSearch(schedule, causes).Find(difference) != nullptr;
 }

@@ -1,7 +1,7 @@
 #include "particles/cindermill/graph/replay/replayverdict.h"
 
-#include "particles/cindermill/graph/replay/differencereason.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
+#include "particles/cindermill/graph/replay/tolddifferences.h"
 #include "particles/effectgraph/effectnode.h"
 #include "particles/effectgraph/xmltext.h"
 
@@ -37,9 +37,10 @@ void TReplayVerdict::MakeSummary(const TReplayReport& report)
 
 void TReplayVerdict::ListDifferences(const TEffectSchedule& schedule, const TReplayReport& report)
 {
+    const TToldDifferences told(schedule, report);
     vector<const TReplayNote*> reasons;
     for (const TReplayDifference& difference : report.GetDifferences()) {
-        reasons.push_back(FindReason(schedule, report, difference));
+        reasons.push_back(told.FindReason(difference));
         NumWithoutReason += reasons.back() == nullptr ? 1 : 0;
     }
     AddDifferences(report, reasons, false);

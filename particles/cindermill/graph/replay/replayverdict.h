@@ -39,6 +39,9 @@ public:
     // Of a comparison that is over, and that was to have so many frames.
     TReplayVerdict(const TEffectSchedule& schedule, const TReplayReport& report, int wantedFrames);
 
+    // As many as `replay` of the batch program has lines.
+    int GetNumDifferences() const { return Differences.size(); }
+    int GetNumWithoutReason() const { return NumWithoutReason; }
     // Where the first difference seems to come from, one without a reason ahead of others; null for nowhere.
     const TEffectNode* GetFirstNode() const { return Headline.Node; }
 
@@ -46,8 +49,7 @@ public:
     const TVerdictLine& GetHeadline() const { return Headline; }
     // The same, and what differs first.
     const TVerdictLine& GetSummary() const { return Summary; }
-    // In the order in which they were met, those without a reason first: as many as `replay` of the batch
-    // program has lines.
+    // In the order in which they were met, those without a reason first.
     const vector<TVerdictLine>& GetDifferences() const { return Differences; }
     // The notes for which something differs.
     const vector<TVerdictLine>& GetReasons() const { return Reasons; }

@@ -1,4 +1,4 @@
-#include "particles/cindermill/graph/replay/differencereason.h"
+#include "particles/cindermill/graph/replay/tolddifferences.h"
 
 #include "particles/cindermill/graph/replay/causesearch.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
@@ -36,8 +36,7 @@ private:
 
 } // namespace
 
-const TReplayNote* FindReason(const TEffectSchedule& schedule, const TReplayReport& report,
-                              const TReplayDifference& difference)
+const TReplayNote* TToldDifferences::FindReason(const TReplayDifference& difference) const
 {
-    return static_cast<const TReplayNote*>(TCauseSearch(schedule, TNoteCauses(report)).Find(difference));
+    return static_cast<const TReplayNote*>(TCauseSearch(Schedule, TNoteCauses(Report)).Find(difference));
 }
