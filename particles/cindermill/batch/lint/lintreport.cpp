@@ -86,8 +86,18 @@ const TEffectNode* TLintReport::FindSource(int group) const
     return Schedule != nullptr ? FindBirthNode(*Schedule, group) : nullptr;
 }
 
-TString GetNodeName(const TEffectNode& node)
+TString GetShownName(const TString& name)
 {
     constexpr int MaxName = 80;
-    return QuoteText(node.GetNodeType()->Name, MaxName);
+    return QuoteText(name, MaxName);
+}
+
+TString GetNodeName(const TEffectNode& node)
+{
+    return GetShownName(node.GetNodeType()->Name);
+}
+
+bool IsClass(const TEffectNode& node, const char* className)
+{
+    return node.GetNodeType()->ClassName.Compare(className) == 0;
 }

@@ -52,5 +52,8 @@ private:
     const TEffectSchedule* Schedule = nullptr;
 };
 
-// A node's name as messages tell it.
+// A name as messages tell it: in its line, and no longer than it takes to know it.
+TString GetShownName(const TString& name);
 TString GetNodeName(const TEffectNode& node);
+// Whether the node runs as that class.
+bool IsClass(const TEffectNode& node, const char* className);
