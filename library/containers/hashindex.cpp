@@ -1,5 +1,7 @@
 #include "library/containers/hashindex.h"
 
+#include "library/containers/fnvhash.h"
+
 static constexpr int FirstSize = 16;
 
 // Spreads the bits, as a chain is chosen by the lowest ones.
@@ -13,10 +15,10 @@ static uint32_t Mix(uint32_t hash)
 
 uint32_t HashText(const char* text)
 {
-    uint32_t hash = 2166136261u;
+    uint32_t hash = FnvStart32;
     for (const char* ch = text != nullptr ? text : ""; *ch != 0; ++ch) {
         const bool isSmall = *ch >= 'a' && *ch <= 'z';
-        hash = (hash ^ static_cast<uint8_t>(isSmall ? *ch - 'a' + 'A' : *ch)) * 16777619u;
+        hash = AddToFnv(hash, static_cast<uint8_t>(isSmall ? *ch - 'a' + 'A' : *ch));
     }
     return Mix(hash);
 }

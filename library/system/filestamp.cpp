@@ -1,5 +1,6 @@
 #include "library/system/filestamp.h"
 
+#include "library/containers/fnvhash.h"
 #include "library/system/file.h"
 #include "library/system/path.h"
 
@@ -24,7 +25,7 @@ bool TFileStamp::Take(const char* path)
     return true;
 }
 
-// Its hash (FNV-1a), which two different files have alike by chance only.
+// Its hash, which two different files have alike by chance only.
 void TFileStamp::TakeContent(const char* path)
 {
     constexpr int BlockSize = 1 << 16;
@@ -33,13 +34,13 @@ void TFileStamp::TakeContent(const char* path)
         return;
     vector<unsigned char> block;
     block.resize(BlockSize);
-    uint64_t hash = 14695981039346656037u;
+    uint64_t hash = FnvStart64;
     bool isRead = true;
     while (isRead && !file.IsEof()) {
         const int count = file.GetRemaining() < BlockSize ? file.GetRemaining() : BlockSize;
         isRead = file.Read(block.data(), count);
-        for (int i = 0; isRead && i < count; ++i)
-            hash = (hash ^ block[i]) * 1099511628211u;
+        if (isRead)
+            hash = AddToFnv(hash, block.data(), count);
     }
     file.Close();
     HasContent = isRead;

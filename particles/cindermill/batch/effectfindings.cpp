@@ -1,6 +1,6 @@
 #include "particles/cindermill/batch/effectfindings.h"
 
-#include "particles/cindermill/batch/lint/lintreport.h"
+#include "particles/cindermill/batch/findings/nodeplace.h"
 #include "particles/cindermill/main/document.h"
 
 void GetNodePlace(TDocument& document, const TEffectNode& node, int group, TFindingPlace& place)

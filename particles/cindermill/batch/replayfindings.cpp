@@ -1,8 +1,7 @@
 #include "particles/cindermill/batch/replayfindings.h"
 
 #include "particles/cindermill/batch/effectfindings.h"
-#include "particles/cindermill/batch/lint/lintreplay.h"
-#include "particles/cindermill/batch/lint/lintreport.h"
+#include "particles/cindermill/batch/findings/findingkinds.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/effectnode.h"
 
@@ -23,8 +22,8 @@ void AddReplayFindings(TDocument& document, const char* path, const TReplayRepor
 {
     for (const TReplayDifference& difference : replay.GetDifferences()) {
         const TReplayPlace& place = difference.Place;
-        TFinding finding =
-            MakeFinding(GetReplayFindingKind(difference.Kind), path, DescribeDifference(difference));
+        TFinding finding = MakeFinding(GetReplayFindingId(GetDifferenceKindName(difference.Kind)), path,
+                                       DescribeDifference(difference));
         SetPlace(document, place.Node, place.Group, finding);
         AddNumber(finding, "frame", place.Frame);
         AddNumber(finding, "particle", place.Particle);

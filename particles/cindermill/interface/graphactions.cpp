@@ -126,34 +126,26 @@ void TGraphActions::FillMenu(TMenu& menu)
 void TGraphActions::EnableEntries(TMenu& menu, TToolNode& node) const
 {
     vector<TToolNode*> nodes;
-    if (node.IsSelected())
-        nodes = GetDocument().GetSelection();
-    else
+    if (!node.IsSelected())
         nodes.push_back(&node);
+    EnableEntries(menu, node.IsSelected() ? GetDocument().GetSelection() : nodes);
+}
+
+void TGraphActions::EnableEntries(TMenu& menu, const vector<TToolNode*>& nodes) const
+{
     for (const TGraphAction& action : GraphActions)
         if (action.Text != nullptr)
             menu.EnableItem(action.Id, IsUseful(action.Id, nodes));
-    if (GetDocument().GetGraph()->GetNumNodes() < 2)
-        menu.EnableItem(GA_TIDY, false);
 }
 
 void TGraphActions::ShowEntries(TMenu& menu, TGraphActions* actions, bool shown)
 {
-    const vector<TToolNode*> none;
-    const vector<TToolNode*>& nodes = actions != nullptr ? actions->GetDocument().GetSelection() : none;
-    const int numNodes = actions != nullptr ? actions->GetDocument().GetGraph()->GetNumNodes() : 0;
-    for (const TGraphAction& action : GraphActions) {
-        if (action.Text == nullptr)
-            continue;
-        bool isUseful = actions != nullptr;
-        if (action.Id == GA_FINDNODE)
-            isUseful = numNodes > 0;
-        else if (action.Id == GA_TIDY)
-            isUseful = numNodes > 1;
-        else if (action.Id != GA_ADDNODE && action.Id != GA_MINIMAP)
-            isUseful = !nodes.empty() && IsUseful(action.Id, nodes);
-        menu.EnableItem(action.Id, !shown || isUseful);
-    }
+    if (shown && actions != nullptr)
+        actions->EnableEntries(menu, actions->GetDocument().GetSelection());
+    else
+        for (const TGraphAction& action : GraphActions)
+            if (action.Text != nullptr)
+                menu.EnableItem(action.Id, !shown);
     menu.CheckItem(GA_MINIMAP, actions != nullptr && actions->Graph.GetMinimap().IsShown());
 }
 
@@ -169,9 +161,16 @@ void TGraphActions::OnMainMenu(int id)
     IsInMainMenu = false;
 }
 
-bool TGraphActions::IsUseful(int id, const vector<TToolNode*>& nodes)
+bool TGraphActions::IsUseful(int id, const vector<TToolNode*>& nodes) const
 {
     switch (id) {
+    case GA_ADDNODE:
+    case GA_MINIMAP:
+        return true;
+    case GA_FINDNODE:
+        return GetDocument().GetGraph()->GetNumNodes() > 0;
+    case GA_TIDY:
+        return GetDocument().GetGraph()->GetNumNodes() > 1;
     case GA_BYPASS:
         return CanBypassAny(nodes);
     case GA_TAKEOUT:
@@ -190,7 +189,7 @@ bool TGraphActions::IsUseful(int id, const vector<TToolNode*>& nodes)
     case GA_DISTRIBUTEDOWN:
         return nodes.size() >= 3;
     default:
-        return true;
+        return !nodes.empty();
     }
 }
 

@@ -42,7 +42,9 @@ public:
 private:
     TDocument& GetDocument() const;
     TGraphScene& GetScene() const;
-    static bool IsUseful(int id, const vector<TToolNode*>& nodes);
+    void EnableEntries(TMenu& menu, const vector<TToolNode*>& nodes) const;
+    // Whether the entry has something to do if these are selected.
+    bool IsUseful(int id, const vector<TToolNode*>& nodes) const;
     bool OnKey(int key);
     bool Do(int id);
     bool DoToSelection(int id, bool& done);

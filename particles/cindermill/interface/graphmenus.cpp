@@ -22,7 +22,6 @@ constexpr int MenuInsertNode = 40217;
 constexpr int MenuNodeProperties = 40216;
 constexpr int MenuNodeTrace = 40218;
 
-// Number 118.
 void FillNodeMenu(TMenu& menu)
 {
     menu.AddItem(MenuFocusNodeGroup, "Focus Node Group");

@@ -23,7 +23,6 @@ public:
     // What was chosen in one of them, or by an entry of theirs that stands elsewhere too.
     void OnCommand(int id);
     // The node whose menu is open, or null.
-    const TToolNode* GetNode() const { return Node; }
 
 private:
     bool OpenValueMenu(const TVector2& point);

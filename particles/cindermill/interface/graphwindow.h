@@ -88,8 +88,6 @@ public:
     bool IsFocusHere(const TRenderObject& focus) const;
     TMinimap& GetMinimap() { return Minimap; }
     void Redraw() override;
-    // The node whose menu is open, or null.
-    const TToolNode* GetContextNode() const { return Menus.GetNode(); }
 
 private:
     TDocument& GetDocument() const;

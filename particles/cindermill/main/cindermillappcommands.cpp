@@ -6,8 +6,6 @@
 #include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
-#include "particles/cindermill/graph/operations/tooledge.h"
-#include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/apphost.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/displayerrors.h"
@@ -532,17 +530,7 @@ bool TCindermillApp::PreparePaste()
 void TCindermillApp::PasteFromClipboard(TDocument& document, vector<TToolNode*>& nodes)
 {
     constexpr int Step = 10;
-    const TClipboard& clipboard = GetClipboard();
-    nodes.reserve(clipboard.GetNodes().size());
-    for (TToolNode* source : clipboard.GetNodes()) {
-        source->MoveBy(Step, Step);
-        TToolNode* node = new TToolNode;
-        node->Create(&document, *source->GetNodeType(), source->GetX(), source->GetY(), false);
-        nodes.push_back(node);
-    }
-    for (const TClipboard::TEdge& record : clipboard.GetEdges()) {
-        TToolEdge* edge = new TToolEdge;
-        edge->Connect(nodes[record.SrcNode], record.SrcPort, nodes[record.DstNode], record.DstPort);
-        edge->AttachEnds();
-    }
+    vector<TToolEdge*> edges;
+    GetClipboard().MoveBy(Step, Step);
+    GetClipboard().MakeCopies(&document, nodes, edges);
 }

@@ -1,6 +1,7 @@
 #include "particles/cindermill/main/clipboard.h"
 
 #include "library/containers/append.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/effectgraph/pointermap.h"
 
@@ -56,5 +57,27 @@ void TClipboard::Take(const TEffectGraph& graph)
                 const TEffectEdge* edge = node.GetOutputEdge(port, n);
                 Append(Edges, TEdge{src, port, places.Find(edge->GetDstNode()), edge->GetDstPort()});
             }
+    }
+}
+
+void TClipboard::MoveBy(int x, int y)
+{
+    for (TToolNode* node : Nodes.Get())
+        node->MoveBy(x, y);
+}
+
+void TClipboard::MakeCopies(TEditContext* document, vector<TToolNode*>& nodes,
+                            vector<TToolEdge*>& edges) const
+{
+    for (const TToolNode* source : Nodes.Get()) {
+        TToolNode* node = new TToolNode;
+        node->Create(document, *source->GetNodeType(), source->GetX(), source->GetY(), false);
+        Append(nodes, node);
+    }
+    for (const TEdge& record : Edges) {
+        TToolEdge* edge = new TToolEdge;
+        edge->Connect(nodes[record.SrcNode], record.SrcPort, nodes[record.DstNode], record.DstPort);
+        edge->AttachEnds();
+        Append(edges, edge);
     }
 }

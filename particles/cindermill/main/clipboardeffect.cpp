@@ -26,23 +26,21 @@ TEffectGraph* MakeGraph(const TClipboard& clipboard, TChunkFile& chunks)
     chunks.AddChunk(new TOperationStack);
     TEffectGraph* graph = new TEffectGraph;
     chunks.AddChunk(graph);
-    vector<TEffectNode*> nodes;
-    for (const TToolNode* source : clipboard.GetNodes()) {
-        TToolNode* node = new TToolNode;
-        node->Create(nullptr, *source->GetNodeType(), source->GetX(), source->GetY(), false);
+    vector<TToolNode*> nodes;
+    vector<TToolEdge*> edges;
+    clipboard.MakeCopies(nullptr, nodes, edges);
+    vector<TEffectNode*> ownNodes;
+    for (TToolNode* node : nodes) {
         node->RegisterChunks(chunks);
-        Append(nodes, node);
+        Append(ownNodes, node);
     }
-    graph->AddNodes(nodes);
-    vector<TEffectEdge*> edges;
-    for (const TClipboard::TEdge& record : clipboard.GetEdges()) {
-        TToolEdge* edge = new TToolEdge;
+    graph->AddNodes(ownNodes);
+    vector<TEffectEdge*> ownEdges;
+    for (TToolEdge* edge : edges) {
         chunks.AddChunk(edge);
-        edge->Connect(nodes[record.SrcNode], record.SrcPort, nodes[record.DstNode], record.DstPort);
-        edge->AttachEnds();
-        Append(edges, edge);
+        Append(ownEdges, edge);
     }
-    graph->AddEdges(edges);
+    graph->AddEdges(ownEdges);
     return graph;
 }
 

@@ -8,22 +8,20 @@
 
 bool TEffectFile::Load(const char* path)
 {
-    bool loaded = false;
-    TString text;
-    const bool unbroken = RunGuarded([&] { loaded = Chunks.Load(path); }, text);
-    return FinishLoad(unbroken, loaded, text);
+    return LoadBy([&] { return Chunks.Load(path); });
 }
 
 bool TEffectFile::LoadFromMemory(const vector<uint8_t>& bytes)
 {
-    bool loaded = false;
-    TString text;
-    const bool unbroken = RunGuarded([&] { loaded = Chunks.LoadFromMemory(bytes); }, text);
-    return FinishLoad(unbroken, loaded, text);
+    return LoadBy([&] { return Chunks.LoadFromMemory(bytes); });
 }
 
-bool TEffectFile::FinishLoad(bool unbroken, bool loaded, const TString& text)
+template <class TLoad>
+bool TEffectFile::LoadBy(const TLoad& load)
 {
+    bool loaded = false;
+    TString text;
+    const bool unbroken = RunGuarded([&] { loaded = load(); }, text);
     if (!unbroken)
         Fault = text;
     else if (loaded)

@@ -31,7 +31,8 @@ public:
     const TString& GetFault() const { return Fault; }
 
 private:
-    bool FinishLoad(bool unbroken, bool loaded, const TString& text);
+    template <class TLoad>
+    bool LoadBy(const TLoad& load);
 
     TChunkFile& Chunks;
     TEffectGraph* Graph = nullptr;

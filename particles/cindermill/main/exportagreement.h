@@ -59,13 +59,11 @@ public:
     // The comparison is over, and the verdict holds.
     bool IsKnown() const { return Known; }
     const TReplayVerdict& GetVerdict() const { return Verdict; }
-    // Why there is none; empty for no such reason.
-    const TString& GetFault() const { return Fault; }
     // "Comparing preview and export: frame 40 of 150".
     void GetProgress(TString& text) const;
     // What stays in sight after an export: what it comes to, the reasons that are known.
     const vector<TVerdictLine>& GetLines() const { return Lines; }
-    // The whole of it, line by line.
+    // The whole of it, line by line, or why there is none.
     void GetText(TString& text) const;
     // Once after an export: what was told of it and what it comes to. False if there is nothing to tell.
     bool TakeStatus(TString& text);

@@ -1,13 +1,12 @@
 #include "particles/cindermill/main/sharedclipboard.h"
 
+#include "library/containers/fnvhash.h"
 #include "particles/cindermill/graph/text/effecttextreader.h"
 #include "particles/cindermill/main/clipboardeffect.h"
 
-// FNV-1a.
-TSharedClipboard::TPrint::TPrint(const void* data, int size) : Size(size), Hash(14695981039346656037u)
+TSharedClipboard::TPrint::TPrint(const void* data, int size)
+    : Size(size), Hash(AddToFnv(FnvStart64, data, size))
 {
-    for (int i = 0; i < size; ++i)
-        Hash = (Hash ^ static_cast<const uint8_t*>(data)[i]) * 1099511628211u;
 }
 
 void TSharedClipboard::Copy(const vector<TToolNode*>& nodes)

@@ -2,6 +2,9 @@
 
 #include "library/wimp/gl/renderobject.h"
 #include "library/wimp/gl/systemfonts.h"
+#include "particles/cindermill/picture/pictureoptions.h"
+
+#include <cstdio>
 
 namespace {
 
@@ -46,15 +49,8 @@ private:
     const uint32_t Paper;
 };
 
-} // namespace
-
-TContactSheet::TContactSheet(TOffscreenContext& context, int count, int columns)
-    : Label(context), Count(count), Columns(columns < count ? columns : count)
-{
-    Font.Create(DefaultFontName, FontSize);
-}
-
-int TContactSheet::GetUsualColumns(int count)
+// As many as make a sheet about as wide as it is high.
+int GetUsualColumns(int count)
 {
     int columns = 1;
     while (columns * columns < count)
@@ -62,16 +58,35 @@ int TContactSheet::GetUsualColumns(int count)
     return columns;
 }
 
-bool TContactSheet::SetCellSize(int width, int height, int maxSide)
+} // namespace
+
+TContactSheet::TContactSheet(TOffscreenContext& context, const TPictureOptions& options, int count)
+    : Label(context), Count(count), CellWidth(options.Width), CellHeight(options.Height)
 {
+    const int wanted = options.Columns > 0 ? options.Columns : GetUsualColumns(count);
+    Columns = wanted < count ? wanted : count;
+    Font.Create(DefaultFontName, FontSize);
+}
+
+bool TContactSheet::Create()
+{
+    constexpr int most = TPictureOptions::MaxSide;
     const int rows = (Count + Columns - 1) / Columns;
     // Both are below 2^14, and so are rows and columns.
-    SheetWidth = Gap + Columns * (width + Gap);
-    SheetHeight = Gap + rows * (height + LabelHeight + Gap);
-    CellWidth = width;
-    CellHeight = height;
-    return SheetWidth <= maxSide && SheetHeight <= maxSide && Label.Resize(width, LabelHeight) &&
-           Renderer.Init(&Label);
+    SheetWidth = Gap + Columns * (CellWidth + Gap);
+    SheetHeight = Gap + rows * (CellHeight + LabelHeight + Gap);
+    if (SheetWidth <= most && SheetHeight <= most && Label.Resize(CellWidth, LabelHeight) &&
+        Renderer.Init(&Label))
+        return true;
+    std::fprintf(stderr, "A sheet has no more than %d pixels across and down\n", most);
+    return false;
+}
+
+TRgbPicture TContactSheet::MakePicture() const
+{
+    TRgbPicture sheet(SheetWidth, SheetHeight);
+    sheet.Fill(PaperColour);
+    return sheet;
 }
 
 void TContactSheet::PutCell(TRgbPicture& sheet, int index, const TRgbPicture& picture, const char* text)

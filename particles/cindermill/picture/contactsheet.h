@@ -5,22 +5,20 @@
 #include "library/wimp/gl/renderer.h"
 #include "library/wimp/gl/renderfont.h"
 
+struct TPictureOptions;
+
 // Pictures of one size in rows, each with a line of text below it.
 class TContactSheet
 {
 public:
     // The context, which is current, stays the caller's.
-    TContactSheet(TOffscreenContext& context, int count, int columns);
+    TContactSheet(TOffscreenContext& context, const TPictureOptions& options, int count);
 
-    // The size of the whole, which a sheet of no more than `maxSide` pixels has.
-    bool SetCellSize(int width, int height, int maxSide);
-    // Asks for SetCellSize first.
-    TRgbPicture MakePicture() const { return TRgbPicture(SheetWidth, SheetHeight); }
-    void Clear(TRgbPicture& sheet) const { sheet.Fill(PaperColour); }
+    // Lays it out; false, with the reason told, where it would be too large.
+    bool Create();
+    // The paper alone.
+    TRgbPicture MakePicture() const;
     void PutCell(TRgbPicture& sheet, int index, const TRgbPicture& picture, const char* text);
-
-    // As many columns as make a sheet about as wide as it is high.
-    static int GetUsualColumns(int count);
 
 private:
     static constexpr uint32_t PaperColour = 0x1E2023;
@@ -29,9 +27,9 @@ private:
     TRenderer Renderer;
     TFontInstance Font;
     int Count;
-    int Columns;
-    int CellWidth = 0;
-    int CellHeight = 0;
+    int Columns = 1;
+    int CellWidth;
+    int CellHeight;
     int SheetWidth = 0;
     int SheetHeight = 0;
 };

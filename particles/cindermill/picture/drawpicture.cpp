@@ -48,16 +48,10 @@ private:
 
     bool DrawAll(const char* out)
     {
-        const int count = Options.GetNumPictures();
-        TContactSheet sheet(Drawer.GetContext(), count,
-                            Options.Columns > 0 ? Options.Columns : TContactSheet::GetUsualColumns(count));
-        if (!sheet.SetCellSize(Options.Width, Options.Height, TPictureOptions::MaxSide)) {
-            std::fprintf(stderr, "A sheet has no more than %d pixels across and down\n",
-                         TPictureOptions::MaxSide);
+        TContactSheet sheet(Drawer.GetContext(), Options, Options.GetNumPictures());
+        if (!sheet.Create())
             return false;
-        }
         TRgbPicture whole = sheet.MakePicture();
-        sheet.Clear(whole);
         int index = 0;
         for (int frame = Options.FirstFrame; frame <= Options.LastFrame; ++frame)
             if (!Effect.RunTo(frame) || !DrawFrame(sheet, whole, frame, index))

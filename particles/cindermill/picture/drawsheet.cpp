@@ -40,16 +40,10 @@ bool DrawEffects(TBatchSession& session, const TPictureOptions& options, const T
     TPictureDrawer drawer;
     if (!drawer.Create(options.Width, options.Height))
         return false;
-    TContactSheet sheet(drawer.GetContext(), effects.size(),
-                        options.Columns > 0 ? options.Columns
-                                            : TContactSheet::GetUsualColumns(effects.size()));
-    if (!sheet.SetCellSize(options.Width, options.Height, TPictureOptions::MaxSide)) {
-        std::fprintf(stderr, "A sheet has no more than %d pixels across and down\n",
-                     TPictureOptions::MaxSide);
+    TContactSheet sheet(drawer.GetContext(), options, effects.size());
+    if (!sheet.Create())
         return false;
-    }
     TRgbPicture whole = sheet.MakePicture();
-    sheet.Clear(whole);
     bool all = true;
     TRgbPicture picture(options.Width, options.Height);
     for (int i = 0; i < effects.size(); ++i) {

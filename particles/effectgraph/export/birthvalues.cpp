@@ -1,50 +1,27 @@
 #include "particles/effectgraph/export/birthvalues.h"
 
 #include "library/containers/nametocrc.h"
+#include "particles/effectgraph/export/eventparent.h"
 #include "particles/effectgraph/export/exportfield.h"
 #include "particles/effectgraph/export/roundup.h"
 #include "particles/effectgraph/export/rowformat.h"
 
 namespace {
 constexpr int EventAlignment = 16;
-
-// An emitter's trigger says how many are born; it is no value of theirs.
-bool IsBirthValue(const TEffectSchedule& schedule, const TExportGroup& exported, int group, int attrib)
-{
-    return schedule.GetAttributeExternalGroup(group, attrib) != -1 && attrib != exported.TriggerInput &&
-           exported.Attributes[attrib].Name.Compare("Emission Trigger") != 0;
-}
-
-// Whether it is the number of births once more.
-bool IsCount(const TEffectSchedule& schedule, const TExportGroup& exported, int group, int attrib)
-{
-    return schedule.GetAttributeExternalGroup(group, attrib) == exported.TriggerGroup &&
-           schedule.GetAttributeExternalAttrib(group, attrib) == exported.TriggerAttrib;
-}
 } // namespace
 
 TGroupEvent PlanEvent(const TEffectSchedule& schedule, const vector<TExportGroup>& groups, int group)
 {
     const TExportGroup& exported = groups[group];
+    const TEventParent parent = FindEventParent(schedule, group, exported.TriggerInput);
     TGroupEvent event;
-    int first = 0;
-    for (int attrib = 0; attrib < exported.Attributes.size(); ++attrib) {
-        if (!IsBirthValue(schedule, exported, group, attrib) || IsCount(schedule, exported, group, attrib))
-            continue;
-        const int external = schedule.GetAttributeExternalGroup(group, attrib);
-        if (event.Parent != -1 && event.Parent != external) {
-            ++event.NumChanges;
-            first = attrib;
-        }
-        event.Parent = external;
-    }
-    if (event.Parent == -1)
-        event.Parent = exported.TriggerGroup;
+    event.Parent = parent.Group;
+    event.NumChanges = parent.NumChanges;
     if (event.Parent == -1)
         return event;
     // The number of births comes along where its group is the parent.
-    for (int attrib = first; attrib < exported.Attributes.size(); ++attrib)
-        if (IsBirthValue(schedule, exported, group, attrib) &&
+    for (int attrib = parent.FirstAttrib; attrib < exported.Attributes.size(); ++attrib)
+        if (IsBirthValue(schedule, group, attrib, exported.TriggerInput) &&
             schedule.GetAttributeExternalGroup(group, attrib) == event.Parent)
             event.Attribs.push_back(attrib);
     return event;
@@ -140,7 +117,7 @@ void TBirthValues::ClearUnsupplied(const TGroupEvent& event)
 {
     for (int attrib = 0; attrib < Out.Attributes.size(); ++attrib) {
         const bool isSupplied = event.Attribs.index_of(attrib) != -1;
-        if (IsBirthValue(Schedule, Out, Group, attrib) && !isSupplied)
+        if (IsBirthValue(Schedule, Group, attrib, Out.TriggerInput) && !isSupplied)
             for (int row = 0; row < Out.Attributes[attrib].RowCount; ++row)
                 ClearRow(attrib, row);
         else if (Out.Attributes[attrib].FirstWriter != -1)

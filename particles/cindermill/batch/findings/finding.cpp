@@ -2,6 +2,11 @@
 
 static const char* const SeverityNames[] = {"note", "warning", "error"};
 
+void AddNumber(TFinding& finding, const char* name, double value)
+{
+    finding.Numbers.push_back(TFindingNumber{name, value});
+}
+
 const char* GetSeverityName(TFindingSeverity severity)
 {
     return SeverityNames[severity];

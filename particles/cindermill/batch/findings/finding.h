@@ -49,6 +49,9 @@ struct TFinding
     TString Allowed;
 };
 
+// The name lives as long as the program.
+void AddNumber(TFinding& finding, const char* name, double value);
+
 // The findings of a run, in the order in which they came.
 class TFindingList
 {

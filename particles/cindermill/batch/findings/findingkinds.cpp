@@ -100,3 +100,11 @@ const TFindingKind* FindFindingKind(const char* id)
             return &kind;
     return nullptr;
 }
+
+const char* GetReplayFindingId(const char* difference)
+{
+    const TString id = TString("replay.") += difference;
+    const TFindingKind* kind = FindFindingKind(id);
+    ASSERT(kind != nullptr);
+    return kind->Id;
+}

@@ -16,3 +16,5 @@ int GetNumFindingKinds();
 const TFindingKind& GetFindingKind(int index);
 // Null for an unknown one.
 const TFindingKind* FindFindingKind(const char* id);
+// The id for a kind of difference between preview and exported file: "replay.value" for "value".
+const char* GetReplayFindingId(const char* difference);

@@ -4,7 +4,6 @@
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/graph/engine/effectexec.h"
 #include "particles/cindermill/graph/engine/particlebuffer.h"
-#include "particles/effectgraph/xmltext.h"
 
 #include <cstring>
 
@@ -57,7 +56,6 @@ void TLintBirths::NodeRanAtBirth(int group, int tied, int count)
 
 void TLintBirths::Tell(TLintReport& report)
 {
-    constexpr int MaxName = 80;
     for (const TValue& value : Values)
         if (value.Differs)
             report.AddNode(
@@ -65,5 +63,5 @@ void TLintBirths::Tell(TLintReport& report)
                 value.Group,
                 "In the preview all living particles read the \"%s\" of the last that was born; on "
                 "the console each has its own",
-                QuoteText(Schedule.GetAttributeName(value.Group, value.Attrib), MaxName).Print());
+                GetShownName(Schedule.GetAttributeName(value.Group, value.Attrib)).Print());
 }

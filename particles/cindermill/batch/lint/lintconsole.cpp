@@ -10,7 +10,6 @@
 #include "particles/cindermill/graph/replay/exportedfields.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
-#include "particles/effectgraph/xmltext.h"
 
 #include <cmath>
 
@@ -34,11 +33,6 @@ constexpr int PlaneInput = 2;
 constexpr int PlaneSizeInput = 3;
 // A particle this far behind a plane has passed it.
 constexpr float PassedDepth = 0.01f;
-
-bool IsClass(const TEffectNode& node, const char* className)
-{
-    return node.GetNodeType()->ClassName.Compare(className) == 0;
-}
 
 } // namespace
 
@@ -144,7 +138,6 @@ void TLintConsole::TellPlaces(TLintReport& report, int group) const
 
 void TLintConsole::TellNode(TLintReport& report, const TEffectNode& node) const
 {
-    constexpr int MaxName = 80;
     const TString name = GetNodeName(node);
     for (const TFateText& entry : FateTexts)
         if (GetConsoleFate(*node.GetNodeType()) == entry.Fate) {
@@ -161,7 +154,7 @@ void TLintConsole::TellNode(TLintReport& report, const TEffectNode& node) const
             node.GetNodeType()->GetInputName(input.Port, port);
             report.AddNode(LK_CONSOLEFIXED, node, -1,
                            "\"%s\" of %s is wired, but the console gets the value that stands there",
-                           QuoteText(port, MaxName).Print(), name.Print());
+                           GetShownName(port).Print(), name.Print());
         }
     const auto* life = node.GetNodeType()->FindParameterOf<TNodeGroupParameter>("Max Life Time", PK_GROUP);
     if (IsClass(node, "TEffect") && life != nullptr && life->Get())

@@ -2,18 +2,12 @@
 
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/effectgraph/effectgraph.h"
-#include "particles/effectgraph/xmltext.h"
 
 namespace {
 
 bool IsStage(const TEffectNode& node)
 {
     return node.GetNodeType()->Category == TU_RENDER;
-}
-
-bool IsClass(const TEffectNode& node, const char* className)
-{
-    return node.GetNodeType()->ClassName.Compare(className) == 0;
 }
 
 bool HasOutputEdges(const TEffectNode& node)
@@ -148,7 +142,6 @@ void TLintGraph::TellBypassed(TLintReport& report) const
 
 void TLintGraph::TellWires(TLintReport& report) const
 {
-    constexpr int MaxName = 80;
     for (int e = 0; e < Graph.GetNumEdges(); ++e) {
         const TEffectEdge& edge = *Graph.GetEdge(e);
         const TNodeType& source = *edge.GetSrcNode()->GetNodeType();
@@ -165,9 +158,8 @@ void TLintGraph::TellWires(TLintReport& report) const
         report.AddNode(converts ? LK_GRAPHCONVERTS : LK_GRAPHZERO, *edge.GetDstNode(), -1,
                        converts ? "\"%s\" gets the %s \"%s\" of %s as a %s"
                                 : "\"%s\" gets nothing of the %s \"%s\" of %s: it cannot become a %s",
-                       QuoteText(input, MaxName).Print(), GetTypeName(from),
-                       QuoteText(output, MaxName).Print(), GetNodeName(*edge.GetSrcNode()).Print(),
-                       GetTypeName(to));
+                       GetShownName(input).Print(), GetTypeName(from), GetShownName(output).Print(),
+                       GetNodeName(*edge.GetSrcNode()).Print(), GetTypeName(to));
     }
 }
 

@@ -3,7 +3,6 @@
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/graph/engine/effectexec.h"
 #include "particles/cindermill/graph/engine/particlebuffer.h"
-#include "particles/effectgraph/xmltext.h"
 
 #include <cmath>
 
@@ -112,9 +111,8 @@ void TLintNumbers::EndFrame()
 
 void TLintNumbers::Tell(TLintReport& report)
 {
-    constexpr int MaxName = 80;
     for (const TBadValue& bad : Bad) {
-        const TString name = QuoteText(Schedule.GetAttributeName(bad.Group, bad.Attrib), MaxName);
+        const TString name = GetShownName(Schedule.GetAttributeName(bad.Group, bad.Attrib));
         TFinding& finding = report.AddNode(
             LK_NUMBERBAD, *bad.Node, bad.Group,
             "%s writes %s into \"%s\", component %d, first in frame %d (%.2f s, seed %d)",

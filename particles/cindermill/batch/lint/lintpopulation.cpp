@@ -13,11 +13,6 @@ namespace {
 constexpr double EndlessLife = 3600.0;
 constexpr int MaxAgeInput = 1;
 
-bool IsClass(const TEffectNode& node, const char* className)
-{
-    return node.GetNodeType()->ClassName.Compare(className) == 0;
-}
-
 } // namespace
 
 TLintPopulation::TLintPopulation(const TEffectSchedule& schedule, const TLintOptions& options)

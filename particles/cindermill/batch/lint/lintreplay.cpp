@@ -1,9 +1,11 @@
 #include "particles/cindermill/batch/lint/lintreplay.h"
 
+#include "particles/cindermill/batch/findings/findingkinds.h"
 #include "particles/cindermill/batch/lint/lintgraph.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/batch/lint/toldcauses.h"
 #include "particles/cindermill/graph/replay/replaycomparison.h"
+#include "particles/cindermill/graph/replay/tolddifferences.h"
 
 #include <cmath>
 
@@ -21,13 +23,6 @@ bool StandsFor(const TReplayDifference& told, const TReplayDifference& differenc
 }
 
 } // namespace
-
-const char* GetReplayFindingKind(TDifferenceKind kind)
-{
-    static constexpr const char* Kinds[DK_NUMKINDS] = {LK_REPLAYVALUE, LK_REPLAYUNDEFINED, LK_REPLAYUNKNOWN,
-                                                       LK_REPLAYCOUNT, LK_REPLAYSTAGE};
-    return Kinds[kind];
-}
 
 bool TLintReplay::Tell(TExecServices& services, double work, TLintReport& report, TErrorList& errors) const
 {
@@ -51,17 +46,17 @@ bool TLintReplay::Tell(TExecServices& services, double work, TLintReport& report
 // drawn reads it is told that they lead nowhere, and enough.
 void TLintReplay::TellDifferences(const TReplayReport& replay, TLintReport& report) const
 {
-    const TToldCauses causes(Schedule, report, replay);
+    TToldDifferences reasons(Schedule, replay);
     vector<TReplayDifference> told;
     vector<const TReplayNote*> notes;
     for (const TReplayDifference& found : replay.GetDifferences()) {
         TReplayDifference difference = found;
-        bool known = !PlaceUsefully(difference) || causes.IsTold(difference);
+        bool known = !PlaceUsefully(difference) || IsTold(Schedule, report, difference);
         for (const TReplayDifference& earlier : told)
             known = known || StandsFor(earlier, difference);
         if (known)
             continue;
-        if (const TReplayNote* note = causes.FindNote(difference)) {
+        if (const TReplayNote* note = reasons.FindReason(difference)) {
             if (notes.index_of(note) == -1)
                 TellNote(*note, report);
             notes.push_back(note);
@@ -115,7 +110,7 @@ void TLintReplay::TellDifference(const TReplayDifference& difference, TLintRepor
 {
     const TReplayPlace& place = difference.Place;
     const TString text = DescribeDifference(difference);
-    const char* kind = GetReplayFindingKind(difference.Kind);
+    const char* kind = GetReplayFindingId(GetDifferenceKindName(difference.Kind));
     const char* format = "%s, first in frame %d (%.2f s), %.0f times";
     const double times = static_cast<double>(difference.Times);
     TFinding& finding = place.Node != nullptr

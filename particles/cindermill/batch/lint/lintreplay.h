@@ -9,9 +9,6 @@ class TExecServices;
 class TLintGraph;
 class TLintReport;
 
-// The id of the finding for a difference of the kind.
-const char* GetReplayFindingKind(TDifferenceKind kind);
-
 // Where the exported file does something else than the preview shows, without a node that is told to.
 class TLintReplay
 {

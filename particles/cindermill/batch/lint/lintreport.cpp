@@ -1,7 +1,7 @@
 #include "particles/cindermill/batch/lint/lintreport.h"
 
 #include "particles/cindermill/batch/findings/findingreport.h"
-#include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/batch/findings/nodeplace.h"
 #include "particles/cindermill/graph/replay/birthsource.h"
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/error.h"
@@ -63,19 +63,6 @@ void TLintReport::AddError(const char* kind, const TError& error)
         SetNodePlace(*node, source.Group != -1 ? source.Group : FindGroup(*node), finding.Place);
 }
 
-void SetNodePlace(const TEffectNode& node, int group, TFindingPlace& place)
-{
-    place.Node = node.GetNodeType()->Name;
-    place.Type = node.GetNodeType()->ClassName;
-    place.Group = group;
-    place.Id = node.ChunkIdx;
-    if (!IsClassA(FindClassByNameID(node.GetClassId()), TToolNode::ClassId()))
-        return;
-    const TToolNode& tool = static_cast<const TToolNode&>(node);
-    place.X = static_cast<float>(tool.GetX());
-    place.Y = static_cast<float>(tool.GetY());
-}
-
 int TLintReport::FindGroup(const TEffectNode& node) const
 {
     return Schedule != nullptr ? Schedule->FindGroupOf(node) : -1;
@@ -99,13 +86,18 @@ const TEffectNode* TLintReport::FindSource(int group) const
     return Schedule != nullptr ? FindBirthNode(*Schedule, group) : nullptr;
 }
 
-void AddNumber(TFinding& finding, const char* name, double value)
+TString GetShownName(const TString& name)
 {
-    finding.Numbers.push_back(TFindingNumber{name, value});
+    constexpr int MaxName = 80;
+    return QuoteText(name, MaxName);
 }
 
 TString GetNodeName(const TEffectNode& node)
 {
-    constexpr int MaxName = 80;
-    return QuoteText(node.GetNodeType()->Name, MaxName);
+    return GetShownName(node.GetNodeType()->Name);
+}
+
+bool IsClass(const TEffectNode& node, const char* className)
+{
+    return node.GetNodeType()->ClassName.Compare(className) == 0;
 }

@@ -52,9 +52,8 @@ private:
     const TEffectSchedule* Schedule = nullptr;
 };
 
-// What a finding tells of a node that stands in the group; -1 for one that stands in none.
-void SetNodePlace(const TEffectNode& node, int group, TFindingPlace& place);
-
-void AddNumber(TFinding& finding, const char* name, double value);
-// A node's name as messages tell it.
+// A name as messages tell it: in its line, and no longer than it takes to know it.
+TString GetShownName(const TString& name);
 TString GetNodeName(const TEffectNode& node);
+// Whether the node runs as that class.
+bool IsClass(const TEffectNode& node, const char* className);

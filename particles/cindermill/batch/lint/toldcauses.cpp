@@ -2,8 +2,6 @@
 
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/graph/replay/causesearch.h"
-#include "particles/cindermill/graph/replay/replayreport.h"
-#include "particles/cindermill/graph/replay/tolddifferences.h"
 #include "particles/effectgraph/effectnode.h"
 
 namespace {
@@ -35,12 +33,8 @@ private:
 
 } // namespace
 
-bool TToldCauses::IsTold(const TReplayDifference& difference) const
+bool IsTold(const TEffectSchedule& schedule, const TLintReport& report, const TReplayDifference& difference)
 {
-    return TCauseSearch(Schedule, TFindingCauses(Report)).Find(difference) != nullptr;
-}
-
-const TReplayNote* TToldCauses::FindNote(const TReplayDifference& difference) const
-{
-    return TToldDifferences(Schedule, Replay).FindReason(difference);
+    const TFindingCauses causes(report);
+    return TCauseSearch(schedule, causes).Find(difference) != nullptr;
 }

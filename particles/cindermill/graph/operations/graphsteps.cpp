@@ -127,17 +127,6 @@ bool HasInput(const TEffectNode* node, int port)
     return node != nullptr && port >= 0 && port < node->GetNumInputs();
 }
 
-bool IsAtSource(const TEffectEdge& edge)
-{
-    const TEffectNode* node = edge.GetSrcNode();
-    if (!HasOutput(node, edge.GetSrcPort()))
-        return false;
-    int count = 0;
-    for (int n = 0; n < node->GetNumOutputEdges(edge.GetSrcPort()); ++n)
-        count += node->GetOutputEdge(edge.GetSrcPort(), n) == &edge ? 1 : 0;
-    return count == 1;
-}
-
 bool IsAtDestination(const TEffectEdge& edge)
 {
     return HasInput(edge.GetDstNode(), edge.GetDstPort()) &&

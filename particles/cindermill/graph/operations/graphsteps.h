@@ -47,8 +47,6 @@ private:
     vector<TPortRef> Outputs;
 };
 
-// Whether the output's list holds the edge, once.
-bool IsAtSource(const TEffectEdge& edge);
 bool IsAtDestination(const TEffectEdge& edge);
 // All edges at the ports of a node.
 void GetEdges(const TEffectNode& node, vector<TEffectEdge*>& result);

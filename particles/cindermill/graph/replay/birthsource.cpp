@@ -1,5 +1,7 @@
 #include "particles/cindermill/graph/replay/birthsource.h"
 
+#include "particles/effectgraph/export/eventparent.h"
+
 #include <initializer_list>
 
 bool EmitsParticles(const TNodeType& type)
@@ -17,15 +19,6 @@ bool FiresParticles(const TNodeType& type)
     return EmitsParticles(type) && !type.IsBypassed() && type.GetNumInputs() > 0;
 }
 
-// The number itself, or the same once more.
-bool IsCount(const TEffectSchedule& schedule, int group, int attrib, int input)
-{
-    return attrib == input || (schedule.GetAttributeExternalGroup(group, attrib) ==
-                                   schedule.GetAttributeExternalGroup(group, input) &&
-                               schedule.GetAttributeExternalAttrib(group, attrib) ==
-                                   schedule.GetAttributeExternalAttrib(group, input));
-}
-
 } // namespace
 
 int FindTriggerInput(const TEffectSchedule& schedule, int group)
@@ -39,19 +32,9 @@ int FindTriggerInput(const TEffectSchedule& schedule, int group)
     return found;
 }
 
-// Of several the last is known on the console.
 int FindBirthParent(const TEffectSchedule& schedule, int group)
 {
-    const int input = FindTriggerInput(schedule, group);
-    int parent = -1;
-    for (int attrib = 0; attrib < schedule.GetNumAttributes(group); ++attrib) {
-        const bool isTrigger = input != -1 && IsCount(schedule, group, attrib, input);
-        const bool isOther =
-            TString(schedule.GetAttributeName(group, attrib)).Compare("Emission Trigger") == 0;
-        if (!isTrigger && !isOther && schedule.GetAttributeExternalGroup(group, attrib) != -1)
-            parent = schedule.GetAttributeExternalGroup(group, attrib);
-    }
-    return parent != -1 || input == -1 ? parent : schedule.GetAttributeExternalGroup(group, input);
+    return FindEventParent(schedule, group, FindTriggerInput(schedule, group)).Group;
 }
 
 const TEffectNode* FindBirthNode(const TEffectSchedule& schedule, int group)
@@ -77,7 +60,7 @@ const TTiedNode* FindCountReader(const TEffectSchedule& schedule, int group)
         const TNodeType& type = *schedule.GetNode(tied.Node)->GetNodeType();
         for (int port = FiresParticles(type) ? 1 : 0; port < tied.Inputs.size(); ++port)
             if (tied.Inputs[port] != -1 && !type.IsBypassed() &&
-                IsCount(schedule, group, tied.Inputs[port], input))
+                IsBirthCount(schedule, group, tied.Inputs[port], input))
                 return &tied;
     }
     return nullptr;

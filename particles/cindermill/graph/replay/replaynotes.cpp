@@ -312,8 +312,7 @@ private:
         if (const TTiedNode* reader = FindCountReader(Schedule, Group)) {
             Node = Schedule.GetNode(reader->Node);
             Add("it reads the number of births as a value, which is 0 on the console, as another group "
-                "brings "
-                "what the particles are born with");
+                "brings what the particles are born with");
             Node = nullptr;
         }
         const int input = FindTriggerInput(Schedule, Group);

@@ -21,7 +21,6 @@ public:
     void SetLoadSlot(int slot) { LoadSlot = slot; }
     void SetStartSlot(int slot);
     int GetLoadSlot() const { return LoadSlot; }
-    int GetStartSlot() const { return StartSlot; }
     // Big-endian instructions of four words, from the load slot on.
     void LoadInstructions(const uint8_t* words, int count);
     // The program from the start slot to its last instruction, or to the store's end.

@@ -57,7 +57,6 @@ public:
 
 private:
     void AddNode(const TEffectNode& node, int order);
-    void AddProperties(const TNodeType& type, TNodeText& node);
     int FindOrAddType(const TNodeType& type, TTextLines& lines);
     void SortNodes();
     void NameNodes();

@@ -37,7 +37,7 @@ bool MayRepeat(const TString& rest)
 {
     TTextCursor cursor(rest);
     int curve = 0;
-    return cursor.TakeLast(" to") || (cursor.Take(" curve ") && cursor.TakeInt(curve) && cursor.IsAtEnd());
+    return cursor.TakeLast(" to") || (cursor.Take(" curve ") && cursor.TakeLastInt(curve));
 }
 
 // The name of the run-time class that a type's key begins with.
@@ -193,14 +193,13 @@ bool TEffectTextReader::TakeIndented(const TLine& line, TTextCursor& cursor)
 
 bool TEffectTextReader::ReadTypes()
 {
-    TypeKeys.Reset(new TKeyIndex);
     for (const TSection& section : TypeSections) {
         TTextCursor head(section.Key);
         TString className;
         TString name;
         if (!TakeClassName(head, className) || !head.Take(" ") || !head.TakeName(name) || !head.IsAtEnd())
             return Fail(section.Head, "A class and a name in quotes are to stand here");
-        if (!TypeKeys->Add(section.Key))
+        if (!TypeKeys.Add(section.Key))
             return Fail(section.Head, "The text has this section twice");
         TTypeDraft* type = new TTypeDraft(className);
         Types.push_back(type);
@@ -216,7 +215,6 @@ bool TEffectTextReader::ReadTypes()
 
 bool TEffectTextReader::ReadNodes()
 {
-    NodeKeys.Reset(new TKeyIndex);
     for (const TSection& section : NodeSections)
         if (!ReadNode(section))
             return false;
@@ -242,14 +240,14 @@ bool TEffectTextReader::ReadNodeHead(const TSection& section, int& type, int& x,
     TString name;
     if (!head.TakeName(name) || !head.IsAtEnd())
         return Fail(section.Head, "A name in quotes is to stand here");
-    if (!NodeKeys->Add(section.Key))
+    if (!NodeKeys.Add(section.Key))
         return Fail(section.Head, "The text has this node twice");
     TTextCursor cursor;
     const bool hasType =
         section.First < section.End && TakeIndented(Lines[section.First], cursor) && cursor.Take("type: ");
     if (!hasType)
         return Fail(section.Head, "The next line is to tell the node's type");
-    type = TypeKeys->Find(cursor.GetRest());
+    type = TypeKeys.Find(cursor.GetRest());
     if (type == -1)
         return Fail(Lines[section.First], "The text has no such type");
     if (section.First + 1 >= section.End || !TakeIndented(Lines[section.First + 1], cursor) ||
@@ -321,7 +319,7 @@ bool TEffectTextReader::ReadEnd(const TWireLine& line, int& node, TString& port)
         return Fail(line.Line, "A wire ends at a node and a port");
     TString key;
     key.Assign(begin, cursor.GetPosition());
-    node = NodeKeys->Find(key);
+    node = NodeKeys.Find(key);
     if (node == -1)
         return Fail(line.Line, "The text has no such node");
     cursor.Take(" ");
@@ -386,7 +384,7 @@ bool TEffectTextReader::ReadOrder()
     for (int i = OrderSection.First; i < OrderSection.End; ++i) {
         TTextCursor cursor;
         const bool isIndented = TakeIndented(Lines[i], cursor);
-        const int node = isIndented ? NodeKeys->Find(cursor.GetRest()) : -1;
+        const int node = isIndented ? NodeKeys.Find(cursor.GetRest()) : -1;
         if (node == -1)
             return Fail(Lines[i], "The text has no such node");
         if (isThere[node])

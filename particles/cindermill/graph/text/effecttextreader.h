@@ -98,8 +98,8 @@ private:
     vector<TSection> TypeSections;
     vector<TSection> NodeSections;
     TSection OrderSection;
-    TOwner<TKeyIndex> TypeKeys;
-    TOwner<TKeyIndex> NodeKeys;
+    TKeyIndex TypeKeys;
+    TKeyIndex NodeKeys;
     TOwnerList<TTypeDraft> Types;
     // By type: lines that each node has at the least.
     vector<int> NumValueLines;

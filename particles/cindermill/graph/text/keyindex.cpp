@@ -1,6 +1,7 @@
 #include "particles/cindermill/graph/text/keyindex.h"
 
 #include "library/containers/append.h"
+#include "library/containers/fnvhash.h"
 
 static constexpr int FirstRoom = 8;
 
@@ -12,9 +13,9 @@ TKeyIndex::TKeyIndex()
 // Case counts, unlike in HashText.
 uint32_t TKeyIndex::GetHash(const TString& key)
 {
-    uint32_t hash = 2166136261u;
+    uint32_t hash = FnvStart32;
     for (const char* at = key.Print(); *at != '\0'; ++at)
-        hash = (hash ^ static_cast<uint8_t>(*at)) * 16777619u;
+        hash = AddToFnv(hash, static_cast<uint8_t>(*at));
     return HashNumber(hash);
 }
 

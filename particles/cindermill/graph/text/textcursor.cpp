@@ -26,7 +26,30 @@ bool TTextCursor::Take(const char* text)
 bool TTextCursor::TakeLast(const char* text)
 {
     const char* start = At;
-    if (Take(text) && IsAtEnd())
+    return EndHere(Take(text), start);
+}
+
+bool TTextCursor::TakeLastQuoted(TString& text)
+{
+    const char* start = At;
+    return EndHere(TakeQuoted(text), start);
+}
+
+bool TTextCursor::TakeLastInt(int& number)
+{
+    const char* start = At;
+    return EndHere(TakeInt(number), start);
+}
+
+bool TTextCursor::TakeLastFloats(float* numbers, int count)
+{
+    const char* start = At;
+    return EndHere(TakeFloats(numbers, count), start);
+}
+
+bool TTextCursor::EndHere(bool taken, const char* start)
+{
+    if (taken && IsAtEnd())
         return true;
     At = start;
     return false;

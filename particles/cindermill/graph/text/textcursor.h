@@ -22,7 +22,7 @@ public:
     const char* GetPosition() const { return At; }
     TString GetRest() const;
     bool Take(const char* text);
-    // All that is left, if it is this.
+    // All that is left, if it is this, and so with the others that take the last.
     bool TakeLast(const char* text);
     // A text in quotes, without them and with what is escaped in it put back. None that is longer than a file
     // can hold.
@@ -33,6 +33,9 @@ public:
     bool TakeFloat(float& number);
     // With a space between two.
     bool TakeFloats(float* numbers, int count);
+    bool TakeLastQuoted(TString& text);
+    bool TakeLastInt(int& number);
+    bool TakeLastFloats(float* numbers, int count);
     // What stands ahead of the first ": " that is in no quotes, and the cursor behind that.
     bool TakeLabel(TTextCursor& label);
     // Up to the next line end, and the cursor behind it.
@@ -43,6 +46,7 @@ public:
 
 private:
     bool TakeEscaped(char& character);
+    bool EndHere(bool taken, const char* start);
 
     const char* At = nullptr;
     const char* End = nullptr;

@@ -18,16 +18,6 @@ bool TakeType(TTextCursor& cursor, int& type)
     return false;
 }
 
-bool TakeLastQuoted(TTextCursor cursor, TString& text)
-{
-    return cursor.TakeQuoted(text) && cursor.IsAtEnd();
-}
-
-bool TakeLastInt(TTextCursor cursor, int& number)
-{
-    return cursor.TakeInt(number) && cursor.IsAtEnd();
-}
-
 bool TakeTypes(TTextCursor cursor, uint32_t& mask)
 {
     mask = 0;
@@ -150,14 +140,14 @@ bool TTypeDraft::AddTypeLine(const TTextCursor& label, TTextCursor value)
     } Flags[] = {{"bypassable", FL_BYPASSABLE}, {"process hint", FL_PROCESSHINT}, {"last hint", FL_LASTHINT}};
     const TString name = label.GetRest();
     if (IsText(name, "description"))
-        return TakeLastQuoted(value, Type->Description);
+        return value.TakeLastQuoted(Type->Description);
     if (IsText(name, "display class"))
-        return TakeLastQuoted(value, Type->DisplayClass);
+        return value.TakeLastQuoted(Type->DisplayClass);
     if (IsText(name, "own parameters"))
-        return TakeLastInt(value, Type->NumOwnParameters);
+        return value.TakeLastInt(Type->NumOwnParameters);
     if (IsText(name, "interface")) {
         TString text;
-        if (Type->Interfaces.size() >= TNodeType::MaxPorts || !TakeLastQuoted(value, text))
+        if (Type->Interfaces.size() >= TNodeType::MaxPorts || !value.TakeLastQuoted(text))
             return false;
         Append(Type->Interfaces, text);
         return true;
@@ -241,7 +231,7 @@ bool TTypeDraft::AddParameterLine(int index, const TString& rest, TTextCursor va
 {
     TNodeParameter& parameter = *Parameters[index];
     if (IsText(rest, " description"))
-        return TakeLastQuoted(value, parameter.Description);
+        return value.TakeLastQuoted(parameter.Description);
     switch (parameter.Type) {
     case PK_ENUM:
         return IsText(rest, " entry") && AddEntry(index, value);
@@ -264,7 +254,7 @@ bool TTypeDraft::AddEntry(int index, TTextCursor value)
         return false;
     TString name;
     name.Assign(begin, value.GetPosition());
-    if (!value.Take(" ") || !TakeLastInt(value, entry.Number) || !EntryKeys.Add(GetEntryKey(index, name)))
+    if (!value.Take(" ") || !value.TakeLastInt(entry.Number) || !EntryKeys.Add(GetEntryKey(index, name)))
         return false;
     Append(EntryPlaces, choice.GetValues().size());
     choice.AddEntry(entry);
@@ -277,10 +267,10 @@ bool TTypeDraft::AddRampLine(TNodeParameter& parameter, const TString& rest, TTe
     int number = 0;
     TString text;
     if (IsText(rest, " curves"))
-        return TakeLastInt(value, number) && ramp.SetDimensions(number);
+        return value.TakeLastInt(number) && ramp.SetDimensions(number);
     if (IsText(rest, " ramp"))
-        return TakeLastInt(value, number) && ramp.SetRampType(number);
-    if (!TakeLastQuoted(value, text))
+        return value.TakeLastInt(number) && ramp.SetRampType(number);
+    if (!value.TakeLastQuoted(text))
         return false;
     if (IsText(rest, " labels"))
         ramp.SetLabels(text);
@@ -296,7 +286,7 @@ bool TTypeDraft::AddPolytypeLine(TNodeParameter& parameter, const TString& rest,
     TNodePolytypeParameter& polytype = static_cast<TNodePolytypeParameter&>(parameter);
     TString text;
     if (IsText(rest, " follows input") || IsText(rest, " follows output")) {
-        if (!TakeLastQuoted(value, text))
+        if (!value.TakeLastQuoted(text))
             return false;
         IsText(rest, " follows input") ? polytype.SetLinkInput(text) : polytype.SetLinkOutput(text);
         return true;
@@ -314,9 +304,9 @@ bool TTypeDraft::AddPolytypeLine(TNodeParameter& parameter, const TString& rest,
             continue;
         TNodeValueParameter& own = *polytype.GetValueParameter(type);
         if (what.TakeLast(" name"))
-            return TakeLastQuoted(value, own.Name);
+            return value.TakeLastQuoted(own.Name);
         if (what.TakeLast(" description"))
-            return TakeLastQuoted(value, own.Description);
+            return value.TakeLastQuoted(own.Description);
     }
     return false;
 }
@@ -345,12 +335,12 @@ bool TTypeDraft::AddOutputLine(const TString& label, const TString& rest, TTextC
 bool TTypeDraft::DescribeOutput(TOutputPort& output, const TString& rest, TTextCursor value)
 {
     if (IsText(rest, " description"))
-        return TakeLastQuoted(value, output.Description);
+        return value.TakeLastQuoted(output.Description);
     if (IsText(rest, " types"))
         return output.Type == TY_POLYTYPE && TakeTypes(value, output.ValidTypes);
     if (IsText(rest, " type"))
         return TakeType(value, output.DefaultType) && output.DefaultType != TY_POLYTYPE;
     if (IsText(rest, " follows input"))
-        return TakeLastInt(value, output.LinkInput);
-    return IsText(rest, " follows output") && TakeLastInt(value, output.LinkOutput);
+        return value.TakeLastInt(output.LinkInput);
+    return IsText(rest, " follows output") && value.TakeLastInt(output.LinkOutput);
 }

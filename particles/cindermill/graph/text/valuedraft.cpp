@@ -22,7 +22,7 @@ bool TakeTruth(TTextCursor value, bool& result)
 bool TakeFloatsOf(TTextCursor value, TNodeValueParameter& parameter)
 {
     float floats[MaxValueFloats] = {0, 0, 0, 0, 0, 0};
-    if (!value.TakeFloats(floats, parameter.GetNumFloats()) || !value.IsAtEnd())
+    if (!value.TakeLastFloats(floats, parameter.GetNumFloats()))
         return false;
     parameter.SetValue(floats);
     return true;
@@ -61,14 +61,14 @@ bool TValueDraft::AddProperty(const TString& name, TTextCursor value)
         }
     if (IsText(name, "box from") || IsText(name, "box to")) {
         float corner[3];
-        if (!value.TakeFloats(corner, 3) || !value.IsAtEnd())
+        if (!value.TakeLastFloats(corner, 3))
             return false;
         (IsText(name, "box from") ? Type.BoundsMin : Type.BoundsMax) =
             TVector3(corner[0], corner[1], corner[2]);
         return true;
     }
     int number = 0;
-    if (!value.TakeInt(number) || !value.IsAtEnd())
+    if (!value.TakeLastInt(number))
         return false;
     if (IsText(name, "other flags"))
         Type.Flags |= static_cast<uint32_t>(number);
@@ -123,12 +123,12 @@ bool TValueDraft::AddValue(int index, const TString& rest, TTextCursor value)
         static_cast<TNodeGroupParameter&>(parameter).SetValue(truth);
         return true;
     case PK_INT:
-        if (!value.TakeInt(number) || !value.IsAtEnd())
+        if (!value.TakeLastInt(number))
             return false;
         static_cast<TNodeIntParameter&>(parameter).SetValue(number);
         return true;
     case PK_TEXTURE:
-        if (!value.TakeQuoted(text) || !value.IsAtEnd())
+        if (!value.TakeLastQuoted(text))
             return false;
         static_cast<TNodeTextureParameter&>(parameter).SetValue(text);
         return true;
@@ -157,7 +157,7 @@ bool TValueDraft::AddAnimation(TNodeParameter& parameter, const TString& rest, T
     TNodeAnimationParameter& animation = static_cast<TNodeAnimationParameter&>(parameter);
     if (rest.IsEmpty()) {
         TString file;
-        if (!value.TakeQuoted(file) || !value.IsAtEnd())
+        if (!value.TakeLastQuoted(file))
             return false;
         animation.SetFileName(file);
         return true;
@@ -213,8 +213,7 @@ bool TValueDraft::AddRamp(TNodeParameter& parameter, const TString& rest, TTextC
     if (what.IsAtEnd())
         return AddPoint(ramp, curve, value);
     int lock = 0;
-    if (!what.TakeLast(" locked to") || !value.TakeInt(lock) || !value.IsAtEnd() ||
-        !TNodeRampParameter::IsLock(lock))
+    if (!what.TakeLast(" locked to") || !value.TakeLastInt(lock) || !TNodeRampParameter::IsLock(lock))
         return false;
     int locks[TNodeRampParameter::MaxDimensions];
     std::memcpy(locks, ramp.GetLocks(), sizeof(locks));
@@ -226,7 +225,7 @@ bool TValueDraft::AddRamp(TNodeParameter& parameter, const TString& rest, TTextC
 bool TValueDraft::AddPoint(TNodeRampParameter& ramp, int curve, TTextCursor value)
 {
     float place[2];
-    if (curve >= ramp.GetDimensions() || !value.TakeFloats(place, 2) || !value.IsAtEnd())
+    if (curve >= ramp.GetDimensions() || !value.TakeLastFloats(place, 2))
         return false;
     if (&ramp != Ramp || curve != Curve) {
         Finish();

@@ -90,7 +90,6 @@ protected:
     const TNodeParameter* FindDefault() const;
     // For a destructor that still changes the parameter: there is nothing left to refresh.
     void StopListening();
-    bool DiffersFromDefault() const { return Differs; }
 
     TDocument* Document = nullptr;
     TToolNode* ToolNode = nullptr;

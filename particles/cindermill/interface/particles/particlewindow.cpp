@@ -424,6 +424,6 @@ void TParticleWindow::FollowOnlyGroup()
     const TEffectSchedule& schedule = Doc->GetSchedule();
     if (!schedule.IsCreated() || FindGroupNode(schedule, look.OnlyGroup) == OnlyNode)
         return;
-    look.OnlyGroup = FindGroupOf(schedule, OnlyNode);
+    look.OnlyGroup = FindGroupShownBy(schedule, OnlyNode);
     SetLook(look);
 }

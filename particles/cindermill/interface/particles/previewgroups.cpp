@@ -61,7 +61,7 @@ TEffectNode* FindGroupNode(const TEffectSchedule& schedule, int group)
     return stage != nullptr ? stage : schedule.GetNode(schedule.GetTiedNode(group, 0));
 }
 
-int FindGroupOf(const TEffectSchedule& schedule, const TEffectNode* node)
+int FindGroupShownBy(const TEffectSchedule& schedule, const TEffectNode* node)
 {
     for (int g = 0; schedule.IsCreated() && g < schedule.GetNumGroups(); ++g)
         if (FindGroupNode(schedule, g) == node)

@@ -18,4 +18,4 @@ void GetParticleGroups(const TEffectSchedule& schedule, vector<int>& groups, vec
 // A node that stands for the group: its first render stage, else its first node. Null for none.
 TEffectNode* FindGroupNode(const TEffectSchedule& schedule, int group);
 // The group that the node stands for, -1 for none.
-int FindGroupOf(const TEffectSchedule& schedule, const TEffectNode* node);
+int FindGroupShownBy(const TEffectSchedule& schedule, const TEffectNode* node);

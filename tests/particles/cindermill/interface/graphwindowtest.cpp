@@ -1,5 +1,7 @@
 #include "graphwindowfixture.h"
 
+#include "particles/cindermill/interface/trace/attributetracewindow.h"
+
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QLineEdit>
 
@@ -164,15 +166,17 @@ TEST_F(GraphWindow, EntriesOfTheNodesMenuThatDoNothingAreGrey)
 TEST_F(GraphWindow, TheNodeOfAMenuIsForgottenWhenItIsClosedWithoutAChoice)
 {
     const QPoint at = MiddleOf(*Document, First);
-    const TToolNode* during = nullptr;
+    bool met = false;
     MeetMenu([&](QMenu& menu) {
-        during = Graph().GetContextNode();
+        met = true;
         menu.close();
     });
     Press(Graph(), at, Qt::RightButton);
     Release(Graph(), at, Qt::RightButton);
-    EXPECT_EQ(during, First);
-    EXPECT_EQ(Graph().GetContextNode(), nullptr);
+    EXPECT_TRUE(met);
+    constexpr int NodeTrace = 40218;
+    Graph().OnCommand(nullptr, NodeTrace, CC_MENU);
+    EXPECT_EQ(TAttributeTraceWindow::GetNumWindows(*Document), 0);
 }
 
 TEST_F(GraphWindow, RightClickAfterARightButtonPanOfMoreThanTwoPixelsOpensNoMenu)

@@ -79,7 +79,6 @@ TEST_F(TraceOfDocument, TheNodesMenuOpensIt)
     TAttributeTraceWindow* window = OpenByMenu(node);
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(window->GetHandle()->windowTitle().toStdString(), "Age : Output Trace");
-    EXPECT_EQ(GraphOf(*Document).GetContextNode(), nullptr);
     // Once more, it is the same.
     EXPECT_EQ(OpenByMenu(node), window);
     EXPECT_EQ(TAttributeTraceWindow::GetNumWindows(*Document), 1);

@@ -2,9 +2,13 @@
 
 #include "commandsfixture.h"
 
+#include "library/containers/fnvhash.h"
 #include "particles/cindermill/main/recoveryfile.h"
 
 #include <algorithm>
+
+// Of what a file or an image holds.
+using THash = uint64_t;
 
 // The application, which keeps its recovery files in a folder of the test's.
 class Autosaves : public Commands
@@ -61,6 +65,10 @@ protected:
         vector<uint8_t> bytes;
         EXPECT_TRUE(document.GetImage(bytes, 0));
         return std::string(reinterpret_cast<const char*>(bytes.data()), static_cast<size_t>(bytes.size()));
+    }
+    static THash HashOf(const std::string& bytes)
+    {
+        return AddToFnv(FnvStart64, bytes.data(), static_cast<int>(bytes.size()));
     }
     // A program that edits a file and is killed after it was autosaved.
     void EditAndDie(const std::string& path, int edits = 1)

@@ -2,6 +2,7 @@
 
 #include "support/dice.h"
 #include "support/randomgraph.h"
+#include "support/tellanddie.h"
 
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/changegraphedgeop.h"
@@ -13,9 +14,15 @@
 
 #include <sstream>
 
-#include <unistd.h>
-
 namespace {
+
+// What a program that is lost tells of its history.
+struct TTold
+{
+    int Position;
+    int Count;
+    THash Image;
+};
 
 // Undo leads back to where an effect was, whatever it held.
 class Histories : public Autosaves
@@ -76,6 +83,47 @@ protected:
         while (document.CanUndo())
             document.Undo();
     }
+    // Long work on the effect of a file, autosaved meanwhile and lost. All of it is taken back after a
+    // recovery.
+    void ExpectUndoneAfterALoss(const std::string& path, int edits, uint32_t seed, int leastPosition)
+    {
+        constexpr uint32_t Milliseconds = 1500;
+        const std::string before = ReadBytes(path);
+        TTold told = {};
+        ASSERT_TRUE(TellAndDie<TTold>(told, [&] {
+            Start();
+            TDocument& document = Open(path);
+            document.ClearEngine();
+            TDice dice(seed);
+            TRandomGraph graph(App.Get(), document, dice);
+            for (int i = 0; i < edits; ++i) {
+                Clock.Set(Begin + static_cast<uint32_t>(i) * Milliseconds);
+                graph.Edit();
+                App.Get().OnIdle();
+            }
+            EXPECT_EQ(Files().size(), 1u);
+            Autosave().SaveModified(App.Get().GetDocuments());
+            Autosave().WaitForDisc();
+            EXPECT_TRUE(Shown.Messages.empty());
+            const TOperationStack& stack = *document.GetOperationStack();
+            return TTold{stack.GetPosition(), stack.GetNumOperations(), HashOf(ImageOf(document))};
+        }));
+        EXPECT_TRUE(ReadBytes(path) == before);
+        Start(RA_RESTORE);
+        ASSERT_EQ(NumDocuments(), 1);
+        TDocument& document = Newest();
+        EXPECT_EQ(HashOf(ImageOf(document)), told.Image);
+        document.ClearEngine();
+        EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), told.Count);
+        EXPECT_GT(told.Position, leastPosition);
+        int undone = 0;
+        for (; document.CanUndo(); ++undone)
+            document.Undo();
+        EXPECT_EQ(undone, told.Position);
+        EXPECT_TRUE(Shown.Messages.empty());
+        document.GetOperationStack()->Clear(document);
+        EXPECT_TRUE(ImageOf(document) == before);
+    }
     // The first lines that differ.
     static std::string Difference(const std::string& a, const std::string& b)
     {
@@ -91,13 +139,6 @@ protected:
             }
         return result;
     }
-};
-
-// What a program that was lost tells of its history.
-struct TTold
-{
-    int Position;
-    int Count;
 };
 
 } // namespace
@@ -208,51 +249,23 @@ TEST_F(Histories, ComeBackFromTheEffectsFileInOrder)
     }
 }
 
-// A day's work on an effect that had much in it, autosaved meanwhile and lost.
+// A day's work on an effect that had much in it.
 TEST_F(Histories, OfAFilledGraphAreUndoneToTheStartAfterARecovery)
 {
-    constexpr int Edits = 3000;
-    constexpr uint32_t Milliseconds = 1500;
     const uint32_t seed = Setting("CINDERMILL_RANDOM_SEED", 3);
-    const std::string path = MakeFilled(seed);
-    const std::string before = ReadBytes(path);
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    ASSERT_TRUE(DoAndDie([&] {
-        Start();
-        TDocument& document = Open(path);
-        document.ClearEngine();
-        TDice dice(seed + 1);
-        TRandomGraph graph(App.Get(), document, dice);
-        for (int i = 0; i < Edits; ++i) {
-            Clock.Set(Begin + static_cast<uint32_t>(i) * Milliseconds);
-            graph.Edit();
-            App.Get().OnIdle();
-        }
-        Autosave().SaveModified(App.Get().GetDocuments());
-        Autosave().WaitForDisc();
-        const TOperationStack& stack = *document.GetOperationStack();
-        const TTold told = {stack.GetPosition(), stack.GetNumOperations()};
-        EXPECT_EQ(write(ends[1], &told, sizeof(told)), static_cast<ssize_t>(sizeof(told)));
-    }));
-    TTold told = {};
-    ASSERT_EQ(read(ends[0], &told, sizeof(told)), static_cast<ssize_t>(sizeof(told)));
-    close(ends[0]);
-    close(ends[1]);
-    EXPECT_TRUE(ReadBytes(path) == before);
-    Start(RA_RESTORE);
-    ASSERT_EQ(NumDocuments(), 1);
-    TDocument& document = Newest();
-    document.ClearEngine();
-    EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), told.Count);
-    EXPECT_GT(told.Position, 700);
-    int undone = 0;
-    for (; document.CanUndo(); ++undone)
-        document.Undo();
-    EXPECT_EQ(undone, told.Position);
-    EXPECT_TRUE(Shown.Messages.empty());
-    document.GetOperationStack()->Clear(document);
-    EXPECT_TRUE(ImageOf(document) == before);
+    ExpectUndoneAfterALoss(MakeFilled(seed), 3000, seed + 1, 700);
+}
+
+// A history as long as an artist's week, from an empty effect on.
+TEST_F(Histories, OfTenThousandEditsAreUndoneAfterARecovery)
+{
+    const std::string path = Path("long.effect");
+    {
+        TDocument document(App.Get());
+        ASSERT_TRUE(document.New());
+        ASSERT_TRUE(document.SaveAs(path.c_str()));
+    }
+    ExpectUndoneAfterALoss(path, 10000, Setting("CINDERMILL_RANDOM_SEED", 8), 2000);
 }
 
 // Each recovery goes on where the last one ended.

@@ -19,16 +19,6 @@
 
 namespace {
 
-using THash = uint64_t;
-
-THash HashOf(const std::string& bytes)
-{
-    THash hash = 0xcbf29ce484222325;
-    for (const char c : bytes)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3;
-    return hash;
-}
-
 constexpr uint32_t NumEffects = 2;
 
 // What a program that may be killed at any moment is about to do, and what it has done.
@@ -468,65 +458,4 @@ TEST_F(Autosaves, EachOpeningMayFail)
     Host.Answer = MA_NO;
     App.Get().ExitRequest();
     EXPECT_TRUE(Files(true).empty());
-}
-
-// A history as long as an artist's week, from an empty effect on.
-TEST_F(Autosaves, TenThousandEditsAreUndoneAfterARecovery)
-{
-    constexpr int Edits = 10000;
-    constexpr uint32_t Milliseconds = 1500;
-    struct TTold
-    {
-        int Position;
-        int Count;
-        THash Image;
-    };
-    const std::string path = Path("long.effect");
-    {
-        TDocument document(App.Get());
-        ASSERT_TRUE(document.New());
-        ASSERT_TRUE(document.SaveAs(path.c_str()));
-    }
-    const std::string before = ReadBytes(path);
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    ASSERT_TRUE(DoAndDie([&] {
-        Start();
-        TDocument& document = Open(path);
-        document.ClearEngine();
-        TDice dice(Setting("CINDERMILL_RANDOM_SEED", 8));
-        TRandomGraph graph(App.Get(), document, dice);
-        for (int i = 0; i < Edits; ++i) {
-            Clock.Set(Begin + static_cast<uint32_t>(i) * Milliseconds);
-            graph.Edit();
-            App.Get().OnIdle();
-        }
-        EXPECT_EQ(Files().size(), 1u);
-        Autosave().SaveModified(App.Get().GetDocuments());
-        Autosave().WaitForDisc();
-        EXPECT_TRUE(Shown.Messages.empty());
-        const TOperationStack& stack = *document.GetOperationStack();
-        const TTold told = {stack.GetPosition(), stack.GetNumOperations(), HashOf(ImageOf(document))};
-        EXPECT_EQ(write(ends[1], &told, sizeof(told)), static_cast<ssize_t>(sizeof(told)));
-    }));
-    TTold told = {};
-    ASSERT_EQ(read(ends[0], &told, sizeof(told)), static_cast<ssize_t>(sizeof(told)));
-    close(ends[0]);
-    close(ends[1]);
-    EXPECT_TRUE(ReadBytes(path) == before);
-    Start(RA_RESTORE);
-    ASSERT_EQ(NumDocuments(), 1);
-    TDocument& document = Newest();
-    EXPECT_EQ(HashOf(ImageOf(document)), told.Image);
-    document.ClearEngine();
-    EXPECT_EQ(document.GetOperationStack()->GetNumOperations(), told.Count);
-    EXPECT_GT(told.Position, 2000);
-    int undone = 0;
-    for (; document.CanUndo(); ++undone)
-        document.Undo();
-    EXPECT_EQ(undone, told.Position);
-    EXPECT_EQ(document.GetGraph()->GetNumNodes(), 0);
-    EXPECT_TRUE(Shown.Messages.empty());
-    document.GetOperationStack()->Clear(document);
-    EXPECT_TRUE(ImageOf(document) == before);
 }

@@ -345,6 +345,27 @@ TEST_F(LintGraphs, AReferenceBeyondItsFieldIsTold)
     EXPECT_TRUE(Mentions(findings[0], "goes out as 1"));
 }
 
+// Types of other makers may offer more than the console has.
+TEST_F(LintGraphs, AChoiceBeyondTheConsolesTableIsTold)
+{
+    TSoundEffect effect(App);
+    auto& function =
+        *effect.Type(effect.Stage).FindParameterOf<TNodeEnumParameter>("Depth Test.Function", PK_ENUM);
+    function.AddEntry({"Last of the table", 7});
+    function.AddEntry({"Odd", 9});
+    function.SetValue(function.GetValues().size() - 2);
+    EXPECT_TRUE(Lint(effect).empty());
+    function.SetValue(function.GetValues().size() - 1);
+    const TFindingList findings = Lint(effect);
+    EXPECT_ONLY("number.field", findings);
+    EXPECT_STREQ("\"Depth Test.Function\" of Sprite Render Stage is 9: the console knows 0 to 7",
+                 findings[0].Message.Print());
+    EXPECT_EQ(9, NumberOf(findings[0], "value"));
+    EXPECT_EQ(7, NumberOf(findings[0], "most"));
+    effect.Stage.Switch("Depth Test", false);
+    EXPECT_TRUE(Lint(effect).empty());
+}
+
 TEST_F(LintGraphs, AnExportThatFailsIsToldInItsOwnWords)
 {
     TSoundEffect effect(App, true);

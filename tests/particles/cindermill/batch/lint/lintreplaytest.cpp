@@ -139,7 +139,7 @@ TEST_F(LintReplays, AnEmitterThatIsElsewhereOnTheConsoleExplainsItsPlacesAlone)
     for (const TDifferenceKind kind : {DK_VALUE, DK_UNDEFINED, DK_UNKNOWN}) {
         TReplayReport colours;
         colours.Add(Differ(kind, &effect.Colours, 1, 1));
-        const TIds expected = {LK_CONSOLEGRID, GetReplayFindingKind(kind)};
+        const TIds expected = {LK_CONSOLEGRID, std::string("replay.") + GetDifferenceKindName(kind)};
         EXPECT_EQ(expected, IdsOf(Tell(effect, colours, LK_CONSOLEGRID)));
     }
     TReplayReport count;

@@ -57,6 +57,37 @@ TEST(DocumentReplay, SamplesAgreeButForWhatIsNotExported)
     EXPECT_EQ(Differing.size(), differing.size());
 }
 
+TEST(DocumentReplay, AChoiceBeyondTheConsolesTableIsTold)
+{
+    TTestApp app;
+    const TQuiet quiet;
+    TDocument document(app.Get());
+    ASSERT_TRUE(document.BatchLoad(SourcePath("samples/sparks.effect").c_str()));
+    TNodeEnumParameter* function = nullptr;
+    for (int i = 0; i < document.GetGraph()->GetNumNodes() && function == nullptr; ++i)
+        function = document.GetGraph()->GetNode(i)->GetNodeType()->FindParameterOf<TNodeEnumParameter>(
+            "Depth Test.Function", PK_ENUM);
+    ASSERT_NE(function, nullptr);
+    for (const int number : {7, 8, 9, -1}) {
+        function->AddEntry({("Entry " + std::to_string(number)).c_str(), number});
+        function->SetValue(function->GetValues().size() - 1);
+        TErrorList errors;
+        ASSERT_TRUE(document.ResolveTypes(errors) && document.CreateSchedule(errors));
+        TSampleServices services;
+        TReplayOptions options;
+        options.Frames = 1;
+        std::string error;
+        const TAgreement agreement = CompareWithReplay(document.GetSchedule(), services, options, error);
+        EXPECT_EQ(error, "");
+        std::string told;
+        for (const std::string& note : agreement.Notes)
+            told += note.find("Depth Test.Function") != std::string::npos ? note : "";
+        EXPECT_EQ(told, number == 7 ? ""
+                                    : "Velocity Trail Render Stage in group 1: \"Depth Test.Function\" is " +
+                                          std::to_string(number) + ", and the console's table ends at 7");
+    }
+}
+
 // Of any effect that is exported: nothing fails, and whatever differs is told beforehand.
 TEST(DocumentReplay, RandomEffectsAgreeButForWhatIsTold)
 {
