@@ -26,7 +26,8 @@ int Start(const TBatchCommand& command, TBatchSession& session, TArguments& argu
         [&] {
             if (!session.Init())
                 return;
-            if (!command.TellsOfNodeTypes() && !session.HasNodeTypes(false)) {
+            if (!command.TellsOfSetup() && !(session.HasProject() && session.HasNodeTypes(false))) {
+                PrintLines(session.GetProjectErrors());
                 PrintLines(session.GetNodeTypeErrors());
                 return;
             }

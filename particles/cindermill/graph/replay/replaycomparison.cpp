@@ -23,6 +23,7 @@ bool RunAsserting(TErrorList& errors, TWork&& work)
     if (RunGuarded([&] { result = work(); }, text))
         return result;
     errors.Add(new TError("%s", text.Print()));
+    errors.ClearSource();
     return false;
 }
 
