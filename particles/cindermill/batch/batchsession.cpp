@@ -1,6 +1,7 @@
 #include "particles/cindermill/batch/batchsession.h"
 
 #include "library/containers/shortentext.h"
+#include "library/system/file.h"
 #include "particles/cindermill/batch/arguments.h"
 #include "particles/cindermill/batch/effectfindings.h"
 #include "particles/cindermill/main/document.h"
@@ -57,6 +58,8 @@ bool TBatchSession::Init()
         settings.SetPolicyMustHaveBoundingBox(Project.GetPolicies().MustHaveBoundingBox);
         settings.SetPolicyNoMixedBoundingBoxes(Project.GetPolicies().NoMixedBoundingBoxes);
     }
+    if (!ResourcesDirectory.IsEmpty() && !IsDirectory(ResourcesDirectory))
+        PrintMessage(ResourcesDirectory, "This is no folder: nothing is found in it");
     if (!ResourcesDirectory.IsEmpty())
         App->GetResourceLocator().AddSearchDirectory(ResourcesDirectory);
     if (!Project.GetResources().IsEmpty())
@@ -224,7 +227,8 @@ void PrintMessage(const char* path, const char* message)
 {
     TString text(message);
     text.Trim();
-    std::fprintf(stderr, "%s: %s\n", OneLineText(path).Print(), OneLineText(text).Print());
+    std::fprintf(stderr, "%s: %s\n", *path != 0 ? OneLineText(path).Print() : "\"\"",
+                 OneLineText(text).Print());
 }
 
 void PrintLines(const TErrorList& errors)
