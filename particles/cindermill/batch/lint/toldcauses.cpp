@@ -37,7 +37,8 @@ private:
 
 bool TToldCauses::IsTold(const TReplayDifference& difference) const
 {
-    return TCauseSearch(Schedule, TFindingCauses(Report)).Find(difference) != nullptr;
+    const TFindingCauses causes(Report);
+    return TCauseSearch(Schedule, causes).Find(difference) != nullptr;
 }
 
 const TReplayNote* TToldCauses::FindNote(const TReplayDifference& difference) const

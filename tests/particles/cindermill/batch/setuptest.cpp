@@ -35,7 +35,8 @@ constexpr const char* Commands[] = {"types", "check", "check --stale", "lint", "
 
 TEST_F(TSetup, AFaultyProjectIsAFindingOfEveryFormat)
 {
-    WriteBytes(Folder.Path("faulty.toml"), "[severities]\nproject.error = \"note\"\n\ncolour = 1\nshade = 2\n");
+    WriteBytes(Folder.Path("faulty.toml"),
+               "[severities]\nproject.error = \"note\"\n\ncolour = 1\nshade = 2\n");
     for (const std::string command : Commands) {
         const std::string files = command == "types" ? "" : " " + Sample("fountain");
         const std::string line = "--project " + Path("faulty.toml") + " " + command + files + " --format ";
@@ -64,7 +65,8 @@ TEST_F(TSetup, AProjectThatCannotBeReadIsAFinding)
 {
     for (const char* leaf : {"none.toml", "folder.toml"}) {
         fs::create_directories(Folder.Path("folder.toml"));
-        const TJson json = RunJson("--project " + Path(leaf) + " check --format json " + Sample("fountain"), 1);
+        const TJson json =
+            RunJson("--project " + Path(leaf) + " check --format json " + Sample("fountain"), 1);
         ExpectSchema(json);
         ASSERT_EQ(1, json["findings"].size());
         EXPECT_EQ("project.error", json["findings"][0]["id"].Text);
@@ -120,4 +122,63 @@ TEST_F(TSetup, EveryLineOfOneOfSeveralFilesNamesIt)
         EXPECT_GE(ofA, 2);
         EXPECT_EQ(ofA, ofB);
     }
+}
+
+// A slip of the hand makes no file, and reads none.
+TEST_F(TSetup, AWordThatBeginsAsOptionsDoIsNoFile)
+{
+    const std::string file = Sample("fountain");
+    const std::string go = "cd " + Path("") + " && ";
+    const std::string program = Program;
+    Program = go + program;
+    for (const std::string& line :
+         {std::string("dump --verbose"), std::string("text --format"), std::string("efx --frames"),
+          std::string("run --frames 3 x"), std::string("translate --raw"), "resave " + file + " --out",
+          "resave --out " + file, "diff " + file + " --stat", "diff --stat " + file,
+          "image --out " + file + " --format 0", "image " + file + " --out --format 0",
+          "resave " + file + " out more"}) {
+        const TOutcome outcome = Run(line);
+        EXPECT_EQ(2, outcome.Status) << line;
+        EXPECT_EQ("", outcome.Out) << line;
+        EXPECT_NE(std::string::npos, outcome.Err.find("\nusage: ")) << line;
+    }
+    EXPECT_FALSE(fs::exists(Folder.Path("--out")));
+    // Whoever means it says so.
+    EXPECT_EQ(0, Run("resave " + file + " -- --out").Status);
+    EXPECT_EQ(0, Run("resave -- --out ./--again").Status);
+    EXPECT_EQ(ReadBytes(Folder.Path("--out")), ReadBytes(Folder.Path("--again")));
+    EXPECT_EQ(0, Run("diff -- --out --again").Status);
+    EXPECT_EQ(0, Run("text -- --out").Status);
+    EXPECT_EQ(1, Run("efx -- --out").Status);
+}
+
+TEST_F(TSetup, HelpIsToldWhereverItIsAskedFor)
+{
+    const std::string expected = Run("help export").Out;
+    EXPECT_EQ(0u, expected.find("usage: "));
+    const std::string file = Sample("fountain");
+    for (const std::string& line : {std::string("export -h"), std::string("export --help"),
+                                    "export " + file + " --help", "export --verbose --help " + file}) {
+        const TOutcome outcome = Run(line);
+        EXPECT_EQ(0, outcome.Status) << line;
+        EXPECT_EQ(expected, outcome.Out) << line;
+    }
+    EXPECT_EQ(Run("help").Out, Run("-h").Out);
+    EXPECT_EQ(0, Run("-h").Status);
+    // Behind it all words are files.
+    EXPECT_EQ(1, Run("check -- --help").Status);
+    EXPECT_EQ(1, Run("check " + file + " -h").Status);
+}
+
+TEST_F(TSetup, AFolderOfResourcesThatIsNoneIsTold)
+{
+    const TOutcome outcome = Run("--resources " + Path("none") + " text " + Sample("fountain"));
+    EXPECT_EQ(0, outcome.Status);
+    EXPECT_EQ(Folder.Path("none") + ": This is no folder: nothing is found in it\n", outcome.Err);
+    EXPECT_EQ("", Run(Resources() + "text " + Sample("fountain")).Err);
+}
+
+TEST_F(TSetup, AnEmptyNameIsShown)
+{
+    EXPECT_EQ("\"\": The file does not exist\n", Run("dump ''").Err);
 }

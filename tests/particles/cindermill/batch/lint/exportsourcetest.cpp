@@ -14,9 +14,9 @@ protected:
         const std::string path = Folder.Path("effect.effect");
         ASSERT_TRUE(effect.Effect.GetDocument().SaveAs(path.c_str()));
         for (const std::string command : {"lint", "replay", "report"}) {
-            const TOutcome outcome = Run("--node-types '" + SourcePath("NodeTypes") + "' --resources '" +
-                                         App.Path("resources") + "' " + command + " --format json '" + path +
-                                         "'");
+            const TOutcome outcome =
+                Run("--node-types '" + SourcePath("NodeTypes") + "' --resources '" + App.Path("resources") +
+                    "' " + command + " --format json '" + path + "'");
             EXPECT_EQ(1, outcome.Status) << outcome.Err;
             TJson json;
             std::string fault;
@@ -27,7 +27,8 @@ protected:
                 if (finding["id"].Text != "export.error")
                     continue;
                 ++told;
-                EXPECT_NE(std::string::npos, finding["message"].Text.find(message)) << finding["message"].Text;
+                EXPECT_NE(std::string::npos, finding["message"].Text.find(message))
+                    << finding["message"].Text;
                 ASSERT_EQ(TJson::JK_OBJECT, finding["node"].Kind) << command;
                 EXPECT_EQ(node, finding["node"]["name"].Text) << command;
                 EXPECT_EQ(1.0, finding["group"].Number) << command;
