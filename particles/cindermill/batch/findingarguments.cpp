@@ -7,7 +7,8 @@
 #include <cstring>
 
 // With a place in a file where an error tells one.
-static void AddErrorsOfFile(const char* id, const char* path, const TErrorList& errors, TFindingReport& report)
+static void AddErrorsOfFile(const char* id, const char* path, const TErrorList& errors,
+                            TFindingReport& report)
 {
     report.AddFile(path);
     for (const TError* error : errors) {

@@ -4,7 +4,7 @@
 #include "particles/cindermill/graph/replay/replayverdict.h"
 
 #include <algorithm>
-#include <chrono>
+#include <ctime>
 
 namespace {
 
@@ -64,18 +64,21 @@ private:
     }
 };
 
+// Of the processor, whatever else the machine does meanwhile.
+double GetMilliseconds(std::clock_t since)
+{
+    return 1000.0 * static_cast<double>(std::clock() - since) / CLOCKS_PER_SEC;
+}
+
 // The longest part, in milliseconds.
 template <class TParts, class TWork>
 double RunParts(TParts& parts, TWork&& work)
 {
-    using TClock = std::chrono::steady_clock;
     double longest = 0;
     while (!parts.IsDone()) {
-        const auto begin = TClock::now();
+        const std::clock_t begin = std::clock();
         work();
-        const double taken = std::chrono::duration<double, std::milli>(TClock::now() - begin).count();
-        if (taken > longest)
-            longest = taken;
+        longest = std::max(longest, GetMilliseconds(begin));
     }
     return longest;
 }
@@ -88,7 +91,7 @@ TEST(VerdictParts, ALongWayBackIsNoLongPart)
 {
     TLongWay way(1000);
     way.AddNote(way.Emitter, true);
-    const auto begin = std::chrono::steady_clock::now();
+    const std::clock_t begin = std::clock();
     TDifferenceSources sources(way.Bench.Schedule, way.Report);
     const double source = RunParts(sources, [&] { sources.FindNext(); });
     TVerdictSearch search(way.Bench.Schedule, way.Report, 1);
@@ -97,13 +100,13 @@ TEST(VerdictParts, ALongWayBackIsNoLongPart)
         search.RunPart();
         ++parts;
     });
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    const double taken = GetMilliseconds(begin);
     const int count = way.Report.GetDifferences().size();
     EXPECT_EQ(1000, count);
-    std::printf("%d differences: %.1f ms, the longest parts %.2f and %.2f ms\n", count, 1000 * taken.count(),
-                source, reason);
-    EXPECT_LT(taken.count(), 8.0);
-    EXPECT_LT(std::max(source, reason), 400.0);
+    std::printf("%d differences: %.1f ms, the longest parts %.2f and %.2f ms\n", count, taken, source,
+                reason);
+    EXPECT_LT(taken, 5000.0);
+    EXPECT_LT(std::max(source, reason), 100.0);
     EXPECT_EQ(count + way.Report.GetNotes().size() + 1, parts);
     EXPECT_EQ(count, search.GetVerdict().GetNumDifferences());
     EXPECT_EQ(0, search.GetVerdict().GetNumWithoutReason());
