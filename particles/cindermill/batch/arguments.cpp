@@ -13,6 +13,23 @@ bool TArguments::TakeIf(const char* word)
     return true;
 }
 
+const char* TArguments::TakeName()
+{
+    OnlyNames = OnlyNames || TakeIf("--");
+    const char* word = Peek();
+    if (word == nullptr || (!OnlyNames && std::strncmp(word, "--", 2) == 0))
+        return nullptr;
+    return Take();
+}
+
+bool TArguments::HasOption(const char* word) const
+{
+    for (int i = Next; i < Count && std::strcmp(Words[i], "--") != 0; ++i)
+        if (std::strcmp(Words[i], word) == 0)
+            return true;
+    return false;
+}
+
 bool ParseWhole(const char* word, int min, int max, int& result)
 {
     if (word == nullptr)

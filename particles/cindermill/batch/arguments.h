@@ -18,11 +18,17 @@ public:
     const char* Peek() const { return Next < Count ? Words[Next] : nullptr; }
     // Takes the next word if it is this one.
     bool TakeIf(const char* word);
+    // The name of a file. Null where there is none: a word that begins as options do is one only behind "--",
+    // so that no slip of the hand makes a file of it.
+    const char* TakeName();
+    // Whether one of those left is this one; behind "--" all are names.
+    bool HasOption(const char* word) const;
 
 private:
     int Count;
     char** Words;
     int Next = 0;
+    bool OnlyNames = false;
 };
 
 // Each is false unless the whole word is such a number in its range.

@@ -29,8 +29,9 @@ public:
     virtual int Run(TBatchSession& session, TArguments& arguments) const = 0;
     // What "help" tells of the command behind its usage: lines that end, and live as long as the program.
     virtual const char* GetHelp() const { return ""; }
-    // Whether the command itself tells of a directory that should hold node types and holds none.
-    virtual bool TellsOfNodeTypes() const { return false; }
+    // Whether the command itself tells what is wrong with the project, and of a directory that should hold
+    // node types and holds none: until then it may ask the session for nothing else.
+    virtual bool TellsOfSetup() const { return false; }
     // Whether "--help" is a word like any other for the command.
     virtual bool TakesAnyWord() const { return false; }
 

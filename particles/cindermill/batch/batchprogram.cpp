@@ -26,7 +26,8 @@ int Start(const TBatchCommand& command, TBatchSession& session, TArguments& argu
         [&] {
             if (!session.Init())
                 return;
-            if (!command.TellsOfNodeTypes() && !session.HasNodeTypes(false)) {
+            if (!command.TellsOfSetup() && !(session.HasProject() && session.HasNodeTypes(false))) {
+                PrintLines(session.GetProjectErrors());
                 PrintLines(session.GetNodeTypeErrors());
                 return;
             }
@@ -42,6 +43,12 @@ int Start(const TBatchCommand& command, TBatchSession& session, TArguments& argu
     return Finish(status);
 }
 
+// The short word may be the name of a file, where there are others.
+bool AsksForHelp(const TArguments& arguments)
+{
+    return arguments.HasOption("--help") || (arguments.GetNumLeft() == 1 && arguments.HasOption("-h"));
+}
+
 // What needs neither settings nor files, so that nothing can be wrong with it.
 bool Tell(const char* word, TArguments& arguments, int& status)
 {
@@ -49,10 +56,10 @@ bool Tell(const char* word, TArguments& arguments, int& status)
     if (std::strcmp(word, "--version") == 0) {
         std::printf("cindermill-batch %s\n", GetBatchVersion());
         status = StatusDone;
-    } else if (std::strcmp(word, "--help") == 0 || std::strcmp(word, "help") == 0) {
+    } else if (std::strcmp(word, "--help") == 0 || std::strcmp(word, "-h") == 0 ||
+               std::strcmp(word, "help") == 0) {
         status = THelpCommand::Tell(arguments);
-    } else if (command != nullptr && !command->TakesAnyWord() && arguments.GetNumLeft() == 1 &&
-               arguments.TakeIf("--help")) {
+    } else if (command != nullptr && !command->TakesAnyWord() && AsksForHelp(arguments)) {
         PrintHelp(*command);
         status = StatusDone;
     } else {

@@ -1,6 +1,7 @@
 #include "particles/cindermill/batch/batchsession.h"
 
 #include "library/containers/shortentext.h"
+#include "library/system/file.h"
 #include "particles/cindermill/batch/arguments.h"
 #include "particles/cindermill/batch/effectfindings.h"
 #include "particles/cindermill/main/document.h"
@@ -15,6 +16,7 @@ TBatchSession::~TBatchSession() = default;
 bool TBatchSession::ReadOptions(TArguments& arguments, TString& fault)
 {
     for (;;) {
+        const char* word = arguments.Peek();
         const bool isProject = arguments.TakeIf("--project");
         TString* option = isProject                          ? &ProjectPath
                           : arguments.TakeIf("--node-types") ? &NodeTypesDirectory
@@ -22,8 +24,8 @@ bool TBatchSession::ReadOptions(TArguments& arguments, TString& fault)
                                                              : nullptr;
         if (option == nullptr)
             return true;
-        if (arguments.IsEmpty() || (isProject && *arguments.Peek() == 0)) {
-            fault = isProject ? "--project lacks its file" : "An option lacks its directory";
+        if (arguments.IsEmpty() || *arguments.Peek() == 0) {
+            fault.Format("%s lacks its %s", word, isProject ? "file" : "directory");
             return false;
         }
         *option = arguments.Take();
@@ -45,8 +47,8 @@ void TBatchSession::GetOptionWords(vector<TString>& words) const
 
 bool TBatchSession::Init()
 {
-    if (!ProjectPath.IsEmpty() && !LoadProject())
-        return false;
+    if (!ProjectPath.IsEmpty() && !Project.Load(ProjectPath, ProjectErrors))
+        return true;
     App.Reset(new TCindermillApp(Project.IsLoaded() ? OpenNoSettings() : OpenSettingsStore()));
     if (!App->InitHeadless())
         return false;
@@ -56,6 +58,8 @@ bool TBatchSession::Init()
         settings.SetPolicyMustHaveBoundingBox(Project.GetPolicies().MustHaveBoundingBox);
         settings.SetPolicyNoMixedBoundingBoxes(Project.GetPolicies().NoMixedBoundingBoxes);
     }
+    if (!ResourcesDirectory.IsEmpty() && !IsDirectory(ResourcesDirectory))
+        PrintMessage(ResourcesDirectory, "This is no folder: nothing is found in it");
     if (!ResourcesDirectory.IsEmpty())
         App->GetResourceLocator().AddSearchDirectory(ResourcesDirectory);
     if (!Project.GetResources().IsEmpty())
@@ -63,14 +67,6 @@ bool TBatchSession::Init()
     if (NodeTypesDirectory.IsEmpty())
         NodeTypesDirectory = Project.GetNodeTypes();
     return true;
-}
-
-bool TBatchSession::LoadProject()
-{
-    TErrorList errors;
-    const bool loaded = Project.Load(ProjectPath, errors);
-    PrintLines(errors);
-    return loaded;
 }
 
 // A directory that somebody names is meant to hold types.
@@ -214,11 +210,25 @@ void PrintErrors(TBatchResult result, const TErrorList& errors)
     TDocument::LogBatchResult(result, errors);
 }
 
+// A line of the log, with the file ahead that it is about.
+static void PrintOfFile(const char* text, void* data)
+{
+    PrintMessage(*static_cast<const TString*>(data), text);
+}
+
+void PrintErrorsOfFile(const char* path, TBatchResult result, const TErrorList& errors)
+{
+    TString file(path);
+    const TLogCapture capture(PrintOfFile, &file);
+    PrintErrors(result, errors);
+}
+
 void PrintMessage(const char* path, const char* message)
 {
     TString text(message);
     text.Trim();
-    std::fprintf(stderr, "%s: %s\n", OneLineText(path).Print(), OneLineText(text).Print());
+    std::fprintf(stderr, "%s: %s\n", *path != 0 ? OneLineText(path).Print() : "\"\"",
+                 OneLineText(text).Print());
 }
 
 void PrintLines(const TErrorList& errors)

@@ -21,6 +21,11 @@ public:
     void GetOptionWords(vector<TString>& words) const;
     // Must succeed before all that follows. With a project nothing is taken from the user's settings.
     bool Init();
+    // False for a project that is of no use, and with it the whole run. GetProjectErrors tells why.
+    bool HasProject() const { return ProjectErrors.empty(); }
+    const TErrorList& GetProjectErrors() const { return ProjectErrors; }
+    // As it was given, empty for none.
+    const TString& GetProjectPath() const { return ProjectPath; }
     // Whether there are the node types that a run works with: those of a directory that was named, and where
     // they are needed, any. Where there are none, GetNodeTypeErrors tells why.
     bool HasNodeTypes(bool areNeeded);
@@ -46,13 +51,13 @@ public:
     bool LoadGraph(TDocument& document, const char* path, TFindingReport& report);
 
 private:
-    bool LoadProject();
     void FindNodeTypes();
     bool Load(TDocument& document, const char* path);
     bool CheckLoaded(TDocument& document);
 
     TOwner<TCindermillApp> App;
     TProject Project;
+    TErrorList ProjectErrors;
     bool NodeTypesRead = false;
     TErrorList NodeTypeErrors;
     // As it was given, and as it is.
@@ -68,6 +73,8 @@ void DropLine(const char* text, void* data);
 void KeepFirstLine(const char* text, void* data);
 // The errors in the wording of the batch export.
 void PrintErrors(TBatchResult result, const TErrorList& errors);
+// The same of one file of several: each line names it.
+void PrintErrorsOfFile(const char* path, TBatchResult result, const TErrorList& errors);
 // What is wrong with a file, in one line.
 void PrintMessage(const char* path, const char* message);
 // Each in a line of its own.

@@ -24,8 +24,9 @@ struct TCheckSwitches
 class TEffectCheck
 {
 public:
-    TEffectCheck(TBatchSession& session, const TCheckSwitches& switches, TCheckReport& report)
-        : Session(session), Switches(switches), Report(report)
+    TEffectCheck(TBatchSession& session, const TCheckSwitches& switches, TCheckReport& report,
+                 bool isOfSeveral)
+        : Session(session), Switches(switches), Report(report), IsOfSeveral(isOfSeveral)
     {
     }
 
@@ -59,6 +60,10 @@ private:
         findings.AddErrors(created ? "engine.error" : "schedule.error", errors);
         if (!Report.IsText())
             return;
+        if (IsOfSeveral) {
+            PrintErrorsOfFile(path, BR_SCHEDULEFAILED, errors);
+            return;
+        }
         std::fprintf(stderr, "%s: ", OneLineText(path).Print());
         PrintErrors(BR_SCHEDULEFAILED, errors);
     }
@@ -91,6 +96,7 @@ private:
     TBatchSession& Session;
     const TCheckSwitches& Switches;
     TCheckReport& Report;
+    const bool IsOfSeveral;
 };
 
 } // namespace
@@ -125,10 +131,10 @@ int TCheckCommand::Run(TBatchSession& session, TArguments& arguments) const
         return ReportUsage("%s", fault.Print());
     if (words.GetNames().empty())
         return ReportUsage("check needs a file");
+    if (!words.CheckSetup(session, switches.FindsStale))
+        return StatusErrors;
     if (switches.IsVerbose)
         session.TellPolicies();
-    if (!words.CheckNodeTypes(session, switches.FindsStale))
-        return StatusErrors;
     if (switches.ListsDependencies)
         session.ReadNodeTypes();
     TCheckReport report(session.GetProject(), switches.ListsDependencies);
@@ -137,7 +143,7 @@ int TCheckCommand::Run(TBatchSession& session, TArguments& arguments) const
         TellNodeTypes(session, report);
     vector<TString> files;
     words.GetFiles(files);
-    TEffectCheck check(session, switches, report);
+    TEffectCheck check(session, switches, report, words.IsOfSeveral(files));
     for (const TString& file : files)
         check.CheckFile(file);
     report.Write(stdout);

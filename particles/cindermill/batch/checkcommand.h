@@ -9,5 +9,5 @@ public:
     TCheckCommand();
     int Run(TBatchSession& session, TArguments& arguments) const override;
     const char* GetHelp() const override;
-    bool TellsOfNodeTypes() const override { return true; }
+    bool TellsOfSetup() const override { return true; }
 };

@@ -105,8 +105,8 @@ int TDiffCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     bool isJson = false;
     const bool isFormat = TakeFormat(arguments, isJson);
-    const char* before = arguments.Take();
-    const char* after = arguments.Take();
+    const char* before = arguments.TakeName();
+    const char* after = before != nullptr ? arguments.TakeName() : nullptr;
     if (!isFormat || after == nullptr || !TakeFormat(arguments, isJson) || !arguments.IsEmpty())
         return ReportUsage("diff takes two files");
     TDocument first(session.GetApp());

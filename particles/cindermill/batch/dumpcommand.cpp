@@ -27,10 +27,11 @@ const char* TDumpCommand::GetHelp() const
 
 int TDumpCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
-    if (arguments.GetNumLeft() != 1)
+    const char* path = arguments.TakeName();
+    if (path == nullptr || !arguments.IsEmpty())
         return ReportUsage("dump takes one file");
     TDocument document(session.GetApp());
-    if (!session.LoadGraph(document, arguments.Take()))
+    if (!session.LoadGraph(document, path))
         return StatusErrors;
     TErrorList errors;
     vector<char> log;

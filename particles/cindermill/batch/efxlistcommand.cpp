@@ -26,9 +26,9 @@ const char* TEfxListCommand::GetHelp() const
 int TEfxListCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     (void)session;
-    if (arguments.GetNumLeft() != 1)
+    const char* path = arguments.TakeName();
+    if (path == nullptr || !arguments.IsEmpty())
         return ReportUsage("efx takes one file");
-    const char* path = arguments.Take();
     TString fault;
     if (ListEfx(path, PrintLine, nullptr, fault))
         return StatusDone;

@@ -6,6 +6,22 @@
 
 #include <cstring>
 
+// With a place in a file where an error tells one.
+static void AddErrorsOfFile(const char* id, const char* path, const TErrorList& errors,
+                            TFindingReport& report)
+{
+    report.AddFile(path);
+    for (const TError* error : errors) {
+        const TFileError* ofFile = dynamic_cast<const TFileError*>(error);
+        TString shown(path);
+        if (ofFile != nullptr)
+            ToShownPath(ofFile->GetFileName(), shown);
+        TFinding finding = MakeFinding(id, shown, error->GetMessage());
+        finding.Line = ofFile != nullptr ? ofFile->GetLine() : 0;
+        report.Add(finding);
+    }
+}
+
 bool TFindingArguments::Read(TArguments& arguments, TString& fault)
 {
     bool onlyNames = false;
@@ -75,24 +91,33 @@ void TFindingArguments::Prepare(TFindingReport& report, const TBatchSession& ses
 {
     report.SetFormat(Format);
     report.SetFailOn(FailOn);
-    report.SetProject(session.GetProject().GetPath());
+    report.SetProject(session.GetProjectPath());
 }
 
-bool TFindingArguments::CheckNodeTypes(TBatchSession& session, bool areNeeded) const
+bool TFindingArguments::CheckSetup(TBatchSession& session, bool areTypesNeeded) const
 {
-    if (session.HasNodeTypes(areNeeded))
+    if (session.HasProject() && session.HasNodeTypes(areTypesNeeded))
         return true;
+    TellSetup(session);
+    return false;
+}
+
+void TFindingArguments::TellSetup(const TBatchSession& session) const
+{
     if (IsText()) {
+        PrintLines(session.GetProjectErrors());
         PrintLines(session.GetNodeTypeErrors());
-        return false;
+        return;
     }
     // No project can allow what ends the run.
     const TProject none;
     TFindingReport report(Command, none);
     Prepare(report, session);
-    AddNodeTypeFindings(session, report);
+    if (session.HasProject())
+        AddNodeTypeFindings(session, report);
+    else
+        AddErrorsOfFile("project.error", session.GetProjectPath(), session.GetProjectErrors(), report);
     report.Write(stdout);
-    return false;
 }
 
 void TellNodeTypes(TBatchSession& session, TFindingReport& report)
@@ -109,13 +134,5 @@ void AddNodeTypeFindings(const TBatchSession& session, TFindingReport& report)
 {
     TString directory;
     ToShownPath(session.GetNodeTypesPath(), directory);
-    report.AddFile(directory);
-    for (const TError* error : session.GetNodeTypeErrors()) {
-        TString path;
-        const TFileError* ofFile = dynamic_cast<const TFileError*>(error);
-        ToShownPath(ofFile != nullptr ? ofFile->GetFileName().Print() : directory.Print(), path);
-        TFinding finding = MakeFinding("type.error", path, error->GetMessage());
-        finding.Line = ofFile != nullptr ? ofFile->GetLine() : 0;
-        report.Add(finding);
-    }
+    AddErrorsOfFile("type.error", directory, session.GetNodeTypeErrors(), report);
 }

@@ -29,13 +29,20 @@ public:
     const vector<TString>& GetNames() const { return Names; }
     // The effects that the names stand for, as ExpandEffectPaths has it.
     void GetFiles(vector<TString>& files) const;
+    // Whether what is told of a file must name it: there are other files, or the one was not named itself.
+    bool IsOfSeveral(const vector<TString>& files) const
+    {
+        return files.size() != 1 || files[0].Compare(Names[0], true) != 0;
+    }
     void Prepare(TFindingReport& report, const TBatchSession& session) const;
-    // The session's HasNodeTypes. Where there are none, that is told in the format that was asked for.
-    bool CheckNodeTypes(TBatchSession& session, bool areNeeded = false) const;
+    // Whether there are a sound project, if any, and the node types that the session's HasNodeTypes asks for.
+    // What is wrong is told in the format that was asked for.
+    bool CheckSetup(TBatchSession& session, bool areTypesNeeded = false) const;
 
 private:
     bool TakeOption(const char* word, TArguments& arguments, TString& fault);
     bool TakeOwn(const char* word, TArguments& arguments, TString& fault);
+    void TellSetup(const TBatchSession& session) const;
 
     const char* const Command;
     vector<TOwnWord> Own;

@@ -17,8 +17,8 @@ const char* TImageCommand::GetHelp() const
 int TImageCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     (void)session;
-    const char* in = arguments.Take();
-    const char* out = arguments.Take();
+    const char* in = arguments.TakeName();
+    const char* out = in != nullptr ? arguments.TakeName() : nullptr;
     int format = 0;
     if (out == nullptr || !arguments.TakeIf("--format") ||
         !ParseWhole(arguments.Take(), 0, IF_NUMFORMATS - 1, format) || !arguments.IsEmpty())

@@ -139,7 +139,7 @@ int TLintCommand::Run(TBatchSession& session, TArguments& arguments) const
         return ReportUsage("%s", fault.Print());
     if (words.GetNames().empty())
         return ReportUsage("lint needs a file");
-    if (!words.CheckNodeTypes(session, true))
+    if (!words.CheckSetup(session, true))
         return StatusErrors;
     for (int b = 0; b < BG_NUMBUDGETS; ++b)
         options.Limits.Most[b] = session.GetProject().GetLimit(static_cast<TBudget>(b));

@@ -14,12 +14,6 @@
 
 namespace {
 
-// A line of the log, with the file ahead that it is about.
-void PrintOfFile(const char* text, void* data)
-{
-    PrintMessage(*static_cast<const TString*>(data), text);
-}
-
 // The files of one run, one after the other.
 class TFileReplay
 {
@@ -80,9 +74,7 @@ private:
             PrintErrors(result, errors);
             return;
         }
-        TString file(path);
-        const TLogCapture capture(PrintOfFile, &file);
-        PrintErrors(result, errors);
+        PrintErrorsOfFile(path, result, errors);
     }
     void PrintText(const char* path, const TReplayReport& replay)
     {
@@ -159,14 +151,13 @@ int TReplayCommand::Run(TBatchSession& session, TArguments& arguments) const
         return ReportUsage("%s", fault.Print());
     if (words.GetNames().empty())
         return ReportUsage("replay needs a file");
-    if (!words.CheckNodeTypes(session))
+    if (!words.CheckSetup(session))
         return StatusErrors;
     TFindingReport report(Name, session.GetProject());
     words.Prepare(report, session);
     vector<TString> files;
     words.GetFiles(files);
-    const bool isOfSeveral = files.size() != 1 || files[0].Compare(words.GetNames()[0], true) != 0;
-    TFileReplay replay(session, options, report, isOfSeveral);
+    TFileReplay replay(session, options, report, words.IsOfSeveral(files));
     bool isEqual = true;
     for (const TString& file : files)
         isEqual = replay.ReplayFile(file) && isEqual;

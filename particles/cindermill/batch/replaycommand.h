@@ -8,6 +8,6 @@ class TReplayCommand final : public TBatchCommand
 public:
     TReplayCommand();
     const char* GetHelp() const override;
-    bool TellsOfNodeTypes() const override { return true; }
+    bool TellsOfSetup() const override { return true; }
     int Run(TBatchSession& session, TArguments& arguments) const override;
 };

@@ -79,7 +79,7 @@ int TReportCommand::Run(TBatchSession& session, TArguments& arguments) const
         return ReportUsage("%s", fault.Print());
     if (words.GetNames().empty())
         return ReportUsage("report takes one file");
-    if (!words.CheckNodeTypes(session))
+    if (!words.CheckSetup(session))
         return StatusErrors;
     TFactsReport report(session.GetProject());
     words.Prepare(report, session);

@@ -12,10 +12,10 @@ const char* TResaveCommand::GetHelp() const
 
 int TResaveCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
-    if (arguments.GetNumLeft() != 2)
+    const char* in = arguments.TakeName();
+    const char* out = in != nullptr ? arguments.TakeName() : nullptr;
+    if (out == nullptr || !arguments.IsEmpty())
         return ReportUsage("resave takes a file and the file to write");
-    const char* in = arguments.Take();
-    const char* out = arguments.Take();
     TDocument document(session.GetApp());
     if (!session.LoadFile(document, in))
         return StatusErrors;

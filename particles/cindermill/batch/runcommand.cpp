@@ -21,7 +21,7 @@ const char* TRunCommand::GetHelp() const
 
 int TRunCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
-    const char* path = arguments.Take();
+    const char* path = arguments.TakeName();
     if (path == nullptr)
         return ReportUsage("run needs a file");
     int frames = 100;

@@ -14,10 +14,11 @@ const char* TTextCommand::GetHelp() const
 
 int TTextCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
-    if (arguments.GetNumLeft() != 1)
+    const char* path = arguments.TakeName();
+    if (path == nullptr || !arguments.IsEmpty())
         return ReportUsage("text takes one file");
     TDocument document(session.GetApp());
-    if (!session.LoadFile(document, arguments.Take()))
+    if (!session.LoadFile(document, path))
         return StatusErrors;
     TTextBuffer text;
     TEffectText(*document.GetGraph()).Write(text);

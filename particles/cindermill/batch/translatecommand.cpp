@@ -41,7 +41,7 @@ const char* TTranslateCommand::GetHelp() const
 int TTranslateCommand::Run(TBatchSession& session, TArguments& arguments) const
 {
     (void)session;
-    const char* path = arguments.Take();
+    const char* path = arguments.TakeName();
     const bool raw = arguments.TakeIf("--raw");
     if (path == nullptr || !arguments.IsEmpty())
         return ReportUsage("translate takes one file");

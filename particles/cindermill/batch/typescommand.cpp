@@ -106,7 +106,7 @@ int TTypesCommand::Run(TBatchSession& session, TArguments& arguments) const
         return ReportUsage("%s", fault.Print());
     if (!words.GetNames().empty())
         return ReportUsage("types takes no arguments");
-    if (!words.CheckNodeTypes(session))
+    if (!words.CheckSetup(session))
         return StatusErrors;
     const TNodeTypeLibrary& library = session.GetApp().GetNodeTypes();
     TTypesReport report(session.GetProject(), library);

@@ -133,6 +133,8 @@ bool TExportAgreement::CanBegin(const char* path)
 void TExportAgreement::Drop()
 {
     HasChanged = HasChanged || IsBegun();
+    IsAtEnd = false;
+    Search.Reset();
     Comparison.Reset();
     Verdict = TReplayVerdict();
     Lines.clear();
@@ -155,12 +157,14 @@ void TExportAgreement::RunPass()
     bool goesOn = false;
     {
         const TOwnDraws own(Randoms);
-        goesOn = RunFrames(begin);
+        goesOn = RunParts(begin);
     }
     const uint64_t end = GetNow();
     NextPass = end + (end - begin) * (end - begin > SlowPass ? SlowPassRest : 1);
-    if (!goesOn)
+    if (!goesOn) {
+        Search.Reset();
         Comparison.Reset();
+    }
     if (!goesOn || end >= NextProgress) {
         NextProgress = end + ProgressTime;
         HasChanged = true;
@@ -169,6 +173,14 @@ void TExportAgreement::RunPass()
 }
 
 // False when it is over.
+bool TExportAgreement::RunParts(uint64_t begin)
+{
+    if (!IsAtEnd && !RunFrames(begin))
+        return false;
+    return !IsAtEnd || RunEnd(begin);
+}
+
+// False where it fails.
 bool TExportAgreement::RunFrames(uint64_t begin)
 {
     TReplayComparison& comparison = Comparison->GetComparison();
@@ -188,20 +200,35 @@ bool TExportAgreement::RunFrames(uint64_t begin)
             return true;
         last = now;
     }
-    Finish();
-    return false;
+    IsAtEnd = true;
+    return true;
 }
 
-void TExportAgreement::Finish()
+// No frame is cut short here: a part is small, however large the effect is, and there are as many as there
+// are differences and notes.
+bool TExportAgreement::RunEnd(uint64_t begin)
 {
     TReplayComparison& comparison = Comparison->GetComparison();
     TErrorList errors;
-    if (!comparison.End(errors)) {
-        Fail(GetFirstText(errors));
-        return;
-    }
-    Verdict = TReplayVerdict(Comparison->GetSchedule(), comparison.GetReport(), comparison.GetNumFrames());
-    Known = true;
+    do {
+        if (!comparison.IsEnded()) {
+            if (!comparison.RunEnd(errors)) {
+                Fail(GetFirstText(errors));
+                return false;
+            }
+        } else if (Search.Get() == nullptr) {
+            Search.Reset(new TVerdictSearch(Comparison->GetSchedule(), comparison.GetReport(),
+                                            comparison.GetNumFrames()));
+        } else {
+            Search->RunPart();
+        }
+        if (Search.Get() != nullptr && Search->IsDone()) {
+            Verdict = Search->GetVerdict();
+            Known = true;
+            return false;
+        }
+    } while (GetNow() - begin <= Limits.Pass);
+    return true;
 }
 
 void TExportAgreement::Fail(const char* fault)

@@ -13,7 +13,7 @@ class TDocumentComparison;
 // What a comparison may take, in nanoseconds.
 struct TAgreementLimits
 {
-    // Of one pass between other work, which a single frame may exceed.
+    // Of one pass between other work, which a single frame may exceed, and nothing else.
     uint64_t Pass = 4000000;
     // More than that for so many frames in a row, or for all of them, and the rest is not compared. A single
     // one may be slow because of what else the machine does.
@@ -73,8 +73,9 @@ public:
 private:
     void Start(const char* path);
     bool CanBegin(const char* path);
+    bool RunParts(uint64_t begin);
     bool RunFrames(uint64_t begin);
-    void Finish();
+    bool RunEnd(uint64_t begin);
     void Fail(const char* fault);
     void MakeLines();
 
@@ -84,6 +85,9 @@ private:
     TOwner<TDocumentComparison> Comparison;
     // Nodes that draw from the generators of all effects have their own here.
     TRandomRun Randoms;
+    // The frames are over: of those that were run, what they come to.
+    bool IsAtEnd = false;
+    TOwner<TVerdictSearch> Search;
     TReplayVerdict Verdict;
     TString Fault;
     vector<TVerdictLine> Lines;

@@ -22,7 +22,10 @@ int RunPictureProgram(int argc, char** argv)
     TString text;
     const bool finished = RunGuarded(
         [&] {
-            if (session.Init())
+            if (!session.Init())
+                return;
+            PrintLines(session.GetProjectErrors());
+            if (session.HasProject())
                 status = isSheet ? DrawSheet(session, arguments) : DrawPicture(session, arguments);
         },
         text);

@@ -121,12 +121,13 @@ void TExportBuilder::Build(TErrorList& errors)
         errors.SetSource(nullptr, group);
         OptimiseGroup(group);
     }
-    errors.ClearSource();
     Result.GroupData.clear();
-    for (TExportGroup& group : Groups) {
-        ResolveNames(group);
-        FillGroupData(group);
+    for (int group = 0; group < Groups.size(); ++group) {
+        errors.SetSource(nullptr, group);
+        ResolveNames(Groups[group]);
+        FillGroupData(group, errors);
     }
+    errors.ClearSource();
     CheckSharedData();
     Result.Built = true;
 }
@@ -373,12 +374,16 @@ void TExportBuilder::ResolveNames(TExportGroup& group)
     }
 }
 
-void TExportBuilder::FillGroupData(TExportGroup& group)
+void TExportBuilder::FillGroupData(int index, TErrorList& errors)
 {
+    TExportGroup& group = Groups[index];
     TGroupRecord record;
     record.Stride = ToWordField(group.Stride, "particle record size");
     record.EventSize = ToWordField(group.EventSize, "event payload size");
+    if (const TEffectNode* teller = Schedule.GetGroup(index).MaxEmissionNode)
+        errors.SetSource(teller->GetNodeType(), index);
     record.MaxEmission = ToWordField(group.MaxEmission, "maximum emission");
+    errors.SetSource(nullptr, index);
     record.NumBounds = ToByteField(group.Bounds.size(), "number of bounds");
     record.NumTriggers = ToByteField(group.Triggers.size(), "number of triggers");
     record.NumEvents = ToByteField(group.Events.size(), "number of events");

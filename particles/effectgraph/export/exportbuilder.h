@@ -37,7 +37,7 @@ private:
 
     // The file's records.
     void ResolveNames(TExportGroup& group);
-    void FillGroupData(TExportGroup& group);
+    void FillGroupData(int index, TErrorList& errors);
     void CheckSharedData() const;
 
     const TEffectSchedule& Schedule;

@@ -46,7 +46,7 @@ void TEffectSchedule::SizeGroups(const TScheduleBuilder& builder)
     for (int i = 0; i < Groups.size(); ++i) {
         Groups[i].IsTriggerGroup = builder.IsTriggerGroup(i);
         Groups[i].ParticleCount = particleCounts[i];
-        Groups[i].MaxEmission = builder.GetMaxEmission(i, particleCounts);
+        Groups[i].MaxEmission = builder.GetMaxEmission(i, particleCounts, Groups[i].MaxEmissionNode);
     }
 }
 

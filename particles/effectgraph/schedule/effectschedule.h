@@ -39,8 +39,9 @@ struct TScheduleGroup
     vector<TGroupAttribute> Attributes;
     // Capacity in particles.
     int ParticleCount = 0;
-    // The most particles born in one frame.
+    // The most particles born in one frame, and the node that tells so; null where none does.
     int MaxEmission = 0;
+    const TEffectNode* MaxEmissionNode = nullptr;
     // Seconds; 0 if it could not be bounded.
     float MaxLifeTime = 0;
     bool IsTriggerGroup = false;

@@ -191,16 +191,20 @@ int TScheduleBuilder::GetParticleCount(int position) const
 }
 
 // What fires the emitter tells; otherwise a whole parent population may have to fit into one frame.
-int TScheduleBuilder::GetMaxEmission(int position, const vector<int>& particleCounts) const
+int TScheduleBuilder::GetMaxEmission(int position, const vector<int>& particleCounts,
+                                     const TEffectNode*& teller) const
 {
     int most = DefaultMaxEmission;
+    teller = nullptr;
     if (IsTriggerGroup(position))
         return most;
     const TEffectNode* emitter = GetLastEmitter(position);
     for (int p = 0; p < emitter->GetNumInputs(); ++p) {
         const TEffectEdge* edge = emitter->GetInput(p);
-        if (edge != nullptr && GetIntParameter(edge->GetSrcNode(), "Per frame max emission", most))
-            return most;
+        if (edge == nullptr || !GetIntParameter(edge->GetSrcNode(), "Per frame max emission", most))
+            continue;
+        teller = edge->GetSrcNode();
+        return most;
     }
     for (int p = 0; p < emitter->GetNumInputs(); ++p) {
         const TEffectEdge* edge = emitter->GetInput(p);
@@ -210,8 +214,10 @@ int TScheduleBuilder::GetMaxEmission(int position, const vector<int>& particleCo
         const int group = Groups.GetGroupOf(Wiring.Find(edge->GetSrcNode()));
         if (group == position || group == -1 || group >= particleCounts.size())
             continue;
-        if (particleCounts[group] > most)
-            most = particleCounts[group];
+        if (particleCounts[group] <= most)
+            continue;
+        most = particleCounts[group];
+        teller = IsTriggerGroup(group) ? nullptr : GetLastEmitter(group);
     }
     return most;
 }

@@ -27,8 +27,9 @@ public:
     const TTiedGroup& GetExpansion(int position) const { return Expansions[position]; }
     bool IsTriggerGroup(int position) const { return GetSource(position).Emitters.empty(); }
     int GetParticleCount(int position) const;
-    // Needs the particle counts of all positions.
-    int GetMaxEmission(int position, const vector<int>& particleCounts) const;
+    // Needs the particle counts of all positions. `teller` becomes the node that the number stands on, or
+    // null.
+    int GetMaxEmission(int position, const vector<int>& particleCounts, const TEffectNode*& teller) const;
     int FindNode(const TEffectNode* node) const { return Wiring.Find(node); }
 
     void FindLifeTimes();

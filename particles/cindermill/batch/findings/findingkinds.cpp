@@ -12,6 +12,7 @@ const TFindingKind Kinds[] = {
     {"engine.error", FS_ERROR, "The engine cannot be made: the preview is empty, and nothing is exported."},
     {"export.error", FS_ERROR, "The effect cannot be exported."},
     {"export.warning", FS_WARNING, "The effect can be exported, and the export has something to tell."},
+    {"project.error", FS_ERROR, "The project file cannot be read, or not in full: nothing was looked at."},
     {"type.error", FS_ERROR, "A node type file cannot be read, or not in full."},
     {"type.stale", FS_WARNING, "A node's type differs from the library's of the same name."},
     {"type.missing", FS_WARNING, "The library has no type of a node's name."},

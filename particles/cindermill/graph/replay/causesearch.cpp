@@ -1,14 +1,14 @@
 #include "particles/cindermill/graph/replay/causesearch.h"
 
+#include "library/containers/append.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/effectgraph/effectedge.h"
-#include "particles/effectgraph/pointermap.h"
 
 namespace {
 constexpr int TriggerInput = 0;
 } // namespace
 
-const void* TCauseSearch::Find(const TReplayDifference& difference) const
+const void* TCauseSearch::Find(const TReplayDifference& difference)
 {
     const TReplayPlace& place = difference.Place;
     if (difference.Kind == DK_STAGE || difference.Kind == DK_UNDEFINED || place.Frame == 0)
@@ -18,25 +18,30 @@ const void* TCauseSearch::Find(const TReplayDifference& difference) const
 }
 
 // Of the node, or of one that leads to it.
-const void* TCauseSearch::FindBehind(const TEffectNode& node) const
+const void* TCauseSearch::FindBehind(const TEffectNode& node)
 {
     TPointerMap seen;
     vector<const TEffectNode*> open;
-    seen.Insert(&node);
-    open.push_back(&node);
+    const auto reach = [&](const TEffectNode* next) {
+        if (!Barren.Has(next) && seen.Insert(next))
+            Append(open, next);
+    };
+    reach(&node);
     for (int i = 0; i < open.size(); ++i) {
         const TEffectNode* next = open[i];
         if (const void* cause = Causes.FindOfValues(*next))
             return cause;
         for (int port = 0; port < next->GetNumInputs(); ++port)
-            if (next->GetInput(port) != nullptr && seen.Insert(next->GetInput(port)->GetSrcNode()))
-                open.push_back(next->GetInput(port)->GetSrcNode());
+            if (next->GetInput(port) != nullptr)
+                reach(next->GetInput(port)->GetSrcNode());
     }
+    for (const TEffectNode* reached : open)
+        Barren.Insert(reached);
     return nullptr;
 }
 
 // Where the particles of a group are others, so are those that they fire.
-const void* TCauseSearch::FindInGroups(int group) const
+const void* TCauseSearch::FindInGroups(int group)
 {
     vector<int> open;
     open.push_back(group);
@@ -52,17 +57,22 @@ const void* TCauseSearch::FindInGroups(int group) const
     return nullptr;
 }
 
-const void* TCauseSearch::FindInGroup(int group) const
+const void* TCauseSearch::FindInGroup(int group)
 {
-    const void* cause = Causes.FindOfGroup(group);
-    for (const TTiedNode& tied : Schedule.GetGroup(group).TiedNodes)
-        if (cause == nullptr)
-            cause = FindInDecider(*Schedule.GetNode(tied.Node), group);
-    return cause;
+    const TScheduleGroup& asked = Schedule.GetGroup(group);
+    if (BarrenGroups.Has(&asked))
+        return nullptr;
+    if (const void* cause = Causes.FindOfGroup(group))
+        return cause;
+    for (const TTiedNode& tied : asked.TiedNodes)
+        if (const void* cause = FindInDecider(*Schedule.GetNode(tied.Node), group))
+            return cause;
+    BarrenGroups.Insert(&asked);
+    return nullptr;
 }
 
 // Where an emitter's particles start decides nothing: how many are fired does.
-const void* TCauseSearch::FindInDecider(const TEffectNode& node, int group) const
+const void* TCauseSearch::FindInDecider(const TEffectNode& node, int group)
 {
     const TNodeType& type = *node.GetNodeType();
     const bool isEmitter = type.Category == TU_EMITTER;

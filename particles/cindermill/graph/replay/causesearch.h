@@ -1,5 +1,6 @@
 #pragma once
 
+#include "particles/effectgraph/pointermap.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
 struct TReplayDifference;
@@ -21,19 +22,24 @@ public:
 class TCauseSearch
 {
 public:
-    // Refers to both.
+    // Refers to both, which may not change while it is used.
     TCauseSearch(const TEffectSchedule& schedule, const TCauses& causes) : Schedule(schedule), Causes(causes)
     {
     }
     // Null for nothing.
-    const void* Find(const TReplayDifference& difference) const;
+    const void* Find(const TReplayDifference& difference);
 
 private:
-    const void* FindBehind(const TEffectNode& node) const;
-    const void* FindInGroups(int group) const;
-    const void* FindInGroup(int group) const;
-    const void* FindInDecider(const TEffectNode& node, int group) const;
+    const void* FindBehind(const TEffectNode& node);
+    const void* FindInGroups(int group);
+    const void* FindInGroup(int group);
+    const void* FindInDecider(const TEffectNode& node, int group);
 
     const TEffectSchedule& Schedule;
     const TCauses& Causes;
+    // Nodes that have no cause, nor lead back to one. What is found out of one serves for all that follow: a
+    // graph may be as long as it likes.
+    TPointerMap Barren;
+    // Groups whose nodes were asked, none of which decides for a cause.
+    TPointerMap BarrenGroups;
 };

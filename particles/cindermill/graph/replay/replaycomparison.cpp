@@ -23,6 +23,7 @@ bool RunAsserting(TErrorList& errors, TWork&& work)
     if (RunGuarded([&] { result = work(); }, text))
         return result;
     errors.Add(new TError("%s", text.Print()));
+    errors.ClearSource();
     return false;
 }
 
@@ -104,11 +105,15 @@ bool TReplayComparison::Run(const TReplayOptions& options, TErrorList& errors)
     while (!IsComplete())
         if (!RunFrame(errors))
             return false;
-    return End(errors);
+    while (!IsEnded())
+        if (!RunEnd(errors))
+            return false;
+    return true;
 }
 
 bool TReplayComparison::Begin(const TReplayOptions& options, TErrorList& errors)
 {
+    Sources.Reset();
     Report = TReplayReport();
     Replay.Reset();
     File = TEfxFile();
@@ -137,15 +142,18 @@ bool TReplayComparison::RunFrame(TErrorList& errors)
     });
 }
 
-bool TReplayComparison::End(TErrorList& errors)
+bool TReplayComparison::RunEnd(TErrorList& errors)
 {
-    const bool ended = RunAsserting(errors, [&] {
+    return RunAsserting(errors, [&] {
+        if (Sources.Get() != nullptr) {
+            Sources->FindNext();
+            return true;
+        }
         AddRefusalNotes(*Replay, Report);
-        FindDifferenceSources(Schedule, Report);
+        Replay.Reset();
+        Sources.Reset(new TDifferenceSources(Schedule, Report));
         return true;
     });
-    Replay.Reset();
-    return ended;
 }
 
 void TReplayComparison::ListAttributes()

@@ -2,6 +2,7 @@
 
 #include "particles/cindermill/graph/engine/effectexec.h"
 #include "particles/cindermill/graph/engine/unseenservices.h"
+#include "particles/cindermill/graph/replay/differencesource.h"
 #include "particles/cindermill/graph/replay/effectreplay.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 
@@ -28,7 +29,8 @@ int CountReplayFrames(const TEffectSchedule& schedule, float dt);
 //     if (comparison.Export(errors) && comparison.Run(options, errors))
 //         ... comparison.GetReport().GetDifferences(), GetNotes() ...
 //
-// Between other work the same is done in parts: Begin, then RunFrame until IsComplete, then End.
+// Between other work the same is done in parts: Begin, then RunFrame until IsComplete, then RunEnd until
+// IsEnded.
 class TReplayComparison
 {
 public:
@@ -51,8 +53,9 @@ public:
     bool IsComplete() const { return Report.NumFrames >= NumFrames; }
     // How many frames there are to be.
     int GetNumFrames() const { return NumFrames; }
-    // What only the whole tells, of as many frames as were run. The replay goes.
-    bool End(TErrorList& errors);
+    // A part of what only the whole tells, of as many frames as were run. The replay goes with the first.
+    bool RunEnd(TErrorList& errors);
+    bool IsEnded() const { return Sources.Get() != nullptr && Sources->IsDone(); }
     const TReplayReport& GetReport() const { return Report; }
 
 private:
@@ -100,6 +103,8 @@ private:
     int NumFrames = 0;
     float Dt = 0;
     TReplayReport Report;
+    // Of a comparison whose frames are over.
+    TOwner<TDifferenceSources> Sources;
     vector<TAttribute> Attributes;
     // By group: whether its particles are those of the preview until now.
     vector<bool> InStep;

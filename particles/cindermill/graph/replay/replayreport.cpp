@@ -1,5 +1,6 @@
 #include "particles/cindermill/graph/replay/replayreport.h"
 
+#include "library/containers/append.h"
 #include "particles/effectgraph/xmltext.h"
 
 #include <cmath>
@@ -67,7 +68,12 @@ TReplayDifference* TReplayReport::Find(int group, int attribute, TDifferenceKind
 
 void TReplayReport::Add(const TReplayDifference& difference)
 {
-    Differences.push_back(difference);
+    Append(Differences, difference);
+}
+
+void TReplayReport::AddNote(const TReplayNote& note)
+{
+    Append(Notes, note);
 }
 
 bool TReplayReport::Compare(float preview, float replay)

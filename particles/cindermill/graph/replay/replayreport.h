@@ -100,7 +100,7 @@ public:
     // The same of a value, at a place that gets the name and the component where it differs: a text is made
     // for a difference only.
     void CompareNamed(TReplayPlace& place, const char* name, float preview, float replay, int component);
-    void AddNote(const TReplayNote& note) { Notes.push_back(note); }
+    void AddNote(const TReplayNote& note);
 
 private:
     vector<TReplayDifference> Differences;

@@ -1,5 +1,6 @@
 #include "particles/cindermill/graph/replay/replayverdict.h"
 
+#include "library/containers/append.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
 #include "particles/cindermill/graph/replay/tolddifferences.h"
 #include "particles/effectgraph/effectnode.h"
@@ -17,9 +18,10 @@ TString GetShownName(const TEffectNode& node)
 
 TReplayVerdict::TReplayVerdict(const TEffectSchedule& schedule, const TReplayReport& report, int wantedFrames)
 {
-    ListDifferences(schedule, report);
-    MakeHeadline(report.NumFrames, wantedFrames);
-    MakeSummary(report);
+    TVerdictSearch search(schedule, report, wantedFrames);
+    while (!search.IsDone())
+        search.RunPart();
+    *this = search.GetVerdict();
 }
 
 void TReplayVerdict::MakeSummary(const TReplayReport& report)
@@ -33,40 +35,6 @@ void TReplayVerdict::MakeSummary(const TReplayReport& report)
     else if (Differences.empty())
         text.Format(": %lld values in %d frames", static_cast<long long>(report.NumEqual), report.NumFrames);
     Summary.Text += text;
-}
-
-void TReplayVerdict::ListDifferences(const TEffectSchedule& schedule, const TReplayReport& report)
-{
-    const TToldDifferences told(schedule, report);
-    vector<const TReplayNote*> reasons;
-    for (const TReplayDifference& difference : report.GetDifferences()) {
-        reasons.push_back(told.FindReason(difference));
-        NumWithoutReason += reasons.back() == nullptr ? 1 : 0;
-    }
-    AddDifferences(report, reasons, false);
-    AddDifferences(report, reasons, true);
-    for (const TReplayNote& note : report.GetNotes()) {
-        TVerdictLine line;
-        line.Text = note.Text;
-        line.Node = note.Node;
-        line.Kind = reasons.index_of(&note) != -1 ? VK_TOLD : VK_NOTE;
-        (line.Kind == VK_TOLD ? Reasons : Notes).push_back(line);
-    }
-}
-
-void TReplayVerdict::AddDifferences(const TReplayReport& report, const vector<const TReplayNote*>& reasons,
-                                    bool told)
-{
-    for (int i = 0; i < reasons.size(); ++i) {
-        if ((reasons[i] != nullptr) != told)
-            continue;
-        const TReplayDifference& difference = report.GetDifferences()[i];
-        TVerdictLine line;
-        line.Kind = told ? VK_TOLD : VK_DIFFERS;
-        line.Text = DescribeDifference(difference);
-        line.Node = difference.Place.Node;
-        Differences.push_back(line);
-    }
 }
 
 void TReplayVerdict::MakeHeadline(int numFrames, int wantedFrames)
@@ -102,4 +70,56 @@ void TReplayVerdict::MakeHeadline(int numFrames, int wantedFrames)
         text.Format(" (in %d of %d frames: more would take too long here)", numFrames, wantedFrames);
         Headline.Text += text;
     }
+}
+
+TVerdictSearch::TVerdictSearch(const TEffectSchedule& schedule, const TReplayReport& report, int wantedFrames)
+    : Report(report), WantedFrames(wantedFrames), Told(new TToldDifferences(schedule, report))
+{
+    IsReason.resize(Report.GetNotes().size());
+    for (bool& isReason : IsReason)
+        isReason = false;
+}
+
+TVerdictSearch::~TVerdictSearch() = default;
+
+void TVerdictSearch::RunPart()
+{
+    if (NextDifference < Report.GetDifferences().size())
+        AddDifference(Report.GetDifferences()[NextDifference++]);
+    else if (NextNote < Report.GetNotes().size())
+        AddNote(NextNote++);
+    else
+        Finish();
+}
+
+void TVerdictSearch::AddDifference(const TReplayDifference& difference)
+{
+    const TReplayNote* reason = Told->FindReason(difference);
+    if (reason != nullptr)
+        IsReason[static_cast<int>(reason - Report.GetNotes().data())] = true;
+    TVerdictLine line;
+    line.Kind = reason != nullptr ? VK_TOLD : VK_DIFFERS;
+    line.Text = DescribeDifference(difference);
+    line.Node = difference.Place.Node;
+    Append(reason != nullptr ? Explained : Verdict.Differences, line);
+}
+
+void TVerdictSearch::AddNote(int index)
+{
+    const TReplayNote& note = Report.GetNotes()[index];
+    TVerdictLine line;
+    line.Text = note.Text;
+    line.Node = note.Node;
+    line.Kind = IsReason[index] ? VK_TOLD : VK_NOTE;
+    Append(IsReason[index] ? Verdict.Reasons : Verdict.Notes, line);
+}
+
+void TVerdictSearch::Finish()
+{
+    Verdict.NumWithoutReason = Verdict.Differences.size();
+    for (const TVerdictLine& line : Explained)
+        Append(Verdict.Differences, line);
+    Verdict.MakeHeadline(Report.NumFrames, WantedFrames);
+    Verdict.MakeSummary(Report);
+    Done = true;
 }

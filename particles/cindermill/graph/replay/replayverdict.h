@@ -1,12 +1,15 @@
 #pragma once
 
+#include "library/containers/owner.h"
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
 
+struct TReplayDifference;
 struct TReplayNote;
 class TEffectNode;
 class TEffectSchedule;
 class TReplayReport;
+class TToldDifferences;
 
 enum TVerdictKind
 {
@@ -57,8 +60,8 @@ public:
     const vector<TVerdictLine>& GetNotes() const { return Notes; }
 
 private:
-    void ListDifferences(const TEffectSchedule& schedule, const TReplayReport& report);
-    void AddDifferences(const TReplayReport& report, const vector<const TReplayNote*>& reasons, bool told);
+    friend class TVerdictSearch;
+
     void MakeHeadline(int numFrames, int wantedFrames);
     void MakeSummary(const TReplayReport& report);
 
@@ -68,4 +71,35 @@ private:
     vector<TVerdictLine> Reasons;
     vector<TVerdictLine> Notes;
     int NumWithoutReason = 0;
+};
+
+// Comes to the verdict of a comparison in parts, so that others may work in between.
+class TVerdictSearch
+{
+public:
+    // Refers to both, which may not change until it is done. As TReplayVerdict has it.
+    TVerdictSearch(const TEffectSchedule& schedule, const TReplayReport& report, int wantedFrames);
+    ~TVerdictSearch();
+    bool IsDone() const { return Done; }
+    // One difference, or one note, or what is said of them all.
+    void RunPart();
+    // When it is done.
+    const TReplayVerdict& GetVerdict() const { return Verdict; }
+
+private:
+    void AddDifference(const TReplayDifference& difference);
+    void AddNote(int note);
+    void Finish();
+
+    const TReplayReport& Report;
+    const int WantedFrames;
+    TOwner<TToldDifferences> Told;
+    // By note: whether something differs for it.
+    vector<bool> IsReason;
+    // Differences for which there is a reason come behind all others.
+    vector<TVerdictLine> Explained;
+    TReplayVerdict Verdict;
+    int NextDifference = 0;
+    int NextNote = 0;
+    bool Done = false;
 };

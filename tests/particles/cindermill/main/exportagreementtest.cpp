@@ -195,6 +195,55 @@ TEST_F(ExportAgreement, InPartsItComesToTheSameAsAtOnce)
     }
 }
 
+// Each difference has its node and its reason looked for in a pass of its own where there is time for no
+// more.
+TEST_F(ExportAgreement, ItsEndComesInPartsToo)
+{
+    TDocument& document = Open("fireflies");
+    TExportAgreement& agreement = document.GetAgreement();
+    agreement.SetLimits(FrameByFrame());
+    agreement.Begin();
+    TString progress;
+    agreement.GetProgress(progress);
+    const int frames = std::atoi(Text(progress).substr(Text(progress).rfind(' ')).c_str());
+    ASSERT_GT(frames, 0);
+    while (CountFrames(agreement) < frames)
+        RunOnce(agreement);
+    int passes = 0;
+    while (agreement.IsRunning()) {
+        EXPECT_EQ(CountFrames(agreement), frames);
+        EXPECT_FALSE(agreement.IsKnown());
+        passes += agreement.IsDue() ? 1 : 0;
+        RunOnce(agreement);
+    }
+    ASSERT_TRUE(agreement.IsKnown());
+    const TReplayVerdict& verdict = agreement.GetVerdict();
+    EXPECT_GT(verdict.GetNumDifferences(), 1);
+    EXPECT_GE(passes, 2 * verdict.GetNumDifferences() + verdict.GetNotes().size());
+}
+
+TEST_F(ExportAgreement, AnEditAtItsEndDropsIt)
+{
+    TDocument& document = Open("fireflies");
+    TExportAgreement& agreement = document.GetAgreement();
+    agreement.SetLimits(FrameByFrame());
+    for (int more = 0; more < 40; more += 3) {
+        agreement.Begin();
+        TString progress;
+        agreement.GetProgress(progress);
+        const int frames = std::atoi(Text(progress).substr(Text(progress).rfind(' ')).c_str());
+        while (CountFrames(agreement) < frames)
+            RunOnce(agreement);
+        for (int i = 0; i < more && agreement.IsRunning(); ++i)
+            agreement.RunPass();
+        agreement.Drop();
+        EXPECT_FALSE(agreement.IsBegun());
+    }
+    agreement.Begin();
+    RunToTheEnd(agreement);
+    EXPECT_EQ(agreement.GetVerdict().GetFirstNode(), FindNode(document, "Noise"));
+}
+
 TEST_F(ExportAgreement, AnEffectThatAgreesIsToldToDoSo)
 {
     TDocument& document = Open("fountain");
@@ -358,7 +407,7 @@ TEST_F(ExportAgreement, TooLargeAnEffectIsNotComparedOrNotToItsEnd)
     limits.Whole = 0;
     agreement.SetLimits(limits);
     agreement.Begin();
-    RunOnce(agreement);
+    RunToTheEnd(agreement);
     ASSERT_TRUE(agreement.IsKnown());
     EXPECT_EQ(Text(agreement.GetVerdict().GetHeadline().Text).find("No difference in the first 1 of "), 0)
         << agreement.GetVerdict().GetHeadline().Text.Print();
@@ -383,6 +432,9 @@ TEST_F(ExportAgreement, SlowFramesInARowCutItShortWhichIsNotToAgree)
         Time += 10 * Second;
         RunOnce(agreement);
     }
+    // What is left to do is no frame.
+    EXPECT_EQ(CountFrames(agreement), 6);
+    RunToTheEnd(agreement);
     ASSERT_TRUE(agreement.IsKnown());
     const TReplayVerdict& verdict = agreement.GetVerdict();
     EXPECT_EQ(verdict.GetHeadline().Kind, VK_CUTSHORT);
