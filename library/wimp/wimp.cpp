@@ -4,6 +4,7 @@
 #include "library/system/clock.h"
 #include "library/wimp/accessiblewindow.h"
 #include "library/wimp/desktoptheme.h"
+#include "library/wimp/fieldmenus.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/windowpeer.h"
 
@@ -91,6 +92,7 @@ bool TWimp::Init(int& argc, char** argv)
     // Belongs to the application.
     new TDesktopTheme(found);
     InstallAccessibleWindows();
+    InstallFieldMenus(*application);
     Instance = application;
     Flags |= FL_INITED;
     SetAssertBox(ShowAssertBox);
@@ -192,6 +194,7 @@ bool TWimp::RunIdle()
         ~TInside() { Flag = false; }
     } inside(InIdle);
     WimpApp->OnIdle();
+    TWindow::TellContents();
     LastIdle = GetPerformanceCounter();
     return true;
 }

@@ -77,6 +77,9 @@ int TSeekBar::GetPlace(float time) const
 void TSeekBar::SetTime(float time, float range)
 {
     const bool moved = range != Range || GetPlace(time) != GetPlace(Time);
+    // What is told is finer than what is drawn.
+    if (time != Time)
+        ContentsChanged();
     Time = time;
     Range = range;
     if (moved)

@@ -19,6 +19,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
+#include <QtWidgets/QMenu>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
@@ -783,4 +784,31 @@ TEST_F(TSplitWindowTest, TheGapHasTheColourOfButtons)
     Settle();
     const QImage image = Widget()->grab().toImage();
     EXPECT_EQ(image.pixel(201, 50) & 0xFFFFFF, GetButtonColour());
+}
+
+// As the Menu key, of which the window system makes one by itself.
+TEST_F(TControlTest, ShiftF10OpensTheMenusOfFields)
+{
+    TEdit line;
+    TEdit lines;
+    TNumberEdit number;
+    TButton button;
+    ASSERT_TRUE(line.Create(&Window, 1, "line") && lines.Create(&Window, 2, "lines", true, true) &&
+                number.Create(&Window, 3, "number") && button.Create(&Window, 4, "Press", "button"));
+    for (TWimpControl* field : {static_cast<TWimpControl*>(&line), static_cast<TWimpControl*>(&lines),
+                                static_cast<TWimpControl*>(&number)}) {
+        int entries = 0;
+        MeetMenu([&](QMenu& menu) {
+            entries = static_cast<int>(menu.actions().size());
+            menu.close();
+        });
+        QTest::keyClick(field->GetHandle(), Qt::Key_F10, Qt::ShiftModifier);
+        EXPECT_TRUE(WaitFor([&] { return entries > 0; })) << field->GetHandle()->objectName().toStdString();
+    }
+    // Whose button that is may have another use for it.
+    Window.Forget();
+    QTest::keyClick(button.GetHandle(), Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(Window.Last(MT_KEYDOWN).Key, KEY_MENU);
+    QTest::keyClick(line.GetHandle(), Qt::Key_F10);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }

@@ -760,6 +760,19 @@ TEST_F(PreviewControls, EveryControlHasANameAndTheTimeBarIsASliderOfSeconds)
     QTest::keyClick(bar, Qt::Key_PageDown);
     Arrive();
     EXPECT_NEAR(Window.GetTime(), 1.6f, 0.03f);
+    // They end where the bar does.
+    for (const Qt::Key key : {Qt::Key_PageDown, Qt::Key_PageDown, Qt::Key_Left}) {
+        QTest::keyClick(bar, key);
+        Arrive();
+        EXPECT_GE(Window.GetTime(), 0);
+    }
+    EXPECT_NEAR(Window.GetTime(), 0, 0.03f);
+    for (int i = 0; i < 6; ++i) {
+        QTest::keyClick(bar, i < 5 ? Qt::Key_PageUp : Qt::Key_Right);
+        Arrive();
+    }
+    EXPECT_NEAR(Window.GetTime(), 5, 0.03f);
+    EXPECT_EQ(slider->valueInterface()->maximumValue().toDouble(), 5);
     // Its other keys are the preview's.
     QTest::keyClick(bar, Qt::Key_Space);
     EXPECT_TRUE(GetClock().IsPaused());
