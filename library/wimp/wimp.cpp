@@ -5,6 +5,7 @@
 #include "library/wimp/accessiblewindow.h"
 #include "library/wimp/desktoptheme.h"
 #include "library/wimp/fieldmenus.h"
+#include "library/wimp/focusstyle.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/windowpeer.h"
 
@@ -88,7 +89,7 @@ bool TWimp::Init(int& argc, char** argv)
     qInstallMessageHandler(before);
     QApplication::setQuitOnLastWindowClosed(false);
     const QPalette found = QApplication::palette();
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new TFocusStyle(QStyleFactory::create(QStringLiteral("Fusion"))));
     // Belongs to the application.
     new TDesktopTheme(found);
     InstallAccessibleWindows();

@@ -812,3 +812,40 @@ TEST_F(TControlTest, ShiftF10OpensTheMenusOfFields)
     QTest::keyClick(line.GetHandle(), Qt::Key_F10);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
+
+TEST_F(TControlTest, WhatHasTheKeysCanBeSeen)
+{
+    TListBox list;
+    TEdit lines;
+    TButton button;
+    TButton other;
+    ASSERT_TRUE(list.Create(&Window, 1, "list") && lines.Create(&Window, 2, "lines", true, true) &&
+                button.Create(&Window, 3, "OK", "ok") && other.Create(&Window, 4, "Cancel", "cancel"));
+    list.AddString("one");
+    list.SetSelection(0);
+    // The default button is drawn like one that is about to be pressed, wherever the keys are.
+    button.TakeReturn(true);
+    int top = 0;
+    for (TWimpControl* control : {static_cast<TWimpControl*>(&list), static_cast<TWimpControl*>(&lines),
+                                  static_cast<TWimpControl*>(&button), static_cast<TWimpControl*>(&other)}) {
+        control->MoveTo(0, top, 100, 40);
+        top += 45;
+    }
+    Window.BringToTop();
+    ASSERT_TRUE(WaitFor([&] { return QApplication::activeWindow() == Window.GetHandle(); }));
+    for (TWimpControl* control : {static_cast<TWimpControl*>(&list), static_cast<TWimpControl*>(&lines),
+                                  static_cast<TWimpControl*>(&button)}) {
+        QWidget& widget = *control->GetHandle();
+        other.SetFocus();
+        const QImage without = widget.grab().toImage();
+        widget.setFocus(Qt::TabFocusReason);
+        ASSERT_TRUE(widget.hasFocus());
+        int changed = 0;
+        const QImage with = widget.grab().toImage();
+        // A frame, not just a caret.
+        for (int x = 0; x < with.width(); ++x)
+            for (const int y : {0, 3})
+                changed += with.pixel(x, y) != without.pixel(x, y) ? 1 : 0;
+        EXPECT_GT(changed, 80) << widget.objectName().toStdString();
+    }
+}
