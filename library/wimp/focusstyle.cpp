@@ -35,3 +35,14 @@ void TFocusStyle::drawControl(ControlElement element, const QStyleOption* option
     if (element == CE_PushButton && option->state.testFlag(State_HasFocus))
         DrawFrame(*painter, option->rect.adjusted(Inset, Inset, -Inset, -Inset), colour);
 }
+
+void TFocusStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                     QPainter* painter, const QWidget* widget) const
+{
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (control != CC_ToolButton || !option->state.testFlag(State_HasFocus))
+        return;
+    const QColor colour = option->palette.color(QPalette::Active, QPalette::Highlight);
+    DrawFrame(*painter, option->rect, colour);
+    DrawFrame(*painter, option->rect.adjusted(1, 1, -1, -1), colour);
+}

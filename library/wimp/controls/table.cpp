@@ -416,11 +416,14 @@ void TTable::DrawCells(TGDIContext& context) const
         }
         context.Line(0, top + RowHeight - 1, left, top + RowHeight - 1);
     }
-    if (!Main.HasFocus() || Marked < first || Marked >= first + count)
-        return;
     int width = 0;
     int height = 0;
     Main.GetSize(width, height);
+    // Of an empty one all of it.
+    if (Main.HasFocus() && count == 0)
+        context.FocusFrame(0, 0, width, height);
+    if (!Main.HasFocus() || Marked < first || Marked >= first + count)
+        return;
     const int right = GetColumnLeft(Widths.size());
     const int top = (Marked - first) * RowHeight;
     context.FocusFrame(0, top, right < width ? right : width, top + RowHeight);

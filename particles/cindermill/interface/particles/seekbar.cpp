@@ -235,6 +235,8 @@ void TSeekBar::Paint(TGDIContext& context) const
                           top + TroughHeight);
     }
     PaintMarks(context);
+    if (HasFocus())
+        context.FocusFrame(0, 0, width, height);
     context.SetPen(HasFocus() ? FocusEdge : ThumbEdge);
     context.SetBrush(ThumbColour);
     context.Rectangle(place - ThumbWidth / 2, top - 5, place + ThumbWidth / 2, top + TroughHeight + 5);

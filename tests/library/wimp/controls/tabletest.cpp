@@ -280,6 +280,12 @@ TEST_F(TTableTest, KeysLeadAMarkThroughItsRows)
     Provider.NumRows = 4;
     Table.Refresh();
     EXPECT_EQ(Table.GetMarkedRow(), 3);
+    // An empty one shows too that it has the keys.
+    Provider.NumRows = 0;
+    Table.Refresh();
+    const QImage empty = main->grab().toImage();
+    main->clearFocus();
+    EXPECT_NE(main->grab().toImage(), empty);
 }
 
 TEST_F(TTableTest, LeftAndRightScrollItsColumns)

@@ -778,6 +778,18 @@ TEST_F(PreviewControls, EveryControlHasANameAndTheTimeBarIsASliderOfSeconds)
     EXPECT_TRUE(GetClock().IsPaused());
 }
 
+TEST_F(PreviewControls, TheBarShowsThatItHasTheKeys)
+{
+    Run(5);
+    QWidget* bar = Find<QWidget>("cindermill_particlewindow_seek");
+    Window.BringToTop();
+    ASSERT_TRUE(WaitFor([&] { return Window.GetHandle()->isActiveWindow(); }));
+    const QRgb before = bar->grab().toImage().pixel(0, bar->height() / 2);
+    bar->setFocus();
+    ASSERT_TRUE(bar->hasFocus());
+    EXPECT_NE(bar->grab().toImage().pixel(0, bar->height() / 2), before);
+}
+
 TEST_F(PreviewControls, TheLinesOfTheBudgetAreReadAndPressedByKeys)
 {
     ShowBudget();
