@@ -753,6 +753,7 @@ TEST_F(PreviewControls, EveryControlHasANameAndTheTimeBarIsASliderOfSeconds)
     slider->valueInterface()->setCurrentValue(2.5);
     Arrive();
     EXPECT_NEAR(Window.GetTime(), 2.5f, 0.03f);
+    Window.BringToTop();
     ASSERT_TRUE(WaitFor([&] { return Window.GetHandle()->isActiveWindow(); }));
     const QRgb before = bar->grab().toImage().pixel(0, bar->height() / 2);
     bar->setFocus();
