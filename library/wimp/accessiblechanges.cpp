@@ -1,4 +1,5 @@
 #include "library/wimp/accessiblecontents.h"
+#include "library/wimp/accessiblewindow.h"
 #include "library/wimp/window.h"
 #include "library/wimp/windowpeer.h"
 
@@ -8,7 +9,7 @@ namespace {
 
 bool IsSameItem(const TAccessibleItem& a, const TAccessibleItem& b)
 {
-    return a.Role == b.Role && a.Parent == b.Parent && a.Name == b.Name;
+    return a.Role == b.Role && a.Parent == b.Parent && ((a.IsLive && b.IsLive) || a.Name == b.Name);
 }
 
 bool AreSameItems(const vector<TAccessibleItem>& a, const vector<TAccessibleItem>& b)
@@ -19,17 +20,6 @@ bool AreSameItems(const vector<TAccessibleItem>& a, const vector<TAccessibleItem
         if (!IsSameItem(a[i], b[i]))
             return false;
     return true;
-}
-
-// By its place among those of the same parent.
-QAccessibleInterface* FindItem(QAccessibleInterface& window, const vector<TAccessibleItem>& items, int item)
-{
-    int place = 0;
-    for (int i = 0; i < item; ++i)
-        place += items[i].Parent == items[item].Parent ? 1 : 0;
-    QAccessibleInterface* parent =
-        items[item].Parent == -1 ? &window : FindItem(window, items, items[item].Parent);
-    return parent != nullptr ? parent->child(place) : nullptr;
 }
 
 // What has changed of an item, as the tools are told it.
@@ -61,8 +51,9 @@ public:
             Tell<QAccessibleValueChangeEvent>(
                 item, AC_VALUE, isNumber ? QVariant(now.Number) : QVariant(ToQt(now.Value.Print())));
         if (now.HasFocus && !before.HasFocus)
-            Tell<QAccessibleEvent>(item, AC_FOCUS, QAccessible::Focus);
+            TellFocus(item);
     }
+    void TellFocus(int item) { Tell<QAccessibleEvent>(item, AC_FOCUS, QAccessible::Focus); }
 
     static TAccessibleHook Hook;
 
@@ -74,8 +65,7 @@ private:
             Hook(Items[item], change);
             return;
         }
-        QAccessibleInterface* window = QAccessible::queryAccessibleInterface(Window.GetHandle());
-        if (QAccessibleInterface* told = window != nullptr ? FindItem(*window, Items, item) : nullptr) {
+        if (QAccessibleInterface* told = FindAccessibleItem(Window, item)) {
             TEvent event(told, detail);
             QAccessible::updateAccessibility(&event);
         }
@@ -101,12 +91,15 @@ void TAccessibleContents::TellChanges(TWindow& window)
     vector<TAccessibleItem> items;
     ListItems(items);
     TTelling telling(window, items);
-    if (HasTold && !AreSameItems(items, Told))
+    const bool areSame = HasTold && AreSameItems(items, Told);
+    if (HasTold && !areSame)
         telling.TellItems();
-    else if (HasTold)
-        for (int i = 0; i < items.size(); ++i)
-            if (items[i].Differs(Told[i]))
-                telling.TellItem(i, Told[i]);
+    // Who has the keys in a new list is told in any case: its place may have been another's.
+    for (int i = 0; i < items.size(); ++i)
+        if (!areSame && items[i].HasFocus)
+            telling.TellFocus(i);
+        else if (areSame && items[i].Differs(Told[i]))
+            telling.TellItem(i, Told[i]);
     HasTold = true;
     Told.swap(items);
 }

@@ -37,6 +37,8 @@ public:
     // Tells the tools, where there are any, what has changed since the last call. To be called when it may
     // have, in a quiet moment.
     void TellChanges(TWindow& window);
+    // Of the window as a whole.
+    virtual TAccessibleRole GetRole() const { return AR_WINDOW; }
     // In the order in which they are read.
     virtual void ListItems(vector<TAccessibleItem>& items) = 0;
     // As a click on the item does.

@@ -1,5 +1,6 @@
 #include "library/wimp/accessiblewindow.h"
 
+#include "library/containers/append.h"
 #include "library/wimp/accessiblecontents.h"
 #include "library/wimp/windowpeer.h"
 
@@ -9,9 +10,14 @@
 
 namespace {
 
+TWindow* WindowOf(const QWidget* widget)
+{
+    return widget != nullptr ? TWindowMap::Find(const_cast<QWidget*>(widget)) : nullptr;
+}
+
 TAccessibleContents* ContentsOf(const QWidget* widget)
 {
-    const TWindow* window = widget != nullptr ? TWindowMap::Find(const_cast<QWidget*>(widget)) : nullptr;
+    const TWindow* window = WindowOf(widget);
     return window != nullptr ? window->GetAccessible() : nullptr;
 }
 
@@ -44,8 +50,40 @@ QAccessible::Role ToRole(TAccessibleRole role)
         return QAccessible::Chart;
     case AR_COLOUR:
         return QAccessible::ColorChooser;
+    case AR_TABLE:
+        return QAccessible::Table;
+    case AR_ROW:
+        return QAccessible::Row;
+    case AR_CELL:
+        return QAccessible::Cell;
+    case AR_HEADER:
+        return QAccessible::ColumnHeader;
+    case AR_ROWLABEL:
+        return QAccessible::RowHeader;
+    case AR_TABS:
+        return QAccessible::PageTabList;
+    case AR_TREE:
+        return QAccessible::Tree;
+    case AR_WINDOW:
+        return QAccessible::Client;
     default:
         return QAccessible::ListItem;
+    }
+}
+
+// Whether a press does something.
+bool HasPress(TAccessibleRole role)
+{
+    switch (role) {
+    case AR_LABEL:
+    case AR_PICTURE:
+    case AR_ROW:
+    case AR_CELL:
+    case AR_HEADER:
+    case AR_ROWLABEL:
+        return false;
+    default:
+        return true;
     }
 }
 
@@ -82,12 +120,66 @@ public:
     QVariant minimumStepSize() const override { return GetItem().Step; }
 
 private:
+    friend class TAccessibleWidget;
+
     // An empty one of an item that has gone.
-    TAccessibleItem GetItem() const;
+    const TAccessibleItem& GetItem() const;
     bool HasNumber() const;
 
     TAccessibleWidget& Owner;
     int Item;
+};
+
+// What a window lists, as a tree.
+class TAccessibleTree
+{
+public:
+    void List(TAccessibleContents* contents)
+    {
+        vector<TAccessibleItem> items;
+        if (contents != nullptr)
+            contents->ListItems(items);
+        Items.swap(items);
+        FillWithZero(Starts, Items.size() + 2);
+        FillWithZero(Places, Items.size());
+        FillWithZero(Children, Items.size());
+        for (int i = 0; i < Items.size(); ++i)
+            Places[i] = Starts[Items[i].Parent + 2]++;
+        for (int i = 1; i < Starts.size(); ++i)
+            Starts[i] += Starts[i - 1];
+        for (int i = 0; i < Items.size(); ++i)
+            Children[Starts[Items[i].Parent + 1] + Places[i]] = i;
+    }
+    const vector<TAccessibleItem>& GetItems() const { return Items; }
+    bool Has(int item) const { return item >= 0 && item < Items.size(); }
+    // -1 is the window itself.
+    int CountBelow(int parent) const
+    {
+        return IsParent(parent) ? Starts[parent + 2] - Starts[parent + 1] : 0;
+    }
+    // -1 if there are not so many.
+    int FindBelow(int parent, int index) const
+    {
+        return index >= 0 && index < CountBelow(parent) ? Children[Starts[parent + 1] + index] : -1;
+    }
+    // Among those of the same parent.
+    int GetPlace(int item) const { return Places[item]; }
+
+private:
+    static void FillWithZero(vector<int>& numbers, int count)
+    {
+        numbers.clear();
+        numbers.reserve(count);
+        for (int i = 0; i < count; ++i)
+            numbers.push_back(0);
+    }
+    bool IsParent(int item) const { return item + 2 < Starts.size(); }
+
+    vector<TAccessibleItem> Items;
+    // Where the children of each begin, of the window first.
+    vector<int> Starts;
+    vector<int> Children;
+    vector<int> Places;
 };
 
 class TAccessibleWidget : public QAccessibleWidget
@@ -96,61 +188,34 @@ public:
     explicit TAccessibleWidget(QWidget* widget) : QAccessibleWidget(widget, QAccessible::Client) {}
 
     TAccessibleContents* GetContents() const { return ContentsOf(widget()); }
-    void ListItems(vector<TAccessibleItem>& items) const
+    // Listed anew only after the window may have changed: tools ask for one thing of one item at a time.
+    const TAccessibleTree& GetTree() const
     {
-        if (TAccessibleContents* contents = GetContents())
-            contents->ListItems(items);
+        const TWindow* window = WindowOf(widget());
+        const unsigned revision = window != nullptr ? window->GetContentsRevision() : 0;
+        if (!HasTree || revision != Revision || window == nullptr)
+            Tree.List(GetContents());
+        HasTree = true;
+        Revision = revision;
+        return Tree;
     }
-    bool GetItem(int item, TAccessibleItem& result) const
-    {
-        vector<TAccessibleItem> items;
-        ListItems(items);
-        if (item >= items.size())
-            return false;
-        result = items[item];
-        return true;
-    }
-    int CountBelow(int parent) const
-    {
-        vector<TAccessibleItem> items;
-        ListItems(items);
-        int count = 0;
-        for (const TAccessibleItem& item : items)
-            count += item.Parent == parent ? 1 : 0;
-        return count;
-    }
-    // The number of the index-th item below the parent; -1 if there are not so many.
-    int FindBelow(int parent, int index) const
-    {
-        vector<TAccessibleItem> items;
-        ListItems(items);
-        for (int i = 0; i < items.size(); ++i)
-            if (items[i].Parent == parent && index-- == 0)
-                return i;
-        return -1;
-    }
+    void Forget() { HasTree = false; }
     QAccessibleInterface* GetEntry(int item) const
     {
         while (item >= Entries.size()) {
             TAccessibleWidget& self = const_cast<TAccessibleWidget&>(*this);
-            Entries.push_back(
-                QAccessible::registerAccessibleInterface(new TAccessibleEntry(self, Entries.size())));
+            Append(Entries,
+                   QAccessible::registerAccessibleInterface(new TAccessibleEntry(self, Entries.size())));
         }
         return item >= 0 ? QAccessible::accessibleInterface(Entries[item]) : nullptr;
     }
     int IndexOf(int parent, const QAccessibleInterface* child) const
     {
-        vector<TAccessibleItem> items;
-        ListItems(items);
-        int index = 0;
-        for (int i = 0; i < items.size(); ++i) {
-            if (items[i].Parent != parent)
-                continue;
-            if (GetEntry(i) == child)
-                return index;
-            ++index;
-        }
-        return -1;
+        const TAccessibleEntry* entry = dynamic_cast<const TAccessibleEntry*>(child);
+        const TAccessibleTree& tree = GetTree();
+        const bool isBelow = entry != nullptr && &entry->Owner == this && tree.Has(entry->Item) &&
+                             tree.GetItems()[entry->Item].Parent == parent;
+        return isBelow ? tree.GetPlace(entry->Item) : -1;
     }
     // On the screen.
     QRect GetRect(const TAccessibleItem& item) const
@@ -158,18 +223,31 @@ public:
         return QRect(widget()->mapToGlobal(QPoint(item.Left, item.Top)), QSize(item.Width, item.Height));
     }
 
-    int childCount() const override { return CountBelow(-1); }
-    QAccessibleInterface* child(int index) const override { return GetEntry(FindBelow(-1, index)); }
+    QAccessible::Role role() const override
+    {
+        const TAccessibleContents* contents = GetContents();
+        return contents != nullptr ? ToRole(contents->GetRole()) : QAccessible::Client;
+    }
+    int childCount() const override { return GetTree().CountBelow(-1); }
+    QAccessibleInterface* child(int index) const override { return GetEntry(GetTree().FindBelow(-1, index)); }
     int indexOfChild(const QAccessibleInterface* child) const override { return IndexOf(-1, child); }
     QAccessibleInterface* childAt(int x, int y) const override
     {
-        vector<TAccessibleItem> items;
-        ListItems(items);
+        const QPoint at = widget()->mapFromGlobal(QPoint(x, y));
+        const vector<TAccessibleItem>& items = GetTree().GetItems();
         // The innermost stands last.
         for (int i = items.size() - 1; i >= 0; --i)
-            if (GetRect(items[i]).contains(x, y))
+            if (QRect(items[i].Left, items[i].Top, items[i].Width, items[i].Height).contains(at))
                 return GetEntry(i);
         return nullptr;
+    }
+    QAccessibleInterface* focusChild() const override
+    {
+        const vector<TAccessibleItem>& items = GetTree().GetItems();
+        for (int i = 0; i < items.size(); ++i)
+            if (items[i].HasFocus)
+                return GetEntry(i);
+        return QAccessibleWidget::focusChild();
     }
 
 protected:
@@ -181,30 +259,30 @@ protected:
 
 private:
     mutable vector<QAccessible::Id> Entries;
+    mutable TAccessibleTree Tree;
+    mutable unsigned Revision = 0;
+    mutable bool HasTree = false;
 };
 
 bool TAccessibleEntry::isValid() const
 {
-    TAccessibleItem item;
-    return Owner.isValid() && Owner.GetItem(Item, item);
+    return Owner.isValid() && Owner.GetTree().Has(Item);
 }
 
 QAccessibleInterface* TAccessibleEntry::parent() const
 {
-    TAccessibleItem item;
-    if (!Owner.GetItem(Item, item) || item.Parent == -1)
-        return &Owner;
-    return Owner.GetEntry(item.Parent);
+    const int parent = GetItem().Parent;
+    return parent == -1 ? &Owner : Owner.GetEntry(parent);
 }
 
 QAccessibleInterface* TAccessibleEntry::child(int index) const
 {
-    return Owner.GetEntry(Owner.FindBelow(Item, index));
+    return Owner.GetEntry(Owner.GetTree().FindBelow(Item, index));
 }
 
 int TAccessibleEntry::childCount() const
 {
-    return Owner.CountBelow(Item);
+    return Owner.GetTree().CountBelow(Item);
 }
 
 int TAccessibleEntry::indexOfChild(const QAccessibleInterface* child) const
@@ -212,11 +290,11 @@ int TAccessibleEntry::indexOfChild(const QAccessibleInterface* child) const
     return Owner.IndexOf(Item, child);
 }
 
-TAccessibleItem TAccessibleEntry::GetItem() const
+const TAccessibleItem& TAccessibleEntry::GetItem() const
 {
-    TAccessibleItem item;
-    Owner.GetItem(Item, item);
-    return item;
+    static const TAccessibleItem gone;
+    const TAccessibleTree& tree = Owner.GetTree();
+    return tree.Has(Item) ? tree.GetItems()[Item] : gone;
 }
 
 bool TAccessibleEntry::HasNumber() const
@@ -227,7 +305,7 @@ bool TAccessibleEntry::HasNumber() const
 
 QString TAccessibleEntry::text(QAccessible::Text kind) const
 {
-    const TAccessibleItem item = GetItem();
+    const TAccessibleItem& item = GetItem();
     switch (kind) {
     case QAccessible::Name:
         return ToQt(item.Name.Print());
@@ -243,8 +321,10 @@ QString TAccessibleEntry::text(QAccessible::Text kind) const
 void TAccessibleEntry::setText(QAccessible::Text kind, const QString& text)
 {
     TEventScope scope;
-    if (kind == QAccessible::Value && isValid())
-        Owner.GetContents()->EnterItem(Item, text.toUtf8().constData());
+    if (kind != QAccessible::Value || !isValid())
+        return;
+    Owner.GetContents()->EnterItem(Item, text.toUtf8().constData());
+    Owner.Forget();
 }
 
 void* TAccessibleEntry::interface_cast(QAccessible::InterfaceType type)
@@ -259,8 +339,8 @@ void* TAccessibleEntry::interface_cast(QAccessible::InterfaceType type)
 QStringList TAccessibleEntry::actionNames() const
 {
     QStringList names;
-    const TAccessibleItem item = GetItem();
-    if (item.Role != AR_LABEL && item.Role != AR_PICTURE)
+    const TAccessibleItem& item = GetItem();
+    if (HasPress(item.Role))
         names += pressAction();
     if (item.TakesFocus)
         names += setFocusAction();
@@ -279,22 +359,20 @@ void TAccessibleEntry::setCurrentValue(const QVariant& value)
 
 QRect TAccessibleEntry::rect() const
 {
-    TAccessibleItem item;
-    return Owner.GetItem(Item, item) ? Owner.GetRect(item) : QRect();
+    return isValid() ? Owner.GetRect(GetItem()) : QRect();
 }
 
 QAccessible::Role TAccessibleEntry::role() const
 {
-    TAccessibleItem item;
-    return Owner.GetItem(Item, item) ? ToRole(item.Role) : QAccessible::NoRole;
+    return isValid() ? ToRole(GetItem().Role) : QAccessible::NoRole;
 }
 
 QAccessible::State TAccessibleEntry::state() const
 {
     QAccessible::State state;
-    TAccessibleItem item;
-    state.invalid = !Owner.GetItem(Item, item);
-    state.selectable = item.Role <= AR_PORT;
+    const TAccessibleItem& item = GetItem();
+    state.invalid = !isValid();
+    state.selectable = item.Role <= AR_PORT || item.Role == AR_ROW;
     state.selected = item.IsSelected;
     state.checkable = item.IsCheckable;
     state.checked = item.IsChecked;
@@ -315,6 +393,7 @@ void TAccessibleEntry::doAction(const QString& name)
         Owner.GetContents()->PressItem(Item);
     else if (name == setFocusAction())
         Owner.GetContents()->FocusItem(Item);
+    Owner.Forget();
 }
 
 QAccessibleInterface* MakeAccessible(const QString&, QObject* object)
@@ -324,6 +403,13 @@ QAccessibleInterface* MakeAccessible(const QString&, QObject* object)
 }
 
 } // namespace
+
+QAccessibleInterface* FindAccessibleItem(TWindow& window, int item)
+{
+    const TAccessibleWidget* widget =
+        dynamic_cast<TAccessibleWidget*>(QAccessible::queryAccessibleInterface(window.GetHandle()));
+    return widget != nullptr ? widget->GetEntry(item) : nullptr;
+}
 
 void InstallAccessibleWindows()
 {

@@ -4,6 +4,8 @@
 #include "library/system/clock.h"
 #include "library/wimp/accessiblewindow.h"
 #include "library/wimp/desktoptheme.h"
+#include "library/wimp/fieldmenus.h"
+#include "library/wimp/focusstyle.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/windowpeer.h"
 
@@ -87,10 +89,11 @@ bool TWimp::Init(int& argc, char** argv)
     qInstallMessageHandler(before);
     QApplication::setQuitOnLastWindowClosed(false);
     const QPalette found = QApplication::palette();
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new TFocusStyle(QStyleFactory::create(QStringLiteral("Fusion"))));
     // Belongs to the application.
     new TDesktopTheme(found);
     InstallAccessibleWindows();
+    InstallFieldMenus(*application);
     Instance = application;
     Flags |= FL_INITED;
     SetAssertBox(ShowAssertBox);
@@ -192,6 +195,7 @@ bool TWimp::RunIdle()
         ~TInside() { Flag = false; }
     } inside(InIdle);
     WimpApp->OnIdle();
+    TWindow::TellContents();
     LastIdle = GetPerformanceCounter();
     return true;
 }

@@ -6,6 +6,7 @@
 #include "library/wimp/windowwidgets.h"
 
 #include <QtCore/QSignalBlocker>
+#include <QtGui/QAccessible>
 #include <QtOpenGLWidgets/QOpenGLWidget>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLayout>
@@ -16,6 +17,9 @@
 
 // The window that the mouse stays with.
 static TWindow* CaptureWindow = nullptr;
+
+// Since tools have been told last.
+static bool HaveContentsChanged = false;
 
 static bool IsMouseMessage(TMessageType type)
 {
@@ -232,8 +236,13 @@ void TWindow::SetTitle(const char* text)
 void TWindow::SetAccessible(TAccessibleContents* contents, const char* name)
 {
     Accessible = contents;
-    if (Handle != nullptr)
-        Handle->setAccessibleName(ToQt(name));
+    ContentsChanged();
+    if (Handle == nullptr)
+        return;
+    // To be shown, or to be named, made it known as a window without contents.
+    if (QAccessibleInterface* former = QAccessible::queryAccessibleInterface(Handle))
+        QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(former));
+    Handle->setAccessibleName(ToQt(name));
 }
 
 void TWindow::SetCursor(TCursor cursor)
@@ -245,8 +254,23 @@ void TWindow::SetCursor(TCursor cursor)
         ShowDragPointer(cursor);
 }
 
+void TWindow::ContentsChanged()
+{
+    ++ContentsRevision;
+    HaveContentsChanged = true;
+}
+
+void TWindow::TellContents()
+{
+    if (!HaveContentsChanged)
+        return;
+    HaveContentsChanged = false;
+    TWindowMap::TellContents();
+}
+
 void TWindow::Redraw()
 {
+    ContentsChanged();
     if (Handle != nullptr)
         Handle->update();
 }

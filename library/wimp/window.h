@@ -155,6 +155,14 @@ public:
     // of the whole.
     void SetAccessible(TAccessibleContents* contents, const char* name);
     TAccessibleContents* GetAccessible() const { return Accessible; }
+    // What they find there may be another. Said by each redraw, by a change of the size and of who has the
+    // keys.
+    void ContentsChanged();
+    // Another after each of these.
+    unsigned GetContentsRevision() const { return ContentsRevision; }
+    // Tells the tools what has become of windows for which that was said. In a quiet moment, in which
+    // contents can be listed.
+    static void TellContents();
     // Whether other windows' tables are not offered the keys that this window and its tables leave.
     virtual bool KeepsKeys() const { return false; }
     void StartTimer(int timer, int milliseconds) override;
@@ -199,6 +207,8 @@ private:
     class TWindowPeer* Peer = nullptr;
     TWindow* KeyOwner = nullptr;
     TAccessibleContents* Accessible = nullptr;
+    unsigned ContentsRevision = 0;
+    unsigned ToldRevision = 0;
     const TWindowClass* Class = nullptr;
     TWindowKind Kind = WK_CHILD;
     double MouseX = 0;

@@ -3,6 +3,7 @@
 #include "library/containers/assertion.h"
 #include "library/containers/sortedmap.h"
 #include "library/system/message.h"
+#include "library/wimp/accessiblecontents.h"
 #include "library/wimp/gdi/gdibitmap.h"
 #include "library/wimp/gl/glcontext.h"
 #include "library/wimp/modal.h"
@@ -277,6 +278,18 @@ void TWindowMap::ForgetKeyOwner(const TWindow* window)
             entry.second->SetKeyOwner(nullptr);
 }
 
+void TWindowMap::TellContents()
+{
+    for (const auto& entry : Windows()) {
+        TWindow& window = *entry.second;
+        if (window.ToldRevision == window.ContentsRevision)
+            continue;
+        window.ToldRevision = window.ContentsRevision;
+        if (window.Accessible != nullptr)
+            window.Accessible->TellChanges(window);
+    }
+}
+
 bool TWindowMap::IsEmpty()
 {
     return Windows().empty();
@@ -392,6 +405,7 @@ bool TWindowPeer::HandleEvent(QEvent* event)
     case QEvent::FocusIn:
     case QEvent::FocusOut:
         KeysDown.clear();
+        Window->ContentsChanged();
         message.Type = event->type() == QEvent::FocusIn ? MT_FOCUSGAINED : MT_FOCUSLOST;
         Send(message);
         return false;
@@ -511,6 +525,7 @@ void TWindowPeer::Close()
 void TWindowPeer::SendSize()
 {
     LayoutScrollBar();
+    Window->ContentsChanged();
     int width = 0;
     int height = 0;
     Window->GetSize(width, height);

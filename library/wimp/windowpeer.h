@@ -115,6 +115,8 @@ public:
     static void AlignBelow(const QWidget* widget);
     // No window leaves its keys to this one any more.
     static void ForgetKeyOwner(const TWindow* window);
+    // To assistive tools, of windows whose contents may have changed.
+    static void TellContents();
     static bool IsEmpty();
 };
 

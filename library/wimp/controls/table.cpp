@@ -1,6 +1,8 @@
 #include "library/wimp/controls/table.h"
 
+#include "library/containers/append.h"
 #include "library/containers/assertion.h"
+#include "library/wimp/listwalk.h"
 
 #include <cmath>
 
@@ -92,6 +94,8 @@ void TTable::Create(TWindow* owner, TTableProvider& provider, int flags)
                 "0 : Failed to create label window");
     ASSERT_TEXT(Main.Create(*this, MainClass, &TTable::OnMain, true),
                 "0 : Failed to create table main window");
+    Main.TakeTab();
+    SetTableName("Table");
     Bar.Create(this, 0, "table_bar");
     Refresh();
     Layout();
@@ -126,6 +130,12 @@ void TTable::Place(bool withBar)
     SetScroll();
 }
 
+void TTable::SetTableName(const char* name)
+{
+    Main.SetAccessible(&Access, name);
+    Header.SetAccessible(&HeaderTexts, "Columns");
+}
+
 void TTable::SetScroll()
 {
     int width = 0;
@@ -145,6 +155,22 @@ void TTable::ScrollSideways(int pixels)
 void TTable::ScrollRows(int rows)
 {
     Main.SetScrollPosition(Main.GetScrollPosition() + rows * RowHeight);
+    RedrawCells();
+}
+
+void TTable::MarkRow(int row)
+{
+    if (row < 0 || row >= Provider->GetNumRows())
+        return;
+    Marked = row;
+    int width = 0;
+    int height = 0;
+    Main.GetSize(width, height);
+    const int top = Marked * RowHeight;
+    if (top < Main.GetScrollPosition())
+        Main.SetScrollPosition(top);
+    else if (top + RowHeight > Main.GetScrollPosition() + height)
+        Main.SetScrollPosition(top + RowHeight - height);
     RedrawCells();
 }
 
@@ -168,6 +194,8 @@ void TTable::Refresh()
     while (Widths.size() > columns)
         Widths.pop_back();
     DraggedColumn = -1;
+    const int rows = Provider->GetNumRows();
+    Marked = Marked >= rows && rows > 0 ? rows - 1 : Marked;
     Layout();
     RedrawCells();
 }
@@ -309,6 +337,13 @@ bool TTable::OnMain(const TMessage& message)
         return true;
     case MT_KEYDOWN:
         return OnKey(message.Key);
+    case MT_LEFTDOWN:
+        OnPress(message);
+        return true;
+    case MT_FOCUSGAINED:
+    case MT_FOCUSLOST:
+        Main.Redraw();
+        return false;
     case MT_SCROLL:
         RedrawCells();
         return true;
@@ -317,34 +352,29 @@ bool TTable::OnMain(const TMessage& message)
     }
 }
 
+void TTable::OnPress(const TMessage& message)
+{
+    const int row = (message.GetPixelY() + Main.GetScrollPosition()) / RowHeight;
+    if (row < Provider->GetNumRows())
+        MarkRow(row);
+}
+
 bool TTable::OnKey(int key)
 {
     int width = 0;
     int height = 0;
     Main.GetSize(width, height);
     const int page = height / RowHeight > 1 ? height / RowHeight - 1 : 1;
-    switch (key) {
-    case KEY_UP:
-        ScrollRows(-1);
+    if (key == KEY_LEFT || key == KEY_RIGHT) {
+        ScrollSideways(key == KEY_RIGHT ? SideStep : -SideStep);
         return true;
-    case KEY_DOWN:
-        ScrollRows(1);
-        return true;
-    case KEY_PAGEUP:
-        ScrollRows(-page);
-        return true;
-    case KEY_PAGEDOWN:
-        ScrollRows(page);
-        return true;
-    case KEY_HOME:
-        ScrollRows(-Provider->GetNumRows());
-        return true;
-    case KEY_END:
-        ScrollRows(Provider->GetNumRows());
-        return true;
-    default:
-        return false;
     }
+    const int row = WalkList(key, Marked, Provider->GetNumRows(), page);
+    // A page is scrolled whole, wherever in it the mark stands.
+    if (key == KEY_PAGEUP || key == KEY_PAGEDOWN)
+        ScrollRows(key == KEY_PAGEDOWN ? page : -page);
+    MarkRow(row);
+    return row != -1;
 }
 
 void TTable::DrawHeader(TGDIContext& context) const
@@ -385,5 +415,81 @@ void TTable::DrawCells(TGDIContext& context) const
             context.Line(left - 1, top, left - 1, top + RowHeight);
         }
         context.Line(0, top + RowHeight - 1, left, top + RowHeight - 1);
+    }
+    int width = 0;
+    int height = 0;
+    Main.GetSize(width, height);
+    // Of an empty one all of it.
+    if (Main.HasFocus() && count == 0)
+        context.FocusFrame(0, 0, width, height);
+    if (!Main.HasFocus() || Marked < first || Marked >= first + count)
+        return;
+    const int right = GetColumnLeft(Widths.size());
+    const int top = (Marked - first) * RowHeight;
+    context.FocusFrame(0, top, right < width ? right : width, top + RowHeight);
+}
+
+// All texts of a row, so that it is read by moving to it.
+void TTableAccess::AddRow(int row, vector<TAccessibleItem>& items) const
+{
+    const TTableProvider& provider = Table.GetProvider();
+    TAccessibleItem cell;
+    cell.Parent = items.size();
+    cell.IsLive = true;
+    cell.Top = (row - Table.GetFirstRow()) * TTable::RowHeight;
+    cell.Height = TTable::RowHeight;
+    TAccessibleItem whole = cell;
+    whole.Role = AR_ROW;
+    whole.Parent = -1;
+    whole.TakesFocus = true;
+    whole.IsSelected = row == Table.GetMarkedRow();
+    whole.HasFocus = whole.IsSelected && Table.HasKeys();
+    whole.Width = Table.GetColumnLeft(provider.GetNumColumns());
+    provider.GetLabel(row, whole.Name);
+    whole.Name += ":";
+    Append(items, whole);
+    cell.Role = AR_ROWLABEL;
+    provider.GetLabel(row, cell.Name);
+    Append(items, cell);
+    cell.Role = AR_CELL;
+    for (int column = 0; column < provider.GetNumColumns(); ++column) {
+        provider.GetHeader(column, cell.Description);
+        provider.GetCell(row, column, cell.Name);
+        cell.Value = cell.Name;
+        cell.Left = Table.GetColumnLeft(column);
+        cell.Width = Table.GetColumnWidth(column);
+        Append(items, cell);
+        TString part;
+        part.Format("%s %s %s", column > 0 ? "," : "", cell.Description.Print(), cell.Name.Print());
+        items[cell.Parent].Name += part;
+    }
+}
+
+void TTableAccess::ListItems(vector<TAccessibleItem>& items)
+{
+    const int first = Table.GetFirstRow();
+    const int count = Table.GetNumShownRows();
+    for (int row = first; row < first + count; ++row)
+        AddRow(row, items);
+}
+
+// Of a row, or of the row of a cell.
+void TTableAccess::FocusItem(int item)
+{
+    Table.MarkRow(Table.GetFirstRow() + item / (Table.GetProvider().GetNumColumns() + 2));
+    Table.SetFocus();
+}
+
+void THeaderAccess::ListItems(vector<TAccessibleItem>& items)
+{
+    const TTableProvider& provider = Table.GetProvider();
+    for (int column = 0; column < provider.GetNumColumns(); ++column) {
+        TAccessibleItem item;
+        item.Role = AR_HEADER;
+        provider.GetHeader(column, item.Name);
+        item.Left = Table.GetColumnLeft(column);
+        item.Width = Table.GetColumnWidth(column);
+        item.Height = TTable::RowHeight;
+        Append(items, item);
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/string.h"
+#include "library/wimp/accessiblecontents.h"
 #include "library/wimp/controls/scrollbarcontrol.h"
 #include "library/wimp/wimp.h"
 #include "library/wimp/window.h"
@@ -18,9 +19,41 @@ public:
     virtual void GetCell(int row, int column, TString& text) const = 0;
 };
 
+class TTable;
+
+// The rows in sight with their cells, for assistive tools. The row that is marked has the keys.
+class TTableAccess : public TAccessibleContents
+{
+public:
+    explicit TTableAccess(TTable& table) : Table(table) {}
+    TAccessibleRole GetRole() const override { return AR_TABLE; }
+    void ListItems(vector<TAccessibleItem>& items) override;
+    // A press does nothing to a row but give it the keys.
+    void PressItem(int item) override { FocusItem(item); }
+    void FocusItem(int item) override;
+
+private:
+    void AddRow(int row, vector<TAccessibleItem>& items) const;
+
+    TTable& Table;
+};
+
+// What stands over the columns.
+class THeaderAccess : public TAccessibleContents
+{
+public:
+    explicit THeaderAccess(TTable& table) : Table(table) {}
+    void ListItems(vector<TAccessibleItem>& items) override;
+    void PressItem(int) override {}
+
+private:
+    TTable& Table;
+};
+
 // A grid that is scrolled: a row of headers on top, a column of labels at the left, the cells between them.
 // Columns that are wider together than the grid are scrolled sideways, with their headers, by a bar below or
-// by the wheel with Shift. A press gives it the keys, by which its rows are scrolled too.
+// by the wheel with Shift. With the keys, which a press and the Tab key give it, a row is marked, that the
+// arrows, the page keys, Home and End lead through all of them; Left and Right scroll sideways.
 class TTable : public TWindow, public TMouseDrag
 {
 public:
@@ -43,6 +76,17 @@ public:
     int GetColumnWidth(int column) const;
     // The first row that is to be seen.
     int GetFirstRow() const;
+    // The row that the keys are at.
+    int GetMarkedRow() const { return Marked; }
+    void MarkRow(int row);
+    bool HasKeys() const { return Main.HasFocus(); }
+    // Those that are in sight, the last one perhaps in part.
+    int GetNumShownRows() const { return GetNumShownRows(Main); }
+    // From the left edge of the cells, with the columns where they are scrolled to.
+    int GetColumnLeft(int column) const { return GetColumnEnd(column - 1) - GetFirstPixel(); }
+    const TTableProvider& GetProvider() const { return *Provider; }
+    // What assistive tools call it.
+    void SetTableName(const char* name);
     // How far the columns are scrolled sideways, in pixels.
     int GetFirstPixel() const { return Bar.GetPosition(); }
     // The cells take the keys.
@@ -79,6 +123,7 @@ private:
     bool OnLabels(const TMessage& message);
     bool OnMain(const TMessage& message);
     bool OnKey(int key);
+    void OnPress(const TMessage& message);
     void ScrollRows(int rows);
     void DrawHeader(TGDIContext& context) const;
     void DrawLabels(TGDIContext& context) const;
@@ -99,4 +144,7 @@ private:
     // The column that is being dragged wider, or -1; where its border was taken hold of.
     int DraggedColumn = -1;
     int GrabOffset = 0;
+    int Marked = 0;
+    TTableAccess Access{*this};
+    THeaderAccess HeaderTexts{*this};
 };

@@ -196,6 +196,15 @@ void TGDIContext::Rectangle(int left, int top, int right, int bottom)
         Frame(dots, PenColour, PenColour);
 }
 
+void TGDIContext::FocusFrame(int left, int top, int right, int bottom)
+{
+    constexpr TGDIColour FocusColour = 0x2A6FB0;
+    SetPen(FocusColour);
+    SetNoBrush();
+    Rectangle(left, top, right, bottom);
+    Rectangle(left + 1, top + 1, right - 1, bottom - 1);
+}
+
 void TGDIContext::TextOut(int x, int y, const char* text)
 {
     if (text == nullptr)

@@ -62,6 +62,8 @@ public:
     void TextOutShortened(int x, int y, int width, const char* text);
     void GetTextExtent(const char* text, int& width, int& height) const;
     void Draw(const TGDIBitmap& bitmap, int x, int y);
+    // Around what the keys are at.
+    void FocusFrame(int left, int top, int right, int bottom);
     // A raised edge, as a tab or a button has.
     void RaisedEdge(int left, int top, int right, int bottom);
 

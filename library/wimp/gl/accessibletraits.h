@@ -20,7 +20,17 @@ enum TAccessibleRole
     AR_PICTURE,
     // What is below it is told too.
     AR_CURVES,
-    AR_COLOUR
+    AR_COLOUR,
+    // A table has rows, and these cells; above its columns stand headers, beside its rows labels.
+    AR_TABLE,
+    AR_ROW,
+    AR_CELL,
+    AR_HEADER,
+    AR_ROWLABEL,
+    // Of windows: tabs side by side, a tree of lists, and whatever else there is.
+    AR_TABS,
+    AR_TREE,
+    AR_WINDOW
 };
 
 // What something that is drawn tells tools for those who cannot see it.

@@ -3,7 +3,6 @@
 #include "library/containers/append.h"
 #include "library/maths/scalar.h"
 #include "library/wimp/wimp.h"
-#include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/documentwindows.h"
@@ -14,10 +13,13 @@
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/nodetypelibrary.h"
 
+#include <algorithm>
+
 namespace {
 
 // Around the middle of a port.
 constexpr int PortSize = 12;
+constexpr int KeyOfPanes = KEY_F1 + 5;
 // At the top right.
 constexpr float OpenerSize = 14.0f;
 
@@ -63,14 +65,11 @@ TString TellConnections(const TToolNode& node, bool isInput, int port)
 void TGraphAccess::ListNodes(vector<TToolNode*>& nodes) const
 {
     const TEffectGraph& graph = *Window.GetDocument().GetGraph();
-    for (int i = 0; i < graph.GetNumNodes(); ++i) {
-        TToolNode* node = static_cast<TToolNode*>(graph.GetNode(i));
-        int at = nodes.size();
-        nodes.push_back(node);
-        for (; at > 0 && IsBefore(*node, *nodes[at - 1]); --at)
-            nodes[at] = nodes[at - 1];
-        nodes[at] = node;
-    }
+    nodes.reserve(graph.GetNumNodes());
+    for (int i = 0; i < graph.GetNumNodes(); ++i)
+        nodes.push_back(static_cast<TToolNode*>(graph.GetNode(i)));
+    std::stable_sort(nodes.begin(), nodes.end(),
+                     [](const TToolNode* a, const TToolNode* b) { return IsBefore(*a, *b); });
 }
 
 void TGraphAccess::ListItems(vector<TAccessibleItem>& items)
@@ -85,6 +84,23 @@ void TGraphAccess::Fill(TList& list) const
     ListNodes(nodes);
     for (TToolNode* node : nodes)
         AddNode(*node, list);
+    ShowFocus(list);
+}
+
+// Where no control of a panel has the keys, they are for the node that was selected last.
+void TGraphAccess::ShowFocus(TList& list) const
+{
+    const vector<TToolNode*>& selection = Window.GetDocument().GetSelection();
+    TAccessibleItem* found = nullptr;
+    for (int i = 0; i < list.Items.size(); ++i) {
+        if (list.Items[i].HasFocus)
+            return;
+        if (list.Targets[i].Part == GP_NODE && !selection.empty() &&
+            list.Targets[i].Node == selection[selection.size() - 1])
+            found = &list.Items[i];
+    }
+    if (found != nullptr)
+        found->HasFocus = Window.GetGraph().HasFocus();
 }
 
 void TGraphAccess::Add(const TAccessibleItem& item, const TTarget& target, TList& list) const
@@ -180,13 +196,12 @@ void TGraphAccess::AddControls(TNodeObj& object, TList& list) const
 
 TGraphAccess::TTarget TGraphAccess::Find(int item) const
 {
+    if (!Window.MayEdit())
+        return TTarget();
     vector<TAccessibleItem> items;
     TList list{items, {}, -1};
     Fill(list);
-    if (item < 0 || item >= items.size() || Window.GetDocument().IsInStep() ||
-        TWimp::Get().GetMouseDrag() != nullptr)
-        return TTarget();
-    return list.Targets[item];
+    return item >= 0 && item < items.size() ? list.Targets[item] : TTarget();
 }
 
 // A port belongs to its node.
@@ -203,8 +218,17 @@ void TGraphAccess::PressItem(int item)
     else if (target.Part == GP_OPENER)
         object->ToggleOpen(&Window.GetGraph().GetRenderer());
     else if (!target.Control->Activate())
-        FocusItem(item);
+        Focus(target);
     Window.GetWindows().RedrawGraphs();
+}
+
+void TGraphAccess::Focus(const TTarget& target)
+{
+    Window.GetGraph().TakeFocus();
+    if (target.Control != nullptr)
+        target.Control->TakeKeys(&Window.GetGraph().GetRenderer());
+    else
+        Select(*target.Node);
 }
 
 void TGraphAccess::FocusItem(int item)
@@ -212,18 +236,16 @@ void TGraphAccess::FocusItem(int item)
     const TTarget target = Find(item);
     if (target.Node == nullptr)
         return;
-    Window.GetGraph().TakeFocus();
-    if (target.Control != nullptr)
-        target.Control->TakeKeys(&Window.GetGraph().GetRenderer());
-    else
-        Select(*target.Node);
+    Focus(target);
     Window.GetWindows().RedrawGraphs();
 }
 
 bool TGraphAccess::EnterItem(int item, const char* text)
 {
     const TTarget target = Find(item);
-    const bool entered = target.Control != nullptr && target.Control->EnterValue(text);
+    if (target.Control == nullptr)
+        return false;
+    const bool entered = target.Control->EnterValue(text);
     Window.GetWindows().RedrawGraphs();
     return entered;
 }
@@ -236,7 +258,6 @@ void TGraphAccess::Select(TToolNode& node)
     // Who was in a panel is at the node now.
     TRenderObject::SetFocus(&Window.GetWindows().GetScene().GetRoot(), &Window.GetGraph().GetRenderer());
     Window.GetGraph().BringIntoSight(nodes);
-    Window.GetWindows().RedrawGraphs();
 }
 
 // The preview and the traces, which offer their keys to the graph, have a use of their own for these.
@@ -260,6 +281,7 @@ bool TGraphAccess::SelectNeighbour(int direction)
     if (at < 0 || at >= nodes.size())
         return false;
     Select(*nodes[at]);
+    Window.GetWindows().RedrawGraphs();
     return true;
 }
 
@@ -271,6 +293,9 @@ void TTabsAccess::ListItems(vector<TAccessibleItem>& items)
         TAccessibleItem item;
         item.Role = AR_TAB;
         item.Name = labels[i];
+        item.Description = header.HasProblem(i) ? "has a problem" : "";
+        item.TakesFocus = true;
+        item.HasFocus = header.HasFocus() && header.GetMarked() == i;
         item.Height = TDocGraphHeader::Height;
         int right = 0;
         header.GetTabEdges(i, item.Left, right);
@@ -284,41 +309,64 @@ void TTabsAccess::PressItem(int item)
     Window.GetHeader().PressTab(item);
 }
 
+void TTabsAccess::FocusItem(int item)
+{
+    Window.GetHeader().MarkTab(item);
+    Window.GetHeader().TakeFocus();
+}
+
 void TPaletteAccess::ListItems(vector<TAccessibleItem>& items)
 {
     const TNodeTypeLibrary& library = TCindermillApp::Get().GetNodeTypes();
+    const TDocTool& tool = Window.GetTool();
     int width = 0;
     int height = 0;
-    Window.GetTool().GetSize(width, height);
-    for (const TPaletteRow& row : Window.GetTool().GetPalette().GetRows()) {
+    tool.GetSize(width, height);
+    const vector<TPaletteRow>& rows = tool.GetPalette().GetRows();
+    for (int i = 0; i < rows.size(); ++i) {
+        const TPaletteRow& row = rows[i];
         TAccessibleItem item;
         item.Role = row.Type == -1 ? AR_LIST : AR_ITEM;
         item.Parent = row.Parent;
         item.Name = row.Type == -1 ? library.GetItem(row.Item).Name : library.GetType(row.Type)->Name;
         if (row.Type != -1)
             item.Description = library.GetType(row.Type)->Description;
+        item.TakesFocus = true;
+        item.HasFocus = tool.HasFocus() && tool.GetMarked() == i;
         item.Left = row.Indent;
-        item.Top = row.Top - Window.GetTool().GetScroll();
+        item.Top = row.Top - tool.GetScroll();
         item.Width = width - row.Indent;
         item.Height = TPalette::RowHeight;
         items.push_back(item);
     }
+    TAccessibleItem field;
+    field.Role = AR_TEXT;
+    field.Name = "Filter";
+    field.Value = tool.GetFilter();
+    field.Top = tool.GetListHeight();
+    field.Width = width;
+    field.Height = TFilterField::Height;
+    items.push_back(field);
 }
 
 void TPaletteAccess::PressItem(int item)
 {
-    const vector<TPaletteRow>& rows = Window.GetTool().GetPalette().GetRows();
-    TDocument& document = Window.GetDocument();
-    if (item >= rows.size() || rows[item].Type == -1 || document.IsInStep() ||
-        TWimp::Get().GetMouseDrag() != nullptr)
-        return;
-    int width = 0;
-    int height = 0;
-    Window.GetGraph().GetSize(width, height);
-    const TVector2 point = Window.GetGraph().PixelToWorld(width / 2.0, height / 2.0);
-    document.ApplyOperation(
-        new TAddGraphNodeOp(document, *TCindermillApp::Get().GetNodeTypes().GetType(rows[item].Type),
-                            FloatToInt(point[0]), FloatToInt(point[1])));
+    Window.GetTool().AddType(item);
+}
+
+void TPaletteAccess::FocusItem(int item)
+{
+    Window.GetTool().MarkRow(item);
+    Window.GetTool().TakeFocus();
+}
+
+// The field stands behind the rows.
+bool TPaletteAccess::EnterItem(int item, const char* text)
+{
+    if (item != Window.GetTool().GetPalette().GetRows().size())
+        return false;
+    Window.GetTool().SetFilter(text);
+    return true;
 }
 
 void TDocAccess::Attach(TDocWindow& window)
@@ -331,4 +379,8 @@ void TDocAccess::Attach(TDocWindow& window)
     Shortcuts.Add(KEY_PAGEUP | SM_CTRL,
                   [](int, void* graph) { return static_cast<TGraphAccess*>(graph)->OnWalkKey(-1); });
     Shortcuts.Attach(&window.GetGraph());
+    PaneKeys.Add(KeyOfPanes, [](int, void* view) { return static_cast<TDocWindow*>(view)->WalkPanes(1); });
+    PaneKeys.Add(KeyOfPanes | SM_SHIFT,
+                 [](int, void* view) { return static_cast<TDocWindow*>(view)->WalkPanes(-1); });
+    PaneKeys.Attach(&window);
 }

@@ -48,6 +48,7 @@ private:
 
     void ListNodes(vector<TToolNode*>& nodes) const;
     void Fill(TList& list) const;
+    void ShowFocus(TList& list) const;
     void AddNode(TToolNode& node, TList& list) const;
     void AddPorts(TNodeObj& object, bool inputs, TList& list) const;
     void AddSwitches(TNodeObj& object, TList& list) const;
@@ -55,6 +56,7 @@ private:
     void Add(const TAccessibleItem& item, const TTarget& target, TList& list) const;
     // Without a node for an item that has gone, and where edits are to wait.
     TTarget Find(int item) const;
+    void Focus(const TTarget& target);
     void Select(TToolNode& node);
 
     TDocWindow& Window;
@@ -65,30 +67,36 @@ class TTabsAccess : public TAccessibleContents
 {
 public:
     explicit TTabsAccess(TDocWindow& window) : Window(window) {}
+    TAccessibleRole GetRole() const override { return AR_TABS; }
     void ListItems(vector<TAccessibleItem>& items) override;
     void PressItem(int item) override;
+    void FocusItem(int item) override;
 
 private:
     TDocWindow& Window;
 };
 
-// The palette's types; one that is pressed becomes a node in the middle of the view.
+// The palette's types and its filter; one that is pressed becomes a node in the middle of the view.
 class TPaletteAccess : public TAccessibleContents
 {
 public:
     explicit TPaletteAccess(TDocWindow& window) : Window(window) {}
+    TAccessibleRole GetRole() const override { return AR_TREE; }
     void ListItems(vector<TAccessibleItem>& items) override;
     void PressItem(int item) override;
+    void FocusItem(int item) override;
+    bool EnterItem(int item, const char* text) override;
 
 private:
     TDocWindow& Window;
 };
 
-// What a document window tells those who do not see it, and the keys that walk its nodes.
+// What a document window tells those who do not see it, and the keys that walk its nodes and its parts.
 class TDocAccess
 {
 public:
-    explicit TDocAccess(TDocWindow& window) : Graph(window), Tabs(window), Palette(window), Shortcuts(&Graph)
+    explicit TDocAccess(TDocWindow& window)
+        : Graph(window), Tabs(window), Palette(window), Shortcuts(&Graph), PaneKeys(&window)
     {
     }
     // Once the window and its parts stand.
@@ -99,4 +107,5 @@ private:
     TTabsAccess Tabs;
     TPaletteAccess Palette;
     TKeyboardShortcut Shortcuts;
+    TKeyboardShortcut PaneKeys;
 };

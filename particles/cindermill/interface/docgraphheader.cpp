@@ -89,6 +89,7 @@ void TDocGraphHeader::OnGraphChanged()
     if (AreEqual(labels, Strip.GetLabels()))
         return;
     Strip.SetLabels(labels);
+    Marked = Marked < labels.size() ? Marked : labels.size() - 1;
     Redraw();
 }
 
@@ -107,6 +108,19 @@ bool TDocGraphHeader::OnMessage(const TMessage& message)
     case MT_WHEEL:
         OnWheel(message);
         return true;
+    case MT_KEYDOWN:
+        return OnKey(message);
+    case MT_CHAR:
+        if (message.Character == ' ')
+            PressTab(Marked);
+        return message.Character == ' ';
+    case MT_FOCUSGAINED:
+        DocWindow->Activate();
+        Redraw();
+        return false;
+    case MT_FOCUSLOST:
+        Redraw();
+        return false;
     case MT_LEFTUP:
         // The document may have dropped its schedule meanwhile.
         OnGraphChanged();
@@ -131,6 +145,9 @@ void TDocGraphHeader::LayoutGraph()
     if (problems.GetHandle() == nullptr)
         return;
     problems.MoveTo(0, Height + graph, width, strip);
+    // The keys do not go with what has been mended.
+    if (strip == 0 && problems.HasFocus())
+        DocWindow->GetGraph().TakeFocus();
     problems.Show(strip > 0);
 }
 
@@ -171,6 +188,47 @@ void TDocGraphHeader::PressTab(int tab)
         OnTab(tab, false);
 }
 
+bool TDocGraphHeader::OnKey(const TMessage& message)
+{
+    switch (message.Key) {
+    case KEY_LEFT:
+    case KEY_RIGHT:
+        MarkTab(Marked + (message.Key == KEY_RIGHT ? 1 : -1));
+        return true;
+    case KEY_HOME:
+        MarkTab(0);
+        return true;
+    case KEY_END:
+        MarkTab(Strip.GetLabels().size() - 1);
+        return true;
+    case KEY_RETURN:
+        OnGraphChanged();
+        OnTab(Marked, (message.KeyFlags & KF_ALT) != 0);
+        return true;
+    case KEY_ESCAPE:
+        if (!DocWindow->CancelAnyDrag())
+            DocWindow->GetGraph().TakeFocus();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TDocGraphHeader::MarkTab(int tab)
+{
+    if (tab < 0 || tab >= Strip.GetLabels().size())
+        return;
+    Marked = tab;
+    int left = 0;
+    int right = 0;
+    GetTabEdges(tab, left, right);
+    if (left < 0)
+        Strip.ScrollBy(left);
+    else if (right > Strip.GetRoom())
+        Strip.ScrollBy(right - Strip.GetRoom());
+    Redraw();
+}
+
 void TDocGraphHeader::OnPress(const TMessage& message)
 {
     const bool isOverTabs = message.GetPixelY() >= 0 && message.GetPixelY() < Height;
@@ -201,6 +259,11 @@ void TDocGraphHeader::Paint(TGDIContext& context) const
         context.TextOut(left + TextLeft, TextTop, Strip.GetLabels()[i]);
         if (HasProblem(i))
             PaintBadge(context, right);
+        if (HasFocus() && i == Marked) {
+            context.FocusFrame(left, 0, right, Height);
+            context.SetNoPen();
+            context.SetBrush(ButtonColour);
+        }
     }
     context.ClearClip();
     if (Strip.HasArrows())

@@ -31,6 +31,9 @@ public:
     const vector<TString>& GetTabLabels() const { return Strip.GetLabels(); }
     // As a click on the tab does; nothing for one that is not there.
     void PressTab(int tab);
+    // The tab that the keys are at.
+    int GetMarked() const { return Marked; }
+    void MarkTab(int tab);
     // Of the tab; the right one is excluded.
     void GetTabEdges(int tab, int& left, int& right) const;
     // -1 for none.
@@ -42,6 +45,7 @@ private:
     static void PaintBadge(TGDIContext& context, int right);
     void PaintArrows(TGDIContext& context) const;
     void OnPress(const TMessage& message);
+    bool OnKey(const TMessage& message);
     void OnWheel(const TMessage& message);
     void Paint(TGDIContext& context) const;
     // With Alt the preview draws the group alone.
@@ -50,6 +54,7 @@ private:
     TDocWindow* DocWindow = nullptr;
     bool IsRegistered = false;
     TTabStrip Strip;
+    int Marked = 0;
 };
 
 // What the tabs show. The first one is that of all nodes, the others are those of the groups of particles.

@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/doctool.h"
 
+#include "library/wimp/listwalk.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -81,6 +82,7 @@ bool TDocTool::OnMessage(const TMessage& message)
         return true;
     case MT_FOCUSGAINED:
         DocWindow->Activate();
+        Redraw();
         return false;
     case MT_FOCUSLOST:
         Redraw();
@@ -102,20 +104,96 @@ bool TDocTool::OnMessage(const TMessage& message)
 
 bool TDocTool::OnKey(const TMessage& message)
 {
-    const bool isEscape = message.Type == MT_KEYDOWN && message.Key == KEY_ESCAPE;
-    if (isEscape && DocWindow->CancelAnyDrag())
+    if (message.Type == MT_KEYDOWN && message.Key == KEY_ESCAPE) {
+        OnEscape();
         return true;
-    if (isEscape && !Filter.GetText().IsEmpty())
-        Filter.SetText("");
-    else if (!Filter.OnMessage(message))
+    }
+    if (message.Type == MT_KEYDOWN && OnWalkKey(message.Key))
+        return true;
+    if (!Filter.OnMessage(message))
         return false;
     ShowFilter();
     return true;
 }
 
+// What there is to give up, and then the keys.
+void TDocTool::OnEscape()
+{
+    if (DocWindow->CancelAnyDrag())
+        return;
+    if (Filter.GetText().IsEmpty())
+        DocWindow->GetGraph().TakeFocus();
+    else
+        SetFilter("");
+}
+
+bool TDocTool::OnWalkKey(int key)
+{
+    const vector<TPaletteRow>& rows = Palette.GetRows();
+    const int row = WalkList(key, Marked, rows.size(), GetListHeight() / TPalette::RowHeight);
+    if (row != -1) {
+        MarkRow(row);
+        return true;
+    }
+    if (Marked < 0 || Marked >= rows.size() || (key != KEY_RETURN && key != KEY_LEFT && key != KEY_RIGHT))
+        return false;
+    const bool isCategory = rows[Marked].Type == -1;
+    const bool isOpen = isCategory && Palette.IsExpanded(rows[Marked].Item);
+    if (key == KEY_RETURN ? isCategory : isCategory && isOpen == (key == KEY_LEFT))
+        ToggleCategory(Marked);
+    else if (key == KEY_RETURN)
+        AddType(Marked);
+    else if (key == KEY_LEFT && rows[Marked].Parent != -1)
+        MarkRow(rows[Marked].Parent);
+    return true;
+}
+
+// All of them stand open under a filter.
+void TDocTool::ToggleCategory(int row)
+{
+    if (Palette.HasFilter())
+        return;
+    Palette.Toggle(Palette.GetRows()[row].Item);
+    ScrollTo(ScrollY);
+    Redraw();
+}
+
+void TDocTool::MarkRow(int row)
+{
+    if (row < 0 || row >= Palette.GetRows().size())
+        return;
+    Marked = row;
+    const int top = Palette.GetRows()[row].Top;
+    if (top < ScrollY)
+        ScrollTo(top);
+    else if (top + TPalette::RowHeight > ScrollY + GetListHeight())
+        ScrollTo(top + TPalette::RowHeight - GetListHeight());
+    Redraw();
+}
+
+bool TDocTool::AddType(int row)
+{
+    const vector<TPaletteRow>& rows = Palette.GetRows();
+    if (row < 0 || row >= rows.size() || rows[row].Type == -1)
+        return false;
+    DocWindow->AddInMiddle(*GetLibrary().GetType(rows[row].Type));
+    return true;
+}
+
+void TDocTool::SetFilter(const char* text)
+{
+    Filter.SetText(text);
+    ShowFilter();
+}
+
+// The first type that is found is what one looks for.
 void TDocTool::ShowFilter()
 {
     Palette.SetFilter(Filter.GetText().Print());
+    const vector<TPaletteRow>& rows = Palette.GetRows();
+    Marked = 0;
+    while (Palette.HasFilter() && Marked < rows.size() - 1 && rows[Marked].Type == -1)
+        ++Marked;
     ScrollTo(0);
     Redraw();
 }
@@ -179,14 +257,12 @@ void TDocTool::OnLeftDown(int x, int y)
     Redraw();
     const int index = y < GetListHeight() ? Palette.FindRow(y + ScrollY) : -1;
     if (index != -1) {
+        Marked = index;
         const TPaletteRow row = Palette.GetRows()[index];
-        if (row.Type != -1) {
+        if (row.Type != -1)
             DocWindow->BeginTypeDrag(*GetLibrary().GetType(row.Type));
-        } else if (x < row.Indent + BoxReach && !Palette.HasFilter()) {
-            Palette.Toggle(row.Item);
-            ScrollTo(ScrollY);
-            Redraw();
-        }
+        else if (x < row.Indent + BoxReach)
+            ToggleCategory(index);
     }
     DocWindow->SetMouseTarget(this);
 }
@@ -208,6 +284,10 @@ void TDocTool::Paint(TGDIContext& context) const
             PaintType(context, rows[i], top, width);
         else
             PaintCategory(context, rows[i], top, width);
+    }
+    if (HasFocus() && Marked >= 0 && Marked < rows.size()) {
+        const int top = rows[Marked].Top - ScrollY;
+        context.FocusFrame(rows[Marked].Indent + FillIndent, top, width, top + TPalette::RowHeight);
     }
     context.SetNoPen();
     context.SetBrush(White);

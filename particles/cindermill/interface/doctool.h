@@ -6,7 +6,9 @@
 
 class TDocWindow;
 
-// The palette of node types at the left of a document window. Types are dragged from it into the graph.
+// The palette of node types at the left of a document window. Types are dragged from it into the graph. With
+// the keys, the arrows mark a row, Return brings a type into the middle of the view and opens and closes a
+// category, as Left and Right do, and what is typed is the filter.
 class TDocTool : public TWindow
 {
 public:
@@ -19,6 +21,14 @@ public:
     const TString& GetFilter() const { return Filter.GetText(); }
     int GetScroll() const { return ScrollY; }
     const TPalette& GetPalette() const { return Palette; }
+    int GetListHeight() const;
+    // As if it had been typed.
+    void SetFilter(const char* text);
+    // The row that the keys are at.
+    int GetMarked() const { return Marked; }
+    void MarkRow(int row);
+    // A type becomes a node in the middle of the view; false for a category.
+    bool AddType(int row);
 
 private:
     void Paint(TGDIContext& context) const;
@@ -28,10 +38,12 @@ private:
     void PaintBranches(TGDIContext& context, int category, int top) const;
     void OnLeftDown(int x, int y);
     bool OnKey(const TMessage& message);
+    bool OnWalkKey(int key);
+    void ToggleCategory(int row);
+    void OnEscape();
     void ShowFilter();
     void OnMove(const TMessage& message);
     void ShowHelp();
-    int GetListHeight() const;
     // Kept within the palette; the bar follows.
     void ScrollTo(int position);
 
@@ -39,6 +51,7 @@ private:
     TPalette Palette;
     int ScrollY = 0;
     TFilterField Filter;
+    int Marked = 0;
     // Where the pointer rests.
     int PointerX = 0;
     int PointerY = -1;

@@ -1,5 +1,7 @@
 #include "particles/cindermill/interface/docwindow.h"
 
+#include "library/maths/scalar.h"
+#include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -201,6 +203,39 @@ void TDocWindow::DropType(double x, double y, const TNodeType& type)
     Graph.TakeFocus();
     SetMouseTarget(&Graph);
     DropNode(Windows.GetScene(), type, point, TWireAim::GetReach(Graph.GetRenderer()));
+}
+
+bool TDocWindow::MayEdit() const
+{
+    return !Document->IsInStep() && TWimp::Get().GetMouseDrag() == nullptr;
+}
+
+void TDocWindow::AddInMiddle(const TNodeType& type)
+{
+    if (!MayEdit())
+        return;
+    int width = 0;
+    int height = 0;
+    Graph.GetSize(width, height);
+    const TVector2 point = Graph.PixelToWorld(width / 2.0, height / 2.0);
+    Document->ApplyOperation(
+        new TAddGraphNodeOp(*Document, type, FloatToInt(point[0]), FloatToInt(point[1])));
+}
+
+bool TDocWindow::WalkPanes(int direction)
+{
+    TWindow* const panes[] = {&Tool, &Header, &Graph, &Problems};
+    constexpr int NumPanes = sizeof(panes) / sizeof(panes[0]);
+    int at = 0;
+    while (at < NumPanes && !panes[at]->HasFocus())
+        ++at;
+    if (at == NumPanes || TWimp::Get().GetMouseDrag() != nullptr)
+        return false;
+    do
+        at = (at + direction + NumPanes) % NumPanes;
+    while (!panes[at]->IsShown());
+    panes[at]->TakeFocus();
+    return true;
 }
 
 void TDocWindow::FocusSelected(bool animate)

@@ -28,6 +28,13 @@ public:
     void BeginTypeDrag(const TNodeType& type);
     // Ends the drag of a type; no node is added.
     void CancelDrag();
+    // A node of the type in the middle of the view; nothing while edits are to wait.
+    void AddInMiddle(const TNodeType& type);
+    // What an edit would change under a step or a drag is theirs.
+    bool MayEdit() const;
+    // The keys go to the next part of the window, or to the previous one: the palette, the tabs, the graph,
+    // the problems where there are any. False if none of these has them.
+    bool WalkPanes(int direction);
     // Ends what the mouse does in this window, or with the graph that it shows, without effect. False if
     // nothing runs.
     bool CancelAnyDrag();

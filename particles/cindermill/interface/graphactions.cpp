@@ -353,6 +353,8 @@ void TGraphActions::OnTypeChosen(int item, void* data)
 void TGraphActions::AddChosen(int type)
 {
     TDocument& document = GetDocument();
+    if (document.IsInStep())
+        return;
     if (SearchEnd.Node != nullptr && !document.GetGraph()->Has(SearchEnd.Node))
         return;
     const TNodeType& chosen = *TCindermillApp::Get().GetNodeTypes().GetType(type);

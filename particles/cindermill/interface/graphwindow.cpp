@@ -2,7 +2,6 @@
 
 #include "library/containers/classregistry.h"
 #include "library/system/message.h"
-#include "library/wimp/accessiblecontents.h"
 #include "library/wimp/textclipboard.h"
 #include "particles/cindermill/graph/operations/rampchangepointsop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
@@ -132,7 +131,6 @@ void TGraphWindow::Redraw()
 {
     TWindow::Redraw();
     Minimap.Redraw();
-    IsChanged = true;
 }
 
 void TGraphWindow::AddShortcuts()
@@ -667,9 +665,6 @@ void TGraphWindow::Reveal(const TNodeObj& node)
 
 void TGraphWindow::OnIdle()
 {
-    if (IsChanged && GetAccessible() != nullptr)
-        GetAccessible()->TellChanges(*this);
-    IsChanged = false;
     if (!ViewFocus.IsRunning())
         return;
     int width = 0;

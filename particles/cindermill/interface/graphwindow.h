@@ -133,7 +133,5 @@ private:
     TGraphActions Actions;
     TGraphMenus Menus;
     TMinimap Minimap;
-    // Something was drawn anew that assistive tools may want to hear of.
-    bool IsChanged = false;
     TViewFocus ViewFocus;
 };

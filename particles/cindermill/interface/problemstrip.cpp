@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/problemstrip.h"
 
+#include "library/wimp/listwalk.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/main/document.h"
@@ -53,6 +54,7 @@ bool TProblemStrip::Create(TDocWindow& docWindow, TWindow& owner)
     params.Owner = &owner;
     if (!TWindow::Create(params))
         return false;
+    SetAccessible(&Access, "Problems");
     Hide();
     return true;
 }
@@ -85,6 +87,7 @@ TProblemStrip::TEntry TProblemStrip::GetEntry(int i) const
         entry.Text = line.Text;
         entry.Node = line.Node;
         entry.Look = GetLook(line.Kind);
+        entry.IsVerdict = true;
     }
     if (entry.Node != nullptr && !document.GetGraph()->Has(entry.Node))
         entry.Node = nullptr;
@@ -102,7 +105,22 @@ void TProblemStrip::Refresh()
 {
     const int last = GetLastFirstRow();
     FirstRow = FirstRow > last ? last : FirstRow;
-    Hovered = Hovered < GetNumEntries() ? Hovered : -1;
+    const int count = GetNumEntries();
+    Hovered = Hovered < count ? Hovered : -1;
+    Marked = Marked >= count && count > 0 ? count - 1 : Marked;
+    Redraw();
+}
+
+void TProblemStrip::Mark(int entry)
+{
+    if (entry < 0 || entry >= GetNumEntries())
+        return;
+    const int rows = GetWantedHeight() / RowHeight;
+    Marked = entry;
+    if (Marked < FirstRow)
+        FirstRow = Marked;
+    else if (Marked >= FirstRow + rows)
+        FirstRow = Marked - rows + 1;
     Redraw();
 }
 
@@ -134,8 +152,22 @@ bool TProblemStrip::OnMessage(const TMessage& message)
         return true;
     }
     case MT_LEFTUP:
-        OnClick(FindEntry(message.GetPixelY()));
+        PressEntry(FindEntry(message.GetPixelY()));
         return true;
+    case MT_KEYDOWN:
+        return OnKey(message.Key);
+    case MT_CHAR:
+        if (message.Character != ' ')
+            return false;
+        PressEntry(Marked);
+        return true;
+    case MT_FOCUSGAINED:
+        DocWindow->Activate();
+        Redraw();
+        return false;
+    case MT_FOCUSLOST:
+        Redraw();
+        return false;
     case MT_WHEEL: {
         const int limit = GetLastFirstRow();
         const int row = FirstRow + (message.Delta > 0 ? -1 : 1);
@@ -148,10 +180,28 @@ bool TProblemStrip::OnMessage(const TMessage& message)
     }
 }
 
-void TProblemStrip::OnClick(int entry)
+bool TProblemStrip::OnKey(int key)
 {
-    const TEffectNode* node = entry != -1 ? GetEntry(entry).Node : nullptr;
-    if (node != nullptr)
+    switch (key) {
+    case KEY_RETURN:
+        PressEntry(Marked);
+        return true;
+    case KEY_ESCAPE:
+        if (!DocWindow->CancelAnyDrag())
+            DocWindow->GetGraph().TakeFocus();
+        return true;
+    default:
+        break;
+    }
+    const int entry = WalkList(key, Marked, GetNumEntries(), MaxRows);
+    Mark(entry);
+    return entry != -1;
+}
+
+void TProblemStrip::PressEntry(int entry)
+{
+    const TEffectNode* node = entry >= 0 && entry < GetNumEntries() ? GetEntry(entry).Node : nullptr;
+    if (node != nullptr && !DocWindow->GetDocument().IsInStep())
         DocWindow->ShowNode(*static_cast<TToolNode*>(const_cast<TEffectNode*>(node)));
 }
 
@@ -182,6 +232,8 @@ void TProblemStrip::Paint(TGDIContext& context) const
         PaintEntry(context, i, width);
     context.SetPen(DocWindow->GetDocument().GetProblems().empty() ? CalmEdge : ProblemEdge);
     context.Line(0, 0, width, 0);
+    if (HasFocus())
+        context.FocusFrame(0, GetEntryTop(Marked), width, GetEntryTop(Marked) + RowHeight);
     const int rows = height / RowHeight;
     if (count <= rows)
         return;
@@ -192,4 +244,37 @@ void TProblemStrip::Paint(TGDIContext& context) const
     context.GetTextExtent(more.Print(), textWidth, textHeight);
     context.SetTextColour(Faint);
     context.TextOut(width - textWidth - 8, height - RowHeight + TextTop, more.Print());
+}
+
+void TProblemAccess::ListItems(vector<TAccessibleItem>& items)
+{
+    int width = 0;
+    int height = 0;
+    Strip.GetSize(width, height);
+    const int count = Strip.GetNumEntries();
+    for (int i = 0; i < count; ++i) {
+        const TProblemStrip::TEntry entry = Strip.GetEntry(i);
+        TAccessibleItem item;
+        item.Role = entry.Node != nullptr ? AR_ITEM : AR_LABEL;
+        item.Name = entry.Text;
+        item.Description = entry.IsVerdict ? "Preview and export" : "Problem";
+        item.IsLive = entry.IsVerdict;
+        item.TakesFocus = true;
+        item.HasFocus = Strip.HasFocus() && Strip.GetMarked() == i;
+        item.Top = Strip.GetEntryTop(i);
+        item.Width = width;
+        item.Height = TProblemStrip::RowHeight;
+        items.push_back(item);
+    }
+}
+
+void TProblemAccess::PressItem(int item)
+{
+    Strip.PressEntry(item);
+}
+
+void TProblemAccess::FocusItem(int item)
+{
+    Strip.Mark(item);
+    Strip.TakeFocus();
 }

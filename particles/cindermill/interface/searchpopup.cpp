@@ -2,6 +2,7 @@
 
 #include "library/maths/scalar.h"
 #include "library/wimp/gdi/brokentext.h"
+#include "library/wimp/listwalk.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 
 namespace {
@@ -36,8 +37,12 @@ bool TSearchPopup::Open(TWindow& owner, int x, int y, const char* hint, const ch
     TWindowParams params;
     params.Class = &GetWindowClass();
     params.Owner = &owner;
-    if (GetHandle() == nullptr && !Create(params))
-        return false;
+    if (GetHandle() == nullptr) {
+        if (!Create(params))
+            return false;
+        SetAccessible(&Access, hint);
+    }
+    SetSpokenName(hint);
     Hint = hint;
     Nothing = nothing;
     WantedX = x;
@@ -95,6 +100,12 @@ void TSearchPopup::Place()
     MoveTo(left > 0 ? left : 0, top > 0 ? top : 0, Width, ownHeight);
 }
 
+void TSearchPopup::SetText(const char* text)
+{
+    Field.SetText(text);
+    Refresh();
+}
+
 void TSearchPopup::Mark(int match)
 {
     const int last = List.GetNumMatches() - 1;
@@ -116,6 +127,10 @@ bool TSearchPopup::OnMessage(const TMessage& message)
         Close();
         return false;
     case MT_KEYDOWN:
+        if (message.Key == KEY_TAB) {
+            Mark(Marked + ((message.KeyFlags & KF_SHIFT) != 0 ? -1 : 1));
+            return true;
+        }
         if (OnKey(message.Key))
             return true;
         break;
@@ -159,32 +174,19 @@ bool TSearchPopup::OnKey(int key)
         if (Marked != -1)
             Choose(Marked);
         return true;
-    case KEY_DOWN:
-    case KEY_TAB:
-        Mark(Marked + 1);
-        return true;
-    case KEY_UP:
-        Mark(Marked - 1);
-        return true;
-    case KEY_PAGEDOWN:
-        Mark(Marked + MaxRows);
-        return true;
-    case KEY_PAGEUP:
-        Mark(Marked - MaxRows);
-        return true;
-    case KEY_HOME:
-        Mark(0);
-        return true;
-    case KEY_END:
-        Mark(List.GetNumMatches() - 1);
-        return true;
     default:
-        return false;
+        break;
     }
+    const int match = WalkList(key, Marked, List.GetNumMatches(), MaxRows);
+    if (match != -1)
+        Mark(match);
+    return match != -1;
 }
 
 void TSearchPopup::Choose(int match)
 {
+    if (match < 0 || match >= List.GetNumMatches())
+        return;
     const int item = List.GetMatch(match).Item;
     Close();
     if (Chosen != nullptr)
@@ -275,4 +277,68 @@ void TSearchPopup::PaintBar(TGDIContext& context) const
     context.SetNoPen();
     context.SetBrush(BarColour);
     context.Rectangle(Width - Border - 5, top, Width - Border, top + length);
+}
+
+void TSearchAccess::AddField(vector<TAccessibleItem>& items) const
+{
+    TAccessibleItem field;
+    field.Role = AR_TEXT;
+    field.Name = Popup.GetHint();
+    field.Value = Popup.GetText();
+    field.HasFocus = Popup.HasFocus() && Popup.GetMarked() == -1;
+    field.Left = TSearchPopup::Border;
+    field.Top = TSearchPopup::Border;
+    field.Width = TSearchPopup::Width - 2 * TSearchPopup::Border;
+    field.Height = TFilterField::Height;
+    items.push_back(field);
+    if (Popup.GetMarked() != -1)
+        return;
+    TAccessibleItem nothing;
+    nothing.Role = AR_LABEL;
+    nothing.Name = Popup.GetNothing();
+    items.push_back(nothing);
+}
+
+void TSearchAccess::ListItems(vector<TAccessibleItem>& items)
+{
+    AddField(items);
+    const TSearchList& list = Popup.GetList();
+    items.reserve(items.size() + list.GetNumMatches());
+    for (int i = 0; i < list.GetNumMatches(); ++i) {
+        const TSearchEntry& entry = list.GetMatch(i);
+        TAccessibleItem item;
+        item.Name = entry.Name;
+        item.Description = entry.Folder;
+        item.Description += entry.Folder.IsEmpty() || entry.Help.IsEmpty() ? "" : ": ";
+        item.Description += entry.Help;
+        item.IsSelected = i == Popup.GetMarked();
+        item.TakesFocus = true;
+        item.HasFocus = item.IsSelected && Popup.HasFocus();
+        item.Left = TSearchPopup::Border;
+        item.Top = Popup.GetRowTop(i);
+        item.Width = TSearchPopup::Width - 2 * TSearchPopup::Border;
+        item.Height = TSearchPopup::RowHeight;
+        items.push_back(item);
+    }
+}
+
+// The field is the first.
+void TSearchAccess::PressItem(int item)
+{
+    Popup.Choose(item - 1);
+}
+
+void TSearchAccess::FocusItem(int item)
+{
+    if (item > 0)
+        Popup.Mark(item - 1);
+    Popup.TakeFocus();
+}
+
+bool TSearchAccess::EnterItem(int item, const char* text)
+{
+    if (item != 0)
+        return false;
+    Popup.SetText(text);
+    return true;
 }

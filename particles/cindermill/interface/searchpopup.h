@@ -1,8 +1,28 @@
 #pragma once
 
+#include "library/wimp/accessiblecontents.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/filterfield.h"
 #include "particles/cindermill/interface/graph/searchlist.h"
+
+class TSearchPopup;
+
+// What a search shows: the field first, then what it finds.
+class TSearchAccess : public TAccessibleContents
+{
+public:
+    explicit TSearchAccess(TSearchPopup& popup) : Popup(popup) {}
+    TAccessibleRole GetRole() const override { return AR_LIST; }
+    void ListItems(vector<TAccessibleItem>& items) override;
+    void PressItem(int item) override;
+    void FocusItem(int item) override;
+    bool EnterItem(int item, const char* text) override;
+
+private:
+    void AddField(vector<TAccessibleItem>& items) const;
+
+    TSearchPopup& Popup;
+};
 
 // A field and a list below it that follows what is typed, over a graph view. The arrow keys and the mouse
 // mark an entry, Return and a click choose it; Escape, a press elsewhere, and whatever else takes the keys
@@ -13,6 +33,7 @@ public:
     static constexpr int Width = 340;
     static constexpr int RowHeight = 20;
     static constexpr int MaxRows = 12;
+    static constexpr int Border = 3;
     // The popup is closed when it is called.
     using TChosen = void (*)(int item, void* data);
 
@@ -30,21 +51,26 @@ public:
     bool KeepsKeys() const override { return true; }
 
     const TString& GetText() const { return Field.GetText(); }
+    // As if it had been typed.
+    void SetText(const char* text);
+    const TString& GetHint() const { return Hint; }
+    // What is told where nothing is found.
+    const TString& GetNothing() const { return Nothing; }
+    void Mark(int match);
+    // As a click on the row.
+    void Choose(int match);
     // -1 for none.
     int GetMarked() const { return Marked; }
     // The place of an entry's row in the window, whether or not it is in sight.
     int GetRowTop(int match) const { return ListTop + (match - FirstRow) * RowHeight; }
 
 private:
-    static constexpr int Border = 3;
     static constexpr int ListTop = Border + TFilterField::Height + Border;
     static constexpr int HelpHeight = 34;
 
     void Refresh();
     void Place();
-    void Mark(int match);
     bool OnKey(int key);
-    void Choose(int match);
     int FindRow(int x, int y) const;
     int GetNumRows() const;
     void Paint(TGDIContext& context) const;
@@ -63,4 +89,5 @@ private:
     int Marked = -1;
     int FirstRow = 0;
     int WheelRest = 0;
+    TSearchAccess Access{*this};
 };

@@ -1,5 +1,7 @@
 #include "particles/cindermill/interface/particles/budgetpanel.h"
 
+#include "library/wimp/listwalk.h"
+
 namespace {
 
 TWindowClass BudgetClass("cindermill_particlewindow_budget");
@@ -14,7 +16,6 @@ constexpr TGDIColour BarColour = 0x9CC4A0;
 constexpr TGDIColour FullColour = 0xE08078;
 constexpr TGDIColour PeakColour = 0x507850;
 constexpr TGDIColour OverColour = 0xC01818;
-constexpr TGDIColour MarkColour = 0x2A6FB0;
 constexpr int RowHeight = 18;
 constexpr int TextTop = 2;
 constexpr int TextLeft = 6;
@@ -93,20 +94,21 @@ void TBudgetPanel::PressLine(int line, bool alone)
 
 bool TBudgetPanel::OnKey(const TMessage& message)
 {
-    const int last = Budget->GetGroups().size() - 1;
     switch (message.Key) {
     case KEY_RETURN:
         PressLine(Marked, (message.KeyFlags & KF_ALT) != 0);
         return true;
     case KEY_UP:
-    case KEY_DOWN:
-        Marked += message.Key == KEY_DOWN ? 1 : -1;
-        Marked = Marked > last ? last : Marked;
-        Marked = Marked < 0 ? 0 : Marked;
-        if (Marked < ScrollY || Marked >= ScrollY + GetNumShown())
+    case KEY_DOWN: {
+        const int marked = WalkList(message.Key, Marked, Budget->GetGroups().size(), 1);
+        Marked = marked > 0 ? marked : 0;
+        if (Marked < ScrollY)
             ScrollTo(Marked);
+        else if (Marked >= ScrollY + GetNumShown())
+            ScrollTo(Marked - GetNumShown() + 1);
         Redraw();
         return true;
+    }
     default:
         return message.Key != KEY_TAB && Owner->OnMessage(message);
     }
@@ -205,17 +207,7 @@ void TBudgetPanel::Paint(TGDIContext& context) const
         PaintGroup(context, groups[i + ScrollY], width, (i + 1) * RowHeight);
     PaintTotals(context, width, height - RowHeight);
     if (HasFocus() && Marked < groups.size() && Marked >= ScrollY && Marked < ScrollY + GetNumShown())
-        PaintMark(context, width, GetLineTop(Marked));
-}
-
-void TBudgetPanel::PaintMark(TGDIContext& context, int width, int top) const
-{
-    const int bottom = top + RowHeight - 1;
-    context.SetPen(MarkColour);
-    context.Line(0, top, width - 1, top);
-    context.Line(0, bottom, width - 1, bottom);
-    context.Line(0, top, 0, bottom);
-    context.Line(width - 1, top, width - 1, bottom);
+        context.FocusFrame(0, GetLineTop(Marked), width, GetLineTop(Marked) + RowHeight);
 }
 
 void TBudgetPanel::PaintTitles(TGDIContext& context, int width) const

@@ -11,6 +11,7 @@ class TBudgetAccess : public TAccessibleContents
 {
 public:
     explicit TBudgetAccess(TBudgetPanel& panel) : Panel(panel) {}
+    TAccessibleRole GetRole() const override { return AR_LIST; }
     void ListItems(vector<TAccessibleItem>& items) override;
     void PressItem(int item) override;
 
@@ -55,7 +56,6 @@ private:
     void PaintParticles(TGDIContext& context, const TGroupBudget& group, int width, int top) const;
     static void PaintCode(TGDIContext& context, const TGroupBudget& group, int width, int top);
     void PaintAlive(TGDIContext& context, const TGroupBudget& group, int left, int top) const;
-    void PaintMark(TGDIContext& context, int width, int top) const;
     void PaintTotals(TGDIContext& context, int width, int top) const;
     void OnClick(const TMessage& message);
 

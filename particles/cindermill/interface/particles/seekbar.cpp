@@ -77,6 +77,9 @@ int TSeekBar::GetPlace(float time) const
 void TSeekBar::SetTime(float time, float range)
 {
     const bool moved = range != Range || GetPlace(time) != GetPlace(Time);
+    // What is told is finer than what is drawn.
+    if (time != Time)
+        ContentsChanged();
     Time = time;
     Range = range;
     if (moved)
@@ -232,6 +235,8 @@ void TSeekBar::Paint(TGDIContext& context) const
                           top + TroughHeight);
     }
     PaintMarks(context);
+    if (HasFocus())
+        context.FocusFrame(0, 0, width, height);
     context.SetPen(HasFocus() ? FocusEdge : ThumbEdge);
     context.SetBrush(ThumbColour);
     context.Rectangle(place - ThumbWidth / 2, top - 5, place + ThumbWidth / 2, top + TroughHeight + 5);

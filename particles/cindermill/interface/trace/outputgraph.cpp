@@ -58,6 +58,8 @@ bool TOutputGraph::CreateControls(int firstId)
         name.Format("check%d_%d", Port, c);
         created = Checks[c].Create(Pane, firstId + c, Trace->GetLabel(Port, c), name.Print());
         Checks[c].SetCheck(true);
+        Checks[c].SetSpokenName(
+            TempFormat("%s %s", Trace->GetPortName(Port).Print(), Trace->GetLabel(Port, c)));
     }
     return created;
 }

@@ -61,6 +61,7 @@ bool TTraceTable::Create(TAttributeTraceWindow& window, const TNodeTrace& trace)
     if (!TWindow::Create(params) || !CreateControls())
         return false;
     Grid.Create(this, Rows, TTable::FL_RESIZABLEHEADERS);
+    Grid.SetTableName("Values, the newest first");
     Layout();
     return true;
 }

@@ -1,6 +1,7 @@
 #include "library/wimp/controls/table.h"
 #include "support/windowtest.h"
 
+#include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QScrollBar>
@@ -244,7 +245,7 @@ TEST_F(TTableTest, ATableWithoutAnOwnerIsAnAssertion)
     EXPECT_EQ(AssertionOf([&] { Table.Create(nullptr, Provider); }), "0 : Failed to create table window");
 }
 
-TEST_F(TTableTest, APressGivesItTheKeysThatScrollItsRows)
+TEST_F(TTableTest, KeysLeadAMarkThroughItsRows)
 {
     Make(0);
     Window.Show();
@@ -256,15 +257,87 @@ TEST_F(TTableTest, APressGivesItTheKeysThatScrollItsRows)
     struct TStep
     {
         Qt::Key Key;
-        int Row;
+        int Marked;
+        int First;
     };
-    // Ten rows are in sight.
-    const TStep steps[] = {{Qt::Key_Down, 1}, {Qt::Key_PageDown, 10}, {Qt::Key_Up, 9},  {Qt::Key_PageUp, 0},
-                           {Qt::Key_End, 90}, {Qt::Key_Down, 90},     {Qt::Key_Home, 0}};
+    // The row that was pressed is marked. Ten rows are in sight.
+    EXPECT_EQ(Table.GetMarkedRow(), 1);
+    const TStep steps[] = {{Qt::Key_Down, 2, 0},   {Qt::Key_PageDown, 11, 9}, {Qt::Key_Up, 10, 9},
+                           {Qt::Key_PageUp, 1, 0}, {Qt::Key_End, 99, 90},     {Qt::Key_Down, 99, 90},
+                           {Qt::Key_Home, 0, 0}};
     for (const TStep& step : steps) {
+        const QImage before = main->grab().toImage();
         QTest::keyClick(main, step.Key);
-        EXPECT_EQ(Table.GetFirstRow(), step.Row) << step.Key;
+        EXPECT_EQ(Table.GetMarkedRow(), step.Marked) << step.Key;
+        EXPECT_EQ(Table.GetFirstRow(), step.First) << step.Key;
+        EXPECT_EQ(main->grab().toImage() != before, step.Key != Qt::Key_Down || step.First == 0);
     }
+    // Row by row through the lower edge.
+    for (int i = 0; i < 10; ++i)
+        QTest::keyClick(main, Qt::Key_Down);
+    EXPECT_EQ(Table.GetMarkedRow(), 10);
+    EXPECT_EQ(Table.GetFirstRow(), 1);
+    Provider.NumRows = 4;
+    Table.Refresh();
+    EXPECT_EQ(Table.GetMarkedRow(), 3);
+    // An empty one shows too that it has the keys.
+    Provider.NumRows = 0;
+    Table.Refresh();
+    const QImage empty = main->grab().toImage();
+    main->clearFocus();
+    EXPECT_NE(main->grab().toImage(), empty);
+}
+
+TEST_F(TTableTest, LeftAndRightScrollItsColumns)
+{
+    Provider.NumColumns = 10;
+    Make(0);
+    QTest::keyClick(Find("table_main"), Qt::Key_Right);
+    const int step = Table.GetFirstPixel();
+    EXPECT_GT(step, 0);
+    QTest::keyClick(Find("table_main"), Qt::Key_Right);
+    EXPECT_EQ(Table.GetFirstPixel(), 2 * step);
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(Find("table_main"), Qt::Key_Left);
+    EXPECT_EQ(Table.GetFirstPixel(), 0);
+}
+
+TEST_F(TTableTest, ItsCellsAndHeadersAreToldAndTheMarkedRowHasTheKeys)
+{
+    Make(0);
+    Table.SetTableName("Numbers");
+    QAccessibleInterface& cells = *QAccessible::queryAccessibleInterface(Find("table_main"));
+    EXPECT_EQ(cells.role(), QAccessible::Table);
+    EXPECT_EQ(cells.text(QAccessible::Name), QString("Numbers"));
+    // Those in sight.
+    ASSERT_EQ(cells.childCount(), 10);
+    QAccessibleInterface& third = *cells.child(2);
+    EXPECT_EQ(third.role(), QAccessible::Row);
+    EXPECT_EQ(third.text(QAccessible::Name), QString("2: column 0 2.0, column 1 2.1, column 2 2.2"));
+    ASSERT_EQ(third.childCount(), 4);
+    EXPECT_EQ(third.child(0)->role(), QAccessible::RowHeader);
+    EXPECT_EQ(third.child(0)->text(QAccessible::Name), QString("2"));
+    EXPECT_EQ(third.child(2)->role(), QAccessible::Cell);
+    EXPECT_EQ(third.child(2)->text(QAccessible::Name), QString("2.1"));
+    EXPECT_EQ(third.child(2)->text(QAccessible::Value), QString("2.1"));
+    EXPECT_EQ(third.child(2)->text(QAccessible::Description), QString("column 1"));
+    EXPECT_TRUE(third.rect().contains(third.child(2)->rect()));
+    QAccessibleInterface& headers = *QAccessible::queryAccessibleInterface(Find("table_header"));
+    ASSERT_EQ(headers.childCount(), 3);
+    EXPECT_EQ(headers.child(1)->role(), QAccessible::ColumnHeader);
+    EXPECT_EQ(headers.child(1)->text(QAccessible::Name), QString("column 1"));
+    Window.BringToTop();
+    ASSERT_TRUE(WaitFor([&] { return QApplication::activeWindow() == Window.GetHandle(); }));
+    EXPECT_EQ(Table.GetMarkedRow(), 0);
+    third.actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+    EXPECT_EQ(Table.GetMarkedRow(), 2);
+    EXPECT_EQ(cells.focusChild(), &third);
+    EXPECT_TRUE(third.state().selected);
+    QTest::keyClick(Find("table_main"), Qt::Key_End);
+    ASSERT_NE(cells.focusChild(), nullptr);
+    EXPECT_TRUE(cells.focusChild()->text(QAccessible::Name).startsWith("99: "));
+    // The Tab key leads there.
+    EXPECT_NE(Find("table_main")->focusPolicy() & Qt::TabFocus, 0);
 }
 
 namespace {

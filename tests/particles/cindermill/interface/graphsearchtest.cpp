@@ -4,6 +4,8 @@
 #include "particles/cindermill/interface/controls/fieldwalk.h"
 #include "particles/cindermill/interface/controls/numberinput.h"
 
+#include <QtGui/QAccessible>
+
 #include <time.h>
 
 namespace {
@@ -299,4 +301,45 @@ TEST_F(GraphSearch, ANodeChosenOverAWireGoesInBetween)
     Key(Search(), Qt::Key_Return);
     EXPECT_EQ(Document->GetGraph()->GetEdge(0)->GetSrcNode(), Last());
     EXPECT_EQ(Document->GetGraph()->GetNumEdges(), 2);
+}
+
+TEST_F(GraphSearch, WhatIsFoundIsReadAndTheMarkedEntryHasTheKeys)
+{
+    Key(Graph(), Qt::Key_Tab);
+    ASSERT_TRUE(Search().IsOpen());
+    QAccessibleInterface& list = *QAccessible::queryAccessibleInterface(Search().GetHandle());
+    EXPECT_EQ(list.role(), QAccessible::List);
+    EXPECT_EQ(list.text(QAccessible::Name), QString("Add a node"));
+    ASSERT_EQ(list.childCount(), 1 + App.Get().GetNodeTypes().GetNumTypes());
+    EXPECT_EQ(list.focusChild(), list.child(1));
+    TypeText("turbu");
+    ASSERT_GE(list.childCount(), 2);
+    EXPECT_EQ(list.child(0)->role(), QAccessible::EditableText);
+    EXPECT_EQ(list.child(0)->text(QAccessible::Value), QString("turbu"));
+    EXPECT_EQ(list.child(1)->text(QAccessible::Name), QString("Turbulence"));
+    EXPECT_FALSE(list.child(1)->text(QAccessible::Description).isEmpty());
+    EXPECT_TRUE(list.child(1)->state().selected);
+    list.child(0)->setText(QAccessible::Value, "em");
+    EXPECT_EQ(Text(Search().GetText()), "em");
+    ASSERT_GE(list.childCount(), 3);
+    Key(Search(), Qt::Key_Down);
+    EXPECT_EQ(list.focusChild(), list.child(2));
+    Key(Search(), Qt::Key_Tab, Qt::ShiftModifier);
+    EXPECT_EQ(list.focusChild(), list.child(1));
+    list.child(0)->setText(QAccessible::Value, "qqqq");
+    ASSERT_EQ(list.childCount(), 2);
+    EXPECT_EQ(list.focusChild(), list.child(0));
+    EXPECT_EQ(list.child(1)->text(QAccessible::Name), QString("No node type is called so"));
+    list.child(1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_TRUE(Search().IsOpen());
+    list.child(0)->setText(QAccessible::Value, "turbu");
+    const int nodes = Document->GetGraph()->GetNumNodes();
+    list.child(1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_FALSE(Search().IsOpen());
+    ASSERT_EQ(Document->GetGraph()->GetNumNodes(), nodes + 1);
+    EXPECT_EQ(Text(Last()->GetNodeType()->Name), "Turbulence");
+    // The next search is another one.
+    Key(Graph(), Qt::Key_G, Qt::ControlModifier);
+    EXPECT_EQ(list.text(QAccessible::Name), QString("Find a node of this graph"));
+    EXPECT_EQ(list.childCount(), 1 + Document->GetGraph()->GetNumNodes());
 }

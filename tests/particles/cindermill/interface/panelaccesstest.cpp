@@ -91,7 +91,7 @@ protected:
     }
     void Idle()
     {
-        WindowsOf(*Document).OnIdle(*Document);
+        TWindow::TellContents();
         Told.clear();
     }
     TDocument* Document = nullptr;
@@ -146,13 +146,13 @@ TEST_F(PanelAccess, ANumberHasItsValueAndTakesAnother)
     EXPECT_EQ(y.valueInterface()->currentValue().toDouble(), before + 2.5);
     // An edit like any other, and told as one.
     EXPECT_TRUE(Document->CanUndo());
-    WindowsOf(*Document).OnIdle(*Document);
+    TWindow::TellContents();
     ASSERT_EQ(Told.size(), 1u);
     EXPECT_EQ(Told[0].Change, AC_VALUE);
     EXPECT_EQ(Told[0].Name, "Acceleration Y");
     Told.clear();
     Document->Undo();
-    WindowsOf(*Document).OnIdle(*Document);
+    TWindow::TellContents();
     ASSERT_EQ(Told.size(), 1u);
     EXPECT_EQ(Told[0].Name, "Acceleration Y");
     EXPECT_EQ(y.valueInterface()->currentValue().toDouble(), before);
@@ -162,7 +162,7 @@ TEST_F(PanelAccess, ANumberHasItsValueAndTakesAnother)
     // Nothing has changed: nothing is told.
     Told.clear();
     GraphOf(*Document).Redraw();
-    WindowsOf(*Document).OnIdle(*Document);
+    TWindow::TellContents();
     EXPECT_TRUE(Told.empty());
 }
 
@@ -176,7 +176,7 @@ TEST_F(PanelAccess, TheKeysGoToAControlByItsName)
     Do(Item("Acceleration Z"), QAccessibleActionInterface::setFocusAction());
     ASSERT_NE(TTextEdit::GetFocused(), nullptr);
     EXPECT_TRUE(Item("Acceleration Z").state().focused);
-    WindowsOf(*Document).OnIdle(*Document);
+    TWindow::TellContents();
     ASSERT_FALSE(Told.empty());
     EXPECT_EQ(Told[0].Change, AC_FOCUS);
     EXPECT_EQ(Told[0].Name, "Acceleration Z");

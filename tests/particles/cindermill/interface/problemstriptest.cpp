@@ -3,6 +3,7 @@
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/effectgraph/simpleparameters.h"
 
+#include <QtGui/QAccessible>
 #include <QtGui/QImage>
 
 #include <filesystem>
@@ -360,4 +361,63 @@ TEST_F(ProblemStrip, AListThatIsToldAnewStaysWhereItWasScrolledTo)
     const QImage shorter = look();
     Strip().OnMessage(message);
     EXPECT_EQ(look(), shorter);
+}
+
+TEST_F(ProblemStrip, IsReadAndPressedByKeys)
+{
+    Document->RebuildSchedule(false);
+    const int count = Strip().GetNumEntries();
+    ASSERT_GT(count, 1);
+    QAccessibleInterface& list = *QAccessible::queryAccessibleInterface(Strip().GetHandle());
+    EXPECT_EQ(list.role(), QAccessible::List);
+    EXPECT_EQ(list.text(QAccessible::Name), QString("Problems"));
+    ASSERT_EQ(list.childCount(), count);
+    for (int i = 0; i < count; ++i) {
+        EXPECT_EQ(list.child(i)->text(QAccessible::Name).toStdString(), Text(Strip().GetEntry(i).Text));
+        EXPECT_EQ(list.child(i)->text(QAccessible::Description), QString("Problem"));
+    }
+    Frame.BringToTop();
+    Graph().TakeFocus();
+    ASSERT_TRUE(WaitFor([&] { return Graph().HasFocus(); }));
+    Key(Graph(), Qt::Key_F6);
+    ASSERT_TRUE(Strip().HasFocus());
+    EXPECT_EQ(list.focusChild(), list.child(0));
+    for (int i = 1; i < count; ++i) {
+        const QImage before = Strip().GetHandle()->grab().toImage();
+        Key(Strip(), Qt::Key_Down);
+        EXPECT_EQ(list.focusChild(), list.child(i));
+        EXPECT_NE(Strip().GetHandle()->grab().toImage(), before);
+        EXPECT_GE(Strip().GetEntryTop(i), 0);
+        EXPECT_LT(Strip().GetEntryTop(i), Strip().GetHandle()->height());
+    }
+    Key(Strip(), Qt::Key_Home);
+    const int entry = FindEntry(Stage);
+    ASSERT_NE(entry, -1);
+    for (int i = 0; i < entry; ++i)
+        Key(Strip(), Qt::Key_Down);
+    Document->ClearSelection();
+    Key(Strip(), Qt::Key_Return);
+    EXPECT_TRUE(IsSelected(Stage));
+    EXPECT_TRUE(Graph().HasFocus());
+    // A tool presses and leads there too.
+    Document->ClearSelection();
+    list.child(entry)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_TRUE(IsSelected(Stage));
+    list.child(entry)->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+    EXPECT_TRUE(Strip().HasFocus());
+    EXPECT_EQ(list.focusChild(), list.child(entry));
+    Key(Strip(), Qt::Key_Escape);
+    EXPECT_TRUE(Graph().HasFocus());
+}
+
+TEST_F(ProblemStrip, TheKeysStayInTheViewWhenTheProblemsAreMended)
+{
+    Document->RebuildSchedule(false);
+    Frame.BringToTop();
+    Strip().TakeFocus();
+    ASSERT_TRUE(WaitFor([&] { return Strip().HasFocus(); }));
+    Connect(First, "Count", Points, "Emission Trigger");
+    Connect(Points, "Start Transform", Stage, "Transform");
+    EXPECT_FALSE(Strip().IsShown());
+    EXPECT_TRUE(Graph().HasFocus());
 }

@@ -194,6 +194,51 @@ TEST_F(RampInput, ArrowsMoveTheSelectedPointByAHundredthAndFinelyWithShift)
     EXPECT_EQ(Selected(), (TRampSelection{0, 1}));
 }
 
+TEST_F(RampInput, PageKeysWalkThePointsOfAllComponentsThatAreShown)
+{
+    ShowFour();
+    Ramp().TakeKeys(&Renderer);
+    EXPECT_EQ(Selected(), (TRampSelection{0, 0}));
+    // Nothing stands before the first.
+    EXPECT_TRUE(Key(KEY_PAGEUP));
+    EXPECT_EQ(Selected(), (TRampSelection{0, 0}));
+    std::vector<TRampSelection> walked;
+    for (int i = 0; i < 15; ++i) {
+        walked.push_back(Selected());
+        EXPECT_TRUE(Key(KEY_PAGEDOWN));
+    }
+    for (int i = 0; i < 15; ++i)
+        EXPECT_EQ(walked[static_cast<size_t>(i)], (TRampSelection{i / 4, i % 4}));
+    // Nor behind the last.
+    EXPECT_EQ(Selected(), (TRampSelection{3, 3}));
+    EXPECT_TRUE(Key(KEY_PAGEDOWN));
+    EXPECT_EQ(Selected(), (TRampSelection{3, 3}));
+    for (int i = 14; i >= 0; --i) {
+        EXPECT_TRUE(Key(KEY_PAGEUP));
+        EXPECT_EQ(Selected(), walked[static_cast<size_t>(i)]);
+    }
+    EXPECT_EQ(NumEdits(), 0);
+    // Components that are hidden are passed over, and so are handles of straight lines.
+    Click(Middle(*Ramp().GetComponentButton(1)));
+    Click(PlaceOf(0, 3));
+    Key(KEY_PAGEDOWN);
+    EXPECT_EQ(Selected(), (TRampSelection{2, 0}));
+}
+
+TEST_F(RampInput, PageKeysPassOverTheHandlesOfStraightLines)
+{
+    ShowScalar();
+    SetCurve(0, Hill());
+    Click(Middle(Ramp().GetLinearButton()));
+    ASSERT_TRUE(Ramp().GetModel().IsLinear());
+    Ramp().TakeKeys(&Renderer);
+    for (int point = 0; point <= 6; point += 3) {
+        EXPECT_EQ(Selected(), (TRampSelection{0, point}));
+        Key(KEY_PAGEDOWN);
+    }
+    EXPECT_EQ(Selected(), (TRampSelection{0, 6}));
+}
+
 TEST_F(RampInput, ArrowsWithoutASelectionAreNotTaken)
 {
     ShowScalar();

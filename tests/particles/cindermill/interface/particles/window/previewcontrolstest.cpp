@@ -753,6 +753,11 @@ TEST_F(PreviewControls, EveryControlHasANameAndTheTimeBarIsASliderOfSeconds)
     slider->valueInterface()->setCurrentValue(2.5);
     Arrive();
     EXPECT_NEAR(Window.GetTime(), 2.5f, 0.03f);
+    Window.BringToTop();
+    ASSERT_TRUE(WaitFor([&] { return Window.GetHandle()->isActiveWindow(); }));
+    const QRgb before = bar->grab().toImage().pixel(0, bar->height() / 2);
+    bar->setFocus();
+    EXPECT_NE(bar->grab().toImage().pixel(0, bar->height() / 2), before);
     // By the keys, a fiftieth of the bar, and ten of these.
     QTest::keyClick(bar, Qt::Key_Right);
     Arrive();
@@ -760,6 +765,17 @@ TEST_F(PreviewControls, EveryControlHasANameAndTheTimeBarIsASliderOfSeconds)
     QTest::keyClick(bar, Qt::Key_PageDown);
     Arrive();
     EXPECT_NEAR(Window.GetTime(), 1.6f, 0.03f);
+    // They end where the bar does.
+    const auto press = [&](Qt::Key key, int times) {
+        for (; times > 0; --times, Arrive())
+            QTest::keyClick(bar, key);
+    };
+    press(Qt::Key_PageDown, 2);
+    press(Qt::Key_Left, 1);
+    EXPECT_NEAR(Window.GetTime(), 0, 0.03f);
+    press(Qt::Key_PageUp, 5);
+    press(Qt::Key_Right, 1);
+    EXPECT_NEAR(Window.GetTime(), 5, 0.03f);
     // Its other keys are the preview's.
     QTest::keyClick(bar, Qt::Key_Space);
     EXPECT_TRUE(GetClock().IsPaused());

@@ -1,0 +1,48 @@
+#include "library/wimp/focusstyle.h"
+
+#include <QtGui/QPainter>
+#include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QStyleOption>
+
+namespace {
+
+void DrawFrame(QPainter& painter, const QRect& place, const QColor& colour)
+{
+    painter.save();
+    painter.setPen(colour);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(place.adjusted(0, 0, -1, -1));
+    painter.restore();
+}
+
+bool IsScrolled(const QWidget* widget)
+{
+    return qobject_cast<const QAbstractItemView*>(widget) != nullptr ||
+           qobject_cast<const QPlainTextEdit*>(widget) != nullptr;
+}
+
+} // namespace
+
+void TFocusStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                              const QWidget* widget) const
+{
+    QProxyStyle::drawControl(element, option, painter, widget);
+    const QColor colour = option->palette.color(QPalette::Active, QPalette::Highlight);
+    if (element == CE_ShapedFrame && IsScrolled(widget) && widget->hasFocus())
+        DrawFrame(*painter, option->rect, colour);
+    constexpr int Inset = 3;
+    if (element == CE_PushButton && option->state.testFlag(State_HasFocus))
+        DrawFrame(*painter, option->rect.adjusted(Inset, Inset, -Inset, -Inset), colour);
+}
+
+void TFocusStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                     QPainter* painter, const QWidget* widget) const
+{
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (control != CC_ToolButton || !option->state.testFlag(State_HasFocus))
+        return;
+    const QColor colour = option->palette.color(QPalette::Active, QPalette::Highlight);
+    DrawFrame(*painter, option->rect, colour);
+    DrawFrame(*painter, option->rect.adjusted(1, 1, -1, -1), colour);
+}
