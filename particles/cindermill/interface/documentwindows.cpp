@@ -32,10 +32,23 @@ bool TDocumentWindows::CreateParticleWindow(TDocument& document)
 
 void TDocumentWindows::ShowParticleWindow(TDocument& document)
 {
+    const bool isNew = !ArePlaced && document.GetPath().IsEmpty();
     if (!ArePlaced)
         PlaceWindows(document);
+    if (isNew && Places != nullptr && IsDisplayBesideGraph()) {
+        BeginInGraph();
+        return;
+    }
     ParticleWindow->Show();
     ParticleWindow->BringToTop();
+}
+
+// A new effect has nothing to show yet: the next keys are for its graph, wherever the ones before went.
+void TDocumentWindows::BeginInGraph()
+{
+    ParticleWindow->ShowWithoutKeys();
+    Frame->BringToTop();
+    Windows[0]->GetGraph().SetFocus();
 }
 
 // Before they are first seen. A new effect's view has its place in the cascade.

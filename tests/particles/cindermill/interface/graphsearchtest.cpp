@@ -206,6 +206,19 @@ TEST_F(GraphSearch, ANodeIsFoundByNameAndShown)
     EXPECT_EQ(NumUndoSteps(), steps);
 }
 
+TEST_F(GraphSearch, ANodeIsFoundByANameInAnyLetters)
+{
+    TToolNode* node = AddNode(*Document, "Turbulence", 9000, 9000);
+    node->GetNodeType()->Name = "H\xC3\xB6he";
+    Key(Graph(), Qt::Key_G, Qt::ControlModifier);
+    for (const char* letter : {"h", "\xC3\xB6"})
+        Type(Search(), Qt::Key_unknown, QString::fromUtf8(letter), Qt::NoModifier);
+    EXPECT_EQ(MarkedName(), "H\xC3\xB6he");
+    EXPECT_EQ(Search().GetList().GetNumMatches(), 1);
+    Key(Search(), Qt::Key_Return);
+    EXPECT_TRUE(IsSelected(node));
+}
+
 TEST_F(GraphSearch, WhatIsTypedIsNoCommandOfTheGraph)
 {
     HoverAt(QPoint(500, 300));
