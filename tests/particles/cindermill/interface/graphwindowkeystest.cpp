@@ -128,7 +128,7 @@ TEST_F(GraphWindow, PrintableKeysLeaveTheGraphAlone)
     };
     const TShortcut told[] = {{Qt::NoModifier, " "},
                               {Qt::ShiftModifier, " "},
-                              {Qt::ControlModifier, "ZYSONCVXFGDBETM"},
+                              {Qt::ControlModifier, "ZYSONCVXAFGDBETM"},
                               {Qt::ControlModifier | Qt::ShiftModifier, "SFAD"}};
     const Qt::KeyboardModifiers with[] = {Qt::NoModifier,      Qt::ShiftModifier,
                                           Qt::ControlModifier, Qt::ControlModifier | Qt::ShiftModifier,
