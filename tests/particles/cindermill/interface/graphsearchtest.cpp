@@ -206,6 +206,23 @@ TEST_F(GraphSearch, ANodeIsFoundByNameAndShown)
     EXPECT_EQ(NumUndoSteps(), steps);
 }
 
+TEST_F(GraphSearch, WhereNothingIsFoundNoKeyMarksOrChoosesAnything)
+{
+    Key(Graph(), Qt::Key_Tab);
+    TypeText("zzzz");
+    ASSERT_EQ(Search().GetList().GetNumMatches(), 0);
+    const int nodes = Document->GetGraph()->GetNumNodes();
+    for (const int key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home,
+                          Qt::Key_End, Qt::Key_Tab, Qt::Key_Return}) {
+        Key(Search(), key);
+        EXPECT_EQ(Search().GetMarked(), -1) << key;
+        // It is drawn, too.
+        Settle();
+    }
+    EXPECT_TRUE(Search().IsOpen());
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), nodes);
+}
+
 TEST_F(GraphSearch, ANodeIsFoundByANameInAnyLetters)
 {
     TToolNode* node = AddNode(*Document, "Turbulence", 9000, 9000);
