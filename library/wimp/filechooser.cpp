@@ -116,6 +116,11 @@ int ShowForm(QMessageBox::Icon icon, const char* name, const char* text, QMessag
 
 } // namespace
 
+bool HasLastDirectory(const vector<TFileFilter>& filters)
+{
+    return LastDirectories().find(KeyOf(filters)) != LastDirectories().end();
+}
+
 bool OpenFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
                      TString& path)
 {

@@ -17,6 +17,8 @@ bool OpenFileChooser(const char* title, const vector<TFileFilter>& filters, cons
 bool SaveFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
                      TString& path);
 bool FolderChooser(const char* title, TString& path);
+// Whether a directory is remembered for the filters.
+bool HasLastDirectory(const vector<TFileFilter>& filters);
 
 // Takes the choice of a file to open over; null gives it back.
 using TOpenFileChooser = bool (*)(const char* title, const vector<TFileFilter>& filters,

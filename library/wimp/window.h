@@ -127,6 +127,8 @@ public:
     void GetScreenArea(TWindowArea& area) const;
     // A window of its own, not yet seen, stays in front of the other one from now on, whichever has the keys.
     void StayOver(TWindow& window);
+    // Seen, and in front, while the keys stay with the window that has them.
+    void ShowWithoutKeys();
     void SetTitle(const char* text);
     void SetCursor(TCursor cursor);
     void Redraw() override;

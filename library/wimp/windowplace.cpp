@@ -95,6 +95,17 @@ void TWindow::GetScreenArea(TWindowArea& area) const
     area = Handle != nullptr ? ToArea(Handle->screen()->availableGeometry()) : TWindowArea();
 }
 
+void TWindow::ShowWithoutKeys()
+{
+    if (Peer == nullptr)
+        return;
+    QWidget* frame = Peer->GetFrame();
+    frame->setAttribute(Qt::WA_ShowWithoutActivating);
+    frame->show();
+    frame->raise();
+    frame->setAttribute(Qt::WA_ShowWithoutActivating, false);
+}
+
 void TWindow::StayOver(TWindow& window)
 {
     if (Handle == nullptr || window.GetHandle() == nullptr)

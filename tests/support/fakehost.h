@@ -182,6 +182,8 @@ public:
     std::function<void()> OnEndInput;
     // The next choice; "" is Cancel.
     std::string Choice;
+    // The name that the chooser came up with.
+    std::string Offered;
     TModifiedAnswer Answer = MA_CANCEL;
     // What the question about autosaved effects named.
     TNames Recovered;
@@ -203,6 +205,7 @@ private:
         if (directory != nullptr)
             text += std::string(" in ") + directory;
         Events.push_back(text);
+        Offered = path.IsEmpty() ? "" : path.Print();
         path = Choice.c_str();
         return !Choice.empty();
     }

@@ -57,7 +57,7 @@ protected:
         Screen.Key("ctrl+n");
         ASSERT_TRUE(Screen.WaitForWindow(DisplayTitle)) << program.GetOutput();
         ASSERT_TRUE(workshop.FindGraph()) << program.GetOutput();
-        // The effect's display came up in front; a click into the graph is harmless.
+        // The graph has the keys, once the display stands beside it; a click into it is harmless.
         Screen.Click(workshop.ScreenX(20), workshop.ScreenY(20));
         ASSERT_TRUE(Screen.WaitUntilActive(MainTitle));
     }

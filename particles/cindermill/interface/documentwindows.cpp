@@ -32,10 +32,26 @@ bool TDocumentWindows::CreateParticleWindow(TDocument& document)
 
 void TDocumentWindows::ShowParticleWindow(TDocument& document)
 {
+    const bool isNew = !ArePlaced && document.GetPath().IsEmpty();
     if (!ArePlaced)
         PlaceWindows(document);
+    if (isNew && Places != nullptr) {
+        BeginInGraph();
+        return;
+    }
     ParticleWindow->Show();
     ParticleWindow->BringToTop();
+}
+
+// A new effect has nothing to show yet: the next keys are for its graph, wherever the ones before went, and
+// where there is no room beside it, it is the graph that is in front.
+void TDocumentWindows::BeginInGraph()
+{
+    ParticleWindow->ShowWithoutKeys();
+    Frame->BringToTop();
+    Windows[0]->GetGraph().SetFocus();
+    if (!IsDisplayBesideGraph())
+        TellStatus("The effect's display is behind this window: Show Particle Display in the Tools menu");
 }
 
 // Before they are first seen. A new effect's view has its place in the cascade.

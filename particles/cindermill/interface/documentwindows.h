@@ -85,6 +85,7 @@ private:
     bool AddView(TDocument& document);
     void RefreshStrips();
     void PlaceWindows(TDocument& document);
+    void BeginInGraph();
     void PlaceDisplay();
     TDocWindow& GetActiveView() const;
     bool IsDisplayBesideGraph() const;

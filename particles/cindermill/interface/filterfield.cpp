@@ -11,9 +11,36 @@ constexpr TGDIColour Ink = 0x202020;
 constexpr TGDIColour Faint = 0x8A8F94;
 constexpr TGDIColour Edge = 0x9AA0A6;
 constexpr TGDIColour FocusEdge = 0xD4691E;
+constexpr TGDIColour MarkColour = 0xB4D5FE;
 constexpr int Inset = 7;
 constexpr int TextTop = 5;
 constexpr int LongestText = 100;
+
+bool IsPrintable(char c)
+{
+    return static_cast<unsigned char>(c) >= 32 && c != 127;
+}
+
+bool IsInsideCharacter(char c)
+{
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
+// As UTF-8, with a zero at its end.
+void EncodeCharacter(uint32_t character, char* text)
+{
+    constexpr uint32_t FirstOfLength[] = {0, 0x80, 0x800, 0x10000};
+    constexpr uint32_t Marks[] = {0, 0xC0, 0xE0, 0xF0};
+    int more = 3;
+    while (character < FirstOfLength[more])
+        --more;
+    text[more + 1] = 0;
+    for (int i = more; i > 0; --i) {
+        text[i] = static_cast<char>(0x80 | (character & 0x3F));
+        character >>= 6;
+    }
+    text[0] = static_cast<char>(Marks[more] | character);
+}
 
 } // namespace
 
@@ -21,24 +48,48 @@ bool TFilterField::Erase(bool word)
 {
     if (Text.IsEmpty())
         return false;
-    int length = Text.Length() - 1;
-    while (word && length > 0 && Text.Print()[length - 1] != ' ')
+    int length = IsMarked ? 0 : Text.Length() - 1;
+    while (length > 0 && (IsInsideCharacter(Text.Print()[length]) ||
+                          (word && !IsMarked && Text.Print()[length - 1] != ' ')))
         --length;
     TString left;
     left.Left(Text.Print(), length);
-    Text = left;
+    SetText(left.Print());
     return true;
 }
 
-// Of several lines the first.
+// Of several lines the first. What has no room is cut where a character ends.
 bool TFilterField::Add(const char* text)
 {
-    const int before = Text.Length();
-    for (; *text >= 32 && *text < 127 && Text.Length() < LongestText; ++text) {
-        const char letter[] = {*text, 0};
-        Text += letter;
+    int length = 0;
+    while (IsPrintable(text[length]) && length < LongestText)
+        ++length;
+    const int room = LongestText - (IsMarked ? 0 : Text.Length());
+    length = length < room ? length : room;
+    while (length > 0 && IsInsideCharacter(text[length]))
+        --length;
+    if (length <= 0)
+        return false;
+    TString added;
+    added.Left(text, length);
+    if (IsMarked)
+        SetText("");
+    Text += added.Print();
+    return true;
+}
+
+bool TFilterField::OnCtrlKey(int key)
+{
+    TString pasted;
+    switch (key) {
+    case 'A':
+        IsMarked = !Text.IsEmpty();
+        return true;
+    case 'V':
+        return GetClipboardText(pasted) && Add(pasted.Print());
+    default:
+        return false;
     }
-    return Text.Length() != before;
 }
 
 bool TFilterField::OnMessage(const TMessage& message)
@@ -46,13 +97,14 @@ bool TFilterField::OnMessage(const TMessage& message)
     const bool ctrl = (message.KeyFlags & KF_CTRL) != 0;
     if (message.Type == MT_KEYDOWN && message.Key == KEY_BACKSPACE)
         return Erase(ctrl);
-    if (message.Type == MT_KEYDOWN && message.Key == 'V' && ctrl) {
-        TString pasted;
-        return GetClipboardText(pasted) && Add(pasted.Print());
-    }
-    if (message.Type != MT_CHAR || message.Character >= 127)
+    if (message.Type == MT_KEYDOWN && message.Key == KEY_DELETE)
+        return IsMarked && Erase(false);
+    if (message.Type == MT_KEYDOWN && ctrl)
+        return OnCtrlKey(message.Key);
+    if (message.Type != MT_CHAR)
         return false;
-    const char letter[] = {static_cast<char>(message.Character), 0};
+    char letter[5];
+    EncodeCharacter(message.Character, letter);
     return Add(letter);
 }
 
@@ -71,6 +123,11 @@ void TFilterField::Paint(TGDIContext& context, int left, int top, int right, con
     const int room = right - left - 2 * Inset;
     const int shift = width > room ? width - room : 0;
     context.SetClip(left + 2, top + 1, right - 2, top + Height - 1);
+    if (IsMarked && focused) {
+        context.SetNoPen();
+        context.SetBrush(MarkColour);
+        context.Rectangle(left + Inset - shift, top + 4, left + Inset - shift + width, top + Height - 4);
+    }
     context.SetTextColour(isEmpty ? Faint : Ink);
     context.TextOut(left + Inset - shift, top + TextTop, isEmpty ? hint : Text.Print());
     if (focused) {

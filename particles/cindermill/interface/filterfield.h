@@ -12,9 +12,14 @@ class TFilterField
 public:
     static constexpr int Height = 24;
 
-    void SetText(const char* text) { Text = text; }
+    void SetText(const char* text)
+    {
+        Text = text;
+        IsMarked = false;
+    }
     const TString& GetText() const { return Text; }
-    // Characters, Backspace (with Ctrl a word), and Ctrl+V. True if the text is another now.
+    // Characters, Backspace (with Ctrl a word), Ctrl+V, and Ctrl+A, after which what comes next takes the
+    // place of the whole text. True if it is to be drawn and used anew.
     bool OnMessage(const TMessage& message);
     // The hint stands there while nothing is typed.
     void Paint(TGDIContext& context, int left, int top, int right, const char* hint, bool focused) const;
@@ -22,6 +27,9 @@ public:
 private:
     bool Erase(bool word);
     bool Add(const char* text);
+    bool OnCtrlKey(int key);
 
     TString Text;
+    // All of it.
+    bool IsMarked = false;
 };

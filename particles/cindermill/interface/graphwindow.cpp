@@ -186,6 +186,10 @@ bool TGraphWindow::OnEditShortcut(int code)
         if (CanEdit() && document.CanRedo())
             document.Redo();
         return true;
+    case 'A' | SM_CTRL:
+        if (ramp == nullptr || !IsFocusHere(*ramp))
+            SelectAll();
+        return true;
     case 'F' | SM_CTRL:
         DocWindow->FocusSelected(false);
         return true;
@@ -525,6 +529,20 @@ void TGraphWindow::SelectInBox()
         if (object != nullptr && !node->IsSelected() && object->OverlapsBox(min, max))
             document.SelectNode(node, false);
     }
+}
+
+void TGraphWindow::SelectAll()
+{
+    TDocument& document = GetDocument();
+    const TEffectGraph& graph = *document.GetGraph();
+    if (!CanEdit())
+        return;
+    for (int i = 0; i < graph.GetNumNodes(); ++i) {
+        TToolNode* node = static_cast<TToolNode*>(graph.GetNode(i));
+        if (!node->IsSelected())
+            document.SelectNode(node, false);
+    }
+    DocWindow->GetWindows().RedrawGraphs();
 }
 
 bool TGraphWindow::CancelDrag()

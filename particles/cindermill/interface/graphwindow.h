@@ -113,6 +113,7 @@ private:
     void BeginBox(double x, double y);
     void EndBox();
     void SelectInBox();
+    void SelectAll();
 
     TDocWindow* DocWindow = nullptr;
     TRenderer Renderer;

@@ -109,7 +109,10 @@ void TSearchPopup::SetText(const char* text)
 void TSearchPopup::Mark(int match)
 {
     const int last = List.GetNumMatches() - 1;
-    Marked = match > last ? last : match < 0 && last >= 0 ? 0 : match;
+    Marked = match < 0 ? 0 : match;
+    // Before the first where there is none.
+    if (Marked > last)
+        Marked = last;
     if (Marked >= 0 && Marked < FirstRow)
         FirstRow = Marked;
     else if (Marked >= FirstRow + MaxRows)

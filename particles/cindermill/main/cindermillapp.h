@@ -159,6 +159,7 @@ private:
     void DeleteDocument(TDocument* document);
     bool ChooseEffect(bool open, const char* title, const char* directory, TString& path);
     bool ChooseSavePlace(const TDocument& document, TString& path);
+    bool ChooseExportPlace(const TDocument& document, TString& path);
     // The line that was told.
     TString TellWritten(const char* what, const char* path);
     bool MakeWritable(const char* path, const char* purpose);
@@ -186,4 +187,6 @@ private:
     TSampleEffects Samples;
     // The last one that a person chose. Until then, effects to open are looked for among the samples.
     TString ChosenEffect;
+    // Likewise.
+    TString ChosenExport;
 };

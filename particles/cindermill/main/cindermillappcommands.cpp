@@ -268,11 +268,28 @@ bool TCindermillApp::ChooseSavePlace(const TDocument& document, TString& path)
 {
     TString own;
     const bool isSample = Samples.IsProtected(document.GetPath());
-    if (isSample)
-        path.SetFileName(document.GetPath());
+    path.SetFileName(document.GetPath());
     if (isSample || Samples.Holds(ChosenEffect))
         Samples.GetOwnFolder(Settings.GetRecentFiles(), own);
     return ChooseEffect(false, "Select save path", own, path);
+}
+
+// Under the effect's name, and the first time beside it, where that is a person's own place.
+bool TCindermillApp::ChooseExportPlace(const TDocument& document, TString& path)
+{
+    TString own;
+    if (ChosenExport.IsEmpty() && Samples.IsProtected(document.GetPath()))
+        Samples.GetOwnFolder(Settings.GetRecentFiles(), own);
+    else if (ChosenExport.IsEmpty())
+        own.SetDirectory(document.GetPath());
+    path.SetFileName(document.GetPath());
+    path.TruncateAtLast('.');
+    if (!path.IsEmpty())
+        path += ".efx";
+    if (!Host->ChooseSavePath("Select export path", MakeFilters("*.efx"), own, path))
+        return false;
+    ChosenExport = path;
+    return true;
 }
 
 // With the time, as the line may be read later.
@@ -408,7 +425,7 @@ void TCindermillApp::ExportActive()
     if (!document->EnsureSchedule())
         return;
     TString path;
-    if (!Host->ChooseSavePath("Select export path", MakeFilters("*.efx"), nullptr, path))
+    if (!ChooseExportPlace(*document, path))
         return;
     AddMissingExtension(path, ".efx");
     if (IsOpenEffect(path) || !ConfirmOverwrite(path) || !MakeWritable(path, "export"))

@@ -16,6 +16,15 @@ bool IsEffect(const TDirectoryEntry& entry)
 
 } // namespace
 
+void TSampleEffects::GetFolderBeside(const char* leaf, TString& folder) const
+{
+    folder = Folder;
+    folder += "\\";
+    folder += leaf;
+    if (Folder.IsEmpty() || !IsDirectory(folder))
+        folder = nullptr;
+}
+
 void TSampleEffects::List(vector<TString>& effects) const
 {
     vector<TDirectoryEntry> entries;

@@ -11,6 +11,8 @@ public:
     // The folder that they lie in, with its pictures below it; null or empty where there is none.
     void SetFolder(const char* folder) { Folder = folder; }
     const TString& GetFolder() const { return Folder; }
+    // One of the folders in which the examples have their files; empty if there is none of that name.
+    void GetFolderBeside(const char* leaf, TString& folder) const;
     // Paths, in the order of their names.
     void List(vector<TString>& effects) const;
     // The file of an effect's picture, whether or not it is there.

@@ -1,11 +1,11 @@
 #include "particles/cindermill/interface/controls/animationparametercontrols.h"
 
 #include "library/system/path.h"
-#include "library/wimp/filechooser.h"
 #include "particles/cindermill/graph/operations/animflagsparamop.h"
 #include "particles/cindermill/graph/operations/gesture.h"
 #include "particles/cindermill/graph/operations/nameparamop.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/interface/controls/filefolder.h"
 #include "particles/cindermill/main/animation/animation.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
@@ -104,11 +104,9 @@ void TNodeAnimationParameterControls::Choose()
 {
     vector<TFileFilter> filters;
     filters.push_back(TFileFilter{"*.vori", "*.vori"});
-    // The next file mostly lies beside the one before.
     TString path;
     TString directory;
-    if (GetLocator().FindKnown(GetAnimation().GetFileName(), path))
-        directory.SetDirectory(path);
+    GetFileFolder(GetAnimation().GetFileName(), filters, "animations", directory);
     if (OpenFileChooser("Select animation to load", filters, directory, path))
         TakeFile(path);
 }

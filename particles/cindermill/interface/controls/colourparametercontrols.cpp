@@ -90,17 +90,19 @@ bool TNodeColourParameterControls::HasApplied(int drag) const
            static_cast<TColourParamOp*>(last)->GetDrag() == drag;
 }
 
-// A drag that was held still for long makes several operations.
+// A drag that was held still for long makes several operations. None of them joins what was done before it,
+// which could not be told from it when the drag is taken back.
 void TNodeColourParameterControls::Apply(const float* rgba, int drag)
 {
     if (AreSame(rgba, GetColour().GetFloats()))
         return;
     TOperation* change = new TColourParamOp(&GetColour(), rgba, drag);
-    if (!HasApplied(drag)) {
+    if (drag == 0) {
         Document->ApplyOperation(change);
         return;
     }
-    const TGesture gesture(*Document->GetOperationStack(), TGesture::CONTINUED);
+    const TGesture gesture(*Document->GetOperationStack(),
+                           HasApplied(drag) ? TGesture::CONTINUED : TGesture::NEW);
     Document->ApplyOperation(change);
 }
 

@@ -3,9 +3,9 @@
 #include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
-#include "library/wimp/filechooser.h"
 #include "particles/cindermill/graph/operations/nameparamop.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/interface/controls/filefolder.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
@@ -114,11 +114,9 @@ void TNodeTextureParameterControls::Choose()
 {
     vector<TFileFilter> filters;
     filters.push_back(TFileFilter{"KZ5 textures (*.dds;*.hvt)", "*.dds;*.hvt"});
-    // The next file mostly lies beside the one before.
     TString path;
     TString directory;
-    if (GetLocator().FindKnown(GetTexture().GetFileName(), path))
-        directory.SetDirectory(path);
+    GetFileFolder(GetTexture().GetFileName(), filters, "textures", directory);
     if (OpenFileChooser("Select texture to load", filters, directory, path))
         TakeFile(path);
 }

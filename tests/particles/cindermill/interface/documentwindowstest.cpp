@@ -289,6 +289,50 @@ TEST_F(DocumentWindows, DisplaysOfOneTitleHaveNumbersAsLongAsThereAreSeveral)
     EXPECT_EQ(DisplayTitle(fourth), "Effect Display - [doc]");
 }
 
+// Whoever looks for the display is told where it is.
+TEST_F(DocumentWindows, TheGraphOfANewDocumentHasTheKeysAlsoWhereItsDisplayHasNoRoom)
+{
+    TWindowPlaces places(nullptr);
+    Host.Places = &places;
+    TWindowArea room;
+    Frame.GetScreenArea(room);
+    const int width = room.Right - room.Left;
+    // Too little at both sides of the view.
+    Frame.MoveTo(room.Left + (width - 1150) / 2, 0, 1400, 1000);
+    TDocument* document = NewDocument();
+    ASSERT_NE(document, nullptr);
+    EXPECT_TRUE(WaitFor([&] { return GraphOf(*document).HasFocus(); }));
+    EXPECT_TRUE(Frame.GetHandle()->window()->isActiveWindow());
+    EXPECT_TRUE(WindowsOf(*document).GetParticleWindow()->IsShown());
+    EXPECT_TRUE(Frame.IsLastNote(
+        "The effect's display is behind this window: Show Particle Display in the Tools menu"));
+    App.Get().CloseDocument(document);
+    Host.Places = nullptr;
+}
+
+// Its display has nothing to show yet, and the graph asks for keys.
+TEST_F(DocumentWindows, TheGraphOfANewDocumentHasTheKeysAndNotTheDisplayBesideIt)
+{
+    TWindowPlaces places(nullptr);
+    Host.Places = &places;
+    Frame.MoveTo(0, 0, 1400, 1000);
+    TDocument* first = NewDocument();
+    ASSERT_NE(first, nullptr);
+    EXPECT_TRUE(WaitFor([&] { return GraphOf(*first).HasFocus(); }));
+    TParticleWindow& display = *WindowsOf(*first).GetParticleWindow();
+    EXPECT_TRUE(display.IsShown());
+    // Also where a display had them before.
+    display.BringToTop();
+    ASSERT_TRUE(WaitFor([&] { return display.GetHandle()->window()->isActiveWindow(); }));
+    TDocument* second = NewDocument();
+    ASSERT_NE(second, nullptr);
+    EXPECT_TRUE(WaitFor([&] { return GraphOf(*second).HasFocus(); }));
+    EXPECT_TRUE(Frame.GetHandle()->window()->isActiveWindow());
+    App.Get().CloseDocument(second);
+    App.Get().CloseDocument(first);
+    Host.Places = nullptr;
+}
+
 TEST_F(DocumentWindows, ADisplayThatComesBackStaysInFrontAsTheFirstTime)
 {
     TWindowPlaces places(nullptr);

@@ -208,6 +208,36 @@ TEST_F(GraphSearch, ANodeIsFoundByNameAndShown)
     EXPECT_EQ(NumUndoSteps(), steps);
 }
 
+TEST_F(GraphSearch, WhereNothingIsFoundNoKeyMarksOrChoosesAnything)
+{
+    Key(Graph(), Qt::Key_Tab);
+    TypeText("zzzz");
+    ASSERT_EQ(Search().GetList().GetNumMatches(), 0);
+    const int nodes = Document->GetGraph()->GetNumNodes();
+    for (const int key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home,
+                          Qt::Key_End, Qt::Key_Tab, Qt::Key_Return}) {
+        Key(Search(), key);
+        EXPECT_EQ(Search().GetMarked(), -1) << key;
+        // It is drawn, too.
+        Settle();
+    }
+    EXPECT_TRUE(Search().IsOpen());
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), nodes);
+}
+
+TEST_F(GraphSearch, ANodeIsFoundByANameInAnyLetters)
+{
+    TToolNode* node = AddNode(*Document, "Turbulence", 9000, 9000);
+    node->GetNodeType()->Name = "H\xC3\xB6he";
+    Key(Graph(), Qt::Key_G, Qt::ControlModifier);
+    for (const char* letter : {"h", "\xC3\xB6"})
+        Type(Search(), Qt::Key_unknown, QString::fromUtf8(letter), Qt::NoModifier);
+    EXPECT_EQ(MarkedName(), "H\xC3\xB6he");
+    EXPECT_EQ(Search().GetList().GetNumMatches(), 1);
+    Key(Search(), Qt::Key_Return);
+    EXPECT_TRUE(IsSelected(node));
+}
+
 TEST_F(GraphSearch, WhatIsTypedIsNoCommandOfTheGraph)
 {
     HoverAt(QPoint(500, 300));

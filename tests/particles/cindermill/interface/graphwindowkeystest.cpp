@@ -24,6 +24,23 @@ TEST_F(GraphWindow, ShortcutsCopyCutAndPaste)
     EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
 }
 
+TEST_F(GraphWindow, CtrlATakesAllNodesButNotWhileOneIsDragged)
+{
+    const int steps = Document->GetOperationStack()->GetNumOperations();
+    Key(Graph(), Qt::Key_A, Qt::ControlModifier);
+    ASSERT_EQ(Document->GetSelection().size(), 2);
+    Key(Graph(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetSelection().size(), 2);
+    EXPECT_EQ(Document->GetOperationStack()->GetNumOperations(), steps);
+    Document->ClearSelection();
+    const QPoint at = MiddleOf(*Document, First);
+    Press(Graph(), at);
+    Move(Graph(), at + QPoint(40, 0));
+    Key(Graph(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetSelection().size(), 1);
+    Release(Graph(), at + QPoint(40, 0));
+}
+
 TEST_F(GraphWindow, DeleteOfTheMenuIsTheKeyInTheView)
 {
     const int steps = Document->GetOperationStack()->GetNumOperations();
@@ -111,7 +128,7 @@ TEST_F(GraphWindow, PrintableKeysLeaveTheGraphAlone)
     };
     const TShortcut told[] = {{Qt::NoModifier, " "},
                               {Qt::ShiftModifier, " "},
-                              {Qt::ControlModifier, "ZYSONCVXFGDBETM"},
+                              {Qt::ControlModifier, "ZYSONCVXAFGDBETM"},
                               {Qt::ControlModifier | Qt::ShiftModifier, "SFAD"}};
     const Qt::KeyboardModifiers with[] = {Qt::NoModifier,      Qt::ShiftModifier,
                                           Qt::ControlModifier, Qt::ControlModifier | Qt::ShiftModifier,

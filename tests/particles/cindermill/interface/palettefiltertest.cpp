@@ -48,6 +48,37 @@ TEST_F(PaletteFilter, WhatIsTypedIntoThePaletteLeavesWhatItFinds)
     EXPECT_EQ(Types().size(), all);
 }
 
+TEST_F(PaletteFilter, LettersOfAnyScriptAreTypedAndErasedWhole)
+{
+    for (const char* letter : {"h", "\xC3\xB6", "\xE6\x97\xA5", "\xF0\x9F\x94\xA5"})
+        Type(Tool(), Qt::Key_unknown, QString::fromUtf8(letter), Qt::NoModifier);
+    EXPECT_EQ(Text(Tool().GetFilter()), "h\xC3\xB6\xE6\x97\xA5\xF0\x9F\x94\xA5");
+    for (const char* left : {"h\xC3\xB6\xE6\x97\xA5", "h\xC3\xB6", "h", ""}) {
+        Key(Tool(), Qt::Key_Backspace);
+        EXPECT_EQ(Text(Tool().GetFilter()), left);
+    }
+}
+
+TEST_F(PaletteFilter, AfterCtrlAWhatIsTypedOrErasedStandsForAllOfIt)
+{
+    TypeText("noi");
+    Key(Tool(), Qt::Key_Delete);
+    EXPECT_EQ(Text(Tool().GetFilter()), "noi");
+    Key(Tool(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(Text(Tool().GetFilter()), "noi");
+    TypeText("da");
+    EXPECT_EQ(Text(Tool().GetFilter()), "da");
+    for (const int key : {Qt::Key_Delete, Qt::Key_Backspace}) {
+        TypeText("mp");
+        Key(Tool(), Qt::Key_A, Qt::ControlModifier);
+        Key(Tool(), key);
+        EXPECT_EQ(Text(Tool().GetFilter()), "");
+    }
+    Key(Tool(), Qt::Key_A, Qt::ControlModifier);
+    TypeText("noi");
+    EXPECT_EQ(Text(Tool().GetFilter()), "noi");
+}
+
 TEST_F(PaletteFilter, WhatIsFoldedShowsItsFindsAndIsFoldedAfterwards)
 {
     const TPaletteRow category = Tool().GetPalette().GetRows()[0];

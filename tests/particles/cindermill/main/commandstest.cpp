@@ -287,12 +287,13 @@ TEST_F(Commands, ExportAsksLikeSaveAndAddsNoRecentEntry)
     for (const auto& entry : std::filesystem::directory_iterator(SourcePath("samples")))
         if (entry.path().extension() == ".effect")
             sample = entry.path().string();
+    App.Get().GetSamples().SetFolder(nullptr);
     ASSERT_TRUE(App.Get().OpenDocument(sample.c_str()));
     Activate(Newest());
     Shown = TShown();
     Host.Taken();
     App.Get().ExportActive();
-    EXPECT_EQ(Host.Taken(), TNames{SaveEfx});
+    EXPECT_EQ(Host.Taken(), TNames{SaveEfx + (" in " + SourcePath("samples"))});
     Host.Choice = Path("out");
     App.Get().ExportActive();
     ASSERT_TRUE(FileExists(Path("out.efx").c_str()));

@@ -146,6 +146,57 @@ TEST_F(SampleEffects, TheyAreListedByNameWithTheirPictures)
     EXPECT_EQ(Kept(Text(picture)), Kept(Path("share/samples/pictures/comet.png")));
 }
 
+TEST_F(SampleEffects, TheFilesOfTheSamplesLieInFoldersBesideThem)
+{
+    std::filesystem::create_directories(Path("share/samples/textures"));
+    TString folder;
+    App.Get().GetSamples().GetFolderBeside("textures", folder);
+    EXPECT_EQ(Kept(Text(folder)), Kept(Path("share/samples/textures")));
+    App.Get().GetSamples().GetFolderBeside("animations", folder);
+    EXPECT_TRUE(folder.IsEmpty());
+    App.Get().GetSamples().SetFolder(nullptr);
+    App.Get().GetSamples().GetFolderBeside("textures", folder);
+    EXPECT_TRUE(folder.IsEmpty());
+}
+
+TEST_F(SampleEffects, ItsExportIsNotOfferedAPlaceAmongThem)
+{
+    std::filesystem::copy_file(SourcePath("samples/fountain.effect"), Path("share/samples/fountain.effect"));
+    App.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples").c_str());
+    OpenSample(Path("share/samples/fountain.effect"));
+    App.Get().ExportActive();
+    EXPECT_EQ(Host.Taken(), TNames{SaveEfx + (" in " + Path("home"))});
+    EXPECT_EQ(Host.Offered, "fountain.efx");
+}
+
+TEST_F(Commands, AnExportIsOfferedTheNameOfItsEffectAndTheFirstOneThePlaceToo)
+{
+    std::filesystem::create_directories(Path("work"));
+    std::filesystem::copy_file(SourcePath("samples/fountain.effect"), Path("work/fire.big.effect"));
+    ASSERT_TRUE(App.Get().OpenDocument(Path("work/fire.big.effect").c_str()));
+    Activate(Newest());
+    Host.Taken();
+    Host.Choice = Path("out");
+    App.Get().ExportActive();
+    EXPECT_EQ(Host.Taken(), TNames{SaveEfx + (" in " + Path("work"))});
+    EXPECT_EQ(Host.Offered, "fire.big.efx");
+    // From then on the chooser remembers.
+    App.Get().ExportActive();
+    EXPECT_EQ(Host.Taken(), TNames{SaveEfx});
+    EXPECT_EQ(Host.Offered, "fire.big.efx");
+}
+
+TEST_F(Commands, SaveAsBeginsWithTheNameThatTheEffectHas)
+{
+    New();
+    App.Get().SaveActiveAs();
+    EXPECT_EQ(Host.Offered, "");
+    ASSERT_TRUE(App.Get().OpenDocument(EffectFile("fire.effect").c_str()));
+    Activate(Newest());
+    App.Get().SaveActiveAs();
+    EXPECT_EQ(Host.Offered, "fire.effect");
+}
+
 TEST_F(Commands, WhatIsExportedIsTold)
 {
     ASSERT_TRUE(App.Get().OpenDocument(SourcePath("samples/fountain.effect").c_str()));

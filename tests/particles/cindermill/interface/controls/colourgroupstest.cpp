@@ -148,6 +148,25 @@ TEST_F(ColourGroup, EscapeTakesADragOutOfTheHistory)
     EXPECT_EQ(Tint(), Default);
 }
 
+// However soon it follows, and whatever it changes.
+TEST_F(ColourGroup, EscapeTakesBackOneDragAndNotTheOneBefore)
+{
+    Fold();
+    Press(Place(PA_STRIP, 0.5f, 0.6f));
+    Release(Place(PA_STRIP, 0.5f, 0.6f));
+    const TFloats first = Tint();
+    ASSERT_NE(first, Default);
+    Press(Place(PA_STRIP, 0.5f, 0.7f));
+    Drag(Place(PA_STRIP, 0.5f, 0.8f));
+    ASSERT_NE(Tint(), first);
+    Key(KEY_ESCAPE);
+    EXPECT_EQ(Tint(), first);
+    EXPECT_EQ(SwatchColour(), first);
+    EXPECT_EQ(TFloats(Picker().GetColour(), Picker().GetColour() + 4), first);
+    Document.Undo();
+    EXPECT_EQ(Tint(), Default);
+}
+
 TEST_F(ColourGroup, EscapeBeforeAnythingChangedLeavesTheHistory)
 {
     Fold();

@@ -50,6 +50,7 @@ protected:
         SetOpenFileChooser(&Choose);
         SetMessageForms([](const char* text) { TAnswers::Get().Told.push_back(text); }, nullptr);
         SetMode(RM_FULLPATH);
+        App.Get().GetSamples().SetFolder(nullptr);
     }
     ~FileGroups() override
     {
@@ -168,6 +169,16 @@ TEST_F(TextureGroup, TheButtonOpensTheChooser)
     EXPECT_EQ(TAnswers::Get().Asked, TTexts{"Select texture to load|KZ5 textures (*.dds;*.hvt)|*.dds;*.hvt"});
     EXPECT_EQ(NumOps(), 0);
     EXPECT_EQ(Told(), TTexts{});
+}
+
+TEST_F(TextureGroup, TheFirstChooserStartsAmongTheTexturesOfTheSamples)
+{
+    App.Get().GetSamples().SetFolder(SourcePath("samples").c_str());
+    Pick("");
+    ASSERT_EQ(TAnswers::Get().Asked.size(), 1u);
+    EXPECT_EQ(Kept(TAnswers::Get().Asked[0]),
+              "Select texture to load|KZ5 textures (*.dds;*.hvt)|*.dds;*.hvt in " +
+                  Kept(SourcePath("samples/textures")));
 }
 
 TEST_F(TextureGroup, TheChooserStartsWhereTheFileLies)
@@ -376,6 +387,15 @@ TEST_F(AnimationGroup, TheButtonOpensTheChooser)
     Pick("");
     EXPECT_EQ(TAnswers::Get().Asked, TTexts{"Select animation to load|*.vori|*.vori"});
     EXPECT_EQ(NumOps(), 0);
+}
+
+TEST_F(AnimationGroup, TheFirstChooserStartsAmongTheAnimationsOfTheSamples)
+{
+    App.Get().GetSamples().SetFolder(SourcePath("samples").c_str());
+    Pick("");
+    ASSERT_EQ(TAnswers::Get().Asked.size(), 1u);
+    EXPECT_EQ(Kept(TAnswers::Get().Asked[0]),
+              "Select animation to load|*.vori|*.vori in " + Kept(SourcePath("samples/animations")));
 }
 
 TEST_F(AnimationGroup, TheChooserStartsWhereTheFileLies)
