@@ -113,3 +113,24 @@ TEST_F(PreviewTransport, GroupsOfOneNameAreToldApartInANarrowBudget)
             << width;
     }
 }
+
+TEST_F(PreviewTransport, TheKeysOfThePreviewWorkWhereverTheFocusIsButInTheTime)
+{
+    ASSERT_TRUE(Window.OnPreviewCommand(PC_BUDGET));
+    const auto getEye = [this] { return Window.GetRenderWindow().GetCamera().GetPlace(); };
+    const TCameraPlace first = getEye();
+    for (const char* name : {"cindermill_particlewindow_render", "cindermill_particlewindow_seek",
+                             "cindermill_particlewindow_budget", "update"}) {
+        QWidget* widget = Find(name);
+        widget->setFocus();
+        QTest::keyClick(widget, Qt::Key_F4);
+        EXPECT_GT(getEye().Pitch, 1.5f) << name;
+        QTest::keyClick(widget, Qt::Key_R);
+        EXPECT_EQ(getEye().Pitch, first.Pitch) << name;
+        EXPECT_EQ(getEye().Yaw, first.Yaw) << name;
+    }
+    QLineEdit* field = Find<QLineEdit>("time");
+    QTest::keyClick(field, Qt::Key_F4);
+    QTest::keyClick(field, Qt::Key_R);
+    EXPECT_GT(getEye().Pitch, 1.5f) << "a letter that is typed";
+}
