@@ -18,6 +18,7 @@
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QStyleFactory>
 
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 
@@ -87,6 +88,8 @@ bool TWimp::Init(int& argc, char** argv)
     const QtMessageHandler before = qInstallMessageHandler(OnStartMessage);
     QApplication* application = new QApplication(argc, argv);
     qInstallMessageHandler(before);
+    // The window system has taken over the user's own way of writing numbers. Files are not in that.
+    setlocale(LC_NUMERIC, "C");
     QApplication::setQuitOnLastWindowClosed(false);
     const QPalette found = QApplication::palette();
     QApplication::setStyle(new TFocusStyle(QStyleFactory::create(QStringLiteral("Fusion"))));

@@ -35,7 +35,8 @@ public:
     TMouseDrag& operator=(const TMouseDrag&) = delete;
     // Pixels of the drag's window; TMouseButton bits.
     virtual void OnMouseMove(double x, double y, int buttons) = 0;
-    // A dialog or a menu has taken the mouse away, or the window goes. The release may never be heard of.
+    // A dialog or a menu has taken the mouse away, another window has come to the front, or the drag's own is
+    // hidden or goes. The release may never be heard of.
     virtual void OnCaptureLost() {}
     // The window that the drag runs in, null while it does not run.
     TWindow* GetDragWindow() const { return DragWindow; }

@@ -412,7 +412,7 @@ bool TWindowPeer::HandleEvent(QEvent* event)
     // A release may go to the window that is in front now.
     case QEvent::WindowDeactivate:
     case QEvent::Hide:
-        Window->LoseOwnCapture();
+        LoseMouse();
         return false;
     case QEvent::Leave:
         message.Type = MT_MOUSELEAVE;
@@ -545,6 +545,15 @@ void TWindowPeer::SendMouse(TMessageType type, const QMouseEvent& event)
     message.Buttons = ToButtons(event.buttons());
     message.KeyFlags = ToKeyFlags(event.modifiers());
     Send(message);
+}
+
+void TWindowPeer::LoseMouse()
+{
+    const QPointer<TWindowPeer> self(this);
+    TEventScope scope;
+    TWimp::Get().LoseMouseDragIn(*Window);
+    if (self != nullptr && Window != nullptr)
+        Window->LoseOwnCapture();
 }
 
 // A press anywhere inside brings a document window to the front.

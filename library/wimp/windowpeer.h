@@ -59,6 +59,7 @@ public:
     int ScrollLine = 1;
 
 private:
+    void LoseMouse();
     void ActivateDocument();
     void SendSize();
     void PaintBehindGl(QPainter& painter) const;

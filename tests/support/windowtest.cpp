@@ -94,8 +94,12 @@ void TWindowTest::SetUpTestSuite()
     static int count = 1;
     static char program[] = "test";
     static char* arguments[] = {program, nullptr};
-    if (!TWimp::Get().IsInited())
+    if (!TWimp::Get().IsInited()) {
         BeforeStart = AssertionOf([] { TWimp::Get().GetInstance(); });
+        // By another name than the plain one, so that it can be told whether the window system has taken it
+        // over.
+        setenv("LC_ALL", "C.UTF-8", 1);
+    }
     ASSERT_TRUE(TWimp::Get().Init(count, arguments));
 }
 

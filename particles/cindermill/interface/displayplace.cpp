@@ -4,8 +4,13 @@ namespace {
 
 // Less is no display to work with.
 constexpr int LeastWidth = 400;
-constexpr int LeastHeight = 100;
+constexpr int LeastHeight = 300;
 constexpr int Step = 24;
+// What the views of the next documents stand further aside than this one's: the display is in front of them
+// too.
+constexpr int Aside = 48;
+// Of a display with its frame, which is not known before it is shown.
+constexpr int FrameHeight = 40;
 
 int GetWidth(const TWindowArea& area)
 {
@@ -31,6 +36,37 @@ bool FitBetween(TWindowArea& area, int left, int right, bool atLeft)
     return true;
 }
 
+// A display that stands there already leaves the graph in sight, so the next one stands in line with it.
+bool StandInLine(TWindowArea& area, const TWindowArea& graph, const TWindowArea& room,
+                 const vector<TWindowArea>& others)
+{
+    for (const TWindowArea& other : others) {
+        if (other.Left >= graph.Right && other.Left <= graph.Right + Aside &&
+            FitBetween(area, other.Left, room.Right, true))
+            return true;
+        if (other.Right <= graph.Left && other.Right >= graph.Left - Aside &&
+            FitBetween(area, room.Left, other.Right, false))
+            return true;
+    }
+    return false;
+}
+
+bool FitBeside(TWindowArea& area, const TWindowArea& graph, const TWindowArea& room)
+{
+    return FitBetween(area, graph.Right + Aside, room.Right, true) ||
+           FitBetween(area, graph.Right, room.Right, true) || FitBetween(area, room.Left, graph.Left, false);
+}
+
+// The transport is at its bottom.
+void EndWithin(TWindowArea& area, const TWindowArea& room)
+{
+    const int bottom = room.Bottom - FrameHeight;
+    if (area.Bottom <= bottom)
+        return;
+    const int least = area.Top + LeastHeight;
+    area.Bottom = bottom > least ? bottom : least;
+}
+
 bool HasSameCorner(const TWindowArea& area, const vector<TWindowArea>& others)
 {
     for (const TWindowArea& other : others)
@@ -50,15 +86,16 @@ TWindowArea FindDisplayPlace(const TWindowArea& meant, const TWindowArea& graph,
                              const vector<TWindowArea>& others)
 {
     TWindowArea place = meant;
-    if (DoAreasOverlap(place, graph) && !FitBetween(place, graph.Right, room.Right, true))
-        FitBetween(place, room.Left, graph.Left, false);
+    if (DoAreasOverlap(place, graph) && !StandInLine(place, graph, room, others))
+        FitBeside(place, graph, room);
     // Down, so that its title is seen, and aside only where that hides no more of the graph.
     const TWindowArea first = place;
     const int aside = DoAreasOverlap(first, graph) ? Step : 0;
     while (HasSameCorner(place, others)) {
         MoveBy(place, aside, Step);
-        if (place.Top + LeastHeight > room.Bottom)
+        if (place.Top + LeastHeight + FrameHeight > room.Bottom)
             return first;
     }
+    EndWithin(place, room);
     return place;
 }

@@ -7,6 +7,7 @@
 #include <QtCore/QTimer>
 
 #include <chrono>
+#include <clocale>
 #include <ctime>
 
 namespace {
@@ -54,6 +55,13 @@ TEST_F(TWimpTest, TheApplicationCanBeSetOnce)
 {
     TIdleCounter app;
     EXPECT_EQ(AssertionOf([&] { TWimp::Get().SetApp(&app); }), "WimpApp == 0");
+}
+
+// Numbers in files, and those that are typed, have a point wherever the user lives.
+TEST_F(TWimpTest, NumbersAreWrittenAlikeInAllLanguages)
+{
+    EXPECT_STREQ(setlocale(LC_CTYPE, nullptr), "C.UTF-8");
+    EXPECT_STREQ(setlocale(LC_NUMERIC, nullptr), "C");
 }
 
 TEST_F(TWimpTest, ADragCanBeSetOnlyWhenNoneRuns)

@@ -119,6 +119,29 @@ TEST_F(TWindowClassTest, ADragIsLostWithItsWindow)
     EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
 }
 
+// The release may go to whatever is there now, and the keys do.
+TEST_F(TWindowClassTest, ADragIsLostWhenAnotherWindowComesToTheFrontOrItsOwnIsHidden)
+{
+    TWindow child;
+    ASSERT_TRUE(MakeChild(child));
+    for (TWindow* window : {static_cast<TWindow*>(&Window), &child})
+        for (const QEvent::Type type : {QEvent::WindowDeactivate, QEvent::Hide}) {
+            TRecordedDrag drag(*window);
+            // What befalls another window is none of its concern.
+            QEvent event(type);
+            QApplication::sendEvent(window == &Window ? child.GetHandle() : Widget(), &event);
+            const bool isConcerned = window == &child && type == QEvent::WindowDeactivate;
+            EXPECT_EQ(drag.NumLosses, isConcerned ? 1 : 0) << type;
+            if (isConcerned)
+                continue;
+            QApplication::sendEvent(window->GetHandle(), &event);
+            EXPECT_EQ(drag.NumLosses, 1) << type;
+            EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
+            EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
+        }
+    child.Destroy();
+}
+
 TEST_F(TWindowClassTest, ADragThatIsDeletedGivesTheMouseBack)
 {
     {

@@ -2,6 +2,8 @@
 
 #include "library/wimp/listwalk.h"
 
+#include <cstring>
+
 namespace {
 
 TWindowClass BudgetClass("cindermill_particlewindow_budget");
@@ -39,18 +41,65 @@ enum TColumnNumber
 constexpr TColumn Columns[CN_NUMCOLUMNS] = {
     {"Alive", 104}, {"Born", 62}, {"Rows", 52}, {"Program", 58}, {"Work", 52}};
 
+// Where there is little room the first ones are left.
+int GetNumColumns(int width)
+{
+    constexpr int leastName = 110;
+    int count = 0;
+    for (int taken = leastName; count < CN_NUMCOLUMNS && taken + Columns[count].Width <= width; ++count)
+        taken += Columns[count].Width;
+    return count;
+}
+
+// The columns are as far to the right as their lines can still be followed.
 int GetColumnLeft(int column, int width)
 {
-    for (int i = column; i < CN_NUMCOLUMNS; ++i)
-        width -= Columns[i].Width;
-    return width;
+    constexpr int most = 720;
+    const int count = GetNumColumns(width);
+    int left = width < most ? width : most;
+    for (int i = column; i < count; ++i)
+        left -= Columns[i].Width;
+    return left;
 }
 
 void PutText(TGDIContext& context, int column, int width, int top, const TString& text)
 {
+    if (column >= GetNumColumns(width))
+        return;
     const int left = column < 0 ? TextLeft : GetColumnLeft(column, width);
-    const int right = column + 1 < CN_NUMCOLUMNS ? GetColumnLeft(column + 1, width) : width;
+    const int right = GetColumnLeft(column + 1, width);
     context.TextOutClipped(left, top + TextTop, right - left - 2, RowHeight - TextTop, text);
+}
+
+int GetRowWidth(const char* text)
+{
+    int width = 0;
+    int height = 0;
+    GetTextExtent(RowFont, text, width, height);
+    return width;
+}
+
+// Groups of one name are told apart by the number at its end, which stays.
+void FitGroupName(const TString& name, int room, TString& shown)
+{
+    const char* text = name.Print();
+    const char* number = strstr(text, " (");
+    if (number == nullptr || GetRowWidth(text) <= room) {
+        FitText(RowFont, text, room, shown);
+        return;
+    }
+    TString start;
+    start.Assign(text, number);
+    FitText(RowFont, start.Print(), room - GetRowWidth(number), shown);
+    shown += number;
+}
+
+void PutGroupName(TGDIContext& context, int width, int top, const TString& name)
+{
+    constexpr int gap = 4;
+    TString shown;
+    FitGroupName(name, GetColumnLeft(0, width) - TextLeft - gap, shown);
+    PutText(context, -1, width, top, shown);
 }
 
 } // namespace
@@ -229,7 +278,7 @@ void TBudgetPanel::PaintGroup(TGDIContext& context, const TGroupBudget& group, i
         context.Rectangle(0, top, width, top + RowHeight);
     }
     context.SetTextColour(TextColour);
-    PutText(context, -1, width, top, group.Name);
+    PutGroupName(context, width, top, group.Name);
     if (group.HasParticles)
         PaintParticles(context, group, width, top);
     PaintCode(context, group, width, top);
@@ -237,11 +286,13 @@ void TBudgetPanel::PaintGroup(TGDIContext& context, const TGroupBudget& group, i
 
 void TBudgetPanel::PaintParticles(TGDIContext& context, const TGroupBudget& group, int width, int top) const
 {
-    PaintAlive(context, group, GetColumnLeft(CN_ALIVE, width), top);
     TString text;
-    text.Format("%d/%d", group.Alive, group.Capacity);
-    context.SetTextColour(group.Alive >= group.Capacity ? OverColour : TextColour);
-    context.TextOut(GetColumnLeft(CN_ALIVE, width) + 4, top + TextTop, text);
+    if (CN_ALIVE < GetNumColumns(width)) {
+        PaintAlive(context, group, GetColumnLeft(CN_ALIVE, width), top);
+        text.Format("%d/%d", group.Alive, group.Capacity);
+        context.SetTextColour(group.Alive >= group.Capacity ? OverColour : TextColour);
+        context.TextOut(GetColumnLeft(CN_ALIVE, width) + 4, top + TextTop, text);
+    }
     text.Format("%d/%d", group.Born, group.MaxBorn);
     context.SetTextColour(group.Born > group.MaxBorn ? OverColour : TextColour);
     PutText(context, CN_BORN, width, top, text);

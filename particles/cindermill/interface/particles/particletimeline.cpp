@@ -24,6 +24,8 @@ constexpr int SpeedWidth = 46;
 constexpr int MenuWidth = 28;
 // What is narrower than that cannot be dragged any more.
 constexpr int MinSeekWidth = 90;
+// From this width of the strip on there is room for all.
+constexpr int RoomyWidth = 600;
 // The bar's end, in seconds.
 constexpr float Ranges[] = {5, 10, 20, 30, 60, 120, 300, 600};
 
@@ -100,30 +102,41 @@ void TParticleTimeline::Layout()
 {
     if (MenuButton.GetHandle() == nullptr)
         return;
+    int width = 0;
+    int stripHeight = 0;
+    GetSize(width, stripHeight);
+    LayoutControls(width, width < RoomyWidth);
+}
+
+// In a narrow strip the bar has what the others can do without.
+void TParticleTimeline::LayoutControls(int width, bool narrow)
+{
     struct TPosition
     {
         TWimpControl* Control;
         int Width;
         int Gap;
     };
-    const TPosition places[] = {{&UpdateButton, 80, 12}, {&TimeLabel, 38, 2},   {&TimeField, 72, 12},
-                                {&StepButton, 28, 2},    {&PauseButton, 28, 2}, {&PlayButton, 28, 0}};
+    const int gap = narrow ? 6 : 12;
+    const TPosition places[] = {{&UpdateButton, narrow ? 60 : 80, gap},
+                                {&TimeLabel, narrow ? 0 : 38, narrow ? 0 : 2},
+                                {&TimeField, narrow ? 62 : 72, gap},
+                                {&StepButton, 28, 2},
+                                {&PauseButton, 28, 2},
+                                {&PlayButton, 28, 0}};
     int x = Margin;
     for (const TPosition& place : places) {
         place.Control->MoveTo(x, Margin, place.Width, ControlHeight);
         x += place.Width + place.Gap;
     }
-    int width = 0;
-    int stripHeight = 0;
-    GetSize(width, stripHeight);
-    LayoutRest(x, width);
+    TimeLabel.Show(!narrow);
+    LayoutRest(x, narrow ? gap : 16, width);
 }
 
 // The bar takes what is left, and the hint its place. What has no room gives way: the menu has all of it.
-void TParticleTimeline::LayoutRest(int x, int width)
+void TParticleTimeline::LayoutRest(int x, int wideGap, int width)
 {
     constexpr int gap = 4;
-    constexpr int wideGap = 16;
     MenuLeft = width - Margin - MenuWidth;
     SpeedLeft = MenuLeft - gap - SpeedWidth;
     MenuButton.MoveTo(MenuLeft, Margin, MenuWidth, ControlHeight);
@@ -168,6 +181,9 @@ void TParticleTimeline::ShowTime()
     TString text;
     Clock.GetTimeText(text);
     TimeField.SetText(text);
+    // What is typed now takes the place of a time that may go on.
+    if (TimeField.HasFocus())
+        TimeField.SelectAll();
 }
 
 void TParticleTimeline::ShowSeek()

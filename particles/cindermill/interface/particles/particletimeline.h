@@ -54,7 +54,8 @@ private:
     bool CreateSeekControls();
     void SetTips();
     void Layout();
-    void LayoutRest(int x, int width);
+    void LayoutControls(int width, bool narrow);
+    void LayoutRest(int x, int wideGap, int width);
     void ShowTime();
     void ShowSpeed();
     void ShowSeek();

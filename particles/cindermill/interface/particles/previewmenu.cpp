@@ -32,13 +32,13 @@ struct TKeyCommand
     int Command;
 };
 
-// Keys that no camera listens to. Printable ones change when the effect runs, and nothing
-// else: who types by mistake finds the same picture.
+// Keys that no camera listens to. Printable ones change when the effect runs, and nothing else: who types by
+// mistake finds the same picture. Only R leads back to the first view.
 constexpr TKeyCommand KeyCommands[] = {
     {KEY_HOME, 0, PC_RESTART},    {KEY_ESCAPE, 0, PC_ONLYGROUP},  {KEY_F1 + 1, 0, PC_FRONTVIEW},
     {KEY_F1 + 2, 0, PC_SIDEVIEW}, {KEY_F1 + 3, 0, PC_TOPVIEW},    {KEY_F1 + 4, 0, PC_FRAME},
     {KEY_F1 + 5, 0, PC_BOXES},    {KEY_F1 + 6, 0, PC_VELOCITIES}, {KEY_F1 + 7, 0, PC_EMITTERS},
-    {'L', 0, PC_TOGGLELOOP},      {'S', 0, PC_SAMESEED}};
+    {'L', 0, PC_TOGGLELOOP},      {'S', 0, PC_SAMESEED},          {'R', 0, PC_STARTVIEW}};
 constexpr int FirstCameraKey = KEY_F1 + 8;
 
 struct TCharacterCommand

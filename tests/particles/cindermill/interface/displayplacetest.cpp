@@ -29,15 +29,56 @@ TEST(DisplayPlace, OtherwiseItIsBesideTheGraphAsWideAsThatLeavesIt)
 {
     // A wide screen and a usual one.
     EXPECT_EQ(Told(FindDisplayPlace(Meant, Area(655, 170, 1050, 750), Area(0, 0, 2560, 1440), {})),
-              "1705 50 800 650");
+              "1753 50 800 650");
     EXPECT_EQ(Told(FindDisplayPlace(Meant, Area(335, 150, 1050, 750), Area(0, 0, 1920, 1080), {})),
-              "1385 50 535 650");
+              "1433 50 487 650");
     // With no room at the right, at the left.
     EXPECT_EQ(Told(FindDisplayPlace(Meant, Area(600, 150, 1050, 750), Area(0, 0, 1700, 1080), {})),
               "0 50 600 650");
-    // A panel at the edge is the desktop's.
+    // A panel at the edge is the desktop's. Where there is little room, all of it is taken.
     EXPECT_EQ(Told(FindDisplayPlace(Meant, Area(500, 150, 1050, 750), Area(0, 0, 1990, 1080), {})),
               "1550 50 440 650");
+}
+
+// The views of further documents stand further to the right, and no display hides any of them.
+TEST(DisplayPlace, DisplaysOfFurtherDocumentsLeaveAllGraphsInSight)
+{
+    struct TCase
+    {
+        TWindowArea Room;
+        int Left;
+    };
+    // The last but one has room at the left alone.
+    for (const auto& [room, left] :
+         {TCase{Area(0, 0, 2560, 1440), 655}, TCase{Area(0, 0, 1920, 1080), 335},
+          TCase{Area(0, 0, 1700, 1080), 600}, TCase{Area(0, 0, 3840, 2160), 1295}}) {
+        vector<TWindowArea> displays;
+        vector<TWindowArea> graphs;
+        for (int i = 0; i < 4; ++i) {
+            graphs.push_back(Area(left + 16 * i, 150 + 16 * i, 1050, 750));
+            displays.push_back(FindDisplayPlace(Meant, graphs.back(), room, displays));
+        }
+        for (const TWindowArea& display : displays) {
+            EXPECT_GE(display.Left, room.Left);
+            EXPECT_LE(display.Right, room.Right);
+            for (const TWindowArea& graph : graphs)
+                EXPECT_FALSE(DoAreasOverlap(display, graph)) << Told(display) << ", " << Told(graph);
+        }
+    }
+}
+
+TEST(DisplayPlace, TheTransportAtADisplaysBottomIsInSight)
+{
+    const TWindowArea meant = Area(0, 10, 800, 650);
+    const TWindowArea graph = Area(75, 120, 900, 560);
+    const TWindowArea room = Area(0, 0, 1024, 700);
+    vector<TWindowArea> others;
+    for (int i = 0; i < 30; ++i) {
+        others.push_back(FindDisplayPlace(meant, graph, room, others));
+        // With a frame round it.
+        EXPECT_LE(others.back().Bottom, room.Bottom - 30) << Told(others.back());
+        EXPECT_GE(others.back().Bottom - others.back().Top, 300);
+    }
 }
 
 TEST(DisplayPlace, OnASmallScreenItIsTheOneThatWasMeant)

@@ -188,7 +188,7 @@ TEST_F(ParticleWindow, AnEffectThatDoesNotRunTellsWhatToDoAboutIt)
     EXPECT_GE(label->geometry().left(), Find<QPushButton>("play")->geometry().right());
     EXPECT_LE(label->geometry().right(), 800);
     // Where it has no room, shorter ones take its place, before there is none.
-    for (int width = 700; width > 300; width -= 50) {
+    for (int width = 700; width > 200; width -= 50) {
         empty.MoveTo(0, 0, width, 500);
         Settle();
         empty.Tick();
@@ -197,7 +197,7 @@ TEST_F(ParticleWindow, AnEffectThatDoesNotRunTellsWhatToDoAboutIt)
             EXPECT_EQ(label->text().left(11).toStdString(), "Not running");
             EXPECT_GE(label->width(), label->sizeHint().width()) << width;
         }
-        EXPECT_EQ(label->isVisible(), width >= 450) << width;
+        EXPECT_EQ(label->isVisible(), width >= 350) << width;
     }
     empty.Destroy();
 }

@@ -659,7 +659,7 @@ TEST_F(PreviewControls, TheViewSaysWhyNothingIsSeen)
 TEST_F(PreviewControls, EverythingFitsANarrowWindow)
 {
     ShowBudget();
-    for (const int width : {340, 400, 480, 640, 800, 1200}) {
+    for (const int width : {240, 340, 400, 480, 640, 800, 1200}) {
         Window.MoveTo(0, 50, width, 420);
         Settle();
         Tick(20);
@@ -675,7 +675,7 @@ TEST_F(PreviewControls, EverythingFitsANarrowWindow)
             last = control->geometry();
         }
         EXPECT_TRUE(Find<QWidget>("play")->isVisible());
-        EXPECT_EQ(Find<QWidget>("previewmenu")->isVisible(), width >= 360) << width;
+        EXPECT_EQ(Find<QWidget>("previewmenu")->isVisible(), width > 260) << width;
         EXPECT_TRUE(Window.GetHandle()->rect().contains(GetBudget()->geometry()));
         EXPECT_GE(GetView()->height(), 150);
     }
