@@ -13,7 +13,7 @@ namespace {
 constexpr TGDIColour Background = 0xF0F0F0;
 constexpr int MenuCopy = 1;
 // The label column, three columns of values and a scroll bar.
-constexpr float TableWidth = 320;
+constexpr float TableWidth = 300;
 
 TWindowClass& GetWindowClass()
 {
