@@ -143,7 +143,7 @@ bool TResourceLocator::PrepareName(TString& path)
         return true;
     TString kept;
     ToKeptPath(path, kept);
-    if (kept.CompareStart(BasePath) != 0) {
+    if (!BasePath.IsEmpty() && kept.CompareStart(BasePath) != 0) {
         TString shownPath;
         TString shownBase;
         ToShownPath(path, shownPath);
@@ -193,7 +193,9 @@ void TResourceLocator::GetFullPath(const char* name, TString& path) const
         return;
     }
     path = BasePath;
-    path += *name == '/' || *name == '\\' ? name + 1 : name;
+    // Without a base the name is the whole path, which may begin at the root.
+    const bool isSeparated = !BasePath.IsEmpty() && (*name == '/' || *name == '\\');
+    path += isSeparated ? name + 1 : name;
 }
 
 bool TResourceLocator::FindKnown(const char* name, TString& path) const
@@ -203,7 +205,7 @@ bool TResourceLocator::FindKnown(const char* name, TString& path) const
     if (FindInSearchDirectories(name, path))
         return true;
     if (Mode == RM_LEAFNAME)
-        return FindInKnownDirectories(name, path) || FindLocated(name, path);
+        return FindInKnownDirectories(name, path) || FindLocatedFile(name, path);
     TString full;
     GetFullPath(name, full);
     ToKeptPath(full, path);
@@ -253,7 +255,7 @@ TFindResult TResourceLocator::FindLeaf(const char* name, TString& path)
         return FR_FOUND;
     if (!CanAsk())
         return EndAlone(name, !IsMissing(name) && Search(name, path));
-    return FindLocated(name, path) ? FR_LOCATED : Ask(name, path);
+    return FindLocatedFile(name, path) ? FR_LOCATED : Ask(name, path);
 }
 
 // A program that is at rest only because it waits for one file does not ask for another.
@@ -276,8 +278,20 @@ TFindResult TResourceLocator::Ask(const char* name, TString& path)
     if (result == FR_NOTFOUND)
         Missing.push_back(wanted);
     if (result == FR_LOCATED)
-        Located.push_back(TLocated{wanted, path});
+        RememberLocated(wanted, path);
     return result;
+}
+
+// One file for each name: what has moved since is located again.
+void TResourceLocator::RememberLocated(const char* name, const char* path)
+{
+    for (TLocated& located : Located) {
+        if (located.Name.Compare(name) != 0)
+            continue;
+        located.Path = path;
+        return;
+    }
+    Located.push_back(TLocated{name, path});
 }
 
 bool TResourceLocator::Choose(const char* name, TString& path)
@@ -314,6 +328,15 @@ bool TResourceLocator::FindLocated(const char* name, TString& path) const
         return true;
     }
     return false;
+}
+
+bool TResourceLocator::FindLocatedFile(const char* name, TString& path) const
+{
+    TString located;
+    if (!FindLocated(name, located) || !FileExists(located))
+        return false;
+    path = located;
+    return true;
 }
 
 bool TResourceLocator::FindInKnownDirectories(const char* name, TString& path) const

@@ -73,7 +73,10 @@ private:
     void RememberFirst(const char* directory);
     void RememberDirectoryOf(const char* path);
     void RememberChosen(const char* path);
+    void RememberLocated(const char* name, const char* path);
     bool FindLocated(const char* name, TString& path) const;
+    // Only while it is there: a leaf name whose file has gone is searched for like any other.
+    bool FindLocatedFile(const char* name, TString& path) const;
     bool FindInSearchDirectories(const char* name, TString& path) const;
     bool FindInKnownDirectories(const char* name, TString& path) const;
     TFindResult FindLeaf(const char* name, TString& path);

@@ -142,6 +142,7 @@ void TNumberInput::StepBy(int steps, bool coarse, bool fine)
         return;
     const double before = Value;
     EndTyping();
+    const double typed = Value;
     double step = Step;
     if (coarse)
         step *= 10;
@@ -154,9 +155,9 @@ void TNumberInput::StepBy(int steps, bool coarse, bool fine)
         Value = GetStepped(Value, steps > 0 ? step : -step);
     if (!Float)
         Value = std::trunc(Value);
-    if (IsSame(Value, before))
-        return;
-    Redisplay();
+    // What was typed is shown by now, so that a step back to the value of before shows too.
+    if (!IsSame(Value, typed))
+        Redisplay();
     NotifyIfChanged(before);
 }
 

@@ -79,11 +79,20 @@ void TPickedColour::SetRgbaComponent(int i, float value)
 
 void TPickedColour::SetHslaComponent(int i, float value)
 {
+    float before[NumRgb];
+    HslToRgb(Hsla, before);
     Hsla[i] = value;
-    if (i == Alpha)
+    if (i == Alpha) {
         Rgba[Alpha] = value;
-    else
-        HslToRgb(Hsla, Rgba);
+        return;
+    }
+    float after[NumRgb];
+    HslToRgb(Hsla, after);
+    // A channel that the edit does not reach keeps what it had, beyond 0 to 1 too: a hue of grey reaches
+    // none.
+    for (int c = 0; c < NumRgb; ++c)
+        if (after[c] != before[c])
+            Rgba[c] = after[c];
 }
 
 void TPickedColour::TakeHsl()

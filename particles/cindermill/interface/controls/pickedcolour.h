@@ -13,7 +13,7 @@ public:
     void SetRgba(const float* rgba);
     // One of them, with the others as they are.
     void SetRgbaComponent(int i, float value);
-    // Hue, saturation, luminance or alpha. Setting the alpha leaves all others as they are.
+    // Hue, saturation, luminance or alpha. Of red, green and blue only what comes out otherwise is set.
     void SetHslaComponent(int i, float value);
     const float* GetRgba() const { return Rgba; }
     const float* GetHsla() const { return Hsla; }

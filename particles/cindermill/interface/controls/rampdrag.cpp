@@ -35,6 +35,11 @@ void TRampDrag::OnDrag(const TVector2& place, int keyFlags)
         Ramp.ShowView(view);
         return;
     }
+    // A list that was read with points out of order is put in order by an edit, and a press is none.
+    if (place == Pressed) {
+        Ramp.ShowDragged(CurveBefore, place);
+        return;
+    }
     // By what the pointer has moved: where it took hold of the point does not matter.
     const TRampPoint from = Ramp.GetView().ToPoint(Pressed);
     const TRampPoint to = Ramp.GetView().ToPoint(place);

@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/controls/textureparametercontrols.h"
 
+#include "library/containers/log.h"
 #include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
@@ -132,7 +133,7 @@ void TNodeTextureParameterControls::TakeFile(const char* path)
         ShowMessage("Could not load texture %s", shown.Print());
         TString refusal;
         if (GetReadRefusal(path, refusal))
-            ShowMessage("%s", refusal.Print());
+            DebugPrintf("%s\n", refusal.Print());
         return;
     }
     if (GetLocator().PrepareName(name))

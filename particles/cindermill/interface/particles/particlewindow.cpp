@@ -30,7 +30,7 @@ bool TParticleWindow::Create(TDocument& document)
     params.X = 0;
     params.Y = 50;
     params.Width = 800;
-    params.Height = 650;
+    params.Height = 600;
     ASSERT_TEXT(TWindow::Create(params), "0 : Failed to create particle window");
     ASSERT_TEXT(Render.Create(this, document), "0 : Failed to create particle render subwindow");
     ASSERT_TEXT(Timeline.Create(this, document), "0 : Failed to create particle timelinw subwindow");

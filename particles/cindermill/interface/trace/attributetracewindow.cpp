@@ -13,7 +13,7 @@ namespace {
 constexpr TGDIColour Background = 0xF0F0F0;
 constexpr int MenuCopy = 1;
 // The label column, three columns of values and a scroll bar.
-constexpr float TableWidth = 320;
+constexpr float TableWidth = 300;
 
 TWindowClass& GetWindowClass()
 {
@@ -68,8 +68,8 @@ void TAttributeTraceWindow::Create()
     params.Kind = WK_TOP;
     params.X = 50;
     params.Y = 50;
-    params.Width = 700;
-    params.Height = 500;
+    params.Width = 650;
+    params.Height = 450;
     ASSERT_TEXT(TWindow::Create(params) && Table.Create(*this, Trace) && Graphs.Create(*this, Trace),
                 "0 : Failed to create attrib trace window");
     Split.Attach(this);

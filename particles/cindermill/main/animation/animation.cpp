@@ -66,7 +66,7 @@ private:
 class TVoriReader
 {
 public:
-    explicit TVoriReader(const char* path) : Path(path) {}
+    explicit TVoriReader(const char* path) : Path(path) { ToShownPath(path, ShownPath); }
     ~TVoriReader()
     {
         if (Xml.IsOpen())
@@ -98,25 +98,28 @@ private:
     TXmlFile Xml;
     TXmlFault TagFault;
     const char* Path;
+    // As the messages name it.
+    TString ShownPath;
 };
 
 bool TVoriReader::Fail(const char* tag) const
 {
-    ShowMessage("Failed to find %s tag in file %s. Is it a valid vori animation file?", tag, Path);
+    ShowMessage("Failed to find %s tag in file %s. Is it a valid vori animation file?", tag,
+                ShownPath.Print());
     return false;
 }
 
 bool TVoriReader::FailChannel(const char* tag, int index) const
 {
     ShowMessage("Failed to find %s tag %d/3 in file %s. Is it a valid vori animation file?", tag, index,
-                Path);
+                ShownPath.Print());
     return false;
 }
 
 bool TVoriReader::Open()
 {
     if (!Xml.OpenRead(Path)) {
-        ShowMessage("Failed to open %s for reading", Path);
+        ShowMessage("Failed to open %s for reading", ShownPath.Print());
         TString refusal;
         if (GetReadRefusal(Path, refusal))
             ShowMessage("%s", refusal.Print());
@@ -125,7 +128,7 @@ bool TVoriReader::Open()
     if (!CheckTags())
         return false;
     if (!Xml.FindTag("VOR")) {
-        ShowMessage("Failed to find VOR tag in file %s. Is it a valid vori file?", Path);
+        ShowMessage("Failed to find VOR tag in file %s. Is it a valid vori file?", ShownPath.Print());
         return false;
     }
     if (!Find("animclip"))
@@ -146,9 +149,7 @@ bool TVoriReader::CheckTags()
 
 void TVoriReader::TellFault(const TXmlFault& fault) const
 {
-    TString shown;
-    ToShownPath(Path, shown);
-    ShowMessage("%s [%d] : %s", shown.Print(), fault.Line, fault.Text.Print());
+    ShowMessage("%s [%d] : %s", ShownPath.Print(), fault.Line, fault.Text.Print());
 }
 
 void TVoriReader::TellTags() const

@@ -165,6 +165,23 @@ TEST_F(DocWindow, EscapeCancelsATypeDrag)
     Release(Tool(), RowOf("Gravity"));
 }
 
+// It began with the left button and ends with it, wherever that is.
+TEST_F(DocWindow, OtherButtonsLeaveATypeDragRunning)
+{
+    Press(Tool(), RowOf("Gravity"));
+    Move(Tool(), FromGraph(QPoint(300, 200)));
+    for (const Qt::MouseButton button : {Qt::RightButton, Qt::MiddleButton}) {
+        Press(Tool(), FromGraph(QPoint(300, 200)), button, Qt::NoModifier, Qt::LeftButton);
+        Release(Tool(), FromGraph(QPoint(300, 200)), button, Qt::NoModifier, Qt::LeftButton);
+        EXPECT_TRUE(View().IsTypeDragging());
+        EXPECT_TRUE(Graph().IsGhostShown());
+    }
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 0);
+    Release(Tool(), FromGraph(QPoint(300, 200)));
+    EXPECT_FALSE(View().IsTypeDragging());
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 1);
+}
+
 TEST_F(DocWindow, ATypeDragScrollsTheGraphAtItsEdges)
 {
     SetView(Graph(), 0, 0, 1);

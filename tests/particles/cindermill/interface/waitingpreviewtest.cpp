@@ -112,12 +112,14 @@ TEST_F(WaitingPreview, StandsStillWhileItsDocumentIsBeingEdited)
 TEST_F(WaitingPreview, ALoopIsNotBegunAgain)
 {
     TPreviewClock& clock = WindowsOf(*Document).GetParticleWindow()->GetTimeline().GetClock();
-    clock.SetLoop(0.04f);
+    constexpr float LoopEnd = 0.04f;
+    clock.SetLoop(LoopEnd);
     const unsigned starts = clock.GetNumStarts();
     Meet([this](QDialog& box) { RunUnder(box); });
     ShowMessage("Something is told");
     EXPECT_EQ(clock.GetNumStarts(), starts);
-    EXPECT_GT(GetTime(), 0.06f);
+    // Past the end of the loop.
+    EXPECT_GT(GetTime(), LoopEnd);
     clock.Tick(100000);
     EXPECT_EQ(clock.GetNumStarts(), starts + 1);
 }

@@ -351,6 +351,21 @@ TEST_F(ResourceLocator, AFileOutsideTheBasePathIsRefusedAndItsNameUnchanged)
               TNames{"File /art/basement/x.dds does not fall under your resource base path /art/base/"});
 }
 
+TEST_F(ResourceLocator, WithoutABasePathEveryFileIsPreparedAndFoundAgain)
+{
+    SetMode(RM_RELATIVEPATH);
+    const std::string file = Path("home/beside/smoke.dds");
+    TString name(file.c_str());
+    EXPECT_TRUE(Locator.PrepareName(name));
+    EXPECT_TRUE(Messages().empty());
+    // Nothing is cut off.
+    EXPECT_EQ(Text(name), Kept(file));
+    EXPECT_EQ(Find(Text(name)), Kept(file));
+    TString path;
+    EXPECT_TRUE(Locator.FindKnown(name, path));
+    EXPECT_EQ(Text(path), Kept(file));
+}
+
 TEST_F(ResourceLocator, PrepareNameLeavesAFullPathAlone)
 {
     SetMode(RM_FULLPATH);
@@ -534,6 +549,34 @@ TEST_F(AskingLocator, APersonsFileOfAnotherNameIsRememberedForTheRun)
     Host.Taken();
     EXPECT_EQ(FindNow("NOWHERE.dds"), FR_LOCATED);
     EXPECT_EQ(Text(Found), Kept(Path(".elsewhere/renamed.dds")));
+    EXPECT_EQ(Host.Taken(), TNames{});
+}
+
+TEST_F(AskingLocator, APersonsFileThatHasGoneIsSearchedForAnew)
+{
+    Make(".elsewhere/renamed.dds");
+    Make(".elsewhere/again.dds");
+    Host.Choice = Path(".elsewhere/renamed.dds");
+    bool asked = false;
+    Host.Turn = [&] {
+        const TSearchAnswer answer = asked ? SA_NONE : SA_LOCATE;
+        asked = true;
+        return answer;
+    };
+    ASSERT_EQ(FindNow("nowhere.dds"), FR_LOCATED);
+    std::filesystem::remove(Path(".elsewhere/renamed.dds"));
+    TString path;
+    EXPECT_FALSE(Locator.FindKnown("nowhere.dds", path));
+    Host.Choice = Path(".elsewhere/again.dds");
+    Host.Taken();
+    asked = false;
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_LOCATED);
+    EXPECT_EQ(Text(Found), Kept(Path(".elsewhere/again.dds")));
+    EXPECT_EQ(Host.Taken().size(), 3u);
+    // The new one stands for it from now on, also once the old one is back.
+    Make(".elsewhere/renamed.dds");
+    EXPECT_EQ(FindNow("nowhere.dds"), FR_LOCATED);
+    EXPECT_EQ(Text(Found), Kept(Path(".elsewhere/again.dds")));
     EXPECT_EQ(Host.Taken(), TNames{});
 }
 

@@ -236,6 +236,16 @@ TEST_F(ColourGroup, AHueOfGreyMakesNoStep)
     EXPECT_EQ(Text(Picker().GetInput(0).GetEdit().GetText()), "0.2500");
 }
 
+TEST_F(ColourGroup, AHueOfGreyOutOfRangeMakesNoStepEither)
+{
+    const float bright[4] = {2, 2, 2, 1};
+    Param<TNodeColourParameter>("Tint").SetValue(bright);
+    Fold();
+    TypeInto(0, "0.25");
+    EXPECT_EQ(NumOps(), 0);
+    EXPECT_EQ(Tint(), (TFloats{2, 2, 2, 1}));
+}
+
 TEST_F(ColourGroup, TheValueIsCopiedAndPastedAsHexOrNumbers)
 {
     EXPECT_EQ(Copied(Group), "1, 0.5, 0.25, 1");

@@ -1,6 +1,7 @@
 #include "groupstest.h"
 
 #include "library/containers/image/image.h"
+#include "library/containers/log.h"
 #include "library/system/message.h"
 #include "library/system/path.h"
 #include "library/wimp/filechooser.h"
@@ -254,6 +255,20 @@ TEST_F(TextureGroup, AFileThatDoesNotLoadIsToldOnceAndNothingElseHappens)
     EXPECT_EQ(NumOps(), 0);
     EXPECT_EQ(Name(), "");
     EXPECT_EQ(App.Get().GetResourceLocator().GetKnownDirectories().size(), known);
+}
+
+// Why the system refuses it is told in the log, not in a second box.
+TEST_F(TextureGroup, AFileThatTheSystemRefusesIsToldOnceToo)
+{
+    const std::string path = App.Path("folder.dds");
+    std::filesystem::create_directory(path);
+    std::string log;
+    const TLogCapture capture([](const char* line, void* text) { *static_cast<std::string*>(text) += line; },
+                              &log);
+    Pick(path);
+    EXPECT_EQ(Told(), TTexts{"Could not load texture " + path});
+    EXPECT_NE(log.find(path + ": "), std::string::npos) << log;
+    EXPECT_EQ(NumOps(), 0);
 }
 
 TEST_F(TextureGroup, AFileOutsideTheBasePathIsRefused)

@@ -257,6 +257,17 @@ TEST_F(NumberInput, AStepBeginsAtWhatWasTypedAndBothAreOneChange)
     EXPECT_EQ(TextOf(Float), "5.2000");
 }
 
+TEST_F(NumberInput, AStepFromWhatWasTypedBackToTheValueIsShownAndNoChange)
+{
+    Whole.SetValue(5);
+    Focus(Whole);
+    Type("4");
+    Key(KEY_UP);
+    EXPECT_EQ(Whole.GetInt(), 5);
+    EXPECT_EQ(TextOf(Whole), "5");
+    EXPECT_EQ(CountChanges(Whole), 0);
+}
+
 TEST_F(NumberInput, StepsEndAtTheRangeWithoutAnEvent)
 {
     Float.SetRange(0, 1);

@@ -187,6 +187,25 @@ TEST(PickedColour, AColourOutOfRangeIsKeptAndCountsAsOneWithin)
     EXPECT_EQ(ClampToUnit(none), 0);
 }
 
+TEST(PickedColour, HueSaturationAndLuminanceTouchOnlyTheChannelsThatTheyChange)
+{
+    // White, as far as it can be shown.
+    TPickedColour grey = Picked(2, 2, 2);
+    grey.SetHslaComponent(0, 0.3f);
+    grey.SetHslaComponent(1, 0.5f);
+    EXPECT_EQ(RgbaOf(grey), (TFloats{2, 2, 2, 1}));
+    EXPECT_EQ(HslaOf(grey), (TFloats{0.3f, 0.5f, 1, 1}));
+    grey.SetHslaComponent(1, 0);
+    grey.SetHslaComponent(2, 0.5f);
+    EXPECT_EQ(RgbaOf(grey), (TFloats{0.5f, 0.5f, 0.5f, 1}));
+    // From red to yellow only the green grows.
+    TPickedColour red = Picked(2, 0, -1);
+    red.SetHslaComponent(0, 1 / 6.0f);
+    EXPECT_EQ(RgbaOf(red), (TFloats{2, 1, -1, 1}));
+    red.SetHslaComponent(2, 0.25f);
+    ExpectNear(RgbaOf(red), {0.5f, 0.5f, -1, 1});
+}
+
 TEST(ColourText, AColourOfBytesIsHex)
 {
     EXPECT_EQ(Written(1, 0, 0, 1), "#FF0000FF");

@@ -258,6 +258,22 @@ TEST_F(Ramp, ADragThatChangesNothingIsNoOperation)
     ExpectPoints(ToVector(Shown(0)), Line(), 0);
 }
 
+// A file may hold points that no drag would leave so.
+TEST_F(Ramp, APressWithoutAMoveLeavesPointsOutOfOrder)
+{
+    ShowScalar();
+    const TPoints odd = {{0, 0},       {0.8f, 0.3f},  {0.6f, 1},    {0.4f, 1},    {0.2f, 1},
+                         {0.9f, 0.6f}, {0.35f, 0.5f}, {0.5f, 0.2f}, {0.8f, 0.1f}, {1, 0}};
+    SetCurve(0, odd);
+    for (const int point : {1, 3, 6}) {
+        Click(PlaceOf(0, point));
+        ASSERT_EQ(TRampTest::Ramp().GetSelection().Point, point);
+        EXPECT_EQ(NumEdits(), 0) << point;
+    }
+    ExpectPoints(ToVector(Shown(0)), odd, 0);
+    ExpectPoints(Parameter().GetCurve(0), odd, 0);
+}
+
 TEST_F(Ramp, APointTakenBesideItsMiddleDoesNotJump)
 {
     ShowScalar();

@@ -81,7 +81,8 @@ TEST_F(TraceWindow, IsATopWindowWithTheNodesNameAndTwoPanes)
     EXPECT_TRUE(window.IsShown());
     EXPECT_EQ(window.GetHandle()->objectName().toStdString(), "cindermill_attribtrace");
     EXPECT_EQ(TitleOf(window), "Integrate : Output Trace");
-    EXPECT_EQ(window.GetHandle()->size(), QSize(700, 500));
+    // From (50, 50) to (700, 500).
+    EXPECT_EQ(window.GetHandle()->size(), QSize(650, 450));
     Find<QWidget>(window, "cindermill_attribtracetable_trace");
     Find<QWidget>(window, "efxdebug_tablewindow");
     EXPECT_EQ(GraphsOf(window).size(), 1);

@@ -3,7 +3,9 @@
 #include "library/system/message.h"
 #include "particles/cindermill/main/animation/animation.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include <sys/stat.h>
 
@@ -182,6 +184,29 @@ TEST(TAnimation, FailureTexts)
               file.AnimMessage("keyValues tag 2/3"));
     EXPECT_EQ(file.FailureOf(Clip(Channel("<animData><keyValues></keyValues></animData>"))),
               file.AnimMessage("keyTimes tag 0/3"));
+}
+
+TEST(TAnimation, AFileOfAKeptPathIsToldInTheSystemsOwnForm)
+{
+    const TVoriFile file;
+    std::string kept = file.Path();
+    std::replace(kept.begin(), kept.end(), '/', '\\');
+    const auto failure = [&](const std::string& text) {
+        const TShownMessages messages;
+        WriteBytes(file.Path(), text);
+        TAnimation animation;
+        EXPECT_FALSE(animation.Load(kept.c_str()));
+        return TShownMessages::Texts().empty() ? "" : TShownMessages::Texts()[0];
+    };
+    EXPECT_EQ(failure("<other></other>"), file.Message("VOR"));
+    EXPECT_EQ(failure("<VOR></VOR>"), file.AnimMessage("animClip tag"));
+    EXPECT_EQ(failure(Clip("")), file.AnimMessage("animChannel tag 0/3"));
+    ASSERT_EQ(std::remove(file.Path().c_str()), 0);
+    const TShownMessages messages;
+    TAnimation animation;
+    EXPECT_FALSE(animation.Load(kept.c_str()));
+    EXPECT_EQ(TShownMessages::Texts(),
+              std::vector<std::string>{"Failed to open " + file.Path() + " for reading"});
 }
 
 TEST(TAnimation, TagsThatDoNotMatchAreToldWithFileAndLineAndTheRestIsRead)

@@ -81,6 +81,8 @@ TEST_F(ParticleWindow, IsATopWindowWithItsTwoChildren)
     EXPECT_EQ(Window.GetType(), 1);
     EXPECT_EQ(Window.GetHandle()->objectName().toStdString(), "cindermill_particlewindow");
     EXPECT_EQ(Window.GetHandle()->windowTitle().toStdString(), "Effect Display [doc]");
+    // From (0, 50) to (800, 650).
+    EXPECT_EQ(Window.GetHandle()->geometry(), QRect(0, 50, 800, 600));
     Find<QWidget>("cindermill_particlewindow_render");
     Find<QWidget>("cindermill_particlewindow_timeline");
     EXPECT_EQ(Find<QPushButton>("update")->text().toStdString(), "Update");
