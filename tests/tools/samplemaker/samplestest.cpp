@@ -430,9 +430,9 @@ TEST(Samples, ImpactTakesTheGamesColour)
 TEST(Samples, VortexSwallowsWhatComesToItsMiddle)
 {
     TRunningSample sample("vortex");
-    const int disc = sample.FindGroup("glow.dds");
+    const int disc = sample.FindGroup("spark.dds");
     sample.Run(900);
-    const int born = static_cast<int>(55 * 900 * FrameTime);
+    const int born = static_cast<int>(50 * 900 * FrameTime);
     EXPECT_LT(sample.Count(disc), born / 2);
     // No more than the room, so it is the hole that took them.
     EXPECT_LT(sample.Count(disc), sample.GetSchedule().GetParticleCount(disc));
