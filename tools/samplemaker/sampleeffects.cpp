@@ -21,8 +21,8 @@ void MakeFountain(TSampleBuilder& effect)
     gravity.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", stage, "Transform");
     AddCurve(effect, "Scale Over Life", age, 1.38f)
-        .Curve("Value", 0, {{0, 0.009f}, {0.4f, 0.014f}, {0.85f, 0.012f}, {1, 0.008f}})
-        .Curve("Value", 1, {{0, 0.06f}, {0.5f, 0.028f}, {0.85f, 0.045f}, {1, 0.035f}})
+        .Curve("Value", 0, {{0, 0.012f}, {0.4f, 0.02f}, {0.85f, 0.016f}, {1, 0.01f}})
+        .Curve("Value", 1, {{0, 0.05f}, {0.5f, 0.028f}, {0.85f, 0.04f}, {1, 0.03f}})
         .Wire("Value", stage, "Scale");
     AddColours(effect, age, 1.38f,
                {{0, 0.75f, 0.92f, 1, 0},
@@ -317,7 +317,7 @@ void MakeAura(TSampleBuilder& effect)
                 {0.6f, 0.55f, 0.9f, 1, 0.7f},
                 {1, 0.55f, 0.9f, 1, 0}})
         .Wire("Value", heart, "Colour");
-    AddDusk(effect, 0.85f, {1.25f, 1.25f}, {0.03f, 0.04f, 0.25f, 0.7f});
+    AddDusk(effect, 0.85f, {1.5f, 1.5f}, {0.03f, 0.04f, 0.25f, 0.7f});
 }
 
 // Rain whose drops emit particles where they hit the ground: one ring and a few droplets each. A drop's hit

@@ -165,7 +165,7 @@ TTexel PaintFlake(double x, double y)
 TTexel PaintDrop(double x, double y)
 {
     const double r = Length(x, y);
-    const double body = Step(0, 0.55, 0.96 - r);
+    const double body = Step(0, 0.3, 0.92 - r);
     const double shine = Clamp(1 - Length(x + 0.28, y - 0.32) / 0.38);
     const double below = Clamp((r * r) * (0.45 - 0.55 * y));
     const double light = Clamp(0.62 + 0.5 * below + 0.9 * shine * shine);
