@@ -569,7 +569,7 @@ void MakeVortex(TSampleBuilder& effect)
     const TSampleNode disc = effect.Add("Sphere Surface")
                                  .Int("Particle Count", 500)
                                  .Set("Translation", {0, 0.7f, 0, 0, 0, 0})
-                                 .Set("Scale", {1.2f, 0.05f, 1.2f});
+                                 .Set("Scale", {1.15f, 0.05f, 1.15f});
     // Across the radius: (z, 0, -x).
     const TSampleNode x = effect.Add("Select Component").Choose("Component", "X");
     const TSampleNode z = effect.Add("Select Component").Choose("Component", "Z");
@@ -578,10 +578,10 @@ void MakeVortex(TSampleBuilder& effect)
     const TSampleNode across = effect.Add("Build Vector");
     const TSampleNode pull =
         effect.Add("Attractor").Set("Attractor Position", {0, 0.7f, 0}).Set("Strength", {5});
-    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.5f});
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.4f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode hole =
-        effect.Add("Volume").Set("Transform", {0, 0.7f, 0, 0, 0, 0}).Set("Scale", {0.14f, 0.14f, 0.14f});
+        effect.Add("Volume").Set("Transform", {0, 0.7f, 0, 0, 0, 0}).Set("Scale", {0.09f, 0.09f, 0.09f});
     const TSampleNode end = effect.Add("Prune");
     const TSampleNode speed = effect.Add("Select Component").Choose("Component", "Length");
     const TSampleNode colours = effect.Add("Colour Over Life").Set("Life", {2.6f});
