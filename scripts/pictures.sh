@@ -14,7 +14,19 @@ for icon in 101 117; do
         draw $icon $size "-$size"
     done
 done
+# Entries of the start page show theirs with 32 pixels, buttons with 16: as many dots on a screen of twice the scale.
+for entry in 101 102 103; do
+    draw $entry 32 ""
+    for size in 48 64; do
+        draw $entry $size "-$size"
+    done
+done
 for glyph in 104 105; do draw $glyph 12 ""; done
 for box in 107 108; do draw $box 10 ""; done
-for button in 130 131 132; do draw $button 16 ""; done
+for button in 130 131 132; do
+    draw $button 16 ""
+    for size in 24 32; do
+        draw $button $size "-$size"
+    done
+done
 for pointer in 140 141; do draw $pointer 32 ""; done

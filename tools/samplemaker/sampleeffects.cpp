@@ -20,11 +20,15 @@ void MakeFountain(TSampleBuilder& effect)
     source.Wire("Start Transform", integrate, "Position");
     gravity.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", stage, "Transform");
-    AddSizes(effect, age, 1.38f, {{0, 0.03f}, {0.4f, 0.05f}, {1, 0.04f}}).Wire("Value", stage, "Scale");
+    AddCurve(effect, "Scale Over Life", age, 1.38f)
+        .Curve("Value", 0, {{0, 0.012f}, {0.4f, 0.02f}, {0.85f, 0.016f}, {1, 0.01f}})
+        .Curve("Value", 1, {{0, 0.05f}, {0.5f, 0.028f}, {0.85f, 0.04f}, {1, 0.03f}})
+        .Wire("Value", stage, "Scale");
     AddColours(effect, age, 1.38f,
                {{0, 0.75f, 0.92f, 1, 0},
-                {0.08f, 0.55f, 0.82f, 1, 0.9f},
-                {0.85f, 0.2f, 0.5f, 0.95f, 0.8f},
+                {0.06f, 0.6f, 0.85f, 1, 0.95f},
+                {0.5f, 0.4f, 0.72f, 1, 0.95f},
+                {0.85f, 0.25f, 0.55f, 0.95f, 0.85f},
                 {1, 0.2f, 0.5f, 0.95f, 0}})
         .Wire("Value", stage, "Colour");
 }
@@ -92,38 +96,55 @@ void MakeBurst(TSampleBuilder& effect)
     const TSampleNode trigger = AddTrickle(effect, 0.8f, 1);
     const TSampleNode sound = effect.Add("Event Trigger");
     const TSampleNode count = effect.Add("Multiply");
+    // Wired in, so that the preview does not draw the tiny sphere.
+    const TSampleNode place = effect.Add("Make Transform").Set("Translation", {0, 1, 0});
     const TSampleNode source = effect.Add("Sphere Surface")
                                    .Int("Particle Count", 200)
-                                   .Set("Translation", {0, 1.2f, 0, 0, 0, 0})
+                                   .Set("Translation", {0, 1, 0, 0, 0, 0})
                                    .Set("Scale", {0.02f, 0.02f, 0.02f});
-    const TSampleNode cone = AddCone(effect, {0, 1, 0}, -1, 0.8f, 2.6f);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, -1, 0.4f, 2.2f);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.8f, 0});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.12f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode age = AddAge(effect, 1.6f);
-    const TSampleNode sparks = AddTrails(effect, 0.04f, 0.3f).Priority(0);
+    const TSampleNode sparks = AddTrails(effect, 0.04f, 0.3f).Priority(3);
     const TSampleNode cores = AddTrails(effect, 0.014f, 0.2f).Priority(5);
+    const TSampleNode embers = AddStage(effect, "Sprite Render Stage", "star.dds").Priority(8);
     trigger.Wire("Count", sound, "Trigger");
     trigger.Wire("Count", count, "A");
     count.Wire("Product", source, "Emission Trigger");
     cone.Wire("Velocity", gravity, "Velocity");
     gravity.Wire("Velocity", drag, "Velocity");
+    place.Wire("Transform", source, "Translation");
     source.Wire("Position", integrate, "Position");
     drag.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", sparks, "Position");
-    drag.Wire("Velocity", sparks, "Velocity");
     integrate.Wire("Position", cores, "Position");
+    integrate.Wire("Position", embers, "Transform");
+    drag.Wire("Velocity", sparks, "Velocity");
     drag.Wire("Velocity", cores, "Velocity");
-    AddColours(effect, age, 1.6f, {{0, 1, 1, 0.95f, 1}, {0.4f, 1, 0.95f, 0.7f, 0.9f}, {1, 1, 0.7f, 0.5f, 0}})
+    AddSizes(effect, age, 1.6f,
+             {{0, 0.02f}, {0.3f, 0.045f}, {0.5f, 0.02f}, {0.7f, 0.05f}, {0.85f, 0.015f}, {1, 0.03f}})
+        .Wire("Value", embers, "Scale");
+    AddColours(effect, age, 1.6f,
+               {{0, 1, 0.9f, 0.6f, 0.9f},
+                {0.4f, 1, 0.7f, 0.2f, 1},
+                {0.75f, 1, 0.35f, 0.2f, 0.9f},
+                {1, 0.6f, 0.1f, 0.2f, 0}})
+        .Wire("Value", embers, "Colour");
+    AddColours(
+        effect, age, 1.6f,
+        {{0, 1, 1, 0.95f, 1}, {0.4f, 1, 0.95f, 0.7f, 0.9f}, {0.8f, 1, 0.7f, 0.5f, 0}, {1, 1, 0.7f, 0.5f, 0}})
         .Wire("Value", cores, "Colour");
     AddColours(effect, age, 1.6f,
-               {{0, 1, 0.95f, 0.7f, 1},
-                {0.25f, 1, 0.6f, 0.1f, 1},
-                {0.7f, 0.9f, 0.15f, 0.25f, 0.8f},
-                {1, 0.4f, 0.05f, 0.3f, 0}})
+               {{0, 1, 0.9f, 0.5f, 1},
+                {0.25f, 1, 0.5f, 0.05f, 1},
+                {0.6f, 0.9f, 0.15f, 0.2f, 0.75f},
+                {0.9f, 0.5f, 0.05f, 0.3f, 0},
+                {1, 0.5f, 0.05f, 0.3f, 0}})
         .Wire("Value", sparks, "Colour");
 
-    const TSampleNode centre = AddPoint(effect, 1, 0, 1.2f, 0);
+    const TSampleNode centre = AddPoint(effect, 1, 0, 1, 0);
     const TSampleNode flashAge = AddAge(effect, 0.35f);
     const TSampleNode flash = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(10);
     flash.Choose("Alpha Blend.Dest Function", "One");
@@ -133,6 +154,28 @@ void MakeBurst(TSampleBuilder& effect)
     AddColours(effect, flashAge, 0.35f, {{0, 1, 1, 0.9f, 1}, {1, 1, 0.6f, 0.2f, 0}})
         .Wire("Value", flash, "Colour");
     count.Set("B", {96});
+
+    const TSampleNode puffs = effect.Add("Multiply");
+    const TSampleNode heart = AddPoint(effect, 24, 0, 1, 0);
+    const TSampleNode puff = AddCone(effect, {0, 1, 0}, -1, 0.2f, 0.7f);
+    const TSampleNode slow = effect.Add("Damping").Set("Damping", {0.1f});
+    const TSampleNode spread = effect.Add("Integrate");
+    const TSampleNode smokeAge = AddAge(effect, 1.9f);
+    const TSampleNode smoke = AddStage(effect, "Sprite Render Stage", "smoke.hvt").Priority(0);
+    trigger.Wire("Count", puffs, "A");
+    puffs.Wire("Product", heart, "Emission Trigger");
+    puff.Wire("Velocity", slow, "Velocity");
+    heart.Wire("Start Transform", spread, "Position");
+    slow.Wire("Velocity", spread, "Velocity");
+    spread.Wire("Position", smoke, "Transform");
+    AddSizes(effect, smokeAge, 1.9f, {{0, 0.1f}, {0.2f, 0.28f}, {1, 0.45f}}).Wire("Value", smoke, "Scale");
+    AddColours(effect, smokeAge, 1.9f,
+               {{0, 1, 0.6f, 0.3f, 0.5f},
+                {0.15f, 0.55f, 0.33f, 0.26f, 0.4f},
+                {0.5f, 0.3f, 0.25f, 0.28f, 0.25f},
+                {1, 0.35f, 0.3f, 0.34f, 0}})
+        .Wire("Value", smoke, "Colour");
+    puffs.Set("B", {10});
 }
 
 // Nine torches on a grid, lit in order over and over, each with frames from a sheet of sixteen.
@@ -182,8 +225,8 @@ void MakeSparks(TSampleBuilder& effect)
     floor.Wire("Velocity", stage, "Velocity");
     life.Wire("Value", age, "Max Age");
     const TSampleNode colours = AddColours(effect, age, 2,
-                                           {{0, 1, 0.95f, 0.75f, 1},
-                                            {0.3f, 1, 0.65f, 0.1f, 1},
+                                           {{0, 1, 0.85f, 0.35f, 1},
+                                            {0.3f, 1, 0.55f, 0.05f, 1},
                                             {0.75f, 0.9f, 0.2f, 0.05f, 0.9f},
                                             {1, 0.4f, 0.05f, 0.02f, 0}});
     life.Wire("Value", colours, "Life");
@@ -220,19 +263,21 @@ void MakeTiles(TSampleBuilder& effect)
         .Wire("Value", stage, "Colour");
 }
 
-// A sphere that shines outwards: the normal of each point is the axis of its own cone.
+// A sphere that shines outwards: the normal of each point is the axis of its own cone. What is born together
+// shares one axis, so that no more than one ray a frame is.
 void MakeAura(TSampleBuilder& effect)
 {
-    const TSampleNode trigger = AddTrickle(effect, 220, 16);
+    const TSampleNode trigger = AddTrickle(effect, 50, 1);
     const TSampleNode sphere = effect.Add("Sphere Surface")
-                                   .Int("Particle Count", 320)
-                                   .Set("Translation", {0, 0.9f, 0, 0, 0, 0})
-                                   .Set("Scale", {0.45f, 0.45f, 0.45f});
-    const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.97f, 0.5f, 1.1f);
-    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.15f});
+                                   .Int("Particle Count", 110)
+                                   .Set("Translation", {0, 0.85f, 0, 0, 0, 0})
+                                   .Set("Scale", {0.36f, 0.36f, 0.36f});
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.995f, 0.4f, 0.9f);
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.5f});
     const TSampleNode integrate = effect.Add("Integrate");
-    const TSampleNode age = AddAge(effect, 1.2f);
-    const TSampleNode stage = AddTrails(effect, 0.03f, 0.5f).Priority(20);
+    const TSampleNode age = AddAge(effect, 2);
+    const TSampleNode stage = AddTrails(effect, 0.06f, 0.75f).Priority(20);
+    const TSampleNode light = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(25);
     trigger.Wire("Count", sphere, "Emission Trigger");
     sphere.Wire("Position", integrate, "Position");
     sphere.Wire("Normal", cone, "Direction");
@@ -240,35 +285,39 @@ void MakeAura(TSampleBuilder& effect)
     drag.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", stage, "Position");
     drag.Wire("Velocity", stage, "Velocity");
-    AddColours(effect, age, 1.2f,
+    integrate.Wire("Position", light, "Transform");
+    AddColours(effect, age, 2,
                {{0, 0.3f, 0.85f, 1, 0},
-                {0.15f, 0.25f, 0.6f, 1, 0.9f},
-                {0.6f, 0.5f, 0.25f, 0.95f, 0.7f},
-                {1, 0.7f, 0.1f, 0.7f, 0}})
+                {0.2f, 0.2f, 0.7f, 1, 0.95f},
+                {0.6f, 0.4f, 0.3f, 1, 0.8f},
+                {1, 0.75f, 0.15f, 0.85f, 0}})
         .Wire("Value", stage, "Colour");
+    AddSizes(effect, age, 2, {{0, 0.02f}, {0.3f, 0.05f}, {1, 0.03f}}).Wire("Value", light, "Scale");
+    AddColours(effect, age, 2, {{0, 0.6f, 0.9f, 1, 0}, {0.25f, 0.6f, 0.9f, 1, 0.9f}, {1, 0.9f, 0.5f, 1, 0}})
+        .Wire("Value", light, "Colour");
 
     // What it shines out of: lights that come and go, of which there is always one.
     const TSampleNode beat = AddTrickle(effect, 0.5f, 1);
-    const TSampleNode middle = AddPoint(effect, 3, 0, 0.9f, 0);
+    const TSampleNode middle = AddPoint(effect, 3, 0, 0.85f, 0);
     const TSampleNode lightAge = AddAge(effect, 4);
-    const TSampleNode halo = AddHalo(effect, 0.75f, {1, 1, 1, 1});
-    const TSampleNode heart =
-        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.34f, 0.34f}).Priority(10);
+    const TSampleNode halo = AddGlow(effect).Set("Scale", {0.85f, 0.85f}).Priority(5);
+    const TSampleNode heart = AddGlow(effect).Set("Scale", {0.34f, 0.34f}).Priority(10);
     beat.Wire("Count", middle, "Emission Trigger");
-    middle.Wire("Start Transform", halo, "Transform");
-    middle.Wire("Start Transform", heart, "Transform");
+    for (const TSampleNode& stageOfLight : {halo, heart})
+        middle.Wire("Start Transform", stageOfLight, "Transform");
     AddColours(effect, lightAge, 4,
-               {{0, 0.2f, 0.55f, 1, 0},
-                {0.25f, 0.2f, 0.55f, 1, 0.5f},
-                {0.6f, 0.25f, 0.6f, 1, 0.4f},
-                {1, 0.2f, 0.5f, 1, 0}})
+               {{0, 0.1f, 0.35f, 1, 0},
+                {0.25f, 0.1f, 0.35f, 1, 0.6f},
+                {0.6f, 0.15f, 0.4f, 1, 0.5f},
+                {1, 0.1f, 0.3f, 1, 0}})
         .Wire("Value", halo, "Colour");
     AddColours(effect, lightAge, 4,
-               {{0, 0.85f, 0.97f, 1, 0},
-                {0.2f, 0.85f, 0.97f, 1, 0.9f},
-                {0.6f, 0.85f, 0.97f, 1, 0.6f},
-                {1, 0.85f, 0.97f, 1, 0}})
+               {{0, 0.55f, 0.9f, 1, 0},
+                {0.25f, 0.55f, 0.9f, 1, 0.9f},
+                {0.6f, 0.55f, 0.9f, 1, 0.7f},
+                {1, 0.55f, 0.9f, 1, 0}})
         .Wire("Value", heart, "Colour");
+    AddDusk(effect, 0.85f, {1.5f, 1.5f}, {0.03f, 0.04f, 0.25f, 0.7f});
 }
 
 // Rain whose drops emit particles where they hit the ground: one ring and a few droplets each. A drop's hit
@@ -276,9 +325,9 @@ void MakeAura(TSampleBuilder& effect)
 // first.
 void MakeRain(TSampleBuilder& effect)
 {
-    const TSampleNode trigger = AddTrickle(effect, 70, 4);
+    const TSampleNode trigger = AddTrickle(effect, 170, 4);
     const TSampleNode cloud = effect.Add("Grid")
-                                  .Int("Particle Count", 64)
+                                  .Int("Particle Count", 140)
                                   .Int("X Divisions", 24)
                                   .Int("Y Divisions", 24)
                                   .Set("Transform", {0, 2.4f, 0, 0, 0, 0})
@@ -289,7 +338,7 @@ void MakeRain(TSampleBuilder& effect)
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode end = effect.Add("Prune");
     const TSampleNode drops =
-        AddTrails(effect, 0.016f, 0.08f).Set("Colour", {0.3f, 0.5f, 0.85f, 0.8f}).Priority(0);
+        AddTrails(effect, 0.02f, 0.11f).Set("Colour", {0.22f, 0.44f, 0.8f, 0.95f}).Priority(0);
     trigger.Wire("Count", cloud, "Emission Trigger");
     cone.Wire("Velocity", gravity, "Velocity");
     cloud.Wire("Start Transform", ground, "Position");
@@ -303,7 +352,7 @@ void MakeRain(TSampleBuilder& effect)
     const TSampleNode turn = effect.Add("Random Value");
     const TSampleNode flat = effect.Add("Make Transform").Set("Translation", {0, 0.01f, 0});
     const TSampleNode lay = effect.Add("Add");
-    const TSampleNode hit = AddPoint(effect, 100, 0, 0, 0);
+    const TSampleNode hit = AddPoint(effect, 180, 0, 0, 0);
     const TSampleNode ringAge = AddAge(effect, 0.7f);
     const TSampleNode rings = AddStage(effect, "Quad Render Stage", "ring.hvt").Priority(10);
     ground.Wire("Collision", hit, "Emission Trigger");
@@ -312,18 +361,19 @@ void MakeRain(TSampleBuilder& effect)
     hit.Wire("Start Transform", lay, "A");
     flat.Wire("Transform", lay, "B");
     lay.Wire("Sum", rings, "Transform");
-    AddSizes(effect, ringAge, 0.7f, {{0, 0.01f}, {0.4f, 0.1f}, {1, 0.16f}}).Wire("Value", rings, "Scale");
-    AddColours(effect, ringAge, 0.7f, {{0, 0.35f, 0.55f, 0.9f, 0.9f}, {1, 0.4f, 0.6f, 0.9f, 0}})
+    AddSizes(effect, ringAge, 0.7f, {{0, 0.01f}, {0.4f, 0.1f}, {1, 0.17f}}).Wire("Value", rings, "Scale");
+    AddColours(effect, ringAge, 0.7f,
+               {{0, 0.2f, 0.42f, 0.8f, 1}, {0.3f, 0.2f, 0.42f, 0.8f, 0.75f}, {1, 0.3f, 0.5f, 0.85f, 0}})
         .Wire("Value", rings, "Colour");
 
     const TSampleNode count = effect.Add("Multiply");
-    const TSampleNode splash = AddPoint(effect, 240, 0, 0, 0);
+    const TSampleNode splash = AddPoint(effect, 400, 0, 0, 0);
     const TSampleNode splashCone = AddCone(effect, {0, 1, 0}, 0.75f, 0.5f, 0.9f);
     const TSampleNode splashGravity = effect.Add("Gravity").Set("Acceleration", {0, -4, 0});
     const TSampleNode splashIntegrate = effect.Add("Integrate");
     const TSampleNode splashAge = AddAge(effect, 0.4f);
     const TSampleNode droplets =
-        AddStage(effect, "Sprite Render Stage", "drop.dds").Set("Scale", {0.012f, 0.014f}).Priority(20);
+        AddStage(effect, "Sprite Render Stage", "drop.dds").Set("Scale", {0.017f, 0.02f}).Priority(20);
     ground.Wire("Collision", count, "A");
     count.Wire("Product", splash, "Emission Trigger");
     integrate.Wire("Position", splash, "Transform");
@@ -331,7 +381,7 @@ void MakeRain(TSampleBuilder& effect)
     splash.Wire("Start Transform", splashIntegrate, "Position");
     splashGravity.Wire("Velocity", splashIntegrate, "Velocity");
     splashIntegrate.Wire("Position", droplets, "Transform");
-    AddColours(effect, splashAge, 0.4f, {{0, 0.5f, 0.75f, 1, 1}, {1, 0.3f, 0.55f, 0.9f, 0.2f}})
+    AddColours(effect, splashAge, 0.4f, {{0, 0.35f, 0.6f, 0.95f, 1}, {1, 0.2f, 0.42f, 0.8f, 0.2f}})
         .Wire("Value", droplets, "Colour");
     // The one port that takes no more than the place of it comes last.
     integrate.Wire("Position", drops, "Position");
@@ -350,35 +400,55 @@ void MakeComet(TSampleBuilder& effect)
     const TSampleNode path = effect.Add("Animation Path").Animation("Animation", "knot.vori");
     const TSampleNode place = effect.Add("Add");
     const TSampleNode core =
-        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.075f, 0.075f}).Priority(20);
-    const TSampleNode halo = AddHalo(effect, 0.26f, {0.1f, 0.35f, 1, 0.75f});
+        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.1f, 0.1f}).Priority(30);
+    const TSampleNode halo = AddHalo(effect, 0.42f, {0.02f, 0.12f, 0.75f, 0.9f});
+    const TSampleNode flare =
+        AddGlow(effect).Set("Scale", {0.3f, 0.3f}).Set("Colour", {0.2f, 0.5f, 1, 0.9f}).Priority(25);
     trigger.Wire("Count", source, "Emission Trigger");
     age.Wire("Age", path, "Time");
     source.Wire("Start Transform", place, "A");
     path.Wire("Transform", place, "B");
     place.Wire("Sum", core, "Transform");
     place.Wire("Sum", halo, "Transform");
+    place.Wire("Sum", flare, "Transform");
     AddColours(effect, age, 8, {{0, 1, 1, 1, 0}, {0.03f, 1, 1, 1, 1}, {0.97f, 1, 1, 1, 1}, {1, 1, 1, 1, 0}})
         .Wire("Value", core, "Colour");
 
     const TSampleNode shed = AddCurve(effect, "Scalar Over Life", age, 8).Curve("Value", 0, {{0, 2}, {1, 2}});
     const TSampleNode tail = AddPoint(effect, 240, 0, 0, 0);
-    const TSampleNode drift = AddCone(effect, {0, 1, 0}, -1, 0.01f, 0.12f);
+    const TSampleNode drift = AddCone(effect, {0, 1, 0}, -1, 0.01f, 0.1f);
     const TSampleNode integrate = effect.Add("Integrate");
-    const TSampleNode tailAge = AddAge(effect, 1.8f);
+    const TSampleNode tailAge = AddAge(effect, 2);
     const TSampleNode dust = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(10);
+    const TSampleNode shine = AddGlow(effect).Priority(15);
+    const TSampleNode glitter = AddStage(effect, "Sprite Render Stage", "star.dds").Priority(20);
     shed.Wire("Value", tail, "Emission Trigger");
     place.Wire("Sum", tail, "Transform");
     tail.Wire("Start Transform", integrate, "Position");
     drift.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", dust, "Transform");
-    AddSizes(effect, tailAge, 1.8f, {{0, 0.09f}, {0.25f, 0.07f}, {1, 0.012f}}).Wire("Value", dust, "Scale");
-    AddColours(effect, tailAge, 1.8f,
-               {{0, 0.65f, 0.9f, 1, 0.8f},
-                {0.2f, 0.15f, 0.55f, 1, 0.6f},
-                {0.6f, 0.5f, 0.2f, 0.9f, 0.4f},
-                {1, 0.9f, 0.25f, 0.5f, 0}})
+    integrate.Wire("Position", shine, "Transform");
+    integrate.Wire("Position", glitter, "Transform");
+    AddSizes(effect, tailAge, 2, {{0, 0.13f}, {0.3f, 0.15f}, {1, 0.2f}}).Wire("Value", dust, "Scale");
+    AddColours(effect, tailAge, 2,
+               {{0, 0.05f, 0.3f, 1, 0.5f},
+                {0.25f, 0.1f, 0.25f, 0.95f, 0.3f},
+                {0.6f, 0.4f, 0.1f, 0.85f, 0.16f},
+                {1, 0.8f, 0.1f, 0.6f, 0}})
         .Wire("Value", dust, "Colour");
+    AddSizes(effect, tailAge, 2, {{0, 0.1f}, {0.3f, 0.05f}, {1, 0.02f}}).Wire("Value", shine, "Scale");
+    AddColours(effect, tailAge, 2,
+               {{0, 0.5f, 0.8f, 1, 0.45f},
+                {0.3f, 0.3f, 0.5f, 1, 0.25f},
+                {0.7f, 0.6f, 0.3f, 1, 0},
+                {1, 0.6f, 0.3f, 1, 0}})
+        .Wire("Value", shine, "Colour");
+    AddSizes(effect, tailAge, 2,
+             {{0, 0.01f}, {0.35f, 0.03f}, {0.5f, 0.012f}, {0.65f, 0.035f}, {0.85f, 0.01f}, {1, 0}})
+        .Wire("Value", glitter, "Scale");
+    AddColours(effect, tailAge, 2,
+               {{0, 1, 1, 1, 0}, {0.3f, 1, 1, 1, 0.9f}, {0.8f, 1, 0.85f, 1, 0.9f}, {1, 1, 0.8f, 1, 0}})
+        .Wire("Value", glitter, "Colour");
 }
 
 // Fireflies that glow, each when its age has come to it; they wander with a noise which grows finer as they
@@ -393,15 +463,14 @@ void MakeFireflies(TSampleBuilder& effect)
     const TSampleNode start = effect.Add("Make Transform");
     const TSampleNode cone = AddCone(effect, {0, 1, 0}, -1, 0.2f, 0.5f);
     const TSampleNode middle =
-        effect.Add("Attractor").Set("Attractor Position", {0, 0.8f, 0}).Set("Strength", {0.9f});
+        effect.Add("Attractor").Set("Attractor Position", {0, 0.8f, 0}).Set("Strength", {0.45f});
     const TSampleNode noise = effect.Add("Noise").Switch("Fixed Seed", true).Int("Fixed Seed.Random Seed", 7);
-    const TSampleNode wander = effect.Add("Wind").Set("Strength", {1.5f});
+    const TSampleNode wander = effect.Add("Wind").Set("Strength", {0.9f});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.45f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode age = AddAge(effect, 6);
-    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(0);
-    const TSampleNode light =
-        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.016f, 0.016f}).Priority(10);
+    const TSampleNode stage = AddGlow(effect).Priority(5);
+    const TSampleNode light = AddGlow(effect).Set("Scale", {0.022f, 0.022f}).Priority(10);
     trigger.Wire("Count", hedge, "Emission Trigger");
     hedge.Wire("Position", start, "Translation");
     start.Wire("Transform", middle, "Position");
@@ -419,38 +488,40 @@ void MakeFireflies(TSampleBuilder& effect)
     start.Wire("Transform", noise, "Position");
     const TSampleNode blink = AddCurve(effect, "Shaper", age, 6);
     blink.Wire("Value", stage, "Scale");
-    blink.Curves("Value", {{0, 0.02f},
-                           {0.12f, 0.11f},
-                           {0.22f, 0.03f},
-                           {0.36f, 0.03f},
-                           {0.46f, 0.13f},
-                           {0.58f, 0.03f},
-                           {0.7f, 0.03f},
-                           {0.8f, 0.12f},
-                           {0.92f, 0.03f},
-                           {1, 0.02f}});
+    blink.Curves("Value", {{0, 0.03f},
+                           {0.12f, 0.15f},
+                           {0.22f, 0.05f},
+                           {0.36f, 0.05f},
+                           {0.46f, 0.17f},
+                           {0.58f, 0.05f},
+                           {0.7f, 0.05f},
+                           {0.8f, 0.15f},
+                           {0.92f, 0.05f},
+                           {1, 0.03f}});
     AddColours(effect, age, 6,
-               {{0, 0.6f, 0.8f, 0, 0},
-                {0.12f, 0.75f, 0.85f, 0, 0.85f},
-                {0.22f, 0.5f, 0.6f, 0, 0.15f},
-                {0.36f, 0.5f, 0.6f, 0, 0.15f},
-                {0.46f, 0.85f, 0.8f, 0, 0.9f},
-                {0.58f, 0.5f, 0.55f, 0, 0.15f},
-                {0.7f, 0.5f, 0.55f, 0, 0.15f},
-                {0.8f, 0.95f, 0.7f, 0, 0.85f},
-                {1, 0.8f, 0.5f, 0, 0}})
+               {{0, 0.4f, 0.7f, 0, 0},
+                {0.12f, 0.5f, 0.75f, 0.05f, 0.85f},
+                {0.22f, 0.3f, 0.5f, 0, 0.1f},
+                {0.36f, 0.3f, 0.5f, 0, 0.1f},
+                {0.46f, 0.6f, 0.7f, 0.05f, 0.9f},
+                {0.58f, 0.3f, 0.45f, 0, 0.1f},
+                {0.7f, 0.3f, 0.45f, 0, 0.1f},
+                {0.8f, 0.75f, 0.6f, 0.05f, 0.85f},
+                {1, 0.6f, 0.4f, 0, 0}})
         .Wire("Value", stage, "Colour");
     AddColours(effect, age, 6,
-               {{0, 0.3f, 0.25f, 0.05f, 0},
-                {0.12f, 1, 1, 0.75f, 1},
-                {0.22f, 0.35f, 0.32f, 0.1f, 0.8f},
-                {0.36f, 0.35f, 0.32f, 0.1f, 0.8f},
-                {0.46f, 1, 1, 0.75f, 1},
-                {0.58f, 0.35f, 0.3f, 0.1f, 0.8f},
-                {0.7f, 0.35f, 0.3f, 0.1f, 0.8f},
-                {0.8f, 1, 1, 0.75f, 1},
-                {1, 0.3f, 0.25f, 0.05f, 0}})
+               {{0, 0.6f, 0.6f, 0.2f, 0},
+                {0.12f, 1, 1, 0.6f, 1},
+                {0.22f, 0.6f, 0.6f, 0.2f, 0.35f},
+                {0.36f, 0.6f, 0.6f, 0.2f, 0.35f},
+                {0.46f, 1, 1, 0.6f, 1},
+                {0.58f, 0.6f, 0.55f, 0.2f, 0.35f},
+                {0.7f, 0.6f, 0.55f, 0.2f, 0.35f},
+                {0.8f, 1, 0.95f, 0.6f, 1},
+                {1, 0.6f, 0.5f, 0.1f, 0}})
         .Wire("Value", light, "Colour");
+
+    AddDusk(effect, 0.75f, {1.9f, 1.2f}, {0.02f, 0.08f, 0.14f, 0.75f});
 }
 
 // A puff of dust that a game steers: where, which way, how strong and of what colour.
@@ -490,14 +561,15 @@ void MakeImpact(TSampleBuilder& effect)
 }
 
 // A disc that turns into the middle and is swallowed there. Its colour follows the speed, not an age. The
-// dark that swallows it comes first and stays.
+// dark that swallows it comes first and stays. What is born together shares one velocity, so that no more
+// than one streak a frame is.
 void MakeVortex(TSampleBuilder& effect)
 {
-    const TSampleNode trigger = AddTrickle(effect, 55, 4);
+    const TSampleNode trigger = AddTrickle(effect, 50, 1);
     const TSampleNode disc = effect.Add("Sphere Surface")
                                  .Int("Particle Count", 500)
-                                 .Set("Translation", {0, 0.8f, 0, 0, 0, 0})
-                                 .Set("Scale", {1.3f, 0.06f, 1.3f});
+                                 .Set("Translation", {0, 0.7f, 0, 0, 0, 0})
+                                 .Set("Scale", {1.15f, 0.05f, 1.15f});
     // Across the radius: (z, 0, -x).
     const TSampleNode x = effect.Add("Select Component").Choose("Component", "X");
     const TSampleNode z = effect.Add("Select Component").Choose("Component", "Z");
@@ -505,16 +577,17 @@ void MakeVortex(TSampleBuilder& effect)
     const TSampleNode forwards = effect.Add("Multiply");
     const TSampleNode across = effect.Add("Build Vector");
     const TSampleNode pull =
-        effect.Add("Attractor").Set("Attractor Position", {0, 0.8f, 0}).Set("Strength", {5});
+        effect.Add("Attractor").Set("Attractor Position", {0, 0.7f, 0}).Set("Strength", {5});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.4f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode hole =
-        effect.Add("Volume").Set("Transform", {0, 0.8f, 0, 0, 0, 0}).Set("Scale", {0.16f, 0.16f, 0.16f});
+        effect.Add("Volume").Set("Transform", {0, 0.7f, 0, 0, 0, 0}).Set("Scale", {0.09f, 0.09f, 0.09f});
     const TSampleNode end = effect.Add("Prune");
     const TSampleNode speed = effect.Add("Select Component").Choose("Component", "Length");
     const TSampleNode colours = effect.Add("Colour Over Life").Set("Life", {2.6f});
+    const TSampleNode streaks = AddTrails(effect, 0.07f, 0.4f).Priority(20);
     const TSampleNode stage =
-        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.035f, 0.035f}).Priority(10);
+        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.07f, 0.07f}).Priority(15);
     trigger.Wire("Count", disc, "Emission Trigger");
     disc.Wire("Position", x, "Vector");
     disc.Wire("Position", z, "Vector");
@@ -531,23 +604,39 @@ void MakeVortex(TSampleBuilder& effect)
     hole.Wire("Result", end, "Kill");
     drag.Wire("Velocity", speed, "Vector");
     speed.Wire("Value", colours, "Time");
-    colours.Colours("Value", {{0, 0.15f, 0.02f, 0.25f, 1},
-                              {0.25f, 0.55f, 0.1f, 0.8f, 1},
-                              {0.6f, 0.2f, 0.4f, 1, 0.9f},
-                              {1, 0.2f, 0.9f, 1, 0.8f}});
+    colours.Colours("Value", {{0, 1, 0.55f, 0.15f, 0.9f},
+                              {0.2f, 0.95f, 0.2f, 0.55f, 0.9f},
+                              {0.5f, 0.4f, 0.25f, 1, 0.85f},
+                              {1, 0.15f, 0.75f, 1, 0.8f}});
     colours.Wire("Value", stage, "Colour");
+    colours.Wire("Value", streaks, "Colour");
+    integrate.Wire("Position", streaks, "Position");
     integrate.Wire("Position", stage, "Transform");
-    forwards.Set("B", {1.8f});
-    backwards.Set("B", {-1.8f});
+    drag.Wire("Velocity", streaks, "Velocity");
+    forwards.Set("B", {2});
+    backwards.Set("B", {-2});
 
+    // The night that it lies in, the mist in that, the dark in its middle and the light about it.
     const TSampleNode once = AddBurst(effect, 1);
-    const TSampleNode middle = AddPoint(effect, 1, 0, 0.8f, 0);
-    const TSampleNode dark = AddStage(effect, "Sprite Render Stage", "smoke.hvt")
+    const TSampleNode middle =
+        effect.Add("Point Emitter").Int("Particle Count", 1).Set("Transform", {0, 0.7f, 0, 90, 0, 0});
+    const TSampleNode night = AddStage(effect, "Quad Render Stage", "glow.dds")
+                                  .Set("Scale", {1.8f, 1.8f})
+                                  .Set("Colour", {0.04f, 0.01f, 0.2f, 1})
+                                  .Priority(0);
+    const TSampleNode mist = AddStage(effect, "Quad Render Stage", "smoke.hvt")
+                                 .Set("Scale", {0.95f, 0.95f})
+                                 .Set("Colour", {0.7f, 0.2f, 0.75f, 0.5f})
+                                 .Priority(5);
+    const TSampleNode rim =
+        AddGlow(effect).Set("Scale", {0.42f, 0.34f}).Set("Colour", {1, 0.5f, 0.25f, 0.9f}).Priority(25);
+    const TSampleNode dark = AddStage(effect, "Sprite Render Stage", "glow.dds")
                                  .Set("Scale", {0.24f, 0.24f})
-                                 .Set("Colour", {0.06f, 0.02f, 0.12f, 0.95f})
-                                 .Priority(0);
+                                 .Set("Colour", {0, 0, 0, 1})
+                                 .Priority(30);
     once.Wire("Count", middle, "Emission Trigger");
-    middle.Wire("Start Transform", dark, "Transform");
+    for (const TSampleNode& stageOfMiddle : {night, mist, rim, dark})
+        middle.Wire("Start Transform", stageOfMiddle, "Transform");
 }
 
 // Fumes that start slowly, turn as they rise and fade from one picture to another.
@@ -598,14 +687,14 @@ void MakeFumes(TSampleBuilder& effect)
     spin.Set("Low", {-60}).Set("High", {60});
 }
 
-// Flakes that start anywhere in a wide box, totter down and melt on the ground.
-void MakeSnow(TSampleBuilder& effect)
+// What falls out of a wide box, totters and ends on the ground.
+void AddSnowfall(TSampleBuilder& effect, const char* texture, float chance, float size, int priority)
 {
     const TSampleNode trigger = effect.Add("Emitter")
                                     .Choose("Emit Mode", "Chance")
-                                    .Set("Rate", {0.8f})
+                                    .Set("Rate", {chance})
                                     .Int("Per frame max emission", 4);
-    const TSampleNode sky = AddPoint(effect, 280, 0, 2, 0);
+    const TSampleNode sky = AddPoint(effect, 280, 0, 1.9f, 0);
     const TSampleNode where = effect.Add("Random Value");
     const TSampleNode turned = effect.Add("Random Value");
     const TSampleNode offset = effect.Add("Make Transform");
@@ -616,7 +705,7 @@ void MakeSnow(TSampleBuilder& effect)
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode end = effect.Add("Prune");
     const TSampleNode age = AddAge(effect, 6);
-    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", "flake.dds");
+    const TSampleNode stage = AddStage(effect, "Sprite Render Stage", texture).Priority(priority);
     trigger.Wire("Count", sky, "Emission Trigger");
     where.Wire("Value", offset, "Translation");
     turned.Wire("Value", offset, "Rotation");
@@ -629,13 +718,20 @@ void MakeSnow(TSampleBuilder& effect)
     ground.Wire("Velocity", integrate, "Velocity");
     ground.Wire("Collision", end, "Kill");
     integrate.Wire("Position", stage, "Transform");
-    AddSizes(effect, age, 6, {{0, 0.03f}, {0.1f, 0.042f}, {0.9f, 0.042f}, {1, 0.02f}})
+    AddSizes(effect, age, 6, {{0, 0.6f * size}, {0.1f, size}, {0.9f, size}, {1, 0.5f * size}})
         .Wire("Value", stage, "Scale");
     AddColours(effect, age, 6,
                {{0, 1, 1, 1, 0}, {0.08f, 1, 1, 1, 0.95f}, {0.9f, 1, 1, 1, 0.95f}, {1, 1, 1, 1, 0}})
         .Wire("Value", stage, "Colour");
-    where.Set("Low", {-1.2f, -0.2f, -1.2f}).Set("High", {1.2f, 0.2f, 1.2f});
+    where.Set("Low", {-1.1f, -0.2f, -1.1f}).Set("High", {1.1f, 0.2f, 1.1f});
     turned.Set("Low", {0, 0, 0}).Set("High", {0, 0, 360});
+}
+
+// Flakes that start anywhere in a wide box, totter down and melt on the ground, with fine ones among them.
+void MakeSnow(TSampleBuilder& effect)
+{
+    AddSnowfall(effect, "flake.dds", 0.8f, 0.05f, 10);
+    AddSnowfall(effect, "flake.dds", 1, 0.024f, 0);
 }
 
 // Leaves that tumble in every direction and go from green to brown on their way to the ground.

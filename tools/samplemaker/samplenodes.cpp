@@ -68,3 +68,27 @@ TSampleNode AddHalo(TSampleBuilder& effect, float size, std::initializer_list<fl
         .Set("Colour", colour)
         .Priority(0);
 }
+
+TSampleNode AddGlow(TSampleBuilder& effect)
+{
+    return AddStage(effect, "Sprite Render Stage", "glow.dds").Choose("Alpha Blend.Dest Function", "One");
+}
+
+void AddDusk(TSampleBuilder& effect, float height, std::initializer_list<float> size,
+             std::initializer_list<float> colour)
+{
+    const float* tint = colour.begin();
+    const TSampleNode beat = AddTrickle(effect, 0.5f, 1);
+    const TSampleNode middle = AddPoint(effect, 3, 0, height, 0);
+    const TSampleNode age = AddAge(effect, 4);
+    const TSampleNode dusk =
+        AddStage(effect, "Sprite Render Stage", "dusk.dds").Set("Scale", size).Priority(0);
+    beat.Wire("Count", middle, "Emission Trigger");
+    middle.Wire("Start Transform", dusk, "Transform");
+    AddColours(effect, age, 4,
+               {{0, tint[0], tint[1], tint[2], 0},
+                {0.2f, tint[0], tint[1], tint[2], tint[3]},
+                {0.6f, tint[0], tint[1], tint[2], tint[3]},
+                {1, tint[0], tint[1], tint[2], 0}})
+        .Wire("Value", dusk, "Colour");
+}

@@ -24,3 +24,9 @@ TSampleNode AddStage(TSampleBuilder& effect, const char* type, const char* textu
 TSampleNode AddTrails(TSampleBuilder& effect, float halfWidth, float seconds);
 // Light about a thing: a wide sprite behind it, whose colour shows before a light background too.
 TSampleNode AddHalo(TSampleBuilder& effect, float size, std::initializer_list<float> colour);
+// Light that adds to what is behind it.
+TSampleNode AddGlow(TSampleBuilder& effect);
+// Dark air in the middle of the ground, before which light shows on a light background too. It comes and
+// goes, and there is always some.
+void AddDusk(TSampleBuilder& effect, float height, std::initializer_list<float> size,
+             std::initializer_list<float> colour);

@@ -63,6 +63,14 @@ TTexel PaintGlow(double x, double y)
     return White(Clamp(0.75 * fall * fall * fall + 0.2 * fall * fall + 0.45 * core));
 }
 
+// Even over most of its width, and so soft at the rim that one does not see where it ends.
+TTexel PaintDusk(double x, double y)
+{
+    const double cloud = GetFractalNoise(1.6 * x + 4, 1.6 * y + 2, 0, 61);
+    const double fall = Clamp(1 - Length(x, y) * Mix(0.9, 1.15, cloud));
+    return White(Step(0, 1, fall) * Mix(1, 1.25, fall) * 0.8);
+}
+
 // A streak without edges: broad and bright near the head, thin at the tail.
 TTexel PaintSpark(double x, double y)
 {
@@ -118,52 +126,50 @@ TTexel PaintWisp(double x, double y)
     return Tinted(0.95, 0.95, 0.95, alpha * 0.9);
 }
 
+// A thin bright line between two soft slopes.
 TTexel PaintRing(double x, double y)
 {
-    const double r = Length(x, y);
-    const double band = Clamp(1 - std::fabs(r - 0.78) / 0.21);
-    return White(band * band * (3 - 2 * band));
+    const double off = Length(x, y) - 0.78;
+    const double slope = Clamp(1 - std::fabs(off) / (off > 0 ? 0.21 : 0.34));
+    const double line = Clamp(1 - std::fabs(off) / 0.07);
+    return White(Clamp(0.55 * slope * slope * (3 - 2 * slope) + 0.45 * line * line * (3 - 2 * line)));
 }
 
-// Three lines through the middle, each with two pairs of branches.
+// Three lines through the middle, each with a pair of branches, in a soft light. Flakes are small on the
+// screen: lines that are thinner than its dots would flicker.
 TTexel PaintFlake(double x, double y)
 {
     static constexpr double HalfRoot3 = 0.8660254037844386;
     static constexpr double Arms[][2] = {{1, 0}, {0.5, HalfRoot3}, {-0.5, HalfRoot3}};
+    const double r = Length(x, y);
     double nearest = 1;
     for (const double* arm : Arms) {
         const double along = std::fabs(x * arm[0] + y * arm[1]);
         const double across = std::fabs(y * arm[0] - x * arm[1]);
-        if (along < 0.92)
+        if (along < 0.8)
             nearest = std::min(nearest, across);
-        for (double foot : {0.35, 0.62}) {
-            // A branch leaves the arm at 60 degrees.
-            const double out = (along - foot) * 0.5 + across * HalfRoot3;
-            const double off = std::fabs(across * 0.5 - (along - foot) * HalfRoot3);
-            if (out > 0 && out < (0.95 - foot) * 0.42)
-                nearest = std::min(nearest, off);
-        }
+        // A branch leaves the arm at 60 degrees.
+        const double out = (along - 0.4) * 0.5 + across * HalfRoot3;
+        const double off = std::fabs(across * 0.5 - (along - 0.4) * HalfRoot3);
+        if (out > 0 && out < 0.28)
+            nearest = std::min(nearest, off);
     }
     // White with a cold rim, which shows before a light sky.
-    const double body = 1 - Step(0.02, 0.07, nearest);
-    const double rim = 1 - Step(0.05, 0.2, nearest);
-    return Tinted(Mix(0.5, 1, body), Mix(0.66, 1, body), Mix(0.86, 1, body), Clamp(body + 0.5 * rim));
+    const double body = (1 - Step(0.03, 0.16, nearest)) * Step(0, 0.15, 0.92 - r);
+    const double soft = Clamp(1 - r);
+    const double white = Step(0.1, 0.6, body + 0.6 * soft * soft);
+    return Tinted(Mix(0.42, 1, white), Mix(0.55, 1, white), Mix(0.78, 1, white), Clamp(body + 0.6 * soft));
 }
 
-// A round drop that runs out into a tip, with a light on its left.
+// A round drop, bright at its lower edge and with a light on its upper left, as water has them.
 TTexel PaintDrop(double x, double y)
 {
-    const double centre = -0.35;
-    const double radius = 0.55;
-    double edge = radius - Length(x, y - centre);
-    if (y > centre) {
-        const double up = (y - centre) / (0.95 - centre);
-        const double half = radius * (1 - up) * Mix(1, 0.55, up);
-        edge = up < 1 ? half - std::fabs(x) : -1;
-    }
-    const double shine = Clamp(1 - Length(x + 0.2, y - centre - 0.12) / 0.18);
-    const double light = Clamp(0.75 + 0.25 * shine);
-    return Tinted(light, light, 1, Step(0, 0.12, edge));
+    const double r = Length(x, y);
+    const double body = Step(0, 0.3, 0.92 - r);
+    const double shine = Clamp(1 - Length(x + 0.28, y - 0.32) / 0.38);
+    const double below = Clamp((r * r) * (0.45 - 0.55 * y));
+    const double light = Clamp(0.62 + 0.5 * below + 0.9 * shine * shine);
+    return Tinted(light, Mix(light, 1, 0.25), Mix(light, 1, 0.5), body * Clamp(0.72 + 0.3 * r * r + shine));
 }
 
 // A rounded tile with a bright rim.
@@ -283,15 +289,16 @@ struct TPicture
 
 constexpr TPicture Pictures[] = {
     {"glow.dds", 128, 128, IF_DDS_RAW, PaintGlow},
+    {"dusk.dds", 128, 128, IF_DDS_RAW, PaintDusk},
     {"spark.dds", 64, 256, IF_DDS_RAW, PaintSpark},
-    {"star.dds", 128, 128, IF_DDS_RAW, PaintStar},
-    {"rock.dds", 64, 64, IF_DDS_DXT5, PaintRock},
+    {"star.dds", 64, 64, IF_DDS_RAW, PaintStar},
+    {"rock.dds", 128, 128, IF_DDS_DXT5, PaintRock},
     {"smoke.hvt", 256, 256, IF_HVT_DXT5, PaintSmoke},
     {"wisp.hvt", 128, 128, IF_HVT_DXT5, PaintWisp},
-    {"ring.hvt", 128, 128, IF_HVT_RAW, PaintRing},
-    {"flake.dds", 128, 128, IF_DDS_RAW, PaintFlake},
-    {"drop.dds", 64, 64, IF_DDS_DXT5, PaintDrop},
-    {"tile.hvt", 64, 64, IF_HVT_RAW, PaintTile},
+    {"ring.hvt", 256, 256, IF_HVT_RAW, PaintRing},
+    {"flake.dds", 64, 64, IF_DDS_RAW, PaintFlake},
+    {"drop.dds", 64, 64, IF_DDS_RAW, PaintDrop},
+    {"tile.hvt", 128, 128, IF_HVT_RAW, PaintTile},
     {"leafgreen.dds", 128, 128, IF_DDS_DXT5, PaintGreenLeaf},
     {"leafbrown.dds", 128, 128, IF_DDS_DXT5, PaintBrownLeaf},
 };

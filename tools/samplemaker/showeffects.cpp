@@ -33,7 +33,7 @@ void Multiply(TSampleBuilder& effect, const TSampleNode& due, float count, const
     times.Set("B", {count});
 }
 
-// Puffs that are born hot and end as what is left of it.
+// Puffs that are born hot and end as what is left of it, and the fire in their middle.
 void AddBlast(TSampleBuilder& effect, const TSampleNode& due)
 {
     const TSampleNode source = effect.Add("Sphere Surface")
@@ -52,15 +52,31 @@ void AddBlast(TSampleBuilder& effect, const TSampleNode& due)
     source.Wire("Position", integrate, "Position");
     rise.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", stage, "Transform");
-    AddSizes(effect, age, 1.7f, {{0, 0.06f}, {0.12f, 0.2f}, {1, 0.32f}}).Wire("Value", stage, "Scale");
+    AddSizes(effect, age, 1.7f, {{0, 0.06f}, {0.12f, 0.2f}, {1, 0.3f}}).Wire("Value", stage, "Scale");
     AddColours(effect, age, 1.7f,
                {{0, 1, 1, 0.85f, 1},
-                {0.1f, 1, 0.8f, 0.3f, 1},
-                {0.25f, 1, 0.45f, 0.08f, 0.95f},
-                {0.42f, 0.75f, 0.2f, 0.04f, 0.85f},
+                {0.1f, 1, 0.75f, 0.25f, 1},
+                {0.25f, 0.95f, 0.38f, 0.06f, 0.95f},
+                {0.42f, 0.6f, 0.16f, 0.04f, 0.85f},
                 {0.6f, 0.25f, 0.18f, 0.16f, 0.65f},
                 {1, 0.35f, 0.33f, 0.32f, 0}})
         .Wire("Value", stage, "Colour");
+
+    const TSampleNode heart = AddPoint(effect, 48, 0, 0.35f, 0);
+    const TSampleNode out = AddCone(effect, {0, 1, 0}, -0.25f, 0.2f, 1.3f);
+    const TSampleNode slow = effect.Add("Damping").Set("Damping", {0.004f});
+    const TSampleNode spread = effect.Add("Integrate");
+    const TSampleNode fireAge = AddAge(effect, 0.8f);
+    const TSampleNode fire = AddGlow(effect).Priority(35);
+    Multiply(effect, due, 24, heart);
+    out.Wire("Velocity", slow, "Velocity");
+    heart.Wire("Start Transform", spread, "Position");
+    slow.Wire("Velocity", spread, "Velocity");
+    spread.Wire("Position", fire, "Transform");
+    AddSizes(effect, fireAge, 0.8f, {{0, 0.12f}, {0.3f, 0.3f}, {1, 0.12f}}).Wire("Value", fire, "Scale");
+    AddColours(effect, fireAge, 0.8f,
+               {{0, 1, 0.7f, 0.3f, 0.6f}, {0.4f, 1, 0.5f, 0.1f, 0.5f}, {1, 0.8f, 0.2f, 0, 0}})
+        .Wire("Value", fire, "Colour");
 }
 
 // Stones that are thrown out, bounce and turn, and the dust that goes with them.
@@ -144,21 +160,31 @@ void AddFlash(TSampleBuilder& effect, const TSampleNode& due)
         .Wire("Value", sparks, "Colour");
 }
 
+// Particles that start all over a level rectangle. Its place is wired in, so that the preview does not draw
+// the close lines of the grid.
+TSampleNode AddStrip(TSampleBuilder& effect, int capacity, std::initializer_list<float> place,
+                     std::initializer_list<float> size)
+{
+    const TSampleNode middle = effect.Add("Make Transform").Set("Translation", place);
+    const TSampleNode strip = effect.Add("Grid")
+                                  .Int("Particle Count", capacity)
+                                  .Int("X Divisions", 40)
+                                  .Int("Y Divisions", 40)
+                                  .Set("Size", size);
+    middle.Wire("Transform", strip, "Transform");
+    return strip;
+}
+
 // Streaks that fall over an edge.
 void AddFall(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 420, 16);
-    const TSampleNode edge = effect.Add("Grid")
-                                 .Int("Particle Count", 480)
-                                 .Int("X Divisions", 24)
-                                 .Int("Y Divisions", 24)
-                                 .Set("Transform", {0, 1.75f, -0.35f, 0, 0, 0})
-                                 .Set("Size", {0.5f, 0.03f});
+    const TSampleNode edge = AddStrip(effect, 480, {0, 1.75f, -0.35f}, {0.5f, 0.03f});
     const TSampleNode cone = AddCone(effect, {0, 0, 1}, 0.985f, 0.35f, 0.7f);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -3.6f, 0});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode age = AddAge(effect, 0.96f);
-    const TSampleNode water = AddTrails(effect, 0.05f, 0.2f).Priority(20);
+    const TSampleNode water = AddTrails(effect, 0.045f, 0.22f).Priority(20);
     trigger.Wire("Count", edge, "Emission Trigger");
     cone.Wire("Velocity", gravity, "Velocity");
     edge.Wire("Start Transform", integrate, "Position");
@@ -166,9 +192,10 @@ void AddFall(TSampleBuilder& effect)
     integrate.Wire("Position", water, "Position");
     gravity.Wire("Velocity", water, "Velocity");
     AddColours(effect, age, 0.96f,
-               {{0, 0.45f, 0.7f, 0.9f, 0},
-                {0.15f, 0.5f, 0.75f, 0.95f, 0.55f},
-                {0.6f, 0.8f, 0.92f, 1, 0.6f},
+               {{0, 0.2f, 0.5f, 0.8f, 0},
+                {0.15f, 0.25f, 0.55f, 0.85f, 0.7f},
+                {0.5f, 0.45f, 0.72f, 0.95f, 0.7f},
+                {0.85f, 0.9f, 0.97f, 1, 0.7f},
                 {1, 1, 1, 1, 0.35f}})
         .Wire("Value", water, "Colour");
 }
@@ -177,12 +204,7 @@ void AddFall(TSampleBuilder& effect)
 void AddSpray(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 34, 4);
-    const TSampleNode foot = effect.Add("Grid")
-                                 .Int("Particle Count", 80)
-                                 .Int("X Divisions", 24)
-                                 .Int("Y Divisions", 24)
-                                 .Set("Transform", {0, 0.06f, 0.16f, 0, 0, 0})
-                                 .Set("Size", {0.5f, 0.12f});
+    const TSampleNode foot = AddStrip(effect, 80, {0, 0.06f, 0.16f}, {0.5f, 0.12f});
     const TSampleNode cone = AddCone(effect, {0, 0.8f, 0.6f}, 0.7f, 0.12f, 0.4f);
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.4f});
     const TSampleNode integrate = effect.Add("Integrate");
@@ -198,12 +220,7 @@ void AddSpray(TSampleBuilder& effect)
         .Wire("Value", mist, "Colour");
 
     const TSampleNode dropTrigger = AddTrickle(effect, 130, 8);
-    const TSampleNode dropFoot = effect.Add("Grid")
-                                     .Int("Particle Count", 100)
-                                     .Int("X Divisions", 24)
-                                     .Int("Y Divisions", 24)
-                                     .Set("Transform", {0, 0.02f, 0.16f, 0, 0, 0})
-                                     .Set("Size", {0.5f, 0.1f});
+    const TSampleNode dropFoot = AddStrip(effect, 100, {0, 0.02f, 0.16f}, {0.5f, 0.1f});
     const TSampleNode dropCone = AddCone(effect, {0, 1, 0}, 0.8f, 0.7f, 1.4f);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -3.6f, 0});
     const TSampleNode dropIntegrate = effect.Add("Integrate");
@@ -219,12 +236,7 @@ void AddSpray(TSampleBuilder& effect)
         .Wire("Value", drops, "Colour");
 
     const TSampleNode waveTrigger = AddTrickle(effect, 9, 2);
-    const TSampleNode pool = effect.Add("Grid")
-                                 .Int("Particle Count", 20)
-                                 .Int("X Divisions", 24)
-                                 .Int("Y Divisions", 24)
-                                 .Set("Transform", {0, 0.01f, 0.3f, 0, 0, 0})
-                                 .Set("Size", {0.5f, 0.2f});
+    const TSampleNode pool = AddStrip(effect, 20, {0, 0.01f, 0.3f}, {0.5f, 0.2f});
     const TSampleNode lie = effect.Add("Make Transform").Set("Rotation", {90, 0, 0});
     const TSampleNode flat = effect.Add("Add");
     const TSampleNode waveAge = AddAge(effect, 1.5f);
@@ -248,35 +260,40 @@ void MakeWaterfall(TSampleBuilder& effect)
     AddSpray(effect);
 }
 
-// A gate in the ground: a dark that draws light into a whirl, and rays that stand on it.
+// A gate in the ground: a dark that draws light into a whirl, and rays that stand on it. What is born
+// together shares one velocity, so that no more than one streak a frame is.
 void MakePortal(TSampleBuilder& effect)
 {
-    const TSampleNode trigger = AddTrickle(effect, 110, 8);
+    const TSampleNode trigger = AddTrickle(effect, 50, 1);
     const TSampleNode rim = effect.Add("Sphere Surface")
-                                .Int("Particle Count", 320)
-                                .Set("Translation", {0, 0.06f, 0, 0, 0, 0})
+                                .Int("Particle Count", 160)
+                                .Set("Translation", {0, 0.05f, 0, 0, 0, 0})
                                 .Set("Scale", {0.85f, 0.02f, 0.85f});
     const TSampleNode across = AddOrbit(effect, rim, "Position", 2.2f);
     const TSampleNode pull =
-        effect.Add("Attractor").Set("Attractor Position", {0, 0.06f, 0}).Set("Strength", {6});
+        effect.Add("Attractor").Set("Attractor Position", {0, 0.05f, 0}).Set("Strength", {6});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.75f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode age = AddAge(effect, 2.6f);
-    const TSampleNode lights = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(30);
+    const TSampleNode lights = AddGlow(effect).Priority(30);
+    const TSampleNode whirl = AddTrails(effect, 0.05f, 0.34f).Priority(25);
     trigger.Wire("Count", rim, "Emission Trigger");
     rim.Wire("Position", pull, "Position");
     across.Wire("Vector", pull, "Velocity");
     pull.Wire("Velocity", drag, "Velocity");
     rim.Wire("Position", integrate, "Position");
     drag.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", whirl, "Position");
     integrate.Wire("Position", lights, "Transform");
-    AddSizes(effect, age, 2.6f, {{0, 0.02f}, {0.3f, 0.055f}, {1, 0.015f}}).Wire("Value", lights, "Scale");
-    AddColours(effect, age, 2.6f,
-               {{0, 0.1f, 0.9f, 0.85f, 0},
-                {0.15f, 0.1f, 0.75f, 0.95f, 0.9f},
-                {0.6f, 0.35f, 0.3f, 1, 0.9f},
-                {1, 0.8f, 0.3f, 1, 0}})
-        .Wire("Value", lights, "Colour");
+    drag.Wire("Velocity", whirl, "Velocity");
+    AddSizes(effect, age, 2.6f, {{0, 0.03f}, {0.3f, 0.08f}, {1, 0.02f}}).Wire("Value", lights, "Scale");
+    const TSampleNode colours = AddColours(effect, age, 2.6f,
+                                           {{0, 0.1f, 0.9f, 0.85f, 0},
+                                            {0.15f, 0.1f, 0.8f, 1, 0.9f},
+                                            {0.6f, 0.3f, 0.35f, 1, 0.9f},
+                                            {1, 0.8f, 0.3f, 1, 0}});
+    colours.Wire("Value", lights, "Colour");
+    colours.Wire("Value", whirl, "Colour");
 
     const TSampleNode rayTrigger = AddTrickle(effect, 60, 4);
     const TSampleNode circle = effect.Add("Sphere Surface")
@@ -286,14 +303,14 @@ void MakePortal(TSampleBuilder& effect)
     const TSampleNode up = AddCone(effect, {0, 1, 0}, 0.999f, 0.5f, 1.3f);
     const TSampleNode rayIntegrate = effect.Add("Integrate");
     const TSampleNode rayAge = AddAge(effect, 1.1f);
-    const TSampleNode rays = AddTrails(effect, 0.022f, 0.42f).Priority(40);
+    const TSampleNode rays = AddTrails(effect, 0.05f, 0.55f).Priority(40);
     rayTrigger.Wire("Count", circle, "Emission Trigger");
     circle.Wire("Position", rayIntegrate, "Position");
     up.Wire("Velocity", rayIntegrate, "Velocity");
     rayIntegrate.Wire("Position", rays, "Position");
     up.Wire("Velocity", rays, "Velocity");
     AddColours(effect, rayAge, 1.1f,
-               {{0, 0.2f, 0.9f, 1, 0}, {0.25f, 0.25f, 0.6f, 1, 0.7f}, {1, 0.6f, 0.3f, 1, 0}})
+               {{0, 0.1f, 0.75f, 1, 0}, {0.3f, 0.1f, 0.5f, 1, 0.9f}, {1, 0.5f, 0.25f, 1, 0}})
         .Wire("Value", rays, "Colour");
 
     // The dark and its edge come and go too, and there is always one.
@@ -302,7 +319,7 @@ void MakePortal(TSampleBuilder& effect)
         effect.Add("Point Emitter").Int("Particle Count", 3).Set("Transform", {0, 0.01f, 0, 90, 0, 0});
     const TSampleNode gateAge = AddAge(effect, 4);
     const TSampleNode dark =
-        AddStage(effect, "Quad Render Stage", "glow.dds").Set("Scale", {1.15f, 1.15f}).Priority(0);
+        AddStage(effect, "Quad Render Stage", "glow.dds").Set("Scale", {1.5f, 1.5f}).Priority(0);
     const TSampleNode edge = AddStage(effect, "Quad Render Stage", "ring.hvt").Priority(10);
     beat.Wire("Count", flat, "Emission Trigger");
     flat.Wire("Start Transform", dark, "Transform");
@@ -331,23 +348,25 @@ void MakeExplosion(TSampleBuilder& effect)
     AddDebris(effect, due);
 }
 
-// Stars that rise in a spiral and gather to a light, which beats.
+// Stars that rise in a spiral about a light, which beats, in a dusk of their own. What is born together
+// shares one velocity, so that no more than one star a frame is.
 void MakeMagic(TSampleBuilder& effect)
 {
-    const TSampleNode trigger = AddTrickle(effect, 130, 8);
+    const TSampleNode trigger = AddTrickle(effect, 50, 1);
     const TSampleNode circle = effect.Add("Sphere Surface")
-                                   .Int("Particle Count", 340)
+                                   .Int("Particle Count", 150)
                                    .Set("Translation", {0, 0.05f, 0, 0, 0, 0})
                                    .Set("Scale", {0.7f, 0.02f, 0.7f});
     const TSampleNode across = AddOrbit(effect, circle, "Position", 2.4f).Set("Y", {0.5f});
     const TSampleNode start = effect.Add("Make Transform");
     const TSampleNode pull =
-        effect.Add("Attractor").Set("Attractor Position", {0, 1.15f, 0}).Set("Strength", {3.2f});
-    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.45f});
+        effect.Add("Attractor").Set("Attractor Position", {0, 1, 0}).Set("Strength", {3.2f});
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.5f});
     const TSampleNode integrate = effect.Add("Integrate");
-    const TSampleNode age = AddAge(effect, 2.4f);
+    const TSampleNode age = AddAge(effect, 2.6f);
     const TSampleNode stars = AddStage(effect, "Sprite Render Stage", "star.dds").Priority(30);
-    const TSampleNode glow = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(20);
+    const TSampleNode glow = AddGlow(effect).Priority(20);
+    const TSampleNode wake = AddTrails(effect, 0.035f, 0.3f).Priority(15);
     trigger.Wire("Count", circle, "Emission Trigger");
     circle.Wire("Position", start, "Translation");
     start.Wire("Transform", pull, "Position");
@@ -357,42 +376,48 @@ void MakeMagic(TSampleBuilder& effect)
     drag.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", stars, "Transform");
     integrate.Wire("Position", glow, "Transform");
-    AddSizes(effect, age, 2.4f, {{0, 0.03f}, {0.2f, 0.11f}, {0.45f, 0.06f}, {0.7f, 0.1f}, {1, 0.02f}})
+    drag.Wire("Velocity", wake, "Velocity");
+    AddSizes(effect, age, 2.6f, {{0, 0.03f}, {0.2f, 0.13f}, {0.45f, 0.07f}, {0.7f, 0.13f}, {1, 0.02f}})
         .Wire("Value", stars, "Scale");
-    AddSizes(effect, age, 2.4f, {{0, 0.03f}, {0.3f, 0.09f}, {1, 0.03f}}).Wire("Value", glow, "Scale");
-    AddColours(effect, age, 2.4f,
+    AddSizes(effect, age, 2.6f, {{0, 0.03f}, {0.3f, 0.14f}, {1, 0.05f}}).Wire("Value", glow, "Scale");
+    AddColours(effect, age, 2.6f,
                {{0, 1, 1, 1, 0}, {0.1f, 1, 1, 0.85f, 1}, {0.8f, 1, 0.95f, 1, 1}, {1, 1, 1, 1, 0}})
         .Wire("Value", stars, "Colour");
-    AddColours(effect, age, 2.4f,
-               {{0, 1, 0.65f, 0, 0},
-                {0.15f, 1, 0.6f, 0, 0.75f},
-                {0.5f, 1, 0.15f, 0.55f, 0.65f},
-                {0.85f, 0.5f, 0.2f, 1, 0.6f},
-                {1, 0.2f, 0.4f, 1, 0}})
-        .Wire("Value", glow, "Colour");
+    const TSampleNode colours = AddColours(effect, age, 2.6f,
+                                           {{0, 1, 0.6f, 0.05f, 0},
+                                            {0.15f, 1, 0.55f, 0.05f, 0.85f},
+                                            {0.45f, 1, 0.15f, 0.5f, 0.75f},
+                                            {0.8f, 0.5f, 0.2f, 1, 0.7f},
+                                            {1, 0.2f, 0.4f, 1, 0}});
+    colours.Wire("Value", glow, "Colour");
+    colours.Wire("Value", wake, "Colour");
+    // The one port that takes no more than the place of it comes last.
+    integrate.Wire("Position", wake, "Position");
 
     const TSampleNode beat = AddTrickle(effect, 1.25f, 1);
-    const TSampleNode heart = AddPoint(effect, 4, 0, 1.15f, 0);
+    const TSampleNode heart = AddPoint(effect, 4, 0, 1, 0);
     const TSampleNode heartAge = AddAge(effect, 1.6f);
-    const TSampleNode light = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(10);
+    const TSampleNode light = AddGlow(effect).Priority(10);
     beat.Wire("Count", heart, "Emission Trigger");
     heart.Wire("Start Transform", light, "Transform");
-    AddSizes(effect, heartAge, 1.6f, {{0, 0.12f}, {0.3f, 0.4f}, {1, 0.55f}}).Wire("Value", light, "Scale");
+    AddSizes(effect, heartAge, 1.6f, {{0, 0.15f}, {0.3f, 0.5f}, {1, 0.75f}}).Wire("Value", light, "Scale");
     AddColours(effect, heartAge, 1.6f,
-               {{0, 1, 1, 1, 0},
-                {0.2f, 1, 0.75f, 0.95f, 0.9f},
-                {0.6f, 0.75f, 0.35f, 1, 0.5f},
-                {1, 0.4f, 0.3f, 1, 0}})
+               {{0, 1, 0.8f, 1, 0},
+                {0.2f, 1, 0.55f, 0.9f, 0.8f},
+                {0.6f, 0.65f, 0.25f, 1, 0.45f},
+                {1, 0.4f, 0.2f, 1, 0}})
         .Wire("Value", light, "Colour");
 
     const TSampleNode flat =
         effect.Add("Point Emitter").Int("Particle Count", 4).Set("Transform", {0, 0.02f, 0, 90, 0, 0});
     const TSampleNode ringAge = AddAge(effect, 1.6f);
-    const TSampleNode ring = AddStage(effect, "Quad Render Stage", "ring.hvt").Priority(0);
+    const TSampleNode ring = AddStage(effect, "Quad Render Stage", "ring.hvt").Priority(12);
     beat.Wire("Count", flat, "Emission Trigger");
     flat.Wire("Start Transform", ring, "Transform");
-    AddSizes(effect, ringAge, 1.6f, {{0, 0.9f}, {1, 0.35f}}).Wire("Value", ring, "Scale");
+    AddSizes(effect, ringAge, 1.6f, {{0, 0.95f}, {1, 0.3f}}).Wire("Value", ring, "Scale");
     AddColours(effect, ringAge, 1.6f,
-               {{0, 1, 0.7f, 0.2f, 0}, {0.4f, 1, 0.5f, 0.3f, 0.8f}, {1, 0.8f, 0.2f, 0.9f, 0}})
+               {{0, 1, 0.65f, 0.15f, 0}, {0.4f, 1, 0.5f, 0.2f, 0.9f}, {1, 0.8f, 0.2f, 0.9f, 0}})
         .Wire("Value", ring, "Colour");
+
+    AddDusk(effect, 0.8f, {1.3f, 1.4f}, {0.1f, 0.02f, 0.24f, 0.75f});
 }

@@ -23,6 +23,7 @@ constexpr int Margin = 24;
 constexpr int LineWidth = 300;
 constexpr int TileGap = 8;
 constexpr QSize PictureSize(160, 120);
+constexpr QSize LineIconSize(32, 32);
 
 // As wide as the page leaves, and as high as the tiles then need.
 class TTileField : public QWidget
@@ -241,7 +242,8 @@ void TEntryPage::AddLine(const TEntry& entry)
     if (GetHandle() == nullptr)
         return;
     QCommandLinkButton* line = new QCommandLinkButton(ToLabel(entry.Text), ToQt(entry.Detail.Print()));
-    line->setIcon(LoadPictureIcon(PI_GRAPH));
+    line->setIcon(LoadPictureIcon(entry.Icon != 0 ? entry.Icon : PI_GRAPH));
+    line->setIconSize(LineIconSize);
     Name(*line, entry);
     const int id = entry.Id;
     QObject::connect(line, &QAbstractButton::clicked, GetHandle(), [this, id] { Report(id, CC_BUTTON); });

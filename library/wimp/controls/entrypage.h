@@ -18,6 +18,8 @@ public:
         TString Help;
         // Of a tile: a file of a picture. One that cannot be read leaves the place to one of the program's.
         TString Picture;
+        // Of a line: the number of one of the program's pictures.
+        int Icon = 0;
     };
 
     bool Create(TWindow* owner, const char* name);

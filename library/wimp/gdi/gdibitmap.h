@@ -13,6 +13,9 @@ enum TPicture
     // Icons of windows.
     PI_GRAPH = 101,
     PI_PROGRAM = 117,
+    // Of entries that begin with something.
+    PI_NEW = 102,
+    PI_OPEN = 103,
     // For nodes: what opens and closes a panel, and a bypass box clear and set.
     PI_EXPAND = 104,
     PI_COLLAPSE = 105,

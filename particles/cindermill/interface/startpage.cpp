@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/startpage.h"
 
 #include "library/system/path.h"
+#include "library/wimp/gdi/gdibitmap.h"
 #include "particles/cindermill/main/cindermillapp.h"
 
 namespace {
@@ -58,9 +59,13 @@ void TStartPage::Fill()
 void TStartPage::AddBeginnings()
 {
     AddHeading("Begin");
-    AddLine(
-        MakeEntry(MI_NEW, "New effect", "An empty graph. Drag nodes into it from the palette.", "Ctrl+N"));
-    AddLine(MakeEntry(MI_OPEN, "Open...", "An effect that was saved before.", "Ctrl+O"));
+    TEntry fresh =
+        MakeEntry(MI_NEW, "New effect", "An empty graph. Drag nodes into it from the palette.", "Ctrl+N");
+    fresh.Icon = PI_NEW;
+    AddLine(fresh);
+    TEntry saved = MakeEntry(MI_OPEN, "Open...", "An effect that was saved before.", "Ctrl+O");
+    saved.Icon = PI_OPEN;
+    AddLine(saved);
 }
 
 // The newest on top.

@@ -272,9 +272,9 @@ TEST_F(TGDIBitmapTest, KeepsWidthHeightAndRowBytes)
 TEST_F(TGDIBitmapTest, ThePicturesAreThereInTheirSizes)
 {
     static constexpr std::pair<int, int> Sizes[] = {
-        {PI_GRAPH, 32},       {PI_PROGRAM, 32},   {PI_EXPAND, 12}, {PI_COLLAPSE, 12},
-        {PI_BYPASSCLEAR, 10}, {PI_BYPASSSET, 10}, {PI_STEP, 16},   {PI_PAUSE, 16},
-        {PI_PLAY, 16},        {PI_DRAG, 32},      {PI_DROP, 32}};
+        {PI_GRAPH, 32},    {PI_NEW, 32},         {PI_OPEN, 32},      {PI_PROGRAM, 32}, {PI_EXPAND, 12},
+        {PI_COLLAPSE, 12}, {PI_BYPASSCLEAR, 10}, {PI_BYPASSSET, 10}, {PI_STEP, 16},    {PI_PAUSE, 16},
+        {PI_PLAY, 16},     {PI_DRAG, 32},        {PI_DROP, 32}};
     for (const auto& [id, size] : Sizes) {
         TGDIBitmap bitmap;
         EXPECT_TRUE(bitmap.Load(id)) << id;
@@ -289,4 +289,12 @@ TEST_F(TGDIBitmapTest, AMissingPictureFails)
     EXPECT_FALSE(bitmap.Load(106));
     EXPECT_TRUE(LoadPictureIcon(106).isNull());
     EXPECT_FALSE(LoadPictureIcon(PI_PROGRAM).isNull());
+}
+
+TEST_F(TGDIBitmapTest, IconsOfButtonsAreDrawnForScaledScreensToo)
+{
+    for (const int picture : {PI_STEP, PI_PAUSE, PI_PLAY})
+        for (const int size : {16, 24, 32})
+            EXPECT_TRUE(LoadThemeIcon(picture).availableSizes().contains(QSize(size, size)))
+                << picture << " " << size;
 }

@@ -13,6 +13,7 @@
 #include <QtWidgets/QApplication>
 
 #include <filesystem>
+#include <vector>
 
 namespace {
 
@@ -93,6 +94,25 @@ TEST_F(StartPage, ItSaysHowToBeginAsLongAsNothingIsOpen)
     App.Get().CloseDocument(&Newest());
     Settle();
     EXPECT_TRUE(Page()->isVisible());
+}
+
+TEST_F(StartPage, NewOpenAndAFileHaveIconsOfTheirOwn)
+{
+    App.Get().AddRecentFile(SourcePath("samples/aura.effect").c_str());
+    Settle();
+    std::vector<QImage> icons;
+    for (const char* text : {"New effect", "Open...", "aura.effect"}) {
+        QAbstractButton* button = Entry(text);
+        ASSERT_NE(button, nullptr) << text;
+        // Drawn for each scale of the screen, so that none is blown up.
+        for (const int scale : {1, 2}) {
+            const QSize size = button->iconSize() * scale;
+            EXPECT_EQ(button->icon().actualSize(size), size) << text << " " << scale;
+        }
+        icons.push_back(button->icon().pixmap(button->iconSize()).toImage());
+        for (size_t i = 0; i + 1 < icons.size(); ++i)
+            EXPECT_NE(icons[i], icons.back()) << text;
+    }
 }
 
 TEST_F(StartPage, ReturnChoosesTheEntryThatTheKeysHaveReached)

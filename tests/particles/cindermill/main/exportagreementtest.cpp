@@ -277,7 +277,7 @@ TEST_F(ExportAgreement, WhatTheConsoleDoesNotKnowIsAReasonThatIsTold)
     EXPECT_EQ(Text(verdict.GetHeadline().Text), headline.Print());
     ASSERT_EQ(verdict.GetReasons().size(), 1);
     EXPECT_EQ(Text(verdict.GetReasons()[0].Text),
-              "Noise in group 1: it is not exported, as the console has no command for it");
+              "Noise in group 2: it is not exported, as the console has no command for it");
     EXPECT_EQ(verdict.GetReasons()[0].Node, verdict.GetFirstNode());
     for (const TVerdictLine& line : verdict.GetDifferences())
         EXPECT_EQ(line.Kind, VK_TOLD);
