@@ -92,7 +92,8 @@ TEST(TString, IsAssignedFromAPointerIntoItself)
     TString text("one/two");
     text = text.c_str() + 4;
     EXPECT_EQ(Text(text), "two");
-    text = text;
+    const TString& itself = text;
+    text = itself;
     EXPECT_EQ(Text(text), "two");
     text += text;
     EXPECT_EQ(Text(text), "twotwo");

@@ -118,7 +118,7 @@ void TEffectLint::LintExport(const TEffectSchedule& schedule, const TLintGraph& 
         TExportData exportData(schedule);
         if (!exec.Export(exportData, errors))
             return false;
-        TLintExport(schedule, exportData, Options).Tell(report);
+        TLintExport(exportData, Options).Tell(report);
         return true;
     });
     // The replay exports anew, and would tell the same errors.

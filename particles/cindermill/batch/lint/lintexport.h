@@ -1,7 +1,6 @@
 #pragma once
 
 #include "particles/cindermill/batch/lint/lintlimits.h"
-#include "particles/effectgraph/schedule/effectschedule.h"
 
 class TExportData;
 class TLintReport;
@@ -12,9 +11,9 @@ struct TExportGroup;
 class TLintExport
 {
 public:
-    // Refers to all of them.
-    TLintExport(const TEffectSchedule& schedule, const TExportData& exportData, const TLintOptions& options)
-        : Schedule(schedule), Export(exportData), Options(options)
+    // Refers to both of them.
+    TLintExport(const TExportData& exportData, const TLintOptions& options)
+        : Export(exportData), Options(options)
     {
     }
     void Tell(TLintReport& report) const;
@@ -26,7 +25,6 @@ private:
     void TellOver(TLintReport& report, int group, TBudget budget, int64_t used) const;
     void TellPolicies(TLintReport& report) const;
 
-    const TEffectSchedule& Schedule;
     const TExportData& Export;
     const TLintOptions& Options;
 };

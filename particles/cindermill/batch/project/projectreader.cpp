@@ -273,7 +273,7 @@ void TProjectReader::TakePlace(const toml::node& value, TProject::TAllowance& al
     const bool isPair =
         pair != nullptr && pair->size() == 2 && pair->get(0)->is_number() && pair->get(1)->is_number();
     if (!isPair) {
-        Tell(value, "\"at\" takes two numbers in brackets");
+        Tell(value, "\"%s\" takes two numbers in brackets", "at");
         return;
     }
     allowance.X = static_cast<float>(*pair->get(0)->value<double>());
@@ -306,7 +306,7 @@ void TProjectReader::ReadAllowance(const toml::table& table)
     if (Faults.size() != before)
         return;
     if (allowance.Id.IsEmpty() || allowance.File.IsEmpty() || allowance.Reason.IsEmpty()) {
-        Tell(table, "An allowed finding needs \"finding\", \"file\" and \"reason\"");
+        Tell(table, "An allowed finding needs \"%s\", \"%s\" and \"%s\"", "finding", "file", "reason");
         return;
     }
     allowance.File = FromHere(allowance.File);

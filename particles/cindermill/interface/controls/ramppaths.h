@@ -21,6 +21,6 @@ private:
     // Curves are large and bend in few places: finer than an outline of a button.
     static constexpr float Tessellation = 3.0f;
 
-    const vector<TVector2> NoPoints;
+    const vector<TVector2> NoPoints{};
     TRenderPath Paths[TRampModel::MaxComponents];
 };

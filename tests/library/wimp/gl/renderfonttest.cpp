@@ -172,7 +172,8 @@ TEST_F(TFonts, ReferencesAreCountedAndAFontStaysAtCountZero)
         TFontInstance b(a);
         TFontInstance c;
         c = b;
-        c = c;
+        const TFontInstance& itself = c;
+        c = itself;
         EXPECT_EQ(TRenderFontTable::GetRefCount(font), 3);
         EXPECT_TRUE(c.Create("Test Sans (TrueType)", 13));
         EXPECT_EQ(TRenderFontTable::GetRefCount(font), 3);

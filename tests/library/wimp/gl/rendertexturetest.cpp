@@ -118,7 +118,8 @@ TEST_F(TTextures, HandlesCountTheirCopies)
         TRenderTextureInstance b(a);
         TRenderTextureInstance c;
         c = b;
-        c = c;
+        const TRenderTextureInstance& itself = c;
+        c = itself;
         EXPECT_EQ(a.GetTexture()->GetRefCount(), 3);
         // The same file again: never let go in between.
         EXPECT_TRUE(c.Load(Path.c_str()));
