@@ -110,9 +110,9 @@ TEST_F(EffectDifferences, ACurveIsOneValue)
         points.push_back(TRampPoint{static_cast<float>(i), 0.5f});
     After.ApplyOperation(new TRampChangePointsOp(ramp, 0, points));
     EXPECT_EQ(
-        TLines{"changed|\"Scale Over Life\"|parameter \"Value\" curve 0|0 0.03, 0.13333334 0.036666665, "
-               "0.26666668 0.043333333, 0.4 0.05, 0.6 0.046666667, 0.8 0.043333333, 1 0.04|0 0.5, 1 0.5, 2 "
-               "0.5, 3 0.5"},
+        TLines{"changed|\"Scale Over Life\"|parameter \"Value\" curve 0|0 0.012, 0.13333334 0.014666666, "
+               "0.26666668 0.017333332, 0.4 0.02, 0.55 0.018666666, 0.70000005 0.017333334, 0.85 0.016, "
+               "0.90000004 0.014, 0.95 0.012, 1 0.01|0 0.5, 1 0.5, 2 0.5, 3 0.5"},
         Told());
 }
 
