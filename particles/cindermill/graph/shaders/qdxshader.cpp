@@ -442,7 +442,9 @@ void PointAtStream(unsigned attribute, const TQdxShader::TStreamSlot& slot, int 
         perVertex ? 0 : static_cast<size_t>(firstItem) * static_cast<size_t>(stream.GetStride());
     TVertexArray array;
     array.Buffer = place.Buffer;
-    array.Values = place.Base + item + static_cast<size_t>(slot.Offset);
+    // Within a buffer the place is a number, and its base nothing that could be pointed from.
+    array.Values = reinterpret_cast<const uint8_t*>(reinterpret_cast<uintptr_t>(place.Base) + item +
+                                                    static_cast<size_t>(slot.Offset));
     array.Size = element.Size;
     array.Type = element.Type;
     array.Normalised = element.Normalised;

@@ -99,8 +99,8 @@ TEST_F(ErrorDialog, ALongTextGoesOnBelow)
                              "lightning-with-a-long-name/textures/flash-0001-of-0064.dds";
     TErrorList errors;
     errors.Add(new TError("Short"));
-    errors.Add(new TError(words.c_str()));
-    errors.Add(new TError(path.c_str()));
+    errors.Add(new TError("%s", words.c_str()));
+    errors.Add(new TError("%s", path.c_str()));
     QStringList lines;
     Meet([&](QDialog& dialog) {
         Settle();

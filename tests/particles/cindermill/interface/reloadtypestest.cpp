@@ -219,9 +219,7 @@ TEST_F(ReloadTypes, WithoutTheFolderNothingHappens)
 
 TEST_F(ReloadTypes, PreviewsOfOneNameHaveTitlesOfTheirOwn)
 {
-    const auto title = [this](TDocument& document) {
-        return TitleOf(*WindowsOf(document).GetParticleWindow());
-    };
+    const auto title = [](TDocument& document) { return TitleOf(*WindowsOf(document).GetParticleWindow()); };
     TDocument* first = NewDocument();
     TDocument* second = NewDocument();
     TDocument* third = NewDocument();

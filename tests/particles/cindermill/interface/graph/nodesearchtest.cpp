@@ -127,7 +127,6 @@ TEST_F(NodeSearch, TheFileIsThatOfTheOperationsAlone)
     TToolNode* cone = Add("Velocity Cone", 100, 200);
     TToolNode* node =
         AddNodeToWire(Document, App.Type("Integrate"), TVector2(400, 300), EndAt(cone, "Velocity"));
-    const TVector2 middle((TVector2(400, 300)));
     ASSERT_TRUE(Document.SaveAs(App.Path("hand.effect").c_str()));
 
     TDocument other(App.Get());
