@@ -55,9 +55,12 @@ set(CINDERMILL_DISPLAY_ENVIRONMENT
     "LSAN_OPTIONS=suppressions='${PROJECT_SOURCE_DIR}/tests/support/systemleaks.txt':print_suppressions=0")
 
 # What a test itself does takes no time to run, and long to optimise: most of the time of a whole build. The headers
-# that nearly all tests include are read once; whoever shares them has to be compiled alike.
+# that nearly all tests include are read once; whoever shares them has to be compiled alike. The fuzz targets have no
+# use for knowing the ways through a test, and a failed one tells its place by itself.
 function(cindermill_compile_as_test target)
-    target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O0> -fPIC)
+    target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O0> -fPIC
+                           $<$<BOOL:${CINDERMILL_SANITIZE}>:-g0>)
+    set_target_properties(${target} PROPERTIES CINDERMILL_TEST ON)
 endfunction()
 
 # cindermill_test(FOLDER [DISPLAY] [APART] [CHECKED filter] [LINKS folder...] [PACKAGES target...])
