@@ -139,6 +139,19 @@ TEST_F(ResourceSystem, SecondFileOfANameAsserts)
               "path=x/one.geom, new path=y/ONE.geom)");
 }
 
+TEST_F(ResourceSystem, SecondFileOfANameThatAWalkMeetsAsserts)
+{
+    std::filesystem::create_directory(Folder.Path("sub"));
+    WriteBytes(Folder.Path("one.geom"), Good);
+    WriteBytes(Folder.Path("sub/ONE.geom"), Good);
+    const std::string folder = Folder.GetFolder() + "/";
+    EXPECT_EQ(AssertionOf([&] { System.AddDirectory(folder.c_str()); }),
+              "Resources.find(id) == Resources.end() : Resource ONE.geom already exists in system (existing "
+              "path=" +
+                  folder + "one.geom, new path=" + folder + "sub/ONE.geom)");
+    EXPECT_TRUE(Holds("one.geom"));
+}
+
 TEST_F(ResourceSystem, UnknownExtensionAsserts)
 {
     EXPECT_EQ(AssertionOf([&] { System.AddResource("dir/one.txt"); }),

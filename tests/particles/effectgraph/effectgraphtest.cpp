@@ -350,8 +350,12 @@ TEST(ResolvePolytypes, LeavesAGraphWithoutPolytypesAlone)
     TEffectNode* a = graph.Node("A", TU_PROCESS, {}, {"o"});
     TEffectNode* b = graph.Node("B", TU_PROCESS, {"i"}, {});
     graph.Wire(a, 0, b, 0);
+    int calls = 0;
+    for (TEffectNode* node : {a, b})
+        node->GetNodeType()->AddCallback([](void* data) { ++*static_cast<int*>(data); }, &calls);
     graph.GetGraph().GraphChanged();
     EXPECT_EQ(a->GetNodeType()->GetOutput(0).ResolvedType, -1);
+    EXPECT_EQ(calls, 0);
 }
 
 TEST(ResolvePolytypes, UnconnectedPolytypeKeepsItsTypesAndDefault)

@@ -193,6 +193,18 @@ TEST(NodeTypeFile, FaultsOfOutputs)
               "Output port missing end tag in node type file");
 }
 
+// Not when the other links are looked up, after the section.
+TEST(NodeTypeFile, AnOutputLinkedToItselfFailsAheadOfWhatFollowsIt)
+{
+    for (const char* following : {"<Scalar/>", "<Polytype><name>q</name></Polytype>"}) {
+        const TLoaded loaded(NodeFile("<outputs>\n" + PolytypeOutput("p", {"Scalar"}, "", "P") + "\n" +
+                                      following + "</outputs>"));
+        EXPECT_FALSE(loaded.Ok);
+        EXPECT_EQ(loaded.Error(), "Polytype output from port p cannot be to the same port!");
+        EXPECT_EQ(loaded.Line, 1);
+    }
+}
+
 TEST(NodeTypeFile, AnInputMayFollowAnyPortOfItsTypeAndNoOther)
 {
     const auto error = [](const std::string& inputs, const std::string& outputs) {
@@ -256,6 +268,18 @@ TEST(NodeTypeFile, LaterOutputsOfAnEffectNodeAreUserTypes)
     EXPECT_EQ(FloatsOf(*loaded.Type->GetParameter(0)), TFloats({0, 0, 0, 0}));
     EXPECT_EQ(FloatsOf(*loaded.Type->GetParameter(1)), TFloats({1, 2, 3, 4, 5, 6}));
     EXPECT_EQ(FloatsOf(*loaded.Type->GetParameter(2)), TFloats({2}));
+}
+
+TEST(NodeTypeFile, ThePolytypeAheadOfAUserTypeIsTheEffect)
+{
+    const TLoaded loaded(NodeFile("<outputs>" + PolytypeOutput("Effect", {"Scalar"}) +
+                                      "<Scale><name>S</name>" + Default("3,4") + "</Scale>" +
+                                      PolytypeOutput("p", {"Scalar"}) + "</outputs>",
+                                  "effect"));
+    ASSERT_TRUE(loaded.Ok) << loaded.Error();
+    ASSERT_EQ(loaded.Type->GetNumParameters(), 1);
+    EXPECT_EQ(Text(loaded.Type->GetParameter(0)->Name), "S");
+    EXPECT_EQ(FloatsOf(*loaded.Type->GetParameter(0)), TFloats({3, 4}));
 }
 
 TEST(NodeTypeFile, UserTypesNeedTheirNumberOfDefaults)

@@ -440,6 +440,8 @@ TEST_F(TRouting, DestroyingTheHoveredOrFocusedObjectLeavesTheRoutingStateNull)
     EXPECT_EQ(TRenderObject::GetCapture(), nullptr);
     EXPECT_EQ(TRenderObject::GetOverlay(), nullptr);
     EXPECT_FALSE(TRenderObject::HasTicks());
+    // No key finds anybody.
+    EXPECT_FALSE(Route(MakeKey(MT_KEYDOWN, KEY_LEFT)));
     Move(110, 110);
     Move(15, 15);
     EXPECT_EQ(TRenderObject::GetHover(), &A);
@@ -526,6 +528,15 @@ class THome : public TRenderObjects
 {
 public:
     bool IsInputHome() const override { return true; }
+    bool Event(const TRenderEvent& event) override
+    {
+        if (event.Code != RE_KEY)
+            return TRenderObjects::Event(event);
+        Keys.push_back(event.Detail);
+        return true;
+    }
+
+    std::vector<int> Keys;
 };
 
 // A panel with an object in it, on a home of the view's.
@@ -631,6 +642,21 @@ TEST_F(TLosing, WhatIsDestroyedGivesUpToo)
     take();
     panel.reset();
     ExpectGivenUp();
+    // In the view that the focus was in.
+    EXPECT_EQ(TRenderObject::GetFocusView(), &Renderer);
+    EXPECT_TRUE(Route(MakeKey(MT_KEYDOWN, KEY_LEFT)));
+    EXPECT_EQ(Home.Keys, std::vector<int>{KEY_LEFT});
+}
+
+TEST_F(TLosing, WhatIsDestroyedWithoutAHomeLeavesTheFocusToNobody)
+{
+    auto object = std::make_unique<TDrawnObject>();
+    Root.AddObject(object.get());
+    TRenderObject::SetFocus(object.get(), &Renderer);
+    object.reset();
+    EXPECT_EQ(TRenderObject::GetFocus(), nullptr);
+    EXPECT_FALSE(Route(MakeKey(MT_KEYDOWN, KEY_LEFT)));
+    EXPECT_TRUE(Home.Keys.empty());
 }
 
 TEST_F(TLosing, WithoutAHomeTheFocusIsNobodys)

@@ -107,21 +107,36 @@ TEST(TAddGraphNodeOp, DoAndUndoAreNoGraphChange)
     EXPECT_EQ(doc.GraphChanges, 0);
 }
 
-TEST(TAddGraphNodeOp, AnAddAnUndoAndANewEditFreeTheNode)
+// The class and the body of each chunk of the next save.
+static std::vector<std::pair<uint32_t, std::string>> Saved(TFakeDocument& doc)
 {
-    TFakeDocument doc;
-    TToolNode* kept = doc.AddNode("a", GetEveryType());
-    const int chunks = doc.Chunks.GetNumChunks();
-    doc.AddNode("b", GetEveryType());
-    doc.Undo();
-    EXPECT_GT(doc.Chunks.GetNumChunks(), chunks);
-    vector<TToolNode*> moved;
-    moved.push_back(kept);
-    doc.Apply(new TMoveGraphNodeOp(moved, 1, 1));
-    EXPECT_EQ(doc.Chunks.GetNumChunks(), chunks + 1);
-    vector<TChunk*> nodes;
-    doc.Chunks.GetChunksOfClass(TToolNode::NameID(), nodes);
-    EXPECT_EQ(nodes.size(), 1);
+    std::vector<std::pair<uint32_t, std::string>> chunks;
+    for (const TChunkFileBytes::TEntry& entry : SavedFile(doc.Chunks).Entries)
+        chunks.emplace_back(entry.NameID, entry.Body);
+    return chunks;
+}
+
+TEST(TAddGraphNodeOp, AnAddAnUndoAndANewEditLeaveNothingOfTheNodeInTheNextSave)
+{
+    const auto edit = [](TFakeDocument& doc, bool adds) {
+        TToolNode* kept = doc.AddNode("a", GetEveryType());
+        if (adds) {
+            doc.AddNode("b", GetEveryType());
+            doc.Undo();
+            // What can be redone is saved too.
+            const auto saved = Saved(doc);
+            EXPECT_EQ(std::count_if(saved.begin(), saved.end(),
+                                    [](const auto& chunk) { return chunk.first == TToolNode::NameID(); }),
+                      2);
+        }
+        vector<TToolNode*> moved;
+        moved.push_back(kept);
+        doc.Apply(new TMoveGraphNodeOp(moved, 1, 1));
+        return Saved(doc);
+    };
+    TFakeDocument added;
+    TFakeDocument plain;
+    EXPECT_EQ(edit(added, true), edit(plain, false));
 }
 
 TEST(TAddGraphNodeOp, Body)
@@ -278,15 +293,32 @@ TEST(TDeleteGraphNodeOp, DeletingTwoConnectedNodesKeepsTheEdgeBetweenThemAttache
 {
     TChain doc;
     doc.Apply(new TDeleteGraphNodeOp(doc.Nodes({doc.A, doc.B})));
-    EXPECT_EQ(doc.NodesOf(), "c");
-    EXPECT_EQ(doc.A->GetOutputEdge(0, 0), doc.One);
-    EXPECT_EQ(doc.B->GetInput(0), doc.One);
-    EXPECT_EQ(doc.C->GetInput(0), nullptr);
-    doc.Undo();
-    EXPECT_EQ(doc.NodesOf(), "abc");
-    EXPECT_EQ(doc.EdgesOf(), "12");
-    EXPECT_EQ(OutputEdges(doc.A), std::vector<int>{1});
-    EXPECT_EQ(doc.C->GetInput(0), doc.Two);
+    const auto expectInner = [&] {
+        ASSERT_EQ(OutputEdges(doc.A), std::vector<int>{1});
+        EXPECT_EQ(doc.A->GetOutputEdge(0, 0), doc.One);
+        EXPECT_EQ(doc.B->GetInput(0), doc.One);
+        EXPECT_EQ(doc.One->GetSrcNode(), doc.A);
+        EXPECT_EQ(doc.One->GetDstNode(), doc.B);
+    };
+    const auto expectDeleted = [&] {
+        EXPECT_EQ(doc.NodesOf(), "c");
+        EXPECT_EQ(doc.EdgesOf(), "");
+        expectInner();
+        EXPECT_EQ(doc.C->GetInput(0), nullptr);
+        // The neighbour has let go, the deleted node has not.
+        EXPECT_EQ(doc.B->GetOutputEdge(0, 0), doc.Two);
+    };
+    expectDeleted();
+    for (int turn = 0; turn < 2; ++turn) {
+        doc.Undo();
+        EXPECT_EQ(doc.NodesOf(), "abc");
+        EXPECT_EQ(doc.EdgesOf(), "12");
+        expectInner();
+        EXPECT_EQ(OutputEdges(doc.B), std::vector<int>{1});
+        EXPECT_EQ(doc.C->GetInput(0), doc.Two);
+        doc.Redo();
+        expectDeleted();
+    }
 }
 
 // Whatever order the nodes are named in, and the lists are in.

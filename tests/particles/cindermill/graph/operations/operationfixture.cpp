@@ -123,13 +123,18 @@ std::string TChunkFileBytes::Join() const
     return bytes;
 }
 
-TChunkFileBytes::TEntry SavedChunk(TChunkFile& chunks, const TChunk* chunk)
+TChunkFileBytes SavedFile(TChunkFile& chunks)
 {
     const TTempFolder folder;
     const std::string path = folder.Path("saved");
     if (!chunks.Save(path.c_str()))
         throw std::runtime_error("a chunk file cannot be saved");
-    return TChunkFileBytes::Parse(ReadBytes(path)).Entries[static_cast<size_t>(chunk->ChunkIdx)];
+    return TChunkFileBytes::Parse(ReadBytes(path));
+}
+
+TChunkFileBytes::TEntry SavedChunk(TChunkFile& chunks, const TChunk* chunk)
+{
+    return SavedFile(chunks).Entries[static_cast<size_t>(chunk->ChunkIdx)];
 }
 
 std::string I32(int value)

@@ -87,6 +87,8 @@ struct TChunkFileBytes
     std::vector<TEntry> Entries;
 };
 
+// What a save writes, taken apart.
+TChunkFileBytes SavedFile(TChunkFile& chunks);
 // What a chunk writes, and what stands in the table for it. Checks GetSize against it.
 TChunkFileBytes::TEntry SavedChunk(TChunkFile& chunks, const TChunk* chunk);
 

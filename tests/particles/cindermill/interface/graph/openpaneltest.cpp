@@ -172,7 +172,9 @@ TEST_F(TOpenPanelTest, AnInputWhosePortGetsConnectedHidesItsParameterControls)
     TNodeObj& object = Object(curve);
     Open(curve);
     const TVector2 before = object.GetSize();
-    const float value = static_cast<TNodeScalarParameter*>(curve->GetNodeType()->GetInput(1))->Get();
+    TNodeScalarParameter* life = static_cast<TNodeScalarParameter*>(curve->GetNodeType()->GetInput(1));
+    const float value = life->Get() + 0.25f;
+    life->SetValue(&value);
     Connect(effect, "Time", curve, "Life");
     EXPECT_NE(Group(curve, "Time").GetParent(), nullptr);
     EXPECT_EQ(Group(curve, "Life").GetParent(), nullptr);
@@ -181,7 +183,7 @@ TEST_F(TOpenPanelTest, AnInputWhosePortGetsConnectedHidesItsParameterControls)
     Document.Undo();
     EXPECT_NE(Group(curve, "Life").GetParent(), nullptr);
     EXPECT_EQ(object.GetSize(), before);
-    EXPECT_EQ(static_cast<TNodeScalarParameter*>(curve->GetNodeType()->GetInput(1))->Get(), value);
+    EXPECT_EQ(life->Get(), value);
     TRenderObject::RunTicks(&Renderer);
 }
 
