@@ -243,15 +243,6 @@ void TRenderer::ApplyScissor()
     CheckGlError();
 }
 
-TVector2 TRenderer::ToClip(const TVector2& point) const
-{
-    int place[2];
-    GetPlace(point, place);
-    const double parts = TRenderList::PartsPerDot * GetSupersampling();
-    return TVector2(static_cast<float>(2.0 * place[0] / (GetWidth() * parts) - 1.0),
-                    static_cast<float>(1.0 - 2.0 * place[1] / (GetHeight() * parts)));
-}
-
 TVector2 TRenderer::Snap(const TVector2& point) const
 {
     const TVector2 origin = GetOrigin();

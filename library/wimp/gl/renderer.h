@@ -59,7 +59,6 @@ public:
     void GetVisibleRect(TVector2& min, TVector2& max) const;
 
     // A point, relative to the current origin, in clip space.
-    TVector2 ToClip(const TVector2& point) const;
     // The nearest position for the start of a text, so that it looks sharp: across on a dot of the doubled
     // target, down on one of the window.
     TVector2 Snap(const TVector2& point) const;
@@ -98,7 +97,6 @@ public:
     // Of the window, in dots.
     int GetWidth() const { return Targets.GetWidth(); }
     int GetHeight() const { return Targets.GetHeight(); }
-    const vector<TClipRectangle>& GetWindowStack() const { return WindowStack; }
     // The scissor rectangle last set, in dots of the doubled target: x, y from the bottom, width, height.
     const int* GetScissor() const { return Scissor; }
 

@@ -3,6 +3,7 @@
 
 #include "library/wimp/gl/glcontext.h"
 #include "library/wimp/gl/renderobjects.h"
+#include "library/wimp/gl/rendertargets.h"
 #include "library/wimp/gl/tintprogram.h"
 
 #include <GL/glew.h>
@@ -37,8 +38,8 @@ protected:
         Root.Draw = std::move(draw);
         return Paint(Root);
     }
-    // The scissor in force while the function draws.
-    std::vector<int> ScissorOf(const std::function<void(TRenderer&)>& draw)
+    // The scissor in force once the function has drawn, which leaves so many windows open.
+    std::vector<int> ScissorOf(const std::function<void(TRenderer&)>& draw, int numOpen)
     {
         std::vector<int> scissor;
         PaintWith([&](TRenderer& renderer) {
@@ -47,7 +48,7 @@ protected:
             GLint real[4];
             glGetIntegerv(GL_SCISSOR_BOX, real);
             EXPECT_EQ(scissor, std::vector<int>(real, real + 4));
-            while (renderer.GetWindowStack().size() > 1)
+            for (int i = 0; i < numOpen; ++i)
                 renderer.PopWindow();
         });
         return scissor;
@@ -83,21 +84,20 @@ TEST_F(TRendererTest, OffsetAddsToWorldPlacesAndScaleMultiplies)
     EXPECT_EQ(Renderer.PixelToWorld(30, 30), TVector2(10, 20));
 }
 
-TEST_F(TRendererTest, VertexMapsToClipSpace)
+TEST_F(TRendererTest, TheViewEndsWhereClipSpaceDoes)
 {
-    const auto expectClip = [&](const TVector2& point, float x, float y) {
-        const TVector2 clip = Renderer.ToClip(point);
-        EXPECT_NEAR(clip[0], x, 1e-6f);
-        EXPECT_NEAR(clip[1], y, 1e-6f);
-    };
     Renderer.SetOffset(TVector2(10, 20));
-    PaintWith([&](TRenderer& renderer) {
-        expectClip(TVector2(-10, -20), -1, 1);
-        expectClip(TVector2(Width - 10, Height - 20), 1, -1);
+    const TPicture picture = PaintWith([](TRenderer& renderer) {
+        FillRed(renderer, -10, -20, -9, -19);
+        FillRed(renderer, Width - 11, Height - 21, Width - 10, Height - 20);
         renderer.PushOrigin(TVector2(90, 55));
-        expectClip(TVector2(0, 0), 0, 0);
+        FillRed(renderer, 0, 0, 1, 1);
         renderer.PopOrigin();
     });
+    EXPECT_EQ(picture.At(0, 0), Red);
+    EXPECT_EQ(picture.At(Width - 1, Height - 1), Red);
+    EXPECT_EQ(picture.At(100, 75), Red);
+    EXPECT_EQ(picture.Count(IsRed), 3);
 }
 
 TEST_F(TRendererTest, EdgesAreSupersampledTwoByTwo)
@@ -178,28 +178,32 @@ TEST_F(TRendererTest, TheScissorIsDoubledAndMeasuredFromTheBottom)
     Renderer.SetOffset(TVector2(5, 0));
     Renderer.SetScale(TVector2(2, 2));
     const std::vector<int> scissor =
-        ScissorOf([](TRenderer& renderer) { renderer.PushWindow(TVector2(10, 20), TVector2(40, 50)); });
+        ScissorOf([](TRenderer& renderer) { renderer.PushWindow(TVector2(10, 20), TVector2(40, 50)); }, 1);
     EXPECT_EQ(scissor, (std::vector<int>{60, 2 * Height - 200, 120, 120}));
 }
 
 TEST_F(TRendererTest, WithoutFurtherWindowsTheScissorIsTheWholeTarget)
 {
     const std::vector<int> whole = {0, 0, 2 * Width, 2 * Height};
-    EXPECT_EQ(ScissorOf([](TRenderer&) {}), whole);
-    EXPECT_EQ(ScissorOf([](TRenderer& renderer) {
-                  renderer.PushWindow(TVector2(10, 20), TVector2(40, 50));
-                  renderer.PopWindow();
-              }),
+    EXPECT_EQ(ScissorOf([](TRenderer&) {}, 0), whole);
+    EXPECT_EQ(ScissorOf(
+                  [](TRenderer& renderer) {
+                      renderer.PushWindow(TVector2(10, 20), TVector2(40, 50));
+                      renderer.PopWindow();
+                  },
+                  0),
               whole);
 }
 
 TEST_F(TRendererTest, PopWindowRestoresTheScissorOfTheNewTop)
 {
-    const std::vector<int> scissor = ScissorOf([](TRenderer& renderer) {
-        renderer.PushWindow(TVector2(10, 20), TVector2(40, 50));
-        renderer.PushWindow(TVector2(20, 20), TVector2(30, 30));
-        renderer.PopWindow();
-    });
+    const std::vector<int> scissor = ScissorOf(
+        [](TRenderer& renderer) {
+            renderer.PushWindow(TVector2(10, 20), TVector2(40, 50));
+            renderer.PushWindow(TVector2(20, 20), TVector2(30, 30));
+            renderer.PopWindow();
+        },
+        1);
     EXPECT_EQ(scissor, (std::vector<int>{20, 2 * Height - 100, 60, 60}));
 }
 
@@ -287,6 +291,27 @@ TEST(TRenderer, AWindowWithASizeOfZeroKeepsAZeroSizedTextureAndDrawsNothing)
     renderer.Render(root);
     EXPECT_EQ(root.NumRenders, 1);
     EXPECT_EQ(renderer.GetHeight(), 0);
+}
+
+TEST(TRenderTargets, OfNoSizeHaveATextureOfNoSizeThatNothingCanBeDrawnInto)
+{
+    TTestWindow window(40, 30);
+    TRenderTargets targets;
+    targets.Init(&window);
+    ASSERT_TRUE(window.MakeCurrent());
+    targets.Resize(0, 0);
+    EXPECT_EQ(AssertionOf([&] { targets.BindTarget(); }),
+              "fbostat == GL_FRAMEBUFFER_COMPLETE_EXT : FBO incomplete 0x8cd6\n");
+    GLint texture = 0;
+    glGetFramebufferAttachmentParameterivEXT(GL_FRAMEBUFFER_EXT, GL_COLOR_ATTACHMENT0_EXT,
+                                             GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME_EXT, &texture);
+    EXPECT_NE(texture, 0);
+    GLint width = -1;
+    glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(texture));
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
+    EXPECT_EQ(width, 0);
+    targets.Resize(40, 30);
+    targets.BindTarget();
 }
 
 TEST_F(TRendererTest, ThePictureFollowsTheWindowsSize)
@@ -594,7 +619,7 @@ TEST_F(TRendererTest, OnAScaledScreenTheScissorIsInDots)
 {
     Window.DotsPerPixel = 1.5;
     const auto scissor =
-        ScissorOf([](TRenderer& renderer) { renderer.PushWindow(TVector2(20, 10), TVector2(60, 50)); });
+        ScissorOf([](TRenderer& renderer) { renderer.PushWindow(TVector2(20, 10), TVector2(60, 50)); }, 1);
     // From 30 and 15 to 90 and 75, doubled, counted from the bottom.
     EXPECT_EQ(scissor, (std::vector<int>{60, (Height - 75) * 2, 120, 120}));
 }
