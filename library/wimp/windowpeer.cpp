@@ -377,9 +377,11 @@ bool TWindowPeer::Send(const TMessage& message)
 
 bool TWindowPeer::HandleEvent(QEvent* event)
 {
-    if (Window == nullptr)
-        return false;
-    TMessage message;
+    return Window != nullptr && (HandleFrameEvent(event) || HandleInput(event));
+}
+
+bool TWindowPeer::HandleFrameEvent(QEvent* event)
+{
     switch (event->type()) {
     case QEvent::Close:
         event->ignore();
@@ -403,45 +405,43 @@ bool TWindowPeer::HandleEvent(QEvent* event)
         Widget->update();
         return false;
     case QEvent::FocusIn:
+        SendFocus(MT_FOCUSGAINED);
+        return false;
     case QEvent::FocusOut:
-        KeysDown.clear();
-        Window->ContentsChanged();
-        message.Type = event->type() == QEvent::FocusIn ? MT_FOCUSGAINED : MT_FOCUSLOST;
-        Send(message);
+        SendFocus(MT_FOCUSLOST);
         return false;
     // A release may go to the window that is in front now.
     case QEvent::WindowDeactivate:
     case QEvent::Hide:
         LoseMouse();
         return false;
+    default:
+        return false;
+    }
+}
+
+bool TWindowPeer::HandleInput(QEvent* event)
+{
+    switch (event->type()) {
     case QEvent::Leave:
-        message.Type = MT_MOUSELEAVE;
-        Send(message);
+        SendPlain(MT_MOUSELEAVE);
         return false;
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-        // A dialog has its own answers to Return and Escape, also for the windows inside it. The Tab key goes
-        // on to the next control where it has no other use.
-        if (!SendKey(*static_cast<QKeyEvent*>(event), event->type() == QEvent::KeyPress) &&
-            Window != nullptr &&
-            (IsTab(*static_cast<QKeyEvent*>(event)) || Window->GetTopWindow()->GetKind() == WK_DIALOG))
+        if (!IsKeyTaken(*static_cast<QKeyEvent*>(event)))
             return false;
-        event->accept();
-        return true;
+        break;
     case QEvent::InputMethod:
         SendCharacters(static_cast<QInputMethodEvent*>(event)->commitString(), 0);
-        event->accept();
-        return true;
+        break;
     case QEvent::MouseMove:
         SendMouse(MT_MOUSEMOVE, *static_cast<QMouseEvent*>(event));
-        event->accept();
-        return true;
+        break;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonRelease:
         SendButton(*static_cast<QMouseEvent*>(event));
-        event->accept();
-        return true;
+        break;
     case QEvent::Wheel:
         // What no one takes goes on to the owner.
         event->setAccepted(SendWheel(*static_cast<QWheelEvent*>(event)));
@@ -449,6 +449,30 @@ bool TWindowPeer::HandleEvent(QEvent* event)
     default:
         return false;
     }
+    event->accept();
+    return true;
+}
+
+void TWindowPeer::SendPlain(TMessageType type)
+{
+    TMessage message;
+    message.Type = type;
+    Send(message);
+}
+
+void TWindowPeer::SendFocus(TMessageType type)
+{
+    KeysDown.clear();
+    Window->ContentsChanged();
+    SendPlain(type);
+}
+
+// A dialog has its own answers to Return and Escape, also for the windows inside it. The Tab key goes on to
+// the next control where it has no other use.
+bool TWindowPeer::IsKeyTaken(const QKeyEvent& event)
+{
+    return SendKey(event, event.type() == QEvent::KeyPress) || Window == nullptr ||
+           (!IsTab(event) && Window->GetTopWindow()->GetKind() != WK_DIALOG);
 }
 
 void TWindowPeer::Paint()

@@ -59,6 +59,14 @@ public:
     int ScrollLine = 1;
 
 private:
+    // As HandleEvent, with a window: what becomes of the window, and what the mouse and the keys do.
+    bool HandleFrameEvent(QEvent* event);
+    bool HandleInput(QEvent* event);
+    // A message without more than its type.
+    void SendPlain(TMessageType type);
+    void SendFocus(TMessageType type);
+    // Whether the key goes no further.
+    bool IsKeyTaken(const QKeyEvent& event);
     void LoseMouse();
     void ActivateDocument();
     void SendSize();
