@@ -114,11 +114,30 @@ void ToShownPath(const char* path, TString& out)
     out = shown;
 }
 
+TString GetShownPath(const char* path)
+{
+    TString shown;
+    ToShownPath(path, shown);
+    return shown;
+}
+
 void ToKeptPath(const char* path, TString& out)
 {
     TString kept(path);
     kept.Replace('/', '\\');
     out = kept;
+}
+
+void JoinPath(const char* directory, const char* name, TString& path)
+{
+    path = directory;
+    path += "\\";
+    path += name;
+}
+
+const char* GetListablePath(const TString& directory)
+{
+    return directory.IsEmpty() ? "\\" : directory.c_str();
 }
 
 void GetProgramPath(TString& out)

@@ -10,9 +10,16 @@ void ToSystemPath(const char* path, TString& out);
 
 // The path as a person reads it: the system's own separators, nothing looked up.
 void ToShownPath(const char* path, TString& out);
+TString GetShownPath(const char* path);
 
 // "/" to "\\", as paths are kept and compared.
 void ToKeptPath(const char* path, TString& out);
+
+// The name of a file in a directory, both as they are kept.
+void JoinPath(const char* directory, const char* name, TString& path);
+
+// A kept directory as it can be listed and watched: the top of a file system is the empty path.
+const char* GetListablePath(const TString& directory);
 
 // Full path of the running program.
 void GetProgramPath(TString& out);

@@ -19,19 +19,6 @@ void SplitPath(const char* path, TString& directory, TString& name)
     name.SetFileName(kept);
 }
 
-void JoinPath(const TString& directory, const TString& name, TString& path)
-{
-    path = directory;
-    path += "\\";
-    path += name;
-}
-
-// The top of a file system is the empty path with its separator.
-const char* Watchable(const TString& directory)
-{
-    return directory.IsEmpty() ? "\\" : directory.c_str();
-}
-
 } // namespace
 
 int TChangeNotify::FindDirectory(const char* path) const
@@ -56,7 +43,7 @@ int TChangeNotify::FindFile(int directory, const char* name) const
 int TChangeNotify::AddDirectory(const TString& path)
 {
     int error = 0;
-    const int number = Watcher.Add(Watchable(path), error);
+    const int number = Watcher.Add(GetListablePath(path), error);
     if (number == -1) {
         DebugPrintf("Failed to open a notify handle to %s. Error = %d\n", path.Print(), error);
         return -1;

@@ -27,16 +27,9 @@ vector<TPathFilter> MakeFilters(const char* pattern)
     return filters;
 }
 
-TString ShownPath(const char* path)
-{
-    TString shown;
-    ToShownPath(path, shown);
-    return shown;
-}
-
 TString GetShownName(const TDocument& document)
 {
-    return document.GetPath().IsEmpty() ? TString("<unsaved document>") : ShownPath(document.GetPath());
+    return document.GetPath().IsEmpty() ? TString("<unsaved document>") : GetShownPath(document.GetPath());
 }
 
 // The kind of file that was chosen, where the name does not tell one.
@@ -61,7 +54,7 @@ TString GetTimeOfDay()
 void TellWriteFailed(TDocument& document, const char* path)
 {
     ShowMessage("Writing %s failed: %s. What the file held before is untouched, and the effect is not saved.",
-                ShownPath(path).Print(), document.GetChunks().File.GetFault().Print());
+                GetShownPath(path).Print(), document.GetChunks().File.GetFault().Print());
 }
 
 // What reads or changes the selection or the history.
@@ -217,7 +210,7 @@ bool TCindermillApp::AddDocument(const char* path)
     if (MakeDocument(path, nullptr, fault) != nullptr)
         return true;
     if (path != nullptr && !fault.IsEmpty())
-        ShowMessage("%s cannot be opened: %s", ShownPath(path).Print(), fault.Print());
+        ShowMessage("%s cannot be opened: %s", GetShownPath(path).Print(), fault.Print());
     return false;
 }
 
@@ -296,7 +289,7 @@ bool TCindermillApp::ChooseExportPlace(const TDocument& document, TString& path)
 TString TCindermillApp::TellWritten(const char* what, const char* path)
 {
     TString text;
-    text.Format("%s %s at %s, %u bytes", what, ShownPath(path).Print(), GetTimeOfDay().Print(),
+    text.Format("%s %s at %s, %u bytes", what, GetShownPath(path).Print(), GetTimeOfDay().Print(),
                 GetFileSize(path));
     Host->ShowStatus(text);
     return text;
@@ -321,24 +314,24 @@ bool TCindermillApp::MakeWritable(const char* path, const char* purpose)
 {
     if (!FileExists(path) || FileIsWritable(path))
         return true;
-    if (!AskQuestion("%s is locked. Unlock and overwrite?", ShownPath(path).Print()))
+    if (!AskQuestion("%s is locked. Unlock and overwrite?", GetShownPath(path).Print()))
         return false;
     if (ClearReadOnly(path))
         return true;
-    ShowMessage("Unlock of %s failed. Cannot %s.", ShownPath(path).Print(), purpose);
+    ShowMessage("Unlock of %s failed. Cannot %s.", GetShownPath(path).Print(), purpose);
     return false;
 }
 
 bool TCindermillApp::ConfirmOverwrite(const char* path)
 {
-    return !FileExists(path) || AskQuestion("%s exists. Overwrite?", ShownPath(path).Print());
+    return !FileExists(path) || AskQuestion("%s exists. Overwrite?", GetShownPath(path).Print());
 }
 
 bool TCindermillApp::ConfirmChanged(const TDocument& document)
 {
     return !document.IsFileChanged() ||
            AskQuestion("%s was changed by another program since it was opened. Overwrite it?",
-                       ShownPath(document.GetPath()).Print());
+                       GetShownPath(document.GetPath()).Print());
 }
 
 // An export in the place of an effect would leave nothing of it but the memory of this program.
@@ -348,7 +341,7 @@ bool TCindermillApp::IsOpenEffect(const char* path)
         if (document->GetPath().IsEmpty() || !IsSameFile(document->GetPath(), path))
             continue;
         ShowMessage("%s is an effect that is open, which the export would replace. Choose another name.",
-                    ShownPath(path).Print());
+                    GetShownPath(path).Print());
         return true;
     }
     return false;
@@ -362,7 +355,7 @@ bool TCindermillApp::Save(TDocument& document)
         return SaveAs(document);
     if (Samples.IsProtected(path)) {
         TString text;
-        text.Format("%s came with the program: choose a place for your own.", ShownPath(path).Print());
+        text.Format("%s came with the program: choose a place for your own.", GetShownPath(path).Print());
         Host->ShowStatus(text);
         return SaveAs(document);
     }
@@ -404,12 +397,12 @@ void TCindermillApp::TellNotSaved(TDocument& document, const char* path)
     TString other;
     if (!AskQuestion("%s was not written, as it could not be opened again: %s. What the file held before is "
                      "untouched, and the effect is not saved. Write it as it is under another name?",
-                     ShownPath(path).Print(), document.GetSaveError().Print()) ||
+                     GetShownPath(path).Print(), document.GetSaveError().Print()) ||
         !ChooseSavePlace(document, other))
         return;
     AddMissingExtension(other, ".effect");
     if (FileExists(other))
-        ShowMessage("%s exists and was left as it is. The effect is not saved.", ShownPath(other).Print());
+        ShowMessage("%s exists and was left as it is. The effect is not saved.", GetShownPath(other).Print());
     else if (!document.SaveUnchecked(other))
         TellWriteFailed(document, other);
 }

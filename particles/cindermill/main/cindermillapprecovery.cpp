@@ -10,20 +10,13 @@
 
 namespace {
 
-TString ShownPath(const char* path)
-{
-    TString shown;
-    ToShownPath(path, shown);
-    return shown;
-}
-
 // The time stands first, so that the paths stand below each other.
 TString GetLine(const TLostEffect& effect)
 {
     TString line;
     FormatLocalTime(effect.Note.Time, line);
     line += "   ";
-    line += effect.Note.Path.IsEmpty() ? "<unsaved document>" : ShownPath(effect.Note.Path).Print();
+    line += effect.Note.Path.IsEmpty() ? "<unsaved document>" : GetShownPath(effect.Note.Path).Print();
     if (effect.IsOlder)
         line += "   (the file was written later)";
     return line;
@@ -83,10 +76,10 @@ void TCindermillApp::TellDamaged(const TDamagedEffect& damaged)
     if (damaged.IsUnread)
         ShowMessage(
             "An autosaved effect cannot be read: %s. It stays as %s, and is looked for at the next start.",
-            damaged.Fault.Print(), ShownPath(damaged.File).Print());
+            damaged.Fault.Print(), GetShownPath(damaged.File).Print());
     else
         ShowMessage("An autosaved effect is damaged and cannot be restored: %s. It is kept as %s.",
-                    damaged.Fault.Print(), ShownPath(damaged.File).Print());
+                    damaged.Fault.Print(), GetShownPath(damaged.File).Print());
 }
 
 void TCindermillApp::OnEnding()

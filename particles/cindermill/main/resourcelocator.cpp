@@ -28,7 +28,7 @@ bool FindBelow(const char* name, const char* directory, TString& path)
 {
     const TString here(directory);
     vector<TDirectoryEntry> entries;
-    ListDirectory(ListablePath(here), entries);
+    ListDirectory(GetListablePath(here), entries);
     if (FindEntry(entries, name, here.Print(), path))
         return true;
     for (const TDirectoryEntry& entry : entries) {
@@ -343,7 +343,7 @@ bool TResourceLocator::FindInKnownDirectories(const char* name, TString& path) c
 {
     for (const TString& directory : KnownDirectories) {
         vector<TDirectoryEntry> entries;
-        ListDirectory(ListablePath(directory), entries);
+        ListDirectory(GetListablePath(directory), entries);
         if (FindEntry(entries, name, directory.Print(), path))
             return true;
     }

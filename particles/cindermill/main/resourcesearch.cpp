@@ -2,18 +2,6 @@
 
 #include "library/system/path.h"
 
-void JoinPath(const char* directory, const char* name, TString& path)
-{
-    path = directory;
-    path += "\\";
-    path += name;
-}
-
-const char* ListablePath(const TString& directory)
-{
-    return directory.IsEmpty() ? "\\" : directory.c_str();
-}
-
 bool FindEntry(const vector<TDirectoryEntry>& entries, const char* name, const char* directory, TString& path)
 {
     for (const TDirectoryEntry& entry : entries) {
@@ -76,7 +64,7 @@ bool TResourceSearch::Search(const char* directory, const char* excluded, bool c
 bool TResourceSearch::SearchDirectory(const TString& directory, const char* excluded)
 {
     vector<TDirectoryEntry> entries;
-    ListDirectory(ListablePath(directory), entries);
+    ListDirectory(GetListablePath(directory), entries);
     if (FindEntry(entries, SearchName, directory.Print(), Path))
         return true;
     for (const TDirectoryEntry& entry : entries) {

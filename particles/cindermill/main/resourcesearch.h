@@ -9,10 +9,6 @@
 
 struct TDirectoryEntry;
 
-// The name of a file in a directory, both as they are kept.
-void JoinPath(const char* directory, const char* name, TString& path);
-// The directory as it can be listed: the top of a file system is the empty path.
-const char* ListablePath(const TString& directory);
 // The file of that name, in any case of its letters, among a directory's entries.
 bool FindEntry(const vector<TDirectoryEntry>& entries, const char* name, const char* directory,
                TString& path);
