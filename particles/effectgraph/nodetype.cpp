@@ -372,7 +372,7 @@ static bool SameOutput(const TOutputPort& copy, const TOutputPort& type)
 
 bool TNodeType::IsNamedOrOfClass(const char* name, const char* className) const
 {
-    return Name.Compare(name) == 0 || ClassName.Compare(className) == 0;
+    return Name.Compare(name) == 0 || IsOfClass(className);
 }
 
 bool TNodeType::NeedsRefresh(const TNodeTypeLibrary& library) const

@@ -131,6 +131,7 @@ public:
 
     bool HasFlag(uint32_t flag) const { return (Flags & flag) != 0; }
     void SetFlag(uint32_t flag, bool on) { Flags = on ? Flags | flag : Flags & ~flag; }
+    bool IsOfClass(const char* className) const { return ClassName.Compare(className) == 0; }
     // Whether the type is the one of this name or, under whatever name an artist gave the node, of this
     // class.
     bool IsNamedOrOfClass(const char* name, const char* className) const;

@@ -19,7 +19,7 @@ TNodeType* TNodeTypeLibrary::FindType(const char* name) const
 bool TNodeTypeLibrary::HasClass(const char* className) const
 {
     for (const TNodeType* type : Types)
-        if (type->ClassName.Compare(className) == 0)
+        if (type->IsOfClass(className))
             return true;
     return false;
 }

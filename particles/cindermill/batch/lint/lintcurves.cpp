@@ -21,7 +21,7 @@ constexpr double LeastLength = 0.001;
 bool IsRunning(const TEffectNode& node, const char* className, int numInputs)
 {
     const TNodeType& type = *node.GetNodeType();
-    return type.ClassName.Compare(className) == 0 && !type.IsBypassed() && node.GetNumInputs() >= numInputs;
+    return type.IsOfClass(className) && !type.IsBypassed() && node.GetNumInputs() >= numInputs;
 }
 
 const TNodeRampParameter* FindRamp(const TNodeType& type)

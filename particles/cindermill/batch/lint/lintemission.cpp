@@ -52,7 +52,7 @@ void TLintEmission::NodeRan(int group, int tied, int count)
 {
     TEffectNode& node = *Schedule.GetNode(Schedule.GetTiedNode(group, tied));
     const TNodeType& type = *node.GetNodeType();
-    if (count == 0 || type.IsBypassed() || type.ClassName.Compare("TEmitter") != 0)
+    if (count == 0 || type.IsBypassed() || !type.IsOfClass("TEmitter"))
         return;
     const int output = type.GetNumOutputs() > 0 ? Schedule.GetTiedNodeOutput(group, tied, 0) : -1;
     const auto* most = type.FindParameterOf<TNodeIntParameter>("Per frame max emission", PK_INT);

@@ -99,5 +99,5 @@ TString GetNodeName(const TEffectNode& node)
 
 bool IsClass(const TEffectNode& node, const char* className)
 {
-    return node.GetNodeType()->ClassName.Compare(className) == 0;
+    return node.GetNodeType()->IsOfClass(className);
 }

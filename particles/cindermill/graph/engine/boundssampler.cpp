@@ -11,14 +11,14 @@ constexpr const char* TrailStage = "TVelocityTrailRenderStage";
 bool IsFlatStage(const TNodeType& type)
 {
     for (const char* name : FlatStages)
-        if (type.ClassName.Compare(name) == 0)
+        if (type.IsOfClass(name))
             return true;
     return false;
 }
 
 bool IsTrailStage(const TNodeType& type)
 {
-    return type.ClassName.Compare(TrailStage) == 0;
+    return type.IsOfClass(TrailStage);
 }
 
 bool IsFinite(const TVector3& v)

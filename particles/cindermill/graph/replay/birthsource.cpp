@@ -7,7 +7,7 @@
 bool EmitsParticles(const TNodeType& type)
 {
     for (const char* name : {"TPointEmitter", "TGrid", "TSphereSurface"})
-        if (type.ClassName.Compare(name) == 0)
+        if (type.IsOfClass(name))
             return true;
     return false;
 }

@@ -76,7 +76,7 @@ const void* TCauseSearch::FindInDecider(const TEffectNode& node, int group)
 {
     const TNodeType& type = *node.GetNodeType();
     const bool isEmitter = type.Category == TU_EMITTER;
-    if (!isEmitter && type.ClassName.Compare("TAge") != 0 && type.ClassName.Compare("TPrune") != 0)
+    if (!isEmitter && !type.IsOfClass("TAge") && !type.IsOfClass("TPrune"))
         return nullptr;
     if (const void* cause = Causes.FindOfParticles(node, group))
         return cause;

@@ -5,7 +5,7 @@
 TConsoleFate GetConsoleFate(const TNodeType& type)
 {
     for (const TClassNote& note : ClassNotes)
-        if (note.Fate != CF_ALIKE && type.ClassName.Compare(note.ClassName) == 0)
+        if (note.Fate != CF_ALIKE && type.IsOfClass(note.ClassName))
             return note.Fate;
     return CF_ALIKE;
 }

@@ -25,7 +25,7 @@ const TDrawingClass DrawingClasses[] = {
 // A command for each component of what comes in.
 int CountCommands(const TEffectSchedule& schedule, int group, int tied, const TNodeType& type)
 {
-    if (type.ClassName.Compare(RandomClass) != 0)
+    if (!type.IsOfClass(RandomClass))
         return 1;
     const int attrib = schedule.GetTiedNodeInput(group, tied, 0);
     return GetTypeFloats(attrib != -1 ? schedule.GetAttributeType(group, attrib) : type.GetInputType(0));
@@ -46,7 +46,7 @@ void TCommandPlaces::AddNode(const TEffectSchedule& schedule, int group, int tie
     if (type.IsBypassed())
         return;
     for (const TDrawingClass& drawing : DrawingClasses) {
-        if (type.ClassName.Compare(drawing.ClassName) != 0)
+        if (!type.IsOfClass(drawing.ClassName))
             continue;
         const int count = CountCommands(schedule, group, tied, type);
         for (int draw = 0; draw < count; ++draw) {

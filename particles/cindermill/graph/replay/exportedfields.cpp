@@ -59,7 +59,7 @@ void AddByteFaults(const TNodeType& type, vector<TFieldFault>& result)
     constexpr int most = 255;
     int number = 0;
     for (const TByteParameter& byte : ByteParameters)
-        if (type.ClassName.Compare(byte.ClassName) == 0 && GetNumber(type, byte.Name, number) &&
+        if (type.IsOfClass(byte.ClassName) && GetNumber(type, byte.Name, number) &&
             (number < 0 || number > most))
             result.push_back(TFieldFault{byte.Name, double(number), most, double(number & most), false});
 }

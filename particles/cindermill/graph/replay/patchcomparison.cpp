@@ -50,9 +50,9 @@ public:
                 continue;
             Place.Node = Schedule.GetNode(index);
             for (const TPlacedInput& placed : PlacedInputs)
-                if (type.ClassName.Compare(placed.ClassName) == 0)
+                if (type.IsOfClass(placed.ClassName))
                     ComparePlaced(tied, type, placed);
-            if (type.ClassName.Compare("TEffect") == 0)
+            if (type.IsOfClass("TEffect"))
                 CompareParameters(type);
         }
         Place.Node = nullptr;

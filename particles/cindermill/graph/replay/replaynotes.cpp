@@ -26,15 +26,10 @@ const TFixedInput PlacedInputs[] = {
     {"TVelocityCone", 0},
 };
 
-bool IsOfClass(const TNodeType& type, const char* name)
-{
-    return type.ClassName.Compare(name) == 0;
-}
-
 bool IsOfClassIn(const TNodeType& type, std::initializer_list<const char*> names)
 {
     for (const char* name : names)
-        if (IsOfClass(type, name))
+        if (type.IsOfClass(name))
             return true;
     return false;
 }
@@ -86,29 +81,29 @@ private:
     void AddNode(const TTiedNode& tied, const TNodeType& type)
     {
         for (const TClassNote& note : ClassNotes)
-            if (IsOfClass(type, note.ClassName))
+            if (type.IsOfClass(note.ClassName))
                 Add(note.Text, note.Fate != CF_ALIKE);
         for (const TFixedInput& fixed : FixedInputs)
-            if (IsOfClass(type, fixed.ClassName) && IsWired(tied, fixed.Port))
+            if (type.IsOfClass(fixed.ClassName) && IsWired(tied, fixed.Port))
                 AddNamed("input \"%s\" is wired, and its own value is exported",
                          type.GetInput(fixed.Port)->Name);
         for (const TFixedInput& placed : PlacedInputs)
-            if (IsOfClass(type, placed.ClassName) && !IsWired(tied, placed.Port))
+            if (type.IsOfClass(placed.ClassName) && !IsWired(tied, placed.Port))
                 Add("the game may place it, and it is replayed where the effect has it", false);
         AddFields(type);
-        if (IsOfClass(type, "TCollisionPlane"))
+        if (type.IsOfClass("TCollisionPlane"))
             AddPlane(tied, type);
         if (EmitsParticles(type) && !IsWired(tied, 0) && !(TFixedValue(type.GetInput(0))[0] < 1))
             AddNamed(
                 "nothing is wired to \"%s\": the preview takes its own value, and the console fires none",
                 type.GetInput(0)->Name, true, true);
-        if (IsOfClass(type, "TEffect"))
+        if (type.IsOfClass("TEffect"))
             AddUserParameters(type);
-        if (IsOfClass(type, "TEmitter") && EmitsByChance(type))
+        if (type.IsOfClass("TEmitter") && EmitsByChance(type))
             Add("it draws at random: what the console draws is its own", false);
         if (IsOfClassIn(type, {"TEmitter", "TEffect"}) && !Schedule.IsTriggerGroup(Group))
             Add("its particles share one clock in the preview, and have one each on the console");
-        if (IsOfClass(type, "TAdd"))
+        if (type.IsOfClass("TAdd"))
             AddSum(tied, type);
         if (IsOfClassIn(type, {"TAdd", "TMultiply", "TRandomEmitter"}))
             AddNarrow(tied, type);
@@ -188,8 +183,8 @@ private:
     // What is passed on lies in one place with what it comes from, unless its type is another.
     void AddPassed(const TTiedNode& tied, const TNodeType& type)
     {
-        const int numInputs = IsOfClass(type, "TBuildVector")     ? 3
-                              : IsOfClass(type, "TMakeTransform") ? 2
+        const int numInputs = type.IsOfClass("TBuildVector")     ? 3
+                              : type.IsOfClass("TMakeTransform") ? 2
                               : IsOfClassIn(type, {"TConstant", "TSelectComponent", "TPointEmitter", "TGrid"})
                                   ? 1
                                   : 0;

@@ -57,10 +57,7 @@ public:
     }
 
 private:
-    static bool IsEffect(const TNodeType& type)
-    {
-        return type.ClassName.Compare("TEffect") == 0 && !type.IsBypassed();
-    }
+    static bool IsEffect(const TNodeType& type) { return type.IsOfClass("TEffect") && !type.IsBypassed(); }
     void CompareNumber(const char* name, float preview, float replay, int component = -1)
     {
         Report.CompareNamed(Place, name, preview, replay, component);

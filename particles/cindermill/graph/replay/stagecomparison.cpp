@@ -20,7 +20,7 @@ const char* const StageClasses[] = {"TQuadRenderStage", "TBlendedQuadRenderStage
 bool IsStage(const TNodeType& type)
 {
     for (const char* name : StageClasses)
-        if (type.ClassName.Compare(name) == 0)
+        if (type.IsOfClass(name))
             return !type.IsBypassed();
     return false;
 }

@@ -76,22 +76,21 @@ private:
     // A plane that is wired has no command, which is an error of the export.
     bool IsLeftOut(int tied, const TNodeType& type) const
     {
-        return type.ClassName.Compare("TCollisionPlane") == 0 &&
-               Schedule.GetTiedNodeInput(Group, tied, 2) != -1;
+        return type.IsOfClass("TCollisionPlane") && Schedule.GetTiedNodeInput(Group, tied, 2) != -1;
     }
     void CompareNode(int node, const TNodeType& type)
     {
-        if (type.ClassName.Compare("TShaper") == 0)
+        if (type.IsOfClass("TShaper"))
             CompareShaper(static_cast<const TShaper&>(*Engine.GetExecNode(node)));
-        else if (type.ClassName.Compare("TEmitter") == 0)
+        else if (type.IsOfClass("TEmitter"))
             CompareEmitter(type);
-        else if (type.ClassName.Compare("TAnimatedTexture") == 0)
+        else if (type.IsOfClass("TAnimatedTexture"))
             CompareAnimatedTexture(type);
-        else if (type.ClassName.Compare("TSphereSurface") == 0)
+        else if (type.IsOfClass("TSphereSurface"))
             CompareSphere(type);
-        else if (type.ClassName.Compare("TCollisionPlane") == 0)
+        else if (type.IsOfClass("TCollisionPlane"))
             ComparePlane(type);
-        else if (type.ClassName.Compare("TEffect") == 0)
+        else if (type.IsOfClass("TEffect"))
             CompareEffect(type);
     }
     const TDecodedCommand* Take(const char* name)

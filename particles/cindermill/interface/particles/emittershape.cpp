@@ -29,11 +29,6 @@ bool ReadInput(const TEffectNode& node, const char* name, int type, TPortValue& 
     return true;
 }
 
-bool IsClass(const TEffectNode& node, const char* name)
-{
-    return node.GetNodeType()->ClassName.Compare(name) == 0;
-}
-
 // Where a node of emission stands in space.
 bool GetFrame(const TEffectNode& node, const char* name, TMatrix43& frame)
 {
@@ -120,15 +115,15 @@ void DrawCone(const TEffectNode& node)
 
 void DrawEmitterShape(const TEffectNode& node)
 {
-    if (IsClass(node, "TVelocityCone")) {
+    if (node.GetNodeType()->IsOfClass("TVelocityCone")) {
         DrawCone(node);
         return;
     }
     TMatrix43 frame;
-    if (IsClass(node, "TPointEmitter") && GetFrame(node, "Transform", frame))
+    if (node.GetNodeType()->IsOfClass("TPointEmitter") && GetFrame(node, "Transform", frame))
         DrawPoint(frame);
-    else if (IsClass(node, "TSphereSurface") && GetFrame(node, "Translation", frame))
+    else if (node.GetNodeType()->IsOfClass("TSphereSurface") && GetFrame(node, "Translation", frame))
         DrawSphere(node, frame);
-    else if (IsClass(node, "TGrid") && GetFrame(node, "Transform", frame))
+    else if (node.GetNodeType()->IsOfClass("TGrid") && GetFrame(node, "Transform", frame))
         DrawGrid(node, frame);
 }

@@ -34,7 +34,7 @@ const TEffectNode* FindStageWithoutTexture(const TEffectSchedule& schedule)
 const TEffectNode* FindTrigger(const TEffectSchedule& schedule)
 {
     for (int n = 0; n < schedule.GetNumNodes(); ++n)
-        if (schedule.GetNode(n)->GetNodeType()->ClassName.Compare("TEmitter") == 0)
+        if (schedule.GetNode(n)->GetNodeType()->IsOfClass("TEmitter"))
             return schedule.GetNode(n);
     return nullptr;
 }
