@@ -27,6 +27,18 @@ public:
     // Both, for a text that will be saved: too long a one is an error.
     bool ReadElement(TString& text, const char* readFault, const char* leaveFault);
     bool CheckTextLength(const TString& text);
+    // An optional element of the one just found: what `take` makes of its text, which is false with an error
+    // if it refuses it.
+    template <class TTake>
+    bool ReadOptional(const char* tag, TTake take)
+    {
+        if (!Xml.FindTagFromHere(tag))
+            return true;
+        TString fault;
+        TString text;
+        return GetText(text, fault.Format("Failed to get %s text", tag)) && take(text) &&
+               Leave(fault.Format("Parameter missing %s end tag", tag));
+    }
 
     TXmlFile& Xml;
 

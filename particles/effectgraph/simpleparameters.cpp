@@ -23,15 +23,10 @@ int TNodeBoolParameter::GetSize()
 
 bool TNodeBoolParameter::ParseXml(TNodeTypeFile& file)
 {
-    if (!ParseCommon(file))
-        return false;
-    if (!file.Xml.FindTagFromHere("defaultvalue"))
+    return ParseCommon(file) && file.ReadOptional("defaultvalue", [&](const TString& text) {
+        Value = IsTrueText(text);
         return true;
-    TString text;
-    if (!file.GetText(text, "Failed to get defaultvalue text"))
-        return false;
-    Value = IsTrueText(text);
-    return file.Leave("Parameter missing defaultvalue end tag");
+    });
 }
 
 TNodeParameter* TNodeBoolParameter::Clone() const
@@ -104,17 +99,15 @@ bool TNodeEnumParameter::ParseXml(TNodeTypeFile& file)
     }
     // A list without a default value has walked the reader to the element's end.
     file.Xml.RewindTag();
-    if (!file.Xml.FindTagFromHere("defaultvalue"))
+    return file.ReadOptional("defaultvalue", [&](const TString& name) {
+        int index = 0;
+        while (index < Values.size() && Values[index].Name.Compare(name, true) != 0)
+            ++index;
+        if (index == Values.size())
+            return file.Fail("Default value for enum not found in values set: %s", QuoteText(name).Print());
+        Index = index;
         return true;
-    if (!file.GetText(text, "Failed to get defaultvalue text"))
-        return false;
-    int index = 0;
-    while (index < Values.size() && Values[index].Name.Compare(text, true) != 0)
-        ++index;
-    if (index == Values.size())
-        return file.Fail("Default value for enum not found in values set: %s", QuoteText(text).Print());
-    Index = index;
-    return file.Leave("Parameter missing defaultvalue end tag");
+    });
 }
 
 // Where an entry of another list stands in this one: what counts is its number, and its name where numbers
@@ -216,15 +209,10 @@ int TNodeIntParameter::GetSize()
 
 bool TNodeIntParameter::ParseXml(TNodeTypeFile& file)
 {
-    if (!ParseCommon(file))
-        return false;
-    if (!file.Xml.FindTagFromHere("defaultvalue"))
+    return ParseCommon(file) && file.ReadOptional("defaultvalue", [&](const TString& text) {
+        Value = text.ToInt();
         return true;
-    TString text;
-    if (!file.GetText(text, "Failed to get defaultvalue text"))
-        return false;
-    Value = text.ToInt();
-    return file.Leave("Parameter missing defaultvalue end tag");
+    });
 }
 
 TNodeParameter* TNodeIntParameter::Clone() const

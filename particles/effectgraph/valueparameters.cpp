@@ -75,75 +75,64 @@ TNodeParameter* TNodeValueParameter::CloneInto(TNodeValueParameter* copy) const
     return copy;
 }
 
-bool TNodeValueParameter::ParseFloats(TNodeTypeFile& file, const char* tag, int first, int count,
-                                      const char* badCount, bool& found)
+bool TNodeValueParameter::TakeFloats(TNodeTypeFile& file, const TString& text, int first, int count,
+                                     const char* badCount)
 {
-    found = file.Xml.FindTagFromHere(tag);
-    if (!found)
-        return true;
-    TString fault;
-    TString text;
-    if (!file.GetText(text, fault.Format("Failed to get %s text", tag)))
-        return false;
     vector<TString> pieces;
     text.Split(pieces, ',');
     if (pieces.size() != count)
         return file.Fail(badCount, QuoteText(text).Print());
     for (int i = 0; i < count; ++i)
         Value[first + i] = pieces[i].ToFloat();
-    return file.Leave(fault.Format("Parameter missing %s end tag", tag));
+    return true;
+}
+
+bool TNodeValueParameter::ParseFloats(TNodeTypeFile& file, const char* badCount)
+{
+    return ParseCommon(file) && file.ReadOptional("defaultvalue", [&](const TString& text) {
+        return TakeFloats(file, text, 0, GetNumFloats(), badCount);
+    });
 }
 
 bool TNodeScalarParameter::ParseXml(TNodeTypeFile& file)
 {
-    if (!ParseCommon(file))
-        return false;
-    if (!file.Xml.FindTagFromHere("defaultvalue"))
+    return ParseCommon(file) && file.ReadOptional("defaultvalue", [&](const TString& text) {
+        Value[0] = text.ToFloat();
         return true;
-    TString text;
-    if (!file.GetText(text, "Failed to get defaultvalue text"))
-        return false;
-    Value[0] = text.ToFloat();
-    return file.Leave("Parameter missing defaultvalue end tag");
+    });
 }
 
 bool TNodeScaleParameter::ParseXml(TNodeTypeFile& file)
 {
-    bool found = false;
-    return ParseCommon(file) &&
-           ParseFloats(file, "defaultvalue", 0, 2, "Badly formatted vector2 default value : %s\n", found);
+    return ParseFloats(file, "Badly formatted vector2 default value : %s\n");
 }
 
 bool TNodeVector3Parameter::ParseXml(TNodeTypeFile& file)
 {
-    bool found = false;
-    return ParseCommon(file) &&
-           ParseFloats(file, "defaultvalue", 0, 3, "Badly formatted vector3 initial value : %s", found);
+    return ParseFloats(file, "Badly formatted vector3 initial value : %s");
 }
 
 bool TNodeQuaternionParameter::ParseXml(TNodeTypeFile& file)
 {
-    bool found = false;
-    return ParseCommon(file) &&
-           ParseFloats(file, "defaultvalue", 0, 3, "Badly formatted quaternion initial value : %s", found);
+    return ParseFloats(file, "Badly formatted quaternion initial value : %s");
 }
 
 bool TNodeColourParameter::ParseXml(TNodeTypeFile& file)
 {
-    bool found = false;
-    return ParseCommon(file) &&
-           ParseFloats(file, "defaultvalue", 0, 4, "Badly formatted colour initial value : %s", found);
+    return ParseFloats(file, "Badly formatted colour initial value : %s");
 }
 
 bool TNodeTransformParameter::ParseXml(TNodeTypeFile& file)
 {
     static constexpr const char* BadCount = "Badly formatted transform initial value : %s";
-    if (!ParseCommon(file))
-        return false;
-    bool found = false;
-    if (!ParseFloats(file, "defaultposition", 0, 3, BadCount, found))
-        return false;
-    return !found || ParseFloats(file, "defaultrotation", 3, 3, BadCount, found);
+    bool hasPosition = false;
+    const auto takePosition = [&](const TString& text) {
+        hasPosition = true;
+        return TakeFloats(file, text, 0, 3, BadCount);
+    };
+    const auto takeRotation = [&](const TString& text) { return TakeFloats(file, text, 3, 3, BadCount); };
+    return ParseCommon(file) && file.ReadOptional("defaultposition", takePosition) &&
+           (!hasPosition || file.ReadOptional("defaultrotation", takeRotation));
 }
 
 bool TNodeTexCoordParameter::ParseXml(TNodeTypeFile& file)

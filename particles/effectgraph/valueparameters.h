@@ -24,9 +24,11 @@ public:
 protected:
     explicit TNodeValueParameter(int type) : TRegistered(type) {}
     TNodeParameter* CloneInto(TNodeValueParameter* copy) const;
-    // An optional tag with `count` floats from Value[first] on. `found` tells whether it stood there.
-    bool ParseFloats(TNodeTypeFile& file, const char* tag, int first, int count, const char* badCount,
-                     bool& found);
+    // All that a file tells of a type with as many floats in its default value; `badCount` is the error of
+    // others.
+    bool ParseFloats(TNodeTypeFile& file, const char* badCount);
+    // The text's floats, `count` of them, go into Value from `first` on.
+    bool TakeFloats(TNodeTypeFile& file, const TString& text, int first, int count, const char* badCount);
 
     float Value[MaxValueFloats] = {0, 0, 0, 0, 0, 0};
 };
