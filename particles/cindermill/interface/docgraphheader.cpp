@@ -115,11 +115,8 @@ bool TDocGraphHeader::OnMessage(const TMessage& message)
             PressTab(Marked);
         return message.Character == ' ';
     case MT_FOCUSGAINED:
-        DocWindow->Activate();
-        Redraw();
-        return false;
     case MT_FOCUSLOST:
-        Redraw();
+        DocWindow->OnPaneFocus(*this, message.Type);
         return false;
     case MT_LEFTUP:
         // The document may have dropped its schedule meanwhile.
@@ -206,8 +203,7 @@ bool TDocGraphHeader::OnKey(const TMessage& message)
         OnTab(Marked, (message.KeyFlags & KF_ALT) != 0);
         return true;
     case KEY_ESCAPE:
-        if (!DocWindow->CancelAnyDrag())
-            DocWindow->GetGraph().TakeFocus();
+        DocWindow->OnPaneEscape();
         return true;
     default:
         return false;

@@ -81,11 +81,8 @@ bool TDocTool::OnMessage(const TMessage& message)
         OnLeftDown(message.GetPixelX(), message.GetPixelY());
         return true;
     case MT_FOCUSGAINED:
-        DocWindow->Activate();
-        Redraw();
-        return false;
     case MT_FOCUSLOST:
-        Redraw();
+        DocWindow->OnPaneFocus(*this, message.Type);
         return false;
     case MT_KEYDOWN:
     case MT_CHAR:
@@ -119,11 +116,9 @@ bool TDocTool::OnKey(const TMessage& message)
 // What there is to give up, and then the keys.
 void TDocTool::OnEscape()
 {
-    if (DocWindow->CancelAnyDrag())
-        return;
     if (Filter.GetText().IsEmpty())
-        DocWindow->GetGraph().TakeFocus();
-    else
+        DocWindow->OnPaneEscape();
+    else if (!DocWindow->CancelAnyDrag())
         SetFilter("");
 }
 

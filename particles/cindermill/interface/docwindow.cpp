@@ -152,6 +152,19 @@ bool TDocWindow::CancelAnyDrag()
     return Graph.CancelDrag() || Windows.GetScene().CancelDrags();
 }
 
+void TDocWindow::OnPaneEscape()
+{
+    if (!CancelAnyDrag())
+        Graph.TakeFocus();
+}
+
+void TDocWindow::OnPaneFocus(TWindow& pane, TMessageType type)
+{
+    if (type == MT_FOCUSGAINED)
+        Activate();
+    pane.Redraw();
+}
+
 void TDocWindow::ShowCursor(TCursor cursor)
 {
     if (cursor == Cursor)

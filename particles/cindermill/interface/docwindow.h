@@ -38,6 +38,10 @@ public:
     // Ends what the mouse does in this window, or with the graph that it shows, without effect. False if
     // nothing runs.
     bool CancelAnyDrag();
+    // For the panes beside the graph. Escape ends what the mouse does, or gives the keys to the graph.
+    void OnPaneEscape();
+    // The pane has the keys now, or has them no more.
+    void OnPaneFocus(TWindow& pane, TMessageType type);
     bool IsTypeDragging() const { return DragType != nullptr; }
     // Nothing happens with no node to show.
     void FocusSelected(bool animate);

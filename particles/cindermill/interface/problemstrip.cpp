@@ -162,11 +162,8 @@ bool TProblemStrip::OnMessage(const TMessage& message)
         PressEntry(Marked);
         return true;
     case MT_FOCUSGAINED:
-        DocWindow->Activate();
-        Redraw();
-        return false;
     case MT_FOCUSLOST:
-        Redraw();
+        DocWindow->OnPaneFocus(*this, message.Type);
         return false;
     case MT_WHEEL: {
         const int limit = GetLastFirstRow();
@@ -187,8 +184,7 @@ bool TProblemStrip::OnKey(int key)
         PressEntry(Marked);
         return true;
     case KEY_ESCAPE:
-        if (!DocWindow->CancelAnyDrag())
-            DocWindow->GetGraph().TakeFocus();
+        DocWindow->OnPaneEscape();
         return true;
     default:
         break;

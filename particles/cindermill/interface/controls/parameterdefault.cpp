@@ -9,12 +9,12 @@ namespace {
 const TNodeType* FindLibraryType(const TNodeTypeLibrary& library, const TNodeType& own)
 {
     const TNodeType* named = library.FindType(own.Name.Print());
-    if (named != nullptr && named->ClassName.Compare(own.ClassName) == 0)
+    if (named != nullptr && named->IsOfClass(own.ClassName))
         return named;
     const TNodeType* first = nullptr;
     for (int i = 0; i < library.GetNumTypes(); ++i) {
         const TNodeType* type = library.GetType(i);
-        if (type->ClassName.Compare(own.ClassName) != 0)
+        if (!type->IsOfClass(own.ClassName))
             continue;
         if (type->Description.Compare(own.Description, true) == 0)
             return type;
