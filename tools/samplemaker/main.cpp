@@ -1,3 +1,4 @@
+#include "library/containers/log.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/effectgraph/error.h"
 #include "tools/samplemaker/samplemaker.h"
@@ -24,6 +25,8 @@ int main(int argc, char** argv)
     }
     if (!errors.empty())
         return 1;
+    // What the schedules tell of themselves is nobody's to read here.
+    const TLogCapture quiet([](const char*, void*) {}, nullptr);
     std::string failed;
     if (MakeSamples(app, argv[3], failed))
         return 0;

@@ -41,7 +41,6 @@ public:
     const bool NeedsNodeTypes;
 };
 
-// All commands, in the order in which the usage lists them.
 // Null for an unknown word.
 const TBatchCommand* FindBatchCommand(const char* word);
 

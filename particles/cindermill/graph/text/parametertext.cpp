@@ -1,5 +1,6 @@
 #include "particles/cindermill/graph/text/parametertext.h"
 
+#include "library/containers/assertion.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/rampparameter.h"
@@ -120,6 +121,7 @@ void TParameterText::AddSimple(const TString& label, const TNodeParameter& param
     else if (parameter.Type == PK_TEXTURE)
         AddValue(label, "", QuotedText(static_cast<const TNodeTextureParameter&>(parameter).GetFileName()));
     else {
+        ASSERT(parameter.Type < TY_POLYTYPE);
         const TNodeValueParameter& value = static_cast<const TNodeValueParameter&>(parameter);
         AddValue(label, "", TextOf(value.GetFloats(), value.GetNumFloats()));
     }

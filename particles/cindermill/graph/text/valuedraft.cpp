@@ -1,6 +1,7 @@
 #include "particles/cindermill/graph/text/valuedraft.h"
 
 #include "library/containers/append.h"
+#include "library/containers/assertion.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/polytypeparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
@@ -135,6 +136,7 @@ bool TValueDraft::AddValue(int index, const TString& rest, TTextCursor value)
     case PK_ENUM:
         return AddChoice(index, value);
     default:
+        ASSERT(parameter.Type < TY_POLYTYPE);
         return TakeFloatsOf(value, static_cast<TNodeValueParameter&>(parameter));
     }
 }

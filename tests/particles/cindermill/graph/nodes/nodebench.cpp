@@ -2,41 +2,22 @@
 
 #include "library/containers/nametocrc.h"
 #include "particles/cindermill/graph/nodes/nodes.h"
+#include "particles/effectgraph/export/efxnames.h"
 
 #include <cstring>
 
 namespace {
 
-const char* const KnownNames[] = {"IdConstantEmitter",
-                                  "IdEffect",
-                                  "IdEmissionTrigger",
-                                  "IdSphereSurfaceEmitter",
-                                  "IdConeEmitter",
-                                  "IdRandomEmitter",
-                                  "IdGravityForce",
-                                  "IdEulerIntegratePosition",
-                                  "IdWind",
-                                  "IdTurbulence",
-                                  "IdDamping",
-                                  "IdAttractor",
-                                  "IdPlaneCollision",
-                                  "IdUpdateAge",
-                                  "IdPrune",
-                                  "IdAdd",
-                                  "IdMul",
-                                  "IdLength",
-                                  "IdShaper",
-                                  "IdAnimatedTexture",
-                                  "transform 0",
-                                  "transform 1",
-                                  "User Scalar",
-                                  "User Rotation"};
-
 std::string NameOf(uint32_t id)
 {
-    for (const char* name : KnownNames)
-        if (NameToCrc(name) == id)
-            return name;
+    static const TEfxNames commandsAndPatches;
+    TString name;
+    commandsAndPatches.GetName(id, name);
+    if (NameToCrc(name) == id)
+        return name.Print();
+    for (const char* userValue : {"User Scalar", "User Rotation"})
+        if (NameToCrc(userValue) == id)
+            return userValue;
     return "?";
 }
 
