@@ -5,12 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <random>
-
-#include <sys/resource.h>
-#include <unistd.h>
 
 namespace {
 
@@ -432,55 +427,6 @@ TEST(TImage, DamagedDdsFilesFail)
     flat.Height = 0;
     EXPECT_FALSE(LoadsDds(flat.Header() + "abcd"));
 }
-
-#if !defined(CINDERMILL_SANITIZED)
-// Holds the process to so many bytes more of memory.
-class TMemoryLimit
-{
-public:
-    explicit TMemoryLimit(size_t more)
-    {
-        size_t pages = 0;
-        std::ifstream("/proc/self/statm") >> pages;
-        getrlimit(RLIMIT_AS, &Before);
-        struct rlimit limit = Before;
-        limit.rlim_cur = pages * static_cast<size_t>(sysconf(_SC_PAGESIZE)) + more;
-        setrlimit(RLIMIT_AS, &limit);
-    }
-    ~TMemoryLimit() { setrlimit(RLIMIT_AS, &Before); }
-
-private:
-    struct rlimit Before = {};
-};
-
-TEST(TImage, AFileThatIsMostlyNoPictureTakesNoMemory)
-{
-    const TTempFolder folder;
-    const std::string path = folder.Path("image");
-    THvt distant;
-    distant.Format = 0x21;
-    distant.Remap = 0xA9FF;
-    distant.Height = 2;
-    distant.Pitch = 0x70000000;
-    THvt unknown;
-    unknown.Format = 0x03 | 32;
-    const struct
-    {
-        std::string Header;
-        bool Loads;
-    } rows[] = {{TDds().Header() + "abcd", true}, {THvt().Header() + "abcd", true},
-                {distant.Header(), true},         {unknown.Header(), true},
-                {std::string(200, 'x'), false},   {std::string(200, '\0'), false}};
-    for (const auto& row : rows) {
-        WriteBytes(path, row.Header);
-        std::filesystem::resize_file(path, 0x7fffffff);
-        bool loaded = !row.Loads;
-        const TMemoryLimit limit(256 << 20);
-        EXPECT_EQ(AssertionOf([&] { LogOf([&] { loaded = TImage().Load(path.c_str()); }); }), "");
-        EXPECT_EQ(loaded, row.Loads);
-    }
-}
-#endif
 
 TEST(TImage, AFailedLoadLeavesNoPicture)
 {
