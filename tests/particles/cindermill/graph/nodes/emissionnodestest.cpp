@@ -141,6 +141,32 @@ TEST(TEmitter, TheEndOfTheLifeEndsTheEmission)
     EXPECT_EQ(bench.Counts(0.25f, 5), (TFloats{0, 5, 5, 0, 0}));
 }
 
+TEST(TEmitter, ANegativeLifeIsOverBeforeItBegins)
+{
+    TTriggerBench bench(Steady, 5, 1000);
+    bench.Limit(-0.25f);
+    bench.Set("Start Delay", {0.25f});
+    EXPECT_EQ(bench.Counts(0.25f, 3), (TFloats{0, 0, 0}));
+}
+
+TEST(TEmitter, AFrameWithoutTimeBurstsAndOwesNothingInSteadyMode)
+{
+    TTriggerBench burst(Burst, 7, 0);
+    EXPECT_EQ(burst.Counts(0, 3), (TFloats{7, 0, 0}));
+    TTriggerBench steady(Steady, 5, 1000);
+    EXPECT_EQ(steady.Counts(0, 3), (TFloats{0, 0, 0}));
+    EXPECT_EQ(steady.Counts(0.0005f, 1), (TFloats{1}));
+}
+
+TEST(TEmitter, ARebuildBeginsAnew)
+{
+    TTriggerBench bench(Burst, 7, 0);
+    EXPECT_EQ(bench.Counts(0.25f, 2), (TFloats{7, 0}));
+    EXPECT_EQ(bench.Init(), TTexts{});
+    EXPECT_EQ(bench.Counts(0.25f, 2), (TFloats{7, 0}));
+    EXPECT_EQ(bench.Writes(1), (std::vector<TFloats>{{0.25f}, {0.5f}}));
+}
+
 TEST(TEmitter, ALifeOfZeroDoesNotEndTheEmission)
 {
     TTriggerBench bench(Steady, 5, 1000);
@@ -294,6 +320,17 @@ TEST(TGrid, IsTransformedAndKeepsTheRotation)
     EXPECT_EQ(write[1], 20);
     EXPECT_NEAR(write[2], 30 + 2, 1e-5);
     EXPECT_EQ(TFloats(write.begin() + 3, write.end()), (TFloats{0, 90, 0}));
+}
+
+TEST(TGrid, GoesOnWhereTheLastFrameStoppedUntilARebuild)
+{
+    const auto bench = MakeGrid(1, 1, 1, 3);
+    EXPECT_EQ(bench->Run(0.1f)[0], -1) << "the third of four, (-1, 1)";
+    EXPECT_EQ(bench->Run(0.1f)[0], 1) << "the second";
+    EXPECT_EQ(bench->Writes()[3], (TFloats{1, 0, 1, 0, 0, 0})) << "the fourth";
+    EXPECT_EQ(bench->Init(), TTexts{});
+    bench->Run(0.1f);
+    EXPECT_EQ(bench->Writes()[0], (TFloats{-1, 0, -1, 0, 0, 0}));
 }
 
 TEST(TGrid, WithoutDivisionsItsPointIsNoNumber)

@@ -248,6 +248,15 @@ TEST(TNoise, TheSeedIsDrawnInInitUnlessFixed)
     EXPECT_EQ(second.At(1, 2, 3), TFloats{Corner(1, 2, 3, 0, mirror.NextUnsigned())});
 }
 
+TEST(TNoise, TheFixedSeedIsReadInEveryFrame)
+{
+    TNoiseBench bench(TY_SCALAR);
+    EXPECT_EQ(bench.At(1, 2, 3), TFloats{Corner(1, 2, 3, 0, 77)});
+    TNodeType* type = bench.Node->GetNodeType();
+    type->FindParameterOf<TNodeIntParameter>("Fixed Seed.Random Seed", PK_INT)->SetValue(-5);
+    EXPECT_EQ(bench.At(1, 2, 3), TFloats{Corner(1, 2, 3, 0, static_cast<uint32_t>(-5))});
+}
+
 TEST(TNoise, FarPositionsDoNotTrap)
 {
     TNoiseBench bench(TY_SCALAR);
@@ -310,6 +319,24 @@ TEST(TShaper, NoNumberCountsAsTheStart)
     bench.Set("Life", {0});
     EXPECT_EQ(bench.At(0), 0);
     EXPECT_EQ(bench.At(1), 2);
+}
+
+TEST(TShaper, ANegativeLifeIsTheStart)
+{
+    TShaperBench bench(StraightRamp);
+    bench.Set("Life", {-1});
+    EXPECT_EQ(bench.At(0.5f), 0);
+    EXPECT_NEAR(bench.At(-0.5f), 1, 1e-5);
+}
+
+// By the ramp's own length: half of the life is half a second of two.
+TEST(TShaper, ALongerRampIsReadInItsOwnTime)
+{
+    TShaperBench bench(
+        "<Ramp><name>Value</name><type>scalar</type><defaultvalues>{0,0},{2,4}</defaultvalues></Ramp>");
+    EXPECT_NEAR(bench.At(0.5f), 1, 1e-4);
+    EXPECT_NEAR(bench.At(1), 2, 1e-4);
+    EXPECT_EQ(bench.At(2), 4);
 }
 
 TEST(TShaper, ARampOfZeroDurationHasItsEndValueEverywhere)
@@ -392,6 +419,27 @@ TEST(TAnimatedTexture, PingPongOfASingleTileDoesNotTrap)
 {
     TTextureBench bench(4, 1, 1, 2);
     EXPECT_EQ(bench.TileAt(3), 0);
+}
+
+TEST(TAnimatedTexture, ATimeRangeOfZeroHasNoTileToGoTo)
+{
+    // No number, and one that is too large, are the smallest whole number.
+    TTextureBench clamped(4, 1, 4, 0);
+    TTextureBench looped(4, 1, 3, 1);
+    for (TTextureBench* bench : {&clamped, &looped})
+        bench->Node->GetNodeType()
+            ->FindParameterOf<TNodeScalarParameter>("Time Range", TY_SCALAR)
+            ->SetValue(std::vector<float>{0}.data());
+    for (const float time : {-1.0f, 0.0f, 1.0f}) {
+        EXPECT_EQ(clamped.TileAt(time), 0);
+        EXPECT_EQ(looped.TileAt(time), -2147483648LL % 3 % 4);
+    }
+}
+
+TEST(TAnimatedTexture, PingPongKeepsTheSignOfItsFrame)
+{
+    TTextureBench bench(4, 1, 4, 2);
+    EXPECT_EQ(bench.TileAt(-0.3f), -1);
 }
 
 TEST(TAnimatedTexture, TheRowIsFoundByTheWrongDivisor)
