@@ -389,6 +389,25 @@ TEST(TSphereSurface, PutsRandomDirectionsOnTheScaledSphere)
     }
 }
 
+TEST(TSphereSurface, IsScaledBeforeItTurns)
+{
+    const TSeeded seeded(12);
+    TNodeBench bench("TSphereSurface", {"Count", {"Transform", TF}, {"Scale", V3}, {"Turn", TF}},
+                     {{"Position", V3}, {"Normal", V3}}, TU_EMITTER);
+    bench.Set("Count", {1});
+    bench.Set("Transform", {1, 2, 3, 0, 0, 90});
+    bench.Set("Scale", {2, 5, 7});
+    const TFloats position = bench.Run(0.1f);
+    TRandom mirror = seeded.Mirror;
+    float d[3];
+    mirror.Direction(d, 0x10000);
+    // Turned about z, the long way along x goes along -y, and that along y along x.
+    const float expected[3] = {1 + 5 * d[1], 2 - 2 * d[0], 3 + 7 * d[2]};
+    for (size_t i = 0; i < 3; ++i)
+        EXPECT_NEAR(position[i], expected[i], 1e-5) << i;
+    EXPECT_EQ(bench.Writes(1)[0], TFloats(d, d + 3));
+}
+
 TEST(TVelocityCone, ANarrowConeFollowsItsAxis)
 {
     TNodeBench bench("TVelocityCone", {{"Dir", V3}, "Cos", "Min", "Max"}, {{"V", V3}});
@@ -473,6 +492,32 @@ TEST(TVelocityCone, EveryStepIsRoundedToAFloat)
     }
 }
 
+TEST(TVelocityCone, AnAxisAsSteepAsItIsFlatCountsAsSteep)
+{
+    for (const float y : {1.0f, -1.0f}) {
+        const TSeeded seeded(6);
+        TNodeBench bench("TVelocityCone", {{"Dir", V3}, "Cos", "Min", "Max"}, {{"V", V3}});
+        bench.Set("Dir", {1, y, 1});
+        bench.Set("Min", {1});
+        bench.Set("Max", {1});
+        TRandom mirror = seeded.Mirror;
+        const double u = mirror.Unit(0x10000);
+        const double s = std::sqrt(1 - u * u);
+        const double phi = 2 * 3.1415927 * mirror.Unit(0x10000);
+        // Across the axis: (0, -z, y), and that times the axis.
+        const double half = std::sqrt(0.5);
+        const double a[3] = {0, -half, half * y};
+        const double v[3] = {1, static_cast<double>(y), 1};
+        const TFloats velocity = bench.Run();
+        for (size_t i = 0; i < 3; ++i) {
+            const size_t j = (i + 1) % 3;
+            const size_t k = (i + 2) % 3;
+            const double b = a[j] * v[k] - a[k] * v[j];
+            EXPECT_NEAR(velocity[i], std::sin(phi) * s * a[i] + u * v[i] + std::cos(phi) * s * b, 1e-5) << i;
+        }
+    }
+}
+
 TEST(TVelocityCone, AZeroDirectionGivesNoNumber)
 {
     TNodeBench bench("TVelocityCone", {{"Dir", V3}, "Cos", "Min", "Max"}, {{"V", V3}});
@@ -508,6 +553,26 @@ TEST(TRandomEmitter, DrawsEachComponentBetweenItsBounds)
             expected.push_back(
                 static_cast<float>(mirror.Unit(0x10000) * (static_cast<double>(high[c]) - low[c]) + low[c]));
         ASSERT_EQ(bench.Run(), expected);
+    }
+}
+
+// The draws are as many as the wired value has components.
+TEST(TRandomEmitter, AWireThatConvertsDecidesHowManyAreDrawn)
+{
+    const TSeeded seeded(24);
+    TNodeBench wider("TRandomEmitter", {{"Low", V3}, {"High", V3}}, {{"Value", V3}}, TU_TRIGGER);
+    wider.WireFrom({"Number", TY_SCALAR}, {2}, 0);
+    wider.Set("High", {5, 5, 5});
+    TRandom mirror = seeded.Mirror;
+    for (int frame = 0; frame < 3; ++frame)
+        EXPECT_EQ(wider.Run(), (TFloats{static_cast<float>(mirror.Unit(0x10000) * 3.0 + 2.0), 0, 0}));
+    TNodeBench narrower("TRandomEmitter", {"Low", "High"}, {"Value"}, TU_TRIGGER);
+    narrower.WireFrom({"Vector", V3}, {0, 3, 4}, 0);
+    narrower.Set("High", {7});
+    for (int frame = 0; frame < 3; ++frame) {
+        EXPECT_EQ(narrower.Run(), TFloats{static_cast<float>(mirror.Unit(0x10000) * 2.0 + 5.0)});
+        mirror.Next();
+        mirror.Next();
     }
 }
 

@@ -255,6 +255,29 @@ TEST(TCollisionPlane, TheReflectionIsMovedLikeAPoint)
     EXPECT_EQ(bench.Run(0.5f, 1), (TFloats{11, 24, 30}));
 }
 
+TEST(TCollisionPlane, ATurnedPlaneIsScaledBeforeItTurns)
+{
+    // About z by 90 degrees: the side along x lies along -y, and what faced up faces along x.
+    TPlaneBench bench;
+    bench.Set("Plane", {0, 0, 0, 0, 0, 90});
+    bench.Set("Size", {3, 1});
+    bench.Set("P", {1, 2.5f, 0});
+    bench.Set("V", {-4, 0.25f, 0.5f});
+    ASSERT_TRUE(bench.Hits());
+    const TFloats velocity = bench.Writes(1).back();
+    const TFloats expected = {4, 0.25f, 0.5f};
+    for (size_t i = 0; i < 3; ++i)
+        EXPECT_NEAR(velocity[i], expected[i], 1e-5) << i;
+    bench.Set("V", {4, 0.25f, 0.5f});
+    EXPECT_FALSE(bench.Hits());
+    bench.Set("V", {-4, 0, 0});
+    bench.Set("P", {1, 0, 2.5f});
+    EXPECT_FALSE(bench.Hits());
+    bench.Set("P", {-1, 0, 0});
+    bench.Set("V", {4, 0, 0});
+    EXPECT_FALSE(bench.Hits());
+}
+
 TEST(TCollisionPlane, MissesOutsideItsSquare)
 {
     TPlaneBench bench;

@@ -112,6 +112,18 @@ TEST(TAdd, ConvertsTheSecondValueToTheFirstsType)
     EXPECT_EQ(length.Run(), TFloats{6});
 }
 
+// What counts are the components of the wired value; the others are as the wire converts them.
+TEST(ComponentMaths, AWireThatConvertsDecidesHowManyComponentsCount)
+{
+    for (const bool isSum : {true, false}) {
+        TNodeBench bench(isSum ? "TAdd" : "TMultiply", {{"A", V3}, {"B", V3}}, {{"Result", V3}}, TU_TRIGGER);
+        bench.WireFrom({"Number", TY_SCALAR}, {2}, 0);
+        bench.Set("B", {3, 0, 4});
+        // For a sum the vector becomes a number too, its length.
+        EXPECT_EQ(bench.Run(), (TFloats{isSum ? 7.0f : 6.0f, 2, 2}));
+    }
+}
+
 TEST(TMultiply, OfAColourByAScaleRepeatsTheScale)
 {
     TNodeBench bench("TMultiply", {{"A", TY_COLOUR}, {"B", TY_SCALE}}, {{"Product", TY_COLOUR}});
