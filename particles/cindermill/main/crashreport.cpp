@@ -112,6 +112,18 @@ void PrintAccess(TCrashWriter& out, const TAccess& access)
               Cut(access.Address));
 }
 
+// Once, though the report may be begun in one folder and written in another.
+void TellAccess(const TAccess& access)
+{
+    static bool isTold = false;
+    if (isTold)
+        return;
+    isTold = true;
+    TCrashWriter out(STDERR_FILENO);
+    out.Print("Exception handler: ");
+    PrintAccess(out, access);
+}
+
 void PrintRegisters(TCrashWriter& out, const TThreadState& thread)
 {
     TShownRegisters r;
@@ -173,8 +185,10 @@ bool PrintReport(int file, const TCrash& crash)
     PrintHead(out, crash);
     PrintPlace(out, failure.Text);
     PrintSystem(out);
-    if (failure.Kind == FK_ACCESSVIOLATION && failure.HasAccess)
+    if (failure.Kind == FK_ACCESSVIOLATION && failure.HasAccess) {
         PrintAccess(out, failure.Access);
+        TellAccess(failure.Access);
+    }
     PrintRegisters(out, failure.Thread);
     PrintCode(out, failure.Thread.GetInstructionPointer());
     // What follows may take long, or not end at all.
@@ -186,15 +200,6 @@ bool PrintReport(int file, const TCrash& crash)
         PrintModule(out, ++number, module);
     out.Print("\r\n===== [end of %s] =====\r\n", ReportName);
     return out.Flush();
-}
-
-void TellAccess(const TFailure& failure)
-{
-    if (failure.Kind != FK_ACCESSVIOLATION || !failure.HasAccess)
-        return;
-    TCrashWriter out(STDERR_FILENO);
-    out.Print("Exception handler: ");
-    PrintAccess(out, failure.Access);
 }
 
 // False where there is no such folder.
@@ -313,9 +318,7 @@ TWritten WriteFiles(const TCrash& crash, TNeed need)
 
 void OnCrash(const TCrash& crash)
 {
-    if (WriteFiles(crash, N_BOTH) != W_NOTHING || WriteFiles(crash, N_REPORT) != W_NOTHING)
-        TellAccess(crash.Failure);
-    else
+    if (WriteFiles(crash, N_BOTH) == W_NOTHING && WriteFiles(crash, N_REPORT) == W_NOTHING)
         WriteDebug("Error creating exception report\r\n");
 }
 

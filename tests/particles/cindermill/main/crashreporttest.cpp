@@ -64,6 +64,7 @@ TEST_F(CrashReport, AFailedAccessTellsItsAddress)
     EXPECT_EQ(
         Count(end.Output, "Exception handler: Write to location 00000030 caused an access violation.\r\n"),
         1u);
+    EXPECT_LT(end.Output.find("Exception handler: "), end.Output.find("writing minidump\r\n")) << end.Output;
     expected.Access = "Read from location 00000040";
     end = Fail("read", expected);
     EXPECT_EQ(

@@ -532,6 +532,20 @@ TEST(QdxFragment, TxdTurnsItsThirdSource)
     EXPECT_EQ(" \nTXD R1,_t,R3,R4,texture[0],2D  ;\n", FragmentBody({txd}));
 }
 
+TEST(QdxFragment, TranslationLeavesTheMicrocodeAsItIs)
+{
+    TFragmentCode txd = Code(Txd, 1);
+    txd.Sources[2] = Temp(4);
+    const std::string bytes = FragmentBytes({txd});
+    const std::string before = bytes;
+    for (int i = 0; i < 2; ++i) {
+        TQdxFragmentProgram program;
+        ASSERT_TRUE(program.Translate(Raw(bytes), static_cast<int>(bytes.size())));
+        EXPECT_NE(std::string::npos, Text(program.GetText()).find(",-R4,texture[0],2D  ;\n"));
+    }
+    EXPECT_EQ(before, bytes);
+}
+
 TEST(QdxFragment, VariantsFitByModeOnlyWhereThePositionIsUsed)
 {
     TTranslated plain({MovTo(1)});
