@@ -33,17 +33,6 @@ constexpr int MiniDump = 1;
 TSystemFacts Facts;
 std::atomic<int> DebugMode(MiniDump);
 
-// In the order of the kinds.
-constexpr const char* KindNames[] = {"an Unknown exception type", "an Access Violation",
-                                     "a Stack Overflow",          "an In Page Error",
-                                     "a Datatype Misalignment",   "a No Memory",
-                                     "a Array Bounds Exceeded",   "a Breakpoint",
-                                     "an Illegal Instruction",    "a Float Divide by Zero",
-                                     "a Float Inexact Result",    "a Float Invalid Operation",
-                                     "a Float Overflow",          "a Float Underflow",
-                                     "an Integer Divide by Zero", "an Integer Overflow"};
-static_assert(sizeof(KindNames) / sizeof(KindNames[0]) == NumFailureKinds);
-
 // Addresses and registers are shown with their lower 32 bits.
 unsigned Cut(uint64_t value)
 {
@@ -70,7 +59,7 @@ void PrintHead(TCrashWriter& out, const TCrash& crash)
     TShownRegisters registers;
     failure.Thread.Show(registers);
     out.Print("%s caused %s (0x%08x) \r\nin module %s at %04x:%08x.\r\n\r\n", Facts.Program,
-              KindNames[failure.Kind], static_cast<unsigned>(failure.Info.si_signo),
+              GetFailureName(failure.Kind), static_cast<unsigned>(failure.Info.si_signo),
               GetModuleName(crash, registers.Ip), registers.Cs, Cut(registers.Ip));
 }
 

@@ -132,7 +132,9 @@ TEST_F(CrashReport, AThreadThatStartsLeavesTheLoaderAlone)
 
 TEST_F(CrashReport, EachSignalHasItsName)
 {
-    Fail("illegal", Expected("an Illegal Instruction", SIGILL));
+    TExpectedReport illegal = Expected("an Illegal Instruction", SIGILL);
+    illegal.Code = "0f 0b ";
+    Fail("illegal", illegal);
     Fail("breakpoint", Expected("a Breakpoint", SIGTRAP));
     Fail("division", Expected("an Integer Divide by Zero", SIGFPE));
     Fail("float-division", Expected("a Float Divide by Zero", SIGFPE));

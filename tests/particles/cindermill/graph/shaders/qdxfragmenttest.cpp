@@ -376,6 +376,21 @@ TEST(QdxFragment, FlowWords)
         EXPECT_EQ("", FragmentBody({Flow(flow)}));
 }
 
+TEST(QdxFragment, FlowFieldsEndAtTheirNeighbours)
+{
+    EXPECT_EQ("CAL TR,0x1fffffff;\n", FragmentBody({Flow(1, 0x1FFFFFFFu << 2)}));
+    EXPECT_EQ("LOOP {255,0,0};\n", FragmentBody({Flow(3, 0xFFu << 2)}));
+    EXPECT_EQ("LOOP {0,255,0};\n", FragmentBody({Flow(3, 0xFFu << 10)}));
+    EXPECT_EQ("LOOP {0,0,255};\n", FragmentBody({Flow(3, 0xFFu << 19)}));
+    EXPECT_EQ("LOOP {0,0,0};\n", FragmentBody({Flow(3, 1u << 18 | 15u << 27)}));
+    EXPECT_EQ("REP 255;\n", FragmentBody({Flow(4, 0x1FFFFFFFu << 2)}));
+    // Ends that lie far behind the program close nothing.
+    const uint32_t far = 0x10000001u << 2;
+    EXPECT_EQ("IF TR;\nMOV R1,fragment.color.primary;\n", FragmentBody({Flow(2, far, far), MovTo(1)}));
+    EXPECT_EQ("REP 0;\n", FragmentBody({Flow(4, 0, far)}));
+    EXPECT_EQ("LOOP {0,0,0};\n", FragmentBody({Flow(3, 0, far)}));
+}
+
 TEST(QdxFragment, FlowConditions)
 {
     const char* texts[] = {"BRK (LT.y);\n",       "CAL LT.y,0x0;\n", "IF LT.y;\n",
@@ -520,6 +535,19 @@ TEST(QdxFragment, TextureReadRecord)
     const std::string text = Text(translated.Program.GetText());
     EXPECT_EQ(" \nTXD", text.substr(static_cast<size_t>(read.LinePos), 5));
     EXPECT_EQ("2D  ;", text.substr(static_cast<size_t>(read.TargetPos), 5));
+}
+
+TEST(QdxFragment, TextureReadKeepsThreeBitsOfTheSecondSourcesWord)
+{
+    for (int bit = 16; bit < 24; ++bit) {
+        std::string bytes = FragmentBytes({Code(Tex, 1)});
+        // Bits 16 to 23 of a word lie in its last byte.
+        bytes[11] = static_cast<char>(bytes[11] | 1 << (bit - 16));
+        TQdxFragmentProgram program;
+        ASSERT_TRUE(program.Translate(Raw(bytes), static_cast<int>(bytes.size())));
+        const uint32_t coord = program.GetTextureReads()[0].Coord;
+        EXPECT_EQ(bit >= 19 && bit <= 21 ? 1u << bit : 0u, coord & (31u << 18)) << bit;
+    }
 }
 
 TEST(QdxFragment, TxdTurnsItsThirdSource)

@@ -628,6 +628,44 @@ TEST(QdxVertexStore, LoadingAtTheStartSlotUnsetsTheProgram)
     EXPECT_NE(program, store.GetProgram());
 }
 
+// It is the start that tells whether there is another program.
+TEST(QdxVertexStore, LoadingBehindTheStartSlotLeavesTheProgram)
+{
+    TQdxVertexStore store;
+    TVertexCode last = Vector(Mov, 1);
+    last.Last = true;
+    const std::string second = VertexBytes({last});
+    last.VectorTemporary = 2;
+    store.LoadInstructions(Raw(VertexBytes({Vector(Mov, 1), last})), 2);
+    TQdxVertexProgram* program = store.GetProgram();
+    store.SetLoadSlot(1);
+    store.LoadInstructions(Raw(second), 1);
+    EXPECT_EQ(program, store.GetProgram());
+    store.SetStartSlot(0);
+    EXPECT_EQ(program, store.GetProgram());
+    store.SetStartSlot(1);
+    store.SetStartSlot(0);
+    EXPECT_NE(program, store.GetProgram());
+}
+
+TEST(QdxVertexStore, ProgramsOfOneHashAreToldApartByTheirWords)
+{
+    TQdxVertexStore store;
+    const auto load = [&store](int first, int second) {
+        TVertexCode last = Vector(Mov, second);
+        last.Last = true;
+        store.SetLoadSlot(0);
+        store.LoadInstructions(Raw(VertexBytes({Vector(Mov, first), last})), 2);
+        return store.GetProgram();
+    };
+    TQdxVertexProgram* program = load(1, 2);
+    TQdxVertexProgram* turned = load(2, 1);
+    EXPECT_EQ(program->GetHash(), turned->GetHash());
+    EXPECT_NE(program, turned);
+    EXPECT_EQ(program, load(1, 2));
+    EXPECT_EQ(turned, load(2, 1));
+}
+
 TEST(QdxVertexStore, AProgramWithoutEndRunsToTheLastSlot)
 {
     TQdxVertexStore store;
