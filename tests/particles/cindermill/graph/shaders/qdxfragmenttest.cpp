@@ -420,6 +420,10 @@ TEST(QdxFragment, BlocksEndAtTheirPositions)
     EXPECT_EQ("IF TR;\n" + line + "ENDIF;\n" + line, FragmentBody({Flow(2, 2 << 2, 2 << 2), mov, mov}));
     EXPECT_EQ("LOOP {1,0,0};\nREP 2;\n" + line + "ENDLOOP;\nENDREP;\n",
               FragmentBody({Flow(3, 1 << 2, 3 << 2), Flow(4, 2 << 2, 3 << 2), mov}));
+    EXPECT_EQ("IF TR;\nLOOP {1,0,0};\nREP 2;\n" + line + "ENDLOOP;\nENDREP;\nENDIF;\n",
+              FragmentBody({Flow(2, 9 << 2, 4 << 2), Flow(3, 1 << 2, 4 << 2), Flow(4, 2 << 2, 4 << 2), mov}));
+    EXPECT_EQ("IF TR;\nREP 2;\n" + line + "ENDREP;\nELSE;\n" + line + "ENDIF;\n",
+              FragmentBody({Flow(2, 3 << 2, 4 << 2), Flow(4, 2 << 2, 3 << 2), mov, mov}));
     EXPECT_EQ("REP 2;\nENDREP;\n", FragmentBody({Flow(4, 2 << 2, 1 << 2)}));
     TFragmentCode literal = MovTo(1);
     literal.Sources[0] = Literal();

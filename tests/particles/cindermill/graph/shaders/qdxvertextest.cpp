@@ -367,6 +367,10 @@ TEST(QdxVertex, LabelsFollowTheCountOfOperations)
     EXPECT_EQ("label0:\nBRA label0 (TR);\nBRA label1 (TR);\n",
               VertexBody({Branch(Bra, 0), Branch(Bra, 511)}));
     EXPECT_EQ("BRA label0 (TR);\nlabel0:\nNOP\n", VertexBody({Branch(Bra, 1), Vector(0)}));
+    // One behind the last operation stands there only if that is a vector one.
+    EXPECT_EQ("BRA label0 (TR);\nMOV R1,vertex.attrib[0];\nlabel0:\n",
+              VertexBody({Branch(Bra, 2), Vector(Mov, 1)}));
+    EXPECT_EQ("BRA label0 (TR);\nRCP R1,vertex.attrib[0];\n", VertexBody({Branch(Bra, 2), Scalar(Rcp, 1)}));
 }
 
 TEST(QdxVertex, LabelsAreSortedAndKeptOnce)
