@@ -648,17 +648,6 @@ TEST_F(TLosing, WhatIsDestroyedGivesUpToo)
     EXPECT_EQ(Home.Keys, std::vector<int>{KEY_LEFT});
 }
 
-TEST_F(TLosing, WhatIsDestroyedWithoutAHomeLeavesTheFocusToNobody)
-{
-    auto object = std::make_unique<TDrawnObject>();
-    Root.AddObject(object.get());
-    TRenderObject::SetFocus(object.get(), &Renderer);
-    object.reset();
-    EXPECT_EQ(TRenderObject::GetFocus(), nullptr);
-    EXPECT_FALSE(Route(MakeKey(MT_KEYDOWN, KEY_LEFT)));
-    EXPECT_TRUE(Home.Keys.empty());
-}
-
 TEST_F(TLosing, WithoutAHomeTheFocusIsNobodys)
 {
     Root.RemoveObject(&Home);
