@@ -107,6 +107,18 @@ TEST(Path, TheResultMayBeTheArgument)
     EXPECT_EQ(Text(path), "no/such/place");
 }
 
+TEST(Path, AFilesPathIsItsDirectoryAndItsNameAlsoAtTheTop)
+{
+    TString path;
+    JoinPath("\\art\\fire", "Spark.dds", path);
+    EXPECT_EQ(Text(path), "\\art\\fire\\Spark.dds");
+    EXPECT_EQ(Text(GetShownPath(path)), "/art/fire/Spark.dds");
+    JoinPath("", "Spark.dds", path);
+    EXPECT_EQ(Text(path), "\\Spark.dds");
+    EXPECT_STREQ(GetListablePath(""), "\\");
+    EXPECT_STREQ(GetListablePath("\\art"), "\\art");
+}
+
 TEST(Path, KeptAndShownFormsLookNothingUp)
 {
     TTempFolder folder;
