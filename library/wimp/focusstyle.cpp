@@ -1,5 +1,7 @@
 #include "library/wimp/focusstyle.h"
 
+#include "library/wimp/fittedpath.h"
+
 #include <QtGui/QPainter>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QPlainTextEdit>
@@ -39,10 +41,27 @@ void TFocusStyle::drawControl(ControlElement element, const QStyleOption* option
 void TFocusStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                      QPainter* painter, const QWidget* widget) const
 {
+    const QStyleOptionTitleBar* title = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
+    if (control == CC_TitleBar && title != nullptr && widget != nullptr) {
+        DrawTitleBar(*title, painter, *widget);
+        return;
+    }
     QProxyStyle::drawComplexControl(control, option, painter, widget);
     if (control != CC_ToolButton || !option->state.testFlag(State_HasFocus))
         return;
     const QColor colour = option->palette.color(QPalette::Active, QPalette::Highlight);
     DrawFrame(*painter, option->rect, colour);
     DrawFrame(*painter, option->rect.adjusted(1, 1, -1, -1), colour);
+}
+
+// The text comes without its end where it has no room: the name of the file, and whether it is modified.
+void TFocusStyle::DrawTitleBar(const QStyleOptionTitleBar& option, QPainter* painter,
+                               const QWidget& widget) const
+{
+    // What the style itself leaves free.
+    constexpr int Margin = 14;
+    QStyleOptionTitleBar title = option;
+    const int width = subControlRect(CC_TitleBar, &title, SC_TitleBarLabel, &widget).width();
+    title.text = FitPath(widget.windowTitle(), width - Margin, painter->fontMetrics());
+    QProxyStyle::drawComplexControl(CC_TitleBar, &title, painter, &widget);
 }

@@ -1,6 +1,7 @@
 #include "library/wimp/mdi.h"
 
 #include "library/containers/assertion.h"
+#include "library/wimp/fittedpath.h"
 #include "library/wimp/menudata.h"
 #include "library/wimp/mnemonics.h"
 #include "library/wimp/modal.h"
@@ -9,6 +10,7 @@
 
 #include <QtCore/QTimer>
 #include <QtGui/QAction>
+#include <QtGui/QPainter>
 #include <QtGui/QResizeEvent>
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
@@ -19,6 +21,7 @@
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QStatusBar>
+#include <QtWidgets/QStyle>
 
 // The status bar has two sunken parts: one for texts, and a narrow one at the right.
 namespace {
@@ -29,11 +32,33 @@ constexpr int GripWidth = 18;
 constexpr int NoteMilliseconds = 20000;
 constexpr TGDIColour ClientColour = 0x9AA2A6;
 
+// Of a text that has no room the name of the file stays in sight, and what is told of it.
+class TStatusPart : public QLabel
+{
+public:
+    explicit TStatusPart(QWidget* parent) : QLabel(parent)
+    {
+        setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        setTextFormat(Qt::PlainText);
+        setIndent(4);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        drawFrame(&painter);
+        const QRect area = contentsRect().adjusted(indent(), 0, 0, 0);
+        style()->drawItemText(&painter, area, Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(),
+                              FitPath(text(), area.width(), fontMetrics()), foregroundRole());
+    }
+};
+
 class TStatusBar : public QStatusBar
 {
 public:
     explicit TStatusBar(QWidget* parent)
-        : QStatusBar(parent), First(MakePart()), Second(MakePart()), NoteEnd(this)
+        : QStatusBar(parent), First(new TStatusPart(this)), Second(new TStatusPart(this)), NoteEnd(this)
     {
         setObjectName(QStringLiteral("statusbar"));
         First->setObjectName(QStringLiteral("status0"));
@@ -65,15 +90,6 @@ protected:
     }
 
 private:
-    QLabel* MakePart()
-    {
-        QLabel* label = new QLabel(this);
-        label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-        label->setTextFormat(Qt::PlainText);
-        label->setIndent(4);
-        return label;
-    }
-
     QLabel* const First;
     QLabel* const Second;
     QString Lasting;
@@ -252,6 +268,8 @@ bool TMDIFrame::CreateFrame(const TWindowParams& params, TMenu& menu)
     area->setObjectName(QStringLiteral("mdiclient"));
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    // When a window is closed, the one before comes to the front.
+    area->setActivationOrder(QMdiArea::ActivationHistoryOrder);
     window->setCentralWidget(area);
     window->setStatusBar(new TStatusBar(window));
     window->resize(params.Width, params.Height);
@@ -357,7 +375,7 @@ void TMDIFrame::ListChildren(QMenu* menu)
             continue;
         if (number == 0)
             menu->addSeparator()->setObjectName(ListName);
-        QString title = frame->windowTitle();
+        QString title = FitMenuPath(*menu, frame->windowTitle());
         title.replace(QLatin1Char('&'), QStringLiteral("&&"));
         QAction* action = menu->addAction(QStringLiteral("%1 %2").arg(++number).arg(title));
         action->setObjectName(ListName + QString::number(number));

@@ -1,10 +1,12 @@
 #include "library/wimp/menu.h"
 
+#include "library/wimp/fittedpath.h"
 #include "library/wimp/menudata.h"
 #include "library/wimp/mnemonics.h"
 #include "library/wimp/modal.h"
 
 #include <QtGui/QAction>
+#include <QtGui/QScreen>
 #include <QtWidgets/QMenu>
 
 TMenuData::TMenuData(TMenuData* parent) : Parent(parent) {}
@@ -35,10 +37,18 @@ void TMenuData::Report(int id)
         window->OnCommand(nullptr, id, CC_MENU);
 }
 
-// A text with its key; the ampersand of a file's name stays one.
-static QString ToMenuText(const char* text)
+// What is wider than the screen is cut at its end, where a file has its name. Beside the text stands the mark
+// of a checked entry.
+QString FitMenuPath(const QMenu& menu, const QString& text)
 {
-    return ToQt(text).replace(QLatin1Char('&'), QStringLiteral("&&"));
+    const int room = menu.screen()->availableGeometry().width() * 2 / 3;
+    return FitPath(text, room, menu.fontMetrics());
+}
+
+// A text with its key; the ampersand of a file's name stays one.
+static QString ToMenuText(const QString& text)
+{
+    return QString(text).replace(QLatin1Char('&'), QStringLiteral("&&"));
 }
 
 static QString NameOfItem(int id)
@@ -85,7 +95,7 @@ TMenu& TMenu::AddPopup(const char* text, int id)
     popup->Data->Id = id;
     Data->Popups.push_back(popup);
     QMenu* menu = popup->Data->GetMenu();
-    menu->setTitle(ToMenuText(text));
+    menu->setTitle(ToMenuText(ToQt(text)));
     if (id != 0)
         menu->menuAction()->setObjectName(NameOfItem(id));
     Data->GetMenu()->addMenu(menu);
@@ -108,7 +118,7 @@ TMenu* TMenu::FindPopup(int id)
 void TMenu::InsertItem(int position, int id, const char* text)
 {
     QMenu* menu = Data->GetMenu();
-    QAction* action = new QAction(ToMenuText(text), menu);
+    QAction* action = new QAction(ToMenuText(FitMenuPath(*menu, ToQt(text))), menu);
     action->setObjectName(NameOfItem(id));
     TMenuData* data = Data.Get();
     QObject::connect(action, &QAction::triggered, menu, [data, id] { data->Report(id); });

@@ -31,3 +31,6 @@ public:
 private:
     QPointer<QMenu> Menu;
 };
+
+// The text of an entry that names a file, no wider than the screen lets it be read.
+QString FitMenuPath(const QMenu& menu, const QString& text);

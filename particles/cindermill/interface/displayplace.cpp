@@ -67,10 +67,16 @@ void EndWithin(TWindowArea& area, const TWindowArea& room)
     area.Bottom = bottom > least ? bottom : least;
 }
 
+bool IsNear(int a, int b)
+{
+    return (a < b ? b - a : a - b) < Step / 2;
+}
+
+// Nearly so is the same: where a window was meant to stand and where it does differ by its frame.
 bool HasSameCorner(const TWindowArea& area, const vector<TWindowArea>& others)
 {
     for (const TWindowArea& other : others)
-        if (other.Left == area.Left && other.Top == area.Top)
+        if (IsNear(other.Left, area.Left) && IsNear(other.Top, area.Top))
             return true;
     return false;
 }

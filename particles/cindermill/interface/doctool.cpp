@@ -52,6 +52,29 @@ bool TDocTool::Create(TDocWindow& docWindow)
     if (!TWindow::Create(params))
         return false;
     ScrollTo(0);
+    AddFilterKeys();
+    return true;
+}
+
+// What the filter has no use for is the graph's, as all keys of commands are.
+void TDocTool::AddFilterKeys()
+{
+    static constexpr int Codes[] = {'A' | SM_CTRL, 'C' | SM_CTRL, 'V' | SM_CTRL, 'X' | SM_CTRL};
+    for (const int code : Codes)
+        FilterKeys.Add(code,
+                       [](int key, void* tool) { return static_cast<TDocTool*>(tool)->OnFilterKey(key); });
+    FilterKeys.Attach(this);
+}
+
+bool TDocTool::OnFilterKey(int code)
+{
+    TMessage message;
+    message.Type = MT_KEYDOWN;
+    message.Key = code & ~SM_CTRL;
+    message.KeyFlags = KF_CTRL;
+    if (!Filter.OnMessage(message))
+        return false;
+    ShowFilter();
     return true;
 }
 
@@ -80,6 +103,8 @@ bool TDocTool::OnMessage(const TMessage& message)
     case MT_LEFTDOWN:
         OnLeftDown(message.GetPixelX(), message.GetPixelY());
         return true;
+    case MT_RIGHTUP:
+        return OnRightUp(message);
     case MT_FOCUSGAINED:
     case MT_FOCUSLOST:
         DocWindow->OnPaneFocus(*this, message.Type);
@@ -105,12 +130,34 @@ bool TDocTool::OnKey(const TMessage& message)
         OnEscape();
         return true;
     }
+    if (message.Type == MT_KEYDOWN && message.Key == KEY_MENU) {
+        Filter.OpenMenu(*this, 0, GetListHeight());
+        return true;
+    }
     if (message.Type == MT_KEYDOWN && OnWalkKey(message.Key))
         return true;
     if (!Filter.OnMessage(message))
         return false;
     ShowFilter();
     return true;
+}
+
+// Beside a running drag the button does nothing.
+bool TDocTool::OnRightUp(const TMessage& message)
+{
+    if (message.GetPixelY() < GetListHeight() || TWimp::Get().GetMouseDrag() != nullptr)
+        return false;
+    TakeFocus();
+    Filter.OpenMenu(*this, message.GetPixelX(), message.GetPixelY());
+    return true;
+}
+
+void TDocTool::OnCommand(TWimpControl* control, intptr_t argument, int code)
+{
+    if (code != CC_MENU)
+        TWindow::OnCommand(control, argument, code);
+    else if (Filter.OnMenu(static_cast<int>(argument)))
+        ShowFilter();
 }
 
 // What there is to give up, and then the keys.

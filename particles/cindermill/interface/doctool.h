@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/filterfield.h"
 #include "particles/cindermill/interface/palette.h"
@@ -16,6 +17,8 @@ public:
     // Shows the library as it is now, with all of it open, or what the filter leaves of it.
     void OpenLibrary();
     bool OnMessage(const TMessage& message) override;
+    // Of the filter's menu.
+    void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
 
     // What is typed while the palette has the keys.
     const TString& GetFilter() const { return Filter.GetText(); }
@@ -38,6 +41,9 @@ private:
     void PaintBranches(TGDIContext& context, int category, int top) const;
     void OnLeftDown(int x, int y);
     bool OnKey(const TMessage& message);
+    bool OnRightUp(const TMessage& message);
+    void AddFilterKeys();
+    bool OnFilterKey(int code);
     bool OnWalkKey(int key);
     void ToggleCategory(int row);
     void OnEscape();
@@ -51,6 +57,7 @@ private:
     TPalette Palette;
     int ScrollY = 0;
     TFilterField Filter;
+    TKeyboardShortcut FilterKeys{this};
     int Marked = 0;
     // Where the pointer rests.
     int PointerX = 0;

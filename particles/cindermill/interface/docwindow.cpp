@@ -4,8 +4,11 @@
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/documentwindows.h"
+#include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
+
+#include <cmath>
 
 namespace {
 
@@ -33,6 +36,25 @@ void GetNextPosition(TWindowParams& params)
     params.Width = Right - Near;
     params.Height = Bottom - Near;
     cascade = (cascade + Step) & 255;
+}
+
+// Nearly in the middle of a node.
+bool IsUponNode(TGraphScene& scene, const TVector2& point)
+{
+    constexpr float Near = 4;
+    const TEffectGraph& graph = *scene.GetDocument().GetGraph();
+    for (int i = 0; i < graph.GetNumNodes(); ++i) {
+        const TNodeObj* object = scene.FindNode(static_cast<const TToolNode*>(graph.GetNode(i)));
+        if (object == nullptr)
+            continue;
+        TVector2 min;
+        TVector2 max;
+        object->GetRectangle(min, max);
+        const TVector2 away = (min + max) * 0.5f - point;
+        if (std::fabs(away[0]) < Near && std::fabs(away[1]) < Near)
+            return true;
+    }
+    return false;
 }
 
 bool IsInside(const TWindow& window, double x, double y)
@@ -66,6 +88,11 @@ bool TDocWindow::Create(TDocument& document, TWindow* frame)
     Split.AddPane(&Header, false, &Tool, ToolWidth);
     Split.Layout();
     Access.Attach(*this);
+    // The keys of the menus are the graph's, whatever was clicked last. It stands inside one of the others.
+    TWindow* const panes[] = {&Tool, &Header, &Problems};
+    for (TWindow* pane : panes)
+        pane->SetKeyOwner(&Graph);
+    Graph.SetKeyOwner(this);
     return true;
 }
 
@@ -215,7 +242,9 @@ void TDocWindow::DropType(double x, double y, const TNodeType& type)
     const TVector2 point = Graph.PixelToWorld(x, y);
     Graph.TakeFocus();
     SetMouseTarget(&Graph);
-    DropNode(Windows.GetScene(), type, point, TWireAim::GetReach(Graph.GetRenderer()));
+    TToolNode* node = DropNode(Windows.GetScene(), type, point, TWireAim::GetReach(Graph.GetRenderer()));
+    if (node != nullptr)
+        Document->SelectNode(node, true);
 }
 
 bool TDocWindow::MayEdit() const
@@ -230,9 +259,15 @@ void TDocWindow::AddInMiddle(const TNodeType& type)
     int width = 0;
     int height = 0;
     Graph.GetSize(width, height);
-    const TVector2 point = Graph.PixelToWorld(width / 2.0, height / 2.0);
-    Document->ApplyOperation(
-        new TAddGraphNodeOp(*Document, type, FloatToInt(point[0]), FloatToInt(point[1])));
+    TVector2 point = Graph.PixelToWorld(width / 2.0, height / 2.0);
+    // Not upon the one that was added before, which nobody would find.
+    constexpr float Aside = 20;
+    while (IsUponNode(Windows.GetScene(), point))
+        point += TVector2(Aside, Aside);
+    TAddGraphNodeOp* op = new TAddGraphNodeOp(*Document, type, FloatToInt(point[0]), FloatToInt(point[1]));
+    TToolNode* node = op->GetNode();
+    Document->ApplyOperation(op);
+    Document->SelectNode(node, true);
 }
 
 bool TDocWindow::WalkPanes(int direction)

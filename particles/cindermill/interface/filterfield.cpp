@@ -1,7 +1,9 @@
 #include "particles/cindermill/interface/filterfield.h"
 
 #include "library/wimp/gl/windowmessage.h"
+#include "library/wimp/menu.h"
 #include "library/wimp/textclipboard.h"
+#include "particles/cindermill/graph/text/effecttextreader.h"
 
 namespace {
 
@@ -15,6 +17,15 @@ constexpr TGDIColour MarkColour = 0xB4D5FE;
 constexpr int Inset = 7;
 constexpr int TextTop = 5;
 constexpr int LongestText = 100;
+
+// Far from those of the other menus.
+enum TFilterMenuId
+{
+    FF_CUT = 42101,
+    FF_COPY,
+    FF_PASTE,
+    FF_SELECTALL
+};
 
 bool IsPrintable(char c)
 {
@@ -80,13 +91,76 @@ bool TFilterField::Add(const char* text)
 
 bool TFilterField::OnCtrlKey(int key)
 {
-    TString pasted;
     switch (key) {
     case 'A':
-        IsMarked = !Text.IsEmpty();
-        return true;
+        return SelectAll();
+    case 'C':
+        return IsMarked && Copy();
+    case 'X':
+        return IsMarked && Cut();
     case 'V':
-        return GetClipboardText(pasted) && Add(pasted.Print());
+        return Paste();
+    default:
+        return false;
+    }
+}
+
+bool TFilterField::Copy() const
+{
+    if (Text.IsEmpty())
+        return false;
+    SetClipboardText(Text.Print());
+    return true;
+}
+
+bool TFilterField::Cut()
+{
+    if (!Copy())
+        return false;
+    SetText("");
+    return true;
+}
+
+// Copied nodes come as text too, and are for the graph.
+bool TFilterField::Paste()
+{
+    TString pasted;
+    return GetClipboardText(pasted) && !IsEffectText(pasted.Print()) && Add(pasted.Print());
+}
+
+bool TFilterField::SelectAll()
+{
+    IsMarked = !Text.IsEmpty();
+    return IsMarked;
+}
+
+// All of the text or none of it can be marked, so that what the entries take is all of it.
+void TFilterField::OpenMenu(TWindow& window, int x, int y) const
+{
+    TMenu menu;
+    menu.AddItem(FF_CUT, "Cut\tCtrl+X");
+    menu.AddItem(FF_COPY, "Copy\tCtrl+C");
+    menu.AddItem(FF_PASTE, "Paste\tCtrl+V");
+    menu.AddSeparator();
+    menu.AddItem(FF_SELECTALL, "Select All\tCtrl+A");
+    menu.EnableItem(FF_PASTE, HasClipboardText());
+    menu.EnableItem(FF_CUT, !Text.IsEmpty());
+    menu.EnableItem(FF_COPY, !Text.IsEmpty());
+    menu.EnableItem(FF_SELECTALL, !Text.IsEmpty());
+    menu.Track(window, x, y);
+}
+
+bool TFilterField::OnMenu(int id)
+{
+    switch (id) {
+    case FF_CUT:
+        return Cut();
+    case FF_COPY:
+        return Copy();
+    case FF_PASTE:
+        return Paste();
+    case FF_SELECTALL:
+        return SelectAll();
     default:
         return false;
     }

@@ -127,7 +127,8 @@ bool TSearchPopup::OnMessage(const TMessage& message)
         Paint(*message.Context);
         return true;
     case MT_FOCUSLOST:
-        Close();
+        if (!IsFieldMenuOpen)
+            Close();
         return false;
     case MT_KEYDOWN:
         if (message.Key == KEY_TAB) {
@@ -154,6 +155,10 @@ bool TSearchPopup::OnMessage(const TMessage& message)
         Redraw();
         return true;
     }
+    case MT_RIGHTUP:
+        if (message.GetPixelY() < ListTop)
+            OpenFieldMenu(message.GetPixelX(), message.GetPixelY());
+        return true;
     case MT_LEFTDOWN:
     case MT_MIDDLEDOWN:
     case MT_RIGHTDOWN:
@@ -177,6 +182,9 @@ bool TSearchPopup::OnKey(int key)
         if (Marked != -1)
             Choose(Marked);
         return true;
+    case KEY_MENU:
+        OpenFieldMenu(Border, ListTop);
+        return true;
     default:
         break;
     }
@@ -184,6 +192,27 @@ bool TSearchPopup::OnKey(int key)
     if (match != -1)
         Mark(match);
     return match != -1;
+}
+
+void TSearchPopup::OpenFieldMenu(int x, int y)
+{
+    const TWindowHandle handle = GetHandle();
+    IsFieldMenuOpen = true;
+    Field.OpenMenu(*this, x, y);
+    // A menu waits, and its window may be gone afterwards.
+    if (TWindow::Find(handle) != this)
+        return;
+    IsFieldMenuOpen = false;
+    if (!HasFocus())
+        Close();
+}
+
+void TSearchPopup::OnCommand(TWimpControl* control, intptr_t argument, int code)
+{
+    if (code != CC_MENU)
+        TWindow::OnCommand(control, argument, code);
+    else if (Field.OnMenu(static_cast<int>(argument)))
+        Refresh();
 }
 
 void TSearchPopup::Choose(int match)

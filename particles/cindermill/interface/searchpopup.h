@@ -47,6 +47,8 @@ public:
     // The keys go back to the owner if the popup has them.
     void Close();
     bool OnMessage(const TMessage& message) override;
+    // Of the field's menu.
+    void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
     // What is typed is no command of the graph's.
     bool KeepsKeys() const override { return true; }
 
@@ -71,6 +73,7 @@ private:
     void Refresh();
     void Place();
     bool OnKey(int key);
+    void OpenFieldMenu(int x, int y);
     int FindRow(int x, int y) const;
     int GetNumRows() const;
     void Paint(TGDIContext& context) const;
@@ -89,5 +92,7 @@ private:
     int Marked = -1;
     int FirstRow = 0;
     int WheelRest = 0;
+    // The keys are the menu's for so long.
+    bool IsFieldMenuOpen = false;
     TSearchAccess Access{*this};
 };

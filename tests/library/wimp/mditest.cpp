@@ -179,6 +179,64 @@ TEST_F(TMDIFrameTest, TheStatusBarHasTwoParts)
     EXPECT_EQ(first->width(), 150);
 }
 
+// The end of a long path is what tells two files from each other, and the star an edited one from a saved
+// one.
+TEST_F(TMDIFrameTest, OfALongPathTheTitleShowsTheNameAndWhatStandsBehindIt)
+{
+    const std::string folder = "/home/artist" + std::string(100, 'a') + "/effects/";
+    TRecordingWindow child;
+    ASSERT_TRUE(MakeChild(child, (folder + "campfire.effect").c_str()));
+    const auto paintTitle = [&](const std::string& title) {
+        child.SetTitle(title.c_str());
+        Settle();
+        return FrameOf(child)->grab(QRect(0, 0, 400, FrameOf(child)->contentsRect().top())).toImage();
+    };
+    const QImage saved = paintTitle(folder + "campfire.effect");
+    EXPECT_NE(paintTitle(folder + "campfire.effect*"), saved);
+    EXPECT_NE(paintTitle(folder + "waterfall.effect"), saved);
+    EXPECT_EQ(paintTitle(folder + "campfire.effect"), saved);
+    // Everybody else is told the whole of it.
+    EXPECT_EQ(FrameOf(child)->windowTitle().toStdString(), folder + "campfire.effect");
+}
+
+TEST_F(TMDIFrameTest, OfALongPathTheStatusBarShowsWhatStandsBehindIt)
+{
+    const std::string folder = "Saved /home/artist" + std::string(200, 'a') + "/effects/";
+    QLabel* first = Main()->findChild<QLabel*>("status0");
+    const auto paintStatus = [&](const std::string& text) {
+        Frame.SetStatus(text.c_str());
+        return first->grab().toImage();
+    };
+    const QImage fire = paintStatus(folder + "fire.effect at 12:00:01");
+    EXPECT_NE(paintStatus(folder + "rain.effect at 12:00:01"), fire);
+    EXPECT_NE(paintStatus(folder + "fire.effect at 12:00:02"), fire);
+    EXPECT_EQ(first->text().toStdString(), folder + "fire.effect at 12:00:02");
+}
+
+TEST_F(TMDIFrameTest, TheWindowMenuIsNoWiderThanTheScreen)
+{
+    TRecordingWindow child;
+    ASSERT_TRUE(MakeChild(child, ("/home/artist" + std::string(400, 'a') + "/fire.effect*").c_str()));
+    QMenu* list = WindowMenu();
+    EXPECT_LT(list->sizeHint().width(), Main()->screen()->availableGeometry().width());
+    EXPECT_TRUE(list->actions().constLast()->text().endsWith("/fire.effect*"));
+}
+
+TEST_F(TMDIFrameTest, WhenADocumentWindowIsClosedTheOneBeforeComesToTheFront)
+{
+    TRecordingWindow windows[4];
+    for (TRecordingWindow& window : windows)
+        ASSERT_TRUE(MakeChild(window, "doc"));
+    Frame.Activate(windows[1]);
+    Frame.Activate(windows[2]);
+    windows[2].Destroy();
+    Settle();
+    EXPECT_EQ(Frame.GetActiveChild(), &windows[1]);
+    windows[1].Destroy();
+    Settle();
+    EXPECT_EQ(Frame.GetActiveChild(), &windows[3]);
+}
+
 TEST_F(TMDIFrameTest, ADocumentWindowStandsInTheClientArea)
 {
     TRecordingWindow child;

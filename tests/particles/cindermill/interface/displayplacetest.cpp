@@ -106,3 +106,19 @@ TEST(DisplayPlace, NoDisplayStandsExactlyUponAnother)
         others.push_back(FindDisplayPlace(Meant, graph, room, others));
     EXPECT_LT(others.back().Top, room.Bottom);
 }
+
+// Where a display was meant to stand and where it does differ by its frame.
+TEST(DisplayPlace, NoDisplayStandsNearlyUponAnother)
+{
+    const TWindowArea graph = Area(335, 150, 1050, 750);
+    const TWindowArea room = Area(0, 0, 1920, 1080);
+    vector<TWindowArea> others;
+    for (int i = 0; i < 5; ++i) {
+        TWindowArea place = FindDisplayPlace(Meant, graph, room, others);
+        for (const TWindowArea& other : others)
+            EXPECT_GE(place.Top, other.Top + 20);
+        place.Left += i % 2;
+        place.Top -= i % 2 + 1;
+        others.push_back(place);
+    }
+}

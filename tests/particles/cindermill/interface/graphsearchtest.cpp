@@ -5,6 +5,7 @@
 #include "particles/cindermill/interface/controls/numberinput.h"
 
 #include <QtGui/QAccessible>
+#include <QtGui/QClipboard>
 
 #include <time.h>
 
@@ -48,6 +49,27 @@ protected:
 };
 
 } // namespace
+
+TEST_F(GraphSearch, TheFieldHasAMenuUnderWhichTheListStaysOpen)
+{
+    QApplication::clipboard()->setText("turbu");
+    HoverAt(QPoint(500, 300));
+    Key(Graph(), Qt::Key_Tab);
+    ASSERT_TRUE(Search().IsOpen());
+    MeetMenu([](QMenu& menu) {
+        for (QAction* action : menu.actions())
+            if (ShownText(*action).rfind("Paste", 0) == 0)
+                action->trigger();
+        menu.close();
+    });
+    Press(Search(), QPoint(40, 12), Qt::RightButton);
+    Release(Search(), QPoint(40, 12), Qt::RightButton);
+    EXPECT_TRUE(Search().IsOpen());
+    EXPECT_TRUE(Search().HasFocus());
+    EXPECT_EQ(MarkedName(), "Turbulence");
+    Key(Search(), Qt::Key_Escape);
+    EXPECT_FALSE(Search().IsOpen());
+}
 
 TEST_F(GraphSearch, TabThenLettersThenReturnAddsANodeAtThePointer)
 {

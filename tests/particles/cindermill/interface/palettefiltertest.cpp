@@ -2,6 +2,7 @@
 
 #include "particles/effectgraph/nodetypelibrary.h"
 
+#include <QtGui/QClipboard>
 #include <QtWidgets/QToolTip>
 
 namespace {
@@ -110,6 +111,103 @@ TEST_F(PaletteFilter, ATypeIsDraggedOutOfWhatWasFound)
     Drag(Tool(), at, to);
     ASSERT_EQ(Document->GetGraph()->GetNumNodes(), 3);
     EXPECT_EQ(Text(Document->GetGraph()->GetNode(2)->GetNodeType()->Name), "Turbulence");
+}
+
+// What has just been brought is what one goes on with.
+TEST_F(PaletteFilter, ATypeThatIsDroppedIsWhatIsSelectedThen)
+{
+    Document->SelectNode(First, true);
+    TypeText("turbu");
+    const TPaletteRow row = Tool().GetPalette().GetRows()[1];
+    Drag(Tool(), QPoint(60, row.Top + 10), InWindow(Graph(), QPoint(500, 400), Tool()));
+    ASSERT_EQ(Document->GetSelection().size(), 1);
+    EXPECT_EQ(Document->GetSelection()[0], Document->GetGraph()->GetNode(2));
+}
+
+TEST_F(PaletteFilter, TypesAddedByKeyStandNotUponEachOther)
+{
+    TypeText("turbu");
+    for (int i = 0; i < 3; ++i)
+        Key(Tool(), Qt::Key_Return);
+    ASSERT_EQ(Document->GetGraph()->GetNumNodes(), 5);
+    ASSERT_EQ(Document->GetSelection().size(), 1);
+    EXPECT_EQ(Document->GetSelection()[0], Document->GetGraph()->GetNode(4));
+    for (int i = 2; i < 4; ++i) {
+        const TToolNode& node = *static_cast<const TToolNode*>(Document->GetGraph()->GetNode(i));
+        const TToolNode& next = *static_cast<const TToolNode*>(Document->GetGraph()->GetNode(i + 1));
+        EXPECT_GE(next.GetX(), node.GetX() + 10);
+        EXPECT_GE(next.GetY(), node.GetY() + 10);
+    }
+}
+
+TEST_F(PaletteFilter, TheFilterHasAMenuForTheClipboard)
+{
+    const QPoint field(30, Tool().GetHandle()->height() - 8);
+    const auto choose = [&](const char* entry) {
+        std::string enabled;
+        MeetMenu([&](QMenu& menu) {
+            for (QAction* action : menu.actions()) {
+                const std::string text = ShownText(*action);
+                if (action->isEnabled() && !action->isSeparator())
+                    enabled += text.substr(0, text.find('\t')) + "|";
+                if (text.rfind(entry, 0) == 0)
+                    action->trigger();
+            }
+            menu.close();
+        });
+        Press(Tool(), field, Qt::RightButton);
+        Release(Tool(), field, Qt::RightButton);
+        return enabled;
+    };
+    QApplication::clipboard()->setText("noi");
+    EXPECT_EQ(choose("Paste"), "Paste|");
+    EXPECT_EQ(Types(), std::vector<std::string>{"Noise"});
+    EXPECT_EQ(choose("Cut"), "Cut|Copy|Paste|Select All|");
+    EXPECT_EQ(Text(Tool().GetFilter()), "");
+    EXPECT_GT(Types().size(), 10u);
+    EXPECT_EQ(QApplication::clipboard()->text(), QString("noi"));
+    TypeText("turbu");
+    choose("Copy");
+    EXPECT_EQ(QApplication::clipboard()->text(), QString("turbu"));
+    choose("Select All");
+    TypeText("noi");
+    EXPECT_EQ(Text(Tool().GetFilter()), "noi");
+    // By keys it is the text that was marked.
+    Key(Tool(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QString("turbu"));
+    Key(Tool(), Qt::Key_A, Qt::ControlModifier);
+    Key(Tool(), Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QString("noi"));
+    EXPECT_EQ(Text(Tool().GetFilter()), "");
+    // And the menu too.
+    MeetMenu([&](QMenu& menu) { menu.close(); });
+    Key(Tool(), Qt::Key_Menu);
+}
+
+// A click on a category must not keep Ctrl+S and Ctrl+Z from the effect.
+TEST_F(PaletteFilter, TheKeysOfTheMenusAreTheGraphsWhereTheFilterHasNoUseForThem)
+{
+    TWindow* const panes[] = {&Tool(), &View().GetHeader()};
+    for (TWindow* pane : panes) {
+        Key(*pane, Qt::Key_A, Qt::ControlModifier);
+        EXPECT_EQ(NumSelected(), 2);
+        Key(*pane, Qt::Key_C, Qt::ControlModifier);
+        // Copied nodes are on the clipboard as text too, which is no filter.
+        QApplication::clipboard()->setText("cindermill effect 1\n");
+        Key(*pane, Qt::Key_V, Qt::ControlModifier);
+        EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 4);
+        EXPECT_EQ(Text(Tool().GetFilter()), "");
+        Key(*pane, Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+        Document->ClearSelection();
+    }
+    TypeText("noi");
+    Key(Tool(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(NumSelected(), 0);
+    Key(Tool(), Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(Text(Tool().GetFilter()), "");
+    Key(Tool(), Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Text(Tool().GetFilter()), "noi");
 }
 
 TEST_F(PaletteFilter, ThePointerAtRestIsToldWhatATypeIsFor)
