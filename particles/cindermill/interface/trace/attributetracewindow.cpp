@@ -6,7 +6,10 @@
 #include "library/wimp/menu.h"
 #include "library/wimp/textclipboard.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
+#include "particles/cindermill/interface/trace/traceplace.h"
 #include "particles/cindermill/main/document.h"
+
+#include <climits>
 
 namespace {
 
@@ -45,12 +48,14 @@ TAttributeTraceWindow::TAttributeTraceWindow(TDocument& document, TToolNode& nod
 
 TAttributeTraceWindow::~TAttributeTraceWindow() = default;
 
-bool TAttributeTraceWindow::Open(TDocument& document, TToolNode& node)
+bool TAttributeTraceWindow::Open(TDocument& document, TToolNode& node, TWindow* main, const TWindow* graph)
 {
     TAttributeTraceWindow* window = Find(node);
     if (window == nullptr) {
         TOwner<TAttributeTraceWindow> made(new TAttributeTraceWindow(document, node));
         made->Create();
+        if (main != nullptr && graph != nullptr)
+            made->StayInSight(*main, *graph);
         made->Rebuild();
         window = made.Get();
         GetWindows().push_back(made.Release());
@@ -61,15 +66,40 @@ bool TAttributeTraceWindow::Open(TDocument& document, TToolNode& node)
     return true;
 }
 
+TWindowArea TAttributeTraceWindow::FindPlace()
+{
+    vector<TWindowArea> others;
+    TWindowArea room = {0, 0, INT_MAX, INT_MAX};
+    for (const TAttributeTraceWindow* window : GetWindows()) {
+        others.push_back(TWindowArea());
+        window->GetFrameArea(others.back());
+        window->GetScreenArea(room);
+    }
+    return FindTracePlace(others, room);
+}
+
+// One goes on working in the graph while one reads the trace. Where there is no room for both, a click in the
+// graph sends the trace behind it.
+void TAttributeTraceWindow::StayInSight(TWindow& main, const TWindow& graph)
+{
+    TWindowArea own;
+    TWindowArea view;
+    GetFrameArea(own);
+    graph.GetFrameArea(view);
+    if (LeavesGraphInSight(own, view))
+        StayOver(main);
+}
+
 void TAttributeTraceWindow::Create()
 {
     TWindowParams params;
     params.Class = &GetWindowClass();
     params.Kind = WK_TOP;
-    params.X = 50;
-    params.Y = 50;
-    params.Width = 650;
-    params.Height = 450;
+    const TWindowArea place = FindPlace();
+    params.X = place.Left;
+    params.Y = place.Top;
+    params.Width = place.Right - place.Left;
+    params.Height = place.Bottom - place.Top;
     ASSERT_TEXT(TWindow::Create(params) && Table.Create(*this, Trace) && Graphs.Create(*this, Trace),
                 "0 : Failed to create attrib trace window");
     Split.Attach(this);

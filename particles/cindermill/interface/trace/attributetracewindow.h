@@ -17,8 +17,10 @@ public:
 
     // Opens a node's window, or brings the one that it has to the front. The document and the node stay the
     // caller's; CloseAll and Close are to be called before they go. Asserts
-    // "0 : Failed to create attrib trace window".
-    static bool Open(TDocument& document, TToolNode& node);
+    // "0 : Failed to create attrib trace window". A new one stays in front of the main window, if one is
+    // given, as long as that leaves the graph in sight.
+    static bool Open(TDocument& document, TToolNode& node, TWindow* main = nullptr,
+                     const TWindow* graph = nullptr);
     // The node's window; null for none.
     static TAttributeTraceWindow* Find(const TToolNode& node);
     static int GetNumWindows(const TDocument& document);
@@ -56,7 +58,9 @@ public:
 
 private:
     TAttributeTraceWindow(TDocument& document, TToolNode& node);
+    static TWindowArea FindPlace();
     void Create();
+    void StayInSight(TWindow& main, const TWindow& graph);
     void ShowTitle();
     void RepaintTouched();
     bool CopyTable();

@@ -8,6 +8,7 @@
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
 
 #include <QtGui/QAction>
+#include <QtGui/QWindow>
 #include <QtWidgets/QMenu>
 
 #include <filesystem>
@@ -82,6 +83,31 @@ TEST_F(TraceOfDocument, TheNodesMenuOpensIt)
     // Once more, it is the same.
     EXPECT_EQ(OpenByMenu(node), window);
     EXPECT_EQ(TAttributeTraceWindow::GetNumWindows(*Document), 1);
+}
+
+// On a screen that has room for both.
+TEST_F(TraceOfDocument, AClickInTheGraphLeavesItInFrontWhereThatHidesLittle)
+{
+    const auto staysInFront = [this](const TAttributeTraceWindow* window) {
+        return window->GetHandle()->windowHandle()->transientParent() ==
+               Frame.GetHandle()->window()->windowHandle();
+    };
+    const auto place = [this](int x, int y, int width, int height) {
+        Frame.MoveTo(x, y, 1200, 900);
+        QWidget* view = ViewOf(*Document).GetHandle()->parentWidget();
+        view->setGeometry(0, 0, width, height);
+        Settle();
+    };
+    place(400, 20, 1100, 800);
+    TAttributeTraceWindow* beside = OpenByMenu(Node("Age"));
+    ASSERT_NE(beside, nullptr);
+    EXPECT_TRUE(staysInFront(beside));
+    place(0, 0, 700, 450);
+    TAttributeTraceWindow* upon = OpenByMenu(Node("Integrate"));
+    ASSERT_NE(upon, nullptr);
+    EXPECT_FALSE(staysInFront(upon));
+    // Neither hides the other.
+    EXPECT_NE(upon->GetHandle()->frameGeometry().topLeft(), beside->GetHandle()->frameGeometry().topLeft());
 }
 
 TEST_F(TraceOfDocument, AnIdlePassShowsWhatTheStepWrote)
