@@ -6,10 +6,7 @@
 #include "library/wimp/menu.h"
 #include "library/wimp/textclipboard.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
-#include "particles/cindermill/interface/trace/traceplace.h"
 #include "particles/cindermill/main/document.h"
-
-#include <climits>
 
 namespace {
 
@@ -53,9 +50,10 @@ bool TAttributeTraceWindow::Open(TDocument& document, TToolNode& node, TWindow* 
     TAttributeTraceWindow* window = Find(node);
     if (window == nullptr) {
         TOwner<TAttributeTraceWindow> made(new TAttributeTraceWindow(document, node));
-        made->Create();
-        if (main != nullptr && graph != nullptr)
-            made->StayInSight(*main, *graph);
+        const TTracePlace place = FindPlace(main, graph);
+        made->Create(place.Area);
+        if (main != nullptr && place.StaysInFront)
+            made->StayOver(*main);
         made->Rebuild();
         window = made.Get();
         GetWindows().push_back(made.Release());
@@ -66,36 +64,27 @@ bool TAttributeTraceWindow::Open(TDocument& document, TToolNode& node, TWindow* 
     return true;
 }
 
-TWindowArea TAttributeTraceWindow::FindPlace()
+TTracePlace TAttributeTraceWindow::FindPlace(const TWindow* main, const TWindow* graph)
 {
-    vector<TWindowArea> others;
-    TWindowArea room = {0, 0, INT_MAX, INT_MAX};
-    for (const TAttributeTraceWindow* window : GetWindows()) {
-        others.push_back(TWindowArea());
-        window->GetFrameArea(others.back());
-        window->GetScreenArea(room);
+    TTraceSurroundings about;
+    if (main != nullptr && graph != nullptr) {
+        main->GetScreenArea(about.Room);
+        graph->GetFrameArea(about.Graph);
+        main->GetFrameArea(about.Menus);
+        about.Menus.Bottom = about.Graph.Top;
     }
-    return FindTracePlace(others, room);
+    for (const TAttributeTraceWindow* window : GetWindows()) {
+        about.Others.push_back(TWindowArea());
+        window->GetFrameArea(about.Others.back());
+    }
+    return FindTracePlace(about);
 }
 
-// One goes on working in the graph while one reads the trace. Where there is no room for both, a click in the
-// graph sends the trace behind it.
-void TAttributeTraceWindow::StayInSight(TWindow& main, const TWindow& graph)
-{
-    TWindowArea own;
-    TWindowArea view;
-    GetFrameArea(own);
-    graph.GetFrameArea(view);
-    if (LeavesGraphInSight(own, view))
-        StayOver(main);
-}
-
-void TAttributeTraceWindow::Create()
+void TAttributeTraceWindow::Create(const TWindowArea& place)
 {
     TWindowParams params;
     params.Class = &GetWindowClass();
     params.Kind = WK_TOP;
-    const TWindowArea place = FindPlace();
     params.X = place.Left;
     params.Y = place.Top;
     params.Width = place.Right - place.Left;

@@ -5,6 +5,7 @@
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/trace/nodetrace.h"
 #include "particles/cindermill/interface/trace/tracegraphs.h"
+#include "particles/cindermill/interface/trace/traceplace.h"
 #include "particles/cindermill/interface/trace/tracetable.h"
 
 // A window that shows the values which one node's output ports took, frame by frame, for one particle: as a
@@ -58,9 +59,8 @@ public:
 
 private:
     TAttributeTraceWindow(TDocument& document, TToolNode& node);
-    static TWindowArea FindPlace();
-    void Create();
-    void StayInSight(TWindow& main, const TWindow& graph);
+    static TTracePlace FindPlace(const TWindow* main, const TWindow* graph);
+    void Create(const TWindowArea& place);
     void ShowTitle();
     void RepaintTouched();
     bool CopyTable();

@@ -26,6 +26,17 @@ TWindowArea Intersect(const TWindowArea& a, const TWindowArea& b)
     return common;
 }
 
+TWindowArea MovedBy(const TWindowArea& area, int x, int y)
+{
+    return TWindowArea{area.Left + x, area.Top + y, area.Right + x, area.Bottom + y};
+}
+
+bool IsWithin(const TWindowArea& area, const TWindowArea& room)
+{
+    return area.Left >= room.Left && area.Top >= room.Top && area.Right <= room.Right &&
+           area.Bottom <= room.Bottom;
+}
+
 bool HasCornerOf(const TWindowArea& area, const vector<TWindowArea>& others)
 {
     const auto isNear = [](int a, int b) { return a - b < Step && b - a < Step; };
@@ -35,20 +46,32 @@ bool HasCornerOf(const TWindowArea& area, const vector<TWindowArea>& others)
     return false;
 }
 
-} // namespace
-
-TWindowArea FindTracePlace(const vector<TWindowArea>& others, const TWindowArea& room)
+bool CanStayInFront(const TWindowArea& area, const TTraceSurroundings& about)
 {
-    TWindowArea place = FirstPlace;
-    while (HasCornerOf(place, others)) {
-        place = {place.Left + Step, place.Top + Step, place.Right + Step, place.Bottom + Step};
-        if (place.Right > room.Right || place.Bottom > room.Bottom)
-            return FirstPlace;
+    return GetDots(Intersect(area, about.Menus)) == 0 &&
+           2 * GetDots(Intersect(area, about.Graph)) <= GetDots(about.Graph);
+}
+
+// Aside from the others, down or up.
+TWindowArea StepAside(const TWindowArea& first, int down, const TTraceSurroundings& about)
+{
+    TWindowArea place = first;
+    while (HasCornerOf(place, about.Others)) {
+        place = MovedBy(place, Step, down);
+        if (!IsWithin(place, about.Room))
+            return first;
     }
     return place;
 }
 
-bool LeavesGraphInSight(const TWindowArea& trace, const TWindowArea& graph)
+} // namespace
+
+TTracePlace FindTracePlace(const TTraceSurroundings& about)
 {
-    return 2 * GetDots(Intersect(trace, graph)) <= GetDots(graph);
+    const TWindowArea bottom = MovedBy(FirstPlace, 0, about.Room.Bottom - Step - FirstPlace.Bottom);
+    const TWindowArea places[] = {StepAside(FirstPlace, Step, about), StepAside(bottom, -Step, about)};
+    for (const TWindowArea& place : places)
+        if (CanStayInFront(place, about))
+            return TTracePlace{place, true};
+    return TTracePlace{places[0], false};
 }

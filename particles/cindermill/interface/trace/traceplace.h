@@ -3,9 +3,24 @@
 #include "library/containers/vector.h"
 #include "library/wimp/window.h"
 
-// Where the first trace opens, or further down and aside where others stand, as far as the screen has room.
-TWindowArea FindTracePlace(const vector<TWindowArea>& others, const TWindowArea& room);
+// What a trace that opens should leave alone.
+struct TTraceSurroundings
+{
+    TWindowArea Room = {0, 0, 0, 0};
+    // The main window's, with its title.
+    TWindowArea Menus = {0, 0, 0, 0};
+    TWindowArea Graph = {0, 0, 0, 0};
+    // Traces that stand already.
+    vector<TWindowArea> Others;
+};
 
-// Whether at least half of the graph is left in sight, so that one can go on working there with the trace in
-// front.
-bool LeavesGraphInSight(const TWindowArea& trace, const TWindowArea& graph);
+// Where a trace opens, and whether it stays in front of the main window: one goes on working there meanwhile.
+// It does where the menus and half of the graph are left in sight, if need be at the bottom of the screen.
+// None opens upon another as long as there is room.
+struct TTracePlace
+{
+    TWindowArea Area;
+    bool StaysInFront = false;
+};
+
+TTracePlace FindTracePlace(const TTraceSurroundings& about);

@@ -92,17 +92,16 @@ TEST_F(TraceOfDocument, AClickInTheGraphLeavesItInFrontWhereThatHidesLittle)
         return window->GetHandle()->windowHandle()->transientParent() ==
                Frame.GetHandle()->window()->windowHandle();
     };
-    const auto place = [this](int x, int y, int width, int height) {
-        Frame.MoveTo(x, y, 1200, 900);
-        QWidget* view = ViewOf(*Document).GetHandle()->parentWidget();
-        view->setGeometry(0, 0, width, height);
+    const auto place = [this](int x, const QRect& inside) {
+        Frame.MoveTo(x, 0, 1150, 1150);
+        ViewOf(*Document).GetHandle()->parentWidget()->setGeometry(inside);
         Settle();
     };
-    place(400, 20, 1100, 800);
+    place(400, QRect(0, 0, 1100, 1000));
     TAttributeTraceWindow* beside = OpenByMenu(Node("Age"));
     ASSERT_NE(beside, nullptr);
     EXPECT_TRUE(staysInFront(beside));
-    place(0, 0, 700, 450);
+    place(0, QRect(0, 500, 700, 600));
     TAttributeTraceWindow* upon = OpenByMenu(Node("Integrate"));
     ASSERT_NE(upon, nullptr);
     EXPECT_FALSE(staysInFront(upon));

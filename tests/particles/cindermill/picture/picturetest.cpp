@@ -70,7 +70,7 @@ QImage Label(const QImage& sheet, int columns, int index, int width, int height)
 TEST_F(Pictures, APictureIsThePreviewsViewOfTheEffect)
 {
     const QImage image = Draw("campfire", "");
-    EXPECT_EQ(QSize(800, 618), image.size());
+    EXPECT_EQ(QSize(800, 568), image.size());
     EXPECT_EQ(qRgb(204, 204, 204), image.pixel(0, 0));
     // Fire over the middle of the ground, smoke above it, and lines.
     const QColor fire(image.pixel(395, 350));
