@@ -60,19 +60,22 @@ set(CINDERMILL_LEAKS_NOT_SOUGHT "\\[  PASSED  \\] [0-9]+ tests?[.][\n]+Tracer ca
 
 # What a test itself does takes no time to run, and long to optimise: most of the time of a whole build. The headers
 # that nearly all tests include are read once; whoever shares them has to be compiled alike. The fuzz targets have no
-# use for knowing the ways through a test, and a failed one tells its place by itself.
+# use for knowing the ways through a test, and a failed one tells its place by itself. Whether each pointer of a test
+# is one at all takes a quarter of that time to write down, and shows without.
 function(cindermill_compile_as_test target)
-    target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O0> -fPIC
-                           $<$<BOOL:${CINDERMILL_SANITIZE}>:-g0>)
+    target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O0> -fPIC)
+    if(CINDERMILL_SANITIZE)
+        target_compile_options(${target} PRIVATE -g0 -fno-sanitize=null,alignment,vptr,object-size)
+    endif()
     set_target_properties(${target} PROPERTIES CINDERMILL_TEST ON)
 endfunction()
 
 # cindermill_test(FOLDER [DISPLAY] [APART] [CHECKED filter] [LINKS folder...] [PACKAGES target...])
 #   all of tests/FOLDER/*.cpp as one GoogleTest program, each test known to CTest by its own name. With DISPLAY
-#   the program runs whole, as one test of CTest, on a display of its own. Under the sanitizers every program runs
-#   whole, as thousands of starts of one take longer than its tests; those with APART do not. Of tests that the
-#   optimised build runs and that would take minutes there the sanitizers see those of the CHECKED filter alone;
-#   the program itself has them all.
+#   the program runs whole, as one test of CTest, on a display of its own. So does what draws, where the start of a
+#   program takes longer than its tests, and under the sanitizers every program; those with APART do not. Of tests
+#   that the optimised build runs and that would take minutes there the sanitizers see those of the CHECKED filter
+#   alone; the program itself has them all.
 function(cindermill_test folder)
     cmake_parse_arguments(arg "DISPLAY;APART" "CHECKED" "LINKS;PACKAGES" ${ARGN})
     cindermill_layer_name("${folder}" name)
@@ -97,30 +100,33 @@ function(cindermill_test folder)
     set_target_properties(test-${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
     # Whole programs begin first, the longest ahead, so that none is left over alone at the end.
     list(LENGTH sources cost)
+    set(filter "*")
+    if(CINDERMILL_SANITIZE AND arg_CHECKED)
+        set(filter "${arg_CHECKED}")
+    endif()
     if(arg_DISPLAY)
-        add_test(NAME ${name} COMMAND xvfb-run -a -s "-screen 0 1600x1200x24" $<TARGET_FILE:test-${name}>)
+        add_test(NAME ${name} COMMAND xvfb-run -a -s "-screen 0 1600x1200x24" $<TARGET_FILE:test-${name}>
+                                      "--gtest_filter=${filter}")
         set_tests_properties(${name} PROPERTIES TIMEOUT ${CINDERMILL_DISPLAY_SECONDS} COST ${cost}
                              SKIP_REGULAR_EXPRESSION "${CINDERMILL_LEAKS_NOT_SOUGHT}"
                              ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
         return()
     endif()
-    if(CINDERMILL_SANITIZE AND NOT arg_APART)
-        set(filter)
-        if(arg_CHECKED)
-            set(filter "--gtest_filter=${arg_CHECKED}")
-        endif()
-        add_test(NAME ${name} COMMAND test-${name} ${filter})
+    if((CINDERMILL_SANITIZE OR cindermill-test-gl IN_LIST arg_PACKAGES) AND NOT arg_APART)
+        add_test(NAME ${name} COMMAND test-${name} "--gtest_filter=${filter}")
         set_tests_properties(${name} PROPERTIES TIMEOUT ${CINDERMILL_TEST_SECONDS} COST ${cost}
                              SKIP_REGULAR_EXPRESSION "${CINDERMILL_LEAKS_NOT_SOUGHT}"
                              ENVIRONMENT "${CINDERMILL_DISPLAY_ENVIRONMENT}")
         return()
     endif()
-    set(filter)
-    if(CINDERMILL_SANITIZE AND arg_CHECKED)
-        set(filter TEST_FILTER "${arg_CHECKED}")
+    # What runs apart because it is long begins before the thousands of short ones, which then fill what is left over.
+    set(cost 0)
+    if(arg_APART)
+        set(cost 5)
     endif()
     # The driver's threads are still at work when a program of one test ends, and the search for leaks, which stops
     # all threads, falls over them. It is done where programs run whole.
-    gtest_discover_tests(test-${name} DISCOVERY_TIMEOUT 600 ${filter}
-                         PROPERTIES TIMEOUT ${CINDERMILL_TEST_SECONDS} ENVIRONMENT "ASAN_OPTIONS=detect_leaks=0")
+    gtest_discover_tests(test-${name} DISCOVERY_TIMEOUT 600 TEST_FILTER "${filter}"
+                         PROPERTIES TIMEOUT ${CINDERMILL_TEST_SECONDS} COST ${cost}
+                                    ENVIRONMENT "ASAN_OPTIONS=detect_leaks=0")
 endfunction()

@@ -2,6 +2,17 @@
 
 #include <cstddef>
 
+// Where a text may be cut so near below the limit that no character of it is broken; a text that is no UTF-8
+// has none such, and is cut at the limit.
+static int FindCut(const char* text, int limit)
+{
+    constexpr int MaxFollowing = 3;
+    for (int cut = limit; cut > 0 && cut >= limit - MaxFollowing; --cut)
+        if ((static_cast<unsigned char>(text[cut]) & 0xC0) != 0x80)
+            return cut;
+    return limit;
+}
+
 TString ShortenText(const char* text, int limit)
 {
     TString result(text);
@@ -10,7 +21,7 @@ TString ShortenText(const char* text, int limit)
         return result;
     TString end;
     end.Format("... (%d characters)", length);
-    result.Left(text, limit);
+    result.Left(text, FindCut(text, limit));
     result += end;
     return result;
 }

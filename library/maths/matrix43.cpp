@@ -58,12 +58,22 @@ void TMatrix43::SetRotation(float x, float y, float z)
     *this *= rotation;
 }
 
+// Of what rounding has brought just beyond 1, a quarter turn: otherwise a rotation by 90 degrees would, now
+// and then, be no number.
+static float ArcSine(double sine)
+{
+    constexpr double MaxRounding = 1e-3;
+    const double size = std::fabs(sine);
+    return static_cast<float>(
+        std::asin(size > 1 && size < 1 + MaxRounding ? std::copysign(1.0, sine) : sine));
+}
+
 void TMatrix43::GetRotation(float& x, float& y, float& z) const
 {
     const float k = static_cast<float>(std::sqrt(1 - double(M[2][0]) * M[2][0]));
-    y = static_cast<float>(std::asin(double(M[2][0])));
-    x = static_cast<float>(std::asin(double(M[2][1]) / k));
-    z = static_cast<float>(std::asin(double(M[1][0]) / k));
+    y = ArcSine(M[2][0]);
+    x = ArcSine(double(M[2][1]) / k);
+    z = ArcSine(double(M[1][0]) / k);
 }
 
 void TMatrix43::SetScale(float x, float y, float z)

@@ -10,8 +10,9 @@
 
 namespace {
 
-// Whatever gives a file another time, or puts another file in its place.
-constexpr uint32_t Events = IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_TO | IN_ATTRIB | IN_ONLYDIR;
+// Whatever gives a file another time, or puts another file in its place; and that the directory moves, as the
+// platform would follow it.
+constexpr uint32_t Events = IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_TO | IN_ATTRIB | IN_MOVE_SELF | IN_ONLYDIR;
 constexpr int NoWatch = -1;
 
 } // namespace
@@ -100,7 +101,9 @@ void TDirectoryWatcher::ReadEvents()
             return;
         for (ssize_t at = 0; at < length;) {
             const inotify_event* event = reinterpret_cast<const inotify_event*>(buffer + at);
-            Mark(event->wd, (event->mask & IN_IGNORED) != 0);
+            Mark(event->wd, (event->mask & (IN_IGNORED | IN_MOVE_SELF)) != 0);
+            if ((event->mask & IN_MOVE_SELF) != 0)
+                inotify_rm_watch(Handle, event->wd);
             at += static_cast<ssize_t>(sizeof(inotify_event)) + event->len;
         }
     }

@@ -134,6 +134,19 @@ void GetProgramPath(TString& out)
     }
 }
 
+void ListNames(const char* path, const char* start, vector<TString>& result)
+{
+    result.clear();
+    TString systemPath;
+    ToSystemPath(path, systemPath);
+    TDirectory entries(systemPath.Print());
+    if (!entries.IsOpen())
+        return;
+    while (const char* name = entries.GetNext())
+        if (strncmp(name, start, strlen(start)) == 0)
+            Append(result, name);
+}
+
 bool ListDirectory(const char* path, vector<TDirectoryEntry>& result, int* error)
 {
     result.clear();

@@ -23,6 +23,9 @@ struct TDirectoryEntry
     bool IsDirectory;
 };
 
+// The names in a directory that begin so, of whatever kind; nothing but the directory is looked at.
+void ListNames(const char* path, const char* start, vector<TString>& result);
+
 // What a directory holds, without "." and ".." and other file systems, in the order of names without case. A
 // symbolic link to a file is a file; others are left out. False, with the system's code, if it cannot be
 // listed.

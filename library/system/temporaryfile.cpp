@@ -57,13 +57,12 @@ void MakeName(const char* target, TString& path)
     path += name;
 }
 
+// Of a name that begins as they do.
 bool IsTemporaryName(const char* name)
 {
-    const TString& start = GetNameStart();
     const size_t length = strlen(name);
     const size_t end = strlen(NameEnd);
-    return length > end && strncmp(name, start.Print(), static_cast<size_t>(start.Length())) == 0 &&
-           strcmp(name + length - end, NameEnd) == 0;
+    return length > end && strcmp(name + length - end, NameEnd) == 0;
 }
 
 int OpenRetrying(const char* path, int flags, mode_t mode)
@@ -98,18 +97,18 @@ void RemoveIfDead(const char* path)
     close(handle);
 }
 
+// The folder may hold thousands of files, on another machine: only those that may be meant are asked about.
 void RemoveDeadFiles(const char* target)
 {
     TString folder;
     GetFolder(target, folder);
-    vector<TDirectoryEntry> entries;
-    if (!ListDirectory(folder.IsEmpty() ? "." : folder.Print(), entries))
-        return;
-    for (const TDirectoryEntry& entry : entries) {
-        if (entry.IsDirectory || !IsTemporaryName(entry.Name))
+    vector<TString> names;
+    ListNames(folder.IsEmpty() ? "." : folder.Print(), GetNameStart(), names);
+    for (const TString& name : names) {
+        if (!IsTemporaryName(name))
             continue;
         TString path(folder);
-        path += entry.Name;
+        path += name;
         RemoveIfDead(path);
     }
 }
@@ -136,11 +135,12 @@ void WriteFolderThrough(const char* target)
     close(handle);
 }
 
-// The names that a signal's handler takes away. More files than that at a time are left to the next one
-// beside them.
+// The names that a signal's handler takes away, which sees a slot only once its path is whole. Files are
+// written by more threads than one. More of them than that at a time are left to the next one beside them.
 struct TNameSlot
 {
-    bool IsTaken;
+    std::atomic<bool> IsTaken;
+    std::atomic<bool> IsWhole;
     char Path[PATH_MAX];
 };
 constexpr int NumSlots = 4;
@@ -149,7 +149,7 @@ TNameSlot Slots[NumSlots];
 void OnEndSignal(int signal)
 {
     for (const TNameSlot& slot : Slots)
-        if (slot.IsTaken)
+        if (slot.IsWhole)
             unlink(slot.Path);
     EndBySignal(signal);
 }
@@ -192,10 +192,10 @@ void TTemporaryFile::TakeName()
 {
     IsNamed = true;
     for (int i = 0; i < NumSlots; ++i) {
-        if (Slots[i].IsTaken || Path.Length() >= PATH_MAX)
+        if (Path.Length() >= PATH_MAX || Slots[i].IsTaken.exchange(true))
             continue;
         strcpy(Slots[i].Path, Path);
-        Slots[i].IsTaken = true;
+        Slots[i].IsWhole = true;
         Slot = i;
         return;
     }
@@ -204,8 +204,10 @@ void TTemporaryFile::TakeName()
 void TTemporaryFile::LeaveName()
 {
     IsNamed = false;
-    if (Slot >= 0)
+    if (Slot >= 0) {
+        Slots[Slot].IsWhole = false;
         Slots[Slot].IsTaken = false;
+    }
     Slot = -1;
 }
 
@@ -227,7 +229,8 @@ bool TTemporaryFile::Create(const char* target, const struct stat* old)
     Drop();
     RemoveDeadFiles(target);
     Target = target;
-    return OpenNameless(GetFirstMode(old)) ? Resemble(old) : CreateNamed(target, old);
+    const mode_t mode = GetFirstMode(old);
+    return (OpenNameless(mode) || OpenNamed(mode)) && Resemble(old);
 }
 
 bool TTemporaryFile::CreateNamed(const char* target, const struct stat* old)

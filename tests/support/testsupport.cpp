@@ -134,6 +134,8 @@ std::string SourcePath(const std::string& path)
 
 int main(int argc, char** argv)
 {
+    // What the driver has compiled once, each program of the tests has, those with a home of their own too.
+    setenv("MESA_SHADER_CACHE_DIR", CINDERMILL_SHADER_CACHE, 0);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

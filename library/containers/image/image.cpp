@@ -192,62 +192,109 @@ void TImage::Create(int width, int height)
     Pixels.resize(width * height * 4);
 }
 
-// Fills the picture from the top row down; the rows are stored from the bottom up.
-bool TImage::Decode(const TStored& stored)
+bool TImage::LoadFile(const char* path, TReadHeader readHeader)
 {
-    const int width = stored.Width;
-    const int height = stored.Height;
-    constexpr int64_t MaxPixels = 1 << 28;
-    const TPixelCode& rule = FindPixelCode(stored.Code);
-    if (width <= 0 || height <= 0 || static_cast<int64_t>(width) * height > MaxPixels)
+    Clear();
+    TFile file;
+    if (!file.OpenRead(path))
         return false;
+    TStored stored;
+    const bool loaded = readHeader(file, stored) && Decode(file, stored);
+    file.Close();
+    if (!loaded)
+        Clear();
+    return loaded;
+}
 
-    if (rule.Rule == DR_DXT) {
-        const TDxtKind kind = static_cast<TDxtKind>(rule.Size);
-        const int64_t across = (width + 3) / 4;
-        const int64_t down = (height + 3) / 4;
-        if (across * down * GetDxtBlockSize(kind) > stored.Size)
+bool TImage::Decode(TFile& file, const TStored& stored)
+{
+    constexpr int64_t MaxPixels = 1 << 28;
+    if (stored.Width <= 0 || stored.Height <= 0 ||
+        static_cast<int64_t>(stored.Width) * stored.Height > MaxPixels)
+        return false;
+    if (FindPixelCode(stored.Code).Rule == DR_DXT)
+        return DecodeBlocks(file, stored);
+    return stored.Morton ? DecodeMorton(file, stored) : DecodeRows(file, stored);
+}
+
+bool TImage::DecodeBlocks(TFile& file, const TStored& stored)
+{
+    const TDxtKind kind = static_cast<TDxtKind>(FindPixelCode(stored.Code).Size);
+    const int blockSize = GetDxtBlockSize(kind);
+    const int across = (stored.Width + 3) / 4;
+    const int down = (stored.Height + 3) / 4;
+    if (static_cast<int64_t>(across) * down * blockSize > file.GetSize() - stored.Offset)
+        return false;
+    Create(stored.Width, stored.Height);
+    vector<uint8_t> row;
+    row.resize(across * blockSize);
+    file.SetFilePtr(stored.Offset);
+    for (int by = 0; by < down; ++by) {
+        if (!file.Read(row.data(), row.size()))
             return false;
-        Create(width, height);
-        for (int64_t by = 0; by < down; ++by) {
-            for (int64_t bx = 0; bx < across; ++bx) {
-                uint8_t block[64];
-                DecodeDxtBlock(kind, stored.Data + (by * across + bx) * GetDxtBlockSize(kind), block);
-                for (int i = 0; i < 16; ++i) {
-                    const int x = static_cast<int>(bx) * 4 + i % 4;
-                    const int y = static_cast<int>(by) * 4 + i / 4;
-                    if (x < width && y < height)
-                        std::memcpy(GetPixel(x, height - 1 - y), block + i * 4, 4);
-                }
+        for (int bx = 0; bx < across; ++bx) {
+            uint8_t block[64];
+            DecodeDxtBlock(kind, row.data() + bx * blockSize, block);
+            for (int i = 0; i < 16; ++i) {
+                const int x = bx * 4 + i % 4;
+                const int y = by * 4 + i / 4;
+                if (x < Width && y < Height)
+                    std::memcpy(GetPixel(x, Height - 1 - y), block + i * 4, 4);
             }
         }
-        return true;
     }
+    return true;
+}
 
-    const int64_t row = static_cast<int64_t>(width) * rule.Size;
-    const int64_t step = stored.Pitch != 0 ? stored.Pitch : row;
-    const uint32_t w = static_cast<uint32_t>(width);
-    const uint32_t h = static_cast<uint32_t>(height);
+// A code that nobody knows tells no pixel size; its file must at least hold a byte per pixel.
+static bool HoldsPixels(const TPixelCode& code, int64_t needed, int64_t pixels, int64_t held)
+{
+    return needed <= held && (code.Size != 0 || pixels <= held);
+}
+
+bool TImage::DecodeRows(TFile& file, const TStored& stored)
+{
+    const TPixelCode& code = FindPixelCode(stored.Code);
+    const int64_t size = static_cast<int64_t>(stored.Width) * code.Size;
+    const int64_t step = stored.Pitch != 0 ? stored.Pitch : size;
     // Rows that lie in each other would let a small file ask for a picture of any size.
-    if (step < row)
+    if (step < size)
         return false;
-    const int64_t needed = stored.Morton
-                               ? (static_cast<int64_t>(SwizzleIndex(w - 1, h - 1, w, h)) + 1) * rule.Size
-                               : step * (height - 1) + row;
-    // A code that nobody knows tells no pixel size; its file must at least hold a byte per pixel.
-    if (needed > stored.Size || (rule.Size == 0 && static_cast<int64_t>(width) * height > stored.Size))
+    const int64_t pixels = static_cast<int64_t>(stored.Width) * stored.Height;
+    if (!HoldsPixels(code, step * (stored.Height - 1) + size, pixels, file.GetSize() - stored.Offset))
         return false;
-    Create(width, height);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const int64_t at = stored.Morton
-                                   ? static_cast<int64_t>(SwizzleIndex(static_cast<uint32_t>(x),
-                                                                       static_cast<uint32_t>(y), w, h)) *
-                                         rule.Size
-                                   : step * y + static_cast<int64_t>(x) * rule.Size;
-            DecodePixel(rule, stored.Data + at, stored.BigEndian, GetPixel(x, height - 1 - y));
-        }
+    Create(stored.Width, stored.Height);
+    vector<uint8_t> row;
+    row.resize(static_cast<int>(size));
+    for (int y = 0; y < Height; ++y) {
+        file.SetFilePtr(static_cast<int>(stored.Offset + step * y));
+        if (!file.Read(row.data(), row.size()))
+            return false;
+        for (int x = 0; x < Width; ++x)
+            DecodePixel(code, row.data() + x * code.Size, stored.BigEndian, GetPixel(x, Height - 1 - y));
     }
+    return true;
+}
+
+bool TImage::DecodeMorton(TFile& file, const TStored& stored)
+{
+    const TPixelCode& code = FindPixelCode(stored.Code);
+    const uint32_t w = static_cast<uint32_t>(stored.Width);
+    const uint32_t h = static_cast<uint32_t>(stored.Height);
+    const int64_t size = (static_cast<int64_t>(SwizzleIndex(w - 1, h - 1, w, h)) + 1) * code.Size;
+    const int64_t pixels = static_cast<int64_t>(stored.Width) * stored.Height;
+    if (!HoldsPixels(code, size, pixels, file.GetSize() - stored.Offset))
+        return false;
+    vector<uint8_t> data;
+    data.resize(static_cast<int>(size));
+    file.SetFilePtr(stored.Offset);
+    if (!file.Read(data.data(), data.size()))
+        return false;
+    Create(stored.Width, stored.Height);
+    for (uint32_t y = 0; y < h; ++y)
+        for (uint32_t x = 0; x < w; ++x)
+            DecodePixel(code, data.data() + static_cast<int64_t>(SwizzleIndex(x, y, w, h)) * code.Size,
+                        stored.BigEndian, GetPixel(static_cast<int>(x), static_cast<int>(h - 1 - y)));
     return true;
 }
 
@@ -321,29 +368,27 @@ uint32_t GetDdsCode(const uint8_t* header)
 
 } // namespace
 
-bool TImage::LoadDds(const char* path)
+bool TImage::ReadDdsHeader(TFile& file, TStored& stored)
 {
     constexpr uint32_t CubeOrVolume = 0x200 | 1u << 21;
-    Clear();
-    vector<uint8_t> bytes;
-    if (!ReadFileBytes(path, bytes) || bytes.size() < DdsHeaderSize)
+    uint8_t header[DdsHeaderSize];
+    if (!file.Read(header, DdsHeaderSize) || std::memcmp(header, "DDS ", 4) != 0 ||
+        (LittleU32(header + 112) & CubeOrVolume) != 0)
         return false;
-    const uint8_t* header = bytes.data();
-    if (std::memcmp(header, "DDS ", 4) != 0 || (LittleU32(header + 112) & CubeOrVolume) != 0)
-        return false;
-    const uint32_t code = GetDdsCode(header);
     const uint32_t height = LittleU32(header + 12);
     const uint32_t width = LittleU32(header + 16);
-    if (code == 0 || width > INT32_MAX || height > INT32_MAX)
+    stored.Code = GetDdsCode(header);
+    if (stored.Code == 0 || width > INT32_MAX || height > INT32_MAX)
         return false;
-    return Decode({.Code = code,
-                   .Data = header + DdsHeaderSize,
-                   .Size = bytes.size() - DdsHeaderSize,
-                   .Width = static_cast<int>(width),
-                   .Height = static_cast<int>(height),
-                   .Pitch = 0,
-                   .Morton = false,
-                   .BigEndian = false});
+    stored.Offset = DdsHeaderSize;
+    stored.Width = static_cast<int>(width);
+    stored.Height = static_cast<int>(height);
+    return true;
+}
+
+bool TImage::LoadDds(const char* path)
+{
+    return LoadFile(path, &TImage::ReadDdsHeader);
 }
 
 namespace {
@@ -355,13 +400,11 @@ constexpr uint8_t HvtWritten = 128;
 
 } // namespace
 
-bool TImage::LoadHvt(const char* path)
+bool TImage::ReadHvtHeader(TFile& file, TStored& stored)
 {
-    Clear();
-    vector<uint8_t> bytes;
-    if (!ReadFileBytes(path, bytes) || bytes.size() < HvtHeaderSize)
+    uint8_t header[HvtHeaderSize];
+    if (!file.Read(header, HvtHeaderSize))
         return false;
-    const uint8_t* header = bytes.data();
     const uint32_t count = BigU32(header + 8);
     if (count != 1) {
         DebugPrintf("Incorrect number of textures in HVT file: %d\n", static_cast<int>(count));
@@ -372,20 +415,23 @@ bool TImage::LoadHvt(const char* path)
         return false;
     }
     const uint32_t offset = BigU32(header + 16);
-    if (offset > static_cast<uint32_t>(bytes.size()))
+    if (offset > static_cast<uint32_t>(file.GetSize()))
         return false;
     const uint8_t format = header[24];
-    const uint32_t code = static_cast<uint32_t>(format & 31) << 24 | (BigU32(header + 28) & 0xFFFFFF);
     const bool linear = (format & HvtLinear) != 0;
-    const int64_t pitch = linear ? BigU32(header + 40) : 0;
-    return Decode({.Code = code,
-                   .Data = header + offset,
-                   .Size = bytes.size() - static_cast<int>(offset),
-                   .Width = static_cast<int>(BigU16(header + 32)),
-                   .Height = static_cast<int>(BigU16(header + 34)),
-                   .Pitch = pitch,
-                   .Morton = !linear,
-                   .BigEndian = true});
+    stored.Code = static_cast<uint32_t>(format & 31) << 24 | (BigU32(header + 28) & 0xFFFFFF);
+    stored.Offset = static_cast<int>(offset);
+    stored.Width = static_cast<int>(BigU16(header + 32));
+    stored.Height = static_cast<int>(BigU16(header + 34));
+    stored.Pitch = linear ? BigU32(header + 40) : 0;
+    stored.Morton = !linear;
+    stored.BigEndian = true;
+    return true;
+}
+
+bool TImage::LoadHvt(const char* path)
+{
+    return LoadFile(path, &TImage::ReadHvtHeader);
 }
 
 bool TImage::Load(const char* path)

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+class TFile;
+
 // The formats that a picture is written in; the numbers are those of the batch program.
 enum TImageFormat
 {
@@ -43,22 +45,30 @@ public:
     const uint8_t* GetPixel(int x, int y) const { return Pixels.data() + (y * Width + x) * 4; }
 
 private:
-    // The pixels of a file, from the top row down.
+    // Where the pixels of a file stand, from the top row down, and what they are.
     struct TStored
     {
-        uint32_t Code;
-        const uint8_t* Data;
-        int64_t Size;
-        int Width;
-        int Height;
+        uint32_t Code = 0;
+        int Offset = 0;
+        int Width = 0;
+        int Height = 0;
         // Bytes from row to row; 0 where the rows follow each other.
-        int64_t Pitch;
-        bool Morton;
-        bool BigEndian;
+        int64_t Pitch = 0;
+        bool Morton = false;
+        bool BigEndian = false;
     };
+    using TReadHeader = bool (*)(TFile& file, TStored& stored);
 
+    static bool ReadDdsHeader(TFile& file, TStored& stored);
+    static bool ReadHvtHeader(TFile& file, TStored& stored);
     void Clear();
-    bool Decode(const TStored& stored);
+    bool LoadFile(const char* path, TReadHeader readHeader);
+    // Fills the picture, whose rows are stored from the bottom up. Of the file no more is taken into memory
+    // than the pixels need.
+    bool Decode(TFile& file, const TStored& stored);
+    bool DecodeBlocks(TFile& file, const TStored& stored);
+    bool DecodeRows(TFile& file, const TStored& stored);
+    bool DecodeMorton(TFile& file, const TStored& stored);
     void ReverseRows(vector<uint8_t>& pixels) const;
     bool SaveTga(const char* path, TString& fault) const;
     bool SaveDds(const char* path, int squishFlags, TString& fault) const;

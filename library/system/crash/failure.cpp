@@ -4,6 +4,17 @@
 
 namespace {
 
+// In the order of the kinds.
+constexpr const char* KindNames[] = {"an Unknown exception type", "an Access Violation",
+                                     "a Stack Overflow",          "an In Page Error",
+                                     "a Datatype Misalignment",   "a No Memory",
+                                     "a Array Bounds Exceeded",   "a Breakpoint",
+                                     "an Illegal Instruction",    "a Float Divide by Zero",
+                                     "a Float Inexact Result",    "a Float Invalid Operation",
+                                     "a Float Overflow",          "a Float Underflow",
+                                     "an Integer Divide by Zero", "an Integer Overflow"};
+static_assert(sizeof(KindNames) / sizeof(KindNames[0]) == NumFailureKinds);
+
 TFailureKind GetArithmeticKind(int code)
 {
     switch (code) {
@@ -29,6 +40,11 @@ TFailureKind GetArithmeticKind(int code)
 }
 
 } // namespace
+
+const char* GetFailureName(TFailureKind kind)
+{
+    return KindNames[kind];
+}
 
 TFailureKind GetFailureKind(const siginfo_t& info)
 {

@@ -47,6 +47,8 @@ struct TCrash
     TThreadStopper Others;
 };
 
+// As the report words it.
+const char* GetFailureName(TFailureKind kind);
 // What the signal means. A fault beside the end of the stack is one of the stack.
 TFailureKind GetFailureKind(const siginfo_t& info);
 bool IsStackOverflow(const TFailure& failure, const TMemoryMap& map);

@@ -9,6 +9,8 @@
 namespace {
 
 constexpr int MaxShownName = 100;
+constexpr const char* CommentStart = "<!--";
+constexpr const char* CommentEnd = "-->";
 
 // Control characters and the space, as TXmlFile has it.
 bool IsBlank(char c)
@@ -36,7 +38,10 @@ private:
     void Step();
     bool StartsWith(const char* text) const;
     void SkipBehind(const char* text);
-    const char* FindTagEnd() const;
+    const char* FindTagEnd(const char* begin) const;
+    const char* FindCommentEnd() const;
+    void CheckComment();
+    bool IsRead(const char* tag) const;
     void CheckTag(const char* begin, const char* end);
     void CloseTag(const char* name, int length);
     void FailTags(int line, const TString& text);
@@ -78,10 +83,10 @@ void TXmlChecker::SkipBehind(const char* text)
 }
 
 // The ">" of the tag, outside quotes and brackets, which may hold others.
-const char* TXmlChecker::FindTagEnd() const
+const char* TXmlChecker::FindTagEnd(const char* begin) const
 {
     vector<char> brackets;
-    for (const char* c = At; c < End; ++c) {
+    for (const char* c = begin; c < End; ++c) {
         switch (*c) {
         case '"':
         case '\'': {
@@ -134,6 +139,58 @@ void TXmlChecker::FailZero(TXmlFault::TKind kind)
     Zero.Text = "The file holds a zero byte";
 }
 
+// The ">" that ends the comment at hand for other readers; the file's end where there is none.
+const char* TXmlChecker::FindCommentEnd() const
+{
+    const size_t length = strlen(CommentEnd);
+    for (const char* c = At; static_cast<size_t>(End - c) >= length; ++c)
+        if (memcmp(c, CommentEnd, length) == 0)
+            return c + length - 1;
+    return End;
+}
+
+// Whether a tag within a comment would be found, or would close the element that the comment stands in.
+bool TXmlChecker::IsRead(const char* tag) const
+{
+    const char* name = tag + 1;
+    while (name < End && IsBlank(*name))
+        ++name;
+    if (name == End || *name != '/')
+        return true;
+    ++name;
+    while (name < End && IsBlank(*name))
+        ++name;
+    const char* end = name;
+    while (end < End && !IsBlank(*end) && *end != '>')
+        ++end;
+    TString closed;
+    closed.Assign(name, end);
+    TString opened;
+    if (!Open.empty())
+        opened.Assign(Open.back().Name, Open.back().Name + Open.back().Length);
+    return opened.Compare(closed) == 0;
+}
+
+// To TXmlFile a comment is a tag, which ends at its first ">" outside quotes and brackets. What it then makes
+// of the rest may be far from what was meant.
+void TXmlChecker::CheckComment()
+{
+    const char* end = FindCommentEnd();
+    const char* tag = At;
+    while (tag < end && Tags.Kind == TXmlFault::None) {
+        const char* tagEnd = FindTagEnd(tag);
+        if (tagEnd == nullptr || tagEnd > end) {
+            FailTags(Line, "A quote or a bracket in a comment hides what follows it");
+            return;
+        }
+        tag = tagEnd;
+        while (tag < end && *tag != '<')
+            ++tag;
+        if (tag < end && IsRead(tag))
+            FailTags(Line, "A comment ends at its first \">\", and a tag behind that is read");
+    }
+}
+
 void TXmlChecker::Check()
 {
     while (At < End && Tags.Kind == TXmlFault::None) {
@@ -141,12 +198,11 @@ void TXmlChecker::Check()
             if (*At == 0)
                 FailZero(TXmlFault::ZeroInText);
             Step();
-        } else if (StartsWith("<!--")) {
-            SkipBehind("-->");
-        } else if (StartsWith("<![CDATA[")) {
-            SkipBehind("]]>");
+        } else if (StartsWith(CommentStart)) {
+            CheckComment();
+            SkipBehind(CommentEnd);
         } else {
-            const char* end = FindTagEnd();
+            const char* end = FindTagEnd(At);
             if (end == nullptr) {
                 FailTags(Line, "A tag has no end");
                 return;
@@ -173,8 +229,14 @@ void TXmlChecker::CheckTag(const char* begin, const char* end)
         --last;
     while (begin < last && IsBlank(*begin))
         ++begin;
-    if (begin == last || *begin == '!')
+    if (begin == last)
         return;
+    if (*begin == '!') {
+        // Behind blanks it is a comment to TXmlFile.
+        if (strncmp(begin, CommentStart + 1, strlen(CommentStart + 1)) != 0)
+            FailTags(Line, "Of the tags that begin with \"!\" only comments are understood");
+        return;
+    }
     const bool closes = *begin == '/';
     if (closes)
         ++begin;

@@ -8,7 +8,7 @@ struct TXmlFault
     enum TKind
     {
         None,
-        // The tags do not fit each other.
+        // The tags do not fit each other, or are not taken as they seem to be meant.
         Tags,
         // A zero byte in a tag, at which a name or a value would end; or in the text between tags.
         ZeroInTag,

@@ -1,6 +1,7 @@
 #include "library/wimp/gl/glcontext.h"
 
 #include "library/containers/assertion.h"
+#include "library/containers/log.h"
 #include "library/containers/string.h"
 #include "library/wimp/gl/gldevice.h"
 
@@ -152,7 +153,10 @@ void DropGlErrors()
 void CheckGlError()
 {
     const unsigned err = glGetError();
-    ASSERT_TEXT_MSG(err == GL_NO_ERROR || err == GL_INVALID_OPERATION,
-                    "err == GL_NO_ERROR || err == GL_INVALID_OPERATION",
+    const bool isFine = err == GL_NO_ERROR || err == GL_INVALID_OPERATION;
+    // A guard may keep the assertion's text to itself.
+    if (!isFine)
+        DebugPrintf("OpenGL error 0x%x\n", err);
+    ASSERT_TEXT_MSG(isFine, "err == GL_NO_ERROR || err == GL_INVALID_OPERATION",
                     TempFormat("OpenGL error 0x%x\n", err));
 }

@@ -24,5 +24,5 @@ void FlushGlDeletions();
 
 // Forgets the errors that others have left in the current context.
 void DropGlErrors();
-// Asserts "err == GL_NO_ERROR || err == GL_INVALID_OPERATION".
+// Asserts "err == GL_NO_ERROR || err == GL_INVALID_OPERATION", with the error in the log.
 void CheckGlError();

@@ -56,7 +56,11 @@ TString TellConnections(const TToolNode& node, bool isInput, int port)
     if (edge == nullptr)
         return "not wired";
     const TNodeType& source = *edge->GetSrcNode()->GetNodeType();
-    text.Format("wired from %s, %s", source.Name.Print(), source.GetOutput(edge->GetSrcPort()).Name.Print());
+    // Both may be as long as a text of a file can be, together longer than what can be formatted.
+    text = "wired from ";
+    text += source.Name;
+    text += ", ";
+    text += source.GetOutput(edge->GetSrcPort()).Name;
     return text;
 }
 

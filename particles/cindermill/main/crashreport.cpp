@@ -33,17 +33,6 @@ constexpr int MiniDump = 1;
 TSystemFacts Facts;
 std::atomic<int> DebugMode(MiniDump);
 
-// In the order of the kinds.
-constexpr const char* KindNames[] = {"an Unknown exception type", "an Access Violation",
-                                     "a Stack Overflow",          "an In Page Error",
-                                     "a Datatype Misalignment",   "a No Memory",
-                                     "a Array Bounds Exceeded",   "a Breakpoint",
-                                     "an Illegal Instruction",    "a Float Divide by Zero",
-                                     "a Float Inexact Result",    "a Float Invalid Operation",
-                                     "a Float Overflow",          "a Float Underflow",
-                                     "an Integer Divide by Zero", "an Integer Overflow"};
-static_assert(sizeof(KindNames) / sizeof(KindNames[0]) == NumFailureKinds);
-
 // Addresses and registers are shown with their lower 32 bits.
 unsigned Cut(uint64_t value)
 {
@@ -70,7 +59,7 @@ void PrintHead(TCrashWriter& out, const TCrash& crash)
     TShownRegisters registers;
     failure.Thread.Show(registers);
     out.Print("%s caused %s (0x%08x) \r\nin module %s at %04x:%08x.\r\n\r\n", Facts.Program,
-              KindNames[failure.Kind], static_cast<unsigned>(failure.Info.si_signo),
+              GetFailureName(failure.Kind), static_cast<unsigned>(failure.Info.si_signo),
               GetModuleName(crash, registers.Ip), registers.Cs, Cut(registers.Ip));
 }
 
@@ -110,6 +99,18 @@ void PrintAccess(TCrashWriter& out, const TAccess& access)
 {
     out.Print("%s location %08x caused an access violation.\r\n", access.IsWrite ? "Write to" : "Read from",
               Cut(access.Address));
+}
+
+// Once, though the report may be begun in one folder and written in another.
+void TellAccess(const TAccess& access)
+{
+    static bool isTold = false;
+    if (isTold)
+        return;
+    isTold = true;
+    TCrashWriter out(STDERR_FILENO);
+    out.Print("Exception handler: ");
+    PrintAccess(out, access);
 }
 
 void PrintRegisters(TCrashWriter& out, const TThreadState& thread)
@@ -173,8 +174,10 @@ bool PrintReport(int file, const TCrash& crash)
     PrintHead(out, crash);
     PrintPlace(out, failure.Text);
     PrintSystem(out);
-    if (failure.Kind == FK_ACCESSVIOLATION && failure.HasAccess)
+    if (failure.Kind == FK_ACCESSVIOLATION && failure.HasAccess) {
         PrintAccess(out, failure.Access);
+        TellAccess(failure.Access);
+    }
     PrintRegisters(out, failure.Thread);
     PrintCode(out, failure.Thread.GetInstructionPointer());
     // What follows may take long, or not end at all.
@@ -186,15 +189,6 @@ bool PrintReport(int file, const TCrash& crash)
         PrintModule(out, ++number, module);
     out.Print("\r\n===== [end of %s] =====\r\n", ReportName);
     return out.Flush();
-}
-
-void TellAccess(const TFailure& failure)
-{
-    if (failure.Kind != FK_ACCESSVIOLATION || !failure.HasAccess)
-        return;
-    TCrashWriter out(STDERR_FILENO);
-    out.Print("Exception handler: ");
-    PrintAccess(out, failure.Access);
 }
 
 // False where there is no such folder.
@@ -313,9 +307,7 @@ TWritten WriteFiles(const TCrash& crash, TNeed need)
 
 void OnCrash(const TCrash& crash)
 {
-    if (WriteFiles(crash, N_BOTH) != W_NOTHING || WriteFiles(crash, N_REPORT) != W_NOTHING)
-        TellAccess(crash.Failure);
-    else
+    if (WriteFiles(crash, N_BOTH) == W_NOTHING && WriteFiles(crash, N_REPORT) == W_NOTHING)
         WriteDebug("Error creating exception report\r\n");
 }
 

@@ -156,6 +156,16 @@ TEST(StrToID, FollowsTheHashStepByStep)
     EXPECT_EQ(StrToID("\xe9"), a ^ b);
 }
 
+TEST(StrToID, TwoNamesThatMeetInOneIdentityAssert)
+{
+    const uint32_t id = StrToID("name24448");
+    EXPECT_EQ(id, 0x9c6556b2u);
+    EXPECT_EQ(AssertionOf([] { StrToID("Name39856"); }),
+              "it->second.Compare(str)==0 : Collision in StrToID (name24448 Name39856)");
+    // The first keeps it.
+    EXPECT_EQ(StrToID("NAME24448"), id);
+}
+
 TEST(StrToID, IDToStrGivesTheFirstSpelling)
 {
     TString name;

@@ -235,6 +235,26 @@ TEST(Matrix43, GetRotationReadsTheAnglesBack)
             }
 }
 
+TEST(Matrix43, GetRotationReadsQuarterTurnsBackWhateverWayTheyAreRounded)
+{
+    for (int degrees = -89; degrees <= 89; ++degrees)
+        for (const float turn : {-90.0f, 90.0f}) {
+            const float y = static_cast<float>(degrees) * DegreesToRadians;
+            const float quarter = turn * DegreesToRadians;
+            float a = 9;
+            float b = 9;
+            float c = 9;
+            TMatrix43 m;
+            m.SetRotation(quarter, y, 0);
+            m.GetRotation(a, b, c);
+            EXPECT_NEAR(a, quarter, 0.03) << degrees;
+            EXPECT_NEAR(b, y, 1e-4) << degrees;
+            m.SetRotation(0, y, quarter);
+            m.GetRotation(a, b, c);
+            EXPECT_NEAR(c, quarter, 0.03) << degrees;
+        }
+}
+
 TEST(Matrix43, GetRotationDoesNoTestForAGimbalLock)
 {
     TMatrix43 m;

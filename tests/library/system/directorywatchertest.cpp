@@ -81,6 +81,21 @@ TEST_F(DirectoryWatcher, ADirectoryThatComesBackIsTold)
     EXPECT_TRUE(Watcher.TakeSignal(number));
 }
 
+TEST_F(DirectoryWatcher, ADirectoryThatMovesAwayIsNotFollowed)
+{
+    fs::create_directory(Folder.Path("a"));
+    const int number = Watch(Folder.Path("a"));
+    fs::rename(Folder.Path("a"), Folder.Path("b"));
+    EXPECT_TRUE(Watcher.TakeSignal(number));
+    WriteBytes(Folder.Path("b/file"), "elsewhere");
+    EXPECT_FALSE(Watcher.TakeSignal(number));
+    fs::create_directory(Folder.Path("a"));
+    EXPECT_TRUE(Watcher.TakeSignal(number));
+    WriteBytes(Folder.Path("a/file"), "new");
+    EXPECT_TRUE(Watcher.TakeSignal(number));
+    EXPECT_FALSE(Watcher.TakeSignal(number));
+}
+
 TEST(GetFileWriteTime, FollowsTheFile)
 {
     TTempFolder folder;

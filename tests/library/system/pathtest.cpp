@@ -2,6 +2,7 @@
 
 #include "support/testsupport.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -169,4 +170,23 @@ TEST(Path, ListingReplacesWhatTheResultHeld)
     entries.push_back(TDirectoryEntry{"old", false});
     EXPECT_TRUE(ListDirectory(folder.GetFolder().c_str(), entries));
     EXPECT_EQ(entries.size(), 0);
+}
+
+TEST(Path, NamesThatBeginSoAreListed)
+{
+    TTempFolder folder;
+    for (const char* name : {"mark-1", "mark-", "Mark-2", "a-mark-3", "mar"})
+        WriteBytes(folder.Path(name), "x");
+    fs::create_directory(folder.Path("mark-folder"));
+    fs::create_symlink("nowhere", folder.Path("mark-link"));
+    vector<TString> names;
+    names.push_back("old");
+    ListNames(folder.GetFolder().c_str(), "mark-", names);
+    std::vector<std::string> found;
+    for (const TString& name : names)
+        found.push_back(Text(name));
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(found, (std::vector<std::string>{"mark-", "mark-1", "mark-folder", "mark-link"}));
+    ListNames(folder.Path("none").c_str(), "", names);
+    EXPECT_TRUE(names.empty());
 }

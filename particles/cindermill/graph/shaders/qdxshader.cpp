@@ -7,7 +7,6 @@
 #include "library/containers/ownerlist.h"
 #include "library/system/file.h"
 #include "library/system/path.h"
-#include "library/system/systemerror.h"
 #include "library/wimp/gl/device/graphicsdevice.h"
 #include "particles/cindermill/graph/shaders/qdxfragmentprogram.h"
 #include "particles/cindermill/graph/shaders/qdxvertexprogram.h"
@@ -15,7 +14,6 @@
 #include "particles/cindermill/graph/shaders/vertexstream.h"
 
 #include <bit>
-#include <climits>
 #include <cstring>
 
 // A shader file in memory. Its offsets come from the file, so each is held against the size before use.
@@ -174,18 +172,17 @@ TQdxShader* TQdxShader::LoadShaderFile(const char* path)
     TQdxShaderCache& cache = TQdxShaderCache::Get();
     if (TQdxShader* shader = cache.FindFile(path))
         return shader;
-    uint64_t size = 0;
-    if (!GetFileSize64(path, size) || size > INT_MAX) {
-        TString fault;
-        GetReadFault(path, fault);
-        if (fault.IsEmpty())
-            fault = GetSystemErrorText(FF_TOOLARGE);
-        DebugPrintf("Could not open sho file %s: %s\n", path, fault.Print());
+    // Its size is that of the file once it is open: a compiler may be writing it anew.
+    TFile file;
+    if (!file.OpenRead(path)) {
+        DebugPrintf("Could not open sho file %s: %s\n", path, file.GetFault().Print());
         return nullptr;
     }
     array<uint8_t> data;
-    data.resize(static_cast<int>(size));
-    if (!ReadWholeFile(path, data.data())) {
+    data.resize(file.GetSize());
+    const bool isRead = file.Read(data.data(), data.size());
+    file.Close();
+    if (!isRead) {
         DebugPrintf("Could not read sho file %s\n", path);
         return nullptr;
     }

@@ -36,7 +36,8 @@ TEST_F(TXmlCheckTest, WhatTheReaderTakesIsSound)
     for (const char* text :
          {"", "text", "<a/>", "<a></a>", "<a>t</A>", "<?xml version=\"1.0\"?>\n<r>t</r>", "<a x=1 / >",
           "<a x=\">\"/>", "<a x='>' y=(>)>t</a>", "<a x=\"\\\"\">t</a>", "< a >t</ a >", "<a b/>",
-          "<!-- <b> it's -->", "<r><!-- > </b>--></r>", "<!DOCTYPE r><r/>", "<r><![CDATA[</x>]]></r>"})
+          "<!-- <b> it's -->", "<r><!-- > </b>--></r>", "<r><!-- <a>'t'</a> (t) --></r>", "<r><!----></r>",
+          "<r>< !-- a --></r>", "<r><!-- 1 --><!-- :) --></r>"})
         EXPECT_EQ(TagsOf(text), "") << text;
 }
 
@@ -50,6 +51,28 @@ TEST_F(TXmlCheckTest, TagsThatDoNotMatchAreToldWithTheLine)
     EXPECT_EQ(TagsOf("<a>\n<b x=\"></b></a>"), "1 A tag has no end");
     EXPECT_EQ(TagsOf("</" + std::string(300, 'x') + ">"),
               "0 The closing tag \"" + std::string(100, 'x') + "... (300 characters)\" matches no tag");
+}
+
+TEST_F(TXmlCheckTest, ACommentThatTheReaderTakesOtherwiseIsTold)
+{
+    const char* hides = "1 A quote or a bracket in a comment hides what follows it";
+    for (const char* comment :
+         {"<!-- don't -->", "<!-- a (b -->", "<!-- 5\" wide -->", "<!-- [x} -->", "<!-- <a>t</a it's> -->"})
+        EXPECT_EQ(TagsOf("<r>\n" + std::string(comment) + "<b>it's</b>\n</r>"), hides) << comment;
+    // What the reader finds behind it is none of its business.
+    EXPECT_EQ(TagsOf("<r>\n<!-- don't --><b/><!-- won't --></r>"), hides);
+    const char* read = "1 A comment ends at its first \">\", and a tag behind that is read";
+    for (const char* comment : {"<!-- <a><b>t</b></a> -->", "<!-- <a/> <b/> -->", "<!-- > < r -->",
+                                "<!-- <r></r> -->", "<!-- <r>< / R > -->", "<!-- > <"})
+        EXPECT_EQ(TagsOf("<r>\n" + std::string(comment) + "</r>"), read) << comment;
+}
+
+TEST_F(TXmlCheckTest, OtherTagsThatTheReaderDoesNotUnderstandAreTold)
+{
+    const char* text = "1 Of the tags that begin with \"!\" only comments are understood";
+    EXPECT_EQ(TagsOf("\n<!DOCTYPE r><r/>"), text);
+    EXPECT_EQ(TagsOf("<r>\n<![CDATA[</x>]]></r>"), text);
+    EXPECT_EQ(TagsOf("<r>\n<!-x></r>"), text);
 }
 
 TEST_F(TXmlCheckTest, AZeroByteIsToldByItsPlace)

@@ -132,6 +132,15 @@ void TReportReader::Expect(const std::string& expression)
     ++Place;
 }
 
+unsigned TReportReader::GetHex(const std::string& words) const
+{
+    const size_t place = Place < Lines.size() ? Lines[Place].find(words) : std::string::npos;
+    EXPECT_NE(place, std::string::npos) << words;
+    return place == std::string::npos
+               ? 0
+               : static_cast<unsigned>(strtoul(Lines[Place].c_str() + place + words.size(), nullptr, 16));
+}
+
 void TReportReader::ExpectEnd() const
 {
     EXPECT_EQ(Place, Lines.size());
@@ -158,29 +167,39 @@ static void ExpectSystem(TReportReader& report, const std::string& program)
         report.Expect("\\d+ MBytes " + std::string(what) + "\\.");
 }
 
-static void ExpectContext(TReportReader& report, bool hasCode)
+// With the instruction pointer of the head. The stack pointer.
+static unsigned ExpectContext(TReportReader& report, const TExpectedReport& expected, unsigned ip)
 {
     const std::string number = "0x[0-9a-f]{8}";
     report.Expect("Context:");
     report.Expect("EDI:    " + number + "  ESI: " + number + "  EAX:   " + number);
     report.Expect("EBX:    " + number + "  ECX: " + number + "  EDX:   " + number);
+    EXPECT_EQ(report.GetHex("EIP:    0x"), ip);
     report.Expect("EIP:    " + number + "  EBP: " + number + "  SegCs: " + number);
+    const unsigned sp = report.GetHex("ESP: 0x");
     report.Expect("EFlags: " + number + "  ESP: " + number + "  SegSs: " + number);
     report.Expect("");
     report.Expect("Bytes at CS:EIP:");
-    report.Expect(hasCode ? "([0-9a-f]{2} ){1,16}" : "");
+    EXPECT_TRUE(report.Follows(expected.Code + ".*")) << expected.Code;
+    report.Expect(expected.HasCode ? "([0-9a-f]{2} ){1,16}" : "");
     report.Expect("");
+    return sp;
 }
 
-// Each line begins where the one before ends.
-static void ExpectStack(TReportReader& report, const TExpectedReport& expected)
+// From the stack pointer on; each line begins where the one before ends.
+static void ExpectStack(TReportReader& report, const TExpectedReport& expected, unsigned sp)
 {
     report.Expect("Stack:");
     int lines = 0;
+    constexpr unsigned LineBytes = 32;
+    const auto expectLine = [&] {
+        EXPECT_EQ(report.GetHex("0x"), sp + LineBytes * static_cast<unsigned>(lines));
+        report.Expect(".*");
+    };
     for (; report.Follows("0x[0-9a-f]{8}: ([0-9a-f]{8} ){8}"); ++lines)
-        report.Expect(".*");
+        expectLine();
     if (report.Follows("0x[0-9a-f]{8}: ([0-9a-f]{8} ){1,7}"))
-        report.Expect(".*");
+        expectLine();
     if (!expected.IsStackFull) {
         EXPECT_EQ(lines > 0, expected.HasStack);
     }
@@ -213,14 +232,15 @@ void ExpectReport(const std::string& path, const TExpectedReport& expected)
     char code[16];
     snprintf(code, sizeof(code), "0x%08x", expected.Signal);
     report.Expect(Quote(expected.Program) + " caused " + expected.Name + " \\(" + code + "\\) ");
+    const unsigned ip = report.GetHex(" at 0033:");
     report.Expect("in module " + expected.Module + " at 0033:[0-9a-f]{8}\\.");
     report.Expect("");
     report.Expect("Exception handler called in " + Quote(expected.Place) + "\\.");
     ExpectSystem(report, expected.Program);
     if (!expected.Access.empty())
         report.Expect(expected.Access + " caused an access violation\\.");
-    ExpectContext(report, expected.HasCode);
-    ExpectStack(report, expected);
+    const unsigned sp = ExpectContext(report, expected, ip);
+    ExpectStack(report, expected, sp);
     ExpectModules(report, expected.Program);
     report.Expect("");
     report.Expect("===== \\[end of ERRORLOG\\.TXT\\] =====");

@@ -50,6 +50,8 @@ public:
     void Expect(const std::string& expression);
     bool Follows(const std::string& expression) const;
     void ExpectEnd() const;
+    // The number in hexadecimal digits behind the words in the next line.
+    unsigned GetHex(const std::string& words) const;
 
 private:
     std::vector<std::string> Lines;
@@ -74,5 +76,7 @@ struct TExpectedReport
     // The stack has come to its end: the stack pointer lies in its last page or below it.
     bool IsStackFull = false;
     bool HasCode = true;
+    // How the bytes at the place of the failure begin.
+    std::string Code;
 };
 void ExpectReport(const std::string& path, const TExpectedReport& expected);

@@ -389,6 +389,14 @@ TEST_F(NodeTypes, UserValuesOfAnEffectArePassedOn)
     }
 }
 
+// The preview gives no hint of what the console does not know.
+TEST_F(NodeTypes, WhatIsNotExportedSaysSo)
+{
+    for (const char* className : {"TNoise", "TVolume", "TAnimationPath"})
+        for (const TNodeType* type : TypesOfClass(className))
+            EXPECT_NE(Text(type->Description).find("It is not exported."), std::string::npos) << className;
+}
+
 TEST_F(NodeTypes, NoTypeIsStaleAgainstItsOwnLibrary)
 {
     for (int i = 0; i < Library().GetNumTypes(); ++i) {

@@ -281,8 +281,11 @@ TEST(TEfxWriter, EffectWithoutSharedDataAndStagesHasNullPointers)
     EXPECT_EQ(f.U32(12), 0u);
     EXPECT_EQ(f.U32(16), 0u);
     EXPECT_EQ(f.U32(f.Fields(1)), 0u);
-    for (size_t i = 0; i < f.NumRelocations; ++i)
+    for (size_t i = 0; i < f.NumRelocations; ++i) {
         EXPECT_GT(f.Word(8 + 4 * i), 16u);
+        EXPECT_NE(f.Word(8 + 4 * i), f.Fields(0));
+        EXPECT_NE(f.Word(8 + 4 * i), f.Fields(1));
+    }
 }
 
 TEST(TEfxWriter, PointersOfAnEmptyExecuteStreamAreNull)

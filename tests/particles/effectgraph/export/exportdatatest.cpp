@@ -222,6 +222,30 @@ TEST(TExportData, PassThroughOfAnAttributeMapsRows)
     EXPECT_TRUE(group.Emission.Execute.Commands.empty());
 }
 
+TEST(TExportData, RowsArePassedOnToTheCommandsBehind)
+{
+    TTestGraph g;
+    TEffectNode* emitter = AddFiredEmitter(g);
+    TEffectNode* turn = AddForce(g, "Turn");
+    TEffectNode* force = AddForce(g);
+    g.Wire(emitter, 0, turn, 0);
+    g.Wire(turn, 0, force, 0);
+    g.Wire(force, 0, AddSprite(g), 0);
+    TExported e(g);
+    // Row 0 takes what row 2 holds.
+    e.Speak(turn, [](TExportData& data) { data.PassThrough(0, 0, 2, 1, 0); });
+    e.Speak(force, [](TExportData& data) {
+        data.SetCommand("IdAdd", 0);
+        data.AddInput(0, 0, 2);
+        data.AddOutput(0, 0, 1);
+    });
+    EXPECT_EQ(TextsOf(e.Group(1).Process.Execute), (TTexts{"IdAdd in 2 1 out 2"}));
+    // The flags are the attribute's rows', whatever row holds them.
+    EXPECT_EQ(e.Group(1).Process.Flags[0][0], 2);
+    EXPECT_EQ(e.Group(1).Process.Flags[0][1], 1);
+    EXPECT_EQ(e.Group(1).Process.Flags[0][2], 0);
+}
+
 TEST(TExportData, PassThroughOfAFixedValueWritesTheOutputsRows)
 {
     TChain chain({{"In", TY_VECTOR3}, {"Fix", TY_COLOUR}}, {{"Out", TY_VECTOR3}});

@@ -2,6 +2,10 @@
 
 #include "particles/effectgraph/export/exporttestgraph.h"
 
+#include <algorithm>
+#include <map>
+#include <random>
+
 namespace {
 using TRows = std::vector<uint32_t>;
 using TTexts = std::vector<std::string>;
@@ -282,4 +286,207 @@ TEST(PreprocessStreams, MoreThan64MachineRowsStop)
         most.Run(Range(static_cast<uint32_t>(32 * i), 32), {});
     EXPECT_EQ(AssertionOf([&] { most.Preprocess(); }),
               "0 : Group 3 needs 128 rows at a time in its process, of which there are 64 at most");
+}
+
+namespace {
+// The same in the plainest way, on commands of its own.
+class TPlainStreams
+{
+public:
+    struct TPlainCommand
+    {
+        char Kind = 'a';
+        TRows Inputs;
+        TRows Outputs;
+    };
+    using TPlainStream = std::vector<TPlainCommand>;
+
+    int Preprocess()
+    {
+        for (size_t i = 0; i + 1 < Execute.size(); ++i)
+            if (Execute[i].Kind == 'c')
+                Merge(i);
+        for (size_t i = 0; i + 1 < Execute.size(); ++i)
+            if (Execute[i].Kind == 'p')
+                Postpone(i);
+        FindLives();
+        const TRows free(64, NoRow);
+        Machine = free;
+        for (TPlainCommand& command : Unpack)
+            Map(command.Outputs, -1);
+        for (size_t c = 0; c < Execute.size(); ++c) {
+            Map(Execute[c].Inputs, -1);
+            Map(Execute[c].Outputs, static_cast<int>(c));
+        }
+        for (TPlainCommand& command : Pack)
+            Map(command.Inputs, -1);
+        return static_cast<int>(HighWater) + 1;
+    }
+
+    TPlainStream Unpack;
+    TPlainStream Execute;
+    TPlainStream Pack;
+
+private:
+    static constexpr uint32_t NoRow = 0xFFFFFFFF;
+
+    static bool Meet(const TRows& a, const TRows& b)
+    {
+        return std::any_of(a.begin(), a.end(),
+                           [&](uint32_t row) { return std::find(b.begin(), b.end(), row) != b.end(); });
+    }
+    // A constant stays behind what reads or writes its rows.
+    void Merge(size_t i)
+    {
+        for (size_t j = i + 1; j < Execute.size();) {
+            bool stays = Execute[j].Kind != 'c' || Execute[i].Outputs.size() + Execute[j].Outputs.size() > 32;
+            for (size_t k = i + 1; k < j; ++k)
+                stays = stays || Meet(Execute[j].Outputs, Execute[k].Inputs) ||
+                        Meet(Execute[j].Outputs, Execute[k].Outputs);
+            if (stays) {
+                ++j;
+                continue;
+            }
+            TRows& outputs = Execute[i].Outputs;
+            outputs.insert(outputs.end(), Execute[j].Outputs.begin(), Execute[j].Outputs.end());
+            Execute.erase(Execute.begin() + static_cast<int>(j));
+        }
+    }
+    void Postpone(size_t i)
+    {
+        const TPlainCommand prune = Execute[i];
+        size_t j = i + 1;
+        while (j < Execute.size() && !Meet(Execute[j].Outputs, prune.Inputs))
+            ++j;
+        if (j == i + 1)
+            return;
+        Execute.insert(Execute.begin() + static_cast<int>(j), prune);
+        Execute.erase(Execute.begin() + static_cast<int>(i));
+    }
+    void FindLives()
+    {
+        auto use = [&](uint32_t row, int command) {
+            if (Lasts[row].empty())
+                Lasts[row].push_back(command);
+            Lasts[row].back() = command;
+        };
+        for (int c = 0; c < static_cast<int>(Execute.size()); ++c) {
+            for (const uint32_t row : Execute[static_cast<size_t>(c)].Inputs)
+                use(row, c);
+            for (const uint32_t row : Execute[static_cast<size_t>(c)].Outputs)
+                Lasts[row].push_back(c);
+        }
+        for (const TPlainCommand& command : Pack)
+            for (const uint32_t row : command.Inputs)
+                use(row, static_cast<int>(Execute.size()));
+    }
+    void Map(TRows& rows, int command)
+    {
+        for (uint32_t& row : rows) {
+            if (command > Retired) {
+                for (uint32_t& held : Machine)
+                    if (held != NoRow && std::count(Lasts[held].begin(), Lasts[held].end(), command) != 0)
+                        held = NoRow;
+                Retired = command;
+            }
+            row = Lasts.count(row) == 0 ? HighWater : Place(row);
+        }
+    }
+    uint32_t Place(uint32_t row)
+    {
+        auto at = std::find(Machine.begin(), Machine.end(), row);
+        if (at == Machine.end())
+            at = std::find(Machine.begin(), Machine.end(), NoRow);
+        *at = row;
+        const uint32_t place = static_cast<uint32_t>(at - Machine.begin());
+        HighWater = std::max(HighWater, place + 1);
+        return place;
+    }
+
+    // For each row the last commands of its lives.
+    std::map<uint32_t, std::vector<int>> Lasts;
+    TRows Machine;
+    uint32_t HighWater = 0;
+    int Retired = -1;
+};
+
+// The same random commands for both.
+class TRandomStreams
+{
+public:
+    explicit TRandomStreams(unsigned seed) : Random(seed)
+    {
+        for (uint32_t i = Below(4); i > 0; --i)
+            AddTo(Streams.Unpack, Plain.Unpack, 'u', 0, 4);
+        for (uint32_t i = Below(12); i > 0; --i)
+            AddCommand();
+        for (uint32_t i = Below(4); i > 0; --i)
+            AddTo(Streams.Pack, Plain.Pack, 'k', 4, 0);
+    }
+    TPhaseStreams Streams;
+    TPlainStreams Plain;
+
+private:
+    uint32_t Below(uint32_t n) { return static_cast<uint32_t>(Random() % n); }
+    void AddCommand()
+    {
+        switch (Below(5)) {
+        case 0:
+        case 1:
+            return AddTo(Streams.Execute, Plain.Execute, 'c', 0, Below(20) == 0 ? 17 : 1 + Below(3));
+        case 2:
+            return AddTo(Streams.Execute, Plain.Execute, 'p', 1, 0);
+        default:
+            return AddTo(Streams.Execute, Plain.Execute, 'a', Below(4), Below(3));
+        }
+    }
+    void AddTo(TCommandStream& stream, TPlainStreams::TPlainStream& plain, char kind, uint32_t inputs,
+               uint32_t outputs)
+    {
+        TPlainStreams::TPlainCommand command;
+        command.Kind = kind;
+        for (TRows* rows : {&command.Inputs, &command.Outputs})
+            for (uint32_t i = rows == &command.Inputs ? inputs : outputs; i > 0; --i)
+                rows->push_back(Below(3) != 0   ? Below(14)
+                                : Below(2) != 0 ? RowTemp + Below(5)
+                                                : RowConstant + Below(3));
+        plain.push_back(command);
+        if (kind == 'c') {
+            const std::vector<uint8_t> block(outputs * 4);
+            stream.AddData(block.data(), static_cast<int>(block.size()));
+        }
+        const char* name = kind == 'c' ? "IdConstantEmitter" : kind == 'p' ? "IdPrune" : "IdAdd";
+        TPhaseStreams::Add(stream, name, command.Inputs, command.Outputs);
+    }
+
+    std::mt19937 Random;
+};
+
+void ExpectSame(const TCommandStream& stream, const TPlainStreams::TPlainStream& plain)
+{
+    ASSERT_EQ(stream.Commands.size(), static_cast<int>(plain.size()));
+    for (int i = 0; i < stream.Commands.size(); ++i) {
+        const TCommand& command = stream.Commands[i];
+        const TPlainStreams::TPlainCommand& expected = plain[static_cast<size_t>(i)];
+        ASSERT_EQ(TRows(command.Inputs.begin(), command.Inputs.end()), expected.Inputs) << i;
+        ASSERT_EQ(TRows(command.Outputs.begin(), command.Outputs.end()), expected.Outputs) << i;
+        ASSERT_EQ(command.Name == NameToCrc("IdPrune"), expected.Kind == 'p') << i;
+    }
+}
+} // namespace
+
+TEST(PreprocessStreams, GivesRandomStreamsWhatThePlainWayGives)
+{
+    int mostRows = 0;
+    for (unsigned seed = 1; seed <= 500; ++seed) {
+        SCOPED_TRACE(seed);
+        TRandomStreams random(seed);
+        const int rows = random.Streams.Preprocess();
+        ASSERT_EQ(rows, random.Plain.Preprocess());
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(random.Streams.Unpack, random.Plain.Unpack));
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(random.Streams.Execute, random.Plain.Execute));
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(random.Streams.Pack, random.Plain.Pack));
+        mostRows = std::max(mostRows, rows);
+    }
+    EXPECT_GT(mostRows, 15);
 }

@@ -1,4 +1,5 @@
 #include "particles/effectgraph/schedule/scheduletestnodes.h"
+#include "particles/effectgraph/schedule/slowschedule.h"
 
 #include <random>
 
@@ -14,8 +15,9 @@ public:
         const int count = 3 + Below(15);
         for (int i = 0; i < count; ++i) {
             TEffectNode* node = AddNode(i);
+            AddNumbers(node);
             for (int p = 0; p < node->GetNumInputs(); ++p)
-                if (Below(4) != 0)
+                if (Below(IsMaxAge(node, p) ? 2 : 4) != 0)
                     Connect(node, p);
             Made.push_back(node);
         }
@@ -25,13 +27,17 @@ public:
 private:
     int Below(int n) { return static_cast<int>(Random() % static_cast<unsigned>(n)); }
 
+    static bool IsMaxAge(const TEffectNode* node, int port)
+    {
+        return node->GetNodeType()->FindInput("Max Age") == port;
+    }
     TEffectNode* AddNode(int i)
     {
         const uint32_t flags = (Below(4) == 0 ? FL_PROCESSHINT : 0u) | (Below(5) == 0 ? FL_LASTHINT : 0u) |
                                static_cast<uint32_t>(Below(3)) << RenderPriorityShift;
         if (i == 0)
             return AddTrigger(Graph);
-        switch (Below(10)) {
+        switch (Below(13)) {
         case 0:
             return Graph.Node("Constant", TU_PROCESS, {}, {"Value"}, flags);
         case 1:
@@ -52,9 +58,19 @@ private:
         case 8:
             return Graph.Node("Trail", TU_RENDER, {{"Position", TY_VECTOR3}, "Size"},
                               {{"Position", TY_VECTOR3}}, flags);
+        case 9:
+        case 10:
+            return AddAge(Graph, static_cast<float>(Below(5)) * 1.5f - 1);
         default:
             return AddSprite(Graph, Below(3));
         }
+    }
+    void AddNumbers(TEffectNode* node)
+    {
+        if (Below(3) == 0)
+            Graph.Int(node, "Particle Count", Below(300));
+        if (Below(8) == 0)
+            Graph.Int(node, "Per frame max emission", Below(50));
     }
     void Connect(TEffectNode* node, int port)
     {
@@ -182,4 +198,76 @@ TEST(ScheduleOfRandomGraphs, DoesNotDependOnAddresses)
         ASSERT_EQ(MaskAddresses(TScheduled(first.Graph).Log), MaskAddresses(TScheduled(second.Graph).Log))
             << "seed " << seed;
     }
+}
+
+namespace {
+
+std::vector<int> Ints(const vector<int>& values)
+{
+    return std::vector<int>(values.begin(), values.end());
+}
+
+void CheckAttribute(const TGroupAttribute& attribute, const TSlowSchedule::TAttribute& slow)
+{
+    ASSERT_EQ(Text(attribute.Name), slow.Name);
+    ASSERT_EQ(attribute.Type, slow.Type);
+    ASSERT_EQ(attribute.Usage, slow.Usage);
+    ASSERT_EQ(attribute.Port, slow.Port);
+    ASSERT_EQ(attribute.ExternalGroup, slow.ExternalGroup);
+    ASSERT_EQ(attribute.ExternalAttrib, slow.ExternalAttrib);
+}
+
+void CheckGroup(const TScheduleGroup& group, const TSlowSchedule::TGroup& slow)
+{
+    ASSERT_EQ(group.IsTriggerGroup, slow.IsTriggerGroup);
+    ASSERT_EQ(group.ParticleCount, slow.ParticleCount);
+    ASSERT_EQ(group.MaxEmission, slow.MaxEmission);
+    ASSERT_EQ(group.MaxLifeTime, slow.MaxLifeTime);
+    ASSERT_EQ(group.TiedNodes.size(), static_cast<int>(slow.TiedNodes.size()));
+    for (int i = 0; i < group.TiedNodes.size(); ++i) {
+        const TSlowSchedule::TTied& tied = slow.TiedNodes[static_cast<size_t>(i)];
+        ASSERT_EQ(group.TiedNodes[i].Node, tied.Node);
+        ASSERT_EQ(Ints(group.TiedNodes[i].Inputs), tied.Inputs);
+        ASSERT_EQ(Ints(group.TiedNodes[i].Outputs), tied.Outputs);
+    }
+    ASSERT_EQ(group.Attributes.size(), static_cast<int>(slow.Attributes.size()));
+    for (int i = 0; i < group.Attributes.size(); ++i)
+        ASSERT_NO_FATAL_FAILURE(CheckAttribute(group.Attributes[i], slow.Attributes[static_cast<size_t>(i)]));
+}
+
+void CheckSchedule(const TScheduled& s, const TSlowSchedule& slow)
+{
+    ASSERT_EQ(s.Assertion, slow.Assertion);
+    ASSERT_EQ(s.Made, !slow.IsRefused && slow.Assertion.empty());
+    if (!s.Made)
+        return;
+    ASSERT_EQ(s.Schedule.GetNumNodes(), static_cast<int>(slow.Nodes.size()));
+    for (int i = 0; i < s.Schedule.GetNumNodes(); ++i)
+        ASSERT_EQ(s.Schedule.GetNodeUsage(i), slow.Usages[static_cast<size_t>(i)]);
+    ASSERT_EQ(s.Schedule.GetNumGroups(), static_cast<int>(slow.Groups.size()));
+    for (int i = 0; i < s.Schedule.GetNumGroups(); ++i)
+        ASSERT_NO_FATAL_FAILURE(CheckGroup(s.Schedule.GetGroup(i), slow.Groups[static_cast<size_t>(i)]));
+}
+
+} // namespace
+
+TEST(ScheduleOfRandomGraphs, IsWhatThePlainWayGives)
+{
+    int made = 0;
+    int lives = 0;
+    int dropped = 0;
+    for (unsigned seed = 1; seed <= 800; ++seed) {
+        SCOPED_TRACE(seed);
+        const TRandomGraph random(seed);
+        const TScheduled s(random.Graph);
+        const TSlowSchedule slow(random.Graph.GetGraph());
+        ASSERT_NO_FATAL_FAILURE(CheckSchedule(s, slow));
+        made += s.Made ? 1 : 0;
+        for (int i = 0; i < s.Schedule.GetNumGroups() && s.Made; ++i)
+            lives += s.Schedule.GetMaxLifeTime(i) != 0 ? 1 : 0;
+        dropped += slow.HasDropped() ? 1 : 0;
+    }
+    EXPECT_GT(made, 150);
+    EXPECT_GT(lives, 4);
+    EXPECT_GT(dropped, 300);
 }

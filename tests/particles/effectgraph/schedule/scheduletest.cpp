@@ -402,6 +402,24 @@ TEST(TEffectSchedule, AttributesAcrossGroupsAreNamedAndLinked)
     EXPECT_EQ(s.Schedule.GetAttributeExternalAttrib(1, 1), 0);
 }
 
+TEST(TEffectSchedule, AValueThroughTiedPortsIsNamedByTheRenderStage)
+{
+    TTestGraph g;
+    TEffectNode* emitter = AddFiredEmitter(g);
+    TEffectNode* force = AddForce(g);
+    TEffectNode* second = AddForce(g);
+    TEffectNode* sprite = AddSprite(g);
+    g.Wire(emitter, 0, force, 0);
+    g.Wire(force, 0, second, 0);
+    g.Wire(second, 0, sprite, 0);
+    const TScheduled s(g);
+    ASSERT_TRUE(s.Made) << s.Assertion;
+    const TTiedNode& tied = s.Schedule.GetGroup(1).TiedNodes[0];
+    ASSERT_EQ(tied.Node, s.Find(emitter));
+    EXPECT_EQ(Text(s.Schedule.GetAttributeName(1, tied.Outputs[0])), "Place");
+    EXPECT_EQ(s.Schedule.GetAttributeUsage(1, tied.Outputs[0]), TU_RENDER);
+}
+
 TEST(TEffectSchedule, IndicesOutOfRangeStop)
 {
     TTestGraph g;

@@ -141,6 +141,32 @@ TEST(TEmitter, TheEndOfTheLifeEndsTheEmission)
     EXPECT_EQ(bench.Counts(0.25f, 5), (TFloats{0, 5, 5, 0, 0}));
 }
 
+TEST(TEmitter, ANegativeLifeIsOverBeforeItBegins)
+{
+    TTriggerBench bench(Steady, 5, 1000);
+    bench.Limit(-0.25f);
+    bench.Set("Start Delay", {0.25f});
+    EXPECT_EQ(bench.Counts(0.25f, 3), (TFloats{0, 0, 0}));
+}
+
+TEST(TEmitter, AFrameWithoutTimeBurstsAndOwesNothingInSteadyMode)
+{
+    TTriggerBench burst(Burst, 7, 0);
+    EXPECT_EQ(burst.Counts(0, 3), (TFloats{7, 0, 0}));
+    TTriggerBench steady(Steady, 5, 1000);
+    EXPECT_EQ(steady.Counts(0, 3), (TFloats{0, 0, 0}));
+    EXPECT_EQ(steady.Counts(0.0005f, 1), (TFloats{1}));
+}
+
+TEST(TEmitter, ARebuildBeginsAnew)
+{
+    TTriggerBench bench(Burst, 7, 0);
+    EXPECT_EQ(bench.Counts(0.25f, 2), (TFloats{7, 0}));
+    EXPECT_EQ(bench.Init(), TTexts{});
+    EXPECT_EQ(bench.Counts(0.25f, 2), (TFloats{7, 0}));
+    EXPECT_EQ(bench.Writes(1), (std::vector<TFloats>{{0.25f}, {0.5f}}));
+}
+
 TEST(TEmitter, ALifeOfZeroDoesNotEndTheEmission)
 {
     TTriggerBench bench(Steady, 5, 1000);
@@ -296,6 +322,17 @@ TEST(TGrid, IsTransformedAndKeepsTheRotation)
     EXPECT_EQ(TFloats(write.begin() + 3, write.end()), (TFloats{0, 90, 0}));
 }
 
+TEST(TGrid, GoesOnWhereTheLastFrameStoppedUntilARebuild)
+{
+    const auto bench = MakeGrid(1, 1, 1, 3);
+    EXPECT_EQ(bench->Run(0.1f)[0], -1) << "the third of four, (-1, 1)";
+    EXPECT_EQ(bench->Run(0.1f)[0], 1) << "the second";
+    EXPECT_EQ(bench->Writes()[3], (TFloats{1, 0, 1, 0, 0, 0})) << "the fourth";
+    EXPECT_EQ(bench->Init(), TTexts{});
+    bench->Run(0.1f);
+    EXPECT_EQ(bench->Writes()[0], (TFloats{-1, 0, -1, 0, 0, 0}));
+}
+
 TEST(TGrid, WithoutDivisionsItsPointIsNoNumber)
 {
     const auto bench = MakeGrid(0, 0, 1, 2);
@@ -350,6 +387,25 @@ TEST(TSphereSurface, PutsRandomDirectionsOnTheScaledSphere)
         for (int i = 0; i < 3; ++i)
             EXPECT_EQ(position[static_cast<size_t>(i)], static_cast<float>(d[i] * (i + 2.0) + (i + 1.0)));
     }
+}
+
+TEST(TSphereSurface, IsScaledBeforeItTurns)
+{
+    const TSeeded seeded(12);
+    TNodeBench bench("TSphereSurface", {"Count", {"Transform", TF}, {"Scale", V3}, {"Turn", TF}},
+                     {{"Position", V3}, {"Normal", V3}}, TU_EMITTER);
+    bench.Set("Count", {1});
+    bench.Set("Transform", {1, 2, 3, 0, 0, 90});
+    bench.Set("Scale", {2, 5, 7});
+    const TFloats position = bench.Run(0.1f);
+    TRandom mirror = seeded.Mirror;
+    float d[3];
+    mirror.Direction(d, 0x10000);
+    // Turned about z, the long way along x goes along -y, and that along y along x.
+    const float expected[3] = {1 + 5 * d[1], 2 - 2 * d[0], 3 + 7 * d[2]};
+    for (size_t i = 0; i < 3; ++i)
+        EXPECT_NEAR(position[i], expected[i], 1e-5) << i;
+    EXPECT_EQ(bench.Writes(1)[0], TFloats(d, d + 3));
 }
 
 TEST(TVelocityCone, ANarrowConeFollowsItsAxis)
@@ -436,6 +492,32 @@ TEST(TVelocityCone, EveryStepIsRoundedToAFloat)
     }
 }
 
+TEST(TVelocityCone, AnAxisAsSteepAsItIsFlatCountsAsSteep)
+{
+    for (const float y : {1.0f, -1.0f}) {
+        const TSeeded seeded(6);
+        TNodeBench bench("TVelocityCone", {{"Dir", V3}, "Cos", "Min", "Max"}, {{"V", V3}});
+        bench.Set("Dir", {1, y, 1});
+        bench.Set("Min", {1});
+        bench.Set("Max", {1});
+        TRandom mirror = seeded.Mirror;
+        const double u = mirror.Unit(0x10000);
+        const double s = std::sqrt(1 - u * u);
+        const double phi = 2 * 3.1415927 * mirror.Unit(0x10000);
+        // Across the axis: (0, -z, y), and that times the axis.
+        const double half = std::sqrt(0.5);
+        const double a[3] = {0, -half, half * y};
+        const double v[3] = {1, static_cast<double>(y), 1};
+        const TFloats velocity = bench.Run();
+        for (size_t i = 0; i < 3; ++i) {
+            const size_t j = (i + 1) % 3;
+            const size_t k = (i + 2) % 3;
+            const double b = a[j] * v[k] - a[k] * v[j];
+            EXPECT_NEAR(velocity[i], std::sin(phi) * s * a[i] + u * v[i] + std::cos(phi) * s * b, 1e-5) << i;
+        }
+    }
+}
+
 TEST(TVelocityCone, AZeroDirectionGivesNoNumber)
 {
     TNodeBench bench("TVelocityCone", {{"Dir", V3}, "Cos", "Min", "Max"}, {{"V", V3}});
@@ -471,6 +553,26 @@ TEST(TRandomEmitter, DrawsEachComponentBetweenItsBounds)
             expected.push_back(
                 static_cast<float>(mirror.Unit(0x10000) * (static_cast<double>(high[c]) - low[c]) + low[c]));
         ASSERT_EQ(bench.Run(), expected);
+    }
+}
+
+// The draws are as many as the wired value has components.
+TEST(TRandomEmitter, AWireThatConvertsDecidesHowManyAreDrawn)
+{
+    const TSeeded seeded(24);
+    TNodeBench wider("TRandomEmitter", {{"Low", V3}, {"High", V3}}, {{"Value", V3}}, TU_TRIGGER);
+    wider.WireFrom({"Number", TY_SCALAR}, {2}, 0);
+    wider.Set("High", {5, 5, 5});
+    TRandom mirror = seeded.Mirror;
+    for (int frame = 0; frame < 3; ++frame)
+        EXPECT_EQ(wider.Run(), (TFloats{static_cast<float>(mirror.Unit(0x10000) * 3.0 + 2.0), 0, 0}));
+    TNodeBench narrower("TRandomEmitter", {"Low", "High"}, {"Value"}, TU_TRIGGER);
+    narrower.WireFrom({"Vector", V3}, {0, 3, 4}, 0);
+    narrower.Set("High", {7});
+    for (int frame = 0; frame < 3; ++frame) {
+        EXPECT_EQ(narrower.Run(), TFloats{static_cast<float>(mirror.Unit(0x10000) * 2.0 + 5.0)});
+        mirror.Next();
+        mirror.Next();
     }
 }
 

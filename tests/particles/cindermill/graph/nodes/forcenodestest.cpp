@@ -178,6 +178,38 @@ TEST(TDamping, ALongFrameFlipsTheSign)
     EXPECT_EQ(bench.Run(4), (TFloats{-1, -2, -3}));
 }
 
+// The second half of a transform is a rotation's speed, which these leave alone.
+TEST(ForceNodes, KeepTheSecondHalfOfATransform)
+{
+    const TFloats velocity = {1, 2, 3, 4, 5, 6};
+    TNodeBench wind("TWind", {{"V", TF}, {"W", V3}, "S"}, {{"V", TF}});
+    wind.Set("V", velocity);
+    wind.Set("W", {1, 2, 3});
+    wind.Set("S", {2});
+    EXPECT_EQ(wind.Run(0.5f), (TFloats{2, 4, 6, 4, 5, 6}));
+    TNodeBench attractor("TAttractor", {{"P", TF}, {"V", TF}, {"A", V3}, "S"}, {{"V", TF}});
+    attractor.Set("P", {0, 0, 0, 90, 90, 90});
+    attractor.Set("V", velocity);
+    attractor.Set("A", {1, 1, 1});
+    attractor.Set("S", {2});
+    EXPECT_EQ(attractor.Run(0.5f), (TFloats{2, 3, 4, 4, 5, 6}));
+    TNodeBench turbulence("TTurbulence", {{"V", TF}, "S"}, {{"V", TF}});
+    turbulence.Set("V", velocity);
+    turbulence.Set("S", {1});
+    const TFloats pushed = turbulence.Run(0.5f);
+    EXPECT_NE(TFloats(pushed.begin(), pushed.begin() + 3), (TFloats{1, 2, 3}));
+    EXPECT_EQ(TFloats(pushed.begin() + 3, pushed.end()), (TFloats{4, 5, 6}));
+    TNodeBench plane("TCollisionPlane",
+                     {{"P", TF}, {"V", TF}, {"Plane", TF}, {"Size", TY_SCALE}, "Bounce", "Unused"},
+                     {{"P", TF}, {"V", TF}, "Hit"});
+    plane.Set("P", {0, 1, 0, 7, 8, 9});
+    plane.Set("V", {0, -4, 0, 4, 5, 6});
+    plane.Set("Size", {1, 1});
+    plane.Set("Bounce", {1});
+    EXPECT_EQ(plane.Run(0.5f, 1), (TFloats{0, 4, 0, 4, 5, 6}));
+    EXPECT_EQ(plane.Writes(0).back(), (TFloats{0, 1, 0, 7, 8, 9}));
+}
+
 TEST(TAttractor, PullsLikeASpring)
 {
     TNodeBench bench("TAttractor", {{"P", V3}, {"V", V3}, {"A", V3}, "S"}, {{"V", V3}});
@@ -223,6 +255,29 @@ TEST(TCollisionPlane, TheReflectionIsMovedLikeAPoint)
     EXPECT_EQ(bench.Run(0.5f, 1), (TFloats{11, 24, 30}));
 }
 
+TEST(TCollisionPlane, ATurnedPlaneIsScaledBeforeItTurns)
+{
+    // About z by 90 degrees: the side along x lies along -y, and what faced up faces along x.
+    TPlaneBench bench;
+    bench.Set("Plane", {0, 0, 0, 0, 0, 90});
+    bench.Set("Size", {3, 1});
+    bench.Set("P", {1, 2.5f, 0});
+    bench.Set("V", {-4, 0.25f, 0.5f});
+    ASSERT_TRUE(bench.Hits());
+    const TFloats velocity = bench.Writes(1).back();
+    const TFloats expected = {4, 0.25f, 0.5f};
+    for (size_t i = 0; i < 3; ++i)
+        EXPECT_NEAR(velocity[i], expected[i], 1e-5) << i;
+    bench.Set("V", {4, 0.25f, 0.5f});
+    EXPECT_FALSE(bench.Hits());
+    bench.Set("V", {-4, 0, 0});
+    bench.Set("P", {1, 0, 2.5f});
+    EXPECT_FALSE(bench.Hits());
+    bench.Set("P", {-1, 0, 0});
+    bench.Set("V", {4, 0, 0});
+    EXPECT_FALSE(bench.Hits());
+}
+
 TEST(TCollisionPlane, MissesOutsideItsSquare)
 {
     TPlaneBench bench;
@@ -257,6 +312,33 @@ TEST(TCollisionPlane, AParticleInThePlaneHits)
     EXPECT_TRUE(bench.Hits());
     bench.Set("P", {0, -0.0011f, 0});
     EXPECT_FALSE(bench.Hits());
+}
+
+// What rises slowly enough to stay in the plane hits it, as long as the place where it was in it is in range.
+TEST(TCollisionPlane, AParticleThatRisesWithinThePlaneHits)
+{
+    TPlaneBench bench;
+    bench.Set("P", {0, 0.0005f, 0});
+    bench.Set("V", {0.1f, 0.0005f, 0});
+    EXPECT_TRUE(bench.Hits());
+    EXPECT_LT(bench.Writes(1).back()[1], 0) << "turned back into the plane";
+    bench.Set("V", {0.1f, 0.0015f, 0});
+    EXPECT_FALSE(bench.Hits());
+    bench.Set("V", {2, 0.0005f, 0});
+    EXPECT_FALSE(bench.Hits());
+}
+
+TEST(TCollisionPlane, WhatIsNoNumberHitsNothing)
+{
+    TPlaneBench bench;
+    for (const char* input : {"P", "V"}) {
+        TPlaneBench odd;
+        odd.Set(input, {std::nanf(""), std::nanf(""), std::nanf("")});
+        EXPECT_FALSE(odd.Hits());
+    }
+    bench.Set("Plane", {0, std::nanf(""), 0, 0, 0, 0});
+    EXPECT_FALSE(bench.Hits());
+    EXPECT_EQ(bench.Writes(1).back(), (TFloats{1, -4, 0}));
 }
 
 TEST(TCollisionPlane, AFrameWithoutTimeReflectsNothing)
@@ -297,11 +379,26 @@ TEST(TAge, WithoutAMaximumAParticleLivesOnlyAFrameWithoutTime)
 TEST(TAge, TwoOnAGroupListAParticleTwice)
 {
     TAgeBench bench("TAge");
-    bench.Graph.InputValue(bench.Age, "Max Age", {0.25f});
-    bench.Graph.InputValue(bench.Last, "Max Age", {0});
-    bench.Run(0);
+    bench.Graph.InputValue(bench.Age, "Max Age", {0.5f});
+    bench.Graph.InputValue(bench.Last, "Max Age", {0.75f});
+    bench.Graph.InputValue(bench.Emitter, "Count", {1});
+    EXPECT_EQ(bench.Run(0.375f), 1);
+    bench.Graph.InputValue(bench.Emitter, "Count", {4});
+    // Both end the oldest of five; the second death takes one of the young.
+    EXPECT_EQ(bench.Run(0.25f), 3);
     bench.Graph.InputValue(bench.Emitter, "Count", {0});
-    EXPECT_EQ(bench.Run(0.5f), 0);
+    // Both end all that are left, which is no more than there are.
+    EXPECT_EQ(bench.Run(2), 0);
+}
+
+TEST(TAge, NoNumberEndsNothing)
+{
+    TAgeBench bench("TEffectExecNode");
+    bench.Graph.InputValue(bench.Age, "Max Age", {std::nanf("")});
+    EXPECT_EQ(bench.Run(5), 3);
+    TAgeBench aged("TEffectExecNode");
+    aged.Graph.InputValue(aged.Age, "Age", {std::nanf("")});
+    EXPECT_EQ(aged.Run(5), 3);
 }
 
 TEST(TPrune, EndsParticlesByTheirFlag)

@@ -112,6 +112,18 @@ TEST(TAdd, ConvertsTheSecondValueToTheFirstsType)
     EXPECT_EQ(length.Run(), TFloats{6});
 }
 
+// What counts are the components of the wired value; the others are as the wire converts them.
+TEST(ComponentMaths, AWireThatConvertsDecidesHowManyComponentsCount)
+{
+    for (const bool isSum : {true, false}) {
+        TNodeBench bench(isSum ? "TAdd" : "TMultiply", {{"A", V3}, {"B", V3}}, {{"Result", V3}}, TU_TRIGGER);
+        bench.WireFrom({"Number", TY_SCALAR}, {2}, 0);
+        bench.Set("B", {3, 0, 4});
+        // For a sum the vector becomes a number too, its length.
+        EXPECT_EQ(bench.Run(), (TFloats{isSum ? 7.0f : 6.0f, 2, 2}));
+    }
+}
+
 TEST(TMultiply, OfAColourByAScaleRepeatsTheScale)
 {
     TNodeBench bench("TMultiply", {{"A", TY_COLOUR}, {"B", TY_SCALE}}, {{"Product", TY_COLOUR}});
@@ -248,6 +260,15 @@ TEST(TNoise, TheSeedIsDrawnInInitUnlessFixed)
     EXPECT_EQ(second.At(1, 2, 3), TFloats{Corner(1, 2, 3, 0, mirror.NextUnsigned())});
 }
 
+TEST(TNoise, TheFixedSeedIsReadInEveryFrame)
+{
+    TNoiseBench bench(TY_SCALAR);
+    EXPECT_EQ(bench.At(1, 2, 3), TFloats{Corner(1, 2, 3, 0, 77)});
+    TNodeType* type = bench.Node->GetNodeType();
+    type->FindParameterOf<TNodeIntParameter>("Fixed Seed.Random Seed", PK_INT)->SetValue(-5);
+    EXPECT_EQ(bench.At(1, 2, 3), TFloats{Corner(1, 2, 3, 0, static_cast<uint32_t>(-5))});
+}
+
 TEST(TNoise, FarPositionsDoNotTrap)
 {
     TNoiseBench bench(TY_SCALAR);
@@ -310,6 +331,24 @@ TEST(TShaper, NoNumberCountsAsTheStart)
     bench.Set("Life", {0});
     EXPECT_EQ(bench.At(0), 0);
     EXPECT_EQ(bench.At(1), 2);
+}
+
+TEST(TShaper, ANegativeLifeIsTheStart)
+{
+    TShaperBench bench(StraightRamp);
+    bench.Set("Life", {-1});
+    EXPECT_EQ(bench.At(0.5f), 0);
+    EXPECT_NEAR(bench.At(-0.5f), 1, 1e-5);
+}
+
+// By the ramp's own length: half of the life is half a second of two.
+TEST(TShaper, ALongerRampIsReadInItsOwnTime)
+{
+    TShaperBench bench(
+        "<Ramp><name>Value</name><type>scalar</type><defaultvalues>{0,0},{2,4}</defaultvalues></Ramp>");
+    EXPECT_NEAR(bench.At(0.5f), 1, 1e-4);
+    EXPECT_NEAR(bench.At(1), 2, 1e-4);
+    EXPECT_EQ(bench.At(2), 4);
 }
 
 TEST(TShaper, ARampOfZeroDurationHasItsEndValueEverywhere)
@@ -392,6 +431,27 @@ TEST(TAnimatedTexture, PingPongOfASingleTileDoesNotTrap)
 {
     TTextureBench bench(4, 1, 1, 2);
     EXPECT_EQ(bench.TileAt(3), 0);
+}
+
+TEST(TAnimatedTexture, ATimeRangeOfZeroHasNoTileToGoTo)
+{
+    // No number, and one that is too large, are the smallest whole number.
+    TTextureBench clamped(4, 1, 4, 0);
+    TTextureBench looped(4, 1, 3, 1);
+    for (TTextureBench* bench : {&clamped, &looped})
+        bench->Node->GetNodeType()
+            ->FindParameterOf<TNodeScalarParameter>("Time Range", TY_SCALAR)
+            ->SetValue(std::vector<float>{0}.data());
+    for (const float time : {-1.0f, 0.0f, 1.0f}) {
+        EXPECT_EQ(clamped.TileAt(time), 0);
+        EXPECT_EQ(looped.TileAt(time), -2147483648LL % 3 % 4);
+    }
+}
+
+TEST(TAnimatedTexture, PingPongKeepsTheSignOfItsFrame)
+{
+    TTextureBench bench(4, 1, 4, 2);
+    EXPECT_EQ(bench.TileAt(-0.3f), -1);
 }
 
 TEST(TAnimatedTexture, TheRowIsFoundByTheWrongDivisor)

@@ -100,6 +100,17 @@ TNodeBench::~TNodeBench()
     Exec.Clear();
 }
 
+void TNodeBench::WireFrom(const TTestPort& port, const TFloats& value, int input)
+{
+    TEffectNode* source = Graph.Node("Source", TU_TRIGGER, {{"From", port.Type}}, {port});
+    TEffectNode* other = Graph.Node("Other", TU_PROCESS, {port}, {});
+    Graph.Class(source, "TConstant");
+    Graph.Class(other, "TEffectExecNode");
+    Graph.InputValue(source, "From", value);
+    Graph.Wire(source, 0, other, 0);
+    Graph.Wire(source, 0, Node, input);
+}
+
 TTexts TNodeBench::Init()
 {
     CreateSchedule(Schedule, Graph);

@@ -21,6 +21,9 @@ public:
     // Schedules the graph and makes the nodes; the errors of the latter.
     TTexts Init();
     void Set(const char* input, const TFloats& value) { Graph.InputValue(Node, input, value); }
+    // Wires an input of a trigger to a constant that a process takes too, whose port decides the value's name
+    // and type: the wire to the tested node converts it.
+    void WireFrom(const TTestPort& port, const TFloats& value, int input);
     // Init, once, then a frame; what the frame's last write gave output `port`.
     TFloats Run(float dt = 0, int port = 0);
     // All writes to the port since Init, oldest first.

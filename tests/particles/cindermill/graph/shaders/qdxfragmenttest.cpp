@@ -376,6 +376,21 @@ TEST(QdxFragment, FlowWords)
         EXPECT_EQ("", FragmentBody({Flow(flow)}));
 }
 
+TEST(QdxFragment, FlowFieldsEndAtTheirNeighbours)
+{
+    EXPECT_EQ("CAL TR,0x1fffffff;\n", FragmentBody({Flow(1, 0x1FFFFFFFu << 2)}));
+    EXPECT_EQ("LOOP {255,0,0};\n", FragmentBody({Flow(3, 0xFFu << 2)}));
+    EXPECT_EQ("LOOP {0,255,0};\n", FragmentBody({Flow(3, 0xFFu << 10)}));
+    EXPECT_EQ("LOOP {0,0,255};\n", FragmentBody({Flow(3, 0xFFu << 19)}));
+    EXPECT_EQ("LOOP {0,0,0};\n", FragmentBody({Flow(3, 1u << 18 | 15u << 27)}));
+    EXPECT_EQ("REP 255;\n", FragmentBody({Flow(4, 0x1FFFFFFFu << 2)}));
+    // Ends that lie far behind the program close nothing.
+    const uint32_t far = 0x10000001u << 2;
+    EXPECT_EQ("IF TR;\nMOV R1,fragment.color.primary;\n", FragmentBody({Flow(2, far, far), MovTo(1)}));
+    EXPECT_EQ("REP 0;\n", FragmentBody({Flow(4, 0, far)}));
+    EXPECT_EQ("LOOP {0,0,0};\n", FragmentBody({Flow(3, 0, far)}));
+}
+
 TEST(QdxFragment, FlowConditions)
 {
     const char* texts[] = {"BRK (LT.y);\n",       "CAL LT.y,0x0;\n", "IF LT.y;\n",
@@ -405,6 +420,10 @@ TEST(QdxFragment, BlocksEndAtTheirPositions)
     EXPECT_EQ("IF TR;\n" + line + "ENDIF;\n" + line, FragmentBody({Flow(2, 2 << 2, 2 << 2), mov, mov}));
     EXPECT_EQ("LOOP {1,0,0};\nREP 2;\n" + line + "ENDLOOP;\nENDREP;\n",
               FragmentBody({Flow(3, 1 << 2, 3 << 2), Flow(4, 2 << 2, 3 << 2), mov}));
+    EXPECT_EQ("IF TR;\nLOOP {1,0,0};\nREP 2;\n" + line + "ENDLOOP;\nENDREP;\nENDIF;\n",
+              FragmentBody({Flow(2, 9 << 2, 4 << 2), Flow(3, 1 << 2, 4 << 2), Flow(4, 2 << 2, 4 << 2), mov}));
+    EXPECT_EQ("IF TR;\nREP 2;\n" + line + "ENDREP;\nELSE;\n" + line + "ENDIF;\n",
+              FragmentBody({Flow(2, 3 << 2, 4 << 2), Flow(4, 2 << 2, 3 << 2), mov, mov}));
     EXPECT_EQ("REP 2;\nENDREP;\n", FragmentBody({Flow(4, 2 << 2, 1 << 2)}));
     TFragmentCode literal = MovTo(1);
     literal.Sources[0] = Literal();
@@ -522,6 +541,19 @@ TEST(QdxFragment, TextureReadRecord)
     EXPECT_EQ("2D  ;", text.substr(static_cast<size_t>(read.TargetPos), 5));
 }
 
+TEST(QdxFragment, TextureReadKeepsThreeBitsOfTheSecondSourcesWord)
+{
+    for (int bit = 16; bit < 24; ++bit) {
+        std::string bytes = FragmentBytes({Code(Tex, 1)});
+        // Bits 16 to 23 of a word lie in its last byte.
+        bytes[11] = static_cast<char>(bytes[11] | 1 << (bit - 16));
+        TQdxFragmentProgram program;
+        ASSERT_TRUE(program.Translate(Raw(bytes), static_cast<int>(bytes.size())));
+        const uint32_t coord = program.GetTextureReads()[0].Coord;
+        EXPECT_EQ(bit >= 19 && bit <= 21 ? 1u << bit : 0u, coord & (31u << 18)) << bit;
+    }
+}
+
 TEST(QdxFragment, TxdTurnsItsThirdSource)
 {
     TFragmentCode txd = Code(Txd, 1);
@@ -530,6 +562,20 @@ TEST(QdxFragment, TxdTurnsItsThirdSource)
     EXPECT_EQ(" \nTXD R1,_t,R3,-R4,texture[0],2D  ;\n", FragmentBody({txd}));
     txd.Sources[2].Negate = true;
     EXPECT_EQ(" \nTXD R1,_t,R3,R4,texture[0],2D  ;\n", FragmentBody({txd}));
+}
+
+TEST(QdxFragment, TranslationLeavesTheMicrocodeAsItIs)
+{
+    TFragmentCode txd = Code(Txd, 1);
+    txd.Sources[2] = Temp(4);
+    const std::string bytes = FragmentBytes({txd});
+    const std::string before = bytes;
+    for (int i = 0; i < 2; ++i) {
+        TQdxFragmentProgram program;
+        ASSERT_TRUE(program.Translate(Raw(bytes), static_cast<int>(bytes.size())));
+        EXPECT_NE(std::string::npos, Text(program.GetText()).find(",-R4,texture[0],2D  ;\n"));
+    }
+    EXPECT_EQ(before, bytes);
 }
 
 TEST(QdxFragment, VariantsFitByModeOnlyWhereThePositionIsUsed)

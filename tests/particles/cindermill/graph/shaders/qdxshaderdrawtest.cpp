@@ -330,6 +330,21 @@ TEST_F(QdxShaderDraw, ARefusedFragmentProgramIsLoggedOnceAndTheRunGoesOn)
     EXPECT_TRUE(IsClose(Draw(vertex, good, Green), {0, 255, 0, 255}));
 }
 
+TEST_F(QdxShaderDraw, AnErrorOfOpenGLWhileBindingIsLoggedAndFatalUnlessItIsAnInvalidOperation)
+{
+    TShaderOf fragment(PlainFragmentFile());
+    ASSERT_TRUE(fragment.Bind());
+    std::string assertion;
+    glEnable(0xFFFF);
+    EXPECT_EQ(LogOf([&] { assertion = AssertionOf([&] { fragment.Bind(); }); }), "OpenGL error 0x500\n");
+    EXPECT_EQ(assertion.find("err == GL_NO_ERROR || err == GL_INVALID_OPERATION"), 0u) << assertion;
+    glEnd();
+    EXPECT_EQ(LogOf([&] { assertion = AssertionOf([&] { EXPECT_TRUE(fragment.Bind()); }); }), "");
+    EXPECT_EQ(assertion, "");
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    fragment.Unbind();
+}
+
 TEST_F(QdxShaderDraw, TheDriverIsGivenOptionsThatItKnowsOnly)
 {
     TShaderOf vertex(VertexFile(256));

@@ -1,9 +1,7 @@
 #include "particles/cindermill/graph/shaders/qdxvertexprogram.h"
 #include "particles/cindermill/graph/shaders/qdxvertexranges.h"
-#include "particles/cindermill/graph/shaders/qdxvertexstore.h"
 #include "particles/cindermill/graph/shaders/swizzletext.h"
-#include "qdxmicrocode.h"
-#include "support/testsupport.h"
+#include "qdxvertexfixture.h"
 
 #include <random>
 #include <regex>
@@ -11,84 +9,6 @@
 #include <sstream>
 
 namespace {
-
-enum
-{
-    Mov = 1,
-    Mul = 2,
-    Add = 3,
-    Mad = 4,
-    Arl = 13,
-    Ara = 24,
-    Txl = 25
-};
-enum
-{
-    Rcp = 2,
-    Bra = 9,
-    Cal = 11,
-    Ret = 12,
-    PushA = 19,
-    PopA = 20
-};
-
-TVertexOperand InputOperand()
-{
-    TVertexOperand operand;
-    operand.Type = 2;
-    return operand;
-}
-
-TVertexOperand ConstantOperand()
-{
-    TVertexOperand operand;
-    operand.Type = 3;
-    return operand;
-}
-
-TVertexOperand TempOperand(int reg)
-{
-    TVertexOperand operand;
-    operand.Register = reg;
-    return operand;
-}
-
-TVertexCode Vector(int opcode, int temporary = 0)
-{
-    TVertexCode code;
-    code.Vector = opcode;
-    code.VectorTemporary = temporary;
-    for (TVertexOperand& source : code.Sources)
-        source = InputOperand();
-    return code;
-}
-
-TVertexCode Scalar(int opcode, int temporary = 0)
-{
-    TVertexCode code = Vector(0);
-    code.Scalar = opcode;
-    code.ScalarTemporary = temporary;
-    return code;
-}
-
-TVertexCode Branch(int opcode, int target)
-{
-    TVertexCode code = Vector(0);
-    code.Scalar = opcode;
-    code.Target = target;
-    return code;
-}
-
-TVertexCode MovConstant(int slot, bool isRelative = false)
-{
-    TVertexCode code = Vector(Mov);
-    code.Sources[0] = ConstantOperand();
-    code.Constant = slot;
-    code.ConstantRelative = isRelative;
-    return code;
-}
-
-const std::string Header = "!!ARBvp1.0\nOPTION NV_vertex_program3;\n";
 
 std::string RangesText(const TQdxVertexRanges& ranges)
 {
@@ -447,6 +367,10 @@ TEST(QdxVertex, LabelsFollowTheCountOfOperations)
     EXPECT_EQ("label0:\nBRA label0 (TR);\nBRA label1 (TR);\n",
               VertexBody({Branch(Bra, 0), Branch(Bra, 511)}));
     EXPECT_EQ("BRA label0 (TR);\nlabel0:\nNOP\n", VertexBody({Branch(Bra, 1), Vector(0)}));
+    // One behind the last operation stands there only if that is a vector one.
+    EXPECT_EQ("BRA label0 (TR);\nMOV R1,vertex.attrib[0];\nlabel0:\n",
+              VertexBody({Branch(Bra, 2), Vector(Mov, 1)}));
+    EXPECT_EQ("BRA label0 (TR);\nRCP R1,vertex.attrib[0];\n", VertexBody({Branch(Bra, 2), Scalar(Rcp, 1)}));
 }
 
 TEST(QdxVertex, LabelsAreSortedAndKeptOnce)
@@ -570,89 +494,6 @@ TEST(QdxVertex, UnusedOperandsEnterNothing)
     EXPECT_EQ(std::string::npos, VertexText({code}).find("PARAM"));
     code.Sources[2] = ConstantOperand();
     EXPECT_NE(std::string::npos, VertexText({code}).find(" program.env[77]\n"));
-}
-
-TEST(QdxVertexStore, LoadingAtSlot544IsFatal)
-{
-    TQdxVertexStore store;
-    const std::string one(16, 0);
-    store.SetLoadSlot(543);
-    store.LoadInstructions(Raw(one), 1);
-    EXPECT_EQ(544, store.GetLoadSlot());
-    EXPECT_EQ("m_loadSlot < 544", AssertionOf([&] { store.LoadInstructions(Raw(one), 1); }));
-    store.SetLoadSlot(0);
-    const std::string whole(16 * 545, 0);
-    store.LoadInstructions(Raw(whole), 544);
-    store.SetLoadSlot(0);
-    EXPECT_EQ("m_loadSlot < 544", AssertionOf([&] { store.LoadInstructions(Raw(whole), 545); }));
-}
-
-TEST(QdxVertexStore, TwoLoadsOfTheSameWordsGiveOneProgram)
-{
-    TQdxVertexStore store;
-    TVertexCode last = Vector(Mov, 2);
-    last.Last = true;
-    const std::string first = VertexBytes({Vector(Mov, 1), last});
-    const std::string second = VertexBytes({last});
-    store.LoadInstructions(Raw(first), 2);
-    TQdxVertexProgram* program = store.GetProgram();
-    EXPECT_EQ(2, program->GetSize());
-    EXPECT_EQ(program, store.GetProgram());
-    store.LoadInstructions(Raw(second), 1);
-    EXPECT_EQ(3, store.GetLoadSlot());
-    store.SetStartSlot(2);
-    TQdxVertexProgram* other = store.GetProgram();
-    EXPECT_NE(program, other);
-    EXPECT_EQ(1, other->GetSize());
-    // The second instruction of the first program is the whole of the second.
-    store.SetStartSlot(1);
-    EXPECT_EQ(other, store.GetProgram());
-    store.SetLoadSlot(10);
-    store.LoadInstructions(Raw(first), 2);
-    store.SetStartSlot(10);
-    EXPECT_EQ(program, store.GetProgram());
-}
-
-TEST(QdxVertexStore, LoadingAtTheStartSlotUnsetsTheProgram)
-{
-    TQdxVertexStore store;
-    TVertexCode last = Vector(Mov, 1);
-    last.Last = true;
-    const std::string first = VertexBytes({last});
-    last.VectorTemporary = 2;
-    const std::string second = VertexBytes({last});
-    store.LoadInstructions(Raw(first), 1);
-    TQdxVertexProgram* program = store.GetProgram();
-    store.SetLoadSlot(0);
-    store.LoadInstructions(Raw(second), 1);
-    EXPECT_NE(program, store.GetProgram());
-}
-
-TEST(QdxVertexStore, AProgramWithoutEndRunsToTheLastSlot)
-{
-    TQdxVertexStore store;
-    store.SetStartSlot(540);
-    EXPECT_EQ(4, store.GetProgram()->GetSize());
-    store.SetStartSlot(543);
-    EXPECT_EQ(1, store.GetProgram()->GetSize());
-}
-
-TEST(QdxVertexStore, HashIsTheExclusiveOrOfAllWords)
-{
-    TVertexInstruction code[2];
-    for (int i = 0; i < 8; ++i)
-        code[i / 4].Words[i % 4] = 1u << i;
-    EXPECT_EQ(0x12345678u ^ 0xFFu, TQdxVertexProgram::HashCode(code, 2));
-    EXPECT_EQ(0x12345678u, TQdxVertexProgram::HashCode(code, 0));
-}
-
-TEST(QdxVertexStore, WordsAreSwappedFromTheFilesOrder)
-{
-    TQdxVertexStore store;
-    TVertexCode last = Vector(Mov, 1);
-    last.Last = true;
-    store.LoadInstructions(Raw(VertexBytes({last})), 1);
-    EXPECT_EQ(Header + "TEMP R1;\nMOV R1,vertex.attrib[0];\nEND\n", Text(store.GetProgram()->GetText()));
 }
 
 namespace {
