@@ -2,8 +2,23 @@
 
 #include "library/wimp/wimp.h"
 
+#include <QtCore/QPointer>
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
+
+// That had the keys last, no modal dialog.
+static QPointer<QWidget> LastWindow;
+
+void WatchKeyWindows(QApplication& application)
+{
+    QObject::connect(&application, &QApplication::focusChanged, [](QWidget*, const QWidget* now) {
+        QWidget* window = now != nullptr ? now->window() : nullptr;
+        while (window != nullptr && window->isModal())
+            window = window->parentWidget() != nullptr ? window->parentWidget()->window() : nullptr;
+        if (window != nullptr)
+            LastWindow = window;
+    });
+}
 
 QWidget* ModalParent()
 {
@@ -16,6 +31,8 @@ QWidget* ModalParent()
     if (window != nullptr)
         return window;
     // None has the keys at the moment: one has just gone, or another program is in front.
+    if (LastWindow != nullptr && LastWindow->isVisible())
+        return LastWindow;
     const QWidget* client = TWimp::Get().GetMDIClient();
     QWidget* main = client != nullptr ? client->window() : nullptr;
     return main != nullptr && main->isVisible() ? main : nullptr;

@@ -7,8 +7,12 @@
 
 // This header shows the window system: only the framework includes it.
 
+class QApplication;
+
 // The window that a dialog stands in front of, or null.
 QWidget* ModalParent();
+// For a moment in which no window has the keys, as after a dialog: who asked that may ask again.
+void WatchKeyWindows(QApplication& application);
 
 // What a window of its own can have of its screen, a frame left out.
 QSize GetScreenRoom(const QWidget& window);

@@ -7,6 +7,7 @@
 #include "library/wimp/fieldmenus.h"
 #include "library/wimp/focusstyle.h"
 #include "library/wimp/keyboardshortcut.h"
+#include "library/wimp/modal.h"
 #include "library/wimp/windowpeer.h"
 
 #include <QtCore/QAbstractEventDispatcher>
@@ -97,6 +98,7 @@ bool TWimp::Init(int& argc, char** argv)
     new TDesktopTheme(found);
     InstallAccessibleWindows();
     InstallFieldMenus(*application);
+    WatchKeyWindows(*application);
     Instance = application;
     Flags |= FL_INITED;
     SetAssertBox(ShowAssertBox);

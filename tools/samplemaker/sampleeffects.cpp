@@ -203,37 +203,6 @@ void MakeFlipbook(TSampleBuilder& effect)
         .Wire("Value", stage, "Colour");
 }
 
-// Streaks that bounce off the ground; each has a life of its own, which its colours follow.
-void MakeSparks(TSampleBuilder& effect)
-{
-    const TSampleNode trigger = AddTrickle(effect, 90, 8);
-    const TSampleNode source = AddPoint(effect, 240, -0.8f, 1.2f, 0);
-    const TSampleNode cone = AddCone(effect, {0.8f, 0.6f, 0}, 0.9f, 0.8f, 2.2f);
-    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -5, 0});
-    const TSampleNode floor = effect.Add("Collision Plane").Set("Size", {3, 3}).Set("Bounce", {0.6f});
-    const TSampleNode integrate = effect.Add("Integrate");
-    const TSampleNode life = effect.Add("Random Value");
-    const TSampleNode age = effect.Add("Age");
-    const TSampleNode stage = AddTrails(effect, 0.022f, 0.12f);
-    trigger.Wire("Count", source, "Emission Trigger");
-    cone.Wire("Velocity", gravity, "Velocity");
-    source.Wire("Start Transform", floor, "Position");
-    gravity.Wire("Velocity", floor, "Velocity");
-    floor.Wire("Position", integrate, "Position");
-    floor.Wire("Velocity", integrate, "Velocity");
-    integrate.Wire("Position", stage, "Position");
-    floor.Wire("Velocity", stage, "Velocity");
-    life.Wire("Value", age, "Max Age");
-    const TSampleNode colours = AddColours(effect, age, 2,
-                                           {{0, 1, 0.85f, 0.35f, 1},
-                                            {0.3f, 1, 0.55f, 0.05f, 1},
-                                            {0.75f, 0.9f, 0.2f, 0.05f, 0.9f},
-                                            {1, 0.4f, 0.05f, 0.02f, 0}});
-    life.Wire("Value", colours, "Life");
-    colours.Wire("Value", stage, "Colour");
-    life.Set("Low", {1.2f}).Set("High", {2.4f});
-}
-
 // A floor of tiles that rise in rows and turn about themselves.
 void MakeTiles(TSampleBuilder& effect)
 {
@@ -296,28 +265,30 @@ void MakeAura(TSampleBuilder& effect)
     AddColours(effect, age, 2, {{0, 0.6f, 0.9f, 1, 0}, {0.25f, 0.6f, 0.9f, 1, 0.9f}, {1, 0.9f, 0.5f, 1, 0}})
         .Wire("Value", light, "Colour");
 
-    // What it shines out of: lights that come and go, of which there is always one.
+    // What it shines out of: lights that take turns, so that as much comes as goes.
     const TSampleNode beat = AddTrickle(effect, 0.5f, 1);
     const TSampleNode middle = AddPoint(effect, 3, 0, 0.85f, 0);
-    const TSampleNode lightAge = AddAge(effect, 4);
-    const TSampleNode halo = AddGlow(effect).Set("Scale", {0.85f, 0.85f}).Priority(5);
+    const TSampleNode lightAge = AddAge(effect, 2.4f);
+    const TSampleNode halo = AddGlow(effect).Set("Scale", {0.75f, 0.75f}).Priority(5);
     const TSampleNode heart = AddGlow(effect).Set("Scale", {0.34f, 0.34f}).Priority(10);
     beat.Wire("Count", middle, "Emission Trigger");
     for (const TSampleNode& stageOfLight : {halo, heart})
         middle.Wire("Start Transform", stageOfLight, "Transform");
-    AddColours(effect, lightAge, 4,
+    AddColours(effect, lightAge, 2.4f,
                {{0, 0.1f, 0.35f, 1, 0},
-                {0.25f, 0.1f, 0.35f, 1, 0.6f},
-                {0.6f, 0.15f, 0.4f, 1, 0.5f},
-                {1, 0.1f, 0.3f, 1, 0}})
+                {1.0f / 6, 0.1f, 0.35f, 1, 0.7f},
+                {0.5f, 0.14f, 0.38f, 1, 0.95f},
+                {5.0f / 6, 0.1f, 0.35f, 1, 0.7f},
+                {1, 0.1f, 0.35f, 1, 0}})
         .Wire("Value", halo, "Colour");
-    AddColours(effect, lightAge, 4,
-               {{0, 0.55f, 0.9f, 1, 0},
-                {0.25f, 0.55f, 0.9f, 1, 0.9f},
-                {0.6f, 0.55f, 0.9f, 1, 0.7f},
-                {1, 0.55f, 0.9f, 1, 0}})
+    AddColours(effect, lightAge, 2.4f,
+               {{0, 0.65f, 0.95f, 1, 0},
+                {1.0f / 6, 0.65f, 0.95f, 1, 0.85f},
+                {0.5f, 0.75f, 1, 1, 1},
+                {5.0f / 6, 0.65f, 0.95f, 1, 0.85f},
+                {1, 0.65f, 0.95f, 1, 0}})
         .Wire("Value", heart, "Colour");
-    AddDusk(effect, 0.85f, {1.5f, 1.5f}, {0.03f, 0.04f, 0.25f, 0.7f});
+    AddDusk(effect, 0.85f, {1.35f, 1.35f}, {0.03f, 0.04f, 0.25f, 0.75f});
 }
 
 // Rain whose drops emit particles where they hit the ground: one ring and a few droplets each. A drop's hit

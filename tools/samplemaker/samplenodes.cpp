@@ -80,15 +80,19 @@ void AddDusk(TSampleBuilder& effect, float height, std::initializer_list<float> 
     const float* tint = colour.begin();
     const TSampleNode beat = AddTrickle(effect, 0.5f, 1);
     const TSampleNode middle = AddPoint(effect, 3, 0, height, 0);
-    const TSampleNode age = AddAge(effect, 4);
+    const TSampleNode age = AddAge(effect, 2.4f);
     const TSampleNode dusk =
         AddStage(effect, "Sprite Render Stage", "dusk.dds").Set("Scale", size).Priority(0);
     beat.Wire("Count", middle, "Emission Trigger");
     middle.Wire("Start Transform", dusk, "Transform");
-    AddColours(effect, age, 4,
+    // They take turns, as each covers much of the picture. Half of the next one is there when so much of this
+    // one makes up what lacks.
+    const float half = 1 - (1 - tint[3]) / (1 - tint[3] / 2);
+    AddColours(effect, age, 2.4f,
                {{0, tint[0], tint[1], tint[2], 0},
-                {0.2f, tint[0], tint[1], tint[2], tint[3]},
-                {0.6f, tint[0], tint[1], tint[2], tint[3]},
+                {1.0f / 6, tint[0], tint[1], tint[2], tint[3]},
+                {5.0f / 6, tint[0], tint[1], tint[2], tint[3]},
+                {11.0f / 12, tint[0], tint[1], tint[2], half},
                 {1, tint[0], tint[1], tint[2], 0}})
         .Wire("Value", dusk, "Colour");
 }

@@ -339,6 +339,55 @@ void MakePortal(TSampleBuilder& effect)
         .Wire("Value", edge, "Colour");
 }
 
+// A shower of sparks that jump on the ground, out of a spot that flickers, in a dusk of their own.
+void MakeSparks(TSampleBuilder& effect)
+{
+    const TSampleNode trigger = AddTrickle(effect, 90, 8);
+    const TSampleNode source = AddPoint(effect, 240, -0.8f, 1.2f, 0);
+    const TSampleNode cone = AddCone(effect, {0.8f, 0.6f, 0}, 0.9f, 0.8f, 2.2f);
+    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -5, 0});
+    const TSampleNode floor = effect.Add("Collision Plane").Set("Size", {3, 3}).Set("Bounce", {0.6f});
+    const TSampleNode integrate = effect.Add("Integrate");
+    const TSampleNode life = effect.Add("Random Value");
+    const TSampleNode age = effect.Add("Age");
+    const TSampleNode stage = AddTrails(effect, 0.036f, 0.17f).Priority(20);
+    trigger.Wire("Count", source, "Emission Trigger");
+    cone.Wire("Velocity", gravity, "Velocity");
+    source.Wire("Start Transform", floor, "Position");
+    gravity.Wire("Velocity", floor, "Velocity");
+    floor.Wire("Position", integrate, "Position");
+    floor.Wire("Velocity", integrate, "Velocity");
+    integrate.Wire("Position", stage, "Position");
+    floor.Wire("Velocity", stage, "Velocity");
+    life.Wire("Value", age, "Max Age");
+    const TSampleNode colours = AddColours(effect, age, 2,
+                                           {{0, 1, 0.95f, 0.7f, 1},
+                                            {0.12f, 1, 0.88f, 0.45f, 1},
+                                            {0.25f, 1, 0.75f, 0.2f, 1},
+                                            {0.7f, 1, 0.4f, 0.05f, 1},
+                                            {1, 0.7f, 0.1f, 0.02f, 0}});
+    life.Wire("Value", colours, "Life");
+    colours.Wire("Value", stage, "Colour");
+    life.Set("Low", {1.2f}).Set("High", {2.4f});
+
+    const TSampleNode beat = AddTrickle(effect, 16, 1);
+    const TSampleNode spot = AddPoint(effect, 8, -0.8f, 1.2f, 0);
+    const TSampleNode spotAge = AddAge(effect, 0.25f);
+    const TSampleNode shine = AddGlow(effect).Set("Scale", {0.6f, 0.6f}).Priority(10);
+    const TSampleNode heat = AddGlow(effect).Set("Scale", {0.2f, 0.2f}).Priority(30);
+    beat.Wire("Count", spot, "Emission Trigger");
+    for (const TSampleNode& drawn : {shine, heat})
+        spot.Wire("Start Transform", drawn, "Transform");
+    AddColours(effect, spotAge, 0.25f,
+               {{0, 1, 0.85f, 0.5f, 0}, {0.3f, 1, 0.8f, 0.45f, 0.7f}, {1, 1, 0.5f, 0.15f, 0}})
+        .Wire("Value", heat, "Colour");
+    AddColours(effect, spotAge, 0.25f,
+               {{0, 1, 0.45f, 0.1f, 0}, {0.3f, 1, 0.45f, 0.1f, 0.16f}, {1, 1, 0.35f, 0.05f, 0}})
+        .Wire("Value", shine, "Colour");
+
+    AddDusk(effect, 0.7f, {1.45f, 1.3f}, {0.1f, 0.05f, 0.05f, 0.8f});
+}
+
 // All at once, and again and again.
 void MakeExplosion(TSampleBuilder& effect)
 {

@@ -6,5 +6,6 @@ class TSampleBuilder;
 
 void MakeWaterfall(TSampleBuilder& effect);
 void MakePortal(TSampleBuilder& effect);
+void MakeSparks(TSampleBuilder& effect);
 void MakeExplosion(TSampleBuilder& effect);
 void MakeMagic(TSampleBuilder& effect);

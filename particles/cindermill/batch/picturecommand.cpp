@@ -51,7 +51,7 @@ const char* TPictureCommand::GetHelp() const
            "  --seed K              what the random generators start from, 1 unless told\n"
            "  --camera X,Y,Z,TX,TY,TZ\n"
            "                        the eye, and the place that it looks at\n"
-           "  --size WxH            of each picture, in pixels, 800x618 or 320x240 unless told\n"
+           "  --size WxH            of each picture, in pixels, 800x568 or 320x240 unless told\n"
            "  --background COLOUR   #rrggbb, or r,g,b from 0 to 255\n"
            "  --plain               the particles alone\n";
 }

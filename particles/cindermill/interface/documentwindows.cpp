@@ -411,7 +411,7 @@ void TDocumentWindows::NodeTypesCame(TDocument&)
 
 void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 {
-    TAttributeTraceWindow::Open(*Document, node);
+    TAttributeTraceWindow::Open(*Document, node, Frame, &view.GetGraph());
     CollectShortcuts(view);
 }
 

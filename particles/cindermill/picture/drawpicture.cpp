@@ -13,7 +13,7 @@ namespace {
 
 // The preview's own view at its first size, and what many of them have room for.
 constexpr int UsualWidth = 800;
-constexpr int UsualHeight = 618;
+constexpr int UsualHeight = 568;
 constexpr int UsualCellWidth = 320;
 constexpr int UsualCellHeight = 240;
 

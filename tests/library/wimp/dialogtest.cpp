@@ -394,6 +394,33 @@ TEST_F(TMessageTest, AMessageStandsOverTheMainWindowThoughNoWindowIsActive)
     EXPECT_TRUE(met);
 }
 
+// A chooser of the second window has gone, and what was chosen is no good.
+TEST_F(TMessageTest, AMessageAfterADialogStandsOverTheWindowThatTheDialogStoodOver)
+{
+    TWindowClass windowClass("test_messageowner");
+    TWindow first;
+    TWindow second;
+    ShowTopWindow(first, windowClass);
+    ShowTopWindow(second, windowClass);
+    second.SetFocus();
+    ASSERT_TRUE(WaitFor([&] { return QApplication::activeWindow() == second.GetHandle(); }));
+    {
+        QDialog dialog(second.GetHandle());
+        QLineEdit line(&dialog);
+        dialog.setModal(true);
+        dialog.show();
+        dialog.activateWindow();
+        line.setFocus();
+        ASSERT_TRUE(WaitFor([&] { return QApplication::focusWidget() == &line; }));
+    }
+    QApplication::setActiveWindow(nullptr);
+    ASSERT_EQ(QApplication::activeWindow(), nullptr);
+    const QWidget* owner = nullptr;
+    Meet([&](const QDialog& dialog) { owner = dialog.parentWidget(); });
+    ShowMessage("Could not load it");
+    EXPECT_EQ(owner, second.GetHandle());
+}
+
 TEST_F(TMessageTest, AnInformationHasAWarningIconAndOneButton)
 {
     Meet([](QDialog& dialog) {

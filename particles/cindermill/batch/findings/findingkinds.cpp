@@ -43,6 +43,8 @@ const TFindingKind Kinds[] = {
     {"file.unnamed", FS_ERROR, "A node needs a texture or an animation, and names none."},
     {"file.missing", FS_ERROR, "A texture or an animation is not found."},
     {"file.unreadable", FS_ERROR, "A texture or an animation is found, and is none that can be read."},
+    {"file.damaged", FS_WARNING,
+     "An animation is read, though the tags of its file do not match: the end may be missing."},
     {"file.sides", FS_WARNING, "A picture's sides are no powers of two."},
     {"file.outside", FS_WARNING,
      "A file's name leads outside of the resource base: other machines will not find it."},

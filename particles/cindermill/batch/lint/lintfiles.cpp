@@ -126,12 +126,24 @@ void TLintFiles::TellUse(const TUse& use, TLintReport& report)
         TellPicture(use, path, report);
         return;
     }
+    TellAnimation(use, path, report);
+}
+
+void TLintFiles::TellAnimation(const TUse& use, const TString& path, TLintReport& report)
+{
+    const TString name = QuoteText(use.Name, MaxName);
     TAnimation animation;
-    if (animation.Load(path))
+    if (!animation.Load(path)) {
+        Fail(use);
+        TFinding& finding =
+            report.AddNode(LK_FILEUNREADABLE, *use.Node, -1, "Animation \"%s\" cannot be read", name.Print());
+        AddNumber(finding, "nodes", use.Count);
         return;
-    Fail(use);
-    TFinding& finding = report.AddNode(LK_FILEUNREADABLE, *use.Node, -1, "Animation \"%s\" cannot be read",
-                                       QuoteText(use.Name, MaxName).Print());
+    }
+    if (animation.GetTagFault().IsEmpty())
+        return;
+    TFinding& finding = report.AddNode(LK_FILEDAMAGED, *use.Node, -1, "Animation \"%s\" is damaged: %s",
+                                       name.Print(), animation.GetTagFault().Print());
     AddNumber(finding, "nodes", use.Count);
 }
 

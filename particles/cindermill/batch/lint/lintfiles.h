@@ -39,6 +39,7 @@ private:
 
     void AddUse(const TFileReference& reference, TLintReport& report);
     void TellUse(const TUse& use, TLintReport& report);
+    void TellAnimation(const TUse& use, const TString& path, TLintReport& report);
     void TellPicture(const TUse& use, const TString& path, TLintReport& report);
     void TellOutside(const TUse& use, const TString& path, TLintReport& report) const;
     const TPicture& GetPicture(const TString& path);

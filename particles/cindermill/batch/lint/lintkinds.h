@@ -28,6 +28,7 @@ constexpr const char* LK_BUDGETUSED = "budget.used";
 constexpr const char* LK_FILEUNNAMED = "file.unnamed";
 constexpr const char* LK_FILEMISSING = "file.missing";
 constexpr const char* LK_FILEUNREADABLE = "file.unreadable";
+constexpr const char* LK_FILEDAMAGED = "file.damaged";
 constexpr const char* LK_FILESIDES = "file.sides";
 constexpr const char* LK_FILEOUTSIDE = "file.outside";
 constexpr const char* LK_TYPESTALE = "type.stale";

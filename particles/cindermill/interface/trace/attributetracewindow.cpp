@@ -45,12 +45,15 @@ TAttributeTraceWindow::TAttributeTraceWindow(TDocument& document, TToolNode& nod
 
 TAttributeTraceWindow::~TAttributeTraceWindow() = default;
 
-bool TAttributeTraceWindow::Open(TDocument& document, TToolNode& node)
+bool TAttributeTraceWindow::Open(TDocument& document, TToolNode& node, TWindow* main, const TWindow* graph)
 {
     TAttributeTraceWindow* window = Find(node);
     if (window == nullptr) {
         TOwner<TAttributeTraceWindow> made(new TAttributeTraceWindow(document, node));
-        made->Create();
+        const TTracePlace place = FindPlace(main, graph);
+        made->Create(place.Area);
+        if (main != nullptr && place.StaysInFront)
+            made->StayOver(*main);
         made->Rebuild();
         window = made.Get();
         GetWindows().push_back(made.Release());
@@ -61,15 +64,31 @@ bool TAttributeTraceWindow::Open(TDocument& document, TToolNode& node)
     return true;
 }
 
-void TAttributeTraceWindow::Create()
+TTracePlace TAttributeTraceWindow::FindPlace(const TWindow* main, const TWindow* graph)
+{
+    TTraceSurroundings about;
+    if (main != nullptr && graph != nullptr) {
+        main->GetScreenArea(about.Room);
+        graph->GetFrameArea(about.Graph);
+        main->GetFrameArea(about.Menus);
+        about.Menus.Bottom = about.Graph.Top;
+    }
+    for (const TAttributeTraceWindow* window : GetWindows()) {
+        about.Others.push_back(TWindowArea());
+        window->GetFrameArea(about.Others.back());
+    }
+    return FindTracePlace(about);
+}
+
+void TAttributeTraceWindow::Create(const TWindowArea& place)
 {
     TWindowParams params;
     params.Class = &GetWindowClass();
     params.Kind = WK_TOP;
-    params.X = 50;
-    params.Y = 50;
-    params.Width = 650;
-    params.Height = 450;
+    params.X = place.Left;
+    params.Y = place.Top;
+    params.Width = place.Right - place.Left;
+    params.Height = place.Bottom - place.Top;
     ASSERT_TEXT(TWindow::Create(params) && Table.Create(*this, Trace) && Graphs.Create(*this, Trace),
                 "0 : Failed to create attrib trace window");
     Split.Attach(this);

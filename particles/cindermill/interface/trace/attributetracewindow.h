@@ -5,6 +5,7 @@
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/trace/nodetrace.h"
 #include "particles/cindermill/interface/trace/tracegraphs.h"
+#include "particles/cindermill/interface/trace/traceplace.h"
 #include "particles/cindermill/interface/trace/tracetable.h"
 
 // A window that shows the values which one node's output ports took, frame by frame, for one particle: as a
@@ -17,8 +18,10 @@ public:
 
     // Opens a node's window, or brings the one that it has to the front. The document and the node stay the
     // caller's; CloseAll and Close are to be called before they go. Asserts
-    // "0 : Failed to create attrib trace window".
-    static bool Open(TDocument& document, TToolNode& node);
+    // "0 : Failed to create attrib trace window". A new one stays in front of the main window, if one is
+    // given, as long as that leaves the graph in sight.
+    static bool Open(TDocument& document, TToolNode& node, TWindow* main = nullptr,
+                     const TWindow* graph = nullptr);
     // The node's window; null for none.
     static TAttributeTraceWindow* Find(const TToolNode& node);
     static int GetNumWindows(const TDocument& document);
@@ -56,7 +59,8 @@ public:
 
 private:
     TAttributeTraceWindow(TDocument& document, TToolNode& node);
-    void Create();
+    static TTracePlace FindPlace(const TWindow* main, const TWindow* graph);
+    void Create(const TWindowArea& place);
     void ShowTitle();
     void RepaintTouched();
     bool CopyTable();

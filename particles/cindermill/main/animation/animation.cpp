@@ -75,11 +75,12 @@ public:
 
     bool Open();
     bool ReadChannel(int index, TAnimChannel& channel);
-    // Of tags that do not match, which the reader has gone on past.
-    void TellTags() const;
+    // Of tags that do not match, which the reader has gone on past: told, and given.
+    const TString& TellTags() const;
 
 private:
     bool CheckTags();
+    void TellRefusal() const;
     void TellFault(const TXmlFault& fault) const;
     // The reader pushes no empty element: what is searched inside of it is not there.
     bool Find(const char* tag) { return !Xml.IsEmptyTag() && Xml.FindTag(tag); }
@@ -119,10 +120,7 @@ bool TVoriReader::FailChannel(const char* tag, int index) const
 bool TVoriReader::Open()
 {
     if (!Xml.OpenRead(Path)) {
-        ShowMessage("Failed to open %s for reading", ShownPath.Print());
-        TString refusal;
-        if (GetReadRefusal(Path, refusal))
-            ShowMessage("%s", refusal.Print());
+        TellRefusal();
         return false;
     }
     if (!CheckTags())
@@ -134,6 +132,20 @@ bool TVoriReader::Open()
     if (!Find("animclip"))
         return Fail("animClip");
     return Find("anim") || Fail("anim");
+}
+
+// With the system's reason, if the file is there.
+void TVoriReader::TellRefusal() const
+{
+    TString text;
+    text.Format("Failed to open %s for reading", ShownPath.Print());
+    TString reason;
+    if (GetReadRefusal(Path, reason)) {
+        GetReadFault(Path, reason);
+        text += "\n";
+        text += reason;
+    }
+    ShowMessage("%s", text.Print());
 }
 
 // A zero byte between numbers parts them like a blank; in a tag it would cut a name.
@@ -152,10 +164,11 @@ void TVoriReader::TellFault(const TXmlFault& fault) const
     ShowMessage("%s [%d] : %s", ShownPath.Print(), fault.Line, fault.Text.Print());
 }
 
-void TVoriReader::TellTags() const
+const TString& TVoriReader::TellTags() const
 {
     if (TagFault.Kind != TXmlFault::None)
         TellFault(TagFault);
+    return TagFault.Text;
 }
 
 int TVoriReader::GetCount(const char* attribute)
@@ -292,7 +305,7 @@ bool TAnimation::Load(const char* path)
     for (int i = 0; i < NumChannels; ++i)
         if (!reader.ReadChannel(i, Channels[i]))
             return false;
-    reader.TellTags();
+    TagFault = reader.TellTags();
     const vector<float>& times = Channels[0].Times;
     Length = times.empty() ? 0 : times.back();
     return true;

@@ -38,11 +38,14 @@ public:
     float GetLength() const { return Length; }
     const TString& GetFileName() const { return FileName; }
     const TAnimChannel& GetChannel(int i) const { return Channels[i]; }
+    // What is wrong with the tags of a file that was read all the same; empty for nothing.
+    const TString& GetTagFault() const { return TagFault; }
 
 private:
     TAnimChannel Channels[NumChannels];
     float Length = 0;
     TString FileName;
+    TString TagFault;
 };
 
 // The shared animation of a path (compared without case), read at its first use; null if it cannot be read.

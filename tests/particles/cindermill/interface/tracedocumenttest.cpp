@@ -8,6 +8,7 @@
 #include "particles/cindermill/interface/trace/attributetracewindow.h"
 
 #include <QtGui/QAction>
+#include <QtGui/QWindow>
 #include <QtWidgets/QMenu>
 
 #include <filesystem>
@@ -82,6 +83,30 @@ TEST_F(TraceOfDocument, TheNodesMenuOpensIt)
     // Once more, it is the same.
     EXPECT_EQ(OpenByMenu(node), window);
     EXPECT_EQ(TAttributeTraceWindow::GetNumWindows(*Document), 1);
+}
+
+// On a screen that has room for both.
+TEST_F(TraceOfDocument, AClickInTheGraphLeavesItInFrontWhereThatHidesLittle)
+{
+    const auto staysInFront = [this](const TAttributeTraceWindow* window) {
+        return window->GetHandle()->windowHandle()->transientParent() ==
+               Frame.GetHandle()->window()->windowHandle();
+    };
+    const auto place = [this](int x, const QRect& inside) {
+        Frame.MoveTo(x, 0, 1150, 1150);
+        ViewOf(*Document).GetHandle()->parentWidget()->setGeometry(inside);
+        Settle();
+    };
+    place(400, QRect(0, 0, 1100, 1000));
+    TAttributeTraceWindow* beside = OpenByMenu(Node("Age"));
+    ASSERT_NE(beside, nullptr);
+    EXPECT_TRUE(staysInFront(beside));
+    place(0, QRect(0, 500, 700, 600));
+    TAttributeTraceWindow* upon = OpenByMenu(Node("Integrate"));
+    ASSERT_NE(upon, nullptr);
+    EXPECT_FALSE(staysInFront(upon));
+    // Neither hides the other.
+    EXPECT_NE(upon->GetHandle()->frameGeometry().topLeft(), beside->GetHandle()->frameGeometry().topLeft());
 }
 
 TEST_F(TraceOfDocument, AnIdlePassShowsWhatTheStepWrote)

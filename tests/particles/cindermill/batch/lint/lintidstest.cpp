@@ -64,6 +64,18 @@ void MultiplyBirths(TEffect effect, float factor, int capacity)
     TPopulation(effect, count, "Product", capacity);
 }
 
+void AddTornAnimation(TEffect effect)
+{
+    const TSampleNode path = effect.Effect.Add("Animation Path").Animation("Animation", "torn.vori");
+    const TSampleNode sum = effect.Effect.Add("Add");
+    const TSampleNode stage =
+        effect.Effect.Add("Sprite Render Stage").Texture("Texture", "spark.dds").Priority(9);
+    effect.Age.Wire("Age", path, "Time");
+    effect.Integrate.Wire("Position", sum, "A");
+    path.Wire("Transform", sum, "B");
+    sum.Wire("Sum", stage, "Transform");
+}
+
 const std::vector<TProvocation>& GetProvocations()
 {
     static const std::vector<TProvocation> provocations = {
@@ -102,6 +114,7 @@ const std::vector<TProvocation>& GetProvocations()
         {"file.unnamed", [](TEffect e) { e.Stage.Texture("Texture", ""); }},
         {"file.missing", [](TEffect e) { e.Stage.Texture("Texture", "gone.dds"); }},
         {"file.unreadable", [](TEffect e) { e.Stage.Texture("Texture", "bad.dds"); }},
+        {"file.damaged", AddTornAnimation},
         {"file.sides", [](TEffect e) { e.Stage.Texture("Texture", "odd.dds"); }},
         {"file.outside", [](TEffect e) { e.Stage.Texture("Texture", "..\\outer.dds"); }},
         {"type.stale", [](TEffect e) { e.Type(e.Colours).Description = "of old"; }},
@@ -238,6 +251,8 @@ protected:
         image.Create(12, 8);
         EXPECT_TRUE(image.Save(App.Path("resources/odd.dds").c_str(), IF_DDS_RAW));
         WriteBytes(App.Path("resources/bad.dds"), "no picture");
+        const std::string whole = ReadBytes(App.Path("resources/path.vori"));
+        WriteBytes(App.Path("resources/torn.vori"), whole.substr(0, whole.size() - 20));
         std::filesystem::copy(App.Path("resources/spark.dds"), App.Path("outer.dds"));
     }
     std::string Quote(const std::string& leaf) { return "'" + App.Path(leaf) + "'"; }
@@ -267,7 +282,10 @@ protected:
         WriteBytes(App.Path("team.toml"),
                    "node-types = \"" + SourcePath("NodeTypes") + "\"\n" + provocation.Project);
         RunCommand("lint --seconds 3 --seeds 2 " + provocation.Options);
-        EXPECT_EQ("", ReadBytes(App.Path("err")));
+        // An animation whose tags do not match is told wherever it is read.
+        if (std::string("file.damaged") != provocation.Id) {
+            EXPECT_EQ("", ReadBytes(App.Path("err")));
+        }
         std::set<std::string> ids;
         std::istringstream out(ReadBytes(App.Path("out")));
         for (std::string text; std::getline(out, text);) {

@@ -247,8 +247,8 @@ TEST(TAnimation, AFileThatMayNotBeReadIsToldWithTheReason)
     const TShownMessages messages;
     TAnimation animation;
     EXPECT_FALSE(animation.Load(path.c_str()));
-    EXPECT_EQ(TShownMessages::Texts(), (std::vector<std::string>{"Failed to open " + path + " for reading",
-                                                                 path + ": Permission denied"}));
+    EXPECT_EQ(TShownMessages::Texts(),
+              (std::vector<std::string>{"Failed to open " + path + " for reading\nPermission denied"}));
 }
 
 TEST(TAnimation, MoreKeysThanTheFileCanHoldFail)
