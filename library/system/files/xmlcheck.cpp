@@ -41,6 +41,7 @@ private:
     const char* FindTagEnd(const char* begin) const;
     const char* FindCommentEnd() const;
     void CheckComment();
+    void CheckRest();
     bool IsRead(const char* tag) const;
     void CheckTag(const char* begin, const char* end);
     void CloseTag(const char* name, int length);
@@ -191,6 +192,20 @@ void TXmlChecker::CheckComment()
     }
 }
 
+// Behind a fault in the tags a zero byte is as bad as before it.
+void TXmlChecker::CheckRest()
+{
+    bool isInTag = false;
+    for (; At < End; Step()) {
+        if (*At == '<')
+            isInTag = true;
+        else if (*At == '>')
+            isInTag = false;
+        else if (*At == 0)
+            FailZero(isInTag ? TXmlFault::ZeroInTag : TXmlFault::ZeroInText);
+    }
+}
+
 void TXmlChecker::Check()
 {
     while (At < End && Tags.Kind == TXmlFault::None) {
@@ -205,7 +220,7 @@ void TXmlChecker::Check()
             const char* end = FindTagEnd(At);
             if (end == nullptr) {
                 FailTags(Line, "A tag has no end");
-                return;
+                break;
             }
             const char* begin = At + 1;
             CheckTag(begin, end);
@@ -213,6 +228,7 @@ void TXmlChecker::Check()
                 Step();
         }
     }
+    CheckRest();
     if (Tags.Kind != TXmlFault::None || Open.empty())
         return;
     TString text;

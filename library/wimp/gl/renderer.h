@@ -58,7 +58,6 @@ public:
     // The clip rectangle on top, in world units.
     void GetVisibleRect(TVector2& min, TVector2& max) const;
 
-    // A point, relative to the current origin, in clip space.
     // The nearest position for the start of a text, so that it looks sharp: across on a dot of the doubled
     // target, down on one of the window.
     TVector2 Snap(const TVector2& point) const;

@@ -56,7 +56,7 @@ bool TDocTool::Create(TDocWindow& docWindow)
     return true;
 }
 
-// What the filter has no use for is the graph's, as all keys of commands are.
+// What the filter has no use for is the graph's, as the keys of the File and Edit menus are.
 void TDocTool::AddFilterKeys()
 {
     static constexpr int Codes[] = {'A' | SM_CTRL, 'C' | SM_CTRL, 'V' | SM_CTRL, 'X' | SM_CTRL};
@@ -74,7 +74,7 @@ bool TDocTool::OnFilterKey(int code)
     message.KeyFlags = KF_CTRL;
     if (!Filter.OnMessage(message))
         return false;
-    ShowFilter();
+    FollowFilter();
     return true;
 }
 
@@ -130,7 +130,7 @@ bool TDocTool::OnKey(const TMessage& message)
         OnEscape();
         return true;
     }
-    if (message.Type == MT_KEYDOWN && message.Key == KEY_MENU) {
+    if (message.Type == MT_KEYDOWN && message.Key == KEY_MENU && TWimp::Get().GetMouseDrag() == nullptr) {
         Filter.OpenMenu(*this, 0, GetListHeight());
         return true;
     }
@@ -138,7 +138,7 @@ bool TDocTool::OnKey(const TMessage& message)
         return true;
     if (!Filter.OnMessage(message))
         return false;
-    ShowFilter();
+    FollowFilter();
     return true;
 }
 
@@ -157,7 +157,7 @@ void TDocTool::OnCommand(TWimpControl* control, intptr_t argument, int code)
     if (code != CC_MENU)
         TWindow::OnCommand(control, argument, code);
     else if (Filter.OnMenu(static_cast<int>(argument)))
-        ShowFilter();
+        FollowFilter();
 }
 
 // What there is to give up, and then the keys.
@@ -226,6 +226,15 @@ void TDocTool::SetFilter(const char* text)
 {
     Filter.SetText(text);
     ShowFilter();
+}
+
+// What is only marked or copied leaves the list where it is.
+void TDocTool::FollowFilter()
+{
+    if (Filter.GetText().Compare(Palette.GetFilter()) == 0)
+        Redraw();
+    else
+        ShowFilter();
 }
 
 // The first type that is found is what one looks for.

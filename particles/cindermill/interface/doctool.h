@@ -47,6 +47,7 @@ private:
     bool OnWalkKey(int key);
     void ToggleCategory(int row);
     void OnEscape();
+    void FollowFilter();
     void ShowFilter();
     void OnMove(const TMessage& message);
     void ShowHelp();

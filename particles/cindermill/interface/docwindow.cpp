@@ -260,9 +260,12 @@ void TDocWindow::AddInMiddle(const TNodeType& type)
     int height = 0;
     Graph.GetSize(width, height);
     TVector2 point = Graph.PixelToWorld(width / 2.0, height / 2.0);
-    // Not upon the one that was added before, which nobody would find.
+    // Not upon the one that was added before, which nobody would find. Very far out a step aside leads
+    // nowhere.
     constexpr float Aside = 20;
-    while (IsUponNode(Windows.GetScene(), point))
+    constexpr float Farthest = 1e6f;
+    while (std::fabs(point[0]) < Farthest && std::fabs(point[1]) < Farthest &&
+           IsUponNode(Windows.GetScene(), point))
         point += TVector2(Aside, Aside);
     TAddGraphNodeOp* op = new TAddGraphNodeOp(*Document, type, FloatToInt(point[0]), FloatToInt(point[1]));
     TToolNode* node = op->GetNode();

@@ -170,10 +170,12 @@ bool TGraphWindow::OnFileShortcut(int code)
 bool TGraphWindow::OnEditShortcut(int code)
 {
     TDocument& document = GetDocument();
-    TTextEdit* edit = GetTextEdit();
+    // Keys that come from beside the graph are not for a field in it, though it is still the one with the
+    // focus.
+    TTextEdit* edit = HasFocus() ? GetTextEdit() : nullptr;
     if (edit != nullptr && OnTextShortcut(*edit, code))
         return true;
-    TRamp* ramp = TRamp::GetFocused();
+    TRamp* ramp = HasFocus() ? TRamp::GetFocused() : nullptr;
     if (ramp != nullptr && IsFocusHere(*ramp) && OnRampShortcut(*ramp, code))
         return true;
     switch (code) {

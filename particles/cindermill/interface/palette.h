@@ -33,6 +33,7 @@ public:
     // Only types that a search for the text finds, with their categories open; all as before for an empty
     // one.
     void SetFilter(const char* text);
+    const TString& GetFilter() const { return Filter; }
     // Categories stand open while a filter is set.
     bool HasFilter() const { return !Filter.IsEmpty(); }
     bool IsExpanded(int item) const { return Expanded[item] != 0; }

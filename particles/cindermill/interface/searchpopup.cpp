@@ -166,10 +166,20 @@ bool TSearchPopup::OnMessage(const TMessage& message)
     default:
         break;
     }
+    const TString before = Field.GetText();
     if (!Field.OnMessage(message))
         return false;
-    Refresh();
+    FollowField(before);
     return true;
+}
+
+// What is only marked or copied leaves the list where it is.
+void TSearchPopup::FollowField(const TString& before)
+{
+    if (Field.GetText().Compare(before) == 0)
+        Redraw();
+    else
+        Refresh();
 }
 
 bool TSearchPopup::OnKey(int key)
@@ -209,10 +219,11 @@ void TSearchPopup::OpenFieldMenu(int x, int y)
 
 void TSearchPopup::OnCommand(TWimpControl* control, intptr_t argument, int code)
 {
+    const TString before = Field.GetText();
     if (code != CC_MENU)
         TWindow::OnCommand(control, argument, code);
     else if (Field.OnMenu(static_cast<int>(argument)))
-        Refresh();
+        FollowField(before);
 }
 
 void TSearchPopup::Choose(int match)

@@ -70,6 +70,7 @@ private:
     static constexpr int ListTop = Border + TFilterField::Height + Border;
     static constexpr int HelpHeight = 34;
 
+    void FollowField(const TString& before);
     void Refresh();
     void Place();
     bool OnKey(int key);

@@ -109,6 +109,8 @@ public:
     bool Save(TDocument& document);
     bool SaveAs(TDocument& document);
     void TellNotSaved(TDocument& document, const char* path);
+    // In the status bar: what was done with a file that is written now. Returns the line; only with a host.
+    TString TellWritten(const char* what, const char* path);
     void ExportActive();
     // Asks about unsaved work, then deletes the document with its windows: a window that calls this from its
     // own message may not be touched after it.
@@ -160,8 +162,6 @@ private:
     bool ChooseEffect(bool open, const char* title, const char* directory, TString& path);
     bool ChooseSavePlace(const TDocument& document, TString& path);
     bool ChooseExportPlace(const TDocument& document, TString& path);
-    // The line that was told.
-    TString TellWritten(const char* what, const char* path);
     bool MakeWritable(const char* path, const char* purpose);
     bool ConfirmChanged(const TDocument& document);
     bool IsOpenEffect(const char* path);

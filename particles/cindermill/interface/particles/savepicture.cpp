@@ -42,8 +42,12 @@ bool ChoosePicture(TString& path)
 void Write(const TRgbPicture& picture, const char* path)
 {
     TString fault;
-    if (!TCindermillApp::ConfirmOverwrite(path) || WritePictureFile(picture, path, fault))
+    if (!TCindermillApp::ConfirmOverwrite(path))
         return;
+    if (WritePictureFile(picture, path, fault)) {
+        TCindermillApp::Get().TellWritten("Picture saved to", path);
+        return;
+    }
     TString shown;
     ToShownPath(path, shown);
     ShowMessage("%s could not be written: %s", shown.Print(), fault.Print());

@@ -84,6 +84,10 @@ TEST_F(TXmlCheckTest, AZeroByteIsToldByItsPlace)
     EXPECT_EQ(Zero.Line, 1);
     EXPECT_EQ(Text(Zero.Text), "The file holds a zero byte");
     EXPECT_EQ(ZeroOf(std::string("<!--\0--><a/>", 12)), TXmlFault::None);
+    // Behind a fault in the tags too.
+    EXPECT_EQ(ZeroOf(std::string("<r><!-- don't --></r><b\0>", 25)), TXmlFault::ZeroInTag);
+    EXPECT_EQ(ZeroOf(std::string("<r></s>\0", 8)), TXmlFault::ZeroInText);
+    EXPECT_EQ(ZeroOf(std::string("<r \0", 4)), TXmlFault::ZeroInTag);
 }
 
 TEST_F(TXmlCheckTest, AFileThatCannotBeReadHasNoFault)

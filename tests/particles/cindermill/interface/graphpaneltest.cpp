@@ -55,6 +55,26 @@ protected:
 
 } // namespace
 
+// A field keeps the focus of the graph's own objects while the keys are elsewhere.
+TEST_F(GraphPanel, KeysBesideTheGraphAreNotForAFieldInIt)
+{
+    FocusField();
+    const std::string before = Shown();
+    for (TWindow* pane :
+         {static_cast<TWindow*>(&View().GetTool()), static_cast<TWindow*>(&View().GetHeader())}) {
+        Document->ClearSelection();
+        Document->SelectNode(First, true);
+        pane->TakeFocus();
+        ASSERT_TRUE(WaitFor([&] { return pane->HasFocus(); }));
+        ASSERT_NE(TTextEdit::GetFocused(), nullptr);
+        Key(*pane, Qt::Key_X, Qt::ControlModifier);
+        EXPECT_EQ(Shown(), before);
+        EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
+        Key(*pane, Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+    }
+}
+
 TEST_F(GraphPanel, APanelThatAKeyOpensBeyondTheEdgeGlidesIntoSight)
 {
     int width = 0;

@@ -140,6 +140,17 @@ TEST_F(PaletteFilter, TypesAddedByKeyStandNotUponEachOther)
     }
 }
 
+// A file may hold such places, where a number is coarser than a step aside.
+TEST_F(PaletteFilter, TypesAreAddedVeryFarOutToo)
+{
+    constexpr float FarOut = 1 << 30;
+    SetView(Graph(), FarOut, FarOut, 1);
+    TypeText("turbu");
+    Key(Tool(), Qt::Key_Return);
+    Key(Tool(), Qt::Key_Return);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 4);
+}
+
 TEST_F(PaletteFilter, TheFilterHasAMenuForTheClipboard)
 {
     const QPoint field(30, Tool().GetHandle()->height() - 8);
@@ -201,6 +212,15 @@ TEST_F(PaletteFilter, TheKeysOfTheMenusAreTheGraphsWhereTheFilterHasNoUseForThem
         EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
         Document->ClearSelection();
     }
+    // What is only copied leaves the list where it is.
+    TypeText("a");
+    for (int i = 0; i < 3; ++i)
+        Key(Tool(), Qt::Key_Down);
+    const int marked = Tool().GetMarked();
+    Key(Tool(), Qt::Key_A, Qt::ControlModifier);
+    Key(Tool(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(Tool().GetMarked(), marked);
+    Key(Tool(), Qt::Key_Escape);
     TypeText("noi");
     Key(Tool(), Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(NumSelected(), 0);

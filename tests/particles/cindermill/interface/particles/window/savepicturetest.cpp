@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/particles/savepicture.h"
 
+#include "support/fakehost.h"
 #include "support/sampledocument.h"
 #include "support/windowtest.h"
 
@@ -70,7 +71,8 @@ protected:
         return QImage(QString::fromStdString(Folder.Path(leaf))).convertToFormat(QImage::Format_RGB888);
     }
 
-    TTestApp App;
+    TFakeAppHost Host;
+    TTestApp App{&Host};
     TTempFolder Folder;
     TSampleDocument Sample{App, "campfire"};
     TParticleWindow Window;
@@ -98,6 +100,8 @@ TEST_F(SavePictures, ThePictureIsWhatTheWindowShows)
     ASSERT_FALSE(Load("b.png").isNull());
     EXPECT_NE(picture, Load("b.png"));
     EXPECT_EQ("", Told + Asked);
+    ASSERT_FALSE(Host.Statuses.empty());
+    EXPECT_EQ(0u, Host.Statuses.back().find("Picture saved to " + Folder.Path("b.png") + " at "));
 }
 
 TEST_F(SavePictures, NothingIsWrittenOverWithoutAQuestion)
@@ -107,6 +111,7 @@ TEST_F(SavePictures, NothingIsWrittenOverWithoutAQuestion)
     Save("a.png");
     EXPECT_EQ(Folder.Path("a.png") + " exists. Overwrite?", Asked);
     EXPECT_EQ("old", ReadBytes(Folder.Path("a.png")));
+    EXPECT_TRUE(Host.Statuses.empty());
     Answer = true;
     Save("a.png");
     EXPECT_FALSE(Load("a.png").isNull());
