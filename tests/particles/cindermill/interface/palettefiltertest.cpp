@@ -140,17 +140,6 @@ TEST_F(PaletteFilter, TypesAddedByKeyStandNotUponEachOther)
     }
 }
 
-// A file may hold such places, where a number is coarser than a step aside.
-TEST_F(PaletteFilter, TypesAreAddedVeryFarOutToo)
-{
-    constexpr float FarOut = 1 << 30;
-    SetView(Graph(), FarOut, FarOut, 1);
-    TypeText("turbu");
-    Key(Tool(), Qt::Key_Return);
-    Key(Tool(), Qt::Key_Return);
-    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 4);
-}
-
 TEST_F(PaletteFilter, TheFilterHasAMenuForTheClipboard)
 {
     const QPoint field(30, Tool().GetHandle()->height() - 8);
