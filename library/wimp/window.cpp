@@ -131,12 +131,20 @@ static QMdiArea* FindMaximisedArea(const QMdiSubWindow* frame)
     return fills ? frame->mdiArea() : nullptr;
 }
 
-// The next document takes the place of the one that has gone as it was.
+// The document that was used before takes the place of the one that has gone as it was. That one may be there
+// still, hidden.
 static void KeepMaximised(QMdiArea* area)
 {
-    QMdiSubWindow* next = area != nullptr ? area->currentSubWindow() : nullptr;
-    if (next != nullptr && next->isVisible() && !next->isMinimized())
-        next->showMaximized();
+    if (area == nullptr)
+        return;
+    const QList<QMdiSubWindow*> frames = area->subWindowList(QMdiArea::ActivationHistoryOrder);
+    for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame) {
+        if (!(*frame)->isVisible() || (*frame)->isMinimized())
+            continue;
+        area->setActiveSubWindow(*frame);
+        (*frame)->showMaximized();
+        return;
+    }
 }
 
 void TWindow::Destroy()

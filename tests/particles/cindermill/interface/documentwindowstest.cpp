@@ -111,6 +111,27 @@ TEST_F(DocumentWindows, ClosingTheLastViewClosesTheDocument)
     EXPECT_EQ(App.Get().GetDocuments().size(), 1);
 }
 
+// As they fill the main window in turn, none is put back to a size of its own by another that goes.
+TEST_F(DocumentWindows, TheDocumentBehindAMaximisedOneThatClosesIsMaximised)
+{
+    QPointer<QWidget> frames[3];
+    TDocument* documents[3];
+    for (int i = 0; i < 3; ++i) {
+        documents[i] = NewDocument();
+        frames[i] = ViewOf(*documents[i]).GetHandle()->parentWidget();
+        if (i == 0)
+            frames[i]->showMaximized();
+        Settle();
+        ASSERT_TRUE(frames[i]->isMaximized()) << i;
+    }
+    for (int i = 2; i > 0; --i) {
+        frames[i]->close();
+        Settle();
+        ASSERT_TRUE(frames[i].isNull());
+        EXPECT_TRUE(frames[i - 1]->isMaximized()) << i;
+    }
+}
+
 TEST_F(DocumentWindows, TheUserMayKeepAModifiedDocumentOpen)
 {
     TDocument* document = NewDocument();
