@@ -320,6 +320,7 @@ TEST_F(DocumentWindows, TheGraphOfANewDocumentHasTheKeysAlsoWhereItsDisplayHasNo
     const int width = room.Right - room.Left;
     // Too little at both sides of the view.
     Frame.MoveTo(room.Left + (width - 1150) / 2, 0, 1400, 1000);
+    Settle();
     TDocument* document = NewDocument();
     ASSERT_NE(document, nullptr);
     EXPECT_TRUE(WaitFor([&] { return GraphOf(*document).HasFocus(); }));
