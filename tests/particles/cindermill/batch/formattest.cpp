@@ -509,7 +509,8 @@ TEST_F(TFormats, AThousandEffectsTakeNoMoreThanTheyMay)
         EXPECT_EQ(0, taken.Status);
         EXPECT_GT(taken.Kilobytes, 1024) << format;
         EXPECT_LT(taken.Kilobytes, 16 * 1024) << format;
-        EXPECT_LT(taken.Seconds, 3.0) << format;
+        // Two alone, and more beside others: far less than what grows faster than the number of files takes.
+        EXPECT_LT(taken.Seconds, 10.0) << format;
         if (format != std::string("json"))
             continue;
         const TJson json = Parse(ReadBytes(out));
