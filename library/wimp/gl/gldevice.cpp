@@ -35,6 +35,18 @@ const TTransfer& GetTransfer(TTextureFormat format)
     AssertFail("0", __FILE__, __LINE__);
 }
 
+bool IsBlendEquation(uint32_t equation)
+{
+    return (equation >= GL_FUNC_ADD && equation <= GL_MAX) || equation == GL_FUNC_SUBTRACT ||
+           equation == GL_FUNC_REVERSE_SUBTRACT;
+}
+
+bool IsBlendFunction(uint32_t function)
+{
+    return function <= GL_ONE || (function >= GL_SRC_COLOR && function <= GL_SRC_ALPHA_SATURATE) ||
+           (function >= GL_CONSTANT_COLOR && function <= GL_ONE_MINUS_CONSTANT_ALPHA);
+}
+
 int Thinned(int side, int step)
 {
     return static_cast<int>((int64_t(side) + step - 1) / step);
@@ -271,9 +283,13 @@ void TGlDevice::SetStates(const TDrawStates& states)
 {
     if (states.Blend) {
         glEnable(GL_BLEND);
-        glBlendEquation(states.BlendEquation);
-        glBlendFunc(states.SourceFunction, states.DestFunction);
-        // An entry past the end of its table is none of OpenGL's, which then keeps the value that it had.
+        // An entry past the end of its table is none of OpenGL's own, and changes nothing; some drivers have
+        // an extension that takes it.
+        if (IsBlendEquation(states.BlendEquation))
+            glBlendEquation(states.BlendEquation);
+        if (IsBlendFunction(states.SourceFunction) && IsBlendFunction(states.DestFunction))
+            glBlendFunc(states.SourceFunction, states.DestFunction);
+        // Old drivers take no saturation for the destination, and keep the value that they had.
         glGetError();
     }
     if (states.AlphaTest) {

@@ -273,8 +273,9 @@ void TFragmentContext::WriteDestination()
 
 void TFragmentContext::WriteDestinationRegister()
 {
+    // To the assembler a temporary like any other, which has to be declared.
     if (Current.WritesConditionOnly()) {
-        Body.Append(Current.IsHalf() ? "HC" : "RC");
+        WriteTemporary(Current.IsHalf() ? "HC" : "RC");
         return;
     }
     const int number = Current.GetRegister() & 63;

@@ -75,7 +75,7 @@ TEST(QdxFragment, ScaleOfAConditionWriteNamesTheConditionRegister)
     code.Scale = 0;
     code.SetsCondition = true;
     EXPECT_EQ("MOVC RC.w,fragment.color.primary;\n", FragmentBody({code}));
-    EXPECT_EQ(std::string::npos, RawText({code}).find("TEMP"));
+    EXPECT_EQ(Header + "TEMP RC;\nMOVC RC.w,fragment.color.primary;\nEND\n", RawText({code}));
 }
 
 TEST(QdxFragment, ScaleWithoutADestinationHasNoLine)
