@@ -51,11 +51,8 @@ bool TXmlFile::OpenRead(const char* path)
 
 bool TXmlFile::Close()
 {
-    if (IsOpen() && HasMismatch) {
-        TString shown;
-        ToShownPath(GetPath(), shown);
-        DebugPrintf("Mismatched closing tags in %s\n", shown.Print());
-    }
+    if (IsOpen() && HasMismatch)
+        DebugPrintf("Mismatched closing tags in %s\n", GetShownPath(GetPath()).Print());
     return TFile::Close();
 }
 

@@ -168,11 +168,8 @@ void TMainWindow::RebuildRecentFiles(const vector<TString>& files)
 {
     TMenu* menu = Menu.FindPopup(MI_RECENTFILES);
     menu->Clear();
-    for (int i = 0; i < files.size() && i < MaxRecentEntries; ++i) {
-        TString shown;
-        ToShownPath(files[i], shown);
-        menu->InsertItem(0, MI_RECENTFILE + i, shown.Print());
-    }
+    for (int i = 0; i < files.size() && i < MaxRecentEntries; ++i)
+        menu->InsertItem(0, MI_RECENTFILE + i, GetShownPath(files[i]).Print());
     StartPage.Refresh();
 }
 

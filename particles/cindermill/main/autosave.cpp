@@ -8,19 +8,6 @@
 
 #include <errno.h>
 
-namespace {
-
-TString GetShownName(const TDocument& document)
-{
-    if (document.GetPath().IsEmpty())
-        return "<unsaved document>";
-    TString shown;
-    ToShownPath(document.GetPath(), shown);
-    return shown;
-}
-
-} // namespace
-
 void TAutosave::Start(const char* folder)
 {
     Store.Open(folder);

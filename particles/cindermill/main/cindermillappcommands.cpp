@@ -27,11 +27,6 @@ vector<TPathFilter> MakeFilters(const char* pattern)
     return filters;
 }
 
-TString GetShownName(const TDocument& document)
-{
-    return document.GetPath().IsEmpty() ? TString("<unsaved document>") : GetShownPath(document.GetPath());
-}
-
 // The kind of file that was chosen, where the name does not tell one.
 void AddMissingExtension(TString& path, const char* extension)
 {

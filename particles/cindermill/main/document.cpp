@@ -34,6 +34,11 @@ private:
 
 } // namespace
 
+TString GetEffectName(const TString& path)
+{
+    return path.IsEmpty() ? TString("<unsaved document>") : GetShownPath(path);
+}
+
 TDocument::TDocument(TCindermillApp& app, TDocumentHost* host)
     : App(app), Host(host), Services(app.GetSettings(), app.GetResourceLocator()),
       Preview(Services, app.GetResourceLocator()), Agreement(app, *this)
