@@ -12,10 +12,10 @@
 #include "particles/cindermill/main/documenthost.h"
 #include "particles/cindermill/main/documentreport.h"
 #include "particles/cindermill/main/effectfile.h"
-#include "particles/cindermill/main/runcollecting.h"
 #include "particles/effectgraph/linkmender.h"
 #include "particles/effectgraph/pointermap.h"
 #include "particles/effectgraph/refreshrecord.h"
+#include "particles/effectgraph/runcollecting.h"
 
 namespace {
 
