@@ -113,12 +113,8 @@ void TNumberInput::EndTyping()
 // The last thing that is done, as the change may take the input away.
 void TNumberInput::NotifyIfChanged(double before)
 {
-    if (IsSame(Value, before) || Parent == nullptr)
-        return;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = RE_VALUECHANGED;
-    Parent->Event(event);
+    if (!IsSame(Value, before))
+        TellParent(RE_VALUECHANGED);
 }
 
 double TNumberInput::GetStepped(double value, double delta) const
