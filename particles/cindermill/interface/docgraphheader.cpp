@@ -22,9 +22,7 @@ constexpr int BadgeSize = 6;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_docgraphheader");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, White);
+    static TWindowClass windowClass("cindermill_docgraphheader", 0, White);
     return windowClass;
 }
 

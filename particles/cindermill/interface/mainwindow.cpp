@@ -64,7 +64,7 @@ void AddLines(TMenu& menu, const TMenuLine (&lines)[Count])
 
 TWindowClass& GetMainWindowClass()
 {
-    static TWindowClass windowClass("pelmark_mainwindow");
+    static TWindowClass windowClass("pelmark_mainwindow", MainIcon, 0x808080);
     return windowClass;
 }
 
@@ -80,8 +80,6 @@ static TGraphActions* GetGraphActions()
 bool TMainWindow::Create()
 {
     TWindowClass& windowClass = GetMainWindowClass();
-    if (!windowClass.IsRegistered())
-        windowClass.Register(MainIcon, 0x808080);
     int screenWidth = 0;
     int screenHeight = 0;
     GetScreenSize(screenWidth, screenHeight);

@@ -24,9 +24,7 @@ constexpr int WheelRows = 3;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_search");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, Paper);
+    static TWindowClass windowClass("cindermill_search", 0, Paper);
     return windowClass;
 }
 

@@ -6,9 +6,9 @@
 
 namespace {
 
-TWindowClass BudgetClass("cindermill_particlewindow_budget");
 constexpr TGDIFont RowFont = {nullptr, 12, 400};
 constexpr TGDIColour Background = 0xF8F8F8;
+TWindowClass BudgetClass("cindermill_particlewindow_budget", 0, Background);
 constexpr TGDIColour TitleColour = 0xE4E4E4;
 constexpr TGDIColour OnlyColour = 0xDCE8F8;
 constexpr TGDIColour LineColour = 0xC8C8C8;
@@ -106,8 +106,6 @@ void PutGroupName(TGDIContext& context, int width, int top, const TString& name)
 
 bool TBudgetPanel::Create(TWindow* owner, const TPreviewBudget& budget)
 {
-    if (!BudgetClass.IsRegistered())
-        BudgetClass.Register(0, Background);
     Budget = &budget;
     TWindowParams params;
     params.Class = &BudgetClass;

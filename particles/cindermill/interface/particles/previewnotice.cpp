@@ -4,9 +4,9 @@
 
 namespace {
 
-TWindowClass NoticeClass("cindermill_particlewindow_notice");
 constexpr TGDIFont NoticeFont = {nullptr, 13, 400};
 constexpr TGDIColour NoticeColour = 0xFFF8DC;
+TWindowClass NoticeClass("cindermill_particlewindow_notice", 0, NoticeColour);
 constexpr TGDIColour EdgeColour = 0xB0A060;
 constexpr TGDIColour TextColour = 0x302810;
 constexpr int LineHeight = 19;
@@ -28,8 +28,6 @@ int GetWidth(const char* text)
 
 bool TPreviewNotice::Create(TWindow* owner)
 {
-    if (!NoticeClass.IsRegistered())
-        NoticeClass.Register(0, NoticeColour);
     TWindowParams params;
     params.Class = &NoticeClass;
     params.Owner = owner;

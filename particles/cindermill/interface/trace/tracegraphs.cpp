@@ -14,9 +14,7 @@ constexpr TGDIColour SelectedColour = 0xC8DCF0;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_attribtrace_graphs");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, ButtonColour);
+    static TWindowClass windowClass("cindermill_attribtrace_graphs", 0, ButtonColour);
     return windowClass;
 }
 
