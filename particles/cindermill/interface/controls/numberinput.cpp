@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/controls/numberinput.h"
 
 #include "library/containers/assertion.h"
+#include "library/maths/scalar.h"
 #include "particles/cindermill/interface/controls/numbertext.h"
 
 #include <cmath>
@@ -21,11 +22,6 @@ bool IsSame(double a, double b)
 double WithoutSign(double value)
 {
     return value == 0 ? 0.0 : value;
-}
-
-double Clamp(double value, double min, double max)
-{
-    return value < min ? min : value > max ? max : value;
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include "particles/effectgraph/nodetype.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr const char* NodeFont = "Arial (TrueType)";
@@ -22,11 +24,6 @@ float GetTextWidth(const TFontInstance& font, const TString& text)
     TVector2 size;
     font.GetTextSize(text.Print(), size);
     return size[0];
-}
-
-float Larger(float a, float b)
-{
-    return a > b ? a : b;
 }
 
 bool HasTitleRoom(const TNodeType& type, const TFontInstance& font, float width)
@@ -88,14 +85,14 @@ TVector2 MeasureNode(const TNodeType& type)
     float inputs = 0;
     float outputs = 0;
     for (int i = 0; i < type.GetNumInputs(); ++i)
-        inputs = Larger(inputs, GetTextWidth(fonts.GetLabel(), type.GetInput(i)->Name));
+        inputs = std::max(inputs, GetTextWidth(fonts.GetLabel(), type.GetInput(i)->Name));
     for (int i = 0; i < type.GetNumOutputs(); ++i)
-        outputs = Larger(outputs, GetTextWidth(fonts.GetLabel(), type.GetOutput(i).Name));
+        outputs = std::max(outputs, GetTextWidth(fonts.GetLabel(), type.GetOutput(i).Name));
     const float title = GetTextWidth(fonts.GetTitle(), type.Name);
     const int rows = type.GetNumInputs() > type.GetNumOutputs() ? type.GetNumInputs() : type.GetNumOutputs();
     const float width = static_cast<float>(double(inputs) + outputs + 2 * 5 + 50);
     const float titleWidth = static_cast<float>(double(title) + 2.0 * NodeTitleInset);
-    return TVector2(Larger(width, titleWidth), static_cast<float>(double(NodeRowHeight) * rows + 10 + 5));
+    return TVector2(std::max(width, titleWidth), static_cast<float>(double(NodeRowHeight) * rows + 10 + 5));
 }
 
 float GetTitleLeft(const TNodeType& type, float titleWidth, float width)

@@ -2,6 +2,8 @@
 
 #include "library/wimp/gdi/brokentext.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr TGDIFont NoticeFont = {nullptr, 13, 400};
@@ -54,7 +56,7 @@ void TPreviewNotice::Place(int viewWidth, int viewHeight)
     BreakText(NoticeFont, Text.Print(), viewWidth - 2 * (Margin + Border), MaxLines, Lines);
     int width = 0;
     for (const TString& line : Lines)
-        width = GetWidth(line) > width ? GetWidth(line) : width;
+        width = std::max(width, GetTextWidth(NoticeFont, line));
     width += 2 * Border;
     const int height = Lines.size() * LineHeight + 2 * Border;
     MoveTo((viewWidth - width) / 2, Margin, width, height);
