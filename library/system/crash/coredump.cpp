@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr uintptr_t PageSize = 4096;
 constexpr const char NoteName[] = "CORE";
 
 // A note: its header, its name and so many bytes.

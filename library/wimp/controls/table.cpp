@@ -16,7 +16,6 @@ constexpr int BorderReach = 3;
 // A press on an arrow of the bar, and a notch of the wheel.
 constexpr int SideStep = 20;
 constexpr int SideStepsANotch = 3;
-constexpr int Notch = 120;
 constexpr TGDIColour White = 0xFFFFFF;
 constexpr TGDIColour LineColour = 0xE0E0E0;
 
@@ -323,10 +322,11 @@ bool TTable::OnMain(const TMessage& message)
         return true;
     case MT_WHEEL:
         if ((message.KeyFlags & KF_SHIFT) != 0) {
-            ScrollSideways(-message.Delta * SideStepsANotch * SideStep / Notch);
+            ScrollSideways(-message.Delta * SideStepsANotch * SideStep / WheelNotch);
             return true;
         }
-        Main.SetScrollPosition(Main.GetScrollPosition() - message.Delta * RowsANotch * RowHeight / Notch);
+        Main.SetScrollPosition(Main.GetScrollPosition() -
+                               message.Delta * RowsANotch * RowHeight / WheelNotch);
         RedrawCells();
         return true;
     case MT_KEYDOWN:

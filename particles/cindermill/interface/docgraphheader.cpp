@@ -13,7 +13,6 @@ constexpr int TextLeft = 6;
 constexpr int TextTop = 3;
 // In pixels, for a notch.
 constexpr int WheelStep = 60;
-constexpr int WheelNotch = 120;
 constexpr TGDIColour White = 0xFFFFFF;
 constexpr TGDIColour TextColour = 0x202020;
 constexpr TGDIColour DisabledColour = 0xA8A8A8;

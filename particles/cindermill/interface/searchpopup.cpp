@@ -19,7 +19,6 @@ constexpr TGDIColour BarColour = 0xB4B9BE;
 constexpr int SwatchSize = 10;
 constexpr int TextTop = 4;
 constexpr int NameLeft = 24;
-constexpr int WheelNotch = 120;
 constexpr int WheelRows = 3;
 
 TWindowClass& GetWindowClass()

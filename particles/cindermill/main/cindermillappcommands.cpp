@@ -470,7 +470,7 @@ bool TCindermillApp::SettleModified(const vector<TDocument*>& documents)
 {
     vector<TString> names;
     for (const TDocument* document : documents)
-        names.push_back(GetShownName(*document));
+        names.push_back(GetEffectName(document->GetPath()));
     const TModifiedAnswer answer = Host->AskModifiedFiles(names);
     if (answer != MA_YES)
         return answer == MA_NO;

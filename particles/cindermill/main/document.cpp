@@ -2,6 +2,7 @@
 
 #include "library/containers/append.h"
 #include "library/system/message.h"
+#include "library/system/path.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/graph/operations/formerstates.h"

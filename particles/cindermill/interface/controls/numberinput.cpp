@@ -11,7 +11,6 @@ namespace {
 
 constexpr const char* FloatCharacters = "0123456789.-";
 constexpr const char* WholeCharacters = "0123456789-";
-constexpr int WheelNotch = 120;
 
 bool IsSame(double a, double b)
 {

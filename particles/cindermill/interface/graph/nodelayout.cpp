@@ -1,12 +1,12 @@
 #include "particles/cindermill/interface/graph/nodelayout.h"
 
+#include "particles/cindermill/interface/controls/controlpaint.h"
 #include "particles/effectgraph/nodetype.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr const char* NodeFont = "Arial (TrueType)";
 constexpr float TitleFontSize = 12.0f;
 constexpr float LabelFontSize = 10.0f;
 // What is tried in views that are zoomed out.
@@ -48,15 +48,15 @@ bool HaveLabelsRoom(const TNodeType& type, const TFontInstance& font, float widt
 
 TNodeFonts::TNodeFonts()
 {
-    Title.Create(NodeFont, TitleFontSize);
-    Label.Create(NodeFont, LabelFontSize);
+    Title.Create(ControlFont, TitleFontSize);
+    Label.Create(ControlFont, LabelFontSize);
     FarTitle = Title;
     FarLabel = Label;
 }
 
 bool TNodeFonts::IsFar(float zoom)
 {
-    return zoom < NodeFarZoom;
+    return zoom < FarZoom;
 }
 
 void TNodeFonts::Fit(const TNodeType& type, float width)
@@ -65,14 +65,14 @@ void TNodeFonts::Fit(const TNodeType& type, float width)
     FarLabel = Label;
     for (const float size : FarTitleSizes) {
         TFontInstance font;
-        if (!font.Create(NodeFont, size) || !HasTitleRoom(type, font, width))
+        if (!font.Create(ControlFont, size) || !HasTitleRoom(type, font, width))
             continue;
         FarTitle = font;
         break;
     }
     for (const float size : FarLabelSizes) {
         TFontInstance font;
-        if (!font.Create(NodeFont, size) || !HaveLabelsRoom(type, font, width))
+        if (!font.Create(ControlFont, size) || !HaveLabelsRoom(type, font, width))
             continue;
         FarLabel = font;
         break;

@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr float NotchDelta = 120;
 // Just short of a quarter turn.
 constexpr float MaxPitch = 1.55f;
 
@@ -36,7 +35,7 @@ constexpr float Slow = 0.25f;
 
 float TCamera::TakeWheel()
 {
-    const float notches = static_cast<float>(Wheel) / NotchDelta;
+    const float notches = static_cast<float>(Wheel) / WheelNotch;
     Wheel = 0;
     return notches;
 }

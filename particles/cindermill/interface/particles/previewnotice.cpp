@@ -18,14 +18,6 @@ constexpr int Margin = 12;
 // More than any text has; what does not fit into the view is not shown at all.
 constexpr int MaxLines = 100;
 
-int GetWidth(const char* text)
-{
-    int width = 0;
-    int height = 0;
-    GetTextExtent(NoticeFont, text, width, height);
-    return width;
-}
-
 } // namespace
 
 bool TPreviewNotice::Create(TWindow* owner)

@@ -9,7 +9,6 @@ constexpr int Margin = 5;
 constexpr int GraphDistance = TOutputGraph::Height + TOutputGraph::StripHeight;
 constexpr int ScrollStep = 25;
 constexpr int StepsANotch = 2;
-constexpr int Notch = 120;
 constexpr TGDIColour SelectedColour = 0xC8DCF0;
 
 TWindowClass& GetWindowClass()
@@ -117,7 +116,7 @@ bool TTraceGraphs::OnMessage(const TMessage& message)
         Redraw();
         return true;
     case MT_WHEEL:
-        ScrollBy(-message.Delta * StepsANotch * ScrollStep / Notch);
+        ScrollBy(-message.Delta * StepsANotch * ScrollStep / WheelNotch);
         return true;
     case MT_LEFTDOWN:
         TakeFocus();
