@@ -79,3 +79,13 @@ inline TVector2 operator*(float s, TVector2 v)
 {
     return v *= s;
 }
+
+// Of length 1; zero for points that coincide.
+inline TVector2 GetDirection(const TVector2& from, const TVector2& to)
+{
+    TVector2 direction = to - from;
+    if (!(direction.LengthSquared() > 0))
+        return TVector2(0, 0);
+    direction.Normalise();
+    return direction;
+}

@@ -97,3 +97,8 @@ inline TVector3 Cross(const TVector3& a, const TVector3& b)
                     static_cast<float>(double(a[2]) * b[0] - double(a[0]) * b[2]),
                     static_cast<float>(double(a[0]) * b[1] - double(a[1]) * b[0]));
 }
+
+inline bool IsFinite(const TVector3& v)
+{
+    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
+}

@@ -198,23 +198,23 @@ static int GetReadError(const char* path)
     return error;
 }
 
-void GetReadFault(const char* path, TString& fault)
+bool GetReadFault(const char* path, TString& fault)
 {
     const int error = GetReadError(path);
     fault = nullptr;
     if (error != 0)
         fault = GetReadText(error);
+    return error != 0 && !IsMissing(error);
 }
 
 bool GetReadRefusal(const char* path, TString& text)
 {
-    const int error = GetReadError(path);
-    if (error == 0 || IsMissing(error))
+    TString fault;
+    if (!GetReadFault(path, fault))
         return false;
-    ToShownPath(path, text);
-    text = ShortenText(text, MaxShownPath);
+    text = ShortenText(GetShownPath(path), MaxShownPath);
     text += ": ";
-    text += GetReadText(error);
+    text += fault;
     return true;
 }
 

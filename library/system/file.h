@@ -24,9 +24,10 @@ bool ReadFileBytes(const char* path, vector<uint8_t>& bytes);
 bool MakeDirectory(const char* path);
 // Whether two paths lead to one file, whatever links and spellings they take.
 bool IsSameFile(const char* a, const char* b);
-// Why a path cannot be opened for reading, as a person reads it; empty if it can.
-void GetReadFault(const char* path, TString& fault);
-// "PATH: Permission denied", for a file that is there and cannot be opened for reading; false for others.
+// Why a path cannot be opened for reading, as a person reads it; empty if it can. Whether the file is there
+// and refused.
+bool GetReadFault(const char* path, TString& fault);
+// "PATH: Permission denied", for a file that is there and refused; false for others.
 bool GetReadRefusal(const char* path, TString& text);
 
 // The program's file: reading goes through a one-block cache, writing straight to the platform. Wrong use

@@ -107,17 +107,10 @@ void ToSystemPath(const char* path, TString& out)
         FindPathIgnoringCase(exact.Print(), out);
 }
 
-void ToShownPath(const char* path, TString& out)
+TString GetShownPath(const char* path)
 {
     TString shown(path);
     shown.Replace('\\', '/');
-    out = shown;
-}
-
-TString GetShownPath(const char* path)
-{
-    TString shown;
-    ToShownPath(path, shown);
     return shown;
 }
 

@@ -9,7 +9,6 @@
 void ToSystemPath(const char* path, TString& out);
 
 // The path as a person reads it: the system's own separators, nothing looked up.
-void ToShownPath(const char* path, TString& out);
 TString GetShownPath(const char* path);
 
 // "/" to "\\", as paths are kept and compared.

@@ -1,5 +1,6 @@
 #include "library/system/resource.h"
 
+#include "library/containers/byteorder.h"
 #include "library/containers/classregistry.h"
 #include "library/containers/owner.h"
 #include "library/containers/strtoid.h"
@@ -11,18 +12,6 @@ namespace {
 // The bytes "RSRC" at the start of every resource file; the NameID of the class follows.
 constexpr uint32_t ResourceMagic = 0x43525352;
 constexpr const char* FirstExtensions[] = {"matbank", "geom", "bvh"};
-
-uint32_t DecodeWord(const unsigned char* bytes)
-{
-    return bytes[0] | static_cast<uint32_t>(bytes[1]) << 8 | static_cast<uint32_t>(bytes[2]) << 16 |
-           static_cast<uint32_t>(bytes[3]) << 24;
-}
-
-void EncodeWord(uint32_t word, unsigned char* bytes)
-{
-    for (int i = 0; i < 4; ++i)
-        bytes[i] = static_cast<unsigned char>(word >> (8 * i));
-}
 
 // A new object of the class that a file names. The file can name any class of the program; only those that
 // are resources, and can be made, will do.
@@ -101,9 +90,9 @@ TResource* TResourceSystem::LoadResource(uint32_t id)
     ASSERT_TEXT_MSG(file.OpenRead(record.Path), "0",
                     TempFormat("Failed to open %s for reading", record.Path.Print()));
     unsigned char header[8];
-    ASSERT_TEXT(file.Read(header, sizeof(header)) && DecodeWord(header) == ResourceMagic,
+    ASSERT_TEXT(file.Read(header, sizeof(header)) && LittleU32(header) == ResourceMagic,
                 "header[0] == 0x43525352 : Bad resource header");
-    TOwner<TResource> resource = MakeResource(DecodeWord(header + 4));
+    TOwner<TResource> resource = MakeResource(LittleU32(header + 4));
     resource->ID = id;
     const bool imported = resource->Read(file);
     file.Close();
@@ -131,8 +120,8 @@ bool TResourceSystem::SaveResource(uint32_t id)
     ASSERT_TEXT_MSG(file.OpenWrite(record.Path), "0",
                     TempFormat("Failed to open %s for writing", record.Path.Print()));
     unsigned char header[8];
-    EncodeWord(ResourceMagic, header);
-    EncodeWord(record.Resource->GetClassId(), header + 4);
+    PutLittleU32(header, ResourceMagic);
+    PutLittleU32(header + 4, record.Resource->GetClassId());
     if (file.Write(header, sizeof(header)) && record.Resource->Write(file))
         return file.Close();
     file.Abandon();

@@ -17,6 +17,11 @@ class TWindowClass
 {
 public:
     explicit TWindowClass(const char* name) : Name(name) {}
+    // Registered.
+    TWindowClass(const char* name, int iconId, TGDIColour background, bool ownDC = false) : Name(name)
+    {
+        Register(iconId, background, ownDC);
+    }
     // Once: asserts "!Registered : Attempt to reregister class atom".
     void Register(int iconId, TGDIColour background, bool ownDC = false, bool doubleClicks = false,
                   bool saveBits = false);

@@ -9,7 +9,6 @@
 #include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/xmltext.h"
 
-constexpr int NumColours = 4;
 constexpr int NumRampTypes = 5;
 // Part of a name that a fault quotes.
 constexpr int NameLimit = 100;
@@ -65,7 +64,7 @@ bool TNodeChecker::CheckType()
         return Fail(Type->Name, "has too many parameters or ports");
     if (Type->Category < 0 || Type->Category >= TU_NUMUSAGES)
         return Fail(Type->Name, "has an unknown category");
-    if (Type->Colour < 0 || Type->Colour >= NumColours)
+    if (Type->Colour < 0 || Type->Colour >= NumNodeColours)
         return Fail(Type->Name, "has an unknown colour");
     if (Type->NumOwnParameters < 0 || Type->NumOwnParameters > Type->GetNumParameters())
         return Fail(Type->Name, "has a wrong number of own parameters");

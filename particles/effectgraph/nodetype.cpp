@@ -114,8 +114,7 @@ TNodeParameter* TNodeType::FindParameter(const char* path) const
 
 bool TNodeType::LoadXml(const char* path, TErrorList& errors)
 {
-    TString name;
-    ToShownPath(path, name);
+    const TString name = GetShownPath(path);
     TXmlFile xml;
     if (!xml.OpenRead(path)) {
         errors.Add(new TError("Could not open node file %s for reading\n", QuoteText(name).Print()));

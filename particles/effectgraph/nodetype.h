@@ -25,6 +25,10 @@ enum TNodeFlags : uint32_t
 // The priority of a render node stands in the flag word's top byte.
 constexpr int RenderPriorityShift = 24;
 
+// By TNodeType::Colour, as files and texts spell them.
+constexpr int NumNodeColours = 4;
+constexpr const char* NodeColourNames[NumNodeColours] = {"red", "green", "blue", "cyan"};
+
 struct TOutputPort
 {
     int Type = TY_SCALAR;

@@ -45,10 +45,9 @@ void TNodeTypeLibrary::LoadDirectory(const char* path, int parentItem, TErrorLis
     vector<TDirectoryEntry> entries;
     int error = 0;
     if (!ListDirectory(path, entries, &error)) {
-        TString shown;
-        ToShownPath(path, shown);
         if (error != ENOENT)
-            errors.Add(new TError("%s: %s", QuoteText(shown).Print(), GetSystemErrorText(error).Print()));
+            errors.Add(new TError("%s: %s", QuoteText(GetShownPath(path)).Print(),
+                                  GetSystemErrorText(error).Print()));
         return;
     }
     TString prefix(path);

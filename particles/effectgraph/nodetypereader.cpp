@@ -55,12 +55,10 @@ bool TNodeTypeReader::ReadCategory()
 bool TNodeTypeReader::ReadFlagsAndColour()
 {
     constexpr int NumFlags = 3;
-    constexpr int NumColours = 4;
     static constexpr const char* Missing =
         "Node type file missing bypassable/processhint/lasthint/colour tags";
     static constexpr const char* Names[NumFlags + 1] = {"bypassable", "processhint", "lasthint", "colour"};
     static constexpr uint32_t Flags[NumFlags] = {FL_BYPASSABLE, FL_PROCESSHINT, FL_LASTHINT};
-    static constexpr const char* Colours[NumColours] = {"red", "green", "blue", "cyan"};
     int step = 0;
     while (true) {
         const int found = Xml.FindAnyTagFromHere(NumFlags + 1 - step, Names + step);
@@ -76,9 +74,9 @@ bool TNodeTypeReader::ReadFlagsAndColour()
     if (!ReadText(text, Missing))
         return false;
     int colour = 0;
-    while (colour < NumColours && text.Compare(Colours[colour]) != 0)
+    while (colour < NumNodeColours && text.Compare(NodeColourNames[colour]) != 0)
         ++colour;
-    if (colour == NumColours)
+    if (colour == NumNodeColours)
         return File.Fail("Unknown colour %s in node type file", QuoteText(text).Print());
     Type.Colour = colour;
     return true;

@@ -119,14 +119,6 @@ bool TNodeRampParameter::ParseCurves(TNodeTypeFile& file)
     return true;
 }
 
-static TRampPoint PointBetween(const TRampPoint& a, const TRampPoint& b, double part)
-{
-    TRampPoint point;
-    point.X = static_cast<float>(a.X + (double(b.X) - a.X) * part);
-    point.Y = static_cast<float>(a.Y + (double(b.Y) - a.Y) * part);
-    return point;
-}
-
 bool TNodeRampParameter::ParseCurve(TNodeTypeFile& file, const TString& text, vector<TRampPoint>& curve)
 {
     vector<TString> pieces;

@@ -11,6 +11,13 @@ struct TRampPoint
     bool operator==(const TRampPoint& other) const { return X == other.X && Y == other.Y; }
 };
 
+// From `a` at 0 to `b` at 1, and beyond.
+inline TRampPoint PointBetween(const TRampPoint& a, const TRampPoint& b, double part)
+{
+    return TRampPoint{static_cast<float>(a.X + (double(b.X) - a.X) * part),
+                      static_cast<float>(a.Y + (double(b.Y) - a.Y) * part)};
+}
+
 // Up to four curves over one time-like axis. A curve is a chain of cubic Bezier segments: anchor, handle,
 // handle, anchor, and so on.
 class TNodeRampParameter : public TRegistered<TNodeRampParameter, TNodeParameter>

@@ -278,7 +278,7 @@ bool MakeFlipbook(const char* folder, const char* name, int size, int format)
     return image.Save(path, format);
 }
 
-struct TPicture
+struct TSamplePicture
 {
     const char* Name;
     int Width;
@@ -287,7 +287,7 @@ struct TPicture
     TPainter Painter;
 };
 
-constexpr TPicture Pictures[] = {
+constexpr TSamplePicture Pictures[] = {
     {"glow.dds", 128, 128, IF_DDS_RAW, PaintGlow},
     {"dusk.dds", 128, 128, IF_DDS_RAW, PaintDusk},
     {"spark.dds", 64, 256, IF_DDS_RAW, PaintSpark},
@@ -308,7 +308,7 @@ constexpr TPicture Pictures[] = {
 bool MakeSamplePictures(const char* folder)
 {
     bool made = MakeFlipbook(folder, "fire.dds", 512, IF_DDS_DXT5);
-    for (const TPicture& picture : Pictures)
+    for (const TSamplePicture& picture : Pictures)
         made &=
             MakePicture(folder, picture.Name, picture.Width, picture.Height, picture.Format, picture.Painter);
     return made;

@@ -1,6 +1,8 @@
 #include "library/containers/image/image.h"
 
+#include "library/containers/byteorder.h"
 #include "library/containers/image/dxt.h"
+#include "library/containers/wholenumbers.h"
 #include "library/system/file.h"
 
 #include <cstring>
@@ -55,35 +57,6 @@ const TPixelCode& FindPixelCode(uint32_t code)
         if (entry.Code == code)
             return entry;
     return UnknownCode;
-}
-
-uint32_t LittleU32(const uint8_t* p)
-{
-    return p[0] | static_cast<uint32_t>(p[1]) << 8 | static_cast<uint32_t>(p[2]) << 16 |
-           static_cast<uint32_t>(p[3]) << 24;
-}
-
-uint32_t BigU32(const uint8_t* p)
-{
-    return static_cast<uint32_t>(p[0]) << 24 | static_cast<uint32_t>(p[1]) << 16 |
-           static_cast<uint32_t>(p[2]) << 8 | p[3];
-}
-
-uint32_t BigU16(const uint8_t* p)
-{
-    return static_cast<uint32_t>(p[0]) << 8 | p[1];
-}
-
-void PutLittleU32(uint8_t* p, uint32_t value)
-{
-    for (int i = 0; i < 4; ++i)
-        p[i] = static_cast<uint8_t>(value >> (8 * i));
-}
-
-void PutBigU32(uint8_t* p, uint32_t value)
-{
-    for (int i = 0; i < 4; ++i)
-        p[i] = static_cast<uint8_t>(value >> (24 - 8 * i));
 }
 
 // The high byte of a 16-bit value.
@@ -155,11 +128,6 @@ bool WriteFileFrom(const char* path, const uint8_t* head, int headSize, const ve
     }
     fault = file.GetFault();
     return written;
-}
-
-bool IsPowerOf2(int value)
-{
-    return value > 0 && (value & (value - 1)) == 0;
 }
 
 } // namespace

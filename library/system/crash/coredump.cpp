@@ -1,5 +1,6 @@
 #include "library/system/crash/coredump.h"
 
+#include "library/containers/wholenumbers.h"
 #include "library/system/crash/crashfile.h"
 #include "library/system/crash/crashwriter.h"
 
@@ -14,13 +15,7 @@
 
 namespace {
 
-constexpr uintptr_t PageSize = 4096;
 constexpr const char NoteName[] = "CORE";
-
-constexpr size_t RoundUp(size_t size, size_t step)
-{
-    return (size + step - 1) / step * step;
-}
 
 // A note: its header, its name and so many bytes.
 constexpr size_t GetNoteSize(size_t size)

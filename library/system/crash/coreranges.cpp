@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr uintptr_t PageSize = 4096;
 // Enough to see how a recursion without end began.
 constexpr uintptr_t MaxStack = 16u << 20;
 // The processor's rule: so much below the stack pointer may be in use.

@@ -10,6 +10,8 @@ enum TCoreContents
     CC_ALL
 };
 
+constexpr uintptr_t PageSize = 4096;
+
 struct TCoreRange
 {
     uintptr_t Begin;

@@ -2,14 +2,10 @@
 
 #include "library/containers/append.h"
 #include "library/containers/assertion.h"
+#include "library/containers/wholenumbers.h"
 
 #include <bit>
 #include <string.h>
-
-static bool IsPowerOf2(int n)
-{
-    return n > 0 && (n & (n - 1)) == 0;
-}
 
 static uint32_t SwapBytes(uint32_t value)
 {

@@ -3,6 +3,7 @@
 #include "library/containers/append.h"
 #include "library/containers/shortentext.h"
 #include "library/system/file.h"
+#include "library/system/files/xmlfile.h"
 
 #include <string.h>
 
@@ -11,12 +12,6 @@ namespace {
 constexpr int MaxShownName = 100;
 constexpr const char* CommentStart = "<!--";
 constexpr const char* CommentEnd = "-->";
-
-// Control characters and the space, as TXmlFile has it.
-bool IsBlank(char c)
-{
-    return static_cast<unsigned char>(c) < 33;
-}
 
 class TXmlChecker
 {
@@ -154,15 +149,15 @@ const char* TXmlChecker::FindCommentEnd() const
 bool TXmlChecker::IsRead(const char* tag) const
 {
     const char* name = tag + 1;
-    while (name < End && IsBlank(*name))
+    while (name < End && IsXmlBlank(*name))
         ++name;
     if (name == End || *name != '/')
         return true;
     ++name;
-    while (name < End && IsBlank(*name))
+    while (name < End && IsXmlBlank(*name))
         ++name;
     const char* end = name;
-    while (end < End && !IsBlank(*end) && *end != '>')
+    while (end < End && !IsXmlBlank(*end) && *end != '>')
         ++end;
     TString closed;
     closed.Assign(name, end);
@@ -241,9 +236,9 @@ void TXmlChecker::CheckTag(const char* begin, const char* end)
     if (memchr(begin, 0, static_cast<size_t>(end - begin)) != nullptr)
         FailZero(TXmlFault::ZeroInTag);
     const char* last = end;
-    while (last > begin && IsBlank(last[-1]))
+    while (last > begin && IsXmlBlank(last[-1]))
         --last;
-    while (begin < last && IsBlank(*begin))
+    while (begin < last && IsXmlBlank(*begin))
         ++begin;
     if (begin == last)
         return;
@@ -256,10 +251,10 @@ void TXmlChecker::CheckTag(const char* begin, const char* end)
     const bool closes = *begin == '/';
     if (closes)
         ++begin;
-    while (begin < last && IsBlank(*begin))
+    while (begin < last && IsXmlBlank(*begin))
         ++begin;
     const char* nameEnd = begin;
-    while (nameEnd < last && !IsBlank(*nameEnd))
+    while (nameEnd < last && !IsXmlBlank(*nameEnd))
         ++nameEnd;
     const int length = static_cast<int>(nameEnd - begin);
     if (closes)

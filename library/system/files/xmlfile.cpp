@@ -7,12 +7,6 @@
 
 static constexpr const char* CommentStart = "!--";
 
-// Control characters and the space; bytes of 128 and above are part of names.
-static bool IsBlank(char c)
-{
-    return static_cast<unsigned char>(c) < 33;
-}
-
 // The names of the elements that a search stands in, outermost first. Files are not to be trusted with depth
 // or length.
 class TXmlFile::TNameStack
@@ -51,11 +45,8 @@ bool TXmlFile::OpenRead(const char* path)
 
 bool TXmlFile::Close()
 {
-    if (IsOpen() && HasMismatch) {
-        TString shown;
-        ToShownPath(GetPath(), shown);
-        DebugPrintf("Mismatched closing tags in %s\n", shown.Print());
-    }
+    if (IsOpen() && HasMismatch)
+        DebugPrintf("Mismatched closing tags in %s\n", GetShownPath(GetPath()).Print());
     return TFile::Close();
 }
 
@@ -142,19 +133,19 @@ bool TXmlFile::ReadTag(TTag& tag)
     char* name = text;
     tag.IsClosing = false;
     tag.IsEmpty = false;
-    while (name < end && IsBlank(*name))
+    while (name < end && IsXmlBlank(*name))
         ++name;
     if (name < end && *name == '/') {
         tag.IsClosing = true;
         ++name;
-        while (name < end && IsBlank(*name))
+        while (name < end && IsXmlBlank(*name))
             ++name;
     }
     char* nameEnd = name;
-    while (nameEnd < end && !IsBlank(*nameEnd))
+    while (nameEnd < end && !IsXmlBlank(*nameEnd))
         ++nameEnd;
     char* attributes = nameEnd;
-    while (attributes < end && IsBlank(*attributes))
+    while (attributes < end && IsXmlBlank(*attributes))
         ++attributes;
     if (!tag.IsClosing && nameEnd > name && nameEnd[-1] == '/') {
         tag.IsClosing = tag.IsEmpty = true;
@@ -162,7 +153,7 @@ bool TXmlFile::ReadTag(TTag& tag)
     }
     if (!tag.IsClosing) {
         const char* last = end;
-        while (last > text && IsBlank(last[-1]))
+        while (last > text && IsXmlBlank(last[-1]))
             --last;
         if (last > text && (last[-1] == '/' || last[-1] == '?'))
             tag.IsClosing = tag.IsEmpty = true;

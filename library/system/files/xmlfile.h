@@ -3,6 +3,12 @@
 #include "library/containers/list.h"
 #include "library/system/file.h"
 
+// Control characters and the space; bytes of 128 and above are part of names.
+constexpr bool IsXmlBlank(char c)
+{
+    return static_cast<unsigned char>(c) < 33;
+}
+
 // A pull reader of nested elements, straight on the file. Entities and CDATA are not understood. Names
 // compare without case.
 class TXmlFile : public TFile

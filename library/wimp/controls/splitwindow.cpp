@@ -1,18 +1,12 @@
 #include "library/wimp/controls/splitwindow.h"
 
 #include "library/containers/assertion.h"
+#include "library/maths/scalar.h"
 
 #include <cmath>
 
 // A pane cannot be dragged away altogether.
 static constexpr int SmallestPane = 10;
-
-static int Limit(int value, int low, int high)
-{
-    if (value > high)
-        value = high;
-    return value < low ? low : value;
-}
 
 void TSplitWindow::Attach(TWindow* owner)
 {
@@ -64,7 +58,7 @@ void TSplitWindow::Divide(const TPane& pane, TArea& before, TArea& gap, TArea& r
     before = gap = rest;
     const int start = pane.Vertical ? rest.Top : rest.Left;
     const int end = pane.Vertical ? rest.Bottom : rest.Right;
-    const int split = Limit(start + static_cast<int>(pane.Size), start, end - Gap);
+    const int split = Clamp(start + static_cast<int>(pane.Size), start, end - Gap);
     if (pane.Vertical) {
         before.Bottom = gap.Top = split;
         gap.Bottom = rest.Top = split + Gap;
@@ -142,7 +136,7 @@ void TSplitWindow::DragTo(int x, int y)
     const TArea client = GetClientArea();
     const int start = vertical ? before.Top : before.Left;
     const int end = (vertical ? client.Bottom : client.Right) - Gap - SmallestPane;
-    const int size = Limit((vertical ? y : x) - GrabOffset - start, SmallestPane, end - start);
+    const int size = Clamp((vertical ? y : x) - GrabOffset - start, SmallestPane, end - start);
     Panes[DraggedGap].Size = static_cast<float>(size);
     Layout();
 }

@@ -16,14 +16,13 @@ constexpr int BorderReach = 3;
 // A press on an arrow of the bar, and a notch of the wheel.
 constexpr int SideStep = 20;
 constexpr int SideStepsANotch = 3;
-constexpr int Notch = 120;
 constexpr TGDIColour White = 0xFFFFFF;
 constexpr TGDIColour LineColour = 0xE0E0E0;
 
-TWindowClass TableClass("efxdebug_tablewindow");
-TWindowClass HeaderClass("table_header");
-TWindowClass LabelClass("table_label");
-TWindowClass MainClass("table_main");
+TWindowClass TableClass("efxdebug_tablewindow", 0, ButtonColour);
+TWindowClass HeaderClass("table_header", 0, ButtonColour);
+TWindowClass LabelClass("table_label", 0, ButtonColour);
+TWindowClass MainClass("table_main", 0, White);
 
 // Of one cell, which the text may fill and not leave.
 void DrawText(TGDIContext& context, int left, int top, int width, const TString& text)
@@ -76,12 +75,6 @@ bool TTable::TPane::OnMessage(const TMessage& message)
 
 void TTable::Create(TWindow* owner, TTableProvider& provider, int flags)
 {
-    if (!TableClass.IsRegistered()) {
-        TableClass.Register(0, ButtonColour);
-        HeaderClass.Register(0, ButtonColour);
-        LabelClass.Register(0, ButtonColour);
-        MainClass.Register(0, White);
-    }
     Provider = &provider;
     Flags = flags;
     TWindowParams params;
@@ -329,10 +322,11 @@ bool TTable::OnMain(const TMessage& message)
         return true;
     case MT_WHEEL:
         if ((message.KeyFlags & KF_SHIFT) != 0) {
-            ScrollSideways(-message.Delta * SideStepsANotch * SideStep / Notch);
+            ScrollSideways(-message.Delta * SideStepsANotch * SideStep / WheelNotch);
             return true;
         }
-        Main.SetScrollPosition(Main.GetScrollPosition() - message.Delta * RowsANotch * RowHeight / Notch);
+        Main.SetScrollPosition(Main.GetScrollPosition() -
+                               message.Delta * RowsANotch * RowHeight / WheelNotch);
         RedrawCells();
         return true;
     case MT_KEYDOWN:

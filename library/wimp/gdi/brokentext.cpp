@@ -4,14 +4,6 @@
 
 namespace {
 
-int GetWidth(const TGDIFont& font, const char* text)
-{
-    int width = 0;
-    int height = 0;
-    GetTextExtent(font, text, width, height);
-    return width;
-}
-
 // The end of the words that have room in the width, or of one that has not.
 const char* FindBreak(const TGDIFont& font, const char* text, int width)
 {
@@ -24,7 +16,7 @@ const char* FindBreak(const TGDIFont& font, const char* text, int width)
             ++word;
         TString line;
         line.Assign(text, word);
-        if (end != text && GetWidth(font, line.Print()) > width)
+        if (end != text && GetTextWidth(font, line.Print()) > width)
             return end;
         end = at = word;
         if (*at == '\n')

@@ -260,6 +260,14 @@ void GetTextExtent(const TGDIFont& font, const char* text, int& width, int& heig
     Measure(QFontMetrics(ToFont(font)), text, width, height);
 }
 
+int GetTextWidth(const TGDIFont& font, const char* text)
+{
+    int width = 0;
+    int height = 0;
+    GetTextExtent(font, text, width, height);
+    return width;
+}
+
 void FitText(const TGDIFont& font, const char* text, int width, TString& result)
 {
     result = Shorten(QFontMetrics(ToFont(font)), text, width).constData();

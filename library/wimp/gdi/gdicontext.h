@@ -88,5 +88,6 @@ TGDIColour GetButtonColour();
 
 // Without a window at hand.
 void GetTextExtent(const TGDIFont& font, const char* text, int& width, int& height);
+int GetTextWidth(const TGDIFont& font, const char* text);
 // As much of the text as has room in the width, with an ellipsis where it ends before its time.
 void FitText(const TGDIFont& font, const char* text, int width, TString& result);

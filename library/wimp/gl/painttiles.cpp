@@ -1,5 +1,6 @@
 #include "library/wimp/gl/painttiles.h"
 
+#include "library/containers/wholenumbers.h"
 #include "library/wimp/gl/texturerevision.h"
 
 #include <cstring>
@@ -11,12 +12,6 @@ constexpr int MaxParts = 6;
 // tiles that lie around it.
 constexpr int FewTiles = 6;
 constexpr int HalfDot = TRenderList::PartsPerDot / 2;
-
-int FloorOfQuotient(int value, int divisor)
-{
-    const int quotient = value / divisor;
-    return value % divisor < 0 ? quotient - 1 : quotient;
-}
 
 // Wraps around.
 int GetDistance(int from, int to)

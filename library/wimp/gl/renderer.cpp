@@ -1,6 +1,7 @@
 #include "library/wimp/gl/renderer.h"
 
 #include "library/containers/assertion.h"
+#include "library/containers/wholenumbers.h"
 #include "library/wimp/gl/glcontext.h"
 #include "library/wimp/gl/rendererwatch.h"
 #include "library/wimp/gl/renderobject.h"
@@ -9,6 +10,7 @@
 #include "library/wimp/gl/tintprogram.h"
 
 #include <GL/glew.h>
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -16,21 +18,6 @@ namespace {
 // whatever has been rounded on the way.
 constexpr int PlacesPerDot = 16;
 
-int64_t FloorOfQuotient(int64_t value, int64_t divisor)
-{
-    const int64_t quotient = value / divisor;
-    return value % divisor < 0 ? quotient - 1 : quotient;
-}
-
-float Larger(float a, float b)
-{
-    return a > b ? a : b;
-}
-
-float Smaller(float a, float b)
-{
-    return a < b ? a : b;
-}
 } // namespace
 
 TRenderer::~TRenderer()
@@ -172,8 +159,8 @@ void TRenderer::PushWindow(const TVector2& min, const TVector2& max)
     TClipRectangle clip{min + GetOrigin(), max + GetOrigin()};
     const TClipRectangle& top = WindowStack.back();
     for (int i = 0; i < 2; ++i) {
-        clip.Min[i] = Larger(clip.Min[i], top.Min[i]);
-        clip.Max[i] = Smaller(clip.Max[i], top.Max[i]);
+        clip.Min[i] = std::max(top.Min[i], clip.Min[i]);
+        clip.Max[i] = std::min(top.Max[i], clip.Max[i]);
     }
     WindowStack.push_back(clip);
     SetScissor(clip);

@@ -316,6 +316,18 @@ TRenderObject* TRenderObject::FindTarget(TRenderer& renderer, TRenderObject& roo
     return overlay != nullptr ? overlay : root.HitTest(point);
 }
 
+bool TRenderObject::TellParent(int code, int detail, const TVector2& point)
+{
+    if (Parent == nullptr)
+        return false;
+    TRenderEvent event;
+    event.Source = this;
+    event.Code = code;
+    event.Point = point;
+    event.Detail = detail;
+    return Parent->Event(event);
+}
+
 bool TRenderObject::Send(TRenderObject* object, int code, int detail)
 {
     if (object == nullptr)

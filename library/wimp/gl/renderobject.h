@@ -156,6 +156,8 @@ public:
 protected:
     // A container whose bounds depend on its children forgets them.
     virtual void ForgetBounds() {}
+    // Whether there is a parent and it took the event. It may take this object away.
+    bool TellParent(int code, int detail = 0, const TVector2& point = TVector2(0, 0));
 
     TRenderObject* Parent = nullptr;
     TVector2 Origin = TVector2(0, 0);

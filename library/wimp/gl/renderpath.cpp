@@ -20,16 +20,6 @@ TVector2 OneThird(const TVector2& from, const TVector2& to)
                     static_cast<float>((2.0 * from[1] + to[1]) / 3.0));
 }
 
-// The unit direction, or zeros for points that coincide.
-TVector2 Direction(const TVector2& from, const TVector2& to)
-{
-    TVector2 direction = to - from;
-    if (!(direction.LengthSquared() > 0.0f))
-        return TVector2(0, 0);
-    direction.Normalise();
-    return direction;
-}
-
 bool IsZero(const TVector2& v)
 {
     return v[0] == 0.0f && v[1] == 0.0f;
@@ -364,12 +354,12 @@ void MakeStroke(const vector<TVector2>& points, bool closed, float width, vector
     if (count < 2)
         return;
     strip.reserve(2 * count + 2);
-    TVector2 before = closed ? Direction(points[count - 1], points[0]) : TVector2(0, 0);
+    TVector2 before = closed ? GetDirection(points[count - 1], points[0]) : TVector2(0, 0);
     for (int i = 0; i < count; ++i) {
         const bool last = i == count - 1;
         TVector2 after(0, 0);
         if (!last || closed)
-            after = Direction(points[i], points[last ? 0 : i + 1]);
+            after = GetDirection(points[i], points[last ? 0 : i + 1]);
         // An end, or points that coincide: there is one segment only.
         if (IsZero(before))
             before = after;

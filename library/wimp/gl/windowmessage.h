@@ -79,6 +79,9 @@ enum TKeyFlag
 
 class TGDIContext;
 
+// What a notch of the wheel turns a message's Delta by.
+constexpr int WheelNotch = 120;
+
 struct TMessage
 {
     TMessageType Type = MT_PAINT;
@@ -86,7 +89,7 @@ struct TMessage
     // the new position.
     double X = 0;
     double Y = 0;
-    // 120 for a notch of the wheel, away from the user.
+    // A WheelNotch for each notch of the wheel, away from the user.
     int Delta = 0;
     // For key messages.
     int Key = 0;

@@ -35,7 +35,7 @@ void FindFile(TCindermillApp& app, TDependency& dependency)
                            ? FindTypeFile(app.GetNodeTypes(), dependency.Name, path)
                            : app.GetResourceLocator().Find(dependency.Name, path) != FR_NOTFOUND;
     if (found)
-        ToShownPath(path, dependency.Path);
+        dependency.Path = GetShownPath(path);
 }
 
 } // namespace

@@ -13,9 +13,7 @@ static void AddErrorsOfFile(const char* id, const char* path, const TErrorList& 
     report.AddFile(path);
     for (const TError* error : errors) {
         const TFileError* ofFile = dynamic_cast<const TFileError*>(error);
-        TString shown(path);
-        if (ofFile != nullptr)
-            ToShownPath(ofFile->GetFileName(), shown);
+        const TString shown = ofFile != nullptr ? GetShownPath(ofFile->GetFileName()) : TString(path);
         TFinding finding = MakeFinding(id, shown, error->GetMessage());
         finding.Line = ofFile != nullptr ? ofFile->GetLine() : 0;
         report.Add(finding);
@@ -132,7 +130,6 @@ void TellNodeTypes(TBatchSession& session, TFindingReport& report)
 
 void AddNodeTypeFindings(const TBatchSession& session, TFindingReport& report)
 {
-    TString directory;
-    ToShownPath(session.GetNodeTypesPath(), directory);
-    AddErrorsOfFile("type.error", directory, session.GetNodeTypeErrors(), report);
+    AddErrorsOfFile("type.error", GetShownPath(session.GetNodeTypesPath()), session.GetNodeTypeErrors(),
+                    report);
 }

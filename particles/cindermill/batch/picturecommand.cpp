@@ -61,10 +61,8 @@ int TPictureCommand::Run(TBatchSession& session, TArguments& arguments) const
     TString path;
     const TString& directory = session.GetApp().GetProgramDirectory();
     if (!FindPictureProgram(directory, path)) {
-        TString shown;
-        ToShownPath(directory, shown);
         std::fprintf(stderr, "Pictures are drawn by the program cindermill-picture, which is not in %s\n",
-                     shown.Print());
+                     GetShownPath(directory).Print());
         return StatusErrors;
     }
     vector<TString> words;
@@ -76,7 +74,6 @@ int TPictureCommand::Run(TBatchSession& session, TArguments& arguments) const
     TString fault;
     std::fflush(stdout);
     BecomeProgram(words, fault);
-    ToShownPath(words[0], path);
-    std::fprintf(stderr, "%s cannot be started: %s\n", path.Print(), fault.Print());
+    std::fprintf(stderr, "%s cannot be started: %s\n", GetShownPath(words[0]).Print(), fault.Print());
     return StatusErrors;
 }

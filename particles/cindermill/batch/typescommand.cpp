@@ -61,15 +61,13 @@ private:
     void WriteType(TJsonText& json, int index) const
     {
         const TNodeType& type = *Library.GetType(index);
-        TString kept;
         TString path;
-        Library.GetTypePath(index, kept);
-        ToShownPath(kept, path);
+        Library.GetTypePath(index, path);
         json.BeginObject();
         json.Text("name", type.Name);
         json.Text("category", GetUsageName(type.Category));
         json.Text("class", type.ClassName);
-        json.Text("file", path);
+        json.Text("file", GetShownPath(path));
         json.BeginArray("inputs");
         for (int p = 0; p < type.GetNumInputs(); ++p)
             WritePort(json, type.GetInput(p)->Name, type.GetBasicInputType(p));

@@ -13,7 +13,6 @@ constexpr int TextLeft = 6;
 constexpr int TextTop = 3;
 // In pixels, for a notch.
 constexpr int WheelStep = 60;
-constexpr int WheelNotch = 120;
 constexpr TGDIColour White = 0xFFFFFF;
 constexpr TGDIColour TextColour = 0x202020;
 constexpr TGDIColour DisabledColour = 0xA8A8A8;
@@ -22,9 +21,7 @@ constexpr int BadgeSize = 6;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_docgraphheader");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, White);
+    static TWindowClass windowClass("cindermill_docgraphheader", 0, White);
     return windowClass;
 }
 

@@ -28,9 +28,7 @@ constexpr int FillIndent = 14;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_doctool");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, White);
+    static TWindowClass windowClass("cindermill_doctool", 0, White);
     return windowClass;
 }
 

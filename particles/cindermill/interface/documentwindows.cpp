@@ -263,7 +263,7 @@ void TDocumentWindows::UpdateTitles(TDocument& document)
     const char star = modified ? '*' : 0;
     TString name = "doc";
     if (!document.GetPath().IsEmpty())
-        ToShownPath(document.GetPath(), name);
+        name = GetShownPath(document.GetPath());
     for (int i = 0; i < Windows.size(); ++i) {
         TString title;
         if (Windows.size() == 1)

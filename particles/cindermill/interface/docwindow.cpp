@@ -17,9 +17,7 @@ constexpr float ToolWidth = 200;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_docwindow");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(IconId, 0xFFFFFF);
+    static TWindowClass windowClass("cindermill_docwindow", IconId, 0xFFFFFF);
     return windowClass;
 }
 

@@ -4,13 +4,6 @@
 
 namespace {
 
-float Limit(float value, float min, float max)
-{
-    if (!(value > min))
-        return min;
-    return value < max ? value : max;
-}
-
 // How far a position that lies the distance inside of an edge reaches into the edge's margin, or through it.
 double GetDepth(double distance, int margin)
 {
@@ -33,7 +26,7 @@ void TGraphView::Zoom(double x, double y, int delta)
     constexpr double PerDelta = 0.0005;
     constexpr double MinLengthSquared = 0.02;
     constexpr double MaxLengthSquared = 98.0;
-    const float factor = Limit(static_cast<float>(delta * PerDelta + 1.0), 0.5f, 1.5f);
+    const float factor = ClampNumber(static_cast<float>(delta * PerDelta + 1.0), 0.5f, 1.5f);
     const TVector2 fixed = PixelToWorld(x, y);
     Scale *= factor;
     const double lengthSquared = Scale.LengthSquared();
@@ -104,7 +97,7 @@ void TGraphView::Frame(const TVector2& min, const TVector2& max, int width, int 
     const TVector2 to = max + TVector2(Space, Space);
     const float across = static_cast<float>(double(width) / (double(to[0]) - from[0]));
     const float down = static_cast<float>(double(height) / (double(to[1]) - from[1]));
-    const float zoom = Limit(across < down ? across : down, 0.1f, 3.0f);
+    const float zoom = ClampNumber(across < down ? across : down, 0.1f, 3.0f);
     const TVector2 centre(static_cast<float>((double(from[0]) + to[0]) * 0.5),
                           static_cast<float>((double(from[1]) + to[1]) * 0.5));
     SetCentre(centre, TVector2(zoom, zoom), width, height);

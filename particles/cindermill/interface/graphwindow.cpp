@@ -28,9 +28,7 @@ int EdgeMargin = TGraphView::ScrollMargin;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_docwindow");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(IconId, Paper, true);
+    static TWindowClass windowClass("cindermill_docwindow", IconId, Paper, true);
     return windowClass;
 }
 

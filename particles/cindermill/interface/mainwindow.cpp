@@ -64,7 +64,7 @@ void AddLines(TMenu& menu, const TMenuLine (&lines)[Count])
 
 TWindowClass& GetMainWindowClass()
 {
-    static TWindowClass windowClass("pelmark_mainwindow");
+    static TWindowClass windowClass("pelmark_mainwindow", MainIcon, 0x808080);
     return windowClass;
 }
 
@@ -80,8 +80,6 @@ static TGraphActions* GetGraphActions()
 bool TMainWindow::Create()
 {
     TWindowClass& windowClass = GetMainWindowClass();
-    if (!windowClass.IsRegistered())
-        windowClass.Register(MainIcon, 0x808080);
     int screenWidth = 0;
     int screenHeight = 0;
     GetScreenSize(screenWidth, screenHeight);
@@ -168,11 +166,8 @@ void TMainWindow::RebuildRecentFiles(const vector<TString>& files)
 {
     TMenu* menu = Menu.FindPopup(MI_RECENTFILES);
     menu->Clear();
-    for (int i = 0; i < files.size() && i < MaxRecentEntries; ++i) {
-        TString shown;
-        ToShownPath(files[i], shown);
-        menu->InsertItem(0, MI_RECENTFILE + i, shown.Print());
-    }
+    for (int i = 0; i < files.size() && i < MaxRecentEntries; ++i)
+        menu->InsertItem(0, MI_RECENTFILE + i, GetShownPath(files[i]).Print());
     StartPage.Refresh();
 }
 

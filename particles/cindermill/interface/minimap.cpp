@@ -22,9 +22,7 @@ constexpr TGDIColour ProblemColour = 0xC62828;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_minimap");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, Paper);
+    static TWindowClass windowClass("cindermill_minimap", 0, Paper);
     return windowClass;
 }
 

@@ -38,9 +38,7 @@ int GetLook(TVerdictKind kind)
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_problems");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, Paper);
+    static TWindowClass windowClass("cindermill_problems", 0, Paper);
     return windowClass;
 }
 

@@ -19,19 +19,14 @@ void TResourceDialog::EndSearch()
 
 void TResourceDialog::ShowSearch(const char* name)
 {
-    TString shown;
-    ToShownPath(name, shown);
-    Dialog.Show(shown.Print());
+    Dialog.Show(GetShownPath(name).Print());
 }
 
 void TResourceDialog::ListDirectories(const vector<TString>& directories)
 {
     vector<TString> lines;
-    for (const TString& directory : directories) {
-        TString line;
-        ToShownPath(directory.IsEmpty() ? "\\" : directory.c_str(), line);
-        lines.push_back(line);
-    }
+    for (const TString& directory : directories)
+        lines.push_back(GetShownPath(directory.IsEmpty() ? "\\" : directory.c_str()));
     Dialog.SetList(lines);
 }
 

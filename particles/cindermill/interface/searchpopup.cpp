@@ -19,14 +19,11 @@ constexpr TGDIColour BarColour = 0xB4B9BE;
 constexpr int SwatchSize = 10;
 constexpr int TextTop = 4;
 constexpr int NameLeft = 24;
-constexpr int WheelNotch = 120;
 constexpr int WheelRows = 3;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_search");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, Paper);
+    static TWindowClass windowClass("cindermill_search", 0, Paper);
     return windowClass;
 }
 

@@ -25,11 +25,9 @@ TString GetShownFolder(const TString& path)
 {
     constexpr int MostCharacters = 44;
     TString folder;
-    TString shown;
     TString fitting;
     folder.SetDirectory(path);
-    ToShownPath(folder, shown);
-    shown.ShortenPath(fitting, MostCharacters);
+    GetShownPath(folder).ShortenPath(fitting, MostCharacters);
     return fitting;
 }
 
@@ -78,10 +76,8 @@ void TStartPage::AddRecentFiles()
     const int last = files.size() - 1;
     for (int i = last; i >= 0 && last - i < MaxShownFiles && i < MaxRecentEntries; --i) {
         TString name;
-        TString shown;
         name.SetFileName(files[i]);
-        ToShownPath(files[i], shown);
-        AddLine(MakeEntry(MI_RECENTFILE + i, name, GetShownFolder(files[i]), shown));
+        AddLine(MakeEntry(MI_RECENTFILE + i, name, GetShownFolder(files[i]), GetShownPath(files[i])));
     }
 }
 
@@ -93,9 +89,7 @@ void TStartPage::AddSamples()
         return;
     SetTileHeading("Samples");
     for (int i = 0; i < effects.size(); ++i) {
-        TString shown;
-        ToShownPath(effects[i], shown);
-        TEntry entry = MakeEntry(FirstSample + i, GetTitle(effects[i]), nullptr, shown);
+        TEntry entry = MakeEntry(FirstSample + i, GetTitle(effects[i]), nullptr, GetShownPath(effects[i]));
         TSampleEffects::GetPicture(effects[i], entry.Picture);
         AddTile(entry);
     }

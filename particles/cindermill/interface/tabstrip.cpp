@@ -6,12 +6,8 @@ void TTabStrip::SetLabels(const vector<TString>& labels)
 {
     Labels = labels;
     Ends.clear();
-    for (const TString& label : labels) {
-        int width = 0;
-        int height = 0;
-        GetTextExtent(TGDIFont(), label.Print(), width, height);
-        Ends.push_back(GetWhole() + width + TextSpace);
-    }
+    for (const TString& label : labels)
+        Ends.push_back(GetWhole() + GetTextWidth(TGDIFont(), label.Print()) + TextSpace);
     ScrollBy(0);
 }
 

@@ -2,24 +2,10 @@
 
 #include "library/system/clock.h"
 #include "library/system/message.h"
-#include "library/system/path.h"
 #include "library/system/systemerror.h"
 #include "particles/cindermill/main/document.h"
 
 #include <errno.h>
-
-namespace {
-
-TString GetShownName(const TDocument& document)
-{
-    if (document.GetPath().IsEmpty())
-        return "<unsaved document>";
-    TString shown;
-    ToShownPath(document.GetPath(), shown);
-    return shown;
-}
-
-} // namespace
 
 void TAutosave::Start(const char* folder)
 {
@@ -151,7 +137,7 @@ void TAutosave::WaitForDisc()
     SettleOutcomes();
     for (const TEntry* entry : Entries)
         if (!entry->Fault.IsEmpty())
-            DebugPrintf("%s could not be autosaved: %s\n", GetShownName(*entry->Document).Print(),
+            DebugPrintf("%s could not be autosaved: %s\n", GetEffectName(entry->Document->GetPath()).Print(),
                         entry->Fault.Print());
 }
 
@@ -184,7 +170,7 @@ void TAutosave::TellFaults()
         if (entry->Fault.IsEmpty() || entry->IsFaultTold)
             continue;
         entry->IsFaultTold = true;
-        const TString name = GetShownName(*entry->Document);
+        const TString name = GetEffectName(entry->Document->GetPath());
         const TString fault = entry->Fault;
         ShowMessage("%s could not be autosaved: %s. It is tried again every two minutes.", name.Print(),
                     fault.Print());

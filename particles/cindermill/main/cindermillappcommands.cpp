@@ -27,11 +27,6 @@ vector<TPathFilter> MakeFilters(const char* pattern)
     return filters;
 }
 
-TString GetShownName(const TDocument& document)
-{
-    return document.GetPath().IsEmpty() ? TString("<unsaved document>") : GetShownPath(document.GetPath());
-}
-
 // The kind of file that was chosen, where the name does not tell one.
 void AddMissingExtension(TString& path, const char* extension)
 {
@@ -475,7 +470,7 @@ bool TCindermillApp::SettleModified(const vector<TDocument*>& documents)
 {
     vector<TString> names;
     for (const TDocument* document : documents)
-        names.push_back(GetShownName(*document));
+        names.push_back(GetEffectName(document->GetPath()));
     const TModifiedAnswer answer = Host->AskModifiedFiles(names);
     if (answer != MA_YES)
         return answer == MA_NO;

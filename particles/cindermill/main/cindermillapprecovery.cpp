@@ -16,7 +16,7 @@ TString GetLine(const TLostEffect& effect)
     TString line;
     FormatLocalTime(effect.Note.Time, line);
     line += "   ";
-    line += effect.Note.Path.IsEmpty() ? "<unsaved document>" : GetShownPath(effect.Note.Path).Print();
+    line += GetEffectName(effect.Note.Path);
     if (effect.IsOlder)
         line += "   (the file was written later)";
     return line;

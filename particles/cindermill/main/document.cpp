@@ -2,6 +2,7 @@
 
 #include "library/containers/append.h"
 #include "library/system/message.h"
+#include "library/system/path.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/graph/operations/formerstates.h"
@@ -12,10 +13,10 @@
 #include "particles/cindermill/main/documenthost.h"
 #include "particles/cindermill/main/documentreport.h"
 #include "particles/cindermill/main/effectfile.h"
-#include "particles/cindermill/main/runcollecting.h"
 #include "particles/effectgraph/linkmender.h"
 #include "particles/effectgraph/pointermap.h"
 #include "particles/effectgraph/refreshrecord.h"
+#include "particles/effectgraph/runcollecting.h"
 
 namespace {
 
@@ -33,6 +34,11 @@ private:
 };
 
 } // namespace
+
+TString GetEffectName(const TString& path)
+{
+    return path.IsEmpty() ? TString("<unsaved document>") : GetShownPath(path);
+}
 
 TDocument::TDocument(TCindermillApp& app, TDocumentHost* host)
     : App(app), Host(host), Services(app.GetSettings(), app.GetResourceLocator()),

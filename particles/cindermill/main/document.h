@@ -38,6 +38,9 @@ private:
     TDocument& Document;
 };
 
+// What messages call the effect of a path, which may be empty: its shown form.
+TString GetEffectName(const TString& path);
+
 // One open effect: its chunks, its graph and history, its schedule and engine, its selection. Every edit goes
 // through ApplyOperation.
 //

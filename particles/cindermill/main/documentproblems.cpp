@@ -1,8 +1,8 @@
 #include "particles/cindermill/main/documentproblems.h"
 
 #include "library/containers/append.h"
-#include "particles/cindermill/main/runcollecting.h"
 #include "particles/effectgraph/effectgraph.h"
+#include "particles/effectgraph/runcollecting.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
 void TDocumentProblems::Take(const TEffectGraph& graph, const TErrorList& errors, bool ofGraph)

@@ -27,9 +27,7 @@ void TDocumentReport::AddHeading(const char* heading)
 void TDocumentReport::AddFile(const TString& path, bool modified)
 {
     AddHeading("Effect File");
-    TString shownPath;
-    ToShownPath(path, shownPath);
-    AddLine("Save path: %s\r\n", path.IsEmpty() ? "<none>" : shownPath.Print());
+    AddLine("Save path: %s\r\n", path.IsEmpty() ? "<none>" : GetShownPath(path).Print());
     AddLine("Modified: %s\r\n", modified ? "yes" : "no");
 }
 

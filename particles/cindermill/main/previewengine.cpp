@@ -1,9 +1,9 @@
 #include "particles/cindermill/main/previewengine.h"
 
 #include "particles/cindermill/main/resourcelocator.h"
-#include "particles/cindermill/main/runcollecting.h"
 #include "particles/cindermill/main/schedulecomparison.h"
 #include "particles/effectgraph/export/exportdata.h"
+#include "particles/effectgraph/runcollecting.h"
 
 void TPreviewEngine::SetGoes(TGoes goes, void* data)
 {

@@ -144,12 +144,8 @@ bool TResourceLocator::PrepareName(TString& path)
     TString kept;
     ToKeptPath(path, kept);
     if (!BasePath.IsEmpty() && kept.CompareStart(BasePath) != 0) {
-        TString shownPath;
-        TString shownBase;
-        ToShownPath(path, shownPath);
-        ToShownPath(BasePath, shownBase);
-        ShowMessage("File %s does not fall under your resource base path %s", shownPath.Print(),
-                    shownBase.Print());
+        ShowMessage("File %s does not fall under your resource base path %s", GetShownPath(path).Print(),
+                    GetShownPath(BasePath).Print());
         return false;
     }
     TString relative;
@@ -296,10 +292,8 @@ void TResourceLocator::RememberLocated(const char* name, const char* path)
 
 bool TResourceLocator::Choose(const char* name, TString& path)
 {
-    TString shown;
-    ToShownPath(name, shown);
     TString title = "Find resource ";
-    title += shown;
+    title += GetShownPath(name);
     TString leaf;
     leaf.SetFileName(name);
     TString pattern;

@@ -43,11 +43,8 @@ void TTextureWatch::OnChanged(const char* path, void* context)
 
 bool TTextureWatch::IsWanted(const char* path) const
 {
-    if (Settings.GetAutoCheckUpdate() != 1)
-        return true;
-    TString shown;
-    ToShownPath(path, shown);
-    return AskQuestion("File %s has changed on disc. Reload?", shown.Print());
+    return Settings.GetAutoCheckUpdate() != 1 ||
+           AskQuestion("File %s has changed on disc. Reload?", GetShownPath(path).Print());
 }
 
 void TTextureWatch::Reload(const char* path)

@@ -83,14 +83,14 @@ bool ReadFrame(const char* word, TPictureOptions& options)
     return isRead;
 }
 
-struct TOption
+struct TOptionWord
 {
     const char* Word;
     const char* Needs;
     bool (*Read)(const char* word, TPictureOptions& options);
 };
 
-constexpr TOption Table[] = {
+constexpr TOptionWord Table[] = {
     {"--frame", "a whole number", ReadFrame},
     {"--frames", "two whole numbers, the smaller first, such as 1-24", ReadFrames},
     {"--sheet", "a number of columns",
@@ -115,9 +115,9 @@ bool IsFrameOption(const char* word)
     return std::strcmp(word, "--frame") == 0 || std::strcmp(word, "--frames") == 0;
 }
 
-const TOption* TakeOption(TArguments& arguments)
+const TOptionWord* TakeOption(TArguments& arguments)
 {
-    for (const TOption& option : Table)
+    for (const TOptionWord& option : Table)
         if (arguments.TakeIf(option.Word))
             return &option;
     return nullptr;
@@ -144,7 +144,7 @@ bool ReadPictureOptions(TArguments& arguments, TPictureOptions& options, TString
             return false;
         }
         hasFrames = hasFrames || tellsFrames;
-        const TOption* option = TakeOption(arguments);
+        const TOptionWord* option = TakeOption(arguments);
         if (option == nullptr) {
             fault = "It does not know \"";
             fault += arguments.Take();

@@ -1,9 +1,9 @@
 #include "particles/effectgraph/export/birthvalues.h"
 
 #include "library/containers/nametocrc.h"
+#include "library/containers/wholenumbers.h"
 #include "particles/effectgraph/export/eventparent.h"
 #include "particles/effectgraph/export/exportfield.h"
-#include "particles/effectgraph/export/roundup.h"
 #include "particles/effectgraph/export/rowformat.h"
 
 namespace {

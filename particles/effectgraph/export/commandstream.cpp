@@ -1,8 +1,8 @@
 #include "particles/effectgraph/export/commandstream.h"
 
 #include "library/containers/nametocrc.h"
+#include "library/containers/wholenumbers.h"
 #include "particles/effectgraph/export/exportfield.h"
-#include "particles/effectgraph/export/roundup.h"
 
 namespace {
 // In a command word: the command has no parameter record.

@@ -1,8 +1,9 @@
 #include "particles/effectgraph/export/efxfile.h"
 
+#include "library/containers/byteorder.h"
+#include "library/containers/wholenumbers.h"
 #include "library/system/file.h"
 #include "particles/effectgraph/export/commandstream.h"
-#include "particles/effectgraph/export/roundup.h"
 
 #include <bit>
 
@@ -36,14 +37,6 @@ constexpr uint32_t FieldEvents = 36;
 constexpr uint32_t FieldEmissionTransforms = 40;
 constexpr uint32_t FieldProcessTransforms = 44;
 constexpr uint32_t FieldBounds = 48;
-
-uint32_t WordAt(const vector<uint8_t>& bytes, uint32_t offset)
-{
-    uint32_t word = 0;
-    for (uint32_t i = 0; i < 4; ++i)
-        word = word << 8 | bytes[static_cast<int>(offset + i)];
-    return word;
-}
 
 int CompareNumbers(const void* a, const void* b)
 {
@@ -98,7 +91,7 @@ uint32_t TEfxFile::GetU16(uint32_t offset) const
 
 uint32_t TEfxFile::GetU32(uint32_t offset) const
 {
-    return Has(offset, 4) ? WordAt(Image, offset) : 0;
+    return Has(offset, 4) ? BigU32(Image.data() + offset) : 0;
 }
 
 float TEfxFile::GetFloat(uint32_t offset) const
@@ -172,11 +165,11 @@ bool TEfxFile::ReadBytes(const char* path)
 // The version and the relocations; the rest is the image.
 bool TEfxFile::TakeBytes(const vector<uint8_t>& bytes)
 {
-    if (bytes.size() < static_cast<int>(FileHeaderSize) || WordAt(bytes, 0) != Version) {
+    if (bytes.size() < static_cast<int>(FileHeaderSize) || BigU32(bytes.data()) != Version) {
         *Fault = "This is not an effect file of version 6";
         return false;
     }
-    const uint64_t count = WordAt(bytes, 4);
+    const uint64_t count = BigU32(bytes.data() + 4);
     const uint64_t start = RoundUp<uint64_t>(FileHeaderSize + 4 * count, Alignment);
     if (start > static_cast<uint64_t>(bytes.size())) {
         *Fault = "The file ends inside the relocations";
@@ -187,7 +180,7 @@ bool TEfxFile::TakeBytes(const vector<uint8_t>& bytes)
         memcpy(Image.data(), bytes.data() + start, static_cast<size_t>(Image.size()));
     Relocations.reserve(static_cast<int>(count));
     for (uint32_t i = 0; i < count; ++i)
-        Relocations.push_back(WordAt(bytes, FileHeaderSize + 4 * i));
+        Relocations.push_back(BigU32(bytes.data() + FileHeaderSize + 4 * i));
     if (!SortNumbers(Relocations))
         return Fail(0, "A pointer is relocated twice");
     return true;

@@ -1,8 +1,8 @@
 #include "particles/effectgraph/export/efxrecords.h"
 
 #include "library/containers/nametocrc.h"
+#include "library/containers/wholenumbers.h"
 #include "particles/effectgraph/export/exportfield.h"
-#include "particles/effectgraph/export/roundup.h"
 
 static int PatchEntryBytes(const TPatchLocation& location)
 {

@@ -1,8 +1,8 @@
 #include "particles/effectgraph/export/efxwriter.h"
 
+#include "library/containers/wholenumbers.h"
 #include "particles/effectgraph/export/efxrecords.h"
 #include "particles/effectgraph/export/exportfield.h"
-#include "particles/effectgraph/export/roundup.h"
 
 namespace {
 constexpr int ImageAlignment = 16;

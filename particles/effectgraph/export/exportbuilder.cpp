@@ -3,11 +3,11 @@
 #include "library/containers/assertion.h"
 #include "library/containers/log.h"
 #include "library/containers/nametocrc.h"
+#include "library/containers/wholenumbers.h"
 #include "particles/effectgraph/error.h"
 #include "particles/effectgraph/export/exportfield.h"
 #include "particles/effectgraph/export/preprocessstreams.h"
 #include "particles/effectgraph/export/recordpacker.h"
-#include "particles/effectgraph/export/roundup.h"
 #include "particles/effectgraph/export/rowformat.h"
 
 namespace {

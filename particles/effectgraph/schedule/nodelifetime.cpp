@@ -1,14 +1,11 @@
 #include "particles/effectgraph/schedule/nodelifetime.h"
 
+#include "particles/effectgraph/emitmode.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/valueparameters.h"
 
 namespace {
-
-// The numbers of the entries of an emitter's "Emit Mode".
-constexpr int LastLivingEmitMode = 1;
-constexpr int DelayOnlyEmitMode = 2;
 
 // True if the port stands open and holds a scalar.
 bool GetOpenScalarInput(const TEffectNode* node, const char* name, float& value)
@@ -41,9 +38,9 @@ float GetEmitterLifeTime(const TEffectNode* node)
     float startDelay = 0;
     GetOpenScalarInput(node, "Start Delay", startDelay);
     const int number = mode->GetNumber();
-    if (number == DelayOnlyEmitMode)
+    if (number == EM_BURST)
         return startDelay;
-    if (number < 0 || number > LastLivingEmitMode)
+    if (number != EM_CHANCE && number != EM_STEADY)
         return 0;
     if (!limit->Get())
         return UnboundedLifeTime;

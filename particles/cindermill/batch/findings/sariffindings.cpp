@@ -14,8 +14,7 @@ bool IsPlainInUri(char ch)
 // A relative path is meant from where the run began.
 void GetUri(const TString& path, TString& uri)
 {
-    TString shown;
-    ToShownPath(path, shown);
+    const TString shown = GetShownPath(path);
     uri = *shown.Print() == '/' ? "file://" : nullptr;
     for (const char* ch = shown.Print(); *ch != 0; ++ch) {
         char code[4] = {*ch, 0, 0, 0};

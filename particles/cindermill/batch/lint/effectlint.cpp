@@ -15,8 +15,8 @@
 #include "particles/cindermill/batch/lint/lintrun.h"
 #include "particles/cindermill/graph/engine/effectexec.h"
 #include "particles/cindermill/graph/engine/unseenservices.h"
-#include "particles/cindermill/main/runcollecting.h"
 #include "particles/effectgraph/export/exportdata.h"
+#include "particles/effectgraph/runcollecting.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "particles/cindermill/batch/lint/lintcurves.h"
 
+#include "particles/cindermill/batch/lint/lintlimits.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/graph/engine/inputreader.h"
 #include "particles/effectgraph/rampparameter.h"
@@ -10,11 +11,8 @@ namespace {
 
 constexpr int TimeInput = 0;
 constexpr int LifeInput = 1;
-constexpr int MaxAgeInput = 1;
 // A curve that differs by less is one that was rounded.
 constexpr double ToleratedShare = 0.01;
-// What lives longer never dies, which is told by itself.
-constexpr double EndlessLife = 3600.0;
 // As the node counts it: a shorter curve is one value.
 constexpr double LeastLength = 0.001;
 

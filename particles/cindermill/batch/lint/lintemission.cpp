@@ -3,15 +3,10 @@
 #include "particles/cindermill/batch/lint/lintlimits.h"
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/graph/engine/inputreader.h"
+#include "particles/effectgraph/emitmode.h"
 #include "particles/effectgraph/simpleparameters.h"
 
 namespace {
-
-enum TEmissionMode
-{
-    EMIT_CHANCE,
-    EMIT_STEADY
-};
 
 // Chance emission counts its rate per fiftieth of a second.
 constexpr double ChanceFramesPerSecond = 50.0;
@@ -33,9 +28,9 @@ double TLintEmission::CountDue(const TEffectNode& node, float rate) const
     const double due = double(rate) * double(Options.Step);
     if (mode == nullptr)
         return 0;
-    return mode->GetNumber() == EMIT_CHANCE   ? due * ChanceFramesPerSecond
-           : mode->GetNumber() == EMIT_STEADY ? due
-                                              : 0;
+    return mode->GetNumber() == EM_CHANCE   ? due * ChanceFramesPerSecond
+           : mode->GetNumber() == EM_STEADY ? due
+                                            : 0;
 }
 
 TLintEmission::TEmission& TLintEmission::Find(const TEffectNode& node, int group, int most)

@@ -5,6 +5,8 @@
 #include "particles/effectgraph/export/exportdata.h"
 #include "particles/effectgraph/export/exportpolicies.h"
 
+#include <algorithm>
+
 namespace {
 
 // In the order of TBudget.
@@ -17,11 +19,6 @@ constexpr const char* BudgetTexts[BG_NUMBUDGETS] = {"rows of the working set",
                                                     "bytes of the exported file",
                                                     "particles"};
 constexpr int NumGroupBudgets = BG_FILEBYTES;
-
-int64_t Larger(int64_t a, int64_t b)
-{
-    return a < b ? b : a;
-}
 
 } // namespace
 
@@ -43,11 +40,11 @@ void TLintExport::CountGroup(int group, int64_t* used) const
     const TExportGroup& exported = Export.GetResult().Groups[group];
     const TPhaseHeader& emission = exported.Emission.Header;
     const TPhaseHeader& process = exported.Process.Header;
-    used[BG_ROWS] = Larger(emission.Rows, process.Rows);
-    used[BG_INPUTBUFFERS] = Larger(emission.InputBuffers, process.InputBuffers);
-    used[BG_OUTPUTBUFFERS] = Larger(emission.OutputBuffers, process.OutputBuffers);
-    used[BG_PROGRAMKB] = Larger(emission.ProgramKilobytes, process.ProgramKilobytes);
-    used[BG_WORKSPACEKB] = Larger(emission.WorkspaceKilobytes, process.WorkspaceKilobytes);
+    used[BG_ROWS] = std::max<int64_t>(emission.Rows, process.Rows);
+    used[BG_INPUTBUFFERS] = std::max<int64_t>(emission.InputBuffers, process.InputBuffers);
+    used[BG_OUTPUTBUFFERS] = std::max<int64_t>(emission.OutputBuffers, process.OutputBuffers);
+    used[BG_PROGRAMKB] = std::max<int64_t>(emission.ProgramKilobytes, process.ProgramKilobytes);
+    used[BG_WORKSPACEKB] = std::max<int64_t>(emission.WorkspaceKilobytes, process.WorkspaceKilobytes);
     used[BG_PARTICLEBYTES] = exported.Stride;
 }
 

@@ -4,6 +4,11 @@
 
 #include <cstdint>
 
+// Nobody watches an effect for so many seconds: what lives longer never dies, which is told by itself.
+constexpr double EndlessLife = 3600.0;
+// The port of an age node.
+constexpr int MaxAgeInput = 1;
+
 // What an effect may take of the console, by TBudget.
 struct TLintLimits
 {

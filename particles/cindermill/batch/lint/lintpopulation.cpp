@@ -9,10 +9,6 @@
 
 namespace {
 
-// Nobody watches an effect for so many seconds.
-constexpr double EndlessLife = 3600.0;
-constexpr int MaxAgeInput = 1;
-
 } // namespace
 
 TLintPopulation::TLintPopulation(const TEffectSchedule& schedule, const TLintOptions& options)

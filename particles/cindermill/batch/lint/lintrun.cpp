@@ -4,7 +4,7 @@
 #include "particles/cindermill/batch/lint/lintreport.h"
 #include "particles/cindermill/graph/engine/effectexec.h"
 #include "particles/cindermill/graph/engine/random.h"
-#include "particles/cindermill/main/runcollecting.h"
+#include "particles/effectgraph/runcollecting.h"
 
 #include <cmath>
 

@@ -21,11 +21,6 @@ bool IsTrailStage(const TNodeType& type)
     return type.IsOfClass(TrailStage);
 }
 
-bool IsFinite(const TVector3& v)
-{
-    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
-}
-
 } // namespace
 
 TBoundsSampler::TBoundsSampler(TEffectExec& exec, TEffectNode& node) : Exec(exec), Node(node)

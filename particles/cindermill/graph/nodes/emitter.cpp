@@ -1,17 +1,11 @@
 #include "particles/cindermill/graph/nodes/emitter.h"
 
+#include "particles/effectgraph/emitmode.h"
 #include "particles/effectgraph/groupparameter.h"
 #include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/valueparameters.h"
 
 namespace {
-
-enum TEmitMode
-{
-    EM_CHANCE,
-    EM_STEADY,
-    EM_BURST
-};
 
 TClassRandom& GetShared()
 {

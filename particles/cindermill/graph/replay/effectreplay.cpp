@@ -6,7 +6,6 @@
 #include "particles/cindermill/graph/replay/birthsource.h"
 
 namespace {
-constexpr int CellBytes = 4;
 } // namespace
 
 class TEffectReplay::TGroupListener : public TReplayListener

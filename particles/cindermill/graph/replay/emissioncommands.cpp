@@ -4,16 +4,10 @@
 #include "library/maths/quaternion.h"
 #include "particles/cindermill/graph/nodes/emissionmaths.h"
 #include "particles/cindermill/graph/nodes/nodemaths.h"
+#include "particles/effectgraph/emitmode.h"
 
 namespace {
 constexpr int Half = 3;
-
-enum TEmitMode
-{
-    EM_CHANCE,
-    EM_STEADY,
-    EM_BURST
-};
 
 void Effect(TReplayCall& call)
 {

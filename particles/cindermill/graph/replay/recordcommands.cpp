@@ -3,7 +3,6 @@
 #include <cstring>
 
 namespace {
-constexpr int CellBytes = 4;
 constexpr int RowsPerMove = 4;
 
 void CopyColumn(const TReplayColumn& from, const TReplayColumn& to, int count)

@@ -14,6 +14,9 @@ enum TCellState : uint8_t
     CS_UNKNOWN
 };
 
+// What a value takes in the records.
+constexpr int CellBytes = 4;
+
 struct TReplayCell
 {
     float Value = 0;

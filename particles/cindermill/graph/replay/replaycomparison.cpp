@@ -7,25 +7,14 @@
 #include "particles/cindermill/graph/replay/sharedcomparison.h"
 #include "particles/cindermill/graph/replay/stagecomparison.h"
 #include "particles/cindermill/graph/replay/tablecomparison.h"
-#include "particles/effectgraph/error.h"
+#include "particles/effectgraph/runcollecting.h"
 
 #include <cmath>
 
 namespace {
+
 // Behind arithmetic of another kind, of a value's largest component.
 constexpr double Tolerance = 1e-5;
-
-template <class TWork>
-bool RunAsserting(TErrorList& errors, TWork&& work)
-{
-    bool result = false;
-    TString text;
-    if (RunGuarded([&] { result = work(); }, text))
-        return result;
-    errors.Add(new TError("%s", text.Print()));
-    errors.ClearSource();
-    return false;
-}
 
 double GetLargest(const float* value, int count)
 {
@@ -65,7 +54,7 @@ TReplayComparison::~TReplayComparison()
 bool TReplayComparison::InitEngine(const TReplayOptions& options, TErrorList& errors)
 {
     Engine.SetSeed(options.Seed);
-    const bool inited = RunAsserting(errors, [&] { return Engine.Init(Schedule, errors, true); });
+    const bool inited = RunCollecting(errors, [&] { return Engine.Init(Schedule, errors, true); });
     if (!inited)
         Engine.Clear();
     return inited;
@@ -76,7 +65,7 @@ bool TReplayComparison::Export(TErrorList& errors)
     Bytes.clear();
     if (!InitEngine(TReplayOptions(), errors))
         return false;
-    return RunAsserting(errors, [&] {
+    return RunCollecting(errors, [&] {
         TExportData data(Schedule);
         if (!Engine.Export(data, errors))
             return false;
@@ -122,7 +111,7 @@ bool TReplayComparison::Begin(const TReplayOptions& options, TErrorList& errors)
     Dt = options.Dt;
     NumFrames = options.Frames == TReplayOptions::FramesOfTheLongestLife ? CountReplayFrames(Schedule, Dt)
                                                                          : options.Frames;
-    return RunAsserting(errors, [&] {
+    return RunCollecting(errors, [&] {
         Replay.Reset(new TEffectReplay(File, Schedule, options.Seed));
         AddReplayNotes(Schedule, File, Report);
         CompareStages(Engine, File, Report);
@@ -136,7 +125,7 @@ bool TReplayComparison::Begin(const TReplayOptions& options, TErrorList& errors)
 
 bool TReplayComparison::RunFrame(TErrorList& errors)
 {
-    return RunAsserting(errors, [&] {
+    return RunCollecting(errors, [&] {
         CompareFrame();
         return true;
     });
@@ -144,7 +133,7 @@ bool TReplayComparison::RunFrame(TErrorList& errors)
 
 bool TReplayComparison::RunEnd(TErrorList& errors)
 {
-    return RunAsserting(errors, [&] {
+    return RunCollecting(errors, [&] {
         if (Sources.Get() != nullptr) {
             Sources->FindNext();
             return true;

@@ -7,6 +7,7 @@
 #include "particles/cindermill/graph/replay/effectreplay.h"
 #include "particles/cindermill/graph/replay/exportedfields.h"
 #include "particles/cindermill/graph/replay/replayreport.h"
+#include "particles/effectgraph/emitmode.h"
 #include "particles/effectgraph/export/efxnames.h"
 #include "particles/effectgraph/export/fixedvalue.h"
 #include "particles/effectgraph/simpleparameters.h"
@@ -117,7 +118,7 @@ private:
     static bool EmitsByChance(const TNodeType& type)
     {
         const auto* mode = type.FindParameterOf<TNodeEnumParameter>("Emit Mode", PK_ENUM);
-        return mode == nullptr || mode->GetNumber() == 0;
+        return mode == nullptr || mode->GetNumber() == EM_CHANCE;
     }
     // What a stage is given is cut for the preview too.
     void AddFields(const TNodeType& type)

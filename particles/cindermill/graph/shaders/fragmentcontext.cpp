@@ -1,6 +1,7 @@
 #include "particles/cindermill/graph/shaders/fragmentcontext.h"
 
 #include "library/containers/append.h"
+#include "library/containers/byteorder.h"
 #include "library/containers/log.h"
 #include "particles/cindermill/graph/shaders/swizzletext.h"
 
@@ -21,9 +22,7 @@ constexpr const char* WposPlaceholder = "MUL __wpos.fragment.position,{0.5,0.5,1
 // A word of the file: big-endian, its halves exchanged.
 uint32_t ReadWord(const uint8_t* bytes)
 {
-    const uint32_t word = static_cast<uint32_t>(bytes[0]) << 24 | static_cast<uint32_t>(bytes[1]) << 16 |
-                          static_cast<uint32_t>(bytes[2]) << 8 | static_cast<uint32_t>(bytes[3]);
-    return std::rotl(word, 16);
+    return std::rotl(BigU32(bytes), 16);
 }
 
 bool IsTextureRead(const TFragmentInstruction& instruction)

@@ -2,6 +2,7 @@
 
 #include "library/containers/array.h"
 #include "library/containers/assertion.h"
+#include "library/containers/byteorder.h"
 #include "library/containers/log.h"
 #include "library/containers/nametocrc.h"
 #include "library/containers/ownerlist.h"
@@ -38,14 +39,8 @@ public:
     int GetRemaining(int64_t offset) const { return static_cast<int>(Size - offset); }
     int GetSize() const { return Size; }
     uint8_t GetByte(int64_t offset) const { return Data[offset]; }
-    uint16_t GetShort(int64_t offset) const
-    {
-        return static_cast<uint16_t>(Data[offset] << 8 | Data[offset + 1]);
-    }
-    uint32_t GetWord(int64_t offset) const
-    {
-        return static_cast<uint32_t>(GetShort(offset)) << 16 | GetShort(offset + 2);
-    }
+    uint16_t GetShort(int64_t offset) const { return static_cast<uint16_t>(BigU16(At(offset))); }
+    uint32_t GetWord(int64_t offset) const { return BigU32(At(offset)); }
 
 private:
     const uint8_t* Data;

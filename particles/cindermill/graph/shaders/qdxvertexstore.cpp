@@ -1,17 +1,8 @@
 #include "particles/cindermill/graph/shaders/qdxvertexstore.h"
 
 #include "library/containers/assertion.h"
+#include "library/containers/byteorder.h"
 #include "particles/cindermill/graph/shaders/qdxvertexprogram.h"
-
-namespace {
-
-uint32_t ReadWord(const uint8_t* bytes)
-{
-    return static_cast<uint32_t>(bytes[0]) << 24 | static_cast<uint32_t>(bytes[1]) << 16 |
-           static_cast<uint32_t>(bytes[2]) << 8 | static_cast<uint32_t>(bytes[3]);
-}
-
-} // namespace
 
 TQdxVertexStore::TQdxVertexStore() = default;
 
@@ -38,7 +29,7 @@ void TQdxVertexStore::LoadInstructions(const uint8_t* words, int count)
     for (int i = 0; i < count; ++i) {
         ASSERT_TEXT(LoadSlot < NumSlots, "m_loadSlot < 544");
         for (int word = 0; word < 4; ++word)
-            Slots[LoadSlot].Words[word] = ReadWord(words + 16 * i + 4 * word);
+            Slots[LoadSlot].Words[word] = BigU32(words + 16 * i + 4 * word);
         ++LoadSlot;
     }
 }

@@ -76,11 +76,10 @@ TString GetNumbered(const TString& prefix, const TString& name, TNumberedNames& 
 
 void AddTypeLines(const TNodeType& type, TTextLines& lines)
 {
-    static constexpr const char* Colours[] = {"red", "green", "blue", "cyan"};
     AddQuotedLine(lines, "description", type.Description);
     AddLine(lines, "category", GetUsageName(type.Category));
-    ASSERT(type.Colour >= 0 && type.Colour < 4);
-    AddLine(lines, "colour", Colours[type.Colour]);
+    ASSERT(type.Colour >= 0 && type.Colour < NumNodeColours);
+    AddLine(lines, "colour", NodeColourNames[type.Colour]);
     AddFlag(lines, "bypassable", type, FL_BYPASSABLE);
     AddFlag(lines, "process hint", type, FL_PROCESSHINT);
     AddFlag(lines, "last hint", type, FL_LASTHINT);

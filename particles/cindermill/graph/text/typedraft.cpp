@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr int NumColours = 4;
-
 bool TakeType(TTextCursor& cursor, int& type)
 {
     for (type = 0; type < TY_NUMTYPES; ++type)
@@ -132,7 +130,6 @@ bool TTypeDraft::AddLine(TTextCursor line)
 
 bool TTypeDraft::AddTypeLine(const TTextCursor& label, TTextCursor value)
 {
-    static constexpr const char* Colours[NumColours] = {"red", "green", "blue", "cyan"};
     static constexpr struct
     {
         const char* Label;
@@ -157,8 +154,8 @@ bool TTypeDraft::AddTypeLine(const TTextCursor& label, TTextCursor value)
             Type->Category = usage;
             return true;
         }
-    for (int colour = 0; IsText(name, "colour") && colour < NumColours; ++colour)
-        if (value.TakeLast(Colours[colour])) {
+    for (int colour = 0; IsText(name, "colour") && colour < NumNodeColours; ++colour)
+        if (value.TakeLast(NodeColourNames[colour])) {
             Type->Colour = colour;
             return true;
         }

@@ -72,9 +72,7 @@ void TNodeAnimationParameterControls::BuildControls()
 
 void TNodeAnimationParameterControls::Refresh()
 {
-    TString shown;
-    ToShownPath(GetAnimation().GetFileName(), shown);
-    Name->SetText(shown.Print());
+    Name->SetText(GetShownPath(GetAnimation().GetFileName()).Print());
     bool flags[FL_NUMFLAGS];
     GetFlags(GetAnimation(), flags);
     for (int i = 0; i < FL_NUMFLAGS; ++i)

@@ -19,16 +19,6 @@ void TClickable::Redraw()
     Host.RedrawGraphs();
 }
 
-void TClickable::Notify(int code)
-{
-    if (Parent == nullptr)
-        return;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = code;
-    Parent->Event(event);
-}
-
 int TClickable::GetLook() const
 {
     int look = Enabled ? 0 : CL_DISABLED;

@@ -28,8 +28,6 @@ protected:
     int GetLook() const;
     bool IsHeldOver() const { return Press.IsRunning() && Press.Over; }
     void Redraw();
-    // To the parent.
-    void Notify(int code);
 
     TControlHost& Host;
 

@@ -3,6 +3,7 @@
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/interface/controls/pickedcolour.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -26,11 +27,6 @@ void AddRectangle(TRenderer& renderer, const TVector2& min, const TVector2& max)
     renderer.Vertex(TVector2(max[0], min[1]));
     renderer.Vertex(max);
     renderer.Vertex(TVector2(min[0], max[1]));
-}
-
-float Smaller(float a, float b)
-{
-    return a < b ? a : b;
 }
 
 void DrawRing(TRenderer& renderer, const TVector2& middle, float inner, float outer, const TVector4& colour)
@@ -58,7 +54,7 @@ void DrawCheckerboard(TRenderer& renderer, const TVector2& min, const TVector2& 
     for (float y = min[1]; y < max[1]; y += SquareSize, ++row)
         for (float x = min[0] + (row % 2 == 0 ? 0 : SquareSize); x < max[0]; x += 2 * SquareSize)
             AddRectangle(renderer, TVector2(x, y),
-                         TVector2(Smaller(x + SquareSize, max[0]), Smaller(y + SquareSize, max[1])));
+                         TVector2(std::min(x + SquareSize, max[0]), std::min(y + SquareSize, max[1])));
     renderer.End();
 }
 

@@ -359,12 +359,7 @@ void TColourPicker::OnInput(int i)
 void TColourPicker::Notify()
 {
     Host.RedrawGraphs();
-    if (Parent == nullptr)
-        return;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = RE_VALUECHANGED;
-    Parent->Event(event);
+    TellParent(RE_VALUECHANGED);
 }
 
 void TColourPicker::TakeBack()

@@ -26,7 +26,7 @@ void TColourSwatch::SetOpen(bool open)
 void TColourSwatch::OnClick()
 {
     SetOpen(!Open);
-    Notify(RE_VALUECHANGED);
+    TellParent(RE_VALUECHANGED);
 }
 
 void TColourSwatch::GetBounds(TVector2& min, TVector2& max)

@@ -74,12 +74,7 @@ void TComboBox::Choose(int selection)
         return;
     Selection = selection;
     Host.RedrawGraphs();
-    if (Parent == nullptr)
-        return;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = RE_VALUECHANGED;
-    Parent->Event(event);
+    TellParent(RE_VALUECHANGED);
 }
 
 bool TComboBox::Event(const TRenderEvent& event)

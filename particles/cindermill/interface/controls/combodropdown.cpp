@@ -13,7 +13,6 @@ constexpr float StripWidth = 8.0f;
 constexpr float ShortestPip = 8.0f;
 // Where neither above nor below is room for more, a list is still to be read.
 constexpr int LeastRows = 3;
-constexpr int WheelNotch = 120;
 constexpr int WheelRows = 3;
 
 } // namespace

@@ -34,20 +34,10 @@ constexpr float EdgeWidth = 1.0f;
 constexpr float ShadeHeight = 1.5f;
 constexpr float FocusPixels = 1.5f;
 constexpr float FocusWidth = 1.5f;
-// Letters smaller than this many pixels say nothing.
-constexpr float SmallestText = 3.0f;
-// Where a view counts as zoomed out, strokes are thinner than a pixel: a letter covers more there.
-constexpr float FarZoom = 0.8f;
+// In a view that is zoomed out strokes thinner than a pixel would be pale: there a letter covers more of the
+// pixels that it only touches, so much more from so little zoom on.
 constexpr float NearestStrong = 0.5f;
 constexpr float FarStrokes = 0.9f;
-
-TVector4 Stronger(const TVector4& colour, float zoom)
-{
-    if (zoom >= FarZoom || colour[3] < 1)
-        return colour;
-    const float share = (FarZoom - zoom) / (FarZoom - NearestStrong);
-    return TVector4(colour[0], colour[1], colour[2], colour[3] * (1 + FarStrokes * (share < 1 ? share : 1)));
-}
 
 const TButtonFace& GetButtonFace(int look)
 {
@@ -75,6 +65,14 @@ const TVector4& GetEdge(int look)
 }
 
 } // namespace
+
+TVector4 Stronger(const TVector4& colour, float zoom)
+{
+    if (zoom >= FarZoom || colour[3] < 1)
+        return colour;
+    const float share = (FarZoom - zoom) / (FarZoom - NearestStrong);
+    return TVector4(colour[0], colour[1], colour[2], colour[3] * (1 + FarStrokes * (share < 1 ? share : 1)));
+}
 
 void TControlBox::Build(const TVector2& min, const TVector2& max, float radius, int corners)
 {

@@ -19,6 +19,10 @@ enum TControlLook
 
 constexpr const char* ControlFont = "Arial (TrueType)";
 constexpr float ControlRadius = 2.5f;
+// A view with less zoom counts as zoomed out.
+constexpr float FarZoom = 0.8f;
+// Letters smaller than this many pixels say nothing.
+constexpr float SmallestText = 3.0f;
 
 // A box with a thin edge: a field to write in, a button to press, or a groove.
 class TControlBox
@@ -55,6 +59,9 @@ TVector4 GetControlInk(int look);
 TVector4 GetSelectionColour();
 // Behind the row of a list that is chosen.
 TVector4 GetChosenColour();
+// For letters at a zoom: more than opaque where that is far, as it multiplies their coverage. What is to be
+// seen through stays as it is.
+TVector4 Stronger(const TVector4& colour, float zoom);
 // A text with its top left at the place; left out where it is too small to be read, and stronger in a view
 // that is zoomed out.
 void DrawControlText(TRenderer& renderer, const TFontInstance& font, const TVector2& place, const char* text,

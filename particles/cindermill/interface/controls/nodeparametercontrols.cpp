@@ -112,12 +112,7 @@ void TNodeParameterControls::TellSize()
         return;
     ToldSize = size;
     PlaceLabel();
-    if (Parent == nullptr)
-        return;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = RE_RELAYOUT;
-    Parent->Event(event);
+    TellParent(RE_RELAYOUT);
 }
 
 const TNodeParameter* TNodeParameterControls::FindDefault() const

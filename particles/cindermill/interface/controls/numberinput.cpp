@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/controls/numberinput.h"
 
 #include "library/containers/assertion.h"
+#include "library/maths/scalar.h"
 #include "particles/cindermill/interface/controls/numbertext.h"
 
 #include <cmath>
@@ -10,7 +11,6 @@ namespace {
 
 constexpr const char* FloatCharacters = "0123456789.-";
 constexpr const char* WholeCharacters = "0123456789-";
-constexpr int WheelNotch = 120;
 
 bool IsSame(double a, double b)
 {
@@ -21,11 +21,6 @@ bool IsSame(double a, double b)
 double WithoutSign(double value)
 {
     return value == 0 ? 0.0 : value;
-}
-
-double Clamp(double value, double min, double max)
-{
-    return value < min ? min : value > max ? max : value;
 }
 
 } // namespace
@@ -113,12 +108,8 @@ void TNumberInput::EndTyping()
 // The last thing that is done, as the change may take the input away.
 void TNumberInput::NotifyIfChanged(double before)
 {
-    if (IsSame(Value, before) || Parent == nullptr)
-        return;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = RE_VALUECHANGED;
-    Parent->Event(event);
+    if (!IsSame(Value, before))
+        TellParent(RE_VALUECHANGED);
 }
 
 double TNumberInput::GetStepped(double value, double delta) const

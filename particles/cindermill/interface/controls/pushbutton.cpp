@@ -30,7 +30,7 @@ void TPushButton::OnClick()
     if (Toggle)
         Pressed = !Pressed;
     Redraw();
-    Notify(Code);
+    TellParent(Code);
 }
 
 void TPushButton::Render(TRenderer& renderer)

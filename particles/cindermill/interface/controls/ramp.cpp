@@ -253,11 +253,7 @@ void TRamp::Send(TOperation* operation)
 {
     Pending.Reset(operation);
     if (operation != nullptr) {
-        TRenderEvent event;
-        event.Source = this;
-        event.Code = RE_VALUECHANGED;
-        if (Parent != nullptr)
-            Parent->Event(event);
+        TellParent(RE_VALUECHANGED);
         Pending.Reset();
     }
     // Whether it has been done or not: the parameter knows.

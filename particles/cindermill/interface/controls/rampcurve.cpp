@@ -1,25 +1,13 @@
 #include "particles/cindermill/interface/controls/rampcurve.h"
 
+#include "library/maths/scalar.h"
+
 #include <cmath>
 
 namespace {
 
 // Times closer than this are one: nothing is stretched by their quotient.
 constexpr double LeastTime = 0.001;
-
-float Clamp(float value, float min, float max)
-{
-    if (value > max)
-        value = max;
-    return value < min ? min : value;
-}
-
-// From `a` at 0 to `b` at 1, and beyond.
-TRampPoint PointBetween(const TRampPoint& a, const TRampPoint& b, double part)
-{
-    return TRampPoint{static_cast<float>(a.X + (double(b.X) - a.X) * part),
-                      static_cast<float>(a.Y + (double(b.Y) - a.Y) * part)};
-}
 
 } // namespace
 

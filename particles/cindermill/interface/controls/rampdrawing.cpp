@@ -24,13 +24,6 @@ const TVector4 CheckerDark(0.72f, 0.72f, 0.72f, 1);
 constexpr float CheckerSize = 5.5f;
 constexpr float CurveWidth = 1.75f;
 
-float Clamp(float value, float min, float max)
-{
-    if (value > max)
-        value = max;
-    return value >= min ? value : min;
-}
-
 // A closed outline around the place: a square, or so many corners that it looks round.
 void MakeMark(TRenderPath& path, const TVector2& place, float radius, bool square)
 {
@@ -57,7 +50,7 @@ void MakeMark(TRenderPath& path, const TVector2& place, float radius, bool squar
 
 TRampDrawing::TRampDrawing(TRenderer& renderer, const TRampPicture& picture)
     : Target(renderer), Picture(picture), Layout(picture.Layout), Pixel(1.0f / renderer.GetScale()[0]),
-      CurveUnit(Pixel < 1 ? std::sqrt(Pixel) : Pixel), PointUnit(Clamp(CurveUnit, 0, 1.25f))
+      CurveUnit(Pixel < 1 ? std::sqrt(Pixel) : Pixel), PointUnit(ClampNumber(CurveUnit, 0, 1.25f))
 {
 }
 
@@ -156,7 +149,7 @@ void TRampDrawing::DrawLabels(int axis)
         place[axis] = GetGridPlace(axis, value) - size[axis] * 0.5f;
         if (axis == 0) {
             // Clear of the value labels, which end beside the plot.
-            place[0] = Clamp(place[0], Layout.PlotMin[0] - 1, Layout.Size[0] - size[0]);
+            place[0] = ClampNumber(place[0], Layout.PlotMin[0] - 1, Layout.Size[0] - size[0]);
             place[1] = Layout.PlotMax[1] + (TRampLayout::AxisHeight - size[1]) * 0.5f;
             if (place[0] < free)
                 continue;
@@ -164,7 +157,7 @@ void TRampDrawing::DrawLabels(int axis)
             DrawLabel(place, text, false);
         } else {
             place[0] = Layout.PlotMin[0] - Gap - size[0];
-            place[1] = Clamp(place[1], Layout.PlotMin[1] - 1, Layout.PlotMax[1] - size[1] + 1);
+            place[1] = ClampNumber(place[1], Layout.PlotMin[1] - 1, Layout.PlotMax[1] - size[1] + 1);
             // Too long for its margin it reaches into the plot.
             const bool isLong = place[0] < 0;
             if (isLong)
@@ -352,8 +345,9 @@ void TRampDrawing::DrawBars()
         if (i < Last)
             to[0] = GetGridPlace(0, (i + 0.5) * step);
         const float* const sample = Picture.Samples[i];
-        Target.SetColour(TVector4(Clamp(sample[0], 0, 1), Clamp(sample[1], 0, 1), Clamp(sample[2], 0, 1),
-                                  hasAlpha ? Clamp(sample[3], 0, 1) : 1.0f));
+        Target.SetColour(TVector4(ClampNumber(sample[0], 0, 1), ClampNumber(sample[1], 0, 1),
+                                  ClampNumber(sample[2], 0, 1),
+                                  hasAlpha ? ClampNumber(sample[3], 0, 1) : 1.0f));
         if (to[0] > from[0])
             Target.DrawRectangle(from, to);
     }

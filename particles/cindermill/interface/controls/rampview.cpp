@@ -1,19 +1,9 @@
 #include "particles/cindermill/interface/controls/rampview.h"
 
+#include "library/maths/scalar.h"
 #include "particles/cindermill/interface/controls/rampmodel.h"
 
 #include <cmath>
-
-namespace {
-
-double Limit(double value, double min, double max)
-{
-    if (value > max)
-        value = max;
-    return value < min ? min : value;
-}
-
-} // namespace
 
 TRampLayout::TRampLayout(const TVector2& size, bool hasStrip) : Size(size)
 {
@@ -84,10 +74,10 @@ TRampPoint TRampView::ToPoint(const TVector2& place) const
 void TRampView::Zoom(const TVector2& point, int delta)
 {
     constexpr double PerDelta = 0.0005;
-    const double factor = Limit(delta * PerDelta + 1.0, 0.5, 1.5);
+    const double factor = Clamp(delta * PerDelta + 1.0, 0.5, 1.5);
     const TRampPoint fixed = ToPoint(point);
     for (int i = 0; i < 2; ++i)
-        ViewScale[i] = static_cast<float>(Limit(ViewScale[i] * factor, double(MinZoom), double(MaxZoom)));
+        ViewScale[i] = static_cast<float>(Clamp(ViewScale[i] * factor, double(MinZoom), double(MaxZoom)));
     const TVector2 zero = GetZero();
     ViewX = static_cast<float>(fixed.X * GetTimePixels() - (double(point[0]) - zero[0]));
     ViewY = static_cast<float>(fixed.Y * GetValuePixels() - (double(zero[1]) - point[1]));

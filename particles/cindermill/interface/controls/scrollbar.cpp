@@ -48,12 +48,8 @@ void TScrollBar::MoveTo(float position)
     const float before = Position;
     SetPosition(position);
     Host.RedrawGraphs();
-    if (Position == before || Parent == nullptr)
-        return;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = RE_VALUECHANGED;
-    Parent->Event(event);
+    if (Position != before)
+        TellParent(RE_VALUECHANGED);
 }
 
 bool TScrollBar::Event(const TRenderEvent& event)

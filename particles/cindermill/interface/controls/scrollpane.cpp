@@ -4,7 +4,6 @@
 #include "particles/cindermill/interface/controls/controlhost.h"
 
 namespace {
-constexpr float WheelNotch = 120.0f;
 }
 
 TScrollPane::TScrollPane(TControlHost& host) : Host(host), Bar(host)

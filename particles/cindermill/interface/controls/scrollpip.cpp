@@ -41,12 +41,7 @@ bool TScrollPip::Event(const TRenderEvent& event)
 void TScrollPip::Wish(float top)
 {
     Wished = top;
-    if (Parent == nullptr)
-        return;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = RE_VALUECHANGED;
-    Parent->Event(event);
+    TellParent(RE_VALUECHANGED);
 }
 
 void TScrollPip::TPipDrag::OnDrag(const TVector2& point, int keyFlags)

@@ -86,12 +86,7 @@ void TTextEdit::EndInput()
         return;
     Ended = Text;
     Redraw();
-    if (Parent == nullptr)
-        return;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = RE_VALUECHANGED;
-    Parent->Event(event);
+    TellParent(RE_VALUECHANGED);
 }
 
 void TTextEdit::Revert()

@@ -31,7 +31,7 @@ void FitPath(const TFontInstance& font, const TString& path, float width, TStrin
     for (int length = path.Length() + 1; length > leaf.Length() + 4; --length) {
         TString shortened;
         path.ShortenPath(shortened, length);
-        ToShownPath(shortened, result);
+        result = GetShownPath(shortened);
         TVector2 size;
         font.GetTextSize(result.Print(), size);
         if (size[0] <= width)
@@ -128,9 +128,7 @@ void TNodeTextureParameterControls::TakeFile(const char* path)
     ToKeptPath(path, name);
     TRenderTextureInstance loaded;
     if (!loaded.Load(name)) {
-        TString shown;
-        ToShownPath(path, shown);
-        ShowMessage("Could not load texture %s", shown.Print());
+        ShowMessage("Could not load texture %s", GetShownPath(path).Print());
         TString refusal;
         if (GetReadRefusal(path, refusal))
             DebugPrintf("%s\n", refusal.Print());

@@ -40,7 +40,7 @@ void TTickBox::OnClick()
 {
     Checked = !Checked;
     Redraw();
-    Notify(RE_VALUECHANGED);
+    TellParent(RE_VALUECHANGED);
 }
 
 void TTickBox::Render(TRenderer& renderer)

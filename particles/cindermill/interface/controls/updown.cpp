@@ -86,13 +86,7 @@ void TUpDown::OnReleased()
 void TUpDown::Step(int direction)
 {
     Host.RedrawGraphs();
-    if (Parent == nullptr)
-        return;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = RE_VALUECHANGED;
-    event.Detail = direction;
-    Parent->Event(event);
+    TellParent(RE_VALUECHANGED, direction);
 }
 
 void TUpDown::THold::OnDrag(const TVector2& point, int keyFlags)

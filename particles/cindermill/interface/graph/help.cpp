@@ -2,10 +2,10 @@
 
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderer.h"
+#include "particles/cindermill/interface/controls/controlpaint.h"
 
 namespace {
 
-constexpr const char* HelpFont = "Arial (TrueType)";
 constexpr float HelpFontSize = 10.0f;
 // In a view that is zoomed out, the text takes a larger size, so that it can still be read.
 constexpr int NumFontSizes = 5;
@@ -50,7 +50,7 @@ void THelp::Measure(float zoom)
         ++size;
     if (!Font.IsCreated() || FontSize != FontSizes[size]) {
         FontSize = FontSizes[size];
-        Font.Create(HelpFont, FontSize);
+        Font.Create(ControlFont, FontSize);
     }
     BreakLines(WidestLine * FontSize);
     TVector2 textSize;

@@ -1,10 +1,10 @@
 #include "particles/cindermill/interface/graph/nodecolour.h"
 
 #include "library/maths/scalar.h"
+#include "particles/effectgraph/nodetype.h"
 
 namespace {
 
-constexpr int NumNodeColours = 4;
 // Red, green, blue, cyan. The red leans away from the orange of a selection.
 constexpr float NodeColours[NumNodeColours][3] = {
     {0.69f, 0.20f, 0.28f}, {0.30f, 0.55f, 0.27f}, {0.25f, 0.42f, 0.70f}, {0.16f, 0.53f, 0.58f}};

@@ -1,10 +1,12 @@
 #include "particles/cindermill/interface/graph/nodelayout.h"
 
+#include "particles/cindermill/interface/controls/controlpaint.h"
 #include "particles/effectgraph/nodetype.h"
+
+#include <algorithm>
 
 namespace {
 
-constexpr const char* NodeFont = "Arial (TrueType)";
 constexpr float TitleFontSize = 12.0f;
 constexpr float LabelFontSize = 10.0f;
 // What is tried in views that are zoomed out.
@@ -22,11 +24,6 @@ float GetTextWidth(const TFontInstance& font, const TString& text)
     TVector2 size;
     font.GetTextSize(text.Print(), size);
     return size[0];
-}
-
-float Larger(float a, float b)
-{
-    return a > b ? a : b;
 }
 
 bool HasTitleRoom(const TNodeType& type, const TFontInstance& font, float width)
@@ -51,15 +48,15 @@ bool HaveLabelsRoom(const TNodeType& type, const TFontInstance& font, float widt
 
 TNodeFonts::TNodeFonts()
 {
-    Title.Create(NodeFont, TitleFontSize);
-    Label.Create(NodeFont, LabelFontSize);
+    Title.Create(ControlFont, TitleFontSize);
+    Label.Create(ControlFont, LabelFontSize);
     FarTitle = Title;
     FarLabel = Label;
 }
 
 bool TNodeFonts::IsFar(float zoom)
 {
-    return zoom < NodeFarZoom;
+    return zoom < FarZoom;
 }
 
 void TNodeFonts::Fit(const TNodeType& type, float width)
@@ -68,14 +65,14 @@ void TNodeFonts::Fit(const TNodeType& type, float width)
     FarLabel = Label;
     for (const float size : FarTitleSizes) {
         TFontInstance font;
-        if (!font.Create(NodeFont, size) || !HasTitleRoom(type, font, width))
+        if (!font.Create(ControlFont, size) || !HasTitleRoom(type, font, width))
             continue;
         FarTitle = font;
         break;
     }
     for (const float size : FarLabelSizes) {
         TFontInstance font;
-        if (!font.Create(NodeFont, size) || !HaveLabelsRoom(type, font, width))
+        if (!font.Create(ControlFont, size) || !HaveLabelsRoom(type, font, width))
             continue;
         FarLabel = font;
         break;
@@ -88,14 +85,14 @@ TVector2 MeasureNode(const TNodeType& type)
     float inputs = 0;
     float outputs = 0;
     for (int i = 0; i < type.GetNumInputs(); ++i)
-        inputs = Larger(inputs, GetTextWidth(fonts.GetLabel(), type.GetInput(i)->Name));
+        inputs = std::max(inputs, GetTextWidth(fonts.GetLabel(), type.GetInput(i)->Name));
     for (int i = 0; i < type.GetNumOutputs(); ++i)
-        outputs = Larger(outputs, GetTextWidth(fonts.GetLabel(), type.GetOutput(i).Name));
+        outputs = std::max(outputs, GetTextWidth(fonts.GetLabel(), type.GetOutput(i).Name));
     const float title = GetTextWidth(fonts.GetTitle(), type.Name);
     const int rows = type.GetNumInputs() > type.GetNumOutputs() ? type.GetNumInputs() : type.GetNumOutputs();
     const float width = static_cast<float>(double(inputs) + outputs + 2 * 5 + 50);
     const float titleWidth = static_cast<float>(double(title) + 2.0 * NodeTitleInset);
-    return TVector2(Larger(width, titleWidth), static_cast<float>(double(NodeRowHeight) * rows + 10 + 5));
+    return TVector2(std::max(width, titleWidth), static_cast<float>(double(NodeRowHeight) * rows + 10 + 5));
 }
 
 float GetTitleLeft(const TNodeType& type, float titleWidth, float width)

@@ -17,10 +17,9 @@ constexpr float NodeBoxLeft = 3.0f;
 constexpr float NodeBoxTop = 3.0f;
 // What a panel is wider than its title, on each side of it.
 constexpr float NodeTitleInset = 16.0f;
-// A view with less zoom counts as zoomed out: the larger letters there are still no larger than usual.
-constexpr float NodeFarZoom = 0.8f;
 
-// The fonts of titles and labels. In a view that is zoomed out they are larger, as far as a panel has room.
+// The fonts of titles and labels. In a view that is zoomed out they are larger, as far as a panel has room;
+// there they still look no larger than usual.
 class TNodeFonts
 {
 public:

@@ -352,14 +352,7 @@ bool TNodeObj::HitsButton(const TVector2& point, const TRenderer* view) const
 
 bool TNodeObj::SendToParent(int code, const TVector2& point, int detail)
 {
-    if (Parent == nullptr)
-        return false;
-    TRenderEvent event;
-    event.Source = this;
-    event.Code = code;
-    event.Point = point;
-    event.Detail = detail;
-    return Parent->Event(event);
+    return TellParent(code, detail, point);
 }
 
 bool TNodeObj::Event(const TRenderEvent& event)

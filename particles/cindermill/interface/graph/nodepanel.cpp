@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/graph/nodepanel.h"
 
 #include "library/wimp/gl/renderer.h"
+#include "particles/cindermill/interface/controls/controlpaint.h"
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/effectgraph/nodetype.h"
 
@@ -14,12 +15,6 @@ constexpr float Tones[PT_NUMTONES][4] = {{0.737f, 0.784f, 0.784f, 1},
 // The order in which the tones take each other's places under a pressed button.
 constexpr int PressedTones[PT_NUMTONES] = {PT_DARK, PT_LIGHT, PT_HIGHLIGHT, PT_DARK};
 
-// Letters smaller than this many pixels say nothing.
-constexpr float SmallestText = 3.0f;
-// In a view that is zoomed out strokes thinner than a pixel would be pale: there a letter covers more of the
-// pixels that it only touches, so much more from so little zoom on.
-constexpr float FarStrokes = 0.9f;
-constexpr float FarStrokesZoom = 0.5f;
 constexpr float FaintGlyph = 0.45f;
 const TVector4 VeilColour(0.93f, 0.94f, 0.92f, 1);
 
@@ -61,15 +56,6 @@ TVector4 MakeColour(const float* channels)
 float GetPosition(const TPanelEdge& edge, float size, float split)
 {
     return static_cast<float>(double(edge.OfSize) * size + double(edge.OfSplit) * split + edge.Offset);
-}
-
-// More than opaque: it multiplies the letters' coverage. What is to be seen through stays as it is.
-TVector4 Stronger(const TVector4& colour, float zoom)
-{
-    if (!TNodeFonts::IsFar(zoom) || colour[3] < 1)
-        return colour;
-    const float share = (NodeFarZoom - zoom) / (NodeFarZoom - FarStrokesZoom);
-    return TVector4(colour[0], colour[1], colour[2], colour[3] * (1 + FarStrokes * (share < 1 ? share : 1)));
 }
 
 // A bar across a box, from its bottom left to its top right.

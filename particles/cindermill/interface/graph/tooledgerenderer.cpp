@@ -9,6 +9,8 @@
 #include "particles/cindermill/interface/graph/nodecolour.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr float NormalWidth = 2.25f;
@@ -21,20 +23,6 @@ constexpr float ThinnestBorder = 1.0f;
 constexpr float KnobRadius = 3.2f;
 // Short curves would show their corners.
 constexpr float Smoothness = 3.0f;
-
-float Larger(float a, float b)
-{
-    return a > b ? a : b;
-}
-
-TVector2 Direction(const TVector2& from, const TVector2& to)
-{
-    TVector2 direction = to - from;
-    if (!(direction.LengthSquared() > 0))
-        return TVector2(0, 0);
-    direction.Normalise();
-    return direction;
-}
 
 } // namespace
 
@@ -62,8 +50,8 @@ void TToolEdgeRenderer::Layout(const TToolEdge* edge)
         return;
     const TVector2 from = OutputNode != nullptr ? OutputNode->GetPortPosition(false, OutputPort) : FreeEnd;
     const TVector2 to = InputNode != nullptr ? InputNode->GetPortPosition(true, InputPort) : FreeEnd;
-    const TVector2 leave = OutputNode != nullptr ? TVector2(1, 0) : Direction(from, to);
-    const TVector2 enter = InputNode != nullptr ? TVector2(-1, 0) : Direction(to, from);
+    const TVector2 leave = OutputNode != nullptr ? TVector2(1, 0) : GetDirection(from, to);
+    const TVector2 enter = InputNode != nullptr ? TVector2(-1, 0) : GetDirection(to, from);
     const float half = (to - from).Length() * 0.5f;
     Curve[0] = from;
     Curve[1] = from + leave * half;
@@ -102,8 +90,8 @@ void TToolEdgeRenderer::Render(TRenderer& renderer)
     const TVector4 colour = GetColour();
     const TVector4 border = MixColours(colour, TVector4(0.05f, 0.06f, 0.08f, 1), 0.7f);
     const float zoom = renderer.GetScale()[0];
-    const float width = Larger(Lit ? OfferedWidth : Width, ThinnestEdge / zoom);
-    RenderLine(renderer, Border, width + Larger(BorderWidth, ThinnestBorder / zoom), border);
+    const float width = std::max(Lit ? OfferedWidth : Width, ThinnestEdge / zoom);
+    RenderLine(renderer, Border, width + std::max(BorderWidth, ThinnestBorder / zoom), border);
     RenderLine(renderer, Line, width, colour);
     if (!Held)
         return;
@@ -132,7 +120,7 @@ void TToolEdgeRenderer::RenderKnob(TRenderer& renderer, const TVector2& place, c
 void TToolEdgeRenderer::GetBounds(TVector2& min, TVector2& max)
 {
     // A curve lies within its control points.
-    const float margin = Larger(Larger(Width, OfferedWidth) + BorderWidth, KnobRadius + 1);
+    const float margin = std::max(std::max(Width, OfferedWidth) + BorderWidth, KnobRadius + 1);
     min = max = Curve[0];
     for (const TVector2& point : Curve)
         for (int i = 0; i < 2; ++i) {

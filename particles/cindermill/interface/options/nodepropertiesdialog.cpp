@@ -83,9 +83,7 @@ bool AreSame(const TNodeProperties& a, const TNodeProperties& b)
 
 bool TNodePropertiesDialog::TFields::Create()
 {
-    static TWindowClass windowClass("nodeproperties");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, ButtonColour);
+    static TWindowClass windowClass("nodeproperties", 0, ButtonColour);
     TWindowParams params;
     params.Class = &windowClass;
     params.Owner = &Dialog;

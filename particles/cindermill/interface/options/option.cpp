@@ -88,16 +88,12 @@ bool TPathOption::Create(TWindow* owner, int id)
 
 void TPathOption::Show()
 {
-    TString shown;
-    ToShownPath((Settings.*Get)(), shown);
-    Edit.SetText(shown.Print());
+    Edit.SetText(GetShownPath((Settings.*Get)()).Print());
 }
 
 void TPathOption::Choose(const char* path)
 {
-    TString shown;
-    ToShownPath(path, shown);
-    Edit.SetText(shown.Print());
+    Edit.SetText(GetShownPath(path).Print());
     OnUsed(&Edit);
 }
 

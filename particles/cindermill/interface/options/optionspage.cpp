@@ -2,8 +2,6 @@
 
 bool TOptionsPage::Create(TWindow& dialog)
 {
-    if (!PageClass.IsRegistered())
-        PageClass.Register(0, ButtonColour);
     TWindowParams params;
     params.Class = &PageClass;
     params.Owner = &dialog;

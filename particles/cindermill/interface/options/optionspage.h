@@ -11,7 +11,10 @@ class TOptionsPage : public TWindow
 {
 public:
     // The name by which automation finds the page; its line in the list of pages.
-    TOptionsPage(const char* windowName, const char* title) : PageClass(windowName), Title(title) {}
+    TOptionsPage(const char* windowName, const char* title)
+        : PageClass(windowName, 0, ButtonColour), Title(title)
+    {
+    }
 
     // Inside the dialog, with the settings as they stand.
     bool Create(TWindow& dialog);

@@ -6,9 +6,9 @@
 
 namespace {
 
-TWindowClass BudgetClass("cindermill_particlewindow_budget");
 constexpr TGDIFont RowFont = {nullptr, 12, 400};
 constexpr TGDIColour Background = 0xF8F8F8;
+TWindowClass BudgetClass("cindermill_particlewindow_budget", 0, Background);
 constexpr TGDIColour TitleColour = 0xE4E4E4;
 constexpr TGDIColour OnlyColour = 0xDCE8F8;
 constexpr TGDIColour LineColour = 0xC8C8C8;
@@ -71,26 +71,18 @@ void PutText(TGDIContext& context, int column, int width, int top, const TString
     context.TextOutClipped(left, top + TextTop, right - left - 2, RowHeight - TextTop, text);
 }
 
-int GetRowWidth(const char* text)
-{
-    int width = 0;
-    int height = 0;
-    GetTextExtent(RowFont, text, width, height);
-    return width;
-}
-
 // Groups of one name are told apart by the number at its end, which stays.
 void FitGroupName(const TString& name, int room, TString& shown)
 {
     const char* text = name.Print();
     const char* number = strstr(text, " (");
-    if (number == nullptr || GetRowWidth(text) <= room) {
+    if (number == nullptr || GetTextWidth(RowFont, text) <= room) {
         FitText(RowFont, text, room, shown);
         return;
     }
     TString start;
     start.Assign(text, number);
-    FitText(RowFont, start.Print(), room - GetRowWidth(number), shown);
+    FitText(RowFont, start.Print(), room - GetTextWidth(RowFont, number), shown);
     shown += number;
 }
 
@@ -106,8 +98,6 @@ void PutGroupName(TGDIContext& context, int width, int top, const TString& name)
 
 bool TBudgetPanel::Create(TWindow* owner, const TPreviewBudget& budget)
 {
-    if (!BudgetClass.IsRegistered())
-        BudgetClass.Register(0, Background);
     Budget = &budget;
     TWindowParams params;
     params.Class = &BudgetClass;

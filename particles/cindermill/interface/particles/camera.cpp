@@ -1,12 +1,12 @@
 #include "particles/cindermill/interface/particles/camera.h"
 
+#include "library/maths/scalar.h"
 #include "library/wimp/gl/windowmessage.h"
 
 #include <cmath>
 
 namespace {
 
-constexpr float NotchDelta = 120;
 // Just short of a quarter turn.
 constexpr float MaxPitch = 1.55f;
 
@@ -31,18 +31,11 @@ constexpr float ShiftPerPixel = 0.005f;
 constexpr float Hurry = 4.0f;
 constexpr float Slow = 0.25f;
 
-float Clamp(float value, float min, float max)
-{
-    if (!(value > min))
-        return min;
-    return value < max ? value : max;
-}
-
 } // namespace
 
 float TCamera::TakeWheel()
 {
-    const float notches = static_cast<float>(Wheel) / NotchDelta;
+    const float notches = static_cast<float>(Wheel) / WheelNotch;
     Wheel = 0;
     return notches;
 }
@@ -92,7 +85,7 @@ void TCamera::Turn(float yaw, float pitch)
         return;
     constexpr float wholeTurn = 6.2831853f;
     Yaw = std::remainder(Yaw + yaw, wholeTurn);
-    Pitch = Clamp(Pitch + pitch, -MaxPitch, MaxPitch);
+    Pitch = ClampNumber(Pitch + pitch, -MaxPitch, MaxPitch);
 }
 
 TVector3 TCamera::GetRight() const
@@ -152,7 +145,7 @@ void TMayaCamera::SetPlace(const TCameraPlace& place)
 {
     TCamera::SetPlace(place);
     Target = place.Target;
-    Distance = Clamp(place.Distance, MinDistance, MaxDistance);
+    Distance = ClampNumber(place.Distance, MinDistance, MaxDistance);
 }
 
 void TMayaCamera::Update(const TCameraInput& input)
@@ -182,7 +175,7 @@ void TMayaCamera::Pan(const TCameraInput& input)
 
 void TMayaCamera::Approach(float amount)
 {
-    Distance = Clamp(Distance * std::exp(-amount), MinDistance, MaxDistance);
+    Distance = ClampNumber(Distance * std::exp(-amount), MinDistance, MaxDistance);
 }
 
 void TQuakeCamera::Reset()

@@ -13,8 +13,8 @@
 
 #include <cmath>
 
-static TWindowClass RenderClass("cindermill_particlewindow_render");
 static constexpr TGDIColour RenderBackground = 0xCCCCCC;
+static TWindowClass RenderClass("cindermill_particlewindow_render", 0, RenderBackground, true);
 
 // The settings' camera modes.
 enum TCameraMode
@@ -32,8 +32,6 @@ static constexpr uint32_t MaxCameraStep = 100;
 
 bool TParticleRenderWindow::Create(TWindow* owner, TDocument& document)
 {
-    if (!RenderClass.IsRegistered())
-        RenderClass.Register(0, RenderBackground, true);
     Doc = &document;
     LastUpdate = GetTickCount();
     TWindowParams params;

@@ -10,8 +10,8 @@
 
 namespace {
 
-TWindowClass TimelineClass("cindermill_particlewindow_timeline");
 constexpr TGDIColour TimelineBackground = 0xF0F0F0;
+TWindowClass TimelineClass("cindermill_particlewindow_timeline", 0, TimelineBackground);
 
 // True of an effect that was never started, and of one whose faults have stopped it.
 // The longest that there is room for is shown.
@@ -42,8 +42,6 @@ float FindRange(float furthest)
 
 bool TParticleTimeline::Create(TWindow* owner, TDocument& document)
 {
-    if (!TimelineClass.IsRegistered())
-        TimelineClass.Register(0, TimelineBackground);
     Clock.Start(document, GetTickCount());
     TWindowParams params;
     params.Class = &TimelineClass;

@@ -12,16 +12,14 @@
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
-static TWindowClass ParticleClass("cindermill_particlewindow");
 static constexpr TGDIColour ParticleBackground = 0xF0F0F0;
+static TWindowClass ParticleClass("cindermill_particlewindow", PI_PROGRAM, ParticleBackground);
 // A shorter one would start the effect again with every frame.
 static constexpr float ShortestLoop = 0.1f;
 static constexpr float QuarterTurn = 1.57079633f;
 
 bool TParticleWindow::Create(TDocument& document)
 {
-    if (!ParticleClass.IsRegistered())
-        ParticleClass.Register(PI_PROGRAM, ParticleBackground);
     Doc = &document;
     TWindowParams params;
     params.Class = &ParticleClass;

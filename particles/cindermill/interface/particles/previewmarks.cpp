@@ -85,11 +85,6 @@ TVector3 TMotion::Read(int attrib, int index) const
     return TVector3(value[0], value[1], value[2]);
 }
 
-bool IsFinite(const TVector3& v)
-{
-    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
-}
-
 bool IsTiedIn(const TEffectSchedule& schedule, int node, int group)
 {
     for (int t = 0; t < schedule.GetNumTiedNodes(group); ++t)

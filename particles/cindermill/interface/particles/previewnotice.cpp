@@ -2,11 +2,13 @@
 
 #include "library/wimp/gdi/brokentext.h"
 
+#include <algorithm>
+
 namespace {
 
-TWindowClass NoticeClass("cindermill_particlewindow_notice");
 constexpr TGDIFont NoticeFont = {nullptr, 13, 400};
 constexpr TGDIColour NoticeColour = 0xFFF8DC;
+TWindowClass NoticeClass("cindermill_particlewindow_notice", 0, NoticeColour);
 constexpr TGDIColour EdgeColour = 0xB0A060;
 constexpr TGDIColour TextColour = 0x302810;
 constexpr int LineHeight = 19;
@@ -16,20 +18,10 @@ constexpr int Margin = 12;
 // More than any text has; what does not fit into the view is not shown at all.
 constexpr int MaxLines = 100;
 
-int GetWidth(const char* text)
-{
-    int width = 0;
-    int height = 0;
-    GetTextExtent(NoticeFont, text, width, height);
-    return width;
-}
-
 } // namespace
 
 bool TPreviewNotice::Create(TWindow* owner)
 {
-    if (!NoticeClass.IsRegistered())
-        NoticeClass.Register(0, NoticeColour);
     TWindowParams params;
     params.Class = &NoticeClass;
     params.Owner = owner;
@@ -56,7 +48,7 @@ void TPreviewNotice::Place(int viewWidth, int viewHeight)
     BreakText(NoticeFont, Text.Print(), viewWidth - 2 * (Margin + Border), MaxLines, Lines);
     int width = 0;
     for (const TString& line : Lines)
-        width = GetWidth(line) > width ? GetWidth(line) : width;
+        width = std::max(width, GetTextWidth(NoticeFont, line));
     width += 2 * Border;
     const int height = Lines.size() * LineHeight + 2 * Border;
     MoveTo((viewWidth - width) / 2, Margin, width, height);

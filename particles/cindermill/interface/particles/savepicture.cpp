@@ -48,9 +48,7 @@ void Write(const TRgbPicture& picture, const char* path)
         TCindermillApp::Get().TellWritten("Picture saved to", path);
         return;
     }
-    TString shown;
-    ToShownPath(path, shown);
-    ShowMessage("%s could not be written: %s", shown.Print(), fault.Print());
+    ShowMessage("%s could not be written: %s", GetShownPath(path).Print(), fault.Print());
 }
 
 } // namespace

@@ -7,9 +7,9 @@
 
 namespace {
 
-TWindowClass SeekClass("cindermill_particlewindow_seek");
 constexpr TGDIFont LabelFont = {nullptr, 11, 400};
 constexpr TGDIColour Background = 0xF0F0F0;
+TWindowClass SeekClass("cindermill_particlewindow_seek", 0, Background);
 constexpr TGDIColour TroughColour = 0xC8C8C8;
 constexpr TGDIColour EdgeColour = 0x909090;
 constexpr TGDIColour RunColour = 0x6A9BD0;
@@ -34,8 +34,6 @@ constexpr int MinMarkGap = 8;
 
 bool TSeekBar::Create(TWindow* owner, int id)
 {
-    if (!SeekClass.IsRegistered())
-        SeekClass.Register(0, Background);
     Id = id;
     TWindowParams params;
     params.Class = &SeekClass;

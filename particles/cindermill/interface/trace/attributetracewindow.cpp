@@ -17,9 +17,7 @@ constexpr float TableWidth = 300;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_attribtrace");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(PI_PROGRAM, Background);
+    static TWindowClass windowClass("cindermill_attribtrace", PI_PROGRAM, Background);
     return windowClass;
 }
 

@@ -26,9 +26,7 @@ constexpr int MarkSize = 2;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_attribtracetable_graph");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, ButtonColour);
+    static TWindowClass windowClass("cindermill_attribtracetable_graph", 0, ButtonColour);
     return windowClass;
 }
 

@@ -9,14 +9,11 @@ constexpr int Margin = 5;
 constexpr int GraphDistance = TOutputGraph::Height + TOutputGraph::StripHeight;
 constexpr int ScrollStep = 25;
 constexpr int StepsANotch = 2;
-constexpr int Notch = 120;
 constexpr TGDIColour SelectedColour = 0xC8DCF0;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_attribtrace_graphs");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, ButtonColour);
+    static TWindowClass windowClass("cindermill_attribtrace_graphs", 0, ButtonColour);
     return windowClass;
 }
 
@@ -119,7 +116,7 @@ bool TTraceGraphs::OnMessage(const TMessage& message)
         Redraw();
         return true;
     case MT_WHEEL:
-        ScrollBy(-message.Delta * StepsANotch * ScrollStep / Notch);
+        ScrollBy(-message.Delta * StepsANotch * ScrollStep / WheelNotch);
         return true;
     case MT_LEFTDOWN:
         TakeFocus();

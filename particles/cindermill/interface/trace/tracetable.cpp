@@ -13,9 +13,7 @@ constexpr int NarrowestColumn = 60;
 
 TWindowClass& GetWindowClass()
 {
-    static TWindowClass windowClass("cindermill_attribtracetable_trace");
-    if (!windowClass.IsRegistered())
-        windowClass.Register(0, ButtonColour);
+    static TWindowClass windowClass("cindermill_attribtracetable_trace", 0, ButtonColour);
     return windowClass;
 }
 

@@ -66,7 +66,7 @@ private:
 class TVoriReader
 {
 public:
-    explicit TVoriReader(const char* path) : Path(path) { ToShownPath(path, ShownPath); }
+    explicit TVoriReader(const char* path) : Path(path), ShownPath(GetShownPath(path)) {}
     ~TVoriReader()
     {
         if (Xml.IsOpen())
@@ -100,7 +100,7 @@ private:
     TXmlFault TagFault;
     const char* Path;
     // As the messages name it.
-    TString ShownPath;
+    const TString ShownPath;
 };
 
 bool TVoriReader::Fail(const char* tag) const
@@ -140,8 +140,7 @@ void TVoriReader::TellRefusal() const
     TString text;
     text.Format("Failed to open %s for reading", ShownPath.Print());
     TString reason;
-    if (GetReadRefusal(Path, reason)) {
-        GetReadFault(Path, reason);
+    if (GetReadFault(Path, reason)) {
         text += "\n";
         text += reason;
     }

@@ -16,29 +16,37 @@ const char* NameOf(int signal, int code)
 
 TEST(TFailure, EachSignalHasItsName)
 {
-    EXPECT_STREQ(NameOf(SIGSEGV, SEGV_MAPERR), "an Access Violation");
-    EXPECT_STREQ(NameOf(SIGSEGV, SEGV_ACCERR), "an Access Violation");
-    EXPECT_STREQ(NameOf(SIGBUS, BUS_ADRALN), "a Datatype Misalignment");
-    EXPECT_STREQ(NameOf(SIGBUS, BUS_ADRERR), "an In Page Error");
-    EXPECT_STREQ(NameOf(SIGBUS, BUS_OBJERR), "an In Page Error");
-    EXPECT_STREQ(NameOf(SIGILL, ILL_ILLOPC), "an Illegal Instruction");
-    EXPECT_STREQ(NameOf(SIGILL, ILL_PRVOPC), "an Illegal Instruction");
-    EXPECT_STREQ(NameOf(SIGTRAP, TRAP_BRKPT), "a Breakpoint");
-    for (const int signal : {SIGABRT, SIGSYS, SIGQUIT, SIGXCPU})
-        EXPECT_STREQ(NameOf(signal, SI_TKILL), "an Unknown exception type") << signal;
-}
-
-TEST(TFailure, ArithmeticHasANameForEachCode)
-{
-    EXPECT_STREQ(NameOf(SIGFPE, FPE_INTDIV), "an Integer Divide by Zero");
-    EXPECT_STREQ(NameOf(SIGFPE, FPE_INTOVF), "an Integer Overflow");
-    EXPECT_STREQ(NameOf(SIGFPE, FPE_FLTDIV), "a Float Divide by Zero");
-    EXPECT_STREQ(NameOf(SIGFPE, FPE_FLTOVF), "a Float Overflow");
-    EXPECT_STREQ(NameOf(SIGFPE, FPE_FLTUND), "a Float Underflow");
-    EXPECT_STREQ(NameOf(SIGFPE, FPE_FLTRES), "a Float Inexact Result");
-    EXPECT_STREQ(NameOf(SIGFPE, FPE_FLTINV), "a Float Invalid Operation");
-    EXPECT_STREQ(NameOf(SIGFPE, FPE_FLTSUB), "a Array Bounds Exceeded");
-    EXPECT_STREQ(NameOf(SIGFPE, SI_USER), "an Unknown exception type");
+    struct TExpected
+    {
+        int Signal;
+        int Code;
+        const char* Name;
+    };
+    for (const TExpected& expected : {
+             TExpected{SIGSEGV, SEGV_MAPERR, "an Access Violation"},
+             TExpected{SIGSEGV, SEGV_ACCERR, "an Access Violation"},
+             TExpected{SIGBUS, BUS_ADRALN, "a Datatype Misalignment"},
+             TExpected{SIGBUS, BUS_ADRERR, "an In Page Error"},
+             TExpected{SIGBUS, BUS_OBJERR, "an In Page Error"},
+             TExpected{SIGILL, ILL_ILLOPC, "an Illegal Instruction"},
+             TExpected{SIGILL, ILL_PRVOPC, "an Illegal Instruction"},
+             TExpected{SIGTRAP, TRAP_BRKPT, "a Breakpoint"},
+             TExpected{SIGFPE, FPE_INTDIV, "an Integer Divide by Zero"},
+             TExpected{SIGFPE, FPE_INTOVF, "an Integer Overflow"},
+             TExpected{SIGFPE, FPE_FLTDIV, "a Float Divide by Zero"},
+             TExpected{SIGFPE, FPE_FLTOVF, "a Float Overflow"},
+             TExpected{SIGFPE, FPE_FLTUND, "a Float Underflow"},
+             TExpected{SIGFPE, FPE_FLTRES, "a Float Inexact Result"},
+             TExpected{SIGFPE, FPE_FLTINV, "a Float Invalid Operation"},
+             TExpected{SIGFPE, FPE_FLTSUB, "a Array Bounds Exceeded"},
+             TExpected{SIGFPE, SI_USER, "an Unknown exception type"},
+             TExpected{SIGABRT, SI_TKILL, "an Unknown exception type"},
+             TExpected{SIGSYS, SI_TKILL, "an Unknown exception type"},
+             TExpected{SIGQUIT, SI_TKILL, "an Unknown exception type"},
+             TExpected{SIGXCPU, SI_TKILL, "an Unknown exception type"},
+         })
+        EXPECT_STREQ(NameOf(expected.Signal, expected.Code), expected.Name)
+            << expected.Signal << ", " << expected.Code;
 }
 
 TEST(TFailure, WhatNoSignalTellsHasANameToo)

@@ -29,7 +29,7 @@
 
 namespace {
 
-class TControlTest : public TWindowTest
+class TWimpControls : public TWindowTest
 {
 protected:
     void SetUp() override { ShowTopWindow(Window, Class); }
@@ -77,7 +77,7 @@ protected:
 
 } // namespace
 
-TEST_F(TControlTest, AButtonReportsCode7)
+TEST_F(TWimpControls, AButtonReportsCode7)
 {
     TButton button;
     ASSERT_TRUE(button.Create(&Window, 42, "Update", "update"));
@@ -91,7 +91,7 @@ TEST_F(TControlTest, AButtonReportsCode7)
     EXPECT_EQ(Window.Commands[0].Code, CC_BUTTON);
 }
 
-TEST_F(TControlTest, ADisabledButtonReportsNothing)
+TEST_F(TWimpControls, ADisabledButtonReportsNothing)
 {
     TButton button;
     ASSERT_TRUE(button.Create(&Window, 1, "x", "x"));
@@ -100,7 +100,7 @@ TEST_F(TControlTest, ADisabledButtonReportsNothing)
     EXPECT_TRUE(Window.Commands.empty());
 }
 
-TEST_F(TControlTest, AButtonShowsAPictureWithATip)
+TEST_F(TWimpControls, AButtonShowsAPictureWithATip)
 {
     TButton button;
     ASSERT_TRUE(button.Create(&Window, 1, "", "pause"));
@@ -110,7 +110,7 @@ TEST_F(TControlTest, AButtonShowsAPictureWithATip)
     EXPECT_EQ(widget->toolTip(), QString("Pause"));
 }
 
-TEST_F(TControlTest, OnlyTheProgramPressesAButtonForGood)
+TEST_F(TWimpControls, OnlyTheProgramPressesAButtonForGood)
 {
     TButton button;
     ASSERT_TRUE(button.Create(&Window, 1, "", "pause"));
@@ -123,7 +123,7 @@ TEST_F(TControlTest, OnlyTheProgramPressesAButtonForGood)
     EXPECT_FALSE(widget->isChecked());
 }
 
-TEST_F(TControlTest, AButtonAndItsWindowMayGoInTheAnswer)
+TEST_F(TWimpControls, AButtonAndItsWindowMayGoInTheAnswer)
 {
     auto button = std::make_unique<TButton>();
     ASSERT_TRUE(button->Create(&Window, 1, "x", "x"));
@@ -137,7 +137,7 @@ TEST_F(TControlTest, AButtonAndItsWindowMayGoInTheAnswer)
     EXPECT_EQ(Window.GetHandle(), nullptr);
 }
 
-TEST_F(TControlTest, AControlNeedsAnOwner)
+TEST_F(TWimpControls, AControlNeedsAnOwner)
 {
     TButton button;
     EXPECT_FALSE(button.Create(nullptr, 1, "x", "x"));
@@ -155,7 +155,7 @@ TEST_F(TControlTest, AControlNeedsAnOwner)
     EXPECT_FALSE(number.Create(nullptr, 1, "x"));
 }
 
-TEST_F(TControlTest, AControlIsMovedAndHidden)
+TEST_F(TWimpControls, AControlIsMovedAndHidden)
 {
     TButton button;
     ASSERT_TRUE(button.Create(&Window, 1, "x", "x"));
@@ -165,7 +165,7 @@ TEST_F(TControlTest, AControlIsMovedAndHidden)
     EXPECT_FALSE(button.GetHandle()->isVisible());
 }
 
-TEST_F(TControlTest, AnEditShowsItsText)
+TEST_F(TWimpControls, AnEditShowsItsText)
 {
     TEdit field;
     ASSERT_TRUE(field.Create(&Window, 5, "time", true));
@@ -184,7 +184,7 @@ TEST_F(TControlTest, AnEditShowsItsText)
     EXPECT_TRUE(Window.Commands.empty());
 }
 
-TEST_F(TControlTest, AnEditTellsWhatAPersonTypes)
+TEST_F(TWimpControls, AnEditTellsWhatAPersonTypes)
 {
     TEdit field;
     ASSERT_TRUE(field.Create(&Window, 19, "address"));
@@ -198,7 +198,7 @@ TEST_F(TControlTest, AnEditTellsWhatAPersonTypes)
     EXPECT_EQ(Text(text), "10");
 }
 
-TEST_F(TControlTest, AnEditOfSeveralLinesGrowsAtItsEnd)
+TEST_F(TWimpControls, AnEditOfSeveralLinesGrowsAtItsEnd)
 {
     TEdit field;
     ASSERT_TRUE(field.Create(&Window, 1, "report", true, true));
@@ -210,7 +210,7 @@ TEST_F(TControlTest, AnEditOfSeveralLinesGrowsAtItsEnd)
     EXPECT_NE(Window.GetHandle()->findChild<QPlainTextEdit*>("report"), nullptr);
 }
 
-TEST_F(TControlTest, AFieldOfSeveralLinesIsAsHighAsItsLinesAndKeepsThemWhole)
+TEST_F(TWimpControls, AFieldOfSeveralLinesIsAsHighAsItsLinesAndKeepsThemWhole)
 {
     TEdit field;
     ASSERT_TRUE(field.Create(&Window, 1, "page", true, true));
@@ -229,7 +229,7 @@ TEST_F(TControlTest, AFieldOfSeveralLinesIsAsHighAsItsLinesAndKeepsThemWhole)
     EXPECT_LT(edit->height(), 4 * edit->fontMetrics().lineSpacing());
 }
 
-TEST_F(TControlTest, ALabelShowsItsText)
+TEST_F(TWimpControls, ALabelShowsItsText)
 {
     TLabel label;
     ASSERT_TRUE(label.Create(&Window, "Time:", "timelabel"));
@@ -240,7 +240,7 @@ TEST_F(TControlTest, ALabelShowsItsText)
     EXPECT_EQ(widget->textFormat(), Qt::PlainText);
 }
 
-TEST_F(TControlTest, ACheckBoxReportsAClickAndKeepsItsCheck)
+TEST_F(TWimpControls, ACheckBoxReportsAClickAndKeepsItsCheck)
 {
     TCheckBox box;
     ASSERT_TRUE(box.Create(&Window, 1024, "Automatically", "auto"));
@@ -256,7 +256,7 @@ TEST_F(TControlTest, ACheckBoxReportsAClickAndKeepsItsCheck)
     EXPECT_EQ(Window.Commands[0].Code, CC_BUTTON);
 }
 
-TEST_F(TControlTest, AListBoxReportsASelectionAsCode11)
+TEST_F(TWimpControls, AListBoxReportsASelectionAsCode11)
 {
     TListBox list;
     ASSERT_TRUE(list.Create(&Window, 1006, "pages"));
@@ -274,7 +274,7 @@ TEST_F(TControlTest, AListBoxReportsASelectionAsCode11)
     EXPECT_EQ(Window.Commands[0].Code, CC_SELECTION);
 }
 
-TEST_F(TControlTest, AComboBoxSelectsByPositionAndByText)
+TEST_F(TWimpControls, AComboBoxSelectsByPositionAndByText)
 {
     TComboBoxControl box;
     ASSERT_TRUE(box.Create(&Window, 1018, "camera"));
@@ -296,7 +296,7 @@ TEST_F(TControlTest, AComboBoxSelectsByPositionAndByText)
     EXPECT_EQ(Text(text), "Quake Camera");
 }
 
-TEST_F(TControlTest, AComboBoxIsClearedWithoutAReport)
+TEST_F(TWimpControls, AComboBoxIsClearedWithoutAReport)
 {
     TComboBoxControl box;
     ASSERT_TRUE(box.Create(&Window, 1, "box"));
@@ -309,7 +309,7 @@ TEST_F(TControlTest, AComboBoxIsClearedWithoutAReport)
     EXPECT_TRUE(Window.Commands.empty());
 }
 
-TEST_F(TControlTest, SelectingAMissingComboBoxLineIsAnAssertion)
+TEST_F(TWimpControls, SelectingAMissingComboBoxLineIsAnAssertion)
 {
     const char* const missing = "0 : Item not found for combo box selection";
     TComboBoxControl box;
@@ -321,7 +321,7 @@ TEST_F(TControlTest, SelectingAMissingComboBoxLineIsAnAssertion)
     EXPECT_EQ(AssertionOf([&] { box.SetSelection(-1); }), missing);
 }
 
-TEST_F(TControlTest, DeletingAMissingComboBoxLineIsAnAssertion)
+TEST_F(TWimpControls, DeletingAMissingComboBoxLineIsAnAssertion)
 {
     TComboBoxControl box;
     ASSERT_TRUE(box.Create(&Window, 1, "box"));
@@ -333,7 +333,7 @@ TEST_F(TControlTest, DeletingAMissingComboBoxLineIsAnAssertion)
               "delidx != -1 : Attempt to delete non-existent combo box entry");
 }
 
-TEST_F(TControlTest, AComboBoxLineHasLessThan1024Characters)
+TEST_F(TWimpControls, AComboBoxLineHasLessThan1024Characters)
 {
     TComboBoxControl box;
     ASSERT_TRUE(box.Create(&Window, 1, "box"));
@@ -347,7 +347,7 @@ TEST_F(TControlTest, AComboBoxLineHasLessThan1024Characters)
               "SendMessage(GetHandle(), CB_GETLBTEXTLEN, i, 0) < 1024 : Combo box string length > 1024");
 }
 
-TEST_F(TControlTest, ANumberEditKeepsItsRangeAndTellsChanges)
+TEST_F(TWimpControls, ANumberEditKeepsItsRangeAndTellsChanges)
 {
     TNumberEdit number;
     ASSERT_TRUE(number.Create(&Window, 1016, "recent"));
@@ -366,7 +366,7 @@ TEST_F(TControlTest, ANumberEditKeepsItsRangeAndTellsChanges)
     EXPECT_EQ(Window.Commands[0].Code, CC_EDITED);
 }
 
-TEST_F(TControlTest, ANumberWithDecimalsIsShownToFourPlaces)
+TEST_F(TWimpControls, ANumberWithDecimalsIsShownToFourPlaces)
 {
     TNumberEdit number;
     ASSERT_TRUE(number.Create(&Window, 1041, "minx"));
@@ -381,7 +381,7 @@ TEST_F(TControlTest, ANumberWithDecimalsIsShownToFourPlaces)
     EXPECT_EQ(widget->text(), QString("-12345"));
 }
 
-TEST_F(TControlTest, ANumberTypedOutsideTheRangeIsBroughtIntoIt)
+TEST_F(TWimpControls, ANumberTypedOutsideTheRangeIsBroughtIntoIt)
 {
     TNumberEdit number;
     ASSERT_TRUE(number.Create(&Window, 1016, "recent"));
@@ -407,7 +407,7 @@ TEST_F(TControlTest, ANumberTypedOutsideTheRangeIsBroughtIntoIt)
     EXPECT_EQ(number.GetValue(), 99.0f);
 }
 
-TEST_F(TControlTest, AComboBoxMaySelectNothing)
+TEST_F(TWimpControls, AComboBoxMaySelectNothing)
 {
     TComboBoxControl box;
     ASSERT_TRUE(box.Create(&Window, 1, "box"));
@@ -418,7 +418,7 @@ TEST_F(TControlTest, AComboBoxMaySelectNothing)
     EXPECT_TRUE(Window.Commands.empty());
 }
 
-TEST_F(TControlTest, AListIsAsWideAsItsLongestLine)
+TEST_F(TWimpControls, AListIsAsWideAsItsLongestLine)
 {
     TListBox list;
     ASSERT_TRUE(list.Create(&Window, 1, "list"));
@@ -430,7 +430,7 @@ TEST_F(TControlTest, AListIsAsWideAsItsLongestLine)
     EXPECT_GT(list.GetHandle()->width(), narrow + 50);
 }
 
-TEST_F(TControlTest, AGridKeepsItsControlsApartAndAHiddenOnesPlaceFree)
+TEST_F(TWimpControls, AGridKeepsItsControlsApartAndAHiddenOnesPlaceFree)
 {
     TLabel label;
     TEdit edit;
@@ -462,7 +462,7 @@ TEST_F(TControlTest, AGridKeepsItsControlsApartAndAHiddenOnesPlaceFree)
     EXPECT_EQ(place(second).top(), top);
 }
 
-TEST_F(TControlTest, APageFrameShowsOnePageAndScrollsWhatDoesNotFit)
+TEST_F(TWimpControls, APageFrameShowsOnePageAndScrollsWhatDoesNotFit)
 {
     TPageFrame frame;
     EXPECT_FALSE(frame.Create(nullptr, "frame"));
@@ -495,7 +495,7 @@ TEST_F(TControlTest, APageFrameShowsOnePageAndScrollsWhatDoesNotFit)
     EXPECT_GT(area->horizontalScrollBar()->maximum(), 0);
 }
 
-TEST_F(TControlTest, AControlMayGoInItsAnswer)
+TEST_F(TWimpControls, AControlMayGoInItsAnswer)
 {
     auto list = std::make_unique<TListBox>();
     ASSERT_TRUE(list->Create(&Window, 1, "list"));
@@ -518,7 +518,7 @@ TEST_F(TControlTest, AControlMayGoInItsAnswer)
     Settle();
 }
 
-TEST_F(TControlTest, AControlWhoseOwnerGoesTellsNoOneAnyMore)
+TEST_F(TWimpControls, AControlWhoseOwnerGoesTellsNoOneAnyMore)
 {
     TNumberEdit number;
     ASSERT_TRUE(number.Create(&Window, 1, "number"));
@@ -538,7 +538,7 @@ TEST_F(TControlTest, AControlWhoseOwnerGoesTellsNoOneAnyMore)
     EXPECT_EQ(number.GetValue(), 0.0f);
 }
 
-TEST_F(TControlTest, AnchoredControlsKeepTheirDistances)
+TEST_F(TWimpControls, AnchoredControlsKeepTheirDistances)
 {
     TButton ok;
     TButton fixed;
@@ -568,7 +568,7 @@ TEST_F(TControlTest, AnchoredControlsKeepTheirDistances)
     EXPECT_EQ(list.GetHandle()->geometry(), QRect(10, 10, 270, 130));
 }
 
-TEST_F(TControlTest, ATreeHoldsItemsBelowItems)
+TEST_F(TWimpControls, ATreeHoldsItemsBelowItems)
 {
     TTree tree;
     ASSERT_TRUE(tree.Create(&Window, 30, "tree"));
@@ -592,7 +592,7 @@ TEST_F(TControlTest, ATreeHoldsItemsBelowItems)
     EXPECT_TRUE(Window.Commands.empty());
 }
 
-TEST_F(TControlTest, ATreeReportsASelectionAsCode11)
+TEST_F(TWimpControls, ATreeReportsASelectionAsCode11)
 {
     TTree tree;
     ASSERT_TRUE(tree.Create(&Window, 30, "tree"));
@@ -612,7 +612,7 @@ TEST_F(TControlTest, ATreeReportsASelectionAsCode11)
     EXPECT_EQ(tree.GetSelection(), nullptr);
 }
 
-TEST_F(TControlTest, ATreesItemsAreItsOwnAndNeverBelowThemselves)
+TEST_F(TWimpControls, ATreesItemsAreItsOwnAndNeverBelowThemselves)
 {
     TTree tree;
     TTree other;

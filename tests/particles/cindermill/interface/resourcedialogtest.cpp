@@ -168,9 +168,7 @@ TEST_F(ResourceDialog, ARealSearchInALargeTreeFindsItsFileUnderTheDialog)
         directories.pop_back();
         WriteBytes(path, "x");
         EXPECT_EQ(Find(("aSH" + name + ".dds").c_str()), FR_FOUND);
-        TString shown;
-        ToShownPath(Found, shown);
-        EXPECT_EQ(Text(shown), path);
+        EXPECT_EQ(Text(GetShownPath(Found)), path);
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
         EXPECT_EQ(Locator().GetKnownDirectories().size(), searches);
     }

@@ -7,10 +7,10 @@ namespace {
 
 // A random graph without circles: some triggers and constants, then emitters, working nodes and render
 // stages, each fed by nodes made before it.
-class TRandomGraph
+class TRandomWiring
 {
 public:
-    explicit TRandomGraph(unsigned seed) : Random(seed)
+    explicit TRandomWiring(unsigned seed) : Random(seed)
     {
         const int count = 3 + Below(15);
         for (int i = 0; i < count; ++i) {
@@ -161,7 +161,7 @@ TEST(ScheduleOfRandomGraphs, HoldsTogether)
     int stopped = 0;
     for (unsigned seed = 1; seed <= 1500; ++seed) {
         SCOPED_TRACE(seed);
-        const TRandomGraph random(seed);
+        const TRandomWiring random(seed);
         const TScheduled s(random.Graph);
         ASSERT_EQ(s.Schedule.IsCreated(), s.Made);
         if (!s.Assertion.empty()) {
@@ -193,8 +193,8 @@ TEST(ScheduleOfRandomGraphs, HoldsTogether)
 TEST(ScheduleOfRandomGraphs, DoesNotDependOnAddresses)
 {
     for (unsigned seed = 1; seed <= 200; ++seed) {
-        const TRandomGraph first(seed);
-        const TRandomGraph second(seed);
+        const TRandomWiring first(seed);
+        const TRandomWiring second(seed);
         ASSERT_EQ(MaskAddresses(TScheduled(first.Graph).Log), MaskAddresses(TScheduled(second.Graph).Log))
             << "seed " << seed;
     }
@@ -258,7 +258,7 @@ TEST(ScheduleOfRandomGraphs, IsWhatThePlainWayGives)
     int dropped = 0;
     for (unsigned seed = 1; seed <= 800; ++seed) {
         SCOPED_TRACE(seed);
-        const TRandomGraph random(seed);
+        const TRandomWiring random(seed);
         const TScheduled s(random.Graph);
         const TSlowSchedule slow(random.Graph.GetGraph());
         ASSERT_NO_FATAL_FAILURE(CheckSchedule(s, slow));

@@ -54,6 +54,14 @@ inline TVertexCode Vector(int opcode, int temporary = 0)
     return code;
 }
 
+// The last instruction of its program.
+inline TVertexCode LastMov(int temporary)
+{
+    TVertexCode code = Vector(Mov, temporary);
+    code.Last = true;
+    return code;
+}
+
 inline TVertexCode Scalar(int opcode, int temporary = 0)
 {
     TVertexCode code = Vector(0);

@@ -21,10 +21,8 @@ TEST(QdxVertexStore, LoadingAtSlot544IsFatal)
 TEST(QdxVertexStore, TwoLoadsOfTheSameWordsGiveOneProgram)
 {
     TQdxVertexStore store;
-    TVertexCode last = Vector(Mov, 2);
-    last.Last = true;
-    const std::string first = VertexBytes({Vector(Mov, 1), last});
-    const std::string second = VertexBytes({last});
+    const std::string first = VertexBytes({Vector(Mov, 1), LastMov(2)});
+    const std::string second = VertexBytes({LastMov(2)});
     store.LoadInstructions(Raw(first), 2);
     TQdxVertexProgram* program = store.GetProgram();
     EXPECT_EQ(2, program->GetSize());
@@ -47,11 +45,8 @@ TEST(QdxVertexStore, TwoLoadsOfTheSameWordsGiveOneProgram)
 TEST(QdxVertexStore, LoadingAtTheStartSlotUnsetsTheProgram)
 {
     TQdxVertexStore store;
-    TVertexCode last = Vector(Mov, 1);
-    last.Last = true;
-    const std::string first = VertexBytes({last});
-    last.VectorTemporary = 2;
-    const std::string second = VertexBytes({last});
+    const std::string first = VertexBytes({LastMov(1)});
+    const std::string second = VertexBytes({LastMov(2)});
     store.LoadInstructions(Raw(first), 1);
     TQdxVertexProgram* program = store.GetProgram();
     store.SetLoadSlot(0);
@@ -63,11 +58,8 @@ TEST(QdxVertexStore, LoadingAtTheStartSlotUnsetsTheProgram)
 TEST(QdxVertexStore, LoadingBehindTheStartSlotLeavesTheProgram)
 {
     TQdxVertexStore store;
-    TVertexCode last = Vector(Mov, 1);
-    last.Last = true;
-    const std::string second = VertexBytes({last});
-    last.VectorTemporary = 2;
-    store.LoadInstructions(Raw(VertexBytes({Vector(Mov, 1), last})), 2);
+    const std::string second = VertexBytes({LastMov(1)});
+    store.LoadInstructions(Raw(VertexBytes({Vector(Mov, 1), LastMov(2)})), 2);
     TQdxVertexProgram* program = store.GetProgram();
     store.SetLoadSlot(1);
     store.LoadInstructions(Raw(second), 1);
@@ -83,10 +75,8 @@ TEST(QdxVertexStore, ProgramsOfOneHashAreToldApartByTheirWords)
 {
     TQdxVertexStore store;
     const auto load = [&store](int first, int second) {
-        TVertexCode last = Vector(Mov, second);
-        last.Last = true;
         store.SetLoadSlot(0);
-        store.LoadInstructions(Raw(VertexBytes({Vector(Mov, first), last})), 2);
+        store.LoadInstructions(Raw(VertexBytes({Vector(Mov, first), LastMov(second)})), 2);
         return store.GetProgram();
     };
     TQdxVertexProgram* program = load(1, 2);
@@ -118,8 +108,6 @@ TEST(QdxVertexStore, HashIsTheExclusiveOrOfAllWords)
 TEST(QdxVertexStore, WordsAreSwappedFromTheFilesOrder)
 {
     TQdxVertexStore store;
-    TVertexCode last = Vector(Mov, 1);
-    last.Last = true;
-    store.LoadInstructions(Raw(VertexBytes({last})), 1);
+    store.LoadInstructions(Raw(VertexBytes({LastMov(1)})), 1);
     EXPECT_EQ(Header + "TEMP R1;\nMOV R1,vertex.attrib[0];\nEND\n", Text(store.GetProgram()->GetText()));
 }

@@ -11,14 +11,19 @@ std::vector<int> Sides(const TWindowArea& area)
 
 const std::vector<int> First = {50, 50, 700, 500};
 
+TTraceSurroundings Surroundings(const TWindowArea& room, const TWindowArea& menus, const TWindowArea& graph)
+{
+    TTraceSurroundings about;
+    about.Room = room;
+    about.Menus = menus;
+    about.Graph = graph;
+    return about;
+}
+
 // A large screen, with the main window far from where traces open.
 TTraceSurroundings Spacious()
 {
-    TTraceSurroundings about;
-    about.Room = {0, 0, 2560, 1440};
-    about.Menus = {1000, 100, 2400, 160};
-    about.Graph = {1000, 160, 2400, 1200};
-    return about;
+    return Surroundings({0, 0, 2560, 1440}, {1000, 100, 2400, 160}, {1000, 160, 2400, 1200});
 }
 
 } // namespace
@@ -59,10 +64,7 @@ TEST(TracePlace, NoneOpensBeyondTheScreen)
 
 TEST(TracePlace, ItLeavesTheMenusInSightAtTheBottomOfTheScreen)
 {
-    TTraceSurroundings about;
-    about.Room = {0, 0, 1920, 1080};
-    about.Menus = {286, 64, 1636, 155};
-    about.Graph = {540, 180, 1385, 905};
+    TTraceSurroundings about = Surroundings({0, 0, 1920, 1080}, {286, 64, 1636, 155}, {540, 180, 1385, 905});
     const TTracePlace place = FindTracePlace(about);
     EXPECT_TRUE(place.StaysInFront);
     EXPECT_EQ(place.Area.Left, 50);
@@ -78,11 +80,8 @@ TEST(TracePlace, ItLeavesTheMenusInSightAtTheBottomOfTheScreen)
 
 TEST(TracePlace, WhereItWouldHideTheGraphAClickThereMaySendItBehind)
 {
-    TTraceSurroundings about;
-    about.Room = {0, 0, 1024, 700};
-    about.Menus = {0, 0, 1024, 60};
-    about.Graph = {200, 100, 800, 640};
-    const TTracePlace place = FindTracePlace(about);
+    const TTracePlace place =
+        FindTracePlace(Surroundings({0, 0, 1024, 700}, {0, 0, 1024, 60}, {200, 100, 800, 640}));
     EXPECT_FALSE(place.StaysInFront);
     EXPECT_EQ(Sides(place.Area), First);
 }
