@@ -255,6 +255,24 @@ TEST_F(GraphPorts, APortOutOfSightComesIntoSight)
     EXPECT_TRUE(Graph().GetHandle()->rect().contains(PlaceOf(First, false, 0)));
 }
 
+TEST_F(GraphPorts, WhatIsAddedToAPortAtTheEdgeIsInSight)
+{
+    const QRect view = Graph().GetHandle()->rect();
+    const QPoint port = PlaceOf(First, false, 0);
+    SetView(Graph(), static_cast<float>(view.width() - 20 - port.x()), 0, 1);
+    Enter(First);
+    Key(Graph(), Qt::Key_Right);
+    Key(Graph(), Qt::Key_Tab);
+    TypeText("grid");
+    Key(Search(), Qt::Key_Return);
+    ASSERT_EQ(NumEdges(), 1);
+    TNodeObj* added =
+        Scene().FindNode(static_cast<TToolNode*>(Document->GetGraph()->GetEdge(0)->GetDstNode()));
+    ASSERT_NE(added, nullptr);
+    EXPECT_TRUE(
+        added->OverlapsBox(Graph().PixelToWorld(0, 0), Graph().PixelToWorld(view.width(), view.height())));
+}
+
 TEST_F(GraphPorts, AssistiveToolsFindThePortUnderTheKeysAndWhatItIs)
 {
     Enter(First);
