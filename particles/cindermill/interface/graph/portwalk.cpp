@@ -188,14 +188,14 @@ void TPortWalk::Show()
     if (port == nullptr)
         return;
     TString text;
-    if (Wiring) {
-        text = "Wire from ";
-        TString name;
-        TellPortName(*GetDraft().GetFrom(), name);
-        text += name;
-        text += " to ";
-    }
     TString name;
+    if (Wiring) {
+        const TPort& from = *GetDraft().GetFrom();
+        TellPortName(from, name);
+        text = from.IsInput() ? "Wire to " : "Wire from ";
+        text += name;
+        text += from.IsInput() ? " from " : " to ";
+    }
     TellPortName(*port, name);
     text += name;
     text += ": ";

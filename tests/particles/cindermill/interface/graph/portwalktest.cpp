@@ -232,6 +232,7 @@ TEST_F(PortWalk, AWireFromAnInputBeginsWithWhatStandsBeforeIt)
     Enter(curve);
     EXPECT_TRUE(Key(KEY_RETURN));
     EXPECT_EQ(Walk().GetMarked(), &OutputPort(effect, "Time"));
+    EXPECT_EQ(Host.Status, "Wire to Scalar Over Life, Time from Effect, Time: Scalar, not wired");
     EXPECT_TRUE(Key(KEY_UP));
     EXPECT_EQ(Walk().GetMarked(), &OutputPort(far, "Time"));
     EXPECT_TRUE(Key(KEY_RETURN));
