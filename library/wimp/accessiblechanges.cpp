@@ -12,6 +12,12 @@ bool IsSameItem(const TAccessibleItem& a, const TAccessibleItem& b)
     return a.Role == b.Role && a.Parent == b.Parent && ((a.IsLive && b.IsLive) || a.Name == b.Name);
 }
 
+// What a person can change of it, and what it tells of that.
+bool Differs(const TAccessibleItem& a, const TAccessibleItem& b)
+{
+    return a.Differs(b) || (!a.IsLive && !(a.Description == b.Description));
+}
+
 bool AreSameItems(const vector<TAccessibleItem>& a, const vector<TAccessibleItem>& b)
 {
     if (a.size() != b.size())
@@ -50,6 +56,8 @@ public:
         if (!now.IsLive && !(now.Value == before.Value))
             Tell<QAccessibleValueChangeEvent>(
                 item, AC_VALUE, isNumber ? QVariant(now.Number) : QVariant(ToQt(now.Value.Print())));
+        if (!now.IsLive && !(now.Description == before.Description))
+            Tell<QAccessibleEvent>(item, AC_DESCRIPTION, QAccessible::DescriptionChanged);
         if (now.HasFocus && !before.HasFocus)
             TellFocus(item);
     }
@@ -98,7 +106,7 @@ void TAccessibleContents::TellChanges(TWindow& window)
     for (int i = 0; i < items.size(); ++i)
         if (!areSame && items[i].HasFocus)
             telling.TellFocus(i);
-        else if (areSame && items[i].Differs(Told[i]))
+        else if (areSame && Differs(items[i], Told[i]))
             telling.TellItem(i, Told[i]);
     HasTold = true;
     Told.swap(items);

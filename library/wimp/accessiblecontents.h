@@ -21,6 +21,7 @@ enum TAccessibleChange
 {
     AC_VALUE,
     AC_STATE,
+    AC_DESCRIPTION,
     AC_FOCUS,
     // Other items than before; no single one is meant.
     AC_ITEMS

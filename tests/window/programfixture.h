@@ -205,7 +205,7 @@ protected:
             const char* Told;
         };
         const TVariant variants[] = {
-            {"", " rR"}, {"ctrl+", "szyoncvxfrgdbetmSZYONCVXFRGDBETM"}, {"ctrl+shift+", "sfradSFRAD"}};
+            {"", " prR"}, {"ctrl+", "szyoncvxfrgdbetmSZYONCVXFRGDBETM"}, {"ctrl+shift+", "sfradSFRAD"}};
         for (const TVariant& variant : variants) {
             std::vector<std::string> keys;
             for (char key = ' '; key <= '~'; ++key)

@@ -1,6 +1,8 @@
 #include "window/programfixture.h"
 
+#include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
+#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
 #include "particles/cindermill/graph/operations/movegraphnodeop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/interface/graph/graphedits.h"
@@ -92,6 +94,49 @@ TEST_F(ProgramGraph, ANodeIsSearchedForAtThePointerAndAtAWiresEnd)
     Screen.Keys({"ctrl+y", "ctrl+y"});
     document.Redo();
     document.Redo();
+    CheckFile(program, workshop, false);
+    Exit(program);
+}
+
+TEST_F(ProgramGraph, TwoNodesAreWiredByKeysAlone)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    TDocument& document = workshop.GetDocument();
+    const TNodeTypeLibrary& types = workshop.GetApp().GetNodeTypes();
+    SearchAt(workshop, 120, 150, "Tab", "effect");
+    document.ApplyOperation(new TAddGraphNodeOp(document, *types.FindType("Effect"), 120, 150));
+    TToolNode* effect = workshop.GetLast();
+    SearchAt(workshop, 620, 150, "Tab", "scalar over life");
+    document.ApplyOperation(new TAddGraphNodeOp(document, *types.FindType("Scalar Over Life"), 620, 150));
+    TToolNode* curve = workshop.GetLast();
+
+    Screen.Keys({"ctrl+Prior", "p", "Return", "Down"});
+    Screen.Save(program.GetMainRectangle(), Screenshot("ports-wire"));
+    Screen.Key("Return");
+    document.ApplyOperation(
+        new TAddGraphEdgeOp(document, effect, 0, curve, curve->GetNodeType()->FindInput("Life")));
+    CheckFile(program, workshop, true);
+    // Along the wire, off with it, and back.
+    Screen.Keys({"Right", "Delete", "ctrl+z"});
+    document.ApplyOperation(new TDeleteGraphEdgeOp(static_cast<TToolEdge*>(document.GetGraph()->GetEdge(0))));
+    document.Undo();
+    Screen.Save(program.GetMainRectangle(), Screenshot("ports-walk"));
+    CheckFile(program, workshop, false);
+    // Back to the output, and a new node for it.
+    Screen.Keys({"Left", "space"});
+    Screen.Type("age");
+    Screen.Key("Return");
+    const TVector2 port = GetPortOffset(false, 0, MeasureNode(*effect->GetNodeType())[0]);
+    const TVector2 place(static_cast<float>(effect->GetX()) + port[0] + 60,
+                         static_cast<float>(effect->GetY()) + port[1]);
+    ASSERT_NE(AddNodeToWire(document, *types.FindType("Age"), place, TWireEnd{effect, 0, false}), nullptr);
+    CheckFile(program, workshop, false);
+    Screen.Key("ctrl+z");
+    document.Undo();
     CheckFile(program, workshop, false);
     Exit(program);
 }

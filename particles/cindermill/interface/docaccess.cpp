@@ -3,17 +3,16 @@
 #include "library/containers/append.h"
 #include "library/maths/scalar.h"
 #include "library/wimp/wimp.h"
-#include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/documentwindows.h"
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/interface/graph/nodeorder.h"
+#include "particles/cindermill/interface/graph/porttext.h"
 #include "particles/cindermill/interface/panelaccess.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/nodetypelibrary.h"
-
-#include <algorithm>
 
 namespace {
 
@@ -36,45 +35,26 @@ void Place(TAccessibleItem& item, const TGraphView& view, const TVector2& min, c
     item.Height = edges[3] - edges[1];
 }
 
-// By columns, each from the top.
-bool IsBefore(const TToolNode& a, const TToolNode& b)
+// A port that the keys lead a wire to is told with what Return does there.
+void DescribePort(const TPortWalk& walk, const TPort& port, const TPort* from, TString& text)
 {
-    return a.GetX() != b.GetX() ? a.GetX() < b.GetX() : a.GetY() < b.GetY();
-}
-
-TString TellConnections(const TToolNode& node, bool isInput, int port)
-{
-    TString text;
-    if (!isInput) {
-        const int count = node.GetNumOutputEdges(port);
-        if (count == 0)
-            return "not wired";
-        text.Format(count == 1 ? "wired to 1 input" : "wired to %d inputs", count);
-        return text;
+    if (walk.IsWiring() && from != nullptr && walk.GetMarked() == &port) {
+        TString name;
+        TellPortName(*from, name);
+        text = "Return wires it with ";
+        text += name;
+        text += ". ";
     }
-    const TEffectEdge* edge = node.GetInput(port);
-    if (edge == nullptr)
-        return "not wired";
-    const TNodeType& source = *edge->GetSrcNode()->GetNodeType();
-    // Both may be as long as a text of a file can be, together longer than what can be formatted.
-    text = "wired from ";
-    text += source.Name;
-    text += ", ";
-    text += source.GetOutput(edge->GetSrcPort()).Name;
-    return text;
+    TString state;
+    TellPort(port, state);
+    text += state;
+    if (GetPortHelp(port).IsEmpty())
+        return;
+    text += ". ";
+    text += GetPortHelp(port);
 }
 
 } // namespace
-
-void TGraphAccess::ListNodes(vector<TToolNode*>& nodes) const
-{
-    const TEffectGraph& graph = *Window.GetDocument().GetGraph();
-    nodes.reserve(graph.GetNumNodes());
-    for (int i = 0; i < graph.GetNumNodes(); ++i)
-        nodes.push_back(static_cast<TToolNode*>(graph.GetNode(i)));
-    std::stable_sort(nodes.begin(), nodes.end(),
-                     [](const TToolNode* a, const TToolNode* b) { return IsBefore(*a, *b); });
-}
 
 void TGraphAccess::ListItems(vector<TAccessibleItem>& items)
 {
@@ -85,7 +65,7 @@ void TGraphAccess::ListItems(vector<TAccessibleItem>& items)
 void TGraphAccess::Fill(TList& list) const
 {
     vector<TToolNode*> nodes;
-    ListNodes(nodes);
+    ListAsRead(*Window.GetDocument().GetGraph(), nodes);
     for (TToolNode* node : nodes)
         AddNode(*node, list);
     ShowFocus(list);
@@ -128,7 +108,7 @@ void TGraphAccess::AddNode(TToolNode& node, TList& list) const
         Place(item, Window.GetGraph().GetView(), min, max);
     }
     list.Node = list.Items.size();
-    Add(item, TTarget{GP_NODE, &node, nullptr}, list);
+    Add(item, TTarget{GP_NODE, &node}, list);
     if (object == nullptr)
         return;
     AddPorts(*object, true, list);
@@ -141,16 +121,22 @@ void TGraphAccess::AddNode(TToolNode& node, TList& list) const
 void TGraphAccess::AddPorts(TNodeObj& object, bool inputs, TList& list) const
 {
     const float half = PortSize / 2.0f;
+    TGraphScene& scene = Window.GetWindows().GetScene();
+    const TPortWalk& walk = scene.GetPortWalk();
+    const bool isWalkHere = Window.GetGraph().HasFocus() && Window.GetGraph().IsFocusHere(walk);
     for (int i = 0; i < object.GetNumPorts(inputs); ++i) {
+        TPort& port = object.GetPort(inputs, i);
         TAccessibleItem item;
         item.Role = AR_PORT;
         item.Parent = list.Node;
-        item.Name.Format("%s %s", inputs ? "Input" : "Output", object.GetPort(inputs, i).GetLabel().Print());
-        item.Description = TellConnections(*object.GetToolNode(), inputs, i);
+        item.Name.Format("%s %s", inputs ? "Input" : "Output", port.GetLabel().Print());
+        DescribePort(walk, port, scene.GetCanvas().GetDraft().GetFrom(), item.Description);
+        item.TakesFocus = true;
+        item.HasFocus = isWalkHere && walk.GetMarked() == &port;
         const TVector2 centre = object.GetPortPosition(inputs, i);
         Place(item, Window.GetGraph().GetView(), centre - TVector2(half, half),
               centre + TVector2(half, half));
-        Add(item, TTarget{GP_PORT, object.GetToolNode(), nullptr}, list);
+        Add(item, TTarget{GP_PORT, object.GetToolNode(), nullptr, &port}, list);
     }
 }
 
@@ -168,7 +154,7 @@ void TGraphAccess::AddSwitches(TNodeObj& object, TList& list) const
         object.GetBypass().GetBounds(min, max);
         const TVector2 at = object.GetBypass().GetAbsolutePosition();
         Place(item, Window.GetGraph().GetView(), at + min, at + max);
-        Add(item, TTarget{GP_BYPASS, object.GetToolNode(), nullptr}, list);
+        Add(item, TTarget{GP_BYPASS, object.GetToolNode()}, list);
     }
     if (!object.CanOpen())
         return;
@@ -178,7 +164,7 @@ void TGraphAccess::AddSwitches(TNodeObj& object, TList& list) const
     object.GetRectangle(min, max);
     Place(item, Window.GetGraph().GetView(), TVector2(max[0] - OpenerSize, min[1]),
           TVector2(max[0], min[1] + OpenerSize));
-    Add(item, TTarget{GP_OPENER, object.GetToolNode(), nullptr}, list);
+    Add(item, TTarget{GP_OPENER, object.GetToolNode()}, list);
 }
 
 void TGraphAccess::AddControls(TNodeObj& object, TList& list) const
@@ -208,15 +194,16 @@ TGraphAccess::TTarget TGraphAccess::Find(int item) const
     return item >= 0 && item < items.size() ? list.Targets[item] : TTarget();
 }
 
-// A port belongs to its node.
 void TGraphAccess::PressItem(int item)
 {
     const TTarget target = Find(item);
     if (target.Node == nullptr)
         return;
     TNodeObj* object = Window.GetWindows().GetScene().FindNode(target.Node);
-    if (target.Part == GP_NODE || target.Part == GP_PORT)
+    if (target.Part == GP_NODE)
         Select(*target.Node);
+    else if (target.Part == GP_PORT)
+        PressPort(target);
     else if (target.Part == GP_BYPASS)
         object->ToggleBypass();
     else if (target.Part == GP_OPENER)
@@ -231,8 +218,19 @@ void TGraphAccess::Focus(const TTarget& target)
     Window.GetGraph().TakeFocus();
     if (target.Control != nullptr)
         target.Control->TakeKeys(&Window.GetGraph().GetRenderer());
+    else if (target.Port != nullptr)
+        Window.GetWindows().GetScene().GetPortWalk().EnterAt(*target.Port, Window.GetGraph().GetRenderer());
     else
         Select(*target.Node);
+}
+
+// As Return there: one press takes up a wire, the next one lets it end.
+void TGraphAccess::PressPort(const TTarget& target)
+{
+    TPortWalk& walk = Window.GetWindows().GetScene().GetPortWalk();
+    if (!walk.IsWiring())
+        Focus(target);
+    walk.Press(*target.Port);
 }
 
 void TGraphAccess::FocusItem(int item)
@@ -274,7 +272,7 @@ bool TGraphAccess::OnWalkKey(int direction)
 bool TGraphAccess::SelectNeighbour(int direction)
 {
     vector<TToolNode*> nodes;
-    ListNodes(nodes);
+    ListAsRead(*Window.GetDocument().GetGraph(), nodes);
     if (nodes.empty())
         return false;
     const vector<TToolNode*>& selection = Window.GetDocument().GetSelection();

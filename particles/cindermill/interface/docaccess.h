@@ -5,6 +5,7 @@
 
 class TDocWindow;
 class TNodeObj;
+class TPort;
 class TRenderObject;
 class TToolNode;
 
@@ -31,12 +32,13 @@ private:
         GP_OPENER,
         GP_CONTROL
     };
-    // What an item stands for; the control is set for controls only.
+    // What an item stands for; the control is set for controls only, the port for ports.
     struct TTarget
     {
         TPart Part = GP_NODE;
         TToolNode* Node = nullptr;
         TRenderObject* Control = nullptr;
+        TPort* Port = nullptr;
     };
     struct TList
     {
@@ -46,7 +48,6 @@ private:
         int Node = -1;
     };
 
-    void ListNodes(vector<TToolNode*>& nodes) const;
     void Fill(TList& list) const;
     void ShowFocus(TList& list) const;
     void AddNode(TToolNode& node, TList& list) const;
@@ -57,6 +58,7 @@ private:
     // Without a node for an item that has gone, and where edits are to wait.
     TTarget Find(int item) const;
     void Focus(const TTarget& target);
+    void PressPort(const TTarget& target);
     void Select(TToolNode& node);
 
     TDocWindow& Window;

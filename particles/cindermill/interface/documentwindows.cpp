@@ -454,6 +454,12 @@ void TDocumentWindows::NodeOpened(const TRenderer& renderer, const TNodeObj& nod
         graph->Reveal(node);
 }
 
+void TDocumentWindows::PortMarked(const TRenderer& renderer, const TPort& port)
+{
+    if (TGraphWindow* graph = FindGraph(renderer))
+        graph->Reveal(port);
+}
+
 void TDocumentWindows::BeginDrag(TRenderer& renderer, TMouseDrag& drag)
 {
     TGraphWindow* graph = FindGraph(renderer);

@@ -46,6 +46,7 @@ public:
     void RedrawGraphs() override;
     void EdgeScroll(TRenderer& renderer, double x, double y) override;
     void NodeOpened(const TRenderer& renderer, const TNodeObj& node) override;
+    void PortMarked(const TRenderer& renderer, const TPort& port) override;
     void BeginDrag(TRenderer& renderer, TMouseDrag& drag) override;
     void EndDrag(TRenderer& renderer) override;
     void ShowHelp(const char* text, const TVector2& point) override;

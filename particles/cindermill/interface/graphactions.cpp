@@ -34,6 +34,7 @@ enum TActionId
     GA_MINIMAP,
     GA_ALIGNMENU,
     GA_OPENPANEL,
+    GA_WALKPORTS,
     GA_END
 };
 
@@ -52,6 +53,7 @@ constexpr TGraphAction GraphActions[] = {
     {GA_FINDNODE, 'G' | SM_CTRL, "Find Node...\tCtrl+G", false},
     {0, 0, nullptr, false},
     {GA_OPENPANEL, KEY_RETURN, "Open or Close Panel\tReturn", false},
+    {GA_WALKPORTS, 'P', "Walk Ports\tP", false},
     {GA_DUPLICATE, 'D' | SM_CTRL, "Duplicate\tCtrl+D", false},
     {GA_BYPASS, 'B' | SM_CTRL, "Bypass\tCtrl+B", false},
     {GA_TAKEOUT, 'E' | SM_CTRL, "Take Out of Wires\tCtrl+E", false},
@@ -210,10 +212,21 @@ bool TGraphActions::IsGraphFocused() const
            focus->GetClassId() == TNodeObj::NameID();
 }
 
+// Whether a control or a port that has the focus has a use for the key. Letters are for what is typed.
+bool TGraphActions::IsForControl(int key) const
+{
+    if (IsGraphFocused())
+        return false;
+    const bool isPlain = key < SM_SHIFT;
+    if (GetScene().GetPortWalk().IsOn())
+        return isPlain && IsFieldKey(key);
+    return IsFieldKey(key) || (isPlain && IsLetterOrDigit(key));
+}
+
 // In the preview and in traces, which leave their keys to the graph, these are for other things.
 bool TGraphActions::OnKey(int key)
 {
-    if (!Graph.HasFocus() || (IsFieldKey(key) && !IsGraphFocused()))
+    if (!Graph.HasFocus() || IsForControl(key))
         return false;
     const TGraphAction* action = FindActionOfKey(key);
     return action != nullptr && Do(action->Id);
@@ -267,6 +280,9 @@ bool TGraphActions::DoToSelection(int id, bool& done)
     case GA_OPENPANEL:
         TogglePanel();
         return true;
+    case GA_WALKPORTS:
+        ToggleWalk();
+        return true;
     case GA_UPSTREAM:
     case GA_DOWNSTREAM:
         done = SelectReached(GetDocument(), id == GA_UPSTREAM ? WD_UPSTREAM : WD_DOWNSTREAM);
@@ -296,6 +312,17 @@ void TGraphActions::TogglePanel()
         return;
     if (TRenderObject* first = FindNextField(object->GetExpanded(), false))
         first->TakeKeys(&Graph.GetRenderer());
+}
+
+// Of the node that was selected last.
+void TGraphActions::ToggleWalk()
+{
+    const vector<TToolNode*>& selection = GetDocument().GetSelection();
+    TPortWalk& walk = GetScene().GetPortWalk();
+    if (walk.IsOn())
+        walk.Leave();
+    else if (!walk.Enter(*selection[selection.size() - 1], Graph.GetRenderer()))
+        GetScene().GetHost().TellStatus("The node has no ports");
 }
 
 // In world units; the middle of the view where the pointer is elsewhere.
@@ -361,8 +388,11 @@ void TGraphActions::AddChosen(int type)
     TToolNode* node = SearchEnd.Node != nullptr ? AddNodeToWire(document, chosen, SearchPoint, SearchEnd)
                                                 : DropNode(GetScene(), chosen, SearchPoint,
                                                            TWireAim::GetReach(Graph.GetRenderer()));
-    if (node != nullptr)
-        document.SelectNode(node, true);
+    if (node == nullptr)
+        return;
+    document.SelectNode(node, true);
+    // A search that keys opened may be for a place out of sight.
+    Graph.BringIntoSight(document.GetSelection());
 }
 
 void TGraphActions::OnNodeChosen(int item, void* data)

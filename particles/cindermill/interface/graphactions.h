@@ -49,7 +49,9 @@ private:
     bool Do(int id);
     bool DoToSelection(int id, bool& done);
     void TogglePanel();
+    void ToggleWalk();
     bool IsGraphFocused() const;
+    bool IsForControl(int key) const;
     TVector2 GetPointer() const;
     void SearchToAdd(const TVector2& point);
     void SearchNodes();

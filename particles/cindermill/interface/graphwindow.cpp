@@ -341,6 +341,8 @@ void TGraphWindow::OnFocus()
     const TRenderer* view = TRenderObject::GetFocusView();
     if (focus == nullptr || focus->GetTop() != &root || (view != nullptr && view != &Renderer))
         TRenderObject::SetFocus(&root, &Renderer);
+    // A port under the keys is seen again.
+    Redraw();
 }
 
 void TGraphWindow::ShowPointer(TRenderObject& object, TPointerShape shape)
@@ -413,7 +415,9 @@ void TGraphWindow::PressDelete()
 bool TGraphWindow::TakesDelete() const
 {
     const TRamp* ramp = TRamp::GetFocused();
-    return GetTextEdit() != nullptr || (ramp != nullptr && IsFocusHere(*ramp));
+    const TPortWalk& walk = GetScene().GetPortWalk();
+    return GetTextEdit() != nullptr || (ramp != nullptr && IsFocusHere(*ramp)) ||
+           (walk.IsOn() && IsFocusHere(walk));
 }
 
 bool TGraphWindow::OnEscape()
@@ -679,6 +683,29 @@ void TGraphWindow::Reveal(const TNodeObj& node)
     view.Reveal(min, max, width, height);
     if (!(view == GetView()))
         ViewFocus.Start(GetView(), view, width, height);
+}
+
+void TGraphWindow::Reveal(const TPort& port)
+{
+    constexpr float Around = 12;
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    TVector2 min;
+    TVector2 max;
+    port.GetNode()->GetRectangle(min, max);
+    TGraphView view = GetView();
+    const TVector2 size = max - min + TVector2(Around, Around);
+    if (size[0] * view.GetScale()[0] < static_cast<float>(width) &&
+        size[1] * view.GetScale()[1] < static_cast<float>(height))
+        view.Reveal(min, max, width, height);
+    const TVector2 place = port.GetNode()->GetPortPosition(port.IsInput(), port.GetIndex());
+    const TVector2 around(Around, Around);
+    view.Reveal(place - around, place + around, width, height);
+    if (view == GetView())
+        return;
+    ViewFocus.Stop();
+    SetView(view);
 }
 
 void TGraphWindow::OnIdle()

@@ -17,6 +17,7 @@ class TDocWindow;
 class TGraphScene;
 class TMenu;
 class TNodeType;
+class TPort;
 class TRamp;
 class TTextEdit;
 class TToolNode;
@@ -50,9 +51,11 @@ public:
     void BringIntoSight(const vector<TToolNode*>& nodes);
     // Glides until the node is seen as a whole.
     void Reveal(const TNodeObj& node);
+    // Moves at once until the port is seen, with its node if that fits.
+    void Reveal(const TPort& port);
     // What the delete key does here.
     void PressDelete();
-    // Whether a text or a ramp of this view has the focus, to which that key goes.
+    // Whether a text, a ramp or a port of this view has the focus, to which that key goes.
     bool TakesDelete() const;
     // One step of a running animation.
     void OnIdle();

@@ -28,6 +28,7 @@ public:
                 child.Parent = 3 * i;
                 child.IsCheckable = true;
                 child.IsChecked = 3 * i + k + 1 == Checked;
+                child.Description = items.size() == 1 ? ChildHelp : "";
                 child.Left = 10 * k;
                 child.Top = i;
                 child.Width = 10;
@@ -44,6 +45,8 @@ public:
     int Disabled = -1;
     int Focused = -1;
     int Checked = -1;
+    // Of the first child; empty for none.
+    const char* ChildHelp = "";
     bool IsLive = false;
     const char* Prefix = "Child";
     const char* ParentPrefix = "Parent";
@@ -65,7 +68,7 @@ protected:
     void TearDown() override { SetAccessibleHook(nullptr); }
     static void Hear(const TAccessibleItem& item, TAccessibleChange change)
     {
-        static const char* const names[] = {"value", "state", "focus", "items"};
+        static const char* const names[] = {"value", "state", "description", "focus", "items"};
         Told.push_back(std::string(names[change]) + (change == AC_ITEMS ? "" : " " + Text(item.Name)));
     }
     QAccessibleInterface& Whole() { return *QAccessible::queryAccessibleInterface(Child.GetHandle()); }
@@ -179,6 +182,9 @@ TEST_F(AccessibleWindow, StatesAreToldOfTheItemsWhoseStatesHaveChanged)
     EXPECT_EQ(Tell(), TList({"state Parent 2"}));
     Contents.Focused = 0;
     EXPECT_EQ(Tell(), TList({"focus Parent 0"}));
+    Contents.ChildHelp = "wired";
+    EXPECT_EQ(Tell(), TList({"description Child 0"}));
+    EXPECT_EQ(Tell(), TList());
 }
 
 TEST_F(AccessibleWindow, OtherItemsAreToldOnceAndWhoHasTheKeysAmongThem)

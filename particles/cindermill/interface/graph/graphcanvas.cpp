@@ -14,7 +14,6 @@
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/interface/graph/nodesearch.h"
-#include "particles/cindermill/interface/graph/wiring.h"
 #include "particles/cindermill/main/documentstep.h"
 
 #include <cmath>
@@ -50,10 +49,7 @@ int Distance(int a, int b)
 
 } // namespace
 
-TGraphCanvas::TGraphCanvas(TGraphScene& scene) : Scene(scene), Rubber(scene)
-{
-    Rubber.SetHeld(true);
-}
+TGraphCanvas::TGraphCanvas(TGraphScene& scene) : Scene(scene), Draft(scene) {}
 
 TGraphCanvas::~TGraphCanvas() = default;
 
@@ -62,6 +58,7 @@ void TGraphCanvas::Render(TRenderer& renderer)
     TRenderObjects::Render(renderer);
     if (Objects.empty())
         Hint.Render(renderer);
+    Scene.GetPortWalk().Render(renderer);
 }
 
 void TGraphCanvas::GetBounds(TVector2& min, TVector2& max)
@@ -130,17 +127,8 @@ bool TGraphCanvas::BeginDrag(TDragMode mode, TNodeObj& node)
 // Ends what the drag shows; what it did is up to the caller.
 void TGraphCanvas::EndDrag()
 {
-    if (Drag == DM_EDGE) {
-        MarkPorts(false);
-        if (AimedAt != nullptr)
-            AimedAt->SetAimedAt(false);
-        if (HasRubber())
-            RemoveObject(&Rubber);
-        Rubber.Unhook();
-        TToolEdgeRenderer* renderer = Picked != nullptr ? Scene.FindEdge(Picked) : nullptr;
-        if (renderer != nullptr)
-            renderer->SetHidden(false);
-    }
+    if (Drag == DM_EDGE)
+        Draft.End();
     if (TakesOut)
         HideWires(Grabbed->GetToolNode(), false);
     Scene.GetWireAim().Clear();
@@ -148,9 +136,6 @@ void TGraphCanvas::EndDrag()
     Drag = DM_NONE;
     Grabbed = nullptr;
     Dragged.clear();
-    FromPort = nullptr;
-    Picked = nullptr;
-    AimedAt = nullptr;
     DeltaX = DeltaY = 0;
     // The view may have gone meanwhile.
     if (DragRenderer.Get() != nullptr)
@@ -198,7 +183,7 @@ void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
             FinishNodes();
         break;
     case DM_EDGE:
-        AimEdge(pointer, under);
+        Draft.Aim(pointer, under);
         if (released)
             FinishEdge(under, place);
         break;
@@ -332,28 +317,11 @@ bool TGraphCanvas::OnPortPressed(TNodeObj& node, const TVector2& point, int port
     if (!BeginDrag(DM_EDGE, node))
         return true;
     const bool input = port < node.GetNumPorts(true);
-    FromPort = &node.GetPort(input, input ? port : port - node.GetNumPorts(true));
-    if (input && node.GetToolNode()->GetInput(port) != nullptr) {
-        Picked = static_cast<TToolEdge*>(node.GetToolNode()->GetInput(port));
-        FromPort = &Scene.GetNode(Picked->GetSrcNode())->GetPort(false, Picked->GetSrcPort());
-        TToolEdgeRenderer* renderer = Scene.FindEdge(Picked);
-        if (renderer != nullptr)
-            renderer->SetHidden(true);
-    }
-    MarkPorts(true);
-    AddObject(&Rubber);
-    MoveToFront(&Rubber);
+    Draft.Begin(node.GetPort(input, input ? port : port - node.GetNumPorts(true)));
     const TVector2 pointer = node.GetOrigin() + point;
-    AimEdge(pointer, FindDropPort(pointer));
+    Draft.Aim(pointer, FindDropPort(pointer));
     Scene.GetHost().RedrawGraphs();
     return true;
-}
-
-void TGraphCanvas::MarkPorts(bool on)
-{
-    for (TRenderObject* object : Objects)
-        if (TNodeObj* node = AsNode(object))
-            node->MarkPorts(*FromPort, on, Picked);
 }
 
 TPort* TGraphCanvas::FindDropPort(const TVector2& point)
@@ -379,76 +347,31 @@ bool TGraphCanvas::IsInView(double x, double y) const
     return x >= 0 && x < width && y >= 0 && y < height;
 }
 
-// The rubber edge snaps to the port under it if that can take it.
-void TGraphCanvas::AimEdge(const TVector2& pointer, TPort* under)
-{
-    if (AimedAt != nullptr)
-        AimedAt->SetAimedAt(false);
-    AimedAt = under != nullptr && under->IsMarked() ? under : nullptr;
-    if (AimedAt != nullptr)
-        AimedAt->SetAimedAt(true);
-    TNodeObj* other = AimedAt != nullptr ? AimedAt->GetNode() : nullptr;
-    const int otherPort = AimedAt != nullptr ? AimedAt->GetIndex() : 0;
-    if (FromPort->IsInput())
-        Rubber.Init(other, otherPort, FromPort->GetNode(), FromPort->GetIndex());
-    else
-        Rubber.Init(FromPort->GetNode(), FromPort->GetIndex(), other, otherPort);
-    Rubber.SetFreeEnd(pointer);
-    Rubber.Layout();
-}
-
 void TGraphCanvas::FinishEdge(const TPort* under, const TVector2* place)
 {
-    const TPort* from = FromPort;
-    const TPort* to = AimedAt;
-    TToolEdge* picked = Picked;
-    if (to == nullptr && picked == nullptr) {
+    const TWireEnds ends = Draft.GetEnds();
+    if (ends.To == nullptr && ends.Picked == nullptr) {
         FinishLooseEdge(under, place);
         return;
     }
     EndDrag();
-    if (to != nullptr)
-        ConnectTo(*from, *to, picked);
+    if (ends.To != nullptr)
+        ConnectPorts(Scene.GetDocument(), ends);
     else if (under == nullptr)
-        Scene.GetDocument().ApplyOperation(new TDeleteGraphEdgeOp(picked));
+        Scene.GetDocument().ApplyOperation(new TDeleteGraphEdgeOp(ends.Picked));
     else
-        TellRefusal(*from, *under);
+        TellWireRefusal(Scene, *ends.From, *under);
 }
 
 // A new wire that ends at no port that could take it.
 void TGraphCanvas::FinishLooseEdge(const TPort* under, const TVector2* place)
 {
-    const TPort* from = FromPort;
+    const TPort* from = Draft.GetFrom();
     TRenderer* renderer = DragRenderer.Get();
     EndDrag();
     if (under != nullptr && under != from)
-        TellRefusal(*from, *under);
+        TellWireRefusal(Scene, *from, *under);
     else if (under == nullptr && place != nullptr && Scene.NodeAt(*place) == nullptr)
         Scene.GetHost().SearchForWire(
             *renderer, *place, TWireEnd{from->GetNode()->GetToolNode(), from->GetIndex(), from->IsInput()});
-}
-
-void TGraphCanvas::TellRefusal(const TPort& from, const TPort& to)
-{
-    TString reason;
-    const TPort& output = from.IsInput() ? to : from;
-    const TPort& input = from.IsInput() ? from : to;
-    if (from.IsInput() == to.IsInput())
-        reason = from.IsInput() ? "Two inputs cannot be wired" : "Two outputs cannot be wired";
-    else
-        GetWireRefusal(output.GetNode()->GetToolNode(), output.GetIndex(), input.GetNode()->GetToolNode(),
-                       input.GetIndex(), reason);
-    Scene.GetHost().TellStatus(reason.Print());
-}
-
-void TGraphCanvas::ConnectTo(const TPort& from, const TPort& to, TToolEdge* picked)
-{
-    const TPort& output = from.IsInput() ? to : from;
-    const TPort& input = from.IsInput() ? from : to;
-    TDocument& document = Scene.GetDocument();
-    if (picked == nullptr)
-        Wire(document, output.GetNode()->GetToolNode(), output.GetIndex(), input.GetNode()->GetToolNode(),
-             input.GetIndex());
-    else
-        MoveWire(document, picked, input.GetNode()->GetToolNode(), input.GetIndex());
 }

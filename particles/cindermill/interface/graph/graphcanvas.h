@@ -5,7 +5,7 @@
 #include "library/wimp/gl/renderobjects.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/graph/emptyhint.h"
-#include "particles/cindermill/interface/graph/tooledgerenderer.h"
+#include "particles/cindermill/interface/graph/wiredraft.h"
 
 class TNodeObj;
 class TPort;
@@ -39,9 +39,10 @@ public:
     bool IsDragging() const { return Drag != DM_NONE; }
     // Everything is as before the drag.
     void CancelDrag();
-    // The edge that is being dragged.
-    const TToolEdgeRenderer& GetRubber() const { return Rubber; }
-    bool HasRubber() const { return HasObject(&Rubber); }
+    // The wire that is on its way, by the mouse or by keys.
+    TWireDraft& GetDraft() { return Draft; }
+    const TToolEdgeRenderer& GetRubber() const { return Draft.GetRubber(); }
+    bool HasRubber() const { return HasObject(&Draft.GetRubber()); }
     // The port at which a drag would end, or null.
     TPort* FindDropPort(const TVector2& point);
 
@@ -67,13 +68,9 @@ private:
     void MoveNodesBy(int dx, int dy);
     void FinishPress(const TVector2& pointer);
     bool IsInView(double x, double y) const;
-    void AimEdge(const TVector2& pointer, TPort* under);
     // The place is null outside of the view.
     void FinishEdge(const TPort* under, const TVector2* place);
     void FinishLooseEdge(const TPort* under, const TVector2* place);
-    void TellRefusal(const TPort& from, const TPort& to);
-    void ConnectTo(const TPort& from, const TPort& to, TToolEdge* picked);
-    void MarkPorts(bool on);
 
     TGraphScene& Scene;
     TDragMode Drag = DM_NONE;
@@ -88,10 +85,6 @@ private:
     bool TakesOut = false;
     // What the person wished for before the size was dragged.
     TVector2 SizeBefore = TVector2(0, 0);
-    // The fixed end of a dragged edge, the edge if there was one before, and what it would end at.
-    TPort* FromPort = nullptr;
-    TToolEdge* Picked = nullptr;
-    TPort* AimedAt = nullptr;
-    TToolEdgeRenderer Rubber;
+    TWireDraft Draft;
     TEmptyHint Hint;
 };

@@ -21,10 +21,12 @@ TRenderer* TGraphRoot::FindView() const
 }
 
 TGraphScene::TGraphScene(TDocument& document, TGraphSceneHost& host)
-    : Document(document), Host(host), RenderRoot(*this), Grid(*this), HelpText(RenderRoot), WireAim(*this)
+    : Document(document), Host(host), RenderRoot(*this), Grid(*this), HelpText(RenderRoot), WireAim(*this),
+      PortWalk(*this)
 {
     RenderRoot.AddObject(&Background);
     RenderRoot.AddObject(&Grid);
+    PortWalk.SetParent(&Grid);
     Document.SetListener(this);
 }
 
@@ -32,6 +34,7 @@ TGraphScene::~TGraphScene()
 {
     Document.SetListener(nullptr);
     CancelDrags();
+    PortWalk.Leave();
     for (auto& entry : Edges)
         delete entry.second;
     for (auto& entry : Nodes)
@@ -80,7 +83,7 @@ TNodeObj* TGraphScene::NodeAt(const TVector2& point)
 void TGraphScene::NodeAdded(TToolNode* node)
 {
     Host.RedrawGraphs();
-    Grid.CancelDrag();
+    EndGesture();
     TNodeObj* object = GetNode(node);
     if (object->GetParent() == &Grid)
         return;
@@ -94,6 +97,7 @@ void TGraphScene::NodeRemoved(TToolNode* node)
     Host.RedrawGraphs();
     Host.NodeLeft(*node);
     CancelDrags();
+    PortWalk.OnNodeGone(*node);
     HelpText.Hide();
     TNodeObj* object = FindNode(node);
     if (object == nullptr)
@@ -105,7 +109,7 @@ void TGraphScene::NodeRemoved(TToolNode* node)
 void TGraphScene::EdgeAdded(TToolEdge* edge)
 {
     Host.RedrawGraphs();
-    Grid.CancelDrag();
+    EndGesture();
     TToolEdgeRenderer* renderer = GetEdge(edge);
     renderer->Layout(edge);
     if (Grid.HasObject(renderer))
@@ -117,7 +121,7 @@ void TGraphScene::EdgeAdded(TToolEdge* edge)
 void TGraphScene::EdgeRemoved(TToolEdge* edge)
 {
     Host.RedrawGraphs();
-    Grid.CancelDrag();
+    EndGesture();
     WireAim.Forget(edge);
     TToolEdgeRenderer* renderer = FindEdge(edge);
     if (renderer != nullptr)
@@ -133,7 +137,7 @@ void TGraphScene::EdgeMoved(TToolEdge* edge)
 void TGraphScene::EdgeDetached(TToolEdge* edge)
 {
     Host.RedrawGraphs();
-    Grid.CancelDrag();
+    EndGesture();
     GetEdge(edge)->Unhook();
 }
 
@@ -143,6 +147,7 @@ void TGraphScene::NodeChanged(TToolNode* node)
     TNodeObj* object = FindNode(node);
     if (object != nullptr)
         object->Refresh();
+    PortWalk.OnSelection();
 }
 
 void TGraphScene::NodeTypeChanged(TToolNode* node)
@@ -173,6 +178,7 @@ void TGraphScene::LayoutEdges(TToolNode* node)
 // Polytypes and what follows them may have another type than before.
 void TGraphScene::GraphChanged()
 {
+    PortWalk.DropWire();
     RefreshControls();
 }
 
@@ -193,10 +199,17 @@ void TGraphScene::ShowProblems(const TDocumentProblems& problems)
     Host.RedrawGraphs();
 }
 
+// What the mouse or the keys do on the canvas stands on the graph as it was.
+void TGraphScene::EndGesture()
+{
+    Grid.CancelDrag();
+    PortWalk.DropWire();
+}
+
 bool TGraphScene::CancelDrags()
 {
-    const bool isDragging = Grid.IsDragging();
-    Grid.CancelDrag();
+    const bool isDragging = Grid.IsDragging() || PortWalk.IsWiring();
+    EndGesture();
     TControlDrag* drag = dynamic_cast<TControlDrag*>(TWimp::Get().GetMouseDrag());
     if (drag == nullptr || !drag->GetObject().IsIn(RenderRoot))
         return isDragging;

@@ -7,6 +7,7 @@
 #include "particles/cindermill/interface/graph/graphcanvas.h"
 #include "particles/cindermill/interface/graph/gridrender.h"
 #include "particles/cindermill/interface/graph/help.h"
+#include "particles/cindermill/interface/graph/portwalk.h"
 #include "particles/cindermill/interface/graph/wireaim.h"
 
 class TDocument;
@@ -14,6 +15,7 @@ class TDocumentProblems;
 class TEffectNode;
 class TGraphScene;
 class TNodeObj;
+class TPort;
 class TToolEdge;
 class TToolEdgeRenderer;
 class TToolNode;
@@ -39,6 +41,12 @@ public:
         (void)renderer;
         (void)point;
         (void)end;
+    }
+    // The keys have come to the port in the view of the renderer, where it may be out of sight.
+    virtual void PortMarked(const TRenderer& renderer, const TPort& port)
+    {
+        (void)renderer;
+        (void)port;
     }
     // A line for the status bar.
     virtual void TellStatus(const char* text) { (void)text; }
@@ -88,7 +96,8 @@ public:
     void ShowProblems(const TDocumentProblems& problems);
     void GetNodeHalfSize(TToolNode* node, int& x, int& y) override;
 
-    // Ends a drag of the canvas or of a control without effect. False if none runs.
+    // Ends a drag of the canvas or of a control, or a wire that keys lead, without effect. False if none
+    // runs.
     bool CancelDrags();
 
     // Null for a node that is not in the graph.
@@ -108,9 +117,11 @@ public:
     TGraphCanvas& GetCanvas() { return Grid; }
     THelp& GetHelp() { return HelpText; }
     TWireAim& GetWireAim() { return WireAim; }
+    TPortWalk& GetPortWalk() { return PortWalk; }
 
 private:
     TToolEdgeRenderer* GetEdge(TToolEdge* edge);
+    void EndGesture();
 
     TDocument& Document;
     TGraphSceneHost& Host;
@@ -119,6 +130,7 @@ private:
     TGraphCanvas Grid;
     THelp HelpText;
     TWireAim WireAim;
+    TPortWalk PortWalk;
     sortedmap<const TToolNode*, TNodeObj*> Nodes;
     sortedmap<const TToolEdge*, TToolEdgeRenderer*> Edges;
 };
