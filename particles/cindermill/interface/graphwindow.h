@@ -5,6 +5,7 @@
 #include "library/wimp/wimp.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/interface/edgescroll.h"
 #include "particles/cindermill/interface/graph/nodeexp.h"
 #include "particles/cindermill/interface/graph/selboxrender.h"
 #include "particles/cindermill/interface/graphactions.h"
@@ -50,6 +51,10 @@ public:
     void BringIntoSight(const vector<TToolNode*>& nodes);
     // Glides until the node is seen as a whole.
     void Reveal(const TNodeObj& node);
+    // Glides, its zoom kept, until the node is seen beside what covers the view between two pixels of its
+    // width.
+    void RevealBeside(const TNodeObj& node, int left, int right);
+    void GlideTo(const TGraphView& view);
     // What the delete key does here.
     void PressDelete();
     // Whether a text or a ramp of this view has the focus, to which that key goes.
@@ -135,4 +140,5 @@ private:
     TGraphMenus Menus;
     TMinimap Minimap;
     TViewFocus ViewFocus;
+    TEdgeScroll EdgeScrolling;
 };

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "library/containers/classregistry.h"
+#include "library/containers/ownerlist.h"
 #include "library/wimp/gl/rendererwatch.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/graph/emptyhint.h"
 #include "particles/cindermill/interface/graph/tooledgerenderer.h"
 
+class TEffectEdge;
 class TNodeObj;
 class TPort;
 class TToolNode;
@@ -62,16 +64,19 @@ private:
     void MoveNodes(const TVector2& pointer);
     void FinishNodes();
     void AimNode(const TVector2& pointer);
-    void HideWires(TToolNode* node, bool hidden);
+    void ShowTakenOut(bool shown);
+    void ShowJoin(const TEffectEdge& edge);
     bool IsSnapping() const;
     void MoveNodesBy(int dx, int dy);
     void FinishPress(const TVector2& pointer);
     bool IsInView(double x, double y) const;
+    TPort* FindMeantPort(const TVector2& point);
     void AimEdge(const TVector2& pointer, TPort* under);
     // The place is null outside of the view.
     void FinishEdge(const TPort* under, const TVector2* place);
     void FinishLooseEdge(const TPort* under, const TVector2* place);
     void TellRefusal(const TPort& from, const TPort& to);
+    void TellNoPort(const TPort& from, const TNodeObj& node);
     void ConnectTo(const TPort& from, const TPort& to, TToolEdge* picked);
     void MarkPorts(bool on);
 
@@ -86,6 +91,9 @@ private:
     int DeltaY = 0;
     // The node leaves its wires when it is let go elsewhere.
     bool TakesOut = false;
+    // It is elsewhere, and what will join its neighbours is seen.
+    bool IsTakenOut = false;
+    TOwnerList<TToolEdgeRenderer> Joins;
     // What the person wished for before the size was dragged.
     TVector2 SizeBefore = TVector2(0, 0);
     // The fixed end of a dragged edge, the edge if there was one before, and what it would end at.

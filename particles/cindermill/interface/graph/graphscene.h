@@ -99,6 +99,9 @@ public:
     void LayoutEdges(TToolNode* node);
     // Null for an edge that is not in the graph.
     TToolEdgeRenderer* FindEdge(const TToolEdge* edge) const;
+    // The node that something points at; null for none. It is drawn so that one sees it.
+    void PointAt(const TToolNode* node);
+    const TToolNode* GetPointedAt() const { return PointedAt; }
     // The node under a world point, or null.
     TNodeObj* NodeAt(const TVector2& point);
 
@@ -119,6 +122,7 @@ private:
     TGraphCanvas Grid;
     THelp HelpText;
     TWireAim WireAim;
+    const TToolNode* PointedAt = nullptr;
     sortedmap<const TToolNode*, TNodeObj*> Nodes;
     sortedmap<const TToolEdge*, TToolEdgeRenderer*> Edges;
 };
