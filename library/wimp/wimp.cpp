@@ -71,6 +71,21 @@ TMouseDrag::~TMouseDrag()
         TWimp::Get().ClearMouseDrag();
 }
 
+void TMouseDrag::Follow(double x, double y, int buttons)
+{
+    HasMoved = true;
+    LastX = x;
+    LastY = y;
+    LastButtons = buttons;
+    OnMouseMove(x, y, buttons);
+}
+
+void TMouseDrag::FollowAgain()
+{
+    if (HasMoved)
+        OnMouseMove(LastX, LastY, LastButtons);
+}
+
 TWimp& TWimp::Get()
 {
     static TWimp wimp;
@@ -232,6 +247,7 @@ void TWimp::SetMouseDrag(TMouseDrag* drag, TWindow& window)
     ASSERT_TEXT(MouseDrag == nullptr, "MouseDrag == 0");
     MouseDrag = drag;
     drag->DragWindow = &window;
+    drag->HasMoved = false;
     window.SetCapture();
 }
 

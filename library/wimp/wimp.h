@@ -35,6 +35,10 @@ public:
     TMouseDrag& operator=(const TMouseDrag&) = delete;
     // Pixels of the drag's window; TMouseButton bits.
     virtual void OnMouseMove(double x, double y, int buttons) = 0;
+    // OnMouseMove, and what it was told is kept.
+    void Follow(double x, double y, int buttons);
+    // The same once more, for what goes on while the mouse rests. Nothing before the drag's first move.
+    void FollowAgain();
     // A dialog or a menu has taken the mouse away, another window has come to the front, or the drag's own is
     // hidden or goes. The release may never be heard of.
     virtual void OnCaptureLost() {}
@@ -44,6 +48,10 @@ public:
 private:
     friend class TWimp;
     TWindow* DragWindow = nullptr;
+    bool HasMoved = false;
+    double LastX = 0;
+    double LastY = 0;
+    int LastButtons = 0;
 };
 
 // The window framework: one message loop, one drag at a time.

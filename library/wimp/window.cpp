@@ -516,7 +516,7 @@ bool TWindow::Dispatch(const TMessage& message)
             drag->GetDragWindow()->ScreenToClient(x, y);
         }
         const QPointer<TWindowPeer> peer(Peer);
-        drag->OnMouseMove(x, y, message.Buttons);
+        drag->Follow(x, y, message.Buttons);
         if (peer == nullptr || peer->GetWindow() == nullptr)
             return true;
     }

@@ -11,6 +11,8 @@
 #include "particles/cindermill/interface/graph/wireinsertion.h"
 #include "particles/cindermill/main/documentstep.h"
 
+#include <algorithm>
+
 namespace {
 
 // What a hand does in the graph of the running program, held against the operations that it stands for.
@@ -195,5 +197,67 @@ TEST_F(ProgramGraph, ANodeGoesIntoAWireAndOutOfItAgain)
     document.Undo();
     EXPECT_EQ(add->GetY() + 7, titleY - workshop.GetGraph().Y);
     CheckFile(program, workshop, false);
+    Exit(program);
+}
+
+TEST_F(ProgramGraph, ADragThatRestsAtTheEdgeScrollsUntilEscape)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    TDocument& document = workshop.GetDocument();
+    SearchAt(workshop, 150, 120, "Tab", "effect");
+    document.ApplyOperation(
+        new TAddGraphNodeOp(document, *workshop.GetApp().GetNodeTypes().FindType("Effect"), 150, 120));
+    const TToolNode* effect = workshop.GetLast();
+    const TRectangle graph = workshop.GetGraph();
+    const int titleX = workshop.ScreenX(effect->GetX() + 24);
+    const int titleY = workshop.ScreenY(effect->GetY() + 7);
+    Screen.MoveTo(titleX, titleY);
+    Screen.Press();
+    Screen.MoveTo(titleX + 60, titleY);
+    Screen.MoveTo(graph.X + graph.Width - 3, titleY);
+    // The mouse rests from here on.
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(IsMoving(graph));
+    Screen.Save(program.GetMainRectangle(), Screenshot("edge-scroll"));
+    Screen.Key("Escape");
+    EXPECT_TRUE(Screen.WaitUntilStill(graph));
+    Screen.Release();
+    CheckFile(program, workshop, true);
+    Exit(program);
+}
+
+TEST_F(ProgramGraph, ASearchPointsAtTheNodeThatIsMeant)
+{
+    TProgram program(Screen);
+    TWorkshop workshop(Screen, program);
+    StartWithNewDocument(program, workshop);
+    if (HasFatalFailure())
+        return;
+    SearchAt(workshop, 120, 80, "Tab", "noise");
+    SearchAt(workshop, 140, 240, "Tab", "noise");
+    const auto count = [&](int y) {
+        constexpr uint32_t PointerColour = 0x1454DB;
+        const TPicture picture =
+            Screen.Grab(TRectangle{workshop.ScreenX(20), workshop.ScreenY(y - 60), 240, 120});
+        return std::count_if(picture.Pixels.begin(), picture.Pixels.end(),
+                             [](uint32_t pixel) { return (pixel & 0xFFFFFF) == PointerColour; });
+    };
+    const auto pointsAt = [&](int y, int other) {
+        return WaitUntil([&] { return count(y) > 200 && count(other) < 20; });
+    };
+    Screen.MoveTo(workshop.ScreenX(420), workshop.ScreenY(300));
+    Screen.Key("ctrl+g");
+    Screen.Type("noise");
+    EXPECT_TRUE(pointsAt(80, 240));
+    Screen.Key("Down");
+    EXPECT_TRUE(pointsAt(240, 80));
+    Screen.Save(program.GetMainRectangle(), Screenshot("search-nodes"));
+    Screen.Key("Escape");
+    EXPECT_TRUE(WaitUntil([&] { return count(80) == 0 && count(240) == 0; }));
+    SaveTo(program, program.Path("hand.effect"));
     Exit(program);
 }

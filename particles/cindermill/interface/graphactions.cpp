@@ -8,9 +8,12 @@
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/graphedits.h"
 #include "particles/cindermill/interface/graph/graphlayout.h"
+#include "particles/cindermill/interface/graph/nodefinding.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
+#include "particles/cindermill/interface/particles/previewgroups.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
+#include "particles/effectgraph/pointermap.h"
 
 namespace {
 
@@ -367,9 +370,53 @@ void TGraphActions::SearchForWire(const TVector2& point, const TWireEnd& end)
 void TGraphActions::SearchNodes()
 {
     Search.GetList() = TSearchList();
-    FillNodeSearch(*GetDocument().GetGraph(), Search.GetList());
+    vector<TString> groups;
+    ListGroups(groups);
+    FillNodeSearch(*GetDocument().GetGraph(), groups, Search.GetList());
+    SearchView = Graph.GetView();
+    Search.SetMarked(&TGraphActions::OnNodeMarked, this);
     OpenSearch(GetPointer(), "Find a node of this graph", "No node is called so",
                &TGraphActions::OnNodeChosen);
+}
+
+// Of each node, by its number: those that it runs for.
+void TGraphActions::ListGroups(vector<TString>& groups) const
+{
+    const TEffectGraph& graph = *GetDocument().GetGraph();
+    const TEffectSchedule& schedule = GetDocument().GetSchedule();
+    groups.resize(graph.GetNumNodes());
+    TPointerMap numbers;
+    for (int i = 0; i < graph.GetNumNodes(); ++i)
+        numbers.Insert(graph.GetNode(i), i);
+    vector<int> particleGroups;
+    vector<TString> names;
+    GetParticleGroups(schedule, particleGroups, names);
+    for (int n = 0; n < names.size(); ++n)
+        for (int t = 0; t < schedule.GetNumTiedNodes(particleGroups[n]); ++t) {
+            const TEffectNode* node = schedule.GetNode(schedule.GetTiedNode(particleGroups[n], t));
+            const int number = numbers.Find(node);
+            if (number == -1 || node->GetNodeType()->Name.Compare(names[n]) == 0)
+                continue;
+            groups[number] += groups[number].IsEmpty() ? "" : ", ";
+            groups[number] += names[n];
+        }
+}
+
+// The view goes along with the keys, but not with a mouse on its way.
+void TGraphActions::OnNodeMarked(int item, TMarkCause cause, void* data)
+{
+    TGraphActions& actions = *static_cast<TGraphActions*>(data);
+    TGraphScene& scene = actions.GetScene();
+    const TEffectGraph& graph = *actions.GetDocument().GetGraph();
+    const bool isThere = item >= 0 && item < graph.GetNumNodes();
+    const TToolNode* node = isThere ? static_cast<const TToolNode*>(graph.GetNode(item)) : nullptr;
+    scene.PointAt(node);
+    const TNodeObj* object = node != nullptr ? scene.FindNode(node) : nullptr;
+    if (cause == MC_MEANT && object != nullptr)
+        actions.Graph.RevealBeside(*object, actions.Search.GetLeft(),
+                                   actions.Search.GetLeft() + TSearchPopup::Width);
+    if (cause == MC_GIVENUP)
+        actions.Graph.GlideTo(actions.SearchView);
 }
 
 void TGraphActions::OnTypeChosen(int item, void* data)
@@ -399,6 +446,7 @@ void TGraphActions::OnNodeChosen(int item, void* data)
 {
     TGraphActions& actions = *static_cast<TGraphActions*>(data);
     TDocument& document = actions.GetDocument();
+    actions.GetScene().PointAt(nullptr);
     if (item >= document.GetGraph()->GetNumNodes())
         return;
     TToolNode* node = static_cast<TToolNode*>(document.GetGraph()->GetNode(item));

@@ -3,6 +3,7 @@
 #include "library/maths/vector2.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "particles/cindermill/interface/graph/nodesearch.h"
+#include "particles/cindermill/interface/graphview.h"
 #include "particles/cindermill/interface/searchpopup.h"
 
 class TDocument;
@@ -59,6 +60,8 @@ private:
                     TSearchPopup::TChosen chosen);
     static void OnTypeChosen(int item, void* data);
     static void OnNodeChosen(int item, void* data);
+    static void OnNodeMarked(int item, TMarkCause cause, void* data);
+    void ListGroups(vector<TString>& groups) const;
     void AddChosen(int type);
 
     TGraphWindow& Graph;
@@ -70,4 +73,6 @@ private:
     // What the search is for: a world point, and the wire that waits there if its node is set.
     TVector2 SearchPoint = TVector2(0, 0);
     TWireEnd SearchEnd;
+    // Where the view was when it opened.
+    TGraphView SearchView;
 };

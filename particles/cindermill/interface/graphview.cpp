@@ -118,6 +118,22 @@ void TGraphView::Reveal(const TVector2& min, const TVector2& max, int width, int
     }
 }
 
+void TGraphView::RevealBeside(const TVector2& min, const TVector2& max, int left, int right, int width,
+                              int height)
+{
+    const TVector2 from = (min + Offset) * Scale[0];
+    const TVector2 to = (max + Offset) * Scale[0];
+    const auto isWithin = [&](int axis, int low, int high) {
+        return from[axis] >= static_cast<float>(low) && to[axis] <= static_cast<float>(high);
+    };
+    if ((isWithin(0, 0, left) || isWithin(0, right, width)) && isWithin(1, 0, height))
+        return;
+    const bool isLeft = left > width - right;
+    const float middle = static_cast<float>(isLeft ? left : right + width) * 0.5f;
+    const TVector2 place(middle / Scale[0], static_cast<float>(height) * 0.5f / Scale[1]);
+    Offset = place - (min + max) * 0.5f;
+}
+
 void TViewFocus::Start(const TGraphView& from, const TGraphView& to, int width, int height)
 {
     FocusFrom = from.GetCentre(width, height);

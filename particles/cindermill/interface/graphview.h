@@ -32,6 +32,9 @@ public:
     // Moves no further than it takes to have all of the box in sight, with some space around it; of one that
     // is too large, its top and its left. The zoom stays.
     void Reveal(const TVector2& min, const TVector2& max, int width, int height);
+    // Moves, if it takes that, so that the box's middle is in the middle of what of the view lies left or
+    // right of what covers it between the two pixels.
+    void RevealBeside(const TVector2& min, const TVector2& max, int left, int right, int width, int height);
 
     bool operator==(const TGraphView& rhs) const = default;
 

@@ -23,9 +23,6 @@ namespace {
 constexpr int IconId = 101;
 constexpr TGDIColour Paper = 0xFFFFF2;
 
-// Shared by all drags.
-int EdgeMargin = TGraphView::ScrollMargin;
-
 TWindowClass& GetWindowClass()
 {
     static TWindowClass windowClass("cindermill_docwindow", IconId, Paper, true);
@@ -572,7 +569,7 @@ void TGraphWindow::EdgeScroll(double x, double y)
     int height = 0;
     GetSize(width, height);
     TGraphView view = GetView();
-    if (view.ScrollAtEdge(x, y, width, height, EdgeMargin)) {
+    if (EdgeScrolling.Scroll(view, x, y, width, height)) {
         ViewFocus.Stop();
         SetView(view);
     }
@@ -681,7 +678,30 @@ void TGraphWindow::Reveal(const TNodeObj& node)
     node.GetRectangle(min, max);
     TGraphView view = GetView();
     view.Reveal(min, max, width, height);
-    if (!(view == GetView()))
+    GlideTo(view);
+}
+
+void TGraphWindow::RevealBeside(const TNodeObj& node, int left, int right)
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    TVector2 min;
+    TVector2 max;
+    node.GetRectangle(min, max);
+    TGraphView view = GetView();
+    view.RevealBeside(min, max, left, right, width, height);
+    GlideTo(view);
+}
+
+void TGraphWindow::GlideTo(const TGraphView& view)
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    if (view == GetView())
+        ViewFocus.Stop();
+    else
         ViewFocus.Start(GetView(), view, width, height);
 }
 
@@ -710,6 +730,7 @@ void TGraphWindow::Reveal(const TPort& port)
 
 void TGraphWindow::OnIdle()
 {
+    EdgeScrolling.OnIdle();
     if (!ViewFocus.IsRunning())
         return;
     int width = 0;

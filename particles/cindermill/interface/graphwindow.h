@@ -5,6 +5,7 @@
 #include "library/wimp/wimp.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
+#include "particles/cindermill/interface/edgescroll.h"
 #include "particles/cindermill/interface/graph/nodeexp.h"
 #include "particles/cindermill/interface/graph/selboxrender.h"
 #include "particles/cindermill/interface/graphactions.h"
@@ -53,6 +54,10 @@ public:
     void Reveal(const TNodeObj& node);
     // Moves at once until the port is seen, with its node if that fits.
     void Reveal(const TPort& port);
+    // Glides, its zoom kept, until the node is seen beside what covers the view between two pixels of its
+    // width.
+    void RevealBeside(const TNodeObj& node, int left, int right);
+    void GlideTo(const TGraphView& view);
     // What the delete key does here.
     void PressDelete();
     // Whether a text, a ramp or a port of this view has the focus, to which that key goes.
@@ -138,4 +143,5 @@ private:
     TGraphMenus Menus;
     TMinimap Minimap;
     TViewFocus ViewFocus;
+    TEdgeScroll EdgeScrolling;
 };

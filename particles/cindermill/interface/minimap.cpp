@@ -16,8 +16,11 @@ constexpr int Distance = 10;
 constexpr float Space = 8;
 constexpr TGDIColour Paper = 0xFBFBF4;
 constexpr TGDIColour Edge = 0x8A9097;
-constexpr TGDIColour ViewEdge = 0xD4691E;
+// One of the two stands out from whatever lies below.
+constexpr TGDIColour ViewEdge = 0x14326E;
+constexpr TGDIColour ViewHalo = 0xFFFFFF;
 constexpr TGDIColour SelectedColour = 0xE06A00;
+constexpr TGDIColour PointerColour = 0x1454DB;
 constexpr TGDIColour ProblemColour = 0xC62828;
 
 TWindowClass& GetWindowClass()
@@ -149,18 +152,18 @@ void TMinimap::MoveView(const TMessage& message)
     Graph.SetView(view);
 }
 
-void TMinimap::PaintBox(TGDIContext& context, const TVector2& min, const TVector2& max) const
+void TMinimap::PaintBox(TGDIContext& context, const TVector2& min, const TVector2& max, int grown) const
 {
-    constexpr int Least = 3;
+    const int least = 3 - 2 * grown;
     const TVector2 low = ToMap(min);
     const TVector2 high = ToMap(max);
     int edges[4];
     for (int i = 0; i < 2; ++i) {
         edges[i] = static_cast<int>(low[i]);
         edges[i + 2] = static_cast<int>(high[i] + 0.5f);
-        edges[i + 2] = edges[i + 2] < edges[i] + Least ? edges[i] + Least : edges[i + 2];
+        edges[i + 2] = edges[i + 2] < edges[i] + least ? edges[i] + least : edges[i + 2];
     }
-    context.Rectangle(edges[0], edges[1], edges[2], edges[3]);
+    context.Rectangle(edges[0] - grown, edges[1] - grown, edges[2] + grown, edges[3] + grown);
 }
 
 void TMinimap::Paint(TGDIContext& context)
@@ -181,16 +184,27 @@ void TMinimap::Paint(TGDIContext& context)
         TVector2 low;
         TVector2 high;
         object->GetRectangle(low, high);
-        context.SetBrush(!object->GetProblem().IsEmpty() ? ProblemColour
-                         : node->IsSelected()            ? SelectedColour
+        const bool isPointedAt = DocWindow->GetWindows().GetScene().GetPointedAt() == node;
+        context.SetBrush(isPointedAt                       ? PointerColour
+                         : !object->GetProblem().IsEmpty() ? ProblemColour
+                         : node->IsSelected()              ? SelectedColour
                                               : ToGDIColour(GetNodeTypeColour(node->GetNodeType()->Colour)));
-        PaintBox(context, low, high);
+        PaintBox(context, low, high, isPointedAt ? 2 : 0);
     }
     TVector2 min;
     TVector2 max;
     GetView(min, max);
-    context.SetPen(ViewEdge);
-    context.SetNoBrush();
-    PaintBox(context, min, max);
+    PaintView(context, min, max);
     context.ClearClip();
+}
+
+void TMinimap::PaintView(TGDIContext& context, const TVector2& min, const TVector2& max) const
+{
+    context.SetNoBrush();
+    context.SetPen(ViewHalo);
+    PaintBox(context, min, max, 1);
+    PaintBox(context, min, max, -2);
+    context.SetPen(ViewEdge);
+    PaintBox(context, min, max);
+    PaintBox(context, min, max, -1);
 }

@@ -30,7 +30,9 @@ private:
     TVector2 ToMap(const TVector2& point) const;
     void GetView(TVector2& min, TVector2& max) const;
     void Paint(TGDIContext& context);
-    void PaintBox(TGDIContext& context, const TVector2& min, const TVector2& max) const;
+    // As many pixels larger, but never too small to be seen.
+    void PaintBox(TGDIContext& context, const TVector2& min, const TVector2& max, int grown = 0) const;
+    void PaintView(TGDIContext& context, const TVector2& min, const TVector2& max) const;
     void MoveView(const TMessage& message);
 
     TGraphWindow& Graph;

@@ -45,7 +45,7 @@ bool TSearchPopup::Open(TWindow& owner, int x, int y, const char* hint, const ch
     WantedX = x;
     WantedY = y;
     Field.SetText("");
-    Refresh();
+    Refresh(MC_PASSING);
     Show();
     BringToTop();
     TakeFocus();
@@ -58,10 +58,25 @@ void TSearchPopup::SetChosen(TChosen chosen, void* data)
     ChosenData = data;
 }
 
-void TSearchPopup::Close()
+void TSearchPopup::SetMarked(TMarked marked, void* data)
+{
+    Told = marked;
+    ToldData = data;
+}
+
+void TSearchPopup::TellMark(TMarkCause cause)
+{
+    const bool isMarked = Marked != -1 && (cause == MC_PASSING || cause == MC_MEANT);
+    if (Told != nullptr)
+        Told(isMarked ? List.GetMatch(Marked).Item : -1, cause, ToldData);
+}
+
+void TSearchPopup::CloseBy(TMarkCause cause)
 {
     if (!IsOpen())
         return;
+    TellMark(cause);
+    Told = nullptr;
     // Losing the keys closes it as well.
     if (HasFocus())
         GetOwner()->TakeFocus();
@@ -74,13 +89,14 @@ int TSearchPopup::GetNumRows() const
     return count < MaxRows ? count : MaxRows;
 }
 
-void TSearchPopup::Refresh()
+void TSearchPopup::Refresh(TMarkCause cause)
 {
     List.Filter(Field.GetText().Print());
     FirstRow = 0;
     Marked = List.GetNumMatches() > 0 ? 0 : -1;
     Place();
     Redraw();
+    TellMark(cause);
 }
 
 void TSearchPopup::Place()
@@ -94,16 +110,17 @@ void TSearchPopup::Place()
     const int fullHeight = ListTop + MaxRows * RowHeight + HelpHeight;
     const int left = WantedX + Width > width ? width - Width : WantedX;
     const int top = WantedY + fullHeight > height ? height - fullHeight : WantedY;
-    MoveTo(left > 0 ? left : 0, top > 0 ? top : 0, Width, ownHeight);
+    Left = left > 0 ? left : 0;
+    MoveTo(Left, top > 0 ? top : 0, Width, ownHeight);
 }
 
 void TSearchPopup::SetText(const char* text)
 {
     Field.SetText(text);
-    Refresh();
+    Refresh(MC_MEANT);
 }
 
-void TSearchPopup::Mark(int match)
+void TSearchPopup::Mark(int match, TMarkCause cause)
 {
     const int last = List.GetNumMatches() - 1;
     Marked = match < 0 ? 0 : match;
@@ -115,6 +132,7 @@ void TSearchPopup::Mark(int match)
     else if (Marked >= FirstRow + MaxRows)
         FirstRow = Marked - MaxRows + 1;
     Redraw();
+    TellMark(cause);
 }
 
 bool TSearchPopup::OnMessage(const TMessage& message)
@@ -137,7 +155,7 @@ bool TSearchPopup::OnMessage(const TMessage& message)
         break;
     case MT_MOUSEMOVE:
         if (const int row = FindRow(message.GetPixelX(), message.GetPixelY()); row != -1 && row != Marked)
-            Mark(row);
+            Mark(row, MC_PASSING);
         return true;
     case MT_LEFTUP:
         if (const int row = FindRow(message.GetPixelX(), message.GetPixelY()); row != -1)
@@ -176,14 +194,14 @@ void TSearchPopup::FollowField(const TString& before)
     if (Field.GetText().Compare(before) == 0)
         Redraw();
     else
-        Refresh();
+        Refresh(MC_MEANT);
 }
 
 bool TSearchPopup::OnKey(int key)
 {
     switch (key) {
     case KEY_ESCAPE:
-        Close();
+        CloseBy(MC_GIVENUP);
         return true;
     case KEY_RETURN:
         if (Marked != -1)
@@ -228,6 +246,7 @@ void TSearchPopup::Choose(int match)
     if (match < 0 || match >= List.GetNumMatches())
         return;
     const int item = List.GetMatch(match).Item;
+    Told = nullptr;
     Close();
     if (Chosen != nullptr)
         Chosen(item, ChosenData);

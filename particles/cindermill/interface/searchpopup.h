@@ -7,6 +7,18 @@
 
 class TSearchPopup;
 
+// Why a search tells of a mark.
+enum TMarkCause
+{
+    // By the list as it opens, and by the mouse, which is on its way.
+    MC_PASSING,
+    // By keys, or by what is typed.
+    MC_MEANT,
+    // No entry is marked any more: the list has closed, by Escape or otherwise.
+    MC_GIVENUP,
+    MC_CLOSED
+};
+
 // What a search shows: the field first, then what it finds.
 class TSearchAccess : public TAccessibleContents
 {
@@ -43,9 +55,12 @@ public:
     // To be filled before Open.
     TSearchList& GetList() { return List; }
     void SetChosen(TChosen chosen, void* data);
+    // The item is -1 for none. Not told where it closes by a choice.
+    using TMarked = void (*)(int item, TMarkCause cause, void* data);
+    void SetMarked(TMarked marked, void* data);
     bool IsOpen() const { return IsShown(); }
     // The keys go back to the owner if the popup has them.
-    void Close();
+    void Close() { CloseBy(MC_CLOSED); }
     bool OnMessage(const TMessage& message) override;
     // Of the field's menu.
     void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
@@ -58,9 +73,11 @@ public:
     const TString& GetHint() const { return Hint; }
     // What is told where nothing is found.
     const TString& GetNothing() const { return Nothing; }
-    void Mark(int match);
+    void Mark(int match, TMarkCause cause = MC_MEANT);
     // As a click on the row.
     void Choose(int match);
+    // Of the popup, in its owner.
+    int GetLeft() const { return Left; }
     // -1 for none.
     int GetMarked() const { return Marked; }
     // The place of an entry's row in the window, whether or not it is in sight.
@@ -71,7 +88,9 @@ private:
     static constexpr int HelpHeight = 34;
 
     void FollowField(const TString& before);
-    void Refresh();
+    void Refresh(TMarkCause cause);
+    void TellMark(TMarkCause cause);
+    void CloseBy(TMarkCause cause);
     void Place();
     bool OnKey(int key);
     void OpenFieldMenu(int x, int y);
@@ -88,8 +107,11 @@ private:
     TString Nothing;
     TChosen Chosen = nullptr;
     void* ChosenData = nullptr;
+    TMarked Told = nullptr;
+    void* ToldData = nullptr;
     int WantedX = 0;
     int WantedY = 0;
+    int Left = 0;
     int Marked = -1;
     int FirstRow = 0;
     int WheelRest = 0;

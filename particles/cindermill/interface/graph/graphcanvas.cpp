@@ -129,8 +129,7 @@ void TGraphCanvas::EndDrag()
 {
     if (Drag == DM_EDGE)
         Draft.End();
-    if (TakesOut)
-        HideWires(Grabbed->GetToolNode(), false);
+    ShowTakenOut(false);
     Scene.GetWireAim().Clear();
     TakesOut = false;
     Drag = DM_NONE;
@@ -168,13 +167,14 @@ void TGraphCanvas::OnMouseMove(double x, double y, int buttons)
         CancelDrag();
         return;
     }
-    if (Drag != DM_PRESS)
+    const bool released = (buttons & MB_LEFT) == 0;
+    // The release is no move: a click near an edge leaves all as it is.
+    if (Drag != DM_PRESS && !released)
         Scene.GetHost().EdgeScroll(*renderer, x, y);
     const TVector2 pointer = renderer->PixelToWorld(x, y);
-    const bool released = (buttons & MB_LEFT) == 0;
     // What cannot be seen is not meant.
     const TVector2* place = IsInView(x, y) ? &pointer : nullptr;
-    TPort* under = Drag == DM_EDGE && place != nullptr ? FindDropPort(pointer) : nullptr;
+    TPort* under = Drag == DM_EDGE && place != nullptr ? FindMeantPort(pointer) : nullptr;
     switch (Drag) {
     case DM_NODES:
         MoveNodes(pointer);
@@ -214,8 +214,6 @@ bool TGraphCanvas::OnNodePressed(TNodeObj& node, const TVector2& point)
         node.SetPressPoint(point);
         Dragged = Scene.GetDocument().GetSelection();
         TakesOut = Dragged.size() == 1 && (GetKeyFlags() & KF_ALT) != 0 && !IsUnwired(*node.GetToolNode());
-        if (TakesOut)
-            HideWires(node.GetToolNode(), true);
     }
     Scene.GetHost().RedrawGraphs();
     return true;
@@ -242,6 +240,7 @@ void TGraphCanvas::MoveNodes(const TVector2& pointer)
     DeltaX = Distance(ToPosition(place[0]), Grabbed->GetToolNode()->GetX());
     DeltaY = Distance(ToPosition(place[1]), Grabbed->GetToolNode()->GetY());
     MoveNodesBy(DeltaX, DeltaY);
+    ShowTakenOut(TakesOut && (DeltaX != 0 || DeltaY != 0));
 }
 
 // Ctrl may have gone down before the drag, or in the middle of it.
@@ -279,13 +278,40 @@ void TGraphCanvas::AimNode(const TVector2& pointer)
     Scene.GetWireAim().Aim(*Dragged[0], pointer, TWireAim::GetReach(*DragRenderer.Get()));
 }
 
-void TGraphCanvas::HideWires(TToolNode* node, bool hidden)
+void TGraphCanvas::ShowTakenOut(bool shown)
 {
+    if (shown == IsTakenOut)
+        return;
+    IsTakenOut = shown;
+    const TToolNode& node = *Grabbed->GetToolNode();
     vector<TEffectEdge*> edges;
-    GetEdges(*node, edges);
-    for (TEffectEdge* edge : edges)
-        if (TToolEdgeRenderer* renderer = Scene.FindEdge(static_cast<TToolEdge*>(edge)))
-            renderer->SetHidden(hidden);
+    GetEdges(node, edges);
+    for (const TEffectEdge* edge : edges) {
+        if (TToolEdgeRenderer* renderer = Scene.FindEdge(static_cast<const TToolEdge*>(edge)))
+            renderer->SetHidden(shown);
+        if (shown && edge->GetSrcNode() == &node)
+            ShowJoin(*edge);
+    }
+    if (shown)
+        return;
+    for (TToolEdgeRenderer* join : Joins)
+        RemoveObject(join);
+    Joins.clear();
+}
+
+// The edge, which leaves the taken node, as it will be.
+void TGraphCanvas::ShowJoin(const TEffectEdge& edge)
+{
+    const TEffectEdge* before = FindWayPast(*Grabbed->GetToolNode(), edge);
+    if (before == nullptr)
+        return;
+    TToolEdgeRenderer* join = new TToolEdgeRenderer(Scene);
+    Joins.push_back(join);
+    join->Init(Scene.GetNode(before->GetSrcNode()), before->GetSrcPort(), Scene.GetNode(edge.GetDstNode()),
+               edge.GetDstPort());
+    join->SetLit(true);
+    join->Layout();
+    AddObjectFront(join);
 }
 
 void TGraphCanvas::BeginResize(TNodeObj& node, const TVector2& grab)
@@ -339,6 +365,17 @@ TPort* TGraphCanvas::FindDropPort(const TVector2& point)
     return nullptr;
 }
 
+// Somewhere on a node a new wire means its best port. The end of an old one is let go there.
+TPort* TGraphCanvas::FindMeantPort(const TVector2& point)
+{
+    TPort* port = FindDropPort(point);
+    const TWireEnds ends = Draft.GetEnds();
+    if (port != nullptr || ends.Picked != nullptr)
+        return port;
+    TNodeObj* node = Scene.NodeAt(point);
+    return node != nullptr ? node->FindMeantPort(*ends.From) : nullptr;
+}
+
 bool TGraphCanvas::IsInView(double x, double y) const
 {
     int width = 0;
@@ -371,7 +408,20 @@ void TGraphCanvas::FinishLooseEdge(const TPort* under, const TVector2* place)
     EndDrag();
     if (under != nullptr && under != from)
         TellWireRefusal(Scene, *from, *under);
-    else if (under == nullptr && place != nullptr && Scene.NodeAt(*place) == nullptr)
+    if (under != nullptr || place == nullptr)
+        return;
+    const TNodeObj* node = Scene.NodeAt(*place);
+    if (node == nullptr)
         Scene.GetHost().SearchForWire(
             *renderer, *place, TWireEnd{from->GetNode()->GetToolNode(), from->GetIndex(), from->IsInput()});
+    else if (node != from->GetNode())
+        TellNoPort(*from, *node);
+}
+
+void TGraphCanvas::TellNoPort(const TPort& from, const TNodeObj& node)
+{
+    TString text;
+    text.Format("%s has no %s that takes the wire", node.GetToolNode()->GetNodeType()->Name.Print(),
+                from.IsInput() ? "output" : "free input");
+    Scene.GetHost().TellStatus(text.Print());
 }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "library/containers/classregistry.h"
+#include "library/containers/ownerlist.h"
 #include "library/wimp/gl/rendererwatch.h"
 #include "library/wimp/gl/renderobjects.h"
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/graph/emptyhint.h"
 #include "particles/cindermill/interface/graph/wiredraft.h"
 
+class TEffectEdge;
 class TNodeObj;
 class TPort;
 class TToolNode;
@@ -63,14 +65,17 @@ private:
     void MoveNodes(const TVector2& pointer);
     void FinishNodes();
     void AimNode(const TVector2& pointer);
-    void HideWires(TToolNode* node, bool hidden);
+    void ShowTakenOut(bool shown);
+    void ShowJoin(const TEffectEdge& edge);
     bool IsSnapping() const;
     void MoveNodesBy(int dx, int dy);
     void FinishPress(const TVector2& pointer);
     bool IsInView(double x, double y) const;
+    TPort* FindMeantPort(const TVector2& point);
     // The place is null outside of the view.
     void FinishEdge(const TPort* under, const TVector2* place);
     void FinishLooseEdge(const TPort* under, const TVector2* place);
+    void TellNoPort(const TPort& from, const TNodeObj& node);
 
     TGraphScene& Scene;
     TDragMode Drag = DM_NONE;
@@ -83,6 +88,9 @@ private:
     int DeltaY = 0;
     // The node leaves its wires when it is let go elsewhere.
     bool TakesOut = false;
+    // It is elsewhere, and what will join its neighbours is seen.
+    bool IsTakenOut = false;
+    TOwnerList<TToolEdgeRenderer> Joins;
     // What the person wished for before the size was dragged.
     TVector2 SizeBefore = TVector2(0, 0);
     TWireDraft Draft;

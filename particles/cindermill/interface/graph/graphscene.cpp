@@ -72,6 +72,14 @@ TToolEdgeRenderer* TGraphScene::FindEdge(const TToolEdge* edge) const
     return it != Edges.end() && it->second->GetParent() == &Grid ? it->second : nullptr;
 }
 
+void TGraphScene::PointAt(const TToolNode* node)
+{
+    if (node == PointedAt)
+        return;
+    PointedAt = node;
+    Host.RedrawGraphs();
+}
+
 TNodeObj* TGraphScene::NodeAt(const TVector2& point)
 {
     for (TRenderObject* object = Grid.HitTest(point); object != nullptr; object = object->GetParent())
@@ -94,6 +102,8 @@ void TGraphScene::NodeAdded(TToolNode* node)
 
 void TGraphScene::NodeRemoved(TToolNode* node)
 {
+    if (node == PointedAt)
+        PointedAt = nullptr;
     Host.RedrawGraphs();
     Host.NodeLeft(*node);
     CancelDrags();

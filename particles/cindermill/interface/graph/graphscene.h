@@ -108,6 +108,9 @@ public:
     void LayoutEdges(TToolNode* node);
     // Null for an edge that is not in the graph.
     TToolEdgeRenderer* FindEdge(const TToolEdge* edge) const;
+    // The node that something points at; null for none. It is drawn so that one sees it.
+    void PointAt(const TToolNode* node);
+    const TToolNode* GetPointedAt() const { return PointedAt; }
     // The node under a world point, or null.
     TNodeObj* NodeAt(const TVector2& point);
 
@@ -131,6 +134,7 @@ private:
     THelp HelpText;
     TWireAim WireAim;
     TPortWalk PortWalk;
+    const TToolNode* PointedAt = nullptr;
     sortedmap<const TToolNode*, TNodeObj*> Nodes;
     sortedmap<const TToolEdge*, TToolEdgeRenderer*> Edges;
 };

@@ -234,6 +234,8 @@ void TNodeObj::Render(TRenderer& renderer)
         draw(*port);
     if (!Problem.IsEmpty())
         Mark.Render(renderer, GetSize());
+    if (Scene.GetPointedAt() == ToolNode)
+        TNodeMark::RenderPointer(renderer, GetSize());
 }
 
 void TNodeObj::SetProblem(const TString& text)
@@ -325,6 +327,29 @@ TPort* TNodeObj::FindDropPort(const TVector2& point)
             point[0] >= width * 0.5f)
             return port;
     return nullptr;
+}
+
+static int GetPortType(const TPort& port)
+{
+    const TNodeType& type = *port.GetNode()->GetToolNode()->GetNodeType();
+    return port.IsInput() ? type.GetInputType(port.GetIndex()) : type.GetOutputType(port.GetIndex());
+}
+
+TPort* TNodeObj::FindMeantPort(const TPort& from)
+{
+    TPort* best = nullptr;
+    int bestRank = 0;
+    for (TPort* port : from.IsInput() ? OutPorts : InPorts) {
+        if (!port->IsMarked() || (port->IsInput() && ToolNode->GetInput(port->GetIndex()) != nullptr))
+            continue;
+        const int rank = port->GetLabel().Compare(from.GetLabel()) == 0 ? 3
+                         : GetPortType(*port) == GetPortType(from)      ? 2
+                                                                        : 1;
+        if (rank > bestRank)
+            best = port;
+        bestRank = rank > bestRank ? rank : bestRank;
+    }
+    return best;
 }
 
 TVector2 TNodeObj::GetPortPosition(bool input, int index) const

@@ -86,6 +86,9 @@ public:
     // disc: the label's row will do.
     TPort* FindPort(const TVector2& point);
     TPort* FindDropPort(const TVector2& point);
+    // Of the marked ports the one that a wire from the port most likely means, for a drag that ends at none:
+    // the name tells, then the type. An input that is wired already is not meant. Null for none.
+    TPort* FindMeantPort(const TPort& from);
     // Marks the ports at which an edge from the port may end when the other edge, if there is one, is away;
     // their marks go with `on` false.
     void MarkPorts(const TPort& port, bool on, const TToolEdge* away = nullptr);

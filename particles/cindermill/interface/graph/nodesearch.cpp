@@ -102,23 +102,6 @@ void FillTypeSearch(const TNodeTypeLibrary& library, const TWireEnd* end, TSearc
         filler.Add(library.GetRootItemIndex(i), TString());
 }
 
-void FillNodeSearch(const TEffectGraph& graph, TSearchList& list)
-{
-    for (int i = 0; i < graph.GetNumNodes(); ++i) {
-        const TNodeType& type = *graph.GetNode(i)->GetNodeType();
-        TSearchEntry entry;
-        entry.Name = type.Name;
-        entry.Folder = type.ClassName;
-        // The name of a run-time class begins with a letter that nobody looks for.
-        if (entry.Folder.Length() > 1)
-            entry.Folder.Right(type.ClassName.Print(), type.ClassName.Length() - 1);
-        entry.Help = type.Description;
-        entry.Colour = type.Colour;
-        entry.Item = i;
-        list.Add(entry);
-    }
-}
-
 TToolNode* AddNodeToWire(TDocument& document, const TNodeType& type, const TVector2& point,
                          const TWireEnd& end)
 {

@@ -3,7 +3,6 @@
 #include "particles/cindermill/interface/graph/searchlist.h"
 
 class TDocument;
-class TEffectGraph;
 class TEffectNode;
 class TNodeType;
 class TNodeTypeLibrary;
@@ -30,8 +29,6 @@ TString GetInnerFolder(const TString& folder, const TString& category);
 // The node types of the library, by folder; with an end of a wire, those that can take it. An entry's item is
 // the number of its type.
 void FillTypeSearch(const TNodeTypeLibrary& library, const TWireEnd* end, TSearchList& list);
-// The nodes of a graph; an entry's item is the node's number.
-void FillNodeSearch(const TEffectGraph& graph, TSearchList& list);
 
 // Adds a node of the type whose port at the wire stands at the point, and wires it, in one step. Null if the
 // type cannot take the wire.

@@ -50,18 +50,24 @@ const TEffectEdge* FindContinuation(const TToolNode& node, int output)
 
 void LeadPast(TDocument& document, const TToolNode& node, TToolEdge* edge)
 {
-    const TEffectEdge* before = FindContinuation(node, edge->GetSrcPort());
-    TToolNode* destination = static_cast<TToolNode*>(edge->GetDstNode());
-    if (before != nullptr &&
-        CanConnectWithout(edge, before->GetSrcNode(), before->GetSrcPort(), destination, edge->GetDstPort()))
-        document.ApplyOperation(new TChangeGraphEdgeOp(edge, static_cast<TToolNode*>(before->GetSrcNode()),
-                                                       before->GetSrcPort(), destination,
-                                                       edge->GetDstPort()));
+    if (const TEffectEdge* before = FindWayPast(node, *edge))
+        document.ApplyOperation(
+            new TChangeGraphEdgeOp(edge, static_cast<TToolNode*>(before->GetSrcNode()), before->GetSrcPort(),
+                                   static_cast<TToolNode*>(edge->GetDstNode()), edge->GetDstPort()));
     else
         document.ApplyOperation(new TDeleteGraphEdgeOp(edge));
 }
 
 } // namespace
+
+const TEffectEdge* FindWayPast(const TToolNode& node, const TEffectEdge& edge)
+{
+    const TEffectEdge* before = FindContinuation(node, edge.GetSrcPort());
+    const bool fits =
+        before != nullptr && CanConnectWithout(&edge, before->GetSrcNode(), before->GetSrcPort(),
+                                               edge.GetDstNode(), edge.GetDstPort());
+    return fits ? before : nullptr;
+}
 
 bool IsUnwired(const TEffectNode& node)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 class TDocument;
+class TEffectEdge;
 class TEffectNode;
 class TToolEdge;
 class TToolNode;
@@ -21,5 +22,8 @@ bool IsUnwired(const TEffectNode& node);
 bool FindInsertion(TEffectNode& node, TToolEdge& edge, TInsertion& result);
 // In one step.
 void InsertIntoWire(TDocument& document, TToolNode* node, const TInsertion& insertion);
+// The wire whose source the edge, which leaves the node, comes from when the node is taken out; null if it
+// goes.
+const TEffectEdge* FindWayPast(const TToolNode& node, const TEffectEdge& edge);
 // Takes all wires off the node, and leads past it what can go on without it, in one step.
 void TakeOutOfWires(TDocument& document, TToolNode* node);

@@ -230,6 +230,66 @@ TEST_F(GraphSearch, ANodeIsFoundByNameAndShown)
     EXPECT_EQ(NumUndoSteps(), steps);
 }
 
+TEST_F(GraphSearch, TheMarkedNodeIsSeenBesideTheListAndEscapeLeadsBack)
+{
+    TToolNode* near = AddNode(*Document, "Turbulence", 600, 300);
+    TToolNode* far = AddNode(*Document, "Turbulence", 9000, 9000);
+    SetView(Graph(), 0, 0, 1);
+    TGraphScene& scene = WindowsOf(*Document).GetScene();
+    HoverAt(QPoint(500, 300));
+    const int steps = NumUndoSteps();
+    const int selected = NumSelected();
+    const auto glide = [&] {
+        for (int i = 0; i < 100 && Graph().IsFocusing(); ++i)
+            Graph().OnIdle();
+    };
+    Key(Graph(), Qt::Key_G, Qt::ControlModifier);
+    glide();
+    // What the list marks by itself moves nothing.
+    EXPECT_EQ(scene.GetPointedAt(), First);
+    EXPECT_EQ(Offset(), TVector2(0, 0));
+    TypeText("turb");
+    glide();
+    EXPECT_EQ(scene.GetPointedAt(), near);
+    Key(Search(), Qt::Key_Down);
+    glide();
+    EXPECT_EQ(scene.GetPointedAt(), far);
+    EXPECT_TRUE(Graph().GetHandle()->rect().contains(MiddleOf(*Document, far)));
+    EXPECT_FALSE(Search().GetHandle()->geometry().contains(MiddleOf(*Document, far)));
+    // A mouse over the rows points, and leaves the view where it is.
+    const TVector2 there = Offset();
+    Move(Search(), QPoint(50, Search().GetRowTop(0) + 5), Qt::NoButton);
+    glide();
+    EXPECT_EQ(scene.GetPointedAt(), near);
+    EXPECT_EQ(Offset(), there);
+    Key(Search(), Qt::Key_Escape);
+    glide();
+    EXPECT_EQ(scene.GetPointedAt(), nullptr);
+    EXPECT_LT((Offset() - TVector2(0, 0)).Length(), 0.1f);
+    EXPECT_EQ(NumUndoSteps(), steps);
+    EXPECT_EQ(NumSelected(), selected);
+}
+
+TEST_F(GraphSearch, WhatPointsAtANodeGoesWithTheSearchAndTheNode)
+{
+    TGraphScene& scene = WindowsOf(*Document).GetScene();
+    Key(Graph(), Qt::Key_G, Qt::ControlModifier);
+    EXPECT_NE(scene.GetPointedAt(), nullptr);
+    Key(Search(), Qt::Key_Return);
+    EXPECT_EQ(scene.GetPointedAt(), nullptr);
+    Key(Graph(), Qt::Key_G, Qt::ControlModifier);
+    EXPECT_NE(scene.GetPointedAt(), nullptr);
+    while (Document->CanUndo())
+        Document->Undo();
+    EXPECT_FALSE(Search().IsOpen());
+    EXPECT_EQ(scene.GetPointedAt(), nullptr);
+    while (Document->CanRedo())
+        Document->Redo();
+    // A search for types points at no node.
+    Key(Graph(), Qt::Key_Tab);
+    EXPECT_EQ(scene.GetPointedAt(), nullptr);
+}
+
 TEST_F(GraphSearch, WhereNothingIsFoundNoKeyMarksOrChoosesAnything)
 {
     Key(Graph(), Qt::Key_Tab);

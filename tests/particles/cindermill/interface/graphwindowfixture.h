@@ -3,6 +3,8 @@
 #include "docwindowfixture.h"
 #include "support/menutext.h"
 
+#include "library/system/clock.h"
+
 #include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtWidgets/QApplication>
@@ -29,6 +31,12 @@ protected:
     TGraphWindow& Graph() { return GraphOf(*Document); }
     TDocWindow& View() { return ViewOf(*Document); }
     TVector2 Offset() { return Graph().GetView().GetOffset(); }
+    // Milliseconds, and what an idle pass does then.
+    void Pass(uint32_t time)
+    {
+        Clock.Set(GetTickCount() + time);
+        Document->OnIdle();
+    }
     bool IsSelected(const TToolNode* node) const
     {
         return Document->GetSelection().index_of(const_cast<TToolNode*>(node)) != -1;

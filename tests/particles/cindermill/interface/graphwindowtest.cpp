@@ -135,6 +135,82 @@ TEST_F(GraphWindow, ABoxScrollsAtTheEdges)
     Release(Graph(), QPoint(2, 100));
 }
 
+TEST_F(GraphWindow, AtAnEdgeADragScrollsOnWhileTheMouseRests)
+{
+    const QPoint from = MiddleOf(*Document, First);
+    const QPoint edge(Graph().GetHandle()->width() - 4, from.y());
+    Press(Graph(), from);
+    Move(Graph(), from + QPoint(20, 0));
+    for (int i = 0; i < 10; ++i) {
+        Pass(100);
+    }
+    // In the middle nothing scrolls.
+    EXPECT_EQ(Offset(), TVector2(0, 0));
+    Move(Graph(), edge);
+    const float atOnce = Offset()[0];
+    EXPECT_LT(atOnce, 0.0f);
+    Pass(100);
+    EXPECT_EQ(Offset()[0], atOnce);
+    float before = atOnce;
+    float first = 0;
+    float last = 0;
+    for (int i = 0; i < 30; ++i) {
+        Pass(100);
+        last = before - Offset()[0];
+        first = i == 2 ? last : first;
+        before = Offset()[0];
+    }
+    EXPECT_GT(first, 0.0f);
+    // The longer, the faster.
+    EXPECT_GT(last, first * 1.5f);
+    // The node stays under the mouse.
+    const TNodeObj* object = WindowsOf(*Document).GetScene().FindNode(First);
+    EXPECT_GT(object->GetOrigin()[0], 200 - before);
+    EXPECT_LT((MiddleOf(*Document, First) - edge).manhattanLength(), 3);
+    Release(Graph(), edge);
+    const float released = Offset()[0];
+    Pass(1000);
+    EXPECT_EQ(Offset()[0], released);
+    EXPECT_GT(First->GetX(), 1000);
+    Document->Undo();
+    EXPECT_EQ(First->GetX(), 200);
+}
+
+TEST_F(GraphWindow, TheFurtherBeyondTheEdgeTheFasterItScrollsAndEscapeStopsIt)
+{
+    SetPanButton(PanMiddle);
+    const auto scrolled = [&](int beyond) {
+        SetView(Graph(), 0, 0, 1);
+        Press(Graph(), Empty);
+        Move(Graph(), QPoint(Empty.x(), -beyond));
+        Pass(200);
+        const float before = Offset()[1];
+        Pass(100);
+        const float moved = Offset()[1] - before;
+        Key(Graph(), Qt::Key_Escape);
+        const float given = Offset()[1];
+        Pass(500);
+        EXPECT_EQ(Offset()[1], given);
+        Release(Graph(), Empty);
+        return moved;
+    };
+    const float near = scrolled(0);
+    EXPECT_GT(near, 0.0f);
+    EXPECT_GT(scrolled(60), near * 3);
+}
+
+TEST_F(GraphWindow, ADragThatBeganAtAnEdgeScrollsOnlyOnceItHasMoved)
+{
+    SetView(Graph(), 0, -195, 1);
+    const QPoint from = MiddleOf(*Document, First);
+    const QPoint title(from.x(), 8);
+    Press(Graph(), title);
+    Pass(1000);
+    Release(Graph(), title);
+    EXPECT_EQ(Offset(), TVector2(0, -195));
+    EXPECT_EQ(First->GetY(), 200);
+}
+
 TEST_F(GraphWindow, ARightClickOnANodeOpensItsMenu)
 {
     SetPanButton(PanLeft);

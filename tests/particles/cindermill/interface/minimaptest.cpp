@@ -60,6 +60,36 @@ TEST_F(Minimap, APressMovesTheViewThereAndADragTakesItAlong)
     EXPECT_EQ(NumSelected(), 0);
 }
 
+TEST_F(Minimap, TheFrameStandsOutFromEveryNodeThatItLiesOn)
+{
+    // One node alone fills the map, and the view lies in its middle.
+    Document->Undo();
+    Document->Undo();
+    ASSERT_EQ(Document->GetGraph()->GetNumNodes(), 1);
+    WindowsOf(*Document).GetScene().FindNode(First)->SetWishedSize(TVector2(600, 500));
+    SetView(Graph(), -440, -400, 7);
+    Key(Graph(), Qt::Key_M, Qt::ControlModifier);
+    constexpr int NumColours = 8;
+    constexpr int Inside = 14;
+    constexpr int LeastContrast = 60;
+    for (int colour = 0; colour < 2 * NumColours; ++colour) {
+        First->GetNodeType()->Colour = colour % NumColours;
+        Document->ClearSelection();
+        if (colour >= NumColours)
+            Document->SelectNode(First, true);
+        const QImage picture = Map().GetHandle()->grab().toImage();
+        const int row = picture.height() / 2;
+        const int fill = qGray(picture.pixel(Inside, row));
+        int lighter = 0;
+        int darker = 0;
+        for (int x = Inside; x < picture.width() - Inside; ++x) {
+            lighter = std::max(lighter, qGray(picture.pixel(x, row)) - fill);
+            darker = std::max(darker, fill - qGray(picture.pixel(x, row)));
+        }
+        EXPECT_GT(std::max(lighter, darker), LeastContrast) << colour;
+    }
+}
+
 TEST_F(Minimap, FollowsTheSizeOfItsView)
 {
     Key(Graph(), Qt::Key_M, Qt::ControlModifier);

@@ -206,7 +206,7 @@ TEST_F(EdgeDrag, ANewWireLetGoInEmptySpaceIsSearchedFor)
     EXPECT_EQ(Host.Searches[1].End.Node, curve);
     EXPECT_TRUE(Host.Searches[1].End.IsInput);
     // Upon a node, outside of the view, the end of an edge that was there, a click.
-    DragTo(Output(effect, "Time"), TitleOf(curve));
+    DragTo(Output(effect, "Time"), TitleOf(effect));
     DragTo(Output(effect, "Time"), TVector2(900, 500));
     Connect(effect, "Time", curve, "Time");
     DragTo(Input(curve, "Time"), TVector2(600, 500));
@@ -370,6 +370,61 @@ TEST_F(EdgeDrag, ADragMayEndAnywhereInThePortsRow)
     TToolNode* curve = Add("Scalar Over Life", 400, 100);
     DragTo(Output(effect, "Time"), Input(curve, "Life") + TVector2(20, 4));
     EXPECT_NE(EdgeAt(curve, "Life"), nullptr);
+}
+
+TEST_F(EdgeDrag, ANewWireLetGoOnANodeGoesToThePortThatItMeans)
+{
+    TToolNode* cone = Add("Velocity Cone", 100, 100);
+    TToolNode* integrate = Add("Integrate", 400, 100);
+    const int before = NumOperations();
+    Press(Output(cone, "Velocity"));
+    Drag(TitleOf(integrate));
+    // It is seen where it would go.
+    EXPECT_TRUE(InputPort(integrate, "Velocity").IsAimedAt());
+    EXPECT_EQ(Canvas().GetRubber().GetCurve()[3], Input(integrate, "Velocity"));
+    Release(TitleOf(integrate));
+    ASSERT_NE(EdgeAt(integrate, "Velocity"), nullptr);
+    EXPECT_EQ(EdgeAt(integrate, "Velocity")->GetSrcNode(), cone);
+    EXPECT_EQ(NumOperations(), before + 1);
+    EXPECT_TRUE(Host.Searches.empty());
+
+    // From an input back to an output, which may have other wires.
+    TToolNode* other = Add("Integrate", 400, 400);
+    DragTo(Input(other, "Velocity"), TitleOf(cone));
+    ASSERT_NE(EdgeAt(other, "Velocity"), nullptr);
+    EXPECT_EQ(EdgeAt(other, "Velocity")->GetSrcNode(), cone);
+}
+
+TEST_F(EdgeDrag, ANewWireLetGoOnANodeTakesNoOtherWiresPlace)
+{
+    TToolNode* effect = Add("Effect", 100, 100);
+    TToolNode* add = Add("Add", 400, 100);
+    TToolEdge* first = Connect(effect, "Time", add, "A");
+    TToolNode* second = Add("Effect", 100, 300);
+    DragTo(Output(second, "Time"), TitleOf(add));
+    EXPECT_EQ(EdgeAt(add, "A"), first);
+    ASSERT_NE(EdgeAt(add, "B"), nullptr);
+    EXPECT_EQ(EdgeAt(add, "B")->GetSrcNode(), second);
+    const int before = NumOperations();
+    TToolNode* third = Add("Effect", 100, 500);
+    DragTo(Output(third, "Time"), TitleOf(add));
+    EXPECT_EQ(NumOperations(), before + 1);
+    EXPECT_EQ(Host.Status, "Add has no free input that takes the wire");
+}
+
+TEST_F(EdgeDrag, TheEndOfAnOldWireLetGoOnANodeIsOffAllTheSame)
+{
+    TToolNode* effect = Add("Effect", 100, 100);
+    TToolNode* add = Add("Add", 400, 100);
+    TToolNode* other = Add("Add", 400, 400);
+    Connect(effect, "Time", add, "A");
+    const int before = NumOperations();
+    Press(Input(add, "A"));
+    Drag(TitleOf(other));
+    EXPECT_FALSE(InputPort(other, "A").IsAimedAt());
+    Release(TitleOf(other));
+    EXPECT_TRUE(IsLast<TDeleteGraphEdgeOp>(before));
+    EXPECT_EQ(Document.GetGraph()->GetNumEdges(), 0);
 }
 
 TEST_F(EdgeDrag, OutsideTheViewThereIsNothingToConnectTo)

@@ -1,4 +1,5 @@
 #include "scenetest.h"
+#include "support/dice.h"
 
 #include "particles/cindermill/interface/graph/graphedits.h"
 #include "particles/cindermill/interface/graph/graphlayout.h"
@@ -201,6 +202,22 @@ TEST_F(GraphEdits, DistributesSoThatTheGapsAreEqual)
     EXPECT_FALSE(DistributeSelection(Scene(), 0));
 }
 
+TEST_F(GraphEdits, WhereThereIsNoRoomToDistributeNoNodeComesUponAnother)
+{
+    First->SetPosition(300, 110);
+    Second->SetPosition(310, 160);
+    Curve->SetPosition(320, 90);
+    Select({Curve, Second, First});
+    EXPECT_TRUE(DistributeSelection(Scene(), 0));
+    EXPECT_EQ(First->GetX(), 300);
+    EXPECT_GE(Min(Second)[0], Max(First)[0]);
+    EXPECT_NEAR(Min(Second)[0] - Max(First)[0], Min(Curve)[0] - Max(Second)[0], 1.01f);
+    EXPECT_FALSE(DistributeSelection(Scene(), 0));
+    Document.Undo();
+    EXPECT_EQ(Second->GetX(), 310);
+    EXPECT_EQ(Curve->GetX(), 320);
+}
+
 TEST_F(GraphEdits, TidiedANodeStandsRightOfAllThatFeedItAndOnNone)
 {
     TToolNode* noise = Add("Noise", 900, 900);
@@ -228,6 +245,67 @@ TEST_F(GraphEdits, TidiedANodeStandsRightOfAllThatFeedItAndOnNone)
     Document.Undo();
     EXPECT_EQ(Curve->GetX(), 0);
     EXPECT_EQ(Effect->GetY(), 500);
+}
+
+TEST_F(GraphEdits, WhatNoWireConnectsIsTidiedApart)
+{
+    // Two chains, drawn through each other.
+    TToolNode* effect = Add("Effect", 320, 100);
+    TToolNode* curve = Add("Scalar Over Life", 90, 170);
+    Connect(effect, "Time", curve, "Time");
+    TToolNode* lone = Add("Noise", 400, 130);
+    Document.ClearSelection();
+    EXPECT_TRUE(TidyNodes(Scene()));
+    float end = 0;
+    for (TToolNode* node : {Effect, First, Second, Curve})
+        end = std::max(end, Max(node)[1]);
+    EXPECT_GT(Min(effect)[1], end);
+    EXPECT_GT(Min(curve)[1], end);
+    EXPECT_GT(Min(lone)[1], std::max(Max(effect)[1], Max(curve)[1]));
+    // A wire that is alone is level.
+    EXPECT_NEAR(Output(effect, "Time")[1], Input(curve, "Time")[1], 1.0f);
+    EXPECT_FALSE(TidyNodes(Scene()));
+}
+
+TEST_F(GraphEdits, ManyNodesWithLongNamesAndManyWiresAreTidiedInOneStep)
+{
+    const char* const types[] = {"Add", "Sprite Render Stage", "Multiply", "Wind", "Integrate"};
+    TDice dice(7);
+    std::vector<TToolNode*> nodes;
+    for (int i = 0; i < 300; ++i) {
+        TToolNode* node =
+            Add(types[i % 5], static_cast<int>(dice.Below(2000)), static_cast<int>(dice.Below(2000)));
+        if (i % 7 == 0) {
+            node->GetNodeType()->Name = "A name that tells all that anybody wishes to know of the node";
+            Object(node).Relayout();
+        }
+        nodes.push_back(node);
+        for (int port = 0; i > 0 && port < node->GetNumInputs(); ++port) {
+            TToolNode* source = nodes[dice.Below(static_cast<uint32_t>(i))];
+            for (int output = 0; output < source->GetNumOutputs(); ++output)
+                if (node->GetInput(port) == nullptr && CanConnect(source, output, node, port))
+                    Document.ApplyOperation(new TAddGraphEdgeOp(Document, source, output, node, port));
+        }
+    }
+    Object(nodes[10]).Resize(TVector2(500, 400));
+    ASSERT_GT(Document.GetGraph()->GetNumEdges(), 200);
+    std::vector<TVector2> before;
+    for (TToolNode* node : nodes)
+        before.push_back(Min(node));
+    Document.ClearSelection();
+    EXPECT_TRUE(TidyNodes(Scene()));
+    for (size_t i = 0; i < nodes.size(); ++i) {
+        for (size_t n = 0; n < i; ++n)
+            EXPECT_FALSE(Object(nodes[i]).OverlapsBox(Min(nodes[n]), Max(nodes[n]))) << i << " " << n;
+        for (int port = 0; port < nodes[i]->GetNumInputs(); ++port)
+            if (const TEffectEdge* edge = nodes[i]->GetInput(port)) {
+                EXPECT_GT(Min(nodes[i])[0], Max(static_cast<TToolNode*>(edge->GetSrcNode()))[0]) << i;
+            }
+    }
+    EXPECT_FALSE(TidyNodes(Scene()));
+    Document.Undo();
+    for (size_t i = 0; i < nodes.size(); ++i)
+        EXPECT_EQ(Min(nodes[i]), before[i]) << i;
 }
 
 TEST_F(GraphEdits, OfASelectionOnlyItsOwnNodesAreTidied)

@@ -1,6 +1,7 @@
 #include "scenetest.h"
 
 #include "particles/cindermill/graph/operations/gesture.h"
+#include "particles/cindermill/interface/graph/nodefinding.h"
 #include "particles/cindermill/interface/graph/nodesearch.h"
 #include "particles/cindermill/interface/graph/wiring.h"
 #include "particles/effectgraph/nodetypelibrary.h"
@@ -150,11 +151,74 @@ TEST_F(NodeSearch, FindsTheNodesOfAGraphByName)
     Add("Noise", 100, 100);
     Add("Gravity", 100, 300);
     TSearchList list;
-    FillNodeSearch(*Document.GetGraph(), list);
+    FillNodeSearch(*Document.GetGraph(), vector<TString>(), list);
     EXPECT_EQ(list.GetNumMatches(), 2);
     list.Filter("grav");
     ASSERT_EQ(list.GetNumMatches(), 1);
     EXPECT_EQ(list.GetMatch(0).Item, 1);
+}
+
+TEST_F(NodeSearch, NodesOfOneNameAreToldApart)
+{
+    TToolNode* smoke = Add("Gravity", 100, 100);
+    TToolNode* fire = Add("Gravity", 100, 300);
+    TToolNode* wired = Add("Gravity", 100, 500);
+    TToolNode* lower = Add("Gravity", 900, 700);
+    TToolNode* upper = Add("Gravity", 900, 600);
+    TToolNode* integrate = Add("Integrate", 400, 500);
+    Connect(fire, "Velocity", integrate, "Velocity");
+    Connect(wired, "Velocity", lower, "Velocity");
+    Connect(lower, "Velocity", upper, "Velocity");
+    vector<TString> groups;
+    for (const char* group : {"Smoke", "Fire", "Fire", "", "", "Fire"})
+        groups.push_back(group);
+    TSearchList list;
+    FillNodeSearch(*Document.GetGraph(), groups, list);
+    const auto shown = [&](const TToolNode* node) {
+        for (int i = 0; i < list.GetNumMatches(); ++i)
+            if (Document.GetGraph()->GetNode(list.GetMatch(i).Item) == node)
+                return Text(list.GetMatch(i).Name) + "|" + Text(list.GetMatch(i).Folder);
+        return std::string();
+    };
+    // By the group where it tells, else by the wires.
+    EXPECT_EQ(shown(smoke), "Gravity|Smoke");
+    EXPECT_EQ(shown(fire), "Gravity|Fire, to Integrate");
+    EXPECT_EQ(shown(wired), "Gravity|Fire, to Gravity");
+    EXPECT_EQ(shown(lower), "Gravity|to Gravity");
+    EXPECT_EQ(shown(upper), "Gravity|from Gravity");
+    EXPECT_EQ(shown(integrate), "Integrate|Fire");
+    // A word of what tells them apart finds the one.
+    list.Filter("grav smoke");
+    ASSERT_EQ(list.GetNumMatches(), 1);
+    EXPECT_EQ(Document.GetGraph()->GetNode(list.GetMatch(0).Item), smoke);
+}
+
+TEST_F(NodeSearch, NodesThatNothingElseTellsApartAreNumberedFromTheLeft)
+{
+    Add("Noise", 900, 100);
+    TToolNode* lower = Add("Noise", 100, 300);
+    Add("Noise", 100, 100);
+    Add("Gravity", 300, 300);
+    TSearchList list;
+    FillNodeSearch(*Document.GetGraph(), vector<TString>(), list);
+    ASSERT_EQ(list.GetNumMatches(), 4);
+    EXPECT_EQ(Text(list.GetMatch(0).Name), "Noise (3)");
+    EXPECT_EQ(Text(list.GetMatch(1).Name), "Noise (2)");
+    EXPECT_EQ(Text(list.GetMatch(2).Name), "Noise (1)");
+    EXPECT_EQ(Text(list.GetMatch(3).Name), "Gravity");
+    list.Filter("noise 2");
+    ASSERT_EQ(list.GetNumMatches(), 1);
+    EXPECT_EQ(Document.GetGraph()->GetNode(list.GetMatch(0).Item), lower);
+}
+
+TEST_F(NodeSearch, ARenamedNodeIsFoundByWhatItIs)
+{
+    TToolNode* node = Add("Velocity Cone", 100, 100);
+    node->GetNodeType()->Name = "Gush";
+    TSearchList list;
+    FillNodeSearch(*Document.GetGraph(), vector<TString>(), list);
+    list.Filter("velocitycone");
+    EXPECT_EQ(list.GetNumMatches(), 1);
 }
 
 } // namespace

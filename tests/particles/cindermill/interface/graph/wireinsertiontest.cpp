@@ -1,4 +1,5 @@
 #include "scenetest.h"
+#include "support/sampledocument.h"
 
 #include "particles/cindermill/graph/operations/changegraphedgeop.h"
 #include "particles/cindermill/graph/operations/movegraphnodeop.h"
@@ -25,6 +26,25 @@ protected:
     {
         return Edge->GetSrcNode() == node && EdgeAt(Curve, "Time") == Edge && node->GetInput(0) != nullptr &&
                node->GetInput(0)->GetSrcNode() == Effect && Document.GetGraph()->GetNumEdges() == 2;
+    }
+
+    // What is drawn between the two nodes and is no edge of the graph.
+    std::vector<TToolEdgeRenderer*> FindShownJoins(TToolNode* source, TToolNode* destination)
+    {
+        std::vector<TToolEdgeRenderer*> joins;
+        for (TRenderObject* object : Canvas().GetObjects()) {
+            if (object->GetClassId() != TToolEdgeRenderer::NameID())
+                continue;
+            TToolEdgeRenderer* edge = static_cast<TToolEdgeRenderer*>(object);
+            const TEffectGraph& graph = *Document.GetGraph();
+            bool isOfGraph = false;
+            for (int i = 0; i < graph.GetNumEdges(); ++i)
+                isOfGraph = isOfGraph || Scene().FindEdge(static_cast<TToolEdge*>(graph.GetEdge(i))) == edge;
+            if (!isOfGraph && !edge->IsHidden() && edge->GetOutputNode() == Scene().FindNode(source) &&
+                edge->GetInputNode() == Scene().FindNode(destination))
+                joins.push_back(edge);
+        }
+        return joins;
     }
 
     TToolNode* Effect = nullptr;
@@ -153,6 +173,80 @@ TEST_F(WireInsertion, WithAltANodeLeavesItsWiresAndTheNeighboursAreJoined)
     EXPECT_FALSE(Scene().FindEdge(first)->IsHidden());
     Document.Redo();
     EXPECT_EQ(Document.GetGraph()->GetNumEdges(), 1);
+}
+
+TEST_F(WireInsertion, WhatWillJoinTheNeighboursIsSeenDuringTheDrag)
+{
+    TToolNode* add = Add("Add", 300, 400);
+    DragTo(TitleOf(add), OnWire());
+    ASSERT_TRUE(IsBetween(add));
+    KeyFlags = KF_ALT;
+    const TVector2 grab = TitleOf(add);
+    Press(grab);
+    // A click takes nothing out.
+    EXPECT_FALSE(Scene().FindEdge(Edge)->IsHidden());
+    EXPECT_TRUE(FindShownJoins(Effect, Curve).empty());
+    Drag(grab + TVector2(0, 200));
+    const std::vector<TToolEdgeRenderer*> joins = FindShownJoins(Effect, Curve);
+    ASSERT_EQ(joins.size(), 1u);
+    EXPECT_TRUE(joins[0]->IsLit());
+    EXPECT_EQ(joins[0]->GetCurve()[0], Output(Effect, "Time"));
+    EXPECT_EQ(joins[0]->GetCurve()[3], Input(Curve, "Time"));
+    // Back where it was, it stays in its wires.
+    Drag(grab);
+    EXPECT_TRUE(FindShownJoins(Effect, Curve).empty());
+    EXPECT_FALSE(Scene().FindEdge(Edge)->IsHidden());
+    Drag(grab + TVector2(0, 100));
+    EXPECT_EQ(FindShownJoins(Effect, Curve).size(), 1u);
+    Key(KEY_ESCAPE);
+    EXPECT_TRUE(FindShownJoins(Effect, Curve).empty());
+    EXPECT_FALSE(Scene().FindEdge(Edge)->IsHidden());
+    Release(grab + TVector2(0, 100));
+    EXPECT_TRUE(IsBetween(add));
+    // Without Alt nothing is joined.
+    KeyFlags = 0;
+    Press(grab);
+    Drag(grab + TVector2(0, 100));
+    EXPECT_TRUE(FindShownJoins(Effect, Curve).empty());
+    EXPECT_FALSE(Scene().FindEdge(Edge)->IsHidden());
+    Release(grab);
+}
+
+TEST_F(WireInsertion, WhatWillJoinTheNeighboursIsWhatJoinsThem)
+{
+    int joined = 0;
+    for (const std::string& name : GetSampleNames()) {
+        TTestApp app;
+        TSampleDocument sample(app, name);
+        const TEffectGraph& graph = *sample->GetGraph();
+        for (int i = 0; i < graph.GetNumNodes(); ++i) {
+            TToolNode* node = static_cast<TToolNode*>(graph.GetNode(i));
+            std::vector<std::pair<TEffectEdge*, const TEffectEdge*>> ways;
+            for (int output = 0; output < node->GetNumOutputs(); ++output)
+                for (int n = 0; n < node->GetNumOutputEdges(output); ++n) {
+                    TEffectEdge* edge = node->GetOutputEdge(output, n);
+                    ways.push_back({edge, FindWayPast(*node, *edge)});
+                }
+            std::vector<std::pair<TEffectNode*, int>> sources;
+            for (const auto& [edge, way] : ways)
+                sources.push_back(
+                    {way != nullptr ? way->GetSrcNode() : nullptr, way != nullptr ? way->GetSrcPort() : -1});
+            if (IsUnwired(*node))
+                continue;
+            TakeOutOfWires(*sample, node);
+            for (size_t n = 0; n < ways.size(); ++n) {
+                TEffectEdge* edge = ways[n].first;
+                ASSERT_EQ(graph.Has(edge), sources[n].first != nullptr) << name << " node " << i;
+                if (sources[n].first == nullptr)
+                    continue;
+                EXPECT_EQ(edge->GetSrcNode(), sources[n].first) << name << " node " << i;
+                EXPECT_EQ(edge->GetSrcPort(), sources[n].second) << name << " node " << i;
+                ++joined;
+            }
+            sample->Undo();
+        }
+    }
+    EXPECT_GT(joined, 20);
 }
 
 TEST_F(WireInsertion, AClickWithAltAndEscapeChangeNothing)
