@@ -67,12 +67,8 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
     PlaceDisplay();
     // One that hides the graph can be sent behind it by a click. One that comes back is what it was, and
     // takes its place with the frame that this kind of window has.
-    const bool isGraphSeen = IsGraphInSight();
-    if (known != nullptr)
-        ParticleWindow->SetPlace(known->Display);
-    if (!isGraphSeen || ParticleWindow->IsMaximised())
-        return;
-    ParticleWindow->StayOver(*Frame);
+    if (IsGraphInSight())
+        ParticleWindow->StayOver(*Frame);
     if (known != nullptr)
         ParticleWindow->SetPlace(known->Display);
 }
