@@ -121,6 +121,11 @@ bool HasLastDirectory(const vector<TFileFilter>& filters)
     return LastDirectories().find(KeyOf(filters)) != LastDirectories().end();
 }
 
+void ForgetLastDirectories()
+{
+    LastDirectories().clear();
+}
+
 bool OpenFileChooser(const char* title, const vector<TFileFilter>& filters, const char* directory,
                      TString& path)
 {

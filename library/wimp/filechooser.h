@@ -19,6 +19,8 @@ bool SaveFileChooser(const char* title, const vector<TFileFilter>& filters, cons
 bool FolderChooser(const char* title, TString& path);
 // Whether a directory is remembered for the filters.
 bool HasLastDirectory(const vector<TFileFilter>& filters);
+// For tests, each of which is a run of its own.
+void ForgetLastDirectories();
 
 // Takes the choice of a file to open over; null gives it back.
 using TOpenFileChooser = bool (*)(const char* title, const vector<TFileFilter>& filters,

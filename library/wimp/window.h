@@ -123,9 +123,10 @@ public:
     // Where a window with a frame stands, whether it is maximised, as a text to keep; empty for one that has
     // never been seen.
     void GetPlace(TString& place) const;
-    // Stands where it stood, as far as the screens of today allow. False, with nothing done, for a text that
-    // is no place of such a window.
+    // Stands where it stood, as far as the screens of today allow; one that was maximised is so on any.
+    // False, with nothing done, for a text that is no place of such a window.
     bool SetPlace(const char* place);
+    bool IsMaximised() const;
     // Of the frame, on the screen.
     void GetFrameArea(TWindowArea& area) const;
     // What the screen that the window stands on leaves to windows.

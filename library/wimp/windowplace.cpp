@@ -15,6 +15,9 @@ namespace {
 // What a document's frame remembers of the time before it was maximised or minimised.
 constexpr const char* NormalPlace = "normalplace";
 constexpr const char* DocumentPlace = "%d %d %d %d %d";
+// Behind the place of a window of its own. The place itself tells it too, but is refused on a screen of quite
+// another size.
+constexpr const char* MaximisedMark = " 1";
 
 TWindowArea ToArea(const QRect& rect)
 {
@@ -35,19 +38,43 @@ bool CanBeReached(const QRect& frame, const QRect& room)
            frame.top() + Least / 2 <= room.bottom();
 }
 
+// What is cut off is taken for a place with nothing but zeros behind it.
+bool IsPlace(const QByteArray& geometry, const QWidget& window)
+{
+    constexpr int KindLength = 4;
+    const QByteArray own = window.saveGeometry();
+    return geometry.size() == own.size() && geometry.left(KindLength) == own.left(KindLength);
+}
+
+bool PlaceTop(QWidget& window, const QString& place)
+{
+    const QByteArray geometry = QByteArray::fromBase64(place.section(QLatin1Char(' '), 0, 0).toLatin1());
+    if (!IsPlace(geometry, window))
+        return false;
+    // Back on a screen that is there, whatever has become of the one where it stood.
+    if (window.restoreGeometry(geometry))
+        return true;
+    if (!place.endsWith(QLatin1String(MaximisedMark)))
+        return false;
+    window.setWindowState(window.windowState() | Qt::WindowMaximized);
+    return true;
+}
+
 bool PlaceDocument(QMdiSubWindow& frame, const char* place)
 {
     int values[5] = {};
     if (sscanf(place, DocumentPlace, &values[0], &values[1], &values[2], &values[3], &values[4]) != 5)
         return false;
-    const QRect rect(values[0], values[1], values[2], values[3]);
+    const QRect rect(QPoint(values[0], values[1]),
+                     QSize(values[2], values[3]).boundedTo(frame.screen()->size()));
     const QRect room = frame.mdiArea() != nullptr ? frame.mdiArea()->viewport()->rect() : QRect();
-    if (!rect.isValid() || !CanBeReached(rect, room))
-        return false;
-    frame.setGeometry(rect);
-    if (values[4] != 0)
+    const bool isReached = rect.isValid() && CanBeReached(rect, room);
+    const bool isMaximised = values[4] != 0;
+    if (isReached)
+        frame.setGeometry(rect);
+    if (isMaximised)
         frame.showMaximized();
-    return true;
+    return isReached || isMaximised;
 }
 
 } // namespace
@@ -60,7 +87,8 @@ void TWindow::GetPlace(TString& place) const
     const QMdiSubWindow* frame = Peer->SubWindow;
     if (frame == nullptr) {
         if (Handle->isWindow() && Handle->testAttribute(Qt::WA_WState_Created))
-            place = Handle->saveGeometry().toBase64().constData();
+            place.Format("%s%s", Handle->saveGeometry().toBase64().constData(),
+                         Handle->isMaximized() ? MaximisedMark : "");
         return;
     }
     const bool isNormal = !frame->isMaximized() && !frame->isMinimized();
@@ -76,8 +104,12 @@ bool TWindow::SetPlace(const char* place)
         return false;
     if (Peer->SubWindow != nullptr)
         return PlaceDocument(*Peer->SubWindow, place);
-    // Back on a screen that is there, whatever has become of the one where it stood.
-    return Handle->isWindow() && Handle->restoreGeometry(QByteArray::fromBase64(QByteArray(place)));
+    return Handle->isWindow() && PlaceTop(*Handle, QString::fromUtf8(place));
+}
+
+bool TWindow::IsMaximised() const
+{
+    return Peer != nullptr && Peer->GetFrame()->isMaximized();
 }
 
 void TWindow::GetFrameArea(TWindowArea& area) const

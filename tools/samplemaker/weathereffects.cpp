@@ -64,7 +64,7 @@ void MakeRain(TSampleBuilder& effect)
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode end = effect.Add("Prune");
     const TSampleNode drops =
-        AddTrails(effect, 0.02f, 0.11f).Set("Colour", {0.22f, 0.44f, 0.8f, 0.95f}).Priority(0);
+        AddTrails(effect, 0.026f, 0.14f).Set("Colour", {0.36f, 0.66f, 1, 0.95f}).Priority(0);
     trigger.Wire("Count", cloud, "Emission Trigger");
     cone.Wire("Velocity", gravity, "Velocity");
     cloud.Wire("Start Transform", ground, "Position");
@@ -89,7 +89,7 @@ void MakeRain(TSampleBuilder& effect)
     lay.Wire("Sum", rings, "Transform");
     AddSizes(effect, ringAge, 0.7f, {{0, 0.01f}, {0.4f, 0.1f}, {1, 0.17f}}).Wire("Value", rings, "Scale");
     AddColours(effect, ringAge, 0.7f,
-               {{0, 0.2f, 0.42f, 0.8f, 1}, {0.3f, 0.2f, 0.42f, 0.8f, 0.75f}, {1, 0.3f, 0.5f, 0.85f, 0}})
+               {{0, 0.36f, 0.68f, 1, 1}, {0.3f, 0.32f, 0.64f, 1, 0.85f}, {1, 0.32f, 0.64f, 1, 0}})
         .Wire("Value", rings, "Colour");
 
     const TSampleNode count = effect.Add("Multiply");
@@ -107,7 +107,7 @@ void MakeRain(TSampleBuilder& effect)
     splash.Wire("Start Transform", splashIntegrate, "Position");
     splashGravity.Wire("Velocity", splashIntegrate, "Velocity");
     splashIntegrate.Wire("Position", droplets, "Transform");
-    AddColours(effect, splashAge, 0.4f, {{0, 0.35f, 0.6f, 0.95f, 1}, {1, 0.2f, 0.42f, 0.8f, 0.2f}})
+    AddColours(effect, splashAge, 0.4f, {{0, 0.55f, 0.82f, 1, 1}, {1, 0.36f, 0.66f, 1, 0.2f}})
         .Wire("Value", droplets, "Colour");
     // The one port that takes no more than the place of it comes last.
     integrate.Wire("Position", drops, "Position");

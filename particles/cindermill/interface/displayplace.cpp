@@ -6,15 +6,36 @@ namespace {
 constexpr int LeastWidth = 400;
 constexpr int LeastHeight = 300;
 constexpr int Step = 24;
+constexpr int Shrink = 50;
 // What the views of the next documents stand further aside than this one's: the display is in front of them
 // too.
 constexpr int Aside = 48;
 // Of a display with its frame, which is not known before it is shown.
 constexpr int FrameHeight = 40;
+// Of a graph's frame, with the tabs.
+constexpr int HeadHeight = 64;
+// A display in front of the graph hides one of so many parts of it at most, and less if it can be smaller.
+constexpr int LargestPart = 4;
+constexpr int SmallPart = 8;
 
 int GetWidth(const TWindowArea& area)
 {
     return area.Right - area.Left;
+}
+
+int GetHeight(const TWindowArea& area)
+{
+    return area.Bottom - area.Top;
+}
+
+int Least(int a, int b)
+{
+    return a < b ? a : b;
+}
+
+int Most(int a, int b)
+{
+    return a > b ? a : b;
 }
 
 void MoveBy(TWindowArea& area, int x, int y)
@@ -57,6 +78,37 @@ bool FitBeside(TWindowArea& area, const TWindowArea& graph, const TWindowArea& r
            FitBetween(area, graph.Right, room.Right, true) || FitBetween(area, room.Left, graph.Left, false);
 }
 
+// One of so many parts of the graph.
+bool HidesAtMost(const TWindowArea& display, const TWindowArea& graph, int part)
+{
+    if (!DoAreasOverlap(display, graph))
+        return true;
+    const int64_t width = Least(display.Right, graph.Right) - Most(display.Left, graph.Left);
+    const int64_t height = Least(display.Bottom, graph.Bottom) - Most(display.Top, graph.Top);
+    return width * height * part <= static_cast<int64_t>(GetWidth(graph)) * GetHeight(graph);
+}
+
+// Below the buttons and the tabs of the graph, above its map.
+bool FitUpon(TWindowArea& area, const TWindowArea& graph, const TWindowArea& room)
+{
+    const int width = GetWidth(area);
+    const int height = GetHeight(area);
+    TWindowArea place;
+    place.Right = room.Right;
+    place.Top = graph.Top + HeadHeight;
+    for (int wanted = width; wanted >= LeastWidth; wanted -= Shrink) {
+        place.Left = place.Right - wanted;
+        place.Bottom = place.Top + wanted * height / width + FrameHeight;
+        const int part = wanted > LeastWidth ? SmallPart : LargestPart;
+        if (place.Left < room.Left || place.Bottom > room.Bottom || !HidesAtMost(place, graph, part))
+            continue;
+        place.Bottom -= FrameHeight;
+        area = place;
+        return true;
+    }
+    return false;
+}
+
 // The transport is at its bottom.
 void EndWithin(TWindowArea& area, const TWindowArea& room)
 {
@@ -88,15 +140,22 @@ bool DoAreasOverlap(const TWindowArea& a, const TWindowArea& b)
     return a.Left < b.Right && b.Left < a.Right && a.Top < b.Bottom && b.Top < a.Bottom;
 }
 
+bool LeavesGraphInSight(const TWindowArea& display, const TWindowArea& graph)
+{
+    return HidesAtMost(display, graph, LargestPart);
+}
+
 TWindowArea FindDisplayPlace(const TWindowArea& meant, const TWindowArea& graph, const TWindowArea& room,
                              const vector<TWindowArea>& others)
 {
     TWindowArea place = meant;
-    if (DoAreasOverlap(place, graph) && !StandInLine(place, graph, room, others))
-        FitBeside(place, graph, room);
+    bool isUpon = DoAreasOverlap(place, graph) && !StandInLine(place, graph, room, others) &&
+                  !FitBeside(place, graph, room);
+    if (isUpon && FitUpon(place, graph, room))
+        isUpon = false;
     // Down, so that its title is seen, and aside only where that hides no more of the graph.
     const TWindowArea first = place;
-    const int aside = DoAreasOverlap(first, graph) ? Step : 0;
+    const int aside = isUpon ? Step : 0;
     while (HasSameCorner(place, others)) {
         MoveBy(place, aside, Step);
         if (place.Top + LeastHeight + FrameHeight > room.Bottom)

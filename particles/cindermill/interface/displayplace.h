@@ -4,9 +4,12 @@
 #include "library/wimp/window.h"
 
 // Where an effect's display stands when it is first shown: where it was meant to, if that leaves the graph in
-// sight, otherwise beside the graph, if that leaves enough of the display; and not exactly upon another one.
-// `room` is what there is on the screen.
+// sight, otherwise beside the graph, if that leaves enough of the display, otherwise smaller, upon the right
+// edge of the graph, if that hides little of it; and not exactly upon another one. `room` is what there is on
+// the screen.
 TWindowArea FindDisplayPlace(const TWindowArea& meant, const TWindowArea& graph, const TWindowArea& room,
                              const vector<TWindowArea>& others);
 
 bool DoAreasOverlap(const TWindowArea& a, const TWindowArea& b);
+// Whether most of the graph can be seen beside a display in front of it.
+bool LeavesGraphInSight(const TWindowArea& display, const TWindowArea& graph);

@@ -44,13 +44,13 @@ void TDocumentWindows::ShowParticleWindow(TDocument& document)
 }
 
 // A new effect has nothing to show yet: the next keys are for its graph, wherever the ones before went, and
-// where there is no room beside it, it is the graph that is in front.
+// where the display would hide it, it is the graph that is in front.
 void TDocumentWindows::BeginInGraph()
 {
     ParticleWindow->ShowWithoutKeys();
     Frame->BringToTop();
     Windows[0]->GetGraph().SetFocus();
-    if (!IsDisplayBesideGraph())
+    if (!IsGraphInSight())
         TellStatus("The effect's display is behind this window: Show Particle Display in the Tools menu");
 }
 
@@ -65,21 +65,21 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
     if (known != nullptr && !Windows.empty())
         Windows[0]->SetPlace(known->View);
     PlaceDisplay();
-    // Where there is no room but upon the graph it can be sent behind it by a click. One that comes back is
-    // what it was, and takes its place with the frame that this kind of window has.
-    if (IsDisplayBesideGraph())
+    // One that hides the graph can be sent behind it by a click. One that comes back is what it was, and
+    // takes its place with the frame that this kind of window has.
+    if (IsGraphInSight())
         ParticleWindow->StayOver(*Frame);
     if (known != nullptr)
         ParticleWindow->SetPlace(known->Display);
 }
 
-bool TDocumentWindows::IsDisplayBesideGraph() const
+bool TDocumentWindows::IsGraphInSight() const
 {
     TWindowArea display;
     TWindowArea graph;
     ParticleWindow->GetFrameArea(display);
     Windows[0]->GetFrameArea(graph);
-    return !DoAreasOverlap(display, graph);
+    return LeavesGraphInSight(display, graph);
 }
 
 void TDocumentWindows::PlaceDisplay()
@@ -253,8 +253,12 @@ void TDocumentWindows::BringIntoSight(TDocument&, const vector<TToolNode*>& node
 
 void TDocumentWindows::FrameGroup(TDocument&, int group)
 {
-    if (!Windows.empty())
-        GetActiveView().FocusGroup(group);
+    if (Windows.empty())
+        return;
+    // It may stand behind that of another effect, or be minimised. The keys stay with the display.
+    TDocWindow& view = GetActiveView();
+    view.BringToTop();
+    view.FocusGroup(group);
 }
 
 void TDocumentWindows::UpdateTitles(TDocument& document)

@@ -89,7 +89,7 @@ private:
     void BeginInGraph();
     void PlaceDisplay();
     TDocWindow& GetActiveView() const;
-    bool IsDisplayBesideGraph() const;
+    bool IsGraphInSight() const;
     TDocumentWindows* FindOther(int& i) const;
     bool IsNumberTaken(int number) const;
     bool HasNamesake() const;

@@ -2,6 +2,8 @@
 
 #include "library/system/path.h"
 #include "library/wimp/filechooser.h"
+#include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/document.h"
 
 static constexpr int DialogId = 109;
 
@@ -47,5 +49,19 @@ bool TResourceDialog::ChooseResource(const char* title, const vector<TPathFilter
     vector<TFileFilter> fileFilters;
     for (const TPathFilter& filter : filters)
         fileFilters.push_back(TFileFilter{filter.Description, filter.Pattern});
-    return OpenFileChooser(title, fileFilters, nullptr, path);
+    TString folder;
+    GetFirstFolder(folder);
+    if (!OpenFileChooser(title, fileFilters, folder, path))
+        return false;
+    LastFolder.SetDirectory(path);
+    return true;
+}
+
+// What belongs to an effect lies mostly beside it, or where its other files were.
+void TResourceDialog::GetFirstFolder(TString& folder) const
+{
+    folder = LastFolder;
+    const TDocument* document = TCindermillApp::Get().GetActiveDocument();
+    if (folder.IsEmpty() && document != nullptr)
+        folder.SetDirectory(document->GetPath());
 }

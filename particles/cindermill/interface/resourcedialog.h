@@ -21,5 +21,9 @@ public:
     bool ChooseResource(const char* title, const vector<TPathFilter>& filters, TString& path) override;
 
 private:
+    void GetFirstFolder(TString& folder) const;
+
     TWaitDialog Dialog;
+    // Where a resource was pointed at last.
+    TString LastFolder;
 };

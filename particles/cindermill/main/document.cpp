@@ -137,7 +137,7 @@ bool TDocument::LoadFrom(const char* file, const char* path, const vector<int>& 
     if (Modified)
         OperationStack->MarkChanged();
     vector<TEffectNode*> stale;
-    if (AskToRefresh(stale))
+    if (AskToRefresh(stale, ""))
         RefreshNodes(stale);
     NumEdits += Modified ? 1 : 0;
     AttachObjects();
@@ -159,13 +159,15 @@ bool TDocument::LoadFrom(const char* file, const char* path, const vector<int>& 
     return true;
 }
 
-bool TDocument::AskToRefresh(vector<TEffectNode*>& stale)
+// Beginning with what it is about, where that is not clear.
+bool TDocument::AskToRefresh(vector<TEffectNode*>& stale, const char* about)
 {
     const TNodeTypeLibrary& library = App.GetNodeTypes();
     for (int i = 0; i < Graph->GetNumNodes(); ++i)
         if (Graph->GetNode(i)->GetNodeType()->NeedsRefresh(library))
             Append(stale, Graph->GetNode(i));
-    return !stale.empty() && AskQuestion("%d node types need refreshing. Refresh now?", stale.size());
+    return !stale.empty() &&
+           AskQuestion("%s%d node types need refreshing. Refresh now?", about, stale.size());
 }
 
 // Nodes that only the history holds are not asked about, but may come back: they are refreshed along.
@@ -197,8 +199,12 @@ void TDocument::OfferRefresh()
 {
     if (IsInStep())
         return;
+    TString about = "doc";
+    if (!Path.IsEmpty())
+        ToShownPath(Path, about);
+    about += ": ";
     vector<TEffectNode*> stale;
-    if (!AskToRefresh(stale))
+    if (!AskToRefresh(stale, about))
         return;
     const TStepScope step(StepDepth);
     const bool wasRunning = Preview.IsInited();

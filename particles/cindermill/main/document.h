@@ -173,7 +173,7 @@ private:
     bool AdoptLoaded(const TEffectFile& file, bool sound);
     static bool CheckWritten(const char* path, void* data);
     // The nodes whose types differ from the library's, if a person wants them refreshed.
-    bool AskToRefresh(vector<TEffectNode*>& stale);
+    bool AskToRefresh(vector<TEffectNode*>& stale, const char* about);
     void RefreshNodes(vector<TEffectNode*>& stale);
     void DetachObjects();
     void AttachObjects();

@@ -2,6 +2,8 @@
 #include "library/wimp/menu.h"
 #include "support/windowtest.h"
 
+#include <QtCore/QDataStream>
+#include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QMdiArea>
@@ -99,6 +101,70 @@ TEST_F(TWindowPlaceTest, APlaceThatCannotBeReachedIsLeftAlone)
         EXPECT_FALSE(child.SetPlace(place)) << place;
     EXPECT_FALSE(child.SetPlace(nullptr));
     EXPECT_EQ(FrameOf(child).geometry(), before);
+}
+
+TEST_F(TWindowPlaceTest, AMaximisedOneWhoseSmallPlaceCannotBeReachedIsMaximised)
+{
+    TWindow child;
+    MakeChild(child, 20);
+    const QRect before = FrameOf(child).geometry();
+    EXPECT_TRUE(child.SetPlace("5000 30 400 300 1"));
+    EXPECT_TRUE(FrameOf(child).isMaximized());
+    FrameOf(child).showNormal();
+    Settle();
+    EXPECT_EQ(FrameOf(child).geometry(), before);
+}
+
+TEST_F(TWindowPlaceTest, NoneIsLargerThanTheScreen)
+{
+    TWindow child;
+    MakeChild(child, 20);
+    EXPECT_TRUE(child.SetPlace("20 30 2000000000 2000000000 0"));
+    EXPECT_EQ(FrameOf(child).size(), FrameOf(child).screen()->size());
+    EXPECT_EQ(FrameOf(child).pos(), QPoint(20, 30));
+}
+
+TEST_F(TWindowPlaceTest, AMaximisedWindowOfItsOwnComesBackMaximisedOnAnyScreen)
+{
+    TWindowClass windowClass("test_placetop");
+    TString place;
+    {
+        TWindow window;
+        ShowTopWindow(window, windowClass);
+        window.GetHandle()->showMaximized();
+        Settle();
+        ASSERT_TRUE(window.IsMaximised());
+        window.GetPlace(place);
+    }
+    TWindow window;
+    ShowTopWindow(window, windowClass);
+    EXPECT_FALSE(window.IsMaximised());
+    EXPECT_TRUE(window.SetPlace(place));
+    Settle();
+    EXPECT_TRUE(window.IsMaximised());
+    // As one of a screen of three times the width tells it: that width stands behind two rectangles, the
+    // screen's number and two flags.
+    const QStringList parts = QString::fromUtf8(place.Print()).split(' ');
+    QByteArray geometry = QByteArray::fromBase64(parts[0].toLatin1());
+    constexpr int widthAt = 4 + 4 + 16 + 16 + 4 + 2;
+    int width = 0;
+    ASSERT_EQ(geometry.size(), widthAt + 4 + 16);
+    QDataStream(geometry.mid(widthAt)) >> width;
+    ASSERT_EQ(width, window.GetHandle()->screen()->size().width());
+    QByteArray wide;
+    QDataStream(&wide, QIODevice::WriteOnly) << width * 3;
+    geometry.replace(widthAt, wide.size(), wide);
+    const auto expectMaximised = [](const QByteArray& text, bool expected) {
+        TWindowClass otherClass("test_placeother");
+        TWindow other;
+        ShowTopWindow(other, otherClass);
+        EXPECT_EQ(other.SetPlace(text.constData()), expected) << text.constData();
+        EXPECT_EQ(other.IsMaximised(), expected) << text.constData();
+    };
+    expectMaximised(geometry.toBase64() + " 1", true);
+    expectMaximised(geometry.toBase64(), false);
+    for (const char* damaged : {" 1", "1", "nonsense 1", "AdnQywADAAA 1"})
+        expectMaximised(damaged, false);
 }
 
 TEST_F(TWindowPlaceTest, AWindowOfItsOwnComesBackWhereItStood)

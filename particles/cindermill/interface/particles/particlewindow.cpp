@@ -2,6 +2,7 @@
 
 #include "library/containers/assertion.h"
 #include "library/system/clock.h"
+#include "library/system/file.h"
 #include "library/system/message.h"
 #include "library/wimp/filechooser.h"
 #include "library/wimp/gdi/gdibitmap.h"
@@ -214,7 +215,7 @@ bool TParticleWindow::OnPreviewCommand(int command)
 bool TParticleWindow::OnFileCommand(int command)
 {
     if (command == PC_SAVEPICTURE)
-        SavePictureAs(Render);
+        SavePictureAs(Render, *Doc);
     else if (command == PC_RELOADTYPES)
         TCindermillApp::Get().ReloadNodeTypes();
     else
@@ -389,14 +390,21 @@ void TParticleWindow::SetBackground(int background)
 bool TParticleWindow::ChoosePicture()
 {
     vector<TFileFilter> filters;
-    filters.push_back(TFileFilter{"*.dds;*.hvt;*.tga", "*.dds;*.hvt;*.tga"});
+    filters.push_back(TFileFilter{"KZ5 textures (*.dds;*.hvt)", "*.dds;*.hvt"});
     filters.push_back(TFileFilter{"*.*", "*.*"});
     TString path;
-    if (!OpenFileChooser("Select background picture", filters, nullptr, path))
+    TString folder;
+    if (!HasLastDirectory(filters))
+        folder.SetDirectory(Doc->GetPath());
+    if (!OpenFileChooser("Select background picture", filters, folder, path))
         return false;
     if (Render.GetScene().GetBackdrop().LoadPicture(path))
         return true;
-    ShowMessage("Could not load picture %s", path.Print());
+    TString fault;
+    GetReadFault(path, fault);
+    if (fault.IsEmpty())
+        fault = "it is no whole DDS or HVT file";
+    ShowMessage("Could not load picture %s: %s", path.Print(), fault.Print());
     return false;
 }
 

@@ -8,6 +8,7 @@
 #include "particles/cindermill/interface/particles/particlerenderwindow.h"
 #include "particles/cindermill/interface/particles/picturefile.h"
 #include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/document.h"
 
 namespace {
 
@@ -26,16 +27,42 @@ TRgbPicture* ReadPicture(TParticleRenderWindow& window)
     return nullptr;
 }
 
-bool ChoosePicture(TString& path)
+constexpr const char* Extension = ".png";
+
+// Beside the effect, where that is a person's own place.
+void GetFirstFolder(const TDocument& document, TString& folder)
+{
+    TCindermillApp& app = TCindermillApp::Get();
+    if (app.GetSamples().IsProtected(document.GetPath()))
+        app.GetSamples().GetOwnFolder(app.GetSettings().GetRecentFiles(), folder);
+    else
+        folder.SetDirectory(document.GetPath());
+}
+
+// Whatever is typed, a picture of this kind is what is written.
+void AddExtension(TString& path)
+{
+    TString end;
+    end.Right(path, TString(Extension).Length());
+    if (end.Compare(Extension) != 0)
+        path += Extension;
+}
+
+bool ChoosePicture(const TDocument& document, TString& path)
 {
     vector<TFileFilter> filters;
     filters.push_back(TFileFilter{"Picture", "*.png"});
-    if (!SaveFileChooser("Save picture", filters, nullptr, path))
+    TString folder;
+    if (!HasLastDirectory(filters))
+        GetFirstFolder(document, folder);
+    path.SetFileName(document.GetPath());
+    path.TruncateAtLast('.');
+    if (path.IsEmpty())
+        path = "effect";
+    path += Extension;
+    if (!SaveFileChooser("Save picture", filters, folder, path))
         return false;
-    TString name;
-    name.SetFileName(path);
-    if (name.Find('.') == -1)
-        path += ".png";
+    AddExtension(path);
     return true;
 }
 
@@ -54,10 +81,10 @@ void Write(const TRgbPicture& picture, const char* path)
 } // namespace
 
 // While the chooser waits the effect runs on, so the picture is taken first.
-void SavePictureAs(TParticleRenderWindow& window)
+void SavePictureAs(TParticleRenderWindow& window, const TDocument& document)
 {
     const TOwner<TRgbPicture> picture(ReadPicture(window));
     TString path;
-    if (picture != nullptr && ChoosePicture(path))
+    if (picture != nullptr && ChoosePicture(document, path))
         Write(*picture, path);
 }

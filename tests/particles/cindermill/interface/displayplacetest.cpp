@@ -81,11 +81,48 @@ TEST(DisplayPlace, TheTransportAtADisplaysBottomIsInSight)
     }
 }
 
-TEST(DisplayPlace, OnASmallScreenItIsTheOneThatWasMeant)
+TEST(DisplayPlace, OnASmallScreenItIsASmallOneUponTheGraphsRightEdge)
+{
+    struct TCase
+    {
+        TWindowArea Graph;
+        TWindowArea Room;
+    };
+    // The last one has the graph all over it.
+    for (const auto& [graph, room] : {TCase{Area(77, 132, 1050, 560), Area(0, 0, 1280, 720)},
+                                      TCase{Area(75, 120, 900, 560), Area(0, 0, 1024, 768)},
+                                      TCase{Area(0, 60, 1920, 960), Area(0, 0, 1920, 1080)}}) {
+        vector<TWindowArea> others;
+        for (int i = 0; i < 4; ++i) {
+            const TWindowArea place = FindDisplayPlace(Area(0, 50, 800, 600), graph, room, others);
+            EXPECT_TRUE(LeavesGraphInSight(place, graph)) << Told(place);
+            EXPECT_EQ(place.Right, room.Right) << Told(place);
+            // The graph's tabs and buttons, and its map.
+            EXPECT_GE(place.Top, graph.Top + 60) << Told(place);
+            EXPECT_LE(place.Bottom, room.Bottom - 30) << Told(place);
+            EXPECT_GE(place.Right - place.Left, 400) << Told(place);
+            EXPECT_GE(place.Bottom - place.Top, 300) << Told(place);
+            for (const TWindowArea& other : others)
+                EXPECT_GE(place.Top, other.Top + 20) << Told(place);
+            others.push_back(place);
+        }
+    }
+}
+
+TEST(DisplayPlace, WhereEvenThatHidesTheGraphItIsTheOneThatWasMeant)
 {
     EXPECT_EQ(
-        Told(FindDisplayPlace(Area(0, 50, 800, 650), Area(75, 120, 900, 560), Area(0, 0, 1024, 768), {})),
-        "0 50 800 650");
+        Told(FindDisplayPlace(Area(0, 10, 800, 480), Area(75, 100, 600, 400), Area(0, 0, 800, 600), {})),
+        "0 10 800 480");
+}
+
+TEST(DisplayPlace, AGraphIsInSightIfThreeQuartersOfItAre)
+{
+    const TWindowArea graph = Area(100, 100, 400, 400);
+    EXPECT_TRUE(LeavesGraphInSight(Area(500, 100, 400, 400), graph));
+    EXPECT_TRUE(LeavesGraphInSight(Area(300, 300, 900, 900), graph));
+    EXPECT_FALSE(LeavesGraphInSight(Area(299, 300, 900, 900), graph));
+    EXPECT_FALSE(LeavesGraphInSight(Area(0, 0, 5000, 5000), graph));
 }
 
 TEST(DisplayPlace, NoDisplayStandsExactlyUponAnother)

@@ -2,6 +2,7 @@
 
 #include "library/system/message.h"
 #include "library/system/path.h"
+#include "particles/cindermill/interface/displayplace.h"
 
 #include <QtGui/QWindow>
 
@@ -310,8 +311,8 @@ TEST_F(DocumentWindows, DisplaysOfOneTitleHaveNumbersAsLongAsThereAreSeveral)
     EXPECT_EQ(DisplayTitle(fourth), "Effect Display - [doc]");
 }
 
-// Whoever looks for the display is told where it is.
-TEST_F(DocumentWindows, TheGraphOfANewDocumentHasTheKeysAlsoWhereItsDisplayHasNoRoom)
+// It is a small one then, which leaves most of the graph in sight.
+TEST_F(DocumentWindows, TheGraphOfANewDocumentHasTheKeysAlsoWhereItsDisplayStandsUponIt)
 {
     TWindowPlaces places(nullptr);
     Host.Places = &places;
@@ -325,9 +326,19 @@ TEST_F(DocumentWindows, TheGraphOfANewDocumentHasTheKeysAlsoWhereItsDisplayHasNo
     ASSERT_NE(document, nullptr);
     EXPECT_TRUE(WaitFor([&] { return GraphOf(*document).HasFocus(); }));
     EXPECT_TRUE(Frame.GetHandle()->window()->isActiveWindow());
-    EXPECT_TRUE(WindowsOf(*document).GetParticleWindow()->IsShown());
-    EXPECT_TRUE(Frame.IsLastNote(
+    TParticleWindow& display = *WindowsOf(*document).GetParticleWindow();
+    EXPECT_TRUE(display.IsShown());
+    EXPECT_FALSE(Frame.IsLastNote(
         "The effect's display is behind this window: Show Particle Display in the Tools menu"));
+    TWindowArea seen;
+    TWindowArea graph;
+    display.GetFrameArea(seen);
+    ViewOf(*document).GetFrameArea(graph);
+    EXPECT_TRUE(DoAreasOverlap(seen, graph));
+    EXPECT_TRUE(LeavesGraphInSight(seen, graph));
+    // Whichever has the keys.
+    const QWindow* window = display.GetHandle()->window()->windowHandle();
+    EXPECT_EQ(window->transientParent(), Frame.GetHandle()->window()->windowHandle());
     App.Get().CloseDocument(document);
     Host.Places = nullptr;
 }
@@ -380,4 +391,36 @@ TEST_F(DocumentWindows, ADisplayThatComesBackStaysInFrontAsTheFirstTime)
         ASSERT_FALSE(places.FindEffect(path.c_str())->Display.IsEmpty());
     }
     Host.Places = nullptr;
+}
+
+TEST_F(DocumentWindows, ALineOfTheBudgetBringsTheGraphOfItsEffectToTheFront)
+{
+    App.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples").c_str());
+    TDocument* first = LoadDocument(SourcePath("samples/campfire.effect"));
+    TDocument* second = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(first, nullptr);
+    ASSERT_NE(second, nullptr);
+    ASSERT_EQ(Frame.GetActiveChild(), &ViewOf(*second));
+    TParticleWindow& display = *WindowsOf(*first).GetParticleWindow();
+    display.OnPreviewCommand(PC_BUDGET);
+    display.BringToTop();
+    ASSERT_TRUE(WaitFor([&] { return display.GetHandle()->window()->isActiveWindow(); }));
+    QWidget* budget = display.GetHandle()->findChild<QWidget*>("cindermill_particlewindow_budget");
+    ASSERT_NE(budget, nullptr);
+    ASSERT_TRUE(WaitFor([&] { return budget->isVisible(); }));
+    const auto clickLine = [&] {
+        QTest::mouseClick(budget, Qt::LeftButton, Qt::NoModifier, QPoint(60, 27));
+        Settle();
+    };
+    clickLine();
+    EXPECT_EQ(Frame.GetActiveChild(), &ViewOf(*first));
+    EXPECT_TRUE(display.GetHandle()->window()->isActiveWindow());
+    // Out of its icon too.
+    QWidget* view = ViewOf(*first).GetHandle()->parentWidget();
+    view->showMinimized();
+    Settle();
+    ASSERT_TRUE(view->isMinimized());
+    clickLine();
+    EXPECT_FALSE(view->isMinimized());
+    EXPECT_EQ(Frame.GetActiveChild(), &ViewOf(*first));
 }

@@ -127,7 +127,7 @@ TEST_F(ReloadTypes, ChangedTypesAreAskedAboutAndRefreshedWithTheirViews)
     ChangeGravity();
     Reload();
     ASSERT_EQ(Questions.size(), 1u);
-    EXPECT_EQ(Questions[0], "1 node types need refreshing. Refresh now?");
+    EXPECT_EQ(Questions[0], Text(Document->GetPath()) + ": 1 node types need refreshing. Refresh now?");
     EXPECT_TRUE(HasInput(*gravity, "Haste"));
     EXPECT_EQ(gravity->GetInput(0), wire);
     EXPECT_TRUE(Document->IsModified());
@@ -188,10 +188,16 @@ TEST_F(ReloadTypes, AllOpenDocumentsAreAsked)
 {
     TDocument* other = LoadDocument(SourcePath("samples/rain.effect"));
     ASSERT_NE(other, nullptr);
-    NewDocument();
+    TDocument* unsaved = NewDocument();
+    ASSERT_NE(unsaved, nullptr);
+    AddNode(*unsaved, "Age", 0, 0);
     Change("Life/Age.xml", "<name>Age</name>\n    <description>", "<name>Age</name>\n    <description>Now: ");
     Reload();
-    EXPECT_EQ(Questions.size(), 2u);
+    ASSERT_EQ(Questions.size(), 3u);
+    // Each tells which it is about.
+    EXPECT_EQ(Questions[0].find(Text(Document->GetPath()) + ": "), 0u) << Questions[0];
+    EXPECT_EQ(Questions[1].find(Text(other->GetPath()) + ": "), 0u) << Questions[1];
+    EXPECT_EQ(Questions[2], "doc: 1 node types need refreshing. Refresh now?");
     EXPECT_TRUE(Document->IsModified());
     EXPECT_TRUE(other->IsModified());
 }

@@ -5,6 +5,7 @@
 #include "library/containers/assertion.h"
 #include "library/system/clock.h"
 #include "library/system/path.h"
+#include "library/wimp/filechooser.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/simpleparameters.h"
@@ -12,6 +13,7 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
+#include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
@@ -229,6 +231,35 @@ TEST_F(ResourceDialog, APathThatLeadsNowhereIsAskedForInAChooser)
     EXPECT_EQ(Find("\\none\\ash.dds"), FR_LOCATED);
     Meet("filechooser", [](QDialog& chooser) { chooser.reject(); });
     EXPECT_EQ(Find("\\none\\soot.dds"), FR_NOTFOUND);
+}
+
+TEST_F(ResourceDialog, AChooserBeginsBesideTheEffectAndThenWhereAFileWasFound)
+{
+    App.Get().GetSettings().SetResourceMode(RM_FULLPATH);
+    Locator().ReadSettings();
+    ForgetLastDirectories();
+    for (const char* folder : {"work", "textures"})
+        fs::create_directories(Tree.Path(folder));
+    WriteBytes(Tree.Path("textures/ash.dds"), "x");
+    TDocument* document = NewDocument();
+    ASSERT_NE(document, nullptr);
+    ASSERT_TRUE(document->SaveAs(Tree.Path("work/fire.effect").c_str()));
+    std::string first;
+    Meet("filechooser", [&](QDialog& chooser) {
+        first = static_cast<QFileDialog&>(chooser).directory().absolutePath().toStdString();
+        QLineEdit* edit = chooser.findChild<QLineEdit*>("fileNameEdit");
+        edit->setText(QString::fromStdString(Tree.Path("textures/ash.dds")));
+        QTest::keyClick(edit, Qt::Key_Return);
+    });
+    EXPECT_EQ(Find("\\none\\ash.dds"), FR_LOCATED);
+    EXPECT_EQ(first, Tree.Path("work"));
+    // Whatever kind of file it is.
+    Meet("filechooser", [&](QDialog& chooser) {
+        first = static_cast<QFileDialog&>(chooser).directory().absolutePath().toStdString();
+        chooser.reject();
+    });
+    EXPECT_EQ(Find("\\none\\knot.vori"), FR_NOTFOUND);
+    EXPECT_EQ(first, Tree.Path("textures"));
 }
 
 // A document that is being opened waits for its texture, under the guard of its engine's start.

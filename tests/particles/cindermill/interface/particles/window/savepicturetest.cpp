@@ -5,12 +5,14 @@
 #include "support/windowtest.h"
 
 #include "library/system/message.h"
+#include "library/wimp/filechooser.h"
 #include "particles/cindermill/interface/particles/particlewindow.h"
 
 #include <QtCore/QTimer>
 #include <QtGui/QImage>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLineEdit>
 
 #include <filesystem>
 
@@ -55,6 +57,8 @@ protected:
                 return;
             ++asked;
             timer.stop();
+            Offered = chooser->findChild<QLineEdit*>("fileNameEdit")->text().toStdString();
+            OfferedFolder = chooser->directory().absolutePath().toStdString();
             if (before)
                 before();
             chooser->selectFile(QString::fromStdString(Folder.Path(leaf)));
@@ -63,7 +67,7 @@ protected:
                 after();
         });
         timer.start(10);
-        SavePictureAs(Window.GetRenderWindow());
+        SavePictureAs(Window.GetRenderWindow(), *Sample);
         EXPECT_EQ(1, asked);
     }
     QImage Load(const std::string& leaf)
@@ -76,6 +80,9 @@ protected:
     TTempFolder Folder;
     TSampleDocument Sample{App, "campfire"};
     TParticleWindow Window;
+    // By the last chooser.
+    std::string Offered;
+    std::string OfferedFolder;
 };
 
 } // namespace
@@ -134,4 +141,37 @@ TEST_F(SavePictures, TheChooserGivesTheNameAndTheCommandTheMoment)
     EXPECT_EQ(Load("before.png"), Load("chosen.png"));
     Save("after.png");
     EXPECT_NE(Load("before.png"), Load("after.png"));
+}
+
+TEST_F(SavePictures, ItIsOfferedTheNameOfItsEffectAndTheFirstOneThePlaceToo)
+{
+    for (const char* folder : {"work", "other"})
+        std::filesystem::create_directory(Folder.Path(folder));
+    ASSERT_TRUE(Sample->SaveAs(Folder.Path("work/fire.big.effect").c_str()));
+    ForgetLastDirectories();
+    Save("other/a");
+    EXPECT_EQ("fire.big.png", Offered);
+    EXPECT_EQ(Folder.Path("work"), OfferedFolder);
+    ASSERT_TRUE(std::filesystem::exists(Folder.Path("other/a.png")));
+    // From then on the chooser remembers.
+    Save("other/b.PNG");
+    EXPECT_EQ("fire.big.png", Offered);
+    EXPECT_EQ(Folder.Path("other"), OfferedFolder);
+    EXPECT_TRUE(std::filesystem::exists(Folder.Path("other/b.PNG")));
+    // A picture never bears the name of another kind of file.
+    Save("other/c.effect");
+    EXPECT_FALSE(std::filesystem::exists(Folder.Path("other/c.effect")));
+    EXPECT_FALSE(Load("other/c.effect.png").isNull());
+}
+
+TEST_F(SavePictures, APictureOfASampleIsNotOfferedAPlaceAmongThem)
+{
+    App.Get().GetSamples().SetFolder(SourcePath("samples").c_str());
+    TString own;
+    App.Get().GetSamples().GetOwnFolder(App.Get().GetSettings().GetRecentFiles(), own);
+    ForgetLastDirectories();
+    Save("a.png");
+    EXPECT_EQ("campfire.png", Offered);
+    EXPECT_NE(SourcePath("samples"), OfferedFolder);
+    EXPECT_EQ(std::filesystem::path(own.Print()), std::filesystem::path(OfferedFolder));
 }
