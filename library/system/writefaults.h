@@ -8,3 +8,6 @@ void TakeFileSizeLimitAsError();
 // Of a pipe that nobody reads any more, such as a terminal's that has gone: for a program that holds unsaved
 // work.
 void TakeClosedPipeAsError();
+// Of a standard stream that was closed before the program began: the first file that it opens would get the
+// stream's number, and whatever is printed would go into that file.
+void TakeClosedStreamsAsErrors();

@@ -8,12 +8,14 @@
 #include "library/wimp/focusstyle.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/modal.h"
+#include "library/wimp/sessionbus.h"
 #include "library/wimp/windowpeer.h"
 
 #include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
 #include <QtGui/QPalette>
+#include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QStyle>
@@ -40,6 +42,8 @@ static void PrepareEnvironment()
     // Windows that place themselves and take the mouse want the X server, where there is one.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && qEnvironmentVariableIsSet("DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "xcb");
+    if (LeaveMuteSessionBus())
+        fprintf(stderr, "The session's bus does not answer; the program goes on without it.\n");
 }
 
 // Without a display that can be opened the window system ends the process: then with a line that says so.
@@ -49,6 +53,18 @@ static void OnStartMessage(QtMsgType type, const QMessageLogContext&, const QStr
         return;
     fprintf(stderr, "The display \"%s\" cannot be opened.\n", qgetenv("DISPLAY").constData());
     _Exit(1);
+}
+
+// The window system paints on a screen of fewer colours as if there were none.
+static bool HasColours()
+{
+    constexpr int leastDepth = 15;
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr || screen->depth() >= leastDepth)
+        return true;
+    fprintf(stderr, "The display \"%s\" has %d bits of colour; windows need %d or more.\n",
+            qgetenv("DISPLAY").constData(), screen->depth(), leastDepth);
+    return false;
 }
 
 static void ShowAssertBox(const char* title, const char* text)
@@ -106,6 +122,8 @@ bool TWimp::Init(int& argc, char** argv)
     qInstallMessageHandler(before);
     // The window system has taken over the user's own way of writing numbers. Files are not in that.
     setlocale(LC_NUMERIC, "C");
+    if (!HasColours())
+        _Exit(1);
     QApplication::setQuitOnLastWindowClosed(false);
     const QPalette found = QApplication::palette();
     QApplication::setStyle(new TFocusStyle(QStyleFactory::create(QStringLiteral("Fusion"))));

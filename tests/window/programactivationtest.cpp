@@ -19,6 +19,8 @@ public:
     TSessionBus(const TSessionBus&) = delete;
     TSessionBus& operator=(const TSessionBus&) = delete;
 
+    // From now on it takes connections, and answers nothing.
+    void Stop() const { kill(Process, SIGSTOP); }
     std::string GetVariable() const { return "DBUS_SESSION_BUS_ADDRESS=" + GetAddress(); }
     // As the desktop calls the program that has the name.
     bool Call(const std::string& method, const std::vector<std::string>& arguments) const
@@ -115,4 +117,20 @@ TEST_F(Program, ASecondProgramRunsBesideTheOneThatHasTheName)
     EXPECT_TRUE(WaitUntil([&] { return second.GetOutput().find("Cindermill v0.0") != std::string::npos; }));
     EXPECT_TRUE(first.IsRunning());
     EXPECT_TRUE(second.IsRunning());
+}
+
+TEST_F(Program, ABusThatAnswersNothingHoldsNobodyUp)
+{
+    TTempFolder folder;
+    TSessionBus bus(folder.GetFolder());
+    TProgramOptions options;
+    options.Environment = {bus.GetVariable()};
+    bus.Stop();
+    TProgram program(Screen, options);
+    ASSERT_TRUE(program.IsUp()) << program.GetOutput();
+    EXPECT_EQ(
+        program.GetOutput().find("The session's bus does not answer; the program goes on without it.\n"), 0u)
+        << program.GetOutput();
+    Open(program, SourcePath("samples/rain.effect"));
+    Exit(program);
 }

@@ -179,6 +179,18 @@ TEST(ProgramWithoutDisplay, EndsWithALineAndStatusOne)
     }
 }
 
+TEST(ProgramOnFewColours, EndsWithALineAndStatusOne)
+{
+    TScreen screen(800, 600, 8);
+    ASSERT_TRUE(screen.IsRunning()) << "no X server";
+    TProgram program(screen);
+    EXPECT_EQ(program.WaitForEnd(), 1) << program.GetOutput();
+    // The driver may have had its say before.
+    const std::string line =
+        "The display \"" + screen.GetDisplay() + "\" has 8 bits of colour; windows need 15 or more.\n";
+    EXPECT_TRUE(program.GetOutput().ends_with(line)) << program.GetOutput();
+}
+
 TEST_F(Program, OnAScaledScreenGraphAndPreviewFillTheirWindows)
 {
     for (const char* scale : {"1", "1.5", "2"}) {

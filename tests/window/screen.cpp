@@ -128,9 +128,9 @@ pid_t StartCommand(const std::vector<std::string>& arguments, const std::vector<
     Execute(arguments);
 }
 
-TScreen::TScreen(int width, int height)
+TScreen::TScreen(int width, int height, int depth)
 {
-    if (!StartServer(width, height))
+    if (!StartServer(width, height, depth))
         return;
     Manager = StartCommand({"openbox", "--sm-disable"}, {"DISPLAY=" + Display}, "/dev/null");
     // The manager has taken over once it answers for the list of windows.
@@ -152,12 +152,12 @@ void TScreen::Kill()
 }
 
 // The server finds a free number by itself and tells it. It must not begin anew when its first client goes.
-bool TScreen::StartServer(int width, int height)
+bool TScreen::StartServer(int width, int height, int depth)
 {
     int ends[2];
     if (pipe(ends) != 0)
         return false;
-    const std::string size = Number(width) + "x" + Number(height) + "x24";
+    const std::string size = Number(width) + "x" + Number(height) + "x" + Number(depth);
     Server = StartCommand(
         {"Xvfb", "-displayfd", Number(ends[1]), "-screen", "0", size, "-nolisten", "tcp", "-noreset"}, {},
         "/dev/null");

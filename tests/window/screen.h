@@ -20,7 +20,7 @@ class TScreen
 {
 public:
     // Wide enough for the main window and an effect's display side by side.
-    explicit TScreen(int width = 3000, int height = 1200);
+    explicit TScreen(int width = 3000, int height = 1200, int depth = 24);
     ~TScreen();
     TScreen(const TScreen&) = delete;
     TScreen& operator=(const TScreen&) = delete;
@@ -73,7 +73,7 @@ private:
     friend class THandFlow;
     TCommandResult Do(const std::vector<std::string>& arguments) const;
     void Act(const std::vector<std::string>& words);
-    bool StartServer(int width, int height);
+    bool StartServer(int width, int height, int depth);
     void KeepClicksApart(int button);
 
     std::string Display;

@@ -1,3 +1,4 @@
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/batch/batchcommand.h"
 #include "particles/cindermill/batch/checkcommand.h"
 #include "particles/cindermill/batch/diffcommand.h"
@@ -17,6 +18,7 @@
 #include "particles/cindermill/batch/translatecommand.h"
 #include "particles/cindermill/batch/typescommand.h"
 
+#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 
@@ -82,9 +84,14 @@ int ReportUsage(const char* format, ...)
 {
     va_list args;
     va_start(args, format);
-    std::vfprintf(stderr, format, args);
+    va_list again;
+    va_copy(again, args);
+    vector<char> text;
+    text.resize(std::vsnprintf(nullptr, 0, format, args) + 1);
+    std::vsnprintf(text.data(), static_cast<size_t>(text.size()), format, again);
+    va_end(again);
     va_end(args);
-    std::fputc('\n', stderr);
+    std::fprintf(stderr, "%s\n", OneLineText(text.data()).Print());
     PrintUsage(stderr);
     return StatusUsage;
 }

@@ -11,7 +11,7 @@ public:
     {
         TString escaped;
         if (!EscapeRuleName(name, escaped)) {
-            fault = "No rule can have a file's name with a line's end or a tab in it: ";
+            fault = "No rule can have a file's name with a line's end, a tab or a semicolon in it: ";
             fault += name;
             return false;
         }

@@ -91,8 +91,8 @@ private:
 
 int DrawPicture(TBatchSession& session, TArguments& arguments)
 {
-    const char* path = arguments.Take();
-    const char* out = arguments.Take();
+    const char* path = arguments.TakeName();
+    const char* out = arguments.TakeName();
     if (out == nullptr)
         return ReportUsage("picture takes a file and the picture to write");
     TPictureOptions options;

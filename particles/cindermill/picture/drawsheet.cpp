@@ -61,8 +61,8 @@ bool DrawEffects(TBatchSession& session, const TPictureOptions& options, const T
 
 int DrawSheet(TBatchSession& session, TArguments& arguments)
 {
-    const char* folder = arguments.Take();
-    const char* out = arguments.Take();
+    const char* folder = arguments.TakeName();
+    const char* out = arguments.TakeName();
     if (out == nullptr)
         return ReportUsage("sheet takes a folder and the picture to write");
     TPictureOptions options;

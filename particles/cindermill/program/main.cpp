@@ -71,6 +71,7 @@ static bool RunProgram()
 // No argument is the program's own.
 int main(int argc, char** argv)
 {
+    TakeClosedStreamsAsErrors();
     TCrashReport::Install();
     TakeFileSizeLimitAsError();
     TakeClosedPipeAsError();

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <functional>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -52,6 +53,23 @@ TEST(WriteFaults, APipeThatNobodyReadsIsAnErrorOnceItIsTakenSo)
     EXPECT_EQ(StatusOf([] {
                   TakeClosedPipeAsError();
                   return WriteToClosedPipe();
+              }),
+              0);
+}
+
+TEST(WriteFaults, AFileDoesNotGetTheNumberOfAClosedStream)
+{
+    const auto openFirst = [] {
+        for (int stream : {STDIN_FILENO, STDERR_FILENO})
+            close(stream);
+        return open("/dev/null", O_WRONLY);
+    };
+    EXPECT_EQ(StatusOf([&] { return openFirst() == STDIN_FILENO; }), 0);
+    EXPECT_EQ(StatusOf([&] {
+                  close(openFirst());
+                  TakeClosedStreamsAsErrors();
+                  return open("/dev/null", O_WRONLY) > STDERR_FILENO && fcntl(STDOUT_FILENO, F_GETFD) >= 0 &&
+                         write(STDERR_FILENO, "x", 1) == -1;
               }),
               0);
 }

@@ -4,6 +4,7 @@
 
 int main(int argc, char** argv)
 {
+    TakeClosedStreamsAsErrors();
     TakeFileSizeLimitAsError();
     RemoveTemporaryFilesAtEnd();
     return RunBatchProgram(argc, argv);

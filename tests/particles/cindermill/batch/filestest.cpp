@@ -362,7 +362,8 @@ TEST_F(TBatchFiles, ARuleThatCannotBeWrittenIsToldAndTheOldOneStays)
     const TOutcome tab = Run(Resources() + "export " + Sample("fountain") + " " +
                              Quote(Folder.Path("tab\t.efx")) + " --depfile " + Quote(Folder.Path("a.d")));
     EXPECT_EQ(1, tab.Status);
-    EXPECT_NE(std::string::npos, tab.Err.find("No rule can have a file's name with a line's end or a tab"));
+    EXPECT_NE(std::string::npos,
+              tab.Err.find("No rule can have a file's name with a line's end, a tab or a semicolon"));
     EXPECT_EQ("old", ReadBytes(Folder.Path("a.d")));
 }
 

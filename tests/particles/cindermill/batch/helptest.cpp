@@ -104,6 +104,14 @@ TEST_F(TBatchHelp, OfAnUnknownCommandIsAUsageError)
     EXPECT_EQ(2, Run("help check more").Status);
 }
 
+TEST_F(TBatchHelp, AFaultOfTheCommandLineIsToldInOneLine)
+{
+    const TOutcome outcome = Run("'non\nsense'");
+    EXPECT_EQ(2, outcome.Status);
+    EXPECT_EQ("There is no command \"non sense\"", Lines(outcome.Err).at(0));
+    EXPECT_EQ(0u, Lines(outcome.Err).at(1).find("usage: "));
+}
+
 TEST_F(TBatchHelp, ANameThatLooksLikeAQuestionIsHashed)
 {
     EXPECT_EQ(0u, Run("hash --help").Out.find("--help\t"));

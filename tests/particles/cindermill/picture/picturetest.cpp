@@ -67,6 +67,21 @@ QImage Label(const QImage& sheet, int columns, int index, int width, int height)
 
 } // namespace
 
+TEST_F(Pictures, BehindTwoDashesAnyWordIsAFile)
+{
+    CopySample("campfire", "--campfire.effect");
+    Program = "cd '" + Folder.GetFolder() + "' && " + Program;
+    const TOutcome refused = Run(Resources() + "picture --campfire.effect a.png");
+    EXPECT_EQ(2, refused.Status);
+    EXPECT_EQ(0u, refused.Err.find("picture takes a file and the picture to write\n"));
+    const TOutcome picture = Run(Resources() + "picture -- --campfire.effect --a.png --size 32x24");
+    EXPECT_EQ(0, picture.Status) << picture.Err;
+    EXPECT_EQ(QSize(32, 24), Load("--a.png").size());
+    const TOutcome sheet = Run(Resources() + "sheet -- . --b.png --size 32x24");
+    EXPECT_EQ(0, sheet.Status) << sheet.Err;
+    EXPECT_EQ(QSize(32 + 2 * Gap, 24 + LabelHeight + 2 * Gap), Load("--b.png").size());
+}
+
 TEST_F(Pictures, APictureIsThePreviewsViewOfTheEffect)
 {
     const QImage image = Draw("campfire", "");
