@@ -201,7 +201,7 @@ void TDocument::OfferRefresh()
         return;
     TString about = "doc";
     if (!Path.IsEmpty())
-        ToShownPath(Path, about);
+        about = GetShownPath(Path);
     about += ": ";
     vector<TEffectNode*> stale;
     if (!AskToRefresh(stale, about))
