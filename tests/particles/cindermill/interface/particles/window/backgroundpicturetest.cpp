@@ -103,7 +103,7 @@ TEST_F(BackgroundPicture, WhatCannotBeShownIsToldWithTheReasonAndChangesNothing)
     }
     WriteTexture("gone.dds");
     Choose("gone.dds", true);
-    EXPECT_EQ(Told, "Could not load picture " + Folder.Path("gone.dds") + ": No such file or directory");
+    EXPECT_EQ(Told, "Could not load picture " + Folder.Path("gone.dds") + ": The file does not exist");
     EXPECT_EQ(Shown(), BG_GREY);
 }
 
