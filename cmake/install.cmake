@@ -49,18 +49,25 @@ install(FILES "${desktop_built}/${service}" DESTINATION "${CMAKE_INSTALL_DATADIR
 install(FILES "${desktop_source}/${CINDERMILL_ID}.mime.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/mime/packages"
         RENAME ${CINDERMILL_ID}.xml COMPONENT tool)
 
-# The program's icon, and the same for its effects.
-set(icons "${CMAKE_INSTALL_DATADIR}/icons/hicolor")
-foreach(size 16 48 128)
-    install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/117-${size}.png"
-            DESTINATION "${icons}/${size}x${size}/apps" RENAME ${CINDERMILL_ID}.png COMPONENT tool)
-    install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/101-${size}.png"
-            DESTINATION "${icons}/${size}x${size}/mimetypes" RENAME application-x-cindermill-effect.png COMPONENT tool)
+# The program's icon, and those of its files. A picture that the program has too bears no size where it has 32 pixels.
+set(pictures "${PROJECT_SOURCE_DIR}/resources/pictures")
+function(cindermill_icon source folder name)
+    set(icons "${CMAKE_INSTALL_DATADIR}/icons/hicolor")
+    foreach(size 16 32 48 64 128 256)
+        set(picture "${source}-${size}.png")
+        if(size EQUAL 32 AND EXISTS "${source}.png")
+            set(picture "${source}.png")
+        endif()
+        install(FILES "${picture}" DESTINATION "${icons}/${size}x${size}/${folder}" RENAME ${name}.png COMPONENT tool)
+    endforeach()
+    install(FILES "${source}.svg" DESTINATION "${icons}/scalable/${folder}" RENAME ${name}.svg COMPONENT tool)
+endfunction()
+cindermill_icon("${pictures}/117" apps ${CINDERMILL_ID})
+cindermill_icon("${pictures}/101" mimetypes application-x-cindermill-effect)
+foreach(type efx animation)
+    cindermill_icon("${desktop_source}/icons/application-x-cindermill-${type}" mimetypes
+                    application-x-cindermill-${type})
 endforeach()
-install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/117.svg" DESTINATION "${icons}/scalable/apps"
-        RENAME ${CINDERMILL_ID}.svg COMPONENT tool)
-install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/101.svg" DESTINATION "${icons}/scalable/mimetypes"
-        RENAME application-x-cindermill-effect.svg COMPONENT tool)
 
 # `cpack` in a build folder makes both packages.
 set(CPACK_GENERATOR DEB)
