@@ -1,5 +1,6 @@
 # What `cmake --install` lays down, in two components: `batch`, which is enough for a build machine, and `tool`, the
-# window program, which needs it. Programs find their data in ../share/cindermill, so any prefix serves.
+# window program, which needs it. Programs find their data in ../share/cindermill, and one that only another starts in
+# ../libexec/cindermill, so any prefix serves.
 
 include(GNUInstallDirs)
 # What is not built yet is not laid down; to build it is not the installation's business.
@@ -12,19 +13,25 @@ set(shared "${CMAKE_INSTALL_DATADIR}/cindermill")
 
 install(TARGETS cindermill-batch RUNTIME COMPONENT batch)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/NodeTypes" DESTINATION "${shared}" COMPONENT batch)
-install(FILES "${PROJECT_SOURCE_DIR}/docs/batch.md" "${PROJECT_SOURCE_DIR}/docs/project-file.md"
-              "${PROJECT_SOURCE_DIR}/docs/lint.md"
-              "${PROJECT_SOURCE_DIR}/docs/effect-text.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+# Of the documents go those that a user reads, with all that they lead to.
+set(batch_documents)
+foreach(document batch project-file lint effect-text effect-file chunk-file)
+    list(APPEND batch_documents "${PROJECT_SOURCE_DIR}/docs/${document}.md")
+endforeach()
+install(FILES ${batch_documents} "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PROJECT_SOURCE_DIR}/resources/copyright"
         DESTINATION "${CMAKE_INSTALL_DOCDIR}-batch" COMPONENT batch)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/schemas" DESTINATION "${CMAKE_INSTALL_DOCDIR}-batch" COMPONENT batch)
 install(FILES "${PROJECT_SOURCE_DIR}/resources/completion/cindermill-batch.bash"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME cindermill-batch COMPONENT batch)
 
-install(TARGETS cindermill cindermill-picture RUNTIME COMPONENT tool)
+install(TARGETS cindermill RUNTIME COMPONENT tool)
+install(TARGETS cindermill-picture RUNTIME DESTINATION libexec/cindermill COMPONENT tool)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/samples" DESTINATION "${shared}" COMPONENT tool)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT tool
-        PATTERN man EXCLUDE)
-install(FILES "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT tool)
+        PATTERN man EXCLUDE PATTERN architecture.md EXCLUDE PATTERN recipes.md EXCLUDE PATTERN glossary.md EXCLUDE
+        PATTERN pictures/campfire.png EXCLUDE PATTERN pictures/fountain.png EXCLUDE PATTERN pictures/samples.png EXCLUDE)
+install(FILES "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PROJECT_SOURCE_DIR}/resources/copyright"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT tool)
 
 # The version stands in the project's line alone; these carry it.
 foreach(page cindermill cindermill-batch)
@@ -49,18 +56,25 @@ install(FILES "${desktop_built}/${service}" DESTINATION "${CMAKE_INSTALL_DATADIR
 install(FILES "${desktop_source}/${CINDERMILL_ID}.mime.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/mime/packages"
         RENAME ${CINDERMILL_ID}.xml COMPONENT tool)
 
-# The program's icon, and the same for its effects.
-set(icons "${CMAKE_INSTALL_DATADIR}/icons/hicolor")
-foreach(size 16 48 128)
-    install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/117-${size}.png"
-            DESTINATION "${icons}/${size}x${size}/apps" RENAME ${CINDERMILL_ID}.png COMPONENT tool)
-    install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/101-${size}.png"
-            DESTINATION "${icons}/${size}x${size}/mimetypes" RENAME application-x-cindermill-effect.png COMPONENT tool)
+# The program's icon, and those of its files. A picture that the program has too bears no size where it has 32 pixels.
+set(pictures "${PROJECT_SOURCE_DIR}/resources/pictures")
+function(cindermill_icon source folder name)
+    set(icons "${CMAKE_INSTALL_DATADIR}/icons/hicolor")
+    foreach(size 16 32 48 64 128 256)
+        set(picture "${source}-${size}.png")
+        if(size EQUAL 32 AND EXISTS "${source}.png")
+            set(picture "${source}.png")
+        endif()
+        install(FILES "${picture}" DESTINATION "${icons}/${size}x${size}/${folder}" RENAME ${name}.png COMPONENT tool)
+    endforeach()
+    install(FILES "${source}.svg" DESTINATION "${icons}/scalable/${folder}" RENAME ${name}.svg COMPONENT tool)
+endfunction()
+cindermill_icon("${pictures}/117" apps ${CINDERMILL_ID})
+cindermill_icon("${pictures}/101" mimetypes application-x-cindermill-effect)
+foreach(type efx animation)
+    cindermill_icon("${desktop_source}/icons/application-x-cindermill-${type}" mimetypes
+                    application-x-cindermill-${type})
 endforeach()
-install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/117.svg" DESTINATION "${icons}/scalable/apps"
-        RENAME ${CINDERMILL_ID}.svg COMPONENT tool)
-install(FILES "${PROJECT_SOURCE_DIR}/resources/pictures/101.svg" DESTINATION "${icons}/scalable/mimetypes"
-        RENAME application-x-cindermill-effect.svg COMPONENT tool)
 
 # `cpack` in a build folder makes both packages.
 set(CPACK_GENERATOR DEB)

@@ -4,10 +4,10 @@
 set -euo pipefail
 
 packages=(g++ cmake ninja-build pkg-config libsquish-dev qt6-base-dev libqt6opengl6-dev libgl-dev libegl-dev libglew-dev
-    libfreetype-dev libfontconfig-dev libtomlplusplus-dev fonts-dejavu-core fonts-liberation libgl1-mesa-dri)
+    libfreetype-dev libfontconfig-dev libxcb1-dev libtomlplusplus-dev fonts-dejavu-core fonts-liberation libgl1-mesa-dri)
 if [ "${1:-}" = tests ]; then
     packages+=(libgtest-dev libbenchmark-dev clang-format clang libclang-rt-dev lld xvfb xauth xdotool openbox
-        imagemagick x11-utils libxcb1-dev dpkg-dev desktop-file-utils appstream shared-mime-info libglib2.0-bin
+        imagemagick x11-utils dpkg-dev desktop-file-utils appstream shared-mime-info libglib2.0-bin
         groff-base dbus-daemon gdb libxml2-utils make git)
 fi
 

@@ -21,6 +21,50 @@ for package in cindermill cindermill-batch; do
     [ -f "$(echo "$work/packages/${package}"_*.deb)" ] || fail "There is no package $package"
 done
 
+# named PACKAGE...: what the named packages bring along, of what this machine has. PACKAGE may be a list of Depends.
+named() {
+    dpkg-query -W -f '${Package};${Provides};${Pre-Depends}, ${Depends}\n' | awk -F ';' -v wanted="$*" '
+        function parts(text, list) {
+            gsub(/\([^)]*\)|:[a-z0-9]+| /, "", text)
+            return split(text, list, /[,|]/)
+        }
+        {
+            needed[$1] = needed[$1] "," $3
+            count = parts($2, list)
+            for (i = 1; i <= count; ++i)
+                needed[list[i]] = needed[list[i]] "," $1
+        }
+        END {
+            count = parts(wanted, queue)
+            for (i = 1; i <= count; ++i) {
+                if (seen[queue[i]]++)
+                    continue
+                print queue[i]
+                more = parts(needed[queue[i]], list)
+                for (j = 1; j <= more; ++j)
+                    queue[++count] = list[j]
+            }
+        }'
+}
+
+# brought WHO DEPENDS: the libraries on the standard input are all of packages that DEPENDS bring along.
+brought() {
+    named "$2" >"$work/named"
+    mapfile -t loaded
+    # Packages write /usr/lib or /lib, which are one. A line of owners: PACKAGE /lib/...
+    dpkg -S "${loaded[@]}" "${loaded[@]/#//usr}" "${loaded[@]#/usr}" 2>"$work/log" |
+        sed -E 's,(:[a-z0-9]+)?: (/usr)?, ,' >"$work/owners" || true
+    for library in "${loaded[@]}"; do
+        owner=$(awk -v path="${library#/usr}" '$2 == path { print $1; exit }' "$work/owners")
+        [ -n "$owner" ] || fail "No package holds $library, which $1 loads"
+        grep -qxF -- "$owner" "$work/named" || fail "$1 loads $library, but its package does not depend on $owner"
+    done
+}
+
+libraries() {
+    ldd "$@" | grep -o '=> /[^ ]*' | cut -c 4- | sort -u
+}
+
 # What a build machine needs must not bring a window toolkit along.
 depends=$(dpkg-deb -f "$work/packages"/cindermill-batch_*.deb Depends)
 ! grep -Eq 'gui|widgets|libgl|glew|x11' <<<"$depends" || fail "cindermill-batch needs: $depends"
@@ -48,11 +92,18 @@ run timeout -k 5 120 xvfb-run -a -s "-screen 0 1280x1024x24" bash -c '
     program=$!
     timeout 60 xdotool search --sync --onlyvisible --name "^Cindermill$" >/dev/null
     sleep 1
+    grep -Eo "/[^ ]*/(plugins/(platforms|xcbglintegrations)|dri)/[^ ]*" "/proc/$program/maps" | sort -u >"$2"
     names=$(xdotool search --onlyvisible --name . getwindowname %@)
     kill "$program"
     wait "$program" || true
     [ "$names" = Cindermill ]
-' - "$root/usr/bin/cindermill" || fail "The installed tool does not start as it should"
+' - "$root/usr/bin/cindermill" "$work/plugins" || fail "The installed tool does not start as it should"
+
+libraries "$root/usr/bin/cindermill-batch" | brought cindermill-batch "$depends"
+depends+=", $(dpkg-deb -f "$work/packages"/cindermill_*.deb Depends)"
+libraries "$root/usr/bin/cindermill" "$root/usr/libexec/cindermill/cindermill-picture" | brought cindermill "$depends"
+grep -q /platforms/ "$work/plugins" || fail "The installed tool has loaded no plugin for its windows"
+brought cindermill "$depends" <"$work/plugins"
 
 grep -qx 'Exec=/usr/bin/cindermill' "$root/usr/share/dbus-1/services"/*.service || fail "The bus would not find the tool"
 desktop-file-validate "$root"/usr/share/applications/*.desktop
@@ -71,6 +122,39 @@ expect "$samples/campfire.effect" application/x-cindermill-effect
 expect "$work/campfire.efx" application/x-cindermill-efx
 expect "$samples/animations/knot.vori" application/x-cindermill-animation
 expect "$samples/textures/smoke.hvt" image/x-hvt
+
+# Each icon is there in every size, and as large as its folder says.
+icons=$root/usr/share/icons/hicolor
+for icon in apps/org.cindermill.Cindermill mimetypes/application-x-cindermill-{effect,efx,animation}; do
+    [ -s "$icons/scalable/$icon.svg" ] || fail "There is no scalable icon $icon"
+    for size in 16 32 48 64 128 256; do
+        [ -s "$icons/${size}x$size/$icon.png" ] || fail "There is no icon $icon of $size pixels"
+    done
+done
+identify -format '%wx%h %d/\n' "$icons"/*/*/*.png >"$work/sizes"
+while read -r size folder; do
+    [[ $folder = */$size/* ]] || fail "An icon of $size lies in $folder"
+done <"$work/sizes"
+
+# Each package tells its rights, and its documents lead to nothing that it has not.
+headings() {
+    sed -n 's/^##* //p' "$1" | tr '[:upper:]' '[:lower:]' | sed 's/[^a-z0-9 _-]//g; s/ /-/g'
+}
+for folder in "$root"/usr/share/doc/*; do
+    [ -s "$folder/copyright" ] || fail "$folder has no copyright"
+    for document in "$folder"/*.md; do
+        while read -r link; do
+            target=$folder/${link%%#*}
+            case $link in '#'*) target=$document ;; ../*) target= ;; esac
+            [ -f "$target" ] || fail "$document leads to $link, which is not there"
+            case $link in *'#'*) headings "$target" | grep -xF -- "${link#*#}" >"$work/log" ||
+                fail "$document leads to $link, which is no heading" ;; esac
+        done < <(grep -o '](\([^)]*\))' "$document" | sed 's/^](//; s/)$//' | grep -v '^https:' | sort -u)
+    done
+done
+for program in "$root"/usr/bin/*; do
+    [ -f "$root/usr/share/man/man1/${program##*/}.1" ] || fail "${program##*/} has no man page"
+done
 for page in "$root"/usr/share/man/man1/*.1; do
     warnings=$(groff -man -Tutf8 -ww -z "$page" 2>&1)
     [ -z "$warnings" ] || fail "$warnings"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Draws the pictures that are compiled into the program from their sources: `scripts/pictures.sh`, after one
-# of the .svg files has changed. Needs rsvg-convert (librsvg2-bin).
+# Draws the pictures that are compiled into the program, and the desktop's icons, from their sources:
+# `scripts/pictures.sh`, after one of the .svg files has changed. Needs rsvg-convert (librsvg2-bin).
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/../resources/pictures"
 
@@ -10,12 +10,17 @@ draw() { # picture, size, suffix of the file's name
 
 for icon in 101 117; do
     draw $icon 32 ""
-    for size in 16 48 128; do
+    for size in 16 48 64 128 256; do
         draw $icon $size "-$size"
     done
 done
+for type in ../desktop/icons/*.svg; do
+    for size in 16 32 48 64 128 256; do
+        draw "${type%.svg}" $size "-$size"
+    done
+done
 # Entries of the start page show theirs with 32 pixels, buttons with 16: as many dots on a screen of twice the scale.
-for entry in 101 102 103; do
+for entry in 102 103; do
     draw $entry 32 ""
     for size in 48 64; do
         draw $entry $size "-$size"

@@ -4,11 +4,13 @@
 #include "library/wimp/sessionbus.h"
 #include "library/wimp/wimp.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QStandardPaths>
 #include <QTimer>
 #include <QUrl>
@@ -30,6 +32,15 @@ constexpr const char* Introspection = R"(<interface name="org.freedesktop.Applic
 QString GetPath(const char* name)
 {
     return "/" + QString::fromUtf8(name).replace('.', '/').replace('-', '_');
+}
+
+// What the desktop knows the click by; none if it tells nothing.
+TLaunch GetLaunch(const QVariant& platformData)
+{
+    const bool isX = QGuiApplication::platformName() == "xcb";
+    const QVariantMap data = qdbus_cast<QVariantMap>(platformData);
+    const QString id = data.value(isX ? "desktop-startup-id" : "activation-token").toString();
+    return TLaunch(TString(id.toUtf8().constData()));
 }
 
 bool IsBusy()
@@ -73,6 +84,8 @@ public:
             Take(arguments[0].toStringList());
         else if (message.member() != "Activate")
             return false;
+        Launch = arguments.empty() ? TLaunch() : GetLaunch(arguments.back());
+        Launch.TellDone();
         bus.send(message.createReply());
         Wait.start(0);
         return true;
@@ -98,7 +111,7 @@ private:
         }
         vector<TString> files;
         files.swap(Files);
-        Host.OnActivation(files);
+        Host.OnActivation(files, Launch);
     }
 
     TActivationHost& Host;
@@ -106,6 +119,8 @@ private:
     QString Path;
     QTimer Wait;
     vector<TString> Files;
+    // The last one.
+    TLaunch Launch;
 };
 
 TDesktopActivation::~TDesktopActivation()

@@ -2,13 +2,15 @@
 
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
+#include "library/wimp/launch.h"
 
 // Who is asked by the desktop, by a double click on a file say, to come forward.
 class TActivationHost
 {
 public:
-    // Paths of local files; none to come forward alone. Never inside a dialog, a menu or a drag.
-    virtual void OnActivation(const vector<TString>& files) = 0;
+    // Paths of local files; none to come forward alone, in the name of the launch. Never inside a dialog, a
+    // menu or a drag.
+    virtual void OnActivation(const vector<TString>& files, const TLaunch& launch) = 0;
     virtual ~TActivationHost() = default;
 };
 

@@ -221,7 +221,7 @@ void TWindow::SetFocus()
     TakeFocus();
 }
 
-void TWindow::BringToTop()
+void TWindow::BringToTop(const TLaunch& launch)
 {
     if (Peer == nullptr)
         return;
@@ -232,7 +232,7 @@ void TWindow::BringToTop()
         Peer->SubWindow->mdiArea()->setActiveSubWindow(Peer->SubWindow);
     frame->raise();
     if (frame->isWindow())
-        frame->activateWindow();
+        launch.Activate(*frame);
 }
 
 void TWindow::SetTitle(const char* text)

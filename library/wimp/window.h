@@ -6,6 +6,7 @@
 #include "library/wimp/gdi/gdicontext.h"
 #include "library/wimp/gl/renderwindow.h"
 #include "library/wimp/gl/windowmessage.h"
+#include "library/wimp/launch.h"
 #include "library/wimp/wimpcontrol.h"
 
 class TAccessibleContents;
@@ -119,7 +120,8 @@ public:
     void SetFocus() override;
     void Hide() { Show(false); }
     bool IsShown() const;
-    void BringToTop();
+    // Where a click of the desktop asks for it, in its name.
+    void BringToTop(const TLaunch& launch = TLaunch());
     // Where a window with a frame stands, whether it is maximised, as a text to keep; empty for one that has
     // never been seen.
     void GetPlace(TString& place) const;

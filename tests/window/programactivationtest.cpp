@@ -1,5 +1,7 @@
 #include "window/programfixture.h"
 
+#include "support/rootmessages.h"
+
 namespace {
 // A session bus of the test's own.
 class TSessionBus
@@ -72,7 +74,12 @@ TEST_F(Program, WhatTheDesktopOpensComesUpInTheRunningProgram)
     TProgram program(Screen, options);
     ASSERT_TRUE(program.IsUp()) << program.GetOutput();
     ASSERT_TRUE(bus.HasProgram());
-    ASSERT_TRUE(bus.Call("Open", {Url(SourcePath("samples/rain.effect")), "{}"}));
+    // The desktop hears that it can stop to wait, and as of when the window wants the front.
+    TRootMessages desktop(Screen.GetDisplay().c_str());
+    ASSERT_TRUE(bus.Call("Open", {Url(SourcePath("samples/rain.effect")),
+                                  "{'desktop-startup-id': <'files-1_TIME4000000000'>, 'other': <3>}"}));
+    EXPECT_TRUE(desktop.AwaitText("remove: ID=files-1_TIME4000000000"));
+    EXPECT_TRUE(desktop.AwaitFront(4000000000u));
     EXPECT_TRUE(WaitForDocument("rain.effect"));
     const std::string spaced = folder.Path("a fire.effect");
     std::filesystem::copy_file(SourcePath("samples/campfire.effect"), spaced);

@@ -1,5 +1,7 @@
 #include "window/programfixture.h"
 
+#include "particles/cindermill/main/toolversion.h"
+
 // What makes the tool a program of the desktop: how it begins, comes back, and is worked by keys.
 
 namespace {
@@ -174,6 +176,8 @@ TEST_F(Desktop, WhatIsLoggedGoesToTheTerminalOnlyIfAskedFor)
                                        : std::string();
         EXPECT_EQ(program.GetOutput().find("Tied nodes") != std::string::npos, asked);
         EXPECT_EQ(logged.find("Tied nodes") != std::string::npos, !asked);
+        // So that whoever gets the file knows whose it is.
+        EXPECT_EQ(logged.rfind("Cindermill " + std::string(GetToolVersion()) + "\n", 0) == 0, !asked);
     }
 }
 

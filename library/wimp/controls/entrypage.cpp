@@ -250,6 +250,19 @@ void TEntryPage::AddLine(const TEntry& entry)
     EntriesOf(GetHandle())->Lines->addWidget(line);
 }
 
+void TEntryPage::AddNote(const char* text)
+{
+    if (GetHandle() == nullptr)
+        return;
+    QLabel* label = new QLabel(ToQt(text));
+    QFont font = label->font();
+    font.setPointSizeF(font.pointSizeF() * 0.9);
+    label->setFont(font);
+    label->setTextFormat(Qt::PlainText);
+    label->setContentsMargins(0, Margin, 0, 0);
+    EntriesOf(GetHandle())->Lines->addWidget(label);
+}
+
 void TEntryPage::SetTileHeading(const char* text)
 {
     if (GetHandle() == nullptr)

@@ -33,6 +33,8 @@ protected:
     virtual void Fill() = 0;
     void AddHeading(const char* text);
     void AddLine(const TEntry& entry);
+    // A line of small letters that is none to choose.
+    void AddNote(const char* text);
     // All tiles stand under one heading.
     void SetTileHeading(const char* text);
     void AddTile(const TEntry& entry);

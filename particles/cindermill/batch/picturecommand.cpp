@@ -10,10 +10,10 @@
 
 namespace {
 
-// Beside this program, or where an installation puts programs.
+// Beside this program, or where an installation puts what is started by programs alone.
 bool FindPictureProgram(const TString& directory, TString& path)
 {
-    for (const char* place : {"\\cindermill-picture", "\\..\\bin\\cindermill-picture"}) {
+    for (const char* place : {"\\cindermill-picture", "\\..\\libexec\\cindermill\\cindermill-picture"}) {
         path = directory;
         path += place;
         if (FileExists(path))

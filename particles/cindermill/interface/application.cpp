@@ -114,9 +114,9 @@ void TApplication::OnClock()
     App.OnClock();
 }
 
-void TApplication::OnActivation(const vector<TString>& files)
+void TApplication::OnActivation(const vector<TString>& files, const TLaunch& launch)
 {
-    MainWindow->BringToTop();
+    MainWindow->BringToTop(launch);
     for (const TString& file : files)
         App.OpenDocument(file);
 }

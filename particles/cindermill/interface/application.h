@@ -27,7 +27,7 @@ public:
     void OnClock() override;
     void OnWait() override;
     // Comes to the front and opens the effects.
-    void OnActivation(const vector<TString>& files) override;
+    void OnActivation(const vector<TString>& files, const TLaunch& launch) override;
     void OnEnding() override;
     // The system has ended the program: what is to be kept is kept, and nobody was asked.
     void EndUnasked();

@@ -3,6 +3,7 @@
 #include "library/system/path.h"
 #include "library/wimp/gdi/gdibitmap.h"
 #include "particles/cindermill/main/cindermillapp.h"
+#include "particles/cindermill/main/toolversion.h"
 
 namespace {
 
@@ -51,6 +52,9 @@ void TStartPage::Fill()
 {
     AddBeginnings();
     AddRecentFiles();
+    TString version;
+    version.Format("Cindermill %s", GetToolVersion());
+    AddNote(version);
     AddSamples();
 }
 

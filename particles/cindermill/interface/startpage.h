@@ -5,7 +5,7 @@
 class TCindermillApp;
 
 // What the main window shows as long as no document is open: how to begin. A new effect, a file, one of those
-// opened last, or one of the samples by its picture.
+// opened last, or one of the samples by its picture. Below stands the tool's version.
 class TStartPage : public TEntryPage
 {
 public:

@@ -110,17 +110,18 @@ bool TCindermillApp::FindNodeTypesDirectory(TString& path) const
     return FindFolder(directory, path);
 }
 
-// A program that was installed has its data in the prefix's share; one that was not lies some levels below
-// the root of its sources.
+// A program that was installed in the prefix's bin, or in libexec/cindermill, has its data in share; one that
+// was not lies some levels below the root of its sources.
 bool TCindermillApp::FindFolder(const char* name, TString& path) const
 {
     constexpr int Levels = 4;
+    constexpr int InstalledLevels = 2;
     TString directory = ProgramDirectory;
     for (int level = 0; level < Levels && !directory.IsEmpty(); ++level) {
         if (IsFolder(directory, "\\", name, path))
             return true;
         directory.TruncateAtLast('\\');
-        if (level == 0 && IsFolder(directory, "\\share\\cindermill\\", name, path))
+        if (level < InstalledLevels && IsFolder(directory, "\\share\\cindermill\\", name, path))
             return true;
     }
     return false;

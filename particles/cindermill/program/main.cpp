@@ -7,6 +7,7 @@
 #include "library/wimp/wimp.h"
 #include "particles/cindermill/interface/application.h"
 #include "particles/cindermill/main/crashreport.h"
+#include "particles/cindermill/main/toolversion.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -48,6 +49,7 @@ static bool RunProgram()
         TCindermillApp::GetVersion(version);
         DebugPrintf("%s\n", version.Print());
         OpenLog(log);
+        DebugPrintf("Cindermill %s\n", GetToolVersion());
         application->StartAutosave();
         Running = application;
         // Now that all objects that live as long as the process are there: they go after it.

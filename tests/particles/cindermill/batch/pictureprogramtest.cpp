@@ -13,10 +13,12 @@ protected:
         fs::create_directories(Folder.Path("bin"));
         fs::copy(CINDERMILL_BATCH, Folder.Path("bin/cindermill-batch"));
     }
-    void PutProgram(const std::string& text, bool isExecutable = true)
+    void PutProgram(const std::string& text, bool isExecutable = true, const std::string& folder = "bin")
     {
-        WriteBytes(Folder.Path("bin/cindermill-picture"), text);
-        fs::permissions(Folder.Path("bin/cindermill-picture"),
+        fs::create_directories(Folder.Path(folder));
+        const std::string program = Folder.Path(folder + "/cindermill-picture");
+        WriteBytes(program, text);
+        fs::permissions(program,
                         isExecutable ? fs::perms::owner_all : fs::perms::owner_read | fs::perms::owner_write);
     }
     TOutcome Start(const std::string& program)
@@ -47,6 +49,15 @@ TEST_F(TPictureProgram, ItIsFoundHoweverTheBatchProgramIsStarted)
         EXPECT_EQ(expected, outcome.Out) << program;
         EXPECT_EQ("", outcome.Err) << program;
     }
+}
+
+// An installation keeps what nobody starts by hand out of the way of commands.
+TEST_F(TPictureProgram, ItIsFoundInAnInstallationToo)
+{
+    PutProgram(Telling, true, "libexec/cindermill");
+    EXPECT_EQ(7, Start("bin/cindermill-batch").Status);
+    PutProgram("#!/bin/sh\nexit 8\n");
+    EXPECT_EQ(8, Start("bin/cindermill-batch").Status);
 }
 
 TEST_F(TPictureProgram, WhatIsMissingOrCannotBeStartedIsTold)

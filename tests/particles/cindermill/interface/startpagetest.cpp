@@ -11,6 +11,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
 
 #include <filesystem>
 #include <vector>
@@ -82,6 +83,21 @@ protected:
 };
 
 } // namespace
+
+TEST_F(StartPage, ItTellsTheVersionOfThePackage)
+{
+    const std::string build = ReadBytes(SourcePath("CMakeLists.txt"));
+    const std::string start = "project(cindermill VERSION ";
+    const size_t at = build.find(start) + start.size();
+    const std::string version = build.substr(at, build.find(' ', at) - at);
+    ASSERT_EQ(2, std::count(version.begin(), version.end(), '.'));
+    QStringList shown;
+    for (const QLabel* label : Page()->findChildren<QLabel*>())
+        if (label->isVisible())
+            shown << label->text();
+    EXPECT_TRUE(shown.contains(QString::fromStdString("Cindermill " + version)))
+        << shown.join("|").toStdString();
+}
 
 TEST_F(StartPage, ItSaysHowToBeginAsLongAsNothingIsOpen)
 {
