@@ -27,13 +27,13 @@ static bool IsMouseMessage(TMessageType type)
 }
 
 // A running drag shows its pointer wherever the mouse goes.
-static void ShowDragPointer(TCursor cursor)
+static void ShowDragPointer(TCursor cursor, double dotsPerPixel)
 {
     if (cursor == CU_CLASS) {
         QApplication::restoreOverrideCursor();
         return;
     }
-    const QCursor pointer = GetMousePointer(cursor);
+    const QCursor pointer = GetMousePointer(cursor, dotsPerPixel);
     if (QApplication::overrideCursor() != nullptr)
         QApplication::changeOverrideCursor(pointer);
     else
@@ -257,9 +257,9 @@ void TWindow::SetCursor(TCursor cursor)
 {
     if (Handle == nullptr)
         return;
-    Handle->setCursor(GetMousePointer(cursor));
+    Handle->setCursor(GetMousePointer(cursor, GetDotsPerPixel()));
     if (CaptureWindow == this)
-        ShowDragPointer(cursor);
+        ShowDragPointer(cursor, GetDotsPerPixel());
 }
 
 void TWindow::ContentsChanged()
