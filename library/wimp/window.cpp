@@ -7,6 +7,7 @@
 
 #include <QtCore/QSignalBlocker>
 #include <QtGui/QAccessible>
+#include <QtGui/QTextDocument>
 #include <QtOpenGLWidgets/QOpenGLWidget>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLayout>
@@ -404,7 +405,8 @@ void TWindow::ShowTip(int x, int y, const char* text)
     if (text == nullptr)
         QToolTip::hideText();
     else if (Handle != nullptr)
-        QToolTip::showText(Handle->mapToGlobal(QPoint(x, y)), ToQt(text).toHtmlEscaped(), Handle);
+        QToolTip::showText(Handle->mapToGlobal(QPoint(x, y)),
+                           Qt::convertFromPlainText(ToQt(text), Qt::WhiteSpaceNormal), Handle);
 }
 
 void TWindow::SetScrollRange(int whole, int page, int line)
