@@ -34,4 +34,10 @@ for button in 130 131 132; do
         draw $button $size "-$size"
     done
 done
-for pointer in 140 141; do draw $pointer 32 ""; done
+# As many dots as at each scale that screens have.
+for pointer in 140 141; do
+    draw $pointer 32 ""
+    for size in 40 48 56 64 96; do
+        draw $pointer $size "-$size"
+    done
+done

@@ -54,7 +54,8 @@ bool IsAnswered(int handle)
     if (send(handle, question, length, MSG_NOSIGNAL) != static_cast<ssize_t>(length))
         return false;
     pollfd answer = {handle, POLLIN, 0};
-    return poll(&answer, 1, AnswerMilliseconds) == 1;
+    // Whoever is interrupted has not waited.
+    return poll(&answer, 1, AnswerMilliseconds) != 0;
 }
 
 // Whose program is stopped still takes connections, until too many wait. What is not there at all is no

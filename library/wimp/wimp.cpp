@@ -74,7 +74,7 @@ static void ShowAssertBox(const char* title, const char* text)
         return;
     if (QWidget* grabber = QWidget::mouseGrabber())
         grabber->releaseMouse();
-    QMessageBox box(QMessageBox::Warning, ToQt(title), QString(), QMessageBox::Ok);
+    QMessageBox box(QMessageBox::Warning, ToQt(title), QString(), QMessageBox::Ok, ModalParent());
     box.setObjectName(QStringLiteral("assertfailure"));
     box.setTextFormat(Qt::PlainText);
     box.setText(ToQt(text));

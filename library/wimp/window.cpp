@@ -7,6 +7,7 @@
 
 #include <QtCore/QSignalBlocker>
 #include <QtGui/QAccessible>
+#include <QtGui/QTextDocument>
 #include <QtOpenGLWidgets/QOpenGLWidget>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLayout>
@@ -27,13 +28,13 @@ static bool IsMouseMessage(TMessageType type)
 }
 
 // A running drag shows its pointer wherever the mouse goes.
-static void ShowDragPointer(TCursor cursor)
+static void ShowDragPointer(TCursor cursor, double dotsPerPixel)
 {
     if (cursor == CU_CLASS) {
         QApplication::restoreOverrideCursor();
         return;
     }
-    const QCursor pointer = GetMousePointer(cursor);
+    const QCursor pointer = GetMousePointer(cursor, dotsPerPixel);
     if (QApplication::overrideCursor() != nullptr)
         QApplication::changeOverrideCursor(pointer);
     else
@@ -257,9 +258,9 @@ void TWindow::SetCursor(TCursor cursor)
 {
     if (Handle == nullptr)
         return;
-    Handle->setCursor(GetMousePointer(cursor));
+    Handle->setCursor(GetMousePointer(cursor, GetDotsPerPixel()));
     if (CaptureWindow == this)
-        ShowDragPointer(cursor);
+        ShowDragPointer(cursor, GetDotsPerPixel());
 }
 
 void TWindow::ContentsChanged()
@@ -404,7 +405,8 @@ void TWindow::ShowTip(int x, int y, const char* text)
     if (text == nullptr)
         QToolTip::hideText();
     else if (Handle != nullptr)
-        QToolTip::showText(Handle->mapToGlobal(QPoint(x, y)), ToQt(text).toHtmlEscaped(), Handle);
+        QToolTip::showText(Handle->mapToGlobal(QPoint(x, y)),
+                           Qt::convertFromPlainText(ToQt(text), Qt::WhiteSpaceNormal), Handle);
 }
 
 void TWindow::SetScrollRange(int whole, int page, int line)

@@ -177,7 +177,9 @@ public:
     virtual bool KeepsKeys() const { return false; }
     void StartTimer(int timer, int milliseconds) override;
     void StopTimer(int timer) override;
-    // A short text at a pixel, until the pointer moves away; null ends it.
+    // Until a pointer at rest is told something.
+    static constexpr int TipMilliseconds = 600;
+    // A text at a pixel, in several lines if it is long, until the pointer moves away; null ends it.
     void ShowTip(int x, int y, const char* text);
     // For a window with a vertical scroll bar; a page of the whole hides it.
     void SetScrollRange(int whole, int page, int line);

@@ -11,6 +11,7 @@
 
 #include <QtCore/QTimer>
 #include <QtGui/QCursor>
+#include <QtGui/QIcon>
 #include <QtGui/QInputMethodEvent>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
@@ -190,13 +191,18 @@ bool ProbeGl()
     return works;
 }
 
-QCursor LoadPointer(int picture, Qt::CursorShape otherwise)
+// As large on every screen, and of its dots.
+QCursor LoadPointer(int picture, double dotsPerPixel, Qt::CursorShape otherwise)
 {
+    static constexpr int Size = 32;
     static constexpr int HotSpot = 1;
-    TGDIBitmap bitmap;
-    if (!bitmap.Load(picture))
+    const QIcon icon = LoadPictureIcon(picture);
+    if (icon.isNull())
         return QCursor(otherwise);
-    return QCursor(QPixmap::fromImage(bitmap.GetImage()), HotSpot, HotSpot);
+    // X counts the hot spot in dots, and nobody brings it there.
+    const int spot =
+        QGuiApplication::platformName() == QLatin1String("xcb") ? qRound(HotSpot * dotsPerPixel) : HotSpot;
+    return QCursor(icon.pixmap(QSize(Size, Size), dotsPerPixel), spot, spot);
 }
 
 } // namespace
@@ -316,13 +322,13 @@ bool HasWorkingGl()
     return Works;
 }
 
-QCursor GetMousePointer(TCursor cursor)
+QCursor GetMousePointer(TCursor cursor, double dotsPerPixel)
 {
     switch (cursor) {
     case CU_DRAG:
-        return LoadPointer(PI_DRAG, Qt::ForbiddenCursor);
+        return LoadPointer(PI_DRAG, dotsPerPixel, Qt::ForbiddenCursor);
     case CU_DROP:
-        return LoadPointer(PI_DROP, Qt::DragCopyCursor);
+        return LoadPointer(PI_DROP, dotsPerPixel, Qt::DragCopyCursor);
     case CU_HAND:
         return QCursor(Qt::ClosedHandCursor);
     case CU_SPLITX:

@@ -137,8 +137,8 @@ bool HasWorkingGl();
 // Whether a context could be made, known without the time that it takes to look what it can do.
 bool MayHaveGl();
 
-// The widget of a mouse pointer.
-QCursor GetMousePointer(TCursor cursor);
+// A mouse pointer for a screen of so many dots a pixel.
+QCursor GetMousePointer(TCursor cursor, double dotsPerPixel);
 
 // Texts and paths of the system are UTF-8.
 inline QString ToQt(const char* text)

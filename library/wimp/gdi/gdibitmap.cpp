@@ -72,7 +72,8 @@ static QImage ToTheme(const QImage& picture)
 
 static QIcon LoadIcon(int id, bool inTheme)
 {
-    static constexpr const char* Sizes[] = {"", "-16", "-24", "-32", "-48", "-64", "-128"};
+    static constexpr const char* Sizes[] = {"",    "-16", "-24", "-32", "-40",
+                                            "-48", "-56", "-64", "-96", "-128"};
     LinkPictures();
     QIcon icon;
     for (const char* size : Sizes) {

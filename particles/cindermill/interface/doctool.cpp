@@ -20,7 +20,6 @@ constexpr int TextMargin = 4;
 constexpr int BoxSize = 10;
 constexpr int BoxTop = (TPalette::RowHeight - BoxSize) / 2;
 constexpr int HelpTimer = 1;
-constexpr int HelpMilliseconds = 600;
 // Clicks further to the right are not for the box.
 constexpr int BoxReach = 9;
 // Where the fill of a row begins, right of the lines and boxes.
@@ -256,7 +255,7 @@ void TDocTool::OnMove(const TMessage& message)
         return;
     PointerX = message.GetPixelX();
     PointerY = message.GetPixelY();
-    StartTimer(HelpTimer, HelpMilliseconds);
+    StartTimer(HelpTimer, TipMilliseconds);
 }
 
 void TDocTool::ShowHelp()

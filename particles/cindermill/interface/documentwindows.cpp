@@ -64,11 +64,16 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
         document.GetPath().IsEmpty() ? nullptr : Places->FindEffect(document.GetPath());
     if (known != nullptr && !Windows.empty())
         Windows[0]->SetPlace(known->View);
+    if (known != nullptr)
+        SecondPlace = known->Second;
     PlaceDisplay();
-    // One that hides the graph can be sent behind it by a click. One that comes back is what it was, and
-    // takes its place with the frame that this kind of window has.
-    if (IsGraphInSight())
-        ParticleWindow->StayOver(*Frame);
+    if (known != nullptr)
+        ParticleWindow->SetPlace(known->Display);
+    // One that hides the graph can be sent behind it by a click.
+    if (ParticleWindow->IsMaximised() || !IsGraphInSight())
+        return;
+    ParticleWindow->StayOver(*Frame);
+    // With the frame that this kind of window has.
     if (known != nullptr)
         ParticleWindow->SetPlace(known->Display);
 }
@@ -102,13 +107,16 @@ void TDocumentWindows::PlaceDisplay()
     ParticleWindow->MoveTo(place.Left, place.Top, place.Right - place.Left, place.Bottom - place.Top);
 }
 
-void TDocumentWindows::KeepPlaces(TDocument& document) const
+void TDocumentWindows::KeepPlaces(TDocument& document)
 {
     if (Places == nullptr || !ArePlaced || document.GetPath().IsEmpty() || Windows.empty())
         return;
     TEffectPlaces places;
     places.Path = document.GetPath();
     Windows[0]->GetPlace(places.View);
+    if (Windows.size() > 1)
+        Windows[1]->GetPlace(SecondPlace);
+    places.Second = SecondPlace;
     ParticleWindow->GetPlace(places.Display);
     Places->SetEffect(places);
 }
@@ -134,6 +142,8 @@ bool TDocumentWindows::AddView(TDocument& document)
     TOwner<TDocWindow> window(new TDocWindow(*this));
     if (!window->Create(document, Frame))
         return false;
+    if (Windows.size() == 1)
+        window->SetPlace(SecondPlace);
     Windows.push_back(window.Release());
     Windows.back()->Show();
     UpdateTitles(document);
@@ -153,6 +163,8 @@ void TDocumentWindows::CloseView(TDocWindow* window)
     Scene->CancelDrags();
     if (TRenderObject::GetFocusView() == &window->GetGraph().GetRenderer())
         TTextEdit::DropFocusedInput();
+    if (Windows.size() == 2)
+        window->GetPlace(SecondPlace);
     TOwner<TDocWindow> closed(Windows.Release(at));
     if (app.GetActiveDocWindow() == window)
         Windows.back()->Activate();
@@ -172,9 +184,9 @@ void TDocumentWindows::CollectShortcuts(TDocWindow& window)
 void TDocumentWindows::DeleteWindows(TDocument& document)
 {
     KeepPlaces(document);
+    TAttributeTraceWindow::CloseAll(document);
     if (Places != nullptr)
         Places->Save();
-    TAttributeTraceWindow::CloseAll(document);
     TCindermillApp& app = TCindermillApp::Get();
     if (Scene != nullptr)
         Scene->CancelDrags();
@@ -415,7 +427,8 @@ void TDocumentWindows::NodeTypesCame(TDocument&)
 
 void TDocumentWindows::OpenTrace(TToolNode& node, TDocWindow& view)
 {
-    TAttributeTraceWindow::Open(*Document, node, Frame, &view.GetGraph());
+    TAttributeTraceWindow::Open(*Document, node, Frame, &view.GetGraph(),
+                                Places != nullptr ? &Places->UseTrace() : nullptr);
     CollectShortcuts(view);
 }
 

@@ -64,8 +64,8 @@ public:
     void CloseView(TDocWindow* window);
     // The attribute trace of a node, asked for in a view.
     void OpenTrace(TToolNode& node, TDocWindow& view);
-    // Where the first view and the display stand, for the next time that the file is opened.
-    void KeepPlaces(TDocument& document) const;
+    // Where the first two views and the display stand, for the next time that the file is opened.
+    void KeepPlaces(TDocument& document);
     // The view was used last: it gets the shortcuts that are pressed in the effect's display and in traces.
     void CollectShortcuts(TDocWindow& window);
 
@@ -102,6 +102,8 @@ private:
     // Where windows stood; null where nobody keeps it.
     TWindowPlaces* Places;
     bool ArePlaced = false;
+    // Where the next view beside the only one comes; empty for its place in the cascade.
+    TString SecondPlace;
     TDocument* Document = nullptr;
     TOwner<TGraphScene> Scene;
     TOwnerList<TDocWindow> Windows;

@@ -352,6 +352,7 @@ void TGraphActions::SearchToAdd(const TVector2& point)
 {
     SearchPoint = point;
     SearchEnd = TWireEnd();
+    Search.SetMarked(nullptr, nullptr);
     Search.GetList() = TSearchList();
     FillTypeSearch(TCindermillApp::Get().GetNodeTypes(), nullptr, Search.GetList());
     OpenSearch(point, "Add a node", "No node type is called so", &TGraphActions::OnTypeChosen);
@@ -361,6 +362,7 @@ void TGraphActions::SearchForWire(const TVector2& point, const TWireEnd& end)
 {
     SearchPoint = point;
     SearchEnd = end;
+    Search.SetMarked(nullptr, nullptr);
     Search.GetList() = TSearchList();
     FillTypeSearch(TCindermillApp::Get().GetNodeTypes(), &SearchEnd, Search.GetList());
     OpenSearch(point, end.IsInput ? "Add a node that feeds the wire" : "Add a node that takes the wire",

@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/problemstrip.h"
 
+#include "library/wimp/gdi/gdicontext.h"
 #include "library/wimp/listwalk.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/docwindow.h"
@@ -16,6 +17,8 @@ constexpr TGDIColour Faint = 0x80706E;
 constexpr int MarkSize = 8;
 constexpr int TextLeft = 24;
 constexpr int TextTop = 4;
+constexpr int TextRight = 8;
+constexpr int TipTimer = 1;
 
 // What an entry is drawn with, by what it tells.
 struct TLook
@@ -106,6 +109,8 @@ void TProblemStrip::Refresh()
     const int count = GetNumEntries();
     Hovered = Hovered < count ? Hovered : -1;
     Marked = Marked >= count && count > 0 ? count - 1 : Marked;
+    if (Told != -1 && (Told >= count || GetEntry(Told).Text.Compare(ToldText) != 0))
+        EndTip();
     Redraw();
 }
 
@@ -140,16 +145,15 @@ bool TProblemStrip::OnMessage(const TMessage& message)
         Paint(*message.Context);
         return true;
     case MT_MOUSEMOVE:
-    case MT_MOUSELEAVE: {
-        const int entry = message.Type == MT_MOUSEMOVE ? FindEntry(message.GetPixelY()) : -1;
-        if (entry == Hovered)
-            return true;
-        Hovered = entry;
-        SetCursor(entry != -1 && GetEntry(entry).Node != nullptr ? CU_FINGER : CU_CLASS);
-        Redraw();
+    case MT_MOUSELEAVE:
+        OnPointer(message);
         return true;
-    }
+    case MT_TIMER:
+        StopTimer(TipTimer);
+        TellWhole(FindEntry(PointerY), PointerX, PointerY);
+        return true;
     case MT_LEFTUP:
+        EndTip();
         PressEntry(FindEntry(message.GetPixelY()));
         return true;
     case MT_KEYDOWN:
@@ -167,12 +171,49 @@ bool TProblemStrip::OnMessage(const TMessage& message)
         const int limit = GetLastFirstRow();
         const int row = FirstRow + (message.Delta > 0 ? -1 : 1);
         FirstRow = row > limit ? limit : row < 0 ? 0 : row;
+        EndTip();
         Redraw();
         return true;
     }
     default:
         return false;
     }
+}
+
+void TProblemStrip::OnPointer(const TMessage& message)
+{
+    EndTip();
+    const bool isIn = message.Type == MT_MOUSEMOVE;
+    PointerX = message.GetPixelX();
+    PointerY = message.GetPixelY();
+    if (isIn && message.Buttons == 0)
+        StartTimer(TipTimer, TipMilliseconds);
+    const int entry = isIn ? FindEntry(PointerY) : -1;
+    if (entry == Hovered)
+        return;
+    Hovered = entry;
+    SetCursor(entry != -1 && GetEntry(entry).Node != nullptr ? CU_FINGER : CU_CLASS);
+    Redraw();
+}
+
+void TProblemStrip::TellWhole(int entry, int x, int y)
+{
+    if (entry == -1)
+        return;
+    const TString text = GetEntry(entry).Text;
+    if (GetTextWidth(RowFont, text.Print()) <= GetTextRoom(entry))
+        return;
+    Told = entry;
+    ToldText = text;
+    ShowTip(x, y, text.Print());
+}
+
+void TProblemStrip::EndTip()
+{
+    StopTimer(TipTimer);
+    if (Told != -1)
+        ShowTip(0, 0, nullptr);
+    Told = -1;
 }
 
 bool TProblemStrip::OnKey(int key)
@@ -189,7 +230,11 @@ bool TProblemStrip::OnKey(int key)
     }
     const int entry = WalkList(key, Marked, GetNumEntries(), MaxRows);
     Mark(entry);
-    return entry != -1;
+    if (entry == -1)
+        return false;
+    EndTip();
+    TellWhole(entry, TextLeft, GetEntryTop(entry));
+    return true;
 }
 
 void TProblemStrip::PressEntry(int entry)
@@ -212,7 +257,29 @@ void TProblemStrip::PaintEntry(TGDIContext& context, int i, int width) const
     const int mark = top + (RowHeight - MarkSize) / 2;
     context.Rectangle(MarkSize, mark, 2 * MarkSize, mark + MarkSize);
     context.SetTextColour(leads || entry.Look != ProblemLook ? Ink : Faint);
-    context.TextOutShortened(TextLeft, top + TextTop, width - TextLeft - 8, entry.Text.Print());
+    context.TextOutShortened(TextLeft, top + TextTop, GetTextRoom(i), entry.Text.Print());
+}
+
+TString TProblemStrip::GetRange() const
+{
+    TString range;
+    const int count = GetNumEntries();
+    const int rows = GetWantedHeight() / RowHeight;
+    if (count > rows)
+        range.Format("%d - %d of %d", FirstRow + 1, FirstRow + rows, count);
+    return range;
+}
+
+// The last one in sight leaves room for how many there are.
+int TProblemStrip::GetTextRoom(int entry) const
+{
+    int width = 0;
+    int height = 0;
+    GetSize(width, height);
+    const int room = width - TextLeft - TextRight;
+    const TString range = GetRange();
+    const bool isLast = entry == FirstRow + GetWantedHeight() / RowHeight - 1;
+    return isLast && !range.IsEmpty() ? room - GetTextWidth(RowFont, range.Print()) - TextRight : room;
 }
 
 void TProblemStrip::Paint(TGDIContext& context) const
@@ -228,16 +295,10 @@ void TProblemStrip::Paint(TGDIContext& context) const
     context.Line(0, 0, width, 0);
     if (HasFocus())
         context.FocusFrame(0, GetEntryTop(Marked), width, GetEntryTop(Marked) + RowHeight);
-    const int rows = height / RowHeight;
-    if (count <= rows)
-        return;
-    TString more;
-    more.Format("%d - %d of %d", FirstRow + 1, FirstRow + rows, count);
-    int textWidth = 0;
-    int textHeight = 0;
-    context.GetTextExtent(more.Print(), textWidth, textHeight);
+    const TString range = GetRange();
     context.SetTextColour(Faint);
-    context.TextOut(width - textWidth - 8, height - RowHeight + TextTop, more.Print());
+    context.TextOut(width - GetTextWidth(RowFont, range.Print()) - TextRight, height - RowHeight + TextTop,
+                    range.Print());
 }
 
 void TProblemAccess::ListItems(vector<TAccessibleItem>& items)

@@ -25,7 +25,8 @@ private:
 // What keeps the effect from running, below the graph for as long as it does, and behind it how preview and
 // export agree, from an export to the next edit: a click on an entry shows its node. That they agree is not
 // said of a preview that does not run. With the keys, the arrows mark an entry, Return and Space are the
-// click, and Escape leads back to the graph.
+// click, and Escape leads back to the graph. An entry that has no room for its text is told whole where the
+// pointer rests, and where the keys mark it.
 class TProblemStrip : public TWindow
 {
 public:
@@ -53,6 +54,8 @@ public:
     // The entry that the keys are at.
     int GetMarked() const { return Marked; }
     void Mark(int entry);
+    // The entry that a tip tells whole; -1 for none.
+    int GetTold() const { return Told; }
     // As a click on it.
     void PressEntry(int entry);
     // Of an entry, whether or not it is in sight.
@@ -62,6 +65,13 @@ private:
     int GetNumVerdictLines() const;
     int GetLastFirstRow() const;
     bool OnKey(int key);
+    void OnPointer(const TMessage& message);
+    void TellWhole(int entry, int x, int y);
+    void EndTip();
+    // Which of them are in sight; empty for all.
+    TString GetRange() const;
+    // What an entry has for its text.
+    int GetTextRoom(int entry) const;
     void Paint(TGDIContext& context) const;
     void PaintEntry(TGDIContext& context, int i, int width) const;
     // -1 for none.
@@ -71,5 +81,10 @@ private:
     int FirstRow = 0;
     int Hovered = -1;
     int Marked = 0;
+    // Where the pointer came to rest.
+    int PointerX = 0;
+    int PointerY = 0;
+    int Told = -1;
+    TString ToldText;
     TProblemAccess Access{*this};
 };

@@ -57,7 +57,7 @@ bool TResourceDialog::ChooseResource(const char* title, const vector<TPathFilter
     return true;
 }
 
-// What belongs to an effect lies mostly beside it, or where its other files were.
+// What belongs to an effect lies mostly beside it, or where the last file was.
 void TResourceDialog::GetFirstFolder(TString& folder) const
 {
     folder = LastFolder;

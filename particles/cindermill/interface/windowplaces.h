@@ -12,6 +12,8 @@ struct TEffectPlaces
 {
     TString Path;
     TString View;
+    // Of a second view, which is opened by hand.
+    TString Second;
     TString Display;
 };
 
@@ -27,6 +29,8 @@ public:
 
     const TString& GetMain() const { return Main; }
     void SetMain(const char* place) { Main = place; }
+    // Of the trace that was closed last, of whatever effect.
+    TString& UseTrace() { return Trace; }
     // Null for one that is not known.
     const TEffectPlaces* FindEffect(const char* path) const;
     // Becomes the newest; the oldest beyond the limit go.
@@ -39,6 +43,7 @@ private:
 
     TOwner<TSettingsStore> Store;
     TString Main;
+    TString Trace;
     // Oldest first.
     vector<TEffectPlaces> Effects;
 };

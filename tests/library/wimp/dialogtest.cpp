@@ -421,6 +421,31 @@ TEST_F(TMessageTest, AMessageAfterADialogStandsOverTheWindowThatTheDialogStoodOv
     EXPECT_EQ(owner, second.GetHandle());
 }
 
+TEST_F(TMessageTest, AFailedAssertionIsToldOverTheWindowThatHasTheKeys)
+{
+    struct TFailed
+    {
+    };
+    TWindowClass windowClass("test_assertowner");
+    TWindow window;
+    ShowTopWindow(window, windowClass);
+    window.MoveTo(500, 300, 200, 100);
+    window.SetFocus();
+    ASSERT_TRUE(WaitFor([&] { return QApplication::activeWindow() == window.GetHandle(); }));
+    const QWidget* owner = nullptr;
+    QPoint middle;
+    TWindowTest::Meet("assertfailure", [&](QDialog& dialog) {
+        owner = dialog.parentWidget();
+        middle = dialog.frameGeometry().center();
+        dialog.reject();
+    });
+    SetAssertHook([](const char*, const char*, unsigned) { throw TFailed(); });
+    EXPECT_THROW(AssertFail("1 == 2", "f.cpp", 4), TFailed);
+    SetAssertHook(nullptr);
+    EXPECT_EQ(owner, window.GetHandle());
+    EXPECT_LT((middle - window.GetHandle()->frameGeometry().center()).manhattanLength(), 100);
+}
+
 TEST_F(TMessageTest, AnInformationHasAWarningIconAndOneButton)
 {
     Meet([](QDialog& dialog) {

@@ -1,9 +1,11 @@
 #include "support/windowtest.h"
 
+#include "library/wimp/gdi/gdibitmap.h"
 #include "library/wimp/gl/renderer.h"
 #include "library/wimp/gl/renderobject.h"
 #include "library/wimp/wimp.h"
 
+#include <QtGui/QCursor>
 #include <QtGui/QImage>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPixmap>
@@ -248,4 +250,31 @@ TEST_F(Scaled, LinesAreEquallyThickAndRectanglesTouch)
     const int expected = std::max(1, static_cast<int>(std::ceil(scale - 0.5)));
     EXPECT_EQ(thicknesses(static_cast<int>(50 * scale)), std::vector<int>(20, expected));
     EXPECT_EQ(thicknesses(static_cast<int>(250 * scale)), std::vector<int>(40, expected));
+}
+
+TEST_F(Scaled, MousePointersAreDrawnForTheScreensDotsAndTouchWithTheirTip)
+{
+    constexpr int Size = 32;
+    for (const TCursor cursor : {CU_DRAG, CU_DROP}) {
+        Window.SetCursor(cursor);
+        const QCursor pointer = Window.GetHandle()->cursor();
+        ASSERT_EQ(pointer.shape(), Qt::BitmapCursor);
+        QImage image = pointer.pixmap().toImage();
+        EXPECT_NEAR(image.devicePixelRatio(), GetScale(), 1e-4);
+        ASSERT_EQ(image.size(), QSize(Size, Size) * GetScale());
+        EXPECT_GT(qAlpha(image.pixel(pointer.hotSpot())), 100);
+        EXPECT_EQ(pointer.hotSpot().x(), std::lround(GetScale()));
+        EXPECT_EQ(pointer.hotSpot().y(), std::lround(GetScale()));
+        // Not drawn for another screen and made as large.
+        const int picture = cursor == CU_DRAG ? PI_DRAG : PI_DROP;
+        TGDIBitmap small;
+        ASSERT_TRUE(small.Load(picture));
+        const QImage scaled =
+            small.GetImage().scaled(image.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        image.setDevicePixelRatio(1);
+        if (GetScale() > 1) {
+            EXPECT_NE(image.convertToFormat(QImage::Format_ARGB32),
+                      scaled.convertToFormat(QImage::Format_ARGB32));
+        }
+    }
 }

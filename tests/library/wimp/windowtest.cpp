@@ -3,7 +3,10 @@
 #include "library/wimp/gl/glcontext.h"
 #include "library/wimp/windowpeer.h"
 
+#include <QtGui/QTextDocumentFragment>
 #include <QtTest/QTest>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QToolTip>
 
 TEST_F(TWindowClassTest, AClassIsRegisteredOnce)
 {
@@ -347,4 +350,25 @@ TEST_F(TWindowClassTest, TheInnermostWindowIsFoundUnderAPoint)
     EXPECT_EQ(TWindow::FromPoint(40 + 110, 40 + 60), &child);
     EXPECT_EQ(TWindow::FromPoint(40 + 10, 40 + 10), &Window);
     EXPECT_EQ(TWindow::FromPoint(1500, 1100), nullptr);
+}
+
+TEST_F(TWindowClassTest, ALongTipIsReadInSeveralLinesAsItWasWritten)
+{
+    std::string text;
+    for (int i = 0; i < 40; ++i)
+        text += "It's \"here\" & <there>. ";
+    text += "End";
+    Window.ShowTip(10, 10, text.c_str());
+    ASSERT_TRUE(QToolTip::isVisible());
+    const QLabel* tip = nullptr;
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+        if (widget->inherits("QTipLabel") && widget->isVisible())
+            tip = qobject_cast<const QLabel*>(widget);
+    ASSERT_NE(tip, nullptr);
+    ASSERT_TRUE(Qt::mightBeRichText(tip->text()));
+    EXPECT_EQ(QTextDocumentFragment::fromHtml(tip->text()).toPlainText().toStdString(), text);
+    EXPECT_LT(tip->width(), 1000);
+    EXPECT_GT(tip->height(), 2 * tip->fontMetrics().height());
+    Window.ShowTip(0, 0, nullptr);
+    EXPECT_TRUE(WaitFor([] { return !QToolTip::isVisible(); }));
 }

@@ -7,10 +7,6 @@
 
 #include <cmath>
 
-namespace {
-
-} // namespace
-
 TLintPopulation::TLintPopulation(const TEffectSchedule& schedule, const TLintOptions& options)
     : Schedule(schedule), Options(options)
 {

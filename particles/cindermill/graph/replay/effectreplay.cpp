@@ -5,9 +5,6 @@
 #include "library/maths/scalar.h"
 #include "particles/cindermill/graph/replay/birthsource.h"
 
-namespace {
-} // namespace
-
 class TEffectReplay::TGroupListener : public TReplayListener
 {
 public:

@@ -3,9 +3,6 @@
 #include "library/wimp/gl/renderer.h"
 #include "particles/cindermill/interface/controls/controlhost.h"
 
-namespace {
-}
-
 TScrollPane::TScrollPane(TControlHost& host) : Host(host), Bar(host)
 {
     AddObject(&Content);

@@ -60,9 +60,11 @@ TString GetWires(const TEffectNode& node)
     if (!destinations.IsEmpty())
         text += destinations;
     else if (!sources.IsEmpty())
-        text.Format("from %s", sources.Print());
+        text = "from ";
     else
         text = "not wired";
+    if (destinations.IsEmpty())
+        text += sources;
     return text;
 }
 

@@ -33,10 +33,23 @@ void GetWireRefusal(TEffectNode* source, int sourcePort, TEffectNode* destinatio
     }
     const TNodeType& from = *source->GetNodeType();
     const TNodeType& to = *destination->GetNodeType();
-    reason.Format("\"%s\" of %s is a %s, which \"%s\" of %s (%s) does not take",
-                  from.GetOutput(sourcePort).Name.Print(), from.Name.Print(),
-                  GetTypeName(from.GetOutputType(sourcePort)), to.GetInput(destinationPort)->Name.Print(),
-                  to.Name.Print(), GetTypeName(to.GetInputType(destinationPort)));
+    // Piece by piece, as no format takes four names of the greatest length.
+    const char* const pieces[] = {"\"",
+                                  from.GetOutput(sourcePort).Name.Print(),
+                                  "\" of ",
+                                  from.Name.Print(),
+                                  " is a ",
+                                  GetTypeName(from.GetOutputType(sourcePort)),
+                                  ", which \"",
+                                  to.GetInput(destinationPort)->Name.Print(),
+                                  "\" of ",
+                                  to.Name.Print(),
+                                  " (",
+                                  GetTypeName(to.GetInputType(destinationPort)),
+                                  ") does not take"};
+    reason = "";
+    for (const char* piece : pieces)
+        reason += piece;
 }
 
 void Wire(TDocument& document, TToolNode* source, int sourcePort, TToolNode* destination, int destinationPort)

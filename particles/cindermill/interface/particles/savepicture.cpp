@@ -42,8 +42,10 @@ void GetFirstFolder(const TDocument& document, TString& folder)
 // Whatever is typed, a picture of this kind is what is written.
 void AddExtension(TString& path)
 {
+    const int length = TString(Extension).Length();
     TString end;
-    end.Right(path, TString(Extension).Length());
+    if (path.Length() >= length)
+        end.Right(path, length);
     if (end.Compare(Extension) != 0)
         path += Extension;
 }

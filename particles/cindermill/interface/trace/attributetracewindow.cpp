@@ -41,17 +41,25 @@ TAttributeTraceWindow::TAttributeTraceWindow(TDocument& document, TToolNode& nod
 {
 }
 
-TAttributeTraceWindow::~TAttributeTraceWindow() = default;
+TAttributeTraceWindow::~TAttributeTraceWindow()
+{
+    if (LastPlace != nullptr)
+        GetPlace(*LastPlace);
+}
 
-bool TAttributeTraceWindow::Open(TDocument& document, TToolNode& node, TWindow* main, const TWindow* graph)
+bool TAttributeTraceWindow::Open(TDocument& document, TToolNode& node, TWindow* main, const TWindow* graph,
+                                 TString* place)
 {
     TAttributeTraceWindow* window = Find(node);
     if (window == nullptr) {
         TOwner<TAttributeTraceWindow> made(new TAttributeTraceWindow(document, node));
-        const TTracePlace place = FindPlace(main, graph);
-        made->Create(place.Area);
-        if (main != nullptr && place.StaysInFront)
+        const TTracePlace room = FindPlace(main, graph);
+        made->Create(room.Area);
+        if (main != nullptr && room.StaysInFront)
             made->StayOver(*main);
+        if (place != nullptr && GetWindows().empty())
+            made->SetPlace(*place);
+        made->LastPlace = place;
         made->Rebuild();
         window = made.Get();
         GetWindows().push_back(made.Release());

@@ -19,9 +19,10 @@ public:
     // Opens a node's window, or brings the one that it has to the front. The document and the node stay the
     // caller's; CloseAll and Close are to be called before they go. Asserts
     // "0 : Failed to create attrib trace window". A new one stays in front of the main window, if one is
-    // given, as long as that leaves the graph in sight.
+    // given, as long as that leaves the graph in sight. The only one comes where the last one stood, and each
+    // tells that when it goes; the text must stay as long.
     static bool Open(TDocument& document, TToolNode& node, TWindow* main = nullptr,
-                     const TWindow* graph = nullptr);
+                     const TWindow* graph = nullptr, TString* place = nullptr);
     // The node's window; null for none.
     static TAttributeTraceWindow* Find(const TToolNode& node);
     static int GetNumWindows(const TDocument& document);
@@ -70,6 +71,8 @@ private:
     TTraceGraphs Graphs;
     TSplitWindow Split;
     TKeyboardShortcut Shortcuts;
+    // Null where nobody wants it.
+    TString* LastPlace = nullptr;
     // The panes are being made anew: what their controls report is no choice of a person's.
     bool Rebuilding = false;
     // The engine has gone since the panes were made.

@@ -4,6 +4,8 @@
 #include "library/system/path.h"
 #include "particles/cindermill/interface/displayplace.h"
 
+#include "particles/cindermill/interface/trace/attributetracewindow.h"
+
 #include <QtGui/QWindow>
 
 namespace {
@@ -27,6 +29,11 @@ protected:
     static std::string DisplayTitle(TDocument* document)
     {
         return TitleOf(*WindowsOf(*document).GetParticleWindow());
+    }
+    // Where a view stands in the main window.
+    static QRect FrameOf(TDocument& document, int i)
+    {
+        return ViewOf(document, i).GetHandle()->parentWidget()->geometry();
     }
     // Whether the display stays in front of the main window.
     bool StaysInFront(TDocument& document)
@@ -423,4 +430,75 @@ TEST_F(DocumentWindows, ALineOfTheBudgetBringsTheGraphOfItsEffectToTheFront)
     clickLine();
     EXPECT_FALSE(view->isMinimized());
     EXPECT_EQ(Frame.GetActiveChild(), &ViewOf(*first));
+}
+
+TEST_F(DocumentWindows, ASecondViewComesWhereItWasClosed)
+{
+    TWindowPlaces places(nullptr);
+    Host.Places = &places;
+    const std::string path = SavedDocument("second.effect");
+    const QRect first(10, 20, 400, 300);
+    const QRect second(420, 60, 350, 280);
+    TDocument* document = LoadDocument(path);
+    ASSERT_NE(document, nullptr);
+    ViewOf(*document).GetHandle()->parentWidget()->setGeometry(first);
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    ViewOf(*document, 1).GetHandle()->parentWidget()->setGeometry(second);
+    CloseView(*document, 1);
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    EXPECT_EQ(FrameOf(*document, 1), second);
+    // A third one is a further one of the cascade.
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    EXPECT_NE(FrameOf(*document, 2), second);
+    App.Get().CloseDocument(document);
+    document = LoadDocument(path);
+    ASSERT_NE(document, nullptr);
+    // It is opened by hand.
+    ASSERT_EQ(WindowsOf(*document).GetNumWindows(), 1);
+    EXPECT_EQ(FrameOf(*document, 0), first);
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    EXPECT_EQ(FrameOf(*document, 1), second);
+    // The one that goes leaves its place, whichever it was.
+    CloseView(*document, 0);
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    EXPECT_EQ(FrameOf(*document, 0), second);
+    EXPECT_EQ(FrameOf(*document, 1), first);
+    App.Get().CloseDocument(document);
+    Host.Places = nullptr;
+}
+
+TEST_F(DocumentWindows, ATraceComesWhereTheLastOneStood)
+{
+    TWindowPlaces places(nullptr);
+    Host.Places = &places;
+    const QRect place(300, 200, 640, 420);
+    for (int time = 0; time < 2; ++time) {
+        TDocument* document = NewDocument();
+        ASSERT_NE(document, nullptr);
+        TToolNode* node = AddNode(*document, "Gravity", 0, 0);
+        TToolNode* other = AddNode(*document, "Gravity", 0, 300);
+        WindowsOf(*document).OpenTrace(*node, ViewOf(*document));
+        Settle();
+        QWidget* trace = TAttributeTraceWindow::Find(*node)->GetHandle();
+        if (time == 0)
+            trace->setGeometry(place);
+        Settle();
+        EXPECT_EQ(trace->geometry(), place);
+        // Not upon each other.
+        WindowsOf(*document).OpenTrace(*other, ViewOf(*document));
+        Settle();
+        EXPECT_NE(TAttributeTraceWindow::Find(*other)->GetHandle()->pos(), trace->pos());
+        TAttributeTraceWindow::Close(*other);
+        trace->close();
+        Settle();
+        ASSERT_EQ(TAttributeTraceWindow::Find(*node), nullptr);
+        WindowsOf(*document).OpenTrace(*node, ViewOf(*document));
+        Settle();
+        EXPECT_EQ(TAttributeTraceWindow::Find(*node)->GetHandle()->geometry(), place);
+        document->SetModified(false);
+        App.Get().CloseDocument(document);
+        ASSERT_TRUE(App.Get().GetDocuments().empty());
+    }
+    EXPECT_FALSE(places.UseTrace().IsEmpty());
+    Host.Places = nullptr;
 }

@@ -5,6 +5,8 @@
 
 #include <QtGui/QAccessible>
 #include <QtGui/QImage>
+#include <QtGui/QTextDocumentFragment>
+#include <QtWidgets/QToolTip>
 
 #include <filesystem>
 
@@ -51,6 +53,11 @@ protected:
                 if (FindTexture(*schedule.GetNode(schedule.GetTiedNode(g, i))) == &texture)
                     return g;
         return -1;
+    }
+    void SetWidth(int width) { Strip().MoveTo(0, 300, width, Strip().GetWantedHeight()); }
+    static std::string Tip()
+    {
+        return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText().toStdString();
     }
     void Connect(TToolNode* source, const char* output, TToolNode* destination, const char* input)
     {
@@ -420,4 +427,71 @@ TEST_F(ProblemStrip, TheKeysStayInTheViewWhenTheProblemsAreMended)
     Connect(Points, "Start Transform", Stage, "Transform");
     EXPECT_FALSE(Strip().IsShown());
     EXPECT_TRUE(Graph().HasFocus());
+}
+
+TEST_F(ProblemStrip, WhereThePointerRestsAnEntryThatIsCutIsToldWhole)
+{
+    Document->RebuildSchedule(false);
+    ASSERT_GT(Strip().GetNumEntries(), 1);
+    SetWidth(150);
+    const std::string text = Text(Strip().GetEntry(1).Text);
+    const QAccessibleInterface& list = *QAccessible::queryAccessibleInterface(Strip().GetHandle());
+    EXPECT_EQ(list.child(1)->text(QAccessible::Name).toStdString(), text);
+    Move(Strip(), QPoint(60, Strip().GetEntryTop(1) + 10), Qt::NoButton);
+    ASSERT_TRUE(WaitFor([] { return QToolTip::isVisible(); }));
+    EXPECT_EQ(Tip(), text);
+    EXPECT_EQ(Strip().GetTold(), 1);
+    Move(Strip(), QPoint(60, 10), Qt::NoButton);
+    EXPECT_EQ(Strip().GetTold(), -1);
+    EXPECT_TRUE(WaitFor([] { return !QToolTip::isVisible(); }));
+}
+
+TEST_F(ProblemStrip, TheKeysTellAnEntryWholeWhereItIsCutAndOnlyThere)
+{
+    Document->RebuildSchedule(false);
+    ASSERT_GT(Strip().GetNumEntries(), 2);
+    SetWidth(1500);
+    Key(Strip(), Qt::Key_Down);
+    EXPECT_FALSE(QToolTip::isVisible());
+    SetWidth(150);
+    Key(Strip(), Qt::Key_Down);
+    ASSERT_TRUE(QToolTip::isVisible());
+    EXPECT_EQ(Tip(), Text(Strip().GetEntry(2).Text));
+    // It is mended.
+    Connect(First, "Count", Points, "Emission Trigger");
+    Connect(Points, "Start Transform", Stage, "Transform");
+    EXPECT_EQ(Strip().GetTold(), -1);
+}
+
+TEST_F(ProblemStrip, TheLastLineLeavesRoomForHowManyThereAre)
+{
+    for (int i = 0; i < 6; ++i)
+        AddNode(*Document, "Quad Render Stage", 4000, 4000 + 400 * i);
+    Document->RebuildSchedule(false);
+    ASSERT_GT(Strip().GetNumEntries(), TProblemStrip::MaxRows);
+    // A width in which each of the entries in sight has room for its text, but the last none for more.
+    const auto hasTip = [&](int entry) {
+        Strip().Mark(0);
+        for (int i = 0; i < entry; ++i)
+            Key(Strip(), Qt::Key_Down);
+        return Strip().GetTold() != -1;
+    };
+    const int last = TProblemStrip::MaxRows - 1;
+    int width = 100;
+    for (SetWidth(width); hasTip(last); SetWidth(width += 4))
+        ASSERT_LT(width, 3000);
+    const QImage whole = Strip().GetHandle()->grab().toImage();
+    ASSERT_FALSE(whole.isNull());
+    // Right of the text there is a gap before how many there are.
+    const int middle = last * TProblemStrip::RowHeight + TProblemStrip::RowHeight / 2;
+    int gap = 0;
+    int widest = 0;
+    for (int x = 24; x < whole.width() - 8; ++x) {
+        bool isEmpty = true;
+        for (int y = middle - 7; y < middle + 7; ++y)
+            isEmpty = isEmpty && (whole.pixel(x, y) & 0xFFFFFF) == 0xFBE9E6;
+        gap = isEmpty ? gap + 1 : 0;
+        widest = std::max(widest, gap);
+    }
+    EXPECT_GE(widest, 7);
 }

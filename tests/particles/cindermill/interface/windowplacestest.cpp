@@ -32,17 +32,23 @@ TEST_F(WindowPlaces, TheyComeBackInTheNextRun)
         places.SetMain("main");
         places.SetEffect(Places("\\fx\\one.effect", "1 2 3 4 0", "one"));
         places.SetEffect(Places("\\fx\\two.effect", "5 6 7 8 1", "two"));
-        places.SetEffect(Places("\\fx\\one.effect", "9 9 9 9 0", "anew"));
+        TEffectPlaces anew = Places("\\fx\\one.effect", "9 9 9 9 0", "anew");
+        anew.Second = "7 7 7 7 0";
+        places.SetEffect(anew);
+        places.UseTrace() = "trace";
         places.Save();
     }
-    const TWindowPlaces places(Store());
+    TWindowPlaces places(Store());
     EXPECT_EQ(Text(places.GetMain()), "main");
+    EXPECT_EQ(Text(places.UseTrace()), "trace");
     const TEffectPlaces* one = places.FindEffect("\\fx\\one.effect");
     ASSERT_NE(one, nullptr);
     EXPECT_EQ(Text(one->View), "9 9 9 9 0");
+    EXPECT_EQ(Text(one->Second), "7 7 7 7 0");
     EXPECT_EQ(Text(one->Display), "anew");
     ASSERT_NE(places.FindEffect("\\fx\\two.effect"), nullptr);
     EXPECT_EQ(Text(places.FindEffect("\\fx\\two.effect")->View), "5 6 7 8 1");
+    EXPECT_TRUE(places.FindEffect("\\fx\\two.effect")->Second.IsEmpty());
     EXPECT_EQ(places.FindEffect("\\fx\\three.effect"), nullptr);
 }
 
