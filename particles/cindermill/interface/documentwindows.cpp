@@ -67,10 +67,12 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
     if (known != nullptr)
         SecondPlace = known->Second;
     PlaceDisplay();
+    const bool isInSight = IsGraphInSight();
     if (known != nullptr)
         ParticleWindow->SetPlace(known->Display);
-    // One that hides the graph can be sent behind it by a click.
-    if (ParticleWindow->IsMaximised() || !IsGraphInSight())
+    // One that hides the graph can be sent behind it by a click; one that comes back is where its owner
+    // wanted it.
+    if (!isInSight || ParticleWindow->IsMaximised())
         return;
     ParticleWindow->StayOver(*Frame);
     // With the frame that this kind of window has.

@@ -400,6 +400,27 @@ TEST_F(DocumentWindows, ADisplayThatComesBackStaysInFrontAsTheFirstTime)
     Host.Places = nullptr;
 }
 
+TEST_F(DocumentWindows, ADisplayThatComesBackFillingTheScreenCanBeSentBehind)
+{
+    TWindowPlaces places(nullptr);
+    Host.Places = &places;
+    const std::string path = SavedDocument("places.effect");
+    TEffectPlaces known;
+    known.Path = path.c_str();
+    known.View = "0 0 500 400 0";
+    for (const char* display : {"520 0 400 300 0", "520 0 400 300 1"}) {
+        known.Display = display;
+        places.SetEffect(known);
+        TDocument* document = LoadDocument(path);
+        ASSERT_NE(document, nullptr);
+        const bool fills = display[std::string(display).size() - 1] == '1';
+        EXPECT_EQ(fills, WindowsOf(*document).GetParticleWindow()->IsMaximised());
+        EXPECT_EQ(!fills, StaysInFront(*document));
+        App.Get().CloseDocument(document);
+    }
+    Host.Places = nullptr;
+}
+
 TEST_F(DocumentWindows, ALineOfTheBudgetBringsTheGraphOfItsEffectToTheFront)
 {
     App.Get().GetResourceLocator().AddSearchDirectory(SourcePath("samples").c_str());
