@@ -420,6 +420,12 @@ TEST_F(DocumentWindows, ASecondViewComesWhereItWasClosed)
     ASSERT_TRUE(document->GetHost()->NewView(*document));
     EXPECT_EQ(FrameOf(*document, 0), second);
     EXPECT_EQ(FrameOf(*document, 1), first);
+    ViewOf(*document, 1).GetHandle()->parentWidget()->showMaximized();
+    CloseView(*document, 1);
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    EXPECT_TRUE(ViewOf(*document, 1).GetHandle()->parentWidget()->isMaximized());
+    ViewOf(*document, 1).GetHandle()->parentWidget()->showNormal();
+    EXPECT_EQ(FrameOf(*document, 1), first);
     App.Get().CloseDocument(document);
     Host.Places = nullptr;
 }

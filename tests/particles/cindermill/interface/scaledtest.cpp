@@ -30,7 +30,6 @@ protected:
         Document = LoadDocument(SourcePath("samples/fountain.effect"));
         ASSERT_NE(Document, nullptr);
         Node = AddNode(*Document, "Gravity", 1203, 1207);
-        NumNodes = Document->GetGraph()->GetNumNodes();
         // The node, and nothing else, at the top left.
         SetView(Graph(), -1150, -1150, 1);
         Document->ClearSelection();
@@ -155,6 +154,7 @@ protected:
     }
     void ExpectTypes()
     {
+        const int numNodes = Document->GetGraph()->GetNumNodes();
         TDocTool& tool = ViewOf(*Document).GetTool();
         const vector<TPaletteRow>& rows = tool.GetPalette().GetRows();
         const auto press = [&](int dot) {
@@ -175,7 +175,7 @@ protected:
             EXPECT_EQ(press(last + 1), row + 1);
             EXPECT_EQ(press(last), row);
         }
-        EXPECT_EQ(Document->GetGraph()->GetNumNodes(), NumNodes);
+        EXPECT_EQ(Document->GetGraph()->GetNumNodes(), numNodes);
     }
     // Whether the object under the pointer belongs to the node.
     bool IsOnNode(int x, int y)
@@ -190,7 +190,6 @@ protected:
 
     TDocument* Document = nullptr;
     TToolNode* Node = nullptr;
-    int NumNodes = 0;
 };
 
 } // namespace
@@ -327,7 +326,8 @@ TEST_F(Scaled, ThePreviewFillsItsWindow)
 
 TEST_F(Scaled, ARowOfAListIsItsOwnToTheLastDot)
 {
-    ExpectTypes();
     ExpectSearchRows();
+    Graph().GetActions().CloseSearch();
     ExpectProblems();
+    ExpectTypes();
 }
