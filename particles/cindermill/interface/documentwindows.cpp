@@ -144,9 +144,9 @@ bool TDocumentWindows::AddView(TDocument& document)
     TOwner<TDocWindow> window(new TDocWindow(*this));
     if (!window->Create(document, Frame))
         return false;
-    if (Windows.size() == 1)
-        window->SetPlace(SecondPlace);
     Windows.push_back(window.Release());
+    if (Windows.size() == 2)
+        Windows[1]->SetPlace(SecondPlace);
     Windows.back()->Show();
     UpdateTitles(document);
     return true;

@@ -408,12 +408,16 @@ TEST_F(DocumentWindows, ADisplayThatComesBackFillingTheScreenCanBeSentBehind)
     TEffectPlaces known;
     known.Path = path.c_str();
     known.View = "0 0 500 400 0";
-    for (const char* display : {"520 0 400 300 0", "520 0 400 300 1"}) {
-        known.Display = display;
-        places.SetEffect(known);
+    places.SetEffect(known);
+    for (const bool fills : {false, true}) {
         TDocument* document = LoadDocument(path);
         ASSERT_NE(document, nullptr);
-        const bool fills = display[std::string(display).size() - 1] == '1';
+        WindowsOf(*document).GetParticleWindow()->GetHandle()->setWindowState(fills ? Qt::WindowMaximized
+                                                                                    : Qt::WindowNoState);
+        Settle();
+        App.Get().CloseDocument(document);
+        document = LoadDocument(path);
+        ASSERT_NE(document, nullptr);
         EXPECT_EQ(fills, WindowsOf(*document).GetParticleWindow()->IsMaximised());
         EXPECT_EQ(!fills, StaysInFront(*document));
         App.Get().CloseDocument(document);
@@ -483,6 +487,12 @@ TEST_F(DocumentWindows, ASecondViewComesWhereItWasClosed)
     CloseView(*document, 0);
     ASSERT_TRUE(document->GetHost()->NewView(*document));
     EXPECT_EQ(FrameOf(*document, 0), second);
+    EXPECT_EQ(FrameOf(*document, 1), first);
+    ViewOf(*document, 1).GetHandle()->parentWidget()->showMaximized();
+    CloseView(*document, 1);
+    ASSERT_TRUE(document->GetHost()->NewView(*document));
+    EXPECT_TRUE(ViewOf(*document, 1).GetHandle()->parentWidget()->isMaximized());
+    ViewOf(*document, 1).GetHandle()->parentWidget()->showNormal();
     EXPECT_EQ(FrameOf(*document, 1), first);
     App.Get().CloseDocument(document);
     Host.Places = nullptr;

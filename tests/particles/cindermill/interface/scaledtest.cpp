@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 
 // Run on an ordinary screen and, in runs of their own, on screens of several scales.
 
@@ -90,6 +91,91 @@ protected:
         QMouseEvent event(type, at, widget->mapToGlobal(at), isMove ? Qt::NoButton : Qt::LeftButton,
                           isDown ? Qt::LeftButton : Qt::NoButton, {});
         QApplication::sendEvent(widget, &event);
+    }
+    // Without a button.
+    static void Point(TWindow& window, int x, int y)
+    {
+        const QPointF at(x / GetScale(), y / GetScale());
+        QMouseEvent event(QEvent::MouseMove, at, window.GetHandle()->mapToGlobal(at), Qt::NoButton,
+                          Qt::NoButton, {});
+        QApplication::sendEvent(window.GetHandle(), &event);
+    }
+    // That a row, given in pixels, is the one under the pointer from its first dot to its last, and painted
+    // so there.
+    static void ExpectRow(TWindow& window, int top, int height, QRgb colour,
+                          const std::function<bool()>& isIt)
+    {
+        const int first = static_cast<int>(std::ceil(top * GetScale()));
+        const int last = static_cast<int>(std::ceil((top + height) * GetScale())) - 1;
+        Point(window, 10, first - 1);
+        EXPECT_FALSE(isIt());
+        Point(window, 10, first);
+        EXPECT_TRUE(isIt());
+        Point(window, 10, last + 1);
+        EXPECT_FALSE(isIt());
+        Point(window, 10, last);
+        EXPECT_TRUE(isIt());
+        const QImage image = window.GetHandle()->grab().toImage();
+        // Near the left edge no text and no mark stands.
+        const int x = static_cast<int>(5 * GetScale());
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y)
+            if ((image.pixel(x, y) & 0xFFFFFF) == colour) {
+                ++count;
+                EXPECT_GE(y, first - 1);
+                EXPECT_LE(y, last + 1);
+            }
+        EXPECT_NEAR(count, height * GetScale(), 1.01);
+    }
+    // Each list, row by row.
+    void ExpectSearchRows()
+    {
+        Key(Graph(), Qt::Key_Tab);
+        TSearchPopup& popup = Graph().GetActions().GetSearch();
+        ASSERT_TRUE(popup.IsOpen());
+        for (const int row : {1, 2, 5})
+            ExpectRow(popup, popup.GetRowTop(row), TSearchPopup::RowHeight, 0xCFE0F5,
+                      [&] { return popup.GetMarked() == row; });
+    }
+    void ExpectProblems()
+    {
+        constexpr QRgb Hover = 0xF6D9D4;
+        for (int i = 0; i < 3; ++i)
+            AddNode(*Document, "Quad Render Stage", 1500, 1200 + 300 * i);
+        Document->RebuildSchedule(false);
+        TProblemStrip& strip = ViewOf(*Document).GetProblems();
+        ASSERT_GE(strip.GetNumEntries(), 3);
+        for (const int row : {1, 2})
+            ExpectRow(strip, strip.GetEntryTop(row), TProblemStrip::RowHeight, Hover, [&] {
+                const QImage image = strip.GetHandle()->grab().toImage();
+                const double middle = strip.GetEntryTop(row) + TProblemStrip::RowHeight / 2.0;
+                return (image.pixel(4, static_cast<int>(middle * GetScale())) & 0xFFFFFF) == Hover;
+            });
+    }
+    void ExpectTypes()
+    {
+        const int numNodes = Document->GetGraph()->GetNumNodes();
+        TDocTool& tool = ViewOf(*Document).GetTool();
+        const vector<TPaletteRow>& rows = tool.GetPalette().GetRows();
+        const auto press = [&](int dot) {
+            const QPointF at(60, dot / GetScale());
+            for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+                QMouseEvent event(type, at, tool.GetHandle()->mapToGlobal(at), Qt::LeftButton,
+                                  type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, {});
+                QApplication::sendEvent(tool.GetHandle(), &event);
+            }
+            return tool.GetMarked();
+        };
+        for (const int row : {2, 5, 9}) {
+            const int first = static_cast<int>(std::ceil(rows[row].Top * GetScale()));
+            const int last =
+                static_cast<int>(std::ceil((rows[row].Top + TPalette::RowHeight) * GetScale())) - 1;
+            EXPECT_EQ(press(first - 1), row - 1);
+            EXPECT_EQ(press(first), row);
+            EXPECT_EQ(press(last + 1), row + 1);
+            EXPECT_EQ(press(last), row);
+        }
+        EXPECT_EQ(Document->GetGraph()->GetNumNodes(), numNodes);
     }
     // Whether the object under the pointer belongs to the node.
     bool IsOnNode(int x, int y)
@@ -236,4 +322,12 @@ TEST_F(Scaled, ThePreviewFillsItsWindow)
     EXPECT_NEAR(black.right(), expected.right(), 3 * GetScale());
     EXPECT_NEAR(black.top(), expected.top(), 3 * GetScale());
     EXPECT_NEAR(black.bottom(), expected.bottom(), 3 * GetScale());
+}
+
+TEST_F(Scaled, ARowOfAListIsItsOwnToTheLastDot)
+{
+    ExpectSearchRows();
+    Graph().GetActions().CloseSearch();
+    ExpectProblems();
+    ExpectTypes();
 }
