@@ -92,7 +92,7 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_NAME cindermill)
 set(CPACK_DEBIAN_TOOL_DESCRIPTION "Authoring tool for particle effects
 Typed nodes are wired into a graph, which runs live in a preview and is
 exported as a file that a games console runs as it stands.")
-set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "cindermill-batch (= ${PROJECT_VERSION}), qt6-qpa-plugins, libgl1-mesa-dri | libgl1-dri")
+set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "cindermill-batch (= ${PROJECT_VERSION}), libgl1-mesa-dri | libgl1-dri")
 set(CPACK_DEBIAN_BATCH_PACKAGE_NAME cindermill-batch)
 set(CPACK_DEBIAN_BATCH_DESCRIPTION "Checks and exports particle effects without a display
 The Cindermill authoring tool without its windows: for build machines and
