@@ -11,7 +11,7 @@ void AddSnowfall(TSampleBuilder& effect, const char* texture, float chance, floa
                                     .Choose("Emit Mode", "Chance")
                                     .Set("Rate", {chance})
                                     .Int("Per frame max emission", 4);
-    const TSampleNode sky = AddPoint(effect, 280, 0, 1.65f, 0);
+    const TSampleNode sky = AddPoint(effect, static_cast<int>(280 * chance), 0, 1.65f, 0);
     const TSampleNode where = effect.Add("Random Value");
     const TSampleNode turned = effect.Add("Random Value");
     const TSampleNode offset = effect.Add("Make Transform");
