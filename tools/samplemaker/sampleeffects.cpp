@@ -68,13 +68,13 @@ void MakeCampfire(TSampleBuilder& effect)
                 {1, 0.8f, 0.25f, 0.1f, 0}})
         .Wire("Value", fire, "Colour");
 
-    const TSampleNode smokeTrigger = AddTrickle(effect, 9, 2);
+    const TSampleNode smokeTrigger = AddTrickle(effect, 12, 2);
     const TSampleNode plume = AddPoint(effect, 60, 0, 0.6f, 0);
-    const TSampleNode smokeCone = AddCone(effect, {0, 1, 0}, 0.92f, 0.4f, 0.65f);
+    const TSampleNode smokeCone = AddCone(effect, {0, 1, 0}, 0.94f, 0.3f, 0.48f);
     const TSampleNode smokeWind = effect.Add("Wind").Set("Strength", {1});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.75f});
     const TSampleNode smokeIntegrate = effect.Add("Integrate");
-    const TSampleNode smokeAge = AddAge(effect, 4);
+    const TSampleNode smokeAge = AddAge(effect, 2.9f);
     const TSampleNode smoke = AddStage(effect, "Sprite Render Stage", "smoke.hvt").Priority(0);
     smokeTrigger.Wire("Count", plume, "Emission Trigger");
     plume.Wire("Start Transform", smokeIntegrate, "Position");
@@ -83,12 +83,12 @@ void MakeCampfire(TSampleBuilder& effect)
     smokeWind.Wire("Velocity", drag, "Velocity");
     drag.Wire("Velocity", smokeIntegrate, "Velocity");
     smokeIntegrate.Wire("Position", smoke, "Transform");
-    AddSizes(effect, smokeAge, 4, {{0, 0.12f}, {1, 0.6f}}).Wire("Value", smoke, "Scale");
-    AddColours(effect, smokeAge, 4,
+    AddSizes(effect, smokeAge, 2.9f, {{0, 0.11f}, {1, 0.4f}}).Wire("Value", smoke, "Scale");
+    AddColours(effect, smokeAge, 2.9f,
                {{0, 0.25f, 0.22f, 0.2f, 0}, {0.15f, 0.3f, 0.28f, 0.27f, 0.55f}, {1, 0.5f, 0.5f, 0.5f, 0}})
         .Wire("Value", smoke, "Colour");
 
-    breeze.Set("Value", {0.3f, 0.1f, 0.08f});
+    breeze.Set("Value", {0.2f, 0.08f, 0.05f});
 }
 
 // A flash every now and then, many sparks with each, and an event for the game to play a sound at.
@@ -103,7 +103,7 @@ void MakeBurst(TSampleBuilder& effect)
                                    .Int("Particle Count", 200)
                                    .Set("Translation", {0, 1, 0, 0, 0, 0})
                                    .Set("Scale", {0.02f, 0.02f, 0.02f});
-    const TSampleNode cone = AddCone(effect, {0, 1, 0}, -1, 0.4f, 2.2f);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, -1, 0.4f, 1.75f);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.8f, 0});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.12f});
     const TSampleNode integrate = effect.Add("Integrate");
@@ -289,7 +289,7 @@ void MakeAura(TSampleBuilder& effect)
                 {5.0f / 6, 0.65f, 0.95f, 1, 0.85f},
                 {1, 0.65f, 0.95f, 1, 0}})
         .Wire("Value", heart, "Colour");
-    AddDusk(effect, 0.85f, {1.35f, 1.35f}, {0.03f, 0.04f, 0.25f, 0.75f});
+    AddDusk(effect, 0.85f, {1.15f, 1.15f}, {0.06f, 0.13f, 0.62f, 0.8f});
 }
 
 // A light that runs along an animation from a modelling package by its own age, and sheds its tail on the
@@ -423,7 +423,7 @@ void MakeFireflies(TSampleBuilder& effect)
                 {1, 0.6f, 0.5f, 0.1f, 0}})
         .Wire("Value", light, "Colour");
 
-    AddDusk(effect, 0.75f, {1.9f, 1.2f}, {0.02f, 0.08f, 0.14f, 0.75f});
+    AddDusk(effect, 0.75f, {1.5f, 1.05f}, {0.03f, 0.17f, 0.4f, 0.8f});
 }
 
 // A puff of dust that a game steers: where, which way, how strong and of what colour.
@@ -549,7 +549,7 @@ void MakeFumes(TSampleBuilder& effect)
         effect.Add("Scalar Over Life").Set("Life", {2}).Curve("Value", 0, {{0, 2}, {1, 22}});
     const TSampleNode trigger = effect.Add("Emitter").Int("Per frame max emission", 2);
     const TSampleNode vent = AddPoint(effect, 90, 0, 0.05f, 0);
-    const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.96f, 0.8f, 1.2f);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.96f, 0.62f, 0.9f);
     const TSampleNode spin = effect.Add("Random Value");
     const TSampleNode axis = effect.Add("Build Vector");
     const TSampleNode motion = effect.Add("Make Transform");
@@ -576,7 +576,7 @@ void MakeFumes(TSampleBuilder& effect)
     vent.Wire("Start Transform", integrate, "Position");
     drag.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", stage, "Transform");
-    AddSizes(effect, age, 3.2f, {{0, 0.05f}, {0.4f, 0.26f}, {1, 0.46f}}).Wire("Value", stage, "Scale");
+    AddSizes(effect, age, 3.2f, {{0, 0.05f}, {0.4f, 0.24f}, {1, 0.36f}}).Wire("Value", stage, "Scale");
     AddCurve(effect, "Scalar Over Life", age, 3.2f)
         .Curve("Value", 0, {{0, 0}, {0.35f, 0}, {0.8f, 1}, {1, 1}})
         .Wire("Value", stage, "Blend");

@@ -63,12 +63,11 @@ TTexel PaintGlow(double x, double y)
     return White(Clamp(0.75 * fall * fall * fall + 0.2 * fall * fall + 0.45 * core));
 }
 
-// Even over most of its width, and so soft at the rim that one does not see where it ends.
+// Even in the middle, and so soft at the rim that one does not see where it ends: air, not dirt in it.
 TTexel PaintDusk(double x, double y)
 {
-    const double cloud = GetFractalNoise(1.6 * x + 4, 1.6 * y + 2, 0, 61);
-    const double fall = Clamp(1 - Length(x, y) * Mix(0.9, 1.15, cloud));
-    return White(Step(0, 1, fall) * Mix(1, 1.25, fall) * 0.8);
+    const double fall = Step(0, 0.9, Clamp(1 - Length(x, y)));
+    return White(fall * Mix(0.8, 1, fall));
 }
 
 // A streak without edges: broad and bright near the head, thin at the tail.
@@ -154,11 +153,11 @@ TTexel PaintFlake(double x, double y)
         if (out > 0 && out < 0.28)
             nearest = std::min(nearest, off);
     }
-    // White with a cold rim, which shows before a light sky.
-    const double body = (1 - Step(0.03, 0.16, nearest)) * Step(0, 0.15, 0.92 - r);
-    const double soft = Clamp(1 - r);
-    const double white = Step(0.1, 0.6, body + 0.6 * soft * soft);
-    return Tinted(Mix(0.42, 1, white), Mix(0.55, 1, white), Mix(0.78, 1, white), Clamp(body + 0.6 * soft));
+    // White on a soft cold light, which shows before a bright sky as before a dark one.
+    const double body = (1 - Step(0, 0.15, nearest)) * Step(0, 0.25, 0.88 - r);
+    const double cold = Step(0, 0.5, 1 - r);
+    const double white = Step(0, 0.7, body);
+    return Tinted(Mix(0.25, 1, white), Mix(0.47, 1, white), Mix(0.85, 1, white), Mix(0.6 * cold, 1, body));
 }
 
 // A round drop, bright at its lower edge and with a light on its upper left, as water has them.
@@ -291,13 +290,13 @@ constexpr TSamplePicture Pictures[] = {
     {"glow.dds", 128, 128, IF_DDS_RAW, PaintGlow},
     {"dusk.dds", 128, 128, IF_DDS_RAW, PaintDusk},
     {"spark.dds", 64, 256, IF_DDS_RAW, PaintSpark},
-    {"star.dds", 64, 64, IF_DDS_RAW, PaintStar},
+    {"star.dds", 128, 128, IF_DDS_RAW, PaintStar},
     {"rock.dds", 128, 128, IF_DDS_DXT5, PaintRock},
     {"smoke.hvt", 256, 256, IF_HVT_DXT5, PaintSmoke},
     {"wisp.hvt", 128, 128, IF_HVT_DXT5, PaintWisp},
     {"ring.hvt", 256, 256, IF_HVT_RAW, PaintRing},
-    {"flake.dds", 64, 64, IF_DDS_RAW, PaintFlake},
-    {"drop.dds", 64, 64, IF_DDS_RAW, PaintDrop},
+    {"flake.dds", 128, 128, IF_DDS_RAW, PaintFlake},
+    {"drop.dds", 128, 128, IF_DDS_RAW, PaintDrop},
     {"tile.hvt", 128, 128, IF_HVT_RAW, PaintTile},
     {"leafgreen.dds", 128, 128, IF_DDS_DXT5, PaintGreenLeaf},
     {"leafbrown.dds", 128, 128, IF_DDS_DXT5, PaintBrownLeaf},

@@ -40,7 +40,7 @@ void AddBlast(TSampleBuilder& effect, const TSampleNode& due)
                                    .Int("Particle Count", 96)
                                    .Set("Translation", {0, 0.35f, 0, 0, 0, 0})
                                    .Set("Scale", {0.12f, 0.12f, 0.12f});
-    const TSampleNode cone = AddCone(effect, {0, 1, 0}, -0.25f, 0.4f, 1.9f);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, -0.25f, 0.4f, 1.6f);
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.004f});
     const TSampleNode rise = effect.Add("Gravity").Set("Acceleration", {0, 0.5f, 0});
     const TSampleNode integrate = effect.Add("Integrate");
@@ -83,7 +83,7 @@ void AddBlast(TSampleBuilder& effect, const TSampleNode& due)
 void AddDebris(TSampleBuilder& effect, const TSampleNode& due)
 {
     const TSampleNode source = AddPoint(effect, 40, 0, 0.3f, 0);
-    const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.55f, 1.3f, 2.7f);
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, 0.65f, 1.1f, 2);
     const TSampleNode tumble = effect.Add("Random Value");
     const TSampleNode motion = effect.Add("Make Transform");
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -4.2f, 0});
@@ -104,7 +104,7 @@ void AddDebris(TSampleBuilder& effect, const TSampleNode& due)
     tumble.Set("Low", {-400, -400, -400}).Set("High", {400, 400, 400});
 
     const TSampleNode foot = AddPoint(effect, 32, 0, 0.08f, 0);
-    const TSampleNode low = AddCone(effect, {0, 1, 0}, 0.05f, 0.6f, 1.5f);
+    const TSampleNode low = AddCone(effect, {0, 1, 0}, 0.05f, 0.5f, 1.25f);
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.05f});
     const TSampleNode spread = effect.Add("Integrate");
     const TSampleNode dustAge = AddAge(effect, 2);
@@ -128,7 +128,7 @@ void AddFlash(TSampleBuilder& effect, const TSampleNode& due)
     const TSampleNode flash = AddStage(effect, "Sprite Render Stage", "glow.dds").Priority(50);
     due.Wire("Count", source, "Emission Trigger");
     source.Wire("Start Transform", flash, "Transform");
-    AddSizes(effect, age, 0.3f, {{0, 0.4f}, {0.3f, 1.2f}, {1, 1.4f}}).Wire("Value", flash, "Scale");
+    AddSizes(effect, age, 0.3f, {{0, 0.4f}, {0.3f, 1}, {1, 1.15f}}).Wire("Value", flash, "Scale");
     AddColours(effect, age, 0.3f, {{0, 1, 1, 0.9f, 1}, {0.4f, 1, 0.75f, 0.25f, 0.8f}, {1, 1, 0.45f, 0.1f, 0}})
         .Wire("Value", flash, "Colour");
 
@@ -138,17 +138,17 @@ void AddFlash(TSampleBuilder& effect, const TSampleNode& due)
     const TSampleNode wave = AddStage(effect, "Quad Render Stage", "ring.hvt").Priority(10);
     due.Wire("Count", flat, "Emission Trigger");
     flat.Wire("Start Transform", wave, "Transform");
-    AddSizes(effect, waveAge, 0.5f, {{0, 0.1f}, {0.4f, 1}, {1, 1.4f}}).Wire("Value", wave, "Scale");
+    AddSizes(effect, waveAge, 0.5f, {{0, 0.1f}, {0.4f, 0.8f}, {1, 1.1f}}).Wire("Value", wave, "Scale");
     AddColours(effect, waveAge, 0.5f, {{0, 1, 0.9f, 0.7f, 0.9f}, {1, 0.7f, 0.6f, 0.5f, 0}})
         .Wire("Value", wave, "Colour");
 
     const TSampleNode hot = AddPoint(effect, 100, 0, 0.35f, 0);
-    const TSampleNode cone = AddCone(effect, {0, 1, 0}, -0.3f, 1.5f, 4.5f);
-    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.15f});
-    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -2.5f, 0});
+    const TSampleNode cone = AddCone(effect, {0, 1, 0}, -0.2f, 1.9f, 3);
+    const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.1f});
+    const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -1.6f, 0});
     const TSampleNode integrate = effect.Add("Integrate");
-    const TSampleNode sparkAge = AddAge(effect, 1.1f);
-    const TSampleNode sparks = AddTrails(effect, 0.02f, 0.12f).Priority(40);
+    const TSampleNode sparkAge = AddAge(effect, 0.7f);
+    const TSampleNode sparks = AddTrails(effect, 0.028f, 0.12f).Priority(40);
     Multiply(effect, due, 60, hot);
     cone.Wire("Velocity", drag, "Velocity");
     drag.Wire("Velocity", gravity, "Velocity");
@@ -156,7 +156,9 @@ void AddFlash(TSampleBuilder& effect, const TSampleNode& due)
     gravity.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", sparks, "Position");
     gravity.Wire("Velocity", sparks, "Velocity");
-    AddColours(effect, sparkAge, 1.1f, {{0, 1, 1, 0.8f, 1}, {0.4f, 1, 0.6f, 0.1f, 1}, {1, 0.8f, 0.15f, 0, 0}})
+    AddColours(
+        effect, sparkAge, 0.7f,
+        {{0, 1, 1, 0.8f, 1}, {0.4f, 1, 0.6f, 0.1f, 1}, {0.8f, 0.95f, 0.3f, 0, 0.8f}, {1, 0.8f, 0.15f, 0, 0}})
         .Wire("Value", sparks, "Colour");
 }
 
@@ -194,9 +196,9 @@ void AddFall(TSampleBuilder& effect)
     AddColours(effect, age, 0.96f,
                {{0, 0.2f, 0.5f, 0.8f, 0},
                 {0.15f, 0.25f, 0.55f, 0.85f, 0.7f},
-                {0.5f, 0.45f, 0.72f, 0.95f, 0.7f},
-                {0.85f, 0.9f, 0.97f, 1, 0.7f},
-                {1, 1, 1, 1, 0.35f}})
+                {0.5f, 0.25f, 0.6f, 0.92f, 0.75f},
+                {0.85f, 0.4f, 0.74f, 0.98f, 0.75f},
+                {1, 0.7f, 0.9f, 1, 0.35f}})
         .Wire("Value", water, "Colour");
 }
 
@@ -216,7 +218,7 @@ void AddSpray(TSampleBuilder& effect)
     drag.Wire("Velocity", integrate, "Velocity");
     integrate.Wire("Position", mist, "Transform");
     AddSizes(effect, age, 2.2f, {{0, 0.08f}, {1, 0.34f}}).Wire("Value", mist, "Scale");
-    AddColours(effect, age, 2.2f, {{0, 1, 1, 1, 0}, {0.15f, 1, 1, 1, 0.4f}, {1, 0.95f, 0.98f, 1, 0}})
+    AddColours(effect, age, 2.2f, {{0, 1, 1, 1, 0}, {0.15f, 0.95f, 0.98f, 1, 0.5f}, {1, 0.8f, 0.92f, 1, 0}})
         .Wire("Value", mist, "Colour");
 
     const TSampleNode dropTrigger = AddTrickle(effect, 130, 8);
@@ -339,12 +341,12 @@ void MakePortal(TSampleBuilder& effect)
         .Wire("Value", edge, "Colour");
 }
 
-// A shower of sparks that jump on the ground, out of a spot that flickers, in a dusk of their own.
+// A shower of sparks that jump on the ground, out of a spot that flickers.
 void MakeSparks(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 90, 8);
-    const TSampleNode source = AddPoint(effect, 240, -0.8f, 1.2f, 0);
-    const TSampleNode cone = AddCone(effect, {0.8f, 0.6f, 0}, 0.9f, 0.8f, 2.2f);
+    const TSampleNode source = AddPoint(effect, 240, -0.65f, 1.2f, 0);
+    const TSampleNode cone = AddCone(effect, {0.66f, 0.75f, 0}, 0.88f, 0.5f, 1.75f);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -5, 0});
     const TSampleNode floor = effect.Add("Collision Plane").Set("Size", {3, 3}).Set("Bounce", {0.6f});
     const TSampleNode integrate = effect.Add("Integrate");
@@ -362,30 +364,30 @@ void MakeSparks(TSampleBuilder& effect)
     life.Wire("Value", age, "Max Age");
     const TSampleNode colours = AddColours(effect, age, 2,
                                            {{0, 1, 0.95f, 0.7f, 1},
-                                            {0.12f, 1, 0.88f, 0.45f, 1},
-                                            {0.25f, 1, 0.75f, 0.2f, 1},
-                                            {0.7f, 1, 0.4f, 0.05f, 1},
+                                            {0.08f, 1, 0.8f, 0.3f, 1},
+                                            {0.2f, 1, 0.58f, 0.05f, 1},
+                                            {0.7f, 1, 0.32f, 0.02f, 1},
                                             {1, 0.7f, 0.1f, 0.02f, 0}});
     life.Wire("Value", colours, "Life");
     colours.Wire("Value", stage, "Colour");
-    life.Set("Low", {1.2f}).Set("High", {2.4f});
+    life.Set("Low", {1}).Set("High", {1.7f});
 
     const TSampleNode beat = AddTrickle(effect, 16, 1);
-    const TSampleNode spot = AddPoint(effect, 8, -0.8f, 1.2f, 0);
+    const TSampleNode spot = AddPoint(effect, 8, -0.65f, 1.2f, 0);
     const TSampleNode spotAge = AddAge(effect, 0.25f);
-    const TSampleNode shine = AddGlow(effect).Set("Scale", {0.6f, 0.6f}).Priority(10);
-    const TSampleNode heat = AddGlow(effect).Set("Scale", {0.2f, 0.2f}).Priority(30);
+    const TSampleNode shine =
+        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.55f, 0.55f}).Priority(10);
+    const TSampleNode heat =
+        AddStage(effect, "Sprite Render Stage", "glow.dds").Set("Scale", {0.2f, 0.2f}).Priority(30);
     beat.Wire("Count", spot, "Emission Trigger");
     for (const TSampleNode& drawn : {shine, heat})
         spot.Wire("Start Transform", drawn, "Transform");
     AddColours(effect, spotAge, 0.25f,
-               {{0, 1, 0.85f, 0.5f, 0}, {0.3f, 1, 0.8f, 0.45f, 0.7f}, {1, 1, 0.5f, 0.15f, 0}})
+               {{0, 1, 0.9f, 0.5f, 0}, {0.3f, 1, 1, 0.85f, 0.95f}, {1, 1, 0.75f, 0.3f, 0}})
         .Wire("Value", heat, "Colour");
     AddColours(effect, spotAge, 0.25f,
-               {{0, 1, 0.45f, 0.1f, 0}, {0.3f, 1, 0.45f, 0.1f, 0.16f}, {1, 1, 0.35f, 0.05f, 0}})
+               {{0, 1, 0.5f, 0.1f, 0}, {0.3f, 1, 0.5f, 0.1f, 0.2f}, {1, 1, 0.35f, 0.05f, 0}})
         .Wire("Value", shine, "Colour");
-
-    AddDusk(effect, 0.7f, {1.45f, 1.3f}, {0.1f, 0.05f, 0.05f, 0.8f});
 }
 
 // All at once, and again and again.
@@ -468,5 +470,5 @@ void MakeMagic(TSampleBuilder& effect)
                {{0, 1, 0.65f, 0.15f, 0}, {0.4f, 1, 0.5f, 0.2f, 0.9f}, {1, 0.8f, 0.2f, 0.9f, 0}})
         .Wire("Value", ring, "Colour");
 
-    AddDusk(effect, 0.8f, {1.3f, 1.4f}, {0.1f, 0.02f, 0.24f, 0.75f});
+    AddDusk(effect, 0.8f, {1.3f, 1.4f}, {0.24f, 0.03f, 0.48f, 0.78f});
 }

@@ -11,13 +11,13 @@ void AddSnowfall(TSampleBuilder& effect, const char* texture, float chance, floa
                                     .Choose("Emit Mode", "Chance")
                                     .Set("Rate", {chance})
                                     .Int("Per frame max emission", 4);
-    const TSampleNode sky = AddPoint(effect, 280, 0, 1.9f, 0);
+    const TSampleNode sky = AddPoint(effect, static_cast<int>(280 * chance), 0, 1.65f, 0);
     const TSampleNode where = effect.Add("Random Value");
     const TSampleNode turned = effect.Add("Random Value");
     const TSampleNode offset = effect.Add("Make Transform");
     const TSampleNode start = effect.Add("Add");
-    const TSampleNode fall = AddCone(effect, {0, -1, 0}, 0.97f, 0.34f, 0.5f);
-    const TSampleNode totter = effect.Add("Turbulence").Set("Strength", {0.7f});
+    const TSampleNode fall = AddCone(effect, {0, -1, 0}, 0.985f, 0.34f, 0.5f);
+    const TSampleNode totter = effect.Add("Turbulence").Set("Strength", {0.42f});
     const TSampleNode ground = effect.Add("Collision Plane").Set("Size", {2.5f, 2.5f});
     const TSampleNode integrate = effect.Add("Integrate");
     const TSampleNode end = effect.Add("Prune");
@@ -40,7 +40,7 @@ void AddSnowfall(TSampleBuilder& effect, const char* texture, float chance, floa
     AddColours(effect, age, 6,
                {{0, 1, 1, 1, 0}, {0.08f, 1, 1, 1, 0.95f}, {0.9f, 1, 1, 1, 0.95f}, {1, 1, 1, 1, 0}})
         .Wire("Value", stage, "Colour");
-    where.Set("Low", {-1.1f, -0.2f, -1.1f}).Set("High", {1.1f, 0.2f, 1.1f});
+    where.Set("Low", {-0.75f, -0.2f, -0.75f}).Set("High", {0.75f, 0.2f, 0.75f});
     turned.Set("Low", {0, 0, 0}).Set("High", {0, 0, 360});
 }
 
@@ -52,12 +52,13 @@ void AddSnowfall(TSampleBuilder& effect, const char* texture, float chance, floa
 void MakeRain(TSampleBuilder& effect)
 {
     const TSampleNode trigger = AddTrickle(effect, 170, 4);
+    // Wired in, so that the preview does not draw the close lines of the grid.
+    const TSampleNode sky = effect.Add("Make Transform").Set("Translation", {0, 1.7f, 0});
     const TSampleNode cloud = effect.Add("Grid")
                                   .Int("Particle Count", 140)
                                   .Int("X Divisions", 24)
                                   .Int("Y Divisions", 24)
-                                  .Set("Transform", {0, 2.4f, 0, 0, 0, 0})
-                                  .Set("Size", {1, 1});
+                                  .Set("Size", {0.75f, 0.75f});
     const TSampleNode cone = AddCone(effect, {0, -1, 0}, 0.9995f, 2.4f, 3);
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -3, 0});
     const TSampleNode ground = effect.Add("Collision Plane").Set("Size", {2, 2}).Set("Bounce", {0.2f});
@@ -66,6 +67,7 @@ void MakeRain(TSampleBuilder& effect)
     const TSampleNode drops =
         AddTrails(effect, 0.026f, 0.14f).Set("Colour", {0.36f, 0.66f, 1, 0.95f}).Priority(0);
     trigger.Wire("Count", cloud, "Emission Trigger");
+    sky.Wire("Transform", cloud, "Transform");
     cone.Wire("Velocity", gravity, "Velocity");
     cloud.Wire("Start Transform", ground, "Position");
     gravity.Wire("Velocity", ground, "Velocity");
@@ -87,7 +89,7 @@ void MakeRain(TSampleBuilder& effect)
     hit.Wire("Start Transform", lay, "A");
     flat.Wire("Transform", lay, "B");
     lay.Wire("Sum", rings, "Transform");
-    AddSizes(effect, ringAge, 0.7f, {{0, 0.01f}, {0.4f, 0.1f}, {1, 0.17f}}).Wire("Value", rings, "Scale");
+    AddSizes(effect, ringAge, 0.7f, {{0, 0.01f}, {0.4f, 0.085f}, {1, 0.14f}}).Wire("Value", rings, "Scale");
     AddColours(effect, ringAge, 0.7f,
                {{0, 0.36f, 0.68f, 1, 1}, {0.3f, 0.32f, 0.64f, 1, 0.85f}, {1, 0.32f, 0.64f, 1, 0}})
         .Wire("Value", rings, "Colour");
@@ -119,8 +121,8 @@ void MakeRain(TSampleBuilder& effect)
 // Flakes that start anywhere in a wide box, totter down and melt on the ground, with fine ones among them.
 void MakeSnow(TSampleBuilder& effect)
 {
-    AddSnowfall(effect, "flake.dds", 0.8f, 0.05f, 10);
-    AddSnowfall(effect, "flake.dds", 1, 0.024f, 0);
+    AddSnowfall(effect, "flake.dds", 0.55f, 0.062f, 10);
+    AddSnowfall(effect, "flake.dds", 0.9f, 0.032f, 0);
 }
 
 // Leaves that tumble in every direction and go from green to brown on their way to the ground.
@@ -131,13 +133,13 @@ void MakeLeaves(TSampleBuilder& effect)
                                  .Int("Particle Count", 80)
                                  .Int("X Divisions", 12)
                                  .Int("Y Divisions", 12)
-                                 .Set("Transform", {0, 2, 0, 0, 0, 0})
-                                 .Set("Size", {0.9f, 0.9f});
-    const TSampleNode cone = AddCone(effect, {0, -1, 0}, 0.4f, 0.1f, 0.3f);
+                                 .Set("Transform", {0, 1.85f, 0, 0, 0, 0})
+                                 .Set("Size", {0.75f, 0.75f});
+    const TSampleNode cone = AddCone(effect, {0, -1, 0}, 0.75f, 0.1f, 0.3f);
     const TSampleNode tumble = effect.Add("Random Value");
     const TSampleNode motion = effect.Add("Make Transform");
     const TSampleNode gravity = effect.Add("Gravity").Set("Acceleration", {0, -0.25f, 0});
-    const TSampleNode breeze = effect.Add("Wind").Set("Wind", {0.15f, 0, 0.06f});
+    const TSampleNode breeze = effect.Add("Wind").Set("Wind", {0.08f, 0, 0});
     const TSampleNode drag = effect.Add("Damping").Set("Damping", {0.8f});
     const TSampleNode ground = effect.Add("Collision Plane").Set("Size", {2.5f, 2.5f});
     const TSampleNode integrate = effect.Add("Integrate");

@@ -83,7 +83,7 @@ TEST(DocumentReplay, AChoiceBeyondTheConsolesTableIsTold)
         for (const std::string& note : agreement.Notes)
             told += note.find("Depth Test.Function") != std::string::npos ? note : "";
         EXPECT_EQ(told, number == 7 ? ""
-                                    : "Velocity Trail Render Stage in group 3: \"Depth Test.Function\" is " +
+                                    : "Velocity Trail Render Stage in group 2: \"Depth Test.Function\" is " +
                                           std::to_string(number) + ", and the console's table ends at 7");
     }
 }

@@ -43,6 +43,20 @@ int CountDifferent(const TPicture& a, const TPicture& b)
     return count;
 }
 
+// How many pixels at the rim of a picture, so many deep, differ by more than the last of a fading puff.
+int CountDifferentAtRim(const TPicture& a, const TPicture& b, int depth)
+{
+    constexpr int Faint = 8;
+    int count = 0;
+    for (int y = 0; y < a.GetHeight(); ++y)
+        for (int x = 0; x < a.GetWidth(); ++x) {
+            const bool inside =
+                x >= depth && y >= depth && x < a.GetWidth() - depth && y < a.GetHeight() - depth;
+            count += inside || IsClose(a.At(x, y), b.At(x, y), Faint) ? 0 : 1;
+        }
+    return count;
+}
+
 void BypassStages(TDocument& document, bool bypass)
 {
     for (int i = 0; i < document.GetGraph()->GetNumNodes(); ++i) {
@@ -88,5 +102,39 @@ TEST(SamplePictures, EverySampleShowsItsParticles)
     }
     TRandom::ClearDefaultSeed();
 }
+
+// A preview of the first size and a narrow one, at half of their pixels.
+constexpr int StartSizes[][2] = {{400, 300}, {243, 283}};
+
+class TStartView : public testing::TestWithParam<int>
+{
+};
+
+TEST_P(TStartView, FramesEverySample)
+{
+    RegisterDisplayClasses();
+    TTestApp app;
+    TTestWindow window(StartSizes[GetParam()][0], StartSizes[GetParam()][1]);
+    ASSERT_TRUE(IsGlReady()) << GetGlFault();
+    TParticleScene scene;
+    for (const std::string& name : GetSampleNames()) {
+        TRandom::SetDefaultSeed(1);
+        TSampleDocument document(app, name);
+        document->GetEngine().Update(0);
+        for (const float time : {1.2f, 3.0f, 6.0f}) {
+            document.Run(time - document->GetEngine().GetTime());
+            const TPicture picture = Draw(*document, scene, window);
+            BypassStages(*document, true);
+            const TPicture empty = Draw(*document, scene, window);
+            BypassStages(*document, false);
+            // The tip of a streak may reach there.
+            EXPECT_LE(CountDifferentAtRim(picture, empty, 4), 4) << name << " after " << time << " seconds";
+        }
+    }
+    TRandom::ClearDefaultSeed();
+}
+
+INSTANTIATE_TEST_SUITE_P(SamplePictures, TStartView, testing::Values(0, 1),
+                         [](const auto& size) { return size.param == 0 ? "Wide" : "Narrow"; });
 
 } // namespace
