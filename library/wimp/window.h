@@ -128,6 +128,8 @@ public:
     // Stands where it stood, as far as the screens of today allow; one that was maximised is so on any.
     // False, with nothing done, for a text that is no place of such a window.
     bool SetPlace(const char* place);
+    // Whether what GetPlace gave fills the screen.
+    static bool IsMaximisedPlace(const char* place);
     bool IsMaximised() const;
     // Of the frame, on the screen.
     void GetFrameArea(TWindowArea& area) const;

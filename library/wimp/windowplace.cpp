@@ -46,6 +46,11 @@ bool IsPlace(const QByteArray& geometry, const QWidget& window)
     return geometry.size() == own.size() && geometry.left(KindLength) == own.left(KindLength);
 }
 
+bool EndsMaximised(const QString& place)
+{
+    return place.endsWith(QLatin1String(MaximisedMark));
+}
+
 bool PlaceTop(QWidget& window, const QString& place)
 {
     const QByteArray geometry = QByteArray::fromBase64(place.section(QLatin1Char(' '), 0, 0).toLatin1());
@@ -54,7 +59,7 @@ bool PlaceTop(QWidget& window, const QString& place)
     // Back on a screen that is there, whatever has become of the one where it stood.
     if (window.restoreGeometry(geometry))
         return true;
-    if (!place.endsWith(QLatin1String(MaximisedMark)))
+    if (!EndsMaximised(place))
         return false;
     window.setWindowState(window.windowState() | Qt::WindowMaximized);
     return true;
@@ -105,6 +110,11 @@ bool TWindow::SetPlace(const char* place)
     if (Peer->SubWindow != nullptr)
         return PlaceDocument(*Peer->SubWindow, place);
     return Handle->isWindow() && PlaceTop(*Handle, QString::fromUtf8(place));
+}
+
+bool TWindow::IsMaximisedPlace(const char* place)
+{
+    return EndsMaximised(QString::fromUtf8(place));
 }
 
 bool TWindow::IsMaximised() const

@@ -289,7 +289,7 @@ TEST_F(ProgramCampfire, ACampfireIsBuiltFromNothingAndExportsWhatTheSampleDoes)
     Wire(smokeColours, "Value", smoke, "Colour");
     Screen.Save(program.GetMainRectangle(), Screenshot("campfire-wired"));
 
-    Enter(breeze, {{"Value", "0.3", 0}, {"Value", "0.1", 1}, {"Value", "0.08", 2}});
+    Enter(breeze, {{"Value", "0.2", 0}, {"Value", "0.08", 1}, {"Value", "0.05", 2}});
     Enter(fireTrigger, {{"Rate", "60"}, {"Per frame max emission", "4"}});
     Enter(hearth, {{"Particle Count", "80"},
                    {"Translation", "0.12", 1},
@@ -301,16 +301,16 @@ TEST_F(ProgramCampfire, ACampfireIsBuiltFromNothingAndExportsWhatTheSampleDoes)
     Enter(fireWind, {{"Strength", "0.25"}});
     Enter(fireAge, {{"Max Age", "0.9"}});
     Enter(frames, {{"Time Range", "0.9"}});
-    Enter(smokeTrigger, {{"Rate", "9"}, {"Per frame max emission", "2"}});
+    Enter(smokeTrigger, {{"Rate", "12"}, {"Per frame max emission", "2"}});
     Enter(plume, {{"Particle Count", "60"}, {"Transform", "0.6", 1}});
-    Enter(smokeCone, {{"Cone Cosine", "0.92"}, {"Minimum Speed", "0.4"}, {"Maximum Speed", "0.65"}});
+    Enter(smokeCone, {{"Cone Cosine", "0.94"}, {"Minimum Speed", "0.3"}, {"Maximum Speed", "0.48"}});
     Enter(drag, {{"Damping", "0.75"}});
-    Enter(smokeAge, {{"Max Age", "4"}});
+    Enter(smokeAge, {{"Max Age", "2.9"}});
     // One ramp with all handles of the sample, the others with straight lines between its points.
     EnterSizes(fireSizes, "0.9", false);
     EnterColours(fireColours, "0.9");
-    EnterSizes(smokeSizes, "4", true);
-    EnterColours(smokeColours, "4");
+    EnterSizes(smokeSizes, "2.9", true);
+    EnterColours(smokeColours, "2.9");
     Screen.Save(program.GetMainRectangle(), Screenshot("campfire-values"));
     // The stage of a lower priority is drawn first. Names are not exported.
     Workshop->Rename(fire, "Flames", 10);

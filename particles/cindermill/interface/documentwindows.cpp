@@ -67,15 +67,10 @@ void TDocumentWindows::PlaceWindows(TDocument& document)
     if (known != nullptr)
         SecondPlace = known->Second;
     PlaceDisplay();
-    const bool isInSight = IsGraphInSight();
-    if (known != nullptr)
-        ParticleWindow->SetPlace(known->Display);
-    // One that hides the graph can be sent behind it by a click; one that comes back is where its owner
-    // wanted it.
-    if (!isInSight || ParticleWindow->IsMaximised())
-        return;
-    ParticleWindow->StayOver(*Frame);
-    // With the frame that this kind of window has.
+    // One that hides the graph can be sent behind it by a click. One that comes back is where its owner
+    // wanted it, and takes its place with the frame that this kind of window has.
+    if (IsGraphInSight() && (known == nullptr || !TWindow::IsMaximisedPlace(known->Display)))
+        ParticleWindow->StayOver(*Frame);
     if (known != nullptr)
         ParticleWindow->SetPlace(known->Display);
 }
