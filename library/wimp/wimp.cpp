@@ -116,6 +116,9 @@ bool TWimp::Init(int& argc, char** argv)
         return false;
     PrepareEnvironment();
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    // The toolkit maps the programs that it has kept and believes the length that they tell: one that a full
+    // disc has cut off ends this start or the next. The drivers' own keeping checks what it reads.
+    QCoreApplication::setAttribute(Qt::AA_DisableShaderDiskCache);
     QSurfaceFormat::setDefaultFormat(GetGlFormat());
     const QtMessageHandler before = qInstallMessageHandler(OnStartMessage);
     QApplication* application = new QApplication(argc, argv);

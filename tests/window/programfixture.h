@@ -45,6 +45,16 @@ inline bool AreSame(const std::string& first, const std::string& second)
     return FileExists(first.c_str()) && ReadBytes(first) == ReadBytes(second);
 }
 
+// Files and folders below a folder whose names begin so.
+inline int CountEntries(const std::string& folder, const std::string& start)
+{
+    int count = 0;
+    std::error_code fault;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, fault))
+        count += entry.path().filename().string().rfind(start, 0) == 0 ? 1 : 0;
+    return count;
+}
+
 // The program on a screen of its own.
 class Program : public testing::Test
 {

@@ -30,6 +30,16 @@ protected:
     {
         return TitleOf(*WindowsOf(*document).GetParticleWindow());
     }
+    // That of a document whose view is narrow, so that there is room beside it.
+    std::string NarrowDocument(TWindowPlaces& places)
+    {
+        TEffectPlaces known;
+        const std::string path = SavedDocument("places.effect");
+        known.Path = path.c_str();
+        known.View = "0 0 500 400 0";
+        places.SetEffect(known);
+        return path;
+    }
     // Where a view stands in the main window.
     static QRect FrameOf(TDocument& document, int i)
     {
@@ -377,12 +387,7 @@ TEST_F(DocumentWindows, ADisplayThatComesBackStaysInFrontAsTheFirstTime)
 {
     TWindowPlaces places(nullptr);
     Host.Places = &places;
-    const std::string path = SavedDocument("places.effect");
-    // A narrow view leaves room beside it.
-    TEffectPlaces known;
-    known.Path = path.c_str();
-    known.View = "0 0 500 400 0";
-    places.SetEffect(known);
+    const std::string path = NarrowDocument(places);
     for (int time = 0; time < 3; ++time) {
         TDocument* document = LoadDocument(path);
         ASSERT_NE(document, nullptr);
@@ -404,11 +409,7 @@ TEST_F(DocumentWindows, ADisplayThatComesBackFillingTheScreenCanBeSentBehind)
 {
     TWindowPlaces places(nullptr);
     Host.Places = &places;
-    const std::string path = SavedDocument("places.effect");
-    TEffectPlaces known;
-    known.Path = path.c_str();
-    known.View = "0 0 500 400 0";
-    places.SetEffect(known);
+    const std::string path = NarrowDocument(places);
     for (const bool fills : {false, true}) {
         TDocument* document = LoadDocument(path);
         ASSERT_NE(document, nullptr);
