@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 // The batch program as a person runs it: its own process, its own streams.
 
@@ -32,6 +33,13 @@ protected:
     std::string Sample(const std::string& name)
     {
         return "'" + SourcePath("samples/" + name + ".effect") + "'";
+    }
+    // Whether somebody without rights finds the program and its data: a build below a folder that is its
+    // owner's alone is closed to all others.
+    static bool CanNobodyRun()
+    {
+        const TNobody nobody;
+        return access(CINDERMILL_BATCH, X_OK) == 0 && access(SourcePath("NodeTypes").c_str(), R_OK) == 0;
     }
     static std::string Resources() { return "--resources '" + SourcePath("samples") + "' "; }
 
