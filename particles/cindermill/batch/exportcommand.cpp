@@ -2,7 +2,6 @@
 
 #include "library/containers/append.h"
 #include "library/system/file.h"
-#include "library/system/statefolder.h"
 #include "particles/cindermill/batch/batchsession.h"
 #include "particles/cindermill/batch/dependencyfile.h"
 #include "particles/cindermill/batch/effectdependencies.h"
@@ -97,6 +96,10 @@ int TExportCommand::Run(TBatchSession& session, TArguments& arguments) const
     GetExportFiles(session, document, in, files);
     if (IsAmong(files, out) || (!depfile.IsEmpty() && IsAmong(files, depfile)))
         return StatusErrors;
+    // Ahead of the export: with an older rule it would be taken for done, whatever ends the program between
+    // the two.
+    if (!depfile.IsEmpty() && !WriteDepfile(files, out, depfile))
+        return StatusErrors;
     TErrorList errors;
     TBatchResult result;
     {
@@ -107,10 +110,5 @@ int TExportCommand::Run(TBatchSession& session, TArguments& arguments) const
     TEffectFindings(document, in, report).AddErrors("export.warning", errors);
     if (result != BR_DONE)
         return StatusErrors;
-    // Without its rule it would be taken for done, and not be made again.
-    if (!depfile.IsEmpty() && !WriteDepfile(files, out, depfile)) {
-        RemoveFile(out);
-        return StatusErrors;
-    }
     return report.HasFailed() ? StatusErrors : StatusDone;
 }

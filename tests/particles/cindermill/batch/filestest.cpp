@@ -9,7 +9,9 @@
 #include <set>
 #include <thread>
 
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -396,6 +398,31 @@ TEST_F(TBatchFiles, AnExportWithoutItsRuleDoesNotStay)
         1,
         Run(Resources() + "export " + Sample("fountain") + " " + Quote(out) + " --depfile /none/a.d").Status);
     EXPECT_FALSE(fs::exists(out));
+}
+
+// However the program ends, no export is newer than its rule: an old one may not name what it hangs on.
+TEST_F(TBatchFiles, TheRuleIsThereBeforeTheExport)
+{
+    const std::string out = Folder.Path("out.efx");
+    const std::string rule = Folder.Path("out.d");
+    const int watch = inotify_init1(IN_NONBLOCK);
+    ASSERT_GE(inotify_add_watch(watch, Folder.GetFolder().c_str(), IN_CREATE | IN_MOVED_TO), 0);
+    for (int run = 0; run < 2; ++run) {
+        ASSERT_EQ(0, Run(Resources() + "export " + Sample("fountain") + " " + Quote(out) + " --depfile " +
+                         Quote(rule))
+                         .Status);
+        alignas(inotify_event) char events[4096];
+        const ssize_t size = read(watch, events, sizeof(events));
+        TNames names;
+        for (ssize_t at = 0; at < size;) {
+            const inotify_event* event = reinterpret_cast<const inotify_event*>(events + at);
+            if (event->name == std::string("out.efx") || event->name == std::string("out.d"))
+                names.emplace_back(event->name);
+            at += static_cast<ssize_t>(sizeof(inotify_event)) + event->len;
+        }
+        EXPECT_EQ(names, (TNames{"out.d", "out.efx"}));
+    }
+    close(watch);
 }
 
 TEST_F(TBatchFiles, AFolderThatMayNotBeSearchedIsTold)
