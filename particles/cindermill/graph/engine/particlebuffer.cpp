@@ -231,12 +231,21 @@ int TParticleBuffer::AddParticles(int count)
         Tail = Wrap(Tail + surplus);
         first -= surplus;
     }
-    for (int i = 0; i < count; ++i) {
-        GlobalIds[Wrap(Head + i)] = NextGlobalId;
-        NextGlobalId = static_cast<int>(static_cast<uint32_t>(NextGlobalId) + 1u);
-    }
+    const int above = buffersize - Head < count ? buffersize - Head : count;
+    Number(Head, above);
+    Number(0, count - above);
     Head = Wrap(Head + count);
     return first;
+}
+
+// The ids begin again at 0 after the largest: none is negative, however long an effect runs.
+void TParticleBuffer::Number(int position, int count)
+{
+    const uint32_t next = static_cast<uint32_t>(NextGlobalId);
+    int* ids = GlobalIds.data() + position;
+    for (int i = 0; i < count; ++i)
+        ids[i] = static_cast<int>((next + static_cast<uint32_t>(i)) & INT32_MAX);
+    NextGlobalId = static_cast<int>((next + static_cast<uint32_t>(count)) & INT32_MAX);
 }
 
 void TParticleBuffer::KillParticle(int index)

@@ -79,6 +79,8 @@ private:
     void Allocate(const TEffectSchedule& schedule, int group, int streamStride);
     int Wrap(int position) const;
     int RingPosition(int index) const;
+    // Gives new ids to particles that stand in a row.
+    void Number(int position, int count);
     void MoveParticles(int from, int to, int count);
     void RemoveParticle(int index);
     bool IsDeadListFalling() const;

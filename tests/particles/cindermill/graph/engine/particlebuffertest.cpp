@@ -1,5 +1,6 @@
 #include "enginetestnodes.h"
 
+#include <climits>
 #include <random>
 
 namespace {
@@ -388,6 +389,23 @@ TEST(TParticleBuffer, ADoubleDeathPastTheEndIsPassedOver)
     bench.Kill({0});
     EXPECT_EQ(bench.Buffer().GetTail(), -1);
 }
+
+#if !defined(CINDERMILL_SANITIZED)
+// A trace asks each particle for its id.
+TEST(TParticleBuffer, NoIdIsNegativeAfterBillionsOfBirths)
+{
+    constexpr int capacity = 4096;
+    TParticleBench bench(capacity);
+    bench.Build();
+    for (int64_t born = 0; born < (int64_t{1} << 31) - 2; born += capacity)
+        bench.Buffer().AddParticles(capacity);
+    bench.Buffer().AddParticles(2);
+    const int count = bench.Buffer().GetNumParticles();
+    EXPECT_EQ(INT_MAX, bench.Buffer().GetGlobalParticle(count - 3, TU_PROCESS));
+    EXPECT_EQ(0, bench.Buffer().GetGlobalParticle(count - 2, TU_PROCESS));
+    EXPECT_EQ(1, bench.Buffer().GetGlobalParticle(count - 1, TU_PROCESS));
+}
+#endif
 
 // The ring against a plain list of ages.
 TEST(TParticleBuffer, RandomBirthsAndDeathsKeepTheOrder)
