@@ -244,7 +244,8 @@ void TRampDrawing::DrawDashes(int source, const int* components, int count)
                             (CurveWidth + 1) * CurveUnit);
             from = to;
         }
-        place += length;
+        // The colours come again: an outline may be longer than there are numbers for its dashes.
+        place = std::fmod(place + length, Dash * count);
     }
 }
 

@@ -205,6 +205,28 @@ TEST_F(RampPicture, TheReadoutIsInTheViewOfThePointerOnly)
     EXPECT_GT(Count(Paint(2), min, max, isDark), 200);
 }
 
+// Longer than there are numbers for its dashes: a file may hold points out of their order.
+TEST_F(RampPicture, ASharedOutlineOfAnyLengthHasTheColoursOfAll)
+{
+    constexpr int numAnchors = 10000;
+    ShowColours();
+    TPoints points;
+    for (int i = 0; i < numAnchors; ++i)
+        for (int k = 0; k < 3; ++k)
+            points.push_back({i % 2 == 0 ? -1e30f : 1e30f, 0.5f});
+    for (int k = 0; k < 3; ++k)
+        points.push_back({0, 0.5f});
+    points.push_back({1, 0.5f});
+    SetCurve(0, points);
+    Parameter().SetLinear(true);
+    Lock(-1, 0, 0, -1);
+    const TPicture picture = Paint(2);
+    const TVector2 from = Ramp().GetView().ToPosition(TRampPoint{0.05f, 0.6f});
+    const TVector2 to = Ramp().GetView().ToPosition(TRampPoint{0.95f, 0.4f});
+    for (const auto& isColour : {IsRed, IsGreen, IsBlue})
+        EXPECT_GT(Count(picture, from, to, isColour), 100);
+}
+
 // A file may hold any number.
 TEST_F(RampPicture, StrangeNumbersAreDrawnWithoutHarm)
 {
