@@ -13,9 +13,6 @@ constexpr int SmallestColumn = 16;
 constexpr int TextMargin = 4;
 // So close to a border it is meant.
 constexpr int BorderReach = 3;
-// A press on an arrow of the bar, and a notch of the wheel.
-constexpr int SideStep = 20;
-constexpr int SideStepsANotch = 3;
 constexpr TGDIColour White = 0xFFFFFF;
 constexpr TGDIColour LineColour = 0xE0E0E0;
 
@@ -314,7 +311,6 @@ bool TTable::OnLabels(const TMessage& message)
 
 bool TTable::OnMain(const TMessage& message)
 {
-    constexpr int RowsANotch = 3;
     switch (message.Type) {
     case MT_PAINT:
         if (message.Context != nullptr)
@@ -322,11 +318,10 @@ bool TTable::OnMain(const TMessage& message)
         return true;
     case MT_WHEEL:
         if ((message.KeyFlags & KF_SHIFT) != 0) {
-            ScrollSideways(-message.Delta * SideStepsANotch * SideStep / WheelNotch);
+            ScrollSideways(-SideWheel.Take(message.Delta));
             return true;
         }
-        Main.SetScrollPosition(Main.GetScrollPosition() -
-                               message.Delta * RowsANotch * RowHeight / WheelNotch);
+        Main.SetScrollPosition(Main.GetScrollPosition() - Wheel.Take(message.Delta));
         RedrawCells();
         return true;
     case MT_KEYDOWN:

@@ -3,6 +3,7 @@
 #include "library/containers/string.h"
 #include "library/wimp/accessiblecontents.h"
 #include "library/wimp/controls/scrollbarcontrol.h"
+#include "library/wimp/gl/wheelsteps.h"
 #include "library/wimp/wimp.h"
 #include "library/wimp/window.h"
 
@@ -64,6 +65,8 @@ public:
     };
     static constexpr int RowHeight = 18;
     static constexpr int LabelWidth = 60;
+    // A press on an arrow of the bar.
+    static constexpr int SideStep = 20;
 
     // The provider stays the caller's and outlives the table. Asserts "0 : Failed to create table window",
     // and the same of a "table header window", a "label window" and a "table main window".
@@ -145,6 +148,9 @@ private:
     int DraggedColumn = -1;
     int GrabOffset = 0;
     int Marked = 0;
+    // In pixels: three rows, or steps to the side, a notch.
+    TWheelSteps Wheel = TWheelSteps(3 * RowHeight);
+    TWheelSteps SideWheel = TWheelSteps(3 * SideStep);
     TTableAccess Access{*this};
     THeaderAccess HeaderTexts{*this};
 };

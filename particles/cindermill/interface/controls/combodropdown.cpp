@@ -13,7 +13,6 @@ constexpr float StripWidth = 8.0f;
 constexpr float ShortestPip = 8.0f;
 // Where neither above nor below is room for more, a list is still to be read.
 constexpr int LeastRows = 3;
-constexpr int WheelRows = 3;
 
 } // namespace
 
@@ -30,7 +29,7 @@ void TComboDropDown::Open()
     if (IsOpen() || Owner.Items.empty())
         return;
     Place();
-    WheelRest = 0;
+    Wheel.Forget();
     Marked = Owner.Selection;
     FirstRow = 0;
     SetMarked(Marked >= 0 ? Marked : 0);
@@ -115,10 +114,7 @@ bool TComboDropDown::OnWheel(int delta)
 {
     if (!IsOpen() || HitTest(GetPointer() - GetAbsolutePosition() + Origin) == nullptr)
         return false;
-    WheelRest += delta * WheelRows;
-    const int rows = WheelRest / WheelNotch;
-    WheelRest -= rows * WheelNotch;
-    ScrollTo(FirstRow - rows);
+    ScrollTo(FirstRow - Wheel.Take(delta));
     return true;
 }
 

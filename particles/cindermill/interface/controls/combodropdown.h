@@ -2,6 +2,7 @@
 
 #include "library/containers/classregistry.h"
 #include "library/wimp/gl/renderobject.h"
+#include "library/wimp/gl/wheelsteps.h"
 #include "particles/cindermill/interface/controls/controldrag.h"
 #include "particles/cindermill/interface/controls/controlpaint.h"
 
@@ -74,7 +75,7 @@ private:
     int NumRows = 0;
     int FirstRow = 0;
     int Marked = -1;
-    int WheelRest = 0;
+    TWheelSteps Wheel = TWheelSteps(3);
     TStripDrag Strip;
     TOpeningDrag Opening;
 };

@@ -165,10 +165,7 @@ bool TNumberInput::OnWheel(const TRenderEvent& event)
 {
     if (!Edit.IsFocused() || Edit.IsReadOnly() || !HasPointer())
         return TRenderObjects::Event(event);
-    WheelRest += event.Detail;
-    const int steps = WheelRest / WheelNotch;
-    WheelRest -= steps * WheelNotch;
-    StepBy(steps, (GetKeyFlags() & KF_SHIFT) != 0, (GetKeyFlags() & KF_CTRL) != 0);
+    StepBy(Wheel.Take(event.Detail), (GetKeyFlags() & KF_SHIFT) != 0, (GetKeyFlags() & KF_CTRL) != 0);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/wimp/gl/renderobjects.h"
+#include "library/wimp/gl/wheelsteps.h"
 #include "particles/cindermill/interface/controls/textedit.h"
 #include "particles/cindermill/interface/controls/updown.h"
 
@@ -69,5 +70,5 @@ private:
     bool Float = true;
     const char* Format = "%.4f";
     // Of a wheel that tells parts of a notch.
-    int WheelRest = 0;
+    TWheelSteps Wheel = TWheelSteps(1);
 };
