@@ -11,8 +11,6 @@ namespace {
 constexpr TGDIFont TabFont = {};
 constexpr int TextLeft = 6;
 constexpr int TextTop = 3;
-// In pixels, for a notch.
-constexpr int WheelStep = 60;
 constexpr TGDIColour White = 0xFFFFFF;
 constexpr TGDIColour TextColour = 0x202020;
 constexpr TGDIColour DisabledColour = 0xA8A8A8;
@@ -232,7 +230,7 @@ void TDocGraphHeader::OnPress(const TMessage& message)
 
 void TDocGraphHeader::OnWheel(const TMessage& message)
 {
-    if (Strip.ScrollBy(-message.Delta * WheelStep / WheelNotch))
+    if (Strip.ScrollBy(-Wheel.Take(message.Delta)))
         Redraw();
 }
 

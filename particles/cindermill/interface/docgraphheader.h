@@ -2,6 +2,7 @@
 
 #include "library/containers/string.h"
 #include "library/containers/vector.h"
+#include "library/wimp/gl/wheelsteps.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/tabstrip.h"
 
@@ -55,6 +56,8 @@ private:
     bool IsRegistered = false;
     TTabStrip Strip;
     int Marked = 0;
+    // In pixels.
+    TWheelSteps Wheel = TWheelSteps(60);
 };
 
 // What the tabs show. The first one is that of all nodes, the others are those of the groups of particles.

@@ -12,7 +12,6 @@ constexpr TGDIColour White = 0xFFFFFF;
 constexpr TGDIColour CategoryColour = 0xEDEDED;
 constexpr TGDIColour LineColour = 0x202020;
 constexpr TGDIColour TextColour = 0x202020;
-constexpr int ScrollLine = 10;
 constexpr int TextIndent = 20;
 constexpr int TextTop = 4;
 constexpr int TextMargin = 4;
@@ -94,8 +93,7 @@ bool TDocTool::OnMessage(const TMessage& message)
         ScrollTo(message.GetPixelX());
         return true;
     case MT_WHEEL:
-        // In lines of the scroll bar.
-        ScrollTo(ScrollY - message.Delta * ScrollLine / 64);
+        ScrollTo(ScrollY - Wheel.Take(message.Delta));
         return true;
     case MT_LEFTDOWN:
         OnLeftDown(message.GetPixelX(), message.GetPixelY());

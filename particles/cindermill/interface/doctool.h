@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/wimp/gl/wheelsteps.h"
 #include "library/wimp/keyboardshortcut.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/filterfield.h"
@@ -34,6 +35,8 @@ public:
     bool AddType(int row);
 
 private:
+    static constexpr int ScrollLine = 10;
+
     void Paint(TGDIContext& context) const;
     void PaintType(TGDIContext& context, const TPaletteRow& row, int top, int width) const;
     void PaintCategory(TGDIContext& context, const TPaletteRow& row, int top, int width) const;
@@ -57,6 +60,8 @@ private:
     TDocWindow* DocWindow = nullptr;
     TPalette Palette;
     int ScrollY = 0;
+    // In pixels: lines of the scroll bar.
+    TWheelSteps Wheel = TWheelSteps(ScrollLine, 64);
     TFilterField Filter;
     TKeyboardShortcut FilterKeys{this};
     int Marked = 0;

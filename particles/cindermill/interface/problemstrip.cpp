@@ -169,7 +169,7 @@ bool TProblemStrip::OnMessage(const TMessage& message)
         return false;
     case MT_WHEEL: {
         const int limit = GetLastFirstRow();
-        const int row = FirstRow + (message.Delta > 0 ? -1 : 1);
+        const int row = FirstRow - Wheel.Take(message.Delta);
         FirstRow = row > limit ? limit : row < 0 ? 0 : row;
         EndTip();
         Redraw();

@@ -2,6 +2,7 @@
 
 #include "library/containers/string.h"
 #include "library/wimp/accessiblecontents.h"
+#include "library/wimp/gl/wheelsteps.h"
 #include "library/wimp/window.h"
 
 class TDocWindow;
@@ -79,6 +80,7 @@ private:
 
     TDocWindow* DocWindow = nullptr;
     int FirstRow = 0;
+    TWheelSteps Wheel = TWheelSteps(1);
     int Hovered = -1;
     int Marked = 0;
     // Where the pointer came to rest.

@@ -19,7 +19,6 @@ constexpr TGDIColour BarColour = 0xB4B9BE;
 constexpr int SwatchSize = 10;
 constexpr int TextTop = 4;
 constexpr int NameLeft = 24;
-constexpr int WheelRows = 3;
 
 TWindowClass& GetWindowClass()
 {
@@ -162,9 +161,7 @@ bool TSearchPopup::OnMessage(const TMessage& message)
             Choose(row);
         return true;
     case MT_WHEEL: {
-        WheelRest += message.Delta * WheelRows;
-        const int rows = WheelRest / WheelNotch;
-        WheelRest -= rows * WheelNotch;
+        const int rows = Wheel.Take(message.Delta);
         const int limit = List.GetNumMatches() - GetNumRows();
         FirstRow = FirstRow - rows > limit ? limit : FirstRow - rows < 0 ? 0 : FirstRow - rows;
         Redraw();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/wimp/accessiblecontents.h"
+#include "library/wimp/gl/wheelsteps.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/filterfield.h"
 #include "particles/cindermill/interface/graph/searchlist.h"
@@ -114,7 +115,7 @@ private:
     int Left = 0;
     int Marked = -1;
     int FirstRow = 0;
-    int WheelRest = 0;
+    TWheelSteps Wheel = TWheelSteps(3);
     // The keys are the menu's for so long.
     bool IsFieldMenuOpen = false;
     TSearchAccess Access{*this};

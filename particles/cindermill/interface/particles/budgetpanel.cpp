@@ -207,7 +207,7 @@ bool TBudgetPanel::OnMessage(const TMessage& message)
         ScrollTo(message.GetPixelX());
         return true;
     case MT_WHEEL:
-        ScrollTo(ScrollY - (message.Delta > 0 ? 1 : -1));
+        ScrollTo(ScrollY - Wheel.Take(message.Delta));
         return true;
     case MT_LEFTUP:
         OnClick(message);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/wimp/accessiblecontents.h"
+#include "library/wimp/gl/wheelsteps.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/particles/previewbudget.h"
 
@@ -65,4 +66,5 @@ private:
     // The line that the keys are at.
     int Marked = 0;
     int ScrollY = 0;
+    TWheelSteps Wheel = TWheelSteps(1);
 };

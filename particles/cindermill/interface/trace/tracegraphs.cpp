@@ -7,8 +7,6 @@ namespace {
 
 constexpr int Margin = 5;
 constexpr int GraphDistance = TOutputGraph::Height + TOutputGraph::StripHeight;
-constexpr int ScrollStep = 25;
-constexpr int StepsANotch = 2;
 constexpr TGDIColour SelectedColour = 0xC8DCF0;
 
 TWindowClass& GetWindowClass()
@@ -116,7 +114,7 @@ bool TTraceGraphs::OnMessage(const TMessage& message)
         Redraw();
         return true;
     case MT_WHEEL:
-        ScrollBy(-message.Delta * StepsANotch * ScrollStep / WheelNotch);
+        ScrollBy(-Wheel.Take(message.Delta));
         return true;
     case MT_LEFTDOWN:
         TakeFocus();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/containers/ownerlist.h"
+#include "library/wimp/gl/wheelsteps.h"
 #include "library/wimp/window.h"
 #include "particles/cindermill/interface/trace/outputgraph.h"
 
@@ -23,6 +24,8 @@ public:
     void OnCommand(TWimpControl* control, intptr_t argument, int code) override;
 
 private:
+    static constexpr int ScrollStep = 25;
+
     void Layout();
     void Paint(TGDIContext& context) const;
     // The port whose strip or graph lies there, or -1.
@@ -34,4 +37,6 @@ private:
     const TNodeTrace* Trace = nullptr;
     TOwnerList<TOutputGraph> Graphs;
     bool InLayout = false;
+    // In pixels.
+    TWheelSteps Wheel = TWheelSteps(2 * ScrollStep);
 };

@@ -226,6 +226,13 @@ TEST_F(DocWindow, ThePaletteScrollsByTheWheelAndStopsAtItsEnds)
     EXPECT_EQ(Tool().GetScroll(), 18);
     Wheel(Tool(), QPoint(20, 20), 120);
     EXPECT_EQ(Tool().GetScroll(), 0);
+    // A touchpad tells of a notch in many parts.
+    for (int i = 0; i < 24; ++i)
+        Wheel(Tool(), QPoint(20, 20), -5);
+    EXPECT_EQ(Tool().GetScroll(), 18);
+    for (int i = 0; i < 24; ++i)
+        Wheel(Tool(), QPoint(20, 20), 5);
+    EXPECT_EQ(Tool().GetScroll(), 0);
     Wheel(Tool(), QPoint(20, 20), 120);
     EXPECT_EQ(Tool().GetScroll(), 0);
     for (int i = 0; i < 1000; ++i)

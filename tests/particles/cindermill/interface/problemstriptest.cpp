@@ -348,9 +348,14 @@ TEST_F(ProblemStrip, AListThatIsToldAnewStaysWhereItWasScrolledTo)
     const QImage top = look();
     TMessage message;
     message.Type = MT_WHEEL;
-    message.Delta = -1;
-    for (int i = 0; i < 2; ++i)
+    // As a touchpad tells it: a notch is a row, and its parts are none.
+    message.Delta = -WheelNotch / 8;
+    for (int i = 0; i < 7; ++i)
         Strip().OnMessage(message);
+    EXPECT_EQ(top, look());
+    Strip().OnMessage(message);
+    message.Delta = -WheelNotch;
+    Strip().OnMessage(message);
     const QImage scrolled = look();
     ASSERT_NE(top, scrolled);
     Document->GetHost()->AgreementChanged(*Document);
