@@ -97,6 +97,11 @@ TEST_F(PreviewLook, BackgroundsAreBehindTheEffect)
     EXPECT_TRUE(IsClose(checker.At(3, 3), TPixel{191, 191, 191, 255}));
     EXPECT_TRUE(IsClose(checker.At(24 + 3, 3), TPixel{153, 153, 153, 255}));
     EXPECT_TRUE(IsClose(checker.At(24 + 3, 24 + 3), TPixel{191, 191, 191, 255}));
+    // As coarse on a screen of twice the dots.
+    Scene.GetBackdrop().SetDotsPerPixel(2);
+    const TPicture fine = Draw(*sample, look, "checker2");
+    EXPECT_TRUE(IsClose(fine.At(24 + 3, 3), TPixel{191, 191, 191, 255}));
+    EXPECT_TRUE(IsClose(fine.At(48 + 3, 3), TPixel{153, 153, 153, 255}));
     // Back to what it was.
     look.Background = BG_GREY;
     EXPECT_EQ(CountDifferent(Draw(*sample, look), plain), 0);
