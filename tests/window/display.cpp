@@ -128,6 +128,30 @@ bool TDisplay::AwaitProgram(int turns)
     });
 }
 
+std::string TDisplay::ReadClipboard()
+{
+    constexpr uint32_t MostWords = 4096;
+    const uint32_t property = GetAtom("_CINDERMILL_TEST_TEXT");
+    xcb_convert_selection(Connection, Window, GetAtom("CLIPBOARD"), GetAtom("UTF8_STRING"), property,
+                          XCB_CURRENT_TIME);
+    xcb_flush(Connection);
+    uint32_t told = XCB_NONE;
+    AwaitEvent([&](const void* event) {
+        if (TypeOf(*static_cast<const xcb_generic_event_t*>(event)) != XCB_SELECTION_NOTIFY)
+            return false;
+        told = static_cast<const xcb_selection_notify_event_t*>(event)->property;
+        return true;
+    });
+    if (told == XCB_NONE)
+        return "";
+    const auto cookie = xcb_get_property(Connection, 1, Window, property, XCB_ATOM_ANY, 0, MostWords);
+    const auto text = Own(xcb_get_property_reply(Connection, cookie, nullptr));
+    if (text == nullptr)
+        return "";
+    const size_t length = static_cast<size_t>(xcb_get_property_value_length(text.get()));
+    return std::string(static_cast<const char*>(xcb_get_property_value(text.get())), length);
+}
+
 TPicture TDisplay::Grab(const TRectangle& part) const
 {
     TPicture picture;

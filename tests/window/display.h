@@ -46,6 +46,8 @@ public:
     bool HasProgram() const { return FindTeller() != 0; }
     // Nothing where the part is not all on the screen.
     TPicture Grab(const TRectangle& part) const;
+    // The text of the clipboard; "" if there is none.
+    std::string ReadClipboard();
 
 private:
     uint32_t GetAtom(const char* name) const;

@@ -1,6 +1,7 @@
 #include "window/program.h"
 
 #include <csignal>
+#include <ctime>
 #include <filesystem>
 #include <sys/wait.h>
 
@@ -79,6 +80,15 @@ bool TProgram::IsRunning()
 void TProgram::Send(int signal) const
 {
     kill(Process, signal);
+}
+
+double TProgram::GetProcessorSeconds() const
+{
+    clockid_t clock = 0;
+    timespec time = {};
+    if (clock_getcpuclockid(Process, &clock) != 0 || clock_gettime(clock, &time) != 0)
+        return 0;
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
 int TProgram::WaitForEnd()

@@ -29,6 +29,8 @@ public:
     bool IsUp() const;
     bool IsRunning();
     void Send(int signal) const;
+    // Of the processor's time, what it has had so far.
+    double GetProcessorSeconds() const;
     // Waits for the end; the exit status, or -1 if it goes on.
     int WaitForEnd();
     // What it has printed so far.

@@ -59,6 +59,7 @@ inline int CountEntries(const std::string& folder, const std::string& start)
 class Program : public testing::Test
 {
 protected:
+    explicit Program(TAltMouse altMouse = AM_MANAGERS) : Screen(3000, 1200, 24, altMouse) {}
     void SetUp() override { ASSERT_TRUE(Screen.IsRunning()) << "no X server"; }
     // A new document, found on the screen.
     void StartWithNewDocument(TProgram& program, TWorkshop& workshop)

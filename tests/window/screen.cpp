@@ -128,11 +128,11 @@ pid_t StartCommand(const std::vector<std::string>& arguments, const std::vector<
     Execute(arguments);
 }
 
-TScreen::TScreen(int width, int height, int depth)
+TScreen::TScreen(int width, int height, int depth, TAltMouse altMouse)
 {
     if (!StartServer(width, height, depth))
         return;
-    Manager = StartCommand({"openbox", "--sm-disable"}, {"DISPLAY=" + Display}, "/dev/null");
+    StartManager(altMouse);
     // The manager has taken over once it answers for the list of windows.
     if (WaitUntil([this] { return Do({"get_desktop"}).Status == 0; }))
         Connection.Open(Display);
@@ -149,6 +149,20 @@ void TScreen::Kill()
     kill(Server, SIGKILL);
     WaitForEnd(Server);
     Server = -1;
+}
+
+void TScreen::StartManager(TAltMouse altMouse)
+{
+    std::vector<std::string> command = {"openbox", "--sm-disable"};
+    if (altMouse == AM_PROGRAMS) {
+        const std::string alt = "button=\"A-";
+        std::string settings = ReadBytes("/etc/xdg/openbox/rc.xml");
+        for (size_t at = settings.find(alt); at != std::string::npos; at = settings.find(alt, at + 1))
+            settings.replace(at, alt.size(), "button=\"W-A-");
+        WriteBytes(Settings.Path("rc.xml"), settings);
+        command.insert(command.end(), {"--config-file", Settings.Path("rc.xml")});
+    }
+    Manager = StartCommand(command, {"DISPLAY=" + Display}, "/dev/null");
 }
 
 // The server finds a free number by itself and tells it. It must not begin anew when its first client goes.

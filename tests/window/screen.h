@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/testsupport.h"
 #include "window/display.h"
 
 #include <chrono>
@@ -15,12 +16,19 @@ struct TCommandResult
     std::string Output;
 };
 
+// Who has the mouse while Alt is held: most desktops keep it, to move windows.
+enum TAltMouse
+{
+    AM_MANAGERS,
+    AM_PROGRAMS
+};
+
 // A display of its own, with a window manager, and a person's hands on its mouse and keyboard.
 class TScreen
 {
 public:
     // Wide enough for the main window and an effect's display side by side.
-    explicit TScreen(int width = 3000, int height = 1200, int depth = 24);
+    explicit TScreen(int width = 3000, int height = 1200, int depth = 24, TAltMouse altMouse = AM_MANAGERS);
     ~TScreen();
     TScreen(const TScreen&) = delete;
     TScreen& operator=(const TScreen&) = delete;
@@ -65,6 +73,10 @@ public:
     void CloseWindow(const std::string& window);
 
     TPicture Grab(const TRectangle& part) const { return Connection.Grab(part); }
+    // What the keys that copy have put into the clipboard.
+    std::string ReadClipboard() { return Connection.ReadClipboard(); }
+    // Waits until the program's message loop has turned so many times.
+    bool AwaitTurns(int turns) { return Connection.AwaitProgram(turns); }
     // Waits until nothing moves there any more while the program goes on.
     bool WaitUntilStill(const TRectangle& part);
     void Save(const TRectangle& part, const std::string& path) const;
@@ -74,6 +86,7 @@ private:
     TCommandResult Do(const std::vector<std::string>& arguments) const;
     void Act(const std::vector<std::string>& words);
     bool StartServer(int width, int height, int depth);
+    void StartManager(TAltMouse altMouse);
     void KeepClicksApart(int button);
 
     std::string Display;
@@ -90,6 +103,7 @@ private:
     std::vector<std::string> Gathered;
     pid_t Server = -1;
     pid_t Manager = -1;
+    TTempFolder Settings;
 };
 
 // As long as one lives, what a hand does is only gathered; at its end all is done in one go, as by a hand

@@ -402,15 +402,54 @@ bool TImage::LoadHvt(const char* path)
     return LoadFile(path, &TImage::ReadHvtHeader);
 }
 
-bool TImage::Load(const char* path)
+TImage::TReadHeader TImage::FindReader(const char* path)
 {
     char magic[4] = {};
     TFile file;
     if (!file.OpenRead(path))
-        return false;
+        return nullptr;
     const bool isDds = file.GetSize() >= 4 && file.Read(magic, 4) && std::memcmp(magic, "DDS ", 4) == 0;
     file.Close();
-    return isDds ? LoadDds(path) : LoadHvt(path);
+    return isDds ? &TImage::ReadDdsHeader : &TImage::ReadHvtHeader;
+}
+
+bool TImage::Load(const char* path)
+{
+    Clear();
+    const TReadHeader readHeader = FindReader(path);
+    return readHeader != nullptr && LoadFile(path, readHeader);
+}
+
+bool TImage::ReadSize(const char* path, int& width, int& height)
+{
+    const TReadHeader readHeader = FindReader(path);
+    TFile file;
+    TStored stored;
+    if (readHeader == nullptr || !file.OpenRead(path))
+        return false;
+    const bool isRead = readHeader(file, stored);
+    file.Close();
+    if (!isRead)
+        return false;
+    width = stored.Width;
+    height = stored.Height;
+    return true;
+}
+
+uint32_t TImage::GetMeanColour() const
+{
+    constexpr int most = 64;
+    const int stepX = Width / most + 1;
+    const int stepY = Height / most + 1;
+    uint32_t sums[3] = {};
+    uint32_t count = 0;
+    for (int y = stepY / 2; y < Height; y += stepY)
+        for (int x = stepX / 2; x < Width; x += stepX) {
+            for (int i = 0; i < 3; ++i)
+                sums[i] += GetPixel(x, y)[i];
+            ++count;
+        }
+    return count == 0 ? 0 : sums[0] / count << 16 | sums[1] / count << 8 | sums[2] / count;
 }
 
 bool TImage::Save(const char* path, int format) const

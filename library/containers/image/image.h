@@ -30,6 +30,8 @@ public:
     bool LoadHvt(const char* path);
     // Tells the two apart by content.
     bool Load(const char* path);
+    // Of a file, by its first bytes alone. False if they are those of no picture.
+    static bool ReadSize(const char* path, int& width, int& height);
     bool Save(const char* path, int format) const;
     // The same, with the reason of a failure.
     bool Save(const char* path, int format, TString& fault) const;
@@ -43,6 +45,8 @@ public:
     const uint8_t* GetPixels() const { return Pixels.data(); }
     uint8_t* GetPixel(int x, int y) { return Pixels.data() + (y * Width + x) * 4; }
     const uint8_t* GetPixel(int x, int y) const { return Pixels.data() + (y * Width + x) * 4; }
+    // What it is like from afar, as 0xRRGGBB: the mean of some of its pixels, whatever their alpha.
+    uint32_t GetMeanColour() const;
 
 private:
     // Where the pixels of a file stand, from the top row down, and what they are.
@@ -62,6 +66,8 @@ private:
     static bool ReadDdsHeader(TFile& file, TStored& stored);
     static bool ReadHvtHeader(TFile& file, TStored& stored);
     void Clear();
+    // By what the file begins with; null if it cannot be read.
+    static TReadHeader FindReader(const char* path);
     bool LoadFile(const char* path, TReadHeader readHeader);
     // Fills the picture, whose rows are stored from the bottom up. Of the file no more is taken into memory
     // than the pixels need.

@@ -57,6 +57,8 @@ bool TPictureDrawer::Draw(TDocument& document, const TPictureOptions& options, f
     glDepthMask(GL_TRUE);
     glClearColor(part(16), part(8), part(0), 1.0f);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    // What marks the ground is seen on it.
+    Scene.SetLook(TPreviewLook{.Background = BG_COLOUR, .Colour = options.Background});
     Scene.DrawOver(document, view, !options.Plain);
     Window.Read(picture.GetPixels());
     if (document.GetEngine().IsInited() == wasInited)

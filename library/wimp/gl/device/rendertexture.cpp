@@ -31,6 +31,7 @@ bool TRenderTexture::Load(const char* path)
     if (path == nullptr || !image.Load(path))
         return false;
     Set(image.GetWidth(), image.GetHeight(), TF_RGBA8, image.GetPixels());
+    MeanColour = image.GetMeanColour();
     return true;
 }
 

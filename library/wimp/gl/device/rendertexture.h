@@ -25,6 +25,8 @@ public:
     const TString& GetPath() const { return Path; }
     int GetWidth() const { return Width; }
     int GetHeight() const { return Height; }
+    // Of a file's picture, as 0xRRGGBB: what it is like from afar.
+    uint32_t GetMeanColour() const { return MeanColour; }
     int GetRefCount() const { return RefCount; }
     // OpenGL's name; 0 before the first Bind without a context. Stays for the texture's life.
     unsigned GetName() const { return Name; }
@@ -42,6 +44,7 @@ private:
     TString Path;
     int Width = 0;
     int Height = 0;
+    uint32_t MeanColour = 0;
     int RefCount = 0;
     unsigned Name = 0;
     TTextureFormat Format = TF_RGBA8;

@@ -66,6 +66,11 @@ int TRenderTextureInstance::GetHeight() const
     return Used(Texture).GetHeight();
 }
 
+uint32_t TRenderTextureInstance::GetMeanColour() const
+{
+    return Used(Texture).GetMeanColour();
+}
+
 void TRenderTextureInstance::Bind(int unit) const
 {
     Used(Texture).Bind(unit);

@@ -25,6 +25,8 @@ public:
     // The picture's own size; the driver may have been given a coarser one, if it takes none so large.
     int GetWidth() const;
     int GetHeight() const;
+    // Of a file's picture, as 0xRRGGBB: what it is like from afar.
+    uint32_t GetMeanColour() const;
     void Bind(int unit) const;
     // One quad, tinted; alphaOnly shows the alpha channel.
     void Draw(TTexturePainter& painter, const TVector2& min, const TVector2& max, const TVector4& colour,

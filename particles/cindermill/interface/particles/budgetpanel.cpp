@@ -332,7 +332,11 @@ void TBudgetPanel::PaintTotals(TGDIContext& context, int width, int top) const
     context.GetTextExtent(bytes, textWidth, textHeight);
     context.SetTextColour(TextColour);
     const int right = width - textWidth - TextLeft;
-    context.TextOutClipped(TextLeft, top + TextTop, right - 2 * TextLeft, RowHeight - TextTop, text);
+    const int room = right - 2 * TextLeft;
+    // The whole cost matters most.
+    if (GetTextWidth(RowFont, text.Print()) > room)
+        text.TruncateAtLast('(');
+    context.TextOutClipped(TextLeft, top + TextTop, room, RowHeight - TextTop, text);
     context.TextOut(right, top + TextTop, bytes);
 }
 

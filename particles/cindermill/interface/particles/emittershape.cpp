@@ -10,7 +10,6 @@
 
 namespace {
 
-const TVector4 ShapeColour(0.55f, 0.1f, 0.75f, 1);
 constexpr float MarkSize = 0.08f;
 constexpr int ConeSides = 12;
 constexpr double WholeTurn = 2 * 3.14159265358979323846;
@@ -39,11 +38,11 @@ bool GetFrame(const TEffectNode& node, const char* name, TMatrix43& frame)
     return true;
 }
 
-void DrawPoint(const TMatrix43& frame)
+void DrawPoint(const TMatrix43& frame, const TVector4& colour)
 {
     TMatrix43 small = frame;
     ScaleFirst(small, MarkSize, MarkSize, MarkSize);
-    TWires wires(ShapeColour, small);
+    TWires wires(colour, small);
     for (int axis = 0; axis < 3; ++axis) {
         TVector3 end(0, 0, 0);
         end[axis] = 1;
@@ -52,17 +51,17 @@ void DrawPoint(const TMatrix43& frame)
     wires.Sphere();
 }
 
-void DrawSphere(const TEffectNode& node, const TMatrix43& frame)
+void DrawSphere(const TEffectNode& node, const TMatrix43& frame, const TVector4& colour)
 {
     TMatrix43 scaled = frame;
     TPortValue scale;
     if (ReadInput(node, "Scale", TY_VECTOR3, scale))
         ScaleFirst(scaled, scale[0], scale[1], scale[2]);
-    TWires wires(ShapeColour, scaled);
+    TWires wires(colour, scaled);
     wires.Sphere();
 }
 
-void DrawGrid(const TEffectNode& node, const TMatrix43& frame)
+void DrawGrid(const TEffectNode& node, const TMatrix43& frame, const TVector4& colour)
 {
     const TNodeType& type = *node.GetNodeType();
     const TNodeIntParameter* x = type.FindParameterOf<TNodeIntParameter>("X Divisions", PK_INT);
@@ -71,13 +70,13 @@ void DrawGrid(const TEffectNode& node, const TMatrix43& frame)
     TPortValue scale;
     if (ReadInput(node, "Size", TY_SCALE, scale))
         ScaleFirst(scaled, scale[0], 1, scale[1]);
-    TWires wires(ShapeColour, scaled);
+    TWires wires(colour, scaled);
     wires.Grid(x != nullptr ? x->Get() : 1, y != nullptr ? y->Get() : 1);
 }
 
 // The directions are those of the world, and the place is that of whatever emits: the ground's middle
 // stands for it.
-void DrawCone(const TEffectNode& node)
+void DrawCone(const TEffectNode& node, const TVector4& colour)
 {
     TPortValue direction;
     TPortValue cosine(1.0f);
@@ -98,7 +97,7 @@ void DrawCone(const TEffectNode& node)
     const TVector3 b = Cross(a, along);
     const double reach = static_cast<double>(speed[0]) * ConeSeconds;
     const double radius = reach * std::sqrt(1 - c * c);
-    TWires wires(ShapeColour, TMatrix43());
+    TWires wires(colour, TMatrix43());
     wires.Line(TVector3(0, 0, 0), Scaled(along, reach));
     TVector3 last = Scaled(along, reach * c) + Scaled(b, radius);
     for (int i = 1; i <= ConeSides; ++i) {
@@ -113,17 +112,17 @@ void DrawCone(const TEffectNode& node)
 
 } // namespace
 
-void DrawEmitterShape(const TEffectNode& node)
+void DrawEmitterShape(const TEffectNode& node, const TVector4& colour)
 {
     if (node.GetNodeType()->IsOfClass("TVelocityCone")) {
-        DrawCone(node);
+        DrawCone(node, colour);
         return;
     }
     TMatrix43 frame;
     if (node.GetNodeType()->IsOfClass("TPointEmitter") && GetFrame(node, "Transform", frame))
-        DrawPoint(frame);
+        DrawPoint(frame, colour);
     else if (node.GetNodeType()->IsOfClass("TSphereSurface") && GetFrame(node, "Translation", frame))
-        DrawSphere(node, frame);
+        DrawSphere(node, frame, colour);
     else if (node.GetNodeType()->IsOfClass("TGrid") && GetFrame(node, "Transform", frame))
-        DrawGrid(node, frame);
+        DrawGrid(node, frame, colour);
 }

@@ -235,6 +235,7 @@ void TParticleRenderWindow::Paint()
     glViewport(0, 0, width, height);
     // Grids and displays are as bold on every screen.
     glLineWidth(static_cast<float>(GetDotsPerPixel()));
+    Scene.GetBackdrop().SetDotsPerPixel(GetDotsPerPixel());
     TMatrix4 projection;
     TCamera::GetProjection(static_cast<float>(width) / static_cast<float>(height), projection);
     TSceneView view;

@@ -3,6 +3,7 @@
 #include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/glcontext.h"
 #include "particles/cindermill/graph/operations/nodedisplay.h"
+#include "particles/cindermill/interface/particles/linecolour.h"
 #include "particles/cindermill/interface/particles/previewmarks.h"
 #include "particles/cindermill/interface/particles/wires.h"
 #include "particles/cindermill/main/cindermillapp.h"
@@ -53,7 +54,7 @@ void TParticleScene::Draw(TDocument& document, const TSceneView& view)
     GLint place[4] = {};
     glGetIntegerv(GL_VIEWPORT, place);
     glDisable(GL_DEPTH_TEST);
-    Backdrop.Draw(Look.Background, place[2], place[3]);
+    Backdrop.Draw(Look, place[2], place[3]);
     DrawOver(document, view, true);
 }
 
@@ -82,7 +83,8 @@ void TParticleScene::DrawMarks(TDocument& document, const TSceneView& view)
         return;
     LineProgram.Bind(view);
     TString text;
-    const bool drawn = RunGuarded([&] { TPreviewMarks(document).Draw(Look); }, text);
+    const bool drawn =
+        RunGuarded([&] { TPreviewMarks(document, Backdrop.GetMeanColour(Look)).Draw(Look); }, text);
     LineProgram.Unbind();
     if (!drawn)
         SwitchStagesOff();
@@ -116,13 +118,14 @@ void TParticleScene::DrawParticles(TDocument& document, const TSceneView& view)
 
 void TParticleScene::DrawGroundGrid()
 {
+    const TVector4 behind = Backdrop.GetMeanColour(Look);
     {
-        TWires grey(GridGrey, TMatrix43());
+        TWires grey(GetLineColour(GridGrey, behind), TMatrix43());
         for (int i = -4; i <= 4; ++i)
             if (i != 0)
                 DrawGroundLines(grey, i);
     }
-    TWires black(IsDark(Look.Background) ? GridLight : GridBlack, TMatrix43());
+    TWires black(IsDark(behind) ? GridLight : GridBlack, TMatrix43());
     for (int i = -5; i <= 5; i += 5)
         DrawGroundLines(black, i);
 }

@@ -2,8 +2,8 @@
 
 #include "library/containers/assertion.h"
 #include "library/system/clock.h"
-#include "library/system/file.h"
 #include "library/system/message.h"
+#include "library/wimp/colourchooser.h"
 #include "library/wimp/filechooser.h"
 #include "library/wimp/gdi/gdibitmap.h"
 #include "library/wimp/menu.h"
@@ -358,7 +358,7 @@ bool TParticleWindow::OnNumberedCommand(int command)
     else if (const int stored = numberIn(PC_STORECAMERA, NumStoredCameras); stored != -1)
         StoreCamera(stored);
     else if (const int background = numberIn(PC_BACKGROUND, BG_NUMBACKGROUNDS); background != -1)
-        SetBackground(background);
+        ChooseBackground(static_cast<TBackground>(background));
     else if (const int group = numberIn(PC_ONLYGROUP, TEffectExec::MaxGroups + 1); group != -1)
         ShowOnly(group - 1);
     else
@@ -378,13 +378,35 @@ void TParticleWindow::StoreCamera(int camera)
     HasCamera[camera] = true;
 }
 
-void TParticleWindow::SetBackground(int background)
+void TParticleWindow::SetBackground(TBackground background, uint32_t colour)
 {
-    if (background == BG_PICTURE && !ChoosePicture())
-        return;
     TPreviewLook look = GetLook();
-    look.Background = static_cast<TBackground>(background);
+    look.Background = background;
+    look.Colour = colour;
     SetLook(look);
+}
+
+void TParticleWindow::ChooseBackground(TBackground background)
+{
+    if (background == BG_COLOUR)
+        ChooseOwnColour();
+    else if (background != BG_PICTURE || ChoosePicture())
+        SetBackground(background, GetLook().Colour);
+}
+
+// Each colour that is tried is seen behind the effect, which runs on.
+void TParticleWindow::ChooseOwnColour()
+{
+    const TPreviewLook before = GetLook();
+    const bool isColour = before.Background != BG_CHECKER && before.Background != BG_PICTURE;
+    TGDIColour colour = isColour ? TBackdrop::GetColour(before) : before.Colour;
+    const auto tried = [](TGDIColour shown, void* window) {
+        static_cast<TParticleWindow*>(window)->SetBackground(BG_COLOUR, shown);
+    };
+    if (ChooseColour("Background colour", colour, tried, this))
+        SetBackground(BG_COLOUR, colour);
+    else
+        SetBackground(before.Background, before.Colour);
 }
 
 bool TParticleWindow::ChoosePicture()
@@ -398,12 +420,9 @@ bool TParticleWindow::ChoosePicture()
         folder.SetDirectory(Doc->GetPath());
     if (!OpenFileChooser("Select background picture", filters, folder, path))
         return false;
-    if (Render.GetScene().GetBackdrop().LoadPicture(path))
-        return true;
     TString fault;
-    GetReadFault(path, fault);
-    if (fault.IsEmpty())
-        fault = "it is no whole DDS or HVT file";
+    if (Render.GetScene().GetBackdrop().LoadPicture(path, fault))
+        return true;
     ShowMessage("Could not load picture %s: %s", path.Print(), fault.Print());
     return false;
 }

@@ -77,7 +77,9 @@ private:
     void FrameEffect();
     void UseCamera(int camera);
     void StoreCamera(int camera);
-    void SetBackground(int background);
+    void SetBackground(TBackground background, uint32_t colour);
+    void ChooseBackground(TBackground background);
+    void ChooseOwnColour();
     bool ChoosePicture();
 
     // Keys that the main window has a use for too.

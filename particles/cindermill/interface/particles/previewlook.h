@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 // What is behind the effect.
 enum TBackground
 {
@@ -9,20 +11,19 @@ enum TBackground
     BG_WHITE,
     BG_BLUE,
     BG_GREEN,
+    // One of the artist's own.
+    BG_COLOUR,
     BG_CHECKER,
     BG_PICTURE,
     BG_NUMBACKGROUNDS
 };
 
-constexpr bool IsDark(TBackground background)
-{
-    return background == BG_DARK || background == BG_BLACK || background == BG_BLUE;
-}
-
 // What an artist has chosen to see in a preview. At first it is the effect alone, on grey, over the ground.
 struct TPreviewLook
 {
     TBackground Background = BG_GREY;
+    // The artist's own, as 0xRRGGBB.
+    uint32_t Colour = 0xCCCCCC;
     bool Ground = true;
     // Of the render stages: their static boxes, and those round their particles.
     bool Boxes = false;

@@ -3,6 +3,7 @@
 #include "particles/cindermill/graph/engine/boundssampler.h"
 #include "particles/cindermill/graph/engine/particlebuffer.h"
 #include "particles/cindermill/interface/particles/emittershape.h"
+#include "particles/cindermill/interface/particles/linecolour.h"
 #include "particles/cindermill/interface/particles/previewlook.h"
 #include "particles/cindermill/interface/particles/wires.h"
 #include "particles/cindermill/main/document.h"
@@ -16,17 +17,8 @@ const TVector4 StaticColour(0.1f, 0.3f, 0.9f, 1);
 const TVector4 ParticleColour(0.1f, 0.6f, 0.2f, 1);
 const TVector4 OutsideColour(0.9f, 0.1f, 0.1f, 1);
 const TVector4 VelocityColour(0.95f, 0.45f, 0.0f, 0.8f);
+const TVector4 EmitterColour(0.55f, 0.1f, 0.75f, 1);
 constexpr float VelocitySeconds = 0.1f;
-
-void DrawBox(const TVector4& colour, const TVector3& min, const TVector3& max)
-{
-    TMatrix43 frame;
-    const TVector3 half = (max - min) * 0.5f;
-    frame.SetScale(half[0], half[1], half[2]);
-    frame.SetTranslation(min + half);
-    TWires wires(colour, frame);
-    wires.Box();
-}
 
 bool IsInside(const TBounds& bounds, const TVector3& min, const TVector3& max)
 {
@@ -142,6 +134,16 @@ void TPreviewMarks::DrawBoxesOf(int node) const
     DrawBox(outside ? OutsideColour : ParticleColour, bounds.Min, bounds.Max);
 }
 
+void TPreviewMarks::DrawBox(const TVector4& colour, const TVector3& min, const TVector3& max) const
+{
+    TMatrix43 frame;
+    const TVector3 half = (max - min) * 0.5f;
+    frame.SetScale(half[0], half[1], half[2]);
+    frame.SetTranslation(min + half);
+    TWires wires(GetLineColour(colour, Behind), frame);
+    wires.Box();
+}
+
 void TPreviewMarks::DrawVelocities(const TPreviewLook& look) const
 {
     for (int g = 0; g < Document.GetEngine().GetNumGroups(); ++g)
@@ -155,7 +157,7 @@ void TPreviewMarks::DrawVelocities(int group) const
     const TMotion motion(engine, group);
     if (!motion.IsKnown())
         return;
-    TWires wires(VelocityColour, TMatrix43());
+    TWires wires(GetLineColour(VelocityColour, Behind), TMatrix43());
     for (int i = 0; i < engine.GetNumParticles(group); ++i) {
         const TVector3 from = motion.GetPosition(i);
         const TVector3 way = motion.GetVelocity(i) * VelocitySeconds;
@@ -166,9 +168,10 @@ void TPreviewMarks::DrawVelocities(int group) const
 
 void TPreviewMarks::DrawEmitters() const
 {
+    const TVector4 colour = GetLineColour(EmitterColour, Behind);
     const TEffectGraph& graph = *Document.GetGraph();
     for (int i = 0; i < graph.GetNumNodes(); ++i)
-        DrawEmitterShape(*graph.GetNode(i));
+        DrawEmitterShape(*graph.GetNode(i), colour);
 }
 
 bool GetParticleBox(TDocument& document, int onlyGroup, TVector3& min, TVector3& max)

@@ -1,16 +1,17 @@
 #pragma once
 
+#include "library/maths/vector4.h"
+
 struct TPreviewLook;
 class TDocument;
 class TVector3;
-class TVector4;
 
 // What an artist may have drawn over an effect: boxes, velocities, the shapes of what emits. Bind the line
-// program around it.
+// program around it. All of it is seen before what is behind the effect.
 class TPreviewMarks
 {
 public:
-    explicit TPreviewMarks(TDocument& document) : Document(document) {}
+    TPreviewMarks(TDocument& document, const TVector4& behind) : Document(document), Behind(behind) {}
     void Draw(const TPreviewLook& look) const;
 
 private:
@@ -20,8 +21,10 @@ private:
     void DrawVelocities(const TPreviewLook& look) const;
     void DrawVelocities(int group) const;
     void DrawEmitters() const;
+    void DrawBox(const TVector4& colour, const TVector3& min, const TVector3& max) const;
 
     TDocument& Document;
+    TVector4 Behind;
 };
 
 // The box round all particles that are drawn, of one group or of all. False if there is none.

@@ -23,7 +23,7 @@ constexpr TLine ShowLines[] = {{PC_GROUND, "Ground"},
                                {PC_EMITTERS, "Emitter Shapes\tF8"}};
 // By TBackground.
 constexpr const char* BackgroundNames[BG_NUMBACKGROUNDS] = {
-    "Grey", "Dark Grey", "Black", "White", "Night Blue", "Green", "Checker", "Picture..."};
+    "Grey", "Dark Grey", "Black", "White", "Night Blue", "Green", "Colour...", "Checker", "Picture..."};
 
 struct TKeyCommand
 {

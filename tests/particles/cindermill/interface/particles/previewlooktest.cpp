@@ -1,6 +1,7 @@
 #include "support/gltest.h"
 #include "support/sampledocument.h"
 
+#include "library/containers/image/image.h"
 #include "library/wimp/gl/device/sceneview.h"
 #include "library/wimp/gl/glcontext.h"
 #include "particles/cindermill/graph/engine/random.h"
@@ -96,6 +97,11 @@ TEST_F(PreviewLook, BackgroundsAreBehindTheEffect)
     EXPECT_TRUE(IsClose(checker.At(3, 3), TPixel{191, 191, 191, 255}));
     EXPECT_TRUE(IsClose(checker.At(24 + 3, 3), TPixel{153, 153, 153, 255}));
     EXPECT_TRUE(IsClose(checker.At(24 + 3, 24 + 3), TPixel{191, 191, 191, 255}));
+    // As coarse on a screen of twice the dots.
+    Scene.GetBackdrop().SetDotsPerPixel(2);
+    const TPicture fine = Draw(*sample, look, "checker2");
+    EXPECT_TRUE(IsClose(fine.At(24 + 3, 3), TPixel{191, 191, 191, 255}));
+    EXPECT_TRUE(IsClose(fine.At(48 + 3, 3), TPixel{153, 153, 153, 255}));
     // Back to what it was.
     look.Background = BG_GREY;
     EXPECT_EQ(CountDifferent(Draw(*sample, look), plain), 0);
@@ -107,13 +113,83 @@ TEST_F(PreviewLook, APictureFillsTheView)
     TPreviewLook look;
     look.Background = BG_PICTURE;
     look.Ground = false;
+    TString fault;
     EXPECT_TRUE(IsClose(Draw(*sample, look).At(3, 3), TPixel{0, 0, 0, 255})) << "none was chosen";
-    EXPECT_FALSE(Scene.GetBackdrop().LoadPicture("/no/such/file.dds"));
+    EXPECT_FALSE(Scene.GetBackdrop().LoadPicture("/no/such/file.dds", fault));
     EXPECT_EQ(Scene.GetBackdrop().GetNumPictures(), 0u);
-    ASSERT_TRUE(Scene.GetBackdrop().LoadPicture(SourcePath("samples/textures/tile.hvt").c_str()));
+    ASSERT_TRUE(Scene.GetBackdrop().LoadPicture(SourcePath("samples/textures/tile.hvt").c_str(), fault));
     EXPECT_EQ(Scene.GetBackdrop().GetNumPictures(), 1u);
     const TPicture picture = Draw(*sample, look, "picture");
     EXPECT_GT(CountDifferent(picture, Draw(*sample, TPreviewLook{.Ground = false})), Width * Height / 2);
+}
+
+TEST_F(PreviewLook, AColourOfOnesOwnFillsTheView)
+{
+    TSampleDocument sample(App, "fountain");
+    const TPreviewLook look{.Background = BG_COLOUR, .Colour = 0x336699};
+    EXPECT_TRUE(IsClose(Draw(*sample, look, "colour").At(3, 3), TPixel{0x33, 0x66, 0x99, 255}, 2));
+}
+
+TEST_F(PreviewLook, MarksAreSeenOnAnyColour)
+{
+    TSampleDocument sample(App, "campfire");
+    sample.Run(2);
+    // That of the boxes, the velocities, what emits and the ground, and the ready-made ones.
+    std::vector<TPreviewLook> looks;
+    for (const uint32_t colour : {0x1A9933u, 0xF27300u, 0x8C1ABFu, 0x808080u, 0x336699u, 0x0u})
+        looks.push_back(TPreviewLook{.Background = BG_COLOUR, .Colour = colour});
+    for (int i = BG_GREY; i <= BG_CHECKER; ++i)
+        looks.push_back(TPreviewLook{.Background = static_cast<TBackground>(i)});
+    for (TPreviewLook look : looks) {
+        look.Ground = false;
+        const TPicture bare = Draw(*sample, look);
+        const auto countSeen = [&](bool TPreviewLook::*mark) {
+            TPreviewLook with = look;
+            with.*mark = true;
+            const TPicture marked = Draw(*sample, with);
+            int count = 0;
+            for (int y = 0; y < Height; ++y)
+                for (int x = 0; x < Width; ++x)
+                    count += IsClose(marked.At(x, y), bare.At(x, y), 35) ? 0 : 1;
+            return count;
+        };
+        const int colour = static_cast<int>(look.Colour);
+        EXPECT_GT(countSeen(&TPreviewLook::Boxes), 400) << look.Background << " " << colour;
+        EXPECT_GT(countSeen(&TPreviewLook::Velocities), 20) << look.Background << " " << colour;
+        EXPECT_GT(countSeen(&TPreviewLook::Emitters), 100) << look.Background << " " << colour;
+        EXPECT_GT(countSeen(&TPreviewLook::Ground), 1500) << look.Background << " " << colour;
+    }
+}
+
+TEST_F(PreviewLook, TheGroundIsLightOnADarkPicture)
+{
+    TSampleDocument sample(App, "fountain");
+    TTempFolder folder;
+    TImage night;
+    night.Create(8, 8);
+    ASSERT_TRUE(night.Save(folder.Path("night.dds").c_str(), IF_DDS_RAW));
+    TString fault;
+    ASSERT_TRUE(Scene.GetBackdrop().LoadPicture(folder.Path("night.dds").c_str(), fault));
+    const TPreviewLook look{.Background = BG_PICTURE};
+    EXPECT_GT(CountLike(Draw(*sample, look), TPixel{204, 204, 204, 255}), 300);
+}
+
+TEST_F(PreviewLook, APictureOfTooManyPixelsIsRefusedUnread)
+{
+    TTempFolder folder;
+    TImage small;
+    small.Create(4, 4);
+    const std::string path = folder.Path("wall.dds");
+    ASSERT_TRUE(small.Save(path.c_str(), IF_DDS_RAW));
+    std::string bytes = ReadBytes(path);
+    // Height and width, 16,384 each; the rest of a gigabyte is a hole.
+    bytes.replace(12, 8, std::string("\0\x40\0\0\0\x40\0\0", 8));
+    WriteBytes(path, bytes);
+    std::filesystem::resize_file(path, (uint64_t{1} << 30) + 128);
+    TString fault;
+    EXPECT_FALSE(Scene.GetBackdrop().LoadPicture(path.c_str(), fault));
+    EXPECT_EQ(Text(fault), "it has 16384 x 16384 pixels; a background may have as many as 8192 x 4096");
+    EXPECT_FALSE(Scene.GetBackdrop().HasPicture());
 }
 
 TEST_F(PreviewLook, TheGroundCanBeLeftOut)

@@ -9,6 +9,7 @@
 #include <QtCore/QTimer>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QColorDialog>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLineEdit>
 
@@ -61,6 +62,25 @@ protected:
         Window.OnPreviewCommand(int{PC_BACKGROUND} + BG_PICTURE);
         EXPECT_TRUE(met);
     }
+    // Types a colour in the real chooser; what is seen behind the effect meanwhile.
+    TPreviewLook TryColour(const char* colour, Qt::Key answer)
+    {
+        TPreviewLook seen;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            QColorDialog* chooser = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
+            if (chooser == nullptr)
+                return;
+            timer.stop();
+            FirstColour = chooser->currentColor().rgb();
+            chooser->setCurrentColor(QColor(QString::fromUtf8(colour)));
+            seen = Window.GetLook();
+            QTest::keyClick(chooser, answer);
+        });
+        timer.start(10);
+        Window.OnPreviewCommand(int{PC_BACKGROUND} + BG_COLOUR);
+        return seen;
+    }
     void WriteTexture(const std::string& leaf, size_t length = std::string::npos)
     {
         WriteBytes(Folder.Path(leaf), ReadBytes(SourcePath("samples/textures/dusk.dds")).substr(0, length));
@@ -73,6 +93,7 @@ protected:
     TParticleWindow Window;
     std::string FirstFolder;
     QStringList Filters;
+    QRgb FirstColour = 0;
 };
 
 } // namespace
@@ -117,4 +138,21 @@ TEST_F(BackgroundPicture, OneThatIsShownStaysWhateverBecomesOfItsFile)
     Choose("words.dds");
     EXPECT_EQ(Shown(), BG_PICTURE);
     EXPECT_TRUE(Window.GetRenderWindow().GetScene().GetBackdrop().HasPicture());
+}
+
+TEST_F(BackgroundPicture, AColourOfOnesOwnIsSeenWhileItIsTriedAndGoesIfItIsGivenUp)
+{
+    TPreviewLook seen = TryColour("#336699", Qt::Key_Escape);
+    EXPECT_EQ(FirstColour, 0xFFCCCCCC) << "the one that is seen";
+    EXPECT_EQ(seen.Background, BG_COLOUR);
+    EXPECT_EQ(seen.Colour, 0x336699u);
+    EXPECT_EQ(Window.GetLook(), TPreviewLook());
+    seen = TryColour("#336699", Qt::Key_Return);
+    EXPECT_EQ(Shown(), BG_COLOUR);
+    EXPECT_EQ(Window.GetLook().Colour, 0x336699u);
+    // It is there again behind a checker, and can be chosen anew.
+    ASSERT_TRUE(Window.OnPreviewCommand(int{PC_BACKGROUND} + BG_CHECKER));
+    TryColour("#102030", Qt::Key_Escape);
+    EXPECT_EQ(FirstColour, 0xFF336699);
+    EXPECT_EQ(Shown(), BG_CHECKER);
 }

@@ -114,6 +114,31 @@ TEST_F(PreviewTransport, GroupsOfOneNameAreToldApartInANarrowBudget)
     }
 }
 
+// By the number that matters, where there is no room for what it is made of.
+TEST_F(PreviewTransport, TheCostOfAFrameIsNotCutInItsMiddle)
+{
+    ASSERT_TRUE(Window.OnPreviewCommand(PC_BUDGET));
+    for (const int width : {400, 800}) {
+        Window.MoveTo(0, 50, width, 420);
+        Settle();
+        Run(20);
+        const QImage budget = Find("cindermill_particlewindow_budget")->grab().toImage();
+        const auto hasInk = [&](int x) {
+            for (int y = budget.height() - 15; y < budget.height() - 2; ++y)
+                if (qGray(budget.pixel(x, y)) < 128)
+                    return true;
+            return false;
+        };
+        int gap = 0;
+        int widest = 0;
+        for (int x = 0; x < width - 20; ++x) {
+            gap = hasInk(x) ? 0 : gap + 1;
+            widest = std::max(widest, gap);
+        }
+        EXPECT_GT(widest, 30) << width;
+    }
+}
+
 TEST_F(PreviewTransport, TheKeysOfThePreviewWorkWhereverTheFocusIsButInTheTime)
 {
     ASSERT_TRUE(Window.OnPreviewCommand(PC_BUDGET));

@@ -45,7 +45,8 @@ protected:
         SetMessageForms(nullptr, nullptr);
         Window.Destroy();
     }
-    // Something may happen while the chooser waits, and once it has been answered.
+    // A leaf of the folder, or a whole path. Something may happen while the chooser waits, and once it has
+    // been answered.
     void Save(const std::string& leaf, const std::function<void()>& before = nullptr,
               const std::function<void()>& after = nullptr)
     {
@@ -61,7 +62,7 @@ protected:
             OfferedFolder = chooser->directory().absolutePath().toStdString();
             if (before)
                 before();
-            chooser->selectFile(QString::fromStdString(Folder.Path(leaf)));
+            chooser->selectFile(QString::fromStdString(leaf[0] == '/' ? leaf : Folder.Path(leaf)));
             static_cast<QDialog*>(chooser)->accept();
             if (after)
                 after();
@@ -129,6 +130,14 @@ TEST_F(SavePictures, AFileThatCannotBeWrittenIsNamed)
     std::filesystem::create_directory(Folder.Path("nowhere"));
     Save("nowhere/a.png", nullptr, [this] { std::filesystem::remove(Folder.Path("nowhere")); });
     EXPECT_EQ(0u, Told.find(Folder.Path("nowhere/a.png") + " could not be written: ")) << Told;
+}
+
+TEST_F(SavePictures, APathThatIsShorterThanTheEndOfAPicturesNameIsTaken)
+{
+    // Where nobody writes who has no rights.
+    const TNobody nobody;
+    Save("/p");
+    EXPECT_EQ(0u, Told.find("/p.png could not be written: ")) << Told;
 }
 
 // The effect goes on while the chooser waits, and the picture is that of the moment before.
