@@ -21,7 +21,9 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <memory>
+#include <utility>
 
 // How the time for one long list grows with the list: each benchmark runs at 10, 100 and 1,000 KB, and the
 // table tells how much longer ten times as much takes.
@@ -88,10 +90,25 @@ struct TWork
 
 using TMakeWork = std::function<TWork(int size)>;
 
-void Measure(benchmark::State& state, const TMakeWork& make)
+// A benchmark is run again and again, to find how often it has to be, and for each repetition.
+class TWorks
 {
-    const int size = static_cast<int>(state.range(0)) * Kilobyte;
-    TWork work = make(size);
+public:
+    explicit TWorks(TMakeWork make) : Make(std::move(make)) {}
+    const TWork& Use(int size)
+    {
+        const auto found = Works.find(size);
+        return found != Works.end() ? found->second : Works.emplace(size, Make(size)).first->second;
+    }
+
+private:
+    TMakeWork Make;
+    std::map<int, TWork> Works;
+};
+
+void Measure(benchmark::State& state, TWorks& works)
+{
+    const TWork& work = works.Use(static_cast<int>(state.range(0)) * Kilobyte);
     for (auto _ : state) {
         if (work.Prepare != nullptr) {
             state.PauseTiming();
@@ -121,15 +138,18 @@ void Register(const std::string& name, const TMakeWork& make, double limit = Mos
     std::string id = name;
     for (char& ch : id)
         ch = ch == ' ' ? '_' : ch;
-    for (const int size : Sizes) {
-        benchmark::internal::Benchmark* const registered = benchmark::RegisterBenchmark(
-            id.c_str(), [make](benchmark::State& state) { Measure(state, make); });
-        registered->Arg(size);
-        if (iterations > 0)
-            registered->Iterations(iterations);
-        else
-            registered->MinTime(0.01);
-    }
+    AddGroup([=] {
+        const auto works = std::make_shared<TWorks>(make);
+        for (const int size : Sizes) {
+            benchmark::internal::Benchmark* const registered = benchmark::RegisterBenchmark(
+                id.c_str(), [works](benchmark::State& state) { Measure(state, *works); });
+            registered->Arg(size);
+            if (iterations > 0)
+                registered->Iterations(iterations);
+            else
+                registered->MinTime(0.01);
+        }
+    });
     for (size_t i = 1; i < std::size(Sizes); ++i) {
         const std::string large = std::to_string(Sizes[i]);
         const std::string small = std::to_string(Sizes[i - 1]);
