@@ -2,6 +2,7 @@
 
 #include "library/containers/assertion.h"
 #include "library/wimp/modal.h"
+#include "library/wimp/sharedgl.h"
 #include "library/wimp/wimp.h"
 #include "library/wimp/windowwidgets.h"
 
@@ -453,6 +454,9 @@ int TWindow::GetScrollPosition() const
 
 bool TWindow::MakeCurrent()
 {
+    // To free what it has drawn with, too, when its widget has gone.
+    if (Kind == WK_GLCHILD && IsGlShared())
+        return MakeSharedGlCurrent();
     QOpenGLWidget* widget = GlWidgetOf(Handle);
     if (widget == nullptr)
         return false;
@@ -462,6 +466,12 @@ bool TWindow::MakeCurrent()
 
 unsigned TWindow::GetFrameBuffer()
 {
+    if (Kind == WK_GLCHILD && IsGlShared()) {
+        int width = 0;
+        int height = 0;
+        GetDotSize(width, height);
+        return UseSharedFrameBuffer(QSize(width, height));
+    }
     QOpenGLWidget* widget = GlWidgetOf(Handle);
     return widget != nullptr ? widget->defaultFramebufferObject() : 0;
 }

@@ -178,13 +178,14 @@ bool ProbeGl()
 {
     QOffscreenSurface surface;
     surface.setFormat(GetGlFormat());
-    QOpenGLContext* context = MayHaveGl() ? QOpenGLContext::globalShareContext() : nullptr;
-    if (context != nullptr) {
+    QOpenGLContext* context = QOpenGLContext::globalShareContext();
+    const bool isValid = context != nullptr && context->isValid();
+    if (isValid) {
         surface.create();
         context->makeCurrent(&surface);
     }
     const bool works = InitGl();
-    if (context != nullptr)
+    if (isValid)
         context->doneCurrent();
     if (!works)
         TellGlFault();
@@ -308,12 +309,6 @@ QSurfaceFormat GetGlFormat()
     format.setVersion(2, 1);
     format.setProfile(QSurfaceFormat::CompatibilityProfile);
     return format;
-}
-
-bool MayHaveGl()
-{
-    const QOpenGLContext* context = QOpenGLContext::globalShareContext();
-    return context != nullptr && context->isValid();
 }
 
 bool HasWorkingGl()
