@@ -4,11 +4,13 @@
 #include "library/wimp/modal.h"
 #include "library/wimp/sharedgl.h"
 #include "library/wimp/wimp.h"
+#include "library/wimp/windowsight.h"
 #include "library/wimp/windowwidgets.h"
 
 #include <QtCore/QSignalBlocker>
 #include <QtGui/QAccessible>
 #include <QtGui/QTextDocument>
+#include <QtGui/QWindow>
 #include <QtOpenGLWidgets/QOpenGLWidget>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLayout>
@@ -197,6 +199,14 @@ void TWindow::Show(bool shown)
 bool TWindow::IsShown() const
 {
     return Peer != nullptr && Peer->GetFrame()->isVisible();
+}
+
+bool TWindow::IsInSight() const
+{
+    if (Handle == nullptr || !Handle->isVisible())
+        return false;
+    const QWidget& top = *Handle->window();
+    return top.windowHandle() != nullptr && top.windowHandle()->isExposed() && !IsCovered(top);
 }
 
 void TWindow::MoveTo(int x, int y, int width, int height)

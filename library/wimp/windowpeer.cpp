@@ -8,6 +8,7 @@
 #include "library/wimp/gl/glcontext.h"
 #include "library/wimp/modal.h"
 #include "library/wimp/wimp.h"
+#include "library/wimp/windowsight.h"
 
 #include <QtCore/QTimer>
 #include <QtGui/QCursor>
@@ -404,6 +405,10 @@ bool TWindowPeer::HandleFrameEvent(QEvent* event)
         AlignToDots();
         SendSize();
         Widget->update();
+        return false;
+    case QEvent::WinIdChange:
+        if (Widget->isWindow())
+            WatchSight(*Widget);
         return false;
     case QEvent::FocusIn:
         SendFocus(MT_FOCUSGAINED);
