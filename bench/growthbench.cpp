@@ -235,15 +235,23 @@ bool RedoAll(TDocument& document)
     return document.CanUndo();
 }
 
-// The history as a file brings it.
-std::shared_ptr<TDocument> MakeLoaded(TEffectList list, int size)
+// The path of a file with the history; empty if it cannot be written.
+std::string SaveHistory(TEffectList list, int size)
 {
     const std::string path =
         GetBenchFolder().GetPath("history" + std::to_string(list) + std::to_string(size));
-    if (!MakeDocument(list, size)->SaveAs(path.c_str()))
-        return nullptr;
+    return MakeDocument(list, size)->SaveAs(path.c_str()) ? path : std::string();
+}
+
+std::shared_ptr<TDocument> LoadHistory(const std::string& path)
+{
     auto document = std::make_shared<TDocument>(*GetApp());
-    return document->Load(path.c_str()) ? document : nullptr;
+    return !path.empty() && document->Load(path.c_str()) ? document : nullptr;
+}
+
+std::shared_ptr<TDocument> MakeLoaded(TEffectList list, int size)
+{
+    return LoadHistory(SaveHistory(list, size));
 }
 
 TWork MakeUndoWork(TEffectList list, int size)
@@ -255,13 +263,14 @@ TWork MakeUndoWork(TEffectList list, int size)
 // A step after all others were taken back.
 TWork MakeDropWork(TEffectList list, int size)
 {
+    const std::string path = SaveHistory(list, size);
     const auto document = std::make_shared<std::shared_ptr<TDocument>>();
     return {[document] {
                 (*document)->ApplyOperation(new TMoveGraphNodeOp(vector<TToolNode*>(), 1, 1));
                 return !(*document)->CanRedo();
             },
-            [document, list, size] {
-                *document = MakeLoaded(list, size);
+            [document, path] {
+                *document = LoadHistory(path);
                 return *document != nullptr && UndoAll(**document);
             }};
 }
