@@ -15,6 +15,12 @@ std::vector<TBenchRow>& Rows()
     return rows;
 }
 
+std::vector<std::function<void()>>& Groups()
+{
+    static std::vector<std::function<void()>> groups;
+    return groups;
+}
+
 // Prints what the library prints, to the standard error, and remembers the shortest time per thing in
 // seconds.
 class TShortestTimes : public benchmark::ConsoleReporter
@@ -24,6 +30,14 @@ public:
     {
         SetOutputStream(&std::cerr);
         SetErrorStream(&std::cerr);
+    }
+    // The machine is told of once, however many groups there are.
+    bool ReportContext(const Context& context) override
+    {
+        const bool isFirst = !HasContext;
+        HasContext = true;
+        name_field_width_ = context.name_field_width;
+        return !isFirst || ConsoleReporter::ReportContext(context);
     }
     void ReportRuns(const std::vector<Run>& runs) override
     {
@@ -65,6 +79,7 @@ private:
 
     std::map<std::string, double> Times;
     std::set<std::string> Failed;
+    bool HasContext = false;
 };
 
 std::string TimeText(double seconds)
@@ -118,6 +133,11 @@ void PrintRow(const TBenchRow& row, const TShortestTimes& times)
 
 } // namespace
 
+void AddGroup(const std::function<void()>& registration)
+{
+    Groups().push_back(registration);
+}
+
 void AddRow(const TBenchRow& row)
 {
     Rows().push_back(row);
@@ -144,7 +164,13 @@ int main(int argc, char** argv)
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data()) || !RegisterBenchmarks())
         return 1;
     TShortestTimes times;
-    benchmark::RunSpecifiedBenchmarks(&times);
+    if (Groups().empty())
+        benchmark::RunSpecifiedBenchmarks(&times);
+    for (const std::function<void()>& registration : Groups()) {
+        benchmark::ClearRegisteredBenchmarks();
+        registration();
+        benchmark::RunSpecifiedBenchmarks(&times);
+    }
     if (header)
         PrintLine("", "time", "baseline", "ratio", "figure");
     for (const TBenchRow& row : Rows())

@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,5 +27,10 @@ struct TBenchRow
 // failed says so, and the program then ends with 1.
 void AddRow(const TBenchRow& row);
 
-// A program defines this: it registers its benchmarks and adds its rows. False ends the program.
+// Benchmarks that take turns with each other only, one group after the other, so that what they have prepared
+// need not be kept for all groups at a time. What is given registers them.
+void AddGroup(const std::function<void()>& registration);
+
+// A program defines this: it registers its benchmarks, or adds its groups, and adds its rows. False ends the
+// program.
 bool RegisterBenchmarks();

@@ -21,7 +21,9 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <memory>
+#include <utility>
 
 // How the time for one long list grows with the list: each benchmark runs at 10, 100 and 1,000 KB, and the
 // table tells how much longer ten times as much takes.
@@ -88,10 +90,25 @@ struct TWork
 
 using TMakeWork = std::function<TWork(int size)>;
 
-void Measure(benchmark::State& state, const TMakeWork& make)
+// A benchmark is run again and again, to find how often it has to be, and for each repetition.
+class TWorks
 {
-    const int size = static_cast<int>(state.range(0)) * Kilobyte;
-    TWork work = make(size);
+public:
+    explicit TWorks(TMakeWork make) : Make(std::move(make)) {}
+    const TWork& Use(int size)
+    {
+        const auto found = Works.find(size);
+        return found != Works.end() ? found->second : Works.emplace(size, Make(size)).first->second;
+    }
+
+private:
+    TMakeWork Make;
+    std::map<int, TWork> Works;
+};
+
+void Measure(benchmark::State& state, TWorks& works)
+{
+    const TWork& work = works.Use(static_cast<int>(state.range(0)) * Kilobyte);
     for (auto _ : state) {
         if (work.Prepare != nullptr) {
             state.PauseTiming();
@@ -115,21 +132,25 @@ bool IsBounded(TTypeList list)
     return list == TL_PARAMETERS || list == TL_FOLLOWINGINPUTS || list == TL_OUTPUTS;
 }
 
-// iterations: how often it is measured; 0 is as often as it takes to be sure of the time.
+// iterations: how often it is measured at a time, but for the longest list, which is once; 0 is as often as
+// it takes to be sure of the time.
 void Register(const std::string& name, const TMakeWork& make, double limit = MostGrowth, int iterations = 0)
 {
     std::string id = name;
     for (char& ch : id)
         ch = ch == ' ' ? '_' : ch;
-    for (const int size : Sizes) {
-        benchmark::internal::Benchmark* const registered = benchmark::RegisterBenchmark(
-            id.c_str(), [make](benchmark::State& state) { Measure(state, make); });
-        registered->Arg(size);
-        if (iterations > 0)
-            registered->Iterations(iterations);
-        else
-            registered->MinTime(0.01);
-    }
+    AddGroup([=] {
+        const auto works = std::make_shared<TWorks>(make);
+        for (const int size : Sizes) {
+            benchmark::internal::Benchmark* const registered = benchmark::RegisterBenchmark(
+                id.c_str(), [works](benchmark::State& state) { Measure(state, *works); });
+            registered->Arg(size);
+            if (iterations > 0)
+                registered->Iterations(size < Sizes[2] ? iterations : 1);
+            else
+                registered->MinTime(0.01);
+        }
+    });
     for (size_t i = 1; i < std::size(Sizes); ++i) {
         const std::string large = std::to_string(Sizes[i]);
         const std::string small = std::to_string(Sizes[i - 1]);
@@ -215,15 +236,23 @@ bool RedoAll(TDocument& document)
     return document.CanUndo();
 }
 
-// The history as a file brings it.
-std::shared_ptr<TDocument> MakeLoaded(TEffectList list, int size)
+// The path of a file with the history; empty if it cannot be written.
+std::string SaveHistory(TEffectList list, int size)
 {
     const std::string path =
         GetBenchFolder().GetPath("history" + std::to_string(list) + std::to_string(size));
-    if (!MakeDocument(list, size)->SaveAs(path.c_str()))
-        return nullptr;
+    return MakeDocument(list, size)->SaveAs(path.c_str()) ? path : std::string();
+}
+
+std::shared_ptr<TDocument> LoadHistory(const std::string& path)
+{
     auto document = std::make_shared<TDocument>(*GetApp());
-    return document->Load(path.c_str()) ? document : nullptr;
+    return !path.empty() && document->Load(path.c_str()) ? document : nullptr;
+}
+
+std::shared_ptr<TDocument> MakeLoaded(TEffectList list, int size)
+{
+    return LoadHistory(SaveHistory(list, size));
 }
 
 TWork MakeUndoWork(TEffectList list, int size)
@@ -235,13 +264,14 @@ TWork MakeUndoWork(TEffectList list, int size)
 // A step after all others were taken back.
 TWork MakeDropWork(TEffectList list, int size)
 {
+    const std::string path = SaveHistory(list, size);
     const auto document = std::make_shared<std::shared_ptr<TDocument>>();
     return {[document] {
                 (*document)->ApplyOperation(new TMoveGraphNodeOp(vector<TToolNode*>(), 1, 1));
                 return !(*document)->CanRedo();
             },
-            [document, list, size] {
-                *document = MakeLoaded(list, size);
+            [document, path] {
+                *document = LoadHistory(path);
                 return *document != nullptr && UndoAll(**document);
             }};
 }

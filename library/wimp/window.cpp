@@ -2,12 +2,15 @@
 
 #include "library/containers/assertion.h"
 #include "library/wimp/modal.h"
+#include "library/wimp/sharedgl.h"
 #include "library/wimp/wimp.h"
+#include "library/wimp/windowsight.h"
 #include "library/wimp/windowwidgets.h"
 
 #include <QtCore/QSignalBlocker>
 #include <QtGui/QAccessible>
 #include <QtGui/QTextDocument>
+#include <QtGui/QWindow>
 #include <QtOpenGLWidgets/QOpenGLWidget>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLayout>
@@ -196,6 +199,14 @@ void TWindow::Show(bool shown)
 bool TWindow::IsShown() const
 {
     return Peer != nullptr && Peer->GetFrame()->isVisible();
+}
+
+bool TWindow::IsInSight() const
+{
+    if (Handle == nullptr || !Handle->isVisible())
+        return false;
+    const QWidget& top = *Handle->window();
+    return top.windowHandle() != nullptr && top.windowHandle()->isExposed() && !IsCovered(top);
 }
 
 void TWindow::MoveTo(int x, int y, int width, int height)
@@ -453,6 +464,9 @@ int TWindow::GetScrollPosition() const
 
 bool TWindow::MakeCurrent()
 {
+    // To free what it has drawn with, too, when its widget has gone.
+    if (Kind == WK_GLCHILD && IsGlShared())
+        return MakeSharedGlCurrent();
     QOpenGLWidget* widget = GlWidgetOf(Handle);
     if (widget == nullptr)
         return false;
@@ -462,6 +476,12 @@ bool TWindow::MakeCurrent()
 
 unsigned TWindow::GetFrameBuffer()
 {
+    if (Kind == WK_GLCHILD && IsGlShared()) {
+        int width = 0;
+        int height = 0;
+        GetDotSize(width, height);
+        return UseSharedFrameBuffer(QSize(width, height));
+    }
     QOpenGLWidget* widget = GlWidgetOf(Handle);
     return widget != nullptr ? widget->defaultFramebufferObject() : 0;
 }

@@ -120,6 +120,9 @@ public:
     void SetFocus() override;
     void Hide() { Show(false); }
     bool IsShown() const;
+    // False if the window system has told that nothing of it can be seen: it is minimised, on another
+    // desktop, or other windows cover it.
+    bool IsInSight() const;
     // Where a click of the desktop asks for it, in its name.
     void BringToTop(const TLaunch& launch = TLaunch());
     // Where a window with a frame stands, whether it is maximised, as a text to keep; empty for one that has

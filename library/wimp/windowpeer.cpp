@@ -8,6 +8,7 @@
 #include "library/wimp/gl/glcontext.h"
 #include "library/wimp/modal.h"
 #include "library/wimp/wimp.h"
+#include "library/wimp/windowsight.h"
 
 #include <QtCore/QTimer>
 #include <QtGui/QCursor>
@@ -178,13 +179,14 @@ bool ProbeGl()
 {
     QOffscreenSurface surface;
     surface.setFormat(GetGlFormat());
-    QOpenGLContext* context = MayHaveGl() ? QOpenGLContext::globalShareContext() : nullptr;
-    if (context != nullptr) {
+    QOpenGLContext* context = QOpenGLContext::globalShareContext();
+    const bool isValid = context != nullptr && context->isValid();
+    if (isValid) {
         surface.create();
         context->makeCurrent(&surface);
     }
     const bool works = InitGl();
-    if (context != nullptr)
+    if (isValid)
         context->doneCurrent();
     if (!works)
         TellGlFault();
@@ -310,12 +312,6 @@ QSurfaceFormat GetGlFormat()
     return format;
 }
 
-bool MayHaveGl()
-{
-    const QOpenGLContext* context = QOpenGLContext::globalShareContext();
-    return context != nullptr && context->isValid();
-}
-
 bool HasWorkingGl()
 {
     static const bool Works = ProbeGl();
@@ -409,6 +405,10 @@ bool TWindowPeer::HandleFrameEvent(QEvent* event)
         AlignToDots();
         SendSize();
         Widget->update();
+        return false;
+    case QEvent::WinIdChange:
+        if (Widget->isWindow())
+            WatchSight(*Widget);
         return false;
     case QEvent::FocusIn:
         SendFocus(MT_FOCUSGAINED);

@@ -134,8 +134,6 @@ QSurfaceFormat GetGlFormat();
 // Whether windows can be drawn by OpenGL. The first time it is found that they cannot, a message tells it,
 // once the loop runs.
 bool HasWorkingGl();
-// Whether a context could be made, known without the time that it takes to look what it can do.
-bool MayHaveGl();
 
 // A mouse pointer for a screen of so many dots a pixel.
 QCursor GetMousePointer(TCursor cursor, double dotsPerPixel);

@@ -2,9 +2,9 @@
 
 #include "library/wimp/gdi/gdibitmap.h"
 #include "library/wimp/gl/glcontext.h"
+#include "library/wimp/sharedgl.h"
 #include "library/wimp/wimp.h"
 
-#include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtGui/QCloseEvent>
 #include <QtGui/QIcon>
@@ -58,6 +58,19 @@ protected:
     {
         if (Peer != nullptr && IsGlReady())
             Peer->Paint();
+    }
+};
+
+class TSharedGlWidget : public TPeered<QWidget>
+{
+public:
+    using TPeered<QWidget>::TPeered;
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        if (Peer != nullptr)
+            PaintShared(*Peer);
     }
 };
 
@@ -129,6 +142,16 @@ QWidget* OwnerWidget(const TWindowParams& params)
     return params.Owner != nullptr ? params.Owner->GetHandle() : nullptr;
 }
 
+// A program without OpenGL still edits, saves and exports: its views just stay empty.
+TWindowPeer* MakeGlPeer(TWindow& window, QWidget* parent)
+{
+    if (!HasWorkingGl())
+        return MakePeer(window, new TPlainWidget(parent));
+    if (IsGlShared())
+        return MakePeer(window, new TSharedGlWidget(parent));
+    return MakePeer(window, new TGlWidget(parent));
+}
+
 TWindowPeer* MakeChild(TWindow& window, const TWindowParams& params)
 {
     QWidget* parent = OwnerWidget(params);
@@ -136,9 +159,7 @@ TWindowPeer* MakeChild(TWindow& window, const TWindowParams& params)
         return nullptr;
     if (params.Kind == WK_CHILD)
         return MakePeer(window, new TPlainWidget(parent));
-    // A program without OpenGL still edits, saves and exports: its views just stay empty.
-    TWindowPeer* peer =
-        HasWorkingGl() ? MakePeer(window, new TGlWidget(parent)) : MakePeer(window, new TPlainWidget(parent));
+    TWindowPeer* peer = MakeGlPeer(window, parent);
     // So that a frame that comes to the front gives the keys back to its view.
     peer->GetWidget()->setFocusPolicy(Qt::TabFocus);
     return peer;
@@ -173,14 +194,12 @@ TWindowPeer* MakeMainWindow(TWindow& window)
     TMainWidget* widget = new TMainWidget;
     widget->setContextMenuPolicy(Qt::NoContextMenu);
     // The first OpenGL child of a window that is shown already would make the window system build it anew.
-    if (MayHaveGl()) {
+    if (HasWorkingGl() && !IsGlShared()) {
         QOpenGLWidget* surface = new QOpenGLWidget(widget);
         surface->setObjectName(QStringLiteral("surface"));
         surface->resize(0, 0);
         surface->hide();
     }
-    // Who has no OpenGL is told so at the start, but first sees the window.
-    QTimer::singleShot(0, widget, [] { HasWorkingGl(); });
     return MakePeer(window, widget);
 }
 

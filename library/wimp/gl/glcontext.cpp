@@ -7,11 +7,14 @@
 
 #include <GL/glew.h>
 
+#include <cstring>
+
 namespace {
 struct TGlState
 {
     bool Ready = false;
     bool VendorPrograms = false;
+    bool ProcessorDraws = false;
     int MaxTextureSide = 0;
     TString Fault;
     // Made when ready; kept for the life of the process.
@@ -74,6 +77,16 @@ int QueryMaxTextureSide()
         side = limit < side ? limit : side;
     return side;
 }
+
+// By the names of the drivers that do.
+bool IsProcessor(const char* renderer)
+{
+    constexpr const char* names[] = {"llvmpipe", "softpipe", "Software Rasterizer", "SwiftShader"};
+    for (const char* name : names)
+        if (renderer != nullptr && strstr(renderer, name) != nullptr)
+            return true;
+    return false;
+}
 } // namespace
 
 bool InitGl()
@@ -97,6 +110,7 @@ bool InitGl()
         return Fail(fault);
     }
     state.VendorPrograms = glewIsSupported("GL_NV_vertex_program3 GL_NV_fragment_program2") != 0;
+    state.ProcessorDraws = IsProcessor(reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
     state.MaxTextureSide = QueryMaxTextureSide();
     state.Fault = nullptr;
     state.Ready = true;
@@ -118,6 +132,11 @@ const char* GetGlFault()
 bool HasVendorPrograms()
 {
     return GetState().VendorPrograms;
+}
+
+bool DoesProcessorDraw()
+{
+    return GetState().ProcessorDraws;
 }
 
 int GetMaxTextureSide()

@@ -12,6 +12,9 @@ const char* GetGlFault();
 // Whether the driver takes programs with the vendor's options.
 bool HasVendorPrograms();
 
+// Whether the processor draws, as there is no graphics card: pictures then lie in the program's own memory.
+bool DoesProcessorDraw();
+
 // Textures and targets of drawing have at most so many pixels across and down. Needs a ready OpenGL.
 int GetMaxTextureSide();
 

@@ -3,6 +3,7 @@
 #include "library/containers/assertion.h"
 #include "library/containers/wholenumbers.h"
 #include "library/wimp/gl/glcontext.h"
+#include "library/wimp/gl/renderbatch.h"
 #include "library/wimp/gl/rendererwatch.h"
 #include "library/wimp/gl/renderobject.h"
 #include "library/wimp/gl/renderpath.h"
@@ -17,6 +18,13 @@ namespace {
 // A view lies on a multiple of this part of a dot: a pan by whole dots then moves the picture by whole dots,
 // whatever has been rounded on the way.
 constexpr int PlacesPerDot = 16;
+
+// It holds a frame only while that is painted, and keeps its memory for the next, whichever window's it is.
+TRenderBatch& GetBatch()
+{
+    static TRenderBatch batch;
+    return batch;
+}
 
 } // namespace
 
@@ -94,10 +102,12 @@ void TRenderer::Paint()
         Targets.MovePicture(shift);
     if (!Tiles.GetParts().empty())
         Targets.BindTarget();
-    Batch.BeginFrame(GetWidth() * GetSupersampling(), GetHeight() * GetSupersampling());
+    TRenderBatch& batch = GetBatch();
+    batch.BeginFrame(GetWidth() * GetSupersampling(), GetHeight() * GetSupersampling());
     for (const TDotRectangle& part : Tiles.GetParts())
-        Batch.DrawPart(List, part.Enlarge(GetSupersampling()));
-    Batch.EndFrame();
+        batch.DrawPart(List, part.Enlarge(GetSupersampling()));
+    batch.EndFrame();
+    NumCalls = batch.GetNumCalls();
     if (!Tiles.GetParts().empty())
         Targets.TakeParts(Tiles.GetParts());
     Targets.Present();

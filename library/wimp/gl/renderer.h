@@ -6,7 +6,6 @@
 #include "library/wimp/gl/device/rendertextureinstance.h"
 #include "library/wimp/gl/nearestwhole.h"
 #include "library/wimp/gl/painttiles.h"
-#include "library/wimp/gl/renderbatch.h"
 #include "library/wimp/gl/renderlist.h"
 #include "library/wimp/gl/rendertargets.h"
 
@@ -88,7 +87,7 @@ public:
     void DrawTexture(unsigned texture, const TVector2& min, const TVector2& max, const TVector4& colour,
                      bool alphaOnly) override;
     // Draw calls of the last frame, and the parts of the window that it painted, in dots.
-    int GetNumCalls() const { return Batch.GetNumCalls(); }
+    int GetNumCalls() const { return NumCalls; }
     const vector<TDotRectangle>& GetPainted() const { return Tiles.GetParts(); }
 
     // Dots of the target to one of the window, across and down.
@@ -137,7 +136,7 @@ private:
     bool Drawing = false;
     TRenderList List;
     TPaintTiles Tiles;
-    TRenderBatch Batch;
+    int NumCalls = 0;
     vector<TVector2> CurvePoints;
     vector<TVector2> CurveStrip;
 };

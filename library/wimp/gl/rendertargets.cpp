@@ -23,12 +23,17 @@ void MakeTexture(unsigned& texture, int width, int height, int filter)
     CheckGlError();
 }
 
-// Targets are only drawn into and taken out of while one window is painted: those of one size are one.
+// Only in use while one window is painted: windows of one size share it. The target is so many times as
+// large.
 struct TSharedTarget
 {
     int Width;
     int Height;
+    int Supersampling;
     unsigned Texture;
+    // What a picture is moved to, as large as the window. Made when one is first moved; where that was is
+    // then of no use any more, and becomes this.
+    unsigned Spare;
     int NumUsers;
 };
 
@@ -38,15 +43,15 @@ vector<TSharedTarget>& GetSharedTargets()
     return targets;
 }
 
-unsigned TakeTarget(int width, int height)
+unsigned TakeTarget(int width, int height, int supersampling)
 {
     for (TSharedTarget& target : GetSharedTargets())
-        if (target.Width == width && target.Height == height) {
+        if (target.Width == width && target.Height == height && target.Supersampling == supersampling) {
             ++target.NumUsers;
             return target.Texture;
         }
-    TSharedTarget made{width, height, 0, 1};
-    MakeTexture(made.Texture, width, height, GL_LINEAR);
+    TSharedTarget made{width, height, supersampling, 0, 0, 1};
+    MakeTexture(made.Texture, width * supersampling, height * supersampling, GL_LINEAR);
     GetSharedTargets().push_back(made);
     return made.Texture;
 }
@@ -58,9 +63,18 @@ void GiveTargetBack(unsigned& texture)
         if (texture == 0 || targets[i].Texture != texture || --targets[i].NumUsers > 0)
             continue;
         DeleteGlTexture(texture);
+        DeleteGlTexture(targets[i].Spare);
         targets.erase(targets.begin() + i);
     }
     texture = 0;
+}
+
+unsigned& UseSpare(unsigned target)
+{
+    for (TSharedTarget& shared : GetSharedTargets())
+        if (shared.Texture == target)
+            return shared.Spare;
+    AssertFail("0", __FILE__, __LINE__);
 }
 
 void Forget(unsigned& texture)
@@ -105,8 +119,7 @@ void TRenderTargets::Release()
     FrameBuffer = 0;
     Attached = 0;
     GiveTargetBack(ColourTexture);
-    for (unsigned& picture : Pictures)
-        Forget(picture);
+    Forget(Picture);
     Width = 0;
     Height = 0;
 }
@@ -130,9 +143,8 @@ void TRenderTargets::Resize(int width, int height)
     const int longest = Width > Height ? Width : Height;
     Supersampling = longest <= GetMaxTextureSide() / FullSupersampling ? FullSupersampling : 1;
     GiveTargetBack(ColourTexture);
-    ColourTexture = TakeTarget(Width * Supersampling, Height * Supersampling);
-    MakePicture(Pictures[0]);
-    Forget(Pictures[1]);
+    ColourTexture = TakeTarget(Width, Height, Supersampling);
+    MakePicture(Picture);
 }
 
 void TRenderTargets::MakePicture(unsigned& picture)
@@ -175,23 +187,24 @@ void TRenderTargets::MovePicture(const int* shift)
         TDotRectangle{{shift[0], shift[1]}, {Width + shift[0], Height + shift[1]}}.Intersect(window);
     if (to.IsEmpty())
         return;
-    if (Pictures[1] == 0)
-        MakePicture(Pictures[1]);
-    Bind(Pictures[0]);
+    unsigned& spare = UseSpare(ColourTexture);
+    if (spare == 0)
+        MakePicture(spare);
+    Bind(Picture);
     glDisable(GL_SCISSOR_TEST);
-    glBindTexture(GL_TEXTURE_2D, Pictures[1]);
+    glBindTexture(GL_TEXTURE_2D, spare);
     glCopyTexSubImage2D(GL_TEXTURE_2D, 0, to.Min[0], Height - to.Max[1], to.Min[0] - shift[0],
                         Height - (to.Max[1] - shift[1]), to.Max[0] - to.Min[0], to.Max[1] - to.Min[1]);
     glBindTexture(GL_TEXTURE_2D, 0);
     CheckGlError();
-    const unsigned moved = Pictures[1];
-    Pictures[1] = Pictures[0];
-    Pictures[0] = moved;
+    const unsigned moved = spare;
+    spare = Picture;
+    Picture = moved;
 }
 
 void TRenderTargets::TakeParts(const vector<TDotRectangle>& parts)
 {
-    Bind(Pictures[0]);
+    Bind(Picture);
     glViewport(0, 0, Width, Height);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
     glEnable(GL_SCISSOR_TEST);
@@ -209,5 +222,5 @@ void TRenderTargets::Present()
     CheckGlError();
     glViewport(0, 0, Width, Height);
     glDisable(GL_SCISSOR_TEST);
-    DrawWhole(Pictures[0]);
+    DrawWhole(Picture);
 }

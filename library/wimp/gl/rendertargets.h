@@ -46,8 +46,7 @@ private:
     // What the frame buffer has attached.
     unsigned Attached = 0;
     unsigned ColourTexture = 0;
-    // The picture, and the one that it is moved to, made when it is first moved.
-    unsigned Pictures[2] = {0, 0};
+    unsigned Picture = 0;
     int Width = 0;
     int Height = 0;
     int Supersampling = 2;

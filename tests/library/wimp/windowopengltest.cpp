@@ -2,9 +2,58 @@
 
 #include "library/system/message.h"
 #include "library/wimp/gl/glcontext.h"
+#include "library/wimp/gl/renderer.h"
+#include "library/wimp/gl/renderobject.h"
 #include "library/wimp/windowpeer.h"
 
+#include <QtGui/QImage>
+#include <QtGui/QPixmap>
+#include <QtGui/QScreen>
 #include <QtTest/QTest>
+
+namespace {
+
+// The upper half in one colour, the lower one in another.
+class THalves : public TRenderObject
+{
+public:
+    void Render(TRenderer& renderer) override
+    {
+        TVector2 min;
+        TVector2 max;
+        renderer.GetVisibleRect(min, max);
+        const float middle = (min[1] + max[1]) * 0.5f;
+        renderer.SetColour(Upper);
+        renderer.DrawRectangle(min, TVector2(max[0], middle));
+        renderer.SetColour(Lower);
+        renderer.DrawRectangle(TVector2(min[0], middle), max);
+    }
+    void GetBounds(TVector2& min, TVector2& max) override
+    {
+        min = TVector2(-1e6f, -1e6f);
+        max = TVector2(1e6f, 1e6f);
+    }
+
+    TVector4 Upper = TVector4(0, 0, 0, 1);
+    TVector4 Lower = TVector4(0, 0, 0, 1);
+};
+
+class THalvesWindow : public TRecordingWindow
+{
+public:
+    ~THalvesWindow() override { Renderer.Release(); }
+    bool OnMessage(const TMessage& message) override
+    {
+        if (message.Type == MT_PAINT)
+            Renderer.Render(Root);
+        return TRecordingWindow::OnMessage(message);
+    }
+
+    TRenderer Renderer;
+    THalves Root;
+};
+
+} // namespace
 
 TEST_F(TWindowClassTest, AnOpenGlWindowPaintsWithItsContext)
 {
@@ -47,6 +96,55 @@ TEST_F(TWindowClassTest, AnOpenGlWindowOfNoSizePaintsAgainOnceItHasOne)
         ASSERT_TRUE(WaitFor([&] { return view.Count(MT_PAINT) > 0; })) << i;
         EXPECT_TRUE(view.MakeCurrent());
     }
+}
+
+TEST_F(TWindowClassTest, OpenGlWindowsEachShowWhatTheyHaveDrawn)
+{
+    struct TView
+    {
+        THalvesWindow Window;
+        QRect Place;
+        QRgb Upper;
+        QRgb Lower;
+    };
+    // Two of one size and one of another.
+    TView views[3];
+    const QRect places[] = {QRect(10, 10, 100, 80), QRect(120, 10, 100, 80), QRect(10, 100, 60, 40)};
+    const auto paint = [](const TVector4& colour) {
+        return qRgb(static_cast<int>(colour[0]) * 255, static_cast<int>(colour[1]) * 255,
+                    static_cast<int>(colour[2]) * 255);
+    };
+    for (int i = 0; i < 3; ++i) {
+        TView& view = views[i];
+        view.Place = places[i];
+        view.Window.Root.Upper = TVector4(i == 0, i == 1, i == 2, 1);
+        view.Window.Root.Lower = TVector4(1, i != 1, i != 2, 1);
+        view.Upper = paint(view.Window.Root.Upper);
+        view.Lower = paint(view.Window.Root.Lower);
+        ASSERT_TRUE(MakeChild(view.Window, WK_GLCHILD));
+        ASSERT_TRUE(view.Window.Renderer.Init(&view.Window));
+        view.Window.MoveTo(view.Place.x(), view.Place.y(), view.Place.width(), view.Place.height());
+    }
+    const auto areShown = [&](int from) {
+        const QImage image = Widget()->screen()->grabWindow(Widget()->winId()).toImage();
+        for (int i = from; i < 3; ++i) {
+            const QRect& place = views[i].Place;
+            if (image.pixel(place.topLeft()) != views[i].Upper ||
+                image.pixel(place.center() - QPoint(0, 3)) != views[i].Upper ||
+                image.pixel(place.center() + QPoint(0, 3)) != views[i].Lower ||
+                image.pixel(place.bottomRight()) != views[i].Lower)
+                return false;
+        }
+        return true;
+    };
+    EXPECT_TRUE(WaitFor([&] { return areShown(0); }));
+    views[1].Window.Redraw();
+    Settle();
+    EXPECT_TRUE(areShown(0));
+    views[0].Window.Destroy();
+    views[2].Window.Redraw();
+    Settle();
+    EXPECT_TRUE(areShown(1));
 }
 
 TEST_F(TWindowClassTest, AWindowThatOpenGlDoesNotDrawHasNoContext)

@@ -63,6 +63,8 @@ bool TParticleRenderWindow::IsPictureDue() const
 
 void TParticleRenderWindow::RedrawChanged()
 {
+    if (!IsInSight())
+        return;
     if ((!DisplaysChanged && GetPicture() == Painted) || !IsPictureDue())
         return;
     if (!NeedsRedraw)

@@ -339,6 +339,29 @@ TEST_F(KeptPicture, APanByWholeDotsPaintsWhatComesIntoSight)
     EXPECT_LE(CountPainted(), 3 * TPaintTiles::Side * Height);
 }
 
+TEST_F(KeptPicture, ViewsOfOneSizeArePannedInTurns)
+{
+    Generator.seed(5);
+    Fill();
+    TTestWindow window(Width, Height);
+    TRenderer other;
+    ASSERT_TRUE(other.Init(&window, &Renderer));
+    for (int i = 0; i < 8; ++i) {
+        Renderer.SetOffset(Renderer.GetOffset() + TVector2(-4, 3));
+        Paint(Root);
+        other.SetOffset(other.GetOffset() + TVector2(5, 0));
+        window.MakeCurrent();
+        other.Render(Root);
+        const TPicture panned = Paint(Root);
+        ASSERT_EQ(CountDifferences(panned, PaintAll(), 2), 0) << "step " << i;
+        const TVector2 offset = Renderer.GetOffset();
+        Renderer.SetOffset(other.GetOffset());
+        const TPicture whole = PaintAll();
+        Renderer.SetOffset(offset);
+        ASSERT_EQ(CountDifferences(window.Read(), whole, 2), 0) << "step " << i;
+    }
+}
+
 TEST_F(KeptPicture, WhatMovesAlongWithTheWindowIsPaintedWhereItWasAndIs)
 {
     TShape box(SK_BOX, Font, Texture);

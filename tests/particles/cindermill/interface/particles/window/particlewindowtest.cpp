@@ -389,6 +389,35 @@ TEST_F(ParticleWindow, APausedPreviewIsDrawnAgainOnlyWhenItWouldLookOtherwise)
     EXPECT_EQ(paints(), 0);
 }
 
+TEST_F(ParticleWindow, BehindAnotherWindowItRunsOnAndIsDrawnOnceItShows)
+{
+    TPaintCounter counter(*Find<QWidget>("cindermill_particlewindow_render"));
+    const auto tick = [&] {
+        Settle();
+        counter.Paints = 0;
+        Tick(20);
+        Settle();
+        return counter.Paints;
+    };
+    EXPECT_EQ(tick(), 1);
+    TRecordingWindow other;
+    const TWindowClass otherClass("test_other");
+    ShowTopWindow(other, otherClass, 900, 700);
+    other.MoveTo(0, 0, 900, 700);
+    ASSERT_TRUE(WaitFor([&] { return !Window.IsInSight(); }));
+    const float time = Window.GetTime();
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(tick(), 0);
+    EXPECT_FLOAT_EQ(Window.GetTime(), time + 0.06f);
+    other.Hide();
+    ASSERT_TRUE(WaitFor([&] { return Window.IsInSight(); }));
+    counter.Paints = 0;
+    Tick(0);
+    Settle();
+    EXPECT_EQ(counter.Paints, 1);
+    EXPECT_FLOAT_EQ(Window.GetTime(), time + 0.06f);
+}
+
 TEST_F(ParticleWindow, ClosingHidesIt)
 {
     Window.GetHandle()->close();

@@ -1,0 +1,16 @@
+#pragma once
+
+class QSize;
+class TWindowPeer;
+
+// Where the processor draws, a context of its own for each window, and what the toolkit has of its own to put
+// such windows together, cost megabytes for each and a copy of every frame. There the windows share one
+// context, and what each has drawn is painted as any other picture is.
+
+// Known once it has been found that OpenGL works. Whoever asks the toolkit for its own way gets that.
+bool IsGlShared();
+bool MakeSharedGlCurrent();
+// For a window of so many dots.
+unsigned UseSharedFrameBuffer(const QSize& dots);
+// Has the window drawn, and its widget painted with that.
+void PaintShared(TWindowPeer& peer);
