@@ -2,16 +2,36 @@
 
 #include <cstddef>
 
+namespace {
+
+constexpr int MaxFollowing = 3;
+
+// Not one of the bytes of a character behind its first.
+bool IsFirstByte(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+}
+
 // Where a text may be cut so near below the limit that no character of it is broken; a text that is no UTF-8
 // has none such, and is cut at the limit.
-static int FindCut(const char* text, int limit)
+int FindCut(const char* text, int limit)
 {
-    constexpr int MaxFollowing = 3;
     for (int cut = limit; cut > 0 && cut >= limit - MaxFollowing; --cut)
-        if ((static_cast<unsigned char>(text[cut]) & 0xC0) != 0x80)
+        if (IsFirstByte(text[cut]))
             return cut;
     return limit;
 }
+
+// The same above it.
+int FindCutAbove(const char* text, int limit)
+{
+    for (int cut = limit; cut <= limit + MaxFollowing; ++cut)
+        if (IsFirstByte(text[cut]))
+            return cut;
+    return limit;
+}
+
+} // namespace
 
 TString ShortenText(const char* text, int limit)
 {
@@ -23,6 +43,22 @@ TString ShortenText(const char* text, int limit)
     end.Format("... (%d characters)", length);
     result.Left(text, FindCut(text, limit));
     result += end;
+    return result;
+}
+
+TString ShortenName(const char* name, int limit)
+{
+    static const char* const Gap = "...";
+    constexpr int GapLength = 3;
+    TString result(name);
+    const int length = result.Length();
+    if (length <= limit)
+        return result;
+    const int kept = limit > GapLength ? limit - GapLength : 0;
+    const int end = kept / 2;
+    result.Left(name, FindCut(name, kept - end));
+    result += Gap;
+    result += name + FindCutAbove(name, length - end);
     return result;
 }
 

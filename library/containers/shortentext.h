@@ -6,6 +6,10 @@
 // where that is more.
 TString ShortenText(const char* text, int limit);
 
+// A name among others, which is told by its beginning and its end: at most so many bytes, "..." for what is
+// left out between them.
+TString ShortenName(const char* name, int limit);
+
 // A text that is to stay in its line, and its field where tabs separate them: a blank for each control
 // character.
 TString OneLineText(const char* text);

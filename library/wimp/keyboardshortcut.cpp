@@ -24,7 +24,12 @@ TKeyboardShortcut::~TKeyboardShortcut()
 
 void TKeyboardShortcut::Add(int code, THandler handler)
 {
-    Handlers[code].push_back(handler);
+    Entries[code].push_back(TEntry{handler, true});
+}
+
+void TKeyboardShortcut::AddOnce(int code, THandler handler)
+{
+    Entries[code].push_back(TEntry{handler, false});
 }
 
 void TKeyboardShortcut::Attach(TWindow* window)
@@ -44,7 +49,7 @@ void TKeyboardShortcut::Detach()
     Handle = nullptr;
 }
 
-bool TKeyboardShortcut::OnKey(int key, TWindow*, bool down)
+bool TKeyboardShortcut::OnKey(int key, TWindow*, bool down, bool isRepeat)
 {
     if (const int modifier = ModifierOf(key)) {
         Modifiers = down ? Modifiers | modifier : Modifiers & ~modifier;
@@ -53,14 +58,14 @@ bool TKeyboardShortcut::OnKey(int key, TWindow*, bool down)
     if (!down)
         return false;
     const int code = key | Modifiers;
-    const auto it = Handlers.find(code);
-    if (it == Handlers.end())
+    const auto it = Entries.find(code);
+    if (it == Entries.end())
         return false;
     // A handler may close the window, and this table with it.
-    const vector<THandler> handlers = it->second;
+    const vector<TEntry> entries = it->second;
     void* context = Context != nullptr ? Context : Window;
-    for (const THandler handler : handlers)
-        if (handler(code, context))
+    for (const TEntry& entry : entries)
+        if ((entry.Repeats || !isRepeat) && entry.Handler(code, context))
             return true;
     return false;
 }

@@ -25,12 +25,20 @@ public:
     TKeyboardShortcut& operator=(const TKeyboardShortcut&) = delete;
 
     void Add(int code, THandler handler);
+    // For what is meant once, however long the key is held.
+    void AddOnce(int code, THandler handler);
     void Attach(TWindow* window);
     void Detach();
-    bool OnKey(int key, TWindow* window, bool down);
+    bool OnKey(int key, TWindow* window, bool down, bool isRepeat = false);
 
 private:
-    map<int, vector<THandler>> Handlers;
+    struct TEntry
+    {
+        THandler Handler;
+        bool Repeats;
+    };
+
+    map<int, vector<TEntry>> Entries;
     TWindow* Window = nullptr;
     TWindowHandle Handle = nullptr;
     void* Context = nullptr;

@@ -343,7 +343,7 @@ void TWimp::RemoveShortcuts(TWindowHandle window)
 
 bool TWimp::HandleKey(TWindow& window, const TMessage& message)
 {
-    return OfferKey(window, message.Key, message.Type == MT_KEYDOWN);
+    return OfferKey(window, message.Key, message.Type == MT_KEYDOWN, message.IsRepeat);
 }
 
 void TWimp::SyncModifiers(TWindow& window, int keyFlags)
@@ -353,7 +353,7 @@ void TWimp::SyncModifiers(TWindow& window, int keyFlags)
     OfferKey(window, KEY_ALT, (keyFlags & KF_ALT) != 0);
 }
 
-bool TWimp::OfferKey(TWindow& window, int key, bool down)
+bool TWimp::OfferKey(TWindow& window, int key, bool down, bool isRepeat)
 {
     const TWindowHandle handle = window.GetHandle();
     auto it = Shortcuts.find(handle);
@@ -365,7 +365,7 @@ bool TWimp::OfferKey(TWindow& window, int key, bool down)
         it = Shortcuts.find(handle);
         if (it == Shortcuts.end())
             return false;
-        if (it->second.find(table) != it->second.end() && table->OnKey(key, &window, down))
+        if (it->second.find(table) != it->second.end() && table->OnKey(key, &window, down, isRepeat))
             return true;
     }
     return false;

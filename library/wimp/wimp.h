@@ -124,7 +124,7 @@ private:
 
     TWimp() = default;
 
-    bool OfferKey(TWindow& window, int key, bool down);
+    bool OfferKey(TWindow& window, int key, bool down, bool isRepeat = false);
     bool Turn(bool mayWait);
 
     void* Instance = nullptr;

@@ -438,7 +438,7 @@ bool TWindowPeer::HandleInput(QEvent* event)
             return false;
         break;
     case QEvent::InputMethod:
-        SendCharacters(static_cast<QInputMethodEvent*>(event)->commitString(), 0);
+        SendCharacters(static_cast<QInputMethodEvent*>(event)->commitString(), TMessage());
         break;
     case QEvent::MouseMove:
         SendMouse(MT_MOUSEMOVE, *static_cast<QMouseEvent*>(event));
@@ -673,6 +673,10 @@ bool TWindowPeer::SendKey(const QKeyEvent& event, bool down)
     TMessage message;
     message.Type = down ? MT_KEYDOWN : MT_KEYUP;
     message.Key = down ? PressKey(event) : ReleaseKey(event);
+    message.IsRepeat = event.isAutoRepeat();
+    // What Return enters, chooses or presses is meant once.
+    if (message.IsRepeat && message.Key == KEY_RETURN)
+        return true;
     message.KeyFlags = ToKeyFlags(event.modifiers());
     message.Buttons = ToButtons(QApplication::mouseButtons());
     const QString text = down ? GetText(event, message.Key) : QString();
@@ -689,11 +693,11 @@ bool TWindowPeer::SendKey(const QKeyEvent& event, bool down)
     }
     if (self == nullptr)
         return true;
-    SendCharacters(text, message.KeyFlags);
+    SendCharacters(text, message);
     return consumed || self == nullptr;
 }
 
-void TWindowPeer::SendCharacters(const QString& text, int keyFlags)
+void TWindowPeer::SendCharacters(const QString& text, const TMessage& key)
 {
     const QPointer<TWindowPeer> self(this);
     for (const uint character : text.toUcs4()) {
@@ -704,7 +708,8 @@ void TWindowPeer::SendCharacters(const QString& text, int keyFlags)
         TMessage message;
         message.Type = MT_CHAR;
         message.Character = character;
-        message.KeyFlags = keyFlags;
+        message.KeyFlags = key.KeyFlags;
+        message.IsRepeat = key.IsRepeat;
         Send(message);
     }
 }

@@ -81,7 +81,8 @@ private:
     // of it meanwhile.
     int PressKey(const QKeyEvent& event);
     int ReleaseKey(const QKeyEvent& event);
-    void SendCharacters(const QString& text, int keyFlags);
+    // As the key typed them.
+    void SendCharacters(const QString& text, const TMessage& key);
 
     TWindow* Window;
     QWidget* Widget;

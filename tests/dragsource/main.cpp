@@ -1,8 +1,11 @@
 // A window out of which files are dragged: those of the command line, all at once. Its title tells whether
 // what is under the pointer takes them, and then that whoever took them has done what it does with them.
+// Ctrl+C copies the text of the first one, as the title tells.
 
+#include <QtCore/QFile>
 #include <QtCore/QMimeData>
 #include <QtCore/QUrl>
+#include <QtGui/QClipboard>
 #include <QtGui/QDrag>
 #include <QtGui/QMouseEvent>
 #include <QtWidgets/QApplication>
@@ -18,6 +21,14 @@ public:
     }
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        QFile file(Files.value(0));
+        if (!event->matches(QKeySequence::Copy) || !file.open(QIODevice::ReadOnly))
+            return;
+        QApplication::clipboard()->setText(QString::fromUtf8(file.readAll()));
+        setWindowTitle(QStringLiteral("dragsource: copied"));
+    }
     void mouseMoveEvent(QMouseEvent* event) override
     {
         if (!event->buttons().testFlag(Qt::LeftButton))

@@ -184,19 +184,33 @@ protected:
         const TRectangle preview = GetPreview();
         Screen.Click(preview.X + x, preview.Y + preview.Height + TransportHeight / 2);
     }
-    // Drags files out of a window of another program.
-    void Drop(const std::vector<std::string>& files, int x, int y)
+    // A window of another program, which has the files.
+    void StartSource(const std::vector<std::string>& files)
     {
-        constexpr int Steps = 10;
         const char* const title = "^dragsource$";
-        ASSERT_NO_FATAL_FAILURE(EndDrop());
         std::vector<std::string> command = {CINDERMILL_DRAGSOURCE};
         command.insert(command.end(), files.begin(), files.end());
         Source = StartCommand(
             command, {"DISPLAY=" + Screen.GetDisplay(), "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}, "/dev/null");
         ASSERT_TRUE(Screen.WaitForWindow(title));
         Screen.MoveWindow(Screen.FindWindow(title), 2600, 900);
-        const TRectangle place = Screen.GetPosition(Screen.FindWindow(title));
+    }
+    // Copies the text of a file in it, which stays on the clipboard as long as it runs.
+    void CopyTextElsewhere(const std::string& file)
+    {
+        ASSERT_NO_FATAL_FAILURE(StartSource({file}));
+        Screen.Activate(Screen.FindWindow("^dragsource$"));
+        ASSERT_TRUE(Screen.WaitUntilActive("^dragsource$"));
+        Screen.Key("ctrl+c");
+        ASSERT_TRUE(Screen.WaitForWindow("^dragsource: copied$"));
+    }
+    // Drags files out of a window of another program.
+    void Drop(const std::vector<std::string>& files, int x, int y)
+    {
+        constexpr int Steps = 10;
+        ASSERT_NO_FATAL_FAILURE(EndDrop());
+        ASSERT_NO_FATAL_FAILURE(StartSource(files));
+        const TRectangle place = Screen.GetPosition(Screen.FindWindow("^dragsource$"));
         const int fromX = place.X + place.Width / 2;
         const int fromY = place.Y + place.Height / 2;
         Screen.MoveTo(fromX, fromY);

@@ -144,6 +144,16 @@ TScreen::~TScreen()
     End(Server);
 }
 
+void TScreen::LeaveAltToPrograms()
+{
+    End(Manager);
+    RunCommand({"xprop", "-root", "-remove", "_NET_CURRENT_DESKTOP"}, {"DISPLAY=" + Display});
+    Manager =
+        StartCommand({"openbox", "--sm-disable", "--config-file", SourcePath("tests/window/openbox.xml")},
+                     {"DISPLAY=" + Display}, "/dev/null");
+    EXPECT_TRUE(WaitUntil([this] { return Do({"get_desktop"}).Status == 0; }));
+}
+
 void TScreen::Kill()
 {
     kill(Server, SIGKILL);

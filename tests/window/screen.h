@@ -33,6 +33,8 @@ public:
     TScreen(const TScreen&) = delete;
     TScreen& operator=(const TScreen&) = delete;
 
+    // Another window manager, which takes no drags with Alt for itself. Before a program is started.
+    void LeaveAltToPrograms();
     // The display goes, with all that is on it. Nothing else may be asked of it afterwards.
     void Kill();
     bool IsRunning() const { return Connection.IsOpen(); }

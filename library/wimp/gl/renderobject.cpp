@@ -26,7 +26,7 @@ struct TObjectWatch
 // one that loses it.
 struct TRoute
 {
-    TRoute(TRenderer& renderer, int keyFlags);
+    TRoute(TRenderer& renderer, const TMessage& message);
     ~TRoute();
     TRoute(const TRoute&) = delete;
     TRoute& operator=(const TRoute&) = delete;
@@ -34,6 +34,7 @@ struct TRoute
     TRendererWatch Renderer;
     // The keys that were down when the message was sent. SetFocus leaves them.
     int KeyFlags;
+    bool IsRepeat;
     TRoute* Outer;
 };
 
@@ -80,8 +81,9 @@ TObjectWatch::~TObjectWatch()
     GetRouting().Watches = Next;
 }
 
-TRoute::TRoute(TRenderer& renderer, int keyFlags)
-    : Renderer(&renderer), KeyFlags(keyFlags & RoutedKeyFlags), Outer(GetRouting().Route)
+TRoute::TRoute(TRenderer& renderer, const TMessage& message)
+    : Renderer(&renderer), KeyFlags(message.KeyFlags & RoutedKeyFlags), IsRepeat(message.IsRepeat),
+      Outer(GetRouting().Route)
 {
     GetRouting().Route = this;
 }
@@ -243,7 +245,7 @@ void TRenderObject::LoseHover()
 
 bool TRenderObject::Route(TRenderer& renderer, TRenderObject& root, const TMessage& message)
 {
-    const TRoute route(renderer, message.KeyFlags);
+    const TRoute route(renderer, message);
     return Dispatch(renderer, root, message);
 }
 
@@ -509,6 +511,12 @@ int TRenderObject::GetKeyFlags()
 {
     const TRoute* route = GetRouting().Route;
     return GetRouting().KeyFlags | (route != nullptr ? route->KeyFlags : 0);
+}
+
+bool TRenderObject::IsKeyRepeat()
+{
+    const TRoute* route = GetRouting().Route;
+    return route != nullptr && route->IsRepeat;
 }
 
 void TRenderObject::ForgetRenderer(const TRenderer* renderer)

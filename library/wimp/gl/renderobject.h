@@ -142,6 +142,8 @@ public:
     // TKeyFlag bits: of Shift and Ctrl, what the key messages have told; of all, those of the message being
     // routed.
     static int GetKeyFlags();
+    // Whether the message being routed comes from a key that is held.
+    static bool IsKeyRepeat();
     // The renderer and its window are about to go.
     static void ForgetRenderer(const TRenderer* renderer);
 

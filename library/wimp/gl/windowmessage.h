@@ -93,6 +93,8 @@ struct TMessage
     int Delta = 0;
     // For key messages.
     int Key = 0;
+    // For MT_KEYDOWN and MT_CHAR: the key is held, and has been told before.
+    bool IsRepeat = false;
     // For MT_CHAR, a Unicode character.
     uint32_t Character = 0;
     // For MT_TIMER.

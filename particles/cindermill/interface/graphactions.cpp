@@ -8,6 +8,7 @@
 #include "particles/cindermill/interface/docwindow.h"
 #include "particles/cindermill/interface/graph/graphedits.h"
 #include "particles/cindermill/interface/graph/graphlayout.h"
+#include "particles/cindermill/interface/graph/gridrender.h"
 #include "particles/cindermill/interface/graph/nodefinding.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/interface/particles/previewgroups.h"
@@ -74,6 +75,21 @@ constexpr TGraphAction GraphActions[] = {
     {GA_MINIMAP, 'M' | SM_CTRL, "Map\tCtrl+M", false},
 };
 
+// The arrows, which move the selection by so many lines of the grid; with Shift by as many units.
+struct TMoveKey
+{
+    int Key;
+    int X;
+    int Y;
+};
+
+constexpr TMoveKey MoveKeys[] = {
+    {KEY_LEFT, -1, 0},
+    {KEY_RIGHT, 1, 0},
+    {KEY_UP, 0, -1},
+    {KEY_DOWN, 0, 1},
+};
+
 const TGraphAction* FindActionOfKey(int key)
 {
     for (const TGraphAction& action : GraphActions)
@@ -97,8 +113,13 @@ void TGraphActions::Attach(TDocWindow& docWindow)
     DocWindow = &docWindow;
     for (const TGraphAction& action : GraphActions)
         if (action.Key != 0)
-            Shortcuts.Add(action.Key, [](int key, void* actions) {
+            Shortcuts.AddOnce(action.Key, [](int key, void* actions) {
                 return static_cast<TGraphActions*>(actions)->OnKey(key);
+            });
+    for (const TMoveKey& move : MoveKeys)
+        for (const int modifiers : {0, SM_SHIFT})
+            Shortcuts.Add(move.Key | modifiers, [](int key, void* actions) {
+                return static_cast<TGraphActions*>(actions)->OnMoveKey(key);
             });
     Shortcuts.Attach(&Graph);
 }
@@ -220,10 +241,9 @@ bool TGraphActions::IsForControl(int key) const
 {
     if (IsGraphFocused())
         return false;
-    const bool isPlain = key < SM_SHIFT;
     if (GetScene().GetPortWalk().IsOn())
-        return isPlain && IsFieldKey(key);
-    return IsFieldKey(key) || (isPlain && IsLetterOrDigit(key));
+        return (key & (SM_CTRL | SM_ALT)) == 0 && IsFieldKey(key);
+    return IsFieldKey(key) || IsLetterOrDigit(key);
 }
 
 // In the preview and in traces, which leave their keys to the graph, these are for other things.
@@ -233,6 +253,30 @@ bool TGraphActions::OnKey(int key)
         return false;
     const TGraphAction* action = FindActionOfKey(key);
     return action != nullptr && Do(action->Id);
+}
+
+bool TGraphActions::OnMoveKey(int key)
+{
+    if (!Graph.HasFocus() || IsForControl(key))
+        return false;
+    const int step = (key & SM_SHIFT) != 0 ? 1 : TGridRender::Step;
+    for (const TMoveKey& move : MoveKeys)
+        if (move.Key == (key & ~SM_SHIFT))
+            MoveSelection(move.X * step, move.Y * step);
+    return true;
+}
+
+void TGraphActions::MoveSelection(int dx, int dy)
+{
+    TDocument& document = GetDocument();
+    if (TWimp::Get().GetMouseDrag() != nullptr || document.IsInStep())
+        return;
+    if (!MoveSelectionByKey(document, dx, dy)) {
+        GetScene().GetHost().TellStatus("No node is selected");
+        return;
+    }
+    const vector<TToolNode*>& selection = document.GetSelection();
+    Graph.Reveal(*GetScene().FindNode(selection[selection.size() - 1]));
 }
 
 bool TGraphActions::OnCharacter(uint32_t character)
@@ -415,8 +459,8 @@ void TGraphActions::OnNodeMarked(int item, TMarkCause cause, void* data)
     scene.PointAt(node);
     const TNodeObj* object = node != nullptr ? scene.FindNode(node) : nullptr;
     if (cause == MC_MEANT && object != nullptr)
-        actions.Graph.RevealBeside(*object, actions.Search.GetLeft(),
-                                   actions.Search.GetLeft() + TSearchPopup::Width);
+        actions.Graph.Reveal(*object, actions.Search.GetLeft(),
+                             actions.Search.GetLeft() + TSearchPopup::Width);
     if (cause == MC_GIVENUP)
         actions.Graph.GlideTo(actions.SearchView);
 }

@@ -47,6 +47,8 @@ private:
     // Whether the entry has something to do if these are selected.
     bool IsUseful(int id, const vector<TToolNode*>& nodes) const;
     bool OnKey(int key);
+    bool OnMoveKey(int key);
+    void MoveSelection(int dx, int dy);
     bool Do(int id);
     bool DoToSelection(int id, bool& done);
     void TogglePanel();

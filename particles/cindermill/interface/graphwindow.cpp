@@ -15,6 +15,7 @@
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
+#include "particles/cindermill/main/nothingtodo.h"
 
 #include <cmath>
 
@@ -84,6 +85,27 @@ bool EndsHelp(TMessageType type)
 bool CanEdit()
 {
     return TWimp::Get().GetMouseDrag() == nullptr;
+}
+
+// The entry of the Edit menu that a key stands for; 0 for one that tells by itself what it finds to do.
+int GetEditEntry(int code)
+{
+    switch (code) {
+    case 'Z' | SM_CTRL:
+        return MI_UNDO;
+    case 'Y' | SM_CTRL:
+        return MI_REDO;
+    case 'C' | SM_CTRL:
+        return MI_COPY;
+    case 'X' | SM_CTRL:
+        return MI_CUT;
+    case 'F' | SM_CTRL:
+        return MI_FOCUSSELECTED;
+    case 'F' | SM_CTRL | SM_SHIFT:
+        return MI_FOCUSALL;
+    default:
+        return 0;
+    }
 }
 
 } // namespace
@@ -173,6 +195,8 @@ bool TGraphWindow::OnEditShortcut(int code)
     TRamp* ramp = HasFocus() ? TRamp::GetFocused() : nullptr;
     if (ramp != nullptr && IsFocusHere(*ramp) && OnRampShortcut(*ramp, code))
         return true;
+    if (const char* reason = GetNothingToDo(&document, GetEditEntry(code), false))
+        GetScene().GetHost().TellStatus(reason);
     switch (code) {
     case 'Z' | SM_CTRL:
         if (CanEdit() && document.CanUndo())
@@ -668,7 +692,7 @@ void TGraphWindow::BringIntoSight(const vector<TToolNode*>& nodes)
     SetView(view);
 }
 
-void TGraphWindow::Reveal(const TNodeObj& node)
+void TGraphWindow::Reveal(const TNodeObj& node, int coveredFrom, int coveredTo)
 {
     int width = 0;
     int height = 0;
@@ -677,20 +701,10 @@ void TGraphWindow::Reveal(const TNodeObj& node)
     TVector2 max;
     node.GetRectangle(min, max);
     TGraphView view = GetView();
-    view.Reveal(min, max, width, height);
-    GlideTo(view);
-}
-
-void TGraphWindow::RevealBeside(const TNodeObj& node, int left, int right)
-{
-    int width = 0;
-    int height = 0;
-    GetSize(width, height);
-    TVector2 min;
-    TVector2 max;
-    node.GetRectangle(min, max);
-    TGraphView view = GetView();
-    view.RevealBeside(min, max, left, right, width, height);
+    if (coveredFrom < coveredTo)
+        view.RevealBeside(min, max, coveredFrom, coveredTo, width, height);
+    else
+        view.Reveal(min, max, width, height);
     GlideTo(view);
 }
 

@@ -50,13 +50,11 @@ public:
     void Focus(const vector<TToolNode*>& nodes, bool animate);
     // Moves the view, its zoom kept, if nothing of the nodes is in sight.
     void BringIntoSight(const vector<TToolNode*>& nodes);
-    // Glides until the node is seen as a whole.
-    void Reveal(const TNodeObj& node);
+    // Glides until the node is seen as a whole: beside what covers the view between two pixels of its width,
+    // if anything does.
+    void Reveal(const TNodeObj& node, int coveredFrom = 0, int coveredTo = 0);
     // Moves at once until the port is seen, with its node if that fits.
     void Reveal(const TPort& port);
-    // Glides, its zoom kept, until the node is seen beside what covers the view between two pixels of its
-    // width.
-    void RevealBeside(const TNodeObj& node, int left, int right);
     void GlideTo(const TGraphView& view);
     // What the delete key does here.
     void PressDelete();

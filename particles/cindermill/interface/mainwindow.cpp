@@ -136,7 +136,7 @@ void TMainWindow::OnEditMenu(TMenu& menu, bool shown)
 // so can be undone.
 bool TMainWindow::IsUseful(int id) const
 {
-    if (App.GetActiveDocument() == nullptr || id == MI_FOCUSSELECTED || id == MI_FOCUSALL)
+    if (App.GetActiveDocument() == nullptr)
         return true;
     const TTextEdit* edit = TTextEdit::GetFocused();
     if (id == MI_UNDO && edit != nullptr && edit->IsEdited())

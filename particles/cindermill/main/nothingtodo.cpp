@@ -3,7 +3,7 @@
 #include "particles/cindermill/main/cindermillapp.h"
 #include "particles/cindermill/main/document.h"
 
-const char* GetNothingToDo(const TDocument* document, int menuId, bool isClipboardEmpty)
+const char* GetNothingToDo(TDocument* document, int menuId, bool isClipboardEmpty)
 {
     const bool hasDocument = document != nullptr;
     const bool hasSelection = hasDocument && !document->GetSelection().empty();
@@ -20,7 +20,9 @@ const char* GetNothingToDo(const TDocument* document, int menuId, bool isClipboa
     case MI_PASTE:
         return hasDocument && !isClipboardEmpty ? nullptr : "No nodes were copied";
     case MI_FOCUSALL:
-        return hasDocument ? nullptr : "No effect is open";
+        if (!hasDocument)
+            return "No effect is open";
+        return document->GetGraph()->GetNumNodes() > 0 ? nullptr : "The graph is empty";
     default:
         return nullptr;
     }

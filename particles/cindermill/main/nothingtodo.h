@@ -3,4 +3,4 @@
 class TDocument;
 
 // Why an entry of the Edit menu has nothing to do in the document, which may be null; null if it has.
-const char* GetNothingToDo(const TDocument* document, int menuId, bool isClipboardEmpty);
+const char* GetNothingToDo(TDocument* document, int menuId, bool isClipboardEmpty);

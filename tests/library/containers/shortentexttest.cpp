@@ -25,6 +25,24 @@ TEST(ShortenText, NoCharacterIsCutInTwo)
     EXPECT_EQ(Text(ShortenText("\x81\x82\x83", 1)), "\x81... (3 characters)");
 }
 
+TEST(ShortenName, ANameKeepsItsBeginningAndItsEnd)
+{
+    EXPECT_EQ(Text(ShortenName("", 3)), "");
+    EXPECT_EQ(Text(ShortenName("sparks left", 11)), "sparks left");
+    EXPECT_EQ(Text(ShortenName("sparks left", 10)), "spar...eft");
+    const std::string name = "Smoke" + std::string(4085, 'x') + "inner";
+    EXPECT_EQ(Text(ShortenName(name.c_str(), 13)), "Smoke...inner");
+    EXPECT_EQ(Text(ShortenName("sparks", 4)), "s...");
+    EXPECT_EQ(Text(ShortenName("sparks", 0)), "...");
+    // Characters of two bytes stay whole on both sides, and none is there twice.
+    const char* text = "\xC3\xA4\xC3\xB6\xC3\xBC\xC3\xA4\xC3\xB6\xC3\xBC";
+    EXPECT_EQ(Text(ShortenName(text, 10)), "\xC3\xA4\xC3\xB6...\xC3\xBC");
+    EXPECT_EQ(Text(ShortenName(text, 9)), "\xC3\xA4...\xC3\xBC");
+    EXPECT_EQ(Text(ShortenName(text, 11)), "\xC3\xA4\xC3\xB6...\xC3\xB6\xC3\xBC");
+    // Bytes of another encoding.
+    EXPECT_EQ(Text(ShortenName("\x81\x82\x83\x84\x85\x86\x87", 5)), "\x81...");
+}
+
 TEST(OneLineText, ControlCharactersGiveWayToBlanks)
 {
     EXPECT_EQ(Text(OneLineText(nullptr)), "");

@@ -74,6 +74,24 @@ TEST_F(TKeyboardShortcutTest, KeyUpIsNotLookedUp)
     EXPECT_TRUE(Calls.empty());
 }
 
+TEST_F(TKeyboardShortcutTest, AHeldKeyDoesAgainWhatMayRepeat)
+{
+    TKeyboardShortcut table;
+    table.Add('F', Take);
+    table.AddOnce('G', Take);
+    table.Attach(&Window);
+    TMessage message;
+    message.Type = MT_KEYDOWN;
+    for (const int key : {'F', 'G'}) {
+        message.Key = key;
+        message.IsRepeat = false;
+        EXPECT_TRUE(TWimp::Get().HandleKey(Window, message));
+        message.IsRepeat = true;
+        EXPECT_EQ(TWimp::Get().HandleKey(Window, message), key == 'F');
+    }
+    EXPECT_EQ(Calls.size(), 3u);
+}
+
 TEST_F(TKeyboardShortcutTest, TheFirstTrueResultConsumesTheKey)
 {
     TKeyboardShortcut table;

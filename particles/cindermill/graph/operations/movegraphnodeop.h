@@ -17,6 +17,10 @@ public:
     int GetSize() override { return 4 * Nodes.size() + 12; }
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
+    // A move by a key is one of many, which may be one step together. Not in the file.
+    void MarkByKey() { ByKey = true; }
+    bool IsByKey() const { return ByKey; }
+    const vector<TToolNode*>& GetNodes() const { return Nodes; }
     bool Check() const override;
     void GetUsed(vector<TChunk*>& result) const override;
 
@@ -24,4 +28,5 @@ private:
     vector<TToolNode*> Nodes;
     int DeltaX = 0;
     int DeltaY = 0;
+    bool ByKey = false;
 };

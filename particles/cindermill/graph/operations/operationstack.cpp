@@ -90,11 +90,20 @@ bool TOperationStack::AreOneStep(int first, int second) const
     return gesture != 0 && gesture == Operations[second]->GetGesture();
 }
 
+bool TOperationStack::IsRecent() const
+{
+    return GetTickCount() < LastTime + MergeInterval && !Operations.empty();
+}
+
+TOperation* TOperationStack::GetRecent() const
+{
+    return IsRecent() && Position == Operations.size() ? Operations.back() : nullptr;
+}
+
 // An edit that merged with one of another gesture would be taken back with it.
 bool TOperationStack::CanMerge(const TOperation& op) const
 {
-    return GetTickCount() < LastTime + MergeInterval && !Operations.empty() &&
-           op.GetGesture() == Operations.back()->GetGesture();
+    return IsRecent() && op.GetGesture() == Operations.back()->GetGesture();
 }
 
 void TOperationStack::Apply(TEditContext& doc, TOperation* operation)

@@ -54,6 +54,8 @@ public:
     int GetNumOperations() const { return Operations.size(); }
     TOperation* GetOperation(int i) const { return Operations[i]; }
     int GetPosition() const { return Position; }
+    // What was done last, as long as a like edit may join it; null otherwise, and after a step back.
+    TOperation* GetRecent() const;
     // Whether the stack and its operations, as read from a file, can be relied on.
     bool Check() const;
 
@@ -62,6 +64,7 @@ private:
 
     unsigned MakeGesture();
     bool AreOneStep(int first, int second) const;
+    bool IsRecent() const;
     bool CanMerge(const TOperation& op) const;
     static void RecordTypes(TEffectGraph& graph, TOperation& op);
     void DoOne(TEditContext& doc, TOperation& op);

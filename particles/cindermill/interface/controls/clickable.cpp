@@ -75,7 +75,9 @@ bool TClickable::Event(const TRenderEvent& event)
     case RE_CHARACTER:
         if (event.Detail != ' ' || !Enabled)
             return TRenderObject::Event(event);
-        OnClick();
+        // Held, the key is one click.
+        if (!IsKeyRepeat())
+            OnClick();
         return true;
     case RE_KEY:
         if (event.Detail != KEY_TAB)

@@ -14,6 +14,7 @@
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/interface/graph/nodesearch.h"
+#include "particles/cindermill/interface/graph/porttext.h"
 #include "particles/cindermill/main/documentstep.h"
 
 #include <cmath>
@@ -421,7 +422,8 @@ void TGraphCanvas::FinishLooseEdge(const TPort* under, const TVector2* place)
 void TGraphCanvas::TellNoPort(const TPort& from, const TNodeObj& node)
 {
     TString text;
-    text.Format("%s has no %s that takes the wire", node.GetToolNode()->GetNodeType()->Name.Print(),
+    text.Format("%s has no %s that takes the wire",
+                GetToldName(node.GetToolNode()->GetNodeType()->Name).Print(),
                 from.IsInput() ? "output" : "free input");
     Scene.GetHost().TellStatus(text.Print());
 }

@@ -4,6 +4,8 @@
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/addgraphnodesop.h"
 #include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/gesture.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/gridrender.h"
@@ -59,7 +61,32 @@ bool CanBypass(const TToolNode& node)
     return node.GetNodeType()->HasFlag(FL_BYPASSABLE);
 }
 
+// Whether what was done last is a move of the same nodes by a key, and in no file yet.
+bool IsInKeyMoves(const TDocument& document, const TOperationStack& stack)
+{
+    const auto* last = dynamic_cast<const TMoveGraphNodeOp*>(stack.GetRecent());
+    if (last == nullptr || !last->IsByKey() || stack.IsAtSavedPosition())
+        return false;
+    const vector<TToolNode*>& nodes = document.GetSelection();
+    bool same = last->GetNodes().size() == nodes.size();
+    for (int i = 0; same && i < nodes.size(); ++i)
+        same = last->GetNodes()[i] == nodes[i];
+    return same;
+}
+
 } // namespace
+
+bool MoveSelectionByKey(TDocument& document, int dx, int dy)
+{
+    if (document.GetSelection().empty())
+        return false;
+    TOperationStack& stack = *document.GetOperationStack();
+    const TGesture gesture(stack, IsInKeyMoves(document, stack) ? TGesture::CONTINUED : TGesture::NEW);
+    TMoveGraphNodeOp* move = new TMoveGraphNodeOp(document.GetSelection(), dx, dy);
+    move->MarkByKey();
+    document.ApplyOperation(move);
+    return true;
+}
 
 bool DuplicateSelection(TDocument& document)
 {

@@ -10,6 +10,9 @@ class TToolNode;
 
 // Copies beside them, wired among each other and from without as they are; the copies are selected.
 bool DuplicateSelection(TDocument& document);
+// By a distance, for a key. The presses of a run, with no pause of two seconds and nothing else done between
+// them, are one step.
+bool MoveSelectionByKey(TDocument& document, int dx, int dy);
 // Bypasses what can be, or no longer bypasses it if all of it is.
 bool BypassSelection(TDocument& document);
 // Leads the wires past the nodes.

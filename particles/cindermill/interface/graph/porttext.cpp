@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/graph/porttext.h"
 
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
@@ -10,13 +11,11 @@ namespace {
 // Of an output with many wires the first ones are named.
 constexpr int MaxNamed = 4;
 
-// Added piece by piece: names may be as long as a text of a file can be, two of them longer than what can be
-// formatted.
 void AddName(const TNodeType& type, const TString& port, TString& text)
 {
-    text += type.Name;
+    text += GetToldName(type.Name);
     text += ", ";
-    text += port;
+    text += GetToldName(port);
 }
 
 void AddSource(const TEffectEdge* edge, TString& text)
@@ -51,6 +50,12 @@ void AddDestinations(const TToolNode& node, int port, TString& text)
 }
 
 } // namespace
+
+TString GetToldName(const TString& name)
+{
+    constexpr int MostBytes = 30;
+    return ShortenName(OneLineText(name.Print()).Print(), MostBytes);
+}
 
 void TellPort(const TPort& port, TString& text)
 {

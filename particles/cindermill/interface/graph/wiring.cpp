@@ -6,6 +6,7 @@
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/graphwalk.h"
+#include "particles/cindermill/interface/graph/porttext.h"
 #include "particles/cindermill/main/documentstep.h"
 
 bool CanReplaceWire(TEffectNode* source, int sourcePort, TEffectNode* destination, int destinationPort,
@@ -33,23 +34,11 @@ void GetWireRefusal(TEffectNode* source, int sourcePort, TEffectNode* destinatio
     }
     const TNodeType& from = *source->GetNodeType();
     const TNodeType& to = *destination->GetNodeType();
-    // Piece by piece, as no format takes four names of the greatest length.
-    const char* const pieces[] = {"\"",
-                                  from.GetOutput(sourcePort).Name.Print(),
-                                  "\" of ",
-                                  from.Name.Print(),
-                                  " is a ",
-                                  GetTypeName(from.GetOutputType(sourcePort)),
-                                  ", which \"",
-                                  to.GetInput(destinationPort)->Name.Print(),
-                                  "\" of ",
-                                  to.Name.Print(),
-                                  " (",
-                                  GetTypeName(to.GetInputType(destinationPort)),
-                                  ") does not take"};
-    reason = "";
-    for (const char* piece : pieces)
-        reason += piece;
+    reason.Format("\"%s\" of %s is a %s, which \"%s\" of %s (%s) does not take",
+                  GetToldName(from.GetOutput(sourcePort).Name).Print(), GetToldName(from.Name).Print(),
+                  GetTypeName(from.GetOutputType(sourcePort)),
+                  GetToldName(to.GetInput(destinationPort)->Name).Print(), GetToldName(to.Name).Print(),
+                  GetTypeName(to.GetInputType(destinationPort)));
 }
 
 void Wire(TDocument& document, TToolNode* source, int sourcePort, TToolNode* destination, int destinationPort)

@@ -142,6 +142,16 @@ void DocWindows::Key(TWindow& window, int key, Qt::KeyboardModifiers keys)
     QTest::keyClick(window.GetHandle(), static_cast<Qt::Key>(key), keys);
 }
 
+void DocWindows::HoldKey(TWindow& window, int key, int times, Qt::KeyboardModifiers keys)
+{
+    for (int i = 0; i < times; ++i) {
+        QKeyEvent event(QEvent::KeyPress, key, keys, QString(), i > 0);
+        QApplication::sendEvent(window.GetHandle(), &event);
+    }
+    QKeyEvent event(QEvent::KeyRelease, key, keys);
+    QApplication::sendEvent(window.GetHandle(), &event);
+}
+
 void DocWindows::Type(TWindow& window, int key, const QString& text, Qt::KeyboardModifiers keys)
 {
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {

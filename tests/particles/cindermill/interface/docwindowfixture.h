@@ -68,6 +68,8 @@ protected:
                      Qt::MouseButton button = Qt::LeftButton, Qt::KeyboardModifiers keys = Qt::NoModifier);
     static void Wheel(TWindow& window, const QPoint& at, int delta);
     static void Key(TWindow& window, int key, Qt::KeyboardModifiers keys = Qt::NoModifier);
+    // As a keyboard tells one that is held: down so many times, and up once.
+    static void HoldKey(TWindow& window, int key, int times, Qt::KeyboardModifiers keys = Qt::NoModifier);
     // With the text that the key gives.
     static void Type(TWindow& window, int key, const QString& text, Qt::KeyboardModifiers keys);
     // A point of one window in another's pixels.

@@ -1,6 +1,7 @@
 #include "graphwindowfixture.h"
 
 #include "particles/cindermill/graph/operations/tooledge.h"
+#include "particles/cindermill/interface/graph/gridrender.h"
 
 namespace {
 
@@ -74,6 +75,77 @@ TEST_F(GraphActions, CtrlBBypassesTheSelection)
     EXPECT_TRUE(Second->GetNodeType()->IsBypassed());
     Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
     EXPECT_FALSE(Second->GetNodeType()->IsBypassed());
+}
+
+// What a key switches would else end on or off as chance has it.
+TEST_F(GraphActions, AHeldKeySwitchesOnce)
+{
+    Document->SelectNode(Second, true);
+    HoldKey(Graph(), Qt::Key_B, 2, Qt::ControlModifier);
+    EXPECT_TRUE(Second->GetNodeType()->IsBypassed());
+    HoldKey(Graph(), Qt::Key_M, 2, Qt::ControlModifier);
+    EXPECT_TRUE(Graph().GetMinimap().IsShown());
+    HoldKey(Graph(), Qt::Key_D, 5, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 3);
+    TNodeObj* object = WindowsOf(*Document).GetScene().FindNode(First);
+    Document->SelectNode(First, true);
+    HoldKey(Graph(), Qt::Key_Return, 2);
+    EXPECT_FALSE(object->IsCollapsed());
+}
+
+TEST_F(GraphActions, TheArrowsMoveTheSelectionInOneStep)
+{
+    const int steps = NumUndoSteps();
+    Document->SelectNode(First, true);
+    Document->SelectNode(Second, false);
+    HoldKey(Graph(), Qt::Key_Right, 3);
+    Key(Graph(), Qt::Key_Up);
+    EXPECT_EQ(First->GetX(), 200 + 3 * TGridRender::Step);
+    EXPECT_EQ(First->GetY(), 200 - TGridRender::Step);
+    EXPECT_EQ(Second->GetX(), First->GetX());
+    Key(Graph(), Qt::Key_Left, Qt::ShiftModifier);
+    Key(Graph(), Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(First->GetX(), 199 + 3 * TGridRender::Step);
+    EXPECT_EQ(Second->GetY(), 401 - TGridRender::Step);
+    EXPECT_EQ(NumUndoSteps(), steps + 1);
+    Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(First->GetX(), 200);
+    EXPECT_EQ(Second->GetY(), 400);
+    Document->ClearSelection();
+    Key(Graph(), Qt::Key_Left);
+    EXPECT_EQ(First->GetX(), 200);
+    EXPECT_TRUE(Frame.IsLastNote("No node is selected"));
+}
+
+TEST_F(GraphActions, WhatTheArrowsMoveStaysInSight)
+{
+    Document->SelectNode(First, true);
+    HoldKey(Graph(), Qt::Key_Left, 20);
+    ASSERT_LT(First->GetX(), 0);
+    for (int i = 0; i < 20 && Graph().IsFocusing(); ++i)
+        Graph().OnIdle();
+    EXPECT_GE(PixelOf(Graph(), TVector2(static_cast<float>(First->GetX()), 200)).x(), 0);
+    EXPECT_EQ(Offset()[1], 0);
+}
+
+// They are a control's, and a port's, as long as it has the keys.
+TEST_F(GraphActions, TheArrowsOfAFieldMoveNoNode)
+{
+    Document->SelectNode(Second, true);
+    Key(Graph(), Qt::Key_Return);
+    ASSERT_FALSE(WindowsOf(*Document).GetScene().FindNode(Second)->IsCollapsed());
+    for (const auto keys : {Qt::NoModifier, Qt::ShiftModifier})
+        Key(Graph(), Qt::Key_Up, keys);
+    EXPECT_EQ(Second->GetY(), 400);
+    Document->SelectNode(First, true);
+    Press(Graph(), Empty);
+    Release(Graph(), Empty);
+    Document->SelectNode(First, true);
+    Type(Graph(), Qt::Key_P, "p", Qt::NoModifier);
+    ASSERT_TRUE(WindowsOf(*Document).GetScene().GetPortWalk().IsOn());
+    for (const auto keys : {Qt::NoModifier, Qt::ShiftModifier})
+        Key(Graph(), Qt::Key_Down, keys);
+    EXPECT_EQ(First->GetY(), 200);
 }
 
 TEST_F(GraphActions, CtrlAndShiftWithTheArrowsAlign)
@@ -173,6 +245,23 @@ TEST_F(GraphActions, WithNothingSelectedTheStatusBarSaysSo)
     Key(Graph(), Qt::Key_D, Qt::ControlModifier);
     EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
     EXPECT_EQ(NumUndoSteps(), steps);
+    EXPECT_TRUE(Frame.IsLastNote("No node is selected"));
+    // So do the keys of the Edit menu.
+    const std::pair<int, const char*> keys[] = {{Qt::Key_C, "No node is selected"},
+                                                {Qt::Key_Y, "There is nothing to redo"},
+                                                {Qt::Key_X, "No node is selected"},
+                                                {Qt::Key_Y, "There is nothing to redo"},
+                                                {Qt::Key_F, "No node is selected"}};
+    for (const auto& [key, note] : keys) {
+        Key(Graph(), key, Qt::ControlModifier);
+        EXPECT_TRUE(Frame.IsLastNote(note)) << note;
+    }
+    while (Document->CanUndo())
+        Document->Undo();
+    Key(Graph(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(Frame.IsLastNote("There is nothing to undo"));
+    Key(Graph(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(Frame.IsLastNote("The graph is empty"));
 }
 
 TEST_F(GraphActions, WithAltANodeIsTakenOutOfItsWire)

@@ -127,6 +127,23 @@ TEST_F(GraphPorts, TwoNodesAreWiredWithoutTheMouseInOneStep)
     EXPECT_EQ(Document->GetGraph()->GetNumNodes(), 2);
 }
 
+TEST_F(GraphPorts, AHeldReturnTakesUpOneWireOrWiresOne)
+{
+    Enter(First);
+    Key(Graph(), Qt::Key_Right);
+    HoldKey(Graph(), Qt::Key_Return, 4);
+    EXPECT_TRUE(Walk().IsWiring());
+    EXPECT_EQ(NumEdges(), 0);
+    HoldKey(Graph(), Qt::Key_Return, 4);
+    EXPECT_FALSE(Walk().IsWiring());
+    EXPECT_EQ(NumEdges(), 1);
+    // The arrows go on.
+    HoldKey(Graph(), Qt::Key_Left, 2);
+    EXPECT_EQ(Marked(), "Emitter, Rate");
+    HoldKey(Graph(), Qt::Key_Down, 3);
+    EXPECT_EQ(Marked(), "Emitter, Start Delay");
+}
+
 TEST_F(GraphPorts, TheKeyLeadsOutAgainAndNeedsANodeWithPorts)
 {
     TypeP(Graph());

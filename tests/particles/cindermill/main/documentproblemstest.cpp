@@ -118,9 +118,11 @@ TEST_F(DocumentProblems, AnEntryWithNothingToDoSaysSo)
     EXPECT_STREQ(GetNothingToDo(&Document, MI_PASTE, true), "No nodes were copied");
     for (const int id : {MI_CUT, MI_COPY, MI_DELETE, MI_FOCUSSELECTED})
         EXPECT_STREQ(GetNothingToDo(&Document, id, false), "No node is selected");
+    EXPECT_STREQ(GetNothingToDo(&Document, MI_FOCUSALL, false), "The graph is empty");
     TToolNode* node = Add("Gravity");
     Document.SelectNode(node, true);
-    for (const int id : {MI_UNDO, MI_CUT, MI_COPY, MI_DELETE, MI_FOCUSSELECTED, MI_PASTE, MI_SAVE})
+    for (const int id :
+         {MI_UNDO, MI_CUT, MI_COPY, MI_DELETE, MI_FOCUSSELECTED, MI_FOCUSALL, MI_PASTE, MI_SAVE})
         EXPECT_EQ(GetNothingToDo(&Document, id, false), nullptr);
     Document.Undo();
     EXPECT_EQ(GetNothingToDo(&Document, MI_REDO, false), nullptr);

@@ -123,6 +123,13 @@ TEST_F(Buttons, TheSpaceKeyClicksWhatHasTheFocus)
     EXPECT_FALSE(Tick.IsChecked());
     EXPECT_EQ(CountChanges(Tick), 2);
     EXPECT_FALSE(Type("x"));
+    // Held, it is one click.
+    TMessage message;
+    message.Type = MT_CHAR;
+    message.Character = ' ';
+    message.IsRepeat = true;
+    EXPECT_TRUE(Route(message));
+    EXPECT_EQ(CountChanges(Tick), 2);
 }
 
 TEST_F(Buttons, APressEndsTheInputOfAField)

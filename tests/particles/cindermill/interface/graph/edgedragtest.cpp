@@ -3,6 +3,8 @@
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/changegraphedgeop.h"
 #include "particles/cindermill/graph/operations/deletegraphedgeop.h"
+#include "particles/cindermill/interface/graph/porttext.h"
+#include "particles/cindermill/interface/graph/wiring.h"
 #include "particles/effectgraph/canconnect.h"
 
 namespace {
@@ -233,6 +235,33 @@ TEST_F(EdgeDrag, WhyAWireWasRefusedIsTold)
     DragTo(Output(effect, "Time"), Input(grid, "Transform"));
     EXPECT_EQ(Host.Status,
               "\"Time\" of Effect is a Scalar, which \"Transform\" of Grid (Transform) does not take");
+}
+
+// What keeps a wire away is read to its end, however long the names are.
+TEST_F(EdgeDrag, ARefusalShortensNamesOfTheGreatestLength)
+{
+    const std::string inner(4083, 'x');
+    const auto name = [&](TToolNode* node) {
+        node->GetNodeType()->Name = ("Begin" + inner + "the end").c_str();
+        return node;
+    };
+    TToolNode* effect = name(Add("Effect", 100, 300));
+    TToolNode* grid = name(Add("Grid", 9000, 300));
+    const int transform = grid->GetNodeType()->FindInput("Transform");
+    grid->GetNodeType()->GetInput(transform)->Name = ("Place" + inner + "in\nspace").c_str();
+    const std::string told = "Begin" + std::string(9, 'x') + "..." + std::string(6, 'x') + "the end";
+    ASSERT_EQ(told.size(), 30u);
+    TString text;
+    GetWireRefusal(effect, 0, grid, transform, text);
+    EXPECT_EQ(Text(text), "\"Time\" of " + told + " is a Scalar, which \"Place" + std::string(9, 'x') +
+                              "..." + std::string(5, 'x') + "in space\" of " + told +
+                              " (Transform) does not take");
+    const TPort& port = Object(effect).GetPort(false, 0);
+    TellPortName(port, text);
+    EXPECT_EQ(Text(text), told + ", Time");
+    Connect(effect, "Time", name(Add("Scalar Over Life", 20000, 300)), "Time");
+    TellPort(port, text);
+    EXPECT_EQ(Text(text), "Scalar, wired to " + told + ", Time");
 }
 
 TEST_F(EdgeDrag, ANewEdgeReleasedOverNothingIsNone)

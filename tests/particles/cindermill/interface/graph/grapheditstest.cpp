@@ -1,6 +1,8 @@
 #include "scenetest.h"
 #include "support/dice.h"
 
+#include "library/system/clock.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
 #include "particles/cindermill/interface/graph/graphedits.h"
 #include "particles/cindermill/interface/graph/graphlayout.h"
 
@@ -41,6 +43,7 @@ protected:
         return max;
     }
 
+    TFakeClock Clock{10000};
     TToolNode* Effect = nullptr;
     TToolNode* First = nullptr;
     TToolNode* Second = nullptr;
@@ -157,6 +160,57 @@ TEST_F(GraphEdits, SelectsUpAndDownstream)
     EXPECT_TRUE(IsSelected(First) && IsSelected(Second) && IsSelected(Effect));
     EXPECT_FALSE(IsSelected(Curve));
     EXPECT_EQ(NumOperations(), before);
+}
+
+TEST_F(GraphEdits, MovesByKeysThatFollowEachOtherAreOneStep)
+{
+    const auto moveOn = [this](uint32_t after) {
+        Clock.Set(GetTickCount() + after);
+        EXPECT_TRUE(MoveSelectionByKey(Document, 16, -1));
+    };
+    Select({First, Second});
+    moveOn(0);
+    moveOn(1999);
+    moveOn(1999);
+    EXPECT_EQ(First->GetX(), 348);
+    EXPECT_EQ(Second->GetY(), 157);
+    EXPECT_EQ(Curve->GetX(), 730);
+    // A pause, another selection and a save each end the run, and so does a step back.
+    moveOn(2000);
+    Select({Second});
+    moveOn(0);
+    ASSERT_TRUE(Document.SaveAs(App.Path("moved.effect").c_str()));
+    moveOn(0);
+    Document.Undo();
+    EXPECT_FALSE(Document.IsModified());
+    moveOn(0);
+    for (const int x : {600, 584, 568, 520}) {
+        Document.Undo();
+        EXPECT_EQ(Second->GetX(), x);
+    }
+    EXPECT_EQ(First->GetX(), 300);
+    EXPECT_EQ(First->GetY(), 110);
+    Document.Redo();
+    Select({First, Second});
+    moveOn(0);
+    Document.Undo();
+    EXPECT_EQ(Second->GetX(), 568);
+}
+
+// A drag is a step by itself, whatever comes after it.
+TEST_F(GraphEdits, AMoveByKeyJoinsNoOtherMove)
+{
+    Select({First});
+    Document.ApplyOperation(new TMoveGraphNodeOp(Document.GetSelection(), 100, 0));
+    EXPECT_TRUE(MoveSelectionByKey(Document, 16, 0));
+    Document.ApplyOperation(new TMoveGraphNodeOp(Document.GetSelection(), 100, 0));
+    EXPECT_TRUE(MoveSelectionByKey(Document, 16, 0));
+    for (const int x : {516, 416, 400, 300}) {
+        Document.Undo();
+        EXPECT_EQ(First->GetX(), x);
+    }
+    Document.ClearSelection();
+    EXPECT_FALSE(MoveSelectionByKey(Document, 16, 0));
 }
 
 TEST_F(GraphEdits, AlignsEdgesInOneStep)
