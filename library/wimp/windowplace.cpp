@@ -3,10 +3,12 @@
 #include "library/wimp/window.h"
 #include "library/wimp/windowpeer.h"
 
+#include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
 #include <QtWidgets/QMdiArea>
 #include <QtWidgets/QMdiSubWindow>
+#include <QtWidgets/QStyle>
 
 #include <cstdio>
 
@@ -51,14 +53,40 @@ bool EndsMaximised(const QString& place)
     return place.endsWith(QLatin1String(MaximisedMark));
 }
 
+// The toolkit brings back on a screen what stands beside all of them, but at any size: the bottom and the
+// close box of what comes from a larger screen would be out of sight. A window may stand across several
+// screens.
+void FitIntoScreens(QWidget& window)
+{
+    QRect place = window.geometry();
+    QRect room;
+    for (const QScreen* screen : QGuiApplication::screens())
+        if (screen->geometry().intersects(place))
+            room |= screen->availableGeometry();
+    // The frame is not there yet.
+    room.setTop(room.top() + window.style()->pixelMetric(QStyle::PM_TitleBarHeight));
+    if (room.width() < place.width()) {
+        place.setLeft(room.left());
+        place.setRight(room.right());
+    }
+    if (room.height() < place.height()) {
+        place.setTop(room.top());
+        place.setBottom(room.bottom());
+    }
+    window.setGeometry(place);
+}
+
 bool PlaceTop(QWidget& window, const QString& place)
 {
     const QByteArray geometry = QByteArray::fromBase64(place.section(QLatin1Char(' '), 0, 0).toLatin1());
     if (!IsPlace(geometry, window))
         return false;
     // Back on a screen that is there, whatever has become of the one where it stood.
-    if (window.restoreGeometry(geometry))
+    if (window.restoreGeometry(geometry)) {
+        if (!window.isMaximized())
+            FitIntoScreens(window);
         return true;
+    }
     if (!EndsMaximised(place))
         return false;
     window.setWindowState(window.windowState() | Qt::WindowMaximized);

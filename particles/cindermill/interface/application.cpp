@@ -117,8 +117,7 @@ void TApplication::OnClock()
 void TApplication::OnActivation(const vector<TString>& files, const TLaunch& launch)
 {
     MainWindow->BringToTop(launch);
-    for (const TString& file : files)
-        App.OpenDocument(file);
+    App.OpenDocuments(files);
 }
 
 void TApplication::KeepPlaces()

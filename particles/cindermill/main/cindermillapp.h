@@ -15,6 +15,7 @@ class TAppHost;
 class TDocument;
 class TDocWindow;
 class TErrorList;
+class TOpenFaults;
 class TSettingsStore;
 
 // Makes every class known that files and node types name.
@@ -101,6 +102,8 @@ public:
     bool OnMenu(int id);
     bool NewDocument();
     bool OpenDocument(const char* path);
+    // What cannot be opened is told once for all of them.
+    void OpenDocuments(const vector<TString>& files);
     void OpenDocumentDialog();
     void SaveActive();
     void SaveActiveAs();
@@ -153,7 +156,7 @@ private:
     bool OnRecentFile(int id);
     bool OnDocumentMenu(int id);
     bool OnViewMenu(int id);
-    bool AddDocument(const char* path);
+    bool AddDocument(const char* path, TOpenFaults& faults);
     // Null, with the reason, if the document cannot be had. No path is a new one.
     TDocument* MakeDocument(const char* path, const TLostEffect* recovery, TString& fault);
     void Restore(const vector<TLostEffect>& lost);

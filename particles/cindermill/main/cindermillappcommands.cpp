@@ -12,6 +12,7 @@
 #include "particles/cindermill/main/document.h"
 #include "particles/cindermill/main/documenthost.h"
 #include "particles/cindermill/main/nothingtodo.h"
+#include "particles/cindermill/main/openfaults.h"
 
 namespace {
 
@@ -187,26 +188,36 @@ void TCindermillApp::AddRecentFile(const char* path)
 
 bool TCindermillApp::NewDocument()
 {
-    return AddDocument(nullptr);
+    TString fault;
+    return MakeDocument(nullptr, nullptr, fault) != nullptr;
 }
 
 bool TCindermillApp::OpenDocument(const char* path)
 {
-    const TString kept(path);
-    if (!AddDocument(kept))
-        return false;
-    AddRecentFile(kept);
-    return true;
+    TOpenFaults faults;
+    const bool opened = AddDocument(path, faults);
+    faults.Tell();
+    return opened;
 }
 
-bool TCindermillApp::AddDocument(const char* path)
+void TCindermillApp::OpenDocuments(const vector<TString>& files)
 {
+    TOpenFaults faults;
+    for (const TString& file : files)
+        AddDocument(file, faults);
+    faults.Tell();
+}
+
+bool TCindermillApp::AddDocument(const char* path, TOpenFaults& faults)
+{
+    const TString kept(path);
     TString fault;
-    if (MakeDocument(path, nullptr, fault) != nullptr)
-        return true;
-    if (path != nullptr && !fault.IsEmpty())
-        ShowMessage("%s cannot be opened: %s", GetShownPath(path).Print(), fault.Print());
-    return false;
+    if (MakeDocument(kept, nullptr, fault) == nullptr) {
+        faults.Add(kept, fault);
+        return false;
+    }
+    AddRecentFile(kept);
+    return true;
 }
 
 // The views of a document make themselves the active ones while it is made.
@@ -482,16 +493,19 @@ bool TCindermillApp::SettleModified(const vector<TDocument*>& documents)
 
 void TCindermillApp::OnDropFiles(int x, int y, const vector<TString>& files)
 {
-    for (const TString& file : files) {
+    TOpenFaults faults;
+    bool isStray = false;
+    for (int i = 0; i < files.size() && !isStray; ++i) {
         TString extension;
-        extension.SetExtension(file);
-        if (extension.Compare("effect") == 0) {
-            OpenDocument(file);
-        } else if (extension.Compare("vori") == 0 && !DropAnimation(x, y, file)) {
-            ShowMessage("Drag vori file onto document window to load");
-            return;
-        }
+        extension.SetExtension(files[i]);
+        if (extension.Compare("effect") == 0)
+            AddDocument(files[i], faults);
+        else
+            isStray = extension.Compare("vori") == 0 && !DropAnimation(x, y, files[i]);
     }
+    faults.Tell();
+    if (isStray)
+        ShowMessage("Drag vori file onto document window to load");
 }
 
 bool TCindermillApp::DropAnimation(int x, int y, const char* file)

@@ -512,8 +512,12 @@ TGraphHold::TGraphHold(TDocument& document) : Document(document)
 
 TGraphHold::~TGraphHold()
 {
-    if (--Document.GraphHolds == 0 && Document.GraphChangeWaits)
+    if (--Document.GraphHolds > 0)
+        return;
+    if (Document.GraphChangeWaits)
         Document.FinishGraphChange();
+    if (Document.ReviewWaits)
+        Document.ReviewProblems();
 }
 
 // Once for each change, held or not: settling types again may settle them otherwise, and redo and undo are
@@ -651,9 +655,11 @@ void TDocument::TakeProblems(const TErrorList& errors, bool ofGraph)
         Host->ProblemsChanged(*this);
 }
 
+// Takes a schedule, so that many operations of one step have one together.
 void TDocument::ReviewProblems()
 {
-    if (Problems.Review(*Graph) && Host != nullptr)
+    ReviewWaits = GraphHolds > 0;
+    if (!ReviewWaits && Problems.Review(*Graph) && Host != nullptr)
         Host->ProblemsChanged(*this);
 }
 

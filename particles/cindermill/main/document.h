@@ -214,9 +214,10 @@ private:
     unsigned Revision = 0;
     unsigned NumEdits = 0;
     int StepDepth = 0;
-    // How many wait for the graph's change, whether there was one, and what came of its types.
+    // How many wait for the graph's change, whether there was one or an edit, and what came of its types.
     int GraphHolds = 0;
     bool GraphChangeWaits = false;
+    bool ReviewWaits = false;
     TErrorList TypeErrors;
     // Made or loaded to be edited, and not only to be looked at.
     bool IsEditable = false;

@@ -189,6 +189,33 @@ TEST_F(TWindowPlaceTest, AWindowOfItsOwnComesBackWhereItStood)
     EXPECT_FALSE(window.SetPlace("nonsense"));
 }
 
+// As on the built-in screen of a machine that stood at a larger one.
+TEST_F(TWindowPlaceTest, AWindowOfItsOwnIsNoLargerThanTheScreen)
+{
+    TWindowClass windowClass("test_placetop");
+    TString place;
+    const QRect room = Frame.GetHandle()->screen()->availableGeometry();
+    {
+        TWindow window;
+        ShowTopWindow(window, windowClass);
+        window.MoveTo(100, 120, room.width() + 50, room.height() + 70);
+        Settle();
+        ASSERT_GT(window.GetHandle()->height(), room.height());
+        window.GetPlace(place);
+    }
+    TWindow window;
+    ShowTopWindow(window, windowClass);
+    EXPECT_TRUE(window.SetPlace(place));
+    Settle();
+    const QRect after = window.GetHandle()->geometry();
+    EXPECT_TRUE(room.contains(after))
+        << after.x() << " " << after.y() << " " << after.width() << " " << after.height();
+    EXPECT_EQ(after.width(), room.width());
+    // Room for its title is left.
+    EXPECT_GT(after.top(), room.top() + 10);
+    EXPECT_GT(after.height(), room.height() * 9 / 10);
+}
+
 // The next document was behind the one that has gone, and is seen as that one was.
 TEST_F(TWindowPlaceTest, ClosingAMaximisedDocumentLeavesTheNextMaximised)
 {

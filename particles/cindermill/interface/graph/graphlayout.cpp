@@ -8,6 +8,7 @@
 #include "particles/cindermill/interface/graph/tidying.h"
 #include "particles/cindermill/main/documentstep.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -56,12 +57,8 @@ float FindEdgePlace(const vector<TLayoutBox>& boxes, int axis, bool far)
 
 void SortAlong(vector<TLayoutBox>& boxes, int axis)
 {
-    for (int i = 1; i < boxes.size(); ++i)
-        for (int j = i; j > 0 && boxes[j].Min[axis] < boxes[j - 1].Min[axis]; --j) {
-            const TLayoutBox box = boxes[j];
-            boxes[j] = boxes[j - 1];
-            boxes[j - 1] = box;
-        }
+    std::stable_sort(boxes.begin(), boxes.end(),
+                     [axis](const TLayoutBox& a, const TLayoutBox& b) { return a.Min[axis] < b.Min[axis]; });
 }
 
 } // namespace

@@ -294,7 +294,7 @@ TEST_F(MainWindow, SeveralDroppedFilesAreOpenedInTheirOrderAndABadOneIsTold)
     EXPECT_EQ(Text(App.Get().GetDocuments()[0]->GetPath()), SourcePath("samples/rain.effect"));
     EXPECT_EQ(Text(App.Get().GetDocuments()[1]->GetPath()), SourcePath("samples/aura.effect"));
     EXPECT_EQ(shown, (std::vector<std::string>{
-                         App.Path("bad.effect") + " cannot be opened: Chunkfile missing magic word",
+                         App.Path("bad.effect") + " cannot be opened: Chunkfile missing magic word\n" +
                          App.Path("gone.effect") + " cannot be opened: The file does not exist"}));
 }
 

@@ -329,6 +329,25 @@ TEST_F(Commands, DroppedEffectsAreOpenedInOrderAndOthersSkipped)
     EXPECT_TRUE(Shown.Messages.empty());
 }
 
+TEST_F(Commands, WhatCannotBeOpenedOfManyFilesIsToldOnce)
+{
+    vector<TString> files;
+    std::string told = "1000 files cannot be opened, among them:";
+    for (int i = 0; i < 1000; ++i) {
+        const std::string gone = Path("gone" + std::to_string(i) + ".effect");
+        files.push_back(gone.c_str());
+        if (i < 10)
+            told += "\n" + gone + " cannot be opened: The file does not exist";
+    }
+    files.push_back(EffectFile("a.effect").c_str());
+    App.Get().OnDropFiles(5, 6, files);
+    EXPECT_EQ(Shown.Messages, TNames{told});
+    EXPECT_EQ(NumDocuments(), 1);
+    App.Get().OpenDocuments(files);
+    EXPECT_EQ(Shown.Messages, (TNames{told, told}));
+    EXPECT_EQ(NumDocuments(), 2);
+}
+
 TEST_F(Commands, AnAnimationDroppedOutsideAllDocumentsShowsTheMessageAndDropsTheRemainingFiles)
 {
     New();

@@ -5,7 +5,7 @@
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
-#include "particles/cindermill/main/document.h"
+#include "particles/cindermill/main/documentstep.h"
 #include "particles/cindermill/main/nothingtodo.h"
 
 #include <gtest/gtest.h>
@@ -100,6 +100,24 @@ TEST_F(DocumentProblems, TheEnginesProblemsAreAtTheirNodes)
     nodes.push_back(stage);
     Document.ApplyOperation(new TDeleteGraphNodeOp(nodes));
     EXPECT_EQ(TextAt(stage), "");
+}
+
+// Each look takes a schedule, and a step of a large graph may have thousands of operations.
+TEST_F(DocumentProblems, AreLookedAtOnceAtTheEndOfAStep)
+{
+    TToolNode* emitter = Add("Emitter");
+    TToolNode* points = Add("Point Emitter");
+    TToolNode* stage = Add("Quad Render Stage");
+    Document.RebuildSchedule(false);
+    ASSERT_EQ(Host.NumChanges, 1);
+    {
+        const TDocumentStep step(Document);
+        Connect(emitter, "Count", points, "Emission Trigger");
+        Connect(points, "Start Transform", stage, "Transform");
+        EXPECT_EQ(Host.NumChanges, 1);
+    }
+    EXPECT_EQ(Host.NumChanges, 2);
+    EXPECT_TRUE(Document.GetProblems().empty());
 }
 
 TEST_F(DocumentProblems, TheTextsOfTheErrorsStayAsTheyAre)
