@@ -19,6 +19,7 @@
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QTreeView>
 
 #include <algorithm>
 
@@ -501,6 +502,28 @@ TEST_F(TFileChooserTest, OpeningGivesTheFileChosen)
     });
     ASSERT_TRUE(OpenFileChooser("Select load path", Filters, Folder.GetFolder().c_str(), Path));
     EXPECT_EQ(Text(Path), Folder.Path("a.effect"));
+}
+
+TEST_F(TFileChooserTest, SizeKindAndDateOfAFileAreSeenWhole)
+{
+    WriteBytes(Folder.Path("wide.effect"), std::string(1023 * 1024 + 900, 'x'));
+    Meet([](QDialog& dialog) {
+        QTreeView* list = dialog.findChild<QTreeView*>("treeView");
+        ASSERT_NE(list, nullptr);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return list->model()->rowCount(list->rootIndex()) == 2; }));
+        int all = 0;
+        for (int column = 0; column < 4; ++column) {
+            all += list->columnWidth(column);
+            if (column > 0) {
+                EXPECT_GE(list->columnWidth(column),
+                          static_cast<QAbstractItemView*>(list)->sizeHintForColumn(column))
+                    << column;
+            }
+        }
+        EXPECT_LE(all, list->viewport()->width());
+        dialog.reject();
+    });
+    EXPECT_FALSE(OpenFileChooser("x", Filters, Folder.GetFolder().c_str(), Path));
 }
 
 TEST_F(TFileChooserTest, OpeningRequiresAnExistingFile)
