@@ -5,10 +5,14 @@
 #include "library/system/path.h"
 #include "library/wimp/modal.h"
 
+#include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QLocale>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QHeaderView>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QTreeView>
 
 namespace {
 
@@ -75,11 +79,34 @@ public:
     bool Run(TString& path)
     {
         const TModalScope modal;
+        ShowWholeColumns();
         ResizeDialog(*this, size().expandedTo(sizeHint()));
         if (exec() != QDialog::Accepted || selectedFiles().isEmpty())
             return false;
         path = QFile::encodeName(QDir::toNativeSeparators(selectedFiles().constFirst())).constData();
         return true;
+    }
+
+private:
+    // By themselves size, kind and date are cut in the middle.
+    void ShowWholeColumns()
+    {
+        QTreeView* list = findChild<QTreeView*>(QStringLiteral("treeView"));
+        if (list == nullptr)
+            return;
+        const QString texts[] = {QStringLiteral("1023.99 MiB"), QStringLiteral("DirectDraw surface"),
+                                 QLocale::system().toString(QDateTime(QDate(2028, 12, 28), QTime(20, 58, 58)),
+                                                            QLocale::ShortFormat)};
+        const int margin = 2 * fontMetrics().horizontalAdvance(QLatin1Char('x'));
+        list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+        int more = 0;
+        for (int i = 0; i < 3; ++i) {
+            const int before = list->columnWidth(1 + i);
+            const int width = qMax(before, fontMetrics().horizontalAdvance(texts[i]) + margin);
+            list->setColumnWidth(1 + i, width);
+            more += width - before;
+        }
+        resize(width() + more, height());
     }
 };
 

@@ -4,6 +4,7 @@
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QStyleOption>
 
@@ -22,6 +23,29 @@ bool IsScrolled(const QWidget* widget)
 {
     return qobject_cast<const QAbstractItemView*>(widget) != nullptr ||
            qobject_cast<const QPlainTextEdit*>(widget) != nullptr;
+}
+
+bool IsFrameSign(QStyle::StandardPixmap which)
+{
+    return which == QStyle::SP_TitleBarMinButton || which == QStyle::SP_TitleBarNormalButton ||
+           which == QStyle::SP_TitleBarMaxButton || which == QStyle::SP_TitleBarCloseButton;
+}
+
+// In a square from 0 to 10.
+void DrawFrameSign(QPainter& painter, QStyle::StandardPixmap which)
+{
+    if (which == QStyle::SP_TitleBarMinButton) {
+        painter.drawLine(QPointF(2, 8), QPointF(8, 8));
+    } else if (which == QStyle::SP_TitleBarMaxButton) {
+        painter.drawRect(QRectF(2, 2, 6, 6));
+    } else if (which == QStyle::SP_TitleBarNormalButton) {
+        painter.drawRect(QRectF(1.5, 4, 4.5, 4.5));
+        const QPointF behind[] = {{4, 4}, {4, 1.5}, {8.5, 1.5}, {8.5, 6}, {6, 6}};
+        painter.drawPolyline(behind, 5);
+    } else {
+        painter.drawLine(QPointF(2, 2), QPointF(8, 8));
+        painter.drawLine(QPointF(8, 2), QPointF(2, 8));
+    }
 }
 
 } // namespace
@@ -64,4 +88,24 @@ void TFocusStyle::DrawTitleBar(const QStyleOptionTitleBar& option, QPainter* pai
     const int width = subControlRect(CC_TitleBar, &title, SC_TitleBarLabel, &widget).width();
     title.text = FitPath(widget.windowTitle(), width - Margin, painter->fontMetrics());
     QProxyStyle::drawComplexControl(CC_TitleBar, &title, painter, &widget);
+}
+
+QIcon TFocusStyle::standardIcon(StandardPixmap which, const QStyleOption* option, const QWidget* widget) const
+{
+    if (!IsFrameSign(which))
+        return QProxyStyle::standardIcon(which, option, widget);
+    QIcon icon;
+    // At each scale that screens have.
+    for (const int size : {16, 20, 24, 28, 32, 48}) {
+        QPixmap picture(size, size);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(size / 10.0, size / 10.0);
+        painter.setPen(QPen(QApplication::palette().color(QPalette::ButtonText), 1));
+        DrawFrameSign(painter, which);
+        painter.end();
+        icon.addPixmap(picture);
+    }
+    return icon;
 }

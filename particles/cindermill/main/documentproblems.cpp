@@ -5,6 +5,23 @@
 #include "particles/effectgraph/runcollecting.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
+namespace {
+
+// Several types share a message, which an artist's own name for a node is not in either.
+void NameNode(TProblem& problem)
+{
+    if (problem.Node == nullptr)
+        return;
+    const TString& name = problem.Node->GetNodeType()->Name;
+    if (problem.Text.FindString(name.Print()) >= 0)
+        return;
+    TString text;
+    text.Format("%s: %s", name.Print(), problem.Text.Print());
+    problem.Text = text;
+}
+
+} // namespace
+
 void TDocumentProblems::Take(const TEffectGraph& graph, const TErrorList& errors, bool ofGraph)
 {
     Problems.clear();
@@ -19,6 +36,7 @@ void TDocumentProblems::TakeErrors(const TEffectGraph& graph, const TErrorList& 
         problem.Text = GetErrorLine(*error);
         problem.Text.Trim();
         problem.Node = graph.FindNodeOf(error->GetSource().Type);
+        NameNode(problem);
         problem.OfGraph = ofGraph;
         isPlaced = isPlaced && problem.Node != nullptr;
         Append(Problems, problem);

@@ -127,6 +127,29 @@ TEST_F(DesktopTheme, OnADarkDesktopAllTextIsLightOnDark)
     EXPECT_LT(QApplication::palette().color(QPalette::Window).lightness(), 80);
 }
 
+// The controls of a document that fills the window stand in the menu bar.
+TEST_F(DesktopTheme, ButtonsOfDocumentsAreSeenOnDarkAndOnLight)
+{
+    for (const char* name : {"Adwaita", "Adwaita:dark"}) {
+        qputenv("GTK_THEME", name);
+        const TDesktopTheme theme(QApplication::style()->standardPalette());
+        const QPalette palette = QApplication::palette();
+        const int paper = palette.color(QPalette::Button).lightness();
+        for (const QStyle::StandardPixmap sign :
+             {QStyle::SP_TitleBarMinButton, QStyle::SP_TitleBarNormalButton,
+              QStyle::SP_TitleBarCloseButton}) {
+            const QImage image = QApplication::style()->standardIcon(sign).pixmap(16, 16).toImage();
+            int strong = 0;
+            for (int y = 0; y < image.height(); ++y)
+                for (int x = 0; x < image.width(); ++x) {
+                    const QColor dot = image.pixelColor(x, y);
+                    strong += dot.alpha() > 128 && abs(dot.lightness() - paper) > 128 ? 1 : 0;
+                }
+            EXPECT_GE(strong, 8) << name << " " << sign;
+        }
+    }
+}
+
 TEST_F(DesktopTheme, ALightDesktopKeepsTheColoursOfTheStyle)
 {
     qputenv("GTK_THEME", "Adwaita:dark");

@@ -10,6 +10,7 @@
 #include "support/windowtest.h"
 
 #include <QtCore/QPointer>
+#include <QtCore/QSettings>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
@@ -19,6 +20,7 @@
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QTreeView>
 
 #include <algorithm>
 
@@ -501,6 +503,32 @@ TEST_F(TFileChooserTest, OpeningGivesTheFileChosen)
     });
     ASSERT_TRUE(OpenFileChooser("Select load path", Filters, Folder.GetFolder().c_str(), Path));
     EXPECT_EQ(Text(Path), Folder.Path("a.effect"));
+}
+
+TEST_F(TFileChooserTest, SizeKindAndDateOfAFileAreSeenWhole)
+{
+    // The window system remembers widths from one run to the next.
+    QSettings(QSettings::UserScope, QStringLiteral("QtProject")).remove(QStringLiteral("FileDialog"));
+    Filters.clear();
+    Filters.push_back(TFileFilter{"*.dds", "*.dds"});
+    WriteBytes(Folder.Path("wide.dds"), std::string(888 * 1024 + 900, 'x'));
+    Meet([](QDialog& dialog) {
+        QTreeView* list = dialog.findChild<QTreeView*>("treeView");
+        ASSERT_NE(list, nullptr);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return list->model()->rowCount(list->rootIndex()) == 1; }));
+        int all = 0;
+        for (int column = 0; column < 4; ++column) {
+            all += list->columnWidth(column);
+            if (column > 0) {
+                EXPECT_GE(list->columnWidth(column),
+                          static_cast<QAbstractItemView*>(list)->sizeHintForColumn(column))
+                    << column;
+            }
+        }
+        EXPECT_LE(all, list->viewport()->width());
+        dialog.reject();
+    });
+    EXPECT_FALSE(OpenFileChooser("x", Filters, Folder.GetFolder().c_str(), Path));
 }
 
 TEST_F(TFileChooserTest, OpeningRequiresAnExistingFile)

@@ -39,6 +39,18 @@ const TEffectNode* FindTrigger(const TEffectSchedule& schedule)
     return nullptr;
 }
 
+// What emits, with nothing that tells it when.
+const TEffectNode* FindUntriggered(const TEffectSchedule& schedule)
+{
+    for (int n = 0; n < schedule.GetNumNodes(); ++n) {
+        const TEffectNode* node = schedule.GetNode(n);
+        const int input = node->GetNodeType()->FindInput("Emission Trigger");
+        if (input >= 0 && node->GetInput(input) == nullptr)
+            return node;
+    }
+    return nullptr;
+}
+
 } // namespace
 
 void TPreviewDiagnosis::Tick(TDocument& document, int onlyGroup)
@@ -131,10 +143,13 @@ void TPreviewDiagnosis::TellNothingAlive(TDocument& document)
         Text = "All particles have died.\nUpdate shows the effect again, a loop again and again.";
         return;
     }
-    const TEffectNode* trigger = FindTrigger(document.GetEngine().GetSchedule());
-    if (trigger == nullptr)
-        Text = "Nothing has been emitted.\nWire an Emitter to the Emission Trigger of what emits.";
-    else
+    const TEffectSchedule& schedule = document.GetEngine().GetSchedule();
+    if (const TEffectNode* untriggered = FindUntriggered(schedule))
+        Text.Format("Nothing has been emitted.\nWire an Emitter to the Emission Trigger of \"%s\".",
+                    untriggered->GetNodeType()->Name.Print());
+    else if (const TEffectNode* trigger = FindTrigger(schedule))
         Text.Format("Nothing has been emitted yet.\nLook at the rate and the delay of \"%s\".",
                     trigger->GetNodeType()->Name.Print());
+    else
+        Text = "Nothing has been emitted.\nWire an Emitter to the Emission Trigger of what emits.";
 }

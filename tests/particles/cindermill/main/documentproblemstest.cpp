@@ -120,6 +120,18 @@ TEST_F(DocumentProblems, AreLookedAtOnceAtTheEndOfAStep)
     EXPECT_TRUE(Document.GetProblems().empty());
 }
 
+// Both stages give the same message.
+TEST_F(DocumentProblems, AnEntryNamesTheNodeItLeadsTo)
+{
+    TToolNode* emitter = Add("Emitter");
+    TToolNode* points = Add("Point Emitter");
+    TToolNode* stage = Add("Sprite Render Stage");
+    Connect(points, "Start Transform", stage, "Transform");
+    Connect(emitter, "Count", points, "Emission Trigger");
+    Document.RebuildSchedule(false);
+    EXPECT_EQ(TextAt(stage), "Sprite Render Stage: No texture specified in Quad Render Stage");
+}
+
 TEST_F(DocumentProblems, TheTextsOfTheErrorsStayAsTheyAre)
 {
     Document.RebuildSchedule(false);

@@ -3,7 +3,9 @@
 #include "support/sampledocument.h"
 
 #include "particles/cindermill/graph/operations/bypassflagop.h"
+#include "particles/cindermill/graph/operations/deletegraphedgeop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/effectgraph/simpleparameters.h"
 #include "particles/effectgraph/usage.h"
@@ -140,6 +142,16 @@ TEST_F(PreviewDiagnosis, AnEffectThatEmitsNothingNamesItsEmitterAfterAWhile)
     Sample.Run(1);
     EXPECT_TRUE(Tells("Nothing has been emitted yet"));
     EXPECT_TRUE(Tells("\"Emitter\""));
+}
+
+TEST_F(PreviewDiagnosis, WhatEmitsWithoutATriggerIsNamedThoughAnEmitterIsThere)
+{
+    TEffectNode* emission = Find("TPointEmitter");
+    ASSERT_NE(emission, nullptr);
+    const int input = emission->GetNodeType()->FindInput("Emission Trigger");
+    Sample->ApplyOperation(new TDeleteGraphEdgeOp(static_cast<TToolEdge*>(emission->GetInput(input))));
+    Sample.Run(2);
+    EXPECT_TRUE(Tells("Emission Trigger of \"Point Emitter\"")) << Told();
 }
 
 TEST_F(PreviewDiagnosis, AnEffectWhoseParticlesHaveDiedSaysSo)
