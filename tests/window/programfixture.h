@@ -59,6 +59,8 @@ inline int CountEntries(const std::string& folder, const std::string& start)
 class Program : public testing::Test
 {
 protected:
+    Program() = default;
+    Program(int width, int height) : Screen(width, height) {}
     void SetUp() override { ASSERT_TRUE(Screen.IsRunning()) << "no X server"; }
     // A new document, found on the screen.
     void StartWithNewDocument(TProgram& program, TWorkshop& workshop)
