@@ -83,7 +83,7 @@ TEST(DisplayPlace, TheTransportAtADisplaysBottomIsInSight)
         others.push_back(FindDisplayPlace(meant, graph, room, others));
         // With a frame round it.
         EXPECT_LE(others.back().Bottom, room.Bottom - 30) << Told(others.back());
-        EXPECT_GE(others.back().Bottom - others.back().Top, 300);
+        EXPECT_GE(others.back().Bottom - others.back().Top, 225);
     }
 }
 
