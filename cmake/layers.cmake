@@ -70,14 +70,14 @@ function(cindermill_compile_as_test target)
     set_target_properties(${target} PROPERTIES CINDERMILL_TEST ON)
 endfunction()
 
-# cindermill_test(FOLDER [DISPLAY] [APART] [CHECKED filter] [LINKS folder...] [PACKAGES target...])
+# cindermill_test(FOLDER [DISPLAY] [APART] [FILTER filter] [CHECKED filter] [LINKS folder...] [PACKAGES target...])
 #   all of tests/FOLDER/*.cpp as one GoogleTest program, each test known to CTest by its own name. With DISPLAY
 #   the program runs whole, as one test of CTest, on a display of its own. So does what draws, where the start of a
 #   program takes longer than its tests, and under the sanitizers every program; those with APART do not. Of tests
 #   that the optimised build runs and that would take minutes there the sanitizers see those of the CHECKED filter
-#   alone; the program itself has them all.
+#   alone; the program itself has them all. Tests beyond the FILTER are added by whoever needs more for them.
 function(cindermill_test folder)
-    cmake_parse_arguments(arg "DISPLAY;APART" "CHECKED" "LINKS;PACKAGES" ${ARGN})
+    cmake_parse_arguments(arg "DISPLAY;APART" "FILTER;CHECKED" "LINKS;PACKAGES" ${ARGN})
     cindermill_layer_name("${folder}" name)
     file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp"
          "${PROJECT_SOURCE_DIR}/tests/${folder}/*.h")
@@ -101,6 +101,9 @@ function(cindermill_test folder)
     # Whole programs begin first, the longest ahead, so that none is left over alone at the end.
     list(LENGTH sources cost)
     set(filter "*")
+    if(arg_FILTER)
+        set(filter "${arg_FILTER}")
+    endif()
     if(CINDERMILL_SANITIZE AND arg_CHECKED)
         set(filter "${arg_CHECKED}")
     endif()

@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # Makes both packages of a build folder, installs them into an empty root and runs both programs there:
 # scripts/packagetest.sh BUILD
+# The root stays for further tests, as BUILD/installed.
 set -euo pipefail
 build=$(realpath "$1")
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-root=$work/root
+root=$build/installed
+rm -rf "$root"
 mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates" "$work/home"
 touch "$root/var/lib/dpkg/status"
 

@@ -15,7 +15,7 @@ static void Install(const std::string& path)
         std::filesystem::copy_file(CINDERMILL_PROGRAM, path);
 }
 
-TProgram::TProgram(TScreen& screen, const TProgramOptions& options) : Screen(screen)
+TProgram::TProgram(TScreen& screen, const TProgramOptions& options) : Screen(screen), Scale(options.Scale)
 {
     const std::string config = Folder.Path("config");
     if (!options.Settings.empty()) {
@@ -33,7 +33,9 @@ TProgram::TProgram(TScreen& screen, const TProgramOptions& options) : Screen(scr
         // Tells the screen when the program has dealt with what was done to it.
         "QT_QPA_GENERIC_PLUGINS=turnteller", std::string("QT_PLUGIN_PATH=") + CINDERMILL_TEST_PLUGINS};
     environment.insert(environment.end(), options.Environment.begin(), options.Environment.end());
-    std::string program = CINDERMILL_PROGRAM;
+    if (Scale != 1)
+        environment.push_back("QT_SCALE_FACTOR=" + std::to_string(Scale));
+    std::string program = options.Path.empty() ? CINDERMILL_PROGRAM : options.Path;
     if (!options.Installed.empty()) {
         program = Folder.Path(options.Installed);
         Install(program);
@@ -110,7 +112,7 @@ TRectangle TProgram::GetMainRectangle() const
 void TProgram::ChooseFromFileMenu(int number)
 {
     const TRectangle place = GetMainRectangle();
-    Screen.Click(place.X + 15, place.Y + 11);
+    Screen.Click(place.X + 15 * Scale, place.Y + 11 * Scale);
     // The last one from below: Recent Files cannot be chosen while there are none.
     for (int i = 0; i < number && number != FE_EXIT; ++i)
         Screen.Key("Down");

@@ -13,6 +13,10 @@ struct TProgramOptions
     std::string Settings;
     // Where in its home the program lies, as if it were installed there; "" for where it was built.
     std::string Installed;
+    // The program that is started; "" for the one that was built.
+    std::string Path;
+    // Of the desktop.
+    int Scale = 1;
 };
 
 // The program, started by itself on a screen, with settings and a home of its own. What remains of it ends
@@ -39,6 +43,7 @@ public:
     std::string Path(const std::string& leaf) const { return Folder.Path(leaf); }
 
     TRectangle GetMainRectangle() const;
+    int GetScale() const { return Scale; }
     // Chooses an entry of the File menu by its number, those that can be chosen counted from 1.
     void ChooseFromFileMenu(int number);
     // Answers a chooser that has come up under the title.
@@ -49,6 +54,7 @@ public:
 
 private:
     TScreen& Screen;
+    const int Scale;
     TTempFolder Folder;
     pid_t Process = -1;
     int Status = -1;

@@ -60,6 +60,7 @@ class Program : public testing::Test
 {
 protected:
     explicit Program(TAltMouse altMouse = AM_MANAGERS) : Screen(3000, 1200, 24, altMouse) {}
+    Program(int width, int height) : Screen(width, height) {}
     void SetUp() override { ASSERT_TRUE(Screen.IsRunning()) << "no X server"; }
     // A new document, found on the screen.
     void StartWithNewDocument(TProgram& program, TWorkshop& workshop)

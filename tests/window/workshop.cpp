@@ -102,7 +102,7 @@ bool TWorkshop::FindGraph()
             return false;
         Graph = TRectangle{main.X + columns.From, main.Y + rows.From, columns.To - columns.From + 1,
                            rows.To - rows.From + 1};
-        return Graph.Width > 400 && Graph.Height > 300;
+        return Graph.Width > 300 && Graph.Height > 300;
     });
 }
 
@@ -139,6 +139,19 @@ void TWorkshop::FoldPalette(const std::vector<std::string>& categories)
 TToolNode* TWorkshop::GetLast() const
 {
     return static_cast<TToolNode*>(Document->GetGraph()->GetNode(Document->GetGraph()->GetNumNodes() - 1));
+}
+
+TToolNode* TWorkshop::Search(const char* letters, const char* type, int x, int y)
+{
+    {
+        const THandFlow flow(Screen);
+        Screen.MoveTo(ScreenX(x), ScreenY(y));
+        Screen.Key("Tab");
+        Screen.Type(letters);
+        Screen.Key("Return");
+    }
+    Document->ApplyOperation(new TAddGraphNodeOp(*Document, App.Type(type), x, y));
+    return GetLast();
 }
 
 TToolNode* TWorkshop::Add(const char* type, int x, int y)

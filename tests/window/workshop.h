@@ -21,6 +21,8 @@ public:
     // Folds the categories that are not needed, so that all others stand in the palette without scrolling.
     void FoldPalette(const std::vector<std::string>& categories);
 
+    // Chooses a type in the search at the pointer, by some letters that find it.
+    TToolNode* Search(const char* letters, const char* type, int x, int y);
     // Drags a type out of the palette to a place of the graph.
     TToolNode* Add(const char* type, int x, int y);
     void Connect(TToolNode* source, const char* output, TToolNode* destination, const char* input);
@@ -41,8 +43,8 @@ public:
     void Redo();
 
     // A place of the graph, on the screen.
-    int ScreenX(double x) const { return Graph.X + static_cast<int>(x); }
-    int ScreenY(double y) const { return Graph.Y + static_cast<int>(y); }
+    int ScreenX(double x) const { return Graph.X + static_cast<int>(x * Program.GetScale()); }
+    int ScreenY(double y) const { return Graph.Y + static_cast<int>(y * Program.GetScale()); }
     const TRectangle& GetGraph() const { return Graph; }
     TRectangle GetPalette() const;
     TCindermillApp& GetApp() { return App.Get(); }

@@ -2,9 +2,10 @@
 
 namespace {
 
-// Less is no display to work with.
+// Less is no display to work with, unless there is no room for more.
 constexpr int LeastWidth = 400;
 constexpr int LeastHeight = 300;
+constexpr int SmallestWidth = 300;
 constexpr int Step = 24;
 constexpr int Shrink = 50;
 // What the views of the next documents stand further aside than this one's: the display is in front of them
@@ -72,6 +73,15 @@ bool StandInLine(TWindowArea& area, const TWindowArea& graph, const TWindowArea&
     return false;
 }
 
+// Not above the graph, and as high as that leaves it.
+void StartAtTop(TWindowArea& area, const TWindowArea& graph, const TWindowArea& room)
+{
+    const int last = room.Bottom - FrameHeight - LeastHeight;
+    const int top = Least(graph.Top, last);
+    if (top > area.Top)
+        MoveBy(area, 0, top - area.Top);
+}
+
 bool FitBeside(TWindowArea& area, const TWindowArea& graph, const TWindowArea& room)
 {
     return FitBetween(area, graph.Right + Aside, room.Right, true) ||
@@ -96,9 +106,9 @@ bool FitUpon(TWindowArea& area, const TWindowArea& graph, const TWindowArea& roo
     TWindowArea place;
     place.Right = room.Right;
     place.Top = graph.Top + HeadHeight;
-    for (int wanted = width; wanted >= LeastWidth; wanted -= Shrink) {
+    for (int wanted = width; wanted >= SmallestWidth; wanted -= Shrink) {
         place.Left = place.Right - wanted;
-        place.Bottom = place.Top + wanted * height / width + FrameHeight;
+        place.Bottom = place.Top + Most(wanted * height / width, wanted * 3 / 4) + FrameHeight;
         const int part = wanted > LeastWidth ? SmallPart : LargestPart;
         if (place.Left < room.Left || place.Bottom > room.Bottom || !HidesAtMost(place, graph, part))
             continue;
@@ -145,14 +155,24 @@ bool LeavesGraphInSight(const TWindowArea& display, const TWindowArea& graph)
     return HidesAtMost(display, graph, LargestPart);
 }
 
+int GetClearWidth(const TWindowArea& display, const TWindowArea& area)
+{
+    const bool isInFront =
+        DoAreasOverlap(display, area) && display.Left > area.Left && display.Right >= area.Right;
+    return (isInFront ? display.Left : area.Right) - area.Left;
+}
+
 TWindowArea FindDisplayPlace(const TWindowArea& meant, const TWindowArea& graph, const TWindowArea& room,
                              const vector<TWindowArea>& others)
 {
     TWindowArea place = meant;
-    bool isUpon = DoAreasOverlap(place, graph) && !StandInLine(place, graph, room, others) &&
-                  !FitBeside(place, graph, room);
-    if (isUpon && FitUpon(place, graph, room))
-        isUpon = false;
+    bool isUpon = false;
+    if (DoAreasOverlap(place, graph)) {
+        if (StandInLine(place, graph, room, others) || FitBeside(place, graph, room))
+            StartAtTop(place, graph, room);
+        else
+            isUpon = !FitUpon(place, graph, room);
+    }
     // Down, so that its title is seen, and aside only where that hides no more of the graph.
     const TWindowArea first = place;
     const int aside = isUpon ? Step : 0;

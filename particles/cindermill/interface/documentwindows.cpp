@@ -512,6 +512,30 @@ void TDocumentWindows::SearchForWire(TRenderer& renderer, const TVector2& point,
         graph->GetActions().SearchForWire(point, end);
 }
 
+float TDocumentWindows::GetClearPart(const TRenderer& renderer)
+{
+    const TGraphWindow* graph = FindGraph(renderer);
+    int width = 0;
+    int height = 0;
+    if (graph != nullptr)
+        graph->GetSize(width, height);
+    return width > 0 ? static_cast<float>(GetClearWidth(*graph)) / static_cast<float>(width) : 1.0f;
+}
+
+// A display that hides more is behind the graph, or was brought before it to be looked at.
+int TDocumentWindows::GetClearWidth(const TGraphWindow& graph) const
+{
+    TWindowArea area;
+    graph.GetSize(area.Right, area.Bottom);
+    if (ParticleWindow == nullptr || !ParticleWindow->IsShown() || !IsGraphInSight())
+        return area.Right;
+    TWindowArea display;
+    ParticleWindow->GetFrameArea(display);
+    graph.ScreenToClient(display.Left, display.Top);
+    graph.ScreenToClient(display.Right, display.Bottom);
+    return ::GetClearWidth(display, area);
+}
+
 void TDocumentWindows::TellStatus(const char* text)
 {
     if (TMDIFrame* frame = dynamic_cast<TMDIFrame*>(Frame))

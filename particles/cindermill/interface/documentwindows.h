@@ -53,6 +53,7 @@ public:
     void ShowPointer(TRenderObject& object, TPointerShape shape) override;
     TRenderer* GetView() override;
     void SearchForWire(TRenderer& renderer, const TVector2& point, const TWireEnd& end) override;
+    float GetClearPart(const TRenderer& renderer) override;
     void TellStatus(const char* text) override;
     void NodeLeft(TToolNode& node) override;
 
@@ -72,6 +73,8 @@ public:
     // In the view that was used last.
     void ShowNode(TToolNode& node);
 
+    // What of a view, from its left edge on, the display in front of it leaves in sight.
+    int GetClearWidth(const TGraphWindow& graph) const;
     // The preview draws a group alone, or all again; -1 for all.
     void ShowGroupAlone(int group);
 

@@ -389,6 +389,7 @@ void TGraphActions::OpenSearch(const TVector2& point, const char* hint, const ch
 {
     const TVector2 pixel = (point + Graph.GetView().GetOffset()) * Graph.GetView().GetScale()[0];
     Search.SetChosen(chosen, this);
+    Search.SetRoom(DocWindow->GetWindows().GetClearWidth(Graph));
     Search.Open(Graph, static_cast<int>(pixel[0]), static_cast<int>(pixel[1]), hint, nothing);
 }
 
@@ -460,7 +461,7 @@ void TGraphActions::OnNodeMarked(int item, TMarkCause cause, void* data)
     const TNodeObj* object = node != nullptr ? scene.FindNode(node) : nullptr;
     if (cause == MC_MEANT && object != nullptr)
         actions.Graph.Reveal(*object, actions.Search.GetLeft(),
-                             actions.Search.GetLeft() + TSearchPopup::Width);
+                             actions.Search.GetLeft() + actions.Search.GetWidth());
     if (cause == MC_GIVENUP)
         actions.Graph.GlideTo(actions.SearchView);
 }

@@ -107,6 +107,9 @@ void TSearchPopup::Place()
     const int ownHeight = ListTop + rows * RowHeight + HelpHeight;
     // By the height of a full list, so that it stays where it is while one types.
     const int fullHeight = ListTop + MaxRows * RowHeight + HelpHeight;
+    if (Room > 0 && Room < width)
+        width = Room;
+    Width = width < FullWidth ? width : FullWidth;
     const int left = WantedX + Width > width ? width - Width : WantedX;
     const int top = WantedY + fullHeight > height ? height - fullHeight : WantedY;
     Left = left > 0 ? left : 0;
@@ -344,7 +347,7 @@ void TSearchAccess::AddField(vector<TAccessibleItem>& items) const
     field.HasFocus = Popup.HasFocus() && Popup.GetMarked() == -1;
     field.Left = TSearchPopup::Border;
     field.Top = TSearchPopup::Border;
-    field.Width = TSearchPopup::Width - 2 * TSearchPopup::Border;
+    field.Width = Popup.GetWidth() - 2 * TSearchPopup::Border;
     field.Height = TFilterField::Height;
     items.push_back(field);
     if (Popup.GetMarked() != -1)
@@ -372,7 +375,7 @@ void TSearchAccess::ListItems(vector<TAccessibleItem>& items)
         item.HasFocus = item.IsSelected && Popup.HasFocus();
         item.Left = TSearchPopup::Border;
         item.Top = Popup.GetRowTop(i);
-        item.Width = TSearchPopup::Width - 2 * TSearchPopup::Border;
+        item.Width = Popup.GetWidth() - 2 * TSearchPopup::Border;
         item.Height = TSearchPopup::RowHeight;
         items.push_back(item);
     }

@@ -43,7 +43,8 @@ private:
 class TSearchPopup : public TWindow
 {
 public:
-    static constexpr int Width = 340;
+    // Where there is room for it.
+    static constexpr int FullWidth = 340;
     static constexpr int RowHeight = 20;
     static constexpr int MaxRows = 12;
     static constexpr int Border = 3;
@@ -53,6 +54,8 @@ public:
     // Inside the owner, with its field at the pixel as far as there is room. The hint stands in the empty
     // field, the other text where nothing is found.
     bool Open(TWindow& owner, int x, int y, const char* hint, const char* nothing);
+    // The owner's width that it may take, from the left edge on; to be told before Open.
+    void SetRoom(int width) { Room = width; }
     // To be filled before Open.
     TSearchList& GetList() { return List; }
     void SetChosen(TChosen chosen, void* data);
@@ -79,6 +82,7 @@ public:
     void Choose(int match);
     // Of the popup, in its owner.
     int GetLeft() const { return Left; }
+    int GetWidth() const { return Width; }
     // -1 for none.
     int GetMarked() const { return Marked; }
     // The place of an entry's row in the window, whether or not it is in sight.
@@ -112,7 +116,9 @@ private:
     void* ToldData = nullptr;
     int WantedX = 0;
     int WantedY = 0;
+    int Room = 0;
     int Left = 0;
+    int Width = FullWidth;
     int Marked = -1;
     int FirstRow = 0;
     TWheelSteps Wheel = TWheelSteps(3);

@@ -8,10 +8,12 @@ class TRenderer;
 class TEmptyHint
 {
 public:
-    // In the middle of what is in sight.
-    void Render(TRenderer& renderer);
+    // In the middle of what is in sight, of which something may stand in front of all but its left part.
+    void Render(TRenderer& renderer, float clearPart);
 
 private:
+    float GetWidth(const char* const* lines) const;
+
     TFontInstance Font;
     float FontSize = 0.0f;
 };

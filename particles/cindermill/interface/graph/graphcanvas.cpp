@@ -58,7 +58,7 @@ void TGraphCanvas::Render(TRenderer& renderer)
 {
     TRenderObjects::Render(renderer);
     if (Objects.empty())
-        Hint.Render(renderer);
+        Hint.Render(renderer, Scene.GetHost().GetClearPart(renderer));
     Scene.GetPortWalk().Render(renderer);
 }
 

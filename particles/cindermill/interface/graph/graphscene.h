@@ -48,6 +48,12 @@ public:
         (void)renderer;
         (void)port;
     }
+    // How much of the view of the renderer, from its left edge on, nothing stands in front of: 1 for all.
+    virtual float GetClearPart(const TRenderer& renderer)
+    {
+        (void)renderer;
+        return 1;
+    }
     // A line for the status bar.
     virtual void TellStatus(const char* text) { (void)text; }
     // The node has left the graph, and may be about to be deleted.

@@ -25,19 +25,25 @@ TEST(DisplayPlace, ItIsTheOneThatWasMeantWhereThatLeavesTheGraphInSight)
               "0 50 800 650");
 }
 
-TEST(DisplayPlace, OtherwiseItIsBesideTheGraphAsWideAsThatLeavesIt)
+// Above the graph stand the menus and the buttons of the main window.
+TEST(DisplayPlace, OtherwiseItIsBesideTheGraphAsWideAsThatLeavesItAndNotAboveIt)
 {
     // A wide screen and a usual one.
     EXPECT_EQ(Told(FindDisplayPlace(Meant, Area(655, 170, 1050, 750), Area(0, 0, 2560, 1440), {})),
-              "1753 50 800 650");
+              "1753 170 800 650");
     EXPECT_EQ(Told(FindDisplayPlace(Meant, Area(335, 150, 1050, 750), Area(0, 0, 1920, 1080), {})),
-              "1433 50 487 650");
+              "1433 150 487 650");
     // With no room at the right, at the left.
     EXPECT_EQ(Told(FindDisplayPlace(Meant, Area(600, 150, 1050, 750), Area(0, 0, 1700, 1080), {})),
-              "0 50 600 650");
+              "0 150 600 650");
     // A panel at the edge is the desktop's. Where there is little room, all of it is taken.
     EXPECT_EQ(Told(FindDisplayPlace(Meant, Area(500, 150, 1050, 750), Area(0, 0, 1990, 1080), {})),
-              "1550 50 440 650");
+              "1550 150 440 650");
+    // The transport is in sight where the screen is low.
+    EXPECT_EQ(Told(FindDisplayPlace(Meant, Area(335, 150, 1050, 550), Area(0, 0, 1920, 720), {})),
+              "1433 150 487 530");
+    EXPECT_EQ(Told(FindDisplayPlace(Meant, Area(335, 350, 1050, 200), Area(0, 0, 1920, 640), {})),
+              "1433 300 487 300");
 }
 
 // The views of further documents stand further to the right, and no display hides any of them.
@@ -77,7 +83,7 @@ TEST(DisplayPlace, TheTransportAtADisplaysBottomIsInSight)
         others.push_back(FindDisplayPlace(meant, graph, room, others));
         // With a frame round it.
         EXPECT_LE(others.back().Bottom, room.Bottom - 30) << Told(others.back());
-        EXPECT_GE(others.back().Bottom - others.back().Top, 300);
+        EXPECT_GE(others.back().Bottom - others.back().Top, 225);
     }
 }
 
@@ -109,11 +115,19 @@ TEST(DisplayPlace, OnASmallScreenItIsASmallOneUponTheGraphsRightEdge)
     }
 }
 
+// As a usual one of a scale of 2.
+TEST(DisplayPlace, OnATinyScreenItIsASmallerOneStill)
+{
+    const TWindowArea graph = Area(76, 129, 859, 348);
+    const TWindowArea place = FindDisplayPlace(Area(0, 10, 800, 480), graph, Area(0, 0, 960, 540), {});
+    EXPECT_EQ(Told(place), "660 193 300 225");
+    EXPECT_TRUE(LeavesGraphInSight(place, graph));
+}
+
 TEST(DisplayPlace, WhereEvenThatHidesTheGraphItIsTheOneThatWasMeant)
 {
-    EXPECT_EQ(
-        Told(FindDisplayPlace(Area(0, 10, 800, 480), Area(75, 100, 600, 400), Area(0, 0, 800, 600), {})),
-        "0 10 800 480");
+    EXPECT_EQ(Told(FindDisplayPlace(Area(0, 10, 800, 330), Area(25, 80, 460, 240), Area(0, 0, 512, 384), {})),
+              "0 10 800 330");
 }
 
 TEST(DisplayPlace, AGraphIsInSightIfThreeQuartersOfItAre)
@@ -158,4 +172,16 @@ TEST(DisplayPlace, NoDisplayStandsNearlyUponAnother)
         place.Top -= i % 2 + 1;
         others.push_back(place);
     }
+}
+
+TEST(DisplayPlace, WhatItHidesOfAViewIsWhatItStandsUponFromTheRight)
+{
+    const TWindowArea view = Area(0, 0, 700, 500);
+    EXPECT_EQ(GetClearWidth(Area(400, 100, 400, 300), view), 400);
+    EXPECT_EQ(GetClearWidth(Area(400, 100, 300, 300), view), 400);
+    EXPECT_EQ(GetClearWidth(Area(700, 100, 300, 300), view), 700);
+    EXPECT_EQ(GetClearWidth(Area(400, 500, 300, 300), view), 700);
+    // In the midst of it, and all over it.
+    EXPECT_EQ(GetClearWidth(Area(300, 100, 300, 300), view), 700);
+    EXPECT_EQ(GetClearWidth(Area(-10, -10, 900, 900), view), 700);
 }

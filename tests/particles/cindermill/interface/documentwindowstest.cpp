@@ -353,6 +353,18 @@ TEST_F(DocumentWindows, TheGraphOfANewDocumentHasTheKeysAlsoWhereItsDisplayStand
     ViewOf(*document).GetFrameArea(graph);
     EXPECT_TRUE(DoAreasOverlap(seen, graph));
     EXPECT_TRUE(LeavesGraphInSight(seen, graph));
+    // What comes up in the graph stands beside it, and no wider than there is room.
+    TGraphWindow& view = GraphOf(*document);
+    int left = seen.Left;
+    int top = seen.Top;
+    view.ScreenToClient(left, top);
+    EXPECT_EQ(WindowsOf(*document).GetClearWidth(view), left);
+    const TSearchPopup& search = view.GetActions().GetSearch();
+    Move(view, QPoint(left - 10, 100), Qt::NoButton);
+    Key(view, Qt::Key_Tab);
+    ASSERT_TRUE(search.IsOpen());
+    EXPECT_EQ(search.GetLeft() + search.GetWidth(), left);
+    view.GetActions().CloseSearch();
     // Whichever has the keys.
     const QWindow* window = display.GetHandle()->window()->windowHandle();
     EXPECT_EQ(window->transientParent(), Frame.GetHandle()->window()->windowHandle());

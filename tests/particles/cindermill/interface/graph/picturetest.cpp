@@ -73,6 +73,25 @@ TEST_F(GraphPicture, ASampleIsDrawnAtAllZooms)
     }
 }
 
+TEST_F(GraphPicture, AnEmptyGraphTellsHowToBeginWhereNothingStandsInFrontOfIt)
+{
+    const auto isInk = [](const TPixel& pixel) { return pixel.R < 170; };
+    // In the middle of all, and of a part in which the lines are broken anew; the last one is far too little.
+    for (const float part : {1.0f, 0.5f, 0.3f}) {
+        Host.ClearPart = part;
+        LookAt(0, 0, 1);
+        const TPicture picture = Paint();
+        Keep(picture, "hint" + std::to_string(static_cast<int>(part * 10)));
+        const int clear = static_cast<int>(560 * part);
+        const int left = picture.Count(isInk, 0, 0, clear / 2, 360);
+        const int right = picture.Count(isInk, clear / 2, 0, clear - clear / 2, 360);
+        EXPECT_GT(left, 200) << part;
+        EXPECT_NEAR(left, right, left / 3) << part;
+        EXPECT_EQ(picture.Count(isInk, 0, 0, 3, 360), 0) << part;
+        EXPECT_EQ(picture.Count(isInk, clear - 3, 0, 560 - clear + 3, 360), 0) << part;
+    }
+}
+
 TEST_F(GraphPicture, ThePaperHasCellsOf128UnitsDividedIn8)
 {
     LookAt(-10, -10, 1);

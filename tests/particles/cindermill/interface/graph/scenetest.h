@@ -76,6 +76,7 @@ public:
     {
         Searches.push_back({point, end});
     }
+    float GetClearPart(const TRenderer&) override { return ClearPart; }
     void TellStatus(const char* text) override { Status = text; }
 
     // Never shown: the framework asks for one.
@@ -91,6 +92,7 @@ public:
     };
     std::vector<TSearch> Searches;
     std::string Status;
+    float ClearPart = 1;
     int NumRedraws = 0;
     int NumScrolls = 0;
     int NumDrags = 0;
