@@ -26,10 +26,14 @@ void StandBeside(QDialog& dialog, const QWidget* window)
     const QRect room = window->screen()->availableGeometry();
     const QRect frame = window->frameGeometry();
     const int width = dialog.sizeHint().width() + gap;
+    // With its buttons on the screen, and a frame that is not there yet.
+    constexpr int frameHeight = 40;
+    const int lowest = room.bottom() - dialog.sizeHint().height() - frameHeight;
+    const int top = qMax(room.top(), qMin(frame.top(), lowest));
     if (frame.left() - width >= room.left())
-        dialog.move(frame.left() - width, frame.top());
+        dialog.move(frame.left() - width, top);
     else if (frame.right() + width + gap <= room.right())
-        dialog.move(frame.right() + gap, frame.top());
+        dialog.move(frame.right() + gap, top);
 }
 
 } // namespace

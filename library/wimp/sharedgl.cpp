@@ -31,6 +31,12 @@ QOffscreenSurface& GetSurface()
     return *surface;
 }
 
+bool CanShow(const QSize& dots)
+{
+    const int most = GetMaxTextureSide();
+    return !dots.isEmpty() && dots.width() <= most && dots.height() <= most;
+}
+
 // Where the widget begins on the screen's dots. The window system gives it the dots from there on.
 QPointF GetFirstDot(const QWidget& widget)
 {
@@ -61,7 +67,7 @@ void ShowFrame(QWidget& widget, const QSize& size)
 bool IsGlShared()
 {
     static const bool isShared =
-        HasWorkingGl() && DoesProcessorDraw() && !qEnvironmentVariableIsSet("QT_WIDGETS_RHI");
+        HasWorkingGl() && DoesProcessorDraw() && qEnvironmentVariableIntValue("QT_WIDGETS_RHI") == 0;
     return isShared;
 }
 
@@ -73,7 +79,7 @@ bool MakeSharedGlCurrent()
 
 unsigned UseSharedFrameBuffer(const QSize& dots)
 {
-    return dots.isEmpty() ? 0 : GetBuffers().Use(dots.width(), dots.height());
+    return CanShow(dots) ? GetBuffers().Use(dots.width(), dots.height()) : 0;
 }
 
 void PaintShared(TWindowPeer& peer)
@@ -81,8 +87,10 @@ void PaintShared(TWindowPeer& peer)
     QWidget& widget = *peer.GetWidget();
     const QPointer<QWidget> self(&widget);
     const QSize size = widget.size() * widget.devicePixelRatio();
-    if (size.isEmpty() || !MakeSharedGlCurrent())
+    if (!CanShow(size) || !MakeSharedGlCurrent()) {
+        QPainter(&widget).fillRect(widget.rect(), Qt::black);
         return;
+    }
     {
         const TGlStateScope scope;
         peer.Paint();

@@ -63,6 +63,8 @@ void FitIntoScreens(QWidget& window)
     for (const QScreen* screen : QGuiApplication::screens())
         if (screen->geometry().intersects(place))
             room |= screen->availableGeometry();
+    if (room.isEmpty())
+        return;
     // The frame is not there yet.
     room.setTop(room.top() + window.style()->pixelMetric(QStyle::PM_TitleBarHeight));
     if (room.width() < place.width()) {

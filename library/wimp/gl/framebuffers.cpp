@@ -8,7 +8,7 @@
 #include <cstddef>
 
 // As many sizes as windows have at a time, mostly.
-static constexpr int MaxBuffers = 4;
+static constexpr int MaxBuffers = 6;
 
 unsigned TFrameBuffers::Use(int width, int height)
 {
@@ -92,9 +92,11 @@ void TFrameBuffers::Read(int width, int height, uint8_t* pixels)
 TGlStateScope::TGlStateScope()
 {
     glPushAttrib(GL_ALL_ATTRIB_BITS);
+    glPushClientAttrib(GL_CLIENT_ALL_ATTRIB_BITS);
 }
 
 TGlStateScope::~TGlStateScope()
 {
+    glPopClientAttrib();
     glPopAttrib();
 }

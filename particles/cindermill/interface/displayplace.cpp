@@ -157,9 +157,10 @@ bool LeavesGraphInSight(const TWindowArea& display, const TWindowArea& graph)
 
 int GetClearWidth(const TWindowArea& display, const TWindowArea& area)
 {
-    const bool isInFront =
-        DoAreasOverlap(display, area) && display.Left > area.Left && display.Right >= area.Right;
-    return (isInFront ? display.Left : area.Right) - area.Left;
+    const bool isAtRight = DoAreasOverlap(display, area) && display.Right >= area.Right;
+    // Beside a wide one there is less room than above or below it.
+    const bool isUseful = 2 * (display.Left - area.Left) >= GetWidth(area);
+    return (isAtRight && isUseful ? display.Left : area.Right) - area.Left;
 }
 
 TWindowArea FindDisplayPlace(const TWindowArea& meant, const TWindowArea& graph, const TWindowArea& room,
@@ -178,8 +179,10 @@ TWindowArea FindDisplayPlace(const TWindowArea& meant, const TWindowArea& graph,
     const int aside = isUpon ? Step : 0;
     while (HasSameCorner(place, others)) {
         MoveBy(place, aside, Step);
-        if (place.Top + LeastHeight + FrameHeight > room.Bottom)
-            return first;
+        if (place.Top + LeastHeight + FrameHeight <= room.Bottom)
+            continue;
+        place = first;
+        break;
     }
     EndWithin(place, room);
     return place;

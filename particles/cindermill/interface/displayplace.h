@@ -13,5 +13,6 @@ TWindowArea FindDisplayPlace(const TWindowArea& meant, const TWindowArea& graph,
 bool DoAreasOverlap(const TWindowArea& a, const TWindowArea& b);
 // Whether most of the graph can be seen beside a display in front of it.
 bool LeavesGraphInSight(const TWindowArea& display, const TWindowArea& graph);
-// What of the area, from its left edge on, a display in front of its right edge leaves in sight.
+// What of the area, from its left edge on, a display in front of its right edge leaves in sight: at least
+// half, or all is told.
 int GetClearWidth(const TWindowArea& display, const TWindowArea& area);

@@ -697,6 +697,7 @@ void TGraphWindow::Reveal(const TNodeObj& node, int coveredFrom, int coveredTo)
     int width = 0;
     int height = 0;
     GetSize(width, height);
+    width = DocWindow->GetWindows().GetClearWidth(*this);
     TVector2 min;
     TVector2 max;
     node.GetRectangle(min, max);

@@ -3,6 +3,7 @@
 #include "library/system/clock.h"
 #include "library/wimp/gdi/rgbpicture.h"
 #include "library/wimp/gl/device/sceneview.h"
+#include "library/wimp/gl/framebuffers.h"
 #include "library/wimp/gl/framepixels.h"
 #include "library/wimp/gl/glcontext.h"
 #include "particles/cindermill/interface/particles/previewcommands.h"
@@ -51,7 +52,8 @@ void TParticleRenderWindow::Tick()
     const uint32_t elapsed = now - LastUpdate;
     LastUpdate = now;
     UpdateCamera(static_cast<float>((elapsed < MaxCameraStep ? elapsed : MaxCameraStep) / 1000.0));
-    DisplaysChanged = Scene.Tick(*Doc);
+    // What changed while nothing is drawn is still to be seen afterwards.
+    DisplaysChanged = Scene.Tick(*Doc) || DisplaysChanged;
 }
 
 // A long way to another time is shown in steps.
@@ -224,6 +226,7 @@ void TParticleRenderWindow::OnMouseMove(const TMessage& message)
 void TParticleRenderWindow::Paint()
 {
     NeedsRedraw = false;
+    DisplaysChanged = false;
     LastPaint = GetTickCount();
     // What drawing itself changes, by a fault, is for the next picture.
     Painted = GetPicture();
@@ -254,9 +257,12 @@ bool TParticleRenderWindow::ReadPicture(TRgbPicture& picture)
     int height = 0;
     GetDotSize(width, height);
     ASSERT(picture.GetWidth() == width && picture.GetHeight() == height);
-    Paint();
-    if (!MakeCurrent() || !IsGlReady())
+    if (!MakeCurrent() || !InitGl())
         return false;
+    {
+        const TGlStateScope scope;
+        Paint();
+    }
     ReadFramePixels(GetFrameBuffer(), width, height, picture.GetPixels());
     return true;
 }

@@ -394,12 +394,14 @@ void TParticleWindow::ChooseBackground(TBackground background)
         SetBackground(background, GetLook().Colour);
 }
 
-// Each colour that is tried is seen behind the effect, which runs on.
+// Each colour that is tried is seen behind the effect, which runs on. It begins with the one that was chosen
+// before, or else with what is seen.
 void TParticleWindow::ChooseOwnColour()
 {
     const TPreviewLook before = GetLook();
-    const bool isColour = before.Background != BG_CHECKER && before.Background != BG_PICTURE;
-    TGDIColour colour = isColour ? TBackdrop::GetColour(before) : before.Colour;
+    const bool isOwn = before.Colour != TPreviewLook().Colour || before.Background == BG_CHECKER ||
+                       before.Background == BG_PICTURE;
+    TGDIColour colour = isOwn ? before.Colour : TBackdrop::GetColour(before);
     const auto tried = [](TGDIColour shown, void* window) {
         static_cast<TParticleWindow*>(window)->SetBackground(BG_COLOUR, shown);
     };

@@ -405,7 +405,15 @@ TEST_F(TRendererTest, StateLeftBehindByOthersDoesNotShow)
     glScalef(5, 5, 5);
     glActiveTexture(GL_TEXTURE2);
     GetTintProgram().Bind();
-    EXPECT_EQ(Paint(Root).Count(IsRed), 400);
+    glBlendEquation(GL_MIN);
+    // Something new, as what is seen already is not painted once more.
+    const TPicture next = PaintWith([](TRenderer& renderer) {
+        FillRed(renderer, 30, 0, 50, 20);
+        renderer.SetColour(TVector4(0, 0, 0, 0.5f));
+        renderer.DrawRectangle(TVector2(30, 0), TVector2(50, 10));
+    });
+    EXPECT_EQ(next.Count(IsRed), 200);
+    EXPECT_TRUE(IsClose(next.At(40, 5), TPixel{128, 0, 0, 255})) << next.At(40, 5);
 }
 
 TEST_F(TRendererTest, DrawLineIsAQuadOfTheWidthHalfEitherSide)

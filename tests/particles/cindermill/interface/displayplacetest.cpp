@@ -87,6 +87,18 @@ TEST(DisplayPlace, TheTransportAtADisplaysBottomIsInSight)
     }
 }
 
+// Where the next one would stand is too low already.
+TEST(DisplayPlace, BesideAGraphThatBeginsFarDownTheTransportIsInSightToo)
+{
+    const TWindowArea graph = Area(335, 350, 1050, 200);
+    const TWindowArea room = Area(0, 0, 1920, 640);
+    vector<TWindowArea> others;
+    others.push_back(Area(1433, 300, 487, 300));
+    const TWindowArea place = FindDisplayPlace(Meant, graph, room, others);
+    EXPECT_FALSE(DoAreasOverlap(place, graph)) << Told(place);
+    EXPECT_LE(place.Bottom, room.Bottom - 30) << Told(place);
+}
+
 TEST(DisplayPlace, OnASmallScreenItIsASmallOneUponTheGraphsRightEdge)
 {
     struct TCase
@@ -184,4 +196,7 @@ TEST(DisplayPlace, WhatItHidesOfAViewIsWhatItStandsUponFromTheRight)
     // In the midst of it, and all over it.
     EXPECT_EQ(GetClearWidth(Area(300, 100, 300, 300), view), 700);
     EXPECT_EQ(GetClearWidth(Area(-10, -10, 900, 900), view), 700);
+    // Low and wide: what it leaves beside it is no room.
+    EXPECT_EQ(GetClearWidth(Area(350, 400, 350, 100), view), 350);
+    EXPECT_EQ(GetClearWidth(Area(340, 400, 360, 100), view), 700);
 }

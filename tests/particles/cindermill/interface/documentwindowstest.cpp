@@ -365,6 +365,15 @@ TEST_F(DocumentWindows, TheGraphOfANewDocumentHasTheKeysAlsoWhereItsDisplayStand
     ASSERT_TRUE(search.IsOpen());
     EXPECT_EQ(search.GetLeft() + search.GetWidth(), left);
     view.GetActions().CloseSearch();
+    // What is moved by keys does not hide below it either.
+    TToolNode* node = AddNode(*document, "Gravity", left + 5, 100);
+    document->SelectNode(node, true);
+    Key(view, Qt::Key_Right);
+    for (int i = 0; i < 20 && view.IsFocusing(); ++i)
+        view.OnIdle();
+    EXPECT_LT(MiddleOf(*document, node).x(), left);
+    while (document->CanUndo())
+        document->Undo();
     // Whichever has the keys.
     const QWindow* window = display.GetHandle()->window()->windowHandle();
     EXPECT_EQ(window->transientParent(), Frame.GetHandle()->window()->windowHandle());
