@@ -51,6 +51,23 @@ const TEffectNode* FindUntriggered(const TEffectSchedule& schedule)
     return nullptr;
 }
 
+// A node that lacks a wire that it must have, by the input's name: its group is left out, and others may be
+// kept from running by that.
+const TEffectNode* FindUnfinished(const TEffectSchedule& schedule, TString& input)
+{
+    for (int n = 0; n < schedule.GetNumNodes(); ++n) {
+        const TEffectNode* node = schedule.GetNode(n);
+        const TNodeType& type = *node->GetNodeType();
+        for (int i = 0; i < type.GetNumInputs(); ++i) {
+            if (!type.IsInputRequired(i) || node->GetInput(i) != nullptr)
+                continue;
+            input = type.GetInput(i)->Name;
+            return node;
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 void TPreviewDiagnosis::Tick(TDocument& document, int onlyGroup)
@@ -144,9 +161,13 @@ void TPreviewDiagnosis::TellNothingAlive(TDocument& document)
         return;
     }
     const TEffectSchedule& schedule = document.GetEngine().GetSchedule();
+    TString input;
     if (const TEffectNode* untriggered = FindUntriggered(schedule))
         Text.Format("Nothing has been emitted.\nWire an Emitter to the Emission Trigger of \"%s\".",
                     untriggered->GetNodeType()->Name.Print());
+    else if (const TEffectNode* unfinished = FindUnfinished(schedule, input))
+        Text.Format("Nothing has been emitted.\nWire the %s of \"%s\", or delete that node.", input.Print(),
+                    unfinished->GetNodeType()->Name.Print());
     else if (const TEffectNode* trigger = FindTrigger(schedule))
         Text.Format("Nothing has been emitted yet.\nLook at the rate and the delay of \"%s\".",
                     trigger->GetNodeType()->Name.Print());

@@ -154,6 +154,28 @@ TEST_F(PreviewDiagnosis, WhatEmitsWithoutATriggerIsNamedThoughAnEmitterIsThere)
     EXPECT_TRUE(Tells("Emission Trigger of \"Point Emitter\"")) << Told();
 }
 
+// A second group that is not finished may keep the first one from running.
+TEST_F(PreviewDiagnosis, AStageThatLacksAWireIsNamedWhereNothingIsEmitted)
+{
+    const int numNodes = Sample->GetGraph()->GetNumNodes();
+    Sample->ClearSelection();
+    for (int i = 0; i < numNodes; ++i)
+        Sample->SelectNode(static_cast<TToolNode*>(Sample->GetGraph()->GetNode(i)), false);
+    Sample->CopySelection();
+    Sample->Paste();
+    ASSERT_EQ(Sample->GetGraph()->GetNumNodes(), 2 * numNodes);
+    Sample->ClearSelection();
+    for (int i = numNodes; i < 2 * numNodes; ++i) {
+        TEffectNode* node = Sample->GetGraph()->GetNode(i);
+        if (node->GetNodeType()->Name.Compare("Integrate") == 0)
+            Sample->SelectNode(static_cast<TToolNode*>(node), false);
+    }
+    Sample->ApplyOperation(new TDeleteGraphNodeOp(Sample->GetSelection()));
+    ASSERT_EQ(Sample->GetGraph()->GetNumNodes(), 2 * numNodes - 1);
+    Sample.Run(2);
+    EXPECT_TRUE(Tells("Wire the Transform of \"Sprite Render Stage\"")) << Told();
+}
+
 TEST_F(PreviewDiagnosis, AnEffectWhoseParticlesHaveDiedSaysSo)
 {
     Sample.Run(1);
