@@ -413,10 +413,10 @@ TEST_F(ProgramHand, AnEffectIsBegunAndItsPaletteFilteredByKeys)
     Screen.Click(palette.X + 60, palette.Y + palette.Height - 12);
     Screen.Type("velcone");
     ASSERT_TRUE(IsChanged(rows, all, 2000));
-    Screen.MoveTo(palette.X + 100, found);
     // Its help comes up beside the pointer at rest.
     const TRectangle beside{palette.X + palette.Width + 10, found - 20, 200, 120};
     const TPicture before = Screen.Grab(beside);
+    Screen.MoveTo(palette.X + 100, found);
     EXPECT_TRUE(IsChanged(beside, before, 1000));
     Screen.Save(program.GetMainRectangle(), Screenshot("hand-palette-help"));
     {
