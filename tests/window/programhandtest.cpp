@@ -26,6 +26,7 @@ constexpr int NumGroups = 5;
 class ProgramHand : public ProgramGraph
 {
 protected:
+    using ProgramGraph::ProgramGraph;
     using TCondition = std::function<bool(TDocument&)>;
 
     // Saves, and waits until the file is as it should be.
@@ -122,6 +123,13 @@ protected:
     }
 };
 
+// On a desktop that leaves Alt and a drag to its programs.
+class ProgramHandWithAlt : public ProgramHand
+{
+protected:
+    ProgramHandWithAlt() : ProgramHand(AM_PROGRAMS) {}
+};
+
 } // namespace
 
 TEST_F(ProgramHand, TheSelectionIsReachedBypassedMovedAndArrangedByKeys)
@@ -192,9 +200,8 @@ TEST_F(ProgramHand, TheSelectionIsReachedBypassedMovedAndArrangedByKeys)
     Exit(program);
 }
 
-TEST_F(ProgramHand, AWireIsReplacedOrRefusedAndADraggedNodeLeavesItsWiresOrSnaps)
+TEST_F(ProgramHandWithAlt, AWireIsReplacedOrRefusedAndADraggedNodeLeavesItsWiresOrSnaps)
 {
-    Screen.LeaveAltToPrograms();
     TProgram program(Screen);
     TWorkshop workshop(Screen, program);
     StartWithNewDocument(program, workshop);
