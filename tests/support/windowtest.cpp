@@ -82,6 +82,12 @@ void LeaveLoops()
 
 std::string TWindowTest::BeforeStart;
 
+const std::string& TWindowTest::GetSettingsFolder()
+{
+    static const TTempFolder Folder;
+    return Folder.GetFolder();
+}
+
 TWindowTest::~TWindowTest()
 {
     EXPECT_TRUE(Awaited.empty()) << "something that was awaited never came";
@@ -94,11 +100,15 @@ void TWindowTest::SetUpTestSuite()
     static int count = 1;
     static char program[] = "test";
     static char* arguments[] = {program, nullptr};
+    // Asked for first, so that it is there as long as what may still write into it at the end.
+    const std::string& settings = GetSettingsFolder();
     if (!TWimp::Get().IsInited()) {
         BeforeStart = AssertionOf([] { TWimp::Get().GetInstance(); });
         // By another name than the plain one, so that it can be told whether the window system has taken it
         // over.
         setenv("LC_ALL", "C.UTF-8", 1);
+        // The window system keeps what its dialogs remember where whoever runs the tests has it too.
+        setenv("XDG_CONFIG_HOME", settings.c_str(), 1);
     }
     ASSERT_TRUE(TWimp::Get().Init(count, arguments));
 }

@@ -27,6 +27,8 @@ protected:
     void MeetMenu(const std::function<void(QMenu&)>& work);
     // The assertion of asking for the instance before the start.
     static std::string BeforeStart;
+    // Where settings are kept, of this program alone.
+    static const std::string& GetSettingsFolder();
 
 private:
     // The conditions that have not come to hold.

@@ -18,6 +18,13 @@ const char* const AnimationTitle = "^Select animation to load$";
 class ProgramPanels : public Program
 {
 protected:
+    // Put together by OpenGL, as it is for everybody with a graphics card; most other tests have it without.
+    static TProgramOptions GetOptions()
+    {
+        TProgramOptions options;
+        options.Environment = {"QT_WIDGETS_RHI=1"};
+        return options;
+    }
     static int CountSteps(TDocument& document) { return document.GetOperationStack()->GetNumOperations(); }
     // The steps of the history of a file, all done.
     static int CountSteps(TWorkshop& workshop, const std::string& path)
@@ -64,7 +71,7 @@ protected:
 
 TEST_F(ProgramPanels, TheValuesOfAnEffectAreEditedByHand)
 {
-    TProgram program(Screen);
+    TProgram program(Screen, GetOptions());
     TWorkshop workshop(Screen, program);
     StartWithNewDocument(program, workshop);
     if (HasFatalFailure())
@@ -144,7 +151,7 @@ TEST_F(ProgramPanels, TheValuesOfAnEffectAreEditedByHand)
 
 TEST_F(ProgramPanels, EveryKindOfParameterIsEditedByHand)
 {
-    TProgram program(Screen);
+    TProgram program(Screen, GetOptions());
     TWorkshop workshop(Screen, program);
     StartWithNewDocument(program, workshop);
     if (HasFatalFailure())
@@ -275,7 +282,7 @@ TEST_F(ProgramPanels, EveryKindOfParameterIsEditedByHand)
 
 TEST_F(ProgramPanels, EveryButtonOfARampIsPressed)
 {
-    TProgram program(Screen);
+    TProgram program(Screen, GetOptions());
     TWorkshop workshop(Screen, program);
     StartWithNewDocument(program, workshop);
     if (HasFatalFailure())
@@ -365,7 +372,7 @@ TEST_F(ProgramPanels, EveryButtonOfARampIsPressed)
 
 TEST_F(ProgramPanels, EveryButtonOfAPickerIsPressedInBothModes)
 {
-    TProgram program(Screen);
+    TProgram program(Screen, GetOptions());
     TWorkshop workshop(Screen, program);
     StartWithNewDocument(program, workshop);
     if (HasFatalFailure())

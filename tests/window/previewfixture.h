@@ -96,7 +96,16 @@ protected:
         }
         return Screen.ReadClipboard();
     }
-    double ReadTime() { return std::strtod(CopyTime().c_str(), nullptr); }
+    // A clipboard that nobody answers for is not the time 0.
+    double ReadTime()
+    {
+        std::string time;
+        EXPECT_TRUE(WaitUntil([&] {
+            time = CopyTime();
+            return !time.empty();
+        }));
+        return std::strtod(time.c_str(), nullptr);
+    }
     void TypeTime(const std::string& text, const std::string& end = "Return")
     {
         const THandFlow flow(Screen);

@@ -8,6 +8,8 @@
 class ProgramGraph : public Program
 {
 protected:
+    using Program::Program;
+
     // The keys of a search at a place of the graph.
     void SearchAt(const TWorkshop& workshop, int x, int y, const char* opener, const char* text)
     {

@@ -144,16 +144,6 @@ TScreen::~TScreen()
     End(Server);
 }
 
-void TScreen::LeaveAltToPrograms()
-{
-    End(Manager);
-    RunCommand({"xprop", "-root", "-remove", "_NET_CURRENT_DESKTOP"}, {"DISPLAY=" + Display});
-    Manager =
-        StartCommand({"openbox", "--sm-disable", "--config-file", SourcePath("tests/window/openbox.xml")},
-                     {"DISPLAY=" + Display}, "/dev/null");
-    EXPECT_TRUE(WaitUntil([this] { return Do({"get_desktop"}).Status == 0; }));
-}
-
 void TScreen::Kill()
 {
     kill(Server, SIGKILL);
@@ -164,14 +154,8 @@ void TScreen::Kill()
 void TScreen::StartManager(TAltMouse altMouse)
 {
     std::vector<std::string> command = {"openbox", "--sm-disable"};
-    if (altMouse == AM_PROGRAMS) {
-        const std::string alt = "button=\"A-";
-        std::string settings = ReadBytes("/etc/xdg/openbox/rc.xml");
-        for (size_t at = settings.find(alt); at != std::string::npos; at = settings.find(alt, at + 1))
-            settings.replace(at, alt.size(), "button=\"W-A-");
-        WriteBytes(Settings.Path("rc.xml"), settings);
-        command.insert(command.end(), {"--config-file", Settings.Path("rc.xml")});
-    }
+    if (altMouse == AM_PROGRAMS)
+        command.insert(command.end(), {"--config-file", SourcePath("tests/window/openbox.xml")});
     Manager = StartCommand(command, {"DISPLAY=" + Display}, "/dev/null");
 }
 

@@ -33,8 +33,6 @@ public:
     TScreen(const TScreen&) = delete;
     TScreen& operator=(const TScreen&) = delete;
 
-    // Another window manager, which takes no drags with Alt for itself. Before a program is started.
-    void LeaveAltToPrograms();
     // The display goes, with all that is on it. Nothing else may be asked of it afterwards.
     void Kill();
     bool IsRunning() const { return Connection.IsOpen(); }
@@ -105,7 +103,6 @@ private:
     std::vector<std::string> Gathered;
     pid_t Server = -1;
     pid_t Manager = -1;
-    TTempFolder Settings;
 };
 
 // As long as one lives, what a hand does is only gathered; at its end all is done in one go, as by a hand

@@ -507,8 +507,12 @@ TEST_F(TFileChooserTest, OpeningGivesTheFileChosen)
 
 TEST_F(TFileChooserTest, SizeKindAndDateOfAFileAreSeenWhole)
 {
-    // The window system remembers widths from one run to the next.
-    QSettings(QSettings::UserScope, QStringLiteral("QtProject")).remove(QStringLiteral("FileDialog"));
+    // The window system remembers widths from one dialog to the next.
+    QSettings remembered(QSettings::UserScope, QStringLiteral("QtProject"));
+    ASSERT_TRUE(remembered.fileName().startsWith(QString::fromStdString(GetSettingsFolder())))
+        << remembered.fileName().toStdString();
+    remembered.remove(QStringLiteral("FileDialog"));
+    remembered.sync();
     Filters.clear();
     Filters.push_back(TFileFilter{"*.dds", "*.dds"});
     WriteBytes(Folder.Path("wide.dds"), std::string(888 * 1024 + 900, 'x'));
