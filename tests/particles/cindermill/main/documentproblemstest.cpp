@@ -4,6 +4,8 @@
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/documentstep.h"
 #include "particles/cindermill/main/nothingtodo.h"
@@ -118,6 +120,29 @@ TEST_F(DocumentProblems, AreLookedAtOnceAtTheEndOfAStep)
     }
     EXPECT_EQ(Host.NumChanges, 2);
     EXPECT_TRUE(Document.GetProblems().empty());
+}
+
+// A held arrow key would make a schedule for each of its steps.
+TEST_F(DocumentProblems, AreNotLookedAtForAMove)
+{
+    TToolNode* emitter = Add("Emitter");
+    TToolNode* points = Add("Point Emitter");
+    Add("Quad Render Stage");
+    Document.RebuildSchedule(false);
+    ASSERT_NE(TextAt(points), "");
+    // Behind the document's back, so that a look would find it mended.
+    TToolEdge* edge = new TToolEdge;
+    edge->Connect(emitter, emitter->GetNodeType()->FindOutput("Count"), points,
+                  points->GetNodeType()->FindInput("Emission Trigger"));
+    Document.GetChunks().AddChunk(edge);
+    Document.GetGraph()->AddEdge(edge);
+    edge->AttachEnds();
+    vector<TToolNode*> nodes;
+    nodes.push_back(points);
+    Document.ApplyOperation(new TMoveGraphNodeOp(nodes, 10, 0));
+    EXPECT_NE(TextAt(points), "");
+    Add("Gravity");
+    EXPECT_EQ(TextAt(points), "");
 }
 
 // Both stages give the same message.
