@@ -157,6 +157,22 @@ TEST_F(DocumentProblems, AnEntryNamesTheNodeItLeadsTo)
     EXPECT_EQ(TextAt(stage), "Sprite Render Stage: No texture specified in Quad Render Stage");
 }
 
+TEST_F(DocumentProblems, NamesOfAnyLengthAreTold)
+{
+    Add("Emitter");
+    TToolNode* points = Add("Point Emitter");
+    Add("Quad Render Stage");
+    TNodeType& type = *points->GetNodeType();
+    const std::string name = "first" + std::string(4085, 'n') + "last";
+    type.Name = name.c_str();
+    type.GetInput(type.FindInput("Emission Trigger"))->Name = name.c_str();
+    Document.RebuildSchedule(false);
+    const std::string text = TextAt(points);
+    EXPECT_LT(text.size(), 300u);
+    EXPECT_EQ(text.substr(0, 6), "firstn");
+    EXPECT_NE(text.find("nlast: nothing is wired to \"firstn"), std::string::npos) << text;
+}
+
 TEST_F(DocumentProblems, TheTextsOfTheErrorsStayAsTheyAre)
 {
     Document.RebuildSchedule(false);
