@@ -15,13 +15,16 @@ TString GetProblemName(const TString& name)
     return ShortenName(OneLineText(name.Print()).Print(), MostBytes);
 }
 
-// Several types share a message, which an artist's own name for a node is not in either.
+// Several types share a message, which an artist's own name for a node is not in either. Without quotes its
+// words may be of the message itself.
 void NameNode(TProblem& problem)
 {
     if (problem.Node == nullptr)
         return;
     const TString name = GetProblemName(problem.Node->GetNodeType()->Name);
-    if (problem.Text.FindString(name.Print()) >= 0)
+    TString quoted;
+    quoted.Format("\"%s\"", name.Print());
+    if (problem.Text.FindString(quoted.Print(), true) >= 0)
         return;
     TString text;
     text.Format("%s: %s", name.Print(), problem.Text.Print());

@@ -157,6 +157,18 @@ TEST_F(DocumentProblems, AnEntryNamesTheNodeItLeadsTo)
     EXPECT_EQ(TextAt(stage), "Sprite Render Stage: No texture specified in Quad Render Stage");
 }
 
+TEST_F(DocumentProblems, AnEntryNamesANodeWhoseNameIsAWordOfTheMessage)
+{
+    TToolNode* emitter = Add("Emitter");
+    TToolNode* points = Add("Point Emitter");
+    TToolNode* stage = Add("Sprite Render Stage");
+    stage->GetNodeType()->Name = "Quad";
+    Connect(points, "Start Transform", stage, "Transform");
+    Connect(emitter, "Count", points, "Emission Trigger");
+    Document.RebuildSchedule(false);
+    EXPECT_EQ(TextAt(stage), "Quad: No texture specified in Quad Render Stage");
+}
+
 TEST_F(DocumentProblems, NamesOfAnyLengthAreTold)
 {
     Add("Emitter");
