@@ -106,7 +106,7 @@ bool TDocGraphHeader::OnMessage(const TMessage& message)
     case MT_KEYDOWN:
         return OnKey(message);
     case MT_CHAR:
-        if (message.Character == ' ')
+        if (message.Character == ' ' && !message.IsRepeat)
             PressTab(Marked);
         return message.Character == ' ';
     case MT_FOCUSGAINED:

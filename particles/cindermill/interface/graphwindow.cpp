@@ -156,7 +156,7 @@ void TGraphWindow::AddShortcuts()
     static constexpr int Edits[] = {'Z' | SM_CTRL, 'Y' | SM_CTRL, 'C' | SM_CTRL, 'V' | SM_CTRL,
                                     'X' | SM_CTRL, 'A' | SM_CTRL, 'F' | SM_CTRL, 'F' | SM_CTRL | SM_SHIFT};
     for (const int code : Files)
-        Shortcuts.Add(
+        Shortcuts.AddOnce(
             code, [](int key, void* view) { return static_cast<TGraphWindow*>(view)->OnFileShortcut(key); });
     for (const int code : Edits)
         Shortcuts.Add(
@@ -341,7 +341,8 @@ bool TGraphWindow::OnMessage(const TMessage& message)
         Minimap.Place();
         return false;
     case MT_CHAR:
-        return Actions.OnCharacter(message.Character);
+        // One that is held still has done its work, here or where the focus was.
+        return !message.IsRepeat && Actions.OnCharacter(message.Character);
     case MT_WHEEL:
         OnWheel(message);
         return true;

@@ -147,11 +147,11 @@ bool TMainWindow::IsUseful(int id) const
 // They work with no document open; the graph views have their own.
 void TMainWindow::AddShortcuts()
 {
-    Shortcuts.Add('O' | SM_CTRL, [](int, void* context) {
+    Shortcuts.AddOnce('O' | SM_CTRL, [](int, void* context) {
         static_cast<TMainWindow*>(context)->App.OpenDocumentDialog();
         return true;
     });
-    Shortcuts.Add('N' | SM_CTRL, [](int, void* context) {
+    Shortcuts.AddOnce('N' | SM_CTRL, [](int, void* context) {
         static_cast<TMainWindow*>(context)->App.NewDocument();
         return true;
     });

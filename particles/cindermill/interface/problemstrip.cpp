@@ -161,7 +161,8 @@ bool TProblemStrip::OnMessage(const TMessage& message)
     case MT_CHAR:
         if (message.Character != ' ')
             return false;
-        PressEntry(Marked);
+        if (!message.IsRepeat)
+            PressEntry(Marked);
         return true;
     case MT_FOCUSGAINED:
     case MT_FOCUSLOST:

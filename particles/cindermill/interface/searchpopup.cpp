@@ -155,6 +155,11 @@ bool TSearchPopup::OnMessage(const TMessage& message)
         if (OnKey(message.Key))
             return true;
         break;
+    case MT_CHAR:
+        // The Space that opened it may be held still.
+        if (message.IsRepeat && message.Character == ' ' && Field.GetText().IsEmpty())
+            return true;
+        break;
     case MT_MOUSEMOVE:
         if (const int row = FindRow(message.GetPixelX(), message.GetPixelY()); row != -1 && row != Marked)
             Mark(row, MC_PASSING);

@@ -341,10 +341,13 @@ void TDocument::BeginEdit()
 void TDocument::ApplyOperation(TOperation* op)
 {
     const TStepScope step(StepDepth);
+    // The stack may delete it.
+    const bool changesEffect = op->ChangesEffect();
     BeginEdit();
     OperationStack->Apply(*this, op);
     SetModified(true);
-    ReviewProblems();
+    if (changesEffect)
+        ReviewProblems();
 }
 
 void TDocument::Undo()

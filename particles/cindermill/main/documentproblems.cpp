@@ -1,19 +1,30 @@
 #include "particles/cindermill/main/documentproblems.h"
 
 #include "library/containers/append.h"
+#include "library/containers/shortentext.h"
 #include "particles/effectgraph/effectgraph.h"
 #include "particles/effectgraph/runcollecting.h"
 #include "particles/effectgraph/schedule/effectschedule.h"
 
 namespace {
 
-// Several types share a message, which an artist's own name for a node is not in either.
+// Names may be longer than a line, and than what can be formatted.
+TString GetProblemName(const TString& name)
+{
+    constexpr int MostBytes = 100;
+    return ShortenName(OneLineText(name.Print()).Print(), MostBytes);
+}
+
+// Several types share a message, which an artist's own name for a node is not in either. Without quotes its
+// words may be of the message itself.
 void NameNode(TProblem& problem)
 {
     if (problem.Node == nullptr)
         return;
-    const TString& name = problem.Node->GetNodeType()->Name;
-    if (problem.Text.FindString(name.Print()) >= 0)
+    const TString name = GetProblemName(problem.Node->GetNodeType()->Name);
+    TString quoted;
+    quoted.Format("\"%s\"", name.Print());
+    if (problem.Text.FindString(quoted.Print(), true) >= 0)
         return;
     TString text;
     text.Format("%s: %s", name.Print(), problem.Text.Print());
@@ -54,8 +65,8 @@ void TDocumentProblems::AddUnwired(const TEffectGraph& graph)
             if (!type.IsInputRequired(input) || node.GetInput(input) != nullptr)
                 continue;
             TProblem problem;
-            problem.Text.Format("%s: nothing is wired to \"%s\"", type.Name.Print(),
-                                type.GetInput(input)->Name.Print());
+            problem.Text.Format("%s: nothing is wired to \"%s\"", GetProblemName(type.Name).Print(),
+                                GetProblemName(type.GetInput(input)->Name).Print());
             problem.Node = &node;
             problem.OfGraph = true;
             Append(Problems, problem);

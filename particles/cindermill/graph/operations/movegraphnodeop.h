@@ -17,6 +17,7 @@ public:
     int GetSize() override { return 4 * Nodes.size() + 12; }
     void Do(TEditContext& doc) override;
     void Undo(TEditContext& doc) override;
+    bool ChangesEffect() const override { return false; }
     // A move by a key is one of many, which may be one step together. Not in the file.
     void MarkByKey() { ByKey = true; }
     bool IsByKey() const { return ByKey; }

@@ -52,6 +52,8 @@ public:
         (void)previous;
         return false;
     }
+    // False for what an artist sees and the effect does not know of: its problems stay as they are.
+    virtual bool ChangesEffect() const { return true; }
     // Whether what the operation read from a file makes sense by itself.
     virtual bool Check() const { return true; }
     // Whether the operation can be done (or undone) on the graph as it stands. Always so for what was applied

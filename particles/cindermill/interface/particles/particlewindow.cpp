@@ -156,7 +156,10 @@ bool TParticleWindow::OnPreviewKey(const TMessage& message)
     }
     const int command = message.Type == MT_CHAR ? FindPreviewCharacter(message.Character)
                                                 : FindPreviewKey(message.Key, message.KeyFlags);
-    return command != 0 && OnPreviewCommand(command);
+    if (command == 0)
+        return false;
+    const bool goesOn = command == PC_STEP || command == PC_FASTER || command == PC_SLOWER;
+    return (message.IsRepeat && !goesOn) || OnPreviewCommand(command);
 }
 
 void TParticleWindow::TrackAt(TMenu& menu, TWindow& window, int x, int y)

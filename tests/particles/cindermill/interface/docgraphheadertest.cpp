@@ -185,3 +185,21 @@ TEST_F(DocGraphHeader, TabsFollowTheSchedule)
     document->RebuildSchedule(true);
     EXPECT_GT(header.GetTabLabels().size(), 1);
 }
+
+TEST_F(DocGraphHeader, AHeldSpacePressesTheMarkedTabOnce)
+{
+    TDocument* document = LoadDocument(SourcePath("samples/fountain.effect"));
+    ASSERT_NE(document, nullptr);
+    TDocGraphHeader& header = ViewOf(*document).GetHeader();
+    TGraphWindow& graph = GraphOf(*document);
+    Frame.BringToTop();
+    header.TakeFocus();
+    ASSERT_TRUE(WaitFor([&] { return header.HasFocus(); }));
+    Key(header, Qt::Key_Right);
+    Space(false);
+    ExpectShown(*document, graph, 1);
+    SetView(graph, 5000, 5000, 1);
+    const TGraphView moved = graph.GetView();
+    Space(true);
+    EXPECT_EQ(graph.GetView(), moved);
+}

@@ -152,6 +152,12 @@ void DocWindows::HoldKey(TWindow& window, int key, int times, Qt::KeyboardModifi
     QApplication::sendEvent(window.GetHandle(), &event);
 }
 
+void DocWindows::Space(bool isRepeat)
+{
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ", isRepeat);
+    QApplication::sendEvent(QApplication::focusWidget(), &event);
+}
+
 void DocWindows::Type(TWindow& window, int key, const QString& text, Qt::KeyboardModifiers keys)
 {
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {

@@ -70,6 +70,8 @@ protected:
     static void Key(TWindow& window, int key, Qt::KeyboardModifiers keys = Qt::NoModifier);
     // As a keyboard tells one that is held: down so many times, and up once.
     static void HoldKey(TWindow& window, int key, int times, Qt::KeyboardModifiers keys = Qt::NoModifier);
+    // One press of Space, or what a keyboard tells of a held one, to what has the focus.
+    static void Space(bool isRepeat);
     // With the text that the key gives.
     static void Type(TWindow& window, int key, const QString& text, Qt::KeyboardModifiers keys);
     // A point of one window in another's pixels.

@@ -110,6 +110,19 @@ TEST_F(GraphSearch, SpaceOpensItTooAndEscapeClosesItWithoutAChoice)
     EXPECT_EQ(Text(Search().GetText()), "");
 }
 
+TEST_F(GraphSearch, ASpaceThatIsHeldOpensItAndTypesNoBlanksBeforeAWord)
+{
+    Space(true);
+    EXPECT_FALSE(Search().IsOpen()) << "that Space was pressed elsewhere";
+    Space(false);
+    ASSERT_TRUE(Search().IsOpen());
+    Space(true);
+    EXPECT_EQ(Text(Search().GetText()), "");
+    TypeText("grav");
+    Space(true);
+    EXPECT_EQ(Text(Search().GetText()), "grav ");
+}
+
 TEST_F(GraphSearch, TheArrowKeysMarkAndBackspaceTakesBack)
 {
     HoverAt(QPoint(500, 300));

@@ -119,6 +119,12 @@ TEST_F(GraphWindow, ShortcutsOfFilesActOnThisDocument)
     EXPECT_EQ(App.Get().GetDocuments().size(), 4);
 }
 
+TEST_F(GraphWindow, AHeldKeyMakesOneDocument)
+{
+    HoldKey(Graph(), Qt::Key_N, 3, Qt::ControlModifier);
+    EXPECT_EQ(App.Get().GetDocuments().size(), 2);
+}
+
 TEST_F(GraphWindow, PrintableKeysLeaveTheGraphAlone)
 {
     struct TShortcut

@@ -264,6 +264,13 @@ TEST_F(MainWindow, ItsShortcutsWorkWithNoDocumentOpen)
     EXPECT_EQ(App.Get().GetDocuments().size(), 1);
     QTest::keyClick(&Frame(), Qt::Key_O, Qt::ControlModifier);
     EXPECT_EQ(Host.Taken()[0].substr(0, 21), "open Select load path");
+    // Once for as long as it is held.
+    for (const int key : {Qt::Key_N, Qt::Key_O}) {
+        QKeyEvent repeat(QEvent::KeyPress, key, Qt::ControlModifier, QString(), true);
+        QApplication::sendEvent(&Frame(), &repeat);
+    }
+    EXPECT_EQ(App.Get().GetDocuments().size(), 1);
+    EXPECT_TRUE(Host.Taken().empty());
 }
 
 TEST_F(MainWindow, ItsCloseBoxIsARequest)

@@ -422,6 +422,24 @@ TEST_F(ProblemStrip, IsReadAndPressedByKeys)
     EXPECT_TRUE(Graph().HasFocus());
 }
 
+TEST_F(ProblemStrip, AHeldSpaceLeadsToTheNodeAndDoesNothingThere)
+{
+    Document->RebuildSchedule(false);
+    const int entry = FindEntry(Stage);
+    ASSERT_NE(entry, -1);
+    Frame.BringToTop();
+    Strip().TakeFocus();
+    ASSERT_TRUE(WaitFor([&] { return Strip().HasFocus(); }));
+    Strip().Mark(entry);
+    Space(true);
+    EXPECT_FALSE(IsSelected(Stage));
+    Space(false);
+    EXPECT_TRUE(IsSelected(Stage));
+    ASSERT_TRUE(Graph().HasFocus());
+    Space(true);
+    EXPECT_FALSE(Graph().GetActions().GetSearch().IsOpen());
+}
+
 TEST_F(ProblemStrip, TheKeysStayInTheViewWhenTheProblemsAreMended)
 {
     Document->RebuildSchedule(false);

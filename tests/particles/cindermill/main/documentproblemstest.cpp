@@ -4,6 +4,8 @@
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
+#include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/documentstep.h"
 #include "particles/cindermill/main/nothingtodo.h"
@@ -120,6 +122,29 @@ TEST_F(DocumentProblems, AreLookedAtOnceAtTheEndOfAStep)
     EXPECT_TRUE(Document.GetProblems().empty());
 }
 
+// A held arrow key would make a schedule for each of its steps.
+TEST_F(DocumentProblems, AreNotLookedAtForAMove)
+{
+    TToolNode* emitter = Add("Emitter");
+    TToolNode* points = Add("Point Emitter");
+    Add("Quad Render Stage");
+    Document.RebuildSchedule(false);
+    ASSERT_NE(TextAt(points), "");
+    // Behind the document's back, so that a look would find it mended.
+    TToolEdge* edge = new TToolEdge;
+    edge->Connect(emitter, emitter->GetNodeType()->FindOutput("Count"), points,
+                  points->GetNodeType()->FindInput("Emission Trigger"));
+    Document.GetChunks().AddChunk(edge);
+    Document.GetGraph()->AddEdge(edge);
+    edge->AttachEnds();
+    vector<TToolNode*> nodes;
+    nodes.push_back(points);
+    Document.ApplyOperation(new TMoveGraphNodeOp(nodes, 10, 0));
+    EXPECT_NE(TextAt(points), "");
+    Add("Gravity");
+    EXPECT_EQ(TextAt(points), "");
+}
+
 // Both stages give the same message.
 TEST_F(DocumentProblems, AnEntryNamesTheNodeItLeadsTo)
 {
@@ -130,6 +155,34 @@ TEST_F(DocumentProblems, AnEntryNamesTheNodeItLeadsTo)
     Connect(emitter, "Count", points, "Emission Trigger");
     Document.RebuildSchedule(false);
     EXPECT_EQ(TextAt(stage), "Sprite Render Stage: No texture specified in Quad Render Stage");
+}
+
+TEST_F(DocumentProblems, AnEntryNamesANodeWhoseNameIsAWordOfTheMessage)
+{
+    TToolNode* emitter = Add("Emitter");
+    TToolNode* points = Add("Point Emitter");
+    TToolNode* stage = Add("Sprite Render Stage");
+    stage->GetNodeType()->Name = "Quad";
+    Connect(points, "Start Transform", stage, "Transform");
+    Connect(emitter, "Count", points, "Emission Trigger");
+    Document.RebuildSchedule(false);
+    EXPECT_EQ(TextAt(stage), "Quad: No texture specified in Quad Render Stage");
+}
+
+TEST_F(DocumentProblems, NamesOfAnyLengthAreTold)
+{
+    Add("Emitter");
+    TToolNode* points = Add("Point Emitter");
+    Add("Quad Render Stage");
+    TNodeType& type = *points->GetNodeType();
+    const std::string name = "first" + std::string(4085, 'n') + "last";
+    type.Name = name.c_str();
+    type.GetInput(type.FindInput("Emission Trigger"))->Name = name.c_str();
+    Document.RebuildSchedule(false);
+    const std::string text = TextAt(points);
+    EXPECT_LT(text.size(), 300u);
+    EXPECT_EQ(text.substr(0, 6), "firstn");
+    EXPECT_NE(text.find("nlast: nothing is wired to \"firstn"), std::string::npos) << text;
 }
 
 TEST_F(DocumentProblems, TheTextsOfTheErrorsStayAsTheyAre)

@@ -159,3 +159,39 @@ TEST_F(PreviewTransport, TheKeysOfThePreviewWorkWhereverTheFocusIsButInTheTime)
     QTest::keyClick(field, Qt::Key_R);
     EXPECT_GT(getEye().Pitch, 1.5f) << "a letter that is typed";
 }
+
+TEST_F(PreviewTransport, AHeldKeySwitchesOnceAndStepsOn)
+{
+    QWidget* view = Find("cindermill_particlewindow_render");
+    const auto hold = [view](int key, const char* text) {
+        for (const bool isRepeat : {false, true}) {
+            QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, text, isRepeat);
+            QApplication::sendEvent(view, &event);
+        }
+        QKeyEvent event(QEvent::KeyRelease, key, Qt::NoModifier, text);
+        QApplication::sendEvent(view, &event);
+    };
+    hold(Qt::Key_L, "l");
+    EXPECT_GT(GetClock().GetLoop(), 0);
+    hold(Qt::Key_S, "s");
+    EXPECT_TRUE(GetClock().IsSeedKept());
+    hold(Qt::Key_F6, "");
+    EXPECT_TRUE(Window.GetLook().Boxes);
+    hold(Qt::Key_F7, "");
+    EXPECT_TRUE(Window.GetLook().Velocities);
+    hold(Qt::Key_F8, "");
+    EXPECT_TRUE(Window.GetLook().Emitters);
+    const int speed = GetClock().GetSpeed();
+    hold(Qt::Key_Minus, "-");
+    EXPECT_EQ(GetClock().GetSpeed(), speed - 2);
+    hold(Qt::Key_Plus, "+");
+    EXPECT_EQ(GetClock().GetSpeed(), speed);
+    hold(Qt::Key_Space, " ");
+    EXPECT_TRUE(GetClock().IsPaused());
+    const float before = Window.GetTime();
+    QTest::keyClick(view, Qt::Key_Period);
+    const float step = Window.GetTime() - before;
+    ASSERT_GT(step, 0);
+    hold(Qt::Key_Period, ".");
+    EXPECT_NEAR(Window.GetTime(), before + 3 * step, step / 2);
+}
