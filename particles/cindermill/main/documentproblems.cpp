@@ -19,6 +19,7 @@ TString GetProblemName(const TString& name)
 // words may be of the message itself.
 void NameNode(TProblem& problem)
 {
+    problem.Text = problem.Message;
     if (problem.Node == nullptr)
         return;
     const TString name = GetProblemName(problem.Node->GetNodeType()->Name);
@@ -44,8 +45,8 @@ void TDocumentProblems::TakeErrors(const TEffectGraph& graph, const TErrorList& 
     bool isPlaced = true;
     for (const TError* error : errors) {
         TProblem problem;
-        problem.Text = GetErrorLine(*error);
-        problem.Text.Trim();
+        problem.Message = GetErrorLine(*error);
+        problem.Message.Trim();
         problem.Node = graph.FindNodeOf(error->GetSource().Type);
         NameNode(problem);
         problem.OfGraph = ofGraph;
@@ -87,9 +88,12 @@ bool TDocumentProblems::Review(const TEffectGraph& graph)
         TakeErrors(graph, errors, true);
     } else {
         // What the engine met at nodes that are still there is not known to be mended.
-        for (const TProblem& problem : before)
-            if (!problem.OfGraph && (problem.Node == nullptr || graph.Has(problem.Node)))
-                Append(Problems, problem);
+        for (TProblem problem : before) {
+            if (problem.OfGraph || (problem.Node != nullptr && !graph.Has(problem.Node)))
+                continue;
+            NameNode(problem);
+            Append(Problems, problem);
+        }
     }
     return !IsSame(before);
 }

@@ -11,6 +11,8 @@ class TErrorList;
 struct TProblem
 {
     TString Text;
+    // The text without the node's name before it, which may change.
+    TString Message;
     // The node to look at; null if none is known. It may have left the graph since, or gone.
     const TEffectNode* Node = nullptr;
     // Of the graph as such; others are of the engine, which is made of a graph that has none of these.

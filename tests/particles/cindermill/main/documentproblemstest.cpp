@@ -5,6 +5,7 @@
 #include "particles/cindermill/graph/operations/addgraphnodeop.h"
 #include "particles/cindermill/graph/operations/deletegraphnodeop.h"
 #include "particles/cindermill/graph/operations/movegraphnodeop.h"
+#include "particles/cindermill/graph/operations/nodepropertiesop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/main/documentstep.h"
@@ -157,7 +158,7 @@ TEST_F(DocumentProblems, AnEntryNamesTheNodeItLeadsTo)
     EXPECT_EQ(TextAt(stage), "Sprite Render Stage: No texture specified in Quad Render Stage");
 }
 
-TEST_F(DocumentProblems, AnEntryNamesANodeWhoseNameIsAWordOfTheMessage)
+TEST_F(DocumentProblems, AnEntryNamesANodeByTheNameItHasThoughTheMessageHasItsWords)
 {
     TToolNode* emitter = Add("Emitter");
     TToolNode* points = Add("Point Emitter");
@@ -167,6 +168,10 @@ TEST_F(DocumentProblems, AnEntryNamesANodeWhoseNameIsAWordOfTheMessage)
     Connect(emitter, "Count", points, "Emission Trigger");
     Document.RebuildSchedule(false);
     EXPECT_EQ(TextAt(stage), "Quad: No texture specified in Quad Render Stage");
+    TNodeProperties renamed = GetNodeProperties(*stage->GetNodeType());
+    renamed.Name = "Sparks";
+    Document.ApplyOperation(new TNodePropertiesOp(stage, renamed));
+    EXPECT_EQ(TextAt(stage), "Sparks: No texture specified in Quad Render Stage");
 }
 
 TEST_F(DocumentProblems, NamesOfAnyLengthAreTold)
