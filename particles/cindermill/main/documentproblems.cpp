@@ -15,17 +15,25 @@ TString GetProblemName(const TString& name)
     return ShortenName(OneLineText(name.Print()).Print(), MostBytes);
 }
 
-// Several types share a message, which an artist's own name for a node is not in either. Without quotes its
-// words may be of the message itself.
+// In quotes, or as what a message ends with: elsewhere the words of a name may be of the message itself.
+bool IsNamed(const TString& text, const TString& name)
+{
+    TString quoted;
+    quoted.Format("\"%s\"", name.Print());
+    TString last;
+    last.Format(" in %s", name.Print());
+    const int at = text.FindString(last.Print(), true);
+    return text.FindString(quoted.Print(), true) >= 0 || (at >= 0 && at == text.Length() - last.Length());
+}
+
+// Several types share a message, which an artist's own name for a node is not in either.
 void NameNode(TProblem& problem)
 {
     problem.Text = problem.Message;
     if (problem.Node == nullptr)
         return;
     const TString name = GetProblemName(problem.Node->GetNodeType()->Name);
-    TString quoted;
-    quoted.Format("\"%s\"", name.Print());
-    if (problem.Text.FindString(quoted.Print(), true) >= 0)
+    if (IsNamed(problem.Text, name))
         return;
     TString text;
     text.Format("%s: %s", name.Print(), problem.Text.Print());

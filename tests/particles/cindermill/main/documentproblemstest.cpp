@@ -158,6 +158,17 @@ TEST_F(DocumentProblems, AnEntryNamesTheNodeItLeadsTo)
     EXPECT_EQ(TextAt(stage), "Sprite Render Stage: No texture specified in Quad Render Stage");
 }
 
+TEST_F(DocumentProblems, AnEntryThatEndsWithItsNodesNameIsLeftAsItIs)
+{
+    TToolNode* emitter = Add("Emitter");
+    TToolNode* points = Add("Point Emitter");
+    TToolNode* stage = Add("Quad Render Stage");
+    Connect(points, "Start Transform", stage, "Transform");
+    Connect(emitter, "Count", points, "Emission Trigger");
+    Document.RebuildSchedule(false);
+    EXPECT_EQ(TextAt(stage), "No texture specified in Quad Render Stage");
+}
+
 TEST_F(DocumentProblems, AnEntryNamesANodeByTheNameItHasThoughTheMessageHasItsWords)
 {
     TToolNode* emitter = Add("Emitter");
