@@ -1,8 +1,8 @@
+#include "halveswindow.h"
+
 #include "support/windowtest.h"
 
 #include "library/wimp/gdi/gdibitmap.h"
-#include "library/wimp/gl/renderer.h"
-#include "library/wimp/gl/renderobject.h"
 #include "library/wimp/wimp.h"
 
 #include <QtGui/QCursor>
@@ -31,38 +31,6 @@ double GetScale()
     return scale != nullptr ? std::atof(scale) : 1.0;
 }
 
-class TRedObject : public TRenderObject
-{
-public:
-    void Render(TRenderer& renderer) override
-    {
-        TVector2 min;
-        TVector2 max;
-        renderer.GetVisibleRect(min, max);
-        renderer.SetColour(TVector4(1, 0, 0, 1));
-        renderer.DrawRectangle(min, max);
-    }
-    void GetBounds(TVector2& min, TVector2& max) override
-    {
-        min = TVector2(-1e6f, -1e6f);
-        max = TVector2(1e6f, 1e6f);
-    }
-};
-
-// All red, by OpenGL.
-class TRedWindow : public TRecordingWindow
-{
-public:
-    bool OnMessage(const TMessage& message) override
-    {
-        if (message.Type == MT_PAINT)
-            Renderer.Render(Root);
-        return TRecordingWindow::OnMessage(message);
-    }
-    TRenderer Renderer;
-    TRedObject Root;
-};
-
 class Scaled : public TWindowTest
 {
 protected:
@@ -75,6 +43,7 @@ protected:
         params.Kind = WK_GLCHILD;
         ASSERT_TRUE(Inner.Create(params));
         ASSERT_TRUE(Inner.Renderer.Init(&Inner));
+        Inner.Root.Upper = Inner.Root.Lower = TVector4(1, 0, 0, 1);
     }
     void TearDown() override
     {
@@ -97,7 +66,8 @@ protected:
     TWindowClass Class{"test_scaled"};
     TWindowClass InnerClass{"test_scaled_inner"};
     TRecordingWindow Window;
-    TRedWindow Inner;
+    // All red.
+    THalvesWindow Inner;
 };
 
 } // namespace

@@ -39,6 +39,16 @@ protected:
                                                     source->GetNodeType()->FindOutput(output), destination,
                                                     destination->GetNodeType()->FindInput(input)));
     }
+    // One that emits, into a stage of a type without a texture.
+    TToolNode* AddRunningStage(const char* type)
+    {
+        TToolNode* emitter = Add("Emitter");
+        TToolNode* points = Add("Point Emitter");
+        TToolNode* stage = Add(type);
+        Connect(points, "Start Transform", stage, "Transform");
+        Connect(emitter, "Count", points, "Emission Trigger");
+        return stage;
+    }
     std::string TextAt(const TToolNode* node)
     {
         TString text;
@@ -149,34 +159,22 @@ TEST_F(DocumentProblems, AreNotLookedAtForAMove)
 // Both stages give the same message.
 TEST_F(DocumentProblems, AnEntryNamesTheNodeItLeadsTo)
 {
-    TToolNode* emitter = Add("Emitter");
-    TToolNode* points = Add("Point Emitter");
-    TToolNode* stage = Add("Sprite Render Stage");
-    Connect(points, "Start Transform", stage, "Transform");
-    Connect(emitter, "Count", points, "Emission Trigger");
+    TToolNode* stage = AddRunningStage("Sprite Render Stage");
     Document.RebuildSchedule(false);
     EXPECT_EQ(TextAt(stage), "Sprite Render Stage: No texture specified in Quad Render Stage");
 }
 
 TEST_F(DocumentProblems, AnEntryThatEndsWithItsNodesNameIsLeftAsItIs)
 {
-    TToolNode* emitter = Add("Emitter");
-    TToolNode* points = Add("Point Emitter");
-    TToolNode* stage = Add("Quad Render Stage");
-    Connect(points, "Start Transform", stage, "Transform");
-    Connect(emitter, "Count", points, "Emission Trigger");
+    TToolNode* stage = AddRunningStage("Quad Render Stage");
     Document.RebuildSchedule(false);
     EXPECT_EQ(TextAt(stage), "No texture specified in Quad Render Stage");
 }
 
 TEST_F(DocumentProblems, AnEntryNamesANodeByTheNameItHasThoughTheMessageHasItsWords)
 {
-    TToolNode* emitter = Add("Emitter");
-    TToolNode* points = Add("Point Emitter");
-    TToolNode* stage = Add("Sprite Render Stage");
+    TToolNode* stage = AddRunningStage("Sprite Render Stage");
     stage->GetNodeType()->Name = "Quad";
-    Connect(points, "Start Transform", stage, "Transform");
-    Connect(emitter, "Count", points, "Emission Trigger");
     Document.RebuildSchedule(false);
     EXPECT_EQ(TextAt(stage), "Quad: No texture specified in Quad Render Stage");
     TNodeProperties renamed = GetNodeProperties(*stage->GetNodeType());
