@@ -50,16 +50,23 @@ TString ShortenName(const char* name, int limit)
 {
     static const char* const Gap = "...";
     constexpr int GapLength = 3;
-    TString result(name);
-    const int length = result.Length();
+    const TString line = OneLineText(name);
+    const int length = line.Length();
     if (length <= limit)
-        return result;
+        return line;
     const int kept = limit > GapLength ? limit - GapLength : 0;
     const int end = kept / 2;
-    result.Left(name, FindCut(name, kept - end));
+    TString result;
+    result.Left(line.Print(), FindCut(line.Print(), kept - end));
     result += Gap;
-    result += name + FindCutAbove(name, length - end);
+    result += line.Print() + FindCutAbove(line.Print(), length - end);
     return result;
+}
+
+TString GetToldName(const TString& name)
+{
+    constexpr int MostBytes = 30;
+    return ShortenName(name.Print(), MostBytes);
 }
 
 TString OneLineText(const char* text)

@@ -3,6 +3,7 @@
 #include "library/containers/vector.h"
 #include "library/wimp/gl/framebuffers.h"
 #include "library/wimp/gl/glcontext.h"
+#include "library/wimp/window.h"
 #include "library/wimp/windowpeer.h"
 
 #include <QtGui/QImage>
@@ -31,10 +32,10 @@ QOffscreenSurface& GetSurface()
     return *surface;
 }
 
-bool CanShow(const QSize& dots)
+bool CanShow(int width, int height)
 {
     const int most = GetMaxTextureSide();
-    return !dots.isEmpty() && dots.width() <= most && dots.height() <= most;
+    return width > 0 && height > 0 && width <= most && height <= most;
 }
 
 // Where the widget begins on the screen's dots. The window system gives it the dots from there on.
@@ -47,15 +48,15 @@ QPointF GetFirstDot(const QWidget& widget)
 }
 
 // Only one window is painted at a time: all are read into one picture.
-void ShowFrame(QWidget& widget, const QSize& size)
+void ShowFrame(QWidget& widget, int width, int height)
 {
     static vector<uint8_t> pixels;
     constexpr int dotSize = 4;
-    const int numBytes = size.width() * size.height() * dotSize;
+    const int numBytes = width * height * dotSize;
     if (pixels.size() < numBytes)
         pixels.resize(numBytes);
-    GetBuffers().Read(size.width(), size.height(), pixels.data());
-    QImage image(pixels.data(), size.width(), size.height(), size.width() * dotSize, QImage::Format_RGB32);
+    GetBuffers().Read(width, height, pixels.data());
+    QImage image(pixels.data(), width, height, width * dotSize, QImage::Format_RGB32);
     image.setDevicePixelRatio(widget.devicePixelRatio());
     QPainter painter(&widget);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
@@ -77,17 +78,20 @@ bool MakeSharedGlCurrent()
     return context != nullptr && context->makeCurrent(&GetSurface());
 }
 
-unsigned UseSharedFrameBuffer(const QSize& dots)
+unsigned UseSharedFrameBuffer(int width, int height)
 {
-    return CanShow(dots) ? GetBuffers().Use(dots.width(), dots.height()) : 0;
+    return CanShow(width, height) ? GetBuffers().Use(width, height) : 0;
 }
 
 void PaintShared(TWindowPeer& peer)
 {
     QWidget& widget = *peer.GetWidget();
     const QPointer<QWidget> self(&widget);
-    const QSize size = widget.size() * widget.devicePixelRatio();
-    if (!CanShow(size) || !MakeSharedGlCurrent()) {
+    int width = 0;
+    int height = 0;
+    if (peer.GetWindow() != nullptr)
+        peer.GetWindow()->GetDotSize(width, height);
+    if (!CanShow(width, height) || !MakeSharedGlCurrent()) {
         QPainter(&widget).fillRect(widget.rect(), Qt::black);
         return;
     }
@@ -96,5 +100,5 @@ void PaintShared(TWindowPeer& peer)
         peer.Paint();
     }
     if (self != nullptr && MakeSharedGlCurrent())
-        ShowFrame(widget, size);
+        ShowFrame(widget, width, height);
 }

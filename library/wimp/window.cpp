@@ -480,7 +480,7 @@ unsigned TWindow::GetFrameBuffer()
         int width = 0;
         int height = 0;
         GetDotSize(width, height);
-        return UseSharedFrameBuffer(QSize(width, height));
+        return UseSharedFrameBuffer(width, height);
     }
     QOpenGLWidget* widget = GlWidgetOf(Handle);
     return widget != nullptr ? widget->defaultFramebufferObject() : 0;

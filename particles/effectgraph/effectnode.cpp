@@ -48,6 +48,14 @@ void TEffectNode::SetPortCounts(int numInputs, int numOutputs)
         Outputs.push_back(TOutput());
 }
 
+int TEffectNode::FindUnwired(int from) const
+{
+    for (int i = from; i < NodeType->GetNumInputs(); ++i)
+        if (NodeType->IsInputRequired(i) && GetInput(i) == nullptr)
+            return i;
+    return -1;
+}
+
 void TEffectNode::SetInput(int index, TEffectEdge* edge)
 {
     ASSERT_TEXT(index >= 0 && index < Inputs.size(), "index < Inputs.size()");

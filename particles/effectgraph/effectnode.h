@@ -25,6 +25,8 @@ public:
     int GetNumOutputs() const { return Outputs.size(); }
     // Null for an unconnected input.
     TEffectEdge* GetInput(int i) const { return Inputs[i]; }
+    // The first input from there on that must have a wire and has none; -1 if there is none such.
+    int FindUnwired(int from = 0) const;
     void SetInput(int index, TEffectEdge* edge);
     void AddOutputEdge(int index, TEffectEdge* edge);
     // Its place in the list.

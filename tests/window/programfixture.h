@@ -32,10 +32,13 @@ inline std::string Screenshot(const std::string& name)
     return std::string(CINDERMILL_SCREENSHOTS) + "/" + name + ".png";
 }
 
+// -1 for what cannot be compared: a picture that could not be taken has no pixels.
 inline int CountDifferences(const TPicture& first, const TPicture& second)
 {
+    if (first.Pixels.empty() || first.Width != second.Width || first.Height != second.Height)
+        return -1;
     int count = 0;
-    for (size_t i = 0; i < first.Pixels.size() && i < second.Pixels.size(); ++i)
+    for (size_t i = 0; i < first.Pixels.size(); ++i)
         count += first.Pixels[i] != second.Pixels[i];
     return count;
 }

@@ -267,6 +267,8 @@ TEST_F(Program, AFullDiscLosesNothing)
 {
     TProgramOptions options;
     options.FileSizeLimit = 3000;
+    // Where a graphics card draws, the toolkit has programs of OpenGL to keep.
+    options.Environment = {"QT_WIDGETS_RHI=1"};
     TProgram program(Screen, options);
     TWorkshop workshop(Screen, program);
     StartWithNewDocument(program, workshop);

@@ -10,8 +10,8 @@
 class TFrameBuffers
 {
 public:
-    // The name of one of so many dots, with a depth buffer. It shows what was drawn last into one of its
-    // size, or anything.
+    // The name of one of so many dots, with a depth buffer, which holds until the next use, as only a few
+    // sizes are kept. It shows what was drawn last into one of its size, or anything.
     unsigned Use(int width, int height);
     // What it shows, the highest row first: blue, green, red and 255 for each dot.
     void Read(int width, int height, uint8_t* pixels);
@@ -33,7 +33,7 @@ private:
     vector<TBuffer> Buffers;
 };
 
-// What is drawn while one lives leaves no states behind for the next window.
+// What is drawn while one lives leaves no attributes behind for the next window.
 class TGlStateScope
 {
 public:

@@ -306,7 +306,8 @@ bool TGraphActions::Do(int id)
     else if (!DoToSelection(id, done))
         return false;
     if (!done)
-        GetScene().GetHost().TellStatus("There is nothing to do for the selected nodes");
+        GetScene().GetHost().TellStatus(id == GA_TIDY ? "The nodes stand where they are tidy"
+                                                      : "There is nothing to do for the selected nodes");
     GetScene().GetHost().RedrawGraphs();
     return true;
 }

@@ -12,7 +12,7 @@ namespace {
 TString GetProblemName(const TString& name)
 {
     constexpr int MostBytes = 100;
-    return ShortenName(OneLineText(name.Print()).Print(), MostBytes);
+    return ShortenName(name.Print(), MostBytes);
 }
 
 // In quotes, or as what a message ends with: elsewhere the words of a name may be of the message itself.
@@ -70,9 +70,7 @@ void TDocumentProblems::AddUnwired(const TEffectGraph& graph)
     for (int i = 0; i < graph.GetNumNodes(); ++i) {
         const TEffectNode& node = *graph.GetNode(i);
         const TNodeType& type = *node.GetNodeType();
-        for (int input = 0; input < type.GetNumInputs(); ++input) {
-            if (!type.IsInputRequired(input) || node.GetInput(input) != nullptr)
-                continue;
+        for (int input = node.FindUnwired(); input != -1; input = node.FindUnwired(input + 1)) {
             TProblem problem;
             problem.Text.Format("%s: nothing is wired to \"%s\"", GetProblemName(type.Name).Print(),
                                 GetProblemName(type.GetInput(input)->Name).Print());

@@ -1,6 +1,7 @@
 #include "particles/cindermill/interface/graph/graphcanvas.h"
 
 #include "library/containers/classregistry.h"
+#include "library/containers/shortentext.h"
 #include "library/maths/scalar.h"
 #include "library/wimp/gl/renderer.h"
 #include "library/wimp/gl/renderwindow.h"
@@ -14,7 +15,6 @@
 #include "particles/cindermill/interface/graph/graphscene.h"
 #include "particles/cindermill/interface/graph/nodeobj.h"
 #include "particles/cindermill/interface/graph/nodesearch.h"
-#include "particles/cindermill/interface/graph/porttext.h"
 #include "particles/cindermill/main/documentstep.h"
 
 #include <cmath>

@@ -51,12 +51,6 @@ void AddDestinations(const TToolNode& node, int port, TString& text)
 
 } // namespace
 
-TString GetToldName(const TString& name)
-{
-    constexpr int MostBytes = 30;
-    return ShortenName(OneLineText(name.Print()).Print(), MostBytes);
-}
-
 void TellPort(const TPort& port, TString& text)
 {
     const TToolNode& node = *port.GetNode()->GetToolNode();

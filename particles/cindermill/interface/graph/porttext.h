@@ -4,8 +4,6 @@
 
 class TPort;
 
-// A name in a line that tells of several: whole if it is not longer than those that people give.
-TString GetToldName(const TString& name);
 // What a person is told of a port: its type and what it is wired to.
 void TellPort(const TPort& port, TString& text);
 // By its node's name and its own.

@@ -1,12 +1,12 @@
 #include "particles/cindermill/interface/graph/wiring.h"
 
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/graph/operations/addgraphedgeop.h"
 #include "particles/cindermill/graph/operations/changegraphedgeop.h"
 #include "particles/cindermill/graph/operations/deletegraphedgeop.h"
 #include "particles/cindermill/graph/operations/tooledge.h"
 #include "particles/cindermill/graph/operations/toolnode.h"
 #include "particles/cindermill/interface/graph/graphwalk.h"
-#include "particles/cindermill/interface/graph/porttext.h"
 #include "particles/cindermill/main/documentstep.h"
 
 bool CanReplaceWire(TEffectNode* source, int sourcePort, TEffectNode* destination, int destinationPort,

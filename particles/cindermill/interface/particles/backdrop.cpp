@@ -81,7 +81,7 @@ bool TBackdrop::LoadPicture(const char* path, TString& fault)
     int height = 0;
     if (TImage::ReadSize(path, width, height) &&
         int64_t{width} * height > int64_t{MaxPictureWidth} * MaxPictureHeight) {
-        fault.Format("it has %d x %d pixels; a background may have as many as %d x %d", width, height,
+        fault.Format("it has %d x %d pixels; a background may have as many as %d x %d are", width, height,
                      MaxPictureWidth, MaxPictureHeight);
         return false;
     }

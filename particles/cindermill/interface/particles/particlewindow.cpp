@@ -397,14 +397,13 @@ void TParticleWindow::ChooseBackground(TBackground background)
         SetBackground(background, GetLook().Colour);
 }
 
-// Each colour that is tried is seen behind the effect, which runs on. It begins with the one that was chosen
-// before, or else with what is seen.
+// Each colour that is tried is seen behind the effect, which runs on. It begins with the one that is
+// seen, or where none is, with the one that was chosen before.
 void TParticleWindow::ChooseOwnColour()
 {
     const TPreviewLook before = GetLook();
-    const bool isOwn = before.Colour != TPreviewLook().Colour || before.Background == BG_CHECKER ||
-                       before.Background == BG_PICTURE;
-    TGDIColour colour = isOwn ? before.Colour : TBackdrop::GetColour(before);
+    const bool isColour = before.Background != BG_CHECKER && before.Background != BG_PICTURE;
+    TGDIColour colour = isColour ? TBackdrop::GetColour(before) : before.Colour;
     const auto tried = [](TGDIColour shown, void* window) {
         static_cast<TParticleWindow*>(window)->SetBackground(BG_COLOUR, shown);
     };

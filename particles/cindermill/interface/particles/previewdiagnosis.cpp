@@ -1,5 +1,6 @@
 #include "particles/cindermill/interface/particles/previewdiagnosis.h"
 
+#include "library/containers/shortentext.h"
 #include "particles/cindermill/interface/particles/previewgroups.h"
 #include "particles/cindermill/main/document.h"
 #include "particles/effectgraph/simpleparameters.h"
@@ -10,6 +11,11 @@ namespace {
 // An effect may pause for so long between two bursts.
 constexpr float Patience = 1.0f;
 constexpr const char* TextureNames[] = {"Texture", "Base Texture", "Blend Texture"};
+
+TString ToldName(const TEffectNode& node)
+{
+    return GetToldName(node.GetNodeType()->Name);
+}
 
 bool LacksTexture(const TNodeType& type)
 {
@@ -51,20 +57,13 @@ const TEffectNode* FindUntriggered(const TEffectSchedule& schedule)
     return nullptr;
 }
 
-// A node that lacks a wire that it must have, by the input's name: its group is left out, and others may be
-// kept from running by that.
-const TEffectNode* FindUnfinished(const TEffectSchedule& schedule, TString& input)
+// A node that lacks a wire that it must have: its group is left out, and others may be kept from running by
+// that.
+const TEffectNode* FindUnfinished(const TEffectSchedule& schedule)
 {
-    for (int n = 0; n < schedule.GetNumNodes(); ++n) {
-        const TEffectNode* node = schedule.GetNode(n);
-        const TNodeType& type = *node->GetNodeType();
-        for (int i = 0; i < type.GetNumInputs(); ++i) {
-            if (!type.IsInputRequired(i) || node->GetInput(i) != nullptr)
-                continue;
-            input = type.GetInput(i)->Name;
-            return node;
-        }
-    }
+    for (int n = 0; n < schedule.GetNumNodes(); ++n)
+        if (schedule.GetNode(n)->FindUnwired() != -1)
+            return schedule.GetNode(n);
     return nullptr;
 }
 
@@ -90,7 +89,7 @@ void TPreviewDiagnosis::TellStopped(TDocument& document)
         Text = "The graph is empty.\nDrag nodes into it from the list at its left, then press Update.";
     } else if (const TEffectNode* stage = FindStageWithoutTexture(document.GetSchedule())) {
         Text.Format("\"%s\" has no texture.\nOpen its panel in the graph and choose one.",
-                    stage->GetNodeType()->Name.Print());
+                    ToldName(*stage).Print());
     } else {
         Text = "This effect is not running.\nPress Update to start it, or to see what it lacks.";
     }
@@ -161,16 +160,16 @@ void TPreviewDiagnosis::TellNothingAlive(TDocument& document)
         return;
     }
     const TEffectSchedule& schedule = document.GetEngine().GetSchedule();
-    TString input;
     if (const TEffectNode* untriggered = FindUntriggered(schedule))
         Text.Format("Nothing has been emitted.\nWire an Emitter to the Emission Trigger of \"%s\".",
-                    untriggered->GetNodeType()->Name.Print());
-    else if (const TEffectNode* unfinished = FindUnfinished(schedule, input))
-        Text.Format("Nothing has been emitted.\nWire the %s of \"%s\", or delete that node.", input.Print(),
-                    unfinished->GetNodeType()->Name.Print());
+                    ToldName(*untriggered).Print());
+    else if (const TEffectNode* unfinished = FindUnfinished(schedule))
+        Text.Format("Nothing has been emitted.\nWire the %s of \"%s\", or delete that node.",
+                    GetToldName(unfinished->GetNodeType()->GetInput(unfinished->FindUnwired())->Name).Print(),
+                    ToldName(*unfinished).Print());
     else if (const TEffectNode* trigger = FindTrigger(schedule))
         Text.Format("Nothing has been emitted yet.\nLook at the rate and the delay of \"%s\".",
-                    trigger->GetNodeType()->Name.Print());
+                    ToldName(*trigger).Print());
     else
         Text = "Nothing has been emitted.\nWire an Emitter to the Emission Trigger of what emits.";
 }

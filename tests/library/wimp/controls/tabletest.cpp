@@ -104,6 +104,11 @@ TEST_F(TTableTest, ScrollingMovesLabelsAndCells)
     wheel.Delta = -120;
     TWindow::Find(Find("table_label"))->OnMessage(wheel);
     EXPECT_EQ(Table.GetFirstRow(), 43);
+    // Parts of one that are no whole pixels each are not lost.
+    wheel.Delta = -5;
+    for (int i = 0; i < 120 / 5; ++i)
+        TWindow::Find(Find("table_label"))->OnMessage(wheel);
+    EXPECT_EQ(Table.GetFirstRow(), 46);
 }
 
 TEST_F(TTableTest, ATableWithFewerRowsThanRoomHasNoScrollBar)

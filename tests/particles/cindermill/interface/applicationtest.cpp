@@ -36,6 +36,17 @@ TEST_F(Application, TheOptionsEntryOpensTheOptionsDialog)
     EXPECT_TRUE(met);
 }
 
+TEST_F(Application, BeepsWhereTheDocumentsAskForIt)
+{
+    static int beeps;
+    beeps = 0;
+    TApplication application;
+    SetBeep([] { ++beeps; });
+    application.Beep();
+    SetBeep(nullptr);
+    EXPECT_EQ(beeps, 1);
+}
+
 TEST_F(Application, EveryTypeWithADisplayGetsOne)
 {
     TApplication application;

@@ -238,6 +238,20 @@ TEST_F(GraphActions, TheEntriesOfTheMainMenuShowWhatHasSomethingToDoAndActOnTheS
     EXPECT_TRUE(Graph().GetActions().GetSearch().IsOpen());
 }
 
+TEST_F(GraphActions, WhereThereIsNothingToDoTheStatusBarSaysSo)
+{
+    Document->SelectNode(First, true);
+    Key(Graph(), Qt::Key_E, Qt::ControlModifier);
+    EXPECT_TRUE(Frame.IsLastNote("There is nothing to do for the selected nodes"));
+    // Of all nodes, as none is selected.
+    Document->ClearSelection();
+    Key(Graph(), Qt::Key_T, Qt::ControlModifier);
+    const int steps = NumUndoSteps();
+    Key(Graph(), Qt::Key_T, Qt::ControlModifier);
+    EXPECT_EQ(NumUndoSteps(), steps);
+    EXPECT_TRUE(Frame.IsLastNote("The nodes stand where they are tidy"));
+}
+
 TEST_F(GraphActions, WithNothingSelectedTheStatusBarSaysSo)
 {
     Document->ClearSelection();

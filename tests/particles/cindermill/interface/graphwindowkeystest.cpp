@@ -119,6 +119,20 @@ TEST_F(GraphWindow, ShortcutsOfFilesActOnThisDocument)
     EXPECT_EQ(App.Get().GetDocuments().size(), 4);
 }
 
+// The way back and forth through many steps would be a key for each.
+TEST_F(GraphWindow, HeldKeysOfUndoRedoAndPasteGoOn)
+{
+    Document->SelectNode(First, true);
+    Document->CopySelection();
+    const int before = Document->GetGraph()->GetNumNodes();
+    HoldKey(Graph(), Qt::Key_V, 3, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), before + 3);
+    HoldKey(Graph(), Qt::Key_Z, 2, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), before + 1);
+    HoldKey(Graph(), Qt::Key_Y, 2, Qt::ControlModifier);
+    EXPECT_EQ(Document->GetGraph()->GetNumNodes(), before + 3);
+}
+
 TEST_F(GraphWindow, AHeldKeyMakesOneDocument)
 {
     HoldKey(Graph(), Qt::Key_N, 3, Qt::ControlModifier);

@@ -26,12 +26,16 @@ TEST_F(GraphWindow, AZoomStopsARunningFocus)
 TEST_F(GraphWindow, ALeftDragOnEmptySpacePansByDefault)
 {
     SetPanButton(PanLeft);
+    const auto shape = [this] { return Graph().GetHandle()->cursor().shape(); };
+    const Qt::CursorShape before = shape();
     Press(Graph(), Empty);
+    EXPECT_EQ(shape(), Qt::ClosedHandCursor);
     EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_PANNING);
     Move(Graph(), Empty + QPoint(30, -20));
     EXPECT_EQ(Offset(), TVector2(30, -20));
     Release(Graph(), Empty + QPoint(30, -20));
     EXPECT_EQ(Graph().GetState(), TGraphWindow::GS_IDLE);
+    EXPECT_EQ(shape(), before);
     EXPECT_EQ(TWimp::Get().GetMouseDrag(), nullptr);
     Move(Graph(), Empty, Qt::NoButton);
     EXPECT_EQ(Offset(), TVector2(30, -20));
@@ -270,6 +274,15 @@ TEST_F(GraphWindow, ARightButtonThatMovedTwoPixelsStillClicks)
     SetPanButton(PanRight);
     const QPoint at = MiddleOf(*Document, First);
     EXPECT_NE(MenuOf([&] { Drag(Graph(), at, at + QPoint(2, 0), Qt::RightButton); }), "");
+    EXPECT_EQ(MenuOf([&] { Drag(Graph(), at, at + QPoint(3, 0), Qt::RightButton); }), "");
+}
+
+// How far is counted across.
+TEST_F(GraphWindow, ARightButtonThatMovedStraightDownStillClicks)
+{
+    SetPanButton(PanRight);
+    const QPoint at = MiddleOf(*Document, First);
+    EXPECT_NE(MenuOf([&] { Drag(Graph(), at, at + QPoint(0, 30), Qt::RightButton); }), "");
 }
 
 TEST_F(GraphWindow, TheHelpGoesWithTheWheelWithKeysAndWithFraming)

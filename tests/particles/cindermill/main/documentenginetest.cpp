@@ -31,6 +31,21 @@ TEST_F(Document, AStructuralEditRebuildsARunningEngineOnly)
     EXPECT_TRUE(document.GetEngine().IsInited());
 }
 
+TEST_F(Document, AnotherNumberOfGroupsRedrawsTheWindows)
+{
+    TFakeHost host;
+    TDocument document(App.Get(), &host);
+    document.New();
+    BuildEffect(document);
+    ASSERT_EQ(document.GetSchedule().GetNumGroups(), 0);
+    host.Redraws = 0;
+    document.RebuildSchedule(true);
+    ASSERT_GT(document.GetSchedule().GetNumGroups(), 0);
+    EXPECT_EQ(host.Redraws, 1);
+    document.RebuildSchedule(true);
+    EXPECT_EQ(host.Redraws, 1);
+}
+
 TEST_F(Document, AScheduleThatFailsAtLoadShowsNoDialogAndAfterAnEditItDoes)
 {
     std::string path;

@@ -174,6 +174,17 @@ TEST_F(PreviewDiagnosis, AStageThatLacksAWireIsNamedWhereNothingIsEmitted)
     ASSERT_EQ(Sample->GetGraph()->GetNumNodes(), 2 * numNodes - 1);
     Sample.Run(2);
     EXPECT_TRUE(Tells("Wire the Transform of \"Sprite Render Stage\"")) << Told();
+    // However long the names in a file are.
+    const std::string name = "first" + std::string(4085, 'n') + "last";
+    for (int i = 0; i < Sample->GetGraph()->GetNumNodes(); ++i) {
+        TEffectNode* node = Sample->GetGraph()->GetNode(i);
+        if (node->FindUnwired() == -1)
+            continue;
+        node->GetNodeType()->GetInput(node->FindUnwired())->Name = name.c_str();
+        node->GetNodeType()->Name = name.c_str();
+    }
+    EXPECT_LT(Told().size(), 200u);
+    EXPECT_TRUE(Tells("nnlast\", or delete")) << Told();
 }
 
 TEST_F(PreviewDiagnosis, AnEffectWhoseParticlesHaveDiedSaysSo)

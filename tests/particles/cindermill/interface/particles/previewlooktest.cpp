@@ -188,7 +188,7 @@ TEST_F(PreviewLook, APictureOfTooManyPixelsIsRefusedUnread)
     std::filesystem::resize_file(path, (uint64_t{1} << 30) + 128);
     TString fault;
     EXPECT_FALSE(Scene.GetBackdrop().LoadPicture(path.c_str(), fault));
-    EXPECT_EQ(Text(fault), "it has 16384 x 16384 pixels; a background may have as many as 8192 x 4096");
+    EXPECT_EQ(Text(fault), "it has 16384 x 16384 pixels; a background may have as many as 8192 x 4096 are");
     EXPECT_FALSE(Scene.GetBackdrop().HasPicture());
 }
 

@@ -76,6 +76,46 @@ protected:
     TParticleWindow Window;
 };
 
+// Each pair leads there and back; Shift hurries, Ctrl slows down.
+TEST_F(ParticleWindow, TheFlyingCameraHasAKeyForEachWay)
+{
+    App.Get().GetSettings().SetCameraMode(1);
+    Tick(10);
+    QWidget* widget = Find<QWidget>("cindermill_particlewindow_render");
+    const auto view = [this] {
+        TMatrix4 matrix;
+        Window.GetRenderWindow().GetCamera().GetView(matrix);
+        return TVector3(matrix[3][0], matrix[3][1], matrix[3][2]);
+    };
+    // How far the key moves the eye.
+    const auto move = [&](int key, int held = 0) {
+        const TVector3 before = view();
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease})
+            for (const int which : {held, key}) {
+                QKeyEvent event(type, which, Qt::NoModifier);
+                if (which != 0)
+                    QApplication::sendEvent(widget, &event);
+                if (which == key && type == QEvent::KeyPress)
+                    Tick(20);
+            }
+        return view() - before;
+    };
+    const int pairs[][2] = {
+        {Qt::Key_Up, Qt::Key_Down}, {Qt::Key_Left, Qt::Key_Right}, {Qt::Key_PageUp, Qt::Key_PageDown}};
+    TVector3 ways[3];
+    for (int i = 0; i < 3; ++i) {
+        ways[i] = move(pairs[i][0]);
+        const TVector3 back = move(pairs[i][1]);
+        EXPECT_GT(ways[i].Length(), 0.001f) << i;
+        EXPECT_LT((ways[i] + back).Length(), 0.0001f) << i;
+        for (int k = 0; k < i; ++k)
+            EXPECT_GT((ways[i] - ways[k]).Length(), 0.001f) << i;
+    }
+    const float plain = ways[0].Length();
+    EXPECT_GT(move(Qt::Key_Up, Qt::Key_Shift).Length(), plain * 1.5f);
+    EXPECT_LT(move(Qt::Key_Up, Qt::Key_Control).Length(), plain * 0.75f);
+}
+
 TEST_F(ParticleWindow, IsATopWindowWithItsTwoChildren)
 {
     EXPECT_EQ(Window.GetType(), 1);

@@ -131,10 +131,14 @@ TEST_F(PreviewTransport, TheCostOfAFrameIsNotCutInItsMiddle)
         };
         int gap = 0;
         int widest = 0;
+        int inked = 0;
         for (int x = 0; x < width - 20; ++x) {
-            gap = hasInk(x) ? 0 : gap + 1;
+            const bool ink = hasInk(x);
+            inked += ink ? 1 : 0;
+            gap = ink ? 0 : gap + 1;
             widest = std::max(widest, gap);
         }
+        EXPECT_GT(inked, 30) << width;
         EXPECT_GT(widest, 30) << width;
     }
 }
